@@ -1,0 +1,25 @@
+# How our own code is compiled and linked. Third-party targets do not get `vndiscover_options`.
+add_library(vndiscover_options INTERFACE)
+target_compile_options(vndiscover_options INTERFACE -Wall -Wextra -Werror)
+target_include_directories(vndiscover_options INTERFACE ${PROJECT_SOURCE_DIR}/src
+                                                        ${PROJECT_SOURCE_DIR}/include)
+
+# The same commit gives the same bytes in every folder: no absolute paths, no link time.
+add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+                    -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+
+if(MINGW)
+    # Windows 7: the oldest system with every API that is linked rather than looked up.
+    target_compile_definitions(vndiscover_options INTERFACE _WIN32_WINNT=0x0601)
+    add_link_options(-static -Wl,--no-insert-timestamp)
+endif()
+
+if(VNDISCOVER_SANITIZE STREQUAL "trap")
+    add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error)
+elseif(VNDISCOVER_SANITIZE STREQUAL "address")
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+                        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+elseif(VNDISCOVER_SANITIZE)
+    message(FATAL_ERROR "VNDISCOVER_SANITIZE is '${VNDISCOVER_SANITIZE}', not 'trap' or 'address'")
+endif()
