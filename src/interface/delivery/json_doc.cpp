@@ -1,0 +1,71 @@
+#include "interface/delivery/json_doc.h"
+
+#include <cjson/cJSON.h>
+
+#include "support/copy_text.h"
+#include "support/text_convert.h"
+
+namespace vndiscover {
+namespace {
+
+struct PrintedDeleter {
+    void operator()(char* printed) const noexcept { cJSON_free(printed); }
+};
+using Printed = std::unique_ptr<char, PrintedDeleter>;
+
+void CopyOut(const char* utf8, wchar_t* out, size_t outSize) {
+    if (utf8 && out) CopyText(out, outSize, Utf8ToWide(utf8).c_str());
+}
+
+}  // namespace
+
+void JsonItemDeleter::operator()(cJSON* item) const noexcept { cJSON_Delete(item); }
+
+int32_t JsonDoc::Parse(const wchar_t* text) {
+    if (!text) return 0;
+    text_ = WideToUtf8(text);
+    root_.reset(cJSON_Parse(text_.c_str()));
+    if (!root_) text_.clear();
+    return 0;
+}
+
+cJSON* JsonDoc::Member(cJSON* parent, const char* name) {
+    return cJSON_GetObjectItem(parent, name);
+}
+
+int32_t JsonDoc::Size(const cJSON* item) { return item ? cJSON_GetArraySize(item) : 0; }
+
+bool JsonDoc::MemberName(cJSON* parent, int32_t i, wchar_t* out, size_t outSize) {
+    if (const cJSON* child = cJSON_GetArrayItem(parent, i)) CopyOut(child->string, out, outSize);
+    return true;
+}
+
+bool JsonDoc::MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSize) {
+    CopyOut(cJSON_GetStringValue(cJSON_GetArrayItem(parent, i)), out, outSize);
+    return true;
+}
+
+bool JsonDoc::StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const {
+    const char* value = cJSON_GetStringValue(Member(root_.get(), WideToUtf8(name).c_str()));
+    if (!value) return false;
+    CopyOut(value, out, outSize);
+    return true;
+}
+
+OwnedJsonItem JsonDoc::NewString(const wchar_t* text) {
+    return OwnedJsonItem(cJSON_CreateString(WideToUtf8(text).c_str()));
+}
+
+void JsonDoc::ReplaceMember(cJSON* parent, const wchar_t* name, OwnedJsonItem item) {
+    if (cJSON_ReplaceItemInObject(parent, WideToUtf8(name).c_str(), item.get())) item.release();
+}
+
+int32_t JsonDoc::Print(std::wstring* out) const {
+    const Printed printed(root_ ? cJSON_Print(root_.get()) : nullptr);
+    if (!printed) return -1;
+    if (!out) return static_cast<int32_t>(std::char_traits<char>::length(printed.get())) + 1;
+    *out = Utf8ToWide(printed.get());
+    return -1;
+}
+
+}  // namespace vndiscover

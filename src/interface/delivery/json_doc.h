@@ -1,0 +1,54 @@
+// One JSON document. Texts come and go as UTF-16; inside they are UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+struct cJSON;
+
+namespace vndiscover {
+
+struct JsonItemDeleter {
+    void operator()(cJSON* item) const noexcept;
+};
+// An item that belongs to no document yet.
+using OwnedJsonItem = std::unique_ptr<cJSON, JsonItemDeleter>;
+
+// Items handed out belong to the document. Buffer sizes are in characters, with the terminator; a longer
+// text is cut.
+class JsonDoc {
+  public:
+    // Null is ignored. On failure Root() is null. Always 0.
+    int32_t Parse(const wchar_t* text);
+
+    cJSON* Root() const noexcept { return root_.get(); }
+
+    // Null when there is no such member. Names compare without regard to ASCII letter case.
+    static cJSON* Member(cJSON* parent, const char* name);
+    static int32_t Size(const cJSON* item);  // count of children; null gives 0
+
+    // The i-th child's name, or its string value; out is left alone where there is none. Always true.
+    static bool MemberName(cJSON* parent, int32_t i, wchar_t* out, size_t outSize);
+    static bool MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSize);
+
+    // True if the root has that member with a string value, which is copied.
+    bool StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const;
+
+    // Of any length.
+    static OwnedJsonItem NewString(const wchar_t* text);
+
+    // Without such a member the new item is dropped.
+    static void ReplaceMember(cJSON* parent, const wchar_t* name, OwnedJsonItem item);
+
+    // With null: the printed UTF-8 length plus 1, or -1 when there is no root or printing failed. With a
+    // text: the printed document, indented, goes into it; -1.
+    int32_t Print(std::wstring* out) const;
+
+  private:
+    std::string text_;  // what was parsed
+    OwnedJsonItem root_;
+};
+
+}  // namespace vndiscover

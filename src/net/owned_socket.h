@@ -1,0 +1,19 @@
+#pragma once
+
+#include "support/owned.h"
+#include "support/win.h"
+
+namespace vndiscover {
+
+struct SocketTraits {
+    using Value = SOCKET;
+    static Value Empty() noexcept { return INVALID_SOCKET; }
+    static void Close(Value socket) noexcept {
+        const int error = WSAGetLastError();  // callers read it again behind a close
+        closesocket(socket);
+        WSASetLastError(error);
+    }
+};
+using OwnedSocket = Owned<SocketTraits>;
+
+}  // namespace vndiscover

@@ -1,0 +1,257 @@
+#include "net/sckraw.h"
+
+#include <cstring>
+
+#include "support/copy_text.h"
+#include "support/debug_log.h"
+#include "support/system_library.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr int kReceiveBufferBytes = 4 * 1024 * 1024;  // a burst of 8,192 answers
+constexpr DWORD kMulticastHops = 8;
+
+bool SetOption(SOCKET handle, int level, int option, const void* value, int length) {
+    return setsockopt(handle, level, option, static_cast<const char*>(value), length) == 0;
+}
+
+// Best effort: where the system refuses, sweeps lose answers only in bursts.
+void RaiseReceiveBuffer(SOCKET handle) {
+    SetOption(handle, SOL_SOCKET, SO_RCVBUF, &kReceiveBufferBytes, sizeof kReceiveBufferBytes);
+}
+
+bool SetIPv6MulticastOptions(SOCKET handle) {
+    // One byte each: no loop-back of own multicasts, eight hops.
+    const BYTE loop = 0;
+    const BYTE hops = kMulticastHops;
+    return SetOption(handle, IPPROTO_IPV6, IPV6_MULTICAST_LOOP, &loop, 1) &&
+           SetOption(handle, IPPROTO_IPV6, IPV6_MULTICAST_HOPS, &hops, 1);
+}
+
+void BindV6(SOCKET handle, const char* addressText) {
+    sockaddr_in6 local = {};
+    local.sin6_family = AF_INET6;
+    {
+        using InetPton = INT(WSAAPI*)(INT, PCSTR, PVOID);
+        const SystemLibrary winSock(L"Ws2_32.dll");
+        if (const auto inetPton = winSock.Find<InetPton>("inet_pton")) {
+            DebugLogA(" tszBindAddr [%s]\n", addressText);
+            inetPton(AF_INET6, addressText, &local.sin6_addr);
+        }
+    }
+    bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local);  // result not looked at
+}
+
+const char* BindErrorName(int error) {
+    switch (error) {
+        case WSAEACCES: return "   WSAEACCES\n";
+        case WSAEFAULT: return "   WSAEFAULT\n";
+        case WSAEINVAL: return "   WSAEINVAL\n";
+        case WSAEINPROGRESS: return "   WSAEINPROGRESS\n";
+        case WSAENOTSOCK: return "   WSAENOTSOCK\n";
+        case WSAEADDRINUSE: return "   WSAEADDRINUSE\n";
+        case WSAEADDRNOTAVAIL: return "   WSAEADDRNOTAVAIL\n";
+        case WSAENETDOWN: return "   WSAENETDOWN\n";
+        case WSAENOBUFS: return "   WSAENOBUFS\n";
+        case WSANOTINITIALISED: return "   WSANOTINITIALISED\n";
+        default: return nullptr;
+    }
+}
+
+// A queued datagram can be taken without the wait, which costs far more than the receive itself. An
+// empty datagram or a pending error shows as nothing here and takes the way of the wait.
+bool HasQueuedDatagram(SOCKET handle) {
+    u_long available = 0;
+    return ioctlsocket(handle, FIONREAD, &available) == 0 && available > 0;
+}
+
+// False: the wait passed silently. A failed wait is left to the receive that follows to report.
+bool WaitForDatagram(SOCKET handle, int timeoutMs) {
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(handle, &readable);
+    timeval wait = {timeoutMs / 1000, 0};
+    return select(0, &readable, nullptr, nullptr, &wait) != 0;
+}
+
+void WriteSenderText(const sockaddr_storage& sender, int senderLength, char* fromAddress) {
+    char host[kSenderTextSize] = {};
+    if (getnameinfo(reinterpret_cast<const sockaddr*>(&sender), senderLength, host, sizeof host,
+                    nullptr, 0, NI_NUMERICHOST) == 0) {
+        CopyText(fromAddress, kSenderTextSize, host);
+    }
+}
+
+}  // namespace
+
+SCKRAW::SCKRAW() {
+    DebugLogA("SCKRAW::SCKRAW()\n");
+    WSADATA data;
+    // Kept: failure is reported by a positive code, so this branch is never taken; a module without
+    // sockets shows in the calls that follow.
+    if (WSAStartup(MAKEWORD(2, 0), &data) == -1) {
+        DebugLogA("SCKRAW : WSAStartup() failed %d\n", WSAGetLastError());
+        WSACleanup();
+    }
+}
+
+SCKRAW::~SCKRAW() {
+    DebugLogA("SCKRAW::~SCKRAW() [%d]\n", static_cast<int>(sock.Get()));
+    sock.Reset();
+    WSACleanup();
+}
+
+OwnedSocket SCKRAW::CreateSocket(int type, int protocol, int addressFamily, int timeoutMs,
+                                 const char* bindAddress) {
+    family = addressFamily;
+    OwnedSocket created(WSASocketA(addressFamily, type, protocol, nullptr, 0, 0));
+    if (!created) return created;
+    const SOCKET handle = created.Get();
+    if (!SetOption(handle, SOL_SOCKET, SO_RCVTIMEO, &timeoutMs, sizeof timeoutMs)) {
+        DebugLogA("Failed to set Socket receive timeout\n");
+        return created;
+    }
+    if (!SetOption(handle, SOL_SOCKET, SO_SNDTIMEO, &timeoutMs, sizeof timeoutMs)) {
+        DebugLogA("Failed to set Socket send timeout\n");
+        return created;
+    }
+    const bool hasBindAddress = bindAddress && *bindAddress;
+    if (addressFamily == AF_INET) {
+        const int enabled = 1;
+        if (!SetOption(handle, SOL_SOCKET, SO_BROADCAST, &enabled, sizeof enabled)) {
+            DebugLogA("Failed to set SO_BROADCAST\n");
+            return created;
+        }
+        RaiseReceiveBuffer(handle);
+        if (hasBindAddress) BindV4(handle, bindAddress, 0);
+    } else if (addressFamily == AF_INET6) {
+        if (!SetIPv6MulticastOptions(handle)) {
+            DebugLogA("Failed to set IPV6_MULTICAST_LOOP\n");  // for either of the two
+            return created;
+        }
+        RaiseReceiveBuffer(handle);
+        if (hasBindAddress) BindV6(handle, bindAddress);
+    }
+    return created;
+}
+
+int SCKRAW::BindV4(SOCKET handle, const char* addressText, int port) {
+    sockaddr_in local = {};
+    local.sin_family = AF_INET;
+    if (addressText && *addressText) local.sin_addr.s_addr = ResolveV4(addressText);
+    if (port > 0) local.sin_port = htons(static_cast<u_short>(port));
+    if (bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) != 0) {
+        const int error = WSAGetLastError();
+        DebugLogA("BIND error %x\n", static_cast<unsigned>(error));
+        if (const char* name = BindErrorName(error)) DebugLogA("%s", name);
+    }
+    return 0;
+}
+
+uint32_t SCKRAW::ResolveV4(const char* text) {
+    if (IsDottedQuad(text)) return inet_addr(text);
+    if (const hostent* host = gethostbyname(text)) {
+        uint32_t address = INADDR_NONE;
+        // A list without an address or of another size would be read beyond its end.
+        if (host->h_addr_list[0] && host->h_length == sizeof address) {
+            std::memcpy(&address, host->h_addr_list[0], sizeof address);
+        }
+        return address;
+    }
+    return inet_addr(text);
+}
+
+// Kept: four dots and nothing but digits exclude each other, so this is never true and every text goes
+// to the resolver first, which takes dotted numbers too.
+bool SCKRAW::IsDottedQuad(const char* text) {
+    if (!text || !*text) return false;
+    int dots = 0;
+    bool onlyDigits = true;
+    for (const char* c = text; *c; ++c) {
+        if (*c == '.') ++dots;
+        if (*c < '0' || *c > '9') onlyDigits = false;
+    }
+    return dots == 4 && onlyDigits;
+}
+
+int SCKRAW::SendTo(int addressFamily, const char* host, int port, const void* data, int length,
+                   int timeoutMs) {
+    if (!sock) sock = CreateSocket(SOCK_DGRAM, IPPROTO_UDP, addressFamily, timeoutMs, nullptr);
+    return SendToSocket(sock, host, port, data, length);
+}
+
+int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const void* data,
+                         int length) {
+    addrinfo hints = {};
+    hints.ai_family = family;
+    hints.ai_socktype = SOCK_DGRAM;
+    char service[16];
+    wsprintfA(service, "%d", port);
+    addrinfo* addresses = nullptr;
+    const int resolved = getaddrinfo(host, service, &hints, &addresses);
+    WSASetLastError(resolved);
+    if (resolved != 0) return resolved;  // Kept: callers see it as a count of bytes and go on to wait.
+
+    const int sent = sendto(handle.Get(), static_cast<const char*>(data), length, 0,
+                            addresses->ai_addr, static_cast<int>(addresses->ai_addrlen));
+    const int error = WSAGetLastError();
+    if (sent == SOCKET_ERROR) {
+        DebugLogA("sendto() failed - %d\n", error);
+        // The owner forgets the handle too: closing the same number again might hit a socket that
+        // another thread of the host has opened since.
+        handle.Reset();
+    }
+    freeaddrinfo(addresses);
+    WSASetLastError(error);
+    return sent;
+}
+
+int SCKRAW::RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs) {
+    return RecvFromSocket(sock.Get(), buffer, size, fromAddress, timeoutMs);
+}
+
+int SCKRAW::RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress,
+                           int timeoutMs) {
+    if (!HasQueuedDatagram(handle) && !WaitForDatagram(handle, timeoutMs)) {
+        DebugLogA("RecvFrom - Timeout\n");
+        lastError = SCKRAW_ERROR_TIMEOUT;
+        return 0;
+    }
+    sockaddr_storage sender = {};
+    int senderLength = sizeof sender;
+    const int received = recvfrom(handle, static_cast<char*>(buffer), size, 0,
+                                  reinterpret_cast<sockaddr*>(&sender), &senderLength);
+    if (received == SOCKET_ERROR) {
+        const int error = WSAGetLastError();
+        DebugLogA("Receive Data failed - %d\n", error);
+        lastError = error;
+        return 0;
+    }
+    if (fromAddress) WriteSenderText(sender, senderLength, fromAddress);
+    return received;
+}
+
+int SCKRAW::HasIPv6Address() {
+    WSADATA data;
+    // Kept: without a matching clean-up, so each call leaves one start-up reference behind.
+    if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 0;
+    addrinfo hints = {};
+    hints.ai_flags = AI_PASSIVE | AI_NUMERICHOST;
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo* addresses = nullptr;
+    const int error = getaddrinfo(nullptr, "161", &hints, &addresses);
+    if (error != 0) {
+        DebugLogA("ERROR: getaddrinfo failed with error %d\r\n", error);
+        return 0;
+    }
+    int found = 0;
+    for (const addrinfo* entry = addresses; entry; entry = entry->ai_next) {
+        if (entry->ai_family == AF_INET6) found = 1;
+    }
+    freeaddrinfo(addresses);
+    return found;
+}
+
+}  // namespace vndiscover

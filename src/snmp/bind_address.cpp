@@ -1,0 +1,56 @@
+#include "snmp/bind_address.h"
+
+#include <cstring>
+
+#include "net/adapter_table.h"
+#include "support/copy_text.h"
+#include "support/debug_log.h"
+
+namespace vndiscover {
+
+AdapterAddress g_adapterAddr[kMaxAdapterRows];
+int32_t g_nAdapter = 0;
+char g_szBindIp[kBindAddressSize];
+
+namespace {
+
+bool IsIPv6Host(const char* host) { return host && std::strchr(host, ':'); }
+
+void AddRow(const char* address, bool endsLines) {
+    CopyText(g_adapterAddr[g_nAdapter].szAddress, address);
+    if (endsLines) {
+        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]\n", address);
+    } else {
+        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]", address);
+    }
+    ++g_nAdapter;
+}
+
+}  // namespace
+
+void LoadBindAddresses(const char* host, bool endsLines) {
+    DebugLogA("g_nAdapter [%d]\n", g_nAdapter);
+    if (!IsIPv6Host(host) || g_nAdapter != 0) return;
+    AdapterTable adapters;
+    const uint32_t count = adapters.LoadIPv6LinkLocal();
+    for (uint32_t i = 0; i < count && g_nAdapter < static_cast<int32_t>(kMaxAdapterRows); ++i) {
+        sockaddr_in6 address = {};
+        adapters.GetIPv6Address(i, &address);
+        char text[kBindAddressSize] = {};
+        AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, text, sizeof text);
+        if (text[0] != '\0') AddRow(text, endsLines);
+    }
+}
+
+void ChooseBindAddress(const char* host, char (&bindAddress)[kBindAddressSize],
+                       const std::function<bool(const char* bindAddress)>& trial) {
+    bindAddress[0] = '\0';
+    if (!IsIPv6Host(host) || g_nAdapter < 1) return;
+    if (g_szBindIp[0] == '\0') CopyText(g_szBindIp, g_adapterAddr[0].szAddress);
+    CopyText(bindAddress, g_szBindIp);
+    if (trial(bindAddress) || g_nAdapter < 2) return;
+    CopyText(g_szBindIp, g_adapterAddr[1].szAddress);
+    CopyText(bindAddress, g_szBindIp);
+}
+
+}  // namespace vndiscover

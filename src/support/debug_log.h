@@ -1,0 +1,32 @@
+// The trace log that every piece of the module writes. Silent unless a switch is on.
+#pragma once
+
+#include <cstdint>
+
+#if defined(__GNUC__)
+#define VN_PRINTF(formatIndex, firstArgument) \
+    __attribute__((format(printf, formatIndex, firstArgument)))
+#else
+#define VN_PRINTF(formatIndex, firstArgument)
+#endif
+
+namespace vndiscover {
+
+// Two plain process-wide flags, zero at load, read without synchronisation.
+struct DebugSwitches {
+    uint8_t debug;    // lines go to the debugger
+    uint8_t dbg2Log;  // narrow lines are appended to VxAdmSvc.log in the current directory
+};
+extern DebugSwitches g_debugSwitches;
+
+// Narrow line: local time stamp and message, at most 1,024 characters of message. Both switches off:
+// returns at once. Keeps the calling thread's last error, which callers read again afterwards.
+void DebugLogA(const char* format, ...) VN_PRINTF(1, 2);
+
+// Wide line, to the debugger only: dbg2Log plays no part here.
+void DebugLogW(const wchar_t* format, ...);
+
+// The debug switch.
+uint8_t IsDebugLogEnabled();
+
+}  // namespace vndiscover

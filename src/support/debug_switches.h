@@ -1,0 +1,18 @@
+// Loads the switches of the debug log from the registry.
+#pragma once
+
+#include <cstdint>
+
+namespace vndiscover {
+
+/**
+ * Sets the debug switch to defaultDebug, or to 1 when the registry says so; sets the dbg2Log switch to 1
+ * when the registry says so and never clears it.
+ * @param subkeyName  Key below HKEY_LOCAL_MACHINE\Software\Varnell Osk; null means "Debug".
+ */
+void LoadDebugSwitches(const char* subkeyName, uint8_t defaultDebug);
+
+// The same for a UTF-16 name; returns the dbg2Log value that it read.
+int32_t LoadDebugSwitchesW(const wchar_t* subkeyName, uint8_t defaultDebug);
+
+}  // namespace vndiscover

@@ -1,0 +1,46 @@
+// One owner for every kind of resource; the owner closes it.
+#pragma once
+
+#include <cstdio>
+#include <utility>
+
+namespace vndiscover {
+
+// Traits: Value, Empty() (what the opening call gives on failure), Close(value).
+template <class Traits>
+class Owned {
+  public:
+    using Value = typename Traits::Value;
+    explicit Owned(Value value = Traits::Empty()) noexcept : value_(value) {}
+    Owned(Owned&& other) noexcept : value_(other.Release()) {}
+    Owned& operator=(Owned&& other) noexcept {
+        Reset(other.Release());
+        return *this;
+    }
+    ~Owned() { Reset(); }
+
+    Value Get() const noexcept { return value_; }
+    explicit operator bool() const noexcept { return value_ != Traits::Empty(); }
+    Value Release() noexcept { return std::exchange(value_, Traits::Empty()); }
+    void Reset(Value next = Traits::Empty()) noexcept {  // an assignment closes what was held
+        const Value old = std::exchange(value_, next);
+        if (old != Traits::Empty()) Traits::Close(old);
+    }
+    // For opening calls that deliver through a pointer. Closes what was held.
+    Value* Receive() noexcept {
+        Reset();
+        return &value_;
+    }
+
+  private:
+    Value value_;
+};
+
+struct FileTraits {
+    using Value = std::FILE*;
+    static Value Empty() noexcept { return nullptr; }
+    static void Close(Value file) noexcept { std::fclose(file); }
+};
+using OwnedFile = Owned<FileTraits>;
+
+}  // namespace vndiscover

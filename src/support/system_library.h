@@ -1,0 +1,35 @@
+// Libraries that are looked up at run time. They come from the system directory by full path: an
+// installer runs from a download folder, where anybody may have put a file of the same name.
+#pragma once
+
+#include "support/owned.h"
+#include "support/win.h"
+
+namespace vndiscover {
+
+struct ModuleTraits {
+    using Value = HMODULE;
+    static Value Empty() noexcept { return nullptr; }
+    static void Close(Value module) noexcept { FreeLibrary(module); }
+};
+using OwnedModule = Owned<ModuleTraits>;
+
+class SystemLibrary {
+  public:
+    explicit SystemLibrary(const wchar_t* fileName);  // for example L"Ws2_32.dll"
+
+    explicit operator bool() const noexcept { return static_cast<bool>(module_); }
+
+    // The function of that name, or null when the library or the function is missing.
+    template <class Function>
+    Function Find(const char* name) const noexcept {
+        if (!module_) return nullptr;
+        return reinterpret_cast<Function>(
+            reinterpret_cast<void*>(GetProcAddress(module_.Get(), name)));
+    }
+
+  private:
+    OwnedModule module_;
+};
+
+}  // namespace vndiscover
