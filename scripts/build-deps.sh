@@ -13,23 +13,23 @@ CFLAGS="-O2 -ffunction-sections -fdata-sections"
 OPENSSL_OPTIONS="no-shared no-tests no-tls no-dtls no-engine no-legacy no-dso no-threads no-sock
     no-ui-console no-cmp no-cms no-ct no-ocsp no-ts no-ec no-dh no-dsa"
 
-# The newest version of a package that apt knows, or the installed one where apt has no lists.
-Version() {
-    local version
-    version=$(LC_ALL=C apt-cache policy "$1" | awk '/Candidate:/ { print $2 }')
-    [ -n "$version" ] && [ "$version" != "(none)" ] || Die "apt knows no package $1: run apt-get update"
-    printf '%s\n' "$version"
-}
-CJSON=$(Version libcjson-dev)
-OPENSSL=$(Version libssl-dev)
-PUGIXML=$(Version libpugixml-dev)
-CLI11=$(Version libcli11-dev)
+# The newest version of each package that apt knows, or the installed one where apt has no lists.
+Candidate() { awk -v package="$1:" '$1 == package { found = 1 } found && /Candidate:/ { print $2; exit }'; }
+policy=$(LC_ALL=C apt-cache policy libcjson-dev libssl-dev libpugixml-dev libcli11-dev)
+CJSON=$(Candidate libcjson-dev <<<"$policy")
+OPENSSL=$(Candidate libssl-dev <<<"$policy")
+PUGIXML=$(Candidate libpugixml-dev <<<"$policy")
+CLI11=$(Candidate libcli11-dev <<<"$policy")
+for version in "$CJSON" "$OPENSSL" "$PUGIXML" "$CLI11"; do
+    [ -n "$version" ] && [ "$version" != "(none)" ] || Die "apt does not know every library: run apt-get update"
+done
 
-# The key: versions, compiler and this recipe, flags included.
+# The key: versions, compiler, flags, and the recipe's own number (raise it when the steps below change
+# what they produce).
+RECIPE=1
 key=$({
-    echo "$CJSON $OPENSSL $PUGIXML $CLI11"
+    echo "$RECIPE $CJSON $OPENSSL $PUGIXML $CLI11 $CFLAGS" $OPENSSL_OPTIONS
     "$CC" --version | head -n 1
-    sed -e '/^#/d' "${BASH_SOURCE[0]}"
 } | sha256sum | cut -c 1-16)
 prefix=$VNDISCOVER_CACHE/deps/$TRIPLE-$key
 if [ -e "$prefix/versions.txt" ]; then

@@ -1,0 +1,58 @@
+#!/bin/bash
+# private-net.sh CMD [ARG...]: runs CMD in a world of its own and returns its exit code.
+#
+# The world has its own network (no interface but lo, so nothing reaches the machine's networks), process
+# table, /run (so `ip netns add NAME` is private) and a private copy-on-write /etc (for /etc/netns/NAME,
+# /etc/hosts, /etc/resolv.conf). All of it ends with CMD, or when this script is interrupted or killed,
+# because the kernel ends every process of the world together with its first one.
+#
+# CMD finds in its environment:
+#   VNDISCOVER_LAB  an empty folder of this world, in memory
+#   TMPDIR          a folder in it
+set -euo pipefail
+
+[ $# -gt 0 ] || {
+    echo "usage: private-net.sh CMD [ARG...]" >&2
+    exit 2
+}
+
+# Inside: prepare the world, run CMD, end (which ends everything else in here).
+if [ "${VNDISCOVER_LAB_INIT:-}" = 1 ]; then
+    unset VNDISCOVER_LAB_INIT
+    mount -t tmpfs -o mode=755 tmpfs /run
+    export VNDISCOVER_LAB=/run/lab TMPDIR=/run/lab/tmp
+    mkdir -p /run/netns /run/lock $VNDISCOVER_LAB/tmp $VNDISCOVER_LAB/etc/{upper,work}
+    mount -t overlay overlay /etc \
+        -o lowerdir=/etc,upperdir=$VNDISCOVER_LAB/etc/upper,workdir=$VNDISCOVER_LAB/etc/work
+    mkdir -p /etc/netns
+    # A link into the machine's /run would dangle. Windows programs need an IPv6 name server to list adapters.
+    rm -f /etc/resolv.conf
+    echo 'nameserver ::1' >/etc/resolv.conf
+    # Files of net-snmp's agents and tools would else land in /var/lib/snmp.
+    export SNMP_PERSISTENT_DIR=$VNDISCOVER_LAB/snmp
+    ip link set lo up
+    status=0
+    "$@" || status=$?
+    exit $status
+fi
+
+user=()
+[ "$(id -u)" = 0 ] || user=(--user --map-root-user)
+# In the background, so that the traps below act at once; with this script's own input and with the default
+# action for Ctrl-C, both of which a shell takes from background commands. Should this script be killed
+# without a chance to act, setpriv's signal ends unshare, and that ends the world.
+VNDISCOVER_LAB_INIT=1 env --default-signal=INT,QUIT setpriv --pdeathsig KILL \
+    unshare "${user[@]}" --mount --net --pid --ipc --uts --fork --kill-child=KILL --mount-proc \
+    "$(readlink -f "${BASH_SOURCE[0]}")" "$@" <&0 &
+world=$!
+End() {
+    kill -KILL $world 2>/dev/null || true
+    wait $world 2>/dev/null || true
+    exit "$1"
+}
+trap 'End 130' INT
+trap 'End 143' TERM
+trap 'End 129' HUP
+status=0
+wait $world || status=$?
+exit $status

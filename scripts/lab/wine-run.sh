@@ -1,0 +1,45 @@
+#!/bin/bash
+# wine-run.sh NETNS PROGRAM [ARG...]: runs a Windows program in a namespace of the lab (private-net.sh),
+# with a Wine prefix that belongs to this lab and namespace alone: its server owns the sockets, so it has to
+# live in the program's own network. The server stays for the next program; it ends with the lab, or with
+#   wine-run.sh --stop NETNS
+set -euo pipefail
+
+here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
+WINE=${VNDISCOVER_WINE:-/usr/lib/wine/wine64}
+[ -n "${VNDISCOVER_LAB:-}" ] || {
+    echo "wine-run.sh: not in a lab: start it through private-net.sh" >&2
+    exit 2
+}
+stop=
+[ "${1:-}" != --stop ] || {
+    stop=1
+    shift
+}
+netns=$1
+shift
+# In the mount namespace of the lab, whichever one the caller is in: all see the same prefix.
+if [ "$(readlink /proc/self/ns/mnt)" != "$(readlink /proc/1/ns/mnt)" ]; then
+    exec nsenter --target 1 --mount --wd=. "$here/wine-run.sh" ${stop:+--stop} "$netns" "$@"
+fi
+
+export WINEPREFIX=$VNDISCOVER_LAB/wine/$netns/prefix WINEDEBUG=${WINEDEBUG:--all}
+unset DISPLAY WAYLAND_DISPLAY
+if [ -n "$stop" ]; then
+    [ ! -e "$WINEPREFIX/system.reg" ] || exec "$(dirname "$WINE")/wineserver64" -k
+    exit 0
+fi
+if [ ! -e "$WINEPREFIX/system.reg" ]; then
+    template=$("$here/wine-template.sh")
+    mkdir -p "$WINEPREFIX"
+    exec 9>"$VNDISCOVER_LAB/wine/$netns/lock"
+    flock 9
+    if [ ! -e "$WINEPREFIX/system.reg" ]; then
+        layer=$VNDISCOVER_LAB/wine/$netns
+        mkdir -p "$layer/upper" "$layer/work"
+        mount -t overlay overlay "$WINEPREFIX" \
+            -o "lowerdir=$template,upperdir=$layer/upper,workdir=$layer/work"
+    fi
+    exec 9>&-
+fi
+exec ip netns exec "$netns" "$WINE" "$@"
