@@ -5,7 +5,7 @@
  * Conventions that all exports share:
  * - Text: `wchar_t` arguments are NUL-terminated UTF-16, `char` arguments NUL-terminated text in the
  *   system's ANSI code page. The module copies what it keeps; every argument may be freed on return.
- * - Addresses are numeric text: "192.168.1.20" or, without a zone suffix, "fe80::1".
+ * - Addresses are numeric text: "192.168.1.20" or "fe80::1". Sweeps report them without zone suffix.
  * - Communities: null or "" means "sesame". One of more than 255 bytes cannot be encoded: a sweep
  *   then sends nothing and still ends with its final message, a directed request returns 0.
  * - No export throws, and none calls back into the host except by the result message below.
@@ -99,7 +99,7 @@
 typedef struct VnResponseRecord {
     uint16_t valueType;             /* BER tag of the value, VN_TYPE_... */
     uint16_t valueLength;           /* bytes in value, 0 to 255 */
-    char address[VN_ADDRESS_SIZE];  /* responder, NUL-terminated */
+    char address[VN_ADDRESS_SIZE];  /* responder, NUL-terminated; may end in a zone, "%12" */
     uint8_t value[VN_VALUE_SIZE];   /* raw value; a zero byte follows it */
     uint8_t oid[VN_OID_SIZE];       /* BER content octets of the variable's OID */
     uint16_t oidLength;             /* bytes in oid, 0 to 128 */
@@ -310,8 +310,9 @@ VN_API int32_t SetSnmpRequestRaw(const char* host, const char* oid, uint8_t* val
 /* ---------------------------------------------------------------- directed requests, SNMPv3 */
 
 /**
- * Asks one device for one INTEGER or OCTET STRING over SNMPv3, as text: an engine discovery of up to
- * 5 waits of 2 s, then one request with one wait of 2 s. IPv6: local address chosen as in GetSnmpRequest.
+ * Asks one device for one INTEGER or OCTET STRING over SNMPv3, as text: an engine discovery, then the
+ * request, each sent once and given up after 2 s of silence. IPv6: the local address is chosen first by
+ * a trial discovery, as in GetSnmpRequest.
  * @param value         Receives the text and its zero byte. Left alone when there is no text. May be
  *                      null. Too small is a caller's fault as in GetSnmpRequest.
  * @param valueType     Receives the value's BER tag; may be null.

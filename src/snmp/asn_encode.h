@@ -4,15 +4,10 @@
 
 #include <cstdint>
 
+#include "snmp/ber_tags.h"
 #include "snmp/byte_buffer.h"
 
 namespace vndiscover {
-
-constexpr uint8_t kTagInteger = 0x02;
-constexpr uint8_t kTagOctetString = 0x04;
-constexpr uint8_t kTagNull = 0x05;
-constexpr uint8_t kTagObjectIdentifier = 0x06;
-constexpr uint8_t kTagSequence = 0x30;
 
 void AsnAppendHeader(ByteBuffer& dest, uint8_t tag, int32_t length);
 void AsnAppendLength(ByteBuffer& dest, int32_t length);

@@ -69,7 +69,7 @@ int32_t RequestRaw(const char* host, const char* oid, uint8_t* value, int32_t va
                                    writeCommunity, nullptr);
 }
 
-int32_t RequestNext(const char* host, const char* oid, ResponseRecord* record,
+int32_t RequestNext(const char* host, const char* oid, VnResponseRecord* record,
                     const char* readCommunity, const char* writeCommunity) {
     const auto manager = std::make_unique<VxSnmpMgr>();
     if (!host) return 0;

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "snmp/response_record.h"
+#include "vndiscover.h"
 
 namespace vndiscover {
 
@@ -20,7 +20,7 @@ int32_t RequestText(const char* host, const char* oid, char* outValue, int32_t o
                     uint32_t expectedType, const char* readCommunity, const char* writeCommunity);
 int32_t RequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueSize,
                    uint32_t* valueType, const char* readCommunity, const char* writeCommunity);
-int32_t RequestNext(const char* host, const char* oid, ResponseRecord* record,
+int32_t RequestNext(const char* host, const char* oid, VnResponseRecord* record,
                     const char* readCommunity, const char* writeCommunity);
 int32_t RequestSet(const char* host, const char* oid, uint8_t* value, int32_t valueLength,
                    uint32_t* valueType, const char* readCommunity, const char* writeCommunity);

@@ -6,15 +6,11 @@
 #include <cstdint>
 #include <vector>
 
+#include "snmp/ber_tags.h"
 #include "snmp/byte_buffer.h"
 #include "snmp/var_bind.h"
 
 namespace vndiscover {
-
-constexpr uint8_t kPduGetRequest = 0xA0;
-constexpr uint8_t kPduGetNextRequest = 0xA1;
-constexpr uint8_t kPduGetResponse = 0xA2;
-constexpr uint8_t kPduSetRequest = 0xA3;
 
 struct PduRecord {
     VarBindList bindings;  // to encode: the caller's array; decoded: `decoded`

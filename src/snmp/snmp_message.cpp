@@ -2,8 +2,7 @@
 
 #include <cstring>
 
-#include "snmp/asn_encode.h"
-#include "snmp/pdu.h"
+#include "snmp/ber_tags.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
 #include "support/hex_text.h"

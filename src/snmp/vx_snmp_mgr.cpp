@@ -22,11 +22,14 @@ void VxSnmpMgr::EnsureSocket() {
     if (!socket) socket = std::make_unique<SCKRAW>();
 }
 
-int32_t VxSnmpMgr::RunExchange(const Exchange& exchange,
-                               const std::function<int32_t(const Datagram&)>& take) {
+OwnedSocket VxSnmpMgr::OpenFor(const char* host, const char* bindAddress) {
     EnsureSocket();
-    OwnedSocket opened = socket->CreateSocket(SOCK_DGRAM, IPPROTO_UDP, AddressFamilyOf(exchange.host),
-                                              kSocketTimeoutMs, exchange.bindAddress);
+    return socket->CreateSocket(SOCK_DGRAM, IPPROTO_UDP, AddressFamilyOf(host), kSocketTimeoutMs,
+                                bindAddress);
+}
+
+int32_t VxSnmpMgr::RunExchange(OwnedSocket& opened, const Exchange& exchange,
+                               const std::function<int32_t(const Datagram&)>& take) {
     if (socket->SendToSocket(opened, exchange.host, kSnmpPort, exchange.request,
                              exchange.length) == -1) {
         DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());

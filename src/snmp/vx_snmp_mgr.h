@@ -9,9 +9,11 @@
 #include "interface/delivery/result_sink.h"
 #include "net/adapter_sweep.h"
 #include "net/datagram_collector.h"
-#include "snmp/pdu.h"
+#include "snmp/ber_tags.h"
+#include "snmp/oid_text.h"
 #include "snmp/response_record.h"
 #include "support/lazy_table.h"
+#include "vndiscover.h"
 
 namespace vndiscover {
 
@@ -67,8 +69,8 @@ class VxSnmpMgr {
                            const char* readCommunity, const char* writeCommunity,
                            const char* bindAddress);
 
-    // record may be null; its fields for hosts are filled.
-    int32_t GetInformation1(const char* oid, const char* host, ResponseRecord* record,
+    // record is the host's memory; it may be null.
+    int32_t GetInformation1(const char* oid, const char* host, VnResponseRecord* record,
                             uint32_t waitMs, int32_t attempts, const char* readCommunity,
                             const char* writeCommunity, const char* bindAddress, uint8_t pduType);
 
@@ -85,7 +87,7 @@ class VxSnmpMgr {
 
     // What sweeps and exchanges of every SNMP version share.
 
-    // Clears the stop request and remembers where results go.
+    // Clears the stop request, remembers where results go and makes the sweep's socket object.
     void BeginSweep(HWND hWnd, UINT uMsg, UINT timeout);
 
     // Sends one datagram from every address and runs phase behind each send, with `sock` open.
@@ -107,17 +109,19 @@ class VxSnmpMgr {
     // Makes the socket object if there is none.
     void EnsureSocket();
 
+    // A socket for one exchange with host, bound to bindAddress where that is given.
+    OwnedSocket OpenFor(const char* host, const char* bindAddress);
+
     struct Exchange {
         const char* host;
-        const char* bindAddress;   // may be null
         const void* request;
-        int32_t length;            // bytes in request
-        int32_t attempts;          // receive waits; at least one is made
-        bool giveUpOnTimeout;      // the first silent wait ends it
+        int32_t length;         // bytes in request
+        int32_t attempts;       // receive waits; at least one is made
+        bool giveUpOnTimeout;   // the first silent wait ends it
     };
     // Sends once to port 161 and waits for the first datagram, which `take` reads. The result of take, 0
     // for no answer, -1 when the send failed.
-    int32_t RunExchange(const Exchange& exchange,
+    int32_t RunExchange(OwnedSocket& opened, const Exchange& exchange,
                         const std::function<int32_t(const Datagram&)>& take);
 
     std::unique_ptr<SCKRAW> socket;

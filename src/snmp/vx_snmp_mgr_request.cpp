@@ -21,13 +21,15 @@ void CopyRaw(void* out, int32_t outSize, const void* bytes, size_t count) {
     if (out) memcpy_s(out, outSize > 0 ? static_cast<size_t>(outSize) : 0, bytes, count);
 }
 
-void CopyForHost(const ResponseRecord& answer, ResponseRecord& out) {
-    out.valueTag = answer.valueTag;
+static_assert(sizeof(VnResponseRecord) == kResponseRecordSize, "hosts and the module agree");
+
+void CopyForHost(const ResponseRecord& answer, VnResponseRecord& out) {
+    out.valueType = answer.valueTag;
     out.valueLength = answer.valueLength;
     std::memcpy(out.address, answer.address, sizeof out.address);
     std::memcpy(out.value, answer.value, sizeof out.value);
-    std::memcpy(out.name, answer.name, sizeof out.name);
-    out.nameLength = answer.nameLength;
+    std::memcpy(out.oid, answer.name, sizeof out.oid);
+    out.oidLength = answer.nameLength;
 }
 
 }  // namespace
@@ -52,10 +54,10 @@ int32_t VxSnmpMgr::RunRequest(const Request& request, const CopyResult& copyResu
     const int32_t length = BuildSnmpMessage(message, sizeof message, OrDefault(request.community),
                                             request.pduType, kRequestId, list);
     if (length == 0) return 0;
-    const Exchange exchange = {request.host,     request.bindAddress, message, length,
-                               request.attempts, false};
+    OwnedSocket opened = OpenFor(request.host, request.bindAddress);
+    const Exchange exchange = {request.host, message, length, request.attempts, false};
     // Kept: the first datagram on the socket is the answer, whoever sent it and whatever it says.
-    return RunExchange(exchange, [&](const Datagram& datagram) -> int32_t {
+    return RunExchange(opened, exchange, [&](const Datagram& datagram) -> int32_t {
         ResponseRecord answer = {};
         ParseSnmpResponse(answer, datagram.data, static_cast<size_t>(datagram.length),
                           datagram.sender);
@@ -97,7 +99,7 @@ int32_t VxSnmpMgr::GetEncoded(const OidValue& oid, const char* host, char* outVa
     });
 }
 
-int32_t VxSnmpMgr::GetInformation1(const char* oid, const char* host, ResponseRecord* record,
+int32_t VxSnmpMgr::GetInformation1(const char* oid, const char* host, VnResponseRecord* record,
                                    uint32_t /*waitMs*/, int32_t attempts,
                                    const char* readCommunityText, const char* /*writeCommunity*/,
                                    const char* bindAddress, uint8_t pduType) {

@@ -52,6 +52,9 @@ void VxSnmpMgr::BeginSweep(HWND hWnd, UINT uMsg, UINT timeoutMs) {
     sink.hWnd = hWnd;
     sink.uMsg = uMsg;
     timeout = timeoutMs;
+    // Kept: the object of the sweep before is not released (some bytes and one WinSock reference).
+    (void)socket.release();
+    EnsureSocket();
 }
 
 void VxSnmpMgr::OpenResultFile(const wchar_t* path) {
@@ -95,9 +98,6 @@ int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutM
     BeginSweep(hWnd, uMsg, timeoutMs);
     const SweepEnd end(sink);
     OpenResultFile(resultPath);
-    // Kept: the object of the sweep before is not released (some bytes and one WinSock reference).
-    (void)socket.release();
-    EnsureSocket();
     StoreCommunity(readCommunity, readCommunityText);
     StoreCommunity(writeCommunity, writeCommunityText);
     uint8_t request[kMaxMessageSize] = {};

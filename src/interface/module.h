@@ -1,0 +1,13 @@
+// What lives from process attach to process detach.
+#pragma once
+
+#include "snmp/vx_snmp_mgr.h"
+#include "wsd/vx_soap_mgr.h"
+
+namespace vndiscover {
+
+extern HINSTANCE g_hModule;
+extern VxSnmpMgr* g_snmpMgr;  // null when there was no memory for it
+extern VxSoapMgr* g_soapMgr;  // likewise
+
+}  // namespace vndiscover

@@ -1,0 +1,113 @@
+#include "net/pinger.h"
+
+#include <cstring>
+
+#include "support/debug_log.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr char kPayload[] = "Data Buffer";
+constexpr WORD kPayloadBytes = 8;  // Kept: the text's first eight characters only.
+constexpr DWORD kReplyBytesV6 = 1072;
+constexpr UCHAR kTimeToLive = 255;
+
+// One echo record and the payload that comes back.
+struct alignas(ICMP_ECHO_REPLY) ReplyV4 {
+    uint8_t bytes[48];
+};
+static_assert(sizeof(ICMP_ECHO_REPLY) + kPayloadBytes == sizeof(ReplyV4), "one record and payload");
+
+uint32_t TargetV4(const char* address) {
+    const uint32_t dotted = inet_addr(address);
+    if (dotted != INADDR_NONE) return dotted;
+    const hostent* host = gethostbyname(address);
+    if (!host || !host->h_addr_list[0] || host->h_length != sizeof dotted) return INADDR_NONE;
+    uint32_t resolved;
+    std::memcpy(&resolved, host->h_addr_list[0], sizeof resolved);
+    return resolved;
+}
+
+struct AddressListTraits {
+    using Value = addrinfo*;
+    static Value Empty() noexcept { return nullptr; }
+    static void Close(Value list) noexcept { freeaddrinfo(list); }
+};
+using OwnedAddressList = Owned<AddressListTraits>;
+
+}  // namespace
+
+Pinger::Pinger() {
+    auto library = std::make_unique<SystemLibrary>(L"ICMP.DLL");
+    createFile_ = library->Find<CreateFileFunction>("IcmpCreateFile");
+    closeHandle_ = library->Find<CloseHandleFunction>("IcmpCloseHandle");
+    sendEcho_ = library->Find<SendEchoFunction>("IcmpSendEcho");
+    if (!createFile_ || !closeHandle_ || !sendEcho_) return;
+    WSADATA data;
+    // Kept: started twice and cleaned up once, which leaves one reference behind.
+    (void)WSAStartup(MAKEWORD(1, 1), &data);
+    if (WSAStartup(MAKEWORD(1, 1), &data) != 0) {
+        WSACleanup();
+        return;
+    }
+    library_ = std::move(library);
+    ready_ = true;
+}
+
+Pinger::~Pinger() {
+    if (ready_) WSACleanup();  // a reference that was never taken would be the host's
+}
+
+int Pinger::Ping(const char* address, uint32_t timeoutMs) {
+    return inet_addr(address) != INADDR_NONE ? EchoV4(address, timeoutMs)
+                                             : EchoV6(address, timeoutMs);
+}
+
+int Pinger::EchoV4(const char* address, uint32_t timeoutMs) {
+    if (!ready_) return 0;
+    const uint32_t target = TargetV4(address);
+    if (target == INADDR_NONE) return 0;
+    const HANDLE handle = createFile_();
+    if (handle == INVALID_HANDLE_VALUE) return 0;
+    const auto reply = std::make_unique<ReplyV4>();
+    char payload[sizeof kPayload];
+    std::memcpy(payload, kPayload, sizeof payload);  // the call takes writable memory
+    const DWORD replies = sendEcho_(handle, target, payload, kPayloadBytes, nullptr, reply->bytes,
+                                    sizeof reply->bytes, timeoutMs);
+    DebugLogW(L"IcmpSendEcho dwRetVal = %d\n", static_cast<int>(replies));
+    ICMP_ECHO_REPLY first;
+    std::memcpy(&first, reply->bytes, sizeof first);
+    closeHandle_(handle);
+    return replies != 0 && first.Status == IP_SUCCESS ? 1 : 0;
+}
+
+int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
+    const SystemLibrary ipHelper(L"IPHLPAPI.DLL");
+    if (!ready_ || !ipHelper) return 0;
+    const auto create = ipHelper.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
+    const auto sendEcho = ipHelper.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
+    if (!create || !sendEcho) return 0;
+
+    OwnedAddressList target;
+    if (getaddrinfo(address, nullptr, nullptr, target.Receive()) != 0) return 0;
+    sockaddr_in6 source = {};  // the system chooses the address
+    source.sin6_family = AF_INET6;
+    // Kept: the first address, of whatever family. It is handed over as IPv6, so it gets that much room.
+    sockaddr_in6 destination = {};
+    std::memcpy(&destination, target.Get()->ai_addr,
+                target.Get()->ai_addrlen < sizeof destination ? target.Get()->ai_addrlen
+                                                              : sizeof destination);
+    IP_OPTION_INFORMATION options = {};
+    options.Ttl = kTimeToLive;
+
+    const HANDLE handle = create();
+    if (handle == INVALID_HANDLE_VALUE) return 0;
+    alignas(8) uint8_t reply[kReplyBytesV6] = {};
+    uint8_t noData = 0;
+    const DWORD replies = sendEcho(handle, nullptr, nullptr, nullptr, &source, &destination,
+                                   &noData, 0, &options, reply, sizeof reply, timeoutMs);
+    closeHandle_(handle);
+    return replies != 0 ? 1 : 0;  // Kept: unlike IPv4, the reply's status is not examined.
+}
+
+}  // namespace vndiscover

@@ -1,0 +1,87 @@
+#include "snmpv3/request_v3.h"
+
+#include "snmp/asn_decode.h"
+#include "snmpv3/protocol_codes.h"
+#include "snmpv3/secret.h"
+#include "support/debug_log.h"
+#include "support/text_convert.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr size_t kMaxUserNameBytes = 127;
+
+void WipeText(std::string& text) { Wipe(text.data(), text.size()); }
+
+}  // namespace
+
+SecuritySettings::SecuritySettings(const wchar_t* userName, uint8_t useAuth,
+                                   const wchar_t* authPassword, uint8_t usePriv,
+                                   const wchar_t* privPassword, const wchar_t* authProtocol,
+                                   const wchar_t* privProtocol)
+    : userName_(WideToUtf8(userName)),
+      authPassword_(WideToUtf8(authPassword)),
+      privPassword_(WideToUtf8(privPassword)),
+      useAuth_(useAuth != 0),
+      usePriv_(useAuth != 0 && usePriv != 0),
+      authCode_(AuthCodeOf(authProtocol)),
+      privCode_(PrivCodeOf(privProtocol)) {}
+
+SecuritySettings::~SecuritySettings() {
+    WipeText(authPassword_);
+    WipeText(privPassword_);
+}
+
+bool SecuritySettings::HasUsableName() const { return userName_.size() <= kMaxUserNameBytes; }
+
+void SecuritySettings::ApplyTo(VxSNMPv3& request) const {
+    request.SetUser(userName_.c_str());
+    if (useAuth_) request.SetAuth(authCode_, authPassword_.c_str());
+    if (usePriv_) request.SetPrivacy(privCode_, privPassword_.c_str());
+    request.SetFlags(useAuth_, usePriv_);
+}
+
+std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
+                                        const EngineValues& engine, uint8_t pduType,
+                                        const char* oid) {
+    auto request = std::make_unique<VxSNMPv3>();
+    security.ApplyTo(*request);
+    request->SetEngine(engine.id, engine.boots, engine.time);
+    request->SetPduType(pduType);
+    if (!request->SetOid(oid)) return nullptr;
+    return request;
+}
+
+int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* address,
+                         const char* bindAddress, int32_t attempts) {
+    DebugLogA("SNMP::GetInformationV3 - [%s]\n", address);
+    manager.EnsureSocket();
+    if (!request) return 0;
+    OwnedSocket opened = manager.OpenFor(address, bindAddress);
+    const ByteBuffer& message = request->Encode();
+    const VxSnmpMgr::Exchange exchange = {address, message.data,
+                                          static_cast<int32_t>(message.length), attempts, true};
+    return manager.RunExchange(opened, exchange, [&](const Datagram& datagram) -> int32_t {
+        // Kept: an answer that does not decode is an answer; it only holds no value.
+        request->Decode(datagram.data, datagram.length);
+        return datagram.length;
+    });
+}
+
+const VarBindRecord* FirstBinding(const VxSNMPv3& answer) {
+    const VarBindList& list = answer.Bindings();
+    return list.count > 0 ? &list.bindings[0] : nullptr;
+}
+
+std::string ValueTextOf(const VarBindRecord* binding) {
+    std::string text;
+    if (!binding) return text;
+    try {
+        VarBindValueToText(*binding, text);
+    } catch (const AsnDecodeError&) {
+        text.clear();
+    }
+    return text;
+}
+
+}  // namespace vndiscover

@@ -1,0 +1,57 @@
+// WS-Discovery: multicasts the host's Probe and hands back every reply unread.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "net/adapter_sweep.h"
+#include "net/datagram_collector.h"
+#include "support/lazy_table.h"
+
+namespace vndiscover {
+
+constexpr int kWsDiscoveryPort = 3702;
+constexpr int32_t kMaxProbe = 2048;          // bytes of a Probe
+constexpr uint32_t kSoapCollectionMs = 30000;
+constexpr uint32_t kSoapTableCapacity = 8192;
+
+struct SoapResult {
+    char address[48];              // sender, NUL-terminated
+    uint8_t reply[kMaxDatagram];   // zero-padded; a reply of exactly this size has no terminator
+};
+static_assert(sizeof(SoapResult) == 2096, "as the table is laid out");
+
+// One per process. The result table costs nothing until replies arrive. One sweep at a time.
+class VxSoapMgr {
+  public:
+    VxSoapMgr();  // throws std::bad_alloc
+    ~VxSoapMgr();
+    VxSoapMgr(const VxSoapMgr&) = delete;
+    VxSoapMgr& operator=(const VxSoapMgr&) = delete;
+
+    // Always 0; ends with the (0, 0) notification. A Probe of no or more than kMaxProbe bytes is not sent.
+    int32_t Discover(HWND hWnd, UINT uMsg, UINT timeout, bool useIPv6, const char* probe,
+                     int32_t probeLength);
+
+    // The receive phase on `sock`. isLast has no effect.
+    void HandleEvents(UINT timeout, bool isLast);
+
+    void SendDiscoverResult(const char* address, const char* reply);
+
+    // Any thread, and the host's window procedure. Always 0.
+    int32_t StopDiscover();
+
+  private:
+    void SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length);
+
+    std::unique_ptr<SCKRAW> socket_;
+    HWND hWnd_ = nullptr;
+    UINT uMsg_ = 0;
+    UINT timeout_ = 0;
+    OwnedSocket sock_;
+    LazyTable<SoapResult, kSoapTableCapacity> results_;
+    uint32_t resultCount_ = 0;
+    StopRequest stop_{0};
+};
+
+}  // namespace vndiscover
