@@ -18,9 +18,7 @@ template <class Container>
 class WipeOnExit {
   public:
     explicit WipeOnExit(Container& container) noexcept : container_(container) {}
-    ~WipeOnExit() {
-        SecureWipe(container_.data(), container_.size() * sizeof(*container_.data()));
-    }
+    ~WipeOnExit() { SecureWipe(container_.data(), container_.size() * sizeof(*container_.data())); }
     WipeOnExit(const WipeOnExit&) = delete;
     WipeOnExit& operator=(const WipeOnExit&) = delete;
 
