@@ -1,0 +1,24 @@
+#!/bin/bash
+# test.sh [PRESET]: installs what is missing, builds, and runs all tests; PRESET is release (the default) or
+# ubsan. The native tests under ASan and UBSan are part of every run. Ends with ctest's summary.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+preset=${1:-release}
+case $preset in release | ubsan) ;; *) Die "no preset '$preset' for tests: release or ubsan" ;; esac
+
+"$ROOT/scripts/install-packages.sh"
+native=$ROOT/build/native
+export CMAKE_BUILD_PARALLEL_LEVEL=${VNDISCOVER_JOBS:-$(nproc)}
+cd "$ROOT"
+"$ROOT/scripts/build.sh" native
+Say "building $preset"
+Quietly cmake --preset "$preset" -DVNDISCOVER_NATIVE_BUILD="$native" || Die "preset $preset cannot be configured"
+Quietly cmake --build --preset "$preset" || Die "the $preset build failed"
+"$ROOT/scripts/lab/wine-template.sh" >/dev/null
+"$ROOT/scripts/lab/private-net.sh" true ||
+    Die "no private network can be made here (see above): needs root, or unprivileged user namespaces"
+
+# Most tests wait for silence most of the time, so many run at once.
+exec ctest --test-dir "build/$preset" --parallel "${VNDISCOVER_TEST_JOBS:-8}" --output-on-failure \
+    --no-tests=error </dev/null
