@@ -11,6 +11,7 @@ namespace {
 void Open(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress) {
     sock = socket.CreateSocket(SOCK_DGRAM, probe.protocol, probe.family, probe.socketTimeoutMs,
                                bindAddress);
+    if (sock) SCKRAW::RaiseReceiveBuffer(sock.Get());
 }
 
 void SendAndRun(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress,

@@ -22,14 +22,17 @@ bool TookNothing(int error) { return error != 0 && error != WSAEMSGSIZE; }
 void CollectDatagrams(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
                       const StopRequest& stop, const std::function<bool(const Datagram&)>& take) {
     const DWORD started = GetTickCount();
+    const bool takesQueued = SCKRAW::StopBlocking(sock);
     bool keepGoing = true;
     uint32_t errorsInARow = 0;
     do {
         uint8_t buffer[kMaxDatagram + 1] = {};
         char sender[kSenderTextSize] = {};
         socket.lastError = 0;  // so that an empty datagram is not read as the last wait's silence
-        const int received =
-            socket.RecvFromSocket(sock, buffer, kMaxDatagram, sender, limits.waitMs);
+        int received = 0;
+        if (!takesQueued || !socket.TakeQueued(sock, buffer, kMaxDatagram, sender, received)) {
+            received = socket.RecvFromSocket(sock, buffer, kMaxDatagram, sender, limits.waitMs);
+        }
         if (received >= 1) {
             errorsInARow = 0;
             CutZone(sender);

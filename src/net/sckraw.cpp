@@ -16,11 +16,6 @@ bool SetOption(SOCKET handle, int level, int option, const void* value, int leng
     return setsockopt(handle, level, option, static_cast<const char*>(value), length) == 0;
 }
 
-// Best effort: where the system refuses, sweeps lose answers only in bursts.
-void RaiseReceiveBuffer(SOCKET handle) {
-    SetOption(handle, SOL_SOCKET, SO_RCVBUF, &kReceiveBufferBytes, sizeof kReceiveBufferBytes);
-}
-
 bool SetIPv6MulticastOptions(SOCKET handle) {
     // One byte each: no loop-back of own multicasts, eight hops.
     const BYTE loop = 0;
@@ -59,13 +54,6 @@ const char* BindErrorName(int error) {
     }
 }
 
-// A queued datagram can be taken without the wait, which costs far more than the receive itself. An
-// empty datagram or a pending error shows as nothing here and takes the way of the wait.
-bool HasQueuedDatagram(SOCKET handle) {
-    u_long available = 0;
-    return ioctlsocket(handle, FIONREAD, &available) == 0 && available > 0;
-}
-
 // False: the wait passed silently. A failed wait is left to the receive that follows to report.
 bool WaitForDatagram(SOCKET handle, int timeoutMs) {
     fd_set readable;
@@ -75,12 +63,22 @@ bool WaitForDatagram(SOCKET handle, int timeoutMs) {
     return select(0, &readable, nullptr, nullptr, &wait) != 0;
 }
 
-void WriteSenderText(const sockaddr_storage& sender, int senderLength, char* fromAddress) {
+void WriteSenderText(const SCKRAW::Received& received, char* fromAddress) {
     char host[kSenderTextSize] = {};
-    if (getnameinfo(reinterpret_cast<const sockaddr*>(&sender), senderLength, host, sizeof host,
-                    nullptr, 0, NI_NUMERICHOST) == 0) {
+    if (getnameinfo(reinterpret_cast<const sockaddr*>(&received.sender), received.senderLength,
+                    host, sizeof host, nullptr, 0, NI_NUMERICHOST) == 0) {
         CopyText(fromAddress, kSenderTextSize, host);
     }
+}
+
+SCKRAW::Received ReceiveNow(SOCKET handle, void* buffer, int size) {
+    SCKRAW::Received received = {};
+    received.senderLength = sizeof received.sender;
+    received.length =
+        recvfrom(handle, static_cast<char*>(buffer), size, 0,
+                 reinterpret_cast<sockaddr*>(&received.sender), &received.senderLength);
+    if (received.length == SOCKET_ERROR) received.error = WSAGetLastError();
+    return received;
 }
 
 }  // namespace
@@ -123,14 +121,12 @@ OwnedSocket SCKRAW::CreateSocket(int type, int protocol, int addressFamily, int 
             DebugLogA("Failed to set SO_BROADCAST\n");
             return created;
         }
-        RaiseReceiveBuffer(handle);
         if (hasBindAddress) BindV4(handle, bindAddress, 0);
     } else if (addressFamily == AF_INET6) {
         if (!SetIPv6MulticastOptions(handle)) {
             DebugLogA("Failed to set IPV6_MULTICAST_LOOP\n");  // for either of the two
             return created;
         }
-        RaiseReceiveBuffer(handle);
         if (hasBindAddress) BindV6(handle, bindAddress);
     }
     return created;
@@ -213,23 +209,39 @@ int SCKRAW::RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs) {
 
 int SCKRAW::RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress,
                            int timeoutMs) {
-    if (!HasQueuedDatagram(handle) && !WaitForDatagram(handle, timeoutMs)) {
+    if (!WaitForDatagram(handle, timeoutMs)) {
         DebugLogA("RecvFrom - Timeout\n");
         lastError = SCKRAW_ERROR_TIMEOUT;
         return 0;
     }
-    sockaddr_storage sender = {};
-    int senderLength = sizeof sender;
-    const int received = recvfrom(handle, static_cast<char*>(buffer), size, 0,
-                                  reinterpret_cast<sockaddr*>(&sender), &senderLength);
-    if (received == SOCKET_ERROR) {
-        const int error = WSAGetLastError();
+    return Finish(ReceiveNow(handle, buffer, size), fromAddress);
+}
+
+void SCKRAW::RaiseReceiveBuffer(SOCKET handle) {
+    SetOption(handle, SOL_SOCKET, SO_RCVBUF, &kReceiveBufferBytes, sizeof kReceiveBufferBytes);
+}
+
+bool SCKRAW::StopBlocking(SOCKET handle) {
+    u_long nonBlocking = 1;
+    return ioctlsocket(handle, FIONBIO, &nonBlocking) == 0;
+}
+
+bool SCKRAW::TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received) {
+    const Received taken = ReceiveNow(handle, buffer, size);
+    if (taken.error == WSAEWOULDBLOCK) return false;
+    received = Finish(taken, fromAddress);
+    return true;
+}
+
+int SCKRAW::Finish(const Received& received, char* fromAddress) {
+    if (received.length == SOCKET_ERROR) {
+        const int error = received.error;
         DebugLogA("Receive Data failed - %d\n", error);
         lastError = error;
         return 0;
     }
-    if (fromAddress) WriteSenderText(sender, senderLength, fromAddress);
-    return received;
+    if (fromAddress) WriteSenderText(received, fromAddress);
+    return received.length;
 }
 
 int SCKRAW::HasIPv6Address() {

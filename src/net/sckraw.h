@@ -49,12 +49,35 @@ class SCKRAW {
     // kSenderTextSize bytes, receives the sender's numeric address.
     int RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress, int timeoutMs);
 
+    // For sockets that collect many answers. Raises the receive buffer so that a burst of 8,192 fits; best
+    // effort and unlogged, for where the system refuses, answers are lost only in bursts.
+    static void RaiseReceiveBuffer(SOCKET handle);
+
+    // From then on TakeQueued may be used. False: it may not.
+    static bool StopBlocking(SOCKET handle);
+
+    // Takes a datagram that is already queued without the wait, which costs more than the receive itself.
+    // False: nothing is queued. Else `received` is RecvFromSocket's result, with the same log line and
+    // lastError on failure.
+    bool TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received);
+
     // 1 when the system's IPv6 stack offers a wildcard address, else 0.
     int HasIPv6Address();
 
     OwnedSocket sock;
     int32_t family = AF_INET;
     int32_t lastError = 0;
+
+    // What one receive gave.
+    struct Received {
+        int length;  // SOCKET_ERROR: see error
+        int error;
+        sockaddr_storage sender;
+        int senderLength;
+    };
+
+  private:
+    int Finish(const Received& received, char* fromAddress);
 };
 
 }  // namespace vndiscover
