@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "support/debug_log.h"
+#include "support/secure_wipe.h"
 
 namespace vndiscover {
 
@@ -31,7 +32,9 @@ ByteBuffer& ByteBuffer::operator=(ByteBuffer&& other) noexcept {
 
 ByteBuffer::~ByteBuffer() { Clear(); }
 
+// Wiped: keys and plain texts travel in these buffers, and each growth leaves a copy behind.
 void ByteBuffer::Clear() noexcept {
+    SecureWipe(data, length);
     delete[] data;
     data = nullptr;
     length = 0;
@@ -44,7 +47,7 @@ void ByteBuffer::Join(const uint8_t* front, uint32_t frontCount, const uint8_t* 
     uint8_t* block = joined != 0 ? new uint8_t[joined] : nullptr;
     if (frontCount != 0) std::memcpy(block, front, frontCount);
     if (backCount != 0) std::memcpy(block + frontCount, back, backCount);
-    delete[] data;
+    Clear();
     data = block;
     length = joined;
 }
