@@ -1,0 +1,91 @@
+#!/bin/bash
+# The demo's steps, inside private-net.sh (demo.sh starts it). VNDISCOVER_BIN: the folder of vndiscover.exe.
+# A step whose command fails is shown like the others, with its exit code; the demo then fails at its end.
+set -uo pipefail
+here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
+failed=0
+
+Title() { printf '\n=== %s\n' "$*"; }
+
+# Shown WORD...: the words as one could type them.
+Shown() {
+    local word line=
+    for word in "$@"; do
+        case $word in
+        '' | *[!A-Za-z0-9_./:=,+-]*) line+=" '$word'" ;;
+        *) line+=" $word" ;;
+        esac
+    done
+    printf '\n$%s\n' "$line"
+}
+
+# Vn ARG...: runs vndiscover.exe on the lab's host.
+Vn() {
+    local status=0
+    Shown vndiscover.exe "$@"
+    "$here/wine-run.sh" host "$VNDISCOVER_BIN/vndiscover.exe" "$@" </dev/null | tr -d '\r'
+    status=${PIPESTATUS[0]}
+    if [ "$status" != 0 ]; then
+        echo "(exit code $status)"
+        failed=1
+    fi
+}
+
+"$here/demo-net.sh" || exit 1
+cd "$VNDISCOVER_LAB" || exit 1
+
+Title "The lab: real agents (net-snmp's snmpd) behind two switches; vndiscover.exe runs under Wine on 'host'"
+sed -n 's/^#   /    /p' "$here/demo-net.sh"
+
+Title "A sweep asks every device on both networks"
+Vn sweep
+Vn sweep --format json
+Title "The same over IPv6: the device without an IPv4 address answers too"
+Vn sweep --ipv6
+
+Title "A JSON request names further values; the module asks each device for them"
+cat >request.json <<'END'
+{
+    "DiscoverOID": ".1.3.6.1.4.1.5963.43.5.1.1.1.1",
+    "GET": {
+        ".1.3.6.1.2.1.1.1.0": "",
+        ".1.3.6.1.2.1.1.5.0": "",
+        ".1.3.6.1.2.1.1.6.0": ""
+    }
+}
+END
+Shown cat request.json
+cat request.json
+Vn sweep --json request.json --format json
+Vn sweep --json request.json --ipv6
+
+Title "One device: read, walk, write"
+Vn get 10.77.1.22 .1.3.6.1.4.1.5963.43.5.1.1.1.1 .1.3.6.1.2.1.1.6.0
+Vn walk 10.77.2.23 .1.3.6.1.2.1.2.1
+Vn walk 10.77.2.23 .1.3.6.1.2.1.2.2.1.2
+Vn info fe80::1:24
+Vn set --write-community secret 10.77.1.22 .1.3.6.1.2.1.1.4.0 s 'Copy room team, ext. 42'
+Vn get 10.77.1.22 .1.3.6.1.2.1.1.4.0
+
+Title "SNMPv3: authenticated and encrypted; the device that refuses communities answers too"
+v3=(--v3 -u sha256aes -a SHA256 -A authpass1 -x AES -X privpass1)
+Vn sweep "${v3[@]}"
+Vn sweep "${v3[@]}" --json request.json --format json
+Vn get 10.77.2.25 .1.3.6.1.2.1.1.1.0 --v3 -u md5des -a MD5 -A authpass1 -x DES -X privpass1
+
+Title "WS-Discovery: a real responder (wsdd) on 'hall'"
+Shown wsdd -4 -i eth0 -n HALL "# on hall"
+# Its complaints about a missing neighbour on lo are not part of the show.
+ip netns exec hall wsdd -4 -i eth0 -n HALL >wsdd.log 2>&1 </dev/null &
+wsdd=$!
+for _ in $(seq 100); do
+    grep -qs ':0E76 ' <(nsenter --net=/run/netns/hall cat /proc/net/udp) && break # port 3702
+    sleep 0.05
+done
+Vn wsd --timeout 1000
+kill $wsdd
+
+Title "Reachability"
+Vn ping 10.77.2.25
+Vn ipv6
+exit $failed
