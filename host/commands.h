@@ -1,0 +1,51 @@
+// The commands of the program. Each adds itself to the command line; its work runs while the command line is
+// read, and leaves the process's exit code in `exitCode`. Wrong usage that shows up only then is thrown as
+// CLI::ValidationError.
+#ifndef VNDISCOVER_HOST_COMMANDS_H
+#define VNDISCOVER_HOST_COMMANDS_H
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+
+#include "wide_text.h"
+
+namespace vndiscover::host {
+
+enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3 };
+
+void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
+void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, walk, info
+void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
+void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
+
+// The options of SNMPv3, shared by several commands.
+struct V3Options {
+    bool isOn = false;
+    std::string user, authProtocol, authPassword, privProtocol, privPassword;
+};
+void AddV3Options(CLI::App& command, V3Options& options);
+
+// What the SNMPv3 exports take.
+struct Security {
+    std::wstring user, authLabel, privLabel;
+    Secret authPassword, privPassword;
+    bool useAuth = false;
+    bool usePriv = false;
+};
+// Checks the options and fetches missing passwords from the environment or the user.
+Security ResolveSecurity(const V3Options& options);
+
+// The text of --format as one of the command's own enumerators.
+template <class Value>
+CLI::Option* AddFormat(CLI::App& command, Value& format, const std::map<std::string, Value>& names) {
+    std::string shown;
+    for (const auto& [name, value] : names) shown += (shown.empty() ? "" : "|") + name;
+    return command.add_option("--format", format, "How results are printed: " + shown)
+        ->transform(CLI::CheckedTransformer(names))
+        ->type_name("FORMAT");
+}
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_COMMANDS_H
