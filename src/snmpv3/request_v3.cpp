@@ -2,8 +2,8 @@
 
 #include "snmp/asn_decode.h"
 #include "snmpv3/protocol_codes.h"
-#include "snmpv3/secret.h"
 #include "support/debug_log.h"
+#include "support/secure_wipe.h"
 #include "support/text_convert.h"
 
 namespace vndiscover {
@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t kMaxUserNameBytes = 127;
 
-void WipeText(std::string& text) { Wipe(text.data(), text.size()); }
+void WipeText(std::string& text) { SecureWipe(text.data(), text.size()); }
 
 }  // namespace
 
