@@ -1,0 +1,44 @@
+#!/bin/bash
+# fuzz.sh [SECONDS]: fuzzes each decoder for SECONDS (default 300), two at a time, from the seeds in
+# tests/fuzz/corpus, then measures which lines of the portable code the inputs found reach. The inputs stay in
+# build/fuzz/found; a fault ends the run with an error and leaves its input in build/fuzz.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+seconds=${1:-300}
+
+"$ROOT/scripts/install-packages.sh"
+Quietly cmake --preset native -S "$ROOT"
+Quietly cmake --build "$ROOT/build/native" -j "$(nproc)"
+mkdir -p "$ROOT/build/fuzz/found"
+cd "$ROOT/build/fuzz"
+
+Fuzz() {
+    local target=$1 found=found/${1#fuzz_}
+    mkdir -p "$found"
+    "$ROOT/build/native/bin/$target" -max_total_time="$2" -max_len=2048 -print_final_stats=1 -verbosity=0 \
+        -artifact_prefix="$target-" "$found" "$ROOT/tests/fuzz/corpus/${target#fuzz_}" >"$target.log" 2>&1 || {
+        echo "$target failed:" >&2
+        tail -n 40 "$target.log" >&2
+        return 1
+    }
+    echo "$target: $(sed -n 's/stat::number_of_executed_units: *//p' "$target.log") inputs in $2 s," \
+        "$(ls "$found" | wc -l) kept"
+}
+export -f Fuzz
+export ROOT
+targets=$(cd "$ROOT/tests/fuzz" && ls fuzz_*.cpp | sed 's/\.cpp$//')
+xargs -P 2 -I{} bash -c "Fuzz {} $seconds" <<<"$targets"
+
+# A build of its own: coverage and sanitizers would slow each other.
+Quietly cmake -S "$ROOT" -B "$ROOT/build/coverage" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang \
+    -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="-fprofile-instr-generate -fcoverage-mapping"
+# shellcheck disable=SC2086 # a list of words
+Quietly cmake --build "$ROOT/build/coverage" -j "$(nproc)" --target $targets
+objects=()
+for target in $targets; do
+    LLVM_PROFILE_FILE=$target.profraw "$ROOT/build/coverage/bin/$target" -runs=0 "found/${target#fuzz_}" \
+        "$ROOT/tests/fuzz/corpus/${target#fuzz_}" >/dev/null 2>&1
+    objects+=(-object "$ROOT/build/coverage/bin/$target")
+done
+llvm-profdata-14 merge -sparse ./*.profraw -o all.profdata
+llvm-cov-14 report "${objects[@]}" -instr-profile=all.profdata "$ROOT/src" | tee coverage.txt

@@ -1,0 +1,25 @@
+// OID text and its tokenizer on any text.
+#include <cstdlib>
+#include <string>
+
+#include "snmp/oid_text.h"
+#include "snmp/text_tokenizer.h"
+#include "snmp/var_bind.h"
+
+using namespace vndiscover;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    const auto pieces = SplitText(text.c_str(), ".,");
+    if (pieces.size() > kMaxPieces) std::abort();
+    for (const std::string& piece : pieces) {
+        if (piece.size() > kMaxPieceChars) std::abort();
+    }
+    OidValue oid;
+    const int32_t length = ParseOidText(oid, text.c_str());
+    if (length < 0 || length > kMaxOidContent || oid.length != length) std::abort();
+    VarBindRecord binding;
+    const bool fits = MakeVarBind(oid, ValueView{5, 0, nullptr}, binding) == 0;
+    if (fits != (length <= kMaxNameContent)) std::abort();
+    return 0;
+}
