@@ -6,7 +6,7 @@ set -euo pipefail
 PACKAGES=(
     # build
     cmake ninja-build g++-mingw-w64-x86-64-posix clang libclang-rt-14-dev dpkg-dev patch xz-utils perl make
-    googletest libcli11-dev libcjson-dev libssl-dev libpugixml-dev
+    googletest llvm libcli11-dev libcjson-dev libssl-dev libpugixml-dev
     # lab
     wine64 iproute2 snmpd snmp wsdd tshark python3 util-linux
 )

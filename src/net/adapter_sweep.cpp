@@ -8,21 +8,32 @@
 namespace vndiscover {
 namespace {
 
+// No socket stays open behind its phase, however that ends.
+class CloseOnExit {
+  public:
+    explicit CloseOnExit(OwnedSocket& sock) : sock_(sock) {}
+    ~CloseOnExit() { sock_.Reset(); }
+
+  private:
+    OwnedSocket& sock_;
+};
+
 void Open(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress) {
     sock = socket.CreateSocket(SOCK_DGRAM, probe.protocol, probe.family, probe.socketTimeoutMs,
                                bindAddress);
+    // Here and not for every socket: a directed request waits for one answer, and the call costs.
     if (sock) SCKRAW::RaiseReceiveBuffer(sock.Get());
 }
 
 void SendAndRun(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress,
                 bool isLast, const SweepPhase& phase) {
+    const CloseOnExit close(sock);
     // A socket that did not open is not told apart: the send on it fails and says so.
     if (socket.SendToSocket(sock, probe.target, probe.port, probe.data, probe.length) != -1) {
         phase(bindAddress, isLast);
     } else {
         DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
     }
-    sock.Reset();
 }
 
 void SweepIPv4(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase) {

@@ -41,7 +41,7 @@ void CollectDatagrams(SCKRAW& socket, SOCKET sock, const CollectionLimits& limit
         } else if (socket.lastError == SCKRAW_ERROR_TIMEOUT) {
             if (limits.logsTimeouts) DebugLogA("tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n");
             keepGoing = false;
-        } else if (socket.lastError == kSocketsNotInitialised) {
+        } else if (socket.lastError == WSANOTINITIALISED) {
             DebugLogA("tszRecvAddr = WSAStartup failed\n");
             keepGoing = false;
         } else if (TookNothing(socket.lastError) && ++errorsInARow > 1) {

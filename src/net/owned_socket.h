@@ -16,4 +16,11 @@ struct SocketTraits {
 };
 using OwnedSocket = Owned<SocketTraits>;
 
+struct AddressListTraits {
+    using Value = addrinfo*;
+    static Value Empty() noexcept { return nullptr; }
+    static void Close(Value list) noexcept { freeaddrinfo(list); }
+};
+using OwnedAddressList = Owned<AddressListTraits>;
+
 }  // namespace vndiscover

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "net/sckraw.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
@@ -20,28 +21,15 @@ static_assert(sizeof(ICMP_ECHO_REPLY) + kPayloadBytes == sizeof(ReplyV4), "one r
 
 uint32_t TargetV4(const char* address) {
     const uint32_t dotted = inet_addr(address);
-    if (dotted != INADDR_NONE) return dotted;
-    const hostent* host = gethostbyname(address);
-    if (!host || !host->h_addr_list[0] || host->h_length != sizeof dotted) return INADDR_NONE;
-    uint32_t resolved;
-    std::memcpy(&resolved, host->h_addr_list[0], sizeof resolved);
-    return resolved;
+    return dotted != INADDR_NONE ? dotted : SCKRAW::ResolveV4(address);
 }
-
-struct AddressListTraits {
-    using Value = addrinfo*;
-    static Value Empty() noexcept { return nullptr; }
-    static void Close(Value list) noexcept { freeaddrinfo(list); }
-};
-using OwnedAddressList = Owned<AddressListTraits>;
 
 }  // namespace
 
-Pinger::Pinger() {
-    auto library = std::make_unique<SystemLibrary>(L"ICMP.DLL");
-    createFile_ = library->Find<CreateFileFunction>("IcmpCreateFile");
-    closeHandle_ = library->Find<CloseHandleFunction>("IcmpCloseHandle");
-    sendEcho_ = library->Find<SendEchoFunction>("IcmpSendEcho");
+Pinger::Pinger() : ipHelper_(L"IPHLPAPI.DLL"), library_(L"ICMP.DLL") {
+    createFile_ = library_.Find<CreateFileFunction>("IcmpCreateFile");
+    closeHandle_ = library_.Find<CloseHandleFunction>("IcmpCloseHandle");
+    sendEcho_ = library_.Find<SendEchoFunction>("IcmpSendEcho");
     if (!createFile_ || !closeHandle_ || !sendEcho_) return;
     WSADATA data;
     // Kept: started twice and cleaned up once, which leaves one reference behind.
@@ -50,7 +38,6 @@ Pinger::Pinger() {
         WSACleanup();
         return;
     }
-    library_ = std::move(library);
     ready_ = true;
 }
 
@@ -69,34 +56,33 @@ int Pinger::EchoV4(const char* address, uint32_t timeoutMs) {
     if (target == INADDR_NONE) return 0;
     const HANDLE handle = createFile_();
     if (handle == INVALID_HANDLE_VALUE) return 0;
-    const auto reply = std::make_unique<ReplyV4>();
+    ReplyV4 reply = {};
     char payload[sizeof kPayload];
     std::memcpy(payload, kPayload, sizeof payload);  // the call takes writable memory
-    const DWORD replies = sendEcho_(handle, target, payload, kPayloadBytes, nullptr, reply->bytes,
-                                    sizeof reply->bytes, timeoutMs);
+    const DWORD replies = sendEcho_(handle, target, payload, kPayloadBytes, nullptr, reply.bytes,
+                                    sizeof reply.bytes, timeoutMs);
     DebugLogW(L"IcmpSendEcho dwRetVal = %d\n", static_cast<int>(replies));
     ICMP_ECHO_REPLY first;
-    std::memcpy(&first, reply->bytes, sizeof first);
+    std::memcpy(&first, reply.bytes, sizeof first);
     closeHandle_(handle);
     return replies != 0 && first.Status == IP_SUCCESS ? 1 : 0;
 }
 
 int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
-    const SystemLibrary ipHelper(L"IPHLPAPI.DLL");
-    if (!ready_ || !ipHelper) return 0;
-    const auto create = ipHelper.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
-    const auto sendEcho = ipHelper.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
-    if (!create || !sendEcho) return 0;
+    if (!ready_ || !ipHelper_) return 0;
+    const auto create = ipHelper_.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
+    const auto sendEcho = ipHelper_.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
+    if (!create || !sendEcho) return 0;  // there are systems that offer neither
 
     OwnedAddressList target;
     if (getaddrinfo(address, nullptr, nullptr, target.Receive()) != 0) return 0;
     sockaddr_in6 source = {};  // the system chooses the address
     source.sin6_family = AF_INET6;
-    // Kept: the first address, of whatever family. It is handed over as IPv6, so it gets that much room.
-    sockaddr_in6 destination = {};
-    std::memcpy(&destination, target.Get()->ai_addr,
-                target.Get()->ai_addrlen < sizeof destination ? target.Get()->ai_addrlen
-                                                              : sizeof destination);
+    // The first address counts. A name that has only IPv4 addresses is not reached this way, and read as
+    // IPv6 its address would be somebody else's.
+    if (target.Get()->ai_family != AF_INET6) return 0;
+    sockaddr_in6 destination;
+    std::memcpy(&destination, target.Get()->ai_addr, sizeof destination);
     IP_OPTION_INFORMATION options = {};
     options.Ttl = kTimeToLive;
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "support/system_library.h"
 
@@ -32,7 +31,9 @@ class Pinger {
     using CloseHandleFunction = decltype(&IcmpCloseHandle);
     using SendEchoFunction = decltype(&IcmpSendEcho);
 
-    std::unique_ptr<SystemLibrary> library_;  // empty unless all three functions were found
+    // Held first: ICMP.DLL only forwards to it by name, and would else take a file beside the host.
+    SystemLibrary ipHelper_;
+    SystemLibrary library_;
     CreateFileFunction createFile_ = nullptr;
     CloseHandleFunction closeHandle_ = nullptr;
     SendEchoFunction sendEcho_ = nullptr;

@@ -59,7 +59,7 @@ bool WaitForDatagram(SOCKET handle, int timeoutMs) {
     fd_set readable;
     FD_ZERO(&readable);
     FD_SET(handle, &readable);
-    timeval wait = {timeoutMs / 1000, 0};
+    timeval wait = {timeoutMs > 0 ? timeoutMs / 1000 : 0, 0};
     return select(0, &readable, nullptr, nullptr, &wait) != 0;
 }
 
@@ -184,13 +184,14 @@ int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const 
     hints.ai_socktype = SOCK_DGRAM;
     char service[16];
     wsprintfA(service, "%d", port);
-    addrinfo* addresses = nullptr;
-    const int resolved = getaddrinfo(host, service, &hints, &addresses);
+    OwnedAddressList addresses;
+    const int resolved = getaddrinfo(host, service, &hints, addresses.Receive());
     WSASetLastError(resolved);
     if (resolved != 0) return resolved;  // Kept: callers see it as a count of bytes and go on to wait.
 
+    const addrinfo& target = *addresses.Get();
     const int sent = sendto(handle.Get(), static_cast<const char*>(data), length, 0,
-                            addresses->ai_addr, static_cast<int>(addresses->ai_addrlen));
+                            target.ai_addr, static_cast<int>(target.ai_addrlen));
     const int error = WSAGetLastError();
     if (sent == SOCKET_ERROR) {
         DebugLogA("sendto() failed - %d\n", error);
@@ -198,7 +199,7 @@ int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const 
         // another thread of the host has opened since.
         handle.Reset();
     }
-    freeaddrinfo(addresses);
+    addresses.Reset();
     WSASetLastError(error);
     return sent;
 }
@@ -228,7 +229,8 @@ bool SCKRAW::StopBlocking(SOCKET handle) {
 
 bool SCKRAW::TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received) {
     const Received taken = ReceiveNow(handle, buffer, size);
-    if (taken.error == WSAEWOULDBLOCK) return false;
+    // Where nothing has been sent or bound, a receive is an error and a wait passes silently.
+    if (taken.error == WSAEWOULDBLOCK || taken.error == WSAEINVAL) return false;
     received = Finish(taken, fromAddress);
     return true;
 }
@@ -252,17 +254,16 @@ int SCKRAW::HasIPv6Address() {
     hints.ai_flags = AI_PASSIVE | AI_NUMERICHOST;
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;
-    addrinfo* addresses = nullptr;
-    const int error = getaddrinfo(nullptr, "161", &hints, &addresses);
+    OwnedAddressList addresses;
+    const int error = getaddrinfo(nullptr, "161", &hints, addresses.Receive());
     if (error != 0) {
         DebugLogA("ERROR: getaddrinfo failed with error %d\r\n", error);
         return 0;
     }
     int found = 0;
-    for (const addrinfo* entry = addresses; entry; entry = entry->ai_next) {
+    for (const addrinfo* entry = addresses.Get(); entry; entry = entry->ai_next) {
         if (entry->ai_family == AF_INET6) found = 1;
     }
-    freeaddrinfo(addresses);
     return found;
 }
 

@@ -10,7 +10,6 @@ namespace vndiscover {
 constexpr int32_t SCKRAW_ERROR_TIMEOUT = 1;     // lastError: a wait passed without a datagram
 constexpr int kMaxDatagram = 2048;              // bytes of a receive buffer
 constexpr int kSenderTextSize = 260;            // bytes that a fromAddress buffer must hold
-constexpr int kSocketsNotInitialised = 10093;   // WSANOTINITIALISED
 
 // Holds one WinSock start-up reference. One thread at a time. Texts are narrow, time-outs milliseconds.
 // Nothing throws; each result says what is left to the caller.
@@ -34,7 +33,7 @@ class SCKRAW {
     static uint32_t ResolveV4(const char* text);
     static bool IsDottedQuad(const char* text);
 
-    // Sends on `sock`, created first if none is open. As SendToSocket.
+    // Sends on `sock`, created first if none is open; after a failed send that is a new one. As SendToSocket.
     int SendTo(int addressFamily, const char* host, int port, const void* data, int length,
                int timeoutMs);
 
@@ -57,7 +56,7 @@ class SCKRAW {
     static bool StopBlocking(SOCKET handle);
 
     // Takes a datagram that is already queued without the wait, which costs more than the receive itself.
-    // False: nothing is queued. Else `received` is RecvFromSocket's result, with the same log line and
+    // False: nothing is queued, or the socket cannot receive yet: wait. Else `received` is RecvFromSocket's result, with the same log line and
     // lastError on failure.
     bool TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received);
 

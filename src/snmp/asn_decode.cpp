@@ -48,7 +48,7 @@ uint32_t AsnReadInteger(int32_t& value, const ByteBuffer& in, uint32_t cursor) {
     // Kept: an INTEGER without content takes its sign from the byte behind it, if there is one.
     const bool negative = cursor < in.length && content[0] >= 0x80;
     uint32_t result = negative ? 0xFFFFFFFFu : 0;
-    // Kept: agents that put a zero-extended 0x80 in front of a negative number are read as they mean it.
+    // Kept: 80 FF 8x... reads as the negative number FF 8x...
     if (length >= 3 && content[0] == 0x80 && content[1] == 0xFF && content[2] >= 0x80) {
         ++content;
         --length;

@@ -1,4 +1,5 @@
-// The local address from which requests to an IPv6 host leave: chosen once, remembered for later calls.
+// The local address from which requests to an IPv6 host leave: tried anew in each call, remembered between
+// calls.
 // Shared by all directed requests, without a lock.
 #pragma once
 

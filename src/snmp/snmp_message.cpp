@@ -151,17 +151,4 @@ int32_t ParseSnmpResponse(ResponseRecord& record, const uint8_t* datagram, size_
     return count;
 }
 
-void InitResponseRecord(ResponseRecord& record) {
-    ByteBuffer empty;
-    record.engineId = std::move(empty);
-    record.valueTag = record.valueLength = record.nameLength = 0;
-    std::memset(record.address, 0, sizeof record.address);
-    std::memset(record.value, 0, sizeof record.value);
-    std::memset(record.name, 0, sizeof record.name);
-    record.engineBoots = record.engineTime = 0;
-    record.msgMaxSize = 0;
-}
-
-void FreeResponseRecord(ResponseRecord& record) { record.engineId.Clear(); }
-
 }  // namespace vndiscover

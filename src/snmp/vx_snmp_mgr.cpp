@@ -46,7 +46,7 @@ int32_t VxSnmpMgr::RunExchange(OwnedSocket& opened, const Exchange& exchange,
         if (socket->lastError == SCKRAW_ERROR_TIMEOUT) {
             timeout = 0;  // Kept: a side effect that nothing reads afterwards.
             if (exchange.giveUpOnTimeout) break;
-        } else if (socket->lastError == kSocketsNotInitialised) {
+        } else if (socket->lastError == WSANOTINITIALISED) {
             DebugLogA("tszRecvAddr = WSAStartup failed\n");
             timeout = 0;
             break;

@@ -75,7 +75,7 @@ class VxSnmpMgr {
                             const char* writeCommunity, const char* bindAddress, uint8_t pduType);
 
     // value: in the bytes to set, out the answer's value; valueType: in the tag in the low byte, out the
-    // answer's. Neither fits or is given: 0, nothing sent. readCommunity is not used.
+    // answer's. Without a type, or with a value that fits no binding: 0, nothing is sent. readCommunity is not used.
     int32_t SetInformationByStr(const char* oid, const char* host, uint8_t* value,
                                 int32_t valueLength, uint32_t* valueType, uint32_t waitMs,
                                 int32_t attempts, const char* readCommunity,

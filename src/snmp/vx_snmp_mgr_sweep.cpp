@@ -71,7 +71,7 @@ int32_t VxSnmpMgr::BuildDiscoveryRequest(const char* oid, const char* jsonReques
     if (!FitsOidText(szDisOid.c_str())) return 0;
 
     OidValue name;
-    if (ParseOidText(name, szDisOid.c_str()) == 0) return 0;
+    ParseOidText(name, szDisOid.c_str());  // Kept: text without two arcs asks for the empty OID.
     VarBindRecord binding;
     if (MakeVarBind(name, ValueView{kTagNull, 0, nullptr}, binding) != 0) return 0;
     VarBindList list;

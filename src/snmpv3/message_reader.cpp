@@ -90,7 +90,8 @@ int32_t ReadMessage(MessageRecord& message, const MessageKeys& keys, CryptoSessi
     ByteBuffer in;
     in.Assign(datagram, length);
     uint32_t cursor = 0;
-    const uint32_t end = AsnEnter(in, cursor, kTagSequence) + cursor;
+    const uint32_t content = AsnEnter(in, cursor, kTagSequence);
+    const uint32_t end = cursor + content;
     cursor = AsnReadInteger(message.receivedVersion, in, cursor);
     cursor = ReadHeader(message, in, cursor);
     ReceivedMac mac;

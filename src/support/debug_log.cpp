@@ -72,11 +72,10 @@ void DebugLogW(const wchar_t* format, ...) {
     SYSTEMTIME now;
     GetLocalTime(&now);
     wchar_t line[kWideLineSize] = {};
-    // wsprintfW would cut the whole line at 1,024 characters, so it makes the stamp alone.
-    const int stamp =
-        wsprintfW(line, L"%02i/%02i/%02i %02i:%02i:%02i:%03i ", now.wMonth, now.wDay, now.wYear,
-                  now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
-    lstrcpynW(line + stamp, message, static_cast<int>(kWideLineSize) - stamp);
+    // Kept: wsprintfW writes at most 1,024 characters, so here, unlike in narrow lines, the time stamp
+    // counts with the message.
+    wsprintfW(line, L"%02i/%02i/%02i %02i:%02i:%02i:%03i %s", now.wMonth, now.wDay, now.wYear,
+              now.wHour, now.wMinute, now.wSecond, now.wMilliseconds, message);
     OutputDebugStringW(line);
 }
 

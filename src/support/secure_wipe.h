@@ -2,15 +2,14 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
 
 namespace vndiscover {
 
-// Zeroes memory that nobody reads again. The barrier keeps the compiler from leaving that out.
+// Zeroes memory that nobody reads again. Volatile keeps the compiler from leaving that out.
 inline void SecureWipe(void* memory, size_t size) noexcept {
     if (size == 0) return;
-    std::memset(memory, 0, size);
-    __asm__ __volatile__("" : : "r"(memory) : "memory");
+    volatile unsigned char* bytes = static_cast<volatile unsigned char*>(memory);
+    for (size_t i = 0; i < size; ++i) bytes[i] = 0;
 }
 
 // Wipes a text or an array when the scope ends, whatever way it is left.

@@ -1,24 +1,23 @@
 #include "support/system_library.h"
 
-#include <string>
+#include <cwchar>
 
 namespace vndiscover {
 namespace {
 
-std::wstring SystemDirectory() {
-    wchar_t directory[MAX_PATH] = {};
-    const UINT length = GetSystemDirectoryW(directory, MAX_PATH);
-    return length < MAX_PATH ? std::wstring(directory, length) : std::wstring();
-}
+constexpr size_t kFileNameChars = 32;
 
 HMODULE LoadFromSystem(const wchar_t* fileName) {
-    const std::wstring directory = SystemDirectory();
-    if (directory.empty()) return nullptr;
-    return LoadLibraryW((directory + L'\\' + fileName).c_str());
+    wchar_t path[MAX_PATH + kFileNameChars] = {};
+    const UINT length = GetSystemDirectoryW(path, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH || wcslen(fileName) + 2 > kFileNameChars) return nullptr;
+    path[length] = L'\\';
+    wcscpy(path + length + 1, fileName);
+    return LoadLibraryW(path);
 }
 
 }  // namespace
 
-SystemLibrary::SystemLibrary(const wchar_t* fileName) : module_(LoadFromSystem(fileName)) {}
+SystemLibrary::SystemLibrary(const wchar_t* fileName) noexcept : module_(LoadFromSystem(fileName)) {}
 
 }  // namespace vndiscover

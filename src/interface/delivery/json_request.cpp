@@ -18,10 +18,11 @@ void FillInMember(cJSON* get, int32_t j, const FetchValue& fetch) {
     DebugLogW(L"Key [%s]\n", key);
     DebugLogW(L"  value [%s]\n", value);
     char szKey[kOidTextSize] = {};
-    CopyText(szKey, WideToAnsi(key).c_str());
+    const bool isWhole = CopyText(szKey, WideToAnsi(key).c_str());
     DebugLogA("  szKey [%s]\n", szKey);
     std::string answer;
-    if (!fetch(szKey, answer)) return;
+    // A key that was cut names another variable, so nobody is asked for it.
+    if (!isWhole || !fetch(szKey, answer)) return;
     JsonDoc::ReplaceMember(get, key, JsonDoc::NewString(AnsiToWide(answer.c_str()).c_str()));
 }
 
