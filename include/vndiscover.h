@@ -5,9 +5,14 @@
  * Conventions that all exports share:
  * - Text: `wchar_t` arguments are NUL-terminated UTF-16, `char` arguments NUL-terminated text in the
  *   system's ANSI code page. The module copies what it keeps; every argument may be freed on return.
- * - Addresses are numeric text: "192.168.1.20" or "fe80::1". Sweeps report them without zone suffix.
+ * - Addresses that sweeps report are numeric text: "192.168.1.20" or, without zone suffix, "fe80::1".
+ *   Directed requests also take a name, which is resolved to IPv4; one that does not resolve costs all
+ *   waits and gives 0.
  * - Communities: null or "" means "sesame". One of more than 255 bytes cannot be encoded: a sweep
  *   then sends nothing and still ends with its final message, a directed request returns 0.
+ * - SNMPv1 messages carry one-byte lengths. A request whose community, encoded OID and value come to
+ *   more than 103 bytes goes out malformed, and an answer with a value of 128 bytes and more, or a
+ *   message length in the form 81 nn, is misread. Over SNMPv3 values have 126 bytes at most.
  * - No export throws, and none calls back into the host except by the result message below.
  * - Threads: each export blocks the thread that calls it; the module makes no thread of its own.
  *   At most one SNMP sweep and one WS-Discovery sweep at a time in a process; directed requests one
@@ -30,8 +35,9 @@
  * - hWnd may be null: no message is sent.
  *
  * The debug log is switched on in the registry, key HKEY_LOCAL_MACHINE\Software\Varnell Osk\VnInst:
- * `Debug` (non-zero) sends lines to the debugger, `Dbg2Log` (non-zero) appends them to VxAdmSvc.log
- * in the current directory.
+ * `Debug` (non-zero) sends lines to the debugger, `Dbg2Log` (non-zero) appends the narrow ones, nearly
+ * all, to VxAdmSvc.log in the current directory. A change takes effect at load and whenever a thread of the
+ * host starts or ends; `Dbg2Log` can then only be switched on. Values of at most 4 bytes count.
  */
 #ifndef VNDISCOVER_H
 #define VNDISCOVER_H
@@ -143,8 +149,9 @@ VN_API int32_t DiscoverDevices(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
 /**
  * DiscoverDevices for an OID of the host's choice.
  * @param oid  Dotted text, at most 259 characters, for example L".1.3.6.1.2.1.1.1.0". Null or "": the
- *             default discovery OID. Arcs from 16,384 on cannot be encoded and go out wrong. One that
- *             does not fit (over 124 encoded bytes): nothing is sent, only the final message comes.
+ *             default discovery OID. Arcs from 16,384 on cannot be encoded and go out wrong; text of
+ *             fewer than two arcs asks for the empty OID. One that does not fit (over 124 encoded
+ *             bytes): nothing is sent, only the final message comes.
  */
 VN_API int32_t DiscoverDevicesByOID(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                                     const wchar_t* oid, const wchar_t* resultPath,
@@ -191,7 +198,7 @@ VN_API int32_t StopDiscoverSnmp(void);
  * @param usePriv       Privacy; used only where useAuth is set.
  * @param privPassword  As authPassword, for privacy.
  * @param authProtocol  VN_AUTH_...; any other text: no authentication key.
- * @param privProtocol  VN_PRIV_...; any other text: no privacy.
+ * @param privProtocol  VN_PRIV_...; with any other text requests that ask for privacy stay unanswered.
  * @return Always 0. NO final (0, 0) message: the sweep is over when the call returns.
  * An answer with a wrong authentication code is used all the same (the debug log tells).
  */
@@ -214,7 +221,8 @@ VN_API int32_t DiscoverV3DevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BY
  * Multicasts the host's WS-Discovery Probe to 239.255.255.250 port 3702 from every IPv4 address of the
  * host and from 127.0.0.1, and delivers every reply, unread, as it arrives.
  * @param timeout      Milliseconds of silence that end an adapter's phase, counted in whole seconds:
- *                     2,500 waits 2 s, 999 only takes what is already there. A phase lasts 30 s at most.
+ *                     2,500 waits 2 s; 999, and 2^31 and more, only take what is already there. No wait
+ *                     begins after 30 s, so that a phase lasts 30 s and one wait at most.
  * @param probe        The whole message, sent byte for byte. Null with a length: zero bytes are sent.
  * @param probeLength  0 to 2,048 bytes. 0, negative or more than 2,048: nothing is sent, only the
  *                     final message comes.
@@ -223,7 +231,11 @@ VN_API int32_t DiscoverV3DevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BY
 VN_API int32_t DiscoverSoap(HWND hWnd, UINT uMsg, UINT timeout, const char* probe,
                             int32_t probeLength);
 
-/** Asks the running WS-Discovery sweep to end, as StopDiscoverSnmp does for SNMP. @return 0. */
+/**
+ * Asks the running WS-Discovery sweep to end: at once within a result message, else after the current wait;
+ * every remaining address is still sent the Probe and costs one wait.
+ * @return 0.
+ */
 VN_API int32_t StopDiscoverSoap(void);
 
 /** Present so that hosts which look them up find them. They do nothing. @return 0. */
@@ -242,8 +254,8 @@ VN_API int32_t GetSnmpInformation(const char* host, char* value, const char* rea
 
 /**
  * Asks one device for one value of the type the host expects, as text; one datagram out, up to five
- * waits of 2 s. For an IPv6 host the local address is chosen first by a trial request of one wait, and
- * remembered for later calls.
+ * waits of 2 s. For an IPv6 host each call first tries the remembered local address with a request of one
+ * wait (12 s in all), and where that stays without an answer remembers the host's second one instead.
  * @param host          Device address as text; with a ':' it is IPv6. Null: nothing is sent, 0.
  * @param oid           Dotted text.
  * @param value         Receives the text and its zero byte; may be null: nothing is written. Written
@@ -269,11 +281,13 @@ VN_API int32_t GetSnmpRequest(const char* host, const char* oid, char* value, in
  * @param value          Caller's buffer: receives the raw value and one zero byte behind it. Null: the
  *                       value is dropped; type and length are still given.
  * @param valueSize      Size of value in bytes: 256 always suffices, too small is a caller's fault
- *                       (value is zeroed, then as in GetSnmpRequest).
+ *                       (value is zeroed, the length is returned all the same, and the runtime's
+ *                       handler is called as in GetSnmpRequest).
  * @param valueType      Receives the BER tag, VN_TYPE_...; may be null.
  * @param readCommunity  Null or "" means "sesame".
  * @param timeout, retries, writeCommunity  Accepted, not used.
- * @return Bytes in value; 0: no answer or an empty value; -1: the request could not be sent.
+ * @return Bytes of the value; 0: no answer, an empty value, or an OID that cannot be encoded (fewer than
+ *         two arcs, over 124 bytes); -1: the request could not be sent.
  */
 VN_API int32_t GetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value,
                                  int32_t valueSize, uint32_t* valueType, uint32_t timeout,
@@ -296,7 +310,8 @@ VN_API int32_t GetNextSnmpRequestRaw(const char* host, const char* oid, VnRespon
  * value again to be sure.
  * @param value           Raw value bytes; overwritten by the answer's value.
  * @param valueLength     Bytes in value, 0 to 126; more (or an OID over 124 encoded bytes): nothing is
- *                        sent, 0. An answer longer than this is a caller's fault as in GetSnmpRequest.
+ *                        sent, 0. An answer with a longer value, which any device may send, counts as a
+ *                        caller's fault: value is zeroed, and see GetSnmpRequestRaw.
  * @param valueType       In: the BER tag in the low byte; out: the answer's. Null: nothing is sent, 0.
  * @param writeCommunity  Null or "" means "sesame".
  * @param timeout, retries, readCommunity  Accepted, not used.
@@ -345,7 +360,7 @@ VN_API int32_t GetNextSnmpRequestV3(const char* host, const char* oid, VnRespons
  * Sends one ICMP echo request.
  * @param address  IPv4 dotted text; anything else (IPv6 text, a host name, 255.255.255.255) takes the
  *                 IPv6 way. Null: 0.
- * @param timeout  Milliseconds to wait for the reply.
+ * @param timeout  Milliseconds to wait for the reply; resolving a name comes on top.
  * @return 1: the target answered; 0: it did not, or the request could not be made.
  */
 VN_API BYTE VxPing(const char* address, UINT timeout);
