@@ -1,0 +1,57 @@
+// What most tests of the exports need: the module, a host's window, devices that each test
+// describes.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "exports/support/agents.h"
+#include "exports/support/hooks.h"
+#include "exports/support/module.h"
+#include "exports/support/result_window.h"
+#include "exports/support/snmp_datagrams.h"
+
+namespace vndiscover {
+
+// The first part of a table's row: it names the test.
+struct Row {
+    const char* name;
+};
+inline std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
+constexpr auto kNameOfRow = [](const auto& row) { return std::string(row.param.name); };
+
+class LabTest : public testing::Test {
+  protected:
+    void Devices(Reply reply) {
+        agents.reset();
+        agents.emplace(std::move(reply));
+    }
+    void SilentDevices() { Devices(nullptr); }
+    // Every device of that network answers alike; the other network is silent.
+    void DeviceIn(const std::string& net, std::vector<Answer> answers) {
+        Devices([=](const Request& request) {
+            return request.net == net ? answers : std::vector<Answer>();
+        });
+    }
+
+    // DiscoverDevices with the default community.
+    void Sweep(const wchar_t* path = nullptr, BYTE useIPv6 = 0) {
+        module.DiscoverDevices(window.Handle(), window.kMessage, 0, useIPv6, path, nullptr,
+                               nullptr);
+    }
+
+    Module module;
+    ResultWindow window;
+    std::optional<Agents> agents;
+};
+
+// Silent waits a quarter as long.
+class QuickLabTest : public LabTest {
+  protected:
+    Waits waits{module};
+};
+
+}  // namespace vndiscover
