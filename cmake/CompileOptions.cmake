@@ -1,12 +1,18 @@
 # How our own code is compiled and linked. Third-party targets do not get `vndiscover_options`.
 add_library(vndiscover_options INTERFACE)
-target_compile_options(vndiscover_options INTERFACE -Wall -Wextra -Werror)
+set(VNDISCOVER_WARNINGS -Wall -Wextra -Werror)
+if(MSVC)
+    include(MsvcOptions)
+endif()
+target_compile_options(vndiscover_options INTERFACE ${VNDISCOVER_WARNINGS})
 target_include_directories(vndiscover_options INTERFACE ${PROJECT_SOURCE_DIR}/src
                                                         ${PROJECT_SOURCE_DIR}/include)
 
 # The same commit gives the same bytes in every folder: no absolute paths, no link time.
-add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
-                    -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+if(NOT MSVC)
+    add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
+                        -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
+endif()
 
 if(MINGW)
     # Windows 7: the oldest system with every API that is linked rather than looked up.

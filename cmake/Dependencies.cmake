@@ -11,7 +11,9 @@ function(_vndiscover_static name archive)
     endif()
 endfunction()
 
-if(WIN32)
+if(CMAKE_HOST_WIN32)
+    include(VcpkgDependencies)
+elseif(WIN32)
     set(VNDISCOVER_DEPS "" CACHE PATH "Prefix with the built dependencies; empty: build or reuse them")
     if(NOT VNDISCOVER_DEPS)
         execute_process(COMMAND ${PROJECT_SOURCE_DIR}/scripts/build-deps.sh
