@@ -131,7 +131,7 @@ _Static_assert(offsetof(VnResponseRecord, oidLength) == 4276, "part of the binar
  * @param timeout         Accepted, not used: the limits below are fixed.
  * @param useIPv6         0: IPv4 broadcast from every IPv4 address of the host; else: multicast to
  *                        FF02::1 from every IPv6 link-local address of an adapter that is up.
- * @param resultPath      File that receives a line "address","value" per device (CR LF, quotes not
+ * @param resultPath      Complete when the export returns, not yet at the final message. File that receives a line "address","value" per device (CR LF, quotes not
  *                        escaped), emptied first; null or "": no file. Fewer than 260 characters. A
  *                        file that cannot be opened is left out: messages only.
  * @param readCommunity   Null or "" means "sesame".
@@ -162,7 +162,7 @@ VN_API int32_t DiscoverDevicesByOID(HWND hWnd, UINT uMsg, UINT timeout, BYTE use
  * under "GET" costs one directed request (10 s at most where a device is silent); its answer replaces
  * the member's string, a member without an answer keeps it. The filled-in document is the value that
  * is delivered.
- * @param jsonRequest  For example
+ * @param jsonRequest  ASCII; other characters as JSON escapes. Null is no JSON. For example
  *     {"DiscoverOID": ".1.3.6.1.2.1.1.2.0", "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
  *                     Without "DiscoverOID" the default OID is asked for. Text that is no JSON: no
  *                     device is delivered. One that converts to 2,048 bytes or more: nothing is sent.
@@ -179,7 +179,8 @@ VN_API int32_t DiscoverSnmp(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
 
 /**
  * Asks the running SNMP sweep to end, SNMPv3 sweeps included. While answers are collected it takes
- * effect after the current wait (2 s at most) and nothing more is delivered; every remaining address
+ * effect after the current wait (2 s at most) and nothing more is delivered; while devices are delivered, it
+ * takes effect before the next one, in JSON mode after the current one's questions. Every remaining address
  * is still sent its request and costs one wait. The final message is sent all the same. Without a
  * running sweep it has no effect: each sweep begins by clearing it.
  * @return 0.
@@ -277,7 +278,7 @@ VN_API int32_t GetSnmpRequest(const char* host, const char* oid, char* value, in
 /**
  * Asks one device for one management value and waits for the answer, about 10 s at most.
  * @param host           As in GetSnmpRequest.
- * @param oid            Dotted text, for example ".1.3.6.1.2.1.1.1.0".
+ * @param oid            Dotted text, for example ".1.3.6.1.2.1.1.1.0". Null reads as "": 0.
  * @param value          Caller's buffer: receives the raw value and one zero byte behind it. Null: the
  *                       value is dropped; type and length are still given.
  * @param valueSize      Size of value in bytes: 256 always suffices, too small is a caller's fault

@@ -87,8 +87,11 @@ class VxSnmpMgr {
 
     // What sweeps and exchanges of every SNMP version share.
 
-    // Clears the stop request, remembers where results go and makes the sweep's socket object.
+    // Clears the stop request and remembers where results go.
     void BeginSweep(HWND hWnd, UINT uMsg, UINT timeout);
+
+    // Makes the sweep's socket object.
+    void RenewSocket();
 
     // Sends one datagram from every address and runs phase behind each send, with `sock` open.
     void Sweep(bool useIPv6, const void* request, int32_t length, const SweepPhase& phase);

@@ -52,6 +52,9 @@ void VxSnmpMgr::BeginSweep(HWND hWnd, UINT uMsg, UINT timeoutMs) {
     sink.hWnd = hWnd;
     sink.uMsg = uMsg;
     timeout = timeoutMs;
+}
+
+void VxSnmpMgr::RenewSocket() {
     // Kept: the object of the sweep before is not released (some bytes and one WinSock reference).
     (void)socket.release();
     EnsureSocket();
@@ -97,6 +100,7 @@ int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutM
     DebugLogA("SNMP::Discover\n");
     BeginSweep(hWnd, uMsg, timeoutMs);
     const SweepEnd end(sink);
+    RenewSocket();
     OpenResultFile(resultPath);
     StoreCommunity(readCommunity, readCommunityText);
     StoreCommunity(writeCommunity, writeCommunityText);

@@ -79,6 +79,7 @@ int32_t DiscoverV3(VxSnmpMgr& manager, const char* oid, HWND hWnd, UINT uMsg, UI
                    BYTE useIPv6, const char* jsonRequest, const SecuritySettings& security) {
     DebugLogA("SNMP::DiscoverV3\n");
     manager.BeginSweep(hWnd, uMsg, timeout);
+    manager.RenewSocket();
     if (FitsLimits(jsonRequest, security)) {
         VxSNMPv3 probe;
         const ByteBuffer& message = probe.Encode();

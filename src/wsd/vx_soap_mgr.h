@@ -30,28 +30,30 @@ class VxSoapMgr {
     VxSoapMgr& operator=(const VxSoapMgr&) = delete;
 
     // Always 0; ends with the (0, 0) notification. A Probe of no or more than kMaxProbe bytes is not sent.
-    int32_t Discover(HWND hWnd, UINT uMsg, UINT timeout, bool useIPv6, const char* probe,
+    // Called while it sweeps, it does nothing.
+    int32_t Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6, const char* probe,
                      int32_t probeLength);
 
     // The receive phase on `sock`. isLast has no effect.
-    void HandleEvents(UINT timeout, bool isLast);
+    void HandleEvents(UINT waitMs, bool isLast);
 
     void SendDiscoverResult(const char* address, const char* reply);
 
     // Any thread, and the host's window procedure. Always 0.
     int32_t StopDiscover();
 
+    std::unique_ptr<SCKRAW> socket;  // of the latest sweep
+    HWND hWnd = nullptr;
+    UINT uMsg = 0;
+    UINT timeout = 0;
+    OwnedSocket sock;
+    LazyTable<SoapResult, kSoapTableCapacity> results;
+    uint32_t resultCount = 0;
+    StopRequest stop{0};
+    bool sweeping = false;
+
   private:
     void SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length);
-
-    std::unique_ptr<SCKRAW> socket_;
-    HWND hWnd_ = nullptr;
-    UINT uMsg_ = 0;
-    UINT timeout_ = 0;
-    OwnedSocket sock_;
-    LazyTable<SoapResult, kSoapTableCapacity> results_;
-    uint32_t resultCount_ = 0;
-    StopRequest stop_{0};
 };
 
 }  // namespace vndiscover

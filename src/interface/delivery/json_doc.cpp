@@ -2,6 +2,8 @@
 
 #include <cjson/cJSON.h>
 
+#include <utility>
+
 #include "support/copy_text.h"
 #include "support/text_convert.h"
 
@@ -15,6 +17,12 @@ using Printed = std::unique_ptr<char, PrintedDeleter>;
 
 void CopyOut(const char* utf8, wchar_t* out, size_t outSize) {
     if (utf8 && out) CopyText(out, outSize, Utf8ToWide(utf8).c_str());
+}
+
+bool CopyString(const cJSON* item, wchar_t* out, size_t outSize) {
+    const char* value = cJSON_GetStringValue(item);
+    CopyOut(value, out, outSize);
+    return value != nullptr;
 }
 
 }  // namespace
@@ -46,10 +54,32 @@ bool JsonDoc::MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSiz
 }
 
 bool JsonDoc::StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const {
-    const char* value = cJSON_GetStringValue(Member(root_.get(), WideToUtf8(name).c_str()));
-    if (!value) return false;
-    CopyOut(value, out, outSize);
-    return true;
+    return StringOfMember(root_.get(), name, out, outSize);
+}
+
+bool JsonDoc::StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, size_t outSize) {
+    return CopyString(Member(object, WideToUtf8(name).c_str()), out, outSize);
+}
+
+bool JsonDoc::StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out,
+                                size_t outSize) const {
+    return CopyString(cJSON_GetArrayItem(Member(root_.get(), WideToUtf8(name).c_str()), i), out,
+                      outSize);
+}
+
+void JsonDoc::SetRoot(OwnedJsonItem item) { root_ = std::move(item); }
+
+void JsonDoc::AddItem(cJSON* object, const wchar_t* name, OwnedJsonItem item) {
+    if (cJSON_AddItemToObject(object, WideToUtf8(name).c_str(), item.get())) item.release();
+}
+
+void JsonDoc::AddString(cJSON* object, const wchar_t* name, const wchar_t* text) {
+    AddItem(object, name, NewString(text));
+}
+
+void JsonDoc::AddString(cJSON* array, const wchar_t* text) {
+    OwnedJsonItem item = NewString(text);
+    if (cJSON_AddItemToArray(array, item.get())) item.release();
 }
 
 OwnedJsonItem JsonDoc::NewString(const wchar_t* text) {
