@@ -1,6 +1,6 @@
-// The commands of the program. Each adds itself to the command line; its work runs while the command line is
-// read, and leaves the process's exit code in `exitCode`. Wrong usage that shows up only then is thrown as
-// CLI::ValidationError.
+// The commands of the program. Each adds itself to the command line; its work runs while the
+// command line is read, and leaves the process's exit code in `exitCode`. Wrong usage that shows up
+// only then is thrown as CLI::ValidationError.
 #ifndef VNDISCOVER_HOST_COMMANDS_H
 #define VNDISCOVER_HOST_COMMANDS_H
 
@@ -36,13 +36,21 @@ struct Security {
 // Checks the options and fetches missing passwords from the environment or the user.
 Security ResolveSecurity(const V3Options& options);
 
-// The text of --format as one of the command's own enumerators.
+// Adds --format with the command's own enumerators; the first name is the default.
 template <class Value>
-CLI::Option* AddFormat(CLI::App& command, Value& format, const std::map<std::string, Value>& names) {
-    std::string shown;
-    for (const auto& [name, value] : names) shown += (shown.empty() ? "" : "|") + name;
-    return command.add_option("--format", format, "How results are printed: " + shown)
-        ->transform(CLI::CheckedTransformer(names))
+CLI::Option* AddFormat(CLI::App& command, Value& format,
+                       const std::vector<std::pair<std::string, Value>>& names) {
+    std::string known;
+    for (const auto& name : names) known += (known.empty() ? "" : ", ") + name.first;
+    const auto choose = [&format, names, known](const std::string& text) {
+        for (const auto& [name, value] : names) {
+            if (name != text) continue;
+            format = value;
+            return;
+        }
+        throw CLI::ValidationError("--format", "'" + text + "' is none of " + known);
+    };
+    return command.add_option_function<std::string>("--format", choose, "Output: " + known)
         ->type_name("FORMAT");
 }
 

@@ -2,12 +2,9 @@
 
 #include <windows.h>
 
-#include <fcntl.h>
-#include <io.h>
-
+#include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 
 #include "plain_text.h"
 
@@ -23,8 +20,24 @@ std::atomic<DWORD> g_inputMode{0};  // to be put back when a hidden prompt is in
 UINT g_formerCodePage = 0;
 
 std::mutex g_outputMutex;
-size_t g_statusWidth = 0;  // characters of the live line that stand on the console
+std::atomic<size_t> g_statusWidth{0};  // characters of the live line that stand on the console
 bool g_isOutputBroken = false;
+
+// One write with the system's line ends. The C streams write to a console byte by byte, which
+// flickers.
+bool Write(DWORD handle, std::string_view text) {
+    std::string bytes;
+    for (const char letter : text) bytes += letter == '\n' ? "\r\n" : std::string(1, letter);
+    size_t done = 0;
+    while (done < bytes.size()) {
+        DWORD written = 0;
+        const auto rest = static_cast<DWORD>(bytes.size() - done);
+        if (!WriteFile(GetStdHandle(handle), bytes.data() + done, rest, &written, nullptr))
+            return false;
+        done += written;
+    }
+    return true;
+}
 
 bool IsConsole(DWORD handle) {
     DWORD mode = 0;
@@ -33,7 +46,8 @@ bool IsConsole(DWORD handle) {
 
 void RestoreConsole() {
     if (g_formerCodePage != 0) SetConsoleOutputCP(g_formerCodePage);
-    if (const DWORD mode = g_inputMode.exchange(0)) SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
+    if (const DWORD mode = g_inputMode.exchange(0))
+        SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
 }
 
 BOOL WINAPI OnControl(DWORD event) {
@@ -44,23 +58,23 @@ BOOL WINAPI OnControl(DWORD event) {
         return TRUE;
     }
     RestoreConsole();
-    return FALSE;  // the system ends the process
+    if (g_statusWidth > 0) Write(STD_ERROR_HANDLE, "\n");
+    // At once: an orderly end would unload the module under its running sweep.
+    if (canStop) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    return FALSE;  // the window is closed, the user logs off: the system ends the process
 }
 
 // With the output mutex held. The line is erased with spaces: that works on every console.
 void EraseStatus() {
     if (g_statusWidth == 0) return;
-    std::fprintf(stderr, "\r%*s\r", static_cast<int>(g_statusWidth), "");
-    std::fflush(stderr);
+    Write(STD_ERROR_HANDLE, "\r" + std::string(g_statusWidth, ' ') + "\r");
     g_statusWidth = 0;
 }
 
 void ShowStatus(const std::string& text) {
     const std::lock_guard<std::mutex> lock(g_outputMutex);
-    const size_t width = text.size();
-    std::fprintf(stderr, "\r%s", Padded(text, g_statusWidth).c_str());
-    std::fflush(stderr);
-    g_statusWidth = width > g_statusWidth ? width : g_statusWidth;
+    Write(STD_ERROR_HANDLE, "\r" + Padded(text, g_statusWidth));
+    g_statusWidth = std::max<size_t>(g_statusWidth, text.size());
 }
 
 }  // namespace
@@ -79,23 +93,21 @@ ConsoleSession::~ConsoleSession() {
 bool Print(std::string_view text) {
     const std::lock_guard<std::mutex> lock(g_outputMutex);
     EraseStatus();
-    const size_t written = std::fwrite(text.data(), 1, text.size(), stdout);
-    if (written != text.size() || std::fflush(stdout) != 0) g_isOutputBroken = true;
+    if (!Write(STD_OUTPUT_HANDLE, text)) g_isOutputBroken = true;
     return !g_isOutputBroken;
 }
 
 void Warn(const std::string& text) {
     const std::lock_guard<std::mutex> lock(g_outputMutex);
     EraseStatus();
-    std::fprintf(stderr, "vndiscover: %s\n", text.c_str());
+    Write(STD_ERROR_HANDLE, "vndiscover: " + text + "\n");
 }
 
 std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     DWORD mode = 0;
     if (!GetConsoleMode(input, &mode)) return std::nullopt;
-    std::fprintf(stderr, "%s", prompt.c_str());
-    std::fflush(stderr);
+    Write(STD_ERROR_HANDLE, prompt);
     g_inputMode = mode;
     SetConsoleMode(input, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~ENABLE_ECHO_INPUT);
     wchar_t line[256];
@@ -103,7 +115,7 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     const BOOL isRead = ReadConsoleW(input, line, 256, &count, nullptr);
     SetConsoleMode(input, mode);
     g_inputMode = 0;
-    std::fprintf(stderr, "\n");
+    Write(STD_ERROR_HANDLE, "\n");
     while (count > 0 && (line[count - 1] == L'\n' || line[count - 1] == L'\r')) --count;
     std::optional<std::wstring> text;
     if (isRead) text.emplace(line, count);
@@ -142,7 +154,8 @@ void SweepWatch::Run() {
     while (!isOver_) {
         // A request that came just before the sweep began was cleared by its beginning: ask again.
         if (g_isStopped) stop_();
-        if (hasConsole) ShowStatus(status_() + (g_isStopped ? ", stopping (Ctrl-C again ends at once)" : ""));
+        if (hasConsole)
+            ShowStatus(status_() + (g_isStopped ? ", stopping (Ctrl-C again ends at once)" : ""));
         wake_.wait_for(lock, kStatusPeriod);
     }
 }

@@ -1,5 +1,5 @@
-// The console: UTF-8 output, Ctrl-C, the live line, the password prompt. Standard output carries results alone,
-// everything else goes to standard error.
+// The console: UTF-8 output, Ctrl-C, the live line, the password prompt. Standard output carries
+// results alone, everything else goes to standard error.
 #ifndef VNDISCOVER_HOST_CONSOLE_H
 #define VNDISCOVER_HOST_CONSOLE_H
 
@@ -23,19 +23,20 @@ class ConsoleSession {
     ConsoleSession& operator=(const ConsoleSession&) = delete;
 };
 
-// Writes results and flushes, so that a row can be read when it arrives. False once nobody reads any more (a
-// closed pipe): the caller stops its work.
+// Writes results and flushes, so that a row can be read when it arrives. False once nobody reads
+// any more (a closed pipe): the caller stops its work.
 bool Print(std::string_view text);
 
 // One line on standard error, with the program's name in front.
 void Warn(const std::string& text);
 
-// Asks for a line without showing it; empty when standard input is no console. Ends in `text` being erased
-// from memory by its owner: give it to a Secret at once.
+// Asks for a line without showing it; empty when standard input is no console. Ends in `text` being
+// erased from memory by its owner: give it to a Secret at once.
 std::optional<std::wstring> PromptHidden(const std::string& prompt);
 
-// For the lifetime of a sweep: the first Ctrl-C calls `stop` (any thread may), the second ends the process. With
-// `status` the console shows a line that is renewed while the sweep's thread is blocked.
+// For the lifetime of a sweep: the first Ctrl-C calls `stop` (any thread may), the second ends the
+// process. With `status` the console shows a line that is renewed while the sweep's thread is
+// blocked.
 class SweepWatch {
   public:
     SweepWatch(int32_t (*stop)(), std::function<std::string()> status);

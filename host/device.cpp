@@ -51,9 +51,10 @@ Answer Device::GetV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = 0;
     const int32_t reportLength = GetSnmpRequestV3(
-        host_.c_str(), OidToText(oid).c_str(), text, sizeof text, &type, kUnusedTimeoutMs, kUnusedRetries,
-        security_->user.c_str(), security_->useAuth, security_->authPassword.Get(), security_->usePriv,
-        security_->privPassword.Get(), security_->authLabel.c_str(), security_->privLabel.c_str());
+        host_.c_str(), OidToText(oid).c_str(), text, sizeof text, &type, kUnusedTimeoutMs,
+        kUnusedRetries, security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
+        security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
+        security_->privLabel.c_str());
     if (reportLength > 0 && type == kInteger) {
         std::string problem;
         const auto number = ParseSetValue("integer", text, problem);
@@ -64,8 +65,8 @@ Answer Device::GetV3(const Oid& oid) const {
     return IsNoValue(type) ? AnsweredWith(oid, type, "") : GetByNext(oid);
 }
 
-// An SNMPv3 get delivers text alone, that is INTEGER and OCTET STRING. A get-next request for the place just
-// before brings values of all types, and a refusal with its reason.
+// An SNMPv3 get delivers text alone, that is INTEGER and OCTET STRING. A get-next request for the
+// place just before brings values of all types, and a refusal with its reason.
 Answer Device::GetByNext(const Oid& oid) const {
     Oid before = oid;
     if (before.back() == 0) {
@@ -74,8 +75,9 @@ Answer Device::GetByNext(const Oid& oid) const {
         --before.back();
     }
     Answer answer = GetNext(before);
-    if (answer.status != Status::kAnswered || answer.oid == oid) return answer;
-    answer = Failed(Status::kUnreadable, oid);
+    if (answer.status == Status::kAnswered && answer.oid != oid)
+        answer.status = Status::kUnreadable;
+    answer.oid = oid;
     return answer;
 }
 
@@ -84,14 +86,14 @@ Answer Device::GetNext(const Oid& oid) const {
     const std::string text = OidToText(oid);
     if (!security_) {
         const int32_t length =
-            GetNextSnmpRequestRaw(host_.c_str(), text.c_str(), &record, kUnusedTimeoutMs, kUnusedRetries,
-                                  readCommunity_.c_str(), nullptr);
+            GetNextSnmpRequestRaw(host_.c_str(), text.c_str(), &record, kUnusedTimeoutMs,
+                                  kUnusedRetries, readCommunity_.c_str(), nullptr);
         return length < 0 ? Failed(Status::kSendFailed, oid) : FromRecord(record, oid);
     }
     GetNextSnmpRequestV3(host_.c_str(), text.c_str(), &record, kUnusedTimeoutMs, kUnusedRetries,
                          security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
-                         security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
-                         security_->privLabel.c_str());
+                         security_->usePriv, security_->privPassword.Get(),
+                         security_->authLabel.c_str(), security_->privLabel.c_str());
     record.address[0] = '\0';  // here it is the host's text, whether an answer came or not
     Answer answer = FromRecord(record, oid);
     const char* reason = ReportReason(answer.oid);
@@ -109,9 +111,9 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     std::memcpy(buffer, value.bytes.data(), value.bytes.size());
     // Only the low byte goes out. The bit above it tells an answer of the same type from no answer.
     uint32_t type = value.type | 0x100;
-    const int32_t length = SetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), buffer, size, &type,
-                                             kUnusedTimeoutMs, kUnusedRetries, nullptr,
-                                             writeCommunity_.c_str());
+    const int32_t length =
+        SetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), buffer, size, &type,
+                          kUnusedTimeoutMs, kUnusedRetries, nullptr, writeCommunity_.c_str());
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
     // A longer value than the one sent was not copied.
@@ -121,7 +123,8 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
 
 std::optional<std::string> Device::Information() const {
     char value[VN_INFORMATION_SIZE] = {};
-    if (GetSnmpInformation(host_.c_str(), value, readCommunity_.c_str(), nullptr) <= 0) return std::nullopt;
+    if (GetSnmpInformation(host_.c_str(), value, readCommunity_.c_str(), nullptr) <= 0)
+        return std::nullopt;
     return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
 }
 

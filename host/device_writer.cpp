@@ -8,8 +8,8 @@
 namespace vndiscover::host {
 namespace {
 
-// The value of a version-1 result message as bytes. A message has no type, but only an OCTET STRING comes
-// with the size that stands for "longer than 127 bytes".
+// The value of a version-1 result message as bytes. A message has no type, but only an OCTET STRING
+// comes with the size that stands for "longer than 127 bytes".
 std::string RawValue(std::string_view value) { return ContentOf(kOctetString, value).bytes; }
 
 // The one answer of a document that RequestFor asked for.
@@ -39,12 +39,13 @@ std::string DeviceWriter::TableRow(std::string_view address, std::string_view va
     const auto answers = AnswersOf(document.get());
     if (answers.empty()) {
         const std::string line = OneLine(value);
-        return Padded(PlainText(address), AddressWidth()) + (line.empty() ? "(no value)" : line) + "\n";
+        return Padded(PlainText(address), AddressWidth()) + (line.empty() ? "(no value)" : line) +
+               "\n";
     }
     std::string rows;
     for (const auto& [oid, answer] : answers) {
-        rows += Padded(rows.empty() ? PlainText(address) : "", AddressWidth()) + Padded(PlainText(oid), 29) +
-                "  " + ShownValue(answer) + "\n";
+        rows += Padded(rows.empty() ? PlainText(address) : "", AddressWidth()) +
+                Padded(PlainText(oid), 29) + "  " + ShownValue(answer) + "\n";
     }
     return rows;
 }
@@ -58,7 +59,8 @@ std::string DeviceWriter::JsonRow(std::string_view address, std::string_view val
     } else if (kind_ == ValueKind::kDocument) {
         AddText(element.get(), "value", value);
     } else {
-        const std::string bytes = kind_ == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
+        const std::string bytes =
+            kind_ == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
         AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
     }
     array_.Add(element.get());
@@ -67,7 +69,8 @@ std::string DeviceWriter::JsonRow(std::string_view address, std::string_view val
 
 std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
     if (format_ == Format::kJson) return JsonRow(address, value);
-    if (format_ == Format::kCsv) return CsvField(PlainText(address)) + "," + CsvField(OneLine(value)) + "\n";
+    if (format_ == Format::kCsv)
+        return CsvField(PlainText(address)) + "," + CsvField(OneLine(value)) + "\n";
     const bool needsHead = isFirst_;
     isFirst_ = false;
     const std::string row = TableRow(address, value);

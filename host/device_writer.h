@@ -21,9 +21,11 @@ enum class ValueKind {
 class DeviceWriter {
   public:
     // useIPv6: wider address column.
-    DeviceWriter(Format format, ValueKind kind, bool useIPv6) : format_(format), kind_(kind), useIPv6_(useIPv6) {}
+    DeviceWriter(Format format, ValueKind kind, bool useIPv6)
+        : format_(format), kind_(kind), useIPv6_(useIPv6) {}
 
-    // Each returns the text to print now; lines end in LF. `value` is the text of the result message.
+    // Each returns the text to print now; lines end in LF. `value` is the text of the result
+    // message.
     std::string Row(std::string_view address, std::string_view value);
     // Call it once, after the last row, also when there was none.
     std::string End();
@@ -32,7 +34,7 @@ class DeviceWriter {
     std::string TableRow(std::string_view address, std::string_view value) const;
     std::string JsonRow(std::string_view address, std::string_view value);
     std::string OneLine(std::string_view value) const;
-    size_t AddressWidth() const { return useIPv6_ ? 41 : 17; }
+    size_t AddressWidth() const { return useIPv6_ ? 27 : 17; }
 
     Format format_;
     ValueKind kind_;

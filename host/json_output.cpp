@@ -51,7 +51,8 @@ void AddNumber(cJSON* object, const char* name, const std::string& decimal) {
 std::string CompactJson(const cJSON* item) {
     char* printed = cJSON_PrintUnformatted(item);
     if (!printed) return "null";
-    // The library escapes C0 characters only; what else a device put into a string is replaced here.
+    // The library escapes C0 characters only; what else a device put into a string is replaced
+    // here.
     std::string text = PlainText(printed);
     cJSON_free(printed);
     return text;

@@ -19,7 +19,8 @@ struct JsonDelete {
 };
 using JsonItem = std::unique_ptr<cJSON, JsonDelete>;
 
-// Adds a string member, made fit for a document: valid UTF-8, control characters only as JSON escapes.
+// Adds a string member, made fit for a document: valid UTF-8, control characters only as JSON
+// escapes.
 void AddText(cJSON* object, const char* name, std::string_view bytes);
 void AddTexts(cJSON* object, const char* name, const std::vector<std::string>& texts);
 // Adds a number member with all its digits, which a double would not keep.
@@ -28,7 +29,8 @@ void AddNumber(cJSON* object, const char* name, const std::string& decimal);
 // One line, without control characters.
 std::string CompactJson(const cJSON* item);
 
-// One JSON array, an element a line, written while its elements still arrive: print what each call returns.
+// One JSON array, an element a line, written while its elements still arrive: print what each call
+// returns.
 class JsonArray {
   public:
     // The text so far plus this element; taken over by the caller with Take.
@@ -42,8 +44,8 @@ class JsonArray {
     bool isEmpty_ = true;
 };
 
-// A JSON request as the module takes it: without blanks, for the size of a request is limited. Empty, with
-// `problem`: no JSON object, or 2,048 bytes and more.
+// A JSON request as the module takes it: without blanks, for the size of a request is limited.
+// Empty, with `problem`: no JSON object, or 2,048 bytes and more.
 std::optional<std::string> PrepareRequest(std::string_view text, std::string& problem);
 
 // A request that asks each device for one OID only.

@@ -15,7 +15,8 @@ using vndiscover::host::Warn;
 // The version of the DLL that is loaded, from its own resource; the program comes with it.
 std::string Version() {
     const HMODULE module = GetModuleHandleW(L"VnDiscover.dll");
-    const HRSRC resource = FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
+    const HRSRC resource =
+        FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
     const HGLOBAL block = resource ? LoadResource(module, resource) : nullptr;
     const auto* bytes = static_cast<const uint8_t*>(block ? LockResource(block) : nullptr);
     const size_t size = bytes ? SizeofResource(module, resource) : 0;
@@ -33,7 +34,19 @@ std::string Version() {
     return "VnDiscover";
 }
 
+// Options and arguments with their type alone: what excludes what is told by the message that
+// follows a mistake, and every column that the help has is needed for the texts.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    std::string make_option_opts(const CLI::Option* option) const override {
+        const bool isShown = !option->get_positional() && option->get_type_size() != 0;
+        return isShown ? " " + option->get_type_name() : "";
+    }
+};
+
 void BuildCommandLine(CLI::App& app, int& exitCode) {
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.get_formatter()->column_width(26);
     app.allow_windows_style_options(false);  // "/tmp/x" is a path
     app.require_subcommand(1);
     app.set_version_flag("--version", Version());
@@ -44,7 +57,8 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.footer("'vndiscover COMMAND --help' tells more, with examples.");
 }
 
-// A negative number behind "set" is a value, but the parser takes it for an option. A leading blank prevents that.
+// A negative number behind "set" is a value, but the parser takes it for an option. A leading blank
+// prevents that.
 void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
     if (arguments.empty() || arguments.front() != "set") return;
     for (std::string& argument : arguments) {
@@ -56,13 +70,15 @@ void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
 
 std::string Hint(const CLI::App& app) {
     const auto chosen = app.get_subcommands();
-    return "try 'vndiscover " + (chosen.empty() ? "" : chosen.front()->get_name() + " ") + "--help'";
+    return "try 'vndiscover " + (chosen.empty() ? "" : chosen.front()->get_name() + " ") +
+           "--help'";
 }
 
 int Run() {
     int exitCode = vndiscover::host::kWrongUsage;
-    CLI::App app("Finds printers and multifunction devices on the network, reads and writes their values.",
-                 "vndiscover");
+    CLI::App app(
+        "Finds printers and multifunction devices on the network, reads and writes their values.",
+        "vndiscover");
     BuildCommandLine(app, exitCode);
     std::vector<std::string> arguments = vndiscover::host::CommandLineArguments();
     ProtectNegativeNumbers(arguments);
@@ -71,7 +87,9 @@ int Run() {
     } catch (const CLI::Success& help) {  // --help and --version
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
-        Warn(error.what());
+        const auto unknown = app.remaining();
+        const bool hasNoCommand = app.get_subcommands().empty() && !unknown.empty();
+        Warn(hasNoCommand ? "no such command or option: " + unknown.front() : error.what());
         Warn(Hint(app));
         return vndiscover::host::kWrongUsage;
     }
@@ -83,8 +101,9 @@ void IgnoreInvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsi
 }  // namespace
 
 int main() {
-    // A device may answer a set request with more bytes than were sent. The C runtime then refuses the copy into
-    // our buffer and calls this handler, whose default may end the process; we look at the length returned.
+    // A device may answer a set request with more bytes than were sent. The C runtime then refuses
+    // the copy into our buffer and calls this handler, whose default may end the process; we look
+    // at the length returned.
     _set_invalid_parameter_handler(IgnoreInvalidParameter);
     const vndiscover::host::ConsoleSession console;
     try {

@@ -14,24 +14,26 @@ namespace vndiscover::host {
 // The arcs. Compared with < they come in the order in which a device walks its variables.
 using Oid = std::vector<uint32_t>;
 
-// Numeric text, with or without the leading dot. Empty: no OID (a name, an arc over 32 bits, a first arc
-// over 2, a second over 39 behind 0 or 1, more than 128 arcs).
+// Numeric text, with or without the leading dot. Empty: no OID (a name, an arc over 32 bits, a
+// first arc over 2, a second over 39 behind 0 or 1, more than 128 arcs).
 std::optional<Oid> ParseOid(std::string_view text);
 
 // With a leading dot: ".1.3.6.1".
 std::string OidToText(const Oid& oid);
 
-// Content octets to arcs; empty for octets that are no OID (none, the last one cut, an arc over 32 bits).
+// Content octets to arcs; empty for octets that are no OID (none, the last one cut, an arc over 32
+// bits).
 std::optional<Oid> DecodeOid(std::string_view octets);
 
 // Arcs (at least two) to content octets, arcs of any size.
 std::string EncodeOid(const Oid& oid);
 
-// The module writes every arc from the third on in one byte or two, and the first two in one byte: true when
-// that loses bits, so that the device is asked for another variable.
+// The module writes every arc from the third on in one byte or two, and the first two in one byte:
+// true when that loses bits, so that the device is asked for another variable.
 bool GoesOutWrong(const Oid& oid);
 
-// Whether a request can hold it: two arcs or more, 124 content octets at most, as the module writes them.
+// Whether a request can hold it: two arcs or more, 124 content octets at most, as the module writes
+// them.
 bool FitsRequest(const Oid& oid);
 
 // True for `root` itself too.

@@ -14,8 +14,8 @@ struct Character {
     bool isUtf8;
 };
 
-// The next character of a non-empty text. Overlong forms, surrogates and cut sequences are no UTF-8: then one
-// byte is read as Latin-1.
+// The next character of a non-empty text. Overlong forms, surrogates and cut sequences are no
+// UTF-8: then one byte is read as Latin-1.
 Character NextCharacter(std::string_view text) {
     const auto byteAt = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
     const uint8_t first = byteAt(0);
@@ -92,7 +92,8 @@ bool IsPrintable(std::string_view bytes) {
         ascii += next.code < 0x80 ? 1 : 0;
         i += next.bytes;
     }
-    // A hardware address may consist of bytes that all are Latin-1 letters; a text has more ASCII than that.
+    // A hardware address may consist of bytes that all are Latin-1 letters; a text has more ASCII
+    // than that.
     return isUtf8 || ascii * 2 > bytes.size();
 }
 

@@ -6,7 +6,9 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr char kPingExamples[] = R"(An IPv4 address in dotted form goes by IPv4; an IPv6 address or a host name goes by IPv6.
+constexpr char kPingExamples[] =
+    R"(An IPv4 address in dotted form goes by IPv4; an IPv6 address or a host name goes
+by IPv6.
 
 Examples:
   vndiscover ping 192.168.1.20
@@ -43,7 +45,7 @@ void AddReachCommands(CLI::App& app, int& exitCode) {
     ping->add_option("HOST", options->host, "Address of the host")->required();
     ping->add_option("--timeout", options->timeoutMs, "Milliseconds to wait for the answer [2000]")
         ->type_name("MS")
-        ->check(CLI::Range(1u, 60000u));
+        ->check(CLI::Range(1u, 60000u).description(""));
     ping->footer(kPingExamples);
     ping->callback([options, &exitCode] { exitCode = RunPing(*options); });
 

@@ -9,8 +9,8 @@ ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
     description.hInstance = GetModuleHandleW(nullptr);
     description.lpszClassName = kClass;
     RegisterClassW(&description);  // fails harmlessly when it is registered already
-    window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, description.hInstance,
-                              nullptr);
+    window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                              description.hInstance, nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 }
 

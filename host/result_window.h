@@ -8,9 +8,9 @@
 
 namespace vndiscover::host {
 
-// The sweep runs on the thread that made the window, the main thread here: SendMessageA then calls the window
-// procedure directly, and no message loop is needed. A program with a user interface runs the sweep on a worker
-// thread instead and goes on pumping messages.
+// The sweep runs on the thread that made the window, the main thread here: SendMessageA then calls
+// the window procedure directly, and no message loop is needed. A program with a user interface
+// runs the sweep on a worker thread instead and goes on pumping messages.
 class ResultWindow {
   public:
     // Valid during the call only. Not called for the final message (0, 0).

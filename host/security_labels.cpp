@@ -7,20 +7,22 @@ struct Spelling {
     std::string_view folded;
     const char* label;
 };
-constexpr Spelling kAuthSpellings[] = {
-    {"md5", "MD5"},           {"hmacmd5", "MD5"},       {"sha", "SHA1"},
-    {"sha1", "SHA1"},         {"hmacsha1", "SHA1"},     {"sha224", "SHA-2(224)"},
-    {"sha2224", "SHA-2(224)"}, {"sha256", "SHA-2(256)"}, {"sha2256", "SHA-2(256)"},
-    {"sha384", "SHA-2(384)"}, {"sha2384", "SHA-2(384)"}, {"sha512", "SHA-2(512)"},
-    {"sha2512", "SHA-2(512)"}};
-constexpr Spelling kPrivSpellings[] = {{"des", "DES"},
-                                       {"cbcdes", "DES"},
-                                       {"descbc", "DES"},
-                                       {"aes", "AES"},
-                                       {"aes128", "AES"},
-                                       {"cfb128aes", "AES"},
-                                       {"cfb128aes128", "AES"},
-                                       {"aes128cfb", "AES"}};
+constexpr Spelling kAuthSpellings[] = {{"md5", "MD5"},
+                                       {"hmacmd5", "MD5"},
+                                       {"sha", "SHA1"},
+                                       {"sha1", "SHA1"},
+                                       {"hmacsha1", "SHA1"},
+                                       {"sha224", "SHA-2(224)"},
+                                       {"sha2224", "SHA-2(224)"},
+                                       {"sha256", "SHA-2(256)"},
+                                       {"sha2256", "SHA-2(256)"},
+                                       {"sha384", "SHA-2(384)"},
+                                       {"sha2384", "SHA-2(384)"},
+                                       {"sha512", "SHA-2(512)"},
+                                       {"sha2512", "SHA-2(512)"}};
+constexpr Spelling kPrivSpellings[] = {
+    {"des", "DES"},    {"cbcdes", "DES"},    {"descbc", "DES"},       {"aes", "AES"},
+    {"aes128", "AES"}, {"cfb128aes", "AES"}, {"cfb128aes128", "AES"}, {"aes128cfb", "AES"}};
 
 // Letters in lower case and digits; everything else is punctuation that varies.
 std::string Folded(std::string_view text) {

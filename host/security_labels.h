@@ -8,8 +8,8 @@
 
 namespace vndiscover::host {
 
-// "sha256", "SHA-256", "sha2-256", "SHA-2(256)" all give "SHA-2(256)". Empty: no such protocol. The module
-// itself would take an unknown label for "no authentication" and send unprotected requests.
+// "sha256", "SHA-256", "sha2-256", "SHA-2(256)" all give "SHA-2(256)". Empty: no such protocol. The
+// module itself would take an unknown label for "no authentication" and send unprotected requests.
 std::optional<std::string> AuthLabel(std::string_view text);
 
 // "des", "aes", "aes128", "AES-128" ...

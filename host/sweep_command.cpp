@@ -16,17 +16,20 @@ constexpr size_t kMaxPath = 259;       // what the module can open
 constexpr size_t kMaxCommunity = 255;  // what a request can hold
 constexpr UINT kUnusedTimeoutMs = 5000;
 
-constexpr char kExamples[] = R"(Devices are printed as they arrive. A device that answers twice, or on two adapters, has two rows.
-Ctrl-C ends the sweep and keeps what was printed; a second Ctrl-C ends the program at once.
+constexpr char kExamples[] =
+    R"(Devices are printed as they arrive. One that answers twice, or on two adapters,
+has two rows. Ctrl-C ends the sweep and keeps what was printed; a second Ctrl-C
+ends the program at once.
 
-A --json file names the OIDs to ask each device for:
-  {"DiscoverOID": ".1.3.6.1.2.1.1.2.0", "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
-The device's answers replace the empty strings.
+A --json file names the OIDs to ask each device for; the answers replace the
+empty strings:
+  {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
+   "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
 
 Examples:
   vndiscover sweep
   vndiscover sweep --community public --oid .1.3.6.1.2.1.1.1.0
-  vndiscover sweep --community public --json request.json --format json > devices.json
+  vndiscover sweep --community public --json request.json --format json
   vndiscover sweep --ipv6 --csv devices.csv
   vndiscover sweep --v3 -u admin -a SHA256 -x AES
 
@@ -62,7 +65,8 @@ std::string ReadRequest(const std::string& path) {
 // The module sweeps on without a file that it cannot open, so the user is told before.
 void CheckCsvPath(const std::string& path) {
     const std::wstring wide = ToWide(path);
-    if (wide.size() > kMaxPath) throw CLI::ValidationError("--csv", "the path has over 259 characters");
+    if (wide.size() > kMaxPath)
+        throw CLI::ValidationError("--csv", "the path has over 259 characters");
     FILE* file = _wfopen(wide.c_str(), L"ab");
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
     std::fclose(file);
@@ -71,9 +75,11 @@ void CheckCsvPath(const std::string& path) {
 std::string CheckOid(const std::string& text) {
     const auto oid = ParseOid(text);
     if (!oid || !FitsRequest(*oid)) {
-        throw CLI::ValidationError("--oid", "'" + text + "' is no numeric OID such as .1.3.6.1.2.1.1.1.0");
+        throw CLI::ValidationError("--oid",
+                                   "'" + text + "' is no numeric OID such as .1.3.6.1.2.1.1.1.0");
     }
-    if (GoesOutWrong(*oid)) Warn(text + " has a number over 16383: devices are asked for another OID");
+    if (GoesOutWrong(*oid))
+        Warn(text + " has a number over 16383: devices are asked for another OID");
     return OidToText(*oid);
 }
 
@@ -92,7 +98,8 @@ Sweep Prepare(const SweepOptions& options) {
     if (!options.csvPath.empty()) CheckCsvPath(options.csvPath);
     sweep.csvPath = ToWide(options.csvPath);
     if (options.v3.isOn && !sweep.oid.empty()) {
-        // SNMPv3 sweeps take an OID only in a JSON request: the document's one answer is the value then.
+        // SNMPv3 sweeps take an OID only in a JSON request: the document's one answer is the value
+        // then.
         sweep.request = ToWide(RequestFor(ToUtf8(sweep.oid)));
         sweep.kind = ValueKind::kAnswer;
     }
@@ -104,11 +111,11 @@ void RunV1(HWND window, const Sweep& sweep) {
     const wchar_t* community = sweep.community.c_str();
     constexpr UINT kMessage = ResultWindow::kMessage;
     if (!sweep.request.empty()) {
-        DiscoverDevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.request.c_str(), path,
-                                 community, nullptr);
+        DiscoverDevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6,
+                                 sweep.request.c_str(), path, community, nullptr);
     } else {
-        DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.oid.c_str(), path,
-                             community, nullptr);
+        DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.oid.c_str(),
+                             path, community, nullptr);
     }
 }
 
@@ -117,28 +124,32 @@ void RunV3(HWND window, const Sweep& sweep, const Security& security) {
     const BYTE usePriv = security.usePriv ? 1 : 0;
     constexpr UINT kMessage = ResultWindow::kMessage;
     if (!sweep.request.empty()) {
-        DiscoverV3DevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.request.c_str(),
-                                   security.user.c_str(), useAuth, security.authPassword.Get(), usePriv,
-                                   security.privPassword.Get(), security.authLabel.c_str(),
-                                   security.privLabel.c_str());
+        DiscoverV3DevicesByOIDjson(
+            window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.request.c_str(),
+            security.user.c_str(), useAuth, security.authPassword.Get(), usePriv,
+            security.privPassword.Get(), security.authLabel.c_str(), security.privLabel.c_str());
     } else {
-        DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, security.user.c_str(), useAuth,
-                       security.authPassword.Get(), usePriv, security.privPassword.Get(),
+        DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, security.user.c_str(),
+                       useAuth, security.authPassword.Get(), usePriv, security.privPassword.Get(),
                        security.authLabel.c_str(), security.privLabel.c_str());
     }
 }
 
-// The result file of an SNMPv3 sweep, whose exports take no path: written here from the result messages.
+// The result file of an SNMPv3 sweep, whose exports take no path: written here from the result
+// messages.
 class CsvFile {
   public:
-    explicit CsvFile(const std::wstring& path) : file_(path.empty() ? nullptr : _wfopen(path.c_str(), L"w")) {}
+    explicit CsvFile(const std::wstring& path)
+        : file_(path.empty() ? nullptr : _wfopen(path.c_str(), L"w")) {}
     ~CsvFile() {
         if (file_) std::fclose(file_);
     }
     CsvFile(const CsvFile&) = delete;
     CsvFile& operator=(const CsvFile&) = delete;
     void Write(const std::string& row) {
-        if (file_) std::fwrite(row.data(), 1, row.size(), file_);
+        if (!file_) return;
+        std::fwrite(row.data(), 1, row.size(), file_);
+        std::fflush(file_);  // what is there stays when the process is ended
     }
 
   private:
@@ -180,19 +191,23 @@ int RunSweep(const SweepOptions& options) {
 }  // namespace
 
 void AddSweepCommand(CLI::App& app, int& exitCode) {
-    CLI::App* command = app.add_subcommand("sweep", "Find the devices on every network of this computer");
+    CLI::App* command =
+        app.add_subcommand("sweep", "Find the devices on every network of this computer");
     auto options = std::make_shared<SweepOptions>();
     CLI::Option* community =
         command->add_option("-c,--community", options->community, "Read community [sesame]");
     community->type_name("NAME");
-    CLI::Option* oid =
-        command->add_option("-o,--oid", options->oid, "OID to ask for [the device information OID]");
+    CLI::Option* oid = command->add_option("-o,--oid", options->oid,
+                                           "OID to ask for [the device information OID]");
     oid->type_name("OID");
     command->add_option("-j,--json", options->jsonPath, "JSON request with further OIDs, see below")
         ->type_name("FILE")
         ->excludes(oid);
-    command->add_flag("-6,--ipv6", options->useIPv6, "Sweep over IPv6 (link-local) instead of IPv4");
-    command->add_option("--csv", options->csvPath, "Also write \"address\",\"value\" lines to this file")
+    command->add_flag("-6,--ipv6", options->useIPv6,
+                      "Sweep over IPv6 (link-local) instead of IPv4");
+    command
+        ->add_option("--csv", options->csvPath,
+                     "Also write \"address\",\"value\" lines to this file")
         ->type_name("PATH");
     AddFormat<Format>(*command, options->format,
                       {{"table", Format::kTable}, {"json", Format::kJson}, {"csv", Format::kCsv}});

@@ -9,7 +9,8 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kLongFormSize = 0x81;  // the length byte that announces a longer length, read as a length
+constexpr size_t kLongFormSize =
+    0x81;  // the length byte that announces a longer length, read as a length
 
 struct NamedType {
     uint32_t type;
@@ -44,7 +45,8 @@ std::optional<int64_t> SignedNumber(std::string_view bytes) {
 }
 
 std::optional<uint64_t> UnsignedNumber(std::string_view bytes) {
-    if (bytes.size() > 1 && bytes.front() == '\0') bytes.remove_prefix(1);  // keeps the sign bit clear
+    if (bytes.size() > 1 && bytes.front() == '\0')
+        bytes.remove_prefix(1);  // keeps the sign bit clear
     if (bytes.empty() || bytes.size() > 8) return std::nullopt;
     return BigEndian(bytes);
 }
@@ -72,10 +74,12 @@ std::string AddressText(std::string_view bytes) {
     return text;
 }
 
-// Shortest two's complement form: a further byte while the ones behind do not hold the number with its sign.
+// Shortest two's complement form: a further byte while the ones behind do not hold the number with
+// its sign.
 std::string IntegerBytes(int64_t number) {
     std::string bytes(1, static_cast<char>(number & 0xFF));
-    for (; number < -128 || number > 127; bytes.insert(0, 1, static_cast<char>(number & 0xFF))) number >>= 8;
+    for (; number < -128 || number > 127; bytes.insert(0, 1, static_cast<char>(number & 0xFF)))
+        number >>= 8;
     return bytes;
 }
 
@@ -135,7 +139,8 @@ std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_v
     std::optional<std::string> bytes;
     if (type == kInteger) {
         problem = "an integer lies between -2147483648 and 2147483647";
-        if (const auto number = ParseNumber(text, INT32_MIN, INT32_MAX)) bytes = IntegerBytes(*number);
+        if (const auto number = ParseNumber(text, INT32_MIN, INT32_MAX))
+            bytes = IntegerBytes(*number);
     } else if (type == kCounter32 || type == kGauge32 || type == kTimeTicks) {
         problem = "a counter, gauge or time lies between 0 and 4294967295";
         if (const auto number = ParseNumber(text, 0, UINT32_MAX)) bytes = IntegerBytes(*number);
@@ -159,9 +164,6 @@ std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_v
 
 }  // namespace
 
-const char kSetTypes[] =
-    "integer (i), string (s), hex (x), oid (o), ipaddress (a), counter (c), gauge (u), timeticks (t), null (n)";
-
 std::string TypeName(uint32_t type) {
     for (const NamedType& known : kTypes) {
         if (known.type == type) return known.name;
@@ -172,7 +174,8 @@ std::string TypeName(uint32_t type) {
 }
 
 bool IsNoValue(uint32_t type) {
-    return type == kNull || type == kNoSuchObject || type == kNoSuchInstance || type == kEndOfMibView;
+    return type == kNull || type == kNoSuchObject || type == kNoSuchInstance ||
+           type == kEndOfMibView;
 }
 
 Content ContentOf(uint32_t type, std::string_view raw) {
@@ -195,7 +198,8 @@ std::optional<std::string> NumberText(uint32_t type, std::string_view bytes) {
 std::string FormatValue(uint32_t type, std::string_view bytes) {
     if (IsNoValue(type)) return "no value";
     if (const auto number = NumberText(type, bytes)) {
-        return type == kTimeTicks ? *number + " (" + TickText(*UnsignedNumber(bytes)) + ")" : *number;
+        return type == kTimeTicks ? *number + " (" + TickText(*UnsignedNumber(bytes)) + ")"
+                                  : *number;
     }
     if (type == kOctetString && IsPrintable(bytes)) return ShownValue(bytes);
     if (type == kIpAddress && bytes.size() == 4) return AddressText(bytes);
@@ -205,16 +209,21 @@ std::string FormatValue(uint32_t type, std::string_view bytes) {
     return HexText(bytes, " ");
 }
 
-std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text, std::string& problem) {
+std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text,
+                                      std::string& problem) {
     struct Word {
         char letter;
         std::string_view word;
         uint32_t type;
     };
-    constexpr Word kWords[] = {{'i', "integer", kInteger},   {'s', "string", kOctetString},
-                               {'x', "hex", kOctetString},   {'o', "oid", kObjectIdentifier},
-                               {'a', "ipaddress", kIpAddress}, {'c', "counter", kCounter32},
-                               {'u', "gauge", kGauge32},     {'t', "timeticks", kTimeTicks},
+    constexpr Word kWords[] = {{'i', "integer", kInteger},
+                               {'s', "string", kOctetString},
+                               {'x', "hex", kOctetString},
+                               {'o', "oid", kObjectIdentifier},
+                               {'a', "ipaddress", kIpAddress},
+                               {'c', "counter", kCounter32},
+                               {'u', "gauge", kGauge32},
+                               {'t', "timeticks", kTimeTicks},
                                {'n', "null", kNull}};
     for (const Word& known : kWords) {
         const bool isLetter = type.size() == 1 && type.front() == known.letter;
@@ -222,12 +231,16 @@ std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view te
         auto bytes = ParseContent(known.type, known.letter == 'x', text, problem);
         if (!bytes) return std::nullopt;
         if (bytes->size() > 126) {
-            problem = "the value has " + std::to_string(bytes->size()) + " bytes, a request holds 126";
+            problem =
+                "the value has " + std::to_string(bytes->size()) + " bytes, a request holds 126";
             return std::nullopt;
         }
         return SetValue{known.type, std::move(*bytes)};
     }
-    problem = std::string("the types are ") + kSetTypes;
+    problem =
+        "the types are integer (i), string (s), hex (x), oid (o), ipaddress (a), counter (c), "
+        "gauge (u), "
+        "timeticks (t), null (n)";
     return std::nullopt;
 }
 

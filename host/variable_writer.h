@@ -12,7 +12,7 @@
 namespace vndiscover::host {
 
 enum class Status {
-    kAnswered,    // type and bytes are the answer's; IsNoValue(type): the device has no such variable
+    kAnswered,  // type and bytes are the answer's; IsNoValue(type): the device has no such variable
     kNoAnswer,
     kSendFailed,
     kUnreadable,  // an answer came that holds no variable
@@ -24,7 +24,8 @@ struct Answer {
     Oid oid;  // the answer's, or else the one asked for
     uint32_t type = 0;
     std::string bytes;
-    size_t wholeSize = 0;  // of the value at the device; more than bytes.size(): the rest did not come
+    size_t wholeSize =
+        0;  // of the value at the device; more than bytes.size(): the rest did not come
     std::string note;
 };
 
@@ -37,8 +38,8 @@ std::string Problem(const Answer& answer);
 class VariableWriter {
   public:
     explicit VariableWriter(bool isJson) : isJson_(isJson) {}
-    // The text to print now; lines end in LF. In text form empty for anything but kAnswered: a problem is told
-    // on standard error.
+    // The text to print now; lines end in LF. In text form empty for anything but kAnswered: a
+    // problem is told on standard error.
     std::string Row(const Answer& answer);
     // Call it once, at the end.
     std::string End() { return isJson_ ? array_.Finish() : ""; }

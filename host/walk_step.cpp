@@ -14,8 +14,8 @@ bool IsReport(const Oid& root, const Oid& answered, uint32_t type) {
 
 }  // namespace
 
-WalkStep JudgeAnswer(const Oid& root, const Oid& asked, const std::optional<Oid>& answered, uint32_t type,
-                     bool isV3) {
+WalkStep JudgeAnswer(const Oid& root, const Oid& asked, const std::optional<Oid>& answered,
+                     uint32_t type, bool isV3) {
     if (!answered) return WalkStep::kUnreadable;
     if (isV3 && IsReport(root, *answered, type)) return WalkStep::kRefused;
     // An error answer repeats the request's binding; SNMPv3 marks the end in the value's type.

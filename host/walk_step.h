@@ -20,11 +20,11 @@ enum class WalkStep {
 };
 
 // `asked` is the OID of the request, `answered` the one of the answer, if it could be decoded.
-WalkStep JudgeAnswer(const Oid& root, const Oid& asked, const std::optional<Oid>& answered, uint32_t type,
-                     bool isV3);
+WalkStep JudgeAnswer(const Oid& root, const Oid& asked, const std::optional<Oid>& answered,
+                     uint32_t type, bool isV3);
 
-// Why a device refused an SNMPv3 request: its report counts in one of six variables, one for each reason.
-// Null: the OID is none of them.
+// Why a device refused an SNMPv3 request: its report counts in one of six variables, one for each
+// reason. Null: the OID is none of them.
 const char* ReportReason(const Oid& oid);
 
 }  // namespace vndiscover::host

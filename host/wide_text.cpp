@@ -10,7 +10,8 @@ namespace {
 std::string Narrow(std::wstring_view wide, UINT codePage) {
     if (wide.empty()) return {};
     const int length = static_cast<int>(wide.size());
-    const int size = WideCharToMultiByte(codePage, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+    const int size =
+        WideCharToMultiByte(codePage, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
     std::string text(static_cast<size_t>(size > 0 ? size : 0), '\0');
     WideCharToMultiByte(codePage, 0, wide.data(), length, text.data(), size, nullptr, nullptr);
     return text;

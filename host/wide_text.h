@@ -1,5 +1,5 @@
-// Text at the borders: the system speaks UTF-16, the module's narrow arguments are in the ANSI code page, and
-// everything else in this program is UTF-8.
+// Text at the borders: the system speaks UTF-16, the module's narrow arguments are in the ANSI code
+// page, and everything else in this program is UTF-8.
 #ifndef VNDISCOVER_HOST_WIDE_TEXT_H
 #define VNDISCOVER_HOST_WIDE_TEXT_H
 

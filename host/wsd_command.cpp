@@ -12,9 +12,12 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr char kExamples[] = R"(Every adapter is probed in turn and then the loopback; each phase ends after --timeout without a
-reply, after 30 seconds at most. The list is printed at the end: a device that replied several times stands in
-it once, with a count. Ctrl-C ends the sweep and prints what was found.
+constexpr char kExamples[] =
+    R"(Every adapter is probed in turn, and then the loopback. Each phase ends after
+--timeout without a reply, and after 30 seconds at most. The list is printed at
+the end: a device that replied several times stands in it once, with a count.
+Ctrl-C ends the sweep and prints what was found. Types have one of these
+prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub (computers).
 
 Examples:
   vndiscover wsd
@@ -33,7 +36,9 @@ struct WsdOptions {
 };
 
 // A reply that fills the buffer has no terminating zero.
-std::string_view ReplyText(const char* reply) { return {reply, strnlen(reply, VN_SOAP_REPLY_SIZE)}; }
+std::string_view ReplyText(const char* reply) {
+    return {reply, strnlen(reply, VN_SOAP_REPLY_SIZE)};
+}
 
 // A reply as it came, but for control characters, which XML does not allow anyway.
 void PrintRaw(const char* address, std::string_view reply) {
@@ -53,8 +58,8 @@ int RunWsd(const WsdOptions& options) {
     const ULONGLONG startMs = GetTickCount64();
     {
         SweepWatch watch(StopDiscoverSoap, [&] {
-            return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " + std::to_string(replies) +
-                   (replies == 1 ? " reply" : " replies");
+            return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " +
+                   std::to_string(replies) + (replies == 1 ? " reply" : " replies");
         });
         const ResultWindow window([&](const char* address, const char* value) {
             ++replies;
@@ -76,14 +81,13 @@ void AddWsdCommand(CLI::App& app, int& exitCode) {
     CLI::App* command = app.add_subcommand("wsd", "Find devices by WS-Discovery");
     auto options = std::make_shared<WsdOptions>();
     command
-        ->add_option("-t,--types", options->types,
-                     std::string("Types to look for, \"\" for all [wsdp:Device]; prefixes: ") + kKnownPrefixes)
+        ->add_option("-t,--types", options->types, "What to look for, \"\" for all [wsdp:Device]")
         ->type_name("TYPES");
     command
         ->add_option("--timeout", options->timeoutMs,
-                     "Silence that ends a phase, in milliseconds, counted in whole seconds [3000]")
+                     "Silence that ends a phase; 2999 waits 2 s [3000]")
         ->type_name("MS")
-        ->check(CLI::Range(1000u, 30000u));
+        ->check(CLI::Range(1000u, 30000u).description(""));
     CLI::Option* raw = command->add_flag("--raw", options->isRaw, "Print the replies as they came");
     AddFormat<WsdFormat>(*command, options->format,
                          {{"table", WsdFormat::kTable}, {"json", WsdFormat::kJson}})

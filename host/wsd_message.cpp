@@ -12,8 +12,8 @@
 #include <cjson/cJSON.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdint>
+#include <cstdio>
 #include <pugixml.hpp>
 #include <random>
 
@@ -48,8 +48,8 @@ const Prefix* FindPrefix(std::string_view prefix) {
 
 bool IsName(std::string_view name) {
     const auto isNameCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-               c == '-' || c == '.';
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '_' || c == '-' || c == '.';
     };
     return !name.empty() && std::all_of(name.begin(), name.end(), isNameCharacter);
 }
@@ -76,20 +76,24 @@ QName Split(std::string_view name) {
     return {name.substr(0, colon), name.substr(colon + 1)};
 }
 
-// What a prefix means at a place: the nearest declaration around it. The parser itself knows no namespaces.
+// What a prefix means at a place: the nearest declaration around it. The parser itself knows no
+// namespaces.
 std::string_view NamespaceOf(pugi::xml_node at, std::string_view prefix) {
     const std::string declaration = prefix.empty() ? "xmlns" : "xmlns:" + std::string(prefix);
     for (pugi::xml_node node = at; node; node = node.parent()) {
-        if (const pugi::xml_attribute found = node.attribute(declaration.c_str())) return found.value();
+        if (const pugi::xml_attribute found = node.attribute(declaration.c_str()))
+            return found.value();
     }
     return {};
 }
 
-bool Is(pugi::xml_node node, std::string_view local, std::initializer_list<const char*> namespaces) {
+bool Is(pugi::xml_node node, std::string_view local,
+        std::initializer_list<const char*> namespaces) {
     const QName name = Split(node.name());
     if (name.local != local) return false;
     const std::string_view uri = NamespaceOf(node, name.prefix);
-    return std::any_of(namespaces.begin(), namespaces.end(), [&](const char* one) { return uri == one; });
+    return std::any_of(namespaces.begin(), namespaces.end(),
+                       [&](const char* one) { return uri == one; });
 }
 
 pugi::xml_node Child(pugi::xml_node parent, std::string_view local,
@@ -114,13 +118,15 @@ ProbeMatch ReadMatch(pugi::xml_node node) {
     constexpr char kSpace[] = " \t\r\n";
     ProbeMatch match;
     const auto endpoint = Child(node, "EndpointReference", {kAddressing, kAddressing10});
-    match.endpoint = PlainText(Child(endpoint, "Address", {kAddressing, kAddressing10}).text().get());
+    match.endpoint =
+        PlainText(Child(endpoint, "Address", {kAddressing, kAddressing10}).text().get());
     const auto types = Child(node, "Types", {kDiscovery, kDiscovery11});
     for (const std::string& word : Words(types.text().get(), kSpace)) {
         match.types.push_back(ShownType(types, word));
     }
     const auto xAddrs = Child(node, "XAddrs", {kDiscovery, kDiscovery11});
-    for (const std::string& word : Words(xAddrs.text().get(), kSpace)) match.xAddrs.push_back(PlainText(word));
+    for (const std::string& word : Words(xAddrs.text().get(), kSpace))
+        match.xAddrs.push_back(PlainText(word));
     return match;
 }
 
@@ -132,14 +138,12 @@ std::string Joined(const std::vector<std::string>& words) {
 
 }  // namespace
 
-const char kKnownPrefixes[] = "wsdp (devices), wprt (printers), wscn (scanners), pub (computers)";
-
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem) {
     const std::vector<std::string> words = Words(text, " ,");
     for (const std::string& word : words) {
         const QName name = Split(word);
         if (FindPrefix(name.prefix) && IsName(name.local)) continue;
-        problem = "'" + word + "' is no type; prefixes: " + kKnownPrefixes;
+        problem = "'" + word + "' is no type; prefixes: wsdp, wprt, wscn, pub";
         return std::nullopt;
     }
     return Joined(words);
@@ -149,12 +153,15 @@ std::string BuildProbe(const std::string& types, const std::string& messageId) {
     std::string declarations;
     for (const Prefix& known : kPrefixes) {
         if (types.find(std::string(known.prefix) + ":") == std::string::npos) continue;
-        declarations += " xmlns:" + std::string(known.prefix) + "=\"" + std::string(known.uri) + "\"";
+        declarations +=
+            " xmlns:" + std::string(known.prefix) + "=\"" + std::string(known.uri) + "\"";
     }
     const std::string discovery = kDiscovery;
-    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<soap:Envelope xmlns:soap=\"" + std::string(kSoap) +
-           "\" xmlns:wsa=\"" + kAddressing + "\" xmlns:wsd=\"" + discovery + "\"" + declarations + ">" +
-           "<soap:Header><wsa:To>urn:schemas-xmlsoap-org:ws:2005:04:discovery</wsa:To><wsa:Action>" +
+    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<soap:Envelope xmlns:soap=\"" +
+           std::string(kSoap) + "\" xmlns:wsa=\"" + kAddressing + "\" xmlns:wsd=\"" + discovery +
+           "\"" + declarations + ">" +
+           "<soap:Header><wsa:To>urn:schemas-xmlsoap-org:ws:2005:04:discovery</"
+           "wsa:To><wsa:Action>" +
            discovery + "/Probe</wsa:Action><wsa:MessageID>urn:uuid:" + messageId +
            "</wsa:MessageID></soap:Header><soap:Body><wsd:Probe>" +
            (types.empty() ? "" : "<wsd:Types>" + types + "</wsd:Types>") +
@@ -178,12 +185,14 @@ std::string NewUuid() {
 std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply) {
     std::vector<ProbeMatch> matches;
     pugi::xml_document document;
-    // A reply ends at its first zero byte. One that is cut is not well-formed: nothing of it is shown as read.
+    // A reply ends at its first zero byte. One that is cut is not well-formed: nothing of it is
+    // shown as read.
     if (!document.load_buffer(reply.data(), reply.size())) return matches;
     const auto body = Child(Child(document, "Envelope", {kSoap}), "Body", {kSoap});
     const auto list = Child(body, "ProbeMatches", {kDiscovery, kDiscovery11});
     for (const pugi::xml_node child : list.children()) {
-        if (Is(child, "ProbeMatch", {kDiscovery, kDiscovery11})) matches.push_back(ReadMatch(child));
+        if (Is(child, "ProbeMatch", {kDiscovery, kDiscovery11}))
+            matches.push_back(ReadMatch(child));
     }
     return matches;
 }
@@ -213,7 +222,8 @@ std::string MatchList::Table() const {
         const ProbeMatch& match = entry.match;
         const std::string types = match.types.empty() ? "(no types)" : Joined(match.types);
         const bool isUnread = match.endpoint.empty() && match.types.empty() && match.xAddrs.empty();
-        line(PlainText(entry.address), isUnread ? "(a reply that is no ProbeMatches: see --raw)" : types);
+        line(PlainText(entry.address),
+             isUnread ? "(a reply that is no ProbeMatches: see --raw)" : types);
         for (const std::string& xAddr : match.xAddrs) line("", xAddr);
         line("", match.endpoint);
         if (entry.count > 1) line("", "(" + std::to_string(entry.count) + " replies)");

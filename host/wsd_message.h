@@ -1,4 +1,5 @@
-// WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it hands back unread.
+// WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it hands
+// back unread.
 #ifndef VNDISCOVER_HOST_WSD_MESSAGE_H
 #define VNDISCOVER_HOST_WSD_MESSAGE_H
 
@@ -10,12 +11,13 @@
 
 namespace vndiscover::host {
 
-// Types as the command line gives them, separated by spaces or commas: prefixes of kKnownPrefixes, with a name.
-// Empty, with `problem`: an unknown prefix or a name with characters that no name has. No types at all ask for
-// every device.
+// Types as the command line gives them, separated by spaces or commas: a known prefix (wsdp, wprt,
+// wscn, pub) and a name. Empty, with `problem`: an unknown prefix, or characters that no name has.
+// No types at all ask for every device.
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem);
 
-// A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` comes from CheckTypes, `messageId` is a UUID.
+// A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` comes from CheckTypes, `messageId` is a
+// UUID.
 std::string BuildProbe(const std::string& types, const std::string& messageId);
 
 // A random UUID (version 4) as text.
@@ -24,15 +26,13 @@ std::string NewUuid();
 // One device of a reply, as plain text: nothing in it can disturb a terminal.
 struct ProbeMatch {
     std::string endpoint;
-    std::vector<std::string> types;   // with the usual prefix where the namespace is known, else "{namespace}name"
+    std::vector<std::string>
+        types;  // with the usual prefix where the namespace is known, else "{namespace}name"
     std::vector<std::string> xAddrs;
 };
 
 // Empty for a text that is no well-formed ProbeMatches message, of WS-Discovery 2005/04 or 1.1.
 std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply);
-
-// For help texts.
-extern const char kKnownPrefixes[];
 
 // The devices of one sweep. A device answers once for each adapter that its probe reached it from.
 class MatchList {
