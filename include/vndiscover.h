@@ -117,7 +117,7 @@ static_assert(sizeof(VnResponseRecord) == 4312, "part of the binary interface");
 static_assert(offsetof(VnResponseRecord, value) == 52, "part of the binary interface");
 static_assert(offsetof(VnResponseRecord, oid) == 4148, "part of the binary interface");
 static_assert(offsetof(VnResponseRecord, oidLength) == 4276, "part of the binary interface");
-#else
+#elif defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
 _Static_assert(sizeof(VnResponseRecord) == 4312, "part of the binary interface");
 _Static_assert(offsetof(VnResponseRecord, oidLength) == 4276, "part of the binary interface");
 #endif
