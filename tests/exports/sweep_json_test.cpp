@@ -168,7 +168,7 @@ TEST_F(SweepJson, ADocumentThatDoesNotFitIsCutBetweenTwoCharacters) {
     const std::string answer(126, '\xe9');
     DeviceIn("neta", {{SnmpText(answer)}});
     std::vector<size_t> sizes;
-    for (const std::string pad : {"", "x"}) {
+    for (const std::string& pad : {std::string(100, 'x'), std::string(101, 'x')}) {
         std::string request = "{\"pad\":\"" + pad + "\",\"GET\":{\".1.3.6.0\":\"\"";
         std::string whole = "{\n\t\"pad\":\t\"" + pad + "\",\n\t\"GET\":\t{\n";
         for (int i = 0; i < 50; ++i) {
