@@ -12,7 +12,8 @@
  *   then sends nothing and still ends with its final message, a directed request returns 0.
  * - SNMPv1 messages carry one-byte lengths. A request whose community, encoded OID and value come to
  *   more than 103 bytes goes out malformed, and an answer with a value of 128 bytes and more, or a
- *   message length in the form 81 nn, is misread. Over SNMPv3 values have 126 bytes at most.
+ *   message length in the form 81 nn, is misread. An SNMPv3 answer with a
+ *   value of more than 126 bytes, or an OID of more than 124, counts as no answer.
  * - No export throws, and none calls back into the host except by the result message below.
  * - Threads: each export blocks the thread that calls it; the module makes no thread of its own.
  *   At most one SNMP sweep and one WS-Discovery sweep at a time in a process; directed requests one
@@ -131,9 +132,10 @@ _Static_assert(offsetof(VnResponseRecord, oidLength) == 4276, "part of the binar
  * @param timeout         Accepted, not used: the limits below are fixed.
  * @param useIPv6         0: IPv4 broadcast from every IPv4 address of the host; else: multicast to
  *                        FF02::1 from every IPv6 link-local address of an adapter that is up.
- * @param resultPath      Complete when the export returns, not yet at the final message. File that receives a line "address","value" per device (CR LF, quotes not
+ * @param resultPath      File that receives a line "address","value" per device (CR LF, quotes not
  *                        escaped), emptied first; null or "": no file. Fewer than 260 characters. A
- *                        file that cannot be opened is left out: messages only.
+ *                        file that cannot be opened is left out: messages only. It is complete when the
+ *                        export returns, not yet at the final message.
  * @param readCommunity   Null or "" means "sesame".
  * @param writeCommunity  Accepted like readCommunity; a sweep does not use it.
  * @return Always 0; the outcome is in the messages, the last of which is (0, 0).
@@ -181,8 +183,8 @@ VN_API int32_t DiscoverSnmp(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
  * Asks the running SNMP sweep to end, SNMPv3 sweeps included. While answers are collected it takes
  * effect after the current wait (2 s at most) and nothing more is delivered; while devices are delivered, it
  * takes effect before the next one, in JSON mode after the current one's questions. Every remaining address
- * is still sent its request and costs one wait. The final message is sent all the same. Without a
- * running sweep it has no effect: each sweep begins by clearing it.
+ * is still sent its request and costs one wait. The final message, where the sweep has one, is
+ * sent all the same. Without a running sweep it has no effect: each sweep begins by clearing it.
  * @return 0.
  */
 VN_API int32_t StopDiscoverSnmp(void);
@@ -208,7 +210,10 @@ VN_API int32_t DiscoverSnmpV3(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                               BYTE usePriv, const wchar_t* privPassword,
                               const wchar_t* authProtocol, const wchar_t* privProtocol);
 
-/** DiscoverSnmpV3 with a JSON request as in DiscoverDevicesByOIDjson (converted to UTF-8). */
+/**
+ * DiscoverSnmpV3 with a JSON request as in DiscoverDevicesByOIDjson, but any Unicode text, with 2 s at most
+ * for each OID, and without a final message in any case.
+ */
 VN_API int32_t DiscoverV3DevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                                           const wchar_t* jsonRequest, const wchar_t* userName,
                                           BYTE useAuth, const wchar_t* authPassword, BYTE usePriv,
@@ -330,8 +335,8 @@ VN_API int32_t SetSnmpRequestRaw(const char* host, const char* oid, uint8_t* val
  * request, each sent once and given up after 2 s of silence. IPv6: the local address is chosen first by
  * a trial discovery, as in GetSnmpRequest.
  * @param value         Receives the text and its zero byte. Left alone when there is no text. May be
- *                      null. Too small is a caller's fault as in GetSnmpRequest.
- * @param valueType     Receives the value's BER tag; may be null.
+ *                      null. A text that does not fit valueSize is cut; VN_REQUEST_VALUE_SIZE suffices.
+ * @param valueType     Receives the BER tag of whatever value came; left alone without one. May be null.
  * @param timeout, retries  Accepted, not used.
  * @param userName ... privProtocol  As in DiscoverSnmpV3.
  * @return The length of the engine report, NOT of the value, where a text came; 0: none.
@@ -346,7 +351,8 @@ VN_API int32_t GetSnmpRequestV3(const char* host, const char* oid, char* value, 
  * Asks one device for the variable that follows an OID over SNMPv3; times as in GetSnmpRequestV3.
  * @param record  Receives the host's address and, where an answer came, the variable (a value of at
  *                most 126 bytes). Null: 0 is returned.
- * @return The length of the engine report; 0: no device answered the engine discovery, or no record.
+ * @return The length of the engine report; 0: no device answered the engine discovery, or no record; -1:
+ *         it could not be sent.
  *         Whether a variable came shows in record->oidLength: clear the record before the call.
  */
 VN_API int32_t GetNextSnmpRequestV3(const char* host, const char* oid, VnResponseRecord* record,

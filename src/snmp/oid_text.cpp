@@ -57,11 +57,12 @@ int32_t ParseOidText(OidValue& out, const char* text) {
     DebugLogA("OID length [%d]\n", CountForLog(arcs));
     std::vector<uint8_t> content = EncodeArcs(arcs);
     DebugLogA("OID = [%s]\n", HexText(content.data(), content.size()).c_str());
-    if (content.size() > size_t{kMaxOidContent}) content.clear();
+    const auto length = static_cast<int32_t>(content.size());
+    if (length > kMaxOidContent) content.clear();
     out.tag = kTagObjectIdentifier;
     out.length = static_cast<uint8_t>(content.size());
     std::copy(content.begin(), content.end(), out.content);
-    return static_cast<int32_t>(content.size());
+    return length;
 }
 
 }  // namespace vndiscover

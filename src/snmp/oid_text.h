@@ -17,8 +17,8 @@ struct OidValue {
 
 /**
  * Encodes dotted text such as ".1.3.6.1.2.1.1.1.0". Null reads as "".
- * @return The content length; 0 for fewer than two arcs, and for a content of more than kMaxOidContent
- *         bytes, which no binding could hold.
+ * @return The content length, 0 for fewer than two arcs. One of more than kMaxOidContent bytes, which no
+ *         binding could hold, leaves out without content.
  * Kept: an arc from 128 on is written in two bytes, so that arcs from 16,384 on lose their high bits.
  */
 int32_t ParseOidText(OidValue& out, const char* text);

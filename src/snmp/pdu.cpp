@@ -22,7 +22,7 @@ void AppendBinding(const VarBindRecord& binding, ByteBuffer& dest) {
     AsnAppendWrapped(dest, kTagSequence, content);
 }
 
-// Reads tag, length and content into a field; refuses what does not fit it.
+// Copies a content into a field; refuses what does not fit it.
 void ReadContent(const ByteBuffer& in, uint32_t& cursor, uint32_t length, uint8_t* field,
                  uint32_t room) {
     if (length > room) throw AsnDecodeError();
@@ -72,6 +72,7 @@ uint32_t DecodePdu(PduRecord& pdu, const ByteBuffer& in, uint32_t cursor) {
     cursor = AsnReadInteger(pdu.errorStatus, in, cursor);
     cursor = AsnReadInteger(pdu.errorIndex, in, cursor);
 
+    pdu.Wipe();
     pdu.decoded.clear();
     SetVarBindList(nullptr, 0, pdu.bindings);
     AsnReadHeaderWithin(in, cursor, length);

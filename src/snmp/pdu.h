@@ -9,6 +9,7 @@
 #include "snmp/ber_tags.h"
 #include "snmp/byte_buffer.h"
 #include "snmp/var_bind.h"
+#include "support/secure_wipe.h"
 
 namespace vndiscover {
 
@@ -21,8 +22,12 @@ struct PduRecord {
     std::vector<VarBindRecord> decoded;  // owns what DecodePdu found
 
     PduRecord() = default;
+    ~PduRecord() { Wipe(); }
     PduRecord(const PduRecord&) = delete;  // bindings points into decoded
     PduRecord& operator=(const PduRecord&) = delete;
+
+    // Wipes what was decoded, which may have come encrypted.
+    void Wipe() noexcept { SecureWipe(decoded.data(), decoded.size() * sizeof(VarBindRecord)); }
 };
 
 // Appends the PDU. A request identifier of 0 becomes 257, in the record too.

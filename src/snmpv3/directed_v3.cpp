@@ -15,34 +15,39 @@ namespace {
 constexpr int32_t kOneAttempt = 1;
 
 struct DirectedAnswer {
-    std::unique_ptr<VxSNMPv3> message;  // empty when the device was not asked
+    std::unique_ptr<VxSnmpMgr> manager;
+    std::unique_ptr<VxSNMPv3> message;  // empty when there was no answer
     int32_t reportLength = 0;           // of the engine discovery; -1 when it could not be sent
+
+    const VarBindRecord* Binding() const { return message ? FirstBinding(*message) : nullptr; }
 };
 
 // Discovers the engine, then asks for the OID.
-DirectedAnswer AskDevice(const char* host, const char* oid, uint8_t pduType,
-                         const SecuritySettings& security) {
-    DirectedAnswer answer;
-    LoadBindAddresses(host, false);
-    const auto manager = std::make_unique<VxSnmpMgr>();
-    if (!host || !security.HasUsableName()) return answer;
-
+void AskDevice(const char* host, const char* oid, uint8_t pduType,
+               const SecuritySettings& security, DirectedAnswer& answer) {
+    VxSnmpMgr& manager = *answer.manager;
     char szBindIp[kBindAddressSize];
     ChooseBindAddress(host, szBindIp, [&](const char* bindAddress) {
         VxSNMPv3 trial;
-        return GetInformationV3(*manager, &trial, host, bindAddress, kOneAttempt) != 0;
+        return GetInformationV3(manager, &trial, host, bindAddress, kOneAttempt) != 0;
     });
     DebugLogA("szBindIp [%s]\n", szBindIp);
     VxSNMPv3 probe;
-    answer.reportLength = GetInformationV3(*manager, &probe, host, szBindIp, kDirectedAttempts);
-    // Without an engine the request would go out as one more probe.
-    if (answer.reportLength <= 0 || probe.EngineId().Empty()) return answer;
+    answer.reportLength = GetInformationV3(manager, &probe, host, szBindIp, kDirectedAttempts);
+    if (answer.reportLength <= 0) return;  // nobody is there to be asked
 
     const EngineValues engine = {probe.EngineId(), probe.EngineBoots(), probe.EngineTime()};
-    answer.message = MakeRequestV3(security, engine, pduType, oid);
-    if (GetInformationV3(*manager, answer.message.get(), host, szBindIp, kOneAttempt) <= 0) {
-        answer.message.reset();  // what it holds is the question
+    auto request = MakeRequestV3(security, engine, pduType, oid);
+    if (GetInformationV3(manager, request.get(), host, szBindIp, kOneAttempt) > 0) {
+        answer.message = std::move(request);
     }
+}
+
+// The manager of a call, also of one that has nobody to ask.
+DirectedAnswer StartRequest(const char* host) {
+    LoadBindAddresses(host, false);
+    DirectedAnswer answer;
+    answer.manager = std::make_unique<VxSnmpMgr>();
     return answer;
 }
 
@@ -58,24 +63,27 @@ void FillRecord(const VarBindRecord& binding, VnResponseRecord& record) {
 
 int32_t RequestTextV3(const char* host, const char* oid, char* outValue, int32_t outSize,
                       uint32_t* valueType, const SecuritySettings& security) {
-    const DirectedAnswer answer = AskDevice(host, oid, kPduGetRequest, security);
-    if (!answer.message) return 0;
-    const VarBindRecord* binding = FirstBinding(*answer.message);
+    DirectedAnswer answer = StartRequest(host);
+    if (!host || !security.HasUsableName()) return 0;
+    AskDevice(host, oid, kPduGetRequest, security, answer);
+    const VarBindRecord* binding = answer.Binding();
     const std::string strValue = ValueTextOf(binding);
     DebugLogA("strValue [%s]", strValue.c_str());
     if (binding && valueType) *valueType = binding->valueTag;
     if (strValue.empty()) return 0;
-    CopyTextForHost(outValue, outSize, strValue.c_str());
+    // Cut where it does not fit: how long it is, is the device's choice.
+    if (outValue && outSize > 0) CopyText(outValue, static_cast<size_t>(outSize), strValue.c_str());
     return answer.reportLength;  // Kept: the report's length, not the value's.
 }
 
 int32_t RequestNextV3(const char* host, const char* oid, VnResponseRecord* record,
                       const SecuritySettings& security) {
-    const DirectedAnswer answer = AskDevice(host, oid, kPduGetNextRequest, security);
-    if (!record || !host) return 0;
+    DirectedAnswer answer = StartRequest(host);
+    if (!host || !security.HasUsableName()) return 0;
+    AskDevice(host, oid, kPduGetNextRequest, security, answer);
+    if (!record) return 0;
     CopyText(record->address, host);
-    const VarBindRecord* binding = answer.message ? FirstBinding(*answer.message) : nullptr;
-    if (binding) FillRecord(*binding, *record);
+    if (const VarBindRecord* binding = answer.Binding()) FillRecord(*binding, *record);
     return answer.reportLength;
 }
 

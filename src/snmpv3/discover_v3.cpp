@@ -37,8 +37,7 @@ std::string AskV3(const SweepV3& sweep, const char* address, const EngineValues&
 bool TakeReport(const SweepV3& sweep, const Datagram& datagram, ResponseRecord& entry) {
     VxSNMPv3 report;
     report.Decode(datagram.data, datagram.length);
-    // Without an engine there is nobody to ask: the request would go out as one more probe.
-    if (report.EngineId().Empty()) return false;
+    // Kept: a report that names no engine is answered too; the request then goes out as one more probe.
     const EngineValues engine = {report.EngineId(), report.EngineBoots(), report.EngineTime()};
     const std::string strValue = AskV3(sweep, datagram.sender, engine, sweep.oid, &entry);
     DebugLogA("strValue [%s]", strValue.c_str());
@@ -79,7 +78,7 @@ int32_t DiscoverV3(VxSnmpMgr& manager, const char* oid, HWND hWnd, UINT uMsg, UI
                    BYTE useIPv6, const char* jsonRequest, const SecuritySettings& security) {
     DebugLogA("SNMP::DiscoverV3\n");
     manager.BeginSweep(hWnd, uMsg, timeout);
-    manager.RenewSocket();
+    manager.EnsureSocket();
     if (FitsLimits(jsonRequest, security)) {
         VxSNMPv3 probe;
         const ByteBuffer& message = probe.Encode();

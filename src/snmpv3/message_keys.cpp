@@ -8,7 +8,7 @@ namespace {
 
 bool IsKnown(uint32_t authCode) { return authCode >= kAuthMd5 && authCode <= kAuthSha512; }
 
-// The platform's SHA-2; the log has always told our own SHA-224 apart from it.
+// The platform's SHA-2. Our own SHA-224 has no line in the log.
 bool IsSha2(uint32_t authCode) { return authCode >= kAuthSha256 && authCode <= kAuthSha512; }
 
 void LogNoKey(Direction direction, uint32_t authCode) {

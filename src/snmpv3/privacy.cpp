@@ -91,7 +91,9 @@ bool ChainBlocks(CryptoSession& crypto, const DesMaterial& material, ByteBuffer&
         uint8_t block[kDesBlockSize];
         std::memcpy(block, text.data + at, sizeof block);
         Xor(block, chain);
-        if (!crypto.DesEncryptBlock(material.key, block, chain)) return false;
+        const bool encrypted = crypto.DesEncryptBlock(material.key, block, chain);
+        SecureWipe(block, sizeof block);
+        if (!encrypted) return false;
         std::memcpy(text.data + at, chain, sizeof chain);
     }
     return true;

@@ -1,46 +1,9 @@
 #include "snmpv3/request_v3.h"
 
 #include "snmp/asn_decode.h"
-#include "snmpv3/protocol_codes.h"
 #include "support/debug_log.h"
-#include "support/secure_wipe.h"
-#include "support/text_convert.h"
 
 namespace vndiscover {
-namespace {
-
-constexpr size_t kMaxUserNameBytes = 127;
-
-void WipeText(std::string& text) { SecureWipe(text.data(), text.size()); }
-
-}  // namespace
-
-SecuritySettings::SecuritySettings(const wchar_t* userName, uint8_t useAuth,
-                                   const wchar_t* authPassword, uint8_t usePriv,
-                                   const wchar_t* privPassword, const wchar_t* authProtocol,
-                                   const wchar_t* privProtocol)
-    : userName_(WideToUtf8(userName)),
-      authPassword_(WideToUtf8(authPassword)),
-      privPassword_(WideToUtf8(privPassword)),
-      useAuth_(useAuth != 0),
-      usePriv_(useAuth != 0 && usePriv != 0),
-      authCode_(AuthCodeOf(authProtocol)),
-      privCode_(PrivCodeOf(privProtocol)) {}
-
-SecuritySettings::~SecuritySettings() {
-    WipeText(authPassword_);
-    WipeText(privPassword_);
-}
-
-bool SecuritySettings::HasUsableName() const { return userName_.size() <= kMaxUserNameBytes; }
-
-void SecuritySettings::ApplyTo(VxSNMPv3& request) const {
-    request.SetUser(userName_.c_str());
-    if (useAuth_) request.SetAuth(authCode_, authPassword_.c_str());
-    if (usePriv_) request.SetPrivacy(privCode_, privPassword_.c_str());
-    request.SetFlags(useAuth_, usePriv_);
-}
-
 std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
                                         const EngineValues& engine, uint8_t pduType,
                                         const char* oid) {

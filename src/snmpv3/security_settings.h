@@ -8,7 +8,7 @@ namespace vndiscover {
 
 class VxSNMPv3;
 
-// Owns UTF-8 copies of the user name and the passwords and wipes the passwords at its end. Texts may be
+// Owns UTF-8 copies, of any length, of the user name and the passwords and wipes the passwords at its end. Texts may be
 // null. Privacy counts only where authentication is set.
 class SecuritySettings {
   public:

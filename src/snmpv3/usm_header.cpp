@@ -72,7 +72,7 @@ uint32_t DecodeUsm(UsmParameters& usm, const ByteBuffer& in, uint32_t cursor, Re
     uint32_t length = AsnEnter(in, cursor, kTagOctetString);
     const uint32_t end = cursor + length;
     length = AsnEnter(in, cursor, kTagSequence);
-    if (length > end - cursor) throw AsnDecodeError();
+    if (cursor > end || length > end - cursor) throw AsnDecodeError();
     const uint32_t fieldsEnd = cursor + length;
     cursor = AsnReadOctetString(usm.engineId, in, cursor);
     cursor = AsnReadInteger(usm.engineBoots, in, cursor);

@@ -78,7 +78,7 @@ bool VxSNMPv3::SetOid(const char* dotted) {
     VarBindList& list = message_.scoped.pdu.bindings;
     SetVarBindList(nullptr, 0, list);
     OidValue name;
-    if (ParseOidText(name, dotted) == 0) return false;
+    if (ParseOidText(name, dotted) > kMaxNameContent) return false;
     if (MakeVarBind(name, ValueView{kTagNull, 0, nullptr}, asked_) != 0) return false;
     SetVarBindList(&asked_, 1, list);
     return true;

@@ -12,17 +12,4 @@ inline void SecureWipe(void* memory, size_t size) noexcept {
     for (size_t i = 0; i < size; ++i) bytes[i] = 0;
 }
 
-// Wipes a text or an array when the scope ends, whatever way it is left.
-template <class Container>
-class WipeOnExit {
-  public:
-    explicit WipeOnExit(Container& container) noexcept : container_(container) {}
-    ~WipeOnExit() { SecureWipe(container_.data(), container_.size() * sizeof(*container_.data())); }
-    WipeOnExit(const WipeOnExit&) = delete;
-    WipeOnExit& operator=(const WipeOnExit&) = delete;
-
-  private:
-    Container& container_;
-};
-
 }  // namespace vndiscover

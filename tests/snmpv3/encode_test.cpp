@@ -164,15 +164,20 @@ TEST_F(EncodeTest, UserNamesFitTheSaveAreaOfAProbe) {
     EXPECT_EQ(TextBytes(longest), ToBytes(message_.Record().usm.userName));
 }
 
-TEST_F(EncodeTest, AnOidThatCannotBeAskedForAsksForNothing) {
+TEST_F(EncodeTest, AnOidThatFitsNoBindingAsksForNothing) {
     std::string longest = "1.3";
     for (int i = 0; i < 123; ++i) longest += ".1";  // 124 content bytes, as many as a binding holds
     EXPECT_TRUE(message_.SetOid(longest.c_str()));
     EXPECT_EQ(1, message_.Bindings().count);
     const std::string tooLong = longest + ".1";
-    for (const char* text : {tooLong.c_str(), "", ".1", static_cast<const char*>(nullptr)}) {
-        EXPECT_FALSE(message_.SetOid(text));
+    const std::string longerThanALength = longest + longest.substr(1) + longest.substr(1);
+    for (const std::string& text : {tooLong, longerThanALength}) {
+        EXPECT_FALSE(message_.SetOid(text.c_str()));
         EXPECT_EQ(0, message_.Bindings().count);
+    }
+    for (const char* text : {"", ".1", static_cast<const char*>(nullptr)}) {
+        EXPECT_TRUE(message_.SetOid(text));
+        EXPECT_EQ(0, message_.Bindings().bindings[0].nameLength);
     }
 }
 
