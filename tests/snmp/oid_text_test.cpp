@@ -43,7 +43,9 @@ TEST(OidText, ContentBeyondOneLengthByteIsNone) {
     std::string text = "1.3";
     for (int i = 0; i < 254; ++i) text += ".1";
     EXPECT_EQ(255u, ContentOf(text.c_str()).size());
-    EXPECT_EQ(0u, ContentOf((text + ".1").c_str()).size());
+    OidValue oid;
+    EXPECT_EQ(256, ParseOidText(oid, (text + ".1").c_str()));  // told, for the caller to refuse
+    EXPECT_EQ(0, oid.length);
 }
 
 TEST(OidText, LogsACountOfItsOwnAndTheContent) {
