@@ -116,8 +116,11 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
                           kUnusedTimeoutMs, kUnusedRetries, nullptr, writeCommunity_.c_str());
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
-    // A longer value than the one sent was not copied.
-    if (length > size) return Failed(Status::kUnreadable, oid);
+    if (length > size) {  // what does not fit was not copied
+        Answer answer = Failed(Status::kUnreadable, oid);
+        answer.note = "its value is longer than the one sent";
+        return answer;
+    }
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
 }
 

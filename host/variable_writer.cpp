@@ -56,7 +56,7 @@ std::string Problem(const Answer& answer) {
         case Status::kSendFailed:
             return "the request could not be sent";
         case Status::kUnreadable:
-            return "the answer could not be read";
+            return "the answer could not be read" + (answer.note.empty() ? "" : ": " + answer.note);
         case Status::kRefused:
             return "refused: " + answer.note;
         case Status::kNoAnswer:

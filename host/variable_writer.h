@@ -16,7 +16,7 @@ enum class Status {
     kNoAnswer,
     kSendFailed,
     kUnreadable,  // an answer came that holds no variable
-    kRefused,     // an SNMPv3 report; note says why
+    kRefused,     // an SNMPv3 report: note says why
 };
 
 struct Answer {
@@ -25,8 +25,8 @@ struct Answer {
     uint32_t type = 0;
     std::string bytes;
     size_t wholeSize =
-        0;  // of the value at the device; more than bytes.size(): the rest did not come
-    std::string note;
+        0;             // of the value at the device; more than bytes.size(): the rest did not come
+    std::string note;  // details of a problem, may be empty
 };
 
 // An answer with a value as the module delivers it.
