@@ -1,0 +1,51 @@
+// For tests of the debug log, whose lines the module sends to the debugger while its switch is on.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "exports/support/lab_test.h"
+#include "exports/support/registry_switches.h"
+#include "helpers/log_capture.h"
+
+namespace vndiscover {
+
+using Lines = std::vector<std::string>;
+
+inline Lines operator+(Lines left, const Lines& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+inline Lines Times(int count, const Lines& lines) {
+    Lines all;
+    while (count-- > 0) all = all + lines;
+    return all;
+}
+
+// What the tests write to the registry stands before the module is loaded.
+class DebugSwitchOn {
+  protected:
+    DebugSwitchOn() { switches.SetOn("Debug"); }
+
+    RegistrySwitches switches;
+};
+
+class LoggedTest : public DebugSwitchOn, public QuickLabTest {
+  protected:
+    LogCapture log;
+};
+
+// What a request for an OID says while it is built: `content` are the OID's content octets as "%02x
+// " each, `message` the whole datagram; loggedLength is one more than the content has.
+Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message);
+// The default OID's.
+Lines DefaultRequestLines();
+// An IPv4 adapter of the test network, with the description that the system gives it.
+Lines AdapterLines(int index);
+// The listing of the IPv6 adapters, from what the system lists.
+Lines IPv6ListingLines();
+
+std::string LogHex(const Bytes& bytes);
+
+}  // namespace vndiscover
