@@ -1,5 +1,6 @@
 #!/bin/bash
-# Installs what the build and the lab need and this machine lacks (Debian packages).
+# install-packages.sh [PACKAGE...]: installs what the build and the lab need and this machine lacks, and the
+# packages named (Debian).
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -11,6 +12,7 @@ PACKAGES=(
     wine64 iproute2 snmpd snmp wsdd tshark python3 util-linux
 )
 
+PACKAGES+=("$@") # further ones, which most runs do not need
 missing=()
 for package in "${PACKAGES[@]}"; do
     status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)

@@ -1,0 +1,62 @@
+// One localised key against one plain hash of 1 MiB, by authentication code.
+#include <benchmark/benchmark.h>
+
+#include "samples.h"
+#include "snmpv3/crypto.h"
+#include "snmpv3/keys.h"
+#include "snmpv3/protocol_codes.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr size_t kMebibyte = 1024 * 1024;
+constexpr uint8_t kEngine[] = {0x80, 0, 0x1F, 0x88, 4, 'e', 'n', 'g', 'i', 'n', 'e'};
+constexpr uint8_t kPassword[] = {'a', 'u', 't', 'h', 'p', 'a', 's', 's', '1'};
+
+ByteBuffer BufferOf(const uint8_t* bytes, size_t length) {
+    ByteBuffer buffer;
+    buffer.Assign(bytes, static_cast<int32_t>(length));
+    return buffer;
+}
+
+// range(0): authentication code of the key; range(1): of the plain hash.
+void LocalisedKey(benchmark::State& state) {
+    const auto keyCode = static_cast<uint32_t>(state.range(0));
+    const auto hashCode = static_cast<uint32_t>(state.range(1));
+    const ByteBuffer engine = BufferOf(kEngine, sizeof kEngine);
+    const ByteBuffer password = BufferOf(kPassword, sizeof kPassword);
+    const std::vector<uint8_t> zeros(kMebibyte, 'x');
+    const ByteBuffer mebibyte = BufferOf(zeros.data(), zeros.size());
+    Pair pair;
+    for (auto _ : state) {
+        // Each opens its provider itself, as a message does.
+        pair.Turn([](auto& work) { return MicrosecondsOf(work); },
+                  [&] {
+                      CryptoSession crypto;
+                      benchmark::DoNotOptimize(PasswordToKey(crypto, keyCode, password, engine));
+                  },
+                  [&] {
+                      CryptoSession crypto;
+                      ByteBuffer digest;
+                      benchmark::DoNotOptimize(crypto.Hash(hashCode, mebibyte, digest));
+                  });
+        state.SetIterationTime(pair.ours.back() / 1e6);
+    }
+    state.counters["ours_us"] = Median(pair.ours);
+    state.counters["bare_us"] = Median(pair.bare);
+}
+BENCHMARK(LocalisedKey)
+    ->ArgNames({"auth", "hash"})
+    ->Args({kAuthMd5, kAuthMd5})
+    ->Args({kAuthSha1, kAuthSha1})
+    ->Args({kAuthSha224, kAuthSha224})
+    ->Args({kAuthSha224, kAuthSha256})  // the platform's, which runs the same rounds
+    ->Args({kAuthSha256, kAuthSha256})
+    ->Args({kAuthSha384, kAuthSha384})
+    ->Args({kAuthSha512, kAuthSha512})
+    ->UseManualTime()
+    ->Iterations(41)
+    ->Repetitions(3);
+
+}  // namespace
+}  // namespace vndiscover

@@ -1,0 +1,116 @@
+// vndiscover_probe.exe DEVICES KEYS: one sweep in a process of its own, as a host makes it, with DEVICES devices.
+// KEYS: OIDs under "GET" of a JSON request, or "-" for a sweep without one. Prints a line of JSON: times in
+// microseconds, memory in bytes.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "cpu_clock.h"
+#include "lab.h"
+#include "samples.h"
+#include "vndiscover.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr UINT kMessage = WM_APP + 161;
+constexpr int kAnswersPerSecond = 10000;
+constexpr int kLoads = 21;
+
+int g_delivered = 0;
+
+LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM address, LPARAM value) {
+    if (message != kMessage) return DefWindowProcA(window, message, address, value);
+    if (address) ++g_delivered;
+    return 0;
+}
+
+HWND MakeWindow() {
+    WNDCLASSA windowClass = {};
+    windowClass.lpfnWndProc = OnMessage;
+    windowClass.hInstance = GetModuleHandleA(nullptr);
+    windowClass.lpszClassName = "VnDiscoverProbe";
+    RegisterClassA(&windowClass);
+    return CreateWindowExA(0, windowClass.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                           windowClass.hInstance, nullptr);
+}
+
+std::wstring JsonRequest(int keys) {
+    std::wstring members;
+    for (int i = 1; i <= keys; ++i) {
+        members += (i > 1 ? L", \".1.3.6.1.2.1.43." : L"\".1.3.6.1.2.1.43.") + std::to_wstring(i) +
+                   L".0\": \"\"";
+    }
+    return L"{\"DiscoverOID\": \"" VN_DEFAULT_DISCOVERY_OID "\", \"GET\": {" + members + L"}}";
+}
+
+struct Loading {
+    double firstUs;
+    double loadUs;
+    double unloadUs;
+    uint64_t residentBytes;  // above the process without the module
+};
+
+// Leaves the module loaded.
+HMODULE MeasureLoading(Loading& loading) {
+    const uint64_t before = ResidentBytes();
+    HMODULE module = nullptr;
+    const auto load = [&] { module = LoadLibraryA("VnDiscover.dll"); };
+    loading.firstUs = MicrosecondsOf(load);
+    loading.residentBytes = ResidentBytes() - before;
+    std::vector<double> loads, unloads;
+    for (int i = 0; i < kLoads; ++i) {
+        unloads.push_back(MicrosecondsOf([&] { FreeLibrary(module); }));
+        loads.push_back(MicrosecondsOf(load));
+    }
+    loading.loadUs = Median(loads);
+    loading.unloadUs = Median(unloads);
+    return module;
+}
+
+int Run(int devices, const char* keys) {
+    const HWND window = MakeWindow();
+    const uint64_t bareBytes = ResidentBytes();
+    Loading loading = {};
+    const HMODULE module = MeasureLoading(loading);
+    const auto discover = reinterpret_cast<decltype(&DiscoverDevicesByOIDjson)>(
+        reinterpret_cast<void*>(GetProcAddress(module, "DiscoverDevicesByOIDjson")));
+    if (!discover) return 1;
+    const bool isJson = std::strcmp(keys, "-") != 0;
+    const std::wstring request = JsonRequest(std::atoi(keys));
+    PlanAnswers({devices, kAnswersPerSecond, kPlainAnswer});
+
+    const CpuClock clock;
+    const uint64_t beforeSweep = ResidentBytes();
+    const CpuTimes began = clock.Now();
+    const double elapsed = MicrosecondsOf([&] {
+        discover(window, kMessage, 0, 0, isJson ? request.c_str() : nullptr, nullptr, nullptr,
+                 nullptr);
+    });
+    const CpuTimes spent = clock.Now() - began;
+    const uint64_t afterSweep = ResidentBytes();
+    std::printf(
+        "{\"devices\": %d, \"keys\": %d, \"delivered\": %d, \"elapsed_us\": %.0f, \"cpu_us\": %.0f, "
+        "\"server_cpu_us\": %.0f, \"answering_us\": %lld, \"bare_bytes\": %llu, "
+        "\"loaded_bytes\": %llu, \"swept_bytes\": %lld, \"first_load_us\": %.1f, \"load_us\": %.1f, "
+        "\"unload_us\": %.1f}\n",
+        devices, isJson ? std::atoi(keys) : -1, g_delivered, elapsed, spent.program, spent.server,
+        static_cast<long long>(AnsweringTimeUs()), static_cast<unsigned long long>(bareBytes),
+        static_cast<unsigned long long>(loading.residentBytes),
+        static_cast<long long>(afterSweep - beforeSweep), loading.firstUs, loading.loadUs,
+        loading.unloadUs);
+    return 0;
+}
+
+}  // namespace
+}  // namespace vndiscover
+
+int main(int argc, char** argv) {
+    if (argc != 3) return 2;
+    WSADATA data;
+    if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 1;
+    const int status = vndiscover::Run(std::atoi(argv[1]), argv[2]);
+    WSACleanup();
+    return status;
+}

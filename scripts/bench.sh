@@ -1,0 +1,23 @@
+#!/bin/bash
+# bench.sh: measures the module in a private lab under Wine and prints one table with the marks. Raw results,
+# results.json and growth.svg go to build/bench. Installs what is missing, builds, takes about ten minutes; a
+# quiet machine gives the truest figures, but every ratio is measured in turns within one run.
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+
+"$ROOT/scripts/install-packages.sh" libsnmp-dev gcc libc6-dev
+out=$ROOT/build/bench
+mkdir -p "$out/bin"
+cd "$ROOT"
+Say "building"
+Quietly cmake --preset release -B "$out/win" -DVNDISCOVER_BUILD_TESTS=OFF -DVNDISCOVER_BUILD_BENCH=ON ||
+    Die "the measurements cannot be configured"
+Quietly cmake --build "$out/win" -j "${VNDISCOVER_JOBS:-$(nproc)}" \
+    --target vndiscover_bench vndiscover_probe || Die "the build failed"
+cp "$out"/win/bin/*.exe "$out"/win/bin/*.dll "$out/bin/"
+cc -O2 -Wall -Wextra -o "$out/bin/answerer" bench/native/answerer.c
+cc -O2 -Wall -Wextra -o "$out/bin/netsnmp_loop" bench/native/netsnmp_loop.c -lnetsnmp
+"$ROOT/scripts/lab/wine-template.sh" >/dev/null
+cd "$out"
+"$ROOT/scripts/lab/private-net.sh" "$ROOT/bench/lab.sh" "$out/bin"
+PYTHONDONTWRITEBYTECODE=1 python3 "$ROOT/bench/report.py" "$out"

@@ -1,0 +1,54 @@
+# Sourced by the scripts that build third-party libraries for Windows into the cache, after common.sh. Sources are
+# those of the Debian packages of this machine's release, so security updates arrive with them.
+TRIPLE=x86_64-w64-mingw32
+CC=$(command -v $TRIPLE-gcc-posix || command -v $TRIPLE-gcc) ||
+    Die "no $TRIPLE-gcc: run scripts/install-packages.sh as root"
+CXX=$(command -v $TRIPLE-g++-posix || command -v $TRIPLE-g++)
+CFLAGS="-O2 -ffunction-sections -fdata-sections"
+
+# The newest version of each package that apt knows, or the installed one where apt has no lists.
+Candidate() { awk -v package="$1:" '$1 == package { found = 1 } found && /Candidate:/ { print $2; exit }'; }
+
+# Waits for other builds of dependencies. Its end is this process's.
+LockDeps() {
+    mkdir -p "$VNDISCOVER_CACHE/deps"
+    exec 9>"$VNDISCOVER_CACHE/deps/lock"
+    flock 9
+}
+
+# Makes the folder $work, with the stage that will become the prefix in it, and prepares Source and CMAKE_CROSS.
+PrepareSources() {
+    work=$(mktemp -d "$VNDISCOVER_CACHE/deps/work.XXXXXX")
+    trap 'rm -rf "$work"' EXIT
+    stage=$work/stage
+    mkdir -p "$stage/include" "$stage/lib" "$stage/licenses" "$work/apt/lists/partial"
+
+    # A private source list: the system's own lists stay as they are.
+    cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null |
+        sed -n 's/^deb \(.*\(debian\|ubuntu\).*\)$/deb-src \1/p' >"$work/apt/sources.list" || true
+    mkdir "$work/apt/parts"
+    for file in /etc/apt/sources.list.d/*.sources; do
+        if grep -qs '^URIs:.*\(debian\|ubuntu\)' "$file"; then
+            sed 's/^Types:.*/Types: deb-src/' "$file" >"$work/apt/parts/$(basename "$file")"
+        fi
+    done
+    APT_OPTIONS=(-o "Dir::Etc::sourcelist=$work/apt/sources.list" -o "Dir::Etc::sourceparts=$work/apt/parts"
+        -o "Dir::State::lists=$work/apt/lists" -o "Dir::Cache::srcpkgcache=" -o "Dir::Cache::pkgcache="
+        -o APT::Sandbox::User=root)
+    CMAKE_CROSS=(-G Ninja -DCMAKE_TOOLCHAIN_FILE="$ROOT/cmake/mingw-w64-x86_64.cmake"
+        -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=OFF -DCMAKE_INSTALL_PREFIX="$stage"
+        -DCMAKE_INSTALL_LIBDIR=lib "-DCMAKE_C_FLAGS=$CFLAGS -ffile-prefix-map=$work=."
+        "-DCMAKE_CXX_FLAGS=$CFLAGS -ffile-prefix-map=$work=.")
+    Quietly apt-get -q "${APT_OPTIONS[@]}" update || Die "the package sources cannot be reached"
+}
+
+# Source NAME VERSION [OPTION...]: fetches a source package into its own folder; the wanted version, or
+# the newest that is there.
+Source() {
+    local name=$1 version=$2
+    shift 2
+    mkdir "$work/$name"
+    cd "$work/$name"
+    Quietly apt-get -q "${APT_OPTIONS[@]}" source "$@" "$name=$version" ||
+        Quietly apt-get -q "${APT_OPTIONS[@]}" source "$@" "$name" || Die "no source of $name"
+}
