@@ -33,7 +33,7 @@ void StoreBigEndian(uint32_t value, uint8_t* bytes) {
 }
 
 void ExpandSchedule(const uint8_t* block, uint32_t (&w)[64]) {
-    for (int t = 0; t < 16; ++t) w[t] = LoadBigEndian(block + 4 * t);
+    for (size_t t = 0; t < 16; ++t) w[t] = LoadBigEndian(block + 4 * t);
     for (int t = 16; t < 64; ++t) {
         const uint32_t a = w[t - 15];
         const uint32_t b = w[t - 2];

@@ -46,8 +46,8 @@ class VxSNMPv3 {
     void SetMsgId(uint32_t msgId);         // 0: a fixed one
     void SetRequestId(int32_t requestId);  // 0: a fixed one
     void SetPduType(uint8_t pduType);
-    // The one OID asked for; text of fewer than two arcs asks for the empty OID. False: it has one that
-    // no binding holds, and none is asked for.
+    // The one OID asked for; text of fewer than two arcs asks for the empty OID. False: it has one
+    // that no binding holds, and none is asked for.
     bool SetOid(const char* dotted);
 
     const ByteBuffer& EngineId() const { return message_.usm.engineId; }
