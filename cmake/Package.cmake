@@ -25,9 +25,7 @@ set(_parts ${PROJECT_SOURCE_DIR}/cmake/package)
 function(_kit_symbols level)
     foreach(target IN LISTS ARGN)
         if(TARGET ${target})
-            target_compile_options(${target} PRIVATE
-                $<$<COMPILE_LANGUAGE:C,CXX>:${level}>
-                $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${VNDISCOVER_DEPS}=dependencies>)
+            target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:C,CXX>:${level}>)
         endif()
     endforeach()
 endfunction()
