@@ -8,6 +8,8 @@ PACKAGES=(
     # build
     cmake ninja-build g++-mingw-w64-x86-64-posix clang libclang-rt-14-dev dpkg-dev patch xz-utils perl make
     googletest llvm libcli11-dev libcjson-dev libssl-dev libpugixml-dev
+    # kit
+    git lld pkg-config
     # lab
     wine64 iproute2 snmpd snmp wsdd tshark python3 util-linux
 )
