@@ -11,7 +11,7 @@ out=${1:-}
 cd "$ROOT"
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)} || Die "no commit to take the time from"
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
-# Names of files that are not in the commit would end up in the kit.
+# Documents and examples that the commit does not hold would be packed all the same.
 if [ -n "$(git status --porcelain 2>/dev/null)" ]; then
     Say "uncommitted changes: the ZIP will not be that of the commit"
 fi

@@ -2,9 +2,9 @@
  *
  *     sweep [COMMUNITY]
  *
- * The window is a message-only one of this very thread, so the sweep calls OnMessage directly and no
- * message loop is needed. A program with a window that people look at sweeps on another thread: see
- * ../cpp/worker_sweep.cpp.
+ * The window is a message-only one of this very thread, so the sweep calls OnMessage directly and
+ * no message loop is needed. A program with a window that people look at sweeps on another thread:
+ * see ../cpp/worker_sweep.cpp.
  */
 #include <stdio.h>
 

@@ -1,8 +1,8 @@
-// Sweeps on a worker thread while the window keeps painting. Esc or closing the window stops the sweep.
+// Sweeps on a worker thread while the window keeps painting. Esc or closing the window stops it.
 //
 //     worker_sweep [--community TEXT] [--stop-after MS] [--once]
 //
-// --once closes the window when the sweep has ended. What was found stands in the window and on stdout.
+// --once closes the window when the sweep has ended. The devices stand in the window and on stdout.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr UINT kDevice = WM_APP + 1;  // from the module: sent, so the worker waits until it is handled
+constexpr UINT kDevice = WM_APP + 1;  // from the module: the worker waits until it is handled
 constexpr UINT kEnded = WM_APP + 2;   // from the worker: the last thing it does
 constexpr UINT_PTR kFrameTimer = 1;
 constexpr UINT_PTR kStopTimer = 2;
@@ -47,8 +47,8 @@ void StartSweep(HWND window) {
     });
 }
 
-// Never waits: a window thread that waited for the worker would not take the message for which the worker
-// waits, and both would wait for ever. kEnded tells when it is over.
+// Never waits: a window thread that waited for the worker would not take the message that the
+// worker sends, and both would wait for ever. kEnded tells when it is over.
 void StopSweep() {
     if (!host.sweeping) return;
     host.stopping = true;
@@ -89,8 +89,8 @@ void OnEnded(HWND window) {
     host.sweeping = false;
     KillTimer(window, kFrameTimer);
     InvalidateRect(window, nullptr, TRUE);
-    std::printf("%u devices, %d frames, %s\n", static_cast<unsigned>(host.lines.size()), host.frames,
-                host.stopping ? "stopped" : "complete");
+    std::printf("%u devices, %d frames, %s\n", static_cast<unsigned>(host.lines.size()),
+                host.frames, host.stopping ? "stopped" : "complete");
     if (host.closing || host.options.once) DestroyWindow(window);
 }
 
@@ -108,7 +108,9 @@ LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
         case kDevice:
             OnDevice(reinterpret_cast<const char*>(wParam), reinterpret_cast<const char*>(lParam));
             return 0;
-        case kEnded: OnEnded(window); return 0;
+        case kEnded:
+            OnEnded(window);
+            return 0;
         case WM_TIMER:
             if (wParam == kFrameTimer) OnFrame(window);
             if (wParam == kStopTimer) StopSweep();
@@ -116,10 +118,17 @@ LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lPar
         case WM_KEYDOWN:
             if (wParam == VK_ESCAPE) StopSweep();
             return 0;
-        case WM_PAINT: OnPaint(window); return 0;
-        case WM_CLOSE: OnClose(window); return 0;
-        case WM_DESTROY: PostQuitMessage(0); return 0;
-        default: return DefWindowProcA(window, message, wParam, lParam);
+        case WM_PAINT:
+            OnPaint(window);
+            return 0;
+        case WM_CLOSE:
+            OnClose(window);
+            return 0;
+        case WM_DESTROY:
+            PostQuitMessage(0);
+            return 0;
+        default:
+            return DefWindowProcA(window, message, wParam, lParam);
     }
 }
 
@@ -131,9 +140,9 @@ HWND MakeWindow() {
     windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
     windowClass.lpszClassName = "VnDiscoverWorkerSweep";
     RegisterClassA(&windowClass);
-    return CreateWindowExA(0, windowClass.lpszClassName, "Devices", WS_OVERLAPPEDWINDOW | WS_VISIBLE,
-                           CW_USEDEFAULT, CW_USEDEFAULT, 500, 400, nullptr, nullptr,
-                           windowClass.hInstance, nullptr);
+    return CreateWindowExA(0, windowClass.lpszClassName, "Devices",
+                           WS_OVERLAPPEDWINDOW | WS_VISIBLE, CW_USEDEFAULT, CW_USEDEFAULT, 500, 400,
+                           nullptr, nullptr, windowClass.hInstance, nullptr);
 }
 
 Options ReadOptions(int argc, char** argv) {

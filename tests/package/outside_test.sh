@@ -43,6 +43,7 @@ grep -q 'is a Windows DLL' log || { cat log; exit 1; }
 
 # pkg-config
 export PKG_CONFIG_LIBDIR=$kit/lib/pkgconfig
+flags=()
 eval "flags=($(pkg-config --cflags --libs vndiscover))"
 "$CC" -Wall -Wextra -Werror c/sweep.c "${flags[@]}" -o "$hosts/sweep_pkgconfig.exe"
 [ "$(pkg-config --modversion vndiscover)" = 1.0.0 ]
