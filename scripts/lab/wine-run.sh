@@ -24,6 +24,7 @@ if [ "$(readlink /proc/self/ns/mnt)" != "$(readlink /proc/1/ns/mnt)" ]; then
 fi
 
 export WINEPREFIX=$VNDISCOVER_LAB/wine/$netns/prefix WINEDEBUG=${WINEDEBUG:--all}
+export LC_ALL=C.UTF-8 # else Wine finds no name for a file that is not ASCII
 unset DISPLAY WAYLAND_DISPLAY
 if [ -n "$stop" ]; then
     [ ! -e "$WINEPREFIX/system.reg" ] || exec "$(dirname "$WINE")/wineserver64" -k
