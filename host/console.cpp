@@ -107,9 +107,9 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     DWORD mode = 0;
     if (!GetConsoleMode(input, &mode)) return std::nullopt;
-    Write(STD_ERROR_HANDLE, prompt);
     g_inputMode = mode;
     SetConsoleMode(input, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~ENABLE_ECHO_INPUT);
+    Write(STD_ERROR_HANDLE, prompt);  // only now: whoever sees it may type
     wchar_t line[256];
     DWORD count = 0;
     const BOOL isRead = ReadConsoleW(input, line, 256, &count, nullptr);
