@@ -16,7 +16,7 @@ struct Bytes {
 extern const Bytes kAskSysName;
 extern const Bytes kAskDiscoveryOid;
 
-// Open, bind, send, select, receive, close. Bytes received; 0 after 2 s of silence. inout: room for the answer.
+// Open, bind, send, select, receive, close. Bytes received; 0 after 2 s of silence.
 int BareExchange(const char* host, const Bytes& request, char* answer, int answerSize);
 
 // Sends the discovery request to the broadcast address and receives (select, receive) until half a second has

@@ -1,6 +1,7 @@
 #!/bin/bash
 # lab.sh BIN: runs the measurements of the programs in BIN inside private-net.sh (scripts/bench.sh starts it).
-# Writes raw results into the current folder. BENCH_FILTER: only the benchmarks that match, nothing else.
+# Writes raw results into the current folder. BENCH_FILTER: only the benchmarks that match, nothing
+# else. BENCH_REPETITIONS: of each sweep of the growth, 3 by default.
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 lab=$here/../scripts/lab
@@ -24,10 +25,18 @@ read -r -t 20 word <&3 && [ "$word" = ready ] || { echo "lab.sh: no answerer" >&
 
 Wine() { "$lab/wine-run.sh" host "$@" </dev/null | tr -d '\r'; }
 
-Say "Google Benchmark: directed requests, keys, codec, collection"
-Wine "$bin/vndiscover_bench.exe" --benchmark_filter="${BENCH_FILTER:-.}" --benchmark_counters_tabular=true \
-    --benchmark_out=benchmark.json --benchmark_out_format=json >benchmark.log
-[ -z "${BENCH_FILTER:-}" ] || exit 0
+# Group NAME FILTER: benchmarks into NAME.json and NAME.log.
+Group() {
+    Say "$1"
+    Wine "$bin/vndiscover_bench.exe" --benchmark_filter="$2" --benchmark_counters_tabular=true \
+        --benchmark_out="bench-$1.json" --benchmark_out_format=json >"bench-$1.log"
+}
+if [ -n "${BENCH_FILTER:-}" ]; then
+    Group filtered "$BENCH_FILTER"
+    exit 0
+fi
+Group directed '^Directed'
+Group keys '^LocalisedKey'
 
 Say "net-snmp's library on the same agent"
 MIBS='' ip netns exec host "$bin/netsnmp_loop" 10.77.1.11 >netsnmp.json
@@ -36,7 +45,7 @@ MIBS='' ip netns exec host "$bin/netsnmp_loop" 10.77.1.11 >netsnmp.json
 Say "growth: devices, JSON keys, memory"
 : >probe.jsonl
 while read -r devices keys; do
-    for _ in 1 2 3; do
+    for _ in $(seq "${BENCH_REPETITIONS:-3}"); do
         Wine "$bin/vndiscover_probe.exe" "$devices" "$keys" >>probe.jsonl
     done
 done <<'END'
@@ -58,3 +67,6 @@ done <<'END'
 100 10
 100 50
 END
+
+Group collection '^(Burst|CollectionCost|SteadyRate)'
+Group codec '^(EncodeV|DecodeV|One|AuthPriv)'
