@@ -53,9 +53,10 @@ TEST(OidText, LogsACountOfItsOwnAndTheContent) {
     ContentOf(".1.3.6.1.2.1.1.1.0");
     ContentOf(".1.3.6.1.4.1.5963.43.5.1.1.1.1");
     ContentOf("");
+    ContentOf("1.3.127.128");
     EXPECT_EQ((Pieces{"OID length [9]\n", "OID = [2b 06 01 02 01 01 01 00 ]\n", "OID length [14]\n",
                       "OID = [2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ]\n", "OID length [0]\n",
-                      "OID = []\n"}),
+                      "OID = []\n", "OID length [5]\n", "OID = [2b 7f 81 00 ]\n"}),
               log.Lines());
 }
 

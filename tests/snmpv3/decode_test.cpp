@@ -250,6 +250,33 @@ TEST_F(DecodeTest, AnotherLayoutIsNoAnswer) {
     EXPECT_EQ(0, message.Decode(wrongTag.data(), -1));
 }
 
+// The security parameters' SEQUENCE, one byte shorter and longer than its fields.
+TEST_F(DecodeTest, FieldsThatDoNotFitTheirWrapperAreRefused) {
+    const Bytes whole = answer_.Build();
+    const size_t headerAt = 5;
+    const size_t usmAt = headerAt + 2 + whole[headerAt + 1];
+    ASSERT_EQ(0x04, whole[usmAt]);
+    ASSERT_EQ(0x30, whole[usmAt + 2]);
+    for (int change : {-1, 1}) {
+        Bytes changed = whole;
+        changed[usmAt + 3] = static_cast<uint8_t>(changed[usmAt + 3] + change);
+        VxSNMPv3 message;
+        EXPECT_EQ(0, DecodeInto(message, changed)) << change;
+    }
+}
+
+TEST_F(DecodeTest, ADecodedUserNameSurvivesAProbeAsText) {
+    answer_.engineId.clear();
+    for (const Bytes& name : {Bytes{'a', 'b', 0, 'c'}, Bytes(200, 'n')}) {
+        answer_.user = name;
+        EXPECT_GT(DecodeInto(message_, answer_.Build()), 0);
+        EXPECT_EQ(name, ToBytes(message_.Record().usm.userName));
+        message_.Encode();
+        EXPECT_EQ(Prefix(name, name.size() == 4 ? 2 : 127),
+                  ToBytes(message_.Record().usm.userName));
+    }
+}
+
 TEST_F(DecodeTest, AFailureLeavesNoBindingAndWhatWasReadUntilThen) {
     message_.SetOid(".1.3.6.1.2.1.1.5.0");
     answer_.scopedTlv = ScopedPduTlv(0xA2, Tlv(0x30, Tlv(0x06, {}) + Hex("02 7f")));
