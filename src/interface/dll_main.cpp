@@ -1,4 +1,5 @@
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "interface/module.h"
@@ -13,11 +14,14 @@ VxSoapMgr* g_soapMgr = nullptr;
 
 namespace {
 
-// Without memory the module still loads, and the exports that need the manager do nothing.
-template <class Manager>
-Manager* Create() noexcept {
+// The manager with the room of its table, so that no sweep fails for want of it. Without memory the module
+// still loads, and the exports that need the manager do nothing.
+template <class Manager, class Table>
+Manager* Create(Table Manager::* table) noexcept {
     try {
-        return new Manager();
+        auto manager = std::make_unique<Manager>();
+        (manager.get()->*table).Reserve();
+        return manager.release();
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
@@ -25,8 +29,8 @@ Manager* Create() noexcept {
 
 void Attach(HINSTANCE module) {
     g_hModule = module;
-    g_snmpMgr = Create<VxSnmpMgr>();
-    g_soapMgr = Create<VxSoapMgr>();
+    g_snmpMgr = Create(&VxSnmpMgr::devices);
+    g_soapMgr = Create(&VxSoapMgr::results);
     std::memset(g_szBindIp, 0, sizeof g_szBindIp);
 }
 

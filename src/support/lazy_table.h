@@ -3,28 +3,36 @@
 
 #include <cstdint>
 #include <new>
+#include <optional>
 
 #include "support/zeroed_pages.h"
 
 namespace vndiscover {
 
 // Entries are filled from 0 upwards; an entry that was filled before keeps its content until it is
-// overwritten. Not for more than one thread.
+// overwritten. The room is reserved by the first fill, or before: a table that nobody fills costs not even
+// that. Not for more than one thread.
 template <class Entry, uint32_t Capacity>
 class LazyTable {
   public:
     static constexpr uint32_t kCapacity = Capacity;
 
-    LazyTable() : pages_(sizeof(Entry) * size_t{Capacity}) {}  // throws std::bad_alloc
+    LazyTable() = default;
     ~LazyTable() {
         for (uint32_t i = 0; i < constructed_; ++i) At(i).~Entry();
     }
     LazyTable(const LazyTable&) = delete;
     LazyTable& operator=(const LazyTable&) = delete;
 
-    // The entry to fill; index is at most the count of entries filled so far, below Capacity.
+    // Throws std::bad_alloc; without effect when the room is there.
+    void Reserve() {
+        if (!pages_) pages_.emplace(sizeof(Entry) * size_t{Capacity});
+    }
+
+    // The entry to fill; throws std::bad_alloc; index is at most the count of entries filled so far, below Capacity.
     Entry& ToFill(uint32_t index) {
         if (index == constructed_) {
+            Reserve();
             new (Slot(index)) Entry();
             ++constructed_;
         }
@@ -35,10 +43,10 @@ class LazyTable {
     Entry& operator[](uint32_t index) { return At(index); }
 
   private:
-    void* Slot(uint32_t index) const { return static_cast<Entry*>(pages_.Get()) + index; }
+    void* Slot(uint32_t index) const { return static_cast<Entry*>(pages_->Get()) + index; }
     Entry& At(uint32_t index) { return *std::launder(static_cast<Entry*>(Slot(index))); }
 
-    ZeroedPages pages_;
+    std::optional<ZeroedPages> pages_;
     uint32_t constructed_ = 0;
 };
 
