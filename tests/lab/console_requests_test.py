@@ -1,0 +1,105 @@
+"""vndiscover.exe with a real agent: sweeps in every format, and values read, walked and written."""
+
+import csv
+import io
+import json
+import subprocess
+import unittest
+
+from console_host import AGENT, CONTACT, LAB, SYSTEM, V3, main, run
+
+
+class Sweeps(unittest.TestCase):
+    def test_every_format_can_be_read(self):
+        path = LAB + "/devices.csv"
+        self.assertEqual((0, "ADDRESS          VALUE\n10.77.1.2        Model 1\n", ""), run("sweep", "--csv", path))
+        with open(path, "rb") as file:
+            self.assertEqual(b'"10.77.1.2","Model 1"\r\n', file.read())
+        location = ["--oid", SYSTEM + ".6.0"]
+        self.assertEqual([{"address": AGENT, "value": 'Hall "B", 2nd floor'}],
+                         json.loads(run("sweep", *location, "--format", "json")[1]))
+        rows = csv.reader(io.StringIO(run("sweep", *location, "--format", "csv")[1]))
+        self.assertEqual([[AGENT, 'Hall "B", 2nd floor']], list(rows))
+
+    def test_a_json_request_is_filled_in(self):
+        path = LAB + "/request.json"
+        request = {"DiscoverOID": SYSTEM + ".1.0", "GET": {SYSTEM + ".6.0": "", ".1.3.9.9": "kept"}}
+        with open(path, "w", encoding="utf-8") as file:
+            json.dump(request, file, indent=8)
+        code, out, _ = run("sweep", "--ipv6", "--json", path, "--format", "json")
+        self.assertEqual(0, code)
+        request["GET"][SYSTEM + ".6.0"] = 'Hall "B", 2nd floor'
+        device = json.loads(out)[0]
+        self.assertRegex(device["address"], "^fe80::1:[0-9]+$")  # it answers from any of its addresses
+        self.assertEqual(request, device["value"])
+
+    def test_nobody_there_is_exit_code_1(self):
+        code, out, err = run("sweep", "--community", "wrong", "--format", "json")
+        self.assertEqual((1, "[]\n"), (code, out))
+        self.assertIn("no device answered", err)
+
+    def test_v3_takes_passwords_from_the_environment_and_any_oid(self):
+        path = LAB + "/v3.csv"
+        code, out, _ = run("sweep", *V3, "--oid", SYSTEM + ".6.0", "--csv", path, VNDISCOVER_AUTH_PASS="authpass1",
+                           VNDISCOVER_PRIV_PASS="privpass1")
+        self.assertEqual((0, 'ADDRESS          VALUE\n10.77.1.2        Hall "B", 2nd floor\n'), (code, out))
+        with open(path, "rb") as file:
+            self.assertEqual(b'"10.77.1.2","Hall ""B"", 2nd floor"\r\n', file.read())
+
+
+class DirectedRequests(unittest.TestCase):
+    secrets = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
+
+    def walked(self, *options, **environment):
+        code, out, err = run("walk", AGENT, SYSTEM, "--format", "json", *options, **environment)
+        self.assertEqual((0, ""), (code, err))
+        return json.loads(out)
+
+    def test_a_walk_finds_what_net_snmp_finds(self):
+        tool = subprocess.run(["ip", "netns", "exec", "host", "snmpwalk", "-v1", "-c", "sesame", "-m", "", "-Onq",
+                               AGENT, SYSTEM], capture_output=True, check=True, text=True).stdout
+        expected = [line.split(" ", 1) for line in tool.splitlines()]
+        for rows in (self.walked(), self.walked(*V3, **self.secrets)):
+            self.assertEqual([oid for oid, _ in expected], [row["oid"] for row in rows])
+            for (oid, value), row in zip(expected, rows):
+                if row["type"] in ("OCTET STRING", "OBJECT IDENTIFIER"):
+                    plain = value.replace('\\"', '"')
+                    self.assertEqual(plain[1:-1] if plain.startswith('"') else plain, row["value"], oid)
+
+    def test_values_are_shown_by_type(self):
+        code, out, _ = run("get", AGENT, SYSTEM + ".2.0", SYSTEM + ".99.0", ".1.3.6.1.2.1.4.20.1.1.10.77.1.2")
+        self.assertEqual(0, code)
+        self.assertEqual(f"{SYSTEM}.2.0 = OBJECT IDENTIFIER: .1.3.6.1.4.1.8072.3.2.10\n{SYSTEM}.99.0 = no value\n"
+                         ".1.3.6.1.2.1.4.20.1.1.10.77.1.2 = IpAddress: 10.77.1.2\n", out)
+        code, out, _ = run("get", AGENT, SYSTEM + ".2.0", SYSTEM + ".3.0", *V3, **self.secrets)
+        self.assertEqual(0, code)
+        self.assertRegex(out, r"8072\.3\.2\.10\n.*TimeTicks: \d+ \(")
+        self.assertEqual((0, f"{SYSTEM}.2.0 = OBJECT IDENTIFIER: .1.3.6.1.4.1.8072.3.2.10\n", ""),
+                         run("getnext", AGENT, SYSTEM + ".1.0"))
+        self.assertEqual((0, "Model 1\n", ""), run("info", AGENT))
+
+    def test_set_writes_and_verify_tells_a_refusal(self):
+        value = "Zo\u00eb, ext. 42"
+        arguments = ["set", AGENT, CONTACT, "string", value, "--verify"]
+        self.assertEqual(1, run(*arguments)[0])
+        self.assertEqual(0, run(*arguments, "--write-community", "secret")[0])
+        self.assertEqual(1, run("set", AGENT, SYSTEM + ".7.0", "i", "-5", "--verify", "-w", "secret")[0])
+
+    def test_failures_have_their_exit_codes(self):
+        self.assertEqual(1, run("get", "10.77.1.99", CONTACT)[0])
+        subprocess.run(["ip", "-n", "host", "route", "del", "default"], check=True)
+        try:
+            code, out, err = run("get", "10.99.0.1", CONTACT)
+        finally:
+            subprocess.run(["ip", "-n", "host", "route", "add", "default", "dev", "eth0"], check=True)
+        self.assertEqual((3, ""), (code, out))
+        self.assertIn("could not be sent", err)
+        code, _, err = run("get", AGENT, CONTACT, *V3, VNDISCOVER_AUTH_PASS="wrongpass", VNDISCOVER_PRIV_PASS="x")
+        self.assertEqual(1, code)
+        self.assertIn("wrong authentication password", err)
+        code, out, err = run("walk", AGENT, ".1.3.6.1.9")
+        self.assertEqual((1, ""), (code, out))
+
+
+if __name__ == "__main__":
+    main()
