@@ -1,5 +1,5 @@
-// A sweep's collection against a bare receive loop: a burst as large as the device table, the highest rate of
-// answers that each keeps without loss, and the CPU time of an answer.
+// A sweep's collection against a bare receive loop: a burst as large as the device table, the
+// highest rate of answers that each keeps without loss, and the CPU time of an answer.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -71,21 +71,26 @@ void Burst(benchmark::State& state) {
 }
 BENCHMARK(Burst)->Iterations(5)->Unit(benchmark::kMillisecond);
 
-// The search for one party's highest rate: doubling until answers are lost, then halving the gap.
+// The search for one party's highest rate: doubling (or halving, where the first is too fast) until
+// a rate that holds and one that does not are known, then narrowing the gap.
 class RateSearch {
   public:
-    bool IsOver() const { return tooFast_ != 0 && tooFast_ / held_ < 1.06; }
+    bool IsOver() const { return held_ != 0 && tooFast_ != 0 && tooFast_ / held_ < 1.06; }
     double Held() const { return held_; }
-    double Next() const { return tooFast_ == 0 ? held_ * 2 : std::sqrt(held_ * tooFast_); }
+    double Next() const {
+        if (held_ == 0) return tooFast_ == 0 ? kFirstRate : tooFast_ / 2;
+        return tooFast_ == 0 ? held_ * 2 : std::sqrt(held_ * tooFast_);
+    }
     void Tell(double rate, bool holds) { (holds ? held_ : tooFast_) = rate; }
 
   private:
-    double held_ = 4000;
+    static constexpr double kFirstRate = 8000;
+    double held_ = 0;
     double tooFast_ = 0;
 };
 
-// Two of three tries without loss. The datagrams are filled up to `size`, so that the socket's buffer holds but
-// a part of them: else it would take the whole burst, and any rate would do.
+// Two of three tries without loss. The datagrams are filled up to `size`, so that the socket's
+// buffer holds but a part of them: else it would take the whole burst, and any rate would do.
 template <class Collect>
 bool Holds(double rate, int size, Collect&& collect) {
     int without = 0, with = 0;
@@ -107,10 +112,15 @@ void SteadyRate(benchmark::State& state) {
     state.counters["ours"] = sweep.Held();
     state.counters["bare"] = bare.Held();
 }
-BENCHMARK(SteadyRate)->ArgName("bytes")->Arg(1472)->Iterations(1)->Repetitions(3)
+BENCHMARK(SteadyRate)
+    ->ArgName("bytes")
+    ->Arg(1472)
+    ->Iterations(1)
+    ->Repetitions(3)
     ->Unit(benchmark::kSecond);
 
-// CPU time of one answer: a sweep of a full table less one that nobody answers, with and without a window.
+// CPU time of one answer: a sweep of a full table less one that nobody answers, with and without a
+// window.
 void CollectionCost(benchmark::State& state) {
     const CpuClock clock;
     const AnswerPlan none = {0, 0, kPlainAnswer};

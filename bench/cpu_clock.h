@@ -15,8 +15,9 @@ inline CpuTimes operator-(const CpuTimes& a, const CpuTimes& b) {
     return {a.program - b.program, a.server - b.server};
 }
 
-// Windows counts a process's CPU time in ticks of 10 or 16 ms. Under Wine, where the system's own counters are
-// in reach as files, it is exact to the microsecond. Reading costs some 100 us: measure batches.
+// Windows counts a process's CPU time in ticks of 10 or 16 ms. Under Wine, where the system's own
+// counters are in reach as files, it is exact to the microsecond. Reading costs some 100 us:
+// measure batches.
 class CpuClock {
   public:
     CpuClock();

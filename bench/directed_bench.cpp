@@ -37,6 +37,8 @@ void DirectedTime(benchmark::State& state) {
     }
     state.counters["ours_us"] = Median(pair.ours);
     state.counters["bare_us"] = Median(pair.bare);
+    state.counters["ours_quartile_us"] = LowerQuartile(pair.ours);
+    state.counters["bare_quartile_us"] = LowerQuartile(pair.bare);
 }
 BENCHMARK(DirectedTime)->UseManualTime()->Iterations(kTurns)->Repetitions(5);
 

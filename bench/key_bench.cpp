@@ -1,5 +1,5 @@
-// One localised key against one plain hash of 1 MiB, by authentication code, in CPU time: each takes milliseconds,
-// in which a busy machine would interrupt it.
+// One localised key against one plain hash of 1 MiB, by authentication code, in CPU time: each
+// takes milliseconds, in which a busy machine would interrupt it.
 #include <benchmark/benchmark.h>
 
 #include <vector>

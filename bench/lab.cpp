@@ -8,7 +8,8 @@ namespace vndiscover {
 namespace {
 
 constexpr uint16_t kControlPort = 9161;
-constexpr DWORD kControlWaitMs = 20000;  // the answerer listens again when it has sent all its answers
+constexpr DWORD kControlWaitMs =
+    20000;  // the answerer listens again when it has sent all its answers
 
 std::string AskAnswerer(const std::string& words) {
     const SOCKET control = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);

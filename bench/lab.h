@@ -7,9 +7,9 @@
 
 namespace vndiscover {
 
-constexpr char kAgent[] = "10.77.1.11";     // a real agent
-constexpr char kAnswerer[] = "10.77.1.2";   // answers sweeps as told, and directed requests at once
-constexpr char kHost[] = "10.77.1.1";       // this host
+constexpr char kAgent[] = "10.77.1.11";    // a real agent
+constexpr char kAnswerer[] = "10.77.1.2";  // answers sweeps as told, and directed requests at once
+constexpr char kHost[] = "10.77.1.1";      // this host
 constexpr char kSysName[] = ".1.3.6.1.2.1.1.5.0";
 
 // What the next sweep is answered with.

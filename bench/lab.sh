@@ -1,7 +1,8 @@
 #!/bin/bash
 # lab.sh BIN: runs the measurements of the programs in BIN inside private-net.sh (scripts/bench.sh starts it).
-# Writes raw results into the current folder. BENCH_FILTER: only the benchmarks that match, nothing
-# else. BENCH_REPETITIONS: of each sweep of the growth, 3 by default.
+# Writes raw results into the current folder; results of groups that are not run again stay.
+#   BENCH_GROUPS       of directed keys library growth collection codec; all by default
+#   BENCH_REPETITIONS  of each sweep of the growth; 3 by default
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 lab=$here/../scripts/lab
@@ -25,30 +26,30 @@ read -r -t 20 word <&3 && [ "$word" = ready ] || { echo "lab.sh: no answerer" >&
 
 Wine() { "$lab/wine-run.sh" host "$@" </dev/null | tr -d '\r'; }
 
-# Group NAME FILTER: benchmarks into NAME.json and NAME.log.
+Wanted() { case " ${BENCH_GROUPS:-directed keys library growth collection codec} " in *" $1 "*) ;; *) return 1 ;; esac }
+# Group NAME FILTER: benchmarks into bench-NAME.json and bench-NAME.log.
 Group() {
+    Wanted "$1" || return 0
     Say "$1"
     Wine "$bin/vndiscover_bench.exe" --benchmark_filter="$2" --benchmark_counters_tabular=true \
-        --benchmark_out="bench-$1.json" --benchmark_out_format=json >"bench-$1.log"
+        --benchmark_out="bench-$1.json" --benchmark_out_format=json >"bench-$1.log" 2>&1
 }
-if [ -n "${BENCH_FILTER:-}" ]; then
-    Group filtered "$BENCH_FILTER"
-    exit 0
-fi
-Group directed '^Directed'
-Group keys '^LocalisedKey'
 
-Say "net-snmp's library on the same agent"
-MIBS='' ip netns exec host "$bin/netsnmp_loop" 10.77.1.11 >netsnmp.json
+Library() {
+    Say "net-snmp's library on the same agent"
+    MIBS='' ip netns exec host "$bin/netsnmp_loop" 10.77.1.11 >netsnmp.json 2>netsnmp.log
+}
 
-# Each in a process of its own. devices keys ('-': not in JSON mode) repetitions
-Say "growth: devices, JSON keys, memory"
-: >probe.jsonl
-while read -r devices keys; do
-    for _ in $(seq "${BENCH_REPETITIONS:-3}"); do
-        Wine "$bin/vndiscover_probe.exe" "$devices" "$keys" >>probe.jsonl
-    done
-done <<'END'
+# Lines "DEVICES KEYS" ('-': not in JSON mode), each a sweep in a process of its own.
+Growth() {
+    Say "growth: devices, JSON keys, memory"
+    : >probe.jsonl
+    local devices keys
+    while read -r devices keys; do
+        for _ in $(seq "${BENCH_REPETITIONS:-3}"); do
+            Wine "$bin/vndiscover_probe.exe" "$devices" "$keys" >>probe.jsonl
+        done
+    done <<'END'
 0 -
 1 -
 10 -
@@ -67,6 +68,11 @@ done <<'END'
 100 10
 100 50
 END
+}
 
+Group directed '^Directed'
+Group keys '^LocalisedKey'
+if Wanted library; then Library; fi
+if Wanted growth; then Growth; fi
 Group collection '^(Burst|CollectionCost|SteadyRate)'
 Group codec '^(EncodeV|DecodeV|One|AuthPriv)'

@@ -1,6 +1,6 @@
-// vndiscover_probe.exe DEVICES KEYS: one sweep in a process of its own, as a host makes it, with DEVICES devices.
-// KEYS: OIDs under "GET" of a JSON request, or "-" for a sweep without one. Prints a line of JSON: times in
-// microseconds, memory in bytes.
+// vndiscover_probe.exe DEVICES KEYS: one sweep in a process of its own, as a host makes it, with
+// DEVICES devices. KEYS: OIDs under "GET" of a JSON request, or "-" for a sweep without one. Prints
+// a line of JSON: times in microseconds, memory in bytes.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -69,14 +69,20 @@ HMODULE MeasureLoading(Loading& loading) {
     return module;
 }
 
+template <class Function>
+Function Find(HMODULE module, const char* name) {
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
 int Run(int devices, const char* keys) {
     const HWND window = MakeWindow();
     const uint64_t bareBytes = ResidentBytes();
     Loading loading = {};
     const HMODULE module = MeasureLoading(loading);
-    const auto discover = reinterpret_cast<decltype(&DiscoverDevicesByOIDjson)>(
-        reinterpret_cast<void*>(GetProcAddress(module, "DiscoverDevicesByOIDjson")));
-    if (!discover) return 1;
+    const auto discover = Find<decltype(&DiscoverDevices)>(module, "DiscoverDevices");
+    const auto discoverJson =
+        Find<decltype(&DiscoverDevicesByOIDjson)>(module, "DiscoverDevicesByOIDjson");
+    if (!discover || !discoverJson) return 1;
     const bool isJson = std::strcmp(keys, "-") != 0;
     const std::wstring request = JsonRequest(std::atoi(keys));
     PlanAnswers({devices, kAnswersPerSecond, kPlainAnswer});
@@ -85,15 +91,20 @@ int Run(int devices, const char* keys) {
     const uint64_t beforeSweep = ResidentBytes();
     const CpuTimes began = clock.Now();
     const double elapsed = MicrosecondsOf([&] {
-        discover(window, kMessage, 0, 0, isJson ? request.c_str() : nullptr, nullptr, nullptr,
-                 nullptr);
+        if (isJson) {
+            discoverJson(window, kMessage, 0, 0, request.c_str(), nullptr, nullptr, nullptr);
+        } else {
+            discover(window, kMessage, 0, 0, nullptr, nullptr, nullptr);
+        }
     });
     const CpuTimes spent = clock.Now() - began;
     const uint64_t afterSweep = ResidentBytes();
     std::printf(
-        "{\"devices\": %d, \"keys\": %d, \"delivered\": %d, \"elapsed_us\": %.0f, \"cpu_us\": %.0f, "
+        "{\"devices\": %d, \"keys\": %d, \"delivered\": %d, \"elapsed_us\": %.0f, \"cpu_us\": "
+        "%.0f, "
         "\"server_cpu_us\": %.0f, \"answering_us\": %lld, \"bare_bytes\": %llu, "
-        "\"loaded_bytes\": %llu, \"swept_bytes\": %lld, \"first_load_us\": %.1f, \"load_us\": %.1f, "
+        "\"loaded_bytes\": %llu, \"swept_bytes\": %lld, \"first_load_us\": %.1f, \"load_us\": "
+        "%.1f, "
         "\"unload_us\": %.1f}\n",
         devices, isJson ? std::atoi(keys) : -1, g_delivered, elapsed, spent.program, spent.server,
         static_cast<long long>(AnsweringTimeUs()), static_cast<unsigned long long>(bareBytes),
