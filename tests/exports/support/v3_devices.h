@@ -38,6 +38,13 @@ inline V3Datagram V3ReportFields() {
         0xA8, BindingTlv(OidContent(".1.3.6.1.6.3.15.1.1.4.0"), Tlv(0x41, {1})), report.engineId);
     return report;
 }
+// One that names no engine, so that nothing is known of the device.
+inline Bytes V3NamelessReport() {
+    V3Datagram report = V3ReportFields();
+    report.engineId = {};
+    report.boots = report.time = 0;
+    return report.Build();
+}
 inline Bytes V3Report() { return V3ReportFields().Build(); }
 
 // A request without authentication and privacy to a device whose engine is that of V3Report().
@@ -46,6 +53,17 @@ inline Bytes V3Request(const std::string& oid, uint8_t pduType = 0xA0) {
     request.msgMaxSize = 65536;
     request.flagsTlv = Tlv(0x04, {0x04});
     request.scopedTlv = ScopedPduTlv(pduType, BindingTlv(OidContent(oid), {0x05, 0x00}));
+    return request.Build();
+}
+
+// What goes out instead while the device's engine is not known: a probe that names the OID.
+inline Bytes V3ProbeFor(const std::string& oid) {
+    V3Datagram request;
+    request.msgMaxSize = 65536;
+    request.flagsTlv = Tlv(0x04, {0x04});
+    request.engineId = request.user = {};
+    request.boots = request.time = 0;
+    request.scopedTlv = ScopedPduTlv(0xA0, BindingTlv(OidContent(oid), {0x05, 0x00}));
     return request.Build();
 }
 
