@@ -265,9 +265,10 @@ VN_API int32_t GetSnmpInformation(const char* host, char* value, const char* rea
  * @param host          Device address as text; with a ':' it is IPv6. Null: nothing is sent, 0.
  * @param oid           Dotted text.
  * @param value         Receives the text and its zero byte; may be null: nothing is written. Written
- *                      only when an answer of the expected type came. An INTEGER is written as an
- *                      unsigned decimal number (11 bytes suffice), an OCTET STRING up to its first
- *                      zero byte.
+ *                      only when an answer of the expected type came. The bytes of an
+ *                      INTEGER are put together without sign extension and written as a signed 32-bit
+ *                      decimal number: one byte 0xFF gives "255", four give "-1"; 12 bytes suffice. An
+ *                      OCTET STRING is written up to its first zero byte.
  * @param valueSize     Size of value in bytes; VN_REQUEST_VALUE_SIZE suffices. A text that does not
  *                      fit is a caller's fault: value becomes "" and the C runtime's invalid-parameter
  *                      handler is called, which by default ends the process on some runtimes.
