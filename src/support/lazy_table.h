@@ -29,7 +29,8 @@ class LazyTable {
         if (!pages_) pages_.emplace(sizeof(Entry) * size_t{Capacity});
     }
 
-    // The entry to fill; throws std::bad_alloc; index is at most the count of entries filled so far, below Capacity.
+    // The entry to fill; index is at most the count of entries filled so far, below Capacity. Throws
+    // std::bad_alloc where the room was not reserved.
     Entry& ToFill(uint32_t index) {
         if (index == constructed_) {
             Reserve();
