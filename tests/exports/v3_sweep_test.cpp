@@ -162,13 +162,14 @@ TEST_P(V3Level, ShowsInTheRequest) {
     EXPECT_TRUE(same(macEnd, content.size())) << testing::PrintToString(asked);
 }
 
+V3User PlainUser(BYTE usePriv) { return {L"user", 0, usePriv}; }
 V3User AuthUser(const wchar_t* protocol) { return {L"user", 1, 0, protocol}; }
 V3User PrivUser(const wchar_t* auth, const wchar_t* priv) { return {L"user", 1, 1, auth, priv}; }
 
 INSTANTIATE_TEST_SUITE_P(
     Labels, V3Level,
-    testing::Values(LevelCase{"NoSecurity", {}, 0x04, 0, ""},
-                    LevelCase{"PrivacyWithoutAuthentication", {L"user", 0, 1}, 0x04, 0, ""},
+    testing::Values(LevelCase{"NoSecurity", PlainUser(0), 0x04, 0, ""},
+                    LevelCase{"PrivacyWithoutAuthentication", PlainUser(1), 0x04, 0, ""},
                     LevelCase{"Md5", AuthUser(L"md5"), 0x05, 12, ""},
                     LevelCase{"Sha1", AuthUser(L"sha1"), 0x05, 12, ""},
                     LevelCase{"Sha224", AuthUser(L"Sha-2(224)"), 0x05, 16, ""},
