@@ -1,0 +1,71 @@
+"""A real WS-Discovery responder (wsdd), found by vndiscover.exe."""
+
+import json
+import os
+import re
+import subprocess
+import time
+import unittest
+from xml.etree import ElementTree
+
+SCRIPTS = os.environ["VNDISCOVER_LAB_SCRIPTS"]
+PROGRAM = [SCRIPTS + "/wine-run.sh", "host", os.environ["VNDISCOVER_BIN"] + "/vndiscover.exe"]
+NAMES = {"neta": ("10.77.1.2", "PRINTER1"), "netb": ("10.77.2.2", "PRINTER2")}
+PORTS = ((":0E76 ", "udp"), (":14ED ", "tcp"))  # 3702 and, opened last, 5357, as the system lists them
+
+
+def run(*arguments):
+    done = subprocess.run(PROGRAM + list(arguments), stdin=subprocess.DEVNULL, capture_output=True, timeout=120,
+                          check=False)
+    return done.returncode, done.stdout.decode().replace("\r\n", "\n"), done.stderr.decode()
+
+
+def listed(net, protocol):
+    return subprocess.run(["nsenter", f"--net=/run/netns/{net}", "cat", f"/proc/net/{protocol}"], capture_output=True,
+                          check=True, text=True).stdout
+
+
+def start_responder(net):
+    subprocess.Popen(["ip", "netns", "exec", net, "wsdd", "-4", "-i", "eth0", "-n", NAMES[net][1]],
+                     stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    for _ in range(400):
+        if all(port in listed(net, protocol) for port, protocol in PORTS):
+            return
+        time.sleep(0.05)
+    raise RuntimeError("wsdd does not start")
+
+
+class RealResponder(unittest.TestCase):
+    def test_devices_on_every_network_are_found(self):
+        code, out, err = run("wsd", "--timeout", "3000", "--format", "json")
+        self.assertEqual(0, code, err)
+        devices = json.loads(out)
+        self.assertEqual([address for address, _ in NAMES.values()], [device["address"] for device in devices])
+        for device in devices:
+            self.assertEqual(["wsdp:Device", "pub:Computer"], device["types"])
+            self.assertRegex(device["endpoint"], r"^urn:uuid:[0-9a-f-]{36}$")
+            self.assertEqual(2, device["replies"])  # the responder repeats each reply, as UDP may lose one
+
+    def test_raw_replies_come_as_the_responder_sent_them(self):
+        code, out, err = run("wsd", "--timeout", "3000", "--raw")
+        self.assertEqual(0, code, out + err)
+        replies = re.findall(r"^== (\S+), (\d+) bytes\n(.*)$", out, re.M)
+        self.assertEqual(["10.77.1.2"] * 2 + ["10.77.2.2"] * 2, [address for address, _, _ in replies])
+        self.assertEqual(replies[0], replies[1])
+        self.assertEqual(replies[2], replies[3])
+        for _, size, reply in replies:
+            self.assertEqual(int(size), len(reply.encode()))
+            self.assertEqual("Envelope", ElementTree.fromstring(reply.encode()).tag.rpartition("}")[2])
+
+    def test_a_type_that_nobody_has_finds_nobody(self):
+        code, out, err = run("wsd", "--timeout", "1000", "--types", "wsdp:Nothing", "--format", "json")
+        self.assertEqual((1, "[]\n"), (code, out), err)
+
+
+if __name__ == "__main__":
+    subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
+    for last in range(11, 16):  # one address for each responder
+        subprocess.run(["ip", "-n", "neta", "addr", "del", f"10.77.1.{last}/24", "dev", "eth0"], check=True)
+    for network in NAMES:
+        start_responder(network)
+    unittest.main()
