@@ -1,11 +1,12 @@
-// What the module makes of lines on standard input, for differential_test.py. One line out for each line in:
+// What the module makes of lines on standard input, for differential_test.py. One line out for each
+// line in:
 //     v1 PDU COMMUNITY OID TAG HEX            the datagram that the codec builds
 //     v3 PDU USER AUTH PRIV ENGINE OID        likewise; AUTH and PRIV are protocol codes
 //     decode AUTH PRIV ENGINE HEX             the bindings that the version-3 codec reads
 //     get HOST OID | next HOST OID | set HOST OID TAG HEX       through VnDiscover.dll
 //     getv3 HOST OID USER AUTH PRIV | nextv3 HOST OID USER AUTH PRIV
-// Bindings are "OID-HEX TAG VALUE-HEX", numbers decimal, "-" stands for no bytes. Passwords are authpass1 and
-// privpass1.
+// Bindings are "OID-HEX TAG VALUE-HEX", numbers decimal, "-" stands for no bytes. Passwords are
+// authpass1 and privpass1.
 #include <cstdio>
 #include <iostream>
 #include <sstream>
@@ -22,8 +23,8 @@ namespace {
 constexpr char kCommunity[] = "secret";
 constexpr char kAuthPassword[] = "authpass1";
 constexpr char kPrivPassword[] = "privpass1";
-const wchar_t* const kAuthLabels[] = {L"",         VN_AUTH_MD5,    VN_AUTH_SHA1,  VN_AUTH_SHA224,
-                                      VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
+const wchar_t* const kAuthLabels[] = {
+    L"", VN_AUTH_MD5, VN_AUTH_SHA1, VN_AUTH_SHA224, VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
 const wchar_t* const kPrivLabels[] = {L"", VN_PRIV_DES, VN_PRIV_AES};
 
 std::string ToHex(const uint8_t* bytes, size_t count) {
@@ -70,8 +71,8 @@ std::string BuildV1(Words words) {
     VarBindList list;
     SetVarBindList(&binding, 1, list);
     uint8_t message[kMaxMessageSize];
-    const int32_t length = BuildSnmpMessage(message, sizeof message, community.c_str(), pduType,
-                                            kRequestId, list);
+    const int32_t length =
+        BuildSnmpMessage(message, sizeof message, community.c_str(), pduType, kRequestId, list);
     return ToHex(message, static_cast<size_t>(length));
 }
 
@@ -104,9 +105,9 @@ std::string DecodeV3(Words words) {
     const VarBindList& list = message.Bindings();
     for (int32_t i = 0; i < list.count; ++i) {
         const VarBindRecord& binding = list.bindings[i];
-        text += (i == 0 ? "" : " ") + BindingText(binding.name, binding.nameLength,
-                                                  binding.valueTag, binding.value,
-                                                  binding.valueLength);
+        text +=
+            (i == 0 ? "" : " ") + BindingText(binding.name, binding.nameLength, binding.valueTag,
+                                              binding.value, binding.valueLength);
     }
     return text;
 }
@@ -127,20 +128,20 @@ std::string Ask(const Module& module, const std::string& kind, Words words) {
         return RecordText(record);
     }
     if (kind == "get") {
-        const int32_t length = module.GetSnmpRequestRaw(host.c_str(), oid.c_str(), value,
-                                                        sizeof value, &type, 0, 0, kCommunity,
-                                                        nullptr);
-        return std::to_string(type) + ' ' + ToHex(value, length > 0 ? static_cast<size_t>(length) : 0);
+        const int32_t length = module.GetSnmpRequestRaw(
+            host.c_str(), oid.c_str(), value, sizeof value, &type, 0, 0, kCommunity, nullptr);
+        return std::to_string(type) + ' ' +
+               ToHex(value, length > 0 ? static_cast<size_t>(length) : 0);
     }
     if (kind == "set") {
         type = words.Number();
         const Bytes content = words.Content();
         std::copy(content.begin(), content.end(), value);
-        const int32_t length =
-            module.SetSnmpRequestRaw(host.c_str(), oid.c_str(), value,
-                                     static_cast<int32_t>(content.size()), &type, 0, 0, nullptr,
-                                     kCommunity);
-        return std::to_string(type) + ' ' + ToHex(value, length > 0 ? static_cast<size_t>(length) : 0);
+        const int32_t length = module.SetSnmpRequestRaw(host.c_str(), oid.c_str(), value,
+                                                        static_cast<int32_t>(content.size()), &type,
+                                                        0, 0, nullptr, kCommunity);
+        return std::to_string(type) + ' ' +
+               ToHex(value, length > 0 ? static_cast<size_t>(length) : 0);
     }
     const std::string name = words.Text();
     const std::wstring user(name.begin(), name.end());

@@ -43,8 +43,8 @@ class DirectedCalls {
             }
             default:
                 type = VN_TYPE_OCTET_STRING;
-                CheckLength(module_.SetSnmpRequestRaw(host_, kDefaultOid, set_.Fresh<uint8_t>(), 100,
-                                                      &type, 0, 0, nullptr, nullptr));
+                CheckLength(module_.SetSnmpRequestRaw(host_, kDefaultOid, set_.Fresh<uint8_t>(),
+                                                      100, &type, 0, 0, nullptr, nullptr));
         }
     }
 

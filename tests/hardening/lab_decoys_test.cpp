@@ -1,5 +1,5 @@
-// Files under the names of system libraries, in the folder of the host's program and in the current one: an
-// installer runs from a download folder, where anybody may have put them.
+// Files under the names of system libraries, in the folder of the host's program and in the current
+// one: an installer runs from a download folder, where anybody may have put them.
 #include <string>
 
 #include "exports/support/lab_test.h"

@@ -1,5 +1,5 @@
-// What can go wrong on the host's own side while the module works: its window, its disk, its adapters, its
-// memory and sockets, and a network that floods it.
+// What can go wrong on the host's own side while the module works: its window, its disk, its
+// adapters, its memory and sockets, and a network that floods it.
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -40,9 +40,7 @@ void Ip(const std::string& commands) {
 
 class HostTest : public LabTest {
   protected:
-    void TwoDevicesIn(const std::string& net) {
-        DeviceIn(net, {{SnmpText("A")}, {SnmpText("B")}});
-    }
+    void TwoDevicesIn(const std::string& net) { DeviceIn(net, {{SnmpText("A")}, {SnmpText("B")}}); }
     QuickWaits waits{module};
 };
 
@@ -60,8 +58,8 @@ TEST_F(Floods, FromManySendersFillTheTableAndEndTheSweep) {
     Sweep();
     ASSERT_EQ(8192u + 1, window.results.size());
     for (int i = 0; i < 8192; i += 3) {  // each sender is told apart and keeps its value
-        const std::string expected = answers[static_cast<size_t>(i / 3)].from + "=Model " +
-                                     std::to_string(i / 3);
+        const std::string expected =
+            answers[static_cast<size_t>(i / 3)].from + "=Model " + std::to_string(i / 3);
         ASSERT_EQ(expected, window.Texts()[static_cast<size_t>(i)]);
         if (i > 300) break;
     }
@@ -186,16 +184,17 @@ TEST_F(Exhausted, SocketsEndEveryCallAtOnce) {
         Sweep();
         module.DiscoverSoap(window.Handle(), window.kMessage, 5000, "x", 1);
         EXPECT_THAT(window.Texts(), ElementsAre("end", "end"));
-        EXPECT_EQ(-1, module.GetSnmpRequestRaw("10.77.1.2", kSysName,
-                                               reinterpret_cast<uint8_t*>(value), 256, &type, 0, 0,
-                                               nullptr, nullptr));
+        EXPECT_EQ(-1,
+                  module.GetSnmpRequestRaw("10.77.1.2", kSysName, reinterpret_cast<uint8_t*>(value),
+                                           256, &type, 0, 0, nullptr, nullptr));
         EXPECT_EQ(0, module.GetSnmpInformation("10.77.1.2", value, nullptr, nullptr));
         EXPECT_LE(NowMs() - started, 5000);
     }
     EXPECT_EQ(1, module.GetSnmpInformation("10.77.1.2", value, nullptr, nullptr));
 }
 
-// Lets VirtualAlloc of the whole process fail while the object lives: its code becomes `xor eax,eax; ret`.
+// Lets VirtualAlloc of the whole process fail while the object lives: its code becomes `xor
+// eax,eax; ret`.
 class NoPages {
   public:
     NoPages() : code_(Address()) {
@@ -243,7 +242,8 @@ TEST(ExhaustedAtLoad, MemoryLeavesAModuleThatDoesNothing) {
 
 class ReceiveErrors : public HostTest {};
 
-// For 3 s of a sweep each: what Windows reports after an ICMP "port unreachable", and some of its kin.
+// For 3 s of a sweep each: what Windows reports after an ICMP "port unreachable", and some of its
+// kin.
 TEST_F(ReceiveErrors, ThatRecurNeitherEndNorSpinASweep) {
     SilentDevices();
     for (const int error : {WSAECONNRESET, WSAENETRESET, WSAENETDOWN}) {

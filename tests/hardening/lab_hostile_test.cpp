@@ -100,7 +100,8 @@ class HostileNetwork : public testing::Test {
     DirectedCalls calls{module, "10.77.1.2"};
 };
 
-// VNDISCOVER_HOSTILE_ANSWERS: how many to go through; VNDISCOVER_HOSTILE_SEED: where the mutations start.
+// VNDISCOVER_HOSTILE_ANSWERS: how many to go through; VNDISCOVER_HOSTILE_SEED: where the mutations
+// start.
 TEST_F(HostileNetwork, HarmsNobodyWithMutatedAnswers) {
     const unsigned long wanted = Setting("VNDISCOVER_HOSTILE_ANSWERS", 5000);
     const unsigned long seed = Setting("VNDISCOVER_HOSTILE_SEED", 1);

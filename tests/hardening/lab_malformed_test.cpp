@@ -71,9 +71,7 @@ TEST_F(MalformedAnswers, ToRequestsOfVersion3) {
     const Bytes answer = V3Datagram().Build();
     const Bytes *first = nullptr, *second = nullptr;
     int asked = 0;
-    Devices([&](const Request&) {
-        return std::vector<Answer>{{asked++ == 0 ? *first : *second}};
-    });
+    Devices([&](const Request&) { return std::vector<Answer>{{asked++ == 0 ? *first : *second}}; });
     int number = 0;
     const auto exchange = [&](const Bytes& one, const Bytes& other) {
         first = &one;

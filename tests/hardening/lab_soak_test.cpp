@@ -86,7 +86,8 @@ void UseEverything(const ResultWindow& window, int round) {
     const HWND host = window.Handle();
     const UINT message = window.kMessage;
     module.DiscoverDevices(host, message, 0, 0, L"devices.csv", nullptr, nullptr);
-    module.DiscoverDevicesByOID(host, message, 0, 1, L".1.3.6.1.2.1.1.5.0", nullptr, nullptr, nullptr);
+    module.DiscoverDevicesByOID(host, message, 0, 1, L".1.3.6.1.2.1.1.5.0", nullptr, nullptr,
+                                nullptr);
     module.DiscoverDevicesByOIDjson(host, message, 0, 0, kJson, nullptr, nullptr, nullptr);
     module.DiscoverSnmpV3(host, message, 0, 0, L"user", 0, nullptr, 0, nullptr, nullptr, nullptr);
     module.DiscoverSoap(host, message, 0, "probe", 5);
@@ -112,8 +113,8 @@ void UseEverything(const ResultWindow& window, int round) {
 
 class Soak : public testing::Test {};
 
-// Behind some rounds that fill the caches of the system. A leak of one object shows, and one of a few
-// hundred bytes a round.
+// Behind some rounds that fill the caches of the system. A leak of one object shows, and one of a
+// few hundred bytes a round.
 TEST_F(Soak, LeavesNothingBehind) {
     const Bytes report = [] {
         V3Datagram datagram;
@@ -142,12 +143,13 @@ TEST_F(Soak, LeavesNothingBehind) {
     const int64_t started = NowMs();
     run(rounds);
     const Usage after = Now();
-    std::printf("%d rounds with %zu messages in %lld ms: handles %zu to %zu, sockets %zu to %zu, "
-                "GDI %lu to %lu, USER %lu to %lu, heap bytes %zu to %zu, private bytes %zu to %zu\n",
-                rounds, results, static_cast<long long>(NowMs() - started), before.handles,
-                after.handles, before.sockets, after.sockets, before.gdiObjects, after.gdiObjects,
-                before.userObjects, after.userObjects, before.heapBytes, after.heapBytes,
-                before.privateBytes, after.privateBytes);
+    std::printf(
+        "%d rounds with %zu messages in %lld ms: handles %zu to %zu, sockets %zu to %zu, "
+        "GDI %lu to %lu, USER %lu to %lu, heap bytes %zu to %zu, private bytes %zu to %zu\n",
+        rounds, results, static_cast<long long>(NowMs() - started), before.handles, after.handles,
+        before.sockets, after.sockets, before.gdiObjects, after.gdiObjects, before.userObjects,
+        after.userObjects, before.heapBytes, after.heapBytes, before.privateBytes,
+        after.privateBytes);
     EXPECT_EQ(before.handles, after.handles);
     EXPECT_EQ(before.sockets, after.sockets);
     EXPECT_EQ(before.gdiObjects, after.gdiObjects);

@@ -41,21 +41,21 @@ bool Parse(const Bytes& bytes, std::vector<Node>& nodes) {
         const auto begin = bytes.begin() + static_cast<std::ptrdiff_t>(at);
         node.content.assign(begin, begin + static_cast<std::ptrdiff_t>(length));
         at += length;
-        const bool constructed = (node.tag & 0x20) != 0 ||
-                                 (node.tag == 0x04 && length > 2 && node.content[0] == 0x30);
+        const bool constructed =
+            (node.tag & 0x20) != 0 || (node.tag == 0x04 && length > 2 && node.content[0] == 0x30);
         if (!constructed || !Parse(node.content, node.children)) node.children.clear();
         nodes.push_back(std::move(node));
     }
     return true;
 }
 
-// Encodes a tree with one node edited. Written from its end, so that every length is known when its header's
-// turn comes.
+// Encodes a tree with one node edited. Written from its end, so that every length is known when its
+// header's turn comes.
 class Editor {
   public:
     using Edit = std::function<Bytes(uint8_t tag, const Bytes& content)>;
-    // The node of that number is replaced by what `edit` gives. Its new size counts in the lengths around it,
-    // or its old one does.
+    // The node of that number is replaced by what `edit` gives. Its new size counts in the lengths
+    // around it, or its old one does.
     Editor(int number, bool adaptsLengths, const Edit& edit)
         : number_(number), adaptsLengths_(adaptsLengths), edit_(edit) {}
 
@@ -127,8 +127,8 @@ void EditEach(const Bytes& good, const UseDatagram& use, const Editor::Edit& edi
 
 // The hostile lengths of a value whose content has that size; an index beyond them gives none.
 Bytes LengthForm(size_t index, size_t size) {
-    const uint64_t lengths[] = {0,      1,           127,          128,      255,
-                                0xFFFF, 0x7FFFFFFFu, 0xFFFFFFFFu, size + 1, size != 0 ? size - 1 : 0};
+    const uint64_t lengths[] = {
+        0, 1, 127, 128, 255, 0xFFFF, 0x7FFFFFFFu, 0xFFFFFFFFu, size + 1, size != 0 ? size - 1 : 0};
     const size_t kForms = 7;  // short, 1 to 5 bytes, and 126 bytes
     if (index == 0) return {0x80};
     if (index == 1) return {0xFF};
@@ -158,9 +158,7 @@ Bytes Wrapped(const Bytes& inner, int depth) {
 }
 
 void SwapNeighbours(Node& node, const Node& root, const UseDatagram& use) {
-    const auto emit = [&] {
-        use(Editor(-1, true, nullptr).Encode(root));
-    };
+    const auto emit = [&] { use(Editor(-1, true, nullptr).Encode(root)); };
     for (size_t i = 0; i + 1 < node.children.size(); ++i) {
         std::swap(node.children[i], node.children[i + 1]);
         emit();
@@ -180,9 +178,9 @@ void WithEveryLength(const Bytes& good, const UseDatagram& use) {
 }
 
 void WithSwappedTags(const Bytes& good, const UseDatagram& use) {
-    for (const int other : {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x1F, 0x24, 0x30, 0x31, 0x3F,
-                            0x40, 0x41, 0x42, 0x43, 0x44, 0x46, 0x80, 0x81, 0x82, 0xA0, 0xA1, 0xA2,
-                            0xA3, 0xA4, 0xA5, 0xA6, 0xA7, 0xA8, 0xFF}) {
+    for (const int other : {0x00, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x1F, 0x24, 0x30, 0x31,
+                            0x3F, 0x40, 0x41, 0x42, 0x43, 0x44, 0x46, 0x80, 0x81, 0x82, 0xA0,
+                            0xA1, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7, 0xA8, 0xFF}) {
         EditEach(good, use, [other](uint8_t, const Bytes& content) {
             return Header(static_cast<uint8_t>(other), content.size()) + content;
         });

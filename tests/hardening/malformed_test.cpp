@@ -1,5 +1,5 @@
-// What the decoders make of every malformed relative of a good answer. Each lies in a heap block of exactly
-// its size, so that the sanitizers of the native build see a read beyond its end.
+// What the decoders make of every malformed relative of a good answer. Each lies in a heap block of
+// exactly its size, so that the sanitizers of the native build see a read beyond its end.
 #include "hardening/malformed.h"
 
 #include <gtest/gtest.h>
@@ -18,10 +18,13 @@
 namespace vndiscover {
 namespace {
 
+// All of it is for the sanitizers of the native build; a part also runs as the code is shipped.
 #ifdef _WIN32
-constexpr int kNestingStep = 50;  // the sanitizers look at the rest
+constexpr int kNestingStep = 50;
+constexpr bool kPartOnly = true;
 #else
 constexpr int kNestingStep = 1;
+constexpr bool kPartOnly = false;
 #endif
 
 void Report(const char* what, int count) { std::printf("%s: %d datagrams\n", what, count); }
@@ -89,8 +92,7 @@ class V3Reader {
         message.privFlag = protocols_.priv != kPrivNone;
         ExactBlock block(datagram);
         try {
-            const int32_t length =
-                ReadMessage(message, keys_, crypto_, block.Data(), block.Size());
+            const int32_t length = ReadMessage(message, keys_, crypto_, block.Data(), block.Size());
             EXPECT_GT(length, 0);
             EXPECT_LE(length, block.Size());
         } catch (const AsnDecodeError&) {
@@ -135,8 +137,9 @@ class V3Reader {
 
 TEST(Malformed, V3AnswersStayWithinTheirBindings) {
     int count = 0;
-    for (const Protocols protocols : {Protocols{kAuthNone, kPrivNone}, {kAuthSha1, kPrivNone},
-                                      {kAuthSha512, kPrivAes}}) {
+    for (const Protocols protocols :
+         {Protocols{kAuthNone, kPrivNone}, {kAuthSha1, kPrivNone}, {kAuthSha512, kPrivAes}}) {
+        if (kPartOnly && protocols.auth != kAuthNone) continue;
         V3Reader reader(protocols);
         const Bytes good = reader.Wrap(ScopedTextTlv("value"));
         ASSERT_EQ(1, reader.Read(good));
@@ -150,12 +153,12 @@ TEST(Malformed, V3AnswersStayWithinTheirBindings) {
 TEST(Malformed, V3PlainTextsStayWithinTheirBindings) {
     int count = 0;
     for (const Protocols protocols : {Protocols{kAuthMd5, kPrivDes}, {kAuthSha256, kPrivAes}}) {
+        if (kPartOnly && protocols.priv == kPrivDes) continue;
         V3Reader reader(protocols);
         const Bytes good = ScopedTextTlv("value");
         ASSERT_EQ(1, reader.Read(reader.Wrap(good)));
-        count += EveryMalformed(good, 47, [&](const Bytes& scoped) {
-            reader.Read(reader.Wrap(scoped));
-        });
+        count += EveryMalformed(good, 47,
+                                [&](const Bytes& scoped) { reader.Read(reader.Wrap(scoped)); });
     }
     Report("v3 plain texts", count);
 }
