@@ -82,7 +82,7 @@ Usage Now() {
 // Every export once, over a device that answers all of it.
 void UseEverything(const ResultWindow& window, int round) {
     const Module module;
-    const QuickWaits waits(module, 15);
+    const QuickWaits waits(module, 8);
     const HWND host = window.Handle();
     const UINT message = window.kMessage;
     module.DiscoverDevices(host, message, 0, 0, L"devices.csv", nullptr, nullptr);
