@@ -60,7 +60,11 @@ class V3DirectedBase : public Base {
     const int32_t reportLength = static_cast<int32_t>(V3Report().size());
 };
 
-class V3DirectedTest : public V3DirectedBase<QuickLabTest> {};
+// Waits last as long as ever: nearly all of these exchanges are answered, on a busy machine late.
+class V3DirectedTest : public V3DirectedBase<LabTest> {
+  protected:
+    Waits waits{module, Waits::kReal};
+};
 
 class V3Get : public V3DirectedTest {};
 
@@ -143,6 +147,7 @@ TEST_F(V3GetNext, FillsTheRecordWithTheVariableThatFollows) {
     EXPECT_EQ(reportLength, GetNext(&record));
     EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Request(kSysName, 0xA1)));
     EXPECT_STREQ(kHost, record.address);
+    ASSERT_LE(record.oidLength, VN_OID_SIZE) << "no variable";
     EXPECT_EQ(VN_TYPE_OCTET_STRING, record.valueType);
     EXPECT_EQ(3u, record.valueLength);
     EXPECT_EQ(TextBytes(value) + Bytes{0}, Bytes(record.value, record.value + 4));
@@ -155,7 +160,7 @@ TEST_F(V3GetNext, TakesEveryType) {
         const Bytes value = tag == 0x05 || tag == 0x82 ? Bytes() : Bytes{1, 2, 3, 4};
         DeviceWithValue(V3AnswerFields(Tlv(tag, value)).Build());
         EXPECT_EQ(reportLength, GetNext(&record));
-        EXPECT_EQ(tag, record.valueType);
+        ASSERT_EQ(tag, record.valueType);
         EXPECT_EQ(value, Bytes(record.value, record.value + record.valueLength));
     }
 }
@@ -251,7 +256,6 @@ TEST_F(V3DirectedWays, AnIPv6HostWithoutAnAnswerIsReachedFromTheSecondAddress) {
 
 TEST_F(V3DirectedWays, ASilentDeviceCostsTwoSeconds) {
     SilentDevices();
-    const Waits real(module, Waits::kReal);
     const int64_t started = NowMs();
     EXPECT_EQ(0, Get());
     EXPECT_THAT(NowMs() - started, AllOf(Ge(1900), Le(6000)));
