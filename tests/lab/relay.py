@@ -122,6 +122,7 @@ class Relay:
             own = "10.77.1.2" if net == "neta" else "10.77.2.2"
             self.open(net, socket.AF_INET, WSD_PORT).join(WSD_GROUP, own)
         enter("host")
+        self.open("host", socket.AF_INET6, SNMP_PORT)  # would hear multicasts that are looped back
         # What leaves from the loopback address stays on the host.
         self.open("host", socket.AF_INET, WSD_PORT).join(WSD_GROUP, "127.0.0.1")
         self.by_socket = {port.socket: port for port in self.ports.values()}
