@@ -29,6 +29,7 @@ WSD_PORT = 3702
 WSD_GROUP = "239.255.255.250"
 NETS = ("neta", "netb")
 IP_PKTINFO = 8
+SO_TIMESTAMPNS = 35
 CLONE_NEWNET = 0x40000000
 LARGEST = 65535
 
@@ -50,6 +51,7 @@ class Port:
         self.socket = socket.socket(family, socket.SOCK_DGRAM)
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_BROADCAST, 1)
+        self.socket.setsockopt(socket.SOL_SOCKET, SO_TIMESTAMPNS, 1)
         if family == socket.AF_INET:
             self.socket.setsockopt(socket.IPPROTO_IP, IP_PKTINFO, 1)
             self.socket.bind(("", port))
@@ -64,14 +66,17 @@ class Port:
                                socket.inet_aton(group) + socket.inet_aton(interface))
 
     def receive(self):
-        """One queued datagram as (local ip, sender, bytes), or None."""
+        """One queued datagram as (arrival, local ip, sender, bytes), or None."""
         try:
-            data, ancillary, _, sender = self.socket.recvmsg(LARGEST, 128, socket.MSG_DONTWAIT)
+            data, ancillary, _, sender = self.socket.recvmsg(LARGEST, 256, socket.MSG_DONTWAIT)
         except BlockingIOError:
             return None
-        info = ancillary[0][2]
-        local = info[8:12] if self.family == socket.AF_INET else info[:16]
-        return socket.inet_ntop(self.family, local), sender, data
+        for level, _, info in ancillary:
+            if level == socket.SOL_SOCKET:
+                arrival = struct.unpack("=qq", info)
+            else:
+                local = info[8:12] if self.family == socket.AF_INET else info[:16]
+        return arrival, socket.inet_ntop(self.family, local), sender, data
 
     def send(self, source, ip, port, data):
         if self.family == socket.AF_INET:
@@ -125,7 +130,7 @@ class Relay:
         self.open("host", socket.AF_INET6, SNMP_PORT)  # would hear multicasts that are looped back
         # What leaves from the loopback address stays on the host.
         self.open("host", socket.AF_INET, WSD_PORT).join(WSD_GROUP, "127.0.0.1")
-        self.by_socket = {port.socket: port for port in self.ports.values()}
+        self.sockets = [port.socket for port in self.ports.values()]
         self.listener = socket.create_server(("127.0.0.1", RELAY_PORT))
         self.test = None
         self.text = b""
@@ -154,23 +159,34 @@ class Relay:
         except (AttributeError, OSError):
             pass  # no test, or one that has ended
 
-    def forward(self, port):
+    def take(self, port):
+        """The next datagram of a port as (arrival, line for the test), or None."""
         received = port.receive()
         if not received:
-            return False
-        local, sender, data = received
+            return None
+        arrival, local, sender, data = received
+        ip = sender[0].partition("%")[0]
         if port.auto:
-            port.send(local, sender[0].partition("%")[0], sender[1], port.auto)
-            return True
-        self.tell(f"got {port.net} {local} {port.port} {sender[0].partition('%')[0]} {sender[1]} {data.hex() or '-'}")
-        return True
+            port.send(local, ip, sender[1], port.auto)
+        return arrival, None if port.auto else f"got {port.net} {local} {port.port} {ip} {sender[1]} {data.hex() or '-'}"
+
+    def forward(self):
+        """Tells the test what has arrived, in the order of arrival on whatever network. What arrives meanwhile
+        may be older than what another port has given already, so all ports have to be empty first."""
+        taken = []
+        while True:
+            batch = [datagram for datagram in map(self.take, self.ports.values()) if datagram]
+            if not batch:
+                break
+            taken += batch
+        for _, line in sorted(taken, key=lambda datagram: datagram[0]):
+            if line:
+                self.tell(line)
 
     def obey(self, line):
         words = line.split()
         if words[0] == "sync":
-            for port in self.ports.values():
-                while self.forward(port):
-                    pass
+            self.forward()
             self.tell("synced")
         elif words[0] == "auto":
             answer = None if words[3] == "-" else bytes.fromhex(words[3])
@@ -204,14 +220,15 @@ class Relay:
     def run(self):
         while True:
             wait = max(0, self.bursts[0][0] - time.monotonic()) if self.bursts else None
-            sources = [self.listener, *self.by_socket] + ([self.test] if self.test else [])
-            for readable in select.select(sources, [], [], wait)[0]:
-                if readable is self.listener:
-                    self.accept()
-                elif readable is self.test:
-                    self.hear()
-                elif readable in self.by_socket:
-                    self.forward(self.by_socket[readable])
+            sources = [self.listener, *self.sockets] + ([self.test] if self.test else [])
+            readable = select.select(sources, [], [], wait)[0]
+            if self.listener in readable:
+                self.accept()
+                continue
+            if any(source in self.sockets for source in readable):
+                self.forward()
+            if self.test in readable:
+                self.hear()
             while self.bursts and self.bursts[0][0] <= time.monotonic():
                 burst = heapq.heappop(self.bursts)[2]
                 if burst.run():
