@@ -5,7 +5,7 @@
 
 #include "exports/support/module.h"
 #include "exports/support/snmp_datagrams.h"
-#include "hardening/guarded_buffer.h"
+#include "hardening/edge_buffer.h"
 
 namespace vndiscover {
 
@@ -77,7 +77,7 @@ class DirectedCalls {
         EXPECT_GE(length, -1);
         EXPECT_LE(length, 255);
     }
-    static void CheckText(int32_t length, const GuardedBuffer& buffer) {
+    static void CheckText(int32_t length, const EdgeBuffer& buffer) {
         CheckLength(length);
         EXPECT_TRUE(length <= 0 || buffer.IsText());
     }
@@ -91,10 +91,10 @@ class DirectedCalls {
 
     const Module& module_;
     const char* host_;
-    GuardedBuffer information_{VN_INFORMATION_SIZE};
-    GuardedBuffer value_{VN_REQUEST_VALUE_SIZE};
-    GuardedBuffer record_{sizeof(VnResponseRecord)};
-    GuardedBuffer set_{100};
+    EdgeBuffer information_{VN_INFORMATION_SIZE};
+    EdgeBuffer value_{VN_REQUEST_VALUE_SIZE};
+    EdgeBuffer record_{sizeof(VnResponseRecord)};
+    EdgeBuffer set_{100};
 };
 
 }  // namespace vndiscover

@@ -1,6 +1,10 @@
 #!/bin/bash
 # examples_test.sh HOSTS: runs the example hosts in a lab, one with a real agent on one of its two networks.
 set -euo pipefail
+[ -n "${VNDISCOVER_LAB:-}" ] || { # its sweeps must never leave by the machine's own network
+    echo "examples_test.sh: not in a lab: start it through private-net.sh" >&2
+    exit 2
+}
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 hosts=$1
 lab=$VNDISCOVER_LAB_SCRIPTS

@@ -7,9 +7,9 @@
 
 namespace vndiscover {
 
-class GuardedBuffer {
+class EdgeBuffer {
   public:
-    explicit GuardedBuffer(size_t size) : size_(size) {
+    explicit EdgeBuffer(size_t size) : size_(size) {
         constexpr size_t kPage = 4096;
         const size_t room = (size + kPage - 1) / kPage * kPage;
         base_ = static_cast<char*>(
@@ -18,9 +18,9 @@ class GuardedBuffer {
         VirtualProtect(base_ + room, kPage, PAGE_NOACCESS, &before);
         data_ = base_ + room - size;
     }
-    ~GuardedBuffer() { VirtualFree(base_, 0, MEM_RELEASE); }
-    GuardedBuffer(const GuardedBuffer&) = delete;
-    GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+    ~EdgeBuffer() { VirtualFree(base_, 0, MEM_RELEASE); }
+    EdgeBuffer(const EdgeBuffer&) = delete;
+    EdgeBuffer& operator=(const EdgeBuffer&) = delete;
 
     // Filled with 'u', so that what was written shows.
     template <class Type = char>
