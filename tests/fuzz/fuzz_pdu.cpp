@@ -1,8 +1,10 @@
-// The structured PDU on any input: what is read fits its records, and encoded it reads the same again.
+// The structured PDU on any input: what is read fits its records, and encoded it reads the same
+// again.
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "fuzz/integer_rule.h"
 #include "snmp/asn_decode.h"
 #include "snmp/pdu.h"
 
@@ -41,8 +43,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     EncodePdu(pdu, encoded);
     PduRecord again;
     DecodePdu(again, encoded, 0);
-    if (again.bindings.count != pdu.bindings.count || again.requestId != pdu.requestId ||
-        again.errorStatus != pdu.errorStatus || again.errorIndex != pdu.errorIndex) {
+    if (again.bindings.count != pdu.bindings.count ||
+        again.requestId != fuzz::ReadBack(pdu.requestId) ||
+        again.errorStatus != fuzz::ReadBack(pdu.errorStatus) ||
+        again.errorIndex != fuzz::ReadBack(pdu.errorIndex)) {
         std::abort();
     }
     for (int32_t i = 0; i < pdu.bindings.count; ++i) {
