@@ -11,11 +11,12 @@ constexpr timeval kAnswerWait = {2, 0};
 constexpr timeval kSilence = {2, 0};  // as the module
 
 constexpr uint8_t kSysNameRequest[] = {
-    0x30, 0x26, 2, 1, 0, 4, 6, 's', 'e', 's', 'a', 'm', 'e', 0xA0, 0x19, 2, 1, 1, 2, 1, 0, 2, 1, 0,
-    0x30, 0x0E, 0x30, 0x0C, 6, 8, 0x2B, 6, 1, 2, 1, 1, 5, 0, 5, 0};
+    0x30, 0x26, 2, 1, 0,    4,    6,    's',  'e', 's', 'a',  'm', 'e', 0xA0, 0x19, 2, 1, 1, 2, 1,
+    0,    2,    1, 0, 0x30, 0x0E, 0x30, 0x0C, 6,   8,   0x2B, 6,   1,   2,    1,    1, 5, 0, 5, 0};
 constexpr uint8_t kDiscoveryRequest[] = {
-    0x30, 0x2B, 2, 1, 0, 4, 6, 's', 'e', 's', 'a', 'm', 'e', 0xA0, 0x1E, 2, 1, 1, 2, 1, 0, 2, 1, 0,
-    0x30, 0x13, 0x30, 0x11, 6, 13, 0x2B, 6, 1, 4, 1, 0xAE, 0x4B, 0x2B, 5, 1, 1, 1, 1, 5, 0};
+    0x30, 0x2B, 2, 1, 0, 4,    6,    's',  'e', 's',  'a',  'm',  'e',  0xA0, 0x1E,
+    2,    1,    1, 2, 1, 0,    2,    1,    0,   0x30, 0x13, 0x30, 0x11, 6,    13,
+    0x2B, 6,    1, 4, 1, 0xAE, 0x4B, 0x2B, 5,   1,    1,    1,    1,    5,    0};
 
 bool WaitReadable(SOCKET handle, timeval wait) {
     fd_set readable;

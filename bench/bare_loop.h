@@ -19,8 +19,8 @@ extern const Bytes kAskDiscoveryOid;
 // Open, bind, send, select, receive, close. Bytes received; 0 after 2 s of silence.
 int BareExchange(const char* host, const Bytes& request, char* answer, int answerSize);
 
-// Sends the discovery request to the broadcast address and receives (select, receive) until 2 s have
-// passed silently or `most` answers are there. Their count.
+// Sends the discovery request to the broadcast address and receives (select, receive) until 2 s
+// have passed silently or `most` answers are there. Their count.
 int BareCollect(bool raisesBuffer, int most);
 
 }  // namespace vndiscover

@@ -1,7 +1,8 @@
 // answerer HOST_IP: plays devices in the measurements' network. On HOST_IP it answers
 //   port 161, broadcast  the first request behind a plan with the plan's answers
 //   port 161, unicast    each request at once with one answer
-//   port 9161            "plan COUNT PER_SECOND SIZE", "time" (microseconds that the last plan took)
+//   port 9161            "plan COUNT PER_SECOND SIZE", "time" (microseconds that the last plan
+//   took)
 // Prints "ready" when all sockets are open.
 #define _GNU_SOURCE
 #include <arpa/inet.h>
@@ -14,11 +15,13 @@
 
 enum { kNumberDigits = 5, kLargest = 2048 };
 
-// An SNMPv1 answer to the default discovery OID: OCTET STRING "Model 00000"; the number counts the answers.
+// An SNMPv1 answer to the default discovery OID: OCTET STRING "Model 00000"; the number counts the
+// answers.
 static const unsigned char kAnswer[] = {
-    0x30, 0x36, 2, 1, 0, 4, 6, 's', 'e', 's', 'a', 'm', 'e', 0xA2, 0x29, 2, 1, 1, 2, 1, 0, 2, 1, 0,
-    0x30, 0x1E, 0x30, 0x1C, 6, 13, 0x2B, 6, 1, 4, 1, 0xAE, 0x4B, 0x2B, 5, 1, 1, 1, 1,
-    4, 11, 'M', 'o', 'd', 'e', 'l', ' ', '0', '0', '0', '0', '0'};
+    0x30, 0x36, 2,    1,   0,   4,   6,   's',  'e',  's',  'a',  'm',  'e',  0xA2,
+    0x29, 2,    1,    1,   2,   1,   0,   2,    1,    0,    0x30, 0x1E, 0x30, 0x1C,
+    6,    13,   0x2B, 6,   1,   4,   1,   0xAE, 0x4B, 0x2B, 5,    1,    1,    1,
+    1,    4,    11,   'M', 'o', 'd', 'e', 'l',  ' ',  '0',  '0',  '0',  '0',  '0'};
 
 static struct {
     int count;

@@ -1,5 +1,6 @@
-// netsnmp_loop AGENT: one SNMPv1 get as open-get-close with the net-snmp library, and as a bare loop of system
-// calls, in turn. Prints the medians of CPU and elapsed time per exchange in microseconds, as JSON.
+// netsnmp_loop AGENT: one SNMPv1 get as open-get-close with the net-snmp library, and as a bare
+// loop of system calls, in turn. Prints the medians of CPU and elapsed time per exchange in
+// microseconds, as JSON.
 #define _GNU_SOURCE
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
@@ -17,8 +18,8 @@ enum { kBatches = 25, kBatch = 200 };
 
 static const oid kSysName[] = {1, 3, 6, 1, 2, 1, 1, 5, 0};
 static const unsigned char kRequest[] = {
-    0x30, 0x26, 2, 1, 0, 4, 6, 's', 'e', 's', 'a', 'm', 'e', 0xA0, 0x19, 2, 1, 1, 2, 1, 0, 2, 1, 0,
-    0x30, 0x0E, 0x30, 0x0C, 6, 8, 0x2B, 6, 1, 2, 1, 1, 5, 0, 5, 0};
+    0x30, 0x26, 2, 1, 0,    4,    6,    's',  'e', 's', 'a',  'm', 'e', 0xA0, 0x19, 2, 1, 1, 2, 1,
+    0,    2,    1, 0, 0x30, 0x0E, 0x30, 0x0C, 6,   8,   0x2B, 6,   1,   2,    1,    1, 5, 0, 5, 0};
 
 static void Fail(const char* what) {
     fprintf(stderr, "netsnmp_loop: %s\n", what);
@@ -66,7 +67,8 @@ static double Now(clockid_t clock) {
     return now.tv_sec * 1e6 + now.tv_nsec / 1e3;
 }
 
-static void MeasureBatch(void (*get)(const char*), const char* agent, double* cpu, double* elapsed) {
+static void MeasureBatch(void (*get)(const char*), const char* agent, double* cpu,
+                         double* elapsed) {
     const double cpuBegan = Now(CLOCK_PROCESS_CPUTIME_ID), began = Now(CLOCK_MONOTONIC);
     for (int i = 0; i < kBatch; ++i) get(agent);
     *cpu = (Now(CLOCK_PROCESS_CPUTIME_ID) - cpuBegan) / kBatch;
@@ -92,7 +94,9 @@ int main(int argc, char** argv) {
         MeasureBatch(LibraryGet, argv[1], &cpu[0][i], &elapsed[0][i]);
         MeasureBatch(BareGet, argv[1], &cpu[1][i], &elapsed[1][i]);
     }
-    printf("{\"library_cpu_us\": %.2f, \"bare_cpu_us\": %.2f, \"library_us\": %.2f, \"bare_us\": %.2f}\n",
-           Median(cpu[0]), Median(cpu[1]), Median(elapsed[0]), Median(elapsed[1]));
+    printf(
+        "{\"library_cpu_us\": %.2f, \"bare_cpu_us\": %.2f, \"library_us\": %.2f, \"bare_us\": "
+        "%.2f}\n",
+        Median(cpu[0]), Median(cpu[1]), Median(elapsed[0]), Median(elapsed[1]));
     return 0;
 }

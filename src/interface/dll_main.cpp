@@ -14,10 +14,10 @@ VxSoapMgr* g_soapMgr = nullptr;
 
 namespace {
 
-// The manager with the room of its table, so that no sweep fails for want of it. Without memory the module
-// still loads, and the exports that need the manager do nothing.
+// The manager with the room of its table, so that no sweep fails for want of it. Without memory the
+// module still loads, and the exports that need the manager do nothing.
 template <class Manager, class Table>
-Manager* Create(Table Manager::* table) noexcept {
+Manager* Create(Table Manager::*table) noexcept {
     try {
         auto manager = std::make_unique<Manager>();
         (manager.get()->*table).Reserve();
@@ -55,8 +55,8 @@ void __freeres();  // of the runtime, which declares it nowhere
 
 namespace {
 
-// The statically linked C++ runtime keeps 73 KB for exceptions that find no memory. It gives them back to
-// nobody when a DLL goes, and a host may load and unload this one often.
+// The statically linked C++ runtime keeps 73 KB for exceptions that find no memory. It gives them
+// back to nobody when a DLL goes, and a host may load and unload this one often.
 void FreeRuntimeReserve() {
 #ifdef __GLIBCXX__
     __gnu_cxx::__freeres();

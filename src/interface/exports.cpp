@@ -37,9 +37,8 @@ int32_t Sweep(const char* oid, HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
 
 extern "C" {
 
-int32_t DiscoverDevices(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
-                        const wchar_t* resultPath, const wchar_t* readCommunity,
-                        const wchar_t* writeCommunity) {
+int32_t DiscoverDevices(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const wchar_t* resultPath,
+                        const wchar_t* readCommunity, const wchar_t* writeCommunity) {
     if (!g_snmpMgr) return 0;
     return AtBoundary(0, [&] {
         return Sweep(kDefaultDiscoveryOid, hWnd, uMsg, timeout, useIPv6, resultPath, readCommunity,
@@ -141,11 +140,10 @@ int32_t GetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value, int
 }
 
 int32_t GetNextSnmpRequestRaw(const char* host, const char* oid, VnResponseRecord* record,
-                              uint32_t /*timeout*/, uint32_t /*retries*/,
-                              const char* readCommunity, const char* writeCommunity) {
-    return AtBoundary(0, [&] {
-        return RequestNext(host, oid, record, readCommunity, writeCommunity);
-    });
+                              uint32_t /*timeout*/, uint32_t /*retries*/, const char* readCommunity,
+                              const char* writeCommunity) {
+    return AtBoundary(
+        0, [&] { return RequestNext(host, oid, record, readCommunity, writeCommunity); });
 }
 
 int32_t SetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueLength,

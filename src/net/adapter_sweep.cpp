@@ -62,7 +62,8 @@ void SweepIPv6(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const Swee
         AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, text, sizeof text);
         Open(socket, sock, probe, text);
         DebugLogA("IPADDRESS .... %s", text);
-        SendAndRun(socket, sock, probe, text, true, phase);  // Kept: each one is told it is the last.
+        SendAndRun(socket, sock, probe, text, true,
+                   phase);  // Kept: each one is told it is the last.
     }
 }
 
@@ -74,8 +75,7 @@ void SweepFrom(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char
     SendAndRun(socket, sock, probe, bindAddress, isLast, phase);
 }
 
-void SweepAdapters(SCKRAW& socket, OwnedSocket& sock, const Probe& probe,
-                   const SweepPhase& phase) {
+void SweepAdapters(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase) {
     if (probe.family == AF_INET6) {
         SweepIPv6(socket, sock, probe, phase);
     } else {

@@ -8,20 +8,21 @@
 namespace vndiscover {
 
 struct Probe {
-    int family;            // AF_INET or AF_INET6
-    const char* target;    // broadcast or multicast address
+    int family;          // AF_INET or AF_INET6
+    const char* target;  // broadcast or multicast address
     int port;
     const void* data;
-    int length;            // bytes in data
-    int protocol;          // for CreateSocket
-    int socketTimeoutMs;   // for CreateSocket
+    int length;           // bytes in data
+    int protocol;         // for CreateSocket
+    int socketTimeoutMs;  // for CreateSocket
 };
 
 // Runs on the socket that has just sent, while it is open. isLast: no address follows.
 using SweepPhase = std::function<void(const char* bindAddress, bool isLast)>;
 
-// For each address of the probe's family: open `sock` bound to it, send, run phase, close. An address
-// whose send fails is logged and skipped. `socket` makes the sockets; `sock` is empty between addresses.
+// For each address of the probe's family: open `sock` bound to it, send, run phase, close. An
+// address whose send fails is logged and skipped. `socket` makes the sockets; `sock` is empty
+// between addresses.
 void SweepAdapters(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase);
 
 // The same for one local IPv4 address.

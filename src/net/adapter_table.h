@@ -11,17 +11,18 @@
 namespace vndiscover {
 
 constexpr uint32_t kMaxIPv6Addresses = 32;
-constexpr size_t kAdapterTextSize = 260;      // bytes of each text that GetIPv4Address fills
-constexpr size_t kIPv6AddressTextSize = 64;   // bytes of an address text
+constexpr size_t kAdapterTextSize = 260;     // bytes of each text that GetIPv4Address fills
+constexpr size_t kIPv6AddressTextSize = 64;  // bytes of an address text
 
 // Made for one sweep, on one thread. Every failure is an empty result.
 class AdapterTable {
   public:
-    // Count of IPv4 entries with address and mask, all adapters, whatever their state; 0.0.0.0 counts.
-    // 0 when the list cannot be had, or does not fit the fixed buffer.
+    // Count of IPv4 entries with address and mask, all adapters, whatever their state; 0.0.0.0
+    // counts. 0 when the list cannot be had, or does not fit the fixed buffer.
     uint32_t LoadIPv4Addresses();
 
-    // Entry `index` in the system's order; each buffer null or kAdapterTextSize bytes. 1: it exists.
+    // Entry `index` in the system's order; each buffer null or kAdapterTextSize bytes. 1: it
+    // exists.
     int GetIPv4Address(uint32_t index, char* address, char* mask, char* description) const;
 
     // Collects the link-local addresses of adapters that are up, 32 at most; returns their count.
@@ -30,7 +31,8 @@ class AdapterTable {
     // Copies slot `index` when it is below 32 (not: below the count). Always 0.
     int GetIPv6Address(uint32_t index, sockaddr_in6* out) const;
 
-    // Writes a raw address (4 or 16 bytes) as text; returns text, or null when that is not possible.
+    // Writes a raw address (4 or 16 bytes) as text; returns text, or null when that is not
+    // possible.
     static const char* AddressToText(int family, const void* address, char* text, size_t size);
 
     uint32_t ipv4Count = 0;

@@ -16,9 +16,9 @@ struct Datagram {
 };
 
 struct CollectionLimits {
-    int waitMs;          // one receive wait; counted in whole seconds
-    uint32_t totalMs;    // no new wait begins after this
-    bool logsTimeouts;   // "tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n" at a silent wait
+    int waitMs;         // one receive wait; counted in whole seconds
+    uint32_t totalMs;   // no new wait begins after this
+    bool logsTimeouts;  // "tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n" at a silent wait
 };
 
 // A stop request: a byte that another thread, or the host within a result message, may write.

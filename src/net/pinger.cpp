@@ -78,8 +78,8 @@ int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
     if (getaddrinfo(address, nullptr, nullptr, target.Receive()) != 0) return 0;
     sockaddr_in6 source = {};  // the system chooses the address
     source.sin6_family = AF_INET6;
-    // The first address counts. A name that has only IPv4 addresses is not reached this way, and read as
-    // IPv6 its address would be somebody else's.
+    // The first address counts. A name that has only IPv4 addresses is not reached this way, and
+    // read as IPv6 its address would be somebody else's.
     if (target.Get()->ai_family != AF_INET6) return 0;
     sockaddr_in6 destination;
     std::memcpy(&destination, target.Get()->ai_addr, sizeof destination);

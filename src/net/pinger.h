@@ -19,8 +19,8 @@ class Pinger {
     Pinger(const Pinger&) = delete;
     Pinger& operator=(const Pinger&) = delete;
 
-    // 1: the target answered within timeoutMs; 0: it did not, or the request could not be made. Valid
-    // dotted IPv4 text takes the IPv4 way, all else, 255.255.255.255 among it, the IPv6 way.
+    // 1: the target answered within timeoutMs; 0: it did not, or the request could not be made.
+    // Valid dotted IPv4 text takes the IPv4 way, all else, 255.255.255.255 among it, the IPv6 way.
     int Ping(const char* address, uint32_t timeoutMs);
 
     int EchoV4(const char* address, uint32_t timeoutMs);

@@ -40,17 +40,28 @@ void BindV6(SOCKET handle, const char* addressText) {
 
 const char* BindErrorName(int error) {
     switch (error) {
-        case WSAEACCES: return "   WSAEACCES\n";
-        case WSAEFAULT: return "   WSAEFAULT\n";
-        case WSAEINVAL: return "   WSAEINVAL\n";
-        case WSAEINPROGRESS: return "   WSAEINPROGRESS\n";
-        case WSAENOTSOCK: return "   WSAENOTSOCK\n";
-        case WSAEADDRINUSE: return "   WSAEADDRINUSE\n";
-        case WSAEADDRNOTAVAIL: return "   WSAEADDRNOTAVAIL\n";
-        case WSAENETDOWN: return "   WSAENETDOWN\n";
-        case WSAENOBUFS: return "   WSAENOBUFS\n";
-        case WSANOTINITIALISED: return "   WSANOTINITIALISED\n";
-        default: return nullptr;
+        case WSAEACCES:
+            return "   WSAEACCES\n";
+        case WSAEFAULT:
+            return "   WSAEFAULT\n";
+        case WSAEINVAL:
+            return "   WSAEINVAL\n";
+        case WSAEINPROGRESS:
+            return "   WSAEINPROGRESS\n";
+        case WSAENOTSOCK:
+            return "   WSAENOTSOCK\n";
+        case WSAEADDRINUSE:
+            return "   WSAEADDRINUSE\n";
+        case WSAEADDRNOTAVAIL:
+            return "   WSAEADDRNOTAVAIL\n";
+        case WSAENETDOWN:
+            return "   WSAENETDOWN\n";
+        case WSAENOBUFS:
+            return "   WSAENOBUFS\n";
+        case WSANOTINITIALISED:
+            return "   WSANOTINITIALISED\n";
+        default:
+            return nullptr;
     }
 }
 
@@ -158,8 +169,8 @@ uint32_t SCKRAW::ResolveV4(const char* text) {
     return inet_addr(text);
 }
 
-// Kept: four dots and nothing but digits exclude each other, so this is never true and every text goes
-// to the resolver first, which takes dotted numbers too.
+// Kept: four dots and nothing but digits exclude each other, so this is never true and every text
+// goes to the resolver first, which takes dotted numbers too.
 bool SCKRAW::IsDottedQuad(const char* text) {
     if (!text || !*text) return false;
     int dots = 0;
@@ -187,11 +198,12 @@ int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const 
     OwnedAddressList addresses;
     const int resolved = getaddrinfo(host, service, &hints, addresses.Receive());
     WSASetLastError(resolved);
-    if (resolved != 0) return resolved;  // Kept: callers see it as a count of bytes and go on to wait.
+    if (resolved != 0)
+        return resolved;  // Kept: callers see it as a count of bytes and go on to wait.
 
     const addrinfo& target = *addresses.Get();
-    const int sent = sendto(handle.Get(), static_cast<const char*>(data), length, 0,
-                            target.ai_addr, static_cast<int>(target.ai_addrlen));
+    const int sent = sendto(handle.Get(), static_cast<const char*>(data), length, 0, target.ai_addr,
+                            static_cast<int>(target.ai_addrlen));
     const int error = WSAGetLastError();
     if (sent == SOCKET_ERROR) {
         DebugLogA("sendto() failed - %d\n", error);

@@ -1,5 +1,5 @@
-// BER readers. Each takes the whole datagram and a cursor (a byte index into it). Every failure is the one
-// decode error; it is caught where a whole message is decoded.
+// BER readers. Each takes the whole datagram and a cursor (a byte index into it). Every failure is
+// the one decode error; it is caught where a whole message is decoded.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// BER encoders. Each appends to the end of `dest`; a compound value is built by encoding its members into
-// a scratch buffer and appending tag, length and scratch bytes.
+// BER encoders. Each appends to the end of `dest`; a compound value is built by encoding its
+// members into a scratch buffer and appending tag, length and scratch bytes.
 #pragma once
 
 #include <cstdint>

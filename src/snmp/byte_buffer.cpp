@@ -12,9 +12,7 @@
 
 namespace vndiscover {
 
-ByteBuffer::ByteBuffer(const ByteBuffer& other) {
-    Join(other.data, other.length, nullptr, 0);
-}
+ByteBuffer::ByteBuffer(const ByteBuffer& other) { Join(other.data, other.length, nullptr, 0); }
 
 ByteBuffer::ByteBuffer(ByteBuffer&& other) noexcept
     : data(std::exchange(other.data, nullptr)), length(std::exchange(other.length, 0u)) {}

@@ -5,9 +5,9 @@
 
 namespace vndiscover {
 
-// Owns one block of exactly `length` bytes; `data` is null if and only if there are none. No reserve is
-// kept: datagrams are small. Freed bytes are wiped. All zero bytes are its empty state. Throws
-// std::bad_alloc.
+// Owns one block of exactly `length` bytes; `data` is null if and only if there are none. No
+// reserve is kept: datagrams are small. Freed bytes are wiped. All zero bytes are its empty state.
+// Throws std::bad_alloc.
 struct ByteBuffer {
     uint8_t* data = nullptr;
     uint32_t length = 0;

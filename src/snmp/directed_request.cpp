@@ -31,8 +31,7 @@ void CopyTextForHost(char* out, int32_t outSize, const char* text) {
 }
 
 int32_t RequestText(const char* host, const char* oid, char* outValue, int32_t outSize,
-                    uint32_t expectedType, const char* readCommunity,
-                    const char* writeCommunity) {
+                    uint32_t expectedType, const char* readCommunity, const char* writeCommunity) {
     LoadBindAddresses(host, true);
     const auto manager = std::make_unique<VxSnmpMgr>();
     if (!host) return 0;

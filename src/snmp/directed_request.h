@@ -1,4 +1,5 @@
-// Directed community-based requests as hosts call them: each makes a manager of its own for one exchange.
+// Directed community-based requests as hosts call them: each makes a manager of its own for one
+// exchange.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +8,12 @@
 
 namespace vndiscover {
 
-constexpr uint32_t kDirectedWaitMs = 1000;   // passed along, not used
-constexpr int32_t kDirectedAttempts = 5;     // receive waits of one request
-constexpr int32_t kInformationSize = 260;    // bytes of GetSnmpInformation's buffer
+constexpr uint32_t kDirectedWaitMs = 1000;  // passed along, not used
+constexpr int32_t kDirectedAttempts = 5;    // receive waits of one request
+constexpr int32_t kInformationSize = 260;   // bytes of GetSnmpInformation's buffer
 
-// Copies a text into a host's buffer. Null: nothing is written. A text that does not fit is the caller's
-// fault and goes to the runtime's invalid-parameter handler.
+// Copies a text into a host's buffer. Null: nothing is written. A text that does not fit is the
+// caller's fault and goes to the runtime's invalid-parameter handler.
 void CopyTextForHost(char* out, int32_t outSize, const char* text);
 
 // Results and arguments as in the public header; host may be null.

@@ -33,8 +33,9 @@ struct PduRecord {
 // Appends the PDU. A request identifier of 0 becomes 257, in the record too.
 void EncodePdu(PduRecord& pdu, ByteBuffer& dest);
 
-// Reads the PDU at cursor and returns the cursor behind it. Throws AsnDecodeError, also for a binding
-// whose name or value does not fit a VarBindRecord. A list that does not decode leaves no binding.
+// Reads the PDU at cursor and returns the cursor behind it. Throws AsnDecodeError, also for a
+// binding whose name or value does not fit a VarBindRecord. A list that does not decode leaves no
+// binding.
 uint32_t DecodePdu(PduRecord& pdu, const ByteBuffer& in, uint32_t cursor);
 
 }  // namespace vndiscover

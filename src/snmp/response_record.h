@@ -1,4 +1,5 @@
-// One decoded answer; also the entry of the device table, and what a host's response record is filled from.
+// One decoded answer; also the entry of the device table, and what a host's response record is
+// filled from.
 #pragma once
 
 #include <cstdint>

@@ -66,7 +66,8 @@ class Reader {
         return Take();
     }
 
-    // Copies `count` bytes from the position into a zeroed field, at most its size, and steps over all.
+    // Copies `count` bytes from the position into a zeroed field, at most its size, and steps over
+    // all.
     void TakeInto(uint8_t* field, size_t size, size_t count) {
         const size_t rest = position < length_ ? length_ - position : 0;
         const uint8_t* from = rest != 0 ? bytes_ + position : nullptr;

@@ -7,8 +7,8 @@
 //      9+N    02 01 request-id  02 01 error-status  02 01 error-index
 //     18+N    30 L                        bindings, each 30 len name value
 //
-// Kept: lengths of 128 and more are neither written nor read in their long form, but for 82 00 nn on
-// reading; request identifiers are one byte and never compared.
+// Kept: lengths of 128 and more are neither written nor read in their long form, but for 82 00 nn
+// on reading; request identifiers are one byte and never compared.
 #pragma once
 
 #include <cstddef>
@@ -25,15 +25,16 @@ constexpr uint8_t kRequestId = 1;         // in every community-based request
 /**
  * Writes a request of 20 + N + L bytes.
  * @param out   Area of outSize bytes; left alone on failure.
- * @return The length; 0 for a null area, a type outside 0xA0 to 0xA3, a community of more than 255 bytes
- *         or a message that does not fit.
+ * @return The length; 0 for a null area, a type outside 0xA0 to 0xA3, a community of more than 255
+ * bytes or a message that does not fit.
  */
 int32_t BuildSnmpMessage(uint8_t* out, size_t outSize, const char* community, uint8_t pduType,
                          uint8_t requestId, const VarBindList& bindings);
 
 /**
- * Reads an answer into record: each binding overwrites the one before it. Bytes behind the datagram's end
- * read as zero, and each copy is cut to its field. The error status is not looked at.
+ * Reads an answer into record: each binding overwrites the one before it. Bytes behind the
+ * datagram's end read as zero, and each copy is cut to its field. The error status is not looked
+ * at.
  * @param senderAddress  Text for the record's address; null reads as "".
  * @return The count of bindings read, 0 when the datagram is rejected.
  */

@@ -36,8 +36,8 @@ void CopyVarBindHeader(const VarBindRecord& source, VarBindRecord& dest) {
 }
 
 void VarBindValueToText(const VarBindRecord& binding, std::string& text) {
-    const int32_t length = binding.valueLength <= kMaxValueContent ? binding.valueLength
-                                                                   : kMaxValueContent;
+    const int32_t length =
+        binding.valueLength <= kMaxValueContent ? binding.valueLength : kMaxValueContent;
     if (binding.valueTag == kTagOctetString) {
         const auto* characters = reinterpret_cast<const char*>(binding.value);
         text.assign(characters, strnlen(characters, static_cast<size_t>(length)));

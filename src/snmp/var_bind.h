@@ -16,7 +16,7 @@ constexpr int32_t kMaxValueContent = 126;
 
 struct VarBindRecord {
     uint8_t seqTag;
-    uint8_t seqLength;   // nameLength + valueLength + 4
+    uint8_t seqLength;  // nameLength + valueLength + 4
     uint8_t nameTag;
     uint8_t nameLength;
     uint8_t name[kMaxNameContent];
@@ -35,7 +35,7 @@ struct VarBindList {
 // A value as tag, length, content; the content is not owned.
 struct ValueView {
     uint8_t tag;
-    int32_t length;         // bytes in content
+    int32_t length;  // bytes in content
     const uint8_t* content;
 };
 
@@ -44,11 +44,12 @@ int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord&
 
 int32_t SetVarBindList(VarBindRecord* bindings, int32_t count, VarBindList& out);
 
-// Copies a binding but for the value's content, to build a request from the bindings of an earlier one.
+// Copies a binding but for the value's content, to build a request from the bindings of an earlier
+// one.
 void CopyVarBindHeader(const VarBindRecord& source, VarBindRecord& dest);
 
-// An OCTET STRING up to its first NUL byte, an INTEGER in decimal; any other value leaves text alone.
-// Throws AsnDecodeError for an INTEGER of more than five bytes.
+// An OCTET STRING up to its first NUL byte, an INTEGER in decimal; any other value leaves text
+// alone. Throws AsnDecodeError for an INTEGER of more than five bytes.
 void VarBindValueToText(const VarBindRecord& binding, std::string& text);
 
 }  // namespace vndiscover

@@ -30,8 +30,8 @@ OwnedSocket VxSnmpMgr::OpenFor(const char* host, const char* bindAddress) {
 
 int32_t VxSnmpMgr::RunExchange(OwnedSocket& opened, const Exchange& exchange,
                                const std::function<int32_t(const Datagram&)>& take) {
-    if (socket->SendToSocket(opened, exchange.host, kSnmpPort, exchange.request,
-                             exchange.length) == -1) {
+    if (socket->SendToSocket(opened, exchange.host, kSnmpPort, exchange.request, exchange.length) ==
+        -1) {
         DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
         return -1;
     }

@@ -34,8 +34,8 @@ int AddressFamilyOf(const char* host);
 // Logs and returns the fallback when `oid` is empty.
 std::string OrDefaultDiscoveryOid(std::string oid);
 
-// One lives as long as the process and sweeps; directed requests make one per call. The device table costs
-// nothing until it is filled. Not for two threads at once, but for StopDiscover.
+// One lives as long as the process and sweeps; directed requests make one per call. The device
+// table costs nothing until it is filled. Not for two threads at once, but for StopDiscover.
 class VxSnmpMgr {
   public:
     VxSnmpMgr();  // throws std::bad_alloc
@@ -43,8 +43,8 @@ class VxSnmpMgr {
     VxSnmpMgr(const VxSnmpMgr&) = delete;
     VxSnmpMgr& operator=(const VxSnmpMgr&) = delete;
 
-    // The community-based sweep. Texts may be null. Always 0; ends with the (0, 0) message, also where
-    // the request cannot be encoded or jsonRequest is too long and nothing is sent.
+    // The community-based sweep. Texts may be null. Always 0; ends with the (0, 0) message, also
+    // where the request cannot be encoded or jsonRequest is too long and nothing is sent.
     int32_t Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                      const wchar_t* resultPath, const char* readCommunity,
                      const char* writeCommunity, const char* jsonRequest);
@@ -52,14 +52,15 @@ class VxSnmpMgr {
     // Any thread. Always 0.
     int32_t StopDiscover();
 
-    // Collects answers on `sock` and delivers them. timeout and isLast are not used: the limits are fixed.
+    // Collects answers on `sock` and delivers them. timeout and isLast are not used: the limits are
+    // fixed.
     void HandleEvents(UINT timeout, bool isLast, const char* bindAddress, const char* jsonRequest);
 
-    // Requests to one device: the answer's value length, 0 for no answer or an empty value, -1 when the
-    // send failed. waitMs is not used; attempts counts receive waits. bindAddress may be null.
+    // Requests to one device: the answer's value length, 0 for no answer or an empty value, -1 when
+    // the send failed. waitMs is not used; attempts counts receive waits. bindAddress may be null.
 
-    // outValue receives the value and one zero byte. Null drops it; too small a buffer is a caller's
-    // fault. valueType may be null. writeCommunity is not used.
+    // outValue receives the value and one zero byte. Null drops it; too small a buffer is a
+    // caller's fault. valueType may be null. writeCommunity is not used.
     int32_t GetInformation(const char* oid, const char* host, char* outValue, int32_t outSize,
                            uint32_t* valueType, uint32_t waitMs, int32_t attempts,
                            const char* readCommunity, const char* writeCommunity,
@@ -74,16 +75,16 @@ class VxSnmpMgr {
                             uint32_t waitMs, int32_t attempts, const char* readCommunity,
                             const char* writeCommunity, const char* bindAddress, uint8_t pduType);
 
-    // value: in the bytes to set, out the answer's value; valueType: in the tag in the low byte, out the
-    // answer's. Without a type, or with a value that fits no binding: 0, nothing is sent. readCommunity is not used.
+    // value: in the bytes to set, out the answer's value; valueType: in the tag in the low byte,
+    // out the answer's. Without a type, or with a value that fits no binding: 0, nothing is sent.
+    // readCommunity is not used.
     int32_t SetInformationByStr(const char* oid, const char* host, uint8_t* value,
                                 int32_t valueLength, uint32_t* valueType, uint32_t waitMs,
                                 int32_t attempts, const char* readCommunity,
                                 const char* writeCommunity);
     int32_t SetInformation(const OidValue& oid, const char* host, uint8_t* value,
                            int32_t valueLength, uint32_t* valueType, uint32_t waitMs,
-                           int32_t attempts, const char* readCommunity,
-                           const char* writeCommunity);
+                           int32_t attempts, const char* readCommunity, const char* writeCommunity);
 
     // What sweeps and exchanges of every SNMP version share.
 
@@ -105,8 +106,8 @@ class VxSnmpMgr {
         std::function<bool(ResponseRecord& device, const char* oid, std::string& value)>;
     void DeliverDevices(const char* jsonRequest, const FetchForDevice& fetch);
 
-    // Opens the file that devices are also written to; null or "": none. One that cannot be opened, or a
-    // path of 260 characters and more, leaves the sink without a file.
+    // Opens the file that devices are also written to; null or "": none. One that cannot be opened,
+    // or a path of 260 characters and more, leaves the sink without a file.
     void OpenResultFile(const wchar_t* path);
 
     // Makes the socket object if there is none.
@@ -118,12 +119,12 @@ class VxSnmpMgr {
     struct Exchange {
         const char* host;
         const void* request;
-        int32_t length;         // bytes in request
-        int32_t attempts;       // receive waits; at least one is made
-        bool giveUpOnTimeout;   // the first silent wait ends it
+        int32_t length;        // bytes in request
+        int32_t attempts;      // receive waits; at least one is made
+        bool giveUpOnTimeout;  // the first silent wait ends it
     };
-    // Sends once to port 161 and waits for the first datagram, which `take` reads. The result of take, 0
-    // for no answer, -1 when the send failed.
+    // Sends once to port 161 and waits for the first datagram, which `take` reads. The result of
+    // take, 0 for no answer, -1 when the send failed.
     int32_t RunExchange(OwnedSocket& opened, const Exchange& exchange,
                         const std::function<int32_t(const Datagram&)>& take);
 

@@ -13,8 +13,8 @@ constexpr int32_t kAnswerSize = 260;
 constexpr uint32_t kFollowUpWaitMs = 1000;
 constexpr int32_t kFollowUpAttempts = 5;
 
-// A document that does not fit the field is cut between two characters: the host still learns of the
-// device, and sees by the document, which no longer parses, that it asked for too much.
+// A document that does not fit the field is cut between two characters: the host still learns of
+// the device, and sees by the document, which no longer parses, that it asked for too much.
 void StoreDocument(ResponseRecord& device, const std::string& document) {
     const size_t length = Utf8PrefixLength(document, sizeof device.value - 1);
     std::memcpy(device.value, document.data(), length);
@@ -65,7 +65,8 @@ void VxSnmpMgr::DeliverDevices(const char* jsonRequest, const FetchForDevice& fe
 void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bindAddress,
                              const char* jsonRequest) {
     DebugLogA("HandleEvents start\n");
-    // Every datagram takes an entry, whatever it holds; what is no answer is delivered without a value.
+    // Every datagram takes an entry, whatever it holds; what is no answer is delivered without a
+    // value.
     CollectDevices([](const Datagram& datagram, ResponseRecord& entry) {
         ParseSnmpResponse(entry, datagram.data, static_cast<size_t>(datagram.length),
                           datagram.sender);
@@ -73,9 +74,9 @@ void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bind
     });
     DeliverDevices(jsonRequest, [&](ResponseRecord& device, const char* oid, std::string& value) {
         char szValue[kAnswerSize] = {};
-        const int32_t length = GetInformation(oid, device.address, szValue, kAnswerSize, nullptr,
-                                              kFollowUpWaitMs, kFollowUpAttempts, readCommunity,
-                                              writeCommunity, bindAddress);
+        const int32_t length =
+            GetInformation(oid, device.address, szValue, kAnswerSize, nullptr, kFollowUpWaitMs,
+                           kFollowUpAttempts, readCommunity, writeCommunity, bindAddress);
         if (length <= 0) return false;
         DebugLogA("  szValue [%s]\n", szValue);
         value = szValue;

@@ -15,8 +15,8 @@ const char* OrDefault(const char* community) {
     return community && *community ? community : kDefaultCommunity;
 }
 
-// The runtime decides about a buffer that is too small: it zeroes it and calls the invalid-parameter
-// handler. A null buffer only means that the host does not want the value.
+// The runtime decides about a buffer that is too small: it zeroes it and calls the
+// invalid-parameter handler. A null buffer only means that the host does not want the value.
 void CopyRaw(void* out, int32_t outSize, const void* bytes, size_t count) {
     if (out) memcpy_s(out, outSize > 0 ? static_cast<size_t>(outSize) : 0, bytes, count);
 }
@@ -94,7 +94,8 @@ int32_t VxSnmpMgr::GetEncoded(const OidValue& oid, const char* host, char* outVa
                              host, bindAddress, attempts};
     return RunRequest(request, [&](const ResponseRecord& answer) {
         // The record holds a zero byte behind the value, which goes with it.
-        if (answer.valueLength != 0) CopyRaw(outValue, outSize, answer.value, answer.valueLength + 1u);
+        if (answer.valueLength != 0)
+            CopyRaw(outValue, outSize, answer.value, answer.valueLength + 1u);
         if (valueType) *valueType = answer.valueTag;
     });
 }

@@ -42,8 +42,7 @@ class SweepEnd {
 std::string OrDefaultDiscoveryOid(std::string oid) {
     if (!oid.empty()) return oid;
     // Kept: the doubled word.
-    DebugLogW(
-        L"Should not come here set set DisOID to \".1.3.6.1.4.1.5963.43.5.1.1.1.1\"\n");
+    DebugLogW(L"Should not come here set set DisOID to \".1.3.6.1.4.1.5963.43.5.1.1.1.1\"\n");
     return kDefaultDiscoveryOid;
 }
 

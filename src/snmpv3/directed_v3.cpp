@@ -23,8 +23,8 @@ struct DirectedAnswer {
 };
 
 // Discovers the engine, then asks for the OID.
-void AskDevice(const char* host, const char* oid, uint8_t pduType,
-               const SecuritySettings& security, DirectedAnswer& answer) {
+void AskDevice(const char* host, const char* oid, uint8_t pduType, const SecuritySettings& security,
+               DirectedAnswer& answer) {
     VxSnmpMgr& manager = *answer.manager;
     char szBindIp[kBindAddressSize];
     ChooseBindAddress(host, szBindIp, [&](const char* bindAddress) {

@@ -37,7 +37,8 @@ std::string AskV3(const SweepV3& sweep, const char* address, const EngineValues&
 bool TakeReport(const SweepV3& sweep, const Datagram& datagram, ResponseRecord& entry) {
     VxSNMPv3 report;
     report.Decode(datagram.data, datagram.length);
-    // Kept: a report that names no engine is answered too; the request then goes out as one more probe.
+    // Kept: a report that names no engine is answered too; the request then goes out as one more
+    // probe.
     const EngineValues engine = {report.EngineId(), report.EngineBoots(), report.EngineTime()};
     const std::string strValue = AskV3(sweep, datagram.sender, engine, sweep.oid, &entry);
     DebugLogA("strValue [%s]", strValue.c_str());
@@ -85,12 +86,12 @@ int32_t DiscoverV3(VxSnmpMgr& manager, const char* oid, HWND hWnd, UINT uMsg, UI
         std::string discoveryOid = oid ? oid : "";
         if (discoveryOid.empty() && jsonRequest) discoveryOid = ReadDiscoveryOid(jsonRequest);
         discoveryOid = OrDefaultDiscoveryOid(discoveryOid);
-        manager.Sweep(useIPv6 != 0, message.data, static_cast<int32_t>(message.length),
-                      [&](const char* bindAddress, bool) {
-                          const SweepV3 sweep = {manager, security, discoveryOid.c_str(),
-                                                 bindAddress};
-                          HandleEventsV3(sweep, jsonRequest);
-                      });
+        manager.Sweep(
+            useIPv6 != 0, message.data, static_cast<int32_t>(message.length),
+            [&](const char* bindAddress, bool) {
+                const SweepV3 sweep = {manager, security, discoveryOid.c_str(), bindAddress};
+                HandleEventsV3(sweep, jsonRequest);
+            });
     }
     DebugLogA("SNMP::Discoverv3 - ended\n");  // Kept: the lower-case v.
     return 0;

@@ -36,8 +36,8 @@ int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* addr
 // The answer's first binding, or null.
 const VarBindRecord* FirstBinding(const VxSNMPv3& answer);
 
-// The text of a binding's value; "" for null, for other types than INTEGER and OCTET STRING, and for an
-// INTEGER that is none.
+// The text of a binding's value; "" for null, for other types than INTEGER and OCTET STRING, and
+// for an INTEGER that is none.
 std::string ValueTextOf(const VarBindRecord* binding);
 
 }  // namespace vndiscover

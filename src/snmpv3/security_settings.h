@@ -8,8 +8,8 @@ namespace vndiscover {
 
 class VxSNMPv3;
 
-// Owns UTF-8 copies, of any length, of the user name and the passwords and wipes the passwords at its end. Texts may be
-// null. Privacy counts only where authentication is set.
+// Owns UTF-8 copies, of any length, of the user name and the passwords and wipes the passwords at
+// its end. Texts may be null. Privacy counts only where authentication is set.
 class SecuritySettings {
   public:
     SecuritySettings(const wchar_t* userName, uint8_t useAuth, const wchar_t* authPassword,
@@ -19,8 +19,8 @@ class SecuritySettings {
     SecuritySettings(const SecuritySettings&) = delete;
     SecuritySettings& operator=(const SecuritySettings&) = delete;
 
-    // Whether a message can carry the user name. With a name that it cannot carry nothing is sent: a cut
-    // one would be another user's.
+    // Whether a message can carry the user name. With a name that it cannot carry nothing is sent:
+    // a cut one would be another user's.
     bool HasUsableName() const;
 
     // Sets user, protocols, passwords and flags: noAuthNoPriv, authNoPriv or authPriv.

@@ -17,7 +17,8 @@ constexpr size_t kNarrowSize = 4096;
 constexpr size_t kMessageSize = 1024;  // wvsprintfA and the wide writer cut messages here
 constexpr size_t kWideLineSize = kMessageSize + 64;
 
-// Callers read the last error again behind a log line; OutputDebugString and the C runtime change it.
+// Callers read the last error again behind a log line; OutputDebugString and the C runtime change
+// it.
 class LastErrorKeeper {
   public:
     LastErrorKeeper() : error_(GetLastError()) {}
@@ -49,9 +50,8 @@ void DebugLogA(const char* format, ...) {
     SYSTEMTIME now;
     GetLocalTime(&now);
     char line[kNarrowSize] = {};
-    const int stamp =
-        wsprintfA(line, "%02i/%02i/%02i %02i:%02i:%02i:%03i ", now.wMonth, now.wDay, now.wYear,
-                  now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
+    const int stamp = wsprintfA(line, "%02i/%02i/%02i %02i:%02i:%02i:%03i ", now.wMonth, now.wDay,
+                                now.wYear, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds);
     lstrcpynA(line + stamp, message, static_cast<int>(kNarrowSize) - stamp);
 
     if (g_debugSwitches.debug != 0) OutputDebugStringA(line);
@@ -72,8 +72,8 @@ void DebugLogW(const wchar_t* format, ...) {
     SYSTEMTIME now;
     GetLocalTime(&now);
     wchar_t line[kWideLineSize] = {};
-    // Kept: wsprintfW writes at most 1,024 characters, so here, unlike in narrow lines, the time stamp
-    // counts with the message.
+    // Kept: wsprintfW writes at most 1,024 characters, so here, unlike in narrow lines, the time
+    // stamp counts with the message.
     wsprintfW(line, L"%02i/%02i/%02i %02i:%02i:%02i:%03i %s", now.wMonth, now.wDay, now.wYear,
               now.wHour, now.wMinute, now.wSecond, now.wMilliseconds, message);
     OutputDebugStringW(line);

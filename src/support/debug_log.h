@@ -1,5 +1,5 @@
-// The trace log that every piece of the module writes. Silent unless a switch is on. There is no log bound to
-// a file of the caller's choice: nothing in the module would turn it on.
+// The trace log that every piece of the module writes. Silent unless a switch is on. There is no
+// log bound to a file of the caller's choice: nothing in the module would turn it on.
 #pragma once
 
 #include <cstdint>
@@ -20,11 +20,12 @@ struct DebugSwitches {
 };
 extern DebugSwitches g_debugSwitches;
 
-// Narrow line: local time stamp and message, at most 1,024 characters of message. Both switches off:
-// returns at once. Keeps the calling thread's last error, which callers read again afterwards.
+// Narrow line: local time stamp and message, at most 1,024 characters of message. Both switches
+// off: returns at once. Keeps the calling thread's last error, which callers read again afterwards.
 void DebugLogA(const char* format, ...) VN_PRINTF(1, 2);
 
-// Wide line, to the debugger only: dbg2Log plays no part here. Cut at 1,024 characters with its stamp.
+// Wide line, to the debugger only: dbg2Log plays no part here. Cut at 1,024 characters with its
+// stamp.
 void DebugLogW(const wchar_t* format, ...);
 
 // The debug switch.

@@ -14,8 +14,8 @@ constexpr size_t kPathSize = 260;
 
 }  // namespace
 
-// Kept: the debug switch follows the registry at every call, while dbg2Log, once set, stays set for the
-// life of the process.
+// Kept: the debug switch follows the registry at every call, while dbg2Log, once set, stays set for
+// the life of the process.
 void LoadDebugSwitches(const char* subkeyName, uint8_t defaultDebug) {
     g_debugSwitches.debug = defaultDebug;
     // On the stack: this runs at every thread start of the host, where nothing may throw.

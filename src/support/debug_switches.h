@@ -6,8 +6,8 @@
 namespace vndiscover {
 
 /**
- * Sets the debug switch to defaultDebug, or to 1 when the registry says so; sets the dbg2Log switch to 1
- * when the registry says so and never clears it.
+ * Sets the debug switch to defaultDebug, or to 1 when the registry says so; sets the dbg2Log switch
+ * to 1 when the registry says so and never clears it.
  * @param subkeyName  Key below HKEY_LOCAL_MACHINE\Software\Varnell Osk; null means "Debug".
  */
 void LoadDebugSwitches(const char* subkeyName, uint8_t defaultDebug);

@@ -10,8 +10,8 @@
 namespace vndiscover {
 
 // Entries are filled from 0 upwards; an entry that was filled before keeps its content until it is
-// overwritten. The room is reserved by the first fill, or before: a table that nobody fills costs not even
-// that. Not for more than one thread.
+// overwritten. The room is reserved by the first fill, or before: a table that nobody fills costs
+// not even that. Not for more than one thread.
 template <class Entry, uint32_t Capacity>
 class LazyTable {
   public:
@@ -29,8 +29,8 @@ class LazyTable {
         if (!pages_) pages_.emplace(sizeof(Entry) * size_t{Capacity});
     }
 
-    // The entry to fill; index is at most the count of entries filled so far, below Capacity. Throws
-    // std::bad_alloc where the room was not reserved.
+    // The entry to fill; index is at most the count of entries filled so far, below Capacity.
+    // Throws std::bad_alloc where the room was not reserved.
     Entry& ToFill(uint32_t index) {
         if (index == constructed_) {
             Reserve();

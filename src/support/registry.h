@@ -10,8 +10,8 @@ namespace vndiscover {
 /**
  * Reads up to four bytes of a value as a 32-bit number, whatever the value's type.
  * @param access  Access mask; 0 chooses KEY_READ, under WOW64 with the 64-bit view.
- * @return The number, or defaultValue when the key or the value cannot be read or the value is longer
- *         than four bytes. Failures are logged, except a missing "Debug" or "Dbg2Log".
+ * @return The number, or defaultValue when the key or the value cannot be read or the value is
+ * longer than four bytes. Failures are logged, except a missing "Debug" or "Dbg2Log".
  */
 int32_t GetRegValueLong(HKEY hive, const char* subkey, const char* valueName, int32_t defaultValue,
                         uint32_t access);

@@ -18,6 +18,7 @@ HMODULE LoadFromSystem(const wchar_t* fileName) {
 
 }  // namespace
 
-SystemLibrary::SystemLibrary(const wchar_t* fileName) noexcept : module_(LoadFromSystem(fileName)) {}
+SystemLibrary::SystemLibrary(const wchar_t* fileName) noexcept
+    : module_(LoadFromSystem(fileName)) {}
 
 }  // namespace vndiscover

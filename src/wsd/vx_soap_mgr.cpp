@@ -9,7 +9,8 @@ namespace vndiscover {
 namespace {
 
 constexpr char kIPv4Group[] = "239.255.255.250";
-constexpr char kIPv6Group[] = "FF02:0:0:0:0:0:0:1";  // Kept: all nodes, not WS-Discovery's own group.
+constexpr char kIPv6Group[] =
+    "FF02:0:0:0:0:0:0:1";  // Kept: all nodes, not WS-Discovery's own group.
 constexpr char kLoopback[] = "127.0.0.1";
 
 // The host waits for the final notification, so it is sent however the sweep is left.
@@ -70,7 +71,8 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
     const SweepEnd end(*this);
     // The new object stands before the old one goes, so that WinSock stays started between them.
     socket = std::make_unique<SCKRAW>();
-    // No Probe, or one that does not fit the buffer. A negative length could only fail on every adapter.
+    // No Probe, or one that does not fit the buffer. A negative length could only fail on every
+    // adapter.
     if (probeLength <= 0 || probeLength > kMaxProbe) return 0;
     uint8_t request[kMaxProbe] = {};
     if (probe) std::memcpy(request, probe, static_cast<size_t>(probeLength));

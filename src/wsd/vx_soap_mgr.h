@@ -11,13 +11,13 @@
 namespace vndiscover {
 
 constexpr int kWsDiscoveryPort = 3702;
-constexpr int32_t kMaxProbe = 2048;          // bytes of a Probe
+constexpr int32_t kMaxProbe = 2048;  // bytes of a Probe
 constexpr uint32_t kSoapCollectionMs = 30000;
 constexpr uint32_t kSoapTableCapacity = 8192;
 
 struct SoapResult {
-    char address[48];              // sender, NUL-terminated
-    uint8_t reply[kMaxDatagram];   // zero-padded; a reply of exactly this size has no terminator
+    char address[48];             // sender, NUL-terminated
+    uint8_t reply[kMaxDatagram];  // zero-padded; a reply of exactly this size has no terminator
 };
 static_assert(sizeof(SoapResult) == 2096, "as the table is laid out");
 
@@ -29,8 +29,8 @@ class VxSoapMgr {
     VxSoapMgr(const VxSoapMgr&) = delete;
     VxSoapMgr& operator=(const VxSoapMgr&) = delete;
 
-    // Always 0; ends with the (0, 0) notification. A Probe of no or more than kMaxProbe bytes is not sent.
-    // Called while it sweeps, it does nothing.
+    // Always 0; ends with the (0, 0) notification. A Probe of no or more than kMaxProbe bytes is
+    // not sent. Called while it sweeps, it does nothing.
     int32_t Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6, const char* probe,
                      int32_t probeLength);
 

@@ -1,4 +1,5 @@
-// The JSON request and its filling in: the first byte chooses what devices answer, the rest is the request.
+// The JSON request and its filling in: the first byte chooses what devices answer, the rest is the
+// request.
 #include <cstdlib>
 #include <string>
 

@@ -21,8 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size != 0) std::memcpy(buffer.data(), data, size);
     const auto again = std::make_unique<ResponseRecord>();
     InitResponseRecord(*again);
-    const int32_t countAgain =
-        ParseSnmpResponse(*again, buffer.data(), buffer.size(), "fe80::1");
+    const int32_t countAgain = ParseSnmpResponse(*again, buffer.data(), buffer.size(), "fe80::1");
     if (count != countAgain || record->valueTag != again->valueTag ||
         std::memcmp(record->value, again->value, sizeof record->value) != 0 ||
         std::memcmp(record->name, again->name, sizeof record->name) != 0) {

@@ -1,5 +1,6 @@
-// What stands inside an encrypted and authenticated message: the first byte chooses the protocols, the rest
-// is the plain text, which is encrypted and authenticated with the keys that the reader holds.
+// What stands inside an encrypted and authenticated message: the first byte chooses the protocols,
+// the rest is the plain text, which is encrypted and authenticated with the keys that the reader
+// holds.
 #include <cstdlib>
 
 #include "snmp/asn_decode.h"

@@ -16,8 +16,8 @@ struct JsonItemDeleter {
 // An item that belongs to no document yet.
 using OwnedJsonItem = std::unique_ptr<cJSON, JsonItemDeleter>;
 
-// Items handed out belong to the document. Buffer sizes are in characters, with the terminator; a longer
-// text is cut.
+// Items handed out belong to the document. Buffer sizes are in characters, with the terminator; a
+// longer text is cut.
 class JsonDoc {
   public:
     // Null is ignored. On failure Root() is null. Always 0.
@@ -29,7 +29,8 @@ class JsonDoc {
     static cJSON* Member(cJSON* parent, const char* name);
     static int32_t Size(const cJSON* item);  // count of children; null gives 0
 
-    // The i-th child's name, or its string value; out is left alone where there is none. Always true.
+    // The i-th child's name, or its string value; out is left alone where there is none. Always
+    // true.
     static bool MemberName(cJSON* parent, int32_t i, wchar_t* out, size_t outSize);
     static bool MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSize);
 
@@ -48,13 +49,13 @@ class JsonDoc {
     static void AddString(cJSON* object, const wchar_t* name, const wchar_t* text);
     static void AddString(cJSON* array, const wchar_t* text);
 
-    // True if there is such a string, which is copied: the i-th of the root's array of that name, or the
-    // member of any object.
+    // True if there is such a string, which is copied: the i-th of the root's array of that name,
+    // or the member of any object.
     bool StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out, size_t outSize) const;
     static bool StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, size_t outSize);
 
-    // With null: the printed UTF-8 length plus 1, or -1 when there is no root or printing failed. With a
-    // text: the printed document, indented, goes into it; -1.
+    // With null: the printed UTF-8 length plus 1, or -1 when there is no root or printing failed.
+    // With a text: the printed document, indented, goes into it; -1.
     int32_t Print(std::wstring* out) const;
 
   private:

@@ -19,8 +19,8 @@ std::string ReadDiscoveryOid(const char* jsonRequest);
 using FetchValue = std::function<bool(const char* oid, std::string& value)>;
 
 /**
- * Fills in the request for one device: each member of "GET" whose fetch succeeds gets the answer, the
- * others keep what the host put there.
+ * Fills in the request for one device: each member of "GET" whose fetch succeeds gets the answer,
+ * the others keep what the host put there.
  * @param document  Receives the printed document as UTF-8; left alone when there is none to print.
  * @return False: the request is no JSON document.
  */
