@@ -11,7 +11,7 @@ namespace {
 constexpr uint32_t kInitial[8] = {0xc1059ed8, 0x367cd507, 0x3070dd17, 0xf70e5939,
                                   0xffc00b31, 0x68581511, 0x64f98fa7, 0xbefa4fa4};
 
-constexpr uint32_t kRound[64] = {
+constexpr uint32_t kRound[kSha224Rounds] = {
     0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
     0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
     0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
@@ -32,15 +32,24 @@ void StoreBigEndian(uint32_t value, uint8_t* bytes) {
     for (int i = 0; i < 4; ++i) bytes[i] = static_cast<uint8_t>(value >> (24 - 8 * i));
 }
 
-void ExpandSchedule(const uint8_t* block, uint32_t (&w)[64]) {
+void ExpandSchedule(const uint8_t* block, uint32_t (&w)[kSha224Rounds]) {
     for (size_t t = 0; t < 16; ++t) w[t] = LoadBigEndian(block + 4 * t);
-    for (int t = 16; t < 64; ++t) {
+    for (size_t t = 16; t < kSha224Rounds; ++t) {
         const uint32_t a = w[t - 15];
         const uint32_t b = w[t - 2];
         const uint32_t sigma0 = RotateRight(a, 7) ^ RotateRight(a, 18) ^ (a >> 3);
         const uint32_t sigma1 = RotateRight(b, 17) ^ RotateRight(b, 19) ^ (b >> 10);
         w[t] = sigma1 + w[t - 7] + sigma0 + w[t - 16];
     }
+}
+
+// The caller passes the working variables one place further each time instead of moving them.
+inline void Round(uint32_t a, uint32_t b, uint32_t c, uint32_t& d, uint32_t e, uint32_t f,
+                  uint32_t g, uint32_t& h, uint32_t addend) {
+    h += (RotateRight(e, 6) ^ RotateRight(e, 11) ^ RotateRight(e, 25)) + (g ^ (e & (f ^ g))) +
+         addend;
+    d += h;
+    h += (RotateRight(a, 2) ^ RotateRight(a, 13) ^ RotateRight(a, 22)) + ((a & b) | (c & (a | b)));
 }
 
 constexpr size_t kPadSize = 64;  // of RFC 2104: the block of the hash
@@ -67,24 +76,26 @@ Sha224::Sha224() noexcept { std::memcpy(chain_, kInitial, sizeof chain_); }
 Sha224::~Sha224() {
     SecureWipe(chain_, sizeof chain_);
     SecureWipe(block_, sizeof block_);
+    SecureWipe(schedule_, sizeof schedule_);
 }
 
 void Sha224::Compress(const uint8_t* block) noexcept {
-    uint32_t w[64];
+    uint32_t(&w)[kSha224Rounds] = schedule_;
     ExpandSchedule(block, w);
     uint32_t a = chain_[0], b = chain_[1], c = chain_[2], d = chain_[3];
     uint32_t e = chain_[4], f = chain_[5], g = chain_[6], h = chain_[7];
-    for (int t = 0; t < 64; ++t) {
-        const uint32_t sum1 = RotateRight(e, 6) ^ RotateRight(e, 11) ^ RotateRight(e, 25);
-        const uint32_t t1 = h + sum1 + ((e & f) ^ (~e & g)) + kRound[t] + w[t];
-        const uint32_t sum0 = RotateRight(a, 2) ^ RotateRight(a, 13) ^ RotateRight(a, 22);
-        const uint32_t t2 = sum0 + ((a & b) ^ (a & c) ^ (b & c));
-        h = g, g = f, f = e, e = d + t1;
-        d = c, c = b, b = a, a = t1 + t2;
+    for (size_t t = 0; t < kSha224Rounds; t += 8) {
+        Round(a, b, c, d, e, f, g, h, kRound[t] + w[t]);
+        Round(h, a, b, c, d, e, f, g, kRound[t + 1] + w[t + 1]);
+        Round(g, h, a, b, c, d, e, f, kRound[t + 2] + w[t + 2]);
+        Round(f, g, h, a, b, c, d, e, kRound[t + 3] + w[t + 3]);
+        Round(e, f, g, h, a, b, c, d, kRound[t + 4] + w[t + 4]);
+        Round(d, e, f, g, h, a, b, c, kRound[t + 5] + w[t + 5]);
+        Round(c, d, e, f, g, h, a, b, kRound[t + 6] + w[t + 6]);
+        Round(b, c, d, e, f, g, h, a, kRound[t + 7] + w[t + 7]);
     }
     const uint32_t words[8] = {a, b, c, d, e, f, g, h};
     for (int i = 0; i < 8; ++i) chain_[i] += words[i];
-    SecureWipe(w, sizeof w);
 }
 
 void Sha224::Update(const uint8_t* bytes, size_t count) noexcept {

@@ -11,6 +11,7 @@
 namespace vndiscover {
 
 constexpr size_t kSha224Size = 28;
+constexpr size_t kSha224Rounds = 64;
 
 class Sha224 {
   public:
@@ -30,7 +31,8 @@ class Sha224 {
     uint32_t chain_[8];
     uint64_t bitCount_ = 0;
     uint8_t block_[kBlockSize];
-    size_t used_ = 0;  // bytes waiting in block_
+    size_t used_ = 0;                   // bytes waiting in block_
+    uint32_t schedule_[kSha224Rounds];  // a member to be wiped once, not with every block
 };
 
 // Both always succeed.
