@@ -34,11 +34,12 @@ Quietly cmake -S "$ROOT" -B "$ROOT/build/coverage" -G Ninja -DCMAKE_BUILD_TYPE=D
     -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="-fprofile-instr-generate -fcoverage-mapping"
 # shellcheck disable=SC2086 # a list of words
 Quietly cmake --build "$ROOT/build/coverage" -j "$(nproc)" --target $targets
-objects=()
+binaries=()
 for target in $targets; do
     LLVM_PROFILE_FILE=$target.profraw "$ROOT/build/coverage/bin/$target" -runs=0 "found/${target#fuzz_}" \
         "$ROOT/tests/fuzz/corpus/${target#fuzz_}" >/dev/null 2>&1
-    objects+=(-object "$ROOT/build/coverage/bin/$target")
+    binaries+=("$ROOT/build/coverage/bin/$target")
 done
 llvm-profdata-14 merge -sparse ./*.profraw -o all.profdata
-llvm-cov-14 report "${objects[@]}" -instr-profile=all.profdata "$ROOT/src" | tee coverage.txt
+llvm-cov-14 report "${binaries[0]}" "${binaries[@]/#/-object=}" -instr-profile=all.profdata \
+    -ignore-filename-regex='/tests/' | tee coverage.txt
