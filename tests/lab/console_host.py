@@ -7,6 +7,7 @@ import select
 import signal
 import subprocess
 import sys
+import tempfile
 import termios
 import time
 import unittest
@@ -49,9 +50,13 @@ while True:
 
 def run(*arguments, **environment):
     """Runs the program without a terminal. Returns exit code, standard output, standard error."""
-    done = subprocess.run(PROGRAM + list(arguments), stdin=subprocess.DEVNULL, capture_output=True, timeout=120,
-                          env={**os.environ, **environment}, check=False)
-    return done.returncode, done.stdout.decode().replace("\r\n", "\n"), done.stderr.decode()
+    # Into files: Wine's own services keep pipes open for two seconds after the program has ended.
+    with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
+        done = subprocess.run(PROGRAM + list(arguments), stdin=subprocess.DEVNULL, stdout=out, stderr=err, timeout=120,
+                              env={**os.environ, **environment}, check=False)
+        out.seek(0)
+        err.seek(0)
+        return done.returncode, out.read().decode().replace("\r\n", "\n"), err.read().decode()
 
 
 def run_on_terminal(steps, *arguments):
