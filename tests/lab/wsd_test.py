@@ -1,23 +1,16 @@
 """A real WS-Discovery responder (wsdd), found by vndiscover.exe."""
 
 import json
-import os
 import re
 import subprocess
 import time
 import unittest
 from xml.etree import ElementTree
 
-SCRIPTS = os.environ["VNDISCOVER_LAB_SCRIPTS"]
-PROGRAM = [SCRIPTS + "/wine-run.sh", "host", os.environ["VNDISCOVER_BIN"] + "/vndiscover.exe"]
+from console_host import SCRIPTS, run
+
 NAMES = {"neta": ("10.77.1.2", "PRINTER1"), "netb": ("10.77.2.2", "PRINTER2")}
 PORTS = ((":0E76 ", "udp"), (":14ED ", "tcp"))  # 3702 and, opened last, 5357, as the system lists them
-
-
-def run(*arguments):
-    done = subprocess.run(PROGRAM + list(arguments), stdin=subprocess.DEVNULL, capture_output=True, timeout=120,
-                          check=False)
-    return done.returncode, done.stdout.decode().replace("\r\n", "\n"), done.stderr.decode()
 
 
 def listed(net, protocol):
@@ -37,7 +30,7 @@ def start_responder(net):
 
 class RealResponder(unittest.TestCase):
     def test_devices_on_every_network_are_found(self):
-        code, out, err = run("wsd", "--timeout", "3000", "--format", "json")
+        code, out, err = run("wsd", "--timeout", "2000", "--format", "json")
         self.assertEqual(0, code, err)
         devices = json.loads(out)
         self.assertEqual([address for address, _ in NAMES.values()], [device["address"] for device in devices])
@@ -47,12 +40,10 @@ class RealResponder(unittest.TestCase):
             self.assertEqual(2, device["replies"])  # the responder repeats each reply, as UDP may lose one
 
     def test_raw_replies_come_as_the_responder_sent_them(self):
-        code, out, err = run("wsd", "--timeout", "3000", "--raw")
+        code, out, err = run("wsd", "--timeout", "2000", "--raw")
         self.assertEqual(0, code, out + err)
         replies = re.findall(r"^== (\S+), (\d+) bytes\n(.*)$", out, re.M)
         self.assertEqual(["10.77.1.2"] * 2 + ["10.77.2.2"] * 2, [address for address, _, _ in replies])
-        self.assertEqual(replies[0], replies[1])
-        self.assertEqual(replies[2], replies[3])
         for _, size, reply in replies:
             self.assertEqual(int(size), len(reply.encode()))
             self.assertEqual("Envelope", ElementTree.fromstring(reply.encode()).tag.rpartition("}")[2])
