@@ -3,101 +3,44 @@
 #include <algorithm>
 #include <cstring>
 
-#include "support/win.h"
-
-#include <iphlpapi.h>
-
 namespace vndiscover {
 namespace {
 
 ScriptedAdapters* g_adapters;
 
-ULONG Refuse(ULONG offered, ULONG needed, ULONG* size) {
+template <class Record>
+ULONG Fill(const std::deque<Record>& records, void* list, ULONG* size) {
+    const ULONG offered = *size;
     g_adapters->sizes.push_back(offered);
     if (g_adapters->error != 0) return g_adapters->error;
-    if (needed == 0 && g_adapters->alwaysNeeds == 0) return ERROR_NO_DATA;
-    if (g_adapters->alwaysNeeds != 0) needed = offered + g_adapters->alwaysNeeds;
-    *size = needed;
-    return offered < needed ? ERROR_BUFFER_OVERFLOW : ERROR_SUCCESS;
-}
-
-// Takes pieces of the caller's buffer, one behind the other, each zeroed.
-class Pieces {
-  public:
-    explicit Pieces(void* buffer) : next_(static_cast<uint8_t*>(buffer)) {}
-    template <class Piece>
-    Piece* Take(size_t bytes = sizeof(Piece)) {
-        uint8_t* taken = next_;
-        std::memset(taken, 0, bytes);
-        next_ += (bytes + 7) / 8 * 8;
-        return reinterpret_cast<Piece*>(taken);
-    }
-
-  private:
-    uint8_t* next_;
-};
-
-void Fill(IP_ADDR_STRING& entry, const IPv4Entry& scripted) {
-    std::strncpy(entry.IpAddress.String, scripted.address.c_str(), 15);
-    std::strncpy(entry.IpMask.String, scripted.mask.c_str(), 15);
+    *size = g_adapters->needs ? g_adapters->needs : ULONG(records.size() * sizeof(Record));
+    if (g_adapters->alwaysNeeds != 0) *size = offered + g_adapters->alwaysNeeds;
+    if (*size == 0) return ERROR_NO_DATA;
+    if (offered < *size) return ERROR_BUFFER_OVERFLOW;
+    std::memcpy(list, &records.front(), sizeof(Record));
+    return ERROR_SUCCESS;
 }
 
 ULONG WINAPI ListIPv4(IP_ADAPTER_INFO* list, ULONG* size) {
-    size_t needed = 0;
-    for (const ScriptedIPv4Adapter& adapter : g_adapters->ipv4) {
-        needed += sizeof(IP_ADAPTER_INFO) + (adapter.entries.size() - 1) * sizeof(IP_ADDR_STRING);
-    }
-    if (const ULONG refused = Refuse(*size, static_cast<ULONG>(needed), size)) return refused;
-    Pieces pieces(list);
-    IP_ADAPTER_INFO* last = nullptr;
-    for (const ScriptedIPv4Adapter& scripted : g_adapters->ipv4) {
-        auto* adapter = pieces.Take<IP_ADAPTER_INFO>();
-        if (last) last->Next = adapter;
-        last = adapter;
-        std::strncpy(adapter->Description, scripted.description.c_str(), 131);
-        IP_ADDR_STRING* entry = &adapter->IpAddressList;
-        for (size_t i = 0; i < scripted.entries.size(); ++i) {
-            if (i != 0) entry = entry->Next = pieces.Take<IP_ADDR_STRING>();
-            Fill(*entry, scripted.entries[i]);
-        }
-    }
-    return ERROR_SUCCESS;
-}
-
-void AddAddress(Pieces& pieces, IP_ADAPTER_ADDRESSES& adapter, const std::string& text) {
-    auto* unicast = pieces.Take<IP_ADAPTER_UNICAST_ADDRESS>();
-    auto* address = pieces.Take<sockaddr_in6>();
-    address->sin6_family = AF_INET6;
-    inet_pton(AF_INET6, text.c_str(), &address->sin6_addr);
-    unicast->Address.lpSockaddr = reinterpret_cast<sockaddr*>(address);
-    unicast->Address.iSockaddrLength = sizeof *address;
-    auto** end = &adapter.FirstUnicastAddress;
-    while (*end) end = &(*end)->Next;
-    *end = unicast;
+    return Fill(g_adapters->ipv4, list, size);
 }
 
 ULONG WINAPI ListIPv6(ULONG, ULONG, void*, IP_ADAPTER_ADDRESSES* list, ULONG* size) {
-    size_t needed = 0;
-    for (const ScriptedIPv6Adapter& adapter : g_adapters->ipv6) {
-        needed += sizeof(IP_ADAPTER_ADDRESSES) + adapter.name.size() * 2 + 16 +
-                  adapter.addresses.size() *
-                      (sizeof(IP_ADAPTER_UNICAST_ADDRESS) + sizeof(sockaddr_in6) + 16);
-    }
-    if (const ULONG refused = Refuse(*size, static_cast<ULONG>(needed), size)) return refused;
-    Pieces pieces(list);
-    IP_ADAPTER_ADDRESSES* last = nullptr;
-    for (const ScriptedIPv6Adapter& scripted : g_adapters->ipv6) {
-        auto* adapter = pieces.Take<IP_ADAPTER_ADDRESSES>();
-        if (last) last->Next = adapter;
-        last = adapter;
-        const size_t nameBytes = (scripted.name.size() + 1) * sizeof(wchar_t);
-        adapter->FriendlyName = pieces.Take<wchar_t>(nameBytes);
-        std::memcpy(adapter->FriendlyName, scripted.name.c_str(), nameBytes);
-        adapter->IfType = IF_TYPE_ETHERNET_CSMACD;
-        adapter->OperStatus = scripted.isUp ? IfOperStatusUp : IfOperStatusDown;
-        for (const std::string& text : scripted.addresses) AddAddress(pieces, *adapter, text);
-    }
-    return ERROR_SUCCESS;
+    return Fill(g_adapters->ipv6, list, size);
+}
+
+// A new record behind `last`, which may be null.
+template <class Record>
+Record& Append(std::deque<Record>& records, Record* last) {
+    Record& record = records.emplace_back();
+    std::memset(&record, 0, sizeof record);
+    if (last) last->Next = &record;
+    return record;
+}
+
+template <class Record>
+Record* Last(std::deque<Record>& records) {
+    return records.empty() ? nullptr : &records.back();
 }
 
 PCSTR WSAAPI UpperCaseText(INT family, const void* address, PSTR text, size_t size) {
@@ -107,28 +50,50 @@ PCSTR WSAAPI UpperCaseText(INT family, const void* address, PSTR text, size_t si
 }
 
 FARPROC WINAPI Lookup(HMODULE library, const char* name) {
-    const auto as = [](auto function) {
-        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
+    const std::string function = name;
+    const auto as = [](auto scripted) {
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(scripted));
     };
-    if (std::strcmp(name, "GetAdaptersInfo") == 0) return as(ListIPv4);
-    if (std::strcmp(name, "GetAdaptersAddresses") == 0) return as(ListIPv6);
-    if (g_adapters->addressesInUpperCase && std::strcmp(name, "inet_ntop") == 0) {
-        return as(UpperCaseText);
-    }
+    if (function == "GetAdaptersInfo") return as(ListIPv4);
+    if (function == "GetAdaptersAddresses") return as(ListIPv6);
+    if (function == "inet_ntop" && g_adapters->addressesInUpperCase) return as(UpperCaseText);
     return GetProcAddress(library, name);
-}
-
-HMODULE WINAPI Load(const wchar_t* path) {
-    g_adapters->loaded.push_back(path);
-    return LoadLibraryW(path);
 }
 
 }  // namespace
 
 ScriptedAdapters::ScriptedAdapters(const Module& module)
-    : lookup_(module.Handle(), "GetProcAddress", Lookup),
-      load_(module.Handle(), "LoadLibraryW", Load) {
+    : lookup_(module.Handle(), "GetProcAddress", Lookup) {
     g_adapters = this;
+}
+
+void ScriptedAdapters::AddIPv4(const std::string& description,
+                               const std::vector<std::pair<std::string, std::string>>& entries) {
+    IP_ADAPTER_INFO& adapter = Append(ipv4, Last(ipv4));
+    std::strncpy(adapter.Description, description.c_str(), sizeof adapter.Description - 1);
+    IP_ADDR_STRING* entry = nullptr;
+    for (const auto& [address, mask] : entries) {
+        entry = entry ? &Append(ipv4Entries, entry) : &adapter.IpAddressList;
+        std::strncpy(entry->IpAddress.String, address.c_str(), 15);
+        std::strncpy(entry->IpMask.String, mask.c_str(), 15);
+    }
+}
+
+void ScriptedAdapters::AddIPv6(const std::wstring& name, const std::vector<std::string>& addresses,
+                               bool isUp) {
+    IP_ADAPTER_ADDRESSES& adapter = Append(ipv6, Last(ipv6));
+    adapter.FriendlyName = ipv6Names.emplace_back(name).data();
+    adapter.IfType = IF_TYPE_ETHERNET_CSMACD;
+    adapter.OperStatus = isUp ? IfOperStatusUp : IfOperStatusDown;
+    IP_ADAPTER_UNICAST_ADDRESS* entry = nullptr;
+    for (const std::string& text : addresses) {
+        entry = &Append(ipv6Entries, entry);
+        if (!adapter.FirstUnicastAddress) adapter.FirstUnicastAddress = entry;
+        sockaddr_in6& address = ipv6Addresses.emplace_back();
+        address.sin6_family = AF_INET6;
+        inet_pton(AF_INET6, text.c_str(), &address.sin6_addr);
+        entry->Address = {reinterpret_cast<sockaddr*>(&address), sizeof address};
+    }
 }
 
 }  // namespace vndiscover

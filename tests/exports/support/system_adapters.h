@@ -7,7 +7,7 @@
 namespace vndiscover {
 
 struct IPv6Adapter {
-    std::string name;                    // friendly name, UTF-8
+    std::string name;                    // friendly name, ASCII in the test network
     std::vector<std::string> addresses;  // lower case
     unsigned long type;
     int status;
