@@ -35,5 +35,7 @@ TEST(PlainText, IsReadableTextWithoutWhatATerminalWouldObey) {
     EXPECT_EQ("a#b", Shown("a\rb", Breaks::kKeep)) << "else b would overwrite the line";
 }
 
+TEST(Padded, CountsCharactersNotBytes) { EXPECT_EQ("B\xC3\xBCro  ", Padded("B\xC3\xBCro", 6)); }
+
 }  // namespace
 }  // namespace vndiscover::host
