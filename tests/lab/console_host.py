@@ -16,6 +16,7 @@ SCRIPTS = os.environ["VNDISCOVER_LAB_SCRIPTS"]
 PROGRAM = [SCRIPTS + "/wine-run.sh", "host", os.environ["VNDISCOVER_BIN"] + "/vndiscover.exe"]
 LAB = os.environ["VNDISCOVER_LAB"]
 AGENT = "10.77.1.2"
+AGENT6 = "fe80::1:2"
 SYSTEM = ".1.3.6.1.2.1.1"
 CONTACT = SYSTEM + ".4.0"
 V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
@@ -25,6 +26,7 @@ agentAddress udp:161,udp6:161
 rocommunity sesame
 rocommunity6 sesame
 rwcommunity secret
+rwcommunity6 secret
 syslocation Hall "B", 2nd floor
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
 createUser admin SHA-256 authpass1 AES privpass1
@@ -66,18 +68,14 @@ def run_on_terminal(steps, *arguments):
     if child == 0:
         os.environ["TERM"] = "xterm"
         os.execv(PROGRAM[0], PROGRAM + list(arguments))
-    screen, steps, typed, start = "", list(steps), time.time(), time.time()
-    seen = 0
-    raw = b""
+    screen, raw, seen, steps = "", b"", 0, list(steps)
+    typed = start = time.time()
     while time.time() - start < 60:
         if select.select([terminal], [], [], 0.05)[0]:
             try:
-                data = os.read(terminal, 4096)
-            except OSError:
+                raw += os.read(terminal, 4096)
+            except OSError:  # the program has ended
                 break
-            if not data:
-                break
-            raw += data
             text = raw.decode("utf-8", "replace").replace("\x1b[K\x1b[1C", " ")
             screen = re.sub(r"\x1b\[[?0-9;]*[A-Za-z]", "", text)
         # A password only once Wine has taken the terminal over: before, the system itself would show it.
