@@ -99,6 +99,12 @@ TEST_F(DirectedGet, TextIsWrittenAsTheExpectedTypeHasIt) {
     EXPECT_STREQ("Model 1", text);
 }
 
+// Under Wine the runtime lets a null buffer pass, on Windows it may end the process.
+errno_t CopyIntoSomething(char* out, rsize_t size, const char* text) {
+    EXPECT_NE(nullptr, out);
+    return strcpy_s(out, size, text);
+}
+
 // The bounded copies of the C runtime decide: a raw value is zeroed, a text becomes empty. Its
 // invalid-parameter handler cannot be set under Wine, where it does nothing.
 TEST_F(DirectedGet, BuffersAreNeverOverrun) {
@@ -127,10 +133,10 @@ TEST_F(DirectedGet, BuffersAreNeverOverrun) {
             EXPECT_TRUE(room == 0 || buffer->Content()[0] == 0);
         }
     }
+    const ImportPatch strict(module.Handle(), "strcpy_s", CopyIntoSomething);
     uint32_t type = 0;
     EXPECT_EQ(8, Raw(nullptr, 256, &type));
     EXPECT_EQ(VN_TYPE_OCTET_STRING, type);
-    EXPECT_EQ(8, Raw(nullptr, 256, nullptr));
     EXPECT_EQ(8, Text(nullptr, 256, VN_TYPE_OCTET_STRING));
     EXPECT_EQ(8, module.GetSnmpInformation(kHost, nullptr, nullptr, nullptr));
 }

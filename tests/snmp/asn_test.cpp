@@ -28,7 +28,7 @@ TEST(Asn, LengthsTakeTheShortestFormAndReadBack) {
 }
 
 TEST(Asn, IndefiniteLengthsReadAsZeroAndOfManyBytesTheLastFourCount) {
-    const ByteBuffer in = ToBuffer({0x80, 0x85, 0x11, 0x22, 0x33, 0x44, 0x55});
+    const ByteBuffer in = ToBuffer(Hex("80 85 11 22 33 44 55"));
     uint32_t cursor = 0;
     EXPECT_EQ(0u, AsnReadLength(in, cursor));
     EXPECT_EQ(0x22334455u, AsnReadLength(in, cursor));
