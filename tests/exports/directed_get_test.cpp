@@ -157,13 +157,6 @@ TEST_F(DirectedGet, TheFirstDatagramIsTheAnswerWhateverItIs) {
     EXPECT_THAT(waits.Silent(), IsEmpty());
 }
 
-TEST_F(DirectedGet, AnIPv6DeviceIsReached) {
-    DeviceIn("neta", {{SnmpText("six")}});
-    GuardedBuffer value(256);
-    EXPECT_EQ(3, Raw(value.Data(), 256, nullptr, "fe80::1:11"));
-    EXPECT_EQ("fe80::1:11", agents->Requests().at(0).local);
-}
-
 TEST_F(DirectedGet, NextFillsTheRecordFieldByField) {
     struct {
         Bytes datagram;

@@ -1,5 +1,6 @@
 """vndiscover.exe with a real agent: sweeps in every format, and values read, walked and written."""
 
+import concurrent.futures
 import csv
 import io
 import json
@@ -92,7 +93,13 @@ class DirectedRequests(unittest.TestCase):
         self.assertEqual(1, run("set", AGENT, SYSTEM + ".7.0", "i", "-5", "--verify", "-w", "secret")[0])
 
     def test_failures_have_their_exit_codes(self):
-        self.assertEqual(1, run("get", "10.77.1.99", CONTACT)[0])
+        silent = "10.77.1.99"
+        with concurrent.futures.ThreadPoolExecutor() as pool:  # each waits for 10 s
+            for code, _, err in pool.map(lambda request: run(*request), (
+                    ["get", silent, CONTACT], ["set", silent, CONTACT, "s", "x"], ["info", silent],
+                    ["walk", silent])):
+                self.assertEqual(1, code)
+                self.assertIn("no answer", err)
         subprocess.run(["ip", "-n", "host", "route", "del", "default"], check=True)
         try:
             code, out, err = run("get", "10.99.0.1", CONTACT)

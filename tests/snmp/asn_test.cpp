@@ -9,7 +9,7 @@
 namespace vndiscover {
 namespace {
 
-TEST(Asn, LengthsTakeTheShortestFormAndReadBack) {
+TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
     const int32_t lengths[] = {0, 127, 128, 255, 256, 65536, INT32_MAX};
     ByteBuffer out;
     for (const int32_t length : lengths) AsnAppendLength(out, length);
@@ -20,19 +20,18 @@ TEST(Asn, LengthsTakeTheShortestFormAndReadBack) {
     }
     EXPECT_EQ(out.length, cursor);
 
+    // The indefinite form is no length, and of more than four bytes the last four count.
+    const ByteBuffer other = ToBuffer(Hex("80 85 11 22 33 44 55"));
+    cursor = 0;
+    EXPECT_EQ(0u, AsnReadLength(other, cursor));
+    EXPECT_EQ(0x22334455u, AsnReadLength(other, cursor));
+    EXPECT_EQ(other.length, cursor);
+
     UnitLog log;
     ByteBuffer negative;
     AsnAppendHeader(negative, kTagSequence, -1);
     EXPECT_EQ(Bytes{0x30}, ToBytes(negative));
     EXPECT_EQ(std::vector<std::string>{"ERROR: asnLength is 0\n"}, log.Lines());
-}
-
-TEST(Asn, IndefiniteLengthsReadAsZeroAndOfManyBytesTheLastFourCount) {
-    const ByteBuffer in = ToBuffer(Hex("80 85 11 22 33 44 55"));
-    uint32_t cursor = 0;
-    EXPECT_EQ(0u, AsnReadLength(in, cursor));
-    EXPECT_EQ(0x22334455u, AsnReadLength(in, cursor));
-    EXPECT_EQ(in.length, cursor);
 }
 
 TEST(Asn, IntegersTakeTheShortestFormAndReadBack) {
