@@ -74,7 +74,7 @@ TEST_F(BindAddress, IsOneOfTheFirstTwoOfTheList) {
         module.Reload();
         ScriptedAdapters adapters(module);
         const Waits again(module);
-        adapters.ipv6 = {{L"Adapter", list}};
+        adapters.AddIPv6(L"Adapter", list);
         log.Clear();
         EXPECT_EQ("(nothing)", Get(kInNetB));
         EXPECT_TRUE(log.Has("szBindIp [fe80::1:1]\n"));
