@@ -13,64 +13,66 @@ using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
 
+// A request for the default OID, whole and independently made: Python's hashlib and hmac, and
+// `openssl enc -nopad`, over what V3RequestFields() builds.
+const V3User kPrivateUser = {L"user", 1, 1, L"sha-2(256)", L"aEs"};
+Bytes PrivateRequest() {
+    return Hex(
+        "308187020103300f020201000203010000040107020103043f303d04098000174b0501020304"
+        "0201070203011170040475736572"
+        "0418acdd75d9b2a819fb83c28d372e96b04ac8cf0094eed94548"
+        "04083c5a96e1d27b04f9"
+        "0430bb057667ba929b420969c8ea3b2997d2fc55a069e7e1755773540a8a2c76e1055a9eabd860d5b7a5b024"
+        "83e84a0fd362");
+}
+
 const char kSilence[] = "RecvFrom - Timeout\n";
 
 template <class Base>
-class V3Base : public Base {
+class V3SweepBase : public V3Lab<Base> {
   protected:
     int32_t Sweep(BYTE useIPv6 = 0) {
+        const V3User& user = this->user;
         return this->module.DiscoverSnmpV3(this->window.Handle(), ResultWindow::kMessage, 1,
                                            useIPv6, user.name.c_str(), user.useAuth,
                                            user.authPassword, user.usePriv, user.privPassword,
                                            user.authProtocol, user.privProtocol);
     }
     int32_t SweepFor(const std::wstring& request) {
+        const V3User& user = this->user;
         return this->module.DiscoverV3DevicesByOIDjson(
             this->window.Handle(), ResultWindow::kMessage, 1, 0, request.c_str(), user.name.c_str(),
             user.useAuth, user.authPassword, user.usePriv, user.privPassword, user.authProtocol,
             user.privProtocol);
     }
-    // Devices of neta that answer the probe with reports, and each request with the answers.
-    void DeviceWith(std::vector<Answer> reports, std::vector<Answer> answers) {
-        this->Devices([=](const Request& request) {
-            if (request.net != "neta") return std::vector<Answer>();
-            return request.local == "255.255.255.255" ? reports : answers;
-        });
-    }
-    // The requests that were sent to one device.
-    std::vector<Bytes> Asked() {
-        std::vector<Bytes> asked;
-        for (const Request& request : this->agents->Requests()) {
-            if (request.local != "255.255.255.255") asked.push_back(request.data);
-        }
-        return asked;
-    }
-
-    V3User user;
 };
 
-class V3Test : public V3Base<QuickLabTest> {};
-
-class V3Sweep : public V3Test {};
+class V3Sweep : public V3SweepBase<QuickLabTest> {};
 
 TEST_F(V3Sweep, AsksEverybodyForAnEngineAndThenEachResponderForItsValue) {
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
     EXPECT_EQ(0, Sweep());
-    const std::vector<Request> requests = agents->Requests();
-    ASSERT_THAT(requests, SizeIs(3));
-    const char* const ways[][3] = {{"neta", "10.77.1.1", "255.255.255.255"},
-                                   {"neta", "10.77.1.1", "10.77.1.2"},
-                                   {"netb", "10.77.2.1", "255.255.255.255"}};
-    const Bytes data[] = {V3Probe(), V3Request(kDefaultOid), V3Probe()};
-    for (size_t i = 0; i < requests.size(); ++i) {
-        EXPECT_EQ(ways[i][0], requests[i].net) << i;
-        EXPECT_EQ(ways[i][1], requests[i].sender) << i;
-        EXPECT_EQ(ways[i][2], requests[i].local) << i;
-        EXPECT_EQ(161, requests[i].port) << i;
-        EXPECT_EQ(data[i], requests[i].data) << i;
-    }
+    EXPECT_THAT(Ways(), ElementsAre("10.77.1.1 > 255.255.255.255:161", "10.77.1.1 > 10.77.1.2:161",
+                                    "10.77.2.1 > 255.255.255.255:161"));
+    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Request(kDefaultOid), V3Probe()));
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=Model")) << "and no final message";
     EXPECT_THAT(waits.Silent(), ElementsAre(2000, 2000));
+}
+
+TEST_F(V3Sweep, AsksAsTheUserThatTheHostNames) {
+    DeviceWith({{V3Report()}}, {{V3Text("Model")}});
+    user = kPrivateUser;
+    EXPECT_EQ(0, Sweep());
+    EXPECT_EQ(0, SweepFor(L"{}"));
+    EXPECT_THAT(Asked(), ElementsAre(PrivateRequest(), PrivateRequest()));
+    // A name that does not fit is not cut: it would be another user's.
+    for (const std::wstring& name :
+         {std::wstring(128, L'u'), std::wstring(64, L'\u00e9')}) {  // two bytes each
+        user.name = name;
+        EXPECT_EQ(0, Sweep());
+        EXPECT_EQ(0, SweepFor(L"{}"));
+    }
+    EXPECT_THAT(Asked(), SizeIs(2));
 }
 
 TEST_F(V3Sweep, ReachesIPv6DevicesThroughTheirOwnAdapter) {
@@ -79,31 +81,33 @@ TEST_F(V3Sweep, ReachesIPv6DevicesThroughTheirOwnAdapter) {
         return std::vector<Answer>{{request.local == "ff02::1" ? V3Report() : V3Text("Model")}};
     });
     Sweep(1);
-    const std::vector<Request> requests = agents->Requests();
-    ASSERT_THAT(requests, SizeIs(3));
-    EXPECT_EQ("fe80::2:1", requests[2].sender);
-    EXPECT_EQ("fe80::2:2", requests[2].local);
-    EXPECT_EQ(V3Request(kDefaultOid), requests[2].data);
+    EXPECT_THAT(Ways(), ElementsAre("fe80::1:1 > ff02::1:161", "fe80::2:1 > ff02::1:161",
+                                    "fe80::2:1 > fe80::2:2:161"));
+    EXPECT_THAT(Asked(), ElementsAre(V3Request(kDefaultOid)));
     EXPECT_THAT(window.Texts(), ElementsAre("fe80::2:2=Model"));
 }
 
-TEST_F(V3Sweep, DeliversInTheOrderOfTheReportsDuplicatesIncluded) {
-    Devices([](const Request& request) {
+TEST_F(V3Sweep, DeliversWhoAnswersWithTextInTheOrderOfTheReportsDuplicatesIncluded) {
+    const std::vector<V3AnswerCase> rows = V3AnswerCases();
+    std::vector<Answer> reports;
+    std::vector<std::string> expected;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const std::string address = "10.77.1.1" + std::to_string(5 - i % 5);
+        reports.push_back({V3Report(), address});
+        if (!rows[i].text.empty()) expected.push_back(address + '=' + rows[i].text);
+    }
+    reports.push_back({V3Report(), "10.77.1.2"});  // and does not answer
+    size_t asked = 0;
+    Devices([&](const Request& request) {
         if (request.net != "neta") return std::vector<Answer>();
-        if (request.local == "10.77.1.13") return std::vector<Answer>();
-        if (request.local != "255.255.255.255") {
-            return std::vector<Answer>{{V3Text("I am " + request.local)}};
-        }
-        return std::vector<Answer>{{V3Report(), "10.77.1.12"},
-                                   {V3Report(), "10.77.1.13"},
-                                   {V3Report(), "10.77.1.11"},
-                                   {V3Report(), "10.77.1.12"}};
+        if (request.data == V3Probe()) return reports;
+        const size_t row = asked++;
+        return row < rows.size() ? std::vector<Answer>{{rows[row].datagram}}
+                                 : std::vector<Answer>();
     });
     Sweep();
-    EXPECT_THAT(window.Texts(),
-                ElementsAre("10.77.1.12=I am 10.77.1.12", "10.77.1.11=I am 10.77.1.11",
-                            "10.77.1.12=I am 10.77.1.12"));
-    EXPECT_THAT(waits.Silent(), SizeIs(1 + 2)) << "one for the device without an answer";
+    EXPECT_THAT(window.Texts(), ElementsAreArray(expected));
+    EXPECT_THAT(waits.Silent(), SizeIs(2 + 1)) << "one for the device without an answer";
 }
 
 TEST_F(V3Sweep, AsksAReporterWithoutAnEngineWithAnotherProbe) {
@@ -116,157 +120,7 @@ TEST_F(V3Sweep, AsksAReporterWithoutAnEngineWithAnotherProbe) {
     EXPECT_THAT(window.Texts(), IsEmpty());
 }
 
-TEST_F(V3Sweep, SendsNothingForAUserNameThatDoesNotFit) {
-    DeviceWith({{V3Report()}}, {{V3Text("Model")}});
-    user.name = std::wstring(128, L'u');
-    EXPECT_EQ(0, Sweep());
-    user.name = std::wstring(64, L'\u00e9');  // two bytes each
-    EXPECT_EQ(0, Sweep());
-    EXPECT_THAT(agents->Requests(), IsEmpty());
-    user.name = std::wstring(127, L'u');
-    Sweep();
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=Model"));
-}
-
-struct LevelCase : Row {
-    V3User user;
-    uint8_t flags;
-    size_t macLength;
-    std::string salt;  // hexadecimal; it begins anew with every message
-};
-class V3Level : public V3Test, public testing::WithParamInterface<LevelCase> {};
-
-TEST_P(V3Level, ShowsInTheRequest) {
-    user = GetParam().user;
-    DeviceWith({{V3Report()}}, {{V3Text("Model")}});
-    Sweep();
-    ASSERT_THAT(Asked(), SizeIs(1));
-    V3Datagram expected;
-    expected.msgMaxSize = 65536;
-    expected.flagsTlv = Tlv(0x04, {GetParam().flags});
-    expected.macTlv = Tlv(0x04, Bytes(GetParam().macLength, 0));
-    expected.salt = Hex(GetParam().salt);
-    expected.scopedTlv = {};
-    const Bytes asked = Asked()[0];
-    const Bytes content = expected.Content();
-    // Behind the outer tag and its length; the code itself is no constant.
-    const size_t macEnd = content.size() - (2 + expected.salt.size());
-    ASSERT_GT(asked.size(), content.size());
-    const size_t start = asked[1] < 0x80 ? 2 : 2 + (asked[1] & 0x7F);
-    const auto same = [&](size_t from, size_t to) {
-        return std::equal(content.begin() + static_cast<std::ptrdiff_t>(from),
-                          content.begin() + static_cast<std::ptrdiff_t>(to),
-                          asked.begin() + static_cast<std::ptrdiff_t>(start + from));
-    };
-    EXPECT_TRUE(same(0, macEnd - GetParam().macLength)) << testing::PrintToString(asked);
-    EXPECT_TRUE(same(macEnd, content.size())) << testing::PrintToString(asked);
-}
-
-V3User PlainUser(BYTE usePriv) { return {L"user", 0, usePriv}; }
-V3User AuthUser(const wchar_t* protocol) { return {L"user", 1, 0, protocol}; }
-V3User PrivUser(const wchar_t* auth, const wchar_t* priv) { return {L"user", 1, 1, auth, priv}; }
-
-INSTANTIATE_TEST_SUITE_P(
-    Labels, V3Level,
-    testing::Values(LevelCase{"NoSecurity", PlainUser(0), 0x04, 0, ""},
-                    LevelCase{"PrivacyWithoutAuthentication", PlainUser(1), 0x04, 0, ""},
-                    LevelCase{"Md5", AuthUser(L"md5"), 0x05, 12, ""},
-                    LevelCase{"Sha1", AuthUser(L"sha1"), 0x05, 12, ""},
-                    LevelCase{"Sha224", AuthUser(L"Sha-2(224)"), 0x05, 16, ""},
-                    LevelCase{"Sha256", AuthUser(L"sha-2(256)"), 0x05, 24, ""},
-                    LevelCase{"Sha384", AuthUser(L"SHA-2(384)"), 0x05, 32, ""},
-                    LevelCase{"Sha512", AuthUser(L"shA-2(512)"), 0x05, 48, ""},
-                    LevelCase{"UnknownAuthentication", AuthUser(L"SHA"), 0x05, 0, ""},
-                    LevelCase{"NullAuthentication", AuthUser(nullptr), 0x05, 0, ""},
-                    LevelCase{"Des", PrivUser(L"MD5", L"des"), 0x07, 12, "00000007 002a4c1a"},
-                    LevelCase{"Aes", PrivUser(L"SHA-2(512)", L"aEs"), 0x07, 48,
-                              "3c5a96e1 d27b04f9"}),
-    kNameOfRow);
-
-class V3AnswerTest : public V3Test {};
-
-struct AnswerCase : Row {
-    Bytes answer;
-    std::string value;  // empty: no device
-};
-class V3Answer : public V3AnswerTest, public testing::WithParamInterface<AnswerCase> {};
-
-TEST_P(V3Answer, IsADeviceWhereItHoldsText) {
-    DeviceWith({{V3Report()}}, {{GetParam().answer}});
-    Sweep();
-    if (GetParam().value.empty()) {
-        EXPECT_THAT(window.Texts(), IsEmpty());
-    } else {
-        EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=" + GetParam().value));
-    }
-    EXPECT_THAT(waits.Silent(), SizeIs(2)) << "whatever comes is the answer";
-}
-
-Bytes OfModel(uint32_t securityModel) {
-    V3Datagram answer = V3AnswerFields(Tlv(0x04, TextBytes("Model")));
-    answer.securityModel = securityModel;
-    return answer.Build();
-}
-
-Bytes Valued(const std::string& tlv) { return V3AnswerFields(Hex(tlv)).Build(); }
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, V3Answer,
-    testing::Values(AnswerCase{"Text", V3Text("Model"), "Model"},
-                    AnswerCase{"TextUpToItsZeroByte", V3Text(std::string("ab\0cd", 5)), "ab"},
-                    AnswerCase{"LongestText", V3Text(std::string(126, 'x')), std::string(126, 'x')},
-                    AnswerCase{"AnotherOid", V3Text("Model", kSysName), "Model"},
-                    AnswerCase{"Integer", Valued("02 04 7f ff ff ff"), "2147483647"},
-                    AnswerCase{"NegativeInteger", Valued("02 01 ff"), "-1"},
-                    AnswerCase{"IntegerOfSixBytes", Valued("02 06 00 00 00 00 00 01"), ""},
-                    AnswerCase{"EmptyText", V3Text(""), ""},
-                    AnswerCase{"Null", Valued("05 00"), ""},
-                    AnswerCase{"Counter", Valued("41 01 07"), ""},
-                    AnswerCase{"NoSuchObject", Valued("80 00"), ""},
-                    AnswerCase{"AnotherReport", V3Report(), ""},
-                    AnswerCase{"AnotherSecurityModel", OfModel(1), ""},
-                    AnswerCase{"NoBer", TextBytes("hello"), ""},
-                    AnswerCase{"CommunityAnswer", SnmpText("Model"), ""}),
-    kNameOfRow);
-
-// One sweep meets them all: as many reports as there are prefixes.
-TEST_F(V3AnswerTest, CutAnywhereIsNoDevice) {
-    const Bytes whole = V3Text("Model");
-    size_t length = 0;
-    Devices([&](const Request& request) {
-        if (request.net != "neta") return std::vector<Answer>();
-        if (request.local == "255.255.255.255") {
-            return std::vector<Answer>{{V3Report(), "", 0, static_cast<int>(whole.size())}};
-        }
-        return std::vector<Answer>{{Prefix(whole, ++length)}};
-    });
-    Sweep();
-    EXPECT_EQ(whole.size(), length) << "every length was an answer";
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=Model")) << "the last one is whole";
-}
-
-TEST_F(V3AnswerTest, ToAReportThatIsCutComesFromADeviceAskedByWhatItTold) {
-    const Bytes whole = V3Report();
-    std::vector<Answer> reports;
-    for (size_t length = 1; length <= whole.size(); ++length) {
-        reports.push_back({Prefix(whole, length)});
-    }
-    Devices([&](const Request& request) {
-        if (request.net != "neta") return std::vector<Answer>();
-        if (request.local == "255.255.255.255") return reports;
-        return std::vector<Answer>{
-            {request.data == V3Request(kDefaultOid) ? V3Text("Model") : TextBytes("what?")}};
-    });
-    Sweep();
-    ASSERT_THAT(Asked(), SizeIs(whole.size()));
-    EXPECT_EQ(V3ProbeFor(kDefaultOid), Asked().front()) << "no engine yet";
-    EXPECT_EQ(V3Request(kDefaultOid), Asked().back());
-    EXPECT_FALSE(window.results.empty());
-}
-
-class V3Json : public V3Test {};
-
-TEST_F(V3Json, FillsInEachValueThatTheDeviceHas) {
+TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
     Devices([](const Request& request) {
         if (request.net != "neta") return std::vector<Answer>();
         if (request.data == V3Probe()) return std::vector<Answer>{{V3Report()}};
@@ -287,87 +141,111 @@ TEST_F(V3Json, FillsInEachValueThatTheDeviceHas) {
     EXPECT_THAT(waits.Silent(), SizeIs(1 + 2)) << "one wait for the value that is missing";
 }
 
-TEST_F(V3Json, IsRejectedFrom2048BytesOn) {
+TEST_F(V3Sweep, JsonIsRejectedFrom2048BytesOnAndNotDeliveredWhereItIsNone) {
     const std::wstring text = L"{\"a\": 1}";
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
     SweepFor(text + std::wstring(2048 - text.size(), L' '));
     SweepFor(L"{\"a\": \"" + std::wstring(1020, L'\u00e9') + L"\"}");  // two bytes each
-    EXPECT_THAT(agents->Requests(), IsEmpty());
+    EXPECT_THAT(Sent(), IsEmpty());
+    SweepFor(L"{\"GET\": {");
+    EXPECT_THAT(Asked(), ElementsAre(V3Request(kDefaultOid)));
     EXPECT_THAT(window.Texts(), IsEmpty());
     SweepFor(text + std::wstring(2047 - text.size(), L' '));
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2={\n\t\"a\":\t1\n}"));
 }
 
-TEST_F(V3Json, DeliversNothingForWhatIsNoJson) {
-    DeviceWith({{V3Report()}}, {{V3Text("Model")}});
-    SweepFor(L"{\"GET\": {");
-    EXPECT_THAT(window.Texts(), IsEmpty());
-    EXPECT_THAT(Asked(), ElementsAre(V3Request(kDefaultOid)));
+// A network of more devices than the table holds, played by these functions: so many exchanges over
+// the test network would take minutes.
+namespace crowd {
+
+int adapters, reports, answers;
+bool isAsked;
+std::function<void()> onReport;
+
+int WSAAPI Select(int, fd_set*, fd_set*, fd_set*, const timeval*) { return adapters > 1 ? 0 : 1; }
+
+int WSAAPI Send(SOCKET, const char*, int length, int, const sockaddr* to, int) {
+    isAsked = reinterpret_cast<const sockaddr_in*>(to)->sin_addr.s_addr != INADDR_BROADCAST;
+    if (!isAsked) ++adapters;
+    return length;
 }
 
-class V3Limits : public V3Test {};
+int WSAAPI Receive(SOCKET, char* buffer, int, int, sockaddr* from, int* fromLength) {
+    if (adapters > 1) {  // the other network is silent
+        WSASetLastError(WSAEWOULDBLOCK);
+        return SOCKET_ERROR;
+    }
+    const Bytes data = isAsked ? V3Text("Model " + std::to_string(answers++)) : V3Report();
+    if (!isAsked && (++reports, onReport)) onReport();
+    isAsked = false;
+    sockaddr_in sender = {};
+    sender.sin_family = AF_INET;
+    sender.sin_addr.s_addr = htonl(0x0A4D0102);
+    std::memcpy(from, &sender, sizeof sender);
+    *fromLength = sizeof sender;
+    std::copy(data.begin(), data.end(), buffer);
+    return static_cast<int>(data.size());
+}
 
-// Reports every 50 ms, which would go on for 20 s; the minute passes because the test moves the
-// clock. Reports and answers take turns.
+}  // namespace crowd
+
+class V3Limits : public V3SweepBase<LabTest> {
+  protected:
+    V3Limits() {
+        crowd::adapters = crowd::reports = crowd::answers = 0;
+        crowd::onReport = nullptr;
+    }
+
+    ImportPatch select{module.Handle(), "select", crowd::Select};
+    ImportPatch send{module.Handle(), "sendto", crowd::Send};
+    ImportPatch receive{module.Handle(), "recvfrom", crowd::Receive};
+    FastClock clock{module};
+};
+
+TEST_F(V3Limits, AFullTableEndsAPhaseAtOnce) {
+    Sweep();
+    EXPECT_EQ(8192, crowd::reports);
+    EXPECT_EQ(2, crowd::adapters);
+    ASSERT_THAT(window.results, SizeIs(8192));
+    for (size_t i = 0; i < window.results.size(); ++i) {
+        ASSERT_EQ("Model " + std::to_string(i), window.results[i].value);
+    }
+}
+
 TEST_F(V3Limits, AMinuteEndsAPhaseThatIsNeverSilent) {
-    FastClock clock(module);
-    const Receives receives(module, nullptr, [&](int datagrams) {
-        if (datagrams == 1) clock.Advance(55000);
-        if (datagrams == 5) clock.Advance(5000);
-    });
-    DeviceWith({{V3Report(), "", 0, 400, 50000}}, {{V3Text("A")}});
+    crowd::onReport = [&] { clock.Advance(crowd::reports == 1 ? 50000 : 5000); };
     Sweep();
     EXPECT_THAT(window.results, SizeIs(3));
-    EXPECT_THAT(waits.Silent(), ElementsAre(2000)) << "of the other adapter";
 }
 
-TEST_F(V3Limits, AStopFromTheWindowEndsDelivery) {
-    DeviceWith({{V3Report()}, {V3Report()}}, {{V3Text("A")}});
-    window.onResult = [&](const Result&) { module.StopDiscoverSnmp(); };
-    Sweep();
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=A"));
-    EXPECT_THAT(agents->Requests(), SizeIs(2 + 2)) << "the other adapter is still asked";
-}
-
-TEST_F(V3Limits, AStopFromAnotherThreadEndsCollectionWithoutDelivery) {
-    DeviceWith({{V3Report(), "", 0, 400, 50000}}, {{V3Text("A")}});
-    std::thread stopping([&] {
-        Sleep(500);
+TEST_F(V3Sweep, AStopFromAnotherThreadEndsCollectionWithoutDelivery) {
+    Devices([&](const Request& request) {  // on a thread of the devices
+        if (request.data == V3Probe()) return std::vector<Answer>{{V3Report()}, {V3Report()}};
         module.StopDiscoverSnmp();
+        return std::vector<Answer>{{V3Text("A")}};
     });
-    const int64_t started = NowMs();
     Sweep();
-    stopping.join();
-    EXPECT_LE(NowMs() - started, 8000);
     EXPECT_THAT(window.Texts(), IsEmpty());
+    EXPECT_THAT(Asked(), SizeIs(2)) << "one device of each adapter";
 }
 
-class V3SweepLog : public V3Base<LoggedTest> {
+class V3SweepLog : public V3SweepBase<LoggedTest> {
   protected:
     const Lines encode = {"VxSNMPv3::Encode()\n"};
     const Lines decode = {"VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n"};
-    const Lines nobody = {"HandleEventsV3 start\n", kSilence,
-                          " ==== We have [0] devices on the network. ==== \n"};
-    const Lines asksForModel = {"OID length [14]\n",
-                                "OID = [2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ]\n",
-                                "SNMP::GetInformationV3 - [10.77.1.2]\n", "VxSNMPv3::Encode()\n"};
-    const Lines found = {kSilence, " ==== We have [1] devices on the network. ==== \n"};
-    const Lines delivered = {"We have [1] devices responsed the information.\n",
-                             "HandleEvents end\n"};
+    const Lines takesReport =
+        Lines{"HandleEventsV3 start\n", "tszRecvAddr = [10.77.1.2]\n"} + decode +
+        Lines{"OID length [14]\n", "OID = [2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ]\n",
+              "SNMP::GetInformationV3 - [10.77.1.2]\n"} +
+        encode;
+    const Lines ended = {"SNMP::Discoverv3 - ended\n"};
+    Lines Found(int count) {
+        return {kSilence,
+                " ==== We have [" + std::to_string(count) + "] devices on the network. ==== \n"};
+    }
 };
 
-TEST_F(V3SweepLog, TellsOneSweepFromItsStartToItsEnd) {
-    DeviceWith({{V3Report()}}, {{V3Text("A")}});
-    Sweep();
-    EXPECT_THAT(log.Lines(),
-                ElementsAreArray(
-                    Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode + AdapterLines(0) +
-                    Lines{"HandleEventsV3 start\n", "tszRecvAddr = [10.77.1.2]\n"} + decode +
-                    asksForModel + decode + Lines{"strValue [A]"} + found + delivered +
-                    AdapterLines(1) + nobody + Lines{"SNMP::Discoverv3 - ended\n"}));
-}
-
-TEST_F(V3SweepLog, TellsWhatEachDeviceIsAskedInJsonMode) {
+TEST_F(V3SweepLog, TellsAJsonSweepFromItsStartToItsEnd) {
     DeviceWith({{V3Report()}}, {{V3Text("A")}});
     SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
     EXPECT_THAT(
@@ -376,38 +254,25 @@ TEST_F(V3SweepLog, TellsWhatEachDeviceIsAskedInJsonMode) {
             Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode +
             Lines{"wszDisOID []\n", "szDisOid []\n",
                   "Should not come here set set DisOID to \".1.3.6.1.4.1.5963.43.5.1.1.1.1\"\n"} +
-            AdapterLines(0) + Lines{"HandleEventsV3 start\n", "tszRecvAddr = [10.77.1.2]\n"} +
-            decode + asksForModel + decode + Lines{"strValue [A]"} + found +
+            AdapterLines(0) + takesReport + decode + Lines{"strValue [A]"} + Found(1) +
             Lines{"GET command\n", "Key [.1.3.6.1.2.1.1.5.0]\n", "  value []\n",
                   "  szKey [.1.3.6.1.2.1.1.5.0]\n", "OID length [9]\n",
                   "OID = [2b 06 01 02 01 01 05 00 ]\n", "SNMP::GetInformationV3 - [10.77.1.2]\n"} +
-            encode + decode + Lines{"szKey [.1.3.6.1.2.1.1.5.0] strValue [A]"} + delivered +
-            AdapterLines(1) + nobody + Lines{"SNMP::Discoverv3 - ended\n"}));
-}
-
-TEST_F(V3SweepLog, TellsAWrongAuthenticationCodeAndUsesTheAnswer) {
-    DeviceWith({{V3Report()}}, {{V3WronglySigned("A")}});
-    user.useAuth = 1;
-    Sweep();
-    EXPECT_TRUE(log.Has("NOT MATCH _authenticationParameters\n"));
-    EXPECT_FALSE(log.Has("MATCH _authenticationParameters\n"));
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=A"));
+            encode + decode +
+            Lines{"szKey [.1.3.6.1.2.1.1.5.0] strValue [A]",
+                  "We have [1] devices responsed the information.\n", "HandleEvents end\n"} +
+            AdapterLines(1) + Lines{"HandleEventsV3 start\n"} + Found(0) + ended));
 }
 
 TEST_F(V3SweepLog, TellsFailedSendsAndADeviceWithoutAValue) {
     DeviceWith({{V3Report()}}, {});
-    {
-        const Sends sends(module, [](int call) { return call >= 2 ? WSAENETUNREACH : 0; });
-        Sweep();
-    }
+    const Sends sends(module, [](int call) { return call >= 2 ? WSAENETUNREACH : 0; });
+    Sweep();
     const Lines failed = {"sendto() failed - 10051\n", "sendto() failed, err: 10051\n"};
     EXPECT_THAT(log.Lines(),
-                ElementsAreArray(
-                    Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode + AdapterLines(0) +
-                    Lines{"HandleEventsV3 start\n", "tszRecvAddr = [10.77.1.2]\n"} + decode +
-                    asksForModel + failed + Lines{"strValue []"} +
-                    Lines{kSilence, " ==== We have [0] devices on the network. ==== \n"} +
-                    AdapterLines(1) + failed + Lines{"SNMP::Discoverv3 - ended\n"}));
+                ElementsAreArray(Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode +
+                                 AdapterLines(0) + takesReport + failed + Lines{"strValue []"} +
+                                 Found(0) + AdapterLines(1) + failed + ended));
 }
 
 }  // namespace
