@@ -72,12 +72,10 @@ uint32_t DecodePdu(PduRecord& pdu, const ByteBuffer& in, uint32_t cursor) {
     cursor = AsnReadInteger(pdu.errorStatus, in, cursor);
     cursor = AsnReadInteger(pdu.errorIndex, in, cursor);
 
-    pdu.Wipe();
-    pdu.decoded.clear();
     SetVarBindList(nullptr, 0, pdu.bindings);
     AsnReadHeaderWithin(in, cursor, length);
     const uint32_t end = cursor + length;
-    std::vector<VarBindRecord> found;
+    DecodedBindings found;
     while (cursor < end) found.push_back(ReadBinding(in, cursor));
     pdu.decoded = std::move(found);
     SetVarBindList(pdu.decoded.data(), static_cast<int32_t>(pdu.decoded.size()), pdu.bindings);

@@ -13,21 +13,20 @@
 
 namespace vndiscover {
 
+// Wiped: what was decoded may have come encrypted.
+using DecodedBindings = std::vector<VarBindRecord, WipingAllocator<VarBindRecord>>;
+
 struct PduRecord {
     VarBindList bindings;  // to encode: the caller's array; decoded: `decoded`
     int32_t errorStatus = 0;
     int32_t errorIndex = 0;
     int32_t requestId = 0;
     uint8_t pduType = kPduGetRequest;
-    std::vector<VarBindRecord> decoded;  // owns what DecodePdu found
+    DecodedBindings decoded;  // owns what DecodePdu found
 
     PduRecord() = default;
-    ~PduRecord() { Wipe(); }
     PduRecord(const PduRecord&) = delete;  // bindings points into decoded
     PduRecord& operator=(const PduRecord&) = delete;
-
-    // Wipes what was decoded, which may have come encrypted.
-    void Wipe() noexcept { SecureWipe(decoded.data(), decoded.size() * sizeof(VarBindRecord)); }
 };
 
 // Appends the PDU. A request identifier of 0 becomes 257, in the record too.

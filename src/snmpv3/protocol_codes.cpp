@@ -7,14 +7,13 @@ namespace {
 
 struct AuthProtocol {
     const wchar_t* label;
-    uint32_t digestLength;
     uint32_t macLength;
 };
 
 // By code, from 1. RFC 3414 and RFC 7860 cut the HMACs.
 constexpr AuthProtocol kAuthProtocols[] = {
-    {L"MD5", 16, 12},        {L"SHA1", 20, 12},       {L"SHA-2(224)", 28, 16},
-    {L"SHA-2(256)", 32, 24}, {L"SHA-2(384)", 48, 32}, {L"SHA-2(512)", 64, 48},
+    {L"MD5", 12},        {L"SHA1", 12},       {L"SHA-2(224)", 16},
+    {L"SHA-2(256)", 24}, {L"SHA-2(384)", 32}, {L"SHA-2(512)", 48},
 };
 constexpr const wchar_t* kPrivLabels[] = {L"DES", L"AES"};
 
@@ -26,11 +25,6 @@ wchar_t ToUpperAscii(wchar_t c) {
 bool SameLabel(const wchar_t* a, const wchar_t* b) {
     while (*a && ToUpperAscii(*a) == ToUpperAscii(*b)) ++a, ++b;
     return *a == *b;
-}
-
-const AuthProtocol* Find(uint32_t authCode) {
-    const bool known = authCode >= kAuthMd5 && authCode <= kAuthSha512;
-    return known ? &kAuthProtocols[authCode - kAuthMd5] : nullptr;
 }
 
 }  // namespace
@@ -53,14 +47,9 @@ uint32_t PrivCodeOf(const wchar_t* label) {
     return kPrivNone;
 }
 
-uint32_t DigestLength(uint32_t authCode) {
-    const AuthProtocol* protocol = Find(authCode);
-    return protocol ? protocol->digestLength : 0;
-}
-
 uint32_t MacLength(uint32_t authCode) {
-    const AuthProtocol* protocol = Find(authCode);
-    return protocol ? protocol->macLength : 0;
+    const bool known = authCode >= kAuthMd5 && authCode <= kAuthSha512;
+    return known ? kAuthProtocols[authCode - kAuthMd5].macLength : 0;
 }
 
 }  // namespace vndiscover

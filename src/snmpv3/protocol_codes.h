@@ -24,9 +24,6 @@ uint32_t AuthCodeOf(const wchar_t* label);
 // "DES", "AES" in any letter case; 0 for any other label and for null.
 uint32_t PrivCodeOf(const wchar_t* label);
 
-// Bytes of a digest, a whole HMAC and a localised key; 0 for a code that has none.
-uint32_t DigestLength(uint32_t authCode);
-
 // Bytes of an HMAC that are sent; 0 for a code that has none.
 uint32_t MacLength(uint32_t authCode);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
 namespace vndiscover {
 
@@ -11,5 +12,21 @@ inline void SecureWipe(void* memory, size_t size) noexcept {
     volatile unsigned char* bytes = static_cast<volatile unsigned char*>(memory);
     for (size_t i = 0; i < size; ++i) bytes[i] = 0;
 }
+
+// For containers of secrets: each block is wiped when it is given back, also behind a growth.
+template <class T>
+struct WipingAllocator {
+    using value_type = T;
+    WipingAllocator() = default;
+    template <class Other>
+    WipingAllocator(const WipingAllocator<Other>&) noexcept {}
+    T* allocate(size_t count) { return std::allocator<T>().allocate(count); }
+    void deallocate(T* block, size_t count) noexcept {
+        SecureWipe(block, count * sizeof(T));
+        std::allocator<T>().deallocate(block, count);
+    }
+    friend bool operator==(const WipingAllocator&, const WipingAllocator&) { return true; }
+    friend bool operator!=(const WipingAllocator&, const WipingAllocator&) { return false; }
+};
 
 }  // namespace vndiscover

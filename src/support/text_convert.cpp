@@ -5,11 +5,13 @@
 namespace vndiscover {
 namespace {
 
+// Built in the caller's own string: a short password that was moved would stay behind on the stack.
 std::string ToNarrow(UINT codePage, const wchar_t* text) {
-    if (!text || !*text) return {};
+    std::string narrow;
+    if (!text || !*text) return narrow;
     const int size = WideCharToMultiByte(codePage, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    if (size <= 1) return {};
-    std::string narrow(static_cast<size_t>(size), '\0');
+    if (size <= 1) return narrow;
+    narrow.resize(static_cast<size_t>(size));
     WideCharToMultiByte(codePage, 0, text, -1, narrow.data(), size, nullptr, nullptr);
     narrow.resize(narrow.size() - 1);  // the terminator was converted with the text
     return narrow;
