@@ -7,48 +7,35 @@
 namespace vndiscover {
 namespace {
 
-constexpr int32_t kBoots = 0x01020304;
-constexpr int32_t kTime = 0x0A0B0C0D;
-
-// 10 11 12 ...
-ByteBuffer CountingKey(size_t size) {
-    Bytes key;
-    for (size_t i = 0; i < size; ++i) key.push_back(static_cast<uint8_t>(0x10 + i));
-    return ToBuffer(key);
-}
-
 struct Result {
     bool done;
     Bytes text;
     Bytes salt;
 };
 
+// With boots 01020304, time 0a0b0c0d and the key 10 11 12 ...
 class Privacy : public testing::Test {
   protected:
-    Result EncryptDes(const Bytes& plain, size_t keySize = 32) {
+    Result Encrypt(bool des, const Bytes& plain, size_t keySize = 32) {
         const ByteBuffer text = ToBuffer(plain), key = CountingKey(keySize);
+        const PrivacyInput input = {text, key, 0x01020304, 0x0A0B0C0D};
         ByteBuffer cipher, salt;
-        const bool done = DesPrivacy().Encrypt(crypto_, {text, key, kBoots, kTime}, cipher, salt);
+        const bool done = des ? DesPrivacy().Encrypt(crypto_, input, cipher, salt)
+                              : AesPrivacy().Encrypt(input, cipher, salt);
         return {done, ToBytes(cipher), ToBytes(salt)};
     }
-    Result EncryptAes(const Bytes& plain, size_t keySize = 32) {
-        const ByteBuffer text = ToBuffer(plain), key = CountingKey(keySize);
-        ByteBuffer cipher, salt;
-        const bool done = AesPrivacy().Encrypt({text, key, kBoots, kTime}, cipher, salt);
-        return {done, ToBytes(cipher), ToBytes(salt)};
-    }
-    Result DecryptDes(const Bytes& cipher, const Bytes& salt, size_t keySize = 32) {
+    Result Decrypt(bool des, const Bytes& cipher, const Bytes& salt, size_t keySize = 32) {
         const ByteBuffer text = ToBuffer(cipher), key = CountingKey(keySize);
+        const PrivacyInput input = {text, key, 0x01020304, 0x0A0B0C0D};
         ByteBuffer plain;
-        const bool done =
-            DesPrivacy::Decrypt(crypto_, {text, key, kBoots, kTime}, ToBuffer(salt), plain);
+        const bool done = des ? DesPrivacy::Decrypt(crypto_, input, ToBuffer(salt), plain)
+                              : AesPrivacy::Decrypt(input, ToBuffer(salt), plain);
         return {done, ToBytes(plain), salt};
     }
-    Result DecryptAes(const Bytes& cipher, const Bytes& salt, size_t keySize = 32) {
-        const ByteBuffer text = ToBuffer(cipher), key = CountingKey(keySize);
-        ByteBuffer plain;
-        const bool done = AesPrivacy::Decrypt({text, key, kBoots, kTime}, ToBuffer(salt), plain);
-        return {done, ToBytes(plain), salt};
+    static ByteBuffer CountingKey(size_t size) {
+        Bytes key;
+        for (size_t i = 0; i < size; ++i) key.push_back(static_cast<uint8_t>(0x10 + i));
+        return ToBuffer(key);
     }
 
     const Bytes plain_ = TextBytes("seventeen bytes !");
@@ -63,19 +50,20 @@ class Privacy : public testing::Test {
 };
 
 TEST_F(Privacy, EncryptsLikeAnIndependentTool) {
-    const Result des = EncryptDes(plain_);
-    EXPECT_EQ(desCipher_, des.text);
-    EXPECT_EQ(desSalt_, des.salt);
-    const Result aes = EncryptAes(plain_);
-    EXPECT_EQ(aesCipher_, aes.text);
-    EXPECT_EQ(aesSalt_, aes.salt);
+    for (size_t keySize : {16, 32}) {
+        const Result des = Encrypt(true, plain_, keySize), aes = Encrypt(false, plain_, keySize);
+        EXPECT_EQ(desCipher_, des.text);
+        EXPECT_EQ(desSalt_, des.salt);
+        EXPECT_EQ(aesCipher_, aes.text);
+        EXPECT_EQ(aesSalt_, aes.salt);
+    }
 }
 
 TEST_F(Privacy, DecryptsToTheCipherTextsLength) {
-    EXPECT_EQ(plain_ + Bytes(7, 0), DecryptDes(desCipher_, desSalt_).text);
-    EXPECT_EQ(plain_ + Bytes(15, 0), DecryptAes(aesCipher_, aesSalt_).text);
+    EXPECT_EQ(plain_ + Bytes(7, 0), Decrypt(true, desCipher_, desSalt_).text);
+    EXPECT_EQ(plain_ + Bytes(15, 0), Decrypt(false, aesCipher_, aesSalt_).text);
     for (size_t size = 1; size <= plain_.size(); ++size) {
-        EXPECT_EQ(Prefix(plain_, size), DecryptAes(Prefix(aesCipher_, size), aesSalt_).text);
+        EXPECT_EQ(Prefix(plain_, size), Decrypt(false, Prefix(aesCipher_, size), aesSalt_).text);
     }
 }
 
@@ -83,30 +71,26 @@ TEST_F(Privacy, PadsDesToBlocksAndAesBeyondThem) {
     const size_t rows[][3] = {{1, 8, 16},   {8, 8, 16},   {15, 16, 16}, {16, 16, 32},
                               {17, 24, 32}, {32, 32, 48}, {33, 40, 48}};
     for (const auto& row : rows) {
-        EXPECT_EQ(row[1], EncryptDes(Bytes(row[0], 0x30)).text.size()) << row[0];
-        EXPECT_EQ(row[2], EncryptAes(Bytes(row[0], 0x30)).text.size()) << row[0];
+        EXPECT_EQ(row[1], Encrypt(true, Bytes(row[0], 0x30)).text.size()) << row[0];
+        EXPECT_EQ(row[2], Encrypt(false, Bytes(row[0], 0x30)).text.size()) << row[0];
     }
 }
 
-TEST_F(Privacy, RefusesAShortKey) {
-    for (size_t size : {0u, 8u, 15u}) {
-        EXPECT_FALSE(EncryptDes(plain_, size).done);
-        EXPECT_FALSE(EncryptAes(plain_, size).done);
-        EXPECT_FALSE(DecryptDes(desCipher_, desSalt_, size).done);
-        EXPECT_FALSE(DecryptAes(aesCipher_, aesSalt_, size).done);
+TEST_F(Privacy, RefusesAShortKeyAndWhatNoSenderMakes) {
+    for (const bool des : {true, false}) {
+        const Bytes& cipher = des ? desCipher_ : aesCipher_;
+        const Bytes& salt = des ? desSalt_ : aesSalt_;
+        for (size_t size : {0u, 8u, 15u}) {
+            EXPECT_FALSE(Encrypt(des, plain_, size).done);
+            EXPECT_FALSE(Decrypt(des, cipher, salt, size).done);
+        }
+        for (const Bytes& other : {Bytes(), Bytes(7, 1), Bytes(9, 1)}) {
+            EXPECT_FALSE(Decrypt(des, cipher, other).done);
+        }
+        EXPECT_FALSE(Decrypt(des, {}, salt).done);
     }
-    EXPECT_EQ(desCipher_, EncryptDes(plain_, 16).text);  // exactly long enough
-    EXPECT_EQ(aesCipher_, EncryptAes(plain_, 16).text);
-}
-
-TEST_F(Privacy, RefusesWhatNoSenderMakes) {
-    for (const Bytes& salt : {Bytes(), Bytes(7, 1), Bytes(9, 1)}) {
-        EXPECT_FALSE(DecryptDes(desCipher_, salt).done);
-        EXPECT_FALSE(DecryptAes(aesCipher_, salt).done);
-    }
-    EXPECT_FALSE(DecryptAes({}, aesSalt_).done);
-    for (size_t size : {0u, 1u, 7u, 9u, 23u}) {
-        const Result result = DecryptDes(Prefix(desCipher_, size), desSalt_);
+    for (size_t size : {1u, 7u, 9u, 23u}) {
+        const Result result = Decrypt(true, Prefix(desCipher_, size), desSalt_);
         EXPECT_FALSE(result.done) << size;
         EXPECT_EQ(Bytes(), result.text);
     }
