@@ -16,28 +16,24 @@ using testing::Le;
 constexpr char kHost[] = "10.77.1.11";
 constexpr uint32_t kNoType = 0xA5A5A5A5;
 
-template <class Base>
-class V3DirectedBase : public V3Lab<Base> {
+class V3DirectedBase : public V3Test {
   protected:
     V3DirectedBase() { std::memset(&record, 0xA5, sizeof record); }
 
-    void AnswerWith(const Bytes& answer) { this->DeviceWith({{V3Report()}}, {{answer}}); }
+    void AnswerWith(const Bytes& answer) { DeviceWith({{V3Report()}}, {{answer}}); }
     int32_t Get(GuardedBuffer& value, const char* host = kHost, const char* oid = kSysName) {
         return Get(value.Text(), value.Size(), &type, host, oid);
     }
     int32_t Get(char* value, int32_t size, uint32_t* outType, const char* host = kHost,
                 const char* oid = kSysName) {
-        const V3User& user = this->user;
-        return this->module.GetSnmpRequestV3(host, oid, value, size, outType, 1, 99,
-                                             user.name.c_str(), user.useAuth, user.authPassword,
-                                             user.usePriv, user.privPassword, user.authProtocol,
-                                             user.privProtocol);
+        return user.Ask([&](auto... security) {
+            return module.GetSnmpRequestV3(host, oid, value, size, outType, 1, 99, security...);
+        });
     }
     int32_t GetNext(VnResponseRecord* out, const char* host = kHost) {
-        const V3User& user = this->user;
-        return this->module.GetNextSnmpRequestV3(
-            host, kSysName, out, 1, 99, user.name.c_str(), user.useAuth, user.authPassword,
-            user.usePriv, user.privPassword, user.authProtocol, user.privProtocol);
+        return user.Ask([&](auto... security) {
+            return module.GetNextSnmpRequestV3(host, kSysName, out, 1, 99, security...);
+        });
     }
 
     GuardedBuffer text{260};
@@ -47,7 +43,7 @@ class V3DirectedBase : public V3Lab<Base> {
 };
 
 // Waits last as long as ever: nearly all of these exchanges are answered, on a busy machine late.
-class V3Directed : public V3DirectedBase<LabTest> {
+class V3Directed : public V3DirectedBase {
   protected:
     void ExpectNothing() {
         EXPECT_TRUE(text.IsUntouched());
@@ -226,8 +222,10 @@ TEST_F(V3Directed, AnIPv6HostIsTriedFromTheRememberedAddressAndThenFromTheSecond
     EXPECT_THAT(waits.Silent(), ElementsAre(2000));
 }
 
-class V3DirectedLog : public V3DirectedBase<LoggedTest> {
+class V3DirectedLog : public DebugSwitchOn, public V3DirectedBase {
   protected:
+    Waits waits{module};
+    LogCapture log;
     const Lines begin = {"g_nAdapter [0]\n", "VxSNMP::VxSNMP()\n", "szBindIp []\n",
                          "SNMP::GetInformationV3 - [10.77.1.11]\n", "SCKRAW::SCKRAW()\n"};
     const Lines encode = {"VxSNMPv3::Encode()\n"};

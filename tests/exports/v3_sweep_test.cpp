@@ -28,26 +28,25 @@ Bytes PrivateRequest() {
 
 const char kSilence[] = "RecvFrom - Timeout\n";
 
-template <class Base>
-class V3SweepBase : public V3Lab<Base> {
+class V3SweepBase : public V3Test {
   protected:
     int32_t Sweep(BYTE useIPv6 = 0) {
-        const V3User& user = this->user;
-        return this->module.DiscoverSnmpV3(this->window.Handle(), ResultWindow::kMessage, 1,
-                                           useIPv6, user.name.c_str(), user.useAuth,
-                                           user.authPassword, user.usePriv, user.privPassword,
-                                           user.authProtocol, user.privProtocol);
+        return user.Ask([&](auto... security) {
+            return module.DiscoverSnmpV3(window.Handle(), window.kMessage, 1, useIPv6, security...);
+        });
     }
     int32_t SweepFor(const std::wstring& request) {
-        const V3User& user = this->user;
-        return this->module.DiscoverV3DevicesByOIDjson(
-            this->window.Handle(), ResultWindow::kMessage, 1, 0, request.c_str(), user.name.c_str(),
-            user.useAuth, user.authPassword, user.usePriv, user.privPassword, user.authProtocol,
-            user.privProtocol);
+        return user.Ask([&](auto... security) {
+            return module.DiscoverV3DevicesByOIDjson(window.Handle(), window.kMessage, 1, 0,
+                                                     request.c_str(), security...);
+        });
     }
 };
 
-class V3Sweep : public V3SweepBase<QuickLabTest> {};
+class V3Sweep : public V3SweepBase {
+  protected:
+    Waits waits{module};
+};
 
 TEST_F(V3Sweep, AsksEverybodyForAnEngineAndThenEachResponderForItsValue) {
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
@@ -189,7 +188,7 @@ int WSAAPI Receive(SOCKET, char* buffer, int, int, sockaddr* from, int* fromLeng
 
 }  // namespace crowd
 
-class V3Limits : public V3SweepBase<LabTest> {
+class V3Limits : public V3SweepBase {
   protected:
     V3Limits() {
         crowd::adapters = crowd::reports = crowd::answers = 0;
@@ -229,8 +228,10 @@ TEST_F(V3Sweep, AStopFromAnotherThreadEndsCollectionWithoutDelivery) {
     EXPECT_THAT(Asked(), SizeIs(2)) << "one device of each adapter";
 }
 
-class V3SweepLog : public V3SweepBase<LoggedTest> {
+class V3SweepLog : public DebugSwitchOn, public V3SweepBase {
   protected:
+    Waits waits{module};
+    LogCapture log;
     const Lines encode = {"VxSNMPv3::Encode()\n"};
     const Lines decode = {"VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n"};
     const Lines takesReport =

@@ -9,41 +9,24 @@
 namespace vndiscover {
 namespace {
 
-TEST(Crypto, HashesAndAuthenticatesLikeTheStandards) {
-    struct Protocol {
-        size_t hmacKeySize;
-        const char* digestOfAbc;    // RFC 1321, FIPS 180-4
-        const char* hmacOfHiThere;  // key 0b..., RFC 2202 and RFC 4231 test case 1
-    };
-    const Protocol rows[] = {
-        {16, "900150983cd24fb0d6963f7d28e17f72", "9294727a3638bb1c13f48ef8158bfc9d"},
-        {20, "a9993e364706816aba3e25717850c26c9cd0d89d",
-         "b617318655057264e28bc0b6fb378c8ef146be00"},
-        {20, "23097d223405d8228642a477bda255b32aadbce4bda0b3f7e36c9da7",
-         "896fb1128abbdf196832107cd49df33f47b4b1169912ba4f53684b22"},
-        {20, "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad",
-         "b0344c61d8db38535ca8afceaf0bf12b881dc200c9833da726e9376c2e32cff7"},
-        {20,
-         "cb00753f45a35e8bb5a03d699ac65007272c32ab0eded1631a8b605a43ff5bed"
-         "8086072ba1e7cc2358baeca134c825a7",
-         "afd03944d84895626b0825f4ab46907f15f9dadbe4101ec682aa034c7cebc59c"
-         "faea9ea9076ede7f4af152e8b2fa9cb6"},
-        {20,
-         "ddaf35a193617abacc417349ae20413112e6fa4e89a97ea20a9eeee64b55d39a"
-         "2192992a274fc1a836ba3c23a3feebbd454d4423643ce80e2a9ac94fa54ca49f",
-         "87aa7cdea5ef619d4ff0b4241a1d6cb02379f4e2ce4ec2787ad0b30545e17cde"
-         "daa833b7d6b8a702038b274eaea3f4e4be9d914eeb61f1702e696c203a126854"}};
+// RFC 2202 and RFC 4231, test case 1.
+TEST(Crypto, AuthenticatesLikeTheStandards) {
+    const char* const macs[] = {"9294727a3638bb1c13f48ef8158bfc9d",
+                                "b617318655057264e28bc0b6fb378c8ef146be00",
+                                "896fb1128abbdf196832107cd49df33f47b4b1169912ba4f53684b22",
+                                "b0344c61d8db38535ca8afceaf0bf12b881dc200c9833da726e9376c2e32cff7",
+                                "afd03944d84895626b0825f4ab46907f15f9dadbe4101ec682aa034c7cebc59c"
+                                "faea9ea9076ede7f4af152e8b2fa9cb6",
+                                "87aa7cdea5ef619d4ff0b4241a1d6cb02379f4e2ce4ec2787ad0b30545e17cde"
+                                "daa833b7d6b8a702038b274eaea3f4e4be9d914eeb61f1702e696c203a126854"};
     CryptoSession crypto;
+    const Bytes message = TextBytes("Hi There");
     uint32_t code = kAuthMd5;
-    for (const Protocol& row : rows) {
-        ByteBuffer digest, mac;
-        EXPECT_TRUE(crypto.Hash(code, ToBuffer(TextBytes("abc")), digest)) << code;
-        EXPECT_EQ(Hex(row.digestOfAbc), ToBytes(digest)) << code;
-        const Bytes message = TextBytes("Hi There");
-        EXPECT_TRUE(
-            crypto.Hmac(code, ToBuffer(Bytes(row.hmacKeySize, 0x0b)), message.data(), 8, mac));
-        EXPECT_EQ(Hex(row.hmacOfHiThere), ToBytes(mac)) << code;
-        ++code;
+    for (const char* expected : macs) {
+        ByteBuffer mac;
+        const Bytes key(code == kAuthMd5 ? 16 : 20, 0x0b);
+        EXPECT_TRUE(crypto.Hmac(code++, ToBuffer(key), message.data(), 8, mac));
+        EXPECT_EQ(Hex(expected), ToBytes(mac));
     }
 }
 
@@ -69,9 +52,10 @@ Bytes Sha224Of(const Bytes& bytes) {
     return ToBytes(digest);
 }
 
-// FIPS 180-4 examples: no block, two blocks, many blocks.
+// FIPS 180-4 examples: one block, two blocks, many blocks.
 TEST(Sha224Test, MatchesTheStandardsExamples) {
-    EXPECT_EQ(Hex("d14a028c2a3a2bc9476102bb288234c415a2b01f828ea62ac5b3e42f"), Sha224Of({}));
+    EXPECT_EQ(Hex("23097d223405d8228642a477bda255b32aadbce4bda0b3f7e36c9da7"),
+              Sha224Of(TextBytes("abc")));
     EXPECT_EQ(Hex("75388b16512776cc5dba5da1fd890150b0c6455cb4f58b1952522525"),
               Sha224Of(TextBytes("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq")));
     EXPECT_EQ(Hex("20794655980c91d8bbb4c1ea97618a4bf03f42581948b2ee4ee7ad67"),

@@ -92,19 +92,13 @@ TEST_F(EncodeTest, WithoutKeysNothingIsAuthenticatedAndNothingPrivateSentInTheCl
         uint32_t authCode, privCode;
         const char* password;
         size_t macLength, saltLength;
-        Lines lines;
+        std::string lines;
     };
-    const Lines sha1 = {"Not support Authentication protocol:2\n"};
-    const Row rows[] = {
-        {kAuthSha1, kPrivAes, "", 12, 8, {sha1[0], sha1[0]}},
-        {kAuthSha1, kPrivAes, nullptr, 12, 8, {sha1[0], sha1[0]}},
-        {kAuthNone, 3, "p", 0, 0, {"Not support Authentication protocol:0\n"}},
-        {7,
-         3,
-         "p",
-         0,
-         0,
-         {"Not support Authentication protocol:7\n", "Not supported HashAlgorithm:5\n"}}};
+    const std::string no = "Not support Authentication protocol:";
+    const Row rows[] = {{kAuthSha1, kPrivAes, "", 12, 8, no + "2\n" + no + "2\n"},
+                        {kAuthSha1, kPrivAes, nullptr, 12, 8, no + "2\n" + no + "2\n"},
+                        {kAuthNone, 3, "p", 0, 0, no + "0\n"},
+                        {7, 3, "p", 0, 0, no + "7\nNot supported HashAlgorithm:5\n"}};
     for (const Row& row : rows) {
         VxSNMPv3 message;
         message.SetUser("user");
@@ -118,9 +112,9 @@ TEST_F(EncodeTest, WithoutKeysNothingIsAuthenticatedAndNothingPrivateSentInTheCl
         sent_.scopedTlv = Tlv(0x04, {});
         UnitLog log;
         EXPECT_EQ(sent_.Build(), ToBytes(message.Encode()));
-        Lines lines = row.lines;
-        lines.insert(lines.begin(), "VxSNMPv3::Encode()\n");
-        EXPECT_EQ(lines, log.Lines());
+        std::string lines;
+        for (const std::string& line : log.Lines()) lines += line;
+        EXPECT_EQ("VxSNMPv3::Encode()\n" + row.lines, lines);
     }
 }
 

@@ -15,6 +15,13 @@ struct V3User {
     const wchar_t* privProtocol = VN_PRIV_AES;
     const wchar_t* authPassword = L"authp\u00e4ss";
     const wchar_t* privPassword = L"privp\u00e4ss";
+
+    // Calls an export with its last arguments.
+    template <class Call>
+    int32_t Ask(Call&& call) const {
+        return call(name.c_str(), useAuth, authPassword, usePriv, privPassword, authProtocol,
+                    privProtocol);
+    }
 };
 
 // The engine discovery, RFC 3412 6 and RFC 3414 4: all fields empty or 0, but for msgID 256,
@@ -106,12 +113,11 @@ inline std::vector<V3AnswerCase> V3AnswerCases() {
             {{"CommunityAnswer"}, SnmpText("Model"), "", 0}};
 }
 
-template <class Base>
-class V3Lab : public Base {
+class V3Test : public LabTest {
   protected:
     // Devices of neta: they answer the probe with reports, and whatever else with answers.
     void DeviceWith(std::vector<Answer> reports, std::vector<Answer> answers) {
-        this->Devices([=](const Request& request) {
+        Devices([=](const Request& request) {
             if (request.net != "neta") return std::vector<Answer>();
             return request.data == V3Probe() ? reports : answers;
         });
@@ -119,7 +125,7 @@ class V3Lab : public Base {
     // Everything that was sent.
     std::vector<Bytes> Sent() {
         std::vector<Bytes> sent;
-        for (const Request& request : this->agents->Requests()) sent.push_back(request.data);
+        for (const Request& request : agents->Requests()) sent.push_back(request.data);
         return sent;
     }
     // The requests to single devices.
@@ -131,7 +137,7 @@ class V3Lab : public Base {
     // "sender > receiver:port" of everything that was sent.
     std::vector<std::string> Ways() {
         std::vector<std::string> ways;
-        for (const Request& request : this->agents->Requests()) {
+        for (const Request& request : agents->Requests()) {
             ways.push_back(request.sender + " > " + request.local + ':' +
                            std::to_string(request.port));
         }
