@@ -175,10 +175,11 @@ TEST_F(V3Directed, ADeviceWithoutAReportGivesNothing) {
 }
 
 TEST_F(V3Directed, AReportWithoutAnEngineLeadsToAnotherProbe) {
-    DeviceWith({{V3NamelessReport()}}, {{V3NamelessReport()}});
-    EXPECT_EQ(0, Get(text));
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3ProbeFor(kSysName)));
-    EXPECT_TRUE(text.IsUntouched());
+    for (const Bytes& report : {V3NamelessReport(), TextBytes("no report")}) {
+        DeviceWith({{report}}, {{V3Text("prn1")}});
+        EXPECT_EQ(static_cast<int32_t>(report.size()), Get(text));
+        EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3ProbeFor(kSysName)));
+    }
 }
 
 TEST_F(V3Directed, ARequestThatCannotLeaveIsToldByTheRecordsExportAlone) {

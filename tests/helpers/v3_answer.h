@@ -60,9 +60,10 @@ struct V3Datagram {
     }
     Bytes Build() const { return Tlv(0x30, Content()); }
 
-    // The datagram with its HMAC in place.
-    Bytes BuildAuthenticated(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key) {
-        const uint32_t size = MacLength(authCode);
+    // The datagram with its HMAC in place, cut to size where that is given.
+    Bytes BuildAuthenticated(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
+                             uint32_t size = 0) {
+        if (size == 0) size = MacLength(authCode);
         macTlv = Tlv(0x04, Bytes(size, 0));
         const Bytes unsigned_ = Build();
         ByteBuffer mac;

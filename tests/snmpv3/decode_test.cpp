@@ -71,6 +71,10 @@ TEST_F(DecodeTest, AReportTeachesTheEngine) {
     const MessageRecord& record = message_.Record();
     EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
     EXPECT_EQ(Lines{kEntry}, log.Lines());
+    message_.SetFlags(true, true);
+    answer_.flagsTlv = Tlv(0x04, {});
+    EXPECT_EQ(0, Decode());
+    EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
 }
 
 // An answer of net-snmp 5.9.3.
@@ -105,9 +109,8 @@ TEST_F(DecodeTest, AWrongMacIsLoggedAndTheAnswerUsed) {
     }
     // As good as wrong: one that is cut to eleven bytes, and none to compare it with.
     UnitLog log;
-    answer_.macTlv = Tlv(0x04, Bytes(11, 0));
     Ask(kAuthMd5, kPrivNone, 1);
-    EXPECT_GT(Decode(), 0);
+    EXPECT_GT(Decode(answer_.BuildAuthenticated(crypto_, kAuthMd5, authKey_, 11)), 0);
     Ask(kAuthMd5, kPrivNone, 1);
     message_.SetAuth(kAuthMd5, "");
     EXPECT_GT(Decode(), 0);
@@ -175,13 +178,12 @@ TEST_F(DecodeTest, APlainReportToAPrivateRequestIsRead) {
 }
 
 TEST_F(DecodeTest, AnotherLayoutIsNoAnswer) {
-    std::vector<V3Datagram> others(6, answer_);
+    std::vector<V3Datagram> others(5, answer_);
     others[0].securityModel = 2;
-    others[1].flagsTlv = Tlv(0x04, {});
-    others[2].flagsTlv = Tlv(0x02, {0x00});
-    others[3].scopedTlv[0] = 0x31;
-    others[4].scopedTlv = Tlv(0x04, answer_.scopedTlv);  // encrypted, but the flag is missing
-    others[5].scopedTlv = ScopedTextTlv(std::string(127, 'v'));  // more than a binding holds
+    others[1].flagsTlv = Tlv(0x02, {0x00});
+    others[2].scopedTlv[0] = 0x31;
+    others[3].scopedTlv = Tlv(0x04, answer_.scopedTlv);  // encrypted, but the flag is missing
+    others[4].scopedTlv = ScopedTextTlv(std::string(127, 'v'));  // more than a binding holds
     for (const V3Datagram& other : others) {
         EXPECT_EQ(0, Decode(other.Build())) << testing::PrintToString(other.Build());
     }
