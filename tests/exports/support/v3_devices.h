@@ -1,6 +1,8 @@
 // What devices get and send over SNMPv3, and what the tests of its exports share.
 #pragma once
 
+#include <algorithm>
+
 #include "exports/support/lab_test.h"
 #include "helpers/v3_answer.h"
 
