@@ -1,0 +1,136 @@
+// When the system's crypto functions fail: what the log says, that nothing is sent authenticated or
+// in the clear, and that what had been opened is closed.
+#include "exports/support/logged_test.h"
+#include "exports/support/v3_devices.h"
+
+#include <wincrypt.h>
+
+namespace vndiscover {
+namespace {
+
+int g_open;  // contexts, keys and hashes
+
+BOOL Opened(BOOL done) {
+    if (done) ++g_open;
+    return done;
+}
+BOOL WINAPI Acquire(HCRYPTPROV* context, LPCSTR name, LPCSTR provider, DWORD type, DWORD flags) {
+    return Opened(CryptAcquireContextA(context, name, provider, type, flags));
+}
+BOOL WINAPI ImportKey(HCRYPTPROV context, const BYTE* data, DWORD size, HCRYPTKEY by, DWORD flags,
+                      HCRYPTKEY* key) {
+    return Opened(CryptImportKey(context, data, size, by, flags, key));
+}
+BOOL WINAPI CreateHash(HCRYPTPROV context, ALG_ID id, HCRYPTKEY key, DWORD flags,
+                       HCRYPTHASH* hash) {
+    return Opened(CryptCreateHash(context, id, key, flags, hash));
+}
+BOOL WINAPI Release(HCRYPTPROV context, DWORD flags) {
+    --g_open;
+    return CryptReleaseContext(context, flags);
+}
+BOOL WINAPI DestroyKey(HCRYPTKEY key) {
+    --g_open;
+    return CryptDestroyKey(key);
+}
+BOOL WINAPI DestroyHash(HCRYPTHASH hash) {
+    --g_open;
+    return CryptDestroyHash(hash);
+}
+
+// In place of a function with whatever arguments, which the caller removes.
+BOOL Fail() {
+    SetLastError(5);
+    return FALSE;
+}
+LONG FailWithStatus() { return static_cast<LONG>(0xC0000001); }
+
+const char* g_failing;  // of the library that is looked up at run time; "-NAME": it is missing
+
+FARPROC WINAPI Lookup(HMODULE library, const char* name) {
+    if (g_failing[0] == '-' && std::strcmp(name, g_failing + 1) == 0) return nullptr;
+    if (std::strcmp(name, g_failing) != 0) return GetProcAddress(library, name);
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(FailWithStatus));
+}
+
+class V3CryptoFailures : public DebugSwitchOn, public V3Test {
+  protected:
+    // One private answer to whatever is asked.
+    V3CryptoFailures() {
+        V3Datagram answer;
+        answer.flagsTlv = Tlv(0x04, {0x03});
+        answer.salt = Bytes(8, 1);
+        answer.scopedTlv = Tlv(0x04, Bytes(16, 2));
+        DeviceWith({{V3Report()}}, {{answer.Build()}});
+    }
+    void Ask(const wchar_t* auth, BYTE usePriv, const char* line) {
+        user = {L"user", 1, usePriv, auth, VN_PRIV_DES};
+        log.Clear();
+        char value[8] = "before";
+        EXPECT_EQ(0, user.Ask([&](auto... security) {
+            return module.GetSnmpRequestV3("10.77.1.11", kSysName, value, 8, nullptr, 0, 0,
+                                           security...);
+        }));
+        EXPECT_STREQ("before", value);
+        EXPECT_TRUE(log.Has(line)) << line;
+    }
+
+    Waits waits{module};
+    LogCapture log;
+};
+
+TEST_F(V3CryptoFailures, OfTheOlderLibrary) {
+    const ImportPatch counted[] = {{module.Handle(), "CryptAcquireContextA", Acquire},
+                                   {module.Handle(), "CryptImportKey", ImportKey},
+                                   {module.Handle(), "CryptCreateHash", CreateHash},
+                                   {module.Handle(), "CryptReleaseContext", Release},
+                                   {module.Handle(), "CryptDestroyKey", DestroyKey},
+                                   {module.Handle(), "CryptDestroyHash", DestroyHash}};
+    struct Row {
+        const char* function;
+        const wchar_t* auth;
+        const char* line;
+    };
+    const Row authentication[] = {
+        {"CryptAcquireContextA", VN_AUTH_MD5, "Error [5] CryptAcquireConext failed.\n"},
+        {"CryptCreateHash", VN_AUTH_MD5, "Error CALG_MD5 [5] CryptCreateHash failed.\n"},
+        {"CryptCreateHash", VN_AUTH_SHA1, "Error CALG_SHA1 [5] CryptCreateHash failed.\n"},
+        {"CryptHashData", VN_AUTH_MD5, "Error [5] CryptHashData failed.\n"},
+        {"CryptHashData", VN_AUTH_SHA1, "Error CALG_SHA1 [5] CryptHashData failed.\n"},
+        {"CryptGetHashParam", VN_AUTH_SHA1, "Error [5] CryptGetHashParam failed.\n"},
+        {"CryptSetHashParam", VN_AUTH_SHA1, "Err 5\n"},
+        {"CryptImportKey", VN_AUTH_SHA1, "Err 5\n"}};
+    V3Datagram request = V3RequestFields(kSysName);
+    request.flagsTlv = Tlv(0x04, {0x05});
+    request.macTlv = Tlv(0x04, Bytes(12, 0));
+    for (const Row& row : authentication) {
+        const ImportPatch failing(module.Handle(), row.function, Fail);
+        Ask(row.auth, 0, row.line);
+        EXPECT_EQ(request.Build(), Asked().back()) << row.function;
+        EXPECT_EQ(0, g_open) << row.function;
+    }
+    for (const char* function : {"CryptEncrypt", "CryptSetKeyParam", "CryptDecrypt"}) {
+        const ImportPatch failing(module.Handle(), function, Fail);
+        Ask(VN_AUTH_SHA256, 1, "Err 5\n");
+        EXPECT_EQ(0, g_open) << function;
+    }
+}
+
+TEST_F(V3CryptoFailures, OfTheNewerLibrary) {
+    const ImportPatch lookup(module.Handle(), "GetProcAddress", Lookup);
+    V3Datagram request = V3RequestFields(kSysName);
+    request.flagsTlv = Tlv(0x04, {0x05});
+    request.macTlv = Tlv(0x04, Bytes(24, 0));
+    for (const std::string name : {"BCryptOpenAlgorithmProvider", "BCryptGetProperty",
+                                   "BCryptCreateHash", "BCryptHashData", "BCryptFinishHash"}) {
+        g_failing = name.c_str();
+        Ask(VN_AUTH_SHA256, 0, ("**** Error 0xc0000001 returned by " + name + "\n").c_str());
+        EXPECT_EQ(request.Build(), Asked().back()) << name;
+    }
+    g_failing = "-BCryptDestroyHash";
+    Ask(VN_AUTH_SHA256, 0, "**** Error 0xc0000139 returned by BCryptOpenAlgorithmProvider\n");
+    EXPECT_EQ(request.Build(), Asked().back());
+}
+
+}  // namespace
+}  // namespace vndiscover
