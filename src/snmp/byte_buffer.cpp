@@ -42,9 +42,12 @@ void ByteBuffer::Join(const uint8_t* front, uint32_t frontCount, const uint8_t* 
                       uint32_t backCount) {
     if (backCount > std::numeric_limits<uint32_t>::max() - frontCount) throw std::bad_alloc();
     const uint32_t joined = frontCount + backCount;
-    uint8_t* block = joined != 0 ? new uint8_t[joined] : nullptr;
-    if (frontCount != 0) std::memcpy(block, front, frontCount);
-    if (backCount != 0) std::memcpy(block + frontCount, back, backCount);
+    uint8_t* block = nullptr;
+    if (joined != 0) {
+        block = new uint8_t[joined];
+        if (frontCount != 0) std::memcpy(block, front, frontCount);
+        if (backCount != 0) std::memcpy(block + frontCount, back, backCount);
+    }
     Clear();
     data = block;
     length = joined;

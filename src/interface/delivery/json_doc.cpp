@@ -25,6 +25,9 @@ bool CopyString(const cJSON* item, wchar_t* out, size_t outSize) {
     return value != nullptr;
 }
 
+// The document has taken the item.
+void HandedOver(OwnedJsonItem& item) { static_cast<void>(item.release()); }
+
 }  // namespace
 
 void JsonItemDeleter::operator()(cJSON* item) const noexcept { cJSON_Delete(item); }
@@ -70,7 +73,7 @@ bool JsonDoc::StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out,
 void JsonDoc::SetRoot(OwnedJsonItem item) { root_ = std::move(item); }
 
 void JsonDoc::AddItem(cJSON* object, const wchar_t* name, OwnedJsonItem item) {
-    if (cJSON_AddItemToObject(object, WideToUtf8(name).c_str(), item.get())) item.release();
+    if (cJSON_AddItemToObject(object, WideToUtf8(name).c_str(), item.get())) HandedOver(item);
 }
 
 void JsonDoc::AddString(cJSON* object, const wchar_t* name, const wchar_t* text) {
@@ -79,7 +82,7 @@ void JsonDoc::AddString(cJSON* object, const wchar_t* name, const wchar_t* text)
 
 void JsonDoc::AddString(cJSON* array, const wchar_t* text) {
     OwnedJsonItem item = NewString(text);
-    if (cJSON_AddItemToArray(array, item.get())) item.release();
+    if (cJSON_AddItemToArray(array, item.get())) HandedOver(item);
 }
 
 OwnedJsonItem JsonDoc::NewString(const wchar_t* text) {
@@ -87,7 +90,7 @@ OwnedJsonItem JsonDoc::NewString(const wchar_t* text) {
 }
 
 void JsonDoc::ReplaceMember(cJSON* parent, const wchar_t* name, OwnedJsonItem item) {
-    if (cJSON_ReplaceItemInObject(parent, WideToUtf8(name).c_str(), item.get())) item.release();
+    if (cJSON_ReplaceItemInObject(parent, WideToUtf8(name).c_str(), item.get())) HandedOver(item);
 }
 
 int32_t JsonDoc::Print(std::wstring* out) const {
