@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -26,6 +27,17 @@ inline Bytes Hex(const std::string& text) {
         }
     }
     return bytes;
+}
+
+// "300a", or with `behind` each byte.
+inline std::string ToHex(const Bytes& bytes, const char* behind = "") {
+    std::string text;
+    for (const uint8_t byte : bytes) {
+        char digits[4];
+        std::snprintf(digits, sizeof digits, "%02x", byte);
+        (text += digits) += behind;
+    }
+    return text;
 }
 
 inline Bytes TextBytes(const std::string& text) { return Bytes(text.begin(), text.end()); }

@@ -1,5 +1,6 @@
 #include "exports/support/agents.h"
 
+#include <chrono>
 #include <sstream>
 #include <stdexcept>
 
@@ -9,16 +10,9 @@ namespace {
 constexpr u_short kRelayPort = 47161;
 constexpr DWORD kSyncLimitMs = 20000;
 
-class WinSock {
-  public:
-    WinSock() {
-        WSADATA data;
-        WSAStartup(MAKEWORD(2, 2), &data);
-    }
-};
-
 SOCKET Connect() {
-    static const WinSock started;
+    WSADATA data;
+    WSAStartup(MAKEWORD(2, 2), &data);  // undone by the end of the process
     const SOCKET created = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
     sockaddr_in relay = {};
     relay.sin_family = AF_INET;
@@ -33,17 +27,8 @@ SOCKET Connect() {
     return created;
 }
 
-std::string ToHex(const Bytes& bytes) {
-    static const char kDigits[] = "0123456789abcdef";
-    std::string hex;
-    for (const uint8_t byte : bytes) {
-        hex += kDigits[byte >> 4];
-        hex += kDigits[byte & 0x0F];
-    }
-    return hex.empty() ? "-" : hex;
-}
-
-Bytes FromHex(const std::string& hex) { return hex == "-" ? Bytes() : Hex(hex); }
+// "-" for no bytes at all.
+std::string Word(const Bytes& bytes) { return bytes.empty() ? "-" : ToHex(bytes); }
 
 bool IsIPv6(const std::string& address) { return address.find(':') != std::string::npos; }
 
@@ -63,15 +48,12 @@ bool IsToEverybody(const std::string& address) {
 
 std::ostream& operator<<(std::ostream& out, const Request& request) {
     return out << request.net << ": " << request.sender << ':' << request.senderPort << " > "
-               << request.local << ':' << request.port << ' ' << ToHex(request.data);
+               << request.local << ':' << request.port << ' ' << Word(request.data);
 }
 
 int64_t NowMs() {
-    LARGE_INTEGER ticks;
-    LARGE_INTEGER frequency;
-    QueryPerformanceCounter(&ticks);
-    QueryPerformanceFrequency(&frequency);
-    return ticks.QuadPart * 1000 / frequency.QuadPart;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
 Agents::Agents(Reply reply)
@@ -103,14 +85,14 @@ void Agents::Send(const std::string& net, int port, const std::string& toAddress
     const std::string from = answer.from.empty() ? AddressIn(net, IsIPv6(toAddress)) : answer.from;
     std::ostringstream line;
     line << "send " << net << ' ' << from << ' ' << port << ' ' << toAddress << ' ' << toPort << ' '
-         << ToHex(answer.data) << " delay=" << answer.delayMs << " repeat=" << answer.repeat
+         << Word(answer.data) << " delay=" << answer.delayMs << " repeat=" << answer.repeat
          << " gap=" << answer.gapUs;
     if (answer.numberAt >= 0) line << " number=" << answer.numberAt;
     Tell(line.str());
 }
 
 void Agents::AnswerByItself(const std::string& net, int port, const Bytes& data) {
-    Tell("auto " + net + ' ' + std::to_string(port) + ' ' + ToHex(data));
+    Tell("auto " + net + ' ' + std::to_string(port) + ' ' + Word(data));
     Requests();  // it is in force on return
 }
 
@@ -148,7 +130,7 @@ void Agents::TakeLine(const std::string& line) {
     std::string hex;
     words >> request.net >> request.local >> request.port >> request.sender >> request.senderPort >>
         hex;
-    request.data = FromHex(hex);
+    request.data = Hex(hex);  // "-" is none
     request.atMs = NowMs();
     {
         std::lock_guard<std::mutex> lock(mutex_);

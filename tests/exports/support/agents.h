@@ -16,10 +16,9 @@ namespace vndiscover {
 
 // A datagram that reached a device.
 struct Request {
-    std::string net;  // "neta", "netb", "host"
-    std::string
-        local;  // where it was sent to: a device's address, a broadcast or multicast address
-    int port;   // and the port there
+    std::string net;     // "neta", "netb", "host"
+    std::string local;   // where it was sent: the address of a device, or of everybody
+    int port;            // and the port there
     std::string sender;  // without zone suffix
     int senderPort;
     Bytes data;
@@ -30,15 +29,15 @@ std::ostream& operator<<(std::ostream& out, const Request& request);
 // What a device sends back.
 struct Answer {
     Bytes data;
-    std::string from =
-        {};  // the sending address; empty: where the request went, or the network's own
+    std::string from = {};  // empty: where the request went, or the network's own address
     int delayMs = 0;
     int repeat = 1;
     int gapUs = 0;      // between repetitions; 0: as fast as the machine can
     int numberAt = -1;  // the five bytes there become the repetition's number, "00000" first
 };
 
-using Reply = std::function<std::vector<Answer>(const Request&)>;
+using Answers = std::vector<Answer>;
+using Reply = std::function<Answers(const Request&)>;
 
 // Milliseconds of a clock that no test moves.
 int64_t NowMs();

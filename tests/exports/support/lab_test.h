@@ -31,16 +31,29 @@ class LabTest : public testing::Test {
     }
     void SilentDevices() { Devices(nullptr); }
     // Every device of that network answers alike; the other network is silent.
-    void DeviceIn(const std::string& net, std::vector<Answer> answers) {
-        Devices([=](const Request& request) {
-            return request.net == net ? answers : std::vector<Answer>();
-        });
+    void DeviceIn(const std::string& net, Answers answers) {
+        Devices([=](const Request& request) { return request.net == net ? answers : Answers(); });
     }
 
     // DiscoverDevices with the default community.
     void Sweep(const wchar_t* path = nullptr, BYTE useIPv6 = 0) {
-        module.DiscoverDevices(window.Handle(), window.kMessage, 0, useIPv6, path, nullptr,
-                               nullptr);
+        EXPECT_EQ(0, module.DiscoverDevices(window.Handle(), window.kMessage, 0, useIPv6, path,
+                                            nullptr, nullptr));
+    }
+    // DiscoverDevicesByOIDjson without a file.
+    void SweepFor(const std::wstring& request, const wchar_t* community = nullptr,
+                  BYTE useIPv6 = 0) {
+        EXPECT_EQ(0, module.DiscoverDevicesByOIDjson(window.Handle(), window.kMessage, 0, useIPv6,
+                                                     request.c_str(), nullptr, community, nullptr));
+    }
+    // "sender > address port net" of each request so far.
+    std::vector<std::string> Ways() {
+        std::vector<std::string> ways;
+        for (const Request& request : agents->Requests()) {
+            ways.push_back(request.sender + " > " + request.local + ' ' +
+                           std::to_string(request.port) + ' ' + request.net);
+        }
+        return ways;
     }
 
     Module module;

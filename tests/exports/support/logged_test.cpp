@@ -4,16 +4,6 @@
 
 namespace vndiscover {
 
-std::string LogHex(const Bytes& bytes) {
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        char hex[4];
-        std::snprintf(hex, sizeof hex, "%02x ", byte);
-        text += hex;
-    }
-    return text;
-}
-
 Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message) {
     return {"OID length [" + std::to_string(loggedLength) + "]\n", "OID = [" + content + "]\n",
             "SNMP_MSG = [" + LogHex(message) + "]\n"};
@@ -21,6 +11,30 @@ Lines RequestLines(int loggedLength, const std::string& content, const Bytes& me
 
 Lines DefaultRequestLines() {
     return RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid));
+}
+
+Lines PhaseLines(const Lines& collecting, int devices, const Lines& delivering, int delivered) {
+    return Lines{"HandleEvents start\n"} + collecting +
+           Lines{" ==== We have [" + std::to_string(devices) +
+                 "] devices on the network. ==== \n"} +
+           delivering +
+           Lines{"We have [" + std::to_string(delivered) + "] devices responsed the information.\n",
+                 "HandleEvents end\n"};
+}
+
+Lines AnsweredLines(const Lines& senders, const Lines& delivering) {
+    Lines collecting;
+    for (const std::string& sender : senders) {
+        collecting.push_back("tszRecvAddr = [" + sender + "]\n");
+    }
+    const int devices = static_cast<int>(senders.size());
+    return PhaseLines(collecting + Lines{"RecvFrom - Timeout\n"}, devices, delivering, devices);
+}
+
+Lines SweepLines(const Lines& onFirst, const Lines& onSecond, const Lines& onOid) {
+    return Lines{"SNMP::Discover\n", "SCKRAW::SCKRAW()\n"} + onOid + DefaultRequestLines() +
+           AdapterLines(0) + onFirst + AdapterLines(1) + onSecond +
+           Lines{"SNMP::Discover - ended\n"};
 }
 
 Lines AdapterLines(int index) {

@@ -33,6 +33,16 @@ class DebugSwitchOn {
 
 class LoggedTest : public DebugSwitchOn, public QuickLabTest {
   protected:
+    // The whole log; a failure shows the lines that differ.
+    void ExpectLog(const Lines& expected) const {
+        const auto text = [](const Lines& lines) {
+            std::string all;
+            for (const std::string& line : lines) all += line + '\n';
+            return all;
+        };
+        EXPECT_EQ(text(expected), text(log.Lines()));
+    }
+
     LogCapture log;
 };
 
@@ -41,11 +51,16 @@ class LoggedTest : public DebugSwitchOn, public QuickLabTest {
 Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message);
 // The default OID's.
 Lines DefaultRequestLines();
+// The phase behind a sweep's send; one that ends with silence and delivers who has answered.
+Lines PhaseLines(const Lines& collecting, int devices, const Lines& delivering, int delivered);
+Lines AnsweredLines(const Lines& senders, const Lines& delivering = {});
+// A whole IPv4 sweep for the default OID: what stands behind its adapters' own lines, and before
+// the request's.
+Lines SweepLines(const Lines& onFirst, const Lines& onSecond, const Lines& onOid = {});
 // An IPv4 adapter of the test network, with the description that the system gives it.
 Lines AdapterLines(int index);
 // The listing of the IPv6 adapters, from what the system lists.
 Lines IPv6ListingLines();
-
-std::string LogHex(const Bytes& bytes);
+inline std::string LogHex(const Bytes& bytes) { return ToHex(bytes, " "); }
 
 }  // namespace vndiscover

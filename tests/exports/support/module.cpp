@@ -7,20 +7,6 @@
 namespace vndiscover {
 namespace {
 
-std::wstring PathBeside(const wchar_t* fileName) {
-    wchar_t program[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring path(program);
-    return path.substr(0, path.rfind(L'\\') + 1) + fileName;
-}
-
-template <class Function>
-void Find(HMODULE module, const char* name, Function& function) {
-    void* address = reinterpret_cast<void*>(GetProcAddress(module, name));
-    if (!address) throw std::runtime_error(std::string("no export ") + name);
-    function = reinterpret_cast<Function>(address);
-}
-
 void** FindSlot(HMODULE module, const char* name) {
     auto* base = reinterpret_cast<uint8_t*>(module);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
@@ -45,45 +31,21 @@ void** FindSlot(HMODULE module, const char* name) {
 
 }  // namespace
 
-void Module::Load() {
-    handle_ = LoadLibraryW(PathBeside(L"VnDiscover.dll").c_str());
+// The program's folder is the first that the system looks into.
+Module::Module() : handle_(LoadLibraryW(L"VnDiscover.dll")) {
     if (!handle_) throw std::runtime_error("VnDiscover.dll cannot be loaded");
-#define FIND(name) Find(handle_, #name, name)
-    FIND(DiscoverDevices);
-    FIND(DiscoverDevicesByOID);
-    FIND(DiscoverDevicesByOIDjson);
-    FIND(DiscoverSnmp);
-    FIND(StopDiscoverSnmp);
-    FIND(DiscoverSnmpV3);
-    FIND(DiscoverV3DevicesByOIDjson);
-    FIND(DiscoverSoap);
-    FIND(StopDiscoverSoap);
-    FIND(DiscoverHttp);
-    FIND(DiscoverBonjour);
-    FIND(GetBonjourInformation);
-    FIND(GetSnmpInformation);
-    FIND(GetSnmpRequest);
-    FIND(GetSnmpRequestRaw);
-    FIND(GetNextSnmpRequestRaw);
-    FIND(SetSnmpRequestRaw);
-    FIND(GetSnmpRequestV3);
-    FIND(GetNextSnmpRequestV3);
-    FIND(VxPing);
-    FIND(IsIPv6Supported);
-#undef FIND
 }
 
-void Module::Reload() {
-    FreeLibrary(handle_);
-    Load();
+void* Module::Find(const char* name) const {
+    void* address = reinterpret_cast<void*>(GetProcAddress(handle_, name));
+    if (!address) throw std::runtime_error(std::string("no export ") + name);
+    return address;
 }
 
 ImportPatch::ImportPatch(HMODULE module, const char* name, void* replacement, int)
     : slot_(FindSlot(module, name)), original_(*slot_) {
     Write(replacement);
 }
-
-ImportPatch::~ImportPatch() { Write(original_); }
 
 void ImportPatch::Write(void* target) {
     DWORD protection;

@@ -1,6 +1,8 @@
 // VnDiscover.dll as a host loads it, and the system calls that it imports.
 #pragma once
 
+#include <new>
+
 #include "support/win.h"
 #include "vndiscover.h"
 
@@ -9,40 +11,47 @@ namespace vndiscover {
 // Loaded from the folder of the test program while the object lives.
 class Module {
   public:
-    Module() { Load(); }
+    Module();
     ~Module() { FreeLibrary(handle_); }
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
     // Unloads and loads again.
-    void Reload();
+    void Reload() {
+        this->~Module();
+        new (this) Module;
+    }
     HMODULE Handle() const { return handle_; }
 
-    decltype(&::DiscoverDevices) DiscoverDevices;
-    decltype(&::DiscoverDevicesByOID) DiscoverDevicesByOID;
-    decltype(&::DiscoverDevicesByOIDjson) DiscoverDevicesByOIDjson;
-    decltype(&::DiscoverSnmp) DiscoverSnmp;
-    decltype(&::StopDiscoverSnmp) StopDiscoverSnmp;
-    decltype(&::DiscoverSnmpV3) DiscoverSnmpV3;
-    decltype(&::DiscoverV3DevicesByOIDjson) DiscoverV3DevicesByOIDjson;
-    decltype(&::DiscoverSoap) DiscoverSoap;
-    decltype(&::StopDiscoverSoap) StopDiscoverSoap;
-    decltype(&::DiscoverHttp) DiscoverHttp;
-    decltype(&::DiscoverBonjour) DiscoverBonjour;
-    decltype(&::GetBonjourInformation) GetBonjourInformation;
-    decltype(&::GetSnmpInformation) GetSnmpInformation;
-    decltype(&::GetSnmpRequest) GetSnmpRequest;
-    decltype(&::GetSnmpRequestRaw) GetSnmpRequestRaw;
-    decltype(&::GetNextSnmpRequestRaw) GetNextSnmpRequestRaw;
-    decltype(&::SetSnmpRequestRaw) SetSnmpRequestRaw;
-    decltype(&::GetSnmpRequestV3) GetSnmpRequestV3;
-    decltype(&::GetNextSnmpRequestV3) GetNextSnmpRequestV3;
-    decltype(&::VxPing) VxPing;
-    decltype(&::IsIPv6Supported) IsIPv6Supported;
-
   private:
-    void Load();
-    HMODULE handle_ = nullptr;
+    void* Find(const char* name) const;  // throws where there is no such export
+
+    HMODULE handle_;  // first, the exports are found in it
+
+  public:
+#define VN_FOUND(name) decltype(&::name) name = reinterpret_cast<decltype(&::name)>(Find(#name))
+    VN_FOUND(DiscoverDevices);
+    VN_FOUND(DiscoverDevicesByOID);
+    VN_FOUND(DiscoverDevicesByOIDjson);
+    VN_FOUND(DiscoverSnmp);
+    VN_FOUND(StopDiscoverSnmp);
+    VN_FOUND(DiscoverSnmpV3);
+    VN_FOUND(DiscoverV3DevicesByOIDjson);
+    VN_FOUND(DiscoverSoap);
+    VN_FOUND(StopDiscoverSoap);
+    VN_FOUND(DiscoverHttp);
+    VN_FOUND(DiscoverBonjour);
+    VN_FOUND(GetBonjourInformation);
+    VN_FOUND(GetSnmpInformation);
+    VN_FOUND(GetSnmpRequest);
+    VN_FOUND(GetSnmpRequestRaw);
+    VN_FOUND(GetNextSnmpRequestRaw);
+    VN_FOUND(SetSnmpRequestRaw);
+    VN_FOUND(GetSnmpRequestV3);
+    VN_FOUND(GetNextSnmpRequestV3);
+    VN_FOUND(VxPing);
+    VN_FOUND(IsIPv6Supported);
+#undef VN_FOUND
 };
 
 // Puts a function of the test in front of one that the module imports, while the object lives. Not
@@ -52,7 +61,7 @@ class ImportPatch {
     template <class Function>
     ImportPatch(HMODULE module, const char* name, Function replacement)
         : ImportPatch(module, name, reinterpret_cast<void*>(replacement), 0) {}
-    ~ImportPatch();
+    ~ImportPatch() { Write(original_); }
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
 

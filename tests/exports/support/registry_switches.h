@@ -1,26 +1,33 @@
 // The registry values that switch the module's debug log on.
 #pragma once
 
-#include <string>
-
 #include "helpers/bytes.h"
 #include "support/win.h"
 
 namespace vndiscover {
 
-// Takes the key away at its end. A module sees a change when it is loaded or when a thread starts.
+// A module sees a change when it is loaded or when a thread starts.
 class RegistrySwitches {
   public:
-    RegistrySwitches();
-    ~RegistrySwitches();
+    RegistrySwitches() { RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_); }
+    ~RegistrySwitches() {
+        RegCloseKey(key_);
+        RemoveAll();
+        RegDeleteKeyA(HKEY_LOCAL_MACHINE, "Software\\Varnell Osk");
+    }
     RegistrySwitches(const RegistrySwitches&) = delete;
     RegistrySwitches& operator=(const RegistrySwitches&) = delete;
 
-    void Set(const char* name, DWORD type, const Bytes& data);
+    void Set(const char* name, DWORD type, const Bytes& data) {
+        RegSetValueExA(key_, name, 0, type, data.data(), static_cast<DWORD>(data.size()));
+    }
     void SetOn(const char* name) { Set(name, REG_DWORD, {1, 0, 0, 0}); }
-    void Remove(const char* name);
+    void Remove(const char* name) { RegDeleteValueA(key_, name); }
+    // The key itself too; nothing can be set afterwards.
+    void RemoveAll() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kKey); }
 
   private:
+    static constexpr char kKey[] = "Software\\Varnell Osk\\VnInst";
     HKEY key_ = nullptr;
 };
 
