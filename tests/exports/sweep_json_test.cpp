@@ -1,62 +1,35 @@
 // The documents that a sweep with a JSON request delivers.
-#include <cjson/cJSON.h>
-
-#include <memory>
-
-#include "exports/support/lab_test.h"
+#include "exports/support/logged_test.h"
 
 namespace vndiscover {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
-constexpr UINT kMessage = ResultWindow::kMessage;
-
-std::string Utf8OfAnsi(const std::string& ansi) {
-    wchar_t wide[512];
-    char utf8[1024];
-    MultiByteToWideChar(CP_ACP, 0, ansi.c_str(), -1, wide, 512);
-    WideCharToMultiByte(CP_UTF8, 0, wide, -1, utf8, sizeof utf8, nullptr, nullptr);
-    return utf8;
+const wchar_t kNameQuestion[] = L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}";
+std::string NameAnswer(const std::string& name) {
+    return "{\n\t\"GET\":\t{\n\t\t\".1.3.6.1.2.1.1.5.0\":\t\"" + name + "\"\n\t}\n}";
 }
 
-class SweepJson : public QuickLabTest {
-  protected:
-    void SweepFor(const std::wstring& request, const wchar_t* community = nullptr) {
-        module.DiscoverDevicesByOIDjson(window.Handle(), kMessage, 0, 0, request.c_str(), nullptr,
-                                        community, nullptr);
-    }
-    // A device of neta: what it answers to requests for each OID; it is silent to others.
-    void DeviceWith(std::vector<std::pair<std::string, Bytes>> answers) {
-        Devices([=](const Request& request) {
-            std::vector<Answer> reply;
-            for (const auto& [oid, datagram] : answers) {
-                if (request.net == "neta" && request.data == SnmpGet(oid))
-                    reply.push_back({datagram});
-            }
-            return reply;
-        });
-    }
-    std::vector<std::string> AskedOfNetA() {
-        std::vector<std::string> asked;
-        for (const Request& request : agents->Requests()) {
-            if (request.net == "neta") asked.push_back(request.sender + " > " + request.local);
-        }
-        return asked;
-    }
-};
+class SweepJson : public LoggedTest {};
 
 TEST_F(SweepJson, FillsInEachValueThatTheDeviceHas) {
-    DeviceWith({{kDefaultOid, SnmpText("Model")},
-                {kSysDescr, SnmpText("A \"fast\" printer", kSysDescr)},
-                {kSysName, SnmpText("prn1", kSysName)}});
+    Devices([](const Request& request) {
+        const std::pair<std::string, std::string> values[] = {
+            {kDefaultOid, "Model"}, {kSysDescr, "A \"fast\" printer"}, {kSysName, "prn1"}};
+        for (const auto& [oid, value] : values) {
+            if (request.net == "neta" && request.data == SnmpGet(oid))
+                return Answers{{SnmpText(value, oid)}};
+        }
+        return Answers();
+    });
     SweepFor(
-        L"{\"GET\": {\".1.3.6.1.2.1.1.1.0\": \"\", \".1.3.6.1.2.1.1.6.0\": \"unknown\","
-        L" \".1.3.6.1.2.1.1.5.0\": \"\"}, \"id\": 7}");
+        L"{\"DiscoverOID\": \".1.3.6.1.4.1.5963.43.5.1.1.1.1\", \"GET\": {\".1.3.6.1.2.1.1.1.0\":"
+        L" \"\", \".1.3.6.1.2.1.1.6.0\": \"unknown\", \".1.3.6.1.2.1.1.5.0\": \"\"}, \"id\": 7}");
     EXPECT_THAT(window.Texts(),
                 ElementsAre("10.77.1.2={\n"
+                            "\t\"DiscoverOID\":\t\".1.3.6.1.4.1.5963.43.5.1.1.1.1\",\n"
                             "\t\"GET\":\t{\n"
                             "\t\t\".1.3.6.1.2.1.1.1.0\":\t\"A \\\"fast\\\" printer\",\n"
                             "\t\t\".1.3.6.1.2.1.1.6.0\":\t\"unknown\",\n"
@@ -65,159 +38,113 @@ TEST_F(SweepJson, FillsInEachValueThatTheDeviceHas) {
                             "\t\"id\":\t7\n"
                             "}",
                             "end"));
-    // Each OID was asked for once, of the device alone and from the adapter that it is attached to.
-    EXPECT_THAT(AskedOfNetA(), ElementsAre("10.77.1.1 > 255.255.255.255", "10.77.1.1 > 10.77.1.2",
-                                           "10.77.1.1 > 10.77.1.2", "10.77.1.1 > 10.77.1.2"));
+    // Each OID is asked for once, of the device alone and from the adapter that it is attached to.
+    const std::string question = "10.77.1.1 > 10.77.1.2 161 neta";
+    EXPECT_THAT(Ways(), ElementsAre("10.77.1.1 > 255.255.255.255 161 neta", question, question,
+                                    question, "10.77.2.1 > 255.255.255.255 161 netb"));
     // The silent one cost five waits, the two adapters' phases one each.
     EXPECT_THAT(waits.Silent(), SizeIs(5 + 2));
+
+    const auto asks = [](const std::string& oid, const std::string& value, uint8_t arc) {
+        const std::string content = "2b 06 01 02 01 01 0" + std::to_string(arc) + " 00 ";
+        return Lines{"Key [" + oid + "]\n", "  value [" + value + "]\n", "  szKey [" + oid + "]\n",
+                     "SNMP::GetInformation - [10.77.1.2]\n"} +
+               RequestLines(9, content, SnmpGet(oid));
+    };
+    ExpectLog(SweepLines(
+        AnsweredLines({"10.77.1.2"}, Lines{"GET command\n"} + asks(kSysDescr, "", 1) +
+                                         Lines{"  szValue [A \"fast\" printer]\n"} +
+                                         asks(".1.3.6.1.2.1.1.6.0", "unknown", 6) +
+                                         Times(5, {"RecvFrom - Timeout\n"}) +
+                                         asks(kSysName, "", 5) + Lines{"  szValue [prn1]\n"}),
+        AnsweredLines({}),
+        {"wszDisOID [.1.3.6.1.4.1.5963.43.5.1.1.1.1]\n",
+         "szDisOid [.1.3.6.1.4.1.5963.43.5.1.1.1.1]\n"}));
 }
 
 TEST_F(SweepJson, AsksEachDeviceInTurnWithTheHostsCommunity) {
     Devices([](const Request& request) {
         if (request.data == SnmpGet(kSysName, "public")) {
-            return std::vector<Answer>{{SnmpText("I am " + request.local, kSysName)}};
+            return Answers{{SnmpText("I am " + request.local, kSysName)}};
         }
-        if (request.data != SnmpGet(kDefaultOid, "public")) return std::vector<Answer>();
-        if (request.net == "netb") return std::vector<Answer>{{SnmpText("Model")}};
-        return std::vector<Answer>{{SnmpText("Model"), "10.77.1.11"},
-                                   {SnmpText("Model"), "10.77.1.12"}};
+        if (request.data != SnmpGet(kDefaultOid, "public")) return Answers();
+        if (request.net == "netb") return Answers{{SnmpText("Model")}};
+        // A device without a value is skipped.
+        return Answers{{SnmpText("Model"), "10.77.1.11"},
+                       {SnmpText(""), "10.77.1.13"},
+                       {TextBytes("no answer"), "10.77.1.14"},
+                       {SnmpText("Model"), "10.77.1.12"}};
     });
-    SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}", L"public");
+    SweepFor(kNameQuestion, L"public");
     const auto document = [](const std::string& address) {
-        return address + "={\n\t\"GET\":\t{\n\t\t\".1.3.6.1.2.1.1.5.0\":\t\"I am " + address +
-               "\"\n\t}\n}";
+        return address + '=' + NameAnswer("I am " + address);
     };
     EXPECT_THAT(window.Texts(), ElementsAre(document("10.77.1.11"), document("10.77.1.12"),
                                             document("10.77.2.2"), "end"));
+    EXPECT_TRUE(log.Has(" ==== We have [4] devices on the network. ==== \n"));
+    EXPECT_TRUE(log.Has("We have [2] devices responsed the information.\n"));
 }
 
-TEST_F(SweepJson, SkipsADeviceWhoseAnswerIsEmpty) {
+TEST_F(SweepJson, AsksAnIPv6DeviceFromItsOwnAdapter) {
     Devices([](const Request& request) {
-        if (request.net != "neta") return std::vector<Answer>();
-        return std::vector<Answer>{{SnmpText(""), "10.77.1.11"},
-                                   {TextBytes("no answer"), "10.77.1.12"},
-                                   {SnmpText("Model"), "10.77.1.13"}};
+        if (request.net != "netb") return Answers();
+        return Answers{{SnmpText(request.sender + " asks " + request.local)}};
     });
-    SweepFor(L"{}");
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.13={\n}", "end"));
+    SweepFor(kNameQuestion, nullptr, 1);
+    EXPECT_THAT(window.Texts(),
+                ElementsAre("fe80::2:2=" + NameAnswer("fe80::2:1 asks fe80::2:2"), "end"));
 }
 
-TEST_F(SweepJson, DeliversValuesWhoseBytesAreNoText) {
-    const std::string value = "\x80\x81\x9d\xff\x01 \xe9";
-    DeviceWith({{kDefaultOid, SnmpText("\xff\xfe")}, {kSysName, SnmpText(value, kSysName)}});
-    SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
-    ASSERT_THAT(window.results, SizeIs(2));
-    const std::unique_ptr<cJSON, void (*)(cJSON*)> root(
-        cJSON_Parse(window.results[0].value.c_str()), cJSON_Delete);
-    const cJSON* get = cJSON_GetObjectItem(root.get(), "GET");
-    ASSERT_NE(nullptr, get);
-    EXPECT_EQ(Utf8OfAnsi(value), cJSON_GetStringValue(cJSON_GetObjectItem(get, kSysName)));
+// Answers are in the ANSI code page; the request, which passes through it, is read as UTF-8.
+TEST_F(SweepJson, DeliversUtf8) {
+    DeviceIn("neta", {{SnmpText("\x80\x81\xff\x01 \xe9")}});
+    SweepFor(L"{\"GET\": {\"1.3\": \"\"}, \"caf\u00e9\": \"\\u20ac\"}");
+    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2={\n\t\"GET\":\t{\n\t\t\"1.3\":\t\""
+                                            "\xe2\x82\xac\xc2\x81\xc3\xbf\\u0001 \xc3\xa9\"\n\t},\n"
+                                            "\t\"caf\xef\xbf\xbd\":\t\"\xe2\x82\xac\"\n}",
+                                            "end"));
 }
-
-struct RequestCase : Row {
-    std::wstring request;
-    std::string document;  // empty: nothing is delivered
-};
-class JsonRequest : public SweepJson, public testing::WithParamInterface<RequestCase> {};
 
 // The device answers each question; what is no question goes back as it came.
-TEST_P(JsonRequest, IsAnsweredWithItsDocument) {
+TEST_F(SweepJson, AnswersOddRequestsAndDeliversNothingForWhatIsNoJson) {
+    const std::wstring longest = L".1.3." + std::wstring(253, L'0') + L"6";
+    const std::wstring tooLong = L".1.3." + std::wstring(254, L'0') + L"6";
+    const std::pair<std::wstring, std::string> rows[] = {
+        {L"GET", ""},
+        {L"{\"GET\": {", ""},
+        {L"", ""},
+        {std::wstring(2047, L'['), ""},  // nested too deep
+        {L"{\"a\": 1}", "{\n\t\"a\":\t1\n}"},
+        {L"{\"GET\": \"x\"}", "{\n\t\"GET\":\t\"x\"\n}"},
+        {L"{\"GET\": {}}", "{\n\t\"GET\":\t{\n\t}\n}"},
+        {L"7", "7"},
+        {L"{\"GET\": {\".1.3.6.1\": 7}}", "{\n\t\"GET\":\t{\n\t\t\".1.3.6.1\":\t\"Model\"\n\t}\n}"},
+        {L"{\"GET\": {\"" + longest + L"\": \"\", \"" + tooLong + L"\": \"kept\"}}",
+         "{\n\t\"GET\":\t{\n\t\t\"" + std::string(longest.begin(), longest.end()) +
+             "\":\t\"Model\",\n\t\t\"" + std::string(tooLong.begin(), tooLong.end()) +
+             "\":\t\"kept\"\n\t}\n}"}};
     DeviceIn("neta", {{SnmpText("Model")}});
-    SweepFor(GetParam().request);
-    if (GetParam().document.empty()) {
-        EXPECT_THAT(window.Texts(), ElementsAre("end"));
-    } else {
-        EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=" + GetParam().document, "end"));
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, JsonRequest,
-    testing::Values(RequestCase{"NoJson", L"GET", ""}, RequestCase{"CutJson", L"{\"GET\": {", ""},
-                    RequestCase{"Empty", L"", ""},
-                    RequestCase{"NestedTooDeep", std::wstring(2047, L'['), ""},
-                    RequestCase{"WithoutGet", L"{\"a\": 1}", "{\n\t\"a\":\t1\n}"},
-                    RequestCase{"GetIsText", L"{\"GET\": \"x\"}", "{\n\t\"GET\":\t\"x\"\n}"},
-                    RequestCase{"GetIsEmpty", L"{\"GET\": {}}", "{\n\t\"GET\":\t{\n\t}\n}"},
-                    RequestCase{"RootIsNumber", L"7", "7"},
-                    RequestCase{"ValueIsNumber", L"{\"GET\": {\".1.3.6.1\": 7}}",
-                                "{\n\t\"GET\":\t{\n\t\t\".1.3.6.1\":\t\"Model\"\n\t}\n}"},
-                    RequestCase{
-                        "KeyTooLongForAnOid",
-                        L"{\"GET\": {\".1.3." + std::wstring(255, L'0') + L"6\": \"kept\"}}",
-                        "{\n\t\"GET\":\t{\n\t\t\".1.3." + std::string(255, '0') +
-                            "6\":\t\"kept\"\n\t}\n}"}),
-    kNameOfRow);
-
-// Questions take 2,047 bytes at most; a device of neta would answer each sweep.
-TEST_F(SweepJson, IsRejectedFrom2048BytesOn) {
-    const std::wstring text = L"{\"a\": 1}";
-    DeviceIn("neta", {{SnmpText("Model")}});
-    SweepFor(text + std::wstring(2048 - text.size(), L' '));
-    SweepFor(text + std::wstring(100000, L' '));
-    EXPECT_THAT(agents->Requests(), IsEmpty());
-    EXPECT_THAT(window.Texts(), ElementsAre("end", "end"));
-    window.results.clear();
-    SweepFor(text + std::wstring(2047 - text.size(), L' '));
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2={\n\t\"a\":\t1\n}", "end"));
-}
-
-// 50 answers of 126 characters that take two bytes each in UTF-8; the text before them moves the
-// place of the cut by one byte.
-TEST_F(SweepJson, ADocumentThatDoesNotFitIsCutBetweenTwoCharacters) {
-    const std::string answer(126, '\xe9');
-    DeviceIn("neta", {{SnmpText(answer)}});
-    std::vector<size_t> sizes;
-    for (const std::string& pad : {std::string(100, 'x'), std::string(101, 'x')}) {
-        std::string request = "{\"pad\":\"" + pad + "\",\"GET\":{\".1.3.6.0\":\"\"";
-        std::string whole = "{\n\t\"pad\":\t\"" + pad + "\",\n\t\"GET\":\t{\n";
-        for (int i = 0; i < 50; ++i) {
-            const std::string oid = ".1.3.6." + std::to_string(i);
-            if (i != 0) request += ",\"" + oid + "\":\"\"";
-            whole += "\t\t\"" + oid + "\":\t\"" + Utf8OfAnsi(answer) + "\",\n";
-        }
-        request += "}}";
+    for (const auto& [request, document] : rows) {
+        SweepFor(request);
+        Lines expected = {"end"};
+        if (!document.empty()) expected.insert(expected.begin(), "10.77.1.2=" + document);
+        EXPECT_EQ(expected, window.Texts());
         window.results.clear();
-        SweepFor(std::wstring(request.begin(), request.end()));
-        ASSERT_THAT(window.results, SizeIs(2));
-        const std::string& document = window.results[0].value;
-        EXPECT_EQ(nullptr, cJSON_Parse(document.c_str())) << "as the host can see";
-        EXPECT_EQ(whole.substr(0, document.size()), document);
-        EXPECT_NE(0, MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, document.c_str(), -1,
-                                         nullptr, 0));
-        sizes.push_back(document.size());
     }
-    EXPECT_THAT(sizes, testing::UnorderedElementsAre(4094, 4095)) << "once inside a character";
 }
 
-TEST_F(SweepJson, IsWrittenToTheResultFileWhole) {
-    wchar_t folder[MAX_PATH] = {};
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring path = folder + std::wstring(L"documents.csv");
-    DeviceIn("neta", {{SnmpText("Model")}});
-    module.DiscoverDevicesByOIDjson(nullptr, 0, 0, 0,
-                                    (L"{\"text\": \"" + std::wstring(1000, L'x') + L"\"}").c_str(),
-                                    path.c_str(), nullptr, nullptr);
-    FILE* file = _wfopen(path.c_str(), L"rb");
-    char content[2048];
-    const std::string line(content, std::fread(content, 1, sizeof content, file));
-    std::fclose(file);
-    EXPECT_EQ("\"10.77.1.2\",\"{\r\n\t\"text\":\t\"" + std::string(1000, 'x') + "\"\r\n}\"\r\n",
-              line);
-}
-
-TEST_F(SweepJson, StopsBeforeTheNextDeviceWhileOneIsAsked) {
-    Devices([&](const Request& request) {
-        if (request.local == "255.255.255.255") {
-            return std::vector<Answer>{{SnmpText("Model")}, {SnmpText("Model")}};
-        }
-        module.StopDiscoverSnmp();
-        return std::vector<Answer>{{SnmpText("prn1", kSysName)}};
-    });
-    SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
-    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2={\n\t\"GET\":\t{\n"
-                                            "\t\t\".1.3.6.1.2.1.1.5.0\":\t\"prn1\"\n\t}\n}",
-                                            "end"));
+TEST_F(SweepJson, ADocumentThatDoesNotFitIsCut) {
+    const std::string answer(127, 'x');
+    std::wstring request = L"{\"GET\":{";
+    std::string whole = "{\n\t\"GET\":\t{\n";
+    for (int i = 10; i < 50; ++i) {
+        const std::wstring oid = L"\".1.3.6." + std::to_wstring(i) + L'"';
+        request += oid + (i < 49 ? L":\"\"," : L":\"\"}}");
+        whole += "\t\t" + std::string(oid.begin(), oid.end()) + ":\t\"" + answer + "\",\n";
+    }
+    DeviceIn("neta", {{SnmpText(answer)}});
+    SweepFor(request);
+    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=" + whole.substr(0, 4095), "end"));
 }
 
 }  // namespace
