@@ -21,78 +21,75 @@ std::wstring StringAt(cJSON* parent, int32_t i, size_t room = kRoom) {
 }
 
 std::wstring Printed(const JsonDoc& document) {
-    std::wstring text;
+    std::wstring text = L"before";
     EXPECT_EQ(-1, document.Print(&text));
     return text;
 }
 
 TEST(JsonDocTest, WhatIsNoJsonLeavesNoRoot) {
     JsonDoc document;
-    EXPECT_EQ(0, document.Parse(nullptr));
-    EXPECT_EQ(nullptr, document.Root());
-    EXPECT_EQ(-1, document.Print(nullptr));
     EXPECT_EQ(0, document.Parse(L"{\"a\":1}"));
-    EXPECT_NE(nullptr, document.Root());
     EXPECT_EQ(0, document.Parse(nullptr));  // ignored
     EXPECT_NE(nullptr, document.Root());
     for (const wchar_t* broken : {L"", L"{", L"{\"a\":}", L"nonsense"}) {
         EXPECT_EQ(0, document.Parse(broken));
         EXPECT_EQ(nullptr, document.Root()) << broken;
     }
-    std::wstring text = L"before";
-    EXPECT_EQ(-1, document.Print(&text));
-    EXPECT_EQ(L"before", text);
+    EXPECT_EQ(-1, document.Print(nullptr));
+    EXPECT_EQ(L"before", Printed(document));
 }
 
-TEST(JsonDocTest, ListsTheMembersOfAnObject) {
+TEST(JsonDocTest, ReadsMembersAndLeavesTheBufferAloneWhereThereIsNone) {
     JsonDoc document;
-    document.Parse(L"{\"GET\":{\"1.3\":\"gr\u00fcn\",\"1.4\":5}}");
+    document.Parse(L"{\"GET\":{\"1.3\":\"gr\u00fcn\",\"1.4\":5},\"oid\":\"1.3.6\",\"l\":[\"x\"]}");
     cJSON* get = JsonDoc::Member(document.Root(), "get");  // in any letter case
     ASSERT_NE(nullptr, get);
     EXPECT_EQ(2, JsonDoc::Size(get));
     EXPECT_EQ(L"1.3", NameAt(get, 0));
     EXPECT_EQ(L"gr\u00fcn", StringAt(get, 0));
-    EXPECT_EQ(L"1.4", NameAt(get, 1));
     EXPECT_EQ(L"before", StringAt(get, 1));  // no string
     EXPECT_EQ(L"before", NameAt(get, 2));
     EXPECT_EQ(L"before", StringAt(get, -1));
     EXPECT_EQ(L"1.", NameAt(get, 0, 3));  // cut to its room
     EXPECT_EQ(L"gr", StringAt(get, 0, 3));
-    EXPECT_EQ(nullptr, JsonDoc::Member(document.Root(), "SET"));
     EXPECT_EQ(nullptr, JsonDoc::Member(nullptr, "GET"));
     EXPECT_EQ(0, JsonDoc::Size(nullptr));
     EXPECT_EQ(L"before", NameAt(nullptr, 0));
-}
 
-TEST(JsonDocTest, FindsAStringOfTheRoot) {
-    JsonDoc document;
     wchar_t text[kRoom] = L"before";
-    EXPECT_FALSE(document.StringOfRootMember(L"DiscoverOID", text, kRoom));
-    document.Parse(L"{\"DiscoverOID\":\"1.3.6\",\"n\":1}");
-    EXPECT_FALSE(document.StringOfRootMember(L"n", text, kRoom));
-    EXPECT_FALSE(document.StringOfRootMember(L"other", text, kRoom));
+    EXPECT_FALSE(JsonDoc().StringOfRootMember(L"oid", text, kRoom));
+    EXPECT_FALSE(document.StringOfRootMember(L"GET", text, kRoom));
+    EXPECT_FALSE(document.StringOfRootArray(L"l", 1, text, kRoom));
+    EXPECT_FALSE(document.StringOfRootArray(L"none", 0, text, kRoom));
     EXPECT_STREQ(L"before", text);
-    EXPECT_TRUE(document.StringOfRootMember(L"DiscoverOID", text, kRoom));
+    EXPECT_TRUE(document.StringOfRootMember(L"oid", text, kRoom));
     EXPECT_STREQ(L"1.3.6", text);
+    EXPECT_TRUE(document.StringOfRootArray(L"l", 0, text, kRoom));
+    EXPECT_STREQ(L"x", text);
+    EXPECT_TRUE(JsonDoc::StringOfMember(get, L"1.3", text, 3));
+    EXPECT_STREQ(L"gr", text);
 }
 
-TEST(JsonDocTest, ReplacesAMemberWithATextOfAnyLength) {
+TEST(JsonDocTest, ReplacesAndAddsTextsOfAnyLengthAndDropsWhatHasNoPlace) {
     JsonDoc document;
-    document.Parse(L"{\"a\":\"\",\"b\":\"kept\"}");
+    document.Parse(L"{\"a\":\"\",\"l\":[]}");
+    cJSON* root = document.Root();
     const std::wstring longText(1000, L'\u00e4');  // 2,000 bytes of UTF-8
-    JsonDoc::ReplaceMember(document.Root(), L"a", JsonDoc::NewString(longText.c_str()));
-    JsonDoc::ReplaceMember(document.Root(), L"no such member", JsonDoc::NewString(L"dropped"));
-    const std::wstring expected = L"{\n\t\"a\":\t\"" + longText + L"\",\n\t\"b\":\t\"kept\"\n}";
+    JsonDoc::ReplaceMember(root, L"a", JsonDoc::NewString(longText.c_str()));
+    JsonDoc::ReplaceMember(root, L"none", JsonDoc::NewString(L"dropped"));
+    JsonDoc::AddString(JsonDoc::Member(root, "l"), L"first");
+    JsonDoc::AddString(root, L"b", L"say \"hi\"\\\n\x01");
+    JsonDoc::AddItem(root, L"c", JsonDoc::NewString(L"own"));
+    JsonDoc::AddString(nullptr, L"name", L"dropped");
+    JsonDoc::AddString(nullptr, L"dropped");
+    const std::wstring expected = L"{\n\t\"a\":\t\"" + longText +
+                                  L"\",\n\t\"l\":\t[\"first\"],\n\t\"b\":\t\"say "
+                                  L"\\\"hi\\\"\\\\\\n\\u0001\",\n\t\"c\":\t\"own\"\n}";
     EXPECT_EQ(expected, Printed(document));
     // In UTF-8 each of the thousand takes two bytes; the terminator counts too.
     EXPECT_EQ(static_cast<int32_t>(expected.size() + 1000 + 1), document.Print(nullptr));
-}
-
-TEST(JsonDocTest, EscapesWhatADeviceAnswers) {
-    JsonDoc document;
-    document.Parse(L"{\"a\":\"\"}");
-    JsonDoc::ReplaceMember(document.Root(), L"a", JsonDoc::NewString(L"say \"hi\"\\\n\x01"));
-    EXPECT_EQ(L"{\n\t\"a\":\t\"say \\\"hi\\\"\\\\\\n\\u0001\"\n}", Printed(document));
+    document.SetRoot(JsonDoc::NewString(L"alone"));
+    EXPECT_EQ(L"\"alone\"", Printed(document));
 }
 
 }  // namespace
