@@ -5,7 +5,6 @@ set -euo pipefail
     echo "examples_test.sh: not in a lab: start it through private-net.sh" >&2
     exit 2
 }
-here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 hosts=$1
 lab=$VNDISCOVER_LAB_SCRIPTS
 failed=0
@@ -31,12 +30,11 @@ cd "$TMPDIR"
 # Windows that paint, without a display. Read when the prefix's first window comes up, so set before any.
 Run reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null
 "$lab/wine-run.sh" --stop host
-agent=$("$lab/snmp-agent.sh" neta printer <<'CONF'
+"$lab/snmp-agent.sh" neta printer >/dev/null <<'CONF'
 agentAddress udp:161
 rocommunity sesame
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
 CONF
-)
 
 for sweep in sweep sweep_pkgconfig sweep_lib; do
     Run "$hosts/$sweep.exe"
@@ -53,17 +51,7 @@ fi
 Run "$hosts/worker_sweep.exe" --once
 Expect worker_sweep 0 '^10\.77\.1\.2  Model 1$' '^1 devices, [0-9]{2,} frames, complete$'
 
-# An agent that never falls silent: the sweep would take 60 s, a stop ends it, and nothing is delivered.
-kill "$agent"
-for _ in $(seq 100); do
-    grep -q ':00A1 ' <(nsenter --net=/run/netns/neta cat /proc/net/udp) || break # port 161 is free again
-    sleep 0.05
-done
-exec 3< <(exec ip netns exec neta python3 "$here/talkative_agent.py" 2>&1)
-read -r -t 20 line <&3
-[ "$line" = ready ] || { echo "talkative_agent.py: $line"; exit 1; }
-started=$SECONDS
+# A stop while the first network is still listened to: what has answered is not delivered.
 Run "$hosts/worker_sweep.exe" --once --stop-after 1000
 Expect "worker_sweep, stopped" 1 '^0 devices, [0-9]{2,} frames, stopped$'
-[ $((SECONDS - started)) -lt 20 ] || { echo "the stop took $((SECONDS - started)) s"; failed=1; }
 exit $failed
