@@ -152,6 +152,12 @@ class SweepSockets : public LoggedTest {
         return SOCKET_ERROR;
     }
 
+    static hostent* WSAAPI Resolve(const char* name) {
+        resolved.push_back(name);
+        return gethostbyname(name);
+    }
+
+    static inline Lines resolved;
     static inline Lines options;
     static inline std::string failing;
     static inline int bindError;
@@ -184,6 +190,14 @@ TEST_F(SweepSockets, GetTheirOptionsUntilOneFails) {
             EXPECT_EQ(Times(2, expected), options);
         }
     }
+}
+
+// Also those that are numbers.
+TEST_F(SweepSockets, GiveTheirAddressesToTheResolver) {
+    const ImportPatch patch(module.Handle(), "gethostbyname", Resolve);
+    resolved.clear();
+    Sweep();
+    EXPECT_THAT(resolved, ElementsAre("10.77.1.1", "10.77.2.1"));
 }
 
 TEST_F(SweepSockets, StayUsableWhereTheirAddressCannotBeBound) {

@@ -35,9 +35,9 @@ class LabTest : public testing::Test {
         Devices([=](const Request& request) { return request.net == net ? answers : Answers(); });
     }
 
-    // DiscoverDevices with the default community.
+    // DiscoverDevices with the default community; the time-out does not matter.
     void Sweep(const wchar_t* path = nullptr, BYTE useIPv6 = 0) {
-        EXPECT_EQ(0, module.DiscoverDevices(window.Handle(), window.kMessage, 0, useIPv6, path,
+        EXPECT_EQ(0, module.DiscoverDevices(window.Handle(), window.kMessage, 9, useIPv6, path,
                                             nullptr, nullptr));
     }
     // DiscoverDevicesByOIDjson without a file.
