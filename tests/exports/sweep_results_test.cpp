@@ -108,6 +108,8 @@ TEST_F(SweepResults, AreWhateverArrivesWithTheValueThatCanBeRead) {
         {Prefix(oversized, 2048), "Model"},
         {oversized, leftOut},
         {SnmpGet(kDefaultOid), ""},
+        {Encode({kDefaultOid, 4, TextBytes("set"), 0xA3}), "set"},  // nobody asks what it is
+        {Encode({kDefaultOid, 4, TextBytes("report"), 0xA8}), ""},
         {SnmpText(""), ""},
         {response("", {1}, 2), ""},
         {response("Model", {1}, 2), "Model"},
