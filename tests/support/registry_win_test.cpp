@@ -56,7 +56,7 @@ TEST_F(RegistryTest, HoldsTheSwitchesUnderTheKeyDebugWhereNoOtherIsNamed) {
     EXPECT_EQ(5, IsDebugLogEnabled());
     Set("Debug", 2);
     Set("Dbg2Log", 3);
-    EXPECT_EQ(3, LoadDebugSwitchesW(L"Debug", 0));
+    EXPECT_EQ(3, LoadDebugSwitchesW(nullptr, 0));
     EXPECT_EQ(1, g_debugSwitches.debug);
     EXPECT_EQ(1, g_debugSwitches.dbg2Log);
     g_debugSwitches = {0, 0};
