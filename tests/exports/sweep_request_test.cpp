@@ -1,4 +1,6 @@
 // What a sweep asks, from where and in which order, and what it tells the log about that.
+#include <sstream>
+
 #include "exports/support/logged_test.h"
 
 namespace vndiscover {
@@ -202,25 +204,17 @@ TEST_F(SweepSockets, GiveTheirAddressesToTheResolver) {
 
 TEST_F(SweepSockets, StayUsableWhereTheirAddressCannotBeBound) {
     const ImportPatch patch(module.Handle(), "bind", Bind);
-    const std::pair<int, std::string> errors[] = {{10013, "   WSAEACCES\n"},
-                                                  {10014, "   WSAEFAULT\n"},
-                                                  {10022, "   WSAEINVAL\n"},
-                                                  {10036, "   WSAEINPROGRESS\n"},
-                                                  {10038, "   WSAENOTSOCK\n"},
-                                                  {10048, "   WSAEADDRINUSE\n"},
-                                                  {10049, "   WSAEADDRNOTAVAIL\n"},
-                                                  {10050, "   WSAENETDOWN\n"},
-                                                  {10055, "   WSAENOBUFS\n"},
-                                                  {10093, "   WSANOTINITIALISED\n"},
-                                                  {10040, ""}};
-    for (const auto& [error, name] : errors) {
+    std::istringstream errors(
+        "10013 WSAEACCES 10014 WSAEFAULT 10022 WSAEINVAL 10036 WSAEINPROGRESS 10038 WSAENOTSOCK "
+        "10048 WSAEADDRINUSE 10049 WSAEADDRNOTAVAIL 10050 WSAENETDOWN 10055 WSAENOBUFS "
+        "10093 WSANOTINITIALISED 10040 -");  // the last has no line of its own
+    for (std::string name; errors >> bindError >> name;) {
         SilentDevices();
         log.Clear();
-        bindError = error;
         Sweep();
         char line[32];
-        std::snprintf(line, sizeof line, "BIND error %x\n", error);
-        const Lines unbound = name.empty() ? Lines{line} : Lines{line, name};
+        std::snprintf(line, sizeof line, "BIND error %x\n", bindError);
+        const Lines unbound = name == "-" ? Lines{line} : Lines{line, "   " + name + '\n'};
         ExpectLog(SweepLines(unbound + ended, unbound + ended));
         EXPECT_EQ(2u, agents->Requests().size());
     }
