@@ -21,9 +21,9 @@ if(MINGW)
 endif()
 
 if(VNDISCOVER_SANITIZE STREQUAL "trap")
-    # GCC warns of what only its inserted checks could see uninitialized.
+    # GCC warns of paths that only its inserted checks make.
     add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error
-                        -Wno-maybe-uninitialized)
+                        -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-array-bounds)
 elseif(VNDISCOVER_SANITIZE STREQUAL "address")
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
                         -fno-omit-frame-pointer)
