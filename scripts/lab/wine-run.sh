@@ -32,16 +32,21 @@ if [ -n "$stop" ]; then
     [ ! -e "$WINEPREFIX/system.reg" ] || exec "$(dirname "$WINE")/wineserver64" -k
     exit 0
 fi
-if [ ! -e "$WINEPREFIX/system.reg" ]; then
+layer=$VNDISCOVER_LAB/wine/$netns
+if [ ! -e "$layer/ready" ]; then
     template=$("$here/wine-template.sh")
     mkdir -p "$WINEPREFIX"
-    exec 9>"$VNDISCOVER_LAB/wine/$netns/lock"
+    exec 9>"$layer/lock"
     flock 9
-    if [ ! -e "$WINEPREFIX/system.reg" ]; then
-        layer=$VNDISCOVER_LAB/wine/$netns
+    if [ ! -e "$layer/ready" ]; then
         mkdir -p "$layer/upper" "$layer/work"
         mount -t overlay overlay "$WINEPREFIX" \
             -o "lowerdir=$template,upperdir=$layer/upper,workdir=$layer/work"
+        # Started here, the server and Wine's services stay. Else they would go with a program, and the next one,
+        # started at that moment, would fail; and they would keep the first one's output pipes open.
+        ip netns exec "$netns" "$(dirname "$WINE")/wineserver64" --persistent </dev/null >/dev/null 2>&1 9>&-
+        ip netns exec "$netns" "$WINE" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
+        touch "$layer/ready"
     fi
     exec 9>&-
 fi

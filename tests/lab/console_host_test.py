@@ -18,7 +18,7 @@ class Usage(unittest.TestCase):
                 ["get", AGENT], ["set", AGENT, CONTACT, "i", "x"], ["wsd", "--timeout", "999"]):
             with self.subTest(arguments=" ".join(arguments)):
                 code, out, err = run(*arguments)
-                self.assertEqual((2, ""), (code, out))
+                self.assertEqual((2, ""), (code, out), err)
                 self.assertIn("--help'", err)
 
     def test_help_names_examples_and_exit_codes(self):
