@@ -25,8 +25,10 @@ if [ "${VNDISCOVER_LAB_INIT:-}" = 1 ]; then
     mount -t overlay overlay /etc \
         -o lowerdir=/etc,upperdir=$VNDISCOVER_LAB/etc/upper,workdir=$VNDISCOVER_LAB/etc/work
     mkdir -p /etc/netns
-    # A link into the machine's /run would dangle. Windows programs need an IPv6 name server to list adapters.
-    rm -f /etc/resolv.conf
+    # A link into the machine's /run would dangle, and a small machine may have no names at all. Windows programs
+    # need an IPv6 name server to list adapters.
+    rm -f /etc/resolv.conf /etc/hosts
+    printf '127.0.0.1 localhost\n::1 localhost ip6-localhost\n' >/etc/hosts
     echo 'nameserver ::1' >/etc/resolv.conf
     # Files of net-snmp's agents and tools would else land in /var/lib/snmp.
     export SNMP_PERSISTENT_DIR=$VNDISCOVER_LAB/snmp
