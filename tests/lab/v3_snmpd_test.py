@@ -3,6 +3,7 @@
 import concurrent.futures
 import json
 import os
+import re
 import signal
 import subprocess
 import time
@@ -78,6 +79,12 @@ def dissected():
     return [row for row in rows if row["snmp.msgUserName"].startswith("user")]
 
 
+def opinion(row):
+    """What the dissector notes on a datagram, but for what it takes some of the host's ports for."""
+    notes = re.sub(r"Possible traceroute: hop #\d+, attempt #\d+", "", row["_ws.expert.message"])
+    return notes.strip(",")
+
+
 class RealAgent(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -113,7 +120,7 @@ class RealAgent(unittest.TestCase):
                     self.assertEqual("", row["_ws.malformed"])
                     length = len(row["snmp.msgAuthenticationParameters"].replace("<MISSING>", "")) // 2
                     self.assertEqual(user.auth[3] if user.auth else 0, length)
-                    self.assertEqual("SNMP Authentication OK" if user.auth else "", row["_ws.expert.message"])
+                    self.assertEqual("SNMP Authentication OK" if user.auth else "", opinion(row))
                     self.assertEqual(bool(user.priv), bool(row["snmp.encryptedPDU"]))
                     self.assertEqual(bool(user.priv), bool(row["snmp.decrypted_pdu"]))
 
