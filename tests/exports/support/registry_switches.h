@@ -9,7 +9,11 @@ namespace vndiscover {
 // A module sees a change when it is loaded or when a thread starts.
 class RegistrySwitches {
   public:
-    RegistrySwitches() { RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_); }
+    // name: the one that is on; null: none.
+    explicit RegistrySwitches(const char* name = nullptr) {
+        RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_);
+        if (name) SetOn(name);
+    }
     ~RegistrySwitches() {
         RegCloseKey(key_);
         RemoveAll();

@@ -26,57 +26,8 @@ struct V3User {
     }
 };
 
-// The engine discovery, RFC 3412 6 and RFC 3414 4: all fields empty or 0, but for msgID 256,
-// msgMaxSize 65536, the reportable flag and request-id 257.
-inline Bytes V3Probe() {
-    return Hex(
-        "30 3a 02 01 03"
-        "30 0f 02 02 01 00 02 03 01 00 00 04 01 04 02 01 03"
-        "04 10 30 0e 04 00 02 01 00 02 01 00 04 00 04 00 04 00"
-        "30 12 04 00 04 00 a0 0c 02 02 01 01 02 01 00 02 01 00 30 00");
-}
-
-inline V3Datagram WithoutEngine(V3Datagram datagram) {
-    datagram.engineId = datagram.user = {};
-    datagram.boots = datagram.time = 0;
-    return datagram;
-}
-
-// The answer to the probe: usmStatsUnknownEngineIDs.
-inline V3Datagram V3ReportFields() {
-    V3Datagram report;
-    report.user = {};
-    report.scopedTlv = ScopedPduTlv(
-        0xA8, BindingTlv(OidContent(".1.3.6.1.6.3.15.1.1.4.0"), Tlv(0x41, {1})), report.engineId);
-    return report;
-}
-inline Bytes V3Report() { return V3ReportFields().Build(); }
 inline Bytes V3NamelessReport() { return WithoutEngine(V3ReportFields()).Build(); }
 
-// A request without authentication and privacy to a device whose engine is that of V3Report().
-inline V3Datagram V3RequestFields(const std::string& oid, uint8_t pduType = 0xA0) {
-    V3Datagram request;
-    request.msgMaxSize = 65536;
-    request.flagsTlv = Tlv(0x04, {0x04});
-    request.scopedTlv = ScopedPduTlv(pduType, BindingTlv(OidContent(oid), {0x05, 0x00}));
-    return request;
-}
-inline Bytes V3Request(const std::string& oid, uint8_t pduType = 0xA0) {
-    return V3RequestFields(oid, pduType).Build();
-}
-// What goes out instead while the device's engine is not known: a probe that names the OID.
-inline Bytes V3ProbeFor(const std::string& oid) {
-    return WithoutEngine(V3RequestFields(oid)).Build();
-}
-
-inline V3Datagram V3AnswerFields(const Bytes& valueTlv, const std::string& oid = kDefaultOid) {
-    V3Datagram answer;
-    answer.scopedTlv = ScopedPduTlv(0xA2, BindingTlv(OidContent(oid), valueTlv));
-    return answer;
-}
-inline Bytes V3Text(const std::string& text, const std::string& oid = kDefaultOid) {
-    return V3AnswerFields(Tlv(0x04, TextBytes(text)), oid).Build();
-}
 // Signed with a code that is wrong.
 inline Bytes V3WronglySigned(const std::string& text) {
     V3Datagram answer = V3AnswerFields(Tlv(0x04, TextBytes(text)));
