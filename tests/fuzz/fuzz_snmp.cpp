@@ -98,7 +98,9 @@ void ReadPdu(const Bytes& bytes) {
     PduRecord pdu, again;
     uint32_t end = 0;
     if (!Reads([&] { end = DecodePdu(pdu, in, 0); })) return;
-    Expect(end <= in.length);
+    size_t listEnd = ValueAt(bytes, 0).value().start;
+    for (int i = 0; i < 4; ++i) listEnd = ValueAt(bytes, listEnd).value().end;
+    Expect(listEnd <= end && end <= in.length);
     Bytes list;
     for (int32_t i = 0; i < pdu.bindings.count; ++i) {
         const VarBindRecord& binding = pdu.bindings.bindings[i];

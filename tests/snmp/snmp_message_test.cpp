@@ -160,29 +160,13 @@ TEST_F(ParseTest, LengthsBeyondTheDatagramReadAsZerosWithinTheFields) {
     EXPECT_EQ(sender.substr(0, kAddressSize - 1), record.address);
 }
 
-// A datagram may end anywhere: what it still holds is read, and nothing after it.
-TEST_F(ParseTest, EveryPrefixReadsUpToItsEnd) {
-    const Bytes answer = Answer(TextBinding("value"));
-    const size_t oidAt = answer.size() - Tlv(0x06, kSysDescrOid).size() - 7;
-    for (size_t size = 0; size <= answer.size(); ++size) {
-        record = {};
-        EXPECT_EQ(size > oidAt ? 1 : 0, Parse(Prefix(answer, size))) << size;
-        const size_t missing = answer.size() - size;
-        EXPECT_EQ(std::string("value").substr(0, missing < 5 ? 5 - missing : 0),
-                  record.ValueText());
-    }
-}
-
-// The message's length is counted from the datagram's start, so the last two bytes of bindings are
-// beyond it.
-TEST_F(ParseTest, ABindingAfterTheMessagesEndIsNotRead) {
-    const Bytes first = Answer(TextBinding("first"));
-    for (const size_t length : {first.size() - 1, first.size(), first.size() + 1}) {
-        Bytes both = first + TextBinding("second");
-        both[1] = static_cast<uint8_t>(length);
-        EXPECT_EQ(length > first.size() ? 2 : 1, Parse(both)) << length;
-        EXPECT_STREQ(length > first.size() ? "second" : "first", record.ValueText());
-    }
+TEST_F(ParseTest, ANameThatIsTooLongIsCutAndStaysWithinItsField) {
+    EXPECT_EQ(1, Parse(Hex("30 7f 02 01 00 04 01 63 a2 7f 02 01 01 02 01 00 02 01 00 30 7f 30 7f"
+                           "06 c8") +
+                       Bytes(200, 0x55) + Hex("04 01 61")));
+    EXPECT_EQ(Bytes(kNameSize, 0x55), Bytes(record.name, record.name + record.nameLength));
+    EXPECT_TRUE(record.engineId.Empty() && !record.engineId.data) << "what follows the field";
+    EXPECT_STREQ("a", record.ValueText());
 }
 
 }  // namespace
