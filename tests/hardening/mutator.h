@@ -1,6 +1,7 @@
 // Malformed relatives of good datagrams, all of them following from one seed.
 #pragma once
 
+#include <initializer_list>
 #include <random>
 
 #include "helpers/bytes.h"
@@ -24,26 +25,23 @@ class Mutator {
     }
 
   private:
-    uint8_t OneOf(const Bytes& values) { return values[Below(values.size())]; }
+    uint8_t OneOf(std::initializer_list<uint8_t> bytes) {
+        return bytes.begin()[Below(bytes.size())];
+    }
     uint8_t Tag() {
-        static const Bytes tags = Hex("02 04 05 06 24 30 40 41 43 46 80 a0 a2 a3 a8 ff");
-        return OneOf(tags);
+        return OneOf({0x02, 0x04, 0x05, 0x06, 0x24, 0x30, 0x40, 0x41, 0x43, 0x46, 0x80, 0xA0, 0xA2,
+                      0xA3, 0xA8, 0xFF});
     }
-    uint8_t Length() {
-        static const Bytes lengths = Hex("00 01 7f 80 81 82 84 88 fe ff");
-        return OneOf(lengths);
-    }
+    uint8_t Length() { return OneOf({0x00, 0x01, 0x7F, 0x80, 0x81, 0x82, 0x84, 0x88, 0xFE, 0xFF}); }
     Bytes Noise(size_t count) {
         Bytes noise(count);
         for (uint8_t& byte : noise) byte = static_cast<uint8_t>(random_());
         return noise;
     }
-    size_t Times() { return static_cast<size_t>(OneOf({1, 1, 10, 100})) * OneOf({1, 1, 9}); }
-
     // Returns what is to be inserted there.
     Bytes ChangedAt(Bytes& data, size_t at) {
         Bytes nested;
-        switch (Below(8)) {
+        switch (Below(9)) {
             case 0:
                 data[at] ^= static_cast<uint8_t>(1 << Below(8));
                 return {};
@@ -57,12 +55,16 @@ class Mutator {
                 data[at] = Length();
                 return {};
             case 4:
-                for (size_t i = Times(); i > 0; --i) nested = nested + Bytes{Tag(), Length()};
+                nested.resize(OneOf({1, 1, 10, 200}) * 2u);
+                for (size_t i = 0; i < nested.size(); ++i) nested[i] = i % 2 ? Length() : Tag();
                 return nested;
             case 5:
                 return Bytes{Length()} + Noise(8);
-            case 6:  // some become too large to be taken at all
-                data = data + Noise(Times() * 9);
+            case 6:
+                data = data + Noise(Below(100));
+                return {};
+            case 7:  // about as large as what is still taken
+                data.resize(2044 + Below(9), Length());
                 return {};
             default:
                 return data;

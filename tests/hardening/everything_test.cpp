@@ -1,5 +1,5 @@
-// A host that loads the module, uses all of it and unloads it, again and again.
-// VNDISCOVER_SOAK_ROUNDS sets another count.
+// A host that loads the module, uses all of it and unloads it: again and again, and with files
+// beside it that no installer from a download folder may load.
 #include <cstdio>
 #include <cstdlib>
 
@@ -65,22 +65,24 @@ void UseEverything(HWND host, UINT message, int round) {
     uint8_t value[256] = {};
     uint32_t type = VN_TYPE_OCTET_STRING;
     VnResponseRecord record = {};
-    module.GetSnmpInformation("10.77.1.2", text, nullptr, nullptr);
+    const char* const device = "10.77.1.2";
+    module.GetSnmpInformation(device, text, nullptr, nullptr);
     module.GetSnmpInformation("fe80::1:2", text, nullptr, nullptr);
-    module.GetSnmpRequestRaw("10.77.1.2", kSysName, value, 256, &type, 0, 0, nullptr, nullptr);
-    module.GetNextSnmpRequestRaw("10.77.1.2", kSysName, &record, 0, 0, nullptr, nullptr);
-    module.SetSnmpRequestRaw("10.77.1.2", kSysName, value, 5, &type, 0, 0, nullptr, nullptr);
-    // Hashing passwords takes most of the time, so only some rounds do it.
+    module.GetSnmpRequestRaw(device, kSysName, value, 256, &type, 0, 0, nullptr, nullptr);
+    module.GetNextSnmpRequestRaw(device, kSysName, &record, 0, 0, nullptr, nullptr);
+    module.SetSnmpRequestRaw(device, kSysName, value, 5, &type, 0, 0, nullptr, nullptr);
+    // Hashing passwords takes most of the time, so only some rounds do it. 8 is with bcrypt.dll.
     const BYTE secure = round % 8 == 0;
-    module.GetSnmpRequestV3("10.77.1.2", kSysName, text, 256, nullptr, 0, 0, L"user", secure,
-                            L"authpass1", secure, L"privpass1",
-                            round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256, VN_PRIV_AES);
-    module.GetNextSnmpRequestV3("10.77.1.2", kSysName, &record, 0, 0, L"user", 0, nullptr, 0,
-                                nullptr, nullptr, nullptr);
+    const wchar_t* const protocol = round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256;
+    module.GetSnmpRequestV3(device, kSysName, text, 256, nullptr, 0, 0, L"user", secure,
+                            L"authpass1", secure, L"privpass1", protocol, VN_PRIV_AES);
+    module.GetNextSnmpRequestV3(device, kSysName, &record, 0, 0, L"user", 0, nullptr, 0, nullptr,
+                                nullptr, nullptr);
     module.VxPing("127.0.0.1", 200);
     module.IsIPv6Supported();
 }
 
+// VNDISCOVER_SOAK_ROUNDS sets another count.
 TEST(Soak, LeavesNothingBehind) {
     const char* const setting = std::getenv("VNDISCOVER_SOAK_ROUNDS");
     const int rounds = setting ? std::atoi(setting) : 40;
@@ -109,6 +111,44 @@ TEST(Soak, LeavesNothingBehind) {
     // A sweep does not release the socket object of the one before, some bytes each.
     EXPECT_LE(HeapBytes(), heapBytes + static_cast<size_t>(rounds) * 48);
     EXPECT_LE(PrivateBytes(), privateBytes + 1024 * 1024);
+}
+
+// Files under the names of system libraries, in the folder of the program and in the current one.
+class Decoys : public testing::Test {
+  protected:
+    Decoys() {
+        char program[MAX_PATH] = {};
+        GetModuleFileNameA(nullptr, program, MAX_PATH);
+        const std::string folder(program, std::string(program).rfind('\\') + 1);
+        for (const char* name : {"ICMP.DLL", "IPHLPAPI.DLL", "Ws2_32.dll", "bcrypt.dll"}) {
+            for (const std::string& path : {folder + name, std::string(".\\") + name}) {
+                CopyFileA((folder + "decoy.dll").c_str(), path.c_str(), FALSE);
+                files_.push_back(path);
+            }
+        }
+    }
+    ~Decoys() override {
+        for (const std::string& file : files_) DeleteFileA(file.c_str());
+    }
+    Lines Loaded() const {
+        Lines loaded;
+        for (const std::string& file : files_) {
+            if (DeleteFileA((file + ".loaded").c_str())) loaded.push_back(file);
+        }
+        return loaded;
+    }
+
+  private:
+    Lines files_;
+};
+
+TEST_F(Decoys, AreNeverLoaded) {
+    UseEverything(nullptr, 0, 8);
+    EXPECT_THAT(Loaded(), IsEmpty());
+    // That they would have been: the search order that the module avoids does find them.
+    const HMODULE found = LoadLibraryA("ICMP.DLL");
+    EXPECT_THAT(Loaded(), SizeIs(1));
+    FreeLibrary(found);
 }
 
 }  // namespace
