@@ -1,16 +1,12 @@
 // The registry switches of the debug log, and where its lines go.
 #include <fstream>
 #include <regex>
+#include <thread>
 
-#include "exports/support/logged_test.h"
+#include "exports/support/network_test.h"
 
 namespace vndiscover {
 namespace {
-
-using testing::AnyOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr char kFile[] = "VxAdmSvc.log";
 constexpr char kSpoken[] = "VxSnmpMgr::StopDiscover\n";
@@ -129,7 +125,7 @@ TEST_F(DebugSwitches, WideLinesNeverReachTheFile) {
     switches.SetOn("Debug");
     switches.SetOn("Dbg2Log");
     const Module module;
-    const Sends sends(module, [](int) { return WSAENETUNREACH; });
+    const ScriptedNetwork network(module);
     module.DiscoverDevicesByOIDjson(nullptr, 0, 0, 0, L"{}", nullptr, nullptr, nullptr);
     Lines narrow;
     int wide = 0;

@@ -1,7 +1,6 @@
 // When the system's crypto functions fail: what the log says, that nothing is sent authenticated or
 // in the clear, and that what had been opened is closed.
-#include "exports/support/logged_test.h"
-#include "exports/support/v3_devices.h"
+#include "exports/support/v3_test.h"
 
 #include <wincrypt.h>
 
@@ -53,7 +52,7 @@ FARPROC WINAPI Lookup(HMODULE library, const char* name) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(FailWithStatus));
 }
 
-class V3CryptoFailures : public DebugSwitchOn, public V3Test {
+class V3CryptoFailures : public V3Test {
   protected:
     // One private answer to whatever is asked.
     V3CryptoFailures() {
@@ -74,9 +73,6 @@ class V3CryptoFailures : public DebugSwitchOn, public V3Test {
         EXPECT_STREQ("before", value);
         EXPECT_TRUE(log.Has(line)) << line;
     }
-
-    Waits waits{module};
-    LogCapture log;
 };
 
 TEST_F(V3CryptoFailures, OfTheOlderLibrary) {

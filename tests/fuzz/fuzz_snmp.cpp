@@ -4,7 +4,7 @@
 #include <memory>
 #include <optional>
 
-#include "helpers/v3_answer.h"
+#include "helpers/snmp_datagrams.h"
 #include "interface/delivery/json_doc.h"
 #include "interface/delivery/json_request.h"
 #include "snmp/asn_decode.h"

@@ -3,7 +3,7 @@
 // encrypted and signed here: so mutated bytes reach the inner decoders.
 #include <cstdlib>
 
-#include "helpers/v3_answer.h"
+#include "helpers/snmp_datagrams.h"
 #include "snmp/asn_decode.h"
 #include "snmpv3/keys.h"
 #include "snmpv3/message_reader.h"

@@ -30,6 +30,16 @@ using testing::SizeIs;
 
 using Lines = std::vector<std::string>;
 
+inline Lines operator+(Lines left, const Lines& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+inline Lines Times(int count, const Lines& lines) {
+    Lines all;
+    while (count-- > 0) all = all + lines;
+    return all;
+}
+
 // The first part of a table's row: it names the test.
 struct Row {
     const char* name;
@@ -73,6 +83,15 @@ class NetworkTest : public testing::Test {
         return senders;
     }
     const std::vector<int>& SilentWaits() const { return network.SilentWaits(); }
+    // The whole log; a failure shows the lines that differ.
+    void ExpectLog(const Lines& expected) const {
+        const auto text = [](const Lines& lines) {
+            std::string all;
+            for (const std::string& line : lines) all += line + '\n';
+            return all;
+        };
+        EXPECT_EQ(text(expected), text(log.Lines()));
+    }
 
     // DiscoverDevices with the default community; the time-out does not matter.
     void Sweep(const wchar_t* path = nullptr, BYTE useIPv6 = 0) {
@@ -93,10 +112,10 @@ class NetworkTest : public testing::Test {
     }
 
     RegistrySwitches switches;  // first: the module reads them as it is loaded
-    LogCapture log;
     Module module;
     ScriptedNetwork network{module};
     ResultWindow window;
+    LogCapture log;
 };
 
 }  // namespace vndiscover

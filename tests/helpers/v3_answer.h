@@ -1,3 +1,0 @@
-#pragma once
-
-#include "helpers/snmp_datagrams.h"
