@@ -78,8 +78,8 @@ BOOL WINAPI Close(HANDLE handle) {
 DWORD WINAPI Send(HANDLE, IPAddr target, void* data, WORD size, IP_OPTION_INFORMATION* options,
                   void* reply, DWORD replySize, DWORD timeout) {
     g_calls.push_back("to " + HexOf(&target, 4) + " data " + HexOf(data, size) + " reply " +
-                             std::to_string(replySize) + " timeout " + std::to_string(timeout) +
-                             (options ? " options" : ""));
+                      std::to_string(replySize) + " timeout " + std::to_string(timeout) +
+                      (options ? " options" : ""));
     std::memset(reply, 0, replySize);
     static_cast<ICMP_ECHO_REPLY*>(reply)->Status = g_system.status;
     return g_system.replies;
@@ -88,11 +88,11 @@ DWORD WINAPI Send(HANDLE, IPAddr target, void* data, WORD size, IP_OPTION_INFORM
 DWORD WINAPI Send6(HANDLE, HANDLE event, FARPROC callback, void* context, sockaddr_in6* from,
                    sockaddr_in6* to, void*, WORD size, IP_OPTION_INFORMATION* options, void* reply,
                    DWORD replySize, DWORD timeout) {
-    g_calls.push_back(
-        "from " + HexOf(from, sizeof *from) + " to " + HexOf(to, sizeof *to) + " options " +
-        HexOf(options, 4) + " data " + std::to_string(size) + " reply " +
-        std::to_string(replySize) + " timeout " + std::to_string(timeout) +
-        (event || callback || context || options->OptionsData ? " and more" : ""));
+    g_calls.push_back("from " + HexOf(from, sizeof *from) + " to " + HexOf(to, sizeof *to) +
+                      " options " + HexOf(options, 4) + " data " + std::to_string(size) +
+                      " reply " + std::to_string(replySize) + " timeout " +
+                      std::to_string(timeout) +
+                      (event || callback || context || options->OptionsData ? " and more" : ""));
     std::memset(reply, 0xFF, replySize);  // a status that is no success
     return g_system.replies;
 }
