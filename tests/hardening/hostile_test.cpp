@@ -71,7 +71,8 @@ class HostileNetwork : public NetworkTest {
         Devices([this](const Request& request) {
             if (request.net != "neta") return Answers();
             const std::vector<Bytes> good = GoodAnswers(request.data);
-            return request.local == kHost ? Single(good) : Burst(good);
+            const bool isToEverybody = request.local == "255.255.255.255" || request.port != 161;
+            return isToEverybody ? Burst(good) : Single(good);
         });
     }
 
@@ -102,13 +103,15 @@ class HostileNetwork : public NetworkTest {
         if (!IsTaken(single_)) single_ = good[0];
         return {{single_}};
     }
-    // With a good one at its end.
+    // One of each device, the last of them good.
     Answers Burst(const std::vector<Bytes>& good) {
         Answers answers;
         taken_.clear();
         for (int i = 0; i <= burst_; ++i) {
-            answers.push_back({i < burst_ ? Malformed(good) : good[0]});
-            if (IsTaken(answers.back().data)) taken_.push_back(answers.back().data);
+            const std::string from =
+                "10.99." + std::to_string(i / 250) + '.' + std::to_string(i % 250);
+            answers.push_back({i < burst_ ? Malformed(good) : good[0], from});
+            if (IsTaken(answers.back().data)) taken_.push_back(answers.back());
         }
         return answers;
     }
@@ -118,18 +121,24 @@ class HostileNetwork : public NetworkTest {
         burst_ = 1500;
         Sweep();
         ASSERT_EQ(taken_.size() + 1, window.results.size());
+        const Lines texts = window.Texts();
         for (size_t i = 0; i < taken_.size(); ++i) {
-            ASSERT_EQ(Reading(taken_[i]).Text(), window.results[i].value) << ToHex(taken_[i]);
-            ASSERT_EQ(kHost, window.results[i].address);
+            const Answer& answer = taken_[i];
+            ASSERT_EQ(answer.from + '=' + Reading(answer.data).Text(), texts[i])
+                << ToHex(answer.data);
         }
     }
     // Who has a value is asked further, and delivered whatever comes back.
     void SweepJson() {
         burst_ = 40;
         SweepFor(kJson);
-        const auto hasText = [](const Bytes& data) { return !Reading(data).Text().empty(); };
-        EXPECT_EQ(std::count_if(taken_.begin(), taken_.end(), hasText) + 1,
-                  static_cast<std::ptrdiff_t>(window.results.size()));
+        Lines expected, delivered;
+        for (const Answer& answer : taken_) {
+            if (!Reading(answer.data).Text().empty()) expected.push_back(answer.from);
+        }
+        for (const Result& result : window.results) delivered.push_back(result.address);
+        expected.push_back("");
+        EXPECT_EQ(expected, delivered);
     }
     void SweepV3() {
         burst_ = 60;
@@ -144,8 +153,9 @@ class HostileNetwork : public NetworkTest {
         module.DiscoverSoap(replies.Handle(), replies.kMessage, 1000, probe.Text(), probe.Size());
         ASSERT_EQ(taken_.size() + 1, replies.results.size());
         for (size_t i = 0; i < taken_.size(); ++i) {
-            taken_[i].resize(VN_SOAP_REPLY_SIZE);
-            ASSERT_EQ(taken_[i], replies.results[i].buffer);
+            taken_[i].data.resize(VN_SOAP_REPLY_SIZE);
+            ASSERT_EQ(taken_[i].data, replies.results[i].buffer);
+            ASSERT_EQ(taken_[i].from, replies.results[i].address);
         }
     }
 
@@ -241,8 +251,8 @@ class HostileNetwork : public NetworkTest {
     BYTE useAuth_ = 0, usePriv_ = 0;
     int burst_ = 0;
     bool isGood_ = false;
-    std::vector<Bytes> taken_;  // of the last burst
-    Bytes single_;              // the last answer to a directed request
+    Answers taken_;  // of the last burst
+    Bytes single_;   // the last answer to a directed request
     size_t count_ = 0;
 };
 
