@@ -12,5 +12,5 @@ mkdir -p "$VNDISCOVER_LAB/bin" "$VNDISCOVER_LAB/full"
 cp "$program" "$(dirname "$program")"/{VnDiscover,decoy}.dll "$VNDISCOVER_LAB/bin"
 mount -t tmpfs -o size=16k tmpfs "$VNDISCOVER_LAB/full"
 cd "$TMPDIR" # the module's log file goes to the current folder
-WINEDLLOVERRIDES='icmp,iphlpapi,ws2_32,bcrypt=n,b' \
-    "$lab/wine-run.sh" host "$VNDISCOVER_LAB/bin/$(basename "$program")" "$@" | tr -d '\r'
+export WINEDLLOVERRIDES='icmp,iphlpapi,ws2_32,bcrypt=n,b'
+exec "$lab/wine-run.sh" host "$VNDISCOVER_LAB/bin/$(basename "$program")" "$@"
