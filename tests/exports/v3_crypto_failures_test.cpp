@@ -9,33 +9,17 @@ namespace {
 
 int g_open;  // contexts, keys and hashes
 
-BOOL Opened(BOOL done) {
-    if (done) ++g_open;
-    return done;
-}
-BOOL WINAPI Acquire(HCRYPTPROV* context, LPCSTR name, LPCSTR provider, DWORD type, DWORD flags) {
-    return Opened(CryptAcquireContextA(context, name, provider, type, flags));
-}
-BOOL WINAPI ImportKey(HCRYPTPROV context, const BYTE* data, DWORD size, HCRYPTKEY by, DWORD flags,
-                      HCRYPTKEY* key) {
-    return Opened(CryptImportKey(context, data, size, by, flags, key));
-}
-BOOL WINAPI CreateHash(HCRYPTPROV context, ALG_ID id, HCRYPTKEY key, DWORD flags,
-                       HCRYPTHASH* hash) {
-    return Opened(CryptCreateHash(context, id, key, flags, hash));
-}
-BOOL WINAPI Release(HCRYPTPROV context, DWORD flags) {
-    --g_open;
-    return CryptReleaseContext(context, flags);
-}
-BOOL WINAPI DestroyKey(HCRYPTKEY key) {
-    --g_open;
-    return CryptDestroyKey(key);
-}
-BOOL WINAPI DestroyHash(HCRYPTHASH hash) {
-    --g_open;
-    return CryptDestroyHash(hash);
-}
+// A function of the system's that opens or closes one of them.
+template <auto Function, int Change>
+struct Counted;
+template <class... Arguments, BOOL(WINAPI* Function)(Arguments...), int Change>
+struct Counted<Function, Change> {
+    static BOOL WINAPI Call(Arguments... arguments) {
+        const BOOL done = Function(arguments...);
+        if (done) g_open += Change;
+        return done;
+    }
+};
 
 // In place of a function with whatever arguments, which the caller removes.
 BOOL Fail() {
@@ -76,12 +60,13 @@ class V3CryptoFailures : public V3Test {
 };
 
 TEST_F(V3CryptoFailures, OfTheOlderLibrary) {
-    const ImportPatch counted[] = {{module.Handle(), "CryptAcquireContextA", Acquire},
-                                   {module.Handle(), "CryptImportKey", ImportKey},
-                                   {module.Handle(), "CryptCreateHash", CreateHash},
-                                   {module.Handle(), "CryptReleaseContext", Release},
-                                   {module.Handle(), "CryptDestroyKey", DestroyKey},
-                                   {module.Handle(), "CryptDestroyHash", DestroyHash}};
+    const ImportPatch counted[] = {
+        {module.Handle(), "CryptAcquireContextA", Counted<CryptAcquireContextA, 1>::Call},
+        {module.Handle(), "CryptImportKey", Counted<CryptImportKey, 1>::Call},
+        {module.Handle(), "CryptCreateHash", Counted<CryptCreateHash, 1>::Call},
+        {module.Handle(), "CryptReleaseContext", Counted<CryptReleaseContext, -1>::Call},
+        {module.Handle(), "CryptDestroyKey", Counted<CryptDestroyKey, -1>::Call},
+        {module.Handle(), "CryptDestroyHash", Counted<CryptDestroyHash, -1>::Call}};
     struct Row {
         const char* function;
         const wchar_t* auth;

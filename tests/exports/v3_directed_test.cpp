@@ -39,14 +39,20 @@ class V3Directed : public V3Test {
     const int32_t reportLength = static_cast<int32_t>(V3Report().size());
 };
 
-TEST_F(V3Directed, AGetGivesTheValueAndTheLengthOfTheReport) {
+TEST_F(V3Directed, AGetGivesTheLengthOfTheReportAndTheTextIfItFits) {
     AnswerWith(V3Text("prn1", kSysName));
-    EXPECT_EQ(reportLength, Get(text));
-    EXPECT_STREQ("prn1", text.Text());
-    EXPECT_TRUE(text.FrontStands());
-    EXPECT_EQ(VN_TYPE_OCTET_STRING, type);
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Request(kSysName)));
-    EXPECT_EQ(Lines(2, "neta: 10.77.1.1 > 10.77.1.11:161"), Ways());
+    for (const size_t size : {260, 5, 4, 1}) {
+        GuardedBuffer value(size);
+        EXPECT_EQ(reportLength, Get(value));
+        EXPECT_EQ(std::string("prn1").substr(0, size - 1), value.Text());
+        EXPECT_TRUE(value.FrontStands()) << size;
+    }
+    EXPECT_EQ(reportLength, Get(text.Text(), 0, nullptr));
+    EXPECT_EQ(reportLength, Get(text.Text(), -1, nullptr));
+    EXPECT_EQ(reportLength, Get(nullptr, 260, nullptr));
+    EXPECT_TRUE(text.IsUntouched());
+    EXPECT_THAT(Asked(), AllOf(SizeIs(7), Each(V3Request(kSysName))));
+    EXPECT_THAT(Ways(), Each("neta: 10.77.1.1 > 10.77.1.11:161"));
     EXPECT_THAT(SilentWaits(), IsEmpty());
 }
 
@@ -64,20 +70,6 @@ TEST_F(V3Directed, AGetGivesTextAloneAndTellsTheTypeOfEveryValue) {
         }
         EXPECT_EQ(row.type != 0 ? row.type : kNoType, type);
     }
-}
-
-TEST_F(V3Directed, AGetCutsATextThatDoesNotFit) {
-    AnswerWith(V3Text("prn1", kSysName));
-    for (const size_t size : {size_t{5}, size_t{4}, size_t{1}}) {
-        GuardedBuffer small(size);
-        EXPECT_EQ(reportLength, Get(small.Text(), small.Size(), nullptr));
-        EXPECT_EQ(std::string("prn1").substr(0, size - 1), small.Text());
-        EXPECT_TRUE(small.FrontStands()) << size;
-    }
-    EXPECT_EQ(reportLength, Get(text.Text(), 0, nullptr));
-    EXPECT_EQ(reportLength, Get(text.Text(), -1, nullptr));
-    EXPECT_EQ(reportLength, Get(nullptr, 260, nullptr));
-    ExpectNothing();
 }
 
 // Codes and cipher texts are shown to a real agent and a dissector elsewhere.
@@ -116,21 +108,23 @@ TEST_F(V3Directed, AGetNextFillsTheRecordWithTheVariableThatFollows) {
     EXPECT_EQ(0, GetNext(nullptr));
 }
 
-TEST_F(V3Directed, AGetNextWithoutAnAnswerFillsInTheAddressAlone) {
+// The first silent wait ends each half of the exchange.
+TEST_F(V3Directed, NoAnswerOrNoReportGivesNothing) {
     DeviceWith({{V3Report()}}, {});
+    EXPECT_EQ(0, Get(text));
+    ExpectNothing();
     EXPECT_EQ(reportLength, GetNext(&record));
-    EXPECT_STREQ(kHost, record.address);
+    EXPECT_STREQ(kHost, record.address) << "this alone is filled in";
     EXPECT_EQ(0xA5A5, record.valueType);
-    EXPECT_EQ(0xA5A5, record.oidLength);
-    EXPECT_THAT(SilentWaits(), ElementsAre(2000));
-}
-
-TEST_F(V3Directed, ADeviceWithoutAReportGivesNothing) {
+    SilentDevices();
     EXPECT_EQ(0, Get(text));
     EXPECT_EQ(0, GetNext(&record));
-    ExpectNothing();
     EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Probe())) << "each sent once";
-    EXPECT_THAT(SilentWaits(), ElementsAre(2000, 2000)) << "the first silent wait ends it";
+    EXPECT_THAT(SilentWaits(), ElementsAre(2000, 2000));
+    network.sendError = [](int) { return WSAENETUNREACH; };
+    EXPECT_EQ(0, Get(text));
+    EXPECT_EQ(-1, GetNext(&record)) << "this one tells";
+    ExpectNothing();
 }
 
 TEST_F(V3Directed, AReportWithoutAnEngineLeadsToAnotherProbe) {
@@ -139,13 +133,6 @@ TEST_F(V3Directed, AReportWithoutAnEngineLeadsToAnotherProbe) {
         EXPECT_EQ(static_cast<int32_t>(report.size()), Get(text));
         EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3ProbeFor(kSysName)));
     }
-}
-
-TEST_F(V3Directed, ARequestThatCannotLeaveIsToldByTheRecordsExportAlone) {
-    network.sendError = [](int) { return WSAENETUNREACH; };
-    EXPECT_EQ(0, Get(text));
-    EXPECT_EQ(-1, GetNext(&record));
-    ExpectNothing();
 }
 
 TEST_F(V3Directed, WhatCannotBeAskedIsNotSent) {

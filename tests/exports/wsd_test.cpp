@@ -109,11 +109,10 @@ class WsdLog : public Wsd {
         return {"tszRecvAddr = [" + address + "]\n", "pReceiveBuffer = [" + text + "]\n",
                 "SendDiscoverResult\n"};
     }
-    static Lines Phase(int count, const Lines& inside) {
+    static Lines Phase(const char* count, const Lines& inside) {
         return Lines{"HandleEvents start\n"} + inside +
-               Lines{
-                   " ==== We have [" + std::to_string(count) + "] devices on the network. ==== \n",
-                   "HandleEvents end\n"};
+               Lines{std::string(" ==== We have [") + count + "] devices on the network. ==== \n",
+                     "HandleEvents end\n"};
     }
 };
 
@@ -125,10 +124,10 @@ TEST_F(WsdLog, TellsOneSweepFromItsStartToItsEndAndTheSocketsReleaseByTheNext) {
     Sweep(kSecond);
     Sweep(kSecond, {});
     ExpectLog(start + AdapterLines(0) +
-              Phase(2, Reply("10.77.1.2", "A") + Reply("10.77.1.2", "B") + silence) +
-              AdapterLines(1) + Phase(0, silence) +
-              Phase(2, Reply("127.0.0.1", "A") + Reply("127.0.0.1", "B") + silence) + end + start +
-              Lines{"SCKRAW::~SCKRAW() [-1]\n"} + end);
+              Phase("2", Reply("10.77.1.2", "A") + Reply("10.77.1.2", "B") + silence) +
+              AdapterLines(1) + Phase("0", silence) +
+              Phase("2", Reply("127.0.0.1", "A") + Reply("127.0.0.1", "B") + silence) + end +
+              start + Lines{"SCKRAW::~SCKRAW() [-1]\n"} + end);
 }
 
 TEST_F(WsdLog, TellsFailuresAndAStop) {
@@ -144,9 +143,9 @@ TEST_F(WsdLog, TellsFailuresAndAStop) {
     ExpectLog(start + AdapterLines(0) +
               Lines{"sendto() failed - 10051\n", "sendto() failed, err: 10051\n"} +
               AdapterLines(1) +
-              Phase(0, {"Receive Data failed - 10040\n", "Receive Data failed - 10093\n",
-                        "tszRecvAddr = WSAStartup failed\n"}) +
-              Phase(1, Reply("127.0.0.1", "A") + Lines{"VxSoapMgr::StopDiscover\n"}) + end);
+              Phase("0", {"Receive Data failed - 10040\n", "Receive Data failed - 10093\n",
+                          "tszRecvAddr = WSAStartup failed\n"}) +
+              Phase("1", Reply("127.0.0.1", "A") + Lines{"VxSoapMgr::StopDiscover\n"}) + end);
 }
 
 TEST_F(WsdLog, TellsNoMessageWithoutAWindow) {

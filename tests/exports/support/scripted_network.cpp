@@ -3,12 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "support/win.h"
-
 namespace vndiscover {
 namespace {
 
-constexpr uint64_t kNever = UINT64_MAX;
 constexpr uint32_t kFirstTick = 0u - 30000;  // what GetTickCount tells at first
 constexpr ULONG kZone = 12;                  // of a link-local sender
 constexpr int kFailuresPerMs = 10;
@@ -44,31 +41,27 @@ int WriteAddress(const std::string& text, sockaddr* address) {
     sockaddr_in6 ipv6 = {};
     ipv6.sin6_family = AF_INET6;
     inet_pton(AF_INET6, text.c_str(), &ipv6.sin6_addr);
-    if (IN6_IS_ADDR_LINKLOCAL(&ipv6.sin6_addr)) ipv6.sin6_scope_id = kZone;
+    ipv6.sin6_scope_id = kZone;
     std::memcpy(address, &ipv6, sizeof ipv6);
     return sizeof ipv6;
 }
 
-int Option(SOCKET handle, int level, int option) {
+int Option(SOCKET handle, int option) {
     int value = 0;
     int size = sizeof value;
-    return getsockopt(handle, level, option, reinterpret_cast<char*>(&value), &size) == 0 ? value
-                                                                                          : -1;
+    const int failed =
+        getsockopt(handle, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &size);
+    return failed ? -1 : value;
 }
 
-bool IsMulticast(const std::string& address) {
-    return address.rfind("239.", 0) == 0 || address.rfind("ff02:", 0) == 0;
-}
-
-// The adapter that a socket is bound to, or that leads to the receiver. The default route is that
-// of the first.
+// The adapter that a socket is bound to. Else the receiver's, and without its network the first,
+// which has the default route; IPv6 addresses are alike on every network.
 const Adapter& WayOf(const std::string& bound, const std::string& to) {
     for (const Adapter& adapter : kAdapters) {
         if (bound == adapter.ipv4 || bound == adapter.ipv6) return adapter;
     }
-    const auto leadsTo = [&](const char* prefix) { return to.rfind(prefix, 0) == 0; };
-    if (leadsTo("10.77.2.") || leadsTo("fe80::2:")) return kAdapters[1];
-    return leadsTo("127.") || to == "::1" ? kAdapters[2] : kAdapters[0];
+    if (to.rfind("127.", 0) == 0) return kAdapters[2];
+    return kAdapters[to.rfind("10.77.2.", 0) == 0 ? 1 : 0];
 }
 
 }  // namespace
@@ -110,15 +103,11 @@ void ScriptedNetwork::Devices(Reply reply) {
     for (auto& entry : sockets_) entry.second.queue.clear();
 }
 
-void ScriptedNetwork::After(uint32_t ms, std::function<void()> action) {
-    actions_.emplace(nowMs_ + ms, std::move(action));
-}
-
 // Asked once of each socket: in Wine that is a call of another process.
 ScriptedNetwork::Socket* ScriptedNetwork::Find(SOCKET handle) {
     const auto known = sockets_.find(handle);
     if (known != sockets_.end()) return &known->second;
-    if (Option(handle, SOL_SOCKET, SO_TYPE) != SOCK_DGRAM) return nullptr;
+    if (Option(handle, SO_TYPE) != SOCK_DGRAM) return nullptr;
     sockaddr_storage local = {};
     int length = sizeof local;
     getsockname(handle, reinterpret_cast<sockaddr*>(&local), &length);
@@ -140,21 +129,18 @@ int ScriptedNetwork::Send(SOCKET handle, Bytes data, const sockaddr* to) {
     const bool isIPv4 = to->sa_family == AF_INET;
     const std::string receiver = TextOf(to);
     const bool isBroadcast = receiver == "255.255.255.255";
-    if (isBroadcast && Option(handle, SOL_SOCKET, SO_BROADCAST) != 1) return Fail(WSAEACCES);
-    // The port is in the same place for both families.
-    const int port = ntohs(reinterpret_cast<const sockaddr_in*>(to)->sin_port);
+    if (isBroadcast && Option(handle, SO_BROADCAST) != 1) return Fail(WSAEACCES);
     const Adapter& way = WayOf(sending->bound, receiver);
-    const Request request = {way.net,         receiver, port, isIPv4 ? way.ipv4 : way.ipv6,
-                             std::move(data), handle};
+    const Request request = {way.net,
+                             receiver,
+                             ntohs(reinterpret_cast<const sockaddr_in*>(to)->sin_port),  // and IPv6
+                             isIPv4 ? way.ipv4 : way.ipv6,
+                             std::move(data),
+                             handle};
     requests_.push_back(request);
-    // The host itself is one of all nodes.
-    if (!isIPv4 && IsMulticast(receiver) &&
-        Option(handle, IPPROTO_IPV6, IPV6_MULTICAST_LOOP) != 0) {
-        requests_.push_back(request);
-        requests_.back().net = "host";
-    }
+    const bool isToEverybody =
+        isBroadcast || receiver.rfind("239.", 0) == 0 || receiver.rfind("ff02:", 0) == 0;
     const std::string device = isIPv4 ? way.deviceIPv4 : way.deviceIPv6;
-    const bool isToEverybody = isBroadcast || IsMulticast(receiver);
     if (!reply_) return length;
     for (Answer& answer : reply_(request)) {
         if (answer.from.empty()) answer.from = isToEverybody ? device : receiver;
@@ -177,25 +163,9 @@ int ScriptedNetwork::OnSelect(int, fd_set* readable, fd_set*, fd_set*, const tim
 }
 
 bool ScriptedNetwork::WaitFor(const Queue& queue, uint64_t untilMs) {
-    for (;;) {
-        const uint64_t arrival = queue.empty() ? kNever : queue.begin()->first;
-        if (arrival <= nowMs_) return true;
-        const uint64_t action = actions_.empty() ? kNever : actions_.begin()->first;
-        const uint64_t next = std::min(arrival, action);
-        if (next > untilMs) break;
-        MoveClock(next);
-    }
-    MoveClock(untilMs);
-    return false;
-}
-
-void ScriptedNetwork::MoveClock(uint64_t toMs) {
-    nowMs_ = std::max(nowMs_, toMs);
-    while (!actions_.empty() && actions_.begin()->first <= nowMs_) {
-        const std::function<void()> action = std::move(actions_.begin()->second);
-        actions_.erase(actions_.begin());
-        action();
-    }
+    const bool arrives = !queue.empty() && queue.begin()->first <= untilMs;
+    nowMs_ = std::max(nowMs_, arrives ? queue.begin()->first : untilMs);
+    return arrives;
 }
 
 int ScriptedNetwork::OnReceive(SOCKET handle, char* buffer, int size, int, sockaddr* from,
@@ -212,8 +182,8 @@ int ScriptedNetwork::Receive(SOCKET handle, char* buffer, int size, sockaddr* fr
     Queue& queue = receiving->queue;
     if (!WaitFor(queue, nowMs_)) {
         if (receiving->isNonBlocking) return Fail(WSAEWOULDBLOCK);
-        const int timeoutMs = Option(handle, SOL_SOCKET, SO_RCVTIMEO);
-        if (!WaitFor(queue, nowMs_ + static_cast<uint64_t>(timeoutMs))) return Fail(WSAETIMEDOUT);
+        const auto timeoutMs = static_cast<uint64_t>(Option(handle, SO_RCVTIMEO));
+        if (!WaitFor(queue, nowMs_ + timeoutMs)) return Fail(WSAETIMEDOUT);
     }
     const Datagram datagram = std::move(queue.begin()->second);
     queue.erase(queue.begin());
@@ -223,8 +193,7 @@ int ScriptedNetwork::Receive(SOCKET handle, char* buffer, int size, sockaddr* fr
     if (from) *fromLength = WriteAddress(datagram.from, from);
     ++datagrams_;
     if (onDatagram) onDatagram(datagrams_);
-    if (taken < datagram.data.size()) return Fail(WSAEMSGSIZE);
-    return static_cast<int>(taken);
+    return taken < datagram.data.size() ? Fail(WSAEMSGSIZE) : static_cast<int>(taken);
 }
 
 int ScriptedNetwork::OnControl(SOCKET handle, long command, u_long* argument) {
@@ -244,11 +213,11 @@ DWORD ScriptedNetwork::OnClock() { return kFirstTick + static_cast<DWORD>(g_netw
 
 void ScriptedNetwork::OnSleep(DWORD milliseconds) {
     g_network->failuresInARow_ = 0;
-    g_network->MoveClock(g_network->nowMs_ + milliseconds);
+    g_network->nowMs_ += milliseconds;
 }
 
 int ScriptedNetwork::Fail(int error) {
-    if (++failuresInARow_ % kFailuresPerMs == 0) MoveClock(nowMs_ + 1);
+    if (++failuresInARow_ % kFailuresPerMs == 0) ++nowMs_;
     WSASetLastError(error);
     return SOCKET_ERROR;
 }

@@ -17,7 +17,6 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "exports/support/module.h"
@@ -72,13 +71,10 @@ class ScriptedNetwork {
     int Datagrams() const { return datagrams_; }
     // Sockets of the module that are not closed.
     size_t OpenSockets() const { return sockets_.size(); }
-
     // The clock of the module, in milliseconds since it began. It moves on in waits and in Sleep,
     // and by a tenth of a millisecond with each failing receive of a row of them, so that no loop
     // lasts for ever. What GetTickCount tells wraps half a minute after the beginning.
     uint64_t NowMs() const { return nowMs_; }
-    // Runs an action once the clock has come that far.
-    void After(uint32_t ms, std::function<void()> action);
 
     // WinSock errors to report instead: each gets the number of the call, from 1, and returns an
     // error or 0. What was queued stays queued.
@@ -114,13 +110,11 @@ class ScriptedNetwork {
     static DWORD WINAPI OnClock();
     static void WINAPI OnSleep(DWORD milliseconds);
 
-    // Null: that is no socket.
-    Socket* Find(SOCKET handle);
+    Socket* Find(SOCKET handle);  // null: that is no socket
     int Send(SOCKET handle, Bytes data, const sockaddr* to);
     int Receive(SOCKET handle, char* buffer, int size, sockaddr* from, int* fromLength);
-    // Moves the clock until a datagram has arrived for the socket, at most so far.
+    // Moves the clock until a datagram has arrived, at most so far.
     bool WaitFor(const Queue& queue, uint64_t untilMs);
-    void MoveClock(uint64_t toMs);
     int Fail(int error);
 
     std::optional<Patches> patches_;
@@ -128,10 +122,8 @@ class ScriptedNetwork {
     std::vector<Request> requests_;
     std::vector<int> silentWaits_;
     std::map<SOCKET, Socket> sockets_;
-    std::multimap<uint64_t, std::function<void()>> actions_;
     uint64_t nowMs_ = 0;
-    int sends_ = 0, receives_ = 0, datagrams_ = 0;
-    int failuresInARow_ = 0;
+    int sends_ = 0, receives_ = 0, datagrams_ = 0, failuresInARow_ = 0;
 };
 
 }  // namespace vndiscover
