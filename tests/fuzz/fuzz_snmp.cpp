@@ -142,8 +142,11 @@ void ReadResponse(const Bytes& datagram) {
     Expect(record.nameLength <= kNameSize && record.valueLength <= 255);
     Expect(record.value[record.valueLength] == 0 && !std::strcmp(record.address, "fe80::1"));
     const auto padded = std::make_unique<Parsed>(datagram + Bytes(2048, 0));
-    Expect(parsed->count == padded->count &&
-           std::memcmp(&record, &padded->record, sizeof record) == 0);
+    const ResponseRecord& same = padded->record;
+    Expect(parsed->count == padded->count && record.valueTag == same.valueTag &&
+           record.valueLength == same.valueLength && record.nameLength == same.nameLength &&
+           std::memcmp(record.value, same.value, sizeof record.value) == 0 &&
+           std::memcmp(record.name, same.name, sizeof record.name) == 0);
 }
 
 void ReadOid(const Bytes& bytes) {
