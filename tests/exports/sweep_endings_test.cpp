@@ -16,7 +16,7 @@ struct Kind : Row {
 // WS-Discovery sweep the results come at once, of the others when a phase is over.
 class SweepEndings : public NetworkTest, public testing::WithParamInterface<Kind> {
   protected:
-    SweepEndings() : NetworkTest(false) {}
+    SweepEndings() : NetworkTest(false) { network.MakeSocketsUp(module); }
 
     bool IsWsd() const { return GetParam().protocol == Protocol::kWsd; }
 
