@@ -9,9 +9,9 @@
 #include "interface/delivery/result_sink.h"
 #include "net/adapter_sweep.h"
 #include "net/datagram_collector.h"
-#include "snmp/ber_tags.h"
-#include "snmp/oid_text.h"
-#include "snmp/response_record.h"
+#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/oid_text.h"
+#include "snmp/codec/response_record.h"
 #include "support/lazy_table.h"
 #include "vndiscover.h"
 

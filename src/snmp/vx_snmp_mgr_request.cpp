@@ -1,6 +1,6 @@
 #include <cstring>
 
-#include "snmp/snmp_message.h"
+#include "snmp/codec/snmp_message.h"
 #include "snmp/vx_snmp_mgr.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "interface/delivery/json_request.h"
-#include "snmp/snmp_message.h"
+#include "snmp/codec/snmp_message.h"
 #include "snmp/vx_snmp_mgr.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "snmpv3/security_settings.h"
+#include "snmpv3/codec/security_settings.h"
 #include "vndiscover.h"
 
 namespace vndiscover {

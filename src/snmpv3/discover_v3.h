@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "snmp/vx_snmp_mgr.h"
-#include "snmpv3/security_settings.h"
+#include "snmpv3/codec/security_settings.h"
 
 namespace vndiscover {
 

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "snmp/vx_snmp_mgr.h"
-#include "snmpv3/security_settings.h"
-#include "snmpv3/vx_snmpv3.h"
+#include "snmpv3/codec/security_settings.h"
+#include "snmpv3/codec/vx_snmpv3.h"
 
 namespace vndiscover {
 

@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "fuzz/integer_rule.h"
-#include "snmp/asn_decode.h"
-#include "snmp/asn_encode.h"
+#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn_encode.h"
 
 using namespace vndiscover;
 

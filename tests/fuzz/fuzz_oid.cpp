@@ -2,9 +2,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "snmp/oid_text.h"
-#include "snmp/text_tokenizer.h"
-#include "snmp/var_bind.h"
+#include "snmp/codec/oid_text.h"
+#include "snmp/codec/text_tokenizer.h"
+#include "snmp/codec/var_bind.h"
 
 using namespace vndiscover;
 

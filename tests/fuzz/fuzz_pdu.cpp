@@ -5,8 +5,8 @@
 #include <string>
 
 #include "fuzz/integer_rule.h"
-#include "snmp/asn_decode.h"
-#include "snmp/pdu.h"
+#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/pdu.h"
 
 using namespace vndiscover;
 

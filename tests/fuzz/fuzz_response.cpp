@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "snmp/snmp_message.h"
+#include "snmp/codec/snmp_message.h"
 
 using namespace vndiscover;
 

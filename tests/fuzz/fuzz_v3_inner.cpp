@@ -3,7 +3,7 @@
 // holds.
 #include <cstdlib>
 
-#include "snmp/asn_decode.h"
+#include "snmp/codec/asn_decode.h"
 
 #include "fuzz/v3_fixture.h"
 

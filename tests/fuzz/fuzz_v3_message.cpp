@@ -1,7 +1,7 @@
 // The SNMPv3 reader on any datagram. The first byte chooses the protocols that the reader expects.
 #include <cstdlib>
 
-#include "snmp/asn_decode.h"
+#include "snmp/codec/asn_decode.h"
 
 #include "fuzz/v3_fixture.h"
 

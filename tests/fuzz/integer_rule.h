@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "snmp/asn_encode.h"
+#include "snmp/codec/asn_encode.h"
 
 namespace vndiscover::fuzz {
 

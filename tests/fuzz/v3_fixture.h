@@ -4,11 +4,11 @@
 #include <array>
 #include <string>
 
-#include "snmp/asn_encode.h"
-#include "snmpv3/keys.h"
-#include "snmpv3/message_reader.h"
-#include "snmpv3/privacy.h"
-#include "snmpv3/usm_header.h"
+#include "snmp/codec/asn_encode.h"
+#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/codec/usm_header.h"
+#include "snmpv3/crypto/keys.h"
+#include "snmpv3/crypto/privacy.h"
 
 namespace vndiscover::fuzz {
 

@@ -13,9 +13,9 @@
 
 #include "exports/support/module.h"
 #include "helpers/bytes.h"
-#include "snmp/snmp_message.h"
-#include "snmpv3/protocol_codes.h"
-#include "snmpv3/vx_snmpv3.h"
+#include "snmp/codec/snmp_message.h"
+#include "snmpv3/codec/vx_snmpv3.h"
+#include "snmpv3/crypto/protocol_codes.h"
 
 namespace vndiscover {
 namespace {

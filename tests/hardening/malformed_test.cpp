@@ -9,11 +9,11 @@
 #include <iterator>
 
 #include "helpers/v3_answer.h"
-#include "snmp/asn_decode.h"
-#include "snmp/snmp_message.h"
-#include "snmpv3/keys.h"
-#include "snmpv3/message_reader.h"
-#include "snmpv3/privacy.h"
+#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/snmp_message.h"
+#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/crypto/keys.h"
+#include "snmpv3/crypto/privacy.h"
 
 namespace vndiscover {
 namespace {

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "helpers/bytes.h"
-#include "snmpv3/crypto.h"
-#include "snmpv3/protocol_codes.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/protocol_codes.h"
 
 namespace vndiscover {
 

@@ -2,9 +2,9 @@
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 
-#include "snmpv3/crypto.h"
-#include "snmpv3/protocol_codes.h"
-#include "snmpv3/sha224.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/protocol_codes.h"
+#include "snmpv3/crypto/sha224.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
