@@ -1,5 +1,6 @@
 #include "net/sckraw.h"
 
+#include <atomic>
 #include <cstring>
 
 #include "support/copy_text.h"
@@ -109,6 +110,12 @@ SCKRAW::~SCKRAW() {
     DebugLogA("SCKRAW::~SCKRAW() [%d]\n", static_cast<int>(sock.Get()));
     sock.Reset();
     WSACleanup();
+}
+
+void SCKRAW::KeepStarted() {
+    static std::atomic<bool> isKept{false};
+    WSADATA data;
+    if (!isKept.exchange(true) && WSAStartup(MAKEWORD(2, 0), &data) != 0) isKept = false;
 }
 
 OwnedSocket SCKRAW::CreateSocket(int type, int protocol, int addressFamily, int timeoutMs,

@@ -20,6 +20,10 @@ class SCKRAW {
     SCKRAW(const SCKRAW&) = delete;
     SCKRAW& operator=(const SCKRAW&) = delete;
 
+    // Takes one WinSock reference for the module, once, and keeps it. Managers end within DllMain,
+    // where giving back the process's last one could deadlock: that unloads libraries.
+    static void KeepStarted();
+
     // A new socket, owned by the caller and not stored in `sock`. Empty only when creation failed:
     // with an option that could not be set it is returned as it then is, and a failed bind shows in
     // the log. bindAddress: local address text, null or "" for none.

@@ -11,7 +11,7 @@
 namespace vndiscover {
 namespace {
 
-constexpr int32_t kValueSize256 = 256;
+constexpr int32_t kTextValueSize = 256;
 
 // Kept: without sign extension, so a negative INTEGER of fewer than four bytes comes out positive.
 std::string IntegerText(const char* value, int32_t length) {
@@ -24,64 +24,74 @@ std::string IntegerText(const char* value, int32_t length) {
     return std::to_string(static_cast<int32_t>(number));  // as "%ld" prints it
 }
 
-}  // namespace
-
+// Null: nothing is written. A text that does not fit is the caller's fault and goes to the
+// runtime's invalid-parameter handler.
 void CopyTextForHost(char* out, int32_t outSize, const char* text) {
     if (out) strcpy_s(out, outSize > 0 ? static_cast<size_t>(outSize) : 0, text);
 }
 
-int32_t RequestText(const char* host, const char* oid, char* outValue, int32_t outSize,
-                    uint32_t expectedType, const char* readCommunity, const char* writeCommunity) {
-    LoadBindAddresses(host, true);
-    const auto manager = std::make_unique<VxSnmpMgr>();
-    if (!host) return 0;
+struct TextAnswer {
+    char value[kTextValueSize];
+    uint32_t type;
+    int32_t length;  // as GetInformation returns it
+};
 
-    char value[kValueSize256] = {};
-    uint32_t type = 0;
-    const auto ask = [&](int32_t attempts, const char* bindAddress) {
-        return manager->GetInformation(oid, host, value, kValueSize256, &type, kDirectedWaitMs,
-                                       attempts, readCommunity, writeCommunity, bindAddress);
-    };
+TextAnswer AskOnce(VxSnmpMgr& manager, const DirectedRequest& request, int32_t attempts,
+                   const char* bindAddress) {
+    TextAnswer answer = {};
+    answer.length = manager.GetInformation(
+        request.oid, request.host, answer.value, kTextValueSize, &answer.type, kRequestWaitMs,
+        attempts, request.readCommunity, request.writeCommunity, bindAddress);
+    return answer;
+}
+
+}  // namespace
+
+int32_t RequestText(const DirectedRequest& request, char* outValue, int32_t outSize,
+                    uint32_t expectedType) {
+    LoadBindAddresses(request.host, true);
+    const auto manager = std::make_unique<VxSnmpMgr>();
+    if (!request.host) return 0;
+
     char szBindIp[kBindAddressSize];
-    ChooseBindAddress(host, szBindIp,
-                      [&](const char* bindAddress) { return ask(1, bindAddress) != 0; });
+    if (ChooseBindAddress(request.host, szBindIp) &&
+        AskOnce(*manager, request, 1, szBindIp).length == 0) {
+        UseSecondRow(szBindIp);
+    }
     DebugLogA("szBindIp [%s]\n", szBindIp);
-    std::memset(value, 0, sizeof value);  // what the trial left
-    type = 0;
-    const int32_t length = ask(kDirectedAttempts, szBindIp);
-    if (length <= 0 || type != expectedType) return 0;
+    const TextAnswer answer = AskOnce(*manager, request, kRequestAttempts, szBindIp);
+    if (answer.length <= 0 || answer.type != expectedType) return 0;
 
     if (expectedType == kTagInteger) {
-        CopyTextForHost(outValue, outSize, IntegerText(value, length).c_str());
+        CopyTextForHost(outValue, outSize, IntegerText(answer.value, answer.length).c_str());
     } else if (expectedType == kTagOctetString) {
-        CopyTextForHost(outValue, outSize, value);
+        CopyTextForHost(outValue, outSize, answer.value);
     }
-    return length;
+    return answer.length;
 }
 
-int32_t RequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueSize,
-                   uint32_t* valueType, const char* readCommunity, const char* writeCommunity) {
+int32_t RequestRaw(const DirectedRequest& request, const HostValue& value) {
     const auto manager = std::make_unique<VxSnmpMgr>();
-    if (!host) return 0;
-    return manager->GetInformation(oid, host, reinterpret_cast<char*>(value), valueSize, valueType,
-                                   kDirectedWaitMs, kDirectedAttempts, readCommunity,
-                                   writeCommunity, nullptr);
+    if (!request.host) return 0;
+    return manager->GetInformation(request.oid, request.host, static_cast<char*>(value.bytes),
+                                   value.size, value.type, kRequestWaitMs, kRequestAttempts,
+                                   request.readCommunity, request.writeCommunity, nullptr);
 }
 
-int32_t RequestNext(const char* host, const char* oid, VnResponseRecord* record,
-                    const char* readCommunity, const char* writeCommunity) {
+int32_t RequestNext(const DirectedRequest& request, VnResponseRecord* record) {
     const auto manager = std::make_unique<VxSnmpMgr>();
-    if (!host) return 0;
-    return manager->GetInformation1(oid, host, record, kDirectedWaitMs, kDirectedAttempts,
-                                    readCommunity, writeCommunity, nullptr, kPduGetNextRequest);
+    if (!request.host) return 0;
+    return manager->GetInformation1(request.oid, request.host, record, kRequestWaitMs,
+                                    kRequestAttempts, request.readCommunity, request.writeCommunity,
+                                    nullptr, kPduGetNextRequest);
 }
 
-int32_t RequestSet(const char* host, const char* oid, uint8_t* value, int32_t valueLength,
-                   uint32_t* valueType, const char* readCommunity, const char* writeCommunity) {
+int32_t RequestSet(const DirectedRequest& request, const HostValue& value) {
     const auto manager = std::make_unique<VxSnmpMgr>();
-    if (!host) return 0;
-    return manager->SetInformationByStr(oid, host, value, valueLength, valueType, kDirectedWaitMs,
-                                        kDirectedAttempts, readCommunity, writeCommunity);
+    if (!request.host) return 0;
+    return manager->SetInformationByStr(
+        request.oid, request.host, static_cast<uint8_t*>(value.bytes), value.size, value.type,
+        kRequestWaitMs, kRequestAttempts, request.readCommunity, request.writeCommunity);
 }
 
 }  // namespace vndiscover

@@ -84,11 +84,11 @@ TEST_F(BindAddress, IsOneOfTheFirstTwoOfTheList) {
 
 TEST_F(BindAddress, IsLoggedWithTheAddressesItIsChosenFrom) {
     const auto exchange = [](const char* from) {
-        return DefaultRequestLines() + Lines{std::string(" tszBindAddr [") + from + "]\n"};
+        return DefaultRequestLines({"SNMP::GetInformation - [fe80::2:2]\n"}) +
+               Lines{std::string(" tszBindAddr [") + from + "]\n"};
     };
-    const Lines asked = {"SNMP::GetInformation - [fe80::2:2]\n"};
-    const Lines trial = Lines{"VxSNMP::VxSNMP()\n"} + asked + Lines{"SCKRAW::SCKRAW()\n"};
-    const Lines request = Lines{"szBindIp [fe80::2:1]\n"} + asked + exchange("fe80::2:1") +
+    const Lines trial = {"VxSNMP::VxSNMP()\n", "SCKRAW::SCKRAW()\n"};
+    const Lines request = Lines{"szBindIp [fe80::2:1]\n"} + exchange("fe80::2:1") +
                           Lines{"VxSnmpMgr::~VxSnmpMgr()\n", "SCKRAW::~SCKRAW() [-1]\n"};
     Get(kInNetB);
     EXPECT_THAT(

@@ -21,9 +21,9 @@ using OwnedJsonItem = std::unique_ptr<cJSON, JsonItemDeleter>;
 class JsonDoc {
   public:
     // Null is ignored. On failure Root() is null. Always 0.
-    int32_t Parse(const wchar_t* text);
+    int32_t Parse(const wchar_t* wideText);
 
-    cJSON* Root() const noexcept { return root_.get(); }
+    cJSON* Root() const noexcept { return root.get(); }
 
     // Null when there is no such member. Names compare without regard to ASCII letter case.
     static cJSON* Member(cJSON* parent, const char* name);
@@ -59,8 +59,9 @@ class JsonDoc {
     int32_t Print(std::wstring* out) const;
 
   private:
-    std::string text_;  // what was parsed
-    OwnedJsonItem root_;
+    std::string text;  // what was parsed
+    OwnedJsonItem root;
+    // There is no `lib`: the JSON library is linked and takes no handle.
 };
 
 }  // namespace vndiscover

@@ -22,6 +22,7 @@ namespace vndiscover {
 
 constexpr int32_t kMsgVersion3 = 3;
 constexpr uint32_t kSecurityModelUsm = 3;
+constexpr uint32_t kDefaultMsgMaxSize = 65536;
 constexpr uint8_t kMsgFlagAuth = 1;
 constexpr uint8_t kMsgFlagPriv = 2;
 constexpr uint8_t kMsgFlagReportable = 4;
@@ -50,7 +51,7 @@ struct MessageRecord {
     ByteBuffer encoded;
     int32_t receivedVersion = 1;
     uint32_t msgId = 0;
-    uint32_t msgMaxSize = 65536;
+    uint32_t msgMaxSize = kDefaultMsgMaxSize;
     bool authFlag = false;
     bool privFlag = false;
     bool reportableFlag = true;

@@ -12,17 +12,14 @@ void WipeText(std::string& text) { SecureWipe(text.data(), text.size()); }
 
 }  // namespace
 
-SecuritySettings::SecuritySettings(const wchar_t* userName, uint8_t useAuth,
-                                   const wchar_t* authPassword, uint8_t usePriv,
-                                   const wchar_t* privPassword, const wchar_t* authProtocol,
-                                   const wchar_t* privProtocol)
-    : userName_(WideToUtf8(userName)),
-      authPassword_(WideToUtf8(authPassword)),
-      privPassword_(WideToUtf8(privPassword)),
-      useAuth_(useAuth != 0),
-      usePriv_(useAuth != 0 && usePriv != 0),
-      authCode_(AuthCodeOf(authProtocol)),
-      privCode_(PrivCodeOf(privProtocol)) {}
+SecuritySettings::SecuritySettings(const SecurityArguments& given)
+    : userName_(WideToUtf8(given.userName)),
+      authPassword_(WideToUtf8(given.authPassword)),
+      privPassword_(WideToUtf8(given.privPassword)),
+      useAuth_(given.useAuth != 0),
+      usePriv_(given.useAuth != 0 && given.usePriv != 0),
+      authCode_(AuthCodeOf(given.authProtocol)),
+      privCode_(PrivCodeOf(given.privProtocol)) {}
 
 SecuritySettings::~SecuritySettings() {
     WipeText(authPassword_);

@@ -8,13 +8,22 @@ namespace vndiscover {
 
 class VxSNMPv3;
 
+// As the exports take them. Texts may be null.
+struct SecurityArguments {
+    const wchar_t* userName;
+    uint8_t useAuth;
+    const wchar_t* authPassword;
+    uint8_t usePriv;
+    const wchar_t* privPassword;
+    const wchar_t* authProtocol;
+    const wchar_t* privProtocol;
+};
+
 // Owns UTF-8 copies, of any length, of the user name and the passwords and wipes the passwords at
-// its end. Texts may be null. Privacy counts only where authentication is set.
+// its end. Privacy counts only where authentication is set.
 class SecuritySettings {
   public:
-    SecuritySettings(const wchar_t* userName, uint8_t useAuth, const wchar_t* authPassword,
-                     uint8_t usePriv, const wchar_t* privPassword, const wchar_t* authProtocol,
-                     const wchar_t* privProtocol);
+    explicit SecuritySettings(const SecurityArguments& given);
     ~SecuritySettings();
     SecuritySettings(const SecuritySettings&) = delete;
     SecuritySettings& operator=(const SecuritySettings&) = delete;

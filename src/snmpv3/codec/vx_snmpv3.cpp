@@ -68,6 +68,8 @@ void VxSNMPv3::SetEngine(const ByteBuffer& id, int32_t boots, int32_t time) {
     message_.usm.engineTime = time;
 }
 
+void VxSNMPv3::SetMsgMaxSize(uint32_t msgMaxSize) { message_.msgMaxSize = msgMaxSize; }
+
 void VxSNMPv3::SetMsgId(uint32_t msgId) { message_.msgId = msgId; }
 
 void VxSNMPv3::SetRequestId(int32_t requestId) { message_.scoped.pdu.requestId = requestId; }

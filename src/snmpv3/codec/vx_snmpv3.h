@@ -43,6 +43,7 @@ class VxSNMPv3 {
     void SetPrivacy(uint32_t privCode, const char* password);
     void SetFlags(bool auth, bool priv);
     void SetEngine(const ByteBuffer& id, int32_t boots, int32_t time);
+    void SetMsgMaxSize(uint32_t msgMaxSize);
     void SetMsgId(uint32_t msgId);         // 0: a fixed one
     void SetRequestId(int32_t requestId);  // 0: a fixed one
     void SetPduType(uint8_t pduType);

@@ -4,13 +4,16 @@
 
 namespace vndiscover {
 
-Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message) {
-    return {"OID length [" + std::to_string(loggedLength) + "]\n", "OID = [" + content + "]\n",
-            "SNMP_MSG = [" + LogHex(message) + "]\n"};
+Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message,
+                   const Lines& asking) {
+    return Lines{"OID length [" + std::to_string(loggedLength) + "]\n",
+                 "OID = [" + content + "]\n"} +
+           asking + Lines{"SNMP_MSG = [" + LogHex(message) + "]\n"};
 }
 
-Lines DefaultRequestLines() {
-    return RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid));
+Lines DefaultRequestLines(const Lines& asking) {
+    return RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid),
+                        asking);
 }
 
 Lines PhaseLines(const Lines& collecting, int devices, const Lines& delivering, int delivered) {

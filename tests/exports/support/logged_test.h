@@ -47,10 +47,12 @@ class LoggedTest : public DebugSwitchOn, public QuickLabTest {
 };
 
 // What a request for an OID says while it is built: `content` are the OID's content octets as "%02x
-// " each, `message` the whole datagram; loggedLength is one more than the content has.
-Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message);
+// " each, `message` the whole datagram; loggedLength is one more than the content has. `asking` is
+// what a get says between the two.
+Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message,
+                   const Lines& asking = {});
 // The default OID's.
-Lines DefaultRequestLines();
+Lines DefaultRequestLines(const Lines& asking = {});
 // The phase behind a sweep's send; one that ends with silence and delivers who has answered.
 Lines PhaseLines(const Lines& collecting, int devices, const Lines& delivering, int delivered);
 Lines AnsweredLines(const Lines& senders, const Lines& delivering = {});
