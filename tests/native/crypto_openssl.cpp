@@ -91,6 +91,11 @@ bool CryptoSession::DesEncryptBlock(const uint8_t (&key)[kDesKeySize],
 bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
                                const uint8_t (&iv)[kDesBlockSize], const uint8_t* cipher,
                                uint32_t length, ByteBuffer& plain) {
+    plain.Clear();
+    if (length % kDesBlockSize != 0) {
+        DebugLogA("Err %d\n", static_cast<int>(0x80090004));  // as the platform's library says it
+        return false;
+    }
     plain.Assign(cipher, static_cast<int32_t>(length));
     return RunDes(EVP_des_ede3_cbc(), key, iv, false, plain.data, length);
 }

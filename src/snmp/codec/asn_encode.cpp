@@ -1,24 +1,18 @@
 #include "snmp/codec/asn_encode.h"
 
+#include "support/big_endian.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
 namespace {
 
-// The four bytes of a 32-bit value, most significant first.
-struct FourBytes {
-    explicit FourBytes(uint32_t value)
-        : bytes{static_cast<uint8_t>(value >> 24), static_cast<uint8_t>(value >> 16),
-                static_cast<uint8_t>(value >> 8), static_cast<uint8_t>(value)} {}
-    uint8_t bytes[4];
-};
-
 // Leaves out leading bytes equal to `filler`; at least one byte stands.
 void AppendShortened(ByteBuffer& dest, uint32_t value, uint8_t filler) {
-    const FourBytes big(value);
+    uint8_t bytes[sizeof value];
+    StoreBigEndian(value, bytes);
     int first = 0;
-    while (first < 3 && big.bytes[first] == filler) ++first;
-    dest.Append(big.bytes + first, 4 - first);
+    while (first < 3 && bytes[first] == filler) ++first;
+    dest.Append(bytes + first, 4 - first);
 }
 
 }  // namespace

@@ -1,13 +1,11 @@
 #include "snmp/codec/byte_buffer.h"
 
 #include <cstring>
-#include <cwchar>
 #include <limits>
 #include <new>
-#include <string>
 #include <utility>
 
-#include "support/debug_log.h"
+#include "support/hex_text.h"
 #include "support/secure_wipe.h"
 
 namespace vndiscover {
@@ -84,15 +82,9 @@ void ByteBuffer::Prepend(const uint8_t* bytes, int32_t count) {
 
 void ByteBuffer::HexDump() const {
     if (!data) return;
-    constexpr size_t kMaxDumpChars = 2000 / sizeof(wchar_t) - 1;
-    std::wstring text;
-    for (uint32_t i = 0; i < length && text.size() + 4 <= kMaxDumpChars; ++i) {
-        static const wchar_t kDigits[] = L"0123456789abcdef";
-        text += kDigits[data[i] >> 4];
-        text += kDigits[data[i] & 0x0F];
-        text += L"  ";
-    }
-    DebugLogW(L"%s\n", text.c_str());
+    wchar_t text[2000 / sizeof(wchar_t)];
+    WriteHex(text, data, length, 2);
+    DebugLogW(L"%s\n", text);
 }
 
 }  // namespace vndiscover

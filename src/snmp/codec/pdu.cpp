@@ -53,7 +53,8 @@ VarBindRecord ReadBinding(const ByteBuffer& in, uint32_t& cursor) {
 
 }  // namespace
 
-void EncodePdu(PduRecord& pdu, ByteBuffer& dest) {
+bool EncodePdu(PduRecord& pdu, ByteBuffer& dest) {
+    if (!FitTheirRecords(pdu.bindings)) return false;
     if (pdu.requestId == 0) pdu.requestId = kDefaultRequestId;
     ByteBuffer content;
     AsnAppendInteger(pdu.requestId, content);
@@ -63,6 +64,7 @@ void EncodePdu(PduRecord& pdu, ByteBuffer& dest) {
     for (int32_t i = 0; i < pdu.bindings.count; ++i) AppendBinding(pdu.bindings.bindings[i], list);
     AsnAppendWrapped(content, kTagSequence, list);
     AsnAppendWrapped(dest, pdu.pduType, content);
+    return true;
 }
 
 uint32_t DecodePdu(PduRecord& pdu, const ByteBuffer& in, uint32_t cursor) {

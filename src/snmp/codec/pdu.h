@@ -29,8 +29,9 @@ struct PduRecord {
     PduRecord& operator=(const PduRecord&) = delete;
 };
 
-// Appends the PDU. A request identifier of 0 becomes 257, in the record too.
-void EncodePdu(PduRecord& pdu, ByteBuffer& dest);
+// Appends the PDU. A request identifier of 0 becomes 257, in the record too. False, and nothing is
+// appended: a binding's length exceeds its field.
+bool EncodePdu(PduRecord& pdu, ByteBuffer& dest);
 
 // Reads the PDU at cursor and returns the cursor behind it. Throws AsnDecodeError, also for a
 // binding whose name or value does not fit a VarBindRecord. A list that does not decode leaves no

@@ -118,6 +118,7 @@ bool ReadBinding(Reader& reader, ResponseRecord& record) {
 int32_t BuildSnmpMessage(uint8_t* out, size_t outSize, const char* community, uint8_t pduType,
                          uint8_t requestId, const VarBindList& bindings) {
     if (!out || pduType < kPduGetRequest || pduType > kPduSetRequest) return 0;
+    if (!FitTheirRecords(bindings)) return 0;
     const size_t n = community ? std::strlen(community) : 0;
     const size_t l = ListSize(bindings);
     const size_t total = kFixedBytes + n + l;

@@ -26,7 +26,7 @@ constexpr uint8_t kRequestId = 1;         // in every community-based request
  * Writes a request of 20 + N + L bytes.
  * @param out   Area of outSize bytes; left alone on failure.
  * @return The length; 0 for a null area, a type outside 0xA0 to 0xA3, a community of more than 255
- * bytes or a message that does not fit.
+ * bytes, a binding whose lengths exceed its fields or a message that does not fit.
  */
 int32_t BuildSnmpMessage(uint8_t* out, size_t outSize, const char* community, uint8_t pduType,
                          uint8_t requestId, const VarBindList& bindings);

@@ -1,5 +1,6 @@
 #include "snmp/codec/var_bind.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "snmp/codec/asn_decode.h"
@@ -19,6 +20,12 @@ int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord&
     out.valueLength = static_cast<uint8_t>(value.length);
     if (value.length != 0) std::memcpy(out.value, value.content, static_cast<size_t>(value.length));
     return 0;
+}
+
+bool FitTheirRecords(const VarBindList& list) {
+    return std::all_of(list.bindings, list.bindings + list.count, [](const VarBindRecord& binding) {
+        return binding.nameLength <= kMaxNameContent && binding.valueLength <= kMaxValueContent;
+    });
 }
 
 int32_t SetVarBindList(VarBindRecord* bindings, int32_t count, VarBindList& out) {

@@ -32,6 +32,9 @@ struct VarBindList {
     VarBindRecord* bindings = nullptr;
 };
 
+// Whether the lengths of every record stay within its fields. What is sent by its lengths must.
+bool FitTheirRecords(const VarBindList& list);
+
 // A value as tag, length, content; the content is not owned.
 struct ValueView {
     uint8_t tag;

@@ -40,7 +40,7 @@ ByteBuffer EncodeScopedPdu(ScopedPdu& scoped) {
                          static_cast<int32_t>(scoped.contextEngineId.length), fields);
     AsnAppendOctetString(scoped.contextName.data, static_cast<int32_t>(scoped.contextName.length),
                          fields);
-    EncodePdu(scoped.pdu, fields);
+    EncodePdu(scoped.pdu, fields);  // SetOid and DecodePdu let in no binding that it refuses
     ByteBuffer encoded;
     AsnAppendWrapped(encoded, kTagSequence, fields);
     return encoded;

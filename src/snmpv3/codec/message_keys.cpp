@@ -37,16 +37,15 @@ MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, Crypt
     const uint32_t authCode = usm.authProtocol;
     MessageKeys keys;
     if (message.UsesAuth()) {
-        if (!IsKnown(authCode) || usm.authPassword.Empty()) {
-            LogNoKey(direction, authCode);
-        } else {
+        if (IsKnown(authCode)) {
             keys.auth = PasswordToKey(crypto, authCode, usm.authPassword, usm.engineId);
+        } else {
+            LogNoKey(direction, authCode);
         }
     }
     const bool knownPrivacy = usm.privProtocol == kPrivDes || usm.privProtocol == kPrivAes;
     if (message.UsesPriv() && knownPrivacy && IsKnown(authCode)) {
         LogPrivacyKey(direction, authCode, usm.privProtocol);
-        if (usm.privPassword.Empty()) LogNoKey(direction, authCode);
         // Localised with the hash of the authentication protocol.
         keys.priv = PasswordToKey(crypto, authCode, usm.privPassword, usm.engineId);
     }

@@ -8,8 +8,8 @@ namespace vndiscover {
 enum class Direction { kEncode, kDecode };
 
 // Makes the keys that the message's flags ask for, from its passwords and its engine ID. A probe
-// has none. An empty password gives no key, which is logged like an unknown authentication
-// protocol.
+// has none. An unknown authentication protocol gives no key and is logged; an empty password gives
+// none either.
 MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, CryptoSession& crypto);
 
 }  // namespace vndiscover

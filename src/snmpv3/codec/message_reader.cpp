@@ -12,12 +12,16 @@
 namespace vndiscover {
 namespace {
 
-void ReadFlags(MessageRecord& message, const ByteBuffer& flags) {
+// What stands here already does not survive flags that cannot be read.
+uint32_t ReadFlags(MessageRecord& message, const ByteBuffer& in, uint32_t cursor) {
     message.authFlag = message.privFlag = message.reportableFlag = false;
+    ByteBuffer flags;
+    cursor = AsnReadOctetString(flags, in, cursor);
     if (flags.Empty()) throw AsnDecodeError();
     message.authFlag = (flags.data[0] & kMsgFlagAuth) != 0;
     message.privFlag = (flags.data[0] & kMsgFlagPriv) != 0;
     message.reportableFlag = (flags.data[0] & kMsgFlagReportable) != 0;
+    return cursor;
 }
 
 uint32_t ReadUnsigned(uint32_t& value, const ByteBuffer& in, uint32_t cursor) {
@@ -32,9 +36,7 @@ uint32_t ReadHeader(MessageRecord& message, const ByteBuffer& in, uint32_t curso
     const uint32_t end = cursor + length;
     cursor = ReadUnsigned(message.msgId, in, cursor);
     cursor = ReadUnsigned(message.msgMaxSize, in, cursor);
-    ByteBuffer flags;
-    cursor = AsnReadOctetString(flags, in, cursor);
-    ReadFlags(message, flags);
+    cursor = ReadFlags(message, in, cursor);
     uint32_t securityModel = 0;
     cursor = ReadUnsigned(securityModel, in, cursor);
     if (securityModel != message.securityModel || cursor > end) throw AsnDecodeError();

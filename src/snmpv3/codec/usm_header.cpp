@@ -32,16 +32,14 @@ void AppendString(const ByteBuffer& bytes, ByteBuffer& dest) {
     AsnAppendOctetString(bytes.data, static_cast<int32_t>(bytes.length), dest);
 }
 
-void AppendFields(const UsmParameters& usm, const ByteBuffer& userName,
-                  const ByteBuffer& authParameters, const ByteBuffer& privParameters,
-                  ByteBuffer& dest) {
+void AppendFields(const UsmParameters& usm, ByteBuffer& dest) {
     ByteBuffer fields;
     AppendString(usm.engineId, fields);
     AsnAppendInteger(usm.engineBoots, fields);
     AsnAppendInteger(usm.engineTime, fields);
-    AppendString(userName, fields);
-    AppendString(authParameters, fields);
-    AppendString(privParameters, fields);
+    AppendString(usm.userName, fields);
+    AppendString(usm.authParameters, fields);
+    AppendString(usm.privParameters, fields);
     ByteBuffer sequence;
     AsnAppendWrapped(sequence, kTagSequence, fields);
     AsnAppendWrapped(dest, kTagOctetString, sequence);
@@ -60,12 +58,12 @@ void RestoreNameAsText(ByteBuffer& userName) {
 
 void EncodeUsm(UsmParameters& usm, ByteBuffer& dest) {
     if (usm.engineId.Empty()) {
-        AppendFields(usm, {}, {}, {}, dest);
+        AppendFields({}, dest);  // whatever a report without an engine ID has taught
         RestoreNameAsText(usm.userName);
         return;
     }
     PreparePlaceholders(usm);
-    AppendFields(usm, usm.userName, usm.authParameters, usm.privParameters, dest);
+    AppendFields(usm, dest);
 }
 
 uint32_t DecodeUsm(UsmParameters& usm, const ByteBuffer& in, uint32_t cursor, ReceivedMac& mac) {

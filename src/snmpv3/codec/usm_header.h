@@ -7,9 +7,9 @@
 namespace vndiscover {
 
 // Appends them as an OCTET STRING. Authentication and privacy parameters that are still empty first
-// become zeros of the size that their protocols send. A probe shows neither them nor the user,
-// whose name is afterwards what the save area held of it: up to its first zero byte, 127 bytes at
-// most.
+// become zeros of the size that their protocols send. A probe shows none of the fields, but
+// the user's name is afterwards what the save area held of it: up to its first zero byte, 127 bytes
+// at most.
 void EncodeUsm(UsmParameters& usm, ByteBuffer& dest);
 
 // Where the answer's authentication parameters stand in the datagram.

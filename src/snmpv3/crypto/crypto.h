@@ -55,7 +55,8 @@ class CryptoSession {
     bool DesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&block)[kDesBlockSize],
                          uint8_t (&cipher)[kDesBlockSize]);
 
-    // CBC over whole blocks. No padding is checked or removed: agents pad as they like.
+    // CBC. No padding is checked or removed: agents pad as they like. What is not whole blocks
+    // fails.
     bool DesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesBlockSize],
                     const uint8_t* cipher, uint32_t length, ByteBuffer& plain);
 

@@ -10,6 +10,7 @@
 #include <limits>
 #include <vector>
 
+#include "support/big_endian.h"
 #include "support/secure_wipe.h"
 
 namespace vndiscover {
@@ -22,13 +23,6 @@ template <class Number>
 Number NextCounter(Number counter) {
     constexpr auto kLargest = std::numeric_limits<Number>::max() >> 1;  // the signed type's
     return counter == kLargest ? 1 : counter + 1;
-}
-
-template <class Number>
-void StoreBigEndian(Number value, uint8_t* out) {
-    for (size_t i = 0; i < sizeof value; ++i) {
-        out[i] = static_cast<uint8_t>(value >> (8 * (sizeof value - 1 - i)));
-    }
 }
 
 bool HasKey(const PrivacyInput& input) { return input.key.length >= kMinPrivKeySize; }
@@ -122,7 +116,7 @@ bool DesPrivacy::Encrypt(CryptoSession& crypto, const PrivacyInput& input, ByteB
 bool DesPrivacy::Decrypt(CryptoSession& crypto, const PrivacyInput& input, const ByteBuffer& salt,
                          ByteBuffer& plain) {
     plain.Clear();
-    if (!CanDecrypt(input, salt) || input.text.length % kDesBlockSize != 0) return false;
+    if (!CanDecrypt(input, salt)) return false;
     const DesMaterial material(input.key, salt.data);
     return crypto.DesDecrypt(material.key, material.iv, input.text.data, input.text.length, plain);
 }

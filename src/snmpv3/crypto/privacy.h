@@ -32,7 +32,8 @@ class DesPrivacy {
     bool Encrypt(CryptoSession& crypto, const PrivacyInput& input, ByteBuffer& cipher,
                  ByteBuffer& salt);
 
-    // As long as the cipher text, padding included; refuses one that is not whole blocks.
+    // As long as the cipher text, padding included; one that is not whole blocks fails, which is
+    // logged.
     static bool Decrypt(CryptoSession& crypto, const PrivacyInput& input, const ByteBuffer& salt,
                         ByteBuffer& plain);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "support/big_endian.h"
 #include "support/secure_wipe.h"
 
 namespace vndiscover {
@@ -26,10 +27,6 @@ uint32_t RotateRight(uint32_t x, int count) { return (x >> count) | (x << (32 - 
 uint32_t LoadBigEndian(const uint8_t* bytes) {
     return (uint32_t{bytes[0]} << 24) | (uint32_t{bytes[1]} << 16) | (uint32_t{bytes[2]} << 8) |
            uint32_t{bytes[3]};
-}
-
-void StoreBigEndian(uint32_t value, uint8_t* bytes) {
-    for (int i = 0; i < 4; ++i) bytes[i] = static_cast<uint8_t>(value >> (24 - 8 * i));
 }
 
 void ExpandSchedule(const uint8_t* block, uint32_t (&w)[kSha224Rounds]) {
@@ -126,8 +123,7 @@ void Sha224::Final(uint8_t (&digest)[kSha224Size]) noexcept {
     const size_t padded = used_ < kLengthAt ? kLengthAt - used_ : kBlockSize + kLengthAt - used_;
     Update(kPadding, padded);
     uint8_t length[8];
-    StoreBigEndian(static_cast<uint32_t>(bitCount >> 32), length);
-    StoreBigEndian(static_cast<uint32_t>(bitCount), length + 4);
+    StoreBigEndian(bitCount, length);
     Update(length, sizeof length);
     for (size_t i = 0; i < kSha224Size / 4; ++i) StoreBigEndian(chain_[i], digest + 4 * i);
 }

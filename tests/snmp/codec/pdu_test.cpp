@@ -56,12 +56,25 @@ TEST(Pdu, EncodesWithFullLengthsAndItsOwnRequestId) {
     VarBindRecord bindings[] = {Binding(kTagNull, {}), Binding(kTagOctetString, Bytes(126, 'v'))};
     SetVarBindList(bindings, 2, pdu.bindings);
     ByteBuffer out = ToBuffer({0x55});  // what was there stays
-    EncodePdu(pdu, out);
+    EXPECT_TRUE(EncodePdu(pdu, out));
     EXPECT_EQ(257, pdu.requestId);
     const Bytes list =
         Tlv(0x30, Tlv(0x06, kOid) + Hex("05 00")) + TextBinding(kOid, Bytes(126, 'v'));
     EXPECT_EQ(Bytes{0x55} + Tlv(0xA0, Hex("02 02 01 01 02 01 00 02 01 00") + Tlv(0x30, list)),
               ToBytes(out));
+}
+
+TEST(Pdu, RefusesToSendBeyondARecordsFields) {
+    for (uint8_t VarBindRecord::*length :
+         {&VarBindRecord::nameLength, &VarBindRecord::valueLength}) {
+        PduRecord pdu;
+        VarBindRecord bindings[] = {Binding(kTagNull, {}), Binding(kTagNull, {})};
+        bindings[1].*length = 127;
+        SetVarBindList(bindings, 2, pdu.bindings);
+        ByteBuffer out;
+        EXPECT_FALSE(EncodePdu(pdu, out));
+        EXPECT_TRUE(out.Empty());
+    }
 }
 
 TEST(Pdu, DecodesEveryBindingInOrder) {

@@ -6,6 +6,13 @@
 #include "helpers/unit_log.h"
 #include "snmp/codec/ber_tags.h"
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#include <sanitizer/allocator_interface.h>
+#define VNDISCOVER_COUNTS_ALLOCATIONS
+#endif
+#endif
+
 namespace vndiscover {
 namespace {
 
@@ -49,12 +56,33 @@ TEST(BuildSnmpMessageTest, RefusesWhatItCannotBuildAndLetsLengthsWrap) {
     EXPECT_EQ(289u, BuildWith({binding}, std::string(255, 'c').c_str(), 0xA0).size());
     EXPECT_EQ(0u, BuildWith({binding}, std::string(256, 'c').c_str(), 0xA0).size());
     EXPECT_EQ(0, BuildSnmpMessage(nullptr, 99, "sesame", 0xA0, 1, VarBindList()));
+    VarBindRecord beyondItsField = binding;
+    beyondItsField.nameLength = 125;
+    EXPECT_EQ(0u, BuildWith({binding, beyondItsField}, "sesame", 0xA0).size());
     const VarBindRecord big = Binding(kTagOctetString, Bytes(126, 'v'));
     const Bytes message = BuildWith({big, big}, "c", 0xA3);
     ASSERT_EQ(301u, message.size());
     EXPECT_EQ(299 & 0xFF, message[1]);
     EXPECT_EQ((280 + 11) & 0xFF, message[9]);
 }
+
+#ifdef VNDISCOVER_COUNTS_ALLOCATIONS
+int g_allocations = 0;
+
+TEST(BuildSnmpMessageTest, AllocatesNothing) {
+    const auto count = [](const volatile void*, size_t) { ++g_allocations; };
+    ASSERT_NE(0, __sanitizer_install_malloc_and_free_hooks(count, [](const volatile void*) {}));
+    VarBindRecord binding = Binding(kTagNull, {});
+    VarBindList list;
+    SetVarBindList(&binding, 1, list);
+    uint8_t out[kMaxMessageSize];
+    const int before = g_allocations;
+    const int32_t length = BuildSnmpMessage(out, sizeof out, "sesame", 0xA0, kRequestId, list);
+    const int after = g_allocations;
+    EXPECT_EQ(40, length);
+    EXPECT_EQ(before, after);
+}
+#endif
 
 // An SNMPv1 answer as agents send it.
 Bytes Answer(const Bytes& bindings, const Bytes& requestId = {1}, uint8_t pduTag = 0xA2) {

@@ -71,10 +71,12 @@ TEST_F(DecodeTest, AReportTeachesTheEngine) {
     const MessageRecord& record = message_.Record();
     EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
     EXPECT_EQ(Lines{kEntry}, log.Lines());
-    message_.SetFlags(true, true);
-    answer_.flagsTlv = Tlv(0x04, {});
-    EXPECT_EQ(0, Decode());
-    EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
+    for (const Bytes& unreadable : {Tlv(0x04, {}), Tlv(0x02, {0})}) {
+        message_.SetFlags(true, true);
+        answer_.flagsTlv = unreadable;
+        EXPECT_EQ(0, Decode());
+        EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
+    }
 }
 
 // An answer of net-snmp 5.9.3.
@@ -114,8 +116,7 @@ TEST_F(DecodeTest, AWrongMacIsLoggedAndTheAnswerUsed) {
     Ask(kAuthMd5, kPrivNone, 1);
     message_.SetAuth(kAuthMd5, "");
     EXPECT_GT(Decode(), 0);
-    EXPECT_EQ((Lines{kEntry, kNoMatch, kEntry, "ERROR:not yet supported HASH VALUE:1\n", kNoMatch}),
-              log.Lines());
+    EXPECT_EQ((Lines{kEntry, kNoMatch, kEntry, kNoMatch}), log.Lines());
 }
 
 TEST_F(DecodeTest, ZeroesTheMacInTheReceivedBufferAndNothingElse) {

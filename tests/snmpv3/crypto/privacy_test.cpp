@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "helpers/bytes.h"
+#include "helpers/unit_log.h"
 
 namespace vndiscover {
 namespace {
@@ -86,7 +87,9 @@ TEST_F(Privacy, RefusesAShortKeyAndWhatNoSenderMakes) {
         EXPECT_EQ(Bytes(), Decrypt(des, {}, salt));
     }
     for (size_t size : {1, 7, 9, 23}) {
+        UnitLog log;
         EXPECT_EQ(Bytes(), Decrypt(true, Prefix(desCipher_, size), desSalt_)) << size;
+        EXPECT_EQ(std::vector<std::string>{"Err -2146893820\n"}, log.Lines());  // NTE_BAD_LEN
     }
 }
 

@@ -62,6 +62,10 @@ bool CapiDesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesB
     const DesKey desKey(key);
     if (!desKey) return false;
     if (!CryptSetKeyParam(desKey.Get(), KP_IV, iv, 0)) return Failed();
+    if (length % kDesBlockSize != 0) {  // not every system's provider looks
+        SetLastError(static_cast<DWORD>(NTE_BAD_LEN));
+        return Failed();
+    }
     ByteBuffer buffer;
     buffer.Assign(cipher, static_cast<int32_t>(length));
     DWORD decrypted = length;
