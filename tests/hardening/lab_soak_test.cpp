@@ -29,6 +29,7 @@ struct Usage {
     DWORD userObjects;
     size_t heapBytes;  // in use, of all heaps
     size_t privateBytes;
+    DWORD freeTlsIndex;  // the next one
 };
 
 // Counted one by one: not every system tells the number.
@@ -76,6 +77,8 @@ Usage Now() {
     PROCESS_MEMORY_COUNTERS memory = {};
     GetProcessMemoryInfo(process, &memory, sizeof memory);
     usage.privateBytes = memory.PagefileUsage;
+    usage.freeTlsIndex = TlsAlloc();
+    TlsFree(usage.freeTlsIndex);
     return usage;
 }
 
@@ -107,6 +110,9 @@ void UseEverything(const ResultWindow& window, int round) {
                             round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256, VN_PRIV_AES);
     module.GetNextSnmpRequestV3("10.77.1.2", kSysName, &record, 0, 0, L"user", 0, nullptr, 0,
                                 nullptr, nullptr, nullptr);
+    // Malformed: what is thrown and caught inside takes an index from the runtime.
+    module.GetNextSnmpRequestV3("10.77.1.11", kSysName, &record, 0, 0, L"user", 0, nullptr, 0,
+                                nullptr, nullptr, nullptr);
     module.VxPing("127.0.0.1", 200);
     module.IsIPv6Supported();
 }
@@ -123,6 +129,9 @@ TEST_F(Soak, LeavesNothingBehind) {
     }();
     const Reply reply = [&](const Request& request) {
         if (request.port != 161) return std::vector<Answer>{{TextBytes("<ProbeMatches/>")}};
+        if (request.local == "10.77.1.11") {
+            return std::vector<Answer>{{Hex("30 05 02 01 03 30 84 ff ff ff ff")}};
+        }
         const bool isV1 = request.data.size() > 4 && request.data[4] == 0;
         return std::vector<Answer>{{isV1 ? SnmpText("Model 1") : report}};
     };
@@ -158,6 +167,7 @@ TEST_F(Soak, LeavesNothingBehind) {
     EXPECT_EQ(before.sockets, after.sockets);
     EXPECT_EQ(before.gdiObjects, after.gdiObjects);
     EXPECT_EQ(before.userObjects, after.userObjects);
+    EXPECT_EQ(before.freeTlsIndex, after.freeTlsIndex);
     // A sweep does not release the socket object of the one before, some bytes each.
     EXPECT_LE(after.heapBytes, before.heapBytes + static_cast<size_t>(rounds) * 4 * 32);
     EXPECT_LE(after.privateBytes, before.privateBytes + 2 * 1024 * 1024);
