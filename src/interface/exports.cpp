@@ -1,7 +1,7 @@
 // The flat table of exports: each is one conversion and one call.
 #include "vndiscover.h"
 
-#include <string>
+#include <memory>
 
 #include "interface/module.h"
 #include "net/pinger.h"
@@ -28,6 +28,15 @@ Result AtBoundary(Result onFailure, Work&& work) noexcept {
 template <class Manager, class Work>
 int32_t With(Manager* manager, Work&& work) noexcept {
     return AtBoundary(0, [&] { return manager ? work(*manager) : 0; });
+}
+
+// A directed request makes a manager for itself. Without a host it asks nobody.
+template <class Work>
+int32_t OnOwnManager(const char* host, Work&& work) noexcept {
+    return AtBoundary(0, [&] {
+        const auto manager = std::make_unique<VxSnmpMgr>();
+        return host ? work(*manager) : 0;
+    });
 }
 
 }  // namespace
@@ -80,10 +89,10 @@ int32_t DiscoverSnmpV3(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const w
                        const wchar_t* privPassword, const wchar_t* authProtocol,
                        const wchar_t* privProtocol) {
     return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        const SecuritySettings security(
-            {userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol});
         return DiscoverV3(manager, {hWnd, uMsg, timeout, useIPv6, nullptr},
-                          VN_DEFAULT_DISCOVERY_OID, nullptr, security);
+                          VN_DEFAULT_DISCOVERY_OID, nullptr,
+                          SecuritySettings({userName, useAuth, authPassword, usePriv, privPassword,
+                                            authProtocol, privProtocol}));
     });
 }
 
@@ -93,10 +102,10 @@ int32_t DiscoverV3DevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useI
                                    const wchar_t* privPassword, const wchar_t* authProtocol,
                                    const wchar_t* privProtocol) {
     return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        const SecuritySettings security(
-            {userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol});
         return DiscoverV3(manager, {hWnd, uMsg, timeout, useIPv6, nullptr}, nullptr,
-                          WideToUtf8(jsonRequest).c_str(), security);
+                          WideToUtf8(jsonRequest).c_str(),
+                          SecuritySettings({userName, useAuth, authPassword, usePriv, privPassword,
+                                            authProtocol, privProtocol}));
     });
 }
 
@@ -124,34 +133,36 @@ int32_t GetSnmpRequest(const char* host, const char* oid, char* value, int32_t v
                        uint32_t expectedType, uint32_t /*timeout*/, uint32_t /*retries*/,
                        const char* readCommunity, const char* writeCommunity) {
     return AtBoundary(0, [&] {
-        return RequestText({host, oid, readCommunity, writeCommunity}, value, valueSize,
-                           expectedType);
+        return RequestText(host, oid, {value, valueSize}, expectedType,
+                           {readCommunity, writeCommunity});
     });
 }
 
 int32_t GetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueSize,
                           uint32_t* valueType, uint32_t /*timeout*/, uint32_t /*retries*/,
                           const char* readCommunity, const char* writeCommunity) {
-    return AtBoundary(0, [&] {
-        return RequestRaw({host, oid, readCommunity, writeCommunity},
-                          {value, valueSize, valueType});
+    return OnOwnManager(host, [&](VxSnmpMgr& manager) {
+        return manager.GetInformation(oid, host, reinterpret_cast<char*>(value), valueSize,
+                                      valueType, kRequestWaitMs, kRequestAttempts, readCommunity,
+                                      writeCommunity, nullptr);
     });
 }
 
 int32_t GetNextSnmpRequestRaw(const char* host, const char* oid, VnResponseRecord* record,
                               uint32_t /*timeout*/, uint32_t /*retries*/, const char* readCommunity,
                               const char* writeCommunity) {
-    return AtBoundary(0, [&] {
-        return RequestNext({host, oid, readCommunity, writeCommunity}, record);
+    return OnOwnManager(host, [&](VxSnmpMgr& manager) {
+        return manager.GetInformation1(oid, host, record, kRequestWaitMs, kRequestAttempts,
+                                       readCommunity, writeCommunity, nullptr, kPduGetNextRequest);
     });
 }
 
 int32_t SetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueLength,
                           uint32_t* valueType, uint32_t /*timeout*/, uint32_t /*retries*/,
                           const char* readCommunity, const char* writeCommunity) {
-    return AtBoundary(0, [&] {
-        return RequestSet({host, oid, readCommunity, writeCommunity},
-                          {value, valueLength, valueType});
+    return OnOwnManager(host, [&](VxSnmpMgr& manager) {
+        return manager.SetInformationByStr(oid, host, value, valueLength, valueType, kRequestWaitMs,
+                                           kRequestAttempts, readCommunity, writeCommunity);
     });
 }
 
@@ -161,9 +172,9 @@ int32_t GetSnmpRequestV3(const char* host, const char* oid, char* value, int32_t
                          BYTE usePriv, const wchar_t* privPassword, const wchar_t* authProtocol,
                          const wchar_t* privProtocol) {
     return AtBoundary(0, [&] {
-        const SecuritySettings security(
-            {userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol});
-        return RequestTextV3(host, oid, {value, valueSize, valueType}, security);
+        return RequestTextV3(host, oid, {value, valueSize}, valueType,
+                             SecuritySettings({userName, useAuth, authPassword, usePriv,
+                                               privPassword, authProtocol, privProtocol}));
     });
 }
 
@@ -173,9 +184,9 @@ int32_t GetNextSnmpRequestV3(const char* host, const char* oid, VnResponseRecord
                              const wchar_t* privPassword, const wchar_t* authProtocol,
                              const wchar_t* privProtocol) {
     return AtBoundary(0, [&] {
-        const SecuritySettings security(
-            {userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol});
-        return RequestNextV3(host, oid, record, security);
+        return RequestNextV3(host, oid, record,
+                             SecuritySettings({userName, useAuth, authPassword, usePriv,
+                                               privPassword, authProtocol, privProtocol}));
     });
 }
 

@@ -19,15 +19,6 @@ bool TookNothing(int error) { return error != 0 && error != WSAEMSGSIZE; }
 
 }  // namespace
 
-DatagramCollector::DatagramCollector(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
-                                     const StopRequest& stop)
-    : socket_(socket),
-      sock_(sock),
-      limits_(limits),
-      stop_(stop),
-      started_(GetTickCount()),
-      takesQueued_(SCKRAW::StopBlocking(sock)) {}
-
 bool DatagramCollector::Next(Datagram& datagram) {
     while (!IsOver()) {
         Receive(datagram);
@@ -43,9 +34,8 @@ bool DatagramCollector::Next(Datagram& datagram) {
 }
 
 bool DatagramCollector::IsOver() const {
-    if (!hasWaited_) return false;
-    return stop_.load(std::memory_order_relaxed) != 0 ||
-           GetTickCount() - started_ >= limits_.totalMs;
+    return hasWaited_ && (stop_.load(std::memory_order_relaxed) != 0 ||
+                          GetTickCount() - started_ >= limits_.totalMs);
 }
 
 void DatagramCollector::Receive(Datagram& datagram) {

@@ -32,7 +32,8 @@ using StopRequest = std::atomic<uint8_t>;
 class DatagramCollector {
   public:
     DatagramCollector(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
-                      const StopRequest& stop);
+                      const StopRequest& stop)
+        : socket_(socket), sock_(sock), limits_(limits), stop_(stop) {}
 
     // Waits for the next datagram; the sender goes without its zone suffix. False: a wait passed
     // silently, totalMs have gone by, `stop` is set, or the sockets are not initialised. The first
@@ -48,8 +49,8 @@ class DatagramCollector {
     const SOCKET sock_;
     const CollectionLimits limits_;
     const StopRequest& stop_;
-    const DWORD started_;
-    const bool takesQueued_;
+    const DWORD started_ = GetTickCount();
+    const bool takesQueued_ = SCKRAW::StopBlocking(sock_);
     bool hasWaited_ = false;
     uint32_t errorsInARow_ = 0;
 };

@@ -39,32 +39,20 @@ void BindV6(SOCKET handle, const char* addressText) {
     bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local);  // result not looked at
 }
 
-const char* BindErrorName(int error) {
-    switch (error) {
-        case WSAEACCES:
-            return "   WSAEACCES\n";
-        case WSAEFAULT:
-            return "   WSAEFAULT\n";
-        case WSAEINVAL:
-            return "   WSAEINVAL\n";
-        case WSAEINPROGRESS:
-            return "   WSAEINPROGRESS\n";
-        case WSAENOTSOCK:
-            return "   WSAENOTSOCK\n";
-        case WSAEADDRINUSE:
-            return "   WSAEADDRINUSE\n";
-        case WSAEADDRNOTAVAIL:
-            return "   WSAEADDRNOTAVAIL\n";
-        case WSAENETDOWN:
-            return "   WSAENETDOWN\n";
-        case WSAENOBUFS:
-            return "   WSAENOBUFS\n";
-        case WSANOTINITIALISED:
-            return "   WSANOTINITIALISED\n";
-        default:
-            return nullptr;
-    }
-}
+struct BindError {
+    int code;
+    const char* line;
+};
+constexpr BindError kBindErrors[] = {{WSAEACCES, "   WSAEACCES\n"},
+                                     {WSAEFAULT, "   WSAEFAULT\n"},
+                                     {WSAEINVAL, "   WSAEINVAL\n"},
+                                     {WSAEINPROGRESS, "   WSAEINPROGRESS\n"},
+                                     {WSAENOTSOCK, "   WSAENOTSOCK\n"},
+                                     {WSAEADDRINUSE, "   WSAEADDRINUSE\n"},
+                                     {WSAEADDRNOTAVAIL, "   WSAEADDRNOTAVAIL\n"},
+                                     {WSAENETDOWN, "   WSAENETDOWN\n"},
+                                     {WSAENOBUFS, "   WSAENOBUFS\n"},
+                                     {WSANOTINITIALISED, "   WSANOTINITIALISED\n"}};
 
 // False: the wait passed silently. A failed wait is left to the receive that follows to report.
 bool WaitForDatagram(SOCKET handle, int timeoutMs) {
@@ -158,7 +146,9 @@ int SCKRAW::BindV4(SOCKET handle, const char* addressText, int port) {
     if (bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) != 0) {
         const int error = WSAGetLastError();
         DebugLogA("BIND error %x\n", static_cast<unsigned>(error));
-        if (const char* name = BindErrorName(error)) DebugLogA("%s", name);
+        for (const BindError& known : kBindErrors) {
+            if (known.code == error) DebugLogA("%s", known.line);
+        }
     }
     return 0;
 }

@@ -18,11 +18,7 @@ bool IsIPv6Host(const char* host) { return host && std::strchr(host, ':'); }
 
 void AddRow(const char* address, bool endsLines) {
     CopyText(g_adapterAddr[g_nAdapter].szAddress, address);
-    if (endsLines) {
-        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]\n", address);
-    } else {
-        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]", address);
-    }
+    DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]%s", address, endsLines ? "\n" : "");
     ++g_nAdapter;
 }
 

@@ -1,33 +1,24 @@
-// Directed community-based requests as hosts call them: each makes a manager of its own for one
-// exchange.
+// The community-based request for a value as text.
 #pragma once
 
 #include <cstdint>
 
-#include "vndiscover.h"
-
 namespace vndiscover {
 
-// What a host asks for. Texts may be null.
-struct DirectedRequest {
-    const char* host;
-    const char* oid;
-    const char* readCommunity;
-    const char* writeCommunity;
+// As the host gives them; null and "" mean the default.
+struct Communities {
+    const char* read;
+    const char* write;
 };
 
-// A host's buffer for one value.
-struct HostValue {
-    void* bytes;     // may be null
-    int32_t size;    // of the buffer; to set: of the value in it
-    uint32_t* type;  // BER tag; may be null
+// A host's buffer for a text.
+struct TextBuffer {
+    char* text;    // may be null
+    int32_t size;  // bytes
 };
 
-// Results and arguments as in the public header.
-int32_t RequestText(const DirectedRequest& request, char* outValue, int32_t outSize,
-                    uint32_t expectedType);
-int32_t RequestRaw(const DirectedRequest& request, const HostValue& value);
-int32_t RequestNext(const DirectedRequest& request, VnResponseRecord* record);
-int32_t RequestSet(const DirectedRequest& request, const HostValue& value);
+// As GetSnmpRequest in the public header: makes a manager of its own. host may be null.
+int32_t RequestText(const char* host, const char* oid, const TextBuffer& out, uint32_t expectedType,
+                    const Communities& communities);
 
 }  // namespace vndiscover

@@ -17,6 +17,12 @@ const char* OrDefault(const char* community) {
     return community && *community ? community : VN_DEFAULT_COMMUNITY;
 }
 
+OidValue OidOf(const char* text) {
+    OidValue oid;
+    ParseOidText(oid, text);
+    return oid;
+}
+
 // Returns the length, 0 when the request cannot be encoded.
 int32_t BuildRequest(const OidValue& oid, const ValueView& value, uint8_t pduType,
                      const char* community, uint8_t (&out)[kMaxMessageSize]) {
@@ -95,8 +101,8 @@ void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char
     sink.OpenFile(settings.resultPath);
     std::string szDisOid;
     if (!FitsJsonRequest(jsonRequest) || !ChooseDiscoveryOid(oid, jsonRequest, szDisOid)) return;
-    OidValue name;
-    ParseOidText(name, szDisOid.c_str());  // Kept: text without two arcs asks for the empty OID.
+    // Kept: text without two arcs asks for the empty OID.
+    const OidValue name = OidOf(szDisOid.c_str());
     uint8_t request[kMaxMessageSize] = {};
     const int32_t length = BuildRequest(name, kNullValue, kPduGetRequest, readCommunity, request);
     if (length == 0) return;
@@ -160,40 +166,36 @@ bool VxSnmpMgr::Fetch(const ResponseRecord& device, const char* oid, const char*
 
 // 1: answered, whoever did and whatever it says; 0: no answer, or nothing to send; -1: the send
 // failed.
-int32_t VxSnmpMgr::Ask(const Query& query, ResponseRecord& answer) {
+int32_t VxSnmpMgr::Ask(const Query& query, const ValueView& value, ResponseRecord& answer) {
     if (!query.host || query.oid.length == 0) return 0;  // no device, or the text held no OID
     uint8_t request[kMaxMessageSize] = {};
     const int32_t length =
-        BuildRequest(query.oid, query.value, query.pduType, OrDefault(query.community), request);
+        BuildRequest(query.oid, value, query.pduType, OrDefault(query.community), request);
     if (length == 0) return 0;
     OwnedSocket opened = OpenFor(Socket(), query.host, query.bindAddress);
     Exchange exchange = {query.host, request, length, query.attempts, false, false};
     Datagram datagram;
-    const int32_t outcome = RunExchange(*socket, opened, exchange, datagram);
+    const int32_t outcome = RunExchange(Socket(), opened, exchange, datagram);
     if (exchange.wasSilent) timeout = 0;  // Kept: a side effect that nothing reads afterwards.
     if (outcome == 1) ParseAnswer(datagram, answer);
     return outcome;
 }
 
 int32_t VxSnmpMgr::GetInformation(const char* oid, const char* host, char* outValue,
-                                  int32_t outSize, uint32_t* valueType, uint32_t waitMs,
-                                  int32_t attempts, const char* readCommunityText,
-                                  const char* writeCommunityText, const char* bindAddress) {
-    Socket();
-    OidValue name;
-    ParseOidText(name, oid);
-    return GetInformation(name, host, outValue, outSize, valueType, waitMs, attempts,
-                          readCommunityText, writeCommunityText, bindAddress);
-}
-
-int32_t VxSnmpMgr::GetInformation(const OidValue& oid, const char* host, char* outValue,
                                   int32_t outSize, uint32_t* valueType, uint32_t /*waitMs*/,
                                   int32_t attempts, const char* readCommunityText,
                                   const char* /*writeCommunity*/, const char* bindAddress) {
-    DebugLogA("SNMP::GetInformation - [%s]\n", host);
+    Socket();
+    return GetInformation(
+        {OidOf(oid), kPduGetRequest, host, readCommunityText, bindAddress, attempts}, outValue,
+        outSize, valueType);
+}
+
+int32_t VxSnmpMgr::GetInformation(const Query& query, char* outValue, int32_t outSize,
+                                  uint32_t* valueType) {
+    DebugLogA("SNMP::GetInformation - [%s]\n", query.host);
     ResponseRecord answer = {};
-    const int32_t outcome = Ask(
-        {oid, kNullValue, kPduGetRequest, readCommunityText, host, bindAddress, attempts}, answer);
+    const int32_t outcome = Ask(query, kNullValue, answer);
     if (outcome != 1) return outcome;
     // The record holds a zero byte after the value, which goes with it.
     if (answer.valueLength != 0) CopyRaw(outValue, outSize, answer.value, answer.valueLength + 1u);
@@ -207,11 +209,9 @@ int32_t VxSnmpMgr::GetInformation1(const char* oid, const char* host, VnResponse
                                    const char* bindAddress, uint8_t pduType) {
     DebugLogA("SNMP::GetInformation1 - [%s]\n", host);
     Socket();
-    OidValue name;
-    ParseOidText(name, oid);
     ResponseRecord answer = {};
-    const int32_t outcome =
-        Ask({name, kNullValue, pduType, readCommunityText, host, bindAddress, attempts}, answer);
+    const int32_t outcome = Ask(
+        {OidOf(oid), pduType, host, readCommunityText, bindAddress, attempts}, kNullValue, answer);
     if (outcome != 1) return outcome;
     if (record) {
         DebugLogA("Copy Result [%d]\n", static_cast<int>(kResponseRecordSize));
@@ -222,27 +222,23 @@ int32_t VxSnmpMgr::GetInformation1(const char* oid, const char* host, VnResponse
 }
 
 int32_t VxSnmpMgr::SetInformationByStr(const char* oid, const char* host, uint8_t* value,
-                                       int32_t valueLength, uint32_t* valueType, uint32_t waitMs,
-                                       int32_t attempts, const char* readCommunityText,
+                                       int32_t valueLength, uint32_t* valueType,
+                                       uint32_t /*waitMs*/, int32_t attempts,
+                                       const char* /*readCommunity*/,
                                        const char* writeCommunityText) {
     DebugLogA("SNMP::SetInformationByStr - [%s]\n", host);
     Socket();
-    OidValue name;
-    ParseOidText(name, oid);
-    return SetInformation(name, host, value, valueLength, valueType, waitMs, attempts,
-                          readCommunityText, writeCommunityText);
+    return SetInformation({OidOf(oid), kPduSetRequest, host, writeCommunityText, nullptr, attempts},
+                          value, valueLength, valueType);
 }
 
-int32_t VxSnmpMgr::SetInformation(const OidValue& oid, const char* host, uint8_t* value,
-                                  int32_t valueLength, uint32_t* valueType, uint32_t /*waitMs*/,
-                                  int32_t attempts, const char* /*readCommunity*/,
-                                  const char* writeCommunityText) {
-    DebugLogA("SNMP::SetInformation - [%s]\n", host);
+int32_t VxSnmpMgr::SetInformation(const Query& query, uint8_t* value, int32_t valueLength,
+                                  uint32_t* valueType) {
+    DebugLogA("SNMP::SetInformation - [%s]\n", query.host);
     if (!valueType || (!value && valueLength != 0)) return 0;  // no value to set
-    const ValueView newValue = {static_cast<uint8_t>(*valueType), valueLength, value};
     ResponseRecord answer = {};
     const int32_t outcome =
-        Ask({oid, newValue, kPduSetRequest, writeCommunityText, host, nullptr, attempts}, answer);
+        Ask(query, {static_cast<uint8_t>(*valueType), valueLength, value}, answer);
     if (outcome != 1) return outcome;
     if (answer.valueLength != 0) CopyRaw(value, valueLength, answer.value, answer.valueLength);
     *valueType = answer.valueTag;

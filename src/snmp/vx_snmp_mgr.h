@@ -80,22 +80,19 @@ class VxSnmpMgr {
 
   private:
     struct Query {
-        const OidValue& oid;
-        ValueView value;
+        OidValue oid;
         uint8_t pduType;
-        const char* community;
         const char* host;
+        const char* community;
         const char* bindAddress;
         int32_t attempts;
     };
-    int32_t GetInformation(const OidValue& oid, const char* host, char* outValue, int32_t outSize,
-                           uint32_t* valueType, uint32_t waitMs, int32_t attempts,
-                           const char* readCommunity, const char* writeCommunity,
-                           const char* bindAddress);
-    int32_t SetInformation(const OidValue& oid, const char* host, uint8_t* value,
-                           int32_t valueLength, uint32_t* valueType, uint32_t waitMs,
-                           int32_t attempts, const char* readCommunity, const char* writeCommunity);
-    int32_t Ask(const Query& query, ResponseRecord& answer);
+    // The forms for an encoded OID.
+    int32_t GetInformation(const Query& query, char* outValue, int32_t outSize,
+                           uint32_t* valueType);
+    int32_t SetInformation(const Query& query, uint8_t* value, int32_t valueLength,
+                           uint32_t* valueType);
+    int32_t Ask(const Query& query, const ValueView& value, ResponseRecord& answer);
     void Sweep(const SweepSettings& settings, const char* oid, const char* jsonRequest);
     void FinishSweep();
     void CollectAnswers();

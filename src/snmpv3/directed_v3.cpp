@@ -63,7 +63,7 @@ void FillRecord(const VarBindRecord& binding, VnResponseRecord& record) {
 
 }  // namespace
 
-int32_t RequestTextV3(const char* host, const char* oid, const HostValue& out,
+int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, uint32_t* valueType,
                       const SecuritySettings& security) {
     DirectedAnswer answer = StartRequest(host);
     if (!host || !security.HasUsableName()) return 0;
@@ -71,11 +71,11 @@ int32_t RequestTextV3(const char* host, const char* oid, const HostValue& out,
     const VarBindRecord* binding = answer.Binding();
     const std::string strValue = ValueTextOf(binding);
     DebugLogA("strValue [%s]", strValue.c_str());
-    if (binding && out.type) *out.type = binding->valueTag;
+    if (binding && valueType) *valueType = binding->valueTag;
     if (strValue.empty()) return 0;
     // Cut where it does not fit: how long it is, is the device's choice.
-    if (out.bytes && out.size > 0) {
-        CopyText(static_cast<char*>(out.bytes), static_cast<size_t>(out.size), strValue.c_str());
+    if (out.text && out.size > 0) {
+        CopyText(out.text, static_cast<size_t>(out.size), strValue.c_str());
     }
     return answer.reportLength;  // Kept: the report's length, not the value's.
 }

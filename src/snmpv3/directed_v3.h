@@ -10,7 +10,7 @@
 namespace vndiscover {
 
 // Results and arguments as in the public header; host may be null.
-int32_t RequestTextV3(const char* host, const char* oid, const HostValue& out,
+int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, uint32_t* valueType,
                       const SecuritySettings& security);
 int32_t RequestNextV3(const char* host, const char* oid, VnResponseRecord* record,
                       const SecuritySettings& security);

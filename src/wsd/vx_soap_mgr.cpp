@@ -14,10 +14,6 @@ constexpr char kIPv6Group[] =
     "FF02:0:0:0:0:0:0:1";  // Kept: all nodes, not WS-Discovery's own group.
 constexpr char kLoopback[] = "127.0.0.1";
 
-constexpr CollectionLimits LimitsFor(UINT waitMs) {
-    return {static_cast<int>(waitMs), kSoapCollectionMs, true};
-}
-
 }  // namespace
 
 VxSoapMgr::VxSoapMgr() { DebugLogA("VxSoapMgr::VxSoapMgr()\n"); }
@@ -40,9 +36,18 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
                             const char* probe, int32_t probeLength) {
     if (sweeping) return 0;  // from within a result message: it would take the sweep's socket away
     DebugLogA("VxSoapMgr::Discover\n");
-    BeginSweep(window, message, timeoutMs);
+    sweeping = true;
+    stop.store(0, std::memory_order_relaxed);
+    hWnd = window;
+    uMsg = message;
+    timeout = timeoutMs;
     // The host waits for the final notification, so it is sent however the sweep is left.
-    const ScopeExit end([this] { EndSweep(); });
+    const ScopeExit end([this] {
+        sock.Reset();
+        sweeping = false;  // within the final message the host may start the next sweep
+        DebugLogA("SOAP::Discover - ended\n");
+        SendDiscoverResult(nullptr, nullptr);
+    });
     SCKRAW::KeepStarted();
     socket = std::make_unique<SCKRAW>();
     // No Probe, or one that does not fit the buffer. A negative length could only fail on every
@@ -52,21 +57,6 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
     if (probe) std::memcpy(request, probe, static_cast<size_t>(probeLength));
     SweepFromEverywhere(useIPv6, request, probeLength);
     return 0;
-}
-
-void VxSoapMgr::BeginSweep(HWND window, UINT message, UINT timeoutMs) {
-    sweeping = true;
-    stop.store(0, std::memory_order_relaxed);
-    hWnd = window;
-    uMsg = message;
-    timeout = timeoutMs;
-}
-
-void VxSoapMgr::EndSweep() {
-    sock.Reset();
-    sweeping = false;  // within the final message the host may start the next sweep
-    DebugLogA("SOAP::Discover - ended\n");
-    SendDiscoverResult(nullptr, nullptr);
 }
 
 void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length) {
@@ -88,7 +78,8 @@ void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_
 void VxSoapMgr::HandleEvents(UINT waitMs, bool /*isLast*/) {
     DebugLogA("HandleEvents start\n");
     resultCount = 0;
-    DatagramCollector replies(*socket, sock.Get(), LimitsFor(waitMs), stop);
+    DatagramCollector replies(*socket, sock.Get(),
+                              {static_cast<int>(waitMs), kSoapCollectionMs, true}, stop);
     for (Datagram reply; resultCount < kSoapTableCapacity && replies.Next(reply);) {
         SoapResult& result = results.ToFill(resultCount);
         CopyText(result.address, reply.sender);

@@ -53,8 +53,6 @@ class VxSoapMgr {
     bool sweeping = false;
 
   private:
-    void BeginSweep(HWND window, UINT message, UINT timeoutMs);
-    void EndSweep();
     void SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length);
 };
 
