@@ -19,7 +19,9 @@
  * - Threads: each export blocks the thread that calls it; the module makes no thread of its own.
  *   At most one SNMP sweep and one WS-Discovery sweep at a time in a process; directed requests one
  *   at a time in a process (they share the remembered bind address). StopDiscoverSnmp and
- *   StopDiscoverSoap may be called from any thread, and from within a result message.
+ *   StopDiscoverSoap may be called from any thread, and from within a result message. A sweep that
+ *   is started within a result message of a running one of its kind does nothing and sends no final
+ *   message; within the final message the next one may start.
  *   VxPing and IsIPv6Supported may be called from any thread at any time.
  *
  * The result message, sent with SendMessageA on the sweeping thread (a window of another thread
@@ -172,8 +174,10 @@ VN_API int32_t DiscoverDevicesByOID(HWND hWnd, UINT uMsg, UINT timeout, BYTE use
  *     {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
  *      "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
  *                     Without "DiscoverOID" the default OID is asked for. Text that is no JSON: no
- *                     device is delivered. One that converts to 2,048 bytes or more: nothing is
- *                     sent. In both cases the final message (0, 0) is still sent.
+ *                     device is delivered. One that converts to 2,048 bytes or more, or with a
+ *                     "DiscoverOID" of 260 characters or more: nothing is sent. In each case the
+ *                     final message (0, 0) is still sent. A name of 260 characters or more under
+ *                     "GET" is not asked for.
  */
 VN_API int32_t DiscoverDevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                                         const wchar_t* jsonRequest, const wchar_t* resultPath,

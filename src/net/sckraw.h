@@ -38,7 +38,7 @@ class SCKRAW {
     static bool IsDottedQuad(const char* text);
 
     // Sends on `sock`, created first if none is open; after a failed send that is a new one. As
-    // SendToSocket.
+    // SendToSocket. Nothing in the module calls it.
     int SendTo(int addressFamily, const char* host, int port, const void* data, int length,
                int timeoutMs);
 
@@ -46,6 +46,7 @@ class SCKRAW {
     // why); the resolver's positive code when host does not resolve in the object's family.
     int SendToSocket(OwnedSocket& handle, const char* host, int port, const void* data, int length);
 
+    // RecvFromSocket on `sock`. Nothing in the module calls it.
     int RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs);
 
     // Waits timeoutMs / 1000 whole seconds for one datagram. Bytes received; 0 on time-out or

@@ -33,7 +33,7 @@ void DebugLogA(const char* format, ...) VN_PRINTF(1, 2);
 // stamp.
 void DebugLogW(const wchar_t* format, ...);
 
-// The debug switch.
+// The debug switch. Nothing in the module calls it.
 uint8_t IsDebugLogEnabled();
 
 }  // namespace vndiscover

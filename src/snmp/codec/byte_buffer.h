@@ -22,13 +22,13 @@ struct ByteBuffer {
     void Clear() noexcept;
     // Null, or a count below 1, leaves it empty. `bytes` may lie in the buffer itself.
     void Assign(const uint8_t* bytes, int32_t count);
-    void SetByte(uint8_t byte);
+    void SetByte(uint8_t byte);  // Nothing in the module calls it.
     void Append(uint8_t byte);
     void Append(const uint8_t* bytes, int32_t count);  // null or a count below 1: nothing
     void Append(const ByteBuffer& other);
     void Prepend(uint8_t byte);
     void Prepend(const uint8_t* bytes, int32_t count);
-    // Writes the bytes to the wide log, an aid for debugging that no flow calls.
+    // Writes the bytes to the wide log. Nothing in the module calls it.
     void HexDump() const;
 
     bool Empty() const noexcept { return length == 0; }

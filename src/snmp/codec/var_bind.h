@@ -48,7 +48,7 @@ int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord&
 int32_t SetVarBindList(VarBindRecord* bindings, int32_t count, VarBindList& out);
 
 // Copies a binding but for the value's content, to build a request from the bindings of an earlier
-// one.
+// one. Nothing in the module calls it.
 void CopyVarBindHeader(const VarBindRecord& source, VarBindRecord& dest);
 
 // An OCTET STRING up to its first NUL byte, an INTEGER in decimal; any other value leaves text

@@ -44,9 +44,10 @@ class VxSNMPv3 {
     void SetFlags(bool auth, bool priv);
     void SetEngine(const ByteBuffer& id, int32_t boots, int32_t time);
     void SetMsgMaxSize(uint32_t msgMaxSize);
-    void SetMsgId(uint32_t msgId);         // 0: a fixed one
-    void SetRequestId(int32_t requestId);  // 0: a fixed one
     void SetPduType(uint8_t pduType);
+    // 0: a fixed one. Nothing in the module calls it.
+    void SetMsgId(uint32_t msgId);
+    void SetRequestId(int32_t requestId);
     // The one OID asked for; text of fewer than two arcs asks for the empty OID. False: it has one
     // that no binding holds, and none is asked for.
     bool SetOid(const char* dotted);

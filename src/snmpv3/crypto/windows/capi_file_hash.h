@@ -4,8 +4,8 @@
 
 namespace vndiscover {
 
-// The MD5 of a whole file. Failures are logged and leave digest empty. No flow of the module calls
-// it.
+// The MD5 of a whole file. Failures are logged and leave digest empty. Nothing in the module
+// calls it.
 bool CapiHashFile(const char* path, ByteBuffer& digest);
 
 }  // namespace vndiscover
