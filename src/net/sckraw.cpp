@@ -63,21 +63,17 @@ bool WaitForDatagram(SOCKET handle, int timeoutMs) {
     return select(0, &readable, nullptr, nullptr, &wait) != 0;
 }
 
-void WriteSenderText(const SCKRAW::Received& received, char* fromAddress) {
+// Bytes received, or SOCKET_ERROR.
+int ReceiveNow(SOCKET handle, void* buffer, int size, char* fromAddress) {
+    sockaddr_storage sender = {};
+    int senderLength = sizeof sender;
+    auto* const from = reinterpret_cast<sockaddr*>(&sender);
+    const int received = recvfrom(handle, static_cast<char*>(buffer), size, 0, from, &senderLength);
+    if (received == SOCKET_ERROR || !fromAddress) return received;
     char host[kSenderTextSize] = {};
-    if (getnameinfo(reinterpret_cast<const sockaddr*>(&received.sender), received.senderLength,
-                    host, sizeof host, nullptr, 0, NI_NUMERICHOST) == 0) {
+    if (getnameinfo(from, senderLength, host, sizeof host, nullptr, 0, NI_NUMERICHOST) == 0) {
         CopyText(fromAddress, kSenderTextSize, host);
     }
-}
-
-SCKRAW::Received ReceiveNow(SOCKET handle, void* buffer, int size) {
-    SCKRAW::Received received = {};
-    received.senderLength = sizeof received.sender;
-    received.length =
-        recvfrom(handle, static_cast<char*>(buffer), size, 0,
-                 reinterpret_cast<sockaddr*>(&received.sender), &received.senderLength);
-    if (received.length == SOCKET_ERROR) received.error = WSAGetLastError();
     return received;
 }
 
@@ -224,7 +220,8 @@ int SCKRAW::RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddr
         lastError = SCKRAW_ERROR_TIMEOUT;
         return 0;
     }
-    return Finish(ReceiveNow(handle, buffer, size), fromAddress);
+    const int received = ReceiveNow(handle, buffer, size, fromAddress);
+    return received != SOCKET_ERROR ? received : FailedReceive();
 }
 
 void SCKRAW::RaiseReceiveBuffer(SOCKET handle) {
@@ -237,22 +234,19 @@ bool SCKRAW::StopBlocking(SOCKET handle) {
 }
 
 bool SCKRAW::TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received) {
-    const Received taken = ReceiveNow(handle, buffer, size);
+    received = ReceiveNow(handle, buffer, size, fromAddress);
+    if (received != SOCKET_ERROR) return true;
+    const int error = WSAGetLastError();
     // Where nothing has been sent or bound, a receive is an error and a wait passes silently.
-    if (taken.error == WSAEWOULDBLOCK || taken.error == WSAEINVAL) return false;
-    received = Finish(taken, fromAddress);
+    if (error == WSAEWOULDBLOCK || error == WSAEINVAL) return false;
+    received = FailedReceive();
     return true;
 }
 
-int SCKRAW::Finish(const Received& received, char* fromAddress) {
-    if (received.length == SOCKET_ERROR) {
-        const int error = received.error;
-        DebugLogA("Receive Data failed - %d\n", error);
-        lastError = error;
-        return 0;
-    }
-    if (fromAddress) WriteSenderText(received, fromAddress);
-    return received.length;
+int SCKRAW::FailedReceive() {
+    lastError = WSAGetLastError();
+    DebugLogA("Receive Data failed - %d\n", static_cast<int>(lastError));
+    return 0;
 }
 
 int SCKRAW::HasIPv6Address() {

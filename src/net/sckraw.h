@@ -74,16 +74,8 @@ class SCKRAW {
     int32_t family = AF_INET;
     int32_t lastError = 0;
 
-    // What one receive gave.
-    struct Received {
-        int length;  // SOCKET_ERROR: see error
-        int error;
-        sockaddr_storage sender;
-        int senderLength;
-    };
-
   private:
-    int Finish(const Received& received, char* fromAddress);
+    int FailedReceive();
 };
 
 }  // namespace vndiscover

@@ -51,7 +51,8 @@ class JsonDoc {
 
     // True if the object has that member with a string value, which is copied.
     static bool StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, size_t outSize);
-    // The same for the i-th string of the root's array of that name. Nothing in the module calls it.
+    // The same for the i-th string of the root's array of that name. Nothing in the module calls
+    // it.
     bool StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out, size_t outSize) const;
 
     // With null: the printed UTF-8 length plus 1, or -1 when there is no root or printing failed.
