@@ -107,6 +107,11 @@
 #define VN_JSON_REQUEST_SIZE 2048 /* a JSON request must convert to fewer bytes than this */
 #define VN_SOAP_REPLY_SIZE 2048
 #define VN_SOAP_PROBE_MAX 2048
+#define VN_COMMUNITY_MAX 255   /* a longer one cannot be encoded */
+#define VN_REQUEST_OID_MAX 124 /* content octets of an encoded OID that is asked for */
+#define VN_USER_NAME_MAX 127   /* a USM user's name as UTF-8 */
+/** Characters of a result file's path and of an OID's text, without the terminator. */
+#define VN_TEXT_MAX 259
 
 /** What a get-next request found; the host's memory, 4,312 bytes. */
 typedef struct VnResponseRecord {

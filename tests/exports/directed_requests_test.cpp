@@ -141,10 +141,10 @@ TEST_F(DirectedRequests, TakeAnAnswerThatComesWithinFiveWaits) {
 }
 
 TEST_F(DirectedRequests, TellInTheLogWhatWasReadOfTheAnswer) {
-    const Lines get = Lines{"g_nAdapter [0]\n", "VxSNMP::VxSNMP()\n", "szBindIp []\n",
-                            "SCKRAW::SCKRAW()\n"} +
-                      RequestLines(9, "2b 06 01 02 01 01 01 00 ", SnmpGet(kSysDescr),
-                                   {"SNMP::GetInformation - [10.77.1.11]\n"});
+    const Lines get =
+        Lines{"g_nAdapter [0]\n", "VxSNMP::VxSNMP()\n", "szBindIp []\n", "SCKRAW::SCKRAW()\n"} +
+        RequestLines(9, "2b 06 01 02 01 01 01 00 ", SnmpGet(kSysDescr),
+                     {"SNMP::GetInformation - [10.77.1.11]\n"});
     const Lines end = {"VxSnmpMgr::~VxSnmpMgr()\n", "SCKRAW::~SCKRAW() [-1]\n"};
     DeviceIn("neta", {{SnmpAnswer(kSysDescr, 2, {0x01, 0xFF})}});
     module.GetSnmpRequest(kHost, kSysDescr, text.Text(), 260, 2, 0, 0, nullptr, nullptr);

@@ -1,10 +1,14 @@
 // Reports devices to the host: a window message, then a line in the result file.
 #pragma once
 
+#include <cstddef>
+
 #include "support/owned.h"
 #include "support/win.h"
 
 namespace vndiscover {
+
+constexpr size_t kPathSize = 260;  // characters of a path, with the terminator
 
 struct ResultSink {
     HWND hWnd = nullptr;  // may be null: no messages

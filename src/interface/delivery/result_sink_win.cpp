@@ -7,16 +7,11 @@
 #include "support/debug_log.h"
 
 namespace vndiscover {
-namespace {
-
-constexpr size_t kPathChars = 260;
-
-}  // namespace
 
 void ResultSink::OpenFile(const wchar_t* path) {
     if (!path || !*path) return;
     // A cut path would empty some other file. "t": whatever mode the host's runtime defaults to.
-    resultFile.Reset(wcsnlen(path, kPathChars) < kPathChars ? _wfopen(path, L"wt") : nullptr);
+    resultFile.Reset(wcsnlen(path, kPathSize) < kPathSize ? _wfopen(path, L"wt") : nullptr);
 }
 
 void ResultSink::SendResult(const char* address, const char* value) {

@@ -11,7 +11,6 @@ namespace vndiscover {
 namespace {
 
 constexpr size_t kFixedBytes = 20;
-constexpr size_t kMaxCommunity = 255;
 constexpr uint32_t kParsedValueRoom = 256;
 constexpr uint8_t kLastPduTag = 0xA7;
 

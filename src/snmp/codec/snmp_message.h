@@ -19,6 +19,7 @@
 
 namespace vndiscover {
 
+constexpr size_t kMaxCommunity = 255;     // bytes: what the one length byte can say
 constexpr size_t kMaxMessageSize = 1024;  // of the areas that callers pass to BuildSnmpMessage
 constexpr uint8_t kRequestId = 1;         // in every community-based request
 
