@@ -34,6 +34,7 @@
  *   buffer of VN_SOAP_REPLY_SIZE bytes, zero-padded; a reply of exactly that size has NO
  *   terminating zero.
  * - Both pointers belong to the module and are valid only while the message is handled: copy them.
+ * - Who handles it must not throw nor unload the module, and may make directed requests.
  * - Duplicates are not suppressed: a device that answers twice, or on two adapters, is reported
  *   twice.
  * - The end of a sweep: one message with both parameters 0. Sweeps over SNMPv3 send none: they have
@@ -295,7 +296,8 @@ VN_API int32_t GetSnmpInformation(const char* host, char* value, const char* rea
  * @param expectedType  VN_TYPE_INTEGER or VN_TYPE_OCTET_STRING. Any other: nothing is written, the
  *                      length is returned where the types agree.
  * @param timeout, retries, writeCommunity  Accepted, not used.
- * @return Bytes of the value as received; 0: no answer, another type, or the request was not sent.
+ * @return Bytes of the value as received; 0: no answer, an empty value, another type, or the
+ *         request was not sent.
  */
 VN_API int32_t GetSnmpRequest(const char* host, const char* oid, char* value, int32_t valueSize,
                               uint32_t expectedType, uint32_t timeout, uint32_t retries,

@@ -12,8 +12,9 @@ struct __cxxabiv1::__cxa_eh_globals {
 };
 
 namespace __gnu_cxx {
-void __freeres();  // of the runtime, which declares it nowhere
-}
+// Of the runtime, which declares it nowhere.
+void __freeres();  // NOLINT(bugprone-reserved-identifier)
+}  // namespace __gnu_cxx
 
 namespace {
 
