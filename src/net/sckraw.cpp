@@ -36,7 +36,8 @@ void BindV6(SOCKET handle, const char* addressText) {
             inetPton(AF_INET6, addressText, &local.sin6_addr);
         }
     }
-    bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local);  // result not looked at
+    // What the system says is not looked at.
+    static_cast<void>(bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local));
 }
 
 struct BindError {
