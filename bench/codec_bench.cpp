@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "lab.h"
-#include "snmp/ber_tags.h"
-#include "snmp/oid_text.h"
-#include "snmp/pdu.h"
-#include "snmp/snmp_message.h"
-#include "snmpv3/keys.h"
-#include "snmpv3/privacy.h"
-#include "snmpv3/vx_snmpv3.h"
+#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/oid_text.h"
+#include "snmp/codec/pdu.h"
+#include "snmp/codec/snmp_message.h"
+#include "snmpv3/codec/vx_snmpv3.h"
+#include "snmpv3/crypto/keys.h"
+#include "snmpv3/crypto/privacy.h"
 #include "vndiscover.h"
 
 namespace vndiscover {

@@ -6,9 +6,9 @@
 
 #include "cpu_clock.h"
 #include "samples.h"
-#include "snmpv3/crypto.h"
-#include "snmpv3/keys.h"
-#include "snmpv3/protocol_codes.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/keys.h"
+#include "snmpv3/crypto/protocol_codes.h"
 
 namespace vndiscover {
 namespace {

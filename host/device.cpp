@@ -2,6 +2,7 @@
 
 #include <vndiscover.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "walk_step.h"
@@ -108,7 +109,7 @@ Answer Device::GetNext(const Oid& oid) const {
 Answer Device::Set(const Oid& oid, const SetValue& value) const {
     uint8_t buffer[VN_REQUEST_VALUE_SIZE] = {};
     const auto size = static_cast<int32_t>(value.bytes.size());
-    std::memcpy(buffer, value.bytes.data(), value.bytes.size());
+    std::copy(value.bytes.begin(), value.bytes.end(), buffer);
     // Only the low byte goes out. The bit above it tells an answer of the same type from no answer.
     uint32_t type = value.type | 0x100;
     const int32_t length =

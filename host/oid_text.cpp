@@ -71,7 +71,7 @@ std::optional<Oid> DecodeOid(std::string_view octets) {
         if (oid.empty()) {
             const uint32_t first = arc < 80 ? static_cast<uint32_t>(arc / 40) : 2;
             oid.push_back(first);
-            arc -= first * 40;
+            arc -= uint64_t{first} * 40;
         }
         oid.push_back(static_cast<uint32_t>(arc));
         arc = 0;

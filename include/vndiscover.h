@@ -19,7 +19,9 @@
  * - Threads: each export blocks the thread that calls it; the module makes no thread of its own.
  *   At most one SNMP sweep and one WS-Discovery sweep at a time in a process; directed requests one
  *   at a time in a process (they share the remembered bind address). StopDiscoverSnmp and
- *   StopDiscoverSoap may be called from any thread, and from within a result message.
+ *   StopDiscoverSoap may be called from any thread, and from within a result message. A sweep that
+ *   is started within a result message of a running one of its kind does nothing and sends no final
+ *   message; within the final message the next one may start.
  *   VxPing and IsIPv6Supported may be called from any thread at any time.
  *
  * The result message, sent with SendMessageA on the sweeping thread (a window of another thread
@@ -32,6 +34,7 @@
  *   buffer of VN_SOAP_REPLY_SIZE bytes, zero-padded; a reply of exactly that size has NO
  *   terminating zero.
  * - Both pointers belong to the module and are valid only while the message is handled: copy them.
+ * - Who handles it must not throw nor unload the module, and may make directed requests.
  * - Duplicates are not suppressed: a device that answers twice, or on two adapters, is reported
  *   twice.
  * - The end of a sweep: one message with both parameters 0. Sweeps over SNMPv3 send none: they have
@@ -105,6 +108,11 @@
 #define VN_JSON_REQUEST_SIZE 2048 /* a JSON request must convert to fewer bytes than this */
 #define VN_SOAP_REPLY_SIZE 2048
 #define VN_SOAP_PROBE_MAX 2048
+#define VN_COMMUNITY_MAX 255   /* a longer one cannot be encoded */
+#define VN_REQUEST_OID_MAX 124 /* content octets of an encoded OID that is asked for */
+#define VN_USER_NAME_MAX 127   /* a USM user's name as UTF-8 */
+/** Characters of a result file's path and of an OID's text, without the terminator. */
+#define VN_TEXT_MAX 259
 
 /** What a get-next request found; the host's memory, 4,312 bytes. */
 typedef struct VnResponseRecord {
@@ -172,8 +180,10 @@ VN_API int32_t DiscoverDevicesByOID(HWND hWnd, UINT uMsg, UINT timeout, BYTE use
  *     {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
  *      "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
  *                     Without "DiscoverOID" the default OID is asked for. Text that is no JSON: no
- *                     device is delivered. One that converts to 2,048 bytes or more: nothing is
- *                     sent. In both cases the final message (0, 0) is still sent.
+ *                     device is delivered. One that converts to 2,048 bytes or more, or with a
+ *                     "DiscoverOID" of 260 characters or more: nothing is sent. In each case the
+ *                     final message (0, 0) is still sent. A name of 260 characters or more under
+ *                     "GET" is not asked for.
  */
 VN_API int32_t DiscoverDevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                                         const wchar_t* jsonRequest, const wchar_t* resultPath,
@@ -286,7 +296,8 @@ VN_API int32_t GetSnmpInformation(const char* host, char* value, const char* rea
  * @param expectedType  VN_TYPE_INTEGER or VN_TYPE_OCTET_STRING. Any other: nothing is written, the
  *                      length is returned where the types agree.
  * @param timeout, retries, writeCommunity  Accepted, not used.
- * @return Bytes of the value as received; 0: no answer, another type, or the request was not sent.
+ * @return Bytes of the value as received; 0: no answer, an empty value, another type, or the
+ *         request was not sent.
  */
 VN_API int32_t GetSnmpRequest(const char* host, const char* oid, char* value, int32_t valueSize,
                               uint32_t expectedType, uint32_t timeout, uint32_t retries,

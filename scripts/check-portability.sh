@@ -4,28 +4,19 @@
 # substitute for Visual C++, whose own headers it does not have.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
-
-TARGET=x86_64-w64-windows-gnu
-CLANG=$(command -v clang) || Die "clang is missing: run scripts/install-packages.sh as root"
-GXX=$(command -v x86_64-w64-mingw32-g++-posix || command -v x86_64-w64-mingw32-g++) ||
-    Die "no mingw g++: run scripts/install-packages.sh as root"
-headers=$(dirname "$("$GXX" -print-libgcc-file-name)")/include/c++
-deps=$("$ROOT/scripts/build-deps.sh")
+. "$ROOT/scripts/clang-windows.sh"
 cd "$ROOT"
 
 WARNINGS=(-Werror -Wall -Wextra -Wpedantic -Wmicrosoft -Wgnu -Wvla -Wlanguage-extension-token -Wgcc-compat
     -Wunknown-attributes -Wunknown-pragmas -Wextra-semi -Wnull-dereference
     -Wimplicit-fallthrough -Wzero-as-null-pointer-constant -Wundef -Wreserved-id-macro -Wcast-function-type)
-WINDOWS=("--target=$TARGET" -fsyntax-only -D_WIN32_WINNT=0x0601)
-CXX=(-x c++ -std=c++17 -isystem "$headers" -isystem "$headers/x86_64-w64-mingw32" -isystem "$headers/backward"
-    -isystem "$deps/include" -DVNDISCOVER_BUILD -DOPENSSL_SUPPRESS_DEPRECATED -Isrc -I. -Ihost)
 
 failed=0
 # Check NAME OPTION...
 Check() {
     local name=$1
     shift
-    "$CLANG" "${WINDOWS[@]}" "${WARNINGS[@]}" -Iinclude "$@" || {
+    "$CLANG" "${WINDOWS[@]}" "${WARNINGS[@]}" "$@" || {
         echo "$name: not portable" >&2
         failed=1
     }
@@ -49,6 +40,6 @@ fi
 
 mapfile -t sources < <(find src host examples -name '*.cpp' | sort)
 printf '%s\0' "${sources[@]}" | xargs -0 -n 1 -P "${VNDISCOVER_JOBS:-$(nproc)}" \
-    "$CLANG" "${WINDOWS[@]}" "${WARNINGS[@]}" "${CXX[@]}" -Iinclude || failed=1
+    "$CLANG" "${WINDOWS[@]}" "${WARNINGS[@]}" "${WINDOWS_CXX[@]}" || failed=1
 [ $failed = 0 ] || Die "see above"
 Say "${#sources[@]} sources and the header: nothing that only one compiler takes"

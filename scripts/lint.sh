@@ -1,6 +1,6 @@
 #!/bin/bash
-# lint.sh [--fix]: checks the format of all sources, then runs clang-tidy over the portable code (the native
-# build's compile commands). With --fix it formats instead. Needs clang-format and clang-tidy.
+# lint.sh [--fix]: checks the format of all sources, then reads every source of src/ and host/ with clang-tidy, for
+# the Windows target. With --fix it formats instead. Needs clang-format and clang-tidy.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -14,6 +14,6 @@ if [ "${1:-}" = --fix ]; then
 fi
 clang-format --dry-run -Werror "${sources[@]}" || Die "not formatted; scripts/lint.sh --fix does it"
 
-[ -e build/native/compile_commands.json ] || scripts/build.sh native
-mapfile -t portable < <(sed -n 's/^ *"file": "\(.*\/src\/.*\)".*/\1/p' build/native/compile_commands.json | sort -u)
-printf '%s\n' "${portable[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p build/native --quiet
+. "$ROOT/scripts/clang-windows.sh"
+git ls-files -z 'src/*.cpp' 'host/*.cpp' |
+    xargs -0 -I{} -P "${VNDISCOVER_JOBS:-$(nproc)}" clang-tidy --quiet {} -- "${WINDOWS[@]}" "${WINDOWS_CXX[@]}"

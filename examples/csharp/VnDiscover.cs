@@ -55,6 +55,10 @@ public static class VnDiscover
     public const int VN_JSON_REQUEST_SIZE = 2048;
     public const int VN_SOAP_REPLY_SIZE = 2048;
     public const int VN_SOAP_PROBE_MAX = 2048;
+    public const int VN_COMMUNITY_MAX = 255;
+    public const int VN_REQUEST_OID_MAX = 124;
+    public const int VN_USER_NAME_MAX = 127;
+    public const int VN_TEXT_MAX = 259;
 
     // A new one is all zeroes: what GetNextSnmpRequestV3 asks for.
     [StructLayout(LayoutKind.Sequential, Pack = 2)]

@@ -2,6 +2,7 @@
 #include <memory>
 #include <new>
 
+#include "interface/exception_state.h"
 #include "interface/module.h"
 #include "snmp/bind_address.h"
 #include "support/debug_switches.h"
@@ -28,6 +29,7 @@ Manager* Create(Table Manager::*table) noexcept {
 }
 
 void Attach(HINSTANCE module) {
+    OpenExceptionState();
     g_hModule = module;
     g_snmpMgr = Create(&VxSnmpMgr::devices);
     g_soapMgr = Create(&VxSoapMgr::results);
@@ -47,32 +49,16 @@ void ForgetAdapterRows() {
 }  // namespace
 }  // namespace vndiscover
 
-#ifdef __GLIBCXX__
-namespace __gnu_cxx {
-void __freeres();  // of the runtime, which declares it nowhere
-}
-#endif
-
-namespace {
-
-// The statically linked C++ runtime keeps 73 KB for exceptions that find no memory. It gives them
-// back to nobody when a DLL goes, and a host may load and unload this one often.
-void FreeRuntimeReserve() {
-#ifdef __GLIBCXX__
-    __gnu_cxx::__freeres();
-#endif
-}
-
-}  // namespace
-
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved) {
     using namespace vndiscover;
     // On every notification, thread starts and ends too: so a change of the registry takes effect.
     LoadDebugSwitches("VnInst", 0);
+    if (reason == DLL_THREAD_DETACH) ForgetThreadsExceptions();
     if (reason != DLL_PROCESS_ATTACH && reason != DLL_PROCESS_DETACH) return TRUE;
     if (reason == DLL_PROCESS_ATTACH) Attach(module);
     if (reason == DLL_PROCESS_DETACH) Detach();
     ForgetAdapterRows();
-    if (reason == DLL_PROCESS_DETACH) FreeRuntimeReserve();  // last: nothing may throw from here on
+    // Where the process ends, the system takes everything back.
+    if (reason == DLL_PROCESS_DETACH && !reserved) CloseExceptionState();
     return TRUE;
 }

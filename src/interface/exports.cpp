@@ -1,7 +1,7 @@
 // The flat table of exports: each is one conversion and one call.
 #include "vndiscover.h"
 
-#include <string>
+#include <memory>
 
 #include "interface/module.h"
 #include "net/pinger.h"
@@ -24,13 +24,19 @@ Result AtBoundary(Result onFailure, Work&& work) noexcept {
     }
 }
 
-int32_t Sweep(const char* oid, HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
-              const wchar_t* resultPath, const wchar_t* readCommunity,
-              const wchar_t* writeCommunity, const char* jsonRequest) {
-    const std::string read = WideToAnsi(readCommunity);
-    const std::string write = WideToAnsi(writeCommunity);
-    return g_snmpMgr->Discover(oid, hWnd, uMsg, timeout, useIPv6, resultPath, read.c_str(),
-                               write.c_str(), jsonRequest);
+// For the exports that need one of the process's managers; without it they do nothing.
+template <class Manager, class Work>
+int32_t With(Manager* manager, Work&& work) noexcept {
+    return AtBoundary(0, [&] { return manager ? work(*manager) : 0; });
+}
+
+// A directed request makes a manager for itself. Without a host it asks nobody.
+template <class Work>
+int32_t OnOwnManager(const char* host, Work&& work) noexcept {
+    return AtBoundary(0, [&] {
+        const auto manager = std::make_unique<VxSnmpMgr>();
+        return host ? work(*manager) : 0;
+    });
 }
 
 }  // namespace
@@ -39,54 +45,54 @@ extern "C" {
 
 int32_t DiscoverDevices(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const wchar_t* resultPath,
                         const wchar_t* readCommunity, const wchar_t* writeCommunity) {
-    if (!g_snmpMgr) return 0;
-    return AtBoundary(0, [&] {
-        return Sweep(kDefaultDiscoveryOid, hWnd, uMsg, timeout, useIPv6, resultPath, readCommunity,
-                     writeCommunity, nullptr);
+    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
+        return manager.Discover(VN_DEFAULT_DISCOVERY_OID, hWnd, uMsg, timeout, useIPv6, resultPath,
+                                WideToAnsi(readCommunity).c_str(),
+                                WideToAnsi(writeCommunity).c_str(), nullptr);
     });
 }
 
 int32_t DiscoverDevicesByOID(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const wchar_t* oid,
                              const wchar_t* resultPath, const wchar_t* readCommunity,
                              const wchar_t* writeCommunity) {
-    if (!g_snmpMgr) return 0;
-    return AtBoundary(0, [&] {
-        return Sweep(WideToAnsi(oid).c_str(), hWnd, uMsg, timeout, useIPv6, resultPath,
-                     readCommunity, writeCommunity, nullptr);
+    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
+        return manager.Discover(WideToAnsi(oid).c_str(), hWnd, uMsg, timeout, useIPv6, resultPath,
+                                WideToAnsi(readCommunity).c_str(),
+                                WideToAnsi(writeCommunity).c_str(), nullptr);
     });
 }
 
 int32_t DiscoverDevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                                  const wchar_t* jsonRequest, const wchar_t* resultPath,
                                  const wchar_t* readCommunity, const wchar_t* writeCommunity) {
-    if (!g_snmpMgr) return 0;
-    return AtBoundary(0, [&] {
-        return Sweep("", hWnd, uMsg, timeout, useIPv6, resultPath, readCommunity, writeCommunity,
-                     WideToAnsi(jsonRequest).c_str());
+    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
+        return manager.Discover(
+            "", hWnd, uMsg, timeout, useIPv6, resultPath, WideToAnsi(readCommunity).c_str(),
+            WideToAnsi(writeCommunity).c_str(), WideToAnsi(jsonRequest).c_str());
     });
 }
 
 int32_t DiscoverSnmp(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const char* readCommunity,
                      const char* writeCommunity) {
-    if (!g_snmpMgr) return 0;
-    return AtBoundary(0, [&] {
-        return g_snmpMgr->Discover(kDefaultDiscoveryOid, hWnd, uMsg, timeout, useIPv6, nullptr,
-                                   readCommunity, writeCommunity, nullptr);
+    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
+        return manager.Discover(VN_DEFAULT_DISCOVERY_OID, hWnd, uMsg, timeout, useIPv6, nullptr,
+                                readCommunity, writeCommunity, nullptr);
     });
 }
 
-int32_t StopDiscoverSnmp(void) { return g_snmpMgr ? g_snmpMgr->StopDiscover() : 0; }
+int32_t StopDiscoverSnmp(void) {
+    return With(g_snmpMgr, [](VxSnmpMgr& manager) { return manager.StopDiscover(); });
+}
 
 int32_t DiscoverSnmpV3(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const wchar_t* userName,
                        BYTE useAuth, const wchar_t* authPassword, BYTE usePriv,
                        const wchar_t* privPassword, const wchar_t* authProtocol,
                        const wchar_t* privProtocol) {
-    if (!g_snmpMgr) return 0;
-    return AtBoundary(0, [&] {
-        const SecuritySettings security(userName, useAuth, authPassword, usePriv, privPassword,
-                                        authProtocol, privProtocol);
-        return DiscoverV3(*g_snmpMgr, kDefaultDiscoveryOid, hWnd, uMsg, timeout, useIPv6, nullptr,
-                          security);
+    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
+        return DiscoverV3(manager, {hWnd, uMsg, timeout, useIPv6, nullptr},
+                          VN_DEFAULT_DISCOVERY_OID, nullptr,
+                          SecuritySettings({userName, useAuth, authPassword, usePriv, privPassword,
+                                            authProtocol, privProtocol}));
     });
 }
 
@@ -95,22 +101,23 @@ int32_t DiscoverV3DevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useI
                                    BYTE useAuth, const wchar_t* authPassword, BYTE usePriv,
                                    const wchar_t* privPassword, const wchar_t* authProtocol,
                                    const wchar_t* privProtocol) {
-    if (!g_snmpMgr) return 0;
-    return AtBoundary(0, [&] {
-        const SecuritySettings security(userName, useAuth, authPassword, usePriv, privPassword,
-                                        authProtocol, privProtocol);
-        return DiscoverV3(*g_snmpMgr, nullptr, hWnd, uMsg, timeout, useIPv6,
-                          WideToUtf8(jsonRequest).c_str(), security);
+    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
+        return DiscoverV3(manager, {hWnd, uMsg, timeout, useIPv6, nullptr}, nullptr,
+                          WideToUtf8(jsonRequest).c_str(),
+                          SecuritySettings({userName, useAuth, authPassword, usePriv, privPassword,
+                                            authProtocol, privProtocol}));
     });
 }
 
 int32_t DiscoverSoap(HWND hWnd, UINT uMsg, UINT timeout, const char* probe, int32_t probeLength) {
-    if (!g_soapMgr) return 0;
-    return AtBoundary(
-        0, [&] { return g_soapMgr->Discover(hWnd, uMsg, timeout, false, probe, probeLength); });
+    return With(g_soapMgr, [&](VxSoapMgr& manager) {
+        return manager.Discover(hWnd, uMsg, timeout, false, probe, probeLength);
+    });
 }
 
-int32_t StopDiscoverSoap(void) { return g_soapMgr ? g_soapMgr->StopDiscover() : 0; }
+int32_t StopDiscoverSoap(void) {
+    return With(g_soapMgr, [](VxSoapMgr& manager) { return manager.StopDiscover(); });
+}
 
 int32_t DiscoverHttp(void) { return 0; }
 int32_t DiscoverBonjour(void) { return 0; }
@@ -118,39 +125,44 @@ int32_t GetBonjourInformation(void) { return 0; }
 
 int32_t GetSnmpInformation(const char* host, char* value, const char* readCommunity,
                            const char* writeCommunity) {
-    return GetSnmpRequest(host, kDefaultDiscoveryOid, value, kInformationSize, kTagOctetString, 0,
-                          0, readCommunity, writeCommunity);
+    return GetSnmpRequest(host, VN_DEFAULT_DISCOVERY_OID, value, VN_INFORMATION_SIZE,
+                          VN_TYPE_OCTET_STRING, 0, 0, readCommunity, writeCommunity);
 }
 
 int32_t GetSnmpRequest(const char* host, const char* oid, char* value, int32_t valueSize,
                        uint32_t expectedType, uint32_t /*timeout*/, uint32_t /*retries*/,
                        const char* readCommunity, const char* writeCommunity) {
     return AtBoundary(0, [&] {
-        return RequestText(host, oid, value, valueSize, expectedType, readCommunity,
-                           writeCommunity);
+        return RequestText(host, oid, {value, valueSize}, expectedType,
+                           {readCommunity, writeCommunity});
     });
 }
 
 int32_t GetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueSize,
                           uint32_t* valueType, uint32_t /*timeout*/, uint32_t /*retries*/,
                           const char* readCommunity, const char* writeCommunity) {
-    return AtBoundary(0, [&] {
-        return RequestRaw(host, oid, value, valueSize, valueType, readCommunity, writeCommunity);
+    return OnOwnManager(host, [&](VxSnmpMgr& manager) {
+        return manager.GetInformation(oid, host, reinterpret_cast<char*>(value), valueSize,
+                                      valueType, kRequestWaitMs, kRequestAttempts, readCommunity,
+                                      writeCommunity, nullptr);
     });
 }
 
 int32_t GetNextSnmpRequestRaw(const char* host, const char* oid, VnResponseRecord* record,
                               uint32_t /*timeout*/, uint32_t /*retries*/, const char* readCommunity,
                               const char* writeCommunity) {
-    return AtBoundary(
-        0, [&] { return RequestNext(host, oid, record, readCommunity, writeCommunity); });
+    return OnOwnManager(host, [&](VxSnmpMgr& manager) {
+        return manager.GetInformation1(oid, host, record, kRequestWaitMs, kRequestAttempts,
+                                       readCommunity, writeCommunity, nullptr, kPduGetNextRequest);
+    });
 }
 
 int32_t SetSnmpRequestRaw(const char* host, const char* oid, uint8_t* value, int32_t valueLength,
                           uint32_t* valueType, uint32_t /*timeout*/, uint32_t /*retries*/,
                           const char* readCommunity, const char* writeCommunity) {
-    return AtBoundary(0, [&] {
-        return RequestSet(host, oid, value, valueLength, valueType, readCommunity, writeCommunity);
+    return OnOwnManager(host, [&](VxSnmpMgr& manager) {
+        return manager.SetInformationByStr(oid, host, value, valueLength, valueType, kRequestWaitMs,
+                                           kRequestAttempts, readCommunity, writeCommunity);
     });
 }
 
@@ -160,9 +172,9 @@ int32_t GetSnmpRequestV3(const char* host, const char* oid, char* value, int32_t
                          BYTE usePriv, const wchar_t* privPassword, const wchar_t* authProtocol,
                          const wchar_t* privProtocol) {
     return AtBoundary(0, [&] {
-        const SecuritySettings security(userName, useAuth, authPassword, usePriv, privPassword,
-                                        authProtocol, privProtocol);
-        return RequestTextV3(host, oid, value, valueSize, valueType, security);
+        return RequestTextV3(host, oid, {value, valueSize}, valueType,
+                             SecuritySettings({userName, useAuth, authPassword, usePriv,
+                                               privPassword, authProtocol, privProtocol}));
     });
 }
 
@@ -172,9 +184,9 @@ int32_t GetNextSnmpRequestV3(const char* host, const char* oid, VnResponseRecord
                              const wchar_t* privPassword, const wchar_t* authProtocol,
                              const wchar_t* privProtocol) {
     return AtBoundary(0, [&] {
-        const SecuritySettings security(userName, useAuth, authPassword, usePriv, privPassword,
-                                        authProtocol, privProtocol);
-        return RequestNextV3(host, oid, record, security);
+        return RequestNextV3(host, oid, record,
+                             SecuritySettings({userName, useAuth, authPassword, usePriv,
+                                               privPassword, authProtocol, privProtocol}));
     });
 }
 

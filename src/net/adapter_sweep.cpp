@@ -1,22 +1,9 @@
 #include "net/adapter_sweep.h"
 
-#include <memory>
-
-#include "net/adapter_table.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
 namespace {
-
-// No socket stays open behind its phase, however that ends.
-class CloseOnExit {
-  public:
-    explicit CloseOnExit(OwnedSocket& sock) : sock_(sock) {}
-    ~CloseOnExit() { sock_.Reset(); }
-
-  private:
-    OwnedSocket& sock_;
-};
 
 void Open(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress) {
     sock = socket.CreateSocket(SOCK_DGRAM, probe.protocol, probe.family, probe.socketTimeoutMs,
@@ -25,62 +12,60 @@ void Open(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bin
     if (sock) SCKRAW::RaiseReceiveBuffer(sock.Get());
 }
 
-void SendAndRun(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress,
-                bool isLast, const SweepPhase& phase) {
-    const CloseOnExit close(sock);
-    // A socket that did not open is not told apart: the send on it fails and says so.
+// A socket that did not open is not told apart: the send on it fails and says so.
+bool Send(SCKRAW& socket, OwnedSocket& sock, const Probe& probe) {
     if (socket.SendToSocket(sock, probe.target, probe.port, probe.data, probe.length) != -1) {
-        phase(bindAddress, isLast);
-    } else {
-        DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
+        return true;
     }
-}
-
-void SweepIPv4(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase) {
-    const auto adapters = std::make_unique<AdapterTable>();
-    const uint32_t count = adapters->LoadIPv4Addresses();
-    for (uint32_t i = 0; i < count; ++i) {
-        char address[kAdapterTextSize] = {};
-        char mask[kAdapterTextSize] = {};
-        char description[kAdapterTextSize] = {};
-        adapters->GetIPv4Address(i, address, mask, description);
-        DebugLogA("NIC [%d]\n", static_cast<int>(i));
-        DebugLogA("   IP   = [%s, %s]\n", address, mask);
-        DebugLogA("   DESC = [%s]\n", description);
-        SweepFrom(socket, sock, probe, address, i + 1 == count, phase);
-    }
-}
-
-void SweepIPv6(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase) {
-    const auto adapters = std::make_unique<AdapterTable>();
-    const uint32_t count = adapters->LoadIPv6LinkLocal();
-    DebugLogA("-------------- ...nCount [%d]\n", static_cast<int>(count));
-    for (uint32_t i = 0; i < count; ++i) {
-        sockaddr_in6 address = {};
-        adapters->GetIPv6Address(i, &address);
-        char text[kIPv6AddressTextSize] = {};
-        AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, text, sizeof text);
-        Open(socket, sock, probe, text);
-        DebugLogA("IPADDRESS .... %s", text);
-        SendAndRun(socket, sock, probe, text, true,
-                   phase);  // Kept: each one is told it is the last.
-    }
+    DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
+    sock.Reset();
+    return false;
 }
 
 }  // namespace
 
-void SweepFrom(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress,
-               bool isLast, const SweepPhase& phase) {
+bool SendProbe(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress) {
     Open(socket, sock, probe, bindAddress);
-    SendAndRun(socket, sock, probe, bindAddress, isLast, phase);
+    return Send(socket, sock, probe);
 }
 
-void SweepAdapters(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase) {
-    if (probe.family == AF_INET6) {
-        SweepIPv6(socket, sock, probe, phase);
+AdapterSweep::AdapterSweep(SCKRAW& socket, OwnedSocket& sock, const Probe& probe)
+    : socket_(socket), sock_(sock), probe_(probe), adapters_(std::make_unique<AdapterTable>()) {
+    if (probe_.family == AF_INET6) {
+        count_ = adapters_->LoadIPv6LinkLocal();
+        DebugLogA("-------------- ...nCount [%d]\n", static_cast<int>(count_));
     } else {
-        SweepIPv4(socket, sock, probe, phase);
+        count_ = adapters_->LoadIPv4Addresses();
     }
+}
+
+bool AdapterSweep::Next() {
+    sock_.Reset();
+    while (next_ < count_) {
+        const uint32_t index = next_++;
+        if (probe_.family == AF_INET6 ? SendFromIPv6(index) : SendFromIPv4(index)) return true;
+    }
+    return false;
+}
+
+bool AdapterSweep::SendFromIPv4(uint32_t index) {
+    char mask[kAdapterTextSize] = {};
+    char description[kAdapterTextSize] = {};
+    adapters_->GetIPv4Address(index, address_, mask, description);
+    DebugLogA("NIC [%d]\n", static_cast<int>(index));
+    DebugLogA("   IP   = [%s, %s]\n", address_, mask);
+    DebugLogA("   DESC = [%s]\n", description);
+    return SendProbe(socket_, sock_, probe_, address_);
+}
+
+bool AdapterSweep::SendFromIPv6(uint32_t index) {
+    sockaddr_in6 address = {};
+    adapters_->GetIPv6Address(index, &address);
+    address_[0] = '\0';
+    AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, address_, kIPv6AddressTextSize);
+    Open(socket_, sock_, probe_, address_);
+    DebugLogA("IPADDRESS .... %s", address_);
+    return Send(socket_, sock_, probe_);
 }
 
 }  // namespace vndiscover

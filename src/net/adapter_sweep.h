@@ -1,8 +1,9 @@
-// Sends one datagram from every address of the host and runs a phase behind each send.
+// Sends one datagram from every address of the host.
 #pragma once
 
-#include <functional>
+#include <memory>
 
+#include "net/adapter_table.h"
 #include "net/sckraw.h"
 
 namespace vndiscover {
@@ -17,16 +18,41 @@ struct Probe {
     int socketTimeoutMs;  // for CreateSocket
 };
 
-// Runs on the socket that has just sent, while it is open. isLast: no address follows.
-using SweepPhase = std::function<void(const char* bindAddress, bool isLast)>;
+// Opens `sock` on the local address and sends. False: the send failed, which is logged, and `sock`
+// is empty.
+bool SendProbe(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress);
 
-// For each address of the probe's family: open `sock` bound to it, send, run phase, close. An
-// address whose send fails is logged and skipped. `socket` makes the sockets; `sock` is empty
-// between addresses.
-void SweepAdapters(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const SweepPhase& phase);
+// The addresses of the probe's family, one after the other:
+//
+//     while (adapters.Next()) ...  // the probe has left from Address(), `sock` is open for answers
+//
+// What is passed in must outlive it. Throws std::bad_alloc.
+class AdapterSweep {
+  public:
+    AdapterSweep(SCKRAW& socket, OwnedSocket& sock, const Probe& probe);  // lists the addresses
+    ~AdapterSweep() { sock_.Reset(); }
+    AdapterSweep(const AdapterSweep&) = delete;
+    AdapterSweep& operator=(const AdapterSweep&) = delete;
 
-// The same for one local IPv4 address.
-void SweepFrom(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress,
-               bool isLast, const SweepPhase& phase);
+    // Closes `sock` and sends from the next address, past those whose send fails. False: there is
+    // none left.
+    bool Next();
+
+    const char* Address() const { return address_; }
+    // Kept: each IPv6 address is told that it is the last.
+    bool IsLast() const { return probe_.family == AF_INET6 || next_ == count_; }
+
+  private:
+    bool SendFromIPv4(uint32_t index);
+    bool SendFromIPv6(uint32_t index);
+
+    SCKRAW& socket_;
+    OwnedSocket& sock_;
+    const Probe probe_;
+    const std::unique_ptr<AdapterTable> adapters_;  // too large for a host's stack
+    uint32_t count_ = 0;
+    uint32_t next_ = 0;
+    char address_[kAdapterTextSize] = {};
+};
 
 }  // namespace vndiscover

@@ -19,38 +19,50 @@ bool TookNothing(int error) { return error != 0 && error != WSAEMSGSIZE; }
 
 }  // namespace
 
-void CollectDatagrams(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
-                      const StopRequest& stop, const std::function<bool(const Datagram&)>& take) {
-    const DWORD started = GetTickCount();
-    const bool takesQueued = SCKRAW::StopBlocking(sock);
-    bool keepGoing = true;
-    uint32_t errorsInARow = 0;
-    do {
-        uint8_t buffer[kMaxDatagram + 1] = {};
-        char sender[kSenderTextSize] = {};
-        socket.lastError = 0;  // so that an empty datagram is not read as the last wait's silence
-        int received = 0;
-        if (!takesQueued || !socket.TakeQueued(sock, buffer, kMaxDatagram, sender, received)) {
-            received = socket.RecvFromSocket(sock, buffer, kMaxDatagram, sender, limits.waitMs);
+bool DatagramCollector::Next(Datagram& datagram) {
+    while (!IsOver()) {
+        Receive(datagram);
+        if (datagram.length >= 1) {
+            errorsInARow_ = 0;
+            CutZone(datagram.sender);
+            DebugLogA("tszRecvAddr = [%s]\n", datagram.sender);
+            return true;
         }
-        if (received >= 1) {
-            errorsInARow = 0;
-            CutZone(sender);
-            DebugLogA("tszRecvAddr = [%s]\n", sender);
-            if (!take(Datagram{buffer, received, sender})) return;
-        } else if (socket.lastError == SCKRAW_ERROR_TIMEOUT) {
-            if (limits.logsTimeouts) DebugLogA("tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n");
-            keepGoing = false;
-        } else if (socket.lastError == WSANOTINITIALISED) {
-            DebugLogA("tszRecvAddr = WSAStartup failed\n");
-            keepGoing = false;
-        } else if (TookNothing(socket.lastError) && ++errorsInARow > 1) {
-            // One error (an unreachable port) passes. A socket that fails again and again does so
-            // without waiting, and must not keep a core busy until the time is up.
-            Sleep(kErrorPauseMs);
-        }
-        if (stop.load(std::memory_order_relaxed) != 0 || !keepGoing) return;
-    } while (GetTickCount() - started < limits.totalMs);
+        if (!GoesOnAfter(socket_.lastError)) return false;
+    }
+    return false;
+}
+
+bool DatagramCollector::IsOver() const {
+    return hasWaited_ && (stop_.load(std::memory_order_relaxed) != 0 ||
+                          GetTickCount() - started_ >= limits_.totalMs);
+}
+
+void DatagramCollector::Receive(Datagram& datagram) {
+    hasWaited_ = true;
+    datagram = {};
+    socket_.lastError = 0;  // so that an empty datagram is not read as the last wait's silence
+    if (takesQueued_ &&
+        socket_.TakeQueued(sock_, datagram.data, kMaxDatagram, datagram.sender, datagram.length)) {
+        return;
+    }
+    datagram.length =
+        socket_.RecvFromSocket(sock_, datagram.data, kMaxDatagram, datagram.sender, limits_.waitMs);
+}
+
+bool DatagramCollector::GoesOnAfter(int error) {
+    if (error == SCKRAW_ERROR_TIMEOUT) {
+        if (limits_.logsTimeouts) DebugLogA("tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n");
+        return false;
+    }
+    if (error == WSANOTINITIALISED) {
+        DebugLogA("tszRecvAddr = WSAStartup failed\n");
+        return false;
+    }
+    // One error (an unreachable port) passes. A socket that fails again and again does so without
+    // waiting, and must not keep a core busy until the time is up.
+    if (TookNothing(error) && ++errorsInARow_ > 1) Sleep(kErrorPauseMs);
+    return true;
 }
 
 }  // namespace vndiscover

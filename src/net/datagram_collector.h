@@ -3,16 +3,16 @@
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 
 #include "net/sckraw.h"
 
 namespace vndiscover {
 
+// A received datagram with its room.
 struct Datagram {
-    uint8_t* data;       // kMaxDatagram bytes, zero behind the datagram, and one zero byte more
-    int length;          // 1 to kMaxDatagram
-    const char* sender;  // numeric address without zone suffix
+    uint8_t data[kMaxDatagram + 1];  // zero after the datagram
+    int length;                      // 1 to kMaxDatagram
+    char sender[kSenderTextSize];    // numeric address
 };
 
 struct CollectionLimits {
@@ -24,9 +24,35 @@ struct CollectionLimits {
 // A stop request: a byte that another thread, or the host within a result message, may write.
 using StopRequest = std::atomic<uint8_t>;
 
-// Receives until a wait passes silently, totalMs have gone by, `stop` is set, the sockets are not
-// initialised, or `take` returns false (it can hold no more). Other receive errors do not end it.
-void CollectDatagrams(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
-                      const StopRequest& stop, const std::function<bool(const Datagram&)>& take);
+// What arrives on a socket from now on:
+//
+//     for (Datagram answer; answers.Next(answer);) ...
+//
+// What is passed in must outlive it.
+class DatagramCollector {
+  public:
+    DatagramCollector(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
+                      const StopRequest& stop)
+        : socket_(socket), sock_(sock), limits_(limits), stop_(stop) {}
+
+    // Waits for the next datagram; the sender goes without its zone suffix. False: a wait passed
+    // silently, totalMs have gone by, `stop` is set, or the sockets are not initialised. The first
+    // call waits in any case. Other receive errors do not end it.
+    bool Next(Datagram& datagram);
+
+  private:
+    bool IsOver() const;
+    void Receive(Datagram& datagram);
+    bool GoesOnAfter(int error);
+
+    SCKRAW& socket_;
+    const SOCKET sock_;
+    const CollectionLimits limits_;
+    const StopRequest& stop_;
+    const DWORD started_ = GetTickCount();
+    const bool takesQueued_ = SCKRAW::StopBlocking(sock_);
+    bool hasWaited_ = false;
+    uint32_t errorsInARow_ = 0;
+};
 
 }  // namespace vndiscover

@@ -26,11 +26,11 @@ uint32_t TargetV4(const char* address) {
 
 }  // namespace
 
-Pinger::Pinger() : ipHelper_(L"IPHLPAPI.DLL"), library_(L"ICMP.DLL") {
-    createFile_ = library_.Find<CreateFileFunction>("IcmpCreateFile");
-    closeHandle_ = library_.Find<CloseHandleFunction>("IcmpCloseHandle");
-    sendEcho_ = library_.Find<SendEchoFunction>("IcmpSendEcho");
-    if (!createFile_ || !closeHandle_ || !sendEcho_) return;
+Pinger::Pinger() {
+    createFile = library.Find<CreateFileFunction>("IcmpCreateFile");
+    closeHandle = library.Find<CloseHandleFunction>("IcmpCloseHandle");
+    sendEcho = library.Find<SendEchoFunction>("IcmpSendEcho");
+    if (!createFile || !closeHandle || !sendEcho) return;
     WSADATA data;
     // Kept: started twice and cleaned up once, which leaves one reference behind.
     (void)WSAStartup(MAKEWORD(1, 1), &data);
@@ -38,11 +38,11 @@ Pinger::Pinger() : ipHelper_(L"IPHLPAPI.DLL"), library_(L"ICMP.DLL") {
         WSACleanup();
         return;
     }
-    ready_ = true;
+    ready = 1;
 }
 
 Pinger::~Pinger() {
-    if (ready_) WSACleanup();  // a reference that was never taken would be the host's
+    if (ready) WSACleanup();  // a reference that was never taken would be the host's
 }
 
 int Pinger::Ping(const char* address, uint32_t timeoutMs) {
@@ -51,28 +51,28 @@ int Pinger::Ping(const char* address, uint32_t timeoutMs) {
 }
 
 int Pinger::EchoV4(const char* address, uint32_t timeoutMs) {
-    if (!ready_) return 0;
+    if (!ready) return 0;
     const uint32_t target = TargetV4(address);
     if (target == INADDR_NONE) return 0;
-    const HANDLE handle = createFile_();
+    const HANDLE handle = createFile();
     if (handle == INVALID_HANDLE_VALUE) return 0;
     ReplyV4 reply = {};
     char payload[sizeof kPayload];
     std::memcpy(payload, kPayload, sizeof payload);  // the call takes writable memory
-    const DWORD replies = sendEcho_(handle, target, payload, kPayloadBytes, nullptr, reply.bytes,
-                                    sizeof reply.bytes, timeoutMs);
+    const DWORD replies = sendEcho(handle, target, payload, kPayloadBytes, nullptr, reply.bytes,
+                                   sizeof reply.bytes, timeoutMs);
     DebugLogW(L"IcmpSendEcho dwRetVal = %d\n", static_cast<int>(replies));
     ICMP_ECHO_REPLY first;
     std::memcpy(&first, reply.bytes, sizeof first);
-    closeHandle_(handle);
+    closeHandle(handle);
     return replies != 0 && first.Status == IP_SUCCESS ? 1 : 0;
 }
 
 int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
-    if (!ready_ || !ipHelper_) return 0;
-    const auto create = ipHelper_.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
-    const auto sendEcho = ipHelper_.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
-    if (!create || !sendEcho) return 0;  // there are systems that offer neither
+    if (!ready || !ipHelper) return 0;
+    const auto createFileV6 = ipHelper.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
+    const auto sendEchoV6 = ipHelper.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
+    if (!createFileV6 || !sendEchoV6) return 0;  // there are systems that offer neither
 
     OwnedAddressList target;
     if (getaddrinfo(address, nullptr, nullptr, target.Receive()) != 0) return 0;
@@ -86,13 +86,13 @@ int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
     IP_OPTION_INFORMATION options = {};
     options.Ttl = kTimeToLive;
 
-    const HANDLE handle = create();
+    const HANDLE handle = createFileV6();
     if (handle == INVALID_HANDLE_VALUE) return 0;
     alignas(8) uint8_t reply[kReplyBytesV6] = {};
     uint8_t noData = 0;
-    const DWORD replies = sendEcho(handle, nullptr, nullptr, nullptr, &source, &destination,
-                                   &noData, 0, &options, reply, sizeof reply, timeoutMs);
-    closeHandle_(handle);
+    const DWORD replies = sendEchoV6(handle, nullptr, nullptr, nullptr, &source, &destination,
+                                     &noData, 0, &options, reply, sizeof reply, timeoutMs);
+    closeHandle(handle);
     return replies != 0 ? 1 : 0;  // Kept: unlike IPv4, the reply's status is not examined.
 }
 

@@ -31,13 +31,14 @@ class Pinger {
     using CloseHandleFunction = decltype(&IcmpCloseHandle);
     using SendEchoFunction = decltype(&IcmpSendEcho);
 
-    // Held first: ICMP.DLL only forwards to it by name, and would else take a file beside the host.
-    SystemLibrary ipHelper_;
-    SystemLibrary library_;
-    CreateFileFunction createFile_ = nullptr;
-    CloseHandleFunction closeHandle_ = nullptr;
-    SendEchoFunction sendEcho_ = nullptr;
-    bool ready_ = false;
+    // Held before `library`: ICMP.DLL only forwards to it by name, and would else take a file
+    // beside the host.
+    SystemLibrary ipHelper{L"IPHLPAPI.DLL"};
+    CreateFileFunction createFile = nullptr;
+    CloseHandleFunction closeHandle = nullptr;
+    SendEchoFunction sendEcho = nullptr;
+    SystemLibrary library{L"ICMP.DLL"};
+    int32_t ready = 0;  // 1: all functions are there and WinSock is started
 };
 
 }  // namespace vndiscover

@@ -1,5 +1,6 @@
 #include "net/sckraw.h"
 
+#include <atomic>
 #include <cstring>
 
 #include "support/copy_text.h"
@@ -35,35 +36,24 @@ void BindV6(SOCKET handle, const char* addressText) {
             inetPton(AF_INET6, addressText, &local.sin6_addr);
         }
     }
-    bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local);  // result not looked at
+    // What the system says is not looked at.
+    static_cast<void>(bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local));
 }
 
-const char* BindErrorName(int error) {
-    switch (error) {
-        case WSAEACCES:
-            return "   WSAEACCES\n";
-        case WSAEFAULT:
-            return "   WSAEFAULT\n";
-        case WSAEINVAL:
-            return "   WSAEINVAL\n";
-        case WSAEINPROGRESS:
-            return "   WSAEINPROGRESS\n";
-        case WSAENOTSOCK:
-            return "   WSAENOTSOCK\n";
-        case WSAEADDRINUSE:
-            return "   WSAEADDRINUSE\n";
-        case WSAEADDRNOTAVAIL:
-            return "   WSAEADDRNOTAVAIL\n";
-        case WSAENETDOWN:
-            return "   WSAENETDOWN\n";
-        case WSAENOBUFS:
-            return "   WSAENOBUFS\n";
-        case WSANOTINITIALISED:
-            return "   WSANOTINITIALISED\n";
-        default:
-            return nullptr;
-    }
-}
+struct BindError {
+    int code;
+    const char* line;
+};
+constexpr BindError kBindErrors[] = {{WSAEACCES, "   WSAEACCES\n"},
+                                     {WSAEFAULT, "   WSAEFAULT\n"},
+                                     {WSAEINVAL, "   WSAEINVAL\n"},
+                                     {WSAEINPROGRESS, "   WSAEINPROGRESS\n"},
+                                     {WSAENOTSOCK, "   WSAENOTSOCK\n"},
+                                     {WSAEADDRINUSE, "   WSAEADDRINUSE\n"},
+                                     {WSAEADDRNOTAVAIL, "   WSAEADDRNOTAVAIL\n"},
+                                     {WSAENETDOWN, "   WSAENETDOWN\n"},
+                                     {WSAENOBUFS, "   WSAENOBUFS\n"},
+                                     {WSANOTINITIALISED, "   WSANOTINITIALISED\n"}};
 
 // False: the wait passed silently. A failed wait is left to the receive that follows to report.
 bool WaitForDatagram(SOCKET handle, int timeoutMs) {
@@ -74,21 +64,17 @@ bool WaitForDatagram(SOCKET handle, int timeoutMs) {
     return select(0, &readable, nullptr, nullptr, &wait) != 0;
 }
 
-void WriteSenderText(const SCKRAW::Received& received, char* fromAddress) {
+// Bytes received, or SOCKET_ERROR.
+int ReceiveNow(SOCKET handle, void* buffer, int size, char* fromAddress) {
+    sockaddr_storage sender = {};
+    int senderLength = sizeof sender;
+    auto* const from = reinterpret_cast<sockaddr*>(&sender);
+    const int received = recvfrom(handle, static_cast<char*>(buffer), size, 0, from, &senderLength);
+    if (received == SOCKET_ERROR || !fromAddress) return received;
     char host[kSenderTextSize] = {};
-    if (getnameinfo(reinterpret_cast<const sockaddr*>(&received.sender), received.senderLength,
-                    host, sizeof host, nullptr, 0, NI_NUMERICHOST) == 0) {
+    if (getnameinfo(from, senderLength, host, sizeof host, nullptr, 0, NI_NUMERICHOST) == 0) {
         CopyText(fromAddress, kSenderTextSize, host);
     }
-}
-
-SCKRAW::Received ReceiveNow(SOCKET handle, void* buffer, int size) {
-    SCKRAW::Received received = {};
-    received.senderLength = sizeof received.sender;
-    received.length =
-        recvfrom(handle, static_cast<char*>(buffer), size, 0,
-                 reinterpret_cast<sockaddr*>(&received.sender), &received.senderLength);
-    if (received.length == SOCKET_ERROR) received.error = WSAGetLastError();
     return received;
 }
 
@@ -109,6 +95,12 @@ SCKRAW::~SCKRAW() {
     DebugLogA("SCKRAW::~SCKRAW() [%d]\n", static_cast<int>(sock.Get()));
     sock.Reset();
     WSACleanup();
+}
+
+void SCKRAW::KeepStarted() {
+    static std::atomic<bool> isKept{false};
+    WSADATA data;
+    if (!isKept.exchange(true) && WSAStartup(MAKEWORD(2, 0), &data) != 0) isKept = false;
 }
 
 OwnedSocket SCKRAW::CreateSocket(int type, int protocol, int addressFamily, int timeoutMs,
@@ -151,7 +143,9 @@ int SCKRAW::BindV4(SOCKET handle, const char* addressText, int port) {
     if (bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) != 0) {
         const int error = WSAGetLastError();
         DebugLogA("BIND error %x\n", static_cast<unsigned>(error));
-        if (const char* name = BindErrorName(error)) DebugLogA("%s", name);
+        for (const BindError& known : kBindErrors) {
+            if (known.code == error) DebugLogA("%s", known.line);
+        }
     }
     return 0;
 }
@@ -227,7 +221,8 @@ int SCKRAW::RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddr
         lastError = SCKRAW_ERROR_TIMEOUT;
         return 0;
     }
-    return Finish(ReceiveNow(handle, buffer, size), fromAddress);
+    const int received = ReceiveNow(handle, buffer, size, fromAddress);
+    return received != SOCKET_ERROR ? received : FailedReceive();
 }
 
 void SCKRAW::RaiseReceiveBuffer(SOCKET handle) {
@@ -240,22 +235,19 @@ bool SCKRAW::StopBlocking(SOCKET handle) {
 }
 
 bool SCKRAW::TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received) {
-    const Received taken = ReceiveNow(handle, buffer, size);
+    received = ReceiveNow(handle, buffer, size, fromAddress);
+    if (received != SOCKET_ERROR) return true;
+    const int error = WSAGetLastError();
     // Where nothing has been sent or bound, a receive is an error and a wait passes silently.
-    if (taken.error == WSAEWOULDBLOCK || taken.error == WSAEINVAL) return false;
-    received = Finish(taken, fromAddress);
+    if (error == WSAEWOULDBLOCK || error == WSAEINVAL) return false;
+    received = FailedReceive();
     return true;
 }
 
-int SCKRAW::Finish(const Received& received, char* fromAddress) {
-    if (received.length == SOCKET_ERROR) {
-        const int error = received.error;
-        DebugLogA("Receive Data failed - %d\n", error);
-        lastError = error;
-        return 0;
-    }
-    if (fromAddress) WriteSenderText(received, fromAddress);
-    return received.length;
+int SCKRAW::FailedReceive() {
+    lastError = WSAGetLastError();
+    DebugLogA("Receive Data failed - %d\n", static_cast<int>(lastError));
+    return 0;
 }
 
 int SCKRAW::HasIPv6Address() {

@@ -20,6 +20,10 @@ class SCKRAW {
     SCKRAW(const SCKRAW&) = delete;
     SCKRAW& operator=(const SCKRAW&) = delete;
 
+    // Takes one WinSock reference for the module, once, and keeps it. Managers end within DllMain,
+    // where giving back the process's last one could deadlock: that unloads libraries.
+    static void KeepStarted();
+
     // A new socket, owned by the caller and not stored in `sock`. Empty only when creation failed:
     // with an option that could not be set it is returned as it then is, and a failed bind shows in
     // the log. bindAddress: local address text, null or "" for none.
@@ -34,7 +38,7 @@ class SCKRAW {
     static bool IsDottedQuad(const char* text);
 
     // Sends on `sock`, created first if none is open; after a failed send that is a new one. As
-    // SendToSocket.
+    // SendToSocket. Nothing in the module calls it.
     int SendTo(int addressFamily, const char* host, int port, const void* data, int length,
                int timeoutMs);
 
@@ -42,6 +46,7 @@ class SCKRAW {
     // why); the resolver's positive code when host does not resolve in the object's family.
     int SendToSocket(OwnedSocket& handle, const char* host, int port, const void* data, int length);
 
+    // RecvFromSocket on `sock`. Nothing in the module calls it.
     int RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs);
 
     // Waits timeoutMs / 1000 whole seconds for one datagram. Bytes received; 0 on time-out or
@@ -69,16 +74,8 @@ class SCKRAW {
     int32_t family = AF_INET;
     int32_t lastError = 0;
 
-    // What one receive gave.
-    struct Received {
-        int length;  // SOCKET_ERROR: see error
-        int error;
-        sockaddr_storage sender;
-        int senderLength;
-    };
-
   private:
-    int Finish(const Received& received, char* fromAddress);
+    int FailedReceive();
 };
 
 }  // namespace vndiscover

@@ -18,11 +18,7 @@ bool IsIPv6Host(const char* host) { return host && std::strchr(host, ':'); }
 
 void AddRow(const char* address, bool endsLines) {
     CopyText(g_adapterAddr[g_nAdapter].szAddress, address);
-    if (endsLines) {
-        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]\n", address);
-    } else {
-        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]", address);
-    }
+    DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]%s", address, endsLines ? "\n" : "");
     ++g_nAdapter;
 }
 
@@ -42,13 +38,16 @@ void LoadBindAddresses(const char* host, bool endsLines) {
     }
 }
 
-void ChooseBindAddress(const char* host, char (&bindAddress)[kBindAddressSize],
-                       const std::function<bool(const char* bindAddress)>& trial) {
+bool ChooseBindAddress(const char* host, char (&bindAddress)[kBindAddressSize]) {
     bindAddress[0] = '\0';
-    if (!IsIPv6Host(host) || g_nAdapter < 1) return;
+    if (!IsIPv6Host(host) || g_nAdapter < 1) return false;
     if (g_szBindIp[0] == '\0') CopyText(g_szBindIp, g_adapterAddr[0].szAddress);
     CopyText(bindAddress, g_szBindIp);
-    if (trial(bindAddress) || g_nAdapter < 2) return;
+    return true;
+}
+
+void UseSecondRow(char (&bindAddress)[kBindAddressSize]) {
+    if (g_nAdapter < 2) return;
     CopyText(g_szBindIp, g_adapterAddr[1].szAddress);
     CopyText(bindAddress, g_szBindIp);
 }

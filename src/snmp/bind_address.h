@@ -2,8 +2,8 @@
 // between calls. Shared by all directed requests, without a lock.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <functional>
 
 namespace vndiscover {
 
@@ -23,12 +23,11 @@ extern char g_szBindIp[kBindAddressSize];  // "" until an IPv6 host was asked
 // SNMPv3 ones do not.
 void LoadBindAddresses(const char* host, bool endsLines);
 
-/**
- * Chooses the local address for host. `bindAddress` stays "" for an IPv4 host and without rows.
- * @param trial  Asks the device once from the address; false: no answer, so the second row, if
- *               there is one, is remembered and used. Kept: no further row is tried.
- */
-void ChooseBindAddress(const char* host, char (&bindAddress)[kBindAddressSize],
-                       const std::function<bool(const char* bindAddress)>& trial);
+// The local address for host into `bindAddress`; "" for an IPv4 host and without rows. True: it is
+// worth a trial, and where that gets no answer the caller goes on with UseSecondRow.
+bool ChooseBindAddress(const char* host, char (&bindAddress)[kBindAddressSize]);
+
+// The second row, if there is one, is used and remembered. Kept: no further row is tried.
+void UseSecondRow(char (&bindAddress)[kBindAddressSize]);
 
 }  // namespace vndiscover

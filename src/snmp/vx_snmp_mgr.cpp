@@ -2,15 +2,124 @@
 
 #include <cstring>
 
+#include "support/copy_text.h"
 #include "support/debug_log.h"
+#include "support/hex_text.h"
+#include "support/scope_exit.h"
 
 namespace vndiscover {
+namespace {
 
-int AddressFamilyOf(const char* host) { return std::strchr(host, ':') ? AF_INET6 : AF_INET; }
+constexpr ValueView kNullValue = {kTagNull, 0, nullptr};
+constexpr int32_t kAnswerSize = 260;
+
+const char* OrDefault(const char* community) {
+    return community && *community ? community : VN_DEFAULT_COMMUNITY;
+}
+
+OidValue OidOf(const char* text) {
+    OidValue oid;
+    ParseOidText(oid, text);
+    return oid;
+}
+
+// Returns the length, 0 when the request cannot be encoded.
+int32_t BuildRequest(const OidValue& oid, const ValueView& value, uint8_t pduType,
+                     const char* community, uint8_t (&out)[kMaxMessageSize]) {
+    VarBindRecord binding;
+    if (MakeVarBind(oid, value, binding) != 0) return 0;
+    VarBindList list;
+    SetVarBindList(&binding, 1, list);
+    return BuildSnmpMessage(out, sizeof out, community, pduType, kRequestId, list);
+}
+
+void ParseAnswer(const Datagram& answer, ResponseRecord& record) {
+    ParseSnmpResponse(record, answer.data, static_cast<size_t>(answer.length), answer.sender);
+}
+
+// The runtime decides about a buffer that is too small: it zeroes it and calls the
+// invalid-parameter handler. A null buffer only means that the host does not want the value.
+void CopyRaw(void* out, int32_t outSize, const void* bytes, size_t count) {
+    if (out) memcpy_s(out, outSize > 0 ? static_cast<size_t>(outSize) : 0, bytes, count);
+}
+
+static_assert(sizeof(VnResponseRecord) == kResponseRecordSize, "hosts and the module agree");
+
+void CopyForHost(const ResponseRecord& answer, VnResponseRecord& out) {
+    out.valueType = answer.valueTag;
+    out.valueLength = answer.valueLength;
+    std::memcpy(out.address, answer.address, sizeof out.address);
+    std::memcpy(out.value, answer.value, sizeof out.value);
+    std::memcpy(out.oid, answer.name, sizeof out.oid);
+    out.oidLength = answer.nameLength;
+}
+
+}  // namespace
 
 VxSnmpMgr::VxSnmpMgr() { DebugLogA("VxSNMP::VxSNMP()\n"); }
 
 VxSnmpMgr::~VxSnmpMgr() { DebugLogA("VxSnmpMgr::~VxSnmpMgr()\n"); }
+
+SCKRAW& VxSnmpMgr::Socket() {
+    if (!socket) socket = std::make_unique<SCKRAW>();
+    return *socket;
+}
+
+// ---- sweeps
+
+bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) {
+    if (sweeping) return false;  // it would take the running sweep's window and file away
+    sweeping = true;
+    DebugLogA("%s", line);
+    stop.store(0, std::memory_order_relaxed);
+    sink.hWnd = settings.hWnd;
+    sink.uMsg = settings.uMsg;
+    timeout = settings.timeout;
+    SCKRAW::KeepStarted();
+    // Kept: the object of the sweep before is not released (some bytes and one WinSock reference).
+    (void)socket.release();
+    Socket();
+    return true;
+}
+
+void VxSnmpMgr::EndSweep() { sweeping = false; }
+
+int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutMs, BYTE useIPv6,
+                            const wchar_t* resultPath, const char* readCommunityText,
+                            const char* writeCommunityText, const char* jsonRequest) {
+    const SweepSettings settings = {hWnd, uMsg, timeoutMs, useIPv6, resultPath};
+    if (!BeginSweep("SNMP::Discover\n", settings)) return 0;
+    // The host waits for the final message, so it is sent however the sweep is left.
+    const ScopeExit end([this] { FinishSweep(); });
+    CopyText(readCommunity, OrDefault(readCommunityText));
+    CopyText(writeCommunity, OrDefault(writeCommunityText));
+    Sweep(settings, oid, jsonRequest);
+    return 0;
+}
+
+void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char* jsonRequest) {
+    sink.OpenFile(settings.resultPath);
+    std::string szDisOid;
+    if (!FitsJsonRequest(jsonRequest) || !ChooseDiscoveryOid(oid, jsonRequest, szDisOid)) return;
+    // Kept: text without two arcs asks for the empty OID.
+    const OidValue name = OidOf(szDisOid.c_str());
+    uint8_t request[kMaxMessageSize] = {};
+    const int32_t length = BuildRequest(name, kNullValue, kPduGetRequest, readCommunity, request);
+    if (length == 0) return;
+    AdapterSweep adapters(Socket(), sock, SnmpProbe(settings.useIPv6, request, length));
+    while (adapters.Next()) {
+        HandleEvents(settings.timeout, adapters.IsLast(), adapters.Address(), jsonRequest);
+    }
+}
+
+void VxSnmpMgr::FinishSweep() {
+    // Closed after the final message, within which the host may start the next sweep; that one,
+    // without a path, writes nowhere.
+    const OwnedFile file(std::move(sink.resultFile));
+    EndSweep();
+    DebugLogA("SNMP::Discover - ended\n");
+    sink.SendResult(nullptr, nullptr);
+}
 
 int32_t VxSnmpMgr::StopDiscover() {
     DebugLogA("VxSnmpMgr::StopDiscover\n");
@@ -18,41 +127,122 @@ int32_t VxSnmpMgr::StopDiscover() {
     return 0;
 }
 
-void VxSnmpMgr::EnsureSocket() {
-    if (!socket) socket = std::make_unique<SCKRAW>();
-}
-
-OwnedSocket VxSnmpMgr::OpenFor(const char* host, const char* bindAddress) {
-    EnsureSocket();
-    return socket->CreateSocket(SOCK_DGRAM, IPPROTO_UDP, AddressFamilyOf(host), kSocketTimeoutMs,
-                                bindAddress);
-}
-
-int32_t VxSnmpMgr::RunExchange(OwnedSocket& opened, const Exchange& exchange,
-                               const std::function<int32_t(const Datagram&)>& take) {
-    if (socket->SendToSocket(opened, exchange.host, kSnmpPort, exchange.request, exchange.length) ==
-        -1) {
-        DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
-        return -1;
+// Kept: timeout and isLast do not matter, the limits are fixed.
+void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bindAddress,
+                             const char* jsonRequest) {
+    DebugLogA("HandleEvents start\n");
+    CollectAnswers();
+    Delivery delivery(devices, sink, stop, jsonRequest);
+    while (ResponseRecord* device = delivery.Next()) {
+        delivery.Send(*device, [&](const char* oid, std::string& value) {
+            return Fetch(*device, oid, bindAddress, value);
+        });
     }
-    int32_t waits = 0;
-    do {
-        uint8_t buffer[kMaxDatagram + 1] = {};
-        char sender[kSenderTextSize] = {};
-        socket->lastError = 0;
-        const int received =
-            socket->RecvFromSocket(opened.Get(), buffer, kMaxDatagram, sender, kReceiveWaitMs);
-        if (received >= 1) return take(Datagram{buffer, received, sender});
-        if (socket->lastError == SCKRAW_ERROR_TIMEOUT) {
-            timeout = 0;  // Kept: a side effect that nothing reads afterwards.
-            if (exchange.giveUpOnTimeout) break;
-        } else if (socket->lastError == WSANOTINITIALISED) {
-            DebugLogA("tszRecvAddr = WSAStartup failed\n");
-            timeout = 0;
-            break;
-        }
-    } while (++waits < exchange.attempts);
-    return 0;
+}
+
+// Every datagram takes an entry, whatever it holds; what is no answer is delivered without a value.
+void VxSnmpMgr::CollectAnswers() {
+    devices.StartOver();
+    DatagramCollector answers(Socket(), sock.Get(), kSweepLimits, stop);
+    for (Datagram answer; !devices.IsFull() && answers.Next(answer);) {
+        ParseAnswer(answer, devices.Add());
+    }
+    devices.LogCount();
+}
+
+bool VxSnmpMgr::Fetch(const ResponseRecord& device, const char* oid, const char* bindAddress,
+                      std::string& value) {
+    char szValue[kAnswerSize] = {};
+    if (GetInformation(oid, device.address, szValue, kAnswerSize, nullptr, kRequestWaitMs,
+                       kRequestAttempts, readCommunity, writeCommunity, bindAddress) <= 0) {
+        return false;
+    }
+    DebugLogA("  szValue [%s]\n", szValue);
+    value = szValue;
+    return true;
+}
+
+// ---- requests to one device
+
+// 1: answered, whoever did and whatever it says; 0: no answer, or nothing to send; -1: the send
+// failed.
+int32_t VxSnmpMgr::Ask(const Query& query, const ValueView& value, ResponseRecord& answer) {
+    if (!query.host || query.oid.length == 0) return 0;  // no device, or the text held no OID
+    uint8_t request[kMaxMessageSize] = {};
+    const int32_t length =
+        BuildRequest(query.oid, value, query.pduType, OrDefault(query.community), request);
+    if (length == 0) return 0;
+    OwnedSocket opened = OpenFor(Socket(), query.host, query.bindAddress);
+    Exchange exchange = {query.host, request, length, query.attempts, false, false};
+    Datagram datagram;
+    const int32_t outcome = RunExchange(Socket(), opened, exchange, datagram);
+    if (exchange.wasSilent) timeout = 0;  // Kept: a side effect that nothing reads afterwards.
+    if (outcome == 1) ParseAnswer(datagram, answer);
+    return outcome;
+}
+
+int32_t VxSnmpMgr::GetInformation(const char* oid, const char* host, char* outValue,
+                                  int32_t outSize, uint32_t* valueType, uint32_t /*waitMs*/,
+                                  int32_t attempts, const char* readCommunityText,
+                                  const char* /*writeCommunity*/, const char* bindAddress) {
+    Socket();
+    return GetInformation(
+        {OidOf(oid), kPduGetRequest, host, readCommunityText, bindAddress, attempts}, outValue,
+        outSize, valueType);
+}
+
+int32_t VxSnmpMgr::GetInformation(const Query& query, char* outValue, int32_t outSize,
+                                  uint32_t* valueType) {
+    DebugLogA("SNMP::GetInformation - [%s]\n", query.host);
+    ResponseRecord answer = {};
+    const int32_t outcome = Ask(query, kNullValue, answer);
+    if (outcome != 1) return outcome;
+    // The record holds a zero byte after the value, which goes with it.
+    if (answer.valueLength != 0) CopyRaw(outValue, outSize, answer.value, answer.valueLength + 1u);
+    if (valueType) *valueType = answer.valueTag;
+    return answer.valueLength;
+}
+
+int32_t VxSnmpMgr::GetInformation1(const char* oid, const char* host, VnResponseRecord* record,
+                                   uint32_t /*waitMs*/, int32_t attempts,
+                                   const char* readCommunityText, const char* /*writeCommunity*/,
+                                   const char* bindAddress, uint8_t pduType) {
+    DebugLogA("SNMP::GetInformation1 - [%s]\n", host);
+    Socket();
+    ResponseRecord answer = {};
+    const int32_t outcome = Ask(
+        {OidOf(oid), pduType, host, readCommunityText, bindAddress, attempts}, kNullValue, answer);
+    if (outcome != 1) return outcome;
+    if (record) {
+        DebugLogA("Copy Result [%d]\n", static_cast<int>(kResponseRecordSize));
+        CopyForHost(answer, *record);
+    }
+    DebugLogA("OID = [%s]\n", HexText(answer.name, answer.nameLength).c_str());
+    return answer.valueLength;
+}
+
+int32_t VxSnmpMgr::SetInformationByStr(const char* oid, const char* host, uint8_t* value,
+                                       int32_t valueLength, uint32_t* valueType,
+                                       uint32_t /*waitMs*/, int32_t attempts,
+                                       const char* /*readCommunity*/,
+                                       const char* writeCommunityText) {
+    DebugLogA("SNMP::SetInformationByStr - [%s]\n", host);
+    Socket();
+    return SetInformation({OidOf(oid), kPduSetRequest, host, writeCommunityText, nullptr, attempts},
+                          value, valueLength, valueType);
+}
+
+int32_t VxSnmpMgr::SetInformation(const Query& query, uint8_t* value, int32_t valueLength,
+                                  uint32_t* valueType) {
+    DebugLogA("SNMP::SetInformation - [%s]\n", query.host);
+    if (!valueType || (!value && valueLength != 0)) return 0;  // no value to set
+    ResponseRecord answer = {};
+    const int32_t outcome =
+        Ask(query, {static_cast<uint8_t>(*valueType), valueLength, value}, answer);
+    if (outcome != 1) return outcome;
+    if (answer.valueLength != 0) CopyRaw(value, valueLength, answer.value, answer.valueLength);
+    *valueType = answer.valueTag;
+    return answer.valueLength;
 }
 
 }  // namespace vndiscover

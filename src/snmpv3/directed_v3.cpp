@@ -4,7 +4,6 @@
 #include <string>
 
 #include "snmp/bind_address.h"
-#include "snmp/directed_request.h"
 #include "snmpv3/request_v3.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
@@ -27,13 +26,16 @@ void AskDevice(const char* host, const char* oid, uint8_t pduType, const Securit
                DirectedAnswer& answer) {
     VxSnmpMgr& manager = *answer.manager;
     char szBindIp[kBindAddressSize];
-    ChooseBindAddress(host, szBindIp, [&](const char* bindAddress) {
+    if (ChooseBindAddress(host, szBindIp)) {
         VxSNMPv3 trial;
-        return GetInformationV3(manager, &trial, host, bindAddress, kOneAttempt) != 0;
-    });
+        // A send that fails is no answer either.
+        if (GetInformationV3(manager, &trial, host, szBindIp, kOneAttempt) <= 0) {
+            UseSecondRow(szBindIp);
+        }
+    }
     DebugLogA("szBindIp [%s]\n", szBindIp);
     VxSNMPv3 probe;
-    answer.reportLength = GetInformationV3(manager, &probe, host, szBindIp, kDirectedAttempts);
+    answer.reportLength = GetInformationV3(manager, &probe, host, szBindIp, kRequestAttempts);
     if (answer.reportLength <= 0) return;  // nobody is there to be asked
 
     const EngineValues engine = {probe.EngineId(), probe.EngineBoots(), probe.EngineTime()};
@@ -61,8 +63,8 @@ void FillRecord(const VarBindRecord& binding, VnResponseRecord& record) {
 
 }  // namespace
 
-int32_t RequestTextV3(const char* host, const char* oid, char* outValue, int32_t outSize,
-                      uint32_t* valueType, const SecuritySettings& security) {
+int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, uint32_t* valueType,
+                      const SecuritySettings& security) {
     DirectedAnswer answer = StartRequest(host);
     if (!host || !security.HasUsableName()) return 0;
     AskDevice(host, oid, kPduGetRequest, security, answer);
@@ -72,7 +74,9 @@ int32_t RequestTextV3(const char* host, const char* oid, char* outValue, int32_t
     if (binding && valueType) *valueType = binding->valueTag;
     if (strValue.empty()) return 0;
     // Cut where it does not fit: how long it is, is the device's choice.
-    if (outValue && outSize > 0) CopyText(outValue, static_cast<size_t>(outSize), strValue.c_str());
+    if (out.text && out.size > 0) {
+        CopyText(out.text, static_cast<size_t>(out.size), strValue.c_str());
+    }
     return answer.reportLength;  // Kept: the report's length, not the value's.
 }
 

@@ -3,14 +3,15 @@
 
 #include <cstdint>
 
-#include "snmpv3/security_settings.h"
+#include "snmp/directed_request.h"
+#include "snmpv3/codec/security_settings.h"
 #include "vndiscover.h"
 
 namespace vndiscover {
 
 // Results and arguments as in the public header; host may be null.
-int32_t RequestTextV3(const char* host, const char* oid, char* outValue, int32_t outSize,
-                      uint32_t* valueType, const SecuritySettings& security);
+int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, uint32_t* valueType,
+                      const SecuritySettings& security);
 int32_t RequestNextV3(const char* host, const char* oid, VnResponseRecord* record,
                       const SecuritySettings& security);
 

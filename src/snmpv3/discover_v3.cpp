@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "interface/delivery/json_request.h"
 #include "snmpv3/request_v3.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
+#include "support/scope_exit.h"
 
 namespace vndiscover {
 namespace {
@@ -16,82 +16,99 @@ struct SweepV3 {
     VxSnmpMgr& manager;
     const SecuritySettings& security;
     const char* oid;
+    const char* jsonRequest;
     const char* bindAddress;
 };
 
-// Asks one device with the engine values it reported; "" when it gives no value.
-std::string AskV3(const SweepV3& sweep, const char* address, const EngineValues& engine,
-                  const char* oid, ResponseRecord* entry) {
+struct ValueV3 {
+    std::string text;  // "" when the device gives no value
+    uint8_t tag = 0;
+    uint8_t length = 0;
+};
+
+// Asks one device with the engine values it reported.
+ValueV3 AskV3(const SweepV3& sweep, const char* address, const EngineValues& engine,
+              const char* oid) {
     const auto request = MakeRequestV3(sweep.security, engine, kPduGetRequest, oid);
-    const int32_t length =
-        GetInformationV3(sweep.manager, request.get(), address, sweep.bindAddress, kOneWait);
-    const VarBindRecord* binding = length > 0 ? FirstBinding(*request) : nullptr;
-    if (entry && binding) {
-        entry->valueTag = binding->valueTag;
-        entry->valueLength = binding->valueLength;
+    if (GetInformationV3(sweep.manager, request.get(), address, sweep.bindAddress, kOneWait) <= 0) {
+        return {};
     }
-    return ValueTextOf(binding);
+    const VarBindRecord* binding = FirstBinding(*request);
+    if (!binding) return {};
+    return {ValueTextOf(binding), binding->valueTag, binding->valueLength};
 }
 
-// Reads a report, asks its sender for the discovery OID and stores the device. False: no device.
-bool TakeReport(const SweepV3& sweep, const Datagram& datagram, ResponseRecord& entry) {
+// Reads a report, asks its sender for the discovery OID and stores the device if it has a value.
+void TakeReport(const SweepV3& sweep, Datagram& datagram) {
     VxSNMPv3 report;
     report.Decode(datagram.data, datagram.length);
     // Kept: a report that names no engine is answered too; the request then goes out as one more
     // probe.
     const EngineValues engine = {report.EngineId(), report.EngineBoots(), report.EngineTime()};
-    const std::string strValue = AskV3(sweep, datagram.sender, engine, sweep.oid, &entry);
-    DebugLogA("strValue [%s]", strValue.c_str());
-    if (strValue.empty()) return false;
+    const ValueV3 value = AskV3(sweep, datagram.sender, engine, sweep.oid);
+    DebugLogA("strValue [%s]", value.text.c_str());
+    if (value.text.empty()) return;
+    ResponseRecord& entry = sweep.manager.devices.Add();
     CopyText(entry.address, datagram.sender);
-    FillField(entry.value, sizeof entry.value, strValue.data(), strValue.size());
+    entry.valueTag = value.tag;
+    entry.valueLength = value.length;
+    FillField(entry.value, sizeof entry.value, value.text.data(), value.text.size());
     entry.engineId = engine.id;
     entry.engineBoots = engine.boots;
     entry.engineTime = engine.time;
     entry.msgMaxSize = report.MsgMaxSize();
-    return true;
 }
 
-void HandleEventsV3(const SweepV3& sweep, const char* jsonRequest) {
+bool FetchV3(const SweepV3& sweep, const ResponseRecord& device, const char* szKey,
+             std::string& value) {
+    const EngineValues engine = {device.engineId, device.engineBoots, device.engineTime,
+                                 device.msgMaxSize};
+    value = AskV3(sweep, device.address, engine, szKey).text;
+    DebugLogA("szKey [%s] strValue [%s]", szKey, value.c_str());
+    return !value.empty();
+}
+
+void HandleEventsV3(const SweepV3& sweep) {
     DebugLogA("HandleEventsV3 start\n");
     VxSnmpMgr& manager = sweep.manager;
-    manager.CollectDevices([&](const Datagram& datagram, ResponseRecord& entry) {
-        return TakeReport(sweep, datagram, entry);
-    });
-    if (manager.deviceCount == 0) return;
-    manager.DeliverDevices(
-        jsonRequest, [&](ResponseRecord& device, const char* szKey, std::string& strValue) {
-            const EngineValues engine = {device.engineId, device.engineBoots, device.engineTime};
-            strValue = AskV3(sweep, device.address, engine, szKey, nullptr);
-            DebugLogA("szKey [%s] strValue [%s]", szKey, strValue.c_str());
-            return !strValue.empty();
+    DeviceTable& devices = manager.devices;
+    devices.StartOver();
+    DatagramCollector reports(manager.Socket(), manager.sock.Get(), kSweepLimits, manager.stop);
+    for (Datagram report; !devices.IsFull() && reports.Next(report);) TakeReport(sweep, report);
+    devices.LogCount();
+    if (devices.deviceCount == 0) return;
+
+    Delivery delivery(devices, manager.sink, manager.stop, sweep.jsonRequest);
+    while (ResponseRecord* device = delivery.Next()) {
+        delivery.Send(*device, [&](const char* szKey, std::string& value) {
+            return FetchV3(sweep, *device, szKey, value);
         });
+    }
 }
 
-bool FitsLimits(const char* jsonRequest, const SecuritySettings& security) {
-    if (jsonRequest && strnlen(jsonRequest, kJsonRequestSize) >= kJsonRequestSize) return false;
-    return security.HasUsableName();
+void SweepAdaptersV3(SweepV3 sweep, BYTE useIPv6) {
+    VxSNMPv3 probe;
+    const ByteBuffer& message = probe.Encode();
+    std::string szDisOid;
+    if (!ChooseDiscoveryOid(sweep.oid, sweep.jsonRequest, szDisOid)) return;
+    sweep.oid = szDisOid.c_str();
+    VxSnmpMgr& manager = sweep.manager;
+    AdapterSweep adapters(manager.Socket(), manager.sock,
+                          SnmpProbe(useIPv6, message.data, static_cast<int32_t>(message.length)));
+    while (adapters.Next()) {
+        sweep.bindAddress = adapters.Address();
+        HandleEventsV3(sweep);
+    }
 }
 
 }  // namespace
 
-int32_t DiscoverV3(VxSnmpMgr& manager, const char* oid, HWND hWnd, UINT uMsg, UINT timeout,
-                   BYTE useIPv6, const char* jsonRequest, const SecuritySettings& security) {
-    DebugLogA("SNMP::DiscoverV3\n");
-    manager.BeginSweep(hWnd, uMsg, timeout);
-    manager.EnsureSocket();
-    if (FitsLimits(jsonRequest, security)) {
-        VxSNMPv3 probe;
-        const ByteBuffer& message = probe.Encode();
-        std::string discoveryOid = oid ? oid : "";
-        if (discoveryOid.empty() && jsonRequest) discoveryOid = ReadDiscoveryOid(jsonRequest);
-        discoveryOid = OrDefaultDiscoveryOid(discoveryOid);
-        manager.Sweep(
-            useIPv6 != 0, message.data, static_cast<int32_t>(message.length),
-            [&](const char* bindAddress, bool) {
-                const SweepV3 sweep = {manager, security, discoveryOid.c_str(), bindAddress};
-                HandleEventsV3(sweep, jsonRequest);
-            });
+int32_t DiscoverV3(VxSnmpMgr& manager, const SweepSettings& settings, const char* oid,
+                   const char* jsonRequest, const SecuritySettings& security) {
+    if (!manager.BeginSweep("SNMP::DiscoverV3\n", settings)) return 0;
+    const ScopeExit end([&] { manager.EndSweep(); });
+    if (FitsJsonRequest(jsonRequest) && security.HasUsableName()) {
+        SweepAdaptersV3({manager, security, oid, jsonRequest, nullptr}, settings.useIPv6);
     }
     DebugLogA("SNMP::Discoverv3 - ended\n");  // Kept: the lower-case v.
     return 0;

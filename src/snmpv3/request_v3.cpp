@@ -1,6 +1,6 @@
 #include "snmpv3/request_v3.h"
 
-#include "snmp/asn_decode.h"
+#include "snmp/codec/asn_decode.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
@@ -10,6 +10,7 @@ std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
     auto request = std::make_unique<VxSNMPv3>();
     security.ApplyTo(*request);
     request->SetEngine(engine.id, engine.boots, engine.time);
+    request->SetMsgMaxSize(engine.msgMaxSize);
     request->SetPduType(pduType);
     if (!request->SetOid(oid)) return nullptr;
     return request;
@@ -18,17 +19,18 @@ std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
 int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* address,
                          const char* bindAddress, int32_t attempts) {
     DebugLogA("SNMP::GetInformationV3 - [%s]\n", address);
-    manager.EnsureSocket();
+    SCKRAW& socket = manager.Socket();
     if (!request) return 0;
-    OwnedSocket opened = manager.OpenFor(address, bindAddress);
+    OwnedSocket opened = OpenFor(socket, address, bindAddress);
     const ByteBuffer& message = request->Encode();
-    const VxSnmpMgr::Exchange exchange = {address, message.data,
-                                          static_cast<int32_t>(message.length), attempts, true};
-    return manager.RunExchange(opened, exchange, [&](const Datagram& datagram) -> int32_t {
-        // Kept: an answer that does not decode is an answer; it only holds no value.
-        request->Decode(datagram.data, datagram.length);
-        return datagram.length;
-    });
+    Exchange exchange = {address,  message.data, static_cast<int32_t>(message.length),
+                         attempts, true,         false};
+    Datagram answer;
+    const int32_t outcome = RunExchange(socket, opened, exchange, answer);
+    if (outcome != 1) return outcome;
+    // Kept: an answer that does not decode is an answer; it only holds no value.
+    request->Decode(answer.data, answer.length);
+    return answer.length;
 }
 
 const VarBindRecord* FirstBinding(const VxSNMPv3& answer) {

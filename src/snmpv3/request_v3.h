@@ -6,16 +6,18 @@
 #include <string>
 
 #include "snmp/vx_snmp_mgr.h"
-#include "snmpv3/security_settings.h"
-#include "snmpv3/vx_snmpv3.h"
+#include "snmpv3/codec/security_settings.h"
+#include "snmpv3/codec/vx_snmpv3.h"
 
 namespace vndiscover {
 
-// The authoritative engine's values, as a device's report teaches them.
+// The authoritative engine's values, as a device's report teaches them, and the largest message
+// that a request is to announce.
 struct EngineValues {
     const ByteBuffer& id;
     int32_t boots;
     int32_t time;
+    uint32_t msgMaxSize = kDefaultMsgMaxSize;
 };
 
 // A request with the caller's security for one OID; null when the OID cannot be encoded.

@@ -30,14 +30,15 @@ class LastErrorKeeper {
 
 void AppendToLogFile(const char* line) {
     // Opened and closed for every line, so that the host may move or delete the file at any time.
-    OwnedFile file(std::fopen("VxAdmSvc.log", "a+"));
+    // A text file even for a host that has set its runtime's default to binary.
+    OwnedFile file(std::fopen("VxAdmSvc.log", "a+t"));
     if (file) std::fputs(line, file.Get());
 }
 
 }  // namespace
 
 void DebugLogA(const char* format, ...) {
-    if (g_debugSwitches.debug == 0 && g_debugSwitches.dbg2Log == 0) return;
+    if (!IsNarrowLogOn()) return;
     LastErrorKeeper keeper;
 
     char message[kNarrowSize] = {};

@@ -20,6 +20,11 @@ struct DebugSwitches {
 };
 extern DebugSwitches g_debugSwitches;
 
+// Whether a narrow line goes anywhere.
+inline bool IsNarrowLogOn() noexcept {
+    return g_debugSwitches.debug != 0 || g_debugSwitches.dbg2Log != 0;
+}
+
 // Narrow line: local time stamp and message, at most 1,024 characters of message. Both switches
 // off: returns at once. Keeps the calling thread's last error, which callers read again afterwards.
 void DebugLogA(const char* format, ...) VN_PRINTF(1, 2);
@@ -28,7 +33,7 @@ void DebugLogA(const char* format, ...) VN_PRINTF(1, 2);
 // stamp.
 void DebugLogW(const wchar_t* format, ...);
 
-// The debug switch.
+// The debug switch. Nothing in the module calls it.
 uint8_t IsDebugLogEnabled();
 
 }  // namespace vndiscover

@@ -12,7 +12,8 @@ namespace vndiscover {
  */
 void LoadDebugSwitches(const char* subkeyName, uint8_t defaultDebug);
 
-// The same for a UTF-16 name; returns the dbg2Log value that it read.
+// The same for a UTF-16 name; returns the dbg2Log value that it read. Nothing in the module
+// calls it.
 int32_t LoadDebugSwitchesW(const wchar_t* subkeyName, uint8_t defaultDebug);
 
 }  // namespace vndiscover

@@ -1,23 +1,38 @@
-// Bytes as the log shows them: "%02x " each.
+// Bytes as the log shows them.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+
+#include "support/debug_log.h"
 
 namespace vndiscover {
 
-constexpr size_t kHexTextSize = 520;  // the whole text with its terminator; the rest is left out
-
-inline std::string HexText(const uint8_t* bytes, size_t count) {
-    static const char kDigits[] = "0123456789abcdef";
-    std::string text;
-    for (size_t i = 0; i < count && text.size() + 3 < kHexTextSize; ++i) {
-        text += kDigits[bytes[i] >> 4];
-        text += kDigits[bytes[i] & 0x0F];
-        text += ' ';
+// Fills a text with two digits a byte and `blanks` blanks after each, and terminates it; bytes that
+// do not fit are left out.
+template <class Char, size_t Size>
+void WriteHex(Char (&text)[Size], const uint8_t* bytes, size_t count, size_t blanks) noexcept {
+    constexpr char kDigits[] = "0123456789abcdef";
+    size_t used = 0;
+    for (size_t i = 0; i < count && used + 2 + blanks < Size; ++i) {
+        text[used++] = static_cast<Char>(kDigits[bytes[i] >> 4]);
+        text[used++] = static_cast<Char>(kDigits[bytes[i] & 0x0F]);
+        for (size_t blank = 0; blank < blanks; ++blank) text[used++] = static_cast<Char>(' ');
     }
-    return text;
+    text[used] = Char{};
 }
+
+// "%02x " for each of the first 173 bytes. Empty while nobody reads the log: making the text costs
+// more than making the datagram that it shows.
+class HexText {
+  public:
+    HexText(const uint8_t* bytes, size_t count) noexcept {
+        WriteHex(text_, bytes, IsNarrowLogOn() ? count : 0, 1);
+    }
+    const char* c_str() const noexcept { return text_; }
+
+  private:
+    char text_[520];
+};
 
 }  // namespace vndiscover

@@ -4,6 +4,7 @@
 
 #include "support/copy_text.h"
 #include "support/debug_log.h"
+#include "support/scope_exit.h"
 
 namespace vndiscover {
 namespace {
@@ -12,20 +13,6 @@ constexpr char kIPv4Group[] = "239.255.255.250";
 constexpr char kIPv6Group[] =
     "FF02:0:0:0:0:0:0:1";  // Kept: all nodes, not WS-Discovery's own group.
 constexpr char kLoopback[] = "127.0.0.1";
-
-// The host waits for the final notification, so it is sent however the sweep is left.
-class SweepEnd {
-  public:
-    explicit SweepEnd(VxSoapMgr& manager) : manager_(manager) { manager_.sweeping = true; }
-    ~SweepEnd() {
-        manager_.sweeping = false;
-        DebugLogA("SOAP::Discover - ended\n");
-        manager_.SendDiscoverResult(nullptr, nullptr);
-    }
-
-  private:
-    VxSoapMgr& manager_;
-};
 
 }  // namespace
 
@@ -45,31 +32,23 @@ void VxSoapMgr::SendDiscoverResult(const char* address, const char* reply) {
     SendMessageA(hWnd, uMsg, reinterpret_cast<WPARAM>(address), reinterpret_cast<LPARAM>(reply));
 }
 
-void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length) {
-    Probe probe = {};
-    probe.family = useIPv6 ? AF_INET6 : AF_INET;
-    probe.target = useIPv6 ? kIPv6Group : kIPv4Group;
-    probe.port = kWsDiscoveryPort;
-    probe.data = request;
-    probe.length = length;
-    probe.protocol = 0;
-    probe.socketTimeoutMs = static_cast<int>(timeout);
-    const SweepPhase phase = [this](const char*, bool isLast) { HandleEvents(timeout, isLast); };
-    SweepAdapters(*socket, sock, probe, phase);
-    // A responder of this very machine that listens on the loopback alone is reached only this way.
-    if (!useIPv6) SweepFrom(*socket, sock, probe, kLoopback, true, phase);
-}
-
 int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6,
                             const char* probe, int32_t probeLength) {
     if (sweeping) return 0;  // from within a result message: it would take the sweep's socket away
     DebugLogA("VxSoapMgr::Discover\n");
+    sweeping = true;
     stop.store(0, std::memory_order_relaxed);
     hWnd = window;
     uMsg = message;
     timeout = timeoutMs;
-    const SweepEnd end(*this);
-    // The new object stands before the old one goes, so that WinSock stays started between them.
+    // The host waits for the final notification, so it is sent however the sweep is left.
+    const ScopeExit end([this] {
+        sock.Reset();
+        sweeping = false;  // within the final message the host may start the next sweep
+        DebugLogA("SOAP::Discover - ended\n");
+        SendDiscoverResult(nullptr, nullptr);
+    });
+    SCKRAW::KeepStarted();
     socket = std::make_unique<SCKRAW>();
     // No Probe, or one that does not fit the buffer. A negative length could only fail on every
     // adapter.
@@ -80,19 +59,35 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
     return 0;
 }
 
+void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length) {
+    Probe probe = {};
+    probe.family = useIPv6 ? AF_INET6 : AF_INET;
+    probe.target = useIPv6 ? kIPv6Group : kIPv4Group;
+    probe.port = kWsDiscoveryPort;
+    probe.data = request;
+    probe.length = length;
+    probe.protocol = 0;
+    probe.socketTimeoutMs = static_cast<int>(timeout);
+    AdapterSweep adapters(*socket, sock, probe);
+    while (adapters.Next()) HandleEvents(timeout, adapters.IsLast());
+    // A responder of this very machine that listens on the loopback alone is reached only this way.
+    if (!useIPv6 && SendProbe(*socket, sock, probe, kLoopback)) HandleEvents(timeout, true);
+}
+
 // Kept: each adapter's phase fills the table from entry 0 again; what it held has been delivered.
 void VxSoapMgr::HandleEvents(UINT waitMs, bool /*isLast*/) {
     DebugLogA("HandleEvents start\n");
     resultCount = 0;
-    const CollectionLimits limits = {static_cast<int>(waitMs), kSoapCollectionMs, true};
-    CollectDatagrams(*socket, sock.Get(), limits, stop, [this](const Datagram& datagram) {
+    DatagramCollector replies(*socket, sock.Get(),
+                              {static_cast<int>(waitMs), kSoapCollectionMs, true}, stop);
+    for (Datagram reply; resultCount < kSoapTableCapacity && replies.Next(reply);) {
         SoapResult& result = results.ToFill(resultCount);
-        CopyText(result.address, datagram.sender);
-        DebugLogA("pReceiveBuffer = [%s]\n", reinterpret_cast<const char*>(datagram.data));
-        std::memcpy(result.reply, datagram.data, sizeof result.reply);
+        CopyText(result.address, reply.sender);
+        DebugLogA("pReceiveBuffer = [%s]\n", reinterpret_cast<const char*>(reply.data));
+        std::memcpy(result.reply, reply.data, sizeof result.reply);
         SendDiscoverResult(result.address, reinterpret_cast<const char*>(result.reply));
-        return ++resultCount < kSoapTableCapacity;
-    });
+        ++resultCount;
+    }
     DebugLogA(" ==== We have [%d] devices on the network. ==== \n", static_cast<int>(resultCount));
     DebugLogA("HandleEvents end\n");
 }

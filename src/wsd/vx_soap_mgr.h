@@ -30,7 +30,7 @@ class VxSoapMgr {
     VxSoapMgr& operator=(const VxSoapMgr&) = delete;
 
     // Always 0; ends with the (0, 0) notification. A Probe of no or more than kMaxProbe bytes is
-    // not sent. Called while it sweeps, it does nothing.
+    // not sent. Called while it sweeps, it does nothing. IPv6: nothing in the module calls it.
     int32_t Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6, const char* probe,
                      int32_t probeLength);
 

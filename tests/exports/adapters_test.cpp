@@ -173,13 +173,13 @@ TEST_F(BindAddress, IsLoggedWithTheAddressesItIsChosenFrom) {
         EXPECT_TRUE(log.Has(line)) << line;
     }
     Get(kInNetB);
-    const Lines asked = {"SNMP::GetInformation - [fe80::2:2]\n"};
     const Lines exchange =
-        RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid)) +
+        RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid),
+                     {"SNMP::GetInformation - [fe80::2:2]\n"}) +
         Lines{" tszBindAddr [fe80::2:1]\n"};
-    ExpectLog(Lines{"g_nAdapter [2]\n", "VxSNMP::VxSNMP()\n"} + asked +
-              Lines{"SCKRAW::SCKRAW()\n"} + exchange + Lines{"szBindIp [fe80::2:1]\n"} + asked +
-              exchange + Lines{"VxSnmpMgr::~VxSnmpMgr()\n", "SCKRAW::~SCKRAW() [-1]\n"});
+    ExpectLog(Lines{"g_nAdapter [2]\n", "VxSNMP::VxSNMP()\n", "SCKRAW::SCKRAW()\n"} + exchange +
+              Lines{"szBindIp [fe80::2:1]\n"} + exchange +
+              Lines{"VxSnmpMgr::~VxSnmpMgr()\n", "SCKRAW::~SCKRAW() [-1]\n"});
 }
 
 }  // namespace

@@ -269,9 +269,10 @@ TEST_F(Directed, SetSendsWhatFitsABindingAndNothingElse) {
 TEST_F(Directed, RequestsTellTheLogWhatTheyDo) {
     const Lines name = {"OID length [9]\n", "OID = [2b 06 01 02 01 01 05 00 ]\n"};
     const Lines end = {"VxSnmpMgr::~VxSnmpMgr()\n", "SCKRAW::~SCKRAW() [-1]\n"};
-    const Lines get = Lines{"g_nAdapter [0]\n", "VxSNMP::VxSNMP()\n", "szBindIp []\n",
-                            "SNMP::GetInformation - [10.77.1.11]\n", "SCKRAW::SCKRAW()\n"} +
-                      RequestLines(9, "2b 06 01 02 01 01 01 00 ", SnmpGet(kSysDescr));
+    const Lines get =
+        Lines{"g_nAdapter [0]\n", "VxSNMP::VxSNMP()\n", "szBindIp []\n", "SCKRAW::SCKRAW()\n"} +
+        RequestLines(9, "2b 06 01 02 01 01 01 00 ", SnmpGet(kSysDescr),
+                     {"SNMP::GetInformation - [10.77.1.11]\n"});
     Answer(SnmpAnswer(kSysDescr, 2, {0x01, 0xFF}));
     Text(text.Text(), 260, 2);
     ExpectLog(get + Lines{"0 - [01]\n", "1 - [ff]\n"} + end);

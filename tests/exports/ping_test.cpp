@@ -20,7 +20,8 @@ TEST_F(PingTest, AnswersForAHostThatIsThere) {
 }
 
 TEST_F(PingTest, RefusesWhatNamesNoHost) {
-    for (const char* address : {"", " ", "no such host", "10.77.1.2.3.4", "fe80::", "::zz"}) {
+    // Not "", which Windows resolves to the machine itself, nor "fe80::", an address of its own.
+    for (const char* address : {" ", "no such host", "10.77.1.2.3.4", "::zz"}) {
         EXPECT_EQ(0, module.VxPing(address, 300)) << address;
     }
     EXPECT_EQ(0, module.VxPing(nullptr, 300));

@@ -188,9 +188,9 @@ TEST_F(SweepJson, FillsInEachValueThatTheDeviceHas) {
 
     const auto asks = [](const std::string& oid, const std::string& value, uint8_t arc) {
         const std::string content = "2b 06 01 02 01 01 0" + std::to_string(arc) + " 00 ";
-        return Lines{"Key [" + oid + "]\n", "  value [" + value + "]\n", "  szKey [" + oid + "]\n",
-                     "SNMP::GetInformation - [10.77.1.2]\n"} +
-               RequestLines(9, content, SnmpGet(oid));
+        return Lines{"Key [" + oid + "]\n", "  value [" + value + "]\n",
+                     "  szKey [" + oid + "]\n"} +
+               RequestLines(9, content, SnmpGet(oid), {"SNMP::GetInformation - [10.77.1.2]\n"});
     };
     ExpectLog(SweepLines(
         AnsweredLines({"10.77.1.2"}, Lines{"GET command\n"} + asks(kSysDescr, "", 1) +

@@ -154,10 +154,11 @@ TEST_F(V3Directed, WhatCannotBeAskedIsNotSent) {
 
 // Unlike the requests with a community, these do not end the rows' lines.
 TEST_F(V3Directed, AnIPv6HostIsTriedFromTheRememberedAddressAndThenFromTheSecond) {
-    Devices([](const Request& request) {
+    const Reply neighbours = [](const Request& request) {
         if (request.local.substr(0, 7) != request.sender.substr(0, 7)) return Answers();
         return Answers{{request.data == V3Probe() ? V3Report() : V3Text("prn1", kSysName)}};
-    });
+    };
+    Devices(neighbours);
     EXPECT_EQ(reportLength, Get(text, "fe80::1:11"));
     EXPECT_STREQ("prn1", text.Text());
     EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Probe(), V3Request(kSysName)));
@@ -172,6 +173,14 @@ TEST_F(V3Directed, AnIPv6HostIsTriedFromTheRememberedAddressAndThenFromTheSecond
     EXPECT_EQ(reportLength, Get(text, "fe80::2:2"));
     EXPECT_STREQ("prn1", text.Text());
     EXPECT_THAT(SilentWaits(), ElementsAre(2000));
+    // A trial that cannot be sent is not answered either.
+    Reload();
+    Devices(neighbours);
+    network.sendError = [isFirst = true](int) mutable {
+        return std::exchange(isFirst, false) ? WSAENETUNREACH : 0;
+    };
+    EXPECT_EQ(reportLength, Get(text, "fe80::2:2"));
+    EXPECT_THAT(Senders(), Each("fe80::2:1"));
 }
 
 TEST_F(V3Directed, RequestsTellTheLogWhatTheyDo) {

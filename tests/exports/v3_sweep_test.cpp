@@ -102,12 +102,19 @@ TEST_F(V3Sweep, AsksAReporterWithoutAnEngineWithAnotherProbe) {
     EXPECT_THAT(window.Texts(), IsEmpty());
 }
 
+// A question to a device that has been found announces the message size of the device's report.
+Bytes FollowUp(const std::string& oid) {
+    V3Datagram request = V3RequestFields(oid);
+    request.msgMaxSize = V3ReportFields().msgMaxSize;
+    return request.Build();
+}
+
 TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
     Devices([](const Request& request) {
         if (request.net != "neta") return Answers();
         if (request.data == V3Probe()) return Answers{{V3Report()}};
         if (request.data == V3Request(kSysDescr)) return Answers{{V3Text("Model")}};
-        if (request.data != V3Request(kSysName)) return Answers();
+        if (request.data != FollowUp(kSysName)) return Answers();
         return Answers{{V3Text("prn \"1\"", kSysName)}};
     });
     EXPECT_EQ(0, SweepFor(L"{\"DiscoverOID\": \".1.3.6.1.2.1.1.1.0\", \"GET\": {"
@@ -118,7 +125,7 @@ TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
                             "\t\"GET\":\t{\n\t\t\".1.3.6.1.2.1.1.5.0\":\t\"prn \\\"1\\\"\",\n"
                             "\t\t\".1.3.6.1.2.1.1.6.0\":\t\"kept\"\n\t},\n\t\"\xc3\xa9\":\t7\n}"));
     EXPECT_THAT(Asked(),
-                ElementsAre(V3Request(kSysDescr), V3Request(kSysName), V3Request(kSysLocation)))
+                ElementsAre(V3Request(kSysDescr), FollowUp(kSysName), FollowUp(kSysLocation)))
         << "the engine values are those of the report";
     EXPECT_THAT(SilentWaits(), SizeIs(1 + 2)) << "one wait for the value that is missing";
 }

@@ -8,10 +8,10 @@
 #include "helpers/snmp_datagrams.h"
 #include "interface/delivery/json_doc.h"
 #include "interface/delivery/json_request.h"
-#include "snmp/asn_decode.h"
-#include "snmp/asn_encode.h"
-#include "snmp/pdu.h"
-#include "snmp/snmp_message.h"
+#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn_encode.h"
+#include "snmp/codec/pdu.h"
+#include "snmp/codec/snmp_message.h"
 #include "support/text_convert.h"
 
 using namespace vndiscover;

@@ -4,12 +4,12 @@
 #include <cstdlib>
 
 #include "helpers/snmp_datagrams.h"
-#include "snmp/asn_decode.h"
-#include "snmpv3/crypto.h"
-#include "snmpv3/keys.h"
-#include "snmpv3/message_reader.h"
-#include "snmpv3/privacy.h"
-#include "snmpv3/protocol_codes.h"
+#include "snmp/codec/asn_decode.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/keys.h"
+#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/crypto/privacy.h"
+#include "snmpv3/crypto/protocol_codes.h"
 
 using namespace vndiscover;
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "snmp/byte_buffer.h"
+#include "snmp/codec/byte_buffer.h"
 
 namespace vndiscover {
 

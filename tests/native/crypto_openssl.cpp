@@ -2,9 +2,9 @@
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 
-#include "snmpv3/crypto.h"
-#include "snmpv3/protocol_codes.h"
-#include "snmpv3/sha224.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/protocol_codes.h"
+#include "snmpv3/crypto/sha224.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
@@ -91,6 +91,11 @@ bool CryptoSession::DesEncryptBlock(const uint8_t (&key)[kDesKeySize],
 bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
                                const uint8_t (&iv)[kDesBlockSize], const uint8_t* cipher,
                                uint32_t length, ByteBuffer& plain) {
+    plain.Clear();
+    if (length % kDesBlockSize != 0) {
+        DebugLogA("Err %d\n", static_cast<int>(0x80090004));  // as the platform's library says it
+        return false;
+    }
     plain.Assign(cipher, static_cast<int32_t>(length));
     return RunDes(EVP_des_ede3_cbc(), key, iv, false, plain.data, length);
 }

@@ -8,7 +8,8 @@ import unittest
 from pathlib import Path
 
 SOURCE = Path(sys.argv.pop(1))
-FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", "delivery")
+ROOMS = {"snmp/codec": "codec", "snmpv3/codec": "v3codec", "snmpv3/crypto": "crypto", "interface/delivery": "delivery"}
+FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", *ROOMS.values())
 
 # A type of the header, and the C# types that pass it.
 TYPES = {
@@ -29,7 +30,7 @@ WIDTHS = {"uint8_t": 1, "char": 1, "uint16_t": 2, "byte[]": 1, "ushort": 2}
 
 def folder_of(path):
     parts = path.relative_to(SOURCE / "src").parts
-    return "delivery" if parts[:2] == ("interface", "delivery") else parts[0]
+    return ROOMS.get("/".join(parts[:2]), parts[0])
 
 
 def includes():

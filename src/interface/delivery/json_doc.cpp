@@ -32,11 +32,11 @@ void HandedOver(OwnedJsonItem& item) { static_cast<void>(item.release()); }
 
 void JsonItemDeleter::operator()(cJSON* item) const noexcept { cJSON_Delete(item); }
 
-int32_t JsonDoc::Parse(const wchar_t* text) {
-    if (!text) return 0;
-    text_ = WideToUtf8(text);
-    root_.reset(cJSON_Parse(text_.c_str()));
-    if (!root_) text_.clear();
+int32_t JsonDoc::Parse(const wchar_t* wideText) {
+    if (!wideText) return 0;
+    text = WideToUtf8(wideText);
+    root.reset(cJSON_Parse(text.c_str()));
+    if (!root) text.clear();
     return 0;
 }
 
@@ -57,7 +57,7 @@ bool JsonDoc::MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSiz
 }
 
 bool JsonDoc::StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const {
-    return StringOfMember(root_.get(), name, out, outSize);
+    return StringOfMember(root.get(), name, out, outSize);
 }
 
 bool JsonDoc::StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, size_t outSize) {
@@ -66,11 +66,11 @@ bool JsonDoc::StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, s
 
 bool JsonDoc::StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out,
                                 size_t outSize) const {
-    return CopyString(cJSON_GetArrayItem(Member(root_.get(), WideToUtf8(name).c_str()), i), out,
+    return CopyString(cJSON_GetArrayItem(Member(root.get(), WideToUtf8(name).c_str()), i), out,
                       outSize);
 }
 
-void JsonDoc::SetRoot(OwnedJsonItem item) { root_ = std::move(item); }
+void JsonDoc::SetRoot(OwnedJsonItem item) { root = std::move(item); }
 
 void JsonDoc::AddItem(cJSON* object, const wchar_t* name, OwnedJsonItem item) {
     if (cJSON_AddItemToObject(object, WideToUtf8(name).c_str(), item.get())) HandedOver(item);
@@ -94,7 +94,7 @@ void JsonDoc::ReplaceMember(cJSON* parent, const wchar_t* name, OwnedJsonItem it
 }
 
 int32_t JsonDoc::Print(std::wstring* out) const {
-    const Printed printed(root_ ? cJSON_Print(root_.get()) : nullptr);
+    const Printed printed(root ? cJSON_Print(root.get()) : nullptr);
     if (!printed) return -1;
     if (!out) return static_cast<int32_t>(std::char_traits<char>::length(printed.get())) + 1;
     *out = Utf8ToWide(printed.get());

@@ -21,9 +21,9 @@ using OwnedJsonItem = std::unique_ptr<cJSON, JsonItemDeleter>;
 class JsonDoc {
   public:
     // Null is ignored. On failure Root() is null. Always 0.
-    int32_t Parse(const wchar_t* text);
+    int32_t Parse(const wchar_t* wideText);
 
-    cJSON* Root() const noexcept { return root_.get(); }
+    cJSON* Root() const noexcept { return root.get(); }
 
     // Null when there is no such member. Names compare without regard to ASCII letter case.
     static cJSON* Member(cJSON* parent, const char* name);
@@ -43,24 +43,26 @@ class JsonDoc {
     // Without such a member the new item is dropped.
     static void ReplaceMember(cJSON* parent, const wchar_t* name, OwnedJsonItem item);
 
-    // Building a document, for what the sweeps do not need. What cannot be added is dropped.
+    // Building a document; what cannot be added is dropped. Nothing in the module calls it.
     void SetRoot(OwnedJsonItem item);
     static void AddItem(cJSON* object, const wchar_t* name, OwnedJsonItem item);
     static void AddString(cJSON* object, const wchar_t* name, const wchar_t* text);
     static void AddString(cJSON* array, const wchar_t* text);
 
-    // True if there is such a string, which is copied: the i-th of the root's array of that name,
-    // or the member of any object.
-    bool StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out, size_t outSize) const;
+    // True if the object has that member with a string value, which is copied.
     static bool StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, size_t outSize);
+    // The same for the i-th string of the root's array of that name. Nothing in the module calls
+    // it.
+    bool StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out, size_t outSize) const;
 
     // With null: the printed UTF-8 length plus 1, or -1 when there is no root or printing failed.
     // With a text: the printed document, indented, goes into it; -1.
     int32_t Print(std::wstring* out) const;
 
   private:
-    std::string text_;  // what was parsed
-    OwnedJsonItem root_;
+    std::string text;  // what was parsed
+    OwnedJsonItem root;
+    // There is no `lib`: the JSON library is linked and takes no handle.
 };
 
 }  // namespace vndiscover

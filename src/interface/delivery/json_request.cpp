@@ -31,8 +31,9 @@ void FillInMember(cJSON* get, int32_t j, const FetchValue& fetch) {
 std::string ReadDiscoveryOid(const char* jsonRequest) {
     JsonDoc document;
     document.Parse(Utf8ToWide(jsonRequest).c_str());
-    wchar_t wszDisOID[kOidTextSize] = {};
-    document.StringOfRootMember(L"DiscoverOID", wszDisOID, kOidTextSize);
+    // As long as any request: cut, a text that is too long would name another variable.
+    wchar_t wszDisOID[kJsonRequestSize] = {};
+    document.StringOfRootMember(L"DiscoverOID", wszDisOID, kJsonRequestSize);
     DebugLogW(L"wszDisOID [%s]\n", wszDisOID);
     std::string szDisOid = WideToUtf8(wszDisOID);
     DebugLogA("szDisOid [%s]\n", szDisOid.c_str());

@@ -8,10 +8,13 @@
 namespace vndiscover {
 
 // What a request for an OID says while it is built: `content` are the OID's content octets as "%02x
-// " each, `message` the whole datagram; loggedLength is one more than the content has.
-inline Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message) {
-    return {"OID length [" + std::to_string(loggedLength) + "]\n", "OID = [" + content + "]\n",
-            "SNMP_MSG = [" + ToHex(message, " ") + "]\n"};
+// " each, `message` the whole datagram; loggedLength is one more than the content has. `asking` is
+// what a get says between the two.
+inline Lines RequestLines(int loggedLength, const std::string& content, const Bytes& message,
+                          const Lines& asking = {}) {
+    return Lines{"OID length [" + std::to_string(loggedLength) + "]\n",
+                 "OID = [" + content + "]\n"} +
+           asking + Lines{"SNMP_MSG = [" + ToHex(message, " ") + "]\n"};
 }
 
 // The phase behind a sweep's send.

@@ -1,0 +1,29 @@
+#include "interface/delivery/result_sink.h"
+
+#include <cstdio>
+#include <cwchar>
+#include <string>
+
+#include "support/debug_log.h"
+
+namespace vndiscover {
+
+void ResultSink::OpenFile(const wchar_t* path) {
+    if (!path || !*path) return;
+    // A cut path would empty some other file. "t": whatever mode the host's runtime defaults to.
+    resultFile.Reset(wcsnlen(path, kPathSize) < kPathSize ? _wfopen(path, L"wt") : nullptr);
+}
+
+void ResultSink::SendResult(const char* address, const char* value) {
+    if (hWnd) {
+        SendMessageA(hWnd, uMsg, reinterpret_cast<WPARAM>(address),
+                     reinterpret_cast<LPARAM>(value));
+    }
+    if (!resultFile || !address || !*address || !value) return;
+    // As long as its content, which in JSON mode is a whole document. Kept: quotes are not escaped.
+    const std::string line = std::string("\"") + address + "\",\"" + value + "\"\n";
+    DebugLogA("m_fp = [%s]\n", line.c_str());
+    std::fputs(line.c_str(), resultFile.Get());
+}
+
+}  // namespace vndiscover

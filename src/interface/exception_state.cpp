@@ -1,0 +1,78 @@
+#include "interface/exception_state.h"
+
+#include "support/win.h"
+
+#ifdef __GLIBCXX__
+#include <cxxabi.h>
+
+// Declared, but not defined, in the runtime's own header; the Itanium C++ ABI fixes its layout.
+struct __cxxabiv1::__cxa_eh_globals {
+    void* caughtExceptions;
+    unsigned uncaughtExceptions;
+};
+
+namespace __gnu_cxx {
+// Of the runtime, which declares it nowhere.
+void __freeres();  // NOLINT(bugprone-reserved-identifier)
+}  // namespace __gnu_cxx
+
+namespace {
+
+using ThreadState = __cxxabiv1::__cxa_eh_globals;
+
+DWORD g_index = TLS_OUT_OF_INDEXES;
+HANDLE g_heap = nullptr;  // holds every thread's state, and goes as a whole
+// Of threads that get no state of their own, because the process has used up what there is.
+ThreadState g_shared = {};
+
+}  // namespace
+
+// In place of the runtime's own two. Callers read the last error again behind a caught exception.
+extern "C" ThreadState* __cxxabiv1::__cxa_get_globals() noexcept {
+    const DWORD error = GetLastError();
+    void* state = TlsGetValue(g_index);
+    if (!state && g_heap) {
+        state = HeapAlloc(g_heap, HEAP_ZERO_MEMORY, sizeof(ThreadState));
+        if (state) TlsSetValue(g_index, state);
+    }
+    SetLastError(error);
+    return state ? static_cast<ThreadState*>(state) : &g_shared;
+}
+
+extern "C" ThreadState* __cxxabiv1::__cxa_get_globals_fast() noexcept {
+    return __cxxabiv1::__cxa_get_globals();
+}
+
+namespace vndiscover {
+
+void OpenExceptionState() noexcept {
+    g_index = TlsAlloc();
+    if (g_index != TLS_OUT_OF_INDEXES) g_heap = HeapCreate(0, 0, 0);
+}
+
+void ForgetThreadsExceptions() noexcept {
+    if (void* state = g_heap ? TlsGetValue(g_index) : nullptr) HeapFree(g_heap, 0, state);
+}
+
+void CloseExceptionState() noexcept {
+    if (g_heap) HeapDestroy(g_heap);
+    g_heap = nullptr;
+    if (g_index != TLS_OUT_OF_INDEXES) TlsFree(g_index);
+    g_index = TLS_OUT_OF_INDEXES;
+    // 73 KB for exceptions that find no memory.
+    __gnu_cxx::__freeres();
+}
+
+}  // namespace vndiscover
+
+#else
+
+namespace vndiscover {
+
+void OpenExceptionState() noexcept {}
+void ForgetThreadsExceptions() noexcept {}
+void CloseExceptionState() noexcept {}
+
+}  // namespace vndiscover
+
+#endif

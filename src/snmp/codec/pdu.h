@@ -1,0 +1,41 @@
+// The PDU with full BER lengths, as SNMPv3 messages carry it:
+//
+//     Ax len | INTEGER request-id | INTEGER error-status | INTEGER error-index | 30 len bindings
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/byte_buffer.h"
+#include "snmp/codec/var_bind.h"
+#include "support/secure_wipe.h"
+
+namespace vndiscover {
+
+// Wiped: what was decoded may have come encrypted.
+using DecodedBindings = std::vector<VarBindRecord, WipingAllocator<VarBindRecord>>;
+
+struct PduRecord {
+    VarBindList bindings;  // to encode: the caller's array; decoded: `decoded`
+    int32_t errorStatus = 0;
+    int32_t errorIndex = 0;
+    int32_t requestId = 0;
+    uint8_t pduType = kPduGetRequest;
+    DecodedBindings decoded;  // owns what DecodePdu found
+
+    PduRecord() = default;
+    PduRecord(const PduRecord&) = delete;  // bindings points into decoded
+    PduRecord& operator=(const PduRecord&) = delete;
+};
+
+// Appends the PDU. A request identifier of 0 becomes 257, in the record too. False, and nothing is
+// appended: a binding's length exceeds its field.
+bool EncodePdu(PduRecord& pdu, ByteBuffer& dest);
+
+// Reads the PDU at cursor and returns the cursor behind it. Throws AsnDecodeError, also for a
+// binding whose name or value does not fit a VarBindRecord. A list that does not decode leaves no
+// binding.
+uint32_t DecodePdu(PduRecord& pdu, const ByteBuffer& in, uint32_t cursor);
+
+}  // namespace vndiscover

@@ -1,0 +1,58 @@
+// One variable binding in BER form, in a record of fixed size:
+//
+//     30 len | 06 len name (124 bytes of room) | tag len value (126 bytes of room)
+//
+// All lengths are single bytes.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "snmp/codec/oid_text.h"
+
+namespace vndiscover {
+
+constexpr int32_t kMaxValueContent = 126;
+
+struct VarBindRecord {
+    uint8_t seqTag;
+    uint8_t seqLength;  // nameLength + valueLength + 4
+    uint8_t nameTag;
+    uint8_t nameLength;
+    uint8_t name[kMaxNameContent];
+    uint8_t valueTag;
+    uint8_t valueLength;
+    uint8_t value[kMaxValueContent];
+};
+static_assert(sizeof(VarBindRecord) == 256, "the record is sent and copied by its layout");
+
+// The bindings are not owned.
+struct VarBindList {
+    int32_t count = 0;
+    VarBindRecord* bindings = nullptr;
+};
+
+// Whether the lengths of every record stay within its fields. What is sent by its lengths must.
+bool FitTheirRecords(const VarBindList& list);
+
+// A value as tag, length, content; the content is not owned.
+struct ValueView {
+    uint8_t tag;
+    int32_t length;  // bytes in content
+    const uint8_t* content;
+};
+
+// 0; -1 when the name or the value does not fit the record, which is then left alone.
+int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord& out);
+
+int32_t SetVarBindList(VarBindRecord* bindings, int32_t count, VarBindList& out);
+
+// Copies a binding but for the value's content, to build a request from the bindings of an earlier
+// one. Nothing in the module calls it.
+void CopyVarBindHeader(const VarBindRecord& source, VarBindRecord& dest);
+
+// An OCTET STRING up to its first NUL byte, an INTEGER in decimal; any other value leaves text
+// alone. Throws AsnDecodeError for an INTEGER of more than five bytes.
+void VarBindValueToText(const VarBindRecord& binding, std::string& text);
+
+}  // namespace vndiscover

@@ -1,0 +1,74 @@
+// What an SNMPv3 message holds (RFC 3412, RFC 3414):
+//
+//     30 len
+//        INTEGER 3                                            msgVersion
+//        30 len  INTEGER msgID  INTEGER msgMaxSize
+//                04 01 flags  INTEGER msgSecurityModel        header; flags: 1 auth, 2 priv, 4
+//                reportable
+//        04 len
+//           30 len  OCTET STRING engine ID  INTEGER boots  INTEGER time  OCTET STRING user name
+//                   OCTET STRING authentication parameters  OCTET STRING privacy parameters
+//        30 len                                               scoped PDU, or an OCTET STRING of it
+//           OCTET STRING contextEngineID  OCTET STRING contextName  PDU            encrypted
+#pragma once
+
+#include <cstdint>
+
+#include "snmp/codec/byte_buffer.h"
+#include "snmp/codec/pdu.h"
+#include "snmpv3/crypto/protocol_codes.h"
+
+namespace vndiscover {
+
+constexpr int32_t kMsgVersion3 = 3;
+constexpr uint32_t kSecurityModelUsm = 3;
+constexpr uint32_t kDefaultMsgMaxSize = 65536;
+constexpr uint8_t kMsgFlagAuth = 1;
+constexpr uint8_t kMsgFlagPriv = 2;
+constexpr uint8_t kMsgFlagReportable = 4;
+
+// An empty engine ID makes a message an engine discovery probe.
+struct UsmParameters {
+    ByteBuffer engineId;
+    int32_t engineBoots = 0;
+    int32_t engineTime = 0;
+    ByteBuffer userName;
+    uint32_t authProtocol = kAuthNone;
+    ByteBuffer authPassword;
+    ByteBuffer authParameters;
+    uint32_t privProtocol = kPrivNone;
+    ByteBuffer privPassword;
+    ByteBuffer privParameters;
+};
+
+struct ScopedPdu {
+    ByteBuffer contextEngineId;
+    ByteBuffer contextName;
+    PduRecord pdu;
+};
+
+struct MessageRecord {
+    ByteBuffer encoded;
+    int32_t receivedVersion = 1;
+    uint32_t msgId = 0;
+    uint32_t msgMaxSize = kDefaultMsgMaxSize;
+    bool authFlag = false;
+    bool privFlag = false;
+    bool reportableFlag = true;
+    uint32_t sentSecurityModel = 0;
+    UsmParameters usm;
+    uint32_t securityModel = kSecurityModelUsm;
+    ScopedPdu scoped;
+
+    bool IsProbe() const { return usm.engineId.Empty(); }
+    bool UsesAuth() const { return authFlag && !IsProbe(); }
+    bool UsesPriv() const { return privFlag && !IsProbe(); }
+};
+
+// Localised; empty where there is none.
+struct MessageKeys {
+    ByteBuffer auth;
+    ByteBuffer priv;
+};
+
+}  // namespace vndiscover

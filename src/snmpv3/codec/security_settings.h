@@ -1,0 +1,48 @@
+// The security settings of one call, as the host gives them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vndiscover {
+
+class VxSNMPv3;
+
+// As the exports take them. Texts may be null.
+struct SecurityArguments {
+    const wchar_t* userName;
+    uint8_t useAuth;
+    const wchar_t* authPassword;
+    uint8_t usePriv;
+    const wchar_t* privPassword;
+    const wchar_t* authProtocol;
+    const wchar_t* privProtocol;
+};
+
+// Owns UTF-8 copies, of any length, of the user name and the passwords and wipes the passwords at
+// its end. Privacy counts only where authentication is set.
+class SecuritySettings {
+  public:
+    explicit SecuritySettings(const SecurityArguments& given);
+    ~SecuritySettings();
+    SecuritySettings(const SecuritySettings&) = delete;
+    SecuritySettings& operator=(const SecuritySettings&) = delete;
+
+    // Whether a message can carry the user name. With a name that it cannot carry nothing is sent:
+    // a cut one would be another user's.
+    bool HasUsableName() const;
+
+    // Sets user, protocols, passwords and flags: noAuthNoPriv, authNoPriv or authPriv.
+    void ApplyTo(VxSNMPv3& request) const;
+
+  private:
+    std::string userName_;
+    std::string authPassword_;
+    std::string privPassword_;
+    bool useAuth_;
+    bool usePriv_;
+    uint32_t authCode_;
+    uint32_t privCode_;
+};
+
+}  // namespace vndiscover

@@ -1,0 +1,69 @@
+// One SNMPv3 message with its security state: the request to send, then the answer read into it.
+#pragma once
+
+#include <cstdint>
+
+#include "snmp/codec/byte_buffer.h"
+#include "snmp/codec/var_bind.h"
+#include "snmpv3/codec/message_record.h"
+
+namespace vndiscover {
+
+constexpr uint32_t kMaxUserName = 127;  // bytes
+
+// Starts as an engine discovery probe, an empty message without security. Decoding the report
+// teaches it the engine, and the next Encode is a full request with the flags set by then.
+// Passwords and keys are wiped. Throws std::bad_alloc.
+class VxSNMPv3 {
+  public:
+    VxSNMPv3() = default;
+    VxSNMPv3(const VxSNMPv3&) = delete;
+    VxSNMPv3& operator=(const VxSNMPv3&) = delete;
+
+    /**
+     * Builds the datagram, which stays valid until the next Encode.
+     * A password that is empty, and a protocol code that is none, give no key; see BuildMessage.
+     */
+    const ByteBuffer& Encode();
+
+    /**
+     * Reads an answer; see ReadMessage. The flags that stand here decide which keys are made, so
+     * that they must be those of the request.
+     * @param berBuffer  length bytes; the authentication parameters in it are zeroed.
+     * @return The message's length; 0 on failure, when there are no bindings but the fields read so
+     * far.
+     */
+    int32_t Decode(uint8_t* berBuffer, int length);
+
+    // Texts are UTF-8; null reads as "".
+
+    // False, and nothing changes: a name of more than kMaxUserName bytes.
+    bool SetUser(const char* userName);
+    void SetAuth(uint32_t authCode, const char* password);
+    void SetPrivacy(uint32_t privCode, const char* password);
+    void SetFlags(bool auth, bool priv);
+    void SetEngine(const ByteBuffer& id, int32_t boots, int32_t time);
+    void SetMsgMaxSize(uint32_t msgMaxSize);
+    void SetPduType(uint8_t pduType);
+    // 0: a fixed one. Nothing in the module calls it.
+    void SetMsgId(uint32_t msgId);
+    void SetRequestId(int32_t requestId);
+    // The one OID asked for; text of fewer than two arcs asks for the empty OID. False: it has one
+    // that no binding holds, and none is asked for.
+    bool SetOid(const char* dotted);
+
+    const ByteBuffer& EngineId() const { return message_.usm.engineId; }
+    int32_t EngineBoots() const { return message_.usm.engineBoots; }
+    int32_t EngineTime() const { return message_.usm.engineTime; }
+    uint32_t MsgMaxSize() const { return message_.msgMaxSize; }
+    // The answer's behind Decode, until then the request's. Valid until the next Decode or SetOid.
+    const VarBindList& Bindings() const { return message_.scoped.pdu.bindings; }
+    // Everything the message holds.
+    const MessageRecord& Record() const { return message_; }
+
+  private:
+    MessageRecord message_;
+    VarBindRecord asked_ = {};
+};
+
+}  // namespace vndiscover

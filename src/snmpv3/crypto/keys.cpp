@@ -1,0 +1,47 @@
+#include "snmpv3/crypto/keys.h"
+
+#include <algorithm>
+
+#include "snmpv3/crypto/protocol_codes.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr size_t kStretchedBytes = 0x100000;
+constexpr uint32_t kUnitBytes = 16384;
+
+// Whole passwords only, so that the unit can be repeated as it is. The hash sees the same bytes as
+// in one buffer of 1 MiB, whose fresh memory would cost a good part of what hashing it costs.
+ByteBuffer RepeatedPassword(const ByteBuffer& password) {
+    ByteBuffer unit = password;
+    while (unit.length <= kUnitBytes / 2) unit.Append(unit);
+    return unit;
+}
+
+}  // namespace
+
+ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
+                         const ByteBuffer& engineId) {
+    ByteBuffer key;
+    if (password.Empty()) return key;  // there is nothing to repeat
+    const ByteBuffer unit = RepeatedPassword(password);
+    ByteBuffer userKey;
+    if (!crypto.Hash(authCode, {unit.data, unit.length, kStretchedBytes}, userKey)) return key;
+    ByteBuffer localised = userKey;
+    localised.Append(engineId);
+    localised.Append(userKey);
+    crypto.Hash(authCode, localised, key);
+    return key;
+}
+
+ByteBuffer AuthenticationOf(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
+                            const uint8_t* message, uint32_t length) {
+    ByteBuffer mac;
+    if (key.Empty() && authCode <= kAuthSha512) return mac;
+    crypto.Hmac(authCode, key, message, length, mac);
+    ByteBuffer sent;
+    sent.Assign(mac.data, static_cast<int32_t>(std::min(mac.length, MacLength(authCode))));
+    return sent;
+}
+
+}  // namespace vndiscover

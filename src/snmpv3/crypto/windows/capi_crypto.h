@@ -1,0 +1,47 @@
+// MD5, SHA-1, their HMACs and DES by CryptoAPI. Failures are logged; the result is then left empty.
+#pragma once
+
+#include "snmp/codec/byte_buffer.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/windows/capi_handles.h"
+
+namespace vndiscover {
+
+// One MD5 or SHA-1 hash being made, or with a key its HMAC.
+class CapiHash {
+  public:
+    // authCode: kAuthMd5 or kAuthSha1.
+    CapiHash(HCRYPTPROV provider, uint32_t authCode, HCRYPTKEY hmacKey = 0);
+    bool Add(const uint8_t* bytes, uint32_t count);
+    bool Finish(ByteBuffer& digest);
+
+  private:
+    bool Create(HCRYPTPROV provider, ALG_ID algorithm, HCRYPTKEY key);
+    void ChooseHmac(ALG_ID algorithm);
+
+    uint32_t authCode_;
+    OwnedCryptHash hash_;
+};
+
+// A context for hashes and HMACs; empty on failure.
+OwnedCryptProvider OpenHashProvider(DWORD flags);
+
+// Keeps its context from the first hash on.
+class CapiHasher {
+  public:
+    bool Hash(uint32_t authCode, const RepeatedBytes& input, ByteBuffer& digest);
+
+  private:
+    OwnedCryptProvider provider_;
+};
+
+bool CapiHmac(uint32_t authCode, const ByteBuffer& key, const uint8_t* message, uint32_t length,
+              ByteBuffer& mac);
+
+bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&block)[kDesBlockSize],
+                         uint8_t (&cipher)[kDesBlockSize]);
+
+bool CapiDesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesBlockSize],
+                    const uint8_t* cipher, uint32_t length, ByteBuffer& plain);
+
+}  // namespace vndiscover

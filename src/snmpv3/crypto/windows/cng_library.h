@@ -1,0 +1,75 @@
+// The functions of the newer crypto library, and owners of what they open. The library is looked up
+// at run time: older systems lack it and must still load this module.
+#pragma once
+
+#include <memory>
+
+#include "snmp/codec/byte_buffer.h"
+#include "support/system_library.h"
+#include "support/win.h"
+
+#include <bcrypt.h>
+
+namespace vndiscover {
+
+struct CngAlgorithmCloser {
+    decltype(&BCryptCloseAlgorithmProvider) close;
+    void operator()(void* algorithm) const noexcept { close(algorithm, 0); }
+};
+using OwnedCngAlgorithm = std::unique_ptr<void, CngAlgorithmCloser>;
+
+struct CngHashCloser {
+    decltype(&BCryptDestroyHash) close;
+    void operator()(void* hash) const noexcept { close(hash); }
+};
+using OwnedCngHash = std::unique_ptr<void, CngHashCloser>;
+
+class CngLibrary {
+  public:
+    CngLibrary();
+
+    // Empty on failure, which is logged; also where the library or one of its functions is missing.
+    OwnedCngAlgorithm OpenAlgorithm(const wchar_t* name, ULONG flags) const;
+
+  private:
+    friend class CngHash;
+    SystemLibrary library_;
+    decltype(&BCryptOpenAlgorithmProvider) openAlgorithm_;
+    decltype(&BCryptCloseAlgorithmProvider) closeAlgorithm_;
+    decltype(&BCryptGetProperty) getProperty_;
+    decltype(&BCryptCreateHash) createHash_;
+    decltype(&BCryptHashData) hashData_;
+    decltype(&BCryptFinishHash) finishHash_;
+    decltype(&BCryptDestroyHash) destroyHash_;
+};
+
+// Memory of the process heap, wiped before it is freed.
+class HeapBlock {
+  public:
+    explicit HeapBlock(size_t size) noexcept;
+    ~HeapBlock();
+    HeapBlock(const HeapBlock&) = delete;
+    HeapBlock& operator=(const HeapBlock&) = delete;
+
+    uint8_t* Get() const noexcept { return memory_; }  // null when the heap is exhausted
+    ULONG Size() const noexcept { return static_cast<ULONG>(size_); }
+
+  private:
+    size_t size_;
+    uint8_t* memory_;
+};
+
+// One hash being made, or with a key its HMAC. Failures are logged.
+class CngHash {
+  public:
+    CngHash(const CngLibrary& library, BCRYPT_ALG_HANDLE algorithm, const ByteBuffer* hmacKey);
+    bool Add(const uint8_t* bytes, uint32_t count);
+    bool Finish(ULONG digestSize, ByteBuffer& digest);
+
+  private:
+    const CngLibrary& library_;
+    HeapBlock object_;  // outlives the hash that lives in it
+    OwnedCngHash hash_;
+};
+
+}  // namespace vndiscover

@@ -1,0 +1,61 @@
+// Which back end makes what.
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/protocol_codes.h"
+#include "snmpv3/crypto/sha224.h"
+#include "snmpv3/crypto/windows/capi_crypto.h"
+#include "snmpv3/crypto/windows/cng_crypto.h"
+
+namespace vndiscover {
+namespace {
+
+// Codes that stand for no hash get numbers that the library's wrapper refuses, which it logs.
+int32_t CngNumber(uint32_t authCode) { return static_cast<int32_t>(authCode - 2); }
+
+}  // namespace
+
+struct CryptoSession::BackEnds {
+    CapiHasher capi;
+    CngCrypto cng;
+};
+
+CryptoSession::CryptoSession() : backEnds_(std::make_unique<BackEnds>()) {}
+CryptoSession::~CryptoSession() = default;
+
+bool CryptoSession::Hash(uint32_t authCode, const RepeatedBytes& input, ByteBuffer& digest) {
+    switch (authCode) {
+        case kAuthMd5:
+        case kAuthSha1:
+            return backEnds_->capi.Hash(authCode, input, digest);
+        case kAuthSha224:
+            return HashSha224(input, digest);
+        default:
+            return backEnds_->cng.Hash(CngNumber(authCode), input, digest);
+    }
+}
+
+bool CryptoSession::Hmac(uint32_t authCode, const ByteBuffer& key, const uint8_t* message,
+                         uint32_t length, ByteBuffer& mac) {
+    switch (authCode) {
+        case kAuthMd5:
+        case kAuthSha1:
+            return CapiHmac(authCode, key, message, length, mac);
+        case kAuthSha224:
+            return HmacSha224(key.data, key.length, message, length, mac);
+        default:
+            return backEnds_->cng.Hmac(CngNumber(authCode), key, message, length, mac);
+    }
+}
+
+bool CryptoSession::DesEncryptBlock(const uint8_t (&key)[kDesKeySize],
+                                    const uint8_t (&block)[kDesBlockSize],
+                                    uint8_t (&cipher)[kDesBlockSize]) {
+    return CapiDesEncryptBlock(key, block, cipher);
+}
+
+bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
+                               const uint8_t (&iv)[kDesBlockSize], const uint8_t* cipher,
+                               uint32_t length, ByteBuffer& plain) {
+    return CapiDesDecrypt(key, iv, cipher, length, plain);
+}
+
+}  // namespace vndiscover

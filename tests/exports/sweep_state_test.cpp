@@ -1,0 +1,152 @@
+// What one sweep leaves to the next, to one that a host starts inside it, and to the process.
+#include <fcntl.h>
+#include <stdlib.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "exports/support/v3_test.h"
+
+namespace vndiscover {
+namespace {
+
+constexpr wchar_t kPath[] = L"devices.csv";
+constexpr char kTwoDevices[] = "\"10.77.1.2\",\"A\"\r\n\"10.77.1.2\",\"B\"\r\n";
+
+std::string TakeFile(const char* path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    file.close();
+    std::remove(path);
+    return content;
+}
+
+class SweepState : public V3Test {
+  protected:
+    SweepState() {
+        Devices([](const Request& request) {
+            if (request.net != "neta") return Answers();
+            if (request.data == V3Probe()) return Answers{{V3Report()}};
+            if (request.data == V3Request(kDefaultOid)) return Answers{{V3Text("V3")}};
+            return Answers{{SnmpText("A")}, {SnmpText("B")}};
+        });
+    }
+    int32_t SweepV3(ResultWindow& to, const wchar_t* request = nullptr) {
+        return user.Ask([&](auto... security) {
+            return request ? module.DiscoverV3DevicesByOIDjson(to.Handle(), to.kMessage, 0, 0,
+                                                               request, security...)
+                           : module.DiscoverSnmpV3(to.Handle(), to.kMessage, 0, 0, security...);
+        });
+    }
+
+    ResultWindow other;
+};
+
+TEST_F(SweepState, OfASweepThatRunsIsNotTouchedByOneInsideIt) {
+    window.onResult = [&](const Result& result) {
+        if (result.isEnd) return;
+        module.DiscoverDevices(other.Handle(), other.kMessage, 0, 0, kPath, nullptr, nullptr);
+        module.DiscoverSnmp(other.Handle(), other.kMessage, 0, 0, nullptr, nullptr);
+        SweepV3(other);
+    };
+    Sweep(kPath);
+    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=A", "10.77.1.2=B", "end"));
+    EXPECT_EQ(kTwoDevices, TakeFile("devices.csv"));
+    EXPECT_THAT(Requests(), SizeIs(2)) << "one of each adapter";
+    window.results.clear();
+    SweepV3(window);
+    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=V3"));
+    EXPECT_THAT(other.results, IsEmpty());
+}
+
+TEST_F(SweepState, IsFreeForAnotherWithinTheFinalMessage) {
+    window.onResult = [&](const Result& result) {
+        if (result.isEnd) module.DiscoverSnmp(other.Handle(), other.kMessage, 0, 0, "next", "");
+    };
+    Sweep(kPath);
+    EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=A", "10.77.1.2=B", "end"));
+    EXPECT_EQ(window.Texts(), other.Texts());
+    EXPECT_EQ(kTwoDevices, TakeFile("devices.csv")) << "of the first alone";
+}
+
+// Cut, it could name another variable.
+TEST_F(SweepState, HasNoRoomForADiscoveryOidOf260Characters) {
+    const auto request = [](size_t size) {  // kSysName as so many characters
+        return L"{\"DiscoverOID\": \".1.3.6.1.2.1.1.5." + std::wstring(size - 17, L'0') + L"\"}";
+    };
+    SilentDevices();
+    for (const size_t size : {260, 1000}) {
+        SweepFor(request(size));
+        SweepV3(window, request(size).c_str());
+    }
+    EXPECT_THAT(Sent(), IsEmpty());
+    EXPECT_THAT(window.Texts(), ElementsAre("end", "end"));
+    SweepFor(request(259));
+    EXPECT_THAT(Sent(), ElementsAre(SnmpGet(kSysName), SnmpGet(kSysName)));
+    SweepV3(window, request(259).c_str());
+    EXPECT_THAT(Sent(), SizeIs(4));
+}
+
+TEST_F(SweepState, BeginsWithASocketObjectOfItsOwn) {
+    SilentDevices();
+    Sweep();
+    SweepV3(window);
+    SweepV3(window);
+    const Lines lines = log.Lines();
+    EXPECT_EQ(3, std::count(lines.begin(), lines.end(), "SCKRAW::SCKRAW()\n"));
+}
+
+// Whatever the host has made the runtime's default.
+TEST_F(SweepState, IsWrittenToTextFiles) {
+    const int before = _fmode;
+    _fmode = _O_BINARY;
+    switches.SetOn("Dbg2Log");
+    Reload();
+    Sweep(kPath);
+    _fmode = before;
+    switches.Remove("Dbg2Log");
+    Reload();
+    EXPECT_EQ(kTwoDevices, TakeFile("devices.csv"));
+    const std::string written = TakeFile("VxAdmSvc.log");
+    EXPECT_THAT(written, HasSubstr("SNMP::Discover\r\n"));
+    EXPECT_THAT(written, HasSubstr("SNMP::Discover - ended\r\n"));
+}
+
+int g_references;
+
+int WSAAPI Start(WORD version, WSADATA* data) {
+    const int error = WSAStartup(version, data);
+    if (error == 0) ++g_references;
+    return error;
+}
+int WSAAPI CleanUp() {
+    --g_references;
+    return WSACleanup();
+}
+
+// The module ends under the loader's lock, where the last clean-up could wait for ever.
+TEST(WinSockReferences, OneStaysWhenTheModuleIsUnloadedAfterASweep) {
+    const std::function<void(const Module&)> sweeps[] = {
+        [](const Module& module) { module.DiscoverSnmp(nullptr, 0, 0, 0, nullptr, nullptr); },
+        [](const Module& module) {
+            V3User().Ask([&](auto... security) {
+                return module.DiscoverSnmpV3(nullptr, 0, 0, 0, security...);
+            });
+        },
+        [](const Module& module) { module.DiscoverSoap(nullptr, 0, 0, "probe", 5); }};
+    for (const auto& sweep : sweeps) {
+        g_references = 0;
+        {
+            const Module module;
+            // Never taken back: what the unloading does is the test.
+            new ImportPatch(module.Handle(), "WSAStartup", Start);
+            new ImportPatch(module.Handle(), "WSACleanup", CleanUp);
+            const ScriptedNetwork network(module);
+            sweep(module);
+        }
+        EXPECT_EQ(1, g_references) << "sweep " << &sweep - sweeps;
+    }
+}
+
+}  // namespace
+}  // namespace vndiscover

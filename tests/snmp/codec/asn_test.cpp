@@ -1,0 +1,101 @@
+// The BER primitives against ITU-T X.690 and the system's own rules.
+#include <gtest/gtest.h>
+
+#include "helpers/bytes.h"
+#include "helpers/unit_log.h"
+#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn_encode.h"
+
+namespace vndiscover {
+namespace {
+
+TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
+    const int32_t lengths[] = {0, 127, 128, 255, 256, 65536, INT32_MAX};
+    ByteBuffer out;
+    for (const int32_t length : lengths) AsnAppendLength(out, length);
+    EXPECT_EQ(Hex("00 7f 8180 81ff 820100 83010000 847fffffff"), ToBytes(out));
+    uint32_t cursor = 0;
+    for (const int32_t length : lengths) {
+        EXPECT_EQ(static_cast<uint32_t>(length), AsnReadLength(out, cursor));
+    }
+    EXPECT_EQ(out.length, cursor);
+
+    // The indefinite form is no length, and of more than four bytes the last four count.
+    const ByteBuffer other = ToBuffer(Hex("80 85 11 22 33 44 55"));
+    cursor = 0;
+    EXPECT_EQ(0u, AsnReadLength(other, cursor));
+    EXPECT_EQ(0x22334455u, AsnReadLength(other, cursor));
+    EXPECT_EQ(other.length, cursor);
+
+    UnitLog log;
+    ByteBuffer negative;
+    AsnAppendHeader(negative, kTagSequence, -1);
+    EXPECT_EQ(Bytes{0x30}, ToBytes(negative));
+    EXPECT_EQ(std::vector<std::string>{"ERROR: asnLength is 0\n"}, log.Lines());
+}
+
+TEST(Asn, IntegersTakeTheShortestFormAndReadBack) {
+    const int32_t values[] = {0,  127, 128,  256,  65408, INT32_MAX,
+                              -1, -2,  -128, -129, -256,  INT32_MIN};
+    ByteBuffer out;
+    for (const int32_t value : values) AsnAppendInteger(value, out);
+    EXPECT_EQ(Hex("020100 02017f 02020080 02020100 020300ff80 02047fffffff"
+                  "0201ff 0201fe 020180 0202ff7f 0202ff00 020480000000"),
+              ToBytes(out));
+    uint32_t cursor = 0;
+    for (const int32_t value : values) {
+        int32_t read = 99;
+        cursor = AsnReadInteger(read, out, cursor);
+        EXPECT_EQ(value, read);
+    }
+}
+
+// What our encoder never writes.
+TEST(Asn, IntegersOfOtherFormsAreReadByRulesOfTheirOwn) {
+    const std::pair<Bytes, int32_t> rows[] = {
+        {{2, 5, 0x00, 0xFF, 0xFF, 0xFF, 0xFF}, -1},  // an unsigned value from 2^31 on
+        {{2, 5, 0x01, 0x00, 0x00, 0x00, 0x02}, 2},   // the high byte is shifted out
+        {{2, 3, 0x80, 0xFF, 0x80}, -128},            // the leading 80 is skipped
+        {{2, 3, 0x80, 0xFF, 0x7F}, -0x7F0081},       // it is not
+        {{2, 2, 0x80, 0xFF}, -0x7F01},
+        {{0x41, 2, 0x01, 0x00}, 256},  // any tag
+        {{2, 0}, 0},
+        {{2, 0, 0x80}, -1},  // the sign of the byte behind
+        {{2, 0x81, 1, 5}, 5}};
+    for (const auto& [bytes, expected] : rows) {
+        int32_t value = 99;
+        AsnReadInteger(value, ToBuffer(bytes), 0);
+        EXPECT_EQ(expected, value) << testing::PrintToString(bytes);
+    }
+}
+
+TEST(Asn, OctetStringsOfNothingAreEmpty) {
+    const uint8_t bytes[] = {1, 2, 3};
+    ByteBuffer out;
+    AsnAppendOctetString(nullptr, 5, out);
+    AsnAppendOctetString(bytes, 0, out);
+    AsnAppendOctetString(bytes, 3, out);
+    AsnAppendOctet(7, out);
+    EXPECT_EQ(Hex("0400 0400 0403010203 040107"), ToBytes(out));
+    ByteBuffer read = ToBuffer({9});
+    EXPECT_EQ(2u, AsnReadOctetString(read, out, 0));
+    EXPECT_TRUE(read.Empty());
+    EXPECT_EQ(9u, AsnReadOctetString(read, out, 4));
+    EXPECT_EQ(Bytes({1, 2, 3}), ToBytes(read));
+}
+
+TEST(Asn, EveryShortOrWrongValueIsOneDecodeError) {
+    int32_t value = 0;
+    for (const char* bytes : {"", "02", "02 01", "02 04 01 02 03", "02 06 01 02 03 04 05 06",
+                              "02 82 00", "02 84 FF FF FF FF 01"}) {
+        EXPECT_THROW(AsnReadInteger(value, ToBuffer(Hex(bytes)), 0), AsnDecodeError) << bytes;
+    }
+    EXPECT_THROW(AsnReadInteger(value, ToBuffer({2, 1, 1}), 4), AsnDecodeError);
+    ByteBuffer string;
+    for (const char* bytes : {"06 01 01", "04 02 01", "04 84 FF FF FF FE 01"}) {
+        EXPECT_THROW(AsnReadOctetString(string, ToBuffer(Hex(bytes)), 0), AsnDecodeError) << bytes;
+    }
+}
+
+}  // namespace
+}  // namespace vndiscover
