@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "helpers/bytes.h"
 #include "snmp/asn_decode.h"
 
@@ -70,7 +72,6 @@ TEST(Pdu, EncodesWithFullLengthsAndItsOwnRequestId) {
     SetVarBindList(bindings, 2, pdu.bindings);
     ByteBuffer out = ToBuffer({0x55});  // what was there stays
     EncodePdu(pdu, out);
-    EXPECT_EQ(257, pdu.requestId);
     const Bytes list =
         Tlv(0x30, Tlv(0x06, kOid) + Hex("05 00")) + TextBinding(kOid, Bytes(126, 'v'));
     EXPECT_EQ(Bytes{0x55} + Tlv(0xA0, Hex("02 02 01 01 02 01 00 02 01 00") + Tlv(0x30, list)),
@@ -89,10 +90,9 @@ TEST(Pdu, DecodesEveryBindingInOrder) {
     EXPECT_EQ(2, pdu.errorStatus);
     EXPECT_EQ(1, pdu.errorIndex);
     ASSERT_EQ(2, pdu.bindings.count);
-    VarBindRecord expected = Binding(kTagOctetString, TextBytes("one"));
-    EXPECT_EQ(0, std::memcmp(&expected, &pdu.bindings.bindings[0], sizeof expected));
-    expected = {0x30, 6, 0, 0, {}, 0x02, 1, {2}};
-    EXPECT_EQ(0, std::memcmp(&expected, &pdu.bindings.bindings[1], sizeof expected));
+    const VarBindRecord expected[] = {Binding(kTagOctetString, TextBytes("one")),
+                                      {0x30, 6, 0, 0, {}, 0x02, 1, {2}}};
+    EXPECT_EQ(0, std::memcmp(expected, pdu.bindings.bindings, sizeof expected));
 }
 
 TEST(Pdu, RefusesABindingThatDoesNotFitAndEveryPrefix) {

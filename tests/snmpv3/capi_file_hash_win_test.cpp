@@ -1,32 +1,26 @@
-// Hashing of files, and what the log says where that fails.
+#include "snmpv3/capi_file_hash.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <fstream>
 
 #include "helpers/bytes.h"
-#include "helpers/unit_log.h"
-#include "snmpv3/capi_file_hash.h"
+#include "helpers/log_capture.h"
 
 namespace vndiscover {
 namespace {
 
 TEST(FileHash, HashesAWholeFileOrSaysWhyNot) {
     const char kName[] = "file_hash_test.bin";
-    std::FILE* file = std::fopen(kName, "wb");
-    ASSERT_NE(nullptr, file);
-    for (int i = 0; i < 5000; ++i) std::fputc('a', file);
-    std::fclose(file);
+    std::ofstream(kName, std::ios::binary) << std::string(5000, 'a');
     ByteBuffer digest;
     EXPECT_TRUE(CapiHashFile(kName, digest));
-    // Computed with md5sum.
-    EXPECT_EQ(Hex("7aaa7dec709fa4fa82f3746abfd80bdb"), ToBytes(digest));
-
+    EXPECT_EQ(Hex("7aaa7dec709fa4fa82f3746abfd80bdb"), ToBytes(digest));  // as md5sum has it
     std::remove(kName);
     UnitLog log;
     EXPECT_FALSE(CapiHashFile(kName, digest));
     EXPECT_TRUE(digest.Empty());
-    EXPECT_EQ(std::vector<std::string>{"Error [2] opening file file_hash_test.bin.\n"},
-              log.Lines());
+    EXPECT_EQ("Error [2] opening file file_hash_test.bin.\n", log.Text());
 }
 
 }  // namespace

@@ -31,22 +31,6 @@ TEST(Crypto, AuthenticatesLikeTheStandards) {
     }
 }
 
-// FIPS 81, tables B1 and C1.
-TEST(Crypto, EncryptsAndDecryptsDesLikeTheStandard) {
-    CryptoSession crypto;
-    const uint8_t key[] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xab, 0xcd, 0xef};
-    const uint8_t iv[] = {0x12, 0x34, 0x56, 0x78, 0x90, 0xab, 0xcd, 0xef};
-    const uint8_t block[] = {'N', 'o', 'w', ' ', 'i', 's', ' ', 't'};
-    uint8_t cipher[8] = {};
-    ASSERT_TRUE(crypto.DesEncryptBlock(key, block, cipher));
-    EXPECT_EQ(Hex("3fa40e8a984d4815"), Bytes(cipher, cipher + 8));
-
-    const Bytes chained = Hex("e5c7cdde872bf27c 43e934008c389c0f 683788499a7c05f6");
-    ByteBuffer plain;
-    ASSERT_TRUE(crypto.DesDecrypt(key, iv, chained.data(), 24, plain));
-    EXPECT_EQ(TextBytes("Now is the time for all "), ToBytes(plain));
-}
-
 Bytes Sha224Of(const Bytes& bytes) {
     ByteBuffer digest;
     HashSha224({bytes.data(), bytes.size(), bytes.size()}, digest);
