@@ -24,15 +24,16 @@ const MessageKeys& Keys() {
 }
 
 // The bindings of the message; -1: it does not decode.
-int32_t Read(uint32_t auth, uint32_t priv, Bytes datagram) {
+int32_t Read(uint32_t auth, uint32_t priv, const Bytes& datagram) {
     MessageRecord message;
     message.usm.engineId = ToBuffer(V3Datagram().engineId);
     message.usm.authProtocol = auth;
     message.usm.privProtocol = priv;
     CryptoSession crypto;
-    const auto size = static_cast<int32_t>(datagram.size());
+    Bytes block = datagram;
+    const auto size = static_cast<int32_t>(block.size());
     try {
-        const int32_t end = ReadMessage(message, Keys(), crypto, datagram.data(), size);
+        const int32_t end = ReadMessage(message, Keys(), crypto, block.data(), size);
         if (end <= 0 || end > size) std::abort();
     } catch (const AsnDecodeError&) {
         return -1;

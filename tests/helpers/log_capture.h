@@ -17,8 +17,6 @@ class LogCapture {
   public:
     LogCapture();
     ~LogCapture();
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
 
     std::vector<std::string> Lines() const {
         std::lock_guard<std::mutex> lock(mutex_);

@@ -41,7 +41,10 @@ class DecodeTest : public testing::Test {
     int32_t DecodeInPlace(Bytes& datagram) {
         return message_.Decode(datagram.data(), static_cast<int32_t>(datagram.size()));
     }
-    int32_t Decode(Bytes datagram) { return DecodeInPlace(datagram); }
+    int32_t Decode(const Bytes& datagram) {
+        Bytes block = datagram;
+        return DecodeInPlace(block);
+    }
     int32_t Decode() { return Decode(answer_.Build()); }
     std::string FirstText() {
         std::string text;
@@ -185,17 +188,12 @@ TEST_F(DecodeTest, AnotherLayoutIsNoAnswer) {
     const Bytes whole = answer_.Build();
     const size_t usmAt = 5 + 2 + whole[6];  // behind version and header
     // Four tags, and sequences that are shorter or longer than their fields.
-    const std::pair<size_t, int> bytes[] = {{0, 0x31},
-                                            {5, 0x31},
-                                            {usmAt, 0x30},
-                                            {usmAt + 2, 0x31},
-                                            {6, whole[6] - 1},
-                                            {usmAt + 3, whole[usmAt + 3] - 1},
-                                            {usmAt + 3, whole[usmAt + 3] + 1}};
-    for (const auto& [at, byte] : bytes) {
+    const std::pair<size_t, int> changes[] = {
+        {0, 1}, {5, 1}, {usmAt, 1}, {usmAt + 2, 1}, {6, -1}, {usmAt + 3, -1}, {usmAt + 3, 1}};
+    for (const auto& [at, change] : changes) {
         Bytes changed = whole;
-        changed[at] = static_cast<uint8_t>(byte);
-        EXPECT_EQ(0, Decode(changed)) << at << " " << byte;
+        changed[at] = static_cast<uint8_t>(changed[at] + change);
+        EXPECT_EQ(0, Decode(changed)) << at << " " << change;
     }
     EXPECT_EQ(0, message_.Decode(nullptr, 0));
     EXPECT_EQ(0, message_.Decode(Bytes(whole).data(), -1));
@@ -221,7 +219,7 @@ TEST_F(DecodeTest, NoFieldLeavesItsSequence) {
 TEST_F(DecodeTest, EveryPrefixIsRefusedAndLeavesWhatWasReadUntilThen) {
     const Bytes content = answer_.Content();
     for (size_t size = 0; size < content.size(); ++size) {
-        message_.SetOid(".1.3.6.1.2.1.1.5.0");
+        message_.SetOid(kSysName);
         EXPECT_EQ(0, Decode(Tlv(0x30, Prefix(content, size)))) << size;
         EXPECT_EQ(0, message_.Bindings().count);
     }
