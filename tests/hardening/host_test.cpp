@@ -45,6 +45,8 @@ TEST_F(Host, MayAskDirectlyFromWithinAMessage) {
 }
 
 TEST_F(Host, HasAFullDiskWhichCostsNoMessage) {
+    std::ofstream full("Z:\\dev\\full");
+    EXPECT_TRUE(full.is_open() && !(full << std::flush << 'x' << std::flush));
     const std::string text(120, 'x');
     DeviceIn("neta", Repeated(1000, {SnmpText(text)}));
     Sweep(L"Z:\\dev\\full");

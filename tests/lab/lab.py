@@ -40,6 +40,13 @@ def run(*arguments, program="vndiscover.exe", **environment):
         return done.returncode, out.read().decode().replace("\r\n", "\n"), err.read().decode()
 
 
+def found(*arguments, **environment):
+    """Runs the program and returns its output; it has to end with 0."""
+    code, out, err = run(*arguments, **environment)
+    assert code == 0, (arguments, code, out, err)
+    return out
+
+
 def run_on_terminal(steps, *arguments):
     """Runs the program on a terminal and types. `steps`: pairs of a text to wait for and what is typed then.
     Returns exit code, what the screen got without its control sequences, and the seconds since the last key."""
