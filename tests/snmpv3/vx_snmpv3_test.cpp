@@ -170,27 +170,25 @@ class DecodeTest : public testing::Test {
     ByteBuffer privKey_;
 };
 
-// Though the request was authenticated and private.
+// To a probe, and to a request that was authenticated and private.
 TEST_F(DecodeTest, APlainReportIsReadAndTeachesTheEngine) {
-    Ask(kAuthSha1, kPrivAes, 3);
     answer_.msgMaxSize = 1500;
-    answer_.engineId = Hex("80 01 02 03 04");
-    answer_.boots = 8;
-    answer_.time = 300;
     const MessageRecord& record = message_.Record();
-    for (const Bytes& flags : {Bytes{0}, Bytes()}) {
-        message_.SetFlags(true, true);
-        answer_.flagsTlv = Tlv(0x04, flags);
-        UnitLog log;
-        EXPECT_EQ(flags.empty() ? 0 : static_cast<int32_t>(answer_.Build().size()), Decode());
-        EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
-        EXPECT_EQ(kEntry, log.Text());
-        EXPECT_EQ(flags.empty() ? "" : "value", FirstText());
-    }
+    message_.SetFlags(true, true);
+    UnitLog log;
+    EXPECT_EQ(static_cast<int32_t>(answer_.Build().size()), Decode());
     EXPECT_EQ(answer_.engineId, ToBytes(message_.EngineId()));
-    EXPECT_EQ(8, message_.EngineBoots());
-    EXPECT_EQ(300, message_.EngineTime());
+    EXPECT_EQ(7, message_.EngineBoots());
+    EXPECT_EQ(70000, message_.EngineTime());
     EXPECT_EQ(1500u, message_.MsgMaxSize());
+    for (const Bytes& flags : {Bytes{0}, Bytes()}) {
+        Ask(kAuthSha1, kPrivAes, 3);
+        answer_.flagsTlv = Tlv(0x04, flags);
+        EXPECT_EQ(flags.empty(), Decode() == 0);
+        EXPECT_EQ(flags.empty() ? "" : "value", FirstText());
+        EXPECT_FALSE(record.authFlag || record.privFlag || record.reportableFlag);
+    }
+    EXPECT_EQ(kEntry + kEntry + kEntry, log.Text());
 }
 
 // An answer of net-snmp 5.9.3.
