@@ -43,8 +43,6 @@ class GuardedBuffer {
         return std::all_of(base_, data_, [](uint8_t byte) { return byte == kFill; });
     }
     bool IsUntouched() const { return FrontStands() && Content() == Bytes(size_, kFill); }
-    // It holds a text that ends inside.
-    bool IsText() const { return std::find(data_, data_ + size_, 0) != data_ + size_; }
 
   private:
     static constexpr size_t kPage = 4096;

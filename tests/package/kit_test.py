@@ -87,22 +87,18 @@ class Kit(unittest.TestCase):
 
 
 class ThirdParty(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.sbom = json.loads((KIT / "sbom.cdx.json").read_text())
-        cls.versions = {c["name"]: c["version"] for c in cls.sbom["components"]}
+    def setUp(self):
+        self.sbom = json.loads((KIT / "sbom.cdx.json").read_text())
 
     def test_versions_are_those_of_what_was_linked(self):
+        versions = {component["name"]: component["version"] for component in self.sbom["components"]}
         headers = {"cJSON": "cjson/cJSON.h", "CLI11": "CLI/Version.hpp", "OpenSSL": "openssl/opensslv.h"}
         for name, header in headers.items():
             text = (DEPS / "include" / header).read_text(encoding="utf-8")
             linked = ".".join(re.search(rf"define\s+{name.upper()}_VERSION_{part}\s+(\d+)", text)[1]
                               for part in ("MAJOR", "MINOR", "PATCH"))
             # The package's version: the library's own, then what the distribution changed.
-            self.assertRegex(self.versions[name], rf"^{re.escape(linked)}([-+~].*)?$", name)
-        built = dict(line.split(" ") for line in (DEPS / "versions.txt").read_text().splitlines())
-        for name in ("cJSON", "pugixml", "CLI11"):
-            self.assertEqual(built[name], self.versions[name])
+            self.assertRegex(versions[name], rf"^{re.escape(linked)}([-+~].*)?$", name)
 
     def test_each_component_of_the_bill_has_its_notice_and_the_package_s_own_text(self):
         self.assertEqual("CycloneDX", self.sbom["bomFormat"])
