@@ -209,6 +209,7 @@ struct Usage {
 TEST(Load, AndUnloadAgainAndAgainLeavesNothingBehind) {
     const char* const setting = std::getenv("VNDISCOVER_SOAK_ROUNDS");
     const int rounds = setting ? std::atoi(setting) : 40;
+    const RegistrySwitches key;  // to be opened, with every switch off
     ResultWindow window;
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
