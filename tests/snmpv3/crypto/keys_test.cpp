@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "helpers/bytes.h"
+#include "helpers/unit_log.h"
+#ifndef _WIN32
+#include "native/crypto_openssl.h"
+#endif
 #include "snmpv3/crypto/protocol_codes.h"
 
 namespace vndiscover {
@@ -28,6 +32,37 @@ TEST(Keys, MapleSyrupGivesTheKnownKeys) {
     for (const char* key : keys) EXPECT_EQ(Hex(key), KeyOf(code++, TextBytes("maplesyrup")));
     EXPECT_EQ(Bytes(), KeyOf(code, TextBytes("maplesyrup"))) << "no such protocol";
     EXPECT_EQ(Bytes(), KeyOf(kAuthSha1, {}));
+}
+
+TEST(Keys, APasswordIsHashedOnceForAllEnginesAndFailuresEachTime) {
+    CryptoSession crypto;
+    PasswordKeys keys;
+    UnitLog log;
+    const ByteBuffer passwords[] = {ToBuffer(TextBytes("authpass1")),
+                                    ToBuffer(TextBytes("privpass1"))};
+#ifndef _WIN32
+    const int before = g_mebibyteHashes;
+#endif
+    for (uint8_t engine = 1; engine <= 3; ++engine) {
+        for (const ByteBuffer& password : passwords) {
+            EXPECT_EQ(
+                ToBytes(PasswordToKey(crypto, kAuthSha256, password, ToBuffer({engine}))),
+                ToBytes(keys.LocalisedKey(crypto, kAuthSha256, password, ToBuffer({engine}))));
+        }
+    }
+#ifndef _WIN32
+    EXPECT_EQ(3 * 2 + 2, g_mebibyteHashes - before);
+#endif
+    EXPECT_EQ(KeyOf(kAuthSha1, TextBytes("authpass1")),
+              ToBytes(keys.LocalisedKey(crypto, kAuthSha1, passwords[0],
+                                        ToBuffer(Hex("00 00 00 00 00 00 00 00 00 00 00 02")))));
+    EXPECT_TRUE(log.Lines().empty());
+    const std::vector<std::string> line = {"Not supported HashAlgorithm:5\n"};
+    for (int i = 0; i < 2; ++i) {
+        log.Clear();
+        EXPECT_TRUE(keys.LocalisedKey(crypto, 7, passwords[0], {}).Empty());
+        EXPECT_EQ(line, log.Lines());
+    }
 }
 
 // 20,400 bytes: longer than what is put together before hashing. Computed with Python's hashlib.
