@@ -1,9 +1,10 @@
-// v3_devices FIRST_IP COUNT AUTH PRIV: plays COUNT devices with one address each from FIRST_IP on, all of which are
-// this machine's own (`ip route add local`). AUTH: md5, sha1, sha256; PRIV: des, aes; user "bench", passwords
-// "authpass1" and "privpass1". On port 161
-//   an SNMPv3 engine discovery  is answered with a report: a broadcast one by each device, as fast as it goes
-//   an SNMPv3 request           is checked, decrypted and answered by the device asked; a wrong one is not answered
-//   an SNMPv1 request           is answered likewise, by each device or the one asked
+// v3_devices FIRST_IP COUNT AUTH PRIV: plays COUNT devices with one address each from FIRST_IP on,
+// all of which are this machine's own (`ip route add local`). AUTH: md5, sha1, sha256; PRIV: des,
+// aes; user "bench", passwords "authpass1" and "privpass1". On port 161
+//   an SNMPv3 engine discovery  is answered with a report: a broadcast one by each device, as fast
+//   as it goes an SNMPv3 request           is checked, decrypted and answered by the device asked;
+//   a wrong one is not answered an SNMPv1 request           is answered likewise, by each device or
+//   the one asked
 // The value is always an OCTET STRING "Model 00000", the number that of the device. Prints "ready".
 #define _GNU_SOURCE
 #define OPENSSL_SUPPRESS_DEPRECATED
@@ -17,7 +18,14 @@
 #include <string.h>
 #include <sys/socket.h>
 
-enum { kLargest = 2048, kEngineSize = 9, kBoots = 1, kTime = 1000, kSaltSize = 8, kMebibyte = 1 << 20 };
+enum {
+    kLargest = 2048,
+    kEngineSize = 9,
+    kBoots = 1,
+    kTime = 1000,
+    kSaltSize = 8,
+    kMebibyte = 1 << 20
+};
 
 typedef struct {
     const unsigned char* at;
@@ -123,8 +131,8 @@ static void StoreNumber(uint32_t value, unsigned char* bytes) {
     for (int i = 0; i < 4; ++i) bytes[i] = (unsigned char)(value >> (24 - 8 * i));
 }
 
-static void Crypt(const unsigned char* key, const unsigned char* salt, const unsigned char* in, size_t length,
-                  unsigned char* result, int encrypt) {
+static void Crypt(const unsigned char* key, const unsigned char* salt, const unsigned char* in,
+                  size_t length, unsigned char* result, int encrypt) {
     unsigned char iv[16];
     if (usesDes) {
         DES_key_schedule schedule;
@@ -140,7 +148,8 @@ static void Crypt(const unsigned char* key, const unsigned char* salt, const uns
         StoreNumber(kBoots, iv);
         StoreNumber(kTime, iv + 4);
         memcpy(iv + 8, salt, 8);
-        AES_cfb128_encrypt(in, result, length, &schedule, iv, &position, encrypt ? AES_ENCRYPT : AES_DECRYPT);
+        AES_cfb128_encrypt(in, result, length, &schedule, iv, &position,
+                           encrypt ? AES_ENCRYPT : AES_DECRYPT);
     }
 }
 
@@ -174,7 +183,8 @@ static void EngineOf(int device, unsigned char* engine) {
     StoreNumber(firstIp + (uint32_t)device, engine + sizeof kPrefix);
 }
 
-// What goes around the scoped PDU, or around the OCTET STRING of it encrypted. Gives the place of the MAC.
+// What goes around the scoped PDU, or around the OCTET STRING of it encrypted. Gives the place of
+// the MAC.
 static size_t PutMessage(long msgId, unsigned char flags, const unsigned char* engine, Bytes user,
                          const unsigned char* salt) {
     static const unsigned char kZeros[48];
@@ -297,8 +307,9 @@ static int Read(unsigned char* datagram, size_t length, int device, Request* req
     Bytes scoped = Take(&message, &tag);
     if (request->engine.length != 0) {
         EngineOf(device, engine);
-        if (request->engine.length != kEngineSize || memcmp(request->engine.at, engine, kEngineSize) != 0 ||
-            mac.length != macSize || salt.length != kSaltSize || tag != 4) {
+        if (request->engine.length != kEngineSize ||
+            memcmp(request->engine.at, engine, kEngineSize) != 0 || mac.length != macSize ||
+            salt.length != kSaltSize || tag != 4) {
             return 0;
         }
         unsigned char received[64];
@@ -315,7 +326,8 @@ static int Read(unsigned char* datagram, size_t length, int device, Request* req
     Element(&scoped);
     Element(&scoped);
     ReadPdu(&scoped, request);
-    return request->requestId.length != 0 && (request->engine.length == 0 || request->oid.length != 0);
+    return request->requestId.length != 0 &&
+           (request->engine.length == 0 || request->oid.length != 0);
 }
 
 static void Answer(int handle, const Request* request, int device, const struct sockaddr_in* to) {
@@ -331,8 +343,12 @@ static void Answer(int handle, const Request* request, int device, const struct 
         char room[CMSG_SPACE(sizeof(struct in_pktinfo))];
     } control = {0};
     struct iovec data = {out + start, sizeof out - start};
-    struct msghdr message = {.msg_name = (void*)to, .msg_namelen = sizeof *to, .msg_iov = &data, .msg_iovlen = 1,
-                             .msg_control = &control, .msg_controllen = sizeof control};
+    struct msghdr message = {.msg_name = (void*)to,
+                             .msg_namelen = sizeof *to,
+                             .msg_iov = &data,
+                             .msg_iovlen = 1,
+                             .msg_control = &control,
+                             .msg_controllen = sizeof control};
     struct cmsghdr* from = CMSG_FIRSTHDR(&message);
     from->cmsg_level = IPPROTO_IP;
     from->cmsg_type = IP_PKTINFO;
@@ -359,7 +375,9 @@ int main(int argc, char** argv) {
     if (argc != 5 || inet_pton(AF_INET, argv[1], &first) != 1) return 2;
     firstIp = ntohl(first.s_addr);
     count = atoi(argv[2]);
-    hash = strcmp(argv[3], "md5") == 0 ? EVP_md5() : strcmp(argv[3], "sha1") == 0 ? EVP_sha1() : EVP_sha256();
+    hash = strcmp(argv[3], "md5") == 0    ? EVP_md5()
+           : strcmp(argv[3], "sha1") == 0 ? EVP_sha1()
+                                          : EVP_sha256();
     keySize = (size_t)EVP_MD_size(hash);
     macSize = keySize == 32 ? 24 : 12;
     usesDes = strcmp(argv[4], "des") == 0;
@@ -376,15 +394,21 @@ int main(int argc, char** argv) {
             char room[CMSG_SPACE(sizeof(struct in_pktinfo))];
         } control;
         struct iovec data = {datagram, sizeof datagram};
-        struct msghdr message = {.msg_name = &from, .msg_namelen = sizeof from, .msg_iov = &data, .msg_iovlen = 1,
-                                 .msg_control = &control, .msg_controllen = sizeof control};
+        struct msghdr message = {.msg_name = &from,
+                                 .msg_namelen = sizeof from,
+                                 .msg_iov = &data,
+                                 .msg_iovlen = 1,
+                                 .msg_control = &control,
+                                 .msg_controllen = sizeof control};
         const ssize_t length = recvmsg(handle, &message, 0);
         const struct cmsghdr* info = CMSG_FIRSTHDR(&message);
         if (length <= 0 || !info) continue;
         const uint32_t asked = ntohl(((const struct in_pktinfo*)CMSG_DATA(info))->ipi_addr.s_addr);
         const int toAll = asked == INADDR_BROADCAST, device = toAll ? 0 : (int)(asked - firstIp);
         Request request = {0};
-        if (device < 0 || device >= count || !Read(datagram, (size_t)length, device, &request)) continue;
-        for (int i = device; i < (toAll ? count : device + 1); ++i) Answer(handle, &request, i, &from);
+        if (device < 0 || device >= count || !Read(datagram, (size_t)length, device, &request))
+            continue;
+        for (int i = device; i < (toAll ? count : device + 1); ++i)
+            Answer(handle, &request, i, &from);
     }
 }
