@@ -1,7 +1,7 @@
 #!/bin/bash
 # lab.sh BIN: runs the measurements of the programs in BIN inside private-net.sh (scripts/bench.sh starts it).
 # Writes raw results into the current folder; results of groups that are not run again stay.
-#   BENCH_GROUPS       of directed keys library growth collection codec; all by default
+#   BENCH_GROUPS       of directed keys library growth collection codec v3; all by default
 #   BENCH_REPETITIONS  of each sweep of the growth; 3 by default
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
@@ -14,19 +14,20 @@ ip netns del netb # a sweep is one adapter's then
 # Measured against other work on the machine as little as may be.
 renice -n -10 -p $$ >/dev/null 2>&1 || true
 
-"$lab/snmp-agent.sh" neta agent >/dev/null <<'END'
+agent=$("$lab/snmp-agent.sh" neta agent <<'END'
 agentAddress udp:10.77.1.11:161
 rocommunity sesame
 psysName bench
 createUser shaaes SHA authpass1 AES privpass1
 rouser shaaes priv
 END
+)
 exec 3< <(exec ip netns exec neta "$bin/answerer" 10.77.1.2)
 read -r -t 20 word <&3 && [ "$word" = ready ] || { echo "lab.sh: no answerer" >&2; exit 1; }
 
 Wine() { "$lab/wine-run.sh" host "$@" </dev/null | tr -d '\r'; }
 
-Wanted() { case " ${BENCH_GROUPS:-directed keys library growth collection codec} " in *" $1 "*) ;; *) return 1 ;; esac }
+Wanted() { case " ${BENCH_GROUPS:-directed keys library growth collection codec v3} " in *" $1 "*) ;; *) return 1 ;; esac }
 # Group NAME FILTER: benchmarks into bench-NAME.json and bench-NAME.log.
 Group() {
     Wanted "$1" || return 0
@@ -70,9 +71,36 @@ Growth() {
 END
 }
 
+# Thousands of SNMPv3 devices in one process, and SNMPv1 by the same process to compare with.
+V3() {
+    Say "SNMPv3: sweeps of 8,192 devices"
+    kill "$agent" # it holds the port
+    ip -n neta route add local 10.80.0.0/16 dev lo
+    ip -n host route add 10.80.0.0/16 via 10.77.1.2
+    : >probe-v3.jsonl
+    local auth priv authLabel privLabel devices
+    while read -r auth priv authLabel privLabel; do
+        exec 4< <(exec ip netns exec neta "$bin/v3_devices" 10.80.0.1 8192 "$auth" "$priv")
+        devices=$!
+        read -r -t 20 word <&4 && [ "$word" = ready ] || { echo "lab.sh: no v3_devices" >&2; exit 1; }
+        if [ "$auth" = sha256 ]; then
+            Wine "$bin/vndiscover_probe.exe" 8192 0 - - >>probe-v3.jsonl
+            Wine "$bin/vndiscover_probe.exe" 8192 1 - - >>probe-v3.jsonl
+            MIBS='' ip netns exec host "$bin/netsnmp_v3" 10.80.0.1 2000 >netsnmp-v3.json 2>netsnmp-v3.log
+        fi
+        Wine "$bin/vndiscover_probe.exe" 8192 - "$authLabel" "$privLabel" >>probe-v3.jsonl
+        kill "$devices"
+    done <<'END'
+sha256 aes SHA-2(256) AES
+sha1 des SHA1 DES
+md5 des MD5 DES
+END
+}
+
 Group directed '^Directed'
 Group keys '^LocalisedKey'
 if Wanted library; then Library; fi
 if Wanted growth; then Growth; fi
 Group collection '^(Burst|CollectionCost|SteadyRate)'
 Group codec '^(EncodeV|DecodeV|One|AuthPriv)'
+if Wanted v3; then V3; fi  # last: it ends the agent

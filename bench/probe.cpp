@@ -1,9 +1,13 @@
 // vndiscover_probe.exe DEVICES KEYS: one sweep in a process of its own, as a host makes it, with
 // DEVICES devices. KEYS: OIDs under "GET" of a JSON request, or "-" for a sweep without one. Prints
 // a line of JSON: times in microseconds, memory in bytes.
+// vndiscover_probe.exe DEVICES KEYS AUTH PRIV: the same over SNMPv3 with the labels of the
+// protocols, without KEYS' effect, and with AUTH "-" over SNMPv1; native/v3_devices.c plays DEVICES
+// devices.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <string>
 
 #include "cpu_clock.h"
@@ -74,40 +78,62 @@ Function Find(HMODULE module, const char* name) {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-int Run(int devices, const char* keys) {
-    const HWND window = MakeWindow();
-    const uint64_t bareBytes = ResidentBytes();
-    Loading loading = {};
-    const HMODULE module = MeasureLoading(loading);
+// The user of v3_devices.c.
+std::function<void()> SweepV3(HMODULE module, HWND window, const std::wstring& auth,
+                              const std::wstring& priv) {
+    const auto discover = Find<decltype(&DiscoverSnmpV3)>(module, "DiscoverSnmpV3");
+    return [=] {
+        discover(window, kMessage, 0, 0, L"bench", 1, L"authpass1", 1, L"privpass1", auth.c_str(),
+                 priv.c_str());
+    };
+}
+
+std::function<void()> SweepV1(HMODULE module, HWND window, const char* keys) {
     const auto discover = Find<decltype(&DiscoverDevices)>(module, "DiscoverDevices");
     const auto discoverJson =
         Find<decltype(&DiscoverDevicesByOIDjson)>(module, "DiscoverDevicesByOIDjson");
-    if (!discover || !discoverJson) return 1;
     const bool isJson = std::strcmp(keys, "-") != 0;
-    const std::wstring request = JsonRequest(std::atoi(keys));
-    PlanAnswers({devices, kAnswersPerSecond, kPlainAnswer});
-
-    const CpuClock clock;
-    const uint64_t beforeSweep = ResidentBytes();
-    const CpuTimes began = clock.Now();
-    const double elapsed = MicrosecondsOf([&] {
+    return [=, request = JsonRequest(std::atoi(keys))] {
         if (isJson) {
             discoverJson(window, kMessage, 0, 0, request.c_str(), nullptr, nullptr, nullptr);
         } else {
             discover(window, kMessage, 0, 0, nullptr, nullptr, nullptr);
         }
-    });
+    };
+}
+
+std::wstring Wide(const char* ascii) { return {ascii, ascii + std::strlen(ascii)}; }
+
+// auth null: the answerer answers as planned.
+int Run(int devices, const char* keys, const char* auth, const char* priv) {
+    const HWND window = MakeWindow();
+    const uint64_t bareBytes = ResidentBytes();
+    Loading loading = {};
+    const HMODULE module = MeasureLoading(loading);
+    if (!module) return 1;
+    const bool isV3 = auth && std::strcmp(auth, "-") != 0;
+    const auto sweep =
+        isV3 ? SweepV3(module, window, Wide(auth), Wide(priv)) : SweepV1(module, window, keys);
+    if (!auth) PlanAnswers({devices, kAnswersPerSecond, kPlainAnswer});
+
+    const CpuClock clock;
+    const uint64_t beforeSweep = ResidentBytes();
+    const CpuTimes began = clock.Now();
+    const double elapsed = MicrosecondsOf(sweep);
     const CpuTimes spent = clock.Now() - began;
     const uint64_t afterSweep = ResidentBytes();
     std::printf(
-        "{\"devices\": %d, \"keys\": %d, \"delivered\": %d, \"elapsed_us\": %.0f, \"cpu_us\": "
+        "{\"auth\": \"%s\", \"priv\": \"%s\", \"devices\": %d, \"keys\": %d, \"delivered\": %d, "
+        "\"elapsed_us\": %.0f, \"cpu_us\": "
         "%.0f, "
         "\"server_cpu_us\": %.0f, \"answering_us\": %lld, \"bare_bytes\": %llu, "
         "\"loaded_bytes\": %llu, \"swept_bytes\": %lld, \"first_load_us\": %.1f, \"load_us\": "
         "%.1f, "
         "\"unload_us\": %.1f}\n",
-        devices, isJson ? std::atoi(keys) : -1, g_delivered, elapsed, spent.program, spent.server,
-        static_cast<long long>(AnsweringTimeUs()), static_cast<unsigned long long>(bareBytes),
+        auth ? auth : "", auth ? priv : "", devices,
+        std::strcmp(keys, "-") != 0 ? std::atoi(keys) : -1, g_delivered, elapsed, spent.program,
+        spent.server, static_cast<long long>(auth ? 0 : AnsweringTimeUs()),
+        static_cast<unsigned long long>(bareBytes),
         static_cast<unsigned long long>(loading.residentBytes),
         static_cast<long long>(afterSweep - beforeSweep), loading.firstUs, loading.loadUs,
         loading.unloadUs);
@@ -118,10 +144,11 @@ int Run(int devices, const char* keys) {
 }  // namespace vndiscover
 
 int main(int argc, char** argv) {
-    if (argc != 3) return 2;
+    if (argc != 3 && argc != 5) return 2;
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 1;
-    const int status = vndiscover::Run(std::atoi(argv[1]), argv[2]);
+    const int status = vndiscover::Run(std::atoi(argv[1]), argv[2], argc == 5 ? argv[3] : nullptr,
+                                       argc == 5 ? argv[4] : nullptr);
     WSACleanup();
     return status;
 }

@@ -140,7 +140,8 @@ class Report:
             self.row(title, cpu(name), "ns")
         whole = self.nanoseconds("AuthPrivExchange")
         self.row("authPriv exchange, whole (elapsed)", whole and whole / 1e3, "us")
-        parts = ((2, "OneOpening", "2 openings of the platform's provider"), (4, "OneKey", "4 keys"),
+        parts = ((1, "OneLoading", "loading the platform's library"),
+                 (2, "OneOpening", "2 openings of its provider"), (2, "OneKey", "2 keys from passwords"),
                  (2, "OneMac", "2 MACs"), (1, "OneCipher/decrypt:0", "encryption"),
                  (1, "OneCipher/decrypt:1", "decryption"), (1, "EncodeV3/authPriv:0", "BER, building"),
                  (1, "DecodeV3/authPriv:0", "BER, reading"))
@@ -149,6 +150,39 @@ class Report:
             self.row(f"    of it: {title}", part and part * count / 1e3, "us")
         bare = self.counter("DirectedTime", "bare_us")
         self.row("    of it: 2 bare exchanges", bare and bare * 2, "us")
+
+    def v3(self):
+        lines = lambda name: [json.loads(line) for line in (self.folder / name).read_text().splitlines()
+                              if line.startswith("{")] if (self.folder / name).exists() else []
+        probes = lines("probe-v3.jsonl")
+        beyond = lambda p: (p["elapsed_us"] / 1e6 - SILENCE_S) / max(p["delivered"], 1) * 1e3
+        exchanges = {}
+        for p in probes:
+            if p["auth"] == "-":
+                exchanges[p["keys"]] = beyond(p)
+                continue
+            name, marked = f"v3 sweep, {p['auth']}/{p['priv']}", p["priv"] == "AES"
+            if marked:
+                exchanges["v3"] = beyond(p)
+                self.least(f"{name}: found of {p['devices']:,}", float(p["delivered"]), p["devices"])
+                self.row("    so many reports of one burst were kept while each sender was asked", float(p["delivered"]))
+            else:
+                self.row(f"{name}: found of {p['devices']:,}", float(p["delivered"]))
+            self.row(f"{name}: time", p["elapsed_us"] / 1e6, "s")
+            if marked:
+                self.most(f"{name}: a device", beyond(p), 4, "ms")
+            else:
+                self.row(f"{name}: a device", beyond(p), "ms")
+            self.row("    CPU a device", p["cpu_us"] / max(p["delivered"], 1), "us")
+            self.row("    the same with Wine's server", (p["cpu_us"] + p["server_cpu_us"]) / max(p["delivered"], 1), "us")
+            self.row("    resident: more afterwards", p["swept_bytes"] / MIB, "MiB")
+        v1 = exchanges[1] - exchanges[0] if 0 in exchanges and 1 in exchanges else None
+        v3 = exchanges.get("v3")
+        self.row("v1 exchange in a sweep, same agent", v1, "ms")
+        self.most("authPriv exchange / v1 exchange", v3 / v1 if v1 and v3 else None, 4)
+        peer = (lines("netsnmp-v3.json") or [{}])[0]
+        self.row("the same exchange by net-snmp's library, native", peer.get("us") and peer["us"] / 1e3, "ms")
+        self.row("    CPU", peer.get("cpu_us"), "us")
 
     def memory(self):
         def over(field):
@@ -230,6 +264,7 @@ class Report:
         self.devices()
         self.keys()
         self.codec()
+        self.v3()
         self.memory()
         self.growth_rows()
         (self.folder / "results.json").write_text(json.dumps(

@@ -5,7 +5,7 @@
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
-"$ROOT/scripts/install-packages.sh" libsnmp-dev gcc libc6-dev
+"$ROOT/scripts/install-packages.sh" libsnmp-dev libssl-dev gcc libc6-dev
 out=$ROOT/build/bench
 mkdir -p "$out/bin"
 cd "$ROOT"
@@ -17,6 +17,8 @@ Quietly cmake --build "$out/win" -j "${VNDISCOVER_JOBS:-$(nproc)}" \
 cp "$out"/win/bin/*.exe "$out"/win/bin/*.dll "$out/bin/"
 cc -O2 -Wall -Wextra -o "$out/bin/answerer" bench/native/answerer.c
 cc -O2 -Wall -Wextra -o "$out/bin/netsnmp_loop" bench/native/netsnmp_loop.c -lnetsnmp
+cc -O2 -Wall -Wextra -o "$out/bin/netsnmp_v3" bench/native/netsnmp_v3.c -lnetsnmp
+cc -O2 -Wall -Wextra -o "$out/bin/v3_devices" bench/native/v3_devices.c -lcrypto
 "$ROOT/scripts/lab/wine-template.sh" >/dev/null
 cd "$out"
 "$ROOT/scripts/lab/private-net.sh" "$ROOT/bench/lab.sh" "$out/bin"

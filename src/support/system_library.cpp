@@ -13,7 +13,8 @@ HMODULE LoadFromSystem(const wchar_t* fileName) {
     if (length == 0 || length >= MAX_PATH || wcslen(fileName) + 2 > kFileNameChars) return nullptr;
     path[length] = L'\\';
     wcscpy(path + length + 1, fileName);
-    return LoadLibraryW(path);
+    // What the library itself imports is looked for beside it first, not in the program's folder.
+    return LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
 
 }  // namespace

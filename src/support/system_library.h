@@ -16,6 +16,7 @@ using OwnedModule = Owned<ModuleTraits>;
 
 class SystemLibrary {
   public:
+    SystemLibrary() noexcept = default;
     explicit SystemLibrary(const wchar_t* fileName) noexcept;  // for example L"Ws2_32.dll"
 
     explicit operator bool() const noexcept { return static_cast<bool>(module_); }

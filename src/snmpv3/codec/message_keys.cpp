@@ -1,6 +1,5 @@
 #include "snmpv3/codec/message_keys.h"
 
-#include "snmpv3/crypto/keys.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
@@ -32,13 +31,14 @@ void LogPrivacyKey(Direction direction, uint32_t authCode, uint32_t privCode) {
 
 }  // namespace
 
-MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, CryptoSession& crypto) {
+MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, PasswordKeys& passwords,
+                        CryptoSession& crypto) {
     const UsmParameters& usm = message.usm;
     const uint32_t authCode = usm.authProtocol;
     MessageKeys keys;
     if (message.UsesAuth()) {
         if (IsKnown(authCode)) {
-            keys.auth = PasswordToKey(crypto, authCode, usm.authPassword, usm.engineId);
+            keys.auth = passwords.LocalisedKey(crypto, authCode, usm.authPassword, usm.engineId);
         } else {
             LogNoKey(direction, authCode);
         }
@@ -47,7 +47,7 @@ MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, Crypt
     if (message.UsesPriv() && knownPrivacy && IsKnown(authCode)) {
         LogPrivacyKey(direction, authCode, usm.privProtocol);
         // Localised with the hash of the authentication protocol.
-        keys.priv = PasswordToKey(crypto, authCode, usm.privPassword, usm.engineId);
+        keys.priv = passwords.LocalisedKey(crypto, authCode, usm.privPassword, usm.engineId);
     }
     return keys;
 }

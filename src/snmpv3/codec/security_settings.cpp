@@ -19,7 +19,8 @@ SecuritySettings::SecuritySettings(const SecurityArguments& given)
       useAuth_(given.useAuth != 0),
       usePriv_(given.useAuth != 0 && given.usePriv != 0),
       authCode_(AuthCodeOf(given.authProtocol)),
-      privCode_(PrivCodeOf(given.privProtocol)) {}
+      privCode_(PrivCodeOf(given.privProtocol)),
+      libraries_(useAuth_ ? authCode_ : kAuthNone, usePriv_ ? privCode_ : kPrivNone) {}
 
 SecuritySettings::~SecuritySettings() {
     WipeText(authPassword_);

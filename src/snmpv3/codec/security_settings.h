@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "snmpv3/crypto/keys.h"
+
 namespace vndiscover {
 
 class VxSNMPv3;
@@ -19,8 +21,9 @@ struct SecurityArguments {
     const wchar_t* privProtocol;
 };
 
-// Owns UTF-8 copies, of any length, of the user name and the passwords and wipes the passwords at
-// its end. Privacy counts only where authentication is set.
+// Owns UTF-8 copies, of any length, of the user name and the passwords, and the passwords' keys
+// once they were needed; wipes passwords and keys at its end. Meanwhile the platform's crypto
+// libraries stay loaded. Privacy counts only where authentication is set.
 class SecuritySettings {
   public:
     explicit SecuritySettings(const SecurityArguments& given);
@@ -31,6 +34,9 @@ class SecuritySettings {
     // Whether a message can carry the user name. With a name that it cannot carry nothing is sent:
     // a cut one would be another user's.
     bool HasUsableName() const;
+
+    // The keys of its passwords, for every message of the call.
+    PasswordKeys& Keys() const { return keys_; }
 
     // Sets user, protocols, passwords and flags: noAuthNoPriv, authNoPriv or authPriv.
     void ApplyTo(VxSNMPv3& request) const;
@@ -43,6 +49,8 @@ class SecuritySettings {
     bool usePriv_;
     uint32_t authCode_;
     uint32_t privCode_;
+    const CryptoLibraries libraries_;
+    mutable PasswordKeys keys_;
 };
 
 }  // namespace vndiscover

@@ -23,7 +23,7 @@ void AssignText(ByteBuffer& field, const char* text) {
 const ByteBuffer& VxSNMPv3::Encode() {
     DebugLogA("VxSNMPv3::Encode()\n");
     CryptoSession crypto;
-    const MessageKeys keys = PrepareKeys(message_, Direction::kEncode, crypto);
+    const MessageKeys keys = PrepareKeys(message_, Direction::kEncode, *passwords_, crypto);
     BuildMessage(message_, keys, crypto);
     return message_.encoded;
 }
@@ -31,7 +31,7 @@ const ByteBuffer& VxSNMPv3::Encode() {
 int32_t VxSNMPv3::Decode(uint8_t* berBuffer, int length) {
     DebugLogA("VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n");
     CryptoSession crypto;
-    const MessageKeys keys = PrepareKeys(message_, Direction::kDecode, crypto);
+    const MessageKeys keys = PrepareKeys(message_, Direction::kDecode, *passwords_, crypto);
     // What is not read must not pass for an answer.
     SetVarBindList(nullptr, 0, message_.scoped.pdu.bindings);
     try {

@@ -6,6 +6,7 @@
 #include "snmp/codec/byte_buffer.h"
 #include "snmp/codec/var_bind.h"
 #include "snmpv3/codec/message_record.h"
+#include "snmpv3/crypto/keys.h"
 
 namespace vndiscover {
 
@@ -16,7 +17,9 @@ constexpr uint32_t kMaxUserName = 127;  // bytes
 // Passwords and keys are wiped. Throws std::bad_alloc.
 class VxSNMPv3 {
   public:
-    VxSNMPv3() = default;
+    // passwordKeys outlives the object and is shared by the messages of one call.
+    explicit VxSNMPv3(PasswordKeys& passwordKeys) : passwords_(&passwordKeys) {}
+    VxSNMPv3() : passwords_(&own_) {}
     VxSNMPv3(const VxSNMPv3&) = delete;
     VxSNMPv3& operator=(const VxSNMPv3&) = delete;
 
@@ -62,6 +65,8 @@ class VxSNMPv3 {
     const MessageRecord& Record() const { return message_; }
 
   private:
+    PasswordKeys own_;
+    PasswordKeys* passwords_;
     MessageRecord message_;
     VarBindRecord asked_ = {};
 };

@@ -32,6 +32,21 @@ struct RepeatedBytes {
     }
 };
 
+// Keeps loaded what sessions load for these protocols. The platform would else load and free it for
+// each message, which costs more than all that the message needs it for. Silent: what cannot be
+// loaded fails, and is logged, where it is used.
+class CryptoLibraries {
+  public:
+    CryptoLibraries(uint32_t authCode, uint32_t privCode);
+    ~CryptoLibraries();
+    CryptoLibraries(const CryptoLibraries&) = delete;
+    CryptoLibraries& operator=(const CryptoLibraries&) = delete;
+
+  private:
+    struct Loaded;
+    std::unique_ptr<Loaded> loaded_;
+};
+
 // Keeps open what was opened for the first operation, so that a message loads and opens it once:
 // opening can cost more than hashing. Every operation logs its own failure, returns false and
 // leaves the result empty. Not for two threads at once.

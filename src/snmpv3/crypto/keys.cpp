@@ -1,6 +1,7 @@
 #include "snmpv3/crypto/keys.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "snmpv3/crypto/protocol_codes.h"
 
@@ -18,20 +19,45 @@ ByteBuffer RepeatedPassword(const ByteBuffer& password) {
     return unit;
 }
 
+bool AreEqual(const ByteBuffer& a, const ByteBuffer& b) {
+    return std::equal(a.data, a.data + a.length, b.data, b.data + b.length);
+}
+
 }  // namespace
 
-ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
-                         const ByteBuffer& engineId) {
+// Empty on failure.
+const ByteBuffer& PasswordKeys::KeyOf(CryptoSession& crypto, uint32_t authCode,
+                                      const ByteBuffer& password) {
+    for (const Entry& entry : entries_) {
+        if (!entry.key.Empty() && entry.authCode == authCode && AreEqual(entry.password, password))
+            return entry.key;
+    }
+    Entry& entry = entries_[next_];
+    const ByteBuffer unit = RepeatedPassword(password);
+    if (crypto.Hash(authCode, {unit.data, unit.length, kStretchedBytes}, entry.key)) {
+        entry.authCode = authCode;
+        entry.password = password;
+        next_ = (next_ + 1) % std::size(entries_);
+    }
+    return entry.key;
+}
+
+ByteBuffer PasswordKeys::LocalisedKey(CryptoSession& crypto, uint32_t authCode,
+                                      const ByteBuffer& password, const ByteBuffer& engineId) {
     ByteBuffer key;
     if (password.Empty()) return key;  // there is nothing to repeat
-    const ByteBuffer unit = RepeatedPassword(password);
-    ByteBuffer userKey;
-    if (!crypto.Hash(authCode, {unit.data, unit.length, kStretchedBytes}, userKey)) return key;
+    const ByteBuffer& userKey = KeyOf(crypto, authCode, password);
+    if (userKey.Empty()) return key;
     ByteBuffer localised = userKey;
     localised.Append(engineId);
     localised.Append(userKey);
     crypto.Hash(authCode, localised, key);
     return key;
+}
+
+ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
+                         const ByteBuffer& engineId) {
+    return PasswordKeys().LocalisedKey(crypto, authCode, password, engineId);
 }
 
 ByteBuffer AuthenticationOf(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,

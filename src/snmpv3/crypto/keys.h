@@ -6,12 +6,33 @@
 
 namespace vndiscover {
 
-/**
- * Makes the key that a password has at one engine (RFC 3414 A.2) with the hash of an authentication
- * protocol, for privacy too. Costs a hash over 1 MiB.
- * @return The key, as long as the hash's digest; empty for an empty password, an unknown code, and
- * when hashing fails, which is logged there.
- */
+// Keys from passwords (RFC 3414 A.2). A password's own key costs a hash over 1 MiB and is the same
+// at every engine: it is kept, for the two passwords of one call, and wiped with the object. What
+// an engine makes of it is not kept, and a failure is not remembered. Not for two threads at once.
+class PasswordKeys {
+  public:
+    /**
+     * Makes the key that a password has at one engine, with the hash of an authentication protocol,
+     * for privacy too.
+     * @return The key, as long as the hash's digest; empty for an empty password, an unknown code,
+     * and when hashing fails, which is logged there.
+     */
+    ByteBuffer LocalisedKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
+                            const ByteBuffer& engineId);
+
+  private:
+    struct Entry {
+        uint32_t authCode = 0;
+        ByteBuffer password;
+        ByteBuffer key;  // not yet localised
+    };
+    const ByteBuffer& KeyOf(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password);
+
+    Entry entries_[2];
+    size_t next_ = 0;  // to be replaced
+};
+
+// The same once, with nothing kept.
 ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
                          const ByteBuffer& engineId);
 

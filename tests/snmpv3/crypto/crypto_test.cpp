@@ -5,6 +5,9 @@
 
 #include "helpers/bytes.h"
 #include "helpers/log_capture.h"
+#ifndef _WIN32
+#include "native/crypto_openssl.h"
+#endif
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"
 #include "snmpv3/crypto/protocol_codes.h"
@@ -92,6 +95,36 @@ TEST(Keys, MapleSyrupGivesTheKnownKeys) {
     for (const char* key : keys) EXPECT_EQ(Hex(key), KeyOf(code++, TextBytes("maplesyrup")));
     EXPECT_EQ(Bytes(), KeyOf(code, TextBytes("maplesyrup"))) << "no such protocol";
     EXPECT_EQ(Bytes(), KeyOf(kAuthSha1, {}));
+}
+
+TEST(Keys, APasswordIsHashedOnceForAllEnginesAndFailuresEachTime) {
+    CryptoSession crypto;
+    PasswordKeys keys;
+    UnitLog log;
+    const ByteBuffer passwords[] = {ToBuffer(TextBytes("authpass1")),
+                                    ToBuffer(TextBytes("privpass1"))};
+#ifndef _WIN32
+    const int before = g_mebibyteHashes;
+#endif
+    for (uint8_t engine = 1; engine <= 3; ++engine) {
+        for (const ByteBuffer& password : passwords) {
+            EXPECT_EQ(
+                ToBytes(PasswordToKey(crypto, kAuthSha256, password, ToBuffer({engine}))),
+                ToBytes(keys.LocalisedKey(crypto, kAuthSha256, password, ToBuffer({engine}))));
+        }
+    }
+#ifndef _WIN32
+    EXPECT_EQ(3 * 2 + 2, g_mebibyteHashes - before);
+#endif
+    const ByteBuffer engine = ToBuffer(Hex("00 00 00 00 00 00 00 00 00 00 00 02"));
+    EXPECT_EQ(KeyOf(kAuthSha1, TextBytes("authpass1")),
+              ToBytes(keys.LocalisedKey(crypto, kAuthSha1, passwords[0], engine)))
+        << "of another protocol";
+    EXPECT_EQ("", log.Text());
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_TRUE(keys.LocalisedKey(crypto, 7, passwords[0], {}).Empty());
+    }
+    EXPECT_EQ("Not supported HashAlgorithm:5\nNot supported HashAlgorithm:5\n", log.Text());
 }
 
 // 20,400 bytes: longer than what is put together before hashing. Computed with Python's hashlib.

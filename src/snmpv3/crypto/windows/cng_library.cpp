@@ -25,7 +25,7 @@ ULONG ObjectSize(decltype(&BCryptGetProperty) getProperty, BCRYPT_ALG_HANDLE alg
 }  // namespace
 
 CngLibrary::CngLibrary()
-    : library_(L"bcrypt.dll"),
+    : library_(kCngLibrary),
       openAlgorithm_(library_.Find<decltype(openAlgorithm_)>("BCryptOpenAlgorithmProvider")),
       closeAlgorithm_(library_.Find<decltype(closeAlgorithm_)>("BCryptCloseAlgorithmProvider")),
       getProperty_(library_.Find<decltype(getProperty_)>("BCryptGetProperty")),

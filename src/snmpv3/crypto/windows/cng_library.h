@@ -12,6 +12,8 @@
 
 namespace vndiscover {
 
+constexpr wchar_t kCngLibrary[] = L"bcrypt.dll";
+
 struct CngAlgorithmCloser {
     decltype(&BCryptCloseAlgorithmProvider) close;
     void operator()(void* algorithm) const noexcept { close(algorithm, 0); }

@@ -4,6 +4,7 @@
 #include "snmpv3/crypto/sha224.h"
 #include "snmpv3/crypto/windows/capi_crypto.h"
 #include "snmpv3/crypto/windows/cng_crypto.h"
+#include "snmpv3/crypto/windows/cng_library.h"
 
 namespace vndiscover {
 namespace {
@@ -11,7 +12,25 @@ namespace {
 // Codes that stand for no hash get numbers that the library's wrapper refuses, which it logs.
 int32_t CngNumber(uint32_t authCode) { return static_cast<int32_t>(authCode - 2); }
 
+bool UsesCapi(uint32_t authCode, uint32_t privCode) {
+    return authCode == kAuthMd5 || authCode == kAuthSha1 || privCode == kPrivDes;
+}
+
+bool UsesCng(uint32_t authCode) { return authCode >= kAuthSha256 && authCode <= kAuthSha512; }
+
 }  // namespace
+
+// The older library is part of advapi32; what it loads for each context is its provider.
+struct CryptoLibraries::Loaded {
+    SystemLibrary capi, cng;
+};
+
+CryptoLibraries::CryptoLibraries(uint32_t authCode, uint32_t privCode)
+    : loaded_(std::make_unique<Loaded>()) {
+    if (UsesCapi(authCode, privCode)) loaded_->capi = SystemLibrary(L"rsaenh.dll");
+    if (UsesCng(authCode)) loaded_->cng = SystemLibrary(kCngLibrary);
+}
+CryptoLibraries::~CryptoLibraries() = default;
 
 struct CryptoSession::BackEnds {
     CapiHasher capi;
