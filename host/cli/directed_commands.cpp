@@ -1,0 +1,303 @@
+#include <cjson/cJSON.h>
+
+#include "cli/commands.h"
+#include "cli/variable_writer.h"
+#include "device/device.h"
+#include "model/answer.h"
+#include "model/walk_step.h"
+#include "platform/console.h"
+#include "platform/wide_text.h"
+#include "values/oid_text.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxCommunity = 255;  // bytes that a request can hold
+
+constexpr char kGetExamples[] =
+    R"(Values are shown by their type; a text that is not printable is shown in hex.
+"no value" means that the device answered but has no such variable.
+
+Examples:
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.1.0 .1.3.6.1.2.1.1.3.0 -c public
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --format json
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --v3 -u admin -a SHA256 -x AES
+
+Exit codes: 0 every OID was answered, 1 no answer, 2 wrong usage, 3 a request
+could not be sent.)";
+
+constexpr char kGetNextExamples[] = R"(Shows the variable that follows each OID in the device.
+
+Examples:
+  vndiscover getnext 192.168.1.20 .1.3.6.1.2.1.1 --community public
+  vndiscover getnext 192.168.1.20 .1.3.6.1.2.1.2 --v3 -u admin -a SHA1 -x DES
+
+Exit codes: 0 every OID was answered, 1 no answer, 2 wrong usage, 3 a request
+could not be sent.)";
+
+constexpr char kSetExamples[] =
+    R"(A device that refuses answers like one that obeys: --verify reads the value
+again. Types: integer (i), string (s), hex (x), oid (o), ipaddress (a),
+counter (c), gauge (u), timeticks (t), null (n).
+
+Examples:
+  vndiscover set 192.168.1.20 .1.3.6.1.2.1.1.6.0 string "Room 2" -w private
+  vndiscover set 192.168.1.20 .1.3.6.1.4.1.5963.1.1.0 i -5 --verify
+  vndiscover set 192.168.1.20 .1.3.6.1.4.1.5963.1.2.0 x "00 1B 44 11"
+
+Exit codes: 0 answered (and verified), 1 no answer or not verified, 2 wrong
+usage, 3 the request could not be sent.)";
+
+constexpr char kWalkExamples[] =
+    R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends where the subtree or the
+device's variables end, and where a device answers with an OID that does not lie
+behind the one asked for. OIDs with a number over 16383 cannot be asked for: a
+walk that meets one stops there and says so.
+
+Examples:
+  vndiscover walk 192.168.1.20
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.1 --community public --format json
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --v3 -u admin -a SHA256 -x AES
+
+Exit codes: 0 the walk came to its end, 1 no answer, no variable or stopped
+early, 2 wrong usage, 3 a request could not be sent.)";
+
+constexpr char kInfoExamples[] =
+    R"(Asks for the device information OID, .1.3.6.1.4.1.5963.43.5.1.1.1.1.
+
+Examples:
+  vndiscover info 192.168.1.20
+  vndiscover info fe80::215:99ff:fe01:203 --community public
+
+Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
+
+enum class TextFormat { kText, kJson };
+
+struct Options {
+    std::string host, community, writeCommunity, root = ".1.3.6.1.2.1", oid, type, value;
+    std::vector<std::string> oids;
+    TextFormat format = TextFormat::kText;
+    bool mustVerify = false;
+    V3Options v3;
+};
+
+std::string CheckedCommunity(const std::string& text, const char* option) {
+    std::string community = ToAnsi(text);
+    if (community.size() > kMaxCommunity) throw CLI::ValidationError(option, "255 bytes at most");
+    return community;
+}
+
+Device OpenDevice(const Options& options) {
+    Device device(ToAnsi(options.host), CheckedCommunity(options.community, "--community"),
+                  CheckedCommunity(options.writeCommunity, "--write-community"));
+    if (options.v3.isOn) device.Use(ResolveSecurity(options.v3));
+    return device;
+}
+
+Oid CheckedOid(const std::string& text) {
+    const auto oid = ParseOid(text);
+    if (!oid)
+        throw CLI::ValidationError("OID",
+                                   "'" + text + "' is no numeric OID such as .1.3.6.1.2.1.1.1.0");
+    if (!FitsRequest(*oid))
+        throw CLI::ValidationError("OID", "'" + text + "' is too short or too long");
+    return *oid;
+}
+
+// SNMPv3 requests are made by the same OID writer.
+void WarnIfWrong(const Oid& oid) {
+    if (!GoesOutWrong(oid)) return;
+    Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
+}
+
+int ExitCodeOf(const Answer& answer) {
+    if (answer.status == Status::kSendFailed) return kSendFailed;
+    return answer.status == Status::kAnswered ? kFound : kNone;
+}
+
+void Show(VariableWriter& writer, const Answer& answer) {
+    Print(writer.Row(answer));
+    if (answer.status != Status::kAnswered) Warn(OidToText(answer.oid) + ": " + Problem(answer));
+}
+
+template <class Ask>  // Answer Ask(const Device&, const Oid&)
+int RunEach(const Options& options, Ask ask) {
+    std::vector<Oid> oids;
+    for (const std::string& text : options.oids) oids.push_back(CheckedOid(text));
+    const Device device = OpenDevice(options);
+    VariableWriter writer(options.format == TextFormat::kJson);
+    int exitCode = kFound;
+    for (const Oid& oid : oids) {
+        WarnIfWrong(oid);
+        const Answer answer = ask(device, oid);
+        Show(writer, answer);
+        exitCode =
+            std::max(exitCode, ExitCodeOf(answer));  // a failed send outweighs a missing answer
+    }
+    Print(writer.End());
+    return exitCode;
+}
+
+int RunGet(const Options& options) {
+    return RunEach(options, [](const Device& device, const Oid& oid) { return device.Get(oid); });
+}
+
+int RunGetNext(const Options& options) {
+    return RunEach(options,
+                   [](const Device& device, const Oid& oid) { return device.GetNext(oid); });
+}
+
+int Verify(const Device& device, const Oid& oid, const SetValue& value) {
+    const Answer answer = device.Get(oid);
+    const bool isAnswered = answer.status == Status::kAnswered;
+    if (isAnswered && answer.type == value.type && answer.bytes == value.bytes) return kFound;
+    if (isAnswered) {
+        const std::string shown = FormatValue(answer.type, answer.bytes);
+        Warn("not set: " + OidToText(oid) + " has " +
+             (IsNoValue(answer.type) ? shown : "the " + TypeName(answer.type) + " " + shown));
+    } else {
+        Warn("not verified: " + Problem(answer) + " to reading " + OidToText(oid));
+    }
+    return kNone;
+}
+
+int RunSet(const Options& options) {
+    const Oid oid = CheckedOid(options.oid);
+    // main put a blank in front of a negative number.
+    const bool isNumber =
+        options.value.size() > 2 && options.value[0] == ' ' && options.value[1] == '-';
+    std::string problem;
+    const auto value = ParseSetValue(options.type, options.value.substr(isNumber ? 1 : 0), problem);
+    if (!value) throw CLI::ValidationError("VALUE", problem);
+    const Device device = OpenDevice(options);
+    WarnIfWrong(oid);
+    VariableWriter writer(options.format == TextFormat::kJson);
+    const Answer answer = device.Set(oid, *value);
+    Show(writer, answer);
+    Print(writer.End());
+    const int exitCode = ExitCodeOf(answer);
+    return exitCode == kFound && options.mustVerify ? Verify(device, oid, *value) : exitCode;
+}
+
+// Where a walk stops, with its exit code; Show has told about answers that did not come.
+int FinishWalk(WalkStep step, const Oid& last, size_t variables) {
+    const std::string at = OidToText(last);
+    if (step == WalkStep::kLastReachable) {
+        Warn("stopped at " + at +
+             ": it has a number over 16383 or is too long to ask for what follows");
+        return kNone;
+    }
+    if (step == WalkStep::kNotIncreasing) {
+        Warn("stopped: the device answers with an OID that does not lie behind " + at);
+        return kNone;
+    }
+    if (variables == 0) Warn("the device has no variables there");
+    return variables > 0 ? kFound : kNone;
+}
+
+int RunWalk(const Options& options) {
+    const auto root = ParseOid(options.root);
+    if (!root)
+        throw CLI::ValidationError("ROOT",
+                                   "'" + options.root + "' is no numeric OID such as .1.3.6.1");
+    Oid asked = *root;
+    if (asked.size() == 1) asked.push_back(0);  // a request has two numbers at least
+    if (!FitsRequest(asked))
+        throw CLI::ValidationError("ROOT", "'" + options.root + "' is too long");
+    const Device device = OpenDevice(options);
+    WarnIfWrong(asked);
+    VariableWriter writer(options.format == TextFormat::kJson);
+    WalkStep step = WalkStep::kVariable;
+    Answer answer;
+    size_t variables = 0;
+    while (step == WalkStep::kVariable) {
+        answer = device.GetNext(asked);
+        if (answer.status != Status::kAnswered) {
+            Show(writer, answer);
+            break;
+        }
+        step = JudgeAnswer(*root, asked, answer.oid, answer.type, device.IsV3());
+        if (step != WalkStep::kVariable && step != WalkStep::kLastReachable) break;
+        ++variables;
+        asked = answer.oid;
+        if (!Print(writer.Row(answer))) break;  // nobody reads any more
+    }
+    Print(writer.End());
+    if (answer.status != Status::kAnswered) return ExitCodeOf(answer);
+    return FinishWalk(step, asked, variables);
+}
+
+int RunInfo(const Options& options) {
+    const Device device = OpenDevice(options);
+    const auto information = device.Information();
+    if (!information) {
+        Warn("no answer from " + options.host);
+        return kNone;
+    }
+    if (options.format == TextFormat::kText) {
+        Print(ShownValue(*information) + "\n");
+    } else {
+        const JsonItem element(cJSON_CreateObject());
+        AddText(element.get(), "host", options.host);
+        AddText(element.get(), "information", ShownValue(*information));
+        Print(CompactJson(element.get()) + "\n");
+    }
+    return kFound;
+}
+
+// A command with what all directed requests have: the host, the read community, the format.
+CLI::App* AddCommand(CLI::App& app, const char* name, const char* help, const char* examples,
+                     Options& options) {
+    CLI::App* command = app.add_subcommand(name, help);
+    command->add_option("HOST", options.host, "Address of the device")->required();
+    command->add_option("-c,--community", options.community, "Read community [sesame]")
+        ->type_name("NAME");
+    AddFormat<TextFormat>(*command, options.format,
+                          {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
+    command->footer(examples);
+    return command;
+}
+
+void AddV3(CLI::App& command, V3Options& options) {
+    AddV3Options(command, options);
+    command.get_option("--v3")->excludes(command.get_option("--community"));
+}
+
+}  // namespace
+
+void AddDirectedCommands(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<Options>();  // one command runs, so all share them
+    CLI::App* get = AddCommand(app, "get", "Read values of one device", kGetExamples, *options);
+    get->add_option("OID", options->oids, "What to read, numeric")->required();
+    AddV3(*get, options->v3);
+    get->callback([options, &exitCode] { exitCode = RunGet(*options); });
+
+    CLI::App* next =
+        AddCommand(app, "getnext", "Read the values behind OIDs", kGetNextExamples, *options);
+    next->add_option("OID", options->oids, "What to read on from, numeric")->required();
+    AddV3(*next, options->v3);
+    next->callback([options, &exitCode] { exitCode = RunGetNext(*options); });
+
+    CLI::App* walk =
+        AddCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);
+    walk->add_option("ROOT", options->root, "Where to start [.1.3.6.1.2.1]");
+    AddV3(*walk, options->v3);
+    walk->callback([options, &exitCode] { exitCode = RunWalk(*options); });
+
+    CLI::App* set = AddCommand(app, "set", "Write one value of one device", kSetExamples, *options);
+    set->add_option("OID", options->oid, "What to write, numeric")->required();
+    set->add_option("TYPE", options->type, "Its type, see below")->required();
+    set->add_option("VALUE", options->value, "The value; null takes none");
+    set->add_option("-w,--write-community", options->writeCommunity, "Write community [sesame]")
+        ->type_name("NAME");
+    set->add_flag("--verify", options->mustVerify, "Read the value again, with --community");
+    set->callback([options, &exitCode] { exitCode = RunSet(*options); });
+
+    CLI::App* info =
+        AddCommand(app, "info", "Show a device's information text", kInfoExamples, *options);
+    info->callback([options, &exitCode] { exitCode = RunInfo(*options); });
+}
+
+}  // namespace vndiscover::host

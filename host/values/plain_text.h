@@ -1,0 +1,37 @@
+// Text from the network, made fit for a terminal and for UTF-8 documents. Devices send what they
+// like: text in an old code page, binary values, or escape sequences meant to rewrite what the user
+// sees.
+#ifndef VNDISCOVER_HOST_VALUES_PLAIN_TEXT_H
+#define VNDISCOVER_HOST_VALUES_PLAIN_TEXT_H
+
+#include <string>
+#include <string_view>
+
+namespace vndiscover::host {
+
+enum class Breaks {
+    kFold,  // each run of tabs and line breaks becomes one space, none at the ends: for one line of
+            // a table
+    kKeep,  // tabs and line breaks stay, CR LF becomes LF
+};
+
+// Valid UTF-8 without control characters. What is no UTF-8 is read as Latin-1; what is left of
+// control characters and of marks that reverse or hide text becomes U+FFFD.
+std::string PlainText(std::string_view bytes, Breaks breaks = Breaks::kFold);
+
+// True when the bytes are text rather than a binary value: no control characters but tabs, line
+// breaks and zero bytes at the end, and UTF-8 or at least mostly ASCII.
+bool IsPrintable(std::string_view bytes);
+
+// Two upper-case digits a byte, `separator` between them.
+std::string HexText(std::string_view bytes, std::string_view separator);
+
+// One line for a person: PlainText of a printable value, "0x..." of any other.
+std::string ShownValue(std::string_view bytes);
+
+// `text` padded with spaces to `width` characters (not bytes); a longer one stays whole.
+std::string Padded(std::string_view text, size_t width);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_VALUES_PLAIN_TEXT_H
