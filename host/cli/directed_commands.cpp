@@ -7,6 +7,7 @@
 #include "model/walk_step.h"
 #include "platform/console.h"
 #include "platform/wide_text.h"
+#include "values/object_names.h"
 #include "values/oid_text.h"
 #include "values/plain_text.h"
 #include "values/value_text.h"
@@ -18,10 +19,12 @@ constexpr size_t kMaxCommunity = 255;  // bytes that a request can hold
 
 constexpr char kGetExamples[] =
     R"(Values are shown by their type; a text that is not printable is shown in hex.
-"no value" means that the device answered but has no such variable.
+"no value" means that the device answered but has no such variable. About ninety
+standard objects have names: system, interfaces, host resources, printers.
 
 Examples:
   vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.1.0 .1.3.6.1.2.1.1.3.0 -c public
+  vndiscover get 192.168.1.20 sysDescr.0 hrPrinterStatus.1 --names
   vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --format json
   vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --v3 -u admin -a SHA256 -x AES
 
@@ -52,13 +55,14 @@ usage, 3 the request could not be sent.)";
 
 constexpr char kWalkExamples[] =
     R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends where the subtree or the
-device's variables end, and where a device answers with an OID that does not lie
-behind the one asked for. OIDs with a number over 16383 cannot be asked for: a
-walk that meets one stops there and says so.
+device's variables end, and where the OID of an answer is not greater than the
+one asked for. OIDs with a number over 16383 cannot be asked for: a walk that
+meets one stops there and says so.
 
 Examples:
   vndiscover walk 192.168.1.20
   vndiscover walk 192.168.1.20 .1.3.6.1.2.1.1 --community public --format json
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --names
   vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --v3 -u admin -a SHA256 -x AES
 
 Exit codes: 0 the walk came to its end, 1 no answer, no variable or stopped
@@ -80,6 +84,7 @@ struct Options {
     std::vector<std::string> oids;
     TextFormat format = TextFormat::kText;
     bool mustVerify = false;
+    bool withNames = false;
     V3Options v3;
 };
 
@@ -97,10 +102,8 @@ Device OpenDevice(const Options& options) {
 }
 
 Oid CheckedOid(const std::string& text) {
-    const auto oid = ParseOid(text);
-    if (!oid)
-        throw CLI::ValidationError("OID",
-                                   "'" + text + "' is no numeric OID such as .1.3.6.1.2.1.1.1.0");
+    const auto oid = ParseOidOrName(text);
+    if (!oid) throw CLI::ValidationError("OID", NotAnOid(text));
     if (!FitsRequest(*oid))
         throw CLI::ValidationError("OID", "'" + text + "' is too short or too long");
     return *oid;
@@ -127,7 +130,7 @@ int RunEach(const Options& options, Ask ask) {
     std::vector<Oid> oids;
     for (const std::string& text : options.oids) oids.push_back(CheckedOid(text));
     const Device device = OpenDevice(options);
-    VariableWriter writer(options.format == TextFormat::kJson);
+    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     int exitCode = kFound;
     for (const Oid& oid : oids) {
         WarnIfWrong(oid);
@@ -173,7 +176,7 @@ int RunSet(const Options& options) {
     if (!value) throw CLI::ValidationError("VALUE", problem);
     const Device device = OpenDevice(options);
     WarnIfWrong(oid);
-    VariableWriter writer(options.format == TextFormat::kJson);
+    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     const Answer answer = device.Set(oid, *value);
     Show(writer, answer);
     Print(writer.End());
@@ -190,7 +193,8 @@ int FinishWalk(WalkStep step, const Oid& last, size_t variables) {
         return kNone;
     }
     if (step == WalkStep::kNotIncreasing) {
-        Warn("stopped: the device answers with an OID that does not lie behind " + at);
+        Warn("stopped: OID not increasing: the device answers to " + at +
+             " with one that is not greater");
         return kNone;
     }
     if (variables == 0) Warn("the device has no variables there");
@@ -198,17 +202,15 @@ int FinishWalk(WalkStep step, const Oid& last, size_t variables) {
 }
 
 int RunWalk(const Options& options) {
-    const auto root = ParseOid(options.root);
-    if (!root)
-        throw CLI::ValidationError("ROOT",
-                                   "'" + options.root + "' is no numeric OID such as .1.3.6.1");
+    const auto root = ParseOidOrName(options.root);
+    if (!root) throw CLI::ValidationError("ROOT", NotAnOid(options.root));
     Oid asked = *root;
     if (asked.size() == 1) asked.push_back(0);  // a request has two numbers at least
     if (!FitsRequest(asked))
         throw CLI::ValidationError("ROOT", "'" + options.root + "' is too long");
     const Device device = OpenDevice(options);
     WarnIfWrong(asked);
-    VariableWriter writer(options.format == TextFormat::kJson);
+    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     WalkStep step = WalkStep::kVariable;
     Answer answer;
     size_t variables = 0;
@@ -260,6 +262,10 @@ CLI::App* AddCommand(CLI::App& app, const char* name, const char* help, const ch
     return command;
 }
 
+void AddNames(CLI::App& command, Options& options) {
+    command.add_flag("-n,--names", options.withNames, "Show names, and words for numbers and bits");
+}
+
 void AddV3(CLI::App& command, V3Options& options) {
     AddV3Options(command, options);
     command.get_option("--v3")->excludes(command.get_option("--community"));
@@ -270,24 +276,27 @@ void AddV3(CLI::App& command, V3Options& options) {
 void AddDirectedCommands(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<Options>();  // one command runs, so all share them
     CLI::App* get = AddCommand(app, "get", "Read values of one device", kGetExamples, *options);
-    get->add_option("OID", options->oids, "What to read, numeric")->required();
+    get->add_option("OID", options->oids, "What to read: numeric, or a name")->required();
+    AddNames(*get, *options);
     AddV3(*get, options->v3);
     get->callback([options, &exitCode] { exitCode = RunGet(*options); });
 
     CLI::App* next =
-        AddCommand(app, "getnext", "Read the values behind OIDs", kGetNextExamples, *options);
-    next->add_option("OID", options->oids, "What to read on from, numeric")->required();
+        AddCommand(app, "getnext", "Read the values that follow OIDs", kGetNextExamples, *options);
+    next->add_option("OID", options->oids, "What to read on from: numeric, or a name")->required();
+    AddNames(*next, *options);
     AddV3(*next, options->v3);
     next->callback([options, &exitCode] { exitCode = RunGetNext(*options); });
 
     CLI::App* walk =
         AddCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);
     walk->add_option("ROOT", options->root, "Where to start [.1.3.6.1.2.1]");
+    AddNames(*walk, *options);
     AddV3(*walk, options->v3);
     walk->callback([options, &exitCode] { exitCode = RunWalk(*options); });
 
     CLI::App* set = AddCommand(app, "set", "Write one value of one device", kSetExamples, *options);
-    set->add_option("OID", options->oid, "What to write, numeric")->required();
+    set->add_option("OID", options->oid, "What to write: numeric, or a name")->required();
     set->add_option("TYPE", options->type, "Its type, see below")->required();
     set->add_option("VALUE", options->value, "The value; null takes none");
     set->add_option("-w,--write-community", options->writeCommunity, "Write community [sesame]")

@@ -21,7 +21,7 @@ std::string Version() {
     const HGLOBAL block = resource ? LoadResource(module, resource) : nullptr;
     const auto* bytes = static_cast<const uint8_t*>(block ? LockResource(block) : nullptr);
     const size_t size = bytes ? SizeofResource(module, resource) : 0;
-    // The fixed part lies behind a header whose length depends on a name: its signature finds it.
+    // The fixed part follows a header whose length depends on a name: its signature finds it.
     VS_FIXEDFILEINFO info = {};
     for (size_t at = 0; at + sizeof info <= size; at += 4) {
         std::memcpy(&info, bytes + at, sizeof info);
@@ -58,7 +58,7 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.footer("'vndiscover COMMAND --help' tells more, with examples.");
 }
 
-// A negative number behind "set" is a value, but the parser takes it for an option. A leading blank
+// A negative number after "set" is a value, but the parser takes it for an option. A leading blank
 // prevents that.
 void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
     if (arguments.empty() || arguments.front() != "set") return;

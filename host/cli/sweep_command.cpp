@@ -9,7 +9,7 @@
 #include "platform/console.h"
 #include "platform/result_window.h"
 #include "platform/wide_text.h"
-#include "values/oid_text.h"
+#include "values/object_names.h"
 
 namespace vndiscover::host {
 namespace {
@@ -30,7 +30,7 @@ empty strings:
 
 Examples:
   vndiscover sweep
-  vndiscover sweep --community public --oid .1.3.6.1.2.1.1.1.0
+  vndiscover sweep --community public --oid sysDescr.0
   vndiscover sweep --community public --json request.json --format json
   vndiscover sweep --ipv6 --csv devices.csv
   vndiscover sweep --v3 -u admin -a SHA256 -x AES
@@ -75,11 +75,8 @@ void CheckCsvPath(const std::string& path) {
 }
 
 std::string CheckOid(const std::string& text) {
-    const auto oid = ParseOid(text);
-    if (!oid || !FitsRequest(*oid)) {
-        throw CLI::ValidationError("--oid",
-                                   "'" + text + "' is no numeric OID such as .1.3.6.1.2.1.1.1.0");
-    }
+    const auto oid = ParseOidOrName(text);
+    if (!oid || !FitsRequest(*oid)) throw CLI::ValidationError("--oid", NotAnOid(text));
     if (GoesOutWrong(*oid))
         Warn(text + " has a number over 16383: devices are asked for another OID");
     return OidToText(*oid);

@@ -11,7 +11,9 @@ namespace vndiscover::host {
 
 class VariableWriter {
   public:
-    explicit VariableWriter(bool isJson) : isJson_(isJson) {}
+    // withNames: names for OIDs, and words for enumerations, bits and hardware addresses.
+    explicit VariableWriter(bool isJson, bool withNames = false)
+        : isJson_(isJson), withNames_(withNames) {}
     // The text to print now; lines end in LF. In text form empty for anything but kAnswered: a
     // problem is told on standard error.
     std::string Row(const Answer& answer);
@@ -21,7 +23,10 @@ class VariableWriter {
   private:
     std::string JsonRow(const Answer& answer);
 
+    std::string TextLine(const Answer& answer) const;
+
     bool isJson_;
+    bool withNames_;
     JsonArray array_;
 };
 

@@ -15,7 +15,7 @@ namespace {
 constexpr char kExamples[] =
     R"(Every adapter is probed in turn, and then the loopback. Each phase ends after
 --timeout without a reply, and after 30 seconds at most. The list is printed at
-the end: a device that replied several times stands in it once, with a count.
+the end: a device that replied several times is listed once, with a count.
 Ctrl-C ends the sweep and prints what was found. Types have one of these
 prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub (computers).
 

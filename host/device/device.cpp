@@ -4,26 +4,35 @@
 
 #include <cstring>
 
-#include "model/walk_step.h"
+#include "model/refusal.h"
 
 namespace vndiscover::host {
 namespace {
 
 constexpr uint32_t kUnusedTimeoutMs = 2000;
 constexpr uint32_t kUnusedRetries = 5;
+// Stays where no answer came: a readable answer has its type, and one that is not has 0.
+constexpr uint32_t kNotSet = UINT32_MAX;
+constexpr char kTooLongForV1[] = "perhaps it is too long for SNMPv1; SNMPv3 may read it";
 
 std::string_view Bytes(const uint8_t* bytes, size_t count) {
     return {reinterpret_cast<const char*>(bytes), count};
 }
 
 Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
-    // The module fills the address of every answer, also of one whose variable it could not read.
-    if (record.oidLength == 0) {
-        return Failed(record.address[0] ? Status::kUnreadable : Status::kNoAnswer, asked);
-    }
     const auto oid = DecodeOid(Bytes(record.oid, record.oidLength));
     if (!oid) return Failed(Status::kUnreadable, asked);
     return AnsweredWith(*oid, record.valueType, Bytes(record.value, record.valueLength));
+}
+
+// Where a get-next request finds `oid` itself, unless the device has a variable in between.
+Oid Before(Oid oid) {
+    if (oid.back() == 0) {
+        oid.pop_back();
+    } else {
+        --oid.back();
+    }
+    return oid;
 }
 
 }  // namespace
@@ -31,71 +40,73 @@ Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
 Answer Device::Get(const Oid& oid) const {
     if (security_) return GetV3(oid);
     uint8_t value[VN_REQUEST_VALUE_SIZE] = {};
-    uint32_t type = 0;  // stays 0 when no answer came, while an answer may well have an empty value
+    uint32_t type = kNotSet;
     const int32_t length =
         GetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), value, sizeof value, &type,
                           kUnusedTimeoutMs, kUnusedRetries, readCommunity_.c_str(), nullptr);
     if (length < 0) return Failed(Status::kSendFailed, oid);
-    if (type == 0) return Failed(Status::kNoAnswer, oid);
+    if (type == kNotSet) return Failed(Status::kNoAnswer, oid);
+    if (type == 0) return Failed(Status::kUnreadable, oid, kTooLongForV1);
     return AnsweredWith(oid, type, Bytes(value, static_cast<size_t>(length)));
 }
 
+// A get over SNMPv3 delivers text alone, up to its first zero byte. A get-next request brings
+// values of all types, whole, and a refusal with its reason, so it goes first.
 Answer Device::GetV3(const Oid& oid) const {
+    Answer answer = GetNext(Before(oid));
+    const bool isFound = answer.status == Status::kAnswered && answer.oid == oid;
+    const bool isOther = answer.status == Status::kAnswered && answer.oid != oid;
+    if (isOther || answer.status == Status::kUnreadable ||
+        answer.status == Status::kOnlyDiscovered) {
+        return GetTextV3(oid);
+    }
+    if (!isFound) answer.oid = oid;
+    return answer;
+}
+
+Answer Device::GetTextV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
-    uint32_t type = 0;
+    uint32_t type = kNotSet;
     const int32_t reportLength = GetSnmpRequestV3(
         host_.c_str(), OidToText(oid).c_str(), text, sizeof text, &type, kUnusedTimeoutMs,
         kUnusedRetries, security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
         security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
         security_->privLabel.c_str());
-    if (reportLength > 0 && type == kInteger) {
-        std::string problem;
-        const auto number = ParseSetValue("integer", text, problem);
-        return AnsweredWith(oid, type, number ? number->bytes : text);
-    }
-    if (reportLength > 0) return AnsweredWith(oid, type, text);
-    if (type == 0) return Failed(Status::kNoAnswer, oid);
-    return IsNoValue(type) ? AnsweredWith(oid, type, "") : GetByNext(oid);
-}
-
-// An SNMPv3 get delivers text alone, that is INTEGER and OCTET STRING. A get-next request for the
-// place just before brings values of all types, and a refusal with its reason.
-Answer Device::GetByNext(const Oid& oid) const {
-    Oid before = oid;
-    if (before.back() == 0) {
-        before.pop_back();
-    } else {
-        --before.back();
-    }
-    Answer answer = GetNext(before);
-    if (answer.status == Status::kAnswered && answer.oid != oid)
-        answer.status = Status::kUnreadable;
-    answer.oid = oid;
-    return answer;
+    if (type == kNotSet) return Failed(Status::kOnlyDiscovered, oid);
+    if (IsNoValue(type)) return AnsweredWith(oid, type, "");
+    if (reportLength <= 0) return Failed(Status::kUnreadable, oid);  // no text, so not given
+    if (type != kInteger) return AnsweredWith(oid, type, text);
+    std::string problem;
+    const auto number = ParseSetValue("integer", text, problem);
+    return AnsweredWith(oid, type, number ? number->bytes : text);
 }
 
 Answer Device::GetNext(const Oid& oid) const {
+    if (security_) return GetNextV3(oid);
     VnResponseRecord record = {};
-    const std::string text = OidToText(oid);
-    if (!security_) {
-        const int32_t length =
-            GetNextSnmpRequestRaw(host_.c_str(), text.c_str(), &record, kUnusedTimeoutMs,
-                                  kUnusedRetries, readCommunity_.c_str(), nullptr);
-        return length < 0 ? Failed(Status::kSendFailed, oid) : FromRecord(record, oid);
-    }
-    GetNextSnmpRequestV3(host_.c_str(), text.c_str(), &record, kUnusedTimeoutMs, kUnusedRetries,
-                         security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
-                         security_->usePriv, security_->privPassword.Get(),
-                         security_->authLabel.c_str(), security_->privLabel.c_str());
-    record.address[0] = '\0';  // here it is the host's text, whether an answer came or not
+    const int32_t length =
+        GetNextSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,
+                              kUnusedRetries, readCommunity_.c_str(), nullptr);
+    if (length < 0) return Failed(Status::kSendFailed, oid);
+    if (record.oidLength != 0) return FromRecord(record, oid);
+    // The module fills the address of every answer, even of one whose variable it could not read.
+    return record.address[0] ? Failed(Status::kUnreadable, oid, kTooLongForV1)
+                             : Failed(Status::kNoAnswer, oid);
+}
+
+Answer Device::GetNextV3(const Oid& oid) const {
+    VnResponseRecord record = {};
+    const int32_t reportLength = GetNextSnmpRequestV3(
+        host_.c_str(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs, kUnusedRetries,
+        security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
+        security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
+        security_->privLabel.c_str());
+    if (reportLength < 0) return Failed(Status::kSendFailed, oid);
+    if (reportLength == 0) return Failed(Status::kNoAnswer, oid);
+    if (record.oidLength == 0) return Failed(Status::kOnlyDiscovered, oid);
     Answer answer = FromRecord(record, oid);
-    const char* reason = ReportReason(answer.oid);
-    if (answer.status == Status::kAnswered && answer.type == kCounter32 && reason &&
-        !ReportReason(oid)) {
-        answer = Failed(Status::kRefused, oid);
-        answer.note = reason;
-    }
-    return answer;
+    const char* reason = RefusalReason(oid, answer.oid, answer.type);
+    return reason ? Failed(Status::kRefused, oid, reason) : answer;
 }
 
 Answer Device::Set(const Oid& oid, const SetValue& value) const {
@@ -109,11 +120,8 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
                           kUnusedTimeoutMs, kUnusedRetries, nullptr, writeCommunity_.c_str());
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
-    if (length > size) {  // what does not fit was not copied
-        Answer answer = Failed(Status::kUnreadable, oid);
-        answer.note = "its value is longer than the one sent";
-        return answer;
-    }
+    if (length > size)  // what does not fit was not copied
+        return Failed(Status::kUnreadable, oid, "its value is longer than the one sent");
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
 }
 

@@ -11,7 +11,8 @@
 
 namespace vndiscover::host {
 
-// Each call blocks until the answer is there, 10 s at most with SNMPv1 and 14 s with SNMPv3.
+// Each call blocks until the answer is there, 10 s at most with SNMPv1 and 12 s with SNMPv3. Any
+// thread may ask, one request at a time in a process.
 class Device {
   public:
     // All text in the ANSI code page, as the exports take it. Empty communities: the module's own.
@@ -32,7 +33,8 @@ class Device {
 
   private:
     Answer GetV3(const Oid& oid) const;
-    Answer GetByNext(const Oid& oid) const;
+    Answer GetTextV3(const Oid& oid) const;
+    Answer GetNextV3(const Oid& oid) const;
 
     std::string host_, readCommunity_, writeCommunity_;
     std::optional<Security> security_;

@@ -29,6 +29,9 @@ std::string Problem(const Answer& answer) {
             return "the answer could not be read" + (answer.note.empty() ? "" : ": " + answer.note);
         case Status::kRefused:
             return "refused: " + answer.note;
+        case Status::kOnlyDiscovered:
+            return "no answer that can be read, though the device told its engine ID: a wrong "
+                   "privacy password, or a value of more than 126 bytes";
         case Status::kNoAnswer:
             break;
     }

@@ -15,8 +15,9 @@ enum class Status {
     kAnswered,  // type and bytes are the answer's; IsNoValue(type): the device has no such variable
     kNoAnswer,
     kSendFailed,
-    kUnreadable,  // an answer came that holds no variable
-    kRefused,     // an SNMPv3 report: note says why
+    kUnreadable,      // an answer came that holds no variable
+    kOnlyDiscovered,  // SNMPv3: the device told its engine ID, but no answer came that can be read
+    kRefused,         // an SNMPv3 report: note says why
 };
 
 struct Answer {

@@ -9,7 +9,7 @@ constexpr uint32_t kTwoByteArcLimit = 16384;
 constexpr size_t kMaxArcs = 128;
 constexpr size_t kMaxRequestOctets = 124;
 
-// Decimal digits only, 32 bits; advances `text` behind them. Empty: none there.
+// Decimal digits only, 32 bits; advances `text` past them. Empty: none there.
 std::optional<uint32_t> TakeArc(std::string_view& text) {
     uint64_t arc = 0;
     size_t digits = 0;

@@ -15,7 +15,7 @@ namespace vndiscover::host {
 using Oid = std::vector<uint32_t>;
 
 // Numeric text, with or without the leading dot. Empty: no OID (a name, an arc over 32 bits, a
-// first arc over 2, a second over 39 behind 0 or 1, more than 128 arcs).
+// first arc over 2, a second over 39 after 0 or 1, more than 128 arcs).
 std::optional<Oid> ParseOid(std::string_view text);
 
 // With a leading dot: ".1.3.6.1".

@@ -82,7 +82,9 @@ std::string PlainText(std::string_view bytes, Breaks breaks) {
 }
 
 bool IsPrintable(std::string_view bytes) {
+    const bool isEmpty = bytes.empty();
     bytes = WithoutZeroEnd(bytes);
+    if (bytes.empty() && !isEmpty) return false;  // zero bytes alone would be shown as nothing
     bool isUtf8 = true;
     size_t ascii = 0;
     for (size_t i = 0; i < bytes.size();) {

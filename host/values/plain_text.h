@@ -20,7 +20,7 @@ enum class Breaks {
 std::string PlainText(std::string_view bytes, Breaks breaks = Breaks::kFold);
 
 // True when the bytes are text rather than a binary value: no control characters but tabs, line
-// breaks and zero bytes at the end, and UTF-8 or at least mostly ASCII.
+// breaks and zero bytes after a text, and UTF-8 or at least mostly ASCII.
 bool IsPrintable(std::string_view bytes);
 
 // Two upper-case digits a byte, `separator` between them.

@@ -38,33 +38,6 @@ uint64_t BigEndian(std::string_view bytes) {
     return number;
 }
 
-std::optional<int64_t> SignedNumber(std::string_view bytes) {
-    if (bytes.empty() || bytes.size() > 8) return std::nullopt;
-    const int unused = 64 - 8 * static_cast<int>(bytes.size());
-    return static_cast<int64_t>(BigEndian(bytes) << unused) >> unused;
-}
-
-std::optional<uint64_t> UnsignedNumber(std::string_view bytes) {
-    if (bytes.size() > 1 && bytes.front() == '\0')
-        bytes.remove_prefix(1);  // keeps the sign bit clear
-    if (bytes.empty() || bytes.size() > 8) return std::nullopt;
-    return BigEndian(bytes);
-}
-
-// Hundredths of a second as days and time of day.
-std::string TickText(uint64_t ticks) {
-    const uint64_t seconds = ticks / 100;
-    char text[64];
-    std::snprintf(text, sizeof text, "%llu:%02llu:%02llu.%02llu",
-                  static_cast<unsigned long long>(seconds / 3600 % 24),
-                  static_cast<unsigned long long>(seconds / 60 % 60),
-                  static_cast<unsigned long long>(seconds % 60),
-                  static_cast<unsigned long long>(ticks % 100));
-    const uint64_t days = seconds / 86400;
-    if (days == 0) return text;
-    return std::to_string(days) + (days == 1 ? " day, " : " days, ") + text;
-}
-
 std::string AddressText(std::string_view bytes) {
     std::string text;
     for (const char byte : bytes) {
@@ -74,7 +47,7 @@ std::string AddressText(std::string_view bytes) {
     return text;
 }
 
-// Shortest two's complement form: a further byte while the ones behind do not hold the number with
+// Shortest two's complement form: a further byte while those after it do not hold the number with
 // its sign.
 std::string IntegerBytes(int64_t number) {
     std::string bytes(1, static_cast<char>(number & 0xFF));
@@ -138,11 +111,11 @@ std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_v
                                         std::string& problem) {
     std::optional<std::string> bytes;
     if (type == kInteger) {
-        problem = "an integer lies between -2147483648 and 2147483647";
+        problem = "an integer is from -2147483648 to 2147483647";
         if (const auto number = ParseNumber(text, INT32_MIN, INT32_MAX))
             bytes = IntegerBytes(*number);
     } else if (type == kCounter32 || type == kGauge32 || type == kTimeTicks) {
-        problem = "a counter, gauge or time lies between 0 and 4294967295";
+        problem = "a counter, gauge or time is from 0 to 4294967295";
         if (const auto number = ParseNumber(text, 0, UINT32_MAX)) bytes = IntegerBytes(*number);
     } else if (type == kObjectIdentifier) {
         problem = "an OID is numeric, for example .1.3.6.1.2.1.1.1.0";
@@ -163,6 +136,32 @@ std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_v
 }
 
 }  // namespace
+
+std::optional<int64_t> SignedNumber(std::string_view bytes) {
+    if (bytes.empty() || bytes.size() > 8) return std::nullopt;
+    const int unused = 64 - 8 * static_cast<int>(bytes.size());
+    return static_cast<int64_t>(BigEndian(bytes) << unused) >> unused;
+}
+
+std::optional<uint64_t> UnsignedNumber(std::string_view bytes) {
+    if (bytes.size() > 1 && bytes.front() == '\0')
+        bytes.remove_prefix(1);  // keeps the sign bit clear
+    if (bytes.empty() || bytes.size() > 8) return std::nullopt;
+    return BigEndian(bytes);
+}
+
+std::string TickText(uint64_t ticks) {
+    const uint64_t seconds = ticks / 100;
+    char text[64];
+    std::snprintf(text, sizeof text, "%llu:%02llu:%02llu.%02llu",
+                  static_cast<unsigned long long>(seconds / 3600 % 24),
+                  static_cast<unsigned long long>(seconds / 60 % 60),
+                  static_cast<unsigned long long>(seconds % 60),
+                  static_cast<unsigned long long>(ticks % 100));
+    const uint64_t days = seconds / 86400;
+    if (days == 0) return text;
+    return std::to_string(days) + (days == 1 ? " day, " : " days, ") + text;
+}
 
 std::string TypeName(uint32_t type) {
     for (const NamedType& known : kTypes) {

@@ -31,6 +31,13 @@ Content ContentOf(uint32_t type, std::string_view raw);
 // other types and for contents that are no such number.
 std::optional<std::string> NumberText(uint32_t type, std::string_view bytes);
 
+// The number of an INTEGER, or of one of the unsigned types; empty for contents that are none.
+std::optional<int64_t> SignedNumber(std::string_view bytes);
+std::optional<uint64_t> UnsignedNumber(std::string_view bytes);
+
+// Hundredths of a second as days and time of day: "1 day, 2:03:04.05".
+std::string TickText(uint64_t ticks);
+
 // One line for a person, without the type: "1", "text", "00 1B 44", ".1.3.6.1", "12345
 // (0:02:03.45)".
 std::string FormatValue(uint32_t type, std::string_view bytes);

@@ -29,9 +29,12 @@ rwcommunity secret
 rwcommunity6 secret
 syslocation Hall "B", 2nd floor
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
+override .1.3.6.1.4.1.5963.9.1.0 octet_str 0x3c2af400f51b
+override .1.3.6.1.4.1.5963.9.2.0 octet_str 0x00
+override .1.3.6.1.4.1.5963.9.3.0 octet_str "LONG"
 createUser admin SHA-256 authpass1 AES privpass1
 rouser admin priv
-"""
+""".replace("LONG", 243 * "x")
 
 # Answers every WS-Discovery probe, with escape sequences and with a reply that fills the buffer.
 RESPONDER = """

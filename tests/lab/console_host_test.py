@@ -11,7 +11,7 @@ class Usage(unittest.TestCase):
         with open(bad_json, "w", encoding="utf-8") as file:
             file.write("[]")
         for arguments in (
-                [], ["bogus"], ["sweep", "--bogus"], ["sweep", "--format", "xml"], ["sweep", "--oid", "sysDescr.0"],
+                [], ["bogus"], ["sweep", "--bogus"], ["sweep", "--format", "xml"], ["sweep", "--oid", "sysDesc.0"],
                 ["sweep", "--json", bad_json], ["sweep", "--csv", "/missing/x.csv"],
                 ["sweep", "--community", "x" * 256], ["sweep", "-u", "admin"],
                 ["sweep", "--v3", "-u", "admin", "-x", "AES"], ["sweep", "--v3", "-u", "admin", "-a", "SHA1"],

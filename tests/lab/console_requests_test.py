@@ -81,6 +81,23 @@ class DirectedRequests(unittest.TestCase):
         self.assertEqual(0, code)
         self.assertRegex(out, r"8072\.3\.2\.10\n.*TimeTicks: \d+ \(")
 
+    def test_values_with_zero_bytes_are_whole(self):
+        mac, zero, text = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in (1, 2, 3))
+        shown = f"{mac} = OCTET STRING: 3C 2A F4 00 F5 1B\n{zero} = OCTET STRING: 00\n"
+        self.assertEqual((0, shown, ""), run("get", AGENT, mac, zero))
+        self.assertEqual((0, shown, ""), run("get", AGENT, mac, zero, *V3, **SECRETS))
+        # Over SNMPv1 a text of 243 bytes cannot be read.
+        for command in ("get", text), ("walk", text[:-2]):
+            code, _, err = run(command[0], AGENT, command[1])
+            self.assertEqual(1, code)
+            self.assertIn("could not be read", err)
+            self.assertIn("SNMPv3 may read it", err)
+
+    def test_names_go_in_and_come_out(self):
+        self.assertEqual((0, f"sysLocation.0 = OCTET STRING: {LOCATION_TEXT}\nifType.1 = INTEGER: softwareLoopback(24)\n",
+                          ""), run("get", AGENT, "sysLocation.0", "ifType.1", "--names"))
+        self.assertIn("sysDescr.0", run("get", AGENT, "sysDesc.0")[2])
+
     def test_set_writes_and_verify_tells_a_refusal(self):
         for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, "ext. 43")):
             arguments = ["set", host, CONTACT, "string", value, "--verify"]

@@ -18,6 +18,14 @@ TEST(VariableRows, AreLinesOrJsonElements) {
     const std::string cut(128, 'x');
     EXPECT_EQ(".1.3.6 = OCTET STRING: " + cut + " [the first 128 of 175 bytes]\n",
               text.Row(AnsweredWith({1, 3, 6}, kOctetString, Bytes({0xAF}) + cut)));
+    VariableWriter names(false, true);
+    const Oid status = {1, 3, 6, 1, 2, 1, 25, 3, 5, 1, 1, 1};
+    EXPECT_EQ("hrPrinterStatus.1 = INTEGER: idle(3)\n",
+              names.Row(AnsweredWith(status, kInteger, "\x03")));
+    EXPECT_EQ(
+        "[\n  {\"oid\":\".1.3.6.1.2.1.25.3.5.1.1.1\",\"name\":\"hrPrinterStatus.1\","
+        "\"type\":\"INTEGER\",\"value\":3,\"text\":\"idle(3)\"}",
+        VariableWriter(true, true).Row(AnsweredWith(status, kInteger, "\x03")));
     VariableWriter json(true);
     std::string document;
     for (const Answer& answer :

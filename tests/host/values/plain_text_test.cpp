@@ -35,6 +35,12 @@ TEST(PlainText, IsReadableTextWithoutWhatATerminalWouldObey) {
     EXPECT_EQ("a#b", Shown("a\rb", Breaks::kKeep)) << "else b would overwrite the line";
 }
 
+TEST(ShownValue, IsNeverEmptyForBytesThatCame) {
+    EXPECT_EQ("", ShownValue(""));
+    EXPECT_EQ("a", ShownValue({"a\0\0", 3}));
+    EXPECT_EQ("0x0000", ShownValue({"\0\0", 2}));
+}
+
 TEST(Padded, CountsCharactersNotBytes) { EXPECT_EQ("B\xC3\xBCro  ", Padded("B\xC3\xBCro", 6)); }
 
 }  // namespace
