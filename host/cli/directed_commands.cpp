@@ -1,12 +1,10 @@
 #include <cjson/cJSON.h>
 
-#include "cli/commands.h"
+#include "cli/device_options.h"
 #include "cli/variable_writer.h"
-#include "device/device.h"
 #include "model/answer.h"
 #include "model/walk_step.h"
 #include "platform/console.h"
-#include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"
 #include "values/plain_text.h"
@@ -14,8 +12,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-constexpr size_t kMaxCommunity = 255;  // bytes that a request can hold
 
 constexpr char kGetExamples[] =
     R"(Values are shown by their type; a text that is not printable is shown in hex.
@@ -77,29 +73,12 @@ Examples:
 
 Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
 
-enum class TextFormat { kText, kJson };
-
-struct Options {
-    std::string host, community, writeCommunity, root = ".1.3.6.1.2.1", oid, type, value;
+struct Options : DeviceOptions {
+    std::string root = ".1.3.6.1.2.1", oid, type, value;
     std::vector<std::string> oids;
-    TextFormat format = TextFormat::kText;
     bool mustVerify = false;
     bool withNames = false;
-    V3Options v3;
 };
-
-std::string CheckedCommunity(const std::string& text, const char* option) {
-    std::string community = ToAnsi(text);
-    if (community.size() > kMaxCommunity) throw CLI::ValidationError(option, "255 bytes at most");
-    return community;
-}
-
-Device OpenDevice(const Options& options) {
-    Device device(ToAnsi(options.host), CheckedCommunity(options.community, "--community"),
-                  CheckedCommunity(options.writeCommunity, "--write-community"));
-    if (options.v3.isOn) device.Use(ResolveSecurity(options.v3));
-    return device;
-}
 
 Oid CheckedOid(const std::string& text) {
     const auto oid = ParseOidOrName(text);
@@ -113,11 +92,6 @@ Oid CheckedOid(const std::string& text) {
 void WarnIfWrong(const Oid& oid) {
     if (!GoesOutWrong(oid)) return;
     Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
-}
-
-int ExitCodeOf(const Answer& answer) {
-    if (answer.status == Status::kSendFailed) return kSendFailed;
-    return answer.status == Status::kAnswered ? kFound : kNone;
 }
 
 void Show(VariableWriter& writer, const Answer& answer) {
@@ -136,8 +110,8 @@ int RunEach(const Options& options, Ask ask) {
         WarnIfWrong(oid);
         const Answer answer = ask(device, oid);
         Show(writer, answer);
-        exitCode =
-            std::max(exitCode, ExitCodeOf(answer));  // a failed send outweighs a missing answer
+        exitCode = std::max(exitCode,
+                            ExitCodeOf(answer.status));  // a failed send outweighs a missing answer
     }
     Print(writer.End());
     return exitCode;
@@ -180,7 +154,7 @@ int RunSet(const Options& options) {
     const Answer answer = device.Set(oid, *value);
     Show(writer, answer);
     Print(writer.End());
-    const int exitCode = ExitCodeOf(answer);
+    const int exitCode = ExitCodeOf(answer.status);
     return exitCode == kFound && options.mustVerify ? Verify(device, oid, *value) : exitCode;
 }
 
@@ -227,7 +201,7 @@ int RunWalk(const Options& options) {
         if (!Print(writer.Row(answer))) break;  // nobody reads any more
     }
     Print(writer.End());
-    if (answer.status != Status::kAnswered) return ExitCodeOf(answer);
+    if (answer.status != Status::kAnswered) return ExitCodeOf(answer.status);
     return FinishWalk(step, asked, variables);
 }
 
@@ -249,53 +223,37 @@ int RunInfo(const Options& options) {
     return kFound;
 }
 
-// A command with what all directed requests have: the host, the read community, the format.
-CLI::App* AddCommand(CLI::App& app, const char* name, const char* help, const char* examples,
-                     Options& options) {
-    CLI::App* command = app.add_subcommand(name, help);
-    command->add_option("HOST", options.host, "Address of the device")->required();
-    command->add_option("-c,--community", options.community, "Read community [sesame]")
-        ->type_name("NAME");
-    AddFormat<TextFormat>(*command, options.format,
-                          {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
-    command->footer(examples);
-    return command;
-}
-
 void AddNames(CLI::App& command, Options& options) {
     command.add_flag("-n,--names", options.withNames, "Show names, and words for numbers and bits");
-}
-
-void AddV3(CLI::App& command, V3Options& options) {
-    AddV3Options(command, options);
-    command.get_option("--v3")->excludes(command.get_option("--community"));
 }
 
 }  // namespace
 
 void AddDirectedCommands(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<Options>();  // one command runs, so all share them
-    CLI::App* get = AddCommand(app, "get", "Read values of one device", kGetExamples, *options);
+    CLI::App* get =
+        AddDeviceCommand(app, "get", "Read values of one device", kGetExamples, *options);
     get->add_option("OID", options->oids, "What to read: numeric, or a name")->required();
     AddNames(*get, *options);
-    AddV3(*get, options->v3);
+    AddDeviceV3(*get, *options);
     get->callback([options, &exitCode] { exitCode = RunGet(*options); });
 
-    CLI::App* next =
-        AddCommand(app, "getnext", "Read the values that follow OIDs", kGetNextExamples, *options);
+    CLI::App* next = AddDeviceCommand(app, "getnext", "Read the values that follow OIDs",
+                                      kGetNextExamples, *options);
     next->add_option("OID", options->oids, "What to read on from: numeric, or a name")->required();
     AddNames(*next, *options);
-    AddV3(*next, options->v3);
+    AddDeviceV3(*next, *options);
     next->callback([options, &exitCode] { exitCode = RunGetNext(*options); });
 
     CLI::App* walk =
-        AddCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);
+        AddDeviceCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);
     walk->add_option("ROOT", options->root, "Where to start [.1.3.6.1.2.1]");
     AddNames(*walk, *options);
-    AddV3(*walk, options->v3);
+    AddDeviceV3(*walk, *options);
     walk->callback([options, &exitCode] { exitCode = RunWalk(*options); });
 
-    CLI::App* set = AddCommand(app, "set", "Write one value of one device", kSetExamples, *options);
+    CLI::App* set =
+        AddDeviceCommand(app, "set", "Write one value of one device", kSetExamples, *options);
     set->add_option("OID", options->oid, "What to write: numeric, or a name")->required();
     set->add_option("TYPE", options->type, "Its type, see below")->required();
     set->add_option("VALUE", options->value, "The value; null takes none");
@@ -305,7 +263,7 @@ void AddDirectedCommands(CLI::App& app, int& exitCode) {
     set->callback([options, &exitCode] { exitCode = RunSet(*options); });
 
     CLI::App* info =
-        AddCommand(app, "info", "Show a device's information text", kInfoExamples, *options);
+        AddDeviceCommand(app, "info", "Show a device's information text", kInfoExamples, *options);
     info->callback([options, &exitCode] { exitCode = RunInfo(*options); });
 }
 

@@ -53,6 +53,7 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.set_version_flag("--version", Version());
     vndiscover::host::AddSweepCommand(app, exitCode);
     vndiscover::host::AddDirectedCommands(app, exitCode);
+    vndiscover::host::AddPrinterCommand(app, exitCode);
     vndiscover::host::AddWsdCommand(app, exitCode);
     vndiscover::host::AddReachCommands(app, exitCode);
     app.footer("'vndiscover COMMAND --help' tells more, with examples.");

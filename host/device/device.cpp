@@ -125,6 +125,14 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
 }
 
+Asker AskerOf(const Device& device) {
+    Asker asker;
+    asker.get = [&device](const Oid& oid) { return device.Get(oid); };
+    asker.getNext = [&device](const Oid& oid) { return device.GetNext(oid); };
+    asker.isV3 = device.IsV3();
+    return asker;
+}
+
 std::optional<std::string> Device::Information() const {
     char value[VN_INFORMATION_SIZE] = {};
     if (GetSnmpInformation(host_.c_str(), value, readCommunity_.c_str(), nullptr) <= 0)

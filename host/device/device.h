@@ -7,6 +7,7 @@
 
 #include "device/security.h"
 #include "model/answer.h"
+#include "model/printer_reader.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -39,6 +40,9 @@ class Device {
     std::string host_, readCommunity_, writeCommunity_;
     std::optional<Security> security_;
 };
+
+// For the readers of the model; the device must outlive it.
+Asker AskerOf(const Device& device);
 
 }  // namespace vndiscover::host
 

@@ -1,5 +1,6 @@
 #include "values/plain_text.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -53,6 +54,15 @@ void AppendUtf8(std::string& out, uint32_t code) {
     for (int i = more - 1; i >= 0; --i) out += static_cast<char>(0x80 | (code >> (6 * i) & 0x3F));
 }
 
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const Character next = NextCharacter(text);
+        if (!next.isUtf8) return false;
+        text.remove_prefix(next.bytes);
+    }
+    return true;
+}
+
 std::string_view WithoutZeroEnd(std::string_view bytes) {
     while (!bytes.empty() && bytes.back() == '\0') bytes.remove_suffix(1);
     return bytes;
@@ -79,6 +89,17 @@ std::string PlainText(std::string_view bytes, Breaks breaks) {
         }
     }
     return out;
+}
+
+std::string DeviceText(std::string_view bytes, int64_t characterSet) {
+    constexpr std::string_view kBlanks(" \t\r\n\0", 5);
+    const size_t start = std::min(bytes.find_first_not_of(kBlanks), bytes.size());
+    bytes = bytes.substr(start, bytes.find_last_not_of(kBlanks) + 1 - start);
+    constexpr int64_t kLatin1 = 4;
+    if (characterSet != kLatin1 && IsUtf8(bytes)) return PlainText(bytes);
+    std::string utf8;
+    for (const char byte : bytes) AppendUtf8(utf8, static_cast<uint8_t>(byte));
+    return PlainText(utf8);
 }
 
 bool IsPrintable(std::string_view bytes) {
@@ -113,6 +134,18 @@ std::string HexText(std::string_view bytes, std::string_view separator) {
 std::string ShownValue(std::string_view bytes) {
     if (IsPrintable(bytes)) return PlainText(WithoutZeroEnd(bytes));
     return "0x" + HexText(bytes, "");
+}
+
+std::string SpacedWords(std::string_view word) {
+    std::string out;
+    for (size_t i = 0; i < word.size(); ++i) {
+        const bool isUpper = word[i] >= 'A' && word[i] <= 'Z';
+        const bool startsWord = isUpper && i > 0 && word[i - 1] >= 'a' && word[i - 1] <= 'z';
+        if (startsWord) out += ' ';
+        const bool isAbbreviation = i + 1 < word.size() && word[i + 1] >= 'A' && word[i + 1] <= 'Z';
+        out += startsWord && !isAbbreviation ? static_cast<char>(word[i] | 0x20) : word[i];
+    }
+    return out;
 }
 
 std::string Padded(std::string_view text, size_t width) {

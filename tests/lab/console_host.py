@@ -93,10 +93,10 @@ def run_on_terminal(steps, *arguments):
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
 
 
-def main():
-    """Sets the lab up and runs the tests of the calling file."""
+def main(conf=AGENT_CONF):
+    """Sets the lab up, with this agent, and runs the tests of the calling file."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
-    subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=AGENT_CONF, text=True, check=True,
+    subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=conf, text=True, check=True,
                    stdout=subprocess.DEVNULL)
     responder = subprocess.Popen(["ip", "netns", "exec", "neta", sys.executable, "-c", RESPONDER])
     result = unittest.main(module="__main__", exit=False).result
