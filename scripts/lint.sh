@@ -15,5 +15,5 @@ fi
 clang-format --dry-run -Werror "${sources[@]}" || Die "not formatted; scripts/lint.sh --fix does it"
 
 [ -e build/native/compile_commands.json ] || scripts/build.sh native
-mapfile -t portable < <(sed -n 's/^ *"file": "\(.*\/src\/.*\)".*/\1/p' build/native/compile_commands.json | sort -u)
+mapfile -t portable < <(sed -n 's/^ *"file": "\(.*\/\(src\|host\)\/.*\)".*/\1/p' build/native/compile_commands.json | sort -u)
 printf '%s\n' "${portable[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p build/native --quiet

@@ -25,16 +25,6 @@ Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
     return AnsweredWith(*oid, record.valueType, Bytes(record.value, record.valueLength));
 }
 
-// Where a get-next request finds `oid` itself, unless the device has a variable in between.
-Oid Before(Oid oid) {
-    if (oid.back() == 0) {
-        oid.pop_back();
-    } else {
-        --oid.back();
-    }
-    return oid;
-}
-
 }  // namespace
 
 Answer Device::Get(const Oid& oid) const {
@@ -50,21 +40,9 @@ Answer Device::Get(const Oid& oid) const {
     return AnsweredWith(oid, type, Bytes(value, static_cast<size_t>(length)));
 }
 
-// A get over SNMPv3 delivers text alone, up to its first zero byte. A get-next request brings
-// values of all types, whole, and a refusal with its reason, so it goes first.
+// A get over SNMPv3 delivers text alone, up to its first zero byte. A get-next request for what
+// precedes the OID brings values of all types, whole, and a refusal with its reason.
 Answer Device::GetV3(const Oid& oid) const {
-    Answer answer = GetNext(Before(oid));
-    const bool isFound = answer.status == Status::kAnswered && answer.oid == oid;
-    const bool isOther = answer.status == Status::kAnswered && answer.oid != oid;
-    if (isOther || answer.status == Status::kUnreadable ||
-        answer.status == Status::kOnlyDiscovered) {
-        return GetTextV3(oid);
-    }
-    if (!isFound) answer.oid = oid;
-    return answer;
-}
-
-Answer Device::GetTextV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
     const int32_t reportLength = GetSnmpRequestV3(
@@ -72,13 +50,18 @@ Answer Device::GetTextV3(const Oid& oid) const {
         kUnusedRetries, security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
         security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
         security_->privLabel.c_str());
-    if (type == kNotSet) return Failed(Status::kOnlyDiscovered, oid);
     if (IsNoValue(type)) return AnsweredWith(oid, type, "");
-    if (reportLength <= 0) return Failed(Status::kUnreadable, oid);  // no text, so not given
-    if (type != kInteger) return AnsweredWith(oid, type, text);
-    std::string problem;
-    const auto number = ParseSetValue("integer", text, problem);
-    return AnsweredWith(oid, type, number ? number->bytes : text);
+    if (type == kInteger && reportLength > 0) {
+        std::string problem;
+        const auto number = ParseSetValue("integer", text, problem);
+        return AnsweredWith(oid, type, number ? number->bytes : text);
+    }
+    Answer answer = GetNextV3(JustBefore(oid));
+    const bool isAnswered = answer.status == Status::kAnswered;
+    if (isAnswered && answer.oid == oid) return answer;
+    // Nothing that follows what precedes it: the text has to do, perhaps cut.
+    if (type == kOctetString && reportLength > 0) return AnsweredWith(oid, type, text);
+    return Failed(isAnswered ? Status::kUnreadable : answer.status, oid, answer.note);
 }
 
 Answer Device::GetNext(const Oid& oid) const {
@@ -127,7 +110,6 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
 
 Asker AskerOf(const Device& device) {
     Asker asker;
-    asker.get = [&device](const Oid& oid) { return device.Get(oid); };
     asker.getNext = [&device](const Oid& oid) { return device.GetNext(oid); };
     asker.isV3 = device.IsV3();
     return asker;

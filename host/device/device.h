@@ -34,7 +34,6 @@ class Device {
 
   private:
     Answer GetV3(const Oid& oid) const;
-    Answer GetTextV3(const Oid& oid) const;
     Answer GetNextV3(const Oid& oid) const;
 
     std::string host_, readCommunity_, writeCommunity_;

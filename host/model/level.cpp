@@ -36,7 +36,7 @@ std::string Text(const Level& level) {
         if (*level.level <= 100) return PercentText(level);
         return "100 % (the device says " + std::to_string(*level.level) + " %)";
     }
-    const std::string amount = AmountText(level);
+    std::string amount = AmountText(level);
     if (!PercentOf(level)) return amount;
     const bool isAbove = *level.level > *level.maximum;
     return PercentText(level) + " (" + amount + (isAbove ? ", above the maximum)" : ")");

@@ -151,7 +151,7 @@ class Facts {
             if (bytes.size() != 6 || bytes == std::string(6, '\0') ||
                 (type != kEthernet && type != kWireless))
                 continue;
-            const std::string mac = HexText(bytes, ":");
+            std::string mac = HexText(bytes, ":");
             if (Number("ifOperStatus", instance) == kUp) return mac;
             if (found.empty()) found = mac;
         }

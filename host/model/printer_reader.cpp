@@ -91,13 +91,14 @@ class Reader {
             return;
         }
         oid.push_back(question.way == Way::kScalar ? 0 : printers.front());
-        Take(question, Ask(asker_.get, oid));
+        const Answer answer = Ask(JustBefore(oid));
+        if (answer.status != Status::kAnswered || answer.oid == oid) Take(question, answer);
     }
 
     void ReadColumn(const Question& question, const Oid& column) {
         Oid asked = column;
         for (size_t rows = 0; rows < kMaxRows; ++rows) {
-            const Answer answer = Ask(asker_.getNext, asked);
+            const Answer answer = Ask(asked);
             if (answer.status == Status::kAnswered) {
                 const WalkStep step =
                     JudgeAnswer(column, asked, answer.oid, answer.type, asker_.isV3);
@@ -113,12 +114,9 @@ class Reader {
             Miss(question, true, "more rows than can be read");
     }
 
-    Answer Ask(const std::function<Answer(const Oid&)>& way, const Oid& oid) {
-        if (asker_.mayGoOn && !asker_.mayGoOn()) {
-            wasStopped_ = true;
-            return Failed(Status::kNoAnswer, oid);
-        }
-        return way(oid);
+    Answer Ask(const Oid& oid) {
+        wasStopped_ = asker_.mayGoOn && !asker_.mayGoOn();
+        return wasStopped_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
     }
 
     // False: no variable came.

@@ -11,9 +11,10 @@
 
 namespace vndiscover::host {
 
-// How to ask the device; each call blocks until it knows. See AskerOf in device/device.h.
+// How to ask the device for the variable that follows an OID; the call blocks until it knows. See
+// AskerOf in device/device.h.
 struct Asker {
-    std::function<Answer(const Oid&)> get, getNext;
+    std::function<Answer(const Oid&)> getNext;
     bool isV3 = false;
     std::function<bool()> mayGoOn;  // asked before each request; empty: always
 };

@@ -309,7 +309,7 @@ std::vector<std::string> WordsOf(std::string_view name, std::string_view bits) {
 
 std::string FormatNamedValue(const Oid& oid, uint32_t type, std::string_view bytes) {
     const size_t found = FindObject(oid);
-    const std::string plain = FormatValue(type, bytes);
+    std::string plain = FormatValue(type, bytes);
     if (found == kObjectNameCount) return plain;
     const ObjectName& object = kObjectNames[found];
     if (object.syntax == Syntax::kEnumeration && type == kInteger) {

@@ -71,7 +71,7 @@ std::optional<Oid> DecodeOid(std::string_view octets) {
         if (oid.empty()) {
             const uint32_t first = arc < 80 ? static_cast<uint32_t>(arc / 40) : 2;
             oid.push_back(first);
-            arc -= first * 40;
+            arc -= uint64_t{first} * 40;
         }
         oid.push_back(static_cast<uint32_t>(arc));
         arc = 0;
@@ -98,6 +98,15 @@ bool FitsRequest(const Oid& oid) {
     size_t octets = 1;
     for (size_t i = 2; i < oid.size(); ++i) octets += oid[i] < 128 ? 1 : 2;
     return octets <= kMaxRequestOctets;
+}
+
+Oid JustBefore(Oid oid) {
+    if (oid.back() == 0) {
+        oid.pop_back();
+    } else {
+        --oid.back();
+    }
+    return oid;
 }
 
 bool IsWithin(const Oid& oid, const Oid& root) {

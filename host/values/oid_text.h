@@ -36,6 +36,10 @@ bool GoesOutWrong(const Oid& oid);
 // them.
 bool FitsRequest(const Oid& oid);
 
+// The OID that a get-next request for `oid` itself names, unless the device has a variable between
+// the two. `oid` has three arcs or more.
+Oid JustBefore(Oid oid);
+
 // True for `root` itself too.
 bool IsWithin(const Oid& oid, const Oid& root);
 

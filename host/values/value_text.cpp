@@ -211,19 +211,19 @@ std::string FormatValue(uint32_t type, std::string_view bytes) {
 std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text,
                                       std::string& problem) {
     struct Word {
-        char letter;
         std::string_view word;
         uint32_t type;
+        char letter;
     };
-    constexpr Word kWords[] = {{'i', "integer", kInteger},
-                               {'s', "string", kOctetString},
-                               {'x', "hex", kOctetString},
-                               {'o', "oid", kObjectIdentifier},
-                               {'a', "ipaddress", kIpAddress},
-                               {'c', "counter", kCounter32},
-                               {'u', "gauge", kGauge32},
-                               {'t', "timeticks", kTimeTicks},
-                               {'n', "null", kNull}};
+    constexpr Word kWords[] = {{"integer", kInteger, 'i'},
+                               {"string", kOctetString, 's'},
+                               {"hex", kOctetString, 'x'},
+                               {"oid", kObjectIdentifier, 'o'},
+                               {"ipaddress", kIpAddress, 'a'},
+                               {"counter", kCounter32, 'c'},
+                               {"gauge", kGauge32, 'u'},
+                               {"timeticks", kTimeTicks, 't'},
+                               {"null", kNull, 'n'}};
     for (const Word& known : kWords) {
         const bool isLetter = type.size() == 1 && type.front() == known.letter;
         if (!isLetter && type != known.word) continue;

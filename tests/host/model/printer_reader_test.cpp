@@ -65,7 +65,7 @@ TEST(PrinterReader, LosesOneColumnToAnAnswerThatCannotBeRead) {
     for (const Status status : {Status::kUnreadable, Status::kOnlyDiscovered}) {
         ScriptedDevice device = Printer();
         device.failure = [&](const Oid& asked) {
-            return NameText(asked) == "prtGeneralSerialNumber.3" ? status : Status::kAnswered;
+            return NameText(asked) == "prtGeneralSerialNumber.2" ? status : Status::kAnswered;
         };
         device.Text("entPhysicalSerialNum.1", "VN2");
         const PrinterAnswers answers = ReadPrinter(device.MakeAsker());

@@ -33,7 +33,6 @@ struct ScriptedDevice {
 
     Asker MakeAsker() {
         Asker asker;
-        asker.get = [this](const Oid& oid) { return Answered(oid, variables.find(oid)); };
         asker.getNext = [this](const Oid& oid) {
             return Answered(oid, variables.upper_bound(oid));
         };
