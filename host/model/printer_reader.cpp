@@ -1,6 +1,7 @@
 #include "model/printer_reader.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -91,6 +92,10 @@ class Reader {
             return;
         }
         oid.push_back(question.way == Way::kScalar ? 0 : printers.front());
+        if (GoesOutWrong(oid)) {
+            Miss(question, true, "the printer's index is over 16383 and cannot be asked for");
+            return;
+        }
         const Answer answer = Ask(JustBefore(oid));
         if (answer.status != Status::kAnswered || answer.oid == oid) Take(question, answer);
     }
@@ -106,23 +111,41 @@ class Reader {
                 if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
                 if (step == WalkStep::kLastReachable) rows = kMaxRows;  // the loop ends
             }
-            if (!Take(question, answer)) return;
-            asked = answer.oid;
+            const bool isTaken = Take(question, answer);
+            const auto next = isTaken ? answer.oid : RowAfter(column, asked);
+            if (hasStopped_ || answer.status == Status::kOnlyDiscovered || !next) return;
+            asked = *next;
         }
         // Computers that share a printer list hundreds of devices after it.
         if (std::string_view(question.object) != "hrDeviceType" || ListedPrinters(answers_).empty())
             Miss(question, true, "more rows than can be read");
     }
 
+    // Past a row that could not be read: the first row after `asked` that another column of the
+    // table has. Short columns are read first.
+    std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
+        const Oid table(column.begin(), column.end() - 1);
+        std::optional<Oid> first;
+        for (auto at = answers_.values.lower_bound(table);
+             at != answers_.values.end() && IsWithin(at->first, table); ++at) {
+            Oid row = column;
+            row.insert(row.end(), at->first.begin() + static_cast<ptrdiff_t>(column.size()),
+                       at->first.end());
+            if (row > asked && (!first || row < *first)) first = row;
+        }
+        return first;
+    }
+
     Answer Ask(const Oid& oid) {
         wasStopped_ = asker_.mayGoOn && !asker_.mayGoOn();
-        return wasStopped_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
+        Answer answer = wasStopped_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
+        if (answer.status == Status::kAnswered) isInDoubt_ = false;
+        return answer;
     }
 
     // False: no variable came.
     bool Take(const Question& question, const Answer& answer) {
         if (answer.status == Status::kAnswered) {
-            isInDoubt_ = false;
             if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
             return true;
         }
@@ -139,8 +162,8 @@ class Reader {
 
     void Miss(const Question& question, bool wasAsked, std::string reason) {
         Gap gap = {question.subject, wasAsked ? question.object : "", std::move(reason)};
-        const auto isSame = [&](const Gap& known) {
-            return known.subject == gap.subject && !wasAsked;  // once for each subject
+        const auto isSame = [&](const Gap& known) {  // once for each subject or object
+            return known.subject == gap.subject && (!wasAsked || known.object == gap.object);
         };
         if (std::none_of(answers_.gaps.begin(), answers_.gaps.end(), isSame))
             answers_.gaps.push_back(std::move(gap));

@@ -35,10 +35,9 @@ struct PrinterAnswers {
 // The indexes of the printers in the device's hrDeviceTable.
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 
-// About 35 objects, one request for each variable and one for the end of each column of a
-// table. A device that
-// falls silent or refuses is not asked any further; an answer that cannot be read costs its column
-// alone.
+// About 35 objects, one request for each variable and one for the end of each column of a table. A
+// device that falls silent or refuses is not asked any further; an answer that cannot be read costs
+// that row alone.
 PrinterAnswers ReadPrinter(const Asker& asker);
 
 }  // namespace vndiscover::host

@@ -88,13 +88,16 @@ TEST(PrinterFacts, SuppliesHaveColoursAndKinds) {
     device.Integer("prtMarkerSuppliesMaxCapacity.1.1", -2);
     device.Integer("prtMarkerSuppliesType.1.2", 99);  // has no word, and no level came
     device.Text("prtMarkerSuppliesLevel.1.2", "x");
+    device.Integer("prtMarkerSuppliesLevel.1.3", 5);
+    device.Integer("prtMarkerSuppliesSupplyUnit.1.3", 2);
     const PrinterFacts facts = Facts(device);
-    ASSERT_EQ(2u, facts.supplies.size());
+    ASSERT_EQ(3u, facts.supplies.size());
     EXPECT_EQ("cyan", facts.supplies[0].colour);
     EXPECT_EQ("wasteToner", facts.supplies[0].type);
     EXPECT_EQ("room left: 30 tenths of grams, maximum unknown", LevelText(facts.supplies[0].level));
     EXPECT_EQ("99", facts.supplies[1].type);
     EXPECT_EQ("not read", LevelText(facts.supplies[1].level));
+    EXPECT_EQ("5, maximum unknown", LevelText(facts.supplies[2].level)) << "the unit is unknown";
 }
 
 TEST(PrinterFacts, TakeTheAddressOfANetworkThatIsUp) {

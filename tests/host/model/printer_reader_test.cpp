@@ -34,8 +34,9 @@ bool HasGap(const PrinterAnswers& answers, const std::string& subject, const std
 TEST(PrinterReader, ReadsTheRowsOfThePrinter) {
     ScriptedDevice device = Printer();
     device.Text("hrDeviceDescr.1", "a processor");
+    device.Text("entPhysicalSerialNum.1", "of a part");
     const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
-    EXPECT_EQ(device.variables.size() - 1, answers.values.size());
+    EXPECT_EQ(device.variables.size() - 2, answers.values.size());
     EXPECT_FALSE(answers.values.count(*ParseOidOrName("hrDeviceDescr.1")));
     EXPECT_TRUE(answers.gaps.empty());
     EXPECT_LT(device.requests, 45u);
@@ -59,6 +60,35 @@ TEST(PrinterReader, AsksASilentOrRefusingDeviceNoFurther) {
     EXPECT_TRUE(HasGap(answers, "trays", "prtInputCurrentLevel", "no answer"));
     EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
     EXPECT_FALSE(HasGap(answers, "supplies", "", ""));
+    EXPECT_EQ(4u, answers.gaps.size()) << "trays, alerts, panel, MAC address, each once";
+}
+
+// It looks like an answer that is too long: the next request tells.
+TEST(PrinterReader, AsksOnceMoreWhereOnlyTheEngineAnswers) {
+    ScriptedDevice device = Printer();
+    device.failure = [&](const Oid&) {
+        return device.requests > 10 ? Status::kOnlyDiscovered : Status::kAnswered;
+    };
+    EXPECT_EQ(Status::kOnlyDiscovered, ReadPrinter(device.MakeAsker()).lastStatus);
+    EXPECT_EQ(12u, device.requests);
+}
+
+TEST(PrinterReader, StepsOverARowThatCannotBeRead) {
+    ScriptedDevice device = Printer();
+    for (const char* row : {".3.1", ".3.2", ".3.4"}) {
+        device.Integer((std::string("prtAlertCode") + row).c_str(), 8);
+        device.Text((std::string("prtAlertDescription") + row).c_str(), "jam");
+    }
+    device.failure = [&](const Oid& asked) {  // the answers that rows 1 and 2 would have
+        const std::string name = NameText(asked);
+        const bool isLong = name == "prtAlertDescription" || name == "prtAlertDescription.3.1";
+        return isLong ? Status::kUnreadable : Status::kAnswered;
+    };
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_EQ(1u, answers.gaps.size());
+    EXPECT_TRUE(HasGap(answers, "alerts", "prtAlertDescription", "could not be read"));
+    EXPECT_FALSE(answers.values.count(*ParseOidOrName("prtAlertDescription.3.2")));
+    EXPECT_TRUE(answers.values.count(*ParseOidOrName("prtAlertDescription.3.4")));
 }
 
 TEST(PrinterReader, LosesOneColumnToAnAnswerThatCannotBeRead) {
