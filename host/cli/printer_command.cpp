@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <ctime>
+#include <string>
 
 #include "cli/device_options.h"
 #include "cli/printer_writer.h"

@@ -103,6 +103,7 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
                           kUnusedTimeoutMs, kUnusedRetries, nullptr, writeCommunity_.c_str());
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
+    if (type == 0) return Failed(Status::kUnreadable, oid);
     if (length > size)  // what does not fit was not copied
         return Failed(Status::kUnreadable, oid, "its value is longer than the one sent");
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));

@@ -3,8 +3,6 @@
 
 #include <vndiscover.h>
 
-#include <string_view>
-
 namespace vndiscover::host {
 
 static_assert(kInteger == VN_TYPE_INTEGER && kOctetString == VN_TYPE_OCTET_STRING);
@@ -12,7 +10,6 @@ static_assert(kNull == VN_TYPE_NULL && kObjectIdentifier == VN_TYPE_OBJECT_IDENT
 static_assert(kIpAddress == VN_TYPE_IP_ADDRESS && kCounter32 == VN_TYPE_COUNTER32);
 static_assert(kGauge32 == VN_TYPE_GAUGE32 && kTimeTicks == VN_TYPE_TIME_TICKS);
 static_assert(kOpaque == VN_TYPE_OPAQUE && kCounter64 == VN_TYPE_COUNTER64);
-static_assert(kJsonRequestSize == VN_JSON_REQUEST_SIZE && kSoapReplySize == VN_SOAP_REPLY_SIZE);
-static_assert(std::string_view(kDefaultDiscoveryOid) == VN_DEFAULT_DISCOVERY_OID);
+static_assert(kJsonRequestSize == VN_JSON_REQUEST_SIZE);
 
 }  // namespace vndiscover::host

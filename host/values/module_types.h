@@ -26,10 +26,6 @@ enum ValueType : uint32_t {
 };
 
 constexpr size_t kJsonRequestSize = 2048;  // VN_JSON_REQUEST_SIZE: a request has fewer bytes
-constexpr size_t kSoapReplySize = 2048;    // VN_SOAP_REPLY_SIZE
-
-constexpr char kDefaultDiscoveryOid[] =
-    ".1.3.6.1.4.1.5963.43.5.1.1.1.1";  // VN_DEFAULT_DISCOVERY_OID
 
 }  // namespace vndiscover::host
 
