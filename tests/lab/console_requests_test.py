@@ -94,8 +94,8 @@ class DirectedRequests(unittest.TestCase):
             self.assertIn("SNMPv3 may read it", err)
 
     def test_names_go_in_and_come_out(self):
-        self.assertEqual((0, f"sysLocation.0 = OCTET STRING: {LOCATION_TEXT}\nifType.1 = INTEGER: softwareLoopback(24)\n",
-                          ""), run("get", AGENT, "sysLocation.0", "ifType.1", "--names"))
+        shown = f"sysLocation.0 = OCTET STRING: {LOCATION_TEXT}\nifType.1 = INTEGER: softwareLoopback(24)\n"
+        self.assertEqual((0, shown, ""), run("get", AGENT, "sysLocation.0", "ifType.1", "--names"))
         self.assertIn("sysDescr.0", run("get", AGENT, "sysDesc.0")[2])
 
     def test_set_writes_and_verify_tells_a_refusal(self):
