@@ -19,6 +19,7 @@ void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, w
 void AddPrinterCommand(CLI::App& app, int& exitCode);    // printer
 void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
+void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
 
 // The options of SNMPv3, shared by several commands.
 struct V3Options {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "cli/labelled_lines.h"
 #include "values/json_output.h"
 #include "values/plain_text.h"
 #include "values/value_text.h"
@@ -11,23 +12,8 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kLabelWidth = 15;
 constexpr size_t kMaxNameWidth = 30;
 constexpr int kBarWidth = 20;
-
-// Labelled lines; a label stands in front of the first line only.
-class Lines {
-  public:
-    void Add(const char* label, const std::string& line) {
-        if (line.empty()) return;
-        text_ += Padded(label == lastLabel_ ? "" : label, kLabelWidth) + line + "\n";
-        lastLabel_ = label;
-    }
-    const std::string& Text() const { return text_; }
-
-  private:
-    std::string text_, lastLabel_;
-};
 
 std::string OrNotGiven(const std::string& text) { return text.empty() ? "(not given)" : text; }
 

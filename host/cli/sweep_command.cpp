@@ -183,7 +183,11 @@ int RunSweep(const SweepOptions& options) {
         if (watch.IsStopped()) Warn("stopped");
     }
     Print(writer.End());
-    if (devices == 0) Warn("no device answered");
+    if (devices == 0) {
+        const bool isForPeople = options.format == Format::kTable;
+        Warn(std::string("no device answered") +
+             (isForPeople ? ": 'vndiscover doctor' looks for the reason" : ""));
+    }
     return devices > 0 ? kFound : kNone;
 }
 
