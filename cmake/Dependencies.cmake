@@ -1,5 +1,4 @@
-# Third-party code: vndiscover::cjson, vndiscover::crypto, and for Windows vndiscover::pugixml and
-# vndiscover::cli11. The Windows ones are built once by scripts/build-deps.sh into a cache outside the build
+# Third-party code: vndiscover::cjson, vndiscover::crypto, vndiscover::pugixml, and for Windows vndiscover::cli11. The Windows ones are built once by scripts/build-deps.sh into a cache outside the build
 # tree and are linked statically; the native build takes the system's own.
 function(_vndiscover_static name archive)
     add_library(vndiscover::${name} STATIC IMPORTED GLOBAL)
@@ -41,6 +40,11 @@ else()
     target_link_libraries(vndiscover::cjson INTERFACE ${CJSON_LIBRARY})
     add_library(vndiscover::crypto INTERFACE IMPORTED GLOBAL)
     target_link_libraries(vndiscover::crypto INTERFACE OpenSSL::Crypto)
+    find_path(PUGIXML_INCLUDE_DIR pugixml.hpp REQUIRED)
+    find_library(PUGIXML_LIBRARY pugixml REQUIRED)
+    add_library(vndiscover::pugixml INTERFACE IMPORTED GLOBAL)
+    target_include_directories(vndiscover::pugixml SYSTEM INTERFACE ${PUGIXML_INCLUDE_DIR})
+    target_link_libraries(vndiscover::pugixml INTERFACE ${PUGIXML_LIBRARY})
 endif()
 
 if(VNDISCOVER_BUILD_TESTS)

@@ -32,7 +32,7 @@ endfunction()
 if(VNDISCOVER_SYMBOLS AND MINGW)
     _kit_symbols(-g vndiscover_core VnDiscover)
     # Functions and lines: all symbols of its templates would be ten times the size of the rest of the kit.
-    _kit_symbols(-g1 vndiscover_host_core vndiscover_host)
+    _kit_symbols(-g1 vndiscover_host_model vndiscover_host_device vndiscover_host_cli vndiscover_host)
 endif()
 
 # _kit_program(TARGET NAME): the stripped program and its symbols in the stage.

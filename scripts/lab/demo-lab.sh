@@ -67,6 +67,10 @@ Vn info fe80::1:24
 Vn set --write-community secret 10.77.1.22 .1.3.6.1.2.1.1.4.0 s 'Copy room team, ext. 42'
 Vn get 10.77.1.22 .1.3.6.1.2.1.1.4.0
 
+Title "A printer: what its standard variables mean, and the same by name"
+Vn printer 10.77.1.21
+Vn get 10.77.1.21 hrPrinterStatus.5 hrPrinterDetectedErrorState.5 prtMarkerSuppliesType.5.5 --names
+
 Title "SNMPv3: authenticated and encrypted; the device that refuses communities answers too"
 v3=(--v3 -u sha256aes -a SHA256 -A authpass1 -x AES -X privpass1)
 Vn sweep "${v3[@]}"

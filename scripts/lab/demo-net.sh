@@ -51,14 +51,17 @@ Plug attic eth0 switch1 fe80::1:24
 Plug lab eth0 switch2 10.77.2.23 fe80::2:23
 Plug vault eth0 switch2 10.77.2.25 fe80::2:25
 
-# Agent NAME MODEL DESCRIPTION LOCATION ACCESS: an agent with the users of all devices, and ACCESS's lines.
+# Agent NAME MODEL DESCRIPTION LOCATION ACCESS [LINES]: an agent with the users of all devices, and ACCESS's lines.
+# LINES stand for what MODEL, DESCRIPTION and LOCATION would give.
 Agent() {
+    local lines=${6:-}
+    [ -n "$lines" ] || lines="override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str \"$2\"
+sysDescr $3
+sysLocation $4"
     "$here/snmp-agent.sh" "$1" "$1" >/dev/null <<END
 agentAddress udp:161,udp6:161
 $5
-override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "$2"
-sysDescr $3
-sysLocation $4
+$lines
 psysName $1
 createUser shaaes SHA authpass1 AES privpass1
 createUser sha256aes SHA-256 authpass1 AES privpass1
@@ -72,7 +75,8 @@ communities='rocommunity sesame
 rocommunity6 sesame
 rwcommunity secret
 rwcommunity6 secret'
-Agent hall "VN LaserPro 410" "Laser printer, 40 pages a minute" "Entrance hall" "$communities"
+# With a full Printer MIB.
+Agent hall "" "" "" "$communities" "$(<"$here/laserpro-410.conf")"
 Agent copy "VN MultiStation C9" "Colour copier, printer, scanner and fax" "Copy room, 2nd floor" "$communities"
 Agent attic "VN InkLine 70" "Ink jet printer with an IPv6 address alone" "Attic" "$communities"
 Agent lab "VN LabelJet 8" "Label printer" "Laboratory" "$communities"

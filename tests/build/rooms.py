@@ -24,7 +24,6 @@ ROOMS = {
         "interface": CODEC + " snmpv3/codec snmp snmpv3 wsd " + MANAGERS,
     },
     "host": {
-        ".": PUBLIC,  # files that have no folder yet
         "values*": "",
         "model*": "values",
         "wsd*": "values",
@@ -53,4 +52,6 @@ for top, rooms in ROOMS.items():
                     problems.append(f"{place} may not include {name}")
             elif room + "*" in rooms and not PORTABLE.fullmatch(name):
                 problems.append(f"{place} is portable and may not include <{name}>")
+            elif name.startswith("CLI/") and room != "cli":
+                problems.append(f"{place} may not know the command line's library")
 sys.exit("\n".join(problems) or 0)

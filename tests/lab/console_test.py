@@ -15,7 +15,7 @@ AGENT6, SILENT = "fe80::1:2", "10.77.1.99"
 SYSTEM = ".1.3.6.1.2.1.1"
 CONTACT, LOCATION = SYSTEM + ".4.0", SYSTEM + ".6.0"
 LOCATION_TEXT = 'Hall "B", 2nd floor'
-WRITABLE, LETTER = ".1.3.6.1.4.1.5963.9.1.0", ".1.3.6.1.4.1.5963.9.2.0"
+WRITABLE, LETTER, MAC, ZERO, LONG = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in range(1, 6))
 V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
 SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
 RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
@@ -29,6 +29,9 @@ syslocation {LOCATION_TEXT}
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
 override -rw {WRITABLE} octet_str "ext. 41"
 override {LETTER} octet_str "A"
+override {MAC} octet_str 0x3c2af400f51b
+override {ZERO} octet_str 0x00
+override {LONG} octet_str "{243 * 'x'}"
 createUser admin SHA-256 authpass1 AES privpass1
 rouser admin priv
 """
@@ -38,7 +41,7 @@ class Usage(unittest.TestCase):
     def test_mistakes_exit_with_2_and_a_hint(self):
         Path(LAB, "bad.json").write_text("[]", encoding="utf-8")
         for arguments in (
-                [], ["sweep", "--bogus"], ["sweep", "--format", "xml"], ["sweep", "--oid", "sysDescr.0"],
+                [], ["sweep", "--bogus"], ["sweep", "--format", "xml"], ["sweep", "--oid", "sysDesc.0"],
                 ["sweep", "--json", LAB + "/bad.json"], ["sweep", "--csv", "/missing/x.csv"],
                 ["sweep", "--community", "x" * 256], ["sweep", "-u", "admin"],
                 ["sweep", "--v3", "-u", "admin", "-x", "AES"], ["sweep", "--v3", "-u", "admin", "-a", "SHA1"],
@@ -48,7 +51,7 @@ class Usage(unittest.TestCase):
             self.assertIn("--help'", err)
 
     def test_help_names_examples_and_exit_codes(self):
-        for command in ("sweep", "set", "walk", "wsd"):
+        for command in ("sweep", "get", "set", "walk", "printer", "wsd"):
             out = found(command, "--help")
             self.assertIn("Exit codes: 0", out)
             self.assertLessEqual(max(map(len, out.split("\n"))), 80, command)
@@ -147,6 +150,22 @@ class DirectedRequests(unittest.TestCase):
                                    ".1.3.6.1.2.1.4.20.1.1.10.77.1.2"))
         self.assertRegex(found("get", AGENT, SYSTEM + ".2.0", SYSTEM + ".3.0", *V3, **SECRETS),
                          r"8072\.3\.2\.10\n.*TimeTicks: \d+ \(")
+
+    def test_values_with_zero_bytes_are_whole(self):
+        shown = f"{MAC} = OCTET STRING: 3C 2A F4 00 F5 1B\n{ZERO} = OCTET STRING: 00\n"
+        self.assertEqual((0, shown, ""), run("get", AGENT, MAC, ZERO))
+        self.assertEqual((0, shown, ""), run("get", AGENT, MAC, ZERO, *V3, **SECRETS))
+        # Over SNMPv1 a text of 243 bytes cannot be read.
+        for command in ("get", LONG), ("walk", LONG[:-2]):
+            code, _, err = run(command[0], AGENT, command[1])
+            self.assertEqual(1, code)
+            self.assertIn("could not be read", err)
+            self.assertIn("SNMPv3 may read it", err)
+
+    def test_names_go_in_and_come_out(self):
+        shown = f"sysLocation.0 = OCTET STRING: {LOCATION_TEXT}\nifType.1 = INTEGER: softwareLoopback(24)\n"
+        self.assertEqual((0, shown, ""), run("get", AGENT, "sysLocation.0", "ifType.1", "--names"))
+        self.assertIn("sysDescr.0", run("get", AGENT, "sysDesc.0")[2])
 
     def test_set_writes_and_verify_tells_a_refusal(self):
         for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, "ext. 43")):

@@ -1,0 +1,54 @@
+// The commands of the program. Each adds itself to the command line; its work runs while the
+// command line is read, and leaves the process's exit code in `exitCode`. Wrong usage that shows up
+// only then is thrown as CLI::ValidationError.
+#ifndef VNDISCOVER_HOST_CLI_COMMANDS_H
+#define VNDISCOVER_HOST_CLI_COMMANDS_H
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+
+#include "device/security.h"
+
+namespace vndiscover::host {
+
+enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3 };
+
+void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
+void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, walk, info
+void AddPrinterCommand(CLI::App& app, int& exitCode);    // printer
+void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
+void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
+void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
+
+// The options of SNMPv3, shared by several commands.
+struct V3Options {
+    bool isOn = false;
+    std::string user, authProtocol, authPassword, privProtocol, privPassword;
+};
+void AddV3Options(CLI::App& command, V3Options& options);
+
+// Checks the options and fetches missing passwords from the environment or the user.
+Security ResolveSecurity(const V3Options& options);
+
+// Adds --format with the command's own enumerators; the first name is the default.
+template <class Value>
+CLI::Option* AddFormat(CLI::App& command, Value& format,
+                       const std::vector<std::pair<std::string, Value>>& names) {
+    std::string known;
+    for (const auto& name : names) known += (known.empty() ? "" : ", ") + name.first;
+    const auto choose = [&format, names, known](const std::string& text) {
+        for (const auto& [name, value] : names) {
+            if (name != text) continue;
+            format = value;
+            return;
+        }
+        throw CLI::ValidationError("--format", "'" + text + "' is none of " + known);
+    };
+    return command.add_option_function<std::string>("--format", choose, "Output: " + known)
+        ->type_name("FORMAT");
+}
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_CLI_COMMANDS_H

@@ -1,0 +1,47 @@
+#include "cli/device_options.h"
+
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxCommunity = 255;  // bytes that a request can hold
+
+std::string CheckedCommunity(const std::string& text, const char* option) {
+    std::string community = ToAnsi(text);
+    if (community.size() > kMaxCommunity) throw CLI::ValidationError(option, "255 bytes at most");
+    return community;
+}
+
+}  // namespace
+
+CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
+                           DeviceOptions& options) {
+    CLI::App* command = app.add_subcommand(name, help);
+    command->add_option("HOST", options.host, "Address of the device")->required();
+    command->add_option("-c,--community", options.community, "Read community [sesame]")
+        ->type_name("NAME");
+    AddFormat<TextFormat>(*command, options.format,
+                          {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
+    command->footer(footer);
+    return command;
+}
+
+void AddDeviceV3(CLI::App& command, DeviceOptions& options) {
+    AddV3Options(command, options.v3);
+    command.get_option("--v3")->excludes(command.get_option("--community"));
+}
+
+Device OpenDevice(const DeviceOptions& options) {
+    Device device(ToAnsi(options.host), CheckedCommunity(options.community, "--community"),
+                  CheckedCommunity(options.writeCommunity, "--write-community"));
+    if (options.v3.isOn) device.Use(ResolveSecurity(options.v3));
+    return device;
+}
+
+int ExitCodeOf(Status status) {
+    if (status == Status::kSendFailed) return kSendFailed;
+    return status == Status::kAnswered ? kFound : kNone;
+}
+
+}  // namespace vndiscover::host

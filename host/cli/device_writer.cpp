@@ -1,0 +1,83 @@
+#include "cli/device_writer.h"
+
+#include <cjson/cJSON.h>
+
+#include "model/json_request.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// The value of a version-1 result message as bytes. A message has no type, but only an OCTET STRING
+// comes with the size that stands for "longer than 127 bytes".
+std::string RawValue(std::string_view value) { return ContentOf(kOctetString, value).bytes; }
+
+// The one answer of a document that RequestFor asked for.
+std::string AnswerValue(std::string_view value) {
+    const JsonItem document = ParseDocument(value);
+    const auto answers = AnswersOf(document.get());
+    return answers.empty() ? std::string(value) : answers.front().second;
+}
+
+}  // namespace
+
+std::string CsvField(std::string_view text) {
+    std::string field = "\"";
+    for (const char letter : text) field += letter == '"' ? "\"\"" : std::string(1, letter);
+    return field + "\"";
+}
+
+std::string DeviceWriter::OneLine(std::string_view value) const {
+    if (kind_ == ValueKind::kRaw) return ShownValue(RawValue(value));
+    if (kind_ == ValueKind::kAnswer) return ShownValue(AnswerValue(value));
+    const JsonItem document = ParseDocument(value);
+    return document ? CompactJson(document.get()) : PlainText(value);
+}
+
+std::string DeviceWriter::TableRow(std::string_view address, std::string_view value) const {
+    const JsonItem document = kind_ == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    const auto answers = AnswersOf(document.get());
+    if (answers.empty()) {
+        const std::string line = OneLine(value);
+        return Padded(PlainText(address), AddressWidth()) + (line.empty() ? "(no value)" : line) +
+               "\n";
+    }
+    std::string rows;
+    for (const auto& [oid, answer] : answers) {
+        rows += Padded(rows.empty() ? PlainText(address) : "", AddressWidth()) +
+                Padded(PlainText(oid), 29) + "  " + ShownValue(answer) + "\n";
+    }
+    return rows;
+}
+
+std::string DeviceWriter::JsonRow(std::string_view address, std::string_view value) {
+    const JsonItem element(cJSON_CreateObject());
+    AddText(element.get(), "address", address);
+    JsonItem document = kind_ == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    if (document) {
+        cJSON_AddItemToObject(element.get(), "value", document.release());
+    } else if (kind_ == ValueKind::kDocument) {
+        AddText(element.get(), "value", value);
+    } else {
+        const std::string bytes =
+            kind_ == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
+        AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
+    }
+    array_.Add(element.get());
+    return array_.Take();
+}
+
+std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
+    if (format_ == Format::kJson) return JsonRow(address, value);
+    if (format_ == Format::kCsv)
+        return CsvField(PlainText(address)) + "," + CsvField(OneLine(value)) + "\n";
+    const bool needsHead = isFirst_;
+    isFirst_ = false;
+    const std::string row = TableRow(address, value);
+    return needsHead ? Padded("ADDRESS", AddressWidth()) + "VALUE\n" + row : row;
+}
+
+std::string DeviceWriter::End() { return format_ == Format::kJson ? array_.Finish() : ""; }
+
+}  // namespace vndiscover::host

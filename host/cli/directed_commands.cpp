@@ -1,0 +1,270 @@
+#include <cjson/cJSON.h>
+
+#include "cli/device_options.h"
+#include "cli/variable_writer.h"
+#include "model/answer.h"
+#include "model/walk_step.h"
+#include "platform/console.h"
+#include "values/object_names.h"
+#include "values/oid_text.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr char kGetExamples[] =
+    R"(Values are shown by their type; a text that is not printable is shown in hex.
+"no value" means that the device answered but has no such variable. About ninety
+standard objects have names: system, interfaces, host resources, printers.
+
+Examples:
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.1.0 .1.3.6.1.2.1.1.3.0 -c public
+  vndiscover get 192.168.1.20 sysDescr.0 hrPrinterStatus.1 --names
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --format json
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --v3 -u admin -a SHA256 -x AES
+
+Exit codes: 0 every OID was answered, 1 no answer, 2 wrong usage, 3 a request
+could not be sent.)";
+
+constexpr char kGetNextExamples[] = R"(Shows the variable that follows each OID in the device.
+
+Examples:
+  vndiscover getnext 192.168.1.20 .1.3.6.1.2.1.1 --community public
+  vndiscover getnext 192.168.1.20 .1.3.6.1.2.1.2 --v3 -u admin -a SHA1 -x DES
+
+Exit codes: 0 every OID was answered, 1 no answer, 2 wrong usage, 3 a request
+could not be sent.)";
+
+constexpr char kSetExamples[] =
+    R"(A device that refuses answers like one that obeys: --verify reads the value
+again. Types: integer (i), string (s), hex (x), oid (o), ipaddress (a),
+counter (c), gauge (u), timeticks (t), null (n).
+
+Examples:
+  vndiscover set 192.168.1.20 .1.3.6.1.2.1.1.6.0 string "Room 2" -w private
+  vndiscover set 192.168.1.20 .1.3.6.1.4.1.5963.1.1.0 i -5 --verify
+  vndiscover set 192.168.1.20 .1.3.6.1.4.1.5963.1.2.0 x "00 1B 44 11"
+
+Exit codes: 0 answered (and verified), 1 no answer or not verified, 2 wrong
+usage, 3 the request could not be sent.)";
+
+constexpr char kWalkExamples[] =
+    R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends where the subtree or the
+device's variables end, and where the OID of an answer is not greater than the
+one asked for. OIDs with a number over 16383 cannot be asked for: a walk that
+meets one stops there and says so.
+
+Examples:
+  vndiscover walk 192.168.1.20
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.1 --community public --format json
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --names
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --v3 -u admin -a SHA256 -x AES
+
+Exit codes: 0 the walk came to its end, 1 no answer, no variable or stopped
+early, 2 wrong usage, 3 a request could not be sent.)";
+
+constexpr char kInfoExamples[] =
+    R"(Asks for the device information OID, .1.3.6.1.4.1.5963.43.5.1.1.1.1.
+
+Examples:
+  vndiscover info 192.168.1.20
+  vndiscover info fe80::215:99ff:fe01:203 --community public
+
+Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
+
+struct Options : DeviceOptions {
+    std::string root = ".1.3.6.1.2.1", oid, type, value;
+    std::vector<std::string> oids;
+    bool mustVerify = false;
+    bool withNames = false;
+};
+
+Oid CheckedOid(const std::string& text) {
+    const auto oid = ParseOidOrName(text);
+    if (!oid) throw CLI::ValidationError("OID", NotAnOid(text));
+    if (!FitsRequest(*oid))
+        throw CLI::ValidationError("OID", "'" + text + "' is too short or too long");
+    return *oid;
+}
+
+// SNMPv3 requests are made by the same OID writer.
+void WarnIfWrong(const Oid& oid) {
+    if (!GoesOutWrong(oid)) return;
+    Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
+}
+
+void Show(VariableWriter& writer, const Answer& answer) {
+    Print(writer.Row(answer));
+    if (answer.status != Status::kAnswered) Warn(OidToText(answer.oid) + ": " + Problem(answer));
+}
+
+template <class Ask>  // Answer Ask(const Device&, const Oid&)
+int RunEach(const Options& options, Ask ask) {
+    std::vector<Oid> oids;
+    for (const std::string& text : options.oids) oids.push_back(CheckedOid(text));
+    const Device device = OpenDevice(options);
+    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
+    int exitCode = kFound;
+    for (const Oid& oid : oids) {
+        WarnIfWrong(oid);
+        const Answer answer = ask(device, oid);
+        Show(writer, answer);
+        exitCode = std::max(exitCode,
+                            ExitCodeOf(answer.status));  // a failed send outweighs a missing answer
+    }
+    Print(writer.End());
+    return exitCode;
+}
+
+int RunGet(const Options& options) {
+    return RunEach(options, [](const Device& device, const Oid& oid) { return device.Get(oid); });
+}
+
+int RunGetNext(const Options& options) {
+    return RunEach(options,
+                   [](const Device& device, const Oid& oid) { return device.GetNext(oid); });
+}
+
+int Verify(const Device& device, const Oid& oid, const SetValue& value) {
+    const Answer answer = device.Get(oid);
+    const bool isAnswered = answer.status == Status::kAnswered;
+    if (isAnswered && answer.type == value.type && answer.bytes == value.bytes) return kFound;
+    if (isAnswered) {
+        const std::string shown = FormatValue(answer.type, answer.bytes);
+        Warn("not set: " + OidToText(oid) + " has " +
+             (IsNoValue(answer.type) ? shown : "the " + TypeName(answer.type) + " " + shown));
+    } else {
+        Warn("not verified: " + Problem(answer) + " to reading " + OidToText(oid));
+    }
+    return kNone;
+}
+
+int RunSet(const Options& options) {
+    const Oid oid = CheckedOid(options.oid);
+    // main put a blank in front of a negative number.
+    const bool isNumber =
+        options.value.size() > 2 && options.value[0] == ' ' && options.value[1] == '-';
+    std::string problem;
+    const auto value = ParseSetValue(options.type, options.value.substr(isNumber ? 1 : 0), problem);
+    if (!value) throw CLI::ValidationError("VALUE", problem);
+    const Device device = OpenDevice(options);
+    WarnIfWrong(oid);
+    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
+    const Answer answer = device.Set(oid, *value);
+    Show(writer, answer);
+    Print(writer.End());
+    const int exitCode = ExitCodeOf(answer.status);
+    return exitCode == kFound && options.mustVerify ? Verify(device, oid, *value) : exitCode;
+}
+
+// Where a walk stops, with its exit code; Show has told about answers that did not come.
+int FinishWalk(WalkStep step, const Oid& last, size_t variables) {
+    const std::string at = OidToText(last);
+    if (step == WalkStep::kLastReachable) {
+        Warn("stopped at " + at +
+             ": it has a number over 16383 or is too long to ask for what follows");
+        return kNone;
+    }
+    if (step == WalkStep::kNotIncreasing) {
+        Warn("stopped: OID not increasing: the device answers to " + at +
+             " with one that is not greater");
+        return kNone;
+    }
+    if (variables == 0) Warn("the device has no variables there");
+    return variables > 0 ? kFound : kNone;
+}
+
+int RunWalk(const Options& options) {
+    const auto root = ParseOidOrName(options.root);
+    if (!root) throw CLI::ValidationError("ROOT", NotAnOid(options.root));
+    Oid asked = *root;
+    if (asked.size() == 1) asked.push_back(0);  // a request has two numbers at least
+    if (!FitsRequest(asked))
+        throw CLI::ValidationError("ROOT", "'" + options.root + "' is too long");
+    const Device device = OpenDevice(options);
+    WarnIfWrong(asked);
+    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
+    WalkStep step = WalkStep::kVariable;
+    Answer answer;
+    size_t variables = 0;
+    while (step == WalkStep::kVariable) {
+        answer = device.GetNext(asked);
+        if (answer.status != Status::kAnswered) {
+            Show(writer, answer);
+            break;
+        }
+        step = JudgeAnswer(*root, asked, answer.oid, answer.type, device.IsV3());
+        if (step != WalkStep::kVariable && step != WalkStep::kLastReachable) break;
+        ++variables;
+        asked = answer.oid;
+        if (!Print(writer.Row(answer))) break;  // nobody reads any more
+    }
+    Print(writer.End());
+    if (answer.status != Status::kAnswered) return ExitCodeOf(answer.status);
+    return FinishWalk(step, asked, variables);
+}
+
+int RunInfo(const Options& options) {
+    const Device device = OpenDevice(options);
+    const auto information = device.Information();
+    if (!information) {
+        Warn("no answer from " + options.host);
+        return kNone;
+    }
+    if (options.format == TextFormat::kText) {
+        Print(ShownValue(*information) + "\n");
+    } else {
+        const JsonItem element(cJSON_CreateObject());
+        AddText(element.get(), "host", options.host);
+        AddText(element.get(), "information", ShownValue(*information));
+        Print(CompactJson(element.get()) + "\n");
+    }
+    return kFound;
+}
+
+void AddNames(CLI::App& command, Options& options) {
+    command.add_flag("-n,--names", options.withNames, "Show names, and words for numbers and bits");
+}
+
+}  // namespace
+
+void AddDirectedCommands(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<Options>();  // one command runs, so all share them
+    CLI::App* get =
+        AddDeviceCommand(app, "get", "Read values of one device", kGetExamples, *options);
+    get->add_option("OID", options->oids, "What to read: numeric, or a name")->required();
+    AddNames(*get, *options);
+    AddDeviceV3(*get, *options);
+    get->callback([options, &exitCode] { exitCode = RunGet(*options); });
+
+    CLI::App* next = AddDeviceCommand(app, "getnext", "Read the values that follow OIDs",
+                                      kGetNextExamples, *options);
+    next->add_option("OID", options->oids, "What to read on from: numeric, or a name")->required();
+    AddNames(*next, *options);
+    AddDeviceV3(*next, *options);
+    next->callback([options, &exitCode] { exitCode = RunGetNext(*options); });
+
+    CLI::App* walk =
+        AddDeviceCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);
+    walk->add_option("ROOT", options->root, "Where to start [.1.3.6.1.2.1]");
+    AddNames(*walk, *options);
+    AddDeviceV3(*walk, *options);
+    walk->callback([options, &exitCode] { exitCode = RunWalk(*options); });
+
+    CLI::App* set =
+        AddDeviceCommand(app, "set", "Write one value of one device", kSetExamples, *options);
+    set->add_option("OID", options->oid, "What to write: numeric, or a name")->required();
+    set->add_option("TYPE", options->type, "Its type, see below")->required();
+    set->add_option("VALUE", options->value, "The value; null takes none");
+    set->add_option("-w,--write-community", options->writeCommunity, "Write community [sesame]")
+        ->type_name("NAME");
+    set->add_flag("--verify", options->mustVerify, "Read the value again, with --community");
+    set->callback([options, &exitCode] { exitCode = RunSet(*options); });
+
+    CLI::App* info =
+        AddDeviceCommand(app, "info", "Show a device's information text", kInfoExamples, *options);
+    info->callback([options, &exitCode] { exitCode = RunInfo(*options); });
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,72 @@
+#include <vndiscover.h>
+
+#include "cli/device_options.h"
+#include "cli/doctor_writer.h"
+#include "platform/console.h"
+#include "platform/this_computer.h"
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr uint32_t kPingTimeoutMs = 2000;
+
+constexpr char kExamples[] =
+    R"(Without HOST nothing is sent: the report shows the addresses that a sweep uses,
+in its order, the routes of its broadcast and multicast, whether the Windows
+firewall lets answers in, and the log switches.
+
+With HOST the device gets one ping, one SNMPv1 request with this community, the
+SNMPv3 engine discovery and one SNMPv3 request with this user, 16 s at most; both
+requests ask for what follows sysDescr.0.
+
+Examples:
+  vndiscover doctor
+  vndiscover doctor 192.168.1.20 --community public
+  vndiscover doctor 192.168.1.20 --v3 -u admin -a SHA256 -x AES --format json
+
+Exit codes: 0 no reason found here, or the device answers as asked (with --v3 that
+user, else this community), 1 a reason was found, or it does not, 2 wrong usage,
+3 the requests could not be sent.)";
+
+int RunOnComputer(const DeviceOptions& options) {
+    const ComputerReport report = ReportOn(ThisComputer());
+    Print(options.format == TextFormat::kJson ? ComputerJson(report) : ComputerText(report));
+    return report.causes.empty() ? kFound : kNone;
+}
+
+int RunOnHost(const DeviceOptions& options) {
+    DeviceOptions community = options;
+    community.v3.isOn = false;
+    const Device v1 = OpenDevice(community);
+    Device v3 = OpenDevice(options);
+    if (!v3.IsV3()) v3.Use(Security());
+    LadderSteps steps;
+    steps.ping = [&] { return VxPing(ToAnsi(options.host).c_str(), kPingTimeoutMs) != 0; };
+    steps.v1 = AskerOf(v1);
+    steps.v3 = AskerOf(v3);
+    steps.hasUser = options.v3.isOn;
+    const HostLadder ladder = Climb(steps);
+    const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), options.host);
+    Print(options.format == TextFormat::kJson ? HostJson(ladder, isOnOwnNetwork, options.host)
+                                              : HostText(ladder, isOnOwnNetwork));
+    if (IsUnsendable(ladder)) return kSendFailed;
+    return IsUsable(ladder) ? kFound : kNone;
+}
+
+}  // namespace
+
+void AddDoctorCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<DeviceOptions>();
+    CLI::App* command = AddDeviceCommand(
+        app, "doctor", "Find out why no device, or this one, answers", kExamples, *options);
+    command->get_option("HOST")->required(false)->description(
+        "Address of the device [this computer alone]");
+    // Both protocols are asked, so a community goes with a user.
+    AddV3Options(*command, options->v3);
+    command->callback([options, &exitCode] {
+        exitCode = options->host.empty() ? RunOnComputer(*options) : RunOnHost(*options);
+    });
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,208 @@
+#include "cli/doctor_writer.h"
+
+#include <cjson/cJSON.h>
+
+#include <algorithm>
+
+#include "cli/labelled_lines.h"
+#include "values/json_output.h"
+#include "values/plain_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr char kElsewhere[] =
+    "the device is on none of this computer's networks: sweeps do not get there, directed "
+    "requests do";
+
+std::string Seconds(unsigned seconds) { return std::to_string(seconds) + " s"; }
+
+// "eth0: Ethernet, up"
+std::string AdapterText(const SweepRow& row) {
+    std::string text = row.adapter;
+    const char* separator = ": ";
+    for (const std::string& word : {row.kind, row.state}) {
+        if (word.empty()) continue;
+        text += separator + word;
+        separator = ", ";
+    }
+    return text;
+}
+
+void AddPlan(Lines& lines, const char* label, const SweepPlan& plan) {
+    const auto swept = std::count_if(plan.rows.begin(), plan.rows.end(),
+                                     [](const SweepRow& row) { return row.seconds != 0; });
+    lines.Add(label, swept == 0 ? "is not sent"
+                                : "from " + std::to_string(swept) +
+                                      (swept == 1 ? " address" : " addresses") + ", takes " +
+                                      Seconds(plan.seconds) + " at least");
+    size_t width = 0;
+    for (const SweepRow& row : plan.rows) width = std::max(width, row.address.size() + 2);
+    for (const SweepRow& row : plan.rows) {
+        lines.Add(label, Padded(row.address, width) + AdapterText(row) + ", " +
+                             (row.seconds == 0 ? "not swept" : Seconds(row.seconds)));
+    }
+}
+
+std::string RouteText(const Route& route) {
+    const std::string text = Padded(route.target, 17);
+    if (route.source.empty()) return text + "no route";
+    return text + "by " + (route.adapter.empty() ? "" : PlainText(route.adapter) + ", ") +
+           route.source + (route.gateway.empty() ? "" : ", gateway " + route.gateway);
+}
+
+const char* PassageText(Passage passage) {
+    return passage == Passage::kOpen    ? "in"
+           : passage == Passage::kBrief ? "in briefly"
+                                        : "kept out";
+}
+
+void AddFirewall(Lines& lines, const FirewallReport& report) {
+    constexpr char kLabel[] = "Firewall";
+    if (!report.isKnown) lines.Add(kLabel, "not known here");
+    for (const PortVerdict& verdict : report.ports) {
+        lines.Add(kLabel, verdict.profile + " profile, answers from UDP " +
+                              std::to_string(verdict.port) + ": " + PassageText(verdict.passage) +
+                              " (" + verdict.reason + ")");
+    }
+    if (report.commands.empty()) return;
+    lines.Add(kLabel, "to let answers in, an administrator runs");
+    for (const std::string& command : report.commands) lines.Add(kLabel, "  " + command);
+}
+
+std::string LogText(const LogSwitches& log) {
+    if (!log.file && !log.debugger) return "off";
+    return std::string(log.file ? "to VxAdmSvc.log" : "") +
+           (log.file && log.debugger ? " and " : "") + (log.debugger ? "to the debugger" : "");
+}
+
+const char* OutcomeText(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::kNotAsked:
+            return "not asked";
+        case Outcome::kAnswered:
+            return "answered";
+        case Outcome::kSilent:
+            return "no answer";
+        case Outcome::kRefused:
+            return "refused";
+        case Outcome::kNotSent:
+            break;
+    }
+    return "not sent";
+}
+
+void AddRung(Lines& lines, const char* label, const Rung& rung) {
+    const std::string outcome = OutcomeText(rung.outcome);
+    const bool addsDetail = rung.outcome == Outcome::kRefused || rung.outcome == Outcome::kSilent;
+    lines.Add(label, addsDetail && rung.detail != outcome ? outcome + ": " + rung.detail : outcome);
+}
+
+void AddPlanJson(cJSON* root, const char* name, const SweepPlan& plan) {
+    cJSON* object = cJSON_AddObjectToObject(root, name);
+    cJSON_AddNumberToObject(object, "adapters", static_cast<double>(plan.adapters));
+    cJSON_AddNumberToObject(object, "seconds", plan.seconds);
+    cJSON* array = cJSON_AddArrayToObject(object, "addresses");
+    for (const SweepRow& row : plan.rows) {
+        cJSON* element = cJSON_CreateObject();
+        AddText(element, "address", row.address);
+        AddText(element, "adapter", row.adapter);
+        AddText(element, "description", row.description);
+        AddText(element, "kind", row.kind);
+        AddText(element, "state", row.state);
+        cJSON_AddNumberToObject(element, "seconds", row.seconds);
+        cJSON_AddItemToArray(array, element);
+    }
+}
+
+void AddRoutesJson(cJSON* root, const std::vector<Route>& routes) {
+    cJSON* array = cJSON_AddArrayToObject(root, "routes");
+    for (const Route& route : routes) {
+        cJSON* element = cJSON_CreateObject();
+        AddText(element, "target", route.target);
+        AddText(element, "adapter", route.adapter);
+        AddText(element, "source", route.source);
+        AddText(element, "gateway", route.gateway);
+        cJSON_AddItemToArray(array, element);
+    }
+}
+
+void AddFirewallJson(cJSON* root, const FirewallReport& report) {
+    cJSON* object = cJSON_AddObjectToObject(root, "firewall");
+    cJSON_AddBoolToObject(object, "isKnown", report.isKnown);
+    cJSON* array = cJSON_AddArrayToObject(object, "ports");
+    for (const PortVerdict& verdict : report.ports) {
+        cJSON* element = cJSON_CreateObject();
+        AddText(element, "profile", verdict.profile);
+        cJSON_AddNumberToObject(element, "port", verdict.port);
+        AddText(element, "answers", PassageText(verdict.passage));
+        AddText(element, "reason", verdict.reason);
+        cJSON_AddItemToArray(array, element);
+    }
+    AddTexts(object, "commands", report.commands);
+}
+
+}  // namespace
+
+std::string ComputerText(const ComputerReport& report) {
+    Lines lines;
+    AddPlan(lines, "IPv4 sweep", report.ipv4);
+    AddPlan(lines, "IPv6 sweep", report.ipv6);
+    for (const Route& route : report.routes) lines.Add("Routes", RouteText(route));
+    AddFirewall(lines, report.firewall);
+    lines.Add("Log", LogText(report.log));
+    for (const std::string& note : report.notes) lines.Add("Notes", note);
+    for (const std::string& cause : report.causes) lines.Add("Verdict", cause);
+    if (report.causes.empty())
+        lines.Add("Verdict", "nothing seen here keeps an IPv4 sweep from finding devices");
+    return lines.Text();
+}
+
+std::string ComputerJson(const ComputerReport& report) {
+    const JsonItem root(cJSON_CreateObject());
+    AddPlanJson(root.get(), "ipv4", report.ipv4);
+    AddPlanJson(root.get(), "ipv6", report.ipv6);
+    AddRoutesJson(root.get(), report.routes);
+    AddFirewallJson(root.get(), report.firewall);
+    cJSON* log = cJSON_AddObjectToObject(root.get(), "log");
+    cJSON_AddBoolToObject(log, "file", report.log.file);
+    cJSON_AddBoolToObject(log, "debugger", report.log.debugger);
+    AddTexts(root.get(), "causes", report.causes);
+    AddTexts(root.get(), "notes", report.notes);
+    return CompactJson(root.get()) + "\n";
+}
+
+std::string HostText(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork) {
+    Lines lines;
+    AddRung(lines, "Ping", ladder.ping);
+    AddRung(lines, "SNMPv1", ladder.v1);
+    AddRung(lines, "SNMPv3 engine", ladder.discovery);
+    AddRung(lines, "SNMPv3 user", ladder.user);
+    lines.Add("Verdict", VerdictOn(ladder));
+    if (isOnOwnNetwork == false) lines.Add("Note", kElsewhere);
+    return lines.Text();
+}
+
+std::string HostJson(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork,
+                     const std::string& host) {
+    const JsonItem root(cJSON_CreateObject());
+    AddText(root.get(), "host", host);
+    const std::pair<const char*, const Rung*> rungs[] = {{"ping", &ladder.ping},
+                                                         {"snmpV1", &ladder.v1},
+                                                         {"snmpV3Engine", &ladder.discovery},
+                                                         {"snmpV3User", &ladder.user}};
+    for (const auto& [name, rung] : rungs) {
+        cJSON* object = cJSON_AddObjectToObject(root.get(), name);
+        AddText(object, "outcome", OutcomeText(rung->outcome));
+        AddText(object, "detail", rung->detail);
+    }
+    if (isOnOwnNetwork) {
+        cJSON_AddBoolToObject(root.get(), "isOnOwnNetwork", *isOnOwnNetwork);
+    } else {
+        cJSON_AddNullToObject(root.get(), "isOnOwnNetwork");
+    }
+    AddText(root.get(), "verdict", VerdictOn(ladder));
+    return CompactJson(root.get()) + "\n";
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,24 @@
+// What `vndiscover doctor` prints.
+#ifndef VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H
+#define VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H
+
+#include <optional>
+#include <string>
+
+#include "model/computer_report.h"
+#include "model/host_ladder.h"
+
+namespace vndiscover::host {
+
+// Lines end in LF; JSON is one line.
+std::string ComputerText(const ComputerReport& report);
+std::string ComputerJson(const ComputerReport& report);
+
+// isOnOwnNetwork: see IsOnOwnNetwork.
+std::string HostText(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork);
+std::string HostJson(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork,
+                     const std::string& host);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H

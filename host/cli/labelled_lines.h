@@ -1,0 +1,28 @@
+// The text form of a report: labels on the left, what belongs to them on the right.
+#ifndef VNDISCOVER_HOST_CLI_LABELLED_LINES_H
+#define VNDISCOVER_HOST_CLI_LABELLED_LINES_H
+
+#include <string>
+
+#include "values/plain_text.h"
+
+namespace vndiscover::host {
+
+// A label stands in front of its first line only; an empty line is left out.
+class Lines {
+  public:
+    void Add(const char* label, const std::string& line) {
+        constexpr size_t kLabelWidth = 15;
+        if (line.empty()) return;
+        text_ += Padded(label == lastLabel_ ? "" : label, kLabelWidth) + line + "\n";
+        lastLabel_ = label;
+    }
+    const std::string& Text() const { return text_; }
+
+  private:
+    std::string text_, lastLabel_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_CLI_LABELLED_LINES_H

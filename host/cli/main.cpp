@@ -1,0 +1,118 @@
+// vndiscover.exe: VnDiscover.dll as a tool, and the example of a host.
+#include <vndiscover.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "cli/commands.h"
+#include "platform/console.h"
+#include "platform/wide_text.h"
+
+namespace {
+
+using vndiscover::host::Warn;
+
+// The version of the DLL that is loaded, from its own resource; the program comes with it.
+std::string Version() {
+    const HMODULE module = GetModuleHandleW(L"VnDiscover.dll");
+    const HRSRC resource =
+        FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
+    const HGLOBAL block = resource ? LoadResource(module, resource) : nullptr;
+    const auto* bytes = static_cast<const uint8_t*>(block ? LockResource(block) : nullptr);
+    const size_t size = bytes ? SizeofResource(module, resource) : 0;
+    // The fixed part follows a header whose length depends on a name: its signature finds it.
+    VS_FIXEDFILEINFO info = {};
+    for (size_t at = 0; at + sizeof info <= size; at += 4) {
+        std::memcpy(&info, bytes + at, sizeof info);
+        if (info.dwSignature != VS_FFI_SIGNATURE) continue;
+        char text[64];
+        std::snprintf(text, sizeof text, "VnDiscover %u.%u.%u.%u", HIWORD(info.dwFileVersionMS),
+                      LOWORD(info.dwFileVersionMS), HIWORD(info.dwFileVersionLS),
+                      LOWORD(info.dwFileVersionLS));
+        return text;
+    }
+    return "VnDiscover";
+}
+
+// Options and arguments with their type alone: what excludes what is told by the message that
+// follows a mistake, and every column that the help has is needed for the texts.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    std::string make_option_opts(const CLI::Option* option) const override {
+        const bool isShown = !option->get_positional() && option->get_type_size() != 0;
+        return isShown ? " " + option->get_type_name() : "";
+    }
+};
+
+void BuildCommandLine(CLI::App& app, int& exitCode) {
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.get_formatter()->column_width(26);
+    app.allow_windows_style_options(false);  // "/tmp/x" is a path
+    app.require_subcommand(1);
+    app.set_version_flag("--version", Version());
+    vndiscover::host::AddSweepCommand(app, exitCode);
+    vndiscover::host::AddDirectedCommands(app, exitCode);
+    vndiscover::host::AddPrinterCommand(app, exitCode);
+    vndiscover::host::AddWsdCommand(app, exitCode);
+    vndiscover::host::AddReachCommands(app, exitCode);
+    vndiscover::host::AddDoctorCommand(app, exitCode);
+    app.footer("'vndiscover COMMAND --help' tells more, with examples.");
+}
+
+// A negative number after "set" is a value, but the parser takes it for an option. A leading blank
+// prevents that.
+void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
+    if (arguments.empty() || arguments.front() != "set") return;
+    for (std::string& argument : arguments) {
+        if (argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9') {
+            argument.insert(0, 1, ' ');
+        }
+    }
+}
+
+std::string Hint(const CLI::App& app) {
+    const auto chosen = app.get_subcommands();
+    return "try 'vndiscover " + (chosen.empty() ? "" : chosen.front()->get_name() + " ") +
+           "--help'";
+}
+
+int Run() {
+    int exitCode = vndiscover::host::kWrongUsage;
+    CLI::App app(
+        "Finds printers and multifunction devices on the network, reads and writes their values.",
+        "vndiscover");
+    BuildCommandLine(app, exitCode);
+    std::vector<std::string> arguments = vndiscover::host::CommandLineArguments();
+    ProtectNegativeNumbers(arguments);
+    try {
+        app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::Success& help) {  // --help and --version
+        return app.exit(help);
+    } catch (const CLI::ParseError& error) {
+        const auto unknown = app.remaining();
+        const bool hasNoCommand = app.get_subcommands().empty() && !unknown.empty();
+        Warn(hasNoCommand ? "no such command or option: " + unknown.front() : error.what());
+        Warn(Hint(app));
+        return vndiscover::host::kWrongUsage;
+    }
+    return exitCode;
+}
+
+void IgnoreInvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, uintptr_t) {}
+
+}  // namespace
+
+int main() {
+    // A device may answer a set request with more bytes than were sent. The C runtime then refuses
+    // the copy into our buffer and calls this handler, whose default may end the process; we look
+    // at the length returned.
+    _set_invalid_parameter_handler(IgnoreInvalidParameter);
+    const vndiscover::host::ConsoleSession console;
+    try {
+        return Run();
+    } catch (const std::exception& error) {
+        Warn(error.what());
+        return vndiscover::host::kNone;
+    }
+}

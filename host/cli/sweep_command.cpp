@@ -1,0 +1,223 @@
+#include <windows.h>
+
+#include <atomic>
+#include <cstdio>
+
+#include "cli/commands.h"
+#include "cli/device_writer.h"
+#include "model/json_request.h"
+#include "platform/console.h"
+#include "platform/result_window.h"
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxPath = 259;       // what the module can open
+constexpr size_t kMaxCommunity = 255;  // what a request can hold
+constexpr UINT kUnusedTimeoutMs = 5000;
+
+constexpr char kExamples[] =
+    R"(Devices are printed as they arrive. One that answers twice, or on two adapters,
+has two rows. Ctrl-C ends the sweep and keeps what was printed; a second Ctrl-C
+ends the program at once.
+
+A --json file names the OIDs to ask each device for; the answers replace the
+empty strings:
+  {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
+   "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
+
+Examples:
+  vndiscover sweep
+  vndiscover sweep --community public --oid sysDescr.0
+  vndiscover sweep --community public --json request.json --format json
+  vndiscover sweep --ipv6 --csv devices.csv
+  vndiscover sweep --v3 -u admin -a SHA256 -x AES
+
+Exit codes: 0 devices found, 1 none, 2 wrong usage.)";
+
+struct SweepOptions {
+    std::string community, oid, jsonPath, csvPath;
+    bool useIPv6 = false;
+    Format format = Format::kTable;
+    V3Options v3;
+};
+
+// Everything that the module wants as UTF-16, checked.
+struct Sweep {
+    std::wstring community, oid, request, csvPath;
+    BYTE useIPv6 = 0;
+    ValueKind kind = ValueKind::kRaw;
+};
+
+std::string ReadRequest(const std::string& path) {
+    // By the wide path: the system would take a narrow one for ANSI text.
+    FILE* file = _wfopen(ToWide(path).c_str(), L"rb");
+    if (!file) throw CLI::ValidationError("--json", "cannot read '" + path + "'");
+    std::string text(65536, '\0');
+    text.resize(std::fread(text.data(), 1, text.size(), file));
+    std::fclose(file);
+    std::string problem;
+    const auto request = PrepareRequest(text, problem);
+    if (!request) throw CLI::ValidationError("--json", "'" + path + "' " + problem);
+    return *request;
+}
+
+// The module sweeps on without a file that it cannot open, so the user is told before.
+void CheckCsvPath(const std::string& path) {
+    const std::wstring wide = ToWide(path);
+    if (wide.size() > kMaxPath)
+        throw CLI::ValidationError("--csv", "the path has over 259 characters");
+    FILE* file = _wfopen(wide.c_str(), L"ab");
+    if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
+    std::fclose(file);
+}
+
+std::string CheckOid(const std::string& text) {
+    const auto oid = ParseOidOrName(text);
+    if (!oid || !FitsRequest(*oid)) throw CLI::ValidationError("--oid", NotAnOid(text));
+    if (GoesOutWrong(*oid))
+        Warn(text + " has a number over 16383: devices are asked for another OID");
+    return OidToText(*oid);
+}
+
+Sweep Prepare(const SweepOptions& options) {
+    Sweep sweep;
+    sweep.useIPv6 = options.useIPv6 ? 1 : 0;
+    if (ToAnsi(options.community).size() > kMaxCommunity) {
+        throw CLI::ValidationError("--community", "255 bytes at most");
+    }
+    sweep.community = ToWide(options.community);
+    if (!options.oid.empty()) sweep.oid = ToWide(CheckOid(options.oid));
+    if (!options.jsonPath.empty()) {
+        sweep.request = ToWide(ReadRequest(options.jsonPath));
+        sweep.kind = ValueKind::kDocument;
+    }
+    if (!options.csvPath.empty()) CheckCsvPath(options.csvPath);
+    sweep.csvPath = ToWide(options.csvPath);
+    if (options.v3.isOn && !sweep.oid.empty()) {
+        // SNMPv3 sweeps take an OID only in a JSON request: the document's one answer is the value
+        // then.
+        sweep.request = ToWide(RequestFor(ToUtf8(sweep.oid)));
+        sweep.kind = ValueKind::kAnswer;
+    }
+    return sweep;
+}
+
+void RunV1(HWND window, const Sweep& sweep) {
+    const wchar_t* path = sweep.csvPath.c_str();
+    const wchar_t* community = sweep.community.c_str();
+    constexpr UINT kMessage = ResultWindow::kMessage;
+    if (!sweep.request.empty()) {
+        DiscoverDevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6,
+                                 sweep.request.c_str(), path, community, nullptr);
+    } else {
+        DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.oid.c_str(),
+                             path, community, nullptr);
+    }
+}
+
+void RunV3(HWND window, const Sweep& sweep, const Security& security) {
+    const BYTE useAuth = security.useAuth ? 1 : 0;
+    const BYTE usePriv = security.usePriv ? 1 : 0;
+    constexpr UINT kMessage = ResultWindow::kMessage;
+    if (!sweep.request.empty()) {
+        DiscoverV3DevicesByOIDjson(
+            window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.request.c_str(),
+            security.user.c_str(), useAuth, security.authPassword.Get(), usePriv,
+            security.privPassword.Get(), security.authLabel.c_str(), security.privLabel.c_str());
+    } else {
+        DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, security.user.c_str(),
+                       useAuth, security.authPassword.Get(), usePriv, security.privPassword.Get(),
+                       security.authLabel.c_str(), security.privLabel.c_str());
+    }
+}
+
+// The result file of an SNMPv3 sweep, whose exports take no path: written here from the result
+// messages.
+class CsvFile {
+  public:
+    explicit CsvFile(const std::wstring& path)
+        : file_(path.empty() ? nullptr : _wfopen(path.c_str(), L"w")) {}
+    ~CsvFile() {
+        if (file_) std::fclose(file_);
+    }
+    CsvFile(const CsvFile&) = delete;
+    CsvFile& operator=(const CsvFile&) = delete;
+    void Write(const std::string& row) {
+        if (!file_) return;
+        std::fwrite(row.data(), 1, row.size(), file_);
+        std::fflush(file_);  // what is there stays when the process is ended
+    }
+
+  private:
+    FILE* file_;
+};
+
+std::string StatusLine(ULONGLONG startMs, size_t devices) {
+    return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " + std::to_string(devices) +
+           (devices == 1 ? " device" : " devices");
+}
+
+int RunSweep(const SweepOptions& options) {
+    const Sweep sweep = Prepare(options);
+    const Security security = options.v3.isOn ? ResolveSecurity(options.v3) : Security();
+    DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
+    DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
+    CsvFile csv(options.v3.isOn ? sweep.csvPath : std::wstring());
+    std::atomic<size_t> devices{0};
+    const ULONGLONG startMs = GetTickCount64();
+    {
+        SweepWatch watch(StopDiscoverSnmp, [&] { return StatusLine(startMs, devices); });
+        const ResultWindow window([&](const char* address, const char* value) {
+            ++devices;
+            csv.Write(csvWriter.Row(address, value));
+            if (!Print(writer.Row(address, value))) watch.RequestStop();
+        });
+        if (options.v3.isOn) {
+            RunV3(window.Handle(), sweep, security);
+        } else {
+            RunV1(window.Handle(), sweep);
+        }
+        if (watch.IsStopped()) Warn("stopped");
+    }
+    Print(writer.End());
+    if (devices == 0) {
+        const bool isForPeople = options.format == Format::kTable;
+        Warn(std::string("no device answered") +
+             (isForPeople ? ": 'vndiscover doctor' looks for the reason" : ""));
+    }
+    return devices > 0 ? kFound : kNone;
+}
+
+}  // namespace
+
+void AddSweepCommand(CLI::App& app, int& exitCode) {
+    CLI::App* command =
+        app.add_subcommand("sweep", "Find the devices on every network of this computer");
+    auto options = std::make_shared<SweepOptions>();
+    CLI::Option* community =
+        command->add_option("-c,--community", options->community, "Read community [sesame]");
+    community->type_name("NAME");
+    CLI::Option* oid = command->add_option("-o,--oid", options->oid,
+                                           "OID to ask for [the device information OID]");
+    oid->type_name("OID");
+    command->add_option("-j,--json", options->jsonPath, "JSON request with further OIDs, see below")
+        ->type_name("FILE")
+        ->excludes(oid);
+    command->add_flag("-6,--ipv6", options->useIPv6,
+                      "Sweep over IPv6 (link-local) instead of IPv4");
+    command
+        ->add_option("--csv", options->csvPath,
+                     "Also write \"address\",\"value\" lines to this file")
+        ->type_name("PATH");
+    AddFormat<Format>(*command, options->format,
+                      {{"table", Format::kTable}, {"json", Format::kJson}, {"csv", Format::kCsv}});
+    AddV3Options(*command, options->v3);
+    command->get_option("--v3")->excludes(community);
+    command->footer(kExamples);
+    command->callback([options, &exitCode] { exitCode = RunSweep(*options); });
+}
+
+}  // namespace vndiscover::host

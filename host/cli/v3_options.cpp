@@ -1,0 +1,82 @@
+#include "cli/commands.h"
+#include "device/security_labels.h"
+#include "platform/console.h"
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxUserBytes = 127;
+
+// From the command line, else from the environment, else from the user. An empty password would
+// give no key: the module would send its requests unprotected, so that is refused here.
+Secret FetchPassword(const std::string& given, const char* option, const wchar_t* variable,
+                     const char* prompt) {
+    Secret password(ToWide(given));
+    if (password.IsEmpty()) password = Secret(Environment(variable));
+    if (password.IsEmpty()) password = Secret(PromptHidden(prompt).value_or(std::wstring()));
+    if (password.IsEmpty()) {
+        throw CLI::ValidationError(option, "a password is missing: give it with " +
+                                               std::string(option) + " or in the variable " +
+                                               ToUtf8(variable));
+    }
+    return password;
+}
+
+std::wstring Label(const std::optional<std::string>& label, const char* option, const char* known) {
+    if (!label)
+        throw CLI::ValidationError(option, std::string("unknown protocol; known are ") + known);
+    return ToWide(*label);
+}
+
+}  // namespace
+
+void AddV3Options(CLI::App& command, V3Options& options) {
+    const std::string group = "SNMPv3";
+    CLI::Option* v3 =
+        command.add_flag("--v3", options.isOn, "Use SNMPv3 instead of SNMPv1; needs -u");
+    v3->group(group);
+    const auto add = [&](const char* name, std::string& value, const std::string& help,
+                         const char* type) {
+        CLI::Option* option = command.add_option(name, value, help);
+        return option->needs(v3)->group(group)->type_name(type);
+    };
+    add("-u,--user", options.user, "User name", "USER");
+    add("-a,--auth", options.authProtocol, kAuthProtocols, "PROTO");
+    add("-A,--auth-pass", options.authPassword,
+        "Password, else VNDISCOVER_AUTH_PASS, else asked for", "PASS");
+    add("-x,--priv", options.privProtocol, kPrivProtocols, "PROTO");
+    add("-X,--priv-pass", options.privPassword,
+        "Password, else VNDISCOVER_PRIV_PASS, else asked for", "PASS");
+}
+
+Security ResolveSecurity(const V3Options& options) {
+    Security security;
+    if (options.user.empty()) throw CLI::ValidationError("-u", "--v3 needs a user name");
+    if (options.user.size() > kMaxUserBytes) throw CLI::ValidationError("-u", "127 bytes at most");
+    security.user = ToWide(options.user);
+    security.useAuth = !options.authProtocol.empty();
+    security.usePriv = !options.privProtocol.empty();
+    if (!security.useAuth && (security.usePriv || !options.authPassword.empty())) {
+        throw CLI::ValidationError("-a", "privacy and passwords need an authentication protocol");
+    }
+    if (!security.usePriv && !options.privPassword.empty()) {
+        throw CLI::ValidationError("-x", "-X needs a privacy protocol");
+    }
+    // Both labels are checked before anybody is asked for a password.
+    if (security.useAuth)
+        security.authLabel = Label(AuthLabel(options.authProtocol), "-a", kAuthProtocols);
+    if (security.usePriv)
+        security.privLabel = Label(PrivLabel(options.privProtocol), "-x", kPrivProtocols);
+    if (security.useAuth) {
+        security.authPassword = FetchPassword(options.authPassword, "-A", L"VNDISCOVER_AUTH_PASS",
+                                              "Authentication password: ");
+    }
+    if (security.usePriv) {
+        security.privPassword = FetchPassword(options.privPassword, "-X", L"VNDISCOVER_PRIV_PASS",
+                                              "Privacy password: ");
+    }
+    return security;
+}
+
+}  // namespace vndiscover::host

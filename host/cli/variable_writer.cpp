@@ -1,0 +1,74 @@
+#include "cli/variable_writer.h"
+
+#include <cjson/cJSON.h>
+
+#include "values/object_names.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+std::string NoValueLine(uint32_t type) {
+    return type == kNull ? "no value" : "no value (" + TypeName(type) + ")";
+}
+
+// Numbers as numbers, text as text; what is neither as hex digits, with a member that says so.
+void AddValue(cJSON* element, const Answer& answer) {
+    if (IsNoValue(answer.type)) {
+        cJSON_AddNullToObject(element, "value");
+    } else if (const auto number = NumberText(answer.type, answer.bytes)) {
+        AddNumber(element, "value", *number);
+    } else if (answer.type == kOctetString && IsPrintable(answer.bytes)) {
+        AddText(element, "value", answer.bytes);
+    } else if (answer.type == kOctetString || answer.type == kOpaque) {
+        AddText(element, "value", HexText(answer.bytes, " "));
+        AddText(element, "encoding", "hex");
+    } else {
+        AddText(element, "value", FormatValue(answer.type, answer.bytes));
+    }
+    if (answer.wholeSize > answer.bytes.size()) {
+        AddNumber(element, "wholeSize", std::to_string(answer.wholeSize));
+    }
+}
+
+}  // namespace
+
+std::string VariableWriter::TextLine(const Answer& answer) const {
+    if (IsNoValue(answer.type)) return NoValueLine(answer.type);
+    std::string line = TypeName(answer.type) + ": ";
+    line += answer.bytes.empty() ? "\"\""
+            : withNames_         ? FormatNamedValue(answer.oid, answer.type, answer.bytes)
+                                 : FormatValue(answer.type, answer.bytes);
+    if (answer.wholeSize > answer.bytes.size()) {
+        line += " [the first " + std::to_string(answer.bytes.size()) + " of " +
+                std::to_string(answer.wholeSize) + " bytes]";
+    }
+    return line;
+}
+
+std::string VariableWriter::Row(const Answer& answer) {
+    if (isJson_) return JsonRow(answer);
+    if (answer.status != Status::kAnswered) return "";
+    return (withNames_ ? NameText(answer.oid) : OidToText(answer.oid)) + " = " + TextLine(answer) +
+           "\n";
+}
+
+std::string VariableWriter::JsonRow(const Answer& answer) {
+    const JsonItem element(cJSON_CreateObject());
+    AddText(element.get(), "oid", OidToText(answer.oid));
+    if (withNames_) AddText(element.get(), "name", NameText(answer.oid));
+    if (answer.status == Status::kAnswered) {
+        AddText(element.get(), "type", TypeName(answer.type));
+        AddValue(element.get(), answer);
+        const std::string words = FormatNamedValue(answer.oid, answer.type, answer.bytes);
+        if (withNames_ && words != FormatValue(answer.type, answer.bytes))
+            AddText(element.get(), "text", words);
+    } else {
+        AddText(element.get(), "error", Problem(answer));
+    }
+    array_.Add(element.get());
+    return array_.Take();
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,127 @@
+#include "device/device.h"
+
+#include <vndiscover.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "model/refusal.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr uint32_t kUnusedTimeoutMs = 2000;
+constexpr uint32_t kUnusedRetries = 5;
+// Stays where no answer came: a readable answer has its type, and one that is not has 0.
+constexpr uint32_t kNotSet = UINT32_MAX;
+constexpr char kTooLongForV1[] = "perhaps it is too long for SNMPv1; SNMPv3 may read it";
+
+std::string_view Bytes(const uint8_t* bytes, size_t count) {
+    return {reinterpret_cast<const char*>(bytes), count};
+}
+
+Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
+    const auto oid = DecodeOid(Bytes(record.oid, record.oidLength));
+    if (!oid) return Failed(Status::kUnreadable, asked);
+    return AnsweredWith(*oid, record.valueType, Bytes(record.value, record.valueLength));
+}
+
+}  // namespace
+
+Answer Device::Get(const Oid& oid) const {
+    if (security_) return GetV3(oid);
+    uint8_t value[VN_REQUEST_VALUE_SIZE] = {};
+    uint32_t type = kNotSet;
+    const int32_t length =
+        GetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), value, sizeof value, &type,
+                          kUnusedTimeoutMs, kUnusedRetries, readCommunity_.c_str(), nullptr);
+    if (length < 0) return Failed(Status::kSendFailed, oid);
+    if (type == kNotSet) return Failed(Status::kNoAnswer, oid);
+    if (type == 0) return Failed(Status::kUnreadable, oid, kTooLongForV1);
+    return AnsweredWith(oid, type, Bytes(value, static_cast<size_t>(length)));
+}
+
+// A get over SNMPv3 delivers text alone, up to its first zero byte. A get-next request for what
+// precedes the OID brings values of all types, whole, and a refusal with its reason.
+Answer Device::GetV3(const Oid& oid) const {
+    char text[VN_REQUEST_VALUE_SIZE] = {};
+    uint32_t type = kNotSet;
+    const int32_t reportLength = GetSnmpRequestV3(
+        host_.c_str(), OidToText(oid).c_str(), text, sizeof text, &type, kUnusedTimeoutMs,
+        kUnusedRetries, security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
+        security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
+        security_->privLabel.c_str());
+    if (IsNoValue(type)) return AnsweredWith(oid, type, "");
+    if (type == kInteger && reportLength > 0) {
+        std::string problem;
+        const auto number = ParseSetValue("integer", text, problem);
+        return AnsweredWith(oid, type, number ? number->bytes : text);
+    }
+    Answer answer = GetNextV3(JustBefore(oid));
+    const bool isAnswered = answer.status == Status::kAnswered;
+    if (isAnswered && answer.oid == oid) return answer;
+    // Nothing that follows what precedes it: the text has to do, perhaps cut.
+    if (type == kOctetString && reportLength > 0) return AnsweredWith(oid, type, text);
+    return Failed(isAnswered ? Status::kUnreadable : answer.status, oid, answer.note);
+}
+
+Answer Device::GetNext(const Oid& oid) const {
+    if (security_) return GetNextV3(oid);
+    VnResponseRecord record = {};
+    const int32_t length =
+        GetNextSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,
+                              kUnusedRetries, readCommunity_.c_str(), nullptr);
+    if (length < 0) return Failed(Status::kSendFailed, oid);
+    if (record.oidLength != 0) return FromRecord(record, oid);
+    // The module fills the address of every answer, even of one whose variable it could not read.
+    return record.address[0] ? Failed(Status::kUnreadable, oid, kTooLongForV1)
+                             : Failed(Status::kNoAnswer, oid);
+}
+
+Answer Device::GetNextV3(const Oid& oid) const {
+    VnResponseRecord record = {};
+    const int32_t reportLength = GetNextSnmpRequestV3(
+        host_.c_str(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs, kUnusedRetries,
+        security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
+        security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
+        security_->privLabel.c_str());
+    if (reportLength < 0) return Failed(Status::kSendFailed, oid);
+    if (reportLength == 0) return Failed(Status::kNoAnswer, oid);
+    if (record.oidLength == 0) return Failed(Status::kOnlyDiscovered, oid);
+    Answer answer = FromRecord(record, oid);
+    const char* reason = RefusalReason(oid, answer.oid, answer.type);
+    return reason ? Failed(Status::kRefused, oid, reason) : answer;
+}
+
+Answer Device::Set(const Oid& oid, const SetValue& value) const {
+    uint8_t buffer[VN_REQUEST_VALUE_SIZE] = {};
+    const auto size = static_cast<int32_t>(value.bytes.size());
+    std::copy(value.bytes.begin(), value.bytes.end(), buffer);
+    // Only the low byte goes out. The bit above it tells an answer of the same type from no answer.
+    uint32_t type = value.type | 0x100;
+    const int32_t length =
+        SetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), buffer, size, &type,
+                          kUnusedTimeoutMs, kUnusedRetries, nullptr, writeCommunity_.c_str());
+    if (length < 0) return Failed(Status::kSendFailed, oid);
+    if (type & 0x100) return Failed(Status::kNoAnswer, oid);
+    if (type == 0) return Failed(Status::kUnreadable, oid);
+    if (length > size)  // what does not fit was not copied
+        return Failed(Status::kUnreadable, oid, "its value is longer than the one sent");
+    return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
+}
+
+Asker AskerOf(const Device& device) {
+    Asker asker;
+    asker.getNext = [&device](const Oid& oid) { return device.GetNext(oid); };
+    asker.isV3 = device.IsV3();
+    return asker;
+}
+
+std::optional<std::string> Device::Information() const {
+    char value[VN_INFORMATION_SIZE] = {};
+    if (GetSnmpInformation(host_.c_str(), value, readCommunity_.c_str(), nullptr) <= 0)
+        return std::nullopt;
+    return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,15 @@
+// The portable rooms' copy of the public header's types and sizes is the header's.
+#include "values/module_types.h"
+
+#include <vndiscover.h>
+
+namespace vndiscover::host {
+
+static_assert(kInteger == VN_TYPE_INTEGER && kOctetString == VN_TYPE_OCTET_STRING);
+static_assert(kNull == VN_TYPE_NULL && kObjectIdentifier == VN_TYPE_OBJECT_IDENTIFIER);
+static_assert(kIpAddress == VN_TYPE_IP_ADDRESS && kCounter32 == VN_TYPE_COUNTER32);
+static_assert(kGauge32 == VN_TYPE_GAUGE32 && kTimeTicks == VN_TYPE_TIME_TICKS);
+static_assert(kOpaque == VN_TYPE_OPAQUE && kCounter64 == VN_TYPE_COUNTER64);
+static_assert(kJsonRequestSize == VN_JSON_REQUEST_SIZE);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,37 @@
+// Whether the firewall lets the answers of devices in.
+#ifndef VNDISCOVER_HOST_MODEL_FIREWALL_VERDICT_H
+#define VNDISCOVER_HOST_MODEL_FIREWALL_VERDICT_H
+
+#include <string>
+#include <vector>
+
+#include "model/computer.h"
+
+namespace vndiscover::host {
+
+enum class Passage {
+    kOpen,
+    kBrief,  // answers to a broadcast, for some seconds
+    kClosed,
+};
+
+struct PortVerdict {
+    std::string profile;  // "private"
+    unsigned port = 0;    // UDP, the device's: 161 or 3702
+    Passage passage = Passage::kOpen;
+    std::string reason;
+};
+
+struct FirewallReport {
+    bool isKnown = false;
+    std::vector<PortVerdict> ports;  // of each active profile
+    // What an administrator runs to let answers in; empty: they come in, or no command of ours can
+    // help.
+    std::vector<std::string> commands;
+};
+
+FirewallReport JudgeFirewall(const FirewallState& state, const std::string& programPath);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_MODEL_FIREWALL_VERDICT_H

@@ -1,0 +1,163 @@
+#include "platform/console.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+#include "values/plain_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr auto kStatusPeriod = std::chrono::milliseconds(250);
+
+// What the Ctrl-C handler, which runs on a thread of the system's, shares with the rest.
+std::atomic<int32_t (*)()> g_stop{nullptr};
+std::atomic<bool> g_isStopped{false};
+std::atomic<DWORD> g_inputMode{0};  // to be put back when a hidden prompt is interrupted; 0: none
+UINT g_formerCodePage = 0;
+
+std::mutex g_outputMutex;
+std::atomic<size_t> g_statusWidth{0};  // characters of the live line that stand on the console
+bool g_isOutputBroken = false;
+
+// One write with the system's line ends. The C streams write to a console byte by byte, which
+// flickers.
+bool Write(DWORD handle, std::string_view text) {
+    std::string bytes;
+    for (const char letter : text) bytes += letter == '\n' ? "\r\n" : std::string(1, letter);
+    size_t done = 0;
+    while (done < bytes.size()) {
+        DWORD written = 0;
+        const auto rest = static_cast<DWORD>(bytes.size() - done);
+        if (!WriteFile(GetStdHandle(handle), bytes.data() + done, rest, &written, nullptr))
+            return false;
+        done += written;
+    }
+    return true;
+}
+
+bool IsConsole(DWORD handle) {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(handle), &mode) != 0;
+}
+
+void RestoreConsole() {
+    if (g_formerCodePage != 0) SetConsoleOutputCP(g_formerCodePage);
+    if (const DWORD mode = g_inputMode.exchange(0))
+        SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
+}
+
+BOOL WINAPI OnControl(DWORD event) {
+    int32_t (*const stop)() = g_stop;
+    const bool canStop = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
+    if (canStop && stop && !g_isStopped.exchange(true)) {
+        stop();
+        return TRUE;
+    }
+    RestoreConsole();
+    if (g_statusWidth > 0) Write(STD_ERROR_HANDLE, "\n");
+    // At once: an orderly end would unload the module under its running sweep.
+    if (canStop) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+    return FALSE;  // the window is closed, the user logs off: the system ends the process
+}
+
+// With the output mutex held. The line is erased with spaces: that works on every console.
+void EraseStatus() {
+    if (g_statusWidth == 0) return;
+    Write(STD_ERROR_HANDLE, "\r" + std::string(g_statusWidth, ' ') + "\r");
+    g_statusWidth = 0;
+}
+
+void ShowStatus(const std::string& text) {
+    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    Write(STD_ERROR_HANDLE, "\r" + Padded(text, g_statusWidth));
+    g_statusWidth = std::max<size_t>(g_statusWidth, text.size());
+}
+
+}  // namespace
+
+ConsoleSession::ConsoleSession() {
+    g_formerCodePage = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    SetConsoleCtrlHandler(OnControl, TRUE);
+}
+
+ConsoleSession::~ConsoleSession() {
+    SetConsoleCtrlHandler(OnControl, FALSE);
+    RestoreConsole();
+}
+
+bool Print(std::string_view text) {
+    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    EraseStatus();
+    if (!Write(STD_OUTPUT_HANDLE, text)) g_isOutputBroken = true;
+    return !g_isOutputBroken;
+}
+
+void Warn(const std::string& text) {
+    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    EraseStatus();
+    Write(STD_ERROR_HANDLE, "vndiscover: " + text + "\n");
+}
+
+std::optional<std::wstring> PromptHidden(const std::string& prompt) {
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    DWORD mode = 0;
+    if (!GetConsoleMode(input, &mode)) return std::nullopt;
+    g_inputMode = mode;
+    SetConsoleMode(input, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~ENABLE_ECHO_INPUT);
+    Write(STD_ERROR_HANDLE, prompt);  // only now: whoever sees it may type
+    wchar_t line[256];
+    DWORD count = 0;
+    const BOOL isRead = ReadConsoleW(input, line, 256, &count, nullptr);
+    SetConsoleMode(input, mode);
+    g_inputMode = 0;
+    Write(STD_ERROR_HANDLE, "\n");
+    while (count > 0 && (line[count - 1] == L'\n' || line[count - 1] == L'\r')) --count;
+    std::optional<std::wstring> text;
+    if (isRead) text.emplace(line, count);
+    SecureZeroMemory(line, sizeof line);
+    return text;
+}
+
+SweepWatch::SweepWatch(int32_t (*stop)(), std::function<std::string()> status)
+    : stop_(stop), status_(std::move(status)) {
+    g_isStopped = false;
+    g_stop = stop;
+    thread_ = std::thread([this] { Run(); });
+}
+
+SweepWatch::~SweepWatch() {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        isOver_ = true;
+    }
+    wake_.notify_all();
+    thread_.join();
+    g_stop = nullptr;
+    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    EraseStatus();
+}
+
+void SweepWatch::RequestStop() {
+    if (!g_isStopped.exchange(true)) stop_();
+}
+
+bool SweepWatch::IsStopped() const { return g_isStopped; }
+
+void SweepWatch::Run() {
+    const bool hasConsole = IsConsole(STD_ERROR_HANDLE);
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (!isOver_) {
+        // A request that came just before the sweep began was cleared by its beginning: ask again.
+        if (g_isStopped) stop_();
+        if (hasConsole)
+            ShowStatus(status_() + (g_isStopped ? ", stopping (Ctrl-C again ends at once)" : ""));
+        wake_.wait_for(lock, kStatusPeriod);
+    }
+}
+
+}  // namespace vndiscover::host

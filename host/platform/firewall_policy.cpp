@@ -1,0 +1,193 @@
+#include "platform/firewall_policy.h"
+
+#include <windows.h>
+
+#include <netfw.h>
+#include <oleauto.h>
+
+#include <string>
+
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// Here, since not every tool chain has them in a library.
+constexpr CLSID kPolicyClass = {
+    0xE2B3C97F, 0x6AE1, 0x41AC, {0x81, 0x7A, 0xF6, 0xF9, 0x21, 0x66, 0xD7, 0xDD}};
+constexpr IID kPolicyId = {
+    0x98325047, 0xC671, 0x4174, {0x8D, 0x81, 0xDE, 0xFC, 0xD3, 0xF0, 0x31, 0x86}};
+constexpr IID kRuleId = {
+    0xAF230D27, 0xBABA, 0x4E42, {0xAC, 0xED, 0xF5, 0x24, 0xF2, 0x2C, 0xFC, 0xE2}};
+constexpr IID kEnumVariantId = {
+    0x00020404, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+constexpr LONG kAnyProtocol = 256;
+constexpr LONG kUdp = 17;
+
+// One reference to a COM object, released at its end.
+template <class Interface>
+class Owned {
+  public:
+    Owned() = default;
+    ~Owned() {
+        if (object_) object_->Release();
+    }
+    Owned(const Owned&) = delete;
+    Owned& operator=(const Owned&) = delete;
+    Interface** Receive() { return &object_; }
+    void** ReceiveVoid() { return reinterpret_cast<void**>(&object_); }
+    Interface* operator->() const { return object_; }
+    explicit operator bool() const { return object_ != nullptr; }
+
+  private:
+    Interface* object_ = nullptr;
+};
+
+class Apartment {
+  public:
+    Apartment() : isOpen_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~Apartment() {
+        if (isOpen_) CoUninitialize();
+    }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+
+  private:
+    bool isOpen_;  // false: the thread has one of another kind, which serves as well
+};
+
+using TextGetter = HRESULT (STDMETHODCALLTYPE INetFwRule::*)(BSTR*);
+
+// False: the rule does not tell. A missing text is empty.
+bool Read(INetFwRule& rule, TextGetter getter, std::wstring& text) {
+    BSTR value = nullptr;
+    const bool isRead = SUCCEEDED((rule.*getter)(&value));
+    if (value) text.assign(value, SysStringLen(value));
+    SysFreeString(value);
+    return isRead;
+}
+
+bool IsAny(const std::wstring& text) { return text.empty() || text == L"*" || text == L"All"; }
+
+bool IsSamePath(const std::wstring& one, const std::wstring& other) {
+    return CompareStringOrdinal(one.c_str(), static_cast<int>(one.size()), other.c_str(),
+                                static_cast<int>(other.size()), TRUE) == CSTR_EQUAL;
+}
+
+std::wstring OwnPath() {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+std::wstring Expanded(const std::wstring& path) {
+    std::wstring text(32768, L'\0');
+    const DWORD size =
+        ExpandEnvironmentStringsW(path.c_str(), text.data(), static_cast<DWORD>(text.size()));
+    if (size == 0 || size > text.size()) return path;
+    text.resize(size - 1);
+    return text;
+}
+
+// Incoming UDP, switched on.
+bool IsConcerned(INetFwRule& rule) {
+    VARIANT_BOOL isEnabled = VARIANT_FALSE;
+    NET_FW_RULE_DIRECTION direction = NET_FW_RULE_DIR_OUT;
+    LONG protocol = 0;
+    return SUCCEEDED(rule.get_Enabled(&isEnabled)) && isEnabled &&
+           SUCCEEDED(rule.get_Direction(&direction)) && direction == NET_FW_RULE_DIR_IN &&
+           SUCCEEDED(rule.get_Protocol(&protocol)) &&
+           (protocol == kUdp || protocol == kAnyProtocol);
+}
+
+bool HasLimits(INetFwRule& rule) {
+    std::wstring service, localPorts, localAddresses, remoteAddresses, interfaces;
+    return !Read(rule, &INetFwRule::get_ServiceName, service) || !service.empty() ||
+           !Read(rule, &INetFwRule::get_LocalPorts, localPorts) || !IsAny(localPorts) ||
+           !Read(rule, &INetFwRule::get_LocalAddresses, localAddresses) || !IsAny(localAddresses) ||
+           !Read(rule, &INetFwRule::get_RemoteAddresses, remoteAddresses) ||
+           (!IsAny(remoteAddresses) && remoteAddresses != L"LocalSubnet") ||
+           !Read(rule, &INetFwRule::get_InterfaceTypes, interfaces) || !IsAny(interfaces);
+}
+
+void AddRule(FirewallState& state, INetFwRule& rule, const std::wstring& ownPath) {
+    if (!IsConcerned(rule) || HasLimits(rule)) return;
+    std::wstring name, ports, application;
+    LONG profiles = 0;
+    NET_FW_ACTION action = NET_FW_ACTION_BLOCK;
+    if (!Read(rule, &INetFwRule::get_ApplicationName, application) ||
+        !Read(rule, &INetFwRule::get_RemotePorts, ports) ||
+        !Read(rule, &INetFwRule::get_Name, name) || FAILED(rule.get_Profiles(&profiles)) ||
+        FAILED(rule.get_Action(&action))) {
+        return;
+    }
+    const bool isForThis = !application.empty() && IsSamePath(Expanded(application), ownPath);
+    if (!application.empty() && !isForThis) return;
+    state.rules.push_back({ToUtf8(name), ToUtf8(ports), static_cast<uint32_t>(profiles),
+                           action == NET_FW_ACTION_ALLOW, isForThis});
+}
+
+bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
+    Owned<INetFwRules> rules;
+    Owned<IUnknown> unknown;
+    Owned<IEnumVARIANT> each;
+    if (FAILED(policy.get_Rules(rules.Receive())) || !rules ||
+        FAILED(rules->get__NewEnum(unknown.Receive())) || !unknown ||
+        FAILED(unknown->QueryInterface(kEnumVariantId, each.ReceiveVoid()))) {
+        return false;
+    }
+    const std::wstring ownPath = OwnPath();
+    VARIANT item;
+    VariantInit(&item);
+    while (each->Next(1, &item, nullptr) == S_OK) {
+        Owned<INetFwRule> rule;
+        if (item.vt == VT_DISPATCH && item.pdispVal &&
+            SUCCEEDED(item.pdispVal->QueryInterface(kRuleId, rule.ReceiveVoid()))) {
+            AddRule(state, *rule.operator->(), ownPath);
+        }
+        VariantClear(&item);
+    }
+    return true;
+}
+
+bool ReadProfile(FirewallState& state, INetFwPolicy2& policy, uint32_t bit) {
+    const auto type = static_cast<NET_FW_PROFILE_TYPE2>(bit);
+    VARIANT_BOOL isOn = VARIANT_FALSE, blocksAll = VARIANT_FALSE, isDeaf = VARIANT_FALSE;
+    NET_FW_ACTION action = NET_FW_ACTION_BLOCK;
+    if (FAILED(policy.get_FirewallEnabled(type, &isOn)) ||
+        FAILED(policy.get_BlockAllInboundTraffic(type, &blocksAll)) ||
+        FAILED(policy.get_UnicastResponsesToMulticastBroadcastDisabled(type, &isDeaf)) ||
+        FAILED(policy.get_DefaultInboundAction(type, &action))) {
+        return false;
+    }
+    state.active.push_back({bit, isOn != VARIANT_FALSE, blocksAll != VARIANT_FALSE,
+                            action == NET_FW_ACTION_ALLOW, isDeaf == VARIANT_FALSE});
+    return true;
+}
+
+bool ReadState(FirewallState& state) {
+    Owned<INetFwPolicy2> policy;
+    LONG profiles = 0;
+    if (FAILED(CoCreateInstance(kPolicyClass, nullptr, CLSCTX_INPROC_SERVER, kPolicyId,
+                                policy.ReceiveVoid())) ||
+        !policy || FAILED(policy->get_CurrentProfileTypes(&profiles))) {
+        return false;
+    }
+    for (const uint32_t bit : {kDomain, kPrivate, kPublic}) {
+        const bool isActive = (static_cast<uint32_t>(profiles) & bit) != 0;
+        if (isActive && !ReadProfile(state, *policy.operator->(), bit)) return false;
+    }
+    return !state.active.empty() && ReadRules(state, *policy.operator->());
+}
+
+}  // namespace
+
+FirewallState ReadFirewall() {
+    const Apartment apartment;
+    FirewallState state;
+    if (!ReadState(state)) return {};
+    state.isKnown = true;
+    return state;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,32 @@
+#include "platform/result_window.h"
+
+namespace vndiscover::host {
+
+ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
+    constexpr wchar_t kClass[] = L"VnDiscoverResults";
+    WNDCLASSW description = {};
+    description.lpfnWndProc = Procedure;
+    description.hInstance = GetModuleHandleW(nullptr);
+    description.lpszClassName = kClass;
+    RegisterClassW(&description);  // fails harmlessly when it is registered already
+    window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                              description.hInstance, nullptr);
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
+
+ResultWindow::~ResultWindow() { DestroyWindow(window_); }
+
+LRESULT CALLBACK ResultWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* self = reinterpret_cast<ResultWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (message != kMessage || !self) return DefWindowProcW(window, message, wParam, lParam);
+    const auto* address = reinterpret_cast<const char*>(wParam);
+    const auto* value = reinterpret_cast<const char*>(lParam);
+    try {
+        if (address && value) self->onResult_(address, value);
+    } catch (...) {
+        // Out of memory: the row is lost. Nothing may be thrown through the module that called us.
+    }
+    return 0;
+}
+
+}  // namespace vndiscover::host

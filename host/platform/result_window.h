@@ -1,0 +1,36 @@
+// The window that receives a sweep's result messages. It is message-only: it needs no desktop.
+#ifndef VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H
+#define VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H
+
+#include <vndiscover.h>
+
+#include <functional>
+
+namespace vndiscover::host {
+
+// The sweep runs on the thread that made the window, the main thread here: SendMessageA then calls
+// the window procedure directly, and no message loop is needed. A program with a user interface
+// runs the sweep on a worker thread instead and goes on pumping messages.
+class ResultWindow {
+  public:
+    // Valid during the call only. Not called for the final message (0, 0).
+    using OnResult = std::function<void(const char* address, const char* value)>;
+
+    explicit ResultWindow(OnResult onResult);
+    ~ResultWindow();
+    ResultWindow(const ResultWindow&) = delete;
+    ResultWindow& operator=(const ResultWindow&) = delete;
+
+    HWND Handle() const { return window_; }
+    static constexpr UINT kMessage = WM_APP;
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+
+    OnResult onResult_;
+    HWND window_ = nullptr;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H

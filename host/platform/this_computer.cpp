@@ -1,0 +1,241 @@
+#include "platform/this_computer.h"
+
+#include <winsock2.h>
+#include <ws2tcpip.h>
+
+#include <windows.h>
+
+#include <iphlpapi.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "platform/firewall_policy.h"
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// The module's room for the system's list of IPv4 adapters: 32 records. More addresses on one
+// adapter take some of it too.
+constexpr ULONG kModuleListBytes = 22528;
+constexpr ULONG kFirstListBytes = 15000;
+constexpr int kListAttempts = 3;
+constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
+
+// From the system directory by full path: an ordinary import could pick up a file of that name
+// beside the program.
+class IpHelper {
+  public:
+    IpHelper() {
+        wchar_t path[MAX_PATH + 32] = {};
+        const UINT length = GetSystemDirectoryW(path, MAX_PATH);
+        if (length == 0 || length >= MAX_PATH) return;
+        wcscpy(path + length, L"\\IPHLPAPI.DLL");
+        module_ = LoadLibraryW(path);
+    }
+    ~IpHelper() {
+        if (module_) FreeLibrary(module_);
+    }
+    IpHelper(const IpHelper&) = delete;
+    IpHelper& operator=(const IpHelper&) = delete;
+
+    template <class Function>
+    Function* Find(Function*, const char* name) const {
+        if (!module_) return nullptr;
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
+    }
+
+  private:
+    HMODULE module_ = nullptr;
+};
+// The type comes from the declaration, which is never called itself.
+#define FIND(helper, function) (helper).Find(static_cast<decltype(&function)>(nullptr), #function)
+
+// A list of the system's records, in one block.
+template <class Record>
+struct List {
+    std::unique_ptr<uint8_t[]> block;
+    ULONG neededBytes = 0;
+    DWORD error = ERROR_NOT_SUPPORTED;
+    const Record* First() const {
+        return error == ERROR_SUCCESS ? reinterpret_cast<const Record*>(block.get()) : nullptr;
+    }
+};
+
+// `read` is called with a block and its size, and again with as much as it asks for.
+template <class Record, class Read>  // DWORD Read(Record*, ULONG*)
+List<Record> ReadList(ULONG firstBytes, Read read) {
+    List<Record> list;
+    list.neededBytes = firstBytes;
+    for (int attempt = 0; attempt < kListAttempts; ++attempt) {
+        list.block = std::make_unique<uint8_t[]>(list.neededBytes);
+        list.error = read(reinterpret_cast<Record*>(list.block.get()), &list.neededBytes);
+        if (list.error != ERROR_BUFFER_OVERFLOW) break;
+    }
+    return list;
+}
+
+List<IP_ADAPTER_INFO> ReadInfo(const IpHelper& helper) {
+    const auto getInfo = FIND(helper, GetAdaptersInfo);
+    if (!getInfo) return {};
+    return ReadList<IP_ADAPTER_INFO>(kModuleListBytes, [&](IP_ADAPTER_INFO* record, ULONG* size) {
+        return getInfo(record, size);
+    });
+}
+
+List<IP_ADAPTER_ADDRESSES> ReadAddresses(const IpHelper& helper, ULONG family) {
+    const auto getAddresses = FIND(helper, GetAdaptersAddresses);
+    if (!getAddresses) return {};
+    return ReadList<IP_ADAPTER_ADDRESSES>(
+        kFirstListBytes, [&](IP_ADAPTER_ADDRESSES* record, ULONG* size) {
+            // With the module's own flag: the system may refuse a list for its sake.
+            return getAddresses(family, GAA_FLAG_INCLUDE_PREFIX, nullptr, record, size);
+        });
+}
+
+void Describe(AdapterAddress& row, const IP_ADAPTER_ADDRESSES& adapter) {
+    row.adapter = adapter.FriendlyName ? ToUtf8(adapter.FriendlyName) : "";
+    row.description = adapter.Description ? ToUtf8(adapter.Description) : "";
+    row.interfaceType = adapter.IfType;
+    row.isUp = adapter.OperStatus == IfOperStatusUp;
+}
+
+AdapterAddress RowOf(const IP_ADAPTER_INFO& info, const IP_ADDR_STRING& entry,
+                     const List<IP_ADAPTER_ADDRESSES>& details) {
+    AdapterAddress row;
+    row.address = entry.IpAddress.String;
+    row.mask = entry.IpMask.String;
+    row.adapter = row.description = info.Description;
+    row.interfaceType = info.Type;
+    for (const auto* adapter = details.First(); adapter; adapter = adapter->Next) {
+        if (adapter->AdapterName && strcmp(adapter->AdapterName, info.AdapterName) == 0)
+            Describe(row, *adapter);
+    }
+    return row;
+}
+
+std::string TextOf(const sockaddr_in6& address) {
+    char text[64] = {};
+    if (getnameinfo(reinterpret_cast<const sockaddr*>(&address), sizeof address, text, sizeof text,
+                    nullptr, 0, NI_NUMERICHOST) != 0) {
+        return "";
+    }
+    const std::string whole(text);
+    return whole.substr(0, whole.find('%'));
+}
+
+void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
+    for (const auto* entry = adapter.FirstUnicastAddress; entry; entry = entry->Next) {
+        if (!entry->Address.lpSockaddr ||
+            entry->Address.iSockaddrLength < static_cast<int>(sizeof(sockaddr_in6)))
+            continue;
+        sockaddr_in6 address;
+        memcpy(&address, entry->Address.lpSockaddr, sizeof address);
+        AdapterAddress row;
+        row.address = TextOf(address);
+        Describe(row, adapter);
+        if (row.address.rfind("fe80", 0) == 0) list.addresses.push_back(row);
+    }
+}
+
+bool IsSwitchedOn(const char* name) {
+    // Four bytes at most of any type, as the module reads its switches.
+    DWORD value = 0;
+    DWORD size = sizeof value;
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kLogKey, 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return false;
+    const LONG error =
+        RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size);
+    RegCloseKey(key);
+    return error == ERROR_SUCCESS && value != 0;
+}
+
+// getnameinfo needs the sockets' library.
+class WinSock {
+  public:
+    WinSock() {
+        WSADATA data;
+        isStarted_ = WSAStartup(MAKEWORD(2, 2), &data) == 0;
+    }
+    ~WinSock() {
+        if (isStarted_) WSACleanup();
+    }
+    WinSock(const WinSock&) = delete;
+    WinSock& operator=(const WinSock&) = delete;
+
+  private:
+    bool isStarted_;
+};
+
+}  // namespace
+
+AdapterList ThisComputer::IPv4() const {
+    const IpHelper helper;
+    const auto infos = ReadInfo(helper);
+    const auto details = ReadAddresses(helper, AF_INET);
+    AdapterList list;
+    list.isRead = infos.error == ERROR_SUCCESS || infos.error == ERROR_NO_DATA;
+    list.fits = infos.neededBytes <= kModuleListBytes;
+    for (const auto* info = infos.First(); info; info = info->Next) {
+        ++list.adapters;
+        for (const IP_ADDR_STRING* entry = &info->IpAddressList; entry; entry = entry->Next) {
+            if (entry->IpAddress.String[0] && entry->IpMask.String[0])
+                list.addresses.push_back(RowOf(*info, *entry, details));
+        }
+    }
+    return list;
+}
+
+AdapterList ThisComputer::IPv6() const {
+    const WinSock winSock;
+    const IpHelper helper;
+    const auto adapters = ReadAddresses(helper, AF_INET6);
+    AdapterList list;
+    list.isRead = adapters.error == ERROR_SUCCESS || adapters.error == ERROR_NO_DATA;
+    for (const auto* adapter = adapters.First(); adapter; adapter = adapter->Next) {
+        ++list.adapters;
+        AddLinkLocal(list, *adapter);
+    }
+    return list;
+}
+
+Route ThisComputer::RouteTo(const char* ipv4Address) const {
+    Route route;
+    route.target = ipv4Address;
+    const IpHelper helper;
+    const auto getBestRoute = FIND(helper, GetBestRoute);
+    MIB_IPFORWARDROW row = {};
+    in_addr target = {};
+    target.s_addr = inet_addr(ipv4Address);
+    if (!getBestRoute || getBestRoute(target.s_addr, 0, &row) != NO_ERROR) return route;
+    const auto infos = ReadInfo(helper);
+    for (const auto* info = infos.First(); info; info = info->Next) {
+        if (info->Index != row.dwForwardIfIndex) continue;
+        const AdapterAddress first =
+            RowOf(*info, info->IpAddressList, ReadAddresses(helper, AF_INET));
+        route.adapter = first.adapter;
+        route.source = first.address;
+    }
+    // The route may be that of an adapter that the list does not have, such as the loopback.
+    if (route.source.empty()) route.source = "interface " + std::to_string(row.dwForwardIfIndex);
+    in_addr gateway = {};
+    gateway.s_addr = row.dwForwardNextHop;
+    const std::string gatewayText = inet_ntoa(gateway);
+    // A route on the link has the adapter's own address there, or none.
+    if (gateway.s_addr != 0 && gatewayText != route.source) route.gateway = gatewayText;
+    return route;
+}
+
+FirewallState ThisComputer::Firewall() const { return ReadFirewall(); }
+
+LogSwitches ThisComputer::Log() const { return {IsSwitchedOn("Debug"), IsSwitchedOn("Dbg2Log")}; }
+
+std::string ThisComputer::ProgramPath() const {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    return ToUtf8(path);
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,22 @@
+// The facts about the computer that the program runs on, from the system.
+#ifndef VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H
+#define VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H
+
+#include "model/computer.h"
+
+namespace vndiscover::host {
+
+// Any thread; a call takes some milliseconds, Firewall perhaps a second.
+class ThisComputer : public Computer {
+  public:
+    AdapterList IPv4() const override;
+    AdapterList IPv6() const override;
+    Route RouteTo(const char* ipv4Address) const override;
+    FirewallState Firewall() const override;
+    LogSwitches Log() const override;
+    std::string ProgramPath() const override;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H

@@ -1,0 +1,24 @@
+// Text at the borders: the system speaks UTF-16, the module's narrow arguments are in the ANSI code
+// page, and everything else in this program is UTF-8.
+#ifndef VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H
+#define VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vndiscover::host {
+
+std::wstring ToWide(std::string_view utf8);
+std::string ToUtf8(std::wstring_view wide);
+std::string ToAnsi(std::string_view utf8);
+
+// The command line without the program's name.
+std::vector<std::string> CommandLineArguments();
+
+// The value of an environment variable; empty: not set.
+std::wstring Environment(const wchar_t* name);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H

@@ -1,0 +1,64 @@
+#include "values/json_output.h"
+
+#include <cjson/cJSON.h>
+
+#include "values/plain_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// U+FFFD for what PlainText replaces, but C0 characters stay: they leave as escapes.
+std::string JsonText(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        size_t plain = 0;
+        while (plain < bytes.size() && static_cast<uint8_t>(bytes[plain]) >= 0x20) ++plain;
+        text += PlainText(bytes.substr(0, plain));
+        if (plain < bytes.size()) text += bytes[plain++];
+        bytes.remove_prefix(plain);
+    }
+    return text;
+}
+
+}  // namespace
+
+void JsonDelete::operator()(cJSON* item) const { cJSON_Delete(item); }
+
+void AddText(cJSON* object, const char* name, std::string_view bytes) {
+    const std::string text = JsonText(bytes.substr(0, bytes.find('\0')));
+    cJSON_AddStringToObject(object, name, text.c_str());
+}
+
+void AddTexts(cJSON* object, const char* name, const std::vector<std::string>& texts) {
+    cJSON* array = cJSON_AddArrayToObject(object, name);
+    for (const std::string& text : texts) {
+        cJSON_AddItemToArray(array, cJSON_CreateString(JsonText(text).c_str()));
+    }
+}
+
+void AddNumber(cJSON* object, const char* name, const std::string& decimal) {
+    cJSON_AddRawToObject(object, name, decimal.c_str());
+}
+
+std::string CompactJson(const cJSON* item) {
+    char* printed = cJSON_PrintUnformatted(item);
+    if (!printed) return "null";
+    // The library escapes C0 characters only; what else a device put into a string is replaced
+    // here.
+    std::string text = PlainText(printed);
+    cJSON_free(printed);
+    return text;
+}
+
+void JsonArray::Add(const cJSON* element) {
+    text_ += (isEmpty_ ? "[\n  " : ",\n  ") + CompactJson(element);
+    isEmpty_ = false;
+}
+
+std::string JsonArray::Finish() { return Take() + (isEmpty_ ? "[]\n" : "\n]\n"); }
+
+JsonItem ParseDocument(std::string_view text) {
+    return JsonItem(cJSON_ParseWithLength(text.data(), text.size()));
+}
+
+}  // namespace vndiscover::host

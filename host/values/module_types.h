@@ -1,0 +1,32 @@
+// Types and sizes of vndiscover.h, for code that includes no Windows header.
+// device/module_types.cpp compares each with the header's own.
+#ifndef VNDISCOVER_HOST_VALUES_MODULE_TYPES_H
+#define VNDISCOVER_HOST_VALUES_MODULE_TYPES_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vndiscover::host {
+
+// BER tags of SNMP values: VN_TYPE_..., and the answers of SNMPv3 that carry no value (RFC 3416).
+enum ValueType : uint32_t {
+    kInteger = 2,
+    kOctetString = 4,
+    kNull = 5,
+    kObjectIdentifier = 6,
+    kIpAddress = 0x40,
+    kCounter32 = 0x41,
+    kGauge32 = 0x42,
+    kTimeTicks = 0x43,
+    kOpaque = 0x44,
+    kCounter64 = 0x46,
+    kNoSuchObject = 0x80,
+    kNoSuchInstance = 0x81,
+    kEndOfMibView = 0x82,
+};
+
+constexpr size_t kJsonRequestSize = 2048;  // VN_JSON_REQUEST_SIZE: a request has fewer bytes
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_VALUES_MODULE_TYPES_H

@@ -1,0 +1,57 @@
+// Names of standard objects and the words of their values (RFC 1213, 2790, 2863, 3418, 3805, 6933).
+#ifndef VNDISCOVER_HOST_VALUES_OBJECT_NAMES_H
+#define VNDISCOVER_HOST_VALUES_OBJECT_NAMES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "values/oid_text.h"
+
+namespace vndiscover::host {
+
+enum class Syntax {
+    kPlain,        // as its type says
+    kBinary,       // octets that are never text, such as a hardware address
+    kEnumeration,  // INTEGER with words
+    kBits,         // OCTET STRING with a word for each bit, the first bit is the highest
+};
+
+struct ObjectName {
+    const char* name;   // "hrPrinterStatus"
+    const char* below;  // its OID below .1.3.6.1.2.1: "25.3.5.1.1"
+    Syntax syntax;
+    const char* words;  // "idle(3) printing(4)"; empty for other syntaxes
+};
+
+// All of them, in the order of their OIDs.
+extern const ObjectName kObjectNames[];
+extern const size_t kObjectNameCount;
+
+// The OID of an object of the table, without an instance. The name is one of the table's.
+const Oid& OidOf(std::string_view name);
+
+// A numeric OID, or a name with or without an instance: "sysDescr.0", "hrPrinterStatus.1",
+// "prtMarkerSupplies..." columns with two numbers. Letter case does not matter. Empty: neither.
+std::optional<Oid> ParseOidOrName(std::string_view text);
+
+// What is wrong with a text that ParseOidOrName does not take.
+std::string NotAnOid(std::string_view text);
+
+// "hrPrinterStatus.1"; numeric where no object of the table is at or above the OID.
+std::string NameText(const Oid& oid);
+
+// The word of an enumeration's number, "idle"; empty where it has none.
+std::string WordOf(std::string_view name, int64_t number);
+// The words of the bits that are set; a bit without a word is "bit 20".
+std::vector<std::string> WordsOf(std::string_view name, std::string_view bits);
+
+// One line for a person: "idle(3)", "doorOpen, jammed", "02:00:5E:10:00:01"; else as FormatValue.
+std::string FormatNamedValue(const Oid& oid, uint32_t type, std::string_view bytes);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_VALUES_OBJECT_NAMES_H

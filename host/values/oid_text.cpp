@@ -1,0 +1,116 @@
+#include "values/oid_text.h"
+
+#include <algorithm>
+
+namespace vndiscover::host {
+namespace {
+
+constexpr uint32_t kTwoByteArcLimit = 16384;
+constexpr size_t kMaxArcs = 128;
+constexpr size_t kMaxRequestOctets = 124;
+
+// Decimal digits only, 32 bits; advances `text` past them. Empty: none there.
+std::optional<uint32_t> TakeArc(std::string_view& text) {
+    uint64_t arc = 0;
+    size_t digits = 0;
+    for (; digits < text.size() && text[digits] >= '0' && text[digits] <= '9'; ++digits) {
+        arc = arc * 10 + static_cast<uint64_t>(text[digits] - '0');
+        if (arc > UINT32_MAX) return std::nullopt;
+    }
+    if (digits == 0) return std::nullopt;
+    text.remove_prefix(digits);
+    return static_cast<uint32_t>(arc);
+}
+
+bool AreFirstArcsValid(const Oid& oid) {
+    if (oid[0] > 2) return false;
+    return oid.size() < 2 || oid[0] == 2 || oid[1] < 40;
+}
+
+void AppendArc(std::string& octets, uint64_t arc) {
+    int groups = 1;
+    while (arc >> (7 * groups) != 0) ++groups;
+    for (int i = groups - 1; i >= 0; --i) {
+        octets += static_cast<char>((arc >> (7 * i) & 0x7F) | (i > 0 ? 0x80 : 0));
+    }
+}
+
+}  // namespace
+
+std::optional<Oid> ParseOid(std::string_view text) {
+    Oid oid;
+    if (!text.empty() && text.front() == '.') text.remove_prefix(1);
+    while (true) {
+        const std::optional<uint32_t> arc = TakeArc(text);
+        if (!arc || oid.size() == kMaxArcs) return std::nullopt;
+        oid.push_back(*arc);
+        if (text.empty()) break;
+        if (text.front() != '.') return std::nullopt;
+        text.remove_prefix(1);
+    }
+    if (!AreFirstArcsValid(oid)) return std::nullopt;
+    return oid;
+}
+
+std::string OidToText(const Oid& oid) {
+    std::string text;
+    for (const uint32_t arc : oid) text += "." + std::to_string(arc);
+    return text;
+}
+
+std::optional<Oid> DecodeOid(std::string_view octets) {
+    Oid oid;
+    uint64_t arc = 0;
+    bool isInside = false;
+    for (const char octet : octets) {
+        arc = arc << 7 | (static_cast<uint8_t>(octet) & 0x7Fu);
+        isInside = (octet & 0x80) != 0;
+        // The first number holds two arcs: 80 more than 32 bits at most.
+        if (arc > UINT32_MAX + (oid.empty() ? 80ull : 0ull)) return std::nullopt;
+        if (isInside) continue;
+        if (oid.empty()) {
+            const uint32_t first = arc < 80 ? static_cast<uint32_t>(arc / 40) : 2;
+            oid.push_back(first);
+            arc -= uint64_t{first} * 40;
+        }
+        oid.push_back(static_cast<uint32_t>(arc));
+        arc = 0;
+    }
+    if (oid.empty() || isInside) return std::nullopt;
+    return oid;
+}
+
+std::string EncodeOid(const Oid& oid) {
+    std::string octets;
+    AppendArc(octets, uint64_t{oid[0]} * 40 + oid[1]);
+    for (size_t i = 2; i < oid.size(); ++i) AppendArc(octets, oid[i]);
+    return octets;
+}
+
+bool GoesOutWrong(const Oid& oid) {
+    if (oid.size() >= 2 && uint64_t{oid[0]} * 40 + oid[1] > 127) return true;
+    return std::any_of(oid.begin() + std::min<ptrdiff_t>(2, oid.size()), oid.end(),
+                       [](uint32_t arc) { return arc >= kTwoByteArcLimit; });
+}
+
+bool FitsRequest(const Oid& oid) {
+    if (oid.size() < 2) return false;
+    size_t octets = 1;
+    for (size_t i = 2; i < oid.size(); ++i) octets += oid[i] < 128 ? 1 : 2;
+    return octets <= kMaxRequestOctets;
+}
+
+Oid JustBefore(Oid oid) {
+    if (oid.back() == 0) {
+        oid.pop_back();
+    } else {
+        --oid.back();
+    }
+    return oid;
+}
+
+bool IsWithin(const Oid& oid, const Oid& root) {
+    return oid.size() >= root.size() && std::equal(root.begin(), root.end(), oid.begin());
+}
+
+}  // namespace vndiscover::host

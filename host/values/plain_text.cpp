@@ -1,0 +1,159 @@
+#include "values/plain_text.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace vndiscover::host {
+namespace {
+
+constexpr uint32_t kReplacement = 0xFFFD;
+
+struct Character {
+    uint32_t code;
+    size_t bytes;  // how many were read, at least 1
+    bool isUtf8;
+};
+
+// The next character of a non-empty text. Overlong forms, surrogates and cut sequences are no
+// UTF-8: then one byte is read as Latin-1.
+Character NextCharacter(std::string_view text) {
+    const auto byteAt = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
+    const uint8_t first = byteAt(0);
+    const Character latin1{first, 1, false};
+    if (first < 0x80) return {first, 1, true};
+    const size_t size = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
+    if (first < 0xC2 || first > 0xF4 || text.size() < size) return latin1;
+    uint32_t code = first & (0x7Fu >> size);
+    for (size_t i = 1; i < size; ++i) {
+        if ((byteAt(i) & 0xC0) != 0x80) return latin1;
+        code = code << 6 | (byteAt(i) & 0x3Fu);
+    }
+    const bool isOverlong = (size == 3 && code < 0x800) || (size == 4 && code < 0x10000);
+    if (isOverlong || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) return latin1;
+    return {code, size, true};
+}
+
+bool IsBreak(uint32_t code) { return code == '\t' || code == '\n' || code == '\r'; }
+
+// C0, DEL, C1, and the marks that turn, hide or break a line on a terminal.
+bool IsControl(uint32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x061C ||
+           (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
+}
+
+void AppendUtf8(std::string& out, uint32_t code) {
+    if (code < 0x80) {
+        out += static_cast<char>(code);
+        return;
+    }
+    const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    constexpr uint8_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
+    out += static_cast<char>(kLead[more] | code >> (6 * more));
+    for (int i = more - 1; i >= 0; --i) out += static_cast<char>(0x80 | (code >> (6 * i) & 0x3F));
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const Character next = NextCharacter(text);
+        if (!next.isUtf8) return false;
+        text.remove_prefix(next.bytes);
+    }
+    return true;
+}
+
+std::string_view WithoutZeroEnd(std::string_view bytes) {
+    while (!bytes.empty() && bytes.back() == '\0') bytes.remove_suffix(1);
+    return bytes;
+}
+
+}  // namespace
+
+std::string PlainText(std::string_view bytes, Breaks breaks) {
+    std::string out;
+    bool spaceDue = false;
+    for (size_t i = 0; i < bytes.size();) {
+        const Character next = NextCharacter(bytes.substr(i));
+        i += next.bytes;
+        const bool isCrLf = next.code == '\r' && i < bytes.size() && bytes[i] == '\n';
+        if (breaks == Breaks::kKeep && isCrLf) continue;
+        if (breaks == Breaks::kKeep && (next.code == '\n' || next.code == '\t')) {
+            out += static_cast<char>(next.code);
+        } else if (breaks == Breaks::kFold && IsBreak(next.code)) {
+            spaceDue = true;
+        } else {
+            if (spaceDue && !out.empty()) out += ' ';
+            spaceDue = false;
+            AppendUtf8(out, IsControl(next.code) ? kReplacement : next.code);
+        }
+    }
+    return out;
+}
+
+std::string DeviceText(std::string_view bytes, int64_t characterSet) {
+    constexpr std::string_view kBlanks(" \t\r\n\0", 5);
+    const size_t start = std::min(bytes.find_first_not_of(kBlanks), bytes.size());
+    bytes = bytes.substr(start, bytes.find_last_not_of(kBlanks) + 1 - start);
+    constexpr int64_t kLatin1 = 4;
+    if (characterSet != kLatin1 && IsUtf8(bytes)) return PlainText(bytes);
+    std::string utf8;
+    for (const char byte : bytes) AppendUtf8(utf8, static_cast<uint8_t>(byte));
+    return PlainText(utf8);
+}
+
+bool IsPrintable(std::string_view bytes) {
+    const bool isEmpty = bytes.empty();
+    bytes = WithoutZeroEnd(bytes);
+    if (bytes.empty() && !isEmpty) return false;  // zero bytes alone would be shown as nothing
+    bool isUtf8 = true;
+    size_t ascii = 0;
+    for (size_t i = 0; i < bytes.size();) {
+        const Character next = NextCharacter(bytes.substr(i));
+        if (IsControl(next.code) && !IsBreak(next.code)) return false;
+        isUtf8 = isUtf8 && next.isUtf8;
+        ascii += next.code < 0x80 ? 1 : 0;
+        i += next.bytes;
+    }
+    // A hardware address may consist of bytes that all are Latin-1 letters; a text has more ASCII
+    // than that.
+    return isUtf8 || ascii * 2 > bytes.size();
+}
+
+std::string HexText(std::string_view bytes, std::string_view separator) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string out;
+    for (const char byte : bytes) {
+        if (!out.empty()) out += separator;
+        out += kDigits[static_cast<uint8_t>(byte) >> 4];
+        out += kDigits[byte & 0x0F];
+    }
+    return out;
+}
+
+std::string ShownValue(std::string_view bytes) {
+    if (IsPrintable(bytes)) return PlainText(WithoutZeroEnd(bytes));
+    return "0x" + HexText(bytes, "");
+}
+
+std::string SpacedWords(std::string_view word) {
+    std::string out;
+    for (size_t i = 0; i < word.size(); ++i) {
+        const bool isUpper = word[i] >= 'A' && word[i] <= 'Z';
+        const bool startsWord = isUpper && i > 0 && word[i - 1] >= 'a' && word[i - 1] <= 'z';
+        if (startsWord) out += ' ';
+        const bool isAbbreviation = i + 1 < word.size() && word[i + 1] >= 'A' && word[i + 1] <= 'Z';
+        out += startsWord && !isAbbreviation ? static_cast<char>(word[i] | 0x20) : word[i];
+    }
+    return out;
+}
+
+std::string Padded(std::string_view text, size_t width) {
+    size_t characters = 0;
+    for (const char byte : text) characters += (byte & 0xC0) != 0x80 ? 1 : 0;
+    std::string out(text);
+    if (characters < width) out.append(width - characters, ' ');
+    return out;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,57 @@
+// Management values: from raw bytes to what a person or a program reads, and from the command line
+// to raw bytes.
+#ifndef VNDISCOVER_HOST_VALUES_VALUE_TEXT_H
+#define VNDISCOVER_HOST_VALUES_VALUE_TEXT_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "values/module_types.h"
+
+namespace vndiscover::host {
+
+// "INTEGER", "OCTET STRING", ...; "type 0x47" for a tag that SNMP does not have.
+std::string TypeName(uint32_t type);
+
+// Answers that carry no value: what a device sends for a variable that it does not have.
+bool IsNoValue(uint32_t type);
+
+// The content of a value as a version-1 answer delivers it. The module reads one-byte lengths, so
+// an OCTET STRING of more than 127 bytes arrives as 129 bytes: its true length and its first 128
+// bytes.
+struct Content {
+    std::string bytes;
+    size_t wholeSize;  // the device's own count; more than bytes.size(): the rest did not come
+};
+Content ContentOf(uint32_t type, std::string_view raw);
+
+// The decimal number of an INTEGER (signed), Counter, Gauge, TimeTicks or Counter64; empty for
+// other types and for contents that are no such number.
+std::optional<std::string> NumberText(uint32_t type, std::string_view bytes);
+
+// The number of an INTEGER, or of one of the unsigned types; empty for contents that are none.
+std::optional<int64_t> SignedNumber(std::string_view bytes);
+std::optional<uint64_t> UnsignedNumber(std::string_view bytes);
+
+// Hundredths of a second as days and time of day: "1 day, 2:03:04.05".
+std::string TickText(uint64_t ticks);
+
+// One line for a person, without the type: "1", "text", "00 1B 44", ".1.3.6.1", "12345
+// (0:02:03.45)".
+std::string FormatValue(uint32_t type, std::string_view bytes);
+
+struct SetValue {
+    uint32_t type;
+    std::string bytes;
+};
+// `type` is a word or its letter: integer (i), string (s), ... Empty, with `problem` saying why,
+// when there is no such type, the text is no such value, or it is longer than the 126 bytes of a
+// request.
+std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text,
+                                      std::string& problem);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_VALUES_VALUE_TEXT_H

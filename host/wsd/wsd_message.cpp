@@ -1,0 +1,248 @@
+// A Probe, and the reply that answers it (whitespace added; the prefixes are the sender's choice):
+//     <s:Envelope>
+//       <s:Header> a:Action, a:MessageID, a:To (Probe) or a:RelatesTo (reply) </s:Header>
+//       <s:Body>
+//         <d:Probe> <d:Types>wsdp:Device</d:Types> </d:Probe>
+//         <d:ProbeMatches> <d:ProbeMatch>
+//             <a:EndpointReference><a:Address>urn:uuid:...</a:Address></a:EndpointReference>
+//             <d:Types>wsdp:Device wprt:PrintDeviceType</d:Types>
+//             <d:XAddrs>http://192.168.1.20:5357/...</d:XAddrs> ...
+#include "wsd/wsd_message.h"
+
+#include <cjson/cJSON.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <pugixml.hpp>
+#include <random>
+
+#include "values/json_output.h"
+#include "values/plain_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr char kSoap[] = "http://www.w3.org/2003/05/soap-envelope";
+constexpr char kAddressing[] = "http://schemas.xmlsoap.org/ws/2004/08/addressing";
+constexpr char kAddressing10[] = "http://www.w3.org/2005/08/addressing";
+constexpr char kDiscovery[] = "http://schemas.xmlsoap.org/ws/2005/04/discovery";
+constexpr char kDiscovery11[] = "http://docs.oasis-open.org/ws-dd/ns/discovery/2009/01";
+
+struct Prefix {
+    std::string_view prefix;
+    std::string_view uri;
+};
+constexpr Prefix kPrefixes[] = {
+    {"wsdp", "http://schemas.xmlsoap.org/ws/2006/02/devprof"},
+    {"wprt", "http://schemas.microsoft.com/windows/2006/08/wdp/print"},
+    {"wscn", "http://schemas.microsoft.com/windows/2006/08/wdp/scan"},
+    {"pub", "http://schemas.microsoft.com/windows/pub/2005/07"},
+};
+
+const Prefix* FindPrefix(std::string_view prefix) {
+    const auto* found = std::find_if(std::begin(kPrefixes), std::end(kPrefixes),
+                                     [&](const Prefix& known) { return known.prefix == prefix; });
+    return found == std::end(kPrefixes) ? nullptr : found;
+}
+
+bool IsName(std::string_view name) {
+    const auto isNameCharacter = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '_' || c == '-' || c == '.';
+    };
+    return !name.empty() && std::all_of(name.begin(), name.end(), isNameCharacter);
+}
+
+std::vector<std::string> Words(std::string_view text, std::string_view separators) {
+    std::vector<std::string> words;
+    while (true) {
+        const size_t start = text.find_first_not_of(separators);
+        if (start == std::string_view::npos) return words;
+        text.remove_prefix(start);
+        const size_t end = std::min(text.find_first_of(separators), text.size());
+        words.emplace_back(text.substr(0, end));
+        text.remove_prefix(end);
+    }
+}
+
+struct QName {
+    std::string_view prefix;
+    std::string_view local;
+};
+QName Split(std::string_view name) {
+    const size_t colon = name.find(':');
+    if (colon == std::string_view::npos) return {{}, name};
+    return {name.substr(0, colon), name.substr(colon + 1)};
+}
+
+// What a prefix means at a place: the nearest declaration around it. The parser itself knows no
+// namespaces.
+std::string_view NamespaceOf(pugi::xml_node at, std::string_view prefix) {
+    const std::string declaration = prefix.empty() ? "xmlns" : "xmlns:" + std::string(prefix);
+    for (pugi::xml_node node = at; node; node = node.parent()) {
+        if (const pugi::xml_attribute found = node.attribute(declaration.c_str()))
+            return found.value();
+    }
+    return {};
+}
+
+bool Is(pugi::xml_node node, std::string_view local,
+        std::initializer_list<const char*> namespaces) {
+    const QName name = Split(node.name());
+    if (name.local != local) return false;
+    const std::string_view uri = NamespaceOf(node, name.prefix);
+    return std::any_of(namespaces.begin(), namespaces.end(),
+                       [&](const char* one) { return uri == one; });
+}
+
+pugi::xml_node Child(pugi::xml_node parent, std::string_view local,
+                     std::initializer_list<const char*> namespaces) {
+    for (const pugi::xml_node child : parent.children()) {
+        if (Is(child, local, namespaces)) return child;
+    }
+    return {};
+}
+
+std::string ShownType(pugi::xml_node at, const std::string& word) {
+    const QName name = Split(word);
+    const std::string_view uri = NamespaceOf(at, name.prefix);
+    for (const Prefix& known : kPrefixes) {
+        if (known.uri == uri) return std::string(known.prefix) + ":" + PlainText(name.local);
+    }
+    if (uri.empty()) return PlainText(word);
+    return "{" + PlainText(uri) + "}" + PlainText(name.local);
+}
+
+ProbeMatch ReadMatch(pugi::xml_node node) {
+    constexpr char kSpace[] = " \t\r\n";
+    ProbeMatch match;
+    const auto endpoint = Child(node, "EndpointReference", {kAddressing, kAddressing10});
+    match.endpoint =
+        PlainText(Child(endpoint, "Address", {kAddressing, kAddressing10}).text().get());
+    const auto types = Child(node, "Types", {kDiscovery, kDiscovery11});
+    for (const std::string& word : Words(types.text().get(), kSpace)) {
+        match.types.push_back(ShownType(types, word));
+    }
+    const auto xAddrs = Child(node, "XAddrs", {kDiscovery, kDiscovery11});
+    for (const std::string& word : Words(xAddrs.text().get(), kSpace))
+        match.xAddrs.push_back(PlainText(word));
+    return match;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    return text;
+}
+
+}  // namespace
+
+std::optional<std::string> CheckTypes(std::string_view text, std::string& problem) {
+    const std::vector<std::string> words = Words(text, " ,");
+    for (const std::string& word : words) {
+        const QName name = Split(word);
+        if (FindPrefix(name.prefix) && IsName(name.local)) continue;
+        problem = "'" + word + "' is no type; prefixes: wsdp, wprt, wscn, pub";
+        return std::nullopt;
+    }
+    return Joined(words);
+}
+
+std::string BuildProbe(const std::string& types, const std::string& messageId) {
+    std::string declarations;
+    for (const Prefix& known : kPrefixes) {
+        if (types.find(std::string(known.prefix) + ":") == std::string::npos) continue;
+        declarations +=
+            " xmlns:" + std::string(known.prefix) + "=\"" + std::string(known.uri) + "\"";
+    }
+    const std::string discovery = kDiscovery;
+    return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<soap:Envelope xmlns:soap=\"" +
+           std::string(kSoap) + "\" xmlns:wsa=\"" + kAddressing + "\" xmlns:wsd=\"" + discovery +
+           "\"" + declarations + ">" +
+           "<soap:Header><wsa:To>urn:schemas-xmlsoap-org:ws:2005:04:discovery</"
+           "wsa:To><wsa:Action>" +
+           discovery + "/Probe</wsa:Action><wsa:MessageID>urn:uuid:" + messageId +
+           "</wsa:MessageID></soap:Header><soap:Body><wsd:Probe>" +
+           (types.empty() ? "" : "<wsd:Types>" + types + "</wsd:Types>") +
+           "</wsd:Probe></soap:Body></soap:Envelope>";
+}
+
+std::string NewUuid() {
+    std::random_device random;
+    uint32_t part[4];
+    for (uint32_t& value : part) value = random();
+    part[1] = (part[1] & 0xFFFF0FFF) | 0x4000;      // version: random
+    part[2] = (part[2] & 0x3FFFFFFF) | 0x80000000;  // variant
+    char text[37];
+    std::snprintf(text, sizeof text, "%08x-%04x-%04x-%04x-%04x%08x", static_cast<unsigned>(part[0]),
+                  static_cast<unsigned>(part[1] >> 16), static_cast<unsigned>(part[1] & 0xFFFF),
+                  static_cast<unsigned>(part[2] >> 16), static_cast<unsigned>(part[2] & 0xFFFF),
+                  static_cast<unsigned>(part[3]));
+    return text;
+}
+
+std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply) {
+    std::vector<ProbeMatch> matches;
+    pugi::xml_document document;
+    // A reply ends at its first zero byte. One that is cut is not well-formed: nothing of it is
+    // shown as read.
+    if (!document.load_buffer(reply.data(), reply.size())) return matches;
+    const auto body = Child(Child(document, "Envelope", {kSoap}), "Body", {kSoap});
+    const auto list = Child(body, "ProbeMatches", {kDiscovery, kDiscovery11});
+    for (const pugi::xml_node child : list.children()) {
+        if (Is(child, "ProbeMatch", {kDiscovery, kDiscovery11}))
+            matches.push_back(ReadMatch(child));
+    }
+    return matches;
+}
+
+void MatchList::Add(const std::string& address, std::string_view reply) {
+    const std::vector<ProbeMatch> matches = ReadProbeMatches(reply);
+    for (const ProbeMatch& match : matches) AddMatch(address, match);
+    if (matches.empty()) AddMatch(address, ProbeMatch());
+}
+
+void MatchList::AddMatch(const std::string& address, const ProbeMatch& match) {
+    for (Entry& entry : entries_) {
+        if (entry.address != address || entry.match.endpoint != match.endpoint) continue;
+        ++entry.count;
+        return;
+    }
+    entries_.push_back({address, match, 1});
+}
+
+std::string MatchList::Table() const {
+    constexpr size_t kAddressWidth = 17;
+    std::string text;
+    for (const Entry& entry : entries_) {
+        const auto line = [&](const std::string& first, const std::string& value) {
+            if (!value.empty()) text += Padded(first, kAddressWidth) + value + "\n";
+        };
+        const ProbeMatch& match = entry.match;
+        const std::string types = match.types.empty() ? "(no types)" : Joined(match.types);
+        const bool isUnread = match.endpoint.empty() && match.types.empty() && match.xAddrs.empty();
+        line(PlainText(entry.address),
+             isUnread ? "(a reply that is no ProbeMatches: see --raw)" : types);
+        for (const std::string& xAddr : match.xAddrs) line("", xAddr);
+        line("", match.endpoint);
+        if (entry.count > 1) line("", "(" + std::to_string(entry.count) + " replies)");
+    }
+    return text;
+}
+
+std::string MatchList::Json() const {
+    JsonArray list;
+    for (const Entry& entry : entries_) {
+        JsonItem item(cJSON_CreateObject());
+        AddText(item.get(), "address", entry.address);
+        AddText(item.get(), "endpoint", entry.match.endpoint);
+        AddTexts(item.get(), "types", entry.match.types);
+        AddTexts(item.get(), "xAddrs", entry.match.xAddrs);
+        cJSON_AddNumberToObject(item.get(), "replies", static_cast<double>(entry.count));
+        list.Add(item.get());
+    }
+    return list.Finish();
+}
+
+}  // namespace vndiscover::host

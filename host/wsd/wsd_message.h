@@ -1,0 +1,57 @@
+// WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it hands
+// back unread.
+#ifndef VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
+#define VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vndiscover::host {
+
+// Types as the command line gives them, separated by spaces or commas: a known prefix (wsdp, wprt,
+// wscn, pub) and a name. Empty, with `problem`: an unknown prefix, or characters that no name has.
+// No types at all ask for every device.
+std::optional<std::string> CheckTypes(std::string_view text, std::string& problem);
+
+// A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` comes from CheckTypes, `messageId` is a
+// UUID.
+std::string BuildProbe(const std::string& types, const std::string& messageId);
+
+// A random UUID (version 4) as text.
+std::string NewUuid();
+
+// One device of a reply, as plain text: nothing in it can disturb a terminal.
+struct ProbeMatch {
+    std::string endpoint;
+    std::vector<std::string>
+        types;  // with the usual prefix where the namespace is known, else "{namespace}name"
+    std::vector<std::string> xAddrs;
+};
+
+// Empty for a text that is no well-formed ProbeMatches message, of WS-Discovery 2005/04 or 1.1.
+std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply);
+
+// The devices of one sweep. A device answers once for each adapter that its probe reached it from.
+class MatchList {
+  public:
+    struct Entry {
+        std::string address;
+        ProbeMatch match;  // all empty: the reply could not be read
+        size_t count;
+    };
+    void Add(const std::string& address, std::string_view reply);
+    const std::vector<Entry>& Entries() const { return entries_; }
+    std::string Table() const;
+    std::string Json() const;
+
+  private:
+    void AddMatch(const std::string& address, const ProbeMatch& match);
+    std::vector<Entry> entries_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WSD_WSD_MESSAGE_H

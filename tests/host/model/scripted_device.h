@@ -1,0 +1,54 @@
+// A device of the tests: a table of variables that answers as an SNMPv1 agent does.
+#ifndef VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H
+#define VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "model/printer_reader.h"
+#include "values/object_names.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+
+struct ScriptedDevice {
+    std::map<Oid, std::pair<uint32_t, std::string>> variables;
+    // What happens to a request instead; empty or kAnswered: nothing.
+    std::function<Status(const Oid&)> failure;
+    size_t requests = 0;
+
+    void Text(const char* name, std::string text) {
+        variables[*ParseOidOrName(name)] = {kOctetString, std::move(text)};
+    }
+    void Integer(const char* name, int number) {
+        std::string problem;
+        variables[*ParseOidOrName(name)] = {
+            kInteger, ParseSetValue("i", std::to_string(number), problem)->bytes};
+    }
+    void Object(const char* name, const char* oid) {
+        variables[*ParseOidOrName(name)] = {kObjectIdentifier, EncodeOid(*ParseOid(oid))};
+    }
+
+    Asker MakeAsker() {
+        Asker asker;
+        asker.getNext = [this](const Oid& oid) {
+            return Answered(oid, variables.upper_bound(oid));
+        };
+        return asker;
+    }
+
+  private:
+    Answer Answered(const Oid& asked, decltype(variables)::const_iterator found) {
+        ++requests;
+        const Status status = failure ? failure(asked) : Status::kAnswered;
+        if (status != Status::kAnswered) return Failed(status, asked);
+        if (found == variables.end()) return AnsweredWith(asked, kNull, "");
+        return AnsweredWith(found->first, found->second.first, found->second.second);
+    }
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H

@@ -1,0 +1,66 @@
+"""vndiscover.exe printer with a real agent that has a full Printer MIB."""
+
+import json
+import subprocess
+import unittest
+
+from lab import AGENT, SCRIPTS, main, run
+
+AGENT6 = "fe80::1:2"
+V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
+SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
+AGENT_CONF = """
+agentAddress udp:161,udp6:161
+rocommunity sesame
+rocommunity6 sesame
+createUser admin SHA-256 authpass1 AES privpass1
+rouser admin priv
+"""
+
+
+class Printers(unittest.TestCase):
+    def test_every_protocol_gives_the_same_report(self):
+        reports = []
+        for arguments in ([AGENT], [AGENT6], [AGENT, *V3]):
+            code, out, err = run("printer", *arguments, "--format", "json", **SECRETS)
+            self.assertEqual((0, ""), (code, err))
+            report = json.loads(out)
+            self.assertEqual(arguments[0], report.pop("host"))
+            self.assertGreater(report.pop("upTicks"), 0)
+            reports.append(report)
+        self.assertEqual(reports[0], reports[1])
+        self.assertEqual(reports[0], reports[2])
+        report = reports[0]
+        links = json.loads(subprocess.run(["ip", "-n", "neta", "-json", "link", "show", "eth0"], check=True,
+                                          capture_output=True).stdout)
+        self.assertEqual(links[0]["address"].upper(), report["macAddress"])
+        self.assertEqual(5, report["deviceIndex"])
+        self.assertEqual(("warning", "idle"), (report["deviceStatus"], report["printerStatus"]))
+        self.assertEqual([30, 62, None, 100, 80], [supply["percent"] for supply in report["supplies"]])
+        self.assertEqual([], report["notRead"])
+
+    def test_a_person_can_read_it(self):
+        code, out, _ = run("printer", AGENT)
+        self.assertEqual(0, code)
+        for line in (
+                "Serial number  VN410-0042917\n", "Errors         low paper, door open\n",
+                "Alerts         critical: Door A is open (cover, cover open), for 0:",
+                "Supplies       Toner cartridge T410  [######..............]  30 % (3000 of 10000 impressions), black ",
+                "Waste toner box W410  [################....]  room left: 80 %, waste toner\n",
+                "Tray 2 (\u00dcberformat)  "):
+            self.assertIn(line, out)
+
+    def test_silence_and_refusal_cost_one_request(self):
+        code, out, err = run("printer", AGENT, "--community", "wrong")
+        self.assertEqual((1, ""), (code, out))
+        self.assertIn("no answer", err)
+        wrong = {**SECRETS, "VNDISCOVER_AUTH_PASS": "wrongpass"}
+        code, out, err = run("printer", AGENT, *V3, "--format", "json", **wrong)
+        self.assertEqual(1, code)
+        self.assertIn("wrong authentication password", err)
+        self.assertIn("wrong authentication password", json.loads(out)["notRead"][0]["reason"])
+
+
+if __name__ == "__main__":
+    with open(SCRIPTS + "/laserpro-410.conf", encoding="utf-8") as file:
+        main(AGENT_CONF + file.read())
