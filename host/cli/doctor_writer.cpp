@@ -94,8 +94,7 @@ const char* OutcomeText(Outcome outcome) {
 
 void AddRung(Lines& lines, const char* label, const Rung& rung) {
     const std::string outcome = OutcomeText(rung.outcome);
-    const bool addsDetail = rung.outcome == Outcome::kRefused || rung.outcome == Outcome::kSilent;
-    lines.Add(label, addsDetail && rung.detail != outcome ? outcome + ": " + rung.detail : outcome);
+    lines.Add(label, rung.detail.empty() ? outcome : outcome + ": " + rung.detail);
 }
 
 void AddPlanJson(cJSON* root, const char* name, const SweepPlan& plan) {
