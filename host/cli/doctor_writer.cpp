@@ -153,7 +153,7 @@ std::string ComputerText(const ComputerReport& report) {
     for (const std::string& note : report.notes) lines.Add("Notes", note);
     for (const std::string& cause : report.causes) lines.Add("Verdict", cause);
     if (report.causes.empty())
-        lines.Add("Verdict", "nothing seen here keeps an IPv4 sweep from finding devices");
+        lines.Add("Verdict", "nothing seen here keeps a sweep from finding devices");
     return lines.Text();
 }
 

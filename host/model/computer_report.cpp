@@ -129,12 +129,11 @@ std::string DetourNote(const SweepPlan& plan) {
 
 void AddFirewall(ComputerReport& report) {
     for (const PortVerdict& verdict : report.firewall.ports) {
-        const std::string firewall = "the firewall (" + verdict.profile + " profile) ";
-        const std::string answers = "answers from UDP port " + std::to_string(verdict.port);
-        if (verdict.passage == Passage::kClosed)
-            report.causes.push_back(firewall + "keeps " + answers + " out: " + verdict.reason);
-        if (verdict.passage == Passage::kBrief)
-            report.notes.push_back(firewall + "and " + answers + ": " + verdict.reason);
+        if (verdict.passage == Passage::kOpen) continue;
+        std::string sentence =
+            "the firewall, " + verdict.profile + " profile, and answers from UDP ";
+        sentence += std::to_string(verdict.port) + ": " + verdict.reason;
+        (verdict.passage == Passage::kClosed ? report.causes : report.notes).push_back(sentence);
     }
 }
 
@@ -173,7 +172,7 @@ ComputerReport ReportOn(const Computer& computer) {
     if (report.routes[0].source.empty())
         report.causes.push_back("no route for the broadcast: requests may not leave");
     if (report.routes[1].source.empty())
-        report.notes.push_back("no route for the multicast: WS-Discovery probes may not leave");
+        report.causes.push_back("no route for the multicast: WS-Discovery probes may not leave");
     report.firewall = JudgeFirewall(computer.Firewall(), computer.ProgramPath());
     AddFirewall(report);
     report.log = computer.Log();

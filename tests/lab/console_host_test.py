@@ -22,7 +22,7 @@ class Usage(unittest.TestCase):
                 self.assertIn("--help'", err)
 
     def test_help_names_examples_and_exit_codes(self):
-        for command in ("sweep", "get", "set", "walk", "printer", "wsd"):
+        for command in ("sweep", "get", "set", "walk", "printer", "wsd", "doctor"):
             code, out, _ = run(command, "--help")
             self.assertEqual(0, code)
             self.assertIn("Exit codes: 0", out)
