@@ -17,8 +17,8 @@ in its order, the routes of its broadcast and multicast, whether the Windows
 firewall lets answers in, and the log switches.
 
 With HOST the device gets one ping, one SNMPv1 request with this community, the
-SNMPv3 engine discovery and one SNMPv3 request with this user, 16 s at most; both
-requests ask for what follows sysDescr.0.
+SNMPv3 engine discovery and one SNMPv3 request with this user, if there is one;
+both requests ask for what follows sysDescr.0. It takes 20 s at most.
 
 Examples:
   vndiscover doctor
@@ -60,10 +60,12 @@ void AddDoctorCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<DeviceOptions>();
     CLI::App* command = AddDeviceCommand(
         app, "doctor", "Find out why no device, or this one, answers", kExamples, *options);
-    command->get_option("HOST")->required(false)->description(
-        "Address of the device [this computer alone]");
+    CLI::Option* host = command->get_option("HOST");
+    host->required(false)->description("Address of the device [this computer alone]");
+    command->get_option("--community")->needs(host);
     // Both protocols are asked, so a community goes with a user.
     AddV3Options(*command, options->v3);
+    command->get_option("--v3")->needs(host)->description("Also ask as this SNMPv3 user; needs -u");
     command->callback([options, &exitCode] {
         exitCode = options->host.empty() ? RunOnComputer(*options) : RunOnHost(*options);
     });

@@ -94,8 +94,7 @@ const char* OutcomeText(Outcome outcome) {
 
 void AddRung(Lines& lines, const char* label, const Rung& rung) {
     const std::string outcome = OutcomeText(rung.outcome);
-    const bool addsDetail = rung.outcome == Outcome::kRefused || rung.outcome == Outcome::kSilent;
-    lines.Add(label, addsDetail && rung.detail != outcome ? outcome + ": " + rung.detail : outcome);
+    lines.Add(label, rung.detail.empty() ? outcome : outcome + ": " + rung.detail);
 }
 
 void AddPlanJson(cJSON* root, const char* name, const SweepPlan& plan) {
@@ -154,7 +153,7 @@ std::string ComputerText(const ComputerReport& report) {
     for (const std::string& note : report.notes) lines.Add("Notes", note);
     for (const std::string& cause : report.causes) lines.Add("Verdict", cause);
     if (report.causes.empty())
-        lines.Add("Verdict", "nothing seen here keeps an IPv4 sweep from finding devices");
+        lines.Add("Verdict", "nothing seen here keeps a sweep from finding devices");
     return lines.Text();
 }
 

@@ -11,7 +11,8 @@ namespace {
 
 constexpr unsigned kSilenceSeconds = 2;  // that end the wait for answers to one request
 constexpr size_t kMaxIPv6Addresses = 32;
-constexpr const char* kTargets[] = {"255.255.255.255", "239.255.255.250"};
+constexpr char kBroadcast[] = "255.255.255.255";
+constexpr char kMulticast[] = "239.255.255.250";  // of WS-Discovery
 
 std::string Lower(std::string_view text) {
     std::string lower;
@@ -128,12 +129,11 @@ std::string DetourNote(const SweepPlan& plan) {
 
 void AddFirewall(ComputerReport& report) {
     for (const PortVerdict& verdict : report.firewall.ports) {
-        const std::string firewall = "the firewall (" + verdict.profile + " profile) ";
-        const std::string answers = "answers from UDP port " + std::to_string(verdict.port);
-        if (verdict.passage == Passage::kClosed)
-            report.causes.push_back(firewall + "keeps " + answers + " out: " + verdict.reason);
-        if (verdict.passage == Passage::kBrief)
-            report.notes.push_back(firewall + "and " + answers + ": " + verdict.reason);
+        if (verdict.passage == Passage::kOpen) continue;
+        std::string sentence =
+            "the firewall, " + verdict.profile + " profile, and answers from UDP ";
+        sentence += std::to_string(verdict.port) + ": " + verdict.reason;
+        (verdict.passage == Passage::kClosed ? report.causes : report.notes).push_back(sentence);
     }
 }
 
@@ -168,12 +168,11 @@ ComputerReport ReportOn(const Computer& computer) {
             "no adapter that is up has an IPv6 link-local address: no IPv6 sweep is sent");
     }
     AddIf(report.notes, DetourNote(report.ipv4));
-    for (const char* target : kTargets) {
-        report.routes.push_back(computer.RouteTo(target));
-        if (report.routes.back().source.empty())
-            report.causes.push_back(std::string("no route to ") + target +
-                                    ": requests may not leave");
-    }
+    report.routes = {computer.RouteTo(kBroadcast), computer.RouteTo(kMulticast)};
+    if (report.routes[0].source.empty())
+        report.causes.push_back("no route for the broadcast: requests may not leave");
+    if (report.routes[1].source.empty())
+        report.causes.push_back("no route for the multicast: WS-Discovery probes may not leave");
     report.firewall = JudgeFirewall(computer.Firewall(), computer.ProgramPath());
     AddFirewall(report);
     report.log = computer.Log();

@@ -30,7 +30,7 @@ struct ComputerReport {
     std::vector<Route> routes;  // of the broadcast, and of the WS-Discovery multicast
     FirewallReport firewall;
     LogSwitches log;
-    // Sentences. A cause alone can keep an IPv4 sweep from finding anything.
+    // Sentences. A cause alone can keep an IPv4 sweep, or WS-Discovery, from finding anything.
     std::vector<std::string> causes, notes;
 };
 

@@ -15,17 +15,16 @@ Rung RungOf(const Answer& answer) {
         case Status::kUnreadable:
             return {Outcome::kAnswered, ""};
         case Status::kSendFailed:
-            return {Outcome::kNotSent, Problem(answer)};
+            return {Outcome::kNotSent, ""};
         case Status::kRefused:
             return {Outcome::kRefused, answer.note};
         case Status::kOnlyDiscovered:
             return {Outcome::kSilent,
-                    "no answer that can be read: a wrong privacy password, or the device drops "
-                    "what it refuses"};
+                    "a wrong privacy password, or a device that drops what it refuses"};
         case Status::kNoAnswer:
             break;
     }
-    return {Outcome::kSilent, "no answer"};
+    return {Outcome::kSilent, ""};
 }
 
 bool Answers(const Rung& rung) { return rung.outcome == Outcome::kAnswered; }
@@ -76,7 +75,7 @@ const char* Cause(const HostLadder& ladder) {
 
 HostLadder Climb(const LadderSteps& steps) {
     HostLadder ladder;
-    ladder.ping = steps.ping() ? Rung{Outcome::kAnswered, ""} : Rung{Outcome::kSilent, "no answer"};
+    ladder.ping = steps.ping() ? Rung{Outcome::kAnswered, ""} : Rung{Outcome::kSilent, ""};
     ladder.v1 = RungOf(steps.v1.getNext(kSysDescr));
     const Answer answer = steps.v3.getNext(kSysDescr);
     const bool isDiscovered =
@@ -101,7 +100,7 @@ std::string VerdictOn(const HostLadder& ladder) {
     if (ladder.user.outcome == Outcome::kRefused)
         verdict += "; SNMPv3 refuses this user: " + ladder.user.detail;
     if (ladder.user.outcome == Outcome::kSilent)
-        verdict += "; SNMPv3 with this user gives " + ladder.user.detail;
+        verdict += "; SNMPv3 with this user gets no answer that can be read: " + ladder.user.detail;
     return verdict;
 }
 

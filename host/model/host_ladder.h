@@ -12,7 +12,7 @@ namespace vndiscover::host {
 enum class Outcome {
     kNotAsked,
     kAnswered,
-    kSilent,
+    kSilent,   // detail may say why
     kRefused,  // detail says why
     kNotSent,
 };

@@ -21,6 +21,7 @@ constexpr IID kRuleId = {
     0xAF230D27, 0xBABA, 0x4E42, {0xAC, 0xED, 0xF5, 0x24, 0xF2, 0x2C, 0xFC, 0xE2}};
 constexpr IID kEnumVariantId = {
     0x00020404, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+constexpr IID kNoId = {};  // IID_NULL
 constexpr LONG kAnyProtocol = 256;
 constexpr LONG kUdp = 17;
 
@@ -37,6 +38,7 @@ class Owned {
     Interface** Receive() { return &object_; }
     void** ReceiveVoid() { return reinterpret_cast<void**>(&object_); }
     Interface* operator->() const { return object_; }
+    Interface& operator*() const { return *object_; }
     explicit operator bool() const { return object_ != nullptr; }
 
   private:
@@ -58,13 +60,32 @@ class Apartment {
 
 using TextGetter = HRESULT (STDMETHODCALLTYPE INetFwRule::*)(BSTR*);
 
-// False: the rule does not tell. A missing text is empty.
-bool Read(INetFwRule& rule, TextGetter getter, std::wstring& text) {
+// Empty: none, or not for a rule of this kind.
+std::wstring Text(INetFwRule& rule, TextGetter getter) {
     BSTR value = nullptr;
-    const bool isRead = SUCCEEDED((rule.*getter)(&value));
-    if (value) text.assign(value, SysStringLen(value));
+    std::wstring text;
+    if (SUCCEEDED((rule.*getter)(&value)) && value) text.assign(value, SysStringLen(value));
     SysFreeString(value);
-    return isRead;
+    return text;
+}
+
+// A property that only newer systems have, by its name.
+std::wstring Text(IDispatch& object, const wchar_t* name) {
+    DISPID id = 0;
+    std::wstring nameText(name);
+    LPOLESTR names[] = {nameText.data()};
+    if (FAILED(object.GetIDsOfNames(kNoId, names, 1, LOCALE_INVARIANT, &id))) return L"";
+    VARIANT value;
+    VariantInit(&value);
+    DISPPARAMS none = {};
+    std::wstring text;
+    if (SUCCEEDED(object.Invoke(id, kNoId, LOCALE_INVARIANT, DISPATCH_PROPERTYGET, &none, &value,
+                                nullptr, nullptr)) &&
+        value.vt == VT_BSTR && value.bstrVal) {
+        text.assign(value.bstrVal, SysStringLen(value.bstrVal));
+    }
+    VariantClear(&value);
+    return text;
 }
 
 bool IsAny(const std::wstring& text) { return text.empty() || text == L"*" || text == L"All"; }
@@ -100,31 +121,31 @@ bool IsConcerned(INetFwRule& rule) {
            (protocol == kUdp || protocol == kAnyProtocol);
 }
 
-bool HasLimits(INetFwRule& rule) {
-    std::wstring service, localPorts, localAddresses, remoteAddresses, interfaces;
-    return !Read(rule, &INetFwRule::get_ServiceName, service) || !service.empty() ||
-           !Read(rule, &INetFwRule::get_LocalPorts, localPorts) || !IsAny(localPorts) ||
-           !Read(rule, &INetFwRule::get_LocalAddresses, localAddresses) || !IsAny(localAddresses) ||
-           !Read(rule, &INetFwRule::get_RemoteAddresses, remoteAddresses) ||
-           (!IsAny(remoteAddresses) && remoteAddresses != L"LocalSubnet") ||
-           !Read(rule, &INetFwRule::get_InterfaceTypes, interfaces) || !IsAny(interfaces);
+// Rules of packaged apps name no program, but a package: they are for that one alone.
+bool HasLimits(INetFwRule& rule, IDispatch& dispatch) {
+    const std::wstring remote = Text(rule, &INetFwRule::get_RemoteAddresses);
+    return !Text(rule, &INetFwRule::get_ServiceName).empty() ||
+           !Text(dispatch, L"LocalAppPackageId").empty() ||
+           !Text(dispatch, L"LocalUserAuthorizedList").empty() ||
+           !IsAny(Text(rule, &INetFwRule::get_LocalPorts)) ||
+           !IsAny(Text(rule, &INetFwRule::get_LocalAddresses)) ||
+           !IsAny(Text(rule, &INetFwRule::get_InterfaceTypes)) ||
+           (!IsAny(remote) && remote != L"LocalSubnet");
 }
 
-void AddRule(FirewallState& state, INetFwRule& rule, const std::wstring& ownPath) {
-    if (!IsConcerned(rule) || HasLimits(rule)) return;
-    std::wstring name, ports, application;
+void AddRule(FirewallState& state, INetFwRule& rule, IDispatch& dispatch,
+             const std::wstring& ownPath) {
+    if (!IsConcerned(rule) || HasLimits(rule, dispatch)) return;
     LONG profiles = 0;
     NET_FW_ACTION action = NET_FW_ACTION_BLOCK;
-    if (!Read(rule, &INetFwRule::get_ApplicationName, application) ||
-        !Read(rule, &INetFwRule::get_RemotePorts, ports) ||
-        !Read(rule, &INetFwRule::get_Name, name) || FAILED(rule.get_Profiles(&profiles)) ||
-        FAILED(rule.get_Action(&action))) {
-        return;
-    }
+    if (FAILED(rule.get_Profiles(&profiles)) || FAILED(rule.get_Action(&action))) return;
+    const std::wstring application = Text(rule, &INetFwRule::get_ApplicationName);
     const bool isForThis = !application.empty() && IsSamePath(Expanded(application), ownPath);
     if (!application.empty() && !isForThis) return;
-    state.rules.push_back({ToUtf8(name), ToUtf8(ports), static_cast<uint32_t>(profiles),
-                           action == NET_FW_ACTION_ALLOW, isForThis});
+    state.rules.push_back({ToUtf8(Text(rule, &INetFwRule::get_Name)),
+                           ToUtf8(Text(rule, &INetFwRule::get_RemotePorts)),
+                           static_cast<uint32_t>(profiles), action == NET_FW_ACTION_ALLOW,
+                           isForThis});
 }
 
 bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
@@ -143,7 +164,7 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
         Owned<INetFwRule> rule;
         if (item.vt == VT_DISPATCH && item.pdispVal &&
             SUCCEEDED(item.pdispVal->QueryInterface(kRuleId, rule.ReceiveVoid()))) {
-            AddRule(state, *rule.operator->(), ownPath);
+            AddRule(state, *rule, *item.pdispVal, ownPath);
         }
         VariantClear(&item);
     }
@@ -175,9 +196,9 @@ bool ReadState(FirewallState& state) {
     }
     for (const uint32_t bit : {kDomain, kPrivate, kPublic}) {
         const bool isActive = (static_cast<uint32_t>(profiles) & bit) != 0;
-        if (isActive && !ReadProfile(state, *policy.operator->(), bit)) return false;
+        if (isActive && !ReadProfile(state, *policy, bit)) return false;
     }
-    return !state.active.empty() && ReadRules(state, *policy.operator->());
+    return !state.active.empty() && ReadRules(state, *policy);
 }
 
 }  // namespace

@@ -84,14 +84,20 @@ List<IP_ADAPTER_INFO> ReadInfo(const IpHelper& helper) {
     });
 }
 
-List<IP_ADAPTER_ADDRESSES> ReadAddresses(const IpHelper& helper, ULONG family) {
+List<IP_ADAPTER_ADDRESSES> ReadAddresses(const IpHelper& helper, ULONG family, ULONG flags) {
     const auto getAddresses = FIND(helper, GetAdaptersAddresses);
     if (!getAddresses) return {};
     return ReadList<IP_ADAPTER_ADDRESSES>(
         kFirstListBytes, [&](IP_ADAPTER_ADDRESSES* record, ULONG* size) {
-            // With the module's own flag: the system may refuse a list for its sake.
-            return getAddresses(family, GAA_FLAG_INCLUDE_PREFIX, nullptr, record, size);
+            return getAddresses(family, flags, nullptr, record, size);
         });
+}
+
+// Names, types and states, of all adapters.
+List<IP_ADAPTER_ADDRESSES> ReadDetails(const IpHelper& helper) {
+    return ReadAddresses(
+        helper, AF_UNSPEC,
+        GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER);
 }
 
 void Describe(AdapterAddress& row, const IP_ADAPTER_ADDRESSES& adapter) {
@@ -174,7 +180,7 @@ class WinSock {
 AdapterList ThisComputer::IPv4() const {
     const IpHelper helper;
     const auto infos = ReadInfo(helper);
-    const auto details = ReadAddresses(helper, AF_INET);
+    const auto details = ReadDetails(helper);
     AdapterList list;
     list.isRead = infos.error == ERROR_SUCCESS || infos.error == ERROR_NO_DATA;
     list.fits = infos.neededBytes <= kModuleListBytes;
@@ -191,7 +197,8 @@ AdapterList ThisComputer::IPv4() const {
 AdapterList ThisComputer::IPv6() const {
     const WinSock winSock;
     const IpHelper helper;
-    const auto adapters = ReadAddresses(helper, AF_INET6);
+    // With the module's own flag, for whose sake the system may refuse the list.
+    const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
     AdapterList list;
     list.isRead = adapters.error == ERROR_SUCCESS || adapters.error == ERROR_NO_DATA;
     for (const auto* adapter = adapters.First(); adapter; adapter = adapter->Next) {
@@ -213,8 +220,7 @@ Route ThisComputer::RouteTo(const char* ipv4Address) const {
     const auto infos = ReadInfo(helper);
     for (const auto* info = infos.First(); info; info = info->Next) {
         if (info->Index != row.dwForwardIfIndex) continue;
-        const AdapterAddress first =
-            RowOf(*info, info->IpAddressList, ReadAddresses(helper, AF_INET));
+        const AdapterAddress first = RowOf(*info, info->IpAddressList, ReadDetails(helper));
         route.adapter = first.adapter;
         route.source = first.address;
     }

@@ -20,15 +20,20 @@ Shown() {
 }
 
 # Vn ARG...: runs vndiscover.exe on the lab's host.
-Vn() {
-    local status=0
+Vn() { Expect 0 "$@"; }
+# VnFails ARG...: the same where exit code 1 is right.
+VnFails() { Expect 1 "$@"; }
+# Expect CODE ARG...
+Expect() {
+    local status=0 expected=$1
+    shift
     Shown vndiscover.exe "$@"
     "$here/wine-run.sh" host "$VNDISCOVER_BIN/vndiscover.exe" "$@" </dev/null | tr -d '\r'
     status=${PIPESTATUS[0]}
     if [ "$status" != 0 ]; then
         echo "(exit code $status)"
-        failed=1
     fi
+    [ "$status" = "$expected" ] || failed=1
 }
 
 "$here/demo-net.sh" || exit 1
@@ -88,6 +93,11 @@ for _ in $(seq 100); do
 done
 Vn wsd --timeout 1000
 kill $wsdd
+
+Title "Nothing found? What a sweep has to work with here, and what one device answers to"
+Vn doctor
+Vn doctor 10.77.1.22 "${v3[@]}"
+VnFails doctor 10.77.2.25 # it refuses communities
 
 Title "Reachability"
 Vn ping 10.77.2.25

@@ -177,6 +177,7 @@ TEST_F(Directed, AnswersAreHandedOverFieldByField) {
         EXPECT_EQ(length, Next(nullptr));
 
         // Longer than the four bytes that were set: the runtime zeroes them.
+        type = VN_TYPE_OPAQUE;
         EXPECT_EQ(length, Set(set.Fresh(), 4));
         EXPECT_EQ(row.type, type);
         ExpectHolds(length > 4 ? Bytes(4, 0) : row.value, set);

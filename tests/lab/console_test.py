@@ -9,20 +9,15 @@ import subprocess
 import unittest
 from pathlib import Path
 
-from lab import AGENT, LAB, found, main, run, run_on_terminal, start_in
+from lab import AGENT, AGENT6, AGENT_CONF, LAB, SECRETS, V3, found, main, run, run_on_terminal, start_in
 
-AGENT6, SILENT = "fe80::1:2", "10.77.1.99"
+SILENT = "10.77.1.99"
 SYSTEM = ".1.3.6.1.2.1.1"
 CONTACT, LOCATION = SYSTEM + ".4.0", SYSTEM + ".6.0"
 LOCATION_TEXT = 'Hall "B", 2nd floor'
 WRITABLE, LETTER, MAC, ZERO, LONG = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in range(1, 6))
-V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
-SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
 RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
-AGENT_CONF = f"""
-agentAddress udp:161,udp6:161
-rocommunity sesame
-rocommunity6 sesame
+CONF = f"""{AGENT_CONF}
 rwcommunity secret
 rwcommunity6 secret
 syslocation {LOCATION_TEXT}
@@ -32,8 +27,6 @@ override {LETTER} octet_str "A"
 override {MAC} octet_str 0x3c2af400f51b
 override {ZERO} octet_str 0x00
 override {LONG} octet_str "{243 * 'x'}"
-createUser admin SHA-256 authpass1 AES privpass1
-rouser admin priv
 """
 
 
@@ -51,7 +44,7 @@ class Usage(unittest.TestCase):
             self.assertIn("--help'", err)
 
     def test_help_names_examples_and_exit_codes(self):
-        for command in ("sweep", "get", "set", "walk", "printer", "wsd"):
+        for command in ("sweep", "get", "set", "walk", "printer", "wsd", "doctor"):
             out = found(command, "--help")
             self.assertIn("Exit codes: 0", out)
             self.assertLessEqual(max(map(len, out.split("\n"))), 80, command)
@@ -210,4 +203,4 @@ def start_responders():
 
 
 if __name__ == "__main__":
-    main(AGENT_CONF, start_responders)
+    main(CONF, start_responders)

@@ -16,7 +16,17 @@ import unittest
 SCRIPTS = os.environ["VNDISCOVER_LAB_SCRIPTS"]
 BIN = os.environ["VNDISCOVER_BIN"]
 LAB = os.environ["VNDISCOVER_LAB"]
-AGENT = "10.77.1.2"
+AGENT, AGENT6 = "10.77.1.2", "fe80::1:2"
+V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
+SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
+# An agent that V3 and SECRETS open.
+AGENT_CONF = """
+agentAddress udp:161,udp6:161
+rocommunity sesame
+rocommunity6 sesame
+createUser admin SHA-256 authpass1 AES privpass1
+rouser admin priv
+"""
 
 
 def start_in(net, *command, **options):
@@ -75,8 +85,9 @@ def run_on_terminal(steps, *arguments):
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
 
 
-def main(agent_conf="", prepare=lambda: None):
-    """Sets the lab up and runs the tests of the calling file at the same time, since they mostly wait."""
+def main(agent_conf="", prepare=lambda: None, at_once=True):
+    """Sets the lab up and runs the tests of the calling file, at the same time, since they mostly wait, but for those
+    that change the network."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
     if agent_conf:
         subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=agent_conf, text=True, check=True,
@@ -84,9 +95,10 @@ def main(agent_conf="", prepare=lambda: None):
     prepare()
     suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
     tests = [test for case in suite for test in case]
+    assert tests
 
-    def all_at_once(result):
-        with concurrent.futures.ThreadPoolExecutor(len(tests)) as pool:  # an error when there are none
+    def all_of_them(result):
+        with concurrent.futures.ThreadPoolExecutor(len(tests) if at_once else 1) as pool:
             list(pool.map(lambda test: test(result), tests))
 
-    sys.exit(not unittest.TextTestRunner().run(all_at_once).wasSuccessful())
+    sys.exit(not unittest.TextTestRunner().run(all_of_them).wasSuccessful())

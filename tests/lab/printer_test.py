@@ -4,18 +4,7 @@ import json
 import subprocess
 import unittest
 
-from lab import AGENT, SCRIPTS, main, run
-
-AGENT6 = "fe80::1:2"
-V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
-SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
-AGENT_CONF = """
-agentAddress udp:161,udp6:161
-rocommunity sesame
-rocommunity6 sesame
-createUser admin SHA-256 authpass1 AES privpass1
-rouser admin priv
-"""
+from lab import AGENT, AGENT6, AGENT_CONF, SCRIPTS, SECRETS, V3, main, run
 
 
 class Printers(unittest.TestCase):

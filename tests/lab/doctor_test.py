@@ -1,0 +1,67 @@
+"""vndiscover.exe doctor: this computer with two adapters, and a real agent asked rightly and wrongly."""
+
+import json
+import subprocess
+import unittest
+
+from lab import AGENT, AGENT_CONF, SECRETS, V3, main, run
+
+
+class Doctor(unittest.TestCase):
+    def verdict(self, *arguments, **environment):
+        code, out, _ = run("doctor", *arguments, "--format", "json", **{**SECRETS, **environment})
+        return code, json.loads(out)["verdict"]
+
+    def test_the_computers_adapters_are_shown_as_a_sweep_takes_them(self):
+        code, out, err = run("doctor")
+        self.assertEqual((0, ""), (code, err))
+        for line in ("IPv4 sweep     from 2 addresses, takes 4 s at least\n", "10.77.1.1  eth0: Ethernet, up, 2 s\n",
+                     "10.77.2.1  eth1: Ethernet, up, 2 s\n", "fe80::2:1  eth1: Ethernet, up, 2 s\n",
+                     "255.255.255.255  by eth0, 10.77.1.1\n", "Firewall       not known here\n",
+                     'vndiscover.exe" protocol=udp remoteport=161,3702 profile=domain,private\n', "Log            off\n"):
+            self.assertIn(line, out)
+
+    def test_an_adapter_without_address_and_a_missing_route_are_seen(self):
+        ip = ["ip", "-n", "host"]
+        subprocess.run([*ip, "-4", "addr", "flush", "dev", "eth1"], check=True)
+        subprocess.run([*ip, "route", "del", "default"], check=True)
+        try:
+            code, out, _ = run("doctor", "--format", "json")
+            sweep_code, _, err = run("sweep", "--community", "wrong")
+        finally:
+            subprocess.run([*ip, "addr", "add", "10.77.2.1/24", "dev", "eth1"], check=True)
+            subprocess.run([*ip, "route", "add", "default", "dev", "eth0"], check=True)
+        report = json.loads(out)
+        rows = [(row["address"], row["state"], row["seconds"]) for row in report["ipv4"]["addresses"]]
+        self.assertEqual([("10.77.1.1", "up", 2), ("0.0.0.0", "no address", 2)], rows)
+        self.assertEqual((1, ["no route for the broadcast: requests may not leave",
+                              "no route for the multicast: WS-Discovery probes may not leave"]),
+                         (code, report["causes"]))
+        self.assertEqual(1, sweep_code)
+        self.assertIn("'vndiscover doctor'", err)
+
+    def test_one_device_is_asked_in_steps(self):
+        self.assertEqual((0, "ping, SNMPv1 and SNMPv3 answer"), self.verdict(AGENT, *V3))
+        self.assertEqual((1, "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched off"),
+                         self.verdict(AGENT, "--community", "wrong"))
+        nobody = [word.replace("admin", "nobody") for word in V3]
+        self.assertEqual(
+            (1, "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: the device does not know this user"),
+            self.verdict(AGENT, *nobody))
+        code, verdict = self.verdict(AGENT, *V3, VNDISCOVER_PRIV_PASS="wrongpass")
+        self.assertEqual(1, code)
+        self.assertIn("a wrong privacy password", verdict)
+
+    def test_silence_and_a_missing_route_differ(self):
+        code, out, _ = run("doctor", "10.77.1.99")
+        self.assertEqual(1, code)
+        self.assertIn("neither ping, SNMPv1 nor SNMPv3 answers", out)
+        subprocess.run(["ip", "-n", "host", "route", "add", "unreachable", "10.99.0.0/16"], check=True)
+        code, out, _ = run("doctor", "10.99.1.1")
+        self.assertEqual(3, code)
+        self.assertIn("nothing could be sent", out)
+        self.assertIn("on none of this computer's networks", out)
+
+
+if __name__ == "__main__":
+    main(AGENT_CONF, at_once=False)
