@@ -25,9 +25,9 @@ Examples:
   vndiscover doctor 192.168.1.20 --community public
   vndiscover doctor 192.168.1.20 --v3 -u admin -a SHA256 -x AES --format json
 
-Exit codes: 0 no reason found here, or the device answers as asked (with --v3 that
-user, else this community), 1 a reason was found, or it does not, 2 wrong usage,
-3 the requests could not be sent.)";
+Exit codes: 0 no reason found here, or the device answers as asked (with --v3
+that user, otherwise this community), 1 a reason was found, or it does not,
+2 wrong usage, 3 the requests could not be sent.)";
 
 int RunOnComputer(const DeviceOptions& options) {
     const ComputerReport report = ReportOn(ThisComputer());

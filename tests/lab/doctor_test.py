@@ -64,4 +64,4 @@ class Doctor(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    main(AGENT_CONF, at_once=False)
+    main(AGENT_CONF, alone=["a_missing_route_are_seen"])

@@ -85,9 +85,9 @@ def run_on_terminal(steps, *arguments):
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
 
 
-def main(agent_conf="", prepare=lambda: None, at_once=True):
-    """Sets the lab up and runs the tests of the calling file, at the same time, since they mostly wait, but for those
-    that change the network."""
+def main(agent_conf="", prepare=lambda: None, alone=()):
+    """Sets the lab up and runs the tests of the calling file: first those named in `alone`, which change the network,
+    then the others at the same time, since they mostly wait."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
     if agent_conf:
         subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=agent_conf, text=True, check=True,
@@ -95,10 +95,13 @@ def main(agent_conf="", prepare=lambda: None, at_once=True):
     prepare()
     suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
     tests = [test for case in suite for test in case]
-    assert tests
+    by_themselves = [test for test in tests if test.id().endswith(tuple(alone))]
+    others = [test for test in tests if test not in by_themselves]
 
     def all_of_them(result):
-        with concurrent.futures.ThreadPoolExecutor(len(tests) if at_once else 1) as pool:
-            list(pool.map(lambda test: test(result), tests))
+        for test in by_themselves:
+            test(result)
+        with concurrent.futures.ThreadPoolExecutor(len(others)) as pool:  # an error when there are none
+            list(pool.map(lambda test: test(result), others))
 
     sys.exit(not unittest.TextTestRunner().run(all_of_them).wasSuccessful())
