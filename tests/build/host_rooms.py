@@ -7,7 +7,7 @@ import sys
 HOST = pathlib.Path(sys.argv[1])
 MAY_INCLUDE = {
     "values": set(),
-    "model": {"values"},
+    "model": {"wsd", "values"},
     "wsd": {"values"},
     "device": {"model", "values"},
     "platform": {"model", "values"},
