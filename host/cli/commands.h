@@ -17,6 +17,7 @@ enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3 };
 void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
 void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, walk, info
 void AddPrinterCommand(CLI::App& app, int& exitCode);    // printer
+void AddCompareCommand(CLI::App& app, int& exitCode);    // compare
 void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
 void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor

@@ -55,6 +55,7 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     vndiscover::host::AddDirectedCommands(app, exitCode);
     vndiscover::host::AddPrinterCommand(app, exitCode);
     vndiscover::host::AddWsdCommand(app, exitCode);
+    vndiscover::host::AddCompareCommand(app, exitCode);
     vndiscover::host::AddReachCommands(app, exitCode);
     vndiscover::host::AddDoctorCommand(app, exitCode);
     app.footer("'vndiscover COMMAND --help' tells more, with examples.");

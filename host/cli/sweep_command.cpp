@@ -5,6 +5,7 @@
 
 #include "cli/commands.h"
 #include "cli/device_writer.h"
+#include "cli/scan_keeper.h"
 #include "model/json_request.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
@@ -28,20 +29,28 @@ empty strings:
   {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
    "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
 
+--save asks each device found for its serial number, MAC address, name, firmware
+text and page counts, about 25 requests, and keeps all answers and the devices
+made of them as JSON; 'vndiscover compare' shows what changed between two files.
+A file that is there stays until the new one is complete. With --append the
+answers of further sweeps join those in the file.
+
 Examples:
   vndiscover sweep
   vndiscover sweep --community public --oid sysDescr.0
   vndiscover sweep --community public --json request.json --format json
   vndiscover sweep --ipv6 --csv devices.csv
   vndiscover sweep --v3 -u admin -a SHA256 -x AES
+  vndiscover sweep --save monday.json
 
-Exit codes: 0 devices found, 1 none, 2 wrong usage.)";
+Exit codes: 0 devices found, 1 none or --save failed, 2 wrong usage.)";
 
 struct SweepOptions {
     std::string community, oid, jsonPath, csvPath;
     bool useIPv6 = false;
     Format format = Format::kTable;
     V3Options v3;
+    SaveOptions save;
 };
 
 // Everything that the module wants as UTF-16, checked.
@@ -155,6 +164,22 @@ class CsvFile {
     FILE* file_;
 };
 
+void BeginScan(ScanKeeper& keeper, const SweepOptions& options, const Sweep& sweep) {
+    keeper.Begin(options.v3.isOn ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
+                 sweep.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
+                 options.useIPv6,
+                 *ParseOid(sweep.oid.empty() ? VN_DEFAULT_DISCOVERY_OID : ToUtf8(sweep.oid)));
+}
+
+void AskAndSave(ScanKeeper& keeper, const SweepOptions& options, bool isStopped,
+                Security security) {
+    if (!keeper.IsOn()) return;
+    Device device("", ToAnsi(options.community), "");
+    if (options.v3.isOn) device.Use(std::move(security));
+    if (!isStopped) keeper.AskDevices(device, options.useIPv6);
+    keeper.Save();
+}
+
 std::string StatusLine(ULONGLONG startMs, size_t devices) {
     return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " + std::to_string(devices) +
            (devices == 1 ? " device" : " devices");
@@ -162,7 +187,10 @@ std::string StatusLine(ULONGLONG startMs, size_t devices) {
 
 int RunSweep(const SweepOptions& options) {
     const Sweep sweep = Prepare(options);
-    const Security security = options.v3.isOn ? ResolveSecurity(options.v3) : Security();
+    ScanKeeper keeper(options.save);
+    Security security = options.v3.isOn ? ResolveSecurity(options.v3) : Security();
+    BeginScan(keeper, options, sweep);
+    bool isStopped = false;
     DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
     DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
     CsvFile csv(options.v3.isOn ? sweep.csvPath : std::wstring());
@@ -172,6 +200,7 @@ int RunSweep(const SweepOptions& options) {
         SweepWatch watch(StopDiscoverSnmp, [&] { return StatusLine(startMs, devices); });
         const ResultWindow window([&](const char* address, const char* value) {
             ++devices;
+            keeper.Add(address, value);
             csv.Write(csvWriter.Row(address, value));
             if (!Print(writer.Row(address, value))) watch.RequestStop();
         });
@@ -180,9 +209,11 @@ int RunSweep(const SweepOptions& options) {
         } else {
             RunV1(window.Handle(), sweep);
         }
-        if (watch.IsStopped()) Warn("stopped");
+        isStopped = watch.IsStopped();
+        if (isStopped) Warn("stopped");
     }
     Print(writer.End());
+    AskAndSave(keeper, options, isStopped, std::move(security));
     if (devices == 0) {
         const bool isForPeople = options.format == Format::kTable;
         Warn(std::string("no device answered") +
@@ -214,6 +245,7 @@ void AddSweepCommand(CLI::App& app, int& exitCode) {
         ->type_name("PATH");
     AddFormat<Format>(*command, options->format,
                       {{"table", Format::kTable}, {"json", Format::kJson}, {"csv", Format::kCsv}});
+    AddSaveOptions(*command, options->save);
     AddV3Options(*command, options->v3);
     command->get_option("--v3")->excludes(community);
     command->footer(kExamples);

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "cli/commands.h"
+#include "cli/scan_keeper.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
 #include "values/plain_text.h"
@@ -18,13 +19,17 @@ constexpr char kExamples[] =
 the end: a device that replied several times is listed once, with a count.
 Ctrl-C ends the sweep and prints what was found. Types have one of these
 prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub (computers).
+--save keeps the replies and the devices made of them as JSON; with --append they
+join the answers of other sweeps in the file, and devices become one by their
+endpoints and addresses.
 
 Examples:
   vndiscover wsd
   vndiscover wsd --types wprt:PrintDeviceType --format json
   vndiscover wsd --types "" --raw
+  vndiscover wsd --save monday.json --append
 
-Exit codes: 0 devices found, 1 none, 2 wrong usage.)";
+Exit codes: 0 devices found, 1 none or --save failed, 2 wrong usage.)";
 
 enum class WsdFormat { kTable, kJson };
 
@@ -33,6 +38,7 @@ struct WsdOptions {
     unsigned timeoutMs = 3000;
     bool isRaw = false;
     WsdFormat format = WsdFormat::kTable;
+    SaveOptions save;
 };
 
 // A reply that fills the buffer has no terminating zero.
@@ -53,6 +59,8 @@ int RunWsd(const WsdOptions& options) {
     const std::string probe = BuildProbe(*types, NewUuid());
     if (probe.size() > VN_SOAP_PROBE_MAX) throw CLI::ValidationError("--types", "too many types");
 
+    ScanKeeper keeper(options.save);
+    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
     MatchList list;
     std::atomic<size_t> replies{0};
     const ULONGLONG startMs = GetTickCount64();
@@ -64,6 +72,7 @@ int RunWsd(const WsdOptions& options) {
         const ResultWindow window([&](const char* address, const char* value) {
             ++replies;
             list.Add(address, ReplyText(value));
+            keeper.Add(address, ReplyText(value));
             if (options.isRaw) PrintRaw(address, ReplyText(value));
         });
         DiscoverSoap(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe.data(),
@@ -71,6 +80,7 @@ int RunWsd(const WsdOptions& options) {
         if (watch.IsStopped()) Warn("stopped");
     }
     if (!options.isRaw) Print(options.format == WsdFormat::kJson ? list.Json() : list.Table());
+    keeper.Save();
     if (replies == 0) Warn("no device replied");
     return replies > 0 ? kFound : kNone;
 }
@@ -92,6 +102,7 @@ void AddWsdCommand(CLI::App& app, int& exitCode) {
     AddFormat<WsdFormat>(*command, options->format,
                          {{"table", WsdFormat::kTable}, {"json", WsdFormat::kJson}})
         ->excludes(raw);
+    AddSaveOptions(*command, options->save);
     command->footer(kExamples);
     command->callback([options, &exitCode] { exitCode = RunWsd(*options); });
 }

@@ -23,6 +23,8 @@ class Device {
           writeCommunity_(std::move(writeCommunity)) {}
     // From here on Get and GetNext use SNMPv3.
     void Use(Security security) { security_.emplace(std::move(security)); }
+    // From here on another device is asked.
+    void SetHost(std::string host) { host_ = std::move(host); }
     bool IsV3() const { return security_.has_value(); }
 
     Answer Get(const Oid& oid) const;

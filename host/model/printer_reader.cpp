@@ -64,6 +64,19 @@ constexpr Question kQuestions[] = {
     {"ifPhysAddress", "MAC address"},
     {"ifOperStatus", "MAC address"},
 };
+// By what a device is known again, and what of it is compared.
+constexpr Question kIdentityQuestions[] = {
+    {"sysDescr", "description", Way::kScalar},
+    {"sysName", "name", Way::kScalar},
+    {"hrDeviceType", "model"},
+    {"hrDeviceDescr", "model", Way::kPrinter},
+    {"prtGeneralPrinterName", "name", Way::kPrinter},
+    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
+    {"prtMarkerLifeCount", "page counts"},
+    {"ifType", "MAC address"},
+    {"ifPhysAddress", "MAC address"},
+    {"ifOperStatus", "MAC address"},
+};
 // Asked for only where the printer itself gives no serial number.
 constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
 
@@ -73,8 +86,9 @@ class Reader {
   public:
     explicit Reader(const Asker& asker) : asker_(asker) {}
 
-    PrinterAnswers Read() {
-        for (const Question& question : kQuestions) Put(question);
+    template <size_t count>
+    PrinterAnswers Read(const Question (&questions)[count]) {
+        for (const Question& question : questions) Put(question);
         if (!HasSerial()) Put(kEntitySerial);
         return std::move(answers_);
     }
@@ -200,6 +214,8 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
     return printers;
 }
 
-PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).Read(); }
+PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).Read(kQuestions); }
+
+PrinterAnswers ReadIdentity(const Asker& asker) { return Reader(asker).Read(kIdentityQuestions); }
 
 }  // namespace vndiscover::host

@@ -40,6 +40,9 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 // that row alone.
 PrinterAnswers ReadPrinter(const Asker& asker);
 
+// Likewise, only what a device is known by and compared by: about 10 objects.
+PrinterAnswers ReadIdentity(const Asker& asker);
+
 }  // namespace vndiscover::host
 
 #endif  // VNDISCOVER_HOST_MODEL_PRINTER_READER_H

@@ -1,6 +1,7 @@
 #include "values/object_names.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "values/plain_text.h"
 #include "values/value_text.h"
@@ -267,7 +268,15 @@ const ObjectName kObjectNames[] = {
 };
 const size_t kObjectNameCount = sizeof kObjectNames / sizeof kObjectNames[0];
 
-const Oid& OidOf(std::string_view name) { return Oids().at(FindName(name)); }
+const Oid& OidOf(std::string_view name) {
+    // Asked for dozens of times for each of thousands of devices.
+    static const auto known = [] {
+        std::unordered_map<std::string_view, const Oid*> oids;
+        for (size_t i = 0; i < kObjectNameCount; ++i) oids[kObjectNames[i].name] = &Oids()[i];
+        return oids;
+    }();
+    return *known.at(name);
+}
 
 std::optional<Oid> ParseOidOrName(std::string_view text) {
     if (auto oid = ParseOid(text)) return oid;

@@ -25,7 +25,7 @@ ROOMS = {
     },
     "host": {
         "values*": "",
-        "model*": "values",
+        "model*": "values wsd",
         "wsd*": "values",
         "device": "values model " + PUBLIC,
         "platform": "values model " + PUBLIC,

@@ -1,0 +1,51 @@
+#include "cli/compare_writer.h"
+#include "cli/device_options.h"
+#include "cli/scan_keeper.h"
+#include "model/device_merge.h"
+#include "platform/console.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr char kExamples[] =
+    R"(Compares two files that --save made: devices that are new, gone, or changed in
+address, name, firmware text or page counts. A device is known again by its
+serial number, else by its MAC address, WS-Discovery endpoint or address. What
+only one of the files tells is not taken for a change. Nothing is sent.
+
+Examples:
+  vndiscover sweep --save monday.json
+  vndiscover compare monday.json tuesday.json
+  vndiscover compare monday.json tuesday.json --format json
+
+Exit codes: 0 no difference, 1 differences, 2 wrong usage or a file that cannot
+be read.)";
+
+struct CompareOptions {
+    std::string before, after;
+    TextFormat format = TextFormat::kText;
+};
+
+int RunCompare(const CompareOptions& options) {
+    ComparedScans scans;
+    scans.before = MakeDevices(LoadScan(options.before, "OLD"));
+    scans.after = MakeDevices(LoadScan(options.after, "NEW"));
+    scans.changes = CompareDevices(scans.before, scans.after);
+    Print(options.format == TextFormat::kJson ? ComparisonJson(scans) : ComparisonText(scans));
+    return scans.changes.IsEqual() ? 0 : 1;
+}
+
+}  // namespace
+
+void AddCompareCommand(CLI::App& app, int& exitCode) {
+    CLI::App* command = app.add_subcommand("compare", "Show what has changed between two scans");
+    auto options = std::make_shared<CompareOptions>();
+    command->add_option("OLD", options->before, "File of the earlier scan")->required();
+    command->add_option("NEW", options->after, "File of the later scan")->required();
+    AddFormat<TextFormat>(*command, options->format,
+                          {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
+    command->footer(kExamples);
+    command->callback([options, &exitCode] { exitCode = RunCompare(*options); });
+}
+
+}  // namespace vndiscover::host

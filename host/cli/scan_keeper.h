@@ -1,0 +1,48 @@
+// --save and --append: the answers of this run, kept in a file.
+#ifndef VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
+#define VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
+
+#include <string>
+#include <vector>
+
+#include "cli/commands.h"
+#include "device/device.h"
+#include "model/scan.h"
+
+namespace vndiscover::host {
+
+struct SaveOptions {
+    std::string path;  // empty: nothing is kept
+    bool append = false;
+};
+void AddSaveOptions(CLI::App& command, SaveOptions& options);
+
+// Reads the scan in a file. Throws CLI::ValidationError with the option's name.
+Scan LoadScan(const std::string& path, const std::string& option);
+
+class ScanKeeper {
+  public:
+    // Reads the file that is added to, and sees that it can be written. Throws
+    // CLI::ValidationError.
+    explicit ScanKeeper(SaveOptions options);
+    bool IsOn() const { return !options_.path.empty(); }
+
+    // The answers from here on are of this sweep, which begins now.
+    void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
+    void Add(const std::string& address, std::string_view bytes);
+
+    // Asks each device that the last sweep found for what it is known by. `device` has the
+    // community or the security settings. Ctrl-C ends it.
+    void AskDevices(Device& device, bool useIPv6);
+
+    // Throws std::runtime_error.
+    void Save() const;
+
+  private:
+    SaveOptions options_;
+    Scan scan_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_CLI_SCAN_KEEPER_H

@@ -1,0 +1,37 @@
+// What has changed between two scans.
+#ifndef VNDISCOVER_HOST_MODEL_COMPARE_H
+#define VNDISCOVER_HOST_MODEL_COMPARE_H
+
+#include <string>
+#include <vector>
+
+#include "model/found_device.h"
+
+namespace vndiscover::host {
+
+struct FieldChange {
+    std::string field;  // "address", "name", "firmware", "page count", "page count 2"
+    std::string before, after;
+};
+
+struct DeviceChange {
+    size_t before, after;  // indexes in the two lists
+    MergeKey key;          // by what they are the same device
+    std::vector<FieldChange> fields;
+};
+
+struct Comparison {
+    std::vector<size_t> added, gone;  // indexes in the later and in the earlier list
+    std::vector<DeviceChange> changed;
+    size_t same = 0;
+    bool IsEqual() const { return added.empty() && gone.empty() && changed.empty(); }
+};
+
+// Devices are the same by the rules of MakeDevices. What only one of the scans knows has not
+// changed: it may not have been asked for.
+Comparison CompareDevices(const std::vector<FoundDevice>& before,
+                          const std::vector<FoundDevice>& after);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_MODEL_COMPARE_H

@@ -1,0 +1,141 @@
+#include "model/device_merge.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+namespace vndiscover::host {
+namespace {
+
+// What one sweep heard from one address.
+struct Contact {
+    FoundDevice device;
+    size_t parent;              // itself: the first of a group, which holds the group's fields
+    Identity group;             // of all contacts of the group
+    std::vector<size_t> apart;  // contacts that no contact of the group may be merged with
+};
+
+class Merger {
+  public:
+    explicit Merger(const Scan& scan) : scan_(scan) {
+        MakeContacts();
+        for (const auto& [one, other] : scan.splits) {
+            const size_t first = contactOf_[one], second = contactOf_[other];
+            contacts_[first].apart.push_back(second);
+            contacts_[second].apart.push_back(first);
+        }
+    }
+
+    std::vector<FoundDevice> Make() {
+        for (const MergeKey key : kMergeKeys) MergeBy(key);
+        return Devices();
+    }
+
+  private:
+    void MakeContacts() {
+        std::map<std::pair<size_t, std::string>, size_t> known;
+        std::vector<std::vector<size_t>> answers;
+        contactOf_.reserve(scan_.answers.size());
+        for (size_t i = 0; i < scan_.answers.size(); ++i) {
+            const ScanAnswer& answer = scan_.answers[i];
+            size_t contact = answers.size();
+            if (!answer.address.empty())
+                contact = known.try_emplace({answer.sweep, answer.address}, contact).first->second;
+            if (contact == answers.size()) answers.emplace_back();
+            answers[contact].push_back(i);
+            contactOf_.push_back(contact);
+        }
+        contacts_.reserve(answers.size());
+        for (auto& indexes : answers) {
+            FoundDevice device = DescribeDevice(scan_, std::move(indexes));
+            Identity group = device.identity;
+            contacts_.push_back({std::move(device), contacts_.size(), std::move(group), {}});
+        }
+    }
+
+    size_t First(size_t contact) {
+        while (contacts_[contact].parent != contact) {
+            contacts_[contact].parent = contacts_[contacts_[contact].parent].parent;
+            contact = contacts_[contact].parent;
+        }
+        return contact;
+    }
+
+    void MergeBy(MergeKey key) {
+        std::unordered_map<std::string, std::vector<size_t>> claims;  // contacts by value
+        for (size_t contact = 0; contact < contacts_.size(); ++contact) {
+            for (const std::string& value : contacts_[contact].device.identity.Of(key)) {
+                std::vector<size_t>& others = claims[value];
+                const bool isMerged = std::any_of(others.begin(), others.end(), [&](size_t other) {
+                    return Unite(other, contact, key, value);
+                });
+                if (!isMerged && others.size() < kMaxClaims) others.push_back(contact);
+            }
+        }
+    }
+
+    // True: they are one device now, or were before.
+    bool Unite(size_t one, size_t other, MergeKey key, const std::string& value) {
+        const auto [first, second] = std::minmax({First(one), First(other)});
+        if (first == second) return true;
+        Contact& kept = contacts_[first];
+        Contact& joined = contacts_[second];
+        if (kept.group.IsToldApart(joined.group, key) || AreSplit(first, second)) return false;
+        kept.device.merges.push_back({key, value, contacts_[one].device.answers.front(),
+                                      contacts_[other].device.answers.front()});
+        auto& merges = joined.device.merges;
+        kept.device.merges.insert(kept.device.merges.end(), merges.begin(), merges.end());
+        kept.group.Add(joined.group);
+        kept.apart.insert(kept.apart.end(), joined.apart.begin(), joined.apart.end());
+        joined.parent = first;
+        return true;
+    }
+
+    bool AreSplit(size_t one, size_t other) {
+        if (contacts_[one].apart.size() > contacts_[other].apart.size()) std::swap(one, other);
+        return std::any_of(contacts_[one].apart.begin(), contacts_[one].apart.end(),
+                           [&](size_t contact) { return First(contact) == other; });
+    }
+
+    std::vector<FoundDevice> Devices() {
+        std::vector<std::vector<size_t>> members(contacts_.size());
+        for (size_t contact = 0; contact < contacts_.size(); ++contact)
+            members[First(contact)].push_back(contact);
+        std::vector<FoundDevice> devices;
+        for (size_t first = 0; first < contacts_.size(); ++first) {
+            if (members[first].empty()) continue;
+            FoundDevice& device = contacts_[first].device;
+            if (members[first].size() > 1) {
+                std::vector<Merge> merges = std::move(device.merges);
+                device = DescribeDevice(scan_, AnswersOf(members[first]));
+                // What a device once was known by stays its own: later answers may name another.
+                device.identity = std::move(contacts_[first].group);
+                device.merges = std::move(merges);
+            }
+            devices.push_back(std::move(device));
+        }
+        return devices;
+    }
+
+    std::vector<size_t> AnswersOf(const std::vector<size_t>& contacts) const {
+        std::vector<size_t> answers;
+        for (const size_t contact : contacts) {
+            const auto& own = contacts_[contact].device.answers;
+            answers.insert(answers.end(), own.begin(), own.end());
+        }
+        std::sort(answers.begin(), answers.end());
+        return answers;
+    }
+
+    const Scan& scan_;
+    std::vector<size_t> contactOf_;  // by answer
+    std::vector<Contact> contacts_;  // in the order of their first answers
+};
+
+}  // namespace
+
+std::vector<FoundDevice> MakeDevices(const Scan& scan) { return Merger(scan).Make(); }
+
+}  // namespace vndiscover::host

@@ -1,0 +1,43 @@
+// What the answers of one device say of it.
+#ifndef VNDISCOVER_HOST_MODEL_FOUND_DEVICE_H
+#define VNDISCOVER_HOST_MODEL_FOUND_DEVICE_H
+
+#include <string>
+#include <vector>
+
+#include "model/identity.h"
+#include "model/printer_facts.h"
+#include "model/scan.h"
+#include "values/json_output.h"
+
+namespace vndiscover::host {
+
+// Why two answers are of the same device. To undo it, add the pair to Scan::splits.
+struct Merge {
+    MergeKey key;
+    std::string value;  // the common one
+    size_t first, second;
+};
+
+// Text is plain (see plain_text.h); empty: not known.
+struct FoundDevice {
+    std::vector<size_t> answers;  // indexes in Scan::answers, rising: the first one names the row
+    Identity identity;
+    std::string name, model;
+    std::string firmware;  // the system description: where makers name the firmware
+    std::vector<PageCount> pageCounts;
+    std::vector<Merge> merges;
+};
+
+// Of the answers with these indexes, a later one before an earlier one.
+FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
+
+// A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".
+std::string DeviceLine(const FoundDevice& device);
+
+// For programs that read our output.
+JsonItem DeviceJson(const FoundDevice& device);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_MODEL_FOUND_DEVICE_H

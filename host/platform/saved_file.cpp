@@ -1,0 +1,115 @@
+#include "platform/saved_file.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// Closed when its owner ends.
+class File {
+  public:
+    File(const std::wstring& path, DWORD access, DWORD disposition)
+        : handle_(CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
+                              FILE_ATTRIBUTE_NORMAL, nullptr)) {}
+    ~File() {
+        if (IsOpen()) CloseHandle(handle_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return handle_; }
+
+  private:
+    HANDLE handle_;
+};
+
+constexpr size_t kChunk = size_t{1} << 20;
+
+std::string LastErrorText() { return " (error " + std::to_string(GetLastError()) + ")"; }
+
+// Beside the file, so on the same disk. Two programs that write the same file do not share it.
+std::wstring TemporaryPath(const std::string& path) {
+    return ToWide(path + "." + std::to_string(GetCurrentProcessId()) + ".new");
+}
+
+bool WriteWhole(const std::wstring& path, const std::string& text) {
+    const File file(path, GENERIC_WRITE, CREATE_ALWAYS);
+    if (!file.IsOpen()) return false;
+    for (size_t done = 0; done < text.size();) {
+        DWORD written = 0;
+        const auto part = static_cast<DWORD>(std::min(kChunk, text.size() - done));
+        if (!WriteFile(file.Get(), text.data() + done, part, &written, nullptr) || written == 0)
+            return false;
+        done += written;
+    }
+    return FlushFileBuffers(file.Get()) != 0;  // before it takes the place of the old one
+}
+
+}  // namespace
+
+std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
+                                        std::string& problem) {
+    const File file(ToWide(path), GENERIC_READ, OPEN_EXISTING);
+    std::string text;
+    for (size_t done = 0; file.IsOpen();) {
+        text.resize(done + kChunk);
+        DWORD count = 0;
+        if (!ReadFile(file.Get(), text.data() + done, kChunk, &count, nullptr)) break;
+        text.resize(done += count);
+        if (count == 0) return text;
+        if (done <= maxSize) continue;
+        problem = "is too large: over " + std::to_string(maxSize >> 20) + " MB";
+        return std::nullopt;
+    }
+    problem = "cannot be read" + LastErrorText();
+    return std::nullopt;
+}
+
+bool FileExists(const std::string& path) {
+    return GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool CanReplaceFile(const std::string& path, std::string& problem) {
+    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES &&
+        (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {
+        problem = attributes & FILE_ATTRIBUTE_DIRECTORY ? "is a directory" : "is read-only";
+        return false;
+    }
+    const std::wstring temporary = TemporaryPath(path);
+    const bool canWrite = WriteWhole(temporary, "");
+    if (!canWrite) problem = "cannot be written" + LastErrorText();
+    DeleteFileW(temporary.c_str());
+    return canWrite;
+}
+
+bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem) {
+    const std::wstring temporary = TemporaryPath(path);
+    if (!WriteWhole(temporary, text)) {
+        problem = "cannot be written" + LastErrorText();
+        DeleteFileW(temporary.c_str());
+        return false;
+    }
+    if (MoveFileExW(temporary.c_str(), ToWide(path).c_str(),
+                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return true;
+    // Complete as it is, it is kept: another program may hold the old one open.
+    problem = "cannot be replaced" + LastErrorText() + "; the new one is " + ToUtf8(temporary);
+    return false;
+}
+
+std::string UtcNow() {
+    SYSTEMTIME now;
+    GetSystemTime(&now);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02uZ", now.wYear, now.wMonth,
+                  now.wDay, now.wHour, now.wMinute, now.wSecond);
+    return text;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,28 @@
+// Files that are read whole and replaced whole. Paths are UTF-8.
+#ifndef VNDISCOVER_HOST_PLATFORM_SAVED_FILE_H
+#define VNDISCOVER_HOST_PLATFORM_SAVED_FILE_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace vndiscover::host {
+
+// Empty, with `problem`: it cannot be read, or has more than `maxSize` bytes.
+std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
+                                        std::string& problem);
+
+bool FileExists(const std::string& path);
+
+// Whether ReplaceFileText can work there; false, with `problem`. Changes nothing.
+bool CanReplaceFile(const std::string& path, std::string& problem);
+
+// A file that is there stays as it is until the new one is complete. False, with `problem`.
+bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem);
+
+// The time as "2026-11-25T04:32:23Z".
+std::string UtcNow();
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_PLATFORM_SAVED_FILE_H

@@ -1,0 +1,40 @@
+// Saved scans: a file that is read is written and read again as it was, and each of its answers is
+// of one device.
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+#include "model/compare.h"
+#include "model/device_merge.h"
+#include "model/scan_file.h"
+
+using namespace vndiscover::host;
+
+namespace {
+
+void Expect(bool condition) {
+    if (!condition) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    std::string problem;
+    const auto scan = ReadScan(std::string(data, data + size), problem);
+    Expect(scan.has_value() == problem.empty());
+    if (!scan) return 0;
+    const std::vector<FoundDevice> devices = MakeDevices(*scan);
+    std::vector<bool> isSeen(scan->answers.size());
+    for (const FoundDevice& device : devices) {
+        for (const size_t answer : device.answers) {
+            Expect(!isSeen.at(answer));
+            isSeen[answer] = true;
+        }
+    }
+    for (const bool isOne : isSeen) Expect(isOne);
+    CompareDevices(devices, devices);
+    const auto text = WriteScan(*scan, problem);
+    const auto again = ReadScan(text.value(), problem);
+    Expect(WriteScan(again.value(), problem) == text);
+    return 0;
+}
