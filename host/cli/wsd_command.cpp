@@ -19,9 +19,9 @@ constexpr char kExamples[] =
 the end: a device that replied several times is listed once, with a count.
 Ctrl-C ends the sweep and prints what was found. Types have one of these
 prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub (computers).
---save keeps the replies and the devices made of them as JSON; with --append they
-join the answers of other sweeps in the file, and devices become one by their
-endpoints and addresses.
+--save keeps the replies and the devices made of them as JSON; with --append
+they join the answers of other sweeps in the file, and devices become one by
+their endpoints and addresses.
 
 Examples:
   vndiscover wsd
