@@ -22,6 +22,9 @@ if [ "${VNDISCOVER_LAB_INIT:-}" = 1 ]; then
     mount -t tmpfs -o mode=755 tmpfs /run
     export VNDISCOVER_LAB=/run/lab TMPDIR=/run/lab/tmp
     mkdir -p /run/netns /run/lock $VNDISCOVER_LAB/tmp $VNDISCOVER_LAB/etc/{upper,work}
+    # Where Wine's server has its folder. Wine 10 as Debian builds it crashes without one: it frees TMPDIR's text,
+    # which is the environment's ("free(): invalid pointer").
+    mkdir -p -m 700 "/run/user/$(id -u)"
     mount -t overlay overlay /etc \
         -o lowerdir=/etc,upperdir=$VNDISCOVER_LAB/etc/upper,workdir=$VNDISCOVER_LAB/etc/work
     mkdir -p /etc/netns
