@@ -16,6 +16,7 @@ BUILD, SOURCE, DEPS, KIT = (Path(os.environ[name]) for name in ("BUILD", "SOURCE
 FILES = """
     SHA256SUMS THIRD-PARTY-NOTICES.txt sbom.cdx.json
     bin/VnDiscover.dll bin/VnDiscover.dll.debug bin/vndiscover.exe bin/vndiscover.exe.debug
+    bin/windows_check.exe bin/windows_check.exe.debug
     docs/architecture.md docs/host-guide.md docs/protocol-behaviours.md
     examples/CMakeLists.txt examples/c/sweep.c examples/cpp/worker_sweep.cpp examples/csharp/VnDiscover.cs
     include/vndiscover.h

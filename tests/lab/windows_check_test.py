@@ -1,0 +1,119 @@
+"""windows_check.exe under this Wine: every row of its report is the one that docs/platforms.md has."""
+
+import os
+import re
+import shutil
+import subprocess
+import unittest
+from pathlib import Path
+
+LAB, SCRIPTS = Path(os.environ["VNDISCOVER_LAB"]), os.environ["VNDISCOVER_LAB_SCRIPTS"]
+BIN = Path(os.environ["VNDISCOVER_BIN"])
+DOCUMENT = Path(SCRIPTS).parent.parent / "docs/platforms.md"
+IN_HOST = ["ip", "netns", "exec", "host"]
+
+# Counts the UDP datagrams and echo requests that leave by an adapter of the host's.
+SNIFFER = """
+import signal, socket
+sock = socket.socket(socket.AF_PACKET, socket.SOCK_DGRAM, socket.htons(3))  # every protocol
+print(flush=True)
+left = 0
+def stop(*_):
+    print(left, flush=True)
+    raise SystemExit
+signal.signal(signal.SIGTERM, stop)
+while True:
+    packet, (link, kind, direction, _, _) = sock.recvfrom(4096)
+    protocol = packet[9] if kind == 0x0800 else packet[6] if kind == 0x86DD else 0
+    left += link != "lo" and direction == socket.PACKET_OUTGOING and protocol in (17, 1)
+"""
+
+
+def cells(line):
+    return [cell.strip() for cell in line.strip().strip("|").split(" | ")]
+
+
+def table(text):
+    """(section, name) -> the other cells, for every row of every table."""
+    rows, section = {}, ""
+    for line in text.splitlines():
+        if line.startswith("##"):
+            section = line.lstrip("# ")
+        elif line.startswith("| ") and not line.startswith("| |"):
+            name, *others = cells(line)
+            rows[section, name] = others
+    return rows
+
+
+def run(*options, program=BIN / "windows_check.exe"):
+    """Exit code, report or None, what was printed, datagrams that left the computer."""
+    report = LAB / "report.md"
+    report.unlink(missing_ok=True)
+    with subprocess.Popen(IN_HOST + ["python3", "-c", SNIFFER], stdout=subprocess.PIPE, text=True) as sniffer:
+        sniffer.stdout.readline()
+        done = subprocess.run([SCRIPTS + "/wine-run.sh", "host", str(program), "--report", "report.md", *options], cwd=LAB,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False, timeout=200)
+        sniffer.terminate()
+        left = int(sniffer.stdout.readline())
+    text = report.read_text(encoding="ascii") if report.exists() else None
+    return done.returncode, text, done.stdout + done.stderr, left
+
+
+class Check(unittest.TestCase):
+    maxDiff = None
+
+    def test_every_row_is_the_documented_one(self):
+        code, report, printed, left = run("--network")
+        self.assertIsNotNone(report, printed)
+        wine = "Wine " + re.search(r"that is Wine (\d+)", report)[1]
+        document = DOCUMENT.read_text(encoding="utf-8")
+        columns = cells(re.search(r"^\| \| expected .*$", document, re.M)[0])
+        if wine not in columns:
+            self.skipTest(f"{DOCUMENT.name} has no column for {wine}")
+        column = columns.index(wine) - 1
+        documented = {key: (row[0], row[0] if row[column] == "ok" else row[column])
+                      for key, row in table(document).items() if len(row) == len(columns) - 1}
+        rows = table(report)
+        self.assertEqual(documented, {key: (row[0], row[1]) for key, row in rows.items()})
+        different = [name for (_, name), row in rows.items() if row[2] == "DIFFERENT"]
+        self.assertEqual([name for (_, name), row in rows.items()
+                          if row[0] != row[1] and not row[1].startswith("not seen")], different)
+        self.assertEqual((1 if different else 0), code)
+        self.assertIn(f", {len(different)} different, ", report)
+        self.assertGreater(left, 4)  # the sweeps: the counter counts
+        for secret in (os.uname().nodename, "root", "10.77.", "fe80", "check-auth", "check-priv", str(LAB)):
+            self.assertNotIn(secret.lower(), report.lower())
+
+    def test_nothing_leaves_the_loopback_and_a_port_that_is_taken_is_told(self):
+        holder = "import socket; s = socket.socket(type=socket.SOCK_DGRAM); s.bind(('', 161)); print(flush=True); input()"
+        with subprocess.Popen(IN_HOST + ["python3", "-c", holder], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as held:
+            held.stdout.readline()
+            code, report, printed, left = run()
+            held.kill()
+        self.assertEqual((1, 0), (code, left), printed)
+        self.assertRegex(report, r"leaves, address 1 \| by its own adapter \| not seen: needs --network")
+        self.assertNotIn("Sweeps in every network", report)
+        self.assertIn("| directed requests | an agent of ours on port 161 | not seen: port 161 is taken", report)
+        self.assertNotIn("| get |", report)
+        self.assertIn("| unloading after a sweep |", report)
+
+    def test_without_the_module_the_rest_is_still_reported(self):
+        alone = shutil.copy(BIN / "windows_check.exe", LAB)
+        code, report, printed, _ = run(program=alone)
+        self.assertEqual(1, code, printed)
+        self.assertIn("| VnDiscover.dll beside this program | loads (0) | does not load (126) | DIFFERENT |", report)
+        self.assertIn("| SHA-256 | ba7816bf8f01cfea | ba7816bf8f01cfea | ok |", report)
+
+    def test_options_and_places_that_are_wrong(self):
+        code, report, printed, _ = run("--netwrok")
+        self.assertEqual((2, None), (code, report))
+        self.assertIn("windows_check [--network] [--report FILE]", printed)
+        alone = shutil.copy(BIN / "windows_check.exe", LAB)  # without the module it is quick
+        code, _, printed, _ = run("--report", "nowhere/report.md", program=alone)
+        self.assertEqual(2, code)
+        self.assertIn("nowhere/report.md cannot be written", printed)
+
+
+if __name__ == "__main__":
+    subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
+    unittest.main()
