@@ -1,31 +1,21 @@
-// Which adapters of the host a sweep leaves from, for lists that only few machines have.
-#include "exports/support/logged_test.h"
+// Which adapters of the host a sweep leaves from, for lists that only few machines have, and which
+// address a directed request to an IPv6 device is bound to.
+#include "exports/support/log_lines.h"
 #include "exports/support/scripted_adapters.h"
 
 namespace vndiscover {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
-
-class AdaptersTest : public LoggedTest {
+class AdaptersTest : public NetworkTest {
   protected:
-    // Where the sweep's sockets are bound matters here and not what comes back, so each phase ends
-    // at once.
-    AdaptersTest() : receives(module, [](int) { return WSANOTINITIALISED; }) {}
-
     // The local addresses of the requests that a sweep sends.
-    std::vector<std::string> SendersOf(BYTE useIPv6) {
+    Lines SendersOf(BYTE useIPv6) {
         SilentDevices();
         log.Clear();
         window.results.clear();
         Sweep(nullptr, useIPv6);
         EXPECT_THAT(window.Texts(), ElementsAre("end"));
-        std::vector<std::string> senders;
-        for (const Request& request : agents->Requests()) senders.push_back(request.sender);
-        return senders;
+        return Senders();
     }
     // The log of that sweep as one text.
     std::string Told() const {
@@ -35,7 +25,6 @@ class AdaptersTest : public LoggedTest {
     }
 
     ScriptedAdapters adapters{module};
-    Receives receives;
 };
 
 class IPv4Adapters : public AdaptersTest {};
@@ -92,24 +81,119 @@ TEST_F(IPv6Adapters, AreUsedByTheirLinkLocalAddressesWhileTheyAreUp) {
 }
 
 TEST_F(IPv6Adapters, AreUsedUpTo32) {
-    adapters.AddIPv6(L"Many", std::vector<std::string>(40, "fe80::1:1"));
+    adapters.AddIPv6(L"Many", Lines(40, "fe80::1:1"));
     EXPECT_THAT(SendersOf(1), SizeIs(32));
     EXPECT_THAT(Told(), HasSubstr("-------------- ...nCount [32]\n"));
 }
 
 TEST_F(IPv6Adapters, AreAskedForThreeTimesAtMostWithTheRoomTheyNeed) {
     adapters.AddIPv6(L"Up", {"fe80::1:1"});
+    const auto sizesOf = [this](size_t senders) {
+        adapters.sizes.clear();
+        EXPECT_THAT(SendersOf(1), SizeIs(senders));
+        return adapters.sizes;
+    };
     adapters.needs = 50000;
-    EXPECT_THAT(SendersOf(1), ElementsAre("fe80::1:1"));
-    EXPECT_THAT(adapters.sizes, ElementsAre(15000, 50000));
-    adapters.sizes.clear();
+    EXPECT_THAT(sizesOf(1), ElementsAre(15000, 50000));
     adapters.alwaysNeeds = 100;
-    EXPECT_THAT(SendersOf(1), IsEmpty());
-    EXPECT_THAT(adapters.sizes, ElementsAre(15000, 15100, 15200));
-    adapters.sizes.clear();
+    EXPECT_THAT(sizesOf(0), ElementsAre(15000, 15100, 15200));
     adapters.error = 9852;
-    EXPECT_THAT(SendersOf(1), IsEmpty());
-    EXPECT_THAT(adapters.sizes, SizeIs(1)) << "any other failure is final";
+    EXPECT_THAT(sizesOf(0), ElementsAre(15000)) << "any other failure is final";
+}
+
+constexpr char kInNetA[] = "fe80::1:11";
+constexpr char kInNetB[] = "fe80::2:2";
+
+class BindAddress : public NetworkTest {
+  protected:
+    // A device answers only what comes from its own network's adapter.
+    BindAddress() {
+        Devices([](const Request& request) {
+            const bool isNeighbour = request.local.substr(0, 7) == request.sender.substr(0, 7);
+            return isNeighbour ? Answers{{SnmpText("Model")}} : Answers();
+        });
+    }
+    std::string Get(const char* host) {
+        seen = Requests().size();
+        waits = SilentWaits().size();
+        log.Clear();
+        char text[VN_INFORMATION_SIZE] = "(nothing)";
+        module.GetSnmpInformation(host, text, nullptr, nullptr);
+        return text;
+    }
+    // Of that call: the addresses that requests left from, and its silent waits.
+    Lines LastSenders() const {
+        const Lines all = Senders();
+        return Lines(all.begin() + static_cast<std::ptrdiff_t>(seen), all.end());
+    }
+    size_t LastWaits() const { return SilentWaits().size() - waits; }
+
+    size_t seen = 0, waits = 0;
+};
+
+TEST_F(BindAddress, IsTheFirstAdaptersUnlessItsTrialPassesSilently) {
+    EXPECT_EQ("Model", Get(kInNetA));
+    EXPECT_THAT(LastSenders(), ElementsAre("fe80::1:1", "fe80::1:1"));
+    // A trial that cannot be sent is not one without an answer.
+    network.sendError = [](int call) { return call == 1 ? WSAENETUNREACH : 0; };
+    EXPECT_EQ("Model", Get(kInNetA));
+    EXPECT_THAT(LastSenders(), ElementsAre("fe80::1:1"));
+    EXPECT_THAT(SilentWaits(), IsEmpty());
+}
+
+// Only the first two rows are ever tried, and there is no way back to the first.
+TEST_F(BindAddress, IsTheSecondAdaptersAfterOneSilentWaitAndStays) {
+    EXPECT_EQ("Model", Get(kInNetB));
+    EXPECT_THAT(LastSenders(), ElementsAre("fe80::1:1", "fe80::2:1"));
+    EXPECT_EQ(1u, LastWaits());
+    EXPECT_EQ("Model", Get(kInNetB));
+    EXPECT_THAT(LastSenders(), ElementsAre("fe80::2:1", "fe80::2:1")) << "remembered";
+    EXPECT_EQ("(nothing)", Get(kInNetA));
+    EXPECT_EQ(1u + 5, LastWaits());
+
+    EXPECT_EQ("Model", Get("10.77.1.11"));
+    EXPECT_THAT(LastSenders(), ElementsAre("10.77.1.1")) << "an IPv4 device is asked unbound";
+    EXPECT_TRUE(log.Has("szBindIp []\n"));
+
+    Reload();
+    EXPECT_EQ("Model", Get(kInNetA)) << "a module that is loaded anew starts with the first";
+}
+
+TEST_F(BindAddress, IsOneOfTheFirstTwoOfTheList) {
+    for (const Lines& list : {Lines{"fe80::1:1"}, Lines{"fe80::1:1", "fe80::1:1", "fe80::2:1"}}) {
+        Reload();
+        ScriptedAdapters adapters(module);
+        adapters.AddIPv6(L"Adapter", list);
+        EXPECT_EQ("(nothing)", Get(kInNetB));
+        EXPECT_TRUE(log.Has("szBindIp [fe80::1:1]\n"));
+        EXPECT_EQ(1u + 5, LastWaits());
+    }
+}
+
+TEST_F(BindAddress, IsLoggedWithTheAddressesItIsChosenFrom) {
+    const Lines asked = {"SNMP::GetInformation - [fe80::2:2]\n"};
+    const auto exchange = [](const std::string& from) {
+        return RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid)) +
+               Lines{" tszBindAddr [" + from + "]\n"};
+    };
+    const auto row = [](const std::string& address) {
+        return Lines{" pStringBuf [" + address + "]\n",
+                     "g_adapterAddr[g_nAdapter].szAddress [" + address + "]\n"};
+    };
+    const Lines trial = Lines{"VxSNMP::VxSNMP()\n"} + asked + Lines{"SCKRAW::SCKRAW()\n"};
+    const Lines request = Lines{"szBindIp [fe80::2:1]\n"} + asked + exchange("fe80::2:1") +
+                          Lines{"VxSnmpMgr::~VxSnmpMgr()\n", "SCKRAW::~SCKRAW() [-1]\n"};
+    Get(kInNetB);
+    const Lines first = log.Lines();
+    const Lines expected = row("fe80::1:1") + row("fe80::2:1") + trial + exchange("fe80::1:1") +
+                           Lines{"RecvFrom - Timeout\n"} + request;
+    EXPECT_EQ("g_nAdapter [0]\n", first[0]);
+    // The list of the adapters stands between.
+    ASSERT_GT(first.size(), expected.size());
+    EXPECT_THAT(Lines(first.end() - static_cast<std::ptrdiff_t>(expected.size()), first.end()),
+                ElementsAreArray(expected));
+    Get(kInNetB);
+    ExpectLog(Lines{"g_nAdapter [2]\n"} + trial + exchange("fe80::2:1") + request);
 }
 
 }  // namespace

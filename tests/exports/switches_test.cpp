@@ -1,16 +1,12 @@
 // The registry switches of the debug log, and where its lines go.
 #include <fstream>
 #include <regex>
+#include <thread>
 
-#include "exports/support/logged_test.h"
+#include "exports/support/network_test.h"
 
 namespace vndiscover {
 namespace {
-
-using testing::AnyOf;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr char kFile[] = "VxAdmSvc.log";
 constexpr char kSpoken[] = "VxSnmpMgr::StopDiscover\n";
@@ -25,7 +21,6 @@ class DebugSwitches : public testing::Test {
     static void StartAThread() {
         std::thread([] {}).join();
     }
-    static bool HasFile() { return GetFileAttributesA(kFile) != INVALID_FILE_ATTRIBUTES; }
     // What the file holds, each line behind its time stamp.
     static Lines FileLines() {
         static const std::regex stamp("\\d\\d/\\d\\d/\\d\\d\\d\\d \\d\\d:\\d\\d:\\d\\d:\\d\\d\\d ");
@@ -42,18 +37,14 @@ class DebugSwitches : public testing::Test {
     LogCapture log;
 };
 
-TEST_F(DebugSwitches, OffMeansNoLineAndNoFile) {
-    Speak(Module());
-    EXPECT_THAT(log.Lines(), IsEmpty());
-    EXPECT_FALSE(HasFile());
-}
-
 TEST_F(DebugSwitches, DebugSendsLinesToTheDebuggerFromLoadToUnload) {
+    { const Module off; }
+    EXPECT_THAT(log.Lines(), IsEmpty());
     switches.SetOn("Debug");
-    { const Module module; }
+    { const Module on; }
     EXPECT_THAT(log.Lines(), ElementsAre("VxSNMP::VxSNMP()\n", "VxSoapMgr::VxSoapMgr()\n",
                                          "VxSnmpMgr::~VxSnmpMgr()\n", "VxSoapMgr::~VxSoapMgr()\n"));
-    EXPECT_FALSE(HasFile());
+    EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(kFile));
 }
 
 TEST_F(DebugSwitches, Dbg2LogAppendsLinesToTheFileUntilTheModuleIsUnloaded) {
@@ -129,7 +120,7 @@ TEST_F(DebugSwitches, WideLinesNeverReachTheFile) {
     switches.SetOn("Debug");
     switches.SetOn("Dbg2Log");
     const Module module;
-    const Sends sends(module, [](int) { return WSAENETUNREACH; });
+    const ScriptedNetwork network(module);
     module.DiscoverDevicesByOIDjson(nullptr, 0, 0, 0, L"{}", nullptr, nullptr, nullptr);
     Lines narrow;
     int wide = 0;
@@ -145,7 +136,7 @@ TEST_F(DebugSwitches, WideLinesNeverReachTheFile) {
 TEST_F(DebugSwitches, AFileThatCannotBeOpenedDropsLinesOnly) {
     CreateDirectoryA(kFile, nullptr);
     switches.SetOn("Dbg2Log");
-    { const Module module; }
+    Speak(Module());
     EXPECT_NE(0, RemoveDirectoryA(kFile));
 }
 

@@ -1,7 +1,6 @@
 // When the system's crypto functions fail: what the log says, that nothing is sent authenticated or
 // in the clear, and that what had been opened is closed.
-#include "exports/support/logged_test.h"
-#include "exports/support/v3_devices.h"
+#include "exports/support/v3_test.h"
 
 #include <wincrypt.h>
 
@@ -10,33 +9,17 @@ namespace {
 
 int g_open;  // contexts, keys and hashes
 
-BOOL Opened(BOOL done) {
-    if (done) ++g_open;
-    return done;
-}
-BOOL WINAPI Acquire(HCRYPTPROV* context, LPCSTR name, LPCSTR provider, DWORD type, DWORD flags) {
-    return Opened(CryptAcquireContextA(context, name, provider, type, flags));
-}
-BOOL WINAPI ImportKey(HCRYPTPROV context, const BYTE* data, DWORD size, HCRYPTKEY by, DWORD flags,
-                      HCRYPTKEY* key) {
-    return Opened(CryptImportKey(context, data, size, by, flags, key));
-}
-BOOL WINAPI CreateHash(HCRYPTPROV context, ALG_ID id, HCRYPTKEY key, DWORD flags,
-                       HCRYPTHASH* hash) {
-    return Opened(CryptCreateHash(context, id, key, flags, hash));
-}
-BOOL WINAPI Release(HCRYPTPROV context, DWORD flags) {
-    --g_open;
-    return CryptReleaseContext(context, flags);
-}
-BOOL WINAPI DestroyKey(HCRYPTKEY key) {
-    --g_open;
-    return CryptDestroyKey(key);
-}
-BOOL WINAPI DestroyHash(HCRYPTHASH hash) {
-    --g_open;
-    return CryptDestroyHash(hash);
-}
+// A function of the system's that opens or closes one of them.
+template <auto Function, int Change>
+struct Counted;
+template <class... Arguments, BOOL(WINAPI* Function)(Arguments...), int Change>
+struct Counted<Function, Change> {
+    static BOOL WINAPI Call(Arguments... arguments) {
+        const BOOL done = Function(arguments...);
+        if (done) g_open += Change;
+        return done;
+    }
+};
 
 // In place of a function with whatever arguments, which the caller removes.
 BOOL Fail() {
@@ -53,7 +36,7 @@ FARPROC WINAPI Lookup(HMODULE library, const char* name) {
     return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(FailWithStatus));
 }
 
-class V3CryptoFailures : public DebugSwitchOn, public V3Test {
+class V3CryptoFailures : public V3Test {
   protected:
     // One private answer to whatever is asked.
     V3CryptoFailures() {
@@ -74,18 +57,16 @@ class V3CryptoFailures : public DebugSwitchOn, public V3Test {
         EXPECT_STREQ("before", value);
         EXPECT_TRUE(log.Has(line)) << line;
     }
-
-    Waits waits{module};
-    LogCapture log;
 };
 
 TEST_F(V3CryptoFailures, OfTheOlderLibrary) {
-    const ImportPatch counted[] = {{module.Handle(), "CryptAcquireContextA", Acquire},
-                                   {module.Handle(), "CryptImportKey", ImportKey},
-                                   {module.Handle(), "CryptCreateHash", CreateHash},
-                                   {module.Handle(), "CryptReleaseContext", Release},
-                                   {module.Handle(), "CryptDestroyKey", DestroyKey},
-                                   {module.Handle(), "CryptDestroyHash", DestroyHash}};
+    const ImportPatch counted[] = {
+        {module.Handle(), "CryptAcquireContextA", Counted<CryptAcquireContextA, 1>::Call},
+        {module.Handle(), "CryptImportKey", Counted<CryptImportKey, 1>::Call},
+        {module.Handle(), "CryptCreateHash", Counted<CryptCreateHash, 1>::Call},
+        {module.Handle(), "CryptReleaseContext", Counted<CryptReleaseContext, -1>::Call},
+        {module.Handle(), "CryptDestroyKey", Counted<CryptDestroyKey, -1>::Call},
+        {module.Handle(), "CryptDestroyHash", Counted<CryptDestroyHash, -1>::Call}};
     struct Row {
         const char* function;
         const wchar_t* auth;

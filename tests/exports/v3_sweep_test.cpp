@@ -1,17 +1,8 @@
-// Sweeps over SNMPv3: what goes out, which devices are delivered, when a sweep ends, what the log
-// says.
-#include <algorithm>
-
-#include "exports/support/logged_test.h"
-#include "exports/support/v3_devices.h"
+// Sweeps over SNMPv3: what goes out, which devices are delivered, what the log says.
+#include "exports/support/v3_test.h"
 
 namespace vndiscover {
 namespace {
-
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
-using testing::SizeIs;
 
 // A request for the default OID, whole and independently made: Python's hashlib and hmac, and
 // `openssl enc -nopad`, over what V3RequestFields() builds.
@@ -26,9 +17,7 @@ Bytes PrivateRequest() {
         "83e84a0fd362");
 }
 
-const char kSilence[] = "RecvFrom - Timeout\n";
-
-class V3SweepBase : public V3Test {
+class V3Sweep : public V3Test {
   protected:
     int32_t Sweep(BYTE useIPv6 = 0) {
         return user.Ask([&](auto... security) {
@@ -43,19 +32,15 @@ class V3SweepBase : public V3Test {
     }
 };
 
-class V3Sweep : public V3SweepBase {
-  protected:
-    Waits waits{module};
-};
-
 TEST_F(V3Sweep, AsksEverybodyForAnEngineAndThenEachResponderForItsValue) {
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
     EXPECT_EQ(0, Sweep());
-    EXPECT_THAT(Ways(), ElementsAre("10.77.1.1 > 255.255.255.255:161", "10.77.1.1 > 10.77.1.2:161",
-                                    "10.77.2.1 > 255.255.255.255:161"));
+    EXPECT_THAT(Ways(), ElementsAre("neta: 10.77.1.1 > 255.255.255.255:161",
+                                    "neta: 10.77.1.1 > 10.77.1.2:161",
+                                    "netb: 10.77.2.1 > 255.255.255.255:161"));
     EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Request(kDefaultOid), V3Probe()));
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=Model")) << "and no final message";
-    EXPECT_THAT(waits.Silent(), ElementsAre(2000, 2000));
+    EXPECT_THAT(SilentWaits(), ElementsAre(2000, 2000));
 }
 
 TEST_F(V3Sweep, AsksAsTheUserThatTheHostNames) {
@@ -76,37 +61,35 @@ TEST_F(V3Sweep, AsksAsTheUserThatTheHostNames) {
 
 TEST_F(V3Sweep, ReachesIPv6DevicesThroughTheirOwnAdapter) {
     Devices([](const Request& request) {
-        if (request.net != "netb") return std::vector<Answer>();
-        return std::vector<Answer>{{request.local == "ff02::1" ? V3Report() : V3Text("Model")}};
+        if (request.net != "netb") return Answers();
+        return Answers{{request.local == "ff02::1" ? V3Report() : V3Text("Model")}};
     });
     Sweep(1);
-    EXPECT_THAT(Ways(), ElementsAre("fe80::1:1 > ff02::1:161", "fe80::2:1 > ff02::1:161",
-                                    "fe80::2:1 > fe80::2:2:161"));
+    EXPECT_THAT(Ways(),
+                ElementsAre("neta: fe80::1:1 > ff02::1:161", "netb: fe80::2:1 > ff02::1:161",
+                            "netb: fe80::2:1 > fe80::2:2:161"));
     EXPECT_THAT(Asked(), ElementsAre(V3Request(kDefaultOid)));
     EXPECT_THAT(window.Texts(), ElementsAre("fe80::2:2=Model"));
 }
 
 TEST_F(V3Sweep, DeliversWhoAnswersWithTextInTheOrderOfTheReportsDuplicatesIncluded) {
     const std::vector<V3AnswerCase> rows = V3AnswerCases();
-    std::vector<Answer> reports;
-    std::vector<std::string> expected;
+    Answers reports;
+    Lines expected;
     for (size_t i = 0; i < rows.size(); ++i) {
         const std::string address = "10.77.1.1" + std::to_string(5 - i % 5);
         reports.push_back({V3Report(), address});
         if (!rows[i].text.empty()) expected.push_back(address + '=' + rows[i].text);
     }
     reports.push_back({V3Report(), "10.77.1.2"});  // and does not answer
-    size_t asked = 0;
-    Devices([&](const Request& request) {
-        if (request.net != "neta") return std::vector<Answer>();
+    Devices([&, asked = size_t{0}](const Request& request) mutable {
+        if (request.net != "neta") return Answers();
         if (request.data == V3Probe()) return reports;
-        const size_t row = asked++;
-        return row < rows.size() ? std::vector<Answer>{{rows[row].datagram}}
-                                 : std::vector<Answer>();
+        return asked < rows.size() ? Answers{{rows[asked++].datagram}} : Answers();
     });
     Sweep();
     EXPECT_THAT(window.Texts(), ElementsAreArray(expected));
-    EXPECT_THAT(waits.Silent(), SizeIs(2 + 1)) << "one for the device without an answer";
+    EXPECT_THAT(SilentWaits(), SizeIs(2 + 1)) << "one for the device without an answer";
 }
 
 TEST_F(V3Sweep, AsksAReporterWithoutAnEngineWithAnotherProbe) {
@@ -121,11 +104,11 @@ TEST_F(V3Sweep, AsksAReporterWithoutAnEngineWithAnotherProbe) {
 
 TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
     Devices([](const Request& request) {
-        if (request.net != "neta") return std::vector<Answer>();
-        if (request.data == V3Probe()) return std::vector<Answer>{{V3Report()}};
-        if (request.data == V3Request(kSysDescr)) return std::vector<Answer>{{V3Text("Model")}};
-        if (request.data != V3Request(kSysName)) return std::vector<Answer>();
-        return std::vector<Answer>{{V3Text("prn \"1\"", kSysName)}};
+        if (request.net != "neta") return Answers();
+        if (request.data == V3Probe()) return Answers{{V3Report()}};
+        if (request.data == V3Request(kSysDescr)) return Answers{{V3Text("Model")}};
+        if (request.data != V3Request(kSysName)) return Answers();
+        return Answers{{V3Text("prn \"1\"", kSysName)}};
     });
     EXPECT_EQ(0, SweepFor(L"{\"DiscoverOID\": \".1.3.6.1.2.1.1.1.0\", \"GET\": {"
                           L"\".1.3.6.1.2.1.1.5.0\": \"\", \".1.3.6.1.2.1.1.6.0\": \"kept\"}, "
@@ -134,10 +117,10 @@ TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
                 ElementsAre("10.77.1.2={\n\t\"DiscoverOID\":\t\".1.3.6.1.2.1.1.1.0\",\n"
                             "\t\"GET\":\t{\n\t\t\".1.3.6.1.2.1.1.5.0\":\t\"prn \\\"1\\\"\",\n"
                             "\t\t\".1.3.6.1.2.1.1.6.0\":\t\"kept\"\n\t},\n\t\"\xc3\xa9\":\t7\n}"));
-    EXPECT_THAT(Asked(), ElementsAre(V3Request(kSysDescr), V3Request(kSysName),
-                                     V3Request(".1.3.6.1.2.1.1.6.0")))
+    EXPECT_THAT(Asked(),
+                ElementsAre(V3Request(kSysDescr), V3Request(kSysName), V3Request(kSysLocation)))
         << "the engine values are those of the report";
-    EXPECT_THAT(waits.Silent(), SizeIs(1 + 2)) << "one wait for the value that is missing";
+    EXPECT_THAT(SilentWaits(), SizeIs(1 + 2)) << "one wait for the value that is missing";
 }
 
 TEST_F(V3Sweep, JsonIsRejectedFrom2048BytesOnAndNotDeliveredWhereItIsNone) {
@@ -153,97 +136,16 @@ TEST_F(V3Sweep, JsonIsRejectedFrom2048BytesOnAndNotDeliveredWhereItIsNone) {
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2={\n\t\"a\":\t1\n}"));
 }
 
-// A network of more devices than the table holds, played by these functions: so many exchanges over
-// the test network would take minutes.
-namespace crowd {
-
-int adapters, reports, answers;
-bool isAsked;
-DWORD msPerReport;
-
-DWORD WINAPI Clock() { return static_cast<DWORD>(reports) * msPerReport; }
-
-int WSAAPI Select(int, fd_set*, fd_set*, fd_set*, const timeval*) { return adapters > 1 ? 0 : 1; }
-
-int WSAAPI Send(SOCKET, const char*, int length, int, const sockaddr* to, int) {
-    isAsked = reinterpret_cast<const sockaddr_in*>(to)->sin_addr.s_addr != INADDR_BROADCAST;
-    if (!isAsked) ++adapters;
-    return length;
-}
-
-int WSAAPI Receive(SOCKET, char* buffer, int, int, sockaddr* from, int* fromLength) {
-    if (adapters > 1) {  // the other network is silent
-        WSASetLastError(WSAEWOULDBLOCK);
-        return SOCKET_ERROR;
-    }
-    const Bytes data = isAsked ? V3Text("Model " + std::to_string(answers++)) : V3Report();
-    if (!isAsked) ++reports;
-    isAsked = false;
-    sockaddr_in sender = {};
-    sender.sin_family = AF_INET;
-    sender.sin_addr.s_addr = htonl(0x0A4D0102);
-    std::memcpy(from, &sender, sizeof sender);
-    *fromLength = sizeof sender;
-    std::copy(data.begin(), data.end(), buffer);
-    return static_cast<int>(data.size());
-}
-
-}  // namespace crowd
-
-class V3Limits : public V3SweepBase {
+class V3SweepLog : public V3Sweep {
   protected:
-    V3Limits() {
-        crowd::adapters = crowd::reports = crowd::answers = 0;
-        crowd::msPerReport = 0;
-    }
-
-    ImportPatch select{module.Handle(), "select", crowd::Select};
-    ImportPatch send{module.Handle(), "sendto", crowd::Send};
-    ImportPatch receive{module.Handle(), "recvfrom", crowd::Receive};
-    ImportPatch clock{module.Handle(), "GetTickCount", crowd::Clock};
-};
-
-TEST_F(V3Limits, AFullTableEndsAPhaseAtOnce) {
-    Sweep();
-    EXPECT_EQ(8192, crowd::reports);
-    EXPECT_EQ(2, crowd::adapters);
-    ASSERT_THAT(window.results, SizeIs(8192));
-    for (size_t i = 0; i < window.results.size(); ++i) {
-        ASSERT_EQ("Model " + std::to_string(i), window.results[i].value);
-    }
-}
-
-TEST_F(V3Limits, AMinuteEndsAPhaseThatIsNeverSilent) {
-    crowd::msPerReport = 20000;
-    Sweep();
-    EXPECT_THAT(window.results, SizeIs(3));
-}
-
-TEST_F(V3Sweep, AStopFromAnotherThreadEndsCollectionWithoutDelivery) {
-    Devices([&](const Request& request) {  // on a thread of the devices
-        if (request.data == V3Probe()) return std::vector<Answer>{{V3Report()}, {V3Report()}};
-        module.StopDiscoverSnmp();
-        return std::vector<Answer>{{V3Text("A")}};
-    });
-    Sweep();
-    EXPECT_THAT(window.Texts(), IsEmpty());
-    EXPECT_THAT(Asked(), SizeIs(2)) << "one device of each adapter";
-}
-
-class V3SweepLog : public DebugSwitchOn, public V3SweepBase {
-  protected:
-    Waits waits{module};
-    LogCapture log;
-    const Lines encode = {"VxSNMPv3::Encode()\n"};
-    const Lines decode = {"VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n"};
     const Lines takesReport =
         Lines{"HandleEventsV3 start\n", "tszRecvAddr = [10.77.1.2]\n"} + decode +
         Lines{"OID length [14]\n", "OID = [2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ]\n",
               "SNMP::GetInformationV3 - [10.77.1.2]\n"} +
         encode;
     const Lines ended = {"SNMP::Discoverv3 - ended\n"};
-    Lines Found(int count) {
-        return {kSilence,
+    static Lines Found(int count) {
+        return {"RecvFrom - Timeout\n",
                 " ==== We have [" + std::to_string(count) + "] devices on the network. ==== \n"};
     }
 };
@@ -251,31 +153,28 @@ class V3SweepLog : public DebugSwitchOn, public V3SweepBase {
 TEST_F(V3SweepLog, TellsAJsonSweepFromItsStartToItsEnd) {
     DeviceWith({{V3Report()}}, {{V3Text("A")}});
     SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
-    EXPECT_THAT(
-        log.Lines(),
-        ElementsAreArray(
-            Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode +
-            Lines{"wszDisOID []\n", "szDisOid []\n",
-                  "Should not come here set set DisOID to \".1.3.6.1.4.1.5963.43.5.1.1.1.1\"\n"} +
-            AdapterLines(0) + takesReport + decode + Lines{"strValue [A]"} + Found(1) +
-            Lines{"GET command\n", "Key [.1.3.6.1.2.1.1.5.0]\n", "  value []\n",
-                  "  szKey [.1.3.6.1.2.1.1.5.0]\n", "OID length [9]\n",
-                  "OID = [2b 06 01 02 01 01 05 00 ]\n", "SNMP::GetInformationV3 - [10.77.1.2]\n"} +
-            encode + decode +
-            Lines{"szKey [.1.3.6.1.2.1.1.5.0] strValue [A]",
-                  "We have [1] devices responsed the information.\n", "HandleEvents end\n"} +
-            AdapterLines(1) + Lines{"HandleEventsV3 start\n"} + Found(0) + ended));
+    ExpectLog(Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode +
+              Lines{"wszDisOID []\n", "szDisOid []\n",
+                    "Should not come here set set DisOID to \".1.3.6.1.4.1.5963.43.5.1.1.1.1\"\n"} +
+              AdapterLines(0) + takesReport + decode + Lines{"strValue [A]"} + Found(1) +
+              Lines{"GET command\n", "Key [.1.3.6.1.2.1.1.5.0]\n", "  value []\n",
+                    "  szKey [.1.3.6.1.2.1.1.5.0]\n", "OID length [9]\n",
+                    "OID = [2b 06 01 02 01 01 05 00 ]\n",
+                    "SNMP::GetInformationV3 - [10.77.1.2]\n"} +
+              encode + decode +
+              Lines{"szKey [.1.3.6.1.2.1.1.5.0] strValue [A]",
+                    "We have [1] devices responsed the information.\n", "HandleEvents end\n"} +
+              AdapterLines(1) + Lines{"HandleEventsV3 start\n"} + Found(0) + ended);
 }
 
 TEST_F(V3SweepLog, TellsFailedSendsAndADeviceWithoutAValue) {
     DeviceWith({{V3Report()}}, {});
-    const Sends sends(module, [](int call) { return call >= 2 ? WSAENETUNREACH : 0; });
+    network.sendError = [](int call) { return call >= 2 ? WSAENETUNREACH : 0; };
     Sweep();
     const Lines failed = {"sendto() failed - 10051\n", "sendto() failed, err: 10051\n"};
-    EXPECT_THAT(log.Lines(),
-                ElementsAreArray(Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode +
-                                 AdapterLines(0) + takesReport + failed + Lines{"strValue []"} +
-                                 Found(0) + AdapterLines(1) + failed + ended));
+    ExpectLog(Lines{"SNMP::DiscoverV3\n", "SCKRAW::SCKRAW()\n"} + encode + AdapterLines(0) +
+              takesReport + failed + Lines{"strValue []"} + Found(0) + AdapterLines(1) + failed +
+              ended);
 }
 
 }  // namespace

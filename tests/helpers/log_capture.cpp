@@ -1,7 +1,5 @@
 #include "helpers/log_capture.h"
 
-#include <algorithm>
-
 #ifdef _WIN32
 #include "support/win.h"
 #else
@@ -64,21 +62,6 @@ LogCapture::LogCapture() : registration_(this) {
 
 LogCapture::~LogCapture() { g_logSink = nullptr; }
 #endif
-
-std::vector<std::string> LogCapture::Lines() const {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return lines_;
-}
-
-bool LogCapture::Has(const std::string& line) const {
-    const std::vector<std::string> lines = Lines();
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
-
-void LogCapture::Clear() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    lines_.clear();
-}
 
 void LogCapture::Add(std::string line) {
     std::lock_guard<std::mutex> lock(mutex_);

@@ -1,6 +1,7 @@
 // The lines that code under test writes to its log, collected while the object lives.
 #pragma once
 
+#include <algorithm>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -17,10 +18,18 @@ class LogCapture {
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    std::vector<std::string> Lines() const;
-    bool Has(const std::string& line) const;
-    // Forgets the lines so far.
-    void Clear();
+    std::vector<std::string> Lines() const {
+        std::lock_guard<std::mutex> lock(mutex_);
+        return lines_;
+    }
+    bool Has(const std::string& line) const {
+        const std::vector<std::string> lines = Lines();
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
+    }
+    void Clear() {
+        std::lock_guard<std::mutex> lock(mutex_);
+        lines_.clear();
+    }
 
     void Add(std::string line);
 

@@ -1,5 +1,7 @@
 """What the tests of vndiscover.exe share: the lab with an agent and a responder, and ways to run the program."""
 
+import concurrent.futures
+import io
 import os
 import pty
 import re
@@ -13,12 +15,14 @@ import time
 import unittest
 
 SCRIPTS = os.environ["VNDISCOVER_LAB_SCRIPTS"]
-PROGRAM = [SCRIPTS + "/wine-run.sh", "host", os.environ["VNDISCOVER_BIN"] + "/vndiscover.exe"]
+BIN = os.environ["VNDISCOVER_BIN"]
+ON_HOST = [SCRIPTS + "/wine-run.sh", "host"]
 LAB = os.environ["VNDISCOVER_LAB"]
 AGENT = "10.77.1.2"
 AGENT6 = "fe80::1:2"
 SYSTEM = ".1.3.6.1.2.1.1"
 CONTACT = SYSTEM + ".4.0"
+WRITABLE = ".1.3.6.1.4.1.5963.9.1.0"
 V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
 
 AGENT_CONF = """
@@ -29,32 +33,16 @@ rwcommunity secret
 rwcommunity6 secret
 syslocation Hall "B", 2nd floor
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
+override -rw .1.3.6.1.4.1.5963.9.1.0 octet_str "ext. 41"
 createUser admin SHA-256 authpass1 AES privpass1
 rouser admin priv
 """
 
-# Answers every WS-Discovery probe, with escape sequences and with a reply that fills the buffer.
-RESPONDER = """
-import socket, struct
-sock = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-sock.bind(("", 3702))
-group = socket.inet_aton("239.255.255.250")
-sock.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP, group + socket.inet_aton("10.77.1.2"))
-match = ('<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"><e:Body><d:ProbeMatches '
-         'xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery"><d:ProbeMatch><d:XAddrs>http://a/&#27;[2J'
-         '</d:XAddrs></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>').encode()
-while True:
-    _, sender = sock.recvfrom(4096)
-    for reply in (match, match.ljust(2048, b" "), b"\\x1b]0;x\\x07\\x9b2J", b"A" * 2048):
-        sock.sendto(reply, sender)
-"""
-
-
-def run(*arguments, **environment):
-    """Runs the program without a terminal. Returns exit code, standard output, standard error."""
+def run(*arguments, program="vndiscover.exe", **environment):
+    """Runs a program without a terminal. Returns exit code, standard output, standard error."""
     # Into files: Wine's own services keep pipes open for two seconds after the program has ended.
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
-        done = subprocess.run(PROGRAM + list(arguments), stdin=subprocess.DEVNULL, stdout=out, stderr=err, timeout=120,
+        done = subprocess.run([*ON_HOST, f"{BIN}/{program}", *arguments], stdin=subprocess.DEVNULL, stdout=out, stderr=err, timeout=120,
                               env={**os.environ, **environment}, check=False)
         out.seek(0)
         err.seek(0)
@@ -64,10 +52,10 @@ def run(*arguments, **environment):
 def run_on_terminal(steps, *arguments):
     """Runs the program on a terminal and types. `steps`: pairs of a text to wait for and what is typed then.
     Returns exit code, what the screen got without its control sequences, and the seconds since the last key."""
+    command, environment = [*ON_HOST, BIN + "/vndiscover.exe", *arguments], {**os.environ, "TERM": "xterm"}
     child, terminal = pty.fork()
     if child == 0:
-        os.environ["TERM"] = "xterm"
-        os.execv(PROGRAM[0], PROGRAM + list(arguments))
+        os.execve(command[0], command, environment)
     screen, raw, seen, steps = "", b"", 0, list(steps)
     typed = start = time.time()
     while time.time() - start < 60:
@@ -90,12 +78,29 @@ def run_on_terminal(steps, *arguments):
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
 
 
-def main():
-    """Sets the lab up and runs the tests of the calling file."""
+def start_in(net, *command):
+    return subprocess.Popen(["ip", "netns", "exec", net, *command], stdin=subprocess.DEVNULL,
+                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+
+
+def run_test(test):
+    output = io.StringIO()
+    result = unittest.TextTestRunner(output).run(test)
+    return result.wasSuccessful(), output.getvalue()
+
+
+def main(agent_conf="", prepare=lambda: None):
+    """Sets the lab up and runs the tests of the calling file at the same time, since they mostly wait."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
-    subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=AGENT_CONF, text=True, check=True,
-                   stdout=subprocess.DEVNULL)
-    responder = subprocess.Popen(["ip", "netns", "exec", "neta", sys.executable, "-c", RESPONDER])
-    result = unittest.main(module="__main__", exit=False).result
-    responder.kill()
-    sys.exit(not result.wasSuccessful())
+    if agent_conf:
+        subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=agent_conf, text=True, check=True,
+                       stdout=subprocess.DEVNULL)
+    prepare()
+    suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
+    tests = [test for case in suite for test in case]
+    with concurrent.futures.ThreadPoolExecutor(len(tests)) as pool:  # an error when there are none
+        results = list(pool.map(run_test, tests))
+    for succeeded, output in results:
+        if not succeeded:
+            print(output)
+    sys.exit(not all(succeeded for succeeded, _ in results))

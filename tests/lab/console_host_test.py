@@ -1,8 +1,25 @@
 """vndiscover.exe on the command line and on a terminal: usage, help, Ctrl-C, passwords, hostile replies."""
 
+import sys
 import unittest
 
-from console_host import AGENT, CONTACT, LAB, SYSTEM, V3, main, run, run_on_terminal
+from console_host import AGENT, AGENT_CONF, CONTACT, LAB, SYSTEM, V3, main, run, run_on_terminal, start_in
+
+# Answers every WS-Discovery probe, with escape sequences and with a reply that fills the buffer.
+RESPONDER = """
+import socket, struct
+sock = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
+sock.bind(("", 3702))
+group = socket.inet_aton("239.255.255.250")
+sock.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP, group + socket.inet_aton("10.77.1.2"))
+match = ('<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"><e:Body><d:ProbeMatches '
+         'xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery"><d:ProbeMatch><d:XAddrs>http://a/&#27;[2J'
+         '</d:XAddrs></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>').encode()
+while True:
+    _, sender = sock.recvfrom(4096)
+    for reply in (match, match.ljust(2048, b" "), b"\\x1b]0;x\\x07\\x9b2J", b"A" * 2048):
+        sock.sendto(reply, sender)
+"""
 
 
 class Usage(unittest.TestCase):
@@ -67,4 +84,4 @@ class OtherCommands(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    main()
+    main(AGENT_CONF, lambda: start_in("neta", sys.executable, "-c", RESPONDER))

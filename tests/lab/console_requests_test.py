@@ -7,7 +7,7 @@ import json
 import subprocess
 import unittest
 
-from console_host import AGENT, AGENT6, CONTACT, LAB, SYSTEM, V3, main, run
+from console_host import AGENT, AGENT6, AGENT_CONF, CONTACT, LAB, SYSTEM, V3, WRITABLE, main, run
 
 LOCATION = SYSTEM + ".6.0"
 LOCATION_TEXT = 'Hall "B", 2nd floor'
@@ -50,6 +50,10 @@ class Sweeps(unittest.TestCase):
             self.assertEqual(b'"10.77.1.2","Hall ""B"", 2nd floor"\r\n', file.read())
 
 
+    def test_the_example_of_the_readme_finds_the_agent(self):
+        self.assertEqual((0, "10.77.1.2\tModel 1\nthe sweep is over\n"), run(program="first_use.exe")[:2])
+
+
 class DirectedRequests(unittest.TestCase):
     def test_a_walk_finds_what_net_snmp_finds(self):
         tool = subprocess.run(["ip", "netns", "exec", "host", "snmpwalk", "-v1", "-c", "sesame", "-m", "", "-Onq",
@@ -83,8 +87,8 @@ class DirectedRequests(unittest.TestCase):
 
     def test_set_writes_and_verify_tells_a_refusal(self):
         for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, "ext. 43")):
-            arguments = ["set", host, CONTACT, "string", value, "--verify"]
-            shown = f"{CONTACT} = OCTET STRING: {value}\n"
+            arguments = ["set", host, WRITABLE, "string", value, "--verify"]
+            shown = f"{WRITABLE} = OCTET STRING: {value}\n"
             code, out, err = run(*arguments)
             self.assertEqual((1, shown), (code, out))  # a refusal is an answer like any other
             self.assertIn("not set", err)
@@ -99,11 +103,8 @@ class DirectedRequests(unittest.TestCase):
                     ["walk", silent])):
                 self.assertEqual(1, code)
                 self.assertIn("no answer", err)
-        subprocess.run(["ip", "-n", "host", "route", "del", "default"], check=True)
-        try:
-            code, out, err = run("get", "10.99.0.1", CONTACT)
-        finally:
-            subprocess.run(["ip", "-n", "host", "route", "add", "default", "dev", "eth0"], check=True)
+        subprocess.run(["ip", "-n", "host", "route", "add", "unreachable", "10.99.0.1"], check=True)
+        code, out, err = run("get", "10.99.0.1", CONTACT)
         self.assertEqual((3, ""), (code, out))
         self.assertIn("could not be sent", err)
         code, _, err = run("get", AGENT, CONTACT, *V3, VNDISCOVER_AUTH_PASS="wrongpass", VNDISCOVER_PRIV_PASS="x")
@@ -113,4 +114,4 @@ class DirectedRequests(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    main()
+    main(AGENT_CONF)

@@ -7,7 +7,7 @@ import time
 import unittest
 from xml.etree import ElementTree
 
-from console_host import SCRIPTS, run
+from console_host import main, run, start_in
 
 NAMES = {"neta": ("10.77.1.2", "PRINTER1"), "netb": ("10.77.2.2", "PRINTER2")}
 PORTS = ((":0E76 ", "udp"), (":14ED ", "tcp"))  # 3702 and, opened last, 5357, as the system lists them
@@ -19,8 +19,7 @@ def listed(net, protocol):
 
 
 def start_responder(net):
-    subprocess.Popen(["ip", "netns", "exec", net, "wsdd", "-4", "-i", "eth0", "-n", NAMES[net][1]],
-                     stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    start_in(net, "wsdd", "-4", "-i", "eth0", "-n", NAMES[net][1])
     for _ in range(400):
         if all(port in listed(net, protocol) for port, protocol in PORTS):
             return
@@ -53,10 +52,12 @@ class RealResponder(unittest.TestCase):
         self.assertEqual((1, "[]\n"), (code, out), err)
 
 
-if __name__ == "__main__":
-    subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
+def start_responders():
     for last in range(11, 16):  # one address for each responder
         subprocess.run(["ip", "-n", "neta", "addr", "del", f"10.77.1.{last}/24", "dev", "eth0"], check=True)
     for network in NAMES:
         start_responder(network)
-    unittest.main()
+
+
+if __name__ == "__main__":
+    main(prepare=start_responders)

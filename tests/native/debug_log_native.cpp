@@ -50,6 +50,4 @@ void DebugLogW(const wchar_t* format, ...) {
     g_logSink(WideToUtf8(message).c_str(), g_logSinkContext);
 }
 
-uint8_t IsDebugLogEnabled() { return g_debugSwitches.debug; }
-
 }  // namespace vndiscover

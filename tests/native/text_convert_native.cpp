@@ -10,35 +10,22 @@ namespace {
 constexpr wchar_t kReplacement = 0xFFFD;
 
 void AppendUtf8(std::string& out, uint32_t c) {
-    if (c < 0x80) {
-        out += static_cast<char>(c);
-        return;
-    }
-    const int rest = c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
-    static const uint8_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
-    out += static_cast<char>(kLead[rest] | (c >> (6 * rest)));
+    const int rest = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+    const uint32_t mark = rest == 0 ? 0 : 0xFF00u >> (rest + 1);
+    out += static_cast<char>(mark | (c >> (6 * rest)));
     for (int i = rest - 1; i >= 0; --i) out += static_cast<char>(0x80 | ((c >> (6 * i)) & 0x3F));
-}
-
-// Count of continuation bytes behind a lead byte, -1 for a byte that is none.
-int RestOf(uint8_t lead) {
-    if (lead < 0x80) return 0;
-    if (lead >= 0xC2 && lead < 0xE0) return 1;
-    if (lead >= 0xE0 && lead < 0xF0) return 2;
-    return lead >= 0xF0 && lead < 0xF5 ? 3 : -1;
 }
 
 wchar_t TakeUtf8(const char*& text) {
     const auto lead = static_cast<uint8_t>(*text++);
-    const int rest = RestOf(lead);
-    if (rest < 0) return kReplacement;
-    static const uint8_t kMask[] = {0x7F, 0x1F, 0x0F, 0x07};
-    uint32_t c = lead & kMask[rest];
-    for (int i = 0; i < rest; ++i) {
+    if (lead < 0x80) return lead;
+    if (lead < 0xC2 || lead > 0xF4) return kReplacement;
+    const int rest = lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    uint32_t c = lead & (0x3F >> rest);
+    for (int i = 0; i < rest; ++i, ++text) {
         const auto next = static_cast<uint8_t>(*text);
         if ((next & 0xC0) != 0x80) return kReplacement;
         c = (c << 6) | (next & 0x3F);
-        ++text;
     }
     return static_cast<wchar_t>(c);
 }

@@ -1,5 +1,6 @@
-"""docs_test.py SOURCE: the documents against the code: every export is explained, every link leads somewhere, the
-diagram of includes is the one that the sources make.
+"""docs_test.py SOURCE: what repeats the code says the same: every export is explained, every link leads somewhere,
+the diagram of includes is the one that the sources make; the C# declarations are the header's in names, order and
+types of arguments, results, constants and the record's layout.
 """
 import re
 import sys
@@ -8,6 +9,22 @@ from pathlib import Path
 
 SOURCE = Path(sys.argv.pop(1))
 FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", "delivery")
+
+# A type of the header, and the C# types that pass it.
+TYPES = {
+    "HWND": {"IntPtr"},
+    "UINT": {"uint"},
+    "BYTE": {"byte"},
+    "int32_t": {"int"},
+    "uint32_t": {"uint"},
+    "uint32_t*": {"ref uint"},
+    "const wchar_t*": {"[MarshalAs(UnmanagedType.LPWStr)] string"},
+    "const char*": {"[MarshalAs(UnmanagedType.LPStr)] string", "byte[]"},
+    "char*": {"[Out] byte[]"},
+    "uint8_t*": {"[In, Out] byte[]"},
+    "VnResponseRecord*": {"ref VnResponseRecord"},
+}
+WIDTHS = {"uint8_t": 1, "char": 1, "uint16_t": 2, "byte[]": 1, "ushort": 2}
 
 
 def folder_of(path):
@@ -30,6 +47,23 @@ def includes():
     return found
 
 
+def read(path):
+    text = re.sub(r"/\*.*?\*/", "", (SOURCE / path).read_text(encoding="utf-8"), flags=re.S)
+    return re.sub(r"//[^\n]*", "", text) if path.endswith(".cs") else text
+
+
+def parameters(text):
+    """(type, name) of each parameter; commas within brackets do not divide."""
+    text = " ".join(text.split())
+    pieces = re.split(r",\s*(?![^\[(]*[\])])", text) if text not in ("", "void") else []
+    split = (re.match(r"(.*?)\s*(\w+)$", piece).groups() for piece in pieces)
+    return [(kind.replace(" *", "*"), name) for kind, name in split]
+
+
+def functions(text, pattern):
+    return {m["name"]: (m["result"], parameters(m["args"])) for m in re.finditer(pattern, text)}
+
+
 class Documents(unittest.TestCase):
     maxDiff = None
 
@@ -50,6 +84,45 @@ class Documents(unittest.TestCase):
         drawn = set(re.findall(r"^    (\w+) --> (\w+)", text, flags=re.M))
         drawn = {(a, b) for a, b in drawn if a in FOLDERS and b != "support"}
         self.assertEqual(drawn, includes())
+
+
+class CSharp(unittest.TestCase):
+    maxDiff = None
+
+    header, csharp = read("include/vndiscover.h"), read("examples/csharp/VnDiscover.cs")
+
+    def test_exports_agree(self):
+        declared = functions(self.header, r"VN_API (?P<result>\w+) (?P<name>\w+)\((?P<args>[^;]*)\);")
+        imported = functions(
+            self.csharp, r"\[DllImport\(Dll, ExactSpelling = true\)[^\]]*\]\s*public static extern "
+            r"(?P<result>\w+) (?P<name>\w+)\((?P<args>[^;]*)\);")
+        self.assertGreater(len(declared), 20)
+        self.assertEqual(list(declared), list(imported))
+        for name, (result, arguments) in declared.items():
+            with self.subTest(name):
+                importedResult, importedArguments = imported[name]
+                self.assertIn(importedResult, TYPES[result])
+                self.assertEqual([n for _, n in arguments], [n for _, n in importedArguments])
+                for (kind, argument), (importedKind, _) in zip(arguments, importedArguments):
+                    self.assertIn(importedKind, TYPES[kind], argument)
+
+    def test_constants_agree(self):
+        defined = {name: value.rstrip("u").lstrip("L") for name, value in
+                   re.findall(r'^#define (VN_\w+) (L?"[^"]*"|\w+)', self.header, flags=re.M)
+                   if name not in ("VN_EXTERN", "VN_API")}
+        constants = dict(re.findall(r"public const \w+ (VN_\w+) = ([^;]+);", self.csharp))
+        self.assertGreater(len(defined), 25)
+        self.assertEqual(defined, constants)
+
+    def test_the_record_has_the_same_fields_at_the_same_places(self):
+        fields = re.search(r"typedef struct VnResponseRecord \{(.*?)\}", self.header, flags=re.S)[1]
+        expected = [(name, WIDTHS[kind], count or "1")
+                    for kind, name, count in re.findall(r"(\w+) (\w+)(?:\[(\w+)\])?;", fields)]
+        fields = re.search(r"struct VnResponseRecord\s*\{(.*?)\}", self.csharp, flags=re.S)[1]
+        actual = [(name, WIDTHS[kind], count or "1") for count, kind, name in re.findall(
+            r"(?:\[MarshalAs\(UnmanagedType.ByValArray, SizeConst = (\w+)\)\] )?"
+            r"public (\S+) (\w+);", fields)]
+        self.assertEqual(expected, actual)
 
 
 if __name__ == "__main__":

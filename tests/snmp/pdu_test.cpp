@@ -27,6 +27,19 @@ Bytes PduTlv(const Bytes& bindings) {
     return Tlv(0xA2, Hex("02 02 01 01 02 01 02 02 01 01") + Tlv(0x30, bindings));
 }
 
+TEST(VarBind, HoldsNoMoreThanItsFields) {
+    OidValue name;
+    ParseOidText(name, "1.3.6.1");
+    const Bytes content(127, 'v');
+    VarBindRecord binding = {};
+    for (const int32_t length : {-1, 127, INT32_MAX}) {
+        EXPECT_EQ(-1, MakeVarBind(name, {kTagOctetString, length, content.data()}, binding));
+    }
+    name.length = 125;
+    EXPECT_EQ(-1, MakeVarBind(name, {kTagNull, 0, nullptr}, binding));
+    EXPECT_EQ(0, binding.seqTag) << "left alone";
+}
+
 TEST(VarBind, HeaderCopiesLeaveTheValueAlone) {
     VarBindRecord copy = {};
     CopyVarBindHeader(Binding(kTagOctetString, TextBytes("ab")), copy);

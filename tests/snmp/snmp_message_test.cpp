@@ -77,12 +77,39 @@ class ParseTest : public testing::Test {
 };
 
 TEST_F(ParseTest, OfSeveralBindingsTheLastStays) {
+    std::memset(record.name, 9, sizeof record.name);
+    std::memset(record.value, 9, sizeof record.value);
     EXPECT_EQ(2, Parse(Answer(TextBinding("a longer one") + TextBinding("b"))));
     EXPECT_STREQ("192.0.2.7", record.address);
     EXPECT_EQ(0x04, record.valueTag);
     EXPECT_EQ(1, record.valueLength);
-    EXPECT_EQ(Bytes{'b'} + Bytes(255, 0), Bytes(record.value, record.value + 256));
-    EXPECT_EQ(kSysDescrOid, Bytes(record.name, record.name + record.nameLength));
+    EXPECT_EQ(Bytes{'b'} + Bytes(255, 0) + Bytes{9}, Bytes(record.value, record.value + 257));
+    EXPECT_EQ(kSysDescrOid.size(), record.nameLength);
+    EXPECT_EQ(kSysDescrOid + Bytes(120, 0), Bytes(record.name, record.name + kNameSize));
+}
+
+// Positions count from the datagram's start, the length from behind itself.
+TEST_F(ParseTest, ReadsBindingsThatBeginBelowTheMessageLength) {
+    const Bytes first = TextBinding("a"), second = TextBinding("b");
+    Bytes answer = Answer(first + second);
+    const size_t secondAt = answer.size() - second.size(), firstAt = secondAt - first.size();
+    const std::pair<size_t, int32_t> rows[] = {
+        {firstAt, 0}, {firstAt + 1, 1}, {secondAt, 1}, {secondAt + 1, 2}};
+    for (const auto& [length, count] : rows) {
+        answer[1] = static_cast<uint8_t>(length);
+        EXPECT_EQ(count, Parse(answer)) << length;
+    }
+}
+
+TEST_F(ParseTest, WhatAPrefixLacksReadsAsZeros) {
+    const std::string value = "value";
+    const Bytes whole = Answer(TextBinding(value));
+    const size_t nameAt = whole.size() - TextBinding(value).size() + 2;
+    const size_t valueAt = whole.size() - value.size();
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        ASSERT_EQ(size > nameAt ? 1 : 0, Parse(Prefix(whole, size))) << size;
+        EXPECT_EQ(value.substr(0, size > valueAt ? size - valueAt : 0), record.ValueText());
+    }
 }
 
 TEST_F(ParseTest, ReadsLongLengthsOnlyAsTwoBytesWithAHighZero) {
@@ -131,6 +158,15 @@ TEST_F(ParseTest, LengthsBeyondTheDatagramReadAsZerosWithinTheFields) {
     const std::string sender(100, '9');
     Parse({}, sender.c_str());
     EXPECT_EQ(sender.substr(0, kAddressSize - 1), record.address);
+}
+
+TEST_F(ParseTest, ANameThatIsTooLongIsCutAndStaysWithinItsField) {
+    EXPECT_EQ(1, Parse(Hex("30 7f 02 01 00 04 01 63 a2 7f 02 01 01 02 01 00 02 01 00 30 7f 30 7f"
+                           "06 c8") +
+                       Bytes(200, 0x55) + Hex("04 01 61")));
+    EXPECT_EQ(Bytes(kNameSize, 0x55), Bytes(record.name, record.name + record.nameLength));
+    EXPECT_TRUE(record.engineId.Empty() && !record.engineId.data) << "what follows the field";
+    EXPECT_STREQ("a", record.ValueText());
 }
 
 }  // namespace

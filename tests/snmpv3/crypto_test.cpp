@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "helpers/bytes.h"
+#include "snmpv3/keys.h"
 #include "snmpv3/protocol_codes.h"
 #include "snmpv3/sha224.h"
 
@@ -52,16 +53,6 @@ Bytes Sha224Of(const Bytes& bytes) {
     return ToBytes(digest);
 }
 
-// FIPS 180-4 examples: one block, two blocks, many blocks.
-TEST(Sha224Test, MatchesTheStandardsExamples) {
-    EXPECT_EQ(Hex("23097d223405d8228642a477bda255b32aadbce4bda0b3f7e36c9da7"),
-              Sha224Of(TextBytes("abc")));
-    EXPECT_EQ(Hex("75388b16512776cc5dba5da1fd890150b0c6455cb4f58b1952522525"),
-              Sha224Of(TextBytes("abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq")));
-    EXPECT_EQ(Hex("20794655980c91d8bbb4c1ea97618a4bf03f42581948b2ee4ee7ad67"),
-              Sha224Of(Bytes(1000000, 'a')));
-}
-
 // The digests of 5a, 5a5a, ... of all lengths up to 200, each in two parts cut anywhere, put
 // together and hashed: their hash was computed with Python's hashlib.
 TEST(Sha224Test, HashesEveryLengthHoweverItIsCut) {
@@ -88,6 +79,36 @@ TEST(Sha224Test, HashesAKeyLongerThanItsBlockFirst) {
     ByteBuffer mac;
     HmacSha224(key.data(), key.size(), message.data(), message.size(), mac);
     EXPECT_EQ(Hex("95e9a0db962095adaebe9b2d6f0dbce2d499f112f2d2b7273fa6870e"), ToBytes(mac));
+}
+
+Bytes KeyOf(uint32_t authCode, const Bytes& password) {
+    CryptoSession crypto;
+    return ToBytes(PasswordToKey(crypto, authCode, ToBuffer(password),
+                                 ToBuffer(Hex("00 00 00 00 00 00 00 00 00 00 00 02"))));
+}
+
+// RFC 3414 A.3.1 and A.3.2; the others computed with Python's hashlib.
+TEST(Keys, MapleSyrupGivesTheKnownKeys) {
+    const char* const keys[] = {"526f5eed9fcce26f8964c2930787d82b",
+                                "6695febc9288e36282235fc7151f128497b38f3f",
+                                "0bd8827c6e29f8065e08e09237f177e410f69b90e1782be682075674",
+                                "8982e0e549e866db361a6b625d84cccc11162d453ee8ce3a6445c2d6776f0f8b",
+                                "3b298f16164a11184279d5432bf169e2d2a48307de02b3d3f7e2b4f36eb6f045"
+                                "5a53689a3937eea07319a633d2ccba78",
+                                "22a5a36cedfcc085807a128d7bc6c2382167ad6c0dbc5fdff856740f3d84c099"
+                                "ad1ea87a8db096714d9788bd544047c9021e4229ce27e4c0a69250adfcffbb0b"};
+    uint32_t code = kAuthMd5;
+    for (const char* key : keys) EXPECT_EQ(Hex(key), KeyOf(code++, TextBytes("maplesyrup")));
+    EXPECT_EQ(Bytes(), KeyOf(code, TextBytes("maplesyrup"))) << "no such protocol";
+    EXPECT_EQ(Bytes(), KeyOf(kAuthSha1, {}));
+}
+
+// 20,400 bytes: longer than what is put together before hashing. Computed with Python's hashlib.
+TEST(Keys, LongPasswordsAreRepeatedToo) {
+    Bytes password;
+    for (int i = 0; i < 80 * 255; ++i) password.push_back(static_cast<uint8_t>(i % 255 + 1));
+    EXPECT_EQ(Hex("bc01d512f3ea8b1a3f8650b2258adcff0634eab578bf4ab9850cd23fbb260e8b"),
+              KeyOf(kAuthSha256, password));
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 
 #include "helpers/bytes.h"
 #include "helpers/unit_log.h"
-#include "helpers/v3_answer.h"
+#include "helpers/snmp_datagrams.h"
 #include "snmpv3/vx_snmpv3.h"
 
 namespace vndiscover {

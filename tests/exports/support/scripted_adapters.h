@@ -1,6 +1,8 @@
 // Adapter lists that no test network has, in front of the system's own.
 #pragma once
 
+#include <algorithm>
+#include <cstring>
 #include <deque>
 #include <string>
 #include <utility>
@@ -16,13 +18,39 @@ namespace vndiscover {
 // system's own they refuse a buffer that is too small and tell the size that they need.
 class ScriptedAdapters {
   public:
-    explicit ScriptedAdapters(const Module& module);
+    explicit ScriptedAdapters(const Module& module)
+        : lookup_(module.Handle(), "GetProcAddress", Lookup) {
+        self_ = this;
+    }
 
-    // Behind the adapters that were added before. Entries are pairs of address and mask.
+    // After the adapters that were added before. Entries are pairs of address and mask.
     void AddIPv4(const std::string& description,
-                 const std::vector<std::pair<std::string, std::string>>& entries);
+                 const std::vector<std::pair<std::string, std::string>>& entries) {
+        IP_ADAPTER_INFO& adapter = Append(ipv4_, ipv4_.empty() ? nullptr : &ipv4_.back());
+        std::strncpy(adapter.Description, description.c_str(), sizeof adapter.Description - 1);
+        IP_ADDR_STRING* entry = nullptr;
+        for (const auto& [address, mask] : entries) {
+            entry = entry ? &Append(ipv4Entries_, entry) : &adapter.IpAddressList;
+            std::strncpy(entry->IpAddress.String, address.c_str(), 15);
+            std::strncpy(entry->IpMask.String, mask.c_str(), 15);
+        }
+    }
     void AddIPv6(const std::wstring& name, const std::vector<std::string>& addresses,
-                 bool isUp = true);
+                 bool isUp = true) {
+        IP_ADAPTER_ADDRESSES& adapter = Append(ipv6_, ipv6_.empty() ? nullptr : &ipv6_.back());
+        adapter.FriendlyName = names_.emplace_back(name).data();
+        adapter.IfType = IF_TYPE_ETHERNET_CSMACD;
+        adapter.OperStatus = isUp ? IfOperStatusUp : IfOperStatusDown;
+        IP_ADAPTER_UNICAST_ADDRESS* entry = nullptr;
+        for (const std::string& text : addresses) {
+            entry = &Append(ipv6Entries_, entry);
+            if (!adapter.FirstUnicastAddress) adapter.FirstUnicastAddress = entry;
+            sockaddr_in6& address = ipv6Addresses_.emplace_back();
+            address.sin6_family = AF_INET6;
+            inet_pton(AF_INET6, text.c_str(), &address.sin6_addr);
+            entry->Address = {reinterpret_cast<sockaddr*>(&address), sizeof address};
+        }
+    }
 
     ULONG needs = 0;                    // bytes; 0: as many as the records of the list have
     ULONG alwaysNeeds = 0;              // bytes more than any buffer has
@@ -30,15 +58,56 @@ class ScriptedAdapters {
     bool addressesInUpperCase = false;  // from inet_ntop
     std::vector<ULONG> sizes;           // of the buffers that the module offered
 
-    // The first record goes to the module's buffer and leads to the others, which stay here.
-    std::deque<IP_ADAPTER_INFO> ipv4;
-    std::deque<IP_ADDR_STRING> ipv4Entries;  // but each adapter's first
-    std::deque<IP_ADAPTER_ADDRESSES> ipv6;
-    std::deque<IP_ADAPTER_UNICAST_ADDRESS> ipv6Entries;
-    std::deque<sockaddr_in6> ipv6Addresses;
-    std::deque<std::wstring> ipv6Names;
-
   private:
+    template <class Record>
+    static Record& Append(std::deque<Record>& records, Record* last) {
+        Record& record = records.emplace_back();
+        std::memset(&record, 0, sizeof record);
+        if (last) last->Next = &record;
+        return record;
+    }
+    // The first record goes to the module's buffer and leads to the others, which stay here.
+    template <class Record>
+    ULONG Fill(const std::deque<Record>& records, void* list, ULONG* size) {
+        const ULONG offered = *size;
+        sizes.push_back(offered);
+        if (error != 0) return error;
+        *size = needs ? needs : static_cast<ULONG>(records.size() * sizeof(Record));
+        if (alwaysNeeds != 0) *size = offered + alwaysNeeds;
+        if (*size == 0) return ERROR_NO_DATA;
+        if (offered < *size) return ERROR_BUFFER_OVERFLOW;
+        std::memcpy(list, &records.front(), sizeof(Record));
+        return ERROR_SUCCESS;
+    }
+    static ULONG WINAPI ListIPv4(IP_ADAPTER_INFO* list, ULONG* size) {
+        return self_->Fill(self_->ipv4_, list, size);
+    }
+    static ULONG WINAPI ListIPv6(ULONG, ULONG, void*, IP_ADAPTER_ADDRESSES* list, ULONG* size) {
+        return self_->Fill(self_->ipv6_, list, size);
+    }
+    static PCSTR WSAAPI UpperCaseText(INT family, const void* address, PSTR text, size_t size) {
+        const PCSTR written = inet_ntop(family, address, text, size);
+        std::transform(text, text + strlen(text), text, toupper);
+        return written;
+    }
+    static FARPROC WINAPI Lookup(HMODULE library, const char* name) {
+        const std::string function = name;
+        const auto as = [](auto scripted) {
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(scripted));
+        };
+        if (function == "GetAdaptersInfo") return as(ListIPv4);
+        if (function == "GetAdaptersAddresses") return as(ListIPv6);
+        if (function == "inet_ntop" && self_->addressesInUpperCase) return as(UpperCaseText);
+        return GetProcAddress(library, name);
+    }
+
+    static inline ScriptedAdapters* self_;
+    std::deque<IP_ADAPTER_INFO> ipv4_;
+    std::deque<IP_ADDR_STRING> ipv4Entries_;  // but each adapter's first
+    std::deque<IP_ADAPTER_ADDRESSES> ipv6_;
+    std::deque<IP_ADAPTER_UNICAST_ADDRESS> ipv6Entries_;
+    std::deque<sockaddr_in6> ipv6Addresses_;
+    std::deque<std::wstring> names_;
     ImportPatch lookup_;
 };
 

@@ -1,0 +1,210 @@
+// What most tests of the exports need: the module with its debug log, a host's window, and devices
+// that each test describes.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "exports/support/module.h"
+#include "exports/support/scripted_network.h"
+#include "helpers/log_capture.h"
+#include "helpers/snmp_datagrams.h"
+
+namespace vndiscover {
+
+using testing::AllOf;
+using testing::AnyOf;
+using testing::Contains;
+using testing::Each;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::Ge;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Le;
+using testing::SizeIs;
+
+using Lines = std::vector<std::string>;
+
+inline Lines operator+(Lines left, const Lines& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+inline Lines Times(int count, const Lines& lines) {
+    Lines all;
+    while (count-- > 0) all = all + lines;
+    return all;
+}
+
+// The first part of a table's row: it names the test.
+struct Row {
+    const char* name;
+};
+inline std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
+constexpr auto kNameOfRow = [](const auto& row) { return std::string(row.param.name); };
+
+// The registry values that switch the debug log on. A module sees a change when it is loaded or
+// when a thread starts.
+class RegistrySwitches {
+  public:
+    // name: the one that is on; null: none.
+    explicit RegistrySwitches(const char* name = nullptr) {
+        RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_);
+        if (name) SetOn(name);
+    }
+    ~RegistrySwitches() {
+        RegCloseKey(key_);
+        RemoveAll();
+        RegDeleteKeyA(HKEY_LOCAL_MACHINE, "Software\\Varnell Osk");
+    }
+    RegistrySwitches(const RegistrySwitches&) = delete;
+    RegistrySwitches& operator=(const RegistrySwitches&) = delete;
+
+    void Set(const char* name, DWORD type, const Bytes& data) {
+        RegSetValueExA(key_, name, 0, type, data.data(), static_cast<DWORD>(data.size()));
+    }
+    void SetOn(const char* name) { Set(name, REG_DWORD, {1, 0, 0, 0}); }
+    void Remove(const char* name) { RegDeleteValueA(key_, name); }
+    // The key itself too; nothing can be set afterwards.
+    void RemoveAll() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kKey); }
+
+  private:
+    static constexpr char kKey[] = "Software\\Varnell Osk\\VnInst";
+    HKEY key_ = nullptr;
+};
+
+// A host's window: it keeps a copy of every result message.
+struct Result {
+    std::string address;
+    std::string value;  // up to its first zero byte, or the whole buffer where there is none
+    Bytes buffer;       // the value's first bytes, where the window keeps buffers
+    bool isEnd;         // both parameters were 0
+};
+
+class ResultWindow {
+  public:
+    static constexpr UINT kMessage = WM_APP + 161;
+
+    // bufferSize: how much of every value's buffer to keep and to look through for its end
+    // (WS-Discovery replies); 0: values are NUL-terminated text.
+    explicit ResultWindow(size_t bufferSize = 0)
+        : window_(CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
+                                  nullptr)),
+          bufferSize_(bufferSize) {
+        SetWindowLongPtrA(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        SetWindowLongPtrA(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(OnMessage));
+    }
+    ~ResultWindow() { DestroyWindow(window_); }
+    ResultWindow(const ResultWindow&) = delete;
+    ResultWindow& operator=(const ResultWindow&) = delete;
+
+    HWND Handle() const { return window_; }
+    // "address=value" each, the final message as "end".
+    std::vector<std::string> Texts() const {
+        std::vector<std::string> texts;
+        for (const Result& result : results) {
+            texts.push_back(result.isEnd ? "end" : result.address + '=' + result.value);
+        }
+        return texts;
+    }
+
+    std::vector<Result> results;
+    std::function<void(const Result&)> onResult;  // runs inside the message
+
+  private:
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != kMessage) return DefWindowProcA(window, message, wParam, lParam);
+        auto* self = reinterpret_cast<ResultWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA));
+        self->Take(reinterpret_cast<const char*>(wParam), reinterpret_cast<const char*>(lParam));
+        return 0;
+    }
+    void Take(const char* address, const char* value) {
+        Result result = {};
+        result.isEnd = !address && !value;
+        if (address) result.address = address;
+        if (value) result.value.assign(value, strnlen(value, bufferSize_ ? bufferSize_ : SIZE_MAX));
+        if (value) result.buffer.assign(value, value + bufferSize_);
+        results.push_back(result);
+        if (onResult) onResult(result);
+    }
+
+    HWND window_;
+    size_t bufferSize_;
+};
+
+class NetworkTest : public testing::Test {
+  protected:
+    // The debug log costs time where thousands of calls are made.
+    explicit NetworkTest(bool isLogged = true) : switches(isLogged ? "Debug" : nullptr) {}
+    // No socket stays open after any call.
+    ~NetworkTest() override { EXPECT_EQ(0u, network.OpenSockets()); }
+
+    void Devices(Reply reply) { network.Devices(std::move(reply)); }
+    void SilentDevices() { Devices(nullptr); }
+    // Every device of that network answers alike; the others are silent.
+    void DeviceIn(const std::string& net, Answers answers) {
+        Devices([=](const Request& request) { return request.net == net ? answers : Answers(); });
+    }
+    const std::vector<Request>& Requests() const { return network.Requests(); }
+    // Their data.
+    std::vector<Bytes> Sent() const {
+        std::vector<Bytes> sent;
+        for (const Request& request : Requests()) sent.push_back(request.data);
+        return sent;
+    }
+    // "net: sender > address:port" of each.
+    Lines Ways() const {
+        Lines ways;
+        for (const Request& request : Requests()) {
+            ways.push_back(request.net + ": " + request.sender + " > " + request.local + ':' +
+                           std::to_string(request.port));
+        }
+        return ways;
+    }
+    // The addresses that they left from.
+    Lines Senders() const {
+        Lines senders;
+        for (const Request& request : Requests()) senders.push_back(request.sender);
+        return senders;
+    }
+    const std::vector<int>& SilentWaits() const { return network.SilentWaits(); }
+    // The whole log; a failure shows the lines that differ.
+    void ExpectLog(const Lines& expected) const {
+        const auto text = [](const Lines& lines) {
+            std::string all;
+            for (const std::string& line : lines) all += line + '\n';
+            return all;
+        };
+        EXPECT_EQ(text(expected), text(log.Lines()));
+    }
+
+    // DiscoverDevices with the default community; the time-out does not matter.
+    void Sweep(const wchar_t* path = nullptr, BYTE useIPv6 = 0) {
+        EXPECT_EQ(0, module.DiscoverDevices(window.Handle(), window.kMessage, 9, useIPv6, path,
+                                            nullptr, nullptr));
+    }
+    // DiscoverDevicesByOIDjson without a file.
+    void SweepFor(const std::wstring& request, const wchar_t* community = nullptr,
+                  BYTE useIPv6 = 0) {
+        EXPECT_EQ(0, module.DiscoverDevicesByOIDjson(window.Handle(), window.kMessage, 0, useIPv6,
+                                                     request.c_str(), nullptr, community, nullptr));
+    }
+    // Unloads the module and loads it again.
+    void Reload() {
+        network.Detach();
+        module.Reload();
+        network.Attach(module);
+    }
+
+    RegistrySwitches switches;  // first: the module reads them as it is loaded
+    Module module;
+    ScriptedNetwork network{module};
+    ResultWindow window;
+    LogCapture log;
+};
+
+}  // namespace vndiscover

@@ -1,0 +1,86 @@
+// What the tests of the exports over SNMPv3 share.
+#pragma once
+
+#include <algorithm>
+
+#include "exports/support/log_lines.h"
+
+namespace vndiscover {
+
+// The security arguments of the exports.
+struct V3User {
+    std::wstring name = L"user";
+    BYTE useAuth = 0;
+    BYTE usePriv = 0;
+    const wchar_t* authProtocol = VN_AUTH_SHA1;
+    const wchar_t* privProtocol = VN_PRIV_AES;
+    const wchar_t* authPassword = L"authp\u00e4ss";
+    const wchar_t* privPassword = L"privp\u00e4ss";
+
+    // Calls an export with its last arguments.
+    template <class Call>
+    int32_t Ask(Call&& call) const {
+        return call(name.c_str(), useAuth, authPassword, usePriv, privPassword, authProtocol,
+                    privProtocol);
+    }
+};
+
+inline Bytes V3NamelessReport() { return WithoutEngine(V3ReportFields()).Build(); }
+
+// Signed with a code that is wrong.
+inline Bytes V3WronglySigned(const std::string& text) {
+    V3Datagram answer = V3AnswerFields(Tlv(0x04, TextBytes(text)));
+    answer.flagsTlv = Tlv(0x04, {0x01});
+    answer.macTlv = Tlv(0x04, Bytes(12, 0xAA));
+    return answer.Build();
+}
+
+// Whatever comes back is the answer; this is the text that it holds, and the type of its value.
+struct V3AnswerCase : Row {
+    Bytes datagram;
+    std::string text;
+    uint32_t type;  // 0: it holds no variable
+};
+inline std::vector<V3AnswerCase> V3AnswerCases() {
+    const auto valued = [](const char* tlv) { return V3AnswerFields(Hex(tlv)).Build(); };
+    V3Datagram otherModel = V3AnswerFields(Tlv(0x04, TextBytes("Model")));
+    otherModel.securityModel = 1;
+    const Bytes whole = V3Text("Model");
+    return {{{"TextUpToItsZeroByte"}, V3Text(std::string("ab\0cd", 5)), "ab", 4},
+            {{"LongestText"}, V3Text(std::string(126, 'x')), std::string(126, 'x'), 4},
+            {{"TooLongText"}, V3Text(std::string(127, 'x')), "", 0},
+            {{"EmptyText"}, V3Text(""), "", 4},
+            {{"AnotherOid"}, V3Text("Model", ".1.3.6.1"), "Model", 4},
+            {{"WrongAuthentication"}, V3WronglySigned("Model"), "Model", 4},
+            {{"Integer"}, valued("02 01 ff"), "-1", 2},
+            {{"IntegerOfSixBytes"}, valued("02 06 00 00 00 00 00 01"), "", 2},
+            {{"NoSuchInstance"}, valued("81 00"), "", 0x81},
+            {{"AnotherReport"}, V3Report(), "", 0x41},
+            {{"AnotherSecurityModel"}, otherModel.Build(), "", 0},
+            {{"Cut"}, Prefix(whole, whole.size() - 1), "", 0},
+            {{"NoBer"}, TextBytes("hello"), "", 0},
+            {{"CommunityAnswer"}, SnmpText("Model"), "", 0}};
+}
+
+class V3Test : public NetworkTest {
+  protected:
+    // Devices of neta: they answer the probe with reports, and whatever else with answers.
+    void DeviceWith(Answers reports, Answers answers) {
+        Devices([=](const Request& request) {
+            if (request.net != "neta") return Answers();
+            return request.data == V3Probe() ? reports : answers;
+        });
+    }
+    // The requests to single devices.
+    std::vector<Bytes> Asked() const {
+        std::vector<Bytes> asked = Sent();
+        asked.erase(std::remove(asked.begin(), asked.end(), V3Probe()), asked.end());
+        return asked;
+    }
+
+    V3User user;
+    const Lines encode = {"VxSNMPv3::Encode()\n"};
+    const Lines decode = {"VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n"};
+};
+
+}  // namespace vndiscover

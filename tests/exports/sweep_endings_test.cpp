@@ -1,0 +1,160 @@
+// When the three kinds of sweep end, and what has been delivered by then.
+#include "exports/support/network_test.h"
+
+namespace vndiscover {
+namespace {
+
+enum class Protocol { kV1, kV3, kWsd };
+
+struct Kind : Row {
+    Protocol protocol;
+    int waitMs, totalMs;
+    int adapters;
+};
+
+// The test's devices are those of neta, unless it says so: its n-th answer is device n. Of a
+// WS-Discovery sweep the results come at once, of the others when a phase is over.
+class SweepEndings : public NetworkTest, public testing::WithParamInterface<Kind> {
+  protected:
+    SweepEndings() : NetworkTest(false) {}
+
+    bool IsWsd() const { return GetParam().protocol == Protocol::kWsd; }
+
+    // So many devices, one each gapMs.
+    void Crowd(int count, uint32_t gapMs, bool isEverywhere = false) {
+        Devices([=, next = 0](const Request& request) mutable {
+            if (request.net != "neta" && !isEverywhere) return Answers();
+            const bool isV3 = GetParam().protocol == Protocol::kV3;
+            if (isV3 && request.data != V3Probe()) {
+                return Answers{{V3Text(std::to_string(next++))}};
+            }
+            Answers answers;
+            for (int i = 0; i < count; ++i) {
+                const std::string text = std::to_string(i);
+                answers.push_back({isV3      ? V3Report()
+                                   : IsWsd() ? TextBytes(text)
+                                             : SnmpText(text),
+                                   {},
+                                   static_cast<uint32_t>(i) * gapMs});
+            }
+            return answers;
+        });
+    }
+    void Run() {
+        switch (GetParam().protocol) {
+            case Protocol::kV1:
+                return Sweep();
+            case Protocol::kV3:
+                module.DiscoverSnmpV3(window.Handle(), window.kMessage, 1, 0, L"user", 0, nullptr,
+                                      0, nullptr, nullptr, nullptr);
+                return;
+            case Protocol::kWsd:
+                module.DiscoverSoap(window.Handle(), window.kMessage, 4999, "<probe/>", 8);
+        }
+    }
+    void Stop() { IsWsd() ? module.StopDiscoverSoap() : module.StopDiscoverSnmp(); }
+    // The first devices, each once and in order, and the end where there is one.
+    Lines First(int count) const {
+        Lines texts;
+        for (int i = 0; i < count; ++i) texts.push_back("10.77.1.2=" + std::to_string(i));
+        return WithEnd(texts);
+    }
+    static Lines WithEnd(Lines texts) {
+        if (GetParam().protocol != Protocol::kV3) texts.push_back("end");
+        return texts;
+    }
+    // Of the adapters whose phases end with a silent wait.
+    std::vector<int> SilentPhases(int count) const {
+        return std::vector<int>(static_cast<size_t>(count), GetParam().waitMs);
+    }
+};
+
+TEST_P(SweepEndings, SilenceAfterTheLastAnswer) {
+    Crowd(3, GetParam().waitMs - 1);
+    Run();
+    EXPECT_EQ(First(3), window.Texts());
+    EXPECT_EQ(SilentPhases(GetParam().adapters), SilentWaits());
+}
+
+TEST_P(SweepEndings, ItsTimeWhenThereIsNoSilence) {
+    Crowd(1000, 700);
+    Run();
+    // The answer that comes as the time is up is the last one.
+    const int limit = GetParam().totalMs;
+    EXPECT_EQ(First(limit / 700 + 2), window.Texts());
+    EXPECT_EQ(SilentPhases(GetParam().adapters - 1), SilentWaits()) << "of the others";
+}
+
+TEST_P(SweepEndings, AFullTable) {
+    Crowd(8300, 0);
+    Run();
+    ASSERT_THAT(window.results, SizeIs(First(8192).size()));
+    EXPECT_EQ(First(8192), window.Texts());
+    EXPECT_EQ(SilentPhases(GetParam().adapters - 1), SilentWaits()) << "of the others";
+}
+
+// The next phase ends with its first datagram, and WS-Discovery has delivered that.
+TEST_P(SweepEndings, AStopFromTheWindow) {
+    Crowd(3, 0, true);
+    window.onResult = [&](const Result& result) {
+        if (!result.isEnd) Stop();
+    };
+    Run();
+    EXPECT_EQ(IsWsd() ? WithEnd({"10.77.1.2=0", "10.77.2.2=0", "127.0.0.1=0"}) : First(1),
+              window.Texts());
+    EXPECT_EQ(SilentPhases(IsWsd() ? 0 : 1), SilentWaits());
+    // Outside a sweep it is forgotten.
+    Stop();
+    Crowd(3, 0);
+    window.results.clear();
+    window.onResult = nullptr;
+    Run();
+    EXPECT_EQ(First(3), window.Texts());
+}
+
+// WS-Discovery has delivered by then, and the other adapters are still asked.
+TEST_P(SweepEndings, AStopWhileItCollects) {
+    Crowd(1000, 700);
+    network.onDatagram = [&](int datagrams) {
+        if (datagrams == 9) Stop();
+    };
+    Run();
+    EXPECT_EQ(First(IsWsd() ? 9 : 0), window.Texts());
+    EXPECT_THAT(Senders(), Contains("10.77.2.1"));
+    EXPECT_EQ(SilentPhases(GetParam().adapters - 1), SilentWaits());
+}
+
+TEST_P(SweepEndings, SocketsThatAreNotStarted) {
+    Crowd(3, 0, true);
+    network.receiveError = [&](int call) {
+        // One failed receive before that loses no answer.
+        return call == 1 ? WSAECONNRESET : network.Datagrams() >= 2 ? WSANOTINITIALISED : 0;
+    };
+    Run();
+    EXPECT_EQ(First(GetParam().protocol == Protocol::kV3 ? 1 : 2), window.Texts());
+    EXPECT_THAT(SilentWaits(), IsEmpty());
+}
+
+// What Windows reports after an ICMP "port unreachable", and its kin. A sweep must not keep a core
+// busy with them.
+TEST_P(SweepEndings, ItsTimeWhenEveryReceiveFails) {
+    for (const int error : {WSAECONNRESET, WSAENETRESET, WSAENETDOWN}) {
+        Crowd(3, 0);
+        network.receiveError = [error](int) { return error; };
+        const uint64_t started = network.NowMs();
+        const int before = network.Receives();
+        Run();
+        const int adapters = GetParam().adapters;
+        EXPECT_GE(static_cast<int>(network.NowMs() - started), adapters * GetParam().totalMs);
+        EXPECT_LE(network.Receives() - before, adapters * (GetParam().totalMs / 10 + 1));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, SweepEndings,
+                         testing::Values(Kind{{"V1"}, Protocol::kV1, 2000, 60000, 2},
+                                         Kind{{"V3"}, Protocol::kV3, 2000, 60000, 2},
+                                         Kind{{"Wsd"}, Protocol::kWsd, 4000, 30000, 3}),
+                         kNameOfRow);
+
+}  // namespace
+}  // namespace vndiscover

@@ -1,0 +1,88 @@
+// SNMPv3 messages of one user at one engine. The first byte chooses the protocols that the reader
+// expects, and whether what follows is a datagram as it comes, or the plain text of one that is
+// encrypted and signed here: so mutated bytes reach the inner decoders.
+#include <cstdlib>
+
+#include "helpers/snmp_datagrams.h"
+#include "snmp/asn_decode.h"
+#include "snmpv3/keys.h"
+#include "snmpv3/message_reader.h"
+#include "snmpv3/privacy.h"
+
+using namespace vndiscover;
+
+namespace {
+
+constexpr uint32_t kAuthCodes = 7;  // none and six
+constexpr uint32_t kPrivCodes = 3;
+constexpr uint8_t kPlainText = 0x80;
+
+// Derived once: that costs a hash over 1 MiB.
+const MessageKeys& KeysOf(uint32_t auth) {
+    static MessageKeys keys[kAuthCodes];
+    MessageKeys& chosen = keys[auth];
+    if (auth != kAuthNone && chosen.auth.Empty()) {
+        CryptoSession crypto;
+        chosen.auth = PasswordToKey(crypto, auth, ToBuffer(TextBytes("maplesyrup")),
+                                    ToBuffer(V3Datagram().engineId));
+        chosen.priv = chosen.auth;
+    }
+    return chosen;
+}
+
+// The bindings of the message; -1: it does not decode.
+int32_t Read(uint32_t auth, uint32_t priv, const Bytes& datagram) {
+    MessageRecord message;
+    message.usm.engineId = ToBuffer(V3Datagram().engineId);
+    message.usm.authProtocol = auth;
+    message.usm.privProtocol = priv;
+    CryptoSession crypto;
+    ExactBlock block(datagram);
+    try {
+        const int32_t end = ReadMessage(message, KeysOf(auth), crypto, block.Data(), block.Size());
+        if (end <= 0 || end > block.Size()) std::abort();
+    } catch (const AsnDecodeError&) {
+        return -1;
+    }
+    return message.scoped.pdu.bindings.count;
+}
+
+// An answer around a plain text, which either protocol pads with zeros, reads like one around its
+// cipher text.
+void ReadInner(uint32_t auth, uint32_t priv, const Bytes& plain) {
+    V3Datagram answer;
+    answer.scopedTlv = plain;
+    answer.scopedTlv.resize(priv == kPrivDes ? (plain.size() + 7) / 8 * 8
+                                             : (plain.size() / 16 + 1) * 16);
+    const int32_t expected = Read(kAuthNone, kPrivNone, answer.Build());
+
+    CryptoSession crypto;
+    const ByteBuffer text = ToBuffer(plain);
+    const PrivacyInput input = {text, KeysOf(auth).priv, static_cast<int32_t>(answer.boots),
+                                static_cast<int32_t>(answer.time)};
+    ByteBuffer cipher, salt;
+    if (priv == kPrivDes) {
+        DesPrivacy().Encrypt(crypto, input, cipher, salt);
+    } else {
+        AesPrivacy().Encrypt(input, cipher, salt);
+    }
+    answer.flagsTlv = Tlv(0x04, {3});
+    answer.salt = ToBytes(salt);
+    answer.scopedTlv = Tlv(0x04, ToBytes(cipher));
+    const Bytes datagram = answer.BuildAuthenticated(crypto, auth, KeysOf(auth).auth);
+    if (Read(auth, priv, datagram) != expected) std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    if (size < 2) return 0;
+    const Bytes rest(data + 1, data + size);
+    const uint8_t choice = data[0] % kPlainText;
+    if (data[0] < kPlainText) {
+        Read(choice % kAuthCodes, choice / kAuthCodes % kPrivCodes, rest);
+    } else {
+        ReadInner(1 + choice % (kAuthCodes - 1), 1 + choice / kAuthCodes % (kPrivCodes - 1), rest);
+    }
+    return 0;
+}

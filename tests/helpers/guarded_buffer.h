@@ -1,0 +1,58 @@
+// A caller's buffer: behind it is a page that nobody may touch, in front of it are bytes that are
+// looked at.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+
+#include "helpers/bytes.h"
+#include "support/win.h"
+
+namespace vndiscover {
+
+class GuardedBuffer {
+  public:
+    static constexpr uint8_t kFill = 0xA5;
+
+    // size bytes, all of them kFill; 0 is a buffer without a byte.
+    explicit GuardedBuffer(size_t size) : size_(size) {
+        const size_t room = (size + kFront + kPage - 1) / kPage * kPage;
+        base_ = static_cast<uint8_t*>(
+            VirtualAlloc(nullptr, room + kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+        DWORD before;
+        VirtualProtect(base_ + room, kPage, PAGE_NOACCESS, &before);
+        data_ = base_ + room - size;
+        Fresh();
+    }
+    ~GuardedBuffer() { VirtualFree(base_, 0, MEM_RELEASE); }
+    GuardedBuffer(const GuardedBuffer&) = delete;
+    GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+
+    // Filled again, for the next call.
+    template <class Type = uint8_t>
+    Type* Fresh() {
+        std::memset(base_, kFill, static_cast<size_t>(data_ - base_) + size_);
+        return reinterpret_cast<Type*>(data_);
+    }
+    uint8_t* Data() { return data_; }
+    char* Text() { return reinterpret_cast<char*>(data_); }
+    int32_t Size() const { return static_cast<int32_t>(size_); }
+
+    Bytes Content() const { return Bytes(data_, data_ + size_); }
+    bool FrontStands() const {
+        return std::all_of(base_, data_, [](uint8_t byte) { return byte == kFill; });
+    }
+    bool IsUntouched() const { return FrontStands() && Content() == Bytes(size_, kFill); }
+    // It holds a text that ends inside.
+    bool IsText() const { return std::find(data_, data_ + size_, 0) != data_ + size_; }
+
+  private:
+    static constexpr size_t kPage = 4096;
+    static constexpr size_t kFront = 512;  // more than any value has
+
+    size_t size_;
+    uint8_t* base_;
+    uint8_t* data_;
+};
+
+}  // namespace vndiscover
