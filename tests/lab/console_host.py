@@ -86,6 +86,8 @@ def start_in(net, *command):
 def run_test(test):
     output = io.StringIO()
     result = unittest.TextTestRunner(output).run(test)
+    for skipped, reason in result.skipped:
+        print(f"skipped: {skipped.id()}: {reason}", flush=True)
     return result.wasSuccessful(), output.getvalue()
 
 
