@@ -16,7 +16,7 @@ struct Kind : Row {
 // WS-Discovery sweep the results come at once, of the others when a phase is over.
 class SweepEndings : public NetworkTest, public testing::WithParamInterface<Kind> {
   protected:
-    SweepEndings() : NetworkTest(false) {}
+    SweepEndings() : NetworkTest(false) { network.MakeSocketsUp(module); }
 
     bool IsWsd() const { return GetParam().protocol == Protocol::kWsd; }
 
@@ -132,7 +132,7 @@ TEST_P(SweepEndings, SocketsThatAreNotStarted) {
     };
     Run();
     EXPECT_EQ(First(GetParam().protocol == Protocol::kV3 ? 1 : 2), window.Texts());
-    EXPECT_THAT(SilentWaits(), IsEmpty());
+    EXPECT_THAT(network.NowMs(), Le(100u)) << "at once";
 }
 
 // What Windows reports after an ICMP "port unreachable", and its kin. A sweep must not keep a core

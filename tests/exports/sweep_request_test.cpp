@@ -65,10 +65,10 @@ TEST_F(SweepRequest, HoldsTheOidAndTheReadCommunityOrTheirDefaults) {
     ExpectAsked(SnmpGet(kDefaultOid, "public"));
     module.DiscoverDevices(w, kMessage, 0, 0, nullptr, L"", L"private");
     ExpectAsked(SnmpGet(kDefaultOid));
-    EXPECT_EQ(0, module.DiscoverSnmp(w, kMessage, 0, 0, "narrow", ""));
-    ExpectAsked(SnmpGet(kDefaultOid, "narrow"));
-    module.DiscoverSnmp(w, kMessage, 0, 0, nullptr, nullptr);
-    ExpectAsked(SnmpGet(kDefaultOid));
+    for (const char* community : {"narrow", (const char*)nullptr}) {
+        EXPECT_EQ(0, module.DiscoverSnmp(w, kMessage, 0, 0, community, ""));
+        ExpectAsked(SnmpGet(kDefaultOid, community ? community : "sesame"));
+    }
     SweepByOid(L".1.3.6.1.2.1.1.1.0", L"caf\u00e9");
     ExpectAsked(SnmpGet(kSysDescr, "caf\xe9"));
     SweepByOid(nullptr);

@@ -56,6 +56,14 @@ class V3CryptoFailures : public V3Test {
         }));
         EXPECT_STREQ("before", value);
         EXPECT_TRUE(log.Has(line)) << line;
+        EXPECT_EQ(0, g_open) << line;
+    }
+    // The last request says that it is authenticated, with a code of zeros.
+    void ExpectUnsigned(size_t size) {
+        V3Datagram request = V3RequestFields(kSysName);
+        request.flagsTlv = Tlv(0x04, {0x05});
+        request.macTlv = Tlv(0x04, Bytes(size, 0));
+        EXPECT_EQ(request.Build(), Asked().back());
     }
 };
 
@@ -67,50 +75,40 @@ TEST_F(V3CryptoFailures, OfTheOlderLibrary) {
         {module.Handle(), "CryptReleaseContext", Counted<CryptReleaseContext, -1>::Call},
         {module.Handle(), "CryptDestroyKey", Counted<CryptDestroyKey, -1>::Call},
         {module.Handle(), "CryptDestroyHash", Counted<CryptDestroyHash, -1>::Call}};
-    struct Row {
+    const struct {
         const char* function;
         const wchar_t* auth;
         const char* line;
-    };
-    const Row authentication[] = {
-        {"CryptAcquireContextA", VN_AUTH_MD5, "Error [5] CryptAcquireConext failed.\n"},
-        {"CryptCreateHash", VN_AUTH_MD5, "Error CALG_MD5 [5] CryptCreateHash failed.\n"},
-        {"CryptCreateHash", VN_AUTH_SHA1, "Error CALG_SHA1 [5] CryptCreateHash failed.\n"},
-        {"CryptHashData", VN_AUTH_MD5, "Error [5] CryptHashData failed.\n"},
-        {"CryptHashData", VN_AUTH_SHA1, "Error CALG_SHA1 [5] CryptHashData failed.\n"},
-        {"CryptGetHashParam", VN_AUTH_SHA1, "Error [5] CryptGetHashParam failed.\n"},
-        {"CryptSetHashParam", VN_AUTH_SHA1, "Err 5\n"},
-        {"CryptImportKey", VN_AUTH_SHA1, "Err 5\n"}};
-    V3Datagram request = V3RequestFields(kSysName);
-    request.flagsTlv = Tlv(0x04, {0x05});
-    request.macTlv = Tlv(0x04, Bytes(12, 0));
-    for (const Row& row : authentication) {
+    } rows[] = {{"CryptAcquireContextA", VN_AUTH_MD5, "Error [5] CryptAcquireConext failed.\n"},
+                {"CryptCreateHash", VN_AUTH_MD5, "Error CALG_MD5 [5] CryptCreateHash failed.\n"},
+                {"CryptCreateHash", VN_AUTH_SHA1, "Error CALG_SHA1 [5] CryptCreateHash failed.\n"},
+                {"CryptHashData", VN_AUTH_MD5, "Error [5] CryptHashData failed.\n"},
+                {"CryptHashData", VN_AUTH_SHA1, "Error CALG_SHA1 [5] CryptHashData failed.\n"},
+                {"CryptGetHashParam", VN_AUTH_SHA1, "Error [5] CryptGetHashParam failed.\n"},
+                {"CryptSetHashParam", VN_AUTH_SHA1, "Err 5\n"},
+                {"CryptImportKey", VN_AUTH_SHA1, "Err 5\n"}};
+    for (const auto& row : rows) {
         const ImportPatch failing(module.Handle(), row.function, Fail);
         Ask(row.auth, 0, row.line);
-        EXPECT_EQ(request.Build(), Asked().back()) << row.function;
-        EXPECT_EQ(0, g_open) << row.function;
+        ExpectUnsigned(12);
     }
     for (const char* function : {"CryptEncrypt", "CryptSetKeyParam", "CryptDecrypt"}) {
         const ImportPatch failing(module.Handle(), function, Fail);
         Ask(VN_AUTH_SHA256, 1, "Err 5\n");
-        EXPECT_EQ(0, g_open) << function;
     }
 }
 
 TEST_F(V3CryptoFailures, OfTheNewerLibrary) {
     const ImportPatch lookup(module.Handle(), "GetProcAddress", Lookup);
-    V3Datagram request = V3RequestFields(kSysName);
-    request.flagsTlv = Tlv(0x04, {0x05});
-    request.macTlv = Tlv(0x04, Bytes(24, 0));
     for (const std::string name : {"BCryptOpenAlgorithmProvider", "BCryptGetProperty",
                                    "BCryptCreateHash", "BCryptHashData", "BCryptFinishHash"}) {
         g_failing = name.c_str();
         Ask(VN_AUTH_SHA256, 0, ("**** Error 0xc0000001 returned by " + name + "\n").c_str());
-        EXPECT_EQ(request.Build(), Asked().back()) << name;
+        ExpectUnsigned(24);
     }
     g_failing = "-BCryptDestroyHash";
     Ask(VN_AUTH_SHA256, 0, "**** Error 0xc0000139 returned by BCryptOpenAlgorithmProvider\n");
-    EXPECT_EQ(request.Build(), Asked().back());
+    ExpectUnsigned(24);
 }
 
 }  // namespace

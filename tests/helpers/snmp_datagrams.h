@@ -1,5 +1,5 @@
 // SNMP datagrams as managers and agents send them, built from RFC 1157, RFC 3412 and RFC 3414
-// without the codec under test.
+// without the code under test.
 #pragma once
 
 #include <sstream>
@@ -7,8 +7,6 @@
 #include <vector>
 
 #include "helpers/bytes.h"
-#include "snmpv3/crypto.h"
-#include "snmpv3/protocol_codes.h"
 
 namespace vndiscover {
 
@@ -127,15 +125,11 @@ struct V3Datagram {
     }
     Bytes Build() const { return Tlv(0x30, Content()); }
 
-    // The datagram with its HMAC in place, cut to size where that is given.
-    Bytes BuildAuthenticated(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
-                             uint32_t size = 0) {
-        if (size == 0) size = MacLength(authCode);
+    // With the code in place that sign(the datagram with zeros there) gives, cut to size.
+    template <class Sign>
+    Bytes BuildSigned(size_t size, const Sign& sign) {
         macTlv = Tlv(0x04, Bytes(size, 0));
-        const Bytes unsigned_ = Build();
-        ByteBuffer mac;
-        crypto.Hmac(authCode, key, unsigned_.data(), static_cast<uint32_t>(unsigned_.size()), mac);
-        macTlv = Tlv(0x04, Prefix(ToBytes(mac), size));
+        macTlv = Tlv(0x04, Prefix(sign(Build()), size));
         return Build();
     }
 };

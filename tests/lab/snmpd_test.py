@@ -148,7 +148,10 @@ class RealAgent(unittest.TestCase):
         for user, (asked, get, walk) in zip([None, *USERS], self.results):
             with self.subTest(user=user.name if user else "community", seed=SEED):
                 self.assertEqual([0, 0], [get[0], walk[0]], get[2] + walk[2])
-                self.assertEqual([asked.shown], json.loads(get[1]))
+                shown = dict(asked.shown)
+                if user and "encoding" in shown:  # SNMPv3 gets are texts, which a zero byte ends
+                    shown["value"] = shown["value"].split(" 00")[0]
+                self.assertEqual([shown], json.loads(get[1]))
                 self.assertEqual([variable.shown for variable in VARIABLES], json.loads(walk[1]))
 
     def test_sweeps_find_the_agent(self):

@@ -2,8 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "helpers/bytes.h"
-#include "helpers/unit_log.h"
 #include "helpers/snmp_datagrams.h"
+#include "helpers/unit_log.h"
 #include "snmpv3/vx_snmpv3.h"
 
 namespace vndiscover {

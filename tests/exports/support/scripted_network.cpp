@@ -86,6 +86,11 @@ ScriptedNetwork::Patches::Patches(HMODULE module)
       clock(module, "GetTickCount", OnClock),
       sleep(module, "Sleep", OnSleep) {}
 
+ScriptedNetwork::SocketPatches::SocketPatches(HMODULE module)
+    : create(module, "WSASocketA", OnCreate),
+      option(module, "setsockopt", OnOption),
+      bind(module, "bind", OnBind) {}
+
 ScriptedNetwork::ScriptedNetwork(const Module& module) {
     g_network = this;
     Attach(module);
@@ -129,7 +134,9 @@ int ScriptedNetwork::Send(SOCKET handle, Bytes data, const sockaddr* to) {
     const bool isIPv4 = to->sa_family == AF_INET;
     const std::string receiver = TextOf(to);
     const bool isBroadcast = receiver == "255.255.255.255";
-    if (isBroadcast && Option(handle, SO_BROADCAST) != 1) return Fail(WSAEACCES);
+    if (isBroadcast && sending->isReal && Option(handle, SO_BROADCAST) != 1) {
+        return Fail(WSAEACCES);
+    }
     const Adapter& way = WayOf(sending->bound, receiver);
     const Request request = {way.net,
                              receiver,
@@ -201,12 +208,26 @@ int ScriptedNetwork::OnControl(SOCKET handle, long command, u_long* argument) {
     if (controlled && command == static_cast<long>(FIONBIO)) {
         controlled->isNonBlocking = *argument != 0;
     }
-    return ioctlsocket(handle, command, argument);
+    return controlled && !controlled->isReal ? 0 : ioctlsocket(handle, command, argument);
 }
 
 int ScriptedNetwork::OnClose(SOCKET handle) {
+    const Socket* const closed = g_network->Find(handle);
+    const bool isReal = !closed || closed->isReal;
     g_network->sockets_.erase(handle);
-    return closesocket(handle);
+    return isReal ? closesocket(handle) : 0;
+}
+
+SOCKET ScriptedNetwork::OnCreate(int, int, int, WSAPROTOCOL_INFOA*, GROUP, DWORD) {
+    g_network->sockets_[g_network->lastMadeUp_ += 4].isReal = false;
+    return g_network->lastMadeUp_;
+}
+
+int ScriptedNetwork::OnOption(SOCKET, int, int, const char*, int) { return 0; }
+
+int ScriptedNetwork::OnBind(SOCKET handle, const sockaddr* address, int) {
+    g_network->sockets_[handle].bound = TextOf(address);
+    return 0;
 }
 
 DWORD ScriptedNetwork::OnClock() { return kFirstTick + static_cast<DWORD>(g_network->nowMs_); }

@@ -57,8 +57,15 @@ class ScriptedNetwork {
     ScriptedNetwork& operator=(const ScriptedNetwork&) = delete;
 
     // Around an unload of the module, which needs its own functions back.
-    void Detach() { patches_.reset(); }
+    void Detach() {
+        socketPatches_.reset();
+        patches_.reset();
+    }
     void Attach(const Module& module) { patches_.emplace(module.Handle()); }
+
+    // Sockets are the network's own from now on: in Wine a real one costs a dozen calls of another
+    // process, too many for a sweep that opens thousands.
+    void MakeSocketsUp(const Module& module) { socketPatches_.emplace(module.Handle()); }
 
     // These devices are there from now on; null: silent ones. Forgets the requests and the waits
     // so far and what has not been received yet.
@@ -92,11 +99,15 @@ class ScriptedNetwork {
     struct Socket {
         Queue queue;
         std::string bound;  // local address
-        bool isNonBlocking = false;
+        bool isNonBlocking = false, isReal = true;
     };
     struct Patches {
         explicit Patches(HMODULE module);
         ImportPatch send, select, receive, control, close, clock, sleep;
+    };
+    struct SocketPatches {
+        explicit SocketPatches(HMODULE module);
+        ImportPatch create, option, bind;
     };
 
     static int WSAAPI OnSend(SOCKET handle, const char* data, int length, int flags,
@@ -107,6 +118,10 @@ class ScriptedNetwork {
                                 int* fromLength);
     static int WSAAPI OnControl(SOCKET handle, long command, u_long* argument);
     static int WSAAPI OnClose(SOCKET handle);
+    static SOCKET WSAAPI OnCreate(int family, int type, int protocol, WSAPROTOCOL_INFOA*, GROUP,
+                                  DWORD);
+    static int WSAAPI OnOption(SOCKET handle, int level, int option, const char*, int);
+    static int WSAAPI OnBind(SOCKET handle, const sockaddr* address, int length);
     static DWORD WINAPI OnClock();
     static void WINAPI OnSleep(DWORD milliseconds);
 
@@ -118,10 +133,12 @@ class ScriptedNetwork {
     int Fail(int error);
 
     std::optional<Patches> patches_;
+    std::optional<SocketPatches> socketPatches_;
     Reply reply_;
     std::vector<Request> requests_;
     std::vector<int> silentWaits_;
     std::map<SOCKET, Socket> sockets_;
+    SOCKET lastMadeUp_ = 0x1000000;  // no handle of the system's
     uint64_t nowMs_ = 0;
     int sends_ = 0, receives_ = 0, datagrams_ = 0, failuresInARow_ = 0;
 };
