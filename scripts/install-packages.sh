@@ -10,7 +10,7 @@ PACKAGES=(
     cmake ninja-build g++-mingw-w64-x86-64-posix clang 'libclang-rt-dev|libclang-rt-14-dev' dpkg-dev patch xz-utils perl make
     googletest llvm libcli11-dev libcjson-dev libssl-dev libpugixml-dev
     # kit
-    git lld pkg-config
+    git lld pkg-config python3-yaml
     # lab
     wine64 iproute2 snmpd snmp 'wsdd|wsdd2' tshark python3 util-linux
 )
