@@ -131,6 +131,7 @@ TEST_F(SweepResults, GoToAFileThatIsOpenForOneSweepAndNeedsNoWindow) {
         window.results.clear();
     }
     EXPECT_EQ("(no file)", Read(path));
+    EXPECT_EQ("(no file)", Read(tooLong));
     EXPECT_EQ("(no file)", Read(tooLong.substr(0, 259)));
 }
 

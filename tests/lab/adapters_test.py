@@ -1,5 +1,5 @@
 """Sweeps of every kind from both adapters of the host: what devices on either side get, byte for byte, and that their
-answers are found. And a burst of replies that comes while the program is held up."""
+answers are found. And WS-Discovery replies: in a burst that comes while the program is held up, and hostile ones."""
 
 import ctypes
 import json
@@ -10,10 +10,13 @@ import subprocess
 import threading
 import unittest
 
-from console_host import BIN, ON_HOST, main, run
+from lab import main, on_host, run
 
 NETS = {"neta": "1", "netb": "2"}
 BURST = 400  # the kernel keeps some 280 for a socket whose receive buffer nobody raised
+MATCH = ('<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"><e:Body><d:ProbeMatches '
+         'xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery"><d:ProbeMatch><d:XAddrs>http://a/&#27;[2J'
+         '</d:XAddrs></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>').encode()
 GROUP = socket.inet_aton("239.255.255.250")
 IP_PKTINFO = 8
 CLONE_NEWNET = 0x40000000
@@ -73,6 +76,8 @@ class Device(threading.Thread):
         self.start()
 
     def answers(self, data):
+        if b"hostile" in data:
+            return [MATCH, MATCH.ljust(2048, b" "), b"\x1b]0;x\x07\x9b2J", b"A" * 2048]
         if b"flood" in data:
             return [b"reply %03d" % i for i in range(BURST)] if self.net == "neta" else []
         return [{V1_REQUEST: v1(0xA2, tlv(4, self.text)), V3_PROBE: v3(0, 0xA8, b"\x41\1\1", user=b"", context=ENGINE),
@@ -122,12 +127,20 @@ class BothAdapters(unittest.TestCase):
 
     def test_a_burst_of_replies_waits_for_a_program_that_is_held_up(self):
         flooded["program"] = subprocess.Popen(
-            [*ON_HOST, BIN + "/vndiscover.exe", "wsd", "--timeout", "2000", "--raw", "--types", "wsdp:flood"],
+            on_host("wsd", "--timeout", "2000", "--raw", "--types", "wsdp:flood"),
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         out, _ = flooded["program"].communicate(timeout=60)
         self.assertEqual([f"reply {i:03}" for i in range(BURST)], re.findall("reply [0-9]{3}", out))
-        probes = [line.split(":3702 ")[0] for line in seen if ":3702 " in line]
+        probes = [line.split(":3702 ")[0] for line in seen if b"flood".hex() in line]
         self.assertEqual(["neta: 10.77.1.1 > 239.255.255.250", "netb: 10.77.2.1 > 239.255.255.250"], sorted(probes))
+
+    def test_hostile_replies_let_no_control_character_through(self):
+        for options in ([], ["--format", "json"], ["--raw"]):
+            code, out, _ = run("wsd", "--timeout", "1000", "--types", "wsdp:hostile", *options)
+            self.assertEqual(0, code)
+            self.assertIn("http://a/", out)
+            self.assertNotRegex(out, "[\x00-\x08\x0b-\x1f\x7f-\x9f]")
+        self.assertIn("A" * 2048, out)
 
 
 def start_devices():

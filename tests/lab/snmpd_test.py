@@ -2,7 +2,6 @@
 dissector that knows the passwords makes of the requests. VNDISCOVER_SEED repeats a run."""
 
 import concurrent.futures
-import itertools
 import json
 import os
 import random
@@ -12,7 +11,7 @@ import subprocess
 import time
 import unittest
 
-from console_host import AGENT, LAB, main, run
+from lab import AGENT, LAB, main, run, start_in
 
 CAPTURE = LAB + "/requests.pcap"
 DEFAULT_OID = ".1.3.6.1.4.1.5963.43.5.1.1.1.1"
@@ -25,12 +24,10 @@ rolls = random.Random(SEED)
 AUTH = (("MD5", "MD5", "MD5", 12), ("SHA1", "SHA", "SHA1", 12), ("SHA-2(224)", "SHA-224", "SHA2-224", 16),
         ("SHA-2(256)", "SHA-256", "SHA2-256", 24), ("SHA-2(384)", "SHA-384", "SHA2-384", 32),
         ("SHA-2(512)", "SHA-512", "SHA2-512", 48))
-PRIV = (("DES", "DES"), ("AES", "AES"))
-
-# The module's name of a type: the agent's, a first value for it, the dissector's field.
-TYPES = {"INTEGER": ("integer", "0", "int"), "OCTET STRING": ("octet_str", "x", "octets"),
-         "OBJECT IDENTIFIER": ("object_id", ".1.3", "oid"), "Counter32": ("counter", "0", "counter"),
-         "Gauge32": ("uinteger", "0", "g32"), "TimeTicks": ("timeticks", "0", "timeticks")}
+# The module's name of a type: the host's word, the agent's type with a first value, the dissector's field.
+TYPES = {"INTEGER": ("integer", "integer 0", "int"), "OCTET STRING": ("hex", "octet_str x", "octets"),
+         "OBJECT IDENTIFIER": ("oid", "object_id .1.3", "oid"), "Counter32": ("counter", "counter 0", "counter"),
+         "Gauge32": ("gauge", "uinteger 0", "g32"), "TimeTicks": ("timeticks", "timeticks 0", "timeticks")}
 
 
 def random_oid(root, arcs):
@@ -44,65 +41,58 @@ class Variable:
     def __init__(self, number):
         self.oid = random_oid(f"{ROOT}.{number}", rolls.randint(1, 8))
         self.kind = rolls.choice(list(TYPES))
-        self.word = self.kind.split()[-1].lower().removesuffix("32")
+        self.word, self.initially, self.field = TYPES[self.kind]
         self.shown = {"oid": self.oid, "type": self.kind}
-        if self.kind == "OCTET STRING":  # a control character in front: no text
+        if self.word == "hex":  # a control character in front: no text
             content = b"\1" + rolls.randbytes(rolls.randrange(40))
-            self.word, self.text, self.dissected = "hex", content.hex(), content.hex()
+            self.text = content.hex()
             self.shown |= {"value": content.hex(" ").upper(), "encoding": "hex"}
-            return
-        if self.kind == "OBJECT IDENTIFIER":
-            self.word, self.text = "oid", random_oid(".1.3.6", rolls.randint(1, 20))
-        elif self.kind == "INTEGER":
-            self.text = str(rolls.choice((-1, 127, 128, -128, -129, 2**31 - 1, -2**31, rolls.randrange(-2**31, 2**31))))
+        elif self.word == "oid":
+            self.text = self.shown["value"] = random_oid(".1.3.6", rolls.randint(1, 20))
         else:
-            self.text = str(rolls.choice((127, 128, 255, 2**31, 2**32 - 1, rolls.randrange(2**32))))
-        self.shown["value"] = self.text if self.word == "oid" else int(self.text)
+            edges = (-1, 127, 128, -128, -129, 2**31 - 1, -2**31, rolls.randrange(-2**31, 2**31))
+            unsigned_edges = (127, 128, 255, 2**31, 2**32 - 1, rolls.randrange(2**32))
+            self.shown["value"] = rolls.choice(edges if self.word == "integer" else unsigned_edges)
+            self.text = str(self.shown["value"])
         self.dissected = self.text.removeprefix(".")
 
 
 class User:
-    """One user for each way to ask, so that a datagram tells by its user name what it must look like."""
+    """One user for each way to ask, so that a datagram tells by its user name what it must look like; the first one
+    asks by community."""
 
-    def __init__(self, auth=None, priv=None):
-        self.auth, self.priv = auth, priv
-        self.name = "user" + "".join("-" + part[0].lower().strip(")").replace("(", "") for part in (auth, priv) if part)
-        self.options = ["--v3", "-u", self.name]
+    def __init__(self, auth=None, priv=None, community=None):
+        self.auth, self.priv, self.community = auth, priv, community
+        label = "".join("-" + part.lower() for part in (auth[0] if auth else "", priv) if part)
+        self.name = "" if community else "user" + re.sub("[()]", "", label)
+        self.options = ["-c", community] if community else ["--v3", "-u", self.name]
+        self.agent_secrets = self.dissector_line = ""
         if auth:
             self.options += ["-a", auth[0], "-A", AUTH_PASSWORD]
+            self.agent_secrets = f"{auth[1]} {AUTH_PASSWORD}"
+            self.dissector_line = f'"","{self.name}","{auth[2]}","{AUTH_PASSWORD}","{priv or "DES"}","{PRIV_PASSWORD}"\n'
         if priv:
-            self.options += ["-x", priv[0], "-X", PRIV_PASSWORD]
-
-    def agent_lines(self):
-        secrets = f" {self.auth[1]} {AUTH_PASSWORD}" if self.auth else ""
-        secrets += f" {self.priv[1]} {PRIV_PASSWORD}" if self.priv else ""
-        level = "priv" if self.priv else "auth" if self.auth else "noauth"
-        return f"createUser {self.name}{secrets}\nrouser {self.name} {level}\n"
-
-    def dissector_line(self):
-        return f'"","{self.name}","{self.auth[2]}","{AUTH_PASSWORD}","{self.priv[1] if self.priv else "DES"}",' \
-               f'"{PRIV_PASSWORD}"\n'
+            self.options += ["-x", priv, "-X", PRIV_PASSWORD]
+            self.agent_secrets += f" {priv} {PRIV_PASSWORD}"
 
 
+COMMUNITY = "c" + "".join(rolls.choices("abcXYZ0189-_", k=rolls.randrange(30)))
 VARIABLES = [Variable(number) for number in range(15)]
-USERS = [User()] + [User(auth) for auth in AUTH] + [User(auth, priv) for auth in AUTH for priv in PRIV]
-SWEEPERS = [None, USERS[0], USERS[1], *USERS[-2:]]
+USERS = [User(community=COMMUNITY), User(), *(User(auth) for auth in AUTH),
+         *(User(auth, priv) for auth in AUTH for priv in ("DES", "AES"))]
+SWEEPERS = [*USERS[:3], *USERS[-2:]]
 FIELDS = ("ip.dst", "snmp.community", "snmp.data", "snmp.msgUserName", "snmp.msgAuthenticationParameters",
           "snmp.encryptedPDU", "snmp.decrypted_pdu", "snmp.name", "_ws.expert.message", "_ws.malformed",
           *("snmp.value." + field for _, _, field in TYPES.values()))
-COMMUNITY = "c" + "".join(rolls.choices("abcXYZ0189-_", k=rolls.randrange(30)))
 SET, GET, NEXT = "3", "0", "1"  # as the dissector numbers them
 
 
-def ask(user, asked):
-    """What a user gets; None asks by community."""
-    options = user.options if user else ["-c", COMMUNITY]
-    return (asked, run("get", AGENT, asked.oid, "--format", "json", *options),
-            run("walk", AGENT, ROOT, "--format", "json", *options))
-
-
-def sweep(user):
-    return run("sweep", "--format", "json", *(user.options if user else ["-c", COMMUNITY]))
+def agent_conf():
+    lines = [f'agentAddress udp:161\nrwcommunity {COMMUNITY}\noverride {DEFAULT_OID} octet_str "Model 1"']
+    lines += [f"override -rw {variable.oid} {variable.initially}" for variable in VARIABLES]
+    lines += [f"createUser {user.name} {user.agent_secrets}\n"
+              f"rouser {user.name} {'priv' if user.priv else 'auth' if user.auth else 'noauth'}" for user in USERS[1:]]
+    return "\n".join(lines) + "\n"
 
 
 def dissected():
@@ -110,7 +100,7 @@ def dissected():
     profile = LAB + "/dissector"
     os.mkdir(profile)
     with open(profile + "/snmp_users", "w", encoding="ascii") as file:
-        file.writelines(user.dissector_line() for user in USERS if user.auth)
+        file.writelines(user.dissector_line for user in USERS)
     command = ["tshark", "-r", CAPTURE, "-T", "fields"] + [word for field in FIELDS for word in ("-e", field)]
     text = subprocess.run(command, env={**os.environ, "WIRESHARK_CONFIG_DIR": profile, "HOME": LAB},
                           capture_output=True, check=True, text=True).stdout
@@ -120,20 +110,24 @@ def dissected():
     return [row for row in rows if row["ip.dst"] != "10.77.1.1" and (row["snmp.community"] or row["snmp.name"])]
 
 
+def as_user(command, *arguments):
+    return lambda user: run(command, *arguments, "--format", "json", *user.options)
+
+
 def ask_and_capture():
     print("seed", SEED, flush=True)
-    capture = subprocess.Popen(["ip", "netns", "exec", "neta", "dumpcap", "-q", "-i", "eth0", "-f", "udp port 161",
-                                "-w", CAPTURE], stderr=subprocess.PIPE, text=True)
+    capture = start_in("neta", "dumpcap", "-q", "-i", "eth0", "-f", "udp port 161", "-w", CAPTURE, stderr=subprocess.PIPE)
     for line in capture.stderr:
         if line.startswith("File:"):  # the capture has begun
             break
     with (concurrent.futures.ThreadPoolExecutor(len(SWEEPERS)) as sweeps,
           concurrent.futures.ThreadPoolExecutor(4) as pool):
-        swept = sweeps.map(sweep, SWEEPERS)
+        swept = sweeps.map(as_user("sweep"), SWEEPERS)
         RealAgent.written = list(pool.map(lambda variable: run("set", AGENT, variable.oid, variable.word, variable.text,
                                                                "-w", COMMUNITY), VARIABLES))
-        RealAgent.results = list(pool.map(ask, [None, *USERS], itertools.cycle(VARIABLES)))
-        RealAgent.swept = list(swept)
+        got = pool.map(as_user("get", AGENT, *(variable.oid for variable in VARIABLES)), SWEEPERS)
+        RealAgent.walked = list(pool.map(as_user("walk", AGENT, ROOT), USERS))
+        RealAgent.got, RealAgent.swept = list(got), list(swept)
     time.sleep(1)  # for what is still on its way to the file
     capture.send_signal(signal.SIGINT)
     capture.communicate()
@@ -145,46 +139,42 @@ class RealAgent(unittest.TestCase):
 
     def test_what_was_written_is_read_by_every_user(self):
         self.assertEqual([0] * len(VARIABLES), [code for code, _, _ in self.written], self.written)
-        for user, (asked, get, walk) in zip([None, *USERS], self.results):
-            with self.subTest(user=user.name if user else "community", seed=SEED):
-                self.assertEqual([0, 0], [get[0], walk[0]], get[2] + walk[2])
-                shown = dict(asked.shown)
-                if user and "encoding" in shown:  # SNMPv3 gets are texts, which a zero byte ends
-                    shown["value"] = shown["value"].split(" 00")[0]
-                self.assertEqual([shown], json.loads(get[1]))
-                self.assertEqual([variable.shown for variable in VARIABLES], json.loads(walk[1]))
+        shown = [variable.shown for variable in VARIABLES]
+        for user, (code, out, err) in zip(USERS, self.walked):
+            self.assertEqual((0, shown), (code, json.loads(out)), f"{user.name} {SEED} {err}")
+        for user, (code, out, err) in zip(SWEEPERS, self.got):
+            expected = [dict(row) for row in shown]
+            for row in expected:
+                if user.name and "encoding" in row:  # SNMPv3 gets are texts, which a zero byte ends
+                    row["value"] = row["value"].split(" 00")[0]
+            self.assertEqual((0, expected), (code, json.loads(out)), f"{user.name} {SEED} {err}")
 
     def test_sweeps_find_the_agent(self):
         for user, (code, out, err) in zip(SWEEPERS, self.swept):
-            with self.subTest(user=user.name if user else "community"):
-                self.assertEqual((0, [{"address": AGENT, "value": "Model 1"}]), (code, json.loads(out)), err)
+            self.assertEqual((0, [{"address": AGENT, "value": "Model 1"}]), (code, json.loads(out)), user.name + err)
 
     def test_a_dissector_reads_every_request(self):
-        for user, (asked, *_) in zip([None, *USERS], self.results):
-            with self.subTest(user=user.name if user else "community", seed=SEED):
-                sent = [row for row in self.requests if row["snmp.msgUserName"] == (user.name if user else "")]
-                names = [(NEXT, variable.oid[1:]) for variable in VARIABLES]
-                swept = [(GET, DEFAULT_OID[1:])] if user in SWEEPERS else []
-                self.assertLessEqual({(GET, asked.oid[1:]), (NEXT, ROOT[1:]), *names, *swept},
+        names = [variable.oid[1:] for variable in VARIABLES]
+        for user in USERS:
+            with self.subTest(user=user.name, seed=SEED):
+                sent = [row for row in self.requests if row["snmp.msgUserName"] == user.name]
+                gets = [(GET, name) for name in (*names, DEFAULT_OID[1:])] if user in SWEEPERS else []
+                self.assertLessEqual({*gets, *((NEXT, name) for name in (ROOT[1:], *names))},
                                      {(row["snmp.data"], row["snmp.name"]) for row in sent})
                 for row in sent:
-                    self.assertEqual(COMMUNITY if not user else "", row["snmp.community"])
+                    self.assertEqual(user.community or "", row["snmp.community"])
                     self.assertEqual("", row["_ws.malformed"])
                     length = len(row["snmp.msgAuthenticationParameters"].replace("<MISSING>", "")) // 2
-                    self.assertEqual(user.auth[3] if user and user.auth else 0, length)
-                    self.assertEqual("SNMP Authentication OK" if user and user.auth else "", row["opinion"])
-                    self.assertEqual(bool(user and user.priv), bool(row["snmp.encryptedPDU"]))
-                    self.assertEqual(bool(user and user.priv), bool(row["snmp.decrypted_pdu"]))
+                    self.assertEqual(user.auth[3] if user.auth else 0, length)
+                    self.assertEqual("SNMP Authentication OK" if user.auth else "", row["opinion"])
+                    self.assertEqual(bool(user.priv), bool(row["snmp.encryptedPDU"]))
+                    self.assertEqual(bool(user.priv), bool(row["snmp.decrypted_pdu"]))
 
     def test_a_dissector_reads_what_is_written(self):
         written = {row["snmp.name"]: row for row in self.requests if row["snmp.data"] == SET}
-        for variable in VARIABLES:
-            with self.subTest(oid=variable.oid, seed=SEED):
-                field = "snmp.value." + TYPES[variable.kind][2]
-                self.assertEqual(variable.dissected, written[variable.oid[1:]][field])
+        self.assertEqual([variable.dissected for variable in VARIABLES],
+                         [written[variable.oid[1:]]["snmp.value." + variable.field] for variable in VARIABLES], SEED)
 
 
 if __name__ == "__main__":
-    main(f"agentAddress udp:161\nrwcommunity {COMMUNITY}\noverride {DEFAULT_OID} octet_str \"Model 1\"\n" +
-         "".join(f"override -rw {variable.oid} {TYPES[variable.kind][0]} {TYPES[variable.kind][1]}\n"
-                 for variable in VARIABLES) + "".join(user.agent_lines() for user in USERS), ask_and_capture)
+    main(agent_conf(), ask_and_capture)

@@ -1,4 +1,4 @@
-"""What the tests of vndiscover.exe share: the lab with an agent and a responder, and ways to run the program."""
+"""What the tests in labs share: the network, an agent in it, and ways to run the console host."""
 
 import concurrent.futures
 import io
@@ -16,34 +16,25 @@ import unittest
 
 SCRIPTS = os.environ["VNDISCOVER_LAB_SCRIPTS"]
 BIN = os.environ["VNDISCOVER_BIN"]
-ON_HOST = [SCRIPTS + "/wine-run.sh", "host"]
 LAB = os.environ["VNDISCOVER_LAB"]
 AGENT = "10.77.1.2"
-AGENT6 = "fe80::1:2"
-SYSTEM = ".1.3.6.1.2.1.1"
-CONTACT = SYSTEM + ".4.0"
-WRITABLE = ".1.3.6.1.4.1.5963.9.1.0"
-V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
 
-AGENT_CONF = """
-agentAddress udp:161,udp6:161
-rocommunity sesame
-rocommunity6 sesame
-rwcommunity secret
-rwcommunity6 secret
-syslocation Hall "B", 2nd floor
-override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
-override -rw .1.3.6.1.4.1.5963.9.1.0 octet_str "ext. 41"
-createUser admin SHA-256 authpass1 AES privpass1
-rouser admin priv
-"""
+
+def start_in(net, *command, **options):
+    return subprocess.Popen(["ip", "netns", "exec", net, *command], stdin=subprocess.DEVNULL, text=True,
+                            **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options})
+
+
+def on_host(*arguments, program="vndiscover.exe"):
+    return [SCRIPTS + "/wine-run.sh", "host", f"{BIN}/{program}", *arguments]
+
 
 def run(*arguments, program="vndiscover.exe", **environment):
     """Runs a program without a terminal. Returns exit code, standard output, standard error."""
     # Into files: Wine's own services keep pipes open for two seconds after the program has ended.
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
-        done = subprocess.run([*ON_HOST, f"{BIN}/{program}", *arguments], stdin=subprocess.DEVNULL, stdout=out, stderr=err, timeout=120,
-                              env={**os.environ, **environment}, check=False)
+        done = subprocess.run(on_host(*arguments, program=program), stdin=subprocess.DEVNULL, stdout=out, stderr=err,
+                              timeout=120, env={**os.environ, **environment}, check=False)
         out.seek(0)
         err.seek(0)
         return done.returncode, out.read().decode().replace("\r\n", "\n"), err.read().decode()
@@ -52,10 +43,10 @@ def run(*arguments, program="vndiscover.exe", **environment):
 def run_on_terminal(steps, *arguments):
     """Runs the program on a terminal and types. `steps`: pairs of a text to wait for and what is typed then.
     Returns exit code, what the screen got without its control sequences, and the seconds since the last key."""
-    command, environment = [*ON_HOST, BIN + "/vndiscover.exe", *arguments], {**os.environ, "TERM": "xterm"}
+    command = on_host(*arguments)
     child, terminal = pty.fork()
     if child == 0:
-        os.execve(command[0], command, environment)
+        os.execve(command[0], command, {**os.environ, "TERM": "xterm"})
     screen, raw, seen, steps = "", b"", 0, list(steps)
     typed = start = time.time()
     while time.time() - start < 60:
@@ -76,11 +67,6 @@ def run_on_terminal(steps, *arguments):
         os.kill(child, signal.SIGKILL)
     _, status = os.waitpid(child, 0)
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
-
-
-def start_in(net, *command):
-    return subprocess.Popen(["ip", "netns", "exec", net, *command], stdin=subprocess.DEVNULL,
-                            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 def run_test(test):

@@ -1,0 +1,223 @@
+"""vndiscover.exe with a real agent (net-snmp's) and real WS-Discovery responders (wsdd, or wsdd2
+where Debian has no wsdd): sweeps in every format, values
+read, walked and written, usage, Ctrl-C, passwords, exit codes."""
+
+import concurrent.futures
+import csv
+import io
+import json
+import re
+import shutil
+import subprocess
+import time
+import unittest
+from pathlib import Path
+from xml.etree import ElementTree
+
+from lab import AGENT, LAB, main, run, run_on_terminal, start_in
+
+AGENT6, SILENT = "fe80::1:2", "10.77.1.99"
+SYSTEM = ".1.3.6.1.2.1.1"
+CONTACT, LOCATION = SYSTEM + ".4.0", SYSTEM + ".6.0"
+LOCATION_TEXT = 'Hall "B", 2nd floor'
+WRITABLE = ".1.3.6.1.4.1.5963.9.1.0"
+V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
+SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
+RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
+HAS_WSDD = shutil.which("wsdd")
+REPEATS = 2 if HAS_WSDD else 1  # of each reply, as UDP may lose one
+AGENT_CONF = f"""
+agentAddress udp:161,udp6:161
+rocommunity sesame
+rocommunity6 sesame
+rwcommunity secret
+rwcommunity6 secret
+syslocation {LOCATION_TEXT}
+override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
+override -rw {WRITABLE} octet_str "ext. 41"
+createUser admin SHA-256 authpass1 AES privpass1
+rouser admin priv
+"""
+
+
+class Usage(unittest.TestCase):
+    def test_mistakes_exit_with_2_and_a_hint(self):
+        Path(LAB, "bad.json").write_text("[]", encoding="utf-8")
+        for arguments in (
+                [], ["sweep", "--bogus"], ["sweep", "--format", "xml"], ["sweep", "--oid", "sysDescr.0"],
+                ["sweep", "--json", LAB + "/bad.json"], ["sweep", "--csv", "/missing/x.csv"],
+                ["sweep", "--community", "x" * 256], ["sweep", "-u", "admin"],
+                ["sweep", "--v3", "-u", "admin", "-x", "AES"], ["sweep", "--v3", "-u", "admin", "-a", "SHA1"],
+                ["get", AGENT], ["set", AGENT, CONTACT, "i", "x"], ["wsd", "--timeout", "999"]):
+            code, out, err = run(*arguments)
+            self.assertEqual((2, ""), (code, out), err)
+            self.assertIn("--help'", err)
+
+    def test_help_names_examples_and_exit_codes(self):
+        for command in ("sweep", "set", "walk", "wsd"):
+            code, out, _ = run(command, "--help")
+            self.assertEqual(0, code)
+            self.assertIn("Exit codes: 0", out)
+            self.assertLessEqual(max(map(len, out.split("\n"))), 80, command)
+        self.assertRegex(run("--version")[1], r"^VnDiscover \d+\.\d+")
+
+
+class Terminals(unittest.TestCase):
+    def test_ctrl_c_stops_and_keeps_what_was_found(self):
+        code, screen, _ = run_on_terminal([("Model 1", b"\x03")], "sweep")
+        self.assertEqual(0, code)
+        self.assertIn("stopped", screen)
+        self.assertRegex(screen, r"\r\d s, 0 devices\s*\r")
+
+    def test_a_second_ctrl_c_ends_at_once(self):
+        code, _, seconds = run_on_terminal([("s, 0", b"\x03"), ("stopping", b"\x03")],
+                                           "wsd", "--timeout", "20000", "--types", "wsdp:Nothing")
+        self.assertNotIn(code, (0, 1, 2))
+        self.assertLess(seconds, 15)
+
+    def test_passwords_are_asked_for_and_not_shown(self):
+        code, screen, _ = run_on_terminal(
+            [("Authentication password: ", b"authpass1\r"), ("Privacy password: ", b"privpass1\r")],
+            "get", AGENT, LOCATION, *V3)
+        self.assertEqual(0, code, screen)
+        self.assertIn("2nd floor", screen)
+        self.assertNotIn("pass1", screen)
+
+
+class Sweeps(unittest.TestCase):
+    def test_every_format_can_be_read(self):
+        path = Path(LAB, "devices.csv")
+        self.assertEqual((0, "ADDRESS          VALUE\n10.77.1.2        Model 1\n", ""), run("sweep", "--csv", str(path)))
+        self.assertEqual(b'"10.77.1.2","Model 1"\r\n', path.read_bytes())
+        rows = csv.reader(io.StringIO(run("sweep", "--oid", LOCATION, "--format", "csv")[1]))
+        self.assertEqual([[AGENT, LOCATION_TEXT]], list(rows))
+
+    def test_a_json_request_is_filled_in(self):
+        path = Path(LAB, "request.json")
+        request = {"DiscoverOID": SYSTEM + ".1.0", "GET": {LOCATION: "", ".1.3.9.9": "kept"}}
+        path.write_text(json.dumps(request, indent=8), encoding="utf-8")
+        code, out, _ = run("sweep", "--ipv6", "--json", str(path), "--format", "json")
+        self.assertEqual(0, code)
+        request["GET"][LOCATION] = LOCATION_TEXT
+        device = json.loads(out)[0]
+        self.assertRegex(device["address"], "^fe80::1:[0-9]+$")  # it answers from any of its addresses
+        self.assertEqual(request, device["value"])
+
+    def test_nobody_there_is_exit_code_1(self):
+        code, out, err = run("sweep", "--community", "wrong", "--format", "json")
+        self.assertEqual((1, "[]\n"), (code, out))
+        self.assertIn("no device answered", err)
+
+    def test_v3_takes_passwords_from_the_environment_and_any_oid(self):
+        path = Path(LAB, "v3.csv")
+        code, out, _ = run("sweep", *V3, "--oid", LOCATION, "--csv", str(path), **SECRETS)
+        self.assertEqual((0, f"ADDRESS          VALUE\n10.77.1.2        {LOCATION_TEXT}\n"), (code, out))
+        self.assertEqual(b'"10.77.1.2","Hall ""B"", 2nd floor"\r\n', path.read_bytes())
+
+    def test_the_example_of_the_readme_finds_the_agent(self):
+        self.assertEqual((0, "10.77.1.2\tModel 1\nthe sweep is over\n"), run(program="first_use.exe")[:2])
+
+
+class Responders(unittest.TestCase):
+    def test_devices_on_every_network_are_found(self):
+        code, out, err = run("wsd", "--timeout", "2000", "--format", "json")
+        self.assertEqual(0, code, err)
+        devices = json.loads(out)
+        self.assertEqual(list(RESPONDERS.values()), [device["address"] for device in devices])
+        for device in devices:
+            self.assertEqual(["wsdp:Device", "pub:Computer"], device["types"])
+            self.assertRegex(device["endpoint"], r"^urn:uuid:[0-9a-f-]{36}$")
+            self.assertEqual(REPEATS, device["replies"])
+
+    def test_raw_replies_come_as_the_responder_sent_them(self):
+        code, out, err = run("wsd", "--timeout", "2000", "--raw")
+        self.assertEqual(0, code, out + err)
+        replies = re.findall(r"^== (\S+), (\d+) bytes\n(.*)$", out, re.M)
+        self.assertEqual(["10.77.1.2"] * REPEATS + ["10.77.2.2"] * REPEATS, [address for address, _, _ in replies])
+        for _, size, reply in replies:
+            self.assertEqual(int(size), len(reply.encode()))
+            self.assertEqual("Envelope", ElementTree.fromstring(reply.encode()).tag.rpartition("}")[2])
+
+    @unittest.skipUnless(HAS_WSDD, "wsdd2 answers whatever type is asked for")
+    def test_a_type_that_nobody_has_finds_nobody(self):
+        code, out, err = run("wsd", "--timeout", "1000", "--types", "wsdp:Nothing", "--format", "json")
+        self.assertEqual((1, "[]\n"), (code, out), err)
+
+
+class DirectedRequests(unittest.TestCase):
+    def test_a_walk_finds_what_net_snmp_finds(self):
+        tool = subprocess.run(["ip", "netns", "exec", "host", "snmpwalk", "-v1", "-c", "sesame", "-m", "", "-Onq",
+                               AGENT, SYSTEM], capture_output=True, check=True, text=True).stdout
+        expected = dict(line.replace('\\"', '"').split(" ", 1) for line in tool.splitlines())
+        for options in ([AGENT], [AGENT6], [AGENT, *V3]):
+            code, out, err = run("walk", options[0], SYSTEM, "--format", "json", *options[1:], **SECRETS)
+            self.assertEqual((0, ""), (code, err))
+            rows = json.loads(out)
+            self.assertEqual(list(expected), [row["oid"] for row in rows])
+            for row in rows:
+                if row["type"] != "TimeTicks":  # times go on between two walks
+                    self.assertIn(expected[row["oid"]], (str(row["value"]), f'"{row["value"]}"'))
+
+    def test_values_are_shown_by_type(self):
+        object_id = f"{SYSTEM}.2.0 = OBJECT IDENTIFIER: .1.3.6.1.4.1.8072.3.2.10\n"
+        for host in (AGENT, AGENT6):
+            self.assertEqual((0, object_id, ""), run("getnext", host, SYSTEM + ".1.0"))
+            self.assertEqual((0, "Model 1\n", ""), run("info", host))
+            code, out, _ = run("get", host, SYSTEM + ".2.0", SYSTEM + ".99.0", ".1.3.6.1.2.1.2.1.0", LOCATION,
+                               ".1.3.6.1.2.1.4.20.1.1.10.77.1.2")
+            self.assertEqual(0, code)
+            self.assertEqual(f"{object_id}{SYSTEM}.99.0 = no value\n.1.3.6.1.2.1.2.1.0 = INTEGER: 2\n"
+                             f"{LOCATION} = OCTET STRING: {LOCATION_TEXT}\n"
+                             ".1.3.6.1.2.1.4.20.1.1.10.77.1.2 = IpAddress: 10.77.1.2\n", out)
+        code, out, _ = run("get", AGENT, SYSTEM + ".2.0", SYSTEM + ".3.0", *V3, **SECRETS)
+        self.assertEqual(0, code)
+        self.assertRegex(out, r"8072\.3\.2\.10\n.*TimeTicks: \d+ \(")
+
+    def test_set_writes_and_verify_tells_a_refusal(self):
+        for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, "ext. 43")):
+            arguments = ["set", host, WRITABLE, "string", value, "--verify"]
+            shown = f"{WRITABLE} = OCTET STRING: {value}\n"
+            code, out, err = run(*arguments)
+            self.assertEqual((1, shown), (code, out))  # a refusal is an answer like any other
+            self.assertIn("not set", err)
+            self.assertEqual((0, shown, ""), run(*arguments, "--write-community", "secret"))
+        self.assertEqual(1, run("set", AGENT, SYSTEM + ".7.0", "i", "-5", "--verify", "-w", "secret")[0])
+
+    def test_failures_have_their_exit_codes(self):
+        requests = (["get", SILENT, CONTACT], ["set", SILENT, CONTACT, "s", "x"], ["info", SILENT], ["walk", SILENT])
+        with concurrent.futures.ThreadPoolExecutor() as pool:  # each waits for 10 s
+            for code, _, err in pool.map(lambda request: run(*request), requests):
+                self.assertEqual(1, code)
+                self.assertIn("no answer", err)
+        subprocess.run(["ip", "-n", "host", "route", "add", "unreachable", "10.99.0.1"], check=True)
+        code, out, err = run("get", "10.99.0.1", CONTACT)
+        self.assertEqual((3, ""), (code, out))
+        self.assertIn("could not be sent", err)
+        code, _, err = run("get", AGENT, CONTACT, *V3, VNDISCOVER_AUTH_PASS="wrongpass", VNDISCOVER_PRIV_PASS="x")
+        self.assertEqual(1, code)
+        self.assertIn("wrong authentication password", err)
+        self.assertEqual((1, ""), run("walk", AGENT, ".1.3.6.1.9")[:2])
+
+    def test_ping_and_ipv6_answer_by_exit_code(self):
+        self.assertEqual((0, "10.77.1.2 answered\n"), run("ping", AGENT)[:2])
+        self.assertEqual(1, run("ping", SILENT, "--timeout", "300")[0])
+        self.assertEqual(0, run("ipv6")[0])
+
+
+def start_responders():
+    for net, address in RESPONDERS.items():
+        if HAS_WSDD:
+            start_in(net, "wsdd", "-4", "-i", address, "-n", "PRINTER")
+        else:
+            start_in(net, "wsdd2", "-4", "-w", "-i", "eth0", "-N", "PRINTER", "-G", "GROUP")
+    for net in RESPONDERS:
+        deadline = time.monotonic() + 30
+        # Its web server is what it opens last.
+        while not subprocess.run(["ip", "netns", "exec", net, "ss", "-Hltn", "sport = 5357 or sport = 3702"],
+                                 capture_output=True, check=True).stdout:
+            if time.monotonic() > deadline:
+                raise RuntimeError("the responder does not start")
+
+
+if __name__ == "__main__":
+    main(AGENT_CONF, start_responders)
