@@ -1,6 +1,5 @@
-"""vndiscover.exe with a real agent (net-snmp's) and real WS-Discovery responders (wsdd, or wsdd2
-where Debian has no wsdd): sweeps in every format, values
-read, walked and written, usage, Ctrl-C, passwords, exit codes."""
+"""vndiscover.exe with a real agent (net-snmp's) and real WS-Discovery responders (wsdd, or wsdd2 where Debian has none):
+sweeps in every format, values read, walked and written, usage, Ctrl-C, passwords, exit codes."""
 
 import concurrent.futures
 import csv
