@@ -32,7 +32,8 @@ endfunction()
 if(VNDISCOVER_SYMBOLS AND MINGW)
     _kit_symbols(-g vndiscover_core VnDiscover)
     # Functions and lines: all symbols of its templates would be ten times the size of the rest of the kit.
-    _kit_symbols(-g1 vndiscover_host_core vndiscover_host windows_check)
+    _kit_symbols(-g1 vndiscover_host_core vndiscover_host windows_check_core
+                 windows_check)
 endif()
 
 # _kit_program(TARGET NAME): the stripped program and its symbols in the stage.
