@@ -1,12 +1,11 @@
 // SNMPv3 messages of one user at one engine. The first byte chooses the protocols that the reader
 // expects, and whether what follows is a datagram as it comes, or the plain text of one that is
-// encrypted and signed here: so mutated bytes reach the inner decoders.
+// encrypted here: so mutated bytes reach the inner decoders.
 #include <cstdlib>
 
 #include "helpers/snmp_datagrams.h"
 #include "snmp/asn_decode.h"
 #include "snmpv3/crypto.h"
-#include "snmpv3/keys.h"
 #include "snmpv3/message_reader.h"
 #include "snmpv3/privacy.h"
 #include "snmpv3/protocol_codes.h"
@@ -19,17 +18,9 @@ constexpr uint32_t kAuthCodes = 7;  // none and six
 constexpr uint32_t kPrivCodes = 3;
 constexpr uint8_t kPlainText = 0x80;
 
-// Derived once: that costs a hash over 1 MiB.
-const MessageKeys& KeysOf(uint32_t auth) {
-    static MessageKeys keys[kAuthCodes];
-    MessageKeys& chosen = keys[auth];
-    if (auth != kAuthNone && chosen.auth.Empty()) {
-        CryptoSession crypto;
-        chosen.auth = PasswordToKey(crypto, auth, ToBuffer(TextBytes("maplesyrup")),
-                                    ToBuffer(V3Datagram().engineId));
-        chosen.priv = chosen.auth;
-    }
-    return chosen;
+const MessageKeys& Keys() {
+    static const MessageKeys keys = {ToBuffer(Bytes(64, 0x5A)), ToBuffer(Bytes(64, 0xA5))};
+    return keys;
 }
 
 // The bindings of the message; -1: it does not decode.
@@ -39,10 +30,11 @@ int32_t Read(uint32_t auth, uint32_t priv, const Bytes& datagram) {
     message.usm.authProtocol = auth;
     message.usm.privProtocol = priv;
     CryptoSession crypto;
-    ExactBlock block(datagram);
+    Bytes block = datagram;
+    const auto size = static_cast<int32_t>(block.size());
     try {
-        const int32_t end = ReadMessage(message, KeysOf(auth), crypto, block.Data(), block.Size());
-        if (end <= 0 || end > block.Size()) std::abort();
+        const int32_t end = ReadMessage(message, Keys(), crypto, block.data(), size);
+        if (end <= 0 || end > size) std::abort();
     } catch (const AsnDecodeError&) {
         return -1;
     }
@@ -60,7 +52,7 @@ void ReadInner(uint32_t auth, uint32_t priv, const Bytes& plain) {
 
     CryptoSession crypto;
     const ByteBuffer text = ToBuffer(plain);
-    const PrivacyInput input = {text, KeysOf(auth).priv, static_cast<int32_t>(answer.boots),
+    const PrivacyInput input = {text, Keys().priv, static_cast<int32_t>(answer.boots),
                                 static_cast<int32_t>(answer.time)};
     ByteBuffer cipher, salt;
     if (priv == kPrivDes) {
@@ -71,13 +63,7 @@ void ReadInner(uint32_t auth, uint32_t priv, const Bytes& plain) {
     answer.flagsTlv = Tlv(0x04, {3});
     answer.salt = ToBytes(salt);
     answer.scopedTlv = Tlv(0x04, ToBytes(cipher));
-    const Bytes datagram = answer.BuildSigned(MacLength(auth), [&](const Bytes& whole) {
-        ByteBuffer mac;
-        crypto.Hmac(auth, KeysOf(auth).auth, whole.data(), static_cast<uint32_t>(whole.size()),
-                    mac);
-        return ToBytes(mac);
-    });
-    if (Read(auth, priv, datagram) != expected) std::abort();
+    if (Read(auth, priv, answer.Build()) != expected) std::abort();
 }
 
 }  // namespace

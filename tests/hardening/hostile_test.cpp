@@ -42,32 +42,16 @@ class Mutator {
         return kBytes[Below(sizeof kBytes)];
     }
     void Change(Bytes& data, size_t at) {
-        Bytes added;
-        switch (Below(8)) {
-            case 0:
-                data[at] ^= static_cast<uint8_t>(1 << Below(8));
-                break;
-            case 1:
-                data.resize(at);
-                break;
-            case 2:
-            case 3:
-                data[at] = TagOrLength();
-                break;
-            case 4:
-                added.resize(1 + Below(2) * Below(400));
-                for (uint8_t& byte : added) byte = TagOrLength();
-                break;
-            case 5:
-                added.resize(Below(100));
-                for (uint8_t& byte : added) byte = static_cast<uint8_t>(random_());
-                break;
-            case 6:  // about as large as what is still taken
-                data.resize(kLargest - 4 + Below(9), TagOrLength());
-                break;
-            default:
-                added = data;
-        }
+        const size_t kind = Below(8);
+        Bytes added(kind == 0 ? 1 + Below(2) * Below(400) : kind == 1 ? Below(100) : 0);
+        for (uint8_t& byte : added)
+            byte = kind == 0 ? TagOrLength() : static_cast<uint8_t>(random_());
+        if (kind == 2) added = data;
+        if (kind == 3) data[at] ^= static_cast<uint8_t>(1 << Below(8));
+        if (kind == 4 || kind == 5) data[at] = TagOrLength();
+        if (kind == 6) data.resize(at);
+        // About as large as what is still taken.
+        if (kind == 7) data.resize(at = kLargest - 4 + Below(9), TagOrLength());
         data.insert(data.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
     }
 
@@ -204,17 +188,15 @@ class HostileNetwork : public NetworkTest {
                                               nullptr, nullptr));
         EXPECT_TRUE(toSet.FrontStands());
         value.Fresh<char>()[0] = '\0';
-        user_.Ask([&](auto... security) {
-            return module.GetSnmpRequestV3(kHost, kDefaultOid, value.Text(), 256, nullptr, 0, 0,
-                                           security...);
-        });
-        EXPECT_LE(strnlen(value.Text(), 256), 126u);
-        EXPECT_TRUE(!isGood_ || value.Text() == std::string("Model 1"));
         next = record.Fresh<VnResponseRecord>();
         next->oidLength = next->valueLength = 0;
         user_.Ask([&](auto... security) {
+            module.GetSnmpRequestV3(kHost, kDefaultOid, value.Text(), 256, nullptr, 0, 0,
+                                    security...);
             return module.GetNextSnmpRequestV3(kHost, kDefaultOid, next, 0, 0, security...);
         });
+        EXPECT_LE(strnlen(value.Text(), 256), 126u);
+        EXPECT_TRUE(!isGood_ || value.Text() == std::string("Model 1"));
         ExpectRecord(124, 126);
     }
 

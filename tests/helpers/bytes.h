@@ -3,9 +3,8 @@
 
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
+#include <iomanip>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -13,37 +12,32 @@
 
 namespace vndiscover {
 
+// A copy takes a heap block of exactly its size: the sanitizer sees a read beyond its end.
 using Bytes = std::vector<uint8_t>;
 
-// "30 0a", blanks anywhere.
+// "30 0a", blanks anywhere but within a byte.
 inline Bytes Hex(const std::string& text) {
     Bytes bytes;
-    std::string digits;
-    for (char c : text) {
-        if (c != ' ') digits += c;
-        if (digits.size() == 2) {
-            bytes.push_back(static_cast<uint8_t>(std::strtoul(digits.c_str(), nullptr, 16)));
-            digits.clear();
-        }
+    unsigned byte = 0;
+    int read = 0;
+    for (const char* at = text.c_str(); std::sscanf(at, "%2x%n", &byte, &read) == 1; at += read) {
+        bytes.push_back(static_cast<uint8_t>(byte));
     }
     return bytes;
 }
 
 // "300a", or with `behind` each byte.
 inline std::string ToHex(const Bytes& bytes, const char* behind = "") {
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        char digits[4];
-        std::snprintf(digits, sizeof digits, "%02x", byte);
-        (text += digits) += behind;
-    }
-    return text;
+    std::ostringstream text;
+    text << std::hex << std::setfill('0');
+    for (const int byte : bytes) text << std::setw(2) << byte << behind;
+    return text.str();
 }
 
 inline Bytes TextBytes(const std::string& text) { return Bytes(text.begin(), text.end()); }
 
 inline Bytes ToBytes(const ByteBuffer& buffer) {
-    return buffer.data ? Bytes(buffer.data, buffer.data + buffer.length) : Bytes();
+    return Bytes(buffer.data, buffer.data + buffer.length);
 }
 
 inline ByteBuffer ToBuffer(const Bytes& bytes) {
@@ -61,34 +55,14 @@ inline Bytes Prefix(const Bytes& bytes, size_t count) {
     return Bytes(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
-// A heap block of exactly the size of what it holds: a read beyond its end is seen by the
-// sanitizer.
-class ExactBlock {
-  public:
-    explicit ExactBlock(const Bytes& bytes)
-        : size_(bytes.size()), block_(std::make_unique<uint8_t[]>(size_)) {
-        if (size_ != 0) std::memcpy(block_.get(), bytes.data(), size_);
-    }
-    uint8_t* Data() { return block_.get(); }
-    int32_t Size() const { return static_cast<int32_t>(size_); }
-    Bytes Content() const { return Bytes(block_.get(), block_.get() + size_); }
-
-  private:
-    size_t size_;
-    std::unique_ptr<uint8_t[]> block_;
-};
-
 // A BER value in the shortest length form, written without the encoder under test.
 inline Bytes Tlv(uint8_t tag, const Bytes& content) {
     const size_t size = content.size();
-    Bytes header = {tag};
-    if (size >= 0x100) {
-        header = header + Bytes{0x82, static_cast<uint8_t>(size >> 8)};
-    } else if (size >= 0x80) {
-        header.push_back(0x81);
-    }
-    header.push_back(static_cast<uint8_t>(size));
-    return header + content;
+    const auto low = static_cast<uint8_t>(size), high = static_cast<uint8_t>(size >> 8);
+    return (size < 0x80    ? Bytes{tag, low}
+            : size < 0x100 ? Bytes{tag, 0x81, low}
+                           : Bytes{tag, 0x82, high, low}) +
+           content;
 }
 
 }  // namespace vndiscover

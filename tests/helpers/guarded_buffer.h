@@ -41,8 +41,6 @@ class GuardedBuffer {
     Bytes Content() const { return Bytes(data_, data_ + size_); }
     bool FrontStands() const { return IsFilled(base_, data_); }
     bool IsUntouched() const { return IsFilled(base_, data_ + size_); }
-    // It holds a text that ends inside.
-    bool IsText() const { return std::find(data_, data_ + size_, 0) != data_ + size_; }
 
   private:
     static bool IsFilled(const uint8_t* from, const uint8_t* to) {

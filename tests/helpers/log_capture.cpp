@@ -1,14 +1,10 @@
+// On Windows; tests/native/ has its own.
+#ifdef _WIN32
 #include "helpers/log_capture.h"
 
-#ifdef _WIN32
 #include "support/win.h"
-#else
-#include "native/debug_log_native.h"
-#endif
 
 namespace vndiscover {
-
-#ifdef _WIN32
 namespace {
 
 constexpr DWORD kPrintNarrow = 0x40010006;
@@ -16,13 +12,15 @@ constexpr DWORD kPrintWide = 0x4001000A;
 constexpr size_t kStampChars = sizeof "MM/DD/YYYY hh:mm:ss:mmm " - 1;
 
 LogCapture* g_capture = nullptr;
+void* g_registration = nullptr;
 
-std::string Utf8Of(const wchar_t* text) {
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(std::max(size, 1)), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
-    utf8.pop_back();
-    return utf8;
+template <class Char>
+std::string AsciiOf(ULONG_PTR address) {
+    std::string text;
+    for (auto c = reinterpret_cast<const Char*>(address); *c; ++c) {
+        text += sizeof(Char) == 1 || *c < 0x80 ? static_cast<char>(*c) : '?';
+    }
+    return text;
 }
 
 // What goes to the debugger is raised as an exception first: the length and the text are its
@@ -30,14 +28,12 @@ std::string Utf8Of(const wchar_t* text) {
 LONG CALLBACK OnException(EXCEPTION_POINTERS* pointers) {
     const EXCEPTION_RECORD& raised = *pointers->ExceptionRecord;
     const bool wide = raised.ExceptionCode == kPrintWide;
-    if ((!wide && raised.ExceptionCode != kPrintNarrow) || raised.NumberParameters < 2 ||
-        !g_capture) {
+    if ((!wide && raised.ExceptionCode != kPrintNarrow) || !g_capture) {
         return EXCEPTION_CONTINUE_SEARCH;
     }
-    const void* text = reinterpret_cast<const void*>(raised.ExceptionInformation[1]);
-    std::string line = wide ? Utf8Of(static_cast<const wchar_t*>(text))
-                            : std::string(static_cast<const char*>(text));
-    g_capture->Add(line.size() >= kStampChars ? line.substr(kStampChars) : std::move(line));
+    const ULONG_PTR text = raised.ExceptionInformation[1];
+    const std::string line = wide ? AsciiOf<wchar_t>(text) : AsciiOf<char>(text);
+    g_capture->Add(line.size() >= kStampChars ? line.substr(kStampChars) : line);
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
@@ -45,27 +41,13 @@ LONG CALLBACK OnException(EXCEPTION_POINTERS* pointers) {
 
 LogCapture::LogCapture() {
     g_capture = this;
-    registration_ = AddVectoredExceptionHandler(1, OnException);
+    g_registration = AddVectoredExceptionHandler(1, OnException);
 }
 
 LogCapture::~LogCapture() {
-    RemoveVectoredExceptionHandler(registration_);
+    RemoveVectoredExceptionHandler(g_registration);
     g_capture = nullptr;
-}
-#else
-LogCapture::LogCapture() : registration_(this) {
-    g_logSinkContext = registration_;
-    g_logSink = [](const char* line, void* context) {
-        static_cast<LogCapture*>(context)->Add(line);
-    };
-}
-
-LogCapture::~LogCapture() { g_logSink = nullptr; }
-#endif
-
-void LogCapture::Add(std::string line) {
-    std::lock_guard<std::mutex> lock(mutex_);
-    lines_.push_back(std::move(line));
 }
 
 }  // namespace vndiscover
+#endif

@@ -6,17 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "support/debug_log.h"
+
 namespace vndiscover {
 
-// Lines come without their time stamp but with their line end, wide ones as UTF-8. On Windows it
-// sees what goes to the debugger, from any module of the process whose debug switch is on. One at a
-// time.
+// Lines come without their time stamp but with their line end; what is not ASCII in wide ones is
+// '?'. On Windows it sees what goes to the debugger, from any module of the process whose debug
+// switch is on. One at a time.
 class LogCapture {
   public:
     LogCapture();
     ~LogCapture();
-    LogCapture(const LogCapture&) = delete;
-    LogCapture& operator=(const LogCapture&) = delete;
 
     std::vector<std::string> Lines() const {
         std::lock_guard<std::mutex> lock(mutex_);
@@ -30,13 +30,27 @@ class LogCapture {
         std::lock_guard<std::mutex> lock(mutex_);
         lines_.clear();
     }
-
-    void Add(std::string line);
+    void Add(const std::string& line) {
+        std::lock_guard<std::mutex> lock(mutex_);
+        lines_.push_back(line);
+    }
 
   private:
     mutable std::mutex mutex_;
     std::vector<std::string> lines_;
-    void* registration_;
+};
+
+// Also turns the debug switch on, for code that is linked into the test itself.
+class UnitLog : public LogCapture {
+  public:
+    UnitLog() { g_debugSwitches.debug = 1; }
+    ~UnitLog() { g_debugSwitches.debug = 0; }
+
+    std::string Text() const {
+        std::string text;
+        for (const std::string& line : Lines()) text += line;
+        return text;
+    }
 };
 
 }  // namespace vndiscover

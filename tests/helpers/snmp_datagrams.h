@@ -15,34 +15,33 @@ constexpr char kSysDescr[] = ".1.3.6.1.2.1.1.1.0";
 constexpr char kSysName[] = ".1.3.6.1.2.1.1.5.0";
 constexpr char kSysLocation[] = ".1.3.6.1.2.1.1.6.0";
 
-// The content octets of an OBJECT IDENTIFIER.
+// The content octets of an OBJECT IDENTIFIER, written ".1.3.6".
 inline Bytes OidContent(const std::string& dotted) {
-    const auto base128 = [](uint32_t arc) {
-        Bytes bytes = {static_cast<uint8_t>(arc & 0x7F)};
-        while ((arc >>= 7) != 0) bytes = Bytes{static_cast<uint8_t>(arc | 0x80)} + bytes;
-        return bytes;
-    };
     std::istringstream text(dotted);
-    std::vector<uint32_t> arcs;
-    for (std::string piece; std::getline(text, piece, '.');) {
-        if (!piece.empty()) arcs.push_back(static_cast<uint32_t>(std::stoul(piece)));
-    }
-    Bytes content = base128(arcs.at(0) * 40 + arcs.at(1));
-    for (size_t i = 2; i < arcs.size(); ++i) content = content + base128(arcs[i]);
+    char dot = 0;
+    uint32_t first = 0, arc = 0;
+    text >> dot >> first >> dot >> arc;
+    arc += 40 * first;
+    Bytes content;
+    do {
+        Bytes base128 = {static_cast<uint8_t>(arc & 0x7F)};
+        while ((arc >>= 7) != 0) base128 = Bytes{static_cast<uint8_t>(arc | 0x80)} + base128;
+        content = content + base128;
+    } while (text >> dot >> arc);
     return content;
 }
 
-inline Bytes IntegerTlv(uint32_t value) {
-    Bytes content;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        const auto byte = static_cast<uint8_t>(value >> shift);
-        if (!content.empty() || byte != 0 || shift == 0) content.push_back(byte);
+// The shortest form of two's complement.
+inline Bytes IntegerTlv(int64_t value) {
+    Bytes content = {static_cast<uint8_t>(value)};
+    for (int64_t rest = value >> 7; rest != 0 && rest != -1; rest >>= 8) {
+        content = Bytes{static_cast<uint8_t>(rest >> 1)} + content;
     }
-    return Tlv(0x02, content[0] >= 0x80 ? Bytes{0} + content : content);
+    return Tlv(0x02, content);
 }
 
-inline Bytes BindingTlv(const Bytes& oidContent, const Bytes& valueTlv) {
-    return Tlv(0x30, Tlv(0x06, oidContent) + valueTlv);
+inline Bytes BindingTlv(const std::string& oid, const Bytes& valueTlv) {
+    return Tlv(0x30, Tlv(0x06, OidContent(oid)) + valueTlv);
 }
 
 // An SNMPv1 message with one variable.
@@ -54,17 +53,15 @@ struct SnmpMessage {
     std::string community = "sesame";
     Bytes requestId = {1};
     uint8_t errorStatus = 0;
-    // How a SEQUENCE or PDU of 128 bytes and more tells its length: 82 hi lo, as many agents do, or
-    // in the shortest form, 81 nn, which the module's parser does not know.
-    bool shortestLengths = false;
 };
+// A SEQUENCE or PDU of 128 bytes and more tells its length as 82 hi lo, as many agents do: 81 nn
+// the module's parser does not know.
 inline Bytes Encode(const SnmpMessage& message) {
-    const auto constructed = [&](uint8_t tag, const Bytes& content) {
+    const auto constructed = [](uint8_t tag, const Bytes& content) {
         const size_t size = content.size();
-        if (message.shortestLengths || size < 0x80) return Tlv(tag, content);
-        const Bytes header = {tag, 0x82, static_cast<uint8_t>(size >> 8),
-                              static_cast<uint8_t>(size)};
-        return header + content;
+        if (size < 0x80) return Tlv(tag, content);
+        return Bytes{tag, 0x82, static_cast<uint8_t>(size >> 8), static_cast<uint8_t>(size)} +
+               content;
     };
     const Bytes variable =
         constructed(0x30, Tlv(6, OidContent(message.oid)) + Tlv(message.valueType, message.value));
@@ -86,11 +83,6 @@ inline Bytes SnmpText(const std::string& text, const std::string& oid = kDefault
     return SnmpAnswer(oid, 4, TextBytes(text));
 }
 
-inline const Bytes& SysNameOid() {
-    static const Bytes oid = OidContent(kSysName);
-    return oid;
-}
-
 inline Bytes ScopedPduTlv(uint8_t pduTag, const Bytes& bindings,
                           const Bytes& contextEngineId = {}) {
     return Tlv(0x30, Tlv(0x04, contextEngineId) + Tlv(0x04, {}) +
@@ -100,7 +92,7 @@ inline Bytes ScopedPduTlv(uint8_t pduTag, const Bytes& bindings,
 
 // A response with sysName as OCTET STRING.
 inline Bytes ScopedTextTlv(const std::string& text) {
-    return ScopedPduTlv(0xA2, BindingTlv(SysNameOid(), Tlv(0x04, TextBytes(text))));
+    return ScopedPduTlv(0xA2, BindingTlv(kSysName, Tlv(0x04, TextBytes(text))));
 }
 
 struct V3Datagram {
@@ -124,14 +116,6 @@ struct V3Datagram {
         return IntegerTlv(3) + header + Tlv(0x04, usm) + scopedTlv;
     }
     Bytes Build() const { return Tlv(0x30, Content()); }
-
-    // With the code in place that sign(the datagram with zeros there) gives, cut to size.
-    template <class Sign>
-    Bytes BuildSigned(size_t size, const Sign& sign) {
-        macTlv = Tlv(0x04, Bytes(size, 0));
-        macTlv = Tlv(0x04, Prefix(sign(Build()), size));
-        return Build();
-    }
 };
 
 inline V3Datagram WithoutEngine(V3Datagram datagram) {
@@ -142,21 +126,18 @@ inline V3Datagram WithoutEngine(V3Datagram datagram) {
 
 // The engine discovery, RFC 3412 6 and RFC 3414 4: all fields empty or 0, but for msgID 256,
 // msgMaxSize 65536, the reportable flag and request-id 257.
-inline const Bytes& V3Probe() {
-    static const Bytes probe =
-        Hex("30 3a 02 01 03"
-            "30 0f 02 02 01 00 02 03 01 00 00 04 01 04 02 01 03"
-            "04 10 30 0e 04 00 02 01 00 02 01 00 04 00 04 00 04 00"
-            "30 12 04 00 04 00 a0 0c 02 02 01 01 02 01 00 02 01 00 30 00");
-    return probe;
+inline Bytes V3Probe(const char* flags = "04") {
+    return Hex("30 3a 02 01 03  30 0f 02 02 01 00 02 03 01 00 00 04 01") + Hex(flags) +
+           Hex("02 01 03  04 10 30 0e 04 00 02 01 00 02 01 00 04 00 04 00 04 00"
+               "30 12 04 00 04 00 a0 0c 02 02 01 01 02 01 00 02 01 00 30 00");
 }
 
 // The answer to the probe: usmStatsUnknownEngineIDs.
 inline V3Datagram V3ReportFields() {
     V3Datagram report;
     report.user = {};
-    report.scopedTlv = ScopedPduTlv(
-        0xA8, BindingTlv(OidContent(".1.3.6.1.6.3.15.1.1.4.0"), Tlv(0x41, {1})), report.engineId);
+    report.scopedTlv =
+        ScopedPduTlv(0xA8, BindingTlv(".1.3.6.1.6.3.15.1.1.4.0", Tlv(0x41, {1})), report.engineId);
     return report;
 }
 inline Bytes V3Report() { return V3ReportFields().Build(); }
@@ -166,7 +147,7 @@ inline V3Datagram V3RequestFields(const std::string& oid, uint8_t pduType = 0xA0
     V3Datagram request;
     request.msgMaxSize = 65536;
     request.flagsTlv = Tlv(0x04, {0x04});
-    request.scopedTlv = ScopedPduTlv(pduType, BindingTlv(OidContent(oid), {0x05, 0x00}));
+    request.scopedTlv = ScopedPduTlv(pduType, BindingTlv(oid, {0x05, 0x00}));
     return request;
 }
 inline Bytes V3Request(const std::string& oid, uint8_t pduType = 0xA0) {
@@ -179,7 +160,7 @@ inline Bytes V3ProbeFor(const std::string& oid) {
 
 inline V3Datagram V3AnswerFields(const Bytes& valueTlv, const std::string& oid = kDefaultOid) {
     V3Datagram answer;
-    answer.scopedTlv = ScopedPduTlv(0xA2, BindingTlv(OidContent(oid), valueTlv));
+    answer.scopedTlv = ScopedPduTlv(0xA2, BindingTlv(oid, valueTlv));
     return answer;
 }
 inline Bytes V3Text(const std::string& text, const std::string& oid = kDefaultOid) {

@@ -10,7 +10,7 @@ import subprocess
 import threading
 import unittest
 
-from lab import main, on_host, run
+from lab import found, main, on_host
 
 NETS = {"neta": "1", "netb": "2"}
 BURST = 400  # the kernel keeps some 280 for a socket whose receive buffer nobody raised
@@ -100,9 +100,8 @@ class Device(threading.Thread):
 
 class BothAdapters(unittest.TestCase):
     def find(self, *options):
-        code, out, err = run("sweep", "--format", "json", *options)
-        self.assertEqual(0, code, err)
-        return [(device["address"], device["value"]) for device in json.loads(out)]
+        return [(device["address"], device["value"])
+                for device in json.loads(found("sweep", "--format", "json", *options))]
 
     def assert_seen(self, expected, data, receiver):
         self.assertEqual([f"{line} {data.hex()}" for line in expected],
@@ -136,11 +135,10 @@ class BothAdapters(unittest.TestCase):
 
     def test_hostile_replies_let_no_control_character_through(self):
         for options in ([], ["--format", "json"], ["--raw"]):
-            code, out, _ = run("wsd", "--timeout", "1000", "--types", "wsdp:hostile", *options)
-            self.assertEqual(0, code)
+            out = found("wsd", "--timeout", "1000", "--types", "wsdp:hostile", *options)
             self.assertIn("http://a/", out)
             self.assertNotRegex(out, "[\x00-\x08\x0b-\x1f\x7f-\x9f]")
-        self.assertIn("A" * 2048, out)
+        self.assertIn("== 10.77.1.2, 2048 bytes\n" + "A" * 2048, out)
 
 
 def start_devices():

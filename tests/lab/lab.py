@@ -1,7 +1,6 @@
 """What the tests in labs share: the network, an agent in it, and ways to run the console host."""
 
 import concurrent.futures
-import io
 import os
 import pty
 import re
@@ -40,6 +39,13 @@ def run(*arguments, program="vndiscover.exe", **environment):
         return done.returncode, out.read().decode().replace("\r\n", "\n"), err.read().decode()
 
 
+def found(*arguments, **environment):
+    """Runs the program and returns its output; it has to end with 0."""
+    code, out, err = run(*arguments, **environment)
+    assert code == 0, (arguments, code, out, err)
+    return out
+
+
 def run_on_terminal(steps, *arguments):
     """Runs the program on a terminal and types. `steps`: pairs of a text to wait for and what is typed then.
     Returns exit code, what the screen got without its control sequences, and the seconds since the last key."""
@@ -69,14 +75,6 @@ def run_on_terminal(steps, *arguments):
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
 
 
-def run_test(test):
-    output = io.StringIO()
-    result = unittest.TextTestRunner(output).run(test)
-    for skipped, reason in result.skipped:
-        print(f"skipped: {skipped.id()}: {reason}", flush=True)
-    return result.wasSuccessful(), output.getvalue()
-
-
 def main(agent_conf="", prepare=lambda: None):
     """Sets the lab up and runs the tests of the calling file at the same time, since they mostly wait."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
@@ -86,9 +84,12 @@ def main(agent_conf="", prepare=lambda: None):
     prepare()
     suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
     tests = [test for case in suite for test in case]
-    with concurrent.futures.ThreadPoolExecutor(len(tests)) as pool:  # an error when there are none
-        results = list(pool.map(run_test, tests))
-    for succeeded, output in results:
-        if not succeeded:
-            print(output)
-    sys.exit(not all(succeeded for succeeded, _ in results))
+
+    def all_at_once(result):
+        with concurrent.futures.ThreadPoolExecutor(len(tests)) as pool:  # an error when there are none
+            list(pool.map(lambda test: test(result), tests))
+
+    result = unittest.TextTestRunner().run(all_at_once)
+    for skipped, reason in result.skipped:
+        print(f"skipped: {skipped.id()}: {reason}")
+    sys.exit(not result.wasSuccessful())

@@ -2,6 +2,9 @@
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
 
+#include <iterator>
+#include <vector>
+
 #include "snmpv3/crypto.h"
 #include "snmpv3/protocol_codes.h"
 #include "snmpv3/sha224.h"
@@ -11,37 +14,24 @@ namespace vndiscover {
 namespace {
 
 const EVP_MD* DigestOf(uint32_t authCode) {
-    switch (authCode) {
-        case kAuthMd5:
-            return EVP_md5();
-        case kAuthSha1:
-            return EVP_sha1();
-        case kAuthSha256:
-            return EVP_sha256();
-        case kAuthSha384:
-            return EVP_sha384();
-        case kAuthSha512:
-            return EVP_sha512();
-        default:
-            DebugLogA("Not supported HashAlgorithm:%d\n", static_cast<int>(authCode - 2));
-            return nullptr;
+    static const char* const kNames[] = {"", "MD5", "SHA1", "", "SHA256", "SHA384", "SHA512"};
+    if (authCode < std::size(kNames) && *kNames[authCode]) {
+        return EVP_get_digestbyname(kNames[authCode]);
     }
+    DebugLogA("Not supported HashAlgorithm:%d\n", static_cast<int>(authCode - 2));
+    return nullptr;
 }
 
 // DES from triple DES with one key three times, which libcrypto has without its legacy provider.
-// The output may lie over the input.
-bool RunDes(const EVP_CIPHER* cipher, const uint8_t* key, const uint8_t* iv, bool encrypt,
-            uint8_t* text, uint32_t length) {
+bool RunDes(bool encrypt, const uint8_t* key, const uint8_t* iv, const uint8_t* in, uint32_t length,
+            uint8_t* out) {
     uint8_t tripleKey[3 * kDesKeySize];
     for (size_t i = 0; i < sizeof tripleKey; ++i) tripleKey[i] = key[i % kDesKeySize];
     EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
-    int written = 0;
-    const bool done =
-        EVP_CipherInit_ex(context, cipher, nullptr, tripleKey, iv, encrypt) == 1 &&
-        EVP_CIPHER_CTX_set_padding(context, 0) == 1 &&
-        EVP_CipherUpdate(context, text, &written, text, static_cast<int>(length)) == 1;
+    EVP_CipherInit_ex(context, EVP_des_ede3_cbc(), nullptr, tripleKey, iv, encrypt);
+    const int done = EVP_Cipher(context, out, in, length);
     EVP_CIPHER_CTX_free(context);
-    return done && written == static_cast<int>(length);
+    return done > 0;
 }
 
 }  // namespace
@@ -55,15 +45,14 @@ bool CryptoSession::Hash(uint32_t authCode, const RepeatedBytes& input, ByteBuff
     if (authCode == kAuthSha224) return HashSha224(input, digest);
     const EVP_MD* type = DigestOf(authCode);
     if (!type) return false;
-    EVP_MD_CTX* context = EVP_MD_CTX_new();
+    std::vector<uint8_t> whole;
+    input.ForEach([&](const uint8_t* bytes, uint32_t count) {
+        whole.insert(whole.end(), bytes, bytes + count);
+        return true;
+    });
     uint8_t value[EVP_MAX_MD_SIZE];
     unsigned size = 0;
-    EVP_DigestInit_ex(context, type, nullptr);
-    input.ForEach([&](const uint8_t* bytes, uint32_t count) {
-        return EVP_DigestUpdate(context, bytes, count) == 1;
-    });
-    EVP_DigestFinal_ex(context, value, &size);
-    EVP_MD_CTX_free(context);
+    EVP_Digest(whole.data(), whole.size(), value, &size, type, nullptr);
     digest.Assign(value, static_cast<int32_t>(size));
     return true;
 }
@@ -84,15 +73,15 @@ bool CryptoSession::Hmac(uint32_t authCode, const ByteBuffer& key, const uint8_t
 bool CryptoSession::DesEncryptBlock(const uint8_t (&key)[kDesKeySize],
                                     const uint8_t (&block)[kDesBlockSize],
                                     uint8_t (&cipher)[kDesBlockSize]) {
-    for (size_t i = 0; i < kDesBlockSize; ++i) cipher[i] = block[i];
-    return RunDes(EVP_des_ede3_ecb(), key, nullptr, true, cipher, kDesBlockSize);
+    const uint8_t zeros[kDesBlockSize] = {};
+    return RunDes(true, key, zeros, block, kDesBlockSize, cipher);
 }
 
 bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
                                const uint8_t (&iv)[kDesBlockSize], const uint8_t* cipher,
                                uint32_t length, ByteBuffer& plain) {
     plain.Assign(cipher, static_cast<int32_t>(length));
-    return RunDes(EVP_des_ede3_cbc(), key, iv, false, plain.data, length);
+    return RunDes(false, key, iv, plain.data, length, plain.data);
 }
 
 }  // namespace vndiscover

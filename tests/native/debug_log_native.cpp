@@ -1,53 +1,45 @@
-#include "debug_log_native.h"
-
+// The log where there is no debugger to send it to: one LogCapture at a time gets its lines.
 #include <cstdarg>
 #include <cstdio>
-#include <cwchar>
-#include <string>
+#include <regex>
 
-#include "support/debug_log.h"
+#include "../helpers/log_capture.h"
 #include "support/text_convert.h"
 
 namespace vndiscover {
-
-DebugSwitches g_debugSwitches = {0, 0};
-void (*g_logSink)(const char* line, void* context) = nullptr;
-void* g_logSinkContext = nullptr;
-
 namespace {
 
-constexpr size_t kMessageSize = 1024;
+LogCapture* g_capture = nullptr;
 
-// "%s" means wide text in a wide format of Windows, narrow text here.
-std::wstring PortableFormat(const wchar_t* format) {
-    std::wstring portable;
-    for (; *format; ++format) {
-        if (portable.size() >= 1 && portable.back() == L'%' && *format == L's') portable += L'l';
-        portable += *format;
-    }
-    return portable;
+void Write(const char* format, va_list arguments) {
+    char message[1024 + 1];
+    std::vsnprintf(message, sizeof message, format, arguments);
+    g_capture->Add(message);
 }
 
 }  // namespace
 
+DebugSwitches g_debugSwitches = {0, 0};
+
+LogCapture::LogCapture() { g_capture = this; }
+LogCapture::~LogCapture() { g_capture = nullptr; }
+
 void DebugLogA(const char* format, ...) {
-    if (g_debugSwitches.debug == 0 || !g_logSink) return;
-    char message[kMessageSize + 1] = {};
+    if (g_debugSwitches.debug == 0 || !g_capture) return;
     va_list arguments;
     va_start(arguments, format);
-    std::vsnprintf(message, sizeof message, format, arguments);
+    Write(format, arguments);
     va_end(arguments);
-    g_logSink(message, g_logSinkContext);
 }
 
+// "%s" means wide text in a wide format of Windows, narrow text here.
 void DebugLogW(const wchar_t* format, ...) {
-    if (g_debugSwitches.debug == 0 || !g_logSink) return;
-    wchar_t message[kMessageSize + 1] = {};
+    if (g_debugSwitches.debug == 0 || !g_capture) return;
+    const std::string narrow = std::regex_replace(WideToUtf8(format), std::regex("%s"), "%ls");
     va_list arguments;
     va_start(arguments, format);
-    std::vswprintf(message, kMessageSize, PortableFormat(format).c_str(), arguments);
+    Write(narrow.c_str(), arguments);
     va_end(arguments);
-    g_logSink(WideToUtf8(message).c_str(), g_logSinkContext);
 }
 
 }  // namespace vndiscover

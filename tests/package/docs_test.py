@@ -10,20 +10,11 @@ from pathlib import Path
 SOURCE = Path(sys.argv.pop(1))
 FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", "delivery")
 
-# A type of the header, and the C# types that pass it.
-TYPES = {
-    "HWND": {"IntPtr"},
-    "UINT": {"uint"},
-    "BYTE": {"byte"},
-    "int32_t": {"int"},
-    "uint32_t": {"uint"},
-    "uint32_t*": {"ref uint"},
-    "const wchar_t*": {"[MarshalAs(UnmanagedType.LPWStr)] string"},
-    "const char*": {"[MarshalAs(UnmanagedType.LPStr)] string", "byte[]"},
-    "char*": {"[Out] byte[]"},
-    "uint8_t*": {"[In, Out] byte[]"},
-    "VnResponseRecord*": {"ref VnResponseRecord"},
-}
+# A type of the header, and a pattern of the C# types that pass it.
+TYPES = {"HWND": "IntPtr", "UINT": "uint", "BYTE": "byte", "int32_t": "int", "uint32_t": "uint", "uint32_t*": "ref uint",
+         "const wchar_t*": r"\[MarshalAs\(UnmanagedType.LPWStr\)\] string",
+         "const char*": r"(\[MarshalAs\(UnmanagedType.LPStr\)\] string|byte\[\])", "char*": r"\[Out\] byte\[\]",
+         "uint8_t*": r"\[In, Out\] byte\[\]", "VnResponseRecord*": "ref VnResponseRecord"}
 WIDTHS = {"uint8_t": 1, "char": 1, "uint16_t": 2, "byte[]": 1, "ushort": 2}
 
 
@@ -48,20 +39,10 @@ def includes():
 
 
 def read(path):
+    """Without comments, as one line but for the header's directives."""
     text = re.sub(r"/\*.*?\*/", "", (SOURCE / path).read_text(encoding="utf-8"), flags=re.S)
-    return re.sub(r"//[^\n]*", "", text) if path.endswith(".cs") else text
-
-
-def parameters(text):
-    """(type, name) of each parameter; commas within brackets do not divide."""
-    text = " ".join(text.split())
-    pieces = re.split(r",\s*(?![^\[(]*[\])])", text) if text not in ("", "void") else []
-    split = (re.match(r"(.*?)\s*(\w+)$", piece).groups() for piece in pieces)
-    return [(kind.replace(" *", "*"), name) for kind, name in split]
-
-
-def functions(text, pattern):
-    return {m["name"]: (m["result"], parameters(m["args"])) for m in re.finditer(pattern, text)}
+    text = re.sub(r"//[^\n]*", "", text) if path.endswith(".cs") else text
+    return re.sub(r"[ \t\n]+(?!#)", " ", text)
 
 
 class Documents(unittest.TestCase):
@@ -92,19 +73,15 @@ class CSharp(unittest.TestCase):
     header, csharp = read("include/vndiscover.h"), read("examples/csharp/VnDiscover.cs")
 
     def test_exports_agree(self):
-        declared = functions(self.header, r"VN_API (?P<result>\w+) (?P<name>\w+)\((?P<args>[^;]*)\);")
-        imported = functions(
-            self.csharp, r"\[DllImport\(Dll, ExactSpelling = true\)[^\]]*\]\s*public static extern "
-            r"(?P<result>\w+) (?P<name>\w+)\((?P<args>[^;]*)\);")
+        declared = re.findall(r"VN_API (\w+) (\w+)\(([^;]*)\);", self.header)
+        imported = re.findall(r"\[DllImport\(Dll, ExactSpelling = true\)[^\]]*\] public static extern (\w+ (\w+)\([^;]*\));",
+                              self.csharp)
         self.assertGreater(len(declared), 20)
-        self.assertEqual(list(declared), list(imported))
-        for name, (result, arguments) in declared.items():
-            with self.subTest(name):
-                importedResult, importedArguments = imported[name]
-                self.assertIn(importedResult, TYPES[result])
-                self.assertEqual([n for _, n in arguments], [n for _, n in importedArguments])
-                for (kind, argument), (importedKind, _) in zip(arguments, importedArguments):
-                    self.assertIn(importedKind, TYPES[kind], argument)
+        self.assertEqual([name for _, name, _ in declared], [name for _, name in imported])
+        for (result, name, arguments), (actual, _) in zip(declared, imported):
+            parameters = [f"{TYPES[kind]} {argument}"
+                          for kind, argument in re.findall(r"(\w[\w ]*\*?) (\w+)(?:,|$)", arguments)]
+            self.assertRegex(actual.replace("( ", "("), rf"^{TYPES[result]} {name}\({', '.join(parameters)}\)$")
 
     def test_constants_agree(self):
         defined = {name: value.rstrip("u").lstrip("L") for name, value in

@@ -1,10 +1,12 @@
-// The BER primitives against ITU-T X.690 and the system's own rules.
+// The BER primitives against ITU-T X.690 and the system's own rules, and OIDs from text.
 #include <gtest/gtest.h>
 
 #include "helpers/bytes.h"
-#include "helpers/unit_log.h"
+#include "helpers/log_capture.h"
 #include "snmp/asn_decode.h"
 #include "snmp/asn_encode.h"
+#include "snmp/oid_text.h"
+#include "snmp/text_tokenizer.h"
 
 namespace vndiscover {
 namespace {
@@ -18,8 +20,6 @@ TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
     for (const int32_t length : lengths) {
         EXPECT_EQ(static_cast<uint32_t>(length), AsnReadLength(out, cursor));
     }
-    EXPECT_EQ(out.length, cursor);
-
     // The indefinite form is no length, and of more than four bytes the last four count.
     const ByteBuffer other = ToBuffer(Hex("80 85 11 22 33 44 55"));
     cursor = 0;
@@ -31,7 +31,7 @@ TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
     ByteBuffer negative;
     AsnAppendHeader(negative, kTagSequence, -1);
     EXPECT_EQ(Bytes{0x30}, ToBytes(negative));
-    EXPECT_EQ(std::vector<std::string>{"ERROR: asnLength is 0\n"}, log.Lines());
+    EXPECT_EQ("ERROR: asnLength is 0\n", log.Text());
 }
 
 TEST(Asn, IntegersTakeTheShortestFormAndReadBack) {
@@ -65,7 +65,7 @@ TEST(Asn, IntegersOfOtherFormsAreReadByRulesOfTheirOwn) {
     for (const auto& [bytes, expected] : rows) {
         int32_t value = 99;
         AsnReadInteger(value, ToBuffer(bytes), 0);
-        EXPECT_EQ(expected, value) << testing::PrintToString(bytes);
+        EXPECT_EQ(expected, value) << ToHex(bytes);
     }
 }
 
@@ -73,15 +73,14 @@ TEST(Asn, OctetStringsOfNothingAreEmpty) {
     const uint8_t bytes[] = {1, 2, 3};
     ByteBuffer out;
     AsnAppendOctetString(nullptr, 5, out);
-    AsnAppendOctetString(bytes, 0, out);
     AsnAppendOctetString(bytes, 3, out);
     AsnAppendOctet(7, out);
-    EXPECT_EQ(Hex("0400 0400 0403010203 040107"), ToBytes(out));
+    EXPECT_EQ(Hex("0400 0403010203 040107"), ToBytes(out));
     ByteBuffer read = ToBuffer({9});
     EXPECT_EQ(2u, AsnReadOctetString(read, out, 0));
     EXPECT_TRUE(read.Empty());
-    EXPECT_EQ(9u, AsnReadOctetString(read, out, 4));
-    EXPECT_EQ(Bytes({1, 2, 3}), ToBytes(read));
+    EXPECT_EQ(7u, AsnReadOctetString(read, out, 2));
+    EXPECT_EQ(Hex("010203"), ToBytes(read));
 }
 
 TEST(Asn, EveryShortOrWrongValueIsOneDecodeError) {
@@ -95,6 +94,62 @@ TEST(Asn, EveryShortOrWrongValueIsOneDecodeError) {
     for (const char* bytes : {"06 01 01", "04 02 01", "04 84 FF FF FF FE 01"}) {
         EXPECT_THROW(AsnReadOctetString(string, ToBuffer(Hex(bytes)), 0), AsnDecodeError) << bytes;
     }
+}
+
+TEST(Asn, BuffersAreDumpedAsOneWideLine) {
+    UnitLog log;
+    ByteBuffer().HexDump();
+    ToBuffer(Hex("00 a5 ff")).HexDump();
+    EXPECT_EQ("00  a5  ff  \n", log.Text());
+}
+
+using Pieces = std::vector<std::string>;
+
+Bytes ContentOf(const std::string& text) {
+    OidValue oid;
+    EXPECT_EQ(ParseOidText(oid, text.c_str()), oid.length);
+    EXPECT_EQ(0x06, oid.tag);
+    return Bytes(oid.content, oid.content + oid.length);
+}
+
+TEST(OidText, IsEncodedWithinItsLimits) {
+    EXPECT_EQ(Hex("2b 7f 81 00 ff 7f"), ContentOf("1.3.127.128.16383"));
+    EXPECT_EQ(Hex("28 05"), ContentOf("1.256.5"));                   // the first byte wraps
+    EXPECT_EQ(Hex("2b 80 00 81 01"), ContentOf("1.3.16384.32897"));  // high bits are lost
+    EXPECT_EQ(Hex("2b 06"), ContentOf("1..3. .6"));                  // empty pieces are ignored
+    EXPECT_EQ(Bytes(), ContentOf(".1"));                             // an arc alone is not written
+    EXPECT_EQ(Hex("00 00"), ContentOf("x.y.z"));                     // as atoi reads them
+    std::string longest = "1.3";
+    for (int i = 0; i < 254; ++i) longest += ".1";
+    EXPECT_EQ(255u, ContentOf(longest).size());
+    OidValue oid;
+    EXPECT_EQ(256, ParseOidText(oid, (longest + ".1").c_str()));  // told, for the caller to refuse
+    EXPECT_EQ(0, oid.length);
+    EXPECT_EQ(0, ParseOidText(oid, nullptr));
+}
+
+TEST(OidText, LogsACountOfItsOwnAndTheContent) {
+    UnitLog log;
+    for (const char* text : {".1.3.6.1.4.1.5963", "", "1.256.127.128"}) ContentOf(text);
+    EXPECT_EQ(
+        "OID length [8]\nOID = [2b 06 01 04 01 ae 4b ]\n"
+        "OID length [0]\nOID = []\n"
+        "OID length [5]\nOID = [28 7f 81 00 ]\n",
+        log.Text());
+}
+
+TEST(TextTokenizer, SplitsAtAnyDelimiter) {
+    EXPECT_EQ((Pieces{"a", "b", "c"}), SplitText("a,b;c", ",;"));
+    EXPECT_EQ((Pieces{"a", "", "", "b"}), SplitText("a,, \t,b", ","));
+    EXPECT_EQ(Pieces{"a"}, SplitText(" \t,a, \r\n", ","));  // none before the first, after the last
+    EXPECT_EQ((Pieces{"a b", "c", "d"}), SplitText("  a b\t,\"c\",'\"d\"'\n", ","));
+    EXPECT_EQ((Pieces{"a,b", "it's", "open, to the end"}),
+              SplitText("'a,b',\"it's\",'open, to the end", ","));
+    EXPECT_EQ(Pieces(), SplitText("", ","));
+    EXPECT_EQ(Pieces{std::string(259, 'x')}, SplitText(std::string(300, 'x').c_str(), "."));
+    std::string many;
+    for (int i = 0; i < 400; ++i) many += "1.";
+    EXPECT_EQ(300u, SplitText(many.c_str(), ".").size());
 }
 
 }  // namespace

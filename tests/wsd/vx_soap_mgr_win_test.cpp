@@ -2,101 +2,95 @@
 // that failed is used, but not bound.
 #include "wsd/vx_soap_mgr.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include <array>
 #include <cstring>
+#include <string>
+#include <vector>
 
-#include "helpers/import_slot.h"
-
-extern "C" {
-extern decltype(&::bind) __imp_bind;
-extern decltype(&::sendto) __imp_sendto;
-extern decltype(&::setsockopt) __imp_setsockopt;
-}
+// The slots through which this program calls the system.
+extern "C" decltype(&::sendto) __imp_sendto;
+extern "C" decltype(&::setsockopt) __imp_setsockopt;
 
 namespace vndiscover {
 namespace {
 
-using Lines = std::vector<std::string>;
+using Option = std::array<int, 4>;  // level, name, value and its bytes
 
-const auto g_bind = __imp_bind;
 const auto g_sendto = __imp_sendto;
 const auto g_setsockopt = __imp_setsockopt;
-Lines g_calls;
-std::string g_failing;
+std::vector<Option> g_options;
+std::vector<std::string> g_ways;
+int g_failing;  // the name of the option that cannot be set, or 0
 
-std::string TextOf(const sockaddr* address, int length) {
-    char host[64] = {};
-    char port[8] = {};
-    getnameinfo(address, length, host, sizeof host, port, sizeof port,
-                NI_NUMERICHOST | NI_NUMERICSERV);
-    return host + std::string(" port ") + port;
+int WSAAPI SetOption(SOCKET handle, int level, int name, const char* value, int length) {
+    int number = 0;
+    std::memcpy(&number, value, static_cast<size_t>(length));
+    g_options.push_back({level, name, number, length});
+    return name == g_failing ? SOCKET_ERROR : g_setsockopt(handle, level, name, value, length);
 }
 
-int WSAAPI Bind(SOCKET handle, const sockaddr* address, int length) {
-    g_calls.push_back("bind " + TextOf(address, length));
-    return g_bind(handle, address, length);
+std::string TextOf(const sockaddr* address, int length) {
+    char host[64] = "unbound";
+    getnameinfo(address, length, host, sizeof host, nullptr, 0, NI_NUMERICHOST);
+    return std::string(host, std::strcspn(host, "%"));
 }
 
 int WSAAPI Send(SOCKET handle, const char* data, int size, int flags, const sockaddr* to,
                 int length) {
-    g_calls.push_back(std::string(data, data + size) + " to " + TextOf(to, length));
+    sockaddr_storage from = {};
+    int fromLength = sizeof from;
+    getsockname(handle, reinterpret_cast<sockaddr*>(&from), &fromLength);
+    g_ways.push_back(TextOf(reinterpret_cast<sockaddr*>(&from), fromLength) + " > " +
+                     TextOf(to, length));
     return g_sendto(handle, data, size, flags, to, length);
 }
 
-int WSAAPI SetOption(SOCKET handle, int level, int option, const char* value, int length) {
-    const std::tuple<int, int, const char*> names[] = {
-        {SOL_SOCKET, SO_RCVTIMEO, "receive timeout"},
-        {SOL_SOCKET, SO_SNDTIMEO, "send timeout"},
-        {SOL_SOCKET, SO_BROADCAST, "broadcast"},
-        {SOL_SOCKET, SO_RCVBUF, "receive buffer"},
-        {IPPROTO_IPV6, IPV6_MULTICAST_LOOP, "multicast loop"},
-        {IPPROTO_IPV6, IPV6_MULTICAST_HOPS, "multicast hops"}};
-    int number = 0;
-    std::memcpy(&number, value, static_cast<size_t>(length));
-    for (const auto& [knownLevel, known, name] : names) {
-        if (level == knownLevel && option == known) {
-            g_calls.push_back(name + (" = " + std::to_string(number)) + ", " +
-                              std::to_string(length) + " bytes");
+template <class Function>
+void Lead(Function& slot, Function target) {
+    DWORD protection;
+    VirtualProtect(&slot, sizeof slot, PAGE_READWRITE, &protection);
+    slot = target;
+}
+
+// One socket for each address, with each of its options failing in turn; the last, the receive
+// buffer, does not matter.
+void ExpectSockets(bool useIPv6, const std::vector<std::string>& addresses, const char* group,
+                   const std::vector<Option>& options) {
+    for (const Option& failing : options) {
+        std::vector<Option> expected;
+        std::vector<std::string> ways;
+        for (const std::string& address : addresses) {
+            for (const Option& option : options) {
+                expected.push_back(option);
+                if (option == failing) break;
+            }
+            if (failing != options.back()) expected.push_back(options.back());
+            ways.push_back((failing == options.back() ? address : "unbound") + " > " + group);
         }
+        g_failing = failing[1];
+        g_options.clear();
+        g_ways.clear();
+        VxSoapMgr().Discover(nullptr, 0, 700, useIPv6, "probe", 5);
+        EXPECT_EQ(expected, g_options) << failing[1];
+        EXPECT_EQ(ways, g_ways) << failing[1];
     }
-    return g_calls.back() == g_failing ? -1 : g_setsockopt(handle, level, option, value, length);
 }
 
 TEST(SoapMgr, SendsFromASocketOfEveryAddressBoundIfItsOptionsCouldBeSet) {
-    const ImportSlot bindSlot(__imp_bind, &Bind);
-    const ImportSlot sendSlot(__imp_sendto, &Send);
-    const ImportSlot optionSlot(__imp_setsockopt, &SetOption);
-    struct Family {
-        Lines addresses, options;
-        const char* group;
-    };
-    const std::string receive = "receive timeout = 700, 4 bytes";
-    const std::string send = "send timeout = 700, 4 bytes";
-    const Family families[] = {
-        {{"10.77.1.1", "10.77.2.1", "127.0.0.1"},
-         {receive, send, "broadcast = 1, 4 bytes", ""},
-         "239.255.255.250"},
-        {{"fe80::1:1", "fe80::2:1"},
-         {receive, send, "multicast loop = 0, 1 bytes", "multicast hops = 8, 1 bytes", ""},
-         "ff02::1"}};
-    for (const Family& family : families) {
-        for (const std::string& failing : family.options) {
-            Lines expected;
-            for (const std::string& address : family.addresses) {
-                for (const std::string& option : family.options) {
-                    expected.push_back(option.empty() ? "bind " + address + " port 0" : option);
-                    if (option == failing) break;
-                }
-                expected.push_back("receive buffer = 4194304, 4 bytes");
-                expected.push_back(std::string("probe to ") + family.group + " port 3702");
-            }
-            g_failing = failing;
-            g_calls.clear();
-            VxSoapMgr().Discover(nullptr, 0, 700, &family != families, "probe", 5);
-            EXPECT_EQ(expected, g_calls) << failing;
-        }
-    }
+    const Option receive = {SOL_SOCKET, SO_RCVTIMEO, 700, 4};
+    const Option send = {SOL_SOCKET, SO_SNDTIMEO, 700, 4};
+    const Option buffer = {SOL_SOCKET, SO_RCVBUF, 4194304, 4};
+    Lead(__imp_setsockopt, &SetOption);
+    Lead(__imp_sendto, &Send);
+    ExpectSockets(false, {"10.77.1.1", "10.77.2.1", "127.0.0.1"}, "239.255.255.250",
+                  {receive, send, {SOL_SOCKET, SO_BROADCAST, 1, 4}, buffer});
+    const Option loop = {IPPROTO_IPV6, IPV6_MULTICAST_LOOP, 0, 1};
+    const Option hops = {IPPROTO_IPV6, IPV6_MULTICAST_HOPS, 8, 1};
+    ExpectSockets(true, {"fe80::1:1", "fe80::2:1"}, "ff02::1", {receive, send, loop, hops, buffer});
+    Lead(__imp_setsockopt, g_setsockopt);
+    Lead(__imp_sendto, g_sendto);
 }
 
 }  // namespace

@@ -1,0 +1,98 @@
+#!/bin/bash
+# hosts_test.sh KIT: builds hosts that know nothing of this tree against an installed kit, in all the ways it offers, and
+# runs them in a lab, one with a real agent on one of its two networks. CMAKE, CC, CXX: the programs (mingw).
+set -euo pipefail
+[ -n "${VNDISCOVER_LAB:-}" ] || { # its sweeps must never leave by the machine's own network
+    echo "hosts_test.sh: not in a lab: start it through private-net.sh" >&2
+    exit 2
+}
+lab=$VNDISCOVER_LAB_SCRIPTS hosts=$TMPDIR/hosts kit="$TMPDIR/the kit" # moved to a folder of any name
+cp -r "$1" "$kit"
+cp -r "$kit/examples" "$TMPDIR/project"
+mkdir "$hosts"
+cd "$TMPDIR/project"
+warnings=(-Wall -Wextra -Werror)
+windows=(-DCMAKE_SYSTEM_NAME=Windows -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX")
+
+# Configure FOLDER OPTION...: with none of this tree's settings.
+Configure() { "$CMAKE" -S . -G Ninja "-DCMAKE_PREFIX_PATH=$kit" -B "$@" >log 2>&1; }
+# Refuses REASON FOLDER OPTION...
+Refuses() {
+    if Configure "${@:2}" || ! grep -q "$1" log; then
+        cat log
+        echo "not refused because of '$1'"
+        exit 1
+    fi
+}
+
+# find_package; it takes neither another major version nor another system.
+Configure build "${windows[@]}" "-DCMAKE_CXX_FLAGS=${warnings[*]}" "-DCMAKE_C_FLAGS=${warnings[*]}" || { cat log; exit 1; }
+"$CMAKE" --build build
+cp build/*.exe build/VnDiscover.dll "$hosts/"
+cmp "$hosts/VnDiscover.dll" "$kit/bin/VnDiscover.dll"
+sed -i 's/find_package(VnDiscover 1.0/find_package(VnDiscover 2.0/' CMakeLists.txt
+Refuses 'version: 1\.' other-version "${windows[@]}"
+sed -i 's/find_package(VnDiscover 2.0/find_package(VnDiscover 1.0/' CMakeLists.txt
+Refuses 'is a Windows DLL' native
+
+# pkg-config
+export PKG_CONFIG_LIBDIR=$kit/lib/pkgconfig
+eval "flags=($(pkg-config --cflags --libs vndiscover))"
+"$CC" "${warnings[@]}" c/sweep.c "${flags[@]}" -o "$hosts/sweep_pkgconfig.exe"
+[ "$(pkg-config --modversion vndiscover)" = 1.0.0 ]
+
+# The import library for Visual C++: by GNU's linker, and, where it is installed, by LLVM's double of
+# Visual C++'s own, for a program without any runtime.
+"$CC" "${warnings[@]}" -I"$kit/include" c/sweep.c "$kit/lib/VnDiscover.lib" -o "$hosts/sweep_lib.exe"
+if command -v lld-link clang llvm-dlltool >/dev/null; then
+    printf 'LIBRARY kernel32.dll\nEXPORTS\n    ExitProcess\n' >kernel32.def
+    llvm-dlltool -m i386:x86-64 -d kernel32.def -l kernel32.lib
+    cat >bare.c <<'SOURCE'
+__declspec(dllimport) void ExitProcess(unsigned status);
+__declspec(dllimport) int DiscoverHttp(void);
+__declspec(dllimport) int StopDiscoverSnmp(void);
+void mainCRTStartup(void) { ExitProcess(DiscoverHttp() == 0 && StopDiscoverSnmp() == 0 ? 42 : 1); }
+SOURCE
+    clang --target=x86_64-pc-windows-msvc -c bare.c -o bare.obj
+    lld-link /nologo /subsystem:console /nodefaultlib /out:"$hosts/bare.exe" bare.obj kernel32.lib \
+        "$kit/lib/VnDiscover.lib"
+fi
+
+# Windows that paint, without a display. Read when the prefix's first window comes up, so set before any.
+"$lab/wine-run.sh" host reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null >/dev/null
+"$lab/wine-run.sh" --stop host
+"$lab/snmp-agent.sh" neta printer >/dev/null <<'CONF'
+agentAddress udp:161
+rocommunity sesame
+override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
+CONF
+
+# Check COMMAND STATUS PATTERN...: the program ends with this exit code and prints a line for each pattern.
+Check() {
+    local command=$1 wanted=$2 status=0 output pattern
+    shift 2
+    # shellcheck disable=SC2086 # words of a command
+    output=$(timeout 100 "$lab/wine-run.sh" host "$hosts"/$command 2>&1 </dev/null | tr -d '\r') || status=$?
+    for pattern in "$@"; do
+        [ $status = "$wanted" ] && grep -qE "$pattern" <<<"$output" || {
+            printf "%s: exit code %s, not %s, or no line with '%s':\n%s\n" "$command" $status "$wanted" "$pattern" "$output"
+            return 1
+        }
+    done
+}
+checks=() failed=0
+Start() { # at the same time, since they mostly wait
+    Check "$@" &
+    checks+=($!)
+}
+for sweep in sweep sweep_pkgconfig sweep_lib; do
+    Start $sweep.exe 0 '^10\.77\.1\.2	Model 1$' '^end of the sweep$' '^1 answers$'
+done
+Start 'sweep.exe wrong-community' 1 '^end of the sweep$' '^0 answers$'
+[ ! -e "$hosts/bare.exe" ] || Start bare.exe 42 ''
+# Two networks of at least 2 s each; a window whose thread was held up by the sweep would paint a frame or two.
+Start 'worker_sweep.exe --once' 0 '^10\.77\.1\.2  Model 1$' '^1 devices, [0-9]{2,} frames, complete$'
+# A stop while the first network is still listened to: what has answered is not delivered.
+Start 'worker_sweep.exe --once --stop-after 1000' 1 '^0 devices, [0-9]{2,} frames, stopped$'
+for check in "${checks[@]}"; do wait "$check" || failed=1; done
+exit $failed

@@ -1,0 +1,116 @@
+// What stays between the module and the system, beyond what the exports use of it: registry reader
+// and wide log, sockets on the loopback alone, hashes of files.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "helpers/bytes.h"
+#include "helpers/log_capture.h"
+#include "net/sckraw.h"
+#include "snmpv3/capi_file_hash.h"
+#include "support/debug_switches.h"
+#include "support/registry.h"
+
+namespace vndiscover {
+namespace {
+
+class RegistryTest : public testing::Test {
+  protected:
+    RegistryTest() { RegCreateKeyA(HKEY_LOCAL_MACHINE, kPath, &key); }
+    ~RegistryTest() override {
+        RegCloseKey(key);
+        RegDeleteKeyA(HKEY_LOCAL_MACHINE, kPath);
+        RegDeleteKeyA(HKEY_LOCAL_MACHINE, "Software\\Varnell Osk");
+        g_debugSwitches = {0, 0};
+    }
+    void Set(const char* name, DWORD value) {
+        RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), 4);
+    }
+
+    static constexpr char kPath[] = "Software\\Varnell Osk\\Debug";
+    HKEY key = nullptr;
+    UnitLog log;
+};
+
+TEST_F(RegistryTest, ReadsANumberOrGivesTheDefaultAndTellsWhy) {
+    const HKEY hive = HKEY_LOCAL_MACHINE;
+    const std::wstring widePath(std::begin(kPath), std::end(kPath));
+    Set("Count", 0xFFFFFFFE);
+    EXPECT_EQ(-2, GetRegValueLong(hive, widePath.c_str(), L"Count", 7, KEY_QUERY_VALUE));
+    EXPECT_EQ(7, GetRegValueLong(hive, widePath.c_str(), L"Debug", 7, 0));
+    EXPECT_EQ(7, GetRegValueLong(hive, L"No\\Key", L"Debug", 7, 0));
+    EXPECT_EQ(-2, GetRegValueLong(hive, kPath, "Count", 7, 0));
+    EXPECT_EQ(7, GetRegValueLong(hive, kPath, "debug", 7, 0));
+    EXPECT_EQ(7, GetRegValueLong(hive, kPath, "Count", 7, KEY_CREATE_LINK));
+    EXPECT_EQ(0, IsRunningUnderWow64());
+    EXPECT_EQ(
+        "GetRegValueLong - Get value error - 2 for Debug\n"
+        "GetRegValueLong - Open registry error - 2 for No\\Key\n"
+        "GetRegValueLong??? - Get value error - 2 for debug\n"
+        "GetRegValueLong??? - Get value error - 5 for Count\n",
+        log.Text());
+}
+
+TEST_F(RegistryTest, HoldsTheSwitchesUnderTheKeyDebugWhereNoOtherIsNamed) {
+    Set("Debug", 2);
+    Set("Dbg2Log", 3);
+    EXPECT_EQ(3, LoadDebugSwitchesW(nullptr, 0));
+    EXPECT_TRUE(g_debugSwitches.debug == 1 && g_debugSwitches.dbg2Log == 1);
+    EXPECT_EQ(0, LoadDebugSwitchesW(L"None", 5));
+    EXPECT_TRUE(IsDebugLogEnabled() == 5 && g_debugSwitches.dbg2Log == 1) << "set for good";
+    LoadDebugSwitches(nullptr, 0);
+    EXPECT_EQ(1, IsDebugLogEnabled());
+}
+
+// Unlike that of narrow ones, the limit of 1,024 characters holds for stamp and message together.
+// Wine's loses the last.
+TEST_F(RegistryTest, WideLinesAreCut) {
+    DebugLogW(L"%s", std::wstring(2000, L'9').c_str());
+    const std::string cut = log.Text();
+    EXPECT_TRUE(cut == std::string(1000, '9') || cut == std::string(999, '9')) << cut.size();
+}
+
+constexpr int kPort = 47999;
+
+TEST(Sckraw, SendsAndReceivesOnItsOwnSocket) {
+    SCKRAW device, host;
+    device.sock = device.CreateSocket(SOCK_DGRAM, IPPROTO_UDP, AF_INET, 1000, "");
+    EXPECT_EQ(0, device.BindV4(device.sock.Get(), "localhost", kPort));
+    EXPECT_EQ(2, host.SendTo(AF_INET, "127.0.0.1", kPort, "hi", 2, 1000));
+    char buffer[8] = {};
+    char from[kSenderTextSize] = {};
+    EXPECT_EQ(2, device.RecvFrom(buffer, sizeof buffer, from, 20999));
+    EXPECT_STREQ("hi", buffer);
+    EXPECT_STREQ("127.0.0.1", from);
+    EXPECT_EQ(0, device.RecvFrom(buffer, sizeof buffer, nullptr, 999)) << "no wait at all";
+    EXPECT_EQ(SCKRAW_ERROR_TIMEOUT, device.lastError);
+}
+
+TEST(Sckraw, TakesTheResolversCodeForACountOfBytes) {
+    SCKRAW socket;
+    const int code = socket.SendTo(AF_INET, "no.such.name.invalid", kPort, "hi", 2, 1000);
+    EXPECT_GT(code, 2);
+    EXPECT_EQ(code, WSAGetLastError());
+    EXPECT_TRUE(socket.sock) << "only a failed send closes it";
+    EXPECT_EQ(INADDR_NONE, SCKRAW::ResolveV4("no.such.name.invalid"));
+    EXPECT_EQ(htonl(INADDR_LOOPBACK), SCKRAW::ResolveV4("localhost"));
+    for (const char* text : {"127.0.0.1", "1.2.3.4.", "....", "1", ""}) {
+        EXPECT_FALSE(SCKRAW::IsDottedQuad(text)) << "every text goes to the resolver first";
+    }
+}
+
+TEST(FileHash, HashesAWholeFileOrSaysWhyNot) {
+    const char kName[] = "file_hash_test.bin";
+    std::ofstream(kName, std::ios::binary) << std::string(5000, 'a');
+    ByteBuffer digest;
+    EXPECT_TRUE(CapiHashFile(kName, digest));
+    EXPECT_EQ(Hex("7aaa7dec709fa4fa82f3746abfd80bdb"), ToBytes(digest));  // as md5sum has it
+    std::remove(kName);
+    UnitLog log;
+    EXPECT_FALSE(CapiHashFile(kName, digest));
+    EXPECT_TRUE(digest.Empty());
+    EXPECT_EQ("Error [2] opening file file_hash_test.bin.\n", log.Text());
+}
+
+}  // namespace
+}  // namespace vndiscover
