@@ -85,6 +85,12 @@ void Version3Row(Report& report, const Module& module, Device& device, size_t di
 
 void RequestRows(Report& report, const Module& module) {
     report.Section("Directed requests to agents on loopback addresses");
+    if (const int error = UdpSocket(AF_INET).Bind(kHost, kSnmpPort)) {
+        report.NotSeen("directed requests", "an agent of ours on port 161",
+                       "port 161 is taken or refused (" + Number(error) +
+                           "): stop the SNMP service and run this again");
+        return;
+    }
     report.Add("get from a closed port", "no answer (0)",
                "no answer (" +
                    Number(module.GetSnmpRequestRaw(kHost, kModelOid, nullptr, 0, nullptr, 0, 0,
@@ -95,12 +101,6 @@ void RequestRows(Report& report, const Module& module) {
         const Bytes answer = device.Answer(request);
         return answer.empty() ? std::vector<Bytes>() : std::vector<Bytes>{answer};
     });
-    if (agent.Error() != 0) {
-        report.NotSeen("directed requests", "an agent of ours on port 161",
-                       "port 161 is taken or refused (" + Number(agent.Error()) +
-                           "): stop the SNMP service and run this again");
-        return;
-    }
     Version1Rows(report, module);
     for (size_t digest = 0; digest < std::size(kDigests); ++digest) {
         for (size_t cipher = 0; cipher < (digest ? std::size(kCiphers) : 1); ++cipher) {

@@ -7,12 +7,12 @@ import subprocess
 import unittest
 from pathlib import Path
 
-LAB, SCRIPTS = Path(os.environ["VNDISCOVER_LAB"]), os.environ["VNDISCOVER_LAB_SCRIPTS"]
-BIN = Path(os.environ["VNDISCOVER_BIN"])
-DOCUMENT = Path(SCRIPTS).parent.parent / "docs/platforms.md"
-IN_HOST = ["ip", "netns", "exec", "host"]
+import lab
 
-# Counts the UDP datagrams and echo requests that leave by an adapter of the host's.
+LAB, BIN = Path(lab.LAB), Path(lab.BIN)
+DOCUMENT = Path(lab.SCRIPTS).parent.parent / "docs/platforms.md"
+
+# Counts the UDP datagrams and echo requests that leave by an adapter.
 SNIFFER = """
 import signal, socket
 sock = socket.socket(socket.AF_PACKET, socket.SOCK_DGRAM, socket.htons(3))  # every protocol
@@ -45,25 +45,32 @@ def table(text):
     return rows
 
 
-def run(*options, program=BIN / "windows_check.exe"):
-    """Exit code, report or None, what was printed, datagrams that left the computer."""
-    report = LAB / "report.md"
-    report.unlink(missing_ok=True)
-    with subprocess.Popen(IN_HOST + ["python3", "-c", SNIFFER], stdout=subprocess.PIPE, text=True) as sniffer:
-        sniffer.stdout.readline()
-        done = subprocess.run([SCRIPTS + "/wine-run.sh", "host", str(program), "--report", "report.md", *options], cwd=LAB,
-                              stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False, timeout=200)
-        sniffer.terminate()
-        left = int(sniffer.stdout.readline())
-    text = report.read_text(encoding="ascii") if report.exists() else None
-    return done.returncode, text, done.stdout + done.stderr, left
+def python(net, script):
+    """A program in a namespace, when it has printed its first line."""
+    program = subprocess.Popen(["ip", "netns", "exec", net, "python3", "-c", script], stdin=subprocess.PIPE,
+                               stdout=subprocess.PIPE, text=True)
+    program.stdout.readline()
+    return program
+
+
+def run(net, *options, program=BIN / "windows_check.exe"):
+    """Exit code, report or None, what was printed, datagrams that left the namespace."""
+    folder = LAB / f"check-{net}"
+    folder.mkdir(exist_ok=True)
+    sniffer = python(net, SNIFFER)
+    done = subprocess.run([lab.SCRIPTS + "/wine-run.sh", net, str(program), *options], cwd=folder, check=False,
+                          stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=250)
+    sniffer.terminate()
+    left = int(sniffer.communicate()[0])
+    report = folder / "windows_check.md"
+    return done.returncode, report.read_text(encoding="ascii") if report.exists() else None, done.stdout + done.stderr, left
 
 
 class Check(unittest.TestCase):
     maxDiff = None
 
     def test_every_row_is_the_documented_one(self):
-        code, report, printed, left = run("--network")
+        code, report, printed, left = run("host", "--network")
         self.assertIsNotNone(report, printed)
         wine = "Wine " + re.search(r"that is Wine (\d+)", report)[1]
         document = DOCUMENT.read_text(encoding="utf-8")
@@ -86,11 +93,10 @@ class Check(unittest.TestCase):
             self.assertNotIn(secret.lower(), report.lower())
 
     def test_nothing_leaves_the_loopback_and_a_port_that_is_taken_is_told(self):
-        holder = "import socket; s = socket.socket(type=socket.SOCK_DGRAM); s.bind(('', 161)); print(flush=True); input()"
-        with subprocess.Popen(IN_HOST + ["python3", "-c", holder], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as held:
-            held.stdout.readline()
-            code, report, printed, left = run()
-            held.kill()
+        holder = python("neta", "import socket; s = socket.socket(type=socket.SOCK_DGRAM); s.bind(('', 161)); "
+                                "print(flush=True); input()")
+        code, report, printed, left = run("neta")
+        holder.communicate("\n")
         self.assertEqual((1, 0), (code, left), printed)
         self.assertRegex(report, r"leaves, address 1 \| by its own adapter \| not seen: needs --network")
         self.assertNotIn("Sweeps in every network", report)
@@ -98,23 +104,19 @@ class Check(unittest.TestCase):
         self.assertNotIn("| get |", report)
         self.assertIn("| unloading after a sweep |", report)
 
-    def test_without_the_module_the_rest_is_still_reported(self):
+    def test_without_the_module_the_rest_is_still_reported_and_mistakes_are_told(self):
         alone = shutil.copy(BIN / "windows_check.exe", LAB)
-        code, report, printed, _ = run(program=alone)
+        code, report, printed, _ = run("netb", "--netwrok", program=alone)
+        self.assertEqual((2, None), (code, report))
+        self.assertIn("windows_check [--network] [--report FILE]", printed)
+        code, report, printed, _ = run("netb", "--report", "nowhere/report.md", program=alone)
+        self.assertEqual((2, None), (code, report))
+        self.assertIn("nowhere/report.md cannot be written", printed)
+        code, report, printed, _ = run("netb", program=alone)
         self.assertEqual(1, code, printed)
         self.assertIn("| VnDiscover.dll beside this program | loads (0) | does not load (126) | DIFFERENT |", report)
         self.assertIn("| SHA-256 | ba7816bf8f01cfea | ba7816bf8f01cfea | ok |", report)
 
-    def test_options_and_places_that_are_wrong(self):
-        code, report, printed, _ = run("--netwrok")
-        self.assertEqual((2, None), (code, report))
-        self.assertIn("windows_check [--network] [--report FILE]", printed)
-        alone = shutil.copy(BIN / "windows_check.exe", LAB)  # without the module it is quick
-        code, _, printed, _ = run("--report", "nowhere/report.md", program=alone)
-        self.assertEqual(2, code)
-        self.assertIn("nowhere/report.md cannot be written", printed)
-
 
 if __name__ == "__main__":
-    subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
-    unittest.main()
+    lab.main()
