@@ -81,28 +81,20 @@ TEST_F(Host, HasNoSocketsLeftWhichEndsEveryCallAtOnce) {
     EXPECT_EQ(1, module.GetSnmpInformation(kDevice, value, nullptr, nullptr));
 }
 
-// Lets VirtualAlloc of the whole process fail while the object lives: its code becomes `xor
-// eax,eax; ret`.
+// Lets VirtualAlloc of the whole process fail while the object lives.
 class NoPages {
   public:
     NoPages() {
-        code_ = reinterpret_cast<uint8_t*>(
-            GetProcAddress(GetModuleHandleA("kernelbase.dll"), "VirtualAlloc"));
+        DWORD before;
+        VirtualProtect(code_, sizeof before_, PAGE_EXECUTE_READWRITE, &before);
         std::memcpy(before_, code_, sizeof before_);
-        const uint8_t fail[] = {0x31, 0xC0, 0xC3};
-        Write(fail);
+        std::memcpy(code_, "\x31\xC0\xC3", sizeof before_);  // xor eax,eax; ret
     }
-    ~NoPages() { Write(before_); }
+    ~NoPages() { std::memcpy(code_, before_, sizeof before_); }
 
   private:
-    void Write(const uint8_t (&bytes)[3]) {
-        DWORD protection;
-        VirtualProtect(code_, sizeof bytes, PAGE_EXECUTE_READWRITE, &protection);
-        std::memcpy(code_, bytes, sizeof bytes);
-        VirtualProtect(code_, sizeof bytes, protection, &protection);
-        FlushInstructionCache(GetCurrentProcess(), code_, sizeof bytes);
-    }
-    uint8_t* code_;
+    void* const code_ =
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("kernelbase.dll"), "VirtualAlloc"));
     uint8_t before_[3];
 };
 
@@ -209,6 +201,7 @@ struct Usage {
 TEST(Load, AndUnloadAgainAndAgainLeavesNothingBehind) {
     const char* const setting = std::getenv("VNDISCOVER_SOAK_ROUNDS");
     const int rounds = setting ? std::atoi(setting) : 40;
+    const RegistrySwitches key;  // to be opened, with every switch off
     ResultWindow window;
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
