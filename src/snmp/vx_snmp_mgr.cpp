@@ -1,5 +1,6 @@
 #include "snmp/vx_snmp_mgr.h"
 
+#include <cstdio>
 #include <cstring>
 
 #include "support/copy_text.h"
@@ -67,7 +68,7 @@ SCKRAW& VxSnmpMgr::Socket() {
 
 // ---- sweeps
 
-bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) {
+bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) noexcept {
     if (sweeping) return false;  // it would take the running sweep's window and file away
     sweeping = true;
     DebugLogA("%s", line);
@@ -75,14 +76,17 @@ bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) {
     sink.hWnd = settings.hWnd;
     sink.uMsg = settings.uMsg;
     timeout = settings.timeout;
+    return true;
+}
+
+void VxSnmpMgr::RenewSocket() {
     SCKRAW::KeepStarted();
     // Kept: the object of the sweep before is not released (some bytes and one WinSock reference).
     (void)socket.release();
     Socket();
-    return true;
 }
 
-void VxSnmpMgr::EndSweep() { sweeping = false; }
+void VxSnmpMgr::EndSweep() noexcept { sweeping = false; }
 
 int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutMs, BYTE useIPv6,
                             const wchar_t* resultPath, const char* readCommunityText,
@@ -91,6 +95,7 @@ int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutM
     if (!BeginSweep("SNMP::Discover\n", settings)) return 0;
     // The host waits for the final message, so it is sent however the sweep is left.
     const ScopeExit end([this] { FinishSweep(); });
+    RenewSocket();
     CopyText(readCommunity, OrDefault(readCommunityText));
     CopyText(writeCommunity, OrDefault(writeCommunityText));
     Sweep(settings, oid, jsonRequest);
@@ -113,9 +118,11 @@ void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char
 }
 
 void VxSnmpMgr::FinishSweep() {
-    // Closed after the final message, within which the host may start the next sweep; that one,
-    // without a path, writes nowhere.
+    // Closed after the final message, within which the host may start the next sweep. Without a
+    // path that one writes nowhere; with the same one, no line of this sweep may follow into its
+    // file.
     const OwnedFile file(std::move(sink.resultFile));
+    if (file) std::fflush(file.Get());
     EndSweep();
     DebugLogA("SNMP::Discover - ended\n");
     sink.SendResult(nullptr, nullptr);

@@ -65,10 +65,12 @@ class VxSnmpMgr {
 
     // What sweeps of every SNMP version share.
 
-    // Writes the line, clears the stop request, remembers where results go and makes the sweep's
-    // socket object. False: a sweep is running, of which this is a result message.
-    bool BeginSweep(const char* line, const SweepSettings& settings);
-    void EndSweep();
+    // Writes the line, clears the stop request and remembers where results go. False: a sweep is
+    // running, of which this is a result message. EndSweep follows in any case, exceptions
+    // included.
+    bool BeginSweep(const char* line, const SweepSettings& settings) noexcept;
+    void RenewSocket();  // the sweep's socket object; throws std::bad_alloc
+    void EndSweep() noexcept;
 
     // The socket object, made if there is none.
     SCKRAW& Socket();

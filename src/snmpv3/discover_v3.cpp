@@ -107,6 +107,7 @@ int32_t DiscoverV3(VxSnmpMgr& manager, const SweepSettings& settings, const char
                    const char* jsonRequest, const SecuritySettings& security) {
     if (!manager.BeginSweep("SNMP::DiscoverV3\n", settings)) return 0;
     const ScopeExit end([&] { manager.EndSweep(); });
+    manager.RenewSocket();
     if (FitsJsonRequest(jsonRequest) && security.HasUsableName()) {
         SweepAdaptersV3({manager, security, oid, jsonRequest, nullptr}, settings.useIPv6);
     }

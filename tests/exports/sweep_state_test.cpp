@@ -67,6 +67,39 @@ TEST_F(SweepState, IsFreeForAnotherWithinTheFinalMessage) {
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=A", "10.77.1.2=B", "end"));
     EXPECT_EQ(window.Texts(), other.Texts());
     EXPECT_EQ(kTwoDevices, TakeFile("devices.csv")) << "of the first alone";
+    window.onResult = [&](const Result& result) {
+        if (!result.isEnd) return;
+        SilentDevices();
+        module.DiscoverDevices(other.Handle(), other.kMessage, 0, 0, kPath, nullptr, nullptr);
+    };
+    Sweep(kPath);
+    EXPECT_EQ("", TakeFile("devices.csv")) << "of the next one, which found nothing";
+}
+
+int g_allocationsLeft;
+
+void* OneFails(size_t size) { return g_allocationsLeft-- == 0 ? nullptr : std::malloc(size); }
+
+TEST_F(SweepState, IsFreeForAnotherWhicheverAllocationFails) {
+    const std::function<void()> sweeps[] = {[&] { Sweep(); }, [&] { SweepV3(window); }};
+    for (const auto& sweep : sweeps) {
+        const bool isV1 = &sweep == sweeps;
+        sweep();
+        const Lines whole = window.Texts();
+        int failed = 0;
+        for (g_allocationsLeft = -1; g_allocationsLeft < 0; ++failed) {
+            window.results.clear();
+            g_allocationsLeft = failed;
+            const ImportPatch patch(module.Handle(), "malloc", OneFails);
+            sweep();
+            if (isV1) {
+                ASSERT_THAT(window.Texts(), Contains("end")) << "allocation " << failed;
+            }
+        }
+        EXPECT_GT(failed, 10);
+        EXPECT_EQ(whole, window.Texts()) << "in the end none has failed";
+        window.results.clear();
+    }
 }
 
 // Cut, it could name another variable.
