@@ -1,5 +1,7 @@
 #include "interface/exception_state.h"
 
+#include <cstddef>  // tells whose runtime this is
+
 #include "support/win.h"
 
 #ifdef __GLIBCXX__
@@ -27,7 +29,7 @@ ThreadState g_shared = {};
 
 }  // namespace
 
-// In place of the runtime's own two. Callers read the last error again behind a caught exception.
+// In place of the runtime's own two. Callers read the last error again after a caught exception.
 extern "C" ThreadState* __cxxabiv1::__cxa_get_globals() noexcept {
     const DWORD error = GetLastError();
     void* state = TlsGetValue(g_index);
@@ -51,7 +53,11 @@ void OpenExceptionState() noexcept {
 }
 
 void ForgetThreadsExceptions() noexcept {
-    if (void* state = g_heap ? TlsGetValue(g_index) : nullptr) HeapFree(g_heap, 0, state);
+    void* const state = g_heap ? TlsGetValue(g_index) : nullptr;
+    if (!state) return;
+    // Another module's end of the thread may still call an export.
+    TlsSetValue(g_index, nullptr);
+    HeapFree(g_heap, 0, state);
 }
 
 void CloseExceptionState() noexcept {
