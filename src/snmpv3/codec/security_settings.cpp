@@ -6,33 +6,25 @@
 #include "support/text_convert.h"
 
 namespace vndiscover {
-namespace {
 
-void WipeText(std::string& text) { SecureWipe(text.data(), text.size()); }
-
-}  // namespace
+SecretText::~SecretText() { SecureWipe(text.data(), text.size()); }
 
 SecuritySettings::SecuritySettings(const SecurityArguments& given)
     : userName_(WideToUtf8(given.userName)),
-      authPassword_(WideToUtf8(given.authPassword)),
-      privPassword_(WideToUtf8(given.privPassword)),
+      authPassword_{WideToUtf8(given.authPassword)},
+      privPassword_{WideToUtf8(given.privPassword)},
       useAuth_(given.useAuth != 0),
       usePriv_(given.useAuth != 0 && given.usePriv != 0),
       authCode_(AuthCodeOf(given.authProtocol)),
       privCode_(PrivCodeOf(given.privProtocol)),
       libraries_(useAuth_ ? authCode_ : kAuthNone, usePriv_ ? privCode_ : kPrivNone) {}
 
-SecuritySettings::~SecuritySettings() {
-    WipeText(authPassword_);
-    WipeText(privPassword_);
-}
-
 bool SecuritySettings::HasUsableName() const { return userName_.size() <= kMaxUserName; }
 
 void SecuritySettings::ApplyTo(VxSNMPv3& request) const {
     request.SetUser(userName_.c_str());
-    if (useAuth_) request.SetAuth(authCode_, authPassword_.c_str());
-    if (usePriv_) request.SetPrivacy(privCode_, privPassword_.c_str());
+    if (useAuth_) request.SetAuth(authCode_, authPassword_.text.c_str());
+    if (usePriv_) request.SetPrivacy(privCode_, privPassword_.text.c_str());
     request.SetFlags(useAuth_, usePriv_);
 }
 

@@ -21,13 +21,18 @@ struct SecurityArguments {
     const wchar_t* privProtocol;
 };
 
+// A text that is wiped at its end, also where the construction of its owner fails.
+struct SecretText {
+    ~SecretText();
+    std::string text;
+};
+
 // Owns UTF-8 copies, of any length, of the user name and the passwords, and the passwords' keys
 // once they were needed; wipes passwords and keys at its end. Meanwhile the platform's crypto
 // libraries stay loaded. Privacy counts only where authentication is set.
 class SecuritySettings {
   public:
     explicit SecuritySettings(const SecurityArguments& given);
-    ~SecuritySettings();
     SecuritySettings(const SecuritySettings&) = delete;
     SecuritySettings& operator=(const SecuritySettings&) = delete;
 
@@ -43,8 +48,8 @@ class SecuritySettings {
 
   private:
     std::string userName_;
-    std::string authPassword_;
-    std::string privPassword_;
+    SecretText authPassword_;
+    SecretText privPassword_;
     bool useAuth_;
     bool usePriv_;
     uint32_t authCode_;

@@ -33,10 +33,12 @@ const ByteBuffer& PasswordKeys::KeyOf(CryptoSession& crypto, uint32_t authCode,
             return entry.key;
     }
     Entry& entry = entries_[next_];
+    entry.key
+        .Clear();  // an entry without a key counts for nothing, whatever is thrown from here on
+    entry.authCode = authCode;
+    entry.password = password;
     const ByteBuffer unit = RepeatedPassword(password);
     if (crypto.Hash(authCode, {unit.data, unit.length, kStretchedBytes}, entry.key)) {
-        entry.authCode = authCode;
-        entry.password = password;
         next_ = (next_ + 1) % std::size(entries_);
     }
     return entry.key;
