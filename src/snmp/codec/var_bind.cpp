@@ -1,6 +1,5 @@
 #include "snmp/codec/var_bind.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "snmp/codec/asn_decode.h"
@@ -23,9 +22,12 @@ int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord&
 }
 
 bool FitTheirRecords(const VarBindList& list) {
-    return std::all_of(list.bindings, list.bindings + list.count, [](const VarBindRecord& binding) {
-        return binding.nameLength <= kMaxNameContent && binding.valueLength <= kMaxValueContent;
-    });
+    for (int32_t i = 0; i < list.count; ++i) {  // a negative count is an empty list
+        const VarBindRecord& binding = list.bindings[i];
+        if (binding.nameLength > kMaxNameContent || binding.valueLength > kMaxValueContent)
+            return false;
+    }
+    return true;
 }
 
 int32_t SetVarBindList(VarBindRecord* bindings, int32_t count, VarBindList& out) {

@@ -157,6 +157,9 @@ TEST(BuildSnmpMessageTest, RefusesWhatItCannotBuildAndLetsLengthsWrap) {
     VarBindRecord beyondItsField = binding;
     beyondItsField.nameLength = 125;
     EXPECT_EQ(0u, BuildWith({binding, beyondItsField}, "sesame", 0xA0).size());
+    VarBindList fewerThanNone;
+    SetVarBindList(&beyondItsField, -1, fewerThanNone);
+    EXPECT_TRUE(FitTheirRecords(fewerThanNone));
     const VarBindRecord big = Binding(kTagOctetString, Bytes(126, 'v'));
     EXPECT_EQ(Hex("30 2b 02 01 00 04 01 63 a3 23"), Prefix(BuildWith({big, big}, "c", 0xA3), 10));
 }
