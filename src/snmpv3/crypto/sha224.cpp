@@ -40,9 +40,14 @@ void ExpandSchedule(const uint8_t* block, uint32_t (&w)[kSha224Rounds]) {
     }
 }
 
-// The caller passes the working variables one place further each time instead of moving them.
-inline void Round(uint32_t a, uint32_t b, uint32_t c, uint32_t& d, uint32_t e, uint32_t f,
-                  uint32_t g, uint32_t& h, uint32_t addend) {
+// Of eight turns, after which the working variables a to h are where they were: each names them one
+// place further instead of moving them.
+template <size_t Turn>
+inline void Round(uint32_t (&v)[8], uint32_t addend) {
+    const uint32_t a = v[(8 - Turn) % 8], b = v[(9 - Turn) % 8], c = v[(10 - Turn) % 8];
+    const uint32_t e = v[(12 - Turn) % 8], f = v[(13 - Turn) % 8], g = v[(14 - Turn) % 8];
+    uint32_t& d = v[(11 - Turn) % 8];
+    uint32_t& h = v[(15 - Turn) % 8];
     h += (RotateRight(e, 6) ^ RotateRight(e, 11) ^ RotateRight(e, 25)) + (g ^ (e & (f ^ g))) +
          addend;
     d += h;
@@ -79,20 +84,19 @@ Sha224::~Sha224() {
 void Sha224::Compress(const uint8_t* block) noexcept {
     uint32_t(&w)[kSha224Rounds] = schedule_;
     ExpandSchedule(block, w);
-    uint32_t a = chain_[0], b = chain_[1], c = chain_[2], d = chain_[3];
-    uint32_t e = chain_[4], f = chain_[5], g = chain_[6], h = chain_[7];
+    uint32_t v[8];
+    std::memcpy(v, chain_, sizeof v);
     for (size_t t = 0; t < kSha224Rounds; t += 8) {
-        Round(a, b, c, d, e, f, g, h, kRound[t] + w[t]);
-        Round(h, a, b, c, d, e, f, g, kRound[t + 1] + w[t + 1]);
-        Round(g, h, a, b, c, d, e, f, kRound[t + 2] + w[t + 2]);
-        Round(f, g, h, a, b, c, d, e, kRound[t + 3] + w[t + 3]);
-        Round(e, f, g, h, a, b, c, d, kRound[t + 4] + w[t + 4]);
-        Round(d, e, f, g, h, a, b, c, kRound[t + 5] + w[t + 5]);
-        Round(c, d, e, f, g, h, a, b, kRound[t + 6] + w[t + 6]);
-        Round(b, c, d, e, f, g, h, a, kRound[t + 7] + w[t + 7]);
+        Round<0>(v, kRound[t] + w[t]);
+        Round<1>(v, kRound[t + 1] + w[t + 1]);
+        Round<2>(v, kRound[t + 2] + w[t + 2]);
+        Round<3>(v, kRound[t + 3] + w[t + 3]);
+        Round<4>(v, kRound[t + 4] + w[t + 4]);
+        Round<5>(v, kRound[t + 5] + w[t + 5]);
+        Round<6>(v, kRound[t + 6] + w[t + 6]);
+        Round<7>(v, kRound[t + 7] + w[t + 7]);
     }
-    const uint32_t words[8] = {a, b, c, d, e, f, g, h};
-    for (int i = 0; i < 8; ++i) chain_[i] += words[i];
+    for (int i = 0; i < 8; ++i) chain_[i] += v[i];
 }
 
 void Sha224::Update(const uint8_t* bytes, size_t count) noexcept {

@@ -20,10 +20,7 @@ const CngAlgorithm* FindAlgorithm(int32_t number) {
     return nullptr;
 }
 
-// One hash in an opened provider, or with a key its HMAC.
-bool RunHash(const CngLibrary& library, BCRYPT_ALG_HANDLE provider, const ByteBuffer* key,
-             const RepeatedBytes& input, ULONG digestSize, ByteBuffer& digest) {
-    CngHash hash(library, provider, key);
+bool RunHash(CngHash&& hash, const RepeatedBytes& input, ULONG digestSize, ByteBuffer& digest) {
     return input.ForEach([&](const uint8_t* bytes, uint32_t count) {
         return hash.Add(bytes, count);
     }) && hash.Finish(digestSize, digest);
@@ -55,7 +52,7 @@ bool CngCrypto::Hash(int32_t number, const RepeatedBytes& input, ByteBuffer& dig
         kept.provider = kept.library.OpenAlgorithm(algorithm->name, 0);
         kept.number = number;
     }
-    return kept.provider && RunHash(kept.library, kept.provider.get(), nullptr, input,
+    return kept.provider && RunHash(CngHash(kept.library, kept.provider.get(), nullptr), input,
                                     algorithm->digestSize, digest);
 }
 
@@ -67,7 +64,7 @@ bool CngCrypto::Hmac(int32_t number, const ByteBuffer& key, const uint8_t* messa
     const CngLibrary& library = Open().library;
     const OwnedCngAlgorithm provider =
         library.OpenAlgorithm(algorithm->name, BCRYPT_ALG_HANDLE_HMAC_FLAG);
-    return provider && RunHash(library, provider.get(), &key, {message, length, length},
+    return provider && RunHash(CngHash(library, provider.get(), &key), {message, length, length},
                                algorithm->digestSize, mac);
 }
 
