@@ -17,7 +17,7 @@ constexpr size_t kNarrowSize = 4096;
 constexpr size_t kMessageSize = 1024;  // wvsprintfA and the wide writer cut messages here
 constexpr size_t kWideLineSize = kMessageSize + 64;
 
-// Callers read the last error again behind a log line; OutputDebugString and the C runtime change
+// Callers read the last error again after a log line; OutputDebugString and the C runtime change
 // it.
 class LastErrorKeeper {
   public:

@@ -13,7 +13,7 @@ inline void SecureWipe(void* memory, size_t size) noexcept {
     for (size_t i = 0; i < size; ++i) bytes[i] = 0;
 }
 
-// For containers of secrets: each block is wiped when it is given back, also behind a growth.
+// For containers of secrets: each block is wiped when it is given back, also after a growth.
 template <class T>
 struct WipingAllocator {
     using value_type = T;

@@ -59,7 +59,7 @@ class VxSNMPv3 {
     int32_t EngineBoots() const { return message_.usm.engineBoots; }
     int32_t EngineTime() const { return message_.usm.engineTime; }
     uint32_t MsgMaxSize() const { return message_.msgMaxSize; }
-    // The answer's behind Decode, until then the request's. Valid until the next Decode or SetOid.
+    // The answer's after Decode, until then the request's. Valid until the next Decode or SetOid.
     const VarBindList& Bindings() const { return message_.scoped.pdu.bindings; }
     // Everything the message holds.
     const MessageRecord& Record() const { return message_; }

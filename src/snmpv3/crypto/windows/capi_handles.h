@@ -29,7 +29,7 @@ struct CryptKeyTraits {
 };
 using OwnedCryptKey = Owned<CryptKeyTraits>;
 
-// As the log shows it. To be read right behind the failing call.
+// As the log shows it. To be read right after the failing call.
 inline int LastErrorForLog() noexcept { return static_cast<int>(GetLastError()); }
 
 }  // namespace vndiscover
