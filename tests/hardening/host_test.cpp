@@ -204,6 +204,32 @@ struct Usage {
     }
 };
 
+DWORD WINAPI MeetAMalformedAnswer(void* module) {
+    ScriptedNetwork network(*static_cast<Module*>(module));
+    network.Devices(
+        [](const Request&) { return Answers{{Hex("30 05 02 01 03 30 84 ff ff ff ff")}}; });
+    VnResponseRecord record = {};
+    static_cast<Module*>(module)->GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0, L"user",
+                                                       0, nullptr, 0, nullptr, nullptr, nullptr);
+    return 0;
+}
+
+// What a thread has caught is kept for it until it ends.
+TEST(Load, AndThreadsThatEndLeaveNothingBehind) {
+    Module module;
+    const auto run = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            const HANDLE thread =
+                CreateThread(nullptr, 0, MeetAMalformedAnswer, &module, 0, nullptr);
+            WaitForSingleObject(thread, INFINITE);
+            CloseHandle(thread);
+        }
+        return Usage().heapBytes;
+    };
+    const size_t before = run(5);
+    EXPECT_LT(run(200), before + 200 * 8) << "16 bytes for each are kept";
+}
+
 // VNDISCOVER_SOAK_ROUNDS sets another count.
 TEST(Load, AndUnloadAgainAndAgainLeavesNothingBehind) {
     const char* const setting = std::getenv("VNDISCOVER_SOAK_ROUNDS");
