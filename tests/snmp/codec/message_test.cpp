@@ -148,7 +148,8 @@ Bytes BuildWith(std::vector<VarBindRecord> bindings, const char* community, uint
 
 TEST(BuildSnmpMessageTest, RefusesWhatItCannotBuildAndLetsLengthsWrap) {
     const VarBindRecord binding = Binding(kTagNull, {});
-    for (const uint8_t type : {0x9F, 0xA4}) EXPECT_EQ(Bytes(), BuildWith({binding}, "c", type));
+    for (const uint8_t type : Bytes{0x9F, 0xA4})
+        EXPECT_EQ(Bytes(), BuildWith({binding}, "c", type));
     EXPECT_EQ(40u, BuildWith({binding}, "sesame", 0xA1, 40).size());
     EXPECT_EQ(0u, BuildWith({binding}, "sesame", 0xA1, 39).size());
     EXPECT_EQ(289u, BuildWith({binding}, std::string(255, 'c').c_str(), 0xA0).size());
@@ -258,7 +259,7 @@ TEST_F(ParseTest, ReadsLongLengthsOnlyAsTwoBytesWithAHighZero) {
 TEST_F(ParseTest, RejectsAnotherStructure) {
     const Bytes binding = TextBinding("value");
     EXPECT_EQ(0, Parse(Answer(binding, {0x01, 0x01})));  // a request-id of two bytes
-    for (const uint8_t tag : {0x9F, 0xA8}) EXPECT_EQ(0, Parse(Answer(binding, {1}, tag)));
+    for (const uint8_t tag : Bytes{0x9F, 0xA8}) EXPECT_EQ(0, Parse(Answer(binding, {1}, tag)));
     EXPECT_EQ(1, Parse(Answer(binding, {1}, 0xA7)));
     EXPECT_EQ(0, Parse(Answer({})));
     EXPECT_EQ(1, Parse(Answer(binding + Hex("31 00"))));  // the loop stops, the first counts
