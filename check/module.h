@@ -26,9 +26,10 @@ class Module {
 
 #define VN_EXPORTS(ENTRY)                                                                          \
     ENTRY(DiscoverDevices)                                                                         \
-    ENTRY(DiscoverDevicesByOID) ENTRY(DiscoverDevicesByOIDjson) ENTRY(DiscoverSnmp)                \
-        ENTRY(StopDiscoverSnmp) ENTRY(DiscoverSnmpV3) ENTRY(DiscoverV3DevicesByOIDjson)            \
-            ENTRY(DiscoverSoap) ENTRY(StopDiscoverSoap) ENTRY(DiscoverHttp) ENTRY(DiscoverBonjour) \
+    ENTRY(DiscoverDevicesByOID)                                                                    \
+    ENTRY(DiscoverDevicesByOIDjson) ENTRY(DiscoverSnmp) ENTRY(StopDiscoverSnmp)                    \
+        ENTRY(DiscoverSnmpV3) ENTRY(DiscoverV3DevicesByOIDjson) ENTRY(DiscoverSoap)                \
+            ENTRY(StopDiscoverSoap) ENTRY(DiscoverHttp) ENTRY(DiscoverBonjour)                     \
                 ENTRY(GetBonjourInformation) ENTRY(GetSnmpInformation) ENTRY(GetSnmpRequest)       \
                     ENTRY(GetSnmpRequestRaw) ENTRY(GetNextSnmpRequestRaw) ENTRY(SetSnmpRequestRaw) \
                         ENTRY(GetSnmpRequestV3) ENTRY(GetNextSnmpRequestV3) ENTRY(VxPing)          \

@@ -5,8 +5,8 @@
 
 #include "helpers/snmp_datagrams.h"
 #include "snmp/codec/asn_decode.h"
-#include "snmpv3/crypto/crypto.h"
 #include "snmpv3/codec/message_reader.h"
+#include "snmpv3/crypto/crypto.h"
 #include "snmpv3/crypto/privacy.h"
 #include "snmpv3/crypto/protocol_codes.h"
 
