@@ -24,16 +24,30 @@ class Module {
     // False where the system keeps it loaded.
     bool Unload();
 
-#define VN_EXPORTS(ENTRY)                                                                          \
-    ENTRY(DiscoverDevices)                                                                         \
-    ENTRY(DiscoverDevicesByOID)                                                                    \
-    ENTRY(DiscoverDevicesByOIDjson) ENTRY(DiscoverSnmp) ENTRY(StopDiscoverSnmp)                    \
-        ENTRY(DiscoverSnmpV3) ENTRY(DiscoverV3DevicesByOIDjson) ENTRY(DiscoverSoap)                \
-            ENTRY(StopDiscoverSoap) ENTRY(DiscoverHttp) ENTRY(DiscoverBonjour)                     \
-                ENTRY(GetBonjourInformation) ENTRY(GetSnmpInformation) ENTRY(GetSnmpRequest)       \
-                    ENTRY(GetSnmpRequestRaw) ENTRY(GetNextSnmpRequestRaw) ENTRY(SetSnmpRequestRaw) \
-                        ENTRY(GetSnmpRequestV3) ENTRY(GetNextSnmpRequestV3) ENTRY(VxPing)          \
-                            ENTRY(IsIPv6Supported)
+// clang-format off: it indents each entry further than the one before
+#define VN_EXPORTS(ENTRY)             \
+    ENTRY(DiscoverDevices)            \
+    ENTRY(DiscoverDevicesByOID)       \
+    ENTRY(DiscoverDevicesByOIDjson)   \
+    ENTRY(DiscoverSnmp)               \
+    ENTRY(StopDiscoverSnmp)           \
+    ENTRY(DiscoverSnmpV3)             \
+    ENTRY(DiscoverV3DevicesByOIDjson) \
+    ENTRY(DiscoverSoap)               \
+    ENTRY(StopDiscoverSoap)           \
+    ENTRY(DiscoverHttp)               \
+    ENTRY(DiscoverBonjour)            \
+    ENTRY(GetBonjourInformation)      \
+    ENTRY(GetSnmpInformation)         \
+    ENTRY(GetSnmpRequest)             \
+    ENTRY(GetSnmpRequestRaw)          \
+    ENTRY(GetNextSnmpRequestRaw)      \
+    ENTRY(SetSnmpRequestRaw)          \
+    ENTRY(GetSnmpRequestV3)           \
+    ENTRY(GetNextSnmpRequestV3)       \
+    ENTRY(VxPing)                     \
+    ENTRY(IsIPv6Supported)
+// clang-format on
 #define VN_MEMBER(name) decltype(&::name) name = nullptr;
     VN_EXPORTS(VN_MEMBER)
 #undef VN_MEMBER
