@@ -1,6 +1,6 @@
 # The host developer's kit, as `cmake --install` and `cpack` deliver it:
 #
-#   bin/        VnDiscover.dll, vndiscover.exe, stripped, each with its debug symbols in a .debug file
+#   bin/        VnDiscover.dll, vndiscover.exe, VnBrowser.exe, stripped, each with its debug symbols in a .debug file
 #   include/    vndiscover.h
 #   lib/        libVnDiscover.dll.a (mingw), VnDiscover.lib (MSVC), pkgconfig/, cmake/VnDiscover/
 #   docs/ examples/
@@ -32,7 +32,8 @@ endfunction()
 if(VNDISCOVER_SYMBOLS AND MINGW)
     _kit_symbols(-g vndiscover_core VnDiscover)
     # Functions and lines: all symbols of its templates would be ten times the size of the rest of the kit.
-    _kit_symbols(-g1 vndiscover_host_model vndiscover_host_device vndiscover_host_cli vndiscover_host)
+    _kit_symbols(-g1 vndiscover_host_model vndiscover_host_device vndiscover_host_cli vndiscover_host
+                 vndiscover_host_window VnBrowser)
 endif()
 
 # _kit_program(TARGET NAME): the stripped program and its symbols in the stage.
@@ -54,13 +55,14 @@ if(MINGW)
     _kit_program(VnDiscover VnDiscover.dll)
     if(TARGET vndiscover_host)
         _kit_program(vndiscover_host vndiscover.exe)
+        _kit_program(VnBrowser VnBrowser.exe)
     endif()
 else()
     # Visual C++ keeps symbols in files of their own to begin with.
     install(TARGETS VnDiscover RUNTIME DESTINATION bin)
     install(FILES $<TARGET_PDB_FILE:VnDiscover> DESTINATION bin OPTIONAL)
     if(TARGET vndiscover_host)
-        install(TARGETS vndiscover_host RUNTIME DESTINATION bin)
+        install(TARGETS vndiscover_host VnBrowser RUNTIME DESTINATION bin)
     endif()
 endif()
 
