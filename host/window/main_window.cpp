@@ -170,6 +170,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             DestroyWindow(window_);
             return 0;
         case WM_DESTROY:
+            SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
             window_ = nullptr;
             PostQuitMessage(0);
             return 0;

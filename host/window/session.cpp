@@ -101,14 +101,25 @@ std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
 }
 
 bool Session::Split(const DeviceRow& row) {
-    for (const FoundDevice& device : devices_) {
-        if (device.answers != row.answers || device.merges.empty()) continue;
-        for (const Merge& merge : device.merges)
-            scan_.splits.emplace_back(merge.first, merge.second);
-        isChanged_ = true;
-        return true;
+    const FoundDevice* device = nullptr;
+    for (const FoundDevice& each : devices_) {
+        if (each.answers == row.answers) device = &each;
     }
-    return false;
+    if (!device) return false;
+    const auto isAsked = [&](size_t index) {
+        return scan_.sweeps[scan_.answers[index].sweep].form == AnswerForm::kVariable;
+    };
+    const size_t before = scan_.splits.size();
+    for (const Merge& merge : device->merges) {
+        if (merge.key != MergeKey::kAddress) scan_.splits.emplace_back(merge.first, merge.second);
+    }
+    // Several protocols at one address; what was asked for there stays with what was heard.
+    for (const Merge& merge : device->merges) {
+        if (before == scan_.splits.size() && !isAsked(merge.first) && !isAsked(merge.second))
+            scan_.splits.emplace_back(merge.first, merge.second);
+    }
+    isChanged_ |= before != scan_.splits.size();
+    return before != scan_.splits.size();
 }
 
 }  // namespace vndiscover::host

@@ -36,7 +36,8 @@ class Session {
     bool WasAsked(const DeviceRow& row) const;
     // Why the last reading of a device ended early, and what was left out.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
-    // Undoes the merges of a device. False: it has none.
+    // Undoes the merges of a device by what it told; where there are none, those of protocols that
+    // answered from one address. False: it has none of either.
     bool Split(const DeviceRow& row);
 
     size_t Answers() const { return scan_.answers.size(); }
