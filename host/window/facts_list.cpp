@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kMarkSize = 16;
 constexpr int kBarWidth = 60;
+constexpr int kRowHeight = 18;
 
 int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
 
@@ -41,8 +42,9 @@ void DrawBar(HDC dc, const RECT& cell, int percent, const std::wstring& text, bo
              int dpi) {
     FillRect(dc, &cell, GetSysColorBrush(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
     const int inset = Scaled(4, dpi);
-    RECT bar = {cell.left + inset, cell.top + inset, cell.left + inset + Scaled(kBarWidth, dpi),
-                cell.bottom - inset};
+    const int rim = Scaled(3, dpi);
+    RECT bar = {cell.left + inset, cell.top + rim, cell.left + inset + Scaled(kBarWidth, dpi),
+                cell.bottom - rim};
     bar.right = std::min(bar.right, cell.right - inset);
     if (bar.right > bar.left) {
         FrameRect(dc, &bar, GetSysColorBrush(isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
@@ -56,6 +58,10 @@ void DrawBar(HDC dc, const RECT& cell, int percent, const std::wstring& text, bo
     SetTextColor(dc, GetSysColor(isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
               DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
+}
+
+HIMAGELIST MakeRowSpace(int dpi) {
+    return ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0);
 }
 
 void FactsList::Create(HWND parent, int id, const std::wstring& name) {
@@ -81,15 +87,13 @@ void FactsList::Create(HWND parent, int id, const std::wstring& name) {
 void FactsList::Show(std::vector<Fact> facts) {
     if (facts == facts_) return;
     facts_ = std::move(facts);
-    const bool hasMarks = std::any_of(facts_.begin(), facts_.end(),
-                                      [](const Fact& fact) { return fact.mark != Fact::kNone; });
-    ListView_SetImageList(list_, hasMarks ? marks_ : nullptr, LVSIL_SMALL);
+    SetImages();
     ListView_SetItemCountEx(list_, static_cast<int>(facts_.size()), LVSICF_NOSCROLL);
     InvalidateRect(list_, nullptr, FALSE);
 }
 
-void FactsList::MakeMarks(int dpi) {
-    const int size = Scaled(kMarkSize, dpi);
+HIMAGELIST FactsList::MakeMarks() const {
+    const int size = Scaled(kMarkSize, dpi_);
     const HIMAGELIST marks = ImageList_Create(size, size, ILC_COLOR24, 3, 0);
     const HDC screen = GetDC(nullptr);
     for (const wchar_t* sign : {L"+", L"\x2212", L"\x2260"}) {
@@ -98,16 +102,22 @@ void FactsList::MakeMarks(int dpi) {
         DeleteObject(bitmap);
     }
     ReleaseDC(nullptr, screen);
-    // The list owns its image list and ends it, but for one that is not set at that time.
-    const bool isSet = ListView_GetImageList(list_, LVSIL_SMALL) != nullptr;
-    if (isSet) ListView_SetImageList(list_, marks, LVSIL_SMALL);
-    if (marks_) ImageList_Destroy(marks_);
-    marks_ = marks;
+    return marks;
+}
+
+void FactsList::SetImages() {
+    const bool hasMarks = std::any_of(facts_.begin(), facts_.end(),
+                                      [](const Fact& fact) { return fact.mark != Fact::kNone; });
+    // The list owns the one that it has, and the caller the one that it had.
+    const HIMAGELIST old = ListView_SetImageList(
+        list_, hasMarks ? MakeMarks() : MakeRowSpace(dpi_), LVSIL_SMALL);
+    if (old) ImageList_Destroy(old);
 }
 
 void FactsList::Resize(const RECT& place, int dpi) {
-    if (dpi != dpi_) MakeMarks(dpi);
+    const bool isNew = dpi != dpi_;
     dpi_ = dpi;
+    if (isNew) SetImages();
     MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
                TRUE);
     const int width = place.right - place.left - GetSystemMetrics(SM_CXVSCROLL) - Scaled(6, dpi);

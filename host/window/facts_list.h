@@ -35,17 +35,20 @@ class FactsList {
     LRESULT OnNotify(NMHDR* header);
 
   private:
-    void MakeMarks(int dpi);
+    HIMAGELIST MakeMarks() const;
+    void SetImages();
 
     HWND list_ = nullptr;
-    HIMAGELIST marks_ = nullptr;
-    int dpi_ = 0;
+    int dpi_ = 96;
     std::vector<Fact> facts_;
 };
 
 // Draws a level and its text into a cell of a list; colours are the user's own.
 void DrawBar(HDC dc, const RECT& cell, int percent, const std::wstring& text, bool isSelected,
              int dpi);
+
+// An image list without images that makes rows of a list high enough for bars; the list owns it.
+HIMAGELIST MakeRowSpace(int dpi);
 
 }  // namespace vndiscover::host
 

@@ -26,7 +26,9 @@ constexpr UINT_PTR kFrameTimer = 1;
 constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kFrameMs = 100;
 constexpr UINT kStatusMs = 250;
-constexpr int kColumnWidths[kColumnCount] = {100, 130, 110, 100, 120, 110, 110, 110, 100, 130};
+constexpr int kColumnWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
+// What most people look for is seen without scrolling.
+constexpr int kColumnOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
 constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET,       IDC_V1,    IDC_WSD,
                         IDC_IPV4, IDC_IPV6,         IDC_FILTER_LABEL, IDC_FILTER};
 constexpr int kGroupStarts[] = {IDC_PRESET_LABEL, IDC_V1, IDC_IPV4, IDC_FILTER_LABEL};
@@ -226,11 +228,14 @@ void MainWindow::CreateDeviceList() {
         column.pszText = heading.data();
         SendMessageW(devices_, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
     }
+    ListView_SetColumnOrderArray(devices_, kColumnCount, const_cast<int*>(kColumnOrder));
 }
 
 void MainWindow::SetFonts() {
     const HFONT old = font_;
     font_ = MakeMessageFont(dpi_);
+    const HIMAGELIST space = ListView_SetImageList(devices_, MakeRowSpace(dpi_), LVSIL_SMALL);
+    if (space) ImageList_Destroy(space);
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
     for (size_t index = 0; index < kColumnCount; ++index)
@@ -283,6 +288,13 @@ void MainWindow::Place() {
         const Box& box = layout.bar[index];
         // The height of a combo box is that of its open list.
         move(kBar[index], box, kBar[index] == IDC_PRESET ? box.height * 6 : box.height);
+        if (kBar[index] != IDC_PRESET) continue;
+        RECT closed = {};
+        const HWND preset = GetDlgItem(window_, IDC_PRESET);
+        GetWindowRect(preset, &closed);
+        const int space = box.height - (closed.bottom - closed.top);
+        SetWindowPos(preset, nullptr, box.x, box.y + std::max(0, space / 2), 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER);
     }
     move(IDC_DEVICES_LABEL, layout.devicesLabel, layout.devicesLabel.height);
     move(IDC_DEVICES, layout.devices, layout.devices.height);
@@ -521,7 +533,7 @@ void MainWindow::StartOrStop() {
     session_.SetAdapters(adapters);
     sweptAddresses_ = adapters.addresses.size();
     startMs_ = GetTickCount64();
-    answersBefore_ = session_.Answers();
+    answers_ = 0;
     isSweeping_ = wasSwept_ = true;
     isStopping_ = isStopped_ = false;
     workers_->Sweep(steps);
@@ -554,6 +566,7 @@ void MainWindow::OnFrame() {
     bool isIdle = false;
     for (const Event& event : events_.Drain()) {
         session_.Take(event);
+        if (event.kind == Event::kAnswer) ++answers_;
         if (event.kind == Event::kAskBegan) {
             asked_ = event.address;
             askStartMs_ = GetTickCount64();
@@ -575,7 +588,7 @@ void MainWindow::OnIdle() {
         SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
         InvalidateRect(devices_, nullptr, TRUE);
         if (options_.sweep) {
-            exitCode_ = session_.Answers() != 0 ? kFound : kNone;
+            exitCode_ = answers_ != 0 ? kFound : kNone;
             if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kFailed;
             if (options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
             options_ = {};
@@ -587,7 +600,7 @@ void MainWindow::OnIdle() {
 std::wstring MainWindow::StatusText() const {
     const auto seconds = [](ULONGLONG ms) { return std::to_wstring(ms / 1000); };
     const ULONGLONG now = GetTickCount64();
-    const std::wstring answers = std::to_wstring(session_.Answers() - answersBefore_);
+    const std::wstring answers = std::to_wstring(answers_);
     if (isSweeping_)
         return Text(IDS_SWEEPING,
                     {seconds(now - startMs_), answers, std::to_wstring(sweptAddresses_)});

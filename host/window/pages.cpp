@@ -34,7 +34,10 @@ std::string AlertText(const Alert& alert) {
 void AddPrinter(Page& page, const PrinterFacts& facts) {
     page.Add(IDS_FACT_LOCATION, facts.location);
     page.Add(IDS_FACT_DESCRIPTION, facts.description);
-    if (facts.upTicks) page.Add(IDS_FACT_UP, TickText(*facts.upTicks / 100 * 100));
+    if (facts.upTicks) {
+        const std::string text = TickText(*facts.upTicks);
+        page.Add(IDS_FACT_UP, text.substr(0, text.size() - 3));  // without hundredths
+    }
     page.Add(IDS_FACT_DEVICE, SpacedWords(facts.deviceStatus));
     page.Add(IDS_FACT_PRINTER, SpacedWords(facts.printerStatus));
     std::string errors;
@@ -86,11 +89,14 @@ std::vector<Fact> DetailFacts(const Session& session) {
     for (const std::string& endpoint : device->identity.Of(MergeKey::kEndpoint))
         page.Add(IDS_FACT_ENDPOINT, PlainText(endpoint));
     for (const Merge& merge : device->merges) {
-        page.facts.push_back(
-            {Text(IDS_FACT_MERGED),
-             Text(IDS_MERGED_BY, {ToWide(KeyName(merge.key)), ToWide(PlainText(merge.value))}),
-             {},
-             {}});
+        const Fact fact = {
+            Text(IDS_FACT_MERGED),
+            Text(IDS_MERGED_BY, {ToWide(KeyName(merge.key)), ToWide(PlainText(merge.value))}),
+            {},
+            Fact::kNone};
+        // Several answers are often merged by the same thing.
+        if (page.facts.back() == fact) continue;
+        page.facts.push_back(fact);
     }
     for (const Gap& gap : session.GapsOf(*row)) {
         const std::string what = gap.subject + (gap.object.empty() ? "" : " (" + gap.object + ")");

@@ -40,8 +40,6 @@ class Session {
     // answered from one address. False: it has none of either.
     bool Split(const DeviceRow& row);
 
-    size_t Answers() const { return scan_.answers.size(); }
-
   private:
     void BeginSweep(const Event& event, AnswerForm form);
 
