@@ -47,7 +47,9 @@ else()
     target_link_libraries(vndiscover::pugixml INTERFACE ${PUGIXML_LIBRARY})
 endif()
 
-if(VNDISCOVER_BUILD_TESTS)
+if(VNDISCOVER_BUILD_TESTS AND CMAKE_HOST_WIN32)
+    find_package(GTest CONFIG REQUIRED) # vcpkg's feature "tests"
+elseif(VNDISCOVER_BUILD_TESTS)
     set(GTEST_SOURCE_DIR /usr/src/googletest CACHE PATH "GoogleTest's sources")
     set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
     set(gtest_disable_pthreads ${WIN32} CACHE BOOL "" FORCE)

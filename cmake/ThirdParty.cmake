@@ -25,15 +25,14 @@ function(_third_party_libraries)
         set(version_${CMAKE_MATCH_1} ${CMAKE_MATCH_2})
     endforeach()
     set(texts ${VNDISCOVER_DEPS}/licenses)
-    # OpenSSL is built from the upstream sources, without the distribution's changes.
+    # OpenSSL and pugixml are built from the upstream sources, without the distribution's changes.
     string(REGEX REPLACE "-[^-]*$" "" openssl "${version_OpenSSL}")
     _third_party_row(cJSON "${version_cJSON}" MIT "pkg:deb/debian/cjson@${version_cJSON}?arch=source"
                      "VnDiscover.dll and vndiscover.exe" ${texts}/cJSON.txt)
     _third_party_row(OpenSSL "${openssl}" Apache-2.0 "pkg:generic/openssl@${openssl}"
                      "VnDiscover.dll (AES of libcrypto)" ${texts}/OpenSSL.txt)
     _third_party_row(pugixml "${version_pugixml}" MIT
-                     "pkg:deb/debian/pugixml@${version_pugixml}?arch=source" vndiscover.exe
-                     ${texts}/pugixml.txt)
+                     "pkg:generic/pugixml@${version_pugixml}" vndiscover.exe ${texts}/pugixml.txt)
     _third_party_row(CLI11 "${version_CLI11}" BSD-3-Clause
                      "pkg:deb/debian/cli11@${version_CLI11}?arch=source" vndiscover.exe
                      ${texts}/CLI11.txt)

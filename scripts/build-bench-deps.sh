@@ -24,6 +24,7 @@ fi
 Say "building Google Benchmark $BENCHMARK into the cache (about a minute, once)"
 PrepareSources
 Source benchmark "$BENCHMARK"
+BENCHMARK=$SOURCE_VERSION
 cd "$work"/benchmark/*/
 Quietly cmake -S . -B build "${CMAKE_CROSS[@]}" -DBENCHMARK_ENABLE_TESTING=OFF -DBENCHMARK_ENABLE_GTEST_TESTS=OFF \
     -DBENCHMARK_ENABLE_WERROR=OFF -DBENCHMARK_INSTALL_DOCS=OFF -DVERSION="${BENCHMARK%-*}" -DGENERIC_LIB_VERSION="${BENCHMARK%-*}"

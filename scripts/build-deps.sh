@@ -19,7 +19,7 @@ done
 
 # The key: versions, compiler, flags, and the recipe's own number (raise it when the steps below change
 # what they produce).
-RECIPE=2
+RECIPE=3
 key=$({
     echo "$RECIPE $CJSON $OPENSSL $PUGIXML $CLI11 $CFLAGS" $OPENSSL_OPTIONS
     "$CC" --version | head -n 1
@@ -39,6 +39,7 @@ Say "building cJSON $CJSON, OpenSSL $OPENSSL, pugixml $PUGIXML into the cache (a
 PrepareSources
 
 Source cjson "$CJSON"
+CJSON=$SOURCE_VERSION
 cd "$work"/cjson/*/
 Quietly cmake -S . -B build "${CMAKE_CROSS[@]}" -DENABLE_CJSON_TEST=OFF -DENABLE_CJSON_UTILS=OFF \
     -DBUILD_SHARED_AND_STATIC_LIBS=OFF -DENABLE_CUSTOM_COMPILER_FLAGS=OFF \
@@ -46,14 +47,17 @@ Quietly cmake -S . -B build "${CMAKE_CROSS[@]}" -DENABLE_CJSON_TEST=OFF -DENABLE
 Quietly cmake --build build --target install -j "$(nproc)"
 cp LICENSE "$stage/licenses/cJSON.txt"
 
-Source pugixml "$PUGIXML"
-cd "$work"/pugixml/*/
+# Of this one and the next the upstream tarball only: the packaging adds nothing for this target.
+Source pugixml "$PUGIXML" --tar-only
+PUGIXML=$SOURCE_VERSION
+tar -xf pugixml_*.orig.tar.*
+cd pugixml-*/
 Quietly cmake -S . -B build "${CMAKE_CROSS[@]}"
 Quietly cmake --build build --target install -j "$(nproc)"
 cp LICENSE.md "$stage/licenses/pugixml.txt"
 
-# The upstream tarball only: the packaging adds nothing for this target.
 Source openssl "$OPENSSL" --tar-only
+OPENSSL=$SOURCE_VERSION
 tar -xf openssl_*.orig.tar.*
 cd openssl-*/
 # The date and the folders would end up in the library.
@@ -74,7 +78,7 @@ cp /usr/share/doc/libcli11-dev/copyright "$stage/licenses/CLI11.txt" 2>/dev/null
     Say "CLI11's licence text is not on this machine"
 
 rm -rf "$stage/lib/cmake" "$stage/lib/pkgconfig" "$stage/bin"
-printf '%s %s\n' cJSON "$CJSON" OpenSSL "$OPENSSL" pugixml "$PUGIXML" CLI11 "$CLI11" >"$stage/versions.txt"
+printf '%s %s\n' cJSON "$CJSON" OpenSSL "$OPENSSL" pugixml "${PUGIXML%-*}" CLI11 "$CLI11" >"$stage/versions.txt"
 rm -rf "$prefix"
 mv "$stage" "$prefix"
 echo "$prefix"

@@ -1,15 +1,25 @@
 #!/bin/bash
-# check-portability.sh: reads every source of the product and of the example hosts with Clang, for the Windows
-# target and with every warning on about what only GCC or only one compiler takes. Builds nothing. It is no
-# substitute for Visual C++, whose own headers it does not have.
+# check-portability.sh: reads every source that is meant for Windows, tests included, with Clang in both of its Windows
+# modes, GNU's and Visual C++'s, with every warning on about what only one compiler takes and about what Visual C++
+# warns of at /W4. Builds nothing. It is no substitute for Visual C++, whose own headers it does not have.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
+
 . "$ROOT/scripts/clang-windows.sh"
 cd "$ROOT"
 
 WARNINGS=(-Werror -Wall -Wextra -Wpedantic -Wmicrosoft -Wgnu -Wvla -Wlanguage-extension-token -Wgcc-compat
     -Wunknown-attributes -Wunknown-pragmas -Wextra-semi -Wnull-dereference
-    -Wimplicit-fallthrough -Wzero-as-null-pointer-constant -Wundef -Wreserved-id-macro -Wcast-function-type)
+    -Wimplicit-fallthrough -Wzero-as-null-pointer-constant -Wundef -Wreserved-id-macro -Wcast-function-type
+    # /W4: lost bits, hidden names, variables that may have no value, code that is never reached
+    -Wshorten-64-to-32 -Wimplicit-int-conversion -Wshadow -Wconditional-uninitialized -Wunreachable-code)
+# The language and the binary interface of Visual C++ with mingw's headers, which are told that the compiler is GCC.
+MSVC=(-fms-compatibility-version=19.38 -U_MSC_VER -U_MSC_FULL_VER -U_MSC_BUILD
+    -D__GNUC__=12 -D__GNUC_MINOR__=2 -D__GNUC_PATCHLEVEL__=0 -D__GXX_WEAK__=0 -D__MINGW32__ -D__MINGW64__ -D__STRICT_ANSI__
+    -D__declspec=__declspec -D__GCC_ATOMIC_TEST_AND_SET_TRUEVAL=1 -isystem /usr/x86_64-w64-mingw32/include)
+for type in BOOL POINTER CHAR CHAR16_T CHAR32_T WCHAR_T SHORT INT LONG LLONG; do MSVC+=(-D__GCC_ATOMIC_${type}_LOCK_FREE=2); done
+# mingw's own folder comes after the C++ headers, which look for the next file of a name.
+CXX=("${WINDOWS_CXX[@]}" -isystem /usr/src/googletest/googletest/include -isystem /usr/src/googletest/googlemock/include -Itests)
 
 failed=0
 # Check NAME OPTION...
@@ -34,12 +44,15 @@ Check examples/c/sweep.c -x c -std=c99 -pedantic examples/c/sweep.c
 
 # Guarded or not, what GCC alone has: where it is needed, it stands behind a test for the compiler.
 if git grep -nE '__builtin_|__extension__|\[\[gnu::|<(unistd|strings)\.h>|\bssize_t\b|strn?casecmp' -- \
-    src host include examples; then
+    src host include examples check 'tests/*.cpp' 'tests/*.h' ':!tests/native' ':!tests/fuzz'; then
     failed=1
 fi
 
-mapfile -t sources < <(find src host examples -name '*.cpp' | sort)
-printf '%s\0' "${sources[@]}" | xargs -0 -n 1 -P "${VNDISCOVER_JOBS:-$(nproc)}" \
-    "$CLANG" "${WINDOWS[@]}" "${WARNINGS[@]}" "${WINDOWS_CXX[@]}" || failed=1
+mapfile -t sources < <(find src host examples check tests -name '*.cpp' ! -path 'tests/native/*' ! -path 'tests/fuzz/*' | sort)
+for mode in gnu msvc; do
+    options=("${WINDOWS[@]}" "${WARNINGS[@]}" "${CXX[@]}")
+    [ $mode = gnu ] || options=("${options[@]/x86_64-w64-windows-gnu/x86_64-pc-windows-msvc}" "${MSVC[@]}")
+    printf '%s\0' "${sources[@]}" | xargs -0 -n 1 -P "${VNDISCOVER_JOBS:-$(nproc)}" "$CLANG" "${options[@]}" || failed=1
+done
 [ $failed = 0 ] || Die "see above"
 Say "${#sources[@]} sources and the header: nothing that only one compiler takes"

@@ -42,13 +42,19 @@ PrepareSources() {
     Quietly apt-get -q "${APT_OPTIONS[@]}" update || Die "the package sources cannot be reached"
 }
 
-# Source NAME VERSION [OPTION...]: fetches a source package into its own folder; the wanted version, or
-# the newest that is there.
+# Source NAME VERSION [OPTION...]: fetches a source package into its own folder; the wanted version, or, since mirrors
+# may lack a file of it, the newest that is there whole. SOURCE_VERSION is the one that came.
 Source() {
-    local name=$1 version=$2
+    local name=$1 wanted=$2 versions
     shift 2
     mkdir "$work/$name"
     cd "$work/$name"
-    Quietly apt-get -q "${APT_OPTIONS[@]}" source "$@" "$name=$version" ||
-        Quietly apt-get -q "${APT_OPTIONS[@]}" source "$@" "$name" || Die "no source of $name"
+    versions=$(apt-cache "${APT_OPTIONS[@]}" showsrc --only-source "$name" | sed -n 's/^Version: //p' | sort -rVu)
+    for SOURCE_VERSION in "$wanted" $versions; do
+        if Quietly apt-get -q "${APT_OPTIONS[@]}" source "$@" "$name=$SOURCE_VERSION" 2>"$work/$name.log"; then
+            return
+        fi
+    done
+    cat "$work/$name.log" >&2
+    Die "no source of $name"
 }

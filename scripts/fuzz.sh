@@ -40,6 +40,6 @@ for target in $targets; do
         "$ROOT/tests/fuzz/corpus/${target#fuzz_}" >/dev/null 2>&1
     binaries+=("$ROOT/build/coverage/bin/$target")
 done
-llvm-profdata-14 merge -sparse ./*.profraw -o all.profdata
-llvm-cov-14 report "${binaries[0]}" "${binaries[@]/#/-object=}" -instr-profile=all.profdata \
+llvm-profdata merge -sparse ./*.profraw -o all.profdata
+llvm-cov report "${binaries[0]}" "${binaries[@]/#/-object=}" -instr-profile=all.profdata \
     -ignore-filename-regex='/tests/' | tee coverage.txt

@@ -1,24 +1,26 @@
 #!/bin/bash
 # install-packages.sh [PACKAGE...]: installs what the build and the lab need and this machine lacks, and the
-# packages named (Debian).
+# packages named (Debian 12 and 13).
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
+# Where releases name a package differently: A|B, of which the first that this one has is taken.
 PACKAGES=(
     # build
-    cmake ninja-build g++-mingw-w64-x86-64-posix clang libclang-rt-14-dev dpkg-dev patch xz-utils perl make
+    cmake ninja-build g++-mingw-w64-x86-64-posix clang 'libclang-rt-dev|libclang-rt-14-dev' dpkg-dev patch xz-utils perl make
     googletest llvm libcli11-dev libcjson-dev libssl-dev libpugixml-dev
     # kit
-    git lld pkg-config
+    git lld pkg-config python3-yaml
     # lab
-    wine64 iproute2 snmpd snmp wsdd tshark python3 util-linux
+    wine64 iproute2 snmpd snmp 'wsdd|wsdd2' tshark python3 util-linux
 )
 
 PACKAGES+=("$@") # further ones, which most runs do not need
 missing=()
-for package in "${PACKAGES[@]}"; do
-    status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
-    [ "$status" = installed ] || missing+=("$package")
+for names in "${PACKAGES[@]}"; do
+    # shellcheck disable=SC2086 # one word each
+    status=$(dpkg-query -W -f '${db:Status-Status} ' ${names//|/ } 2>/dev/null || true)
+    [[ " $status" = *" installed "* ]] || missing+=("$names")
 done
 [ ${#missing[@]} -ne 0 ] || exit 0
 
@@ -34,6 +36,19 @@ if [ ! -e $policy ]; then
     trap 'rm -f $policy' EXIT
 fi
 export DEBIAN_FRONTEND=noninteractive
-Install() { Quietly apt-get -q -y -o Dpkg::Use-Pty=0 install --no-install-recommends "${missing[@]}"; }
 Quietly apt-get -q update || Say "apt-get update failed; trying with the lists that are here"
-Install || Die "these packages could not be installed: ${missing[*]}"
+# Candidate NAME...: the first that apt can install; the first of all where it knows none, for its message.
+Candidate() {
+    local name
+    for name in "$@"; do
+        if LC_ALL=C apt-cache policy "$name" | grep -q 'Candidate: [^(]'; then
+            echo "$name"
+            return
+        fi
+    done
+    echo "$1"
+}
+# shellcheck disable=SC2086 # one word each
+for i in "${!missing[@]}"; do missing[i]=$(Candidate ${missing[i]//|/ }); done
+Quietly apt-get -q -y -o Dpkg::Use-Pty=0 install --no-install-recommends "${missing[@]}" ||
+    Die "these packages could not be installed: ${missing[*]}"

@@ -82,17 +82,19 @@ Vn sweep "${v3[@]}"
 Vn sweep "${v3[@]}" --json request.json --format json
 Vn get 10.77.2.25 .1.3.6.1.2.1.1.1.0 --v3 -u md5des -a MD5 -A authpass1 -x DES -X privpass1
 
-Title "WS-Discovery: a real responder (wsdd) on 'hall'"
-Shown wsdd -4 -i eth0 -n HALL "# on hall"
+responder=(wsdd -4 -i eth0 -n HALL)
+command -v wsdd >/dev/null || responder=(wsdd2 -4 -i eth0 -N HALL -G WORKGROUP) # Debian 13 has this one
+Title "WS-Discovery: a real responder (${responder[0]}) on 'hall'"
+Shown "${responder[@]}" "# on hall"
 # Its complaints about a missing neighbour on lo are not part of the show.
-ip netns exec hall wsdd -4 -i eth0 -n HALL >wsdd.log 2>&1 </dev/null &
-wsdd=$!
+ip netns exec hall "${responder[@]}" >wsdd.log 2>&1 </dev/null &
+responder=$!
 for _ in $(seq 100); do
     grep -qs ':0E76 ' <(nsenter --net=/run/netns/hall cat /proc/net/udp) && break # port 3702
     sleep 0.05
 done
 Vn wsd --timeout 1000
-kill $wsdd
+kill $responder
 
 Title "Nothing found? What a sweep has to work with here, and what one device answers to"
 Vn doctor

@@ -22,6 +22,12 @@ if [ "${VNDISCOVER_LAB_INIT:-}" = 1 ]; then
     mount -t tmpfs -o mode=755 tmpfs /run
     export VNDISCOVER_LAB=/run/lab TMPDIR=/run/lab/tmp
     mkdir -p /run/netns /run/lock $VNDISCOVER_LAB/tmp $VNDISCOVER_LAB/etc/{upper,work}
+    # Where Wine's server has its folder. Wine 10 as Debian builds it crashes without one: it frees TMPDIR's text,
+    # which is the environment's ("free(): invalid pointer").
+    XDG_RUNTIME_DIR=/run/user/$(id -u)
+    export XDG_RUNTIME_DIR # else Wine 10 complains on standard error
+    mkdir -p -m 755 /run/user
+    mkdir -m 700 "$XDG_RUNTIME_DIR"
     mount -t overlay overlay /etc \
         -o lowerdir=/etc,upperdir=$VNDISCOVER_LAB/etc/upper,workdir=$VNDISCOVER_LAB/etc/work
     mkdir -p /etc/netns

@@ -35,6 +35,24 @@ if [ -n "$stop" ]; then
     exit 0
 fi
 layer=$VNDISCOVER_LAB/wine/$netns
+
+# Wine 10 lists no IPv6 adapters at all (ERROR_INVALID_DATA) as long as the kernel's table of routes holds one to
+# everywhere without a gateway, and it always does: each of its two tables begins with one that leads nowhere, until
+# there is a real one. So both get a real one, and the rules see to it that no packet ever takes it.
+ListIPv6Adapters() {
+    local link
+    link=$(ip -n "$netns" -6 -oneline address show up scope link | awk '{ print $2; exit }')
+    [ -n "$link" ] || return 0
+    ip -n "$netns" -6 -batch - <<END
+route add default via fe80::ffff dev $link metric 4000
+route add default via fe80::ffff dev $link metric 4000 table local
+rule add pref 1 lookup local suppress_prefixlength 0
+rule add pref 2 lookup main suppress_prefixlength 0
+rule del pref 0
+rule del pref 32766
+END
+}
+
 if [ ! -e "$layer/ready" ]; then
     template=$("$here/wine-template.sh")
     mkdir -p "$WINEPREFIX"
@@ -44,6 +62,7 @@ if [ ! -e "$layer/ready" ]; then
         mkdir -p "$layer/upper" "$layer/work"
         mount -t overlay overlay "$WINEPREFIX" \
             -o "lowerdir=$template,upperdir=$layer/upper,workdir=$layer/work"
+        ListIPv6Adapters
         # Started here, the server and Wine's services stay. Else they would go with a program, and the next one,
         # started at that moment, would fail; and they would keep the first one's output pipes open.
         ip netns exec "$netns" "$(dirname "$WINE")/wineserver64" --persistent </dev/null >/dev/null 2>&1 9>&-

@@ -39,12 +39,14 @@ class GuardedBuffer {
     int32_t Size() const { return static_cast<int32_t>(size_); }
 
     Bytes Content() const { return Bytes(data_, data_ + size_); }
-    bool FrontStands() const {
-        return std::all_of(base_, data_, [](uint8_t byte) { return byte == kFill; });
-    }
-    bool IsUntouched() const { return FrontStands() && Content() == Bytes(size_, kFill); }
+    bool FrontStands() const { return IsFilled(base_, data_); }
+    bool IsUntouched() const { return IsFilled(base_, data_ + size_); }
 
   private:
+    static bool IsFilled(const uint8_t* from, const uint8_t* to) {
+        return std::all_of(from, to, [](uint8_t byte) { return byte == kFill; });
+    }
+
     static constexpr size_t kPage = 4096;
     static constexpr size_t kFront = 512;  // more than any value has
 

@@ -104,4 +104,7 @@ def main(agent_conf="", prepare=lambda: None, alone=()):
         with concurrent.futures.ThreadPoolExecutor(len(others)) as pool:  # an error when there are none
             list(pool.map(lambda test: test(result), others))
 
-    sys.exit(not unittest.TextTestRunner().run(all_of_them).wasSuccessful())
+    result = unittest.TextTestRunner().run(all_of_them)
+    for skipped, reason in result.skipped:
+        print(f"skipped: {skipped.id()}: {reason}")
+    sys.exit(not result.wasSuccessful())

@@ -55,7 +55,7 @@ class Reader {
   public:
     Reader(const uint8_t* bytes, size_t length) : bytes_(bytes), length_(length) {}
 
-    uint8_t At(size_t position) const { return position < length_ ? bytes_[position] : 0; }
+    uint8_t At(size_t index) const { return index < length_ ? bytes_[index] : 0; }
     uint8_t Here() const { return At(position); }
     uint8_t Take() { return At(position++); }
 

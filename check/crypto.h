@@ -1,0 +1,19 @@
+// The agents' side of SNMPv3: hashes and ciphers from the system's older crypto library, other than
+// the module's by provider and by how they are called; SHA-224, which it lacks, is written out.
+#pragma once
+
+#include "check/ber.h"
+
+namespace check {
+
+enum class Digest { kNone, kMd5, kSha1, kSha224, kSha256, kSha384, kSha512 };
+
+Bytes HashOf(Digest digest, const Bytes& message);
+Bytes HmacOf(Digest digest, Bytes key, const Bytes& message);
+// RFC 3414, A.2: a password's key for one engine.
+Bytes LocalisedKey(Digest digest, const std::string& password, const Bytes& engineId);
+
+Bytes DesCbc(const Bytes& key, const Bytes& iv, Bytes input, bool encrypts);
+Bytes AesCfb(const Bytes& key, const Bytes& iv, const Bytes& input, bool encrypts);
+
+}  // namespace check

@@ -1,0 +1,82 @@
+// Sweeps: on the loopback with the adapters hidden from the module, or in every network.
+#include "check/agent.h"
+#include "check/rows.h"
+
+namespace check {
+namespace {
+
+constexpr char kGroup[] = "239.255.255.250";
+constexpr uint16_t kWsdPort = 3702;
+constexpr char kProbe[] = "<Probe/>";
+constexpr size_t kTooLong = VN_SOAP_REPLY_SIZE + 1000;
+
+std::string Told(const ResultWindow& window) {
+    std::string text;
+    for (const ResultWindow::Result& result : window.results) {
+        if (!text.empty()) text += ", ";
+        text += result.address.empty() && result.value.empty()
+                    ? "the final message"
+                    : Number(int64_t(result.value.size())) + " bytes from " + result.address;
+    }
+    return text;
+}
+
+void Sweep(const Module& module, ResultWindow& window) {
+    module.DiscoverSoap(window.Handle(), ResultWindow::kMessage, 1000, kProbe,
+                        int32_t(sizeof kProbe - 1));
+}
+
+}  // namespace
+
+void DiscoveryRows(Report& report, Module& module) {
+    report.Section("WS-Discovery with a responder on the loopback");
+    const char* const name = "replies of 2,048, 3,048 and 100 bytes";
+    const std::string expected =
+        "2048 bytes from 127.0.0.1, 100 bytes from 127.0.0.1, the final message";
+    if (!module.HideAdapters()) {
+        report.NotSeen(name, expected, "the adapters cannot be hidden from the module");
+        return;
+    }
+    std::string heard = "nothing";
+    const Agent responder(kGroup, kWsdPort, "127.0.0.1", [&](const Bytes& request) {
+        heard = std::string(request.begin(), request.end());
+        return std::vector<Bytes>{Bytes(VN_SOAP_REPLY_SIZE, 'A'), Bytes(kTooLong, 'B'),
+                                  Bytes(100, 'C')};
+    });
+    if (responder.Error() != 0) {
+        report.NotSeen(name, expected,
+                       "port 3702 cannot be shared (" + Number(responder.Error()) + ")");
+        return;
+    }
+    ResultWindow window;
+    Sweep(module, window);
+    report.Add("the probe that a responder on the loopback's interface hears", kProbe, heard);
+    report.Add(name, expected, Told(window));
+}
+
+void NetworkRows(Report& report, const Module& module) {
+    report.Section("Sweeps in every network");
+    const auto row = [&](const char* name, const char* last, auto sweep) {
+        ResultWindow window;
+        sweep(window.Handle());
+        const bool isFinal = !window.results.empty() && window.results.back().address.empty();
+        report.Add(name, last, isFinal ? "ends with the final message" : "ends without one");
+    };
+    const char* const final = "ends with the final message";
+    row("SNMPv1, IPv4", final, [&](HWND window) {
+        module.DiscoverSnmp(window, ResultWindow::kMessage, 0, 0, nullptr, nullptr);
+    });
+    row("SNMPv1, IPv6", final, [&](HWND window) {
+        module.DiscoverSnmp(window, ResultWindow::kMessage, 0, 1, nullptr, nullptr);
+    });
+    row("SNMPv3, IPv4", "ends without one", [&](HWND window) {
+        module.DiscoverSnmpV3(window, ResultWindow::kMessage, 0, 0, L"check", 0, nullptr, 0,
+                              nullptr, nullptr, nullptr);
+    });
+    row("WS-Discovery", final, [&](HWND window) {
+        module.DiscoverSoap(window, ResultWindow::kMessage, 1000, kProbe,
+                            int32_t(sizeof kProbe - 1));
+    });
+}
+
+}  // namespace check

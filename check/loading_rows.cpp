@@ -1,0 +1,85 @@
+// Loading and unloading. DllMain runs under the loader lock, also when a sweep has used sockets
+// before.
+#include "check/windows_headers.h"
+
+#include <psapi.h>
+
+#include <thread>
+
+#include "check/rows.h"
+
+namespace check {
+namespace {
+
+constexpr int kRounds = 2000;
+constexpr DWORD kUnloadLimitMs = 20000;
+constexpr DWORD kHandlesOfItsOwn = 16;  // that the system opens once and keeps
+constexpr SIZE_T kMemoryOfItsOwn = 4u << 20;
+
+DWORD Handles() {
+    DWORD count = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &count);
+    return count;
+}
+
+SIZE_T Memory() {
+    PROCESS_MEMORY_COUNTERS counters = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+    return counters.PagefileUsage;
+}
+
+std::string SweepAndUnload() {
+    Module module;
+    if (!module.IsUsable() || !module.HideAdapters()) return "it cannot be used";
+    ResultWindow window;
+    module.DiscoverSoap(window.Handle(), ResultWindow::kMessage, 1000, "<Probe/>", 8);
+    return module.Unload() ? "returns, the module is gone" : "returns, the module stays";
+}
+
+// On a thread of its own, since it may never return.
+std::string WithinLimit(std::string (*work)()) {
+    struct Shared {
+        std::string text;
+        HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    };
+    auto* shared = new Shared;  // the thread's too, should it hang
+    std::thread([shared, work] {
+        shared->text = work();
+        SetEvent(shared->done);
+    }).detach();
+    if (WaitForSingleObject(shared->done, kUnloadLimitMs) != WAIT_OBJECT_0) return "hangs";
+    const std::string text = shared->text;
+    CloseHandle(shared->done);
+    delete shared;
+    return text;
+}
+
+}  // namespace
+
+void LoadingRows(Report& report) {
+    report.Section("Loading and unloading");
+    const std::string unload = WithinLimit(SweepAndUnload);
+    report.Add("unloading after a sweep", "returns, the module is gone", unload);
+    const std::string name = "loading and unloading 2,000 times";
+    const std::string expected = "2000 times, no handles and no memory are left";
+    if (unload == "hangs") {
+        report.NotSeen(name, expected, "the module cannot be unloaded");
+        return;
+    }
+    { Module first; }  // what the system keeps from then on is not counted
+    const DWORD handles = Handles();
+    const SIZE_T memory = Memory();
+    int rounds = 0;
+    while (rounds < kRounds) {
+        Module module;
+        if (!module.IsUsable() || !module.Unload()) break;
+        ++rounds;
+    }
+    const bool leftHandles = Handles() > handles + kHandlesOfItsOwn;
+    const bool leftMemory = Memory() > memory + kMemoryOfItsOwn;
+    report.Add(name, expected,
+               Number(rounds) + " times, " + (leftHandles ? "" : "no ") + "handles and " +
+                   (leftMemory ? "" : "no ") + "memory are left");
+}
+
+}  // namespace check

@@ -1,0 +1,38 @@
+#include "check/report.h"
+
+#include <cstdio>
+
+namespace check {
+
+void Report::Section(const char* title) {
+    rows_ += std::string("\n## ") + title + "\n\n| | expected | seen | |\n|---|---|---|---|\n";
+    std::printf("\n%s\n", title);
+}
+
+void Report::Add(const std::string& name, const std::string& expected, const std::string& seen) {
+    const bool same = expected == seen;
+    ++(same ? asExpected_ : different_);
+    Row(name, expected, seen, same ? "ok" : "DIFFERENT");
+}
+
+void Report::NotSeen(const std::string& name, const std::string& expected,
+                     const std::string& reason) {
+    ++notSeen_;
+    Row(name, expected, "not seen: " + reason, "");
+}
+
+void Report::Row(const std::string& name, const std::string& expected, const std::string& seen,
+                 const char* verdict) {
+    rows_ += "| " + name + " | " + expected + " | " + seen + " | " + verdict + " |\n";
+    std::printf("  %-10s %s: %s\n", verdict, name.c_str(), seen.c_str());
+    std::fflush(stdout);  // a row that hangs is then the one after the last that shows
+}
+
+std::string Report::Text(const std::string& system) const {
+    char counts[128];
+    std::snprintf(counts, sizeof counts, "\n%d as expected, %d different, %d not seen\n",
+                  asExpected_, different_, notSeen_);
+    return "# windows_check\n\n" + system + "\n" + rows_ + counts;
+}
+
+}  // namespace check

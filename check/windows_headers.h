@@ -1,0 +1,15 @@
+// The one place that knows the order in which the Windows headers must be included.
+#pragma once
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+
+#include <winsock2.h>
+
+#include <ws2tcpip.h>
+
+#include <windows.h>
