@@ -1,10 +1,7 @@
 # The host developer's kit, as `cmake --install` and `cpack` deliver it:
 #
-<<<<<<< HEAD
-#   bin/        VnDiscover.dll, vndiscover.exe, VnBrowser.exe, stripped, each with its debug symbols in a .debug file
-=======
-#   bin/        VnDiscover.dll, vndiscover.exe, windows_check.exe, stripped, each with its debug symbols in a .debug file
->>>>>>> origin/i14
+#   bin/        VnDiscover.dll, vndiscover.exe, VnBrowser.exe, windows_check.exe, stripped, each with its debug
+#               symbols in a .debug file
 #   include/    vndiscover.h
 #   lib/        libVnDiscover.dll.a (mingw), VnDiscover.lib (MSVC), pkgconfig/, cmake/VnDiscover/
 #   docs/ examples/
@@ -37,11 +34,7 @@ if(VNDISCOVER_SYMBOLS AND MINGW)
     _kit_symbols(-g vndiscover_core VnDiscover)
     # Functions and lines: all symbols of its templates would be ten times the size of the rest of the kit.
     _kit_symbols(-g1 vndiscover_host_model vndiscover_host_device vndiscover_host_cli vndiscover_host
-<<<<<<< HEAD
-                 vndiscover_host_window VnBrowser)
-=======
-                 windows_check_core windows_check)
->>>>>>> origin/i14
+                 vndiscover_host_window VnBrowser windows_check_core windows_check)
 endif()
 
 # _kit_program(TARGET NAME): the stripped program and its symbols in the stage.

@@ -109,8 +109,8 @@ void FactsList::SetImages() {
     const bool hasMarks = std::any_of(facts_.begin(), facts_.end(),
                                       [](const Fact& fact) { return fact.mark != Fact::kNone; });
     // The list owns the one that it has, and the caller the one that it had.
-    const HIMAGELIST old = ListView_SetImageList(
-        list_, hasMarks ? MakeMarks() : MakeRowSpace(dpi_), LVSIL_SMALL);
+    const HIMAGELIST old =
+        ListView_SetImageList(list_, hasMarks ? MakeMarks() : MakeRowSpace(dpi_), LVSIL_SMALL);
     if (old) ImageList_Destroy(old);
 }
 

@@ -94,8 +94,8 @@ class MainWindow {
     bool isShowing_ = false;  // selection is being set by us
     ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
     size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
-    std::string asked_;  // the address that is being asked; empty: none
-    std::wstring note_;  // instead of the status, until the next action
+    std::string asked_;                        // the address that is being asked; empty: none
+    std::wstring note_;                        // instead of the status, until the next action
     int exitCode_ = 0;
     // Last, so that their threads end before what they use does.
     EventQueue events_;
