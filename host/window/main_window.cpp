@@ -16,6 +16,7 @@
 #include "window/page_window.h"
 #include "window/pages.h"
 #include "window/resource.h"
+#include "window/snmp_dialog.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
@@ -29,8 +30,8 @@ constexpr UINT kStatusMs = 250;
 constexpr int kColumnWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
 // What most people look for is seen without scrolling.
 constexpr int kColumnOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
-constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET,       IDC_V1,    IDC_WSD,
-                        IDC_IPV4, IDC_IPV6,         IDC_FILTER_LABEL, IDC_FILTER};
+constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET, IDC_V1,           IDC_V3,
+                        IDC_WSD,  IDC_IPV4,         IDC_IPV6,   IDC_FILTER_LABEL, IDC_FILTER};
 constexpr int kGroupStarts[] = {IDC_PRESET_LABEL, IDC_V1, IDC_IPV4, IDC_FILTER_LABEL};
 constexpr const char* kPresets[] = {".1.3.6.1.4.1.5963.43.5.1.1.1.1", "hrDeviceDescr.1",
                                     "sysName.0"};
@@ -200,6 +201,7 @@ void MainWindow::CreateControls() {
         SendMessageW(preset, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Text(id).c_str()));
     SendMessageW(preset, CB_SETCURSEL, 0, 0);
     CreateControl(L"BUTTON", IDS_V1, kTick, IDC_V1);
+    CreateControl(L"BUTTON", IDS_V3, kTick, IDC_V3);
     CreateControl(L"BUTTON", IDS_WSD, kTick, IDC_WSD);
     CreateControl(L"BUTTON", IDS_IPV4, kTick, IDC_IPV4);
     CreateControl(L"BUTTON", IDS_IPV6, kTick, IDC_IPV6);
@@ -368,6 +370,9 @@ void MainWindow::OnCommand(int id, int code) {
         case IDM_WEB:
             OpenWebPage();
             break;
+        case IDM_SNMP:
+            AskCredentials(window_, credentials_);
+            break;
         case IDM_DOCTOR:
             ShowPage(Text(IDS_DOCTOR_TITLE), DoctorFacts(engine_.Report()));
             break;
@@ -503,10 +508,14 @@ std::vector<SweepStep> MainWindow::ChosenSteps() const {
     SweepStep step;
     step.credentials = credentials_;
     step.oid = *ParseOidOrName(kPresets[std::max<LRESULT>(0, preset)]);
-    for (const bool useIPv6 : {false, true}) {
-        if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4) || !IsTicked(IDC_V1)) continue;
-        step.useIPv6 = useIPv6;
-        steps.push_back(step);
+    for (const auto& [kind, tick] :
+         {std::pair(SweepKind::kSnmpV1, IDC_V1), std::pair(SweepKind::kSnmpV3, IDC_V3)}) {
+        for (const bool useIPv6 : {false, true}) {
+            if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4) || !IsTicked(tick)) continue;
+            step.kind = kind;
+            step.useIPv6 = useIPv6;
+            steps.push_back(step);
+        }
     }
     step = {};
     step.kind = SweepKind::kWsd;
@@ -522,6 +531,11 @@ void MainWindow::StartOrStop() {
         SetDlgItemTextW(window_, IDC_FIND, Text(IDS_STOPPING).c_str());
         ShowStatus();
         return;
+    }
+    // Whoever leaves the question about the user has not asked for SNMPv3.
+    if (IsTicked(IDC_V3) && !credentials_.security) {
+        AskCredentials(window_, credentials_);
+        if (!credentials_.security) CheckDlgButton(window_, IDC_V3, BST_UNCHECKED);
     }
     const std::vector<SweepStep> steps = ChosenSteps();
     if (steps.empty()) {

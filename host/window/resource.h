@@ -4,12 +4,14 @@
 
 #define IDR_MENU 100
 #define IDR_KEYS 101
+#define IDD_SNMP 102
 
 // Controls of the main window.
 #define IDC_FIND 200
 #define IDC_PRESET_LABEL 201
 #define IDC_PRESET 202
 #define IDC_V1 203
+#define IDC_V3 204
 #define IDC_WSD 205
 #define IDC_IPV4 206
 #define IDC_IPV6 207
@@ -20,6 +22,14 @@
 #define IDC_DETAILS_LABEL 212
 #define IDC_DETAILS 213
 #define IDC_STATUS 214
+
+// Controls of the dialog.
+#define IDC_COMMUNITY 230
+#define IDC_USER 231
+#define IDC_AUTH 232
+#define IDC_AUTH_PASSWORD 233
+#define IDC_PRIV 234
+#define IDC_PRIV_PASSWORD 235
 
 // Commands.
 #define IDM_OPEN 300
@@ -35,6 +45,7 @@
 #define IDM_ASK_ALL 321
 #define IDM_SPLIT 322
 #define IDM_WEB 323
+#define IDM_SNMP 330
 #define IDM_DOCTOR 331
 #define IDM_FILTER 332
 
@@ -48,6 +59,7 @@
 #define IDS_PRESET_PRINTERS 406
 #define IDS_PRESET_ALL 407
 #define IDS_V1 408
+#define IDS_V3 409
 #define IDS_WSD 410
 #define IDS_IPV4 411
 #define IDS_IPV6 412
@@ -118,5 +130,7 @@
 #define IDS_COMPARE_CHANGED 513
 #define IDS_COMPARE_EQUAL 514
 #define IDS_COMPARE_FIELD 515
+#define IDS_SNMP_BAD_USER 520
+#define IDS_NO_PROTOCOL 521
 
 #endif  // VNDISCOVER_HOST_WINDOW_RESOURCE_H

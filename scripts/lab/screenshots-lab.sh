@@ -37,15 +37,31 @@ sleep 4
 xdotool mousemove $((600 * dpi / 96)) $((690 * dpi / 96))
 Picture empty
 Key F5
-sleep 3
-Picture sweeping
-sleep 22
+sleep 12
 Key ctrl+shift+r
-sleep 25
+sleep 8
 Key Tab Tab Tab Tab Tab Tab Tab Home
-sleep 3
+sleep 2
 Picture printer
-Key ctrl+f
-xdotool type vn
+scan="$VNDISCOVER_LAB/scan.json"
+Key ctrl+s
 sleep 1
-Picture filter
+xdotool type "Z:$scan"
+Key Return
+sleep 2
+Key alt+t w
+sleep 2
+Picture doctor
+Key Escape alt+e l
+# One device is gone, the next scan has not asked the others.
+ip -n copy link set eth0 down
+Key F5
+sleep 12
+Key ctrl+shift+r
+sleep 8
+Key alt+f c
+sleep 1
+xdotool type "Z:$scan"
+Key Return
+sleep 2
+Picture compare

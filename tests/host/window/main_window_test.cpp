@@ -232,7 +232,7 @@ void CheckControls(HWND window) {
         const bool hasLabel = lstrcmpiW(type, L"static") == 0 && !TextOf(label).empty();
         EXPECT_TRUE(hasLabel || !TextOf(child).empty()) << id << " has no name";
     }
-    EXPECT_EQ(14u, places.size());
+    EXPECT_EQ(15u, places.size());
 }
 
 void Resize(HWND window, int width, int height, int dpi) {
@@ -267,7 +267,7 @@ TEST_F(MainWindowTest, TabReachesEveryControl) {
         reached.push_back(GetDlgCtrlID(control));
         control = GetNextDlgTabItem(window_->Handle(), control, FALSE);
     } while (control != Control(IDC_FIND) && reached.size() < 20);
-    EXPECT_EQ((std::vector<int>{IDC_FIND, IDC_PRESET, IDC_V1, IDC_WSD, IDC_IPV4, IDC_IPV6,
+    EXPECT_EQ((std::vector<int>{IDC_FIND, IDC_PRESET, IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6,
                                 IDC_FILTER, IDC_DEVICES, IDC_DETAILS}),
               reached);
 }
