@@ -32,6 +32,8 @@ constexpr int kColumnWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 1
 constexpr int kColumnOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
 constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET, IDC_V1,           IDC_V3,
                         IDC_WSD,  IDC_IPV4,         IDC_IPV6,   IDC_FILTER_LABEL, IDC_FILTER};
+constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
+constexpr uint32_t kDefaultTicks = 0b01101;  // SNMPv1, WS-Discovery, IPv4
 constexpr int kGroupStarts[] = {IDC_PRESET_LABEL, IDC_V1, IDC_IPV4, IDC_FILTER_LABEL};
 constexpr const char* kPresets[] = {".1.3.6.1.4.1.5963.43.5.1.1.1.1", "hrDeviceDescr.1",
                                     "sysName.0"};
@@ -89,6 +91,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     dpi_ = DpiOf(window_);
     CreateControls();
     SetFonts();
+    RestoreSettings();
     SetWindowPos(window_, nullptr, 0, 0, MulDiv(1100, dpi_, 96), MulDiv(620, dpi_, 96),
                  SWP_NOMOVE | SWP_NOZORDER);
     workers_ = std::make_unique<Workers>(engine_, events_);
@@ -153,6 +156,9 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                                                                      MulDiv(360, dpi_, 96)};
             return 0;
         case WM_DPICHANGED: {
+            for (size_t index = 0; index < kColumnCount; ++index)
+                settings_.widths[index] =
+                    MulDiv(ListView_GetColumnWidth(devices_, static_cast<int>(index)), 96, dpi_);
             dpi_ = HIWORD(wParam);
             SetFonts();
             const auto* place = reinterpret_cast<const RECT*>(lParam);
@@ -169,6 +175,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CLOSE:
             // The user sees it closed at once; a device may be waited for up to 12 s more.
             ShowWindow(window_, SW_HIDE);
+            StoreSettings();
             workers_.reset();
             DestroyWindow(window_);
             return 0;
@@ -199,13 +206,11 @@ void MainWindow::CreateControls() {
         CreateControl(L"COMBOBOX", 0, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, IDC_PRESET);
     for (const unsigned id : {IDS_PRESET_KNOWN, IDS_PRESET_PRINTERS, IDS_PRESET_ALL})
         SendMessageW(preset, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Text(id).c_str()));
-    SendMessageW(preset, CB_SETCURSEL, 0, 0);
     CreateControl(L"BUTTON", IDS_V1, kTick, IDC_V1);
     CreateControl(L"BUTTON", IDS_V3, kTick, IDC_V3);
     CreateControl(L"BUTTON", IDS_WSD, kTick, IDC_WSD);
     CreateControl(L"BUTTON", IDS_IPV4, kTick, IDC_IPV4);
     CreateControl(L"BUTTON", IDS_IPV6, kTick, IDC_IPV6);
-    for (const int id : {IDC_V1, IDC_WSD, IDC_IPV4}) CheckDlgButton(window_, id, BST_CHECKED);
     CreateControl(L"STATIC", IDS_FILTER, SS_CENTERIMAGE, IDC_FILTER_LABEL);
     CreateControl(L"EDIT", 0, ES_AUTOHSCROLL | WS_TABSTOP, IDC_FILTER, WS_EX_CLIENTEDGE);
     CreateControl(L"STATIC", IDS_DEVICES, SS_NOPREFIX, IDC_DEVICES_LABEL);
@@ -230,7 +235,6 @@ void MainWindow::CreateDeviceList() {
         column.pszText = heading.data();
         SendMessageW(devices_, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
     }
-    ListView_SetColumnOrderArray(devices_, kColumnCount, const_cast<int*>(kColumnOrder));
 }
 
 void MainWindow::SetFonts() {
@@ -240,10 +244,45 @@ void MainWindow::SetFonts() {
     if (space) ImageList_Destroy(space);
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
+    SetColumns();
+    if (old) DeleteObject(old);
+}
+
+void MainWindow::SetColumns() {
     for (size_t index = 0; index < kColumnCount; ++index)
         ListView_SetColumnWidth(devices_, static_cast<int>(index),
-                                MulDiv(kColumnWidths[index], dpi_, 96));
-    if (old) DeleteObject(old);
+                                MulDiv(settings_.widths[index], dpi_, 96));
+}
+
+void MainWindow::RestoreSettings() {
+    std::copy(std::begin(kColumnWidths), std::end(kColumnWidths), settings_.widths.begin());
+    std::copy(std::begin(kColumnOrder), std::end(kColumnOrder), settings_.order.begin());
+    settings_.ticks = kDefaultTicks;
+    // A script gets the same sweep, whoever used the window before.
+    if (!options_.exit) settings_ = LoadSettings().value_or(settings_);
+    for (size_t index = 0; index < std::size(kTicks); ++index)
+        CheckDlgButton(window_, kTicks[index], settings_.ticks >> index & 1);
+    SendDlgItemMessageW(window_, IDC_PRESET, CB_SETCURSEL, settings_.preset, 0);
+    std::array<int, kColumnCount> order{};
+    std::copy(settings_.order.begin(), settings_.order.end(), order.begin());
+    ListView_SetColumnOrderArray(devices_, kColumnCount, order.data());
+    SetColumns();
+}
+
+void MainWindow::StoreSettings() {
+    if (options_.exit) return;
+    settings_.ticks = 0;
+    for (size_t index = 0; index < std::size(kTicks); ++index)
+        settings_.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
+    settings_.preset =
+        static_cast<uint32_t>(SendDlgItemMessageW(window_, IDC_PRESET, CB_GETCURSEL, 0, 0));
+    std::array<int, kColumnCount> order{};
+    ListView_GetColumnOrderArray(devices_, kColumnCount, order.data());
+    std::copy(order.begin(), order.end(), settings_.order.begin());
+    for (size_t index = 0; index < kColumnCount; ++index)
+        settings_.widths[index] =
+            MulDiv(ListView_GetColumnWidth(devices_, static_cast<int>(index)), 96, dpi_);
+    KeepSettings(settings_);
 }
 
 int MainWindow::WidthOf(int id) const {
@@ -605,7 +644,7 @@ void MainWindow::OnIdle() {
             exitCode_ = answers_ != 0 ? kFound : kNone;
             if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kFailed;
             if (options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
-            options_ = {};
+            options_.sweep = false;
         }
     }
     if (!workers_->IsBusy()) KillTimer(window_, kStatusTimer);

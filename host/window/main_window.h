@@ -12,6 +12,7 @@
 #include "window/engine.h"
 #include "window/facts_list.h"
 #include "window/session.h"
+#include "window/settings.h"
 #include "window/workers.h"
 
 namespace vndiscover::host {
@@ -44,6 +45,9 @@ class MainWindow {
     HWND CreateControl(const wchar_t* type, unsigned text, DWORD style, int id, DWORD extended = 0);
     void CreateDeviceList();
     void SetFonts();
+    void SetColumns();
+    void RestoreSettings();
+    void StoreSettings();
     void Place();
     int WidthOf(int id) const;
 
@@ -87,7 +91,7 @@ class MainWindow {
     HFONT font_ = nullptr;
     HACCEL keys_ = nullptr;
     FactsList details_;
-    std::vector<Event> taken_;
+    Settings settings_;
     Credentials credentials_;
     int dpi_ = 96;
     bool isSweeping_ = false, isStopping_ = false, wasSwept_ = false, isStopped_ = false;

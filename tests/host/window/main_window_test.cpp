@@ -205,6 +205,23 @@ TEST_F(MainWindowTest, SweepsSavesAndExits) {
     EXPECT_TRUE(std::strstr(text, "10.77.1.1")) << text;
 }
 
+TEST_F(MainWindowTest, KeepsWhatTheUserChose) {
+    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
+    Open();
+    CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
+    ListView_SetColumnWidth(Control(IDC_DEVICES), 1, 222);
+    SendMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    Open();
+    EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
+    EXPECT_EQ(222, ListView_GetColumnWidth(Control(IDC_DEVICES), 1));
+    // A value that makes no sense is as none.
+    const char broken[88] = "x";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, broken, sizeof broken);
+    Open();
+    EXPECT_FALSE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
+    RegDeleteKeyW(HKEY_CURRENT_USER, kKey);
+}
+
 // Each control lies within the window, overlaps no other, and has a name: a text of its own or that
 // of the label in front of it.
 void CheckControls(HWND window) {
