@@ -43,10 +43,10 @@ sleep 8
 Key Tab Tab Tab Tab Tab Tab Tab Home
 sleep 2
 Picture printer
-scan="$VNDISCOVER_LAB/scan.json"
+scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # the system's dialog wants it so
 Key ctrl+s
 sleep 1
-xdotool type "Z:$scan"
+xdotool type "$scan"
 Key Return
 sleep 2
 Key alt+t w
@@ -61,7 +61,7 @@ Key ctrl+shift+r
 sleep 8
 Key alt+f c
 sleep 1
-xdotool type "Z:$scan"
+xdotool type "$scan"
 Key Return
 sleep 2
 Picture compare

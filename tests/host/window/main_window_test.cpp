@@ -6,6 +6,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <condition_variable>
 #include <cstring>
@@ -220,6 +221,38 @@ TEST_F(MainWindowTest, KeepsWhatTheUserChose) {
     Open();
     EXPECT_FALSE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
     RegDeleteKeyW(HKEY_CURRENT_USER, kKey);
+}
+
+// Another thread asks the window for a sign of life all the time.
+TEST_F(MainWindowTest, AnswersWhileManyDevicesCome) {
+    constexpr int kDevices = 8192;
+    Open();
+    Command(IDC_FIND);
+    std::atomic<bool> isOver{false}, isAskerOver{false};
+    std::atomic<ULONGLONG> worstMs{0};
+    std::thread asker([&, window = window_->Handle()] {
+        while (!isOver) {
+            const ULONGLONG start = GetTickCount64();
+            DWORD_PTR result = 0;
+            SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result);
+            worstMs = std::max<ULONGLONG>(worstMs, GetTickCount64() - start);
+            Sleep(50);
+        }
+        isAskerOver = true;
+    });
+    for (int device = 0; device < kDevices; ++device) {
+        engine_.Say("10.1." + std::to_string(device / 256) + "." + std::to_string(device % 256),
+                    "VN LaserPro " + std::to_string(device));
+        if (device % 64 == 0)
+            Until([start = GetTickCount64()] { return GetTickCount64() > start; });
+    }
+    EXPECT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == kDevices; }));
+    isOver = true;
+    Until([&] { return isAskerOver.load(); });
+    asker.join();
+    EXPECT_LT(worstMs, 1000u);  // 50 ms on an idle machine; much less than the time of all rows
+    engine_.End();
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"&Find"; }));
 }
 
 // Each control lies within the window, overlaps no other, and has a name: a text of its own or that
