@@ -329,6 +329,10 @@ void MainWindow::Place() {
         const Box& box = layout.bar[index];
         // The height of a combo box is that of its open list.
         move(kBar[index], box, kBar[index] == IDC_PRESET ? box.height * 6 : box.height);
+        if (kBar[index] == IDC_FILTER) {  // its text is at its top
+            const int height = std::min(box.height, input.textHeight + MulDiv(8, dpi_, 96));
+            move(IDC_FILTER, {box.x, box.y + (box.height - height) / 2, box.width, 0}, height);
+        }
         if (kBar[index] != IDC_PRESET) continue;
         RECT closed = {};
         const HWND preset = GetDlgItem(window_, IDC_PRESET);

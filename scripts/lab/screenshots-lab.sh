@@ -40,7 +40,7 @@ Key F5
 sleep 12
 Key ctrl+shift+r
 sleep 8
-Key Tab Tab Tab Tab Tab Tab Tab Home
+Key Tab Tab Tab Tab Tab Tab Tab Tab Home
 sleep 2
 Picture printer
 scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # the system's dialog wants it so
