@@ -18,6 +18,7 @@ class Page {
         type.lpfnWndProc = Procedure;
         type.hInstance = GetModuleHandleW(nullptr);
         type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+        type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
         type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
         type.lpszClassName = L"VnBrowserPage";
         RegisterClassW(&type);  // fails harmlessly when it is registered already

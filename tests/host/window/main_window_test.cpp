@@ -132,7 +132,7 @@ TEST_F(MainWindowTest, RowsComeWhileTheListIsSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));
     Command(IDC_FIND);
-    EXPECT_EQ(L"S&top", TextOf(Control(IDC_FIND)));
+    EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
     engine_.Say("10.77.1.10", "VN LaserPro 410");
     ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.10;"; }));
     engine_.Say("10.77.1.9", "VN InkLine 70");
@@ -147,7 +147,7 @@ TEST_F(MainWindowTest, RowsComeWhileTheListIsSortedAndFiltered) {
     SetWindowTextW(Control(IDC_FILTER), L"");
     EXPECT_EQ(L"10.77.1.30;10.77.1.10;10.77.1.9;", Addresses());
     Command(IDC_FIND);
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"&Find"; }));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Stopped after "));
 }
 
@@ -170,7 +170,7 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     EXPECT_EQ(L"10.77.1.1;10.77.1.2;10.77.1.3;", Addresses());
     EXPECT_EQ(0, Selected());
     engine_.End();
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"&Find"; }));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
 }
 
 TEST_F(MainWindowTest, ClosesInMidSweep) {
@@ -252,7 +252,7 @@ TEST_F(MainWindowTest, AnswersWhileManyDevicesCome) {
     asker.join();
     EXPECT_LT(worstMs, 1000u);  // 50 ms on an idle machine; much less than the time of all rows
     engine_.End();
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"&Find"; }));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
 }
 
 // Each control lies within the window, overlaps no other, and has a name: a text of its own or that
@@ -320,6 +320,30 @@ TEST_F(MainWindowTest, TabReachesEveryControl) {
     EXPECT_EQ((std::vector<int>{IDC_FIND, IDC_PRESET, IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6,
                                 IDC_FILTER, IDC_DEVICES, IDC_DETAILS}),
               reached);
+}
+
+// Alt and a letter is for one of the menus or for one control.
+TEST_F(MainWindowTest, NoLetterIsTakenTwice) {
+    Open();
+    std::wstring letters;
+    const auto take = [&](const std::wstring& text) {
+        const size_t mark = text.find(L'&');
+        if (mark == std::wstring::npos) return;
+        const wchar_t letter = static_cast<wchar_t>(towlower(text[mark + 1]));
+        EXPECT_EQ(std::wstring::npos, letters.find(letter)) << ToUtf8(text);
+        letters += letter;
+    };
+    const HMENU menu = GetMenu(window_->Handle());
+    for (UINT index = 0; index < 4; ++index) {
+        wchar_t text[40] = L"";
+        GetMenuStringW(menu, index, text, 40, MF_BYPOSITION);
+        take(text);
+    }
+    take(Text(IDS_STOP));  // on the same button as "Find"
+    for (HWND child = GetWindow(window_->Handle(), GW_CHILD); child;
+         child = GetWindow(child, GW_HWNDNEXT))
+        take(TextOf(child));
+    EXPECT_GE(letters.size(), 12u);
 }
 
 TEST(Strings, WhatIsPutInIsNoFormat) {
