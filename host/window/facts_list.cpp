@@ -121,7 +121,7 @@ void FactsList::Resize(const RECT& place, int dpi) {
     MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
                TRUE);
     const int width = place.right - place.left - GetSystemMetrics(SM_CXVSCROLL) - Scaled(6, dpi);
-    const int labels = std::min(Scaled(150, dpi), width / 2);
+    const int labels = std::min(Scaled(150, dpi), width / 3);
     ListView_SetColumnWidth(list_, 0, labels);
     ListView_SetColumnWidth(list_, 1, std::max(0, width - labels));
 }
