@@ -1,6 +1,7 @@
 # The host developer's kit, as `cmake --install` and `cpack` deliver it:
 #
-#   bin/        VnDiscover.dll, vndiscover.exe, windows_check.exe, stripped, each with its debug symbols in a .debug file
+#   bin/        VnDiscover.dll, vndiscover.exe, VnBrowser.exe, windows_check.exe, stripped, each with its debug
+#               symbols in a .debug file
 #   include/    vndiscover.h
 #   lib/        libVnDiscover.dll.a (mingw), VnDiscover.lib (MSVC), pkgconfig/, cmake/VnDiscover/
 #   docs/ examples/
@@ -33,7 +34,7 @@ if(VNDISCOVER_SYMBOLS AND MINGW)
     _kit_symbols(-g vndiscover_core VnDiscover)
     # Functions and lines: all symbols of its templates would be ten times the size of the rest of the kit.
     _kit_symbols(-g1 vndiscover_host_model vndiscover_host_device vndiscover_host_cli vndiscover_host
-                 windows_check_core windows_check)
+                 vndiscover_host_window VnBrowser windows_check_core windows_check)
 endif()
 
 # _kit_program(TARGET NAME): the stripped program and its symbols in the stage.
@@ -55,6 +56,7 @@ if(MINGW)
     _kit_program(VnDiscover VnDiscover.dll)
     if(TARGET vndiscover_host)
         _kit_program(vndiscover_host vndiscover.exe)
+        _kit_program(VnBrowser VnBrowser.exe)
     endif()
     _kit_program(windows_check windows_check.exe)
 else()
@@ -62,7 +64,7 @@ else()
     install(TARGETS VnDiscover RUNTIME DESTINATION bin)
     install(FILES $<TARGET_PDB_FILE:VnDiscover> DESTINATION bin OPTIONAL)
     if(TARGET vndiscover_host)
-        install(TARGETS vndiscover_host RUNTIME DESTINATION bin)
+        install(TARGETS vndiscover_host VnBrowser RUNTIME DESTINATION bin)
     endif()
     install(TARGETS windows_check RUNTIME DESTINATION bin)
 endif()

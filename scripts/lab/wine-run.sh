@@ -27,7 +27,9 @@ export WINEPREFIX=$VNDISCOVER_LAB/wine/$netns/prefix WINEDEBUG=${WINEDEBUG:--all
 # Without Wine's debugger, under which a program that crashes ends with exit code 0 instead of 5.
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:+$WINEDLLOVERRIDES;}winedbg.exe=d"
 export LC_ALL=C.UTF-8 # else Wine finds no name for a file that is not ASCII
+# No display, but for one that the caller made for it (before the first program of this prefix).
 unset DISPLAY WAYLAND_DISPLAY
+[ -z "${VNDISCOVER_WINE_DISPLAY:-}" ] || export DISPLAY=$VNDISCOVER_WINE_DISPLAY
 if [ -n "$stop" ]; then
     [ ! -e "$WINEPREFIX/system.reg" ] || exec "$(dirname "$WINE")/wineserver64" -k
     exit 0

@@ -17,6 +17,7 @@ NM, OBJDUMP = os.environ["NM"], os.environ["OBJDUMP"]
 FILES = """
     SHA256SUMS THIRD-PARTY-NOTICES.txt sbom.cdx.json
     bin/VnDiscover.dll bin/VnDiscover.dll.debug bin/vndiscover.exe bin/vndiscover.exe.debug
+    bin/VnBrowser.exe bin/VnBrowser.exe.debug
     bin/windows_check.exe bin/windows_check.exe.debug
     docs/architecture.md docs/host-guide.md docs/protocol-behaviours.md
     examples/CMakeLists.txt examples/c/sweep.c examples/cpp/worker_sweep.cpp examples/csharp/VnDiscover.cs
@@ -66,10 +67,14 @@ class Kit(unittest.TestCase):
         # iphlpapi, icmp and bcrypt are looked up at run time.
         system = "kernel32|msvcrt|ucrtbase|api-ms-win-crt-.*|ws2_32|advapi32|user32"
         for name, allowed in (("VnDiscover.dll", system), ("vndiscover.exe", system + "|shell32|ole32|oleaut32|vndiscover"),
+                              ("VnBrowser.exe", system + "|comctl32|comdlg32|gdi32|shell32|ole32|oleaut32|vndiscover"),
                               ("windows_check.exe", system + "|iphlpapi|bcrypt|psapi")):
             imported = re.findall(r"dll name: (.*)\.dll", run(OBJDUMP, "-p", KIT / "bin" / name).lower())
             self.assertTrue(imported)
             self.assertEqual([], [dll for dll in imported if not re.fullmatch(allowed, dll)], name)
+
+    def test_the_window_is_small(self):
+        self.assertLess((KIT / "bin/VnBrowser.exe").stat().st_size, 2 << 20)
 
     def test_programs_are_stripped_and_point_to_their_symbols(self):
         for name in ("VnDiscover.dll", "vndiscover.exe"):

@@ -1,0 +1,101 @@
+// Devices as rows of a table: what each column shows, in which order, and which row is selected.
+// It knows no window; the table may be a list on the screen, a file or the clipboard.
+#ifndef VNDISCOVER_HOST_MODEL_DEVICE_VIEW_H
+#define VNDISCOVER_HOST_MODEL_DEVICE_VIEW_H
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "model/computer.h"
+#include "model/found_device.h"
+#include "model/scan.h"
+
+namespace vndiscover::host {
+
+enum class Column {
+    kName,
+    kModel,
+    kAddress,
+    kSerial,
+    kMac,
+    kState,
+    kSupplies,   // the lowest one, "40 %"
+    kProtocols,  // that it answered over
+    kNetwork,    // of this computer, "10.77.1.0/24"
+    kLastSeen,   // UTC, as in ScanAnswer
+};
+constexpr size_t kColumnCount = 10;
+
+// All text is plain; empty: not known.
+struct DeviceRow {
+    std::vector<size_t> answers;  // as in FoundDevice
+    std::array<std::string, kColumnCount> texts;
+    std::string addressOrder;  // compares as the address's number does
+    std::optional<int> lowestSupply;
+
+    const std::string& Text(Column column) const { return texts[static_cast<size_t>(column)]; }
+    std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
+};
+
+// Bytes that compare as addresses do as numbers; IPv4 before IPv6 before names.
+std::string AddressOrder(const std::string& address);
+
+// The variables of a device that were asked for after a sweep.
+PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers);
+
+// Makes rows anew whenever answers have come; those of devices without a new answer are kept.
+class RowMaker {
+  public:
+    // Rows in the order of the devices.
+    std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
+                                const AdapterList& ipv4);
+
+  private:
+    std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
+};
+
+// The rows that a filter leaves, sorted. The selection stays with its device while rows come, go
+// and move, and while the filter hides it.
+class DeviceView {
+  public:
+    void SetRows(std::vector<DeviceRow> rows);
+    void Sort(Column column, bool isDescending);
+    Column SortColumn() const { return column_; }
+    bool IsDescending() const { return isDescending_; }
+    // Rows that hold every word of the text, in any letter case (of ASCII letters).
+    void Filter(const std::string& text);
+
+    size_t Count() const { return shown_.size(); }
+    size_t Total() const { return rows_.size(); }
+    const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
+
+    // A row of those shown; empty: none.
+    void Select(std::optional<size_t> index);
+    std::optional<size_t> Selected() const;
+    // The selected device, shown or hidden; null: none.
+    const DeviceRow* SelectedRow() const;
+
+  private:
+    bool Passes(const DeviceRow& row) const;
+    bool IsBefore(size_t one, size_t other) const;
+    void Arrange();
+
+    std::vector<DeviceRow> rows_;
+    std::vector<size_t> shown_;  // indexes in rows_
+    std::vector<std::string> words_;
+    Column column_ = Column::kAddress;
+    bool isDescending_ = false;
+    std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
+};
+
+// The shown rows as a CSV document: UTF-8 with its mark, CR LF, a heading first. A cell that a
+// spreadsheet would run as a formula gets an apostrophe in front.
+std::string CsvOf(const DeviceView& view, const std::array<std::string, kColumnCount>& headings);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_MODEL_DEVICE_VIEW_H

@@ -1,0 +1,163 @@
+#include "window/facts_list.h"
+
+#include <algorithm>
+
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr int kMarkSize = 16;
+constexpr int kBarWidth = 60;
+constexpr int kRowHeight = 18;
+
+int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
+
+// A sign in a box, in the colours of text: its shape tells, not its colour.
+HBITMAP DrawMark(HDC screen, int size, const wchar_t* sign) {
+    const HDC dc = CreateCompatibleDC(screen);
+    const HBITMAP bitmap = CreateCompatibleBitmap(screen, size, size);
+    const HGDIOBJ oldBitmap = SelectObject(dc, bitmap);
+    RECT all = {0, 0, size, size};
+    FillRect(dc, &all, GetSysColorBrush(COLOR_WINDOW));
+    RECT frame = {1, 1, size - 1, size - 1};
+    FrameRect(dc, &frame, GetSysColorBrush(COLOR_WINDOWTEXT));
+    const HFONT font = CreateFontW(-size * 3 / 4, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0,
+                                   CLEARTYPE_QUALITY, 0, L"Segoe UI");
+    const HGDIOBJ oldFont = SelectObject(dc, font);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+    DrawTextW(dc, sign, -1, &all, DT_CENTER | DT_VCENTER | DT_SINGLELINE);
+    SelectObject(dc, oldFont);
+    DeleteObject(font);
+    SelectObject(dc, oldBitmap);
+    DeleteDC(dc);
+    return bitmap;
+}
+
+}  // namespace
+
+void DrawBar(HDC dc, const RECT& cell, int percent, const std::wstring& text, bool isSelected,
+             int dpi) {
+    FillRect(dc, &cell, GetSysColorBrush(isSelected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
+    const int inset = Scaled(4, dpi);
+    const int rim = Scaled(3, dpi);
+    RECT bar = {cell.left + inset, cell.top + rim, cell.left + inset + Scaled(kBarWidth, dpi),
+                cell.bottom - rim};
+    bar.right = std::min(bar.right, cell.right - inset);
+    if (bar.right > bar.left) {
+        FrameRect(dc, &bar, GetSysColorBrush(isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
+        RECT full = bar;
+        InflateRect(&full, -2, -2);
+        full.right = full.left + MulDiv(full.right - full.left, percent, 100);
+        FillRect(dc, &full, GetSysColorBrush(isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_HIGHLIGHT));
+    }
+    RECT place = {bar.right + inset + 2, cell.top, cell.right - 2, cell.bottom};
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(isSelected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT));
+    DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
+              DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
+}
+
+HIMAGELIST MakeRowSpace(int dpi) {
+    return ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0);
+}
+
+void FactsList::Create(HWND parent, int id, const std::wstring& name) {
+    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
+                            WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
+                                LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                            0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                            GetModuleHandleW(nullptr), nullptr);
+    ListView_SetExtendedListViewStyle(list_,
+                                      LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
+    const unsigned headings[] = {IDS_FACT_WHAT, IDS_FACT_VALUE};
+    for (int index = 0; index < 2; ++index) {
+        std::wstring heading = Text(headings[index]);
+        LVCOLUMNW column = {};
+        column.mask = LVCF_TEXT | LVCF_WIDTH;
+        column.cx = 100;
+        column.pszText = heading.data();
+        SendMessageW(list_, LVM_INSERTCOLUMNW, static_cast<WPARAM>(index),
+                     reinterpret_cast<LPARAM>(&column));
+    }
+}
+
+void FactsList::Show(std::vector<Fact> facts) {
+    if (facts == facts_) return;
+    facts_ = std::move(facts);
+    SetImages();
+    ListView_SetItemCountEx(list_, static_cast<int>(facts_.size()), LVSICF_NOSCROLL);
+    InvalidateRect(list_, nullptr, FALSE);
+}
+
+HIMAGELIST FactsList::MakeMarks() const {
+    const int size = Scaled(kMarkSize, dpi_);
+    const HIMAGELIST marks = ImageList_Create(size, size, ILC_COLOR24, 3, 0);
+    const HDC screen = GetDC(nullptr);
+    for (const wchar_t* sign : {L"+", L"\x2212", L"\x2260"}) {
+        const HBITMAP bitmap = DrawMark(screen, size, sign);
+        ImageList_Add(marks, bitmap, nullptr);
+        DeleteObject(bitmap);
+    }
+    ReleaseDC(nullptr, screen);
+    return marks;
+}
+
+void FactsList::SetImages() {
+    const bool hasMarks = std::any_of(facts_.begin(), facts_.end(),
+                                      [](const Fact& fact) { return fact.mark != Fact::kNone; });
+    // The list owns the one that it has, and the caller the one that it had.
+    const HIMAGELIST old =
+        ListView_SetImageList(list_, hasMarks ? MakeMarks() : MakeRowSpace(dpi_), LVSIL_SMALL);
+    if (old) ImageList_Destroy(old);
+}
+
+void FactsList::Resize(const RECT& place, int dpi) {
+    const bool isNew = dpi != dpi_;
+    dpi_ = dpi;
+    if (isNew) SetImages();
+    MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
+               TRUE);
+    const int width = place.right - place.left - GetSystemMetrics(SM_CXVSCROLL) - Scaled(6, dpi);
+    const int labels = std::min(Scaled(150, dpi), width / 3);
+    ListView_SetColumnWidth(list_, 0, labels);
+    ListView_SetColumnWidth(list_, 1, std::max(0, width - labels));
+}
+
+LRESULT FactsList::OnNotify(NMHDR* header) {
+    if (header->code == LVN_GETDISPINFOW) {
+        LVITEMW& item = reinterpret_cast<NMLVDISPINFOW*>(header)->item;
+        if (static_cast<size_t>(item.iItem) >= facts_.size()) return 0;
+        const Fact& fact = facts_[static_cast<size_t>(item.iItem)];
+        if (item.mask & LVIF_TEXT)
+            lstrcpynW(item.pszText, (item.iSubItem == 0 ? fact.label : fact.text).c_str(),
+                      item.cchTextMax);
+        if (item.mask & LVIF_IMAGE) item.iImage = fact.mark - 1;
+        return 0;
+    }
+    if (header->code != NM_CUSTOMDRAW) return 0;
+    auto* draw = reinterpret_cast<NMLVCUSTOMDRAW*>(header);
+    const auto row = static_cast<size_t>(draw->nmcd.dwItemSpec);
+    switch (draw->nmcd.dwDrawStage) {
+        case CDDS_PREPAINT:
+            return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT:
+            return CDRF_NOTIFYSUBITEMDRAW;
+        case CDDS_ITEMPREPAINT | CDDS_SUBITEM: {
+            if (draw->iSubItem != 1 || row >= facts_.size() || !facts_[row].percent)
+                return CDRF_DODEFAULT;
+            RECT cell = {};
+            ListView_GetSubItemRect(list_, static_cast<int>(row), 1, LVIR_BOUNDS, &cell);
+            const bool isSelected =
+                ListView_GetItemState(list_, static_cast<int>(row), LVIS_SELECTED) != 0;
+            DrawBar(draw->nmcd.hdc, cell, *facts_[row].percent, facts_[row].text, isSelected, dpi_);
+            return CDRF_SKIPDEFAULT;
+        }
+        default:
+            return CDRF_DODEFAULT;
+    }
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,46 @@
+// VnBrowser.exe: a window in which devices appear, and the example of a host with a user interface.
+//
+//   VnBrowser.exe [--sweep [--save FILE] [--exit]]
+//
+// With --exit nothing is shown. Exit codes: 0 devices answered, 1 none, 2 wrong usage or the file
+// could not be saved.
+#include <windows.h>
+
+#include <exception>
+
+#include "platform/wide_text.h"
+#include "window/main_window.h"
+#include "window/module_engine.h"
+
+namespace {
+
+bool ReadOptions(vndiscover::host::StartOptions& options) {
+    const auto words = vndiscover::host::CommandLineArguments();
+    for (size_t index = 0; index < words.size(); ++index) {
+        if (words[index] == "--sweep") {
+            options.sweep = true;
+        } else if (words[index] == "--exit") {
+            options.exit = true;
+        } else if (words[index] == "--save" && index + 1 < words.size()) {
+            options.savePath = words[++index];
+        } else {
+            return false;
+        }
+    }
+    return options.sweep || (options.savePath.empty() && !options.exit);
+}
+
+}  // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+    constexpr int kWrongUsage = 2;
+    try {
+        vndiscover::host::StartOptions options;
+        if (!ReadOptions(options)) return kWrongUsage;
+        vndiscover::host::ModuleEngine engine;
+        vndiscover::host::MainWindow window(engine, options);
+        return window.Run();
+    } catch (const std::exception&) {
+        return kWrongUsage;
+    }
+}

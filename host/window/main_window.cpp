@@ -1,0 +1,790 @@
+#include "window/main_window.h"
+
+#include <commctrl.h>
+#include <commdlg.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "model/scan_file.h"
+#include "platform/saved_file.h"
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+#include "window/dpi.h"
+#include "window/layout.h"
+#include "window/page_window.h"
+#include "window/pages.h"
+#include "window/resource.h"
+#include "window/snmp_dialog.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr UINT kEvents = WM_APP + 1;
+constexpr UINT_PTR kFrameTimer = 1;
+constexpr UINT_PTR kStatusTimer = 2;
+constexpr UINT kFrameMs = 100;
+constexpr UINT kStatusMs = 250;
+constexpr int kColumnWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
+// What most people look for is seen without scrolling.
+constexpr int kColumnOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
+constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET, IDC_V1,           IDC_V3,
+                        IDC_WSD,  IDC_IPV4,         IDC_IPV6,   IDC_FILTER_LABEL, IDC_FILTER};
+constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
+constexpr uint32_t kDefaultTicks = 0b01101;  // SNMPv1, WS-Discovery, IPv4
+constexpr int kGroupStarts[] = {IDC_PRESET_LABEL, IDC_V1, IDC_IPV4, IDC_FILTER_LABEL};
+constexpr const char* kPresets[] = {".1.3.6.1.4.1.5963.43.5.1.1.1.1", "hrDeviceDescr.1",
+                                    "sysName.0"};
+
+enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };
+
+std::wstring WindowText(HWND window) {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(
+        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+// Asks for a file; empty: none was chosen.
+std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving) {
+    const std::wstring pattern = std::wstring(L"*.") + extension;
+    std::wstring filter = Text(kind) + L'\0' + pattern + L'\0';
+    wchar_t path[1024] = L"";
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof dialog;
+    dialog.hwndOwner = owner;
+    dialog.lpstrFilter = filter.c_str();
+    dialog.lpstrFile = path;
+    dialog.nMaxFile = 1024;
+    dialog.lpstrDefExt = extension;
+    dialog.Flags = OFN_NOCHANGEDIR | OFN_HIDEREADONLY |
+                   (isForSaving ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
+    const BOOL isChosen = isForSaving ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
+    return isChosen ? ToUtf8(path) : "";
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Engine& engine, StartOptions options)
+    : engine_(engine),
+      options_(std::move(options)),
+      events_([this] { PostMessageW(window_, kEvents, 0, 0); }) {
+    const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
+    InitCommonControlsEx(&controls);
+    WNDCLASSW type = {};
+    type.lpfnWndProc = Procedure;
+    type.hInstance = GetModuleHandleW(nullptr);
+    type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+    type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
+    type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    type.lpszClassName = L"VnBrowser";
+    RegisterClassW(&type);  // fails harmlessly when it is registered already
+    keys_ = LoadAcceleratorsW(type.hInstance, MAKEINTRESOURCEW(IDR_KEYS));
+    window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, Text(IDS_TITLE).c_str(),
+                              WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
+                              0, 0, nullptr, LoadMenuW(type.hInstance, MAKEINTRESOURCEW(IDR_MENU)),
+                              type.hInstance, nullptr);
+    if (!window_) throw std::runtime_error("there can be no window here");
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    dpi_ = DpiOf(window_);
+    CreateControls();
+    SetFonts();
+    RestoreSettings();
+    SetWindowPos(window_, nullptr, 0, 0, MulDiv(1100, dpi_, 96), MulDiv(620, dpi_, 96),
+                 SWP_NOMOVE | SWP_NOZORDER);
+    workers_ = std::make_unique<Workers>(engine_, events_);
+    session_.SetAdapters(engine_.IPv4());
+    ShowRows();
+    ShowStatus();
+    if (!options_.exit) ShowWindow(window_, SW_SHOWDEFAULT);
+    SetFocus(GetDlgItem(window_, IDC_FIND));
+    if (options_.sweep) StartOrStop();
+}
+
+MainWindow::~MainWindow() {
+    workers_.reset();
+    if (window_) DestroyWindow(window_);
+    if (font_) DeleteObject(font_);
+}
+
+int MainWindow::Run() {
+    MSG message;
+    while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
+    return exitCode_;
+}
+
+void MainWindow::Dispatch(MSG& message) {
+    // Ctrl+C belongs to a text while one is edited.
+    if (message.message == WM_KEYDOWN && message.hwnd == devices_ && message.wParam == 'C' &&
+        GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) >= 0) {
+        OnCommand(IDM_COPY_ROW, 0);
+        return;
+    }
+    if (TranslateAcceleratorW(window_, keys_, &message)) return;
+    const HWND active = GetActiveWindow();
+    if (IsDialogMessageW(active ? active : window_, &message)) return;
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+}
+
+LRESULT CALLBACK MainWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    return self ? self->OnMessage(message, wParam, lParam)
+                : DefWindowProcW(window, message, wParam, lParam);
+}
+
+LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case kEvents:
+            // The queue stays filled until then, so that one frame takes all that comes.
+            SetTimer(window_, kFrameTimer, kFrameMs, nullptr);
+            return 0;
+        case WM_TIMER:
+            if (wParam == kFrameTimer) OnFrame();
+            if (wParam == kStatusTimer) {
+                if (isStopping_) workers_->Stop();  // again: the first may have come too early
+                ShowStatus();
+            }
+            return 0;
+        case WM_SIZE:
+            Place();
+            return 0;
+        case WM_GETMINMAXINFO:
+            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {MulDiv(520, dpi_, 96),
+                                                                     MulDiv(360, dpi_, 96)};
+            return 0;
+        case WM_DPICHANGED: {
+            for (size_t index = 0; index < kColumnCount; ++index)
+                settings_.widths[index] =
+                    MulDiv(ListView_GetColumnWidth(devices_, static_cast<int>(index)), 96, dpi_);
+            dpi_ = HIWORD(wParam);
+            SetFonts();
+            const auto* place = reinterpret_cast<const RECT*>(lParam);
+            SetWindowPos(window_, nullptr, place->left, place->top, place->right - place->left,
+                         place->bottom - place->top, SWP_NOZORDER | SWP_NOACTIVATE);
+            Place();
+            return 0;
+        }
+        case WM_COMMAND:
+            OnCommand(LOWORD(wParam), HIWORD(wParam));
+            return 0;
+        case WM_NOTIFY:
+            return OnNotify(reinterpret_cast<NMHDR*>(lParam));
+        case WM_CLOSE:
+            // The user sees it closed at once; a device may be waited for up to 12 s more.
+            ShowWindow(window_, SW_HIDE);
+            StoreSettings();
+            workers_.reset();
+            DestroyWindow(window_);
+            return 0;
+        case WM_DESTROY:
+            SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+            window_ = nullptr;
+            PostQuitMessage(0);
+            return 0;
+        default:
+            return DefWindowProcW(window_, message, wParam, lParam);
+    }
+}
+
+HWND MainWindow::CreateControl(const wchar_t* type, unsigned text, DWORD style, int id,
+                               DWORD extended) {
+    return CreateWindowExW(extended, type, text ? Text(text).c_str() : L"",
+                           WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, window_,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                           GetModuleHandleW(nullptr), nullptr);
+}
+
+// In the order of the Tab key. A screen reader takes a label in front of a control for its name.
+void MainWindow::CreateControls() {
+    constexpr DWORD kTick = BS_AUTOCHECKBOX | WS_TABSTOP;
+    CreateControl(L"BUTTON", IDS_FIND, BS_PUSHBUTTON | WS_TABSTOP, IDC_FIND);
+    CreateControl(L"STATIC", IDS_PRESET_LABEL, SS_CENTERIMAGE, IDC_PRESET_LABEL);
+    const HWND preset =
+        CreateControl(L"COMBOBOX", 0, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, IDC_PRESET);
+    for (const unsigned id : {IDS_PRESET_KNOWN, IDS_PRESET_PRINTERS, IDS_PRESET_ALL})
+        SendMessageW(preset, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Text(id).c_str()));
+    CreateControl(L"BUTTON", IDS_V1, kTick, IDC_V1);
+    CreateControl(L"BUTTON", IDS_V3, kTick, IDC_V3);
+    CreateControl(L"BUTTON", IDS_WSD, kTick, IDC_WSD);
+    CreateControl(L"BUTTON", IDS_IPV4, kTick, IDC_IPV4);
+    CreateControl(L"BUTTON", IDS_IPV6, kTick, IDC_IPV6);
+    CreateControl(L"STATIC", IDS_FILTER, SS_CENTERIMAGE, IDC_FILTER_LABEL);
+    CreateControl(L"EDIT", 0, ES_AUTOHSCROLL | WS_TABSTOP, IDC_FILTER, WS_EX_CLIENTEDGE);
+    CreateControl(L"STATIC", IDS_DEVICES, SS_NOPREFIX, IDC_DEVICES_LABEL);
+    CreateDeviceList();
+    CreateControl(L"STATIC", IDS_DETAILS, SS_NOPREFIX, IDC_DETAILS_LABEL);
+    details_.Create(window_, IDC_DETAILS, Text(IDS_DETAILS));
+    CreateControl(STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
+}
+
+void MainWindow::CreateDeviceList() {
+    devices_ =
+        CreateControl(WC_LISTVIEWW, IDS_DEVICES,
+                      LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_TABSTOP,
+                      IDC_DEVICES, WS_EX_CLIENTEDGE);
+    ListView_SetExtendedListViewStyle(devices_, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER |
+                                                    LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
+    for (size_t index = 0; index < kColumnCount; ++index) {
+        std::wstring heading = Text(IDS_COLUMN_NAME + static_cast<unsigned>(index));
+        LVCOLUMNW column = {};
+        column.mask = LVCF_TEXT | LVCF_WIDTH;
+        column.cx = MulDiv(kColumnWidths[index], dpi_, 96);
+        column.pszText = heading.data();
+        SendMessageW(devices_, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
+    }
+}
+
+void MainWindow::SetFonts() {
+    const HFONT old = font_;
+    font_ = MakeMessageFont(dpi_);
+    const HIMAGELIST space = ListView_SetImageList(devices_, MakeRowSpace(dpi_), LVSIL_SMALL);
+    if (space) ImageList_Destroy(space);
+    for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
+    SetColumns();
+    if (old) DeleteObject(old);
+}
+
+void MainWindow::SetColumns() {
+    for (size_t index = 0; index < kColumnCount; ++index)
+        ListView_SetColumnWidth(devices_, static_cast<int>(index),
+                                MulDiv(settings_.widths[index], dpi_, 96));
+}
+
+void MainWindow::RestoreSettings() {
+    std::copy(std::begin(kColumnWidths), std::end(kColumnWidths), settings_.widths.begin());
+    std::copy(std::begin(kColumnOrder), std::end(kColumnOrder), settings_.order.begin());
+    settings_.ticks = kDefaultTicks;
+    // A script gets the same sweep, whoever used the window before.
+    if (!options_.exit) settings_ = LoadSettings().value_or(settings_);
+    for (size_t index = 0; index < std::size(kTicks); ++index)
+        CheckDlgButton(window_, kTicks[index], settings_.ticks >> index & 1);
+    SendDlgItemMessageW(window_, IDC_PRESET, CB_SETCURSEL, settings_.preset, 0);
+    std::array<int, kColumnCount> order{};
+    std::copy(settings_.order.begin(), settings_.order.end(), order.begin());
+    ListView_SetColumnOrderArray(devices_, kColumnCount, order.data());
+    SetColumns();
+}
+
+void MainWindow::StoreSettings() {
+    if (options_.exit) return;
+    settings_.ticks = 0;
+    for (size_t index = 0; index < std::size(kTicks); ++index)
+        settings_.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
+    settings_.preset =
+        static_cast<uint32_t>(SendDlgItemMessageW(window_, IDC_PRESET, CB_GETCURSEL, 0, 0));
+    std::array<int, kColumnCount> order{};
+    ListView_GetColumnOrderArray(devices_, kColumnCount, order.data());
+    std::copy(order.begin(), order.end(), settings_.order.begin());
+    for (size_t index = 0; index < kColumnCount; ++index)
+        settings_.widths[index] =
+            MulDiv(ListView_GetColumnWidth(devices_, static_cast<int>(index)), 96, dpi_);
+    KeepSettings(settings_);
+}
+
+int MainWindow::WidthOf(int id) const {
+    const auto scaled = [&](int pixels) { return MulDiv(pixels, dpi_, 96); };
+    if (id == IDC_FILTER) return scaled(150);
+    std::wstring text = WindowText(GetDlgItem(window_, id));
+    if (id == IDC_PRESET) text = Text(IDS_PRESET_KNOWN);
+    if (id == IDC_FIND) text = Text(IDS_STOPPING);  // its longest: it does not move the others
+    const HDC dc = GetDC(window_);
+    const HGDIOBJ old = SelectObject(dc, font_);
+    RECT size = {};
+    DrawTextW(dc, text.c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
+    SelectObject(dc, old);
+    ReleaseDC(window_, dc);
+    if (id == IDC_FIND) return size.right + scaled(36);
+    if (id == IDC_PRESET) return size.right + scaled(44);
+    return size.right + (id == IDC_PRESET_LABEL || id == IDC_FILTER_LABEL ? 2 : scaled(26));
+}
+
+void MainWindow::Place() {
+    RECT client = {}, status = {};
+    GetClientRect(window_, &client);
+    const HWND statusBar = GetDlgItem(window_, IDC_STATUS);
+    SendMessageW(statusBar, WM_SIZE, 0, 0);
+    GetWindowRect(statusBar, &status);
+    LayoutInput input;
+    input.width = client.right;
+    input.height = client.bottom;
+    input.statusHeight = status.bottom - status.top;
+    input.dpi = dpi_;
+    LOGFONTW font = {};
+    GetObjectW(font_, sizeof font, &font);
+    input.textHeight = MulDiv(std::abs(font.lfHeight), 4, 3);
+    for (const int id : kBar) {
+        input.barWidths.push_back(WidthOf(id));
+        input.startsGroup.push_back(
+            std::count(std::begin(kGroupStarts), std::end(kGroupStarts), id) != 0);
+    }
+    const Layout layout = Arrange(input);
+    const auto move = [&](int id, const Box& box, int height) {
+        MoveWindow(GetDlgItem(window_, id), box.x, box.y, box.width, height, TRUE);
+    };
+    for (size_t index = 0; index < layout.bar.size(); ++index) {
+        const Box& box = layout.bar[index];
+        // The height of a combo box is that of its open list.
+        move(kBar[index], box, kBar[index] == IDC_PRESET ? box.height * 6 : box.height);
+        if (kBar[index] == IDC_FILTER) {  // its text is at its top
+            const int height = std::min(box.height, input.textHeight + MulDiv(8, dpi_, 96));
+            move(IDC_FILTER, {box.x, box.y + (box.height - height) / 2, box.width, 0}, height);
+        }
+        if (kBar[index] != IDC_PRESET) continue;
+        RECT closed = {};
+        const HWND preset = GetDlgItem(window_, IDC_PRESET);
+        GetWindowRect(preset, &closed);
+        const int space = box.height - (closed.bottom - closed.top);
+        SetWindowPos(preset, nullptr, box.x, box.y + std::max(0, space / 2), 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER);
+    }
+    move(IDC_DEVICES_LABEL, layout.devicesLabel, layout.devicesLabel.height);
+    move(IDC_DEVICES, layout.devices, layout.devices.height);
+    move(IDC_DETAILS_LABEL, layout.detailsLabel, layout.detailsLabel.height);
+    const Box& details = layout.details;
+    details_.Resize({details.x, details.y, details.x + details.width, details.y + details.height},
+                    dpi_);
+}
+
+bool MainWindow::IsTicked(int id) const { return IsDlgButtonChecked(window_, id) == BST_CHECKED; }
+
+void MainWindow::OnCommand(int id, int code) {
+    const bool isFromControl = id < IDM_OPEN;
+    if (id == IDC_FILTER && code == EN_CHANGE) {
+        session_.view.Filter(ToUtf8(WindowText(GetDlgItem(window_, IDC_FILTER))));
+        ShowRows();
+    }
+    if (isFromControl && id != IDC_FIND && id != IDCANCEL) return;
+    note_.clear();
+    const DeviceRow* row = session_.view.SelectedRow();
+    switch (id) {
+        case IDC_FIND:
+            StartOrStop();
+            break;
+        case IDCANCEL:  // Esc
+            if (isSweeping_) StartOrStop();
+            break;
+        case IDM_OPEN:
+            Open();
+            break;
+        case IDM_SAVE:
+            Save();
+            break;
+        case IDM_COMPARE:
+            Compare();
+            break;
+        case IDM_CSV:
+            SaveCsv();
+            break;
+        case IDM_EXIT:
+            PostMessageW(window_, WM_CLOSE, 0, 0);
+            break;
+        case IDM_COPY_CELL:
+            if (row) CopyText(ToWide(row->Text(Column::kAddress)));
+            break;
+        case IDM_COPY_ROW:
+            if (row) CopyText(RowText(*row));
+            break;
+        case IDM_COPY_TABLE:
+            CopyTable();
+            break;
+        case IDM_FILTER:
+            SetFocus(GetDlgItem(window_, IDC_FILTER));
+            break;
+        case IDM_CLEAR:
+            if (isSweeping_ || !asked_.empty()) break;  // what still comes belongs to it
+            session_.Clear();
+            wasSwept_ = false;
+            session_.Refresh();
+            ShowRows();
+            break;
+        case IDM_ASK:
+            AskSelected(true);
+            break;
+        case IDM_ASK_ALL:
+            AskAll();
+            break;
+        case IDM_SPLIT:
+            if (row && session_.Split(*row) && session_.Refresh()) ShowRows();
+            break;
+        case IDM_WEB:
+            OpenWebPage();
+            break;
+        case IDM_SNMP:
+            AskCredentials(window_, credentials_);
+            break;
+        case IDM_DOCTOR:
+            ShowPage(Text(IDS_DOCTOR_TITLE), DoctorFacts(engine_.Report()));
+            break;
+        default:
+            break;
+    }
+    if (window_) ShowStatus();
+}
+
+LRESULT MainWindow::OnNotify(NMHDR* header) {
+    if (header->idFrom == IDC_DETAILS) return details_.OnNotify(header);
+    return header->idFrom == IDC_DEVICES ? OnDeviceNotify(header) : 0;
+}
+
+LRESULT MainWindow::OnDeviceNotify(NMHDR* header) {
+    switch (header->code) {
+        case LVN_GETDISPINFOW:
+            FillCell(reinterpret_cast<NMLVDISPINFOW*>(header)->item);
+            return 0;
+        case LVN_COLUMNCLICK:
+            ClickColumn(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem);
+            return 0;
+        case LVN_ITEMCHANGED:
+            if (!isShowing_) OnSelected();
+            return 0;
+        case LVN_GETEMPTYMARKUP: {
+            auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
+            const unsigned text = session_.view.Total() != 0  ? IDS_ALL_HIDDEN
+                                  : wasSwept_ && !isSweeping_ ? IDS_NONE_FOUND
+                                                              : IDS_EMPTY;
+            markup->dwFlags = EMF_CENTERED;
+            lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
+            return TRUE;
+        }
+        case NM_CUSTOMDRAW:
+            return DrawCell(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
+        default:
+            return 0;
+    }
+}
+
+void MainWindow::FillCell(LVITEMW& item) {
+    if (!(item.mask & LVIF_TEXT)) return;
+    const auto row = static_cast<size_t>(item.iItem);
+    if (row >= session_.view.Count()) return;
+    const auto column = static_cast<Column>(item.iSubItem);
+    const std::string& text = session_.view.Row(row).Text(column);
+    const bool isTime = column == Column::kLastSeen;
+    lstrcpynW(item.pszText, (isTime ? LocalTime(text) : ToWide(text)).c_str(), item.cchTextMax);
+}
+
+LRESULT MainWindow::DrawCell(NMLVCUSTOMDRAW& draw) {
+    const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
+    const auto column = static_cast<int>(Column::kSupplies);
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT:
+            return CDRF_NOTIFYITEMDRAW;
+        case CDDS_ITEMPREPAINT:
+            return CDRF_NOTIFYSUBITEMDRAW;
+        case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
+            break;
+        default:
+            return CDRF_DODEFAULT;
+    }
+    if (draw.iSubItem != column || row >= session_.view.Count()) return CDRF_DODEFAULT;
+    const DeviceRow& device = session_.view.Row(row);
+    if (!device.lowestSupply) return CDRF_DODEFAULT;
+    RECT cell = {};
+    ListView_GetSubItemRect(devices_, static_cast<int>(row), column, LVIR_BOUNDS, &cell);
+    const bool isSelected =
+        ListView_GetItemState(devices_, static_cast<int>(row), LVIS_SELECTED) != 0;
+    DrawBar(draw.nmcd.hdc, cell, *device.lowestSupply, ToWide(device.Text(Column::kSupplies)),
+            isSelected, dpi_);
+    return CDRF_SKIPDEFAULT;
+}
+
+void MainWindow::ClickColumn(int column) {
+    const auto chosen = static_cast<Column>(column);
+    DeviceView& view = session_.view;
+    view.Sort(chosen, view.SortColumn() == chosen && !view.IsDescending());
+    ShowRows();
+}
+
+void MainWindow::OnSelected() {
+    const int row = ListView_GetNextItem(devices_, -1, LVNI_SELECTED);
+    if (row < 0) return;  // between two rows; what is chosen stays until another one is
+    session_.view.Select(static_cast<size_t>(row));
+    details_.Show(DetailFacts(session_));
+    AskSelected(false);
+}
+
+// Rows, selection, headings and details as the session has them now.
+void MainWindow::ShowRows() {
+    isShowing_ = true;
+    const DeviceView& view = session_.view;
+    ListView_SetItemCountEx(devices_, static_cast<int>(view.Count()), LVSICF_NOSCROLL);
+    const auto selected = view.Selected();
+    const int shown = ListView_GetNextItem(devices_, -1, LVNI_SELECTED);
+    if (shown != (selected ? static_cast<int>(*selected) : -1)) {
+        ListView_SetItemState(devices_, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+        if (selected)
+            ListView_SetItemState(devices_, static_cast<int>(*selected),
+                                  LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    }
+    const HWND header = ListView_GetHeader(devices_);
+    for (int column = 0; column < static_cast<int>(kColumnCount); ++column) {
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column),
+                     reinterpret_cast<LPARAM>(&item));
+        const int old = item.fmt;
+        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (column == static_cast<int>(view.SortColumn()))
+            item.fmt |= view.IsDescending() ? HDF_SORTDOWN : HDF_SORTUP;
+        if (item.fmt != old)
+            SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(column),
+                         reinterpret_cast<LPARAM>(&item));
+    }
+    const std::wstring count = std::to_wstring(view.Count());
+    const std::wstring title = view.Count() == view.Total()
+                                   ? Text(IDS_SHOWN, {count})
+                                   : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
+    const HWND label = GetDlgItem(window_, IDC_DEVICES_LABEL);
+    if (WindowText(label) != title) SetWindowTextW(label, title.c_str());
+    InvalidateRect(devices_, nullptr, FALSE);
+    details_.Show(DetailFacts(session_));
+    isShowing_ = false;
+}
+
+std::vector<SweepStep> MainWindow::ChosenSteps() const {
+    std::vector<SweepStep> steps;
+    const LRESULT preset = SendDlgItemMessageW(window_, IDC_PRESET, CB_GETCURSEL, 0, 0);
+    SweepStep step;
+    step.credentials = credentials_;
+    step.oid = *ParseOidOrName(kPresets[std::max<LRESULT>(0, preset)]);
+    for (const auto& [kind, tick] :
+         {std::pair(SweepKind::kSnmpV1, IDC_V1), std::pair(SweepKind::kSnmpV3, IDC_V3)}) {
+        for (const bool useIPv6 : {false, true}) {
+            if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4) || !IsTicked(tick)) continue;
+            step.kind = kind;
+            step.useIPv6 = useIPv6;
+            steps.push_back(step);
+        }
+    }
+    step = {};
+    step.kind = SweepKind::kWsd;
+    if (IsTicked(IDC_WSD) && IsTicked(IDC_IPV4)) steps.push_back(step);
+    return steps;
+}
+
+void MainWindow::StartOrStop() {
+    note_.clear();
+    if (isSweeping_) {
+        isStopping_ = isStopped_ = true;
+        workers_->Stop();
+        SetDlgItemTextW(window_, IDC_FIND, Text(IDS_STOPPING).c_str());
+        ShowStatus();
+        return;
+    }
+    // Whoever leaves the question about the user has not asked for SNMPv3.
+    if (IsTicked(IDC_V3) && !credentials_.security) {
+        AskCredentials(window_, credentials_);
+        if (!credentials_.security) CheckDlgButton(window_, IDC_V3, BST_UNCHECKED);
+    }
+    const std::vector<SweepStep> steps = ChosenSteps();
+    if (steps.empty()) {
+        note_ = Text(IDS_NOTHING_CHOSEN);
+        ShowStatus();
+        return;
+    }
+    const AdapterList adapters = engine_.IPv4();
+    session_.SetAdapters(adapters);
+    sweptAddresses_ = adapters.addresses.size();
+    startMs_ = GetTickCount64();
+    answers_ = 0;
+    isSweeping_ = wasSwept_ = true;
+    isStopping_ = isStopped_ = false;
+    workers_->Sweep(steps);
+    SetDlgItemTextW(window_, IDC_FIND, Text(IDS_STOP).c_str());
+    SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
+    ShowStatus();
+}
+
+void MainWindow::AskSelected(bool isAgain) {
+    const DeviceRow* row = session_.view.SelectedRow();
+    if (!row || (!isAgain && session_.WasAsked(*row))) return;
+    auto target = session_.TargetOf(*row);
+    if (!target || target->address == asked_) return;
+    target->credentials = credentials_;
+    workers_->Ask(*target, true);
+}
+
+void MainWindow::AskAll() {
+    for (size_t index = 0; index < session_.view.Count(); ++index) {
+        const DeviceRow& row = session_.view.Row(index);
+        auto target = session_.TargetOf(row);
+        if (!target || session_.WasAsked(row)) continue;
+        target->credentials = credentials_;
+        workers_->Ask(*target, false);
+    }
+}
+
+void MainWindow::OnFrame() {
+    KillTimer(window_, kFrameTimer);
+    bool isIdle = false;
+    for (const Event& event : events_.Drain()) {
+        session_.Take(event);
+        if (event.kind == Event::kAnswer) ++answers_;
+        if (event.kind == Event::kAskBegan) {
+            asked_ = event.address;
+            askStartMs_ = GetTickCount64();
+            SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
+        }
+        if (event.kind == Event::kAsked) asked_.clear();
+        isIdle |= event.kind == Event::kIdle;
+    }
+    if (session_.Refresh()) ShowRows();
+    if (isIdle) OnIdle();
+    ShowStatus();
+}
+
+void MainWindow::OnIdle() {
+    const bool isOver = !workers_->IsBusy(WorkerId::kSnmp) && !workers_->IsBusy(WorkerId::kWsd);
+    if (isSweeping_ && isOver) {
+        isSweeping_ = isStopping_ = false;
+        endMs_ = GetTickCount64();
+        SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
+        InvalidateRect(devices_, nullptr, TRUE);
+        if (options_.sweep) {
+            exitCode_ = answers_ != 0 ? kFound : kNone;
+            if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kFailed;
+            if (options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
+            options_.sweep = false;
+        }
+    }
+    if (!workers_->IsBusy()) KillTimer(window_, kStatusTimer);
+}
+
+std::wstring MainWindow::StatusText() const {
+    const auto seconds = [](ULONGLONG ms) { return std::to_wstring(ms / 1000); };
+    const ULONGLONG now = GetTickCount64();
+    const std::wstring answers = std::to_wstring(answers_);
+    if (isSweeping_)
+        return Text(IDS_SWEEPING,
+                    {seconds(now - startMs_), answers, std::to_wstring(sweptAddresses_)});
+    if (!asked_.empty()) {
+        const std::wstring asking = Text(IDS_ASKING, {ToWide(asked_), seconds(now - askStartMs_)});
+        const size_t waiting = workers_ ? workers_->Waiting() : 0;
+        return waiting == 0 ? asking : Text(IDS_ASKING_MORE, {asking, std::to_wstring(waiting)});
+    }
+    if (!note_.empty()) return note_;
+    if (!wasSwept_) return Text(IDS_READY);
+    return Text(isStopped_ ? IDS_STOPPED : IDS_DONE, {seconds(endMs_ - startMs_), answers});
+}
+
+void MainWindow::ShowStatus() {
+    const HWND status = GetDlgItem(window_, IDC_STATUS);
+    const std::wstring text = StatusText();
+    if (WindowText(status) != text) SetWindowTextW(status, text.c_str());
+}
+
+void MainWindow::Complain(const std::wstring& text) {
+    note_ = text;
+    if (IsWindowVisible(window_))
+        MessageBoxW(window_, text.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
+}
+
+std::optional<Scan> MainWindow::LoadScan(const std::string& path) {
+    std::string problem;
+    const auto text = ReadFileText(path, kMaxScanSize, problem);
+    if (!text) {
+        Complain(Text(IDS_NOT_READ, {ToWide(problem)}));
+        return std::nullopt;
+    }
+    auto scan = ReadScan(*text, problem);
+    if (!scan) Complain(Text(IDS_BROKEN_SCAN, {ToWide(problem)}));
+    return scan;
+}
+
+void MainWindow::Open() {
+    if (workers_->IsBusy()) return;  // its answers belong to the scan that is here
+    const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", false);
+    auto scan = path.empty() ? std::nullopt : LoadScan(path);
+    if (!scan) return;
+    session_.SetScan(std::move(*scan));
+    session_.Refresh();
+    ShowRows();
+}
+
+void MainWindow::Compare() {
+    const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", false);
+    const auto scan = path.empty() ? std::nullopt : LoadScan(path);
+    if (!scan) return;
+    ShowPage(Text(IDS_COMPARE_TITLE, {ToWide(path)}),
+             CompareFacts(MakeDevices(*scan), session_.Devices()));
+}
+
+void MainWindow::Save() {
+    const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", true);
+    if (!path.empty()) SaveTo(path);
+}
+
+bool MainWindow::SaveTo(const std::string& path) {
+    std::string problem;
+    const auto text = WriteScan(session_.GetScan(), problem);
+    if (!text || !ReplaceFileText(path, *text, problem)) {
+        Complain(Text(IDS_NOT_SAVED, {ToWide(problem)}));
+        return false;
+    }
+    note_ = Text(IDS_SAVED, {ToWide(path)});
+    return true;
+}
+
+void MainWindow::SaveCsv() {
+    const std::string path = AskPath(window_, IDS_CSV_FILES, L"csv", true);
+    if (path.empty()) return;
+    std::array<std::string, kColumnCount> headings;
+    for (size_t index = 0; index < kColumnCount; ++index)
+        headings[index] = ToUtf8(Text(IDS_COLUMN_NAME + static_cast<unsigned>(index)));
+    std::string problem;
+    if (!ReplaceFileText(path, CsvOf(session_.view, headings), problem)) {
+        Complain(Text(IDS_NOT_SAVED, {ToWide(problem)}));
+    } else {
+        note_ = Text(IDS_SAVED, {ToWide(path)});
+    }
+}
+
+void MainWindow::CopyText(const std::wstring& text) {
+    if (!OpenClipboard(window_)) return;
+    EmptyClipboard();
+    const size_t size = (text.size() + 1) * sizeof(wchar_t);
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
+    if (void* place = memory ? GlobalLock(memory) : nullptr) {
+        std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(place));
+        GlobalUnlock(memory);
+        // The system owns it from here on, unless it refuses.
+        if (!SetClipboardData(CF_UNICODETEXT, memory)) GlobalFree(memory);
+    }
+    CloseClipboard();
+}
+
+std::wstring MainWindow::RowText(const DeviceRow& row) const {
+    std::wstring line;
+    for (size_t index = 0; index < kColumnCount; ++index)
+        line += (index == 0 ? L"" : L"\t") + ToWide(row.texts[index]);
+    return line + L"\r\n";
+}
+
+void MainWindow::CopyTable() {
+    std::wstring table;
+    for (size_t index = 0; index < kColumnCount; ++index)
+        table += (index == 0 ? L"" : L"\t") + Text(IDS_COLUMN_NAME + static_cast<unsigned>(index));
+    table += L"\r\n";
+    for (size_t index = 0; index < session_.view.Count(); ++index)
+        table += RowText(session_.view.Row(index));
+    CopyText(table);
+}
+
+// Made of the numeric address alone: nothing that a device says becomes a web address.
+void MainWindow::OpenWebPage() {
+    const DeviceRow* row = session_.view.SelectedRow();
+    const auto target = row ? session_.TargetOf(*row) : std::nullopt;
+    if (!target || AddressOrder(target->address)[0] != '4') return;
+    ShellExecuteW(window_, L"open", ToWide("http://" + target->address + "/").c_str(), nullptr,
+                  nullptr, SW_SHOWNORMAL);
+}
+
+void MainWindow::ShowPage(const std::wstring& title, std::vector<Fact> facts) {
+    OpenPage(window_, title, std::move(facts));
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,111 @@
+// The window of VnBrowser.
+#ifndef VNDISCOVER_HOST_WINDOW_MAIN_WINDOW_H
+#define VNDISCOVER_HOST_WINDOW_MAIN_WINDOW_H
+
+#include <windows.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "window/engine.h"
+#include "window/facts_list.h"
+#include "window/session.h"
+#include "window/settings.h"
+#include "window/workers.h"
+
+namespace vndiscover::host {
+
+// What the command line asks for.
+struct StartOptions {
+    bool sweep = false;
+    std::string savePath;  // UTF-8; written when the sweep has ended
+    bool exit = false;     // then; nothing is shown
+};
+
+class MainWindow {
+  public:
+    // The engine outlives the window. Throws std::runtime_error where there can be no window.
+    MainWindow(Engine& engine, StartOptions options);
+    ~MainWindow();
+    MainWindow(const MainWindow&) = delete;
+    MainWindow& operator=(const MainWindow&) = delete;
+
+    HWND Handle() const { return window_; }
+    // Until the window is closed; the result is the process's exit code.
+    int Run();
+    // One message of the queue, with keys.
+    void Dispatch(MSG& message);
+
+  private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void CreateControls();
+    HWND CreateControl(const wchar_t* type, unsigned text, DWORD style, int id, DWORD extended = 0);
+    void CreateDeviceList();
+    void SetFonts();
+    void SetColumns();
+    void RestoreSettings();
+    void StoreSettings();
+    void Place();
+    int WidthOf(int id) const;
+
+    void OnCommand(int id, int code);
+    LRESULT OnNotify(NMHDR* header);
+    LRESULT OnDeviceNotify(NMHDR* header);
+    void FillCell(LVITEMW& item);
+    LRESULT DrawCell(NMLVCUSTOMDRAW& draw);
+    void ClickColumn(int column);
+    void OnSelected();
+
+    void StartOrStop();
+    std::vector<SweepStep> ChosenSteps() const;
+    bool IsTicked(int id) const;
+    void AskSelected(bool isAgain);
+    void AskAll();
+    void OnFrame();
+    void OnIdle();
+    void ShowRows();
+    void ShowStatus();
+    std::wstring StatusText() const;
+
+    void Open();
+    void Compare();
+    void Save();
+    bool SaveTo(const std::string& path);
+    void SaveCsv();
+    void CopyText(const std::wstring& text);
+    std::wstring RowText(const DeviceRow& row) const;
+    void CopyTable();
+    void OpenWebPage();
+    void ShowPage(const std::wstring& title, std::vector<Fact> facts);
+    std::optional<Scan> LoadScan(const std::string& path);
+    void Complain(const std::wstring& text);
+
+    Engine& engine_;
+    StartOptions options_;
+    Session session_;
+    HWND window_ = nullptr;
+    HWND devices_ = nullptr;
+    HFONT font_ = nullptr;
+    HACCEL keys_ = nullptr;
+    FactsList details_;
+    Settings settings_;
+    Credentials credentials_;
+    int dpi_ = 96;
+    bool isSweeping_ = false, isStopping_ = false, wasSwept_ = false, isStopped_ = false;
+    bool isShowing_ = false;  // selection is being set by us
+    ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
+    size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
+    std::string asked_;                        // the address that is being asked; empty: none
+    std::wstring note_;                        // instead of the status, until the next action
+    int exitCode_ = 0;
+    // Last, so that their threads end before what they use does.
+    EventQueue events_;
+    std::unique_ptr<Workers> workers_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_MAIN_WINDOW_H

@@ -1,0 +1,18 @@
+// A window that shows a report; it ends with its owner, or with Esc.
+#ifndef VNDISCOVER_HOST_WINDOW_PAGE_WINDOW_H
+#define VNDISCOVER_HOST_WINDOW_PAGE_WINDOW_H
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "window/facts_list.h"
+
+namespace vndiscover::host {
+
+HWND OpenPage(HWND owner, const std::wstring& title, std::vector<Fact> facts);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_PAGE_WINDOW_H

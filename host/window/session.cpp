@@ -1,0 +1,125 @@
+#include "window/session.h"
+
+#include <algorithm>
+
+namespace vndiscover::host {
+
+void Session::BeginSweep(const Event& event, AnswerForm form) {
+    sweeps_[static_cast<size_t>(event.worker)] = scan_.sweeps.size();
+    const bool hasOid = form == AnswerForm::kValue;
+    scan_.sweeps.push_back(
+        {event.step.kind, form, event.step.useIPv6, hasOid ? event.step.oid : Oid(), event.time});
+}
+
+void Session::Take(const Event& event) {
+    ScanAnswer answer;
+    answer.time = event.time;
+    answer.address = event.address;
+    switch (event.kind) {
+        case Event::kSweepBegan:
+            BeginSweep(event, FormOf(event.step));
+            break;
+        case Event::kAnswer:
+            answer.sweep = sweeps_[static_cast<size_t>(event.worker)];
+            answer.bytes = event.bytes;
+            scan_.answers.push_back(std::move(answer));
+            isChanged_ = true;
+            break;
+        case Event::kAsked:
+            BeginSweep(event, AnswerForm::kVariable);
+            answer.sweep = scan_.sweeps.size() - 1;
+            for (const auto& [oid, variable] : event.read.values) {
+                answer.oid = oid;
+                answer.type = variable.type;
+                answer.bytes = variable.bytes;
+                answer.wholeSize = variable.wholeSize;
+                scan_.answers.push_back(answer);
+            }
+            gaps_[event.address] = event.read.gaps;
+            isChanged_ = true;
+            break;
+        case Event::kAskBegan:
+        case Event::kIdle:
+            break;
+    }
+}
+
+bool Session::Refresh() {
+    if (!std::exchange(isChanged_, false)) return false;
+    devices_ = MakeDevices(scan_);
+    view.SetRows(rowMaker_.Make(scan_, devices_, adapters_));
+    return true;
+}
+
+void Session::SetScan(Scan scan) {
+    scan_ = std::move(scan);
+    rowMaker_ = RowMaker();
+    gaps_.clear();
+    view.Select(std::nullopt);
+    isChanged_ = true;
+}
+
+const FoundDevice* Session::SelectedDevice() const {
+    const DeviceRow* row = view.SelectedRow();
+    const auto found = std::find_if(
+        devices_.begin(), devices_.end(),
+        [&](const FoundDevice& device) { return row && device.answers == row->answers; });
+    return found == devices_.end() ? nullptr : &*found;
+}
+
+std::optional<AskTarget> Session::TargetOf(const DeviceRow& row) const {
+    // The encrypted way before the open one; what has only replied to a Probe may know SNMPv1 too.
+    const auto rank = [](SweepKind kind) {
+        return kind == SweepKind::kSnmpV3 ? 2 : kind == SweepKind::kSnmpV1 ? 1 : 0;
+    };
+    std::optional<AskTarget> target;
+    int best = -1;
+    for (const size_t index : row.answers) {
+        const ScanAnswer& answer = scan_.answers[index];
+        const SweepKind kind = scan_.sweeps[answer.sweep].kind;
+        if (rank(kind) <= best) continue;
+        best = rank(kind);
+        target.emplace();
+        target->address = answer.address;
+        target->kind = kind == SweepKind::kSnmpV3 ? kind : SweepKind::kSnmpV1;
+    }
+    return target;
+}
+
+bool Session::WasAsked(const DeviceRow& row) const {
+    return std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
+        return gaps_.count(scan_.answers[index].address) != 0;
+    });
+}
+
+std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
+    for (const size_t index : row.answers) {
+        const auto found = gaps_.find(scan_.answers[index].address);
+        if (found != gaps_.end()) return found->second;
+    }
+    return {};
+}
+
+bool Session::Split(const DeviceRow& row) {
+    const FoundDevice* device = nullptr;
+    for (const FoundDevice& each : devices_) {
+        if (each.answers == row.answers) device = &each;
+    }
+    if (!device) return false;
+    const auto isAsked = [&](size_t index) {
+        return scan_.sweeps[scan_.answers[index].sweep].form == AnswerForm::kVariable;
+    };
+    const size_t before = scan_.splits.size();
+    for (const Merge& merge : device->merges) {
+        if (merge.key != MergeKey::kAddress) scan_.splits.emplace_back(merge.first, merge.second);
+    }
+    // Several protocols at one address; what was asked for there stays with what was heard.
+    for (const Merge& merge : device->merges) {
+        if (before == scan_.splits.size() && !isAsked(merge.first) && !isAsked(merge.second))
+            scan_.splits.emplace_back(merge.first, merge.second);
+    }
+    isChanged_ |= before != scan_.splits.size();
+    return before != scan_.splits.size();
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,57 @@
+// What the window shows: answers become a scan, devices and rows.
+#ifndef VNDISCOVER_HOST_WINDOW_SESSION_H
+#define VNDISCOVER_HOST_WINDOW_SESSION_H
+
+#include <array>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/device_merge.h"
+#include "model/device_view.h"
+#include "window/workers.h"
+
+namespace vndiscover::host {
+
+class Session {
+  public:
+    DeviceView view;
+
+    void Take(const Event& event);
+    // Devices and rows anew if anything has come since. True: they changed.
+    bool Refresh();
+
+    void Clear() { SetScan({}); }
+    void SetScan(Scan scan);
+    void SetAdapters(AdapterList ipv4) { adapters_ = std::move(ipv4); }
+    const Scan& GetScan() const { return scan_; }
+    const std::vector<FoundDevice>& Devices() const { return devices_; }
+
+    // Of the selected device; null: none.
+    const FoundDevice* SelectedDevice() const;
+    // How to ask a device: the address and protocol that it answered over. Empty: it answered none
+    // that can be asked.
+    std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
+    bool WasAsked(const DeviceRow& row) const;
+    // Why the last reading of a device ended early, and what was left out.
+    std::vector<Gap> GapsOf(const DeviceRow& row) const;
+    // Undoes the merges of a device by what it told; where there are none, those of protocols that
+    // answered from one address. False: it has none of either.
+    bool Split(const DeviceRow& row);
+
+  private:
+    void BeginSweep(const Event& event, AnswerForm form);
+
+    Scan scan_;
+    std::vector<FoundDevice> devices_;
+    RowMaker rowMaker_;
+    AdapterList adapters_;
+    std::array<size_t, kWorkerCount> sweeps_{};     // indexes of those that run
+    std::map<std::string, std::vector<Gap>> gaps_;  // by the address that was asked
+    bool isChanged_ = false;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_SESSION_H

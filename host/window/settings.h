@@ -1,0 +1,26 @@
+// What the window keeps for its user, below HKEY_CURRENT_USER. No passwords.
+#ifndef VNDISCOVER_HOST_WINDOW_SETTINGS_H
+#define VNDISCOVER_HOST_WINDOW_SETTINGS_H
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+#include "model/device_view.h"
+
+namespace vndiscover::host {
+
+struct Settings {
+    uint32_t ticks = 0;  // a bit for each box, in their order
+    uint32_t preset = 0;
+    std::array<int32_t, kColumnCount> widths{}, order{};  // widths in pixels at 96 DPI
+};
+
+// Empty: none were kept, or what is there makes no sense.
+std::optional<Settings> LoadSettings();
+// Without effect where the user may not write.
+void KeepSettings(const Settings& settings);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_SETTINGS_H

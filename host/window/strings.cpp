@@ -1,0 +1,54 @@
+#include "window/strings.h"
+
+#include <windows.h>
+
+#include <cstdio>
+
+#include "platform/wide_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+TextChange textChange = nullptr;
+
+}  // namespace
+
+std::wstring Text(unsigned id) {
+    // With size 0 the system gives the text's place in the resource.
+    const wchar_t* text = nullptr;
+    const int length =
+        LoadStringW(GetModuleHandleW(nullptr), id, reinterpret_cast<wchar_t*>(&text), 0);
+    std::wstring copy(text ? text : L"", static_cast<size_t>(length > 0 ? length : 0));
+    return textChange ? textChange(std::move(copy)) : copy;
+}
+
+std::wstring Text(unsigned id, std::initializer_list<std::wstring> values) {
+    const std::wstring text = Text(id);
+    std::wstring filled;
+    for (size_t at = 0; at < text.size(); ++at) {
+        const bool isPlace = text[at] == L'%' && at + 1 < text.size() && text[at + 1] >= L'1' &&
+                             static_cast<size_t>(text[at + 1] - L'1') < values.size();
+        filled += isPlace ? values.begin()[text[++at] - L'1'] : std::wstring(1, text[at]);
+    }
+    return filled;
+}
+
+void SetTextChange(TextChange change) { textChange = change; }
+
+std::wstring LocalTime(const std::string& utc) {
+    int part[6] = {};
+    if (std::sscanf(utc.c_str(), "%4d-%2d-%2dT%2d:%2d:%2dZ", &part[0], &part[1], &part[2], &part[3],
+                    &part[4], &part[5]) != 6)
+        return ToWide(utc);
+    const auto word = [&](int index) { return static_cast<WORD>(part[index]); };
+    const SYSTEMTIME time = {word(0), word(1), 0, word(2), word(3), word(4), word(5), 0};
+    SYSTEMTIME local = {};
+    wchar_t date[80] = L"", clock[80] = L"";
+    if (!SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) ||
+        !GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &local, nullptr, date, 80) ||
+        !GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &local, nullptr, clock, 80))
+        return ToWide(utc);
+    return std::wstring(date) + L" " + clock;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,159 @@
+#include "window/workers.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "platform/saved_file.h"
+
+namespace vndiscover::host {
+
+void EventQueue::Push(Event event) {
+    bool wasEmpty = false;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        wasEmpty = events_.empty();
+        events_.push_back(std::move(event));
+    }
+    if (wasEmpty) onFilled_();
+}
+
+std::vector<Event> EventQueue::Drain() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(events_, {});
+}
+
+Workers::Workers(Engine& engine, EventQueue& events) : engine_(engine), events_(events) {}
+
+Workers::~Workers() {
+    constexpr auto kRepeat = std::chrono::milliseconds(50);
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        isEnding_ = true;
+        changed_.notify_all();
+        const auto isRunning = [](const Line& line) { return line.isRunning; };
+        do {
+            lock.unlock();
+            Stop();
+            lock.lock();
+        } while (!changed_.wait_for(
+            lock, kRepeat, [&] { return std::none_of(lines_.begin(), lines_.end(), isRunning); }));
+    }
+    for (Line& line : lines_) {
+        if (line.thread.joinable()) line.thread.join();
+    }
+}
+
+void Workers::Sweep(const std::vector<SweepStep>& steps) {
+    for (const SweepStep& step : steps) {
+        Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp, {step, {}}, false);
+    }
+}
+
+void Workers::Ask(const AskTarget& target, bool isUrgent) {
+    SweepStep step;
+    step.kind = target.kind;
+    Add(WorkerId::kDirected, {step, target}, isUrgent);
+}
+
+void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    Line& line = lines_[static_cast<size_t>(worker)];
+    if (worker == WorkerId::kDirected) {
+        const auto isSame = [&](const Job& other) {
+            return other.target.address == job.target.address;
+        };
+        const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), isSame);
+        if (known != line.jobs.end()) {
+            if (!isUrgent) return;
+            line.jobs.erase(known);
+        }
+    }
+    isStopped_ = false;
+    line.jobs.insert(isUrgent ? line.jobs.begin() : line.jobs.end(), std::move(job));
+    if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
+    changed_.notify_all();
+}
+
+void Workers::Stop() {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        isStopped_ = true;
+        for (Line& line : lines_) line.jobs.clear();
+    }
+    engine_.StopSnmp();
+    engine_.StopWsd();
+}
+
+bool Workers::IsBusy(WorkerId worker) const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    const Line& line = lines_[static_cast<size_t>(worker)];
+    return line.isRunning || !line.jobs.empty();
+}
+
+bool Workers::IsBusy() const {
+    return IsBusy(WorkerId::kSnmp) || IsBusy(WorkerId::kWsd) || IsBusy(WorkerId::kDirected);
+}
+
+size_t Workers::Waiting() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
+}
+
+void Workers::Run(WorkerId worker) {
+    Line& line = lines_[static_cast<size_t>(worker)];
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (true) {
+        changed_.wait(lock, [&] { return isEnding_ || !line.jobs.empty(); });
+        if (isEnding_) return;
+        const Job job = std::move(line.jobs.front());
+        line.jobs.pop_front();
+        line.isRunning = true;
+        lock.unlock();
+        try {
+            Do(worker, job);
+        } catch (...) {
+            // Out of memory: what came so far is kept.
+        }
+        lock.lock();
+        line.isRunning = false;
+        const bool isIdle = line.jobs.empty();
+        changed_.notify_all();
+        if (!isIdle) continue;
+        lock.unlock();
+        Event event;
+        event.worker = worker;
+        event.time = UtcNow();
+        events_.Push(std::move(event));
+        lock.lock();
+    }
+}
+
+void Workers::Do(WorkerId worker, const Job& job) {
+    Event event;
+    event.worker = worker;
+    event.step = job.step;
+    event.time = UtcNow();
+    if (worker == WorkerId::kDirected) {
+        event.address = job.target.address;
+        event.kind = Event::kAskBegan;
+        events_.Push(event);
+        event.read = engine_.Read(job.target, [this] { return !isStopped_; });
+        event.kind = Event::kAsked;
+        event.time = UtcNow();
+        events_.Push(std::move(event));
+        return;
+    }
+    event.kind = Event::kSweepBegan;
+    events_.Push(event);
+    engine_.Sweep(job.step, [&](const char* address, std::string_view bytes) {
+        Event answer;
+        answer.kind = Event::kAnswer;
+        answer.worker = worker;
+        answer.time = UtcNow();
+        answer.address = address;
+        answer.bytes = bytes;
+        events_.Push(std::move(answer));
+    });
+}
+
+}  // namespace vndiscover::host

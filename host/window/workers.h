@@ -1,0 +1,98 @@
+// The threads that wait for the network, so that the window never does.
+#ifndef VNDISCOVER_HOST_WINDOW_WORKERS_H
+#define VNDISCOVER_HOST_WINDOW_WORKERS_H
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "window/engine.h"
+
+namespace vndiscover::host {
+
+// As many as the module allows.
+enum class WorkerId { kSnmp, kWsd, kDirected };
+constexpr size_t kWorkerCount = 3;
+
+struct Event {
+    enum Kind {
+        kSweepBegan,  // step
+        kAnswer,      // address, bytes
+        kAskBegan,    // step.kind, address
+        kAsked,       // step.kind, address, read
+        kIdle,        // the worker has nothing left to do
+    };
+    Kind kind = kIdle;
+    WorkerId worker = WorkerId::kSnmp;
+    std::string time;
+    SweepStep step;
+    std::string address, bytes;
+    PrinterAnswers read;
+};
+
+// Between the workers and the window.
+class EventQueue {
+  public:
+    // `onFilled` is called on a worker's thread when the empty queue gets an event.
+    explicit EventQueue(std::function<void()> onFilled) : onFilled_(std::move(onFilled)) {}
+    void Push(Event event);
+    std::vector<Event> Drain();
+
+  private:
+    std::function<void()> onFilled_;
+    std::mutex mutex_;
+    std::vector<Event> events_;
+};
+
+// All methods are for the window's thread.
+class Workers {
+  public:
+    // Both outlive the workers.
+    Workers(Engine& engine, EventQueue& events);
+    ~Workers();  // stops everything and waits for it
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
+
+    // Steps of WS-Discovery go to a worker of their own; the others run one after the other.
+    void Sweep(const std::vector<SweepStep>& steps);
+    // `isUrgent`: before all that is waiting. A device that is waiting already is not asked twice.
+    void Ask(const AskTarget& target, bool isUrgent);
+    // Ends sweeps and questions; call it until IsBusy says no, for a request that comes before the
+    // worker has entered the module is lost.
+    void Stop();
+    bool IsBusy() const;
+    bool IsBusy(WorkerId worker) const;
+    size_t Waiting() const;  // devices that are to be asked
+
+  private:
+    struct Job {
+        SweepStep step;
+        AskTarget target;
+    };
+    struct Line {
+        std::deque<Job> jobs;
+        bool isRunning = false;
+        std::thread thread;
+    };
+    void Add(WorkerId worker, Job job, bool isUrgent);
+    void Run(WorkerId worker);
+    void Do(WorkerId worker, const Job& job);
+
+    Engine& engine_;
+    EventQueue& events_;
+    mutable std::mutex mutex_;
+    std::condition_variable changed_;
+    std::array<Line, kWorkerCount> lines_;
+    std::atomic<bool> isStopped_{false};
+    bool isEnding_ = false;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_WORKERS_H

@@ -1,0 +1,67 @@
+#!/bin/bash
+# screenshots-lab.sh FOLDER DPI: inside private-net.sh (screenshots.sh starts it). Plays a user with the keyboard.
+set -euo pipefail
+here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
+folder=$1 dpi=$2
+
+"$here/demo-net.sh"
+# Labs share the machine's temporary folder, where displays have their sockets.
+mkdir -p "$VNDISCOVER_LAB/x11"
+mkdir -p /tmp/.X11-unix
+mount --bind "$VNDISCOVER_LAB/x11" /tmp/.X11-unix
+Xvfb -displayfd 1 -screen 0 $((1200 * dpi / 96))x$((720 * dpi / 96))x24 -nolisten tcp -nocursor \
+    >"$VNDISCOVER_LAB/display" 2>/dev/null &
+for _ in $(seq 100); do
+    [ ! -s "$VNDISCOVER_LAB/display" ] || break
+    sleep 0.05
+done
+DISPLAY=:$(<"$VNDISCOVER_LAB/display")
+export DISPLAY VNDISCOVER_WINE_DISPLAY=$DISPLAY
+
+Wine() { "$here/wine-run.sh" host "$@"; }
+Wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$dpi" /f >/dev/null
+Wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+ip netns exec hall wsdd -4 -i eth0 -n HALL >/dev/null 2>&1 </dev/null &
+
+Picture() { import -window root "$folder/$1-$dpi.png"; }
+# Key NAME...: with the pauses of a person.
+Key() {
+    for name in "$@"; do
+        xdotool key "$name"
+        sleep 0.2
+    done
+}
+
+Wine "$VNDISCOVER_BIN/VnBrowser.exe" &
+sleep 4
+xdotool mousemove $((600 * dpi / 96)) $((690 * dpi / 96))
+Picture empty
+Key F5
+sleep 12
+Key ctrl+shift+r
+sleep 8
+Key Tab Tab Tab Tab Tab Tab Tab Tab Home
+sleep 2
+Picture printer
+scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # the system's dialog wants it so
+Key ctrl+s
+sleep 1
+xdotool type "$scan"
+Key Return
+sleep 2
+Key alt+t w
+sleep 2
+Picture doctor
+Key Escape alt+e l
+# One device is gone, the next scan has not asked the others.
+ip -n copy link set eth0 down
+Key F5
+sleep 12
+Key ctrl+shift+r
+sleep 8
+Key alt+f c
+sleep 1
+xdotool type "$scan"
+Key Return
+sleep 2
+Picture compare

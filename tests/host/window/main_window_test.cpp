@@ -1,0 +1,354 @@
+// The window in this process, over an engine that follows a script. Nothing is shown: the display
+// is Wine's null driver.
+#include "window/main_window.h"
+
+#include <gtest/gtest.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <cstring>
+#include <mutex>
+
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr DWORD kPatienceMs = 10000;
+
+// Sweeps wait for what the test lets devices say, and end with a stop or with End.
+class ScriptedEngine : public Engine {
+  public:
+    void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
+        if (step.kind == SweepKind::kWsd) return;
+        std::unique_lock<std::mutex> lock(mutex_);
+        isInSweep_ = true;
+        while (true) {
+            changed_.wait(lock, [&] { return isOver_ || !answers_.empty(); });
+            for (const auto& [address, value] : std::exchange(answers_, {}))
+                onAnswer(address.c_str(), value);
+            if (isOver_) break;
+        }
+        isInSweep_ = isOver_ = false;
+    }
+    // Like the module, forgets a request that comes while no sweep runs.
+    void StopSnmp() override {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        isOver_ = isInSweep_;
+        ++stops;
+        changed_.notify_all();
+    }
+    void StopWsd() override {}
+    PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
+        ++reads;
+        PrinterAnswers answers;
+        const Oid oid = *ParseOidOrName("prtGeneralSerialNumber.1");
+        if (target.address != "10.77.1.3")  // which is silent
+            answers.values[oid] = {Status::kAnswered, oid, 4, "SERIAL 1", 8, ""};
+        return answers;
+    }
+    AdapterList IPv4() override { return {}; }
+    ComputerReport Report() override { return {}; }
+
+    void Say(const std::string& address, const std::string& value) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        answers_.emplace_back(address, value);
+        changed_.notify_all();
+    }
+    void End() { StopSnmp(); }
+    std::atomic<int> stops{0}, reads{0};
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<std::pair<std::string, std::string>> answers_;
+    bool isInSweep_ = false, isOver_ = false;
+};
+
+std::wstring TextOf(HWND window) {
+    wchar_t text[300] = L"";
+    GetWindowTextW(window, text, 300);
+    return text;
+}
+
+class MainWindowTest : public testing::Test {
+  protected:
+    void Open(StartOptions options = {}) { window_.emplace(engine_, std::move(options)); }
+    HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
+    void Command(int id) {
+        SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);
+    }
+
+    // Handles messages until the condition holds; false: it never did.
+    template <class Condition>
+    bool Until(Condition condition) {
+        const ULONGLONG end = GetTickCount64() + kPatienceMs;
+        while (!condition()) {
+            MSG message;
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) window_->Dispatch(message);
+            if (GetTickCount64() > end) return false;
+            Sleep(5);
+        }
+        return true;
+    }
+    std::wstring Cell(int row, int column) const {
+        wchar_t text[200] = L"";
+        LVITEMW item = {};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = 200;
+        SendMessageW(Control(IDC_DEVICES), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
+                     reinterpret_cast<LPARAM>(&item));
+        return text;
+    }
+    std::wstring Addresses() const {
+        std::wstring all;
+        const int count = ListView_GetItemCount(Control(IDC_DEVICES));
+        for (int row = 0; row < count; ++row) all += Cell(row, 2) + L";";
+        return all;
+    }
+    int Selected() const { return ListView_GetNextItem(Control(IDC_DEVICES), -1, LVNI_SELECTED); }
+    void Select(int row) {
+        ListView_SetItemState(Control(IDC_DEVICES), row, LVIS_SELECTED, LVIS_SELECTED);
+    }
+    void ClickColumn(int column) {
+        NMLISTVIEW click = {};
+        click.hdr = {Control(IDC_DEVICES), IDC_DEVICES, LVN_COLUMNCLICK};
+        click.iSubItem = column;
+        SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&click));
+    }
+
+    ScriptedEngine engine_;
+    std::optional<MainWindow> window_;
+};
+
+TEST_F(MainWindowTest, RowsComeWhileTheListIsSortedAndFiltered) {
+    Open();
+    EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));
+    Command(IDC_FIND);
+    EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
+    engine_.Say("10.77.1.10", "VN LaserPro 410");
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.10;"; }));
+    engine_.Say("10.77.1.9", "VN InkLine 70");
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.9;10.77.1.10;"; }));
+    ClickColumn(2);
+    EXPECT_EQ(L"10.77.1.10;10.77.1.9;", Addresses());
+    SetWindowTextW(Control(IDC_FILTER), L"ink");
+    EXPECT_EQ(L"10.77.1.9;", Addresses());
+    engine_.Say("10.77.1.30", "VN InkLine 71");
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.30;10.77.1.9;"; }));
+    EXPECT_EQ(L"Devices (2 of 3 pass the filter)", TextOf(Control(IDC_DEVICES_LABEL)));
+    SetWindowTextW(Control(IDC_FILTER), L"");
+    EXPECT_EQ(L"10.77.1.30;10.77.1.10;10.77.1.9;", Addresses());
+    Command(IDC_FIND);
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Stopped after "));
+}
+
+TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
+    Open();
+    Command(IDC_FIND);
+    engine_.Say("10.77.1.1", "x");
+    engine_.Say("10.77.1.2", "y");
+    engine_.Say("10.77.1.3", "z");
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.2;10.77.1.3;"; }));
+    Select(2);
+    // Model, address, protocols; gone is the line that says it has not been asked.
+    ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DETAILS)) == 3; }));
+    Command(IDM_ASK_ALL);
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1, 10.77.1.2;10.77.1.3;"; }));
+    EXPECT_EQ(1, Selected());
+    EXPECT_EQ(3, engine_.reads);  // the silent one is not asked again by itself
+    Select(0);
+    Command(IDM_SPLIT);
+    EXPECT_EQ(L"10.77.1.1;10.77.1.2;10.77.1.3;", Addresses());
+    EXPECT_EQ(0, Selected());
+    engine_.End();
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+}
+
+TEST_F(MainWindowTest, ClosesInMidSweep) {
+    Open();
+    Command(IDC_FIND);
+    const HWND window = window_->Handle();
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(0, window_->Run());
+    EXPECT_FALSE(IsWindow(window));
+    EXPECT_GE(engine_.stops, 1);
+}
+
+TEST_F(MainWindowTest, SweepsSavesAndExits) {
+    wchar_t folder[MAX_PATH], path[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    GetTempFileNameW(folder, L"vn", 0, path);
+    engine_.Say("10.77.1.1", "x");
+    Open({true, ToUtf8(path), true});
+    std::thread end([&] {
+        while (engine_.stops == 0) {
+            Sleep(300);
+            engine_.End();
+        }
+    });
+    EXPECT_EQ(0, window_->Run());
+    end.join();
+    FILE* file = _wfopen(path, L"rb");
+    ASSERT_TRUE(file);
+    char text[2000] = "";
+    EXPECT_GT(std::fread(text, 1, sizeof text - 1, file), 0u);
+    std::fclose(file);
+    DeleteFileW(path);
+    EXPECT_TRUE(std::strstr(text, "10.77.1.1")) << text;
+}
+
+TEST_F(MainWindowTest, KeepsWhatTheUserChose) {
+    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
+    Open();
+    CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
+    ListView_SetColumnWidth(Control(IDC_DEVICES), 1, 222);
+    SendMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    Open();
+    EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
+    EXPECT_EQ(222, ListView_GetColumnWidth(Control(IDC_DEVICES), 1));
+    // A value that makes no sense is as none.
+    const char broken[88] = "x";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, broken, sizeof broken);
+    Open();
+    EXPECT_FALSE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
+    RegDeleteKeyW(HKEY_CURRENT_USER, kKey);
+}
+
+// Another thread asks the window for a sign of life all the time.
+TEST_F(MainWindowTest, AnswersWhileManyDevicesCome) {
+    constexpr int kDevices = 8192;
+    Open();
+    Command(IDC_FIND);
+    std::atomic<bool> isOver{false}, isAskerOver{false};
+    std::atomic<ULONGLONG> worstMs{0};
+    std::thread asker([&, window = window_->Handle()] {
+        while (!isOver) {
+            const ULONGLONG start = GetTickCount64();
+            DWORD_PTR result = 0;
+            SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result);
+            worstMs = std::max<ULONGLONG>(worstMs, GetTickCount64() - start);
+            Sleep(50);
+        }
+        isAskerOver = true;
+    });
+    for (int device = 0; device < kDevices; ++device) {
+        engine_.Say("10.1." + std::to_string(device / 256) + "." + std::to_string(device % 256),
+                    "VN LaserPro " + std::to_string(device));
+        if (device % 64 == 0)
+            Until([start = GetTickCount64()] { return GetTickCount64() > start; });
+    }
+    EXPECT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == kDevices; }));
+    isOver = true;
+    Until([&] { return isAskerOver.load(); });
+    asker.join();
+    EXPECT_LT(worstMs, 1000u);  // 50 ms on an idle machine; much less than the time of all rows
+    engine_.End();
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+}
+
+// Each control lies within the window, overlaps no other, and has a name: a text of its own or that
+// of the label in front of it.
+void CheckControls(HWND window) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    std::vector<std::pair<int, RECT>> places;
+    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        const int id = GetDlgCtrlID(child);
+        RECT place = {};
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+        EXPECT_TRUE(place.left >= 0 && place.top >= 0 && place.right <= client.right &&
+                    place.bottom <= client.bottom && place.right > place.left &&
+                    place.bottom > place.top)
+            << id << ": " << place.left << " " << place.top << " " << place.right << " "
+            << place.bottom;
+        for (const auto& [other, taken] : places) {
+            RECT common = {};
+            EXPECT_FALSE(IntersectRect(&common, &place, &taken)) << id << " overlaps " << other;
+        }
+        places.emplace_back(id, place);
+        const HWND label = GetWindow(child, GW_HWNDPREV);
+        wchar_t type[20] = L"";
+        if (label) GetClassNameW(label, type, 20);
+        const bool hasLabel = lstrcmpiW(type, L"static") == 0 && !TextOf(label).empty();
+        EXPECT_TRUE(hasLabel || !TextOf(child).empty()) << id << " has no name";
+    }
+    EXPECT_EQ(15u, places.size());
+}
+
+void Resize(HWND window, int width, int height, int dpi) {
+    RECT place = {0, 0, width * dpi / 96, height * dpi / 96};
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+}
+
+TEST_F(MainWindowTest, ControlsHavePlacesAndNamesInEverySizeAndLanguage) {
+    for (const bool isLong : {false, true}) {
+        SetTextChange(
+            isLong ? [](std::wstring
+                            text) { return text + std::wstring(text.size() * 2 / 5 + 1, L'w'); }
+                   : TextChange(nullptr));
+        Open();
+        for (const int dpi : {96, 144, 192}) {
+            for (const int width : {520, 1100}) {
+                SCOPED_TRACE(testing::Message() << isLong << " " << dpi << " " << width);
+                Resize(window_->Handle(), width, 480, dpi);
+                CheckControls(window_->Handle());
+            }
+        }
+        window_.reset();
+    }
+    SetTextChange(nullptr);
+}
+
+TEST_F(MainWindowTest, TabReachesEveryControl) {
+    Open();
+    std::vector<int> reached;
+    HWND control = Control(IDC_FIND);
+    do {
+        reached.push_back(GetDlgCtrlID(control));
+        control = GetNextDlgTabItem(window_->Handle(), control, FALSE);
+    } while (control != Control(IDC_FIND) && reached.size() < 20);
+    EXPECT_EQ((std::vector<int>{IDC_FIND, IDC_PRESET, IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6,
+                                IDC_FILTER, IDC_DEVICES, IDC_DETAILS}),
+              reached);
+}
+
+// Alt and a letter is for one of the menus or for one control.
+TEST_F(MainWindowTest, NoLetterIsTakenTwice) {
+    Open();
+    std::wstring letters;
+    const auto take = [&](const std::wstring& text) {
+        const size_t mark = text.find(L'&');
+        if (mark == std::wstring::npos) return;
+        const wchar_t letter = static_cast<wchar_t>(towlower(text[mark + 1]));
+        EXPECT_EQ(std::wstring::npos, letters.find(letter)) << ToUtf8(text);
+        letters += letter;
+    };
+    const HMENU menu = GetMenu(window_->Handle());
+    for (UINT index = 0; index < 4; ++index) {
+        wchar_t text[40] = L"";
+        GetMenuStringW(menu, index, text, 40, MF_BYPOSITION);
+        take(text);
+    }
+    take(Text(IDS_STOP));  // on the same button as "Find"
+    for (HWND child = GetWindow(window_->Handle(), GW_CHILD); child;
+         child = GetWindow(child, GW_HWNDNEXT))
+        take(TextOf(child));
+    EXPECT_GE(letters.size(), 12u);
+}
+
+TEST(Strings, WhatIsPutInIsNoFormat) {
+    EXPECT_EQ(L"Asking %2%s for 3 s", Text(IDS_ASKING, {L"%2%s", L"3"}));
+}
+
+}  // namespace
+}  // namespace vndiscover::host

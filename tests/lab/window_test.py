@@ -1,0 +1,45 @@
+"""VnBrowser.exe for scripts, with a real agent."""
+
+import json
+import subprocess
+import unittest
+
+from lab import AGENT, AGENT_CONF, LAB, SCRIPTS, found, main, run
+
+SCAN = LAB + "/scan.json"
+
+
+def browse(*arguments):
+    return run(*arguments, program="VnBrowser.exe")[0]
+
+
+class Scripts(unittest.TestCase):
+    def test_keeps_what_the_console_prints(self):
+        printed = [(device["address"], device["value"]) for device in json.loads(found("sweep", "--format", "json"))]
+        self.assertEqual(0, browse("--sweep", "--save", SCAN, "--exit"))
+        with open(SCAN, encoding="utf-8") as file:
+            scan = json.load(file)
+        kept = [(answer["address"], answer["text"]) for answer in scan["answers"]
+                if scan["sweeps"][answer["sweep"]]["kind"] == "snmpv1"]
+        self.assertEqual([(AGENT, "Model 1")], kept)
+        self.assertEqual(printed, kept)
+
+    def test_tells_of_a_file_that_cannot_be_written(self):
+        self.assertEqual(2, browse("--sweep", "--save", LAB + "/none/scan.json", "--exit"))
+
+    def test_tells_of_wrong_usage(self):
+        self.assertEqual(2, browse("--save", SCAN))
+
+
+def null_display():
+    wine = SCRIPTS + "/wine-run.sh"
+    subprocess.run([wine, "host", "reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null", "/f"],
+                   check=True, stdout=subprocess.DEVNULL)
+    # The programs that ran so far have a desktop without a driver.
+    subprocess.run([wine, "--stop", "host"], check=True)
+
+
+if __name__ == "__main__":
+    # One at a time: another sweep's answers would come to this one's port.
+    main(AGENT_CONF + 'override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"\n', null_display,
+         alone=("prints", "written"))
