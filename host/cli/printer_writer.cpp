@@ -94,7 +94,7 @@ void AddGaps(Lines& lines, const PrinterFacts& facts) {
         }
         std::string line;
         for (const std::string& part : parts) line = Joined(line, ", ", part);
-        lines.Add("Not read", line + ": " + reason);
+        lines.Add("Not read", line.append(": ").append(reason));
     }
 }
 

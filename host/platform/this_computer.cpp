@@ -50,7 +50,7 @@ class IpHelper {
     HMODULE module_ = nullptr;
 };
 // The type comes from the declaration, which is never called itself.
-#define FIND(helper, function) (helper).Find(static_cast<decltype(&function)>(nullptr), #function)
+#define FIND(helper, function) (helper).Find(static_cast<decltype(&(function))>(nullptr), #function)
 
 // A list of the system's records, in one block.
 template <class Record>
