@@ -69,6 +69,12 @@ void ReceiveErrorRows(Report& report) {
     report.Add("the one after it", "2048 bytes", Waiting(receiver));
 }
 
+void BindRow(Report& report) {
+    UdpSocket socket(AF_INET);
+    report.Add("a bind of an address that is not this computer's", "error 10049",
+               "error " + Number(socket.Bind("192.0.2.1", 0)));  // of a network that nobody has
+}
+
 void OptionRows(Report& report) {
     UdpSocket options(AF_INET6);
     const auto row = [&](const char* name, int option, char value) {
@@ -196,6 +202,7 @@ void LinkLocalRows(Report& report, const AddressList& list, bool mayUseNetwork) 
 void SocketRows(Report& report, bool mayUseNetwork) {
     report.Section("Sockets and adapters");
     ReceiveErrorRows(report);
+    BindRow(report);
     OptionRows(report);
     ULONG error;
     int calls;

@@ -42,7 +42,8 @@ TEST_F(IPv4Adapters, AreNumberedInTheSystemsOrderAddressByAddress) {
          {"NIC [0]\n   IP   = [10.77.2.1, 255.255.255.0]\n   DESC = [First]\nHandleEvents",
           "NIC [1]\n   IP   = [10.77.1.1, 255.255.0.0]\n   DESC = [First]\nHandleEvents",
           "NIC [2]\n   IP   = [0.0.0.0, 0.0.0.0]\n   DESC = [Unplugged]\nHandleEvents",
-          "NIC [3]\n   IP   = [10.99.9.9, 255.255.255.0]\n   DESC = [Gone]\nHandleEvents"}) {
+          // Wine 8 binds to it all the same, Windows and Wine 10 tell that it is gone.
+          "NIC [3]\n   IP   = [10.99.9.9, 255.255.255.0]\n   DESC = [Gone]\n"}) {
         EXPECT_THAT(Told(), HasSubstr(lines));
     }
 }
