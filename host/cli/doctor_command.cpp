@@ -17,8 +17,9 @@ in its order, the routes of its broadcast and multicast, whether the Windows
 firewall lets answers in, and the log switches.
 
 With HOST the device gets one ping, one SNMPv1 request with this community, the
-SNMPv3 engine discovery and one SNMPv3 request with this user, if there is one;
-both requests ask for what follows sysDescr.0. It takes 20 s at most.
+SNMPv3 engine discovery and, where its engine answers, one SNMPv3 request with
+this user or an empty name; both requests ask for what follows sysDescr.0. It
+takes 20 s at most.
 
 Examples:
   vndiscover doctor
