@@ -1,7 +1,6 @@
 #include "model/device_merge.h"
 
 #include <algorithm>
-#include <map>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -17,9 +16,12 @@ struct Contact {
     std::vector<size_t> apart;  // contacts that no contact of the group may be merged with
 };
 
+using Descriptions = std::map<std::vector<size_t>, FoundDevice>;
+
 class Merger {
   public:
-    explicit Merger(const Scan& scan) : scan_(scan) {
+    // Moves what it needs of `described` to the descriptions of its own.
+    Merger(const Scan& scan, Descriptions& described) : scan_(scan), former_(described) {
         MakeContacts();
         for (const auto& [one, other] : scan.splits) {
             const size_t first = contactOf_[one], second = contactOf_[other];
@@ -32,24 +34,32 @@ class Merger {
         for (const MergeKey key : kMergeKeys) MergeBy(key);
         return Devices();
     }
+    Descriptions& Described() { return described_; }
 
   private:
+    const FoundDevice& Describe(std::vector<size_t> answers) {
+        if (auto known = former_.extract(answers); !known.empty())
+            return described_.insert(std::move(known)).position->second;
+        FoundDevice device = DescribeDevice(scan_, answers);
+        return described_.try_emplace(std::move(answers), std::move(device)).first->second;
+    }
+
     void MakeContacts() {
-        std::map<std::pair<size_t, std::string>, size_t> known;
+        std::vector<std::unordered_map<std::string, size_t>> known(scan_.sweeps.size());
         std::vector<std::vector<size_t>> answers;
         contactOf_.reserve(scan_.answers.size());
         for (size_t i = 0; i < scan_.answers.size(); ++i) {
             const ScanAnswer& answer = scan_.answers[i];
             size_t contact = answers.size();
             if (!answer.address.empty())
-                contact = known.try_emplace({answer.sweep, answer.address}, contact).first->second;
+                contact = known[answer.sweep].try_emplace(answer.address, contact).first->second;
             if (contact == answers.size()) answers.emplace_back();
             answers[contact].push_back(i);
             contactOf_.push_back(contact);
         }
         contacts_.reserve(answers.size());
         for (auto& indexes : answers) {
-            FoundDevice device = DescribeDevice(scan_, std::move(indexes));
+            FoundDevice device = Describe(std::move(indexes));
             Identity group = device.identity;
             contacts_.push_back({std::move(device), contacts_.size(), std::move(group), {}});
         }
@@ -109,7 +119,7 @@ class Merger {
             FoundDevice& device = contacts_[first].device;
             if (members[first].size() > 1) {
                 std::vector<Merge> merges = std::move(device.merges);
-                device = DescribeDevice(scan_, AnswersOf(members[first]));
+                device = Describe(AnswersOf(members[first]));
                 // What a device once was known by stays its own: later answers may name another.
                 device.identity = std::move(contacts_[first].group);
                 device.merges = std::move(merges);
@@ -130,12 +140,21 @@ class Merger {
     }
 
     const Scan& scan_;
+    Descriptions& former_;
+    Descriptions described_;
     std::vector<size_t> contactOf_;  // by answer
     std::vector<Contact> contacts_;  // in the order of their first answers
 };
 
 }  // namespace
 
-std::vector<FoundDevice> MakeDevices(const Scan& scan) { return Merger(scan).Make(); }
+std::vector<FoundDevice> DeviceMaker::Make(const Scan& scan) {
+    Merger merger(scan, described_);
+    std::vector<FoundDevice> devices = merger.Make();
+    described_ = std::move(merger.Described());
+    return devices;
+}
+
+std::vector<FoundDevice> MakeDevices(const Scan& scan) { return DeviceMaker().Make(scan); }
 
 }  // namespace vndiscover::host

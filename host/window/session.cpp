@@ -46,13 +46,14 @@ void Session::Take(const Event& event) {
 
 bool Session::Refresh() {
     if (!std::exchange(isChanged_, false)) return false;
-    devices_ = MakeDevices(scan_);
+    devices_ = deviceMaker_.Make(scan_);
     view.SetRows(rowMaker_.Make(scan_, devices_, adapters_));
     return true;
 }
 
 void Session::SetScan(Scan scan) {
     scan_ = std::move(scan);
+    deviceMaker_ = DeviceMaker();
     rowMaker_ = RowMaker();
     gaps_.clear();
     view.Select(std::nullopt);

@@ -45,6 +45,7 @@ class Session {
 
     Scan scan_;
     std::vector<FoundDevice> devices_;
+    DeviceMaker deviceMaker_;
     RowMaker rowMaker_;
     AdapterList adapters_;
     std::array<size_t, kWorkerCount> sweeps_{};     // indexes of those that run

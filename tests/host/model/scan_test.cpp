@@ -124,11 +124,15 @@ TEST(DeviceMerge, TakesNoPlaceholderForASerialNumberOrAMac) {
 
 TEST(DeviceMerge, IsUndoneByASplit) {
     ScanOf one = Variables();
-    one.AddPrinter("10.0.0.1", "S1", kMac);      // 0 to 2
+    DeviceMaker maker;
+    one.AddPrinter("10.0.0.1", "S1", kMac);  // 0 to 2
+    EXPECT_EQ(1u, maker.Make(one.scan).size());
     one.AddPrinter("10.0.0.2", "S1", kMac);      // 3 to 5
     one.AddPrinter("10.0.0.3", "", kOtherMac);   // 6, 7
     one.AddPrinter("10.0.0.2", "", "", "late");  // 8, 9
     EXPECT_EQ("0 1 2 3 4 5 8 9|6 7", Groups(one.scan));
+    EXPECT_EQ("late", maker.Make(one.scan)[0].name);  // as they arrive
+    EXPECT_EQ("late", maker.Make(one.scan)[0].name);
     const Merge merge = MakeDevices(one.scan)[0].merges[0];
     one.scan.splits.emplace_back(merge.first, merge.second);
     EXPECT_EQ("0 1 2|3 4 5 8 9|6 7", Groups(one.scan));
