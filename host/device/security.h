@@ -4,6 +4,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vndiscover::host {
 
@@ -11,18 +12,19 @@ namespace vndiscover::host {
 class Secret {
   public:
     Secret() = default;
-    explicit Secret(std::wstring text) : text_(std::move(text)) {}
+    explicit Secret(std::wstring&& text);  // wipes `text`
     Secret(Secret&& other) noexcept { text_.swap(other.text_); }
     Secret& operator=(Secret&& other) noexcept {
         text_.swap(other.text_);
         return *this;
     }
     ~Secret();
-    const wchar_t* Get() const { return text_.c_str(); }
-    bool IsEmpty() const { return text_.empty(); }
+    const wchar_t* Get() const { return text_.empty() ? L"" : text_.data(); }
+    bool IsEmpty() const { return text_.size() < 2; }
 
   private:
-    std::wstring text_;
+    // With its terminating zero. No string: one that is moved from may keep a short text.
+    std::vector<wchar_t> text_;
 };
 
 struct Security {

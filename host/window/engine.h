@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "device/security.h"
+#include "model/call_text.h"
 #include "model/computer_report.h"
 #include "model/printer_reader.h"
 #include "model/scan.h"
@@ -52,6 +53,18 @@ class Engine {
     // Of this computer; these send nothing.
     virtual AdapterList IPv4() = 0;
     virtual ComputerReport Report() = 0;
+
+    // For each call of the module, after it, on its thread. To be set while no other method runs.
+    using OnCall = std::function<void(Call call)>;
+    void SetOnCall(OnCall onCall) { onCall_ = std::move(onCall); }
+
+  protected:
+    void Tell(Call call) const {
+        if (onCall_) onCall_(std::move(call));
+    }
+
+  private:
+    OnCall onCall_;
 };
 
 // What the answers of a step are.

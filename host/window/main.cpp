@@ -1,9 +1,10 @@
 // VnBrowser.exe: a window in which devices appear, and the example of a host with a user interface.
 //
-//   VnBrowser.exe [--sweep [--save FILE] [--exit]]
+//   VnBrowser.exe [--profile NAME] [--sweep [--save FILE] [--exit]]
 //
-// With --exit nothing is shown. Exit codes: 0 devices answered, 1 none, 2 wrong usage or the file
-// could not be saved.
+// With --profile SNMPv3 is used too, with the user that the window keeps under that name. With
+// --exit nothing is shown. Exit codes: 0 devices answered, 1 none, 2 wrong usage, or the file could
+// not be saved, or the profile not opened.
 #include <windows.h>
 
 #include <exception>
@@ -21,6 +22,8 @@ bool ReadOptions(vndiscover::host::StartOptions& options) {
             options.sweep = true;
         } else if (words[index] == "--exit") {
             options.exit = true;
+        } else if (words[index] == "--profile" && index + 1 < words.size()) {
+            options.profile = vndiscover::host::ToWide(words[++index]);
         } else if (words[index] == "--save" && index + 1 < words.size()) {
             options.savePath = words[++index];
         } else {

@@ -13,8 +13,10 @@
 #include "values/object_names.h"
 #include "window/dpi.h"
 #include "window/layout.h"
+#include "window/menu.h"
 #include "window/page_window.h"
 #include "window/pages.h"
+#include "window/profiles.h"
 #include "window/resource.h"
 #include "window/snmp_dialog.h"
 #include "window/strings.h"
@@ -70,6 +72,7 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool is
 MainWindow::MainWindow(Engine& engine, StartOptions options)
     : engine_(engine),
       options_(std::move(options)),
+      calls_([this](const std::wstring& text) { CopyText(text); }),
       events_([this] { PostMessageW(window_, kEvents, 0, 0); }) {
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
     InitCommonControlsEx(&controls);
@@ -84,8 +87,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     keys_ = LoadAcceleratorsW(type.hInstance, MAKEINTRESOURCEW(IDR_KEYS));
     window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, Text(IDS_TITLE).c_str(),
                               WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                              0, 0, nullptr, LoadMenuW(type.hInstance, MAKEINTRESOURCEW(IDR_MENU)),
-                              type.hInstance, nullptr);
+                              0, 0, nullptr, MakeMenu(), type.hInstance, nullptr);
     if (!window_) throw std::runtime_error("there can be no window here");
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     dpi_ = DpiOf(window_);
@@ -95,11 +97,12 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     SetWindowPos(window_, nullptr, 0, 0, MulDiv(1100, dpi_, 96), MulDiv(620, dpi_, 96),
                  SWP_NOMOVE | SWP_NOZORDER);
     workers_ = std::make_unique<Workers>(engine_, events_);
-    session_.SetAdapters(engine_.IPv4());
+    workers_->LookAtAdapters();
     ShowRows();
     ShowStatus();
     if (!options_.exit) ShowWindow(window_, SW_SHOWDEFAULT);
     SetFocus(GetDlgItem(window_, IDC_FIND));
+    if (!options_.profile.empty()) CheckDlgButton(window_, IDC_V3, BST_CHECKED);
     if (options_.sweep) StartOrStop();
 }
 
@@ -174,6 +177,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return OnNotify(reinterpret_cast<NMHDR*>(lParam));
         case WM_CLOSE:
             // The user sees it closed at once; a device may be waited for up to 12 s more.
+            ShowOwnedPopups(window_, FALSE);
             ShowWindow(window_, SW_HIDE);
             StoreSettings();
             workers_.reset();
@@ -417,7 +421,11 @@ void MainWindow::OnCommand(int id, int code) {
             AskCredentials(window_, credentials_);
             break;
         case IDM_DOCTOR:
-            ShowPage(Text(IDS_DOCTOR_TITLE), DoctorFacts(engine_.Report()));
+            workers_->MakeReport();
+            note_ = Text(IDS_DOCTOR_WAIT);
+            break;
+        case IDM_CALLS:
+            calls_.Open(window_);
             break;
         default:
             break;
@@ -545,6 +553,21 @@ void MainWindow::ShowRows() {
     isShowing_ = false;
 }
 
+// The user of SNMPv3. False: there is none, and nobody who could be asked.
+bool MainWindow::FetchUser() {
+    if (UseProfile(options_.profile.empty() ? LastProfile() : options_.profile, credentials_))
+        return true;
+    if (options_.exit) {
+        exitCode_ = kFailed;
+        PostMessageW(window_, WM_CLOSE, 0, 0);
+        return false;
+    }
+    AskCredentials(window_, credentials_);
+    // Whoever leaves the question has not asked for SNMPv3.
+    if (!credentials_.security) CheckDlgButton(window_, IDC_V3, BST_UNCHECKED);
+    return true;
+}
+
 std::vector<SweepStep> MainWindow::ChosenSteps() const {
     std::vector<SweepStep> steps;
     const LRESULT preset = SendDlgItemMessageW(window_, IDC_PRESET, CB_GETCURSEL, 0, 0);
@@ -575,20 +598,14 @@ void MainWindow::StartOrStop() {
         ShowStatus();
         return;
     }
-    // Whoever leaves the question about the user has not asked for SNMPv3.
-    if (IsTicked(IDC_V3) && !credentials_.security) {
-        AskCredentials(window_, credentials_);
-        if (!credentials_.security) CheckDlgButton(window_, IDC_V3, BST_UNCHECKED);
-    }
+    if (IsTicked(IDC_V3) && !credentials_.security && !FetchUser()) return;
     const std::vector<SweepStep> steps = ChosenSteps();
     if (steps.empty()) {
         note_ = Text(IDS_NOTHING_CHOSEN);
         ShowStatus();
         return;
     }
-    const AdapterList adapters = engine_.IPv4();
-    session_.SetAdapters(adapters);
-    sweptAddresses_ = adapters.addresses.size();
+    workers_->LookAtAdapters();  // anew: the user may have plugged one in
     startMs_ = GetTickCount64();
     answers_ = 0;
     isSweeping_ = wasSwept_ = true;
@@ -630,9 +647,16 @@ void MainWindow::OnFrame() {
             SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
         }
         if (event.kind == Event::kAsked) asked_.clear();
+        if (event.kind == Event::kAdapters) sweptAddresses_ = event.adapters.addresses.size();
+        if (event.kind == Event::kCalled) calls_.Add(event.call);
+        if (event.kind == Event::kReport) {
+            note_.clear();
+            ShowPage(Text(IDS_DOCTOR_TITLE), DoctorFacts(event.report));
+        }
         isIdle |= event.kind == Event::kIdle;
     }
     if (session_.Refresh()) ShowRows();
+    calls_.Refresh();
     if (isIdle) OnIdle();
     ShowStatus();
 }

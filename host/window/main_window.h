@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "window/calls_window.h"
 #include "window/engine.h"
 #include "window/facts_list.h"
 #include "window/session.h"
@@ -22,6 +23,7 @@ struct StartOptions {
     bool sweep = false;
     std::string savePath;  // UTF-8; written when the sweep has ended
     bool exit = false;     // then; nothing is shown
+    std::wstring profile;  // sweep over SNMPv3 too, with this user
 };
 
 class MainWindow {
@@ -61,6 +63,7 @@ class MainWindow {
 
     void StartOrStop();
     std::vector<SweepStep> ChosenSteps() const;
+    bool FetchUser();
     bool IsTicked(int id) const;
     void AskSelected(bool isAgain);
     void AskAll();
@@ -102,6 +105,7 @@ class MainWindow {
     std::wstring note_;                        // instead of the status, until the next action
     int exitCode_ = 0;
     // Last, so that their threads end before what they use does.
+    CallsWindow calls_;
     EventQueue events_;
     std::unique_ptr<Workers> workers_;
 };

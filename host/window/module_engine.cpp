@@ -7,16 +7,18 @@
 #include "device/device.h"
 #include "model/json_request.h"
 #include "platform/result_window.h"
+#include "platform/saved_file.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
+#include "values/object_names.h"
 #include "values/oid_text.h"
+#include "window/calls.h"
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {
 namespace {
 
-constexpr UINT kUnusedTimeoutMs = 5000;
-constexpr UINT kWsdSilenceMs = 3000;
+constexpr UINT kUnusedTimeoutMs = kUnusedSweepTimeoutMs;
 constexpr UINT kMessage = ResultWindow::kMessage;
 
 const Oid& DefaultOid() {
@@ -48,8 +50,7 @@ void SweepV3(HWND window, const SweepStep& step) {
                                user.authLabel.c_str(), user.privLabel.c_str());
 }
 
-void SweepWsd(HWND window) {
-    const std::string probe = BuildProbe("wsdp:Device", NewUuid());
+void SweepWsd(HWND window, const std::string& probe) {
     DiscoverSoap(window, kMessage, kWsdSilenceMs, probe.data(), static_cast<int32_t>(probe.size()));
 }
 
@@ -65,6 +66,20 @@ Security CopyOf(const Security& user) {
     return copy;
 }
 
+// The times of a call.
+class Stopwatch {
+  public:
+    Call Timed(Call call) const {
+        call.time = time_;
+        call.milliseconds = static_cast<unsigned>(GetTickCount64() - startMs_);
+        return call;
+    }
+
+  private:
+    std::string time_ = UtcNow();
+    ULONGLONG startMs_ = GetTickCount64();
+};
+
 }  // namespace
 
 AnswerForm FormOf(const SweepStep& step) {
@@ -76,17 +91,26 @@ AnswerForm FormOf(const SweepStep& step) {
 void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     const bool isWsd = step.kind == SweepKind::kWsd;
     // Made here, on the sweeping thread: the module then calls it directly and waits for nobody.
+    size_t answers = 0;
     const ResultWindow window([&](const char* address, const char* value) {
+        ++answers;
         // A reply that fills its buffer has no terminating zero.
         onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
     });
+    if (step.kind == SweepKind::kSnmpV3 && !step.credentials.security) return;
+    const std::string probe = isWsd ? BuildProbe("wsdp:Device", NewUuid()) : "";
+    const Stopwatch watch;
     if (isWsd) {
-        SweepWsd(window.Handle());
+        SweepWsd(window.Handle(), probe);
     } else if (step.kind == SweepKind::kSnmpV1) {
         SweepV1(window.Handle(), step);
-    } else if (step.credentials.security) {
+    } else {
         SweepV3(window.Handle(), step);
     }
+    Call call = watch.Timed(CallOf(step, probe));
+    call.result = "0";  // always
+    call.answers = answers;
+    Tell(std::move(call));
 }
 
 void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }
@@ -98,6 +122,17 @@ PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()>
         device.Use(CopyOf(*target.credentials.security));
     Asker asker = AskerOf(device);
     asker.mayGoOn = std::move(mayGoOn);
+    asker.getNext = [&, ask = std::move(asker.getNext)](const Oid& oid) {
+        const Stopwatch watch;
+        Answer answer = ask(oid);
+        Call call = watch.Timed(CallOf(target, oid));
+        call.result = answer.status == Status::kAnswered
+                          ? NameText(answer.oid) + " = " +
+                                FormatNamedValue(answer.oid, answer.type, answer.bytes)
+                          : Problem(answer);
+        Tell(std::move(call));
+        return answer;
+    };
     return ReadPrinter(asker);
 }
 

@@ -2,9 +2,9 @@
 #ifndef VNDISCOVER_HOST_WINDOW_RESOURCE_H
 #define VNDISCOVER_HOST_WINDOW_RESOURCE_H
 
-#define IDR_MENU 100
 #define IDR_KEYS 101
 #define IDD_SNMP 102
+#define IDD_CALLS 103
 
 // Controls of the main window.
 #define IDC_FIND 200
@@ -30,8 +30,12 @@
 #define IDC_AUTH_PASSWORD 233
 #define IDC_PRIV 234
 #define IDC_PRIV_PASSWORD 235
+#define IDC_PROFILE 236
+#define IDC_PROFILE_NOTE 237
+#define IDC_CALLS 240
+#define IDC_CALL_TEXT 241
 
-// Commands.
+// Commands, and the strings of the menu that name them.
 #define IDM_OPEN 300
 #define IDM_SAVE 301
 #define IDM_COMPARE 302
@@ -48,8 +52,13 @@
 #define IDM_SNMP 330
 #define IDM_DOCTOR 331
 #define IDM_FILTER 332
+#define IDM_CALLS 333
 
 // Texts. Those of the columns follow each other in the order of Column.
+#define IDS_MENU_FILE 390
+#define IDS_MENU_EDIT 391
+#define IDS_MENU_DEVICE 392
+#define IDS_MENU_TOOLS 393
 #define IDS_TITLE 400
 #define IDS_FIND 401
 #define IDS_STOP 402
@@ -124,6 +133,7 @@
 #define IDS_DOCTOR_NO_ROUTE 498
 #define IDS_DOCTOR_SECONDS 499
 #define IDS_DOCTOR_NOT_SENT 500
+#define IDS_DOCTOR_WAIT 501
 #define IDS_COMPARE_TITLE 510
 #define IDS_COMPARE_NEW 511
 #define IDS_COMPARE_GONE 512
@@ -132,5 +142,38 @@
 #define IDS_COMPARE_FIELD 515
 #define IDS_SNMP_BAD_USER 520
 #define IDS_NO_PROTOCOL 521
+#define IDS_OK 522
+#define IDS_CANCEL 523
+#define IDS_SNMP_TITLE 524
+#define IDS_SNMP_COMMUNITY 525
+#define IDS_SNMP_PROFILE 526
+#define IDS_SNMP_USER 527
+#define IDS_SNMP_AUTH 528
+#define IDS_SNMP_AUTH_PASSWORD 529
+#define IDS_SNMP_PRIV 530
+#define IDS_SNMP_PRIV_PASSWORD 531
+#define IDS_SNMP_KNOWN 532
+#define IDS_PROFILE_DELETE 533
+#define IDS_PROFILE_NOTE 534
+#define IDS_PROFILE_CLOSED 535
+#define IDS_PROFILE_BAD_NAME 536
+#define IDS_PROFILE_REPLACE 537
+#define IDS_PROFILE_ASK_DELETE 538
+#define IDS_PROFILE_NOT_SEALED 539
+#define IDS_PROFILE_NOT_WRITTEN 540
+#define IDS_PROFILE_LEFT_ALONE 541
+#define IDS_CALLS_TITLE 550
+#define IDS_CALLS_NONE 551
+#define IDS_CALL_TIME 552
+#define IDS_CALL_EXPORT 553
+#define IDS_CALL_RESULT 554
+#define IDS_CALL_MS 555
+#define IDS_CALL_ANSWERS 556
+#define IDS_CALL_NO_COMMAND 557
+#define IDS_CALL_CPP 558  // the three follow each other
+#define IDS_CALL_CSHARP 559
+#define IDS_CALL_COMMAND 560
+#define IDS_CALL_COPY 561
+#define IDS_CALL_CLOSE 562
 
 #endif  // VNDISCOVER_HOST_WINDOW_RESOURCE_H

@@ -38,7 +38,14 @@ void Session::Take(const Event& event) {
             gaps_[event.address] = event.read.gaps;
             isChanged_ = true;
             break;
+        case Event::kAdapters:
+            adapters_ = event.adapters;
+            rowMaker_ = RowMaker();  // rows name the networks
+            isChanged_ = true;
+            break;
         case Event::kAskBegan:
+        case Event::kReport:
+        case Event::kCalled:
         case Event::kIdle:
             break;
     }

@@ -24,7 +24,6 @@ class Session {
 
     void Clear() { SetScan({}); }
     void SetScan(Scan scan);
-    void SetAdapters(AdapterList ipv4) { adapters_ = std::move(ipv4); }
     const Scan& GetScan() const { return scan_; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
 

@@ -2,7 +2,11 @@
 
 #include <vndiscover.h>
 
+#include <commctrl.h>
+
 #include "platform/wide_text.h"
+#include "window/dialog_texts.h"
+#include "window/profiles.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -28,11 +32,12 @@ void Fill(HWND dialog, int id, const wchar_t* const (&labels)[N], const std::wst
     const auto add = [&](const wchar_t* text) {
         SendDlgItemMessageW(dialog, id, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
     };
+    SendDlgItemMessageW(dialog, id, CB_RESETCONTENT, 0, 0);
     add(Text(IDS_NO_PROTOCOL).c_str());
     size_t index = 0;
     for (size_t label = 0; label < N; ++label) {
         add(labels[label]);
-        if (chosen == labels[label]) index = label + 1;
+        if (lstrcmpiW(chosen.c_str(), labels[label]) == 0) index = label + 1;
     }
     SendDlgItemMessageW(dialog, id, CB_SETCURSEL, index, 0);
 }
@@ -49,69 +54,203 @@ Secret PasswordOf(HWND dialog, int id, const Secret* known) {
     return Secret(std::move(typed));
 }
 
-// False: what is there makes no user.
-bool Take(HWND dialog, Credentials& credentials) {
-    credentials.community = ToUtf8(FieldText(dialog, IDC_COMMUNITY));
-    auto next = std::make_shared<Security>();
-    next->user = FieldText(dialog, IDC_USER);
-    next->authLabel = Chosen(dialog, IDC_AUTH, kAuthLabels);
-    next->privLabel = Chosen(dialog, IDC_PRIV, kPrivLabels);
-    next->useAuth = !next->authLabel.empty();
-    next->usePriv = !next->privLabel.empty();
-    // A password belongs to its user.
-    const Security* known = credentials.security.get();
-    if (known && known->user != next->user) known = nullptr;
-    next->authPassword =
-        PasswordOf(dialog, IDC_AUTH_PASSWORD, known ? &known->authPassword : nullptr);
-    next->privPassword =
-        PasswordOf(dialog, IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
-    if (next->user.empty()) {
-        credentials.security.reset();
-        return !next->useAuth && !next->usePriv;
-    }
-    // The module would send unprotected requests instead.
-    if ((next->useAuth && next->authPassword.IsEmpty()) ||
-        (next->usePriv && (!next->useAuth || next->privPassword.IsEmpty())))
-        return false;
-    credentials.security = std::move(next);
-    return true;
-}
+class SnmpDialog {
+  public:
+    explicit SnmpDialog(Credentials& credentials)
+        : credentials_(credentials), known_(credentials.security) {}
 
-INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
-        const auto& known = *reinterpret_cast<const Credentials*>(lParam);
+    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == WM_INITDIALOG) {
+            SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
+            reinterpret_cast<SnmpDialog*>(lParam)->Begin(dialog);
+            return TRUE;
+        }
+        auto* self = reinterpret_cast<SnmpDialog*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
+        return self && message == WM_COMMAND && self->OnCommand(LOWORD(wParam), HIWORD(wParam));
+    }
+
+  private:
+    void Begin(HWND dialog) {
+        dialog_ = dialog;
+        SetDialogTexts(dialog, IDS_SNMP_TITLE);
         for (const int id : {IDC_COMMUNITY, IDC_USER, IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD})
             SendDlgItemMessageW(dialog, id, EM_LIMITTEXT, kMaxText, 0);
-        SetDlgItemTextW(
-            dialog, IDC_COMMUNITY,
-            ToWide(known.community.empty() ? VN_DEFAULT_COMMUNITY : known.community).c_str());
-        const Security* user = known.security.get();
-        SetDlgItemTextW(dialog, IDC_USER, user ? user->user.c_str() : L"");
-        Fill(dialog, IDC_AUTH, kAuthLabels, user ? user->authLabel : L"");
-        Fill(dialog, IDC_PRIV, kPrivLabels, user ? user->privLabel : L"");
-        return TRUE;
+        SendDlgItemMessageW(dialog, IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName, 0);
+        const std::string& community = credentials_.community;
+        SetDlgItemTextW(dialog, IDC_COMMUNITY,
+                        ToWide(community.empty() ? VN_DEFAULT_COMMUNITY : community).c_str());
+        ListProfiles();
+        const std::wstring last = LastProfile();
+        if (known_) {
+            const auto profile = ReadProfile(last);
+            isClosed_ = profile && !profile->isOpen;
+            loaded_ = profile ? last : L"";
+            SetDlgItemTextW(dialog, IDC_PROFILE, loaded_.c_str());
+            Show(*known_, true);
+        } else if (!Load(last)) {
+            Show({}, false);
+        }
     }
-    if (message != WM_COMMAND) return FALSE;
-    if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog, FALSE);
-    if (LOWORD(wParam) != IDOK) return FALSE;
-    auto& credentials = *reinterpret_cast<Credentials*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
-    Credentials next = credentials;
-    if (Take(dialog, next)) {
-        credentials = std::move(next);
-        EndDialog(dialog, TRUE);
-    } else {
-        MessageBoxW(dialog, Text(IDS_SNMP_BAD_USER).c_str(), Text(IDS_TITLE).c_str(),
-                    MB_OK | MB_ICONWARNING);
+
+    bool OnCommand(int id, int code) {
+        if (id == IDC_PROFILE && code == CBN_SELCHANGE) {
+            const LRESULT index = SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_GETCURSEL, 0, 0);
+            wchar_t name[kMaxProfileName + 1] = L"";
+            if (index >= 0 && static_cast<size_t>(index) < names_.size()) {
+                lstrcpynW(name, names_[static_cast<size_t>(index)].c_str(), kMaxProfileName + 1);
+                Load(name);
+            }
+        } else if (id == IDS_PROFILE_DELETE) {
+            Delete();
+        } else if (id == IDCANCEL) {
+            End(FALSE);
+        } else if (id == IDOK) {
+            Finish();
+        } else {
+            return false;
+        }
+        return true;
     }
-    return TRUE;
-}
+
+    int Say(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
+        return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
+    }
+
+    std::wstring ProfileName() const { return FieldText(dialog_, IDC_PROFILE); }
+
+    void ListProfiles() {
+        names_ = ProfileNames();
+        SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_RESETCONTENT, 0, 0);
+        for (const std::wstring& name : names_)
+            SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_ADDSTRING, 0,
+                                reinterpret_cast<LPARAM>(name.c_str()));
+    }
+
+    // False: there is no such profile, and the fields are as they were.
+    bool Load(const std::wstring& name) {
+        auto profile = ReadProfile(name);
+        if (!profile) return false;
+        loaded_ = name;
+        isClosed_ = !profile->isOpen;
+        Show(profile->security, profile->isOpen);
+        // What was typed for a profile that cannot be opened is still good for it.
+        const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
+        if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
+        SetDlgItemTextW(dialog_, IDC_PROFILE, name.c_str());
+        return true;
+    }
+
+    void Show(const Security& user, bool hasPasswords) const {
+        SetDlgItemTextW(dialog_, IDC_USER, user.user.c_str());
+        Fill(dialog_, IDC_AUTH, kAuthLabels, user.authLabel);
+        Fill(dialog_, IDC_PRIV, kPrivLabels, user.privLabel);
+        const std::wstring hint = Text(IDS_SNMP_KNOWN);
+        for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.useAuth),
+                                          std::pair(IDC_PRIV_PASSWORD, user.usePriv)}) {
+            SetDlgItemTextW(dialog_, id, L"");
+            SendDlgItemMessageW(
+                dialog_, id, EM_SETCUEBANNER, TRUE,
+                reinterpret_cast<LPARAM>(hasPasswords && isKnown ? hint.c_str() : L""));
+        }
+        SetDlgItemTextW(dialog_, IDC_PROFILE_NOTE,
+                        Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE).c_str());
+    }
+
+    void Delete() {
+        const std::wstring name = ProfileName();
+        if (!ReadProfile(name) ||
+            Say(Text(IDS_PROFILE_ASK_DELETE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+            return;
+        if (!DeleteProfile(name)) return void(Say(Text(IDS_PROFILE_NOT_WRITTEN)));
+        isClosed_ = false;
+        known_.reset();
+        loaded_.clear();
+        ListProfiles();
+        Show({}, false);
+    }
+
+    // Null: what is there makes no user.
+    std::shared_ptr<Security> TypedUser() const {
+        auto user = std::make_shared<Security>();
+        user->user = FieldText(dialog_, IDC_USER);
+        user->authLabel = Chosen(dialog_, IDC_AUTH, kAuthLabels);
+        user->privLabel = Chosen(dialog_, IDC_PRIV, kPrivLabels);
+        user->useAuth = !user->authLabel.empty();
+        user->usePriv = !user->privLabel.empty();
+        // A password belongs to its user.
+        const Security* known = known_ && known_->user == user->user ? known_.get() : nullptr;
+        if (user->useAuth)
+            user->authPassword =
+                PasswordOf(dialog_, IDC_AUTH_PASSWORD, known ? &known->authPassword : nullptr);
+        if (user->usePriv)
+            user->privPassword =
+                PasswordOf(dialog_, IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
+        // The module would send unprotected requests instead.
+        const bool isWhole =
+            !user->user.empty() && user->useAuth == !user->authPassword.IsEmpty() &&
+            user->usePriv == !user->privPassword.IsEmpty() && (user->useAuth || !user->usePriv);
+        return isWhole ? user : nullptr;
+    }
+
+    void Finish() {
+        const std::wstring name = ProfileName();
+        const bool isEmpty = name.empty() && FieldText(dialog_, IDC_USER).empty() &&
+                             Chosen(dialog_, IDC_AUTH, kAuthLabels).empty() &&
+                             Chosen(dialog_, IDC_PRIV, kPrivLabels).empty();
+        const std::shared_ptr<Security> user = isEmpty ? nullptr : TypedUser();
+        if (!isEmpty && !user) return void(Say(Text(IDS_SNMP_BAD_USER)));
+        if (!name.empty() && !IsProfileName(name)) return void(Say(Text(IDS_PROFILE_BAD_NAME)));
+        if (user && !name.empty() && !Keep(name, *user)) return;
+        if (name.empty()) KeepLastProfile(name);
+        credentials_.community = ToUtf8(FieldText(dialog_, IDC_COMMUNITY));
+        credentials_.security = user;
+        End(TRUE);
+    }
+
+    // False: the user wants another name.
+    bool Keep(const std::wstring& name, const Security& user) const {
+        const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
+        const bool isThere = ReadProfile(name).has_value();
+        if (!isLoaded && isThere &&
+            Say(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+            return false;
+        KeepLastProfile(name);
+        if (isLoaded && isThere && isClosed_) return true;  // the note has said so
+        const KeepResult result = KeepProfile(name, user);
+        if (result == KeepResult::kNotSealed) Say(Text(IDS_PROFILE_NOT_SEALED));
+        if (result == KeepResult::kNotWritten) Say(Text(IDS_PROFILE_NOT_WRITTEN));
+        if (result == KeepResult::kLeftAlone) Say(Text(IDS_PROFILE_LEFT_ALONE, {name}));
+        return true;
+    }
+
+    void End(INT_PTR result) const {
+        // The fields have memory of their own.
+        for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD})
+            SetDlgItemTextW(dialog_, id, std::wstring(kMaxText, L' ').c_str());
+        EndDialog(dialog_, result);
+    }
+
+    Credentials& credentials_;
+    std::shared_ptr<const Security> known_;  // whose passwords need not be typed again
+    HWND dialog_ = nullptr;
+    std::vector<std::wstring> names_;
+    std::wstring loaded_;    // the profile whose user the fields show
+    bool isClosed_ = false;  // it cannot be opened
+};
 
 }  // namespace
 
 bool AskCredentials(HWND owner, Credentials& credentials) {
-    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_SNMP), owner, Procedure,
-                           reinterpret_cast<LPARAM>(&credentials)) == TRUE;
+    SnmpDialog dialog(credentials);
+    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_SNMP), owner,
+                           SnmpDialog::Procedure, reinterpret_cast<LPARAM>(&dialog)) == TRUE;
+}
+
+bool UseProfile(const std::wstring& name, Credentials& credentials) {
+    auto profile = ReadProfile(name);
+    if (!profile || !profile->isOpen) return false;
+    credentials.security = std::make_shared<const Security>(std::move(profile->security));
+    return true;
 }
 
 }  // namespace vndiscover::host

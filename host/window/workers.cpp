@@ -22,7 +22,16 @@ std::vector<Event> EventQueue::Drain() {
     return std::exchange(events_, {});
 }
 
-Workers::Workers(Engine& engine, EventQueue& events) : engine_(engine), events_(events) {}
+Workers::Workers(Engine& engine, EventQueue& events) : engine_(engine), events_(events) {
+    engine_.SetOnCall([this](Call call) { Tell(std::move(call)); });
+}
+
+void Workers::Tell(Call call) {
+    Event event;
+    event.kind = Event::kCalled;
+    event.call = std::move(call);
+    events_.Push(std::move(event));
+}
 
 Workers::~Workers() {
     constexpr auto kRepeat = std::chrono::milliseconds(50);
@@ -41,18 +50,30 @@ Workers::~Workers() {
     for (Line& line : lines_) {
         if (line.thread.joinable()) line.thread.join();
     }
+    engine_.SetOnCall(nullptr);
 }
 
 void Workers::Sweep(const std::vector<SweepStep>& steps) {
     for (const SweepStep& step : steps) {
-        Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp, {step, {}}, false);
+        Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp,
+            {step, {}, Task::kNetwork}, false);
     }
 }
 
 void Workers::Ask(const AskTarget& target, bool isUrgent) {
     SweepStep step;
     step.kind = target.kind;
-    Add(WorkerId::kDirected, {step, target}, isUrgent);
+    Add(WorkerId::kDirected, {step, target, Task::kNetwork}, isUrgent);
+}
+
+void Workers::Look(Task task) {
+    WorkerId free = WorkerId::kDirected;
+    for (const WorkerId worker : {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp}) {
+        if (IsBusy(worker)) continue;
+        free = worker;
+        break;
+    }
+    Add(free, {{}, {}, task}, true);
 }
 
 void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
@@ -60,7 +81,7 @@ void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
     Line& line = lines_[static_cast<size_t>(worker)];
     if (worker == WorkerId::kDirected) {
         const auto isSame = [&](const Job& other) {
-            return other.target.address == job.target.address;
+            return other.task == job.task && other.target.address == job.target.address;
         };
         const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), isSame);
         if (known != line.jobs.end()) {
@@ -75,13 +96,22 @@ void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
 }
 
 void Workers::Stop() {
+    bool isFirst = false;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        isStopped_ = true;
+        isFirst = !isStopped_.exchange(true);
         for (Line& line : lines_) line.jobs.clear();
     }
     engine_.StopSnmp();
     engine_.StopWsd();
+    if (!isFirst) return;
+    Call call;
+    call.time = UtcNow();
+    call.result = "0";
+    for (const char* name : {"StopDiscoverSnmp", "StopDiscoverSoap"}) {
+        call.name = name;
+        Tell(call);
+    }
 }
 
 bool Workers::IsBusy(WorkerId worker) const {
@@ -133,6 +163,7 @@ void Workers::Do(WorkerId worker, const Job& job) {
     event.worker = worker;
     event.step = job.step;
     event.time = UtcNow();
+    if (job.task != Task::kNetwork) return DoLook(job.task, std::move(event));
     if (worker == WorkerId::kDirected) {
         event.address = job.target.address;
         event.kind = Event::kAskBegan;
@@ -154,6 +185,17 @@ void Workers::Do(WorkerId worker, const Job& job) {
         answer.bytes = bytes;
         events_.Push(std::move(answer));
     });
+}
+
+void Workers::DoLook(Task task, Event event) {
+    if (task == Task::kAdapters) {
+        event.kind = Event::kAdapters;
+        event.adapters = engine_.IPv4();
+    } else {
+        event.kind = Event::kReport;
+        event.report = engine_.Report();
+    }
+    events_.Push(std::move(event));
 }
 
 }  // namespace vndiscover::host

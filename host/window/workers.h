@@ -26,6 +26,9 @@ struct Event {
         kAnswer,      // address, bytes
         kAskBegan,    // step.kind, address
         kAsked,       // step.kind, address, read
+        kAdapters,    // adapters
+        kReport,      // report
+        kCalled,      // call
         kIdle,        // the worker has nothing left to do
     };
     Kind kind = kIdle;
@@ -34,6 +37,9 @@ struct Event {
     SweepStep step;
     std::string address, bytes;
     PrinterAnswers read;
+    AdapterList adapters;
+    ComputerReport report;
+    Call call;
 };
 
 // Between the workers and the window.
@@ -63,6 +69,10 @@ class Workers {
     void Sweep(const std::vector<SweepStep>& steps);
     // `isUrgent`: before all that is waiting. A device that is waiting already is not asked twice.
     void Ask(const AskTarget& target, bool isUrgent);
+    // What this computer has, as kAdapters and kReport. These send nothing, but the system may take
+    // a second. A worker does them that has nothing else to do, or the directed one next.
+    void LookAtAdapters() { Look(Task::kAdapters); }
+    void MakeReport() { Look(Task::kReport); }
     // Ends sweeps and questions; call it until IsBusy says no, for a request that comes before the
     // worker has entered the module is lost.
     void Stop();
@@ -71,18 +81,23 @@ class Workers {
     size_t Waiting() const;  // devices that are to be asked
 
   private:
+    enum class Task { kNetwork, kAdapters, kReport };
     struct Job {
         SweepStep step;
         AskTarget target;
+        Task task = Task::kNetwork;
     };
     struct Line {
         std::deque<Job> jobs;
         bool isRunning = false;
         std::thread thread;
     };
+    void Look(Task task);
     void Add(WorkerId worker, Job job, bool isUrgent);
     void Run(WorkerId worker);
     void Do(WorkerId worker, const Job& job);
+    void DoLook(Task task, Event event);
+    void Tell(Call call);
 
     Engine& engine_;
     EventQueue& events_;

@@ -68,7 +68,7 @@ class Kit(unittest.TestCase):
         # iphlpapi, icmp and bcrypt are looked up at run time.
         system = "kernel32|msvcrt|ucrtbase|api-ms-win-crt-.*|ws2_32|advapi32|user32"
         for name, allowed in (("VnDiscover.dll", system), ("vndiscover.exe", system + "|shell32|ole32|oleaut32|vndiscover"),
-                              ("VnBrowser.exe", system + "|comctl32|comdlg32|gdi32|shell32|ole32|oleaut32|vndiscover"),
+                              ("VnBrowser.exe", system + "|comctl32|comdlg32|crypt32|gdi32|shell32|ole32|oleaut32|vndiscover"),
                               ("windows_check.exe", system + "|iphlpapi|bcrypt|psapi")):
             imported = re.findall(r"dll name: (.*)\.dll", run(OBJDUMP, "-p", KIT / "bin" / name).lower())
             self.assertTrue(imported)

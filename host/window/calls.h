@@ -1,0 +1,22 @@
+// What the engine calls for a step or a question, without its secrets.
+#ifndef VNDISCOVER_HOST_WINDOW_CALLS_H
+#define VNDISCOVER_HOST_WINDOW_CALLS_H
+
+#include <string>
+
+#include "model/call_text.h"
+#include "window/engine.h"
+
+namespace vndiscover::host {
+
+constexpr unsigned kUnusedSweepTimeoutMs = 5000;
+constexpr unsigned kWsdSilenceMs = 3000;
+
+// `probe`: of WS-Discovery alone.
+Call CallOf(const SweepStep& step, const std::string& probe);
+// A get-next request.
+Call CallOf(const AskTarget& target, const Oid& oid);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_CALLS_H

@@ -1,0 +1,169 @@
+#include "window/calls_window.h"
+
+#include <commctrl.h>
+
+#include <iterator>
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "values/plain_text.h"
+#include "window/dialog_texts.h"
+#include "window/dpi.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxCalls = 1000;
+constexpr struct {
+    unsigned heading;
+    int width;  // in pixels at 96 DPI
+} kColumns[] = {
+    {IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 330}, {IDS_CALL_RESULT, 190}, {IDS_CALL_MS, 50}};
+enum { kTime, kExport, kResult, kDuration };
+
+std::wstring CellText(const Call& call, int column) {
+    switch (column) {
+        case kTime:
+            return LocalTime(call.time);
+        case kExport:
+            return ToWide(PlainText(CallLine(call)));
+        case kResult:
+            return call.answers ? Text(IDS_CALL_ANSWERS,
+                                       {ToWide(call.result), std::to_wstring(*call.answers)})
+                                : ToWide(PlainText(call.result));
+        default:
+            return std::to_wstring(call.milliseconds);
+    }
+}
+
+// As an edit control breaks its lines.
+std::wstring Lines(const std::string& text) {
+    std::string lines;
+    for (const char letter : text)
+        lines += letter == '\n' ? std::string("\r\n") : std::string(1, letter);
+    return ToWide(lines);
+}
+
+}  // namespace
+
+CallsWindow::~CallsWindow() {
+    if (dialog_) DestroyWindow(dialog_);
+}
+
+void CallsWindow::Add(Call call) {
+    calls_.push_front(std::move(call));
+    if (calls_.size() > kMaxCalls) calls_.pop_back();
+    ++added_;
+}
+
+void CallsWindow::Refresh() {
+    const size_t added = std::exchange(added_, 0);
+    if (!dialog_ || added == 0) return;
+    const HWND list = GetDlgItem(dialog_, IDC_CALLS);
+    const int selected = ListView_GetNextItem(list, -1, LVNI_SELECTED);
+    ListView_SetItemCountEx(list, static_cast<int>(calls_.size()), LVSICF_NOSCROLL);
+    // The selection stays with its call.
+    const size_t row = selected < 0 ? 0 : static_cast<size_t>(selected) + added;
+    ListView_SetItemState(list, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+    if (row < calls_.size())
+        ListView_SetItemState(list, static_cast<int>(row), LVIS_SELECTED | LVIS_FOCUSED,
+                              LVIS_SELECTED | LVIS_FOCUSED);
+    InvalidateRect(list, nullptr, FALSE);
+    if (selected < 0 || row >= calls_.size()) ShowText();
+}
+
+void CallsWindow::Open(HWND owner) {
+    if (!dialog_)
+        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_CALLS), owner, Procedure,
+                           reinterpret_cast<LPARAM>(this));
+    if (!dialog_) return;
+    ShowWindow(dialog_, SW_SHOW);
+    SetActiveWindow(dialog_);
+}
+
+INT_PTR CALLBACK CallsWindow::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
+        reinterpret_cast<CallsWindow*>(lParam)->Begin(dialog);
+        return TRUE;
+    }
+    auto* self = reinterpret_cast<CallsWindow*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
+    if (!self) return FALSE;
+    if (message == WM_COMMAND) self->OnCommand(LOWORD(wParam), HIWORD(wParam));
+    if (message == WM_NCDESTROY) self->dialog_ = nullptr;
+    if (message != WM_NOTIFY) return FALSE;
+    const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+    if (header->code == LVN_GETDISPINFOW) self->FillCell(lParam);
+    if (header->code == LVN_ITEMCHANGED) self->ShowText();
+    return FALSE;
+}
+
+void CallsWindow::Begin(HWND dialog) {
+    dialog_ = dialog;
+    SetDialogTexts(dialog, IDS_CALLS_TITLE);
+    SetDlgItemTextW(dialog, IDCANCEL, Text(IDS_CALL_CLOSE).c_str());
+    const HWND list = GetDlgItem(dialog, IDC_CALLS);
+    SetWindowTextW(list, Text(IDS_CALLS_TITLE).c_str());
+    ListView_SetExtendedListViewStyle(list, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
+    const int dpi = DpiOf(dialog);
+    for (size_t index = 0; index < std::size(kColumns); ++index) {
+        std::wstring heading = Text(kColumns[index].heading);
+        LVCOLUMNW column = {};
+        column.mask = LVCF_TEXT | LVCF_WIDTH;
+        column.cx = MulDiv(kColumns[index].width, dpi, 96);
+        column.pszText = heading.data();
+        SendMessageW(list, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
+    }
+    CheckRadioButton(dialog, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_CPP);
+    added_ = calls_.size();
+    ShowText();
+    Refresh();
+}
+
+void CallsWindow::OnCommand(int id, int code) {
+    if (id == IDCANCEL) DestroyWindow(dialog_);
+    if (code != BN_CLICKED) return;
+    if (id >= IDS_CALL_CPP && id <= IDS_CALL_COMMAND) ShowText();
+    const HWND text = GetDlgItem(dialog_, IDC_CALL_TEXT);
+    if (id != IDS_CALL_COPY || GetWindowTextLengthW(text) == 0) return;
+    std::wstring copy(static_cast<size_t>(GetWindowTextLengthW(text)) + 1, L'\0');
+    copy.resize(
+        static_cast<size_t>(GetWindowTextW(text, copy.data(), static_cast<int>(copy.size()))));
+    onCopy_(copy);
+}
+
+void CallsWindow::FillCell(LPARAM info) const {
+    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW*>(info)->item;
+    const auto row = static_cast<size_t>(item.iItem);
+    if (!(item.mask & LVIF_TEXT) || row >= calls_.size()) return;
+    lstrcpynW(item.pszText, CellText(calls_[row], item.iSubItem).c_str(), item.cchTextMax);
+}
+
+const Call* CallsWindow::Selected() const {
+    const int row = ListView_GetNextItem(GetDlgItem(dialog_, IDC_CALLS), -1, LVNI_SELECTED);
+    return row < 0 || static_cast<size_t>(row) >= calls_.size() ? nullptr
+                                                                : &calls_[static_cast<size_t>(row)];
+}
+
+void CallsWindow::ShowText() {
+    const Call* call = Selected();
+    std::wstring text = Text(IDS_CALLS_NONE);
+    if (call) {
+        const CallLanguage language =
+            IsDlgButtonChecked(dialog_, IDS_CALL_COMMAND)  ? CallLanguage::kCommand
+            : IsDlgButtonChecked(dialog_, IDS_CALL_CSHARP) ? CallLanguage::kCSharp
+                                                           : CallLanguage::kCpp;
+        text = Lines(CallText(*call, language));
+        if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);
+    }
+    // Else it would lose its place while calls come.
+    const HWND edit = GetDlgItem(dialog_, IDC_CALL_TEXT);
+    std::wstring shown(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
+    shown.resize(
+        static_cast<size_t>(GetWindowTextW(edit, shown.data(), static_cast<int>(shown.size()))));
+    if (shown != text) SetWindowTextW(edit, text.c_str());
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,46 @@
+// The calls of the module that the window has made, each as texts to copy.
+#ifndef VNDISCOVER_HOST_WINDOW_CALLS_WINDOW_H
+#define VNDISCOVER_HOST_WINDOW_CALLS_WINDOW_H
+
+#include <windows.h>
+
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "model/call_text.h"
+
+namespace vndiscover::host {
+
+class CallsWindow {
+  public:
+    using OnCopy = std::function<void(const std::wstring& text)>;
+    explicit CallsWindow(OnCopy onCopy) : onCopy_(std::move(onCopy)) {}
+    ~CallsWindow();
+    CallsWindow(const CallsWindow&) = delete;
+    CallsWindow& operator=(const CallsWindow&) = delete;
+
+    // Of many, the last thousand are kept.
+    void Add(Call call);
+    // What was added since the last time appears.
+    void Refresh();
+    void Open(HWND owner);
+    HWND Handle() const { return dialog_; }  // null: not open
+
+  private:
+    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    void Begin(HWND dialog);
+    void OnCommand(int id, int code);
+    void FillCell(LPARAM info) const;
+    void ShowText();
+    const Call* Selected() const;
+
+    OnCopy onCopy_;
+    std::deque<Call> calls_;  // the newest first, as the list shows them
+    size_t added_ = 0;        // since Refresh
+    HWND dialog_ = nullptr;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_CALLS_WINDOW_H

@@ -1,0 +1,126 @@
+#include "window/profiles.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <dpapi.h>
+
+#include <cstring>
+
+namespace {
+
+bool canSeal = true;
+
+BOOL WINAPI SealOrFail(DATA_BLOB* in, LPCWSTR description, DATA_BLOB* entropy, PVOID reserved,
+                       CRYPTPROTECT_PROMPTSTRUCT* prompt, DWORD flags, DATA_BLOB* out) {
+    using Seal = decltype(&SealOrFail);
+    const auto address = GetProcAddress(LoadLibraryW(L"crypt32"), "CryptProtectData");
+    const auto seal = reinterpret_cast<Seal>(reinterpret_cast<void*>(address));
+    return canSeal && seal(in, description, entropy, reserved, prompt, flags, out);
+}
+
+}  // namespace
+
+// In front of the import library's.
+extern "C" void* const __imp_CryptProtectData = reinterpret_cast<void*>(&SealOrFail);
+
+namespace vndiscover::host {
+namespace {
+
+constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
+
+Security Admin() {
+    Security security;
+    security.user = L"admin";
+    security.authLabel = L"SHA-2(256)";
+    security.privLabel = L"AES";
+    security.useAuth = security.usePriv = true;
+    security.authPassword = Secret(L"authpass1");
+    security.privPassword = Secret(L"privpass1");
+    return security;
+}
+
+std::string Stored() {
+    std::string bytes(4096, '\0');
+    DWORD size = 4096;
+    const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, kKey, L"User", RRF_RT_REG_BINARY,
+                                        nullptr, bytes.data(), &size);
+    return status == ERROR_SUCCESS ? bytes.substr(0, size) : "";
+}
+
+void Store(const std::string& bytes) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, bytes.data(),
+                    static_cast<DWORD>(bytes.size()));
+}
+
+std::string Wide(const wchar_t* text) {
+    return {reinterpret_cast<const char*>(text), wcslen(text) * sizeof(wchar_t)};
+}
+
+class Profiles : public testing::Test {
+  protected:
+    void TearDown() override { DeleteProfile(L"Office"); }
+};
+
+TEST_F(Profiles, KeepAUserWithSealedPasswords) {
+    ASSERT_EQ(KeepResult::kKept, KeepProfile(L"Office", Admin()));
+    EXPECT_EQ(std::vector<std::wstring>{L"Office"}, ProfileNames());
+    const auto profile = ReadProfile(L"office");
+    ASSERT_TRUE(profile && profile->isOpen);
+    EXPECT_EQ(L"admin", profile->security.user);
+    EXPECT_EQ(L"AES", profile->security.privLabel);
+    EXPECT_STREQ(L"authpass1", profile->security.authPassword.Get());
+    EXPECT_STREQ(L"privpass1", profile->security.privPassword.Get());
+    for (const wchar_t* password : {L"authpass1", L"privpass1"})
+        EXPECT_EQ(std::string::npos, Stored().find(Wide(password)));
+    EXPECT_TRUE(DeleteProfile(L"Office"));
+    EXPECT_FALSE(ReadProfile(L"Office"));
+    EXPECT_TRUE(ProfileNames().empty());
+}
+
+TEST_F(Profiles, KeepNothingThatCannotBeSealed) {
+    canSeal = false;
+    EXPECT_EQ(KeepResult::kNotSealed, KeepProfile(L"Office", Admin()));
+    canSeal = true;
+    EXPECT_EQ("", Stored());
+}
+
+// Another computer's, a damaged one, or one whose protocols somebody has weakened.
+TEST_F(Profiles, LeaveAloneWhatCannotBeOpened) {
+    ASSERT_EQ(KeepResult::kKept, KeepProfile(L"Office", Admin()));
+    const std::string good = Stored();
+    std::string damaged = good, weakened = good;
+    damaged.back() ^= 1;
+    weakened.replace(weakened.find(Wide(L"AES")), 6, Wide(L"DES"));
+    for (const std::string& bytes : {damaged, weakened, good.substr(0, good.size() / 2)}) {
+        Store(bytes);
+        const auto profile = ReadProfile(L"Office");
+        ASSERT_TRUE(profile);
+        EXPECT_FALSE(profile->isOpen);
+        EXPECT_EQ(L"admin", profile->security.user);
+        EXPECT_TRUE(profile->security.authPassword.IsEmpty());
+        EXPECT_EQ(KeepResult::kLeftAlone, KeepProfile(L"Office", Admin()));
+        EXPECT_EQ(bytes, Stored());
+    }
+    for (size_t size = 0; size < 20; ++size) {
+        Store(good.substr(0, size));
+        EXPECT_FALSE(ReadProfile(L"Office")) << size;
+        EXPECT_EQ(KeepResult::kLeftAlone, KeepProfile(L"Office", Admin())) << size;
+    }
+}
+
+TEST_F(Profiles, HaveNamesThatAreOneKey) {
+    for (const std::wstring& name : {std::wstring(), std::wstring(L"a\\b"), std::wstring(L"a\n"),
+                                     std::wstring(kMaxProfileName + 1, L'a')}) {
+        EXPECT_FALSE(IsProfileName(name));
+        EXPECT_EQ(KeepResult::kNotWritten, KeepProfile(name, Admin()));
+        EXPECT_FALSE(ReadProfile(name));
+        EXPECT_FALSE(DeleteProfile(name));
+    }
+    KeepLastProfile(L"Office");
+    EXPECT_EQ(L"Office", LastProfile());
+}
+
+}  // namespace
+}  // namespace vndiscover::host

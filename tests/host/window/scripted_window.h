@@ -1,0 +1,136 @@
+// A window in this process, over an engine that follows a script. Nothing is shown: the display is
+// Wine's null driver.
+#ifndef VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
+#define VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "values/object_names.h"
+#include "window/main_window.h"
+#include "window/resource.h"
+
+namespace vndiscover::host {
+
+constexpr DWORD kPatienceMs = 10000;
+
+// Sweeps wait for what the test lets devices say, and end with a stop or with End.
+class ScriptedEngine : public Engine {
+  public:
+    void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
+        if (step.kind == SweepKind::kWsd) return;
+        std::unique_lock<std::mutex> lock(mutex_);
+        isInSweep_ = true;
+        while (true) {
+            changed_.wait(lock, [&] { return isOver_ || !answers_.empty(); });
+            for (const auto& [address, value] : std::exchange(answers_, {}))
+                onAnswer(address.c_str(), value);
+            if (isOver_) break;
+        }
+        isInSweep_ = isOver_ = false;
+    }
+    // Like the module, forgets a request that comes while no sweep runs.
+    void StopSnmp() override {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        isOver_ = isInSweep_;
+        ++stops;
+        changed_.notify_all();
+    }
+    void StopWsd() override {}
+    PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
+        ++reads;
+        PrinterAnswers answers;
+        const Oid oid = *ParseOidOrName("prtGeneralSerialNumber.1");
+        if (target.address != "10.77.1.3")  // which is silent
+            answers.values[oid] = {Status::kAnswered, oid, 4, "SERIAL 1", 8, ""};
+        return answers;
+    }
+    AdapterList IPv4() override { return {}; }
+    ComputerReport Report() override { return {}; }
+
+    void Say(const std::string& address, const std::string& value) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        answers_.emplace_back(address, value);
+        changed_.notify_all();
+    }
+    void End() { StopSnmp(); }
+    std::atomic<int> stops{0}, reads{0};
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::vector<std::pair<std::string, std::string>> answers_;
+    bool isInSweep_ = false, isOver_ = false;
+};
+
+inline std::wstring TextOf(HWND window) {
+    wchar_t text[300] = L"";
+    GetWindowTextW(window, text, 300);
+    return text;
+}
+
+class MainWindowTest : public testing::Test {
+  protected:
+    void Open(StartOptions options = {}) { window_.emplace(engine_, std::move(options)); }
+    HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
+    void Command(int id) {
+        SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);
+    }
+
+    // Handles messages until the condition holds; false: it never did.
+    template <class Condition>
+    bool Until(Condition condition) {
+        const ULONGLONG end = GetTickCount64() + kPatienceMs;
+        while (!condition()) {
+            MSG message;
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) window_->Dispatch(message);
+            if (GetTickCount64() > end) return false;
+            Sleep(5);
+        }
+        return true;
+    }
+    std::wstring Cell(int row, int column) const {
+        wchar_t text[200] = L"";
+        LVITEMW item = {};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = 200;
+        SendMessageW(Control(IDC_DEVICES), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
+                     reinterpret_cast<LPARAM>(&item));
+        return text;
+    }
+    std::wstring Addresses() const {
+        std::wstring all;
+        const int count = ListView_GetItemCount(Control(IDC_DEVICES));
+        for (int row = 0; row < count; ++row) all += Cell(row, 2) + L";";
+        return all;
+    }
+    int Selected() const { return ListView_GetNextItem(Control(IDC_DEVICES), -1, LVNI_SELECTED); }
+    void Select(int row) {
+        ListView_SetItemState(Control(IDC_DEVICES), row, LVIS_SELECTED, LVIS_SELECTED);
+    }
+    void ClickColumn(int column) {
+        NMLISTVIEW click = {};
+        click.hdr = {Control(IDC_DEVICES), IDC_DEVICES, LVN_COLUMNCLICK};
+        click.iSubItem = column;
+        SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&click));
+    }
+
+    ScriptedEngine engine_;
+    std::optional<MainWindow> window_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
