@@ -28,11 +28,12 @@ function(_third_party_libraries)
     # OpenSSL and pugixml are built from the upstream sources, without the distribution's changes.
     string(REGEX REPLACE "-[^-]*$" "" openssl "${version_OpenSSL}")
     _third_party_row(cJSON "${version_cJSON}" MIT "pkg:deb/debian/cjson@${version_cJSON}?arch=source"
-                     "VnDiscover.dll and vndiscover.exe" ${texts}/cJSON.txt)
+                     "VnDiscover.dll, vndiscover.exe, VnBrowser.exe" ${texts}/cJSON.txt)
     _third_party_row(OpenSSL "${openssl}" Apache-2.0 "pkg:generic/openssl@${openssl}"
                      "VnDiscover.dll (AES of libcrypto)" ${texts}/OpenSSL.txt)
     _third_party_row(pugixml "${version_pugixml}" MIT
-                     "pkg:generic/pugixml@${version_pugixml}" vndiscover.exe ${texts}/pugixml.txt)
+                     "pkg:generic/pugixml@${version_pugixml}" "vndiscover.exe, VnBrowser.exe"
+                     ${texts}/pugixml.txt)
     _third_party_row(CLI11 "${version_CLI11}" BSD-3-Clause
                      "pkg:deb/debian/cli11@${version_CLI11}?arch=source" vndiscover.exe
                      ${texts}/CLI11.txt)
@@ -42,15 +43,16 @@ endfunction()
 function(_third_party_runtime)
     set(gcc gcc-mingw-w64-x86-64-posix-runtime)
     set(crt mingw-w64-x86-64-dev)
+    set(programs "VnDiscover.dll, vndiscover.exe, VnBrowser.exe, windows_check.exe")
     _package_version(gccVersion ${gcc})
     _package_version(crtVersion ${crt})
     _third_party_row("GCC runtime libraries" "${gccVersion}"
                      "GPL-3.0-or-later WITH GCC-exception-3.1"
-                     "pkg:deb/debian/${gcc}@${gccVersion}" "VnDiscover.dll and vndiscover.exe"
+                     "pkg:deb/debian/${gcc}@${gccVersion}" "${programs}"
                      /usr/share/doc/${gcc}/copyright)
     _third_party_row("mingw-w64" "${crtVersion}" "ZPL-2.1 AND MIT AND BSD-3-Clause"
                      "pkg:deb/debian/mingw-w64@${crtVersion}?arch=source"
-                     "VnDiscover.dll and vndiscover.exe" /usr/share/doc/${crt}/copyright)
+                     "${programs}" /usr/share/doc/${crt}/copyright)
 endfunction()
 
 # The commit's time in seconds; SOURCE_DATE_EPOCH overrules.
