@@ -4,7 +4,7 @@
 #               symbols in a .debug file
 #   include/    vndiscover.h
 #   lib/        libVnDiscover.dll.a (mingw), VnDiscover.lib (MSVC), pkgconfig/, cmake/VnDiscover/
-#   docs/ examples/
+#   README.md, CHANGELOG.md, CONTRIBUTING.md, docs/, examples/
 #   licenses/   third-party licence texts; THIRD-PARTY-NOTICES.txt says what is linked where
 #   sbom.cdx.json, SHA256SUMS
 #
@@ -99,7 +99,8 @@ configure_file(${_parts}/vndiscover.pc.in ${_stage}/pkgconfig/vndiscover.pc @ONL
 install(FILES ${_stage}/pkgconfig/vndiscover.pc DESTINATION lib/pkgconfig)
 
 # ---------------------------------------------------------------- documents, notices, bill of materials
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION docs FILES_MATCHING PATTERN "*.md")
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md DESTINATION .)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION docs FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION examples)
 vndiscover_third_party(${_stage})
 if(EXISTS ${_stage}/sbom.cdx.json)

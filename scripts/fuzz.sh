@@ -1,5 +1,5 @@
 #!/bin/bash
-# fuzz.sh [SECONDS]: runs each of the two fuzz targets for SECONDS (default 600), from the seeds in
+# fuzz.sh [SECONDS]: runs each fuzz target for SECONDS (default 600), two at a time, from the seeds in
 # tests/fuzz/corpus, then measures which lines of the portable code the inputs found reach. The inputs stay in
 # build/fuzz/found; a fault ends the run with an error and leaves its input in build/fuzz.
 set -euo pipefail

@@ -20,9 +20,9 @@ constexpr size_t kMaxCommunity = 255;  // what a request can hold
 constexpr UINT kUnusedTimeoutMs = 5000;
 
 constexpr char kExamples[] =
-    R"(Devices are printed as they arrive. One that answers twice, or on two adapters,
-has two rows. Ctrl-C ends the sweep and keeps what was printed; a second Ctrl-C
-ends the program at once.
+    R"(The devices of a network are printed after 2 s without an answer. One that
+answers twice, or on two adapters, has two rows. Ctrl-C ends the sweep and keeps
+what was printed; a second Ctrl-C ends the program at once.
 
 A --json file names the OIDs to ask each device for; the answers replace the
 empty strings:

@@ -5,12 +5,14 @@ import concurrent.futures
 import csv
 import io
 import json
+import os
+import re
 import shutil
 import subprocess
 import unittest
 from pathlib import Path
 
-from lab import AGENT, AGENT6, AGENT_CONF, LAB, SECRETS, V3, found, main, run, run_on_terminal, start_in
+from lab import AGENT, AGENT6, AGENT_CONF, LAB, SCRIPTS, SECRETS, V3, found, main, run, run_on_terminal, start_in
 
 SILENT = "10.77.1.99"
 SYSTEM = ".1.3.6.1.2.1.1"
@@ -19,6 +21,7 @@ LOCATION_TEXT = 'Hall "B", 2nd floor'
 WRITABLE, LETTER, MAC, ZERO, LONG = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in range(1, 6))
 RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
 HAS_WSDD = shutil.which("wsdd")
+PAGE = Path(SCRIPTS).parent.parent / "docs/vndiscover.md"
 REPEATS = 2 if HAS_WSDD else 1  # of each reply, as UDP may lose one
 CONF = f"""{AGENT_CONF}
 rwcommunity secret
@@ -31,6 +34,13 @@ override {MAC} octet_str 0x3c2af400f51b
 override {ZERO} octet_str 0x00
 override {LONG} octet_str "{243 * 'x'}"
 """
+
+
+def with_help(page, heading, text):
+    """The page with this text in the first block after a heading."""
+    before, heading, after = page.partition(f"\n{heading}\n")
+    block = "```text\n" + re.sub(r" +$", "", text.strip("\n"), flags=re.MULTILINE) + "\n```"
+    return before + heading + re.sub(r"^```text\n.*?^```$", lambda _: block, after, count=1, flags=re.MULTILINE | re.DOTALL)
 
 
 class Usage(unittest.TestCase):
@@ -46,11 +56,22 @@ class Usage(unittest.TestCase):
             self.assertEqual((2, ""), (code, out), err)
             self.assertIn("--help'", err)
 
-    def test_help_names_examples_and_exit_codes(self):
-        for command in ("sweep", "get", "set", "walk", "printer", "wsd", "doctor"):
-            out = found(command, "--help")
-            self.assertIn("Exit codes: 0", out)
-            self.assertLessEqual(max(map(len, out.split("\n"))), 80, command)
+    def test_the_page_of_the_command_line_holds_every_help(self):
+        page, overview = PAGE.read_text(encoding="utf-8"), found("--help")
+        commands = re.findall(r"^  (\w+) ", overview.split("\nSubcommands:\n")[1], re.MULTILINE)
+        self.assertEqual(sorted(commands), sorted(re.findall(r"^### (.+)$", page, re.MULTILINE)))
+        fresh = with_help(page, "## What all commands share", overview)
+        for command in commands:
+            text = found(command, "--help")
+            self.assertIn("Exit codes: 0", text, command)
+            self.assertLessEqual(max(map(len, text.split("\n"))), 80, command)
+            fresh = with_help(fresh, "### " + command, text)
+        if os.environ.get("VNDISCOVER_UPDATE_DOCS"):
+            PAGE.write_text(fresh, encoding="utf-8")
+            self.skipTest(f"{PAGE.name} is written")
+        self.assertEqual(page, fresh)
+
+    def test_version(self):
         self.assertRegex(run("--version")[1], r"^VnDiscover \d+\.\d+")
 
 

@@ -1,13 +1,16 @@
-"""docs_test.py SOURCE: what repeats the code says the same: every export is explained, every link leads somewhere,
-the diagram of includes is the one that the sources make; the C# declarations are the header's in names, order and
-types of arguments, results, constants and the record's layout.
+"""docs_test.py SOURCE: what repeats the code says the same. Documents: every export is explained; links, pictures, files,
+commands with their options, names and figures are the tree's; the diagram of includes is the one that the sources make.
+The C# declarations are the header's in names, order and types of arguments, results, constants and the record's layout.
 """
+import json
 import re
+import shlex
 import sys
 import unittest
 from pathlib import Path
 
 SOURCE = Path(sys.argv.pop(1))
+DOCUMENTS = [*sorted(SOURCE.glob("*.md")), *sorted((SOURCE / "docs").glob("*.md"))]
 ROOMS = {"snmp/codec": "codec", "snmpv3/codec": "v3codec", "snmpv3/crypto": "crypto", "interface/delivery": "delivery"}
 FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", *ROOMS.values())
 
@@ -17,6 +20,58 @@ TYPES = {"HWND": "IntPtr", "UINT": "uint", "BYTE": "byte", "int32_t": "int", "ui
          "const char*": r"(\[MarshalAs\(UnmanagedType.LPStr\)\] string|byte\[\])", "char*": r"\[Out\] byte\[\]",
          "uint8_t*": r"\[In, Out\] byte\[\]", "VnResponseRecord*": "ref VnResponseRecord"}
 WIDTHS = {"uint8_t": 1, "char": 1, "uint16_t": 2, "byte[]": 1, "ushort": 2}
+
+
+TREE = "include|src|host|check|tests|scripts|cmake|docs|examples|bench"
+
+# What a document says, and where the code says it. The figure of the code may be in thousandths.
+FIGURES = [
+    ("docs/security.md", r"Datagram \| ([\d,]+) bytes", "src/net/sckraw.h", r"kMaxDatagram = (\d+);"),
+    ("docs/security.md", r"Answers held per local address \| ([\d,]+)", "src/snmp/device_table.h", r"kTableCapacity = (\d+);"),
+    ("docs/security.md", r"SNMP sweep per local address \| (\d+) s", "src/snmp/sweep.h", r"kReceiveWaitMs, (\d+)000, "),
+    ("docs/security.md", r"plus one wait of (\d+) s", "src/snmp/exchange.h", r"kReceiveWaitMs = (\d+)000;"),
+    ("docs/security.md", r"pauses of (\d+) ms", "src/net/datagram_collector.cpp", r"kErrorPauseMs = (\d+);"),
+    ("docs/security.md", r"WS-Discovery sweep per local address \| (\d+) s", "src/wsd/vx_soap_mgr.h", r"kSoapCollectionMs = (\d+)000;"),
+    ("docs/security.md", r"Directed request \| (\d+) waits", "src/snmp/exchange.h", r"kRequestAttempts = (\d+);"),
+    ("docs/security.md", r"Value, OID, .* \| \d+ \(SNMPv3: \d+\), (\d+), ", "include/vndiscover.h", r"VN_REQUEST_OID_MAX (\d+)"),
+    ("docs/security.md", r"that each receive a malformed answer|(\d+) threads", "tests/hardening/host_test.cpp", r"after = run\((\d+)\)"),
+    ("docs/security.md", r"unload, (\d+) times in one process", "tests/hardening/host_test.cpp", r"std::atoi\(setting\) : (\d+);"),
+    ("docs/host-guide.md", r"Request: fewer than ([\d,]+) bytes", "include/vndiscover.h", r"VN_JSON_REQUEST_SIZE (\d+)"),
+    ("docs/host-guide.md", r"`userName` \| fewer than (\d+) bytes", "src/snmpv3/codec/usm_header.cpp", r"kSavedNameSize = (\d+);"),
+    ("docs/host-guide.md", r"assumes (\d+) \(", "include/vndiscover.h", r"VN_INFORMATION_SIZE (\d+)"),
+    ("docs/protocol-behaviours.md", r"Every message carries message identifier (\d+)", "src/snmpv3/codec/message_builder.cpp", r"kDefaultMsgId = (\d+);"),
+]
+
+
+def texts(*patterns):
+    return "".join(path.read_text(encoding="utf-8") for pattern in patterns for path in sorted(SOURCE.rglob(pattern))
+                   if "build" not in path.relative_to(SOURCE).parts[:1])
+
+
+def prose(document):
+    """A document without its code."""
+    return re.sub(r"^ *```.*?^ *```|`[^`\n]*`", "", document.read_text(encoding="utf-8"), flags=re.S | re.M)
+
+
+def anchors(document):
+    """What a forge makes of the headings."""
+    return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
+            for heading in re.findall(r"^#+ (.+)$", document.read_text(encoding="utf-8"), flags=re.M)}
+
+
+def commands():
+    """(document, words) of each command in a document, without environment, pipes and comments."""
+    for document in DOCUMENTS:
+        text = document.read_text(encoding="utf-8")
+        lines = re.findall(r"`((?:scripts/[\w/.-]+|vndiscover|ctest|cmake|VNDISCOVER_\w+=\S+) [^`\n]+)`", text)
+        for block in re.findall(r"^ *```sh\n(.*?)^ *```", text, flags=re.S | re.M):
+            lines += block.replace("\\\n", " ").splitlines()
+        for line in lines:
+            words = [word for word in shlex.split(line, comments=True)]
+            while words and re.fullmatch(r"[A-Z_]+=.*", words[0]):
+                words.pop(0)
+            if words:
+                yield document, words
 
 
 def folder_of(path):
@@ -57,9 +112,76 @@ class Documents(unittest.TestCase):
         self.assertEqual([], [name for name in exports if not re.search(rf"\b{name}\b", guide)])
 
     def test_links_lead_somewhere(self):
-        for document in [SOURCE / "README.md", *(SOURCE / "docs").glob("*.md")]:
-            for target in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", document.read_text(encoding="utf-8")):
-                self.assertTrue((document.parent / target).exists(), f"{document.name}: {target}")
+        for document in DOCUMENTS:
+            for target, anchor in re.findall(r"\]\(([^)#:]*)(?:#([^)]*))?\)", prose(document)):
+                path = document.parent / target if target else document
+                self.assertTrue(path.exists(), f"{document.name}: {target}")
+                if anchor:
+                    self.assertIn(anchor, anchors(path), f"{document.name}: {target}")
+
+    def test_each_picture_is_in_one_document_and_described(self):
+        shown = [(document.parent / path).resolve() for document in DOCUMENTS
+                 for path in re.findall(r"!\[[^\]]{20,}\]\(([^)]+)\)", prose(document))]
+        self.assertEqual(sorted(SOURCE.glob("docs/*.png")), sorted(shown))
+
+    def test_files_that_are_named_exist(self):
+        roots = [SOURCE, SOURCE / "src", SOURCE / "host"]
+        for document in DOCUMENTS:
+            for name in re.findall(r"(?:(?<=`)|(?<=\s))(?:\./)?((?:%s)/[\w./*-]*|[\w-]+(?:/[\w-]+)+\.\w+)(?=[`\s])" % TREE,
+                                   document.read_text(encoding="utf-8")):
+                if not re.match(r"(build|lib|licenses|bin)/|.*[A-Z]{4}", name):
+                    self.assertTrue(any(list(root.glob(name)) for root in roots), f"{document.name}: {name}")
+
+    def test_commands_and_their_options_exist(self):
+        presets = [preset["name"] for file in ("CMakePresets.json", "cmake/presets/windows.json")
+                   for preset in json.loads((SOURCE / file).read_text())["configurePresets"]]
+        cmake = texts("CMakeLists.txt")
+        tests = [path.stem[:-5] for path in SOURCE.glob("tests/lab/*_test.py")]
+        fuzzed = [path.stem[5:] for path in SOURCE.glob("tests/fuzz/fuzz_*.cpp")]
+        known = {"--preset": presets,
+                 "--target": re.findall(r"add_(?:executable|library|custom_target)\((\w+)", cmake),
+                 "-R": re.findall(r"vn_test\(([\w.]+) ", cmake) + ["lab." + name for name in tests] +
+                       ["fuzz." + name for name in fuzzed]}
+        # lab.console compares this page with the program.
+        page = (SOURCE / "docs/vndiscover.md").read_text(encoding="utf-8")
+        console = {name: re.findall(r"(?<![\w-])--?[A-Za-z][\w-]*", text) for name, text in
+                   re.findall(r"^### (\w+)\n.*?^```text\n(.*?)^```", page, flags=re.S | re.M)}
+        used = 0
+        for document, words in commands():
+            line = f"{document.name}: {' '.join(words)}"
+            for option, value in zip(words, words[1:]):
+                self.assertTrue(any(re.search(value, name) for name in known.get(option, [value])), line)
+            script = next((word for word in words if word.startswith("scripts/")), None)
+            if script:
+                self.assertTrue((SOURCE / script).stat().st_mode & 0o100, line)
+            if script == words[0]:
+                text = (SOURCE / script).read_text(encoding="utf-8")
+                self.assertEqual([], [word for word in words if re.fullmatch(r"--[\w-]+", word) and word not in text], line)
+            if words[0] == "vndiscover" and words[1] in console:
+                self.assertEqual([], [word for word in words[2:] if re.fullmatch(r"--?[A-Za-z][\w-]*", word)
+                                      and word not in console[words[1]]], line)
+            elif words[0] == "vndiscover":
+                self.assertRegex(" ".join(words[1:]), r"^(COMMAND|--help|--version)", line)
+            used += 1
+        self.assertGreater(used, 40)
+
+    def test_tests_and_settings_that_are_named_exist(self):
+        tests, header = texts("tests/**/*.cpp"), texts("include/*.h")
+        everything = header + tests + texts("*.txt", "cmake/*.cmake", "scripts/**/*.sh", "tests/**/*.py", "bench/*.sh", "host/**/*.cpp")
+        for document in DOCUMENTS:
+            text = document.read_text(encoding="utf-8")
+            names = [rf"TEST(_F|_P)?\({suite}, {test}" for suite, test in
+                     re.findall(r"(?:suites? |gtest_filter='?)([A-Z]\w+)(?:\.(\w+))?", text)]
+            self.assertEqual([], [name for name in names if not re.search(name, tests)], document.name)
+            names = re.findall(r"\b(?:VNDISCOVER|BENCH|VN)_[A-Z0-9_]*[A-Z0-9]\b", text)
+            self.assertEqual([], [name for name in names if name not in everything], document.name)
+
+    def test_figures_are_the_code_s(self):
+        for document, said, file, defined in FIGURES:
+            figure = re.search(said, (SOURCE / document).read_text(encoding="utf-8"))
+            value = re.search(defined, (SOURCE / file).read_text(encoding="utf-8"))
+            self.assertTrue(figure and value, said)
+            self.assertEqual(eval(value[1].replace("'", "")), int(figure[1].replace(",", "")), said)  # "64 << 20"
 
     def test_the_diagram_of_includes_is_true(self):
         text = (SOURCE / "docs/architecture.md").read_text(encoding="utf-8")

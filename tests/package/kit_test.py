@@ -15,11 +15,11 @@ BUILD, SOURCE, DEPS, KIT = (Path(os.environ[name]) for name in ("BUILD", "SOURCE
 NM, OBJDUMP = os.environ["NM"], os.environ["OBJDUMP"]
 
 FILES = """
-    SHA256SUMS THIRD-PARTY-NOTICES.txt sbom.cdx.json
+    CHANGELOG.md CONTRIBUTING.md README.md SHA256SUMS THIRD-PARTY-NOTICES.txt sbom.cdx.json
     bin/VnDiscover.dll bin/VnDiscover.dll.debug bin/vndiscover.exe bin/vndiscover.exe.debug
     bin/VnBrowser.exe bin/VnBrowser.exe.debug
     bin/windows_check.exe bin/windows_check.exe.debug
-    docs/architecture.md docs/host-guide.md docs/protocol-behaviours.md
+    docs/architecture.md docs/host-guide.md docs/protocol-behaviours.md docs/vndiscover.md docs/vnbrowser.md
     examples/CMakeLists.txt examples/c/sweep.c examples/cpp/worker_sweep.cpp examples/csharp/VnDiscover.cs
     include/vndiscover.h
     lib/VnDiscover.lib lib/libVnDiscover.dll.a lib/pkgconfig/vndiscover.pc
@@ -27,6 +27,11 @@ FILES = """
     licenses/CLI11.txt licenses/GCC-runtime-libraries.txt licenses/OpenSSL.txt licenses/cJSON.txt
     licenses/mingw-w64.txt licenses/pugixml.txt
     """.split()
+# What documents may point to although the kit does not hold it.
+SOURCE_ALONE = ("tests/", "scripts/")
+# A pattern of symbols that only the component has.
+MARKS = {"cJSON": "cJSON_", "OpenSSL": r"AES_\w*crypt", "pugixml": "pugi", "CLI11": "3CLI",
+         "GCC runtime libraries": r"__gxx_personality|__register_frame_info|_Unwind_", "mingw-w64": "mainCRTStartup|DllMainCRTStartup"}
 
 
 def run(*command):
@@ -52,6 +57,13 @@ class Kit(unittest.TestCase):
         run("sh", "-c", f"cd '{KIT}' && sha256sum --check --quiet --strict SHA256SUMS")
         listed = [line.split("  ")[1] for line in (KIT / "SHA256SUMS").read_text().splitlines()]
         self.assertEqual(sorted(files() - {"SHA256SUMS"}), listed)
+
+    def test_links_of_its_documents_lead_into_it(self):
+        for document in KIT.rglob("*.md"):
+            for target in re.findall(r"\]\(([^)#:]+)(?:#[^)]*)?\)", document.read_text(encoding="utf-8")):
+                inside = os.path.relpath(document.parent / target, KIT)
+                if not inside.startswith(SOURCE_ALONE):
+                    self.assertTrue((KIT / inside).exists(), f"{document.name}: {target}")
 
     def test_header_module_and_import_libraries_name_the_same_functions(self):
         declared = set(re.findall(r"^VN_API \w+ (\w+)\(", (KIT / "include/vndiscover.h").read_text(), flags=re.M))
@@ -107,6 +119,18 @@ class ThirdParty(unittest.TestCase):
                               for part in ("MAJOR", "MINOR", "PATCH"))
             # The package's version: the library's own, then what the distribution changed.
             self.assertRegex(versions[name], rf"^{re.escape(linked)}([-+~].*)?$", name)
+
+    def test_the_bill_names_every_program_that_holds_a_component(self):
+        programs = ("VnDiscover.dll", "vndiscover.exe", "VnBrowser.exe", "windows_check.exe")
+        symbols = {program: run(NM, KIT / "bin" / f"{program}.debug") for program in programs}
+        for component in self.sbom["components"]:
+            holders = component["properties"][0]["value"]
+            self.assertEqual([program for program in programs if re.search(MARKS[component["name"]], symbols[program])],
+                             [program for program in programs if program in holders], component["name"])
+            row = next(line for line in (KIT / "README.md").read_text(encoding="utf-8").splitlines()
+                       if line.startswith("| " + component["name"].split(" runtime")[0]))
+            self.assertEqual([program in holders for program in programs],
+                             [" all |" in row or f"`{program}`" in row for program in programs], row)
 
     def test_each_component_of_the_bill_has_its_notice_and_the_package_s_own_text(self):
         self.assertEqual("CycloneDX", self.sbom["bomFormat"])
