@@ -30,8 +30,10 @@ class ScriptedEngine : public Engine {
   public:
     void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
         if (step.kind == SweepKind::kWsd) return;
+        ++sweeps;
+        lastStep = step;
         std::unique_lock<std::mutex> lock(mutex_);
-        isInSweep_ = true;
+        isInSweep_ = isInSweep = true;
         while (true) {
             changed_.wait(lock, [&] { return isOver_ || !answers_.empty(); });
             for (const auto& [address, value] : std::exchange(answers_, {}))
@@ -39,6 +41,7 @@ class ScriptedEngine : public Engine {
             if (isOver_) break;
         }
         isInSweep_ = isOver_ = false;
+        Tell({"DiscoverDevicesByOID", {{"oid", ".1.3"}}, "", "0", 1, 2000});
     }
     // Like the module, forgets a request that comes while no sweep runs.
     void StopSnmp() override {
@@ -56,8 +59,14 @@ class ScriptedEngine : public Engine {
             answers.values[oid] = {Status::kAnswered, oid, 4, "SERIAL 1", 8, ""};
         return answers;
     }
-    AdapterList IPv4() override { return {}; }
-    ComputerReport Report() override { return {}; }
+    AdapterList IPv4() override {
+        adapterThread = GetCurrentThreadId();
+        return {};
+    }
+    ComputerReport Report() override {
+        reportThread = GetCurrentThreadId();
+        return {};
+    }
 
     void Say(const std::string& address, const std::string& value) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -65,7 +74,10 @@ class ScriptedEngine : public Engine {
         changed_.notify_all();
     }
     void End() { StopSnmp(); }
-    std::atomic<int> stops{0}, reads{0};
+    std::atomic<int> stops{0}, reads{0}, sweeps{0};
+    std::atomic<DWORD> adapterThread{0}, reportThread{0};
+    std::atomic<bool> isInSweep{false};
+    SweepStep lastStep;  // to be read when it is over
 
   private:
     std::mutex mutex_;
@@ -82,7 +94,12 @@ inline std::wstring TextOf(HWND window) {
 
 class MainWindowTest : public testing::Test {
   protected:
-    void Open(StartOptions options = {}) { window_.emplace(engine_, std::move(options)); }
+    void Open(StartOptions options = {}) {
+        window_.reset();
+        MSG quit;  // of the former window; a dialog would end at once
+        PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+        window_.emplace(engine_, std::move(options));
+    }
     HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
     void Command(int id) {
         SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);

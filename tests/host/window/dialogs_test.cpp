@@ -1,0 +1,214 @@
+#include <algorithm>
+#include <functional>
+#include <thread>
+
+#include "platform/wide_text.h"
+#include "scripted_window.h"
+#include "window/profiles.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+std::wstring LongerText(std::wstring text) {
+    return text + std::wstring(text.size() * 2 / 5 + 1, L'w');
+}
+
+// The visible window that this one owns; null: none.
+HWND PopupOf(HWND owner) {
+    for (HWND each = GetTopWindow(nullptr); each; each = GetWindow(each, GW_HWNDNEXT)) {
+        if (GetWindow(each, GW_OWNER) == owner && IsWindowVisible(each)) return each;
+    }
+    return nullptr;
+}
+
+// How much room a text takes in its control.
+SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
+    const HDC dc = GetDC(control);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+    const HGDIOBJ old = SelectObject(dc, font);
+    RECT size = {0, 0, place.right - place.left, 0};
+    DrawTextW(dc, TextOf(control).c_str(), -1, &size,
+              DT_CALCRECT | (isWrapped ? DT_WORDBREAK : DT_SINGLELINE));
+    SelectObject(dc, old);
+    ReleaseDC(control, dc);
+    return {size.right, size.bottom};
+}
+
+// Each control is within the dialog, overlaps no other, and shows its whole text.
+void CheckDialog(HWND dialog, size_t controls) {
+    RECT client = {};
+    GetClientRect(dialog, &client);
+    std::vector<RECT> places;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        SCOPED_TRACE(GetDlgCtrlID(child));
+        RECT place = {}, common = {};
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+        EXPECT_TRUE(place.left >= 0 && place.top >= 0 && place.right <= client.right &&
+                    place.bottom <= client.bottom);
+        for (const RECT& taken : places) EXPECT_FALSE(IntersectRect(&common, &place, &taken));
+        places.push_back(place);
+        wchar_t type[20] = L"";
+        GetClassNameW(child, type, 20);
+        const bool isButton = lstrcmpiW(type, L"button") == 0;
+        if (!isButton && lstrcmpiW(type, L"static") != 0) continue;
+        EXPECT_FALSE(TextOf(child).empty());
+        const bool isNote = place.bottom - place.top > 30;
+        const SIZE size = SizeOfText(child, place, isNote);
+        EXPECT_LE(size.cx + (isButton ? 8 : 0), place.right - place.left) << ToUtf8(TextOf(child));
+        EXPECT_LE(size.cy, place.bottom - place.top);
+    }
+    EXPECT_EQ(controls, places.size());
+}
+
+class Dialogs : public MainWindowTest {
+  protected:
+    ~Dialogs() override {
+        SetTextChange(nullptr);
+        for (const std::wstring& name : ProfileNames()) DeleteProfile(name);
+        KeepLastProfile(L"");
+    }
+    // Opens the modal dialog; `play` is its user, on a thread of its own, and has to close it.
+    void PlayDialog(const std::function<void(HWND dialog)>& play) {
+        std::thread user([&, owner = window_->Handle()] {
+            HWND dialog = nullptr;
+            for (int wait = 0; wait < 500 && !dialog; ++wait) {
+                Sleep(10);
+                dialog = PopupOf(owner);
+            }
+            ASSERT_TRUE(dialog);
+            play(dialog);
+        });
+        Command(IDM_SNMP);
+        user.join();
+    }
+    static void Press(HWND dialog, int id) { SendMessageW(dialog, WM_COMMAND, WPARAM(id), 0); }
+    static void Type(HWND dialog, int id, const wchar_t* text) {
+        SendDlgItemMessageW(dialog, id, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
+    }
+    static void TypeUser(HWND dialog) {
+        Type(dialog, IDC_PROFILE, L"Office");
+        Type(dialog, IDC_USER, L"admin");
+        SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 4, 0);  // SHA-2(256)
+        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+    }
+};
+
+TEST_F(Dialogs, HaveRoomForLongerLanguages) {
+    for (const TextChange change : {TextChange(nullptr), TextChange(LongerText)}) {
+        SetTextChange(change);
+        Open();
+        PlayDialog([](HWND dialog) {
+            CheckDialog(dialog, 18);
+            Press(dialog, IDCANCEL);
+        });
+        Command(IDM_CALLS);
+        CheckDialog(PopupOf(window_->Handle()), 7);
+        window_.reset();
+    }
+}
+
+TEST_F(Dialogs, KeepAUserAndSweepWithIt) {
+    Open();
+    PlayDialog([](HWND dialog) {
+        TypeUser(dialog);
+        Press(dialog, IDOK);
+    });
+    const auto kept = ReadProfile(L"Office");
+    ASSERT_TRUE(kept && kept->isOpen);
+    EXPECT_EQ(L"SHA-2(256)", kept->security.authLabel);
+    EXPECT_STREQ(L"authpass1", kept->security.authPassword.Get());
+    // A later window uses it without a question, and the password is never shown.
+    Open();
+    PlayDialog([](HWND dialog) {
+        EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
+        EXPECT_EQ(L"", TextOf(GetDlgItem(dialog, IDC_AUTH_PASSWORD)));
+        Press(dialog, IDCANCEL);
+    });
+    CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
+    CheckDlgButton(window_->Handle(), IDC_V1, BST_UNCHECKED);
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
+    engine_.End();
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    EXPECT_STREQ(L"authpass1", engine_.lastStep.credentials.security->authPassword.Get());
+    // What the settings of the window keep is not this test's.
+    CheckDlgButton(window_->Handle(), IDC_V3, BST_UNCHECKED);
+    CheckDlgButton(window_->Handle(), IDC_V1, BST_CHECKED);
+}
+
+TEST_F(Dialogs, AskAgainForWhatCannotBeOpened) {
+    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
+    constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
+    KeepLastProfile(L"Office");
+    Open();
+    PlayDialog([](HWND dialog) {
+        EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
+        EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
+        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+        Press(dialog, IDOK);
+    });
+    BYTE bytes[200];
+    DWORD size = sizeof bytes;
+    RegGetValueW(HKEY_CURRENT_USER, kKey, L"User", RRF_RT_REG_BINARY, nullptr, bytes, &size);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(kBroken), sizeof kBroken),
+              std::string(reinterpret_cast<const char*>(bytes), size));
+    // It is used all the same, until the window is closed.
+    PlayDialog([](HWND dialog) {
+        Press(dialog, IDOK);  // which takes the password that is known
+    });
+    EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
+}
+
+TEST_F(Dialogs, ScriptsGetNoQuestionAboutAProfile) {
+    StartOptions options;
+    options.sweep = options.exit = true;
+    options.profile = L"None";
+    Open(options);
+    EXPECT_EQ(2, window_->Run());
+    EXPECT_EQ(0, engine_.sweeps);
+}
+
+TEST_F(Dialogs, CallsAppearAsTextsToCopy) {
+    Open();
+    Command(IDM_CALLS);
+    const HWND dialog = PopupOf(window_->Handle());
+    const HWND text = GetDlgItem(dialog, IDC_CALL_TEXT);
+    EXPECT_EQ(Text(IDS_CALLS_NONE), TextOf(text));
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    const HWND list = GetDlgItem(dialog, IDC_CALLS);
+    EXPECT_TRUE(Until([&] { return ListView_GetItemCount(list) == 3; }));
+    // The newest first: two stops while the sweep ran.
+    ListView_SetItemState(list, 0, LVIS_SELECTED, LVIS_SELECTED);
+    EXPECT_EQ(0u, TextOf(text).find(L"#include <vndiscover.h>\r\n"));
+    CheckRadioButton(dialog, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_COMMAND);
+    Press(dialog, IDS_CALL_COMMAND);
+    EXPECT_EQ(L"vndiscover sweep --oid .1.3", TextOf(text));
+    Press(dialog, IDS_CALL_COPY);
+    ASSERT_TRUE(OpenClipboard(nullptr));
+    const auto* copied = static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
+    EXPECT_STREQ(L"vndiscover sweep --oid .1.3", copied);
+    CloseClipboard();
+    Press(dialog, IDCANCEL);
+    EXPECT_FALSE(IsWindow(dialog));
+}
+
+// What the system may take long to tell is no business of the window's thread.
+TEST_F(Dialogs, ReportIsMadeByAWorker) {
+    Open();
+    ASSERT_TRUE(Until([&] { return engine_.adapterThread != 0; }));
+    EXPECT_NE(GetCurrentThreadId(), engine_.adapterThread);
+    Command(IDM_DOCTOR);
+    EXPECT_EQ(Text(IDS_DOCTOR_WAIT), TextOf(Control(IDC_STATUS)));
+    ASSERT_TRUE(
+        Until([&] { return TextOf(PopupOf(window_->Handle())) == Text(IDS_DOCTOR_TITLE); }));
+    EXPECT_NE(GetCurrentThreadId(), engine_.reportThread);
+}
+
+}  // namespace
+}  // namespace vndiscover::host
