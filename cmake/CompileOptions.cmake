@@ -8,8 +8,8 @@ target_compile_options(vndiscover_options INTERFACE ${VNDISCOVER_WARNINGS})
 target_include_directories(vndiscover_options INTERFACE ${PROJECT_SOURCE_DIR}/src
                                                         ${PROJECT_SOURCE_DIR}/include)
 
-# The same commit gives the same bytes in every folder: no absolute paths, no link time.
-if(NOT MSVC)
+# The same commit gives the same bytes in every folder: no absolute paths, no link time. A debugger needs the paths.
+if(NOT MSVC AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
                         -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
 endif()

@@ -24,8 +24,8 @@ if [ "$(readlink /proc/self/ns/mnt)" != "$(readlink /proc/1/ns/mnt)" ]; then
 fi
 
 export WINEPREFIX=$VNDISCOVER_LAB/wine/$netns/prefix WINEDEBUG=${WINEDEBUG:--all}
-# Without Wine's debugger, under which a program that crashes ends with exit code 0 instead of 5.
-export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:+$WINEDLLOVERRIDES;}winedbg.exe=d"
+# Without Wine's debugger, unless it is asked for: under it, a program that crashes ends with exit code 0 instead of 5.
+[ "${1:-}" = winedbg ] || export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:+$WINEDLLOVERRIDES;}winedbg.exe=d"
 export LC_ALL=C.UTF-8 # else Wine finds no name for a file that is not ASCII
 # No display, but for one that the caller made for it (before the first program of this prefix).
 unset DISPLAY WAYLAND_DISPLAY
