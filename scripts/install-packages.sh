@@ -13,6 +13,7 @@ PACKAGES=(
     git lld pkg-config python3-yaml
     # lab
     wine64 iproute2 snmpd snmp 'wsdd|wsdd2' tshark python3 util-linux
+    mono-mcs libmono-system-windows-forms4.0-cil # compiles the C# that VnBrowser offers
 )
 
 PACKAGES+=("$@") # further ones, which most runs do not need

@@ -4,7 +4,7 @@ import json
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, LAB, SCRIPTS, found, main, run
+from lab import AGENT, AGENT_CONF, LAB, SCRIPTS, SECRETS, found, main, run
 
 SCAN = LAB + "/scan.json"
 
@@ -24,6 +24,16 @@ class Scripts(unittest.TestCase):
         self.assertEqual([(AGENT, "Model 1")], kept)
         self.assertEqual(printed, kept)
 
+    def test_sweeps_over_snmpv3_with_a_kept_profile(self):
+        self.assertEqual(0, run("profile", "Office", program="window_helper.exe", **SECRETS)[0])
+        self.assertEqual(0, browse("--profile", "Office", "--sweep", "--save", SCAN, "--exit"))
+        with open(SCAN, encoding="utf-8") as file:
+            scan = json.load(file)
+        self.assertEqual([(AGENT, "Model 1")], [
+            (answer["address"], answer["text"]) for answer in scan["answers"]
+            if scan["sweeps"][answer["sweep"]]["kind"] == "snmpv3"])
+        self.assertEqual(2, browse("--profile", "Hall", "--sweep", "--save", SCAN, "--exit"))
+
     def test_tells_of_a_file_that_cannot_be_written(self):
         self.assertEqual(2, browse("--sweep", "--save", LAB + "/none/scan.json", "--exit"))
 
@@ -42,4 +52,4 @@ def null_display():
 if __name__ == "__main__":
     # One at a time: another sweep's answers would come to this one's port.
     main(AGENT_CONF + 'override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"\n', null_display,
-         alone=("prints", "written"))
+         alone=("prints", "written", "profile"))

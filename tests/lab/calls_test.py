@@ -1,0 +1,116 @@
+"""What VnBrowser.exe offers to copy for a call of the module: each text is compiled or run, and gives the same."""
+
+import os
+import re
+import shutil
+import subprocess
+import unittest
+
+from lab import AGENT, AGENT_CONF, BIN, LAB, SCRIPTS, SECRETS, main, run, start_in
+
+HEADER = os.path.dirname(os.path.abspath(__file__)) + "/../../include/vndiscover.h"
+FOLDER = LAB + "/calls"
+CXX = os.environ.get("CXX", "x86_64-w64-mingw32-g++-posix")
+# What each call finds, and the texts of the answers.
+CALLS = {
+    "sweep_v1": [AGENT, "hall"],
+    "sweep_ipv6": ["fe80::1:", "hall"],
+    "sweep_v3": [AGENT, "Model 1"],
+    "sweep_v3_name": [AGENT, "hall"],
+    "ask_v1": ["Copy room"],
+    "ask_v3": ["Copy room"],
+    "wsd": [AGENT],
+}
+ENVIRONMENT = {**SECRETS, "VNDISCOVER_COMMUNITY": "other"}
+SHARP_TYPES = {
+    "HWND": "IntPtr", "UINT": "uint", "uint32_t": "uint", "int32_t": "int", "BYTE": "byte",
+    "VnResponseRecord*": "ref VnResponseRecord",
+    "const wchar_t*": "[MarshalAs(UnmanagedType.LPWStr)] string",
+    "const char*": "[MarshalAs(UnmanagedType.LPStr)] string",
+}
+
+
+def text_of(name):
+    with open(f"{FOLDER}/{name}", encoding="utf-8") as file:
+        return file.read()
+
+
+def folded(text):
+    return re.sub(r"\s+", " ", text)
+
+
+def run_in_folder(*command):
+    done = subprocess.run([SCRIPTS + "/wine-run.sh", "host", *command], cwd=FOLDER, stdin=subprocess.DEVNULL,
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=120, check=False,
+                          env={**os.environ, **ENVIRONMENT})
+    return done.stdout.decode()
+
+
+class Texts(unittest.TestCase):
+    def test_programs_and_commands_give_the_same_answers(self):
+        for name, answers in CALLS.items():
+            with self.subTest(name):
+                subprocess.run([CXX, "-std=c++17", "-Wall", "-Wextra", "-Werror", "-static", "-I",
+                                os.path.dirname(HEADER), f"{FOLDER}/{name}.cpp", f"{BIN}/VnDiscover.dll", "-o",
+                                f"{FOLDER}/{name}.exe"], check=True)
+                by_program = run_in_folder(f"{FOLDER}/{name}.exe")
+                by_command = run_in_folder("cmd", "/c", f"{name}.bat")
+                for answer in answers:
+                    self.assertIn(answer, by_program)
+                    self.assertIn(answer, by_command)
+
+    def test_no_text_holds_a_secret(self):
+        for name in os.listdir(FOLDER):
+            if name.endswith((".cpp", ".cs", ".bat")):
+                for secret in ENVIRONMENT.values():
+                    self.assertNotIn(secret, text_of(name))
+
+    def test_declarations_are_those_of_the_header(self):
+        with open(HEADER, encoding="utf-8") as file:
+            header = folded(file.read())
+        shapes = text_of("shapes.txt").splitlines()
+        self.assertGreater(len(shapes), 6)
+        for shape in shapes:
+            self.assertIn(f"VN_API int32_t {shape};", header)
+
+    @unittest.skipUnless(shutil.which("mcs"), "no C# compiler")
+    def test_csharp_compiles_and_declares_the_same(self):
+        for name in CALLS:
+            text = text_of(name + ".cs")
+            export, sharp = re.search(r"static extern int (\w+)\(([^;]*)\);", text).groups()
+            shape = next(line for line in text_of("shapes.txt").splitlines() if line.startswith(export + "("))
+            expected = []
+            for parameter in shape[len(export) + 1:-1].split(", "):
+                kind, own_name = parameter.rsplit(" ", 1)
+                expected.append(("byte[]" if own_name == "probe" else SHARP_TYPES[kind]) + " " + own_name)
+            self.assertEqual(", ".join(expected), folded(sharp))
+            subprocess.run(["mcs", "-warnaserror", "-r:System.Windows.Forms", f"-out:{FOLDER}/{name}_cs.exe",
+                            f"{FOLDER}/{name}.cs"], check=True)
+        # The record has the header's layout.
+        with open(FOLDER + "/layout.cs", "w", encoding="utf-8") as file:
+            file.write('using System; using System.Runtime.InteropServices; static class Layout { static void Main() {'
+                       'Console.Write(Marshal.SizeOf(typeof(VnResponseRecord)) + " " +'
+                       'Marshal.OffsetOf(typeof(VnResponseRecord), "oidLength")); } }')
+        subprocess.run(["mcs", "-main:Layout", f"-out:{FOLDER}/layout.exe", f"{FOLDER}/layout.cs",
+                        f"{FOLDER}/ask_v3.cs"], check=True)
+        layout = subprocess.run(["mono", FOLDER + "/layout.exe"], stdout=subprocess.PIPE, check=True).stdout.decode()
+        self.assertEqual("4312 4276", layout)
+
+
+def write_texts():
+    subprocess.run(["ip", "-n", "host", "link", "set", "eth1", "down"], check=True)  # sweeps take half the time
+    os.mkdir(FOLDER)
+    for name in ("vndiscover.exe", "VnDiscover.dll"):
+        shutil.copy(f"{BIN}/{name}", FOLDER)
+    folder = "Z:" + FOLDER.replace("/", "\\")
+    code, _, err = run("texts", folder, program="window_helper.exe", **ENVIRONMENT)
+    assert code == 0, err
+    responder = ["wsdd", "-4", "-i", AGENT, "-n"] if shutil.which("wsdd") else ["wsdd2", "-4", "-w", "-i", "eth0", "-N"]
+    start_in("neta", *responder, "PRINTER")
+    subprocess.run(["timeout", "30", "ip", "netns", "exec", "neta", "bash", "-c",
+                    "until ss -Hltn 'sport = 5357 or sport = 3702' | grep -q .; do sleep 0.05; done"], check=True)
+
+
+if __name__ == "__main__":
+    main(AGENT_CONF + 'rocommunity other\nrocommunity6 other\npsysName hall\npsysContact Copy room\n'
+         'override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"\n', write_texts)

@@ -1,0 +1,85 @@
+// What tests of VnBrowser.exe in a lab need of its own code.
+//
+//   window_helper texts FOLDER    the texts of some calls, as NAME.cpp, NAME.cs and NAME.bat, and
+//   the
+//                                 declarations that they come from, as shapes.txt
+//   window_helper profile NAME    keeps the labs' SNMPv3 user, with the passwords of the
+//   environment
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "values/module_types.h"
+#include "values/object_names.h"
+#include "window/calls.h"
+#include "window/profiles.h"
+#include "wsd/wsd_message.h"
+
+namespace vndiscover::host {
+namespace {
+
+Security User() {
+    Security user;
+    user.user = L"admin";
+    user.authLabel = L"SHA-2(256)";
+    user.privLabel = L"AES";
+    user.useAuth = user.usePriv = true;
+    user.authPassword = Secret(Environment(L"VNDISCOVER_AUTH_PASS"));
+    user.privPassword = Secret(Environment(L"VNDISCOVER_PRIV_PASS"));
+    return user;
+}
+
+void Write(const std::string& path, const std::string& text) {
+    FILE* file = _wfopen(ToWide(path).c_str(), L"wb");
+    if (!file) return;
+    std::fwrite(text.data(), 1, text.size(), file);
+    std::fclose(file);
+}
+
+void WriteCall(const std::string& path, const Call& call) {
+    Write(path + ".cpp", CallText(call, CallLanguage::kCpp) + "\n");
+    Write(path + ".cs", CallText(call, CallLanguage::kCSharp) + "\n");
+    Write(path + ".bat", "@" + CallText(call, CallLanguage::kCommand) + "\r\n");
+}
+
+void WriteTexts(const std::string& folder) {
+    SweepStep step;
+    step.oid = *ParseOidOrName("sysName.0");
+    step.credentials.community = ToUtf8(Environment(L"VNDISCOVER_COMMUNITY"));
+    WriteCall(folder + "sweep_v1", CallOf(step, ""));
+    step.useIPv6 = true;
+    WriteCall(folder + "sweep_ipv6", CallOf(step, ""));
+    step.credentials.security = std::make_shared<const Security>(User());
+    AskTarget target = {"10.77.1.2", SweepKind::kSnmpV1, step.credentials};
+    WriteCall(folder + "ask_v1", CallOf(target, *ParseOidOrName("sysContact")));
+    target.kind = SweepKind::kSnmpV3;
+    WriteCall(folder + "ask_v3", CallOf(target, *ParseOidOrName("sysContact")));
+    step.useIPv6 = false;
+    step.kind = SweepKind::kSnmpV3;
+    WriteCall(folder + "sweep_v3_name", CallOf(step, ""));
+    step.oid = *ParseOidOrName(kDefaultDiscoveryOid);
+    WriteCall(folder + "sweep_v3", CallOf(step, ""));
+    step.kind = SweepKind::kWsd;
+    WriteCall(folder + "wsd", CallOf(step, BuildProbe("wsdp:Device", NewUuid())));
+    std::string shapes;
+    for (size_t index = 0; index < kCallShapeCount; ++index)
+        shapes +=
+            std::string(kCallShapes[index].name) + "(" + kCallShapes[index].parameters + ")\n";
+    Write(folder + "shapes.txt", shapes);
+}
+
+}  // namespace
+}  // namespace vndiscover::host
+
+int main() {
+    using namespace vndiscover::host;
+    const auto words = CommandLineArguments();
+    if (words.size() != 2) return 2;
+    if (words[0] == "texts") WriteTexts(words[1] + "\\");
+    if (words[0] == "profile" && KeepProfile(ToWide(words[1]), User()) != KeepResult::kKept)
+        return 1;
+    return 0;
+}
