@@ -12,7 +12,7 @@ import subprocess
 import unittest
 from pathlib import Path
 
-from lab import AGENT, AGENT6, AGENT_CONF, LAB, SCRIPTS, SECRETS, V3, found, main, run, run_on_terminal, start_in
+from lab import AGENT, AGENT6, AGENT_CONF, LAB, SECRETS, TREE, V3, found, main, run, run_on_terminal, start_in
 
 SILENT = "10.77.1.99"
 SYSTEM = ".1.3.6.1.2.1.1"
@@ -21,7 +21,7 @@ LOCATION_TEXT = 'Hall "B", 2nd floor'
 WRITABLE, LETTER, MAC, ZERO, LONG = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in range(1, 6))
 RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
 HAS_WSDD = shutil.which("wsdd")
-PAGE = Path(SCRIPTS).parent.parent / "docs/vndiscover.md"
+PAGE = TREE / "docs/vndiscover.md"
 REPEATS = 2 if HAS_WSDD else 1  # of each reply, as UDP may lose one
 CONF = f"""{AGENT_CONF}
 rwcommunity secret
