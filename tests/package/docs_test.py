@@ -1,6 +1,7 @@
 """docs_test.py SOURCE: what repeats the code says the same. Documents: every export is explained; links, pictures, files,
 commands with their options, names and figures are the tree's; the diagram of includes is the one that the sources make.
-The C# declarations are the header's in names, order and types of arguments, results, constants and the record's layout.
+The header's annotations cover every parameter. The C# declarations are the header's in names, order and types of
+arguments, results, constants and the record's layout.
 """
 import json
 import re
@@ -19,6 +20,7 @@ TYPES = {"HWND": "IntPtr", "UINT": "uint", "BYTE": "byte", "int32_t": "int", "ui
          "const wchar_t*": r"\[MarshalAs\(UnmanagedType.LPWStr\)\] string",
          "const char*": r"(\[MarshalAs\(UnmanagedType.LPStr\)\] string|byte\[\])", "char*": r"\[Out\] byte\[\]",
          "uint8_t*": r"\[In, Out\] byte\[\]", "VnResponseRecord*": "ref VnResponseRecord"}
+ANNOTATION = re.compile(r"\b(_[A-Z]\w*_)\b(?:\(([^()]*)\))? ")
 WIDTHS = {"uint8_t": 1, "char": 1, "uint16_t": 2, "byte[]": 1, "ushort": 2}
 
 
@@ -193,10 +195,22 @@ class Documents(unittest.TestCase):
         self.assertEqual(drawn, includes())
 
 
+class Header(unittest.TestCase):
+    header = read("include/vndiscover.h")
+
+    def test_every_parameter_is_annotated_and_every_pointer_may_be_null(self):
+        for name, parameters in re.findall(r"VN_API \w+ (\w+)\(([^;]*)\);", self.header):
+            known = re.findall(r" (\w+)(?:,|$)", parameters) + re.findall(r"^#define (VN_\w+)", self.header, flags=re.M)
+            for _, size in ANNOTATION.findall(parameters):
+                self.assertIn(size, ["", *known], name)
+            for parameter in re.sub(r"\([^()]*\)", "", parameters).split(", "):
+                self.assertRegex(parameter, r"^_(In|Out|Inout)_\w*opt_\w* " if "*" in parameter else r"^_In_\w* |^void$", name)
+
+
 class CSharp(unittest.TestCase):
     maxDiff = None
 
-    header, csharp = read("include/vndiscover.h"), read("examples/csharp/VnDiscover.cs")
+    header, csharp = ANNOTATION.sub("", read("include/vndiscover.h")), read("examples/csharp/VnDiscover.cs")
 
     def test_exports_agree(self):
         declared = re.findall(r"VN_API (\w+) (\w+)\(([^;]*)\);", self.header)
@@ -212,7 +226,7 @@ class CSharp(unittest.TestCase):
     def test_constants_agree(self):
         defined = {name: value.rstrip("u").lstrip("L") for name, value in
                    re.findall(r'^#define (VN_\w+) (L?"[^"]*"|\w+)', self.header, flags=re.M)
-                   if name not in ("VN_EXTERN", "VN_API")}
+                   if name != "VN_API"}
         constants = dict(re.findall(r"public const \w+ (VN_\w+) = ([^;]+);", self.csharp))
         self.assertGreater(len(defined), 25)
         self.assertEqual(defined, constants)
