@@ -62,8 +62,8 @@ void DecodeV1(benchmark::State& state) {
 }
 BENCHMARK(DecodeV1)->Repetitions(5);
 
-// A message of the user shaaes as the agent knows it. The libraries are loaded and the passwords
-// hashed, as behind the first message of a call.
+// A message of the agent's user shaaes. The libraries are loaded and the passwords hashed, as after
+// the first message of a call.
 void Prepare(VxSNMPv3& message, bool secured) {
     message.SetUser("shaaes");
     message.SetAuth(kAuthSha1, kAuthPassword);
@@ -93,14 +93,14 @@ void DecodeV3(benchmark::State& state) {
     std::vector<uint8_t> bytes(datagram.length);
     int32_t read = 0;
     for (auto _ : state) {
-        std::memcpy(bytes.data(), datagram.data, bytes.size());  // reading zeroes the MAC
+        std::memcpy(bytes.data(), datagram.data, bytes.size());  // reading zeroes the HMAC
         read = reader.Decode(bytes.data(), static_cast<int>(bytes.size()));
     }
     if (read == 0 || reader.Bindings().count != 1) state.SkipWithError("not read");
 }
 BENCHMARK(DecodeV3)->ArgName("authPriv")->Arg(0)->Arg(1)->Repetitions(5);
 
-// What each call loads once, for all of its messages.
+// Each call loads these once for all of its messages.
 void OneLoading(benchmark::State& state) {
     for (auto _ : state) {
         const CryptoLibraries libraries(kAuthSha1, kPrivAes);
@@ -136,11 +136,11 @@ void OneMac(benchmark::State& state) {
     CryptoSession crypto;
     const ByteBuffer key = BufferOf("0123456789abcdefghij", 20);
     ByteBuffer digest;
-    crypto.Hash(kAuthSha1, key, digest);  // as in a message, whose keys have opened the provider
+    crypto.Hash(kAuthSha1, key, digest);  // opens the provider, as the keys do in a message
     const std::vector<uint8_t> message(130, 'x');  // about a request's length
     for (auto _ : state) {
-        benchmark::DoNotOptimize(AuthenticationOf(crypto, kAuthSha1, key, message.data(),
-                                                  static_cast<uint32_t>(message.size())));
+        benchmark::DoNotOptimize(TruncatedHmac(crypto, kAuthSha1, key, message.data(),
+                                               static_cast<uint32_t>(message.size())));
     }
 }
 BENCHMARK(OneMac)->Repetitions(5);
@@ -165,7 +165,7 @@ void OneCipher(benchmark::State& state) {
 }
 BENCHMARK(OneCipher)->ArgName("decrypt")->Arg(0)->Arg(1)->Repetitions(5);
 
-// The whole, with the real agent: loading, discovery, request, two keys.
+// A whole exchange with the real agent: loading, discovery, request, two keys.
 void AuthPrivExchange(benchmark::State& state) {
     for (auto _ : state) {
         char value[VN_REQUEST_VALUE_SIZE];

@@ -15,8 +15,8 @@ VxSoapMgr* g_soapMgr = nullptr;
 
 namespace {
 
-// The manager with the room of its table, so that no sweep fails for want of it. Without memory the
-// module still loads, and the exports that need the manager do nothing.
+// Creates a manager and reserves memory for its table, so that no sweep can run out of it. If there
+// is not enough memory, the module still loads, and the exports that need the manager do nothing.
 template <class Manager, class Table>
 Manager* Create(Table Manager::*table) noexcept {
     try {
@@ -51,14 +51,15 @@ void ForgetAdapterRows() {
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved) {
     using namespace vndiscover;
-    // On every notification, thread starts and ends too: so a change of the registry takes effect.
+    // On every notification, thread starts and ends included, so that changes in the registry take
+    // effect.
     LoadDebugSwitches("VnInst", 0);
     if (reason == DLL_THREAD_DETACH) ForgetThreadsExceptions();
     if (reason != DLL_PROCESS_ATTACH && reason != DLL_PROCESS_DETACH) return TRUE;
     if (reason == DLL_PROCESS_ATTACH) Attach(module);
     if (reason == DLL_PROCESS_DETACH) Detach();
     ForgetAdapterRows();
-    // Where the process ends, the system takes everything back.
+    // When the process ends, the system frees everything.
     if (reason == DLL_PROCESS_DETACH && !reserved) CloseExceptionState();
     return TRUE;
 }

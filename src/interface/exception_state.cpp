@@ -1,20 +1,20 @@
 #include "interface/exception_state.h"
 
-#include <cstddef>  // tells whose runtime this is
+#include <cstddef>  // defines __GLIBCXX__ with that runtime
 
 #include "support/win.h"
 
 #ifdef __GLIBCXX__
 #include <cxxabi.h>
 
-// Declared, but not defined, in the runtime's own header; the Itanium C++ ABI fixes its layout.
+// The runtime's header declares but does not define it; the Itanium C++ ABI fixes its layout.
 struct __cxxabiv1::__cxa_eh_globals {
     void* caughtExceptions;
     unsigned uncaughtExceptions;
 };
 
 namespace __gnu_cxx {
-// Of the runtime, which declares it nowhere.
+// Part of the runtime, but in none of its headers.
 void __freeres();  // NOLINT(bugprone-reserved-identifier)
 }  // namespace __gnu_cxx
 
@@ -23,13 +23,13 @@ namespace {
 using ThreadState = __cxxabiv1::__cxa_eh_globals;
 
 DWORD g_index = TLS_OUT_OF_INDEXES;
-HANDLE g_heap = nullptr;  // holds every thread's state, and goes as a whole
-// Of threads that get no state of their own, because the process has used up what there is.
+HANDLE g_heap = nullptr;  // holds every thread's state and is destroyed as a whole
+// For threads that get no state of their own because memory or indexes are exhausted.
 ThreadState g_shared = {};
 
 }  // namespace
 
-// In place of the runtime's own two. Callers read the last error again after a caught exception.
+// These two replace the runtime's own. Callers read the last error after a caught exception.
 extern "C" ThreadState* __cxxabiv1::__cxa_get_globals() noexcept {
     const DWORD error = GetLastError();
     void* state = TlsGetValue(g_index);
@@ -55,7 +55,7 @@ void OpenExceptionState() noexcept {
 void ForgetThreadsExceptions() noexcept {
     void* const state = g_heap ? TlsGetValue(g_index) : nullptr;
     if (!state) return;
-    // Another module's end of the thread may still call an export.
+    // Another module may still call an export while the thread ends.
     TlsSetValue(g_index, nullptr);
     HeapFree(g_heap, 0, state);
 }
@@ -65,7 +65,7 @@ void CloseExceptionState() noexcept {
     g_heap = nullptr;
     if (g_index != TLS_OUT_OF_INDEXES) TlsFree(g_index);
     g_index = TLS_OUT_OF_INDEXES;
-    // 73 KB for exceptions that find no memory.
+    // The runtime's 73 KB for exceptions thrown when memory is exhausted.
     __gnu_cxx::__freeres();
 }
 

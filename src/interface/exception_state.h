@@ -1,17 +1,16 @@
-// What the statically linked C++ runtime keeps for exceptions, so that a module that comes and goes
-// leaves nothing behind.
+// The exception state of the statically linked C++ runtime, kept by the module itself so that
+// unloading it leaks nothing.
 #pragma once
 
 namespace vndiscover {
 
-// The runtime of GCC keeps each thread's exceptions in storage that is never given back when a DLL
-// goes: an index of thread-local storage, of which a process has about a thousand, with handles and
-// memory for each load in which one exception was thrown. One malformed datagram throws one. So the
-// module has storage of its own. Other compilers' runtimes clean up after themselves: there these
-// do nothing.
+// GCC's runtime never frees its per-thread exception state when a DLL is unloaded. Each load in
+// which one exception was thrown, and a malformed datagram is enough, leaks memory, handles and a
+// thread-local storage index, of which a process has about a thousand. So the module has storage of
+// its own. Other compilers' runtimes clean up after themselves; there these functions do nothing.
 
 void OpenExceptionState() noexcept;       // at process attach, before anything may throw
-void ForgetThreadsExceptions() noexcept;  // as a thread ends
-void CloseExceptionState() noexcept;      // at process detach: nothing may throw from here on
+void ForgetThreadsExceptions() noexcept;  // when a thread ends
+void CloseExceptionState() noexcept;      // at process detach; nothing may throw afterwards
 
 }  // namespace vndiscover

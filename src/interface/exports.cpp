@@ -1,4 +1,4 @@
-// The flat table of exports: each is one conversion and one call.
+// The exports. Each is one conversion and one call.
 #include "vndiscover.h"
 
 #include <memory>
@@ -14,7 +14,7 @@ using namespace vndiscover;
 
 namespace {
 
-// Nothing thrown underneath ever reaches the host.
+// No exception reaches the host.
 template <class Result, class Work>
 Result AtBoundary(Result onFailure, Work&& work) noexcept {
     try {
@@ -24,13 +24,13 @@ Result AtBoundary(Result onFailure, Work&& work) noexcept {
     }
 }
 
-// For the exports that need one of the process's managers; without it they do nothing.
+// For exports that need one of the process's managers; without it they do nothing.
 template <class Manager, class Work>
 int32_t With(Manager* manager, Work&& work) noexcept {
     return AtBoundary(0, [&] { return manager ? work(*manager) : 0; });
 }
 
-// A directed request makes a manager for itself. Without a host it asks nobody.
+// A directed request makes its own manager. Without a host nothing is sent.
 template <class Work>
 int32_t OnOwnManager(const char* host, Work&& work) noexcept {
     return AtBoundary(0, [&] {

@@ -1,4 +1,4 @@
-// What lives from process attach to process detach.
+// The globals that exist from process attach to process detach.
 #pragma once
 
 #include "snmp/vx_snmp_mgr.h"
@@ -7,7 +7,7 @@
 namespace vndiscover {
 
 extern HINSTANCE g_hModule;
-extern VxSnmpMgr* g_snmpMgr;  // null when there was no memory for it
+extern VxSnmpMgr* g_snmpMgr;  // null if there was not enough memory
 extern VxSoapMgr* g_soapMgr;  // likewise
 
 }  // namespace vndiscover

@@ -1,4 +1,4 @@
-// The numbers that the public header promises are those of the code that keeps the promise.
+// Checks that the limits in the public header are those of the code.
 #include "interface/delivery/json_request.h"
 #include "interface/delivery/result_sink.h"
 #include "snmp/codec/ber_tags.h"

@@ -5,16 +5,17 @@
 namespace vndiscover {
 namespace {
 
-void Open(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress) {
-    sock = socket.CreateSocket(SOCK_DGRAM, probe.protocol, probe.family, probe.socketTimeoutMs,
-                               bindAddress);
-    // Here and not for every socket: a directed request waits for one answer, and the call costs.
+void Open(SCKRAW& socket, OwnedSocket& sock, const SweepRequest& request, const char* bindAddress) {
+    sock = socket.CreateSocket(SOCK_DGRAM, request.protocol, request.family,
+                               request.socketTimeoutMs, bindAddress);
+    // Not for every socket: a directed request waits for one answer only, and the call takes time.
     if (sock) SCKRAW::RaiseReceiveBuffer(sock.Get());
 }
 
-// A socket that did not open is not told apart: the send on it fails and says so.
-bool Send(SCKRAW& socket, OwnedSocket& sock, const Probe& probe) {
-    if (socket.SendToSocket(sock, probe.target, probe.port, probe.data, probe.length) != -1) {
+// A socket that failed to open needs no check: the send on it fails and logs the error.
+bool Send(SCKRAW& socket, OwnedSocket& sock, const SweepRequest& request) {
+    if (socket.SendToSocket(sock, request.target, request.port, request.data, request.length) !=
+        -1) {
         return true;
     }
     DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
@@ -24,14 +25,15 @@ bool Send(SCKRAW& socket, OwnedSocket& sock, const Probe& probe) {
 
 }  // namespace
 
-bool SendProbe(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress) {
-    Open(socket, sock, probe, bindAddress);
-    return Send(socket, sock, probe);
+bool SendRequest(SCKRAW& socket, OwnedSocket& sock, const SweepRequest& request,
+                 const char* bindAddress) {
+    Open(socket, sock, request, bindAddress);
+    return Send(socket, sock, request);
 }
 
-AdapterSweep::AdapterSweep(SCKRAW& socket, OwnedSocket& sock, const Probe& probe)
-    : socket_(socket), sock_(sock), probe_(probe), adapters_(std::make_unique<AdapterTable>()) {
-    if (probe_.family == AF_INET6) {
+AdapterSweep::AdapterSweep(SCKRAW& socket, OwnedSocket& sock, const SweepRequest& request)
+    : socket_(socket), sock_(sock), request_(request), adapters_(std::make_unique<AdapterTable>()) {
+    if (request_.family == AF_INET6) {
         count_ = adapters_->LoadIPv6LinkLocal();
         DebugLogA("-------------- ...nCount [%d]\n", static_cast<int>(count_));
     } else {
@@ -43,7 +45,7 @@ bool AdapterSweep::Next() {
     sock_.Reset();
     while (next_ < count_) {
         const uint32_t index = next_++;
-        if (probe_.family == AF_INET6 ? SendFromIPv6(index) : SendFromIPv4(index)) return true;
+        if (request_.family == AF_INET6 ? SendFromIPv6(index) : SendFromIPv4(index)) return true;
     }
     return false;
 }
@@ -55,7 +57,7 @@ bool AdapterSweep::SendFromIPv4(uint32_t index) {
     DebugLogA("NIC [%d]\n", static_cast<int>(index));
     DebugLogA("   IP   = [%s, %s]\n", address_, mask);
     DebugLogA("   DESC = [%s]\n", description);
-    return SendProbe(socket_, sock_, probe_, address_);
+    return SendRequest(socket_, sock_, request_, address_);
 }
 
 bool AdapterSweep::SendFromIPv6(uint32_t index) {
@@ -63,9 +65,9 @@ bool AdapterSweep::SendFromIPv6(uint32_t index) {
     adapters_->GetIPv6Address(index, &address);
     address_[0] = '\0';
     AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, address_, kIPv6AddressTextSize);
-    Open(socket_, sock_, probe_, address_);
+    Open(socket_, sock_, request_, address_);
     DebugLogA("IPADDRESS .... %s", address_);
-    return Send(socket_, sock_, probe_);
+    return Send(socket_, sock_, request_);
 }
 
 }  // namespace vndiscover

@@ -8,7 +8,7 @@
 
 namespace vndiscover {
 
-struct Probe {
+struct SweepRequest {
     int family;          // AF_INET or AF_INET6
     const char* target;  // broadcast or multicast address
     int port;
@@ -18,29 +18,31 @@ struct Probe {
     int socketTimeoutMs;  // for CreateSocket
 };
 
-// Opens `sock` on the local address and sends. False: the send failed, which is logged, and `sock`
-// is empty.
-bool SendProbe(SCKRAW& socket, OwnedSocket& sock, const Probe& probe, const char* bindAddress);
+// Opens `sock` on the local address and sends. False: the send failed; this is logged and `sock` is
+// empty.
+bool SendRequest(SCKRAW& socket, OwnedSocket& sock, const SweepRequest& request,
+                 const char* bindAddress);
 
-// The addresses of the probe's family, one after the other:
+// Goes through the addresses of the request's family:
 //
-//     while (adapters.Next()) ...  // the probe has left from Address(), `sock` is open for answers
+//     while (adapters.Next()) ...  // the request was sent from Address(); `sock` takes the answers
 //
 // What is passed in must outlive it. Throws std::bad_alloc.
 class AdapterSweep {
   public:
-    AdapterSweep(SCKRAW& socket, OwnedSocket& sock, const Probe& probe);  // lists the addresses
+    AdapterSweep(SCKRAW& socket, OwnedSocket& sock,
+                 const SweepRequest& request);  // lists the addresses
     ~AdapterSweep() { sock_.Reset(); }
     AdapterSweep(const AdapterSweep&) = delete;
     AdapterSweep& operator=(const AdapterSweep&) = delete;
 
-    // Closes `sock` and sends from the next address, past those whose send fails. False: there is
-    // none left.
+    // Closes `sock` and sends from the next address, skipping those whose send fails. False: there
+    // is none left.
     bool Next();
 
     const char* Address() const { return address_; }
-    // Kept: each IPv6 address is told that it is the last.
-    bool IsLast() const { return probe_.family == AF_INET6 || next_ == count_; }
+    // Kept: true for every IPv6 address.
+    bool IsLast() const { return request_.family == AF_INET6 || next_ == count_; }
 
   private:
     bool SendFromIPv4(uint32_t index);
@@ -48,7 +50,7 @@ class AdapterSweep {
 
     SCKRAW& socket_;
     OwnedSocket& sock_;
-    const Probe probe_;
+    const SweepRequest request_;
     const std::unique_ptr<AdapterTable> adapters_;  // too large for a host's stack
     uint32_t count_ = 0;
     uint32_t next_ = 0;

@@ -22,8 +22,8 @@ struct HeapBlockTraits {
 };
 using OwnedHeapBlock = Owned<HeapBlockTraits>;
 
-// Unlike WinSock, IP Helper is no library that Windows always takes from its own directory, so an
-// ordinary import could pick up a file beside the host.
+// Windows loads WinSock from its own directory only, but not IP Helper, so an ordinary import could
+// pick up a file beside the host.
 const wchar_t kIpHelper[] = L"IPHLPAPI.DLL";
 
 OwnedHeapBlock ReadAdapterList() {

@@ -9,12 +9,12 @@ namespace {
 
 constexpr DWORD kErrorPauseMs = 10;
 
-// The zone suffix of an IPv6 address belongs to this host and means nothing to the receiver.
+// The zone of an IPv6 address has a meaning on this computer only.
 void CutZone(char* address) {
     if (char* zone = std::strrchr(address, '%')) *zone = '\0';
 }
 
-// An empty or an oversized datagram left the queue, so the next receive waits or makes progress.
+// An empty or oversized datagram has left the queue, so the next receive waits or makes progress.
 bool TookNothing(int error) { return error != 0 && error != WSAEMSGSIZE; }
 
 }  // namespace
@@ -41,7 +41,7 @@ bool DatagramCollector::IsOver() const {
 void DatagramCollector::Receive(Datagram& datagram) {
     hasWaited_ = true;
     datagram = {};
-    socket_.lastError = 0;  // so that an empty datagram is not read as the last wait's silence
+    socket_.lastError = 0;  // an empty datagram leaves it alone and must not look like a time-out
     if (takesQueued_ &&
         socket_.TakeQueued(sock_, datagram.data, kMaxDatagram, datagram.sender, datagram.length)) {
         return;
@@ -59,8 +59,8 @@ bool DatagramCollector::GoesOnAfter(int error) {
         DebugLogA("tszRecvAddr = WSAStartup failed\n");
         return false;
     }
-    // One error (an unreachable port) passes. A socket that fails again and again does so without
-    // waiting, and must not keep a core busy until the time is up.
+    // A single error, such as an unreachable port, passes. A socket that keeps failing does so
+    // without waiting, and must not keep a core busy until the time is up.
     if (TookNothing(error) && ++errorsInARow_ > 1) Sleep(kErrorPauseMs);
     return true;
 }

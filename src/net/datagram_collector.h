@@ -1,4 +1,4 @@
-// The receive loop that every sweep shares.
+// The receive loop of all sweeps.
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,7 @@
 
 namespace vndiscover {
 
-// A received datagram with its room.
+// A received datagram.
 struct Datagram {
     uint8_t data[kMaxDatagram + 1];  // zero after the datagram
     int length;                      // 1 to kMaxDatagram
@@ -18,13 +18,13 @@ struct Datagram {
 struct CollectionLimits {
     int waitMs;         // one receive wait; counted in whole seconds
     uint32_t totalMs;   // no new wait begins after this
-    bool logsTimeouts;  // "tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n" at a silent wait
+    bool logsTimeouts;  // "tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n" when a wait times out
 };
 
 // A stop request: a byte that another thread, or the host within a result message, may write.
 using StopRequest = std::atomic<uint8_t>;
 
-// What arrives on a socket from now on:
+// Receives what arrives on a socket from now on:
 //
 //     for (Datagram answer; answers.Next(answer);) ...
 //
@@ -35,9 +35,9 @@ class DatagramCollector {
                       const StopRequest& stop)
         : socket_(socket), sock_(sock), limits_(limits), stop_(stop) {}
 
-    // Waits for the next datagram; the sender goes without its zone suffix. False: a wait passed
-    // silently, totalMs have gone by, `stop` is set, or the sockets are not initialised. The first
-    // call waits in any case. Other receive errors do not end it.
+    // Waits for the next datagram; the sender's zone suffix is removed. False: a wait timed out,
+    // totalMs have passed, `stop` is set, or WinSock is not initialised. The first call waits in
+    // any case. Other receive errors do not end the loop.
     bool Next(Datagram& datagram);
 
   private:

@@ -9,7 +9,7 @@ struct SocketTraits {
     using Value = SOCKET;
     static Value Empty() noexcept { return INVALID_SOCKET; }
     static void Close(Value socket) noexcept {
-        const int error = WSAGetLastError();  // callers read it again after a close
+        const int error = WSAGetLastError();  // callers read it after a close
         closesocket(socket);
         WSASetLastError(error);
     }

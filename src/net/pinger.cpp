@@ -32,7 +32,7 @@ Pinger::Pinger() {
     sendEcho = library.Find<SendEchoFunction>("IcmpSendEcho");
     if (!createFile || !closeHandle || !sendEcho) return;
     WSADATA data;
-    // Kept: started twice and cleaned up once, which leaves one reference behind.
+    // Kept: started twice and cleaned up once, so one reference remains.
     (void)WSAStartup(MAKEWORD(1, 1), &data);
     if (WSAStartup(MAKEWORD(1, 1), &data) != 0) {
         WSACleanup();
@@ -42,7 +42,7 @@ Pinger::Pinger() {
 }
 
 Pinger::~Pinger() {
-    if (ready) WSACleanup();  // a reference that was never taken would be the host's
+    if (ready) WSACleanup();  // otherwise it would release a reference of the host
 }
 
 int Pinger::Ping(const char* address, uint32_t timeoutMs) {
@@ -72,14 +72,14 @@ int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
     if (!ready || !ipHelper) return 0;
     const auto createFileV6 = ipHelper.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
     const auto sendEchoV6 = ipHelper.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
-    if (!createFileV6 || !sendEchoV6) return 0;  // there are systems that offer neither
+    if (!createFileV6 || !sendEchoV6) return 0;  // some systems have neither
 
     OwnedAddressList target;
     if (getaddrinfo(address, nullptr, nullptr, target.Receive()) != 0) return 0;
     sockaddr_in6 source = {};  // the system chooses the address
     source.sin6_family = AF_INET6;
-    // The first address counts. A name that has only IPv4 addresses is not reached this way, and
-    // read as IPv6 its address would be somebody else's.
+    // Only the first address is used. An IPv4 one cannot be reached this way, and read as IPv6 it
+    // would be another host's.
     if (target.Get()->ai_family != AF_INET6) return 0;
     sockaddr_in6 destination;
     std::memcpy(&destination, target.Get()->ai_addr, sizeof destination);

@@ -19,8 +19,8 @@ class Pinger {
     Pinger(const Pinger&) = delete;
     Pinger& operator=(const Pinger&) = delete;
 
-    // 1: the target answered within timeoutMs; 0: it did not, or the request could not be made.
-    // Valid dotted IPv4 text takes the IPv4 way, all else, 255.255.255.255 among it, the IPv6 way.
+    // 1: the target answered within timeoutMs; 0: it did not, or the request could not be sent.
+    // Dotted IPv4 text is pinged over IPv4; anything else, even 255.255.255.255, over IPv6.
     int Ping(const char* address, uint32_t timeoutMs);
 
     int EchoV4(const char* address, uint32_t timeoutMs);
@@ -31,14 +31,14 @@ class Pinger {
     using CloseHandleFunction = decltype(&IcmpCloseHandle);
     using SendEchoFunction = decltype(&IcmpSendEcho);
 
-    // Held before `library`: ICMP.DLL only forwards to it by name, and would else take a file
+    // Loaded before `library`: ICMP.DLL forwards to it by name, and would otherwise find a file
     // beside the host.
     SystemLibrary ipHelper{L"IPHLPAPI.DLL"};
     CreateFileFunction createFile = nullptr;
     CloseHandleFunction closeHandle = nullptr;
     SendEchoFunction sendEcho = nullptr;
     SystemLibrary library{L"ICMP.DLL"};
-    int32_t ready = 0;  // 1: all functions are there and WinSock is started
+    int32_t ready = 0;  // 1: all functions were found and WinSock is started
 };
 
 }  // namespace vndiscover

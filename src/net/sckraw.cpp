@@ -36,7 +36,7 @@ void BindV6(SOCKET handle, const char* addressText) {
             inetPton(AF_INET6, addressText, &local.sin6_addr);
         }
     }
-    // What the system says is not looked at.
+    // If this fails, the socket is used unbound.
     static_cast<void>(bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local));
 }
 
@@ -55,7 +55,7 @@ constexpr BindError kBindErrors[] = {{WSAEACCES, "   WSAEACCES\n"},
                                      {WSAENOBUFS, "   WSAENOBUFS\n"},
                                      {WSANOTINITIALISED, "   WSANOTINITIALISED\n"}};
 
-// False: the wait passed silently. A failed wait is left to the receive that follows to report.
+// False: the wait timed out. If the wait fails, the receive that follows reports the error.
 bool WaitForDatagram(SOCKET handle, int timeoutMs) {
     fd_set readable;
     FD_ZERO(&readable);
@@ -83,8 +83,8 @@ int ReceiveNow(SOCKET handle, void* buffer, int size, char* fromAddress) {
 SCKRAW::SCKRAW() {
     DebugLogA("SCKRAW::SCKRAW()\n");
     WSADATA data;
-    // Kept: failure is reported by a positive code, so this branch is never taken; a module without
-    // sockets shows in the calls that follow.
+    // Kept: failures are reported as positive codes, so this branch is never taken; without WinSock
+    // the calls that follow fail.
     if (WSAStartup(MAKEWORD(2, 0), &data) == -1) {
         DebugLogA("SCKRAW : WSAStartup() failed %d\n", WSAGetLastError());
         WSACleanup();
@@ -127,7 +127,7 @@ OwnedSocket SCKRAW::CreateSocket(int type, int protocol, int addressFamily, int 
         if (hasBindAddress) BindV4(handle, bindAddress, 0);
     } else if (addressFamily == AF_INET6) {
         if (!SetIPv6MulticastOptions(handle)) {
-            DebugLogA("Failed to set IPV6_MULTICAST_LOOP\n");  // for either of the two
+            DebugLogA("Failed to set IPV6_MULTICAST_LOOP\n");  // for either option
             return created;
         }
         if (hasBindAddress) BindV6(handle, bindAddress);
@@ -154,7 +154,7 @@ uint32_t SCKRAW::ResolveV4(const char* text) {
     if (IsDottedQuad(text)) return inet_addr(text);
     if (const hostent* host = gethostbyname(text)) {
         uint32_t address = INADDR_NONE;
-        // A list without an address or of another size would be read beyond its end.
+        // An empty list, or addresses of another size, would be read past the end.
         if (host->h_addr_list[0] && host->h_length == sizeof address) {
             std::memcpy(&address, host->h_addr_list[0], sizeof address);
         }
@@ -163,8 +163,8 @@ uint32_t SCKRAW::ResolveV4(const char* text) {
     return inet_addr(text);
 }
 
-// Kept: four dots and nothing but digits exclude each other, so this is never true and every text
-// goes to the resolver first, which takes dotted numbers too.
+// Kept: four dots and nothing but digits exclude each other, so this is never true and all text
+// goes to the resolver, which accepts dotted numbers too.
 bool SCKRAW::IsDottedQuad(const char* text) {
     if (!text || !*text) return false;
     int dots = 0;
@@ -192,8 +192,8 @@ int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const 
     OwnedAddressList addresses;
     const int resolved = getaddrinfo(host, service, &hints, addresses.Receive());
     WSASetLastError(resolved);
-    if (resolved != 0)
-        return resolved;  // Kept: callers see it as a count of bytes and go on to wait.
+    // Kept: callers take the positive code for a number of bytes and wait for an answer.
+    if (resolved != 0) return resolved;
 
     const addrinfo& target = *addresses.Get();
     const int sent = sendto(handle.Get(), static_cast<const char*>(data), length, 0, target.ai_addr,
@@ -201,7 +201,7 @@ int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const 
     const int error = WSAGetLastError();
     if (sent == SOCKET_ERROR) {
         DebugLogA("sendto() failed - %d\n", error);
-        // The owner forgets the handle too: closing the same number again might hit a socket that
+        // The owner gives up the handle too: closing the same number again might hit a socket that
         // another thread of the host has opened since.
         handle.Reset();
     }
@@ -238,7 +238,7 @@ bool SCKRAW::TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress
     received = ReceiveNow(handle, buffer, size, fromAddress);
     if (received != SOCKET_ERROR) return true;
     const int error = WSAGetLastError();
-    // Where nothing has been sent or bound, a receive is an error and a wait passes silently.
+    // On a socket that is neither bound nor used to send, a receive fails but a wait times out.
     if (error == WSAEWOULDBLOCK || error == WSAEINVAL) return false;
     received = FailedReceive();
     return true;
@@ -252,7 +252,7 @@ int SCKRAW::FailedReceive() {
 
 int SCKRAW::HasIPv6Address() {
     WSADATA data;
-    // Kept: without a matching clean-up, so each call leaves one start-up reference behind.
+    // Kept: there is no matching clean-up, so each call leaks one start-up reference.
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 0;
     addrinfo hints = {};
     hints.ai_flags = AI_PASSIVE | AI_NUMERICHOST;

@@ -1,4 +1,4 @@
-// The one UDP datagram socket abstraction of the module.
+// The module's UDP socket.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +7,12 @@
 
 namespace vndiscover {
 
-constexpr int32_t SCKRAW_ERROR_TIMEOUT = 1;  // lastError: a wait passed without a datagram
+constexpr int32_t SCKRAW_ERROR_TIMEOUT = 1;  // lastError: a wait timed out
 constexpr int kMaxDatagram = 2048;           // bytes of a receive buffer
 constexpr int kSenderTextSize = 260;         // bytes that a fromAddress buffer must hold
 
-// Holds one WinSock start-up reference. One thread at a time. Texts are narrow, time-outs
-// milliseconds. Nothing throws; each result says what is left to the caller.
+// Holds one WinSock start-up reference. For one thread at a time. Text is narrow, time-outs are in
+// milliseconds. Nothing throws.
 class SCKRAW {
   public:
     SCKRAW();
@@ -20,54 +20,54 @@ class SCKRAW {
     SCKRAW(const SCKRAW&) = delete;
     SCKRAW& operator=(const SCKRAW&) = delete;
 
-    // Takes one WinSock reference for the module, once, and keeps it. Managers end within DllMain,
-    // where giving back the process's last one could deadlock: that unloads libraries.
+    // Takes one WinSock reference for the module, once, and keeps it. Managers are destroyed within
+    // DllMain, where releasing the process's last reference could deadlock: that unloads libraries.
     static void KeepStarted();
 
-    // A new socket, owned by the caller and not stored in `sock`. Empty only when creation failed:
-    // with an option that could not be set it is returned as it then is, and a failed bind shows in
-    // the log. bindAddress: local address text, null or "" for none.
+    // Returns a new socket, not stored in `sock`. It is empty only if creation failed: if an option
+    // cannot be set, the socket is returned as it then is, and a failed bind is only logged.
+    // bindAddress is the local address as text; null or "" means any.
     OwnedSocket CreateSocket(int type, int protocol, int addressFamily, int timeoutMs,
                              const char* bindAddress);
 
-    // Binds to an IPv4 address or host name; port 0 means any. Always 0: a failure is only logged.
+    // Binds to an IPv4 address or host name; port 0 means any. Always 0; a failure is only logged.
     int BindV4(SOCKET handle, const char* addressText, int port);
 
     // IPv4 address in network order, or INADDR_NONE.
     static uint32_t ResolveV4(const char* text);
     static bool IsDottedQuad(const char* text);
 
-    // Sends on `sock`, created first if none is open; after a failed send that is a new one. As
-    // SendToSocket. Nothing in the module calls it.
+    // SendToSocket on `sock`, which is created if it is not open; a failed send closes it. Nothing
+    // in the module calls it.
     int SendTo(int addressFamily, const char* host, int port, const void* data, int length,
                int timeoutMs);
 
-    // Bytes sent; -1 when the send failed (the handle is then closed and WSAGetLastError tells
-    // why); the resolver's positive code when host does not resolve in the object's family.
+    // Returns the bytes sent; -1 if the send failed, with the handle closed and the reason in
+    // WSAGetLastError; the resolver's positive code if host does not resolve in the object's
+    // family.
     int SendToSocket(OwnedSocket& handle, const char* host, int port, const void* data, int length);
 
     // RecvFromSocket on `sock`. Nothing in the module calls it.
     int RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs);
 
-    // Waits timeoutMs / 1000 whole seconds for one datagram. Bytes received; 0 on time-out or
-    // failure, lastError tells which (a datagram of zero bytes leaves it alone). fromAddress: null
-    // or at least kSenderTextSize bytes, receives the sender's numeric address.
+    // Waits timeoutMs / 1000 whole seconds for one datagram. Returns the bytes received; 0 on
+    // time-out or failure, and lastError tells which (an empty datagram leaves it alone).
+    // fromAddress receives the sender's numeric address; it is null or has kSenderTextSize bytes.
     int RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress, int timeoutMs);
 
-    // For sockets that collect many answers. Raises the receive buffer so that a burst of 8,192
-    // fits; best effort and unlogged, for where the system refuses, answers are lost only in
-    // bursts.
+    // For sockets that collect many answers: enlarges the receive buffer so that a burst of 8,192
+    // fits. A failure is not logged, since answers are then lost only in bursts.
     static void RaiseReceiveBuffer(SOCKET handle);
 
-    // From then on TakeQueued may be used. False: it may not.
+    // Makes the socket non-blocking, as TakeQueued requires. False on failure.
     static bool StopBlocking(SOCKET handle);
 
-    // Takes a datagram that is already queued without the wait, which costs more than the receive
-    // itself. False: nothing is queued, or the socket cannot receive yet: wait. Else `received` is
-    // RecvFromSocket's result, with the same log line and lastError on failure.
+    // Receives a datagram that is already queued, without a wait, which costs more than the receive
+    // itself. False: nothing is queued, or the socket cannot receive yet. Otherwise `received` is
+    // what RecvFromSocket would return, with the same log line and lastError on failure.
     bool TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received);
 
-    // 1 when the system's IPv6 stack offers a wildcard address, else 0.
+    // 1 if the system's IPv6 stack has a wildcard address, otherwise 0.
     int HasIPv6Address();
 
     OwnedSocket sock;

@@ -1,5 +1,5 @@
-// The local address from which requests to an IPv6 host leave: tried anew in each call, remembered
-// between calls. Shared by all directed requests, without a lock.
+// The local address from which requests to an IPv6 host are sent: remembered between calls, and
+// tried again in each. Shared by all directed requests, without a lock.
 #pragma once
 
 #include <cstddef>
@@ -16,18 +16,18 @@ struct AdapterAddress {
 
 extern AdapterAddress g_adapterAddr[kMaxAdapterRows];
 extern int32_t g_nAdapter;                 // rows of g_adapterAddr in use
-extern char g_szBindIp[kBindAddressSize];  // "" until an IPv6 host was asked
+extern char g_szBindIp[kBindAddressSize];  // "" until the first request to an IPv6 host
 
-// Logs the count of rows, and fills them from the host's IPv6 addresses when an IPv6 host is asked
-// and there are none yet. host may be null. endsLines: the SNMPv1 requests end the row's line, the
-// SNMPv3 ones do not.
+// Logs the number of rows. If there are none and host is an IPv6 address, fills them with this
+// computer's IPv6 addresses. host may be null. endsLines: whether each row's log line ends with a
+// newline, as for SNMPv1 but not for SNMPv3.
 void LoadBindAddresses(const char* host, bool endsLines);
 
-// The local address for host into `bindAddress`; "" for an IPv4 host and without rows. True: it is
-// worth a trial, and where that gets no answer the caller goes on with UseSecondRow.
+// Puts the local address for host into `bindAddress`: "" for an IPv4 host, or without rows. True:
+// the caller sends a trial request from it and, if that gets no answer, calls UseSecondRow.
 bool ChooseBindAddress(const char* host, char (&bindAddress)[kBindAddressSize]);
 
-// The second row, if there is one, is used and remembered. Kept: no further row is tried.
+// Uses and remembers the second row, if there is one. Kept: no further row is tried.
 void UseSecondRow(char (&bindAddress)[kBindAddressSize]);
 
 }  // namespace vndiscover

@@ -8,7 +8,7 @@ namespace vndiscover {
 namespace {
 
 // A document that does not fit the field is cut between two characters: the host still learns of
-// the device, and sees by the document, which no longer parses, that it asked for too much.
+// the device, and the document, which no longer parses, shows that too much was requested.
 void StoreDocument(ResponseRecord& device, const std::string& document) {
     const size_t length = Utf8PrefixLength(document, sizeof device.value - 1);
     std::memcpy(device.value, document.data(), length);

@@ -1,4 +1,4 @@
-// The devices that have answered on one adapter, and how the host gets them.
+// The devices that have answered on one adapter, and their delivery to the host.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,10 @@ namespace vndiscover {
 
 constexpr uint32_t kTableCapacity = 8192;
 
-// In the order of the answers. It costs nothing until it is filled.
+// In the order of the answers. Takes up memory only as it is filled.
 class DeviceTable {
   public:
-    // Room for all entries. Throws std::bad_alloc.
+    // Reserves memory for all entries. Throws std::bad_alloc.
     void Reserve() { entries_.Reserve(); }
 
     // Forgets the devices.
@@ -24,7 +24,8 @@ class DeviceTable {
 
     bool IsFull() const { return deviceCount == kTableCapacity; }
 
-    // One device more: its entry, cleared. Not when full. Throws std::bad_alloc without Reserve.
+    // Adds a device and returns its entry, cleared. The table must not be full. Throws
+    // std::bad_alloc unless Reserve was called.
     ResponseRecord& Add();
 
     ResponseRecord& operator[](uint32_t index) { return entries_[index]; }
@@ -38,24 +39,25 @@ class DeviceTable {
     LazyTable<ResponseRecord, kTableCapacity> entries_;
 };
 
-// Hands the devices of a table to the host:
+// Delivers the devices of a table to the host:
 //
 //     while (ResponseRecord* device = delivery.Next()) delivery.Send(*device, fetch);
 //
 // What is passed in must outlive it.
 class Delivery {
   public:
-    // jsonRequest null: devices are delivered with their value, else with the request filled in.
+    // If jsonRequest is null, devices are delivered with their value, otherwise with the request
+    // filled in.
     Delivery(DeviceTable& devices, ResultSink& sink, const StopRequest& stop,
              const char* jsonRequest)
         : devices_(devices), sink_(sink), stop_(stop), jsonRequest_(jsonRequest) {}
 
-    // Null after the last device, or when the host has asked to stop; the log then says how many
-    // were sent.
+    // Null after the last device, or once the host has asked to stop; the number of devices sent is
+    // then logged.
     ResponseRecord* Next();
 
-    // In JSON mode a device without a value is left out, and so is every device when the request is
-    // no JSON. `fetch` asks the device.
+    // In JSON mode a device without a value is left out, and so is every device if the request is
+    // not JSON. `fetch` queries the device.
     void Send(ResponseRecord& device, const FetchValue& fetch);
 
   private:

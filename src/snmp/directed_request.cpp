@@ -24,8 +24,8 @@ std::string IntegerText(const char* value, int32_t length) {
     return std::to_string(static_cast<int32_t>(number));  // as "%ld" prints it
 }
 
-// Null: nothing is written. A text that does not fit is the caller's fault and goes to the
-// runtime's invalid-parameter handler.
+// With a null buffer nothing is written. Text that does not fit is the caller's fault and goes to
+// the runtime's invalid-parameter handler.
 void CopyForHost(const TextBuffer& out, const char* text) {
     if (out.text) strcpy_s(out.text, out.size > 0 ? static_cast<size_t>(out.size) : 0, text);
 }
@@ -47,7 +47,7 @@ int32_t RequestText(const char* host, const char* oid, const TextBuffer& out, ui
     };
     if (ChooseBindAddress(host, szBindIp) && ask(1) == 0) UseSecondRow(szBindIp);
     DebugLogA("szBindIp [%s]\n", szBindIp);
-    std::memset(value, 0, sizeof value);  // what the trial left
+    std::memset(value, 0, sizeof value);  // clears the trial's answer
     type = 0;
     const int32_t length = ask(kRequestAttempts);
     if (length <= 0 || type != expectedType) return 0;

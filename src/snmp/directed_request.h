@@ -1,11 +1,11 @@
-// The community-based request for a value as text.
+// Requests one value as text over SNMPv1.
 #pragma once
 
 #include <cstdint>
 
 namespace vndiscover {
 
-// As the host gives them; null and "" mean the default.
+// As the host passes them; null and "" mean the default.
 struct Communities {
     const char* read;
     const char* write;
@@ -17,7 +17,7 @@ struct TextBuffer {
     int32_t size;  // bytes
 };
 
-// As GetSnmpRequest in the public header: makes a manager of its own. host may be null.
+// Does what the public header says of GetSnmpRequest, with a manager of its own. host may be null.
 int32_t RequestText(const char* host, const char* oid, const TextBuffer& out, uint32_t expectedType,
                     const Communities& communities);
 

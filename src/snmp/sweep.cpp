@@ -14,16 +14,16 @@ constexpr char kIPv6AllNodes[] = "FF02:0:0:0:0:0:0:1";
 
 }  // namespace
 
-Probe SnmpProbe(BYTE useIPv6, const void* request, int32_t length) {
-    Probe probe = {};
-    probe.family = useIPv6 ? AF_INET6 : AF_INET;
-    probe.target = useIPv6 ? kIPv6AllNodes : kIPv4Broadcast;
-    probe.port = kSnmpPort;
-    probe.data = request;
-    probe.length = length;
-    probe.protocol = IPPROTO_UDP;
-    probe.socketTimeoutMs = kSocketTimeoutMs;
-    return probe;
+SweepRequest SnmpSweepRequest(BYTE useIPv6, const void* message, int32_t length) {
+    SweepRequest request = {};
+    request.family = useIPv6 ? AF_INET6 : AF_INET;
+    request.target = useIPv6 ? kIPv6AllNodes : kIPv4Broadcast;
+    request.port = kSnmpPort;
+    request.data = message;
+    request.length = length;
+    request.protocol = IPPROTO_UDP;
+    request.socketTimeoutMs = kSocketTimeoutMs;
+    return request;
 }
 
 bool FitsJsonRequest(const char* jsonRequest) {

@@ -1,4 +1,4 @@
-// What the sweeps of every SNMP version share.
+// What the sweeps of all SNMP versions share.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace vndiscover {
 
 constexpr CollectionLimits kSweepLimits = {kReceiveWaitMs, 60000, false};
 
-// What the host tells a sweep.
+// The host's arguments of a sweep.
 struct SweepSettings {
     HWND hWnd;  // may be null
     UINT uMsg;
@@ -20,14 +20,15 @@ struct SweepSettings {
     const wchar_t* resultPath;  // null or "": no result file
 };
 
-// The request to everybody, on the SNMP port.
-Probe SnmpProbe(BYTE useIPv6, const void* request, int32_t length);
+// The message as a broadcast or multicast to the SNMP port.
+SweepRequest SnmpSweepRequest(BYTE useIPv6, const void* message, int32_t length);
 
-// False: the request is too long to be used. Null fits.
+// False if the request is too long to be used. Null is not.
 bool FitsJsonRequest(const char* jsonRequest);
 
-// The OID to ask for: the argument's, the one that jsonRequest names, or the default; null and ""
-// name none. False: it is of kOidTextSize bytes or more. A cut one would ask for another variable.
+// The OID to request: `oid`, otherwise the one that jsonRequest names, otherwise the default; null
+// and "" name none. False if it has kOidTextSize bytes or more: a truncated OID would request
+// another variable.
 bool ChooseDiscoveryOid(const char* oid, const char* jsonRequest, std::string& szDisOid);
 
 }  // namespace vndiscover

@@ -24,7 +24,7 @@ OidValue OidOf(const char* text) {
     return oid;
 }
 
-// Returns the length, 0 when the request cannot be encoded.
+// Returns the length, or 0 if the request cannot be encoded.
 int32_t BuildRequest(const OidValue& oid, const ValueView& value, uint8_t pduType,
                      const char* community, uint8_t (&out)[kMaxMessageSize]) {
     VarBindRecord binding;
@@ -38,8 +38,8 @@ void ParseAnswer(const Datagram& answer, ResponseRecord& record) {
     ParseSnmpResponse(record, answer.data, static_cast<size_t>(answer.length), answer.sender);
 }
 
-// The runtime decides about a buffer that is too small: it zeroes it and calls the
-// invalid-parameter handler. A null buffer only means that the host does not want the value.
+// A buffer that is too small is left to the runtime, which zeroes it and calls the
+// invalid-parameter handler. A null buffer means that the host does not want the value.
 void CopyRaw(void* out, int32_t outSize, const void* bytes, size_t count) {
     if (out) memcpy_s(out, outSize > 0 ? static_cast<size_t>(outSize) : 0, bytes, count);
 }
@@ -69,7 +69,7 @@ SCKRAW& VxSnmpMgr::Socket() {
 // ---- sweeps
 
 bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) noexcept {
-    if (sweeping) return false;  // it would take the running sweep's window and file away
+    if (sweeping) return false;  // a second sweep would take away the first one's window and file
     sweeping = true;
     DebugLogA("%s", line);
     stop.store(0, std::memory_order_relaxed);
@@ -81,7 +81,7 @@ bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) noex
 
 void VxSnmpMgr::RenewSocket() {
     SCKRAW::KeepStarted();
-    // Kept: the object of the sweep before is not released (some bytes and one WinSock reference).
+    // Kept: the previous sweep's object is leaked (a few bytes and one WinSock reference).
     (void)socket.release();
     Socket();
 }
@@ -93,7 +93,7 @@ int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutM
                             const char* writeCommunityText, const char* jsonRequest) {
     const SweepSettings settings = {hWnd, uMsg, timeoutMs, useIPv6, resultPath};
     if (!BeginSweep("SNMP::Discover\n", settings)) return 0;
-    // The host waits for the final message, so it is sent however the sweep is left.
+    // The host waits for the final message, so it is sent on every exit path.
     const ScopeExit end([this] { FinishSweep(); });
     RenewSocket();
     CopyText(readCommunity, OrDefault(readCommunityText));
@@ -106,21 +106,21 @@ void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char
     sink.OpenFile(settings.resultPath);
     std::string szDisOid;
     if (!FitsJsonRequest(jsonRequest) || !ChooseDiscoveryOid(oid, jsonRequest, szDisOid)) return;
-    // Kept: text without two arcs asks for the empty OID.
+    // Kept: text with fewer than two arcs requests the empty OID.
     const OidValue name = OidOf(szDisOid.c_str());
     uint8_t request[kMaxMessageSize] = {};
     const int32_t length = BuildRequest(name, kNullValue, kPduGetRequest, readCommunity, request);
     if (length == 0) return;
-    AdapterSweep adapters(Socket(), sock, SnmpProbe(settings.useIPv6, request, length));
+    AdapterSweep adapters(Socket(), sock, SnmpSweepRequest(settings.useIPv6, request, length));
     while (adapters.Next()) {
         HandleEvents(settings.timeout, adapters.IsLast(), adapters.Address(), jsonRequest);
     }
 }
 
 void VxSnmpMgr::FinishSweep() {
-    // Closed after the final message, within which the host may start the next sweep. Without a
-    // path that one writes nowhere; with the same one, no line of this sweep may follow into its
-    // file.
+    // The file is closed after the final message, while whose handling the host may start the next
+    // sweep. It leaves the sink first, so that the next sweep does not write to it, and is flushed,
+    // so that no line follows into the next sweep's file of the same name.
     const OwnedFile file(std::move(sink.resultFile));
     if (file) std::fflush(file.Get());
     EndSweep();
@@ -134,7 +134,7 @@ int32_t VxSnmpMgr::StopDiscover() {
     return 0;
 }
 
-// Kept: timeout and isLast do not matter, the limits are fixed.
+// Kept: timeout and isLast have no effect; the limits are fixed.
 void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bindAddress,
                              const char* jsonRequest) {
     DebugLogA("HandleEvents start\n");
@@ -147,7 +147,7 @@ void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bind
     }
 }
 
-// Every datagram takes an entry, whatever it holds; what is no answer is delivered without a value.
+// Every datagram takes an entry, whatever it holds; one that is not an answer has no value.
 void VxSnmpMgr::CollectAnswers() {
     devices.StartOver();
     DatagramCollector answers(Socket(), sock.Get(), kSweepLimits, stop);
@@ -171,10 +171,10 @@ bool VxSnmpMgr::Fetch(const ResponseRecord& device, const char* oid, const char*
 
 // ---- requests to one device
 
-// 1: answered, whoever did and whatever it says; 0: no answer, or nothing to send; -1: the send
-// failed.
+// 1: an answer came, from any sender and with any content; 0: none came, or nothing was sent; -1:
+// the send failed.
 int32_t VxSnmpMgr::Ask(const Query& query, const ValueView& value, ResponseRecord& answer) {
-    if (!query.host || query.oid.length == 0) return 0;  // no device, or the text held no OID
+    if (!query.host || query.oid.length == 0) return 0;
     uint8_t request[kMaxMessageSize] = {};
     const int32_t length =
         BuildRequest(query.oid, value, query.pduType, OrDefault(query.community), request);
@@ -183,7 +183,7 @@ int32_t VxSnmpMgr::Ask(const Query& query, const ValueView& value, ResponseRecor
     Exchange exchange = {query.host, request, length, query.attempts, false, false};
     Datagram datagram;
     const int32_t outcome = RunExchange(Socket(), opened, exchange, datagram);
-    if (exchange.wasSilent) timeout = 0;  // Kept: a side effect that nothing reads afterwards.
+    if (exchange.wasSilent) timeout = 0;  // Kept: nothing reads it afterwards.
     if (outcome == 1) ParseAnswer(datagram, answer);
     return outcome;
 }
@@ -204,7 +204,7 @@ int32_t VxSnmpMgr::GetInformation(const Query& query, char* outValue, int32_t ou
     ResponseRecord answer = {};
     const int32_t outcome = Ask(query, kNullValue, answer);
     if (outcome != 1) return outcome;
-    // The record holds a zero byte after the value, which goes with it.
+    // With the zero byte that follows the value in the record.
     if (answer.valueLength != 0) CopyRaw(outValue, outSize, answer.value, answer.valueLength + 1u);
     if (valueType) *valueType = answer.valueTag;
     return answer.valueLength;

@@ -17,8 +17,8 @@ namespace vndiscover {
 
 constexpr size_t kCommunitySize = 260;
 
-// One lives as long as the process and sweeps; directed requests make one per call. The device
-// table costs nothing until it is filled. Not for two threads at once, but for StopDiscover.
+// One exists as long as the module is loaded, for sweeps; each directed request makes its own. The
+// device table takes up memory only as it is filled. For one thread at a time, except StopDiscover.
 class VxSnmpMgr {
   public:
     VxSnmpMgr();  // throws std::bad_alloc
@@ -26,53 +26,53 @@ class VxSnmpMgr {
     VxSnmpMgr(const VxSnmpMgr&) = delete;
     VxSnmpMgr& operator=(const VxSnmpMgr&) = delete;
 
-    // The community-based sweep. Texts may be null. Always 0; ends with the (0, 0) message, even if
-    // the request cannot be encoded or jsonRequest is too long and nothing is sent. Called while it
-    // sweeps, it does nothing.
+    // The community-based sweep. Text may be null. Always returns 0 and ends with the (0, 0)
+    // message, even if nothing is sent because the request cannot be encoded or jsonRequest is too
+    // long. During a sweep a further call does nothing.
     int32_t Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6,
                      const wchar_t* resultPath, const char* readCommunity,
                      const char* writeCommunity, const char* jsonRequest);
 
-    // Any thread. Always 0.
+    // May be called on any thread. Always 0.
     int32_t StopDiscover();
 
-    // Collects answers on `sock` and delivers them. timeout and isLast are not used: the limits are
-    // fixed.
+    // Collects answers on `sock` and delivers them. timeout and isLast are not used.
     void HandleEvents(UINT timeout, bool isLast, const char* bindAddress, const char* jsonRequest);
 
-    // Requests to one device: the answer's value length, 0 for no answer or an empty value, -1 when
-    // the send failed. waitMs is not used; attempts counts receive waits. bindAddress may be null.
+    // Requests to one device return the answer's value length, 0 for no answer or an empty value,
+    // -1 if the send failed. waitMs is not used; attempts counts receive waits. bindAddress may be
+    // null.
 
-    // outValue receives the value and one zero byte. Null drops it; too small a buffer is a
-    // caller's fault. valueType may be null. writeCommunity is not used.
+    // outValue receives the value and one zero byte; it may be null, but one that is too small is
+    // the caller's fault. valueType may be null. writeCommunity is not used.
     int32_t GetInformation(const char* oid, const char* host, char* outValue, int32_t outSize,
                            uint32_t* valueType, uint32_t waitMs, int32_t attempts,
                            const char* readCommunity, const char* writeCommunity,
                            const char* bindAddress);
 
-    // record is the host's memory; it may be null.
+    // record belongs to the host and may be null.
     int32_t GetInformation1(const char* oid, const char* host, VnResponseRecord* record,
                             uint32_t waitMs, int32_t attempts, const char* readCommunity,
                             const char* writeCommunity, const char* bindAddress, uint8_t pduType);
 
-    // value: in the bytes to set, out the answer's value; valueType: in the tag in the low byte,
-    // out the answer's. Without a type, or with a value that fits no binding: 0, nothing is sent.
-    // readCommunity is not used.
+    // value: in, the bytes to set; out, the answer's value. valueType: in, the tag in the low byte;
+    // out, the answer's. If valueType is null, or the value fits no binding, nothing is sent and 0
+    // is returned. readCommunity is not used.
     int32_t SetInformationByStr(const char* oid, const char* host, uint8_t* value,
                                 int32_t valueLength, uint32_t* valueType, uint32_t waitMs,
                                 int32_t attempts, const char* readCommunity,
                                 const char* writeCommunity);
 
-    // What sweeps of every SNMP version share.
+    // What sweeps of all SNMP versions share.
 
-    // Writes the line, clears the stop request and remembers where results go. False: a sweep is
-    // running, of which this is a result message. EndSweep follows in any case, exceptions
-    // included.
+    // Logs the line, clears the stop request and stores where results go. False: a sweep is running
+    // and the host calls from a result message. After true, EndSweep must follow on every exit
+    // path.
     bool BeginSweep(const char* line, const SweepSettings& settings) noexcept;
-    void RenewSocket();  // the sweep's socket object; throws std::bad_alloc
+    void RenewSocket();  // makes the sweep's socket object; throws std::bad_alloc
     void EndSweep() noexcept;
 
-    // The socket object, made if there is none.
+    // Creates the socket object if there is none.
     SCKRAW& Socket();
 
     ResultSink sink;
@@ -89,7 +89,7 @@ class VxSnmpMgr {
         const char* bindAddress;
         int32_t attempts;
     };
-    // The forms for an encoded OID.
+    // For an encoded OID.
     int32_t GetInformation(const Query& query, char* outValue, int32_t outSize,
                            uint32_t* valueType);
     int32_t SetInformation(const Query& query, uint8_t* value, int32_t valueLength,

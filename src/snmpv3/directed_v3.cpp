@@ -15,8 +15,8 @@ constexpr int32_t kOneAttempt = 1;
 
 struct DirectedAnswer {
     std::unique_ptr<VxSnmpMgr> manager;
-    std::unique_ptr<VxSNMPv3> message;  // empty when there was no answer
-    int32_t reportLength = 0;           // of the engine discovery; -1 when it could not be sent
+    std::unique_ptr<VxSNMPv3> message;  // empty if no answer came
+    int32_t reportLength = 0;           // answer to the engine discovery; -1 if it was not sent
 
     const VarBindRecord* Binding() const { return message ? FirstBinding(*message) : nullptr; }
 };
@@ -28,24 +28,25 @@ void AskDevice(const char* host, const char* oid, uint8_t pduType, const Securit
     char szBindIp[kBindAddressSize];
     if (ChooseBindAddress(host, szBindIp)) {
         VxSNMPv3 trial;
-        // A send that fails is no answer either.
+        // A failed send counts as no answer.
         if (GetInformationV3(manager, &trial, host, szBindIp, kOneAttempt) <= 0) {
             UseSecondRow(szBindIp);
         }
     }
     DebugLogA("szBindIp [%s]\n", szBindIp);
-    VxSNMPv3 probe;
-    answer.reportLength = GetInformationV3(manager, &probe, host, szBindIp, kRequestAttempts);
-    if (answer.reportLength <= 0) return;  // nobody is there to be asked
+    VxSNMPv3 discovery;
+    answer.reportLength = GetInformationV3(manager, &discovery, host, szBindIp, kRequestAttempts);
+    if (answer.reportLength <= 0) return;
 
-    const EngineValues engine = {probe.EngineId(), probe.EngineBoots(), probe.EngineTime()};
+    const EngineValues engine = {discovery.EngineId(), discovery.EngineBoots(),
+                                 discovery.EngineTime()};
     auto request = MakeRequestV3(security, engine, pduType, oid);
     if (GetInformationV3(manager, request.get(), host, szBindIp, kOneAttempt) > 0) {
         answer.message = std::move(request);
     }
 }
 
-// The manager of a call, also of one that has nobody to ask.
+// Creates the manager, even for a call that has no host.
 DirectedAnswer StartRequest(const char* host) {
     LoadBindAddresses(host, false);
     DirectedAnswer answer;
@@ -73,7 +74,7 @@ int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, 
     DebugLogA("strValue [%s]", strValue.c_str());
     if (binding && valueType) *valueType = binding->valueTag;
     if (strValue.empty()) return 0;
-    // Cut where it does not fit: how long it is, is the device's choice.
+    // Cut if it does not fit: the device, not the caller, chooses its length.
     if (out.text && out.size > 0) {
         CopyText(out.text, static_cast<size_t>(out.size), strValue.c_str());
     }

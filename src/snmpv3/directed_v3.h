@@ -1,4 +1,4 @@
-// Directed SNMPv3 requests as hosts call them: each discovers the device's engine anew.
+// The directed SNMPv3 requests of the exports. Each discovers the device's engine again.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace vndiscover {
 
-// Results and arguments as in the public header; host may be null.
+// Arguments and results as in the public header. host may be null.
 int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, uint32_t* valueType,
                       const SecuritySettings& security);
 int32_t RequestNextV3(const char* host, const char* oid, VnResponseRecord* record,

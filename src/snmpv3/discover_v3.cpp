@@ -21,12 +21,12 @@ struct SweepV3 {
 };
 
 struct ValueV3 {
-    std::string text;  // "" when the device gives no value
+    std::string text;  // "" if the device gives no value
     uint8_t tag = 0;
     uint8_t length = 0;
 };
 
-// Asks one device with the engine values it reported.
+// Sends one device a request with the engine values that it reported.
 ValueV3 AskV3(const SweepV3& sweep, const char* address, const EngineValues& engine,
               const char* oid) {
     const auto request = MakeRequestV3(sweep.security, engine, kPduGetRequest, oid);
@@ -42,8 +42,8 @@ ValueV3 AskV3(const SweepV3& sweep, const char* address, const EngineValues& eng
 void TakeReport(const SweepV3& sweep, Datagram& datagram) {
     VxSNMPv3 report;
     report.Decode(datagram.data, datagram.length);
-    // Kept: a report that names no engine is answered too; the request then goes out as one more
-    // probe.
+    // Kept: a report that names no engine is followed up too; the request then goes out as another
+    // engine discovery.
     const EngineValues engine = {report.EngineId(), report.EngineBoots(), report.EngineTime()};
     const ValueV3 value = AskV3(sweep, datagram.sender, engine, sweep.oid);
     DebugLogA("strValue [%s]", value.text.c_str());
@@ -87,14 +87,15 @@ void HandleEventsV3(const SweepV3& sweep) {
 }
 
 void SweepAdaptersV3(SweepV3 sweep, BYTE useIPv6) {
-    VxSNMPv3 probe;
-    const ByteBuffer& message = probe.Encode();
+    VxSNMPv3 discovery;
+    const ByteBuffer& message = discovery.Encode();
     std::string szDisOid;
     if (!ChooseDiscoveryOid(sweep.oid, sweep.jsonRequest, szDisOid)) return;
     sweep.oid = szDisOid.c_str();
     VxSnmpMgr& manager = sweep.manager;
-    AdapterSweep adapters(manager.Socket(), manager.sock,
-                          SnmpProbe(useIPv6, message.data, static_cast<int32_t>(message.length)));
+    AdapterSweep adapters(
+        manager.Socket(), manager.sock,
+        SnmpSweepRequest(useIPv6, message.data, static_cast<int32_t>(message.length)));
     while (adapters.Next()) {
         sweep.bindAddress = adapters.Address();
         HandleEventsV3(sweep);

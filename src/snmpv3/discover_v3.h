@@ -1,4 +1,4 @@
-// The SNMPv3 sweep: an engine discovery probe to everybody, then one request to each that reports.
+// The SNMPv3 sweep: an engine discovery to all devices, then one request to each that reports.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@
 
 namespace vndiscover {
 
-// Always 0. Kept: no final (0, 0) message and no result file of its own; the sweep is over when
-// this returns. oid null or "": the one that jsonRequest names, or the default. jsonRequest is
-// UTF-8. One of kJsonRequestSize bytes or more, an OID text or a user name that is too long:
-// nothing is sent. Called while the manager sweeps, it does nothing.
+// Always 0. Kept: there is no final (0, 0) message and no result file; the sweep is over when this
+// returns. A null or "" oid means the one that jsonRequest names, or the default. jsonRequest is
+// UTF-8. If it has kJsonRequestSize bytes or more, or if the OID text or the user name is too long,
+// nothing is sent. During a sweep of the manager a further call does nothing.
 int32_t DiscoverV3(VxSnmpMgr& manager, const SweepSettings& settings, const char* oid,
                    const char* jsonRequest, const SecuritySettings& security);
 

@@ -28,7 +28,7 @@ int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* addr
     Datagram answer;
     const int32_t outcome = RunExchange(socket, opened, exchange, answer);
     if (outcome != 1) return outcome;
-    // Kept: an answer that does not decode is an answer; it only holds no value.
+    // Kept: an answer that does not decode counts as one without a value.
     request->Decode(answer.data, answer.length);
     return answer.length;
 }

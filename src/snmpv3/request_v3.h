@@ -1,4 +1,4 @@
-// One SNMPv3 exchange with one device, and what its requests are made of.
+// One SNMPv3 exchange with one device, and the parts of its requests.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +11,7 @@
 
 namespace vndiscover {
 
-// The authoritative engine's values, as a device's report teaches them, and the largest message
-// that a request is to announce.
+// The authoritative engine's values from a device's report, and the msgMaxSize for the request.
 struct EngineValues {
     const ByteBuffer& id;
     int32_t boots;
@@ -20,17 +19,17 @@ struct EngineValues {
     uint32_t msgMaxSize = kDefaultMsgMaxSize;
 };
 
-// A request with the caller's security for one OID; null when the OID cannot be encoded.
+// A request for one OID with the caller's security; null if the OID cannot be encoded.
 std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
                                         const EngineValues& engine, uint8_t pduType,
                                         const char* oid);
 
 /**
- * Encodes and sends `request`, and decodes the answer into it. One silent wait ends it, whatever
- * `attempts` says.
- * @param request      Null: 0.
- * @param bindAddress  Local address, null or "" for none.
- * @return The answer datagram's length, 0 for no answer, -1 when the send failed.
+ * Encodes and sends `request`, and decodes the answer into it. The first time-out ends the
+ * exchange, whatever `attempts` says.
+ * @param request      If null, nothing is sent and 0 is returned.
+ * @param bindAddress  Local address; null or "" means any.
+ * @return The length of the answer datagram; 0: no answer; -1: the send failed.
  */
 int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* address,
                          const char* bindAddress, int32_t attempts);
@@ -38,8 +37,8 @@ int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* addr
 // The answer's first binding, or null.
 const VarBindRecord* FirstBinding(const VxSNMPv3& answer);
 
-// The text of a binding's value; "" for null, for other types than INTEGER and OCTET STRING, and
-// for an INTEGER that is none.
+// A binding's value as text; "" for null, for types other than INTEGER and OCTET STRING, and for a
+// malformed INTEGER.
 std::string ValueTextOf(const VarBindRecord* binding);
 
 }  // namespace vndiscover

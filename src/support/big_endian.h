@@ -1,4 +1,4 @@
-// Numbers as the wire and the hashes have them: most significant byte first.
+// Numbers as the wire and the hashes need them: most significant byte first.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// The bounded copies into fixed fields, in one place.
+// Bounded copies into fixed fields.
 #pragma once
 
 #include <cstddef>

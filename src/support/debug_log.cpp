@@ -14,7 +14,7 @@ DebugSwitches g_debugSwitches = {0, 0};
 namespace {
 
 constexpr size_t kNarrowSize = 4096;
-constexpr size_t kMessageSize = 1024;  // wvsprintfA and the wide writer cut messages here
+constexpr size_t kMessageSize = 1024;  // wvsprintfA and the wide writer truncate messages here
 constexpr size_t kWideLineSize = kMessageSize + 64;
 
 // Callers read the last error again after a log line; OutputDebugString and the C runtime change
@@ -30,7 +30,7 @@ class LastErrorKeeper {
 
 void AppendToLogFile(const char* line) {
     // Opened and closed for every line, so that the host may move or delete the file at any time.
-    // A text file even for a host that has set its runtime's default to binary.
+    // "t": text mode even if the host has made binary its runtime's default.
     OwnedFile file(std::fopen("VxAdmSvc.log", "a+t"));
     if (file) std::fputs(line, file.Get());
 }
@@ -66,15 +66,15 @@ void DebugLogW(const wchar_t* format, ...) {
     wchar_t message[kMessageSize + 1] = {};
     va_list arguments;
     va_start(arguments, format);
-    // Leaves a cut message unterminated, hence the zeroed extra character.
+    // Leaves a truncated message unterminated, hence the extra zeroed character.
     _vsnwprintf(message, kMessageSize, format, arguments);
     va_end(arguments);
 
     SYSTEMTIME now;
     GetLocalTime(&now);
     wchar_t line[kWideLineSize] = {};
-    // Kept: wsprintfW writes at most 1,024 characters, so here, unlike in narrow lines, the time
-    // stamp counts with the message.
+    // Kept: wsprintfW writes at most 1,024 characters, so unlike in narrow lines the limit includes
+    // the time stamp.
     wsprintfW(line, L"%02i/%02i/%02i %02i:%02i:%02i:%03i %s", now.wMonth, now.wDay, now.wYear,
               now.wHour, now.wMinute, now.wSecond, now.wMilliseconds, message);
     OutputDebugStringW(line);

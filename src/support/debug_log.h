@@ -1,5 +1,5 @@
-// The trace log that every piece of the module writes. Silent unless a switch is on. There is no
-// log bound to a file of the caller's choice: nothing in the module would turn it on.
+// The trace log that all of the module writes to. Silent unless a switch is on. There is no log to
+// a file of the caller's choice, since nothing in the module would turn it on.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace vndiscover {
 
-// Two plain process-wide flags, zero at load, read without synchronisation.
+// Process-wide flags, zero at load, read without synchronisation.
 struct DebugSwitches {
     uint8_t debug;    // lines go to the debugger
     uint8_t dbg2Log;  // narrow lines are appended to VxAdmSvc.log in the current directory
@@ -25,12 +25,12 @@ inline bool IsNarrowLogOn() noexcept {
     return g_debugSwitches.debug != 0 || g_debugSwitches.dbg2Log != 0;
 }
 
-// Narrow line: local time stamp and message, at most 1,024 characters of message. Both switches
-// off: returns at once. Keeps the calling thread's last error, which callers read again afterwards.
+// Writes a local time stamp and at most 1,024 characters of message. With both switches off it
+// returns at once. Preserves the calling thread's last error, which callers read afterwards.
 void DebugLogA(const char* format, ...) VN_PRINTF(1, 2);
 
-// Wide line, to the debugger only: dbg2Log plays no part here. Cut at 1,024 characters with its
-// stamp.
+// Writes a wide line to the debugger only, whatever dbg2Log says; at most 1,024 characters, time
+// stamp included.
 void DebugLogW(const wchar_t* format, ...);
 
 // The debug switch. Nothing in the module calls it.

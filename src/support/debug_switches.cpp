@@ -18,7 +18,7 @@ constexpr size_t kPathSize = 260;
 // the life of the process.
 void LoadDebugSwitches(const char* subkeyName, uint8_t defaultDebug) {
     g_debugSwitches.debug = defaultDebug;
-    // On the stack: this runs at every thread start of the host, where nothing may throw.
+    // On the stack: this runs whenever a thread of the host starts, where nothing may throw.
     char path[kPathSize];
     snprintf(path, kPathSize, "Software\\Varnell Osk\\%s", subkeyName ? subkeyName : "Debug");
     if (GetRegValueLong(HKEY_LOCAL_MACHINE, path, "Debug", 0, 0) != 0) {

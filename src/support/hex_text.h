@@ -1,4 +1,4 @@
-// Bytes as the log shows them.
+// Hexadecimal text for the log.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 
 namespace vndiscover {
 
-// Fills a text with two digits a byte and `blanks` blanks after each, and terminates it; bytes that
-// do not fit are left out.
+// Writes two digits and `blanks` blanks per byte, and a terminator. Bytes that do not fit are left
+// out.
 template <class Char, size_t Size>
 void WriteHex(Char (&text)[Size], const uint8_t* bytes, size_t count, size_t blanks) noexcept {
     constexpr char kDigits[] = "0123456789abcdef";
@@ -22,8 +22,8 @@ void WriteHex(Char (&text)[Size], const uint8_t* bytes, size_t count, size_t bla
     text[used] = Char{};
 }
 
-// "%02x " for each of the first 173 bytes. Empty while nobody reads the log: making the text costs
-// more than making the datagram that it shows.
+// "%02x " for each of the first 173 bytes. Empty while the log is off: formatting costs more than
+// building the datagram that is shown.
 class HexText {
   public:
     HexText(const uint8_t* bytes, size_t count) noexcept {

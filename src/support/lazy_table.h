@@ -1,4 +1,4 @@
-// A fixed table whose entries come to life when they are first filled.
+// A table of fixed capacity whose entries are constructed when they are first filled.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +9,9 @@
 
 namespace vndiscover {
 
-// Entries are filled from 0 upwards; an entry that was filled before keeps its content until it is
-// overwritten. The room is reserved by the first fill, or before: a table that nobody fills costs
-// not even that. Not for more than one thread.
+// Entries are filled from 0 upwards; one that was filled before keeps its content until it is
+// overwritten. Address space is reserved by Reserve, or by the first fill. For one thread at a
+// time.
 template <class Entry, uint32_t Capacity>
 class LazyTable {
   public:
@@ -24,13 +24,13 @@ class LazyTable {
     LazyTable(const LazyTable&) = delete;
     LazyTable& operator=(const LazyTable&) = delete;
 
-    // Throws std::bad_alloc; without effect when the room is there.
+    // Throws std::bad_alloc. Later calls do nothing.
     void Reserve() {
         if (!pages_) pages_.emplace(sizeof(Entry) * size_t{Capacity});
     }
 
-    // The entry to fill; index is at most the count of entries filled so far, below Capacity.
-    // Throws std::bad_alloc where the room was not reserved.
+    // The entry to fill. index is below Capacity and at most the number of entries filled so far.
+    // Throws std::bad_alloc if nothing was reserved.
     Entry& ToFill(uint32_t index) {
         if (index == constructed_) {
             Reserve();

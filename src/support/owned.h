@@ -1,4 +1,4 @@
-// One owner for every kind of resource; the owner closes it.
+// The owner of a resource of any kind, which closes it.
 #pragma once
 
 #include <cstdio>
@@ -6,7 +6,7 @@
 
 namespace vndiscover {
 
-// Traits: Value, Empty() (what the opening call gives on failure), Close(value).
+// Traits: Value, Empty() (what the opening call returns on failure), Close(value).
 template <class Traits>
 class Owned {
   public:
@@ -22,11 +22,11 @@ class Owned {
     Value Get() const noexcept { return value_; }
     explicit operator bool() const noexcept { return value_ != Traits::Empty(); }
     Value Release() noexcept { return std::exchange(value_, Traits::Empty()); }
-    void Reset(Value next = Traits::Empty()) noexcept {  // an assignment closes what was held
+    void Reset(Value next = Traits::Empty()) noexcept {  // closes what was held
         const Value old = std::exchange(value_, next);
         if (old != Traits::Empty()) Traits::Close(old);
     }
-    // For opening calls that deliver through a pointer. Closes what was held.
+    // For opening calls that return the value through a pointer. Closes what was held.
     Value* Receive() noexcept {
         Reset();
         return &value_;

@@ -35,12 +35,12 @@ int32_t GetRegValueLong(HKEY hive, const char* subkey, const char* valueName, in
         return defaultValue;
     }
     int32_t value = defaultValue;
-    DWORD type = 0;  // Kept: never checked, so REG_SZ and REG_BINARY switches count by their bytes.
+    DWORD type = 0;  // Kept: not checked, so the bytes of a REG_SZ or REG_BINARY value count too.
     DWORD size = sizeof value;
     const LONG queried = RegQueryValueExA(key.Get(), valueName, nullptr, &type,
                                           reinterpret_cast<BYTE*>(&value), &size);
     if (queried == ERROR_SUCCESS) return value;
-    // A missing switch is the normal case and must not speak in every log.
+    // A missing switch is the normal case and is not logged.
     if (!IsDebugSwitch(valueName)) {
         DebugLogA("GetRegValueLong??? - Get value error - %ld for %s\n", queried, valueName);
     }

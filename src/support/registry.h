@@ -1,4 +1,4 @@
-// The registry reader behind the debug switches.
+// Reads numbers from the registry, for the debug switches.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,14 @@ namespace vndiscover {
 
 /**
  * Reads up to four bytes of a value as a 32-bit number, whatever the value's type.
- * @param access  Access mask; 0 chooses KEY_READ, under WOW64 with the 64-bit view.
- * @return The number, or defaultValue when the key or the value cannot be read or the value is
- * longer than four bytes. Failures are logged, except a missing "Debug" or "Dbg2Log".
+ * @param access  Access mask; 0 means KEY_READ, of the 64-bit view under WOW64.
+ * @return The number, or defaultValue if the key or the value cannot be read or the value is longer
+ * than four bytes. Failures are logged, except those to read "Debug" or "Dbg2Log".
  */
 int32_t GetRegValueLong(HKEY hive, const char* subkey, const char* valueName, int32_t defaultValue,
                         uint32_t access);
 
-// The same for UTF-16 names; it logs every failed query, those of the two switches too.
+// The same for UTF-16 names, but every failed query is logged, even of the two switches.
 int32_t GetRegValueLong(HKEY hive, const wchar_t* subkey, const wchar_t* valueName,
                         int32_t defaultValue, uint32_t access);
 

@@ -1,11 +1,11 @@
-// What must happen however a scope is left.
+// Runs code on every exit from a scope.
 #pragma once
 
 #include <utility>
 
 namespace vndiscover {
 
-// Runs `work`, which must not throw, at the end of the scope: const ScopeExit end([&] { ... });
+// Runs `work`, which must not throw, when the scope ends: const ScopeExit end([&] { ... });
 template <class Work>
 class ScopeExit {
   public:

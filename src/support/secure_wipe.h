@@ -1,4 +1,4 @@
-// Wiping of passwords, keys and plain texts.
+// Wipes passwords, keys and plain texts.
 #pragma once
 
 #include <cstddef>
@@ -6,14 +6,15 @@
 
 namespace vndiscover {
 
-// Zeroes memory that nobody reads again. Volatile keeps the compiler from leaving that out.
+// Zeroes memory that is not read again. Volatile keeps the compiler from removing the writes.
 inline void SecureWipe(void* memory, size_t size) noexcept {
     if (size == 0) return;
     volatile unsigned char* bytes = static_cast<volatile unsigned char*>(memory);
     for (size_t i = 0; i < size; ++i) bytes[i] = 0;
 }
 
-// For containers of secrets: each block is wiped when it is given back, also after a growth.
+// For containers of secrets: every block is wiped when freed, including the old one after the
+// container grows.
 template <class T>
 struct WipingAllocator {
     using value_type = T;

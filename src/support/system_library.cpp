@@ -13,7 +13,7 @@ HMODULE LoadFromSystem(const wchar_t* fileName) {
     if (length == 0 || length >= MAX_PATH || wcslen(fileName) + 2 > kFileNameChars) return nullptr;
     path[length] = L'\\';
     wcscpy(path + length + 1, fileName);
-    // What the library itself imports is looked for beside it first, not in the program's folder.
+    // The library's own imports are then searched for beside it, not in the program's folder.
     return LoadLibraryExW(path, nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
 }
 

@@ -1,5 +1,5 @@
-// Libraries that are looked up at run time. They come from the system directory by full path: an
-// installer runs from a download folder, where anybody may have put a file of the same name.
+// Libraries that are loaded at run time, from the system directory by full path: an installer runs
+// from a download folder, where anybody may have put a file of the same name.
 #pragma once
 
 #include "support/owned.h"
@@ -21,7 +21,7 @@ class SystemLibrary {
 
     explicit operator bool() const noexcept { return static_cast<bool>(module_); }
 
-    // The function of that name, or null when the library or the function is missing.
+    // Null if the library or the function is missing.
     template <class Function>
     Function Find(const char* name) const noexcept {
         if (!module_) return nullptr;

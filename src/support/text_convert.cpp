@@ -5,7 +5,7 @@
 namespace vndiscover {
 namespace {
 
-// Built in the caller's own string: a short password that was moved would stay behind on the stack.
+// One string, returned without a move: moving a short password would leave a copy on the stack.
 std::string ToNarrow(UINT codePage, const wchar_t* text) {
     std::string narrow;
     if (!text || !*text) return narrow;

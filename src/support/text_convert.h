@@ -1,5 +1,5 @@
-// Conversions between UTF-16, UTF-8 and the system's ANSI code page. Null reads as "". What has no
-// counterpart in the target becomes that code page's substitute, so no conversion fails.
+// Conversions between UTF-16, UTF-8 and the system's ANSI code page. Null reads as "". A character
+// that the target lacks becomes that code page's substitute, so no conversion fails.
 #pragma once
 
 #include <string>

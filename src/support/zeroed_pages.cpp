@@ -6,8 +6,8 @@
 
 namespace vndiscover {
 
-// Straight from the system, whose fresh pages are zero and are backed only when first touched; the
-// C runtime's heap would zero the block by writing it.
+// From the system, whose fresh pages are zero and take up memory only once touched; the C runtime
+// would zero the block by writing to all of it.
 ZeroedPages::ZeroedPages(size_t bytes)
     : memory_(VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE)) {
     if (!memory_) throw std::bad_alloc();

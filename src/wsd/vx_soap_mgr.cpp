@@ -10,8 +10,8 @@ namespace vndiscover {
 namespace {
 
 constexpr char kIPv4Group[] = "239.255.255.250";
-constexpr char kIPv6Group[] =
-    "FF02:0:0:0:0:0:0:1";  // Kept: all nodes, not WS-Discovery's own group.
+// Kept: the all-nodes group, not the one of WS-Discovery.
+constexpr char kIPv6Group[] = "FF02:0:0:0:0:0:0:1";
 constexpr char kLoopback[] = "127.0.0.1";
 
 }  // namespace
@@ -34,47 +34,46 @@ void VxSoapMgr::SendDiscoverResult(const char* address, const char* reply) {
 
 int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6,
                             const char* probe, int32_t probeLength) {
-    if (sweeping) return 0;  // from within a result message: it would take the sweep's socket away
+    if (sweeping) return 0;  // called from a result message: it would take the sweep's socket away
     DebugLogA("VxSoapMgr::Discover\n");
     sweeping = true;
     stop.store(0, std::memory_order_relaxed);
     hWnd = window;
     uMsg = message;
     timeout = timeoutMs;
-    // The host waits for the final notification, so it is sent however the sweep is left.
+    // The host waits for the final notification, so it is sent on every exit path.
     const ScopeExit end([this] {
         sock.Reset();
-        sweeping = false;  // within the final message the host may start the next sweep
+        sweeping = false;  // the host may start the next sweep while it handles the final message
         DebugLogA("SOAP::Discover - ended\n");
         SendDiscoverResult(nullptr, nullptr);
     });
     SCKRAW::KeepStarted();
     socket = std::make_unique<SCKRAW>();
-    // No Probe, or one that does not fit the buffer. A negative length could only fail on every
-    // adapter.
+    // No Probe, or one that does not fit the buffer; a send with a negative length could only fail.
     if (probeLength <= 0 || probeLength > kMaxProbe) return 0;
-    uint8_t request[kMaxProbe] = {};
-    if (probe) std::memcpy(request, probe, static_cast<size_t>(probeLength));
-    SweepFromEverywhere(useIPv6, request, probeLength);
+    uint8_t message[kMaxProbe] = {};
+    if (probe) std::memcpy(message, probe, static_cast<size_t>(probeLength));
+    SweepFromEverywhere(useIPv6, message, probeLength);
     return 0;
 }
 
-void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length) {
-    Probe probe = {};
-    probe.family = useIPv6 ? AF_INET6 : AF_INET;
-    probe.target = useIPv6 ? kIPv6Group : kIPv4Group;
-    probe.port = kWsDiscoveryPort;
-    probe.data = request;
-    probe.length = length;
-    probe.protocol = 0;
-    probe.socketTimeoutMs = static_cast<int>(timeout);
-    AdapterSweep adapters(*socket, sock, probe);
+void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t length) {
+    SweepRequest request = {};
+    request.family = useIPv6 ? AF_INET6 : AF_INET;
+    request.target = useIPv6 ? kIPv6Group : kIPv4Group;
+    request.port = kWsDiscoveryPort;
+    request.data = probe;
+    request.length = length;
+    request.protocol = 0;
+    request.socketTimeoutMs = static_cast<int>(timeout);
+    AdapterSweep adapters(*socket, sock, request);
     while (adapters.Next()) HandleEvents(timeout, adapters.IsLast());
-    // A responder of this very machine that listens on the loopback alone is reached only this way.
-    if (!useIPv6 && SendProbe(*socket, sock, probe, kLoopback)) HandleEvents(timeout, true);
+    // Reaches responders on this computer that listen on the loopback address alone.
+    if (!useIPv6 && SendRequest(*socket, sock, request, kLoopback)) HandleEvents(timeout, true);
 }
 
-// Kept: each adapter's phase fills the table from entry 0 again; what it held has been delivered.
+// Kept: each adapter's phase fills the table from entry 0; earlier replies have been delivered.
 void VxSoapMgr::HandleEvents(UINT waitMs, bool /*isLast*/) {
     DebugLogA("HandleEvents start\n");
     resultCount = 0;

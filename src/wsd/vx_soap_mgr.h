@@ -1,4 +1,4 @@
-// WS-Discovery: multicasts the host's Probe and hands back every reply unread.
+// WS-Discovery: multicasts the host's Probe and passes on every reply unparsed.
 #pragma once
 
 #include <cstdint>
@@ -19,9 +19,10 @@ struct SoapResult {
     char address[48];             // sender, NUL-terminated
     uint8_t reply[kMaxDatagram];  // zero-padded; a reply of exactly this size has no terminator
 };
-static_assert(sizeof(SoapResult) == 2096, "as the table is laid out");
+static_assert(sizeof(SoapResult) == 2096, "the table's layout");
 
-// One per process. The result table costs nothing until replies arrive. One sweep at a time.
+// One per process, for one sweep at a time. The result table takes up memory only as replies
+// arrive.
 class VxSoapMgr {
   public:
     VxSoapMgr();  // throws std::bad_alloc
@@ -29,8 +30,9 @@ class VxSoapMgr {
     VxSoapMgr(const VxSoapMgr&) = delete;
     VxSoapMgr& operator=(const VxSoapMgr&) = delete;
 
-    // Always 0; ends with the (0, 0) notification. A Probe of no or more than kMaxProbe bytes is
-    // not sent. Called while it sweeps, it does nothing. IPv6: nothing in the module calls it.
+    // Returns 0 and ends with the (0, 0) notification in any case. An empty Probe, or one of more
+    // than kMaxProbe bytes, is not sent. During a sweep a further call does nothing. Nothing in the
+    // module uses IPv6.
     int32_t Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6, const char* probe,
                      int32_t probeLength);
 
@@ -39,7 +41,7 @@ class VxSoapMgr {
 
     void SendDiscoverResult(const char* address, const char* reply);
 
-    // Any thread, and the host's window procedure. Always 0.
+    // May be called on any thread, and by the host's window procedure. Always 0.
     int32_t StopDiscover();
 
     std::unique_ptr<SCKRAW> socket;  // of the latest sweep
@@ -53,7 +55,7 @@ class VxSoapMgr {
     bool sweeping = false;
 
   private:
-    void SweepFromEverywhere(bool useIPv6, const uint8_t* request, int32_t length);
+    void SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t length);
 };
 
 }  // namespace vndiscover

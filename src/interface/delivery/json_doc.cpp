@@ -25,7 +25,7 @@ bool CopyString(const cJSON* item, wchar_t* out, size_t outSize) {
     return value != nullptr;
 }
 
-// The document has taken the item.
+// The document now owns the item.
 void HandedOver(OwnedJsonItem& item) { static_cast<void>(item.release()); }
 
 }  // namespace

@@ -21,7 +21,7 @@ void FillInMember(cJSON* get, int32_t j, const FetchValue& fetch) {
     const bool isWhole = CopyText(szKey, WideToAnsi(key).c_str());
     DebugLogA("  szKey [%s]\n", szKey);
     std::string answer;
-    // A key that was cut names another variable, so nobody is asked for it.
+    // A key that was cut would name another variable, so it is not requested.
     if (!isWhole || !fetch(szKey, answer)) return;
     JsonDoc::ReplaceMember(get, key, JsonDoc::NewString(AnsiToWide(answer.c_str()).c_str()));
 }
@@ -31,7 +31,7 @@ void FillInMember(cJSON* get, int32_t j, const FetchValue& fetch) {
 std::string ReadDiscoveryOid(const char* jsonRequest) {
     JsonDoc document;
     document.Parse(Utf8ToWide(jsonRequest).c_str());
-    // As long as any request: cut, a text that is too long would name another variable.
+    // As large as a request, since a text that was cut would name another variable.
     wchar_t wszDisOID[kJsonRequestSize] = {};
     document.StringOfRootMember(L"DiscoverOID", wszDisOID, kJsonRequestSize);
     DebugLogW(L"wszDisOID [%s]\n", wszDisOID);

@@ -1,4 +1,4 @@
-// The host's JSON request, and the document that each device is delivered as:
+// The host's JSON request, and the document that is delivered for each device:
 //
 //     {"DiscoverOID": "<dotted OID>", "GET": {"<dotted OID>": "<replaced by the answer>", ...}}
 #pragma once
@@ -9,20 +9,20 @@
 
 namespace vndiscover {
 
-constexpr size_t kJsonRequestSize = 2048;  // bytes, with the terminator
-constexpr size_t kOidTextSize = 260;       // bytes of an OID text, with the terminator
+constexpr size_t kJsonRequestSize = 2048;  // bytes, including the terminator
+constexpr size_t kOidTextSize = 260;       // bytes of an OID text, including the terminator
 
-// The request's "DiscoverOID" as UTF-8, "" when there is none. Logs it.
+// The request's "DiscoverOID" as UTF-8; "" if there is none. Logs it.
 std::string ReadDiscoveryOid(const char* jsonRequest);
 
-// Asks the device for one OID: true, with the answer in the ANSI code page, when it gave one.
+// Requests one OID from the device. True: it answered; value is in the ANSI code page.
 using FetchValue = std::function<bool(const char* oid, std::string& value)>;
 
 /**
- * Fills in the request for one device: each member of "GET" whose fetch succeeds gets the answer,
- * the others keep what the host put there.
- * @param document  Receives the printed document as UTF-8; left alone when there is none to print.
- * @return False: the request is no JSON document.
+ * Fills in the request for one device: the answer replaces each member of "GET" whose fetch
+ * succeeds; the others keep the host's string.
+ * @param document  Receives the printed document as UTF-8; left alone if printing fails.
+ * @return False if the request is not a JSON document.
  */
 bool FillInDocument(const char* jsonRequest, const FetchValue& fetch, std::string& document);
 

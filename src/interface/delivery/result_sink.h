@@ -1,4 +1,4 @@
-// Reports devices to the host: a window message, then a line in the result file.
+// Reports devices to the host with a window message and a line in the result file.
 #pragma once
 
 #include <cstddef>
@@ -8,19 +8,19 @@
 
 namespace vndiscover {
 
-constexpr size_t kPathSize = 260;  // characters of a path, with the terminator
+constexpr size_t kPathSize = 260;  // characters of a path, including the terminator
 
 struct ResultSink {
-    HWND hWnd = nullptr;  // may be null: no messages
+    HWND hWnd = nullptr;  // if null, no messages are sent
     UINT uMsg = 0;
-    OwnedFile resultFile;  // may be empty: no lines
+    OwnedFile resultFile;  // if empty, no lines are written
 
-    // Opens the result file, emptied, in text mode; null or "": none. One that cannot be opened, or
-    // a path of 260 characters and more, leaves the sink without a file.
+    // Opens the result file in text mode and empties it. There is no file if path is null or "",
+    // has 260 characters or more, or cannot be opened.
     void OpenFile(const wchar_t* path);
 
-    // address and value are valid for the host only during the message; both null: the sweep has
-    // ended. A device without an address is sent to the window but not to the file.
+    // address and value are valid for the host only during the message. Both are null at the end of
+    // the sweep. A device without an address is reported to the window, but not in the file.
     void SendResult(const char* address, const char* value);
 };
 

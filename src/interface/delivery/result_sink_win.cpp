@@ -10,7 +10,7 @@ namespace vndiscover {
 
 void ResultSink::OpenFile(const wchar_t* path) {
     if (!path || !*path) return;
-    // A cut path would empty some other file. "t": whatever mode the host's runtime defaults to.
+    // A truncated path would empty another file. "t": text mode whatever the runtime's default is.
     resultFile.Reset(wcsnlen(path, kPathSize) < kPathSize ? _wfopen(path, L"wt") : nullptr);
 }
 
@@ -20,7 +20,7 @@ void ResultSink::SendResult(const char* address, const char* value) {
                      reinterpret_cast<LPARAM>(value));
     }
     if (!resultFile || !address || !*address || !value) return;
-    // As long as its content, which in JSON mode is a whole document. Kept: quotes are not escaped.
+    // Of any length: in JSON mode the value is a whole document. Kept: quotes are not escaped.
     const std::string line = std::string("\"") + address + "\",\"" + value + "\"\n";
     DebugLogA("m_fp = [%s]\n", line.c_str());
     std::fputs(line.c_str(), resultFile.Get());

@@ -28,7 +28,7 @@ uint8_t AsnReadHeader(const ByteBuffer& in, uint32_t& cursor, uint32_t& length) 
 
 uint8_t AsnReadHeaderWithin(const ByteBuffer& in, uint32_t& cursor, uint32_t& length) {
     const uint8_t tag = AsnReadHeader(in, cursor, length);
-    // Compare with what is left: cursor + length would wrap for a hostile length.
+    // Compared with what is left: cursor + length could wrap around.
     if (length > in.length - cursor) throw AsnDecodeError();
     return tag;
 }
@@ -45,7 +45,7 @@ uint32_t AsnReadInteger(int32_t& value, const ByteBuffer& in, uint32_t cursor) {
     if (length > 5) throw AsnDecodeError();
     const uint8_t* content = in.data + cursor;
     const uint32_t end = cursor + length;
-    // Kept: an INTEGER without content takes its sign from the byte behind it, if there is one.
+    // Kept: an INTEGER without content takes its sign from the byte after it, if there is one.
     const bool negative = cursor < in.length && content[0] >= 0x80;
     uint32_t result = negative ? 0xFFFFFFFFu : 0;
     // Kept: 80 FF 8x... reads as the negative number FF 8x...

@@ -6,7 +6,7 @@
 namespace vndiscover {
 namespace {
 
-// Leaves out leading bytes equal to `filler`; at least one byte stands.
+// Leaves out leading bytes equal to `filler`, but keeps at least one byte.
 void AppendShortened(ByteBuffer& dest, uint32_t value, uint8_t filler) {
     uint8_t bytes[sizeof value];
     StoreBigEndian(value, bytes);
@@ -44,7 +44,7 @@ void AsnAppendInteger(int32_t value, ByteBuffer& dest) {
         AppendShortened(content, static_cast<uint32_t>(value), 0x00);
         if (content.data[0] >= 0x80) content.Prepend(0x00);
     }
-    // Kept: a guard that the rules above never let fire.
+    // Kept: a guard that the code above never lets apply.
     if (content.length > 1 && content.data[0] == 0xFF && content.data[1] >= 0x80) {
         content.Prepend(0x00);
     }

@@ -28,7 +28,7 @@ ByteBuffer& ByteBuffer::operator=(ByteBuffer&& other) noexcept {
 
 ByteBuffer::~ByteBuffer() { Clear(); }
 
-// Wiped: keys and plain texts travel in these buffers, and each growth leaves a copy behind.
+// Wiped, because these buffers carry keys and plain texts, and growing one frees a copy.
 void ByteBuffer::Clear() noexcept {
     SecureWipe(data, length);
     delete[] data;

@@ -1,13 +1,13 @@
-// The growable byte buffer that carries every BER piece, key, digest and cipher text.
+// The growable byte buffer for BER elements, keys, digests and cipher texts.
 #pragma once
 
 #include <cstdint>
 
 namespace vndiscover {
 
-// Owns one block of exactly `length` bytes; `data` is null if and only if there are none. No
-// reserve is kept: datagrams are small. Freed bytes are wiped. All zero bytes are its empty state.
-// Throws std::bad_alloc.
+// Owns one block of exactly `length` bytes, without spare capacity, since datagrams are small.
+// `data` is null if and only if `length` is 0. Memory is wiped before it is freed. All zero bytes
+// are an empty buffer. Throws std::bad_alloc.
 struct ByteBuffer {
     uint8_t* data = nullptr;
     uint32_t length = 0;
@@ -20,11 +20,11 @@ struct ByteBuffer {
     ~ByteBuffer();
 
     void Clear() noexcept;
-    // Null, or a count below 1, leaves it empty. `bytes` may lie in the buffer itself.
+    // Null, or a count below 1, empties it. `bytes` may point into the buffer itself.
     void Assign(const uint8_t* bytes, int32_t count);
     void SetByte(uint8_t byte);  // Nothing in the module calls it.
     void Append(uint8_t byte);
-    void Append(const uint8_t* bytes, int32_t count);  // null or a count below 1: nothing
+    void Append(const uint8_t* bytes, int32_t count);  // null or a count below 1: does nothing
     void Append(const ByteBuffer& other);
     void Prepend(uint8_t byte);
     void Prepend(const uint8_t* bytes, int32_t count);
@@ -34,7 +34,7 @@ struct ByteBuffer {
     bool Empty() const noexcept { return length == 0; }
 
   private:
-    // Replaces the block by `front` followed by `back`.
+    // Replaces the block with `front` followed by `back`.
     void Join(const uint8_t* front, uint32_t frontCount, const uint8_t* back, uint32_t backCount);
 };
 

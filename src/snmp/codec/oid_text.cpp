@@ -27,7 +27,7 @@ std::vector<int> ReadArcs(const char* text) {
     return arcs;
 }
 
-// Kept: counts the first two arcs apart, one more than the content has.
+// Kept: counts the first two arcs separately, one byte more than the content has.
 int CountForLog(const std::vector<int>& arcs) {
     int count = 0;
     for (size_t i = 0; i < arcs.size(); ++i) count += i >= 2 && arcs[i] >= 128 ? 2 : 1;

@@ -22,7 +22,7 @@ void AppendBinding(const VarBindRecord& binding, ByteBuffer& dest) {
     AsnAppendWrapped(dest, kTagSequence, content);
 }
 
-// Copies a content into a field; refuses what does not fit it.
+// Copies content into a field; throws if it does not fit.
 void ReadContent(const ByteBuffer& in, uint32_t& cursor, uint32_t length, uint8_t* field,
                  uint32_t room) {
     if (length > room) throw AsnDecodeError();

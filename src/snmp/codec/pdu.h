@@ -13,7 +13,7 @@
 
 namespace vndiscover {
 
-// Wiped: what was decoded may have come encrypted.
+// Wiped, because what was decoded may have been encrypted on the wire.
 using DecodedBindings = std::vector<VarBindRecord, WipingAllocator<VarBindRecord>>;
 
 struct PduRecord {
@@ -22,20 +22,20 @@ struct PduRecord {
     int32_t errorIndex = 0;
     int32_t requestId = 0;
     uint8_t pduType = kPduGetRequest;
-    DecodedBindings decoded;  // owns what DecodePdu found
+    DecodedBindings decoded;  // owns the bindings that DecodePdu found
 
     PduRecord() = default;
     PduRecord(const PduRecord&) = delete;  // bindings points into decoded
     PduRecord& operator=(const PduRecord&) = delete;
 };
 
-// Appends the PDU. A request identifier of 0 becomes 257, in the record too. False, and nothing is
-// appended: a binding's length exceeds its field.
+// Appends the PDU. A request identifier of 0 becomes 257, in the record too. If a binding's length
+// exceeds its field, nothing is appended and the result is false.
 bool EncodePdu(PduRecord& pdu, ByteBuffer& dest);
 
-// Reads the PDU at cursor and returns the cursor behind it. Throws AsnDecodeError, also for a
-// binding whose name or value does not fit a VarBindRecord. A list that does not decode leaves no
-// binding.
+// Reads the PDU at cursor and returns the cursor past it. Throws AsnDecodeError, even if a binding
+// is well-formed but its name or value does not fit a VarBindRecord. A list that does not decode
+// leaves no bindings.
 uint32_t DecodePdu(PduRecord& pdu, const ByteBuffer& in, uint32_t cursor);
 
 }  // namespace vndiscover

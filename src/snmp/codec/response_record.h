@@ -1,5 +1,5 @@
-// One decoded answer; also the entry of the device table, and what a host's response record is
-// filled from.
+// One decoded answer. Also an entry of the device table, and the source of a host's response
+// record.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,17 @@ namespace vndiscover {
 constexpr uint32_t kAddressSize = 48;
 constexpr uint32_t kValueSize = 4096;
 constexpr uint32_t kNameSize = 128;
-constexpr uint32_t kResponseRecordSize = 4312;  // as hosts know it
+constexpr uint32_t kResponseRecordSize = 4312;  // of the host's record too
 
-// All zero bytes are its empty state.
+// All zero bytes are an empty record.
 struct ResponseRecord {
     uint16_t valueTag;           // BER tag of the value
     uint16_t valueLength;        // 0 to 255
     char address[kAddressSize];  // responder, NUL-terminated
-    uint8_t value[kValueSize];   // raw value with a zero byte behind it, or a printed JSON document
+    uint8_t value[kValueSize];   // raw value and a zero byte, or a printed JSON document
     uint8_t name[kNameSize];     // OID content octets
     uint16_t nameLength;         // bytes in name
-    // Learned from a device's SNMPv3 report; empty for community-based answers.
+    // From a device's SNMPv3 report; empty for community-based answers.
     ByteBuffer engineId;
     int32_t engineBoots;
     int32_t engineTime;
@@ -29,7 +29,7 @@ struct ResponseRecord {
 
     const char* ValueText() const { return reinterpret_cast<const char*>(value); }
 };
-static_assert(sizeof(ResponseRecord) == kResponseRecordSize, "hosts know this size");
+static_assert(sizeof(ResponseRecord) == kResponseRecordSize, "the size of the host's record");
 
 // Clears every field.
 void InitResponseRecord(ResponseRecord& record);

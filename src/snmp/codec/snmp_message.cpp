@@ -16,7 +16,7 @@ constexpr uint8_t kLastPduTag = 0xA7;
 
 uint8_t Low8(size_t value) { return static_cast<uint8_t>(value); }
 
-// Appends to an area whose size was checked beforehand.
+// Writes to a buffer whose size was checked beforehand.
 class Writer {
   public:
     explicit Writer(uint8_t* out) : next_(out) {}
@@ -33,7 +33,7 @@ class Writer {
     uint8_t* next_;
 };
 
-// The fixed record can be sent as it lies: header, then the name and the value with their headers.
+// On the wire: the header, then the name and the value with their headers, as in the record.
 size_t SentSize(const VarBindRecord& binding) {
     return 2u + binding.nameLength + 2u + binding.valueLength + 2u;
 }
@@ -50,7 +50,7 @@ size_t ListSize(const VarBindList& bindings) {
     return size;
 }
 
-// The datagram as the parser sees it: zero behind its end, as in a zeroed receive buffer.
+// The datagram as the parser sees it: zeros past its end, as in a zeroed receive buffer.
 class Reader {
   public:
     Reader(const uint8_t* bytes, size_t length) : bytes_(bytes), length_(length) {}
@@ -65,8 +65,7 @@ class Reader {
         return Take();
     }
 
-    // Copies `count` bytes from the position into a zeroed field, at most its size, and steps over
-    // all.
+    // Zeroes the field, copies `count` bytes into it, or as many as fit, and skips all of them.
     void TakeInto(uint8_t* field, size_t size, size_t count) {
         const size_t rest = position < length_ ? length_ - position : 0;
         const uint8_t* from = rest != 0 ? bytes_ + position : nullptr;
@@ -81,9 +80,9 @@ class Reader {
     size_t length_;
 };
 
-// Moves the reader to the first binding. False: this is no answer.
+// Moves the reader to the first binding. False: this is not an answer.
 bool EnterBindings(Reader& reader) {
-    reader.position += 3;  // version, unread
+    reader.position += 3;  // version, not checked
     if (reader.Here() == kTagOctetString) {
         reader.Take();
         reader.position += reader.Take();  // community, not compared
@@ -91,20 +90,20 @@ bool EnterBindings(Reader& reader) {
     const uint8_t pduTag = reader.Take();
     if (pduTag < kPduGetRequest || pduTag > kLastPduTag) return false;
     reader.TakeLength();
-    reader.position += 9;  // request-id, error-status, error-index, unread
+    reader.position += 9;  // request-id, error-status and error-index, not checked
     if (reader.Take() != kTagSequence) return false;
     reader.TakeLength();
     return true;
 }
 
-// False: what stands here is no binding.
+// False: there is no binding at the position.
 bool ReadBinding(Reader& reader, ResponseRecord& record) {
     if (reader.Take() != kTagSequence) return false;
     reader.TakeLength();
     if (reader.Take() != kTagObjectIdentifier) return false;
     const uint8_t nameLength = reader.Take();
     reader.TakeInto(record.name, kNameSize, nameLength);
-    // The record says how much it holds, so that whoever copies by it stays within the field.
+    // Cut like the name, so that code that copies this many bytes stays within the field.
     record.nameLength = nameLength < kNameSize ? nameLength : kNameSize;
     record.valueTag = reader.Take();
     record.valueLength = reader.Take();
@@ -147,7 +146,7 @@ int32_t ParseSnmpResponse(ResponseRecord& record, const uint8_t* datagram, size_
     const uint8_t messageLength = reader.TakeLength();
     if (!EnterBindings(reader)) return 0;
     int32_t count = 0;
-    // Kept: the position counts from the datagram's start, the length does not.
+    // Kept: the position counts from the start of the datagram, the length from after its header.
     while (reader.position < messageLength && ReadBinding(reader, record)) ++count;
     return count;
 }

@@ -20,7 +20,7 @@ std::string Trim(const std::string& piece) {
     return piece.substr(first, piece.find_last_not_of(kTrimmed) - first + 1);
 }
 
-// Reads one piece and leaves `text` on the delimiter or the end behind it.
+// Reads one piece and leaves `text` at the delimiter or the end after it.
 std::string ReadPiece(const char*& text, const char* delimiters) {
     std::string piece;
     char quote = '\0';
@@ -41,11 +41,11 @@ std::vector<std::string> SplitText(const char* text, const char* delimiters) {
     bool delimiterBefore = false;
     for (;;) {
         std::string piece = ReadPiece(text, delimiters);
-        const bool delimiterBehind = *text != '\0';
-        if (!IsBlank(piece) || (delimiterBefore && delimiterBehind)) {
+        const bool delimiterAfter = *text != '\0';
+        if (!IsBlank(piece) || (delimiterBefore && delimiterAfter)) {
             pieces.push_back(Trim(piece));
         }
-        if (!delimiterBehind || pieces.size() == kMaxPieces) return pieces;
+        if (!delimiterAfter || pieces.size() == kMaxPieces) return pieces;
         delimiterBefore = true;
         ++text;
     }

@@ -1,8 +1,8 @@
 // One variable binding in BER form, in a record of fixed size:
 //
-//     30 len | 06 len name (124 bytes of room) | tag len value (126 bytes of room)
+//     30 len | 06 len name (up to 124 bytes) | tag len value (up to 126 bytes)
 //
-// All lengths are single bytes.
+// Each length is a single byte.
 #pragma once
 
 #include <cstdint>
@@ -26,28 +26,28 @@ struct VarBindRecord {
 };
 static_assert(sizeof(VarBindRecord) == 256, "the record is sent and copied by its layout");
 
-// The bindings are not owned.
+// Does not own the bindings.
 struct VarBindList {
     int32_t count = 0;
     VarBindRecord* bindings = nullptr;
 };
 
-// Whether the lengths of every record stay within its fields. What is sent by its lengths must.
+// Whether the lengths in every record stay within its fields, as they must before it is sent.
 bool FitTheirRecords(const VarBindList& list);
 
-// A value as tag, length, content; the content is not owned.
+// A value as tag, length and content; does not own the content.
 struct ValueView {
     uint8_t tag;
     int32_t length;  // bytes in content
     const uint8_t* content;
 };
 
-// 0; -1 when the name or the value does not fit the record, which is then left alone.
+// Returns 0, or -1 if the name or the value does not fit the record, which is then left alone.
 int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord& out);
 
 int32_t SetVarBindList(VarBindRecord* bindings, int32_t count, VarBindList& out);
 
-// Copies a binding but for the value's content, to build a request from the bindings of an earlier
+// Copies a binding except its value's content, to build a request from the bindings of an earlier
 // one. Nothing in the module calls it.
 void CopyVarBindHeader(const VarBindRecord& source, VarBindRecord& dest);
 

@@ -15,7 +15,7 @@ constexpr uint32_t kDefaultMsgId = 256;
 
 void ChooseMsgId(MessageRecord& message) {
     if (message.msgId != 0) return;
-    std::srand(static_cast<unsigned>(std::time(nullptr)));  // Kept: seeded, but not asked
+    std::srand(static_cast<unsigned>(std::time(nullptr)));  // Kept: seeded, but rand is not called
     message.msgId = kDefaultMsgId;
 }
 
@@ -40,13 +40,13 @@ ByteBuffer EncodeScopedPdu(ScopedPdu& scoped) {
                          static_cast<int32_t>(scoped.contextEngineId.length), fields);
     AsnAppendOctetString(scoped.contextName.data, static_cast<int32_t>(scoped.contextName.length),
                          fields);
-    EncodePdu(scoped.pdu, fields);  // SetOid and DecodePdu let in no binding that it refuses
+    EncodePdu(scoped.pdu, fields);  // cannot fail: SetOid and DecodePdu check the bindings
     ByteBuffer encoded;
     AsnAppendWrapped(encoded, kTagSequence, fields);
     return encoded;
 }
 
-// The scoped PDU as an OCTET STRING; its salt goes into the security parameters.
+// The encrypted scoped PDU as an OCTET STRING; the salt goes into the security parameters.
 ByteBuffer Encrypted(MessageRecord& message, const ByteBuffer& scoped, const ByteBuffer& privKey,
                      CryptoSession& crypto) {
     UsmParameters& usm = message.usm;
@@ -80,12 +80,12 @@ void BuildMessage(MessageRecord& message, const MessageKeys& keys, CryptoSession
     const ByteBuffer header = EncodeHeader(message);
     ByteBuffer scoped = EncodeScopedPdu(message.scoped);
     if (message.UsesPriv()) scoped = Encrypted(message, scoped, keys.priv, crypto);
-    // The HMAC covers zeros in its own place, not what an earlier message left there.
+    // The HMAC is computed over zeros in its own place, not over an earlier message's HMAC.
     if (message.UsesAuth()) usm.authParameters.Clear();
     Assemble(message, header, scoped);
     if (!message.UsesAuth()) return;
-    const ByteBuffer mac = AuthenticationOf(crypto, usm.authProtocol, keys.auth,
-                                            message.encoded.data, message.encoded.length);
+    const ByteBuffer mac = TruncatedHmac(crypto, usm.authProtocol, keys.auth, message.encoded.data,
+                                         message.encoded.length);
     if (mac.Empty()) return;
     usm.authParameters = mac;
     Assemble(message, header, scoped);

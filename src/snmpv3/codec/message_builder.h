@@ -5,9 +5,9 @@
 
 namespace vndiscover {
 
-// Encodes the message into message.encoded. Without the key that a flag asks for, the message goes
-// out unauthenticated, with zeros for authentication parameters, or with an empty OCTET STRING for
-// its scoped PDU: what was to be private is never sent in the clear.
+// Encodes the message into message.encoded. Without the authentication key that its flags require,
+// the message carries zeros for authentication parameters. Without the privacy key, an empty OCTET
+// STRING takes the place of the scoped PDU, which is never sent in the clear.
 void BuildMessage(MessageRecord& message, const MessageKeys& keys, CryptoSession& crypto);
 
 }  // namespace vndiscover

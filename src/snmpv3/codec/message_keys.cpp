@@ -7,7 +7,7 @@ namespace {
 
 bool IsKnown(uint32_t authCode) { return authCode >= kAuthMd5 && authCode <= kAuthSha512; }
 
-// The platform's SHA-2. Our own SHA-224 has no line in the log.
+// SHA-2 hashes of the platform; the module's own SHA-224 is not logged.
 bool IsSha2(uint32_t authCode) { return authCode >= kAuthSha256 && authCode <= kAuthSha512; }
 
 void LogNoKey(Direction direction, uint32_t authCode) {
@@ -46,7 +46,7 @@ MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, Passw
     const bool knownPrivacy = usm.privProtocol == kPrivDes || usm.privProtocol == kPrivAes;
     if (message.UsesPriv() && knownPrivacy && IsKnown(authCode)) {
         LogPrivacyKey(direction, authCode, usm.privProtocol);
-        // Localised with the hash of the authentication protocol.
+        // The privacy key too is localised with the authentication protocol's hash.
         keys.priv = passwords.LocalisedKey(crypto, authCode, usm.privPassword, usm.engineId);
     }
     return keys;

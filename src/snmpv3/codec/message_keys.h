@@ -7,9 +7,9 @@ namespace vndiscover {
 
 enum class Direction { kEncode, kDecode };
 
-// Makes the keys that the message's flags ask for, from its passwords and its engine ID. A probe
-// has none. An unknown authentication protocol gives no key and is logged; an empty password gives
-// none either.
+// Derives the keys that the message's flags require from its passwords and its engine ID. An engine
+// discovery has none, and an empty password gives none. An unknown authentication protocol gives
+// none and is logged.
 MessageKeys PrepareKeys(const MessageRecord& message, Direction direction, PasswordKeys& passwords,
                         CryptoSession& crypto);
 

@@ -12,7 +12,7 @@
 namespace vndiscover {
 namespace {
 
-// What stands here already does not survive flags that cannot be read.
+// The flags are cleared first, so that none remain if the new ones cannot be read.
 uint32_t ReadFlags(MessageRecord& message, const ByteBuffer& in, uint32_t cursor) {
     message.authFlag = message.privFlag = message.reportableFlag = false;
     ByteBuffer flags;
@@ -43,7 +43,7 @@ uint32_t ReadHeader(MessageRecord& message, const ByteBuffer& in, uint32_t curso
     return end;
 }
 
-// Kept: a tag and one length byte are taken to stand in front, whatever form the length has.
+// Kept: the header is taken to be a tag and one length byte, whatever the form of the length.
 void ZeroMac(const ReceivedMac& mac, uint32_t macLength, uint8_t* datagram) {
     const uint32_t start = mac.start + 2;
     if (start >= mac.end) return;
@@ -53,7 +53,7 @@ void ZeroMac(const ReceivedMac& mac, uint32_t macLength, uint8_t* datagram) {
 void CheckMac(const MessageRecord& message, const ByteBuffer& authKey, CryptoSession& crypto,
               const uint8_t* datagram, uint32_t length) {
     const ByteBuffer expected =
-        AuthenticationOf(crypto, message.usm.authProtocol, authKey, datagram, length);
+        TruncatedHmac(crypto, message.usm.authProtocol, authKey, datagram, length);
     const ByteBuffer& received = message.usm.authParameters;
     const bool match = !expected.Empty() && expected.length == received.length &&
                        std::memcmp(expected.data, received.data, received.length) == 0;
@@ -64,7 +64,7 @@ void CheckMac(const MessageRecord& message, const ByteBuffer& authKey, CryptoSes
     }
 }
 
-// Empty where the answer cannot be decrypted.
+// Empty if the answer cannot be decrypted.
 ByteBuffer Decrypted(const UsmParameters& usm, const ByteBuffer& cipher, const ByteBuffer& privKey,
                      CryptoSession& crypto) {
     const PrivacyInput input = {cipher, privKey, usm.engineBoots, usm.engineTime};
@@ -77,7 +77,7 @@ ByteBuffer Decrypted(const UsmParameters& usm, const ByteBuffer& cipher, const B
     return plain;
 }
 
-// What stands behind the scoped PDU, the padding of the encryption, is left alone.
+// What follows the scoped PDU is padding of the encryption and is ignored.
 void ReadScopedPdu(ScopedPdu& scoped, const ByteBuffer& in, uint32_t cursor) {
     AsnEnter(in, cursor, kTagSequence);
     cursor = AsnReadOctetString(scoped.contextEngineId, in, cursor);

@@ -6,9 +6,9 @@
 namespace vndiscover {
 
 /**
- * Reads an answer into message. Throws AsnDecodeError; the fields read until then stay.
- * Kept: an answer whose authentication is wrong or was never checked is used all the same; the log
- * alone says so. Its flags replace the caller's.
+ * Reads an answer into message. Throws AsnDecodeError; fields read until then keep their values.
+ * Kept: an answer whose HMAC is wrong or unchecked is used all the same, and only the log says so.
+ * Its flags replace the caller's.
  * @param datagram  Its authentication parameters are zeroed.
  * @return The length of the message.
  */

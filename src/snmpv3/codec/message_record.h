@@ -1,15 +1,15 @@
-// What an SNMPv3 message holds (RFC 3412, RFC 3414):
+// The contents of an SNMPv3 message (RFC 3412, RFC 3414):
 //
 //     30 len
 //        INTEGER 3                                            msgVersion
 //        30 len  INTEGER msgID  INTEGER msgMaxSize
-//                04 01 flags  INTEGER msgSecurityModel        header; flags: 1 auth, 2 priv, 4
-//                reportable
+//                04 01 flags  INTEGER msgSecurityModel        header; 1 auth, 2 priv, 4 reportable
 //        04 len
 //           30 len  OCTET STRING engine ID  INTEGER boots  INTEGER time  OCTET STRING user name
 //                   OCTET STRING authentication parameters  OCTET STRING privacy parameters
-//        30 len                                               scoped PDU, or an OCTET STRING of it
-//           OCTET STRING contextEngineID  OCTET STRING contextName  PDU            encrypted
+//        30 len                                               scoped PDU; encrypted, in an
+//           OCTET STRING contextEngineID                      OCTET STRING
+//           OCTET STRING contextName  PDU
 #pragma once
 
 #include <cstdint>
@@ -27,7 +27,7 @@ constexpr uint8_t kMsgFlagAuth = 1;
 constexpr uint8_t kMsgFlagPriv = 2;
 constexpr uint8_t kMsgFlagReportable = 4;
 
-// An empty engine ID makes a message an engine discovery probe.
+// With an empty engine ID a message is an engine discovery.
 struct UsmParameters {
     ByteBuffer engineId;
     int32_t engineBoots = 0;
@@ -60,12 +60,12 @@ struct MessageRecord {
     uint32_t securityModel = kSecurityModelUsm;
     ScopedPdu scoped;
 
-    bool IsProbe() const { return usm.engineId.Empty(); }
-    bool UsesAuth() const { return authFlag && !IsProbe(); }
-    bool UsesPriv() const { return privFlag && !IsProbe(); }
+    bool IsEngineDiscovery() const { return usm.engineId.Empty(); }
+    bool UsesAuth() const { return authFlag && !IsEngineDiscovery(); }
+    bool UsesPriv() const { return privFlag && !IsEngineDiscovery(); }
 };
 
-// Localised; empty where there is none.
+// Localised keys. Empty: there is none.
 struct MessageKeys {
     ByteBuffer auth;
     ByteBuffer priv;

@@ -1,4 +1,4 @@
-// The security settings of one call, as the host gives them.
+// The host's security settings for one call.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace vndiscover {
 
 class VxSNMPv3;
 
-// As the exports take them. Texts may be null.
+// As the exports take them. Text may be null.
 struct SecurityArguments {
     const wchar_t* userName;
     uint8_t useAuth;
@@ -21,26 +21,26 @@ struct SecurityArguments {
     const wchar_t* privProtocol;
 };
 
-// A text that is wiped at its end, also where the construction of its owner fails.
+// Text that is wiped on destruction, even if the constructor of its owner throws.
 struct SecretText {
     ~SecretText();
     std::string text;
 };
 
 // Owns UTF-8 copies, of any length, of the user name and the passwords, and the passwords' keys
-// once they were needed; wipes passwords and keys at its end. Meanwhile the platform's crypto
-// libraries stay loaded. Privacy counts only where authentication is set.
+// once they have been needed; wipes passwords and keys on destruction. Keeps the platform's crypto
+// libraries loaded. Privacy has no effect without authentication.
 class SecuritySettings {
   public:
     explicit SecuritySettings(const SecurityArguments& given);
     SecuritySettings(const SecuritySettings&) = delete;
     SecuritySettings& operator=(const SecuritySettings&) = delete;
 
-    // Whether a message can carry the user name. With a name that it cannot carry nothing is sent:
-    // a cut one would be another user's.
+    // Whether a message can carry the user name. If not, nothing is sent: a truncated name could be
+    // another user's.
     bool HasUsableName() const;
 
-    // The keys of its passwords, for every message of the call.
+    // The keys of the passwords, for all messages of the call.
     PasswordKeys& Keys() const { return keys_; }
 
     // Sets user, protocols, passwords and flags: noAuthNoPriv, authNoPriv or authPriv.

@@ -45,8 +45,7 @@ void AppendFields(const UsmParameters& usm, ByteBuffer& dest) {
     AsnAppendWrapped(dest, kTagOctetString, sequence);
 }
 
-// Kept: the name survives a probe as text, so that what was decoded with a zero byte in it gets
-// shorter.
+// Kept: an engine discovery truncates the stored name at its first zero byte.
 void RestoreNameAsText(ByteBuffer& userName) {
     char saved[kSavedNameSize] = {};
     FillField(saved, sizeof saved - 1, userName.data, userName.length);
@@ -58,7 +57,7 @@ void RestoreNameAsText(ByteBuffer& userName) {
 
 void EncodeUsm(UsmParameters& usm, ByteBuffer& dest) {
     if (usm.engineId.Empty()) {
-        AppendFields({}, dest);  // whatever a report without an engine ID has taught
+        AppendFields({}, dest);  // even if a report without an engine ID has filled other fields
         RestoreNameAsText(usm.userName);
         return;
     }

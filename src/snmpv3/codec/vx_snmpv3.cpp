@@ -32,7 +32,7 @@ int32_t VxSNMPv3::Decode(uint8_t* berBuffer, int length) {
     DebugLogA("VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n");
     CryptoSession crypto;
     const MessageKeys keys = PrepareKeys(message_, Direction::kDecode, *passwords_, crypto);
-    // What is not read must not pass for an answer.
+    // After a failed decode the request's bindings must not pass for the answer's.
     SetVarBindList(nullptr, 0, message_.scoped.pdu.bindings);
     try {
         return ReadMessage(message_, keys, crypto, berBuffer, length);

@@ -12,9 +12,9 @@ namespace vndiscover {
 
 constexpr uint32_t kMaxUserName = 127;  // bytes
 
-// Starts as an engine discovery probe, an empty message without security. Decoding the report
-// teaches it the engine, and the next Encode is a full request with the flags set by then.
-// Passwords and keys are wiped. Throws std::bad_alloc.
+// Starts as an engine discovery, an empty message without security. Decoding the report sets the
+// engine, and the next Encode builds a full request with the flags set by then. Passwords and keys
+// are wiped on destruction. Throws std::bad_alloc.
 class VxSNMPv3 {
   public:
     // passwordKeys outlives the object and is shared by the messages of one call.
@@ -24,23 +24,23 @@ class VxSNMPv3 {
     VxSNMPv3& operator=(const VxSNMPv3&) = delete;
 
     /**
-     * Builds the datagram, which stays valid until the next Encode.
-     * A password that is empty, and a protocol code that is none, give no key; see BuildMessage.
+     * Builds the datagram, which is valid until the next Encode. An empty password or an unknown
+     * protocol code gives no key; see BuildMessage.
      */
     const ByteBuffer& Encode();
 
     /**
-     * Reads an answer; see ReadMessage. The flags that stand here decide which keys are made, so
-     * that they must be those of the request.
+     * Reads an answer; see ReadMessage. Before the call the flags must be those of the request,
+     * because they decide which keys are derived.
      * @param berBuffer  length bytes; the authentication parameters in it are zeroed.
-     * @return The message's length; 0 on failure, when there are no bindings but the fields read so
-     * far.
+     * @return The message's length. 0 on failure: there are no bindings, but fields read until then
+     * keep their values.
      */
     int32_t Decode(uint8_t* berBuffer, int length);
 
-    // Texts are UTF-8; null reads as "".
+    // Text is UTF-8; null reads as "".
 
-    // False, and nothing changes: a name of more than kMaxUserName bytes.
+    // If the name exceeds kMaxUserName bytes, nothing changes and the result is false.
     bool SetUser(const char* userName);
     void SetAuth(uint32_t authCode, const char* password);
     void SetPrivacy(uint32_t privCode, const char* password);
@@ -48,20 +48,20 @@ class VxSNMPv3 {
     void SetEngine(const ByteBuffer& id, int32_t boots, int32_t time);
     void SetMsgMaxSize(uint32_t msgMaxSize);
     void SetPduType(uint8_t pduType);
-    // 0: a fixed one. Nothing in the module calls it.
+    // 0 means a fixed identifier. Nothing in the module calls these two.
     void SetMsgId(uint32_t msgId);
     void SetRequestId(int32_t requestId);
-    // The one OID asked for; text of fewer than two arcs asks for the empty OID. False: it has one
-    // that no binding holds, and none is asked for.
+    // The OID to request; text with fewer than two arcs requests the empty OID. False: it does not
+    // fit a binding, and nothing is requested.
     bool SetOid(const char* dotted);
 
     const ByteBuffer& EngineId() const { return message_.usm.engineId; }
     int32_t EngineBoots() const { return message_.usm.engineBoots; }
     int32_t EngineTime() const { return message_.usm.engineTime; }
     uint32_t MsgMaxSize() const { return message_.msgMaxSize; }
-    // The answer's after Decode, until then the request's. Valid until the next Decode or SetOid.
+    // The request's bindings, or after Decode the answer's. Valid until the next Decode or SetOid.
     const VarBindList& Bindings() const { return message_.scoped.pdu.bindings; }
-    // Everything the message holds.
+    // All of the message.
     const MessageRecord& Record() const { return message_; }
 
   private:

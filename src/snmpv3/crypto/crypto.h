@@ -1,5 +1,5 @@
-// Hashes, HMACs and DES, by authentication code. Three back ends stand behind it: the platform's
-// older and newer crypto libraries, and SHA-224 of our own, which neither of them has.
+// Hashes, HMACs and DES, by authentication code. There are three back ends: CryptoAPI, CNG, and a
+// SHA-224 of our own, which neither of these has.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +19,7 @@ struct RepeatedBytes {
     size_t unitLength;  // at least 1, unless total is 0
     size_t total;
 
-    // Calls add(bytes, count) for one piece after the other until all were given or it returns
-    // false.
+    // Calls add(bytes, count) for each piece in turn until all were passed or it returns false.
     template <class Add>
     bool ForEach(Add&& add) const {
         for (size_t rest = total; rest != 0;) {
@@ -32,9 +31,9 @@ struct RepeatedBytes {
     }
 };
 
-// Keeps loaded what sessions load for these protocols. The platform would else load and free it for
-// each message, which costs more than all that the message needs it for. Silent: what cannot be
-// loaded fails, and is logged, where it is used.
+// Keeps the libraries for these protocols loaded. Otherwise each message would load and free them,
+// which takes longer than all its cryptography. A library that cannot be loaded is not logged here
+// but where it is used.
 class CryptoLibraries {
   public:
     CryptoLibraries(uint32_t authCode, uint32_t privCode);
@@ -47,9 +46,9 @@ class CryptoLibraries {
     std::unique_ptr<Loaded> loaded_;
 };
 
-// Keeps open what was opened for the first operation, so that a message loads and opens it once:
-// opening can cost more than hashing. Every operation logs its own failure, returns false and
-// leaves the result empty. Not for two threads at once.
+// Opens libraries and providers when they are first needed and keeps them open for one message,
+// because opening can take longer than hashing. An operation that fails logs this, returns false
+// and leaves the result empty. For one thread at a time.
 class CryptoSession {
   public:
     CryptoSession();
@@ -62,7 +61,7 @@ class CryptoSession {
         return Hash(authCode, RepeatedBytes{input.data, input.length, input.length}, digest);
     }
 
-    // The whole HMAC; its sender cuts it.
+    // The whole HMAC, which the sender truncates.
     bool Hmac(uint32_t authCode, const ByteBuffer& key, const uint8_t* message, uint32_t length,
               ByteBuffer& mac);
 
@@ -70,8 +69,8 @@ class CryptoSession {
     bool DesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&block)[kDesBlockSize],
                          uint8_t (&cipher)[kDesBlockSize]);
 
-    // CBC. No padding is checked or removed: agents pad as they like. What is not whole blocks
-    // fails.
+    // CBC. Padding is neither checked nor removed, because agents pad in different ways. Fails
+    // unless the length is a multiple of the block size.
     bool DesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesBlockSize],
                     const uint8_t* cipher, uint32_t length, ByteBuffer& plain);
 

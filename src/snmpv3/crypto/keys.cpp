@@ -11,8 +11,9 @@ namespace {
 constexpr size_t kStretchedBytes = 0x100000;
 constexpr uint32_t kUnitBytes = 16384;
 
-// Whole passwords only, so that the unit can be repeated as it is. The hash sees the same bytes as
-// in one buffer of 1 MiB, whose fresh memory would cost a good part of what hashing it costs.
+// Whole passwords only, so that the unit can be repeated. The hash gets the same bytes as from one
+// buffer of 1 MiB, but filling fresh memory of that size would take a good part of the hashing
+// time.
 ByteBuffer RepeatedPassword(const ByteBuffer& password) {
     ByteBuffer unit = password;
     while (unit.length <= kUnitBytes / 2) unit.Append(unit);
@@ -33,8 +34,7 @@ const ByteBuffer& PasswordKeys::KeyOf(CryptoSession& crypto, uint32_t authCode,
             return entry.key;
     }
     Entry& entry = entries_[next_];
-    entry.key
-        .Clear();  // an entry without a key counts for nothing, whatever is thrown from here on
+    entry.key.Clear();  // without a key the entry is unused, even if something throws below
     entry.authCode = authCode;
     entry.password = password;
     const ByteBuffer unit = RepeatedPassword(password);
@@ -47,7 +47,7 @@ const ByteBuffer& PasswordKeys::KeyOf(CryptoSession& crypto, uint32_t authCode,
 ByteBuffer PasswordKeys::LocalisedKey(CryptoSession& crypto, uint32_t authCode,
                                       const ByteBuffer& password, const ByteBuffer& engineId) {
     ByteBuffer key;
-    if (password.Empty()) return key;  // there is nothing to repeat
+    if (password.Empty()) return key;
     const ByteBuffer& userKey = KeyOf(crypto, authCode, password);
     if (userKey.Empty()) return key;
     ByteBuffer localised = userKey;
@@ -62,8 +62,8 @@ ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuf
     return PasswordKeys().LocalisedKey(crypto, authCode, password, engineId);
 }
 
-ByteBuffer AuthenticationOf(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
-                            const uint8_t* message, uint32_t length) {
+ByteBuffer TruncatedHmac(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
+                         const uint8_t* message, uint32_t length) {
     ByteBuffer mac;
     if (key.Empty() && authCode <= kAuthSha512) return mac;
     crypto.Hmac(authCode, key, message, length, mac);

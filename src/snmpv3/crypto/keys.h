@@ -6,16 +6,16 @@
 
 namespace vndiscover {
 
-// Keys from passwords (RFC 3414 A.2). A password's own key costs a hash over 1 MiB and is the same
-// at every engine: it is kept, for the two passwords of one call, and wiped with the object. What
-// an engine makes of it is not kept, and a failure is not remembered. Not for two threads at once.
+// Keys from passwords (RFC 3414 A.2). A password's key takes a hash over 1 MiB and is the same for
+// every engine, so it is cached, for the two passwords of one call, and wiped on destruction.
+// Localised keys are not cached, nor are failures. For one thread at a time.
 class PasswordKeys {
   public:
     /**
-     * Makes the key that a password has at one engine, with the hash of an authentication protocol,
-     * for privacy too.
-     * @return The key, as long as the hash's digest; empty for an empty password, an unknown code,
-     * and when hashing fails, which is logged there.
+     * Derives a password's key for one engine with the hash of an authentication protocol, which is
+     * used for privacy keys too.
+     * @return The key, as long as the digest. Empty for an empty password, an unknown code, or if
+     * hashing fails, which the hash logs.
      */
     ByteBuffer LocalisedKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
                             const ByteBuffer& engineId);
@@ -32,16 +32,16 @@ class PasswordKeys {
     size_t next_ = 0;  // to be replaced
 };
 
-// The same once, with nothing kept.
+// LocalisedKey without a cache.
 ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
                          const ByteBuffer& engineId);
 
 /**
- * Authenticates a whole message, in which the field for the result is zero.
- * @return The HMAC as far as it is sent; empty without a key and when hashing fails, which is
- * logged. A code beyond the known ones counts as an unsupported hash and is logged as one.
+ * Computes the authentication parameters of a whole message in which their field is zero.
+ * @return The truncated HMAC. Empty without a key, or if hashing fails, which is logged. A code
+ * above the known ones is logged as an unsupported hash.
  */
-ByteBuffer AuthenticationOf(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
-                            const uint8_t* message, uint32_t length);
+ByteBuffer TruncatedHmac(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
+                         const uint8_t* message, uint32_t length);
 
 }  // namespace vndiscover

@@ -1,6 +1,6 @@
 #include "snmpv3/crypto/privacy.h"
 
-// The AES functions are called as such: they are deprecated, not gone.
+// The AES functions are deprecated, but still there.
 #ifndef OPENSSL_SUPPRESS_DEPRECATED
 #define OPENSSL_SUPPRESS_DEPRECATED
 #endif
@@ -35,7 +35,7 @@ void Xor(uint8_t (&block)[kDesBlockSize], const uint8_t* other) {
     for (size_t i = 0; i < kDesBlockSize; ++i) block[i] ^= other[i];
 }
 
-// The DES key and the initial value that a localised key and a salt give.
+// The DES key and IV, from a localised key and a salt.
 struct DesMaterial {
     DesMaterial(const ByteBuffer& privKey, const uint8_t* salt) {
         std::memcpy(key, privKey.data, sizeof key);
@@ -63,7 +63,7 @@ ByteBuffer ZeroPadded(const ByteBuffer& text, size_t size) {
     return padded;
 }
 
-// The padded text, transformed as a whole.
+// Encrypts or decrypts the padded text.
 ByteBuffer RunAes(const PrivacyInput& input, const uint8_t* salt, int direction) {
     ByteBuffer text =
         ZeroPadded(input.text, (input.text.length / kAesBlockSize + 1) * kAesBlockSize);
@@ -77,7 +77,7 @@ ByteBuffer RunAes(const PrivacyInput& input, const uint8_t* salt, int direction)
     return text;
 }
 
-// CBC by hand, in place, over whole blocks.
+// Encrypts whole blocks in place with CBC.
 bool ChainBlocks(CryptoSession& crypto, const DesMaterial& material, ByteBuffer& text) {
     uint8_t chain[kDesBlockSize];
     std::memcpy(chain, material.iv, sizeof chain);

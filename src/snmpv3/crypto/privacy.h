@@ -13,8 +13,9 @@ namespace vndiscover {
 constexpr uint32_t kSaltSize = 8;
 constexpr uint32_t kMinPrivKeySize = 16;
 
-// What both protocols share. Failures leave the output empty: a key that is missing or shorter than
-// kMinPrivKeySize; on receipt also a salt of another size than kSaltSize and an empty cipher text.
+// Input of both protocols. They fail, with an empty output, if the key is missing or shorter than
+// kMinPrivKeySize; decryption also fails if the salt is not kSaltSize bytes or the cipher text is
+// empty.
 struct PrivacyInput {
     const ByteBuffer& text;  // plain text to encrypt, cipher text to decrypt
     const ByteBuffer& key;   // localised
@@ -22,18 +23,18 @@ struct PrivacyInput {
     int32_t engineTime;
 };
 
-// One for each message that is built.
-// Kept: the counter starts anew with each, so that all messages carry the same.
+// One for each message that is built. Kept: each starts the counter from the same value, so all
+// messages carry the same one.
 class DesPrivacy {
   public:
     explicit DesPrivacy(uint32_t counter = 0x2a4c19) noexcept : counter_(counter) {}
 
-    // Pads with zeros to whole blocks. A block that fails, which is logged, fails all.
+    // Pads with zeros to whole blocks. Fails if one block fails, which is logged.
     bool Encrypt(CryptoSession& crypto, const PrivacyInput& input, ByteBuffer& cipher,
                  ByteBuffer& salt);
 
-    // As long as the cipher text, padding included; one that is not whole blocks fails, which is
-    // logged.
+    // The plain text is as long as the cipher text, with any padding. Fails, and logs it, unless
+    // the cipher text is whole blocks.
     static bool Decrypt(CryptoSession& crypto, const PrivacyInput& input, const ByteBuffer& salt,
                         ByteBuffer& plain);
 
@@ -45,10 +46,10 @@ class AesPrivacy {
   public:
     explicit AesPrivacy(uint64_t counter = 0x3c5a96e1d27b04f8) noexcept : counter_(counter) {}
 
-    // Kept: pads with zeros to the next 16 bytes, a whole block where none was needed.
+    // Kept: pads with zeros to the next multiple of 16 bytes, with a whole block if none is needed.
     bool Encrypt(const PrivacyInput& input, ByteBuffer& cipher, ByteBuffer& salt);
 
-    // As long as the cipher text, which may have any length.
+    // The plain text is as long as the cipher text, which may have any length.
     static bool Decrypt(const PrivacyInput& input, const ByteBuffer& salt, ByteBuffer& plain);
 
   private:

@@ -10,14 +10,14 @@ struct AuthProtocol {
     uint32_t macLength;
 };
 
-// By code, from 1. RFC 3414 and RFC 7860 cut the HMACs.
+// By code, from 1. RFC 3414 and RFC 7860 truncate the HMACs to these lengths.
 constexpr AuthProtocol kAuthProtocols[] = {
     {L"MD5", 12},        {L"SHA1", 12},       {L"SHA-2(224)", 16},
     {L"SHA-2(256)", 24}, {L"SHA-2(384)", 32}, {L"SHA-2(512)", 48},
 };
 constexpr const wchar_t* kPrivLabels[] = {L"DES", L"AES"};
 
-// Labels are ASCII: the locale must have no say in them.
+// Labels are ASCII and must not depend on the locale.
 wchar_t ToUpperAscii(wchar_t c) {
     return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
 }

@@ -1,4 +1,4 @@
-// The codes of the SNMPv3 protocols, and what goes with each.
+// Codes and labels of the SNMPv3 protocols.
 #pragma once
 
 #include <cstdint>
@@ -24,7 +24,7 @@ uint32_t AuthCodeOf(const wchar_t* label);
 // "DES", "AES" in any letter case; 0 for any other label and for null.
 uint32_t PrivCodeOf(const wchar_t* label);
 
-// Bytes of an HMAC that are sent; 0 for a code that has none.
+// Bytes of the truncated HMAC; 0 for a code that has none.
 uint32_t MacLength(uint32_t authCode);
 
 }  // namespace vndiscover

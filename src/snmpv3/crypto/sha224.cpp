@@ -40,8 +40,8 @@ void ExpandSchedule(const uint8_t* block, uint32_t (&w)[kSha224Rounds]) {
     }
 }
 
-// Of eight turns, after which the working variables a to h are where they were: each names them one
-// place further instead of moving them.
+// One of eight rounds, after which the working variables a to h are back in place: each round
+// renames them by one place instead of moving them.
 template <size_t Turn>
 inline void Round(uint32_t (&v)[8], uint32_t addend) {
     const uint32_t a = v[(8 - Turn) % 8], b = v[(9 - Turn) % 8], c = v[(10 - Turn) % 8];

@@ -1,5 +1,5 @@
-// SHA-224 (FIPS 180-4) and its HMAC (RFC 2104): the compression of SHA-256 with initial values of
-// its own, the digest cut to 28 bytes.
+// SHA-224 (FIPS 180-4) and its HMAC (RFC 2104): SHA-256 with other initial values and the digest
+// truncated to 28 bytes.
 #pragma once
 
 #include <cstddef>
@@ -16,12 +16,12 @@ constexpr size_t kSha224Rounds = 64;
 class Sha224 {
   public:
     Sha224() noexcept;
-    ~Sha224();  // wipes what it has seen
+    ~Sha224();  // wipes its state
     Sha224(const Sha224&) = delete;
     Sha224& operator=(const Sha224&) = delete;
 
     void Update(const uint8_t* bytes, size_t count) noexcept;
-    // Once, as the last call.
+    // May be called once, after all updates.
     void Final(uint8_t (&digest)[kSha224Size]) noexcept;
 
   private:
@@ -32,7 +32,7 @@ class Sha224 {
     uint64_t bitCount_ = 0;
     uint8_t block_[kBlockSize];
     size_t used_ = 0;                   // bytes waiting in block_
-    uint32_t schedule_[kSha224Rounds];  // a member to be wiped once, not with every block
+    uint32_t schedule_[kSha224Rounds];  // a member so that it is wiped once, not after each block
 };
 
 // Both always succeed.

@@ -1,4 +1,4 @@
-// MD5, SHA-1, their HMACs and DES by CryptoAPI. Failures are logged; the result is then left empty.
+// MD5, SHA-1, their HMACs and DES with CryptoAPI. Failures are logged and leave the result empty.
 #pragma once
 
 #include "snmp/codec/byte_buffer.h"
@@ -7,7 +7,7 @@
 
 namespace vndiscover {
 
-// One MD5 or SHA-1 hash being made, or with a key its HMAC.
+// One MD5 or SHA-1 hash, or its HMAC if there is a key.
 class CapiHash {
   public:
     // authCode: kAuthMd5 or kAuthSha1.
@@ -26,7 +26,7 @@ class CapiHash {
 // A context for hashes and HMACs; empty on failure.
 OwnedCryptProvider OpenHashProvider(DWORD flags);
 
-// Keeps its context from the first hash on.
+// Opens its context with the first hash and keeps it.
 class CapiHasher {
   public:
     bool Hash(uint32_t authCode, const RepeatedBytes& input, ByteBuffer& digest);

@@ -36,13 +36,13 @@ class DesKey {
 
 }  // namespace
 
-// Each block opens and closes its own key. The provider chains by itself, but from an IV of zero,
-// which leaves a single block as plain DES makes it.
+// Each block opens and closes its own key. The provider chains blocks, but with an IV of zero, so a
+// single block is plain DES.
 bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&block)[kDesBlockSize],
                          uint8_t (&cipher)[kDesBlockSize]) {
     const DesKey desKey(key);
     if (!desKey) return false;
-    // The final call adds a block of padding, hence the room; it is not sent.
+    // The final call appends a block of padding, which is not used.
     BYTE buffer[2 * kDesBlockSize] = {};
     std::memcpy(buffer, block, kDesBlockSize);
     DWORD length = kDesBlockSize;
@@ -53,16 +53,16 @@ bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&bloc
     return done;
 }
 
-// The call is not marked as the final one: that would demand PKCS#5 padding and refuse or cut the
-// zeros, counts and garbage that agents put behind a scoped PDU. All whole blocks are decrypted
-// either way.
+// The call is not marked as the final one: that would require PKCS#5 padding, and reject or cut the
+// zeros, counts and garbage that agents append to a scoped PDU. All blocks are decrypted either
+// way.
 bool CapiDesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesBlockSize],
                     const uint8_t* cipher, uint32_t length, ByteBuffer& plain) {
     plain.Clear();
     const DesKey desKey(key);
     if (!desKey) return false;
     if (!CryptSetKeyParam(desKey.Get(), KP_IV, iv, 0)) return Failed();
-    if (length % kDesBlockSize != 0) {  // not every system's provider looks
+    if (length % kDesBlockSize != 0) {  // not every provider checks
         SetLastError(static_cast<DWORD>(NTE_BAD_LEN));
         return Failed();
     }

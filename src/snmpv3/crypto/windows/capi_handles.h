@@ -1,4 +1,4 @@
-// Owners of CryptoAPI handles, and the text of its failures.
+// Owners of CryptoAPI handles, and its error codes for the log.
 #pragma once
 
 #include "support/owned.h"
@@ -29,7 +29,7 @@ struct CryptKeyTraits {
 };
 using OwnedCryptKey = Owned<CryptKeyTraits>;
 
-// As the log shows it. To be read right after the failing call.
+// To be called right after the failing function.
 inline int LastErrorForLog() noexcept { return static_cast<int>(GetLastError()); }
 
 }  // namespace vndiscover

@@ -16,7 +16,7 @@ OwnedCryptProvider OpenHashProvider(DWORD flags) {
     if (!CryptAcquireContextA(provider.Receive(), nullptr, MS_ENHANCED_PROV_A, PROV_RSA_FULL,
                               flags)) {
         DebugLogA("Error [%d] CryptAcquireConext failed.\n", LastErrorForLog());
-        provider.Release();  // nothing was delivered
+        provider.Release();  // not a valid handle
     }
     return provider;
 }
@@ -90,10 +90,10 @@ bool CapiHasher::Hash(uint32_t authCode, const RepeatedBytes& input, ByteBuffer&
 bool CapiHmac(uint32_t authCode, const ByteBuffer& key, const uint8_t* message, uint32_t length,
               ByteBuffer& mac) {
     mac.Clear();
-    // A key container is neither opened nor made: there is no container name.
+    // Without a container name, no key container is opened or created.
     const OwnedCryptProvider provider = OpenHashProvider(CRYPT_VERIFYCONTEXT | CRYPT_NEWKEYSET);
     if (!provider) return false;
-    // RC2 stands for a key of any bytes; the flag lifts its limit of 16.
+    // RC2 accepts a key of any bytes; the flag lifts its limit of 16.
     const OwnedCryptKey hmacKey =
         ImportPlainKey(provider.Get(), CALG_RC2, key.data, key.length, CRYPT_IPSEC_HMAC_KEY);
     if (!hmacKey) return false;

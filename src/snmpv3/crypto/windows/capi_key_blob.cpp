@@ -31,7 +31,7 @@ OwnedCryptKey ImportPlainKey(HCRYPTPROV provider, ALG_ID algorithm, const uint8_
     if (!CryptImportKey(provider, reinterpret_cast<const BYTE*>(&blob), size, 0, flags,
                         imported.Receive())) {
         DebugLogA("Err %d\n", LastErrorForLog());
-        imported.Release();  // nothing was delivered
+        imported.Release();  // not a valid handle
     }
     SecureWipe(&blob, sizeof blob);
     return imported;

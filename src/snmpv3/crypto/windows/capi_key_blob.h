@@ -1,4 +1,4 @@
-// Import of plain-text keys into CryptoAPI.
+// Imports plain-text keys into CryptoAPI.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace vndiscover {
 
 constexpr uint32_t kMaxPlainKey = 64;
 
-// Empty on failure, which is logged; also for a key of more than kMaxPlainKey bytes.
+// Empty on failure, which is logged, or if the key exceeds kMaxPlainKey bytes.
 OwnedCryptKey ImportPlainKey(HCRYPTPROV provider, ALG_ID algorithm, const uint8_t* key,
                              uint32_t length, DWORD flags);
 

@@ -11,7 +11,7 @@ struct CngAlgorithm {
     ULONG digestSize;
 };
 
-// Null, and logged, for a number that is none.
+// Null for an unknown number, which is logged.
 const CngAlgorithm* FindAlgorithm(int32_t number) {
     static constexpr CngAlgorithm kAlgorithms[] = {
         {L"SHA256", 32}, {L"SHA384", 48}, {L"SHA512", 64}};
@@ -28,8 +28,8 @@ bool RunHash(CngHash&& hash, const RepeatedBytes& input, ULONG digestSize, ByteB
 
 }  // namespace
 
-// What stays open between hashes.
-struct CngCrypto::Kept {
+// Stays open between hashes.
+struct CngCrypto::Opened {
     CngLibrary library;
     int32_t number = 0;                       // of the provider
     OwnedCngAlgorithm provider{nullptr, {}};  // closed before the library
@@ -38,22 +38,22 @@ struct CngCrypto::Kept {
 CngCrypto::CngCrypto() = default;
 CngCrypto::~CngCrypto() = default;
 
-CngCrypto::Kept& CngCrypto::Open() {
-    if (!kept_) kept_ = std::make_unique<Kept>();
-    return *kept_;
+CngCrypto::Opened& CngCrypto::Open() {
+    if (!opened_) opened_ = std::make_unique<Opened>();
+    return *opened_;
 }
 
 bool CngCrypto::Hash(int32_t number, const RepeatedBytes& input, ByteBuffer& digest) {
     digest.Clear();
     const CngAlgorithm* algorithm = FindAlgorithm(number);
     if (!algorithm) return false;
-    Kept& kept = Open();
-    if (!kept.provider || kept.number != number) {
-        kept.provider = kept.library.OpenAlgorithm(algorithm->name, 0);
-        kept.number = number;
+    Opened& opened = Open();
+    if (!opened.provider || opened.number != number) {
+        opened.provider = opened.library.OpenAlgorithm(algorithm->name, 0);
+        opened.number = number;
     }
-    return kept.provider && RunHash(CngHash(kept.library, kept.provider.get(), nullptr), input,
-                                    algorithm->digestSize, digest);
+    return opened.provider && RunHash(CngHash(opened.library, opened.provider.get(), nullptr),
+                                      input, algorithm->digestSize, digest);
 }
 
 bool CngCrypto::Hmac(int32_t number, const ByteBuffer& key, const uint8_t* message, uint32_t length,

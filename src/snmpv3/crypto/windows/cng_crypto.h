@@ -1,5 +1,4 @@
-// SHA-256, SHA-384, SHA-512 and their HMACs by the newer crypto library, which is looked up at run
-// time.
+// SHA-256, SHA-384, SHA-512 and their HMACs with CNG, which is loaded at run time.
 #pragma once
 
 #include <memory>
@@ -9,9 +8,9 @@
 
 namespace vndiscover {
 
-// Algorithms by number: 2 SHA-256, 3 SHA-384, 4 SHA-512, the authentication code minus 2. Failures
-// are logged; the result is then left empty. Keeps the library, and the provider of the last hash,
-// from the first use on.
+// Algorithms by number, which is the authentication code minus 2: 2 SHA-256, 3 SHA-384, 4 SHA-512.
+// Failures are logged and leave the result empty. The library, and the provider of the last hash,
+// stay open after their first use.
 class CngCrypto {
   public:
     CngCrypto();
@@ -24,10 +23,10 @@ class CngCrypto {
               ByteBuffer& mac);
 
   private:
-    struct Kept;
-    Kept& Open();
+    struct Opened;
+    Opened& Open();
 
-    std::unique_ptr<Kept> kept_;
+    std::unique_ptr<Opened> opened_;
 };
 
 }  // namespace vndiscover

@@ -76,7 +76,7 @@ CngHash::CngHash(const CngLibrary& library, BCRYPT_ALG_HANDLE algorithm, const B
 
 bool CngHash::Add(const uint8_t* bytes, uint32_t count) {
     if (!hash_) return false;
-    // The parameter is not const, but only read.
+    // Not a const parameter, but only read.
     const NTSTATUS status = library_.hashData_(hash_.get(), const_cast<uint8_t*>(bytes), count, 0);
     if (!Failed(status)) return true;
     DebugLogA("**** Error 0x%x returned by BCryptHashData\n", static_cast<unsigned>(status));

@@ -1,5 +1,5 @@
-// The functions of the newer crypto library, and owners of what they open. The library is looked up
-// at run time: older systems lack it and must still load this module.
+// The functions of CNG, and owners of what they open. The library is loaded at run time: older
+// systems lack it and must still load this module.
 #pragma once
 
 #include <memory>
@@ -30,7 +30,7 @@ class CngLibrary {
   public:
     CngLibrary();
 
-    // Empty on failure, which is logged; also where the library or one of its functions is missing.
+    // Empty on failure, which is logged, even if the library or one of its functions is missing.
     OwnedCngAlgorithm OpenAlgorithm(const wchar_t* name, ULONG flags) const;
 
   private:
@@ -53,7 +53,7 @@ class HeapBlock {
     HeapBlock(const HeapBlock&) = delete;
     HeapBlock& operator=(const HeapBlock&) = delete;
 
-    uint8_t* Get() const noexcept { return memory_; }  // null when the heap is exhausted
+    uint8_t* Get() const noexcept { return memory_; }  // null if the heap is exhausted
     ULONG Size() const noexcept { return static_cast<ULONG>(size_); }
 
   private:
@@ -61,7 +61,7 @@ class HeapBlock {
     uint8_t* memory_;
 };
 
-// One hash being made, or with a key its HMAC. Failures are logged.
+// One hash, or its HMAC if there is a key. Failures are logged.
 class CngHash {
   public:
     CngHash(const CngLibrary& library, BCRYPT_ALG_HANDLE algorithm, const ByteBuffer* hmacKey);
@@ -70,7 +70,7 @@ class CngHash {
 
   private:
     const CngLibrary& library_;
-    HeapBlock object_;  // outlives the hash that lives in it
+    HeapBlock object_;  // holds the hash, and so outlives it
     OwnedCngHash hash_;
 };
 

@@ -1,4 +1,4 @@
-// Which back end makes what.
+// Chooses the back end for each operation.
 #include "snmpv3/crypto/crypto.h"
 #include "snmpv3/crypto/protocol_codes.h"
 #include "snmpv3/crypto/sha224.h"
@@ -9,7 +9,7 @@
 namespace vndiscover {
 namespace {
 
-// Codes that stand for no hash get numbers that the library's wrapper refuses, which it logs.
+// Codes without a hash get numbers that CngCrypto rejects and logs.
 int32_t CngNumber(uint32_t authCode) { return static_cast<int32_t>(authCode - 2); }
 
 bool UsesCapi(uint32_t authCode, uint32_t privCode) {
@@ -20,7 +20,7 @@ bool UsesCng(uint32_t authCode) { return authCode >= kAuthSha256 && authCode <= 
 
 }  // namespace
 
-// The older library is part of advapi32; what it loads for each context is its provider.
+// CryptoAPI itself is part of advapi32; it loads its provider for each context.
 struct CryptoLibraries::Loaded {
     SystemLibrary capi, cng;
 };
