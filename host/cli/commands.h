@@ -1,6 +1,6 @@
-// The commands of the program. Each adds itself to the command line; its work runs while the
-// command line is read, and leaves the process's exit code in `exitCode`. Wrong usage that shows up
-// only then is thrown as CLI::ValidationError.
+// The commands of the program. Each adds itself to the command line and runs while it is parsed,
+// leaving the process's exit code in `exitCode`. Wrong usage that is found only then is thrown as
+// CLI::ValidationError.
 #ifndef VNDISCOVER_HOST_CLI_COMMANDS_H
 #define VNDISCOVER_HOST_CLI_COMMANDS_H
 
@@ -22,14 +22,14 @@ void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
 void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
 
-// The options of SNMPv3, shared by several commands.
+// The SNMPv3 options of several commands.
 struct V3Options {
     bool isOn = false;
     std::string user, authProtocol, authPassword, privProtocol, privPassword;
 };
 void AddV3Options(CLI::App& command, V3Options& options);
 
-// Checks the options and fetches missing passwords from the environment or the user.
+// Checks the options, and takes missing passwords from the environment or prompts for them.
 Security ResolveSecurity(const V3Options& options);
 
 // Adds --format with the command's own enumerators; the first name is the default.
@@ -44,7 +44,7 @@ CLI::Option* AddFormat(CLI::App& command, Value& format,
             format = value;
             return;
         }
-        throw CLI::ValidationError("--format", "'" + text + "' is none of " + known);
+        throw CLI::ValidationError("--format", "'" + text + "' is not one of " + known);
     };
     return command.add_option_function<std::string>("--format", choose, "Output: " + known)
         ->type_name("FORMAT");

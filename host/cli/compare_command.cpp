@@ -8,10 +8,10 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kExamples[] =
-    R"(Compares two files that --save made: devices that are new, gone, or changed in
-address, name, firmware text or page counts. A device is known again by its
-serial number, else by its MAC address, WS-Discovery endpoint or address. What
-only one of the files tells is not taken for a change. Nothing is sent.
+    R"(Compares two files made by --save: shows devices that are new, gone, or changed
+in address, name, firmware text or page counts. A device is identified by its
+serial number, otherwise by its MAC address, WS-Discovery endpoint or address.
+What only one of the files contains does not count as a change. Nothing is sent.
 
 Examples:
   vndiscover sweep --save monday.json

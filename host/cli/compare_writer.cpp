@@ -53,7 +53,7 @@ std::string ComparisonText(const ComparedScans& scans) {
     return text + std::to_string(changes.added.size()) + " new, " +
            std::to_string(changes.gone.size()) + " gone, " +
            std::to_string(changes.changed.size()) + " changed, " + std::to_string(changes.same) +
-           " as before\n";
+           " unchanged\n";
 }
 
 std::string ComparisonJson(const ComparedScans& scans) {

@@ -1,4 +1,4 @@
-// What `compare` prints.
+// The output of `compare`.
 #ifndef VNDISCOVER_HOST_CLI_COMPARE_WRITER_H
 #define VNDISCOVER_HOST_CLI_COMPARE_WRITER_H
 
@@ -8,7 +8,7 @@
 
 namespace vndiscover::host {
 
-// The devices before and after, and what has changed.
+// The devices before and after, and the differences.
 struct ComparedScans {
     std::vector<FoundDevice> before, after;
     Comparison changes;

@@ -5,7 +5,7 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kMaxCommunity = 255;  // bytes that a request can hold
+constexpr size_t kMaxCommunity = 255;  // bytes in a request
 
 std::string CheckedCommunity(const std::string& text, const char* option) {
     std::string community = ToAnsi(text);

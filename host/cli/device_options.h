@@ -1,4 +1,4 @@
-// What the commands that ask one device share.
+// Options of the commands that ask one device.
 #ifndef VNDISCOVER_HOST_CLI_DEVICE_OPTIONS_H
 #define VNDISCOVER_HOST_CLI_DEVICE_OPTIONS_H
 
@@ -21,10 +21,10 @@ struct DeviceOptions {
 CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
                            DeviceOptions& options);
 
-// SNMPv3 instead of a community.
+// Adds the SNMPv3 options, which exclude --community.
 void AddDeviceV3(CLI::App& command, DeviceOptions& options);
 
-// Throws CLI::ValidationError. May ask for passwords.
+// Throws CLI::ValidationError. May prompt for passwords.
 Device OpenDevice(const DeviceOptions& options);
 
 int ExitCodeOf(Status status);

@@ -9,11 +9,11 @@
 namespace vndiscover::host {
 namespace {
 
-// The value of a version-1 result message as bytes. A message has no type, but only an OCTET STRING
-// comes with the size that stands for "longer than 127 bytes".
+// The value of an SNMPv1 result message as bytes. A message has no type, but only an OCTET STRING
+// comes with the size that means "longer than 127 bytes".
 std::string RawValue(std::string_view value) { return ContentOf(kOctetString, value).bytes; }
 
-// The one answer of a document that RequestFor asked for.
+// The only answer in a document of RequestFor.
 std::string AnswerValue(std::string_view value) {
     const JsonItem document = ParseDocument(value);
     const auto answers = AnswersOf(document.get());

@@ -1,4 +1,4 @@
-// What a sweep prints: one row for each device, as it arrives.
+// The output of a sweep: one row for each device, as it arrives.
 #ifndef VNDISCOVER_HOST_CLI_DEVICE_WRITER_H
 #define VNDISCOVER_HOST_CLI_DEVICE_WRITER_H
 
@@ -11,23 +11,23 @@ namespace vndiscover::host {
 
 enum class Format { kTable, kJson, kCsv };
 
-// What the value of a result message is.
+// The content of a result message's value.
 enum class ValueKind {
     kRaw,       // the value itself
     kDocument,  // the filled-in JSON request
-    kAnswer,    // a filled-in request made by RequestFor: the value is its one answer
+    kAnswer,    // a filled-in request of RequestFor, whose only answer is the value
 };
 
 class DeviceWriter {
   public:
-    // useIPv6: wider address column.
+    // useIPv6: whether the address column is wider.
     DeviceWriter(Format format, ValueKind kind, bool useIPv6)
         : format_(format), kind_(kind), useIPv6_(useIPv6) {}
 
     // Each returns the text to print now; lines end in LF. `value` is the text of the result
     // message.
     std::string Row(std::string_view address, std::string_view value);
-    // Call it once, after the last row, also when there was none.
+    // Must be called once, after the last row, even if there was none.
     std::string End();
 
   private:
@@ -43,7 +43,7 @@ class DeviceWriter {
     JsonArray array_;
 };
 
-// A field in quotes, quotes doubled, as RFC 4180 has it.
+// A field in quotes, with quotes doubled as in RFC 4180.
 std::string CsvField(std::string_view text);
 
 }  // namespace vndiscover::host

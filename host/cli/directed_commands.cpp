@@ -14,8 +14,8 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kGetExamples[] =
-    R"(Values are shown by their type; a text that is not printable is shown in hex.
-"no value" means that the device answered but has no such variable. About ninety
+    R"(Values are shown by their type, and in hex if text is not printable. "no value"
+means that the device answered but has no such variable. About ninety
 standard objects have names: system, interfaces, host resources, printers.
 
 Examples:
@@ -27,7 +27,7 @@ Examples:
 Exit codes: 0 every OID was answered, 1 no answer, 2 wrong usage, 3 a request
 could not be sent.)";
 
-constexpr char kGetNextExamples[] = R"(Shows the variable that follows each OID in the device.
+constexpr char kGetNextExamples[] = R"(Shows the variable that follows each OID on the device.
 
 Examples:
   vndiscover getnext 192.168.1.20 .1.3.6.1.2.1.1 --community public
@@ -37,8 +37,8 @@ Exit codes: 0 every OID was answered, 1 no answer, 2 wrong usage, 3 a request
 could not be sent.)";
 
 constexpr char kSetExamples[] =
-    R"(A device that refuses answers like one that obeys: --verify reads the value
-again. Types: integer (i), string (s), hex (x), oid (o), ipaddress (a),
+    R"(A device that refuses answers like one that accepts: --verify reads the value
+back. Types: integer (i), string (s), hex (x), oid (o), ipaddress (a),
 counter (c), gauge (u), timeticks (t), null (n).
 
 Examples:
@@ -50,10 +50,10 @@ Exit codes: 0 answered (and verified), 1 no answer or not verified, 2 wrong
 usage, 3 the request could not be sent.)";
 
 constexpr char kWalkExamples[] =
-    R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends where the subtree or the
-device's variables end, and where the OID of an answer is not greater than the
-one asked for. OIDs with a number over 16383 cannot be asked for: a walk that
-meets one stops there and says so.
+    R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends with the subtree or the
+device's variables, or when the OID of an answer is not greater than the one
+requested. OIDs with a number over 16383 cannot be requested: a walk that
+reaches one stops there and says so.
 
 Examples:
   vndiscover walk 192.168.1.20
@@ -88,9 +88,9 @@ Oid CheckedOid(const std::string& text) {
     return *oid;
 }
 
-// SNMPv3 requests are made by the same OID writer.
+// SNMPv3 requests use the same OID encoder.
 void WarnIfWrong(const Oid& oid) {
-    if (!GoesOutWrong(oid)) return;
+    if (!IsMisencoded(oid)) return;
     Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
 }
 
@@ -111,7 +111,7 @@ int RunEach(const Options& options, Ask ask) {
         const Answer answer = ask(device, oid);
         Show(writer, answer);
         exitCode = std::max(exitCode,
-                            ExitCodeOf(answer.status));  // a failed send outweighs a missing answer
+                            ExitCodeOf(answer.status));  // a failed send outranks a missing answer
     }
     Print(writer.End());
     return exitCode;
@@ -142,7 +142,7 @@ int Verify(const Device& device, const Oid& oid, const SetValue& value) {
 
 int RunSet(const Options& options) {
     const Oid oid = CheckedOid(options.oid);
-    // main put a blank in front of a negative number.
+    // main put a blank before a negative number.
     const bool isNumber =
         options.value.size() > 2 && options.value[0] == ' ' && options.value[1] == '-';
     std::string problem;
@@ -158,16 +158,16 @@ int RunSet(const Options& options) {
     return exitCode == kFound && options.mustVerify ? Verify(device, oid, *value) : exitCode;
 }
 
-// Where a walk stops, with its exit code; Show has told about answers that did not come.
+// Reports why a walk stops and returns its exit code. Show has reported missing answers.
 int FinishWalk(WalkStep step, const Oid& last, size_t variables) {
     const std::string at = OidToText(last);
     if (step == WalkStep::kLastReachable) {
         Warn("stopped at " + at +
-             ": it has a number over 16383 or is too long to ask for what follows");
+             ": it has a number over 16383, or is too long to ask for what follows");
         return kNone;
     }
     if (step == WalkStep::kNotIncreasing) {
-        Warn("stopped: OID not increasing: the device answers to " + at +
+        Warn("stopped: OID not increasing: the device answers " + at +
              " with one that is not greater");
         return kNone;
     }
@@ -179,7 +179,7 @@ int RunWalk(const Options& options) {
     const auto root = ParseOidOrName(options.root);
     if (!root) throw CLI::ValidationError("ROOT", NotAnOid(options.root));
     Oid asked = *root;
-    if (asked.size() == 1) asked.push_back(0);  // a request has two numbers at least
+    if (asked.size() == 1) asked.push_back(0);  // an OID in a request has at least two numbers
     if (!FitsRequest(asked))
         throw CLI::ValidationError("ROOT", "'" + options.root + "' is too long");
     const Device device = OpenDevice(options);
@@ -198,7 +198,7 @@ int RunWalk(const Options& options) {
         if (step != WalkStep::kVariable && step != WalkStep::kLastReachable) break;
         ++variables;
         asked = answer.oid;
-        if (!Print(writer.Row(answer))) break;  // nobody reads any more
+        if (!Print(writer.Row(answer))) break;  // the reader of a pipe has gone
     }
     Print(writer.End());
     if (answer.status != Status::kAnswered) return ExitCodeOf(answer.status);
@@ -230,7 +230,7 @@ void AddNames(CLI::App& command, Options& options) {
 }  // namespace
 
 void AddDirectedCommands(CLI::App& app, int& exitCode) {
-    auto options = std::make_shared<Options>();  // one command runs, so all share them
+    auto options = std::make_shared<Options>();  // shared, since only one command runs
     CLI::App* get =
         AddDeviceCommand(app, "get", "Read values of one device", kGetExamples, *options);
     get->add_option("OID", options->oids, "What to read: numeric, or a name")->required();
@@ -240,7 +240,7 @@ void AddDirectedCommands(CLI::App& app, int& exitCode) {
 
     CLI::App* next = AddDeviceCommand(app, "getnext", "Read the values that follow OIDs",
                                       kGetNextExamples, *options);
-    next->add_option("OID", options->oids, "What to read on from: numeric, or a name")->required();
+    next->add_option("OID", options->oids, "What to start from: numeric, or a name")->required();
     AddNames(*next, *options);
     AddDeviceV3(*next, *options);
     next->callback([options, &exitCode] { exitCode = RunGetNext(*options); });
@@ -259,7 +259,7 @@ void AddDirectedCommands(CLI::App& app, int& exitCode) {
     set->add_option("VALUE", options->value, "The value; null takes none");
     set->add_option("-w,--write-community", options->writeCommunity, "Write community [sesame]")
         ->type_name("NAME");
-    set->add_flag("--verify", options->mustVerify, "Read the value again, with --community");
+    set->add_flag("--verify", options->mustVerify, "Read the value back, with --community");
     set->callback([options, &exitCode] { exitCode = RunSet(*options); });
 
     CLI::App* info =

@@ -16,19 +16,19 @@ constexpr char kExamples[] =
 in its order, the routes of its broadcast and multicast, whether the Windows
 firewall lets answers in, and the log switches.
 
-With HOST the device gets one ping, one SNMPv1 request with this community, the
-SNMPv3 engine discovery and, where its engine answers, one SNMPv3 request with
-this user or an empty name; both requests ask for what follows sysDescr.0. It
-takes 20 s at most.
+With HOST the device is sent one ping, one SNMPv1 request with this community,
+the SNMPv3 engine discovery and, if its engine answers, one SNMPv3 request with
+this user or an empty name; both requests are for the variable after sysDescr.0.
+This takes 20 s at most.
 
 Examples:
   vndiscover doctor
   vndiscover doctor 192.168.1.20 --community public
   vndiscover doctor 192.168.1.20 --v3 -u admin -a SHA256 -x AES --format json
 
-Exit codes: 0 no reason found here, or the device answers as asked (with --v3
-that user, otherwise this community), 1 a reason was found, or it does not,
-2 wrong usage, 3 the requests could not be sent.)";
+Exit codes: 0 no reason found here, or the device answers (with --v3 that user,
+otherwise this community), 1 a reason was found, or it does not answer, 2 wrong
+usage, 3 the requests could not be sent.)";
 
 int RunOnComputer(const DeviceOptions& options) {
     const ComputerReport report = ReportOn(ThisComputer());
@@ -62,9 +62,9 @@ void AddDoctorCommand(CLI::App& app, int& exitCode) {
     CLI::App* command = AddDeviceCommand(
         app, "doctor", "Find out why no device, or this one, answers", kExamples, *options);
     CLI::Option* host = command->get_option("HOST");
-    host->required(false)->description("Address of the device [this computer alone]");
+    host->required(false)->description("Address of the device [this computer only]");
     command->get_option("--community")->needs(host);
-    // Both protocols are asked, so a community goes with a user.
+    // Both protocols are used, so a community does not exclude a user.
     AddV3Options(*command, options->v3);
     command->get_option("--v3")->needs(host)->description("Also ask as this SNMPv3 user; needs -u");
     command->callback([options, &exitCode] {

@@ -12,7 +12,7 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kElsewhere[] =
-    "the device is on none of this computer's networks: sweeps do not get there, directed "
+    "the device is on none of this computer's networks: sweeps do not reach it, directed "
     "requests do";
 
 std::string Seconds(unsigned seconds) { return std::to_string(seconds) + " s"; }
@@ -59,14 +59,14 @@ const char* PassageText(Passage passage) {
 
 void AddFirewall(Lines& lines, const FirewallReport& report) {
     constexpr char kLabel[] = "Firewall";
-    if (!report.isKnown) lines.Add(kLabel, "not known here");
+    if (!report.isKnown) lines.Add(kLabel, "unknown here");
     for (const PortVerdict& verdict : report.ports) {
         lines.Add(kLabel, verdict.profile + " profile, answers from UDP " +
                               std::to_string(verdict.port) + ": " + PassageText(verdict.passage) +
                               " (" + verdict.reason + ")");
     }
     if (report.commands.empty()) return;
-    lines.Add(kLabel, "to let answers in, an administrator runs");
+    lines.Add(kLabel, "to let answers in, run as an administrator:");
     for (const std::string& command : report.commands) lines.Add(kLabel, "  " + command);
 }
 

@@ -1,4 +1,4 @@
-// What `vndiscover doctor` prints.
+// The output of `vndiscover doctor`.
 #ifndef VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H
 #define VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H
 

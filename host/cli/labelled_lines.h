@@ -1,4 +1,4 @@
-// The text form of a report: labels on the left, what belongs to them on the right.
+// The text form of a report: labels on the left, contents on the right.
 #ifndef VNDISCOVER_HOST_CLI_LABELLED_LINES_H
 #define VNDISCOVER_HOST_CLI_LABELLED_LINES_H
 
@@ -8,7 +8,7 @@
 
 namespace vndiscover::host {
 
-// A label stands in front of its first line only; an empty line is left out.
+// A label is written before its first line only; empty lines are left out.
 class Lines {
   public:
     void Add(const char* label, const std::string& line) {

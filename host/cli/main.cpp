@@ -1,4 +1,4 @@
-// vndiscover.exe: VnDiscover.dll as a tool, and the example of a host.
+// vndiscover.exe: VnDiscover.dll on the command line, and an example of a host.
 #include <vndiscover.h>
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace {
 
 using vndiscover::host::Warn;
 
-// The version of the DLL that is loaded, from its own resource; the program comes with it.
+// The version from the resource of the loaded DLL, which is also the program's.
 std::string Version() {
     const HMODULE module = GetModuleHandleW(L"VnDiscover.dll");
     const HRSRC resource =
@@ -21,7 +21,7 @@ std::string Version() {
     const HGLOBAL block = resource ? LoadResource(module, resource) : nullptr;
     const auto* bytes = static_cast<const uint8_t*>(block ? LockResource(block) : nullptr);
     const size_t size = bytes ? SizeofResource(module, resource) : 0;
-    // The fixed part follows a header whose length depends on a name: its signature finds it.
+    // The fixed part follows a header of variable length, so search for its signature.
     VS_FIXEDFILEINFO info = {};
     for (size_t at = 0; at + sizeof info <= size; at += 4) {
         std::memcpy(&info, bytes + at, sizeof info);
@@ -35,8 +35,8 @@ std::string Version() {
     return "VnDiscover";
 }
 
-// Options and arguments with their type alone: what excludes what is told by the message that
-// follows a mistake, and every column that the help has is needed for the texts.
+// Shows only the type of options and arguments: exclusions are explained by the error message, and
+// leave too little room for the descriptions.
 class HelpFormatter : public CLI::Formatter {
   public:
     std::string make_option_opts(const CLI::Option* option) const override {
@@ -58,11 +58,11 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     vndiscover::host::AddCompareCommand(app, exitCode);
     vndiscover::host::AddReachCommands(app, exitCode);
     vndiscover::host::AddDoctorCommand(app, exitCode);
-    app.footer("'vndiscover COMMAND --help' tells more, with examples.");
+    app.footer("'vndiscover COMMAND --help' shows details and examples.");
 }
 
-// A negative number after "set" is a value, but the parser takes it for an option. A leading blank
-// prevents that.
+// A negative number after "set" is a value, but the parser would take it for an option. A leading
+// blank prevents that.
 void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
     if (arguments.empty() || arguments.front() != "set") return;
     for (std::string& argument : arguments) {
@@ -106,8 +106,8 @@ void IgnoreInvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsi
 
 int main() {
     // A device may answer a set request with more bytes than were sent. The C runtime then refuses
-    // the copy into our buffer and calls this handler, whose default may end the process; we look
-    // at the length returned.
+    // to copy them and calls this handler, whose default may end the process. Set checks the
+    // length.
     _set_invalid_parameter_handler(IgnoreInvalidParameter);
     const vndiscover::host::ConsoleSession console;
     try {

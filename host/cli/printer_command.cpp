@@ -10,20 +10,20 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kExamples[] =
-    R"(Reads the standard variables of a printer and says what they mean: model,
-serial number, state, alerts, page counts, supplies, trays. What the device does
-not give is left out; what could not be read is listed with the reason. A device
-that falls silent is not asked any further.
+    R"(Reads the standard variables of a printer and explains them: model, serial
+number, state, alerts, page counts, supplies, trays. What the device does not
+provide is left out; what could not be read is listed with the reason. A device
+that stops answering is not asked any further.
 
 Examples:
   vndiscover printer 192.168.1.20
   vndiscover printer 192.168.1.20 --community public --format json
   vndiscover printer 192.168.1.20 --v3 -u admin -a SHA256 -x AES
 
-Exit codes: 0 a printer, read to the end, 1 no answer, no printer or cut short,
+Exit codes: 0 a printer, read completely, 1 no answer, no printer or cut short,
 2 wrong usage, 3 a request could not be sent.)";
 
-// The device's start in local time; a computer's clock gives it to the minute.
+// The device's start in local time, to the minute.
 std::string UpSince(const PrinterFacts& facts) {
     if (!facts.upTicks) return "";
     const std::time_t start = std::time(nullptr) - static_cast<std::time_t>(*facts.upTicks / 100);

@@ -21,7 +21,7 @@ std::string Joined(const std::string& one, const char* separator, const std::str
     return one.empty() || other.empty() ? one + other : one + separator + other;
 }
 
-// Hundredths of a second without them: "5 days, 3:04:05".
+// Ticks of a hundredth of a second in whole seconds: "5 days, 3:04:05".
 std::string Duration(uint64_t ticks) {
     const std::string text = TickText(ticks);
     return text.substr(0, text.size() - 3);
@@ -70,7 +70,7 @@ void AddAlerts(Lines& lines, const PrinterFacts& facts) {
         std::string line = Joined(SpacedWords(alert.severity), ": ",
                                   alert.description.empty() ? what : alert.description);
         if (!alert.description.empty() && !what.empty()) line += " (" + what + ")";
-        // An alert of a former run of the device would be from the future.
+        // The time of an alert from before the device's restart would be in the future.
         if (alert.upTicks && facts.upTicks && *alert.upTicks <= *facts.upTicks)
             line += ", for " + Duration(*facts.upTicks - *alert.upTicks);
         lines.Add("Alerts", line);
@@ -195,7 +195,7 @@ std::string PrinterText(const PrinterFacts& facts, const std::string& upSince) {
     AddSupplies(lines, facts);
     AddTrays(lines, facts);
     for (const uint32_t other : facts.otherPrinters)
-        lines.Add("Also there", "a further printer, device index " + std::to_string(other));
+        lines.Add("Also there", "another printer, device index " + std::to_string(other));
     AddGaps(lines, facts);
     return lines.Text();
 }

@@ -8,7 +8,7 @@
 
 namespace vndiscover::host {
 
-// `upSince` is the local time at which the device started; empty: not known. Lines end in LF.
+// `upSince` is the local time at which the device started; empty if unknown. Lines end in LF.
 std::string PrinterText(const PrinterFacts& facts, const std::string& upSince);
 
 // One object in one line. Members that the device did not give are null.

@@ -8,8 +8,8 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kPingExamples[] =
-    R"(An IPv4 address in dotted form goes by IPv4; an IPv6 address or a host name goes
-by IPv6.
+    R"(An IPv4 address in dotted form is pinged over IPv4, an IPv6 address or a host
+name over IPv6.
 
 Examples:
   vndiscover ping 192.168.1.20
@@ -19,7 +19,7 @@ Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
 
 constexpr char kIPv6Examples[] = R"(Nothing is sent.
 
-Exit codes: 0 supported, 1 not.)";
+Exit codes: 0 supported, 1 not supported.)";
 
 struct PingOptions {
     std::string host;
@@ -50,7 +50,7 @@ void AddReachCommands(CLI::App& app, int& exitCode) {
     ping->footer(kPingExamples);
     ping->callback([options, &exitCode] { exitCode = RunPing(*options); });
 
-    CLI::App* ipv6 = app.add_subcommand("ipv6", "Tell whether this computer supports IPv6");
+    CLI::App* ipv6 = app.add_subcommand("ipv6", "Show whether this computer supports IPv6");
     ipv6->footer(kIPv6Examples);
     ipv6->callback([&exitCode] { exitCode = RunIPv6(); });
 }

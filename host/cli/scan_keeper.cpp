@@ -15,10 +15,9 @@ namespace vndiscover::host {
 
 void AddSaveOptions(CLI::App& command, SaveOptions& options) {
     CLI::Option* save =
-        command.add_option("--save", options.path, "Keep the answers in this file, see below");
+        command.add_option("--save", options.path, "Save the answers to this file, see below");
     save->type_name("FILE");
-    command.add_flag("--append", options.append, "Add to the answers that are in the file")
-        ->needs(save);
+    command.add_flag("--append", options.append, "Add to the answers in the file")->needs(save);
 }
 
 Scan LoadScan(const std::string& path, const std::string& option) {

@@ -1,4 +1,4 @@
-// --save and --append: the answers of this run, kept in a file.
+// --save and --append: saves the answers of this run to a file.
 #ifndef VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
 #define VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
 
@@ -12,7 +12,7 @@
 namespace vndiscover::host {
 
 struct SaveOptions {
-    std::string path;  // empty: nothing is kept
+    std::string path;  // empty: nothing is saved
     bool append = false;
 };
 void AddSaveOptions(CLI::App& command, SaveOptions& options);
@@ -22,17 +22,16 @@ Scan LoadScan(const std::string& path, const std::string& option);
 
 class ScanKeeper {
   public:
-    // Reads the file that is added to, and sees that it can be written. Throws
-    // CLI::ValidationError.
+    // Reads the file for --append, and checks that it can be written. Throws CLI::ValidationError.
     explicit ScanKeeper(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
 
-    // The answers from here on are of this sweep, which begins now.
+    // Begins a sweep, to which the answers from now on belong.
     void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
     void Add(const std::string& address, std::string_view bytes);
 
-    // Asks each device that the last sweep found for what it is known by. `device` has the
-    // community or the security settings. Ctrl-C ends it.
+    // Asks each device that the last sweep found for what identifies it. `device` has the community
+    // or the security settings. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
     // Throws std::runtime_error.

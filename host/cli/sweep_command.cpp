@@ -15,8 +15,8 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kMaxPath = 259;       // what the module can open
-constexpr size_t kMaxCommunity = 255;  // what a request can hold
+constexpr size_t kMaxPath = 259;       // characters of a path that the module can open
+constexpr size_t kMaxCommunity = 255;  // bytes in a request
 constexpr UINT kUnusedTimeoutMs = 5000;
 
 constexpr char kExamples[] =
@@ -30,10 +30,10 @@ empty strings:
    "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
 
 --save asks each device found for its serial number, MAC address, name, firmware
-text and page counts, about 25 requests, and keeps all answers and the devices
-made of them as JSON; 'vndiscover compare' shows what changed between two files.
-A file that is there stays until the new one is complete. With --append the
-answers of further sweeps join those in the file.
+text and page counts, in about 25 requests, and saves all answers, and the
+devices found in them, as JSON; 'vndiscover compare' shows what changed between
+two files. An existing file is replaced once the new one is complete. --append
+adds the answers to those in the file.
 
 Examples:
   vndiscover sweep
@@ -53,7 +53,7 @@ struct SweepOptions {
     SaveOptions save;
 };
 
-// Everything that the module wants as UTF-16, checked.
+// The module's UTF-16 arguments, checked.
 struct Sweep {
     std::wstring community, oid, request, csvPath;
     BYTE useIPv6 = 0;
@@ -61,7 +61,7 @@ struct Sweep {
 };
 
 std::string ReadRequest(const std::string& path) {
-    // By the wide path: the system would take a narrow one for ANSI text.
+    // With a wide path: a narrow one would be taken for ANSI text.
     FILE* file = _wfopen(ToWide(path).c_str(), L"rb");
     if (!file) throw CLI::ValidationError("--json", "cannot read '" + path + "'");
     std::string text(65536, '\0');
@@ -73,11 +73,11 @@ std::string ReadRequest(const std::string& path) {
     return *request;
 }
 
-// The module sweeps on without a file that it cannot open, so the user is told before.
+// The module sweeps without a file that it cannot open, so the user is told beforehand.
 void CheckCsvPath(const std::string& path) {
     const std::wstring wide = ToWide(path);
     if (wide.size() > kMaxPath)
-        throw CLI::ValidationError("--csv", "the path has over 259 characters");
+        throw CLI::ValidationError("--csv", "the path has more than 259 characters");
     FILE* file = _wfopen(wide.c_str(), L"ab");
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
     std::fclose(file);
@@ -86,7 +86,7 @@ void CheckCsvPath(const std::string& path) {
 std::string CheckOid(const std::string& text) {
     const auto oid = ParseOidOrName(text);
     if (!oid || !FitsRequest(*oid)) throw CLI::ValidationError("--oid", NotAnOid(text));
-    if (GoesOutWrong(*oid))
+    if (IsMisencoded(*oid))
         Warn(text + " has a number over 16383: devices are asked for another OID");
     return OidToText(*oid);
 }
@@ -106,8 +106,7 @@ Sweep Prepare(const SweepOptions& options) {
     if (!options.csvPath.empty()) CheckCsvPath(options.csvPath);
     sweep.csvPath = ToWide(options.csvPath);
     if (options.v3.isOn && !sweep.oid.empty()) {
-        // SNMPv3 sweeps take an OID only in a JSON request: the document's one answer is the value
-        // then.
+        // SNMPv3 sweeps accept an OID only in a JSON request; its only answer is then the value.
         sweep.request = ToWide(RequestFor(ToUtf8(sweep.oid)));
         sweep.kind = ValueKind::kAnswer;
     }
@@ -157,7 +156,7 @@ class CsvFile {
     void Write(const std::string& row) {
         if (!file_) return;
         std::fwrite(row.data(), 1, row.size(), file_);
-        std::fflush(file_);  // what is there stays when the process is ended
+        std::fflush(file_);  // keeps the line even if the process is terminated
     }
 
   private:
@@ -217,7 +216,7 @@ int RunSweep(const SweepOptions& options) {
     if (devices == 0) {
         const bool isForPeople = options.format == Format::kTable;
         Warn(std::string("no device answered") +
-             (isForPeople ? ": 'vndiscover doctor' looks for the reason" : ""));
+             (isForPeople ? ": 'vndiscover doctor' looks for the cause" : ""));
     }
     return devices > 0 ? kFound : kNone;
 }

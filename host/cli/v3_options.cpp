@@ -8,8 +8,8 @@ namespace {
 
 constexpr size_t kMaxUserBytes = 127;
 
-// From the command line, else from the environment, else from the user. An empty password would
-// give no key: the module would send its requests unprotected, so that is refused here.
+// From the command line, otherwise from the environment, otherwise from the user. Rejects an empty
+// password: it would give no key, and the module would send its requests unprotected.
 Secret FetchPassword(const std::string& given, const char* option, const wchar_t* variable,
                      const char* prompt) {
     Secret password(ToWide(given));
@@ -25,7 +25,7 @@ Secret FetchPassword(const std::string& given, const char* option, const wchar_t
 
 std::wstring Label(const std::optional<std::string>& label, const char* option, const char* known) {
     if (!label)
-        throw CLI::ValidationError(option, std::string("unknown protocol; known are ") + known);
+        throw CLI::ValidationError(option, std::string("unknown protocol; use one of ") + known);
     return ToWide(*label);
 }
 
@@ -43,11 +43,11 @@ void AddV3Options(CLI::App& command, V3Options& options) {
     };
     add("-u,--user", options.user, "User name", "USER");
     add("-a,--auth", options.authProtocol, kAuthProtocols, "PROTO");
-    add("-A,--auth-pass", options.authPassword,
-        "Password, else VNDISCOVER_AUTH_PASS, else asked for", "PASS");
+    add("-A,--auth-pass", options.authPassword, "Password [VNDISCOVER_AUTH_PASS, or prompt]",
+        "PASS");
     add("-x,--priv", options.privProtocol, kPrivProtocols, "PROTO");
-    add("-X,--priv-pass", options.privPassword,
-        "Password, else VNDISCOVER_PRIV_PASS, else asked for", "PASS");
+    add("-X,--priv-pass", options.privPassword, "Password [VNDISCOVER_PRIV_PASS, or prompt]",
+        "PASS");
 }
 
 Security ResolveSecurity(const V3Options& options) {
@@ -63,7 +63,7 @@ Security ResolveSecurity(const V3Options& options) {
     if (!security.usePriv && !options.privPassword.empty()) {
         throw CLI::ValidationError("-x", "-X needs a privacy protocol");
     }
-    // Both labels are checked before anybody is asked for a password.
+    // Both labels are checked before a password is prompted for.
     if (security.useAuth)
         security.authLabel = Label(AuthLabel(options.authProtocol), "-a", kAuthProtocols);
     if (security.usePriv)

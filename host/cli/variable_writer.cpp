@@ -13,7 +13,7 @@ std::string NoValueLine(uint32_t type) {
     return type == kNull ? "no value" : "no value (" + TypeName(type) + ")";
 }
 
-// Numbers as numbers, text as text; what is neither as hex digits, with a member that says so.
+// Numbers as numbers, text as text, anything else as hex digits with a member that says so.
 void AddValue(cJSON* element, const Answer& answer) {
     if (IsNoValue(answer.type)) {
         cJSON_AddNullToObject(element, "value");

@@ -1,4 +1,4 @@
-// What the directed requests print: one line or one JSON element for each variable, as it arrives.
+// The output of directed requests: one line or JSON element for each variable, as it arrives.
 #ifndef VNDISCOVER_HOST_CLI_VARIABLE_WRITER_H
 #define VNDISCOVER_HOST_CLI_VARIABLE_WRITER_H
 
@@ -11,13 +11,13 @@ namespace vndiscover::host {
 
 class VariableWriter {
   public:
-    // withNames: names for OIDs, and words for enumerations, bits and hardware addresses.
+    // withNames: whether to show OIDs, enumerations and bits as words, and hardware addresses.
     explicit VariableWriter(bool isJson, bool withNames = false)
         : isJson_(isJson), withNames_(withNames) {}
-    // The text to print now; lines end in LF. In text form empty for anything but kAnswered: a
-    // problem is told on standard error.
+    // The text to print now; lines end in LF. As text, only kAnswered gives a line: problems go to
+    // standard error.
     std::string Row(const Answer& answer);
-    // Call it once, at the end.
+    // Must be called once, at the end.
     std::string End() { return isJson_ ? array_.Finish() : ""; }
 
   private:

@@ -14,14 +14,14 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kExamples[] =
-    R"(Every adapter is probed in turn, and then the loopback. Each phase ends after
---timeout without a reply, and after 30 seconds at most. The list is printed at
-the end: a device that replied several times is listed once, with a count.
-Ctrl-C ends the sweep and prints what was found. Types have one of these
-prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub (computers).
---save keeps the replies and the devices made of them as JSON; with --append
-they join the answers of other sweeps in the file, and devices become one by
-their endpoints and addresses.
+    R"(Sends a Probe from every IPv4 address in turn, and from the loopback address.
+Each waits until no reply has come for --timeout, for 30 seconds at most. The
+list is printed at the end: a device that replied several times is listed once,
+with a count. Ctrl-C ends the sweep and prints what was found. Types have one of
+these prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub
+(computers). --save saves the replies, and the devices found in them, as JSON;
+--append adds them to the answers of other sweeps in the file, and merges
+devices by their endpoints and addresses.
 
 Examples:
   vndiscover wsd
@@ -46,7 +46,7 @@ std::string_view ReplyText(const char* reply) {
     return {reply, strnlen(reply, VN_SOAP_REPLY_SIZE)};
 }
 
-// A reply as it came, but for control characters, which XML does not allow anyway.
+// The reply as received, without control characters, which XML does not allow anyway.
 void PrintRaw(const char* address, std::string_view reply) {
     Print("== " + PlainText(address) + ", " + std::to_string(reply.size()) + " bytes\n" +
           PlainText(reply, Breaks::kKeep) + "\n");
@@ -94,11 +94,10 @@ void AddWsdCommand(CLI::App& app, int& exitCode) {
         ->add_option("-t,--types", options->types, "What to look for, \"\" for all [wsdp:Device]")
         ->type_name("TYPES");
     command
-        ->add_option("--timeout", options->timeoutMs,
-                     "Silence that ends a phase; 2999 waits 2 s [3000]")
+        ->add_option("--timeout", options->timeoutMs, "Time without a reply; 2999 waits 2 s [3000]")
         ->type_name("MS")
         ->check(CLI::Range(1000u, 30000u).description(""));
-    CLI::Option* raw = command->add_flag("--raw", options->isRaw, "Print the replies as they came");
+    CLI::Option* raw = command->add_flag("--raw", options->isRaw, "Print the replies as received");
     AddFormat<WsdFormat>(*command, options->format,
                          {{"table", WsdFormat::kTable}, {"json", WsdFormat::kJson}})
         ->excludes(raw);

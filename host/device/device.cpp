@@ -12,7 +12,7 @@ namespace {
 
 constexpr uint32_t kUnusedTimeoutMs = 2000;
 constexpr uint32_t kUnusedRetries = 5;
-// Stays where no answer came: a readable answer has its type, and one that is not has 0.
+// Remains if no answer came: a readable answer has its type, and an unreadable one has 0.
 constexpr uint32_t kNotSet = UINT32_MAX;
 constexpr char kTooLongForV1[] = "perhaps it is too long for SNMPv1; SNMPv3 may read it";
 
@@ -41,8 +41,8 @@ Answer Device::Get(const Oid& oid) const {
     return AnsweredWith(oid, type, Bytes(value, static_cast<size_t>(length)));
 }
 
-// A get over SNMPv3 delivers text alone, up to its first zero byte. A get-next request for what
-// precedes the OID brings values of all types, whole, and a refusal with its reason.
+// A get over SNMPv3 delivers only text, up to its first zero byte. A get-next request for the OID
+// just before it delivers whole values of all types, and the reason of a refusal.
 Answer Device::GetV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
@@ -60,7 +60,7 @@ Answer Device::GetV3(const Oid& oid) const {
     Answer answer = GetNextV3(JustBefore(oid));
     const bool isAnswered = answer.status == Status::kAnswered;
     if (isAnswered && answer.oid == oid) return answer;
-    // Nothing that follows what precedes it: the text has to do, perhaps cut.
+    // The get-next request did not return it: use the text, which may be cut.
     if (type == kOctetString && reportLength > 0) return AnsweredWith(oid, type, text);
     return Failed(isAnswered ? Status::kUnreadable : answer.status, oid, answer.note);
 }
@@ -73,7 +73,7 @@ Answer Device::GetNext(const Oid& oid) const {
                               kUnusedRetries, readCommunity_.c_str(), nullptr);
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (record.oidLength != 0) return FromRecord(record, oid);
-    // The module fills the address of every answer, even of one whose variable it could not read.
+    // The module fills in the address for every answer, even if it could not read the variable.
     return record.address[0] ? Failed(Status::kUnreadable, oid, kTooLongForV1)
                              : Failed(Status::kNoAnswer, oid);
 }
@@ -97,7 +97,8 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     uint8_t buffer[VN_REQUEST_VALUE_SIZE] = {};
     const auto size = static_cast<int32_t>(value.bytes.size());
     std::copy(value.bytes.begin(), value.bytes.end(), buffer);
-    // Only the low byte goes out. The bit above it tells an answer of the same type from no answer.
+    // Only the low byte is sent. The bit above it distinguishes an answer of the same type from
+    // none.
     uint32_t type = value.type | 0x100;
     const int32_t length =
         SetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), buffer, size, &type,
@@ -105,7 +106,7 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
     if (type == 0) return Failed(Status::kUnreadable, oid);
-    if (length > size)  // what does not fit was not copied
+    if (length > size)  // the value did not fit and was not copied
         return Failed(Status::kUnreadable, oid, "its value is longer than the one sent");
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
 }

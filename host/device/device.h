@@ -1,4 +1,4 @@
-// One device, asked through the exports for directed requests.
+// One device, accessed through the exports for directed requests.
 #ifndef VNDISCOVER_HOST_DEVICE_DEVICE_H
 #define VNDISCOVER_HOST_DEVICE_DEVICE_H
 
@@ -12,26 +12,27 @@
 
 namespace vndiscover::host {
 
-// Each call blocks until the answer is there, 10 s at most with SNMPv1 and 12 s with SNMPv3. Any
-// thread may ask, one request at a time in a process.
+// Each call blocks until an answer comes, at most 10 s with SNMPv1 and 12 s with SNMPv3. May be
+// used on any thread, with one request at a time in a process.
 class Device {
   public:
-    // All text in the ANSI code page, as the exports take it. Empty communities: the module's own.
+    // Text is in the ANSI code page, as for the exports. Empty communities mean the module's
+    // default.
     Device(std::string host, std::string readCommunity, std::string writeCommunity)
         : host_(std::move(host)),
           readCommunity_(std::move(readCommunity)),
           writeCommunity_(std::move(writeCommunity)) {}
-    // From here on Get and GetNext use SNMPv3.
+    // From now on Get and GetNext use SNMPv3.
     void Use(Security security) { security_.emplace(std::move(security)); }
-    // From here on another device is asked.
+    // Changes to another device.
     void SetHost(std::string host) { host_ = std::move(host); }
     bool IsV3() const { return security_.has_value(); }
 
     Answer Get(const Oid& oid) const;
     Answer GetNext(const Oid& oid) const;
-    // The answer to a set request; a refusal looks the same. SNMPv1 only.
+    // A refusal cannot be distinguished from success. SNMPv1 only.
     Answer Set(const Oid& oid, const SetValue& value) const;
-    // The device information text; nothing: no answer or none of type OCTET STRING. SNMPv1 only.
+    // The device information text; empty without an answer of type OCTET STRING. SNMPv1 only.
     std::optional<std::string> Information() const;
 
   private:
@@ -42,7 +43,7 @@ class Device {
     std::optional<Security> security_;
 };
 
-// For the readers of the model; the device must outlive it.
+// For ReadPrinter and the like; the device must outlive it.
 Asker AskerOf(const Device& device);
 
 }  // namespace vndiscover::host

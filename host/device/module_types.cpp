@@ -1,4 +1,4 @@
-// The portable rooms' copy of the public header's types and sizes is the header's.
+// Checks the portable copy of the public header's types and sizes.
 #include "values/module_types.h"
 
 #include <vndiscover.h>

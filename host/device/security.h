@@ -8,7 +8,7 @@
 
 namespace vndiscover::host {
 
-// A password: wiped when its owner ends.
+// A password, wiped on destruction.
 class Secret {
   public:
     Secret() = default;

@@ -24,7 +24,7 @@ constexpr Spelling kPrivSpellings[] = {
     {"des", "DES"},    {"cbcdes", "DES"},    {"descbc", "DES"},       {"aes", "AES"},
     {"aes128", "AES"}, {"cfb128aes", "AES"}, {"cfb128aes128", "AES"}, {"aes128cfb", "AES"}};
 
-// Letters in lower case and digits; everything else is punctuation that varies.
+// Keeps lower-cased letters and digits; everything else is punctuation that varies.
 std::string Folded(std::string_view text) {
     std::string folded;
     for (const char letter : text) {

@@ -1,4 +1,4 @@
-// The module's labels for SNMPv3 protocols, and how else people write them.
+// The module's labels for SNMPv3 protocols, and other spellings of them.
 #ifndef VNDISCOVER_HOST_DEVICE_SECURITY_LABELS_H
 #define VNDISCOVER_HOST_DEVICE_SECURITY_LABELS_H
 
@@ -8,8 +8,9 @@
 
 namespace vndiscover::host {
 
-// "sha256", "SHA-256", "sha2-256", "SHA-2(256)" all give "SHA-2(256)". Empty: no such protocol. The
-// module itself would take an unknown label for "no authentication" and send unprotected requests.
+// "sha256", "SHA-256", "sha2-256", "SHA-2(256)" all give "SHA-2(256)". Empty if there is no such
+// protocol: the module would take an unknown label for "no authentication" and send unprotected
+// requests.
 std::optional<std::string> AuthLabel(std::string_view text);
 
 // "des", "aes", "aes128", "AES-128" ...

@@ -30,8 +30,8 @@ std::string Problem(const Answer& answer) {
         case Status::kRefused:
             return "refused: " + answer.note;
         case Status::kOnlyDiscovered:
-            return "no answer that can be read, though the device told its engine ID: a wrong "
-                   "privacy password, or a value of more than 126 bytes";
+            return "no readable answer, though the device gave its engine ID: wrong privacy "
+                   "password, or a value of more than 126 bytes";
         case Status::kNoAnswer:
             break;
     }

@@ -1,4 +1,4 @@
-// What a device answered to one question, or why there is no answer.
+// A device's answer to one request, or why there is none.
 #ifndef VNDISCOVER_HOST_MODEL_ANSWER_H
 #define VNDISCOVER_HOST_MODEL_ANSWER_H
 
@@ -12,21 +12,21 @@
 namespace vndiscover::host {
 
 enum class Status {
-    kAnswered,  // type and bytes are the answer's; IsNoValue(type): the device has no such variable
+    kAnswered,  // with type and bytes; if IsNoValue(type), the device has no such variable
     kNoAnswer,
     kSendFailed,
-    kUnreadable,      // an answer came that holds no variable
-    kOnlyDiscovered,  // SNMPv3: the device told its engine ID, but no answer came that can be read
-    kRefused,         // an SNMPv3 report: note says why
+    kUnreadable,      // an answer came, but without a variable
+    kOnlyDiscovered,  // SNMPv3: the device gave its engine ID, but no readable answer came
+    kRefused,         // by an SNMPv3 report; note says why
 };
 
 struct Answer {
     Status status = Status::kNoAnswer;
-    Oid oid;  // the answer's, or else the one asked for
+    Oid oid;  // of the answer, or of the request if there is none
     uint32_t type = 0;
     std::string bytes;
     size_t wholeSize =
-        0;             // of the value at the device; more than bytes.size(): the rest did not come
+        0;             // of the value at the device; if more than bytes.size(), the rest is missing
     std::string note;  // details of a problem, may be empty
 };
 

@@ -22,7 +22,7 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
     const auto compare = [&](const char* field, const std::string& old, const std::string& now) {
         if (!old.empty() && !now.empty() && old != now) changes.push_back({field, old, now});
     };
-    // Each family by itself: a sweep asks over one of them.
+    // Each family separately, since a sweep uses only one of them.
     for (const bool isIPv6 : {false, true})
         compare("address", Addresses(before, isIPv6), Addresses(after, isIPv6));
     compare("name", before.name, after.name);
@@ -36,7 +36,7 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
     return changes;
 }
 
-// Finds for each later device the earlier one that it was.
+// Finds the earlier device for each later one.
 class Matcher {
   public:
     Matcher(const std::vector<FoundDevice>& before, const std::vector<FoundDevice>& after)
@@ -84,7 +84,7 @@ class Matcher {
         }
     }
 
-    // A device is taken out of `known` once it has a match.
+    // Removes a device from `known` once it has a match.
     std::optional<size_t> Find(std::multimap<std::string, size_t>& known, const std::string& value,
                                const Identity& identity, MergeKey key) const {
         auto [at, end] = known.equal_range(value);
@@ -92,7 +92,7 @@ class Matcher {
         while (at != end && claims < kMaxClaims) {
             if (isTaken_[at->second]) {
                 at = known.erase(at);
-            } else if (before_[at->second].identity.IsToldApart(identity, key)) {
+            } else if (before_[at->second].identity.DiffersByStrongerKey(identity, key)) {
                 ++at;
                 ++claims;
             } else {

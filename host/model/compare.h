@@ -1,4 +1,4 @@
-// What has changed between two scans.
+// The differences between two scans.
 #ifndef VNDISCOVER_HOST_MODEL_COMPARE_H
 #define VNDISCOVER_HOST_MODEL_COMPARE_H
 
@@ -16,7 +16,7 @@ struct FieldChange {
 
 struct DeviceChange {
     size_t before, after;  // indexes in the two lists
-    MergeKey key;          // by what they are the same device
+    MergeKey key;          // that identifies them as the same device
     std::vector<FieldChange> fields;
 };
 
@@ -27,8 +27,8 @@ struct Comparison {
     bool IsEqual() const { return added.empty() && gone.empty() && changed.empty(); }
 };
 
-// Devices are the same by the rules of MakeDevices. What only one of the scans knows has not
-// changed: it may not have been asked for.
+// Devices are matched by the rules of MakeDevices. A field that only one of the scans has does not
+// count as changed: it may not have been requested.
 Comparison CompareDevices(const std::vector<FoundDevice>& before,
                           const std::vector<FoundDevice>& after);
 

@@ -9,7 +9,7 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr unsigned kSilenceSeconds = 2;  // that end the wait for answers to one request
+constexpr unsigned kSilenceSeconds = 2;  // without an answer, after which a sweep goes on
 constexpr size_t kMaxIPv6Addresses = 32;
 constexpr char kBroadcast[] = "255.255.255.255";
 constexpr char kMulticast[] = "239.255.255.250";  // of WS-Discovery
@@ -25,7 +25,7 @@ struct KindWord {
     const char* word;
     const char* kind;
 };
-// VPN clients and hypervisors call their adapters Ethernet, so the words come before the type.
+// VPN clients and hypervisors report their adapters as Ethernet, so names are checked before types.
 constexpr KindWord kKindWords[] = {
     {"vpn", "VPN"},         {"tap-windows", "VPN"},    {"wintun", "VPN"},
     {"wireguard", "VPN"},   {"anyconnect", "VPN"},     {"wan miniport", "VPN"},
@@ -93,7 +93,7 @@ SweepPlan PlanIPv4(const AdapterList& list) {
     return plan;
 }
 
-// Of adapters that are up alone, and no more than the module has room for.
+// Only of adapters that are up, and no more than the module has room for.
 SweepPlan PlanIPv6(const AdapterList& list) {
     SweepPlan plan;
     plan.adapters = list.adapters;
@@ -106,10 +106,10 @@ SweepPlan PlanIPv6(const AdapterList& list) {
 }
 
 std::string IPv4Cause(const AdapterList& list, const SweepPlan& plan) {
-    if (!list.isRead) return "the system gives no list of adapters: no sweep is sent";
+    if (!list.isRead) return "the system provides no list of adapters: no sweep is sent";
     if (!list.fits) {
-        return "the list of " + std::to_string(list.adapters) +
-               " adapters does not fit where there is room for 32: no IPv4 sweep is sent";
+        return "there are " + std::to_string(list.adapters) +
+               " adapters, but room for 32 only: no IPv4 sweep is sent";
     }
     if (plan.rows.empty()) return "no adapter has an IPv4 address: no IPv4 sweep is sent";
     if (std::all_of(plan.rows.begin(), plan.rows.end(), IsIdle))
@@ -123,7 +123,7 @@ std::string DetourNote(const SweepPlan& plan) {
     });
     if (count == 0) return "";
     return std::to_string(count) + " of the " + std::to_string(plan.rows.size()) +
-           " IPv4 addresses (VPN, virtual, down, no address) may lead to no device and cost " +
+           " IPv4 addresses (VPN, virtual, down, no address) may reach no device, but take " +
            std::to_string(count * kSilenceSeconds) + " s";
 }
 
@@ -148,7 +148,7 @@ void AddIf(std::vector<std::string>& sentences, const std::string& sentence) {
     if (!sentence.empty()) sentences.push_back(sentence);
 }
 
-// The four bytes of a dotted address, or nothing.
+// The four bytes of a dotted address; empty if it is not one.
 std::string IPv4Bytes(const std::string& text) {
     std::string problem;
     const auto value = ParseSetValue("ipaddress", text, problem);
@@ -170,9 +170,9 @@ ComputerReport ReportOn(const Computer& computer) {
     AddIf(report.notes, DetourNote(report.ipv4));
     report.routes = {computer.RouteTo(kBroadcast), computer.RouteTo(kMulticast)};
     if (report.routes[0].source.empty())
-        report.causes.push_back("no route for the broadcast: requests may not leave");
+        report.causes.push_back("no route for the broadcast: requests may not be sent");
     if (report.routes[1].source.empty())
-        report.causes.push_back("no route for the multicast: WS-Discovery probes may not leave");
+        report.causes.push_back("no route for the multicast: WS-Discovery Probes may not be sent");
     report.firewall = JudgeFirewall(computer.Firewall(), computer.ProgramPath());
     AddFirewall(report);
     report.log = computer.Log();
@@ -187,8 +187,8 @@ std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& h
                        [&](const AdapterAddress& row) {
                            const std::string address = IPv4Bytes(row.address);
                            const std::string mask = IPv4Bytes(row.mask);
-                           // An adapter without an address has the mask 0.0.0.0, which would cover
-                           // everything.
+                           // The mask 0.0.0.0 of an adapter without an address would match any
+                           // host.
                            if (address.empty() || mask.empty() || row.address == "0.0.0.0")
                                return false;
                            for (size_t i = 0; i < mask.size(); ++i) {

@@ -1,4 +1,4 @@
-// What on this computer decides which devices a sweep can find.
+// A report on what decides which devices a sweep of this computer can find.
 #ifndef VNDISCOVER_HOST_MODEL_COMPUTER_REPORT_H
 #define VNDISCOVER_HOST_MODEL_COMPUTER_REPORT_H
 
@@ -14,30 +14,31 @@ namespace vndiscover::host {
 struct SweepRow {
     std::string address, adapter, description;
     std::string kind;      // "Ethernet", "wireless", "VPN", "virtual" ...
-    std::string state;     // "up", "down", "no address", "automatic address", "" for not known
-    unsigned seconds = 0;  // that a sweep waits there at least; 0: it does not send from there
+    std::string state;     // "up", "down", "no address", "automatic address"; "": unknown
+    unsigned seconds = 0;  // that a sweep waits there at least; 0: nothing is sent from there
 };
 
 // Of one protocol family.
 struct SweepPlan {
     size_t adapters = 0;
     std::vector<SweepRow> rows;  // in the sweep's order
-    unsigned seconds = 0;        // of the whole sweep at least
+    unsigned seconds = 0;        // that the whole sweep takes at least
 };
 
 struct ComputerReport {
     SweepPlan ipv4, ipv6;
-    std::vector<Route> routes;  // of the broadcast, and of the WS-Discovery multicast
+    std::vector<Route> routes;  // for the broadcast, and for the WS-Discovery multicast
     FirewallReport firewall;
     LogSwitches log;
-    // Sentences. A cause alone can keep an IPv4 sweep, or WS-Discovery, from finding anything.
+    // Sentences. Each cause by itself can keep an IPv4 sweep, or WS-Discovery, from finding
+    // devices.
     std::vector<std::string> causes, notes;
 };
 
 // Sends nothing.
 ComputerReport ReportOn(const Computer& computer);
 
-// Whether broadcasts of this computer get to `host`; empty: it is no IPv4 address in dotted form.
+// Whether broadcasts of this computer reach `host`; empty if that is not a dotted IPv4 address.
 std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host);
 
 }  // namespace vndiscover::host

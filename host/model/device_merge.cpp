@@ -8,10 +8,10 @@
 namespace vndiscover::host {
 namespace {
 
-// What one sweep heard from one address.
+// The answers that one sweep received from one address.
 struct Contact {
     FoundDevice device;
-    size_t parent;              // itself: the first of a group, which holds the group's fields
+    size_t parent;              // itself if it is the first of a group and holds the group's fields
     Identity group;             // of all contacts of the group
     std::vector<size_t> apart;  // contacts that no contact of the group may be merged with
 };
@@ -20,7 +20,7 @@ using Descriptions = std::map<std::vector<size_t>, FoundDevice>;
 
 class Merger {
   public:
-    // Moves what it needs of `described` to the descriptions of its own.
+    // Moves the descriptions that it needs from `described` to its own.
     Merger(const Scan& scan, Descriptions& described) : scan_(scan), former_(described) {
         MakeContacts();
         for (const auto& [one, other] : scan.splits) {
@@ -86,13 +86,14 @@ class Merger {
         }
     }
 
-    // True: they are one device now, or were before.
+    // True if they are now, or already were, one device.
     bool Unite(size_t one, size_t other, MergeKey key, const std::string& value) {
         const auto [first, second] = std::minmax({First(one), First(other)});
         if (first == second) return true;
         Contact& kept = contacts_[first];
         Contact& joined = contacts_[second];
-        if (kept.group.IsToldApart(joined.group, key) || AreSplit(first, second)) return false;
+        if (kept.group.DiffersByStrongerKey(joined.group, key) || AreSplit(first, second))
+            return false;
         kept.device.merges.push_back({key, value, contacts_[one].device.answers.front(),
                                       contacts_[other].device.answers.front()});
         auto& merges = joined.device.merges;
@@ -120,7 +121,7 @@ class Merger {
             if (members[first].size() > 1) {
                 std::vector<Merge> merges = std::move(device.merges);
                 device = Describe(AnswersOf(members[first]));
-                // What a device once was known by stays its own: later answers may name another.
+                // Keeps all identities of the device, even if later answers replaced some of them.
                 device.identity = std::move(contacts_[first].group);
                 device.merges = std::move(merges);
             }

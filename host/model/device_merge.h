@@ -10,14 +10,14 @@
 
 namespace vndiscover::host {
 
-// What one sweep heard from one address is one device. Those are merged by serial number, then by
-// MAC address, by WS-Discovery endpoint and by address, unless a stronger key tells them apart (see
-// Identity) or a person did (Scan::splits). The same scan always gives the same devices, in the
-// order of their first answers.
+// All answers that one sweep received from one address are of one device. Devices are then merged
+// by serial number, MAC address, WS-Discovery endpoint and address, in this order, unless a
+// stronger key distinguishes them (see Identity) or a person did (Scan::splits). The same scan
+// always gives the same devices, in the order of their first answers.
 std::vector<FoundDevice> MakeDevices(const Scan& scan);
 
-// The same for one scan that grows: only devices with new answers are described anew, so it may be
-// called several times a second.
+// The same for a scan that grows: only devices with new answers are described again, so it may be
+// called several times per second.
 class DeviceMaker {
   public:
     std::vector<FoundDevice> Make(const Scan& scan);

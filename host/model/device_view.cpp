@@ -121,7 +121,7 @@ std::string ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers) {
     return Joined(names);
 }
 
-// Errors say more than the state: a printer with an open door may still be "idle".
+// Errors come before the state: a printer with an open door may still be "idle".
 std::string StateOf(const PrinterFacts& facts) {
     std::vector<std::string> words;
     for (const std::string& error : facts.errors) words.push_back(SpacedWords(error));
@@ -244,7 +244,7 @@ void DeviceView::Filter(const std::string& text) {
 
 bool DeviceView::Passes(const DeviceRow& row) const {
     if (words_.empty()) return true;
-    std::string all;  // a word is looked for within one column: no word holds a line break
+    std::string all;  // one column per line: words contain no line break, so they match within one
     for (const std::string& text : row.texts) all += text + "\n";
     all = Lower(std::move(all));
     return std::all_of(words_.begin(), words_.end(), [&](const std::string& word) {
@@ -252,8 +252,7 @@ bool DeviceView::Passes(const DeviceRow& row) const {
     });
 }
 
-// What is not known comes last in either direction; rows that compare equal keep the order of their
-// arrival.
+// Unknown values come last in either direction; equal rows keep their order of arrival.
 bool DeviceView::IsBefore(size_t one, size_t other) const {
     const DeviceRow& left = rows_[one];
     const DeviceRow& right = rows_[other];

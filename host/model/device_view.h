@@ -1,5 +1,5 @@
-// Devices as rows of a table: what each column shows, in which order, and which row is selected.
-// It knows no window; the table may be a list on the screen, a file or the clipboard.
+// Devices as rows of a table: what each column shows, the order, and the selected row. It is
+// independent of any window; the table may be a list on the screen, a file or the clipboard.
 #ifndef VNDISCOVER_HOST_MODEL_DEVICE_VIEW_H
 #define VNDISCOVER_HOST_MODEL_DEVICE_VIEW_H
 
@@ -23,31 +23,31 @@ enum class Column {
     kSerial,
     kMac,
     kState,
-    kSupplies,   // the lowest one, "40 %"
-    kProtocols,  // that it answered over
+    kSupplies,   // the lowest level, "40 %"
+    kProtocols,  // by which it answered
     kNetwork,    // of this computer, "10.77.1.0/24"
     kLastSeen,   // UTC, as in ScanAnswer
 };
 constexpr size_t kColumnCount = 10;
 
-// All text is plain; empty: not known.
+// All text is plain; empty: unknown.
 struct DeviceRow {
     std::vector<size_t> answers;  // as in FoundDevice
     std::array<std::string, kColumnCount> texts;
-    std::string addressOrder;  // compares as the address's number does
+    std::string addressOrder;  // see AddressOrder
     std::optional<int> lowestSupply;
 
     const std::string& Text(Column column) const { return texts[static_cast<size_t>(column)]; }
     std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
 };
 
-// Bytes that compare as addresses do as numbers; IPv4 before IPv6 before names.
+// Bytes that sort addresses by their numbers, and IPv4 before IPv6 before names.
 std::string AddressOrder(const std::string& address);
 
-// The variables of a device that were asked for after a sweep.
+// The variables of a device that were requested after a sweep.
 PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers);
 
-// Makes rows anew whenever answers have come; those of devices without a new answer are kept.
+// Makes the rows after each batch of answers, and reuses those of devices without a new answer.
 class RowMaker {
   public:
     // Rows in the order of the devices.
@@ -58,25 +58,25 @@ class RowMaker {
     std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
 };
 
-// The rows that a filter leaves, sorted. The selection stays with its device while rows come, go
-// and move, and while the filter hides it.
+// The rows that pass a filter, sorted. The selection stays with its device while rows are added,
+// removed, sorted or hidden by the filter.
 class DeviceView {
   public:
     void SetRows(std::vector<DeviceRow> rows);
     void Sort(Column column, bool isDescending);
     Column SortColumn() const { return column_; }
     bool IsDescending() const { return isDescending_; }
-    // Rows that hold every word of the text, in any letter case (of ASCII letters).
+    // Shows rows that contain every word of the text, ignoring the case of ASCII letters.
     void Filter(const std::string& text);
 
     size_t Count() const { return shown_.size(); }
     size_t Total() const { return rows_.size(); }
     const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
 
-    // A row of those shown; empty: none.
+    // Selects one of the shown rows, or none.
     void Select(std::optional<size_t> index);
     std::optional<size_t> Selected() const;
-    // The selected device, shown or hidden; null: none.
+    // The selected device, shown or hidden; null if there is none.
     const DeviceRow* SelectedRow() const;
 
   private:
@@ -92,8 +92,8 @@ class DeviceView {
     std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
 };
 
-// The shown rows as a CSV document: UTF-8 with its mark, CR LF, a heading first. A cell that a
-// spreadsheet would run as a formula gets an apostrophe in front.
+// The shown rows as a CSV document: UTF-8 with a byte order mark, CR LF, and a heading. A cell that
+// a spreadsheet would run as a formula starts with an apostrophe.
 std::string CsvOf(const DeviceView& view, const std::array<std::string, kColumnCount>& headings);
 
 }  // namespace vndiscover::host

@@ -15,7 +15,7 @@ const char* NameOf(uint32_t profileBit) {
     return profileBit == kDomain ? "domain" : profileBit == kPrivate ? "private" : "public";
 }
 
-// "*", "161", "161,3702", "100-200": what a rule has for its ports. Words such as "RPC" cover none.
+// Ports as in a rule: "*", "161", "161,3702", "100-200". Words such as "RPC" cover no port.
 bool CoversPort(std::string_view ports, unsigned port) {
     if (ports.empty() || ports == "*") return true;
     while (!ports.empty()) {
@@ -40,14 +40,14 @@ const FirewallRule* FindRule(const FirewallState& state, uint32_t profileBit, un
     return found == state.rules.end() ? nullptr : &*found;
 }
 
-// In the firewall's own order: a rule that blocks outweighs one that allows.
+// As the firewall decides: a rule that blocks takes precedence over one that allows.
 PortVerdict Judge(const FirewallState& state, const FirewallProfile& profile, unsigned port) {
     const auto verdict = [&](Passage passage, std::string reason) {
         return PortVerdict{NameOf(profile.bit), port, passage, std::move(reason)};
     };
     if (!profile.isOn) return verdict(Passage::kOpen, "the firewall is off");
     if (profile.blocksAll)
-        return verdict(Passage::kClosed, "all that comes in is blocked, whatever the rules say");
+        return verdict(Passage::kClosed, "all incoming traffic is blocked, whatever the rules say");
     if (const FirewallRule* rule = FindRule(state, profile.bit, port, false))
         return verdict(Passage::kClosed, "blocked by the rule \"" + PlainText(rule->name) + "\"");
     if (const FirewallRule* rule = FindRule(state, profile.bit, port, true))
@@ -55,7 +55,7 @@ PortVerdict Judge(const FirewallState& state, const FirewallProfile& profile, un
     if (profile.allowsInbound) return verdict(Passage::kOpen, "let in by default");
     if (profile.allowsAnswersToBroadcasts)
         return verdict(Passage::kBrief,
-                       "no rule lets them in but for a few seconds after a broadcast");
+                       "no rule lets them in, except for a few seconds after a broadcast");
     return verdict(Passage::kClosed, "no rule lets them in");
 }
 
@@ -71,7 +71,7 @@ class Commands {
             AddOnce("netsh advfirewall set " + name +
                     "profile firewallpolicy blockinbound,allowoutbound");
         } else if (const auto* rule = FindRule(state_, profile.bit, verdict.port, false)) {
-            // One for every program is its administrator's wish, and may protect others.
+            // A rule for all programs is the administrator's choice and may protect others.
             if (!rule->isForThisProgram) return;
             AddOnce("netsh advfirewall firewall delete rule name=all dir=in program=\"" + path_ +
                     "\"");

@@ -11,7 +11,7 @@ namespace vndiscover::host {
 
 enum class Passage {
     kOpen,
-    kBrief,  // answers to a broadcast, for some seconds
+    kBrief,  // answers to a broadcast, for a few seconds
     kClosed,
 };
 
@@ -25,8 +25,7 @@ struct PortVerdict {
 struct FirewallReport {
     bool isKnown = false;
     std::vector<PortVerdict> ports;  // of each active profile
-    // What an administrator runs to let answers in; empty: they come in, or no command of ours can
-    // help.
+    // For an administrator, to let answers in; empty if they are let in, or if no command can help.
     std::vector<std::string> commands;
 };
 

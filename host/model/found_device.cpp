@@ -19,8 +19,8 @@ const Oid& DefaultDiscoveryOid() {
     return oid;
 }
 
-// Sweeps deliver values as text without their types, up to a zero byte: only those of objects that
-// are texts can be taken for what they are.
+// Sweeps deliver values as text without a type, up to a zero byte, so only the values of text
+// objects can be used.
 bool IsTextObject(const Oid& oid) {
     constexpr const char* kTexts[] = {"sysDescr",
                                       "sysName",
@@ -57,10 +57,10 @@ class Collector {
 
     FoundDevice Describe() {
         PrinterFacts facts = FactsOf(variables_);
-        // The model falls back on the description, which says less than the discovery OID's text.
+        // The model falls back to the description, which says less than the discovery OID's text.
         const std::string discovered = TextWithin(DefaultDiscoveryOid());
         if (facts.model == facts.description && !discovered.empty()) facts.model = discovered;
-        if (facts.serialNumber.empty())  // no printer is listed, or it was not asked for
+        if (facts.serialNumber.empty())  // no printer is listed, or it was not requested
             facts.serialNumber = TextWithin(OidOf("prtGeneralSerialNumber"));
         identity_.Add(MergeKey::kSerial, facts.serialNumber);
         if (facts.macAddress != "FF:FF:FF:FF:FF:FF")
@@ -78,7 +78,7 @@ class Collector {
     void TakeText(const Oid& oid, const std::string& text) {
         if (text.empty() || !IsTextObject(oid)) return;
         Answer& known = variables_.values[oid];
-        // The text may be cut, at a zero byte: what was read whole then stays.
+        // The text may have been cut at a zero byte; a value that was read whole is kept.
         const bool isWhole = known.bytes.compare(0, text.size(), text) == 0;
         if (!isWhole) known = {Status::kAnswered, oid, kOctetString, text, text.size(), ""};
     }

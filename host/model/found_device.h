@@ -1,4 +1,4 @@
-// What the answers of one device say of it.
+// What the answers of one device say about it.
 #ifndef VNDISCOVER_HOST_MODEL_FOUND_DEVICE_H
 #define VNDISCOVER_HOST_MODEL_FOUND_DEVICE_H
 
@@ -12,24 +12,24 @@
 
 namespace vndiscover::host {
 
-// Why two answers are of the same device. To undo it, add the pair to Scan::splits.
+// Why two answers were merged into one device. To undo it, add the pair to Scan::splits.
 struct Merge {
     MergeKey key;
-    std::string value;  // the common one
+    std::string value;  // of the key, common to both
     size_t first, second;
 };
 
-// Text is plain (see plain_text.h); empty: not known.
+// Text is plain (see plain_text.h); empty: unknown.
 struct FoundDevice {
-    std::vector<size_t> answers;  // indexes in Scan::answers, rising: the first one names the row
+    std::vector<size_t> answers;  // indexes in Scan::answers, ascending; the first identifies it
     Identity identity;
     std::string name, model;
-    std::string firmware;  // the system description: where makers name the firmware
+    std::string firmware;  // the system description, where makers name the firmware
     std::vector<PageCount> pageCounts;
     std::vector<Merge> merges;
 };
 
-// Of the answers with these indexes, a later one before an earlier one.
+// Combines the answers with these indexes; later ones take precedence.
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
 
 // A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".

@@ -5,10 +5,10 @@
 namespace vndiscover::host {
 namespace {
 
-// What follows it, sysObjectID.0, is short enough for SNMPv1.
+// The variable that follows it, sysObjectID.0, is short enough for SNMPv1.
 const Oid kSysDescr = {1, 3, 6, 1, 2, 1, 1, 1, 0};
 
-// An answer without a value is one, and so is one that cannot be read: the device took the request.
+// An answer without a value, or one that cannot be read, counts: the device accepted the request.
 Rung RungOf(const Answer& answer) {
     switch (answer.status) {
         case Status::kAnswered:
@@ -20,7 +20,7 @@ Rung RungOf(const Answer& answer) {
             return {Outcome::kRefused, answer.note};
         case Status::kOnlyDiscovered:
             return {Outcome::kSilent,
-                    "a wrong privacy password, or a device that drops what it refuses"};
+                    "wrong privacy password, or the device drops requests that it refuses"};
         case Status::kNoAnswer:
             break;
     }
@@ -100,7 +100,7 @@ std::string VerdictOn(const HostLadder& ladder) {
     if (ladder.user.outcome == Outcome::kRefused)
         verdict += "; SNMPv3 refuses this user: " + ladder.user.detail;
     if (ladder.user.outcome == Outcome::kSilent)
-        verdict += "; SNMPv3 with this user gets no answer that can be read: " + ladder.user.detail;
+        verdict += "; SNMPv3 with this user gets no readable answer: " + ladder.user.detail;
     return verdict;
 }
 

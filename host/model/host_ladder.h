@@ -1,4 +1,4 @@
-// Why one device does not answer, found by asking in steps.
+// Finds out in steps why one device does not answer.
 #ifndef VNDISCOVER_HOST_MODEL_HOST_LADDER_H
 #define VNDISCOVER_HOST_MODEL_HOST_LADDER_H
 
@@ -26,27 +26,27 @@ struct HostLadder {
     Rung ping;
     Rung v1;         // with this community
     Rung discovery;  // of the SNMPv3 engine
-    Rung user;       // SNMPv3 with this user; not asked: none was given
+    Rung user;       // SNMPv3 with this user, if one was given
 };
 
-// How to ask; each call blocks until it knows.
+// The steps; each call blocks until it has a result.
 struct LadderSteps {
     std::function<bool()> ping;
     Asker v1, v3;
-    bool hasUser = false;  // false: v3 asks with an empty user, which shows the engine alone
+    bool hasUser = false;  // false: v3 uses an empty user name, which reaches the engine only
 };
 
-// One ping, one SNMPv1 and one SNMPv3 get-next request for sysDescr.0, and nothing else; an SNMPv3
-// request begins with engine discoveries.
+// Sends one ping, and one SNMPv1 and one SNMPv3 get-next request for sysDescr.0. An SNMPv3 request
+// begins with engine discoveries.
 HostLadder Climb(const LadderSteps& steps);
 
-// True when SNMP answers as it was asked: this user if there was one, else this community.
+// True if SNMP answers as requested: to the user if there was one, otherwise to the community.
 bool IsUsable(const HostLadder& ladder);
 
-// True when nothing could be sent over SNMP.
+// True if nothing could be sent over SNMP.
 bool IsUnsendable(const HostLadder& ladder);
 
-// One sentence without a full stop: what answers, what does not, and what that means.
+// One sentence without a full stop: what answers, what does not, and the likely cause.
 std::string VerdictOn(const HostLadder& ladder);
 
 }  // namespace vndiscover::host

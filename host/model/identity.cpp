@@ -35,7 +35,7 @@ void Identity::Add(const Identity& other) {
         values_[static_cast<size_t>(key)].insert(other.Of(key).begin(), other.Of(key).end());
 }
 
-bool Identity::IsToldApart(const Identity& other, MergeKey key) const {
+bool Identity::DiffersByStrongerKey(const Identity& other, MergeKey key) const {
     return std::any_of(kMergeKeys.begin(), kMergeKeys.end(), [&](MergeKey stronger) {
         return stronger < key && !Of(stronger).empty() && !other.Of(stronger).empty() &&
                !HaveCommonValue(Of(stronger), other.Of(stronger));

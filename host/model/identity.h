@@ -1,4 +1,4 @@
-// By what answers are known to come from the same device.
+// The keys that identify the device of an answer.
 #ifndef VNDISCOVER_HOST_MODEL_IDENTITY_H
 #define VNDISCOVER_HOST_MODEL_IDENTITY_H
 
@@ -10,12 +10,12 @@
 
 namespace vndiscover::host {
 
-// The strongest first.
+// In descending strength.
 enum class MergeKey { kSerial, kMac, kEndpoint, kAddress };
 constexpr std::array<MergeKey, 4> kMergeKeys = {MergeKey::kSerial, MergeKey::kMac,
                                                 MergeKey::kEndpoint, MergeKey::kAddress};
 
-// A value that this many devices claim, each told apart from the others, names none of them.
+// A value that this many otherwise distinct devices share identifies none of them.
 constexpr size_t kMaxClaims = 16;
 
 // "serial number", "MAC address", "WS-Discovery endpoint", "address".
@@ -23,17 +23,17 @@ const char* KeyName(MergeKey key);
 
 class Identity {
   public:
-    // A value that tells nothing is left out: an empty one, or a serial number of X, 0 and
-    // punctuation alone, as devices have that were never given one.
+    // Ignores values that identify nothing: an empty one, or a serial number of X, 0 and
+    // punctuation only, which is a placeholder.
     void Add(MergeKey key, const std::string& value);
     void Add(const Identity& other);
     const std::set<std::string>& Of(MergeKey key) const {
         return values_[static_cast<size_t>(key)];
     }
-    // Whether a key stronger than `key` is known of both, without a common value: then a common
-    // value of `key` does not make them one device. An address may have passed from one device to
+    // Whether both have a key stronger than `key`, but no common value of it. Then a common value
+    // of `key` does not make them one device: an address may have passed from one device to
     // another, and a print server has one MAC address for several printers.
-    bool IsToldApart(const Identity& other, MergeKey key) const;
+    bool DiffersByStrongerKey(const Identity& other, MergeKey key) const;
 
   private:
     std::array<std::set<std::string>, kMergeKeys.size()> values_;

@@ -19,15 +19,15 @@ std::optional<std::string> PrepareRequest(std::string_view text, std::string& pr
     const std::string_view request = WithoutByteOrderMark(text);
     const JsonItem parsed(cJSON_ParseWithLength(request.data(), request.size()));
     if (!cJSON_IsObject(parsed.get())) {
-        problem = "holds no JSON object";
+        problem = "does not hold a JSON object";
         return std::nullopt;
     }
     char* printed = cJSON_PrintUnformatted(parsed.get());
     std::string compact = printed ? printed : "";
     cJSON_free(printed);
     if (compact.size() < kJsonRequestSize) return compact;
-    problem = "is too long: " + std::to_string(compact.size()) + " bytes without blanks, at most " +
-              std::to_string(kJsonRequestSize - 1) + " can be sent";
+    problem = "is too long: " + std::to_string(compact.size()) + " bytes without blanks, but " +
+              std::to_string(kJsonRequestSize - 1) + " at most";
     return std::nullopt;
 }
 

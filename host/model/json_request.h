@@ -1,4 +1,4 @@
-// The JSON requests of a sweep, and the documents that devices' answers fill.
+// JSON requests of a sweep, and the documents filled in with the answers.
 #ifndef VNDISCOVER_HOST_MODEL_JSON_REQUEST_H
 #define VNDISCOVER_HOST_MODEL_JSON_REQUEST_H
 
@@ -12,11 +12,11 @@
 
 namespace vndiscover::host {
 
-// A JSON request as the module takes it: without blanks, for the size of a request is limited.
-// Empty, with `problem`: no JSON object, or 2,048 bytes and more.
+// A JSON request for the module, without blanks because its size is limited. Empty, with the reason
+// in `problem`, if the text is not a JSON object or has 2,048 bytes or more.
 std::optional<std::string> PrepareRequest(std::string_view text, std::string& problem);
 
-// A request that asks each device for one OID only.
+// A request for one OID only.
 std::string RequestFor(const std::string& oid);
 
 // The names and strings under "GET".

@@ -49,7 +49,7 @@ std::optional<int> PercentOf(const Level& level) {
     if (level.isPercent) return static_cast<int>(std::min<int64_t>(*level.level, 100));
     if (level.maximum.value_or(kUnknown) <= 0) return std::nullopt;
     const int64_t capped = std::min(*level.level, *level.maximum);
-    // Not in integers: a device may send numbers of 64 bits, which times 100 overflow.
+    // As floating point: a device may send 64-bit numbers, and times 100 they would overflow.
     return static_cast<int>(static_cast<double>(capped) * 100 /
                             static_cast<double>(*level.maximum));
 }

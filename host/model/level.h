@@ -11,12 +11,12 @@ namespace vndiscover::host {
 
 struct Level {
     std::optional<int64_t> level, maximum;  // as the device gave them; empty: not read
-    std::string unit;                       // "impressions"; empty: none or not known
+    std::string unit;                       // "impressions"; empty: none or unknown
     bool isPercent = false;                 // the level itself is the percentage
-    bool isReceptacle = false;              // the level is the room that is left in it
+    bool isReceptacle = false;              // the level is the remaining capacity
 };
 
-// 0 to 100, rounded down; empty where there is no telling. A level above its maximum is 100.
+// 0 to 100, rounded down; empty if unknown. A level above its maximum counts as 100.
 std::optional<int> PercentOf(const Level& level);
 
 // For a person: "40 % (400 of 1000 impressions)", "some left", "room left: 80 %".

@@ -70,7 +70,7 @@ class Facts {
         return word.empty() ? std::to_string(*number) : word;
     }
 
-    // What follows the column in the OIDs of its variables, below `prefix`.
+    // The instances of a column below `prefix`.
     std::vector<Oid> Instances(const char* object, const Oid& prefix = {}) const {
         const Oid& column = OidOf(object);
         Oid root = column;
@@ -84,7 +84,7 @@ class Facts {
         return instances;
     }
 
-    // The rows of the printer that any of the columns has: a column may be missing.
+    // The printer's rows that occur in any of the columns, since a column may be missing.
     std::vector<Oid> Rows(std::initializer_list<const char*> columns) const {
         std::vector<Oid> rows;
         for (const char* column : columns) {
@@ -103,7 +103,7 @@ class Facts {
                 facts_.deviceIndex = printer;
             }
         }
-        // Some devices have the tables of a printer but do not list it.
+        // Some devices have a printer's tables, but do not list it.
         for (const char* column : {"hrPrinterStatus", "prtGeneralCurrentLocalization",
                                    "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
             const std::vector<Oid> instances = Instances(column);
@@ -122,7 +122,7 @@ class Facts {
                 .value_or(0);
     }
 
-    // Of the device, whether a printer was found or not.
+    // Facts of the device, even if no printer was found.
     void TellSystem() {
         facts_.upTicks = Count("sysUpTime", {0});
         facts_.description = Text("sysDescr", {0});
@@ -142,7 +142,7 @@ class Facts {
         }
     }
 
-    // The first network interface that is up, else the first one.
+    // Of the first network interface that is up, otherwise of the first one.
     std::string MacAddress() const {
         std::string found;
         for (const Oid& instance : Instances("ifPhysAddress")) {
@@ -194,7 +194,7 @@ class Facts {
         return result;
     }
 
-    // "" for "other" and "unknown", which say nothing beside a number.
+    // "" for "other" and "unknown", which add nothing to a number.
     std::string UnitText(const char* object, const Oid& row) const {
         const int64_t unit = Number(object, row).value_or(0);
         return unit <= 2 ? "" : SpacedWords(Word(object, row));

@@ -12,8 +12,8 @@
 
 namespace vndiscover::host {
 
-// All text is plain (see plain_text.h), read in the device's character set; empty: not given. Words
-// are those of the objects, "idle", "markerTonerEmpty".
+// All text is plain (see plain_text.h), read in the device's character set; empty: not given.
+// States are the words of the objects, such as "idle" or "markerTonerEmpty".
 struct Supply {
     std::string description, colour, type;
     Level level;
@@ -28,13 +28,13 @@ struct PageCount {
 };
 struct Alert {
     std::string severity, group, code, description;
-    std::optional<uint64_t> upTicks;  // hundredths of a second after the device's start
+    std::optional<uint64_t> upTicks;  // hundredths of a second since the device started
 };
 
 struct PrinterFacts {
-    // Of the printer in the device's hrDeviceTable. Empty: the device has no printer.
+    // The printer's index in hrDeviceTable. Empty: the device has no printer.
     std::optional<uint32_t> deviceIndex;
-    std::vector<uint32_t> otherPrinters;  // of a device with several
+    std::vector<uint32_t> otherPrinters;  // indexes, if the device has several
     std::string model, serialNumber, name, location, description, macAddress;
     std::optional<uint64_t> upTicks;
     std::string deviceStatus, printerStatus;

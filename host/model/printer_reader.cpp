@@ -12,13 +12,13 @@
 namespace vndiscover::host {
 namespace {
 
-// A device decides how long its tables are; no printer has this many of anything.
+// Bounds tables, whose length the device decides; no printer has this many rows of anything.
 constexpr size_t kMaxRows = 256;
 
 enum class Way {
     kColumn,   // all rows
     kScalar,   // instance 0
-    kPrinter,  // the row of the first printer; all rows where none is listed
+    kPrinter,  // the row of the first printer; all rows if none is listed
 };
 struct Question {
     const char* object;
@@ -26,7 +26,7 @@ struct Question {
     Way way = Way::kColumn;
 };
 constexpr Question kQuestions[] = {
-    {"sysUpTime", "up since", Way::kScalar},  // first, for every agent has it and it is short
+    {"sysUpTime", "up since", Way::kScalar},  // first: every agent has it, and it is short
     {"sysDescr", "description", Way::kScalar},
     {"sysName", "name", Way::kScalar},
     {"sysLocation", "location", Way::kScalar},
@@ -64,7 +64,7 @@ constexpr Question kQuestions[] = {
     {"ifPhysAddress", "MAC address"},
     {"ifOperStatus", "MAC address"},
 };
-// By what a device is known again, and what of it is compared.
+// To identify a device, and to compare it between scans.
 constexpr Question kIdentityQuestions[] = {
     {"sysDescr", "description", Way::kScalar},
     {"sysName", "name", Way::kScalar},
@@ -77,7 +77,7 @@ constexpr Question kIdentityQuestions[] = {
     {"ifPhysAddress", "MAC address"},
     {"ifOperStatus", "MAC address"},
 };
-// Asked for only where the printer itself gives no serial number.
+// Only requested if the printer itself gives no serial number.
 constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
 
 const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
@@ -106,8 +106,8 @@ class Reader {
             return;
         }
         oid.push_back(question.way == Way::kScalar ? 0 : printers.front());
-        if (GoesOutWrong(oid)) {
-            Miss(question, true, "the printer's index is over 16383 and cannot be asked for");
+        if (IsMisencoded(oid)) {
+            Miss(question, true, "the printer's index is over 16383 and cannot be requested");
             return;
         }
         const Answer answer = Ask(JustBefore(oid));
@@ -135,8 +135,8 @@ class Reader {
             Miss(question, true, "more rows than can be read");
     }
 
-    // Past a row that could not be read: the first row after `asked` that another column of the
-    // table has. Short columns are read first.
+    // To skip a row that could not be read: the first row after `asked` in another column of the
+    // table. Short columns are read first.
     std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
         const Oid table(column.begin(), column.end() - 1);
         std::optional<Oid> first;
@@ -164,7 +164,7 @@ class Reader {
             return true;
         }
         Miss(question, true, wasStopped_ ? "stopped" : Problem(answer));
-        // An SNMPv3 answer that is too long looks like silence: only the second one is.
+        // An SNMPv3 answer that is too long looks like silence, so only a second one counts.
         const bool isOnlyThisOne =
             answer.status == Status::kUnreadable ||
             (answer.status == Status::kOnlyDiscovered && !isInDoubt_ && !answers_.values.empty());
@@ -196,7 +196,7 @@ class Reader {
     PrinterAnswers answers_;
     bool hasStopped_ = false;
     bool wasStopped_ = false;  // by the caller
-    bool isInDoubt_ = false;   // the last answer was one that may have been too long
+    bool isInDoubt_ = false;   // the last answer may have been too long
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Reads from one device what a report on a printer needs.
+// Reads the variables for a report on a printer from one device.
 #ifndef VNDISCOVER_HOST_MODEL_PRINTER_READER_H
 #define VNDISCOVER_HOST_MODEL_PRINTER_READER_H
 
@@ -11,36 +11,35 @@
 
 namespace vndiscover::host {
 
-// How to ask the device for the variable that follows an OID; the call blocks until it knows. See
-// AskerOf in device/device.h.
+// Asks the device for the variable that follows an OID; the call blocks until there is a result.
+// See AskerOf in device/device.h.
 struct Asker {
     std::function<Answer(const Oid&)> getNext;
     bool isV3 = false;
-    std::function<bool()> mayGoOn;  // asked before each request; empty: always
+    std::function<bool()> mayGoOn;  // called before each request; empty: always
 };
 
-// What is missing from a report, and why.
+// A part that is missing from a report, and why.
 struct Gap {
     std::string subject;  // "supplies"
-    std::string object;   // what was asked for when it failed, "prtInputName"; empty: not asked for
+    std::string object;   // whose request failed, "prtInputName"; empty: not requested
     std::string reason;
 };
 
 struct PrinterAnswers {
-    std::map<Oid, Answer> values;  // variables that came, by their OIDs
+    std::map<Oid, Answer> values;  // received, by OID
     std::vector<Gap> gaps;
-    Status lastStatus = Status::kAnswered;  // why the reading ended early; kAnswered: it did not
+    Status lastStatus = Status::kAnswered;  // otherwise why reading ended early
 };
 
 // The indexes of the printers in the device's hrDeviceTable.
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 
-// About 35 objects, one request for each variable and one for the end of each column of a table. A
-// device that falls silent or refuses is not asked any further; an answer that cannot be read costs
-// that row alone.
+// About 35 objects, with one request for each variable and one for the end of each column of a
+// table. Ends early if the device falls silent or refuses; an unreadable answer loses its row only.
 PrinterAnswers ReadPrinter(const Asker& asker);
 
-// Likewise, only what a device is known by and compared by: about 10 objects.
+// The same for the objects that identify a device or are compared between scans, about 10.
 PrinterAnswers ReadIdentity(const Asker& asker);
 
 }  // namespace vndiscover::host

@@ -14,20 +14,21 @@ struct Reason {
     Oid counter;  // below snmpModules
     const char* text;
 };
-// RFC 3414 (usmStats), RFC 3412 (snmpMPDStats), RFC 3413 (snmpUnavailableContexts and its sister).
+// RFC 3414 (usmStats), RFC 3412 (snmpMPDStats), RFC 3413 (snmpUnavailableContexts,
+// snmpUnknownContexts).
 const Reason kReasons[] = {
     {{15, 1, 1, 1, 0}, "the device does not support this security level"},
-    {{15, 1, 1, 2, 0}, "the device's clock and the request disagree"},
+    {{15, 1, 1, 2, 0}, "the request is outside the device's time window"},
     {{15, 1, 1, 3, 0}, "the device does not know this user"},
     {{15, 1, 1, 4, 0}, "the device does not know its own engine ID"},
     {{15, 1, 1, 5, 0}, "wrong authentication password or protocol"},
-    {{15, 1, 1, 6, 0}, "the device cannot decrypt: wrong privacy password or protocol"},
+    {{15, 1, 1, 6, 0}, "the device cannot decrypt it: wrong privacy password or protocol"},
     {{11, 2, 1, 1, 0}, "the device does not support the user-based security model"},
-    {{11, 2, 1, 2, 0}, "the device takes the message for invalid"},
+    {{11, 2, 1, 2, 0}, "the device considers the message invalid"},
     {{11, 2, 1, 3, 0},
-     "the device insists on a context engine ID, which requests here do not name"},
+     "the device requires a context engine ID, which these requests do not carry"},
     {{12, 1, 4, 0}, "the device's context is not available"},
-    {{12, 1, 5, 0}, "the device knows no context without a name"},
+    {{12, 1, 5, 0}, "the device does not know the default context"},
 };
 
 }  // namespace

@@ -1,5 +1,5 @@
-// Why a device refuses an SNMPv3 request: instead of an answer it sends a report, whose one
-// variable is the counter of that reason.
+// Why a device refuses an SNMPv3 request: instead of a response it sends a report, whose one
+// variable is the counter for that reason.
 #ifndef VNDISCOVER_HOST_MODEL_REFUSAL_H
 #define VNDISCOVER_HOST_MODEL_REFUSAL_H
 
@@ -9,8 +9,9 @@
 
 namespace vndiscover::host {
 
-// `asked`: the OID of the request; `answered`, `type`: of the answer's variable. Null: no report.
-// Whoever asks for these counters themselves, or for what precedes them, gets them as variables.
+// `asked` is the OID of the request, `answered` and `type` are of the answer's variable. Null if
+// the answer is not a report: these counters are ordinary variables if they were requested, or
+// follow what was.
 const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
 
 }  // namespace vndiscover::host

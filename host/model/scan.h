@@ -1,5 +1,5 @@
-// A scan: the answers of any number of sweeps, as they came. Nothing is ever taken out of it; what
-// it means is made of it anew, see device_merge.h.
+// A scan: the answers of any number of sweeps, as received. Nothing is ever removed from it;
+// devices are derived from it each time, see device_merge.h.
 #ifndef VNDISCOVER_HOST_MODEL_SCAN_H
 #define VNDISCOVER_HOST_MODEL_SCAN_H
 
@@ -15,11 +15,11 @@ namespace vndiscover::host {
 
 enum class SweepKind { kSnmpV1, kSnmpV3, kWsd };
 
-// What the bytes of an answer are.
+// The meaning of an answer's bytes.
 enum class AnswerForm {
-    kValue,     // the value of the sweep's OID, up to its first zero byte; its type is not known
+    kValue,     // the value of the sweep's OID, up to its first zero byte, of unknown type
     kDocument,  // the filled-in JSON request
-    kVariable,  // a variable with OID and type, asked for after the sweep
+    kVariable,  // a variable with OID and type, requested after the sweep
     kReply,     // a WS-Discovery reply
 };
 
@@ -27,7 +27,7 @@ struct ScanSweep {
     SweepKind kind = SweepKind::kSnmpV1;
     AnswerForm form = AnswerForm::kValue;
     bool useIPv6 = false;
-    Oid oid;           // what kValue asked for
+    Oid oid;           // requested, for kValue
     std::string time;  // of its start, as "2026-11-25T04:32:23Z"
 };
 
@@ -35,7 +35,7 @@ struct ScanAnswer {
     size_t sweep = 0;  // index in Scan::sweeps
     std::string time, address;
     std::string bytes;
-    // Of kVariable alone.
+    // For kVariable only.
     Oid oid;
     uint32_t type = 0;
     size_t wholeSize = 0;  // as in Answer
@@ -44,7 +44,7 @@ struct ScanAnswer {
 struct Scan {
     std::vector<ScanSweep> sweeps;
     std::vector<ScanAnswer> answers;  // in the order of their arrival
-    // Pairs of answers that a person has found to be of two devices.
+    // Pairs of answers that a person has declared to be of two devices.
     std::vector<std::pair<size_t, size_t>> splits;
 };
 

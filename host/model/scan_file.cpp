@@ -19,19 +19,19 @@ constexpr const char* kKinds[] = {"snmpv1", "snmpv3", "wsd"};
 constexpr const char* kForms[] = {"value", "document", "variable", "reply"};
 constexpr char kTimePattern[] = "0000-00-00T00:00:00Z";
 
-// The parser needs about 100 bytes of memory for each value and calls itself for each level.
+// The parser needs about 100 bytes of memory for each value, and recurses for each level.
 constexpr size_t kMaxValues = 4000000;
 constexpr size_t kMaxDepth = 8;
 constexpr size_t kMaxSweeps = 1000;  // device_merge compares the contacts of an address
 constexpr size_t kMaxSplits = 10000;
 
-// Where a pass over JSON text ended, and why: at a bound, or at the value that was looked for.
+// Where a pass over JSON text ended, and why: at a limit, or at the value that was searched for.
 struct Place {
     size_t line = 1;
     const char* problem = nullptr;
 };
 
-// Steps over JSON text, broken or not, by its values in the order in which they begin.
+// Steps through the values of JSON text, even if malformed, in the order in which they begin.
 class Stepper {
   public:
     explicit Stepper(std::string_view text) : text_(text) {}
@@ -40,19 +40,19 @@ class Stepper {
         for (size_t values = 0; at_ < text_.size() && !place_.problem; ++at_) {
             const bool isValue = StepOver(text_[at_]);
             if (isValue && values++ == wanted) return place_;
-            if (values > kMaxValues) place_.problem = "more values than a scan has";
+            if (values > kMaxValues) place_.problem = "more values than a scan may have";
         }
         return place_;
     }
 
   private:
-    // True: a value begins here. What has an end of its own is passed but for its last byte.
+    // True if a value begins here. A string or literal is skipped up to its last byte.
     bool StepOver(char first) {
         if (first == '\n') ++place_.line;
         if (first == '\0') place_.problem = "a zero byte";
         if (first == '}' || first == ']') depth_ -= depth_ > 0 ? 1 : 0;
         if (first == '{' || first == '[') {
-            if (++depth_ > kMaxDepth) place_.problem = "nested too deep";
+            if (++depth_ > kMaxDepth) place_.problem = "nested too deeply";
             return true;
         }
         if (first == '"') {
@@ -69,7 +69,7 @@ class Stepper {
     void PassString() {
         while (++at_ < text_.size() && text_[at_] != '"') {
             if (text_[at_] == '\n') ++place_.line;
-            // The parser's strings would end there.
+            // The parser would end the string there.
             if (text_[at_] == '\0' || text_.substr(at_, 6) == "\\u0000")
                 place_.problem = "a zero byte";
             if (text_[at_] == '\\') ++at_;
@@ -83,7 +83,7 @@ class Stepper {
 };
 
 Place CheckBounds(std::string_view text) {
-    if (text.size() > kMaxScanSize) return {1, "larger than a scan gets"};
+    if (text.size() > kMaxScanSize) return {1, "larger than a scan may be"};
     return Stepper(text).FindValue(SIZE_MAX);
 }
 
@@ -102,7 +102,7 @@ struct Refusal {
     std::string problem;
 };
 
-// Bytes of a string of pairs of hexadecimal digits, upper case as written; empty: it is none.
+// The bytes of pairs of upper-case hexadecimal digits; empty if the text is malformed.
 std::optional<std::string> BytesOfHex(std::string_view text) {
     constexpr std::string_view kDigits = "0123456789ABCDEF";
     if (text.size() % 2 != 0 || text.find_first_not_of(kDigits) != std::string_view::npos)
@@ -130,21 +130,21 @@ bool IsAddress(std::string_view text) {
 class Reader {
   public:
     Scan Read(const cJSON* root) {
-        if (Text(root, "format") != kFormat) throw Refusal{root, "no scan"};
+        if (Text(root, "format") != kFormat) throw Refusal{root, "not a scan"};
         const size_t version = Number(root, "version", SIZE_MAX);
         if (version != kVersion) {
             throw Refusal{Member(root, "version"), "version " + std::to_string(version) +
-                                                       " of the format, only " +
+                                                       " of the format, but only " +
                                                        std::to_string(kVersion) + " can be read"};
         }
         const cJSON* item = nullptr;
         cJSON_ArrayForEach(item, Array(root, "sweeps")) ReadSweep(item);
         if (scan_.sweeps.size() > kMaxSweeps)
-            throw Refusal{Member(root, "sweeps"), "more sweeps than a scan has"};
+            throw Refusal{Member(root, "sweeps"), "more sweeps than a scan may have"};
         cJSON_ArrayForEach(item, Array(root, "answers")) ReadAnswer(item);
         cJSON_ArrayForEach(item, Array(root, "splits")) ReadSplit(item);
         if (scan_.splits.size() > kMaxSplits)
-            throw Refusal{Member(root, "splits"), "more splits than a scan has"};
+            throw Refusal{Member(root, "splits"), "more splits than a scan may have"};
         return std::move(scan_);
     }
 
@@ -162,25 +162,25 @@ class Reader {
     static const cJSON* Array(const cJSON* object, const char* name) {
         const cJSON* member = Member(object, name);
         if (!cJSON_IsArray(member))
-            throw Refusal{member, "\"" + std::string(name) + "\" is no array"};
+            throw Refusal{member, "\"" + std::string(name) + "\" is not an array"};
         return member;
     }
 
     static std::string_view Text(const cJSON* object, const char* name) {
         const cJSON* member = Member(object, name);
         if (!cJSON_IsString(member))
-            throw Refusal{member, "\"" + std::string(name) + "\" is no string"};
+            throw Refusal{member, "\"" + std::string(name) + "\" is not a string"};
         return member->valuestring;
     }
 
     // Below `end`.
     static size_t AsNumber(const cJSON* item, const std::string& name, size_t end) {
         const double number = cJSON_IsNumber(item) ? item->valuedouble : -1;
-        // Compared before the conversion, which has no meaning for what does not fit.
+        // Compared before the conversion, which is undefined for numbers that do not fit.
         const auto limit = static_cast<double>(std::min(end, kMaxScanSize));
         if (!(number >= 0 && number < limit) ||
             static_cast<double>(static_cast<size_t>(number)) != number)
-            throw Refusal{item, name + " is no number that it can be"};
+            throw Refusal{item, name + " is not a valid number"};
         return static_cast<size_t>(number);
     }
     static size_t Number(const cJSON* object, const char* name, size_t end) {
@@ -191,18 +191,18 @@ class Reader {
     static Value OneOf(const cJSON* object, const char* name, const char* const (&words)[count]) {
         const auto found = std::find(std::begin(words), std::end(words), Text(object, name));
         if (found == std::end(words))
-            throw Refusal{Member(object, name), "\"" + std::string(name) + "\" is not known"};
+            throw Refusal{Member(object, name), "\"" + std::string(name) + "\" is unknown"};
         return static_cast<Value>(found - std::begin(words));
     }
 
     static Oid ObjectId(const cJSON* object) {
         if (auto oid = ParseOid(Text(object, "oid"))) return std::move(*oid);
-        throw Refusal{Member(object, "oid"), "\"oid\" is no OID"};
+        throw Refusal{Member(object, "oid"), "\"oid\" is not an OID"};
     }
 
     static std::string Time(const cJSON* object) {
         const std::string_view text = Text(object, "time");
-        if (!IsTime(text)) throw Refusal{Member(object, "time"), "\"time\" is no time"};
+        if (!IsTime(text)) throw Refusal{Member(object, "time"), "\"time\" is not a time"};
         return std::string(text);
     }
 
@@ -243,7 +243,7 @@ class Reader {
 
     void ReadSplit(const cJSON* item) {
         if (!cJSON_IsArray(item) || cJSON_GetArraySize(item) != 2)
-            throw Refusal{item, "a split has two answers"};
+            throw Refusal{item, "a split does not have two answers"};
         const size_t end = scan_.answers.size();
         scan_.splits.emplace_back(AsNumber(cJSON_GetArrayItem(item, 0), "a split", end),
                                   AsNumber(cJSON_GetArrayItem(item, 1), "a split", end));
@@ -275,7 +275,7 @@ JsonItem AnswerJson(const ScanAnswer& answer, AnswerForm form) {
     }
     if (form != AnswerForm::kVariable || answer.type == kOctetString) {
         AddText(item.get(), "text", answer.bytes);
-        // What a string would not hold as it is was replaced in it.
+        // The string differs if it could not hold the bytes unchanged.
         const cJSON* text = cJSON_GetObjectItemCaseSensitive(item.get(), "text");
         if (answer.bytes == text->valuestring) return item;
         cJSON_DeleteItemFromObjectCaseSensitive(item.get(), "text");
@@ -313,8 +313,8 @@ std::optional<std::string> WriteScan(const Scan& scan, std::string& problem) {
             });
     text += ",\n\"devices\":" + Elements(MakeDevices(scan), DeviceJson) + "}\n";
     const char* tooLarge = CheckBounds(text).problem;
-    if (scan.sweeps.size() > kMaxSweeps) tooLarge = "more sweeps than a scan has";
-    if (scan.splits.size() > kMaxSplits) tooLarge = "more splits than a scan has";
+    if (scan.sweeps.size() > kMaxSweeps) tooLarge = "more sweeps than a scan may have";
+    if (scan.splits.size() > kMaxSplits) tooLarge = "more splits than a scan may have";
     if (!tooLarge) return text;
     problem = tooLarge;
     return std::nullopt;
@@ -327,7 +327,7 @@ std::optional<Scan> ReadScan(const std::string& text, std::string& problem) {
     };
     const Place bound = CheckBounds(text);
     if (bound.problem) return refuse(bound.line, bound.problem);
-    // With the terminating zero: versions of the parser look one byte too far.
+    // Including the terminating zero: some versions of the parser read one byte too far.
     const char* end = nullptr;
     const JsonItem root(cJSON_ParseWithLengthOpts(text.c_str(), text.size() + 1, &end, 0));
     const auto read = end ? static_cast<size_t>(end - text.c_str()) : 0;
@@ -335,7 +335,7 @@ std::optional<Scan> ReadScan(const std::string& text, std::string& problem) {
     if (!root || rest != std::string::npos) {
         const auto at = static_cast<ptrdiff_t>(root ? rest : std::min(read, text.size()));
         const auto line = std::count(text.begin(), text.begin() + at, '\n') + 1;
-        return refuse(static_cast<size_t>(line), "no JSON");
+        return refuse(static_cast<size_t>(line), "not JSON");
     }
     try {
         return Reader().Read(root.get());

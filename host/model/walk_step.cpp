@@ -6,12 +6,13 @@ namespace vndiscover::host {
 
 WalkStep JudgeAnswer(const Oid& root, const Oid& asked, const Oid& answered, uint32_t type,
                      bool isV3) {
-    // An error answer repeats the request's binding; SNMPv3 marks the end in the value's type.
+    // An SNMPv1 error answer repeats the request's binding; SNMPv3 marks the end by the value's
+    // type.
     const bool isRepeated = answered == asked && IsNoValue(type);
     if (isRepeated || (isV3 && type != kNull && IsNoValue(type))) return WalkStep::kEnd;
     if (answered <= asked) return WalkStep::kNotIncreasing;
     if (!IsWithin(answered, root)) return WalkStep::kEnd;
-    const bool canBeAsked = FitsRequest(answered) && !GoesOutWrong(answered);
+    const bool canBeAsked = FitsRequest(answered) && !IsMisencoded(answered);
     return canBeAsked ? WalkStep::kVariable : WalkStep::kLastReachable;
 }
 

@@ -9,10 +9,10 @@
 namespace vndiscover::host {
 
 enum class WalkStep {
-    kVariable,       // a variable of the subtree: show it, ask for the one that follows it
-    kLastReachable,  // likewise, but its OID cannot be asked for: show it and stop
-    kEnd,            // the subtree or the device's variables end here
-    kNotIncreasing,  // a device that would keep a walk going for ever
+    kVariable,       // a variable of the subtree: show it, and ask for the next one
+    kLastReachable,  // the same, but its OID cannot be requested: show it and stop
+    kEnd,            // of the subtree, or of the device's variables
+    kNotIncreasing,  // the device would keep the walk going for ever
 };
 
 // `asked` is the OID of the request, `answered` and `type` are the answer's.

@@ -13,17 +13,17 @@ namespace {
 
 constexpr auto kStatusPeriod = std::chrono::milliseconds(250);
 
-// What the Ctrl-C handler, which runs on a thread of the system's, shares with the rest.
+// Shared with the Ctrl-C handler, which runs on a thread of the system.
 std::atomic<int32_t (*)()> g_stop{nullptr};
 std::atomic<bool> g_isStopped{false};
-std::atomic<DWORD> g_inputMode{0};  // to be put back when a hidden prompt is interrupted; 0: none
+std::atomic<DWORD> g_inputMode{0};  // to be restored if a hidden prompt is interrupted; 0: none
 UINT g_formerCodePage = 0;
 
 std::mutex g_outputMutex;
-std::atomic<size_t> g_statusWidth{0};  // characters of the live line that stand on the console
+std::atomic<size_t> g_statusWidth{0};  // characters of the status line on the console
 bool g_isOutputBroken = false;
 
-// One write with the system's line ends. The C streams write to a console byte by byte, which
+// A single write with the system's line ends: C streams write to a console byte by byte, which
 // flickers.
 bool Write(DWORD handle, std::string_view text) {
     std::string bytes;
@@ -59,12 +59,12 @@ BOOL WINAPI OnControl(DWORD event) {
     }
     RestoreConsole();
     if (g_statusWidth > 0) Write(STD_ERROR_HANDLE, "\n");
-    // At once: an orderly end would unload the module under its running sweep.
+    // Immediately: an orderly exit would unload the module during its sweep.
     if (canStop) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
-    return FALSE;  // the window is closed, the user logs off: the system ends the process
+    return FALSE;  // the window is closed, or the user logs off: the system ends the process
 }
 
-// With the output mutex held. The line is erased with spaces: that works on every console.
+// Requires the output mutex. Erases the line with spaces, which works on every console.
 void EraseStatus() {
     if (g_statusWidth == 0) return;
     Write(STD_ERROR_HANDLE, "\r" + std::string(g_statusWidth, ' ') + "\r");
@@ -109,7 +109,7 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     if (!GetConsoleMode(input, &mode)) return std::nullopt;
     g_inputMode = mode;
     SetConsoleMode(input, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~ENABLE_ECHO_INPUT);
-    Write(STD_ERROR_HANDLE, prompt);  // only now: whoever sees it may type
+    Write(STD_ERROR_HANDLE, prompt);  // only now, since the user types as soon as it appears
     wchar_t line[256];
     DWORD count = 0;
     const BOOL isRead = ReadConsoleW(input, line, 256, &count, nullptr);
@@ -152,7 +152,7 @@ void SweepWatch::Run() {
     const bool hasConsole = IsConsole(STD_ERROR_HANDLE);
     std::unique_lock<std::mutex> lock(mutex_);
     while (!isOver_) {
-        // A request that came just before the sweep began was cleared by its beginning: ask again.
+        // The sweep clears a request that came just before it began, so repeat it.
         if (g_isStopped) stop_();
         if (hasConsole)
             ShowStatus(status_() + (g_isStopped ? ", stopping (Ctrl-C again ends at once)" : ""));

@@ -1,5 +1,5 @@
-// The console: UTF-8 output, Ctrl-C, the live line, the password prompt. Standard output carries
-// results alone, everything else goes to standard error.
+// The console: UTF-8 output, Ctrl-C, the status line, the password prompt. Only results go to
+// standard output, everything else goes to standard error.
 #ifndef VNDISCOVER_HOST_PLATFORM_CONSOLE_H
 #define VNDISCOVER_HOST_PLATFORM_CONSOLE_H
 
@@ -23,20 +23,20 @@ class ConsoleSession {
     ConsoleSession& operator=(const ConsoleSession&) = delete;
 };
 
-// Writes results and flushes, so that a row can be read when it arrives. False once nobody reads
-// any more (a closed pipe): the caller stops its work.
+// Writes results and flushes, so that a row can be read at once. False once a pipe is closed; the
+// caller then stops.
 bool Print(std::string_view text);
 
-// One line on standard error, with the program's name in front.
+// Writes a line to standard error, after the program's name.
 void Warn(const std::string& text);
 
-// Asks for a line without showing it; empty when standard input is no console. Ends in `text` being
-// erased from memory by its owner: give it to a Secret at once.
+// Reads a line without echo; empty if standard input is not a console. Give the result to a Secret
+// at once, which wipes it.
 std::optional<std::wstring> PromptHidden(const std::string& prompt);
 
-// For the lifetime of a sweep: the first Ctrl-C calls `stop` (any thread may), the second ends the
-// process. With `status` the console shows a line that is renewed while the sweep's thread is
-// blocked.
+// For the duration of a sweep: the first Ctrl-C calls `stop`, on any thread, and the second ends
+// the process. With `status` the console shows a line that is updated while the sweep blocks its
+// thread.
 class SweepWatch {
   public:
     SweepWatch(int32_t (*stop)(), std::function<std::string()> status);
@@ -44,7 +44,7 @@ class SweepWatch {
     SweepWatch(const SweepWatch&) = delete;
     SweepWatch& operator=(const SweepWatch&) = delete;
 
-    // As by Ctrl-C.
+    // Does what Ctrl-C does.
     void RequestStop();
     bool IsStopped() const;
 

@@ -12,7 +12,7 @@
 namespace vndiscover::host {
 namespace {
 
-// Here, since not every tool chain has them in a library.
+// Defined here, since not every toolchain has them in a library.
 constexpr CLSID kPolicyClass = {
     0xE2B3C97F, 0x6AE1, 0x41AC, {0x81, 0x7A, 0xF6, 0xF9, 0x21, 0x66, 0xD7, 0xDD}};
 constexpr IID kPolicyId = {
@@ -25,7 +25,7 @@ constexpr IID kNoId = {};  // IID_NULL
 constexpr LONG kAnyProtocol = 256;
 constexpr LONG kUdp = 17;
 
-// One reference to a COM object, released at its end.
+// A reference to a COM object, released on destruction.
 template <class Interface>
 class Owned {
   public:
@@ -55,12 +55,12 @@ class Apartment {
     Apartment& operator=(const Apartment&) = delete;
 
   private:
-    bool isOpen_;  // false: the thread has one of another kind, which serves as well
+    bool isOpen_;  // false: the thread has another kind of apartment, which will do
 };
 
 using TextGetter = HRESULT (STDMETHODCALLTYPE INetFwRule::*)(BSTR*);
 
-// Empty: none, or not for a rule of this kind.
+// Empty if the rule does not have the property.
 std::wstring Text(INetFwRule& rule, TextGetter getter) {
     BSTR value = nullptr;
     std::wstring text;
@@ -69,7 +69,7 @@ std::wstring Text(INetFwRule& rule, TextGetter getter) {
     return text;
 }
 
-// A property that only newer systems have, by its name.
+// By name, for properties that only newer systems have.
 std::wstring Text(IDispatch& object, const wchar_t* name) {
     DISPID id = 0;
     std::wstring nameText(name);
@@ -110,7 +110,7 @@ std::wstring Expanded(const std::wstring& path) {
     return text;
 }
 
-// Incoming UDP, switched on.
+// Whether the rule is enabled and for incoming UDP.
 bool IsConcerned(INetFwRule& rule) {
     VARIANT_BOOL isEnabled = VARIANT_FALSE;
     NET_FW_RULE_DIRECTION direction = NET_FW_RULE_DIR_OUT;
@@ -121,7 +121,7 @@ bool IsConcerned(INetFwRule& rule) {
            (protocol == kUdp || protocol == kAnyProtocol);
 }
 
-// Rules of packaged apps name no program, but a package: they are for that one alone.
+// Rules of packaged apps name a package instead of a program and apply only to it.
 bool HasLimits(INetFwRule& rule, IDispatch& dispatch) {
     const std::wstring remote = Text(rule, &INetFwRule::get_RemoteAddresses);
     return !Text(rule, &INetFwRule::get_ServiceName).empty() ||

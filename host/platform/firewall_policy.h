@@ -6,8 +6,8 @@
 
 namespace vndiscover::host {
 
-// The active profiles and the rules that concern this program. Unknown where the interface does not
-// exist or refuses. Other makers' firewalls are not seen.
+// The active profiles, and the rules that apply to this program. Unknown if the interface does not
+// exist or refuses access. Other firewall products are not covered.
 FirewallState ReadFirewall();
 
 }  // namespace vndiscover::host

@@ -8,7 +8,7 @@ ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
     description.lpfnWndProc = Procedure;
     description.hInstance = GetModuleHandleW(nullptr);
     description.lpszClassName = kClass;
-    RegisterClassW(&description);  // fails harmlessly when it is registered already
+    RegisterClassW(&description);  // fails harmlessly if it is already registered
     window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                               description.hInstance, nullptr);
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
@@ -24,7 +24,7 @@ LRESULT CALLBACK ResultWindow::Procedure(HWND window, UINT message, WPARAM wPara
     try {
         if (address && value) self->onResult_(address, value);
     } catch (...) {
-        // Out of memory: the row is lost. Nothing may be thrown through the module that called us.
+        // Out of memory: the row is lost. An exception must not pass through the module.
     }
     return 0;
 }

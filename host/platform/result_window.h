@@ -1,4 +1,4 @@
-// The window that receives a sweep's result messages. It is message-only: it needs no desktop.
+// The window that receives a sweep's result messages; message-only, so it needs no desktop.
 #ifndef VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H
 #define VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H
 
@@ -8,12 +8,12 @@
 
 namespace vndiscover::host {
 
-// The sweep runs on the thread that made the window, the main thread here: SendMessageA then calls
-// the window procedure directly, and no message loop is needed. A program with a user interface
-// runs the sweep on a worker thread instead and goes on pumping messages.
+// The sweep must run on the thread that created the window: SendMessageA then calls the window
+// procedure directly, and no message loop is needed. A program with a user interface runs the sweep
+// on a worker thread instead and keeps pumping messages.
 class ResultWindow {
   public:
-    // Valid during the call only. Not called for the final message (0, 0).
+    // The text is valid only during the call. Not called for the final message (0, 0).
     using OnResult = std::function<void(const char* address, const char* value)>;
 
     explicit ResultWindow(OnResult onResult);

@@ -10,7 +10,7 @@
 namespace vndiscover::host {
 namespace {
 
-// Closed when its owner ends.
+// Closes the handle on destruction.
 class File {
   public:
     File(const std::wstring& path, DWORD access, DWORD disposition)
@@ -32,7 +32,7 @@ constexpr size_t kChunk = size_t{1} << 20;
 
 std::string LastErrorText() { return " (error " + std::to_string(GetLastError()) + ")"; }
 
-// Beside the file, so on the same disk. Two programs that write the same file do not share it.
+// In the same folder, and so on the same disk. Each process has its own.
 std::wstring TemporaryPath(const std::string& path) {
     return ToWide(path + "." + std::to_string(GetCurrentProcessId()) + ".new");
 }
@@ -47,7 +47,7 @@ bool WriteWhole(const std::wstring& path, const std::string& text) {
             return false;
         done += written;
     }
-    return FlushFileBuffers(file.Get()) != 0;  // before it takes the place of the old one
+    return FlushFileBuffers(file.Get()) != 0;  // before it replaces the old file
 }
 
 }  // namespace
@@ -98,7 +98,7 @@ bool ReplaceFileText(const std::string& path, const std::string& text, std::stri
     if (MoveFileExW(temporary.c_str(), ToWide(path).c_str(),
                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return true;
-    // Complete as it is, it is kept: another program may hold the old one open.
+    // The new file is complete, so it is kept: another program may have the old one open.
     problem = "cannot be replaced" + LastErrorText() + "; the new one is " + ToUtf8(temporary);
     return false;
 }

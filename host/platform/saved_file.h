@@ -8,16 +8,17 @@
 
 namespace vndiscover::host {
 
-// Empty, with `problem`: it cannot be read, or has more than `maxSize` bytes.
+// Empty, with the reason in `problem`, if the file cannot be read or has more than `maxSize` bytes.
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
 
 bool FileExists(const std::string& path);
 
-// Whether ReplaceFileText can work there; false, with `problem`. Changes nothing.
+// Whether ReplaceFileText can succeed; if not, `problem` has the reason. Changes nothing.
 bool CanReplaceFile(const std::string& path, std::string& problem);
 
-// A file that is there stays as it is until the new one is complete. False, with `problem`.
+// An existing file is not touched until the new one is complete. False, with the reason in
+// `problem`, on failure.
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem);
 
 // The time as "2026-11-25T04:32:23Z".

@@ -16,15 +16,15 @@
 namespace vndiscover::host {
 namespace {
 
-// The module's room for the system's list of IPv4 adapters: 32 records. More addresses on one
-// adapter take some of it too.
+// The module's buffer for the system's list of IPv4 adapters: 32 records, fewer if an adapter has
+// several addresses.
 constexpr ULONG kModuleListBytes = 22528;
 constexpr ULONG kFirstListBytes = 15000;
 constexpr int kListAttempts = 3;
 constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
 
-// From the system directory by full path: an ordinary import could pick up a file of that name
-// beside the program.
+// Loaded from the system directory by full path: an ordinary import could pick up a file of that
+// name beside the program.
 class IpHelper {
   public:
     IpHelper() {
@@ -49,7 +49,7 @@ class IpHelper {
   private:
     HMODULE module_ = nullptr;
 };
-// The type comes from the declaration, which is never called itself.
+// Takes the type from the declaration without linking to the function.
 #define FIND(helper, function) (helper).Find(static_cast<decltype(&(function))>(nullptr), #function)
 
 // A list of the system's records, in one block.
@@ -63,7 +63,7 @@ struct List {
     }
 };
 
-// `read` is called with a block and its size, and again with as much as it asks for.
+// Calls `read` with a block and its size, and again with a larger one if it asks for that.
 template <class Record, class Read>  // DWORD Read(Record*, ULONG*)
 List<Record> ReadList(ULONG firstBytes, Read read) {
     List<Record> list;
@@ -146,7 +146,7 @@ void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
 }
 
 bool IsSwitchedOn(const char* name) {
-    // Four bytes at most of any type, as the module reads its switches.
+    // At most four bytes of any type, as the module reads its switches.
     DWORD value = 0;
     DWORD size = sizeof value;
     HKEY key = nullptr;
@@ -158,7 +158,7 @@ bool IsSwitchedOn(const char* name) {
     return error == ERROR_SUCCESS && value != 0;
 }
 
-// getnameinfo needs the sockets' library.
+// getnameinfo needs WinSock.
 class WinSock {
   public:
     WinSock() {
@@ -197,7 +197,7 @@ AdapterList ThisComputer::IPv4() const {
 AdapterList ThisComputer::IPv6() const {
     const WinSock winSock;
     const IpHelper helper;
-    // With the module's own flag, for whose sake the system may refuse the list.
+    // With the module's flag, because of which the system may refuse the list.
     const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
     AdapterList list;
     list.isRead = adapters.error == ERROR_SUCCESS || adapters.error == ERROR_NO_DATA;
@@ -224,12 +224,12 @@ Route ThisComputer::RouteTo(const char* ipv4Address) const {
         route.adapter = first.adapter;
         route.source = first.address;
     }
-    // The route may be that of an adapter that the list does not have, such as the loopback.
+    // The route may be through an adapter that is not in the list, such as the loopback.
     if (route.source.empty()) route.source = "interface " + std::to_string(row.dwForwardIfIndex);
     in_addr gateway = {};
     gateway.s_addr = row.dwForwardNextHop;
     const std::string gatewayText = inet_ntoa(gateway);
-    // A route on the link has the adapter's own address there, or none.
+    // For a route on the link this is the adapter's own address, or none.
     if (gateway.s_addr != 0 && gatewayText != route.source) route.gateway = gatewayText;
     return route;
 }

@@ -1,4 +1,4 @@
-// The facts about the computer that the program runs on, from the system.
+// The facts about this computer, read from the system.
 #ifndef VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H
 #define VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H
 
@@ -6,7 +6,7 @@
 
 namespace vndiscover::host {
 
-// Any thread; a call takes some milliseconds, Firewall perhaps a second.
+// For any thread. A call takes some milliseconds, Firewall perhaps a second.
 class ThisComputer : public Computer {
   public:
     AdapterList IPv4() const override;

@@ -1,4 +1,4 @@
-// Text at the borders: the system speaks UTF-16, the module's narrow arguments are in the ANSI code
+// Conversion of text: the system uses UTF-16, the module's narrow arguments are in the ANSI code
 // page, and everything else in this program is UTF-8.
 #ifndef VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H
 #define VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H
@@ -16,7 +16,7 @@ std::string ToAnsi(std::string_view utf8);
 // The command line without the program's name.
 std::vector<std::string> CommandLineArguments();
 
-// The value of an environment variable; empty: not set.
+// The value of an environment variable; empty if it is not set.
 std::wstring Environment(const wchar_t* name);
 
 }  // namespace vndiscover::host

@@ -7,7 +7,7 @@
 namespace vndiscover::host {
 namespace {
 
-// U+FFFD for what PlainText replaces, but C0 characters stay: they leave as escapes.
+// PlainText, but C0 characters are kept, because JSON writes them as escapes.
 std::string JsonText(std::string_view bytes) {
     std::string text;
     while (!bytes.empty()) {
@@ -43,8 +43,7 @@ void AddNumber(cJSON* object, const char* name, const std::string& decimal) {
 std::string CompactJson(const cJSON* item) {
     char* printed = cJSON_PrintUnformatted(item);
     if (!printed) return "null";
-    // The library escapes C0 characters only; what else a device put into a string is replaced
-    // here.
+    // The library escapes C0 characters only; other control characters are replaced here.
     std::string text = PlainText(printed);
     cJSON_free(printed);
     return text;

@@ -1,4 +1,4 @@
-// JSON for programs that read our output.
+// JSON output for other programs.
 #ifndef VNDISCOVER_HOST_VALUES_JSON_OUTPUT_H
 #define VNDISCOVER_HOST_VALUES_JSON_OUTPUT_H
 
@@ -18,24 +18,23 @@ struct JsonDelete {
 };
 using JsonItem = std::unique_ptr<cJSON, JsonDelete>;
 
-// Adds a string member, made fit for a document: valid UTF-8, control characters only as JSON
-// escapes.
+// Adds a string member, as valid UTF-8 with control characters only as JSON escapes.
 void AddText(cJSON* object, const char* name, std::string_view bytes);
 void AddTexts(cJSON* object, const char* name, const std::vector<std::string>& texts);
-// Adds a number member with all its digits, which a double would not keep.
+// Adds a number member with all its digits, which a double could not hold.
 void AddNumber(cJSON* object, const char* name, const std::string& decimal);
 
 // One line, without control characters.
 std::string CompactJson(const cJSON* item);
 
-// One JSON array, an element a line, written while its elements still arrive: print what each call
+// One JSON array, one element per line, written while elements arrive: print what each call
 // returns.
 class JsonArray {
   public:
-    // The text so far plus this element; taken over by the caller with Take.
+    // Appends the element to the text that Take returns.
     void Add(const cJSON* element);
     std::string Take() { return std::exchange(text_, {}); }
-    // What is left of the text, with the closing bracket.
+    // The rest of the text, with the closing bracket.
     std::string Finish();
 
   private:
@@ -43,7 +42,7 @@ class JsonArray {
     bool isEmpty_ = true;
 };
 
-// Null for a text that does not parse, such as a document that was cut.
+// Null if the text does not parse, for example because it was cut.
 JsonItem ParseDocument(std::string_view text);
 
 }  // namespace vndiscover::host

@@ -1,5 +1,5 @@
-// Types and sizes of vndiscover.h, for code that includes no Windows header.
-// device/module_types.cpp compares each with the header's own.
+// Types and sizes of vndiscover.h, for code that includes no Windows header. Checked against the
+// header in device/module_types.cpp.
 #ifndef VNDISCOVER_HOST_VALUES_MODULE_TYPES_H
 #define VNDISCOVER_HOST_VALUES_MODULE_TYPES_H
 
@@ -8,7 +8,7 @@
 
 namespace vndiscover::host {
 
-// BER tags of SNMP values: VN_TYPE_..., and the answers of SNMPv3 that carry no value (RFC 3416).
+// BER tags of SNMP values: VN_TYPE_..., and SNMPv3's exceptions in place of a value (RFC 3416).
 enum ValueType : uint32_t {
     kInteger = 2,
     kOctetString = 4,
@@ -26,7 +26,7 @@ enum ValueType : uint32_t {
 };
 
 constexpr size_t kJsonRequestSize = 2048;  // VN_JSON_REQUEST_SIZE: a request has fewer bytes
-constexpr size_t kAddressSize = 48;        // VN_ADDRESS_SIZE, with the terminating zero
+constexpr size_t kAddressSize = 48;        // VN_ADDRESS_SIZE, including the terminating zero
 constexpr size_t kValueSize = 4096;        // VN_VALUE_SIZE: the longest value of a result message
 constexpr char kDefaultDiscoveryOid[] = ".1.3.6.1.4.1.5963.43.5.1.1.1.1";  // VN_DEFAULT_...
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kMib2[] = ".1.3.6.1.2.1.";
 
-// What several objects share.
+// Shared by several objects.
 constexpr char kCapacityUnits[] =
     "other(1) unknown(2) tenThousandthsOfInches(3) micrometers(4) sheets(8) feet(16) meters(17) "
     "items(18) percent(19)";
@@ -131,7 +131,7 @@ const std::vector<Oid>& Oids() {
     return oids;
 }
 
-// Its place in the table; kObjectNameCount: none.
+// Its index in the table, or kObjectNameCount if it is not there.
 size_t FindName(std::string_view name) {
     const auto* end = kObjectNames + kObjectNameCount;
     return static_cast<size_t>(
@@ -140,16 +140,16 @@ size_t FindName(std::string_view name) {
         kObjectNames);
 }
 
-// The object that the OID is or that it is an instance of.
+// The index of the object that the OID is, or is an instance of.
 size_t FindObject(const Oid& oid) {
     const std::vector<Oid>& oids = Oids();
-    // The last one that is not greater: an object's instances follow it before the next object.
+    // The last one that is not greater: an object's instances come between it and the next object.
     const auto after = std::upper_bound(oids.begin(), oids.end(), oid);
     if (after == oids.begin() || !IsWithin(oid, *(after - 1))) return kObjectNameCount;
     return static_cast<size_t>(after - oids.begin()) - 1;
 }
 
-// The word in front of "(number)".
+// The word before "(number)".
 std::string Word(std::string_view words, int64_t number) {
     const size_t end = words.find("(" + std::to_string(number) + ")");
     if (end == std::string_view::npos) return "";
@@ -269,7 +269,7 @@ const ObjectName kObjectNames[] = {
 const size_t kObjectNameCount = sizeof kObjectNames / sizeof kObjectNames[0];
 
 const Oid& OidOf(std::string_view name) {
-    // Asked for dozens of times for each of thousands of devices.
+    // Called dozens of times for each of thousands of devices.
     static const auto known = [] {
         std::unordered_map<std::string_view, const Oid*> oids;
         for (size_t i = 0; i < kObjectNameCount; ++i) oids[kObjectNames[i].name] = &Oids()[i];

@@ -14,10 +14,10 @@
 namespace vndiscover::host {
 
 enum class Syntax {
-    kPlain,        // as its type says
+    kPlain,        // by its type
     kBinary,       // octets that are never text, such as a hardware address
-    kEnumeration,  // INTEGER with words
-    kBits,         // OCTET STRING with a word for each bit, the first bit is the highest
+    kEnumeration,  // INTEGER with a word for each value
+    kBits,         // OCTET STRING with a word for each bit; the first bit is the highest
 };
 
 struct ObjectName {
@@ -27,29 +27,30 @@ struct ObjectName {
     const char* words;  // "idle(3) printing(4)"; empty for other syntaxes
 };
 
-// All of them, in the order of their OIDs.
+// In the order of their OIDs.
 extern const ObjectName kObjectNames[];
 extern const size_t kObjectNameCount;
 
-// The OID of an object of the table, without an instance. The name is one of the table's.
+// The OID, without an instance, of an object that must be in the table.
 const Oid& OidOf(std::string_view name);
 
 // A numeric OID, or a name with or without an instance: "sysDescr.0", "hrPrinterStatus.1",
-// "prtMarkerSupplies..." columns with two numbers. Letter case does not matter. Empty: neither.
+// "prtMarkerSupplies..." columns with two numbers. Letter case does not matter. Empty if it is
+// neither.
 std::optional<Oid> ParseOidOrName(std::string_view text);
 
-// What is wrong with a text that ParseOidOrName does not take.
+// The error message for text that ParseOidOrName rejects.
 std::string NotAnOid(std::string_view text);
 
-// "hrPrinterStatus.1"; numeric where no object of the table is at or above the OID.
+// "hrPrinterStatus.1"; numeric if the OID is not an object of the table or an instance of one.
 std::string NameText(const Oid& oid);
 
-// The word of an enumeration's number, "idle"; empty where it has none.
+// The word for an enumeration's number, "idle"; empty if there is none.
 std::string WordOf(std::string_view name, int64_t number);
 // The words of the bits that are set; a bit without a word is "bit 20".
 std::vector<std::string> WordsOf(std::string_view name, std::string_view bits);
 
-// One line for a person: "idle(3)", "doorOpen, jammed", "02:00:5E:10:00:01"; else as FormatValue.
+// One line for a person: "idle(3)", "doorOpen, jammed", "02:00:5E:10:00:01"; otherwise FormatValue.
 std::string FormatNamedValue(const Oid& oid, uint32_t type, std::string_view bytes);
 
 }  // namespace vndiscover::host

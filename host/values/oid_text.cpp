@@ -9,7 +9,7 @@ constexpr uint32_t kTwoByteArcLimit = 16384;
 constexpr size_t kMaxArcs = 128;
 constexpr size_t kMaxRequestOctets = 124;
 
-// Decimal digits only, 32 bits; advances `text` past them. Empty: none there.
+// Reads decimal digits, at most 32 bits, and advances `text` past them. Empty if there are none.
 std::optional<uint32_t> TakeArc(std::string_view& text) {
     uint64_t arc = 0;
     size_t digits = 0;
@@ -65,7 +65,7 @@ std::optional<Oid> DecodeOid(std::string_view octets) {
     for (const char octet : octets) {
         arc = arc << 7 | (static_cast<uint8_t>(octet) & 0x7Fu);
         isInside = (octet & 0x80) != 0;
-        // The first number holds two arcs: 80 more than 32 bits at most.
+        // The first number holds two arcs, so it may exceed 32 bits by 80.
         if (arc > UINT32_MAX + (oid.empty() ? 80ull : 0ull)) return std::nullopt;
         if (isInside) continue;
         if (oid.empty()) {
@@ -87,7 +87,7 @@ std::string EncodeOid(const Oid& oid) {
     return octets;
 }
 
-bool GoesOutWrong(const Oid& oid) {
+bool IsMisencoded(const Oid& oid) {
     if (oid.size() >= 2 && uint64_t{oid[0]} * 40 + oid[1] > 127) return true;
     return std::any_of(oid.begin() + std::min<ptrdiff_t>(2, oid.size()), oid.end(),
                        [](uint32_t arc) { return arc >= kTwoByteArcLimit; });

@@ -11,33 +11,33 @@
 
 namespace vndiscover::host {
 
-// The arcs. Compared with < they come in the order in which a device walks its variables.
+// The arcs. The operator < gives the order in which a walk visits variables.
 using Oid = std::vector<uint32_t>;
 
-// Numeric text, with or without the leading dot. Empty: no OID (a name, an arc over 32 bits, a
-// first arc over 2, a second over 39 after 0 or 1, more than 128 arcs).
+// Reads numeric text, with or without the leading dot. Empty if it is not an OID: a name, an arc
+// over 32 bits, a first arc over 2, a second over 39 after 0 or 1, more than 128 arcs.
 std::optional<Oid> ParseOid(std::string_view text);
 
 // With a leading dot: ".1.3.6.1".
 std::string OidToText(const Oid& oid);
 
-// Content octets to arcs; empty for octets that are no OID (none, the last one cut, an arc over 32
-// bits).
+// Content octets to arcs. Empty if they are not an OID: no octets, an incomplete last arc, an arc
+// over 32 bits.
 std::optional<Oid> DecodeOid(std::string_view octets);
 
-// Arcs (at least two) to content octets, arcs of any size.
+// Arcs, at least two and of any size, to content octets.
 std::string EncodeOid(const Oid& oid);
 
-// The module writes every arc from the third on in one byte or two, and the first two in one byte:
-// true when that loses bits, so that the device is asked for another variable.
-bool GoesOutWrong(const Oid& oid);
+// The module encodes the first two arcs in one byte and each further arc in one or two. True if
+// that loses bits, so that another variable is requested.
+bool IsMisencoded(const Oid& oid);
 
-// Whether a request can hold it: two arcs or more, 124 content octets at most, as the module writes
-// them.
+// Whether a request can hold it: two arcs or more, and at most 124 content octets as the module
+// encodes it.
 bool FitsRequest(const Oid& oid);
 
-// The OID that a get-next request for `oid` itself names, unless the device has a variable between
-// the two. `oid` has three arcs or more.
+// The OID whose get-next request returns `oid`, unless the device has a variable between the two.
+// `oid` has three arcs or more.
 Oid JustBefore(Oid oid);
 
 // True for `root` itself too.

@@ -11,12 +11,12 @@ constexpr uint32_t kReplacement = 0xFFFD;
 
 struct Character {
     uint32_t code;
-    size_t bytes;  // how many were read, at least 1
+    size_t bytes;  // read, at least 1
     bool isUtf8;
 };
 
-// The next character of a non-empty text. Overlong forms, surrogates and cut sequences are no
-// UTF-8: then one byte is read as Latin-1.
+// The next character of a non-empty text. Overlong forms, surrogates and incomplete sequences are
+// not UTF-8; their first byte is read as Latin-1.
 Character NextCharacter(std::string_view text) {
     const auto byteAt = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
     const uint8_t first = byteAt(0);
@@ -36,7 +36,7 @@ Character NextCharacter(std::string_view text) {
 
 bool IsBreak(uint32_t code) { return code == '\t' || code == '\n' || code == '\r'; }
 
-// C0, DEL, C1, and the marks that turn, hide or break a line on a terminal.
+// C0, DEL, C1, and the marks that reverse, hide or break a line on a terminal.
 bool IsControl(uint32_t code) {
     return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x061C ||
            (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
@@ -105,7 +105,7 @@ std::string DeviceText(std::string_view bytes, int64_t characterSet) {
 bool IsPrintable(std::string_view bytes) {
     const bool isEmpty = bytes.empty();
     bytes = WithoutZeroEnd(bytes);
-    if (bytes.empty() && !isEmpty) return false;  // zero bytes alone would be shown as nothing
+    if (bytes.empty() && !isEmpty) return false;  // zero bytes alone would not be visible
     bool isUtf8 = true;
     size_t ascii = 0;
     for (size_t i = 0; i < bytes.size();) {
@@ -115,8 +115,7 @@ bool IsPrintable(std::string_view bytes) {
         ascii += next.code < 0x80 ? 1 : 0;
         i += next.bytes;
     }
-    // A hardware address may consist of bytes that all are Latin-1 letters; a text has more ASCII
-    // than that.
+    // All bytes of a hardware address may be Latin-1 letters; text has more ASCII than that.
     return isUtf8 || ascii * 2 > bytes.size();
 }
 

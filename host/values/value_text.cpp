@@ -10,7 +10,7 @@ namespace vndiscover::host {
 namespace {
 
 constexpr size_t kLongFormSize =
-    0x81;  // the length byte that announces a longer length, read as a length
+    0x81;  // announces a long-form length, but is read as the length itself
 
 struct NamedType {
     uint32_t type;
@@ -47,8 +47,7 @@ std::string AddressText(std::string_view bytes) {
     return text;
 }
 
-// Shortest two's complement form: a further byte while those after it do not hold the number with
-// its sign.
+// The shortest two's complement form: bytes are added until they hold the number with its sign.
 std::string IntegerBytes(int64_t number) {
     std::string bytes(1, static_cast<char>(number & 0xFF));
     for (; number < -128 || number > 127; bytes.insert(0, 1, static_cast<char>(number & 0xFF)))
@@ -76,7 +75,7 @@ int HexDigit(char digit) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Pairs of digits, with or without "0x" in front and spaces, colons or dashes between them.
+// Pairs of digits, with or without a leading "0x", and spaces, colons or dashes between pairs.
 std::optional<std::string> ParseHex(std::string_view text) {
     if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") text.remove_prefix(2);
     std::string bytes;
@@ -180,7 +179,7 @@ bool IsNoValue(uint32_t type) {
 Content ContentOf(uint32_t type, std::string_view raw) {
     const bool isLong = type == kOctetString && raw.size() == kLongFormSize;
     const size_t wholeSize = isLong ? static_cast<uint8_t>(raw.front()) : raw.size();
-    // A shorter size than the long form exists for is a device's own error: show what came.
+    // A size that needs no long form is the device's error: show the bytes as received.
     if (!isLong || wholeSize < raw.size() - 1) return {std::string(raw), raw.size()};
     return {std::string(raw.substr(1)), wholeSize};
 }

@@ -1,5 +1,5 @@
-// Management values: from raw bytes to what a person or a program reads, and from the command line
-// to raw bytes.
+// Management values: from raw bytes to text for a person or a program, and from the command line to
+// raw bytes.
 #ifndef VNDISCOVER_HOST_VALUES_VALUE_TEXT_H
 #define VNDISCOVER_HOST_VALUES_VALUE_TEXT_H
 
@@ -12,26 +12,25 @@
 
 namespace vndiscover::host {
 
-// "INTEGER", "OCTET STRING", ...; "type 0x47" for a tag that SNMP does not have.
+// "INTEGER", "OCTET STRING", ...; "type 0x47" for a tag that is not SNMP's.
 std::string TypeName(uint32_t type);
 
-// Answers that carry no value: what a device sends for a variable that it does not have.
+// Whether this type, in an answer, says that the device does not have the variable.
 bool IsNoValue(uint32_t type);
 
-// The content of a value as a version-1 answer delivers it. The module reads one-byte lengths, so
-// an OCTET STRING of more than 127 bytes arrives as 129 bytes: its true length and its first 128
-// bytes.
+// The content of a value in an SNMPv1 answer. The module reads one-byte lengths, so an OCTET STRING
+// of more than 127 bytes arrives as 129 bytes: its real length and its first 128 bytes.
 struct Content {
     std::string bytes;
-    size_t wholeSize;  // the device's own count; more than bytes.size(): the rest did not come
+    size_t wholeSize;  // at the device; if more than bytes.size(), the rest is missing
 };
 Content ContentOf(uint32_t type, std::string_view raw);
 
-// The decimal number of an INTEGER (signed), Counter, Gauge, TimeTicks or Counter64; empty for
-// other types and for contents that are no such number.
+// An INTEGER (signed), Counter, Gauge, TimeTicks or Counter64 in decimal; empty for other types and
+// for malformed contents.
 std::optional<std::string> NumberText(uint32_t type, std::string_view bytes);
 
-// The number of an INTEGER, or of one of the unsigned types; empty for contents that are none.
+// The number of an INTEGER, or of one of the unsigned types; empty for malformed contents.
 std::optional<int64_t> SignedNumber(std::string_view bytes);
 std::optional<uint64_t> UnsignedNumber(std::string_view bytes);
 
@@ -46,8 +45,8 @@ struct SetValue {
     uint32_t type;
     std::string bytes;
 };
-// `type` is a word or its letter: integer (i), string (s), ... Empty, with `problem` saying why,
-// when there is no such type, the text is no such value, or it is longer than the 126 bytes of a
+// `type` is a word or its letter: integer (i), string (s), ... Empty, with the reason in `problem`,
+// if there is no such type, the text is not a value of it, or the value exceeds the 126 bytes of a
 // request.
 std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text,
                                       std::string& problem);

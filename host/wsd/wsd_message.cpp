@@ -76,8 +76,8 @@ QName Split(std::string_view name) {
     return {name.substr(0, colon), name.substr(colon + 1)};
 }
 
-// What a prefix means at a place: the nearest declaration around it. The parser itself knows no
-// namespaces.
+// The namespace of a prefix at a node, from the nearest enclosing declaration. The parser itself
+// does not support namespaces.
 std::string_view NamespaceOf(pugi::xml_node at, std::string_view prefix) {
     const std::string declaration = prefix.empty() ? "xmlns" : "xmlns:" + std::string(prefix);
     for (pugi::xml_node node = at; node; node = node.parent()) {
@@ -143,7 +143,7 @@ std::optional<std::string> CheckTypes(std::string_view text, std::string& proble
     for (const std::string& word : words) {
         const QName name = Split(word);
         if (FindPrefix(name.prefix) && IsName(name.local)) continue;
-        problem = "'" + word + "' is no type; prefixes: wsdp, wprt, wscn, pub";
+        problem = "'" + word + "' is not a type; prefixes: wsdp, wprt, wscn, pub";
         return std::nullopt;
     }
     return Joined(words);
@@ -185,8 +185,7 @@ std::string NewUuid() {
 std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply) {
     std::vector<ProbeMatch> matches;
     pugi::xml_document document;
-    // A reply ends at its first zero byte. One that is cut is not well-formed: nothing of it is
-    // shown as read.
+    // A reply ends at its first zero byte. One that is cut is not well-formed and gives no matches.
     if (!document.load_buffer(reply.data(), reply.size())) return matches;
     const auto body = Child(Child(document, "Envelope", {kSoap}), "Body", {kSoap});
     const auto list = Child(body, "ProbeMatches", {kDiscovery, kDiscovery11});
@@ -223,7 +222,7 @@ std::string MatchList::Table() const {
         const std::string types = match.types.empty() ? "(no types)" : Joined(match.types);
         const bool isUnread = match.endpoint.empty() && match.types.empty() && match.xAddrs.empty();
         line(PlainText(entry.address),
-             isUnread ? "(a reply that is no ProbeMatches: see --raw)" : types);
+             isUnread ? "(a reply that is not ProbeMatches: see --raw)" : types);
         for (const std::string& xAddr : match.xAddrs) line("", xAddr);
         line("", match.endpoint);
         if (entry.count > 1) line("", "(" + std::to_string(entry.count) + " replies)");

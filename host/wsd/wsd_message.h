@@ -1,5 +1,5 @@
-// WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it hands
-// back unread.
+// WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it passes
+// on unparsed.
 #ifndef VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
 #define VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
 
@@ -11,35 +11,34 @@
 
 namespace vndiscover::host {
 
-// Types as the command line gives them, separated by spaces or commas: a known prefix (wsdp, wprt,
-// wscn, pub) and a name. Empty, with `problem`: an unknown prefix, or characters that no name has.
-// No types at all ask for every device.
+// Types from the command line, separated by spaces or commas: a known prefix (wsdp, wprt, wscn,
+// pub) and a name. Empty, with the reason in `problem`, for an unknown prefix or an invalid name.
+// No types at all means every device.
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem);
 
-// A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` comes from CheckTypes, `messageId` is a
-// UUID.
+// A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` is from CheckTypes, `messageId` is a UUID.
 std::string BuildProbe(const std::string& types, const std::string& messageId);
 
 // A random UUID (version 4) as text.
 std::string NewUuid();
 
-// One device of a reply, as plain text: nothing in it can disturb a terminal.
+// One device of a reply, as plain text (see plain_text.h).
 struct ProbeMatch {
     std::string endpoint;
     std::vector<std::string>
-        types;  // with the usual prefix where the namespace is known, else "{namespace}name"
+        types;  // with the usual prefix of a known namespace, otherwise "{namespace}name"
     std::vector<std::string> xAddrs;
 };
 
-// Empty for a text that is no well-formed ProbeMatches message, of WS-Discovery 2005/04 or 1.1.
+// Empty if the text is not a well-formed ProbeMatches message of WS-Discovery 2005/04 or 1.1.
 std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply);
 
-// The devices of one sweep. A device answers once for each adapter that its probe reached it from.
+// The devices of one sweep. A device replies once for each adapter from which a Probe reaches it.
 class MatchList {
   public:
     struct Entry {
         std::string address;
-        ProbeMatch match;  // all empty: the reply could not be read
+        ProbeMatch match;  // all empty if the reply could not be parsed
         size_t count;
     };
     void Add(const std::string& address, std::string_view reply);

@@ -188,8 +188,8 @@ TEST(DeviceV3, SaysWhatIsWrongWithARequest) {
     Bytes changed = V3(5, Device::kUserName, kEngine, true);
     changed.back() ^= 1;
     const std::pair<Bytes, const char*> kRows[] = {
-        {changed, "the request's authentication code is wrong"},
-        {V3(5, Device::kUserName, kEngine, false), "the request's authentication code is wrong"},
+        {changed, "the request's HMAC is wrong"},
+        {V3(5, Device::kUserName, kEngine, false), "the request's HMAC is wrong"},
         {V3(4, Device::kUserName, kEngine, false), "the request has another security level"},
         {V3(7, Device::kUserName, kEngine, true), "the request has another security level"},
         {V3(5, "somebody", kEngine, true), "the user has another name"}};

@@ -63,7 +63,7 @@ TEST(ComputerReport, TellsWhatKeepsASweepFromBeingSent) {
     };
     EXPECT_THAT(causes([](auto& it) { it.ipv4 = {}; }), ElementsAre(HasSubstr("no list")));
     EXPECT_THAT(causes([](auto& it) { it.ipv4.fits = false, it.ipv4.adapters = 33; }),
-                ElementsAre(HasSubstr("33 adapters does not fit")));
+                ElementsAre(HasSubstr("33 adapters, but room for 32")));
     EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses.clear(); }),
                 ElementsAre(HasSubstr("no adapter has an IPv4 address")));
     EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses[0].isUp = false; }),

@@ -58,8 +58,8 @@ INSTANTIATE_TEST_SUITE_P(
         VerdictCase{"RefusedUser", true, kYes, Status::kRefused, true, false,
                     "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: unknown user"},
         VerdictCase{"DroppedUser", true, kYes, Status::kOnlyDiscovered, true, false,
-                    "ping, SNMPv1 and SNMPv3 answer; SNMPv3 with this user gets no answer that "
-                    "can be read: a wrong privacy password, or a device that drops what it "
+                    "ping, SNMPv1 and SNMPv3 answer; SNMPv3 with this user gets no readable "
+                    "answer: wrong privacy password, or the device drops requests that it "
                     "refuses"},
         VerdictCase{"NotSent", false, Status::kSendFailed, Status::kSendFailed, true, false,
                     "nothing could be sent: no route to the device, or no network"}),

@@ -203,26 +203,26 @@ TEST(ScanFile, IsRefusedWithLineAndReason) {
         const char *part, *instead, *problem;
     };
     for (const Case& one : {
-             Case{"vndiscover-scan", "scan", "line 1: no scan"},
+             Case{"vndiscover-scan", "scan", "line 1: not a scan"},
              {"\"version\":1", "\"version\":2", "line 1: version 2 of the format, only 1 can"},
              {"\"version\":1,", "", "line 1: \"version\" is missing"},
-             {"\"snmpv1\"", "\"snmpv2\"", "line 3: \"kind\" is not known"},
-             {"\"splits\":[[0,1]]", "\"splits\":7", "line 7: \"splits\" is no array"},
-             {"[0,1]", "[0,2]", "line 7: a split is no number that it can be"},
-             {"[0,1]", "[0]", "line 7: a split has two answers"},
+             {"\"snmpv1\"", "\"snmpv2\"", "line 3: \"kind\" is unknown"},
+             {"\"splits\":[[0,1]]", "\"splits\":7", "line 7: \"splits\" is not an array"},
+             {"[0,1]", "[0,2]", "line 7: a split is not a valid number"},
+             {"[0,1]", "[0]", "line 7: a split does not have two answers"},
              {"\"A0\"", "\"A\"", "line 6: \"hex\" is not hexadecimal"},
-             {"\"a\"", "7", "line 5: \"text\" is no string"},
+             {"\"a\"", "7", "line 5: \"text\" is not a string"},
              {"fe80::1", "fe80::1/x", "line 6: \"address\" is not numeric"},
-             {"04:32:24Z", "04:32", "line 6: \"time\" is no time"},
-             {"{\"sweep\":0", "{\"sweep\":1", "line 5: \"sweep\" is no number that it can be"},
-             {"{\"sweep\":0", "{\"sweep\":0.5", "line 5: \"sweep\" is no number that it can be"},
-             {"{\"sweep\":0", "{\"sweep\":1e999", "line 5: \"sweep\" is no number"},
-             {"\".1.3\"", "\"x\"", "line 5: \"oid\" is no OID"},
-             {"\"type\":4", "\"type\":256", "line 5: \"type\" is no number that it can be"},
+             {"04:32:24Z", "04:32", "line 6: \"time\" is not a time"},
+             {"{\"sweep\":0", "{\"sweep\":1", "line 5: \"sweep\" is not a valid number"},
+             {"{\"sweep\":0", "{\"sweep\":0.5", "line 5: \"sweep\" is not a valid number"},
+             {"{\"sweep\":0", "{\"sweep\":1e999", "line 5: \"sweep\" is not a valid number"},
+             {"\".1.3\"", "\"x\"", "line 5: \"oid\" is not an OID"},
+             {"\"type\":4", "\"type\":256", "line 5: \"type\" is not a valid number"},
              {"\"a\"", "\"a\\u0000\"", "line 5: a zero byte"},
-             {"\"a\"", "[[[[[[[[[[0]]]]]]]]]]", "line 5: nested too deep"},
-             {"\"hex\"", "hex", "line 6: no JSON"},
-             {"]]\n}", "]]\n} 5", "line 8: no JSON"},
+             {"\"a\"", "[[[[[[[[[[0]]]]]]]]]]", "line 5: nested too deeply"},
+             {"\"hex\"", "hex", "line 6: not JSON"},
+             {"]]\n}", "]]\n} 5", "line 8: not JSON"},
          }) {
         std::string text = kGood;
         const size_t at = text.find(one.part);
@@ -246,7 +246,7 @@ TEST(ScanFile, OfAnyLengthButTheWholeIsRefused) {
     std::string many = "[";
     for (int i = 0; i < 4000001; ++i) many += "0,";
     EXPECT_FALSE(ReadScan(many, problem));
-    EXPECT_EQ("line 1: more values than a scan has", problem);
+    EXPECT_EQ("line 1: more values than a scan may have", problem);
 }
 
 TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {

@@ -45,8 +45,8 @@ TEST(OidText, IsNumericWithOrWithoutTheLeadingDot) {
 }
 
 TEST(OidRequests, HaveTwoByteArcsAndALimit) {
-    for (const Oid& oid : {Oid{1, 3, 16383}, Oid{2, 47}, Oid{1}}) EXPECT_FALSE(GoesOutWrong(oid));
-    for (const Oid& oid : {Oid{1, 3, 6, 16384, 1}, Oid{2, 48}}) EXPECT_TRUE(GoesOutWrong(oid));
+    for (const Oid& oid : {Oid{1, 3, 16383}, Oid{2, 47}, Oid{1}}) EXPECT_FALSE(IsMisencoded(oid));
+    for (const Oid& oid : {Oid{1, 3, 6, 16384, 1}, Oid{2, 48}}) EXPECT_TRUE(IsMisencoded(oid));
     EXPECT_FALSE(FitsRequest({1}));
     Oid oid(125, 1);  // the first two arcs are one octet
     EXPECT_TRUE(FitsRequest(oid));

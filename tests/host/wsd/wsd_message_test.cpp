@@ -49,7 +49,7 @@ fe80::2          wprt:PrintDeviceType {urn:x}Fax
                  http://10.0.0.1:80/a
                  http://[fe80::1]/b
                  urn:uuid:1
-10.0.0.3         (a reply that is no ProbeMatches: see --raw)
+10.0.0.3         (a reply that is not ProbeMatches: see --raw)
 10.0.0.4         {http://www.w3.org/2003/05/soap-envelope}n#one
                  http://a/#
                  #[2J
