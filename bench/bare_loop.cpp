@@ -6,9 +6,9 @@ namespace vndiscover {
 namespace {
 
 constexpr uint16_t kSnmpPort = 161;
-constexpr int kRaisedBytes = 4 * 1024 * 1024;  // as the module
+constexpr int kRaisedBytes = 4 * 1024 * 1024;  // as in the module
 constexpr timeval kAnswerWait = {2, 0};
-constexpr timeval kSilence = {2, 0};  // as the module
+constexpr timeval kSilence = {2, 0};  // as in the module
 
 constexpr uint8_t kSysNameRequest[] = {
     0x30, 0x26, 2, 1, 0,    4,    6,    's',  'e', 's', 'a',  'm', 'e', 0xA0, 0x19, 2, 1, 1, 2, 1,

@@ -1,4 +1,4 @@
-// What the same work costs without the module: the least a program can do with the socket calls.
+// The same work without the module, with the fewest socket calls that a program can make.
 #pragma once
 
 #include <cstdint>
@@ -12,15 +12,15 @@ struct Bytes {
     int length;
 };
 
-// SNMPv1 GetRequests of community "sesame", made by hand.
+// Handmade SNMPv1 GetRequests with the community "sesame".
 extern const Bytes kAskSysName;
 extern const Bytes kAskDiscoveryOid;
 
-// Open, bind, send, select, receive, close. Bytes received; 0 after 2 s of silence.
+// Open, bind, send, select, receive, close. Returns the bytes received; 0 after 2 s of silence.
 int BareExchange(const char* host, const Bytes& request, char* answer, int answerSize);
 
-// Sends the discovery request to the broadcast address and receives (select, receive) until 2 s
-// have passed silently or `most` answers are there. Their count.
+// Broadcasts the discovery request and receives (select, receive) until no answer has come for 2 s,
+// or `most` have. Returns their number.
 int BareCollect(bool raisesBuffer, int most);
 
 }  // namespace vndiscover

@@ -47,7 +47,7 @@ int SweepUnseen() { return DiscoverDevices(nullptr, 0, 0, 0, nullptr, nullptr, n
 int Raised() { return BareCollect(true, kTableEntries); }
 int Unraised() { return BareCollect(false, kTableEntries); }
 
-// What `collect` keeps of a full table's worth of answers.
+// How many of as many answers as the table holds `collect` keeps.
 template <class Collect>
 double Kept(const AnswerPlan& plan, Collect&& collect) {
     PlanAnswers(plan);
@@ -71,8 +71,8 @@ void Burst(benchmark::State& state) {
 }
 BENCHMARK(Burst)->Iterations(5)->Unit(benchmark::kMillisecond);
 
-// The search for one party's highest rate: doubling (or halving, where the first is too fast) until
-// a rate that holds and one that does not are known, then narrowing the gap.
+// Searches for the highest rate without loss: doubles it (or halves it, if the first is too fast)
+// until one rate succeeds and one fails, then narrows the gap.
 class RateSearch {
   public:
     bool IsOver() const { return held_ != 0 && tooFast_ != 0 && tooFast_ / held_ < 1.06; }
@@ -89,8 +89,8 @@ class RateSearch {
     double tooFast_ = 0;
 };
 
-// Two of three tries without loss. The datagrams are filled up to `size`, so that the socket's
-// buffer holds but a part of them: else it would take the whole burst, and any rate would do.
+// Succeeds if two of three tries lose nothing. The datagrams are padded to `size` so that the
+// socket's buffer cannot hold all of them: otherwise it would take the whole burst at any rate.
 template <class Collect>
 bool Holds(double rate, int size, Collect&& collect) {
     int without = 0, with = 0;
@@ -119,7 +119,7 @@ BENCHMARK(SteadyRate)
     ->Repetitions(3)
     ->Unit(benchmark::kSecond);
 
-// CPU time of one answer: a sweep of a full table less one that nobody answers, with and without a
+// CPU time per answer: of a sweep with a full table, less one without answers, with and without a
 // window.
 void CollectionCost(benchmark::State& state) {
     const CpuClock clock;

@@ -11,7 +11,7 @@
 namespace vndiscover {
 namespace {
 
-constexpr size_t kNameBytes = 15;  // what the system keeps of a process's name
+constexpr size_t kNameBytes = 15;  // of a process's name, which the system truncates
 
 std::string ReadText(const std::string& path) {
     char text[128] = {};
@@ -39,7 +39,7 @@ double Microseconds(const FILETIME& time) {
 
 }  // namespace
 
-// The lab has a process table of its own with one Wine server, and one of these programs at a time.
+// The lab has its own process table, with one Wine server and one of these programs at a time.
 CpuClock::CpuClock() {
     const std::string own = OwnName();
     WIN32_FIND_DATAA entry;

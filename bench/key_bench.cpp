@@ -1,5 +1,5 @@
-// One localised key against one plain hash of 1 MiB, by authentication code, in CPU time: each
-// takes milliseconds, in which a busy machine would interrupt it.
+// One localised key against one plain hash of 1 MiB, by authentication code, in CPU time, since
+// each takes milliseconds, during which a busy machine would interrupt it.
 #include <benchmark/benchmark.h>
 
 #include <vector>
@@ -41,7 +41,7 @@ void LocalisedKey(benchmark::State& state) {
     const std::vector<uint8_t> zeros(kMebibyte, 'x');
     const ByteBuffer mebibyte = BufferOf(zeros.data(), zeros.size());
     const CpuClock clock;
-    // One for both, and opened: what the platform takes for that would hide a difference.
+    // Shared and already opened: opening takes long enough to hide a difference.
     CryptoSession crypto;
     ByteBuffer digest;
     crypto.Hash(hashCode, engine, digest);
@@ -61,7 +61,7 @@ BENCHMARK(LocalisedKey)
     ->Args({kAuthMd5, kAuthMd5})
     ->Args({kAuthSha1, kAuthSha1})
     ->Args({kAuthSha224, kAuthSha224})
-    ->Args({kAuthSha224, kAuthSha256})  // the platform's, which runs the same rounds
+    ->Args({kAuthSha224, kAuthSha256})  // the platform's SHA-256 runs the same rounds
     ->Args({kAuthSha256, kAuthSha256})
     ->Args({kAuthSha384, kAuthSha384})
     ->Args({kAuthSha512, kAuthSha512})

@@ -9,7 +9,7 @@ namespace {
 
 constexpr uint16_t kControlPort = 9161;
 constexpr DWORD kControlWaitMs =
-    20000;  // the answerer listens again when it has sent all its answers
+    20000;  // the answerer listens again once it has sent all its answers
 
 std::string AskAnswerer(const std::string& words) {
     const SOCKET control = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);

@@ -1,8 +1,8 @@
 #!/bin/bash
 # lab.sh BIN: runs the measurements of the programs in BIN inside private-net.sh (scripts/bench.sh starts it).
-# Writes raw results into the current folder; results of groups that are not run again stay.
-#   BENCH_GROUPS       of directed keys library growth collection codec v3; all by default
-#   BENCH_REPETITIONS  of each sweep of the growth; 3 by default
+# Writes raw results into the current folder, and keeps those of groups that are not run again.
+#   BENCH_GROUPS       some of: directed keys library growth collection codec v3; all by default
+#   BENCH_REPETITIONS  of each sweep in the group growth; 3 by default
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 lab=$here/../scripts/lab
@@ -10,8 +10,8 @@ bin=$1
 Say() { printf '== %s\n' "$*" >&2; }
 
 "$lab/test-net.sh"
-ip netns del netb # a sweep is one adapter's then
-# Measured against other work on the machine as little as may be.
+ip netns del netb # so that a sweep has one adapter
+# Other work on the machine should disturb the measurements as little as possible.
 renice -n -10 -p $$ >/dev/null 2>&1 || true
 
 agent=$("$lab/snmp-agent.sh" neta agent <<'END'
@@ -41,14 +41,14 @@ Library() {
     MIBS='' ip netns exec host "$bin/netsnmp_loop" 10.77.1.11 >netsnmp.json 2>netsnmp.log
 }
 
-# Lines "DEVICES KEYS" ('-': not in JSON mode), each a sweep in a process of its own.
+# Lines "DEVICES KEYS" ('-': not in JSON mode), each for a sweep in its own process.
 Growth() {
     Say "growth: devices, JSON keys, memory"
-    : >probe.jsonl
+    : >sweeps.jsonl
     local devices keys
     while read -r devices keys; do
         for _ in $(seq "${BENCH_REPETITIONS:-3}"); do
-            Wine "$bin/vndiscover_probe.exe" "$devices" "$keys" >>probe.jsonl
+            Wine "$bin/vndiscover_one_sweep.exe" "$devices" "$keys" >>sweeps.jsonl
         done
     done <<'END'
 0 -
@@ -71,24 +71,24 @@ Growth() {
 END
 }
 
-# Thousands of SNMPv3 devices in one process, and SNMPv1 by the same process to compare with.
+# Thousands of SNMPv3 devices in one process, which also answers SNMPv1 for comparison.
 V3() {
     Say "SNMPv3: sweeps of 8,192 devices"
-    kill "$agent" # it holds the port
+    kill "$agent" # frees the port
     ip -n neta route add local 10.80.0.0/16 dev lo
     ip -n host route add 10.80.0.0/16 via 10.77.1.2
-    : >probe-v3.jsonl
+    : >sweeps-v3.jsonl
     local auth priv authLabel privLabel devices
     while read -r auth priv authLabel privLabel; do
         exec 4< <(exec ip netns exec neta "$bin/v3_devices" 10.80.0.1 8192 "$auth" "$priv")
         devices=$!
         read -r -t 20 word <&4 && [ "$word" = ready ] || { echo "lab.sh: no v3_devices" >&2; exit 1; }
         if [ "$auth" = sha256 ]; then
-            Wine "$bin/vndiscover_probe.exe" 8192 0 - - >>probe-v3.jsonl
-            Wine "$bin/vndiscover_probe.exe" 8192 1 - - >>probe-v3.jsonl
+            Wine "$bin/vndiscover_one_sweep.exe" 8192 0 - - >>sweeps-v3.jsonl
+            Wine "$bin/vndiscover_one_sweep.exe" 8192 1 - - >>sweeps-v3.jsonl
             MIBS='' ip netns exec host "$bin/netsnmp_v3" 10.80.0.1 2000 >netsnmp-v3.json 2>netsnmp-v3.log
         fi
-        Wine "$bin/vndiscover_probe.exe" 8192 - "$authLabel" "$privLabel" >>probe-v3.jsonl
+        Wine "$bin/vndiscover_one_sweep.exe" 8192 - "$authLabel" "$privLabel" >>sweeps-v3.jsonl
         kill "$devices"
     done <<'END'
 sha256 aes SHA-2(256) AES

@@ -20,15 +20,15 @@ class Report:
         for path in sorted(self.folder.glob("bench-*.json")):
             try:
                 benchmarks = json.loads(path.read_text())["benchmarks"]
-            except ValueError:  # of a run that was ended
+            except ValueError:  # the run was interrupted
                 continue
             for run in benchmarks:
                 if run.get("run_type") == "iteration" and not run.get("error_occurred"):
                     self.runs[run["run_name"].split("/")[0] + self.arguments(run)].append(run)
-        self.probes = []
-        probes = self.folder / "probe.jsonl"
-        if probes.exists():
-            self.probes = [json.loads(line) for line in probes.read_text().splitlines() if line.startswith("{")]
+        self.sweeps = []
+        sweeps = self.folder / "sweeps.jsonl"
+        if sweeps.exists():
+            self.sweeps = [json.loads(line) for line in sweeps.read_text().splitlines() if line.startswith("{")]
 
     @staticmethod
     def arguments(run):
@@ -46,16 +46,16 @@ class Report:
         return statistics.median(values) if values else None
 
     def ratio(self, name, of="us"):
-        """Median over the repetitions of each one's own ratio."""
+        """Median of the ratios of the repetitions."""
         values = [run["ours_" + of] / run["bare_" + of] for run in self.runs.get(name, []) if run.get("bare_" + of)]
         return statistics.median(values) if values else None
 
-    def probe(self, field, devices, keys=-1):
-        values = [p[field] for p in self.probes if p["devices"] == devices and p["keys"] == keys]
+    def sweep(self, field, devices, keys=-1):
+        values = [p[field] for p in self.sweeps if p["devices"] == devices and p["keys"] == keys]
         return statistics.median(values) if values else None
 
     def row(self, what, measured, unit="", target="", met=None):
-        """A row without a mark has met=None; without a value it says so."""
+        """met=None makes a row without a mark; measured=None makes one that says so."""
         if measured is None:
             self.rows.append({"what": what, "measured": None, "unit": unit, "target": target, "met": None})
             return
@@ -87,7 +87,7 @@ class Report:
         self.row("CPU per exchange: bare loop, native", library.get("bare_cpu_us"), "us")
         if not library or None in (ours, bare):
             return
-        # Both as multiples of what the system takes for the bare calls: Wine's own cost falls out.
+        # Both as multiples of the bare calls on the same system, which removes the cost of Wine.
         theirs = library["library_cpu_us"] / library["bare_cpu_us"]
         self.row("net-snmp's library / native bare loop, CPU", theirs)
         self.most("directed get / Wine's bare loop, CPU: no more than net-snmp's", ours / bare, round(theirs, 3))
@@ -112,12 +112,12 @@ class Report:
         self.row("the same with Wine's server: bare", self.counter("CollectionCost", "bare_with_server_us"), "us")
 
     def devices(self):
-        idle, many = self.probe("cpu_us", 0), self.probe("cpu_us", 8000)
+        idle, many = self.sweep("cpu_us", 0), self.sweep("cpu_us", 8000)
         if None in (idle, many):
             return
         self.row("CPU per delivered device, collected and delivered", (many - idle) / 8000, "us")
         for keys in (0, 1):
-            cpu = self.probe("cpu_us", 8000, keys)
+            cpu = self.sweep("cpu_us", 8000, keys)
             if cpu is not None:
                 self.row(f"CPU per delivered device, JSON with {keys} OIDs", (cpu - idle) / 8000, "us")
 
@@ -154,10 +154,10 @@ class Report:
     def v3(self):
         lines = lambda name: [json.loads(line) for line in (self.folder / name).read_text().splitlines()
                               if line.startswith("{")] if (self.folder / name).exists() else []
-        probes = lines("probe-v3.jsonl")
+        sweeps = lines("sweeps-v3.jsonl")
         beyond = lambda p: (p["elapsed_us"] / 1e6 - SILENCE_S) / max(p["delivered"], 1) * 1e3
         exchanges = {}
-        for p in probes:
+        for p in sweeps:
             if p["auth"] == "-":
                 exchanges[p["keys"]] = beyond(p)
                 continue
@@ -186,7 +186,7 @@ class Report:
 
     def memory(self):
         def over(field):
-            values = [p[field] for p in self.probes]
+            values = [p[field] for p in self.sweeps]
             return statistics.median(values) if values else None
         loaded = over("loaded_bytes")
         self.row("load, first in the process", over("first_load_us"), "us")
@@ -196,13 +196,13 @@ class Report:
         self.row("resident: host without the module", bare and bare / MIB, "MiB")
         self.most("resident: more with the module loaded", loaded and loaded / MIB, 2, "MiB")
         for devices in (1, 100, 8192):
-            swept = self.probe("swept_bytes", devices)
+            swept = self.sweep("swept_bytes", devices)
             self.row(f"resident: more after a sweep of {devices:,}", None if swept is None else swept / MIB, "MiB")
 
     # ------------------------------------------------------------ growth
     def points(self, field, keys=None, devices=None):
         chosen = collections.defaultdict(list)
-        for p in self.probes:
+        for p in self.sweeps:
             if keys is not None and p["keys"] == keys and p["devices"] not in (0, 8192):
                 chosen[p["devices"]].append(field(p))
             if devices is not None and p["devices"] == devices and p["keys"] >= 0:
@@ -254,8 +254,8 @@ class Report:
         return "\n".join(out)
 
     def growth_rows(self):
-        lost = [p for p in self.probes if p["delivered"] != p["devices"]]
-        self.row("growth: sweeps that lost answers", float(len(lost)), f"of {len(self.probes)}")
+        lost = [p for p in self.sweeps if p["delivered"] != p["devices"]]
+        self.row("growth: sweeps that lost answers", float(len(lost)), f"of {len(self.sweeps)}")
 
     def run(self):
         self.directed()

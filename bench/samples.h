@@ -1,4 +1,4 @@
-// Two pieces of work measured in turn, so that whatever else the machine does meets both alike.
+// Measures two pieces of work in turn, so that other load on the machine affects both alike.
 #pragma once
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace vndiscover {
 
-// Sorts samples. 0 without any.
+// Sorts the samples. 0 if there are none.
 inline double Median(std::vector<double>& samples) {
     if (samples.empty()) return 0;
     std::sort(samples.begin(), samples.end());
@@ -15,7 +15,8 @@ inline double Median(std::vector<double>& samples) {
     return samples.size() % 2 ? samples[middle] : (samples[middle - 1] + samples[middle]) / 2;
 }
 
-// Nearer to what a quiet machine gives than the median. samples: sorted, as Median leaves them.
+// Closer to the result of an idle machine than the median. The samples must be sorted, as after
+// Median.
 inline double LowerQuartile(const std::vector<double>& samples) {
     return samples.empty() ? 0 : samples[samples.size() / 4];
 }
@@ -32,7 +33,7 @@ struct Pair {
     std::vector<double> ours;
     std::vector<double> bare;
 
-    // measure(work) gives the sample. Each goes first in every other turn.
+    // measure(work) returns a sample. The two alternate in going first.
     template <class Measure, class Ours, class Bare>
     void Turn(Measure&& measure, Ours&& doOurs, Bare&& doBare) {
         const bool oursFirst = ours.size() % 2 == 0;

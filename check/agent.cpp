@@ -39,7 +39,7 @@ uint16_t UdpSocket::Port() const {
     int size = sizeof bound;
     getsockname(socket_, reinterpret_cast<sockaddr*>(&bound), &size);
     return ntohs(
-        reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);  // at the same place in both
+        reinterpret_cast<const sockaddr_in*>(&bound)->sin_port);  // at the same offset in both
 }
 
 bool UdpSocket::IsReadable(int waitMs) const {
@@ -57,7 +57,7 @@ Agent::Agent(const char* address, uint16_t port, Answers answer)
 
 Agent::Agent(const char* group, uint16_t port, const char* interfaceAddress, Answers answer)
     : socket_(AF_INET), answer_(std::move(answer)) {
-    // The system's own responder has the port too.
+    // The system's own responder uses the port too.
     const BOOL shares = TRUE;
     ip_mreq membership = {};
     inet_pton(AF_INET, group, &membership.imr_multiaddr);

@@ -1,4 +1,4 @@
-// A responder on a loopback address, with a thread of its own.
+// A responder on a loopback address, with its own thread.
 #pragma once
 
 #include <atomic>
@@ -19,7 +19,7 @@ class UdpSocket {
     UdpSocket& operator=(const UdpSocket&) = delete;
     SOCKET Get() const { return socket_; }
 
-    // Both: 0 or WinSock's error.
+    // Both return 0 or WinSock's error.
     int Bind(const char* address, uint16_t port);
     int Set(int level, int option, const void* value, int size);
     uint16_t Port() const;
@@ -31,18 +31,18 @@ class UdpSocket {
 
 sockaddr_in LoopbackAddress(const char* address, uint16_t port);
 
-// Calls `answer` with every datagram that comes from a loopback address, and sends back what it
-// returns, until the object ends.
+// Until it is destroyed, calls `answer` with every datagram that comes from a loopback address and
+// sends back the result.
 class Agent {
   public:
     using Answers = std::function<std::vector<Bytes>(const Bytes& request)>;
 
     Agent(const char* address, uint16_t port, Answers answer);
-    // A responder of a multicast group, by the loopback's own interface.
+    // A member of a multicast group, on the loopback interface.
     Agent(const char* group, uint16_t port, const char* interfaceAddress, Answers answer);
     ~Agent();
 
-    int Error() const { return error_; }  // of the bind or the join; 0: it listens
+    int Error() const { return error_; }  // of the bind or the join; 0: it is listening
 
   private:
     void Serve();

@@ -1,4 +1,4 @@
-// Enough BER (ITU-T X.690) for one SNMP request and its answer.
+// The part of BER (ITU-T X.690) that SNMP requests and answers need.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +18,8 @@ Bytes Integer(int32_t value);
 // The content octets of an OID in dotted text, for example ".1.3.6.1.2.1.1.1.0".
 Bytes OidOf(const std::string& dotted);
 
-// Reads values one after the other. What does not fit or has another tag reads as empty, and the
-// reader has failed from then on.
+// Reads values in sequence. One that does not fit or has another tag reads as empty, and the reader
+// has then failed.
 class BerReader {
   public:
     explicit BerReader(const Bytes& bytes) : at_(bytes.data()), end_(bytes.data() + bytes.size()) {}

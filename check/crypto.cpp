@@ -64,7 +64,7 @@ Bytes Sha224(Bytes message) {
     return digest;
 }
 
-// A context for as long as the program runs; 0 where the system has no such provider.
+// A context that is kept while the program runs; 0 if the system has no such provider.
 HCRYPTPROV Provider() {
     static const HCRYPTPROV provider = [] {
         HCRYPTPROV opened = 0;

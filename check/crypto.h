@@ -1,5 +1,5 @@
-// The agents' side of SNMPv3: hashes and ciphers from the system's older crypto library, other than
-// the module's by provider and by how they are called; SHA-224, which it lacks, is written out.
+// The agents' side of SNMPv3: hashes and ciphers of CryptoAPI, but with another provider and other
+// calls than the module's; SHA-224, which it lacks, is implemented here.
 #pragma once
 
 #include "check/ber.h"

@@ -1,5 +1,5 @@
-// The two crypto libraries, called with the module's own providers, algorithms and flags; results
-// as FIPS 81, RFC 2202, FIPS 180-4 and RFC 4231 print them.
+// CryptoAPI and CNG, called with the module's providers, algorithms and flags. The expected results
+// are those of FIPS 81, RFC 2202, FIPS 180-4 and RFC 4231.
 #include "check/windows_headers.h"
 
 #include <bcrypt.h>
@@ -68,7 +68,7 @@ std::string DesBlock() {
     return text;
 }
 
-// Two blocks without padding, which the final flag would demand.
+// Two blocks without padding, which the final flag would require.
 std::string DesDecryption() {
     const Provider provider(MS_DEF_PROV_A, CRYPT_VERIFYCONTEXT);
     const HCRYPTKEY key = PlainKey(provider.handle, CALG_DES, kDesKey, 0);
@@ -104,7 +104,7 @@ std::string OlderHmac(ALG_ID algorithm, const Bytes& key) {
     return text;
 }
 
-// The first eight bytes. With a key: the HMAC.
+// The first eight bytes of the hash, or of the HMAC if there is a key.
 std::string NewerHash(const wchar_t* name, const char* key, const char* message) {
     const ULONG flags = key ? BCRYPT_ALG_HANDLE_HMAC_FLAG : 0;
     const auto bytes = [](const char* text) {

@@ -7,7 +7,7 @@ namespace check {
 namespace {
 
 constexpr uint8_t kGetNext = 0xA1, kResponse = 0xA2, kSet = 0xA3;
-constexpr uint8_t kNoSuchObject = 0x80, kEndOfMibView = 0x82;  // version 3 alone
+constexpr uint8_t kNoSuchObject = 0x80, kEndOfMibView = 0x82;  // SNMPv3 only
 constexpr int32_t kNoSuchName = 2;
 
 }  // namespace
@@ -33,7 +33,7 @@ Bytes Device::Answer(const Bytes& request) {
     problem_.clear();
     BerReader message = BerReader(request).Enter(kSequence);
     const int32_t version = message.Number();
-    if (message.Failed()) return Nothing("the request is no SNMP message");
+    if (message.Failed()) return Nothing("the request is not an SNMP message");
     return version == 3 ? AnswerV3(request) : AnswerV1(request);
 }
 

@@ -26,9 +26,9 @@ class Device {
   public:
     Device();
 
-    // Whoever asks over SNMPv3 from now on is called kUserName and has these protocols.
+    // The protocols of the user kUserName, for SNMPv3 requests from now on.
     void SetUser(User user);
-    // Empty: there is no answer, and Problem says why.
+    // Empty if there is no answer; Problem then says why.
     Bytes Answer(const Bytes& request);
     std::string Problem() const;
 
@@ -49,7 +49,7 @@ class Device {
     Bytes Nothing(const std::string& why);
 
     mutable std::mutex mutex_;
-    std::map<Bytes, Variable> variables_;  // by OID; in an order that holds for these few
+    std::map<Bytes, Variable> variables_;  // by OID; bytes happen to sort these few correctly
     User user_;
     Bytes authKey_, privKey_;
     std::string problem_;

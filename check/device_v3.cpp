@@ -102,7 +102,7 @@ Bytes Device::Message(const V3Request& request, uint8_t flags, const Bytes& scop
     return with(Mac(user_.digest, authKey_, with(Bytes(MacSize(user_.digest)))));
 }
 
-// The scoped PDU as the request carried it; empty, with the problem noted, where it cannot be had.
+// The scoped PDU of the request; empty, with the problem noted, if it cannot be decrypted.
 Bytes Device::Decrypted(const V3Request& request, const Bytes& datagram) {
     const uint8_t expected = uint8_t((user_.digest != Digest::kNone ? kAuthFlag : 0) |
                                      (user_.cipher != Cipher::kNone ? kPrivFlag : 0));
@@ -111,7 +111,7 @@ Bytes Device::Decrypted(const V3Request& request, const Bytes& datagram) {
         Bytes zeroed = datagram;
         std::fill_n(zeroed.begin() + std::ptrdiff_t(request.macAt), request.mac.size(), uint8_t{0});
         if (request.mac != Mac(user_.digest, authKey_, zeroed)) {
-            return Nothing("the request's authentication code is wrong");
+            return Nothing("the request's HMAC is wrong");
         }
     }
     if (!(expected & kPrivFlag)) return request.data;

@@ -1,4 +1,4 @@
-// Sweeps: on the loopback with the adapters hidden from the module, or in every network.
+// Sweeps: on the loopback, with the adapters hidden from the module, or in every network.
 #include "check/agent.h"
 #include "check/rows.h"
 

@@ -1,5 +1,4 @@
-// Loading and unloading. DllMain runs under the loader lock, also when a sweep has used sockets
-// before.
+// Loading and unloading. DllMain runs under the loader lock, even after a sweep has used sockets.
 #include "check/windows_headers.h"
 
 #include <psapi.h>
@@ -13,7 +12,7 @@ namespace {
 
 constexpr int kRounds = 2000;
 constexpr DWORD kUnloadLimitMs = 20000;
-constexpr DWORD kHandlesOfItsOwn = 16;  // that the system opens once and keeps
+constexpr DWORD kHandlesOfItsOwn = 16;  // opened once and kept by the system
 constexpr SIZE_T kMemoryOfItsOwn = 4u << 20;
 
 DWORD Handles() {
@@ -30,19 +29,19 @@ SIZE_T Memory() {
 
 std::string SweepAndUnload() {
     Module module;
-    if (!module.IsUsable() || !module.HideAdapters()) return "it cannot be used";
+    if (!module.IsUsable() || !module.HideAdapters()) return "the module cannot be used";
     ResultWindow window;
     module.DiscoverSoap(window.Handle(), ResultWindow::kMessage, 1000, "<Probe/>", 8);
     return module.Unload() ? "returns, the module is gone" : "returns, the module stays";
 }
 
-// On a thread of its own, since it may never return.
+// On a separate thread, since it may never return.
 std::string WithinLimit(std::string (*work)()) {
     struct Shared {
         std::string text;
         HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     };
-    auto* shared = new Shared;  // the thread's too, should it hang
+    auto* shared = new Shared;  // not freed here: the thread uses it if it hangs
     std::thread([shared, work] {
         shared->text = work();
         SetEvent(shared->done);
@@ -66,7 +65,7 @@ void LoadingRows(Report& report) {
         report.NotSeen(name, expected, "the module cannot be unloaded");
         return;
     }
-    { Module first; }  // what the system keeps from then on is not counted
+    { Module first; }  // so that what the system keeps after a first load is not counted
     const DWORD handles = Handles();
     const SIZE_T memory = Memory();
     int rounds = 0;

@@ -1,9 +1,9 @@
-// windows_check.exe [--network] [--report FILE]: tells whether this system does what
-// VnDiscover.dll, beside this program, rests on. Needs no lab and no administrator.
+// windows_check.exe [--network] [--report FILE]: checks that this system behaves as VnDiscover.dll,
+// beside this program, requires. Needs no lab and no administrator.
 //
-// Everything happens on the loopback, unless --network is given: then datagrams leave by every
-// adapter. The report goes to FILE, windows_check.md if none is named. Exit code: 0 all as
-// expected, 1 something is different, 2 it could not run.
+// Stays on the loopback unless --network is given, which sends datagrams on every adapter. The
+// report goes to FILE, by default windows_check.md. Exit code: 0 all as expected, 1 something is
+// different, 2 it could not run.
 #include <cstdio>
 #include <cstring>
 
@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kUsage[] =
     "windows_check [--network] [--report FILE]\n\n"
-    "Tells whether this system does what VnDiscover.dll, beside this program, rests on, and "
+    "Checks that this system behaves as VnDiscover.dll, beside this program, requires, and "
     "writes\n"
     "a report (windows_check.md) without names and addresses of this computer.\n\n"
     "  --network      also sends into every network that this computer is attached to:\n"

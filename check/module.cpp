@@ -12,7 +12,7 @@ std::wstring BesideProgram(const wchar_t* fileName) {
     return folder.substr(0, folder.find_last_of(L"\\/") + 1) + fileName;
 }
 
-// Where the module keeps the address of an imported function; null where it does not import it.
+// The module's import table entry for a function; null if it does not import it.
 void** ImportSlot(HMODULE module, const char* name) {
     auto* base = reinterpret_cast<BYTE*>(module);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);

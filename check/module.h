@@ -16,12 +16,12 @@ class Module {
     Module(const Module&) = delete;
     Module& operator=(const Module&) = delete;
 
-    DWORD Error() const { return error_; }                   // of the loading; 0: it is loaded
-    const std::string& Missing() const { return missing_; }  // the exports that it lacks
+    DWORD Error() const { return error_; }                   // of loading; 0: it is loaded
+    const std::string& Missing() const { return missing_; }  // the missing exports
     bool IsUsable() const { return handle_ && missing_.empty(); }
     // From now on the module finds no adapters, so that its sweeps stay on the loopback.
     bool HideAdapters();
-    // False where the system keeps it loaded.
+    // False if the system keeps it loaded.
     bool Unload();
 
 // clang-format off: it indents each entry further than the one before
@@ -58,7 +58,7 @@ class Module {
     std::string missing_;
 };
 
-// A function of a system library, looked up as the module does it; null where there is none.
+// A function of a system library, found as the module finds it; null if there is none.
 template <class Function>
 Function SystemFunction(const wchar_t* library, const char* name) {
     const HMODULE module = LoadLibraryW(library);

@@ -25,7 +25,7 @@ void Report::Row(const std::string& name, const std::string& expected, const std
                  const char* verdict) {
     rows_ += "| " + name + " | " + expected + " | " + seen + " | " + verdict + " |\n";
     std::printf("  %-10s %s: %s\n", verdict, name.c_str(), seen.c_str());
-    std::fflush(stdout);  // a row that hangs is then the one after the last that shows
+    std::fflush(stdout);  // if a row hangs, it is the one after the last one shown
 }
 
 std::string Report::Text(const std::string& system) const {

@@ -1,5 +1,5 @@
-// What is printed and sent back: rows of "expected" and "seen", and nothing that tells whose
-// computer it was: no name, no address, no text of the user's.
+// The report that is printed and sent back: rows of "expected" and "seen". It must not identify the
+// computer: it contains no name, no address and no text of the user's.
 #pragma once
 
 #include <string>
@@ -10,11 +10,11 @@ namespace check {
 class Report {
   public:
     void Section(const char* title);
-    // As expected where the two are the same text.
+    // As expected if the two texts are equal.
     void Add(const std::string& name, const std::string& expected, const std::string& seen);
     void NotSeen(const std::string& name, const std::string& expected, const std::string& reason);
 
-    // The whole as text: the system, the rows as tables, the counts.
+    // The whole report: the system, the rows as tables, the counts.
     std::string Text(const std::string& system) const;
     int Different() const { return different_; }
 

@@ -1,4 +1,4 @@
-// The directed requests, answered by agents on loopback addresses.
+// Directed requests, answered by agents on loopback addresses.
 #include <array>
 
 #include "check/agent.h"

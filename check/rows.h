@@ -1,4 +1,4 @@
-// The rows, one function for each section of the report.
+// One function for each section of the report.
 #pragma once
 
 #include "check/module.h"
@@ -11,7 +11,7 @@ void DiscoveryRows(Report& report, Module& module);
 void SocketRows(Report& report, bool mayUseNetwork);
 void SystemRows(Report& report, const Module& module);
 void CryptoRows(Report& report);
-// Need that nobody else has the module loaded.
+// The module must not be loaded by anything else.
 void LoadingRows(Report& report);
 // Sends into every network of this computer.
 void NetworkRows(Report& report, const Module& module);

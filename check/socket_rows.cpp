@@ -1,4 +1,4 @@
-// What the module's one datagram socket rests on.
+// What the module's datagram socket requires.
 #include "check/windows_headers.h"
 
 #include <iphlpapi.h>
@@ -28,12 +28,12 @@ std::string Received(const UdpSocket& socket) {
     return received >= 0 ? Number(received) + " bytes" : "error " + Number(WSAGetLastError());
 }
 
-// As the module receives: only what is there.
+// Receives like the module, only a datagram that is waiting.
 std::string Waiting(const UdpSocket& socket) {
     return socket.IsReadable(kShortWaitMs) ? Received(socket) : "nothing";
 }
 
-// A receive with SO_RCVTIMEO alone. Where it ignores the limit, a datagram of its own ends it.
+// A receive with SO_RCVTIMEO only. If the limit is ignored, a datagram to itself ends the wait.
 std::string ReceivedWithinLimit(const UdpSocket& socket) {
     std::string text;
     const HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -72,7 +72,7 @@ void ReceiveErrorRows(Report& report) {
 void BindRow(Report& report) {
     UdpSocket socket(AF_INET);
     report.Add("a bind of an address that is not this computer's", "error 10049",
-               "error " + Number(socket.Bind("192.0.2.1", 0)));  // of a network that nobody has
+               "error " + Number(socket.Bind("192.0.2.1", 0)));  // reserved for documentation
 }
 
 void OptionRows(Report& report) {
@@ -91,7 +91,7 @@ void OptionRows(Report& report) {
 
 using AddressList = std::vector<char>;
 
-// The record list, as the module asks for it; empty on failure.
+// The adapter list, read like the module reads it; empty on failure.
 AddressList ListAddresses(ULONG& error, int& calls) {
     AddressList list(15000);
     error = ERROR_BUFFER_OVERFLOW;
@@ -144,7 +144,7 @@ void AdapterRows(Report& report, const AddressList& six, ULONG sixError, int cal
     }
 }
 
-// The interface by which a multicast from this socket comes back to the same computer.
+// The interface through which a multicast from this socket returns to this computer.
 std::string LeavesBy(UdpSocket& socket, DWORD own) {
     UdpSocket receiver(AF_INET6);
     sockaddr_in6 any = {};

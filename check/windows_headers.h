@@ -1,4 +1,4 @@
-// The one place that knows the order in which the Windows headers must be included.
+// Includes the Windows headers in the order that they require.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN

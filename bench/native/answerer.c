@@ -1,8 +1,7 @@
-// answerer HOST_IP: plays devices in the measurements' network. On HOST_IP it answers
-//   port 161, broadcast  the first request behind a plan with the plan's answers
-//   port 161, unicast    each request at once with one answer
-//   port 9161            "plan COUNT PER_SECOND SIZE", "time" (microseconds that the last plan
-//   took)
+// answerer HOST_IP: simulates devices in the network for the measurements. On HOST_IP it answers
+//   port 161, broadcast  the first request after a plan, with the plan's answers
+//   port 161, unicast    each request at once, with one answer
+//   port 9161            "plan COUNT PER_SECOND SIZE", and "time" (microseconds of the last plan)
 // Prints "ready" when all sockets are open.
 #define _GNU_SOURCE
 #include <arpa/inet.h>

@@ -1,5 +1,5 @@
-// netsnmp_loop AGENT: one SNMPv1 get as open-get-close with the net-snmp library, and as a bare
-// loop of system calls, in turn. Prints the medians of CPU and elapsed time per exchange in
+// netsnmp_loop AGENT: one SNMPv1 get as open-get-close with the net-snmp library, alternating with
+// a bare loop of system calls. Prints the medians of CPU and elapsed time per exchange in
 // microseconds, as JSON.
 #define _GNU_SOURCE
 #include <net-snmp/net-snmp-config.h>

@@ -1,6 +1,6 @@
 // netsnmp_v3 FIRST_IP COUNT: asks COUNT devices of v3_devices.c (SHA-256, AES) for one value each
-// with the net-snmp library, as a sweep asks them: engine discovery and one authPriv request, the
-// user's keys derived once. Prints microseconds for a device, CPU and elapsed, as JSON.
+// with the net-snmp library, like a sweep: engine discovery and one authPriv request, with the
+// user's keys derived once. Prints CPU and elapsed microseconds per device, as JSON.
 #define _GNU_SOURCE
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>

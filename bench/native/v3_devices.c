@@ -1,11 +1,15 @@
-// v3_devices FIRST_IP COUNT AUTH PRIV: plays COUNT devices with one address each from FIRST_IP on,
-// all of which are this machine's own (`ip route add local`). AUTH: md5, sha1, sha256; PRIV: des,
+// v3_devices FIRST_IP COUNT AUTH PRIV: simulates COUNT devices with one address each from FIRST_IP
+// on, all of them this machine's own (`ip route add local`). AUTH: md5, sha1, sha256; PRIV: des,
 // aes; user "bench", passwords "authpass1" and "privpass1". On port 161
-//   an SNMPv3 engine discovery  is answered with a report: a broadcast one by each device, as fast
-//   as it goes an SNMPv3 request           is checked, decrypted and answered by the device asked;
-//   a wrong one is not answered an SNMPv1 request           is answered likewise, by each device or
-//   the one asked
-// The value is always an OCTET STRING "Model 00000", the number that of the device. Prints "ready".
+//
+//   an SNMPv3 engine discovery is answered with a report, a broadcast one by every device at full
+//   speed;
+//
+//   an SNMPv3 request is checked, decrypted and answered by its device, or ignored if it is wrong;
+//
+//   an SNMPv1 request is answered by its device, a broadcast one by every device.
+//
+// The value is always an OCTET STRING "Model 00000" with the number of the device. Prints "ready".
 #define _GNU_SOURCE
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <arpa/inet.h>
@@ -41,7 +45,7 @@ static unsigned char authKu[64], privKu[64];
 
 // ---------------------------------------------------------------- BER, read
 
-// The content of the next element, which `rest` then no longer holds; tag 0: there is none.
+// Takes the next element from `rest` and returns its content; tag 0: there is none.
 static Bytes Take(Bytes* rest, unsigned char* tag) {
     Bytes content = {rest->at, 0};
     *tag = 0;
@@ -83,7 +87,7 @@ static void Put(const void* bytes, size_t length) {
     memcpy(out + start, bytes, length);
 }
 
-// Tag and length in front of what was written since the mark, the value of `start` then.
+// Writes tag and length before what was written since the mark, an earlier value of `start`.
 static void Wrap(unsigned char tag, size_t mark) {
     const size_t length = mark - start;
     const unsigned char big[] = {tag, 0x82, (unsigned char)(length >> 8), (unsigned char)length};
@@ -183,8 +187,8 @@ static void EngineOf(int device, unsigned char* engine) {
     StoreNumber(firstIp + (uint32_t)device, engine + sizeof kPrefix);
 }
 
-// What goes around the scoped PDU, or around the OCTET STRING of it encrypted. Gives the place of
-// the MAC.
+// Writes what encloses the scoped PDU, or the OCTET STRING with the encrypted one. Returns the
+// position of the HMAC.
 static size_t PutMessage(long msgId, unsigned char flags, const unsigned char* engine, Bytes user,
                          const unsigned char* salt) {
     static const unsigned char kZeros[48];
@@ -254,7 +258,7 @@ static void Response(long msgId, Bytes user, Bytes requestId, Bytes oid, int dev
     memcpy(out + mac, code, macSize);
 }
 
-// An SNMPv1 answer, or without an OID none.
+// An SNMPv1 answer; none without an OID.
 static void CommunityAnswer(Bytes community, Bytes requestId, Bytes oid, int device) {
     start = sizeof out;
     PutPdu(0xA2, requestId, oid, device);
@@ -270,7 +274,7 @@ typedef struct {
     Bytes community, engine, user, requestId, oid;
 } Request;
 
-// The whole element that starts `rest`.
+// The whole element at the start of `rest`.
 static Bytes Whole(Bytes* rest) {
     Bytes whole = {rest->at, 0};
     Element(rest);
@@ -287,7 +291,7 @@ static void ReadPdu(Bytes* rest, Request* request) {
     request->oid = Whole(&binding);
 }
 
-// `datagram` is changed. False: it is not to be answered.
+// Changes `datagram`. False: it must not be answered.
 static int Read(unsigned char* datagram, size_t length, int device, Request* request) {
     Bytes rest = {datagram, length}, message = Element(&rest);
     unsigned char tag, engine[kEngineSize], key[64], code[64], plain[kLargest];
@@ -320,7 +324,7 @@ static int Read(unsigned char* datagram, size_t length, int device, Request* req
         if (memcmp(code, received, macSize) != 0) return 0;
         Localise(privKu, engine, key);
         Crypt(key, salt.at, scoped.at, scoped.length, plain, 0);
-        memcpy(datagram + (scoped.at - datagram), plain, scoped.length);  // stays with the caller
+        memcpy(datagram + (scoped.at - datagram), plain, scoped.length);  // outlives this function
         scoped = Element(&scoped);
     }
     Element(&scoped);

@@ -1,8 +1,8 @@
-// vndiscover_probe.exe DEVICES KEYS: one sweep in a process of its own, as a host makes it, with
-// DEVICES devices. KEYS: OIDs under "GET" of a JSON request, or "-" for a sweep without one. Prints
-// a line of JSON: times in microseconds, memory in bytes.
-// vndiscover_probe.exe DEVICES KEYS AUTH PRIV: the same over SNMPv3 with the labels of the
-// protocols, without KEYS' effect, and with AUTH "-" over SNMPv1; native/v3_devices.c plays DEVICES
+// vndiscover_one_sweep.exe DEVICES KEYS: measures one sweep of DEVICES devices in its own process,
+// as in a host. KEYS is the number of OIDs under "GET" of a JSON request, or "-" for a sweep
+// without one. Prints a line of JSON: times in microseconds, memory in bytes.
+// vndiscover_one_sweep.exe DEVICES KEYS AUTH PRIV: the same over SNMPv3 with these protocols, for
+// which KEYS has no effect, or over SNMPv1 if AUTH is "-"; native/v3_devices.c simulates the
 // devices.
 #include <cstdio>
 #include <cstdlib>
@@ -34,7 +34,7 @@ HWND MakeWindow() {
     WNDCLASSA windowClass = {};
     windowClass.lpfnWndProc = OnMessage;
     windowClass.hInstance = GetModuleHandleA(nullptr);
-    windowClass.lpszClassName = "VnDiscoverProbe";
+    windowClass.lpszClassName = "VnDiscoverOneSweep";
     RegisterClassA(&windowClass);
     return CreateWindowExA(0, windowClass.lpszClassName, "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                            windowClass.hInstance, nullptr);
@@ -53,7 +53,7 @@ struct Loading {
     double firstUs;
     double loadUs;
     double unloadUs;
-    uint64_t residentBytes;  // above the process without the module
+    uint64_t residentBytes;  // more than before the module was loaded
 };
 
 // Leaves the module loaded.
@@ -104,7 +104,7 @@ std::function<void()> SweepV1(HMODULE module, HWND window, const char* keys) {
 
 std::wstring Wide(const char* ascii) { return {ascii, ascii + std::strlen(ascii)}; }
 
-// auth null: the answerer answers as planned.
+// If auth is null, the answerer answers as planned.
 int Run(int devices, const char* keys, const char* auth, const char* priv) {
     const HWND window = MakeWindow();
     const uint64_t bareBytes = ResidentBytes();
