@@ -1,4 +1,4 @@
-# How our own code is compiled and linked. Third-party targets do not get `vndiscover_options`.
+# How our own code is compiled and linked. Third-party targets do not use `vndiscover_options`.
 add_library(vndiscover_options INTERFACE)
 set(VNDISCOVER_WARNINGS -Wall -Wextra -Werror)
 if(MSVC)
@@ -8,20 +8,20 @@ target_compile_options(vndiscover_options INTERFACE ${VNDISCOVER_WARNINGS})
 target_include_directories(vndiscover_options INTERFACE ${PROJECT_SOURCE_DIR}/src
                                                         ${PROJECT_SOURCE_DIR}/include)
 
-# The same commit gives the same bytes in every folder: no absolute paths, no link time. A debugger needs the paths.
+# A commit gives the same bytes in every folder: no absolute paths, no link times. A debugger needs the paths.
 if(NOT MSVC AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
                         -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
 endif()
 
 if(MINGW)
-    # Windows 7: the oldest system with every API that is linked rather than looked up.
+    # Windows 7: the oldest system that has every API which is linked rather than loaded at run time.
     target_compile_definitions(vndiscover_options INTERFACE _WIN32_WINNT=0x0601)
     add_link_options(-static -Wl,--no-insert-timestamp)
 endif()
 
 if(VNDISCOVER_SANITIZE STREQUAL "trap")
-    # GCC warns of paths that only its inserted checks make.
+    # GCC warns about paths that exist only because of the checks it inserts.
     add_compile_options(-fsanitize=undefined -fsanitize-undefined-trap-on-error
                         -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-array-bounds)
 elseif(VNDISCOVER_SANITIZE STREQUAL "address")

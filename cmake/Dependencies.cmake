@@ -1,5 +1,6 @@
-# Third-party code: vndiscover::cjson, vndiscover::crypto, vndiscover::pugixml, and for Windows vndiscover::cli11. The Windows ones are built once by scripts/build-deps.sh into a cache outside the build
-# tree and are linked statically; the native build takes the system's own.
+# Third-party code: vndiscover::cjson, vndiscover::crypto, vndiscover::pugixml, and for Windows vndiscover::cli11. For
+# Windows they are built once by scripts/build-deps.sh into a cache outside the build tree and linked statically; the
+# native build uses the system's libraries.
 function(_vndiscover_static name archive)
     add_library(vndiscover::${name} STATIC IMPORTED GLOBAL)
     set_target_properties(vndiscover::${name} PROPERTIES
@@ -19,9 +20,9 @@ elseif(WIN32)
                         OUTPUT_VARIABLE prefix OUTPUT_STRIP_TRAILING_WHITESPACE
                         RESULT_VARIABLE failed)
         if(failed)
-            message(FATAL_ERROR "scripts/build-deps.sh failed; its own message stands above")
+            message(FATAL_ERROR "scripts/build-deps.sh failed; see its message above")
         endif()
-        # Not cached: a security update of a dependency gives another prefix at the next configure.
+        # Not cached, so that a security update of a dependency changes the prefix at the next configure.
         set(VNDISCOVER_DEPS ${prefix})
     endif()
     message(STATUS "Dependencies: ${VNDISCOVER_DEPS}")

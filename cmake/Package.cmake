@@ -1,14 +1,14 @@
-# The host developer's kit, as `cmake --install` and `cpack` deliver it:
+# The kit for host developers, as installed by `cmake --install` and packed by `cpack`:
 #
 #   bin/        VnDiscover.dll, vndiscover.exe, VnBrowser.exe, windows_check.exe, stripped, each with its debug
 #               symbols in a .debug file
 #   include/    vndiscover.h
 #   lib/        libVnDiscover.dll.a (mingw), VnDiscover.lib (MSVC), pkgconfig/, cmake/VnDiscover/
 #   README.md, CHANGELOG.md, CONTRIBUTING.md, docs/, examples/
-#   licenses/   third-party licence texts; THIRD-PARTY-NOTICES.txt says what is linked where
+#   licenses/   third-party licence texts; THIRD-PARTY-NOTICES.txt lists what is linked where
 #   sbom.cdx.json, SHA256SUMS
 #
-# The same commit gives the same bytes: files keep no time and no folder of the build.
+# A commit gives the same bytes: files contain no times and no folders of the build.
 include(CMakePackageConfigHelpers)
 include(ThirdParty)
 
@@ -32,7 +32,7 @@ function(_kit_symbols level)
 endfunction()
 if(VNDISCOVER_SYMBOLS AND MINGW)
     _kit_symbols(-g vndiscover_core VnDiscover)
-    # Functions and lines: all symbols of its templates would be ten times the size of the rest of the kit.
+    # Functions and lines only: with all symbols of its templates the kit would be ten times as large.
     _kit_symbols(-g1 vndiscover_host_model vndiscover_host_device vndiscover_host_cli vndiscover_host
                  vndiscover_host_window VnBrowser windows_check_core windows_check)
 endif()
@@ -60,7 +60,7 @@ if(MINGW)
     endif()
     _kit_program(windows_check windows_check.exe)
 else()
-    # Visual C++ keeps symbols in files of their own to begin with.
+    # Visual C++ keeps symbols in separate files anyway.
     install(TARGETS VnDiscover RUNTIME DESTINATION bin)
     install(FILES $<TARGET_PDB_FILE:VnDiscover> DESTINATION bin OPTIONAL)
     if(TARGET vndiscover_host)
@@ -74,7 +74,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/vndiscover.h DESTINATION include)
 install(FILES $<TARGET_LINKER_FILE:VnDiscover> DESTINATION lib)
 
 if(MINGW)
-    # Either tool writes what Visual C++'s linker reads; LLVM's writes it in that linker's own short form.
+    # Visual C++'s linker reads what either tool writes; LLVM's writes that linker's own short form.
     find_program(VNDISCOVER_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14 ${CMAKE_DLLTOOL} REQUIRED)
     set(_def ${PROJECT_SOURCE_DIR}/src/interface/vndiscover.def)
     set(_msvcLib ${_stage}/lib/VnDiscover.lib)
@@ -107,7 +107,7 @@ if(EXISTS ${_stage}/sbom.cdx.json)
     install(DIRECTORY ${_stage}/licenses/ DESTINATION licenses)
     install(FILES ${_stage}/THIRD-PARTY-NOTICES.txt ${_stage}/sbom.cdx.json DESTINATION .)
 endif()
-# Last: it lists what the rules above installed.
+# Last, since it lists what the rules above install.
 install(SCRIPT ${_parts}/Checksums.cmake)
 
 get_property(_files GLOBAL PROPERTY VNDISCOVER_KIT_FILES)

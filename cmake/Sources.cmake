@@ -1,7 +1,7 @@
-# Which sources of src/ need Windows. A folder named codec, crypto or delivery holds portable code: it includes no
-# Windows header and builds on any system, where it is tested under sanitizers, with the stand-ins of
-# tests/native/ for what needs Windows. A *_win.cpp in such a folder, and the rest of src/, are for Windows.
-# Of those the DLL alone links the sources of interface/ itself, so that unit tests can link everything else.
+# Which sources of src/ need Windows. Code in a folder named codec, crypto or delivery is portable: it includes no
+# Windows header, builds on any system and is tested there under sanitizers, with the stubs of tests/native/ for
+# what needs Windows. A *_win.cpp in such a folder, and the rest of src/, are for Windows. Only the DLL links the
+# sources of interface/ itself, so that unit tests can link everything else.
 
 # Sorts the .cpp files below src/ into three lists of absolute paths.
 function(vndiscover_sort_sources portable windows dll)

@@ -1,7 +1,7 @@
 # What the product links, for the kit: licence texts, THIRD-PARTY-NOTICES.txt and a CycloneDX bill of materials.
-# Texts and versions come from the packages that were linked, never from this tree.
+# Texts and versions are taken from the packages that were linked, never from this tree.
 
-# One row each: name; version; licence (SPDX); package URL; the program that holds it; file with the text.
+# One row each: name; version; licence (SPDX); package URL; the program that contains it; file with the text.
 function(_third_party_row name version licence purl holder text)
     string(REPLACE "+" "%2B" purl "${purl}")
     set(row "${name}|${version}|${licence}|${purl}|${holder}|${text}")
@@ -39,7 +39,7 @@ function(_third_party_libraries)
                      ${texts}/CLI11.txt)
 endfunction()
 
-# The compiler's own libraries are linked statically into every program.
+# The compiler's libraries are linked statically into every program.
 function(_third_party_runtime)
     set(gcc gcc-mingw-w64-x86-64-posix-runtime)
     set(crt mingw-w64-x86-64-dev)
@@ -55,7 +55,7 @@ function(_third_party_runtime)
                      "${programs}" /usr/share/doc/${crt}/copyright)
 endfunction()
 
-# The commit's time in seconds; SOURCE_DATE_EPOCH overrules.
+# The commit's time in seconds, or SOURCE_DATE_EPOCH if it is set.
 function(_commit_time result)
     set(epoch "$ENV{SOURCE_DATE_EPOCH}")
     if(epoch STREQUAL "")
@@ -71,8 +71,8 @@ function(_commit_time result)
 endfunction()
 
 # vndiscover_third_party(STAGE): writes licenses/, THIRD-PARTY-NOTICES.txt and sbom.cdx.json into the folder.
-# Where a version or a text cannot be had (libraries that did not come from scripts/build-deps.sh) it writes
-# nothing, for half a list would pass for a whole one.
+# Writes nothing if a version or a text is missing (for libraries that did not come from scripts/build-deps.sh),
+# since an incomplete list would look complete.
 function(vndiscover_third_party stage)
     file(REMOVE_RECURSE ${stage}/licenses)
     file(REMOVE ${stage}/THIRD-PARTY-NOTICES.txt ${stage}/sbom.cdx.json)

@@ -1,4 +1,4 @@
-# Third-party code for builds on Windows itself, from vcpkg (vcpkg.json names the packages).
+# Third-party code for builds on Windows, from vcpkg (vcpkg.json lists the packages).
 find_package(cJSON CONFIG REQUIRED)
 find_package(OpenSSL REQUIRED)
 find_package(pugixml CONFIG REQUIRED)

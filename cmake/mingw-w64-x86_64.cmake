@@ -9,7 +9,7 @@ set(CMAKE_C_COMPILER ${_gcc})
 set(CMAKE_CXX_COMPILER ${_gxx})
 set(CMAKE_RC_COMPILER ${_triple}-windres)
 
-# Nothing of the build machine's own headers and libraries may reach the product.
+# Headers and libraries of the build machine must not be used for the product.
 set(CMAKE_FIND_ROOT_PATH /usr/${_triple})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -1,7 +1,7 @@
 #!/bin/bash
-# bench.sh: measures the module in a private lab under Wine and prints one table with the marks. Raw results,
-# results.json and growth.svg go to build/bench. Installs what is missing, builds, takes about ten minutes; a
-# quiet machine gives the truest figures, but every ratio is measured in turns within one run.
+# bench.sh: measures the module in a private lab under Wine and prints a table of the results. Raw results,
+# results.json and growth.svg go to build/bench. Installs what is missing and builds; takes about ten minutes. Figures
+# are most accurate on an idle machine, but the two sides of every ratio are measured in turns within one run.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -13,7 +13,7 @@ Say "building"
 Quietly cmake --preset release -B "$out/win" -DVNDISCOVER_BUILD_TESTS=OFF -DVNDISCOVER_BUILD_BENCH=ON ||
     Die "the measurements cannot be configured"
 Quietly cmake --build "$out/win" -j "${VNDISCOVER_JOBS:-$(nproc)}" \
-    --target vndiscover_bench vndiscover_probe || Die "the build failed"
+    --target vndiscover_bench vndiscover_one_sweep || Die "the build failed"
 cp "$out"/win/bin/*.exe "$out"/win/bin/*.dll "$out/bin/"
 cc -O2 -Wall -Wextra -o "$out/bin/answerer" bench/native/answerer.c
 cc -O2 -Wall -Wextra -o "$out/bin/netsnmp_loop" bench/native/netsnmp_loop.c -lnetsnmp

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Builds Google Benchmark for Windows, once, into the cache, for builds with VNDISCOVER_BUILD_BENCH=ON alone.
+# Builds Google Benchmark for Windows, once, into the cache, for builds with VNDISCOVER_BUILD_BENCH=ON only.
 # Prints the prefix: include/, lib/, licenses/, versions.txt.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
@@ -8,7 +8,7 @@ set -euo pipefail
 BENCHMARK=$(LC_ALL=C apt-cache policy libbenchmark-dev | Candidate libbenchmark-dev)
 [ -n "$BENCHMARK" ] && [ "$BENCHMARK" != "(none)" ] || Die "apt does not know libbenchmark-dev: run apt-get update"
 
-RECIPE=1 # raise it when the steps below change what they produce
+RECIPE=1 # increase it when the steps below change their output
 key=$({
     echo "$RECIPE $BENCHMARK $CFLAGS"
     "$CXX" --version | head -n 1
@@ -17,7 +17,7 @@ prefix=$VNDISCOVER_CACHE/deps/benchmark-$TRIPLE-$key
 if [ ! -e "$prefix/versions.txt" ]; then
     LockDeps
 fi
-if [ -e "$prefix/versions.txt" ]; then # from an earlier build, or another made it while we waited
+if [ -e "$prefix/versions.txt" ]; then # from an earlier build, or from another one while this one waited
     echo "$prefix"
     exit 0
 fi

@@ -17,8 +17,8 @@ for version in "$CJSON" "$OPENSSL" "$PUGIXML" "$CLI11"; do
     [ -n "$version" ] && [ "$version" != "(none)" ] || Die "apt does not know every library: run apt-get update"
 done
 
-# The key: versions, compiler, flags, and the recipe's own number (raise it when the steps below change
-# what they produce).
+# The key: versions, compiler, flags, and the recipe's number (increase it when the steps below change their
+# output).
 RECIPE=3
 key=$({
     echo "$RECIPE $CJSON $OPENSSL $PUGIXML $CLI11 $CFLAGS" $OPENSSL_OPTIONS
@@ -31,7 +31,7 @@ if [ -e "$prefix/versions.txt" ]; then
 fi
 
 LockDeps
-if [ -e "$prefix/versions.txt" ]; then # another build made it while we waited
+if [ -e "$prefix/versions.txt" ]; then # from another build while this one waited
     echo "$prefix"
     exit 0
 fi
@@ -47,7 +47,7 @@ Quietly cmake -S . -B build "${CMAKE_CROSS[@]}" -DENABLE_CJSON_TEST=OFF -DENABLE
 Quietly cmake --build build --target install -j "$(nproc)"
 cp LICENSE "$stage/licenses/cJSON.txt"
 
-# Of this one and the next the upstream tarball only: the packaging adds nothing for this target.
+# For this one and the next only the upstream tarball: the packaging adds nothing for this target.
 Source pugixml "$PUGIXML" --tar-only
 PUGIXML=$SOURCE_VERSION
 tar -xf pugixml_*.orig.tar.*
@@ -60,7 +60,7 @@ Source openssl "$OPENSSL" --tar-only
 OPENSSL=$SOURCE_VERSION
 tar -xf openssl_*.orig.tar.*
 cd openssl-*/
-# The date and the folders would end up in the library.
+# Otherwise the date and the folders would end up in the library.
 export SOURCE_DATE_EPOCH=0
 # shellcheck disable=SC2086 # a list of words
 Quietly ./Configure mingw64 --cross-compile-prefix=$TRIPLE- $OPENSSL_OPTIONS --prefix=/openssl \
@@ -71,11 +71,11 @@ cp libcrypto.a "$stage/lib/"
 cp -r include/openssl "$stage/include/"
 cp LICENSE.txt "$stage/licenses/OpenSSL.txt"
 
-# Headers alone, but from a folder of their own: /usr/include must not reach a cross build.
+# Headers only, but copied into a separate folder: a cross build must not use /usr/include.
 [ -e /usr/include/CLI/CLI.hpp ] || Die "libcli11-dev is missing: run scripts/install-packages.sh as root"
 cp -r /usr/include/CLI "$stage/include/"
 cp /usr/share/doc/libcli11-dev/copyright "$stage/licenses/CLI11.txt" 2>/dev/null ||
-    Say "CLI11's licence text is not on this machine"
+    Say "CLI11's licence text is missing on this machine"
 
 rm -rf "$stage/lib/cmake" "$stage/lib/pkgconfig" "$stage/bin"
 printf '%s %s\n' cJSON "$CJSON" OpenSSL "$OPENSSL" pugixml "${PUGIXML%-*}" CLI11 "$CLI11" >"$stage/versions.txt"

@@ -1,5 +1,5 @@
 #!/bin/bash
-# build.sh [PRESET...]: configures and builds (release, debug, ubsan, native; release if none is named).
+# build.sh [PRESET...]: configures and builds the presets (release, debug, ubsan, native); release by default.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 

@@ -1,7 +1,7 @@
-# Sourced behind common.sh by what reads the sources with Clang for the Windows target. Sets
+# Sourced after common.sh by scripts that read the sources with Clang for the Windows target. Sets
 #   CLANG            the compiler
-#   WINDOWS          the options of every source
-#   WINDOWS_CXX      those of the product's C++ on top
+#   WINDOWS          options for every source
+#   WINDOWS_CXX      further options for the product's C++
 CLANG=$(command -v clang) || Die "clang is missing: run scripts/install-packages.sh as root"
 GXX=$(command -v x86_64-w64-mingw32-g++-posix || command -v x86_64-w64-mingw32-g++) ||
     Die "no mingw g++: run scripts/install-packages.sh as root"

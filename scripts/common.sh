@@ -1,4 +1,4 @@
-# Sourced by the other scripts: where things are, and one-line messages.
+# Sourced by the other scripts: paths, and one-line messages.
 ROOT=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export VNDISCOVER_CACHE=${VNDISCOVER_CACHE:-${XDG_CACHE_HOME:-${HOME:-/root}/.cache}/vndiscover}
 
@@ -8,7 +8,7 @@ Die() {
     exit 1
 }
 
-# Runs a command quietly; shows the end of its output only when it fails.
+# Runs a command quietly, and shows the end of its output only if it fails.
 Quietly() {
     local log
     log=$(mktemp)

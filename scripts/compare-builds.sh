@@ -1,6 +1,6 @@
 #!/bin/bash
-# compare-builds.sh: builds the release ZIP of the current commit twice, from clones in two folders of different
-# names, the second with libraries built anew, and compares the bytes. Fails when they differ.
+# compare-builds.sh: builds the release ZIP of the current commit twice, from clones in two folders with different
+# names, rebuilding the libraries for the second, and compares the bytes. Fails if they differ.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 

@@ -1,29 +1,29 @@
-# Sourced by the scripts that build third-party libraries for Windows into the cache, after common.sh. Sources are
-# those of the Debian packages of this machine's release, so security updates arrive with them.
+# Sourced after common.sh by the scripts that build third-party libraries for Windows into the cache. The sources are
+# those of the Debian packages of this machine's release, which include security updates.
 TRIPLE=x86_64-w64-mingw32
 CC=$(command -v $TRIPLE-gcc-posix || command -v $TRIPLE-gcc) ||
     Die "no $TRIPLE-gcc: run scripts/install-packages.sh as root"
 CXX=$(command -v $TRIPLE-g++-posix || command -v $TRIPLE-g++)
 CFLAGS="-O2 -ffunction-sections -fdata-sections"
 
-# The newest version of each package that apt knows, or the installed one where apt has no lists.
+# The newest version of each package that apt knows, or the installed one if apt has no lists.
 Candidate() { awk -v package="$1:" '$1 == package { found = 1 } found && /Candidate:/ { print $2; exit }'; }
 
-# Waits for other builds of dependencies. Its end is this process's.
+# Waits for other builds of dependencies. The lock is held until this process ends.
 LockDeps() {
     mkdir -p "$VNDISCOVER_CACHE/deps"
     exec 9>"$VNDISCOVER_CACHE/deps/lock"
     flock 9
 }
 
-# Makes the folder $work, with the stage that will become the prefix in it, and prepares Source and CMAKE_CROSS.
+# Makes the folder $work, containing the stage that will become the prefix, and prepares Source and CMAKE_CROSS.
 PrepareSources() {
     work=$(mktemp -d "$VNDISCOVER_CACHE/deps/work.XXXXXX")
     trap 'rm -rf "$work"' EXIT
     stage=$work/stage
     mkdir -p "$stage/include" "$stage/lib" "$stage/licenses" "$work/apt/lists/partial"
 
-    # A private source list: the system's own lists stay as they are.
+    # A private source list, so that the system's lists are not changed.
     cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null |
         sed -n 's/^deb \(.*\(debian\|ubuntu\).*\)$/deb-src \1/p' >"$work/apt/sources.list" || true
     mkdir "$work/apt/parts"
@@ -42,8 +42,8 @@ PrepareSources() {
     Quietly apt-get -q "${APT_OPTIONS[@]}" update || Die "the package sources cannot be reached"
 }
 
-# Source NAME VERSION [OPTION...]: fetches a source package into its own folder; the wanted version, or, since mirrors
-# may lack a file of it, the newest that is there whole. SOURCE_VERSION is the one that came.
+# Source NAME VERSION [OPTION...]: fetches a source package into its own folder, in the wanted version or, since mirrors
+# may lack a file of it, in the newest complete one. Sets SOURCE_VERSION.
 Source() {
     local name=$1 wanted=$2 versions
     shift 2

@@ -1,6 +1,6 @@
 #!/bin/bash
-# demo.sh: shows VnDiscover at work on real agents. Installs what is missing, builds, makes a private lab
-# network, runs vndiscover.exe in it under Wine, and takes the lab down again, whatever happens.
+# demo.sh: shows VnDiscover at work with real agents. Installs what is missing, builds, makes a private lab
+# network, runs vndiscover.exe in it under Wine, and always takes the lab down again.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 

@@ -1,15 +1,15 @@
 #!/bin/bash
-# fresh-root.sh 12|13 COMMAND [ARG...]: runs a command of this tree, as it is now, on a bare Debian of that release, as
-# on a machine that was installed a minute ago: `scripts/fresh-root.sh 13 scripts/test.sh`. Ends with its exit code.
+# fresh-root.sh 12|13 COMMAND [ARG...]: runs a command of this tree, with uncommitted changes, on a freshly installed,
+# minimal Debian of that release: `scripts/fresh-root.sh 13 scripts/test.sh`. Returns its exit code.
 #
 # The root is a copy of one that debootstrap makes once in the cache, from the mirror that this machine's apt uses. It
-# has a mount of its own as /, which `ip netns exec` needs, an empty /run, processes of its own that end with the
-# command, and the machine's network, for packages. It is removed at the end. VNDISCOVER_FRESH_ROOT=FOLDER keeps it there
-# for the next run, with what was installed and built in it; the tree is copied anew. Root only.
+# has its own mount as /, which `ip netns exec` needs, an empty /run, its own processes, which end with the command,
+# and the machine's network, for packages. It is removed at the end. VNDISCOVER_FRESH_ROOT=FOLDER keeps it there for the
+# next run, with what was installed and built in it; the tree is copied again. Root only.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
-# In the new mount and process namespaces: the mounts, then the change of root.
+# In the new mount and process namespaces: makes the mounts, then changes the root.
 if [ "${1:-}" = --inside ]; then
     root=$2
     shift 2
@@ -40,7 +40,7 @@ shift
 [ "$(id -u)" = 0 ] || Die "not root"
 command -v debootstrap >/dev/null || Die "debootstrap is missing: apt-get install debootstrap"
 
-# Archive LABEL: where this machine's apt finds it.
+# Archive LABEL: the URL from which this machine's apt gets it.
 Archive() {
     # shellcheck disable=SC2016 # fields for apt
     apt-get indextargets --format '$(LABEL) $(REPO_URI)' 'Created-By: Packages' |
@@ -84,7 +84,7 @@ if [ ! -d "$root/tree" ]; then
     mkdir -p "$root/tree"
 fi
 cp -L /etc/resolv.conf "$root/etc/resolv.conf"
-# With .git, and without what was built here: it belongs to another release.
+# With .git, but without what was built here, for another release.
 find "$root/tree" -mindepth 1 -maxdepth 1 ! -name build -exec rm -rf {} +
 tar -C "$ROOT" --exclude=./build -cf - . | tar -C "$root/tree" --no-same-owner -xf -
 

@@ -1,7 +1,7 @@
 #!/bin/bash
-# fuzz.sh [SECONDS]: runs each fuzz target for SECONDS (default 600), two at a time, from the seeds in
-# tests/fuzz/corpus, then measures which lines of the portable code the inputs found reach. The inputs stay in
-# build/fuzz/found; a fault ends the run with an error and leaves its input in build/fuzz.
+# fuzz.sh [SECONDS]: runs each fuzz target for SECONDS (default 600), two at a time, starting from the seeds in
+# tests/fuzz/corpus, then measures which lines of the portable code the inputs reach. The inputs are kept in build/fuzz/found. A fault
+# ends the run with an error, and its input is kept in build/fuzz.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 seconds=${1:-600}
@@ -29,7 +29,7 @@ export ROOT
 targets=$(cd "$ROOT/tests/fuzz" && ls fuzz_*.cpp | sed 's/\.cpp$//')
 xargs -P 2 -I{} bash -c "Fuzz {} $seconds" <<<"$targets"
 
-# A build of its own: coverage and sanitizers would slow each other.
+# A separate build, since coverage and sanitizers would slow each other down.
 Quietly cmake -S "$ROOT" -B "$ROOT/build/coverage" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_C_COMPILER=clang \
     -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS="-fprofile-instr-generate -fcoverage-mapping"
 # shellcheck disable=SC2086 # a list of words

@@ -1,6 +1,6 @@
 #!/bin/bash
-# hostile.sh [ANSWERS [SEED]]: sweeps and asks a network whose devices answer with something malformed, until they
-# have sent ANSWERS (default 100,000). The answers follow from SEED, which is printed; without one it varies.
+# hostile.sh [ANSWERS [SEED]]: runs sweeps and requests in a network whose devices send malformed answers, until they
+# have sent ANSWERS (default 100,000). SEED, which is printed, determines the answers; by default it varies.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 export VNDISCOVER_HOSTILE_ANSWERS=${1:-100000}

@@ -1,10 +1,10 @@
 #!/bin/bash
-# install-packages.sh [PACKAGE...]: installs what the build and the lab need and this machine lacks, and the
-# packages named (Debian 12 and 13).
+# install-packages.sh [PACKAGE...]: installs the missing packages for the build and the lab, and those named (Debian
+# 12 and 13).
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
-# Where releases name a package differently: A|B, of which the first that this one has is taken.
+# A|B for a package whose name differs between releases: the first one available is used.
 PACKAGES=(
     # build
     cmake ninja-build g++-mingw-w64-x86-64-posix clang 'libclang-rt-dev|libclang-rt-14-dev' dpkg-dev patch xz-utils perl make
@@ -16,7 +16,7 @@ PACKAGES=(
     mono-mcs libmono-system-windows-forms4.0-cil # compiles the C# that VnBrowser offers
 )
 
-PACKAGES+=("$@") # further ones, which most runs do not need
+PACKAGES+=("$@") # further ones that most runs do not need
 missing=()
 for names in "${PACKAGES[@]}"; do
     # shellcheck disable=SC2086 # one word each
@@ -29,7 +29,7 @@ command -v apt-get >/dev/null || Die "not a Debian system; please install: ${mis
 [ "$(id -u)" = 0 ] || Die "not root; please run as root: apt-get install --no-install-recommends ${missing[*]}"
 
 Say "installing ${missing[*]}"
-# Packages may start services of their own (snmpd does): the lab brings its own, so none is started.
+# Keeps packages from starting services, as snmpd would: the lab starts its own.
 policy=/usr/sbin/policy-rc.d
 if [ ! -e $policy ]; then
     printf '#!/bin/sh\nexit 101\n' >$policy
@@ -37,8 +37,8 @@ if [ ! -e $policy ]; then
     trap 'rm -f $policy' EXIT
 fi
 export DEBIAN_FRONTEND=noninteractive
-Quietly apt-get -q update || Say "apt-get update failed; trying with the lists that are here"
-# Candidate NAME...: the first that apt can install; the first of all where it knows none, for its message.
+Quietly apt-get -q update || Say "apt-get update failed; trying with the existing lists"
+# Candidate NAME...: the first that apt can install; if there is none, the first of all, for apt's message.
 Candidate() {
     local name
     for name in "$@"; do

@@ -1,5 +1,5 @@
 #!/bin/bash
-# lint.sh [--fix]: checks the format of all sources, then reads every source of src/ and host/ with clang-tidy, for
+# lint.sh [--fix]: checks the format of all sources, then checks every source of src/ and host/ with clang-tidy for
 # the Windows target. With --fix it formats instead. Needs clang-format and clang-tidy.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
@@ -12,7 +12,7 @@ mapfile -t sources < <(git ls-files '*.cpp' '*.h' '*.c')
 if [ "${1:-}" = --fix ]; then
     exec clang-format -i "${sources[@]}"
 fi
-clang-format --dry-run -Werror "${sources[@]}" || Die "not formatted; scripts/lint.sh --fix does it"
+clang-format --dry-run -Werror "${sources[@]}" || Die "not formatted: run scripts/lint.sh --fix"
 
 . "$ROOT/scripts/clang-windows.sh"
 git ls-files -z 'src/*.cpp' 'host/*.cpp' |

@@ -1,7 +1,7 @@
 #!/bin/bash
-# package.sh [FOLDER]: makes the release ZIP of the host developer's kit from a fresh clone: installs what is
-# missing, builds, packs. Copies ZIP and checksum to FOLDER if one is named; prints the ZIP's path.
-# The same commit gives the same bytes, in whatever folder.
+# package.sh [FOLDER]: makes the release ZIP of the kit for host developers, even from a fresh clone: installs what
+# is missing, builds, packs. Copies the ZIP and its checksum to FOLDER if one is named; prints the ZIP's path. A
+# commit gives the same bytes in any folder.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 
@@ -11,13 +11,13 @@ out=${1:-}
 cd "$ROOT"
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)} || Die "no commit to take the time from"
 export SOURCE_DATE_EPOCH TZ=UTC LC_ALL=C
-# Documents and examples that the commit does not hold would be packed all the same.
+# Documents and examples are packed even if the commit does not contain them.
 if [ -n "$(git status --porcelain 2>/dev/null)" ]; then
-    Say "uncommitted changes: the ZIP will not be that of the commit"
+    Say "uncommitted changes: the ZIP will differ from the commit's"
 fi
 
 build=build/package
-# Nothing of an earlier package may be taken for this one's.
+# Removes what an earlier package left.
 rm -rf $build/package $build/_CPack_Packages $build/kit
 Say "building the kit"
 Quietly cmake --preset package || Die "preset package cannot be configured"

@@ -19,10 +19,10 @@ Quietly cmake --build --preset "$preset" || Die "the $preset build failed"
 "$ROOT/scripts/lab/private-net.sh" true ||
     Die "no private network can be made here (see above): needs root, or unprivileged user namespaces"
 
-# The labs wait more than they work, so there are more of them at once than processors.
+# The labs mostly wait, so more of them run at once than there are processors.
 status=0
 ctest --test-dir "build/$preset" --parallel "${VNDISCOVER_TEST_JOBS:-$((2 * $(nproc)))}" --output-on-failure \
     --no-tests=error </dev/null || status=$?
-# What this machine cannot show, with the reasons.
+# What was skipped on this machine, with the reasons.
 awk '/: Skipped$/ { getline; print "skipped: " $0 } /^skipped: /' "build/$preset/Testing/Temporary/LastTest.log" | sort -u >&2
 exit $status

@@ -1,5 +1,4 @@
-# Runs at the end of an installation: writes SHA256SUMS, in the form that sha256sum -c reads, over every file
-# that it installed.
+# Runs at the end of an installation: writes SHA256SUMS of every installed file, in the format of sha256sum -c.
 set(root "${CMAKE_INSTALL_PREFIX}/")
 string(LENGTH "${root}" skip)
 set(names)

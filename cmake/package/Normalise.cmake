@@ -1,7 +1,7 @@
-# Runs when CPack has written the ZIP: takes out what differs between two builds of one commit.
+# Runs after CPack has written the ZIP: removes what differs between two builds of one commit.
 find_program(VNDISCOVER_PYTHON NAMES python3 python)
 if(NOT VNDISCOVER_PYTHON)
-    message(WARNING "No Python: the ZIP is complete, but another build of this commit will not be equal to it")
+    message(WARNING "No Python: the ZIP is complete, but another build of this commit will differ from it")
     return()
 endif()
 foreach(zip IN LISTS CPACK_PACKAGE_FILES)

@@ -1,4 +1,4 @@
-"""normalise_zip.py ZIP: rewrites a ZIP so that its bytes depend on its files' names and contents alone.
+"""normalise_zip.py ZIP: rewrites a ZIP so that its bytes depend only on the names and contents of its files.
 
 Entries are sorted, folders and the owner's numbers left out, and every file gets the time of the commit
 (SOURCE_DATE_EPOCH, seconds; without it the first time that a ZIP can hold).

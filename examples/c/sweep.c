@@ -1,10 +1,10 @@
-/* Finds the printers of every network that this computer is attached to; one line each.
+/* Finds the printers on every network that this computer is attached to, and prints one line each.
  *
  *     sweep [COMMUNITY]
  *
- * The window is a message-only one of this very thread, so the sweep calls OnMessage directly and
- * no message loop is needed. A program with a window that people look at sweeps on another thread:
- * see ../cpp/worker_sweep.cpp.
+ * The window is message-only and belongs to the thread that sweeps, so the sweep calls OnMessage
+ * directly and no message loop is needed. A program with a visible window should sweep on another
+ * thread: see ../cpp/worker_sweep.cpp.
  */
 #include <stdio.h>
 
@@ -15,7 +15,7 @@
 static int devices;
 
 static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    /* Both texts belong to the module and are gone when this function returns: use or copy them. */
+    /* Both texts belong to the module and are valid only until this function returns. */
     const char* address = (const char*)wParam;
     const char* value = (const char*)lParam;
     if (message != WM_DEVICE) return DefWindowProcA(window, message, wParam, lParam);
@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
         return 2;
     }
 
-    /* Two seconds at least for every network, up to a minute where answers keep coming. */
+    /* Takes two seconds per network, or up to a minute if answers keep coming. */
     DiscoverSnmp(window, WM_DEVICE, 0, 0, community, NULL);
     DestroyWindow(window);
     printf("%d answers\n", devices);

@@ -1,8 +1,8 @@
-// Sweeps on a worker thread while the window keeps painting. Esc or closing the window stops it.
+// Sweeps on a worker thread while the window keeps painting. Esc, or closing the window, stops it.
 //
 //     worker_sweep [--community TEXT] [--stop-after MS] [--once]
 //
-// --once closes the window when the sweep has ended. The devices stand in the window and on stdout.
+// --once closes the window when the sweep has ended. Devices are shown in the window and printed.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,19 +14,19 @@
 
 namespace {
 
-constexpr UINT kDevice = WM_APP + 1;  // from the module: the worker waits until it is handled
-constexpr UINT kEnded = WM_APP + 2;   // from the worker: the last thing it does
+constexpr UINT kDevice = WM_APP + 1;  // from the module; the worker waits until it is handled
+constexpr UINT kEnded = WM_APP + 2;   // from the worker, as its last action
 constexpr UINT_PTR kFrameTimer = 1;
 constexpr UINT_PTR kStopTimer = 2;
 constexpr UINT kFrameMs = 40;
 
 struct Options {
     std::string community = VN_DEFAULT_COMMUNITY;
-    UINT stopAfterMs = 0;  // 0: not by itself
+    UINT stopAfterMs = 0;  // 0: never
     bool once = false;
 };
 
-// Everything here belongs to the window's thread.
+// Used only by the window's thread.
 struct Host {
     Options options;
     std::thread worker;
@@ -40,15 +40,15 @@ Host host;
 
 void StartSweep(HWND window) {
     host.sweeping = true;
-    // The community is a copy: the worker shares nothing with the window's thread.
+    // The worker gets a copy of the community and shares nothing with the window's thread.
     host.worker = std::thread([window, community = host.options.community] {
         DiscoverSnmp(window, kDevice, 0, 0, community.c_str(), nullptr);
         PostMessageA(window, kEnded, 0, 0);
     });
 }
 
-// Never waits: a window thread that waited for the worker would not take the message that the
-// worker sends, and both would wait for ever. kEnded tells when it is over.
+// Does not wait for the worker: the window's thread could then not handle the message that the
+// worker is sending, and both would wait for ever. kEnded comes when the sweep is over.
 void StopSweep() {
     if (!host.sweeping) return;
     host.stopping = true;
@@ -56,7 +56,7 @@ void StopSweep() {
 }
 
 void OnFrame(HWND window) {
-    // A request that comes before the worker has entered the sweep is forgotten by it: ask again.
+    // The sweep clears a request that comes before it begins, so repeat it.
     if (host.stopping) StopDiscoverSnmp();
     InvalidateRect(window, nullptr, TRUE);
 }
@@ -77,15 +77,15 @@ void OnPaint(HWND window) {
     EndPaint(window, &paint);
 }
 
-// Copies both texts: the module overwrites them when this returns.
+// Copies both texts, since the module reuses them after this returns.
 void OnDevice(const char* address, const char* value) {
-    if (!address) return;  // the end; kEnded follows, and comes after a sweep over SNMPv3 too
+    if (!address) return;  // the final message; kEnded follows, even after an SNMPv3 sweep
     host.lines.push_back(std::string(address) + "  " + value);
     std::printf("%s\n", host.lines.back().c_str());
 }
 
 void OnEnded(HWND window) {
-    host.worker.join();  // it has nothing left to send, so this does not block
+    host.worker.join();  // it has nothing left to send, so this does not deadlock
     host.sweeping = false;
     KillTimer(window, kFrameTimer);
     InvalidateRect(window, nullptr, TRUE);
@@ -99,7 +99,7 @@ void OnClose(HWND window) {
         DestroyWindow(window);
         return;
     }
-    host.closing = true;  // the window has to outlive the sweep that sends to it
+    host.closing = true;  // the window must outlive the sweep, which sends to it
     StopSweep();
 }
 

@@ -1,28 +1,28 @@
-// VnDiscover.dll for .NET (Framework 4.5 or later, .NET 6 or later; 64-bit processes). vndiscover.h says what
-// each function does; the names of its arguments are the same here.
+// VnDiscover.dll for .NET (Framework 4.5 or later, .NET 6 or later; 64-bit processes). vndiscover.h explains each
+// function; arguments have the same names here.
 //
 // The result message of a sweep, in the window procedure of a Form, NativeWindow or HwndSource:
 //
 //     if (m.Msg == VnDiscover.WM_APP) {
 //         if (m.WParam == IntPtr.Zero) { /* the end; sweeps over SNMPv3 send none */ }
 //         else {
-//             string address = Marshal.PtrToStringAnsi(m.WParam);  // now: both texts are gone afterwards
+//             string address = Marshal.PtrToStringAnsi(m.WParam);  // copied: both texts are valid only now
 //             string value = Marshal.PtrToStringAnsi(m.LParam);    // JSON mode: UTF-8; WS-Discovery: bytes
 //         }
 //     }
 //
-// Sweeps block: run them with Task.Run and leave the window's thread to its messages. To stop one, call
-// StopDiscoverSnmp or StopDiscoverSoap and go on pumping; never wait for the task on the window's thread.
+// Sweeps block: run them with Task.Run, so that the window's thread can handle messages. To stop one, call
+// StopDiscoverSnmp or StopDiscoverSoap and keep pumping messages; never wait for the task on the window's thread.
 using System;
 using System.Runtime.InteropServices;
 
 public static class VnDiscover
 {
     private const string Dll = "VnDiscover.dll";
-    // Never from the current folder: an installer runs from a download folder, where anybody may have put a DLL.
+    // Not from the current folder: an installer runs from a download folder, where anybody may have put a DLL.
     private const DllImportSearchPath BesideTheHost = DllImportSearchPath.AssemblyDirectory;
 
-    public const uint WM_APP = 0x8000;  // a number for the result message
+    public const uint WM_APP = 0x8000;  // can be used for the result message
 
     public const string VN_DEFAULT_DISCOVERY_OID = ".1.3.6.1.4.1.5963.43.5.1.1.1.1";
     public const string VN_DEFAULT_COMMUNITY = "sesame";
@@ -60,7 +60,7 @@ public static class VnDiscover
     public const int VN_USER_NAME_MAX = 127;
     public const int VN_TEXT_MAX = 259;
 
-    // A new one is all zeroes: what GetNextSnmpRequestV3 asks for.
+    // A new record is all zeros, as GetNextSnmpRequestV3 requires.
     [StructLayout(LayoutKind.Sequential, Pack = 2)]
     public struct VnResponseRecord
     {

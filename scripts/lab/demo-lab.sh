@@ -1,13 +1,13 @@
 #!/bin/bash
-# The demo's steps, inside private-net.sh (demo.sh starts it). VNDISCOVER_BIN: the folder of vndiscover.exe.
-# A step whose command fails is shown like the others, with its exit code; the demo then fails at its end.
+# The steps of the demo, inside private-net.sh (demo.sh starts it). VNDISCOVER_BIN: the folder of vndiscover.exe.
+# A failing step is shown like the others, with its exit code; the demo then fails at the end.
 set -uo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 failed=0
 
 Title() { printf '\n=== %s\n' "$*"; }
 
-# Shown WORD...: the words as one could type them.
+# Shown WORD...: prints the words as one would type them.
 Shown() {
     local word line=
     for word in "$@"; do
@@ -21,7 +21,7 @@ Shown() {
 
 # Vn ARG...: runs vndiscover.exe on the lab's host.
 Vn() { Expect 0 "$@"; }
-# VnFails ARG...: the same where exit code 1 is right.
+# VnFails ARG...: the same, expecting exit code 1.
 VnFails() { Expect 1 "$@"; }
 # Expect CODE ARG...
 Expect() {
@@ -83,10 +83,10 @@ Vn sweep "${v3[@]}" --json request.json --format json
 Vn get 10.77.2.25 .1.3.6.1.2.1.1.1.0 --v3 -u md5des -a MD5 -A authpass1 -x DES -X privpass1
 
 responder=(wsdd -4 -i eth0 -n HALL)
-command -v wsdd >/dev/null || responder=(wsdd2 -4 -i eth0 -N HALL -G WORKGROUP) # Debian 13 has this one
+command -v wsdd >/dev/null || responder=(wsdd2 -4 -i eth0 -N HALL -G WORKGROUP) # on Debian 13
 Title "WS-Discovery: a real responder (${responder[0]}) on 'hall'"
 Shown "${responder[@]}" "# on hall"
-# Its complaints about a missing neighbour on lo are not part of the show.
+# Its warnings about a missing neighbour on lo are not part of the demo.
 ip netns exec hall "${responder[@]}" >wsdd.log 2>&1 </dev/null &
 responder=$!
 for _ in $(seq 100); do
@@ -99,7 +99,7 @@ kill $responder
 Title "Nothing found? What a sweep has to work with here, and what one device answers to"
 Vn doctor
 Vn doctor 10.77.1.22 "${v3[@]}"
-VnFails doctor 10.77.2.25 # it refuses communities
+VnFails doctor 10.77.2.25 # this device refuses communities
 
 Title "Reachability"
 Vn ping 10.77.2.25

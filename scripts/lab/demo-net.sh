@@ -1,12 +1,12 @@
 #!/bin/bash
 # The network of the demo, inside private-net.sh: two switches, the host on both, devices with real agents.
-# Every device has a namespace of its own, called by its name.
+# Every device has its own namespace, of the same name.
 #
 #   host eth0 10.77.1.1  -- switch1 --  hall     10.77.1.21  fe80::1:21  also a WS-Discovery responder
 #                                       copy     10.77.1.22  fe80::1:22
 #                                       attic    no IPv4     fe80::1:24
 #   host eth1 10.77.2.1  -- switch2 --  lab      10.77.2.23  fe80::2:23
-#                                       vault    10.77.2.25  fe80::2:25  SNMPv3 alone
+#                                       vault    10.77.2.25  fe80::2:25  SNMPv3 only
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 
@@ -18,7 +18,7 @@ Switch() {
         link set br0 up"
 }
 
-# Plug NETNS LINK SWITCH ADDRESS...: a cable from an adapter of NETNS to a switch, and the adapter's addresses.
+# Plug NETNS LINK SWITCH ADDRESS...: connects an adapter of NETNS to a switch, and sets the adapter's addresses.
 Plug() {
     local netns=$1 link=$2 switch=$3 address
     shift 3
@@ -44,15 +44,15 @@ Switch switch1
 Switch switch2
 Plug host eth0 switch1 10.77.1.1 fe80::1:1
 Plug host eth1 switch2 10.77.2.1 fe80::2:1
-ip -n host route add default dev eth0 # the way for 255.255.255.255
+ip -n host route add default dev eth0 # the route of 255.255.255.255
 Plug hall eth0 switch1 10.77.1.21 fe80::1:21
 Plug copy eth0 switch1 10.77.1.22 fe80::1:22
 Plug attic eth0 switch1 fe80::1:24
 Plug lab eth0 switch2 10.77.2.23 fe80::2:23
 Plug vault eth0 switch2 10.77.2.25 fe80::2:25
 
-# Agent NAME MODEL DESCRIPTION LOCATION ACCESS [LINES]: an agent with the users of all devices, and ACCESS's lines.
-# LINES stand for what MODEL, DESCRIPTION and LOCATION would give.
+# Agent NAME MODEL DESCRIPTION LOCATION ACCESS [LINES]: starts an agent with the users of all devices and the lines
+# ACCESS. LINES replace what MODEL, DESCRIPTION and LOCATION would give.
 Agent() {
     local lines=${6:-}
     [ -n "$lines" ] || lines="override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str \"$2\"

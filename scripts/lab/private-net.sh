@@ -1,13 +1,13 @@
 #!/bin/bash
-# private-net.sh CMD [ARG...]: runs CMD in a world of its own and returns its exit code.
+# private-net.sh CMD [ARG...]: runs CMD in a private lab and returns its exit code.
 #
-# The world has its own network (no interface but lo, so nothing reaches the machine's networks), process
+# The lab has its own network (no interface but lo, so nothing reaches the machine's networks), process
 # table, /run (so `ip netns add NAME` is private) and a private copy-on-write /etc (for /etc/netns/NAME,
 # /etc/hosts, /etc/resolv.conf). All of it ends with CMD, or when this script is interrupted or killed,
-# because the kernel ends every process of the world together with its first one.
+# because the kernel ends every process of a process namespace together with the first one.
 #
 # CMD finds in its environment:
-#   VNDISCOVER_LAB  an empty folder of this world, in memory
+#   VNDISCOVER_LAB  an empty folder of this lab, in memory
 #   TMPDIR          a folder in it
 set -euo pipefail
 
@@ -16,27 +16,27 @@ set -euo pipefail
     exit 2
 }
 
-# Inside: prepare the world, run CMD, end (which ends everything else in here).
+# Inside: prepare the lab, run CMD, end (which ends everything else in here).
 if [ "${VNDISCOVER_LAB_INIT:-}" = 1 ]; then
     unset VNDISCOVER_LAB_INIT
     mount -t tmpfs -o mode=755 tmpfs /run
     export VNDISCOVER_LAB=/run/lab TMPDIR=/run/lab/tmp
     mkdir -p /run/netns /run/lock $VNDISCOVER_LAB/tmp $VNDISCOVER_LAB/etc/{upper,work}
-    # Where Wine's server has its folder. Wine 10 as Debian builds it crashes without one: it frees TMPDIR's text,
-    # which is the environment's ("free(): invalid pointer").
+    # Wine's server keeps its folder here. Debian's Wine 10 crashes without it ("free(): invalid pointer"): it frees
+    # the text of TMPDIR, which belongs to the environment.
     XDG_RUNTIME_DIR=/run/user/$(id -u)
-    export XDG_RUNTIME_DIR # else Wine 10 complains on standard error
+    export XDG_RUNTIME_DIR # otherwise Wine 10 complains on standard error
     mkdir -p -m 755 /run/user
     mkdir -m 700 "$XDG_RUNTIME_DIR"
     mount -t overlay overlay /etc \
         -o lowerdir=/etc,upperdir=$VNDISCOVER_LAB/etc/upper,workdir=$VNDISCOVER_LAB/etc/work
     mkdir -p /etc/netns
-    # A link into the machine's /run would dangle, and a small machine may have no names at all. Windows programs
-    # need an IPv6 name server to list adapters.
+    # A link into the machine's /run would dangle, and a minimal machine may have no such file. Windows programs need
+    # an IPv6 name server to list adapters.
     rm -f /etc/resolv.conf /etc/hosts
     printf '127.0.0.1 localhost\n::1 localhost ip6-localhost\n' >/etc/hosts
     echo 'nameserver ::1' >/etc/resolv.conf
-    # Files of net-snmp's agents and tools would else land in /var/lib/snmp.
+    # Otherwise net-snmp's agents and tools would write to /var/lib/snmp.
     export SNMP_PERSISTENT_DIR=$VNDISCOVER_LAB/snmp
     ip link set lo up
     status=0
@@ -47,8 +47,8 @@ fi
 user=()
 [ "$(id -u)" = 0 ] || user=(--user --map-root-user)
 # In the background, so that the traps below act at once; with this script's own input and with the default
-# action for Ctrl-C, both of which a shell takes from background commands. Should this script be killed
-# without a chance to act, setpriv's signal ends unshare, and that ends the world.
+# action for Ctrl-C, both of which a shell denies to background commands. If this script is killed without a
+# chance to act, setpriv's signal ends unshare, and with it the lab.
 VNDISCOVER_LAB_INIT=1 env --default-signal=INT,QUIT setpriv --pdeathsig KILL \
     unshare "${user[@]}" --mount --net --pid --ipc --uts --fork --kill-child=KILL --mount-proc \
     "$(readlink -f "${BASH_SOURCE[0]}")" "$@" <&0 &

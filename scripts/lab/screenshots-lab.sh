@@ -1,11 +1,11 @@
 #!/bin/bash
-# screenshots-lab.sh FOLDER DPI: inside private-net.sh (screenshots.sh starts it). Plays a user with the keyboard.
+# screenshots-lab.sh FOLDER DPI: inside private-net.sh (screenshots.sh starts it). Simulates a user's keyboard.
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 folder=$1 dpi=$2
 
 "$here/demo-net.sh"
-# Labs share the machine's temporary folder, where displays have their sockets.
+# Labs share the machine's temporary folder, which has the sockets of displays.
 mkdir -p "$VNDISCOVER_LAB/x11"
 mkdir -p /tmp/.X11-unix
 mount --bind "$VNDISCOVER_LAB/x11" /tmp/.X11-unix
@@ -24,7 +24,7 @@ Wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
 ip netns exec hall wsdd -4 -i eth0 -n HALL >/dev/null 2>&1 </dev/null &
 
 Picture() { import -window root "$folder/$1-$dpi.png"; }
-# Key NAME...: with the pauses of a person.
+# Key NAME...: presses keys with the pauses of a person.
 Key() {
     for name in "$@"; do
         xdotool key "$name"
@@ -43,7 +43,7 @@ sleep 8
 Key Tab Tab Tab Tab Tab Tab Tab Tab Home
 sleep 2
 Picture printer
-scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # the system's dialog wants it so
+scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # as the system's dialog requires
 Key ctrl+s
 sleep 1
 xdotool type "$scan"
@@ -53,7 +53,7 @@ Key alt+t w
 sleep 2
 Picture doctor
 Key Escape alt+e l
-# One device is gone, the next scan has not asked the others.
+# One device is gone, and the next scan has not asked the others yet.
 ip -n copy link set eth0 down
 Key F5
 sleep 12

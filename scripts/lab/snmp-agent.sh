@@ -1,6 +1,6 @@
 #!/bin/bash
 # snmp-agent.sh NETNS NAME <CONF: starts a real agent (net-snmp's snmpd) in a namespace of the lab, with the
-# configuration from standard input, and returns when it listens. Prints its process id. It ends with the lab.
+# configuration from standard input, and returns once it is listening. Prints its process id. It ends with the lab.
 # The log is $VNDISCOVER_LAB/NAME.log.
 set -euo pipefail
 
@@ -15,7 +15,7 @@ SNMPD=$(PATH=$PATH:/usr/sbin command -v snmpd) || {
 netns=$1 name=$2
 conf=$VNDISCOVER_LAB/$name.conf log=$VNDISCOVER_LAB/$name.log
 cat >"$conf"
-# No MIB files are read: agents and tools use numbers here. A folder of its own keeps engine IDs apart.
+# Agents and tools use numeric OIDs, so no MIB files are read. A separate folder gives each agent its own engine ID.
 MIBS='' SNMP_PERSISTENT_DIR=$VNDISCOVER_LAB/$name.state nsenter --net=/run/netns/"$netns" \
     "$SNMPD" -f -Lf "$log" -C -c "$conf" -I -smux </dev/null >/dev/null 2>&1 &
 agent=$!

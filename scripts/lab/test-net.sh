@@ -1,11 +1,11 @@
 #!/bin/bash
-# The network of the tests, inside private-net.sh. The host has two adapters, each on a network of its own:
+# The network for the tests, inside private-net.sh. The host has two adapters, each on a different network:
 #
 #   host eth0  10.77.1.1/24 fe80::1:1  ----  neta eth0  10.77.1.2/24 fe80::1:2
 #                                            for agents: 10.77.1.11 to .15, fe80::1:11 to 13
 #   host eth1  10.77.2.1/24 fe80::2:1  ----  netb eth0  10.77.2.2/24 fe80::2:2
 #
-# Addresses are fixed and usable at once, and nobody asks for routers, so a test sees its own traffic.
+# Addresses are fixed and usable at once, and router solicitations are off, so a test sees only its own traffic.
 set -euo pipefail
 
 [ -n "${VNDISCOVER_LAB:-}" ] || {
@@ -31,7 +31,7 @@ ip -batch - <<'END'
 link add eth0 netns host type veth peer name eth0 netns neta
 link add eth1 netns host type veth peer name eth0 netns netb
 END
-# Interface LINK: brings one up without an address of its own making.
+# Interface LINK: brings a link up without an automatic address.
 Interface() { printf 'link set %s addrgenmode none\nlink set %s up\n' "$1" "$1"; }
 Address() { printf 'addr add %s dev %s\n' "$2" "$1"; }
 LinkLocal() { printf 'addr add %s/64 dev %s scope link nodad\n' "$2" "$1"; }
@@ -43,7 +43,7 @@ LinkLocal() { printf 'addr add %s/64 dev %s scope link nodad\n' "$2" "$1"; }
     Interface eth1
     Address eth1 10.77.2.1/24
     LinkLocal eth1 fe80::2:1
-    echo 'route add default dev eth0' # the way for 255.255.255.255 and 239.255.255.250
+    echo 'route add default dev eth0' # the route of 255.255.255.255 and 239.255.255.250
 } | ip -n host -batch -
 {
     echo 'link set lo up'

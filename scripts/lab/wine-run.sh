@@ -1,7 +1,7 @@
 #!/bin/bash
-# wine-run.sh NETNS PROGRAM [ARG...]: runs a Windows program in a namespace of the lab (private-net.sh),
-# with a Wine prefix that belongs to this lab and namespace alone: its server owns the sockets, so it has to
-# live in the program's own network. The server stays for the next program; it ends with the lab, or with
+# wine-run.sh NETNS PROGRAM [ARG...]: runs a Windows program in a namespace of the lab (private-net.sh), with a
+# Wine prefix for this lab and namespace only: its server owns the sockets, so it must run in the program's
+# network. The server stays for the next program; it ends with the lab, or with
 #   wine-run.sh --stop NETNS
 set -euo pipefail
 
@@ -18,16 +18,16 @@ stop=
 }
 netns=$1
 shift
-# In the mount namespace of the lab, whichever one the caller is in: all see the same prefix.
+# In the lab's mount namespace, so that all callers see the same prefix.
 if [ "$(readlink /proc/self/ns/mnt)" != "$(readlink /proc/1/ns/mnt)" ]; then
     exec nsenter --target 1 --mount --wd=. "$here/wine-run.sh" ${stop:+--stop} "$netns" "$@"
 fi
 
 export WINEPREFIX=$VNDISCOVER_LAB/wine/$netns/prefix WINEDEBUG=${WINEDEBUG:--all}
-# Without Wine's debugger, unless it is asked for: under it, a program that crashes ends with exit code 0 instead of 5.
+# Without Wine's debugger, unless it was asked for: under it, a program that crashes ends with exit code 0 instead of 5.
 [ "${1:-}" = winedbg ] || export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:+$WINEDLLOVERRIDES;}winedbg.exe=d"
-export LC_ALL=C.UTF-8 # else Wine finds no name for a file that is not ASCII
-# No display, but for one that the caller made for it (before the first program of this prefix).
+export LC_ALL=C.UTF-8 # otherwise Wine does not find files with names that are not ASCII
+# No display, except one that the caller made before the first program of this prefix.
 unset DISPLAY WAYLAND_DISPLAY
 [ -z "${VNDISCOVER_WINE_DISPLAY:-}" ] || export DISPLAY=$VNDISCOVER_WINE_DISPLAY
 if [ -n "$stop" ]; then
@@ -36,9 +36,9 @@ if [ -n "$stop" ]; then
 fi
 layer=$VNDISCOVER_LAB/wine/$netns
 
-# Wine 10 lists no IPv6 adapters at all (ERROR_INVALID_DATA) as long as the kernel's table of routes holds one to
-# everywhere without a gateway, and it always does: each of its two tables begins with one that leads nowhere, until
-# there is a real one. So both get a real one, and the rules see to it that no packet ever takes it.
+# Wine 10 lists no IPv6 adapters at all (ERROR_INVALID_DATA) while the kernel has a default route without a gateway.
+# Each of its two route tables begins with an unreachable one until there is a real one. So both get a real one, and
+# rules keep packets from using it.
 ListIPv6Adapters() {
     local link
     link=$(ip -n "$netns" -6 -oneline address show up scope link | awk '{ print $2; exit }')
@@ -63,8 +63,8 @@ if [ ! -e "$layer/ready" ]; then
         mount -t overlay overlay "$WINEPREFIX" \
             -o "lowerdir=$template,upperdir=$layer/upper,workdir=$layer/work"
         ListIPv6Adapters
-        # Started here, the server and Wine's services stay. Else they would go with a program, and the next one,
-        # started at that moment, would fail; and they would keep the first one's output pipes open.
+        # Started here, the server and Wine's services stay. Otherwise they would end with a program, and the next one
+        # would fail if started at that moment; and they would keep the first one's output pipes open.
         ip netns exec "$netns" "$(dirname "$WINE")/wineserver64" --persistent </dev/null >/dev/null 2>&1 9>&-
         ip netns exec "$netns" "$WINE" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
         touch "$layer/ready"

@@ -1,5 +1,5 @@
 #!/bin/bash
-# with-test-net.sh CMD [ARG...]: runs CMD in a lab of its own with the network of the tests (test-net.sh).
+# with-test-net.sh CMD [ARG...]: runs CMD in a private lab with the network for the tests (test-net.sh).
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 # shellcheck disable=SC2016 # expanded inside
