@@ -45,11 +45,12 @@
  *   ended when the function returns.
  * - If hWnd is null, no message is sent.
  *
- * The debug log is switched on in the registry, under HKEY_LOCAL_MACHINE\Software\Varnell Osk\
- * VnInst: a non-zero `Debug` sends every line to the debugger; a non-zero `Dbg2Log` appends the
- * narrow lines, nearly all of them, to VxAdmSvc.log in the current directory. Only values of at
- * most 4 bytes are read. Changes take effect when the module is loaded and whenever a thread of the
- * host starts or ends; from then on `Dbg2Log` can be switched on, but not off again.
+ * The debug log is switched on by two values of the registry key
+ * HKEY_LOCAL_MACHINE\Software\Varnell Osk\VnInst: a non-zero `Debug` sends every line to the
+ * debugger; a non-zero `Dbg2Log` appends the narrow lines, nearly all of them, to VxAdmSvc.log in
+ * the current directory. Only values of at most 4 bytes count. Both are read when the module is
+ * loaded and whenever a thread of the host starts or ends; `Dbg2Log` can be switched on while the
+ * module is loaded, but not off.
  */
 #ifndef VNDISCOVER_H
 #define VNDISCOVER_H
