@@ -52,9 +52,9 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
     socket = std::make_unique<SCKRAW>();
     // No Probe, or one that does not fit the buffer; a send with a negative length could only fail.
     if (probeLength <= 0 || probeLength > kMaxProbe) return 0;
-    uint8_t message[kMaxProbe] = {};
-    if (probe) std::memcpy(message, probe, static_cast<size_t>(probeLength));
-    SweepFromEverywhere(useIPv6, message, probeLength);
+    uint8_t copy[kMaxProbe] = {};
+    if (probe) std::memcpy(copy, probe, static_cast<size_t>(probeLength));
+    SweepFromEverywhere(useIPv6, copy, probeLength);
     return 0;
 }
 

@@ -50,7 +50,7 @@ class Doctor(unittest.TestCase):
             self.verdict(AGENT, *nobody))
         code, verdict = self.verdict(AGENT, *V3, VNDISCOVER_PRIV_PASS="wrongpass")
         self.assertEqual(1, code)
-        self.assertIn("a wrong privacy password", verdict)
+        self.assertIn("wrong privacy password", verdict)
 
     def test_silence_and_a_missing_route_differ(self):
         code, out, _ = run("doctor", "10.77.1.99")

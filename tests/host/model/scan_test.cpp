@@ -204,7 +204,7 @@ TEST(ScanFile, IsRefusedWithLineAndReason) {
     };
     for (const Case& one : {
              Case{"vndiscover-scan", "scan", "line 1: not a scan"},
-             {"\"version\":1", "\"version\":2", "line 1: version 2 of the format, only 1 can"},
+             {"\"version\":1", "\"version\":2", "line 1: version 2 of the format, but only 1 can"},
              {"\"version\":1,", "", "line 1: \"version\" is missing"},
              {"\"snmpv1\"", "\"snmpv2\"", "line 3: \"kind\" is unknown"},
              {"\"splits\":[[0,1]]", "\"splits\":7", "line 7: \"splits\" is not an array"},

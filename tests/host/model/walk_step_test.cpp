@@ -35,7 +35,7 @@ TEST(Refusals, AreReportsAndNotTheCountersThemselves) {
     const std::pair<Oid, const char*> rows[] = {
         {wrongDigest, "wrong authentication password"},
         {{1, 3, 6, 1, 6, 3, 11, 2, 1, 3, 0}, "context engine ID"},
-        {{1, 3, 6, 1, 6, 3, 12, 1, 5, 0}, "no context"}};
+        {{1, 3, 6, 1, 6, 3, 12, 1, 5, 0}, "default context"}};
     for (const auto& [counter, words] : rows) {
         const char* reason = RefusalReason(asked, counter, kCounter32);
         ASSERT_TRUE(reason) << OidToText(counter);
