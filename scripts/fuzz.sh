@@ -1,7 +1,7 @@
 #!/bin/bash
 # fuzz.sh [SECONDS]: runs each fuzz target for SECONDS (default 600), two at a time, starting from the seeds in
-# tests/fuzz/corpus, then measures which lines of the portable code the inputs reach. The inputs are kept in build/fuzz/found. A fault
-# ends the run with an error, and its input is kept in build/fuzz.
+# tests/fuzz/corpus, then measures which lines of the portable code the inputs reach. The inputs are kept in
+# build/fuzz/found. A fault ends the run with an error, and its input is kept in build/fuzz.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 seconds=${1:-600}
