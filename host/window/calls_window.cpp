@@ -20,7 +20,7 @@ constexpr struct {
     unsigned heading;
     int width;  // in pixels at 96 DPI
 } kColumns[] = {
-    {IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 330}, {IDS_CALL_RESULT, 190}, {IDS_CALL_MS, 50}};
+    {IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_RESULT, 190}, {IDS_CALL_MS, 50}};
 enum { kTime, kExport, kResult, kDuration };
 
 std::wstring CellText(const Call& call, int column) {
@@ -92,7 +92,10 @@ INT_PTR CALLBACK CallsWindow::Procedure(HWND dialog, UINT message, WPARAM wParam
     auto* self = reinterpret_cast<CallsWindow*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
     if (!self) return FALSE;
     if (message == WM_COMMAND) self->OnCommand(LOWORD(wParam), HIWORD(wParam));
-    if (message == WM_NCDESTROY) self->dialog_ = nullptr;
+    if (message == WM_NCDESTROY) {
+        self->dialog_ = nullptr;
+        DeleteObject(self->font_);
+    }
     if (message != WM_NOTIFY) return FALSE;
     const auto* header = reinterpret_cast<const NMHDR*>(lParam);
     if (header->code == LVN_GETDISPINFOW) self->FillCell(lParam);
@@ -116,6 +119,9 @@ void CallsWindow::Begin(HWND dialog) {
         column.pszText = heading.data();
         SendMessageW(list, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
     }
+    font_ = CreateFontW(-MulDiv(9, dpi, 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0,
+                        CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN, L"Consolas");
+    SendDlgItemMessageW(dialog, IDC_CALL_TEXT, WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
     CheckRadioButton(dialog, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_CPP);
     added_ = calls_.size();
     ShowText();

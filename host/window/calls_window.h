@@ -39,6 +39,7 @@ class CallsWindow {
     std::deque<Call> calls_;  // the newest first, as the list shows them
     size_t added_ = 0;        // since Refresh
     HWND dialog_ = nullptr;
+    HFONT font_ = nullptr;  // of the text, while the dialog is open
 };
 
 }  // namespace vndiscover::host

@@ -147,7 +147,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_TIMER:
             if (wParam == kFrameTimer) OnFrame();
             if (wParam == kStatusTimer) {
-                if (isStopping_) workers_->Stop();  // again: the first may have come too early
+                if (isStopping_) workers_->RepeatStop();
                 ShowStatus();
             }
             return 0;
@@ -182,6 +182,9 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             StoreSettings();
             workers_.reset();
             DestroyWindow(window_);
+            return 0;
+        case WM_ENDSESSION:
+            if (wParam) StoreSettings();  // the process may end right after it
             return 0;
         case WM_DESTROY:
             SetWindowLongPtrW(window_, GWLP_USERDATA, 0);

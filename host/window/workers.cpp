@@ -56,14 +56,14 @@ Workers::~Workers() {
 void Workers::Sweep(const std::vector<SweepStep>& steps) {
     for (const SweepStep& step : steps) {
         Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp,
-            {step, {}, Task::kNetwork}, false);
+            {step, {}, Task::kNetwork, 0}, false);
     }
 }
 
 void Workers::Ask(const AskTarget& target, bool isUrgent) {
     SweepStep step;
     step.kind = target.kind;
-    Add(WorkerId::kDirected, {step, target, Task::kNetwork}, isUrgent);
+    Add(WorkerId::kDirected, {step, target, Task::kNetwork, 0}, isUrgent);
 }
 
 void Workers::Look(Task task) {
@@ -73,7 +73,7 @@ void Workers::Look(Task task) {
         free = worker;
         break;
     }
-    Add(free, {{}, {}, task}, true);
+    Add(free, {{}, {}, task, 0}, true);
 }
 
 void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
@@ -89,22 +89,22 @@ void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
             line.jobs.erase(known);
         }
     }
-    isStopped_ = false;
+    isStopTold_ = false;
     line.jobs.insert(isUrgent ? line.jobs.begin() : line.jobs.end(), std::move(job));
     if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
     changed_.notify_all();
 }
 
 void Workers::Stop() {
-    bool isFirst = false;
+    bool wasTold = false;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        isFirst = !isStopped_.exchange(true);
+        ++stops_;
+        wasTold = std::exchange(isStopTold_, true);
         for (Line& line : lines_) line.jobs.clear();
     }
-    engine_.StopSnmp();
-    engine_.StopWsd();
-    if (!isFirst) return;
+    RepeatStop();
+    if (wasTold) return;
     Call call;
     call.time = UtcNow();
     call.result = "0";
@@ -112,6 +112,11 @@ void Workers::Stop() {
         call.name = name;
         Tell(call);
     }
+}
+
+void Workers::RepeatStop() {
+    engine_.StopSnmp();
+    engine_.StopWsd();
 }
 
 bool Workers::IsBusy(WorkerId worker) const {
@@ -135,7 +140,8 @@ void Workers::Run(WorkerId worker) {
     while (true) {
         changed_.wait(lock, [&] { return isEnding_ || !line.jobs.empty(); });
         if (isEnding_) return;
-        const Job job = std::move(line.jobs.front());
+        Job job = std::move(line.jobs.front());
+        job.stops = stops_;
         line.jobs.pop_front();
         line.isRunning = true;
         lock.unlock();
@@ -168,7 +174,7 @@ void Workers::Do(WorkerId worker, const Job& job) {
         event.address = job.target.address;
         event.kind = Event::kAskBegan;
         events_.Push(event);
-        event.read = engine_.Read(job.target, [this] { return !isStopped_; });
+        event.read = engine_.Read(job.target, [this, &job] { return stops_ == job.stops; });
         event.kind = Event::kAsked;
         event.time = UtcNow();
         events_.Push(std::move(event));

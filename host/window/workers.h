@@ -73,9 +73,11 @@ class Workers {
     // a second. A worker does them that has nothing else to do, or the directed one next.
     void LookAtAdapters() { Look(Task::kAdapters); }
     void MakeReport() { Look(Task::kReport); }
-    // Ends sweeps and questions; call it until IsBusy says no, for a request that comes before the
-    // worker has entered the module is lost.
+    // Ends sweeps and questions, and drops what is waiting.
     void Stop();
+    // To be called until the sweeps have ended: a request is lost that comes before the worker has
+    // entered the module.
+    void RepeatStop();
     bool IsBusy() const;
     bool IsBusy(WorkerId worker) const;
     size_t Waiting() const;  // devices that are to be asked
@@ -86,6 +88,7 @@ class Workers {
         SweepStep step;
         AskTarget target;
         Task task = Task::kNetwork;
+        unsigned stops = 0;  // when it began: it goes on until there are more
     };
     struct Line {
         std::deque<Job> jobs;
@@ -104,7 +107,8 @@ class Workers {
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::array<Line, kWorkerCount> lines_;
-    std::atomic<bool> isStopped_{false};
+    std::atomic<unsigned> stops_{0};
+    bool isStopTold_ = true;  // as a call, once for what runs
     bool isEnding_ = false;
 };
 
