@@ -8,12 +8,32 @@
 namespace check {
 namespace {
 
-constexpr char kHost[] = "127.0.0.2";
+// Of the SNMPv1 agent, and of the SNMPv3 agent, which starts when the other has ended.
+constexpr char kHost[] = "127.0.0.2", kSecureHost[] = "127.0.0.3";
 constexpr uint16_t kSnmpPort = 161;
+
+Agent::Answers From(Device& device) {
+    return [&device](const Bytes& request) {
+        const Bytes answer = device.Answer(request);
+        return answer.empty() ? std::vector<Bytes>() : std::vector<Bytes>{answer};
+    };
+}
+
+// False, with a row that says why: requests to `host` would not reach an agent of this program.
+bool CanListen(Report& report, const std::string& name, const char* host) {
+    const int error = UdpSocket(AF_INET).Bind(host, kSnmpPort);
+    if (error == 0) return true;
+    report.NotSeen(name, "an agent of ours on port 161",
+                   "port 161 is taken or refused (" + Number(error) +
+                       "): stop the SNMP service and run this again");
+    return false;
+}
 
 std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
 
 void Version1Rows(Report& report, const Module& module) {
+    Device device;
+    const Agent agent(kHost, kSnmpPort, From(device));
     uint8_t raw[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = 0;
     const auto rawText = [&](int32_t length) {
@@ -73,7 +93,7 @@ void Version3Row(Report& report, const Module& module, Device& device, size_t di
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = 0;
     module.GetSnmpRequestV3(
-        kHost, kModelOid, text, sizeof text, &type, 0, 0, Wide(Device::kUserName).c_str(),
+        kSecureHost, kModelOid, text, sizeof text, &type, 0, 0, Wide(Device::kUserName).c_str(),
         BYTE(digest != 0), Wide(kAuthPassword).c_str(), BYTE(cipher != 0),
         Wide(kPrivPassword).c_str(), kDigests[digest].label, kCiphers[cipher].label);
     const std::string problem = device.Problem();
@@ -81,27 +101,9 @@ void Version3Row(Report& report, const Module& module, Device& device, size_t di
                Quoted(kModel), problem.empty() ? Quoted(text) : problem);
 }
 
-}  // namespace
-
-void RequestRows(Report& report, const Module& module) {
-    report.Section("Directed requests to agents on loopback addresses");
-    if (const int error = UdpSocket(AF_INET).Bind(kHost, kSnmpPort)) {
-        report.NotSeen("directed requests", "an agent of ours on port 161",
-                       "port 161 is taken or refused (" + Number(error) +
-                           "): stop the SNMP service and run this again");
-        return;
-    }
-    report.Add("get from a closed port", "no answer (0)",
-               "no answer (" +
-                   Number(module.GetSnmpRequestRaw(kHost, kModelOid, nullptr, 0, nullptr, 0, 0,
-                                                   nullptr, nullptr)) +
-                   ")");
+void Version3Rows(Report& report, const Module& module) {
     Device device;
-    const Agent agent(kHost, kSnmpPort, [&](const Bytes& request) {
-        const Bytes answer = device.Answer(request);
-        return answer.empty() ? std::vector<Bytes>() : std::vector<Bytes>{answer};
-    });
-    Version1Rows(report, module);
+    const Agent agent(kSecureHost, kSnmpPort, From(device));
     for (size_t digest = 0; digest < std::size(kDigests); ++digest) {
         for (size_t cipher = 0; cipher < (digest ? std::size(kCiphers) : 1); ++cipher) {
             Version3Row(report, module, device, digest, cipher);
@@ -109,11 +111,26 @@ void RequestRows(Report& report, const Module& module) {
     }
     VnResponseRecord record = {};
     device.SetUser({Digest::kSha256, Cipher::kAes});
-    module.GetNextSnmpRequestV3(kHost, kContactOid, &record, 0, 0, Wide(Device::kUserName).c_str(),
-                                1, Wide(kAuthPassword).c_str(), 1, Wide(kPrivPassword).c_str(),
-                                VN_AUTH_SHA256, VN_PRIV_AES);
+    module.GetNextSnmpRequestV3(kSecureHost, kContactOid, &record, 0, 0,
+                                Wide(Device::kUserName).c_str(), 1, Wide(kAuthPassword).c_str(), 1,
+                                Wide(kPrivPassword).c_str(), VN_AUTH_SHA256, VN_PRIV_AES);
     report.Add("v3 get-next, SHA-256, AES", "1 byte, 72",
                Number(record.valueLength) + " byte, " + Number(record.value[0]));
+}
+
+}  // namespace
+
+void RequestRows(Report& report, const Module& module) {
+    report.Section("Directed requests to agents on loopback addresses");
+    if (CanListen(report, "directed requests", kHost)) {
+        report.Add("get from a closed port", "no answer (0)",
+                   "no answer (" +
+                       Number(module.GetSnmpRequestRaw(kHost, kModelOid, nullptr, 0, nullptr, 0, 0,
+                                                       nullptr, nullptr)) +
+                       ")");
+        Version1Rows(report, module);
+    }
+    if (CanListen(report, "directed v3 requests", kSecureHost)) Version3Rows(report, module);
 }
 
 }  // namespace check

@@ -12,6 +12,7 @@ namespace check {
 namespace {
 
 constexpr char kThere[] = "127.0.0.1", kNobody[] = "127.0.0.3";
+constexpr char kAllNodes[] = "FF02:0:0:0:0:0:0:1";
 constexpr uint16_t kClosedPort = 9;
 constexpr int kShortWaitMs = 1000;
 
@@ -145,17 +146,24 @@ void AdapterRows(Report& report, const AddressList& six, ULONG sixError, int cal
 }
 
 // The interface through which a multicast from this socket returns to this computer.
-std::string LeavesBy(UdpSocket& socket, DWORD own) {
+std::string LeavesBy(UdpSocket& socket, DWORD own, const std::vector<sockaddr_in6>& adapters) {
     UdpSocket receiver(AF_INET6);
     sockaddr_in6 any = {};
     any.sin6_family = AF_INET6;
     bind(receiver.Get(), reinterpret_cast<const sockaddr*>(&any), sizeof any);
+    // Every host is a member, but Windows may give a socket only what the socket itself has joined.
+    for (const sockaddr_in6& adapter : adapters) {
+        ipv6_mreq membership = {};
+        inet_pton(AF_INET6, kAllNodes, &membership.ipv6mr_multiaddr);
+        membership.ipv6mr_interface = adapter.sin6_scope_id;
+        receiver.Set(IPPROTO_IPV6, IPV6_ADD_MEMBERSHIP, &membership, sizeof membership);
+    }
     const DWORD loops = 1;
     socket.Set(IPPROTO_IPV6, IPV6_MULTICAST_LOOP, &loops, sizeof loops);
     sockaddr_in6 group = {};
     group.sin6_family = AF_INET6;
     group.sin6_port = htons(receiver.Port());
-    inet_pton(AF_INET6, "FF02:0:0:0:0:0:0:1", &group.sin6_addr);
+    inet_pton(AF_INET6, kAllNodes, &group.sin6_addr);
     if (sendto(socket.Get(), "check", 5, 0, reinterpret_cast<const sockaddr*>(&group),
                sizeof group) != 5) {
         return "sending fails with " + Number(WSAGetLastError());
@@ -190,7 +198,7 @@ void LinkLocalRows(Report& report, const AddressList& list, bool mayUseNetwork) 
                    Number(bound ? 0 : WSAGetLastError()));
         const std::string leaves = "where its multicast to FF02::1 leaves" + which;
         if (mayUseNetwork) {
-            report.Add(leaves, "by its own adapter", LeavesBy(socket, own));
+            report.Add(leaves, "by its own adapter", LeavesBy(socket, own, addresses));
         } else {
             report.NotSeen(leaves, "by its own adapter", "needs --network");
         }

@@ -101,7 +101,8 @@ class Check(unittest.TestCase):
         self.assertRegex(report, r"leaves, address 1 \| by its own adapter \| not seen: needs --network")
         self.assertNotIn("Sweeps in every network", report)
         self.assertIn("| directed requests | an agent of ours on port 161 | not seen: port 161 is taken", report)
-        self.assertNotIn("| get |", report)
+        self.assertIn("| directed v3 requests | an agent of ours on port 161 | not seen: port 161 is taken", report)
+        self.assertNotRegex(report, r"\| (get|v3 get, MD5, DES) \|")
         self.assertIn("| unloading after a sweep |", report)
 
     def test_without_the_module_the_rest_is_still_reported_and_mistakes_are_told(self):

@@ -92,6 +92,25 @@ class Workflows(unittest.TestCase):
                     self.assertIn(f"({option} ", text("CMakeLists.txt") + cmake)
         self.assertEqual({"windows-msvc", "windows-mingw", "tests"}, used)
 
+    def test_what_windows_tests_needs_no_lab(self):
+        lists = text("tests/CMakeLists.txt")
+        on_windows, labs = lists.split("if(CMAKE_HOST_WIN32)\n    return()")
+        self.assertIn("lab_scripts", labs)
+        emptied = re.findall(r"^    set\((\w+)\)$", on_windows, re.M)  # where CMAKE_HOST_WIN32 is set
+        for test in re.findall(r"^ *vn_test\([^)]*\)", on_windows, re.M):
+            for prefix in emptied:
+                test = test.replace(f"${{{prefix}}}", "")
+            self.assertNotRegex(test, r"lab|\.sh|python3")
+
+    def test_the_whole_list_is_there(self):
+        wanted = ["debian .ci/run"] + [f"windows {words}" for preset in ("windows-msvc", "windows-mingw") for words in (
+            f"cmake --build --preset {preset}", f"ctest --test-dir build/{preset}", "cmake --install", "cpack", "test -s kit/bin/VnBrowser.exe",
+            "kit/bin/windows_check.exe", "cmake -S kit/examples", "cmake --build build/examples")]
+        lines = [f"{job} {shlex.join(words)}" for job, words in commands()]
+        for line in wanted:
+            self.assertTrue([found for found in lines if found.startswith(line)], line)
+        self.assertEqual(["bookworm", "trixie"], yaml.safe_load(text(WORKFLOWS[0].relative_to(SOURCE)))["jobs"]["debian"]["strategy"]["matrix"]["release"])
+
 
 if __name__ == "__main__":
     unittest.main()
