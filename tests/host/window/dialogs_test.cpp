@@ -188,12 +188,18 @@ TEST_F(Dialogs, CallsAppearAsTextsToCopy) {
     EXPECT_EQ(0u, TextOf(text).find(L"#include <vndiscover.h>\r\n"));
     CheckRadioButton(dialog, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_COMMAND);
     Press(dialog, IDS_CALL_COMMAND);
-    EXPECT_EQ(L"vndiscover sweep --oid .1.3", TextOf(text));
+    EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", TextOf(text));
     Press(dialog, IDS_CALL_COPY);
     ASSERT_TRUE(OpenClipboard(nullptr));
     const auto* copied = static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
-    EXPECT_STREQ(L"vndiscover sweep --oid .1.3", copied);
+    EXPECT_STREQ(L"vndiscover sweep --oid .1.3.1", copied);
     CloseClipboard();
+    // What is chosen stays chosen while others come.
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return engine_.sweeps == 2; }));
+    Command(IDC_FIND);
+    EXPECT_TRUE(Until([&] { return ListView_GetItemCount(list) == 6; }));
+    EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", TextOf(text));
     Press(dialog, IDCANCEL);
     EXPECT_FALSE(IsWindow(dialog));
 }
@@ -203,6 +209,7 @@ TEST_F(Dialogs, ReportIsMadeByAWorker) {
     Open();
     ASSERT_TRUE(Until([&] { return engine_.adapterThread != 0; }));
     EXPECT_NE(GetCurrentThreadId(), engine_.adapterThread);
+    EXPECT_EQ(0, engine_.sweeps + engine_.reads);  // nothing is sent at start
     Command(IDM_DOCTOR);
     EXPECT_EQ(Text(IDS_DOCTOR_WAIT), TextOf(Control(IDC_STATUS)));
     ASSERT_TRUE(

@@ -41,7 +41,12 @@ class ScriptedEngine : public Engine {
             if (isOver_) break;
         }
         isInSweep_ = isOver_ = false;
-        Tell({"DiscoverDevicesByOID", {{"oid", ".1.3"}}, "", "0", 1, 2000});
+        Tell({"DiscoverDevicesByOID",
+              {{"oid", ".1.3." + std::to_string(sweeps)}},
+              "",
+              "0",
+              1,
+              2000});
     }
     // Like the module, forgets a request that comes while no sweep runs.
     void StopSnmp() override {
