@@ -1,56 +1,43 @@
 // When the three kinds of sweep end, and what has been delivered by then.
-#include "exports/support/network_test.h"
+#include "exports/support/v3_test.h"
 
 namespace vndiscover {
 namespace {
 
 enum class Protocol { kV1, kV3, kWsd };
 
-struct Kind : Row {
+struct Kind {
+    const char* name;
     Protocol protocol;
-    int waitMs, totalMs;
-    int adapters;
+    int waitMs, totalMs, adapters;
 };
 
 // The test's devices are those of neta, unless it says so: its n-th answer is device n. Of a
 // WS-Discovery sweep the results come at once, of the others when a phase is over.
-class SweepEndings : public NetworkTest, public testing::WithParamInterface<Kind> {
+class SweepEndings : public V3Test, public WithParamInterface<Kind> {
   protected:
-    SweepEndings() : NetworkTest(false) { network.MakeSocketsUp(module); }
+    SweepEndings() : V3Test(false) { network.MakeSocketsUp(module); }
 
     bool IsWsd() const { return GetParam().protocol == Protocol::kWsd; }
 
     // So many devices, one each gapMs.
-    void Crowd(int count, uint32_t gapMs, bool isEverywhere = false) {
+    void Crowd(size_t count, uint32_t gapMs, bool isEverywhere = false) {
         Devices([=, next = 0](const Request& request) mutable {
             if (request.net != "neta" && !isEverywhere) return Answers();
             const bool isV3 = GetParam().protocol == Protocol::kV3;
-            if (isV3 && request.data != V3Probe()) {
-                return Answers{{V3Text(std::to_string(next++))}};
-            }
-            Answers answers;
-            for (int i = 0; i < count; ++i) {
+            if (isV3 && request.data != V3Probe()) return Answers{{V3Text(std::to_string(next++))}};
+            Answers answers = Repeated(count, {V3Report()}, gapMs);
+            for (size_t i = 0; i < count && !isV3; ++i) {
                 const std::string text = std::to_string(i);
-                answers.push_back({isV3      ? V3Report()
-                                   : IsWsd() ? TextBytes(text)
-                                             : SnmpText(text),
-                                   {},
-                                   static_cast<uint32_t>(i) * gapMs});
+                answers[i].data = IsWsd() ? TextBytes(text) : SnmpText(text);
             }
             return answers;
         });
     }
     void Run() {
-        switch (GetParam().protocol) {
-            case Protocol::kV1:
-                return Sweep();
-            case Protocol::kV3:
-                module.DiscoverSnmpV3(window.Handle(), window.kMessage, 1, 0, L"user", 0, nullptr,
-                                      0, nullptr, nullptr, nullptr);
-                return;
-            case Protocol::kWsd:
-                module.DiscoverSoap(window.Handle(), window.kMessage, 4999, "<probe/>", 8);
-        }
+        if (GetParam().protocol == Protocol::kV1) Sweep();
+        if (GetParam().protocol == Protocol::kV3) SweepV3(window);
+        if (IsWsd()) module.DiscoverSoap(window.Handle(), window.kMessage, 4999, "<probe/>", 8);
     }
     void Stop() { IsWsd() ? module.StopDiscoverSoap() : module.StopDiscoverSnmp(); }
     // The first devices, each once and in order, and the end where there is one.
@@ -60,8 +47,7 @@ class SweepEndings : public NetworkTest, public testing::WithParamInterface<Kind
         return WithEnd(texts);
     }
     static Lines WithEnd(Lines texts) {
-        if (GetParam().protocol != Protocol::kV3) texts.push_back("end");
-        return texts;
+        return GetParam().protocol == Protocol::kV3 ? texts : texts + Lines{"end"};
     }
     // Of the adapters whose phases end with a silent wait.
     std::vector<int> SilentPhases(int count) const {
@@ -151,10 +137,10 @@ TEST_P(SweepEndings, ItsTimeWhenEveryReceiveFails) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, SweepEndings,
-                         testing::Values(Kind{{"V1"}, Protocol::kV1, 2000, 60000, 2},
-                                         Kind{{"V3"}, Protocol::kV3, 2000, 60000, 2},
-                                         Kind{{"Wsd"}, Protocol::kWsd, 4000, 30000, 3}),
-                         kNameOfRow);
+                         Values(Kind{"V1", Protocol::kV1, 2000, 60000, 2},
+                                Kind{"V3", Protocol::kV3, 2000, 60000, 2},
+                                Kind{"Wsd", Protocol::kWsd, 4000, 30000, 3}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace vndiscover

@@ -2,9 +2,6 @@
 #include <fcntl.h>
 #include <stdlib.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "exports/support/v3_test.h"
 
 namespace vndiscover {
@@ -14,9 +11,7 @@ constexpr wchar_t kPath[] = L"devices.csv";
 constexpr char kTwoDevices[] = "\"10.77.1.2\",\"A\"\r\n\"10.77.1.2\",\"B\"\r\n";
 
 std::string TakeFile(const char* path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string content{std::istreambuf_iterator<char>(file), {}};
-    file.close();
+    const std::string content = ReadFile(path);
     std::remove(path);
     return content;
 }
@@ -31,14 +26,6 @@ class SweepState : public V3Test {
             return Answers{{SnmpText("A")}, {SnmpText("B")}};
         });
     }
-    int32_t SweepV3(ResultWindow& to, const wchar_t* request = nullptr) {
-        return user.Ask([&](auto... security) {
-            return request ? module.DiscoverV3DevicesByOIDjson(to.Handle(), to.kMessage, 0, 0,
-                                                               request, security...)
-                           : module.DiscoverSnmpV3(to.Handle(), to.kMessage, 0, 0, security...);
-        });
-    }
-
     ResultWindow other;
 };
 
@@ -78,19 +65,18 @@ TEST_F(SweepState, IsFreeForAnotherWithinTheFinalMessage) {
 
 int g_allocationsLeft;
 
-void* OneFails(size_t size) { return g_allocationsLeft-- == 0 ? nullptr : std::malloc(size); }
-
 TEST_F(SweepState, IsFreeForAnotherWhicheverAllocationFails) {
-    const std::function<void()> sweeps[] = {[&] { Sweep(); }, [&] { SweepV3(window); }};
-    for (const auto& sweep : sweeps) {
-        const bool isV1 = &sweep == sweeps;
+    for (const bool isV1 : {true, false}) {
+        const auto sweep = [&] { isV1 ? Sweep() : static_cast<void>(SweepV3(window)); };
         sweep();
         const Lines whole = window.Texts();
         int failed = 0;
         for (g_allocationsLeft = -1; g_allocationsLeft < 0; ++failed) {
             window.results.clear();
             g_allocationsLeft = failed;
-            const ImportPatch patch(module.Handle(), "malloc", OneFails);
+            const ImportPatch patch(module.Handle(), "malloc", [](size_t size) {
+                return g_allocationsLeft-- == 0 ? nullptr : std::malloc(size);
+            });
             sweep();
             if (isV1) {
                 ASSERT_THAT(window.Texts(), Contains("end")) << "allocation " << failed;
@@ -125,8 +111,7 @@ TEST_F(SweepState, BeginsWithASocketObjectOfItsOwn) {
     Sweep();
     SweepV3(window);
     SweepV3(window);
-    const Lines lines = log.Lines();
-    EXPECT_EQ(3, std::count(lines.begin(), lines.end(), "SCKRAW::SCKRAW()\n"));
+    EXPECT_THAT(log.Lines(), Contains("SCKRAW::SCKRAW()\n").Times(3));
 }
 
 // Whatever the host has made the runtime's default.
@@ -147,16 +132,6 @@ TEST_F(SweepState, IsWrittenToTextFiles) {
 
 int g_references;
 
-int WSAAPI Start(WORD version, WSADATA* data) {
-    const int error = WSAStartup(version, data);
-    if (error == 0) ++g_references;
-    return error;
-}
-int WSAAPI CleanUp() {
-    --g_references;
-    return WSACleanup();
-}
-
 // The module ends under the loader's lock, where the last clean-up could wait for ever.
 TEST(WinSockReferences, OneStaysWhenTheModuleIsUnloadedAfterASweep) {
     const std::function<void(const Module&)> sweeps[] = {
@@ -172,8 +147,14 @@ TEST(WinSockReferences, OneStaysWhenTheModuleIsUnloadedAfterASweep) {
         {
             const Module module;
             // Never taken back: what the unloading does is the test.
-            new ImportPatch(module.Handle(), "WSAStartup", Start);
-            new ImportPatch(module.Handle(), "WSACleanup", CleanUp);
+            new ImportPatch(module.Handle(), "WSAStartup", [](WORD version, WSADATA* data) {
+                ++g_references;
+                return WSAStartup(version, data);
+            });
+            new ImportPatch(module.Handle(), "WSACleanup", [] {
+                --g_references;
+                return WSACleanup();
+            });
             const ScriptedNetwork network(module);
             sweep(module);
         }

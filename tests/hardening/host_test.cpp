@@ -3,8 +3,8 @@
 // behind when it loads the module, uses all of it and unloads it, again and again.
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <optional>
+#include <thread>
 
 #include "exports/support/network_test.h"
 #include "support/win.h"
@@ -56,21 +56,18 @@ TEST_F(Host, HasAFullDiskWhichCostsNoMessage) {
     window.results.clear();
     DeviceIn("neta", {{SnmpText("A")}});
     Sweep(L"devices.csv");
-    std::string line;
-    std::getline(std::ifstream("devices.csv"), line);
-    EXPECT_EQ("\"10.77.1.2\",\"A\"", line);
-}
-
-SOCKET WSAAPI NoSocket(int, int, int, LPWSAPROTOCOL_INFOA, GROUP, DWORD) {
-    WSASetLastError(WSAEMFILE);
-    return INVALID_SOCKET;
+    EXPECT_EQ("\"10.77.1.2\",\"A\"\r\n", ReadFile("devices.csv"));
 }
 
 TEST_F(Host, HasNoSocketsLeftWhichEndsEveryCallAtOnce) {
     char value[260];
     uint32_t type = 0;
     {
-        const ImportPatch patch(module.Handle(), "WSASocketA", NoSocket);
+        const ImportPatch patch(module.Handle(), "WSASocketA",
+                                [](int, int, int, LPWSAPROTOCOL_INFOA, GROUP, DWORD) {
+                                    WSASetLastError(WSAEMFILE);
+                                    return INVALID_SOCKET;
+                                });
         Sweep();
         module.DiscoverSoap(window.Handle(), window.kMessage, 5000, "x", 1);
         EXPECT_THAT(window.Texts(), ElementsAre("end", "end"));
@@ -99,13 +96,15 @@ class NoPages {
     uint8_t before_[3];
 };
 
+// What is thrown and caught at it takes an index and some bytes from the runtime.
+const Answers kMalformedAnswer = {{Hex("30 05 02 01 03 30 84 ff ff ff ff")}};
+
 // Every export once, over a device that answers all of it.
 void UseEverything(const Module& module, HWND host, UINT message, int round) {
     ScriptedNetwork network(module);
     network.Devices([](const Request& request) {
         if (request.port != 161) return Answers{{TextBytes("<ProbeMatches/>")}};
-        // What is thrown and caught at a malformed answer takes an index from the runtime.
-        if (request.local == kMalformed) return Answers{{Hex("30 05 02 01 03 30 84 ff ff ff ff")}};
+        if (request.local == kMalformed) return kMalformedAnswer;
         const bool isV1 = request.data[4] == 0;
         return Answers{{isV1 ? SnmpText("Model 1") : V3Report()}};
     });
@@ -212,25 +211,18 @@ bool HeapGrowsByItself() {
 }
 constexpr char kHeapGrows[] = "the heap of Wine 10 grows by itself";
 
-DWORD WINAPI MeetAMalformedAnswer(void* module) {
-    ScriptedNetwork network(*static_cast<Module*>(module));
-    network.Devices(
-        [](const Request&) { return Answers{{Hex("30 05 02 01 03 30 84 ff ff ff ff")}}; });
-    VnResponseRecord record = {};
-    static_cast<Module*>(module)->GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0, L"user",
-                                                       0, nullptr, 0, nullptr, nullptr, nullptr);
-    return 0;
-}
-
 // What a thread has caught is kept for it until it ends.
 TEST(Load, AndThreadsThatEndLeaveNothingBehind) {
-    Module module;
+    const Module module;
+    ScriptedNetwork network(module);
     const auto run = [&](int count) {
         for (int i = 0; i < count; ++i) {
-            const HANDLE thread =
-                CreateThread(nullptr, 0, MeetAMalformedAnswer, &module, 0, nullptr);
-            WaitForSingleObject(thread, INFINITE);
-            CloseHandle(thread);
+            network.Devices([](const Request&) { return kMalformedAnswer; });
+            std::thread([&] {
+                VnResponseRecord record = {};
+                module.GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0, L"user", 0,
+                                            nullptr, 0, nullptr, nullptr, nullptr);
+            }).join();
         }
         return Usage().heapBytes;
     };

@@ -39,14 +39,15 @@ class GuardedBuffer {
     int32_t Size() const { return static_cast<int32_t>(size_); }
 
     Bytes Content() const { return Bytes(data_, data_ + size_); }
-    bool FrontStands() const { return IsFilled(base_, data_); }
-    bool IsUntouched() const { return IsFilled(base_, data_ + size_); }
+    // Whether nothing was written to but, at most, the first bytes of the buffer.
+    bool IsUntouched(size_t butFor = 0) const {
+        const auto isFilled = [](uint8_t byte) { return byte == kFill; };
+        return std::all_of(base_, data_, isFilled) &&
+               std::all_of(data_ + butFor, data_ + size_, isFilled);
+    }
+    bool FrontStands() const { return IsUntouched(size_); }
 
   private:
-    static bool IsFilled(const uint8_t* from, const uint8_t* to) {
-        return std::all_of(from, to, [](uint8_t byte) { return byte == kFill; });
-    }
-
     static constexpr size_t kPage = 4096;
     static constexpr size_t kFront = 512;  // more than any value has
 

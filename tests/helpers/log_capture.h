@@ -22,6 +22,11 @@ class LogCapture {
         std::lock_guard<std::mutex> lock(mutex_);
         return lines_;
     }
+    std::string Text() const {
+        std::string text;
+        for (const std::string& line : Lines()) text += line;
+        return text;
+    }
     bool Has(const std::string& line) const {
         const std::vector<std::string> lines = Lines();
         return std::find(lines.begin(), lines.end(), line) != lines.end();
@@ -45,12 +50,6 @@ class UnitLog : public LogCapture {
   public:
     UnitLog() { g_debugSwitches.debug = 1; }
     ~UnitLog() { g_debugSwitches.debug = 0; }
-
-    std::string Text() const {
-        std::string text;
-        for (const std::string& line : Lines()) text += line;
-        return text;
-    }
 };
 
 }  // namespace vndiscover

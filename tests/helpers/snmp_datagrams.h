@@ -31,6 +31,13 @@ inline Bytes OidContent(const std::string& dotted) {
     return content;
 }
 
+// "1.3.1.1...", one with so many content octets.
+inline std::string LongOid(size_t octets) {
+    std::string oid = "1.3";
+    for (size_t i = 1; i < octets; ++i) oid += ".1";
+    return oid;
+}
+
 // The shortest form of two's complement.
 inline Bytes IntegerTlv(int64_t value) {
     Bytes content = {static_cast<uint8_t>(value)};

@@ -1,5 +1,5 @@
 // The crypto interface over libcrypto, for systems without the platform's own libraries.
-#include "crypto_openssl.h"
+#include "snmpv3/crypto/crypto.h"
 
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
@@ -7,14 +7,13 @@
 #include <iterator>
 #include <vector>
 
-#include "snmpv3/crypto/crypto.h"
 #include "snmpv3/crypto/protocol_codes.h"
 #include "snmpv3/crypto/sha224.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
 
-int g_mebibyteHashes = 0;
+int g_mebibyteHashes = 0;  // as a password's key costs one
 
 namespace {
 

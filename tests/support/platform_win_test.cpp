@@ -64,9 +64,12 @@ TEST_F(RegistryTest, HoldsTheSwitchesUnderTheKeyDebugWhereNoOtherIsNamed) {
 
 // Unlike that of narrow ones, the limit of 1,024 characters holds for stamp and message together.
 // Wine's loses the last.
-TEST_F(RegistryTest, WideLinesAreCut) {
+TEST_F(RegistryTest, WideLinesAreCutAndNoLineChangesTheLastError) {
     DebugLogW(L"%s", std::wstring(2000, L'9').c_str());
     const std::string cut = log.Text();
+    SetLastError(5);
+    DebugLogA("callers read it again");
+    EXPECT_EQ(5u, GetLastError());
     EXPECT_TRUE(cut == std::string(1000, '9') || cut == std::string(999, '9')) << cut.size();
 }
 

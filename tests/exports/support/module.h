@@ -1,7 +1,9 @@
 // VnDiscover.dll as a host loads it, and the system calls that it imports.
 #pragma once
 
+#include <map>
 #include <new>
+#include <string>
 
 #include "support/win.h"
 #include "vndiscover.h"
@@ -60,7 +62,7 @@ class ImportPatch {
   public:
     template <class Function>
     ImportPatch(HMODULE module, const char* name, Function replacement)
-        : ImportPatch(module, name, reinterpret_cast<void*>(replacement), 0) {}
+        : ImportPatch(module, name, reinterpret_cast<void*>(+replacement), 0) {}
     ~ImportPatch() { Write(original_); }
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
@@ -71,6 +73,30 @@ class ImportPatch {
 
     void** slot_;
     void* original_;
+};
+
+// What the module finds when it looks a function of the system up at run time, while the object
+// lives. One object at a time.
+class LookupPatch {
+  public:
+    explicit LookupPatch(const Module& module) : patch_(module.Handle(), "GetProcAddress", Find) {
+        found.clear();
+    }
+    template <class Function>
+    void Set(const std::string& name, Function replacement) {
+        found[name] = reinterpret_cast<void*>(+replacement);
+    }
+
+    static inline std::map<std::string, void*> found;  // null: there is no such function
+
+  private:
+    static FARPROC WINAPI Find(HMODULE library, const char* name) {
+        const auto known = found.find(name);
+        if (known == found.end()) return GetProcAddress(library, name);
+        return reinterpret_cast<FARPROC>(known->second);
+    }
+
+    ImportPatch patch_;
 };
 
 }  // namespace vndiscover

@@ -5,7 +5,10 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -16,17 +19,7 @@
 
 namespace vndiscover {
 
-using testing::AllOf;
-using testing::AnyOf;
-using testing::Contains;
-using testing::Each;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::Ge;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Le;
-using testing::SizeIs;
+using namespace testing;  // the matchers
 
 using Lines = std::vector<std::string>;
 
@@ -34,19 +27,14 @@ inline Lines operator+(Lines left, const Lines& right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
 }
-inline Lines Times(int count, const Lines& lines) {
-    Lines all;
-    while (count-- > 0) all = all + lines;
-    return all;
+// "(no file)" where there is none.
+inline std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return "(no file)";
+    return {std::istreambuf_iterator<char>(file), {}};
 }
-
-// The first part of a table's row: it names the test.
-struct Row {
-    const char* name;
-};
-inline std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
-constexpr auto kNameOfRow = [](const auto& row) { return std::string(row.param.name); };
-
+// Of ASCII.
+inline std::wstring Wide(const std::string& text) { return {text.begin(), text.end()}; }
 // The registry values that switch the debug log on. A module sees a change when it is loaded or
 // when a thread starts.
 class RegistrySwitches {
@@ -112,6 +100,16 @@ class ResultWindow {
         return texts;
     }
 
+    // The same for JSON, without line ends and tabs.
+    std::vector<std::string> Documents() const {
+        std::vector<std::string> texts = Texts();
+        for (std::string& text : texts) {
+            const auto isLayout = [](char c) { return c == '\n' || c == '\t'; };
+            text.erase(std::remove_if(text.begin(), text.end(), isLayout), text.end());
+        }
+        return texts;
+    }
+
     std::vector<Result> results;
     std::function<void(const Result&)> onResult;  // runs inside the message
 
@@ -172,14 +170,10 @@ class NetworkTest : public testing::Test {
         return senders;
     }
     const std::vector<int>& SilentWaits() const { return network.SilentWaits(); }
-    // The whole log; a failure shows the lines that differ.
-    void ExpectLog(const Lines& expected) const {
-        const auto text = [](const Lines& lines) {
-            std::string all;
-            for (const std::string& line : lines) all += line + '\n';
-            return all;
-        };
-        EXPECT_EQ(text(expected), text(log.Lines()));
+    // The whole log since the last look.
+    void ExpectLog(const std::string& expected) {
+        EXPECT_EQ(expected, log.Text());
+        log.Clear();
     }
 
     // DiscoverDevices with the default community; the time-out does not matter.

@@ -1,6 +1,8 @@
 // Adapter lists that no test network has, in front of the system's own.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstring>
 #include <deque>
@@ -18,9 +20,24 @@ namespace vndiscover {
 // system's own they refuse a buffer that is too small and tell the size that they need.
 class ScriptedAdapters {
   public:
-    explicit ScriptedAdapters(const Module& module)
-        : lookup_(module.Handle(), "GetProcAddress", Lookup) {
+    explicit ScriptedAdapters(const Module& module) : lookup_(module) {
         self_ = this;
+        lookup_.Set("GetAdaptersInfo", [](IP_ADAPTER_INFO* list, ULONG* size) {
+            return self_->Fill(self_->ipv4_, list, size);
+        });
+        lookup_.Set("GetAdaptersAddresses",
+                    [](ULONG, ULONG, void*, IP_ADAPTER_ADDRESSES* list, ULONG* size) {
+                        EXPECT_GE(HeapSize(GetProcessHeap(), 0, list), *size);
+                        return self_->Fill(self_->ipv6_, list, size);
+                    });
+    }
+    // As the system may write them.
+    void WriteAddressesInUpperCase() {
+        lookup_.Set("inet_ntop", [](INT family, const void* address, PSTR text, size_t size) {
+            const PCSTR written = inet_ntop(family, address, text, size);
+            std::transform(text, text + strlen(text), text, toupper);
+            return written;
+        });
     }
 
     // After the adapters that were added before. Entries are pairs of address and mask.
@@ -52,11 +69,10 @@ class ScriptedAdapters {
         }
     }
 
-    ULONG needs = 0;                    // bytes; 0: as many as the records of the list have
-    ULONG alwaysNeeds = 0;              // bytes more than any buffer has
-    ULONG error = 0;                    // instead of a list
-    bool addressesInUpperCase = false;  // from inet_ntop
-    std::vector<ULONG> sizes;           // of the buffers that the module offered
+    ULONG needs = 0;           // bytes; 0: as many as the records of the list have
+    ULONG alwaysNeeds = 0;     // bytes more than any buffer has
+    ULONG error = 0;           // instead of a list
+    std::vector<ULONG> sizes;  // of the buffers that the module offered
 
   private:
     template <class Record>
@@ -79,28 +95,6 @@ class ScriptedAdapters {
         std::memcpy(list, &records.front(), sizeof(Record));
         return ERROR_SUCCESS;
     }
-    static ULONG WINAPI ListIPv4(IP_ADAPTER_INFO* list, ULONG* size) {
-        return self_->Fill(self_->ipv4_, list, size);
-    }
-    static ULONG WINAPI ListIPv6(ULONG, ULONG, void*, IP_ADAPTER_ADDRESSES* list, ULONG* size) {
-        return self_->Fill(self_->ipv6_, list, size);
-    }
-    static PCSTR WSAAPI UpperCaseText(INT family, const void* address, PSTR text, size_t size) {
-        const PCSTR written = inet_ntop(family, address, text, size);
-        std::transform(text, text + strlen(text), text, toupper);
-        return written;
-    }
-    static FARPROC WINAPI Lookup(HMODULE library, const char* name) {
-        const std::string function = name;
-        const auto as = [](auto scripted) {
-            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(scripted));
-        };
-        if (function == "GetAdaptersInfo") return as(ListIPv4);
-        if (function == "GetAdaptersAddresses") return as(ListIPv6);
-        if (function == "inet_ntop" && self_->addressesInUpperCase) return as(UpperCaseText);
-        return GetProcAddress(library, name);
-    }
-
     static inline ScriptedAdapters* self_;
     std::deque<IP_ADAPTER_INFO> ipv4_;
     std::deque<IP_ADDR_STRING> ipv4Entries_;  // but each adapter's first
@@ -108,7 +102,7 @@ class ScriptedAdapters {
     std::deque<IP_ADAPTER_UNICAST_ADDRESS> ipv6Entries_;
     std::deque<sockaddr_in6> ipv6Addresses_;
     std::deque<std::wstring> names_;
-    ImportPatch lookup_;
+    LookupPatch lookup_;
 };
 
 }  // namespace vndiscover

@@ -8,7 +8,7 @@ namespace {
 
 constexpr uint32_t kFirstTick = 0u - 30000;  // what GetTickCount tells at first
 constexpr ULONG kZone = 12;                  // of a link-local sender
-constexpr int kFailuresPerMs = 10;
+constexpr int kFailuresOfAMoment = 10;
 
 ScriptedNetwork* g_network;
 
@@ -77,20 +77,6 @@ Answers Repeated(size_t count, const Answer& answer, uint32_t gapMs) {
     return answers;
 }
 
-ScriptedNetwork::Patches::Patches(HMODULE module)
-    : send(module, "sendto", OnSend),
-      select(module, "select", OnSelect),
-      receive(module, "recvfrom", OnReceive),
-      control(module, "ioctlsocket", OnControl),
-      close(module, "closesocket", OnClose),
-      clock(module, "GetTickCount", OnClock),
-      sleep(module, "Sleep", OnSleep) {}
-
-ScriptedNetwork::SocketPatches::SocketPatches(HMODULE module)
-    : create(module, "WSASocketA", OnCreate),
-      option(module, "setsockopt", OnOption),
-      bind(module, "bind", OnBind) {}
-
 ScriptedNetwork::ScriptedNetwork(const Module& module) {
     g_network = this;
     Attach(module);
@@ -99,6 +85,48 @@ ScriptedNetwork::ScriptedNetwork(const Module& module) {
 ScriptedNetwork::~ScriptedNetwork() {
     Detach();
     g_network = nullptr;
+}
+
+void ScriptedNetwork::Attach(const Module& module) {
+    const auto patch = [&](const char* name, auto function) {
+        patches_.emplace_back(module.Handle(), name, function);
+    };
+    patch("sendto", [](SOCKET handle, const char* data, int length, int, const sockaddr* to, int) {
+        return g_network->Send(handle, Bytes(data, data + length), to);
+    });
+    patch("select", [](int, fd_set* readable, fd_set*, fd_set*, const timeval* limit) {
+        return g_network->Wait(readable, limit->tv_sec * 1000 + limit->tv_usec / 1000);
+    });
+    patch("recvfrom", [](SOCKET handle, char* data, int size, int, sockaddr* from, int* length) {
+        return g_network->Receive(handle, data, size, from, length);
+    });
+    patch("ioctlsocket", [](SOCKET handle, long command, u_long* argument) {
+        Socket* const socket = g_network->Find(handle);
+        if (socket && command == static_cast<long>(FIONBIO)) socket->isNonBlocking = *argument != 0;
+        return socket && !socket->isReal ? 0 : ioctlsocket(handle, command, argument);
+    });
+    patch("closesocket", [](SOCKET handle) {
+        const Socket* const socket = g_network->Find(handle);
+        const bool isReal = !socket || socket->isReal;
+        g_network->sockets_.erase(handle);
+        return isReal ? closesocket(handle) : 0;
+    });
+    patch("GetTickCount", [] { return kFirstTick + static_cast<DWORD>(g_network->nowMs_); });
+    patch("Sleep", [](DWORD milliseconds) { g_network->nowMs_ += milliseconds; });
+}
+
+void ScriptedNetwork::MakeSocketsUp(const Module& module) {
+    patches_.emplace_back(module.Handle(), "WSASocketA",
+                          [](int, int, int, WSAPROTOCOL_INFOA*, GROUP, DWORD) {
+                              g_network->sockets_[g_network->lastMadeUp_ += 4].isReal = false;
+                              return g_network->lastMadeUp_;
+                          });
+    patches_.emplace_back(module.Handle(), "setsockopt",
+                          [](SOCKET, int, int, const char*, int) { return 0; });
+    patches_.emplace_back(module.Handle(), "bind", [](SOCKET handle, const sockaddr* address, int) {
+        g_network->sockets_[handle].bound = TextOf(address);
+        return 0;
+    });
 }
 
 void ScriptedNetwork::Devices(Reply reply) {
@@ -119,11 +147,6 @@ ScriptedNetwork::Socket* ScriptedNetwork::Find(SOCKET handle) {
     Socket& created = sockets_[handle];
     created.bound = TextOf(reinterpret_cast<sockaddr*>(&local));
     return &created;
-}
-
-int ScriptedNetwork::OnSend(SOCKET handle, const char* data, int length, int, const sockaddr* to,
-                            int) {
-    return g_network->Send(handle, Bytes(data, data + length), to);
 }
 
 int ScriptedNetwork::Send(SOCKET handle, Bytes data, const sockaddr* to) {
@@ -157,14 +180,12 @@ int ScriptedNetwork::Send(SOCKET handle, Bytes data, const sockaddr* to) {
     return length;
 }
 
-int ScriptedNetwork::OnSelect(int, fd_set* readable, fd_set*, fd_set*, const timeval* limit) {
-    const Socket* const waiting = g_network->Find(readable->fd_array[0]);
-    if (!waiting) return g_network->Fail(WSAENOTSOCK);
-    const int waitMs = static_cast<int>(limit->tv_sec * 1000 + limit->tv_usec / 1000);
-    g_network->failuresInARow_ = 0;
-    const uint64_t untilMs = g_network->nowMs_ + static_cast<uint64_t>(waitMs);
-    if (g_network->WaitFor(waiting->queue, untilMs)) return 1;
-    g_network->silentWaits_.push_back(waitMs);
+int ScriptedNetwork::Wait(fd_set* readable, int waitMs) {
+    const Socket* const waiting = Find(readable->fd_array[0]);
+    if (!waiting) return Fail(WSAENOTSOCK);
+    if (WaitFor(waiting->queue, nowMs_ + static_cast<uint64_t>(waitMs))) return 1;
+    silentWaits_.push_back(waitMs);
+    failuresInARow_ = 0;
     FD_ZERO(readable);
     return 0;
 }
@@ -173,11 +194,6 @@ bool ScriptedNetwork::WaitFor(const Queue& queue, uint64_t untilMs) {
     const bool arrives = !queue.empty() && queue.begin()->first <= untilMs;
     nowMs_ = std::max(nowMs_, arrives ? queue.begin()->first : untilMs);
     return arrives;
-}
-
-int ScriptedNetwork::OnReceive(SOCKET handle, char* buffer, int size, int, sockaddr* from,
-                               int* fromLength) {
-    return g_network->Receive(handle, buffer, size, from, fromLength);
 }
 
 int ScriptedNetwork::Receive(SOCKET handle, char* buffer, int size, sockaddr* from,
@@ -203,42 +219,8 @@ int ScriptedNetwork::Receive(SOCKET handle, char* buffer, int size, sockaddr* fr
     return taken < datagram.data.size() ? Fail(WSAEMSGSIZE) : static_cast<int>(taken);
 }
 
-int ScriptedNetwork::OnControl(SOCKET handle, long command, u_long* argument) {
-    Socket* const controlled = g_network->Find(handle);
-    if (controlled && command == static_cast<long>(FIONBIO)) {
-        controlled->isNonBlocking = *argument != 0;
-    }
-    return controlled && !controlled->isReal ? 0 : ioctlsocket(handle, command, argument);
-}
-
-int ScriptedNetwork::OnClose(SOCKET handle) {
-    const Socket* const closed = g_network->Find(handle);
-    const bool isReal = !closed || closed->isReal;
-    g_network->sockets_.erase(handle);
-    return isReal ? closesocket(handle) : 0;
-}
-
-SOCKET ScriptedNetwork::OnCreate(int, int, int, WSAPROTOCOL_INFOA*, GROUP, DWORD) {
-    g_network->sockets_[g_network->lastMadeUp_ += 4].isReal = false;
-    return g_network->lastMadeUp_;
-}
-
-int ScriptedNetwork::OnOption(SOCKET, int, int, const char*, int) { return 0; }
-
-int ScriptedNetwork::OnBind(SOCKET handle, const sockaddr* address, int) {
-    g_network->sockets_[handle].bound = TextOf(address);
-    return 0;
-}
-
-DWORD ScriptedNetwork::OnClock() { return kFirstTick + static_cast<DWORD>(g_network->nowMs_); }
-
-void ScriptedNetwork::OnSleep(DWORD milliseconds) {
-    g_network->failuresInARow_ = 0;
-    g_network->nowMs_ += milliseconds;
-}
-
 int ScriptedNetwork::Fail(int error) {
-    if (++failuresInARow_ % kFailuresPerMs == 0) ++nowMs_;
+    if (++failuresInARow_ > kFailuresOfAMoment) ++nowMs_;
     WSASetLastError(error);
     return SOCKET_ERROR;
 }

@@ -13,8 +13,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <map>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -57,15 +57,12 @@ class ScriptedNetwork {
     ScriptedNetwork& operator=(const ScriptedNetwork&) = delete;
 
     // Around an unload of the module, which needs its own functions back.
-    void Detach() {
-        socketPatches_.reset();
-        patches_.reset();
-    }
-    void Attach(const Module& module) { patches_.emplace(module.Handle()); }
+    void Detach() { patches_.clear(); }
+    void Attach(const Module& module);
 
     // Sockets are the network's own from now on: in Wine a real one costs a dozen calls of another
     // process, too many for a sweep that opens thousands.
-    void MakeSocketsUp(const Module& module) { socketPatches_.emplace(module.Handle()); }
+    void MakeSocketsUp(const Module& module);
 
     // These devices are there from now on; null: silent ones. Forgets the requests and the waits
     // so far and what has not been received yet.
@@ -79,8 +76,8 @@ class ScriptedNetwork {
     // Sockets of the module that are not closed.
     size_t OpenSockets() const { return sockets_.size(); }
     // The clock of the module, in milliseconds since it began. It moves on in waits and in Sleep,
-    // and by a tenth of a millisecond with each failing receive of a row of them, so that no loop
-    // lasts for ever. What GetTickCount tells wraps half a minute after the beginning.
+    // and with each of many calls that fail in a row, so that no loop lasts for ever. What
+    // GetTickCount tells wraps half a minute after the beginning.
     uint64_t NowMs() const { return nowMs_; }
 
     // WinSock errors to report instead: each gets the number of the call, from 1, and returns an
@@ -101,39 +98,15 @@ class ScriptedNetwork {
         std::string bound;  // local address
         bool isNonBlocking = false, isReal = true;
     };
-    struct Patches {
-        explicit Patches(HMODULE module);
-        ImportPatch send, select, receive, control, close, clock, sleep;
-    };
-    struct SocketPatches {
-        explicit SocketPatches(HMODULE module);
-        ImportPatch create, option, bind;
-    };
-
-    static int WSAAPI OnSend(SOCKET handle, const char* data, int length, int flags,
-                             const sockaddr* to, int toLength);
-    static int WSAAPI OnSelect(int count, fd_set* readable, fd_set* writable, fd_set* failed,
-                               const timeval* limit);
-    static int WSAAPI OnReceive(SOCKET handle, char* buffer, int size, int flags, sockaddr* from,
-                                int* fromLength);
-    static int WSAAPI OnControl(SOCKET handle, long command, u_long* argument);
-    static int WSAAPI OnClose(SOCKET handle);
-    static SOCKET WSAAPI OnCreate(int family, int type, int protocol, WSAPROTOCOL_INFOA*, GROUP,
-                                  DWORD);
-    static int WSAAPI OnOption(SOCKET handle, int level, int option, const char*, int);
-    static int WSAAPI OnBind(SOCKET handle, const sockaddr* address, int length);
-    static DWORD WINAPI OnClock();
-    static void WINAPI OnSleep(DWORD milliseconds);
-
     Socket* Find(SOCKET handle);  // null: that is no socket
     int Send(SOCKET handle, Bytes data, const sockaddr* to);
+    int Wait(fd_set* readable, int waitMs);
     int Receive(SOCKET handle, char* buffer, int size, sockaddr* from, int* fromLength);
     // Moves the clock until a datagram has arrived, at most so far.
     bool WaitFor(const Queue& queue, uint64_t untilMs);
     int Fail(int error);
 
-    std::optional<Patches> patches_;
-    std::optional<SocketPatches> socketPatches_;
+    std::list<ImportPatch> patches_;
     Reply reply_;
     std::vector<Request> requests_;
     std::vector<int> silentWaits_;

@@ -36,39 +36,44 @@ inline Bytes V3WronglySigned(const std::string& text) {
 }
 
 // Whatever comes back is the answer; this is the text that it holds, and the type of its value.
-struct V3AnswerCase : Row {
+struct V3AnswerCase {
+    const char* name;
     Bytes datagram;
     std::string text;
     uint32_t type;  // 0: it holds no variable
 };
 inline std::vector<V3AnswerCase> V3AnswerCases() {
     const auto valued = [](const char* tlv) { return V3AnswerFields(Hex(tlv)).Build(); };
-    V3Datagram otherModel = V3AnswerFields(Tlv(0x04, TextBytes("Model")));
-    otherModel.securityModel = 1;
     const Bytes whole = V3Text("Model");
-    return {{{"TextUpToItsZeroByte"}, V3Text(std::string("ab\0cd", 5)), "ab", 4},
-            {{"LongestText"}, V3Text(std::string(126, 'x')), std::string(126, 'x'), 4},
-            {{"TooLongText"}, V3Text(std::string(127, 'x')), "", 0},
-            {{"EmptyText"}, V3Text(""), "", 4},
-            {{"AnotherOid"}, V3Text("Model", ".1.3.6.1"), "Model", 4},
-            {{"WrongAuthentication"}, V3WronglySigned("Model"), "Model", 4},
-            {{"Integer"}, valued("02 01 ff"), "-1", 2},
-            {{"IntegerOfSixBytes"}, valued("02 06 00 00 00 00 00 01"), "", 2},
-            {{"NoSuchInstance"}, valued("81 00"), "", 0x81},
-            {{"AnotherReport"}, V3Report(), "", 0x41},
-            {{"AnotherSecurityModel"}, otherModel.Build(), "", 0},
-            {{"Cut"}, Prefix(whole, whole.size() - 1), "", 0},
-            {{"NoBer"}, TextBytes("hello"), "", 0},
-            {{"CommunityAnswer"}, SnmpText("Model"), "", 0}};
+    return {{"TextUpToItsZeroByte", V3Text(std::string("ab\0cd", 5)), "ab", 4},
+            {"LongestText", V3Text(std::string(126, 'x')), std::string(126, 'x'), 4},
+            {"EmptyText", V3Text(""), "", 4},
+            {"AnotherOid", V3Text("Model", ".1.3.6.1"), "Model", 4},
+            {"WrongAuthentication", V3WronglySigned("Model"), "Model", 4},
+            {"Integer", valued("02 01 ff"), "-1", 2},
+            {"IntegerOfSixBytes", valued("02 06 00 00 00 00 00 01"), "", 2},
+            {"AnotherReport", V3Report(), "", 0x41},
+            {"Cut", Prefix(whole, whole.size() - 1), "", 0}};
 }
 
 class V3Test : public NetworkTest {
   protected:
+    using NetworkTest::NetworkTest;
+
     // Devices of neta: they answer the probe with reports, and whatever else with answers.
     void DeviceWith(Answers reports, Answers answers) {
         Devices([=](const Request& request) {
             if (request.net != "neta") return Answers();
             return request.data == V3Probe() ? reports : answers;
+        });
+    }
+    // With a question, DiscoverV3DevicesByOIDjson.
+    int32_t SweepV3(ResultWindow& to, const wchar_t* question = nullptr, BYTE useIPv6 = 0) {
+        return user.Ask([&](auto... security) {
+            return question
+                       ? module.DiscoverV3DevicesByOIDjson(to.Handle(), to.kMessage, 1, useIPv6,
+                                                           question, security...)
+                       : module.DiscoverSnmpV3(to.Handle(), to.kMessage, 1, useIPv6, security...);
         });
     }
     // The requests to single devices.
@@ -79,8 +84,8 @@ class V3Test : public NetworkTest {
     }
 
     V3User user;
-    const Lines encode = {"VxSNMPv3::Encode()\n"};
-    const Lines decode = {"VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n"};
+    const std::string encode = "VxSNMPv3::Encode()\n";
+    const std::string decode = "VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n";
 };
 
 }  // namespace vndiscover

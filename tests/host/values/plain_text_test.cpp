@@ -28,6 +28,7 @@ TEST(PlainText, IsReadableTextWithoutWhatATerminalWouldObey) {
         {"B\xFCro", "B\xC3\xBCro"},
         {"\xE9", "\xC3\xA9"},                   // a cut sequence
         {"\xC0\xAF", "\xC3\x80\xC2\xAF"},       // an overlong slash
+        {"\xE0\x90\x80", "\xC3\xA0##"},         // and an overlong U+0400
         {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0#"},  // a surrogate
         {"\xF4\x90\x80\x80", "\xC3\xB4###"}};   // beyond U+10FFFF
     for (const auto& [bytes, shown] : rows) EXPECT_EQ(shown, Shown(bytes));

@@ -46,6 +46,7 @@ TEST(ShownValues, FollowTheType) {
         {kCounter64, Bytes({0, 255, 255, 255, 255, 255, 255, 255, 255}), "18446744073709551615"},
         {kTimeTicks, Bytes({0x30, 0x39}), "12345 (0:02:03.45)"},
         {kTimeTicks, Bytes({0x01, 0x07, 0xAB, 0xFF}), "17279999 (1 day, 23:59:59.99)"},
+        {kTimeTicks, Bytes({0x01, 0x07, 0xAC, 0x00}), "17280000 (2 days, 0:00:00.00)"},
         {kNull, "", "no value"},
         {0x47, "A", "41"}};
     for (const auto& [type, bytes, shown] : rows) EXPECT_EQ(shown, FormatValue(type, bytes));

@@ -1,8 +1,8 @@
 // The BER primitives against ITU-T X.690 and the system's own rules, and OIDs from text.
 #include <gtest/gtest.h>
 
-#include "helpers/bytes.h"
 #include "helpers/log_capture.h"
+#include "helpers/snmp_datagrams.h"
 #include "snmp/codec/asn_decode.h"
 #include "snmp/codec/asn_encode.h"
 #include "snmp/codec/oid_text.h"
@@ -119,11 +119,9 @@ TEST(OidText, IsEncodedWithinItsLimits) {
     EXPECT_EQ(Hex("2b 06"), ContentOf("1..3. .6"));                  // empty pieces are ignored
     EXPECT_EQ(Bytes(), ContentOf(".1"));                             // an arc alone is not written
     EXPECT_EQ(Hex("00 00"), ContentOf("x.y.z"));                     // as atoi reads them
-    std::string longest = "1.3";
-    for (int i = 0; i < 254; ++i) longest += ".1";
-    EXPECT_EQ(255u, ContentOf(longest).size());
+    EXPECT_EQ(255u, ContentOf(LongOid(255)).size());
     OidValue oid;
-    EXPECT_EQ(256, ParseOidText(oid, (longest + ".1").c_str()));  // told, for the caller to refuse
+    EXPECT_EQ(256, ParseOidText(oid, LongOid(256).c_str()));  // told, for the caller to refuse
     EXPECT_EQ(0, oid.length);
     EXPECT_EQ(0, ParseOidText(oid, nullptr));
 }

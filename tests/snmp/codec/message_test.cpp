@@ -152,8 +152,13 @@ TEST(BuildSnmpMessageTest, RefusesWhatItCannotBuildAndLetsLengthsWrap) {
         EXPECT_EQ(Bytes(), BuildWith({binding}, "c", type));
     EXPECT_EQ(40u, BuildWith({binding}, "sesame", 0xA1, 40).size());
     EXPECT_EQ(0u, BuildWith({binding}, "sesame", 0xA1, 39).size());
-    EXPECT_EQ(289u, BuildWith({binding}, std::string(255, 'c').c_str(), 0xA0).size());
-    EXPECT_EQ(0u, BuildWith({binding}, std::string(256, 'c').c_str(), 0xA0).size());
+    const Bytes longest(255, 'c');
+    const std::string community(longest.begin(), longest.end());
+    // Every length is one byte, so that of a message of 289 bytes wraps.
+    EXPECT_EQ(Hex("30 1f 02 01 00 04 ff") + longest +
+                  Hex("a0 19 02 01 01 02 01 00 02 01 00 30 0e 30 0c 06 08") + kOid + Hex("05 00"),
+              BuildWith({binding}, community.c_str(), 0xA0));
+    EXPECT_EQ(0u, BuildWith({binding}, (community + 'c').c_str(), 0xA0).size());
     EXPECT_EQ(0, BuildSnmpMessage(nullptr, 99, "sesame", 0xA0, 1, VarBindList()));
     VarBindRecord beyondItsField = binding;
     beyondItsField.nameLength = 125;
@@ -163,6 +168,8 @@ TEST(BuildSnmpMessageTest, RefusesWhatItCannotBuildAndLetsLengthsWrap) {
     EXPECT_TRUE(FitTheirRecords(fewerThanNone));
     const VarBindRecord big = Binding(kTagOctetString, Bytes(126, 'v'));
     EXPECT_EQ(Hex("30 2b 02 01 00 04 01 63 a3 23"), Prefix(BuildWith({big, big}, "c", 0xA3), 10));
+    EXPECT_EQ(Hex("30 9f 02 01 00 04 01 63 a3 97 02 01 01 02 01 00 02 01 00 30 8c 30 8a"),
+              Prefix(BuildWith({big}, "c", 0xA3), 23));
 }
 
 #ifdef VNDISCOVER_COUNTS_ALLOCATIONS
@@ -180,6 +187,17 @@ TEST(BuildSnmpMessageTest, AllocatesNothing) {
     const int after = g_allocations;
     EXPECT_EQ(40, length);
     EXPECT_EQ(before, after);
+}
+
+TEST(ByteBufferTest, IsWipedBeforeItsBlockIsGivenBack) {
+    static ByteBuffer secret = ToBuffer({0x5A});
+    static int left = -1;
+    __sanitizer_install_malloc_and_free_hooks([](const volatile void*, size_t) {},
+                                              [](const volatile void* block) {
+                                                  if (block == secret.data) left = *secret.data;
+                                              });
+    secret.Clear();
+    EXPECT_EQ(0, left);
 }
 #endif
 

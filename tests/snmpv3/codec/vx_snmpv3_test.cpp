@@ -5,6 +5,7 @@
 
 #include "helpers/log_capture.h"
 #include "helpers/snmp_datagrams.h"
+#include "snmpv3/codec/security_settings.h"
 #include "snmpv3/crypto/crypto.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"
@@ -104,18 +105,23 @@ TEST_F(EncodeTest, WithoutKeysNothingIsAuthenticatedAndNothingPrivateSentInTheCl
 TEST_F(EncodeTest, WhatDoesNotFitIsRefused) {
     EXPECT_FALSE(message_.SetUser(std::string(128, 'u').c_str()));
     EXPECT_EQ(sent_.Build(), Encoded());
-    std::string longest = "1.3";
-    for (int i = 0; i < 123; ++i) longest += ".1";  // 124 content bytes, as many as a binding holds
-    EXPECT_TRUE(message_.SetOid(longest.c_str()));
+    EXPECT_TRUE(message_.SetOid(LongOid(124).c_str()));  // as many as a binding holds
     EXPECT_EQ(1, message_.Bindings().count);
-    for (const std::string& text : {longest + ".1", longest + '.' + longest + '.' + longest}) {
-        EXPECT_FALSE(message_.SetOid(text.c_str()));
+    for (const size_t octets : {125, 300}) {
+        EXPECT_FALSE(message_.SetOid(LongOid(octets).c_str()));
         EXPECT_EQ(0, message_.Bindings().count);
     }
     for (const char* text : {"", ".1", static_cast<const char*>(nullptr)}) {
         EXPECT_TRUE(message_.SetOid(text));
         EXPECT_EQ(0, message_.Bindings().bindings[0].nameLength);
     }
+}
+
+TEST(SecretTextTest, LeavesNothingOfItself) {
+    alignas(SecretText) uint8_t block[sizeof(SecretText)];
+    const auto* secret = new (block) SecretText{"authpass1"};  // short enough to be held in place
+    secret->~SecretText();
+    EXPECT_EQ(std::string::npos, std::string(block, std::end(block)).find("auth"));
 }
 
 const std::string kEntry = "VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n";

@@ -5,9 +5,6 @@
 
 #include "helpers/bytes.h"
 #include "helpers/log_capture.h"
-#ifndef _WIN32
-#include "native/crypto_openssl.h"
-#endif
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"
 #include "snmpv3/crypto/protocol_codes.h"
@@ -96,6 +93,12 @@ TEST(Keys, MapleSyrupGivesTheKnownKeys) {
     EXPECT_EQ(Bytes(), KeyOf(code, TextBytes("maplesyrup"))) << "no such protocol";
     EXPECT_EQ(Bytes(), KeyOf(kAuthSha1, {}));
 }
+
+}  // namespace
+
+extern int g_mebibyteHashes;  // natively: hashes of 1 MiB, as a password's key costs one
+
+namespace {
 
 TEST(Keys, APasswordIsHashedOnceForAllEnginesAndFailuresEachTime) {
     CryptoSession crypto;
