@@ -197,7 +197,6 @@ std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
 
 // The argument as it stands in the call.
 std::string Expression(const Call& call, const Parameter& parameter, bool isSharp) {
-    const std::string null = isSharp ? "null" : "nullptr";
     const CallArgument* given = Find(call, parameter.name);
     const bool isWide = parameter.type == "const wchar_t*";
     if (parameter.type == "HWND") return isSharp ? "window.Handle" : "window";
@@ -206,7 +205,7 @@ std::string Expression(const Call& call, const Parameter& parameter, bool isShar
     if (parameter.name == "probeLength")
         return std::to_string(Given(call, "probe").size());  // a narrow literal has as many bytes
     if (!IsText(parameter.type)) return given ? given->value : "0";
-    if (!given) return null;
+    if (!given) return isSharp ? "null" : "nullptr";
     if (given->isSecret) {
         if (isSharp) return "Environment.GetEnvironmentVariable(\"" + given->value + "\")";
         return isWide ? "_wgetenv(L\"" + given->value + "\")"
@@ -255,6 +254,7 @@ std::string Wrapped(std::string line, const std::vector<std::string>& parts, siz
 std::string CallOf(const Call& call, const std::vector<Parameter>& parameters,
                    const std::string& before, bool isSharp) {
     std::vector<std::string> arguments;
+    arguments.reserve(parameters.size());
     for (const Parameter& parameter : parameters)
         arguments.push_back(Expression(call, parameter, isSharp));
     return Wrapped(before + call.name + "(", arguments, isSharp ? 12 : 8) + ";\n";
@@ -285,6 +285,7 @@ std::string SharpText(const Call& call, const std::vector<Parameter>& parameters
     const bool hasRecord = !IsSweep(call) && !IsStop(call);
     if (hasRecord) text += kSharpRecord;
     std::vector<std::string> declared;
+    declared.reserve(parameters.size());
     for (const Parameter& parameter : parameters)
         declared.push_back(SharpType(parameter) + " " + parameter.name);
     text += "\nstatic class Program {\n    [DllImport(\"VnDiscover.dll\")]\n";

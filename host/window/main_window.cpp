@@ -483,9 +483,8 @@ LRESULT MainWindow::DrawCell(NMLVCUSTOMDRAW& draw) {
     const auto column = static_cast<int>(Column::kSupplies);
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
-            return CDRF_NOTIFYITEMDRAW;
         case CDDS_ITEMPREPAINT:
-            return CDRF_NOTIFYSUBITEMDRAW;
+            return CDRF_NOTIFYITEMDRAW;  // for cells it is the same number
         case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
             break;
         default:

@@ -20,6 +20,7 @@ CALLS = {
     "ask_v1": ["Copy room"],
     "ask_v3": ["Copy room"],
     "wsd": [AGENT],
+    "stop": [],
 }
 ENVIRONMENT = {**SECRETS, "VNDISCOVER_COMMUNITY": "other"}
 SHARP_TYPES = {
@@ -80,7 +81,9 @@ class Texts(unittest.TestCase):
             export, sharp = re.search(r"static extern int (\w+)\(([^;]*)\);", text).groups()
             shape = next(line for line in text_of("shapes.txt").splitlines() if line.startswith(export + "("))
             expected = []
-            for parameter in shape[len(export) + 1:-1].split(", "):
+            for parameter in shape[len(export) + 1:-1].replace("void", "").split(", "):
+                if not parameter:
+                    continue
                 kind, own_name = parameter.rsplit(" ", 1)
                 expected.append(("byte[]" if own_name == "probe" else SHARP_TYPES[kind]) + " " + own_name)
             self.assertEqual(", ".join(expected), folded(sharp))

@@ -64,6 +64,9 @@ void WriteTexts(const std::string& folder) {
     WriteCall(folder + "sweep_v3", CallOf(step, ""));
     step.kind = SweepKind::kWsd;
     WriteCall(folder + "wsd", CallOf(step, BuildProbe("wsdp:Device", NewUuid())));
+    Call stop;
+    stop.name = "StopDiscoverSoap";
+    WriteCall(folder + "stop", stop);
     std::string shapes;
     for (size_t index = 0; index < kCallShapeCount; ++index)
         shapes +=
