@@ -4,6 +4,8 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "platform/wide_text.h"
 #include "window/dialog_texts.h"
 #include "window/profiles.h"
@@ -98,7 +100,7 @@ class SnmpDialog {
             wchar_t name[kMaxProfileName + 1] = L"";
             if (index >= 0 && static_cast<size_t>(index) < names_.size()) {
                 lstrcpynW(name, names_[static_cast<size_t>(index)].c_str(), kMaxProfileName + 1);
-                Load(name);
+                if (!Load(name)) ShowBroken(name);
             }
         } else if (id == IDS_PROFILE_DELETE) {
             Delete();
@@ -140,6 +142,20 @@ class SnmpDialog {
         return true;
     }
 
+    // A profile of which nothing can be read.
+    void ShowBroken(const std::wstring& name) {
+        loaded_ = name;
+        isClosed_ = true;
+        known_.reset();
+        Show({}, false);
+    }
+
+    bool IsKept(const std::wstring& name) const {
+        return std::any_of(names_.begin(), names_.end(), [&](const std::wstring& each) {
+            return lstrcmpiW(each.c_str(), name.c_str()) == 0;
+        });
+    }
+
     void Show(const Security& user, bool hasPasswords) const {
         SetDlgItemTextW(dialog_, IDC_USER, user.user.c_str());
         Fill(dialog_, IDC_AUTH, kAuthLabels, user.authLabel);
@@ -158,7 +174,7 @@ class SnmpDialog {
 
     void Delete() {
         const std::wstring name = ProfileName();
-        if (!ReadProfile(name) ||
+        if (!IsKept(name) ||
             Say(Text(IDS_PROFILE_ASK_DELETE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
             return;
         if (!DeleteProfile(name)) return void(Say(Text(IDS_PROFILE_NOT_WRITTEN)));
@@ -186,9 +202,10 @@ class SnmpDialog {
             user->privPassword =
                 PasswordOf(dialog_, IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
         // The module would send unprotected requests instead.
-        const bool isWhole =
-            !user->user.empty() && user->useAuth == !user->authPassword.IsEmpty() &&
-            user->usePriv == !user->privPassword.IsEmpty() && (user->useAuth || !user->usePriv);
+        const bool isWhole = !user->user.empty() && ToUtf8(user->user).size() <= VN_USER_NAME_MAX &&
+                             user->useAuth == !user->authPassword.IsEmpty() &&
+                             user->usePriv == !user->privPassword.IsEmpty() &&
+                             (user->useAuth || !user->usePriv);
         return isWhole ? user : nullptr;
     }
 
@@ -210,7 +227,7 @@ class SnmpDialog {
     // False: the user wants another name.
     bool Keep(const std::wstring& name, const Security& user) const {
         const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
-        const bool isThere = ReadProfile(name).has_value();
+        const bool isThere = IsKept(name);
         if (!isLoaded && isThere &&
             Say(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
             return false;

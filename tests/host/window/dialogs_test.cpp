@@ -162,6 +162,27 @@ TEST_F(Dialogs, AskAgainForWhatCannotBeOpened) {
     EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
 }
 
+// Nothing of it can be read, but it is listed, and it goes when the user says so.
+TEST_F(Dialogs, DeleteABrokenProfile) {
+    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, L"x", 2);
+    Open();
+    PlayDialog([](HWND dialog) {
+        SendDlgItemMessageW(dialog, IDC_PROFILE, CB_SETCURSEL, 0, 0);
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_PROFILE, CBN_SELCHANGE), 0);
+        EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
+        PostMessageW(dialog, WM_COMMAND, IDS_PROFILE_DELETE, 0);
+        HWND question = nullptr;
+        for (int wait = 0; wait < 500 && !question; ++wait) {
+            Sleep(10);
+            question = PopupOf(dialog);
+        }
+        SendMessageW(question, WM_COMMAND, IDYES, 0);
+        Press(dialog, IDCANCEL);
+    });
+    EXPECT_TRUE(ProfileNames().empty());
+}
+
 TEST_F(Dialogs, ScriptsGetNoQuestionAboutAProfile) {
     StartOptions options;
     options.sweep = options.exit = true;
