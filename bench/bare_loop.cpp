@@ -1,5 +1,8 @@
 #include "bare_loop.h"
 
+#include <cstdio>
+#include <cstdlib>
+
 #include "lab.h"
 
 namespace vndiscover {
@@ -27,7 +30,9 @@ bool WaitReadable(SOCKET handle, timeval wait) {
 
 void Bind(SOCKET handle, const char* address) {
     const sockaddr_in local = AddressOf(address, 0);
-    bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local);
+    if (bind(handle, reinterpret_cast<const sockaddr*>(&local), sizeof local) == 0) return;
+    std::fprintf(stderr, "bind to %s fails: %d\n", address, WSAGetLastError());
+    std::exit(1);
 }
 
 void Send(SOCKET handle, const char* host, const Bytes& request) {

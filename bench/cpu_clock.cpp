@@ -46,7 +46,7 @@ CpuClock::CpuClock() {
     const HANDLE search = FindFirstFileA("Z:\\proc\\*", &entry);
     if (search == INVALID_HANDLE_VALUE) return;
     do {
-        if (std::atoi(entry.cFileName) <= 0) continue;
+        if (entry.cFileName[0] < '1' || entry.cFileName[0] > '9') continue;  // no process
         const std::string folder = std::string("Z:\\proc\\") + entry.cFileName;
         const std::string name = ReadText(folder + "\\comm");
         if (name.compare(0, own.size(), own) == 0) program_ = folder + "\\schedstat";

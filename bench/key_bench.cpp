@@ -13,7 +13,7 @@
 namespace vndiscover {
 namespace {
 
-constexpr size_t kMebibyte = 1024 * 1024;
+constexpr size_t kMebibyte = size_t{1024} * 1024;
 constexpr uint8_t kEngine[] = {0x80, 0, 0x1F, 0x88, 4, 'e', 'n', 'g', 'i', 'n', 'e'};
 constexpr uint8_t kPassword[] = {'a', 'u', 't', 'h', 'p', 'a', 's', 's', '1'};
 

@@ -34,7 +34,7 @@ void PlanAnswers(const AnswerPlan& plan) {
                 std::to_string(plan.size));
 }
 
-int64_t AnsweringTimeUs() { return std::atoll(AskAnswerer("time").c_str()); }
+int64_t AnsweringTimeUs() { return std::strtoll(AskAnswerer("time").c_str(), nullptr, 10); }
 
 sockaddr_in AddressOf(const char* text, uint16_t port) {
     sockaddr_in address = {};

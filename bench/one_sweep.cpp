@@ -24,6 +24,8 @@ constexpr int kLoads = 21;
 
 int g_delivered = 0;
 
+int NumberOf(const char* text) { return static_cast<int>(std::strtol(text, nullptr, 10)); }
+
 LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM address, LPARAM value) {
     if (message != kMessage) return DefWindowProcA(window, message, address, value);
     if (address) ++g_delivered;
@@ -93,7 +95,7 @@ std::function<void()> SweepV1(HMODULE module, HWND window, const char* keys) {
     const auto discoverJson =
         Find<decltype(&DiscoverDevicesByOIDjson)>(module, "DiscoverDevicesByOIDjson");
     const bool isJson = std::strcmp(keys, "-") != 0;
-    return [=, request = JsonRequest(std::atoi(keys))] {
+    return [=, request = JsonRequest(NumberOf(keys))] {
         if (isJson) {
             discoverJson(window, kMessage, 0, 0, request.c_str(), nullptr, nullptr, nullptr);
         } else {
@@ -131,7 +133,7 @@ int Run(int devices, const char* keys, const char* auth, const char* priv) {
         "%.1f, "
         "\"unload_us\": %.1f}\n",
         auth ? auth : "", auth ? priv : "", devices,
-        std::strcmp(keys, "-") != 0 ? std::atoi(keys) : -1, g_delivered, elapsed, spent.program,
+        std::strcmp(keys, "-") != 0 ? NumberOf(keys) : -1, g_delivered, elapsed, spent.program,
         spent.server, static_cast<long long>(auth ? 0 : AnsweringTimeUs()),
         static_cast<unsigned long long>(bareBytes),
         static_cast<unsigned long long>(loading.residentBytes),
@@ -147,8 +149,9 @@ int main(int argc, char** argv) {
     if (argc != 3 && argc != 5) return 2;
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 1;
-    const int status = vndiscover::Run(std::atoi(argv[1]), argv[2], argc == 5 ? argv[3] : nullptr,
-                                       argc == 5 ? argv[4] : nullptr);
+    const int status =
+        vndiscover::Run(vndiscover::NumberOf(argv[1]), argv[2], argc == 5 ? argv[3] : nullptr,
+                        argc == 5 ? argv[4] : nullptr);
     WSACleanup();
     return status;
 }

@@ -29,7 +29,7 @@ uint32_t Rotated(uint32_t value, int by) { return value >> by | value << (32 - b
 
 void Compress(State& state, const uint8_t* block) {
     uint32_t w[64];
-    for (int i = 0; i < 16; ++i) {
+    for (size_t i = 0; i < 16; ++i) {
         w[i] = uint32_t(block[4 * i]) << 24 | block[4 * i + 1] << 16 | block[4 * i + 2] << 8 |
                block[4 * i + 3];
     }

@@ -63,7 +63,7 @@ std::string DesBlock() {
     BYTE block[16] = {'N', 'o', 'w', ' ', 'i', 's', ' ', 't'};
     DWORD length = 8;
     const bool done = CryptEncrypt(key, 0, TRUE, 0, block, &length, sizeof block) != 0;
-    const std::string text = done ? HexOf(block, 8) : Error("encrypt");
+    std::string text = done ? HexOf(block, 8) : Error("encrypt");
     CryptDestroyKey(key);
     return text;
 }
@@ -79,7 +79,7 @@ std::string DesDecryption() {
     DWORD length = sizeof text;
     const bool done =
         CryptSetKeyParam(key, KP_IV, iv, 0) && CryptDecrypt(key, 0, FALSE, 0, text, &length);
-    const std::string seen = done ? std::string(text, text + length) : Error("decrypt");
+    std::string seen = done ? std::string(text, text + length) : Error("decrypt");
     CryptDestroyKey(key);
     return seen;
 }
@@ -98,7 +98,7 @@ std::string OlderHmac(ALG_ID algorithm, const Bytes& key) {
                       CryptSetHashParam(hash, HP_HMAC_INFO, reinterpret_cast<BYTE*>(&info), 0) &&
                       CryptHashData(hash, reinterpret_cast<const BYTE*>("Hi There"), 8, 0) &&
                       CryptGetHashParam(hash, HP_HASHVAL, value, &size, 0);
-    const std::string text = done ? HexOf(value, size) : Error("hash");
+    std::string text = done ? HexOf(value, size) : Error("hash");
     if (hash) CryptDestroyHash(hash);
     CryptDestroyKey(imported);
     return text;

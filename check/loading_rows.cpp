@@ -47,7 +47,7 @@ std::string WithinLimit(std::string (*work)()) {
         SetEvent(shared->done);
     }).detach();
     if (WaitForSingleObject(shared->done, kUnloadLimitMs) != WAIT_OBJECT_0) return "hangs";
-    const std::string text = shared->text;
+    std::string text = shared->text;
     CloseHandle(shared->done);
     delete shared;
     return text;

@@ -49,9 +49,9 @@ Module::Module() : handle_(LoadLibraryW(BesideProgram(L"VnDiscover.dll").c_str()
         return;
     }
 #define VN_FIND(name)                                             \
-    name = reinterpret_cast<decltype(&::name)>(                   \
+    (name) = reinterpret_cast<decltype(&::name)>(                 \
         reinterpret_cast<void*>(GetProcAddress(handle_, #name))); \
-    if (!name) missing_ += (missing_.empty() ? "" : ", ") + std::string(#name);
+    if (!(name)) missing_ += (missing_.empty() ? "" : ", ") + std::string(#name);
     VN_EXPORTS(VN_FIND)
 #undef VN_FIND
 }

@@ -48,7 +48,8 @@ class Module {
     ENTRY(VxPing)                     \
     ENTRY(IsIPv6Supported)
 // clang-format on
-#define VN_MEMBER(name) decltype(&::name) name = nullptr;
+// A member's name takes no parentheses.
+#define VN_MEMBER(name) decltype(&::name) name = nullptr;  // NOLINT(bugprone-macro-parentheses)
     VN_EXPORTS(VN_MEMBER)
 #undef VN_MEMBER
 

@@ -150,7 +150,9 @@ std::string LeavesBy(UdpSocket& socket, DWORD own, const std::vector<sockaddr_in
     UdpSocket receiver(AF_INET6);
     sockaddr_in6 any = {};
     any.sin6_family = AF_INET6;
-    bind(receiver.Get(), reinterpret_cast<const sockaddr*>(&any), sizeof any);
+    if (bind(receiver.Get(), reinterpret_cast<const sockaddr*>(&any), sizeof any) != 0) {
+        return "the receiver's bind fails with " + Number(WSAGetLastError());
+    }
     // Every host is a member, but Windows may give a socket only what the socket itself has joined.
     for (const sockaddr_in6& adapter : adapters) {
         ipv6_mreq membership = {};
