@@ -1,5 +1,5 @@
-"""version.py VERSION VCPKG_JSON DLL: the project's version is that of the vcpkg manifest and, with a fourth part 0,
-of the DLL's version resource."""
+"""version.py VERSION VCPKG_JSON DLL: checks that the project's version is that of the vcpkg manifest and, with a fourth
+part 0, of the DLL's version resource."""
 import json
 import struct
 import sys
@@ -9,7 +9,7 @@ with open(manifest) as file:
     found = [("vcpkg.json", json.load(file)["version"])]
 with open(dll, "rb") as file:
     content = file.read()
-# VS_FIXEDFILEINFO: the signature, the structure's version, then the file's and the product's.
+# VS_FIXEDFILEINFO: the signature, the version of the structure, then those of the file and the product.
 at = content.index(struct.pack("<II", 0xFEEF04BD, 0x00010000))
 numbers = struct.unpack_from("<4I", content, at + 8)
 for name, high, low in (("file", *numbers[:2]), ("product", *numbers[2:])):

@@ -1,5 +1,5 @@
-// What windows_check.exe judges the module by has to be right itself: its BER, its crypto by
-// published vectors, and the device's refusals.
+// The parts of windows_check.exe that its results depend on: its BER, its crypto against published
+// vectors, and the requests that its device refuses.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,7 +17,7 @@ Bytes FromHex(const std::string& hex) {
     return bytes;
 }
 
-TEST(Ber, LengthsTakeTheShortestFormAndAreReadBack) {
+TEST(Ber, LengthsUseTheShortestFormAndReadBack) {
     const std::pair<size_t, const char*> kRows[] = {
         {0, "0400"}, {127, "047f"}, {128, "048180"}, {255, "0481ff"}, {256, "04820100"}};
     for (const auto& [length, head] : kRows) {
@@ -30,7 +30,7 @@ TEST(Ber, LengthsTakeTheShortestFormAndAreReadBack) {
     }
 }
 
-TEST(Ber, IntegersTakeTheFewestBytesAndAreReadBack) {
+TEST(Ber, IntegersUseTheFewestBytesAndReadBack) {
     const std::pair<int32_t, const char*> kRows[] = {{0, "020100"},
                                                      {127, "02017f"},
                                                      {128, "02020080"},
@@ -48,12 +48,12 @@ TEST(Ber, IntegersTakeTheFewestBytesAndAreReadBack) {
     }
 }
 
-TEST(Ber, ArcsOfAnOidTakeSevenBitsAByte) {
+TEST(Ber, OidArcsUseSevenBitsPerByte) {
     EXPECT_EQ(FromHex("2b06010401ae4b2b0501010101"), OidOf(kModelOid));
     EXPECT_EQ(FromHex("2b0681008fffffff7f"), OidOf(".1.3.6.128.4294967295"));
 }
 
-TEST(Ber, NothingIsReadFromAValueThatIsCutOrHasAnotherTag) {
+TEST(Ber, CutValuesAndOtherTagsReadAsEmpty) {
     const Bytes whole = Tlv(kSequence, Tlv(kOctetString, Bytes(200, 'x')));
     for (size_t size = 0; size < whole.size(); ++size) {
         const Bytes cut(whole.begin(), whole.begin() + std::ptrdiff_t(size));
@@ -69,7 +69,7 @@ TEST(Ber, NothingIsReadFromAValueThatIsCutOrHasAnotherTag) {
     EXPECT_EQ(Bytes(), BerReader(longLength).Octets(kOctetString));
 }
 
-TEST(Crypto, HashesArePublishedOnes) {  // FIPS 180-4, RFC 4231 case 2
+TEST(Crypto, HashesMatchPublishedVectors) {  // FIPS 180-4, RFC 4231 case 2
     EXPECT_EQ(FromHex("23097d223405d8228642a477bda255b32aadbce4bda0b3f7e36c9da7"),
               HashOf(Digest::kSha224, BytesOf("abc")));
     EXPECT_EQ(FromHex("75388b16512776cc5dba5da1fd890150b0c6455cb4f58b1952522525"),
@@ -89,7 +89,7 @@ TEST(Crypto, HashesArePublishedOnes) {  // FIPS 180-4, RFC 4231 case 2
     }
 }
 
-TEST(Crypto, KeysAreLocalisedAsPublished) {  // RFC 3414, A.3
+TEST(Crypto, LocalisedKeysMatchPublishedVectors) {  // RFC 3414, A.3
     const Bytes engineId = FromHex("000000000000000000000002");
     EXPECT_EQ(FromHex("526f5eed9fcce26f8964c2930787d82b"),
               LocalisedKey(Digest::kMd5, "maplesyrup", engineId));
@@ -97,7 +97,7 @@ TEST(Crypto, KeysAreLocalisedAsPublished) {  // RFC 3414, A.3
               LocalisedKey(Digest::kSha1, "maplesyrup", engineId));
 }
 
-TEST(Crypto, CiphersArePublishedOnes) {  // FIPS 81, SP 800-38A F.3.13
+TEST(Crypto, CiphersMatchPublishedVectors) {  // FIPS 81, SP 800-38A F.3.13
     const Bytes desKey = FromHex("0123456789abcdef"), desIv = FromHex("1234567890abcdef");
     const Bytes plain = BytesOf("Now is the time for all ");
     const Bytes cipher = FromHex("e5c7cdde872bf27c43e934008c389c0f683788499a7c05f6");
@@ -136,7 +136,7 @@ TEST(DeviceV1, AnswersWithTheVariableOrAnError) {
     EXPECT_EQ(V1("sesame", error), answer(0xA1, kModelOid)) << "nothing follows the last";
 }
 
-TEST(DeviceV1, WritesForItsWriteCommunityAlone) {
+TEST(DeviceV1, WritesOnlyForItsWriteCommunity) {
     Device device;
     const Bytes value = Tlv(kOctetString, BytesOf("new"));
     const Bytes before = device.Answer(V1("sesame", Pdu(0xA0, kContactOid)));
@@ -149,7 +149,7 @@ TEST(DeviceV1, WritesForItsWriteCommunityAlone) {
 
 const Bytes kEngine = FromHex("80001f8804636865636b");
 
-// A request for the model with a MAC of 12 bytes, which the caller may spoil.
+// A request for the model with an HMAC of 12 bytes, which the caller may corrupt.
 Bytes V3(uint8_t flags, const char* user, const Bytes& engineId, bool hasMac) {
     const Bytes scoped =
         Tlv(kSequence,
@@ -170,7 +170,7 @@ Bytes V3(uint8_t flags, const char* user, const Bytes& engineId, bool hasMac) {
     return with(mac);
 }
 
-TEST(DeviceV3, TellsItsEngineAndAnswersTheRightUser) {
+TEST(DeviceV3, ReportsItsEngineAndAnswersItsUser) {
     Device device;
     device.SetUser({Digest::kMd5, Cipher::kNone});
     const Bytes report = device.Answer(V3(4, "", {}, false));
@@ -182,7 +182,7 @@ TEST(DeviceV3, TellsItsEngineAndAnswersTheRightUser) {
     EXPECT_EQ("", device.Problem());
 }
 
-TEST(DeviceV3, SaysWhatIsWrongWithARequest) {
+TEST(DeviceV3, ExplainsEachRefusal) {
     Device device;
     device.SetUser({Digest::kMd5, Cipher::kNone});
     Bytes changed = V3(5, Device::kUserName, kEngine, true);
@@ -199,7 +199,7 @@ TEST(DeviceV3, SaysWhatIsWrongWithARequest) {
     }
 }
 
-TEST(DeviceV3, APrefixOfARequestIsNoRequest) {
+TEST(DeviceV3, RefusesEveryPrefixOfARequest) {
     Device device;
     device.SetUser({Digest::kMd5, Cipher::kNone});
     const Bytes whole = V3(5, Device::kUserName, kEngine, true);

@@ -1,5 +1,5 @@
-// Saved scans: a file that is read is written and read again as it was, and each of its answers is
-// of one device.
+// Saved scans: a file that can be read is written and read back unchanged, and each of its answers
+// belongs to one device.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

@@ -1,4 +1,4 @@
-// The decoders of the community-based path and of the JSON request. The first byte chooses one.
+// The decoders of SNMPv1 and of the JSON request. The first byte chooses one.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -32,7 +32,7 @@ bool Reads(Read&& read) {
     }
 }
 
-// What BER makes of bytes, without the readers under test.
+// The expected result, computed without the readers under test.
 struct Value {
     uint8_t tag;
     size_t start, end;
@@ -54,7 +54,7 @@ std::optional<Value> ValueAt(const Bytes& in, size_t at) {
 
 void ReadBer(const Bytes& bytes) {
     const ByteBuffer in = ToBuffer(bytes);
-    // Not at every place of a large one: an error costs microseconds.
+    // Not at every position of a large input: an exception takes microseconds.
     for (uint32_t at = 0; at <= std::min(in.length, 40u); ++at) {
         const std::optional<Value> value = ValueAt(bytes, at);
         int32_t number = 0;
@@ -73,7 +73,7 @@ void ReadBer(const Bytes& bytes) {
     }
 }
 
-// Encoded it reads as before.
+// Encoding what was decoded, and decoding that, must give the same.
 void ReadPdu(const Bytes& bytes) {
     PduRecord pdu, again;
     if (!Reads([&] { Expect(DecodePdu(pdu, ToBuffer(bytes), 0) <= bytes.size()); })) return;
@@ -96,7 +96,7 @@ struct Parsed {
     int32_t count;
 };
 
-// A datagram reads like the same one at the start of a zeroed receive buffer.
+// A datagram must read like the same one at the start of a zeroed receive buffer.
 void ReadResponse(const Bytes& datagram) {
     const auto parsed = std::make_unique<Parsed>(datagram);
     const ResponseRecord& record = parsed->record;
@@ -115,7 +115,7 @@ void ReadOid(const Bytes& bytes) {
     Expect(length >= 0 && oid.length == (length <= kMaxOidContent ? length : 0));
 }
 
-// The first byte is the length of what devices answer, taken from the request.
+// The first byte is the length of the devices' answers, which are taken from the request.
 void ReadJson(const Bytes& bytes) {
     if (bytes.empty()) return;
     const std::string request(bytes.begin() + 1, bytes.end());
@@ -129,7 +129,7 @@ void ReadJson(const Bytes& bytes) {
     };
     FillInDocument(request.c_str(), fetch, document);
     if (document.empty()) return;
-    JsonDoc again;  // what is delivered is JSON again, as long as it is delivered whole
+    JsonDoc again;  // the document must be JSON unless it was cut
     again.Parse(Utf8ToWide(document.c_str()).c_str());
     Expect(again.Root() && Utf8PrefixLength(document, 4095) <= 4095);
 }

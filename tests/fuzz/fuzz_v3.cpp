@@ -1,6 +1,6 @@
 // SNMPv3 messages of one user at one engine. The first byte chooses the protocols that the reader
-// expects, and whether what follows is a datagram as it comes, or the plain text of one that is
-// encrypted here: so mutated bytes reach the inner decoders.
+// expects, and whether the rest is a datagram, or plain text to be encrypted into one, so that
+// mutated bytes reach the inner decoders.
 #include <cstdlib>
 
 #include "helpers/snmp_datagrams.h"
@@ -23,7 +23,7 @@ const MessageKeys& Keys() {
     return keys;
 }
 
-// The bindings of the message; -1: it does not decode.
+// The number of bindings in the message; -1 if it does not decode.
 int32_t Read(uint32_t auth, uint32_t priv, const Bytes& datagram) {
     MessageRecord message;
     message.usm.engineId = ToBuffer(V3Datagram().engineId);
@@ -41,7 +41,7 @@ int32_t Read(uint32_t auth, uint32_t priv, const Bytes& datagram) {
     return message.scoped.pdu.bindings.count;
 }
 
-// An answer around a plain text, which either protocol pads with zeros, reads like one around its
+// An answer with plain text, padded with zeros as both protocols do, must read like one with its
 // cipher text.
 void ReadInner(uint32_t auth, uint32_t priv, const Bytes& plain) {
     V3Datagram answer;

@@ -1,4 +1,4 @@
-// Bytes in tests.
+// Bytes for tests.
 #pragma once
 
 #include <cstdint>
@@ -12,10 +12,10 @@
 
 namespace vndiscover {
 
-// A copy takes a heap block of exactly its size: the sanitizer sees a read beyond its end.
+// A copy has a heap block of exactly its size, so that the sanitizer finds reads past the end.
 using Bytes = std::vector<uint8_t>;
 
-// "30 0a", blanks anywhere but within a byte.
+// "30 0a", with blanks anywhere except within a byte.
 inline Bytes Hex(const std::string& text) {
     Bytes bytes;
     unsigned byte = 0;
@@ -26,11 +26,11 @@ inline Bytes Hex(const std::string& text) {
     return bytes;
 }
 
-// "300a", or with `behind` each byte.
-inline std::string ToHex(const Bytes& bytes, const char* behind = "") {
+// "300a", with `after` following each byte.
+inline std::string ToHex(const Bytes& bytes, const char* after = "") {
     std::ostringstream text;
     text << std::hex << std::setfill('0');
-    for (const int byte : bytes) text << std::setw(2) << byte << behind;
+    for (const int byte : bytes) text << std::setw(2) << byte << after;
     return text.str();
 }
 

@@ -1,5 +1,5 @@
-// A caller's buffer: behind it is a page that nobody may touch, in front of it are bytes that are
-// looked at.
+// A caller's buffer between bytes that are checked for changes and a page that must not be
+// accessed.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ class GuardedBuffer {
   public:
     static constexpr uint8_t kFill = 0xA5;
 
-    // size bytes, all of them kFill; 0 is a buffer without a byte.
+    // size bytes of kFill; size may be 0.
     explicit GuardedBuffer(size_t size) : size_(size) {
         const size_t room = (size + kFront + kPage - 1) / kPage * kPage;
         base_ = static_cast<uint8_t*>(
@@ -28,7 +28,7 @@ class GuardedBuffer {
     GuardedBuffer(const GuardedBuffer&) = delete;
     GuardedBuffer& operator=(const GuardedBuffer&) = delete;
 
-    // Filled again, for the next call.
+    // Fills the buffer again, for the next call.
     template <class Type = uint8_t>
     Type* Fresh() {
         std::memset(base_, kFill, static_cast<size_t>(data_ - base_) + size_);
@@ -49,7 +49,7 @@ class GuardedBuffer {
 
   private:
     static constexpr size_t kPage = 4096;
-    static constexpr size_t kFront = 512;  // more than any value has
+    static constexpr size_t kFront = 512;  // longer than any value
 
     size_t size_;
     uint8_t* base_;

@@ -1,4 +1,4 @@
-// On Windows; tests/native/ has its own.
+// For Windows; tests/native/ has another.
 #ifdef _WIN32
 #include "helpers/log_capture.h"
 
@@ -23,8 +23,7 @@ std::string AsciiOf(ULONG_PTR address) {
     return text;
 }
 
-// What goes to the debugger is raised as an exception first: the length and the text are its
-// parameters.
+// Lines for the debugger are first raised as an exception, whose parameters are length and text.
 LONG CALLBACK OnException(EXCEPTION_POINTERS* pointers) {
     const EXCEPTION_RECORD& raised = *pointers->ExceptionRecord;
     const bool wide = raised.ExceptionCode == kPrintWide;

@@ -1,4 +1,4 @@
-// The lines that code under test writes to its log, collected while the object lives.
+// Collects the lines that the code under test logs while the object exists.
 #pragma once
 
 #include <algorithm>
@@ -10,9 +10,9 @@
 
 namespace vndiscover {
 
-// Lines come without their time stamp but with their line end; what is not ASCII in wide ones is
-// '?'. On Windows it sees what goes to the debugger, from any module of the process whose debug
-// switch is on. One at a time.
+// Lines have no time stamp, but their line end; characters other than ASCII in wide lines become
+// '?'. On Windows this collects debugger output of every module of the process whose debug switch
+// is on. One object at a time.
 class LogCapture {
   public:
     LogCapture();
@@ -45,7 +45,7 @@ class LogCapture {
     std::vector<std::string> lines_;
 };
 
-// Also turns the debug switch on, for code that is linked into the test itself.
+// Also turns on the debug switch of code that is linked into the test.
 class UnitLog : public LogCapture {
   public:
     UnitLog() { g_debugSwitches.debug = 1; }

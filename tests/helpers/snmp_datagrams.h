@@ -1,5 +1,5 @@
-// SNMP datagrams as managers and agents send them, built from RFC 1157, RFC 3412 and RFC 3414
-// without the code under test.
+// SNMP datagrams of managers and agents, built from RFC 1157, RFC 3412 and RFC 3414 without the
+// code under test.
 #pragma once
 
 #include <sstream>
@@ -61,8 +61,8 @@ struct SnmpMessage {
     Bytes requestId = {1};
     uint8_t errorStatus = 0;
 };
-// A SEQUENCE or PDU of 128 bytes and more tells its length as 82 hi lo, as many agents do: 81 nn
-// the module's parser does not know.
+// A SEQUENCE or PDU of 128 bytes or more has its length as 82 hi lo, as many agents send it; the
+// module's parser does not read 81 nn.
 inline Bytes Encode(const SnmpMessage& message) {
     const auto constructed = [](uint8_t tag, const Bytes& content) {
         const size_t size = content.size();
@@ -113,7 +113,7 @@ struct V3Datagram {
     Bytes user = TextBytes("user");
     Bytes macTlv = Tlv(0x04, {});  // the authentication parameters
     Bytes salt;
-    Bytes scopedTlv = ScopedTextTlv("value");  // or the OCTET STRING of it encrypted
+    Bytes scopedTlv = ScopedTextTlv("value");  // or an OCTET STRING with its cipher text
 
     Bytes Content() const {
         const Bytes header = Tlv(0x30, IntegerTlv(msgId) + IntegerTlv(msgMaxSize) + flagsTlv +
@@ -131,7 +131,7 @@ inline V3Datagram WithoutEngine(V3Datagram datagram) {
     return datagram;
 }
 
-// The engine discovery, RFC 3412 6 and RFC 3414 4: all fields empty or 0, but for msgID 256,
+// The engine discovery of RFC 3412 6 and RFC 3414 4: all fields are empty or 0 except msgID 256,
 // msgMaxSize 65536, the reportable flag and request-id 257.
 inline Bytes V3Probe(const char* flags = "04") {
     return Hex("30 3a 02 01 03  30 0f 02 02 01 00 02 03 01 00 00 04 01") + Hex(flags) +
@@ -139,7 +139,7 @@ inline Bytes V3Probe(const char* flags = "04") {
                "30 12 04 00 04 00 a0 0c 02 02 01 01 02 01 00 02 01 00 30 00");
 }
 
-// The answer to the probe: usmStatsUnknownEngineIDs.
+// The answer to an engine discovery: usmStatsUnknownEngineIDs.
 inline V3Datagram V3ReportFields() {
     V3Datagram report;
     report.user = {};
@@ -160,7 +160,7 @@ inline V3Datagram V3RequestFields(const std::string& oid, uint8_t pduType = 0xA0
 inline Bytes V3Request(const std::string& oid, uint8_t pduType = 0xA0) {
     return V3RequestFields(oid, pduType).Build();
 }
-// What goes out instead while the device's engine is not known: a probe that names the OID.
+// Sent instead while the device's engine is unknown: an engine discovery with the OID.
 inline Bytes V3ProbeFor(const std::string& oid) {
     return WithoutEngine(V3RequestFields(oid)).Build();
 }

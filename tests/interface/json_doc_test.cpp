@@ -1,4 +1,4 @@
-// What no export uses or shows of JSON documents.
+// JSON documents, as far as no export uses or shows it.
 #include "interface/delivery/json_doc.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 namespace vndiscover {
 namespace {
 
-TEST(JsonDocTest, ReadsStringsAndLeavesTheBufferAloneWhereThereIsNone) {
+TEST(JsonDocTest, ReadsStringsAndOtherwiseLeavesTheBufferAlone) {
     JsonDoc document;
     document.Parse(L"{\"GET\":{\"1.3\":\"gr\u00fcn\",\"1.4\":5},\"l\":[\"x\"]}");
     cJSON* const get = JsonDoc::Member(document.Root(), "get");  // in any letter case
@@ -22,12 +22,12 @@ TEST(JsonDocTest, ReadsStringsAndLeavesTheBufferAloneWhereThereIsNone) {
     EXPECT_TRUE(document.StringOfRootArray(L"l", 0, text, 8));
     EXPECT_STREQ(L"x", text);
     EXPECT_TRUE(JsonDoc::StringOfMember(get, L"1.3", text, 3));
-    EXPECT_STREQ(L"gr", text);  // cut to its room
+    EXPECT_STREQ(L"gr", text);  // cut to the buffer
     JsonDoc::MemberName(get, 0, text, 3);
     EXPECT_STREQ(L"1.", text);
 }
 
-TEST(JsonDocTest, IsBuiltOfTextsOfAnyLengthAndDropsWhatHasNoPlace) {
+TEST(JsonDocTest, BuildsTextsOfAnyLengthAndDropsItemsWithoutAParent) {
     JsonDoc document;
     std::wstring printed;
     EXPECT_EQ(-1, document.Print(nullptr));
@@ -43,14 +43,14 @@ TEST(JsonDocTest, IsBuiltOfTextsOfAnyLengthAndDropsWhatHasNoPlace) {
     EXPECT_EQ(-1, document.Print(&printed));
     EXPECT_EQ(L"{\n\t\"a\":\t\"" + longText + L"\",\n\t\"l\":\t[\"first\"],\n\t\"b\":\t\"own\"\n}",
               printed);
-    // In UTF-8 each of the thousand takes two bytes; the terminator counts too.
+    // Each of the thousand takes two bytes in UTF-8; the terminator counts too.
     EXPECT_EQ(static_cast<int32_t>(printed.size() + 1000 + 1), document.Print(nullptr));
     document.SetRoot(JsonDoc::NewString(L"alone"));
     document.Print(&printed);
     EXPECT_EQ(L"\"alone\"", printed);
 }
 
-TEST(JsonRequest, OddDocumentsAreDeliveredAsTheyAre) {
+TEST(JsonRequest, OddDocumentsAreDeliveredUnchanged) {
     std::string document;
     const auto fetch = [](const char*, std::string& value) { return value = "x", true; };
     for (const char* odd : {"{\n}", "[]", "5", "{\n\t\"GET\":\t5\n}", "{\n\t\"GET\":\t[]\n}"}) {

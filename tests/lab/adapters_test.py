@@ -1,5 +1,5 @@
-"""Sweeps of every kind from both adapters of the host: what devices on either side get, byte for byte, and that their
-answers are found. And WS-Discovery replies: in a burst that comes while the program is held up, and hostile ones."""
+"""Sweeps of every kind from both adapters of the host: what devices on both sides receive, byte for byte, and that their
+answers are found. And WS-Discovery replies: a burst while the program is suspended, and hostile ones."""
 
 import ctypes
 import json
@@ -13,7 +13,7 @@ import unittest
 from lab import found, main, on_host
 
 NETS = {"neta": "1", "netb": "2"}
-BURST = 400  # the kernel keeps some 280 for a socket whose receive buffer nobody raised
+BURST = 400  # the kernel queues about 280 for a socket with the default receive buffer
 MATCH = ('<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"><e:Body><d:ProbeMatches '
          'xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery"><d:ProbeMatch><d:XAddrs>http://a/&#27;[2J'
          '</d:XAddrs></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>').encode()
@@ -24,7 +24,7 @@ OID = bytes.fromhex("2b06010401ae4b2b0501010101")
 ENGINE = bytes.fromhex("8000174b0501020304")
 LIBC = ctypes.CDLL(None, use_errno=True)
 seen = []  # "NET: SENDER > RECEIVER:PORT DATA"
-flooded = {}  # "program": the one that is to be held up
+flooded = {}  # "program": the one to be suspended
 
 
 def tlv(tag, *parts):
@@ -124,7 +124,7 @@ class BothAdapters(unittest.TestCase):
                          V3_PROBE, "255")
         self.assert_seen(["neta: 10.77.1.1 > 10.77.1.2:161", "netb: 10.77.2.1 > 10.77.2.2:161"], V3_REQUEST, "10.77")
 
-    def test_a_burst_of_replies_waits_for_a_program_that_is_held_up(self):
+    def test_a_burst_of_replies_is_kept_for_a_suspended_program(self):
         flooded["program"] = subprocess.Popen(
             on_host("wsd", "--timeout", "2000", "--raw", "--types", "wsdp:flood"),
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
@@ -133,7 +133,7 @@ class BothAdapters(unittest.TestCase):
         probes = [line.split(":3702 ")[0] for line in seen if b"flood".hex() in line]
         self.assertEqual(["neta: 10.77.1.1 > 239.255.255.250", "netb: 10.77.2.1 > 239.255.255.250"], sorted(probes))
 
-    def test_hostile_replies_let_no_control_character_through(self):
+    def test_hostile_replies_print_no_control_characters(self):
         for options in ([], ["--format", "json"], ["--raw"]):
             out = found("wsd", "--timeout", "1000", "--types", "wsdp:hostile", *options)
             self.assertIn("http://a/", out)

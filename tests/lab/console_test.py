@@ -76,7 +76,7 @@ class Usage(unittest.TestCase):
 
 
 class Terminals(unittest.TestCase):
-    def test_ctrl_c_stops_and_keeps_what_was_found(self):
+    def test_ctrl_c_stops_and_prints_what_was_found(self):
         code, screen, _ = run_on_terminal([("Model 1", b"\x03")], "sweep")
         self.assertEqual(0, code)
         self.assertIn("stopped", screen)
@@ -88,7 +88,7 @@ class Terminals(unittest.TestCase):
         self.assertNotIn(code, (0, 1, 2))
         self.assertLess(seconds, 15)
 
-    def test_passwords_are_asked_for_and_not_shown(self):
+    def test_passwords_are_prompted_for_and_not_shown(self):
         code, screen, _ = run_on_terminal(
             [("Authentication password: ", b"authpass1\r"), ("Privacy password: ", b"privpass1\r")],
             "get", AGENT, LOCATION, *V3)
@@ -98,7 +98,7 @@ class Terminals(unittest.TestCase):
 
 
 class Sweeps(unittest.TestCase):
-    def test_every_format_can_be_read(self):
+    def test_every_format_parses(self):
         path = Path(LAB, "devices.csv")
         self.assertEqual((0, "ADDRESS          VALUE\n10.77.1.2        Model 1\n", ""), run("sweep", "--csv", str(path)))
         self.assertEqual(b'"10.77.1.2","Model 1"\r\n', path.read_bytes())
@@ -114,7 +114,7 @@ class Sweeps(unittest.TestCase):
         self.assertRegex(device["address"], "^fe80::1:[0-9]+$")  # it answers from any of its addresses
         self.assertEqual(request, device["value"])
 
-    def test_nobody_there_is_exit_code_1(self):
+    def test_no_answer_is_exit_code_1(self):
         code, out, err = run("sweep", "--community", "wrong", "--format", "json")
         self.assertEqual((1, "[]\n"), (code, out))
         self.assertIn("no device answered", err)
@@ -139,7 +139,7 @@ class Responders(unittest.TestCase):
             self.assertEqual(REPEATS, device["replies"])
 
     @unittest.skipUnless(HAS_WSDD, "wsdd2 answers whatever type is asked for")
-    def test_a_type_that_nobody_has_finds_nobody(self):
+    def test_an_unknown_type_finds_no_device(self):
         code, out, err = run("wsd", "--timeout", "1000", "--types", "wsdp:Nothing", "--format", "json")
         self.assertEqual((1, "[]\n"), (code, out), err)
 
@@ -153,7 +153,7 @@ class DirectedRequests(unittest.TestCase):
             rows = json.loads(found("walk", options[0], SYSTEM, "--format", "json", *options[1:], **SECRETS))
             self.assertEqual(list(expected), [row["oid"] for row in rows])
             for row in rows:
-                if row["type"] != "TimeTicks":  # times go on between two walks
+                if row["type"] != "TimeTicks":  # times change between two walks
                     self.assertIn(expected[row["oid"]], (str(row["value"]), f'"{row["value"]}"'))
 
     def test_values_are_shown_by_type(self):
@@ -173,7 +173,7 @@ class DirectedRequests(unittest.TestCase):
         shown = f"{MAC} = OCTET STRING: 3C 2A F4 00 F5 1B\n{ZERO} = OCTET STRING: 00\n"
         self.assertEqual((0, shown, ""), run("get", AGENT, MAC, ZERO))
         self.assertEqual((0, shown, ""), run("get", AGENT, MAC, ZERO, *V3, **SECRETS))
-        # Over SNMPv1 a text of 243 bytes cannot be read.
+        # SNMPv1 cannot read a text of 243 bytes.
         for command in ("get", LONG), ("walk", LONG[:-2]):
             code, _, err = run(command[0], AGENT, command[1])
             self.assertEqual(1, code)
@@ -185,12 +185,12 @@ class DirectedRequests(unittest.TestCase):
         self.assertEqual((0, shown, ""), run("get", AGENT, "sysLocation.0", "ifType.1", "--names"))
         self.assertIn("sysDescr.0", run("get", AGENT, "sysDesc.0")[2])
 
-    def test_set_writes_and_verify_tells_a_refusal(self):
+    def test_set_writes_and_verify_detects_a_refusal(self):
         for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, "ext. 43")):
             arguments = ["set", host, WRITABLE, "string", value, "--verify"]
             shown = f"{WRITABLE} = OCTET STRING: {value}\n"
             code, out, err = run(*arguments)
-            self.assertEqual((1, shown), (code, out))  # a refusal is an answer like any other
+            self.assertEqual((1, shown), (code, out))  # a refusal looks like success
             self.assertIn("not set", err)
             self.assertEqual((0, shown, ""), run(*arguments, "--write-community", "secret"))
         code, _, err = run("set", AGENT, LETTER, "i", "65", "--verify")  # it holds the same byte, as text
@@ -225,7 +225,7 @@ def start_responders():
         else:
             start_in(net, "wsdd2", "-4", "-w", "-i", "eth0", "-N", "PRINTER", "-G", "GROUP")
     for net in RESPONDERS:
-        # Its web server is what it opens last.
+        # It opens its web server last.
         subprocess.run(["timeout", "30", "ip", "netns", "exec", net, "bash", "-c",
                         "until ss -Hltn 'sport = 5357 or sport = 3702' | grep -q .; do sleep 0.05; done"], check=True)
 

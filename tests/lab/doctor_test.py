@@ -1,4 +1,4 @@
-"""vndiscover.exe doctor: this computer with two adapters, and a real agent asked rightly and wrongly."""
+"""vndiscover.exe doctor: this computer with two adapters, and a real agent with right and wrong credentials."""
 
 import json
 import subprocess
@@ -12,7 +12,7 @@ class Doctor(unittest.TestCase):
         code, out, _ = run("doctor", *arguments, "--format", "json", **{**SECRETS, **environment})
         return code, json.loads(out)["verdict"]
 
-    def test_the_computers_adapters_are_shown_as_a_sweep_takes_them(self):
+    def test_adapters_are_listed_in_the_order_of_a_sweep(self):
         code, out, err = run("doctor")
         self.assertEqual((0, ""), (code, err))
         for line in ("IPv4 sweep     from 2 addresses, takes 4 s at least\n", "10.77.1.1  eth0: Ethernet, up, 2 s\n",
@@ -21,7 +21,7 @@ class Doctor(unittest.TestCase):
                      'vndiscover.exe" protocol=udp remoteport=161,3702 profile=domain,private\n', "Log            off\n"):
             self.assertIn(line, out)
 
-    def test_an_adapter_without_address_and_a_missing_route_are_seen(self):
+    def test_an_adapter_without_address_and_a_missing_route_are_reported(self):
         ip = ["ip", "-n", "host"]
         subprocess.run([*ip, "-4", "addr", "flush", "dev", "eth1"], check=True)
         subprocess.run([*ip, "route", "del", "default"], check=True)
@@ -40,7 +40,7 @@ class Doctor(unittest.TestCase):
         self.assertEqual(1, sweep_code)
         self.assertIn("'vndiscover doctor'", err)
 
-    def test_one_device_is_asked_in_steps(self):
+    def test_one_device_is_checked_in_steps(self):
         self.assertEqual((0, "ping, SNMPv1 and SNMPv3 answer"), self.verdict(AGENT, *V3))
         self.assertEqual((1, "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched off"),
                          self.verdict(AGENT, "--community", "wrong"))
@@ -52,7 +52,7 @@ class Doctor(unittest.TestCase):
         self.assertEqual(1, code)
         self.assertIn("wrong privacy password", verdict)
 
-    def test_silence_and_a_missing_route_differ(self):
+    def test_silence_is_distinguished_from_a_missing_route(self):
         code, out, _ = run("doctor", "10.77.1.99")
         self.assertEqual(1, code)
         self.assertIn("neither ping, SNMPv1 nor SNMPv3 answers", out)
@@ -64,4 +64,4 @@ class Doctor(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    main(AGENT_CONF, alone=["a_missing_route_are_seen"])
+    main(AGENT_CONF, alone=["a_missing_route_are_reported"])

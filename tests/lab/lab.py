@@ -1,4 +1,4 @@
-"""What the tests in labs share: the network, an agent in it, and ways to run the console host."""
+"""Shared by the tests in labs: the network, an agent in it, and ways to run the console host."""
 
 import concurrent.futures
 import os
@@ -21,7 +21,7 @@ LAB = os.environ["VNDISCOVER_LAB"]
 AGENT, AGENT6 = "10.77.1.2", "fe80::1:2"
 V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
 SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
-# An agent that V3 and SECRETS open.
+# An agent whose user is that of V3 and SECRETS.
 AGENT_CONF = """
 agentAddress udp:161,udp6:161
 rocommunity sesame
@@ -42,7 +42,7 @@ def on_host(*arguments, program="vndiscover.exe"):
 
 def run(*arguments, program="vndiscover.exe", **environment):
     """Runs a program without a terminal. Returns exit code, standard output, standard error."""
-    # Into files: Wine's own services keep pipes open for two seconds after the program has ended.
+    # Into files: Wine's services keep pipes open for two seconds after the program has ended.
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
         done = subprocess.run(on_host(*arguments, program=program), stdin=subprocess.DEVNULL, stdout=out, stderr=err,
                               timeout=120, env={**os.environ, **environment}, check=False)
@@ -52,7 +52,7 @@ def run(*arguments, program="vndiscover.exe", **environment):
 
 
 def found(*arguments, **environment):
-    """Runs the program and returns its output; it has to end with 0."""
+    """Runs the program, which must end with 0, and returns its output."""
     code, out, err = run(*arguments, **environment)
     assert code == 0, (arguments, code, out, err)
     return out
@@ -75,7 +75,7 @@ def run_on_terminal(steps, *arguments):
                 break
             text = raw.decode("utf-8", "replace").replace("\x1b[K\x1b[1C", " ")
             screen = re.sub(r"\x1b\[[?0-9;]*[A-Za-z]", "", text)
-        # A password only once Wine has taken the terminal over: before, the system itself would show it.
+        # A password only once Wine has taken over the terminal: before that, the system would echo it.
         has_echo = termios.tcgetattr(terminal)[3] & termios.ECHO
         if steps and steps[0][0] in screen[seen:] and not (has_echo and "password" in steps[0][0]):
             seen = len(screen)

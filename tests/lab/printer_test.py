@@ -9,7 +9,7 @@ from lab import AGENT, AGENT6, AGENT_CONF, SCRIPTS, SECRETS, TREE, V3, main, run
 
 
 class Printers(unittest.TestCase):
-    def test_every_protocol_gives_the_same_report(self):
+    def test_all_protocols_give_the_same_report(self):
         reports = []
         for arguments in ([AGENT], [AGENT6], [AGENT, *V3]):
             code, out, err = run("printer", *arguments, "--format", "json", **SECRETS)
@@ -29,7 +29,7 @@ class Printers(unittest.TestCase):
         self.assertEqual([30, 62, None, 100, 80], [supply["percent"] for supply in report["supplies"]])
         self.assertEqual([], report["notRead"])
 
-    def test_a_person_can_read_it(self):
+    def test_text_shows_supplies_trays_and_alerts(self):
         code, out, _ = run("printer", AGENT)
         self.assertEqual(0, code)
         self.assertIn("Alerts         critical: Door A is open (cover, cover open), for 0:", out)

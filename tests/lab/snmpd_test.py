@@ -1,5 +1,5 @@
-"""Values of random type and content, written to a real agent and read from it by every way to ask, and what a
-dissector that knows the passwords makes of the requests. VNDISCOVER_SEED repeats a run."""
+"""Values of random type and content are written to a real agent and read with every kind of request, and a dissector
+that knows the passwords checks the requests. VNDISCOVER_SEED repeats a run."""
 
 import concurrent.futures
 import json
@@ -20,11 +20,11 @@ AUTH_PASSWORD, PRIV_PASSWORD = "authpass1", "privpass1"
 SEED = int(os.environ.get("VNDISCOVER_SEED", time.time_ns() % 10**6))
 rolls = random.Random(SEED)
 
-# Label of the module, the agent's name, the dissector's name, bytes of the authentication code.
+# The module's label, the agent's name, the dissector's name, bytes of the truncated HMAC.
 AUTH = (("MD5", "MD5", "MD5", 12), ("SHA1", "SHA", "SHA1", 12), ("SHA-2(224)", "SHA-224", "SHA2-224", 16),
         ("SHA-2(256)", "SHA-256", "SHA2-256", 24), ("SHA-2(384)", "SHA-384", "SHA2-384", 32),
         ("SHA-2(512)", "SHA-512", "SHA2-512", 48))
-# The module's name of a type: the host's word, the agent's type with a first value, the dissector's field.
+# The module's name of a type: the host's word, the agent's type with an initial value, the dissector's field.
 TYPES = {"INTEGER": ("integer", "integer 0", "int"), "OCTET STRING": ("hex", "octet_str x", "octets"),
          "OBJECT IDENTIFIER": ("oid", "object_id .1.3", "oid"), "Counter32": ("counter", "counter 0", "counter"),
          "Gauge32": ("gauge", "uinteger 0", "g32"), "TimeTicks": ("timeticks", "timeticks 0", "timeticks")}
@@ -35,15 +35,15 @@ def random_oid(root, arcs):
 
 
 class Variable:
-    """What it is set to, as JSON shows it, and as the dissector does. No message gets longer than 129 bytes, as long
-    as requests by community can be."""
+    """The value to set, as JSON shows it, and as the dissector shows it. Keeps every message within 129 bytes, the
+    limit of SNMPv1 requests."""
 
     def __init__(self, number):
         self.oid = random_oid(f"{ROOT}.{number}", rolls.randint(1, 8))
         self.kind = rolls.choice(list(TYPES))
         self.word, self.initially, self.field = TYPES[self.kind]
         self.shown = {"oid": self.oid, "type": self.kind}
-        if self.word == "hex":  # a control character in front: no text
+        if self.word == "hex":  # with a leading control character, so that it is not text
             content = b"\1" + rolls.randbytes(rolls.randrange(40))
             self.text = content.hex()
             self.shown |= {"value": content.hex(" ").upper(), "encoding": "hex"}
@@ -58,8 +58,8 @@ class Variable:
 
 
 class User:
-    """One user for each way to ask, so that a datagram tells by its user name what it must look like; the first one
-    asks by community."""
+    """One user for each kind of request, so that a datagram's user name determines what it must look like; the first one
+    uses a community."""
 
     def __init__(self, auth=None, priv=None, community=None):
         self.auth, self.priv, self.community = auth, priv, community
@@ -84,7 +84,7 @@ SWEEPERS = [*USERS[:3], *USERS[-2:]]
 FIELDS = ("ip.dst", "snmp.community", "snmp.data", "snmp.msgUserName", "snmp.msgAuthenticationParameters",
           "snmp.encryptedPDU", "snmp.decrypted_pdu", "snmp.name", "_ws.expert.message", "_ws.malformed",
           *("snmp.value." + field for _, _, field in TYPES.values()))
-SET, GET, NEXT = "3", "0", "1"  # as the dissector numbers them
+SET, GET, NEXT = "3", "0", "1"  # the dissector's numbers
 
 
 def agent_conf():
@@ -96,7 +96,7 @@ def agent_conf():
 
 
 def dissected():
-    """Every request of the capture but for probes: field name to text."""
+    """Every request in the capture except engine discoveries: field name to text."""
     profile = LAB + "/dissector"
     os.mkdir(profile)
     with open(profile + "/snmp_users", "w", encoding="ascii") as file:
@@ -106,7 +106,7 @@ def dissected():
                           capture_output=True, check=True, text=True).stdout
     rows = [dict(zip(FIELDS, line.split("\t"))) for line in text.splitlines()]
     for row in rows:
-        # It takes some of the host's ports for something else.
+        # It mistakes some of the host's ports for another protocol.
         opinion = re.sub(r"Possible traceroute: hop #\d+, attempt #\d+", "", row["_ws.expert.message"]).strip(",")
         code = row["snmp.msgAuthenticationParameters"].replace("<MISSING>", "")
         row["found"] = (row["snmp.community"], row["_ws.malformed"], len(code) // 2, opinion,
@@ -132,7 +132,7 @@ def ask_and_capture():
         got = pool.map(as_user("get", AGENT, *(variable.oid for variable in VARIABLES)), SWEEPERS)
         RealAgent.walked = list(pool.map(as_user("walk", AGENT, ROOT), USERS))
         RealAgent.got, RealAgent.swept = list(got), list(swept)
-    time.sleep(1)  # for what is still on its way to the file
+    time.sleep(1)  # until the capture is written
     capture.send_signal(signal.SIGINT)
     capture.communicate()
     RealAgent.requests = dissected()
@@ -153,7 +153,7 @@ class RealAgent(unittest.TestCase):
         for user, (code, out, err) in zip(SWEEPERS, self.swept):
             self.assertEqual((0, [{"address": AGENT, "value": "Model 1"}]), (code, json.loads(out)), user.name + err)
 
-    def test_a_dissector_reads_every_request(self):
+    def test_a_dissector_accepts_every_request(self):
         names = [variable.oid[1:] for variable in VARIABLES]
         for user in USERS:
             with self.subTest(user=user.name, seed=SEED):
@@ -165,7 +165,7 @@ class RealAgent(unittest.TestCase):
                 self.assertEqual({(user.community or "", "", *authenticated, bool(user.priv), bool(user.priv))},
                                  {row["found"] for row in sent})
 
-    def test_a_dissector_reads_what_is_written(self):
+    def test_a_dissector_reads_the_values_that_are_set(self):
         written = {row["snmp.name"]: row for row in self.requests if row["snmp.data"] == SET}
         self.assertEqual([variable.dissected for variable in VARIABLES],
                          [written[variable.oid[1:]]["snmp.value." + variable.field] for variable in VARIABLES], SEED)

@@ -1,4 +1,4 @@
-"""windows_check.exe under this Wine: every row of its report is the one that docs/platforms.md has."""
+"""windows_check.exe under this Wine: every row of its report is the one in docs/platforms.md."""
 
 import os
 import re
@@ -12,7 +12,7 @@ import lab
 LAB, BIN = Path(lab.LAB), Path(lab.BIN)
 DOCUMENT = Path(lab.SCRIPTS).parent.parent / "docs/platforms.md"
 
-# Counts the UDP datagrams and echo requests that leave by an adapter.
+# Counts the UDP datagrams and echo requests that are sent on an adapter.
 SNIFFER = """
 import signal, socket
 sock = socket.socket(socket.AF_PACKET, socket.SOCK_DGRAM, socket.htons(3))  # every protocol
@@ -46,7 +46,7 @@ def table(text):
 
 
 def python(net, script):
-    """A program in a namespace, when it has printed its first line."""
+    """Starts a program in a namespace and returns once it has printed a line."""
     program = subprocess.Popen(["ip", "netns", "exec", net, "python3", "-c", script], stdin=subprocess.PIPE,
                                stdout=subprocess.PIPE, text=True)
     program.stdout.readline()
@@ -54,7 +54,7 @@ def python(net, script):
 
 
 def run(net, *options, program=BIN / "windows_check.exe"):
-    """Exit code, report or None, what was printed, datagrams that left the namespace."""
+    """Exit code, report or None, the output, and the number of datagrams that left the namespace."""
     folder = LAB / f"check-{net}"
     folder.mkdir(exist_ok=True)
     sniffer = python(net, SNIFFER)
@@ -92,7 +92,7 @@ class Check(unittest.TestCase):
         for secret in (os.uname().nodename, "root", "10.77.", "fe80", "check-auth", "check-priv", str(LAB)):
             self.assertNotIn(secret.lower(), report.lower())
 
-    def test_nothing_leaves_the_loopback_and_a_port_that_is_taken_is_told(self):
+    def test_nothing_leaves_the_loopback_and_a_port_in_use_is_reported(self):
         holder = python("neta", "import socket; s = socket.socket(type=socket.SOCK_DGRAM); s.bind(('', 161)); "
                                 "print(flush=True); input()")
         code, report, printed, left = run("neta")
@@ -105,7 +105,7 @@ class Check(unittest.TestCase):
         self.assertNotRegex(report, r"\| (get|v3 get, MD5, DES) \|")
         self.assertIn("| unloading after a sweep |", report)
 
-    def test_without_the_module_the_rest_is_still_reported_and_mistakes_are_told(self):
+    def test_without_the_module_the_rest_is_reported_and_wrong_usage_is_refused(self):
         alone = shutil.copy(BIN / "windows_check.exe", LAB)
         code, report, printed, _ = run("netb", "--netwrok", program=alone)
         self.assertEqual((2, None), (code, report))

@@ -1,4 +1,4 @@
-// The crypto interface over libcrypto, for systems without the platform's own libraries.
+// The crypto interface with libcrypto, for systems without CryptoAPI and CNG.
 #include "snmpv3/crypto/crypto.h"
 
 #include <openssl/evp.h>
@@ -13,7 +13,7 @@
 
 namespace vndiscover {
 
-int g_mebibyteHashes = 0;  // as a password's key costs one
+int g_mebibyteHashes = 0;  // one for each password's key
 
 namespace {
 
@@ -26,7 +26,7 @@ const EVP_MD* DigestOf(uint32_t authCode) {
     return nullptr;
 }
 
-// DES from triple DES with one key three times, which libcrypto has without its legacy provider.
+// DES as triple DES with three equal keys, which libcrypto has without its legacy provider.
 bool RunDes(bool encrypt, const uint8_t* key, const uint8_t* iv, const uint8_t* in, uint32_t length,
             uint8_t* out) {
     uint8_t tripleKey[3 * kDesKeySize];
@@ -91,7 +91,7 @@ bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
                                uint32_t length, ByteBuffer& plain) {
     plain.Clear();
     if (length % kDesBlockSize != 0) {
-        DebugLogA("Err %d\n", static_cast<int>(0x80090004));  // as the platform's library says it
+        DebugLogA("Err %d\n", static_cast<int>(0x80090004));  // as CryptoAPI reports it
         return false;
     }
     plain.Assign(cipher, static_cast<int32_t>(length));

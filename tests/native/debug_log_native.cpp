@@ -1,4 +1,4 @@
-// The log where there is no debugger to send it to: one LogCapture at a time gets its lines.
+// The log on systems without a debugger to send it to: its lines go to a LogCapture, one at a time.
 #include <cstdarg>
 #include <cstdio>
 #include <regex>
@@ -32,7 +32,7 @@ void DebugLogA(const char* format, ...) {
     va_end(arguments);
 }
 
-// "%s" means wide text in a wide format of Windows, narrow text here.
+// In a wide format, "%s" means wide text on Windows, but narrow text here.
 void DebugLogW(const wchar_t* format, ...) {
     if (g_debugSwitches.debug == 0 || !g_capture) return;
     const std::string narrow = std::regex_replace(WideToUtf8(format), std::regex("%s"), "%ls");

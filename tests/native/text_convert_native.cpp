@@ -1,5 +1,4 @@
-// Conversions for systems where wchar_t holds a whole character. The ANSI code page is taken as
-// Latin-1.
+// Conversions for systems where wchar_t holds a whole character. The ANSI code page is Latin-1.
 #include "support/text_convert.h"
 
 #include <climits>

@@ -15,7 +15,7 @@ DOCUMENTS = [*sorted(SOURCE.glob("*.md")), *sorted((SOURCE / "docs").glob("*.md"
 ROOMS = {"snmp/codec": "codec", "snmpv3/codec": "v3codec", "snmpv3/crypto": "crypto", "interface/delivery": "delivery"}
 FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", *ROOMS.values())
 
-# A type of the header, and a pattern of the C# types that pass it.
+# A type of the header, and a pattern for the C# types that marshal to it.
 TYPES = {"HWND": "IntPtr", "UINT": "uint", "BYTE": "byte", "int32_t": "int", "uint32_t": "uint", "uint32_t*": "ref uint",
          "const wchar_t*": r"\[MarshalAs\(UnmanagedType.LPWStr\)\] string",
          "const char*": r"(\[MarshalAs\(UnmanagedType.LPStr\)\] string|byte\[\])", "char*": r"\[Out\] byte\[\]",
@@ -82,7 +82,7 @@ def folder_of(path):
 
 
 def includes():
-    """(folder, folder) for every include across folders, support/ as a target left out."""
+    """(folder, folder) for every include across folders, except of support/."""
     found = set()
     for path in (SOURCE / "src").rglob("*"):
         if path.suffix not in (".h", ".cpp"):

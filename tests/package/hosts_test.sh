@@ -1,6 +1,6 @@
 #!/bin/bash
-# hosts_test.sh KIT: builds hosts that know nothing of this tree against an installed kit, in all the ways it offers, and
-# runs them in a lab, one with a real agent on one of its two networks. CMAKE, CC, CXX: the programs (mingw).
+# hosts_test.sh KIT: builds hosts outside this tree against an installed kit, in every way that it supports, and runs them
+# in a lab, one with a real agent on one of its two networks. CMAKE, CC, CXX: the programs (mingw).
 set -euo pipefail
 [ -n "${VNDISCOVER_LAB:-}" ] || { # its sweeps must never leave by the machine's own network
     echo "hosts_test.sh: not in a lab: start it through private-net.sh" >&2
@@ -14,7 +14,7 @@ cd "$TMPDIR/project"
 warnings=(-Wall -Wextra -Werror)
 windows=(-DCMAKE_SYSTEM_NAME=Windows -DCMAKE_C_COMPILER="$CC" -DCMAKE_CXX_COMPILER="$CXX")
 
-# Configure FOLDER OPTION...: with none of this tree's settings.
+# Configure FOLDER OPTION...: without any settings of this tree.
 Configure() { "$CMAKE" -S . -G Ninja "-DCMAKE_PREFIX_PATH=$kit" -B "$@" >log 2>&1; }
 # Refuses REASON FOLDER OPTION...
 Refuses() {
@@ -25,7 +25,7 @@ Refuses() {
     fi
 }
 
-# find_package; it takes neither another major version nor another system.
+# find_package, which rejects another major version and another system.
 Configure build "${windows[@]}" "-DCMAKE_CXX_FLAGS=${warnings[*]}" "-DCMAKE_C_FLAGS=${warnings[*]}" || { cat log; exit 1; }
 "$CMAKE" --build build
 cp build/*.exe build/VnDiscover.dll "$hosts/"
@@ -41,8 +41,8 @@ eval "flags=($(pkg-config --cflags --libs vndiscover))"
 "$CC" "${warnings[@]}" c/sweep.c "${flags[@]}" -o "$hosts/sweep_pkgconfig.exe"
 [ "$(pkg-config --modversion vndiscover)" = 1.0.0 ]
 
-# The import library for Visual C++: by GNU's linker, and, where it is installed, by LLVM's double of
-# Visual C++'s own, for a program without any runtime.
+# The import library for Visual C++, with GNU's linker and, if it is installed, with LLVM's equivalent of Visual C++'s
+# linker, for a program without a runtime.
 "$CC" "${warnings[@]}" -I"$kit/include" c/sweep.c "$kit/lib/VnDiscover.lib" -o "$hosts/sweep_lib.exe"
 if command -v lld-link clang llvm-dlltool >/dev/null; then
     printf 'LIBRARY kernel32.dll\nEXPORTS\n    ExitProcess\n' >kernel32.def
@@ -58,7 +58,7 @@ SOURCE
         "$kit/lib/VnDiscover.lib"
 fi
 
-# Windows that paint, without a display. Read when the prefix's first window comes up, so set before any.
+# Windows that paint, without a display. Read when the prefix's first window is made, so set before that.
 "$lab/wine-run.sh" host reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null >/dev/null
 "$lab/wine-run.sh" --stop host
 "$lab/snmp-agent.sh" neta printer >/dev/null <<'CONF'
@@ -67,7 +67,7 @@ rocommunity sesame
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
 CONF
 
-# Check COMMAND STATUS PATTERN...: the program ends with this exit code and prints a line for each pattern.
+# Check COMMAND STATUS PATTERN...: the program must end with this exit code and print a line for each pattern.
 Check() {
     local command=$1 wanted=$2 status=0 output pattern
     shift 2
@@ -90,9 +90,9 @@ for sweep in sweep sweep_pkgconfig sweep_lib; do
 done
 Start 'sweep.exe wrong-community' 1 '^end of the sweep$' '^0 answers$'
 [ ! -e "$hosts/bare.exe" ] || Start bare.exe 42 ''
-# Two networks of at least 2 s each; a window whose thread was held up by the sweep would paint a frame or two.
+# Two networks of at least 2 s each; a window whose thread is blocked by the sweep would paint a frame or two.
 Start 'worker_sweep.exe --once' 0 '^10\.77\.1\.2  Model 1$' '^1 devices, [0-9]{2,} frames, complete$'
-# A stop while the first network is still listened to: what has answered is not delivered.
+# A stop while answers of the first network are collected: they are not delivered.
 Start 'worker_sweep.exe --once --stop-after 1000' 1 '^0 devices, [0-9]{2,} frames, stopped$'
 for check in "${checks[@]}"; do wait "$check" || failed=1; done
 exit $failed

@@ -1,4 +1,4 @@
-"""Installs the kit from the build folder and reads it as a host developer, a debugger and an auditor would.
+"""Installs the kit from the build folder and inspects it like a host developer, a debugger and an auditor.
 
 Environment: BUILD, SOURCE, DEPS (folders), KIT (folder to install to), CMAKE, NM, OBJDUMP (programs).
 """
@@ -51,7 +51,7 @@ class Kit(unittest.TestCase):
     maxDiff = None
 
     def test_holds_every_file_with_its_checksum(self):
-        # Documents and examples may grow; nothing else may slip in.
+        # Documents and examples may be added, but nothing else.
         others = {name for name in files() - set(FILES) if name.startswith(("docs/", "examples/"))}
         self.assertEqual(sorted(FILES), sorted(files() - others))
         run("sh", "-c", f"cd '{KIT}' && sha256sum --check --quiet --strict SHA256SUMS")
@@ -70,14 +70,14 @@ class Kit(unittest.TestCase):
         self.assertGreater(len(declared), 20)
         dump = run(OBJDUMP, "-p", KIT / "bin/VnDiscover.dll")
         table = re.search(r"\[Ordinal/Name Pointer\] Table.*\n((?:\s+\[.*\n|\s+Ordinal .*\n)+)", dump)[1]
-        # DllMain is exported but not for hosts to call.
+        # DllMain is exported, but hosts must not call it.
         self.assertEqual(declared | {"DllMain"}, set(re.findall(r"\].* (\w+)$", table, flags=re.M)))
         for library in (KIT / "lib/libVnDiscover.dll.a", KIT / "lib/VnDiscover.lib"):
             self.assertEqual(declared, set(re.findall(r" T (\w+)$", run(NM, library), flags=re.M)), library)
             self.assertIn(b"VnDiscover.dll", library.read_bytes())
 
     def test_programs_need_no_dll_that_a_windows_may_lack(self):
-        # iphlpapi, icmp and bcrypt are looked up at run time.
+        # iphlpapi, icmp and bcrypt are loaded at run time.
         system = "kernel32|msvcrt|ucrtbase|api-ms-win-crt-.*|ws2_32|advapi32|user32"
         for name, allowed in (("VnDiscover.dll", system), ("vndiscover.exe", system + "|shell32|ole32|oleaut32|vndiscover"),
                               ("VnBrowser.exe", system + "|comctl32|comdlg32|crypt32|gdi32|shell32|ole32|oleaut32|vndiscover"),
@@ -95,7 +95,7 @@ class Kit(unittest.TestCase):
             self.assertNotRegex(run(OBJDUMP, "-h", program), r"\.debug_|\.zdebug_")
             self.assertNotRegex(run(NM, program), r" T ")
             self.assertIn("vndiscover", run(NM, symbols))
-            # The link: the file's name, padded, and its checksum, by which a debugger knows the right one.
+            # The link: the padded name of the file, and its checksum, by which a debugger verifies it.
             link = symbols.name.encode() + b"\0"
             link += b"\0" * (-len(link) % 4) + binascii.crc32(symbols.read_bytes()).to_bytes(4, "little")
             self.assertIn(link, program.read_bytes())
@@ -117,7 +117,7 @@ class ThirdParty(unittest.TestCase):
             text = (DEPS / "include" / header).read_text(encoding="utf-8")
             linked = ".".join(re.search(rf"define\s+{name.upper()}_VERSION_{part}\s+(\d+)", text)[1]
                               for part in ("MAJOR", "MINOR", "PATCH"))
-            # The package's version: the library's own, then what the distribution changed.
+            # The package's version: the library's, followed by the distribution's revision.
             self.assertRegex(versions[name], rf"^{re.escape(linked)}([-+~].*)?$", name)
 
     def test_the_bill_names_every_program_that_holds_a_component(self):

@@ -1,4 +1,4 @@
-"""workflow_test.py SOURCE: the workflows, which nobody has run: their syntax, and that whatever they name is there."""
+"""workflow_test.py SOURCE: the workflows, which have not been run: their syntax, and that everything they name exists."""
 import itertools
 import json
 import re
@@ -20,13 +20,13 @@ def text(name):
 
 
 def expansions(job):
-    """The job's matrix, one dictionary for each run of it."""
+    """The job's matrix, one dictionary for each run."""
     matrix = job.get("strategy", {}).get("matrix", {})
     return [dict(zip(matrix, values)) for values in itertools.product(*matrix.values())]
 
 
 def scripts():
-    """(job, what a step runs), for every value of its matrix."""
+    """(job, commands of a step), for every value of its matrix."""
     for path in WORKFLOWS:
         for name, job in yaml.safe_load(text(path))["jobs"].items():
             for values in expansions(job):

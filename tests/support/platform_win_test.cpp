@@ -1,5 +1,5 @@
-// What stays between the module and the system, beyond what the exports use of it: registry reader
-// and wide log, sockets on the loopback alone, hashes of files.
+// Code between the module and the system that the exports do not use: registry reader and wide log,
+// sockets (on the loopback only), hashes of files.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -32,7 +32,7 @@ class RegistryTest : public testing::Test {
     UnitLog log;
 };
 
-TEST_F(RegistryTest, ReadsANumberOrGivesTheDefaultAndTellsWhy) {
+TEST_F(RegistryTest, ReadsANumberOrLogsWhyItReturnsTheDefault) {
     const HKEY hive = HKEY_LOCAL_MACHINE;
     const std::wstring widePath(std::begin(kPath), std::end(kPath));
     Set("Count", 0xFFFFFFFE);
@@ -51,7 +51,7 @@ TEST_F(RegistryTest, ReadsANumberOrGivesTheDefaultAndTellsWhy) {
         log.Text());
 }
 
-TEST_F(RegistryTest, HoldsTheSwitchesUnderTheKeyDebugWhereNoOtherIsNamed) {
+TEST_F(RegistryTest, SwitchesAreUnderTheKeyDebugByDefault) {
     Set("Debug", 2);
     Set("Dbg2Log", 3);
     EXPECT_EQ(3, LoadDebugSwitchesW(nullptr, 0));
@@ -62,8 +62,8 @@ TEST_F(RegistryTest, HoldsTheSwitchesUnderTheKeyDebugWhereNoOtherIsNamed) {
     EXPECT_EQ(1, IsDebugLogEnabled());
 }
 
-// Unlike that of narrow ones, the limit of 1,024 characters holds for stamp and message together.
-// Wine's loses the last.
+// Unlike for narrow lines, the limit of 1,024 characters includes the time stamp. Wine drops the
+// last.
 TEST_F(RegistryTest, WideLinesAreCutAndNoLineChangesTheLastError) {
     DebugLogW(L"%s", std::wstring(2000, L'9').c_str());
     const std::string cut = log.Text();
@@ -89,7 +89,7 @@ TEST(Sckraw, SendsAndReceivesOnItsOwnSocket) {
     EXPECT_EQ(SCKRAW_ERROR_TIMEOUT, device.lastError);
 }
 
-TEST(Sckraw, TakesTheResolversCodeForACountOfBytes) {
+TEST(Sckraw, ReturnsTheResolversErrorLikeANumberOfBytes) {
     SCKRAW socket;
     const int code = socket.SendTo(AF_INET, "no.such.name.invalid", kPort, "hi", 2, 1000);
     EXPECT_GT(code, 2);
@@ -102,12 +102,12 @@ TEST(Sckraw, TakesTheResolversCodeForACountOfBytes) {
     }
 }
 
-TEST(FileHash, HashesAWholeFileOrSaysWhyNot) {
+TEST(FileHash, HashesAWholeFileOrLogsWhyNot) {
     const char kName[] = "file_hash_test.bin";
     std::ofstream(kName, std::ios::binary) << std::string(5000, 'a');
     ByteBuffer digest;
     EXPECT_TRUE(CapiHashFile(kName, digest));
-    EXPECT_EQ(Hex("7aaa7dec709fa4fa82f3746abfd80bdb"), ToBytes(digest));  // as md5sum has it
+    EXPECT_EQ(Hex("7aaa7dec709fa4fa82f3746abfd80bdb"), ToBytes(digest));  // from md5sum
     std::remove(kName);
     UnitLog log;
     EXPECT_FALSE(CapiHashFile(kName, digest));

@@ -1,5 +1,5 @@
-// What no export shows: the IPv6 mode of the WS-Discovery manager, and that a socket with an option
-// that failed is used, but not bound.
+// Not visible through the exports: the IPv6 mode of the WS-Discovery manager, and that a socket is
+// used but not bound after one of its options failed.
 #include "wsd/vx_soap_mgr.h"
 
 #include <gtest/gtest.h>
@@ -9,20 +9,20 @@
 #include <string>
 #include <vector>
 
-// The slots through which this program calls the system.
+// This program's import table entries.
 extern "C" decltype(&::sendto) __imp_sendto;
 extern "C" decltype(&::setsockopt) __imp_setsockopt;
 
 namespace vndiscover {
 namespace {
 
-using Option = std::array<int, 4>;  // level, name, value and its bytes
+using Option = std::array<int, 4>;  // level, name, value and its size
 
 const auto g_sendto = __imp_sendto;
 const auto g_setsockopt = __imp_setsockopt;
 std::vector<Option> g_options;
 std::vector<std::string> g_ways;
-int g_failing;  // the name of the option that cannot be set, or 0
+int g_failing;  // the name of the option that fails, or 0
 
 int WSAAPI SetOption(SOCKET handle, int level, int name, const char* value, int length) {
     int number = 0;
@@ -54,8 +54,8 @@ void Lead(Function& slot, Function target) {
     slot = target;
 }
 
-// One socket for each address, with each of its options failing in turn; the last, the receive
-// buffer, does not matter.
+// Lets each option of each address's socket fail in turn; the last, the receive buffer, has no
+// effect.
 void ExpectSockets(bool useIPv6, const std::vector<std::string>& addresses, const char* group,
                    const std::vector<Option>& options) {
     for (const Option& failing : options) {
@@ -78,7 +78,7 @@ void ExpectSockets(bool useIPv6, const std::vector<std::string>& addresses, cons
     }
 }
 
-TEST(SoapMgr, SendsFromASocketOfEveryAddressBoundIfItsOptionsCouldBeSet) {
+TEST(SoapMgr, SendsFromEveryAddressAndBindsUnlessAnOptionFails) {
     const Option receive = {SOL_SOCKET, SO_RCVTIMEO, 700, 4};
     const Option send = {SOL_SOCKET, SO_SNDTIMEO, 700, 4};
     const Option buffer = {SOL_SOCKET, SO_RCVBUF, 4194304, 4};

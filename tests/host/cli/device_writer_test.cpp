@@ -1,4 +1,4 @@
-// Rows of a sweep: fit for a terminal, a CSV reader and a JSON parser, whatever devices answer.
+// Rows of a sweep must suit a terminal, a CSV reader and a JSON parser, whatever devices answer.
 #include "cli/device_writer.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,8 @@ std::string Written(Format format, ValueKind kind, const Rows& rows, bool isIPv6
     return text + writer.End();
 }
 
-// Among them a value with a zero byte at its end, and a hardware address, all Latin-1 letters.
+// Among the values are one that ends in a zero byte, and a hardware address of Latin-1 letters
+// only.
 const Rows kValues = {{"10.77.1.22", {"LaserPro\0", 9}},
                       {"192.168.100.200", "B\xFCro \"1\",\r\n2"},
                       {"10.77.1.23", ""},
@@ -25,7 +26,7 @@ constexpr char kDocument[] =
     "{\n\t\"DiscoverOID\":\t\".1.3.6\",\n\t\"GET\":\t{\n\t\t\".1.3.6.1\":\t\"LaserPro\",\n"
     "\t\t\".1.3.6.2\":\t\"\xC2\x9B[2J \\u001b\"\n\t}\n}";
 
-TEST(DeviceRows, AreFitForTheirReaders) {
+TEST(DeviceRows, AreValidForTheirReaders) {
     EXPECT_EQ(
         "ADDRESS          VALUE\n10.77.1.22       LaserPro\n"
         "192.168.100.200  B\xC3\xBCro \"1\", 2\n"
@@ -47,7 +48,7 @@ TEST(DeviceRows, AreFitForTheirReaders) {
     EXPECT_EQ("[]\n", Written(Format::kJson, ValueKind::kRaw, {}));
 }
 
-// A document that was cut, or that has no answers, is shown as it is.
+// A document that was cut, or has no answers, is shown unchanged.
 TEST(DeviceRows, HoldTheAnswersOfADocument) {
     const Rows rows = {{"fe80::1:22", kDocument},
                        {"fe80::1:22", "{\n\t\"GET\":\t\""},

@@ -11,7 +11,7 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     facts.upTicks = 500;
     facts.supplies = {{"Black", "", "", {400, 1000, ""}},
                       {"", "cyan", "inkCartridge", {-3, -2, ""}}};
-    facts.alerts = {{"critical", "", "jam", "", 9000}};  // of a former run
+    facts.alerts = {{"critical", "", "jam", "", 9000}};  // from before the restart
     facts.gaps = {{"trays", "prtInputName", "no answer"},
                   {"alerts", "", "not asked for"},
                   {"panel", "", "not asked for"}};

@@ -8,7 +8,7 @@ namespace {
 using Label = std::optional<std::string>;
 
 // The module would take any other text for "none" and send unprotected requests.
-TEST(SecurityLabels, TakeTheCommonSpellingsAndNothingElse) {
+TEST(SecurityLabels, AcceptCommonSpellingsOnly) {
     const std::pair<Label, std::vector<const char*>> auth[] = {
         {"MD5", {"MD5", "md5"}},
         {"SHA1", {"SHA", "sha-1", "SHA1", "HMAC-SHA-1"}},

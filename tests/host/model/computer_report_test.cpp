@@ -33,7 +33,7 @@ struct ScriptedComputer : Computer {
     std::string ProgramPath() const override { return kProgram; }
 };
 
-TEST(ComputerReport, ShowsEveryAddressInTheSweepsOrderWithItsCost) {
+TEST(ComputerReport, ListsAddressesInTheSweepsOrderWithTheirTime) {
     ScriptedComputer computer;
     computer.ipv4.addresses = {{"10.8.0.2", "255.255.255.0", "Office", "Some VPN", 6, true},
                                {"0.0.0.0", "0.0.0.0", "Wi-Fi", "", 71, false},
@@ -55,7 +55,7 @@ TEST(ComputerReport, ShowsEveryAddressInTheSweepsOrderWithItsCost) {
     EXPECT_THAT(report.causes, IsEmpty());
 }
 
-TEST(ComputerReport, TellsWhatKeepsASweepFromBeingSent) {
+TEST(ComputerReport, NamesCausesThatPreventASweep) {
     const auto causes = [](auto change) {
         ScriptedComputer computer;
         change(computer);
@@ -75,7 +75,7 @@ TEST(ComputerReport, TellsWhatKeepsASweepFromBeingSent) {
     EXPECT_THAT(causes([](auto& it) { it.ipv6 = {}; }), IsEmpty());
 }
 
-TEST(ComputerReport, SweepsNoMoreIPv6AddressesThanThereIsRoomFor) {
+TEST(ComputerReport, LimitsIPv6AddressesLikeTheModule) {
     ScriptedComputer computer;
     computer.ipv6.addresses.resize(33, computer.ipv6.addresses[0]);
     const ComputerReport report = ReportOn(computer);
@@ -101,7 +101,7 @@ struct FirewallCase {
 
 class Firewall : public testing::TestWithParam<FirewallCase> {};
 
-TEST_P(Firewall, IsJudgedInItsOwnOrder) {
+TEST_P(Firewall, BlockingRulesTakePrecedence) {
     ScriptedComputer computer;
     computer.firewall = {true, {GetParam().profile}, GetParam().rules};
     const ComputerReport report = ReportOn(computer);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kDeviceOid[] = ".1.3.6.1.4.1.5963.43.5.1.1.1.1";
 
-// Devices with a value of the default discovery OID each, then what was asked of them.
+// Devices with a value of the default discovery OID each, then variables requested from them.
 class DeviceViewTest : public testing::Test {
   protected:
     DeviceViewTest() {
@@ -53,14 +53,14 @@ TEST_F(DeviceViewTest, SortsAddressesAsNumbers) {
     EXPECT_EQ("name;fe80::10;fe80::9;10.77.1.100;10.77.1.9;9.1.1.1;", Shown());
 }
 
-TEST(AddressOrder, NamesWhatIsNoAddress) {
+TEST(AddressOrder, PutsNamesLast) {
     for (const char* text : {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "1.2.3.4x", ":", "1:::2",
                              "fe80:", "1:2:3:4:5:6:7:8:9", "1::2:3:4:5:6:7:8", "12345::", "g::1"})
         EXPECT_EQ('7', AddressOrder(text)[0]) << text;
     EXPECT_EQ(AddressOrder("0:0:0:0:0:0:0:1"), AddressOrder("::1%3"));
 }
 
-TEST_F(DeviceViewTest, SortsTextsWithoutCaseAndUnknownOnesLast) {
+TEST_F(DeviceViewTest, SortsTextWithoutCaseAndUnknownValuesLast) {
     Hear("10.77.1.1", "beta");
     Hear("10.77.1.2", "");
     Hear("10.77.1.3", "Alpha");
@@ -70,7 +70,7 @@ TEST_F(DeviceViewTest, SortsTextsWithoutCaseAndUnknownOnesLast) {
     EXPECT_EQ("beta;Alpha;;", Shown(Column::kModel));
 }
 
-TEST_F(DeviceViewTest, FilterHidesAndNeverDeletes) {
+TEST_F(DeviceViewTest, FilterHidesWithoutDeleting) {
     Hear("10.77.1.1", "VN LaserPro");
     Hear("10.77.1.2", "VN InkLine");
     view_.Select(1);
@@ -98,7 +98,7 @@ TEST_F(DeviceViewTest, SelectionFollowsItsDeviceThroughMovesAndMerges) {
     EXPECT_EQ(1u, view_.Selected());
 }
 
-TEST_F(DeviceViewTest, RowTellsProtocolsNetworkAndLastAnswer) {
+TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {
     Hear("10.77.1.20", "x");
     Tell("10.77.1.20", "sysName.0", kOctetString, "hall");
     Hear("10.78.1.20", "y");
@@ -108,7 +108,7 @@ TEST_F(DeviceViewTest, RowTellsProtocolsNetworkAndLastAnswer) {
     EXPECT_EQ("hall;;", Shown(Column::kName));
 }
 
-TEST_F(DeviceViewTest, CsvCellsAreNoFormulas) {
+TEST_F(DeviceViewTest, CsvCellsAreNeverFormulas) {
     Hear("10.77.1.20", "=1+\"2\"");
     const std::array<std::string, kColumnCount> headings = {"Name"};
     const std::string document = CsvOf(view_, headings);

@@ -5,7 +5,7 @@
 namespace vndiscover::host {
 namespace {
 
-TEST(JsonRequests, LoseTheirBlanksAndHaveALimit) {
+TEST(JsonRequests, AreCompactedAndLimited) {
     std::string problem;
     EXPECT_EQ(RequestFor(".1.3.6"), PrepareRequest(RequestFor(".1.3.6"), problem));
     EXPECT_EQ("{\"GET\":{\".1.3 x\":\"\"}}",

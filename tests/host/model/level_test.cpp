@@ -1,4 +1,4 @@
-// The levels that printers in the field send (RFC 3805, prtMarkerSuppliesLevel).
+// Levels that real printers send (RFC 3805, prtMarkerSuppliesLevel).
 #include "model/level.h"
 
 #include <gtest/gtest.h>
@@ -37,7 +37,7 @@ TEST(Levels, AreSignedAndNeverMoreThanFull) {
         {{40, 50, "percent", true}, 40, "40 %"},
         {{120, 100, "percent", true}, 100, "100 % (the device says 120 %)"},
         {{-3, 100, "percent", true}, {}, "some left"},
-        // A receptacle's level is what still fits in.
+        // A receptacle's level is its remaining capacity.
         {{80, 100, "percent", true, true}, 80, "room left: 80 %"},
         {{-3, -2, "", false, true}, {}, "room left: some"},
         {{0, 30000, pages, false, true}, 0, "room left: 0 % (0 of 30000 impressions)"}};

@@ -1,4 +1,4 @@
-// What a printer's variables mean where field tools get it wrong.
+// The meaning of a printer's variables in cases that tools often get wrong.
 #include "model/printer_facts.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ constexpr char kPrinterType[] = ".1.3.6.1.2.1.25.3.1.5";
 
 PrinterFacts Facts(ScriptedDevice& device) { return FactsOf(ReadPrinter(device.MakeAsker())); }
 
-TEST(PrinterFacts, BelongToThePrinterAmongTheDevices) {
+TEST(PrinterFacts, AreThoseOfThePrinterAmongTheDevices) {
     ScriptedDevice device;
     device.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");  // a processor
     device.Object("hrDeviceType.4", kPrinterType);
@@ -31,7 +31,7 @@ TEST(PrinterFacts, BelongToThePrinterAmongTheDevices) {
     EXPECT_EQ("Tray 1", facts.trays[0].name);
 }
 
-TEST(PrinterFacts, ComeFromTablesThatListNoPrinter) {
+TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
     ScriptedDevice device;
     EXPECT_FALSE(Facts(device).deviceIndex);
     device.Integer("prtMarkerSuppliesLevel.7.1", -3);
@@ -41,7 +41,7 @@ TEST(PrinterFacts, ComeFromTablesThatListNoPrinter) {
     EXPECT_EQ("some left", LevelText(facts.supplies[0].level));
 }
 
-TEST(PrinterFacts, FallBackWhereThePrinterSaysNothing) {
+TEST(PrinterFacts, FallBackIfThePrinterGivesNothing) {
     ScriptedDevice device;
     device.Object("hrDeviceType.1", kPrinterType);
     device.Text("sysDescr.0", "VN InkLine 70");
@@ -56,14 +56,14 @@ TEST(PrinterFacts, FallBackWhereThePrinterSaysNothing) {
     EXPECT_EQ("VN70", facts.serialNumber);
 }
 
-TEST(PrinterFacts, HaveTheDevicesCharacterSet) {
+TEST(PrinterFacts, UseTheDevicesCharacterSet) {
     const std::tuple<int, const char*, const char*> rows[] = {
         {4, "B\xFCro", "B\xC3\xBCro"},
         {4, "B\xC3\xBCro", "B\xC3\x83\xC2\xBCro"},
         {106, "B\xC3\xBCro", "B\xC3\xBCro"},
-        {106, "B\xFCro", "B\xC3\xBCro"},  // it is not what it says
+        {106, "B\xFCro", "B\xC3\xBCro"},  // not in the character set that it names
         {3, "a\x1B", "a\xEF\xBF\xBD"},
-        {2252, "\xC3\xBC\xFC", "\xC3\x83\xC2\xBC\xC3\xBC"}};  // as a whole no UTF-8
+        {2252, "\xC3\xBC\xFC", "\xC3\x83\xC2\xBC\xC3\xBC"}};  // not UTF-8 throughout
     for (const auto& [set, text, shown] : rows) {
         ScriptedDevice device;
         device.Object("hrDeviceType.2", kPrinterType);
@@ -86,7 +86,7 @@ TEST(PrinterFacts, SuppliesHaveColoursAndKinds) {
     device.Integer("prtMarkerSuppliesSupplyUnit.1.1", 13);
     device.Integer("prtMarkerSuppliesLevel.1.1", 30);
     device.Integer("prtMarkerSuppliesMaxCapacity.1.1", -2);
-    device.Integer("prtMarkerSuppliesType.1.2", 99);  // has no word, and no level came
+    device.Integer("prtMarkerSuppliesType.1.2", 99);  // without a word or a level
     device.Text("prtMarkerSuppliesLevel.1.2", "x");
     device.Integer("prtMarkerSuppliesLevel.1.3", 5);
     device.Integer("prtMarkerSuppliesSupplyUnit.1.3", 2);
@@ -100,7 +100,7 @@ TEST(PrinterFacts, SuppliesHaveColoursAndKinds) {
     EXPECT_EQ("5, maximum unknown", LevelText(facts.supplies[2].level)) << "the unit is unknown";
 }
 
-TEST(PrinterFacts, TakeTheAddressOfANetworkThatIsUp) {
+TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {
     ScriptedDevice device;
     const std::string mac[] = {
         {"\0\0\0\0\0\0", 6}, "AAAAAA", "BBBBBB", {"\x3C\x2A\xF4\0\xF5\x1B", 6}};

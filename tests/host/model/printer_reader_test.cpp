@@ -1,4 +1,4 @@
-// How much a device that does not behave may cost.
+// Limits on what a misbehaving device can cost.
 #include "model/printer_reader.h"
 
 #include <gtest/gtest.h>
@@ -42,7 +42,7 @@ TEST(PrinterReader, ReadsTheRowsOfThePrinter) {
     EXPECT_LT(device.requests, 45u);
 }
 
-TEST(PrinterReader, AsksASilentOrRefusingDeviceNoFurther) {
+TEST(PrinterReader, StopsIfTheDeviceIsSilentOrRefuses) {
     for (const Status status :
          {Status::kNoAnswer, Status::kRefused, Status::kSendFailed, Status::kOnlyDiscovered}) {
         ScriptedDevice device = Printer();
@@ -63,8 +63,8 @@ TEST(PrinterReader, AsksASilentOrRefusingDeviceNoFurther) {
     EXPECT_EQ(4u, answers.gaps.size()) << "trays, alerts, panel, MAC address, each once";
 }
 
-// It looks like an answer that is too long: the next request tells.
-TEST(PrinterReader, AsksOnceMoreWhereOnlyTheEngineAnswers) {
+// This may be an answer that is too long; the next request shows.
+TEST(PrinterReader, ContinuesOnceIfOnlyTheEngineAnswers) {
     ScriptedDevice device = Printer();
     device.failure = [&](const Oid&) {
         return device.requests > 10 ? Status::kOnlyDiscovered : Status::kAnswered;
@@ -73,13 +73,13 @@ TEST(PrinterReader, AsksOnceMoreWhereOnlyTheEngineAnswers) {
     EXPECT_EQ(12u, device.requests);
 }
 
-TEST(PrinterReader, StepsOverARowThatCannotBeRead) {
+TEST(PrinterReader, SkipsAnUnreadableRow) {
     ScriptedDevice device = Printer();
     for (const char* row : {".3.1", ".3.2", ".3.4"}) {
         device.Integer((std::string("prtAlertCode") + row).c_str(), 8);
         device.Text((std::string("prtAlertDescription") + row).c_str(), "jam");
     }
-    device.failure = [&](const Oid& asked) {  // the answers that rows 1 and 2 would have
+    device.failure = [&](const Oid& asked) {  // for rows 1 and 2
         const std::string name = NameText(asked);
         const bool isLong = name == "prtAlertDescription" || name == "prtAlertDescription.3.1";
         return isLong ? Status::kUnreadable : Status::kAnswered;
@@ -91,7 +91,7 @@ TEST(PrinterReader, StepsOverARowThatCannotBeRead) {
     EXPECT_TRUE(answers.values.count(*ParseOidOrName("prtAlertDescription.3.4")));
 }
 
-TEST(PrinterReader, LosesOneColumnToAnAnswerThatCannotBeRead) {
+TEST(PrinterReader, LosesOneColumnToAnUnreadableAnswer) {
     for (const Status status : {Status::kUnreadable, Status::kOnlyDiscovered}) {
         ScriptedDevice device = Printer();
         device.failure = [&](const Oid& asked) {
@@ -105,7 +105,7 @@ TEST(PrinterReader, LosesOneColumnToAnAnswerThatCannotBeRead) {
     }
 }
 
-TEST(PrinterReader, IsNotHeldByEndlessTables) {
+TEST(PrinterReader, EndlessTablesAreCut) {
     ScriptedDevice endless = Printer();
     for (int row = 1; row < 1000; ++row)
         endless.Integer(("ifType." + std::to_string(row)).c_str(), 6);
@@ -120,7 +120,7 @@ TEST(PrinterReader, IsNotHeldByEndlessTables) {
     EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "OID not increasing"));
 }
 
-TEST(PrinterReader, StopsWhenItsCallerSaysSo) {
+TEST(PrinterReader, StopsWhenTheCallerAsks) {
     ScriptedDevice device = Printer();
     Asker asker = device.MakeAsker();
     asker.mayGoOn = [&] { return device.requests < 7; };

@@ -1,4 +1,4 @@
-// Scans: devices made of answers, files of them, and what has changed between two.
+// Scans: merging answers into devices, saving to files, and comparing two.
 #include "model/scan_file.h"
 
 #include <gmock/gmock.h>
@@ -31,7 +31,7 @@ struct ScanOf {
         scan.answers.push_back({scan.sweeps.size() - 1, kTime, address, std::move(bytes),
                                 oid.value_or(Oid()), oid ? type : 0, oid ? size : 0});
     }
-    // What a sweep that saves asks a printer for.
+    // The variables that a saved sweep reads from a printer.
     void AddPrinter(const char* address, const std::string& serial, const std::string& mac,
                     const std::string& name = "") {
         Add(address, EncodeOid(*ParseOid(".1.3.6.1.2.1.25.3.1.5")), "hrDeviceType.5",
@@ -72,7 +72,7 @@ std::string Groups(const Scan& scan) {
 const std::string kMac("\x3C\x2A\xF4\x00\xF5\x1B", 6);
 const std::string kOtherMac("\x3C\x2A\xF4\x00\xF5\x1C", 6);
 
-TEST(DeviceMerge, TakesTheStrongestKeyAndKeepsTheReason) {
+TEST(DeviceMerge, UsesTheStrongestKeyAndKeepsTheReason) {
     ScanOf one = Variables();
     one.Add("10.0.0.1", "S1", "prtGeneralSerialNumber.1");
     one.Add("10.0.0.2", "S1", "prtGeneralSerialNumber.1");
@@ -96,18 +96,18 @@ TEST(DeviceMerge, TakesTheStrongestKeyAndKeepsTheReason) {
                 ElementsAre("10.0.0.3", "10.0.0.4", "10.0.0.5"));
 }
 
-TEST(DeviceMerge, KeepsApartWhatAStrongerKeyTellsApart) {
+TEST(DeviceMerge, StrongerKeysSeparateDevices) {
     ScanOf one = Variables();
     one.Add("10.0.0.1", "S1", "prtGeneralSerialNumber.1");
     one.Add("10.0.0.1", kMac, "ifPhysAddress.1");
-    one.Add("10.0.0.2", "S2", "prtGeneralSerialNumber.1");  // behind the same print server
+    one.Add("10.0.0.2", "S2", "prtGeneralSerialNumber.1");  // on the same print server
     one.Add("10.0.0.2", kMac, "ifPhysAddress.1");
     one.Begin(SweepKind::kSnmpV1, AnswerForm::kVariable);
-    one.Add("10.0.0.1", "S2", "prtGeneralSerialNumber.1");  // the address was given anew
+    one.Add("10.0.0.1", "S2", "prtGeneralSerialNumber.1");  // the address was reassigned
     EXPECT_EQ("0 1|2 3 4", Groups(one.scan));
 }
 
-TEST(DeviceMerge, TakesNoPlaceholderForASerialNumberOrAMac) {
+TEST(DeviceMerge, IgnoresPlaceholdersOfSerialNumbersAndMacs) {
     for (const std::string serial : {"", " ", "XXXXXXXX", "xxxx", "00000000", "0000-XXXX"}) {
         ScanOf one = Variables();
         for (const char* address : {"10.0.0.1", "10.0.0.2"})
@@ -122,7 +122,7 @@ TEST(DeviceMerge, TakesNoPlaceholderForASerialNumberOrAMac) {
     }
 }
 
-TEST(DeviceMerge, IsUndoneByASplit) {
+TEST(DeviceMerge, SplitsUndoIt) {
     ScanOf one = Variables();
     DeviceMaker maker;
     one.AddPrinter("10.0.0.1", "S1", kMac);  // 0 to 2
@@ -138,7 +138,7 @@ TEST(DeviceMerge, IsUndoneByASplit) {
     EXPECT_EQ("0 1 2|3 4 5 8 9|6 7", Groups(one.scan));
 }
 
-TEST(DeviceMerge, UnderstandsEveryForm) {
+TEST(DeviceMerge, ReadsEveryForm) {
     ScanOf one;
     one.Begin(SweepKind::kSnmpV1, AnswerForm::kValue, kDefaultDiscoveryOid);
     one.Add("10.0.0.1", "VN LaserPro 410");
@@ -196,7 +196,7 @@ constexpr char kGood[] = R"({"format":"vndiscover-scan","version":1,
 "splits":[[0,1]]
 })";
 
-TEST(ScanFile, IsRefusedWithLineAndReason) {
+TEST(ScanFile, RefusalsNameLineAndReason) {
     std::string problem;
     ASSERT_TRUE(ReadScan(kGood, problem)) << problem;
     struct Case {
@@ -237,7 +237,7 @@ TEST(ScanFile, IsRefusedWithLineAndReason) {
     EXPECT_EQ("line 5: the answer is too long", problem);
 }
 
-TEST(ScanFile, OfAnyLengthButTheWholeIsRefused) {
+TEST(ScanFile, EveryPrefixIsRefused) {
     const std::string good = kGood;
     std::string problem;
     for (size_t size = 0; size < good.size(); ++size)

@@ -1,4 +1,4 @@
-// A device of the tests: a table of variables that answers as an SNMPv1 agent does.
+// A device for tests: a table of variables that answers like an SNMPv1 agent.
 #ifndef VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H
 #define VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H
 
@@ -15,7 +15,7 @@ namespace vndiscover::host {
 
 struct ScriptedDevice {
     std::map<Oid, std::pair<uint32_t, std::string>> variables;
-    // What happens to a request instead; empty or kAnswered: nothing.
+    // The failure of a request, if any; empty or kAnswered means none.
     std::function<Status(const Oid&)> failure;
     size_t requests = 0;
 

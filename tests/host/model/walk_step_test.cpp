@@ -8,7 +8,7 @@
 namespace vndiscover::host {
 namespace {
 
-TEST(Walk, EndsWhereItMustAndNeverLoops) {
+TEST(Walk, EndsWithTheSubtreeAndNeverLoops) {
     const Oid root = {1, 3, 6, 1, 2, 1};
     const Oid asked = {1, 3, 6, 1, 2, 1, 1, 1, 0};
     const Oid next = {1, 3, 6, 1, 2, 1, 1, 2, 0};
@@ -28,7 +28,7 @@ TEST(Walk, EndsWhereItMustAndNeverLoops) {
     }
 }
 
-// The counters of RFC 3412 to 3414: .11.2.1 and .12.1 come from agents that know contexts.
+// The counters of RFC 3412 to 3414; .11.2.1 and .12.1 come from agents that use contexts.
 TEST(Refusals, AreReportsAndNotTheCountersThemselves) {
     const Oid asked = {1, 3, 6, 1, 2, 1, 1, 1, 0};
     const Oid wrongDigest = {1, 3, 6, 1, 6, 3, 15, 1, 1, 5, 0};

@@ -1,4 +1,4 @@
-// Names, OIDs and words as RFC 2790 and RFC 3805 have them.
+// Names, OIDs and words from RFC 2790 and RFC 3805.
 #include "values/object_names.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 namespace vndiscover::host {
 namespace {
 
-TEST(ObjectNames, GoBothWays) {
+TEST(ObjectNames, ConvertBothWays) {
     const std::pair<const char*, const char*> rows[] = {
         {"sysDescr.0", ".1.3.6.1.2.1.1.1.0"},
         {"hrPrinterStatus.1", ".1.3.6.1.2.1.25.3.5.1.1.1"},
@@ -26,7 +26,7 @@ TEST(ObjectNames, GoBothWays) {
     for (const char* text :
          {"", ".", "sysDesc.0", "sysDescr.", "sysDescr..0", "sysDescr.x", "sysDescr0"})
         EXPECT_FALSE(ParseOidOrName(text)) << text;
-    // Between two objects, before all and after all.
+    // Between two objects, before the first and after the last.
     for (const char* oid : {".1.3.6.1.2.1.2.2.1.11.1", ".1.3", ".2.5"})
         EXPECT_EQ(oid, NameText(*ParseOid(oid)));
 }

@@ -1,4 +1,4 @@
-// OIDs as people write them and as BER holds them (octets from ITU-T X.690, 8.19, and RFC 1213).
+// OIDs as dotted text and in BER (octets from ITU-T X.690, 8.19, and RFC 1213).
 #include "values/oid_text.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@ namespace {
 
 using Octets = std::string;
 
-TEST(OidOctets, GoBothWays) {
+TEST(OidOctets, ConvertBothWays) {
     const std::pair<Oid, Octets> rows[] = {
         {{1, 3, 6, 1, 2, 1, 1, 1, 0}, {0x2B, 6, 1, 2, 1, 1, 1, 0}},  // sysDescr.0
         {{2, 999, 3}, {'\x88', 0x37, 3}},                            // the standard's example
@@ -25,7 +25,7 @@ TEST(OidOctets, GoBothWays) {
     }
 }
 
-TEST(OidOctets, ThatAreNoOidAreRefused) {
+TEST(OidOctets, MalformedOnesAreRefused) {
     for (const Octets& octets : {Octets(), Octets({0x2B, 6, '\x81'}),                // cut
                                  Octets({0x2B, '\x90', '\x80', '\x80', '\x80', 0}),  // 2^32
                                  Octets({'\x90', '\x80', '\x80', '\x80', 0x50, 1}),  // 2.(2^32)
@@ -34,7 +34,7 @@ TEST(OidOctets, ThatAreNoOidAreRefused) {
     }
 }
 
-TEST(OidText, IsNumericWithOrWithoutTheLeadingDot) {
+TEST(OidText, IsNumericWithOptionalLeadingDot) {
     EXPECT_EQ((Oid{1, 3, 6}), ParseOid("1.3.6"));
     EXPECT_EQ((Oid{1}), ParseOid(".1"));
     for (const char* text : {"", ".", "..1.3", "1..3", "1.3.", "sysDescr.0", "1.3.-6", "1.3. 6",
@@ -44,7 +44,7 @@ TEST(OidText, IsNumericWithOrWithoutTheLeadingDot) {
     EXPECT_FALSE(ParseOid(OidToText(Oid(129, 1))));
 }
 
-TEST(OidRequests, HaveTwoByteArcsAndALimit) {
+TEST(OidRequests, ArcsTakeTwoBytesAtMostAndLengthIsLimited) {
     for (const Oid& oid : {Oid{1, 3, 16383}, Oid{2, 47}, Oid{1}}) EXPECT_FALSE(IsMisencoded(oid));
     for (const Oid& oid : {Oid{1, 3, 6, 16384, 1}, Oid{2, 48}}) EXPECT_TRUE(IsMisencoded(oid));
     EXPECT_FALSE(FitsRequest({1}));

@@ -8,8 +8,8 @@ namespace {
 
 std::string Bytes(std::initializer_list<int> bytes) { return {bytes.begin(), bytes.end()}; }
 
-// The word of the command line, the text, the tag, and the shortest content for both.
-TEST(Values, GoBothWays) {
+// The word on the command line, the text, the tag, and the shortest content.
+TEST(Values, ConvertBothWays) {
     const std::string longest(126, 'x');
     const std::tuple<const char*, std::string, uint32_t, std::string> rows[] = {
         {"integer", "0", kInteger, Bytes({0})},
@@ -52,13 +52,13 @@ TEST(ShownValues, FollowTheType) {
     for (const auto& [type, bytes, shown] : rows) EXPECT_EQ(shown, FormatValue(type, bytes));
 }
 
-TEST(LongValues, AreNotShownWithTheirLengthByte) {
+TEST(LongValues, AreShownWithoutTheirLengthByte) {
     const std::string text(128, 'x');
     const std::tuple<std::string, size_t, size_t> rows[] = {
         {Bytes({0xAF}) + text, 128, 0xAF},
         {Bytes({0x80}) + text, 128, 128},
         {text.substr(1), 127, 127},
-        {"x" + text, 129, 129}};  // no such length: as it came
+        {"x" + text, 129, 129}};  // no such length: unchanged
     for (const auto& [bytes, shown, whole] : rows) {
         const Content content = ContentOf(kOctetString, bytes);
         EXPECT_EQ(bytes.substr(bytes.size() - shown), content.bytes);
@@ -66,7 +66,7 @@ TEST(LongValues, AreNotShownWithTheirLengthByte) {
     }
 }
 
-TEST(SetValues, TakeOtherSpellings) {
+TEST(SetValues, AcceptOtherSpellings) {
     std::string problem;
     EXPECT_EQ(Bytes({0, 0x1B, 0x4C, 0xFF}), ParseSetValue("x", "0x00 1b:4C-ff", problem)->bytes);
     EXPECT_EQ("", ParseSetValue("s", "", problem)->bytes);
@@ -74,7 +74,7 @@ TEST(SetValues, TakeOtherSpellings) {
     EXPECT_EQ(uint32_t{kNull}, ParseSetValue("null", "", problem)->type);
 }
 
-TEST(SetValuesThatAreNone, AreRefusedWithAReason) {
+TEST(SetValues, MalformedOnesAreRefusedWithAReason) {
     const std::pair<const char*, std::vector<std::string>> rows[] = {
         {"s", {std::string(127, 'x')}},
         {"i", {"2147483648", "-2147483649", "", "1x", "-"}},
@@ -83,7 +83,7 @@ TEST(SetValuesThatAreNone, AreRefusedWithAReason) {
         {"a", {"10.0.0", "10.0.0.256", "10.0.0.0.1", "10..0.1"}},
         {"o", {"1", "name"}},
         {"n", {"x"}},
-        {"z", {"1"}},  // and words that are no type
+        {"z", {"1"}},  // and an unknown type
         {"", {"1"}},
         {"int", {"1"}}};
     for (const auto& [type, texts] : rows) {

@@ -1,4 +1,4 @@
-// WS-Discovery as real responders speak it, and as hostile ones may.
+// WS-Discovery messages of real and of hostile responders.
 #include "wsd/wsd_message.h"
 
 #include <gtest/gtest.h>
@@ -27,8 +27,8 @@ constexpr char kMatch[] =
     "p:PrintDeviceType "
     "x:Fax\n</d:Types><d:XAddrs>http://10.0.0.1:80/a http://[fe80::1]/b</d:XAddrs>";
 
-// '#' stands for U+FFFD, which takes the place of control characters.
-TEST(MatchLists, ShowEachDeviceOnceByNamespaceNotByPrefix) {
+// '#' is written for U+FFFD, which replaces control characters.
+TEST(MatchLists, ShowEachDeviceOnceAndTypesByNamespace) {
     MatchList list;
     EXPECT_EQ("", list.Table());
     EXPECT_EQ("[]\n", list.Json());
@@ -61,15 +61,15 @@ fe80::2          wprt:PrintDeviceType {urn:x}Fax
                                    R"("replies":2},)"));
 }
 
-TEST(ProbeMatches, ThatAreNotWellFormedAreNotRead) {
+TEST(ProbeMatches, MalformedRepliesGiveNoMatches) {
     const std::string whole = Reply(kVersion11, kMatch);
     for (size_t size = 0; size < whole.size(); ++size) {
-        // In a block of exactly that size, so that a sanitizer sees a read behind its end.
+        // In a block of exactly that size, so that a sanitizer finds reads past its end.
         const std::unique_ptr<char[]> block(new char[size]);
         whole.copy(block.get(), size);
         EXPECT_TRUE(ReadProbeMatches({block.get(), size}).empty()) << size;
     }
-    // Nesting as deep as a datagram allows, entities, markup that is none.
+    // The deepest nesting that fits a datagram, entities, invalid markup.
     std::string nested;
     while (nested.size() < 2045) nested += "<a>";
     for (const std::string& text :

@@ -1,4 +1,4 @@
-// The BER primitives against ITU-T X.690 and the system's own rules, and OIDs from text.
+// BER primitives by ITU-T X.690 and by the module's own rules, and OIDs from text.
 #include <gtest/gtest.h>
 
 #include "helpers/log_capture.h"
@@ -11,7 +11,7 @@
 namespace vndiscover {
 namespace {
 
-TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
+TEST(Asn, LengthsUseTheShortestFormAndReadInAny) {
     const int32_t lengths[] = {0, 127, 128, 255, 256, 65536, INT32_MAX};
     ByteBuffer out;
     for (const int32_t length : lengths) AsnAppendLength(out, length);
@@ -20,7 +20,7 @@ TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
     for (const int32_t length : lengths) {
         EXPECT_EQ(static_cast<uint32_t>(length), AsnReadLength(out, cursor));
     }
-    // The indefinite form is no length, and of more than four bytes the last four count.
+    // The indefinite form reads as 0, and only the last four bytes count.
     const ByteBuffer other = ToBuffer(Hex("80 85 11 22 33 44 55"));
     cursor = 0;
     EXPECT_EQ(0u, AsnReadLength(other, cursor));
@@ -34,7 +34,7 @@ TEST(Asn, LengthsTakeTheShortestFormAndAreReadInAny) {
     EXPECT_EQ("ERROR: asnLength is 0\n", log.Text());
 }
 
-TEST(Asn, IntegersTakeTheShortestFormAndReadBack) {
+TEST(Asn, IntegersUseTheShortestFormAndReadBack) {
     const int32_t values[] = {0,  127, 128,  256,  65408, INT32_MAX,
                               -1, -2,  -128, -129, -256,  INT32_MIN};
     ByteBuffer out;
@@ -50,17 +50,17 @@ TEST(Asn, IntegersTakeTheShortestFormAndReadBack) {
     }
 }
 
-// What our encoder never writes.
-TEST(Asn, IntegersOfOtherFormsAreReadByRulesOfTheirOwn) {
+// Forms that our encoder never writes.
+TEST(Asn, OtherFormsOfIntegersReadByTheModulesRules) {
     const std::pair<Bytes, int32_t> rows[] = {
         {{2, 5, 0x00, 0xFF, 0xFF, 0xFF, 0xFF}, -1},  // an unsigned value from 2^31 on
         {{2, 5, 0x01, 0x00, 0x00, 0x00, 0x02}, 2},   // the high byte is shifted out
         {{2, 3, 0x80, 0xFF, 0x80}, -128},            // the leading 80 is skipped
-        {{2, 3, 0x80, 0xFF, 0x7F}, -0x7F0081},       // it is not
+        {{2, 3, 0x80, 0xFF, 0x7F}, -0x7F0081},       // it is not skipped
         {{2, 2, 0x80, 0xFF}, -0x7F01},
         {{0x41, 2, 0x01, 0x00}, 256},  // any tag
         {{2, 0}, 0},
-        {{2, 0, 0x80}, -1},  // the sign of the byte behind
+        {{2, 0, 0x80}, -1},  // the sign of the byte after it
         {{2, 0x81, 1, 5}, 5}};
     for (const auto& [bytes, expected] : rows) {
         int32_t value = 99;
@@ -69,7 +69,7 @@ TEST(Asn, IntegersOfOtherFormsAreReadByRulesOfTheirOwn) {
     }
 }
 
-TEST(Asn, OctetStringsOfNothingAreEmpty) {
+TEST(Asn, OctetStringsWithoutBytesAreEmpty) {
     const uint8_t bytes[] = {1, 2, 3};
     ByteBuffer out;
     AsnAppendOctetString(nullptr, 5, out);
@@ -83,7 +83,7 @@ TEST(Asn, OctetStringsOfNothingAreEmpty) {
     EXPECT_EQ(Hex("010203"), ToBytes(read));
 }
 
-TEST(Asn, EveryShortOrWrongValueIsOneDecodeError) {
+TEST(Asn, ShortAndWrongValuesAreDecodeErrors) {
     int32_t value = 0;
     for (const char* bytes : {"", "02", "02 01", "02 04 01 02 03", "02 06 01 02 03 04 05 06",
                               "02 82 00", "02 84 FF FF FF FF 01"}) {
@@ -96,7 +96,7 @@ TEST(Asn, EveryShortOrWrongValueIsOneDecodeError) {
     }
 }
 
-TEST(Asn, BuffersAreDumpedAsOneWideLine) {
+TEST(Asn, BufferDumpIsOneWideLine) {
     UnitLog log;
     ByteBuffer().HexDump();
     ToBuffer(Hex("00 a5 ff")).HexDump();
@@ -112,21 +112,21 @@ Bytes ContentOf(const std::string& text) {
     return Bytes(oid.content, oid.content + oid.length);
 }
 
-TEST(OidText, IsEncodedWithinItsLimits) {
+TEST(OidText, EncodesWithinItsLimits) {
     EXPECT_EQ(Hex("2b 7f 81 00 ff 7f"), ContentOf("1.3.127.128.16383"));
     EXPECT_EQ(Hex("28 05"), ContentOf("1.256.5"));                   // the first byte wraps
     EXPECT_EQ(Hex("2b 80 00 81 01"), ContentOf("1.3.16384.32897"));  // high bits are lost
     EXPECT_EQ(Hex("2b 06"), ContentOf("1..3. .6"));                  // empty pieces are ignored
-    EXPECT_EQ(Bytes(), ContentOf(".1"));                             // an arc alone is not written
+    EXPECT_EQ(Bytes(), ContentOf(".1"));                             // a single arc is not encoded
     EXPECT_EQ(Hex("00 00"), ContentOf("x.y.z"));                     // as atoi reads them
     EXPECT_EQ(255u, ContentOf(LongOid(255)).size());
     OidValue oid;
-    EXPECT_EQ(256, ParseOidText(oid, LongOid(256).c_str()));  // told, for the caller to refuse
+    EXPECT_EQ(256, ParseOidText(oid, LongOid(256).c_str()));  // so that the caller can refuse it
     EXPECT_EQ(0, oid.length);
     EXPECT_EQ(0, ParseOidText(oid, nullptr));
 }
 
-TEST(OidText, LogsACountOfItsOwnAndTheContent) {
+TEST(OidText, LogsItsOwnCountAndTheContent) {
     UnitLog log;
     for (const char* text : {".1.3.6.1.4.1.5963", "", "1.256.127.128"}) ContentOf(text);
     EXPECT_EQ(
@@ -139,7 +139,7 @@ TEST(OidText, LogsACountOfItsOwnAndTheContent) {
 TEST(TextTokenizer, SplitsAtAnyDelimiter) {
     EXPECT_EQ((Pieces{"a", "b", "c"}), SplitText("a,b;c", ",;"));
     EXPECT_EQ((Pieces{"a", "", "", "b"}), SplitText("a,, \t,b", ","));
-    EXPECT_EQ(Pieces{"a"}, SplitText(" \t,a, \r\n", ","));  // none before the first, after the last
+    EXPECT_EQ(Pieces{"a"}, SplitText(" \t,a, \r\n", ","));  // blanks at the ends are dropped
     EXPECT_EQ((Pieces{"a b", "c", "d"}), SplitText("  a b\t,\"c\",'\"d\"'\n", ","));
     EXPECT_EQ((Pieces{"a,b", "it's", "open, to the end"}),
               SplitText("'a,b',\"it's\",'open, to the end", ","));

@@ -1,4 +1,4 @@
-// The structured PDU codec and the bindings it carries; SNMPv1 messages built and parsed.
+// The PDU codec and its bindings; building and parsing of SNMPv1 messages.
 #include "snmp/codec/snmp_message.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ Bytes PduTlv(const Bytes& bindings) {
     return Tlv(0xA2, Hex("02 02 01 01 02 01 02 02 01 01") + Tlv(0x30, bindings));
 }
 
-TEST(VarBind, HoldsNoMoreThanItsFields) {
+TEST(VarBind, RefusesWhatExceedsItsFields) {
     OidValue name = Name();
     const Bytes content(127, 'v');
     VarBindRecord binding = {};
@@ -55,7 +55,7 @@ TEST(VarBind, HoldsNoMoreThanItsFields) {
     EXPECT_EQ(0, binding.seqTag) << "left alone";
 }
 
-TEST(VarBind, HeaderCopiesLeaveTheValueAlone) {
+TEST(VarBind, CopiedHeaderLeavesTheValueAlone) {
     VarBindRecord copy = {};
     CopyVarBindHeader(Binding(kTagOctetString, TextBytes("ab")), copy);
     const auto* bytes = reinterpret_cast<const uint8_t*>(&copy);
@@ -83,14 +83,14 @@ TEST(Pdu, EncodesWithFullLengthsAndItsOwnRequestId) {
     PduRecord pdu;
     VarBindRecord bindings[] = {Binding(kTagNull, {}), Binding(kTagOctetString, Bytes(126, 'v'))};
     SetVarBindList(bindings, 2, pdu.bindings);
-    ByteBuffer out = ToBuffer({0x55});  // what was there stays
+    ByteBuffer out = ToBuffer({0x55});  // remains
     EXPECT_TRUE(EncodePdu(pdu, out));
     const Bytes list = Tlv(0x30, Tlv(0x06, kOid) + Hex("05 00")) + TextBinding(Bytes(126, 'v'));
     EXPECT_EQ(Bytes{0x55} + Tlv(0xA0, Hex("02 02 01 01 02 01 00 02 01 00") + Tlv(0x30, list)),
               ToBytes(out));
 }
 
-TEST(Pdu, RefusesToSendBeyondARecordsFields) {
+TEST(Pdu, RefusesToEncodeLengthsBeyondTheFields) {
     for (uint8_t VarBindRecord::*length :
          {&VarBindRecord::nameLength, &VarBindRecord::valueLength}) {
         PduRecord pdu;
@@ -106,7 +106,7 @@ TEST(Pdu, RefusesToSendBeyondARecordsFields) {
 TEST(Pdu, DecodesEveryBindingInOrder) {
     const Bytes datagram =
         Bytes{0x55} +
-        PduTlv(TextBinding("one") + Hex("30 06 05 01 09 02 01 02")) +  // the name is no OID
+        PduTlv(TextBinding("one") + Hex("30 06 05 01 09 02 01 02")) +  // the name is not an OID
         Bytes{0x66};
     PduRecord pdu;
     EXPECT_EQ(datagram.size() - 1, DecodePdu(pdu, ToBuffer(datagram), 1));
@@ -120,7 +120,7 @@ TEST(Pdu, DecodesEveryBindingInOrder) {
     EXPECT_EQ(0, std::memcmp(expected, pdu.bindings.bindings, sizeof expected));
 }
 
-TEST(Pdu, RefusesABindingThatDoesNotFitAndEveryPrefix) {
+TEST(Pdu, RefusesBindingsThatDoNotFitAndEveryPrefix) {
     PduRecord pdu;
     const auto decode = [&](const Bytes& name, const Bytes& value) {
         DecodePdu(pdu, ToBuffer(PduTlv(TextBinding("one") + TextBinding(value, name))), 0);
@@ -146,7 +146,7 @@ Bytes BuildWith(std::vector<VarBindRecord> bindings, const char* community, uint
     return Prefix(out, static_cast<size_t>(length));
 }
 
-TEST(BuildSnmpMessageTest, RefusesWhatItCannotBuildAndLetsLengthsWrap) {
+TEST(BuildSnmpMessageTest, RefusesBadInputAndLetsLengthsWrap) {
     const VarBindRecord binding = Binding(kTagNull, {});
     for (const uint8_t type : Bytes{0x9F, 0xA4})
         EXPECT_EQ(Bytes(), BuildWith({binding}, "c", type));
@@ -201,7 +201,7 @@ TEST(ByteBufferTest, IsWipedBeforeItsBlockIsGivenBack) {
 }
 #endif
 
-// An SNMPv1 answer as agents send it.
+// An SNMPv1 answer.
 Bytes Answer(const Bytes& bindings, const Bytes& requestId = {1}, uint8_t pduTag = 0xA2) {
     return Tlv(0x30, Hex("02 01 00") + Tlv(0x04, TextBytes("sesame")) +
                          Tlv(pduTag, Tlv(0x02, requestId) + Hex("02 01 00 02 01 00") +
@@ -217,7 +217,7 @@ class ParseTest : public testing::Test {
     ResponseRecord record = {};
 };
 
-TEST_F(ParseTest, OfSeveralBindingsTheLastStays) {
+TEST_F(ParseTest, LastOfSeveralBindingsRemains) {
     std::memset(record.name, 9, sizeof record.name);
     std::memset(record.value, 9, sizeof record.value);
     EXPECT_EQ(2, Parse(Answer(TextBinding("a longer one") + TextBinding("b"))));
@@ -229,7 +229,7 @@ TEST_F(ParseTest, OfSeveralBindingsTheLastStays) {
     EXPECT_EQ(kOid + Bytes(120, 0), Bytes(record.name, record.name + kNameSize));
 }
 
-// Positions count from the datagram's start, the length from behind itself.
+// Positions count from the start of the datagram, the length from after itself.
 TEST_F(ParseTest, ReadsBindingsThatBeginBelowTheMessageLength) {
     const Bytes first = TextBinding("a"), second = TextBinding("b");
     Bytes answer = Answer(first + second);
@@ -242,7 +242,7 @@ TEST_F(ParseTest, ReadsBindingsThatBeginBelowTheMessageLength) {
     }
 }
 
-TEST_F(ParseTest, WhatAPrefixLacksReadsAsZeros) {
+TEST_F(ParseTest, MissingBytesOfAPrefixReadAsZeros) {
     const std::string value = "value";
     const Bytes whole = Answer(TextBinding(value.c_str()));
     const size_t nameAt = whole.size() - TextBinding(value.c_str()).size() + 2;
@@ -253,7 +253,7 @@ TEST_F(ParseTest, WhatAPrefixLacksReadsAsZeros) {
     }
 }
 
-TEST_F(ParseTest, ReadsLongLengthsOnlyAsTwoBytesWithAHighZero) {
+TEST_F(ParseTest, ReadsNoLongLengthsExcept8200nn) {
     const auto inLongForm = [](uint8_t tag, const Bytes& content) {
         return Bytes{tag, 0x82, 0, static_cast<uint8_t>(content.size())} + content;
     };
@@ -266,7 +266,7 @@ TEST_F(ParseTest, ReadsLongLengthsOnlyAsTwoBytesWithAHighZero) {
     const Bytes pdu = Hex("02 01 01 02 01 00 02 01 00") + inLongForm(0x30, binding);
     EXPECT_EQ(1, Parse(Tlv(0x30, Hex("02 01 00 04 01 63") + inLongForm(0xA2, pdu))));
     EXPECT_STREQ("v", record.ValueText());
-    // 04 81 80: the 81 passes for the length, and what is copied starts a byte early.
+    // 04 81 80: the 81 is read as the length, and the copy starts a byte early.
     EXPECT_EQ(1, Parse(Tlv(0x30, Hex("02 01 00 04 01 63 a2 7f 02 01 01 02 01 00 02 01 00 30 7f"
                                      "30 7f 06 01 2b 04 81 80") +
                                      Bytes(99, 'v'))));
@@ -274,13 +274,13 @@ TEST_F(ParseTest, ReadsLongLengthsOnlyAsTwoBytesWithAHighZero) {
     EXPECT_EQ(Hex("80 76"), Bytes(record.value, record.value + 2));
 }
 
-TEST_F(ParseTest, RejectsAnotherStructure) {
+TEST_F(ParseTest, RejectsOtherStructures) {
     const Bytes binding = TextBinding("value");
     EXPECT_EQ(0, Parse(Answer(binding, {0x01, 0x01})));  // a request-id of two bytes
     for (const uint8_t tag : Bytes{0x9F, 0xA8}) EXPECT_EQ(0, Parse(Answer(binding, {1}, tag)));
     EXPECT_EQ(1, Parse(Answer(binding, {1}, 0xA7)));
     EXPECT_EQ(0, Parse(Answer({})));
-    EXPECT_EQ(1, Parse(Answer(binding + Hex("31 00"))));  // the loop stops, the first counts
+    EXPECT_EQ(1, Parse(Answer(binding + Hex("31 00"))));  // the loop stops, but the first counts
     EXPECT_EQ(0, Parse(Answer(Tlv(0x30, Hex("05 00 05 00")))));
     Bytes other = Answer(binding);
     other[0] = 0x31;
@@ -289,7 +289,7 @@ TEST_F(ParseTest, RejectsAnotherStructure) {
     EXPECT_STREQ("", record.address);
 }
 
-TEST_F(ParseTest, LengthsBeyondTheDatagramOrAFieldStayWithinBoth) {
+TEST_F(ParseTest, LengthsBeyondTheDatagramOrAFieldAreCut) {
     EXPECT_EQ(1, Parse(Answer(Tlv(0x30, Tlv(0x06, {1}) + Hex("04 ff 61")))));
     EXPECT_EQ(0xFF, record.valueLength);
     EXPECT_STREQ("a", record.ValueText());

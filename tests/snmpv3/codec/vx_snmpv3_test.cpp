@@ -1,4 +1,4 @@
-// What VxSNMPv3 sends and reads.
+// SNMPv3 messages that VxSNMPv3 builds and reads.
 #include "snmpv3/codec/vx_snmpv3.h"
 
 #include <gtest/gtest.h>
@@ -23,10 +23,10 @@ class EncodeTest : public testing::Test {
     Bytes Encoded() { return ToBytes(message_.Encode()); }
 
     VxSNMPv3 message_;
-    V3Datagram sent_ = V3RequestFields(kSysName);  // what is expected
+    V3Datagram sent_ = V3RequestFields(kSysName);  // the expected request
 };
 
-TEST(EncodeProbe, CarriesNoSecurityWhateverTheFlags) {
+TEST(EncodeDiscovery, CarriesNoSecurityWhateverTheFlags) {
     VxSNMPv3 probe;
     EXPECT_EQ(V3Probe(), ToBytes(probe.Encode()));
     probe.SetUser("user");
@@ -38,13 +38,13 @@ TEST(EncodeProbe, CarriesNoSecurityWhateverTheFlags) {
     EXPECT_TRUE(probe.Record().authFlag && probe.Record().privFlag);
 }
 
-// A report without an engine ID may still teach boots and time.
-TEST_F(EncodeTest, AProbeCarriesNoEngineValues) {
+// Even after a report without an engine ID that has boots and time.
+TEST_F(EncodeTest, DiscoveryCarriesNoEngineValues) {
     message_.SetEngine({}, 7, 70000);
     EXPECT_EQ(WithoutEngine(sent_).Build(), Encoded());
 }
 
-TEST_F(EncodeTest, WithoutSecurityTheRequestIsPlain) {
+TEST_F(EncodeTest, NoAuthNoPrivRequestIsPlain) {
     message_.SetPduType(kPduGetNextRequest);
     message_.SetMsgId(0x12345678);
     message_.SetOid(kSysName);
@@ -57,9 +57,9 @@ TEST_F(EncodeTest, WithoutSecurityTheRequestIsPlain) {
     EXPECT_EQ(sent_.Build(), Encoded()) << "parameters of protocols without their flags";
 }
 
-// tshark 4.0, given the passwords, found this correctly authenticated and decrypted it, and the
-// agent net-snmp 5.9.3 answered.
-TEST(EncodeSecured, IsWhatAnIndependentToolChecked) {
+// tshark 4.0, given the passwords, verified and decrypted this request, and the agent
+// net-snmp 5.9.3 answered it.
+TEST(EncodeSecured, MatchesARequestThatIndependentToolsVerified) {
     VxSNMPv3 message;
     message.SetUser("sha1u");
     message.SetAuth(kAuthSha1, "authpass1");
@@ -72,11 +72,11 @@ TEST(EncodeSecured, IsWhatAnIndependentToolChecked) {
         "0002010102010404057368613175040cf8fe75f0ed008d3aaa11b2b8040800000001002a4c1a04287ae6b9e2"
         "a3f3e5eec27b0ab98f82cd558db6de69ad5f959312b4431ea63401b42300e8018e6775be");
     EXPECT_EQ(checked, ToBytes(message.Encode()));
-    // The object keeps its parameters; the next HMAC must not cover the last one.
+    // The object keeps its parameters, but the next HMAC must not cover the previous one.
     EXPECT_EQ(checked, ToBytes(message.Encode()));
 }
 
-TEST_F(EncodeTest, WithoutKeysNothingIsAuthenticatedAndNothingPrivateSentInTheClear) {
+TEST_F(EncodeTest, WithoutKeysNothingPrivateIsSentInTheClear) {
     struct Row {
         uint32_t authCode, privCode;
         const char* password;
@@ -102,7 +102,7 @@ TEST_F(EncodeTest, WithoutKeysNothingIsAuthenticatedAndNothingPrivateSentInTheCl
     }
 }
 
-TEST_F(EncodeTest, WhatDoesNotFitIsRefused) {
+TEST_F(EncodeTest, RefusesNamesAndOidsThatDoNotFit) {
     EXPECT_FALSE(message_.SetUser(std::string(128, 'u').c_str()));
     EXPECT_EQ(sent_.Build(), Encoded());
     EXPECT_TRUE(message_.SetOid(LongOid(124).c_str()));  // as many as a binding holds
@@ -128,10 +128,10 @@ const std::string kEntry = "VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n";
 const std::string kMatch = "MATCH _authenticationParameters\n";
 const std::string kNoMatch = "NOT MATCH _authenticationParameters\n";
 
-// The object behind a request, the answer to it, and the keys of its device.
+// A request's object, its answer, and the keys of the device.
 class DecodeTest : public testing::Test {
   protected:
-    // flags: of the request and of the answer.
+    // flags are those of the request and of the answer.
     void Ask(uint32_t authCode, uint32_t privCode, uint8_t flags) {
         const ByteBuffer engine = ToBuffer(answer_.engineId);
         message_.SetAuth(authCode, "authpass1");
@@ -142,7 +142,7 @@ class DecodeTest : public testing::Test {
         privKey_ = PasswordToKey(crypto_, authCode, ToBuffer(TextBytes("privpass1")), engine);
         answer_.flagsTlv = Tlv(0x04, {flags});
     }
-    // Encrypts whole blocks of plain text, so that the caller's padding is all there is.
+    // Encrypts whole blocks of plain text, so that there is only the caller's padding.
     void EncryptDes(const Bytes& plain) {
         const ByteBuffer text = ToBuffer(plain);
         ByteBuffer cipher, salt;
@@ -150,7 +150,7 @@ class DecodeTest : public testing::Test {
         answer_.scopedTlv = Tlv(0x04, ToBytes(cipher));
         answer_.salt = ToBytes(salt);
     }
-    // Zeroes the authentication code in it.
+    // Zeroes the HMAC in the datagram.
     int32_t DecodeInPlace(Bytes& datagram) {
         return message_.Decode(datagram.data(), static_cast<int32_t>(datagram.size()));
     }
@@ -165,7 +165,7 @@ class DecodeTest : public testing::Test {
         if (list.count > 0) VarBindValueToText(list.bindings[0], text);
         return text;
     }
-    // The answer with its authentication code, cut to size.
+    // The answer with its HMAC, truncated to `size`.
     Bytes Signed(uint32_t code, size_t size) {
         answer_.macTlv = Tlv(0x04, Bytes(size, 0));
         const Bytes whole = answer_.Build();
@@ -182,8 +182,8 @@ class DecodeTest : public testing::Test {
     ByteBuffer privKey_;
 };
 
-// To a probe, and to a request that was authenticated and private.
-TEST_F(DecodeTest, APlainReportIsReadAndTeachesTheEngine) {
+// In answer to an engine discovery, and to an authPriv request.
+TEST_F(DecodeTest, PlainReportSetsTheEngine) {
     answer_.msgMaxSize = 1500;
     const MessageRecord& record = message_.Record();
     message_.SetFlags(true, true);
@@ -205,7 +205,7 @@ TEST_F(DecodeTest, APlainReportIsReadAndTeachesTheEngine) {
 }
 
 // An answer of net-snmp 5.9.3.
-TEST_F(DecodeTest, ReadsWhatARealAgentEncrypted) {
+TEST_F(DecodeTest, DecryptsARealAgentsAnswer) {
     answer_.engineId = Hex("80001f8880f9d87e2563c9056b00000000");
     Ask(kAuthSha256, kPrivAes, 3);
     UnitLog log;
@@ -218,7 +218,7 @@ TEST_F(DecodeTest, ReadsWhatARealAgentEncrypted) {
     EXPECT_TRUE(log.Has(kMatch));
 }
 
-TEST_F(DecodeTest, AWrongMacIsLoggedAndTheAnswerUsed) {
+TEST_F(DecodeTest, WrongHmacIsLoggedAndTheAnswerUsed) {
     const uint32_t macLengths[] = {12, 12, 16, 24, 32, 48};
     for (uint32_t code = kAuthMd5; code <= kAuthSha512; ++code) {
         Ask(code, kPrivNone, 1);
@@ -231,7 +231,7 @@ TEST_F(DecodeTest, AWrongMacIsLoggedAndTheAnswerUsed) {
         EXPECT_EQ("valud", FirstText());
         EXPECT_EQ(kEntry + kMatch + kEntry + kNoMatch, log.Text()) << code;
     }
-    // As good as wrong: one that is cut to eleven bytes, and none to compare it with.
+    // One that is truncated to eleven bytes, and one without a key to check it, count as wrong.
     UnitLog log;
     Ask(kAuthMd5, kPrivNone, 1);
     EXPECT_GT(Decode(Signed(kAuthMd5, 11)), 0);
@@ -240,11 +240,11 @@ TEST_F(DecodeTest, AWrongMacIsLoggedAndTheAnswerUsed) {
     EXPECT_EQ(kEntry + kNoMatch + kEntry + kNoMatch, log.Text());
 }
 
-TEST_F(DecodeTest, ZeroesTheMacInTheReceivedBufferAndNothingElse) {
+TEST_F(DecodeTest, ZeroesOnlyTheHmacInTheReceivedBuffer) {
     const Bytes mac = Hex("a1a2a3a4a5a6a7a8a9aaabac");
     const Bytes rows[][2] = {
         {Hex("04 0c") + mac, Hex("04 0c") + Bytes(12, 0)},
-        // A length in its long form shifts the zeros by a byte: they stay within the OCTET STRING.
+        // The long form of a length shifts the zeros by a byte, but within the OCTET STRING.
         {Hex("04 81 0c") + mac, Hex("04 81") + Bytes(12, 0) + Hex("ac")}};
     for (const auto& row : rows) {
         answer_.macTlv = row[0];
@@ -256,8 +256,8 @@ TEST_F(DecodeTest, ZeroesTheMacInTheReceivedBufferAndNothingElse) {
     }
 }
 
-// As PKCS#5 has it, or garbage, behind scoped PDUs of all eight lengths modulo a block.
-TEST_F(DecodeTest, DesPaddingOfAnyStyleIsIgnored) {
+// PKCS#5 padding or garbage, after scoped PDUs of all eight lengths modulo the block size.
+TEST_F(DecodeTest, IgnoresDesPaddingOfAnyStyle) {
     for (size_t size = 1; size <= 8; ++size) {
         const Bytes scoped = ScopedTextTlv(std::string(size, 'v'));
         const size_t missing = 8 - scoped.size() % 8;
@@ -270,7 +270,7 @@ TEST_F(DecodeTest, DesPaddingOfAnyStyleIsIgnored) {
     }
 }
 
-TEST_F(DecodeTest, CipherTextsThatCannotBeDecryptedAreNoAnswer) {
+TEST_F(DecodeTest, UndecryptableCipherTextIsNoAnswer) {
     Ask(kAuthMd5, kPrivDes, 2);
     EncryptDes(ScopedTextTlv("twelve bytes"));
     const Bytes cipher(answer_.scopedTlv.begin() + 2, answer_.scopedTlv.end());
@@ -279,25 +279,25 @@ TEST_F(DecodeTest, CipherTextsThatCannotBeDecryptedAreNoAnswer) {
         answer_.scopedTlv = Tlv(0x04, Prefix(cipher, cipher.size() - missing));
         EXPECT_EQ(0, Decode()) << missing;
     }
-    // Without a key, private answers to a plain request stay closed.
+    // Without a key, encrypted answers to a plain request cannot be read.
     Ask(kAuthNone, kPrivNone, 3);
     message_.SetFlags(false, false);
     answer_.scopedTlv = Tlv(0x04, cipher);
     EXPECT_EQ(0, Decode());
 }
 
-TEST_F(DecodeTest, AnotherLayoutIsNoAnswer) {
+TEST_F(DecodeTest, OtherLayoutsAreNoAnswer) {
     std::vector<V3Datagram> others(5, answer_);
     others[0].securityModel = 2;
     others[1].flagsTlv = Tlv(0x02, {0x00});
     others[2].scopedTlv[0] = 0x31;
     others[3].scopedTlv = Tlv(0x04, answer_.scopedTlv);  // encrypted, but the flag is missing
-    others[4].scopedTlv = ScopedTextTlv(std::string(127, 'v'));  // more than a binding holds
+    others[4].scopedTlv = ScopedTextTlv(std::string(127, 'v'));  // too long for a binding
     for (const V3Datagram& other : others) {
         EXPECT_EQ(0, Decode(other.Build())) << ToHex(other.Build());
     }
     const Bytes whole = answer_.Build();
-    const size_t usmAt = 5 + 2 + whole[6];  // behind version and header
+    const size_t usmAt = 5 + 2 + whole[6];  // after version and header
     // Four tags, and sequences that are shorter or longer than their fields.
     const std::pair<size_t, int> changes[] = {
         {0, 1}, {5, 1}, {usmAt, 1}, {usmAt + 2, 1}, {6, -1}, {usmAt + 3, -1}, {usmAt + 3, 1}};
@@ -310,15 +310,15 @@ TEST_F(DecodeTest, AnotherLayoutIsNoAnswer) {
     EXPECT_EQ(0, message_.Decode(Bytes(whole).data(), -1));
 }
 
-// What stands there would do as the next part.
-TEST_F(DecodeTest, NoFieldLeavesItsSequence) {
+// The bytes past each sequence would be valid as its next field.
+TEST_F(DecodeTest, FieldsMayNotLeaveTheirSequence) {
     const Bytes front = IntegerTlv(256) + IntegerTlv(65507) + answer_.flagsTlv;
     // The security parameters are the security model's length: it ends in 00 00 00 01, and its
     // content is 3.
     const Bytes usm = Tlv(0x04, Hex("30 0c 04 00 02 00 02 00 04 00 04 00 04 00 00 00 00 01 03"));
     const Bytes model = {0x02, static_cast<uint8_t>(0x80 | (usm.size() - 1))};
-    // An empty OCTET STRING, and a SEQUENCE behind it that is security parameters and scoped PDU in
-    // one.
+    // An empty OCTET STRING, followed by a SEQUENCE that is both security parameters and scoped
+    // PDU.
     const Bytes both = Hex("04 00 30 0e 04 00 04 00 a2 00 04 00 04 00 04 00 30 00");
     for (const Bytes& rest : {Tlv(0x30, front + model) + usm + answer_.scopedTlv,
                               Tlv(0x30, front + IntegerTlv(3)) + both}) {
@@ -327,7 +327,7 @@ TEST_F(DecodeTest, NoFieldLeavesItsSequence) {
 }
 
 // With an outer length that fits, so that the inner ones are checked.
-TEST_F(DecodeTest, EveryPrefixIsRefusedAndLeavesWhatWasReadUntilThen) {
+TEST_F(DecodeTest, RefusesEveryPrefixAndKeepsFieldsReadUntilThen) {
     const Bytes content = answer_.Content();
     for (size_t size = 0; size < content.size(); ++size) {
         message_.SetOid(kSysName);
@@ -337,7 +337,7 @@ TEST_F(DecodeTest, EveryPrefixIsRefusedAndLeavesWhatWasReadUntilThen) {
     EXPECT_EQ(answer_.engineId, ToBytes(message_.EngineId()));
 }
 
-TEST_F(DecodeTest, ADecodedUserNameSurvivesAProbeAsText) {
+TEST_F(DecodeTest, DiscoveryCutsADecodedUserNameAtItsZeroByte) {
     answer_.engineId.clear();
     const ByteBuffer& name = message_.Record().usm.userName;
     for (const auto& [sent, kept] : {std::pair(Bytes{'a', 'b', 0, 'c'}, TextBytes("ab")),
@@ -350,9 +350,8 @@ TEST_F(DecodeTest, ADecodedUserNameSurvivesAProbeAsText) {
     }
 }
 
-// Of DES with SHA-1 and with SHA-2, and, on decoding, of AES with SHA-2; SHA-224 is another
-// protocol.
-TEST_F(DecodeTest, TheLogTellsOfThesePrivacyKeysAlone) {
+// For DES with SHA-1 and with SHA-2, and when decoding, for AES with SHA-2; not for SHA-224.
+TEST_F(DecodeTest, LogsOnlyThesePrivacyKeys) {
     const std::string sha1Des = "=====pkey for privacy password (SHA1) w/ DES===== \n";
     const std::string sha2Des = "=====akey for authentication password (SHA2)===== \n";
     const std::string sha2Aes =

@@ -14,7 +14,7 @@ namespace vndiscover {
 namespace {
 
 // RFC 2202 and RFC 4231, test case 1.
-TEST(Crypto, AuthenticatesLikeTheStandards) {
+TEST(Crypto, HmacsMatchPublishedVectors) {
     const char* const macs[] = {"9294727a3638bb1c13f48ef8158bfc9d",
                                 "b617318655057264e28bc0b6fb378c8ef146be00",
                                 "896fb1128abbdf196832107cd49df33f47b4b1169912ba4f53684b22",
@@ -40,9 +40,9 @@ Bytes Sha224Of(const Bytes& bytes) {
     return ToBytes(digest);
 }
 
-// The digests of 5a, 5a5a, ... of all lengths up to 200, each in two parts cut anywhere, put
-// together and hashed: their hash was computed with Python's hashlib.
-TEST(Sha224Test, HashesEveryLengthHoweverItIsCut) {
+// The hash of the concatenated digests of 5a, 5a5a, ... of all lengths up to 200, each updated in
+// two parts split anywhere; computed with Python's hashlib.
+TEST(Sha224Test, HashesEveryLengthHoweverItIsSplit) {
     Bytes digests;
     for (size_t size = 0; size <= 200; ++size) {
         const Bytes bytes(size, 0x5a);
@@ -59,8 +59,8 @@ TEST(Sha224Test, HashesEveryLengthHoweverItIsCut) {
     EXPECT_EQ(Hex("19463609fc4b8d39ae9552caa56f53e856593c437d120878baa95df9"), Sha224Of(digests));
 }
 
-// RFC 4231 test case 6; with a key of a block, computed with Python's hmac.
-TEST(Sha224Test, HashesAKeyLongerThanItsBlockFirst) {
+// RFC 4231 test case 6; for a key of one block, computed with Python's hmac.
+TEST(Sha224Test, HashesKeysLongerThanABlockFirst) {
     const Bytes message = TextBytes("Test Using Larger Than Block-Size Key - Hash Key First");
     for (const auto& [size, expected] :
          {std::pair(131, "95e9a0db962095adaebe9b2d6f0dbce2d499f112f2d2b7273fa6870e"),
@@ -79,7 +79,7 @@ Bytes KeyOf(uint32_t authCode, const Bytes& password) {
 }
 
 // RFC 3414 A.3.1 and A.3.2; the others computed with Python's hashlib.
-TEST(Keys, MapleSyrupGivesTheKnownKeys) {
+TEST(Keys, LocalisedKeysMatchPublishedVectors) {
     const char* const keys[] = {"526f5eed9fcce26f8964c2930787d82b",
                                 "6695febc9288e36282235fc7151f128497b38f3f",
                                 "0bd8827c6e29f8065e08e09237f177e410f69b90e1782be682075674",
@@ -96,11 +96,11 @@ TEST(Keys, MapleSyrupGivesTheKnownKeys) {
 
 }  // namespace
 
-extern int g_mebibyteHashes;  // natively: hashes of 1 MiB, as a password's key costs one
+extern int g_mebibyteHashes;  // natively: hashes of 1 MiB, one for each password's key
 
 namespace {
 
-TEST(Keys, APasswordIsHashedOnceForAllEnginesAndFailuresEachTime) {
+TEST(Keys, PasswordsAreHashedOnceForAllEnginesAndFailuresAreRetried) {
     CryptoSession crypto;
     PasswordKeys keys;
     UnitLog log;
@@ -130,7 +130,7 @@ TEST(Keys, APasswordIsHashedOnceForAllEnginesAndFailuresEachTime) {
     EXPECT_EQ("Not supported HashAlgorithm:5\nNot supported HashAlgorithm:5\n", log.Text());
 }
 
-// 20,400 bytes: longer than what is put together before hashing. Computed with Python's hashlib.
+// 20,400 bytes: longer than the unit of repetition. Computed with Python's hashlib.
 TEST(Keys, LongPasswordsAreRepeatedToo) {
     Bytes password;
     for (int i = 0; i < 80 * 255; ++i) password.push_back(static_cast<uint8_t>(i % 255 + 1));
@@ -138,7 +138,7 @@ TEST(Keys, LongPasswordsAreRepeatedToo) {
               KeyOf(kAuthSha256, password));
 }
 
-// With boots 01020304, time 0a0b0c0d and the key 10 11 12 ... What is refused gives no bytes.
+// With boots 01020304, time 0a0b0c0d and the key 10 11 12 ... Refused input gives no bytes.
 class Privacy : public testing::Test {
   protected:
     Bytes Encrypt(bool des, const Bytes& plain, size_t keySize = 32) {
@@ -167,8 +167,8 @@ class Privacy : public testing::Test {
     }
 
     const Bytes plain_ = TextBytes("seventeen bytes !");
-    // Computed with `openssl enc -nopad` over the plain text and zeros, with the key's and the IV's
-    // bytes as the protocols make them.
+    // Computed with `openssl enc -nopad` over the plain text and zeros, with the key and IV of each
+    // protocol.
     const Bytes desCipher_ = Hex("2186371841a9bd899bbe06313181630504d4f8581af6a8c3");
     const Bytes desSalt_ = Hex("01020304 002a4c1a");
     const Bytes aesCipher_ =
@@ -187,7 +187,7 @@ TEST_F(Privacy, EncryptsLikeAnIndependentTool) {
     }
 }
 
-TEST_F(Privacy, DecryptsToTheCipherTextsLength) {
+TEST_F(Privacy, PlainTextIsAsLongAsTheCipherText) {
     EXPECT_EQ(plain_ + Bytes(7, 0), Decrypt(true, desCipher_, desSalt_));
     EXPECT_EQ(plain_ + Bytes(15, 0), Decrypt(false, aesCipher_, aesSalt_));
     for (size_t size = 1; size <= plain_.size(); ++size) {
@@ -195,7 +195,7 @@ TEST_F(Privacy, DecryptsToTheCipherTextsLength) {
     }
 }
 
-TEST_F(Privacy, PadsDesToBlocksAndAesBeyondThem) {
+TEST_F(Privacy, PadsDesToBlocksAndAesByAtLeastAByte) {
     const size_t rows[][3] = {{1, 8, 16}, {16, 16, 32}, {17, 24, 32}, {32, 32, 48}, {33, 40, 48}};
     for (const auto& row : rows) {
         EXPECT_EQ(row[1], Encrypt(true, Bytes(row[0], 0x30)).size()) << row[0];
@@ -203,7 +203,7 @@ TEST_F(Privacy, PadsDesToBlocksAndAesBeyondThem) {
     }
 }
 
-TEST_F(Privacy, RefusesAShortKeyAndWhatNoSenderMakes) {
+TEST_F(Privacy, RefusesShortKeysWrongSaltsAndOddCipherTexts) {
     for (const bool des : {true, false}) {
         const Bytes& cipher = des ? desCipher_ : aesCipher_;
         for (size_t size : {0, 8, 15}) {
@@ -220,7 +220,7 @@ TEST_F(Privacy, RefusesAShortKeyAndWhatNoSenderMakes) {
     }
 }
 
-TEST_F(Privacy, CountersGoOnWithinAnObjectAndRestartAtOneBehindTheLargest) {
+TEST_F(Privacy, CountersIncreasePerObjectAndWrapToOne) {
     const ByteBuffer text = ToBuffer(plain_), key = CountingKey(16);
     const PrivacyInput input = {text, key, 0, 0};
     ByteBuffer cipher, desSalt, aesSalt;
