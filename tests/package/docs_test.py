@@ -97,7 +97,7 @@ def includes():
 
 
 def read(path):
-    """Without comments, as one line but for the header's directives."""
+    """The text without comments, as one line except for the header's directives."""
     text = re.sub(r"/\*.*?\*/", "", (SOURCE / path).read_text(encoding="utf-8"), flags=re.S)
     text = re.sub(r"//[^\n]*", "", text) if path.endswith(".cs") else text
     return re.sub(r"[ \t\n]+(?!#)", " ", text)
