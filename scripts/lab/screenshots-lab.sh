@@ -43,6 +43,24 @@ sleep 8
 Key Tab Tab Tab Tab Tab Tab Tab Tab Home
 sleep 2
 Picture printer
+Key alt+t s
+sleep 1
+Key Tab
+xdotool type Office
+Key Tab
+xdotool type admin
+Key Tab s s s Tab
+xdotool type authpass1
+Key Tab a Tab
+xdotool type privpass1
+sleep 1
+Picture settings
+Key Escape alt+t c
+sleep 1
+Key End # the first call, a sweep
+sleep 1
+Picture calls
+Key Escape
 scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # as the system's dialog requires
 Key ctrl+s
 sleep 1
