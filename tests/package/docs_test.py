@@ -181,6 +181,15 @@ class Documents(unittest.TestCase):
             names = re.findall(r"\b(?:VNDISCOVER|BENCH|VN)_[A-Z0-9_]*[A-Z0-9]\b", text)
             self.assertEqual([], [name for name in names if name not in everything], document.name)
 
+    def test_the_window_has_the_menus_and_options_that_its_page_names(self):
+        page = (SOURCE / "docs/vnbrowser.md").read_text(encoding="utf-8")
+        texts_of = {text.replace("&", "").split("\\t")[0] for text in re.findall(r'^    ID\w+ "(.*)"', texts("host/window/*.rc"), re.M)}
+        named = re.findall(r"\*\*(\w+) > ([^*]+)\*\*", page)
+        self.assertGreater(len(named), 10)
+        self.assertEqual([], [words for words in named if not set(words) <= texts_of])
+        main = texts("host/window/main.cpp")
+        self.assertIn(re.search(r"^VnBrowser.exe \[.*$", page, re.M)[0], main)
+
     def test_figures_are_the_code_s(self):
         for document, said, file, defined in FIGURES:
             figure = re.search(said, (SOURCE / document).read_text(encoding="utf-8"))
