@@ -27,23 +27,22 @@ SIZE_T Memory() {
     return counters.PagefileUsage;
 }
 
-std::string SweepAndUnload() {
-    Module module;
-    if (!module.IsUsable() || !module.HideAdapters()) return "the module cannot be used";
+std::string SweepAndUnload(Module& module) {
+    if (!module.HideAdapters()) return "its adapters cannot be hidden";
     ResultWindow window;
     module.DiscoverSoap(window.Handle(), ResultWindow::kMessage, 1000, "<Probe/>", 8);
     return module.Unload() ? "returns, the module is gone" : "returns, the module stays";
 }
 
 // On a separate thread, since it may never return.
-std::string WithinLimit(std::string (*work)()) {
+std::string UnloadWithinLimit(Module& module) {
     struct Shared {
         std::string text;
         HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     };
     auto* shared = new Shared;  // not freed here: the thread uses it if it hangs
-    std::thread([shared, work] {
-        shared->text = work();
+    std::thread([shared, &module] {
+        shared->text = SweepAndUnload(module);
         SetEvent(shared->done);
     }).detach();
     if (WaitForSingleObject(shared->done, kUnloadLimitMs) != WAIT_OBJECT_0) return "hangs";
@@ -55,9 +54,9 @@ std::string WithinLimit(std::string (*work)()) {
 
 }  // namespace
 
-void LoadingRows(Report& report) {
+void LoadingRows(Report& report, Module& used) {
     report.Section("Loading and unloading");
-    const std::string unload = WithinLimit(SweepAndUnload);
+    const std::string unload = UnloadWithinLimit(used);
     report.Add("unloading after a sweep", "returns, the module is gone", unload);
     const std::string name = "loading and unloading 2,000 times";
     const std::string expected = "2000 times, no handles and no memory are left";

@@ -67,16 +67,14 @@ void ModuleRows(Report& report, const Module& module) {
 void AllRows(Report& report, bool mayUseNetwork) {
     SocketRows(report, mayUseNetwork);
     CryptoRows(report);
-    {
-        Module module;
-        ModuleRows(report, module);
-        if (!module.IsUsable()) return;
-        RequestRows(report, module);
-        SystemRows(report, module);
-        if (mayUseNetwork) NetworkRows(report, module);
-        DiscoveryRows(report, module);
-    }
-    LoadingRows(report);
+    static Module module;  // never destroyed: see main
+    ModuleRows(report, module);
+    if (!module.IsUsable()) return;
+    RequestRows(report, module);
+    SystemRows(report, module);
+    if (mayUseNetwork) NetworkRows(report, module);
+    DiscoveryRows(report, module);
+    LoadingRows(report, module);
 }
 
 int Run(const Options& options) {
@@ -106,5 +104,10 @@ int main(int count, char** words) {
     }
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 2;
-    return check::Run(options);
+    const int result = check::Run(options);
+    // Not by return: a module whose unloading hangs holds the loader lock, and an ordinary exit
+    // waits for that.
+    std::fflush(nullptr);
+    TerminateProcess(GetCurrentProcess(), UINT(result));
+    return result;
 }

@@ -11,8 +11,9 @@ void DiscoveryRows(Report& report, Module& module);
 void SocketRows(Report& report, bool mayUseNetwork);
 void SystemRows(Report& report, const Module& module);
 void CryptoRows(Report& report);
-// The module must not be loaded by anything else.
-void LoadingRows(Report& report);
+// Unloads the module, which must not be loaded by anything else. After "hangs" it must be left
+// alone.
+void LoadingRows(Report& report, Module& used);
 // Sends into every network of this computer.
 void NetworkRows(Report& report, const Module& module);
 
