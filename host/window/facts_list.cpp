@@ -142,9 +142,8 @@ LRESULT FactsList::OnNotify(NMHDR* header) {
     const auto row = static_cast<size_t>(draw->nmcd.dwItemSpec);
     switch (draw->nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
-            return CDRF_NOTIFYITEMDRAW;
         case CDDS_ITEMPREPAINT:
-            return CDRF_NOTIFYSUBITEMDRAW;
+            return CDRF_NOTIFYITEMDRAW;  // CDRF_NOTIFYSUBITEMDRAW is the same number
         case CDDS_ITEMPREPAINT | CDDS_SUBITEM: {
             if (draw->iSubItem != 1 || row >= facts_.size() || !facts_[row].percent)
                 return CDRF_DODEFAULT;

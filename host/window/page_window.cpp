@@ -90,7 +90,7 @@ class Page {
 HWND OpenPage(HWND owner, const std::wstring& title, std::vector<Fact> facts) {
     auto page = std::make_unique<Page>();
     const HWND window = page->Open(owner, title, std::move(facts));
-    if (window) page.release();  // the window owns it: see WM_NCDESTROY
+    if (window) static_cast<void>(page.release());  // the window owns it: see WM_NCDESTROY
     return window;
 }
 
