@@ -42,17 +42,17 @@ int RunOnHost(const DeviceOptions& options) {
     const Device v1 = OpenDevice(community);
     Device v3 = OpenDevice(options);
     if (!v3.IsV3()) v3.Use(Security());
-    LadderSteps steps;
+    DiagnosisSteps steps;
     steps.ping = [&] { return VxPing(ToAnsi(options.host).c_str(), kPingTimeoutMs) != 0; };
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
-    const HostLadder ladder = Climb(steps);
+    const HostDiagnosis diagnosis = Diagnose(steps);
     const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), options.host);
-    Print(options.format == TextFormat::kJson ? HostJson(ladder, isOnOwnNetwork, options.host)
-                                              : HostText(ladder, isOnOwnNetwork));
-    if (IsUnsendable(ladder)) return kSendFailed;
-    return IsUsable(ladder) ? kFound : kNone;
+    Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
+                                              : HostText(diagnosis, isOnOwnNetwork));
+    if (IsUnsendable(diagnosis)) return kSendFailed;
+    return IsUsable(diagnosis) ? kFound : kNone;
 }
 
 }  // namespace

@@ -92,9 +92,9 @@ const char* OutcomeText(Outcome outcome) {
     return "not sent";
 }
 
-void AddRung(Lines& lines, const char* label, const Rung& rung) {
-    const std::string outcome = OutcomeText(rung.outcome);
-    lines.Add(label, rung.detail.empty() ? outcome : outcome + ": " + rung.detail);
+void AddStep(Lines& lines, const char* label, const StepResult& step) {
+    const std::string outcome = OutcomeText(step.outcome);
+    lines.Add(label, step.detail.empty() ? outcome : outcome + ": " + step.detail);
 }
 
 void AddPlanJson(cJSON* root, const char* name, const SweepPlan& plan) {
@@ -171,36 +171,37 @@ std::string ComputerJson(const ComputerReport& report) {
     return CompactJson(root.get()) + "\n";
 }
 
-std::string HostText(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork) {
+std::string HostText(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork) {
     Lines lines;
-    AddRung(lines, "Ping", ladder.ping);
-    AddRung(lines, "SNMPv1", ladder.v1);
-    AddRung(lines, "SNMPv3 engine", ladder.discovery);
-    AddRung(lines, "SNMPv3 user", ladder.user);
-    lines.Add("Verdict", VerdictOn(ladder));
+    AddStep(lines, "Ping", diagnosis.ping);
+    AddStep(lines, "SNMPv1", diagnosis.v1);
+    AddStep(lines, "SNMPv3 engine", diagnosis.discovery);
+    AddStep(lines, "SNMPv3 user", diagnosis.user);
+    lines.Add("Verdict", VerdictOn(diagnosis));
     if (isOnOwnNetwork == false) lines.Add("Note", kElsewhere);
     return lines.Text();
 }
 
-std::string HostJson(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork,
+std::string HostJson(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork,
                      const std::string& host) {
     const JsonItem root(cJSON_CreateObject());
     AddText(root.get(), "host", host);
-    const std::pair<const char*, const Rung*> rungs[] = {{"ping", &ladder.ping},
-                                                         {"snmpV1", &ladder.v1},
-                                                         {"snmpV3Engine", &ladder.discovery},
-                                                         {"snmpV3User", &ladder.user}};
-    for (const auto& [name, rung] : rungs) {
+    const std::pair<const char*, const StepResult*> steps[] = {
+        {"ping", &diagnosis.ping},
+        {"snmpV1", &diagnosis.v1},
+        {"snmpV3Engine", &diagnosis.discovery},
+        {"snmpV3User", &diagnosis.user}};
+    for (const auto& [name, step] : steps) {
         cJSON* object = cJSON_AddObjectToObject(root.get(), name);
-        AddText(object, "outcome", OutcomeText(rung->outcome));
-        AddText(object, "detail", rung->detail);
+        AddText(object, "outcome", OutcomeText(step->outcome));
+        AddText(object, "detail", step->detail);
     }
     if (isOnOwnNetwork) {
         cJSON_AddBoolToObject(root.get(), "isOnOwnNetwork", *isOnOwnNetwork);
     } else {
         cJSON_AddNullToObject(root.get(), "isOnOwnNetwork");
     }
-    AddText(root.get(), "verdict", VerdictOn(ladder));
+    AddText(root.get(), "verdict", VerdictOn(diagnosis));
     return CompactJson(root.get()) + "\n";
 }
 

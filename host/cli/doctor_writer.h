@@ -6,7 +6,7 @@
 #include <string>
 
 #include "model/computer_report.h"
-#include "model/host_ladder.h"
+#include "model/host_diagnosis.h"
 
 namespace vndiscover::host {
 
@@ -15,8 +15,8 @@ std::string ComputerText(const ComputerReport& report);
 std::string ComputerJson(const ComputerReport& report);
 
 // isOnOwnNetwork: see IsOnOwnNetwork.
-std::string HostText(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork);
-std::string HostJson(const HostLadder& ladder, const std::optional<bool>& isOnOwnNetwork,
+std::string HostText(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork);
+std::string HostJson(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork,
                      const std::string& host);
 
 }  // namespace vndiscover::host

@@ -1,4 +1,4 @@
-#include "model/host_ladder.h"
+#include "model/host_diagnosis.h"
 
 #include <vector>
 
@@ -9,7 +9,7 @@ namespace {
 const Oid kSysDescr = {1, 3, 6, 1, 2, 1, 1, 1, 0};
 
 // An answer without a value, or one that cannot be read, counts: the device accepted the request.
-Rung RungOf(const Answer& answer) {
+StepResult ResultOf(const Answer& answer) {
     switch (answer.status) {
         case Status::kAnswered:
         case Status::kUnreadable:
@@ -27,11 +27,11 @@ Rung RungOf(const Answer& answer) {
     return {Outcome::kSilent, ""};
 }
 
-bool Answers(const Rung& rung) { return rung.outcome == Outcome::kAnswered; }
+bool Answers(const StepResult& step) { return step.outcome == Outcome::kAnswered; }
 
 struct Name {
     const char* text;
-    const Rung& rung;
+    const StepResult& step;
 };
 
 std::string Listed(const std::vector<std::string>& names, const char* last) {
@@ -44,11 +44,11 @@ std::string Listed(const std::vector<std::string>& names, const char* last) {
 }
 
 // "ping and SNMPv3 answer, SNMPv1 does not"
-std::string Evidence(const HostLadder& ladder) {
+std::string Evidence(const HostDiagnosis& diagnosis) {
     std::vector<std::string> answering, silent;
-    for (const Name& name :
-         {Name{"ping", ladder.ping}, Name{"SNMPv1", ladder.v1}, Name{"SNMPv3", ladder.discovery}}) {
-        (Answers(name.rung) ? answering : silent).push_back(name.text);
+    for (const Name& name : {Name{"ping", diagnosis.ping}, Name{"SNMPv1", diagnosis.v1},
+                             Name{"SNMPv3", diagnosis.discovery}}) {
+        (Answers(name.step) ? answering : silent).push_back(name.text);
     }
     if (answering.empty()) return "neither " + Listed(silent, " nor ") + " answers";
     std::string text =
@@ -58,14 +58,14 @@ std::string Evidence(const HostLadder& ladder) {
     return text;
 }
 
-const char* Cause(const HostLadder& ladder) {
-    const bool hasV1 = Answers(ladder.v1);
-    const bool hasV3 = Answers(ladder.discovery);
+const char* Cause(const HostDiagnosis& diagnosis) {
+    const bool hasV1 = Answers(diagnosis.v1);
+    const bool hasV3 = Answers(diagnosis.discovery);
     if (hasV1 && hasV3)
-        return Answers(ladder.ping) ? "" : "the device, or a firewall on the way, ignores pings";
+        return Answers(diagnosis.ping) ? "" : "the device, or a firewall on the way, ignores pings";
     if (hasV1) return "SNMPv3 switched off, or a device without it";
     if (hasV3) return "community wrong, or SNMPv1 switched off";
-    return Answers(ladder.ping)
+    return Answers(diagnosis.ping)
                ? "SNMP switched off, UDP port 161 blocked on the way, or community wrong and no "
                  "SNMPv3"
                : "device switched off, another address, or a router or firewall on the way";
@@ -73,34 +73,37 @@ const char* Cause(const HostLadder& ladder) {
 
 }  // namespace
 
-HostLadder Climb(const LadderSteps& steps) {
-    HostLadder ladder;
-    ladder.ping = steps.ping() ? Rung{Outcome::kAnswered, ""} : Rung{Outcome::kSilent, ""};
-    ladder.v1 = RungOf(steps.v1.getNext(kSysDescr));
+HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
+    HostDiagnosis diagnosis;
+    diagnosis.ping =
+        steps.ping() ? StepResult{Outcome::kAnswered, ""} : StepResult{Outcome::kSilent, ""};
+    diagnosis.v1 = ResultOf(steps.v1.getNext(kSysDescr));
     const Answer answer = steps.v3.getNext(kSysDescr);
     const bool isDiscovered =
         answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
-    ladder.discovery = isDiscovered ? Rung{Outcome::kAnswered, ""} : RungOf(answer);
-    if (steps.hasUser && isDiscovered) ladder.user = RungOf(answer);
-    return ladder;
+    diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, ""} : ResultOf(answer);
+    if (steps.hasUser && isDiscovered) diagnosis.user = ResultOf(answer);
+    return diagnosis;
 }
 
-bool IsUsable(const HostLadder& ladder) {
-    return Answers(ladder.user.outcome == Outcome::kNotAsked ? ladder.v1 : ladder.user);
+bool IsUsable(const HostDiagnosis& diagnosis) {
+    return Answers(diagnosis.user.outcome == Outcome::kNotAsked ? diagnosis.v1 : diagnosis.user);
 }
 
-bool IsUnsendable(const HostLadder& ladder) {
-    return ladder.v1.outcome == Outcome::kNotSent && ladder.discovery.outcome == Outcome::kNotSent;
+bool IsUnsendable(const HostDiagnosis& diagnosis) {
+    return diagnosis.v1.outcome == Outcome::kNotSent &&
+           diagnosis.discovery.outcome == Outcome::kNotSent;
 }
 
-std::string VerdictOn(const HostLadder& ladder) {
-    if (IsUnsendable(ladder)) return "nothing could be sent: no route to the device, or no network";
-    std::string verdict = Evidence(ladder);
-    if (const std::string cause = Cause(ladder); !cause.empty()) verdict += ": " + cause;
-    if (ladder.user.outcome == Outcome::kRefused)
-        verdict += "; SNMPv3 refuses this user: " + ladder.user.detail;
-    if (ladder.user.outcome == Outcome::kSilent)
-        verdict += "; SNMPv3 with this user gets no readable answer: " + ladder.user.detail;
+std::string VerdictOn(const HostDiagnosis& diagnosis) {
+    if (IsUnsendable(diagnosis))
+        return "nothing could be sent: no route to the device, or no network";
+    std::string verdict = Evidence(diagnosis);
+    if (const std::string cause = Cause(diagnosis); !cause.empty()) verdict += ": " + cause;
+    if (diagnosis.user.outcome == Outcome::kRefused)
+        verdict += "; SNMPv3 refuses this user: " + diagnosis.user.detail;
+    if (diagnosis.user.outcome == Outcome::kSilent)
+        verdict += "; SNMPv3 with this user gets no readable answer: " + diagnosis.user.detail;
     return verdict;
 }
 

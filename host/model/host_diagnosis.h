@@ -1,6 +1,6 @@
 // Finds out in steps why one device does not answer.
-#ifndef VNDISCOVER_HOST_MODEL_HOST_LADDER_H
-#define VNDISCOVER_HOST_MODEL_HOST_LADDER_H
+#ifndef VNDISCOVER_HOST_MODEL_HOST_DIAGNOSIS_H
+#define VNDISCOVER_HOST_MODEL_HOST_DIAGNOSIS_H
 
 #include <functional>
 #include <string>
@@ -17,20 +17,20 @@ enum class Outcome {
     kNotSent,
 };
 
-struct Rung {
+struct StepResult {
     Outcome outcome = Outcome::kNotAsked;
     std::string detail;
 };
 
-struct HostLadder {
-    Rung ping;
-    Rung v1;         // with this community
-    Rung discovery;  // of the SNMPv3 engine
-    Rung user;       // SNMPv3 with this user, if one was given
+struct HostDiagnosis {
+    StepResult ping;
+    StepResult v1;         // with this community
+    StepResult discovery;  // of the SNMPv3 engine
+    StepResult user;       // SNMPv3 with this user, if one was given
 };
 
 // The steps; each call blocks until it has a result.
-struct LadderSteps {
+struct DiagnosisSteps {
     std::function<bool()> ping;
     Asker v1, v3;
     bool hasUser = false;  // false: v3 uses an empty user name, which reaches the engine only
@@ -38,17 +38,17 @@ struct LadderSteps {
 
 // Sends one ping, and one SNMPv1 and one SNMPv3 get-next request for sysDescr.0. An SNMPv3 request
 // begins with engine discoveries.
-HostLadder Climb(const LadderSteps& steps);
+HostDiagnosis Diagnose(const DiagnosisSteps& steps);
 
 // True if SNMP answers as requested: to the user if there was one, otherwise to the community.
-bool IsUsable(const HostLadder& ladder);
+bool IsUsable(const HostDiagnosis& diagnosis);
 
 // True if nothing could be sent over SNMP.
-bool IsUnsendable(const HostLadder& ladder);
+bool IsUnsendable(const HostDiagnosis& diagnosis);
 
 // One sentence without a full stop: what answers, what does not, and the likely cause.
-std::string VerdictOn(const HostLadder& ladder);
+std::string VerdictOn(const HostDiagnosis& diagnosis);
 
 }  // namespace vndiscover::host
 
-#endif  // VNDISCOVER_HOST_MODEL_HOST_LADDER_H
+#endif  // VNDISCOVER_HOST_MODEL_HOST_DIAGNOSIS_H

@@ -1,4 +1,4 @@
-#include "model/host_ladder.h"
+#include "model/host_diagnosis.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +20,15 @@ class Verdict : public testing::TestWithParam<VerdictCase> {};
 
 TEST_P(Verdict, NamesWhatAnswersAndWhy) {
     const VerdictCase& device = GetParam();
-    LadderSteps steps;
+    DiagnosisSteps steps;
     steps.ping = [&] { return device.hasPing; };
     steps.v1.getNext = [&](const Oid& oid) { return Failed(device.v1, oid); };
     steps.v3.getNext = [&](const Oid& oid) { return Failed(device.v3, oid, "unknown user"); };
     steps.hasUser = device.hasUser;
-    const HostLadder ladder = Climb(steps);
-    EXPECT_EQ(device.verdict, VerdictOn(ladder));
-    EXPECT_EQ(device.isUsable, IsUsable(ladder));
-    EXPECT_EQ(device.v1 == Status::kSendFailed, IsUnsendable(ladder));
+    const HostDiagnosis diagnosis = Diagnose(steps);
+    EXPECT_EQ(device.verdict, VerdictOn(diagnosis));
+    EXPECT_EQ(device.isUsable, IsUsable(diagnosis));
+    EXPECT_EQ(device.v1 == Status::kSendFailed, IsUnsendable(diagnosis));
 }
 
 constexpr Status kYes = Status::kAnswered;
