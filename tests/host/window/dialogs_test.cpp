@@ -225,6 +225,22 @@ TEST_F(Dialogs, CallsAppearAsTextsToCopy) {
     EXPECT_FALSE(IsWindow(dialog));
 }
 
+// The user sees all of it closed before the first worker is waited for.
+TEST_F(Dialogs, CloseWithTheWindow) {
+    Open();
+    Command(IDC_FIND);
+    Command(IDM_CALLS);
+    const HWND window = window_->Handle(), dialog = PopupOf(window);
+    ASSERT_TRUE(dialog);
+    int seen = 0;
+    engine_.onStop = [&] { seen += IsWindowVisible(window) + IsWindowVisible(dialog); };
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(0, window_->Run());
+    EXPECT_EQ(0, seen);
+    EXPECT_GE(engine_.stops, 1);
+    EXPECT_FALSE(IsWindow(dialog));
+}
+
 // What the system may take long to tell is no business of the window's thread.
 TEST_F(Dialogs, ReportIsMadeByAWorker) {
     Open();

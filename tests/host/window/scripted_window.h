@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -50,6 +51,7 @@ class ScriptedEngine : public Engine {
     }
     // Like the module, forgets a request that comes while no sweep runs.
     void StopSnmp() override {
+        if (onStop) onStop();
         const std::lock_guard<std::mutex> lock(mutex_);
         isOver_ = isInSweep_;
         ++stops;
@@ -82,6 +84,7 @@ class ScriptedEngine : public Engine {
     std::atomic<int> stops{0}, reads{0}, sweeps{0};
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false};
+    std::function<void()> onStop;
     SweepStep lastStep;  // to be read when it is over
 
   private:
