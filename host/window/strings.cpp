@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <cstdio>
+#include <cstdlib>
 
 #include "platform/wide_text.h"
 
@@ -36,10 +36,14 @@ std::wstring Text(unsigned id, std::initializer_list<std::wstring> values) {
 void SetTextChange(TextChange change) { textChange = change; }
 
 std::wstring LocalTime(const std::string& utc) {
-    int part[6] = {};
-    if (std::sscanf(utc.c_str(), "%4d-%2d-%2dT%2d:%2d:%2dZ", &part[0], &part[1], &part[2], &part[3],
-                    &part[4], &part[5]) != 6)
-        return ToWide(utc);
+    long part[6] = {};
+    const char* at = utc.c_str();  // "2026-11-25T04:32:23Z"
+    for (long& number : part) {
+        char* end = nullptr;
+        number = std::strtol(at, &end, 10);
+        if (end == at || *end == '\0' || number < 0 || number > 9999) return ToWide(utc);
+        at = end + 1;
+    }
     const auto word = [&](int index) { return static_cast<WORD>(part[index]); };
     const SYSTEMTIME time = {word(0), word(1), 0, word(2), word(3), word(4), word(5), 0};
     SYSTEMTIME local = {};
