@@ -1,5 +1,5 @@
-// Which adapters of the host a sweep leaves from, for lists that only few machines have, and which
-// address a directed request to an IPv6 device is bound to.
+// The adapters from which a sweep sends, for unusual lists, and the local address to which a
+// directed request to an IPv6 device binds.
 #include <thread>
 
 #include "exports/support/log_lines.h"
@@ -23,8 +23,8 @@ class Adapters : public NetworkTest {
     ScriptedAdapters adapters{module};
 };
 
-// 0.0.0.0 is an adapter without an address: the system chooses one, as for an address that is gone.
-TEST_F(Adapters, WithIPv4AreNumberedInTheSystemsOrderAddressByAddress) {
+// For 0.0.0.0, of an adapter without an address, the system chooses one, as for one that is gone.
+TEST_F(Adapters, IPv4AddressesAreUsedInTheSystemsOrder) {
     adapters.AddIPv4(
         "First",
         {{"10.77.2.1", "255.255.255.0"}, {"", "255.255.255.0"}, {"10.77.1.1", "255.255.0.0"}});
@@ -36,13 +36,13 @@ TEST_F(Adapters, WithIPv4AreNumberedInTheSystemsOrderAddressByAddress) {
          {"NIC [0]\n   IP   = [10.77.2.1, 255.255.255.0]\n   DESC = [First]\nHandleEvents",
           "NIC [1]\n   IP   = [10.77.1.1, 255.255.0.0]\n   DESC = [First]\nHandleEvents",
           "NIC [2]\n   IP   = [0.0.0.0, 0.0.0.0]\n   DESC = [Unplugged]\nHandleEvents",
-          // Wine 8 binds to it all the same, Windows and Wine 10 tell that it is gone.
+          // Wine 8 binds to it all the same; Windows and Wine 10 report that it is gone.
           "NIC [3]\n   IP   = [10.99.9.9, 255.255.255.0]\n   DESC = [Gone]\n"}) {
         EXPECT_THAT(log.Text(), HasSubstr(lines));
     }
 }
 
-TEST_F(Adapters, WithIPv4AreAllUsedUpTo32AndNoneBeyond) {
+TEST_F(Adapters, MoreThan32IPv4AdaptersSendNothing) {
     EXPECT_THAT(SendersOf(0), IsEmpty());
     for (int i = 0; i < 32; ++i) adapters.AddIPv4("Many", {{"10.77.1.1", "255.255.255.0"}});
     EXPECT_THAT(SendersOf(0), SizeIs(32));
@@ -51,7 +51,7 @@ TEST_F(Adapters, WithIPv4AreAllUsedUpTo32AndNoneBeyond) {
     EXPECT_THAT(adapters.sizes, ElementsAre(22528, 22528, 22528)) << "nobody asks for more room";
 }
 
-TEST_F(Adapters, WithIPv6AreUsedByTheirLinkLocalAddressesWhileTheyAreUp) {
+TEST_F(Adapters, IPv6SendsFromLinkLocalAddressesThatAreUp) {
     adapters.WriteAddressesInUpperCase();
     adapters.AddIPv6(L"Down", {"fe80::1:1"}, false);
     adapters.AddIPv6(L"Up", {"2001:db8::1", "fe80::2:1", "fd00::1", "fec0::1"});
@@ -72,7 +72,7 @@ TEST_F(Adapters, WithIPv6AreUsedByTheirLinkLocalAddressesWhileTheyAreUp) {
                                       "\tFriendly name: Nothing\n\tNo Unicast Addresses\n"));
 }
 
-TEST_F(Adapters, WithIPv6AreUsedUpTo32AndAskedForThreeTimesAtMostWithTheRoomTheyNeed) {
+TEST_F(Adapters, IPv6UsesAtMost32AddressesAndThreeCalls) {
     adapters.AddIPv6(L"Many", Lines(40, "fe80::1:1"));
     const auto sizesOf = [this](size_t senders) {
         adapters.sizes.clear();
@@ -93,7 +93,7 @@ constexpr char kInNetB[] = "fe80::2:2";
 
 class BindAddress : public NetworkTest {
   protected:
-    // A device answers only what comes from its own network's adapter.
+    // A device answers only requests from the adapter of its own network.
     std::string Get(const char* host) {
         Devices([](const Request& request) {
             const bool isNeighbour = request.local.substr(0, 7) == request.sender.substr(0, 7);
@@ -106,18 +106,18 @@ class BindAddress : public NetworkTest {
     }
 };
 
-TEST_F(BindAddress, IsTheFirstAdaptersUnlessItsTrialPassesSilently) {
+TEST_F(BindAddress, FirstAdapterIsKeptUnlessItsTrialIsUnanswered) {
     EXPECT_EQ("Model", Get(kInNetA));
     EXPECT_THAT(Senders(), ElementsAre("fe80::1:1", "fe80::1:1"));
-    // A trial that cannot be sent is not one without an answer.
+    // A trial that cannot be sent does not count as unanswered.
     network.sendError = [](int call) { return call == 1 ? WSAENETUNREACH : 0; };
     EXPECT_EQ("Model", Get(kInNetA));
     EXPECT_THAT(Senders(), ElementsAre("fe80::1:1"));
     EXPECT_THAT(SilentWaits(), IsEmpty());
 }
 
-// Only the first two rows are ever tried, and there is no way back to the first.
-TEST_F(BindAddress, IsTheSecondAdaptersAfterOneSilentWaitAndStays) {
+// Only the first two rows are tried, and the first is not tried again.
+TEST_F(BindAddress, SecondAdapterIsUsedAfterOneTimeOutAndRemembered) {
     EXPECT_EQ("Model", Get(kInNetB));
     EXPECT_THAT(Senders(), ElementsAre("fe80::1:1", "fe80::2:1"));
     EXPECT_THAT(SilentWaits(), SizeIs(1));
@@ -134,7 +134,7 @@ TEST_F(BindAddress, IsTheSecondAdaptersAfterOneSilentWaitAndStays) {
     EXPECT_EQ("Model", Get(kInNetA)) << "a module that is loaded anew starts with the first";
 }
 
-TEST_F(BindAddress, IsOneOfTheFirstTwoOfTheList) {
+TEST_F(BindAddress, OnlyTheFirstTwoOfTheListAreTried) {
     for (const Lines& list : {Lines{"fe80::1:1"}, Lines{"fe80::1:1", "fe80::1:1", "fe80::2:1"}}) {
         Reload();
         ScriptedAdapters adapters(module);
@@ -148,7 +148,7 @@ TEST_F(BindAddress, IsOneOfTheFirstTwoOfTheList) {
     }
 }
 
-TEST_F(BindAddress, IsLoggedWithTheAddressesItIsChosenFrom) {
+TEST_F(BindAddress, LogsTheChoiceAndItsCandidates) {
     Get(kInNetB);
     for (const char* line :
          {"g_nAdapter [0]\n", "g_adapterAddr[g_nAdapter].szAddress [fe80::1:1]\n",

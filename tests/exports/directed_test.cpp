@@ -1,5 +1,5 @@
-// The five directed exports: what each sends, what it hands to the host and that this stays within
-// the host's buffers, what it gives where no answer comes, and what it tells the log.
+// The five directed exports: their requests, what they write to the host's buffers and that they
+// stay within them, their results without an answer, and their log lines.
 #include "exports/support/log_lines.h"
 #include "helpers/guarded_buffer.h"
 
@@ -12,7 +12,7 @@ class Directed : public NetworkTest {
   protected:
     void Answer(const Bytes& datagram) { DeviceIn("neta", {{datagram}}); }
 
-    // Time-outs and retries of any kind: they change nothing.
+    // With various time-outs and retries, which have no effect.
     int32_t Raw(uint8_t* value, int32_t size, const char* host = kHost) {
         return module.GetSnmpRequestRaw(host, kSysDescr, value, size, &type, 5000, 9, nullptr,
                                         nullptr);
@@ -48,13 +48,13 @@ class Directed : public NetworkTest {
     uint32_t type = VN_TYPE_OCTET_STRING;
 };
 
-// The bytes at the front, everything after them as it was.
+// The buffer starts with the bytes, and the rest is unchanged.
 void ExpectHolds(const Bytes& bytes, const GuardedBuffer& buffer) {
     EXPECT_EQ(bytes, Prefix(buffer.Content(), bytes.size()));
     EXPECT_TRUE(buffer.IsUntouched(bytes.size()));
 }
 
-TEST_F(Directed, RequestsGoOnceToTheDeviceWithTheCommunityOfTheirKind) {
+TEST_F(Directed, RequestsAreSentOnceWithTheirCommunity) {
     const char* const rows[][4] = {{nullptr, nullptr, "sesame", "sesame"},
                                    {"", "", "sesame", "sesame"},
                                    {"public", "private", "public", "private"}};
@@ -69,7 +69,7 @@ TEST_F(Directed, RequestsGoOnceToTheDeviceWithTheCommunityOfTheirKind) {
     }
 }
 
-TEST_F(Directed, RequestsAreNotMadeOfWhatCannotBeSent) {
+TEST_F(Directed, InvalidArgumentsSendNothing) {
     EXPECT_THAT(CallAll(nullptr, kSysName), Each(0));
     EXPECT_FALSE(log.Has("SCKRAW::SCKRAW()\n"));
     const std::string community(256, 'c');
@@ -79,12 +79,12 @@ TEST_F(Directed, RequestsAreNotMadeOfWhatCannotBeSent) {
     for (const char* oid : {"", ".1", tooLong.c_str(), (const char*)nullptr}) {
         EXPECT_THAT(CallAll(kHost, oid), Each(0)) << (oid ? oid : "(null)");
     }
-    // GetSnmpInformation has an OID of its own.
+    // GetSnmpInformation has a fixed OID.
     EXPECT_EQ(std::vector<Bytes>(4, SnmpGet(kDefaultOid)), Sent());
     ExpectNothingIsTouched();
 }
 
-TEST_F(Directed, RequestsThatFailEndAtOnce) {
+TEST_F(Directed, FailedSendsEndAtOnce) {
     network.sendError = [](int call) { return call <= 5 ? WSAENETUNREACH : 0; };
     EXPECT_THAT(CallAll(kHost, kSysName), ElementsAre(0, 0, -1, -1, -1));
     EXPECT_THAT(log.Lines(), Contains("sendto() failed - 10051\n").Times(5));
@@ -97,9 +97,8 @@ TEST_F(Directed, RequestsThatFailEndAtOnce) {
     ExpectNothingIsTouched();
 }
 
-// Each attempt is lost to a silent wait, an empty datagram, or a failed receive: a closed port
-// shows as 10054.
-TEST_F(Directed, RequestsTakeAnAnswerWithinFiveAttempts) {
+// Time-outs, empty datagrams and failed receives (10054 for a closed port) each use up an attempt.
+TEST_F(Directed, AnswersCountWithinFiveAttempts) {
     struct {
         uint32_t delayMs;
         size_t empty;
@@ -127,11 +126,11 @@ TEST_F(Directed, RequestsTakeAnAnswerWithinFiveAttempts) {
     EXPECT_THAT(SilentWaits(), SizeIs(5)) << "a name that is not found counts as sent";
 }
 
-// The first datagram is the answer, whatever it is and whoever sent it.
-TEST_F(Directed, AnswersAreHandedOverFieldByField) {
+// The first datagram is the answer, whatever its content and sender.
+TEST_F(Directed, AnswersAreCopiedFieldByField) {
     const SnmpMessage other = {kDefaultOid, 4, TextBytes("elsewhere"), 0xA7, "other", {42}, 5};
-    // A name of 200 bytes, more than a record has room for, and a value of 255: nothing longer can
-    // be told to the module.
+    // A name of 200 bytes, too long for a record, and a value of 255, the longest that the module
+    // reads.
     const Bytes longest = Hex("30 82 00 FF 02 01 00 04 01 70 A2 82 00 F0 02 01 01 02 01 00 02 01 00"
                               "30 82 00 E0 30 82 00 E0 06 C8") +
                           Bytes(200, 0x2B) + Hex("04 FF") + Bytes(255, 'y') + Bytes(40, 'z');
@@ -168,7 +167,7 @@ TEST_F(Directed, AnswersAreHandedOverFieldByField) {
         EXPECT_TRUE(record.FrontStands());
         EXPECT_EQ(length, Next(nullptr));
 
-        // Longer than the four bytes that were set: the runtime zeroes them.
+        // Longer than the four bytes that were set, which the runtime zeroes.
         type = VN_TYPE_OPAQUE;
         EXPECT_EQ(length, Set(set.Fresh(), 4));
         EXPECT_EQ(row.type, type);
@@ -176,7 +175,7 @@ TEST_F(Directed, AnswersAreHandedOverFieldByField) {
     }
 }
 
-TEST_F(Directed, TextIsWrittenAsTheExpectedTypeHasIt) {
+TEST_F(Directed, TextIsFormattedByTheExpectedType) {
     struct {
         uint8_t answered;
         Bytes value;
@@ -191,7 +190,7 @@ TEST_F(Directed, TextIsWrittenAsTheExpectedTypeHasIt) {
                       {2, {1, 0, 0, 0, 2}, 2, "2"},
                       {4, TextBytes("AB"), 2, nullptr},
                       {2, TextBytes("AB"), 4, nullptr},
-                      // Agreed upon, but no type that has a text.
+                      // The types agree, but this one has no text.
                       {0x41, TextBytes("AB"), 0x41, nullptr}};
     for (const auto& row : rows) {
         Answer(SnmpAnswer(kSysDescr, row.answered, row.value));
@@ -205,8 +204,8 @@ TEST_F(Directed, TextIsWrittenAsTheExpectedTypeHasIt) {
     EXPECT_STREQ("Model 1", text.Text());
 }
 
-// The bounded copies of the C runtime decide: a raw value is zeroed, a text becomes empty. Its
-// invalid-parameter handler cannot be set under Wine, where it does nothing.
+// The C runtime's bounded copies zero a raw value and empty a text. Its invalid-parameter handler
+// cannot be set under Wine, where it does nothing.
 TEST_F(Directed, BuffersAreNeverOverrun) {
     Answer(SnmpText("LaserPro"));
     for (const int32_t size : {9, 8, 1, 0, -1, INT32_MIN}) {
@@ -219,7 +218,7 @@ TEST_F(Directed, BuffersAreNeverOverrun) {
         EXPECT_TRUE(string.FrontStands());
         EXPECT_TRUE(room == 0 || string.Content()[0] == (size == 9 ? 'L' : 0));
     }
-    // Under Wine the runtime lets a null buffer pass, on Windows it may end the process.
+    // Wine's runtime accepts a null buffer, but on Windows it may end the process.
     const ImportPatch strict(module.Handle(), "strcpy_s",
                              [](char* out, rsize_t size, const char* value) {
                                  EXPECT_NE(nullptr, out);
@@ -230,7 +229,7 @@ TEST_F(Directed, BuffersAreNeverOverrun) {
     EXPECT_EQ(8, module.GetSnmpInformation(kHost, nullptr, nullptr, nullptr));
 }
 
-TEST_F(Directed, SetSendsWhatFitsABindingAndNothingElse) {
+TEST_F(Directed, SetSendsOnlyWhatFitsABinding) {
     const std::tuple<size_t, size_t, bool> rows[] = {// bytes of the value and of the OID
                                                      {0, 8, true},
                                                      {126, 124, true},
@@ -239,7 +238,7 @@ TEST_F(Directed, SetSendsWhatFitsABindingAndNothingElse) {
     for (const auto& [valueBytes, oidBytes, isSent] : rows) {
         SilentDevices();
         GuardedBuffer value(valueBytes);
-        type = 0xFFFFFF00 | VN_TYPE_OPAQUE;  // the low byte alone is the tag
+        type = 0xFFFFFF00 | VN_TYPE_OPAQUE;  // only the low byte is the tag
         EXPECT_EQ(0, Set(value.Data(), value.Size(), LongOid(oidBytes).c_str()));
         EXPECT_TRUE(value.IsUntouched());
         ASSERT_THAT(Sent(), SizeIs(isSent ? 1 : 0)) << valueBytes << ' ' << oidBytes;
@@ -256,7 +255,7 @@ TEST_F(Directed, SetSendsWhatFitsABindingAndNothingElse) {
     EXPECT_THAT(Requests(), IsEmpty());
 }
 
-TEST_F(Directed, RequestsTellTheLogWhatTheyDo) {
+TEST_F(Directed, RequestsLogEachStep) {
     const std::string name = "OID length [9]\nOID = [2b 06 01 02 01 01 05 00 ]\n";
     const std::string end = "VxSnmpMgr::~VxSnmpMgr()\nSCKRAW::~SCKRAW() [-1]\n";
     const std::string get = "g_nAdapter [0]\nVxSNMP::VxSNMP()\nszBindIp []\nSCKRAW::SCKRAW()\n" +

@@ -1,5 +1,5 @@
-// Reachability: real hosts of the test network, and what an echo hands to the system's functions,
-// which are looked up at run time, and makes of their answers.
+// Reachability: real hosts in the test network, and how an echo calls the system's functions, which
+// are loaded at run time, and interprets their results.
 #include "exports/support/network_test.h"
 
 #include <iphlpapi.h>
@@ -11,13 +11,13 @@ namespace {
 
 class PingTest : public NetworkTest {};
 
-TEST_F(PingTest, AnswersForAHostThatIsThere) {
+TEST_F(PingTest, DetectsAHostThatAnswers) {
     EXPECT_EQ(1, module.VxPing("10.77.1.2", 2000));
     EXPECT_THAT(log.Lines(), ElementsAre("IcmpSendEcho dwRetVal = 1\n"));
     EXPECT_EQ(1, module.VxPing("10.77.2.2", 2000)) << "on the other adapter";
     EXPECT_EQ(1, module.VxPing("127.0.0.1", 2000));
     EXPECT_EQ(0, module.VxPing("10.77.1.99", 300));
-    // Not "", which Windows resolves to the machine itself, nor "fe80::", an address of its own.
+    // Neither "", which Windows resolves to this computer, nor "fe80::", one of its addresses.
     for (const char* none : {" ", "no such host", "10.77.1.2.3.4", "::zz", (const char*)nullptr}) {
         EXPECT_EQ(0, module.VxPing(none, 300)) << (none ? none : "(null)");
     }
@@ -31,7 +31,7 @@ int WSAAPI IPv4Alone(const char* host, const char* service, const addrinfo* hint
     return getaddrinfo(host, service, &ipv4, list);
 }
 
-TEST_F(PingTest, TellsWhetherThereIsAnIPv6Stack) {
+TEST_F(PingTest, DetectsAnIPv6Stack) {
     EXPECT_EQ(1, module.IsIPv6Supported());
     EXPECT_THAT(log.Lines(), ElementsAre("SCKRAW::SCKRAW()\n", "SCKRAW::~SCKRAW() [-1]\n"));
     const ImportPatch withoutIPv6(module.Handle(), "getaddrinfo", IPv4Alone);
@@ -76,7 +76,7 @@ DWORD WINAPI Send6(HANDLE, HANDLE event, FARPROC callback, void* context, sockad
                       " reply " + std::to_string(replySize) + " timeout " +
                       std::to_string(timeout) +
                       (event || callback || context || options->OptionsData ? " and more" : ""));
-    std::memset(reply, 0xFF, replySize);  // a status that is no success
+    std::memset(reply, 0xFF, replySize);  // a status other than success
     return g_system.replies;
 }
 
@@ -113,22 +113,22 @@ class Echo : public NetworkTest {
     const Lines v6 = V6("fe800000000000000000000000010002");
 };
 
-TEST_F(Echo, OverIPv4AnswersByAReplyWithoutAnError) {
+TEST_F(Echo, IPv4CountsOnlySuccessfulReplies) {
     ExpectPing("10.77.1.2", 1, v4);
     ExpectPing("10.77.1.2", 0, v4, {kHandle, 0});
-    ExpectPing("10.77.1.2", 0, v4, {kHandle, 1, 11003});  // a router's
+    ExpectPing("10.77.1.2", 0, v4, {kHandle, 1, 11003});  // from a router
     ExpectPing("10.77.1.2", 0, {"create"}, {INVALID_HANDLE_VALUE});
     const std::string counted = "IcmpSendEcho dwRetVal = ";
     EXPECT_EQ((Lines{counted + "1\n", counted + "0\n", counted + "1\n"}), log.Lines());
 }
 
-TEST_F(Echo, OverIPv6AnswersByAnyReplyWhateverItsStatus) {
+TEST_F(Echo, IPv6CountsAnyReply) {
     ExpectPing("fe80::1:2", 1, v6);
     ExpectPing("fe80::1:2", 0, v6, {kHandle, 0});
     ExpectPing("fe80::1:2", 0, {"create 6"}, {INVALID_HANDLE_VALUE});
 }
 
-TEST_F(Echo, ToNamesAndTheBroadcastAddressTakesTheIPv6Way) {
+TEST_F(Echo, NamesAndTheBroadcastAddressUseIPv6) {
     ExpectPing("ip6-localhost", 1, V6("00000000000000000000000000000001"));
     const ImportPatch resolver(module.Handle(), "getaddrinfo", IPv4Alone);
     for (const char* host : {"localhost", "255.255.255.255", "nobody"}) ExpectPing(host, 0, {});

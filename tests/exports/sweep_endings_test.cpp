@@ -1,4 +1,4 @@
-// When the three kinds of sweep end, and what has been delivered by then.
+// When the three kinds of sweep end, and what they have delivered by then.
 #include "exports/support/v3_test.h"
 
 namespace vndiscover {
@@ -12,20 +12,21 @@ struct Kind {
     int waitMs, totalMs, adapters;
 };
 
-// The test's devices are those of neta, unless it says so: its n-th answer is device n. Of a
-// WS-Discovery sweep the results come at once, of the others when a phase is over.
+// Devices are in neta by default, and their n-th answer is device n. WS-Discovery delivers results
+// at once, the other sweeps at the end of a phase.
 class SweepEndings : public V3Test, public WithParamInterface<Kind> {
   protected:
     SweepEndings() : V3Test(false) { network.MakeSocketsUp(module); }
 
     bool IsWsd() const { return GetParam().protocol == Protocol::kWsd; }
 
-    // So many devices, one each gapMs.
+    // This many devices, one every gapMs.
     void Crowd(size_t count, uint32_t gapMs, bool isEverywhere = false) {
         Devices([=, next = 0](const Request& request) mutable {
             if (request.net != "neta" && !isEverywhere) return Answers();
             const bool isV3 = GetParam().protocol == Protocol::kV3;
-            if (isV3 && request.data != V3Probe()) return Answers{{V3Text(std::to_string(next++))}};
+            if (isV3 && request.data != V3Discovery())
+                return Answers{{V3Text(std::to_string(next++))}};
             Answers answers = Repeated(count, {V3Report()}, gapMs);
             for (size_t i = 0; i < count && !isV3; ++i) {
                 const std::string text = std::to_string(i);
@@ -40,7 +41,7 @@ class SweepEndings : public V3Test, public WithParamInterface<Kind> {
         if (IsWsd()) module.DiscoverSoap(window.Handle(), window.kMessage, 4999, "<probe/>", 8);
     }
     void Stop() { IsWsd() ? module.StopDiscoverSoap() : module.StopDiscoverSnmp(); }
-    // The first devices, each once and in order, and the end where there is one.
+    // The first devices, each once and in order, and the final message if there is one.
     Lines First(int count) const {
         Lines texts;
         for (int i = 0; i < count; ++i) texts.push_back("10.77.1.2=" + std::to_string(i));
@@ -49,29 +50,29 @@ class SweepEndings : public V3Test, public WithParamInterface<Kind> {
     static Lines WithEnd(Lines texts) {
         return GetParam().protocol == Protocol::kV3 ? texts : texts + Lines{"end"};
     }
-    // Of the adapters whose phases end with a silent wait.
+    // Of the adapters whose phases end with a time-out.
     std::vector<int> SilentPhases(int count) const {
         return std::vector<int>(static_cast<size_t>(count), GetParam().waitMs);
     }
 };
 
-TEST_P(SweepEndings, SilenceAfterTheLastAnswer) {
+TEST_P(SweepEndings, EndsAfterTwoSecondsOfSilence) {
     Crowd(3, GetParam().waitMs - 1);
     Run();
     EXPECT_EQ(First(3), window.Texts());
     EXPECT_EQ(SilentPhases(GetParam().adapters), SilentWaits());
 }
 
-TEST_P(SweepEndings, ItsTimeWhenThereIsNoSilence) {
+TEST_P(SweepEndings, EndsAtItsTimeLimitWithoutSilence) {
     Crowd(1000, 700);
     Run();
-    // The answer that comes as the time is up is the last one.
+    // The answer that arrives at the time limit is the last one.
     const int limit = GetParam().totalMs;
     EXPECT_EQ(First(limit / 700 + 2), window.Texts());
     EXPECT_EQ(SilentPhases(GetParam().adapters - 1), SilentWaits()) << "of the others";
 }
 
-TEST_P(SweepEndings, AFullTable) {
+TEST_P(SweepEndings, EndsWithAFullTable) {
     Crowd(8300, 0);
     Run();
     ASSERT_THAT(window.results, SizeIs(First(8192).size()));
@@ -80,7 +81,7 @@ TEST_P(SweepEndings, AFullTable) {
 }
 
 // The next phase ends with its first datagram, and WS-Discovery has delivered that.
-TEST_P(SweepEndings, AStopFromTheWindow) {
+TEST_P(SweepEndings, StopsFromWithinAResultMessage) {
     Crowd(3, 0, true);
     window.onResult = [&](const Result& result) {
         if (!result.isEnd) Stop();
@@ -89,7 +90,7 @@ TEST_P(SweepEndings, AStopFromTheWindow) {
     EXPECT_EQ(IsWsd() ? WithEnd({"10.77.1.2=0", "10.77.2.2=0", "127.0.0.1=0"}) : First(1),
               window.Texts());
     EXPECT_EQ(SilentPhases(IsWsd() ? 0 : 1), SilentWaits());
-    // Outside a sweep it is forgotten.
+    // Outside a sweep it has no effect.
     Stop();
     Crowd(3, 0);
     window.results.clear();
@@ -98,8 +99,8 @@ TEST_P(SweepEndings, AStopFromTheWindow) {
     EXPECT_EQ(First(3), window.Texts());
 }
 
-// WS-Discovery has delivered by then, and the other adapters are still asked.
-TEST_P(SweepEndings, AStopWhileItCollects) {
+// WS-Discovery has delivered by then, and the requests of the other adapters are still sent.
+TEST_P(SweepEndings, StopsWhileCollecting) {
     Crowd(1000, 700);
     network.onDatagram = [&](int datagrams) {
         if (datagrams == 9) Stop();
@@ -110,10 +111,10 @@ TEST_P(SweepEndings, AStopWhileItCollects) {
     EXPECT_EQ(SilentPhases(GetParam().adapters - 1), SilentWaits());
 }
 
-TEST_P(SweepEndings, SocketsThatAreNotStarted) {
+TEST_P(SweepEndings, EndsIfWinSockIsNotStarted) {
     Crowd(3, 0, true);
     network.receiveError = [&](int call) {
-        // One failed receive before that loses no answer.
+        // An earlier failed receive loses no answer.
         return call == 1 ? WSAECONNRESET : network.Datagrams() >= 2 ? WSANOTINITIALISED : 0;
     };
     Run();
@@ -121,9 +122,9 @@ TEST_P(SweepEndings, SocketsThatAreNotStarted) {
     EXPECT_THAT(network.NowMs(), Le(100u)) << "at once";
 }
 
-// What Windows reports after an ICMP "port unreachable", and its kin. A sweep must not keep a core
-// busy with them.
-TEST_P(SweepEndings, ItsTimeWhenEveryReceiveFails) {
+// For example after an ICMP "port unreachable". A sweep must not keep a core busy with failing
+// receives.
+TEST_P(SweepEndings, EndsAtItsTimeLimitIfEveryReceiveFails) {
     for (const int error : {WSAECONNRESET, WSAENETRESET, WSAENETDOWN}) {
         Crowd(3, 0);
         network.receiveError = [error](int) { return error; };

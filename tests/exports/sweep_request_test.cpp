@@ -1,4 +1,4 @@
-// What a sweep asks, from where and in which order, and what it tells the log about that.
+// The requests of a sweep, from where and in which order they are sent, and their log lines.
 #include <sstream>
 
 #include "exports/support/log_lines.h"
@@ -10,7 +10,7 @@ constexpr UINT kMessage = ResultWindow::kMessage;
 
 class SweepRequest : public NetworkTest {
   protected:
-    // Both adapters have sent that, nobody has answered. Forgets it.
+    // Checks that both adapters have sent this request without an answer, and clears the record.
     void ExpectAsked(const Bytes& expected) {
         EXPECT_EQ(std::vector<Bytes>(2, expected), Sent());
         EXPECT_THAT(window.Texts(), ElementsAre("end"));
@@ -35,7 +35,7 @@ TEST_F(SweepRequest, LeavesEveryIPv4AddressOnceAndInOrder) {
             "30 13 30 11 06 0D 2B 06 01 04 01 AE 4B 2B 05 01 01 01 01 05 00"));
 }
 
-// The host itself, which is one of all nodes, hears nothing.
+// The host itself, which is one of the all-nodes group, receives nothing.
 TEST_F(SweepRequest, LeavesEveryIPv6AddressOnceAndInOrder) {
     Sweep(nullptr, 255);
     EXPECT_THAT(Ways(),
@@ -49,7 +49,7 @@ TEST_F(SweepRequest, LeavesEveryIPv6AddressOnceAndInOrder) {
     ExpectAsked(SnmpGet(kDefaultOid));
 }
 
-TEST_F(SweepRequest, HoldsTheOidAndTheReadCommunityOrTheirDefaults) {
+TEST_F(SweepRequest, CarriesTheOidAndReadCommunityOrTheirDefaults) {
     const HWND w = window.Handle();
     module.DiscoverDevices(w, kMessage, 9, 0, L"", L"public", L"private");
     ExpectAsked(SnmpGet(kDefaultOid, "public"));
@@ -63,7 +63,7 @@ TEST_F(SweepRequest, HoldsTheOidAndTheReadCommunityOrTheirDefaults) {
     ExpectAsked(SnmpGet(kSysDescr, "caf\xe9"));
     SweepByOid("");
     ExpectAsked(SnmpGet(kDefaultOid));
-    SweepByOid(".1");  // a text that holds no OID
+    SweepByOid(".1");  // fewer than two arcs
     ExpectAsked(
         Hex("30 1E 02 01 00 04 06 73 65 73 61 6D 65 A0 11 02 01 01 02 01 00 02 01 00"
             "30 06 30 04 06 00 05 00"));
@@ -75,11 +75,11 @@ TEST_F(SweepRequest, HoldsTheOidAndTheReadCommunityOrTheirDefaults) {
     }
 }
 
-TEST_F(SweepRequest, ThatFitsNoDatagramIsNotSentAndTheSweepStillEnds) {
+TEST_F(SweepRequest, IsNotSentIfTooLongButTheSweepEnds) {
     for (const size_t size : {256, 5000}) SweepByOid(kSysName, std::wstring(size, L'c').c_str());
     for (const size_t octets : {125, 2500}) SweepByOid(LongOid(octets));
     SweepByOid(".1.3." + std::string(254, '0') + "6");
-    // Questions take 2,047 bytes at most.
+    // JSON requests have 2,047 bytes at most.
     const auto question = [](size_t size) { return L"{\"a\": 1}" + std::wstring(size - 8, L' '); };
     for (const size_t size : {2048, 100000}) SweepFor(question(size));
     EXPECT_THAT(Requests(), IsEmpty());
@@ -88,7 +88,7 @@ TEST_F(SweepRequest, ThatFitsNoDatagramIsNotSentAndTheSweepStillEnds) {
     EXPECT_THAT(Requests(), SizeIs(2));
 }
 
-TEST_F(SweepRequest, IsMadeByNoExportThatDoesNothing) {
+TEST_F(SweepRequest, ExportsWithoutFunctionSendNothing) {
     EXPECT_EQ(0, module.DiscoverHttp());
     EXPECT_EQ(0, module.DiscoverBonjour());
     EXPECT_EQ(0, module.GetBonjourInformation());
@@ -97,7 +97,7 @@ TEST_F(SweepRequest, IsMadeByNoExportThatDoesNothing) {
     EXPECT_THAT(log.Lines(), ElementsAre("VxSnmpMgr::StopDiscover\n"));
 }
 
-TEST_F(SweepRequest, LeavesFromSocketsWithTimeOutsOfASecond) {
+TEST_F(SweepRequest, SocketsHaveTimeOutsOfASecond) {
     Devices([](const Request& request) {
         for (const int option : {SO_SNDTIMEO, SO_RCVTIMEO}) {
             int milliseconds = 0, size = sizeof milliseconds;
@@ -112,18 +112,18 @@ TEST_F(SweepRequest, LeavesFromSocketsWithTimeOutsOfASecond) {
     EXPECT_THAT(Requests(), SizeIs(4));
 }
 
-TEST_F(SweepRequest, LeavesFromSocketsWhoseAddressCannotBeBound) {
+TEST_F(SweepRequest, IsSentEvenIfBindFails) {
     static int error;
     const ImportPatch patch(module.Handle(), "bind", [](SOCKET, const sockaddr*, int) {
         WSASetLastError(error);
         return SOCKET_ERROR;
     });
-    // What a socket says that was neither bound nor sent from.
+    // The error of a socket that was neither bound nor used to send.
     network.receiveError = [](int) { return WSAEINVAL; };
     std::istringstream errors(
         "10013 WSAEACCES 10014 WSAEFAULT 10022 WSAEINVAL 10036 WSAEINPROGRESS 10038 WSAENOTSOCK "
         "10048 WSAEADDRINUSE 10049 WSAEADDRNOTAVAIL 10050 WSAENETDOWN 10055 WSAENOBUFS "
-        "10093 WSANOTINITIALISED 10040 -");  // the last has no line of its own
+        "10093 WSANOTINITIALISED 10040 -");  // there is no line for the last
     for (std::string name; errors >> error >> name;) {
         Sweep();
         char line[32];
@@ -134,7 +134,7 @@ TEST_F(SweepRequest, LeavesFromSocketsWhoseAddressCannotBeBound) {
     }
 }
 
-TEST_F(SweepRequest, ThatCannotBeSentSkipsItsAdapter) {
+TEST_F(SweepRequest, FailedSendSkipsItsAdapter) {
     network.sendError = [](int call) { return call == 1 ? WSAENETUNREACH : 0; };
     DeviceIn("netb", {{SnmpText("B")}});
     Sweep();

@@ -1,5 +1,5 @@
-// What a sweep delivers for what devices answer: messages, lines of the result file, documents and
-// lines of the log.
+// What a sweep delivers for the answers of devices: messages, lines of the result file, documents
+// and log lines.
 #include <thread>
 
 #include "exports/support/log_lines.h"
@@ -14,7 +14,7 @@ class SweepResults : public NetworkTest {
     const std::wstring path = L"devices \u00e9.csv";
 };
 
-TEST_F(SweepResults, AreAMessageAndThenALineEachAdapterByAdapterInTheOrderOfTheAnswers) {
+TEST_F(SweepResults, EachIsAMessageAndALineInTheOrderOfAnswers) {
     Devices([](const Request& request) {
         if (request.net == "netb") return Answers{{SnmpText("C")}};
         return Answers{{SnmpText("B \"2\", 4"), "10.77.1.12"},
@@ -50,7 +50,7 @@ TEST_F(SweepResults, AreAMessageAndThenALineEachAdapterByAdapterInTheOrderOfTheA
     EXPECT_THAT(asked, ElementsAre(1, 1, 1, 1, 2, 2)) << "adapters before the message";
 }
 
-TEST_F(SweepResults, OfIPv6HaveNoZone) {
+TEST_F(SweepResults, IPv6AddressesHaveNoZone) {
     DeviceIn("netb", {{SnmpText("B"), "fe80::2:12"}, {SnmpText("A")}});
     Sweep(nullptr, 1);
     EXPECT_THAT(window.Texts(), ElementsAre("fe80::2:12=B", "fe80::2:2=A", "end"));
@@ -72,10 +72,10 @@ TEST_F(SweepResults, ReachAWindowOfAnotherThreadThatPumpsMessages) {
     EXPECT_EQ(GetCurrentThreadId(), resultThread);
 }
 
-// Whatever arrives is a device, one that cannot be read without a value, and harms none that comes
-// after it. Only empty and oversized datagrams, which Windows reports as errors, are left out: the
-// network before was silent, which an empty one must not be taken for.
-TEST_F(SweepResults, AreWhateverArrivesWithTheValueThatCanBeRead) {
+// Every datagram counts as a device, an unreadable one without a value, and none affects a later
+// one. Only empty and oversized datagrams, which Windows reports as errors, are left out: an empty
+// one must not be mistaken for the time-out of the network before.
+TEST_F(SweepResults, EveryDatagramIsDeliveredWithItsReadableValue) {
     const Bytes model = SnmpText("Model");
     const Bytes oversized = model + Bytes(3000, 0x20);
     const char* const leftOut = "(left out)";
@@ -85,7 +85,7 @@ TEST_F(SweepResults, AreWhateverArrivesWithTheValueThatCanBeRead) {
         {Bytes(2048, 0xFF), ""},
         {Prefix(oversized, 2049), leftOut},
         {Prefix(oversized, 2048), "Model"},
-        {SnmpAnswer(kSysName, 2, {0x41, 0x42}), "AB"},  // nobody asks what it is
+        {SnmpAnswer(kSysName, 2, {0x41, 0x42}), "AB"},  // the type is not checked
         {SnmpText(std::string("ab\0cd", 5)), "ab"}};
     Answers answers;
     Lines expected;
@@ -104,12 +104,12 @@ TEST_F(SweepResults, AreWhateverArrivesWithTheValueThatCanBeRead) {
     EXPECT_THAT(window.Texts(), ElementsAreArray(expected));
 }
 
-TEST_F(SweepResults, GoToAFileThatIsOpenForOneSweepAndNeedsNoWindow) {
+TEST_F(SweepResults, FileIsOpenForOneSweepAndNeedsNoWindow) {
     DeviceIn("neta", {{SnmpText("A")}});
     module.DiscoverDevices(nullptr, 0, 0, 0, path.c_str(), nullptr, nullptr);
     EXPECT_EQ("\"10.77.1.2\",\"A\"\r\n", ReadFile(path));
     EXPECT_NE(0, DeleteFileW(path.c_str())) << "still open";
-    // A path that is too long is not cut to that of some other file.
+    // A path that is too long must not be truncated to that of another file.
     wchar_t folder[MAX_PATH] = {};
     const DWORD length = GetTempPathW(MAX_PATH, folder);
     const std::wstring tooLong = folder + std::wstring(260 - length, L'x');
@@ -124,7 +124,7 @@ TEST_F(SweepResults, GoToAFileThatIsOpenForOneSweepAndNeedsNoWindow) {
     EXPECT_EQ("(no file)", ReadFile(tooLong.substr(0, 259)));
 }
 
-TEST_F(SweepResults, OfADeviceWithoutAnAddressAreNotWritten) {
+TEST_F(SweepResults, FileHasNoLineForADeviceWithoutAnAddress) {
     const ImportPatch patch(
         module.Handle(), "getnameinfo",
         [](const sockaddr*, socklen_t, PCHAR, DWORD, PCHAR, DWORD, INT) { return EAI_FAIL; });
@@ -160,11 +160,11 @@ TEST_F(SweepJson, FillsInEachValueThatTheDeviceHas) {
                     R"(".1.3.6.1.2.1.1.1.0":"A \"fast\" printer",".1.3.6.1.2.1.1.6.0":"unknown",)"
                     R"(".1.3.6.1.2.1.1.5.0":"prn1"},"id":7})",
                     "end"));
-    // Each OID is asked for once, of the device alone and from the adapter that it is attached to.
+    // Each OID is requested once, only from the device, and from its own adapter.
     const std::string question = "neta: 10.77.1.1 > 10.77.1.2:161";
     EXPECT_THAT(Ways(), ElementsAre("neta: 10.77.1.1 > 255.255.255.255:161", question, question,
                                     question, "netb: 10.77.2.1 > 255.255.255.255:161"));
-    // The silent one cost five waits, the two adapters' phases one each.
+    // The unanswered one takes five waits, the two adapters' phases one each.
     EXPECT_THAT(SilentWaits(), SizeIs(5 + 2));
     for (const char* lines :
          {"wszDisOID [.1.3.6.1.4.1.5963.43.5.1.1.1.1]\nszDisOid [.1.3.6.1.4.1.5963.43.5.1.1.1.1]\n",
@@ -198,7 +198,7 @@ TEST_F(SweepJson, AsksEachDeviceInTurnWithTheHostsCommunity) {
     EXPECT_TRUE(log.Has("We have [2] devices responsed the information.\n"));
 }
 
-TEST_F(SweepJson, AsksAnIPv6DeviceFromItsOwnAdapter) {
+TEST_F(SweepJson, AsksIPv6DevicesFromTheirOwnAdapter) {
     Devices([](const Request& request) {
         if (request.net != "netb") return Answers();
         return Answers{{SnmpText(request.sender + " asks " + request.local)}};
@@ -219,19 +219,19 @@ TEST_F(SweepJson, DeliversUtf8) {
                     "end"));
 }
 
-TEST_F(SweepJson, AsksForNoCutOidAndDeliversNothingForWhatIsNoJson) {
+TEST_F(SweepJson, RequestsNoTruncatedOidAndDeliversNothingWithoutJson) {
     const std::string longest = ".1.3." + std::string(253, '0') + "6";
     const std::string tooLong = ".1.3." + std::string(254, '0') + "6";
     DeviceIn("neta", {{SnmpText("Model")}});
     SweepFor(Wide("{\"GET\": {\"" + longest + "\": \"\", \"" + tooLong + "\": \"kept\"}}"));
     SweepFor(L"{\"GET\": {");
-    SweepFor(std::wstring(2047, L'['));  // nested too deep
+    SweepFor(std::wstring(2047, L'['));  // nested too deeply
     EXPECT_THAT(window.Documents(), ElementsAre("10.77.1.2={\"GET\":{\"" + longest +
                                                     "\":\"Model\",\"" + tooLong + "\":\"kept\"}}",
                                                 "end", "end", "end"));
 }
 
-TEST_F(SweepJson, ADocumentThatDoesNotFitIsCut) {
+TEST_F(SweepJson, OversizedDocumentIsCut) {
     const std::string answer(127, 'x');
     std::string request = "{\"GET\":{", whole = "{\n\t\"GET\":\t{\n";
     for (int i = 10; i < 50; ++i) {

@@ -1,4 +1,4 @@
-// What one sweep leaves to the next, to one that a host starts inside it, and to the process.
+// How a sweep affects the next one, one that a host starts within it, and the process.
 #include <fcntl.h>
 #include <stdlib.h>
 
@@ -21,7 +21,7 @@ class SweepState : public V3Test {
     SweepState() {
         Devices([](const Request& request) {
             if (request.net != "neta") return Answers();
-            if (request.data == V3Probe()) return Answers{{V3Report()}};
+            if (request.data == V3Discovery()) return Answers{{V3Report()}};
             if (request.data == V3Request(kDefaultOid)) return Answers{{V3Text("V3")}};
             return Answers{{SnmpText("A")}, {SnmpText("B")}};
         });
@@ -29,7 +29,7 @@ class SweepState : public V3Test {
     ResultWindow other;
 };
 
-TEST_F(SweepState, OfASweepThatRunsIsNotTouchedByOneInsideIt) {
+TEST_F(SweepState, NestedSweepDoesNotDisturbARunningOne) {
     window.onResult = [&](const Result& result) {
         if (result.isEnd) return;
         module.DiscoverDevices(other.Handle(), other.kMessage, 0, 0, kPath, nullptr, nullptr);
@@ -46,7 +46,7 @@ TEST_F(SweepState, OfASweepThatRunsIsNotTouchedByOneInsideIt) {
     EXPECT_THAT(other.results, IsEmpty());
 }
 
-TEST_F(SweepState, IsFreeForAnotherWithinTheFinalMessage) {
+TEST_F(SweepState, NextSweepMayStartWithinTheFinalMessage) {
     window.onResult = [&](const Result& result) {
         if (result.isEnd) module.DiscoverSnmp(other.Handle(), other.kMessage, 0, 0, "next", "");
     };
@@ -65,7 +65,7 @@ TEST_F(SweepState, IsFreeForAnotherWithinTheFinalMessage) {
 
 int g_allocationsLeft;
 
-TEST_F(SweepState, IsFreeForAnotherWhicheverAllocationFails) {
+TEST_F(SweepState, NextSweepMayStartWhicheverAllocationFails) {
     for (const bool isV1 : {true, false}) {
         const auto sweep = [&] { isV1 ? Sweep() : static_cast<void>(SweepV3(window)); };
         sweep();
@@ -88,9 +88,9 @@ TEST_F(SweepState, IsFreeForAnotherWhicheverAllocationFails) {
     }
 }
 
-// Cut, it could name another variable.
-TEST_F(SweepState, HasNoRoomForADiscoveryOidOf260Characters) {
-    const auto request = [](size_t size) {  // kSysName as so many characters
+// A truncated OID could name another variable.
+TEST_F(SweepState, DiscoveryOidOf260CharactersIsRefused) {
+    const auto request = [](size_t size) {  // kSysName in this many characters
         return L"{\"DiscoverOID\": \".1.3.6.1.2.1.1.5." + std::wstring(size - 17, L'0') + L"\"}";
     };
     SilentDevices();
@@ -106,7 +106,7 @@ TEST_F(SweepState, HasNoRoomForADiscoveryOidOf260Characters) {
     EXPECT_THAT(Sent(), SizeIs(4));
 }
 
-TEST_F(SweepState, BeginsWithASocketObjectOfItsOwn) {
+TEST_F(SweepState, EachSweepHasANewSocketObject) {
     SilentDevices();
     Sweep();
     SweepV3(window);
@@ -114,8 +114,8 @@ TEST_F(SweepState, BeginsWithASocketObjectOfItsOwn) {
     EXPECT_THAT(log.Lines(), Contains("SCKRAW::SCKRAW()\n").Times(3));
 }
 
-// Whatever the host has made the runtime's default.
-TEST_F(SweepState, IsWrittenToTextFiles) {
+// Even if the host has made binary its runtime's default.
+TEST_F(SweepState, FilesAreWrittenInTextMode) {
     const int before = _fmode;
     _fmode = _O_BINARY;
     switches.SetOn("Dbg2Log");
@@ -132,8 +132,8 @@ TEST_F(SweepState, IsWrittenToTextFiles) {
 
 int g_references;
 
-// The module ends under the loader's lock, where the last clean-up could wait for ever.
-TEST(WinSockReferences, OneStaysWhenTheModuleIsUnloadedAfterASweep) {
+// The module is unloaded under the loader lock, where the last clean-up could wait for ever.
+TEST(WinSockReferences, OneRemainsWhenTheModuleIsUnloadedAfterASweep) {
     const std::function<void(const Module&)> sweeps[] = {
         [](const Module& module) { module.DiscoverSnmp(nullptr, 0, 0, 0, nullptr, nullptr); },
         [](const Module& module) {
@@ -146,7 +146,7 @@ TEST(WinSockReferences, OneStaysWhenTheModuleIsUnloadedAfterASweep) {
         g_references = 0;
         {
             const Module module;
-            // Never taken back: what the unloading does is the test.
+            // Not released: the test is what unloading does.
             new ImportPatch(module.Handle(), "WSAStartup", [](WORD version, WSADATA* data) {
                 ++g_references;
                 return WSAStartup(version, data);

@@ -1,4 +1,4 @@
-// The registry switches of the debug log, and where its lines go.
+// The registry switches of the debug log, and the destinations of its lines.
 #include <regex>
 #include <thread>
 
@@ -14,13 +14,13 @@ class DebugSwitches : public testing::Test {
   protected:
     ~DebugSwitches() override { DeleteFileA(kFile); }
 
-    // A line that the module writes at once.
+    // Makes the module log a line.
     static void Speak(const Module& module) { module.StopDiscoverSnmp(); }
-    // The module reads its switches.
+    // Makes the module read its switches.
     static void StartAThread() {
         std::thread([] {}).join();
     }
-    // What the file holds, each line after its time stamp.
+    // The lines of the file, without time stamps.
     static Lines FileLines() {
         SYSTEMTIME now;
         GetLocalTime(&now);
@@ -57,7 +57,7 @@ TEST_F(DebugSwitches, Dbg2LogAppendsLinesToTheFileUntilTheModuleIsUnloaded) {
         switches.Remove("Dbg2Log");
         StartAThread();
         Speak(module);
-        // Only a missing key is told, for each of the two switches as a thread starts and ends.
+        // Only a missing key is logged, for each of the two switches when a thread starts and ends.
         switches.RemoveAll();
         StartAThread();
     }
@@ -71,7 +71,7 @@ TEST_F(DebugSwitches, Dbg2LogAppendsLinesToTheFileUntilTheModuleIsUnloaded) {
         FileLines());
 }
 
-TEST_F(DebugSwitches, CountByTheirFirstFourBytesWhateverTheirType) {
+TEST_F(DebugSwitches, CountIfUpTo4BytesWhateverTheirType) {
     const struct {
         DWORD type;
         Bytes data;
@@ -105,7 +105,7 @@ TEST_F(DebugSwitches, DebugFollowsTheRegistryWhenAThreadStartsOrEnds) {
     EXPECT_THAT(log.Lines(), IsEmpty());
 }
 
-// Both switches on: the debugger sees all lines, the file the narrow ones.
+// With both switches on, the debugger gets all lines and the file the narrow ones.
 TEST_F(DebugSwitches, WideLinesNeverReachTheFile) {
     switches.SetOn("Debug");
     switches.SetOn("Dbg2Log");
@@ -121,16 +121,15 @@ TEST_F(DebugSwitches, WideLinesNeverReachTheFile) {
     EXPECT_EQ(narrow, FileLines());
 }
 
-TEST_F(DebugSwitches, AFileThatCannotBeOpenedDropsLinesOnly) {
+TEST_F(DebugSwitches, UnwritableFileOnlyLosesLines) {
     CreateDirectoryA(kFile, nullptr);
     switches.SetOn("Dbg2Log");
     Speak(Module());
     EXPECT_NE(0, RemoveDirectoryA(kFile));
 }
 
-// wvsprintfA cuts at 1,024 characters, of which Wine's loses the last. The stamp comes on top of
-// them.
-TEST_F(DebugSwitches, CutAMessageAt1024Characters) {
+// wvsprintfA cuts at 1,024 characters, of which Wine drops the last. The time stamp is extra.
+TEST_F(DebugSwitches, MessagesAreCutAt1024Characters) {
     switches.SetOn("Debug");
     const Module module;
     module.GetSnmpRequestRaw(std::string(2000, '9').c_str(), "", nullptr, 0, nullptr, 0, 0, nullptr,

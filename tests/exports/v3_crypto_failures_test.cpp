@@ -1,5 +1,5 @@
-// When the system's crypto functions fail: what the log says, that nothing is sent authenticated or
-// in the clear, and that what had been opened is closed.
+// Failures of the system's crypto functions: the log lines, that nothing is sent authenticated or
+// in the clear, and that everything opened is closed.
 #include "exports/support/v3_test.h"
 
 #include <wincrypt.h>
@@ -9,7 +9,7 @@ namespace {
 
 int g_open;  // contexts, keys and hashes
 
-// A function of the system's that opens or closes one of them.
+// A function of the system that opens or closes one of them.
 template <auto Function, int Change>
 struct Counted;
 template <class... Arguments, BOOL(WINAPI* Function)(Arguments...), int Change>
@@ -21,7 +21,7 @@ struct Counted<Function, Change> {
     }
 };
 
-// In place of a function with whatever arguments, which the caller removes.
+// Replaces a function with any arguments, which the caller removes from the stack.
 BOOL Fail() {
     SetLastError(5);
     return FALSE;
@@ -30,7 +30,7 @@ LONG FailWithStatus() { return static_cast<LONG>(0xC0000001); }
 
 class V3CryptoFailures : public V3Test {
   protected:
-    // One private answer to whatever is asked.
+    // One encrypted answer to every request.
     V3CryptoFailures() {
         V3Datagram answer;
         answer.flagsTlv = Tlv(0x04, {0x03});
@@ -49,11 +49,11 @@ class V3CryptoFailures : public V3Test {
         EXPECT_STREQ("before", value);
         EXPECT_EQ(0, g_open) << line;
         EXPECT_TRUE(log.Has(line)) << line;
-        for (const std::string& told : log.Lines()) {  // of errors nothing else
+        for (const std::string& told : log.Lines()) {  // no other errors
             EXPECT_TRUE(told == line || told.find("Err") == std::string::npos) << told;
         }
     }
-    // The last request says that it is authenticated, with a code of zeros.
+    // The last request claims to be authenticated, but its HMAC is zeros.
     void ExpectUnsigned(size_t size) {
         V3Datagram request = V3RequestFields(kSysName);
         request.flagsTlv = Tlv(0x04, {0x05});
@@ -62,7 +62,7 @@ class V3CryptoFailures : public V3Test {
     }
 };
 
-TEST_F(V3CryptoFailures, OfTheOlderLibrary) {
+TEST_F(V3CryptoFailures, CryptoApiFailuresSendNothingInTheClear) {
     const ImportPatch counted[] = {
         {module.Handle(), "CryptAcquireContextA", Counted<CryptAcquireContextA, 1>::Call},
         {module.Handle(), "CryptImportKey", Counted<CryptImportKey, 1>::Call},
@@ -97,7 +97,7 @@ TEST_F(V3CryptoFailures, OfTheOlderLibrary) {
     }
 }
 
-TEST_F(V3CryptoFailures, OfTheNewerLibrary) {
+TEST_F(V3CryptoFailures, CngFailuresSendNothingInTheClear) {
     for (const std::string name : {"BCryptOpenAlgorithmProvider", "BCryptGetProperty",
                                    "BCryptCreateHash", "BCryptHashData", "BCryptFinishHash"}) {
         LookupPatch lookup(module);

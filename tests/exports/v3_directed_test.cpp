@@ -1,4 +1,4 @@
-// Directed requests over SNMPv3: what goes out, what the host's memory holds, what the log says.
+// Directed requests over SNMPv3: the datagrams, the host's buffers, the log lines.
 #include "exports/support/v3_test.h"
 #include "helpers/guarded_buffer.h"
 
@@ -39,7 +39,7 @@ class V3Directed : public V3Test {
     const int32_t reportLength = static_cast<int32_t>(V3Report().size());
 };
 
-TEST_F(V3Directed, AGetGivesTheLengthOfTheReportAndTheTextIfItFits) {
+TEST_F(V3Directed, GetReturnsTheReportsLengthAndTheText) {
     AnswerWith(V3Text("prn1", kSysName));
     for (const size_t size : {260, 5, 4, 1}) {
         GuardedBuffer value(size);
@@ -56,7 +56,7 @@ TEST_F(V3Directed, AGetGivesTheLengthOfTheReportAndTheTextIfItFits) {
     EXPECT_THAT(SilentWaits(), IsEmpty());
 }
 
-TEST_F(V3Directed, AGetGivesTextAloneAndTellsTheTypeOfEveryValue) {
+TEST_F(V3Directed, GetWritesTextOnlyAndTheTypeOfEveryValue) {
     for (const V3AnswerCase& row : V3AnswerCases()) {
         SCOPED_TRACE(row.name);
         text.Fresh();
@@ -68,8 +68,8 @@ TEST_F(V3Directed, AGetGivesTextAloneAndTellsTheTypeOfEveryValue) {
     }
 }
 
-// Codes and cipher texts are shown to a real agent and a dissector elsewhere.
-TEST_F(V3Directed, ProtocolsThatAreUnknownAndPrivacyWithoutAuthenticationProtectNothing) {
+// HMACs and cipher texts are checked with a real agent and a dissector elsewhere.
+TEST_F(V3Directed, UnknownProtocolsAndPrivacyWithoutAuthenticationProtectNothing) {
     AnswerWith(V3Text("prn1", kSysName));
     V3Datagram request = V3RequestFields(kSysName);
     user = {L"user", 0, 1};
@@ -83,11 +83,11 @@ TEST_F(V3Directed, ProtocolsThatAreUnknownAndPrivacyWithoutAuthenticationProtect
     }
 }
 
-TEST_F(V3Directed, AGetNextFillsTheRecordWithTheVariableThatFollows) {
+TEST_F(V3Directed, GetNextFillsTheRecordWithTheNextVariable) {
     const std::string value("a\0b", 3);
     AnswerWith(V3Text(value, kSysLocation));
     EXPECT_EQ(reportLength, GetNext(&record));
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Request(kSysName, 0xA1)));
+    EXPECT_THAT(Sent(), ElementsAre(V3Discovery(), V3Request(kSysName, 0xA1)));
     EXPECT_STREQ(kHost, record.address);
     ASSERT_LE(record.oidLength, VN_OID_SIZE) << "no variable";
     EXPECT_EQ(VN_TYPE_OCTET_STRING, record.valueType);
@@ -104,8 +104,8 @@ TEST_F(V3Directed, AGetNextFillsTheRecordWithTheVariableThatFollows) {
     EXPECT_EQ(0, GetNext(nullptr));
 }
 
-// The first silent wait ends each half of the exchange.
-TEST_F(V3Directed, NoAnswerOrNoReportGivesNothing) {
+// The first time-out ends each half of the exchange.
+TEST_F(V3Directed, MissingReportsAndAnswersGiveNothing) {
     DeviceWith({{V3Report()}}, {});
     EXPECT_EQ(0, Get(text));
     ExpectNothing();
@@ -115,7 +115,7 @@ TEST_F(V3Directed, NoAnswerOrNoReportGivesNothing) {
     SilentDevices();
     EXPECT_EQ(0, Get(text));
     EXPECT_EQ(0, GetNext(&record));
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Probe())) << "each sent once";
+    EXPECT_THAT(Sent(), ElementsAre(V3Discovery(), V3Discovery())) << "each sent once";
     EXPECT_THAT(SilentWaits(), ElementsAre(2000, 2000));
     network.sendError = [](int) { return WSAENETUNREACH; };
     EXPECT_EQ(0, Get(text));
@@ -123,15 +123,15 @@ TEST_F(V3Directed, NoAnswerOrNoReportGivesNothing) {
     ExpectNothing();
 }
 
-TEST_F(V3Directed, AReportWithoutAnEngineLeadsToAnotherProbe) {
+TEST_F(V3Directed, ReportWithoutAnEngineLeadsToAnotherDiscovery) {
     for (const Bytes& report : {V3NamelessReport(), TextBytes("no report")}) {
         DeviceWith({{report}}, {{V3Text("prn1")}});
         EXPECT_EQ(static_cast<int32_t>(report.size()), Get(text));
-        EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3ProbeFor(kSysName)));
+        EXPECT_THAT(Sent(), ElementsAre(V3Discovery(), V3DiscoveryFor(kSysName)));
     }
 }
 
-TEST_F(V3Directed, WhatCannotBeAskedIsNotSent) {
+TEST_F(V3Directed, InvalidArgumentsSendNothing) {
     AnswerWith(V3Text("prn1", kSysName));
     EXPECT_EQ(0, Get(text, nullptr));
     EXPECT_EQ(0, GetNext(&record, nullptr));
@@ -141,21 +141,21 @@ TEST_F(V3Directed, WhatCannotBeAskedIsNotSent) {
     EXPECT_THAT(Sent(), IsEmpty());
     user.name = std::wstring(127, L'u');
     EXPECT_EQ(0, Get(text, kHost, LongOid(125).c_str()));
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe()));
+    EXPECT_THAT(Sent(), ElementsAre(V3Discovery()));
     ExpectNothing();
     EXPECT_EQ(reportLength, Get(text));
 }
 
-// Unlike the requests with a community, these do not end the rows' lines.
-TEST_F(V3Directed, AnIPv6HostIsTriedFromTheRememberedAddressAndThenFromTheSecond) {
+// Unlike SNMPv1 requests, these do not end the log lines of the rows.
+TEST_F(V3Directed, IPv6UsesTheRememberedAddressAndThenTheSecond) {
     const Reply neighbours = [](const Request& request) {
         if (request.local.substr(0, 7) != request.sender.substr(0, 7)) return Answers();
-        return Answers{{request.data == V3Probe() ? V3Report() : V3Text("prn1", kSysName)}};
+        return Answers{{request.data == V3Discovery() ? V3Report() : V3Text("prn1", kSysName)}};
     };
     Devices(neighbours);
     EXPECT_EQ(reportLength, Get(text, "fe80::1:11"));
     EXPECT_STREQ("prn1", text.Text());
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Probe(), V3Request(kSysName)));
+    EXPECT_THAT(Sent(), ElementsAre(V3Discovery(), V3Discovery(), V3Request(kSysName)));
     EXPECT_EQ(Lines(3, "neta: fe80::1:1 > fe80::1:11:161"), Ways());
     EXPECT_THAT(SilentWaits(), IsEmpty());
     EXPECT_TRUE(log.Has("g_adapterAddr[g_nAdapter].szAddress [fe80::1:1]"));
@@ -164,7 +164,7 @@ TEST_F(V3Directed, AnIPv6HostIsTriedFromTheRememberedAddressAndThenFromTheSecond
     EXPECT_EQ(reportLength, Get(text, "fe80::2:2"));
     EXPECT_STREQ("prn1", text.Text());
     EXPECT_THAT(SilentWaits(), ElementsAre(2000));
-    // A trial that cannot be sent is not answered either.
+    // A trial that cannot be sent counts as unanswered.
     Reload();
     Devices(neighbours);
     network.sendError = [isFirst = true](int) mutable {
@@ -174,7 +174,7 @@ TEST_F(V3Directed, AnIPv6HostIsTriedFromTheRememberedAddressAndThenFromTheSecond
     EXPECT_THAT(Senders(), Each("fe80::2:1"));
 }
 
-TEST_F(V3Directed, RequestsTellTheLogWhatTheyDo) {
+TEST_F(V3Directed, RequestsLogEachStep) {
     const std::string asks = "SNMP::GetInformationV3 - [10.77.1.11]\n";
     const std::string begin =
         "g_nAdapter [0]\nVxSNMP::VxSNMP()\nszBindIp []\n" + asks + "SCKRAW::SCKRAW()\n" + encode;

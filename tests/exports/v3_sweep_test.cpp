@@ -1,11 +1,11 @@
-// Sweeps over SNMPv3: what goes out, which devices are delivered, what the log says.
+// Sweeps over SNMPv3: the datagrams, the devices that are delivered, the log lines.
 #include "exports/support/v3_test.h"
 
 namespace vndiscover {
 namespace {
 
-// A request for the default OID, whole and independently made: Python's hashlib and hmac, and
-// `openssl enc -nopad`, over what V3RequestFields() builds.
+// A request for the default OID, made independently with Python's hashlib and hmac, and `openssl
+// enc -nopad`, from the fields of V3RequestFields().
 const V3User kPrivateUser = {L"user", 1, 1, L"sha-2(256)", L"aEs"};
 Bytes PrivateRequest() {
     return Hex(
@@ -23,24 +23,24 @@ class V3Sweep : public V3Test {
     void SweepFor(const std::wstring& request) { EXPECT_EQ(0, SweepV3(window, request.c_str())); }
 };
 
-TEST_F(V3Sweep, AsksEverybodyForAnEngineAndThenEachResponderForItsValue) {
+TEST_F(V3Sweep, DiscoversEnginesAndAsksEachResponder) {
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
     Sweep();
     EXPECT_THAT(Ways(), ElementsAre("neta: 10.77.1.1 > 255.255.255.255:161",
                                     "neta: 10.77.1.1 > 10.77.1.2:161",
                                     "netb: 10.77.2.1 > 255.255.255.255:161"));
-    EXPECT_THAT(Sent(), ElementsAre(V3Probe(), V3Request(kDefaultOid), V3Probe()));
+    EXPECT_THAT(Sent(), ElementsAre(V3Discovery(), V3Request(kDefaultOid), V3Discovery()));
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=Model")) << "and no final message";
     EXPECT_THAT(SilentWaits(), ElementsAre(2000, 2000));
 }
 
-TEST_F(V3Sweep, AsksAsTheUserThatTheHostNames) {
+TEST_F(V3Sweep, UsesTheHostsUserName) {
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
     user = kPrivateUser;
     Sweep();
     SweepFor(L"{}");
     EXPECT_THAT(Asked(), ElementsAre(PrivateRequest(), PrivateRequest()));
-    // A name that does not fit is not cut: it would be another user's.
+    // A name that does not fit is not truncated: it could be another user's.
     for (const std::wstring& name :
          {std::wstring(128, L'u'), std::wstring(64, L'\u00e9')}) {  // two bytes each
         user.name = name;
@@ -50,7 +50,7 @@ TEST_F(V3Sweep, AsksAsTheUserThatTheHostNames) {
     EXPECT_THAT(Asked(), SizeIs(2));
 }
 
-TEST_F(V3Sweep, ReachesIPv6DevicesThroughTheirOwnAdapter) {
+TEST_F(V3Sweep, AsksIPv6DevicesFromTheirOwnAdapter) {
     Devices([](const Request& request) {
         if (request.net != "netb") return Answers();
         return Answers{{request.local == "ff02::1" ? V3Report() : V3Text("Model")}};
@@ -63,7 +63,7 @@ TEST_F(V3Sweep, ReachesIPv6DevicesThroughTheirOwnAdapter) {
     EXPECT_THAT(window.Texts(), ElementsAre("fe80::2:2=Model"));
 }
 
-TEST_F(V3Sweep, DeliversWhoAnswersWithTextInTheOrderOfTheReportsDuplicatesIncluded) {
+TEST_F(V3Sweep, DeliversTextAnswersInTheOrderOfReportsWithDuplicates) {
     const std::vector<V3AnswerCase> rows = V3AnswerCases();
     Answers reports;
     Lines expected;
@@ -72,10 +72,10 @@ TEST_F(V3Sweep, DeliversWhoAnswersWithTextInTheOrderOfTheReportsDuplicatesInclud
         reports.push_back({V3Report(), address});
         if (!rows[i].text.empty()) expected.push_back(address + '=' + rows[i].text);
     }
-    reports.push_back({V3Report(), "10.77.1.2"});  // and does not answer
+    reports.push_back({V3Report(), "10.77.1.2"});  // does not answer
     Devices([&, asked = size_t{0}](const Request& request) mutable {
         if (request.net != "neta") return Answers();
-        if (request.data == V3Probe()) return reports;
+        if (request.data == V3Discovery()) return reports;
         return asked < rows.size() ? Answers{{rows[asked++].datagram}} : Answers();
     });
     Sweep();
@@ -83,14 +83,14 @@ TEST_F(V3Sweep, DeliversWhoAnswersWithTextInTheOrderOfTheReportsDuplicatesInclud
     EXPECT_THAT(SilentWaits(), SizeIs(2 + 1)) << "one for the device without an answer";
 }
 
-TEST_F(V3Sweep, AsksAReporterWithoutAnEngineWithAnotherProbe) {
+TEST_F(V3Sweep, ReportWithoutAnEngineLeadsToAnotherDiscovery) {
     DeviceWith({{V3NamelessReport()}, {TextBytes("no report")}}, {{V3NamelessReport()}});
     Sweep();
-    EXPECT_EQ(std::vector<Bytes>(2, V3ProbeFor(kDefaultOid)), Asked());
+    EXPECT_EQ(std::vector<Bytes>(2, V3DiscoveryFor(kDefaultOid)), Asked());
     EXPECT_THAT(window.Texts(), IsEmpty());
 }
 
-// A question to a device that has been found announces the message size of the device's report.
+// A request to a device that was found announces the message size of the device's report.
 Bytes FollowUp(const std::string& oid) {
     V3Datagram request = V3RequestFields(oid);
     request.msgMaxSize = V3ReportFields().msgMaxSize;
@@ -100,7 +100,7 @@ Bytes FollowUp(const std::string& oid) {
 TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
     Devices([](const Request& request) {
         if (request.net != "neta") return Answers();
-        if (request.data == V3Probe()) return Answers{{V3Report()}};
+        if (request.data == V3Discovery()) return Answers{{V3Report()}};
         if (request.data == V3Request(kSysDescr)) return Answers{{V3Text("Model")}};
         if (request.data != FollowUp(kSysName)) return Answers();
         return Answers{{V3Text("prn \"1\"", kSysName)}};
@@ -119,7 +119,7 @@ TEST_F(V3Sweep, JsonFillsInEachValueThatTheDeviceHas) {
     EXPECT_THAT(SilentWaits(), SizeIs(1 + 2)) << "one wait for the value that is missing";
 }
 
-TEST_F(V3Sweep, JsonIsRejectedFrom2048BytesOnAndNotDeliveredWhereItIsNone) {
+TEST_F(V3Sweep, JsonOf2048BytesIsRefusedAndInvalidJsonDeliversNothing) {
     const std::wstring text = L"{\"a\": 1}";
     DeviceWith({{V3Report()}}, {{V3Text("Model")}});
     SweepFor(text + std::wstring(2048 - text.size(), L' '));
@@ -146,7 +146,7 @@ class V3SweepLog : public V3Sweep {
     }
 };
 
-TEST_F(V3SweepLog, TellsAJsonSweepFromItsStartToItsEnd) {
+TEST_F(V3SweepLog, CoversAWholeJsonSweep) {
     DeviceWith({{V3Report()}}, {{V3Text("A")}});
     SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
     ExpectLog(begin +
@@ -162,7 +162,7 @@ TEST_F(V3SweepLog, TellsAJsonSweepFromItsStartToItsEnd) {
               AdapterLines(1) + phase + Found("0") + end);
 }
 
-TEST_F(V3SweepLog, TellsFailedSendsAndADeviceWithoutAValue) {
+TEST_F(V3SweepLog, ReportsFailedSendsAndDevicesWithoutAValue) {
     DeviceWith({{V3Report()}}, {});
     network.sendError = [](int call) { return call >= 2 ? WSAENETUNREACH : 0; };
     Sweep();

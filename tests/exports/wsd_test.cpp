@@ -1,4 +1,4 @@
-// WS-Discovery sweeps: what goes out, what is delivered, and what the log says.
+// WS-Discovery sweeps: the Probes, the replies that are delivered, and the log lines.
 #include "exports/support/log_lines.h"
 
 namespace vndiscover {
@@ -18,7 +18,7 @@ class Wsd : public NetworkTest {
     ResultWindow replies{VN_SOAP_REPLY_SIZE};  // every message has a buffer of this size
 };
 
-TEST_F(Wsd, ProbesLeaveByteForByteFromEveryAdapterAndFromTheLoopback) {
+TEST_F(Wsd, ProbeIsSentUnchangedFromEveryAdapterAndTheLoopback) {
     Bytes probe;
     for (int i = 0; i < 2048; ++i) probe.push_back(static_cast<uint8_t>(i));
     EXPECT_EQ(0, Sweep(kSecond, probe));
@@ -29,7 +29,7 @@ TEST_F(Wsd, ProbesLeaveByteForByteFromEveryAdapterAndFromTheLoopback) {
     EXPECT_THAT(replies.Texts(), ElementsAre("end"));
 }
 
-TEST_F(Wsd, ProbesAreNotSentWithALengthThatDoesNotFit) {
+TEST_F(Wsd, ProbeOfInvalidLengthIsNotSent) {
     const std::string probe(2049, 'x');
     const auto sweep = [&](const char* data, int32_t length) {
         EXPECT_EQ(0, module.DiscoverSoap(replies.Handle(), replies.kMessage, 0, data, length));
@@ -51,7 +51,7 @@ TEST_F(Wsd, WaitsAreCountedInWholeSeconds) {
         expected.insert(expected.end(), 3, waitMs);
     }
     EXPECT_EQ(expected, SilentWaits());
-    // Without a wait it takes what is queued.
+    // Without a wait it takes queued replies.
     DeviceIn("neta", {{TextBytes("first")}, {TextBytes("second")}, {TextBytes("late"), {}, 1}});
     replies.results.clear();
     Sweep(999);
@@ -76,12 +76,12 @@ TEST_F(Wsd, RepliesAreDeliveredRawUpTo2048BytesAndZeroPadded) {
     EXPECT_TRUE(replies.results.back().isEnd);
 }
 
-TEST_F(Wsd, RepliesComeAsTheyArriveDuplicatesIncluded) {
+TEST_F(Wsd, RepliesAreDeliveredOnArrivalWithDuplicates) {
     Devices([](const Request& request) { return Repeated(2, {TextBytes(request.net)}); });
     std::vector<size_t> asked;
     replies.onResult = [&](const Result& result) {
         asked.push_back(Requests().size());
-        // From within a message it does nothing.
+        // Called within a message, it does nothing.
         if (!result.isEnd && Requests().size() < 9) Sweep(kSecond, TextBytes("another"));
     };
     Sweep(kSecond);
@@ -107,7 +107,7 @@ class WsdLog : public Wsd {
     }
 };
 
-TEST_F(WsdLog, TellsOneSweepFromItsStartToItsEndAndTheSocketsReleaseByTheNext) {
+TEST_F(WsdLog, CoversOneSweepAndTheNextReleasesItsSocketObject) {
     Devices([](const Request& request) {
         if (request.net == "netb") return Answers();
         return Answers{{TextBytes("A")}, {TextBytes("B")}};
@@ -121,7 +121,7 @@ TEST_F(WsdLog, TellsOneSweepFromItsStartToItsEndAndTheSocketsReleaseByTheNext) {
               start + "SCKRAW::~SCKRAW() [-1]\n" + end);
 }
 
-TEST_F(WsdLog, TellsFailuresAndAStop) {
+TEST_F(WsdLog, ReportsFailuresAndAStop) {
     network.sendError = [](int call) { return call == 1 ? WSAENETUNREACH : 0; };
     network.receiveError = [](int call) {
         return call == 1 ? WSAEMSGSIZE : call == 2 ? WSANOTINITIALISED : 0;
@@ -139,7 +139,7 @@ TEST_F(WsdLog, TellsFailuresAndAStop) {
               Phase("1", Reply("127.0.0.1", "A") + "VxSoapMgr::StopDiscover\n") + end);
 }
 
-TEST_F(WsdLog, TellsNoMessageWithoutAWindow) {
+TEST_F(WsdLog, HasNoMessageLineWithoutAWindow) {
     module.DiscoverSoap(nullptr, 0, kSecond, "probe", 5);
     EXPECT_FALSE(log.Has("SendDiscoverResult\n"));
 }

@@ -1,4 +1,4 @@
-// A DLL under the name of a system library: it leaves a file beside itself when it is loaded.
+// A DLL with the name of a system library, which writes a file beside itself when it is loaded.
 #include <windows.h>
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID) {

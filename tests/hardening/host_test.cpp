@@ -1,6 +1,6 @@
-// What can go wrong on the host's own side while the module works: its window, its disk, its memory
-// and sockets; files beside it that no installer from a download folder may load; and what stays
-// behind when it loads the module, uses all of it and unloads it, again and again.
+// Faults on the host's side while the module works: of its window, disk, memory and sockets; files
+// beside it that an installer in a download folder must not load; and what leaks when it loads,
+// uses and unloads the module repeatedly.
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -15,14 +15,14 @@ namespace vndiscover {
 namespace {
 
 constexpr char kDevice[] = "10.77.1.2";
-constexpr char kMalformed[] = "10.77.1.11";  // answers with what is no message
+constexpr char kMalformed[] = "10.77.1.11";  // answers with malformed messages
 
 class Host : public NetworkTest {
   protected:
     Host() : NetworkTest(false) { DeviceIn("neta", {{SnmpText("A")}, {SnmpText("B")}}); }
 };
 
-TEST_F(Host, DestroysItsWindowWhichEndsTheMessagesAndNothingElse) {
+TEST_F(Host, DestroyedWindowOnlyEndsTheMessages) {
     window.onResult = [&](const Result&) { DestroyWindow(window.Handle()); };
     Sweep();
     EXPECT_THAT(window.Texts(), ElementsAre("10.77.1.2=A"));
@@ -31,7 +31,7 @@ TEST_F(Host, DestroysItsWindowWhichEndsTheMessagesAndNothingElse) {
     EXPECT_THAT(other.Texts(), ElementsAre("10.77.1.2=A", "10.77.1.2=B", "end"));
 }
 
-TEST_F(Host, MayAskDirectlyFromWithinAMessage) {
+TEST_F(Host, DirectedRequestsWorkWithinAMessage) {
     Lines values;
     window.onResult = [&](const Result& result) {
         char value[260] = {};
@@ -45,7 +45,7 @@ TEST_F(Host, MayAskDirectlyFromWithinAMessage) {
     EXPECT_THAT(values, ElementsAre("A AA", "B AA", "end AA"));
 }
 
-TEST_F(Host, HasAFullDiskWhichCostsNoMessage) {
+TEST_F(Host, FullDiskLosesNoMessages) {
     std::ofstream full("Z:\\dev\\full");
     EXPECT_TRUE(full.is_open() && !(full << std::flush << 'x' << std::flush));
     const std::string text(120, 'x');
@@ -59,7 +59,7 @@ TEST_F(Host, HasAFullDiskWhichCostsNoMessage) {
     EXPECT_EQ("\"10.77.1.2\",\"A\"\r\n", ReadFile("devices.csv"));
 }
 
-TEST_F(Host, HasNoSocketsLeftWhichEndsEveryCallAtOnce) {
+TEST_F(Host, ExhaustedSocketsEndEveryCallAtOnce) {
     char value[260];
     uint32_t type = 0;
     {
@@ -79,7 +79,7 @@ TEST_F(Host, HasNoSocketsLeftWhichEndsEveryCallAtOnce) {
     EXPECT_EQ(1, module.GetSnmpInformation(kDevice, value, nullptr, nullptr));
 }
 
-// Lets VirtualAlloc of the whole process fail while the object lives.
+// Makes VirtualAlloc fail in the whole process while the object exists.
 class NoPages {
   public:
     NoPages() {
@@ -96,10 +96,10 @@ class NoPages {
     uint8_t before_[3];
 };
 
-// What is thrown and caught at it takes an index and some bytes from the runtime.
+// Throwing at it uses a thread-local storage index and memory of the runtime.
 const Answers kMalformedAnswer = {{Hex("30 05 02 01 03 30 84 ff ff ff ff")}};
 
-// Every export once, over a device that answers all of it.
+// Calls every export once, with a device that answers all of them.
 void UseEverything(const Module& module, HWND host, UINT message, int round) {
     ScriptedNetwork network(module);
     network.Devices([](const Request& request) {
@@ -126,7 +126,7 @@ void UseEverything(const Module& module, HWND host, UINT message, int round) {
     module.GetSnmpRequestRaw(kDevice, kSysName, value, 256, &type, 0, 0, nullptr, nullptr);
     module.GetNextSnmpRequestRaw(kDevice, kSysName, &record, 0, 0, nullptr, nullptr);
     module.SetSnmpRequestRaw(kDevice, kSysName, value, 5, &type, 0, 0, nullptr, nullptr);
-    // Hashing passwords takes most of the time, so only some rounds do it. 8 is with bcrypt.dll.
+    // Hashing passwords takes most of the time, so only some rounds do it. Round 8 uses bcrypt.dll.
     const BYTE secure = round % 8 == 0;
     const wchar_t* const protocol = round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256;
     module.GetSnmpRequestV3(kDevice, kSysName, text, 256, nullptr, 0, 0, L"user", secure,
@@ -139,7 +139,7 @@ void UseEverything(const Module& module, HWND host, UINT message, int round) {
     module.IsIPv6Supported();
 }
 
-TEST(Load, WithoutMemoryLeavesAModuleThatDoesNothing) {
+TEST(Load, ModuleLoadedWithoutMemoryDoesNothing) {
     std::optional<NoPages> noPages(std::in_place);
     ASSERT_EQ(nullptr, VirtualAlloc(nullptr, 4096, MEM_COMMIT, PAGE_READWRITE));
     const Module module;
@@ -150,8 +150,8 @@ TEST(Load, WithoutMemoryLeavesAModuleThatDoesNothing) {
     EXPECT_EQ(1, module.VxPing("127.0.0.1", 1000)) << "what needs no manager works";
 }
 
-// Files under the names of system libraries, in the folder of the program and in the current one.
-TEST(Load, TakesNoDecoys) {
+// Files with the names of system libraries, in the program's folder and in the current one.
+TEST(Load, DecoysAreNotLoaded) {
     char program[MAX_PATH] = {};
     GetModuleFileNameA(nullptr, program, MAX_PATH);
     const std::string folder(program, std::string(program).rfind('\\') + 1);
@@ -171,7 +171,7 @@ TEST(Load, TakesNoDecoys) {
     };
     UseEverything(Module(), nullptr, 0, 8);
     EXPECT_EQ(0, loaded());
-    // That they would have been: the search order that the module avoids does find them.
+    // The search order that the module avoids does find them.
     const HMODULE found = LoadLibraryA("ICMP.DLL");
     EXPECT_EQ(1, loaded());
     FreeLibrary(found);
@@ -184,7 +184,7 @@ struct Usage {
 
     Usage() {
         TlsFree(freeTlsIndex);
-        // One by one: not every system tells the number. Sockets are among them.
+        // Counted one by one, since not every system gives the number. Includes sockets.
         DWORD flags;
         for (uintptr_t handle = 4; handle < 8192; handle += 4) {
             handles += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != 0;
@@ -211,8 +211,8 @@ bool HeapGrowsByItself() {
 }
 constexpr char kHeapGrows[] = "the heap of Wine 10 grows by itself";
 
-// What a thread has caught is kept for it until it ends.
-TEST(Load, AndThreadsThatEndLeaveNothingBehind) {
+// A thread's exception state is kept until the thread ends.
+TEST(Load, EndedThreadsLeakNothing) {
     const Module module;
     ScriptedNetwork network(module);
     const auto run = [&](int count) {
@@ -231,8 +231,8 @@ TEST(Load, AndThreadsThatEndLeaveNothingBehind) {
     EXPECT_LT(after, before + 200 * 8) << "16 bytes for each are kept";
 }
 
-// VNDISCOVER_SOAK_ROUNDS sets another count.
-TEST(Load, AndUnloadAgainAndAgainLeavesNothingBehind) {
+// VNDISCOVER_SOAK_ROUNDS sets another number of rounds.
+TEST(Load, RepeatedLoadingAndUnloadingLeaksNothing) {
     const char* const setting = std::getenv("VNDISCOVER_SOAK_ROUNDS");
     const int rounds = setting ? std::atoi(setting) : 40;
     const RegistrySwitches key;  // to be opened, with every switch off
@@ -244,19 +244,19 @@ TEST(Load, AndUnloadAgainAndAgainLeavesNothingBehind) {
         }
         return Usage();
     };
-    run(5);  // they fill the caches of the system
+    run(5);  // fills the system's caches
     const Usage before;
     const Usage halfway = run(rounds / 2), after = run(rounds - rounds / 2);
     std::printf("%d rounds: handles %zu, %zu, %zu, heap bytes %zu to %zu, private %zu to %zu\n",
                 rounds, before.handles, halfway.handles, after.handles, before.heapBytes,
                 after.heapBytes, before.privateBytes, after.privateBytes);
-    // The system may open one of its own at any time; a leak grows in both halves.
+    // The system may open one at any time, but a leak grows in both halves.
     EXPECT_LE(after.handles, before.handles + 1);
     EXPECT_TRUE(halfway.handles <= before.handles || after.handles <= halfway.handles);
     EXPECT_EQ(before.freeTlsIndex, after.freeTlsIndex);
     EXPECT_LE(after.privateBytes, before.privateBytes + 1024 * 1024);
     if (HeapGrowsByItself()) GTEST_SKIP() << kHeapGrows;
-    // A sweep does not release the socket object of the one before, some bytes each.
+    // Each sweep leaks the previous one's socket object, a few bytes.
     EXPECT_LE(after.heapBytes, before.heapBytes + static_cast<size_t>(rounds) * 48);
 }
 

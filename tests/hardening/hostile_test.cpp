@@ -1,7 +1,7 @@
-// Devices that answer every kind of call with malformed relatives of good answers: each answer that
-// arrives is delivered, no buffer is overrun, and afterwards the module works as before. All of it
-// follows from one seed: VNDISCOVER_HOSTILE_SEED, or another one each time.
-// VNDISCOVER_HOSTILE_ANSWERS: how many answers.
+// Devices answer every kind of call with malformed variants of good answers: each answer that
+// arrives is delivered, no buffer is overrun, and afterwards the module works as before. A seed
+// determines all of it: VNDISCOVER_HOSTILE_SEED, or a different one each time.
+// VNDISCOVER_HOSTILE_ANSWERS is the number of answers.
 #include <cstdio>
 #include <cstdlib>
 #include <random>
@@ -12,7 +12,7 @@
 namespace vndiscover {
 namespace {
 
-constexpr size_t kLargest = 2048;  // of what a receive takes
+constexpr size_t kLargest = 2048;  // bytes of a receive
 constexpr char kHost[] = "10.77.1.2";
 
 uint32_t Setting(const char* name, uint32_t otherwise) {
@@ -48,7 +48,7 @@ class Mutator {
         if (kind == 3) data[at] ^= static_cast<uint8_t>(1 << Below(8));
         if (kind == 4 || kind == 5) data[at] = TagOrLength();
         if (kind == 6) data.resize(at);
-        // About as large as what is still taken.
+        // About as large as a receive.
         if (kind == 7) data.resize(at = kLargest - 4 + Below(9), TagOrLength());
         data.insert(data.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
     }
@@ -74,7 +74,7 @@ class HostileNetwork : public V3Test {
             return {SnmpText("Model 1"), SnmpAnswer(kSysName, 2, {0x7F}),
                     SnmpText(std::string(127, 'x'))};
         }
-        if (request == V3Probe()) return {V3Report()};
+        if (request == V3Discovery()) return {V3Report()};
         V3Datagram secured = V3AnswerFields({});
         secured.flagsTlv = Tlv(0x04, {3});
         secured.macTlv = Tlv(0x04, Bytes(12, 0xAA));
@@ -82,20 +82,20 @@ class HostileNetwork : public V3Test {
         secured.scopedTlv = Tlv(0x04, Bytes(64, 0x77));
         return {V3Text("Model 1"), secured.Build()};
     }
-    // Good reports let an exchange go on to its second half.
+    // With good reports, an exchange reaches its second half.
     Bytes Malformed(const std::vector<Bytes>& good) {
         ++count_;
         const Bytes& base = good[mutator_.Below(good.size())];
         return base == V3Report() && mutator_.Below(10) < 7 ? base : mutator_.Mutated(base);
     }
     static bool IsTaken(const Bytes& data) { return !data.empty() && data.size() <= kLargest; }
-    // What is not taken costs a directed request an attempt.
+    // A datagram that is not received uses up an attempt of a directed request.
     Answers Single(const std::vector<Bytes>& good) {
         single_ = isGood_ ? good[0] : Malformed(good);
         if (!IsTaken(single_)) single_ = good[0];
         return {{single_}};
     }
-    // One of each device, the last of them good.
+    // One answer from each device, the last of them good.
     Answers Burst(const std::vector<Bytes>& good) {
         Answers answers;
         taken_.clear();
@@ -108,7 +108,7 @@ class HostileNetwork : public V3Test {
         return answers;
     }
 
-    // Every answer is delivered, from its sender, then the end.
+    // Every answer is delivered with its sender, then the final message.
     void ExpectAllTaken(const ResultWindow& deliveries) {
         ASSERT_EQ(taken_.size() + 1, deliveries.results.size());
         EXPECT_TRUE(deliveries.results.back().isEnd);
@@ -199,7 +199,7 @@ class HostileNetwork : public V3Test {
     size_t count_ = 0;
 };
 
-TEST_F(HostileNetwork, ChangesNothingButItsOwnAnswers) {
+TEST_F(HostileNetwork, MalformedAnswersAffectNothingElse) {
     std::printf("VNDISCOVER_HOSTILE_SEED=%u\n", seed_);
     std::fflush(stdout);
     const uint32_t wanted = Setting("VNDISCOVER_HOSTILE_ANSWERS", 20000);

@@ -1,7 +1,7 @@
 #!/bin/bash
 # run.sh PROGRAM [ARG...]: runs a Windows test program in a new test network, inside scripts/lab/private-net.sh.
-# PROGRAM and what lies beside it run from a folder of the lab, into which a test may put files. Wine prefers files in
-# the program's folder to the libraries that the tests set traps for.
+# PROGRAM and the files beside it are copied to a folder of the lab, into which a test may put files. Wine prefers files
+# in the program's folder to the libraries that the tests imitate.
 set -euo pipefail
 lab=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/../../scripts/lab
 program=$1

@@ -133,7 +133,7 @@ inline V3Datagram WithoutEngine(V3Datagram datagram) {
 
 // The engine discovery of RFC 3412 6 and RFC 3414 4: all fields are empty or 0 except msgID 256,
 // msgMaxSize 65536, the reportable flag and request-id 257.
-inline Bytes V3Probe(const char* flags = "04") {
+inline Bytes V3Discovery(const char* flags = "04") {
     return Hex("30 3a 02 01 03  30 0f 02 02 01 00 02 03 01 00 00 04 01") + Hex(flags) +
            Hex("02 01 03  04 10 30 0e 04 00 02 01 00 02 01 00 04 00 04 00 04 00"
                "30 12 04 00 04 00 a0 0c 02 02 01 01 02 01 00 02 01 00 30 00");
@@ -161,7 +161,7 @@ inline Bytes V3Request(const std::string& oid, uint8_t pduType = 0xA0) {
     return V3RequestFields(oid, pduType).Build();
 }
 // Sent instead while the device's engine is unknown: an engine discovery with the OID.
-inline Bytes V3ProbeFor(const std::string& oid) {
+inline Bytes V3DiscoveryFor(const std::string& oid) {
     return WithoutEngine(V3RequestFields(oid)).Build();
 }
 

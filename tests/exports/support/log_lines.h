@@ -1,4 +1,4 @@
-// What sweeps and requests tell the log, in pieces that several tests share.
+// Log lines of sweeps and requests that several tests share.
 #pragma once
 
 #include "exports/support/network_test.h"
@@ -16,7 +16,7 @@ inline std::string RequestLines(int loggedLength, const std::string& content, co
            "SNMP_MSG = [" + ToHex(message, " ") + "]\n";
 }
 
-// The phase after a sweep's send: it ends with silence and delivers who has answered.
+// The phase after a sweep's send: it ends with a time-out and delivers the devices that answered.
 inline std::string AnsweredLines(const Lines& senders, const std::string& delivering = "") {
     const std::string count = std::to_string(senders.size());
     std::string lines = "HandleEvents start\n";
@@ -40,7 +40,7 @@ inline std::string AdapterLines(int index) {
     return "no such adapter";
 }
 
-// A whole IPv4 sweep for the default OID: what follows its adapters' own lines.
+// A whole IPv4 sweep for the default OID, with what follows the lines of each adapter.
 inline std::string SweepLines(const std::string& onFirst, const std::string& onSecond) {
     return "SNMP::Discover\nSCKRAW::SCKRAW()\n" +
            RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid)) +

@@ -31,7 +31,7 @@ void** FindSlot(HMODULE module, const char* name) {
 
 }  // namespace
 
-// The program's folder is the first that the system looks into.
+// The system searches the program's folder first.
 Module::Module() : handle_(LoadLibraryW(L"VnDiscover.dll")) {
     if (!handle_) throw std::runtime_error("VnDiscover.dll cannot be loaded");
 }

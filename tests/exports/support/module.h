@@ -1,4 +1,4 @@
-// VnDiscover.dll as a host loads it, and the system calls that it imports.
+// Loads VnDiscover.dll like a host, and replaces system calls that it imports.
 #pragma once
 
 #include <map>
@@ -10,7 +10,7 @@
 
 namespace vndiscover {
 
-// Loaded from the folder of the test program while the object lives.
+// Loaded from the folder of the test program while the object exists.
 class Module {
   public:
     Module();
@@ -26,9 +26,9 @@ class Module {
     HMODULE Handle() const { return handle_; }
 
   private:
-    void* Find(const char* name) const;  // throws where there is no such export
+    void* Find(const char* name) const;  // throws if there is no such export
 
-    HMODULE handle_;  // first, the exports are found in it
+    HMODULE handle_;  // first, since the exports are found in it
 
   public:
 #define VN_FOUND(name) decltype(&::name) name = reinterpret_cast<decltype(&::name)>(Find(#name))

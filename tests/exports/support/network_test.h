@@ -1,5 +1,5 @@
-// What most tests of the exports need: the module with its debug log, a host's window, and devices
-// that each test describes.
+// For most tests of the exports: the module with its debug log, a host's window, and devices that
+// each test describes.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -27,7 +27,7 @@ inline Lines operator+(Lines left, const Lines& right) {
     left.insert(left.end(), right.begin(), right.end());
     return left;
 }
-// "(no file)" where there is none.
+// "(no file)" if there is none.
 inline std::string ReadFile(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) return "(no file)";
@@ -35,11 +35,11 @@ inline std::string ReadFile(const std::filesystem::path& path) {
 }
 // Of ASCII.
 inline std::wstring Wide(const std::string& text) { return {text.begin(), text.end()}; }
-// The registry values that switch the debug log on. A module sees a change when it is loaded or
-// when a thread starts.
+// The registry values that switch on the debug log. A module reads them when it is loaded and when
+// a thread starts.
 class RegistrySwitches {
   public:
-    // name: the one that is on; null: none.
+    // name: the value that is on; null: none.
     explicit RegistrySwitches(const char* name = nullptr) {
         RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_);
         if (name) SetOn(name);
@@ -57,7 +57,7 @@ class RegistrySwitches {
     }
     void SetOn(const char* name) { Set(name, REG_DWORD, {1, 0, 0, 0}); }
     void Remove(const char* name) { RegDeleteValueA(key_, name); }
-    // The key itself too; nothing can be set afterwards.
+    // Deletes the key too; nothing can be set afterwards.
     void RemoveAll() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kKey); }
 
   private:
@@ -65,11 +65,11 @@ class RegistrySwitches {
     HKEY key_ = nullptr;
 };
 
-// A host's window: it keeps a copy of every result message.
+// A host's window, which keeps a copy of every result message.
 struct Result {
     std::string address;
-    std::string value;  // up to its first zero byte, or the whole buffer where there is none
-    Bytes buffer;       // the value's first bytes, where the window keeps buffers
+    std::string value;  // up to its first zero byte, or the whole buffer if there is none
+    Bytes buffer;       // the value's first bytes, if the window keeps buffers
     bool isEnd;         // both parameters were 0
 };
 
@@ -77,8 +77,8 @@ class ResultWindow {
   public:
     static constexpr UINT kMessage = WM_APP + 161;
 
-    // bufferSize: how much of every value's buffer to keep and to look through for its end
-    // (WS-Discovery replies); 0: values are NUL-terminated text.
+    // bufferSize: how much of every value's buffer to keep and to search for its end (WS-Discovery
+    // replies); 0: values are NUL-terminated text.
     explicit ResultWindow(size_t bufferSize = 0)
         : window_(CreateWindowExA(0, "STATIC", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr,
                                   nullptr)),
@@ -136,14 +136,14 @@ class ResultWindow {
 
 class NetworkTest : public testing::Test {
   protected:
-    // The debug log costs time where thousands of calls are made.
+    // The debug log is slow for tests that make thousands of calls.
     explicit NetworkTest(bool isLogged = true) : switches(isLogged ? "Debug" : nullptr) {}
-    // No socket stays open after any call.
+    // Checks that no socket is open after a call.
     ~NetworkTest() override { EXPECT_EQ(0u, network.OpenSockets()); }
 
     void Devices(Reply reply) { network.Devices(std::move(reply)); }
     void SilentDevices() { Devices(nullptr); }
-    // Every device of that network answers alike; the others are silent.
+    // All devices of that network give this answer; the others are silent.
     void DeviceIn(const std::string& net, Answers answers) {
         Devices([=](const Request& request) { return request.net == net ? answers : Answers(); });
     }
@@ -163,20 +163,20 @@ class NetworkTest : public testing::Test {
         }
         return ways;
     }
-    // The addresses that they left from.
+    // The addresses from which they were sent.
     Lines Senders() const {
         Lines senders;
         for (const Request& request : Requests()) senders.push_back(request.sender);
         return senders;
     }
     const std::vector<int>& SilentWaits() const { return network.SilentWaits(); }
-    // The whole log since the last look.
+    // The log since the last call.
     void ExpectLog(const std::string& expected) {
         EXPECT_EQ(expected, log.Text());
         log.Clear();
     }
 
-    // DiscoverDevices with the default community; the time-out does not matter.
+    // DiscoverDevices with the default community; the time-out has no effect.
     void Sweep(const wchar_t* path = nullptr, BYTE useIPv6 = 0) {
         EXPECT_EQ(0, module.DiscoverDevices(window.Handle(), window.kMessage, 9, useIPv6, path,
                                             nullptr, nullptr));
@@ -194,7 +194,7 @@ class NetworkTest : public testing::Test {
         network.Attach(module);
     }
 
-    RegistrySwitches switches;  // first: the module reads them as it is loaded
+    RegistrySwitches switches;  // first, since the module reads them when it is loaded
     Module module;
     ScriptedNetwork network{module};
     ResultWindow window;

@@ -1,4 +1,4 @@
-// Adapter lists that no test network has, in front of the system's own.
+// Adapter lists that no test network has, in place of the system's.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,8 +16,8 @@
 
 namespace vndiscover {
 
-// What the system's two listing functions say, for one module; one object at a time. Like the
-// system's own they refuse a buffer that is too small and tell the size that they need.
+// Replaces the system's two listing functions for one module; one object at a time. Like the
+// system's, they refuse a buffer that is too small and return the size that they need.
 class ScriptedAdapters {
   public:
     explicit ScriptedAdapters(const Module& module) : lookup_(module) {
@@ -40,7 +40,7 @@ class ScriptedAdapters {
         });
     }
 
-    // After the adapters that were added before. Entries are pairs of address and mask.
+    // Appends an adapter. Entries are pairs of address and mask.
     void AddIPv4(const std::string& description,
                  const std::vector<std::pair<std::string, std::string>>& entries) {
         IP_ADAPTER_INFO& adapter = Append(ipv4_, ipv4_.empty() ? nullptr : &ipv4_.back());
@@ -69,10 +69,10 @@ class ScriptedAdapters {
         }
     }
 
-    ULONG needs = 0;           // bytes; 0: as many as the records of the list have
-    ULONG alwaysNeeds = 0;     // bytes more than any buffer has
+    ULONG needs = 0;           // bytes; 0: the size of the list's records
+    ULONG alwaysNeeds = 0;     // bytes more than the buffer has
     ULONG error = 0;           // instead of a list
-    std::vector<ULONG> sizes;  // of the buffers that the module offered
+    std::vector<ULONG> sizes;  // of the module's buffers
 
   private:
     template <class Record>
@@ -82,7 +82,7 @@ class ScriptedAdapters {
         if (last) last->Next = &record;
         return record;
     }
-    // The first record goes to the module's buffer and leads to the others, which stay here.
+    // The first record is copied to the module's buffer and links to the others, which stay here.
     template <class Record>
     ULONG Fill(const std::deque<Record>& records, void* list, ULONG* size) {
         const ULONG offered = *size;
@@ -97,7 +97,7 @@ class ScriptedAdapters {
     }
     static inline ScriptedAdapters* self_;
     std::deque<IP_ADAPTER_INFO> ipv4_;
-    std::deque<IP_ADDR_STRING> ipv4Entries_;  // but each adapter's first
+    std::deque<IP_ADDR_STRING> ipv4Entries_;  // except each adapter's first
     std::deque<IP_ADAPTER_ADDRESSES> ipv6_;
     std::deque<IP_ADAPTER_UNICAST_ADDRESS> ipv6Entries_;
     std::deque<sockaddr_in6> ipv6Addresses_;

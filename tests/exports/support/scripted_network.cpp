@@ -6,7 +6,7 @@
 namespace vndiscover {
 namespace {
 
-constexpr uint32_t kFirstTick = 0u - 30000;  // what GetTickCount tells at first
+constexpr uint32_t kFirstTick = 0u - 30000;  // the first result of GetTickCount
 constexpr ULONG kZone = 12;                  // of a link-local sender
 constexpr int kFailuresOfAMoment = 10;
 
@@ -14,7 +14,7 @@ ScriptedNetwork* g_network;
 
 struct Adapter {
     const char *net, *ipv4, *ipv6;        // of the host
-    const char *deviceIPv4, *deviceIPv6;  // which answers what was sent to everybody
+    const char *deviceIPv4, *deviceIPv6;  // of the device that answers broadcasts and multicasts
 };
 constexpr Adapter kAdapters[] = {{"neta", "10.77.1.1", "fe80::1:1", "10.77.1.2", "fe80::1:2"},
                                  {"netb", "10.77.2.1", "fe80::2:1", "10.77.2.2", "fe80::2:2"},
@@ -54,8 +54,8 @@ int Option(SOCKET handle, int option) {
     return failed ? -1 : value;
 }
 
-// The adapter that a socket is bound to. Else the receiver's, and without its network the first,
-// which has the default route; IPv6 addresses are alike on every network.
+// The adapter to which a socket is bound; otherwise the receiver's, or the first, which has the
+// default route. All networks have the same IPv6 prefix.
 const Adapter& WayOf(const std::string& bound, const std::string& to) {
     for (const Adapter& adapter : kAdapters) {
         if (bound == adapter.ipv4 || bound == adapter.ipv6) return adapter;
@@ -136,7 +136,7 @@ void ScriptedNetwork::Devices(Reply reply) {
     for (auto& entry : sockets_) entry.second.queue.clear();
 }
 
-// Asked once of each socket: in Wine that is a call of another process.
+// Called once for each socket, since in Wine this calls another process.
 ScriptedNetwork::Socket* ScriptedNetwork::Find(SOCKET handle) {
     const auto known = sockets_.find(handle);
     if (known != sockets_.end()) return &known->second;

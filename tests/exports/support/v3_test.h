@@ -1,4 +1,4 @@
-// What the tests of the exports over SNMPv3 share.
+// Shared by the tests of the SNMPv3 exports.
 #pragma once
 
 #include <algorithm>
@@ -27,7 +27,7 @@ struct V3User {
 
 inline Bytes V3NamelessReport() { return WithoutEngine(V3ReportFields()).Build(); }
 
-// Signed with a code that is wrong.
+// With a wrong HMAC.
 inline Bytes V3WronglySigned(const std::string& text) {
     V3Datagram answer = V3AnswerFields(Tlv(0x04, TextBytes(text)));
     answer.flagsTlv = Tlv(0x04, {0x01});
@@ -35,12 +35,12 @@ inline Bytes V3WronglySigned(const std::string& text) {
     return answer.Build();
 }
 
-// Whatever comes back is the answer; this is the text that it holds, and the type of its value.
+// Every datagram counts as an answer; this is its text, and the type of its value.
 struct V3AnswerCase {
     const char* name;
     Bytes datagram;
     std::string text;
-    uint32_t type;  // 0: it holds no variable
+    uint32_t type;  // 0: there is no variable
 };
 inline std::vector<V3AnswerCase> V3AnswerCases() {
     const auto valued = [](const char* tlv) { return V3AnswerFields(Hex(tlv)).Build(); };
@@ -60,14 +60,15 @@ class V3Test : public NetworkTest {
   protected:
     using NetworkTest::NetworkTest;
 
-    // Devices of neta: they answer the probe with reports, and whatever else with answers.
+    // Devices of neta, which answer engine discoveries with reports, and other requests with
+    // answers.
     void DeviceWith(Answers reports, Answers answers) {
         Devices([=](const Request& request) {
             if (request.net != "neta") return Answers();
-            return request.data == V3Probe() ? reports : answers;
+            return request.data == V3Discovery() ? reports : answers;
         });
     }
-    // With a question, DiscoverV3DevicesByOIDjson.
+    // DiscoverV3DevicesByOIDjson if there is a request.
     int32_t SweepV3(ResultWindow& to, const wchar_t* question = nullptr, BYTE useIPv6 = 0) {
         return user.Ask([&](auto... security) {
             return question
@@ -76,10 +77,10 @@ class V3Test : public NetworkTest {
                        : module.DiscoverSnmpV3(to.Handle(), to.kMessage, 1, useIPv6, security...);
         });
     }
-    // The requests to single devices.
+    // Directed requests.
     std::vector<Bytes> Asked() const {
         std::vector<Bytes> asked = Sent();
-        asked.erase(std::remove(asked.begin(), asked.end(), V3Probe()), asked.end());
+        asked.erase(std::remove(asked.begin(), asked.end(), V3Discovery()), asked.end());
         return asked;
     }
 

@@ -28,12 +28,12 @@ class EncodeTest : public testing::Test {
 
 TEST(EncodeDiscovery, CarriesNoSecurityWhateverTheFlags) {
     VxSNMPv3 probe;
-    EXPECT_EQ(V3Probe(), ToBytes(probe.Encode()));
+    EXPECT_EQ(V3Discovery(), ToBytes(probe.Encode()));
     probe.SetUser("user");
     probe.SetAuth(kAuthSha1, "authpass1");
     probe.SetPrivacy(kPrivAes, "privpass1");
     probe.SetFlags(true, true);
-    EXPECT_EQ(V3Probe("07"), ToBytes(probe.Encode()));
+    EXPECT_EQ(V3Discovery("07"), ToBytes(probe.Encode()));
     EXPECT_EQ(TextBytes("user"), ToBytes(probe.Record().usm.userName));
     EXPECT_TRUE(probe.Record().authFlag && probe.Record().privFlag);
 }
