@@ -40,7 +40,7 @@ using System.Runtime.InteropServices;
 )";
 
 constexpr char kSharpWindow[] = R"(
-// A message-only window; the sweep calls it on this thread, once for each answer.
+// A message-only window; the sweep calls it on this thread for each answer.
 class Results : NativeWindow {
     public const uint Message = 0x8000;  // WM_APP
 
@@ -75,7 +75,7 @@ constexpr char kCppHead[] = R"(#include <vndiscover.h>
 )";
 
 constexpr char kCppWindow[] = R"(
-// The sweep calls it on this thread, once for each answer.
+// The sweep calls this on its own thread for each answer.
 LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM address, LPARAM value) {
     if (message != WM_APP) return DefWindowProcA(window, message, address, value);
     if (address) std::printf("%s\t%.VALUEs\n", (const char*)address, (const char*)value);
@@ -92,7 +92,7 @@ int main() {
 
 constexpr size_t kLineWidth = 96;
 
-// The place in the windows above that depends on the sweep.
+// Placeholder in the windows above, replaced according to the sweep.
 constexpr std::string_view kValuePlace = "VALUE";
 
 std::string WithValue(std::string text, const std::string& value) {
@@ -138,7 +138,7 @@ bool IsWsd(const Call& call) { return call.name == "DiscoverSoap"; }
 bool IsStop(const Call& call) { return call.name.rfind("Stop", 0) == 0; }
 bool IsText(const std::string& type) { return type == "const wchar_t*" || type == "const char*"; }
 
-// The next character of UTF-8 text that is not ASCII; a byte that begins none stands for itself.
+// The next character of UTF-8 text that is not ASCII; an invalid byte is taken as a character.
 uint32_t TakeCharacter(std::string_view text, size_t& at) {
     const auto byte = [&](size_t index) { return static_cast<unsigned char>(text[index]); };
     const unsigned char first = byte(at);
@@ -162,14 +162,15 @@ std::string Hex(uint32_t number, int digits) {
     return text;
 }
 
-// With \ooo for what is not printable: \x would swallow hex digits that follow.
+// As \ooo, since \x would include hex digits that follow.
 std::string Octal(unsigned char byte) {
     std::string text = "\\";
     for (const int shift : {6, 3, 0}) text += static_cast<char>('0' + (byte >> shift & 7));
     return text;
 }
 
-// Between quotes. In C++, narrow text has its bytes; else other characters have their numbers.
+// A string literal. Characters that are not printable ASCII are escaped: as bytes in narrow C++
+// text, otherwise as code points.
 std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
     std::string literal = "\"";
     for (size_t at = 0; at < text.size();) {
@@ -195,7 +196,7 @@ std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
     return literal + "\"";
 }
 
-// The argument as it stands in the call.
+// The argument as an expression in the call.
 std::string Expression(const Call& call, const Parameter& parameter, bool isSharp) {
     const CallArgument* given = Find(call, parameter.name);
     const bool isWide = parameter.type == "const wchar_t*";
@@ -234,7 +235,7 @@ std::string SharpType(const Parameter& parameter) {
     return "";
 }
 
-// NAME(ONE, OTHER), with lines of some width.
+// NAME(ONE, OTHER), wrapped into lines.
 std::string Wrapped(std::string line, const std::vector<std::string>& parts, size_t indent) {
     std::string text;
     for (size_t index = 0; index < parts.size(); ++index) {
@@ -303,7 +304,7 @@ std::string SharpText(const Call& call, const std::vector<Parameter>& parameters
     return text + "    }\n}";
 }
 
-// A word of the command line. Empty: the shell would not take it for one word, or not literally.
+// A word of the command line. Empty if the shell would not read it as one word, or not literally.
 std::optional<std::string> Word(const std::string& value) {
     const auto isPlain = [](char letter) {
         return std::isalnum(static_cast<unsigned char>(letter)) || (letter & 0x80) ||
@@ -316,7 +317,7 @@ std::optional<std::string> Word(const std::string& value) {
     if (value.empty() || value[0] == '-' || std::any_of(value.begin(), value.end(), isUnsafe))
         return std::nullopt;
     if (std::all_of(value.begin(), value.end(), isPlain)) return value;
-    // A program reads a backslash in front of a quote as one that protects it.
+    // A program reads a backslash before a quote as an escape.
     const size_t ends = value.size() - (value.find_last_not_of('\\') + 1);
     return "\"" + value + std::string(ends, '\\') + "\"";
 }
@@ -324,17 +325,17 @@ std::optional<std::string> Word(const std::string& value) {
 class Command {
   public:
     explicit Command(const std::string& start) : text_("vndiscover " + start) {}
-    // `option` may be empty; a value that is not there adds nothing.
+    // `option` may be empty; a missing value adds nothing.
     void Add(const char* option, const CallArgument* argument) {
         if (!argument || argument->value.empty()) return;
         const auto word = Word(argument->value);
         isSafe_ &= word.has_value();
         if (*option) text_ += std::string(" ") + option;
-        // What is secret comes from the environment.
+        // Secrets come from the environment.
         text_ += argument->isSecret ? " \"%" + argument->value + "%\"" : " " + word.value_or("");
     }
     void AddFlag(const char* flag) { text_ += std::string(" ") + flag; }
-    // The passwords are taken from the environment by themselves.
+    // The command takes passwords from the environment by itself.
     void AddUser(const Call& call) {
         if (!Find(call, "userName")) return Add("--community", Find(call, "readCommunity"));
         AddFlag("--v3");
@@ -387,7 +388,7 @@ std::string CallLine(const Call& call) {
     const auto parameters = ParametersOf(call.name);
     std::string line;
     for (const CallArgument& argument : call.arguments) {
-        // What the export does not have itself is part of another argument.
+        // An argument that the export does not have is part of another one.
         const bool isOwn = parameters && std::any_of(parameters->begin(), parameters->end(),
                                                      [&](const Parameter& each) {
                                                          return each.name == argument.name;

@@ -12,7 +12,7 @@ namespace {
 constexpr char kUnusedTimeoutMs[] = "2000";
 constexpr char kUnusedRetries[] = "5";
 
-// The module's own community is known to everybody, any other one is a secret.
+// The module's default community is public, any other one is a secret.
 void AddCommunity(Call& call, const std::string& community) {
     if (community.empty() || community == VN_DEFAULT_COMMUNITY) {
         call.arguments.push_back({"readCommunity", community});

@@ -1,4 +1,4 @@
-// What the engine calls for a step or a question, without its secrets.
+// The engine's calls for a step or a request, without secrets.
 #ifndef VNDISCOVER_HOST_WINDOW_CALLS_H
 #define VNDISCOVER_HOST_WINDOW_CALLS_H
 
@@ -12,7 +12,7 @@ namespace vndiscover::host {
 constexpr unsigned kUnusedSweepTimeoutMs = 5000;
 constexpr unsigned kWsdSilenceMs = 3000;
 
-// `probe`: of WS-Discovery alone.
+// `probe` is for WS-Discovery only.
 Call CallOf(const SweepStep& step, const std::string& probe);
 // A get-next request.
 Call CallOf(const AskTarget& target, const Oid& oid);

@@ -38,7 +38,7 @@ std::wstring CellText(const Call& call, int column) {
     }
 }
 
-// As an edit control breaks its lines.
+// With the line breaks of an edit control.
 std::wstring Lines(const std::string& text) {
     std::string lines;
     for (const char letter : text)
@@ -164,7 +164,7 @@ void CallsWindow::ShowText() {
         text = Lines(CallText(*call, language));
         if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);
     }
-    // Else it would lose its place while calls come.
+    // Otherwise it would lose its scroll position while calls are added.
     const HWND edit = GetDlgItem(dialog_, IDC_CALL_TEXT);
     std::wstring shown(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
     shown.resize(

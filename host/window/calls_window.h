@@ -1,4 +1,4 @@
-// The calls of the module that the window has made, each as texts to copy.
+// The calls of the module that the window has made, each as text to copy.
 #ifndef VNDISCOVER_HOST_WINDOW_CALLS_WINDOW_H
 #define VNDISCOVER_HOST_WINDOW_CALLS_WINDOW_H
 
@@ -20,12 +20,12 @@ class CallsWindow {
     CallsWindow(const CallsWindow&) = delete;
     CallsWindow& operator=(const CallsWindow&) = delete;
 
-    // Of many, the last thousand are kept.
+    // Only the last thousand are kept.
     void Add(Call call);
-    // What was added since the last time appears.
+    // Shows the calls that were added since the last time.
     void Refresh();
     void Open(HWND owner);
-    HWND Handle() const { return dialog_; }  // null: not open
+    HWND Handle() const { return dialog_; }  // null if it is not open
 
   private:
     static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
@@ -36,7 +36,7 @@ class CallsWindow {
     const Call* Selected() const;
 
     OnCopy onCopy_;
-    std::deque<Call> calls_;  // the newest first, as the list shows them
+    std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh
     HWND dialog_ = nullptr;
     HFONT font_ = nullptr;  // of the text, while the dialog is open

@@ -1,4 +1,4 @@
-// The texts of a dialog, from the string table.
+// Takes the texts of a dialog from the string table.
 #ifndef VNDISCOVER_HOST_WINDOW_DIALOG_TEXTS_H
 #define VNDISCOVER_HOST_WINDOW_DIALOG_TEXTS_H
 
@@ -6,8 +6,7 @@
 
 namespace vndiscover::host {
 
-// Sets the title, and the text of each control whose number is that of a string; OK and Cancel
-// likewise.
+// Sets the title, the text of each control that has the number of a string, and OK and Cancel.
 void SetDialogTexts(HWND dialog, unsigned title);
 
 }  // namespace vndiscover::host

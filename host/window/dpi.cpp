@@ -15,7 +15,7 @@ int SystemDpi() {
 }  // namespace
 
 int DpiOf(HWND window) {
-    // Since Windows 10.
+    // Available since Windows 10.
     using GetDpi = UINT(WINAPI*)(HWND);
     const auto get = reinterpret_cast<GetDpi>(reinterpret_cast<uintptr_t>(
         GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));

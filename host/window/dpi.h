@@ -1,4 +1,4 @@
-// Sizes by the dots per inch of a window's screen, on systems that know them per window and others.
+// Sizes by the DPI of a window's screen, on systems with and without per-window DPI.
 #ifndef VNDISCOVER_HOST_WINDOW_DPI_H
 #define VNDISCOVER_HOST_WINDOW_DPI_H
 
@@ -7,7 +7,7 @@
 namespace vndiscover::host {
 
 int DpiOf(HWND window);
-// The font of the user's messages; the caller deletes it.
+// The user's message font, which the caller must delete.
 HFONT MakeMessageFont(int dpi);
 
 }  // namespace vndiscover::host

@@ -1,5 +1,5 @@
-// What the window asks of the network. ModuleEngine does it through VnDiscover.dll; tests play an
-// engine that follows a script.
+// The window's access to the network. ModuleEngine uses VnDiscover.dll; tests use a scripted
+// engine.
 #ifndef VNDISCOVER_HOST_WINDOW_ENGINE_H
 #define VNDISCOVER_HOST_WINDOW_ENGINE_H
 
@@ -17,15 +17,15 @@
 namespace vndiscover::host {
 
 struct Credentials {
-    std::string community;                     // UTF-8; empty: the module's own
-    std::shared_ptr<const Security> security;  // null: no SNMPv3 user is known
+    std::string community;                     // UTF-8; empty: the module's default
+    std::shared_ptr<const Security> security;  // null: there is no SNMPv3 user
 };
 
 // One call of the module: one protocol over one version of IP.
 struct SweepStep {
     SweepKind kind = SweepKind::kSnmpV1;
     bool useIPv6 = false;
-    Oid oid;  // SNMP: what to ask for
+    Oid oid;  // to request, for SNMP
     Credentials credentials;
 };
 
@@ -44,17 +44,17 @@ class Engine {
 
     // Calls onAnswer on the calling thread, for each answer as it is delivered.
     virtual void Sweep(const SweepStep& step, const OnAnswer& onAnswer) = 0;
-    // Any thread. Without a sweep a request is forgotten, so it is to be repeated.
+    // For any thread. Without a running sweep it has no effect, so it must be repeated.
     virtual void StopSnmp() = 0;
     virtual void StopWsd() = 0;
-    // mayGoOn is asked before each question; a question waits 12 s at most.
+    // mayGoOn is called before each request, which takes 12 s at most.
     virtual PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
 
-    // Of this computer; these send nothing.
+    // About this computer; these send nothing.
     virtual AdapterList IPv4() = 0;
     virtual ComputerReport Report() = 0;
 
-    // For each call of the module, after it, on its thread. To be set while no other method runs.
+    // Called after each call of the module, on its thread. Must be set while no other method runs.
     using OnCall = std::function<void(Call call)>;
     void SetOnCall(OnCall onCall) { onCall_ = std::move(onCall); }
 
@@ -67,7 +67,7 @@ class Engine {
     OnCall onCall_;
 };
 
-// What the answers of a step are.
+// The form of a step's answers.
 AnswerForm FormOf(const SweepStep& step);
 
 }  // namespace vndiscover::host

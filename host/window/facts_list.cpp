@@ -14,7 +14,7 @@ constexpr int kRowHeight = 18;
 
 int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
 
-// A sign in a box, in the colours of text: its shape tells, not its colour.
+// A sign in a box, in text colours: it is recognised by its shape, not by its colour.
 HBITMAP DrawMark(HDC screen, int size, const wchar_t* sign) {
     const HDC dc = CreateCompatibleDC(screen);
     const HBITMAP bitmap = CreateCompatibleBitmap(screen, size, size);
@@ -108,7 +108,7 @@ HIMAGELIST FactsList::MakeMarks() const {
 void FactsList::SetImages() {
     const bool hasMarks = std::any_of(facts_.begin(), facts_.end(),
                                       [](const Fact& fact) { return fact.mark != Fact::kNone; });
-    // The list owns the one that it has, and the caller the one that it had.
+    // The list owns its current image list; the caller owns the previous one.
     const HIMAGELIST old =
         ListView_SetImageList(list_, hasMarks ? MakeMarks() : MakeRowSpace(dpi_), LVSIL_SMALL);
     if (old) ImageList_Destroy(old);

@@ -1,4 +1,4 @@
-// A list of facts: a label, a text, and a bar where there is a level. Details and reports use it.
+// A list of facts, each with a label, a text, and a bar if it is a level. For details and reports.
 #ifndef VNDISCOVER_HOST_WINDOW_FACTS_LIST_H
 #define VNDISCOVER_HOST_WINDOW_FACTS_LIST_H
 
@@ -25,13 +25,13 @@ struct Fact {
 
 class FactsList {
   public:
-    // The list is a child of `parent` and ends with it.
+    // The list is a child of `parent` and is destroyed with it.
     void Create(HWND parent, int id, const std::wstring& name);
     HWND Handle() const { return list_; }
     void Show(std::vector<Fact> facts);
     const std::vector<Fact>& Facts() const { return facts_; }
     void Resize(const RECT& place, int dpi);
-    // Of WM_NOTIFY from this list; the result is that of the message.
+    // Handles WM_NOTIFY from this list and returns the result of the message.
     LRESULT OnNotify(NMHDR* header);
 
   private:
@@ -43,7 +43,7 @@ class FactsList {
     std::vector<Fact> facts_;
 };
 
-// Draws a level and its text into a cell of a list; colours are the user's own.
+// Draws a level and its text into a cell of a list, in the user's colours.
 void DrawBar(HDC dc, const RECT& cell, int percent, const std::wstring& text, bool isSelected,
              int dpi);
 

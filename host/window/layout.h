@@ -1,4 +1,4 @@
-// Where the controls of the main window are. It knows sizes, not windows.
+// The positions of the main window's controls, computed from sizes alone.
 #ifndef VNDISCOVER_HOST_WINDOW_LAYOUT_H
 #define VNDISCOVER_HOST_WINDOW_LAYOUT_H
 
@@ -10,18 +10,18 @@ struct Box {
     int x = 0, y = 0, width = 0, height = 0;
 };
 
-// Pixels, but for dpi.
+// In pixels, except dpi.
 struct LayoutInput {
     int width = 0, height = 0;  // of the client area
     int statusHeight = 0;
     int dpi = 96;
     int textHeight = 0;
-    std::vector<int> barWidths;     // of the controls of the bar, in their order
-    std::vector<bool> startsGroup;  // a wider space in front of it
+    std::vector<int> barWidths;     // of the controls in the bar, in order
+    std::vector<bool> startsGroup;  // has a wider space before it
 };
 
 struct Layout {
-    std::vector<Box> bar;  // in rows: what does not fit into one goes into the next
+    std::vector<Box> bar;  // wrapped into rows
     Box devicesLabel, devices, detailsLabel, details;
 };
 

@@ -1,10 +1,10 @@
-// VnBrowser.exe: a window in which devices appear, and the example of a host with a user interface.
+// VnBrowser.exe: a window that shows devices, and an example of a host with a user interface.
 //
 //   VnBrowser.exe [--profile NAME] [--sweep [--save FILE] [--exit]]
 //
-// With --profile SNMPv3 is used too, with the user that the window keeps under that name. With
-// --exit nothing is shown. Exit codes: 0 devices answered, 1 none, 2 wrong usage, or the file could
-// not be saved, or the profile not opened.
+// With --profile, SNMPv3 is used too, with the user that the window has saved under that name. With
+// --exit, no window is shown. Exit codes: 0 devices answered, 1 none, 2 wrong usage, or the file
+// could not be saved, or the profile could not be opened.
 #include <windows.h>
 
 #include <exception>

@@ -30,7 +30,7 @@ constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kFrameMs = 100;
 constexpr UINT kStatusMs = 250;
 constexpr int kColumnWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
-// What most people look for is seen without scrolling.
+// The most important columns are visible without scrolling.
 constexpr int kColumnOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
 constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET, IDC_V1,           IDC_V3,
                         IDC_WSD,  IDC_IPV4,         IDC_IPV6,   IDC_FILTER_LABEL, IDC_FILTER};
@@ -49,7 +49,7 @@ std::wstring WindowText(HWND window) {
     return text;
 }
 
-// Asks for a file; empty: none was chosen.
+// Asks for a file; empty if none was chosen.
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving) {
     const std::wstring pattern = std::wstring(L"*.") + extension;
     std::wstring filter = Text(kind) + L'\0' + pattern + L'\0';
@@ -83,12 +83,12 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
     type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
     type.lpszClassName = L"VnBrowser";
-    RegisterClassW(&type);  // fails harmlessly when it is registered already
+    RegisterClassW(&type);  // fails harmlessly if it is already registered
     keys_ = LoadAcceleratorsW(type.hInstance, MAKEINTRESOURCEW(IDR_KEYS));
     window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, Text(IDS_TITLE).c_str(),
                               WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
                               0, 0, nullptr, MakeMenu(), type.hInstance, nullptr);
-    if (!window_) throw std::runtime_error("there can be no window here");
+    if (!window_) throw std::runtime_error("the window cannot be created");
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     dpi_ = DpiOf(window_);
     CreateControls();
@@ -119,7 +119,7 @@ int MainWindow::Run() {
 }
 
 void MainWindow::Dispatch(MSG& message) {
-    // Ctrl+C belongs to a text while one is edited.
+    // While text is edited, Ctrl+C copies that.
     if (message.message == WM_KEYDOWN && message.hwnd == devices_ && message.wParam == 'C' &&
         GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) >= 0) {
         OnCommand(IDM_COPY_ROW, 0);
@@ -141,7 +141,7 @@ LRESULT CALLBACK MainWindow::Procedure(HWND window, UINT message, WPARAM wParam,
 LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case kEvents:
-            // The queue stays filled until then, so that one frame takes all that comes.
+            // The queue is not emptied until then, so that one frame handles all events.
             SetTimer(window_, kFrameTimer, kFrameMs, nullptr);
             return 0;
         case WM_TIMER:
@@ -176,7 +176,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_NOTIFY:
             return OnNotify(reinterpret_cast<NMHDR*>(lParam));
         case WM_CLOSE:
-            // The user sees it closed at once; a device may be waited for up to 12 s more.
+            // The window disappears at once, although a request may take up to 12 s more.
             ShowOwnedPopups(window_, FALSE);
             ShowWindow(window_, SW_HIDE);
             StoreSettings();
@@ -184,7 +184,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             DestroyWindow(window_);
             return 0;
         case WM_ENDSESSION:
-            if (wParam) StoreSettings();  // the process may end right after it
+            if (wParam) StoreSettings();  // the process may end right after this
             return 0;
         case WM_DESTROY:
             SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
@@ -204,7 +204,7 @@ HWND MainWindow::CreateControl(const wchar_t* type, unsigned text, DWORD style, 
                            GetModuleHandleW(nullptr), nullptr);
 }
 
-// In the order of the Tab key. A screen reader takes a label in front of a control for its name.
+// In tab order. A screen reader uses the label before a control as its name.
 void MainWindow::CreateControls() {
     constexpr DWORD kTick = BS_AUTOCHECKBOX | WS_TABSTOP;
     CreateControl(L"BUTTON", IDS_FIND, BS_PUSHBUTTON | WS_TABSTOP, IDC_FIND);
@@ -265,7 +265,7 @@ void MainWindow::RestoreSettings() {
     std::copy(std::begin(kColumnWidths), std::end(kColumnWidths), settings_.widths.begin());
     std::copy(std::begin(kColumnOrder), std::end(kColumnOrder), settings_.order.begin());
     settings_.ticks = kDefaultTicks;
-    // A script gets the same sweep, whoever used the window before.
+    // A script gets the same sweep whatever settings a user has saved.
     if (!options_.exit) settings_ = LoadSettings().value_or(settings_);
     for (size_t index = 0; index < std::size(kTicks); ++index)
         CheckDlgButton(window_, kTicks[index], settings_.ticks >> index & 1);
@@ -297,7 +297,7 @@ int MainWindow::WidthOf(int id) const {
     if (id == IDC_FILTER) return scaled(150);
     std::wstring text = WindowText(GetDlgItem(window_, id));
     if (id == IDC_PRESET) text = Text(IDS_PRESET_KNOWN);
-    if (id == IDC_FIND) text = Text(IDS_STOPPING);  // its longest: it does not move the others
+    if (id == IDC_FIND) text = Text(IDS_STOPPING);  // the longest, so that the others never move
     const HDC dc = GetDC(window_);
     const HGDIOBJ old = SelectObject(dc, font_);
     RECT size = {};
@@ -334,9 +334,9 @@ void MainWindow::Place() {
     };
     for (size_t index = 0; index < layout.bar.size(); ++index) {
         const Box& box = layout.bar[index];
-        // The height of a combo box is that of its open list.
+        // The height of a combo box includes its open list.
         move(kBar[index], box, kBar[index] == IDC_PRESET ? box.height * 6 : box.height);
-        if (kBar[index] == IDC_FILTER) {  // its text is at its top
+        if (kBar[index] == IDC_FILTER) {  // whose text is at the top
             const int height = std::min(box.height, input.textHeight + MulDiv(8, dpi_, 96));
             move(IDC_FILTER, {box.x, box.y + (box.height - height) / 2, box.width, 0}, height);
         }
@@ -402,7 +402,7 @@ void MainWindow::OnCommand(int id, int code) {
             SetFocus(GetDlgItem(window_, IDC_FILTER));
             break;
         case IDM_CLEAR:
-            if (isSweeping_ || !asked_.empty()) break;  // what still comes belongs to it
+            if (isSweeping_ || !asked_.empty()) break;  // answers that still come belong to it
             session_.Clear();
             wasSwept_ = false;
             session_.Refresh();
@@ -511,13 +511,13 @@ void MainWindow::ClickColumn(int column) {
 
 void MainWindow::OnSelected() {
     const int row = ListView_GetNextItem(devices_, -1, LVNI_SELECTED);
-    if (row < 0) return;  // between two rows; what is chosen stays until another one is
+    if (row < 0) return;  // no row yet: the selection stays until another one is selected
     session_.view.Select(static_cast<size_t>(row));
     details_.Show(DetailFacts(session_));
     AskSelected(false);
 }
 
-// Rows, selection, headings and details as the session has them now.
+// Updates rows, selection, headings and details from the session.
 void MainWindow::ShowRows() {
     isShowing_ = true;
     const DeviceView& view = session_.view;
@@ -555,7 +555,7 @@ void MainWindow::ShowRows() {
     isShowing_ = false;
 }
 
-// The user of SNMPv3. False: there is none, and nobody who could be asked.
+// Gets the SNMPv3 user. False if there is none and the user cannot be asked.
 bool MainWindow::FetchUser() {
     if (UseProfile(options_.profile.empty() ? LastProfile() : options_.profile, credentials_))
         return true;
@@ -565,7 +565,7 @@ bool MainWindow::FetchUser() {
         return false;
     }
     AskCredentials(window_, credentials_);
-    // Whoever leaves the question has not asked for SNMPv3.
+    // Cancelling the dialog switches off SNMPv3.
     if (!credentials_.security) CheckDlgButton(window_, IDC_V3, BST_UNCHECKED);
     return true;
 }
@@ -607,7 +607,7 @@ void MainWindow::StartOrStop() {
         ShowStatus();
         return;
     }
-    workers_->LookAtAdapters();  // anew: the user may have plugged one in
+    workers_->LookAtAdapters();  // again, since the user may have plugged one in
     startMs_ = GetTickCount64();
     answers_ = 0;
     isSweeping_ = wasSwept_ = true;
@@ -722,7 +722,7 @@ std::optional<Scan> MainWindow::LoadScan(const std::string& path) {
 }
 
 void MainWindow::Open() {
-    if (workers_->IsBusy()) return;  // its answers belong to the scan that is here
+    if (workers_->IsBusy()) return;  // its answers belong to the current scan
     const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", false);
     auto scan = path.empty() ? std::nullopt : LoadScan(path);
     if (!scan) return;
@@ -777,7 +777,7 @@ void MainWindow::CopyText(const std::wstring& text) {
     if (void* place = memory ? GlobalLock(memory) : nullptr) {
         std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(place));
         GlobalUnlock(memory);
-        // The system owns it from here on, unless it refuses.
+        // The system owns it from now on, unless the call fails.
         if (!SetClipboardData(CF_UNICODETEXT, memory)) GlobalFree(memory);
     }
     CloseClipboard();
@@ -800,7 +800,7 @@ void MainWindow::CopyTable() {
     CopyText(table);
 }
 
-// Made of the numeric address alone: nothing that a device says becomes a web address.
+// Built only from the numeric address: nothing that a device sends becomes a URL.
 void MainWindow::OpenWebPage() {
     const DeviceRow* row = session_.view.SelectedRow();
     const auto target = row ? session_.TargetOf(*row) : std::nullopt;

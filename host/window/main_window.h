@@ -18,26 +18,26 @@
 
 namespace vndiscover::host {
 
-// What the command line asks for.
+// The command line's options.
 struct StartOptions {
     bool sweep = false;
     std::string savePath;  // UTF-8; written when the sweep has ended
-    bool exit = false;     // then; nothing is shown
-    std::wstring profile;  // sweep over SNMPv3 too, with this user
+    bool exit = false;     // after that; no window is shown
+    std::wstring profile;  // of the user for SNMPv3; empty: none
 };
 
 class MainWindow {
   public:
-    // The engine outlives the window. Throws std::runtime_error where there can be no window.
+    // The engine must outlive the window. Throws std::runtime_error if it cannot be created.
     MainWindow(Engine& engine, StartOptions options);
     ~MainWindow();
     MainWindow(const MainWindow&) = delete;
     MainWindow& operator=(const MainWindow&) = delete;
 
     HWND Handle() const { return window_; }
-    // Until the window is closed; the result is the process's exit code.
+    // Runs until the window is closed, and returns the process's exit code.
     int Run();
-    // One message of the queue, with keys.
+    // Handles one message of the queue, accelerators included.
     void Dispatch(MSG& message);
 
   private:
@@ -98,13 +98,13 @@ class MainWindow {
     Credentials credentials_;
     int dpi_ = 96;
     bool isSweeping_ = false, isStopping_ = false, wasSwept_ = false, isStopped_ = false;
-    bool isShowing_ = false;  // selection is being set by us
+    bool isShowing_ = false;  // the selection is set by the program
     ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
     size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
-    std::string asked_;                        // the address that is being asked; empty: none
-    std::wstring note_;                        // instead of the status, until the next action
+    std::string asked_;                        // the address that is being read; empty: none
+    std::wstring note_;                        // shown as the status until the next action
     int exitCode_ = 0;
-    // Last, so that their threads end before what they use does.
+    // Last, so that their threads end before the members that they use.
     CallsWindow calls_;
     EventQueue events_;
     std::unique_ptr<Workers> workers_;

@@ -23,7 +23,7 @@ const Popup kPopups[] = {
 
 }  // namespace
 
-// A MENU resource would have texts of its own.
+// A MENU resource would duplicate the texts.
 HMENU MakeMenu() {
     const HMENU bar = CreateMenu();
     for (const Popup& popup : kPopups) {

@@ -6,7 +6,7 @@
 
 namespace vndiscover::host {
 
-// The caller owns it until a window does. The text of a command is the string with its number.
+// The caller owns it until a window does. Each command's text is the string with its number.
 HMENU MakeMenu();
 
 }  // namespace vndiscover::host

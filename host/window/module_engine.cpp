@@ -32,7 +32,7 @@ void SweepV1(HWND window, const SweepStep& step) {
                          ToWide(step.credentials.community).c_str(), nullptr);
 }
 
-// Sweeps over SNMPv3 take an OID in a JSON request alone.
+// SNMPv3 sweeps accept an OID only in a JSON request.
 void SweepV3(HWND window, const SweepStep& step) {
     const Security& user = *step.credentials.security;
     const BYTE useIPv6 = step.useIPv6 ? 1 : 0;
@@ -66,7 +66,7 @@ Security CopyOf(const Security& user) {
     return copy;
 }
 
-// The times of a call.
+// Measures the time of a call.
 class Stopwatch {
   public:
     Call Timed(Call call) const {
@@ -90,7 +90,7 @@ AnswerForm FormOf(const SweepStep& step) {
 
 void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     const bool isWsd = step.kind == SweepKind::kWsd;
-    // Made here, on the sweeping thread: the module then calls it directly and waits for nobody.
+    // Created on the sweeping thread, so that the module calls it directly.
     size_t answers = 0;
     const ResultWindow window([&](const char* address, const char* value) {
         ++answers;

@@ -21,7 +21,7 @@ class Page {
         type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
         type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
         type.lpszClassName = L"VnBrowserPage";
-        RegisterClassW(&type);  // fails harmlessly when it is registered already
+        RegisterClassW(&type);  // fails harmlessly if it is already registered
         const int dpi = DpiOf(owner);
         window_ =
             CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, title.c_str(),

@@ -1,4 +1,4 @@
-// A window that shows a report; it ends with its owner, or with Esc.
+// A window that shows a report until its owner is closed, or Esc is pressed.
 #ifndef VNDISCOVER_HOST_WINDOW_PAGE_WINDOW_H
 #define VNDISCOVER_HOST_WINDOW_PAGE_WINDOW_H
 

@@ -10,7 +10,7 @@
 namespace vndiscover::host {
 namespace {
 
-// Facts in their order; one without a text is left out.
+// Facts in order; those without text are left out.
 class Page {
   public:
     void Add(const std::wstring& label, const std::string& text,
@@ -94,7 +94,7 @@ std::vector<Fact> DetailFacts(const Session& session) {
             Text(IDS_MERGED_BY, {ToWide(KeyName(merge.key)), ToWide(PlainText(merge.value))}),
             {},
             Fact::kNone};
-        // Several answers are often merged by the same thing.
+        // Several answers are often merged by the same key.
         if (page.facts.back() == fact) continue;
         page.facts.push_back(fact);
     }

@@ -1,4 +1,4 @@
-// What the details, the doctor's page and the comparison say, as facts.
+// The details, the doctor's page and the comparison as facts.
 #ifndef VNDISCOVER_HOST_WINDOW_PAGES_H
 #define VNDISCOVER_HOST_WINDOW_PAGES_H
 

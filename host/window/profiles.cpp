@@ -12,9 +12,9 @@
 namespace vndiscover::host {
 namespace {
 
-// A key for each profile, with one value: the user's name and the labels of the protocols, each
-// with its terminating zero, and the sealed passwords. One value is written as a whole or not at
-// all.
+// A key for each profile, with one value, which is written as a whole or not at all: the user's
+// name and the labels of the protocols, each with its terminating zero, and the encrypted
+// passwords.
 constexpr wchar_t kProfilesKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles";
 constexpr wchar_t kBrowserKey[] = L"Software\\Varnell Osk\\VnBrowser";
 constexpr wchar_t kValue[] = L"User";
@@ -23,7 +23,8 @@ constexpr DWORD kMaxValueBytes = 16384;
 
 using Bytes = std::vector<BYTE>;
 
-// Of a password in the clear; wiped when it ends. It never grows, so that no copy is left.
+// Holds passwords in the clear and wipes them on destruction. Never grows, so that no copies are
+// left.
 class ClearText {
   public:
     explicit ClearText(size_t size) : bytes_(size) {}
@@ -37,13 +38,13 @@ class ClearText {
     Bytes bytes_;
 };
 
-// The text with its zero, as bytes.
+// Appends the text and its terminating zero as bytes.
 void AppendText(Bytes& bytes, const wchar_t* text) {
     const auto* first = reinterpret_cast<const BYTE*>(text);
     bytes.insert(bytes.end(), first, first + (std::wcslen(text) + 1) * sizeof(wchar_t));
 }
 
-// Empty: there is no whole text at `at`, which moves past it.
+// Reads the text at `at`, which moves past it. Empty if it is not terminated.
 std::optional<std::wstring> TakeText(const BYTE* bytes, size_t size, size_t& at) {
     const size_t first = at;
     wchar_t letter = 0;
@@ -52,7 +53,7 @@ std::optional<std::wstring> TakeText(const BYTE* bytes, size_t size, size_t& at)
         std::memcpy(&letter, bytes + at, sizeof letter);
         at += sizeof letter;
     } while (letter != L'\0');
-    // Made in its full length: a text that grows leaves copies of a password.
+    // Allocated in full length: a string that grows leaves copies of a password.
     std::wstring text((at - first) / sizeof letter - 1, L'\0');
     std::memcpy(text.data(), bytes + first, text.size() * sizeof letter);
     return text;
@@ -62,7 +63,7 @@ DATA_BLOB BlobOf(const BYTE* bytes, size_t size) {
     return {static_cast<DWORD>(size), const_cast<BYTE*>(bytes)};
 }
 
-// What is in the clear is sealed along: whoever changes the protocols gets no passwords for them.
+// Encrypted together with the passwords, so that changed protocols make them unusable.
 Bytes ClearPart(const Security& security) {
     Bytes bytes;
     for (const std::wstring* text : {&security.user, &security.authLabel, &security.privLabel})
@@ -70,7 +71,7 @@ Bytes ClearPart(const Security& security) {
     return bytes;
 }
 
-// Empty: the system cannot.
+// Empty on failure.
 Bytes Seal(const Security& security, const Bytes& clearPart) {
     const wchar_t* passwords[] = {security.authPassword.Get(), security.privPassword.Get()};
     size_t size = 0;

@@ -54,7 +54,7 @@
 #define IDM_FILTER 332
 #define IDM_CALLS 333
 
-// Texts. Those of the columns follow each other in the order of Column.
+// Texts. Those of the columns are in the order of Column.
 #define IDS_MENU_FILE 390
 #define IDS_MENU_EDIT 391
 #define IDS_MENU_DEVICE 392
@@ -170,7 +170,7 @@
 #define IDS_CALL_MS 555
 #define IDS_CALL_ANSWERS 556
 #define IDS_CALL_NO_COMMAND 557
-#define IDS_CALL_CPP 558  // the three follow each other
+#define IDS_CALL_CPP 558  // these three are consecutive
 #define IDS_CALL_CSHARP 559
 #define IDS_CALL_COMMAND 560
 #define IDS_CALL_COPY 561

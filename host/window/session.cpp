@@ -76,7 +76,7 @@ const FoundDevice* Session::SelectedDevice() const {
 }
 
 std::optional<AskTarget> Session::TargetOf(const DeviceRow& row) const {
-    // The encrypted way before the open one; what has only replied to a Probe may know SNMPv1 too.
+    // SNMPv3 before SNMPv1; a device that has only replied to a Probe may support SNMPv1 too.
     const auto rank = [](SweepKind kind) {
         return kind == SweepKind::kSnmpV3 ? 2 : kind == SweepKind::kSnmpV1 ? 1 : 0;
     };
@@ -121,7 +121,7 @@ bool Session::Split(const DeviceRow& row) {
     for (const Merge& merge : device->merges) {
         if (merge.key != MergeKey::kAddress) scan_.splits.emplace_back(merge.first, merge.second);
     }
-    // Several protocols at one address; what was asked for there stays with what was heard.
+    // Several protocols at one address; variables stay with the answers of their protocol.
     for (const Merge& merge : device->merges) {
         if (before == scan_.splits.size() && !isAsked(merge.first) && !isAsked(merge.second))
             scan_.splits.emplace_back(merge.first, merge.second);

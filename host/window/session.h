@@ -1,4 +1,4 @@
-// What the window shows: answers become a scan, devices and rows.
+// The window's data: turns answers into a scan, devices and rows.
 #ifndef VNDISCOVER_HOST_WINDOW_SESSION_H
 #define VNDISCOVER_HOST_WINDOW_SESSION_H
 
@@ -19,7 +19,7 @@ class Session {
     DeviceView view;
 
     void Take(const Event& event);
-    // Devices and rows anew if anything has come since. True: they changed.
+    // Updates devices and rows if there are new answers. True if they changed.
     bool Refresh();
 
     void Clear() { SetScan({}); }
@@ -27,16 +27,16 @@ class Session {
     const Scan& GetScan() const { return scan_; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
 
-    // Of the selected device; null: none.
+    // The selected device; null if there is none.
     const FoundDevice* SelectedDevice() const;
-    // How to ask a device: the address and protocol that it answered over. Empty: it answered none
-    // that can be asked.
+    // How to ask a device: the address and protocol by which it answered. Empty if it cannot be
+    // asked.
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
     bool WasAsked(const DeviceRow& row) const;
-    // Why the last reading of a device ended early, and what was left out.
+    // Why the last reading of a device ended early, and what is missing.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
-    // Undoes the merges of a device by what it told; where there are none, those of protocols that
-    // answered from one address. False: it has none of either.
+    // Undoes the merges of a device by its identity, or if there are none, those of protocols that
+    // answered from one address. False if there is nothing to undo.
     bool Split(const DeviceRow& row);
 
   private:
@@ -48,7 +48,7 @@ class Session {
     RowMaker rowMaker_;
     AdapterList adapters_;
     std::array<size_t, kWorkerCount> sweeps_{};     // indexes of those that run
-    std::map<std::string, std::vector<Gap>> gaps_;  // by the address that was asked
+    std::map<std::string, std::vector<Gap>> gaps_;  // by address
     bool isChanged_ = false;
 };
 

@@ -1,4 +1,4 @@
-// What the window keeps for its user, below HKEY_CURRENT_USER. No passwords.
+// Settings of the window that are saved for the user, below HKEY_CURRENT_USER. No passwords.
 #ifndef VNDISCOVER_HOST_WINDOW_SETTINGS_H
 #define VNDISCOVER_HOST_WINDOW_SETTINGS_H
 
@@ -11,14 +11,14 @@
 namespace vndiscover::host {
 
 struct Settings {
-    uint32_t ticks = 0;  // a bit for each box, in their order
+    uint32_t ticks = 0;  // a bit for each check box, in order
     uint32_t preset = 0;
     std::array<int32_t, kColumnCount> widths{}, order{};  // widths in pixels at 96 DPI
 };
 
-// Empty: none were kept, or what is there makes no sense.
+// Empty if none were saved, or if they are invalid.
 std::optional<Settings> LoadSettings();
-// Without effect where the user may not write.
+// Has no effect if the user may not write.
 void KeepSettings(const Settings& settings);
 
 }  // namespace vndiscover::host

@@ -18,7 +18,7 @@ namespace {
 constexpr const wchar_t* kAuthLabels[] = {VN_AUTH_MD5,    VN_AUTH_SHA1,   VN_AUTH_SHA224,
                                           VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
 constexpr const wchar_t* kPrivLabels[] = {VN_PRIV_DES, VN_PRIV_AES};
-constexpr int kMaxText = 120;  // a longer user's name cannot be sent
+constexpr int kMaxText = 120;  // characters; a longer user name cannot be sent
 
 std::wstring FieldText(HWND dialog, int id) {
     wchar_t text[kMaxText + 1] = L"";
@@ -28,7 +28,7 @@ std::wstring FieldText(HWND dialog, int id) {
     return copy;
 }
 
-// "none" and the labels; `chosen` is one of them, or none.
+// Fills in "none" and the labels; selects `chosen`, or "none".
 template <size_t N>
 void Fill(HWND dialog, int id, const wchar_t* const (&labels)[N], const std::wstring& chosen) {
     const auto add = [&](const wchar_t* text) {
@@ -128,14 +128,14 @@ class SnmpDialog {
                                 reinterpret_cast<LPARAM>(name.c_str()));
     }
 
-    // False: there is no such profile, and the fields are as they were.
+    // False if there is no such profile; the fields are then unchanged.
     bool Load(const std::wstring& name) {
         auto profile = ReadProfile(name);
         if (!profile) return false;
         loaded_ = name;
         isClosed_ = !profile->isOpen;
         Show(profile->security, profile->isOpen);
-        // What was typed for a profile that cannot be opened is still good for it.
+        // Passwords typed for a profile that cannot be opened remain valid for it.
         const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
         if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
         SetDlgItemTextW(dialog_, IDC_PROFILE, name.c_str());
@@ -185,7 +185,7 @@ class SnmpDialog {
         Show({}, false);
     }
 
-    // Null: what is there makes no user.
+    // Null if the input is incomplete.
     std::shared_ptr<Security> TypedUser() const {
         auto user = std::make_shared<Security>();
         user->user = FieldText(dialog_, IDC_USER);
@@ -193,7 +193,7 @@ class SnmpDialog {
         user->privLabel = Chosen(dialog_, IDC_PRIV, kPrivLabels);
         user->useAuth = !user->authLabel.empty();
         user->usePriv = !user->privLabel.empty();
-        // A password belongs to its user.
+        // A known password is only valid for its user.
         const Security* known = known_ && known_->user == user->user ? known_.get() : nullptr;
         if (user->useAuth)
             user->authPassword =
@@ -201,7 +201,7 @@ class SnmpDialog {
         if (user->usePriv)
             user->privPassword =
                 PasswordOf(dialog_, IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
-        // The module would send unprotected requests instead.
+        // Otherwise the module would send unprotected requests.
         const bool isWhole = !user->user.empty() && ToUtf8(user->user).size() <= VN_USER_NAME_MAX &&
                              user->useAuth == !user->authPassword.IsEmpty() &&
                              user->usePriv == !user->privPassword.IsEmpty() &&
@@ -224,7 +224,7 @@ class SnmpDialog {
         End(TRUE);
     }
 
-    // False: the user wants another name.
+    // False if the user wants another name.
     bool Keep(const std::wstring& name, const Security& user) const {
         const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
         const bool isThere = IsKept(name);
@@ -241,14 +241,14 @@ class SnmpDialog {
     }
 
     void End(INT_PTR result) const {
-        // The fields have memory of their own.
+        // Edit controls keep their own copies.
         for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD})
             SetDlgItemTextW(dialog_, id, std::wstring(kMaxText, L' ').c_str());
         EndDialog(dialog_, result);
     }
 
     Credentials& credentials_;
-    std::shared_ptr<const Security> known_;  // whose passwords need not be typed again
+    std::shared_ptr<const Security> known_;  // the user whose passwords need not be typed again
     HWND dialog_ = nullptr;
     std::vector<std::wstring> names_;
     std::wstring loaded_;    // the profile whose user the fields show

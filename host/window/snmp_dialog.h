@@ -1,5 +1,5 @@
-// Asks for the community, and for the SNMPv3 user with the passwords: one that is kept as a
-// profile, or a new one.
+// Asks for the community, and for the SNMPv3 user with passwords: one that is saved as a profile,
+// or a new one.
 #ifndef VNDISCOVER_HOST_WINDOW_SNMP_DIALOG_H
 #define VNDISCOVER_HOST_WINDOW_SNMP_DIALOG_H
 
@@ -9,11 +9,11 @@
 
 namespace vndiscover::host {
 
-// False: the user left it, and the credentials are as they were. A password field that is left
-// empty keeps the password that is there. Without the name of a profile all stays in memory alone.
+// False if the user cancelled; the credentials are then unchanged. An empty password field keeps
+// the known password. Without a profile name, nothing is saved.
 bool AskCredentials(HWND owner, Credentials& credentials);
 
-// Takes the user of a profile. False: it is not there or cannot be opened.
+// Uses the user of a profile. False if it does not exist or cannot be opened.
 bool UseProfile(const std::wstring& name, Credentials& credentials);
 
 }  // namespace vndiscover::host

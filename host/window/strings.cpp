@@ -14,7 +14,7 @@ TextChange textChange = nullptr;
 }  // namespace
 
 std::wstring Text(unsigned id) {
-    // With size 0 the system gives the text's place in the resource.
+    // With size 0 the system returns a pointer into the resource.
     const wchar_t* text = nullptr;
     const int length =
         LoadStringW(GetModuleHandleW(nullptr), id, reinterpret_cast<wchar_t*>(&text), 0);

@@ -1,4 +1,4 @@
-// The texts of the window, from its string table.
+// The texts of the window in its string table.
 #ifndef VNDISCOVER_HOST_WINDOW_STRINGS_H
 #define VNDISCOVER_HOST_WINDOW_STRINGS_H
 
@@ -8,14 +8,14 @@
 namespace vndiscover::host {
 
 std::wstring Text(unsigned id);
-// With %1 to %9 replaced. What is put in is data: a "%1" within it stays.
+// Replaces %1 to %9. A "%1" in a value is not replaced again.
 std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);
 
-// Changes every text, for tests of longer languages. Null: none.
+// Changes every text, to test longer languages. Null: no change.
 using TextChange = std::wstring (*)(std::wstring text);
 void SetTextChange(TextChange change);
 
-// "2026-11-25T04:32:23Z" as the user writes date and time; any other text as it is.
+// "2026-11-25T04:32:23Z" in the user's format of date and time; any other text unchanged.
 std::wstring LocalTime(const std::string& utc);
 
 }  // namespace vndiscover::host

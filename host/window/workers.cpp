@@ -148,7 +148,7 @@ void Workers::Run(WorkerId worker) {
         try {
             Do(worker, job);
         } catch (...) {
-            // Out of memory: what came so far is kept.
+            // Out of memory: keep the answers received so far.
         }
         lock.lock();
         line.isRunning = false;

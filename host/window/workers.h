@@ -1,4 +1,4 @@
-// The threads that wait for the network, so that the window never does.
+// The threads that wait for the network instead of the window's.
 #ifndef VNDISCOVER_HOST_WINDOW_WORKERS_H
 #define VNDISCOVER_HOST_WINDOW_WORKERS_H
 
@@ -16,7 +16,7 @@
 
 namespace vndiscover::host {
 
-// As many as the module allows.
+// As many as the module supports.
 enum class WorkerId { kSnmp, kWsd, kDirected };
 constexpr size_t kWorkerCount = 3;
 
@@ -29,7 +29,7 @@ struct Event {
         kAdapters,    // adapters
         kReport,      // report
         kCalled,      // call
-        kIdle,        // the worker has nothing left to do
+        kIdle,        // the worker has finished
     };
     Kind kind = kIdle;
     WorkerId worker = WorkerId::kSnmp;
@@ -45,7 +45,7 @@ struct Event {
 // Between the workers and the window.
 class EventQueue {
   public:
-    // `onFilled` is called on a worker's thread when the empty queue gets an event.
+    // `onFilled` is called on a worker's thread when an event is added to the empty queue.
     explicit EventQueue(std::function<void()> onFilled) : onFilled_(std::move(onFilled)) {}
     void Push(Event event);
     std::vector<Event> Drain();
@@ -56,31 +56,31 @@ class EventQueue {
     std::vector<Event> events_;
 };
 
-// All methods are for the window's thread.
+// All methods must be called on the window's thread.
 class Workers {
   public:
-    // Both outlive the workers.
+    // Both must outlive the workers.
     Workers(Engine& engine, EventQueue& events);
     ~Workers();  // stops everything and waits for it
     Workers(const Workers&) = delete;
     Workers& operator=(const Workers&) = delete;
 
-    // Steps of WS-Discovery go to a worker of their own; the others run one after the other.
+    // WS-Discovery steps run on a separate worker; the others run one after the other.
     void Sweep(const std::vector<SweepStep>& steps);
-    // `isUrgent`: before all that is waiting. A device that is waiting already is not asked twice.
+    // `isUrgent`: before all waiting devices. A device that is already waiting is not asked twice.
     void Ask(const AskTarget& target, bool isUrgent);
-    // What this computer has, as kAdapters and kReport. These send nothing, but the system may take
-    // a second. A worker does them that has nothing else to do, or the directed one next.
+    // Reports on this computer, as kAdapters and kReport. Sends nothing, but may take a second.
+    // Runs on an idle worker, or otherwise next on the directed one.
     void LookAtAdapters() { Look(Task::kAdapters); }
     void MakeReport() { Look(Task::kReport); }
-    // Ends sweeps and questions, and drops what is waiting.
+    // Ends sweeps and readings, and drops those that are waiting.
     void Stop();
-    // To be called until the sweeps have ended: a request is lost that comes before the worker has
-    // entered the module.
+    // Must be called until the sweeps have ended, since a stop that comes before the worker has
+    // entered the module is lost.
     void RepeatStop();
     bool IsBusy() const;
     bool IsBusy(WorkerId worker) const;
-    size_t Waiting() const;  // devices that are to be asked
+    size_t Waiting() const;  // number of devices that are still to be asked
 
   private:
     enum class Task { kNetwork, kAdapters, kReport };
@@ -108,7 +108,7 @@ class Workers {
     std::condition_variable changed_;
     std::array<Line, kWorkerCount> lines_;
     std::atomic<unsigned> stops_{0};
-    bool isStopTold_ = true;  // as a call, once for what runs
+    bool isStopTold_ = true;  // reported as a call, once per run
     bool isEnding_ = false;
 };
 

@@ -1,10 +1,8 @@
-// What tests of VnBrowser.exe in a lab need of its own code.
+// Gives the tests of VnBrowser.exe in a lab access to its code.
 //
-//   window_helper texts FOLDER    the texts of some calls, as NAME.cpp, NAME.cs and NAME.bat, and
-//   the
-//                                 declarations that they come from, as shapes.txt
-//   window_helper profile NAME    keeps the labs' SNMPv3 user, with the passwords of the
-//   environment
+//   window_helper texts FOLDER    writes the texts of some calls as NAME.cpp, NAME.cs and NAME.bat,
+//                                 and the declarations that they use as shapes.txt
+//   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
 #include <cstdio>
 #include <cstring>
 #include <memory>
