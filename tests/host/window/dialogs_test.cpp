@@ -14,7 +14,7 @@ std::wstring LongerText(std::wstring text) {
     return text + std::wstring(text.size() * 2 / 5 + 1, L'w');
 }
 
-// The visible window that this one owns; null: none.
+// The visible window that this one owns; null if there is none.
 HWND PopupOf(HWND owner) {
     for (HWND each = GetTopWindow(nullptr); each; each = GetWindow(each, GW_HWNDNEXT)) {
         if (GetWindow(each, GW_OWNER) == owner && IsWindowVisible(each)) return each;
@@ -22,7 +22,7 @@ HWND PopupOf(HWND owner) {
     return nullptr;
 }
 
-// How much room a text takes in its control.
+// The size that a text needs in its control.
 SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
     const HDC dc = GetDC(control);
     const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
@@ -35,7 +35,7 @@ SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
     return {size.right, size.bottom};
 }
 
-// Each control is within the dialog, overlaps no other, and shows its whole text.
+// Every control is within the dialog, overlaps no other, and shows its whole text.
 void CheckDialog(HWND dialog, size_t controls) {
     RECT client = {};
     GetClientRect(dialog, &client);
@@ -69,7 +69,7 @@ class Dialogs : public MainWindowTest {
         for (const std::wstring& name : ProfileNames()) DeleteProfile(name);
         KeepLastProfile(L"");
     }
-    // Opens the modal dialog; `play` is its user, on a thread of its own, and has to close it.
+    // Opens the modal dialog; `play` acts as its user, on another thread, and must close it.
     void PlayDialog(const std::function<void(HWND dialog)>& play) {
         std::thread user([&, owner = window_->Handle()] {
             HWND dialog = nullptr;
@@ -95,7 +95,7 @@ class Dialogs : public MainWindowTest {
     }
 };
 
-TEST_F(Dialogs, HaveRoomForLongerLanguages) {
+TEST_F(Dialogs, FitLongerLanguages) {
     for (const TextChange change : {TextChange(nullptr), TextChange(LongerText)}) {
         SetTextChange(change);
         Open();
@@ -109,7 +109,7 @@ TEST_F(Dialogs, HaveRoomForLongerLanguages) {
     }
 }
 
-TEST_F(Dialogs, KeepAUserAndSweepWithIt) {
+TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     Open();
     PlayDialog([](HWND dialog) {
         TypeUser(dialog);
@@ -119,7 +119,7 @@ TEST_F(Dialogs, KeepAUserAndSweepWithIt) {
     ASSERT_TRUE(kept && kept->isOpen);
     EXPECT_EQ(L"SHA-2(256)", kept->security.authLabel);
     EXPECT_STREQ(L"authpass1", kept->security.authPassword.Get());
-    // A later window uses it without a question, and the password is never shown.
+    // A later window uses it without asking, and the password is never shown.
     Open();
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
@@ -133,12 +133,12 @@ TEST_F(Dialogs, KeepAUserAndSweepWithIt) {
     engine_.End();
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
     EXPECT_STREQ(L"authpass1", engine_.lastStep.credentials.security->authPassword.Get());
-    // What the settings of the window keep is not this test's.
+    // Saved settings of the window are not part of this test.
     CheckDlgButton(window_->Handle(), IDC_V3, BST_UNCHECKED);
     CheckDlgButton(window_->Handle(), IDC_V1, BST_CHECKED);
 }
 
-TEST_F(Dialogs, AskAgainForWhatCannotBeOpened) {
+TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
@@ -155,15 +155,15 @@ TEST_F(Dialogs, AskAgainForWhatCannotBeOpened) {
     RegGetValueW(HKEY_CURRENT_USER, kKey, L"User", RRF_RT_REG_BINARY, nullptr, bytes, &size);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(kBroken), sizeof kBroken),
               std::string(reinterpret_cast<const char*>(bytes), size));
-    // It is used all the same, until the window is closed.
+    // It is still used, until the window is closed.
     PlayDialog([](HWND dialog) {
-        Press(dialog, IDOK);  // which takes the password that is known
+        Press(dialog, IDOK);  // uses the known password
     });
     EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
 }
 
-// Nothing of it can be read, but it is listed, and it goes when the user says so.
-TEST_F(Dialogs, DeleteABrokenProfile) {
+// It cannot be read, but it is listed and can be deleted.
+TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, L"x", 2);
     Open();
@@ -183,7 +183,7 @@ TEST_F(Dialogs, DeleteABrokenProfile) {
     EXPECT_TRUE(ProfileNames().empty());
 }
 
-TEST_F(Dialogs, ScriptsGetNoQuestionAboutAProfile) {
+TEST_F(Dialogs, ScriptsAreNotAskedForAProfile) {
     StartOptions options;
     options.sweep = options.exit = true;
     options.profile = L"None";
@@ -192,7 +192,7 @@ TEST_F(Dialogs, ScriptsGetNoQuestionAboutAProfile) {
     EXPECT_EQ(0, engine_.sweeps);
 }
 
-TEST_F(Dialogs, CallsAppearAsTextsToCopy) {
+TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     Open();
     Command(IDM_CALLS);
     const HWND dialog = PopupOf(window_->Handle());
@@ -204,7 +204,7 @@ TEST_F(Dialogs, CallsAppearAsTextsToCopy) {
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
     const HWND list = GetDlgItem(dialog, IDC_CALLS);
     EXPECT_TRUE(Until([&] { return ListView_GetItemCount(list) == 3; }));
-    // The newest first: two stops while the sweep ran.
+    // The newest first: two stops during the sweep.
     ListView_SetItemState(list, 0, LVIS_SELECTED, LVIS_SELECTED);
     EXPECT_EQ(0u, TextOf(text).find(L"#include <vndiscover.h>\r\n"));
     CheckRadioButton(dialog, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_COMMAND);
@@ -215,7 +215,7 @@ TEST_F(Dialogs, CallsAppearAsTextsToCopy) {
     const auto* copied = static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
     EXPECT_STREQ(L"vndiscover sweep --oid .1.3.1", copied);
     CloseClipboard();
-    // What is chosen stays chosen while others come.
+    // The selected call stays selected while others are added.
     Command(IDC_FIND);
     ASSERT_TRUE(Until([&] { return engine_.sweeps == 2; }));
     Command(IDC_FIND);
@@ -241,12 +241,12 @@ TEST_F(Dialogs, CloseWithTheWindow) {
     EXPECT_FALSE(IsWindow(dialog));
 }
 
-// What the system may take long to tell is no business of the window's thread.
+// The system may take long, so the window's thread must not wait for it.
 TEST_F(Dialogs, ReportIsMadeByAWorker) {
     Open();
     ASSERT_TRUE(Until([&] { return engine_.adapterThread != 0; }));
     EXPECT_NE(GetCurrentThreadId(), engine_.adapterThread);
-    EXPECT_EQ(0, engine_.sweeps + engine_.reads);  // nothing is sent at start
+    EXPECT_EQ(0, engine_.sweeps + engine_.reads);  // nothing is sent at the start
     Command(IDM_DOCTOR);
     EXPECT_EQ(Text(IDS_DOCTOR_WAIT), TextOf(Control(IDC_STATUS)));
     ASSERT_TRUE(

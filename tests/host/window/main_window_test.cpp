@@ -9,7 +9,7 @@
 namespace vndiscover::host {
 namespace {
 
-TEST_F(MainWindowTest, RowsComeWhileTheListIsSortedAndFiltered) {
+TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));
     Command(IDC_FIND);
@@ -40,12 +40,12 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     engine_.Say("10.77.1.3", "z");
     ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.2;10.77.1.3;"; }));
     Select(2);
-    // Model, address, protocols; gone is the line that says it has not been asked.
+    // Model, address, protocols; the line that it has not been asked is gone.
     ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DETAILS)) == 3; }));
     Command(IDM_ASK_ALL);
     ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1, 10.77.1.2;10.77.1.3;"; }));
     EXPECT_EQ(1, Selected());
-    EXPECT_EQ(3, engine_.reads);  // the silent one is not asked again by itself
+    EXPECT_EQ(3, engine_.reads);  // the silent one is not asked again automatically
     Select(0);
     Command(IDM_SPLIT);
     EXPECT_EQ(L"10.77.1.1;10.77.1.2;10.77.1.3;", Addresses());
@@ -54,7 +54,7 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
 }
 
-TEST_F(MainWindowTest, ClosesInMidSweep) {
+TEST_F(MainWindowTest, ClosesDuringASweep) {
     Open();
     Command(IDC_FIND);
     const HWND window = window_->Handle();
@@ -87,7 +87,7 @@ TEST_F(MainWindowTest, SweepsSavesAndExits) {
     EXPECT_TRUE(std::strstr(text, "10.77.1.1")) << text;
 }
 
-TEST_F(MainWindowTest, KeepsWhatTheUserChose) {
+TEST_F(MainWindowTest, KeepsSettings) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
     Open();
     CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
@@ -96,7 +96,7 @@ TEST_F(MainWindowTest, KeepsWhatTheUserChose) {
     Open();
     EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
     EXPECT_EQ(222, ListView_GetColumnWidth(Control(IDC_DEVICES), 1));
-    // A value that makes no sense is as none.
+    // An invalid value counts as none.
     const char broken[88] = "x";
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, broken, sizeof broken);
     Open();
@@ -104,8 +104,8 @@ TEST_F(MainWindowTest, KeepsWhatTheUserChose) {
     RegDeleteKeyW(HKEY_CURRENT_USER, kKey);
 }
 
-// Another thread asks the window for a sign of life all the time.
-TEST_F(MainWindowTest, AnswersWhileManyDevicesCome) {
+// Another thread keeps sending messages to the window.
+TEST_F(MainWindowTest, RespondsWhileManyDevicesAreAdded) {
     constexpr int kDevices = 8192;
     Open();
     Command(IDC_FIND);
@@ -136,8 +136,8 @@ TEST_F(MainWindowTest, AnswersWhileManyDevicesCome) {
     EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
 }
 
-// Each control lies within the window, overlaps no other, and has a name: a text of its own or that
-// of the label in front of it.
+// Every control is within the window, overlaps no other, and has a name: its own text, or that of
+// the label before it.
 void CheckControls(HWND window) {
     RECT client = {};
     GetClientRect(window, &client);
@@ -171,7 +171,7 @@ void Resize(HWND window, int width, int height, int dpi) {
     SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
 }
 
-TEST_F(MainWindowTest, ControlsHavePlacesAndNamesInEverySizeAndLanguage) {
+TEST_F(MainWindowTest, ControlsFitAndHaveNamesInAnySizeAndLanguage) {
     for (const bool isLong : {false, true}) {
         SetTextChange(
             isLong ? [](std::wstring
@@ -203,8 +203,8 @@ TEST_F(MainWindowTest, TabReachesEveryControl) {
               reached);
 }
 
-// Alt and a letter is for one of the menus or for one control.
-TEST_F(MainWindowTest, NoLetterIsTakenTwice) {
+// Alt and a letter selects one menu or one control.
+TEST_F(MainWindowTest, AccessKeysAreUnique) {
     Open();
     std::wstring letters;
     const auto take = [&](const std::wstring& text) {
@@ -227,7 +227,7 @@ TEST_F(MainWindowTest, NoLetterIsTakenTwice) {
     EXPECT_GE(letters.size(), 12u);
 }
 
-TEST(Strings, WhatIsPutInIsNoFormat) {
+TEST(Strings, ValuesAreNotFormats) {
     EXPECT_EQ(L"Asking %2%s for 3 s", Text(IDS_ASKING, {L"%2%s", L"3"}));
 }
 

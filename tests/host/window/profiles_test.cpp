@@ -22,7 +22,7 @@ BOOL WINAPI SealOrFail(DATA_BLOB* in, LPCWSTR description, DATA_BLOB* entropy, P
 
 }  // namespace
 
-// In front of the import library's.
+// Replaces the function of the import library.
 extern "C" void* const __imp_CryptProtectData = reinterpret_cast<void*>(&SealOrFail);
 
 namespace vndiscover::host {
@@ -63,7 +63,7 @@ class Profiles : public testing::Test {
     void TearDown() override { DeleteProfile(L"Office"); }
 };
 
-TEST_F(Profiles, KeepAUserWithSealedPasswords) {
+TEST_F(Profiles, SaveAUserWithEncryptedPasswords) {
     ASSERT_EQ(KeepResult::kKept, KeepProfile(L"Office", Admin()));
     EXPECT_EQ(std::vector<std::wstring>{L"Office"}, ProfileNames());
     const auto profile = ReadProfile(L"office");
@@ -79,15 +79,15 @@ TEST_F(Profiles, KeepAUserWithSealedPasswords) {
     EXPECT_TRUE(ProfileNames().empty());
 }
 
-TEST_F(Profiles, KeepNothingThatCannotBeSealed) {
+TEST_F(Profiles, SaveNothingIfEncryptionFails) {
     canSeal = false;
     EXPECT_EQ(KeepResult::kNotSealed, KeepProfile(L"Office", Admin()));
     canSeal = true;
     EXPECT_EQ("", Stored());
 }
 
-// Another computer's, a damaged one, or one whose protocols somebody has weakened.
-TEST_F(Profiles, LeaveAloneWhatCannotBeOpened) {
+// From another computer, damaged, or with protocols that were weakened.
+TEST_F(Profiles, UnreadableOnesAreNotReplaced) {
     ASSERT_EQ(KeepResult::kKept, KeepProfile(L"Office", Admin()));
     const std::string good = Stored();
     std::string damaged = good, weakened = good;
@@ -110,7 +110,7 @@ TEST_F(Profiles, LeaveAloneWhatCannotBeOpened) {
     }
 }
 
-TEST_F(Profiles, HaveNamesThatAreOneKey) {
+TEST_F(Profiles, InvalidNamesAreRefused) {
     for (const std::wstring& name : {std::wstring(), std::wstring(L"a\\b"), std::wstring(L"a\n"),
                                      std::wstring(kMaxProfileName + 1, L'a')}) {
         EXPECT_FALSE(IsProfileName(name));

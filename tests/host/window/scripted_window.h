@@ -1,5 +1,5 @@
-// A window in this process, over an engine that follows a script. Nothing is shown: the display is
-// Wine's null driver.
+// A window in this process with a scripted engine. Nothing is shown: the display driver is Wine's
+// null driver.
 #ifndef VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
 #define VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
 
@@ -26,7 +26,7 @@ namespace vndiscover::host {
 
 constexpr DWORD kPatienceMs = 10000;
 
-// Sweeps wait for what the test lets devices say, and end with a stop or with End.
+// Sweeps wait for the answers that a test provides, and end with a stop or with End.
 class ScriptedEngine : public Engine {
   public:
     void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
@@ -49,7 +49,7 @@ class ScriptedEngine : public Engine {
               1,
               2000});
     }
-    // Like the module, forgets a request that comes while no sweep runs.
+    // Like in the module, a request has no effect while no sweep runs.
     void StopSnmp() override {
         if (onStop) onStop();
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -62,7 +62,7 @@ class ScriptedEngine : public Engine {
         ++reads;
         PrinterAnswers answers;
         const Oid oid = *ParseOidOrName("prtGeneralSerialNumber.1");
-        if (target.address != "10.77.1.3")  // which is silent
+        if (target.address != "10.77.1.3")  // this one is silent
             answers.values[oid] = {Status::kAnswered, oid, 4, "SERIAL 1", 8, ""};
         return answers;
     }
@@ -85,7 +85,7 @@ class ScriptedEngine : public Engine {
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false};
     std::function<void()> onStop;
-    SweepStep lastStep;  // to be read when it is over
+    SweepStep lastStep;  // may be read once the sweep is over
 
   private:
     std::mutex mutex_;
@@ -104,7 +104,7 @@ class MainWindowTest : public testing::Test {
   protected:
     void Open(StartOptions options = {}) {
         window_.reset();
-        MSG quit;  // of the former window; a dialog would end at once
+        MSG quit;  // from the previous window; it would end a dialog at once
         PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         window_.emplace(engine_, std::move(options));
     }
@@ -113,7 +113,7 @@ class MainWindowTest : public testing::Test {
         SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);
     }
 
-    // Handles messages until the condition holds; false: it never did.
+    // Handles messages until the condition is true; false if it never was.
     template <class Condition>
     bool Until(Condition condition) {
         const ULONGLONG end = GetTickCount64() + kPatienceMs;

@@ -7,7 +7,7 @@
 namespace vndiscover::host {
 namespace {
 
-// Each device is asked until it may not be any more.
+// Each device is asked until it must stop.
 class PatientEngine : public Engine {
   public:
     void Sweep(const SweepStep&, const OnAnswer&) override {}
@@ -35,9 +35,9 @@ bool Comes(Condition condition) {
     return condition();
 }
 
-// Also when the next device is asked before the worker has seen the request; and it does not stop
-// that one.
-TEST(Workers, StopEndsTheReadingThatRuns) {
+// Even if the next device is asked before the worker has seen the stop, which must not stop that
+// one.
+TEST(Workers, StopEndsOnlyTheRunningReading) {
     PatientEngine engine;
     EventQueue events([] {});
     Workers workers(engine, events);
@@ -49,7 +49,7 @@ TEST(Workers, StopEndsTheReadingThatRuns) {
     EXPECT_EQ(1, engine.ended);
 }
 
-TEST(Workers, LooksAtThisComputerWhileADeviceIsAsked) {
+TEST(Workers, ReportOnThisComputerWhileADeviceIsAsked) {
     PatientEngine engine;
     EventQueue events([] {});
     Workers workers(engine, events);
