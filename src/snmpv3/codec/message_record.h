@@ -7,8 +7,8 @@
 //        04 len
 //           30 len  OCTET STRING engine ID  INTEGER boots  INTEGER time  OCTET STRING user name
 //                   OCTET STRING authentication parameters  OCTET STRING privacy parameters
-//        30 len                                               scoped PDU; encrypted, in an
-//           OCTET STRING contextEngineID                      OCTET STRING
+//        30 len                                               scoped PDU; if encrypted, within
+//           OCTET STRING contextEngineID                      an OCTET STRING
 //           OCTET STRING contextName  PDU
 #pragma once
 
