@@ -5,7 +5,7 @@
 
 #include <cstring>
 
-#include "helpers/bytes.h"
+#include "helpers/snmp_datagrams.h"
 #include "snmp/codec/asn_decode.h"
 #include "snmp/codec/pdu.h"
 
@@ -19,11 +19,11 @@
 namespace vndiscover {
 namespace {
 
-const Bytes kOid = Hex("2b 06 01 02 01 01 01 00");
+const Bytes kOid = OidContent(kSysDescr);
 
 OidValue Name() {
     OidValue name;
-    ParseOidText(name, ".1.3.6.1.2.1.1.1.0");
+    ParseOidText(name, kSysDescr);
     return name;
 }
 
@@ -33,11 +33,9 @@ VarBindRecord Binding(uint8_t tag, const Bytes& value) {
     return binding;
 }
 
-Bytes TextBinding(const Bytes& text, const Bytes& name = kOid) {
-    return Tlv(0x30, Tlv(0x06, name) + Tlv(0x04, text));
+Bytes TextBinding(const std::string& text, const Bytes& name = kOid) {
+    return Tlv(0x30, Tlv(0x06, name) + Tlv(0x04, TextBytes(text)));
 }
-
-Bytes TextBinding(const char* text) { return TextBinding(TextBytes(text)); }
 
 Bytes PduTlv(const Bytes& bindings) {
     return Tlv(0xA2, Hex("02 02 01 01 02 01 02 02 01 01") + Tlv(0x30, bindings));
@@ -85,7 +83,8 @@ TEST(Pdu, EncodesWithFullLengthsAndItsOwnRequestId) {
     SetVarBindList(bindings, 2, pdu.bindings);
     ByteBuffer out = ToBuffer({0x55});  // remains
     EXPECT_TRUE(EncodePdu(pdu, out));
-    const Bytes list = Tlv(0x30, Tlv(0x06, kOid) + Hex("05 00")) + TextBinding(Bytes(126, 'v'));
+    const Bytes list =
+        Tlv(0x30, Tlv(0x06, kOid) + Hex("05 00")) + TextBinding(std::string(126, 'v'));
     EXPECT_EQ(Bytes{0x55} + Tlv(0xA0, Hex("02 02 01 01 02 01 00 02 01 00") + Tlv(0x30, list)),
               ToBytes(out));
 }
@@ -122,14 +121,14 @@ TEST(Pdu, DecodesEveryBindingInOrder) {
 
 TEST(Pdu, RefusesBindingsThatDoNotFitAndEveryPrefix) {
     PduRecord pdu;
-    const auto decode = [&](const Bytes& name, const Bytes& value) {
+    const auto decode = [&](const Bytes& name, const std::string& value) {
         DecodePdu(pdu, ToBuffer(PduTlv(TextBinding("one") + TextBinding(value, name))), 0);
     };
-    decode(Bytes(124, 1), Bytes(126, 'v'));
+    decode(Bytes(124, 1), std::string(126, 'v'));
     EXPECT_EQ(2, pdu.bindings.count);
-    EXPECT_THROW(decode(Bytes(125, 1), {}), AsnDecodeError);
+    EXPECT_THROW(decode(Bytes(125, 1), ""), AsnDecodeError);
     EXPECT_EQ(0, pdu.bindings.count);
-    EXPECT_THROW(decode(kOid, Bytes(127, 'v')), AsnDecodeError);
+    EXPECT_THROW(decode(kOid, std::string(127, 'v')), AsnDecodeError);
 
     const Bytes whole = PduTlv(TextBinding("one"));
     for (size_t size = 0; size < whole.size(); ++size) {
@@ -244,8 +243,8 @@ TEST_F(ParseTest, ReadsBindingsThatBeginBelowTheMessageLength) {
 
 TEST_F(ParseTest, MissingBytesOfAPrefixReadAsZeros) {
     const std::string value = "value";
-    const Bytes whole = Answer(TextBinding(value.c_str()));
-    const size_t nameAt = whole.size() - TextBinding(value.c_str()).size() + 2;
+    const Bytes whole = Answer(TextBinding(value));
+    const size_t nameAt = whole.size() - TextBinding(value).size() + 2;
     const size_t valueAt = whole.size() - value.size();
     for (size_t size = 0; size <= whole.size(); ++size) {
         ASSERT_EQ(size > nameAt ? 1 : 0, Parse(Prefix(whole, size))) << size;
