@@ -148,27 +148,16 @@ class NetworkTest : public testing::Test {
         Devices([=](const Request& request) { return request.net == net ? answers : Answers(); });
     }
     const std::vector<Request>& Requests() const { return network.Requests(); }
-    // Their data.
-    std::vector<Bytes> Sent() const {
-        std::vector<Bytes> sent;
-        for (const Request& request : Requests()) sent.push_back(request.data);
-        return sent;
+    // A part of each of them.
+    template <class Part, class Parts = Lines>
+    Parts Of(Part Request::*part) const {
+        Parts parts;
+        for (const Request& request : Requests()) parts.push_back(std::invoke(part, request));
+        return parts;
     }
-    // "net: sender > address:port" of each.
-    Lines Ways() const {
-        Lines ways;
-        for (const Request& request : Requests()) {
-            ways.push_back(request.net + ": " + request.sender + " > " + request.local + ':' +
-                           std::to_string(request.port));
-        }
-        return ways;
-    }
-    // The addresses from which they were sent.
-    Lines Senders() const {
-        Lines senders;
-        for (const Request& request : Requests()) senders.push_back(request.sender);
-        return senders;
-    }
+    std::vector<Bytes> Sent() const { return Of<Bytes, std::vector<Bytes>>(&Request::data); }
+    Lines Ways() const { return Of(&Request::Way); }
+    Lines Senders() const { return Of(&Request::sender); }
     const std::vector<int>& SilentWaits() const { return network.SilentWaits(); }
     // The log since the last call.
     void ExpectLog(const std::string& expected) {

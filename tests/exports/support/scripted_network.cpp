@@ -66,9 +66,11 @@ const Adapter& WayOf(const std::string& bound, const std::string& to) {
 
 }  // namespace
 
+std::string Request::Way() const {
+    return net + ": " + sender + " > " + local + ':' + std::to_string(port);
+}
 std::ostream& operator<<(std::ostream& out, const Request& request) {
-    return out << request.net << ": " << request.sender << " > " << request.local << ':'
-               << request.port << ' ' << ToHex(request.data);
+    return out << request.Way() << ' ' << ToHex(request.data);
 }
 
 Answers Repeated(size_t count, const Answer& answer, uint32_t gapMs) {

@@ -32,6 +32,8 @@ struct Request {
     std::string sender;  // its local address, without zone suffix
     Bytes data;
     SOCKET socket;  // open while the devices reply
+
+    std::string Way() const;  // "net: sender > address:port"
 };
 std::ostream& operator<<(std::ostream& out, const Request& request);
 
