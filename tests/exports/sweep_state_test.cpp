@@ -137,9 +137,8 @@ TEST(WinSockReferences, OneRemainsWhenTheModuleIsUnloadedAfterASweep) {
     const std::function<void(const Module&)> sweeps[] = {
         [](const Module& module) { module.DiscoverSnmp(nullptr, 0, 0, 0, nullptr, nullptr); },
         [](const Module& module) {
-            V3User().Ask([&](auto... security) {
-                return module.DiscoverSnmpV3(nullptr, 0, 0, 0, security...);
-            });
+            module.DiscoverSnmpV3(nullptr, 0, 0, 0, L"user", 0, nullptr, 0, nullptr, nullptr,
+                                  nullptr);
         },
         [](const Module& module) { module.DiscoverSoap(nullptr, 0, 0, "probe", 5); }};
     for (const auto& sweep : sweeps) {
