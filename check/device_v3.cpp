@@ -123,14 +123,15 @@ Bytes Device::Decrypted(const V3Request& request, const Bytes& datagram) {
 Bytes Device::AnswerV3(const Bytes& datagram) {
     const V3Request request(datagram);
     if (request.failed) return Nothing("the SNMPv3 request is malformed");
-    const bool isProbe = request.engineId.empty();
-    if (!isProbe && request.user != BytesOf(kUserName)) return Nothing("the user has another name");
-    const Bytes scopedPdu = isProbe ? request.data : Decrypted(request, datagram);
+    const bool isEngineDiscovery = request.engineId.empty();
+    if (!isEngineDiscovery && request.user != BytesOf(kUserName))
+        return Nothing("the user has another name");
+    const Bytes scopedPdu = isEngineDiscovery ? request.data : Decrypted(request, datagram);
     BerReader scoped = BerReader(scopedPdu).Enter(kSequence);
     scoped.Octets(kOctetString);
     scoped.Octets(kOctetString);
     Bytes pdu;
-    if (isProbe) {
+    if (isEngineDiscovery) {
         const Bytes requestId = scoped.Enter(scoped.NextTag()).Whole();
         const Bytes counter =
             Join({Tlv(kOid, OidOf(kUnknownEngineIds)), Tlv(kCounter32, {uint8_t{1}})});
@@ -142,7 +143,7 @@ Bytes Device::AnswerV3(const Bytes& datagram) {
     }
     if (pdu.empty()) return problem_.empty() ? Nothing("the PDU is malformed") : Bytes();
     const Bytes answer = Join({Tlv(kOctetString, kEngineId), Tlv(kOctetString, {}), pdu});
-    return Message(request, isProbe ? uint8_t{0} : uint8_t(request.flags & 3),
+    return Message(request, isEngineDiscovery ? uint8_t{0} : uint8_t(request.flags & 3),
                    Tlv(kSequence, answer));
 }
 

@@ -131,7 +131,7 @@ TEST_F(BindAddress, SecondAdapterIsUsedAfterOneTimeOutAndRemembered) {
     EXPECT_TRUE(log.Has("szBindIp []\n"));
 
     Reload();
-    EXPECT_EQ("Model", Get(kInNetA)) << "a module that is loaded anew starts with the first";
+    EXPECT_EQ("Model", Get(kInNetA)) << "a module that is loaded again starts with the first";
 }
 
 TEST_F(BindAddress, OnlyTheFirstTwoOfTheListAreTried) {

@@ -180,7 +180,7 @@ class DirectedRequests(unittest.TestCase):
             self.assertIn("could not be read", err)
             self.assertIn("SNMPv3 may read it", err)
 
-    def test_names_go_in_and_come_out(self):
+    def test_object_names_are_read_and_printed(self):
         shown = f"sysLocation.0 = OCTET STRING: {LOCATION_TEXT}\nifType.1 = INTEGER: softwareLoopback(24)\n"
         self.assertEqual((0, shown, ""), run("get", AGENT, "sysLocation.0", "ifType.1", "--names"))
         self.assertIn("sysDescr.0", run("get", AGENT, "sysDesc.0")[2])

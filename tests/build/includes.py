@@ -1,4 +1,4 @@
-"""rooms.py ROOT: checks that each folder of src/ and host/ includes only the folders that it may, so that includes point
+"""includes.py ROOT: checks that each folder of src/ and host/ includes only the folders that it may, so that includes point
 one way, and that portable folders do not need Windows."""
 import pathlib
 import re
