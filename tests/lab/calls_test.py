@@ -40,10 +40,13 @@ def folded(text):
     return re.sub(r"\s+", " ", text)
 
 
-def run_in_folder(*command):
+def run_in_folder(*command, may_try_again=True):
     done = subprocess.run([SCRIPTS + "/wine-run.sh", "host", *command], cwd=FOLDER, stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=120, check=False,
                           env={**os.environ, **ENVIRONMENT})
+    # Now and then Wine's loader does not start cmd, and says so; nothing of ours has run then.
+    if may_try_again and b"Application could not be started" in done.stdout:
+        return run_in_folder(*command, may_try_again=False)
     return done.stdout.decode()
 
 
