@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "cli/commands.h"
-#include "cli/device_writer.h"
 #include "cli/scan_keeper.h"
+#include "model/device_writer.h"
 #include "model/json_request.h"
 #include "platform/console.h"
 #include "platform/result_window.h"

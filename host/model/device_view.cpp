@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "model/device_writer.h"
 #include "model/level.h"
 #include "model/printer_facts.h"
 #include "values/plain_text.h"
@@ -175,9 +176,12 @@ std::string CsvCell(const std::string& text) {
     return cell + "\"";
 }
 
-std::string CsvLine(const std::array<std::string, kColumnCount>& texts) {
+// `textOf` gives the text of a heading's cell.
+template <class TextOf>
+std::string CsvLine(const std::vector<Heading>& headings, TextOf textOf) {
     std::string line;
-    for (const std::string& text : texts) line += (line.empty() ? "" : ",") + CsvCell(text);
+    for (const Heading& heading : headings)
+        line += (line.empty() ? "" : ",") + CsvCell(textOf(heading));
     return line + "\r\n";
 }
 
@@ -303,11 +307,36 @@ const DeviceRow* DeviceView::SelectedRow() const {
     return nullptr;
 }
 
-std::string CsvOf(const DeviceView& view, const std::array<std::string, kColumnCount>& headings) {
-    std::string document = "\xEF\xBB\xBF" + CsvLine(headings);
-    for (size_t index = 0; index < view.Count(); ++index)
-        document += CsvLine(view.Row(index).texts);
+std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings) {
+    std::string document =
+        "\xEF\xBB\xBF" + CsvLine(headings, [](const Heading& heading) { return heading.text; });
+    for (size_t index = 0; index < view.Count(); ++index) {
+        const DeviceRow& row = view.Row(index);
+        document +=
+            CsvLine(headings, [&](const Heading& heading) { return row.Text(heading.column); });
+    }
     return document;
+}
+
+std::string JsonOf(const DeviceView& view, const Scan& scan) {
+    JsonArray array;
+    for (size_t index = 0; index < view.Count(); ++index) {
+        const std::vector<size_t>& answers = view.Row(index).answers;
+        bool isSwept = false;
+        for (const size_t at : answers) {
+            const ScanAnswer& answer = scan.answers[at];
+            const AnswerForm form = scan.sweeps[answer.sweep].form;
+            if (form != AnswerForm::kValue && form != AnswerForm::kDocument) continue;
+            const ValueKind kind =
+                form == AnswerForm::kValue ? ValueKind::kRaw : DocumentKind(answer.bytes);
+            array.Add(DeviceItem(kind, answer.address, answer.bytes).get());
+            isSwept = true;
+        }
+        if (isSwept) continue;
+        const std::string& address = scan.answers[answers.front()].address;
+        array.Add(DeviceItem(ValueKind::kRaw, address, "").get());
+    }
+    return array.Finish();
 }
 
 }  // namespace vndiscover::host

@@ -92,9 +92,18 @@ class DeviceView {
     std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
 };
 
-// The shown rows as a CSV document: UTF-8 with a byte order mark, CR LF, and a heading. A cell that
-// a spreadsheet would run as a formula starts with an apostrophe.
-std::string CsvOf(const DeviceView& view, const std::array<std::string, kColumnCount>& headings);
+struct Heading {
+    Column column;
+    std::string text;
+};
+
+// The shown rows as a CSV document with these columns: UTF-8 with a byte order mark, CR LF, and a
+// line of headings. A cell that a spreadsheet would run as a formula starts with an apostrophe.
+std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings);
+
+// The answers of the shown rows to SNMP sweeps, in the form of `vndiscover sweep --format json`. A
+// device without one, found by WS-Discovery, has an empty value.
+std::string JsonOf(const DeviceView& view, const Scan& scan);
 
 }  // namespace vndiscover::host
 

@@ -1,14 +1,11 @@
 #include "window/main_window.h"
 
 #include <commctrl.h>
-#include <commdlg.h>
 #include <shellapi.h>
 
 #include <algorithm>
 #include <stdexcept>
 
-#include "model/scan_file.h"
-#include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "window/dpi.h"
@@ -18,6 +15,7 @@
 #include "window/pages.h"
 #include "window/profiles.h"
 #include "window/resource.h"
+#include "window/scan_files.h"
 #include "window/snmp_dialog.h"
 #include "window/strings.h"
 
@@ -47,24 +45,6 @@ std::wstring WindowText(HWND window) {
     text.resize(
         static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
     return text;
-}
-
-// Asks for a file; empty if none was chosen.
-std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving) {
-    const std::wstring pattern = std::wstring(L"*.") + extension;
-    std::wstring filter = Text(kind) + L'\0' + pattern + L'\0';
-    wchar_t path[1024] = L"";
-    OPENFILENAMEW dialog = {};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = owner;
-    dialog.lpstrFilter = filter.c_str();
-    dialog.lpstrFile = path;
-    dialog.nMaxFile = 1024;
-    dialog.lpstrDefExt = extension;
-    dialog.Flags = OFN_NOCHANGEDIR | OFN_HIDEREADONLY |
-                   (isForSaving ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
-    const BOOL isChosen = isForSaving ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
-    return isChosen ? ToUtf8(path) : "";
 }
 
 }  // namespace
@@ -375,16 +355,20 @@ void MainWindow::OnCommand(int id, int code) {
             if (isSweeping_) StartOrStop();
             break;
         case IDM_OPEN:
-            Open();
+            if (workers_->IsBusy()) break;  // its answers belong to the current scan
+            WithPath(IDS_SCAN_FILES, L"json", false, &MainWindow::OpenFrom);
             break;
         case IDM_SAVE:
-            Save();
+            WithPath(IDS_SCAN_FILES, L"json", true, &MainWindow::SaveTo);
             break;
         case IDM_COMPARE:
-            Compare();
+            WithPath(IDS_SCAN_FILES, L"json", false, &MainWindow::CompareWith);
             break;
         case IDM_CSV:
-            SaveCsv();
+            WithPath(IDS_CSV_FILES, L"csv", true, &MainWindow::SaveCsvTo);
+            break;
+        case IDM_JSON:
+            WithPath(IDS_JSON_FILES, L"json", true, &MainWindow::SaveJsonTo);
             break;
         case IDM_EXIT:
             PostMessageW(window_, WM_CLOSE, 0, 0);
@@ -703,70 +687,50 @@ void MainWindow::ShowStatus() {
     if (WindowText(status) != text) SetWindowTextW(status, text.c_str());
 }
 
-void MainWindow::Complain(const std::wstring& text) {
+// Returns false.
+bool MainWindow::Complain(const std::wstring& text) {
     note_ = text;
     if (IsWindowVisible(window_))
         MessageBoxW(window_, text.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
+    return false;
 }
 
-std::optional<Scan> MainWindow::LoadScan(const std::string& path) {
-    std::string problem;
-    const auto text = ReadFileText(path, kMaxScanSize, problem);
-    if (!text) {
-        Complain(Text(IDS_NOT_READ, {ToWide(problem)}));
-        return std::nullopt;
-    }
-    auto scan = ReadScan(*text, problem);
-    if (!scan) Complain(Text(IDS_BROKEN_SCAN, {ToWide(problem)}));
-    return scan;
-}
-
-void MainWindow::Open() {
-    if (workers_->IsBusy()) return;  // its answers belong to the current scan
-    const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", false);
-    auto scan = path.empty() ? std::nullopt : LoadScan(path);
-    if (!scan) return;
+bool MainWindow::OpenFrom(const std::string& path) {
+    std::wstring problem;
+    auto scan = LoadScan(path, problem);
+    if (!scan) return Complain(problem);
     session_.SetScan(std::move(*scan));
     session_.Refresh();
     ShowRows();
-}
-
-void MainWindow::Compare() {
-    const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", false);
-    const auto scan = path.empty() ? std::nullopt : LoadScan(path);
-    if (!scan) return;
-    ShowPage(Text(IDS_COMPARE_TITLE, {ToWide(path)}),
-             CompareFacts(MakeDevices(*scan), session_.Devices()));
-}
-
-void MainWindow::Save() {
-    const std::string path = AskPath(window_, IDS_SCAN_FILES, L"json", true);
-    if (!path.empty()) SaveTo(path);
-}
-
-bool MainWindow::SaveTo(const std::string& path) {
-    std::string problem;
-    const auto text = WriteScan(session_.GetScan(), problem);
-    if (!text || !ReplaceFileText(path, *text, problem)) {
-        Complain(Text(IDS_NOT_SAVED, {ToWide(problem)}));
-        return false;
-    }
-    note_ = Text(IDS_SAVED, {ToWide(path)});
     return true;
 }
 
-void MainWindow::SaveCsv() {
-    const std::string path = AskPath(window_, IDS_CSV_FILES, L"csv", true);
-    if (path.empty()) return;
-    std::array<std::string, kColumnCount> headings;
-    for (size_t index = 0; index < kColumnCount; ++index)
-        headings[index] = ToUtf8(Text(IDS_COLUMN_NAME + static_cast<unsigned>(index)));
-    std::string problem;
-    if (!ReplaceFileText(path, CsvOf(session_.view, headings), problem)) {
-        Complain(Text(IDS_NOT_SAVED, {ToWide(problem)}));
-    } else {
-        note_ = Text(IDS_SAVED, {ToWide(path)});
-    }
+bool MainWindow::CompareWith(const std::string& path) {
+    std::wstring problem;
+    const auto scan = LoadScan(path, problem);
+    if (!scan) return Complain(problem);
+    ShowPage(Text(IDS_COMPARE_TITLE, {ToWide(path)}),
+             CompareFacts(MakeDevices(*scan), session_.Devices()));
+    return true;
+}
+
+bool MainWindow::SaveTo(const std::string& path) {
+    return SaveScan(session_.GetScan(), path, note_) || Complain(note_);
+}
+
+bool MainWindow::SaveCsvTo(const std::string& path) {
+    return SaveText(CsvOf(session_.view, Headings()), path, note_) || Complain(note_);
+}
+
+bool MainWindow::SaveJsonTo(const std::string& path) {
+    return SaveText(JsonOf(session_.view, session_.GetScan()), path, note_) || Complain(note_);
+}
+
+// Calls the method with a path that the user chooses.
+void MainWindow::WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
+                          bool (MainWindow::*method)(const std::string& path)) {
+    const std::string path = AskPath(window_, kind, extension, isForSaving);
+    if (!path.empty()) (this->*method)(path);
 }
 
 void MainWindow::CopyText(const std::wstring& text) {
@@ -781,6 +745,17 @@ void MainWindow::CopyText(const std::wstring& text) {
         if (!SetClipboardData(CF_UNICODETEXT, memory)) GlobalFree(memory);
     }
     CloseClipboard();
+}
+
+// Of the columns as they are shown.
+std::vector<Heading> MainWindow::Headings() const {
+    std::array<int, kColumnCount> order{};
+    ListView_GetColumnOrderArray(devices_, kColumnCount, order.data());
+    std::vector<Heading> headings;
+    for (const int column : order)
+        headings.push_back({static_cast<Column>(column),
+                            ToUtf8(Text(IDS_COLUMN_NAME + static_cast<unsigned>(column)))});
+    return headings;
 }
 
 std::wstring MainWindow::RowText(const DeviceRow& row) const {

@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,6 +39,14 @@ class MainWindow {
     // Handles one message of the queue, accelerators included.
     void Dispatch(MSG& message);
 
+    // The commands of the menu once a file is chosen, by its UTF-8 path. False if it could not be
+    // read or saved, of which the user was told; the list, and an older file, are unchanged then.
+    bool OpenFrom(const std::string& path);
+    bool CompareWith(const std::string& path);
+    bool SaveTo(const std::string& path);
+    bool SaveCsvTo(const std::string& path);   // the rows as they are shown
+    bool SaveJsonTo(const std::string& path);  // their answers, see JsonOf
+
   private:
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
@@ -73,18 +80,15 @@ class MainWindow {
     void ShowStatus();
     std::wstring StatusText() const;
 
-    void Open();
-    void Compare();
-    void Save();
-    bool SaveTo(const std::string& path);
-    void SaveCsv();
+    void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
+                  bool (MainWindow::*method)(const std::string& path));
+    std::vector<Heading> Headings() const;
     void CopyText(const std::wstring& text);
     std::wstring RowText(const DeviceRow& row) const;
     void CopyTable();
     void OpenWebPage();
     void ShowPage(const std::wstring& title, std::vector<Fact> facts);
-    std::optional<Scan> LoadScan(const std::string& path);
-    void Complain(const std::wstring& text);
+    bool Complain(const std::wstring& text);
 
     Engine& engine_;
     StartOptions options_;

@@ -110,10 +110,32 @@ TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {
 
 TEST_F(DeviceViewTest, CsvCellsAreNeverFormulas) {
     Hear("10.77.1.20", "=1+\"2\"");
-    const std::array<std::string, kColumnCount> headings = {"Name"};
-    const std::string document = CsvOf(view_, headings);
-    EXPECT_EQ(0u, document.find("\xEF\xBB\xBF\"Name\",\"\""));
-    EXPECT_NE(std::string::npos, document.find("\r\n\"\",\"'=1+\"\"2\"\"\",\"10.77.1.20\","));
+    EXPECT_EQ("\xEF\xBB\xBF\"Address\",\"Model\"\r\n\"10.77.1.20\",\"'=1+\"\"2\"\"\"\r\n",
+              CsvOf(view_, {{Column::kAddress, "Address"}, {Column::kModel, "Model"}}));
+}
+
+// As the console prints them: a value, the value in a request for one OID, and a whole document.
+TEST_F(DeviceViewTest, JsonHoldsTheShownAnswersToSweeps) {
+    scan_.sweeps.push_back({SweepKind::kSnmpV3, AnswerForm::kDocument, false, {}, ""});
+    scan_.sweeps.push_back({SweepKind::kWsd, AnswerForm::kReply, false, {}, ""});
+    Hear("10.77.1.21", "VN LaserPro");
+    Tell("10.77.1.21", "sysName.0", kOctetString, "hall");
+    Hear("10.77.1.3", "hidden");
+    const std::string one = R"({"DiscoverOID":".1.3","GET":{".1.3":"VN 70"}})";
+    const std::string other = R"({"DiscoverOID":".1.3","GET":{".1.4":"VN 71"}})";
+    scan_.answers.push_back({2, "", "10.77.1.22", one, {}, 0, 0});
+    scan_.answers.push_back({2, "", "10.77.1.21", other, {}, 0, 0});
+    scan_.answers.push_back({3, "", "10.77.1.23", "<reply/>", {}, 0, 0});
+    Show();
+    view_.Sort(Column::kAddress, true);
+    view_.Filter("1.2");
+    EXPECT_EQ(
+        "[\n  {\"address\":\"10.77.1.23\",\"value\":\"\"},\n"
+        "  {\"address\":\"10.77.1.22\",\"value\":\"VN 70\"},\n"
+        "  {\"address\":\"10.77.1.21\",\"value\":\"VN LaserPro\"},\n"
+        "  {\"address\":\"10.77.1.21\",\"value\":" +
+            other + "}\n]\n",
+        JsonOf(view_, scan_));
 }
 
 }  // namespace

@@ -14,14 +14,6 @@ std::wstring LongerText(std::wstring text) {
     return text + std::wstring(text.size() * 2 / 5 + 1, L'w');
 }
 
-// The visible window that this one owns; null if there is none.
-HWND PopupOf(HWND owner) {
-    for (HWND each = GetTopWindow(nullptr); each; each = GetWindow(each, GW_HWNDNEXT)) {
-        if (GetWindow(each, GW_OWNER) == owner && IsWindowVisible(each)) return each;
-    }
-    return nullptr;
-}
-
 // The size that a text needs in its control.
 SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
     const HDC dc = GetDC(control);

@@ -100,6 +100,14 @@ inline std::wstring TextOf(HWND window) {
     return text;
 }
 
+// The visible window that this one owns; null if there is none.
+inline HWND PopupOf(HWND owner) {
+    for (HWND each = GetTopWindow(nullptr); each; each = GetWindow(each, GW_HWNDNEXT)) {
+        if (GetWindow(each, GW_OWNER) == owner && IsWindowVisible(each)) return each;
+    }
+    return nullptr;
+}
+
 class MainWindowTest : public testing::Test {
   protected:
     void Open(StartOptions options = {}) {

@@ -1,4 +1,4 @@
-#include "cli/device_writer.h"
+#include "model/device_writer.h"
 
 #include <cjson/cJSON.h>
 
@@ -51,25 +51,35 @@ std::string DeviceWriter::TableRow(std::string_view address, std::string_view va
     return rows;
 }
 
-std::string DeviceWriter::JsonRow(std::string_view address, std::string_view value) {
-    const JsonItem element(cJSON_CreateObject());
+ValueKind DocumentKind(std::string_view document) {
+    const JsonItem item = ParseDocument(document);
+    const auto answers = AnswersOf(item.get());
+    const cJSON* asked = cJSON_GetObjectItem(item.get(), "DiscoverOID");
+    const bool isForOne =
+        answers.size() == 1 && cJSON_IsString(asked) && answers.front().first == asked->valuestring;
+    return isForOne ? ValueKind::kAnswer : ValueKind::kDocument;
+}
+
+JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value) {
+    JsonItem element(cJSON_CreateObject());
     AddText(element.get(), "address", address);
-    JsonItem document = kind_ == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    JsonItem document = kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
     if (document) {
         cJSON_AddItemToObject(element.get(), "value", document.release());
-    } else if (kind_ == ValueKind::kDocument) {
+    } else if (kind == ValueKind::kDocument) {
         AddText(element.get(), "value", value);
     } else {
-        const std::string bytes =
-            kind_ == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
+        const std::string bytes = kind == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
         AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
     }
-    array_.Add(element.get());
-    return array_.Take();
+    return element;
 }
 
 std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
-    if (format_ == Format::kJson) return JsonRow(address, value);
+    if (format_ == Format::kJson) {
+        array_.Add(DeviceItem(kind_, address, value).get());
+        return array_.Take();
+    }
     if (format_ == Format::kCsv)
         return CsvField(PlainText(address)) + "," + CsvField(OneLine(value)) + "\n";
     const bool needsHead = isFirst_;

@@ -1,6 +1,6 @@
 // The output of a sweep: one row for each device, as it arrives.
-#ifndef VNDISCOVER_HOST_CLI_DEVICE_WRITER_H
-#define VNDISCOVER_HOST_CLI_DEVICE_WRITER_H
+#ifndef VNDISCOVER_HOST_MODEL_DEVICE_WRITER_H
+#define VNDISCOVER_HOST_MODEL_DEVICE_WRITER_H
 
 #include <string>
 #include <string_view>
@@ -18,6 +18,12 @@ enum class ValueKind {
     kAnswer,    // a filled-in request of RequestFor, whose only answer is the value
 };
 
+// kAnswer if it is a filled-in request of RequestFor, or looks like one.
+ValueKind DocumentKind(std::string_view document);
+
+// A row as JSON.
+JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value);
+
 class DeviceWriter {
   public:
     // useIPv6: whether the address column is wider.
@@ -32,7 +38,6 @@ class DeviceWriter {
 
   private:
     std::string TableRow(std::string_view address, std::string_view value) const;
-    std::string JsonRow(std::string_view address, std::string_view value);
     std::string OneLine(std::string_view value) const;
     size_t AddressWidth() const { return useIPv6_ ? 27 : 17; }
 
@@ -48,4 +53,4 @@ std::string CsvField(std::string_view text);
 
 }  // namespace vndiscover::host
 
-#endif  // VNDISCOVER_HOST_CLI_DEVICE_WRITER_H
+#endif  // VNDISCOVER_HOST_MODEL_DEVICE_WRITER_H

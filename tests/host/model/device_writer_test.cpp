@@ -1,5 +1,5 @@
 // Rows of a sweep must suit a terminal, a CSV reader and a JSON parser, whatever devices answer.
-#include "cli/device_writer.h"
+#include "model/device_writer.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,129 @@
+// The commands of the File menu after the user has chosen a file.
+#include <cstdio>
+#include <functional>
+#include <thread>
+
+#include "platform/saved_file.h"
+#include "platform/wide_text.h"
+#include "scripted_window.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+class Files : public MainWindowTest {
+  protected:
+    Files() {
+        wchar_t folder[MAX_PATH], path[MAX_PATH];
+        GetTempPathW(MAX_PATH, folder);
+        GetTempFileNameW(folder, L"vn", 0, path);
+        path_ = ToUtf8(path);
+    }
+    ~Files() override { DeleteFileW(ToWide(path_).c_str()); }
+
+    // A window with two devices, of which the filter hides one.
+    void OpenWithDevices() {
+        engine_.Say("10.77.1.9", "VN InkLine 70");
+        engine_.Say("10.77.1.10", "VN LaserPro 410");
+        engine_.Say("10.77.1.11", "VN LaserPro 411");
+        Open();
+        Command(IDC_FIND);
+        ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 3; }));
+        Command(IDC_FIND);
+        ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        SetWindowTextW(Control(IDC_FILTER), L"laserpro");
+        ClickColumn(2);
+    }
+    std::string FileText() const {
+        std::string problem;
+        return ReadFileText(path_, 1 << 20, problem).value_or(problem);
+    }
+    void SetFileText(const std::string& text) const {
+        std::string problem;
+        ASSERT_TRUE(ReplaceFileText(path_, text, problem)) << problem;
+    }
+    // What the window tells the user, who presses OK, while `action` runs.
+    std::string Complaint(const std::function<void()>& action) {
+        std::string text;
+        std::thread user([&, owner = window_->Handle()] {
+            HWND box = nullptr;
+            for (int wait = 0; wait < 500 && !box; ++wait) {
+                Sleep(10);
+                box = PopupOf(owner);
+            }
+            if (!box) return;
+            text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
+            SendMessageW(box, WM_COMMAND, IDOK, 0);
+        });
+        action();
+        user.join();
+        return text;
+    }
+
+    std::string path_;
+};
+
+TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
+    OpenWithDevices();
+    const std::pair<const char*, const char*> cases[] = {
+        {"{\"format\": \"vndiscover-scan\",\n \"version\": 2}", "version"},
+        {"{\"format\": \"vndiscover-scan\",\n \"version\": 1,\n x", "line 3"}};
+    for (const auto& [text, reason] : cases) {
+        SetFileText(text);
+        for (const auto method : {&MainWindow::OpenFrom, &MainWindow::CompareWith}) {
+            bool isDone = true;
+            const std::string told = Complaint([&] { isDone = ((*window_).*method)(path_); });
+            EXPECT_FALSE(isDone);
+            EXPECT_EQ(0u, told.find("The list is unchanged")) << told;
+            EXPECT_NE(std::string::npos, told.find(reason)) << told;
+        }
+    }
+    EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
+}
+
+TEST_F(Files, SavedScansAreOpenedAgain) {
+    OpenWithDevices();
+    EXPECT_TRUE(window_->SaveTo(path_));
+    Command(IDM_CLEAR);
+    EXPECT_EQ(L"", Addresses());
+    EXPECT_TRUE(window_->OpenFrom(path_));
+    EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
+}
+
+TEST_F(Files, ExportsHoldTheRowsAsShown) {
+    OpenWithDevices();
+    int order[] = {2, 1, 0, 3, 4, 5, 6, 7, 8, 9};
+    ListView_SetColumnOrderArray(Control(IDC_DEVICES), 10, order);
+    EXPECT_TRUE(window_->SaveCsvTo(path_));
+    const std::string csv = FileText();
+    EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"Serial number\",")) << csv;
+    EXPECT_NE(std::string::npos,
+              csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"\",\"\",\"SNMPv1\""))
+        << csv;
+    EXPECT_TRUE(window_->SaveJsonTo(path_));
+    EXPECT_EQ(
+        "[\n  {\"address\":\"10.77.1.11\",\"value\":\"VN LaserPro 411\"},\n"
+        "  {\"address\":\"10.77.1.10\",\"value\":\"VN LaserPro 410\"}\n]\n",
+        FileText());
+}
+
+TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
+    OpenWithDevices();
+    SetFileText("old");
+    // In place of the new file while it is written.
+    const std::wstring obstacle =
+        ToWide(path_ + "." + std::to_string(GetCurrentProcessId()) + ".new");
+    CreateDirectoryW(obstacle.c_str(), nullptr);
+    for (const auto method :
+         {&MainWindow::SaveTo, &MainWindow::SaveCsvTo, &MainWindow::SaveJsonTo}) {
+        bool isDone = true;
+        const std::string told = Complaint([&] { isDone = ((*window_).*method)(path_); });
+        EXPECT_FALSE(isDone);
+        EXPECT_EQ(0u, told.find("The file could not be saved: cannot be written")) << told;
+        EXPECT_EQ("old", FileText());
+    }
+    RemoveDirectoryW(obstacle.c_str());
+}
+
+}  // namespace
+}  // namespace vndiscover::host
