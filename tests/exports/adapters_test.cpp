@@ -2,7 +2,7 @@
 // directed request to an IPv6 device binds.
 #include <thread>
 
-#include "exports/support/log_lines.h"
+#include "exports/support/network_test.h"
 #include "exports/support/scripted_adapters.h"
 
 namespace vndiscover {

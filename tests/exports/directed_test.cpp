@@ -1,6 +1,6 @@
 // The five directed exports: their requests, what they write to the host's buffers and that they
 // stay within them, their results without an answer, and their log lines.
-#include "exports/support/log_lines.h"
+#include "exports/support/network_test.h"
 #include "helpers/guarded_buffer.h"
 
 namespace vndiscover {

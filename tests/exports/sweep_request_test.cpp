@@ -1,7 +1,7 @@
 // The requests of a sweep, from where and in which order they are sent, and their log lines.
 #include <sstream>
 
-#include "exports/support/log_lines.h"
+#include "exports/support/network_test.h"
 
 namespace vndiscover {
 namespace {

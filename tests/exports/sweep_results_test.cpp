@@ -2,7 +2,7 @@
 // and log lines.
 #include <thread>
 
-#include "exports/support/log_lines.h"
+#include "exports/support/network_test.h"
 
 namespace vndiscover {
 namespace {

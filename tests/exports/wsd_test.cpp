@@ -1,5 +1,5 @@
 // WS-Discovery sweeps: the Probes, the replies that are delivered, and the log lines.
-#include "exports/support/log_lines.h"
+#include "exports/support/network_test.h"
 
 namespace vndiscover {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "exports/support/log_lines.h"
+#include "exports/support/network_test.h"
 
 namespace vndiscover {
 
