@@ -1,12 +1,13 @@
 """What VnBrowser.exe offers to copy for a call of the module: each text is compiled or run, and gives the same."""
 
+import concurrent.futures
 import os
 import re
 import shutil
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, BIN, LAB, SCRIPTS, SECRETS, main, run, start_in
+from lab import AGENT, AGENT_CONF, BIN, LAB, SECRETS, main, run, start_in
 
 HEADER = os.path.dirname(os.path.abspath(__file__)) + "/../../include/vndiscover.h"
 FOLDER = LAB + "/calls"
@@ -40,32 +41,30 @@ def folded(text):
     return re.sub(r"\s+", " ", text)
 
 
-def run_in_folder(*command, may_try_again=True):
-    done = subprocess.run([SCRIPTS + "/wine-run.sh", "host", *command], cwd=FOLDER, stdin=subprocess.DEVNULL,
-                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=120, check=False,
-                          env={**os.environ, **ENVIRONMENT})
-    # Now and then Wine's loader does not start cmd, and says so; nothing of ours has run then.
-    if may_try_again and b"Application could not be started" in done.stdout:
-        return run_in_folder(*command, may_try_again=False)
-    return done.stdout.decode()
+def by_program(name):
+    subprocess.run([CXX, "-std=c++17", "-Wall", "-Wextra", "-Werror", "-static", "-I", os.path.dirname(HEADER),
+                    f"{FOLDER}/{name}.cpp", f"{BIN}/VnDiscover.dll", "-o", f"{FOLDER}/{name}.exe"], check=True)
+    return run(program=f"{FOLDER}/{name}.exe", **ENVIRONMENT)
+
+
+def by_command(name):
+    return run("command", f"{FOLDER}/{name}.command", program="window_helper.exe", **ENVIRONMENT)
 
 
 class Texts(unittest.TestCase):
     def test_programs_and_commands_give_the_same_answers(self):
-        for name, answers in CALLS.items():
-            with self.subTest(name):
-                subprocess.run([CXX, "-std=c++17", "-Wall", "-Wextra", "-Werror", "-static", "-I",
-                                os.path.dirname(HEADER), f"{FOLDER}/{name}.cpp", f"{BIN}/VnDiscover.dll", "-o",
-                                f"{FOLDER}/{name}.exe"], check=True)
-                by_program = run_in_folder(f"{FOLDER}/{name}.exe")
-                by_command = run_in_folder("cmd", "/c", f"{name}.bat")
-                for answer in answers:
-                    self.assertIn(answer, by_program)
-                    self.assertIn(answer, by_command)
+        with concurrent.futures.ThreadPoolExecutor(2 * len(CALLS)) as pool:  # they mostly wait
+            commands = [name for name in CALLS if name != "stop"]  # which has none
+            by_both = pool.map(by_command, commands), pool.map(by_program, CALLS)
+            done = [*zip(commands, by_both[0]), *zip(CALLS, by_both[1])]
+        for name, (code, out, err) in done:
+            self.assertEqual(0, code, name + out + err)
+            for answer in CALLS[name]:
+                self.assertIn(answer, out, name)
 
     def test_no_text_holds_a_secret(self):
         for name in os.listdir(FOLDER):
-            if name.endswith((".cpp", ".cs", ".bat")):
+            if name.endswith((".cpp", ".cs", ".command")):
                 for secret in ENVIRONMENT.values():
                     self.assertNotIn(secret, text_of(name))
 
@@ -106,8 +105,7 @@ class Texts(unittest.TestCase):
 def write_texts():
     subprocess.run(["ip", "-n", "host", "link", "set", "eth1", "down"], check=True)  # sweeps take half the time
     os.mkdir(FOLDER)
-    for name in ("vndiscover.exe", "VnDiscover.dll"):
-        shutil.copy(f"{BIN}/{name}", FOLDER)
+    shutil.copy(BIN + "/VnDiscover.dll", FOLDER)
     folder = "Z:" + FOLDER.replace("/", "\\")
     code, _, err = run("texts", folder, program="window_helper.exe", **ENVIRONMENT)
     assert code == 0, err

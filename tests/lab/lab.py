@@ -37,7 +37,7 @@ def start_in(net, *command, **options):
 
 
 def on_host(*arguments, program="vndiscover.exe"):
-    return [SCRIPTS + "/wine-run.sh", "host", f"{BIN}/{program}", *arguments]
+    return [SCRIPTS + "/wine-run.sh", "host", os.path.join(BIN, program), *arguments]
 
 
 def run(*arguments, program="vndiscover.exe", **environment):

@@ -1,14 +1,18 @@
 // Gives the tests of VnBrowser.exe in a lab access to its code.
 //
-//   window_helper texts FOLDER    writes the texts of some calls as NAME.cpp, NAME.cs and NAME.bat,
+//   window_helper texts FOLDER    writes the texts of some calls as NAME.cpp, NAME.cs and NAME.command,
 //                                 and the declarations that they use as shapes.txt
+//   window_helper command FILE    runs a command line like a shell, which replaces %VARIABLES%
 //   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
+#include <windows.h>
+
 #include <cstdio>
-#include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
 
+#include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
@@ -40,7 +44,7 @@ void Write(const std::string& path, const std::string& text) {
 void WriteCall(const std::string& path, const Call& call) {
     Write(path + ".cpp", CallText(call, CallLanguage::kCpp) + "\n");
     Write(path + ".cs", CallText(call, CallLanguage::kCSharp) + "\n");
-    Write(path + ".bat", "@" + CallText(call, CallLanguage::kCommand) + "\r\n");
+    Write(path + ".command", CallText(call, CallLanguage::kCommand));
 }
 
 void WriteTexts(const std::string& folder) {
@@ -72,6 +76,29 @@ void WriteTexts(const std::string& folder) {
     Write(folder + "shapes.txt", shapes);
 }
 
+// The exit code of the program, which the system itself finds and hands the words to.
+int RunCommand(const std::string& path) {
+    std::string problem;
+    const auto text = ReadFileText(path, MAX_PATH * 4, problem);
+    if (!text) return 1;
+    wchar_t line[8192];
+    constexpr DWORD kLineSize = static_cast<DWORD>(std::size(line));
+    const DWORD size = ExpandEnvironmentStringsW(ToWide(*text).c_str(), line, kLineSize);
+    if (size == 0 || size > kLineSize) return 1;
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process;
+    if (!CreateProcessW(nullptr, line, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                        &process))
+        return 1;
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD code = 1;
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return static_cast<int>(code);
+}
+
 }  // namespace
 }  // namespace vndiscover::host
 
@@ -80,6 +107,7 @@ int main() {
     const auto words = CommandLineArguments();
     if (words.size() != 2) return 2;
     if (words[0] == "texts") WriteTexts(words[1] + "\\");
+    if (words[0] == "command") return RunCommand(words[1]);
     if (words[0] == "profile" && KeepProfile(ToWide(words[1]), User()) != KeepResult::kKept)
         return 1;
     return 0;
