@@ -1,7 +1,7 @@
 // Gives the tests of VnBrowser.exe in a lab access to its code.
 //
-//   window_helper texts FOLDER    writes the texts of some calls as NAME.cpp, NAME.cs and NAME.command,
-//                                 and the declarations that they use as shapes.txt
+//   window_helper texts FOLDER    writes the texts of some calls as NAME.cpp, NAME.cs and
+//                                 NAME.command, and the declarations that they use as shapes.txt
 //   window_helper command FILE    runs a command line like a shell, which replaces %VARIABLES%
 //   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
 #include <windows.h>
