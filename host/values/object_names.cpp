@@ -307,8 +307,10 @@ std::string WordOf(std::string_view name, int64_t number) {
 }
 
 std::vector<std::string> WordsOf(std::string_view name, std::string_view bits) {
+    // A device may send thousands of bits; no object of the table has more words than this.
+    constexpr size_t kMaxBits = 64;
     std::vector<std::string> words;
-    for (size_t bit = 0; bit < bits.size() * 8; ++bit) {
+    for (size_t bit = 0; bit < std::min(bits.size() * 8, kMaxBits); ++bit) {
         if ((static_cast<uint8_t>(bits[bit / 8]) & 0x80 >> bit % 8) == 0) continue;
         const std::string word = WordOf(name, static_cast<int64_t>(bit));
         words.push_back(word.empty() ? "bit " + std::to_string(bit) : word);

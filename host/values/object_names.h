@@ -47,7 +47,7 @@ std::string NameText(const Oid& oid);
 
 // The word for an enumeration's number, "idle"; empty if there is none.
 std::string WordOf(std::string_view name, int64_t number);
-// The words of the bits that are set; a bit without a word is "bit 20".
+// The words of the bits that are set, of the first 64; a bit without a word is "bit 20".
 std::vector<std::string> WordsOf(std::string_view name, std::string_view bits);
 
 // One line for a person: "idle(3)", "doorOpen, jammed", "02:00:5E:10:00:01"; otherwise FormatValue.

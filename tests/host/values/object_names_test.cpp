@@ -47,6 +47,8 @@ TEST(NamedValues, AreSpelledOut) {
         {"hrPrinterDetectedErrorState.1", kOctetString, "\x0C", "doorOpen, jammed"},
         {"hrPrinterDetectedErrorState.1", kOctetString, "\x40\x03",
          "noPaper, overduePreventMaint, bit 15"},
+        {"hrPrinterDetectedErrorState.1", kOctetString, std::string(7, '\0') + "\x01\xFF",
+         "bit 63"},
         {"hrPrinterDetectedErrorState.1", kOctetString, {"\0", 1}, "none"},
         {"ifPhysAddress.2", kOctetString, "ABCDEF", "41:42:43:44:45:46"},
         {"sysName.0", kOctetString, "hall", "hall"},
