@@ -82,12 +82,13 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     const bool isDiscovered =
         answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
     diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, ""} : ResultOf(answer);
+    diagnosis.hasUser = steps.hasUser;
     if (steps.hasUser && isDiscovered) diagnosis.user = ResultOf(answer);
     return diagnosis;
 }
 
 bool IsUsable(const HostDiagnosis& diagnosis) {
-    return Answers(diagnosis.user.outcome == Outcome::kNotAsked ? diagnosis.v1 : diagnosis.user);
+    return Answers(diagnosis.hasUser ? diagnosis.user : diagnosis.v1);
 }
 
 bool IsUnsendable(const HostDiagnosis& diagnosis) {

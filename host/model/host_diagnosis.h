@@ -26,7 +26,8 @@ struct HostDiagnosis {
     StepResult ping;
     StepResult v1;         // with this community
     StepResult discovery;  // of the SNMPv3 engine
-    StepResult user;       // SNMPv3 with this user, if one was given
+    StepResult user;       // SNMPv3 with this user, if one was given and the engine answered
+    bool hasUser = false;  // one was given
 };
 
 // The steps; each call blocks until it has a result.

@@ -46,6 +46,9 @@ INSTANTIATE_TEST_SUITE_P(
         VerdictCase{"NoV3", true, kYes, kNo, false, true,
                     "ping and SNMPv1 answer, SNMPv3 does not: SNMPv3 switched off, or a device "
                     "without it"},
+        VerdictCase{"NoV3ForTheUser", true, kYes, kNo, true, false,
+                    "ping and SNMPv1 answer, SNMPv3 does not: SNMPv3 switched off, or a device "
+                    "without it"},
         VerdictCase{"NoV1", true, kNo, kYes, true, true,
                     "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched "
                     "off"},
