@@ -1,15 +1,16 @@
 #include "cli/device_options.h"
 
+#include <vndiscover.h>
+
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kMaxCommunity = 255;  // bytes in a request
-
 std::string CheckedCommunity(const std::string& text, const char* option) {
     std::string community = ToAnsi(text);
-    if (community.size() > kMaxCommunity) throw CLI::ValidationError(option, "255 bytes at most");
+    if (community.size() > VN_COMMUNITY_MAX)
+        throw CLI::ValidationError(option, "255 bytes at most");
     return community;
 }
 

@@ -1,4 +1,4 @@
-#include <windows.h>
+#include <vndiscover.h>
 
 #include <atomic>
 #include <cstdio>
@@ -15,8 +15,6 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kMaxPath = 259;       // characters of a path that the module can open
-constexpr size_t kMaxCommunity = 255;  // bytes in a request
 constexpr UINT kUnusedTimeoutMs = 5000;
 
 constexpr char kExamples[] =
@@ -76,7 +74,7 @@ std::string ReadRequest(const std::string& path) {
 // The module sweeps without a file that it cannot open, so the user is told beforehand.
 void CheckCsvPath(const std::string& path) {
     const std::wstring wide = ToWide(path);
-    if (wide.size() > kMaxPath)
+    if (wide.size() > VN_TEXT_MAX)
         throw CLI::ValidationError("--csv", "the path has more than 259 characters");
     FILE* file = _wfopen(wide.c_str(), L"ab");
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
@@ -94,7 +92,7 @@ std::string CheckOid(const std::string& text) {
 Sweep Prepare(const SweepOptions& options) {
     Sweep sweep;
     sweep.useIPv6 = options.useIPv6 ? 1 : 0;
-    if (ToAnsi(options.community).size() > kMaxCommunity) {
+    if (ToAnsi(options.community).size() > VN_COMMUNITY_MAX) {
         throw CLI::ValidationError("--community", "255 bytes at most");
     }
     sweep.community = ToWide(options.community);

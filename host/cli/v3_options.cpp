@@ -1,3 +1,5 @@
+#include <vndiscover.h>
+
 #include "cli/commands.h"
 #include "device/security_labels.h"
 #include "platform/console.h"
@@ -5,8 +7,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-constexpr size_t kMaxUserBytes = 127;
 
 // From the command line, otherwise from the environment, otherwise from the user. Rejects an empty
 // password: it would give no key, and the module would send its requests unprotected.
@@ -53,7 +53,8 @@ void AddV3Options(CLI::App& command, V3Options& options) {
 Security ResolveSecurity(const V3Options& options) {
     Security security;
     if (options.user.empty()) throw CLI::ValidationError("-u", "--v3 needs a user name");
-    if (options.user.size() > kMaxUserBytes) throw CLI::ValidationError("-u", "127 bytes at most");
+    if (options.user.size() > VN_USER_NAME_MAX)
+        throw CLI::ValidationError("-u", "127 bytes at most");
     security.user = ToWide(options.user);
     security.useAuth = !options.authProtocol.empty();
     security.usePriv = !options.privProtocol.empty();

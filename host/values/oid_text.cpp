@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "values/module_types.h"
+
 namespace vndiscover::host {
 namespace {
 
 constexpr uint32_t kTwoByteArcLimit = 16384;
 constexpr size_t kMaxArcs = 128;
-constexpr size_t kMaxRequestOctets = 124;
 
 // Reads decimal digits, at most 32 bits, and advances `text` past them. Empty if there are none.
 std::optional<uint32_t> TakeArc(std::string_view& text) {
@@ -97,7 +98,7 @@ bool FitsRequest(const Oid& oid) {
     if (oid.size() < 2) return false;
     size_t octets = 1;
     for (size_t i = 2; i < oid.size(); ++i) octets += oid[i] < 128 ? 1 : 2;
-    return octets <= kMaxRequestOctets;
+    return octets <= kRequestOidMax;
 }
 
 Oid JustBefore(Oid oid) {
