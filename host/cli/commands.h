@@ -14,6 +14,9 @@ namespace vndiscover::host {
 
 enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3 };
 
+// Ends the message of a sweep that found nothing.
+constexpr char kDoctorHint[] = ": 'vndiscover doctor' looks for the cause";
+
 void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
 void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, walk, info
 void AddPrinterCommand(CLI::App& app, int& exitCode);    // printer

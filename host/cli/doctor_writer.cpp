@@ -59,7 +59,7 @@ const char* PassageText(Passage passage) {
 
 void AddFirewall(Lines& lines, const FirewallReport& report) {
     constexpr char kLabel[] = "Firewall";
-    if (!report.isKnown) lines.Add(kLabel, "unknown here");
+    if (!report.isKnown) lines.Add(kLabel, "not known here");
     for (const PortVerdict& verdict : report.ports) {
         lines.Add(kLabel, verdict.profile + " profile, answers from UDP " +
                               std::to_string(verdict.port) + ": " + PassageText(verdict.passage) +

@@ -211,11 +211,7 @@ int RunSweep(const SweepOptions& options) {
     }
     Print(writer.End());
     AskAndSave(keeper, options, isStopped, std::move(security));
-    if (devices == 0) {
-        const bool isForPeople = options.format == Format::kTable;
-        Warn(std::string("no device answered") +
-             (isForPeople ? ": 'vndiscover doctor' looks for the cause" : ""));
-    }
+    if (devices == 0) Warn(std::string("no device answered") + kDoctorHint);
     return devices > 0 ? kFound : kNone;
 }
 

@@ -81,7 +81,7 @@ int RunWsd(const WsdOptions& options) {
     }
     if (!options.isRaw) Print(options.format == WsdFormat::kJson ? list.Json() : list.Table());
     keeper.Save();
-    if (replies == 0) Warn("no device replied");
+    if (replies == 0) Warn(std::string("no device replied") + kDoctorHint);
     return replies > 0 ? kFound : kNone;
 }
 

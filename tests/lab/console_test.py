@@ -117,7 +117,7 @@ class Sweeps(unittest.TestCase):
     def test_no_answer_is_exit_code_1(self):
         code, out, err = run("sweep", "--community", "wrong", "--format", "json")
         self.assertEqual((1, "[]\n"), (code, out))
-        self.assertIn("no device answered", err)
+        self.assertIn("no device answered: 'vndiscover doctor'", err)
 
     def test_v3_takes_passwords_from_the_environment_and_any_oid(self):
         path = Path(LAB, "v3.csv")
@@ -142,6 +142,7 @@ class Responders(unittest.TestCase):
     def test_an_unknown_type_finds_no_device(self):
         code, out, err = run("wsd", "--timeout", "1000", "--types", "wsdp:Nothing", "--format", "json")
         self.assertEqual((1, "[]\n"), (code, out), err)
+        self.assertIn("'vndiscover doctor'", err)
 
 
 class DirectedRequests(unittest.TestCase):

@@ -17,7 +17,7 @@ class Doctor(unittest.TestCase):
         self.assertEqual((0, ""), (code, err))
         for line in ("IPv4 sweep     from 2 addresses, takes 4 s at least\n", "10.77.1.1  eth0: Ethernet, up, 2 s\n",
                      "10.77.2.1  eth1: Ethernet, up, 2 s\n", "fe80::2:1  eth1: Ethernet, up, 2 s\n",
-                     "255.255.255.255  by eth0, 10.77.1.1\n", "Firewall       unknown here\n",
+                     "255.255.255.255  by eth0, 10.77.1.1\n", "Firewall       not known here\n",
                      'vndiscover.exe" protocol=udp remoteport=161,3702 profile=domain,private\n', "Log            off\n"):
             self.assertIn(line, out)
 
