@@ -3,6 +3,7 @@
 #include "cli/device_options.h"
 #include "cli/doctor_writer.h"
 #include "platform/console.h"
+#include "platform/host_address.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
 
@@ -17,9 +18,9 @@ in its order, the routes of its broadcast and multicast, whether the Windows
 firewall lets answers in, and the log switches.
 
 With HOST the device is sent one ping, one SNMPv1 request with this community,
-the SNMPv3 engine discovery and, if its engine answers, one SNMPv3 request with
-this user or an empty name; both requests are for the variable after sysDescr.0.
-This takes 20 s at most.
+the SNMPv3 engine discovery (over IPv6 twice) and, if its engine answers, one
+SNMPv3 request with this user or an empty name; both requests are for the
+variable after sysDescr.0. This takes 20 s at most.
 
 Examples:
   vndiscover doctor
@@ -43,12 +44,14 @@ int RunOnHost(const DeviceOptions& options) {
     Device v3 = OpenDevice(options);
     if (!v3.IsV3()) v3.Use(Security());
     DiagnosisSteps steps;
-    steps.ping = [&] { return VxPing(ToAnsi(options.host).c_str(), kPingTimeoutMs) != 0; };
+    // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
+    const std::string address = NumericHost(options.host);
+    steps.ping = [&] { return VxPing(ToAnsi(address).c_str(), kPingTimeoutMs) != 0; };
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
     const HostDiagnosis diagnosis = Diagnose(steps);
-    const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), options.host);
+    const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), address);
     Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
                                               : HostText(diagnosis, isOnOwnNetwork));
     if (IsUnsendable(diagnosis)) return kSendFailed;

@@ -12,6 +12,7 @@
 
 #include "platform/firewall_policy.h"
 #include "platform/wide_text.h"
+#include "platform/win_sock.h"
 
 namespace vndiscover::host {
 namespace {
@@ -158,23 +159,6 @@ bool IsSwitchedOn(const char* name) {
     return error == ERROR_SUCCESS && value != 0;
 }
 
-// getnameinfo needs WinSock.
-class WinSock {
-  public:
-    WinSock() {
-        WSADATA data;
-        isStarted_ = WSAStartup(MAKEWORD(2, 2), &data) == 0;
-    }
-    ~WinSock() {
-        if (isStarted_) WSACleanup();
-    }
-    WinSock(const WinSock&) = delete;
-    WinSock& operator=(const WinSock&) = delete;
-
-  private:
-    bool isStarted_;
-};
-
 }  // namespace
 
 AdapterList ThisComputer::IPv4() const {
@@ -195,7 +179,7 @@ AdapterList ThisComputer::IPv4() const {
 }
 
 AdapterList ThisComputer::IPv6() const {
-    const WinSock winSock;
+    const WinSock winSock;  // for getnameinfo
     const IpHelper helper;
     // With the module's flag, because of which the system may refuse the list.
     const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);

@@ -41,7 +41,10 @@ class Doctor(unittest.TestCase):
         self.assertIn("'vndiscover doctor'", err)
 
     def test_one_device_is_checked_in_steps(self):
-        self.assertEqual((0, "ping, SNMPv1 and SNMPv3 answer"), self.verdict(AGENT, *V3))
+        with open("/etc/hosts", "a", encoding="utf-8") as hosts:
+            hosts.write(f"{AGENT} printer.lab\n")
+        for host in (AGENT, "printer.lab"):
+            self.assertEqual((0, "ping, SNMPv1 and SNMPv3 answer"), self.verdict(host, *V3))
         self.assertEqual((1, "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched off"),
                          self.verdict(AGENT, "--community", "wrong"))
         nobody = [word.replace("admin", "nobody") for word in V3]

@@ -1,0 +1,14 @@
+#ifndef VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H
+#define VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H
+
+#include <string>
+
+namespace vndiscover::host {
+
+// The IPv4 address of a name, dotted, as directed requests resolve it. Addresses, and names that
+// cannot be resolved, are returned unchanged. UTF-8. May take as long as a name server does.
+std::string NumericHost(const std::string& host);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H
