@@ -1,7 +1,8 @@
-#include "cli/variable_writer.h"
-
+// Variables and facts of printers, as the commands print them.
 #include <gtest/gtest.h>
 
+#include "cli/printer_writer.h"
+#include "cli/variable_writer.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -45,6 +46,31 @@ TEST(VariableRows, AreLinesOrJsonElements) {
 )",
               document + json.End());
     EXPECT_EQ("[]\n", VariableWriter(true).End());
+}
+
+TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
+    PrinterFacts facts;
+    facts.model = "VN LaserPro 410";
+    facts.upTicks = 500;
+    facts.supplies = {{"Black", "", "", {400, 1000, ""}},
+                      {"", "cyan", "inkCartridge", {-3, -2, ""}}};
+    facts.alerts = {{"critical", "", "jam", "", 9000}};  // from before the restart
+    facts.gaps = {{"trays", "prtInputName", "no answer"},
+                  {"alerts", "", "not asked for"},
+                  {"panel", "", "not asked for"}};
+    EXPECT_EQ(
+        "Model          VN LaserPro 410\n"
+        "Serial number  (not given)\n"
+        "Name           (not given)\n"
+        "Location       (not given)\n"
+        "MAC address    (not given)\n"
+        "Up since       noon (0:00:05)\n"
+        "Alerts         critical: jam\n"
+        "Supplies       Black          [########............]  40 % (400 of 1000)\n"
+        "               ink cartridge                          some left, cyan ink cartridge\n"
+        "Not read       trays (prtInputName): no answer\n"
+        "               alerts, panel: not asked for\n",
+        PrinterText(facts, "noon"));
 }
 
 }  // namespace
