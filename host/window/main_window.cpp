@@ -54,7 +54,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
       options_(std::move(options)),
       calls_([this](const std::wstring& text) { CopyText(text); }),
       events_([this] { PostMessageW(window_, kEvents, 0, 0); }) {
-    const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES};
+    const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
     InitCommonControlsEx(&controls);
     WNDCLASSW type = {};
     type.lpfnWndProc = Procedure;
@@ -203,7 +203,7 @@ void MainWindow::CreateControls() {
     CreateControl(L"STATIC", IDS_DEVICES, SS_NOPREFIX, IDC_DEVICES_LABEL);
     CreateDeviceList();
     CreateControl(L"STATIC", IDS_DETAILS, SS_NOPREFIX, IDC_DETAILS_LABEL);
-    details_.Create(window_, IDC_DETAILS, Text(IDS_DETAILS));
+    details_.Create(window_);
     CreateControl(STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
 }
 
@@ -411,6 +411,10 @@ void MainWindow::OnCommand(int id, int code) {
             workers_->MakeReport();
             note_ = Text(IDS_DOCTOR_WAIT);
             break;
+        case IDM_NEXT_PAGE:
+        case IDM_PREVIOUS_PAGE:
+            details_.Turn(id == IDM_NEXT_PAGE ? 1 : -1);
+            break;
         case IDM_CALLS:
             calls_.Open(window_);
             break;
@@ -421,8 +425,7 @@ void MainWindow::OnCommand(int id, int code) {
 }
 
 LRESULT MainWindow::OnNotify(NMHDR* header) {
-    if (header->idFrom == IDC_DETAILS) return details_.OnNotify(header);
-    return header->idFrom == IDC_DEVICES ? OnDeviceNotify(header) : 0;
+    return header->idFrom == IDC_DEVICES ? OnDeviceNotify(header) : details_.OnNotify(header);
 }
 
 LRESULT MainWindow::OnDeviceNotify(NMHDR* header) {
@@ -497,7 +500,7 @@ void MainWindow::OnSelected() {
     const int row = ListView_GetNextItem(devices_, -1, LVNI_SELECTED);
     if (row < 0) return;  // no row yet: the selection stays until another one is selected
     session_.view.Select(static_cast<size_t>(row));
-    details_.Show(DetailFacts(session_));
+    details_.Show();
     AskSelected(false);
 }
 
@@ -535,7 +538,7 @@ void MainWindow::ShowRows() {
     const HWND label = GetDlgItem(window_, IDC_DEVICES_LABEL);
     if (WindowText(label) != title) SetWindowTextW(label, title.c_str());
     InvalidateRect(devices_, nullptr, FALSE);
-    details_.Show(DetailFacts(session_));
+    details_.Show();
     isShowing_ = false;
 }
 

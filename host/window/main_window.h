@@ -10,7 +10,7 @@
 
 #include "window/calls_window.h"
 #include "window/engine.h"
-#include "window/facts_list.h"
+#include "window/details_pane.h"
 #include "window/session.h"
 #include "window/settings.h"
 #include "window/workers.h"
@@ -97,7 +97,7 @@ class MainWindow {
     HWND devices_ = nullptr;
     HFONT font_ = nullptr;
     HACCEL keys_ = nullptr;
-    FactsList details_;
+    DetailsPane details_{session_};
     Settings settings_;
     Credentials credentials_;
     int dpi_ = 96;

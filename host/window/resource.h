@@ -22,6 +22,8 @@
 #define IDC_DETAILS_LABEL 212
 #define IDC_DETAILS 213
 #define IDC_STATUS 214
+#define IDC_PAGES 215
+#define IDC_TABLE 216
 
 // Controls of the dialog.
 #define IDC_COMMUNITY 230
@@ -54,6 +56,8 @@
 #define IDM_DOCTOR 331
 #define IDM_FILTER 332
 #define IDM_CALLS 333
+#define IDM_NEXT_PAGE 334
+#define IDM_PREVIOUS_PAGE 335
 
 // Texts. Those of the columns are in the order of Column.
 #define IDS_MENU_FILE 390
@@ -177,5 +181,14 @@
 #define IDS_CALL_COMMAND 560
 #define IDS_CALL_COPY 561
 #define IDS_CALL_CLOSE 562
+#define IDS_PAGE_SUMMARY 570
+#define IDS_PAGE_PROTOCOLS 571
+#define IDS_PAGE_INTERFACES 572
+#define IDS_PAGE_ANSWERS 573
+#define IDS_ANSWER_OBJECT 574
+#define IDS_ANSWER_DOCUMENT 575
+#define IDS_ANSWER_REPLY 576
+#define IDS_ANSWER_CUT 577
+#define IDS_PROTOCOL 580
 
 #endif  // VNDISCOVER_HOST_WINDOW_RESOURCE_H

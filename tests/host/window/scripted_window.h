@@ -108,6 +108,16 @@ inline HWND PopupOf(HWND owner) {
     return nullptr;
 }
 
+inline std::wstring CellOf(HWND list, int row, int column) {
+    wchar_t text[200] = L"";
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 200;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return text;
+}
+
 class MainWindowTest : public testing::Test {
   protected:
     void Open(StartOptions options = {}) {
@@ -134,14 +144,7 @@ class MainWindowTest : public testing::Test {
         return true;
     }
     std::wstring Cell(int row, int column) const {
-        wchar_t text[200] = L"";
-        LVITEMW item = {};
-        item.iSubItem = column;
-        item.pszText = text;
-        item.cchTextMax = 200;
-        SendMessageW(Control(IDC_DEVICES), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                     reinterpret_cast<LPARAM>(&item));
-        return text;
+        return CellOf(Control(IDC_DEVICES), row, column);
     }
     std::wstring Addresses() const {
         std::wstring all;

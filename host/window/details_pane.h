@@ -1,0 +1,45 @@
+// The details of the selected device, as pages chosen by tabs.
+#ifndef VNDISCOVER_HOST_WINDOW_DETAILS_PANE_H
+#define VNDISCOVER_HOST_WINDOW_DETAILS_PANE_H
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <optional>
+#include <string>
+
+#include "window/facts_list.h"
+#include "window/session.h"
+#include "window/table_list.h"
+
+namespace vndiscover::host {
+
+class DetailsPane {
+  public:
+    // The session must outlive the pane.
+    explicit DetailsPane(const Session& session) : session_(session) {}
+    // The controls are children of `parent` and are destroyed with it.
+    void Create(HWND parent);
+    // Shows the selected device; the page stays.
+    void Show();
+    void Resize(const RECT& place, int dpi);
+    // Chooses the next page (1) or the one before (-1).
+    void Turn(int pages);
+    // Handles WM_NOTIFY from one of the controls and returns the result of the message.
+    LRESULT OnNotify(NMHDR* header);
+
+  private:
+    void ShowPage();
+
+    const Session& session_;
+    HWND tabs_ = nullptr;
+    FactsList facts_;   // the summary
+    TableList table_;   // the other pages
+    int dpi_ = 96;
+    std::optional<size_t> device_;  // first answer of the one that is shown
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_DETAILS_PANE_H

@@ -1,0 +1,26 @@
+// The pages on the selected device as tables.
+#ifndef VNDISCOVER_HOST_WINDOW_DEVICE_PAGES_H
+#define VNDISCOVER_HOST_WINDOW_DEVICE_PAGES_H
+
+#include <string>
+#include <vector>
+
+#include "window/session.h"
+#include "window/table_list.h"
+
+namespace vndiscover::host {
+
+using TableRows = std::vector<std::vector<std::wstring>>;
+
+struct DevicePage {
+    unsigned title;  // its string, on the tab
+    std::vector<TableColumn> columns;
+    TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: DetailFacts
+};
+
+// In the order of the tabs.
+const std::vector<DevicePage>& DevicePages();
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_DEVICE_PAGES_H

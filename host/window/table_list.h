@@ -1,0 +1,50 @@
+// A list of texts in columns that computes only the cells that are seen.
+#ifndef VNDISCOVER_HOST_WINDOW_TABLE_LIST_H
+#define VNDISCOVER_HOST_WINDOW_TABLE_LIST_H
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace vndiscover::host {
+
+struct TableColumn {
+    unsigned heading;  // its string
+    int width;         // in pixels at 96 DPI
+};
+
+class TableList {
+  public:
+    using CellText = std::function<std::wstring(size_t row, size_t column)>;
+
+    // The list is a child of `parent` and is destroyed with it.
+    void Create(HWND parent, int id);
+    // Uses a list of a dialog.
+    void Attach(HWND list);
+    HWND Handle() const { return list_; }
+    // Begins an empty table. Its name is for screen readers.
+    void Begin(const std::wstring& name, const std::vector<TableColumn>& columns, int dpi);
+    // The cells must remain until the next call.
+    void Show(size_t rows, CellText cell);
+    // Handles WM_NOTIFY from this list.
+    void OnNotify(NMHDR* header) const;
+    // One row or all as lines for the clipboard, cells separated by tabs; empty if none is
+    // selected.
+    std::wstring SelectedText() const;
+    std::wstring WholeText() const;
+
+  private:
+    std::wstring RowText(size_t row) const;
+
+    HWND list_ = nullptr;
+    size_t rows_ = 0, columns_ = 0;
+    CellText cell_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_TABLE_LIST_H

@@ -1,0 +1,71 @@
+#include "scripted_window.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+class Details : public MainWindowTest {
+  protected:
+    // Two devices, of which the first has been asked.
+    void OpenWithDevices() {
+        Open();
+        Command(IDC_FIND);
+        engine_.Say("10.77.1.1", "x");
+        engine_.Say("10.77.1.3", "y");
+        ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.3;"; }));
+        Select(0);
+        ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+    }
+    void EndSweep() {
+        engine_.End();
+        EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    }
+    // As if its tab were clicked.
+    void ChoosePage(int page) {
+        TabCtrl_SetCurSel(Control(IDC_PAGES), page);
+        NMHDR chosen = {Control(IDC_PAGES), IDC_PAGES, static_cast<UINT>(TCN_SELCHANGE)};
+        SendMessageW(window_->Handle(), WM_NOTIFY, IDC_PAGES, reinterpret_cast<LPARAM>(&chosen));
+    }
+    std::wstring Page() const {
+        const HWND table = Control(IDC_TABLE);
+        const bool isTable = (GetWindowLongPtrW(table, GWL_STYLE) & WS_VISIBLE) != 0;
+        return isTable ? TextOf(table) : L"Summary";
+    }
+    std::wstring Value(int row, int column) const {
+        return CellOf(Control(IDC_TABLE), row, column);
+    }
+    int Rows() const { return ListView_GetItemCount(Control(IDC_TABLE)); }
+};
+
+TEST_F(Details, PageStaysWithAnotherDevice) {
+    OpenWithDevices();
+    EXPECT_EQ(L"Summary", Page());
+    Command(IDM_PREVIOUS_PAGE);
+    EXPECT_EQ(L"Answers", Page());
+    ASSERT_TRUE(Until([&] { return Rows() == 2; }));
+    EXPECT_EQ(L"x", Value(0, 1));
+    EXPECT_EQ(L"SNMPv1", Value(0, 2));
+    EXPECT_EQ(L"prtGeneralSerialNumber.1", Value(1, 0));
+    EXPECT_EQ(L"SERIAL 1", Value(1, 1));
+    EXPECT_EQ(L"10.77.1.1", Value(1, 3));
+    Select(1);
+    EXPECT_EQ(L"Answers", Page());
+    EXPECT_EQ(1, Rows());
+    EXPECT_EQ(L"y", Value(0, 1));
+    // It stays while others are hidden, sorted and added.
+    SetWindowTextW(Control(IDC_FILTER), L"10.77.1.3");
+    ClickColumn(2);
+    engine_.Say("10.77.1.3", "z");
+    EXPECT_TRUE(Until([&] { return Rows() == 2; }));
+    EXPECT_EQ(L"z", Value(1, 1));
+    Command(IDM_NEXT_PAGE);
+    EXPECT_EQ(L"Summary", Page());
+    ChoosePage(TabCtrl_GetItemCount(Control(IDC_PAGES)) - 1);
+    EXPECT_EQ(L"Answers", Page());
+    EndSweep();
+    Command(IDM_CLEAR);
+    EXPECT_EQ(0, Rows());
+}
+
+}  // namespace
+}  // namespace vndiscover::host
