@@ -3,7 +3,7 @@
 #include "cli/device_options.h"
 #include "cli/variable_writer.h"
 #include "model/answer.h"
-#include "model/walk_step.h"
+#include "model/walk.h"
 #include "platform/console.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"
@@ -159,50 +159,38 @@ int RunSet(const Options& options) {
 }
 
 // Reports why a walk stops and returns its exit code. Show has reported missing answers.
-int FinishWalk(WalkStep step, const Oid& last, size_t variables) {
-    const std::string at = OidToText(last);
-    if (step == WalkStep::kLastReachable) {
+int FinishWalk(const WalkEnd& end) {
+    const std::string at = OidToText(end.at);
+    if (end.step == WalkStep::kLastReachable) {
         Warn("stopped at " + at +
              ": it has a number over 16383, or is too long to ask for what follows");
         return kNone;
     }
-    if (step == WalkStep::kNotIncreasing) {
+    if (end.step == WalkStep::kNotIncreasing) {
         Warn("stopped: OID not increasing: the device answers " + at +
              " with one that is not greater");
         return kNone;
     }
-    if (variables == 0) Warn("the device has no variables there");
-    return variables > 0 ? kFound : kNone;
+    if (end.variables == 0) Warn("the device has no variables there");
+    return end.variables > 0 ? kFound : kNone;
 }
 
 int RunWalk(const Options& options) {
     const auto root = ParseOidOrName(options.root);
     if (!root) throw CLI::ValidationError("ROOT", NotAnOid(options.root));
-    Oid asked = *root;
-    if (asked.size() == 1) asked.push_back(0);  // an OID in a request has at least two numbers
-    if (!FitsRequest(asked))
+    const Oid start = WalkStart(*root);
+    if (!FitsRequest(start))
         throw CLI::ValidationError("ROOT", "'" + options.root + "' is too long");
     const Device device = OpenDevice(options);
-    WarnIfWrong(asked);
+    WarnIfWrong(start);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
-    WalkStep step = WalkStep::kVariable;
-    Answer answer;
-    size_t variables = 0;
-    while (step == WalkStep::kVariable) {
-        answer = device.GetNext(asked);
-        if (answer.status != Status::kAnswered) {
-            Show(writer, answer);
-            break;
-        }
-        step = JudgeAnswer(*root, asked, answer.oid, answer.type, device.IsV3());
-        if (step != WalkStep::kVariable && step != WalkStep::kLastReachable) break;
-        ++variables;
-        asked = answer.oid;
-        if (!Print(writer.Row(answer))) break;  // the reader of a pipe has gone
-    }
+    const WalkEnd end = WalkSubtree(AskerOf(device), *root, [&](const Answer& answer) {
+        return Print(writer.Row(answer));  // false: the reader of a pipe has gone
+    });
+    const bool isAnswered = end.last.status == Status::kAnswered;
+    if (!isAnswered) Show(writer, end.last);
     Print(writer.End());
-    if (answer.status != Status::kAnswered) return ExitCodeOf(answer.status);
-    return FinishWalk(step, asked, variables);
+    return isAnswered ? FinishWalk(end) : ExitCodeOf(end.last.status);
 }
 
 int RunInfo(const Options& options) {
