@@ -6,6 +6,7 @@
 #include "model/device_writer.h"
 #include "model/level.h"
 #include "model/printer_facts.h"
+#include "values/csv_cell.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
@@ -163,17 +164,6 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
     row.lowestSupply = LowestSupply(facts);
     if (row.lowestSupply) row.Text(Column::kSupplies) = std::to_string(*row.lowestSupply) + " %";
     return row;
-}
-
-std::string CsvCell(const std::string& text) {
-    std::string cell = "\"";
-    if (!text.empty() && std::string_view("=+-@\t\r").find(text.front()) != std::string_view::npos)
-        cell += '\'';
-    for (const char c : text) {
-        if (c == '"') cell += '"';
-        cell += c;
-    }
-    return cell + "\"";
 }
 
 // `textOf` gives the text of a heading's cell.

@@ -3,6 +3,7 @@
 #include <cjson/cJSON.h>
 
 #include "model/json_request.h"
+#include "values/csv_cell.h"
 #include "values/plain_text.h"
 #include "values/value_text.h"
 
@@ -21,12 +22,6 @@ std::string AnswerValue(std::string_view value) {
 }
 
 }  // namespace
-
-std::string CsvField(std::string_view text) {
-    std::string field = "\"";
-    for (const char letter : text) field += letter == '"' ? "\"\"" : std::string(1, letter);
-    return field + "\"";
-}
 
 std::string DeviceWriter::OneLine(std::string_view value) const {
     if (kind_ == ValueKind::kRaw) return ShownValue(RawValue(value));
@@ -81,7 +76,7 @@ std::string DeviceWriter::Row(std::string_view address, std::string_view value) 
         return array_.Take();
     }
     if (format_ == Format::kCsv)
-        return CsvField(PlainText(address)) + "," + CsvField(OneLine(value)) + "\n";
+        return CsvCell(PlainText(address)) + "," + CsvCell(OneLine(value)) + "\n";
     const bool needsHead = isFirst_;
     isFirst_ = false;
     const std::string row = TableRow(address, value);

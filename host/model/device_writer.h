@@ -48,9 +48,6 @@ class DeviceWriter {
     JsonArray array_;
 };
 
-// A field in quotes, with quotes doubled as in RFC 4180.
-std::string CsvField(std::string_view text);
-
 }  // namespace vndiscover::host
 
 #endif  // VNDISCOVER_HOST_MODEL_DEVICE_WRITER_H

@@ -1,0 +1,16 @@
+// Cells of CSV documents, whose readers are often spreadsheets.
+#ifndef VNDISCOVER_HOST_VALUES_CSV_CELL_H
+#define VNDISCOVER_HOST_VALUES_CSV_CELL_H
+
+#include <string>
+#include <string_view>
+
+namespace vndiscover::host {
+
+// In quotes, with quotes doubled as in RFC 4180. An apostrophe is put before text that a
+// spreadsheet would run as a formula.
+std::string CsvCell(std::string_view text);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_VALUES_CSV_CELL_H
