@@ -1,5 +1,7 @@
 #include "platform/result_window.h"
 
+#include <stdexcept>
+
 namespace vndiscover::host {
 
 ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
@@ -11,6 +13,8 @@ ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
     RegisterClassW(&description);  // fails harmlessly if it is already registered
     window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                               description.hInstance, nullptr);
+    // Without it a sweep would find nothing.
+    if (!window_) throw std::runtime_error("the window for the results cannot be created");
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 }
 

@@ -16,6 +16,7 @@ class ResultWindow {
     // The text is valid only during the call. Not called for the final message (0, 0).
     using OnResult = std::function<void(const char* address, const char* value)>;
 
+    // Throws std::runtime_error if the window cannot be created.
     explicit ResultWindow(OnResult onResult);
     ~ResultWindow();
     ResultWindow(const ResultWindow&) = delete;
