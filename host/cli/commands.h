@@ -25,6 +25,12 @@ void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
 void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
 
+// For texts that an unset variable of a script would leave empty: "" is wrong usage.
+inline CLI::Option* MustNotBeEmpty(CLI::Option* option) {
+    return option->check(
+        [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, "");
+}
+
 // The SNMPv3 options of several commands.
 struct V3Options {
     bool isOn = false;

@@ -19,7 +19,7 @@ std::string CheckedCommunity(const std::string& text, const char* option) {
 CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
                            DeviceOptions& options) {
     CLI::App* command = app.add_subcommand(name, help);
-    command->add_option("HOST", options.host, "Address of the device")->required();
+    MustNotBeEmpty(command->add_option("HOST", options.host, "Address of the device")->required());
     command->add_option("-c,--community", options.community, "Read community [sesame]")
         ->type_name("NAME");
     AddFormat<TextFormat>(*command, options.format,

@@ -43,7 +43,7 @@ int RunIPv6() {
 void AddReachCommands(CLI::App& app, int& exitCode) {
     CLI::App* ping = app.add_subcommand("ping", "Send one ICMP echo request");
     auto options = std::make_shared<PingOptions>();
-    ping->add_option("HOST", options->host, "Address of the host")->required();
+    MustNotBeEmpty(ping->add_option("HOST", options->host, "Address of the host")->required());
     ping->add_option("--timeout", options->timeoutMs, "Milliseconds to wait for the answer [2000]")
         ->type_name("MS")
         ->check(CLI::Range(1u, 60000u).description(""));

@@ -16,7 +16,7 @@ namespace vndiscover::host {
 void AddSaveOptions(CLI::App& command, SaveOptions& options) {
     CLI::Option* save =
         command.add_option("--save", options.path, "Save the answers to this file, see below");
-    save->type_name("FILE");
+    MustNotBeEmpty(save->type_name("FILE"));
     command.add_flag("--append", options.append, "Add to the answers in the file")->needs(save);
 }
 

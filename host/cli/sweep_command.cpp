@@ -9,6 +9,7 @@
 #include "model/json_request.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
+#include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 
@@ -81,6 +82,19 @@ void CheckCsvPath(const std::string& path) {
     std::fclose(file);
 }
 
+// Each would replace what another one keeps or holds.
+void CheckPathsDiffer(const SweepOptions& options) {
+    const std::pair<const char*, const std::string&> paths[] = {
+        {"--json", options.jsonPath}, {"--csv", options.csvPath}, {"--save", options.save.path}};
+    for (const auto& [option, path] : paths) {
+        for (const auto& [other, otherPath] : paths) {
+            if (option != other && !path.empty() && !otherPath.empty() &&
+                IsSamePath(path, otherPath))
+                throw CLI::ValidationError(option, std::string("is the file of ") + other);
+        }
+    }
+}
+
 std::string CheckOid(const std::string& text) {
     const auto oid = ParseOidOrName(text);
     if (!oid || !FitsRequest(*oid)) throw CLI::ValidationError("--oid", NotAnOid(text));
@@ -91,6 +105,7 @@ std::string CheckOid(const std::string& text) {
 
 Sweep Prepare(const SweepOptions& options) {
     Sweep sweep;
+    CheckPathsDiffer(options);
     sweep.useIPv6 = options.useIPv6 ? 1 : 0;
     if (ToAnsi(options.community).size() > VN_COMMUNITY_MAX) {
         throw CLI::ValidationError("--community", "255 bytes at most");
@@ -226,16 +241,15 @@ void AddSweepCommand(CLI::App& app, int& exitCode) {
     community->type_name("NAME");
     CLI::Option* oid = command->add_option("-o,--oid", options->oid,
                                            "OID to ask for [the device information OID]");
-    oid->type_name("OID");
-    command->add_option("-j,--json", options->jsonPath, "JSON request with further OIDs, see below")
-        ->type_name("FILE")
-        ->excludes(oid);
+    MustNotBeEmpty(oid->type_name("OID"));
+    CLI::Option* json = command->add_option("-j,--json", options->jsonPath,
+                                            "JSON request with further OIDs, see below");
+    MustNotBeEmpty(json->type_name("FILE")->excludes(oid));
     command->add_flag("-6,--ipv6", options->useIPv6,
                       "Sweep over IPv6 (link-local) instead of IPv4");
-    command
-        ->add_option("--csv", options->csvPath,
-                     "Also write \"address\",\"value\" lines to this file")
-        ->type_name("PATH");
+    CLI::Option* csv = command->add_option("--csv", options->csvPath,
+                                           "Also write \"address\",\"value\" lines to this file");
+    MustNotBeEmpty(csv->type_name("PATH"));
     AddFormat<Format>(*command, options->format,
                       {{"table", Format::kTable}, {"json", Format::kJson}, {"csv", Format::kCsv}});
     AddSaveOptions(*command, options->save);

@@ -37,6 +37,14 @@ std::wstring TemporaryPath(const std::string& path) {
     return ToWide(path + "." + std::to_string(GetCurrentProcessId()) + ".new");
 }
 
+std::wstring FullPath(const std::string& path) {
+    const std::wstring wide = ToWide(path);
+    const DWORD size = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+    std::wstring full(size, L'\0');
+    full.resize(GetFullPathNameW(wide.c_str(), size, full.data(), nullptr));
+    return full;
+}
+
 bool WriteWhole(const std::wstring& path, const std::string& text) {
     const File file(path, GENERIC_WRITE, CREATE_ALWAYS);
     if (!file.IsOpen()) return false;
@@ -71,7 +79,15 @@ std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
 }
 
 bool FileExists(const std::string& path) {
-    return GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+    if (GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES) return true;
+    const DWORD error = GetLastError();
+    return error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND;
+}
+
+bool IsSamePath(const std::string& one, const std::string& other) {
+    const std::wstring first = FullPath(one), second = FullPath(other);
+    return CompareStringOrdinal(first.c_str(), static_cast<int>(first.size()), second.c_str(),
+                                static_cast<int>(second.size()), TRUE) == CSTR_EQUAL;
 }
 
 bool CanReplaceFile(const std::string& path, std::string& problem) {

@@ -12,7 +12,11 @@ namespace vndiscover::host {
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
 
+// Also true if the system cannot tell: such a file must not be taken for a new one.
 bool FileExists(const std::string& path);
+
+// Whether both name the same place, in any letter case. Links are not followed.
+bool IsSamePath(const std::string& one, const std::string& other);
 
 // Whether ReplaceFileText can succeed; if not, `problem` has the reason. Changes nothing.
 bool CanReplaceFile(const std::string& path, std::string& problem);

@@ -114,6 +114,13 @@ class Sweeps(unittest.TestCase):
         self.assertRegex(device["address"], "^fe80::1:[0-9]+$")  # it answers from any of its addresses
         self.assertEqual(request, device["value"])
 
+    def test_wrong_paths_leave_files_alone(self):
+        path = Path(LAB, "kept.json")
+        path.write_text('{"GET": {}}', encoding="utf-8")
+        for options in (["--save", ""], ["--json", str(path), "--csv", str(path).replace("kept", "KEPT")]):
+            self.assertEqual((2, ""), run("sweep", *options)[:2])
+        self.assertEqual('{"GET": {}}', path.read_text(encoding="utf-8"))
+
     def test_no_answer_is_exit_code_1(self):
         code, out, err = run("sweep", "--community", "wrong", "--format", "json")
         self.assertEqual((1, "[]\n"), (code, out))
