@@ -25,6 +25,10 @@ void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
 void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
 
+// main puts it before a negative number after "set", which the parser would take for an option. No
+// argument from the system contains it.
+constexpr char kNumberMark = '\0';
+
 // For texts that an unset variable of a script would leave empty: "" is wrong usage.
 inline CLI::Option* MustNotBeEmpty(CLI::Option* option) {
     return option->check(

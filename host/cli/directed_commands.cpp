@@ -140,13 +140,14 @@ int Verify(const Device& device, const Oid& oid, const SetValue& value) {
     return kNone;
 }
 
-int RunSet(const Options& options) {
+int RunSet(Options options) {
+    for (std::string* text : {&options.host, &options.community, &options.writeCommunity,
+                              &options.oid, &options.type, &options.value}) {
+        if (!text->empty() && text->front() == kNumberMark) text->erase(0, 1);
+    }
     const Oid oid = CheckedOid(options.oid);
-    // main put a blank before a negative number.
-    const bool isNumber =
-        options.value.size() > 2 && options.value[0] == ' ' && options.value[1] == '-';
     std::string problem;
-    const auto value = ParseSetValue(options.type, options.value.substr(isNumber ? 1 : 0), problem);
+    const auto value = ParseSetValue(options.type, options.value, problem);
     if (!value) throw CLI::ValidationError("VALUE", problem);
     const Device device = OpenDevice(options);
     WarnIfWrong(oid);

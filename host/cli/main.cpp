@@ -61,13 +61,12 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.footer("'vndiscover COMMAND --help' shows details and examples.");
 }
 
-// A negative number after "set" is a value, but the parser would take it for an option. A leading
-// blank prevents that.
+// A negative number after "set" is a value, but the parser would take it for an option.
 void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
     if (arguments.empty() || arguments.front() != "set") return;
     for (std::string& argument : arguments) {
         if (argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9') {
-            argument.insert(0, 1, ' ');
+            argument.insert(0, 1, vndiscover::host::kNumberMark);
         }
     }
 }

@@ -9,7 +9,8 @@ namespace {
 bool StartsFormula(std::string_view text) {
     // The last four are the full-width forms of the first four.
     constexpr std::string_view kStarts[] = {
-        "=", "+", "-", "@", "\t", "\r", "\xEF\xBC\x9D", "\xEF\xBC\x8B", "\xEF\xBC\x8D", "\xEF\xBC\xA0"};
+        "=",           "+", "-", "@", "\t", "\r", "\xEF\xBC\x9D", "\xEF\xBC\x8B", "\xEF\xBC\x8D",
+        "\xEF\xBC\xA0"};
     return std::any_of(std::begin(kStarts), std::end(kStarts), [&](std::string_view start) {
         return text.substr(0, start.size()) == start;
     });
@@ -22,8 +23,8 @@ std::string CsvCell(std::string_view text) {
     bool isStart = true;
     for (size_t at = 0; at < text.size(); ++at) {
         if (isStart && StartsFormula(text.substr(at))) cell += '\'';
-        // With the list separator of many languages, spreadsheets begin a new cell after a semicolon,
-        // even between quotes that do not begin a cell.
+        // With the list separator of many languages, spreadsheets begin a new cell after a
+        // semicolon, even between quotes that do not begin a cell.
         isStart = text[at] == ';';
         if (text[at] == '"') cell += '"';
         cell += text[at];
