@@ -29,9 +29,50 @@ Scan LoadScan(const std::string& path, const std::string& option) {
     return std::move(*scan);
 }
 
+namespace {
+
+void AddTo(Scan& scan, const Scan& more) {
+    const size_t sweeps = scan.sweeps.size();
+    scan.sweeps.insert(scan.sweeps.end(), more.sweeps.begin(), more.sweeps.end());
+    for (ScanAnswer answer : more.answers) {
+        answer.sweep += sweeps;
+        scan.answers.push_back(std::move(answer));
+    }
+}
+
+// "monday.json.2"
+std::string UnusedPath(const std::string& path) {
+    constexpr int kLast = 999;
+    int number = 2;
+    while (number < kLast && FileExists(path + "." + std::to_string(number))) ++number;
+    return path + "." + std::to_string(number);
+}
+
+// The scan in the file, if there is one, and this run's.
+std::optional<std::string> Appended(const std::string& path, const Scan& more,
+                                    std::string& problem) {
+    if (!FileExists(path)) return WriteScan(more, problem);
+    try {
+        Scan whole = LoadScan(path, "--save");
+        AddTo(whole, more);
+        return WriteScan(whole, problem);
+    } catch (const CLI::ValidationError& error) {
+        problem = error.what();
+        return std::nullopt;
+    }
+}
+
+void Replace(const std::string& path, const std::string& text) {
+    std::string problem;
+    if (!ReplaceFileText(path, text, problem))
+        throw std::runtime_error("'" + path + "' " + problem);
+}
+
+}  // namespace
+
 ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
     if (!IsOn()) return;
-    if (options_.append && FileExists(options_.path)) scan_ = LoadScan(options_.path, "--save");
+    if (options_.append && FileExists(options_.path)) LoadScan(options_.path, "--save");
     std::string problem;
     if (!CanReplaceFile(options_.path, problem))
         throw CLI::ValidationError("--save", "'" + options_.path + "' " + problem);
@@ -81,10 +122,16 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
 void ScanKeeper::Save() const {
     if (!IsOn()) return;
     std::string problem;
-    const auto text = WriteScan(scan_, problem);
-    if (!text) throw std::runtime_error("the scan is not saved: " + problem);
-    if (!ReplaceFileText(options_.path, *text, problem))
-        throw std::runtime_error("'" + options_.path + "' " + problem);
+    const std::string& path = options_.path;
+    // The file is read again: another run may have added to it meanwhile.
+    const auto text = options_.append ? Appended(path, scan_, problem) : WriteScan(scan_, problem);
+    if (text) return Replace(path, *text);
+    const auto own = options_.append ? WriteScan(scan_, problem) : std::nullopt;
+    if (!own) throw std::runtime_error("the scan is not saved: " + problem);
+    const std::string other = UnusedPath(path);
+    Replace(other, *own);
+    throw std::runtime_error("'" + path + "' stays as it was: " + problem +
+                             "; this run's answers are in '" + other + "'");
 }
 
 }  // namespace vndiscover::host

@@ -22,7 +22,8 @@ Scan LoadScan(const std::string& path, const std::string& option);
 
 class ScanKeeper {
   public:
-    // Reads the file for --append, and checks that it can be written. Throws CLI::ValidationError.
+    // Checks that the file for --append can be read, and that it can be written. Throws
+    // CLI::ValidationError.
     explicit ScanKeeper(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
 
@@ -34,12 +35,13 @@ class ScanKeeper {
     // or the security settings. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
-    // Throws std::runtime_error.
+    // Throws std::runtime_error. If the file of --append cannot take this run's answers, they are
+    // saved in another one.
     void Save() const;
 
   private:
     SaveOptions options_;
-    Scan scan_;
+    Scan scan_;  // of this run
 };
 
 }  // namespace vndiscover::host
