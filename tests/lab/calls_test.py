@@ -1,13 +1,12 @@
 """What VnBrowser.exe offers to copy for a call of the module: each text is compiled or run, and gives the same."""
 
-import concurrent.futures
 import os
 import re
 import shutil
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, BIN, LAB, SECRETS, main, run, start_in
+from lab import AGENT, AGENT_CONF, BIN, LAB, SECRETS, at_once, main, run, start_responder
 
 HEADER = os.path.dirname(os.path.abspath(__file__)) + "/../../include/vndiscover.h"
 FOLDER = LAB + "/calls"
@@ -53,11 +52,9 @@ def by_command(name):
 
 class Texts(unittest.TestCase):
     def test_programs_and_commands_give_the_same_answers(self):
-        with concurrent.futures.ThreadPoolExecutor(2 * len(CALLS)) as pool:  # they mostly wait
-            commands = [name for name in CALLS if name != "stop"]  # which has none
-            by_both = pool.map(by_command, commands), pool.map(by_program, CALLS)
-            done = [*zip(commands, by_both[0]), *zip(CALLS, by_both[1])]
-        for name, (code, out, err) in done:
+        ways = [(by_command, name) for name in CALLS if name != "stop"]  # which has none
+        ways += [(by_program, name) for name in CALLS]
+        for (_, name), (code, out, err) in zip(ways, at_once(lambda way: way[0](way[1]), ways)):
             self.assertEqual(0, code, name + out + err)
             for answer in CALLS[name]:
                 self.assertIn(answer, out, name)
@@ -109,10 +106,7 @@ def write_texts():
     folder = "Z:" + FOLDER.replace("/", "\\")
     code, _, err = run("texts", folder, program="window_helper.exe", **ENVIRONMENT)
     assert code == 0, err
-    responder = ["wsdd", "-4", "-i", AGENT, "-n"] if shutil.which("wsdd") else ["wsdd2", "-4", "-w", "-i", "eth0", "-N"]
-    start_in("neta", *responder, "PRINTER")
-    subprocess.run(["timeout", "30", "ip", "netns", "exec", "neta", "bash", "-c",
-                    "until ss -Hltn 'sport = 5357 or sport = 3702' | grep -q .; do sleep 0.05; done"], check=True)
+    start_responder("neta", AGENT)
 
 
 if __name__ == "__main__":

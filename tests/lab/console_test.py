@@ -1,18 +1,17 @@
 """vndiscover.exe with a real agent (net-snmp's) and real WS-Discovery responders (wsdd, or wsdd2 where Debian has none):
 sweeps in every format, values read, walked and written, usage, Ctrl-C, passwords, exit codes."""
 
-import concurrent.futures
 import csv
 import io
 import json
 import os
 import re
-import shutil
 import subprocess
 import unittest
 from pathlib import Path
 
-from lab import AGENT, AGENT6, AGENT_CONF, LAB, SECRETS, TREE, V3, found, main, run, run_on_terminal, start_in
+from lab import (AGENT, AGENT6, AGENT_CONF, HAS_WSDD, LAB, SECRETS, TREE, V3, at_once, found, main, run,
+                 run_on_terminal, start_responder)
 
 SILENT = "10.77.1.99"
 SYSTEM = ".1.3.6.1.2.1.1"
@@ -20,7 +19,6 @@ CONTACT, LOCATION = SYSTEM + ".4.0", SYSTEM + ".6.0"
 LOCATION_TEXT = 'Hall "B", 2nd floor'
 WRITABLE, LETTER, MAC, ZERO, LONG = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in range(1, 6))
 RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
-HAS_WSDD = shutil.which("wsdd")
 PAGE = TREE / "docs/vndiscover.md"
 REPEATS = 2 if HAS_WSDD else 1  # of each reply, as UDP may lose one
 CONF = f"""{AGENT_CONF}
@@ -207,10 +205,9 @@ class DirectedRequests(unittest.TestCase):
 
     def test_failures_have_their_exit_codes(self):
         requests = (["get", SILENT, CONTACT], ["set", SILENT, CONTACT, "s", "x"], ["info", SILENT], ["walk", SILENT])
-        with concurrent.futures.ThreadPoolExecutor() as pool:  # each waits for 10 s
-            for code, _, err in pool.map(lambda request: run(*request), requests):
-                self.assertEqual(1, code)
-                self.assertIn("no answer", err)
+        for code, _, err in at_once(lambda request: run(*request), requests):  # each waits for 10 s
+            self.assertEqual(1, code)
+            self.assertIn("no answer", err)
         subprocess.run(["ip", "-n", "host", "route", "add", "unreachable", "10.99.0.1"], check=True)
         code, out, err = run("get", "10.99.0.1", CONTACT)
         self.assertEqual((3, ""), (code, out))
@@ -228,14 +225,7 @@ class DirectedRequests(unittest.TestCase):
 
 def start_responders():
     for net, address in RESPONDERS.items():
-        if HAS_WSDD:
-            start_in(net, "wsdd", "-4", "-i", address, "-n", "PRINTER")
-        else:
-            start_in(net, "wsdd2", "-4", "-w", "-i", "eth0", "-N", "PRINTER", "-G", "GROUP")
-    for net in RESPONDERS:
-        # It opens its web server last.
-        subprocess.run(["timeout", "30", "ip", "netns", "exec", net, "bash", "-c",
-                        "until ss -Hltn 'sport = 5357 or sport = 3702' | grep -q .; do sleep 0.05; done"], check=True)
+        start_responder(net, address)
 
 
 if __name__ == "__main__":

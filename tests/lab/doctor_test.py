@@ -4,7 +4,7 @@ import json
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, SECRETS, V3, main, run
+from lab import AGENT, AGENT_CONF, SECRETS, V3, at_once, main, run
 
 
 class Doctor(unittest.TestCase):
@@ -41,30 +41,31 @@ class Doctor(unittest.TestCase):
         self.assertIn("'vndiscover doctor'", err)
 
     def test_one_device_is_checked_in_steps(self):
-        with open("/etc/hosts", "a", encoding="utf-8") as hosts:
-            hosts.write(f"{AGENT} printer.lab\n")
-        for host in (AGENT, "printer.lab"):
-            self.assertEqual((0, "ping, SNMPv1 and SNMPv3 answer"), self.verdict(host, *V3))
-        self.assertEqual((1, "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched off"),
-                         self.verdict(AGENT, "--community", "wrong"))
         nobody = [word.replace("admin", "nobody") for word in V3]
+        good, wrong_community, unknown_user, wrong_password = at_once(lambda check: check(), (
+            lambda: self.verdict(AGENT, *V3),
+            lambda: self.verdict(AGENT, "--community", "wrong"),
+            lambda: self.verdict(AGENT, *nobody),
+            lambda: self.verdict(AGENT, *V3, VNDISCOVER_PRIV_PASS="wrongpass")))
+        self.assertEqual((0, "ping, SNMPv1 and SNMPv3 answer"), good)
+        self.assertEqual((1, "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched off"),
+                         wrong_community)
         self.assertEqual(
             (1, "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: the device does not know this user"),
-            self.verdict(AGENT, *nobody))
-        code, verdict = self.verdict(AGENT, *V3, VNDISCOVER_PRIV_PASS="wrongpass")
-        self.assertEqual(1, code)
-        self.assertIn("wrong privacy password", verdict)
+            unknown_user)
+        self.assertEqual(1, wrong_password[0])
+        self.assertIn("wrong privacy password", wrong_password[1])
 
     def test_silence_is_distinguished_from_a_missing_route(self):
-        code, out, _ = run("doctor", "10.77.1.99")
-        self.assertEqual(1, code)
-        self.assertIn("neither ping, SNMPv1 nor SNMPv3 answers", out)
         subprocess.run(["ip", "-n", "host", "route", "add", "unreachable", "10.99.0.0/16"], check=True)
-        code, out, _ = run("doctor", "10.99.1.1")
+        (silent_code, silent, _), (code, out, _) = at_once(lambda address: run("doctor", address),
+                                                           ("10.77.1.99", "10.99.1.1"))
+        self.assertEqual(1, silent_code)
+        self.assertIn("neither ping, SNMPv1 nor SNMPv3 answers", silent)
         self.assertEqual(3, code)
         self.assertIn("nothing could be sent", out)
         self.assertIn("on none of this computer's networks", out)
 
 
 if __name__ == "__main__":
-    main(AGENT_CONF, alone=["a_missing_route_are_reported"])
+    main(AGENT_CONF, in_turn=["a_missing_route_are_reported", "the_order_of_a_sweep"])

@@ -5,6 +5,7 @@ import os
 import pty
 import re
 import select
+import shutil
 import signal
 import subprocess
 import sys
@@ -20,6 +21,7 @@ BIN = os.environ.get("VNDISCOVER_BIN", f"{TREE}/build/release/bin")
 LAB = os.environ["VNDISCOVER_LAB"]
 AGENT, AGENT6 = "10.77.1.2", "fe80::1:2"
 V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
+HAS_WSDD = shutil.which("wsdd")  # otherwise wsdd2
 SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
 # An agent whose user is that of V3 and SECRETS.
 AGENT_CONF = """
@@ -34,6 +36,21 @@ rouser admin priv
 def start_in(net, *command, **options):
     return subprocess.Popen(["ip", "netns", "exec", net, *command], stdin=subprocess.DEVNULL, text=True,
                             **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options})
+
+
+def start_agent(net, conf):
+    subprocess.run([SCRIPTS + "/snmp-agent.sh", net, "agent-" + net], input=conf, text=True, check=True,
+                   stdout=subprocess.DEVNULL)
+
+
+def start_responder(net, address):
+    """Starts a real WS-Discovery responder and waits for its web server, which it opens last."""
+    if HAS_WSDD:
+        start_in(net, "wsdd", "-4", "-i", address, "-n", "PRINTER")
+    else:
+        start_in(net, "wsdd2", "-4", "-w", "-i", "eth0", "-N", "PRINTER", "-G", "GROUP")
+    subprocess.run(["timeout", "30", "ip", "netns", "exec", net, "bash", "-c",
+                    "until ss -Hltn 'sport = 5357 or sport = 3702' | grep -q .; do sleep 0.05; done"], check=True)
 
 
 def on_host(*arguments, program="vndiscover.exe"):
@@ -87,24 +104,26 @@ def run_on_terminal(steps, *arguments):
     return os.waitstatus_to_exitcode(status), screen, time.time() - typed
 
 
-def main(agent_conf="", prepare=lambda: None, alone=()):
-    """Sets the lab up and runs the tests of the calling file, or those with one of the arguments in their names: first
-    those named in `alone`, which change the network, then the others at the same time, since they mostly wait."""
+def at_once(work, *arguments):
+    """The results of `work` for each of the arguments, called at the same time: it mostly waits."""
+    with concurrent.futures.ThreadPoolExecutor(len(arguments[0])) as pool:
+        return list(pool.map(work, *arguments))
+
+
+def main(agent_conf="", prepare=lambda: None, in_turn=()):
+    """Sets the lab up and runs the tests of the calling file, or those with one of the arguments in their names, at the
+    same time; but one after another those that end with one of `in_turn`, which change or read the network's settings."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
     if agent_conf:
-        subprocess.run([SCRIPTS + "/snmp-agent.sh", "neta", "agent"], input=agent_conf, text=True, check=True,
-                       stdout=subprocess.DEVNULL)
+        start_agent("neta", agent_conf)
     prepare()
     suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
     tests = [test for case in suite for test in case if any(word in test.id() for word in sys.argv[1:] or [""])]
-    by_themselves = [test for test in tests if test.id().endswith(tuple(alone))]
-    others = [test for test in tests if test not in by_themselves]
+    row = [test for test in tests if test.id().endswith(tuple(in_turn))]
+    groups = [row] + [[test] for test in tests if test not in row]
 
     def all_of_them(result):
-        for test in by_themselves:
-            test(result)
-        with concurrent.futures.ThreadPoolExecutor(len(others) or 1) as pool:
-            list(pool.map(lambda test: test(result), others))
+        at_once(lambda group: [test(result) for test in group], groups)
 
     result = unittest.TextTestRunner().run(all_of_them)
     for skipped, reason in result.skipped:

@@ -39,10 +39,12 @@ class Printers(unittest.TestCase):
         self.assertGreater(len(lines), 15)
         self.assertEqual([], [line for line in lines if line + "\n" not in out])
 
-    def test_silence_and_refusal_cost_one_request(self):
+    def test_silence_costs_one_request(self):
         code, out, err = run("printer", AGENT, "--community", "wrong")
         self.assertEqual((1, ""), (code, out))
         self.assertIn("no answer", err)
+
+    def test_a_refusal_costs_one_request(self):
         wrong = {**SECRETS, "VNDISCOVER_AUTH_PASS": "wrongpass"}
         code, out, err = run("printer", AGENT, *V3, "--format", "json", **wrong)
         self.assertEqual(1, code)

@@ -1,13 +1,17 @@
-"""VnBrowser.exe for scripts, with a real agent."""
+"""VnBrowser.exe for scripts, with real agents and a real WS-Discovery responder."""
 
+import collections
 import json
 import os
+import re
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, LAB, SCRIPTS, SECRETS, found, main, run
+from lab import AGENT, AGENT_CONF, LAB, SCRIPTS, SECRETS, V3, at_once, found, main, run, start_agent, start_responder
 
+PRIVATE = "10.77.2.2"  # refuses communities
 SCAN = LAB + "/scan.json"
+MODEL = 'override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model {}"\n'
 FULL = LAB + "/full"  # a disk with an older scan and no space left
 
 
@@ -15,25 +19,35 @@ def browse(*arguments):
     return run(*arguments, program="VnBrowser.exe")[0]
 
 
+def json_of(*arguments):
+    return json.loads(found(*arguments, "--format", "json", **SECRETS))
+
+
 class Scripts(unittest.TestCase):
     def test_keeps_what_the_console_prints(self):
-        printed = [(device["address"], device["value"]) for device in json.loads(found("sweep", "--format", "json"))]
-        self.assertEqual(0, browse("--sweep", "--save", SCAN, "--exit"))
-        with open(SCAN, encoding="utf-8") as file:
-            scan = json.load(file)
-        kept = [(answer["address"], answer["text"]) for answer in scan["answers"]
-                if scan["sweeps"][answer["sweep"]]["kind"] == "snmpv1"]
-        self.assertEqual([(AGENT, "Model 1")], kept)
-        self.assertEqual(printed, kept)
-
-    def test_sweeps_over_snmpv3_with_a_kept_profile(self):
         self.assertEqual(0, run("profile", "Office", program="window_helper.exe", **SECRETS)[0])
-        self.assertEqual(0, browse("--profile", "Office", "--sweep", "--save", SCAN, "--exit"))
+        code, v1, v3, wsd = at_once(lambda look: look(), (
+            lambda: browse("--profile", "Office", "--sweep", "--save", SCAN, "--exit"),
+            lambda: json_of("sweep"), lambda: json_of("sweep", *V3), lambda: json_of("wsd")))
+        self.assertEqual(0, code)
         with open(SCAN, encoding="utf-8") as file:
             scan = json.load(file)
-        self.assertEqual([(AGENT, "Model 1")], [
-            (answer["address"], answer["text"]) for answer in scan["answers"]
-            if scan["sweeps"][answer["sweep"]]["kind"] == "snmpv3"])
+
+        def kept(kind):
+            return [{"address": answer["address"], "value": answer["text"]} for answer in scan["answers"]
+                    if scan["sweeps"][answer["sweep"]]["kind"] == kind]
+
+        self.assertEqual([{"address": AGENT, "value": "Model 1"}], v1)
+        self.assertEqual([*v1, {"address": PRIVATE, "value": "Model 2"}], v3)
+        self.assertEqual((v1, v3), (kept("snmpv1"), kept("snmpv3")))
+        self.assertEqual([(device["address"], device["replies"]) for device in wsd],
+                         [*collections.Counter(answer["address"] for answer in kept("wsd")).items()])
+        endpoints = {device["address"]: [device["endpoint"]] for device in wsd}
+        self.assertEqual([PRIVATE], list(endpoints))
+        self.assertEqual({AGENT: ("Model 1", []), PRIVATE: ("Model 2", endpoints[PRIVATE])},
+                         {device["addresses"][0]: (device["model"], device["endpoints"]) for device in scan["devices"]})
+
+    def test_needs_a_kept_profile(self):
         self.assertEqual(2, browse("--profile", "Hall", "--sweep", "--save", SCAN, "--exit"))
 
     def test_tells_of_a_file_that_cannot_be_written(self):
@@ -62,9 +76,9 @@ def prepare():
                    check=True, stdout=subprocess.DEVNULL)
     # The programs that ran so far have a desktop without a driver, and do not see the disk.
     subprocess.run([wine, "--stop", "host"], check=True)
+    start_agent("netb", re.sub("rocommunity6? .*", "", AGENT_CONF) + MODEL.format(2))
+    start_responder("netb", PRIVATE)
 
 
 if __name__ == "__main__":
-    # One at a time: another sweep's answers would come to this one's port.
-    main(AGENT_CONF + 'override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"\n', prepare,
-         alone=("prints", "written", "profile", "full"))
+    main(AGENT_CONF + MODEL.format(1), prepare)
