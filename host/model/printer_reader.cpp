@@ -123,16 +123,26 @@ class Reader {
                     JudgeAnswer(column, asked, answer.oid, answer.type, asker_.isV3);
                 if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
                 if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
-                if (step == WalkStep::kLastReachable) rows = kMaxRows;  // the loop ends
+                if (step == WalkStep::kLastReachable) {
+                    Take(question, answer);
+                    if (!IsEnough(question))
+                        Miss(question, true,
+                             "a row's index is over 16383, so what follows cannot be requested");
+                    return;
+                }
             }
             const bool isTaken = Take(question, answer);
             const auto next = isTaken ? answer.oid : RowAfter(column, asked);
             if (hasStopped_ || answer.status == Status::kOnlyDiscovered || !next) return;
             asked = *next;
         }
-        // Computers that share a printer list hundreds of devices after it.
-        if (std::string_view(question.object) != "hrDeviceType" || ListedPrinters(answers_).empty())
-            Miss(question, true, "more rows than can be read");
+        if (!IsEnough(question)) Miss(question, true, "more rows than can be read");
+    }
+
+    // Computers that share a printer list hundreds of devices after it.
+    bool IsEnough(const Question& question) const {
+        return std::string_view(question.object) == "hrDeviceType" &&
+               !ListedPrinters(answers_).empty();
     }
 
     // To skip a row that could not be read: the first row after `asked` in another column of the

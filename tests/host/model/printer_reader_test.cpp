@@ -113,6 +113,12 @@ TEST(PrinterReader, EndlessTablesAreCut) {
     EXPECT_TRUE(HasGap(answers, "MAC address", "ifType", "more rows"));
     EXPECT_LT(endless.requests, 400u);
 
+    ScriptedDevice far = Printer();
+    far.Integer("ifType.20000", 6);
+    answers = ReadPrinter(far.MakeAsker());
+    EXPECT_TRUE(HasGap(answers, "MAC address", "ifType", "index is over 16383"));
+    EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("ifType.20000")));
+
     ScriptedDevice turning = Printer();
     Asker asker = turning.MakeAsker();
     asker.getNext = [](const Oid&) { return AnsweredWith({1, 3}, kInteger, "\x01"); };
