@@ -49,6 +49,7 @@ struct FirewallProfile {
     bool blocksAll = false;      // even if rules allow it
     bool allowsInbound = false;  // unless a rule blocks it
     bool allowsAnswersToBroadcasts = true;
+    bool allowsOutbound = true;  // unless a rule blocks it
 };
 
 struct FirewallState {

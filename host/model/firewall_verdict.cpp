@@ -68,8 +68,8 @@ class Commands {
         if (verdict.passage == Passage::kOpen) return;
         const std::string name = NameOf(profile.bit);
         if (profile.blocksAll) {
-            AddOnce("netsh advfirewall set " + name +
-                    "profile firewallpolicy blockinbound,allowoutbound");
+            AddOnce("netsh advfirewall set " + name + "profile firewallpolicy blockinbound," +
+                    (profile.allowsOutbound ? "allowoutbound" : "blockoutbound"));
         } else if (const auto* rule = FindRule(state_, profile.bit, verdict.port, false)) {
             // A rule for all programs is the administrator's choice and may protect others.
             if (!rule->isForThisProgram) return;

@@ -174,15 +174,17 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
 bool ReadProfile(FirewallState& state, INetFwPolicy2& policy, uint32_t bit) {
     const auto type = static_cast<NET_FW_PROFILE_TYPE2>(bit);
     VARIANT_BOOL isOn = VARIANT_FALSE, blocksAll = VARIANT_FALSE, isDeaf = VARIANT_FALSE;
-    NET_FW_ACTION action = NET_FW_ACTION_BLOCK;
+    NET_FW_ACTION action = NET_FW_ACTION_BLOCK, outbound = NET_FW_ACTION_ALLOW;
     if (FAILED(policy.get_FirewallEnabled(type, &isOn)) ||
         FAILED(policy.get_BlockAllInboundTraffic(type, &blocksAll)) ||
         FAILED(policy.get_UnicastResponsesToMulticastBroadcastDisabled(type, &isDeaf)) ||
-        FAILED(policy.get_DefaultInboundAction(type, &action))) {
+        FAILED(policy.get_DefaultInboundAction(type, &action)) ||
+        FAILED(policy.get_DefaultOutboundAction(type, &outbound))) {
         return false;
     }
     state.active.push_back({bit, isOn != VARIANT_FALSE, blocksAll != VARIANT_FALSE,
-                            action == NET_FW_ACTION_ALLOW, isDeaf == VARIANT_FALSE});
+                            action == NET_FW_ACTION_ALLOW, isDeaf == VARIANT_FALSE,
+                            outbound == NET_FW_ACTION_ALLOW});
     return true;
 }
 

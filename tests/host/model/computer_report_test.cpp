@@ -156,12 +156,12 @@ INSTANTIATE_TEST_SUITE_P(
         FirewallCase{
             "OthersRuleStays", kDefault, {kAllow, kBlockAll}, Passage::kOpen, Passage::kClosed, {}},
         FirewallCase{"BlocksEverything",
-                     {kDomain, true, true, true, true},
+                     {kDomain, true, true, true, true, false},
                      {kAllow},
                      Passage::kClosed,
                      Passage::kClosed,
                      {"netsh advfirewall set domainprofile firewallpolicy "
-                      "blockinbound,allowoutbound",
+                      "blockinbound,blockoutbound",
                       std::string(kAdd) + "domain"}}),
     [](const auto& row) { return row.param.name; });
 
