@@ -77,6 +77,12 @@ constexpr Question kIdentityQuestions[] = {
     {"ifPhysAddress", "MAC address"},
     {"ifOperStatus", "MAC address"},
 };
+// In addition to those above.
+constexpr Question kInterfaceQuestions[] = {
+    {"ifSpeed", "interfaces"},
+    {"ifAdminStatus", "interfaces"},
+    {"ifDescr", "interfaces"},
+};
 // Only requested if the printer itself gives no serial number.
 constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
 
@@ -84,10 +90,18 @@ const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
 class Reader {
   public:
-    explicit Reader(const Asker& asker) : asker_(asker) {}
+    explicit Reader(const Asker& asker, PrinterAnswers known = {})
+        : asker_(asker),
+          answers_(std::move(known)),
+          hasStopped_(answers_.lastStatus != Status::kAnswered) {}
 
     template <size_t count>
     PrinterAnswers Read(const Question (&questions)[count]) {
+        for (const Question& question : questions) Put(question);
+        return std::move(answers_);
+    }
+    template <size_t count>
+    PrinterAnswers ReadWithSerial(const Question (&questions)[count]) {
         for (const Question& question : questions) Put(question);
         if (!HasSerial()) Put(kEntitySerial);
         return std::move(answers_);
@@ -173,14 +187,18 @@ class Reader {
             if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
             return true;
         }
-        Miss(question, true, wasStopped_ ? "stopped" : Problem(answer));
+        const std::string problem = wasStopped_ ? "stopped" : Problem(answer);
+        Miss(question, true, problem);
         // An SNMPv3 answer that is too long looks like silence, so only a second one counts.
         const bool isOnlyThisOne =
             answer.status == Status::kUnreadable ||
             (answer.status == Status::kOnlyDiscovered && !isInDoubt_ && !answers_.values.empty());
         isInDoubt_ = answer.status == Status::kOnlyDiscovered;
         hasStopped_ = !isOnlyThisOne;
-        if (hasStopped_) answers_.lastStatus = answer.status;
+        if (!hasStopped_) return false;
+        answers_.lastStatus = answer.status;
+        answers_.lastProblem = problem;
+        answers_.isStopped = wasStopped_;
         return false;
     }
 
@@ -204,7 +222,7 @@ class Reader {
 
     const Asker& asker_;
     PrinterAnswers answers_;
-    bool hasStopped_ = false;
+    bool hasStopped_;
     bool wasStopped_ = false;  // by the caller
     bool isInDoubt_ = false;   // the last answer may have been too long
 };
@@ -224,8 +242,14 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
     return printers;
 }
 
-PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).Read(kQuestions); }
+PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).ReadWithSerial(kQuestions); }
 
-PrinterAnswers ReadIdentity(const Asker& asker) { return Reader(asker).Read(kIdentityQuestions); }
+PrinterAnswers ReadIdentity(const Asker& asker) {
+    return Reader(asker).ReadWithSerial(kIdentityQuestions);
+}
+
+PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {
+    return Reader(asker, std::move(printer)).Read(kInterfaceQuestions);
+}
 
 }  // namespace vndiscover::host

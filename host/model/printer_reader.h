@@ -30,6 +30,8 @@ struct PrinterAnswers {
     std::map<Oid, Answer> values;  // received, by OID
     std::vector<Gap> gaps;
     Status lastStatus = Status::kAnswered;  // otherwise why reading ended early
+    std::string lastProblem;                // the same in words; empty: it did not
+    bool isStopped = false;                 // by the caller
 };
 
 // The indexes of the printers in the device's hrDeviceTable.
@@ -41,6 +43,10 @@ PrinterAnswers ReadPrinter(const Asker& asker);
 
 // The same for the objects that identify a device or are compared between scans, about 10.
 PrinterAnswers ReadIdentity(const Asker& asker);
+
+// Adds what ReadPrinter does not read of the device's interfaces, 3 columns; see interfaces.h. Asks
+// nothing if the reading before ended early.
+PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer);
 
 }  // namespace vndiscover::host
 

@@ -78,6 +78,16 @@ void DetailsPane::Turn(int pages) {
 
 LRESULT DetailsPane::OnNotify(NMHDR* header) {
     if (header->idFrom == IDC_DETAILS) return facts_.OnNotify(header);
+    if (header->idFrom == IDC_TABLE && header->code == LVN_GETEMPTYMARKUP) {
+        const DeviceRow* row = session_.view.SelectedRow();
+        auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
+        const unsigned text = !row                        ? IDS_NO_SELECTION
+                              : session_.WasAsked(*row) ? IDS_INTERFACES_NONE
+                                                          : IDS_NOT_ASKED;
+        markup->dwFlags = EMF_CENTERED;
+        lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
+        return TRUE;
+    }
     if (header->idFrom == IDC_TABLE) table_.OnNotify(header);
     if (header->idFrom == IDC_PAGES && header->code == TCN_SELCHANGE) ShowPage();
     return 0;

@@ -1,8 +1,10 @@
 #include "window/device_pages.h"
 
+#include <algorithm>
 #include <array>
 
 #include "model/answer_lines.h"
+#include "model/interfaces.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -27,6 +29,48 @@ std::wstring ValueText(const AnswerLine& line) {
     return line.wholeSize ? Text(IDS_ANSWER_CUT, {value, std::to_wstring(*line.wholeSize)}) : value;
 }
 
+std::wstring StateText(const ProtocolLine& line) {
+    const auto state = static_cast<unsigned>(line.state);
+    const std::wstring text = Text(IDS_PROTOCOL_ANSWERED + state), note = ToWide(line.note);
+    switch (line.state) {
+        case ProtocolState::kRefused:
+        case ProtocolState::kNotAsked:
+            return note.empty() ? text : note;
+        case ProtocolState::kPending:
+            return text;
+        case ProtocolState::kSilent:
+            return note.empty() && line.kind == SweepKind::kSnmpV3 ? Text(IDS_PROTOCOL_SILENT_V3)
+                                                                   : text;
+        case ProtocolState::kAnswered:
+        case ProtocolState::kNoValue:
+            break;
+    }
+    return note.empty() ? text : Text(IDS_PROTOCOL_NOTE, {text, note});
+}
+
+TableRows ProtocolRows(const Session& session, const DeviceRow& row) {
+    const std::vector<ProtocolLine> lines = session.ProtocolsOf(row);
+    TableRows rows;
+    for (const ProtocolLine& line : lines) {
+        const bool isTwofold = std::any_of(lines.begin(), lines.end(), [&](const auto& other) {
+            return other.kind == line.kind && other.useIPv6;
+        });
+        const std::wstring version = Text(line.useIPv6 ? IDS_PROTOCOL_IPV6 : IDS_PROTOCOL_IPV4);
+        const std::wstring name = ProtocolName(line.kind);
+        rows.push_back({isTwofold ? name + L", " + version : name, StateText(line)});
+    }
+    return rows;
+}
+
+TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
+    TableRows rows;
+    for (const Interface& one : InterfacesOf(VariablesOf(session.GetScan(), row.answers))) {
+        rows.push_back({ToWide(one.description), ToWide(one.type), ToWide(one.operStatus),
+                        ToWide(one.adminStatus), ToWide(one.speed), ToWide(one.physicalAddress)});
+    }
+    return rows;
+}
+
 TableRows AnswerRows(const Session& session, const DeviceRow& row) {
     TableRows rows;
     for (const AnswerLine& line : AnswerLines(session.GetScan(), row.answers)) {
@@ -41,6 +85,15 @@ TableRows AnswerRows(const Session& session, const DeviceRow& row) {
 const std::vector<DevicePage>& DevicePages() {
     static const std::vector<DevicePage> pages = {
         {IDS_PAGE_SUMMARY, {}, nullptr},
+        {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 300}}, ProtocolRows},
+        {IDS_PAGE_INTERFACES,
+         {{IDS_FACT_DESCRIPTION, 110},
+          {IDS_INTERFACE_TYPE, 110},
+          {IDS_COLUMN_STATE, 60},
+          {IDS_INTERFACE_ADMIN, 70},
+          {IDS_INTERFACE_SPEED, 75},
+          {IDS_INTERFACE_ADDRESS, 120}},
+         InterfaceRows},
         {IDS_PAGE_ANSWERS,
          {{IDS_ANSWER_OBJECT, 170},
           {IDS_FACT_VALUE, 200},

@@ -611,6 +611,12 @@ void MainWindow::AskSelected(bool isAgain) {
     auto target = session_.TargetOf(*row);
     if (!target || target->address == asked_) return;
     target->credentials = credentials_;
+    if (isAgain && credentials_.security && target->kind == SweepKind::kSnmpV1) {
+        // To a sweep, a device that refuses the user is silent.
+        AskTarget second = *target;
+        second.kind = SweepKind::kSnmpV3;
+        workers_->Ask(second, true);
+    }
     workers_->Ask(*target, true);
 }
 
@@ -657,6 +663,7 @@ void MainWindow::OnIdle() {
         endMs_ = GetTickCount64();
         SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
         InvalidateRect(devices_, nullptr, TRUE);
+        details_.Show();  // protocols are no longer pending
         if (options_.sweep) {
             exitCode_ = answers_ != 0 ? kFound : kNone;
             if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kFailed;

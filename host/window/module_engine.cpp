@@ -133,7 +133,7 @@ PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()>
         Tell(std::move(call));
         return answer;
     };
-    return ReadPrinter(asker);
+    return ReadInterfaces(asker, ReadPrinter(asker));
 }
 
 AdapterList ModuleEngine::IPv4() { return ThisComputer().IPv4(); }

@@ -1,6 +1,7 @@
 #include "window/session.h"
 
 #include <algorithm>
+#include <set>
 
 namespace vndiscover::host {
 
@@ -18,6 +19,7 @@ void Session::Take(const Event& event) {
     switch (event.kind) {
         case Event::kSweepBegan:
             BeginSweep(event, FormOf(event.step));
+            isSweeping_[static_cast<size_t>(event.worker)] = true;
             break;
         case Event::kAnswer:
             answer.sweep = sweeps_[static_cast<size_t>(event.worker)];
@@ -35,7 +37,7 @@ void Session::Take(const Event& event) {
                 answer.wholeSize = variable.wholeSize;
                 scan_.answers.push_back(answer);
             }
-            gaps_[event.address] = event.read.gaps;
+            TakeReading(event);
             isChanged_ = true;
             break;
         case Event::kAdapters:
@@ -46,9 +48,19 @@ void Session::Take(const Event& event) {
         case Event::kAskBegan:
         case Event::kReport:
         case Event::kCalled:
+            break;
         case Event::kIdle:
+            isSweeping_[static_cast<size_t>(event.worker)] = false;
             break;
     }
+}
+
+void Session::TakeReading(const Event& event) {
+    std::vector<Reading>& known = readings_[event.address];
+    const auto isSame = [&](const Reading& one) { return one.kind == event.step.kind; };
+    known.erase(std::remove_if(known.begin(), known.end(), isSame), known.end());
+    known.push_back({event.address, event.step.kind, event.read});
+    known.back().end.values.clear();
 }
 
 bool Session::Refresh() {
@@ -62,7 +74,8 @@ void Session::SetScan(Scan scan) {
     scan_ = std::move(scan);
     deviceMaker_ = DeviceMaker();
     rowMaker_ = RowMaker();
-    gaps_.clear();
+    readings_.clear();
+    isSweeping_ = {};
     view.Select(std::nullopt);
     isChanged_ = true;
 }
@@ -96,16 +109,38 @@ std::optional<AskTarget> Session::TargetOf(const DeviceRow& row) const {
 
 bool Session::WasAsked(const DeviceRow& row) const {
     return std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
-        return gaps_.count(scan_.answers[index].address) != 0;
+        return readings_.count(scan_.answers[index].address) != 0;
     });
 }
 
-std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
-    for (const size_t index : row.answers) {
-        const auto found = gaps_.find(scan_.answers[index].address);
-        if (found != gaps_.end()) return found->second;
+std::vector<Reading> Session::ReadingsOf(const DeviceRow& row) const {
+    std::set<std::string> addresses;
+    for (const size_t index : row.answers) addresses.insert(scan_.answers[index].address);
+    std::vector<Reading> readings;
+    for (const std::string& address : addresses) {
+        const auto found = readings_.find(address);
+        if (found != readings_.end())
+            readings.insert(readings.end(), found->second.begin(), found->second.end());
     }
-    return {};
+    return readings;
+}
+
+std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
+    const auto target = TargetOf(row);
+    std::vector<Gap> gaps;
+    for (const Reading& reading : ReadingsOf(row)) {
+        // Otherwise it only shows whether the device answers by another protocol.
+        if (target && reading.kind == target->kind) gaps = reading.end.gaps;
+    }
+    return gaps;
+}
+
+std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
+    std::vector<size_t> running;
+    for (size_t worker = 0; worker < kWorkerCount; ++worker) {
+        if (isSweeping_[worker]) running.push_back(sweeps_[worker]);
+    }
+    return JudgeProtocols(scan_, row.answers, ReadingsOf(row), running);
 }
 
 bool Session::Split(const DeviceRow& row) {

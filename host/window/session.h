@@ -10,6 +10,7 @@
 
 #include "model/device_merge.h"
 #include "model/device_view.h"
+#include "model/protocols.h"
 #include "window/workers.h"
 
 namespace vndiscover::host {
@@ -33,22 +34,26 @@ class Session {
     // asked.
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
     bool WasAsked(const DeviceRow& row) const;
-    // Why the last reading of a device ended early, and what is missing.
+    // What is missing from the last reading of a device, and why.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
+    std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
     // Undoes the merges of a device by its identity, or if there are none, those of protocols that
     // answered from one address. False if there is nothing to undo.
     bool Split(const DeviceRow& row);
 
   private:
     void BeginSweep(const Event& event, AnswerForm form);
+    void TakeReading(const Event& event);
+    std::vector<Reading> ReadingsOf(const DeviceRow& row) const;
 
     Scan scan_;
     std::vector<FoundDevice> devices_;
     DeviceMaker deviceMaker_;
     RowMaker rowMaker_;
     AdapterList adapters_;
-    std::array<size_t, kWorkerCount> sweeps_{};     // indexes of those that run
-    std::map<std::string, std::vector<Gap>> gaps_;  // by address
+    std::array<size_t, kWorkerCount> sweeps_{};  // indexes of the last ones
+    std::array<bool, kWorkerCount> isSweeping_{};
+    std::map<std::string, std::vector<Reading>> readings_;  // by address, one for each protocol
     bool isChanged_ = false;
 };
 

@@ -81,7 +81,8 @@ void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
     Line& line = lines_[static_cast<size_t>(worker)];
     if (worker == WorkerId::kDirected) {
         const auto isSame = [&](const Job& other) {
-            return other.task == job.task && other.target.address == job.target.address;
+            return other.task == job.task && other.target.kind == job.target.kind &&
+                   other.target.address == job.target.address;
         };
         const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), isSame);
         if (known != line.jobs.end()) {

@@ -42,12 +42,12 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EXPECT_EQ(L"Summary", Page());
     Command(IDM_PREVIOUS_PAGE);
     EXPECT_EQ(L"Answers", Page());
-    ASSERT_TRUE(Until([&] { return Rows() == 2; }));
+    ASSERT_TRUE(Until([&] { return Rows() == 3; }));
     EXPECT_EQ(L"x", Value(0, 1));
     EXPECT_EQ(L"SNMPv1", Value(0, 2));
-    EXPECT_EQ(L"prtGeneralSerialNumber.1", Value(1, 0));
-    EXPECT_EQ(L"SERIAL 1", Value(1, 1));
-    EXPECT_EQ(L"10.77.1.1", Value(1, 3));
+    EXPECT_EQ(L"prtGeneralSerialNumber.1", Value(2, 0));
+    EXPECT_EQ(L"SERIAL 1", Value(2, 1));
+    EXPECT_EQ(L"10.77.1.1", Value(2, 3));
     Select(1);
     EXPECT_EQ(L"Answers", Page());
     EXPECT_EQ(1, Rows());
@@ -65,6 +65,39 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EndSweep();
     Command(IDM_CLEAR);
     EXPECT_EQ(0, Rows());
+}
+
+TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
+    OpenWithDevices();
+    ChoosePage(1);
+    EXPECT_EQ(L"Protocols", Page());
+    EXPECT_TRUE(Until([&] { return Value(2, 1) == L"silent"; }));  // the other sweep has ended
+    EXPECT_EQ(L"SNMPv1", Value(0, 0));
+    EXPECT_EQ(L"answered", Value(0, 1));
+    EXPECT_EQ(L"not asked", Value(1, 1));
+    EXPECT_EQ(L"WS-Discovery", Value(2, 0));
+    ChoosePage(2);
+    EXPECT_EQ(L"Interfaces", Page());
+    EXPECT_TRUE(Until([&] { return Rows() == 1; }));
+    EXPECT_EQ(L"LAN", Value(0, 0));
+    Select(1);  // which is silent
+    EXPECT_EQ(0, Rows());
+    EndSweep();
+}
+
+// The sweep is still running, so that the device may still answer.
+TEST(Sessions, RunningSweepIsNoSilence) {
+    Session session;
+    Event event;
+    event.kind = Event::kSweepBegan;
+    event.worker = WorkerId::kWsd;
+    event.step.kind = SweepKind::kWsd;
+    session.Take(event);
+    const DeviceRow row;
+    EXPECT_EQ(ProtocolState::kPending, session.ProtocolsOf(row).at(2).state);
+    event.kind = Event::kIdle;
+    session.Take(event);
+    EXPECT_EQ(ProtocolState::kSilent, session.ProtocolsOf(row).at(2).state);
 }
 
 }  // namespace

@@ -130,6 +130,28 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     CheckDlgButton(window_->Handle(), IDC_V1, BST_CHECKED);
 }
 
+// A sweep cannot tell refusal from silence; asking the device again can.
+TEST_F(Dialogs, ReasonOfARefusalIsShown) {
+    Open();
+    PlayDialog([](HWND dialog) {
+        TypeUser(dialog);
+        Press(dialog, IDOK);
+    });
+    Command(IDC_FIND);
+    engine_.Say("10.77.1.1", "x");
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;"; }));
+    Select(0);
+    ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+    Command(IDM_NEXT_PAGE);
+    EXPECT_EQ(L"not asked", CellOf(Control(IDC_TABLE), 1, 1));
+    Command(IDM_ASK);
+    EXPECT_TRUE(Until(
+        [&] { return CellOf(Control(IDC_TABLE), 1, 1) == L"refused: wrong user"; }));
+    EXPECT_EQ(3, engine_.reads);
+    Command(IDC_FIND);
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+}
+
 TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";

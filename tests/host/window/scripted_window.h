@@ -61,9 +61,20 @@ class ScriptedEngine : public Engine {
     PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
         ++reads;
         PrinterAnswers answers;
-        const Oid oid = *ParseOidOrName("prtGeneralSerialNumber.1");
-        if (target.address != "10.77.1.3")  // this one is silent
-            answers.values[oid] = {Status::kAnswered, oid, 4, "SERIAL 1", 8, ""};
+        if (target.kind == SweepKind::kSnmpV3) {
+            answers.lastStatus = Status::kRefused;
+            answers.lastProblem = "refused: wrong user";
+            return answers;
+        }
+        if (target.address == "10.77.1.3") {  // this one is silent
+            answers.lastStatus = Status::kNoAnswer;
+            return answers;
+        }
+        for (const auto& [name, text] : {std::pair("prtGeneralSerialNumber.1", "SERIAL 1"),
+                                         std::pair("ifDescr.1", "LAN")}) {
+            const Oid oid = *ParseOidOrName(name);
+            answers.values[oid] = AnsweredWith(oid, 4, text);
+        }
         return answers;
     }
     AdapterList IPv4() override {
