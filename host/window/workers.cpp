@@ -104,15 +104,14 @@ void Workers::Stop() {
         wasTold = std::exchange(isStopTold_, true);
         for (Line& line : lines_) line.jobs.clear();
     }
-    RepeatStop();
-    if (wasTold) return;
     Call call;
     call.time = UtcNow();
     call.result = "0";
     for (const char* name : {"StopDiscoverSnmp", "StopDiscoverSoap"}) {
         call.name = name;
-        Tell(call);
+        if (!wasTold) Tell(call);  // before the sweeps that they end
     }
+    RepeatStop();
 }
 
 void Workers::RepeatStop() {
