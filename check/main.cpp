@@ -6,6 +6,7 @@
 // different, 2 it could not run.
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "check/rows.h"
 
@@ -70,9 +71,10 @@ void AllRows(Report& report, bool mayUseNetwork) {
     static Module module;  // never destroyed: see main
     ModuleRows(report, module);
     if (!module.IsUsable()) return;
-    RequestRows(report, module);
-    SystemRows(report, module);
+    auto closedPort = AskClosedPort(module);
     if (mayUseNetwork) NetworkRows(report, module);
+    RequestRows(report, module, std::move(closedPort));
+    SystemRows(report, module);
     DiscoveryRows(report, module);
     LoadingRows(report, module);
 }

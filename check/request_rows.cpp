@@ -120,14 +120,21 @@ void Version3Rows(Report& report, const Module& module) {
 
 }  // namespace
 
-void RequestRows(Report& report, const Module& module) {
+std::future<std::optional<int32_t>> AskClosedPort(const Module& module) {
+    return std::async(std::launch::async, [&module]() -> std::optional<int32_t> {
+        if (UdpSocket(AF_INET).Bind(kHost, kSnmpPort) != 0) return std::nullopt;
+        return module.GetSnmpRequestRaw(kHost, kModelOid, nullptr, 0, nullptr, 0, 0, nullptr,
+                                        nullptr);
+    });
+}
+
+void RequestRows(Report& report, const Module& module,
+                 std::future<std::optional<int32_t>> closedPort) {
     report.Section("Directed requests to agents on loopback addresses");
+    const auto length = closedPort.get();
     if (CanListen(report, "directed requests", kHost)) {
         report.Add("get from a closed port", "no answer (0)",
-                   "no answer (" +
-                       Number(module.GetSnmpRequestRaw(kHost, kModelOid, nullptr, 0, nullptr, 0, 0,
-                                                       nullptr, nullptr)) +
-                       ")");
+                   length ? "no answer (" + Number(*length) + ")" : "not sent: the port was taken");
         Version1Rows(report, module);
     }
     if (CanListen(report, "directed v3 requests", kSecureHost)) Version3Rows(report, module);

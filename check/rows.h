@@ -1,12 +1,19 @@
 // One function for each section of the report.
 #pragma once
 
+#include <future>
+#include <optional>
+
 #include "check/module.h"
 #include "check/report.h"
 
 namespace check {
 
-void RequestRows(Report& report, const Module& module);
+// The result of a request to a port where nobody listens, or nothing if somebody does. It takes
+// 10 s, so other rows are seen at the same time.
+std::future<std::optional<int32_t>> AskClosedPort(const Module& module);
+void RequestRows(Report& report, const Module& module,
+                 std::future<std::optional<int32_t>> closedPort);
 void DiscoveryRows(Report& report, Module& module);
 void SocketRows(Report& report, bool mayUseNetwork);
 void SystemRows(Report& report, const Module& module);
