@@ -14,6 +14,10 @@
 namespace vndiscover::host {
 namespace {
 
+// A device replies a few times for each adapter. One that floods a sweep would cost seconds, each
+// time that another reply comes.
+constexpr size_t kMaxReplies = 256;
+
 const Oid& DefaultDiscoveryOid() {
     static const Oid oid = *ParseOid(kDefaultDiscoveryOid);
     return oid;
@@ -49,6 +53,7 @@ class Collector {
                                                  answer.bytes,      answer.wholeSize, ""};
                 break;
             case AnswerForm::kReply:
+                if (++replies_ > kMaxReplies) break;
                 for (const ProbeMatch& match : ReadProbeMatches(answer.bytes))
                     identity_.Add(MergeKey::kEndpoint, match.endpoint);
                 break;
@@ -103,6 +108,7 @@ class Collector {
 
     PrinterAnswers variables_;
     Identity identity_;
+    size_t replies_ = 0;
 };
 
 std::vector<std::string> Values(const FoundDevice& device, MergeKey key) {

@@ -29,7 +29,8 @@ struct FoundDevice {
     std::vector<Merge> merges;
 };
 
-// Combines the answers with these indexes; later ones take precedence.
+// Combines the answers with these indexes; later ones take precedence. Of WS-Discovery replies, it
+// reads the first 256.
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
 
 // A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".

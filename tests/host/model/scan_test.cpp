@@ -72,6 +72,15 @@ std::string Groups(const Scan& scan) {
 const std::string kMac("\x3C\x2A\xF4\x00\xF5\x1B", 6);
 const std::string kOtherMac("\x3C\x2A\xF4\x00\xF5\x1C", 6);
 
+TEST(DeviceMerge, AFloodOfRepliesIsNotReadWhole) {
+    ScanOf flood;
+    flood.Begin(SweepKind::kWsd, AnswerForm::kReply);
+    for (int i = 0; i < 300; ++i) flood.Add("10.77.1.20", Reply(std::to_string(i)));
+    const FoundDevice device = MakeDevices(flood.scan).at(0);
+    EXPECT_EQ(300u, device.answers.size());
+    EXPECT_EQ(256u, device.identity.Of(MergeKey::kEndpoint).size());
+}
+
 TEST(DeviceMerge, UsesTheStrongestKeyAndKeepsTheReason) {
     ScanOf one = Variables();
     one.Add("10.0.0.1", "S1", "prtGeneralSerialNumber.1");
