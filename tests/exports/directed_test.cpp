@@ -199,9 +199,6 @@ TEST_F(Directed, TextIsFormattedByTheExpectedType) {
                   Text(value.Text(), 12, row.expected));
         ExpectHolds(row.text ? TextBytes(row.text) + Bytes{0} : Bytes(), value);
     }
-    Answer(SnmpText("Model 1"));
-    EXPECT_EQ(7, module.GetSnmpInformation(kHost, text.Text(), nullptr, nullptr));
-    EXPECT_STREQ("Model 1", text.Text());
 }
 
 // The C runtime's bounded copies zero a raw value and empty a text. Its invalid-parameter handler

@@ -50,13 +50,6 @@ TEST_F(SweepResults, EachIsAMessageAndALineInTheOrderOfAnswers) {
     EXPECT_THAT(asked, ElementsAre(1, 1, 1, 1, 2, 2)) << "adapters before the message";
 }
 
-TEST_F(SweepResults, IPv6AddressesHaveNoZone) {
-    DeviceIn("netb", {{SnmpText("B"), "fe80::2:12"}, {SnmpText("A")}});
-    Sweep(nullptr, 1);
-    EXPECT_THAT(window.Texts(), ElementsAre("fe80::2:12=B", "fe80::2:2=A", "end"));
-    EXPECT_TRUE(log.Has("tszRecvAddr = [fe80::2:12]\n"));
-}
-
 TEST_F(SweepResults, ReachAWindowOfAnotherThreadThatPumpsMessages) {
     DeviceIn("neta", {{SnmpText("A")}});
     const DWORD own = GetCurrentThreadId();
@@ -196,14 +189,27 @@ TEST_F(SweepJson, AsksEachDeviceInTurnWithTheHostsCommunity) {
     EXPECT_TRUE(log.Has("We have [2] devices responsed the information.\n"));
 }
 
+// The host itself, which is one of the all-nodes group, receives nothing. Addresses have no zone.
 TEST_F(SweepJson, AsksIPv6DevicesFromTheirOwnAdapter) {
     Devices([](const Request& request) {
         if (request.net != "netb") return Answers();
-        return Answers{{SnmpText(request.sender + " asks " + request.local)}};
+        return Answers{{SnmpText(request.sender + " asks " + request.local),
+                        request.local == "ff02::1" ? "fe80::2:12" : ""}};
     });
-    SweepFor(kNameQuestion, nullptr, 1);
+    SweepFor(kNameQuestion, nullptr, 255);
     EXPECT_THAT(window.Documents(),
-                ElementsAre("fe80::2:2=" + NameAnswer("fe80::2:1 asks fe80::2:2"), "end"));
+                ElementsAre("fe80::2:12=" + NameAnswer("fe80::2:1 asks fe80::2:12"), "end"));
+    EXPECT_THAT(Ways(),
+                ElementsAre("neta: fe80::1:1 > ff02::1:161", "netb: fe80::2:1 > ff02::1:161",
+                            "netb: fe80::2:1 > fe80::2:12:161"));
+    EXPECT_THAT(Sent(), ElementsAre(SnmpGet(kDefaultOid), SnmpGet(kDefaultOid), SnmpGet(kSysName)));
+    EXPECT_TRUE(log.Has("-------------- ...nCount [2]\n") &&
+                log.Has("tszRecvAddr = [fe80::2:12]\n"));
+    for (const std::string address : {"fe80::1:1", "fe80::2:1"}) {
+        EXPECT_THAT(log.Text(),
+                    HasSubstr(" pStringBuf [" + address + "]\n tszBindAddr [" + address +
+                              "]\nIPADDRESS .... " + address + "HandleEvents start\n"));
+    }
 }
 
 // Answers are in the ANSI code page; the request, which passes through it, is read as UTF-8.

@@ -146,7 +146,7 @@ class V3SweepLog : public V3Sweep {
     }
 };
 
-TEST_F(V3SweepLog, CoversAWholeJsonSweep) {
+TEST_F(V3SweepLog, CoversAJsonSweepAndTheNextWithFailedSends) {
     DeviceWith({{V3Report()}}, {{V3Text("A")}});
     SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
     ExpectLog(begin +
@@ -160,9 +160,6 @@ TEST_F(V3SweepLog, CoversAWholeJsonSweep) {
               "szKey [.1.3.6.1.2.1.1.5.0] strValue [A]"
               "We have [1] devices responsed the information.\nHandleEvents end\n" +
               AdapterLines(1) + phase + Found("0") + end);
-}
-
-TEST_F(V3SweepLog, ReportsFailedSendsAndDevicesWithoutAValue) {
     DeviceWith({{V3Report()}}, {});
     network.sendError = [](int call) { return call >= 2 ? WSAENETUNREACH : 0; };
     Sweep();

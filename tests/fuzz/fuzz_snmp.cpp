@@ -1,4 +1,4 @@
-// The decoders of SNMPv1 and of the JSON request. The first byte chooses one.
+// The decoders of SNMP messages and of the JSON request. The first byte chooses one.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +12,10 @@
 #include "snmp/codec/asn_encode.h"
 #include "snmp/codec/pdu.h"
 #include "snmp/codec/snmp_message.h"
+#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/crypto/crypto.h"
+#include "snmpv3/crypto/privacy.h"
+#include "snmpv3/crypto/protocol_codes.h"
 #include "support/text_convert.h"
 
 using namespace vndiscover;
@@ -134,12 +138,78 @@ void ReadJson(const Bytes& bytes) {
     Expect(again.Root() && Utf8PrefixLength(document, 4095) <= 4095);
 }
 
+// SNMPv3 messages of one user at one engine. The first byte chooses the protocols that the reader
+// expects, and whether the rest is a datagram, or plain text to be encrypted into one, so that
+// mutated bytes reach the inner decoders.
+constexpr uint32_t kAuthCodes = 7;  // none and six
+constexpr uint32_t kPrivCodes = 3;
+constexpr uint8_t kPlainText = 0x80;
+
+const MessageKeys& Keys() {
+    static const MessageKeys keys = {ToBuffer(Bytes(64, 0x5A)), ToBuffer(Bytes(64, 0xA5))};
+    return keys;
+}
+
+// The number of bindings in the message; -1 if it does not decode.
+int32_t ReadV3(uint32_t auth, uint32_t priv, const Bytes& datagram) {
+    MessageRecord message;
+    message.usm.engineId = ToBuffer(V3Datagram().engineId);
+    message.usm.authProtocol = auth;
+    message.usm.privProtocol = priv;
+    CryptoSession crypto;
+    Bytes block = datagram;
+    const auto size = static_cast<int32_t>(block.size());
+    try {
+        const int32_t end = ReadMessage(message, Keys(), crypto, block.data(), size);
+        Expect(end > 0 && end <= size);
+    } catch (const AsnDecodeError&) {
+        return -1;
+    }
+    return message.scoped.pdu.bindings.count;
+}
+
+// An answer with plain text, padded with zeros as both protocols do, must read like one with its
+// cipher text.
+void ReadInner(uint32_t auth, uint32_t priv, const Bytes& plain) {
+    V3Datagram answer;
+    answer.scopedTlv = plain;
+    answer.scopedTlv.resize(priv == kPrivDes ? (plain.size() + 7) / 8 * 8
+                                             : (plain.size() / 16 + 1) * 16);
+    const int32_t expected = ReadV3(kAuthNone, kPrivNone, answer.Build());
+
+    CryptoSession crypto;
+    const ByteBuffer text = ToBuffer(plain);
+    const PrivacyInput input = {text, Keys().priv, static_cast<int32_t>(answer.boots),
+                                static_cast<int32_t>(answer.time)};
+    ByteBuffer cipher, salt;
+    if (priv == kPrivDes) {
+        DesPrivacy().Encrypt(crypto, input, cipher, salt);
+    } else {
+        AesPrivacy().Encrypt(input, cipher, salt);
+    }
+    answer.flagsTlv = Tlv(0x04, {3});
+    answer.salt = ToBytes(salt);
+    answer.scopedTlv = Tlv(0x04, ToBytes(cipher));
+    Expect(ReadV3(auth, priv, answer.Build()) == expected);
+}
+
+void ReadV3(const Bytes& bytes) {
+    if (bytes.size() < 2) return;
+    const Bytes rest(bytes.begin() + 1, bytes.end());
+    const uint8_t choice = bytes[0] % kPlainText;
+    if (bytes[0] < kPlainText) {
+        ReadV3(choice % kAuthCodes, choice / kAuthCodes % kPrivCodes, rest);
+    } else {
+        ReadInner(1 + choice % (kAuthCodes - 1), 1 + choice / kAuthCodes % (kPrivCodes - 1), rest);
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;
-    static void (*const kDecoders[])(const Bytes&) = {ReadBer, ReadPdu, ReadResponse, ReadOid,
-                                                      ReadJson};
+    static void (*const kDecoders[])(const Bytes&) = {ReadBer, ReadPdu,  ReadResponse,
+                                                      ReadOid, ReadJson, ReadV3};
     kDecoders[data[0] % std::size(kDecoders)](Bytes(data + 1, data + size));
     return 0;
 }

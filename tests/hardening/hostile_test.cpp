@@ -20,42 +20,6 @@ uint32_t Setting(const char* name, uint32_t otherwise) {
     return text ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
 }
 
-class Mutator {
-  public:
-    explicit Mutator(uint32_t seed) : random_(seed) {}
-
-    size_t Below(size_t limit) { return random_() % limit; }
-    Bytes Mutated(Bytes data) {
-        for (size_t changes = 1 + Below(4) * Below(2); changes > 0; --changes) {
-            if (data.empty()) data = {0x30};
-            Change(data, Below(data.size()));
-        }
-        return data;
-    }
-
-  private:
-    uint8_t TagOrLength() {
-        static constexpr uint8_t kBytes[] = {0x00, 0x01, 0x02, 0x04, 0x05, 0x06, 0x24, 0x30,
-                                             0x40, 0x41, 0x43, 0x46, 0x7F, 0x80, 0x81, 0x82,
-                                             0x84, 0x88, 0xA0, 0xA2, 0xA3, 0xA8, 0xFE, 0xFF};
-        return kBytes[Below(sizeof kBytes)];
-    }
-    void Change(Bytes& data, size_t at) {
-        const size_t kind = Below(8);
-        Bytes added(kind == 0 ? 1 + Below(2) * Below(400) : kind == 1 ? Below(100) : 0);
-        for (uint8_t& byte : added) byte = kind == 0 ? TagOrLength() : random_() & 0xFF;
-        if (kind == 2) added = data;
-        if (kind == 3) data[at] ^= static_cast<uint8_t>(1 << Below(8));
-        if (kind == 4 || kind == 5) data[at] = TagOrLength();
-        if (kind == 6) data.resize(at);
-        // About as large as a receive.
-        if (kind == 7) data.resize(at = kLargest - 4 + Below(9), TagOrLength());
-        data.insert(data.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
-    }
-
-    std::mt19937 random_;
-};
-
 class HostileNetwork : public V3Test {
   protected:
     HostileNetwork() : V3Test(false) {
@@ -68,6 +32,30 @@ class HostileNetwork : public V3Test {
         });
     }
 
+    size_t Below(size_t limit) { return random_() % limit; }
+    uint8_t TagOrLength() {
+        static constexpr uint8_t kBytes[] = {0x00, 0x01, 0x02, 0x04, 0x05, 0x06, 0x24, 0x30,
+                                             0x40, 0x41, 0x43, 0x46, 0x7F, 0x80, 0x81, 0x82,
+                                             0x84, 0x88, 0xA0, 0xA2, 0xA3, 0xA8, 0xFE, 0xFF};
+        return kBytes[Below(sizeof kBytes)];
+    }
+    Bytes Mutated(Bytes data) {
+        for (size_t changes = 1 + Below(4) * Below(2); changes > 0; --changes) {
+            if (data.empty()) data = {0x30};
+            size_t at = Below(data.size());
+            const size_t kind = Below(8);
+            Bytes added(kind == 0 ? 1 + Below(2) * Below(400) : kind == 1 ? Below(100) : 0);
+            for (uint8_t& byte : added) byte = kind == 0 ? TagOrLength() : random_() & 0xFF;
+            if (kind == 2) added = data;
+            if (kind == 3) data[at] ^= static_cast<uint8_t>(1 << Below(8));
+            if (kind == 4 || kind == 5) data[at] = TagOrLength();
+            if (kind == 6) data.resize(at);
+            // About as large as a receive.
+            if (kind == 7) data.resize(at = kLargest - 4 + Below(9), TagOrLength());
+            data.insert(data.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
+        }
+        return data;
+    }
     static std::vector<Bytes> GoodAnswers(const Bytes& request) {
         if (request[0] != 0x30) return {TextBytes("<s:Envelope><s:Body/></s:Envelope>")};
         if (request[4] == 0) {
@@ -85,8 +73,8 @@ class HostileNetwork : public V3Test {
     // With good reports, an exchange reaches its second half.
     Bytes Malformed(const std::vector<Bytes>& good) {
         ++count_;
-        const Bytes& base = good[mutator_.Below(good.size())];
-        return base == V3Report() && mutator_.Below(10) < 7 ? base : mutator_.Mutated(base);
+        const Bytes& base = good[Below(good.size())];
+        return base == V3Report() && Below(10) < 7 ? base : Mutated(base);
     }
     static bool IsTaken(const Bytes& data) { return !data.empty() && data.size() <= kLargest; }
     // A datagram that is not received uses up an attempt of a directed request.
@@ -188,7 +176,7 @@ class HostileNetwork : public V3Test {
     }
 
     const uint32_t seed_ = Setting("VNDISCOVER_HOSTILE_SEED", std::random_device()());
-    Mutator mutator_{seed_};
+    std::mt19937 random_{seed_};
     ResultWindow replies{VN_SOAP_REPLY_SIZE};
     GuardedBuffer value{VN_REQUEST_VALUE_SIZE}, record{sizeof(VnResponseRecord)}, toSet{100};
     GuardedBuffer probe{40};

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "helpers/bytes.h"
+#include "helpers/snmp_datagrams.h"
 #include "support/win.h"
 
 namespace vndiscover {

@@ -7,8 +7,8 @@
 #include <fstream>
 
 #include "exports/support/module.h"
-#include "helpers/bytes.h"
 #include "helpers/log_capture.h"
+#include "helpers/snmp_datagrams.h"
 #include "net/sckraw.h"
 #include "snmpv3/crypto/windows/capi_file_hash.h"
 #include "support/debug_switches.h"

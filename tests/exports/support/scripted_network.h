@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "exports/support/module.h"
-#include "helpers/bytes.h"
+#include "helpers/snmp_datagrams.h"
 
 namespace vndiscover {
 

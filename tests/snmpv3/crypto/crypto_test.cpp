@@ -3,14 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include "helpers/bytes.h"
 #include "helpers/log_capture.h"
+#include "helpers/snmp_datagrams.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"
 #include "snmpv3/crypto/protocol_codes.h"
 #include "snmpv3/crypto/sha224.h"
 
 namespace vndiscover {
+
+extern int g_mebibyteHashes;  // natively: hashes of 1 MiB, one for each password's key
+
 namespace {
 
 // RFC 2202 and RFC 4231, test case 1.
@@ -93,12 +96,6 @@ TEST(Keys, LocalisedKeysMatchPublishedVectors) {
     EXPECT_EQ(Bytes(), KeyOf(code, TextBytes("maplesyrup"))) << "no such protocol";
     EXPECT_EQ(Bytes(), KeyOf(kAuthSha1, {}));
 }
-
-}  // namespace
-
-extern int g_mebibyteHashes;  // natively: hashes of 1 MiB, one for each password's key
-
-namespace {
 
 TEST(Keys, PasswordsAreHashedOnceForAllEnginesAndFailuresAreRetried) {
     CryptoSession crypto;
