@@ -17,8 +17,8 @@ struct AnswerLine {
     SweepKind kind = SweepKind::kSnmpV1;
     AnswerForm form = AnswerForm::kValue;
     std::string address;
-    std::string object;  // its name or OID, for kValue and kVariable
-    std::string value;   // one line
+    std::string object;               // its name or OID, for kValue and kVariable
+    std::string value;                // one line
     std::optional<size_t> wholeSize;  // in bytes, if the end of the value is missing
 };
 

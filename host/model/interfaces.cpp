@@ -18,8 +18,7 @@ std::string WordText(const char* object, const Answer& answer) {
 }
 
 std::string ColumnText(const std::string& object, const Answer& answer) {
-    if (object == "ifDescr")
-        return answer.type == kOctetString ? DeviceText(answer.bytes, 0) : "";
+    if (object == "ifDescr") return answer.type == kOctetString ? DeviceText(answer.bytes, 0) : "";
     if (object == "ifPhysAddress")
         return answer.type == kOctetString ? HexText(answer.bytes, ":") : "";
     if (object != "ifSpeed") return WordText(object.c_str(), answer);

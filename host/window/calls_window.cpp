@@ -9,6 +9,7 @@
 #include "values/plain_text.h"
 #include "window/dialog_texts.h"
 #include "window/dpi.h"
+#include "window/list_copy.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -96,6 +97,8 @@ INT_PTR CALLBACK CallsWindow::Procedure(HWND dialog, UINT message, WPARAM wParam
         self->dialog_ = nullptr;
         DeleteObject(self->font_);
     }
+    if (message == WM_CONTEXTMENU && IsList(reinterpret_cast<HWND>(wParam)))
+        ShowCopyMenu(reinterpret_cast<HWND>(wParam), lParam);
     if (message != WM_NOTIFY) return FALSE;
     const auto* header = reinterpret_cast<const NMHDR*>(lParam);
     if (header->code == LVN_GETDISPINFOW) self->FillCell(lParam);

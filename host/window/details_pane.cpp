@@ -65,8 +65,8 @@ void DetailsPane::Resize(const RECT& place, int dpi) {
     MoveWindow(tabs_, place.left, place.top, place.right - place.left, page.top, TRUE);
     const RECT list = {place.left, place.top + page.top, place.right, place.bottom};
     facts_.Resize(list, dpi);
-    MoveWindow(table_.Handle(), list.left, list.top, list.right - list.left,
-               list.bottom - list.top, TRUE);
+    MoveWindow(table_.Handle(), list.left, list.top, list.right - list.left, list.bottom - list.top,
+               TRUE);
     if (isNew) ShowPage();  // columns have other widths
 }
 
@@ -81,9 +81,9 @@ LRESULT DetailsPane::OnNotify(NMHDR* header) {
     if (header->idFrom == IDC_TABLE && header->code == LVN_GETEMPTYMARKUP) {
         const DeviceRow* row = session_.view.SelectedRow();
         auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
-        const unsigned text = !row                        ? IDS_NO_SELECTION
+        const unsigned text = !row                      ? IDS_NO_SELECTION
                               : session_.WasAsked(*row) ? IDS_INTERFACES_NONE
-                                                          : IDS_NOT_ASKED;
+                                                        : IDS_NOT_ASKED;
         markup->dwFlags = EMF_CENTERED;
         lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
         return TRUE;

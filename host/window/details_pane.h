@@ -34,8 +34,8 @@ class DetailsPane {
 
     const Session& session_;
     HWND tabs_ = nullptr;
-    FactsList facts_;   // the summary
-    TableList table_;   // the other pages
+    FactsList facts_;  // the summary
+    TableList table_;  // the other pages
     int dpi_ = 96;
     std::optional<size_t> device_;  // first answer of the one that is shown
 };

@@ -2,14 +2,17 @@
 
 #include <commctrl.h>
 #include <shellapi.h>
+#include <windowsx.h>
 
 #include <algorithm>
 #include <stdexcept>
 
 #include "platform/wide_text.h"
 #include "values/object_names.h"
+#include "window/clipboard.h"
 #include "window/dpi.h"
 #include "window/layout.h"
+#include "window/list_copy.h"
 #include "window/menu.h"
 #include "window/page_window.h"
 #include "window/pages.h"
@@ -27,9 +30,6 @@ constexpr UINT_PTR kFrameTimer = 1;
 constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kFrameMs = 100;
 constexpr UINT kStatusMs = 250;
-constexpr int kColumnWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
-// The most important columns are visible without scrolling.
-constexpr int kColumnOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
 constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET, IDC_V1,           IDC_V3,
                         IDC_WSD,  IDC_IPV4,         IDC_IPV6,   IDC_FILTER_LABEL, IDC_FILTER};
 constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
@@ -52,9 +52,10 @@ std::wstring WindowText(HWND window) {
 MainWindow::MainWindow(Engine& engine, StartOptions options)
     : engine_(engine),
       options_(std::move(options)),
-      calls_([this](const std::wstring& text) { CopyText(text); }),
+      calls_([this](const std::wstring& text) { CopyText(window_, text); }),
       events_([this] { PostMessageW(window_, kEvents, 0, 0); }) {
-    const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
+    const INITCOMMONCONTROLSEX controls = {
+        sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
     InitCommonControlsEx(&controls);
     WNDCLASSW type = {};
     type.lpfnWndProc = Procedure;
@@ -100,11 +101,9 @@ int MainWindow::Run() {
 
 void MainWindow::Dispatch(MSG& message) {
     // While text is edited, Ctrl+C copies that.
-    if (message.message == WM_KEYDOWN && message.hwnd == devices_ && message.wParam == 'C' &&
-        GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_SHIFT) >= 0) {
-        OnCommand(IDM_COPY_ROW, 0);
-        return;
-    }
+    const int copy = message.message == WM_KEYDOWN ? CopyCommandOf(message.wParam) : 0;
+    if (copy != 0 && message.hwnd == devices_) return OnCommand(copy, 0);
+    if (copy != 0 && IsList(message.hwnd)) return CopyFromList(message.hwnd, copy);
     if (TranslateAcceleratorW(window_, keys_, &message)) return;
     const HWND active = GetActiveWindow();
     if (IsDialogMessageW(active ? active : window_, &message)) return;
@@ -139,11 +138,10 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                                                                      MulDiv(360, dpi_, 96)};
             return 0;
         case WM_DPICHANGED: {
-            for (size_t index = 0; index < kColumnCount; ++index)
-                settings_.widths[index] =
-                    MulDiv(ListView_GetColumnWidth(devices_, static_cast<int>(index)), 96, dpi_);
+            columns_.Store(settings_, dpi_);
             dpi_ = HIWORD(wParam);
             SetFonts();
+            ShowColumns();
             const auto* place = reinterpret_cast<const RECT*>(lParam);
             SetWindowPos(window_, nullptr, place->left, place->top, place->right - place->left,
                          place->bottom - place->top, SWP_NOZORDER | SWP_NOACTIVATE);
@@ -155,6 +153,9 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_NOTIFY:
             return OnNotify(reinterpret_cast<NMHDR*>(lParam));
+        case WM_CONTEXTMENU:
+            OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
+            return 0;
         case WM_CLOSE:
             // The window disappears at once, although a request may take up to 12 s more.
             ShowOwnedPopups(window_, FALSE);
@@ -214,14 +215,7 @@ void MainWindow::CreateDeviceList() {
                       IDC_DEVICES, WS_EX_CLIENTEDGE);
     ListView_SetExtendedListViewStyle(devices_, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER |
                                                     LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
-    for (size_t index = 0; index < kColumnCount; ++index) {
-        std::wstring heading = Text(IDS_COLUMN_NAME + static_cast<unsigned>(index));
-        LVCOLUMNW column = {};
-        column.mask = LVCF_TEXT | LVCF_WIDTH;
-        column.cx = MulDiv(kColumnWidths[index], dpi_, 96);
-        column.pszText = heading.data();
-        SendMessageW(devices_, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
-    }
+    columns_.Use(devices_);
 }
 
 void MainWindow::SetFonts() {
@@ -231,29 +225,18 @@ void MainWindow::SetFonts() {
     if (space) ImageList_Destroy(space);
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
-    SetColumns();
     if (old) DeleteObject(old);
 }
 
-void MainWindow::SetColumns() {
-    for (size_t index = 0; index < kColumnCount; ++index)
-        ListView_SetColumnWidth(devices_, static_cast<int>(index),
-                                MulDiv(settings_.widths[index], dpi_, 96));
-}
-
 void MainWindow::RestoreSettings() {
-    std::copy(std::begin(kColumnWidths), std::end(kColumnWidths), settings_.widths.begin());
-    std::copy(std::begin(kColumnOrder), std::end(kColumnOrder), settings_.order.begin());
+    DeviceColumns::SetDefaults(settings_);
     settings_.ticks = kDefaultTicks;
     // A script gets the same sweep whatever settings a user has saved.
     if (!options_.exit) settings_ = LoadSettings().value_or(settings_);
     for (size_t index = 0; index < std::size(kTicks); ++index)
         CheckDlgButton(window_, kTicks[index], settings_.ticks >> index & 1);
     SendDlgItemMessageW(window_, IDC_PRESET, CB_SETCURSEL, settings_.preset, 0);
-    std::array<int, kColumnCount> order{};
-    std::copy(settings_.order.begin(), settings_.order.end(), order.begin());
-    ListView_SetColumnOrderArray(devices_, kColumnCount, order.data());
-    SetColumns();
+    ShowColumns();
 }
 
 void MainWindow::StoreSettings() {
@@ -263,12 +246,7 @@ void MainWindow::StoreSettings() {
         settings_.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
     settings_.preset =
         static_cast<uint32_t>(SendDlgItemMessageW(window_, IDC_PRESET, CB_GETCURSEL, 0, 0));
-    std::array<int, kColumnCount> order{};
-    ListView_GetColumnOrderArray(devices_, kColumnCount, order.data());
-    std::copy(order.begin(), order.end(), settings_.order.begin());
-    for (size_t index = 0; index < kColumnCount; ++index)
-        settings_.widths[index] =
-            MulDiv(ListView_GetColumnWidth(devices_, static_cast<int>(index)), 96, dpi_);
+    columns_.Store(settings_, dpi_);
     KeepSettings(settings_);
 }
 
@@ -374,10 +352,10 @@ void MainWindow::OnCommand(int id, int code) {
             PostMessageW(window_, WM_CLOSE, 0, 0);
             break;
         case IDM_COPY_CELL:
-            if (row) CopyText(ToWide(row->Text(Column::kAddress)));
+            CopyCell(chosenColumn_);
             break;
         case IDM_COPY_ROW:
-            if (row) CopyText(RowText(*row));
+            if (row) CopyText(window_, RowText(*row));
             break;
         case IDM_COPY_TABLE:
             CopyTable();
@@ -419,9 +397,39 @@ void MainWindow::OnCommand(int id, int code) {
             calls_.Open(window_);
             break;
         default:
+            if (id >= IDM_COLUMN && id < IDM_COLUMN + static_cast<int>(kColumnCount))
+                ToggleColumn(static_cast<unsigned>(id - IDM_COLUMN));
+            if (id >= IDM_CELL && id < IDM_CELL + static_cast<int>(kColumnCount))
+                CopyCell(static_cast<Column>(id - IDM_CELL));
             break;
     }
     if (window_) ShowStatus();
+}
+
+void MainWindow::OnContextMenu(HWND control, LPARAM place) {
+    const HWND columns = ListView_GetHeader(devices_);
+    if (control != devices_ && IsList(control)) return ShowCopyMenu(control, place);
+    if (control != devices_ && control != columns) return;
+    POINT point = {GET_X_LPARAM(place), GET_Y_LPARAM(place)};
+    RECT header = {};
+    GetWindowRect(columns, &header);
+    if (place != kByKeyboard && PtInRect(&header, point)) {
+        TrackPopupMenu(ViewMenuOf(GetMenu(window_)), TPM_RIGHTBUTTON, point.x, point.y, 0, window_,
+                       nullptr);
+        return;
+    }
+    if (place == kByKeyboard) {
+        point = BelowSelected(devices_);
+    } else {
+        LVHITTESTINFO cell = {};
+        cell.pt = point;
+        ScreenToClient(devices_, &cell.pt);
+        if (ListView_SubItemHitTest(devices_, &cell) < 0) return;
+        chosenColumn_ = columns_.At(cell.iSubItem);
+    }
+    const HMENU menu = MakeDeviceMenu();
+    TrackPopupMenu(menu, TPM_RIGHTBUTTON, point.x, point.y, 0, window_, nullptr);
+    DestroyMenu(menu);
 }
 
 LRESULT MainWindow::OnNotify(NMHDR* header) {
@@ -438,6 +446,10 @@ LRESULT MainWindow::OnDeviceNotify(NMHDR* header) {
             return 0;
         case LVN_ITEMCHANGED:
             if (!isShowing_) OnSelected();
+            return 0;
+        case NM_CLICK:
+            if (const auto* click = reinterpret_cast<NMITEMACTIVATE*>(header); click->iItem >= 0)
+                chosenColumn_ = columns_.At(click->iSubItem);
             return 0;
         case LVN_GETEMPTYMARKUP: {
             auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
@@ -459,15 +471,12 @@ void MainWindow::FillCell(LVITEMW& item) {
     if (!(item.mask & LVIF_TEXT)) return;
     const auto row = static_cast<size_t>(item.iItem);
     if (row >= session_.view.Count()) return;
-    const auto column = static_cast<Column>(item.iSubItem);
-    const std::string& text = session_.view.Row(row).Text(column);
-    const bool isTime = column == Column::kLastSeen;
-    lstrcpynW(item.pszText, (isTime ? LocalTime(text) : ToWide(text)).c_str(), item.cchTextMax);
+    const std::wstring text = CellText(session_.view.Row(row), columns_.At(item.iSubItem));
+    lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
 }
 
 LRESULT MainWindow::DrawCell(NMLVCUSTOMDRAW& draw) {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
-    const auto column = static_cast<int>(Column::kSupplies);
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
         case CDDS_ITEMPREPAINT:
@@ -477,11 +486,12 @@ LRESULT MainWindow::DrawCell(NMLVCUSTOMDRAW& draw) {
         default:
             return CDRF_DODEFAULT;
     }
-    if (draw.iSubItem != column || row >= session_.view.Count()) return CDRF_DODEFAULT;
+    if (columns_.At(draw.iSubItem) != Column::kSupplies || row >= session_.view.Count())
+        return CDRF_DODEFAULT;
     const DeviceRow& device = session_.view.Row(row);
     if (!device.lowestSupply) return CDRF_DODEFAULT;
     RECT cell = {};
-    ListView_GetSubItemRect(devices_, static_cast<int>(row), column, LVIR_BOUNDS, &cell);
+    ListView_GetSubItemRect(devices_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
     const bool isSelected =
         ListView_GetItemState(devices_, static_cast<int>(row), LVIS_SELECTED) != 0;
     DrawBar(draw.nmcd.hdc, cell, *device.lowestSupply, ToWide(device.Text(Column::kSupplies)),
@@ -490,7 +500,7 @@ LRESULT MainWindow::DrawCell(NMLVCUSTOMDRAW& draw) {
 }
 
 void MainWindow::ClickColumn(int column) {
-    const auto chosen = static_cast<Column>(column);
+    const Column chosen = columns_.At(column);
     DeviceView& view = session_.view;
     view.Sort(chosen, view.SortColumn() == chosen && !view.IsDescending());
     ShowRows();
@@ -517,20 +527,7 @@ void MainWindow::ShowRows() {
             ListView_SetItemState(devices_, static_cast<int>(*selected),
                                   LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
     }
-    const HWND header = ListView_GetHeader(devices_);
-    for (int column = 0; column < static_cast<int>(kColumnCount); ++column) {
-        HDITEMW item = {};
-        item.mask = HDI_FORMAT;
-        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(column),
-                     reinterpret_cast<LPARAM>(&item));
-        const int old = item.fmt;
-        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-        if (column == static_cast<int>(view.SortColumn()))
-            item.fmt |= view.IsDescending() ? HDF_SORTDOWN : HDF_SORTUP;
-        if (item.fmt != old)
-            SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(column),
-                         reinterpret_cast<LPARAM>(&item));
-    }
+    columns_.MarkSorted(view.SortColumn(), view.IsDescending());
     const std::wstring count = std::to_wstring(view.Count());
     const std::wstring title = view.Count() == view.Total()
                                    ? Text(IDS_SHOWN, {count})
@@ -729,7 +726,7 @@ bool MainWindow::SaveTo(const std::string& path) {
 }
 
 bool MainWindow::SaveCsvTo(const std::string& path) {
-    return SaveText(CsvOf(session_.view, Headings()), path, note_) || Complain(note_);
+    return SaveText(CsvOf(session_.view, columns_.Headings()), path, note_) || Complain(note_);
 }
 
 bool MainWindow::SaveJsonTo(const std::string& path) {
@@ -743,46 +740,53 @@ void MainWindow::WithPath(unsigned kind, const wchar_t* extension, bool isForSav
     if (!path.empty()) (this->*method)(path);
 }
 
-void MainWindow::CopyText(const std::wstring& text) {
-    if (!OpenClipboard(window_)) return;
-    EmptyClipboard();
-    const size_t size = (text.size() + 1) * sizeof(wchar_t);
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
-    if (void* place = memory ? GlobalLock(memory) : nullptr) {
-        std::copy_n(text.c_str(), text.size() + 1, static_cast<wchar_t*>(place));
-        GlobalUnlock(memory);
-        // The system owns it from now on, unless the call fails.
-        if (!SetClipboardData(CF_UNICODETEXT, memory)) GlobalFree(memory);
-    }
-    CloseClipboard();
-}
-
-// Of the columns as they are shown.
-std::vector<Heading> MainWindow::Headings() const {
-    std::array<int, kColumnCount> order{};
-    ListView_GetColumnOrderArray(devices_, kColumnCount, order.data());
-    std::vector<Heading> headings;
-    for (const int column : order)
-        headings.push_back({static_cast<Column>(column),
-                            ToUtf8(Text(IDS_COLUMN_NAME + static_cast<unsigned>(column)))});
-    return headings;
+// As it is shown.
+std::wstring MainWindow::CellText(const DeviceRow& row, Column column) const {
+    const std::string& text = row.Text(column);
+    return column == Column::kLastSeen ? LocalTime(text) : ToWide(text);
 }
 
 std::wstring MainWindow::RowText(const DeviceRow& row) const {
     std::wstring line;
-    for (size_t index = 0; index < kColumnCount; ++index)
-        line += (index == 0 ? L"" : L"\t") + ToWide(row.texts[index]);
+    for (const Heading& heading : columns_.Headings())
+        line += CellText(row, heading.column) + L"\t";
+    line.pop_back();
     return line + L"\r\n";
+}
+
+void MainWindow::CopyCell(Column column) {
+    const DeviceRow* row = session_.view.SelectedRow();
+    if (!row) return;
+    const std::wstring text = CellText(*row, column);
+    CopyText(window_, text);
+    note_ = Text(IDS_COPIED, {text});
 }
 
 void MainWindow::CopyTable() {
     std::wstring table;
-    for (size_t index = 0; index < kColumnCount; ++index)
-        table += (index == 0 ? L"" : L"\t") + Text(IDS_COLUMN_NAME + static_cast<unsigned>(index));
+    for (const Heading& heading : columns_.Headings())
+        table += (table.empty() ? L"" : L"\t") + ToWide(heading.text);
     table += L"\r\n";
     for (size_t index = 0; index < session_.view.Count(); ++index)
         table += RowText(session_.view.Row(index));
-    CopyText(table);
+    CopyText(window_, table);
+}
+
+void MainWindow::ToggleColumn(unsigned column) {
+    columns_.Store(settings_, dpi_);
+    const uint32_t hidden = settings_.hidden ^ 1u << column;
+    if (hidden == kAllColumns) return;  // one must stay
+    settings_.hidden = hidden;
+    ShowColumns();
+}
+
+void MainWindow::ShowColumns() {
+    columns_.Show(settings_, dpi_);
+    columns_.MarkSorted(session_.view.SortColumn(), session_.view.IsDescending());
+    for (unsigned index = 0; index < kColumnCount; ++index) {
+        const bool isShown = columns_.IsShown(static_cast<Column>(index));
+        CheckMenuItem(GetMenu(window_), IDM_COLUMN + index, isShown ? MF_CHECKED : MF_UNCHECKED);
+    }
 }
 
 // Built only from the numeric address: nothing that a device sends becomes a URL.

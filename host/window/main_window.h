@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "window/calls_window.h"
-#include "window/engine.h"
 #include "window/details_pane.h"
+#include "window/device_columns.h"
+#include "window/engine.h"
 #include "window/session.h"
 #include "window/settings.h"
 #include "window/workers.h"
@@ -54,13 +55,15 @@ class MainWindow {
     HWND CreateControl(const wchar_t* type, unsigned text, DWORD style, int id, DWORD extended = 0);
     void CreateDeviceList();
     void SetFonts();
-    void SetColumns();
+    void ShowColumns();
+    void ToggleColumn(unsigned column);
     void RestoreSettings();
     void StoreSettings();
     void Place();
     int WidthOf(int id) const;
 
     void OnCommand(int id, int code);
+    void OnContextMenu(HWND control, LPARAM place);
     LRESULT OnNotify(NMHDR* header);
     LRESULT OnDeviceNotify(NMHDR* header);
     void FillCell(LVITEMW& item);
@@ -82,8 +85,8 @@ class MainWindow {
 
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (MainWindow::*method)(const std::string& path));
-    std::vector<Heading> Headings() const;
-    void CopyText(const std::wstring& text);
+    std::wstring CellText(const DeviceRow& row, Column column) const;
+    void CopyCell(Column column);
     std::wstring RowText(const DeviceRow& row) const;
     void CopyTable();
     void OpenWebPage();
@@ -99,6 +102,8 @@ class MainWindow {
     HACCEL keys_ = nullptr;
     DetailsPane details_{session_};
     Settings settings_;
+    DeviceColumns columns_;
+    Column chosenColumn_ = Column::kAddress;  // of the cell that was clicked last
     Credentials credentials_;
     int dpi_ = 96;
     bool isSweeping_ = false, isStopping_ = false, wasSwept_ = false, isStopped_ = false;

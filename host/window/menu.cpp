@@ -2,42 +2,86 @@
 
 #include <vector>
 
+#include "window/device_columns.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {
 
+using Commands = std::vector<unsigned>;
+
 constexpr unsigned kLine = 0;
+constexpr int kView = 2;  // place in the bar
 
-struct Popup {
+const Commands kDevice = {IDM_ASK, IDM_ASK_ALL, kLine, IDM_SPLIT, IDM_WEB};
+const Commands kColumns = {IDM_COLUMN,     IDM_COLUMN + 1, IDM_COLUMN + 2, IDM_COLUMN + 3,
+                           IDM_COLUMN + 4, IDM_COLUMN + 5, IDM_COLUMN + 6, IDM_COLUMN + 7,
+                           IDM_COLUMN + 8, IDM_COLUMN + 9};
+
+const struct {
     unsigned title;
-    std::vector<unsigned> commands;
-};
-
-const Popup kPopups[] = {
+    Commands commands;
+} kPopups[] = {
     {IDS_MENU_FILE, {IDM_OPEN, IDM_SAVE, IDM_COMPARE, kLine, IDM_CSV, IDM_JSON, kLine, IDM_EXIT}},
-    {IDS_MENU_EDIT, {IDM_COPY_ROW, IDM_COPY_CELL, IDM_COPY_TABLE, kLine, IDM_FILTER, IDM_CLEAR}},
-    {IDS_MENU_DEVICE, {IDM_ASK, IDM_ASK_ALL, kLine, IDM_SPLIT, IDM_WEB}},
+    {IDS_MENU_EDIT,
+     {IDM_COPY_ROW, IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_TABLE, kLine, IDM_FILTER, IDM_CLEAR}},
+    {IDS_MENU_VIEW, kColumns},
+    {IDS_MENU_DEVICE, kDevice},
     {IDS_MENU_TOOLS, {IDM_SNMP, IDM_DOCTOR, IDM_CALLS}}};
+
+std::wstring TextOf(unsigned command) {
+    if (command >= IDM_COLUMN && command < IDM_COLUMN + kColumnCount)
+        return ColumnName(static_cast<Column>(command - IDM_COLUMN));
+    return Text(command);
+}
+
+std::vector<std::wstring> ColumnNames() {
+    std::vector<std::wstring> names;
+    for (size_t index = 0; index < kColumnCount; ++index)
+        names.push_back(ColumnName(static_cast<Column>(index)));
+    return names;
+}
+
+// `cells`: what can be copied from a row.
+HMENU MakePopup(const Commands& commands, const std::vector<std::wstring>& cells = ColumnNames()) {
+    const HMENU menu = CreatePopupMenu();
+    for (const unsigned command : commands) {
+        if (command == kLine) {
+            AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+        } else if (command == IDS_MENU_CELLS) {
+            const HMENU popup = CreatePopupMenu();
+            for (size_t cell = 0; cell < cells.size(); ++cell)
+                AppendMenuW(popup, MF_STRING, IDM_CELL + cell, cells[cell].c_str());
+            AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), Text(command).c_str());
+        } else {
+            AppendMenuW(menu, MF_STRING, command, TextOf(command).c_str());
+        }
+    }
+    return menu;
+}
 
 }  // namespace
 
 // A MENU resource would duplicate the texts.
 HMENU MakeMenu() {
     const HMENU bar = CreateMenu();
-    for (const Popup& popup : kPopups) {
-        const HMENU menu = CreatePopupMenu();
-        for (const unsigned command : popup.commands) {
-            if (command == kLine) {
-                AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-            } else {
-                AppendMenuW(menu, MF_STRING, command, Text(command).c_str());
-            }
-        }
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), Text(popup.title).c_str());
-    }
+    for (const auto& popup : kPopups)
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(MakePopup(popup.commands)),
+                    Text(popup.title).c_str());
     return bar;
+}
+
+HMENU ViewMenuOf(HMENU bar) { return GetSubMenu(bar, kView); }
+
+HMENU MakeDeviceMenu() {
+    Commands commands = {IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, kLine};
+    commands.insert(commands.end(), kDevice.begin(), kDevice.end());
+    return MakePopup(commands);
+}
+
+HMENU MakeCopyMenu(const std::vector<std::wstring>& headings) {
+    return MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings);
 }
 
 }  // namespace vndiscover::host

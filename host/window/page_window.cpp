@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "window/dpi.h"
+#include "window/list_copy.h"
 #include "window/resource.h"
 
 namespace vndiscover::host {
@@ -67,6 +68,10 @@ class Page {
             }
             case WM_NOTIFY:
                 return self->list_.OnNotify(reinterpret_cast<NMHDR*>(lParam));
+            case WM_CONTEXTMENU:
+                if (IsList(reinterpret_cast<HWND>(wParam)))
+                    ShowCopyMenu(reinterpret_cast<HWND>(wParam), lParam);
+                return 0;
             case WM_COMMAND:
                 if (LOWORD(wParam) == IDCANCEL) DestroyWindow(window);
                 return 0;

@@ -58,12 +58,16 @@
 #define IDM_CALLS 333
 #define IDM_NEXT_PAGE 334
 #define IDM_PREVIOUS_PAGE 335
+#define IDM_COLUMN 340  // the first of as many as there are columns, named as these
+#define IDM_CELL 350    // likewise
 
 // Texts. Those of the columns are in the order of Column.
 #define IDS_MENU_FILE 390
 #define IDS_MENU_EDIT 391
 #define IDS_MENU_DEVICE 392
 #define IDS_MENU_TOOLS 393
+#define IDS_MENU_VIEW 394
+#define IDS_MENU_CELLS 395
 #define IDS_TITLE 400
 #define IDS_FIND 401
 #define IDS_STOP 402
@@ -99,6 +103,7 @@
 #define IDS_SHOWN 446
 #define IDS_SHOWN_OF 447
 #define IDS_NOTHING_CHOSEN 448
+#define IDS_COPIED 449
 #define IDS_NOT_SAVED 450
 #define IDS_NOT_READ 451
 #define IDS_SAVED 452

@@ -14,7 +14,9 @@ struct Settings {
     uint32_t ticks = 0;  // a bit for each check box, in order
     uint32_t preset = 0;
     std::array<int32_t, kColumnCount> widths{}, order{};  // widths in pixels at 96 DPI
+    uint32_t hidden = 0;                                  // a bit for each Column
 };
+constexpr uint32_t kAllColumns = (1u << kColumnCount) - 1;
 
 // Empty if none were saved, or if they are invalid.
 std::optional<Settings> LoadSettings();

@@ -30,7 +30,8 @@ ScanSweep Sweep(SweepKind kind, bool useIPv6 = false) {
     return {kind, isWsd ? AnswerForm::kReply : AnswerForm::kValue, useIPv6, {1, 3}, ""};
 }
 
-Reading Ended(SweepKind kind, Status status, const char* problem, const char* address = "10.0.0.1") {
+Reading Ended(SweepKind kind, Status status, const char* problem,
+              const char* address = "10.0.0.1") {
     Reading reading = {address, kind, {}};
     reading.end.lastStatus = status;
     reading.end.lastProblem = problem;

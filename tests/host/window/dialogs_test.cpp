@@ -145,8 +145,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     Command(IDM_NEXT_PAGE);
     EXPECT_EQ(L"not asked", CellOf(Control(IDC_TABLE), 1, 1));
     Command(IDM_ASK);
-    EXPECT_TRUE(Until(
-        [&] { return CellOf(Control(IDC_TABLE), 1, 1) == L"refused: wrong user"; }));
+    EXPECT_TRUE(Until([&] { return CellOf(Control(IDC_TABLE), 1, 1) == L"refused: wrong user"; }));
     EXPECT_EQ(3, engine_.reads);
     Command(IDC_FIND);
     EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));

@@ -97,8 +97,9 @@ TEST_F(Files, ExportsHoldTheRowsAsShown) {
     EXPECT_TRUE(window_->SaveCsvTo(path_));
     const std::string csv = FileText();
     EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"Serial number\",")) << csv;
-    EXPECT_NE(std::string::npos,
-              csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"\",\"\",\"SNMPv1\""))
+    EXPECT_NE(
+        std::string::npos,
+        csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"\",\"\",\"SNMPv1\""))
         << csv;
     EXPECT_TRUE(window_->SaveJsonTo(path_));
     EXPECT_EQ(

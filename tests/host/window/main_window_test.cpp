@@ -101,7 +101,7 @@ TEST_F(MainWindowTest, KeepsSettings) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, broken, sizeof broken);
     Open();
     EXPECT_FALSE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
-    RegDeleteKeyW(HKEY_CURRENT_USER, kKey);
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View");
 }
 
 // Another thread keeps sending messages to the window.
@@ -216,9 +216,9 @@ TEST_F(MainWindowTest, AccessKeysAreUnique) {
         letters += letter;
     };
     const HMENU menu = GetMenu(window_->Handle());
-    for (UINT index = 0; index < 4; ++index) {
+    for (int index = 0; index < GetMenuItemCount(menu); ++index) {
         wchar_t text[40] = L"";
-        GetMenuStringW(menu, index, text, 40, MF_BYPOSITION);
+        GetMenuStringW(menu, static_cast<UINT>(index), text, 40, MF_BYPOSITION);
         take(text);
     }
     take(Text(IDS_STOP));  // on the same button as "Find"

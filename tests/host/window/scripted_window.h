@@ -70,8 +70,8 @@ class ScriptedEngine : public Engine {
             answers.lastStatus = Status::kNoAnswer;
             return answers;
         }
-        for (const auto& [name, text] : {std::pair("prtGeneralSerialNumber.1", "SERIAL 1"),
-                                         std::pair("ifDescr.1", "LAN")}) {
+        for (const auto& [name, text] :
+             {std::pair("prtGeneralSerialNumber.1", "SERIAL 1"), std::pair("ifDescr.1", "LAN")}) {
             const Oid oid = *ParseOidOrName(name);
             answers.values[oid] = AnsweredWith(oid, 4, text);
         }

@@ -1,0 +1,28 @@
+// Copying from any list, by keyboard and by a context menu.
+#ifndef VNDISCOVER_HOST_WINDOW_LIST_COPY_H
+#define VNDISCOVER_HOST_WINDOW_LIST_COPY_H
+
+#include <windows.h>
+
+namespace vndiscover::host {
+
+constexpr LPARAM kByKeyboard = -1;  // the place of a WM_CONTEXTMENU
+
+// The command for Ctrl+C, Ctrl+Shift+C or Ctrl+Shift+T in a list while `key` is pressed; otherwise
+// 0.
+int CopyCommandOf(WPARAM key);
+
+bool IsList(HWND control);
+// Below the selected row, on the screen.
+POINT BelowSelected(HWND list);
+
+// Executes IDM_COPY_ROW, IDM_COPY_TABLE, IDM_COPY_CELL for the second column, or IDM_CELL + column.
+// Has no effect for another command, or without a selected row.
+void CopyFromList(HWND list, int command);
+
+// Handles WM_CONTEXTMENU from a list.
+void ShowCopyMenu(HWND list, LPARAM place);
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_LIST_COPY_H

@@ -1,0 +1,185 @@
+// Context menus, copying, and the columns that the user chooses.
+#include <functional>
+#include <thread>
+
+#include "platform/wide_text.h"
+#include "scripted_window.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
+
+class Menus : public MainWindowTest {
+  protected:
+    ~Menus() override { RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View"); }
+    void OpenWithDevice() {
+        engine_.Say("10.77.1.9", "VN InkLine 70");
+        Open();
+        Command(IDC_FIND);
+        ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 1; }));
+        Command(IDC_FIND);
+        ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        Select(0);
+        ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+    }
+    HWND Devices() const { return Control(IDC_DEVICES); }
+    std::wstring Headings() const {
+        std::wstring all;
+        const HWND header = ListView_GetHeader(Devices());
+        for (int index = 0; index < Header_GetItemCount(header); ++index) {
+            wchar_t text[40] = L"";
+            HDITEMW item = {};
+            item.mask = HDI_TEXT;
+            item.pszText = text;
+            item.cchTextMax = 40;
+            SendMessageW(header, HDM_GETITEMW, WPARAM(Header_OrderToIndex(header, index)),
+                         reinterpret_cast<LPARAM>(&item));
+            all += text + std::wstring(L";");
+        }
+        return all;
+    }
+    // Opens a context menu with the mouse at a point of the screen, or with the keyboard's key for
+    // it, presses the keys, and returns the menu's texts.
+    std::wstring Play(HWND from, LPARAM place, const std::vector<WPARAM>& keys) {
+        std::wstring texts;
+        std::thread user([&] {
+            HWND menu = nullptr;
+            for (int wait = 0; wait < 500 && !menu; ++wait) {
+                Sleep(10);
+                menu = FindWindowW(L"#32768", nullptr);
+            }
+            if (!menu) return;
+            constexpr UINT kGetMenu = 0x01E1;  // MN_GETHMENU
+            const auto handle = reinterpret_cast<HMENU>(SendMessageW(menu, kGetMenu, 0, 0));
+            for (int item = 0; item < GetMenuItemCount(handle); ++item) {
+                wchar_t text[60] = L"";
+                GetMenuStringW(handle, static_cast<UINT>(item), text, 60, MF_BYPOSITION);
+                texts += text + std::wstring(L";");
+            }
+            for (const WPARAM key : keys) PostMessageW(window_->Handle(), WM_KEYDOWN, key, 0);
+        });
+        SendMessageW(window_->Handle(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(from), place);
+        user.join();
+        Until([isFirst = true]() mutable { return !std::exchange(isFirst, false); });
+        return texts;
+    }
+    // Ctrl and Shift as given, and a key, in a list.
+    void Press(HWND list, WPARAM key, bool isShifted) {
+        BYTE keys[256] = {};
+        keys[VK_CONTROL] = 0x80;
+        keys[VK_SHIFT] = isShifted ? 0x80 : 0;
+        SetKeyboardState(keys);
+        MSG message = {list, WM_KEYDOWN, key, 0, 0, {}};
+        window_->Dispatch(message);
+        keys[VK_CONTROL] = keys[VK_SHIFT] = 0;
+        SetKeyboardState(keys);
+    }
+    static std::wstring Copied() {
+        std::wstring text;
+        if (!OpenClipboard(nullptr)) return text;
+        if (const HANDLE data = GetClipboardData(CF_UNICODETEXT))
+            text = static_cast<const wchar_t*>(GlobalLock(data));
+        EmptyClipboard();
+        CloseClipboard();
+        return text;
+    }
+};
+
+TEST_F(Menus, ClickedCellIsCopied) {
+    OpenWithDevice();
+    RECT model = {};
+    ListView_GetSubItemRect(Devices(), 0, 1, LVIR_BOUNDS, &model);
+    POINT point = {model.left + 2, model.top + 2};
+    ClientToScreen(Devices(), &point);
+    const std::wstring texts = Play(Devices(), MAKELPARAM(point.x, point.y), {VK_DOWN, VK_RETURN});
+    EXPECT_EQ(
+        L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;;"
+        L"&Ask again\tCtrl+R;Ask a&ll devices\tCtrl+Shift+R;;&Split into its parts;"
+        L"Open its &web page;",
+        texts);
+    EXPECT_EQ(L"VN InkLine 70", Copied());
+    EXPECT_EQ(L"Copied: VN InkLine 70", TextOf(Control(IDC_STATUS)));
+}
+
+// Down to "Copy from the row", into it, down to the address.
+TEST_F(Menus, AnyCellIsCopiedByKeyboard) {
+    OpenWithDevice();
+    Play(Devices(), -1, {VK_DOWN, VK_DOWN, VK_RIGHT, VK_DOWN, VK_DOWN, VK_RETURN});
+    EXPECT_EQ(L"10.77.1.9", Copied());
+    Command(IDM_CELL + 7);
+    EXPECT_EQ(L"SNMPv1", Copied());
+}
+
+TEST_F(Menus, DetailsAreCopied) {
+    OpenWithDevice();
+    const HWND details = Control(IDC_DETAILS);
+    ListView_SetItemState(details, 1, LVIS_SELECTED, LVIS_SELECTED);
+    Press(details, 'C', false);
+    EXPECT_EQ(L"Address\t10.77.1.9\r\n", Copied());
+    Press(details, 'C', true);
+    EXPECT_EQ(L"10.77.1.9", Copied());
+    EXPECT_EQ(
+        L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;"
+        L"Copy the &table\tCtrl+Shift+T;",
+        Play(details, -1, {VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN}));
+    EXPECT_EQ(L"Address", Copied());
+    Press(details, 'T', true);
+    EXPECT_EQ(0u, Copied().find(L"Model\tVN InkLine 70\r\nAddress\t10.77.1.9\r\n"));
+    Press(Devices(), 'C', false);
+    EXPECT_EQ(0u, Copied().find(L"\tVN InkLine 70\t10.77.1.9\t"));
+}
+
+TEST_F(Menus, ColumnsAreChosenAndKept) {
+    OpenWithDevice();
+    const HWND header = ListView_GetHeader(Devices());
+    RECT place = {};
+    GetWindowRect(header, &place);
+    // The second column, Model, is hidden.
+    const std::wstring texts =
+        Play(header, MAKELPARAM(place.left + 2, place.top + 2), {VK_DOWN, VK_DOWN, VK_RETURN});
+    EXPECT_EQ(0u, texts.find(L"Name;Model;Address;Serial number;"));
+    EXPECT_EQ(0u, Headings().find(L"Name;Address;State;Supplies;Serial number;"));
+    EXPECT_EQ(L"10.77.1.9", Cell(0, 1));
+    const HMENU bar = GetMenu(window_->Handle());
+    EXPECT_EQ(0u, GetMenuState(bar, IDM_COLUMN + 1, MF_BYCOMMAND) & MF_CHECKED);
+    EXPECT_EQ(0u + MF_CHECKED, GetMenuState(bar, IDM_COLUMN + 2, MF_BYCOMMAND) & MF_CHECKED);
+    Command(IDM_COLUMN + 0);
+    int order[] = {1, 0, 2, 3, 4, 5, 6, 7};  // Serial number, Address ...
+    ListView_SetColumnOrderArray(Devices(), 8, order);
+    ListView_SetColumnWidth(Devices(), 0, 222);
+    SendMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    Open();
+    EXPECT_EQ(0u, Headings().find(L"Serial number;Address;MAC address;"));
+    EXPECT_EQ(222, ListView_GetColumnWidth(Devices(), 0));
+    ClickColumn(1);  // the sort mark of another column than the address
+    HDITEMW item = {};
+    item.mask = HDI_FORMAT;
+    SendMessageW(ListView_GetHeader(Devices()), HDM_GETITEMW, 1, reinterpret_cast<LPARAM>(&item));
+    EXPECT_TRUE(item.fmt & HDF_SORTUP);
+    // Shown again, a column returns to its place and width.
+    Command(IDM_COLUMN + 1);
+    EXPECT_EQ(0u, Headings().find(L"Model;Serial number;Address;"));
+    EXPECT_EQ(125, ListView_GetColumnWidth(Devices(), 0));
+    for (int column = 0; column < 10; ++column) {
+        if (column != 0 && column != 4) Command(IDM_COLUMN + column);
+    }
+    EXPECT_EQ(L"MAC address;", Headings());
+    Command(IDM_COLUMN + 4);
+    EXPECT_EQ(L"MAC address;", Headings());
+}
+
+// Older versions showed all columns and did not keep which.
+TEST_F(Menus, OlderSettingsAreLoaded) {
+    int32_t old[22] = {0b11111, 2, 50, 51, 52, 53, 54, 55, 56, 57, 58,
+                       59,      9, 8,  7,  6,  5,  4,  3,  2,  1,  0};
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, old, sizeof old);
+    Open();
+    EXPECT_EQ(0u, Headings().find(L"Last seen;Network;"));
+    EXPECT_EQ(51, ListView_GetColumnWidth(Devices(), 1));
+    EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
+}
+
+}  // namespace
+}  // namespace vndiscover::host
