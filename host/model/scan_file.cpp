@@ -22,7 +22,7 @@ constexpr char kTimePattern[] = "0000-00-00T00:00:00Z";
 // The parser needs about 100 bytes of memory for each value, and recurses for each level.
 constexpr size_t kMaxValues = 4000000;
 constexpr size_t kMaxDepth = 8;
-constexpr size_t kMaxSweeps = 1000;  // device_merge compares the contacts of an address
+constexpr size_t kMaxSweeps = 50000;  // each reading of a device is one in a window
 constexpr size_t kMaxSplits = 10000;
 
 // Where a pass over JSON text ended, and why: at a limit, or at the value that was searched for.

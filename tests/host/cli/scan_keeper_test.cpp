@@ -43,11 +43,11 @@ TEST_F(ScanKeeperTest, AppendsToWhatAnotherRunHasAddedMeanwhile) {
 }
 
 TEST_F(ScanKeeperTest, SavesToAnotherFileWhatAFullOneCannotTake) {
-    Save(1000);
+    Save(50000);
     ScanKeeper keeper({path_, true});
     keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
     EXPECT_THROW(keeper.Save(), std::runtime_error);
-    EXPECT_EQ(1000U, Sweeps());
+    EXPECT_EQ(50000U, Sweeps());
     EXPECT_EQ(1U, Sweeps(".2"));
 }
 
