@@ -184,7 +184,7 @@ std::string AddressOrder(const std::string& address) {
         return order;
     }
     const auto bytes = ParseIPv6(address);
-    return bytes ? "6" + *bytes : "7" + address;
+    return bytes ? "6" + *bytes : kNameOrder + address;
 }
 
 PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers) {

@@ -43,6 +43,7 @@ struct DeviceRow {
 
 // Bytes that sort addresses by their numbers, and IPv4 before IPv6 before names.
 std::string AddressOrder(const std::string& address);
+constexpr char kNameOrder = '7';  // the first byte of a name's order
 
 // The variables of a device that were requested after a sweep.
 PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers);

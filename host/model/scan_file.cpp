@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "model/device_merge.h"
+#include "model/device_view.h"
 #include "values/json_output.h"
 #include "values/module_types.h"
 #include "values/plain_text.h"
@@ -121,9 +122,11 @@ bool IsTime(std::string_view text) {
                       });
 }
 
-bool IsAddress(std::string_view text) {
-    constexpr std::string_view kLetters = "0123456789abcdefABCDEF.:";
-    return text.size() < kAddressSize && text.find_first_not_of(kLetters) == std::string_view::npos;
+// Of a number, without a zone. Letters alone would not tell: "beef.de" is a name that a request
+// would resolve.
+bool IsAddress(const std::string& text) {
+    return text.empty() || (text.size() < kAddressSize && text.find('%') == std::string::npos &&
+                            AddressOrder(text)[0] != kNameOrder);
 }
 
 // Throws a Refusal.

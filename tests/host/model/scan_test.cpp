@@ -221,7 +221,7 @@ TEST(ScanFile, RefusalsNameLineAndReason) {
              {"[0,1]", "[0]", "line 7: a split does not have two answers"},
              {"\"A0\"", "\"A\"", "line 6: \"hex\" is not hexadecimal"},
              {"\"a\"", "7", "line 5: \"text\" is not a string"},
-             {"fe80::1", "fe80::1/x", "line 6: \"address\" is not numeric"},
+             {"fe80::1", "beef.de", "line 6: \"address\" is not numeric"},
              {"04:32:24Z", "04:32", "line 6: \"time\" is not a time"},
              {"{\"sweep\":0", "{\"sweep\":1", "line 5: \"sweep\" is not a valid number"},
              {"{\"sweep\":0", "{\"sweep\":0.5", "line 5: \"sweep\" is not a valid number"},
