@@ -21,6 +21,8 @@ export DISPLAY VNDISCOVER_WINE_DISPLAY=$DISPLAY
 Wine() { "$here/wine-run.sh" host "$@"; }
 Wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$dpi" /f >/dev/null
 Wine reg add 'HKCU\Software\Wine\X11 Driver' /v Managed /d N /f >/dev/null
+Wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d x11 /f >/dev/null
+"$here/wine-run.sh" --stop host # its desktop has no display
 ip netns exec hall wsdd -4 -i eth0 -n HALL >/dev/null 2>&1 </dev/null &
 
 Picture() { import -window root "$folder/$1-$dpi.png"; }

@@ -6,7 +6,7 @@ set -euo pipefail
 
 WINE=${VNDISCOVER_WINE:-/usr/lib/wine/wine64}
 [ -x "$WINE" ] || Die "$WINE is missing: run scripts/install-packages.sh as root"
-RECIPE=1 # increase it when the steps below change their output
+RECIPE=2 # increase it when the steps below change their output
 template=$VNDISCOVER_CACHE/wine/$("$WINE" --version | tr -c 'A-Za-z0-9.\n' _)-$(id -u)-$RECIPE
 if [ -e "$template/ready" ]; then
     echo "$template/prefix"
@@ -23,11 +23,13 @@ fi
 Say "making the Wine prefix that the labs start from (about 15 s, once)"
 rm -rf "$template"
 mkdir -p "$template"
+# With Wine's null display, windows work and nobody sees them. Without any display, even a window for messages alone
+# cannot be created while the desktop starts, as many programs that start at once found out.
 # In a private lab, whose end also ends Wine's server.
 export WINEPREFIX=$template/prefix WINEDEBUG=-all WINEDLLOVERRIDES='winemenubuilder.exe,mscoree,mshtml='
 unset DISPLAY WAYLAND_DISPLAY
 Quietly "$ROOT/scripts/lab/private-net.sh" bash -c \
-    "'$WINE' wineboot -i && '$(dirname "$WINE")/wineserver64' -w" 9>&- || Die "wineboot failed"
+    "'$WINE' wineboot -i && '$WINE' reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null && '$(dirname "$WINE")/wineserver64' -w" 9>&- || Die "wineboot failed"
 
 # Disables services that no test needs, so that a lab starts in two thirds of the time. nsiproxy stays: it lists
 # the adapters.

@@ -1,7 +1,6 @@
 """Sweeps of every kind from both adapters of the host: what devices on both sides receive, byte for byte, and that their
 answers are found. And WS-Discovery replies: a burst while the program is suspended, and hostile ones."""
 
-import ctypes
 import json
 import re
 import signal
@@ -10,7 +9,7 @@ import subprocess
 import threading
 import unittest
 
-from lab import at_once, found, main, on_host
+from lab import at_once, found, main, on_host, socket_in
 
 NETS = {"neta": "1", "netb": "2"}
 BURST = 400  # the kernel queues about 280 for a socket with the default receive buffer
@@ -19,10 +18,8 @@ MATCH = ('<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"><e:Body>
          '</d:XAddrs></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>').encode()
 GROUP = socket.inet_aton("239.255.255.250")
 IP_PKTINFO = 8
-CLONE_NEWNET = 0x40000000
 OID = bytes.fromhex("2b06010401ae4b2b0501010101")
 ENGINE = bytes.fromhex("8000174b0501020304")
-LIBC = ctypes.CDLL(None, use_errno=True)
 seen = []  # "NET: SENDER > RECEIVER:PORT DATA"
 flooded = {}  # "program": the one to be suspended
 
@@ -59,10 +56,7 @@ class Device(threading.Thread):
         super().__init__(daemon=True)
         self.net, self.port, self.family = net, port, family
         self.text = b"on " + net.encode()
-        with open("/proc/self/ns/net", "rb") as own, open(f"/run/netns/{net}", "rb") as other:
-            LIBC.setns(other.fileno(), CLONE_NEWNET)
-            self.socket = socket.socket(family, socket.SOCK_DGRAM)
-            LIBC.setns(own.fileno(), CLONE_NEWNET)
+        self.socket = socket_in(net, family)
         if family == socket.AF_INET:
             self.socket.setsockopt(socket.IPPROTO_IP, IP_PKTINFO, 1)
             self.socket.bind(("", port))

@@ -1,12 +1,14 @@
 """Shared by the tests in labs: the network, an agent in it, and ways to run the console host."""
 
 import concurrent.futures
+import ctypes
 import os
 import pty
 import re
 import select
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -21,6 +23,8 @@ BIN = os.environ.get("VNDISCOVER_BIN", f"{TREE}/build/release/bin")
 LAB = os.environ["VNDISCOVER_LAB"]
 AGENT, AGENT6 = "10.77.1.2", "fe80::1:2"
 V3 = ["--v3", "-u", "admin", "-a", "sha-256", "-x", "aes128"]
+CLONE_NEWNET = 0x40000000
+LIBC = ctypes.CDLL(None, use_errno=True)
 HAS_WSDD = shutil.which("wsdd")  # otherwise wsdd2
 SECRETS = {"VNDISCOVER_AUTH_PASS": "authpass1", "VNDISCOVER_PRIV_PASS": "privpass1"}
 # An agent whose user is that of V3 and SECRETS.
@@ -36,6 +40,15 @@ rouser admin priv
 def start_in(net, *command, **options):
     return subprocess.Popen(["ip", "netns", "exec", net, *command], stdin=subprocess.DEVNULL, text=True,
                             **{"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, **options})
+
+
+def socket_in(net, family):
+    """A datagram socket in the namespace `net`."""
+    with open("/proc/self/ns/net", "rb") as own, open(f"/run/netns/{net}", "rb") as other:
+        LIBC.setns(other.fileno(), CLONE_NEWNET)
+        made = socket.socket(family, socket.SOCK_DGRAM)
+        LIBC.setns(own.fileno(), CLONE_NEWNET)
+    return made
 
 
 def start_agent(net, conf):

@@ -76,21 +76,26 @@ void WriteTexts(const std::string& folder) {
     Write(folder + "shapes.txt", shapes);
 }
 
+int Failed(const std::string& problem) {
+    std::fprintf(stderr, "window_helper: %s\n", problem.c_str());
+    return 1;
+}
+
 // The exit code of the program, which the system itself finds and hands the words to.
 int RunCommand(const std::string& path) {
     std::string problem;
     const auto text = ReadFileText(path, MAX_PATH * 4, problem);
-    if (!text) return 1;
+    if (!text) return Failed(problem);
     wchar_t line[8192];
     constexpr DWORD kLineSize = static_cast<DWORD>(std::size(line));
     const DWORD size = ExpandEnvironmentStringsW(ToWide(*text).c_str(), line, kLineSize);
-    if (size == 0 || size > kLineSize) return 1;
+    if (size == 0 || size > kLineSize) return Failed("the line is too long");
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
     if (!CreateProcessW(nullptr, line, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
                         &process))
-        return 1;
+        return Failed("not started, error " + std::to_string(GetLastError()));
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD code = 1;
     GetExitCodeProcess(process.hProcess, &code);

@@ -7,7 +7,7 @@ import re
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, LAB, SCRIPTS, SECRETS, V3, at_once, found, main, run, start_agent, start_responder
+from lab import AGENT, AGENT_CONF, LAB, SECRETS, V3, at_once, found, main, run, start_agent, start_responder
 
 PRIVATE = "10.77.2.2"  # refuses communities
 SCAN = LAB + "/scan.json"
@@ -71,11 +71,6 @@ class Scripts(unittest.TestCase):
 def prepare():
     os.mkdir(FULL)
     subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", FULL], check=True)
-    wine = SCRIPTS + "/wine-run.sh"
-    subprocess.run([wine, "host", "reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null", "/f"],
-                   check=True, stdout=subprocess.DEVNULL)
-    # The programs that ran so far have a desktop without a driver, and do not see the disk.
-    subprocess.run([wine, "--stop", "host"], check=True)
     start_agent("netb", re.sub("rocommunity6? .*", "", AGENT_CONF) + MODEL.format(2))
     start_responder("netb", PRIVATE)
 

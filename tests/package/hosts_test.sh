@@ -58,9 +58,6 @@ SOURCE
         "$kit/lib/VnDiscover.lib"
 fi
 
-# Windows that paint, without a display. Read when the prefix's first window is made, so set before that.
-"$lab/wine-run.sh" host reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null >/dev/null
-"$lab/wine-run.sh" --stop host
 "$lab/snmp-agent.sh" neta printer >/dev/null <<'CONF'
 agentAddress udp:161
 rocommunity sesame

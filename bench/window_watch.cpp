@@ -1,0 +1,108 @@
+// vndiscover_window_watch.exe DEVICES: starts the VnBrowser.exe beside it with a sweep and asks its
+// window every 50 ms for an answer, until the sweep is over. Prints a line of JSON: the devices in
+// the list, how often the window was asked, and its longest time to answer, in milliseconds. Exit
+// codes: 0 DEVICES devices are shown, 1 fewer or more, or the window did not answer.
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "window/resource.h"
+
+namespace {
+
+constexpr DWORD kPauseMs = 50;
+constexpr UINT kSilentMs = 30000;  // after that, the window is taken to hang
+constexpr ULONGLONG kStartMs = 60000, kSweepMs = 120000;
+
+double NowMs() {
+    LARGE_INTEGER now, frequency;
+    QueryPerformanceCounter(&now);
+    QueryPerformanceFrequency(&frequency);
+    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+class Watch {
+  public:
+    explicit Watch(HWND window) : window_(window), list_(GetDlgItem(window, IDC_DEVICES)) {}
+
+    // False: no answer.
+    bool Ask(HWND window, UINT message, DWORD_PTR& result, WPARAM size = 0, LPARAM text = 0) {
+        const double began = NowMs();
+        const bool isAnswered =
+            SendMessageTimeoutW(window, message, size, text, SMTO_NORMAL, kSilentMs, &result) != 0;
+        worstMs_ = std::max(worstMs_, NowMs() - began);
+        ++asked_;
+        return isAnswered;
+    }
+
+    // Until the sweep is over. False: it did not end, or the window did not answer.
+    bool UntilOver(int& devices) {
+        const ULONGLONG end = GetTickCount64() + kSweepMs;
+        bool isOver = false;
+        while (!isOver && GetTickCount64() < end) {
+            Sleep(kPauseMs);
+            DWORD_PTR result = 0;
+            if (!Ask(window_, WM_NULL, result) || !Ask(list_, LVM_GETITEMCOUNT, result))
+                return false;
+            devices = static_cast<int>(result);
+            isOver = devices != 0 && CanFind();
+        }
+        return isOver;
+    }
+
+    void Print(int devices) const {
+        std::printf("{\"devices\": %d, \"asked\": %d, \"worst_ms\": %.1f}\n", devices, asked_,
+                    worstMs_);
+    }
+
+  private:
+    bool CanFind() {
+        wchar_t text[64] = L"";
+        DWORD_PTR length = 0;
+        return Ask(GetDlgItem(window_, IDC_FIND), WM_GETTEXT, length, 64,
+                   reinterpret_cast<LPARAM>(text)) &&
+               std::wstring(text) == L"Fi&nd";
+    }
+
+    HWND window_, list_;
+    int asked_ = 0;
+    double worstMs_ = 0;
+};
+
+HWND WaitForWindow() {
+    const ULONGLONG end = GetTickCount64() + kStartMs;
+    HWND window = nullptr;
+    while (GetTickCount64() < end) {
+        window = FindWindowW(L"VnBrowser", nullptr);
+        if (window && GetDlgItem(window, IDC_STATUS)) break;  // its last control
+        Sleep(5);
+    }
+    return window;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) return 2;
+    wchar_t line[] = L"VnBrowser.exe --sweep";
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process;
+    if (!CreateProcessW(nullptr, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+                        &process))
+        return 2;
+    const HWND window = WaitForWindow();
+    int devices = 0;
+    Watch watch(window);
+    const bool isOver = window && watch.UntilOver(devices);
+    watch.Print(devices);
+    if (window) PostMessageW(window, WM_CLOSE, 0, 0);
+    if (WaitForSingleObject(process.hProcess, kSilentMs) != WAIT_OBJECT_0)
+        TerminateProcess(process.hProcess, 1);
+    return isOver && devices == std::atoi(argv[1]) ? 0 : 1;
+}
