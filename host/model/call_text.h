@@ -23,6 +23,8 @@ struct Call {
     std::string result;                   // what it returned, or the answer
     std::optional<size_t> answers;        // of a sweep
     unsigned milliseconds = 0;
+    unsigned walk = 0;  // the number of the walk that it is a part of; 0: none
+    size_t more = 0;    // calls of the same walk that came directly after it
 };
 
 enum class CallLanguage { kCpp, kCSharp, kCommand };

@@ -31,6 +31,9 @@ std::wstring CellText(const Call& call, int column) {
         case kExport:
             return ToWide(PlainText(CallLine(call)));
         case kResult:
+            if (call.more != 0)
+                return Text(IDS_CALL_MORE,
+                            {ToWide(PlainText(call.result)), std::to_wstring(call.more)});
             return call.answers ? Text(IDS_CALL_ANSWERS,
                                        {ToWide(call.result), std::to_wstring(*call.answers)})
                                 : ToWide(PlainText(call.result));
@@ -54,6 +57,11 @@ CallsWindow::~CallsWindow() {
 }
 
 void CallsWindow::Add(Call call) {
+    if (call.walk != 0 && !calls_.empty() && calls_.front().walk == call.walk) {
+        ++calls_.front().more;
+        isFolded_ = true;
+        return;
+    }
     calls_.push_front(std::move(call));
     if (calls_.size() > kMaxCalls) calls_.pop_back();
     ++added_;
@@ -61,7 +69,8 @@ void CallsWindow::Add(Call call) {
 
 void CallsWindow::Refresh() {
     const size_t added = std::exchange(added_, 0);
-    if (!dialog_ || added == 0) return;
+    const bool isFolded = std::exchange(isFolded_, false);
+    if (!dialog_ || (added == 0 && !isFolded)) return;
     const HWND list = GetDlgItem(dialog_, IDC_CALLS);
     const int selected = ListView_GetNextItem(list, -1, LVNI_SELECTED);
     ListView_SetItemCountEx(list, static_cast<int>(calls_.size()), LVSICF_NOSCROLL);

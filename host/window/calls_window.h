@@ -20,7 +20,7 @@ class CallsWindow {
     CallsWindow(const CallsWindow&) = delete;
     CallsWindow& operator=(const CallsWindow&) = delete;
 
-    // Only the last thousand are kept.
+    // Only the last thousand are kept. Calls of one walk that come one after the other are one row.
     void Add(Call call);
     // Shows the calls that were added since the last time.
     void Refresh();
@@ -38,6 +38,7 @@ class CallsWindow {
     OnCopy onCopy_;
     std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh
+    bool isFolded_ = false;   // likewise, a call is in the row of another
     HWND dialog_ = nullptr;
     HFONT font_ = nullptr;  // of the text, while the dialog is open
 };

@@ -13,6 +13,7 @@
 #include "model/computer_report.h"
 #include "model/printer_reader.h"
 #include "model/scan.h"
+#include "model/walk.h"
 
 namespace vndiscover::host {
 
@@ -35,8 +36,8 @@ struct AskTarget {
     Credentials credentials;
 };
 
-// Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading at a
-// time.
+// Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading or walk
+// at a time.
 class Engine {
   public:
     using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;
@@ -49,6 +50,9 @@ class Engine {
     virtual void StopWsd() = 0;
     // mayGoOn is called before each request, which takes 12 s at most.
     virtual PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
+    using OnVariable = std::function<bool(const Answer&)>;  // false: no more
+    virtual WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
+                         const OnVariable& onVariable) = 0;
 
     // About this computer; these send nothing.
     virtual AdapterList IPv4() = 0;

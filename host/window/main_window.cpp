@@ -127,6 +127,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (wParam == kFrameTimer) OnFrame();
             if (wParam == kStatusTimer) {
                 if (isStopping_) workers_->RepeatStop();
+                walk_.Refresh();
                 ShowStatus();
             }
             return 0;
@@ -376,6 +377,9 @@ void MainWindow::OnCommand(int id, int code) {
         case IDM_ASK_ALL:
             AskAll();
             break;
+        case IDM_WALK:
+            OpenWalk();
+            break;
         case IDM_SPLIT:
             if (row && session_.Split(*row) && session_.Refresh()) ShowRows();
             break;
@@ -617,6 +621,29 @@ void MainWindow::AskSelected(bool isAgain) {
     workers_->Ask(*target, true);
 }
 
+WalkWindow::Actions MainWindow::WalkActions() {
+    WalkWindow::Actions actions;
+    actions.start = [this](const AskTarget& target, const Oid& root, unsigned walk) {
+        workers_->Walk(target, root, walk);
+        SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
+    };
+    actions.stop = [this] {
+        if (workers_) workers_->StopWalk();
+    };
+    return actions;
+}
+
+void MainWindow::OpenWalk() {
+    const DeviceRow* row = session_.view.SelectedRow();
+    auto target = row ? session_.TargetOf(*row) : std::nullopt;
+    if (!target) {
+        note_ = Text(IDS_NO_SELECTION);
+        return;
+    }
+    target->credentials = credentials_;
+    walk_.Open(window_, *std::move(target));
+}
+
 void MainWindow::AskAll() {
     for (size_t index = 0; index < session_.view.Count(); ++index) {
         const DeviceRow& row = session_.view.Row(index);
@@ -639,6 +666,15 @@ void MainWindow::OnFrame() {
             SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
         }
         if (event.kind == Event::kAsked) asked_.clear();
+        if (event.kind == Event::kWalkBegan) {
+            walked_ = event.address;
+            walkStartMs_ = GetTickCount64();
+            walkValues_ = 0;
+        }
+        if (event.kind == Event::kWalkStep) ++walkValues_;
+        // One that was dropped before it began has no address.
+        if (event.kind == Event::kWalked && !event.address.empty()) walked_.clear();
+        walk_.Take(event);
         if (event.kind == Event::kAdapters) sweptAddresses_ = event.adapters.addresses.size();
         if (event.kind == Event::kCalled) calls_.Add(event.call);
         if (event.kind == Event::kReport) {
@@ -649,6 +685,7 @@ void MainWindow::OnFrame() {
     }
     if (session_.Refresh()) ShowRows();
     calls_.Refresh();
+    walk_.Refresh();
     if (isIdle) OnIdle();
     ShowStatus();
 }
@@ -683,6 +720,9 @@ std::wstring MainWindow::StatusText() const {
         const size_t waiting = workers_ ? workers_->Waiting() : 0;
         return waiting == 0 ? asking : Text(IDS_ASKING_MORE, {asking, std::to_wstring(waiting)});
     }
+    if (!walked_.empty())
+        return Text(IDS_WALK_STATUS, {ToWide(walked_), seconds(now - walkStartMs_),
+                                      std::to_wstring(walkValues_)});
     if (!note_.empty()) return note_;
     if (!wasSwept_) return Text(IDS_READY);
     return Text(isStopped_ ? IDS_STOPPED : IDS_DONE, {seconds(endMs_ - startMs_), answers});

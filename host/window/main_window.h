@@ -14,6 +14,7 @@
 #include "window/engine.h"
 #include "window/session.h"
 #include "window/settings.h"
+#include "window/walk_window.h"
 #include "window/workers.h"
 
 namespace vndiscover::host {
@@ -77,6 +78,8 @@ class MainWindow {
     bool IsTicked(int id) const;
     void AskSelected(bool isAgain);
     void AskAll();
+    WalkWindow::Actions WalkActions();
+    void OpenWalk();
     void OnFrame();
     void OnIdle();
     void ShowRows();
@@ -111,10 +114,14 @@ class MainWindow {
     ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
     size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
     std::string asked_;                        // the address that is being read; empty: none
+    std::string walked_;                       // likewise
+    ULONGLONG walkStartMs_ = 0;
+    size_t walkValues_ = 0;
     std::wstring note_;                        // shown as the status until the next action
     int exitCode_ = 0;
     // Last, so that their threads end before the members that they use.
     CallsWindow calls_;
+    WalkWindow walk_{WalkActions()};
     EventQueue events_;
     std::unique_ptr<Workers> workers_;
 };

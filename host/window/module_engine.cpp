@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "device/device.h"
 #include "model/json_request.h"
 #include "platform/result_window.h"
 #include "platform/saved_file.h"
@@ -66,6 +65,13 @@ Security CopyOf(const Security& user) {
     return copy;
 }
 
+Device DeviceOf(const AskTarget& target) {
+    Device device(target.address, ToAnsi(target.credentials.community), "");
+    if (target.kind == SweepKind::kSnmpV3 && target.credentials.security)
+        device.Use(CopyOf(*target.credentials.security));
+    return device;
+}
+
 // Measures the time of a call.
 class Stopwatch {
   public:
@@ -116,13 +122,11 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
 void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }
 void ModuleEngine::StopWsd() { StopDiscoverSoap(); }
 
-PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
-    Device device(target.address, ToAnsi(target.credentials.community), "");
-    if (target.kind == SweepKind::kSnmpV3 && target.credentials.security)
-        device.Use(CopyOf(*target.credentials.security));
+Asker ModuleEngine::AskerFor(const Device& device, const AskTarget& target,
+                             std::function<bool()> mayGoOn, unsigned walk) const {
     Asker asker = AskerOf(device);
     asker.mayGoOn = std::move(mayGoOn);
-    asker.getNext = [&, ask = std::move(asker.getNext)](const Oid& oid) {
+    asker.getNext = [this, &target, walk, ask = std::move(asker.getNext)](const Oid& oid) {
         const Stopwatch watch;
         Answer answer = ask(oid);
         Call call = watch.Timed(CallOf(target, oid));
@@ -130,10 +134,23 @@ PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()>
                           ? NameText(answer.oid) + " = " +
                                 FormatNamedValue(answer.oid, answer.type, answer.bytes)
                           : Problem(answer);
+        if (answer.status == Status::kAnswered) call.walk = walk;  // a failure is shown by itself
         Tell(std::move(call));
         return answer;
     };
+    return asker;
+}
+
+PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
+    const Device device = DeviceOf(target);
+    const Asker asker = AskerFor(device, target, std::move(mayGoOn), 0);
     return ReadInterfaces(asker, ReadPrinter(asker));
+}
+
+WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
+                           const OnVariable& onVariable) {
+    const Device device = DeviceOf(target);
+    return WalkSubtree(AskerFor(device, target, std::move(mayGoOn), ++walks_), root, onVariable);
 }
 
 AdapterList ModuleEngine::IPv4() { return ThisComputer().IPv4(); }

@@ -2,6 +2,7 @@
 #ifndef VNDISCOVER_HOST_WINDOW_MODULE_ENGINE_H
 #define VNDISCOVER_HOST_WINDOW_MODULE_ENGINE_H
 
+#include "device/device.h"
 #include "window/engine.h"
 
 namespace vndiscover::host {
@@ -12,8 +13,17 @@ class ModuleEngine : public Engine {
     void StopSnmp() override;
     void StopWsd() override;
     PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) override;
+    WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
+                 const OnVariable& onVariable) override;
     AdapterList IPv4() override;
     ComputerReport Report() override;
+
+  private:
+    // Both must outlive the asker, which tells of each call.
+    Asker AskerFor(const Device& device, const AskTarget& target, std::function<bool()> mayGoOn,
+                   unsigned walk) const;
+
+    unsigned walks_ = 0;
 };
 
 }  // namespace vndiscover::host

@@ -5,6 +5,7 @@
 #define IDR_KEYS 101
 #define IDD_SNMP 102
 #define IDD_CALLS 103
+#define IDD_WALK 104
 
 // Controls of the main window.
 #define IDC_FIND 200
@@ -36,6 +37,9 @@
 #define IDC_PROFILE_NOTE 237
 #define IDC_CALLS 240
 #define IDC_CALL_TEXT 241
+#define IDC_WALK_ROOT 245
+#define IDC_WALK_VALUES 246
+#define IDC_WALK_STATE 247
 
 // Commands, and the strings of the menu that name them.
 #define IDM_OPEN 300
@@ -52,6 +56,7 @@
 #define IDM_ASK_ALL 321
 #define IDM_SPLIT 322
 #define IDM_WEB 323
+#define IDM_WALK 324
 #define IDM_SNMP 330
 #define IDM_DOCTOR 331
 #define IDM_FILTER 332
@@ -186,6 +191,7 @@
 #define IDS_CALL_COMMAND 560
 #define IDS_CALL_COPY 561
 #define IDS_CALL_CLOSE 562
+#define IDS_CALL_MORE 563
 #define IDS_PAGE_SUMMARY 570
 #define IDS_PAGE_PROTOCOLS 571
 #define IDS_PAGE_INTERFACES 572
@@ -211,5 +217,24 @@
 #define IDS_INTERFACE_SPEED 597
 #define IDS_INTERFACE_ADDRESS 598
 #define IDS_INTERFACES_NONE 599
+#define IDS_WALK_TITLE 600
+#define IDS_WALK_ROOT 601
+#define IDS_WALK_START 602
+#define IDS_WALK_STOP 603
+#define IDS_WALK_COPY_ROW 604
+#define IDS_WALK_COPY_ALL 605
+#define IDS_WALK_OID 606
+#define IDS_WALK_READY 607
+#define IDS_WALK_BAD_ROOT 608
+#define IDS_WALK_NO_ROOT 609
+#define IDS_WALK_WAITING 610
+#define IDS_WALKING 611
+#define IDS_WALK_END 612
+#define IDS_WALK_STOPPED 613
+#define IDS_WALK_PROBLEM 614
+#define IDS_WALK_TURNS 615
+#define IDS_WALK_LAST 616
+#define IDS_WALK_FULL 617
+#define IDS_WALK_STATUS 618
 
 #endif  // VNDISCOVER_HOST_WINDOW_RESOURCE_H

@@ -46,6 +46,9 @@ void Session::Take(const Event& event) {
             isChanged_ = true;
             break;
         case Event::kAskBegan:
+        case Event::kWalkBegan:
+        case Event::kWalkStep:
+        case Event::kWalked:
         case Event::kReport:
         case Event::kCalled:
             break;

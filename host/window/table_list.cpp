@@ -51,22 +51,4 @@ void TableList::OnNotify(NMHDR* header) const {
     lstrcpynW(item.pszText, cell_(row, column).c_str(), item.cchTextMax);
 }
 
-std::wstring TableList::RowText(size_t row) const {
-    std::wstring line;
-    for (size_t column = 0; column < columns_; ++column)
-        line += (column == 0 ? L"" : L"\t") + cell_(row, column);
-    return line + L"\r\n";
-}
-
-std::wstring TableList::SelectedText() const {
-    const int row = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
-    return row < 0 || static_cast<size_t>(row) >= rows_ ? L"" : RowText(static_cast<size_t>(row));
-}
-
-std::wstring TableList::WholeText() const {
-    std::wstring text;
-    for (size_t row = 0; row < rows_; ++row) text += RowText(row);
-    return text;
-}
-
 }  // namespace vndiscover::host

@@ -32,14 +32,8 @@ class TableList {
     void Show(size_t rows, CellText cell);
     // Handles WM_NOTIFY from this list.
     void OnNotify(NMHDR* header) const;
-    // One row or all as lines for the clipboard, cells separated by tabs; empty if none is
-    // selected.
-    std::wstring SelectedText() const;
-    std::wstring WholeText() const;
 
   private:
-    std::wstring RowText(size_t row) const;
-
     HWND list_ = nullptr;
     size_t rows_ = 0, columns_ = 0;
     CellText cell_;

@@ -55,15 +55,18 @@ Workers::~Workers() {
 
 void Workers::Sweep(const std::vector<SweepStep>& steps) {
     for (const SweepStep& step : steps) {
-        Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp,
-            {step, {}, Task::kNetwork, 0}, false);
+        Job job;
+        job.step = step;
+        Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp, std::move(job));
     }
 }
 
 void Workers::Ask(const AskTarget& target, bool isUrgent) {
-    SweepStep step;
-    step.kind = target.kind;
-    Add(WorkerId::kDirected, {step, target, Task::kNetwork, 0}, isUrgent);
+    Job job;
+    job.step.kind = target.kind;
+    job.target = target;
+    job.isUrgent = isUrgent;
+    Add(WorkerId::kDirected, std::move(job));
 }
 
 void Workers::Look(Task task) {
@@ -73,10 +76,44 @@ void Workers::Look(Task task) {
         free = worker;
         break;
     }
-    Add(free, {{}, {}, task, 0}, true);
+    Job job;
+    job.task = task;
+    job.isUrgent = true;
+    Add(free, std::move(job));
 }
 
-void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
+void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
+    Job job;
+    job.task = Task::kWalk;
+    job.target = target;
+    job.root = root;
+    job.walk = walk;
+    Add(WorkerId::kDirected, std::move(job));
+}
+
+void Workers::StopWalk() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ++walkStops_;
+    DropWalks();
+}
+
+// Must be called with the lock.
+void Workers::DropWalks() {
+    std::deque<Job>& jobs = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs;
+    const auto dropped = std::stable_partition(
+        jobs.begin(), jobs.end(), [](const Job& job) { return job.task != Task::kWalk; });
+    for (auto job = dropped; job != jobs.end(); ++job) {
+        Event event;
+        event.kind = Event::kWalked;
+        event.worker = WorkerId::kDirected;
+        event.walk = job->walk;
+        event.walkEnd.isStopped = true;
+        events_.Push(std::move(event));
+    }
+    jobs.erase(dropped, jobs.end());
+}
+
+void Workers::Add(WorkerId worker, Job job) {
     const std::lock_guard<std::mutex> lock(mutex_);
     Line& line = lines_[static_cast<size_t>(worker)];
     if (worker == WorkerId::kDirected) {
@@ -86,12 +123,16 @@ void Workers::Add(WorkerId worker, Job job, bool isUrgent) {
         };
         const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), isSame);
         if (known != line.jobs.end()) {
-            if (!isUrgent) return;
+            if (!job.isUrgent) return;
             line.jobs.erase(known);
         }
     }
     isStopTold_ = false;
-    line.jobs.insert(isUrgent ? line.jobs.begin() : line.jobs.end(), std::move(job));
+    auto place = job.isUrgent ? line.jobs.begin() : line.jobs.end();
+    if (job.task == Task::kWalk)
+        place = std::find_if(line.jobs.begin(), line.jobs.end(),
+                             [](const Job& other) { return !other.isUrgent; });
+    line.jobs.insert(place, std::move(job));
     if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
     changed_.notify_all();
 }
@@ -102,6 +143,7 @@ void Workers::Stop() {
         const std::lock_guard<std::mutex> lock(mutex_);
         ++stops_;
         wasTold = std::exchange(isStopTold_, true);
+        DropWalks();
         for (Line& line : lines_) line.jobs.clear();
     }
     Call call;
@@ -134,15 +176,22 @@ size_t Workers::Waiting() const {
     return lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
 }
 
+// Must be called with the lock.
+Workers::Job Workers::TakeFirst(Line& line) {
+    Job job = std::move(line.jobs.front());
+    line.jobs.pop_front();
+    job.stops = stops_;
+    job.walkStops = walkStops_;
+    return job;
+}
+
 void Workers::Run(WorkerId worker) {
     Line& line = lines_[static_cast<size_t>(worker)];
     std::unique_lock<std::mutex> lock(mutex_);
     while (true) {
         changed_.wait(lock, [&] { return isEnding_ || !line.jobs.empty(); });
         if (isEnding_) return;
-        Job job = std::move(line.jobs.front());
-        job.stops = stops_;
-        line.jobs.pop_front();
+        Job job = TakeFirst(line);
         line.isRunning = true;
         lock.unlock();
         try {
@@ -169,6 +218,7 @@ void Workers::Do(WorkerId worker, const Job& job) {
     event.worker = worker;
     event.step = job.step;
     event.time = UtcNow();
+    if (job.task == Task::kWalk) return DoWalk(job, std::move(event));
     if (job.task != Task::kNetwork) return DoLook(job.task, std::move(event));
     if (worker == WorkerId::kDirected) {
         event.address = job.target.address;
@@ -191,6 +241,41 @@ void Workers::Do(WorkerId worker, const Job& job) {
         answer.bytes = bytes;
         events_.Push(std::move(answer));
     });
+}
+
+void Workers::DoWalk(const Job& job, Event event) {
+    event.kind = Event::kWalkBegan;
+    event.address = job.target.address;
+    event.walk = job.walk;
+    events_.Push(event);
+    event.kind = Event::kWalkStep;
+    const auto mayGoOn = [&] {
+        while (stops_ == job.stops && DoUrgentJob()) continue;
+        return stops_ == job.stops && walkStops_ == job.walkStops;
+    };
+    size_t variables = 0;
+    const WalkEnd end =
+        engine_.Walk(job.target, job.root, mayGoOn, [&](const Answer& variable) {
+            event.variable = variable;
+            events_.Push(event);
+            return ++variables < kMaxWalkVariables;
+        });
+    event.kind = Event::kWalked;
+    event.walkEnd = end;
+    events_.Push(std::move(event));
+}
+
+// False if none is waiting.
+bool Workers::DoUrgentJob() {
+    Job job;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        Line& line = lines_[static_cast<size_t>(WorkerId::kDirected)];
+        if (line.jobs.empty() || !line.jobs.front().isUrgent) return false;
+        job = TakeFirst(line);
+    }
+    Do(WorkerId::kDirected, job);
+    return true;
 }
 
 void Workers::DoLook(Task task, Event event) {

@@ -20,12 +20,18 @@ namespace vndiscover::host {
 enum class WorkerId { kSnmp, kWsd, kDirected };
 constexpr size_t kWorkerCount = 3;
 
+// Bounds walks, whose length the device decides.
+constexpr size_t kMaxWalkVariables = 100000;
+
 struct Event {
     enum Kind {
         kSweepBegan,  // step
         kAnswer,      // address, bytes
         kAskBegan,    // step.kind, address
         kAsked,       // step.kind, address, read
+        kWalkBegan,   // walk, address
+        kWalkStep,    // walk, variable
+        kWalked,      // walk, walkEnd; address if it had begun
         kAdapters,    // adapters
         kReport,      // report
         kCalled,      // call
@@ -37,6 +43,9 @@ struct Event {
     SweepStep step;
     std::string address, bytes;
     PrinterAnswers read;
+    unsigned walk = 0;
+    Answer variable;
+    WalkEnd walkEnd;
     AdapterList adapters;
     ComputerReport report;
     Call call;
@@ -69,6 +78,10 @@ class Workers {
     void Sweep(const std::vector<SweepStep>& steps);
     // `isUrgent`: before all waiting devices. A device that is already waiting is not asked twice.
     void Ask(const AskTarget& target, bool isUrgent);
+    // Before the waiting devices that are not urgent. While it runs, urgent ones are asked between
+    // two of its requests. Its events have the number `walk`.
+    void Walk(const AskTarget& target, const Oid& root, unsigned walk);
+    void StopWalk();
     // Reports on this computer, as kAdapters and kReport. Sends nothing, but may take a second.
     // Runs on an idle worker, or otherwise next on the directed one.
     void LookAtAdapters() { Look(Task::kAdapters); }
@@ -83,12 +96,15 @@ class Workers {
     size_t Waiting() const;  // number of devices that are still to be asked
 
   private:
-    enum class Task { kNetwork, kAdapters, kReport };
+    enum class Task { kNetwork, kWalk, kAdapters, kReport };
     struct Job {
         SweepStep step;
         AskTarget target;
         Task task = Task::kNetwork;
-        unsigned stops = 0;  // when it began: it goes on until there are more
+        bool isUrgent = false;
+        Oid root;           // for kWalk
+        unsigned walk = 0;  // likewise
+        unsigned stops = 0, walkStops = 0;  // when it began: it goes on until there are more
     };
     struct Line {
         std::deque<Job> jobs;
@@ -96,10 +112,14 @@ class Workers {
         std::thread thread;
     };
     void Look(Task task);
-    void Add(WorkerId worker, Job job, bool isUrgent);
+    void Add(WorkerId worker, Job job);
+    Job TakeFirst(Line& line);
     void Run(WorkerId worker);
     void Do(WorkerId worker, const Job& job);
     void DoLook(Task task, Event event);
+    void DoWalk(const Job& job, Event event);
+    bool DoUrgentJob();
+    void DropWalks();
     void Tell(Call call);
 
     Engine& engine_;
@@ -108,6 +128,7 @@ class Workers {
     std::condition_variable changed_;
     std::array<Line, kWorkerCount> lines_;
     std::atomic<unsigned> stops_{0};
+    std::atomic<unsigned> walkStops_{0};
     bool isStopTold_ = true;  // reported as a call, once per run
     bool isEnding_ = false;
 };

@@ -97,6 +97,13 @@ TEST_F(Dialogs, FitLongerLanguages) {
         });
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 7);
+        DestroyWindow(PopupOf(window_->Handle()));
+        Command(IDC_FIND);
+        engine_.Say("10.77.1.1", "x");
+        ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;"; }));
+        Select(0);
+        Command(IDM_WALK);
+        CheckDialog(PopupOf(window_->Handle()), 8);
         window_.reset();
     }
 }

@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/model/scripted_device.h"
 #include "values/object_names.h"
 #include "window/main_window.h"
 #include "window/resource.h"
@@ -76,6 +77,28 @@ class ScriptedEngine : public Engine {
             answers.values[oid] = AnsweredWith(oid, 4, text);
         }
         return answers;
+    }
+    // Of the system's two variables, and of an endless table of interfaces.
+    WalkEnd Walk(const AskTarget&, const Oid& root, std::function<bool()> mayGoOn,
+                 const OnVariable& onVariable) override {
+        ScriptedDevice device;
+        device.Text("sysDescr.0", "a printer\x1B");
+        device.Text("sysName.0", "hall");
+        Asker asker = device.MakeAsker();
+        asker.mayGoOn = std::move(mayGoOn);
+        asker.getNext = [this, &device, ask = std::move(asker.getNext)](const Oid& oid) {
+            Sleep(1);
+            const Oid& column = OidOf("ifDescr");
+            Call call;
+            call.name = "GetNextSnmpRequestRaw";
+            call.walk = 1;
+            Tell(std::move(call));
+            if (!IsWithin(oid, column)) return ask(oid);
+            Oid next = column;
+            next.push_back(oid.size() == column.size() ? 1 : oid.back() + 1);
+            return AnsweredWith(next, kOctetString, "LAN");
+        };
+        return WalkSubtree(asker, root, onVariable);
     }
     AdapterList IPv4() override {
         adapterThread = GetCurrentThreadId();

@@ -20,12 +20,20 @@ class PatientEngine : public Engine {
         ended += !mayGoOn();
         return {};
     }
+    WalkEnd Walk(const AskTarget&, const Oid&, std::function<bool()> mayGoOn,
+                 const OnVariable&) override {
+        ++walks;
+        WalkEnd end;
+        while (mayGoOn()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        end.isStopped = true;
+        return end;
+    }
     AdapterList IPv4() override {
         ++looks;
         return {};
     }
     ComputerReport Report() override { return {}; }
-    std::atomic<int> begun{0}, ended{0}, looks{0};
+    std::atomic<int> begun{0}, ended{0}, looks{0}, walks{0};
 };
 
 template <class Condition>
@@ -58,6 +66,50 @@ TEST(Workers, ReportOnThisComputerWhileADeviceIsAsked) {
     workers.LookAtAdapters();
     EXPECT_TRUE(Comes([&] { return engine.looks == 1; }));
     EXPECT_EQ(0, engine.ended);
+}
+
+// A walk may take hours, and the selected device is asked for in between, others after it.
+TEST(Workers, SelectedDeviceIsAskedDuringAWalk) {
+    PatientEngine engine;
+    EventQueue events([] {});
+    Workers workers(engine, events);
+    workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, 1);
+    ASSERT_TRUE(Comes([&] { return engine.walks == 1; }));
+    workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, false);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(0, engine.begun);
+    workers.Ask({"10.0.0.3", SweepKind::kSnmpV1, {}}, true);
+    ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
+    workers.StopWalk();  // the reading goes on
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(0, engine.ended);
+    workers.Stop();
+    EXPECT_TRUE(Comes([&] { return !workers.IsBusy(); }));
+    EXPECT_EQ(1, engine.begun);
+}
+
+// Otherwise its window would wait for ever.
+TEST(Workers, WalkThatHasNotBegunTellsThatItIsDropped) {
+    PatientEngine engine;
+    EventQueue events([] {});
+    Workers workers(engine, events);
+    workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true);
+    ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
+    for (const unsigned walk : {1, 2}) {
+        workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, walk);
+        events.Drain();
+        if (walk == 1) {
+            workers.StopWalk();
+        } else {
+            workers.Stop();
+        }
+        unsigned dropped = 0;
+        for (const Event& event : events.Drain()) {
+            if (event.kind == Event::kWalked) dropped = event.walk;
+        }
+        EXPECT_EQ(walk, dropped);
+    }
+    EXPECT_EQ(0, engine.walks);
 }
 
 }  // namespace

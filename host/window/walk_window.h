@@ -1,0 +1,59 @@
+// A window that reads a subtree of one device's variables.
+#ifndef VNDISCOVER_HOST_WINDOW_WALK_WINDOW_H
+#define VNDISCOVER_HOST_WINDOW_WALK_WINDOW_H
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "window/table_list.h"
+#include "window/workers.h"
+
+namespace vndiscover::host {
+
+class WalkWindow {
+  public:
+    struct Actions {
+        std::function<void(const AskTarget& target, const Oid& root, unsigned walk)> start;
+        std::function<void()> stop;
+    };
+    explicit WalkWindow(Actions actions) : actions_(std::move(actions)) {}
+    ~WalkWindow();
+    WalkWindow(const WalkWindow&) = delete;
+    WalkWindow& operator=(const WalkWindow&) = delete;
+
+    // Opens it for a device, or brings it to the front. Another device's walk is stopped.
+    void Open(HWND owner, AskTarget target);
+    // Ignores events of walks that it no longer shows.
+    void Take(const Event& event);
+    // Shows what was taken since the last time.
+    void Refresh();
+
+  private:
+    enum class State { kIdle, kWaiting, kWalking, kStopping };
+
+    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
+    void Begin(HWND dialog);
+    void OnCommand(int id);
+    void Start();
+    void Stop();
+    void Forget();
+    void ShowValues();
+    void ShowState(const std::wstring& text);
+    std::wstring CellText(size_t row, size_t column) const;
+
+    Actions actions_;
+    AskTarget target_;
+    State state_ = State::kIdle;
+    unsigned walk_ = 0;  // number of the one that is shown
+    ULONGLONG startMs_ = 0;
+    std::vector<Answer> values_;
+    HWND dialog_ = nullptr;
+    TableList table_;
+};
+
+}  // namespace vndiscover::host
+
+#endif  // VNDISCOVER_HOST_WINDOW_WALK_WINDOW_H

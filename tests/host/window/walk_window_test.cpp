@@ -1,0 +1,124 @@
+#include "platform/wide_text.h"
+#include "scripted_window.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+class WalkTests : public MainWindowTest {
+  protected:
+    // Opens the window for the first of two devices.
+    void OpenWalk() {
+        Open();
+        Command(IDC_FIND);
+        engine_.Say("10.77.1.1", "x");
+        engine_.Say("10.77.1.3", "y");
+        ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.3;"; }));
+        engine_.End();
+        ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        Select(0);
+        ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+        Command(IDM_WALK);
+        walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.1");
+        ASSERT_TRUE(walk_);
+        list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
+    }
+    void Start(const wchar_t* root) const {
+        SetDlgItemTextW(walk_, IDC_WALK_ROOT, root);
+        Press(IDS_WALK_START);
+    }
+    void Press(int id) const { SendMessageW(walk_, WM_COMMAND, static_cast<WPARAM>(id), 0); }
+    std::wstring State() const { return TextOf(GetDlgItem(walk_, IDC_WALK_STATE)); }
+    int Rows() const { return ListView_GetItemCount(list_); }
+    static std::wstring Copied() {
+        if (!OpenClipboard(nullptr)) return L"";
+        const auto* text =
+            static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
+        std::wstring copy = text ? text : L"";
+        CloseClipboard();
+        return copy;
+    }
+
+    HWND walk_ = nullptr, list_ = nullptr;
+};
+
+TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
+    OpenWalk();
+    EXPECT_EQ(L".1.3.6.1.2.1", TextOf(GetDlgItem(walk_, IDC_WALK_ROOT)));
+    Start(L"system.%1");
+    EXPECT_EQ(0u, State().find(L"system.%1 is neither an OID"));
+    Start(L".1.3.6.1.2.1.20000");
+    EXPECT_EQ(0u, State().find(L".1.3.6.1.2.1.20000 cannot be requested"));
+    Start(L".1.3.6.1.2.1.1");
+    EXPECT_TRUE(Until([&] { return State() == L"2 values, and no more below this OID"; }));
+    EXPECT_EQ(2, Rows());
+    EXPECT_EQ(L".1.3.6.1.2.1.1.5.0", CellOf(list_, 1, 0));
+    EXPECT_EQ(L"sysName.0", CellOf(list_, 1, 1));
+    EXPECT_EQ(L"hall", CellOf(list_, 1, 2));
+    Press(IDS_WALK_COPY_ROW);  // none is selected
+    ListView_SetItemState(list_, 1, LVIS_SELECTED, LVIS_SELECTED);
+    Press(IDS_WALK_COPY_ROW);
+    const std::wstring row = L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n";
+    EXPECT_EQ(row, Copied());
+    Press(IDS_WALK_COPY_ALL);
+    EXPECT_EQ(std::wstring::npos, Copied().find(L'\x1B'));
+    EXPECT_EQ(row, Copied().substr(Copied().find(L'\n') + 1));
+    // The list is that of the last walk only.
+    Start(L"sysName");
+    EXPECT_TRUE(Until([&] { return State() == L"1 values, and no more below this OID"; }));
+    EXPECT_EQ(1, Rows());
+}
+
+TEST_F(WalkTests, GoesOnUntilItIsStopped) {
+    OpenWalk();
+    Start(L"ifDescr");
+    ASSERT_TRUE(Until([&] { return Rows() > 3; }));
+    EXPECT_EQ(L"S&top", TextOf(GetDlgItem(walk_, IDS_WALK_START)));
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Reading the values of 10.77.1.1 for "));
+    Select(1);  // asked during the walk
+    EXPECT_TRUE(Until([&] { return engine_.reads == 2; }));
+    const int rows = Rows();
+    EXPECT_TRUE(Until([&] { return Rows() > rows; }));
+    Press(IDS_WALK_START);
+    EXPECT_TRUE(Until([&] { return State().find(L" values, then stopped") != State().npos; }));
+    EXPECT_EQ(std::to_wstring(Rows()) + L" values, then stopped", State());
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Done") == 0; }));
+    // Its calls are one row.
+    Command(IDM_CALLS);
+    const HWND calls =
+        GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_CALLS);
+    EXPECT_LT(ListView_GetItemCount(calls), 5);
+    EXPECT_EQ(L", and " + std::to_wstring(Rows() - 1) + L" more of this walk",
+              CellOf(calls, 0, 2));
+}
+
+TEST_F(WalkTests, EitherWindowMayBeClosedDuringAWalk) {
+    OpenWalk();
+    Start(L"ifDescr");
+    ASSERT_TRUE(Until([&] { return Rows() > 1; }));
+    Press(IDCANCEL);
+    EXPECT_FALSE(IsWindow(walk_));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Done") == 0; }));
+    // Another device's walk replaces it, and begins with an empty list.
+    Command(IDM_WALK);
+    walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.1");
+    list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
+    Start(L"ifDescr");
+    ASSERT_TRUE(Until([&] { return Rows() > 1; }));
+    const HWND old = walk_;
+    Select(1);
+    Command(IDM_WALK);
+    EXPECT_FALSE(IsWindow(old));
+    walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.3");
+    list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
+    ASSERT_TRUE(walk_);
+    Start(L"ifDescr");
+    EXPECT_TRUE(Until([&] { return Rows() > 1; }));
+    EXPECT_EQ(L"ifDescr.1", CellOf(list_, 0, 1));
+    PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    EXPECT_EQ(0, window_->Run());
+    EXPECT_FALSE(IsWindow(walk_));
+}
+
+}  // namespace
+}  // namespace vndiscover::host
