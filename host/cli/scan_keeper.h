@@ -32,7 +32,7 @@ class ScanKeeper {
     void Add(const std::string& address, std::string_view bytes);
 
     // Asks each device that the last sweep found for what identifies it. `device` has the community
-    // or the security settings. Ctrl-C ends it.
+    // or the security settings. A device takes two minutes at most. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
     // Throws std::runtime_error. If the file of --append cannot take this run's answers, they are
