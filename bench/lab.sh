@@ -1,7 +1,7 @@
 #!/bin/bash
 # lab.sh BIN: runs the measurements of the programs in BIN inside private-net.sh (scripts/bench.sh starts it).
 # Writes raw results into the current folder, and keeps those of groups that are not run again.
-#   BENCH_GROUPS       some of: directed keys library growth collection codec v3; all by default
+#   BENCH_GROUPS       some of: directed keys library growth collection codec v3 window; all by default
 #   BENCH_REPETITIONS  of each sweep in the group growth; 3 by default
 set -euo pipefail
 here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
@@ -27,7 +27,7 @@ read -r -t 20 word <&3 && [ "$word" = ready ] || { echo "lab.sh: no answerer" >&
 
 Wine() { "$lab/wine-run.sh" host "$@" </dev/null | tr -d '\r'; }
 
-Wanted() { case " ${BENCH_GROUPS:-directed keys library growth collection codec v3} " in *" $1 "*) ;; *) return 1 ;; esac }
+Wanted() { case " ${BENCH_GROUPS:-directed keys library growth collection codec v3 window} " in *" $1 "*) ;; *) return 1 ;; esac }
 # Group NAME FILTER: benchmarks into bench-NAME.json and bench-NAME.log.
 Group() {
     Wanted "$1" || return 0
@@ -71,18 +71,22 @@ Growth() {
 END
 }
 
-# Thousands of SNMPv3 devices in one process, which also answers SNMPv1 for comparison.
+# ManyDevices AUTH PRIV: thousands of SNMPv3 devices in one process, which also answers SNMPv1. They need the agent's port.
+ManyDevices() {
+    kill "$agent" 2>/dev/null || true
+    ip -n neta route replace local 10.80.0.0/16 dev lo
+    ip -n host route replace 10.80.0.0/16 via 10.77.1.2
+    exec 4< <(exec ip netns exec neta "$bin/v3_devices" 10.80.0.1 8192 "$1" "$2")
+    devices=$!
+    read -r -t 20 word <&4 && [ "$word" = ready ] || { echo "lab.sh: no v3_devices" >&2; exit 1; }
+}
+
 V3() {
     Say "SNMPv3: sweeps of 8,192 devices"
-    kill "$agent" # frees the port
-    ip -n neta route add local 10.80.0.0/16 dev lo
-    ip -n host route add 10.80.0.0/16 via 10.77.1.2
     : >sweeps-v3.jsonl
-    local auth priv authLabel privLabel devices
+    local auth priv authLabel privLabel
     while read -r auth priv authLabel privLabel; do
-        exec 4< <(exec ip netns exec neta "$bin/v3_devices" 10.80.0.1 8192 "$auth" "$priv")
-        devices=$!
-        read -r -t 20 word <&4 && [ "$word" = ready ] || { echo "lab.sh: no v3_devices" >&2; exit 1; }
+        ManyDevices "$auth" "$priv"
         if [ "$auth" = sha256 ]; then
             Wine "$bin/vndiscover_one_sweep.exe" 8192 0 - - >>sweeps-v3.jsonl
             Wine "$bin/vndiscover_one_sweep.exe" 8192 1 - - >>sweeps-v3.jsonl
@@ -97,10 +101,21 @@ md5 des MD5 DES
 END
 }
 
+Window() {
+    Say "VnBrowser.exe: a sweep of 8,192 devices"
+    ManyDevices sha256 aes
+    : >window.jsonl
+    for _ in 1 2 3 4 5; do
+        Wine "$bin/vndiscover_window_watch.exe" 8192 >>window.jsonl
+    done
+    kill "$devices"
+}
+
 Group directed '^Directed'
 Group keys '^LocalisedKey'
 if Wanted library; then Library; fi
 if Wanted growth; then Growth; fi
 Group collection '^(Burst|CollectionCost|SteadyRate)'
 Group codec '^(EncodeV|DecodeV|One|AuthPriv)'
-if Wanted v3; then V3; fi  # last: it ends the agent
+if Wanted v3; then V3; fi  # it ends the agent
+if Wanted window; then Window; fi

@@ -151,10 +151,12 @@ class Report:
         bare = self.counter("DirectedTime", "bare_us")
         self.row("    of it: 2 bare exchanges", bare and bare * 2, "us")
 
+    def lines(self, name):
+        path = self.folder / name
+        return [json.loads(line) for line in path.read_text().splitlines() if line.startswith("{")] if path.exists() else []
+
     def v3(self):
-        lines = lambda name: [json.loads(line) for line in (self.folder / name).read_text().splitlines()
-                              if line.startswith("{")] if (self.folder / name).exists() else []
-        sweeps = lines("sweeps-v3.jsonl")
+        sweeps = self.lines("sweeps-v3.jsonl")
         beyond = lambda p: (p["elapsed_us"] / 1e6 - SILENCE_S) / max(p["delivered"], 1) * 1e3
         exchanges = {}
         for p in sweeps:
@@ -180,9 +182,16 @@ class Report:
         v3 = exchanges.get("v3")
         self.row("v1 exchange in a sweep, same agent", v1, "ms")
         self.most("authPriv exchange / v1 exchange", v3 / v1 if v1 and v3 else None, 4)
-        peer = (lines("netsnmp-v3.json") or [{}])[0]
+        peer = (self.lines("netsnmp-v3.json") or [{}])[0]
         self.row("the same exchange by net-snmp's library, native", peer.get("us") and peer["us"] / 1e3, "ms")
         self.row("    CPU", peer.get("cpu_us"), "us")
+
+    def window(self):
+        watched = self.lines("window.jsonl")
+        self.least("VnBrowser, 8,192 devices at once: shown, in the worst of the runs",
+                   min((run["devices"] for run in watched), default=None), 8192)
+        self.most("VnBrowser, 8,192 devices at once: longest time until it answers a message",
+                  max((run["worst_ms"] for run in watched), default=None), 200, "ms")
 
     def memory(self):
         def over(field):
@@ -265,6 +274,7 @@ class Report:
         self.keys()
         self.codec()
         self.v3()
+        self.window()
         self.memory()
         self.growth_rows()
         (self.folder / "results.json").write_text(json.dumps(

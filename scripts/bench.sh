@@ -13,7 +13,7 @@ Say "building"
 Quietly cmake --preset release -B "$out/win" -DVNDISCOVER_BUILD_TESTS=OFF -DVNDISCOVER_BUILD_BENCH=ON ||
     Die "the measurements cannot be configured"
 Quietly cmake --build "$out/win" -j "${VNDISCOVER_JOBS:-$(nproc)}" \
-    --target vndiscover_bench vndiscover_one_sweep || Die "the build failed"
+    --target vndiscover_bench vndiscover_one_sweep vndiscover_window_watch VnBrowser || Die "the build failed"
 cp "$out"/win/bin/*.exe "$out"/win/bin/*.dll "$out/bin/"
 cc -O2 -Wall -Wextra -o "$out/bin/answerer" bench/native/answerer.c
 cc -O2 -Wall -Wextra -o "$out/bin/netsnmp_loop" bench/native/netsnmp_loop.c -lnetsnmp
