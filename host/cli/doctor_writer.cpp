@@ -5,15 +5,12 @@
 #include <algorithm>
 
 #include "cli/labelled_lines.h"
+#include "model/doctor_text.h"
 #include "values/json_output.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
 namespace {
-
-constexpr char kElsewhere[] =
-    "the device is on none of this computer's networks: sweeps do not reach it, directed "
-    "requests do";
 
 std::string Seconds(unsigned seconds) { return std::to_string(seconds) + " s"; }
 
@@ -49,52 +46,6 @@ std::string RouteText(const Route& route) {
     if (route.source.empty()) return text + "no route";
     return text + "by " + (route.adapter.empty() ? "" : PlainText(route.adapter) + ", ") +
            route.source + (route.gateway.empty() ? "" : ", gateway " + route.gateway);
-}
-
-const char* PassageText(Passage passage) {
-    return passage == Passage::kOpen    ? "in"
-           : passage == Passage::kBrief ? "in briefly"
-                                        : "kept out";
-}
-
-void AddFirewall(Lines& lines, const FirewallReport& report) {
-    constexpr char kLabel[] = "Firewall";
-    if (!report.isKnown) lines.Add(kLabel, "not known here");
-    for (const PortVerdict& verdict : report.ports) {
-        lines.Add(kLabel, verdict.profile + " profile, answers from UDP " +
-                              std::to_string(verdict.port) + ": " + PassageText(verdict.passage) +
-                              " (" + verdict.reason + ")");
-    }
-    if (report.commands.empty()) return;
-    lines.Add(kLabel, "to let answers in, run as an administrator:");
-    for (const std::string& command : report.commands) lines.Add(kLabel, "  " + command);
-}
-
-std::string LogText(const LogSwitches& log) {
-    if (!log.file && !log.debugger) return "off";
-    return std::string(log.file ? "to VxAdmSvc.log" : "") +
-           (log.file && log.debugger ? " and " : "") + (log.debugger ? "to the debugger" : "");
-}
-
-const char* OutcomeText(Outcome outcome) {
-    switch (outcome) {
-        case Outcome::kNotAsked:
-            return "not asked";
-        case Outcome::kAnswered:
-            return "answered";
-        case Outcome::kSilent:
-            return "no answer";
-        case Outcome::kRefused:
-            return "refused";
-        case Outcome::kNotSent:
-            break;
-    }
-    return "not sent";
-}
-
-void AddStep(Lines& lines, const char* label, const StepResult& step) {
-    const std::string outcome = OutcomeText(step.outcome);
-    lines.Add(label, step.detail.empty() ? outcome : outcome + ": " + step.detail);
 }
 
 void AddPlanJson(cJSON* root, const char* name, const SweepPlan& plan) {
@@ -148,7 +99,7 @@ std::string ComputerText(const ComputerReport& report) {
     AddPlan(lines, "IPv4 sweep", report.ipv4);
     AddPlan(lines, "IPv6 sweep", report.ipv6);
     for (const Route& route : report.routes) lines.Add("Routes", RouteText(route));
-    AddFirewall(lines, report.firewall);
+    for (const std::string& line : FirewallLines(report.firewall)) lines.Add("Firewall", line);
     lines.Add("Log", LogText(report.log));
     for (const std::string& note : report.notes) lines.Add("Notes", note);
     for (const std::string& cause : report.causes) lines.Add("Verdict", cause);
@@ -173,10 +124,10 @@ std::string ComputerJson(const ComputerReport& report) {
 
 std::string HostText(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork) {
     Lines lines;
-    AddStep(lines, "Ping", diagnosis.ping);
-    AddStep(lines, "SNMPv1", diagnosis.v1);
-    AddStep(lines, "SNMPv3 engine", diagnosis.discovery);
-    AddStep(lines, "SNMPv3 user", diagnosis.user);
+    lines.Add("Ping", StepText(diagnosis.ping));
+    lines.Add("SNMPv1", StepText(diagnosis.v1));
+    lines.Add("SNMPv3 engine", StepText(diagnosis.discovery));
+    lines.Add("SNMPv3 user", StepText(diagnosis.user));
     lines.Add("Verdict", VerdictOn(diagnosis));
     if (isOnOwnNetwork == false) lines.Add("Note", kElsewhere);
     return lines.Text();

@@ -28,7 +28,8 @@ const ExportShape kCallShapes[] = {
      "retries, const char* readCommunity, const char* writeCommunity"},
     {"GetNextSnmpRequestV3",
      "const char* host, const char* oid, VnResponseRecord* record, uint32_t timeout, uint32_t "
-     "retries, " VN_V3_PARAMETERS}};
+     "retries, " VN_V3_PARAMETERS},
+    {"VxPing", "const char* address, UINT timeout", "BYTE"}};
 const size_t kCallShapeCount = sizeof kCallShapes / sizeof kCallShapes[0];
 
 #undef VN_V3_PARAMETERS
@@ -136,6 +137,7 @@ bool IsSweep(const Call& call) { return call.name.rfind("Discover", 0) == 0; }
 // Its replies may have no terminating zero.
 bool IsWsd(const Call& call) { return call.name == "DiscoverSoap"; }
 bool IsStop(const Call& call) { return call.name.rfind("Stop", 0) == 0; }
+bool IsPing(const Call& call) { return call.name == "VxPing"; }
 bool IsText(const std::string& type) { return type == "const wchar_t*" || type == "const char*"; }
 
 // The next character of UTF-8 text that is not ASCII; an invalid byte is taken as a character.
@@ -266,6 +268,10 @@ std::string CppText(const Call& call, const std::vector<Parameter>& parameters) 
     text +=
         IsSweep(call) ? WithValue(kCppWindow, IsWsd(call) ? "2048" : "4095") : "\nint main() {\n";
     if (IsSweep(call) || IsStop(call)) return text + CallOf(call, parameters, "    ", false) + "}";
+    if (IsPing(call)) {
+        text += CallOf(call, parameters, "    const BYTE isThere = ", false);
+        return text + "    std::printf(\"%s\\n\", isThere ? \"answered\" : \"no answer\");\n}";
+    }
     text += "    VnResponseRecord record = {};\n";
     text += CallOf(call, parameters, "    const int32_t result = ", false);
     text +=
@@ -283,18 +289,24 @@ std::string SharpText(const Call& call, const std::vector<Parameter>& parameters
                           IsWsd(call) ? "Marshal.PtrToStringAnsi(m.LParam, 2048).TrimEnd('\\0')"
                                       : "Marshal.PtrToStringAnsi(m.LParam)");
     }
-    const bool hasRecord = !IsSweep(call) && !IsStop(call);
+    const bool hasRecord = !IsSweep(call) && !IsStop(call) && !IsPing(call);
     if (hasRecord) text += kSharpRecord;
     std::vector<std::string> declared;
     declared.reserve(parameters.size());
     for (const Parameter& parameter : parameters)
         declared.push_back(SharpType(parameter) + " " + parameter.name);
     text += "\nstatic class Program {\n    [DllImport(\"VnDiscover.dll\")]\n";
-    text += Wrapped("    static extern int " + call.name + "(", declared, 8) + ";\n\n";
+    const std::string result = IsPing(call) ? "byte " : "int ";
+    text += Wrapped("    static extern " + result + call.name + "(", declared, 8) + ";\n\n";
     text += "    static void Main() {\n";
     if (IsSweep(call)) text += "        var window = new Results();\n";
     if (hasRecord) text += "        var record = new VnResponseRecord();\n";
-    text += CallOf(call, parameters, hasRecord ? "        int result = " : "        ", true);
+    const char* const before = hasRecord      ? "        int result = "
+                               : IsPing(call) ? "        byte isThere = "
+                                              : "        ";
+    text += CallOf(call, parameters, before, true);
+    if (IsPing(call))
+        text += "        Console.WriteLine(isThere != 0 ? \"answered\" : \"no answer\");\n";
     if (IsSweep(call)) text += "        GC.KeepAlive(window);\n";
     if (hasRecord)
         text +=
@@ -339,6 +351,7 @@ class Command {
     void AddUser(const Call& call) {
         if (!Find(call, "userName")) return Add("--community", Find(call, "readCommunity"));
         AddFlag("--v3");
+        isSafe_ &= !Given(call, "userName").empty();  // the option requires a name
         Add("-u", Find(call, "userName"));
         if (Given(call, "useAuth") == "1") Add("-a", Find(call, "authProtocol"));
         if (Given(call, "usePriv") == "1") Add("-x", Find(call, "privProtocol"));
@@ -354,6 +367,12 @@ std::string CommandText(const Call& call) {
     if (IsStop(call)) return "";
     if (IsWsd(call)) {
         Command command("wsd");
+        command.Add("--timeout", Find(call, "timeout"));
+        return command.Text();
+    }
+    if (IsPing(call)) {
+        Command command("ping");
+        command.Add("", Find(call, "address"));
         command.Add("--timeout", Find(call, "timeout"));
         return command.Text();
     }

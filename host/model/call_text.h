@@ -40,6 +40,7 @@ std::string CallLine(const Call& call);
 struct ExportShape {
     const char* name;
     const char* parameters;
+    const char* result = "int32_t";
 };
 extern const ExportShape kCallShapes[];
 extern const size_t kCallShapeCount;

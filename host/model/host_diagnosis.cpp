@@ -75,14 +75,21 @@ const char* Cause(const HostDiagnosis& diagnosis) {
 
 HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     HostDiagnosis diagnosis;
+    diagnosis.hasUser = steps.hasUser;
+    const auto mustStop = [&] {
+        diagnosis.isStopped = steps.mayGoOn && !steps.mayGoOn();
+        return diagnosis.isStopped;
+    };
+    if (mustStop()) return diagnosis;
     diagnosis.ping =
         steps.ping() ? StepResult{Outcome::kAnswered, ""} : StepResult{Outcome::kSilent, ""};
+    if (mustStop()) return diagnosis;
     diagnosis.v1 = ResultOf(steps.v1.getNext(kSysDescr));
+    if (mustStop()) return diagnosis;
     const Answer answer = steps.v3.getNext(kSysDescr);
     const bool isDiscovered =
         answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
     diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, ""} : ResultOf(answer);
-    diagnosis.hasUser = steps.hasUser;
     if (steps.hasUser && isDiscovered) diagnosis.user = ResultOf(answer);
     return diagnosis;
 }
@@ -97,6 +104,7 @@ bool IsUnsendable(const HostDiagnosis& diagnosis) {
 }
 
 std::string VerdictOn(const HostDiagnosis& diagnosis) {
+    if (diagnosis.isStopped) return "stopped before the last step";
     if (IsUnsendable(diagnosis))
         return "nothing could be sent: no route to the device, or no network";
     std::string verdict = Evidence(diagnosis);

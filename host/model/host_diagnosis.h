@@ -24,16 +24,18 @@ struct StepResult {
 
 struct HostDiagnosis {
     StepResult ping;
-    StepResult v1;         // with this community
-    StepResult discovery;  // of the SNMPv3 engine
-    StepResult user;       // SNMPv3 with this user, if one was given and the engine answered
-    bool hasUser = false;  // one was given
+    StepResult v1;           // with this community
+    StepResult discovery;    // of the SNMPv3 engine
+    StepResult user;         // SNMPv3 with this user, if one was given and the engine answered
+    bool hasUser = false;    // one was given
+    bool isStopped = false;  // before the last step
 };
 
 // The steps; each call blocks until it has a result.
 struct DiagnosisSteps {
     std::function<bool()> ping;
     Asker v1, v3;
+    std::function<bool()> mayGoOn;  // called before each step; null: it always may
     bool hasUser = false;  // false: v3 uses an empty user name, which reaches the engine only
 };
 

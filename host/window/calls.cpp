@@ -66,6 +66,13 @@ Call CallOf(const SweepStep& step, const std::string& probe) {
     return call;
 }
 
+Call PingOf(const std::string& address) {
+    Call call;
+    call.name = "VxPing";
+    call.arguments = {{"address", address}, {"timeout", std::to_string(kPingTimeoutMs)}};
+    return call;
+}
+
 Call CallOf(const AskTarget& target, const Oid& oid) {
     Call call;
     const bool isV3 = target.kind == SweepKind::kSnmpV3 && target.credentials.security;

@@ -11,6 +11,7 @@
 #include "device/security.h"
 #include "model/call_text.h"
 #include "model/computer_report.h"
+#include "model/host_diagnosis.h"
 #include "model/printer_reader.h"
 #include "model/scan.h"
 #include "model/walk.h"
@@ -36,8 +37,8 @@ struct AskTarget {
     Credentials credentials;
 };
 
-// Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading or walk
-// at a time.
+// Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading or
+// walk at a time.
 class Engine {
   public:
     using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;
@@ -53,6 +54,8 @@ class Engine {
     using OnVariable = std::function<bool(const Answer&)>;  // false: no more
     virtual WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                          const OnVariable& onVariable) = 0;
+    // Takes the steps of host_diagnosis.h over SNMPv1 and SNMPv3; mayGoOn is called before each.
+    virtual HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
 
     // About this computer; these send nothing.
     virtual AdapterList IPv4() = 0;

@@ -331,7 +331,7 @@ void MainWindow::OnCommand(int id, int code) {
             StartOrStop();
             break;
         case IDCANCEL:  // Esc
-            if (isSweeping_) StartOrStop();
+            if (isSweeping_ || !asked_.empty()) Stop();
             break;
         case IDM_OPEN:
             if (workers_->IsBusy()) break;  // its answers belong to the current scan
@@ -389,7 +389,11 @@ void MainWindow::OnCommand(int id, int code) {
         case IDM_SNMP:
             AskCredentials(window_, credentials_);
             break;
+        case IDM_DIAGNOSE:
+            Diagnose();
+            break;
         case IDM_DOCTOR:
+            doctor_.Begin("");
             workers_->MakeReport();
             note_ = Text(IDS_DOCTOR_WAIT);
             break;
@@ -579,12 +583,19 @@ std::vector<SweepStep> MainWindow::ChosenSteps() const {
     return steps;
 }
 
+// Sweeps and requests.
+void MainWindow::Stop() {
+    workers_->Stop();
+    doctor_.Stop(window_);
+    if (!isSweeping_) return;
+    isStopping_ = isStopped_ = true;
+    SetDlgItemTextW(window_, IDC_FIND, Text(IDS_STOPPING).c_str());
+}
+
 void MainWindow::StartOrStop() {
     note_.clear();
     if (isSweeping_) {
-        isStopping_ = isStopped_ = true;
-        workers_->Stop();
-        SetDlgItemTextW(window_, IDC_FIND, Text(IDS_STOPPING).c_str());
+        Stop();
         ShowStatus();
         return;
     }
@@ -610,7 +621,7 @@ void MainWindow::AskSelected(bool isAgain) {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row || (!isAgain && session_.WasAsked(*row))) return;
     auto target = session_.TargetOf(*row);
-    if (!target || target->address == asked_) return;
+    if (!target || (isReading_ && target->address == asked_)) return;
     target->credentials = credentials_;
     if (isAgain && credentials_.security && target->kind == SweepKind::kSnmpV1) {
         // To a sweep, a device that refuses the user is silent.
@@ -654,18 +665,29 @@ void MainWindow::AskAll() {
     }
 }
 
+void MainWindow::Diagnose() {
+    const DeviceRow* row = session_.view.SelectedRow();
+    auto target = row ? session_.TargetOf(*row) : std::nullopt;
+    if (!target) return;
+    target->credentials = credentials_;
+    doctor_.Begin(target->address);
+    workers_->Diagnose(*target);
+    workers_->MakeReport();
+}
+
 void MainWindow::OnFrame() {
     KillTimer(window_, kFrameTimer);
     bool isIdle = false;
     for (const Event& event : events_.Drain()) {
         session_.Take(event);
         if (event.kind == Event::kAnswer) ++answers_;
-        if (event.kind == Event::kAskBegan) {
+        if (event.kind == Event::kAskBegan || event.kind == Event::kDiagnosisBegan) {
+            isReading_ = event.kind == Event::kAskBegan;
             asked_ = event.address;
             askStartMs_ = GetTickCount64();
             SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
         }
-        if (event.kind == Event::kAsked) asked_.clear();
+        if (event.kind == Event::kAsked || event.kind == Event::kDiagnosed) asked_.clear();
         if (event.kind == Event::kWalkBegan) {
             walked_ = event.address;
             walkStartMs_ = GetTickCount64();
@@ -677,10 +699,8 @@ void MainWindow::OnFrame() {
         walk_.Take(event);
         if (event.kind == Event::kAdapters) sweptAddresses_ = event.adapters.addresses.size();
         if (event.kind == Event::kCalled) calls_.Add(event.call);
-        if (event.kind == Event::kReport) {
-            note_.clear();
-            ShowPage(Text(IDS_DOCTOR_TITLE), DoctorFacts(event.report));
-        }
+        if (event.kind == Event::kReport) note_.clear();
+        doctor_.Take(event, window_);
         isIdle |= event.kind == Event::kIdle;
     }
     if (session_.Refresh()) ShowRows();
@@ -721,8 +741,8 @@ std::wstring MainWindow::StatusText() const {
         return waiting == 0 ? asking : Text(IDS_ASKING_MORE, {asking, std::to_wstring(waiting)});
     }
     if (!walked_.empty())
-        return Text(IDS_WALK_STATUS, {ToWide(walked_), seconds(now - walkStartMs_),
-                                      std::to_wstring(walkValues_)});
+        return Text(IDS_WALK_STATUS,
+                    {ToWide(walked_), seconds(now - walkStartMs_), std::to_wstring(walkValues_)});
     if (!note_.empty()) return note_;
     if (!wasSwept_) return Text(IDS_READY);
     return Text(isStopped_ ? IDS_STOPPED : IDS_DONE, {seconds(endMs_ - startMs_), answers});

@@ -11,6 +11,7 @@
 #include "window/calls_window.h"
 #include "window/details_pane.h"
 #include "window/device_columns.h"
+#include "window/doctor_page.h"
 #include "window/engine.h"
 #include "window/session.h"
 #include "window/settings.h"
@@ -73,6 +74,7 @@ class MainWindow {
     void OnSelected();
 
     void StartOrStop();
+    void Stop();
     std::vector<SweepStep> ChosenSteps() const;
     bool FetchUser();
     bool IsTicked(int id) const;
@@ -80,6 +82,7 @@ class MainWindow {
     void AskAll();
     WalkWindow::Actions WalkActions();
     void OpenWalk();
+    void Diagnose();
     void OnFrame();
     void OnIdle();
     void ShowRows();
@@ -104,6 +107,7 @@ class MainWindow {
     HFONT font_ = nullptr;
     HACCEL keys_ = nullptr;
     DetailsPane details_{session_};
+    DoctorPage doctor_;
     Settings settings_;
     DeviceColumns columns_;
     Column chosenColumn_ = Column::kAddress;  // of the cell that was clicked last
@@ -113,11 +117,12 @@ class MainWindow {
     bool isShowing_ = false;  // the selection is set by the program
     ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
     size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
-    std::string asked_;                        // the address that is being read; empty: none
+    std::string asked_;                        // the address that is being asked; empty: none
+    bool isReading_ = false;                   // for its details
     std::string walked_;                       // likewise
     ULONGLONG walkStartMs_ = 0;
     size_t walkValues_ = 0;
-    std::wstring note_;                        // shown as the status until the next action
+    std::wstring note_;  // shown as the status until the next action
     int exitCode_ = 0;
     // Last, so that their threads end before the members that they use.
     CallsWindow calls_;

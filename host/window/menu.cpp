@@ -14,7 +14,7 @@ using Commands = std::vector<unsigned>;
 constexpr unsigned kLine = 0;
 constexpr int kView = 2;  // place in the bar
 
-const Commands kDevice = {IDM_ASK, IDM_ASK_ALL, IDM_WALK, kLine, IDM_SPLIT, IDM_WEB};
+const Commands kDevice = {IDM_ASK, IDM_ASK_ALL, IDM_DIAGNOSE, IDM_WALK, kLine, IDM_SPLIT, IDM_WEB};
 const Commands kColumns = {IDM_COLUMN,     IDM_COLUMN + 1, IDM_COLUMN + 2, IDM_COLUMN + 3,
                            IDM_COLUMN + 4, IDM_COLUMN + 5, IDM_COLUMN + 6, IDM_COLUMN + 7,
                            IDM_COLUMN + 8, IDM_COLUMN + 9};

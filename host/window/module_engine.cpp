@@ -153,6 +153,29 @@ WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::functi
     return WalkSubtree(AskerFor(device, target, std::move(mayGoOn), ++walks_), root, onVariable);
 }
 
+HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) {
+    AskTarget v1 = target, v3 = target;
+    v1.kind = SweepKind::kSnmpV1;
+    v3.kind = SweepKind::kSnmpV3;
+    // An empty user name reaches the SNMPv3 engine.
+    if (!v3.credentials.security) v3.credentials.security = std::make_shared<const Security>();
+    const Device v1Device = DeviceOf(v1), v3Device = DeviceOf(v3);
+    DiagnosisSteps steps;
+    steps.ping = [&] {
+        const Stopwatch watch;
+        const bool hasAnswered = VxPing(ToAnsi(target.address).c_str(), kPingTimeoutMs) != 0;
+        Call call = watch.Timed(PingOf(target.address));
+        call.result = hasAnswered ? "1" : "0";
+        Tell(std::move(call));
+        return hasAnswered;
+    };
+    steps.v1 = AskerFor(v1Device, v1, nullptr, 0);
+    steps.v3 = AskerFor(v3Device, v3, nullptr, 0);
+    steps.hasUser = target.credentials.security != nullptr;
+    steps.mayGoOn = std::move(mayGoOn);
+    return host::Diagnose(steps);
+}
+
 AdapterList ModuleEngine::IPv4() { return ThisComputer().IPv4(); }
 ComputerReport ModuleEngine::Report() { return ReportOn(ThisComputer()); }
 

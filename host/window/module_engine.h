@@ -15,6 +15,7 @@ class ModuleEngine : public Engine {
     PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) override;
     WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override;
+    HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) override;
     AdapterList IPv4() override;
     ComputerReport Report() override;
 

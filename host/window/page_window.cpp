@@ -9,6 +9,9 @@
 namespace vndiscover::host {
 namespace {
 
+constexpr UINT kShow = WM_APP + 1;
+constexpr wchar_t kType[] = L"VnBrowserPage";
+
 class Page {
   public:
     ~Page() {
@@ -21,7 +24,7 @@ class Page {
         type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
         type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
         type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-        type.lpszClassName = L"VnBrowserPage";
+        type.lpszClassName = kType;
         RegisterClassW(&type);  // fails harmlessly if it is already registered
         const int dpi = DpiOf(owner);
         window_ =
@@ -68,6 +71,9 @@ class Page {
             }
             case WM_NOTIFY:
                 return self->list_.OnNotify(reinterpret_cast<NMHDR*>(lParam));
+            case kShow:
+                self->list_.Show(std::move(*reinterpret_cast<std::vector<Fact>*>(lParam)));
+                return 0;
             case WM_CONTEXTMENU:
                 if (IsList(reinterpret_cast<HWND>(wParam)))
                     ShowCopyMenu(reinterpret_cast<HWND>(wParam), lParam);
@@ -97,6 +103,12 @@ HWND OpenPage(HWND owner, const std::wstring& title, std::vector<Fact> facts) {
     const HWND window = page->Open(owner, title, std::move(facts));
     if (window) static_cast<void>(page.release());  // the window owns it: see WM_NCDESTROY
     return window;
+}
+
+void ShowInPage(HWND page, std::vector<Fact> facts) {
+    wchar_t type[20] = L"";
+    GetClassNameW(page, type, 20);  // the handle may be another window's by now
+    if (lstrcmpW(type, kType) == 0) SendMessageW(page, kShow, 0, reinterpret_cast<LPARAM>(&facts));
 }
 
 }  // namespace vndiscover::host

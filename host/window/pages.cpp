@@ -1,5 +1,6 @@
 #include "window/pages.h"
 
+#include "model/doctor_text.h"
 #include "model/printer_facts.h"
 #include "platform/wide_text.h"
 #include "values/plain_text.h"
@@ -71,6 +72,20 @@ void AddPlan(Page& page, unsigned label, const SweepPlan& plan) {
     }
 }
 
+void AddDevice(Page& page, const DeviceReport& device) {
+    if (!device.diagnosis) {
+        page.facts.push_back({Text(IDS_DOCTOR_VERDICT), Text(IDS_DOCTOR_ASKING), {}, {}});
+        return;
+    }
+    const HostDiagnosis& diagnosis = *device.diagnosis;
+    page.Add(IDS_DOCTOR_PING, StepText(diagnosis.ping));
+    page.Add(IDS_DOCTOR_V1, StepText(diagnosis.v1));
+    page.Add(IDS_DOCTOR_ENGINE, StepText(diagnosis.discovery));
+    page.Add(IDS_DOCTOR_USER, StepText(diagnosis.user));
+    page.Add(IDS_DOCTOR_VERDICT, VerdictOn(diagnosis));
+    if (device.isOnOwnNetwork == false) page.Add(IDS_DOCTOR_NOTE, kElsewhere);
+}
+
 }  // namespace
 
 std::vector<Fact> DetailFacts(const Session& session) {
@@ -107,8 +122,9 @@ std::vector<Fact> DetailFacts(const Session& session) {
     return page.facts;
 }
 
-std::vector<Fact> DoctorFacts(const ComputerReport& report) {
+std::vector<Fact> DoctorFacts(const ComputerReport& report, const DeviceReport* device) {
     Page page;
+    if (device) AddDevice(page, *device);
     for (const std::string& cause : report.causes) page.Add(IDS_DOCTOR_CAUSE, cause);
     if (report.causes.empty())
         page.facts.push_back({Text(IDS_DOCTOR_CAUSE), Text(IDS_DOCTOR_NO_CAUSE), {}, {}});
@@ -122,6 +138,9 @@ std::vector<Fact> DoctorFacts(const ComputerReport& report) {
                 : Text(IDS_DOCTOR_FROM, {ToWide(route.source), ToWide(route.adapter)});
         page.facts.push_back({Text(IDS_DOCTOR_ROUTE, {ToWide(route.target)}), way, {}, {}});
     }
+    for (const std::string& line : FirewallLines(report.firewall))
+        page.Add(IDS_DOCTOR_FIREWALL, line);
+    page.Add(IDS_DOCTOR_LOG, LogText(report.log));
     return page.facts;
 }
 

@@ -2,6 +2,8 @@
 #ifndef VNDISCOVER_HOST_WINDOW_PAGES_H
 #define VNDISCOVER_HOST_WINDOW_PAGES_H
 
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "model/compare.h"
@@ -13,7 +15,14 @@ namespace vndiscover::host {
 
 // Of the selected device.
 std::vector<Fact> DetailFacts(const Session& session);
-std::vector<Fact> DoctorFacts(const ComputerReport& report);
+// Where a device does not answer.
+struct DeviceReport {
+    std::string address;
+    std::optional<HostDiagnosis> diagnosis;  // empty: not yet known
+    std::optional<bool> isOnOwnNetwork;      // see IsOnOwnNetwork
+};
+// `device`: null for a report on this computer alone.
+std::vector<Fact> DoctorFacts(const ComputerReport& report, const DeviceReport* device);
 std::vector<Fact> CompareFacts(const std::vector<FoundDevice>& before,
                                const std::vector<FoundDevice>& after);
 

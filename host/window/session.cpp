@@ -49,6 +49,8 @@ void Session::Take(const Event& event) {
         case Event::kWalkBegan:
         case Event::kWalkStep:
         case Event::kWalked:
+        case Event::kDiagnosisBegan:
+        case Event::kDiagnosed:
         case Event::kReport:
         case Event::kCalled:
             break;

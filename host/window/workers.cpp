@@ -69,6 +69,14 @@ void Workers::Ask(const AskTarget& target, bool isUrgent) {
     Add(WorkerId::kDirected, std::move(job));
 }
 
+void Workers::Diagnose(const AskTarget& target) {
+    Job job;
+    job.task = Task::kDiagnosis;
+    job.target = target;
+    job.isUrgent = true;
+    Add(WorkerId::kDirected, std::move(job));
+}
+
 void Workers::Look(Task task) {
     WorkerId free = WorkerId::kDirected;
     for (const WorkerId worker : {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp}) {
@@ -219,6 +227,7 @@ void Workers::Do(WorkerId worker, const Job& job) {
     event.step = job.step;
     event.time = UtcNow();
     if (job.task == Task::kWalk) return DoWalk(job, std::move(event));
+    if (job.task == Task::kDiagnosis) return DoDiagnosis(job, std::move(event));
     if (job.task != Task::kNetwork) return DoLook(job.task, std::move(event));
     if (worker == WorkerId::kDirected) {
         event.address = job.target.address;
@@ -254,12 +263,11 @@ void Workers::DoWalk(const Job& job, Event event) {
         return stops_ == job.stops && walkStops_ == job.walkStops;
     };
     size_t variables = 0;
-    const WalkEnd end =
-        engine_.Walk(job.target, job.root, mayGoOn, [&](const Answer& variable) {
-            event.variable = variable;
-            events_.Push(event);
-            return ++variables < kMaxWalkVariables;
-        });
+    const WalkEnd end = engine_.Walk(job.target, job.root, mayGoOn, [&](const Answer& variable) {
+        event.variable = variable;
+        events_.Push(event);
+        return ++variables < kMaxWalkVariables;
+    });
     event.kind = Event::kWalked;
     event.walkEnd = end;
     events_.Push(std::move(event));
@@ -276,6 +284,16 @@ bool Workers::DoUrgentJob() {
     }
     Do(WorkerId::kDirected, job);
     return true;
+}
+
+void Workers::DoDiagnosis(const Job& job, Event event) {
+    event.address = job.target.address;
+    event.kind = Event::kDiagnosisBegan;
+    events_.Push(event);
+    event.diagnosis = engine_.Diagnose(job.target, [this, &job] { return stops_ == job.stops; });
+    event.adapters = engine_.IPv4();
+    event.kind = Event::kDiagnosed;
+    events_.Push(std::move(event));
 }
 
 void Workers::DoLook(Task task, Event event) {

@@ -25,17 +25,19 @@ constexpr size_t kMaxWalkVariables = 100000;
 
 struct Event {
     enum Kind {
-        kSweepBegan,  // step
-        kAnswer,      // address, bytes
-        kAskBegan,    // step.kind, address
-        kAsked,       // step.kind, address, read
-        kWalkBegan,   // walk, address
-        kWalkStep,    // walk, variable
-        kWalked,      // walk, walkEnd; address if it had begun
-        kAdapters,    // adapters
-        kReport,      // report
-        kCalled,      // call
-        kIdle,        // the worker has finished
+        kSweepBegan,      // step
+        kAnswer,          // address, bytes
+        kAskBegan,        // step.kind, address
+        kAsked,           // step.kind, address, read
+        kWalkBegan,       // walk, address
+        kWalkStep,        // walk, variable
+        kWalked,          // walk, walkEnd; address if it had begun
+        kDiagnosisBegan,  // address
+        kDiagnosed,       // address, diagnosis, adapters
+        kAdapters,        // adapters
+        kReport,          // report
+        kCalled,          // call
+        kIdle,            // the worker has finished
     };
     Kind kind = kIdle;
     WorkerId worker = WorkerId::kSnmp;
@@ -46,6 +48,7 @@ struct Event {
     unsigned walk = 0;
     Answer variable;
     WalkEnd walkEnd;
+    HostDiagnosis diagnosis;
     AdapterList adapters;
     ComputerReport report;
     Call call;
@@ -82,11 +85,13 @@ class Workers {
     // two of its requests. Its events have the number `walk`.
     void Walk(const AskTarget& target, const Oid& root, unsigned walk);
     void StopWalk();
+    // Finds out at which step a device does not answer, as kDiagnosed, before all waiting devices.
+    void Diagnose(const AskTarget& target);
     // Reports on this computer, as kAdapters and kReport. Sends nothing, but may take a second.
     // Runs on an idle worker, or otherwise next on the directed one.
     void LookAtAdapters() { Look(Task::kAdapters); }
     void MakeReport() { Look(Task::kReport); }
-    // Ends sweeps and readings, and drops those that are waiting.
+    // Ends sweeps, readings and diagnoses, and drops those that are waiting.
     void Stop();
     // Must be called until the sweeps have ended, since a stop that comes before the worker has
     // entered the module is lost.
@@ -96,14 +101,14 @@ class Workers {
     size_t Waiting() const;  // number of devices that are still to be asked
 
   private:
-    enum class Task { kNetwork, kWalk, kAdapters, kReport };
+    enum class Task { kNetwork, kWalk, kDiagnosis, kAdapters, kReport };
     struct Job {
         SweepStep step;
         AskTarget target;
         Task task = Task::kNetwork;
         bool isUrgent = false;
-        Oid root;           // for kWalk
-        unsigned walk = 0;  // likewise
+        Oid root;                           // for kWalk
+        unsigned walk = 0;                  // likewise
         unsigned stops = 0, walkStops = 0;  // when it began: it goes on until there are more
     };
     struct Line {
@@ -120,6 +125,7 @@ class Workers {
     void DoWalk(const Job& job, Event event);
     bool DoUrgentJob();
     void DropWalks();
+    void DoDiagnosis(const Job& job, Event event);
     void Tell(Call call);
 
     Engine& engine_;

@@ -20,6 +20,7 @@ CALLS = {
     "ask_v1": ["Copy room"],
     "ask_v3": ["Copy room"],
     "wsd": [AGENT],
+    "ping": ["answered"],
     "stop": [],
 }
 ENVIRONMENT = {**SECRETS, "VNDISCOVER_COMMUNITY": "other"}
@@ -71,14 +72,15 @@ class Texts(unittest.TestCase):
         shapes = text_of("shapes.txt").splitlines()
         self.assertGreater(len(shapes), 6)
         for shape in shapes:
-            self.assertIn(f"VN_API int32_t {shape};", header)
+            self.assertIn(f"VN_API {shape};", header)
 
     @unittest.skipUnless(shutil.which("mcs"), "no C# compiler")
     def test_csharp_compiles_and_declares_the_same(self):
         for name in CALLS:
             text = text_of(name + ".cs")
-            export, sharp = re.search(r"static extern int (\w+)\(([^;]*)\);", text).groups()
-            shape = next(line for line in text_of("shapes.txt").splitlines() if line.startswith(export + "("))
+            export, sharp = re.search(r"static extern \w+ (\w+)\(([^;]*)\);", text).groups()
+            result, shape = next(line.split(" ", 1) for line in text_of("shapes.txt").splitlines() if f" {export}(" in line)
+            self.assertIn(f"extern {SHARP_TYPES[result]} {export}(", text)
             expected = []
             for parameter in shape[len(export) + 1:-1].replace("void", "").split(", "):
                 if not parameter:

@@ -3,6 +3,8 @@
 //   window_helper texts FOLDER    writes the texts of some calls as NAME.cpp, NAME.cs and
 //                                 NAME.command, and the declarations that they use as shapes.txt
 //   window_helper command FILE    runs a command line like a shell, which replaces %VARIABLES%
+//   window_helper diagnose HOST   prints the outcome of each step, the verdict and the calls, with
+//                                 the lab's user if there are passwords
 //   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
 #include <windows.h>
 
@@ -12,11 +14,13 @@
 #include <string>
 #include <utility>
 
+#include "model/doctor_text.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "window/calls.h"
+#include "window/module_engine.h"
 #include "window/profiles.h"
 #include "wsd/wsd_message.h"
 
@@ -66,19 +70,34 @@ void WriteTexts(const std::string& folder) {
     WriteCall(folder + "sweep_v3", CallOf(step, ""));
     step.kind = SweepKind::kWsd;
     WriteCall(folder + "wsd", CallOf(step, BuildProbe("wsdp:Device", NewUuid())));
+    WriteCall(folder + "ping", PingOf("10.77.1.2"));
     Call stop;
     stop.name = "StopDiscoverSoap";
     WriteCall(folder + "stop", stop);
     std::string shapes;
     for (size_t index = 0; index < kCallShapeCount; ++index)
-        shapes +=
-            std::string(kCallShapes[index].name) + "(" + kCallShapes[index].parameters + ")\n";
+        shapes += std::string(kCallShapes[index].result) + " " + kCallShapes[index].name + "(" +
+                  kCallShapes[index].parameters + ")\n";
     Write(folder + "shapes.txt", shapes);
 }
 
 int Failed(const std::string& problem) {
     std::fprintf(stderr, "window_helper: %s\n", problem.c_str());
     return 1;
+}
+
+void Diagnose(const std::string& host) {
+    AskTarget target = {host, SweepKind::kSnmpV1, {}};
+    if (!Environment(L"VNDISCOVER_AUTH_PASS").empty())
+        target.credentials.security = std::make_shared<const Security>(User());
+    ModuleEngine engine;
+    std::string calls;
+    engine.SetOnCall([&](const Call& call) { calls += call.name + "\n"; });
+    const HostDiagnosis diagnosis = engine.Diagnose(target, [] { return true; });
+    for (const StepResult& step :
+         {diagnosis.ping, diagnosis.v1, diagnosis.discovery, diagnosis.user})
+        std::printf("%s\n", StepText(step).c_str());
+    std::printf("%s\n%s", VerdictOn(diagnosis).c_str(), calls.c_str());
 }
 
 // The exit code of the program, which the system itself finds and hands the words to.
@@ -112,6 +131,7 @@ int main() {
     const auto words = CommandLineArguments();
     if (words.size() != 2) return 2;
     if (words[0] == "texts") WriteTexts(words[1] + "\\");
+    if (words[0] == "diagnose") Diagnose(words[1]);
     if (words[0] == "command") return RunCommand(words[1]);
     if (words[0] == "profile" && KeepProfile(ToWide(words[1]), User()) != KeepResult::kKept)
         return 1;

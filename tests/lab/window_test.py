@@ -47,6 +47,15 @@ class Scripts(unittest.TestCase):
         self.assertEqual({AGENT: ("Model 1", []), PRIVATE: ("Model 2", endpoints[PRIVATE])},
                          {device["addresses"][0]: (device["model"], device["endpoints"]) for device in scan["devices"]})
 
+    def test_diagnoses_a_device_as_doctor_does(self):
+        for host, options, secrets in ((PRIVATE, V3, SECRETS), (AGENT, [], {})):
+            out, (_, shown, _) = at_once(lambda look: look(), (
+                lambda: json_of("doctor", host, *options) if options else json.loads(found("doctor", host, "--format", "json")),
+                lambda: run("diagnose", host, program="window_helper.exe", **secrets)))
+            steps = [": ".join(filter(None, out[name].values())) for name in ("ping", "snmpV1", "snmpV3Engine", "snmpV3User")]
+            calls = ["VxPing", "GetNextSnmpRequestRaw", "GetNextSnmpRequestV3"]
+            self.assertEqual([*steps, out["verdict"], *calls], shown.splitlines())
+
     def test_needs_a_kept_profile(self):
         self.assertEqual(2, browse("--profile", "Hall", "--sweep", "--save", SCAN, "--exit"))
 

@@ -25,6 +25,7 @@ std::string Command(const std::string& user) {
 TEST(CallText, CommandTakesSecretsFromTheEnvironment) {
     EXPECT_EQ("vndiscover getnext 10.0.0.1 .1.3.6.1.2.1.1 --v3 -u admin -a \"SHA-2(256)\"",
               Command("admin"));
+    EXPECT_EQ("", Command(""));  // the command requires a name
     Call sweep = {
         "DiscoverDevicesByOID",
         {{"useIPv6", "1"}, {"oid", ".1.3"}, {"readCommunity", "VNDISCOVER_COMMUNITY", true}},

@@ -31,6 +31,25 @@ TEST_P(Verdict, NamesWhatAnswersAndWhy) {
     EXPECT_EQ(device.v1 == Status::kSendFailed, IsUnsendable(diagnosis));
 }
 
+// Before each step, of which none is taken then.
+TEST(Diagnosis, CanBeStopped) {
+    for (int allowed = 0; allowed <= 3; ++allowed) {
+        int taken = 0, left = allowed;
+        const auto answer = [&](const Oid& oid) {
+            ++taken;
+            return Failed(Status::kAnswered, oid);
+        };
+        DiagnosisSteps steps;
+        steps.ping = [&] { return ++taken != 0; };
+        steps.v1.getNext = steps.v3.getNext = answer;
+        steps.mayGoOn = [&] { return left-- > 0; };
+        const HostDiagnosis diagnosis = Diagnose(steps);
+        EXPECT_EQ(allowed, taken);
+        EXPECT_EQ(allowed < 3, diagnosis.isStopped);
+        EXPECT_EQ(allowed < 3, VerdictOn(diagnosis) == "stopped before the last step");
+    }
+}
+
 constexpr Status kYes = Status::kAnswered;
 constexpr Status kNo = Status::kNoAnswer;
 INSTANTIATE_TEST_SUITE_P(

@@ -2,6 +2,7 @@
 #include <functional>
 #include <thread>
 
+#include "model/doctor_text.h"
 #include "platform/wide_text.h"
 #include "scripted_window.h"
 #include "window/profiles.h"
@@ -272,6 +273,58 @@ TEST_F(Dialogs, ReportIsMadeByAWorker) {
     ASSERT_TRUE(
         Until([&] { return TextOf(PopupOf(window_->Handle())) == Text(IDS_DOCTOR_TITLE); }));
     EXPECT_NE(GetCurrentThreadId(), engine_.reportThread);
+}
+
+// The texts of a page's second column.
+std::wstring PageTexts(HWND page) {
+    std::wstring texts;
+    const HWND list = GetDlgItem(page, IDC_DETAILS);
+    for (int row = 0; row < ListView_GetItemCount(list); ++row) {
+        wchar_t text[200] = L"";
+        LVITEMW item = {};
+        item.iSubItem = 1;
+        item.pszText = text;
+        item.cchTextMax = 200;
+        SendMessageW(list, LVM_GETITEMTEXTW, WPARAM(row), reinterpret_cast<LPARAM>(&item));
+        texts += text + std::wstring(L";");
+    }
+    return texts;
+}
+
+// On a page that opens at once with the report on this computer.
+TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
+    const std::wstring computer = Text(IDS_DOCTOR_NO_CAUSE) + L";not known here;off;";
+    engine_.Say("10.77.1.9", "VN InkLine 70");
+    Open();
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 1; }));
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    Select(0);
+    for (const bool isStopped : {false, true}) {
+        ASSERT_TRUE(Until([&] {
+            return engine_.reads == 1 && TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0;
+        }));
+        engine_.isReleased = false;
+        Command(IDM_DIAGNOSE);
+        HWND page = nullptr;
+        ASSERT_TRUE(Until([&] { return (page = PopupOf(window_->Handle())) != nullptr; }));
+        EXPECT_EQ(L"Why does 10.77.1.9 not answer?", TextOf(page));
+        EXPECT_EQ(Text(IDS_DOCTOR_ASKING) + L";" + computer, PageTexts(page));
+        if (isStopped) {
+            Command(IDCANCEL);
+        } else {
+            engine_.isReleased = true;
+        }
+        const std::wstring verdict =
+            isStopped ? L"stopped before the last step;"
+                      : L"ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
+                        L"blocked on the way, or community wrong and no SNMPv3;";
+        const std::wstring expected = L"answered;no answer;no answer;not asked;" + verdict +
+                                      ToWide(kElsewhere) + L";" + computer;
+        EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
+        SendMessageW(page, WM_COMMAND, IDCANCEL, 0);
+    }
 }
 
 }  // namespace

@@ -96,8 +96,8 @@ TEST_F(Menus, ClickedCellIsCopied) {
     const std::wstring texts = Play(Devices(), MAKELPARAM(point.x, point.y), {VK_DOWN, VK_RETURN});
     EXPECT_EQ(
         L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;;"
-        L"&Ask again\tCtrl+R;Ask a&ll devices\tCtrl+Shift+R;Walk its &values...;;&Split into its parts;"
-        L"Open its &web page;",
+        L"&Ask again\tCtrl+R;Ask a&ll devices\tCtrl+Shift+R;Why does it &not answer?;"
+        L"Walk its &values...;;&Split into its parts;Open its &web page;",
         texts);
     EXPECT_EQ(L"VN InkLine 70", Copied());
     EXPECT_EQ(L"Copied: VN InkLine 70", TextOf(Control(IDC_STATUS)));

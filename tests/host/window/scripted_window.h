@@ -100,6 +100,17 @@ class ScriptedEngine : public Engine {
         };
         return WalkSubtree(asker, root, onVariable);
     }
+    // Takes steps until it is released, or may not go on.
+    HostDiagnosis Diagnose(const AskTarget&, std::function<bool()> mayGoOn) override {
+        HostDiagnosis diagnosis;
+        diagnosis.ping.outcome = Outcome::kAnswered;
+        while (!isReleased && !diagnosis.isStopped) {
+            Sleep(5);
+            diagnosis.isStopped = !mayGoOn();
+        }
+        diagnosis.v1.outcome = diagnosis.discovery.outcome = Outcome::kSilent;
+        return diagnosis;
+    }
     AdapterList IPv4() override {
         adapterThread = GetCurrentThreadId();
         return {};
@@ -117,7 +128,7 @@ class ScriptedEngine : public Engine {
     void End() { StopSnmp(); }
     std::atomic<int> stops{0}, reads{0}, sweeps{0};
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
-    std::atomic<bool> isInSweep{false};
+    std::atomic<bool> isInSweep{false}, isReleased{false};
     std::function<void()> onStop;
     SweepStep lastStep;  // may be read once the sweep is over
 
