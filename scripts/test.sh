@@ -21,7 +21,7 @@ Quietly cmake --build --preset "$preset" || Die "the $preset build failed"
 
 # The labs mostly wait, so more of them run at once than there are processors.
 status=0
-ctest --test-dir "build/$preset" --parallel "${VNDISCOVER_TEST_JOBS:-$((2 * $(nproc)))}" --output-on-failure \
+ctest --test-dir "build/$preset" --parallel "${VNDISCOVER_TEST_JOBS:-$((3 * $(nproc)))}" --output-on-failure \
     --no-tests=error </dev/null || status=$?
 # What was skipped on this machine, with the reasons.
 awk '/: Skipped$/ { getline; print "skipped: " $0 } /^skipped: /' "build/$preset/Testing/Temporary/LastTest.log" | sort -u >&2
