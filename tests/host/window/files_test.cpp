@@ -79,6 +79,8 @@ TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
         }
     }
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
+    EXPECT_TRUE(window_->SaveTo(path_));
+    EXPECT_NE(std::string::npos, FileText().find("10.77.1.9"));
 }
 
 TEST_F(Files, SavedScansAreOpenedAgain) {
