@@ -2,7 +2,6 @@
 
 #include <commctrl.h>
 #include <shellapi.h>
-#include <windowsx.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -102,7 +101,7 @@ int MainWindow::Run() {
 void MainWindow::Dispatch(MSG& message) {
     // While text is edited, Ctrl+C copies that.
     const int copy = message.message == WM_KEYDOWN ? CopyCommandOf(message.wParam) : 0;
-    if (copy != 0 && message.hwnd == devices_) return OnCommand(copy, 0);
+    if (copy != 0 && message.hwnd == devices_.Handle()) return OnCommand(copy, 0);
     if (copy != 0 && IsList(message.hwnd)) return CopyFromList(message.hwnd, copy);
     if (TranslateAcceleratorW(window_, keys_, &message)) return;
     const HWND active = GetActiveWindow();
@@ -139,7 +138,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
                                                                      MulDiv(360, dpi_, 96)};
             return 0;
         case WM_DPICHANGED: {
-            columns_.Store(settings_, dpi_);
+            devices_.StoreColumns(settings_);
             dpi_ = HIWORD(wParam);
             SetFonts();
             ShowColumns();
@@ -203,27 +202,16 @@ void MainWindow::CreateControls() {
     CreateControl(L"STATIC", IDS_FILTER, SS_CENTERIMAGE, IDC_FILTER_LABEL);
     CreateControl(L"EDIT", 0, ES_AUTOHSCROLL | WS_TABSTOP, IDC_FILTER, WS_EX_CLIENTEDGE);
     CreateControl(L"STATIC", IDS_DEVICES, SS_NOPREFIX, IDC_DEVICES_LABEL);
-    CreateDeviceList();
+    devices_.Create(window_);
     CreateControl(L"STATIC", IDS_DETAILS, SS_NOPREFIX, IDC_DETAILS_LABEL);
     details_.Create(window_);
     CreateControl(STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
 }
 
-void MainWindow::CreateDeviceList() {
-    devices_ =
-        CreateControl(WC_LISTVIEWW, IDS_DEVICES,
-                      LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_TABSTOP,
-                      IDC_DEVICES, WS_EX_CLIENTEDGE);
-    ListView_SetExtendedListViewStyle(devices_, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER |
-                                                    LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
-    columns_.Use(devices_);
-}
-
 void MainWindow::SetFonts() {
     const HFONT old = font_;
     font_ = MakeMessageFont(dpi_);
-    const HIMAGELIST space = ListView_SetImageList(devices_, MakeRowSpace(dpi_), LVSIL_SMALL);
-    if (space) ImageList_Destroy(space);
+    devices_.SetDpi(dpi_);
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
         SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
     if (old) DeleteObject(old);
@@ -247,7 +235,7 @@ void MainWindow::StoreSettings() {
         settings_.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
     settings_.preset =
         static_cast<uint32_t>(SendDlgItemMessageW(window_, IDC_PRESET, CB_GETCURSEL, 0, 0));
-    columns_.Store(settings_, dpi_);
+    devices_.StoreColumns(settings_);
     KeepSettings(settings_);
 }
 
@@ -353,13 +341,13 @@ void MainWindow::OnCommand(int id, int code) {
             PostMessageW(window_, WM_CLOSE, 0, 0);
             break;
         case IDM_COPY_CELL:
-            CopyCell(chosenColumn_);
+            CopyCell(devices_.ChosenColumn());
             break;
         case IDM_COPY_ROW:
-            if (row) CopyText(window_, RowText(*row));
+            if (row) CopyText(window_, devices_.RowText(*row));
             break;
         case IDM_COPY_TABLE:
-            CopyTable();
+            CopyText(window_, devices_.TableText());
             break;
         case IDM_FILTER:
             SetFocus(GetDlgItem(window_, IDC_FILTER));
@@ -415,136 +403,41 @@ void MainWindow::OnCommand(int id, int code) {
 }
 
 void MainWindow::OnContextMenu(HWND control, LPARAM place) {
-    const HWND columns = ListView_GetHeader(devices_);
-    if (control != devices_ && IsList(control)) return ShowCopyMenu(control, place);
-    if (control != devices_ && control != columns) return;
-    POINT point = {GET_X_LPARAM(place), GET_Y_LPARAM(place)};
-    RECT header = {};
-    GetWindowRect(columns, &header);
-    if (place != kByKeyboard && PtInRect(&header, point)) {
-        TrackPopupMenu(ViewMenuOf(GetMenu(window_)), TPM_RIGHTBUTTON, point.x, point.y, 0, window_,
-                       nullptr);
-        return;
+    if (control == devices_.Handle() || control == ListView_GetHeader(devices_.Handle())) {
+        devices_.ShowMenu(place);
+    } else if (IsList(control)) {
+        ShowCopyMenu(control, place);
     }
-    if (place == kByKeyboard) {
-        point = BelowSelected(devices_);
-    } else {
-        LVHITTESTINFO cell = {};
-        cell.pt = point;
-        ScreenToClient(devices_, &cell.pt);
-        if (ListView_SubItemHitTest(devices_, &cell) < 0) return;
-        chosenColumn_ = columns_.At(cell.iSubItem);
-    }
-    const HMENU menu = MakeDeviceMenu();
-    TrackPopupMenu(menu, TPM_RIGHTBUTTON, point.x, point.y, 0, window_, nullptr);
-    DestroyMenu(menu);
 }
 
 LRESULT MainWindow::OnNotify(NMHDR* header) {
-    return header->idFrom == IDC_DEVICES ? OnDeviceNotify(header) : details_.OnNotify(header);
+    return header->idFrom == IDC_DEVICES ? devices_.OnNotify(header) : details_.OnNotify(header);
 }
 
-LRESULT MainWindow::OnDeviceNotify(NMHDR* header) {
-    switch (header->code) {
-        case LVN_GETDISPINFOW:
-            FillCell(reinterpret_cast<NMLVDISPINFOW*>(header)->item);
-            return 0;
-        case LVN_COLUMNCLICK:
-            ClickColumn(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem);
-            return 0;
-        case LVN_ITEMCHANGED:
-            if (!isShowing_) OnSelected();
-            return 0;
-        case NM_CLICK:
-            if (const auto* click = reinterpret_cast<NMITEMACTIVATE*>(header); click->iItem >= 0)
-                chosenColumn_ = columns_.At(click->iSubItem);
-            return 0;
-        case LVN_GETEMPTYMARKUP: {
-            auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
-            const unsigned text = session_.view.Total() != 0  ? IDS_ALL_HIDDEN
-                                  : wasSwept_ && !isSweeping_ ? IDS_NONE_FOUND
-                                                              : IDS_EMPTY;
-            markup->dwFlags = EMF_CENTERED;
-            lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
-            return TRUE;
-        }
-        case NM_CUSTOMDRAW:
-            return DrawCell(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
-        default:
-            return 0;
-    }
+DeviceList::Actions MainWindow::DeviceActions() {
+    DeviceList::Actions actions;
+    actions.onSelected = [this] {
+        details_.Show();
+        AskSelected(false);
+    };
+    actions.emptyText = [this]() -> unsigned {
+        if (session_.view.Total() != 0) return IDS_ALL_HIDDEN;
+        return wasSwept_ && !isSweeping_ ? IDS_NONE_FOUND : IDS_EMPTY;
+    };
+    return actions;
 }
 
-void MainWindow::FillCell(LVITEMW& item) {
-    if (!(item.mask & LVIF_TEXT)) return;
-    const auto row = static_cast<size_t>(item.iItem);
-    if (row >= session_.view.Count()) return;
-    const std::wstring text = CellText(session_.view.Row(row), columns_.At(item.iSubItem));
-    lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
-}
-
-LRESULT MainWindow::DrawCell(NMLVCUSTOMDRAW& draw) {
-    const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
-    switch (draw.nmcd.dwDrawStage) {
-        case CDDS_PREPAINT:
-        case CDDS_ITEMPREPAINT:
-            return CDRF_NOTIFYITEMDRAW;  // for cells it is the same number
-        case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
-            break;
-        default:
-            return CDRF_DODEFAULT;
-    }
-    if (columns_.At(draw.iSubItem) != Column::kSupplies || row >= session_.view.Count())
-        return CDRF_DODEFAULT;
-    const DeviceRow& device = session_.view.Row(row);
-    if (!device.lowestSupply) return CDRF_DODEFAULT;
-    RECT cell = {};
-    ListView_GetSubItemRect(devices_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
-    const bool isSelected =
-        ListView_GetItemState(devices_, static_cast<int>(row), LVIS_SELECTED) != 0;
-    DrawBar(draw.nmcd.hdc, cell, *device.lowestSupply, ToWide(device.Text(Column::kSupplies)),
-            isSelected, dpi_);
-    return CDRF_SKIPDEFAULT;
-}
-
-void MainWindow::ClickColumn(int column) {
-    const Column chosen = columns_.At(column);
-    DeviceView& view = session_.view;
-    view.Sort(chosen, view.SortColumn() == chosen && !view.IsDescending());
-    ShowRows();
-}
-
-void MainWindow::OnSelected() {
-    const int row = ListView_GetNextItem(devices_, -1, LVNI_SELECTED);
-    if (row < 0) return;  // no row yet: the selection stays until another one is selected
-    session_.view.Select(static_cast<size_t>(row));
-    details_.Show();
-    AskSelected(false);
-}
-
-// Updates rows, selection, headings and details from the session.
+// Updates list and details from the session.
 void MainWindow::ShowRows() {
-    isShowing_ = true;
+    devices_.Show();
     const DeviceView& view = session_.view;
-    ListView_SetItemCountEx(devices_, static_cast<int>(view.Count()), LVSICF_NOSCROLL);
-    const auto selected = view.Selected();
-    const int shown = ListView_GetNextItem(devices_, -1, LVNI_SELECTED);
-    if (shown != (selected ? static_cast<int>(*selected) : -1)) {
-        ListView_SetItemState(devices_, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-        if (selected)
-            ListView_SetItemState(devices_, static_cast<int>(*selected),
-                                  LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-    }
-    columns_.MarkSorted(view.SortColumn(), view.IsDescending());
     const std::wstring count = std::to_wstring(view.Count());
     const std::wstring title = view.Count() == view.Total()
                                    ? Text(IDS_SHOWN, {count})
                                    : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
     const HWND label = GetDlgItem(window_, IDC_DEVICES_LABEL);
     if (WindowText(label) != title) SetWindowTextW(label, title.c_str());
-    InvalidateRect(devices_, nullptr, FALSE);
     details_.Show();
-    isShowing_ = false;
 }
 
 // Gets the SNMPv3 user. False if there is none and the user cannot be asked.
@@ -716,7 +609,7 @@ void MainWindow::OnIdle() {
         isSweeping_ = isStopping_ = false;
         endMs_ = GetTickCount64();
         SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
-        InvalidateRect(devices_, nullptr, TRUE);
+        InvalidateRect(devices_.Handle(), nullptr, TRUE);
         details_.Show();  // protocols are no longer pending
         if (options_.sweep) {
             exitCode_ = answers_ != 0 ? kFound : kNone;
@@ -786,7 +679,8 @@ bool MainWindow::SaveTo(const std::string& path) {
 }
 
 bool MainWindow::SaveCsvTo(const std::string& path) {
-    return SaveText(CsvOf(session_.view, columns_.Headings()), path, note_) || Complain(note_);
+    return SaveText(CsvOf(session_.view, devices_.Columns().Headings()), path, note_) ||
+           Complain(note_);
 }
 
 bool MainWindow::SaveJsonTo(const std::string& path) {
@@ -800,40 +694,16 @@ void MainWindow::WithPath(unsigned kind, const wchar_t* extension, bool isForSav
     if (!path.empty()) (this->*method)(path);
 }
 
-// As it is shown.
-std::wstring MainWindow::CellText(const DeviceRow& row, Column column) const {
-    const std::string& text = row.Text(column);
-    return column == Column::kLastSeen ? LocalTime(text) : ToWide(text);
-}
-
-std::wstring MainWindow::RowText(const DeviceRow& row) const {
-    std::wstring line;
-    for (const Heading& heading : columns_.Headings())
-        line += CellText(row, heading.column) + L"\t";
-    line.pop_back();
-    return line + L"\r\n";
-}
-
 void MainWindow::CopyCell(Column column) {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row) return;
-    const std::wstring text = CellText(*row, column);
+    const std::wstring text = devices_.CellText(*row, column);
     CopyText(window_, text);
     note_ = Text(IDS_COPIED, {text});
 }
 
-void MainWindow::CopyTable() {
-    std::wstring table;
-    for (const Heading& heading : columns_.Headings())
-        table += (table.empty() ? L"" : L"\t") + ToWide(heading.text);
-    table += L"\r\n";
-    for (size_t index = 0; index < session_.view.Count(); ++index)
-        table += RowText(session_.view.Row(index));
-    CopyText(window_, table);
-}
-
 void MainWindow::ToggleColumn(unsigned column) {
-    columns_.Store(settings_, dpi_);
+    devices_.StoreColumns(settings_);
     const uint32_t hidden = settings_.hidden ^ 1u << column;
     if (hidden == kAllColumns) return;  // one must stay
     settings_.hidden = hidden;
@@ -841,10 +711,9 @@ void MainWindow::ToggleColumn(unsigned column) {
 }
 
 void MainWindow::ShowColumns() {
-    columns_.Show(settings_, dpi_);
-    columns_.MarkSorted(session_.view.SortColumn(), session_.view.IsDescending());
+    devices_.ShowColumns(settings_);
     for (unsigned index = 0; index < kColumnCount; ++index) {
-        const bool isShown = columns_.IsShown(static_cast<Column>(index));
+        const bool isShown = devices_.Columns().IsShown(static_cast<Column>(index));
         CheckMenuItem(GetMenu(window_), IDM_COLUMN + index, isShown ? MF_CHECKED : MF_UNCHECKED);
     }
 }

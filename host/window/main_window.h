@@ -10,7 +10,7 @@
 
 #include "window/calls_window.h"
 #include "window/details_pane.h"
-#include "window/device_columns.h"
+#include "window/device_list.h"
 #include "window/doctor_page.h"
 #include "window/engine.h"
 #include "window/session.h"
@@ -55,7 +55,6 @@ class MainWindow {
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void CreateControls();
     HWND CreateControl(const wchar_t* type, unsigned text, DWORD style, int id, DWORD extended = 0);
-    void CreateDeviceList();
     void SetFonts();
     void ShowColumns();
     void ToggleColumn(unsigned column);
@@ -67,11 +66,7 @@ class MainWindow {
     void OnCommand(int id, int code);
     void OnContextMenu(HWND control, LPARAM place);
     LRESULT OnNotify(NMHDR* header);
-    LRESULT OnDeviceNotify(NMHDR* header);
-    void FillCell(LVITEMW& item);
-    LRESULT DrawCell(NMLVCUSTOMDRAW& draw);
-    void ClickColumn(int column);
-    void OnSelected();
+    DeviceList::Actions DeviceActions();
 
     void StartOrStop();
     void Stop();
@@ -91,10 +86,7 @@ class MainWindow {
 
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (MainWindow::*method)(const std::string& path));
-    std::wstring CellText(const DeviceRow& row, Column column) const;
     void CopyCell(Column column);
-    std::wstring RowText(const DeviceRow& row) const;
-    void CopyTable();
     void OpenWebPage();
     void ShowPage(const std::wstring& title, std::vector<Fact> facts);
     bool Complain(const std::wstring& text);
@@ -103,23 +95,20 @@ class MainWindow {
     StartOptions options_;
     Session session_;
     HWND window_ = nullptr;
-    HWND devices_ = nullptr;
     HFONT font_ = nullptr;
     HACCEL keys_ = nullptr;
+    DeviceList devices_{session_, DeviceActions()};
     DetailsPane details_{session_};
     DoctorPage doctor_;
     Settings settings_;
-    DeviceColumns columns_;
-    Column chosenColumn_ = Column::kAddress;  // of the cell that was clicked last
     Credentials credentials_;
     int dpi_ = 96;
     bool isSweeping_ = false, isStopping_ = false, wasSwept_ = false, isStopped_ = false;
-    bool isShowing_ = false;  // the selection is set by the program
     ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
     size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
     std::string asked_;                        // the address that is being asked; empty: none
-    bool isReading_ = false;                   // for its details
     std::string walked_;                       // likewise
+    bool isReading_ = false;                   // asked_, for its details
     ULONGLONG walkStartMs_ = 0;
     size_t walkValues_ = 0;
     std::wstring note_;  // shown as the status until the next action
