@@ -88,8 +88,7 @@ INT_PTR CALLBACK WalkWindow::Procedure(HWND dialog, UINT message, WPARAM wParam,
 
 void WalkWindow::Begin(HWND dialog) {
     dialog_ = dialog;
-    const std::wstring title =
-        Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))});
+    const std::wstring title = Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))});
     SetDialogTexts(dialog, IDS_TITLE);
     SetWindowTextW(dialog, title.c_str());
     SetDlgItemTextW(dialog, IDCANCEL, Text(IDS_CALL_CLOSE).c_str());
@@ -148,7 +147,8 @@ void WalkWindow::Stop() {
 }
 
 void WalkWindow::ShowValues() {
-    table_.Show(values_.size(), [this](size_t row, size_t column) { return CellText(row, column); });
+    table_.Show(values_.size(),
+                [this](size_t row, size_t column) { return CellText(row, column); });
 }
 
 void WalkWindow::ShowState(const std::wstring& text) {
