@@ -130,10 +130,7 @@ LRESULT DeviceList::DrawCell(NMLVCUSTOMDRAW& draw) const {
     if (!device.lowestSupply) return CDRF_DODEFAULT;
     RECT cell = {};
     ListView_GetSubItemRect(list_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
-    const bool isSelected =
-        ListView_GetItemState(list_, static_cast<int>(row), LVIS_SELECTED) != 0;
-    DrawBar(draw.nmcd.hdc, cell, *device.lowestSupply, ToWide(device.Text(Column::kSupplies)),
-            isSelected, dpi_);
+    DrawBar(draw, cell, *device.lowestSupply, ToWide(device.Text(Column::kSupplies)), dpi_);
     return CDRF_SKIPDEFAULT;
 }
 

@@ -43,8 +43,8 @@ class FactsList {
     std::vector<Fact> facts_;
 };
 
-// Draws a level and its text into a cell of a list, in the user's colours.
-void DrawBar(HDC dc, const RECT& cell, int percent, const std::wstring& text, bool isSelected,
+// Draws a level and its text into a cell of the list that `draw` is about, in the user's colours.
+void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const std::wstring& text,
              int dpi);
 
 // An image list without images that makes rows of a list high enough for bars; the list owns it.
