@@ -69,6 +69,7 @@ std::vector<Heading> DeviceColumns::Headings() const {
     std::vector<int> order(shown_.size());
     ListView_GetColumnOrderArray(list_, static_cast<int>(order.size()), order.data());
     std::vector<Heading> headings;
+    headings.reserve(order.size());
     for (const int index : order) headings.push_back({At(index), ToUtf8(ColumnName(At(index)))});
     return headings;
 }
