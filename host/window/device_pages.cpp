@@ -85,7 +85,7 @@ TableRows AnswerRows(const Session& session, const DeviceRow& row) {
 const std::vector<DevicePage>& DevicePages() {
     static const std::vector<DevicePage> pages = {
         {IDS_PAGE_SUMMARY, {}, nullptr},
-        {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 300}}, ProtocolRows},
+        {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 100}, {IDS_PROTOCOL_ANSWER, 295}}, ProtocolRows},
         {IDS_PAGE_INTERFACES,
          {{IDS_FACT_DESCRIPTION, 110},
           {IDS_INTERFACE_TYPE, 110},

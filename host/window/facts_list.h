@@ -47,7 +47,8 @@ class FactsList {
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const std::wstring& text,
              int dpi);
 
-// An image list without images that makes rows of a list high enough for bars; the list owns it.
+// An image list without images that makes rows of a list high enough for bars, and all lists alike;
+// the list owns it.
 HIMAGELIST MakeRowSpace(int dpi);
 
 }  // namespace vndiscover::host

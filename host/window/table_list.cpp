@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "window/facts_list.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
@@ -24,6 +25,8 @@ void TableList::Attach(HWND list) {
 void TableList::Begin(const std::wstring& name, const std::vector<TableColumn>& columns, int dpi) {
     Show(0, nullptr);
     SetWindowTextW(list_, name.c_str());
+    const HIMAGELIST old = ListView_SetImageList(list_, MakeRowSpace(dpi), LVSIL_SMALL);
+    if (old) ImageList_Destroy(old);
     while (ListView_DeleteColumn(list_, 0)) continue;
     columns_ = columns.size();
     for (size_t index = 0; index < columns_; ++index) {
