@@ -106,7 +106,7 @@ Window() {
     ManyDevices sha256 aes
     : >window.jsonl
     for _ in 1 2 3 4 5; do
-        Wine "$bin/vndiscover_window_watch.exe" 8192 >>window.jsonl
+        Wine "$bin/vndiscover_window_watch.exe" 8192 >>window.jsonl || Say "a run failed, see window.jsonl"
     done
     kill "$devices"
 }

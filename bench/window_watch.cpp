@@ -1,7 +1,8 @@
 // vndiscover_window_watch.exe DEVICES: starts the VnBrowser.exe beside it with a sweep and asks its
 // window every 50 ms for an answer, until the sweep is over. Prints a line of JSON: the devices in
-// the list, how often the window was asked, and its longest time to answer, in milliseconds. Exit
-// codes: 0 DEVICES devices are shown, 1 fewer or more, or the window did not answer.
+// the list, how often the window was asked, and its longest time to answer, in milliseconds; and,
+// on failure, the window's status on the error output. Exit codes: 0 DEVICES devices are shown,
+// 1 fewer or more, or the window did not answer.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -17,7 +18,7 @@ namespace {
 
 constexpr DWORD kPauseMs = 50;
 constexpr UINT kSilentMs = 30000;  // after that, the window is taken to hang
-constexpr ULONGLONG kStartMs = 60000, kSweepMs = 120000;
+constexpr ULONGLONG kStartMs = 60000, kSweepMs = 60000;
 
 double NowMs() {
     LARGE_INTEGER now, frequency;
@@ -60,14 +61,15 @@ class Watch {
                     worstMs_);
     }
 
-  private:
-    bool CanFind() {
-        wchar_t text[64] = L"";
+    std::wstring TextOf(int control) {
+        wchar_t text[128] = L"";
         DWORD_PTR length = 0;
-        return Ask(GetDlgItem(window_, IDC_FIND), WM_GETTEXT, length, 64,
-                   reinterpret_cast<LPARAM>(text)) &&
-               std::wstring(text) == L"Fi&nd";
+        Ask(GetDlgItem(window_, control), WM_GETTEXT, length, 128, reinterpret_cast<LPARAM>(text));
+        return text;
     }
+
+  private:
+    bool CanFind() { return TextOf(IDC_FIND) == L"Fi&nd"; }
 
     HWND window_, list_;
     int asked_ = 0;
@@ -101,6 +103,8 @@ int main(int argc, char** argv) {
     Watch watch(window);
     const bool isOver = window && watch.UntilOver(devices);
     watch.Print(devices);
+    if (!isOver)
+        std::fprintf(stderr, "%ls\n", window ? watch.TextOf(IDC_STATUS).c_str() : L"no window");
     if (window) PostMessageW(window, WM_CLOSE, 0, 0);
     if (WaitForSingleObject(process.hProcess, kSilentMs) != WAIT_OBJECT_0)
         TerminateProcess(process.hProcess, 1);
