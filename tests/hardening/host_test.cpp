@@ -6,7 +6,7 @@
 #include <optional>
 #include <thread>
 
-#include "exports/support/network_test.h"
+#include "exports/support/v3_test.h"
 #include "support/win.h"
 
 #include <psapi.h>
@@ -113,7 +113,9 @@ void UseEverything(const Module& module, HWND host, UINT message, int round) {
                                 nullptr);
     module.DiscoverDevicesByOIDjson(host, message, 0, 0, L"{\"GET\":{\".1.3.6.1.2.1.1.5.0\":\"\"}}",
                                     nullptr, nullptr, nullptr);
-    module.DiscoverSnmpV3(host, message, 0, 0, L"user", 0, nullptr, 0, nullptr, nullptr, nullptr);
+    V3User user;
+    user.Ask(
+        [&](auto... security) { return module.DiscoverSnmpV3(host, message, 0, 0, security...); });
     module.DiscoverSoap(host, message, 0, "probe", 5);
     module.StopDiscoverSnmp();
     module.StopDiscoverSoap();
@@ -127,14 +129,13 @@ void UseEverything(const Module& module, HWND host, UINT message, int round) {
     module.GetNextSnmpRequestRaw(kDevice, kSysName, &record, 0, 0, nullptr, nullptr);
     module.SetSnmpRequestRaw(kDevice, kSysName, value, 5, &type, 0, 0, nullptr, nullptr);
     // Hashing passwords takes most of the time, so only some rounds do it. Round 8 uses bcrypt.dll.
-    const BYTE secure = round % 8 == 0;
-    const wchar_t* const protocol = round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256;
-    module.GetSnmpRequestV3(kDevice, kSysName, text, 256, nullptr, 0, 0, L"user", secure,
-                            L"authpass1", secure, L"privpass1", protocol, VN_PRIV_AES);
-    for (const char* device : {kDevice, kMalformed}) {
-        module.GetNextSnmpRequestV3(device, kSysName, &record, 0, 0, L"user", 0, nullptr, 0,
-                                    nullptr, nullptr, nullptr);
-    }
+    user.useAuth = user.usePriv = round % 8 == 0;
+    user.authProtocol = round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256;
+    user.Ask([&](auto... security) {
+        module.GetSnmpRequestV3(kDevice, kSysName, text, 256, nullptr, 0, 0, security...);
+        module.GetNextSnmpRequestV3(kDevice, kSysName, &record, 0, 0, security...);
+        return module.GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0, security...);
+    });
     module.VxPing("127.0.0.1", 200);
     module.IsIPv6Supported();
 }
@@ -220,8 +221,10 @@ TEST(Load, EndedThreadsLeakNothing) {
             network.Devices([](const Request&) { return kMalformedAnswer; });
             std::thread([&] {
                 VnResponseRecord record = {};
-                module.GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0, L"user", 0,
-                                            nullptr, 0, nullptr, nullptr, nullptr);
+                V3User().Ask([&](auto... security) {
+                    return module.GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0,
+                                                       security...);
+                });
             }).join();
         }
         return Usage().heapBytes;

@@ -7,7 +7,6 @@
 #include <random>
 
 #include "exports/support/v3_test.h"
-#include "helpers/guarded_buffer.h"
 
 namespace vndiscover {
 namespace {
@@ -23,7 +22,6 @@ uint32_t Setting(const char* name, uint32_t otherwise) {
 class HostileNetwork : public V3Test {
   protected:
     HostileNetwork() : V3Test(false) {
-        network.MakeSocketsUp(module);
         Devices([this](const Request& request) {
             if (request.net != "neta") return Answers();
             const std::vector<Bytes> good = GoodAnswers(request.data);

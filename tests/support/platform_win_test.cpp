@@ -1,14 +1,10 @@
 // Code between the module and the system that the exports do not use or show: registry reader and
 // wide log, sockets (on the loopback only), hashes of files, the sockets of WS-Discovery.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cstring>
 #include <fstream>
 
-#include "exports/support/module.h"
-#include "helpers/log_capture.h"
-#include "helpers/snmp_datagrams.h"
+#include "exports/support/network_test.h"
 #include "net/sckraw.h"
 #include "snmpv3/crypto/windows/capi_file_hash.h"
 #include "support/debug_switches.h"
@@ -24,26 +20,17 @@ namespace {
 
 class RegistryTest : public testing::Test {
   protected:
-    RegistryTest() { RegCreateKeyA(HKEY_LOCAL_MACHINE, kPath, &key); }
-    ~RegistryTest() override {
-        RegCloseKey(key);
-        RegDeleteKeyA(HKEY_LOCAL_MACHINE, kPath);
-        RegDeleteKeyA(HKEY_LOCAL_MACHINE, "Software\\Varnell Osk");
-        g_debugSwitches = {0, 0};
-    }
-    void Set(const char* name, DWORD value) {
-        RegSetValueExA(key, name, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&value), 4);
-    }
+    ~RegistryTest() override { g_debugSwitches = {0, 0}; }
 
     static constexpr char kPath[] = "Software\\Varnell Osk\\Debug";
-    HKEY key = nullptr;
+    RegistrySwitches key{nullptr, "Debug"};
     UnitLog log;
 };
 
 TEST_F(RegistryTest, ReadsANumberOrLogsWhyItReturnsTheDefault) {
     const HKEY hive = HKEY_LOCAL_MACHINE;
     const std::wstring widePath(std::begin(kPath), std::end(kPath));
-    Set("Count", 0xFFFFFFFE);
+    key.Set("Count", REG_DWORD, {0xFE, 0xFF, 0xFF, 0xFF});
     EXPECT_EQ(-2, GetRegValueLong(hive, widePath.c_str(), L"Count", 7, KEY_QUERY_VALUE));
     EXPECT_EQ(7, GetRegValueLong(hive, widePath.c_str(), L"Debug", 7, 0));
     EXPECT_EQ(7, GetRegValueLong(hive, L"No\\Key", L"Debug", 7, 0));
@@ -60,8 +47,8 @@ TEST_F(RegistryTest, ReadsANumberOrLogsWhyItReturnsTheDefault) {
 }
 
 TEST_F(RegistryTest, SwitchesAreUnderTheKeyDebugByDefault) {
-    Set("Debug", 2);
-    Set("Dbg2Log", 3);
+    key.Set("Debug", REG_DWORD, {2, 0, 0, 0});
+    key.Set("Dbg2Log", REG_DWORD, {3, 0, 0, 0});
     EXPECT_EQ(3, LoadDebugSwitchesW(nullptr, 0));
     EXPECT_TRUE(g_debugSwitches.debug == 1 && g_debugSwitches.dbg2Log == 1);
     EXPECT_EQ(0, LoadDebugSwitchesW(L"None", 5));
@@ -81,9 +68,8 @@ TEST_F(RegistryTest, WideLinesAreCutAndNoLineChangesTheLastError) {
     EXPECT_TRUE(cut == std::string(1000, '9') || cut == std::string(999, '9')) << cut.size();
 }
 
-constexpr int kPort = 47999;
-
-TEST(Sckraw, SendsAndReceivesOnItsOwnSocket) {
+TEST(Sckraw, SendsReceivesAndResolves) {
+    constexpr int kPort = 47999;
     SCKRAW device, host;
     device.sock = device.CreateSocket(SOCK_DGRAM, IPPROTO_UDP, AF_INET, 1000, "");
     EXPECT_EQ(0, device.BindV4(device.sock.Get(), "localhost", kPort));
@@ -95,14 +81,11 @@ TEST(Sckraw, SendsAndReceivesOnItsOwnSocket) {
     EXPECT_STREQ("127.0.0.1", from);
     EXPECT_EQ(0, device.RecvFrom(buffer, sizeof buffer, nullptr, 999)) << "no wait at all";
     EXPECT_EQ(SCKRAW_ERROR_TIMEOUT, device.lastError);
-}
-
-TEST(Sckraw, ReturnsTheResolversErrorLikeANumberOfBytes) {
-    SCKRAW socket;
-    const int code = socket.SendTo(AF_INET, "no.such.name.invalid", kPort, "hi", 2, 1000);
+    // The resolver's error looks like a number of bytes.
+    const int code = host.SendTo(AF_INET, "no.such.name.invalid", kPort, "hi", 2, 1000);
     EXPECT_GT(code, 2);
     EXPECT_EQ(code, WSAGetLastError());
-    EXPECT_TRUE(socket.sock) << "only a failed send closes it";
+    EXPECT_TRUE(host.sock) << "only a failed send closes it";
     EXPECT_EQ(INADDR_NONE, SCKRAW::ResolveV4("no.such.name.invalid"));
     EXPECT_EQ(htonl(INADDR_LOOPBACK), SCKRAW::ResolveV4("localhost"));
     for (const char* text : {"127.0.0.1", "1.2.3.4.", "....", "1", ""}) {

@@ -19,8 +19,7 @@ class Module {
         if (!handle_) throw std::runtime_error("VnDiscover.dll cannot be loaded");
     }
     ~Module() { FreeLibrary(handle_); }
-    Module(const Module&) = delete;
-    Module& operator=(const Module&) = delete;
+    Module& operator=(Module&&) = delete;  // nor copied
 
     // Unloads and loads again.
     void Reload() {
@@ -72,8 +71,7 @@ class ImportPatch {
     ImportPatch(HMODULE module, const char* name, Function replacement)
         : ImportPatch(module, name, reinterpret_cast<void*>(+replacement), 0) {}
     ~ImportPatch() { Write(original_); }
-    ImportPatch(const ImportPatch&) = delete;
-    ImportPatch& operator=(const ImportPatch&) = delete;
+    ImportPatch& operator=(ImportPatch&&) = delete;  // nor copied
 
   private:
     ImportPatch(HMODULE module, const char* name, void* replacement, int)

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -42,8 +43,9 @@ inline std::wstring Wide(const std::string& text) { return {text.begin(), text.e
 class RegistrySwitches {
   public:
     // name: the value that is on; null: none.
-    explicit RegistrySwitches(const char* name = nullptr) {
-        RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key_);
+    explicit RegistrySwitches(const char* name = nullptr, const std::string& key = "VnInst")
+        : path_("Software\\Varnell Osk\\" + key) {
+        RegCreateKeyA(HKEY_LOCAL_MACHINE, path_.c_str(), &key_);
         if (name) SetOn(name);
     }
     ~RegistrySwitches() {
@@ -51,8 +53,7 @@ class RegistrySwitches {
         RemoveAll();
         RegDeleteKeyA(HKEY_LOCAL_MACHINE, "Software\\Varnell Osk");
     }
-    RegistrySwitches(const RegistrySwitches&) = delete;
-    RegistrySwitches& operator=(const RegistrySwitches&) = delete;
+    RegistrySwitches& operator=(RegistrySwitches&&) = delete;  // nor copied
 
     void Set(const char* name, DWORD type, const Bytes& data) {
         RegSetValueExA(key_, name, 0, type, data.data(), static_cast<DWORD>(data.size()));
@@ -60,10 +61,10 @@ class RegistrySwitches {
     void SetOn(const char* name) { Set(name, REG_DWORD, {1, 0, 0, 0}); }
     void Remove(const char* name) { RegDeleteValueA(key_, name); }
     // Deletes the key too; nothing can be set afterwards.
-    void RemoveAll() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kKey); }
+    void RemoveAll() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, path_.c_str()); }
 
   private:
-    static constexpr char kKey[] = "Software\\Varnell Osk\\VnInst";
+    const std::string path_;
     HKEY key_ = nullptr;
 };
 
@@ -89,8 +90,7 @@ class ResultWindow {
         SetWindowLongPtrA(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(OnMessage));
     }
     ~ResultWindow() { DestroyWindow(window_); }
-    ResultWindow(const ResultWindow&) = delete;
-    ResultWindow& operator=(const ResultWindow&) = delete;
+    ResultWindow& operator=(ResultWindow&&) = delete;  // nor copied
 
     HWND Handle() const { return window_; }
     // "address=value" each, the final message as "end".
@@ -134,6 +134,53 @@ class ResultWindow {
 
     HWND window_;
     size_t bufferSize_;
+};
+
+// A caller's buffer between bytes that are checked for changes and a page that must not be
+// accessed.
+class GuardedBuffer {
+  public:
+    static constexpr uint8_t kFill = 0xA5;
+
+    // size bytes of kFill; size may be 0.
+    explicit GuardedBuffer(size_t size) : size_(size) {
+        const size_t room = (size + kFront + kPage - 1) / kPage * kPage;
+        base_ = static_cast<uint8_t*>(
+            VirtualAlloc(nullptr, room + kPage, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+        DWORD before;
+        VirtualProtect(base_ + room, kPage, PAGE_NOACCESS, &before);
+        data_ = base_ + room - size;
+        Fresh();
+    }
+    ~GuardedBuffer() { VirtualFree(base_, 0, MEM_RELEASE); }
+    GuardedBuffer& operator=(GuardedBuffer&&) = delete;  // nor copied
+
+    // Fills the buffer again, for the next call.
+    template <class Type = uint8_t>
+    Type* Fresh() {
+        std::memset(base_, kFill, static_cast<size_t>(data_ - base_) + size_);
+        return reinterpret_cast<Type*>(data_);
+    }
+    uint8_t* Data() { return data_; }
+    char* Text() { return reinterpret_cast<char*>(data_); }
+    int32_t Size() const { return static_cast<int32_t>(size_); }
+
+    Bytes Content() const { return Bytes(data_, data_ + size_); }
+    // Whether nothing was written to but, at most, the first bytes of the buffer.
+    bool IsUntouched(size_t butFor = 0) const {
+        const auto isFilled = [](uint8_t byte) { return byte == kFill; };
+        return std::all_of(base_, data_, isFilled) &&
+               std::all_of(data_ + butFor, data_ + size_, isFilled);
+    }
+    bool FrontStands() const { return IsUntouched(size_); }
+
+  private:
+    static constexpr size_t kPage = 4096;
+    static constexpr size_t kFront = 512;  // longer than any value
+
+    size_t size_;
+    uint8_t* base_;
+    uint8_t* data_;
 };
 
 class NetworkTest : public testing::Test {
@@ -192,15 +239,16 @@ class NetworkTest : public testing::Test {
     LogCapture log;
 };
 
-// Log lines.
-
-// What a request for an OID says while it is built: `content` are the OID's content octets as "%02x
-// " each, `message` the whole datagram; loggedLength is one more than the content has. `asking` is
-// what a get says between the two.
-inline std::string RequestLines(int loggedLength, const std::string& content, const Bytes& message,
+// Log lines. That of an OID tells one more than the number of its content octets.
+inline std::string OidLines(const std::string& oid) {
+    const Bytes content = OidContent(oid);
+    return "OID length [" + std::to_string(content.size() + 1) + "]\nOID = [" +
+           ToHex(content, " ") + "]\n";
+}
+// A request; `asking` is what a get says before the datagram.
+inline std::string RequestLines(const std::string& oid, const Bytes& message,
                                 const std::string& asking = "") {
-    return "OID length [" + std::to_string(loggedLength) + "]\nOID = [" + content + "]\n" + asking +
-           "SNMP_MSG = [" + ToHex(message, " ") + "]\n";
+    return OidLines(oid) + asking + "SNMP_MSG = [" + ToHex(message, " ") + "]\n";
 }
 
 // The phase after a sweep's send: it ends with a time-out and delivers the devices that answered.
@@ -229,8 +277,7 @@ inline std::string AdapterLines(int index) {
 
 // A whole IPv4 sweep for the default OID, with what follows the lines of each adapter.
 inline std::string SweepLines(const std::string& onFirst, const std::string& onSecond) {
-    return "SNMP::Discover\nSCKRAW::SCKRAW()\n" +
-           RequestLines(14, "2b 06 01 04 01 ae 4b 2b 05 01 01 01 01 ", SnmpGet(kDefaultOid)) +
+    return "SNMP::Discover\nSCKRAW::SCKRAW()\n" + RequestLines(kDefaultOid, SnmpGet(kDefaultOid)) +
            AdapterLines(0) + onFirst + AdapterLines(1) + onSecond + "SNMP::Discover - ended\n";
 }
 

@@ -63,8 +63,7 @@ class ScriptedNetwork {
         self_ = this;
         Attach(module);
     }
-    ScriptedNetwork(const ScriptedNetwork&) = delete;
-    ScriptedNetwork& operator=(const ScriptedNetwork&) = delete;
+    ScriptedNetwork& operator=(ScriptedNetwork&&) = delete;  // nor copied
 
     // For unloading the module, which needs its original functions.
     void Detach() { patches_.clear(); }
@@ -86,33 +85,14 @@ class ScriptedNetwork {
             if (socket && command == static_cast<long>(FIONBIO)) {
                 socket->isNonBlocking = *argument != 0;
             }
-            return socket && !socket->isReal ? 0 : ioctlsocket(handle, command, argument);
+            return ioctlsocket(handle, command, argument);
         });
         patch("closesocket", [](SOCKET handle) {
-            const Socket* const socket = self_->Find(handle);
-            const bool isReal = !socket || socket->isReal;
             self_->sockets_.erase(handle);
-            return isReal ? closesocket(handle) : 0;
+            return closesocket(handle);
         });
         patch("GetTickCount", [] { return kFirstTick + static_cast<DWORD>(self_->nowMs_); });
         patch("Sleep", [](DWORD milliseconds) { self_->nowMs_ += milliseconds; });
-    }
-
-    // From now on sockets are simulated: in Wine a real one takes a dozen calls of another process,
-    // too slow for a sweep that opens thousands.
-    void MakeSocketsUp(const Module& module) {
-        patches_.emplace_back(module.Handle(), "WSASocketA",
-                              [](int, int, int, WSAPROTOCOL_INFOA*, GROUP, DWORD) {
-                                  self_->sockets_[self_->lastMadeUp_ += 4].isReal = false;
-                                  return self_->lastMadeUp_;
-                              });
-        patches_.emplace_back(module.Handle(), "setsockopt",
-                              [](SOCKET, int, int, const char*, int) { return 0; });
-        patches_.emplace_back(module.Handle(), "bind",
-                              [](SOCKET handle, const sockaddr* address, int) {
-                                  self_->sockets_[handle].bound = TextOf(address);
-                                  return 0;
-                              });
     }
 
     // From now on there are these devices; if null, silent ones. Clears the recorded requests and
@@ -155,7 +135,7 @@ class ScriptedNetwork {
     struct Socket {
         Queue queue;
         std::string bound;  // local address
-        bool isNonBlocking = false, isReal = true;
+        bool isNonBlocking = false;
     };
     static constexpr uint32_t kFirstTick = 0u - 30000;  // the first result of GetTickCount
     static constexpr ULONG kZone = 12;                  // of a link-local sender
@@ -218,7 +198,7 @@ class ScriptedNetwork {
         const bool isIPv4 = to->sa_family == AF_INET;
         const std::string receiver = TextOf(to);
         const bool isBroadcast = receiver == "255.255.255.255";
-        if (isBroadcast && sending->isReal && Option(handle, SO_BROADCAST) != 1) {
+        if (isBroadcast && Option(handle, SO_BROADCAST) != 1) {
             return Fail(WSAEACCES);
         }
         const Adapter& way = WayOf(sending->bound, receiver);
@@ -284,7 +264,6 @@ class ScriptedNetwork {
     std::vector<Request> requests_;
     std::vector<int> silentWaits_;
     std::map<SOCKET, Socket> sockets_;
-    SOCKET lastMadeUp_ = 0x1000000;  // not a handle of the system
     uint64_t nowMs_ = 0;
     int sends_ = 0, receives_ = 0, datagrams_ = 0, failuresInARow_ = 0;
 };
