@@ -1,15 +1,12 @@
 // The decoders of SNMP messages and of the JSON request. The first byte chooses one.
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <optional>
 
 #include "helpers/snmp_datagrams.h"
 #include "interface/delivery/json_doc.h"
 #include "interface/delivery/json_request.h"
 #include "snmp/codec/asn_decode.h"
-#include "snmp/codec/asn_encode.h"
 #include "snmp/codec/pdu.h"
 #include "snmp/codec/snmp_message.h"
 #include "snmpv3/codec/message_reader.h"
@@ -33,47 +30,6 @@ bool Reads(Read&& read) {
         return true;
     } catch (const AsnDecodeError&) {
         return false;
-    }
-}
-
-// The expected result, computed without the readers under test.
-struct Value {
-    uint8_t tag;
-    size_t start, end;
-};
-
-std::optional<Value> ValueAt(const Bytes& in, size_t at) {
-    if (in.size() < at + 2) return {};
-    const uint8_t tag = in[at++];
-    uint32_t length = in[at++];
-    if (length >= 0x80) {
-        const size_t count = length & 0x7F;
-        if (in.size() - at < count) return {};
-        length = 0;
-        for (size_t i = 0; i < count; ++i) length = length * 256 + in[at++];
-    }
-    if (in.size() - at < length) return {};
-    return Value{tag, at, at + length};
-}
-
-void ReadBer(const Bytes& bytes) {
-    const ByteBuffer in = ToBuffer(bytes);
-    // Not at every position of a large input: an exception takes microseconds.
-    for (uint32_t at = 0; at <= std::min(in.length, 40u); ++at) {
-        const std::optional<Value> value = ValueAt(bytes, at);
-        int32_t number = 0;
-        uint32_t end = 0;
-        const bool isNumber = Reads([&] { end = AsnReadInteger(number, in, at); });
-        Expect(isNumber == (value && value->end - value->start <= 5));
-        if (isNumber) {
-            ByteBuffer encoded;
-            AsnAppendInteger(number, encoded);
-            Expect(ToBytes(encoded) == IntegerTlv(number) && end == value->end);
-        }
-        ByteBuffer text;
-        const bool isText = Reads([&] { end = AsnReadOctetString(text, in, at); });
-        Expect(isText == (value && value->tag == 0x04));
-        if (isText) Expect(text.length == value->end - value->start && end == value->end);
     }
 }
 
@@ -208,8 +164,8 @@ void ReadV3(const Bytes& bytes) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;
-    static void (*const kDecoders[])(const Bytes&) = {ReadBer, ReadPdu,  ReadResponse,
-                                                      ReadOid, ReadJson, ReadV3};
+    static void (*const kDecoders[])(const Bytes&) = {ReadPdu, ReadResponse, ReadOid, ReadJson,
+                                                      ReadV3};
     kDecoders[data[0] % std::size(kDecoders)](Bytes(data + 1, data + size));
     return 0;
 }
