@@ -21,6 +21,7 @@ namespace vndiscover::host {
 struct Credentials {
     std::string community;                     // UTF-8; empty: the module's default
     std::shared_ptr<const Security> security;  // null: there is no SNMPv3 user
+    std::wstring profile;                      // from which the user is; empty: none
 };
 
 // One call of the module: one protocol over one version of IP.

@@ -82,14 +82,13 @@ class SnmpDialog {
         SetDlgItemTextW(dialog, IDC_COMMUNITY,
                         ToWide(community.empty() ? VN_DEFAULT_COMMUNITY : community).c_str());
         ListProfiles();
-        const std::wstring last = LastProfile();
         if (known_) {
-            const auto profile = ReadProfile(last);
+            const auto profile = ReadProfile(credentials_.profile);
             isClosed_ = profile && !profile->isOpen;
-            loaded_ = profile ? last : L"";
+            loaded_ = profile ? credentials_.profile : L"";
             SetDlgItemTextW(dialog, IDC_PROFILE, loaded_.c_str());
             Show(*known_, true);
-        } else if (!Load(last)) {
+        } else if (!Load(LastProfile())) {
             Show({}, false);
         }
     }
@@ -221,6 +220,7 @@ class SnmpDialog {
         if (name.empty()) KeepLastProfile(name);
         credentials_.community = ToUtf8(FieldText(dialog_, IDC_COMMUNITY));
         credentials_.security = user;
+        credentials_.profile = user ? name : L"";
         End(TRUE);
     }
 
@@ -267,6 +267,7 @@ bool UseProfile(const std::wstring& name, Credentials& credentials) {
     auto profile = ReadProfile(name);
     if (!profile || !profile->isOpen) return false;
     credentials.security = std::make_shared<const Security>(std::move(profile->security));
+    credentials.profile = name;
     return true;
 }
 

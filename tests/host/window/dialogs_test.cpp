@@ -133,6 +133,14 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     engine_.End();
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
     EXPECT_STREQ(L"authpass1", engine_.lastStep.credentials.security->authPassword.Get());
+    // The user's profile is shown, even if another window has used another one since.
+    KeepProfile(L"Lab", kept->security);
+    KeepLastProfile(L"Lab");
+    PlayDialog([](HWND dialog) {
+        EXPECT_EQ(L"Office", TextOf(GetDlgItem(dialog, IDC_PROFILE)));
+        Press(dialog, IDCANCEL);
+    });
+    DeleteProfile(L"Lab");
     // Saved settings of the window are not part of this test.
     CheckDlgButton(window_->Handle(), IDC_V3, BST_UNCHECKED);
     CheckDlgButton(window_->Handle(), IDC_V1, BST_CHECKED);
