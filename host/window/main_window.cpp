@@ -37,7 +37,7 @@ constexpr int kGroupStarts[] = {IDC_PRESET_LABEL, IDC_V1, IDC_IPV4, IDC_FILTER_L
 constexpr const char* kPresets[] = {".1.3.6.1.4.1.5963.43.5.1.1.1.1", "hrDeviceDescr.1",
                                     "sysName.0"};
 
-enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };
+enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };  // kNone: or not saved
 
 std::wstring WindowText(HWND window) {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
@@ -162,6 +162,11 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             ShowWindow(window_, SW_HIDE);
             StoreSettings();
             workers_.reset();
+            for (const Event& event : events_.Drain()) {
+                session_.Take(event);
+                answers_ += event.kind == Event::kAnswer;
+            }
+            if (isSweeping_) EndStartSweep();  // with the answers until now
             DestroyWindow(window_);
             return 0;
         case WM_ENDSESSION:
@@ -515,6 +520,8 @@ void MainWindow::AskSelected(bool isAgain) {
     if (!row || (!isAgain && session_.WasAsked(*row))) return;
     auto target = session_.TargetOf(*row);
     if (!target || (isReading_ && target->address == asked_)) return;
+    // Credentials go to an address of a file only if the user says so.
+    if (!isAgain && !session_.HasAnsweredHere(*row, target->address)) return;
     target->credentials = credentials_;
     if (isAgain && credentials_.security && target->kind == SweepKind::kSnmpV1) {
         // To a sweep, a device that refuses the user is silent.
@@ -571,6 +578,8 @@ void MainWindow::Diagnose() {
 void MainWindow::OnFrame() {
     KillTimer(window_, kFrameTimer);
     bool isIdle = false;
+    // First, since a sweep that ends after this may have added answers after Drain.
+    const bool isOver = !workers_->IsBusy(WorkerId::kSnmp) && !workers_->IsBusy(WorkerId::kWsd);
     for (const Event& event : events_.Drain()) {
         session_.Take(event);
         if (event.kind == Event::kAnswer) ++answers_;
@@ -599,26 +608,30 @@ void MainWindow::OnFrame() {
     if (session_.Refresh()) ShowRows();
     calls_.Refresh();
     walk_.Refresh();
-    if (isIdle) OnIdle();
-    ShowStatus();
+    if (isIdle) OnIdle(isOver);
+    if (window_) ShowStatus();
 }
 
-void MainWindow::OnIdle() {
-    const bool isOver = !workers_->IsBusy(WorkerId::kSnmp) && !workers_->IsBusy(WorkerId::kWsd);
+void MainWindow::OnIdle(bool isOver) {
     if (isSweeping_ && isOver) {
+        const bool wasStart = options_.sweep;
         isSweeping_ = isStopping_ = false;
         endMs_ = GetTickCount64();
         SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
         InvalidateRect(devices_.Handle(), nullptr, TRUE);
         details_.Show();  // protocols are no longer pending
-        if (options_.sweep) {
-            exitCode_ = answers_ != 0 ? kFound : kNone;
-            if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kFailed;
-            if (options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
-            options_.sweep = false;
-        }
+        EndStartSweep();
+        if (!window_) return;  // closed while a message was shown
+        if (wasStart && options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
     }
     if (!workers_->IsBusy()) KillTimer(window_, kStatusTimer);
+}
+
+// Saves what the sweep of the command line has found.
+void MainWindow::EndStartSweep() {
+    if (!std::exchange(options_.sweep, false)) return;
+    exitCode_ = answers_ != 0 ? kFound : kNone;
+    if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kNone;
 }
 
 std::wstring MainWindow::StatusText() const {

@@ -79,7 +79,8 @@ class MainWindow {
     void OpenWalk();
     void Diagnose();
     void OnFrame();
-    void OnIdle();
+    void OnIdle(bool isOver);
+    void EndStartSweep();
     void ShowRows();
     void ShowStatus();
     std::wstring StatusText() const;

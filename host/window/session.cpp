@@ -77,6 +77,7 @@ bool Session::Refresh() {
 
 void Session::SetScan(Scan scan) {
     scan_ = std::move(scan);
+    givenAnswers_ = scan_.answers.size();
     deviceMaker_ = DeviceMaker();
     rowMaker_ = RowMaker();
     readings_.clear();
@@ -115,6 +116,12 @@ std::optional<AskTarget> Session::TargetOf(const DeviceRow& row) const {
 bool Session::WasAsked(const DeviceRow& row) const {
     return std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
         return readings_.count(scan_.answers[index].address) != 0;
+    });
+}
+
+bool Session::HasAnsweredHere(const DeviceRow& row, const std::string& address) const {
+    return std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
+        return index >= givenAnswers_ && scan_.answers[index].address == address;
     });
 }
 

@@ -34,6 +34,9 @@ class Session {
     // asked.
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
     bool WasAsked(const DeviceRow& row) const;
+    // Whether this address has answered since the last SetScan. A scan from a file may hold any
+    // address.
+    bool HasAnsweredHere(const DeviceRow& row, const std::string& address) const;
     // What is missing from the last reading of a device, and why.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
@@ -47,6 +50,7 @@ class Session {
     std::vector<Reading> ReadingsOf(const DeviceRow& row) const;
 
     Scan scan_;
+    size_t givenAnswers_ = 0;  // the first ones, by SetScan
     std::vector<FoundDevice> devices_;
     DeviceMaker deviceMaker_;
     RowMaker rowMaker_;

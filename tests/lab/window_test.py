@@ -68,13 +68,14 @@ class Scripts(unittest.TestCase):
         with open(FULL + "/rest", "wb", buffering=0) as file, self.assertRaises(OSError):
             while True:
                 file.write(bytes(4096))
-        self.assertEqual(2, browse("--sweep", "--save", FULL + "/scan.json", "--exit"))
+        self.assertEqual(1, browse("--sweep", "--save", FULL + "/scan.json", "--exit"))
         with open(FULL + "/scan.json", "rb") as file:
             self.assertEqual(b"older" * 100, file.read())
         self.assertEqual({"rest", "scan.json"}, set(os.listdir(FULL)))
 
     def test_tells_of_wrong_usage(self):
         self.assertEqual(2, browse("--save", SCAN))
+        self.assertEqual(2, browse("--sweep", "--save", "", "--exit"))
 
 
 def prepare():

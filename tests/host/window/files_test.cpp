@@ -90,6 +90,26 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_EQ(L"", Addresses());
     EXPECT_TRUE(window_->OpenFrom(path_));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
+    // Its addresses get the user's community only when the user asks them.
+    const int reads = engine_.reads;
+    Select(0);
+    Select(1);
+    Command(IDM_ASK);
+    EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
+    Sleep(100);
+    EXPECT_EQ(reads + 1, engine_.reads);
+}
+
+TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
+    StartOptions options;
+    options.sweep = true;
+    options.savePath = path_;
+    Open(options);
+    engine_.Say("10.77.1.9", "VN InkLine 70");
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.9;"; }));
+    PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    EXPECT_EQ(0, window_->Run());
+    EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
 }
 
 TEST_F(Files, ExportsHoldTheRowsAsShown) {
