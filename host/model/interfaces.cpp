@@ -52,7 +52,7 @@ std::vector<Interface> InterfacesOf(const PrinterAnswers& answers) {
 
 std::string SpeedText(uint64_t bitsPerSecond) {
     // The object cannot hold a higher one.
-    if (bitsPerSecond == UINT32_MAX) return "4.3 Gbit/s or more";
+    if (bitsPerSecond == UINT32_MAX) return "over 4.2 Gbit/s";
     if (bitsPerSecond == 0) return "";
     const char* const units[] = {" bit/s", " kbit/s", " Mbit/s", " Gbit/s"};
     uint64_t divisor = 1;

@@ -33,7 +33,7 @@ std::wstring CellText(const Call& call, int column) {
         case kResult:
             if (call.more != 0)
                 return Text(IDS_CALL_MORE,
-                            {ToWide(PlainText(call.result)), std::to_wstring(call.more)});
+                            {std::to_wstring(call.more + 1), ToWide(PlainText(call.result))});
             return call.answers ? Text(IDS_CALL_ANSWERS,
                                        {ToWide(call.result), std::to_wstring(*call.answers)})
                                 : ToWide(PlainText(call.result));

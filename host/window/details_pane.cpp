@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "window/device_pages.h"
 #include "window/pages.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -34,8 +33,7 @@ void DetailsPane::Show() {
     const auto device = row ? std::optional(row->answers.front()) : std::nullopt;
     // Another device's table starts at its top, without a selected row.
     if (std::exchange(device_, device) != device) table_.Show(0, nullptr);
-    const DevicePage& page =
-        DevicePages()[static_cast<size_t>(std::max(0, TabCtrl_GetCurSel(tabs_)))];
+    const DevicePage& page = Page();
     if (!page.rows) {
         facts_.Show(DetailFacts(session_));
         return;
@@ -47,10 +45,14 @@ void DetailsPane::Show() {
     });
 }
 
+const DevicePage& DetailsPane::Page() const {
+    return DevicePages()[static_cast<size_t>(std::max(0, TabCtrl_GetCurSel(tabs_)))];
+}
+
 void DetailsPane::ShowPage() {
-    const DevicePage& page =
-        DevicePages()[static_cast<size_t>(std::max(0, TabCtrl_GetCurSel(tabs_)))];
+    const DevicePage& page = Page();
     if (page.rows) table_.Begin(Text(page.title), page.columns, dpi_);
+    FitTable();
     Show();
     ShowWindow(facts_.Handle(), page.rows ? SW_HIDE : SW_SHOW);
     ShowWindow(table_.Handle(), page.rows ? SW_SHOW : SW_HIDE);
@@ -58,6 +60,11 @@ void DetailsPane::ShowPage() {
 
 void DetailsPane::Resize(const RECT& place, int dpi) {
     const bool isNew = std::exchange(dpi_, dpi) != dpi;
+    if (isNew) {
+        TabCtrl_SetPadding(tabs_, MulDiv(6, dpi, 96), MulDiv(3, dpi, 96));
+        // Only a new font makes the control compute its tabs.
+        SendMessageW(tabs_, WM_SETFONT, SendMessageW(tabs_, WM_GETFONT, 0, 0), TRUE);
+    }
     MoveWindow(tabs_, place.left, place.top, place.right - place.left, place.bottom - place.top,
                FALSE);
     RECT page = {0, 0, place.right - place.left, place.bottom - place.top};
@@ -68,6 +75,11 @@ void DetailsPane::Resize(const RECT& place, int dpi) {
     MoveWindow(table_.Handle(), list.left, list.top, list.right - list.left, list.bottom - list.top,
                TRUE);
     if (isNew) ShowPage();  // columns have other widths
+    FitTable();
+}
+
+void DetailsPane::FitTable() {
+    if (Page().rows) table_.Fit(MulDiv(Page().columns.back().width, dpi_, 96));
 }
 
 void DetailsPane::Turn(int pages) {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "window/device_pages.h"
 #include "window/facts_list.h"
 #include "window/session.h"
 #include "window/table_list.h"
@@ -30,7 +31,9 @@ class DetailsPane {
     LRESULT OnNotify(NMHDR* header);
 
   private:
+    const DevicePage& Page() const;
     void ShowPage();
+    void FitTable();
 
     const Session& session_;
     HWND tabs_ = nullptr;

@@ -65,8 +65,8 @@ TableRows ProtocolRows(const Session& session, const DeviceRow& row) {
 TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
     TableRows rows;
     for (const Interface& one : InterfacesOf(VariablesOf(session.GetScan(), row.answers))) {
-        rows.push_back({ToWide(one.description), ToWide(one.type), ToWide(one.operStatus),
-                        ToWide(one.adminStatus), ToWide(one.speed), ToWide(one.physicalAddress)});
+        rows.push_back({ToWide(one.description), ToWide(one.operStatus), ToWide(one.speed),
+                        ToWide(one.physicalAddress), ToWide(one.type), ToWide(one.adminStatus)});
     }
     return rows;
 }
@@ -85,14 +85,14 @@ TableRows AnswerRows(const Session& session, const DeviceRow& row) {
 const std::vector<DevicePage>& DevicePages() {
     static const std::vector<DevicePage> pages = {
         {IDS_PAGE_SUMMARY, {}, nullptr},
-        {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 100}, {IDS_PROTOCOL_ANSWER, 295}}, ProtocolRows},
+        {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}}, ProtocolRows},
         {IDS_PAGE_INTERFACES,
-         {{IDS_FACT_DESCRIPTION, 110},
-          {IDS_INTERFACE_TYPE, 110},
+         {{IDS_FACT_DESCRIPTION, 100},
           {IDS_COLUMN_STATE, 60},
-          {IDS_INTERFACE_ADMIN, 70},
-          {IDS_INTERFACE_SPEED, 75},
-          {IDS_INTERFACE_ADDRESS, 120}},
+          {IDS_INTERFACE_SPEED, 95},
+          {IDS_INTERFACE_ADDRESS, 120},
+          {IDS_INTERFACE_TYPE, 115},
+          {IDS_INTERFACE_ADMIN, 60}},
          InterfaceRows},
         {IDS_PAGE_ANSWERS,
          {{IDS_ANSWER_OBJECT, 170},

@@ -1,5 +1,6 @@
 #include "window/table_list.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "window/facts_list.h"
@@ -37,6 +38,16 @@ void TableList::Begin(const std::wstring& name, const std::vector<TableColumn>& 
         column.pszText = heading.data();
         SendMessageW(list_, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
     }
+}
+
+void TableList::Fit(int minimum) {
+    if (columns_ == 0) return;
+    RECT client = {};
+    GetClientRect(list_, &client);
+    int rest = client.right;
+    for (size_t index = 0; index + 1 < columns_; ++index)
+        rest -= ListView_GetColumnWidth(list_, static_cast<int>(index));
+    ListView_SetColumnWidth(list_, static_cast<int>(columns_) - 1, std::max(rest, minimum));
 }
 
 void TableList::Show(size_t rows, CellText cell) {

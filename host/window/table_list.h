@@ -28,6 +28,8 @@ class TableList {
     HWND Handle() const { return list_; }
     // Begins an empty table. Its name is for screen readers.
     void Begin(const std::wstring& name, const std::vector<TableColumn>& columns, int dpi);
+    // Gives the last column the rest of the width, but `minimum` pixels at least.
+    void Fit(int minimum);
     // The cells must remain until the next call.
     void Show(size_t rows, CellText cell);
     // Handles WM_NOTIFY from this list.

@@ -60,7 +60,7 @@ TEST(Interfaces, SpeedsHaveTheLargestUnit) {
                                                      {9600, "9.6 kbit/s"},
                                                      {1000000, "1 Mbit/s"},
                                                      {2500000000, "2.5 Gbit/s"},
-                                                     {4294967295, "4.3 Gbit/s or more"}};
+                                                     {4294967295, "over 4.2 Gbit/s"}};
     for (const auto& [speed, text] : rows) EXPECT_EQ(text, SpeedText(speed));
 }
 
