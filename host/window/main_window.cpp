@@ -734,10 +734,15 @@ void MainWindow::ShowColumns() {
 // Built only from the numeric address: nothing that a device sends becomes a URL.
 void MainWindow::OpenWebPage() {
     const DeviceRow* row = session_.view.SelectedRow();
-    const auto target = row ? session_.TargetOf(*row) : std::nullopt;
-    if (!target || AddressOrder(target->address)[0] != '4') return;
-    ShellExecuteW(window_, L"open", ToWide("http://" + target->address + "/").c_str(), nullptr,
-                  nullptr, SW_SHOWNORMAL);
+    if (!row) return;
+    // The first of its IPv4 addresses; what is not a numeric one is never opened.
+    for (const size_t index : row->answers) {
+        const std::string& address = session_.GetScan().answers[index].address;
+        if (AddressOrder(address)[0] != '4') continue;
+        ShellExecuteW(window_, L"open", ToWide("http://" + address + "/").c_str(), nullptr, nullptr,
+                      SW_SHOWNORMAL);
+        return;
+    }
 }
 
 void MainWindow::ShowPage(const std::wstring& title, std::vector<Fact> facts) {
