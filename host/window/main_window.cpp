@@ -578,9 +578,13 @@ void MainWindow::Diagnose() {
 void MainWindow::OnFrame() {
     KillTimer(window_, kFrameTimer);
     bool isIdle = false;
-    // First, since a sweep that ends after this may have added answers after Drain.
+    std::vector<Event> events = events_.Drain();
     const bool isOver = !workers_->IsBusy(WorkerId::kSnmp) && !workers_->IsBusy(WorkerId::kWsd);
-    for (const Event& event : events_.Drain()) {
+    if (isOver) {
+        // The last answers may have come in between. A sweep that is not over tells its end later.
+        for (Event& event : events_.Drain()) events.push_back(std::move(event));
+    }
+    for (const Event& event : events) {
         session_.Take(event);
         if (event.kind == Event::kAnswer) ++answers_;
         if (event.kind == Event::kAskBegan || event.kind == Event::kDiagnosisBegan) {
