@@ -12,7 +12,14 @@ std::wstring BesideProgram(const wchar_t* fileName) {
     return folder.substr(0, folder.find_last_of(L"\\/") + 1) + fileName;
 }
 
-// The module's import table entry for a function; null if it does not import it.
+FARPROC WINAPI FindAllButAdapters(HMODULE library, const char* name) {
+    if (std::strcmp(name, "GetAdaptersInfo") == 0) return nullptr;
+    if (std::strcmp(name, "GetAdaptersAddresses") == 0) return nullptr;
+    return GetProcAddress(library, name);
+}
+
+}  // namespace
+
 void** ImportSlot(HMODULE module, const char* name) {
     auto* base = reinterpret_cast<BYTE*>(module);
     const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
@@ -34,14 +41,6 @@ void** ImportSlot(HMODULE module, const char* name) {
     }
     return nullptr;
 }
-
-FARPROC WINAPI FindAllButAdapters(HMODULE library, const char* name) {
-    if (std::strcmp(name, "GetAdaptersInfo") == 0) return nullptr;
-    if (std::strcmp(name, "GetAdaptersAddresses") == 0) return nullptr;
-    return GetProcAddress(library, name);
-}
-
-}  // namespace
 
 Module::Module() : handle_(LoadLibraryW(BesideProgram(L"VnDiscover.dll").c_str())) {
     if (!handle_) {

@@ -1,4 +1,4 @@
-// VnDiscover.dll from the program's own folder.
+// VnDiscover.dll from the program's own folder. The tests of the exports load it with this too.
 #pragma once
 
 #include <string>
@@ -19,6 +19,7 @@ class Module {
     DWORD Error() const { return error_; }                   // of loading; 0: it is loaded
     const std::string& Missing() const { return missing_; }  // the missing exports
     bool IsUsable() const { return handle_ && missing_.empty(); }
+    HMODULE Handle() const { return handle_; }
     // From now on the module finds no adapters, so that its sweeps stay on the loopback.
     bool HideAdapters();
     // False if the system keeps it loaded.
@@ -58,6 +59,9 @@ class Module {
     DWORD error_ = 0;
     std::string missing_;
 };
+
+// The module's import table entry for a function; null if it does not import it.
+void** ImportSlot(HMODULE module, const char* name);
 
 // A function of a system library, found as the module finds it; null if there is none.
 template <class Function>

@@ -1,66 +1,26 @@
 // Loads VnDiscover.dll like a host, and replaces system calls that it imports.
 #pragma once
 
-#include <cstring>
 #include <map>
 #include <new>
 #include <stdexcept>
 #include <string>
 
-#include "support/win.h"
-#include "vndiscover.h"
+#include "check/module.h"
 
 namespace vndiscover {
 
 // Loaded from the folder of the test program while the object exists.
-class Module {
+class Module : public check::Module {
   public:
-    Module() : handle_(LoadLibraryW(L"VnDiscover.dll")) {  // the system searches that folder first
-        if (!handle_) throw std::runtime_error("VnDiscover.dll cannot be loaded");
+    Module() {
+        if (!IsUsable()) throw std::runtime_error("VnDiscover.dll does not load: " + Missing());
     }
-    ~Module() { FreeLibrary(handle_); }
-    Module& operator=(Module&&) = delete;  // nor copied
-
     // Unloads and loads again.
     void Reload() {
         this->~Module();
         new (this) Module;
     }
-    HMODULE Handle() const { return handle_; }
-
-  private:
-    void* Find(const char* name) const {
-        void* address = reinterpret_cast<void*>(GetProcAddress(handle_, name));
-        if (!address) throw std::runtime_error(std::string("no export ") + name);
-        return address;
-    }
-
-    HMODULE handle_;  // first, since the exports are found in it
-
-  public:
-#define VN_FOUND(name) decltype(&::name) name = reinterpret_cast<decltype(&::name)>(Find(#name))
-    VN_FOUND(DiscoverDevices);
-    VN_FOUND(DiscoverDevicesByOID);
-    VN_FOUND(DiscoverDevicesByOIDjson);
-    VN_FOUND(DiscoverSnmp);
-    VN_FOUND(StopDiscoverSnmp);
-    VN_FOUND(DiscoverSnmpV3);
-    VN_FOUND(DiscoverV3DevicesByOIDjson);
-    VN_FOUND(DiscoverSoap);
-    VN_FOUND(StopDiscoverSoap);
-    VN_FOUND(DiscoverHttp);
-    VN_FOUND(DiscoverBonjour);
-    VN_FOUND(GetBonjourInformation);
-    VN_FOUND(GetSnmpInformation);
-    VN_FOUND(GetSnmpRequest);
-    VN_FOUND(GetSnmpRequestRaw);
-    VN_FOUND(GetNextSnmpRequestRaw);
-    VN_FOUND(SetSnmpRequestRaw);
-    VN_FOUND(GetSnmpRequestV3);
-    VN_FOUND(GetNextSnmpRequestV3);
-    VN_FOUND(VxPing);
-    VN_FOUND(IsIPv6Supported);
-#undef VN_FOUND
 };
 
 // Puts a function of the test in front of one that the module imports, while the object lives. Not
@@ -75,7 +35,9 @@ class ImportPatch {
 
   private:
     ImportPatch(HMODULE module, const char* name, void* replacement, int)
-        : slot_(FindSlot(module, name)), original_(*slot_) {
+        : slot_(check::ImportSlot(module, name)) {
+        if (!slot_) throw std::runtime_error(std::string("the module does not import ") + name);
+        original_ = *slot_;
         Write(replacement);
     }
     void Write(void* target) {
@@ -83,28 +45,6 @@ class ImportPatch {
         VirtualProtect(slot_, sizeof *slot_, PAGE_READWRITE, &protection);
         *slot_ = target;
         VirtualProtect(slot_, sizeof *slot_, protection, &protection);
-    }
-    static void** FindSlot(HMODULE module, const char* name) {
-        auto* base = reinterpret_cast<uint8_t*>(module);
-        const auto* dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-        const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-        const auto& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-        auto* library =
-            reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
-        for (; library->Name != 0; ++library) {
-            auto* names =
-                reinterpret_cast<const IMAGE_THUNK_DATA*>(base + library->OriginalFirstThunk);
-            auto* slots = reinterpret_cast<IMAGE_THUNK_DATA*>(base + library->FirstThunk);
-            for (; names->u1.AddressOfData != 0; ++names, ++slots) {
-                if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) continue;
-                const auto* entry =
-                    reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + names->u1.AddressOfData);
-                if (std::strcmp(reinterpret_cast<const char*>(entry->Name), name) == 0) {
-                    return reinterpret_cast<void**>(&slots->u1.Function);
-                }
-            }
-        }
-        throw std::runtime_error(std::string("the module does not import ") + name);
     }
 
     void** slot_;
