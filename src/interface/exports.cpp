@@ -45,20 +45,16 @@ extern "C" {
 
 int32_t DiscoverDevices(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const wchar_t* resultPath,
                         const wchar_t* readCommunity, const wchar_t* writeCommunity) {
-    return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        return manager.Discover(VN_DEFAULT_DISCOVERY_OID, hWnd, uMsg, timeout, useIPv6, resultPath,
-                                WideToAnsi(readCommunity).c_str(),
-                                WideToAnsi(writeCommunity).c_str(), nullptr);
-    });
+    return DiscoverDevicesByOID(hWnd, uMsg, timeout, useIPv6, L"" VN_DEFAULT_DISCOVERY_OID,
+                                resultPath, readCommunity, writeCommunity);
 }
 
 int32_t DiscoverDevicesByOID(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const wchar_t* oid,
                              const wchar_t* resultPath, const wchar_t* readCommunity,
                              const wchar_t* writeCommunity) {
     return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        return manager.Discover(WideToAnsi(oid).c_str(), hWnd, uMsg, timeout, useIPv6, resultPath,
-                                WideToAnsi(readCommunity).c_str(),
-                                WideToAnsi(writeCommunity).c_str(), nullptr);
+        return manager.Discover(oid, {hWnd, uMsg, timeout, useIPv6, resultPath}, readCommunity,
+                                writeCommunity, nullptr);
     });
 }
 
@@ -66,9 +62,8 @@ int32_t DiscoverDevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv
                                  const wchar_t* jsonRequest, const wchar_t* resultPath,
                                  const wchar_t* readCommunity, const wchar_t* writeCommunity) {
     return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        return manager.Discover(
-            "", hWnd, uMsg, timeout, useIPv6, resultPath, WideToAnsi(readCommunity).c_str(),
-            WideToAnsi(writeCommunity).c_str(), WideToAnsi(jsonRequest).c_str());
+        return manager.Discover(nullptr, {hWnd, uMsg, timeout, useIPv6, resultPath}, readCommunity,
+                                writeCommunity, jsonRequest ? jsonRequest : L"");
     });
 }
 

@@ -26,9 +26,8 @@ using OwnedHeapBlock = Owned<HeapBlockTraits>;
 // pick up a file beside the host.
 const wchar_t kIpHelper[] = L"IPHLPAPI.DLL";
 
-OwnedHeapBlock ReadAdapterList() {
+OwnedHeapBlock ReadAdapterList(const SystemLibrary& ipHelper) {
     using GetAddresses = decltype(&GetAdaptersAddresses);
-    const SystemLibrary ipHelper(kIpHelper);
     const auto getAdaptersAddresses = ipHelper.Find<GetAddresses>("GetAdaptersAddresses");
     if (!getAdaptersAddresses) return OwnedHeapBlock();
 
@@ -97,7 +96,8 @@ int AdapterTable::GetIPv4Address(uint32_t index, char* address, char* mask,
 
 uint32_t AdapterTable::LoadIPv6LinkLocal() {
     ipv6Count = 0;
-    const OwnedHeapBlock list = ReadAdapterList();
+    const SystemLibrary ipHelper(kIpHelper);  // for as long as its list is read
+    const OwnedHeapBlock list = ReadAdapterList(ipHelper);
     const auto* adapter = static_cast<const IP_ADAPTER_ADDRESSES*>(list.Get());
     for (; adapter; adapter = adapter->Next) {
         DebugLogW(L"\tFriendly name: %wS\n", adapter->FriendlyName);

@@ -7,6 +7,7 @@
 #include "support/debug_log.h"
 #include "support/hex_text.h"
 #include "support/scope_exit.h"
+#include "support/text_convert.h"
 
 namespace vndiscover {
 namespace {
@@ -88,22 +89,40 @@ void VxSnmpMgr::RenewSocket() {
 
 void VxSnmpMgr::EndSweep() noexcept { sweeping = false; }
 
+template <class Work>
+int32_t VxSnmpMgr::RunSweep(const SweepSettings& settings, Work&& work) {
+    if (!BeginSweep("SNMP::Discover\n", settings)) return 0;
+    // The host waits for the final message, so it is sent on every exit path.
+    const ScopeExit end([this] { FinishSweep(); });
+    work();
+    return 0;
+}
+
 int32_t VxSnmpMgr::Discover(const char* oid, HWND hWnd, UINT uMsg, UINT timeoutMs, BYTE useIPv6,
                             const wchar_t* resultPath, const char* readCommunityText,
                             const char* writeCommunityText, const char* jsonRequest) {
     const SweepSettings settings = {hWnd, uMsg, timeoutMs, useIPv6, resultPath};
-    if (!BeginSweep("SNMP::Discover\n", settings)) return 0;
-    // The host waits for the final message, so it is sent on every exit path.
-    const ScopeExit end([this] { FinishSweep(); });
+    return RunSweep(settings, [&] {
+        Sweep(settings, oid, readCommunityText, writeCommunityText, jsonRequest);
+    });
+}
+
+int32_t VxSnmpMgr::Discover(const wchar_t* oid, const SweepSettings& settings,
+                            const wchar_t* readCommunityText, const wchar_t* writeCommunityText,
+                            const wchar_t* jsonRequest) {
+    return RunSweep(settings, [&] {
+        const std::string json = WideToAnsi(jsonRequest);
+        Sweep(settings, WideToAnsi(oid).c_str(), WideToAnsi(readCommunityText).c_str(),
+              WideToAnsi(writeCommunityText).c_str(), jsonRequest ? json.c_str() : nullptr);
+    });
+}
+
+void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char* readCommunityText,
+                      const char* writeCommunityText, const char* jsonRequest) {
+    sink.OpenFile(settings.resultPath);
     RenewSocket();
     CopyText(readCommunity, OrDefault(readCommunityText));
     CopyText(writeCommunity, OrDefault(writeCommunityText));
-    Sweep(settings, oid, jsonRequest);
-    return 0;
-}
-
-void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char* jsonRequest) {
-    sink.OpenFile(settings.resultPath);
     std::string szDisOid;
     if (!FitsJsonRequest(jsonRequest) || !ChooseDiscoveryOid(oid, jsonRequest, szDisOid)) return;
     // Kept: text with fewer than two arcs requests the empty OID.

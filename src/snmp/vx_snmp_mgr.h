@@ -33,6 +33,12 @@ class VxSnmpMgr {
                      const wchar_t* resultPath, const char* readCommunity,
                      const char* writeCommunity, const char* jsonRequest);
 
+    // The same for wide text, which is converted within the sweep: if memory runs out there, the
+    // final message is still sent.
+    int32_t Discover(const wchar_t* oid, const SweepSettings& settings,
+                     const wchar_t* readCommunity, const wchar_t* writeCommunity,
+                     const wchar_t* jsonRequest);
+
     // May be called on any thread. Always 0.
     int32_t StopDiscover();
 
@@ -95,7 +101,10 @@ class VxSnmpMgr {
     int32_t SetInformation(const Query& query, uint8_t* value, int32_t valueLength,
                            uint32_t* valueType);
     int32_t Ask(const Query& query, const ValueView& value, ResponseRecord& answer);
-    void Sweep(const SweepSettings& settings, const char* oid, const char* jsonRequest);
+    template <class Work>
+    int32_t RunSweep(const SweepSettings& settings, Work&& work);
+    void Sweep(const SweepSettings& settings, const char* oid, const char* readCommunityText,
+               const char* writeCommunityText, const char* jsonRequest);
     void FinishSweep();
     void CollectAnswers();
     bool Fetch(const ResponseRecord& device, const char* oid, const char* bindAddress,
