@@ -7,7 +7,7 @@
 
 #include "platform/wide_text.h"
 #include "values/plain_text.h"
-#include "window/dialog_texts.h"
+#include "window/dialogs.h"
 #include "window/dpi.h"
 #include "window/list_copy.h"
 #include "window/resource.h"

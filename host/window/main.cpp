@@ -3,54 +3,73 @@
 //   VnBrowser.exe [--profile NAME] [--sweep [--save FILE] [--exit]]
 //
 // With --profile, SNMPv3 is used too, with the user that the window has saved under that name. With
-// --exit, no window is shown. Exit codes: 0 devices answered, 1 none, or the file could not be saved,
-// 2 wrong usage, or the profile could not be opened.
+// --exit, no window is shown, and problems go to the error output. Exit codes: 0 devices answered,
+// 1 none, or the file could not be saved, 2 wrong usage, or the profile could not be opened.
 #include <windows.h>
 
+#include <algorithm>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
+#include "window/dialogs.h"
 #include "window/main_window.h"
 #include "window/module_engine.h"
+#include "window/resource.h"
+#include "window/strings.h"
 
+namespace vndiscover::host {
 namespace {
 
-bool ReadOptions(vndiscover::host::StartOptions& options) {
-    const auto words = vndiscover::host::CommandLineArguments();
+constexpr char kExit[] = "--exit";
+
+// Returns what is wrong; empty: nothing.
+std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& options) {
     for (size_t index = 0; index < words.size(); ++index) {
-        if (words[index] == "--sweep") {
+        const std::string& word = words[index];
+        if (word == "--sweep") {
             options.sweep = true;
-        } else if (words[index] == "--exit") {
+        } else if (word == kExit) {
             options.exit = true;
+        } else if (word != "--profile" && word != "--save") {
+            return Text(IDS_NO_OPTION, {ToWide(word)});
         } else if (index + 1 == words.size() || words[index + 1].empty()) {
-            return false;  // as an unset variable of a script gives it
-        } else if (words[index] == "--profile") {
-            options.profile = vndiscover::host::ToWide(words[++index]);
-        } else if (words[index] == "--save") {
-            options.savePath = words[++index];
+            return Text(IDS_NO_VALUE, {ToWide(word)});  // as an unset variable of a script gives it
+        } else if (word == "--profile") {
+            options.profile = ToWide(words[++index]);
         } else {
-            return false;
+            options.savePath = words[++index];
         }
     }
+    if (!options.sweep && (options.exit || !options.savePath.empty())) return Text(IDS_NO_SWEEP);
     // Found out before the sweep.
     std::string problem;
-    if (!options.savePath.empty() && !vndiscover::host::CanReplaceFile(options.savePath, problem)) return false;
-    return options.sweep || (options.savePath.empty() && !options.exit);
+    if (options.savePath.empty() || CanReplaceFile(options.savePath, problem)) return L"";
+    return Text(IDS_NOT_SAVED, {ToWide(problem)});
 }
 
-}  // namespace
-
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+int Run() {
     constexpr int kWrongUsage = 2;
+    const auto words = CommandLineArguments();
+    const bool isScript = std::count(words.begin(), words.end(), kExit) != 0;
+    StartOptions options;
+    if (const std::wstring problem = ReadOptions(words, options); !problem.empty()) {
+        Tell(nullptr, problem + L"\n\n" + Text(IDS_USAGE), isScript);
+        return kWrongUsage;
+    }
     try {
-        vndiscover::host::StartOptions options;
-        if (!ReadOptions(options)) return kWrongUsage;
-        vndiscover::host::ModuleEngine engine;
-        vndiscover::host::MainWindow window(engine, options);
+        ModuleEngine engine;
+        MainWindow window(engine, options);
         return window.Run();
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        Tell(nullptr, ToWide(error.what()), isScript);
         return kWrongUsage;
     }
 }
+
+}  // namespace
+}  // namespace vndiscover::host
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) { return vndiscover::host::Run(); }

@@ -9,6 +9,7 @@
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "window/clipboard.h"
+#include "window/dialogs.h"
 #include "window/dpi.h"
 #include "window/layout.h"
 #include "window/list_copy.h"
@@ -451,6 +452,7 @@ bool MainWindow::FetchUser() {
         return true;
     if (options_.exit) {
         exitCode_ = kFailed;
+        Complain(Text(IDS_NO_PROFILE, {options_.profile}));
         PostMessageW(window_, WM_CLOSE, 0, 0);
         return false;
     }
@@ -667,8 +669,7 @@ void MainWindow::ShowStatus() {
 // Returns false.
 bool MainWindow::Complain(const std::wstring& text) {
     note_ = text;
-    if (IsWindowVisible(window_))
-        MessageBoxW(window_, text.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
+    if (options_.exit || IsWindowVisible(window_)) Tell(window_, text, options_.exit);
     return false;
 }
 

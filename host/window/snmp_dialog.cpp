@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "platform/wide_text.h"
-#include "window/dialog_texts.h"
+#include "window/dialogs.h"
 #include "window/profiles.h"
 #include "window/resource.h"
 #include "window/strings.h"

@@ -5,6 +5,8 @@
 //   window_helper command FILE    runs a command line like a shell, which replaces %VARIABLES%
 //   window_helper diagnose HOST   prints the outcome of each step, the verdict and the calls, with
 //                                 the lab's user if there are passwords
+//   window_helper usage WORD      starts VnBrowser.exe with this word, prints the message that it
+//                                 shows, and presses OK
 //   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
 #include <windows.h>
 
@@ -101,6 +103,23 @@ void Diagnose(const std::string& host) {
 }
 
 // The exit code of the program, which the system itself finds and hands the words to.
+template <class Meanwhile>
+int Start(wchar_t* line, Meanwhile meanwhile) {
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    PROCESS_INFORMATION process;
+    if (!CreateProcessW(nullptr, line, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                        &process))
+        return Failed("not started, error " + std::to_string(GetLastError()));
+    meanwhile();
+    WaitForSingleObject(process.hProcess, INFINITE);
+    DWORD code = 1;
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return static_cast<int>(code);
+}
+
 int RunCommand(const std::string& path) {
     std::string problem;
     const auto text = ReadFileText(path, MAX_PATH * 4, problem);
@@ -109,18 +128,22 @@ int RunCommand(const std::string& path) {
     constexpr DWORD kLineSize = static_cast<DWORD>(std::size(line));
     const DWORD size = ExpandEnvironmentStringsW(ToWide(*text).c_str(), line, kLineSize);
     if (size == 0 || size > kLineSize) return Failed("the line is too long");
-    STARTUPINFOW start = {};
-    start.cb = sizeof start;
-    PROCESS_INFORMATION process;
-    if (!CreateProcessW(nullptr, line, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                        &process))
-        return Failed("not started, error " + std::to_string(GetLastError()));
-    WaitForSingleObject(process.hProcess, INFINITE);
-    DWORD code = 1;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return static_cast<int>(code);
+    return Start(line, [] {});
+}
+
+int TellUsage(const std::string& word) {
+    std::wstring line = L"VnBrowser.exe " + ToWide(word);
+    return Start(line.data(), [] {
+        HWND message = nullptr;
+        for (int wait = 0; wait < 1000 && !message; ++wait) {
+            Sleep(10);
+            message = FindWindowW(L"#32770", L"VnBrowser");
+        }
+        wchar_t text[400] = L"";
+        GetDlgItemTextW(message, 0xFFFF, text, 400);
+        std::printf("%s\n", ToUtf8(text).c_str());
+        PostMessageW(message, WM_COMMAND, IDOK, 0);
+    });
 }
 
 }  // namespace
@@ -133,6 +156,7 @@ int main() {
     if (words[0] == "texts") WriteTexts(words[1] + "\\");
     if (words[0] == "diagnose") Diagnose(words[1]);
     if (words[0] == "command") return RunCommand(words[1]);
+    if (words[0] == "usage") return TellUsage(words[1]);
     if (words[0] == "profile" && KeepProfile(ToWide(words[1]), User()) != KeepResult::kKept)
         return 1;
     return 0;

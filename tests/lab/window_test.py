@@ -57,7 +57,8 @@ class Scripts(unittest.TestCase):
             self.assertEqual([*steps, out["verdict"], *calls], shown.splitlines())
 
     def test_needs_a_kept_profile(self):
-        self.assertEqual(2, browse("--profile", "Hall", "--sweep", "--save", SCAN, "--exit"))
+        code, _, told = run("--profile", "Hall", "--sweep", "--save", SCAN, "--exit", program="VnBrowser.exe")
+        self.assertEqual((2, "VnBrowser: The profile Hall does not exist or cannot be opened.\n"), (code, told))
 
     def test_tells_of_a_file_that_cannot_be_written(self):
         self.assertEqual(2, browse("--sweep", "--save", LAB + "/none/scan.json", "--exit"))
@@ -74,8 +75,12 @@ class Scripts(unittest.TestCase):
         self.assertEqual({"rest", "scan.json"}, set(os.listdir(FULL)))
 
     def test_tells_of_wrong_usage(self):
-        self.assertEqual(2, browse("--save", SCAN))
-        self.assertEqual(2, browse("--sweep", "--save", "", "--exit"))
+        for words, problem in ((["--sweep", "--save", ""], "--save needs a value."), (["--save", SCAN], "--save and --exit need --sweep."),
+                               (["--help"], "There is no option --help.")):
+            code, _, told = run(*words, "--exit", program="VnBrowser.exe")
+            self.assertEqual((2, f"VnBrowser: {problem}\n\nUsage:\nVnBrowser.exe ["), (code, told[:told.find("[") + 1]))
+        code, told, _ = run("usage", "--help", program="window_helper.exe")
+        self.assertEqual((2, "There is no option --help."), (code, told.splitlines()[0]))
 
 
 def prepare():

@@ -1,5 +1,6 @@
-#include "window/dialog_texts.h"
+#include "window/dialogs.h"
 
+#include "platform/wide_text.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -12,6 +13,17 @@ void SetDialogTexts(HWND dialog, unsigned title) {
         const int text = id == IDOK ? IDS_OK : id == IDCANCEL ? IDS_CANCEL : id;
         if (text >= IDS_TITLE) SetWindowTextW(child, Text(static_cast<unsigned>(text)).c_str());
     }
+}
+
+void Tell(HWND owner, const std::wstring& problem, bool isScript) {
+    if (!isScript) {
+        MessageBoxW(owner, problem.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
+        return;
+    }
+    const std::string text = "VnBrowser: " + ToUtf8(problem) + "\n";
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()),
+              &written, nullptr);
 }
 
 }  // namespace vndiscover::host
