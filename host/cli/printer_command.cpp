@@ -13,7 +13,8 @@ constexpr char kExamples[] =
     R"(Reads the standard variables of a printer and explains them: model, serial
 number, state, alerts, page counts, supplies, trays. What the device does not
 provide is left out; what could not be read is listed with the reason. A device
-that stops answering is not asked any further.
+that stops answering is not asked any further; no request is sent after the
+first two minutes.
 
 Examples:
   vndiscover printer 192.168.1.20

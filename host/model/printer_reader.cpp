@@ -1,6 +1,7 @@
 #include "model/printer_reader.h"
 
 #include <algorithm>
+#include <chrono>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -93,21 +94,34 @@ class Reader {
     explicit Reader(const Asker& asker, PrinterAnswers known = {})
         : asker_(asker),
           answers_(std::move(known)),
+          startMs_(NowMs() - answers_.spentMs),
           hasStopped_(answers_.lastStatus != Status::kAnswered) {}
 
     template <size_t count>
     PrinterAnswers Read(const Question (&questions)[count]) {
         for (const Question& question : questions) Put(question);
-        return std::move(answers_);
+        return Finish();
     }
     template <size_t count>
     PrinterAnswers ReadWithSerial(const Question (&questions)[count]) {
         for (const Question& question : questions) Put(question);
         if (!HasSerial()) Put(kEntitySerial);
-        return std::move(answers_);
+        return Finish();
     }
 
   private:
+    int64_t NowMs() const {
+        using std::chrono::milliseconds;
+        if (asker_.nowMs) return asker_.nowMs();
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<milliseconds>(now).count();
+    }
+
+    PrinterAnswers Finish() {
+        answers_.spentMs = NowMs() - startMs_;
+        return std::move(answers_);
+    }
+
     void Put(const Question& question) {
         if (hasStopped_) {
             Miss(question, false, "not asked for");
@@ -175,8 +189,12 @@ class Reader {
     }
 
     Answer Ask(const Oid& oid) {
-        wasStopped_ = asker_.mayGoOn && !asker_.mayGoOn();
-        Answer answer = wasStopped_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
+        if (asker_.mayGoOn && !asker_.mayGoOn()) {
+            stopReason_ = "stopped";
+        } else if (NowMs() - startMs_ >= kMaxReadMs) {
+            stopReason_ = "not read within 2 minutes";
+        }
+        Answer answer = stopReason_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
         if (answer.status == Status::kAnswered) isInDoubt_ = false;
         return answer;
     }
@@ -187,7 +205,7 @@ class Reader {
             if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
             return true;
         }
-        const std::string problem = wasStopped_ ? "stopped" : Problem(answer);
+        const std::string problem = stopReason_ ? stopReason_ : Problem(answer);
         Miss(question, true, problem);
         // An SNMPv3 answer that is too long looks like silence, so only a second one counts.
         const bool isOnlyThisOne =
@@ -198,7 +216,7 @@ class Reader {
         if (!hasStopped_) return false;
         answers_.lastStatus = answer.status;
         answers_.lastProblem = problem;
-        answers_.isStopped = wasStopped_;
+        answers_.isStopped = stopReason_ != nullptr;
         return false;
     }
 
@@ -222,9 +240,10 @@ class Reader {
 
     const Asker& asker_;
     PrinterAnswers answers_;
+    int64_t startMs_;
     bool hasStopped_;
-    bool wasStopped_ = false;  // by the caller
-    bool isInDoubt_ = false;   // the last answer may have been too long
+    const char* stopReason_ = nullptr;  // set by the caller or the time limit
+    bool isInDoubt_ = false;            // the last answer may have been too long
 };
 
 }  // namespace

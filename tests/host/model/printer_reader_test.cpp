@@ -134,5 +134,23 @@ TEST(PrinterReader, StopsWhenTheCallerAsks) {
     EXPECT_EQ(7u, device.requests);
 }
 
+TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
+    ScriptedDevice device = Printer();
+    Asker asker = device.MakeAsker();
+    asker.nowMs = [&] { return 5 + static_cast<int64_t>(device.requests) * 4000; };
+    PrinterAnswers answers = ReadPrinter(asker);
+    EXPECT_EQ(30u, device.requests);
+    EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "2 minutes"));
+    EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
+    EXPECT_TRUE(answers.isStopped);
+    EXPECT_EQ(Status::kNoAnswer, answers.lastStatus);
+
+    device.requests = 0;
+    asker.nowMs = [&] { return static_cast<int64_t>(device.requests) * 2860; };
+    answers = ReadInterfaces(asker, ReadPrinter(asker));  // the time limit is of both
+    EXPECT_EQ(42u, device.requests);
+    EXPECT_TRUE(HasGap(answers, "interfaces", "ifDescr", "2 minutes"));
+}
+
 }  // namespace
 }  // namespace vndiscover::host
