@@ -79,7 +79,9 @@ ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
 }
 
 void ScanKeeper::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
-    if (IsOn()) scan_.sweeps.push_back({kind, form, useIPv6, std::move(oid), UtcNow()});
+    if (!IsOn()) return;
+    if (!guard_) guard_.emplace();
+    scan_.sweeps.push_back({kind, form, useIPv6, std::move(oid), UtcNow()});
 }
 
 void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
@@ -121,6 +123,7 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
 
 void ScanKeeper::Save() const {
     if (!IsOn()) return;
+    const CompletionGuard guard;  // one Ctrl-C may have ended the sweep before
     std::string problem;
     const std::string& path = options_.path;
     // The file is read again: another run may have added to it meanwhile.

@@ -2,12 +2,14 @@
 #ifndef VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
 #define VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/commands.h"
 #include "device/device.h"
 #include "model/scan.h"
+#include "platform/console.h"
 
 namespace vndiscover::host {
 
@@ -27,7 +29,8 @@ class ScanKeeper {
     explicit ScanKeeper(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
 
-    // Begins a sweep, to which the answers from now on belong.
+    // Begins a sweep, to which the answers from now on belong. The first one also begins to keep
+    // them from being lost by a Ctrl-C.
     void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
     void Add(const std::string& address, std::string_view bytes);
 
@@ -42,6 +45,7 @@ class ScanKeeper {
   private:
     SaveOptions options_;
     Scan scan_;  // of this run
+    std::optional<CompletionGuard> guard_;
 };
 
 }  // namespace vndiscover::host

@@ -15,7 +15,8 @@ constexpr auto kStatusPeriod = std::chrono::milliseconds(250);
 
 // Shared with the Ctrl-C handler, which runs on a thread of the system.
 std::atomic<int32_t (*)()> g_stop{nullptr};
-std::atomic<bool> g_isStopped{false};
+std::atomic<bool> g_isStopped{false};  // by the first Ctrl-C
+std::atomic<int> g_completionGuards{0};
 std::atomic<DWORD> g_inputMode{0};  // to be restored if a hidden prompt is interrupted; 0: none
 UINT g_formerCodePage = 0;
 
@@ -50,11 +51,21 @@ void RestoreConsole() {
         SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
 }
 
+// Without waiting for the output: a pipe may be full.
+void TellOfCompletion() {
+    const std::unique_lock<std::mutex> lock(g_outputMutex, std::try_to_lock);
+    if (lock) Write(STD_ERROR_HANDLE, "vndiscover: saving first (Ctrl-C again ends at once)\n");
+}
+
 BOOL WINAPI OnControl(DWORD event) {
     int32_t (*const stop)() = g_stop;
     const bool canStop = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    if (canStop && stop && !g_isStopped.exchange(true)) {
-        stop();
+    if (canStop && (stop || g_completionGuards > 0) && !g_isStopped.exchange(true)) {
+        if (stop) {
+            stop();
+        } else {
+            TellOfCompletion();
+        }
         return TRUE;
     }
     RestoreConsole();
@@ -122,6 +133,13 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     SecureZeroMemory(line, sizeof line);
     return text;
 }
+
+CompletionGuard::CompletionGuard() {
+    g_isStopped = false;
+    ++g_completionGuards;
+}
+
+CompletionGuard::~CompletionGuard() { --g_completionGuards; }
 
 SweepWatch::SweepWatch(int32_t (*stop)(), std::function<std::string()> status)
     : stop_(stop), status_(std::move(status)) {

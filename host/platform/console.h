@@ -34,6 +34,16 @@ void Warn(const std::string& text);
 // at once, which wipes it.
 std::optional<std::wstring> PromptHidden(const std::string& prompt);
 
+// For work that must be completed, such as saving a file: while one exists, the first Ctrl-C only
+// shows a message and the second ends the process. Each one constructed begins counting anew.
+class CompletionGuard {
+  public:
+    CompletionGuard();
+    ~CompletionGuard();
+    CompletionGuard(const CompletionGuard&) = delete;
+    CompletionGuard& operator=(const CompletionGuard&) = delete;
+};
+
 // For the duration of a sweep: the first Ctrl-C calls `stop`, on any thread, and the second ends
 // the process. With `status` the console shows a line that is updated while the sweep blocks its
 // thread.

@@ -86,6 +86,18 @@ class Terminals(unittest.TestCase):
         self.assertNotIn(code, (0, 1, 2))
         self.assertLess(seconds, 15)
 
+    def test_ctrl_c_while_saving_loses_nothing(self):
+        path = Path(LAB, "long.json")
+        time = "2026-11-25T04:32:23Z"
+        answers = [{"sweep": 0, "time": time, "address": f"10.{i >> 8}.{i & 255}.1", "text": ""} for i in range(40000)]
+        path.write_text(json.dumps({"format": "vndiscover-scan", "version": 1, "answers": answers, "splits": [], "sweeps": [
+            {"kind": "wsd", "form": "reply", "ipv6": False, "time": time}]}), encoding="utf-8")
+        # The list is printed just before the answers are saved, which takes a second with so many.
+        code, screen, _ = run_on_terminal([("10.77.1.2 ", b"\x03")], "wsd", "--timeout", "1000", "--save", str(path), "--append")
+        self.assertEqual(0, code, screen)
+        self.assertIn("saving first", screen)
+        self.assertGreater(len(json.loads(path.read_text(encoding="utf-8"))["answers"]), 40000)
+
     def test_passwords_are_prompted_for_and_not_shown(self):
         code, screen, _ = run_on_terminal(
             [("Authentication password: ", b"authpass1\r"), ("Privacy password: ", b"privpass1\r")],
