@@ -8,29 +8,20 @@
 namespace vndiscover {
 namespace {
 
-// Adapter lists that no test network has.
-// Replaces the system's two listing functions for one module; one object at a time. Like the
-// system's, they refuse a buffer that is too small and return the size that they need.
+// Adapter lists that no test network has, in place of the system's two for one module; one object
+// at a time. Like the system, it refuses a buffer that is too small and returns the size it needs.
 class ScriptedAdapters {
   public:
-    explicit ScriptedAdapters(const Module& module) : lookup_(module) {
+    explicit ScriptedAdapters(const Module& module) : lookup(module) {
         self_ = this;
-        lookup_.Set("GetAdaptersInfo", [](IP_ADAPTER_INFO* list, ULONG* size) {
+        lookup.Set("GetAdaptersInfo", [](IP_ADAPTER_INFO* list, ULONG* size) {
             return self_->Fill(self_->ipv4_, list, size);
         });
-        lookup_.Set("GetAdaptersAddresses",
-                    [](ULONG, ULONG, void*, IP_ADAPTER_ADDRESSES* list, ULONG* size) {
-                        EXPECT_GE(HeapSize(GetProcessHeap(), 0, list), *size);
-                        return self_->Fill(self_->ipv6_, list, size);
-                    });
-    }
-    // As the system may write them.
-    void WriteAddressesInUpperCase() {
-        lookup_.Set("inet_ntop", [](INT family, const void* address, PSTR text, size_t size) {
-            const PCSTR written = inet_ntop(family, address, text, size);
-            std::transform(text, text + strlen(text), text, toupper);
-            return written;
-        });
+        lookup.Set("GetAdaptersAddresses",
+                   [](ULONG, ULONG, void*, IP_ADAPTER_ADDRESSES* list, ULONG* size) {
+                       EXPECT_GE(HeapSize(GetProcessHeap(), 0, list), *size);
+                       return self_->Fill(self_->ipv6_, list, size);
+                   });
     }
 
     // Appends an adapter. Entries are pairs of address and mask.
@@ -62,10 +53,11 @@ class ScriptedAdapters {
         }
     }
 
-    ULONG needs = 0;           // bytes; 0: the size of the list's records
-    ULONG alwaysNeeds = 0;     // bytes more than the buffer has
+    // Bytes for a list, given those of the module's buffer; null: the size of the list's records.
+    std::function<ULONG(ULONG)> needs;
     ULONG error = 0;           // instead of a list
     std::vector<ULONG> sizes;  // of the module's buffers
+    LookupPatch lookup;
 
   private:
     template <class Record>
@@ -81,8 +73,7 @@ class ScriptedAdapters {
         const ULONG offered = *size;
         sizes.push_back(offered);
         if (error != 0) return error;
-        *size = needs ? needs : static_cast<ULONG>(records.size() * sizeof(Record));
-        if (alwaysNeeds != 0) *size = offered + alwaysNeeds;
+        *size = needs ? needs(offered) : static_cast<ULONG>(records.size() * sizeof(Record));
         if (*size == 0) return ERROR_NO_DATA;
         if (offered < *size) return ERROR_BUFFER_OVERFLOW;
         std::memcpy(list, &records.front(), sizeof(Record));
@@ -95,7 +86,6 @@ class ScriptedAdapters {
     std::deque<IP_ADAPTER_UNICAST_ADDRESS> ipv6Entries_;
     std::deque<sockaddr_in6> ipv6Addresses_;
     std::deque<std::wstring> names_;
-    LookupPatch lookup_;
 };
 
 class Adapters : public NetworkTest {
@@ -142,7 +132,12 @@ TEST_F(Adapters, MoreThan32IPv4AdaptersSendNothing) {
 }
 
 TEST_F(Adapters, IPv6SendsFromLinkLocalAddressesThatAreUp) {
-    adapters.WriteAddressesInUpperCase();
+    // The system may write addresses in upper case.
+    adapters.lookup.Set("inet_ntop", [](INT family, const void* address, PSTR text, size_t size) {
+        const PCSTR written = inet_ntop(family, address, text, size);
+        std::transform(text, text + strlen(text), text, toupper);
+        return written;
+    });
     adapters.AddIPv6(L"Down", {"fe80::1:1"}, false);
     adapters.AddIPv6(L"Up", {"2001:db8::1", "fe80::2:1", "fd00::1", "fec0::1"});
     adapters.AddIPv6(L"Nothing", {});
@@ -169,10 +164,10 @@ TEST_F(Adapters, IPv6UsesAtMost32AddressesAndThreeCalls) {
         EXPECT_THAT(SendersOf(1), SizeIs(senders));
         return adapters.sizes;
     };
-    adapters.needs = 50000;
+    adapters.needs = [](ULONG) { return 50000; };
     EXPECT_THAT(sizesOf(32), ElementsAre(15000, 50000));
     EXPECT_TRUE(log.Has("-------------- ...nCount [32]\n"));
-    adapters.alwaysNeeds = 100;
+    adapters.needs = [](ULONG offered) { return offered + 100; };
     EXPECT_THAT(sizesOf(0), ElementsAre(15000, 15100, 15200));
     adapters.error = 9852;
     EXPECT_THAT(sizesOf(0), ElementsAre(15000)) << "any other failure is final";
@@ -216,6 +211,12 @@ TEST_F(BindAddress, SecondAdapterIsUsedAfterOneTimeOutAndRemembered) {
                                            "g_adapterAddr[g_nAdapter].szAddress [fe80::2:1]\n"}));
     EXPECT_EQ("Model", Get(kInNetB));
     EXPECT_THAT(Senders(), ElementsAre("fe80::2:1", "fe80::2:1")) << "remembered";
+    const std::string exchange =
+        RequestLines(kDefaultOid, SnmpGet(kDefaultOid), "SNMP::GetInformation - [fe80::2:2]\n") +
+        " tszBindAddr [fe80::2:1]\n";
+    ExpectLog("g_nAdapter [2]\nVxSNMP::VxSNMP()\nSCKRAW::SCKRAW()\n" + exchange +
+              "szBindIp [fe80::2:1]\n" + exchange +
+              "VxSnmpMgr::~VxSnmpMgr()\nSCKRAW::~SCKRAW() [-1]\n");
     EXPECT_EQ("(nothing)", Get(kInNetA));
     EXPECT_THAT(SilentWaits(), SizeIs(1 + 5));
 
@@ -239,17 +240,6 @@ TEST_F(BindAddress, OnlyTheFirstTwoOfTheListAreTried) {
         Get(kInNetB);
         EXPECT_THAT(adapters.sizes, SizeIs(1)) << "a thread that starts forgets no address";
     }
-}
-
-TEST_F(BindAddress, LogsTheRememberedChoice) {
-    Get(kInNetB);
-    Get(kInNetB);
-    const std::string exchange =
-        RequestLines(kDefaultOid, SnmpGet(kDefaultOid), "SNMP::GetInformation - [fe80::2:2]\n") +
-        " tszBindAddr [fe80::2:1]\n";
-    ExpectLog("g_nAdapter [2]\nVxSNMP::VxSNMP()\nSCKRAW::SCKRAW()\n" + exchange +
-              "szBindIp [fe80::2:1]\n" + exchange +
-              "VxSnmpMgr::~VxSnmpMgr()\nSCKRAW::~SCKRAW() [-1]\n");
 }
 
 }  // namespace

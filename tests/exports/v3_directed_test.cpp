@@ -157,9 +157,7 @@ TEST_F(V3Directed, IPv6UsesTheRememberedAddressAndThenTheSecond) {
     EXPECT_EQ(Lines(3, "neta: fe80::1:1 > fe80::1:11:161"), Ways());
     EXPECT_TRUE(log.Has("g_adapterAddr[g_nAdapter].szAddress [fe80::1:1]"));
     EXPECT_TRUE(log.Has("szBindIp [fe80::1:1]\n"));
-    text.Fresh();
     EXPECT_EQ(reportLength, Get(text, "fe80::2:2"));
-    EXPECT_STREQ("prn1", text.Text());
     EXPECT_THAT(SilentWaits(), ElementsAre(2000));
     // A trial that cannot be sent counts as unanswered.
     Reload();

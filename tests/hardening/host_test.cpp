@@ -31,20 +31,6 @@ TEST_F(Host, DestroyedWindowOnlyEndsTheMessages) {
     EXPECT_THAT(other.Texts(), ElementsAre("10.77.1.2=A", "10.77.1.2=B", "end"));
 }
 
-TEST_F(Host, DirectedRequestsWorkWithinAMessage) {
-    Lines values;
-    window.onResult = [&](const Result& result) {
-        char value[260] = {};
-        VnResponseRecord record = {};
-        module.GetSnmpInformation(kDevice, value, nullptr, nullptr);
-        module.GetNextSnmpRequestRaw(kDevice, kSysName, &record, 0, 0, nullptr, nullptr);
-        values.push_back((result.isEnd ? "end" : result.value) + ' ' + value +
-                         reinterpret_cast<const char*>(record.value));
-    };
-    Sweep();
-    EXPECT_THAT(values, ElementsAre("A AA", "B AA", "end AA"));
-}
-
 TEST_F(Host, FullDiskLosesNoMessages) {
     std::ofstream full("Z:\\dev\\full");
     EXPECT_TRUE(full.is_open() && !(full << std::flush << 'x' << std::flush));

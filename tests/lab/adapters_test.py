@@ -59,11 +59,10 @@ class Device(threading.Thread):
         self.socket = socket_in(net, family)
         if family == socket.AF_INET:
             self.socket.setsockopt(socket.IPPROTO_IP, IP_PKTINFO, 1)
-            self.socket.bind(("", port))
         else:
             self.socket.setsockopt(socket.IPPROTO_IPV6, socket.IPV6_V6ONLY, 1)
             self.socket.setsockopt(socket.IPPROTO_IPV6, socket.IPV6_RECVPKTINFO, 1)
-            self.socket.bind(("::", port))
+        self.socket.bind(("", port))
         if port == 3702:
             own = socket.inet_aton(f"10.77.{NETS[net]}.2")
             self.socket.setsockopt(socket.IPPROTO_IP, socket.IP_ADD_MEMBERSHIP, GROUP + own)

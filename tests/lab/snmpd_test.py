@@ -144,9 +144,7 @@ class RealAgent(unittest.TestCase):
     def test_what_was_written_is_read_by_every_user(self):
         self.assertEqual([0] * len(VARIABLES), [code for code, _, _ in self.written], self.written)
         shown = [variable.shown for variable in VARIABLES]
-        for user, (code, out, err) in zip(USERS, self.walked):
-            self.assertEqual((0, shown), (code, json.loads(out)), f"{user.name} {SEED} {err}")
-        for user, (code, out, err) in zip(SWEEPERS, self.got):
+        for user, (code, out, err) in [*zip(USERS, self.walked), *zip(SWEEPERS, self.got)]:
             self.assertEqual((0, shown), (code, json.loads(out)), f"{user.name} {SEED} {err}")
 
     def test_sweeps_find_the_agent(self):

@@ -116,6 +116,13 @@ class ScriptedNetwork {
     // GetTickCount wraps half a minute after the start.
     uint64_t NowMs() const { return nowMs_; }
 
+    // Of the level SOL_SOCKET; -1 if it is not a socket.
+    static int Option(SOCKET handle, int option) {
+        int value = 0, size = sizeof value;
+        auto* const bytes = reinterpret_cast<char*>(&value);
+        return getsockopt(handle, SOL_SOCKET, option, bytes, &size) ? -1 : value;
+    }
+
     // WinSock errors to report instead: each function gets the number of the call, from 1, and
     // returns an error or 0. Queued datagrams stay queued.
     std::function<int(int call)> sendError, receiveError;
@@ -164,11 +171,6 @@ class ScriptedNetwork {
                   reinterpret_cast<char*>(address) + OffsetIn(address));
         if (isIPv6) reinterpret_cast<sockaddr_in6*>(address)->sin6_scope_id = kZone;
         return static_cast<int>(size);
-    }
-    static int Option(SOCKET handle, int option) {
-        int value = 0, size = sizeof value;
-        auto* const bytes = reinterpret_cast<char*>(&value);
-        return getsockopt(handle, SOL_SOCKET, option, bytes, &size) ? -1 : value;
     }
     // The adapter to which a socket is bound; otherwise the receiver's, or the first, which has the
     // default route. All networks have the same IPv6 prefix.
