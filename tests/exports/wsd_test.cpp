@@ -15,6 +15,19 @@ class Wsd : public NetworkTest {
                                    static_cast<int32_t>(probe.size()));
     }
 
+    // Log lines.
+    static std::string Reply(const std::string& address, const std::string& text) {
+        return "tszRecvAddr = [" + address + "]\npReceiveBuffer = [" + text +
+               "]\nSendDiscoverResult\n";
+    }
+    static std::string Phase(const std::string& count, const std::string& inside) {
+        return "HandleEvents start\n" + inside + " ==== We have [" + count +
+               "] devices on the network. ==== \nHandleEvents end\n";
+    }
+
+    const std::string start = "VxSoapMgr::Discover\nSCKRAW::SCKRAW()\n";
+    const std::string silence = "RecvFrom - Timeout\ntszRecvAddr = SCKRAW_ERROR_TIMEOUT\n";
+    const std::string end = "SOAP::Discover - ended\nSendDiscoverResult\n";
     ResultWindow replies{VN_SOAP_REPLY_SIZE};  // every message has a buffer of this size
 };
 
@@ -87,23 +100,7 @@ TEST_F(Wsd, RepliesAreDeliveredOnArrivalWithDuplicates) {
     EXPECT_THAT(asked, ElementsAre(1, 1, 2, 2, 3, 3, 3)) << "before the next adapter's turn";
 }
 
-class WsdLog : public Wsd {
-  protected:
-    const std::string start = "VxSoapMgr::Discover\nSCKRAW::SCKRAW()\n";
-    const std::string silence = "RecvFrom - Timeout\ntszRecvAddr = SCKRAW_ERROR_TIMEOUT\n";
-    const std::string end = "SOAP::Discover - ended\nSendDiscoverResult\n";
-
-    static std::string Reply(const std::string& address, const std::string& text) {
-        return "tszRecvAddr = [" + address + "]\npReceiveBuffer = [" + text +
-               "]\nSendDiscoverResult\n";
-    }
-    static std::string Phase(const std::string& count, const std::string& inside) {
-        return "HandleEvents start\n" + inside + " ==== We have [" + count +
-               "] devices on the network. ==== \nHandleEvents end\n";
-    }
-};
-
-TEST_F(WsdLog, CoversOneSweepAndTheNextReleasesItsSocketObject) {
+TEST_F(Wsd, LogCoversOneSweepAndTheNextReleasesItsSocketObject) {
     Devices([](const Request& request) {
         if (request.net == "netb") return Answers();
         return Answers{{TextBytes("A")}, {TextBytes("B")}};
@@ -119,7 +116,7 @@ TEST_F(WsdLog, CoversOneSweepAndTheNextReleasesItsSocketObject) {
               "SCKRAW::~SCKRAW() [-1]\nSOAP::Discover - ended\n");  // without a window
 }
 
-TEST_F(WsdLog, ReportsFailuresAndAStop) {
+TEST_F(Wsd, LogReportsFailuresAndAStop) {
     network.sendError = [](int call) { return call == 1 ? WSAENETUNREACH : 0; };
     network.receiveError = [](int call) {
         return call == 1 ? WSAEMSGSIZE : call == 2 ? WSANOTINITIALISED : 0;
