@@ -7,7 +7,6 @@
 #include <stdexcept>
 
 #include "model/device_merge.h"
-#include "model/scan_file.h"
 #include "platform/console.h"
 #include "platform/saved_file.h"
 
@@ -81,17 +80,36 @@ ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
 void ScanKeeper::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
     if (!IsOn()) return;
     if (!guard_) guard_.emplace();
+    sweepSize_ = 0;
+    counts_.clear();
     scan_.sweeps.push_back({kind, form, useIPv6, std::move(oid), UtcNow()});
 }
 
 void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
     if (!IsOn()) return;
     ScanAnswer answer;
-    answer.sweep = scan_.sweeps.size() - 1;
-    answer.time = UtcNow();
     answer.address = address;
     answer.bytes = bytes;
+    Keep(std::move(answer));
+}
+
+// False if it is left out: one address may flood half of the room, but not take it from others.
+bool ScanKeeper::Keep(ScanAnswer answer) {
+    constexpr size_t kMembers = 128;      // bytes for the members other than the answer itself
+    constexpr size_t kManyAnswers = 256;  // all that is read of a device
+    size_t& count = counts_[answer.address];
+    const size_t room = count < kManyAnswers ? options_.maxSweepSize : options_.maxSweepSize / 2;
+    const size_t size = kMembers + answer.bytes.size();
+    if (sweepSize_ + size > room) {
+        ++leftOut_;
+        return false;
+    }
+    ++count;
+    sweepSize_ += size;
+    answer.sweep = scan_.sweeps.size() - 1;
+    answer.time = UtcNow();
     scan_.answers.push_back(std::move(answer));
+    return true;
 }
 
 void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
@@ -113,10 +131,7 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
         ++asked;
         device.SetHost(address);
         for (auto& [oid, answer] : ReadIdentity(asker).values) {
-            Add(address, answer.bytes);
-            scan_.answers.back().oid = oid;
-            scan_.answers.back().type = answer.type;
-            scan_.answers.back().wholeSize = answer.wholeSize;
+            Keep({0, "", address, answer.bytes, oid, answer.type, answer.wholeSize});
         }
     }
 }
@@ -124,17 +139,23 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
 void ScanKeeper::Save() const {
     if (!IsOn()) return;
     const CompletionGuard guard;  // one Ctrl-C may have ended the sweep before
-    std::string problem;
-    const std::string& path = options_.path;
+    std::string path = options_.path, note, problem;
     // The file is read again: another run may have added to it meanwhile.
-    const auto text = options_.append ? Appended(path, scan_, problem) : WriteScan(scan_, problem);
-    if (text) return Replace(path, *text);
-    const auto own = options_.append ? WriteScan(scan_, problem) : std::nullopt;
-    if (!own) throw std::runtime_error("the scan is not saved: " + problem);
-    const std::string other = UnusedPath(path);
-    Replace(other, *own);
-    throw std::runtime_error("'" + path + "' stays as it was: " + problem +
-                             "; this run's answers are in '" + other + "'");
+    auto text = options_.append ? Appended(path, scan_, problem) : std::nullopt;
+    if (options_.append && !text) {
+        path = UnusedPath(options_.path);
+        note = "'" + options_.path + "' stays as it was: " + problem +
+               "; this run's answers are in '" + path + "'";
+    }
+    size_t leftOut = 0;
+    if (!text) text = WriteFittingScan(scan_, kMaxScanSize, leftOut, problem);
+    if (!text) throw std::runtime_error("the scan is not saved: " + problem);
+    Replace(path, *text);
+    leftOut += leftOut_;
+    if (leftOut > 0)
+        note += (note.empty() ? "'" : "; '") + path + "' lacks " + std::to_string(leftOut) +
+                " answers: more came than a scan may have";
+    if (!note.empty()) throw std::runtime_error(note);
 }
 
 }  // namespace vndiscover::host

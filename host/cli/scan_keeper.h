@@ -4,11 +4,12 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "cli/commands.h"
 #include "device/device.h"
-#include "model/scan.h"
+#include "model/scan_file.h"
 #include "platform/console.h"
 
 namespace vndiscover::host {
@@ -16,6 +17,7 @@ namespace vndiscover::host {
 struct SaveOptions {
     std::string path;  // empty: nothing is saved
     bool append = false;
+    size_t maxSweepSize = kMaxScanSize;  // of a sweep's answers, with or without room in the file
 };
 void AddSaveOptions(CLI::App& command, SaveOptions& options);
 
@@ -38,13 +40,18 @@ class ScanKeeper {
     // or the security settings. A device takes two minutes at most. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
-    // Throws std::runtime_error. If the file of --append cannot take this run's answers, they are
-    // saved in another one.
+    // Throws std::runtime_error, also after a save that had to leave answers out. If the file of
+    // --append cannot take this run's answers, they are saved in another one.
     void Save() const;
 
   private:
+    bool Keep(ScanAnswer answer);
+
     SaveOptions options_;
     Scan scan_;  // of this run
+    size_t sweepSize_ = 0;
+    std::unordered_map<std::string, size_t> counts_;  // of the sweep's answers, by address
+    size_t leftOut_ = 0;
     std::optional<CompletionGuard> guard_;
 };
 

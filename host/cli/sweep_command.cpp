@@ -43,7 +43,8 @@ Examples:
   vndiscover sweep --v3 -u admin -a SHA256 -x AES
   vndiscover sweep --save monday.json
 
-Exit codes: 0 devices found, 1 none or --save failed, 2 wrong usage.)";
+Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
+2 wrong usage.)";
 
 struct SweepOptions {
     std::string community, oid, jsonPath, csvPath;

@@ -29,7 +29,8 @@ Examples:
   vndiscover wsd --types "" --raw
   vndiscover wsd --save monday.json --append
 
-Exit codes: 0 devices found, 1 none or --save failed, 2 wrong usage.)";
+Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
+2 wrong usage.)";
 
 enum class WsdFormat { kTable, kJson };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_map>
 
 #include "model/device_merge.h"
 #include "model/device_view.h"
@@ -300,7 +301,57 @@ std::string Elements(const Rows& rows, ToJson toJson) {
     return text;
 }
 
+size_t LargestSweep(const Scan& scan) {
+    constexpr size_t kMembers = 128;  // bytes for the members other than the answer itself
+    std::vector<size_t> sizes(scan.sweeps.size());
+    for (const ScanAnswer& answer : scan.answers)
+        sizes[answer.sweep] += kMembers + answer.bytes.size();
+    return static_cast<size_t>(std::max_element(sizes.begin(), sizes.end()) - sizes.begin());
+}
+
+// Removes a part of the answers of the largest sweep: what exceeds half of the most that an address
+// has, or, if none has several, the later half.
+void Thin(Scan& scan) {
+    const size_t sweep = LargestSweep(scan);
+    std::unordered_map<std::string_view, size_t> counts;
+    std::vector<size_t> ranks;  // of the sweep's answers, among those of their address
+    for (const ScanAnswer& answer : scan.answers) {
+        if (answer.sweep == sweep) ranks.push_back(counts[answer.address]++);
+    }
+    const size_t most = *std::max_element(ranks.begin(), ranks.end()) + 1;
+    std::vector<ScanAnswer> kept;
+    std::vector<size_t> places;  // in `kept`; SIZE_MAX: left out
+    size_t seen = 0;
+    for (ScanAnswer& answer : scan.answers) {
+        bool isKept = true;
+        if (answer.sweep == sweep) {
+            isKept = most > 1 ? ranks[seen] < most / 2 : seen < ranks.size() / 2;
+            ++seen;
+        }
+        places.push_back(isKept ? kept.size() : SIZE_MAX);
+        if (isKept) kept.push_back(std::move(answer));
+    }
+    scan.answers = std::move(kept);
+    auto splits = std::exchange(scan.splits, {});
+    for (const auto& [one, other] : splits) {
+        if (places[one] != SIZE_MAX && places[other] != SIZE_MAX)
+            scan.splits.emplace_back(places[one], places[other]);
+    }
+}
+
 }  // namespace
+
+std::optional<std::string> WriteFittingScan(Scan scan, size_t maxSize, size_t& leftOut,
+                                            std::string& problem) {
+    const size_t all = scan.answers.size();
+    while (true) {
+        auto text = WriteScan(scan, problem);
+        leftOut = all - scan.answers.size();
+        if (text && text->size() <= maxSize) return text;
+        if (scan.answers.empty()) return std::nullopt;
+        Thin(scan);
+    }
+}
 
 std::optional<std::string> WriteScan(const Scan& scan, std::string& problem) {
     std::string text = "{\"format\":\"" + std::string(kFormat) +

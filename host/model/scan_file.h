@@ -28,6 +28,12 @@ constexpr size_t kMaxScanSize = size_t{128} << 20;  // bytes
 // Empty, with the reason in `problem`, if the scan is too large to be read again.
 std::optional<std::string> WriteScan(const Scan& scan, std::string& problem);
 
+// Leaves answers out of a scan with a text of more than `maxSize` bytes, or too large otherwise: of
+// the largest sweep, from the addresses with the most answers first, the latest. `leftOut` is their
+// number. Empty, with the reason in `problem`, if it is too large even without answers.
+std::optional<std::string> WriteFittingScan(Scan scan, size_t maxSize, size_t& leftOut,
+                                            std::string& problem);
+
 // Accepts any text. Empty, with the line and the reason in `problem`, if it is not a scan of this
 // version, is malformed, or is larger than a scan may be.
 std::optional<Scan> ReadScan(const std::string& text, std::string& problem);

@@ -51,5 +51,20 @@ TEST_F(ScanKeeperTest, SavesToAnotherFileWhatAFullOneCannotTake) {
     EXPECT_EQ(1U, Sweeps(".2"));
 }
 
+TEST_F(ScanKeeperTest, AFloodTakesHalfOfTheRoomAndIsTold) {
+    ScanKeeper keeper({path_, false, 300000});
+    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+    for (int i = 0; i < 3000; ++i) keeper.Add("10.77.1.20", "");
+    for (int i = 0; i < 300; ++i) keeper.Add("10.77.1.21", "");
+    std::string problem;
+    try {
+        keeper.Save();
+    } catch (const std::runtime_error& error) {
+        problem = error.what();
+    }
+    EXPECT_NE(std::string::npos, problem.find("lacks 1873 answers")) << problem;
+    EXPECT_EQ(1427U, LoadScan(path_, "").answers.size());
+}
+
 }  // namespace
 }  // namespace vndiscover::host
