@@ -106,7 +106,14 @@ int main(int argc, char** argv) {
     if (!isOver)
         std::fprintf(stderr, "%ls\n", window ? watch.TextOf(IDC_STATUS).c_str() : L"no window");
     if (window) PostMessageW(window, WM_CLOSE, 0, 0);
-    if (WaitForSingleObject(process.hProcess, kSilentMs) != WAIT_OBJECT_0)
+    const ULONGLONG end = GetTickCount64() + kSilentMs;
+    while (WaitForSingleObject(process.hProcess, kPauseMs) != WAIT_OBJECT_0 &&
+           GetTickCount64() < end) {
+        // The scan is not to be saved.
+        if (const HWND question = window ? GetLastActivePopup(window) : nullptr)
+            PostMessageW(question, WM_COMMAND, IDNO, 0);
+    }
+    if (WaitForSingleObject(process.hProcess, 0) != WAIT_OBJECT_0)
         TerminateProcess(process.hProcess, 1);
     return isOver && devices == std::atoi(argv[1]) ? 0 : 1;
 }

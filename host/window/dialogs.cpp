@@ -1,5 +1,7 @@
 #include "window/dialogs.h"
 
+#include <commctrl.h>
+
 #include "platform/wide_text.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -24,6 +26,25 @@ void Tell(HWND owner, const std::wstring& problem, bool isScript) {
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()),
               &written, nullptr);
+}
+
+int AskToSave(HWND owner) {
+    const std::wstring title = Text(IDS_TITLE), question = Text(IDS_ASK_SAVE);
+    const std::wstring save = Text(IDS_ASK_SAVE_YES), drop = Text(IDS_ASK_SAVE_NO);
+    const std::wstring cancel = Text(IDS_CANCEL);
+    const TASKDIALOG_BUTTON buttons[] = {
+        {IDYES, save.c_str()}, {IDNO, drop.c_str()}, {IDCANCEL, cancel.c_str()}};
+    TASKDIALOGCONFIG dialog = {};
+    dialog.cbSize = sizeof dialog;
+    dialog.hwndParent = owner;
+    dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
+    dialog.pszWindowTitle = title.c_str();
+    dialog.pszMainInstruction = question.c_str();
+    dialog.cButtons = 3;
+    dialog.pButtons = buttons;
+    int answer = IDCANCEL;
+    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
+    return answer;
 }
 
 }  // namespace vndiscover::host

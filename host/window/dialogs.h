@@ -14,6 +14,9 @@ void SetDialogTexts(HWND dialog, unsigned title);
 // Tells a user of a problem in a message, or a script on the error output.
 void Tell(HWND owner, const std::wstring& problem, bool isScript);
 
+// Asks whether to save the scan: IDYES, IDNO or IDCANCEL.
+int AskToSave(HWND owner);
+
 }  // namespace vndiscover::host
 
 #endif  // VNDISCOVER_HOST_WINDOW_DIALOGS_H

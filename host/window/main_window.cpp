@@ -157,7 +157,10 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_CONTEXTMENU:
             OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
             return 0;
+        case WM_QUERYENDSESSION:
+            return MayClose();
         case WM_CLOSE:
+            if (!MayClose()) return 0;
             // The window disappears at once, although a request may take up to 12 s more.
             ShowOwnedPopups(window_, FALSE);
             ShowWindow(window_, SW_HIDE);
@@ -328,8 +331,7 @@ void MainWindow::OnCommand(int id, int code) {
             if (isSweeping_ || !asked_.empty()) Stop();
             break;
         case IDM_OPEN:
-            if (workers_->IsBusy()) break;  // its answers belong to the current scan
-            WithPath(IDS_SCAN_FILES, L"json", false, &MainWindow::OpenFrom);
+            if (MayReplaceScan()) WithPath(IDS_SCAN_FILES, L"json", false, &MainWindow::OpenFrom);
             break;
         case IDM_SAVE:
             WithPath(IDS_SCAN_FILES, L"json", true, &MainWindow::SaveTo);
@@ -359,7 +361,7 @@ void MainWindow::OnCommand(int id, int code) {
             SetFocus(GetDlgItem(window_, IDC_FILTER));
             break;
         case IDM_CLEAR:
-            if (isSweeping_ || !asked_.empty()) break;  // answers that still come belong to it
+            if (!MayReplaceScan()) break;
             session_.Clear();
             wasSwept_ = false;
             session_.Refresh();
@@ -405,7 +407,7 @@ void MainWindow::OnCommand(int id, int code) {
                 CopyCell(static_cast<Column>(id - IDM_CELL));
             break;
     }
-    if (window_) ShowStatus();
+    ShowStatus();
 }
 
 void MainWindow::OnContextMenu(HWND control, LPARAM place) {
@@ -615,7 +617,7 @@ void MainWindow::OnFrame() {
     calls_.Refresh();
     walk_.Refresh();
     if (isIdle) OnIdle(isOver);
-    if (window_) ShowStatus();
+    ShowStatus();
 }
 
 void MainWindow::OnIdle(bool isOver) {
@@ -627,7 +629,6 @@ void MainWindow::OnIdle(bool isOver) {
         InvalidateRect(devices_.Handle(), nullptr, TRUE);
         details_.Show();  // protocols are no longer pending
         EndStartSweep();
-        if (!window_) return;  // closed while a message was shown
         if (wasStart && options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
     }
     if (!workers_->IsBusy()) KillTimer(window_, kStatusTimer);
@@ -669,8 +670,28 @@ void MainWindow::ShowStatus() {
 // Returns false.
 bool MainWindow::Complain(const std::wstring& text) {
     note_ = text;
-    if (options_.exit || IsWindowVisible(window_)) Tell(window_, text, options_.exit);
+    Tell(window_, text, options_.exit);
     return false;
+}
+
+// False if it must stay: the user was told why, or wants it.
+bool MainWindow::MayReplaceScan() {
+    if (isSweeping_ || !asked_.empty() || workers_->Waiting() != 0)
+        return Complain(Text(IDS_AWAITS_ANSWERS));
+    return MayDropScan();
+}
+
+bool MainWindow::MayDropScan() {
+    if (options_.exit || !session_.IsUnsaved()) return true;
+    const int answer = AskToSave(window_);
+    if (answer == IDYES) WithPath(IDS_SCAN_FILES, L"json", true, &MainWindow::SaveTo);
+    return answer == IDNO || !session_.IsUnsaved();
+}
+
+// Not while a dialog is open, whose caller would go on without the window.
+bool MainWindow::MayClose() {
+    const bool willSave = options_.sweep && !options_.savePath.empty();
+    return IsWindowEnabled(window_) && (willSave || MayDropScan());
 }
 
 bool MainWindow::OpenFrom(const std::string& path) {
@@ -693,7 +714,9 @@ bool MainWindow::CompareWith(const std::string& path) {
 }
 
 bool MainWindow::SaveTo(const std::string& path) {
-    return SaveScan(session_.GetScan(), path, note_) || Complain(note_);
+    if (!SaveScan(session_.GetScan(), path, note_)) return Complain(note_);
+    session_.SetSaved();
+    return true;
 }
 
 bool MainWindow::SaveCsvTo(const std::string& path) {

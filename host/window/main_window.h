@@ -87,6 +87,9 @@ class MainWindow {
 
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (MainWindow::*method)(const std::string& path));
+    bool MayReplaceScan();
+    bool MayDropScan();
+    bool MayClose();
     void CopyCell(Column column);
     void OpenWebPage();
     void ShowPage(const std::wstring& title, std::vector<Fact> facts);

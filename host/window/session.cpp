@@ -25,7 +25,7 @@ void Session::Take(const Event& event) {
             answer.sweep = sweeps_[static_cast<size_t>(event.worker)];
             answer.bytes = event.bytes;
             scan_.answers.push_back(std::move(answer));
-            isChanged_ = true;
+            isChanged_ = isUnsaved_ = true;
             break;
         case Event::kAsked:
             BeginSweep(event, AnswerForm::kVariable);
@@ -39,6 +39,7 @@ void Session::Take(const Event& event) {
             }
             TakeReading(event);
             isChanged_ = true;
+            isUnsaved_ |= !event.read.values.empty();
             break;
         case Event::kAdapters:
             adapters_ = event.adapters;
@@ -82,6 +83,7 @@ void Session::SetScan(Scan scan) {
     rowMaker_ = RowMaker();
     readings_.clear();
     isSweeping_ = {};
+    isUnsaved_ = false;
     view.Select(std::nullopt);
     isChanged_ = true;
 }
@@ -173,8 +175,9 @@ bool Session::Split(const DeviceRow& row) {
         if (before == scan_.splits.size() && !isAsked(merge.first) && !isAsked(merge.second))
             scan_.splits.emplace_back(merge.first, merge.second);
     }
-    isChanged_ |= before != scan_.splits.size();
-    return before != scan_.splits.size();
+    if (before == scan_.splits.size()) return false;
+    isChanged_ = isUnsaved_ = true;
+    return true;
 }
 
 }  // namespace vndiscover::host

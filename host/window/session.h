@@ -26,6 +26,9 @@ class Session {
     void Clear() { SetScan({}); }
     void SetScan(Scan scan);
     const Scan& GetScan() const { return scan_; }
+    // Whether the scan has answers, or splits, that are in no file.
+    bool IsUnsaved() const { return isUnsaved_; }
+    void SetSaved() { isUnsaved_ = false; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
 
     // The selected device; null if there is none.
@@ -58,7 +61,7 @@ class Session {
     std::array<size_t, kWorkerCount> sweeps_{};  // indexes of the last ones
     std::array<bool, kWorkerCount> isSweeping_{};
     std::map<std::string, std::vector<Reading>> readings_;  // by address, one for each protocol
-    bool isChanged_ = false;
+    bool isChanged_ = false, isUnsaved_ = false;
 };
 
 }  // namespace vndiscover::host

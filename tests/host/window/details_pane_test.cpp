@@ -63,7 +63,7 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     ChoosePage(TabCtrl_GetItemCount(Control(IDC_PAGES)) - 1);
     EXPECT_EQ(L"Answers", Page());
     EndSweep();
-    Command(IDM_CLEAR);
+    Answer({IDNO}, [&] { Command(IDM_CLEAR); });
     EXPECT_EQ(0, Rows());
 }
 

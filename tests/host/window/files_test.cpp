@@ -1,7 +1,6 @@
 // The commands of the File menu after the user has chosen a file.
 #include <cstdio>
 #include <functional>
-#include <thread>
 
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
@@ -42,24 +41,6 @@ class Files : public MainWindowTest {
         std::string problem;
         ASSERT_TRUE(ReplaceFileText(path_, text, problem)) << problem;
     }
-    // What the window tells the user, who presses OK, while `action` runs.
-    std::string Complaint(const std::function<void()>& action) {
-        std::string text;
-        std::thread user([&, owner = window_->Handle()] {
-            HWND box = nullptr;
-            for (int wait = 0; wait < 500 && !box; ++wait) {
-                Sleep(10);
-                box = PopupOf(owner);
-            }
-            if (!box) return;
-            text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
-            SendMessageW(box, WM_COMMAND, IDOK, 0);
-        });
-        action();
-        user.join();
-        return text;
-    }
-
     std::string path_;
 };
 
@@ -72,7 +53,7 @@ TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
         SetFileText(text);
         for (const auto method : {&MainWindow::OpenFrom, &MainWindow::CompareWith}) {
             bool isDone = true;
-            const std::string told = Complaint([&] { isDone = ((*window_).*method)(path_); });
+            const std::string told = Answer({IDOK}, [&] { isDone = ((*window_).*method)(path_); });
             EXPECT_FALSE(isDone);
             EXPECT_EQ(0u, told.find("The list is unchanged")) << told;
             EXPECT_NE(std::string::npos, told.find(reason)) << told;
@@ -98,6 +79,24 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
     Sleep(100);
     EXPECT_EQ(reads + 1, engine_.reads);
+}
+
+TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
+    OpenWithDevices();
+    const auto clear = [&] { Command(IDM_CLEAR); };
+    const auto close = [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); };
+    Answer({IDCANCEL}, clear);
+    Answer({IDYES, IDCANCEL}, close);  // without a file
+    EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
+    Command(IDC_FIND);
+    for (const int id : {IDM_CLEAR, IDM_OPEN})
+        EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_ANSWERS)), Answer({IDOK}, [&] { Command(id); }));
+    Command(IDC_FIND);
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    Answer({IDNO}, clear);
+    EXPECT_EQ(L"", Addresses());
+    close();
+    EXPECT_FALSE(window_->Handle());
 }
 
 TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
@@ -140,7 +139,7 @@ TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
     for (const auto method :
          {&MainWindow::SaveTo, &MainWindow::SaveCsvTo, &MainWindow::SaveJsonTo}) {
         bool isDone = true;
-        const std::string told = Complaint([&] { isDone = ((*window_).*method)(path_); });
+        const std::string told = Answer({IDOK}, [&] { isDone = ((*window_).*method)(path_); });
         EXPECT_FALSE(isDone);
         EXPECT_EQ(0u, told.find("The file could not be saved: cannot be written")) << told;
         EXPECT_EQ("old", FileText());

@@ -149,7 +149,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     int order[] = {1, 0, 2, 3, 4, 5, 6, 7};  // Serial number, Address ...
     ListView_SetColumnOrderArray(Devices(), 8, order);
     ListView_SetColumnWidth(Devices(), 0, 222);
-    SendMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
     Open();
     EXPECT_EQ(0u, Headings().find(L"Serial number;Address;MAC address;"));
     EXPECT_EQ(222, ListView_GetColumnWidth(Devices(), 0));

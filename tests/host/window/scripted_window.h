@@ -15,10 +15,12 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "host/model/scripted_device.h"
+#include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "window/main_window.h"
 #include "window/resource.h"
@@ -174,6 +176,30 @@ class MainWindowTest : public testing::Test {
     HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
     void Command(int id) {
         SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);
+    }
+
+    // Presses these buttons, each in the next message or dialog that the window shows meanwhile.
+    // Returns the text of the last one.
+    std::string Answer(const std::vector<int>& buttons, const std::function<void()>& action) {
+        std::string text;
+        std::thread user([&, owner = window_->Handle()] {
+            for (const int button : buttons) {
+                HWND box = nullptr;
+                for (int wait = 0; wait < 500 && !box; ++wait) {
+                    Sleep(10);
+                    if (!IsWindowEnabled(owner)) box = PopupOf(owner);
+                }
+                text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
+                // Again, since one that is still being made ignores it.
+                for (int wait = 0; wait < 500 && IsWindow(box); ++wait) {
+                    SendMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+                    Sleep(10);
+                }
+            }
+        });
+        action();
+        user.join();
+        return text;
     }
 
     // Handles messages until the condition is true; false if it never was.
