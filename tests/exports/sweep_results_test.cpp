@@ -233,6 +233,7 @@ TEST_F(SweepJson, RequestsNoTruncatedOidAndDeliversNothingWithoutJson) {
     EXPECT_THAT(window.Documents(), ElementsAre("10.77.1.2={\"GET\":{\"" + longest +
                                                     "\":\"Model\",\"" + tooLong + "\":\"kept\"}}",
                                                 "end", "end", "end"));
+    EXPECT_TRUE(log.Has("  szKey [" + tooLong.substr(0, 259) + "]\n"));
 }
 
 TEST_F(SweepJson, OversizedDocumentIsCut) {

@@ -39,12 +39,19 @@ TEST(PlainText, ReplacesControlCharactersAndReadsLatin1) {
     for (const auto& [bytes, shown] : rows) EXPECT_EQ(shown, Shown(bytes));
     EXPECT_EQ("a\n\tb\n", Shown("a\r\n\tb\n", Breaks::kKeep));
     EXPECT_EQ("a#b", Shown("a\rb", Breaks::kKeep)) << "b must not overwrite the line";
+    EXPECT_EQ("a#", Shown({"a\r\n", 2}, Breaks::kKeep));
 }
 
 TEST(ShownValue, IsNeverEmptyForReceivedBytes) {
     EXPECT_EQ("", ShownValue(""));
     EXPECT_EQ("a", ShownValue({"a\0\0", 3}));
     EXPECT_EQ("0x0000", ShownValue({"\0\0", 2}));
+}
+
+TEST(SpacedWords, AreThoseOfTheObjects) {
+    EXPECT_EQ("input media supply low", SpacedWords("inputMediaSupplyLow"));
+    EXPECT_EQ("marker toner almost empty", SpacedWords("markerTonerAlmostEmpty"));
+    EXPECT_EQ("electrophotographic LED", SpacedWords("electrophotographicLED"));
 }
 
 TEST(Padded, CountsCharactersNotBytes) { EXPECT_EQ("B\xC3\xBCro  ", Padded("B\xC3\xBCro", 6)); }

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <regex>
+#include <set>
 
 namespace vndiscover::host {
 namespace {
@@ -104,11 +106,13 @@ TEST(Probes, AreWellFormedAndDeclareTheirTypes) {
 }
 
 TEST(Uuids, AreRandomAndSaySo) {
-    const std::string uuid = NewUuid();
-    EXPECT_EQ(36u, uuid.size());
-    EXPECT_EQ('4', uuid.at(14));
-    EXPECT_NE(std::string::npos, std::string("89ab").find(uuid.at(19)));
-    EXPECT_NE(uuid, NewUuid());
+    const std::regex shape("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
+    std::set<std::string> uuids;
+    for (int i = 0; i < 64; ++i) {  // leading zeros are rare
+        const std::string uuid = NewUuid();
+        EXPECT_TRUE(uuids.insert(uuid).second);
+        ASSERT_TRUE(std::regex_match(uuid, shape)) << uuid;
+    }
 }
 
 }  // namespace
