@@ -1,7 +1,6 @@
 """docs_test.py SOURCE: what repeats the code says the same. Documents: every export is explained; links, pictures, files,
-commands with their options, names and figures are the tree's; the diagram of includes is the one that the sources make.
-The header's annotations cover every parameter. The C# declarations are the header's in names, order and types of
-arguments, results, constants and the record's layout.
+commands with their options, names and figures are the tree's. The header's annotations cover every parameter. The C#
+declarations are the header's in names, order and types of arguments, results, constants and the record's layout.
 """
 import json
 import re
@@ -12,8 +11,6 @@ from pathlib import Path
 
 SOURCE = Path(sys.argv.pop(1))
 DOCUMENTS = [*sorted(SOURCE.glob("*.md")), *sorted((SOURCE / "docs").glob("*.md"))]
-ROOMS = {"snmp/codec": "codec", "snmpv3/codec": "v3codec", "snmpv3/crypto": "crypto", "interface/delivery": "delivery"}
-FOLDERS = ("support", "net", "snmp", "snmpv3", "wsd", "interface", *ROOMS.values())
 
 # A type of the header, and a pattern for the C# types that marshal to it.
 TYPES = {"HWND": "IntPtr", "UINT": "uint", "BYTE": "byte", "int32_t": "int", "uint32_t": "uint", "uint32_t*": "ref uint",
@@ -74,26 +71,6 @@ def commands():
                 words.pop(0)
             if words:
                 yield document, words
-
-
-def folder_of(path):
-    parts = path.relative_to(SOURCE / "src").parts
-    return ROOMS.get("/".join(parts[:2]), parts[0])
-
-
-def includes():
-    """(folder, folder) for every include across folders, except of support/."""
-    found = set()
-    for path in (SOURCE / "src").rglob("*"):
-        if path.suffix not in (".h", ".cpp"):
-            continue
-        for name in re.findall(r'#include [<"]([\w/]+\.h)[>"]', path.read_text(encoding="utf-8")):
-            target = "header" if name == "vndiscover.h" else None
-            if (SOURCE / "src" / name).exists():
-                target = folder_of(SOURCE / "src" / name)
-            if target and target not in (folder_of(path), "support"):
-                found.add((folder_of(path), target))
-    return found
 
 
 def read(path):
@@ -196,12 +173,6 @@ class Documents(unittest.TestCase):
             value = re.search(defined, (SOURCE / file).read_text(encoding="utf-8"))
             self.assertTrue(figure and value, said)
             self.assertEqual(int(value[1]), int(figure[1].replace(",", "")), said)
-
-    def test_the_diagram_of_includes_is_true(self):
-        text = (SOURCE / "docs/architecture.md").read_text(encoding="utf-8")
-        drawn = set(re.findall(r"^    (\w+) --> (\w+)", text, flags=re.M))
-        drawn = {(a, b) for a, b in drawn if a in FOLDERS and b != "support"}
-        self.assertEqual(drawn, includes())
 
 
 class Header(unittest.TestCase):

@@ -1,12 +1,13 @@
 """Installs the kit from the build folder and inspects it like a host developer, a debugger and an auditor.
 
-Environment: BUILD, SOURCE, DEPS (folders), KIT (folder to install to), CMAKE, NM, OBJDUMP (programs).
+Environment: BUILD, SOURCE, DEPS (folders), KIT (folder to install to), VERSION, CMAKE, NM, OBJDUMP (programs).
 """
 import binascii
 import json
 import os
 import re
 import shutil
+import struct
 import subprocess
 import unittest
 from pathlib import Path
@@ -85,6 +86,18 @@ class Kit(unittest.TestCase):
             imported = re.findall(r"dll name: (.*)\.dll", run(OBJDUMP, "-p", KIT / "bin" / name).lower())
             self.assertTrue(imported)
             self.assertEqual([], [dll for dll in imported if not re.fullmatch(allowed, dll)], name)
+
+    def test_version_is_the_project_s_everywhere(self):
+        version = os.environ["VERSION"]
+        self.assertEqual(version, json.loads((SOURCE / "vcpkg.json").read_text())["version"])
+        content = (KIT / "bin/VnDiscover.dll").read_bytes()
+        # VS_FIXEDFILEINFO: the signature, the version of the structure, then those of the file and the product.
+        at = content.index(struct.pack("<II", 0xFEEF04BD, 0x00010000)) + 8
+        for minor, major, last, patch in struct.iter_unpack("<4H", content[at:at + 16]):
+            self.assertEqual(f"{version}.0", f"{major}.{minor}.{patch}.{last}")
+        for name in ("FileVersion", "ProductVersion"):
+            wanted = name.encode("utf-16-le") + rb"\0+" + re.escape(f"{version}.0\0".encode("utf-16-le"))
+            self.assertTrue(re.search(wanted, content), name)
 
     def test_the_window_is_small(self):
         if "VNDISCOVER_SANITIZE:STRING=trap" in (BUILD / "CMakeCache.txt").read_text(encoding="utf-8"):

@@ -1,7 +1,10 @@
-// Rows of a sweep must suit a terminal, a CSV reader and a JSON parser, whatever devices answer.
+// Rows of a sweep, and the JSON request for it. Rows must suit a terminal, a CSV reader and a JSON
+// parser, whatever devices answer.
 #include "model/device_writer.h"
 
 #include <gtest/gtest.h>
+
+#include "model/json_request.h"
 
 namespace vndiscover::host {
 namespace {
@@ -22,9 +25,7 @@ const Rows kValues = {{"10.77.1.22", {"LaserPro\0", 9}},
                       {"10.77.1.23", ""},
                       {"10.77.1.24", "\x1B[2J\"a\""},
                       {"10.77.1.25", "\xA0\xB1\xC2\xD3\xE4\xF5"},
-                      {"10.77.1.26",
-                       "=A1;\xEF\xBC\x9D"
-                       "B2"}};
+                      {"10.77.1.26", "=A1;\xEF\xBC\x9DZ2"}};
 constexpr char kDocument[] =
     "{\n\t\"DiscoverOID\":\t\".1.3.6\",\n\t\"GET\":\t{\n\t\t\".1.3.6.1\":\t\"LaserPro\",\n"
     "\t\t\".1.3.6.2\":\t\"\xC2\x9B[2J \\u001b\"\n\t}\n}";
@@ -34,15 +35,13 @@ TEST(DeviceRows, AreValidForTheirReaders) {
         "ADDRESS          VALUE\n10.77.1.22       LaserPro\n"
         "192.168.100.200  B\xC3\xBCro \"1\", 2\n"
         "10.77.1.23       (no value)\n10.77.1.24       0x1B5B324A226122\n"
-        "10.77.1.25       0xA0B1C2D3E4F5\n10.77.1.26       =A1;\xEF\xBC\x9D"
-        "B2\n",
+        "10.77.1.25       0xA0B1C2D3E4F5\n10.77.1.26       =A1;\xEF\xBC\x9DZ2\n",
         Written(Format::kTable, ValueKind::kRaw, kValues));
     EXPECT_EQ(
         "\"10.77.1.22\",\"LaserPro\"\n\"192.168.100.200\",\"B\xC3\xBCro \"\"1\"\", 2\"\n"
         "\"10.77.1.23\",\"\"\n\"10.77.1.24\",\"0x1B5B324A226122\"\n"
         "\"10.77.1.25\",\"0xA0B1C2D3E4F5\"\n"
-        "\"10.77.1.26\",\"'=A1;'\xEF\xBC\x9D"
-        "B2\"\n",
+        "\"10.77.1.26\",\"'=A1;'\xEF\xBC\x9DZ2\"\n",
         Written(Format::kCsv, ValueKind::kRaw, kValues));
     EXPECT_EQ(
         "[\n  {\"address\":\"10.77.1.22\",\"value\":\"LaserPro\"},\n"
@@ -50,8 +49,7 @@ TEST(DeviceRows, AreValidForTheirReaders) {
         "  {\"address\":\"10.77.1.23\",\"value\":\"\"},\n"
         "  {\"address\":\"10.77.1.24\",\"value\":\"0x1B5B324A226122\"},\n"
         "  {\"address\":\"10.77.1.25\",\"value\":\"0xA0B1C2D3E4F5\"},\n"
-        "  {\"address\":\"10.77.1.26\",\"value\":\"=A1;\xEF\xBC\x9D"
-        "B2\"}\n]\n",
+        "  {\"address\":\"10.77.1.26\",\"value\":\"=A1;\xEF\xBC\x9DZ2\"}\n]\n",
         Written(Format::kJson, ValueKind::kRaw, kValues));
     EXPECT_EQ("[]\n", Written(Format::kJson, ValueKind::kRaw, {}));
 }
@@ -79,6 +77,22 @@ TEST(DeviceRows, HoldTheAnswersOfADocument) {
         Written(Format::kJson, ValueKind::kDocument, rows));
     EXPECT_EQ("\"10.0.0.1\",\"LaserPro\"\n",
               Written(Format::kCsv, ValueKind::kAnswer, {{"10.0.0.1", kDocument}}));
+}
+
+TEST(JsonRequests, AreCompactedAndLimited) {
+    std::string problem;
+    EXPECT_EQ(RequestFor(".1.3.6"), PrepareRequest(RequestFor(".1.3.6"), problem));
+    EXPECT_EQ("{\"GET\":{\".1.3 x\":\"\"}}",
+              PrepareRequest("\xEF\xBB\xBF{ \"GET\": {\r\n\".1.3 x\": \"\" } }\n", problem));
+    for (const char* text : {"", "[]", "\"GET\"", "{\"GET\": {", "{'GET': 1}"}) {
+        EXPECT_FALSE(PrepareRequest(text, problem)) << text;
+    }
+    const auto sized = [](size_t size) {
+        return "{\"a\":\"" + std::string(size - 8, 'x') + "\"}" + std::string(500, ' ');
+    };
+    EXPECT_TRUE(PrepareRequest(sized(2047), problem));
+    EXPECT_FALSE(PrepareRequest(sized(2048), problem));
+    EXPECT_NE(std::string::npos, problem.find("2048 bytes"));
 }
 
 }  // namespace
