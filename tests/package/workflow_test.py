@@ -19,20 +19,16 @@ def text(name):
     return (SOURCE / name).read_text(encoding="utf-8")
 
 
-def expansions(job):
-    """The job's matrix, one dictionary for each run."""
-    matrix = job.get("strategy", {}).get("matrix", {})
-    return [dict(zip(matrix, values)) for values in itertools.product(*matrix.values())]
-
-
 def scripts():
     """(job, commands of a step), for every value of its matrix."""
     for path in WORKFLOWS:
         for name, job in yaml.safe_load(text(path))["jobs"].items():
-            for values in expansions(job):
+            matrix = job.get("strategy", {}).get("matrix", {})
+            for values in itertools.product(*matrix.values()):
                 for step in job["steps"]:
                     if "run" in step:
-                        yield name, re.sub(r"\$\{\{ matrix\.(\w+) \}\}", lambda m, v=values: v[m[1]], step["run"])
+                        yield name, re.sub(r"\$\{\{ matrix\.(\w+) \}\}",
+                                           lambda m, v=dict(zip(matrix, values)): v[m[1]], step["run"])
 
 
 def commands():

@@ -37,8 +37,23 @@ Bytes TextBinding(const std::string& text, const Bytes& name = kOid) {
     return Tlv(0x30, Tlv(0x06, name) + Tlv(0x04, TextBytes(text)));
 }
 
-Bytes PduTlv(const Bytes& bindings) {
-    return Tlv(0xA2, Hex("02 02 01 01 02 01 02 02 01 01") + Tlv(0x30, bindings));
+Bytes PduTlv(const Bytes& bindings, uint8_t tag = 0xA2, const Bytes& requestId = {1, 1}) {
+    return Tlv(tag, Tlv(0x02, requestId) + Hex("02 01 02 02 01 01") + Tlv(0x30, bindings));
+}
+
+// An SNMPv1 answer.
+Bytes Answer(const Bytes& bindings, const Bytes& requestId = {1}, uint8_t pduTag = 0xA2) {
+    return Tlv(0x30, Hex("02 01 00") + Tlv(0x04, TextBytes("sesame")) +
+                         PduTlv(bindings, pduTag, requestId));
+}
+
+Bytes BuildWith(std::vector<VarBindRecord> bindings, const char* community, uint8_t pduType,
+                size_t room = kMaxMessageSize) {
+    VarBindList list;
+    SetVarBindList(bindings.data(), static_cast<int32_t>(bindings.size()), list);
+    Bytes out(room);
+    const int32_t length = BuildSnmpMessage(out.data(), room, community, pduType, kRequestId, list);
+    return Prefix(out, static_cast<size_t>(length));
 }
 
 TEST(VarBind, RefusesWhatExceedsItsFields) {
@@ -89,16 +104,19 @@ TEST(Pdu, EncodesWithFullLengthsAndItsOwnRequestId) {
               ToBytes(out));
 }
 
-TEST(Pdu, RefusesToEncodeLengthsBeyondTheFields) {
-    for (uint8_t VarBindRecord::*length :
-         {&VarBindRecord::nameLength, &VarBindRecord::valueLength}) {
+TEST(VarBind, ListsBeyondTheirFieldsAreNotEncoded) {
+    for (const auto& [length, tooLong] : {std::pair(&VarBindRecord::nameLength, uint8_t{125}),
+                                          std::pair(&VarBindRecord::valueLength, uint8_t{127})}) {
+        std::vector<VarBindRecord> bindings(2, Binding(kTagNull, {}));
+        bindings[1].*length = tooLong;
         PduRecord pdu;
-        VarBindRecord bindings[] = {Binding(kTagNull, {}), Binding(kTagNull, {})};
-        bindings[1].*length = 127;
-        SetVarBindList(bindings, 2, pdu.bindings);
+        SetVarBindList(bindings.data(), 2, pdu.bindings);
         ByteBuffer out;
         EXPECT_FALSE(EncodePdu(pdu, out));
         EXPECT_TRUE(out.Empty());
+        EXPECT_EQ(Bytes(), BuildWith(bindings, "sesame", 0xA0));
+        pdu.bindings.count = -1;
+        EXPECT_TRUE(FitTheirRecords(pdu.bindings));
     }
 }
 
@@ -136,15 +154,6 @@ TEST(Pdu, RefusesBindingsThatDoNotFitAndEveryPrefix) {
     }
 }
 
-Bytes BuildWith(std::vector<VarBindRecord> bindings, const char* community, uint8_t pduType,
-                size_t room = kMaxMessageSize) {
-    VarBindList list;
-    SetVarBindList(bindings.data(), static_cast<int32_t>(bindings.size()), list);
-    Bytes out(room);
-    const int32_t length = BuildSnmpMessage(out.data(), room, community, pduType, kRequestId, list);
-    return Prefix(out, static_cast<size_t>(length));
-}
-
 TEST(BuildSnmpMessageTest, RefusesBadInputAndLetsLengthsWrap) {
     const VarBindRecord binding = Binding(kTagNull, {});
     for (const uint8_t type : Bytes{0x9F, 0xA4})
@@ -159,12 +168,6 @@ TEST(BuildSnmpMessageTest, RefusesBadInputAndLetsLengthsWrap) {
               BuildWith({binding}, community.c_str(), 0xA0));
     EXPECT_EQ(0u, BuildWith({binding}, (community + 'c').c_str(), 0xA0).size());
     EXPECT_EQ(0, BuildSnmpMessage(nullptr, 99, "sesame", 0xA0, 1, VarBindList()));
-    VarBindRecord beyondItsField = binding;
-    beyondItsField.nameLength = 125;
-    EXPECT_EQ(0u, BuildWith({binding, beyondItsField}, "sesame", 0xA0).size());
-    VarBindList fewerThanNone;
-    SetVarBindList(&beyondItsField, -1, fewerThanNone);
-    EXPECT_TRUE(FitTheirRecords(fewerThanNone));
     const VarBindRecord big = Binding(kTagOctetString, Bytes(126, 'v'));
     EXPECT_EQ(Hex("30 2b 02 01 00 04 01 63 a3 23"), Prefix(BuildWith({big, big}, "c", 0xA3), 10));
     EXPECT_EQ(Hex("30 9f 02 01 00 04 01 63 a3 97 02 01 01 02 01 00 02 01 00 30 8c 30 8a"),
@@ -199,13 +202,6 @@ TEST(ByteBufferTest, IsWipedBeforeItsBlockIsGivenBack) {
     EXPECT_EQ(0, left);
 }
 #endif
-
-// An SNMPv1 answer.
-Bytes Answer(const Bytes& bindings, const Bytes& requestId = {1}, uint8_t pduTag = 0xA2) {
-    return Tlv(0x30, Hex("02 01 00") + Tlv(0x04, TextBytes("sesame")) +
-                         Tlv(pduTag, Tlv(0x02, requestId) + Hex("02 01 00 02 01 00") +
-                                         Tlv(0x30, bindings)));
-}
 
 class ParseTest : public testing::Test {
   protected:
