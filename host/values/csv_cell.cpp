@@ -32,4 +32,8 @@ std::string CsvCell(std::string_view text) {
     return cell + "\"";
 }
 
+std::string HarmlessCell(std::string_view text) {
+    return (StartsFormula(text) ? "'" : "") + std::string(text);
+}
+
 }  // namespace vndiscover::host

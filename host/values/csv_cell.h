@@ -11,6 +11,9 @@ namespace vndiscover::host {
 // spreadsheet would run as a formula.
 std::string CsvCell(std::string_view text);
 
+// For a cell of copied rows, which are separated by tabs: only the apostrophe.
+std::string HarmlessCell(std::string_view text);
+
 }  // namespace vndiscover::host
 
 #endif  // VNDISCOVER_HOST_VALUES_CSV_CELL_H

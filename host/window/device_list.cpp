@@ -3,6 +3,7 @@
 #include <windowsx.h>
 
 #include "platform/wide_text.h"
+#include "window/clipboard.h"
 #include "window/facts_list.h"
 #include "window/list_copy.h"
 #include "window/menu.h"
@@ -156,7 +157,7 @@ std::wstring DeviceList::CellText(const DeviceRow& row, Column column) const {
 std::wstring DeviceList::RowText(const DeviceRow& row) const {
     std::wstring line;
     for (const Heading& heading : columns_.Headings())
-        line += CellText(row, heading.column) + L"\t";
+        line += RowCell(CellText(row, heading.column)) + L"\t";
     line.pop_back();
     return line + L"\r\n";
 }

@@ -31,7 +31,7 @@ int CountColumns(HWND list) { return Header_GetItemCount(ListView_GetHeader(list
 std::wstring RowText(HWND list, int row) {
     std::wstring line;
     for (int column = 0; column < CountColumns(list); ++column)
-        line += (column == 0 ? L"" : L"\t") + CellText(list, row, column);
+        line += (column == 0 ? L"" : L"\t") + RowCell(CellText(list, row, column));
     return line + L"\r\n";
 }
 

@@ -30,6 +30,7 @@ constexpr UINT_PTR kFrameTimer = 1;
 constexpr UINT_PTR kStatusTimer = 2;
 constexpr UINT kFrameMs = 100;
 constexpr UINT kStatusMs = 250;
+constexpr ULONGLONG kNoteMs = 4000;  // before progress is shown again
 constexpr int kBar[] = {IDC_FIND, IDC_PRESET_LABEL, IDC_PRESET, IDC_V1,           IDC_V3,
                         IDC_WSD,  IDC_IPV4,         IDC_IPV6,   IDC_FILTER_LABEL, IDC_FILTER};
 constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
@@ -156,6 +157,10 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return OnNotify(reinterpret_cast<NMHDR*>(lParam));
         case WM_CONTEXTMENU:
             OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
+            return 0;
+        case kCopied:
+            if (!wParam) note_ = Text(IDS_NOT_COPIED);
+            ShowStatus();
             return 0;
         case WM_QUERYENDSESSION:
             return MayClose();
@@ -645,6 +650,7 @@ std::wstring MainWindow::StatusText() const {
     const auto seconds = [](ULONGLONG ms) { return std::to_wstring(ms / 1000); };
     const ULONGLONG now = GetTickCount64();
     const std::wstring answers = std::to_wstring(answers_);
+    if (!note_.empty() && now - noteMs_ < kNoteMs) return note_;
     if (isSweeping_)
         return Text(IDS_SWEEPING,
                     {seconds(now - startMs_), answers, std::to_wstring(sweptAddresses_)});
@@ -663,6 +669,7 @@ std::wstring MainWindow::StatusText() const {
 
 void MainWindow::ShowStatus() {
     const HWND status = GetDlgItem(window_, IDC_STATUS);
+    if (std::exchange(shownNote_, note_) != note_) noteMs_ = GetTickCount64();
     const std::wstring text = StatusText();
     if (WindowText(status) != text) SetWindowTextW(status, text.c_str());
 }
@@ -676,9 +683,9 @@ bool MainWindow::Complain(const std::wstring& text) {
 
 // False if it must stay: the user was told why, or wants it.
 bool MainWindow::MayReplaceScan() {
-    if (isSweeping_ || !asked_.empty() || workers_->Waiting() != 0)
-        return Complain(Text(IDS_AWAITS_ANSWERS));
-    return MayDropScan();
+    const bool isFilled = isSweeping_ || !asked_.empty() || workers_->Waiting() != 0;
+    if (isFilled) Tell(window_, Text(IDS_AWAITS_ANSWERS), false);
+    return !isFilled && MayDropScan();
 }
 
 bool MainWindow::MayDropScan() {
@@ -739,8 +746,7 @@ void MainWindow::CopyCell(Column column) {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row) return;
     const std::wstring text = devices_.CellText(*row, column);
-    CopyText(window_, text);
-    note_ = Text(IDS_COPIED, {text});
+    if (CopyText(window_, text)) note_ = Text(IDS_COPIED, {text});
 }
 
 void MainWindow::ToggleColumn(unsigned column) {

@@ -115,7 +115,9 @@ class MainWindow {
     bool isReading_ = false;                   // asked_, for its details
     ULONGLONG walkStartMs_ = 0;
     size_t walkValues_ = 0;
-    std::wstring note_;  // shown as the status until the next action
+    std::wstring note_;  // shown as the status until the next action, for a while before progress
+    std::wstring shownNote_;
+    ULONGLONG noteMs_ = 0;
     int exitCode_ = 0;
     // Last, so that their threads end before the members that they use.
     CallsWindow calls_;

@@ -15,7 +15,7 @@ class Menus : public MainWindowTest {
   protected:
     ~Menus() override { RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View"); }
     void OpenWithDevice() {
-        engine_.Say("10.77.1.9", "VN InkLine 70");
+        engine_.Say("10.77.1.9", "=InkLine 70");
         Open();
         Command(IDC_FIND);
         ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 1; }));
@@ -99,8 +99,8 @@ TEST_F(Menus, ClickedCellIsCopied) {
         L"&Ask again\tCtrl+R;Ask a&ll devices\tCtrl+Shift+R;Why does it &not answer?;"
         L"Walk its &values...;;&Split into its parts;Open its &web page;",
         texts);
-    EXPECT_EQ(L"VN InkLine 70", Copied());
-    EXPECT_EQ(L"Copied: VN InkLine 70", TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(L"=InkLine 70", Copied());
+    EXPECT_EQ(L"Copied: =InkLine 70", TextOf(Control(IDC_STATUS)));
 }
 
 // Down to "Copy from the row", into it, down to the address.
@@ -126,9 +126,14 @@ TEST_F(Menus, DetailsAreCopied) {
         Play(details, -1, {VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN}));
     EXPECT_EQ(L"Address", Copied());
     Press(details, 'T', true);
-    EXPECT_EQ(0u, Copied().find(L"Model\tVN InkLine 70\r\nAddress\t10.77.1.9\r\n"));
+    EXPECT_EQ(0u, Copied().find(L"Model\t'=InkLine 70\r\nAddress\t10.77.1.9\r\n"));
     Press(Devices(), 'C', false);
-    EXPECT_EQ(0u, Copied().find(L"\tVN InkLine 70\t10.77.1.9\t"));
+    EXPECT_EQ(0u, Copied().find(L"\t'=InkLine 70\t10.77.1.9\t"));
+    // While another program uses the clipboard.
+    OpenClipboard(Devices());
+    Press(details, 'C', false);
+    EXPECT_EQ(Text(IDS_NOT_COPIED), TextOf(Control(IDC_STATUS)));
+    CloseClipboard();
 }
 
 TEST_F(Menus, ColumnsAreChosenAndKept) {
