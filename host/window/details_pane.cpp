@@ -30,10 +30,12 @@ void DetailsPane::Create(HWND parent) {
 
 void DetailsPane::Show() {
     const DeviceRow* row = session_.view.SelectedRow();
-    const auto device = row ? std::optional(row->answers.front()) : std::nullopt;
-    // Another device's table starts at its top, without a selected row.
-    if (std::exchange(device_, device) != device) table_.Show(0, nullptr);
     const DevicePage& page = Page();
+    const std::vector<size_t> answers = row ? row->answers : std::vector<size_t>();
+    const std::vector<size_t> old = std::exchange(answers_, answers);
+    if (std::exchange(page_, &page) == &page && page.isOfAnswers && old == answers) return;
+    // Another device's table starts at its top, without a selected row.
+    if (old.empty() || answers.empty() || old.front() != answers.front()) table_.Show(0, nullptr);
     if (!page.rows) {
         facts_.Show(DetailFacts(session_));
         return;
@@ -52,6 +54,7 @@ const DevicePage& DetailsPane::Page() const {
 void DetailsPane::ShowPage() {
     const DevicePage& page = Page();
     if (page.rows) table_.Begin(Text(page.title), page.columns, dpi_);
+    page_ = nullptr;
     FitTable();
     Show();
     ShowWindow(facts_.Handle(), page.rows ? SW_HIDE : SW_SHOW);

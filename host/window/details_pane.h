@@ -6,8 +6,7 @@
 
 #include <commctrl.h>
 
-#include <optional>
-#include <string>
+#include <vector>
 
 #include "window/device_pages.h"
 #include "window/facts_list.h"
@@ -40,7 +39,8 @@ class DetailsPane {
     FactsList facts_;  // the summary
     TableList table_;  // the other pages
     int dpi_ = 96;
-    std::optional<size_t> device_;  // first answer of the one that is shown
+    const DevicePage* page_ = nullptr;  // the one that is shown; null: none yet
+    std::vector<size_t> answers_;       // of the device that is shown
 };
 
 }  // namespace vndiscover::host

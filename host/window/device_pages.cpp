@@ -84,8 +84,11 @@ TableRows AnswerRows(const Session& session, const DeviceRow& row) {
 
 const std::vector<DevicePage>& DevicePages() {
     static const std::vector<DevicePage> pages = {
-        {IDS_PAGE_SUMMARY, {}, nullptr},
-        {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}}, ProtocolRows},
+        {IDS_PAGE_SUMMARY, {}, nullptr, false},
+        {IDS_PAGE_PROTOCOLS,
+         {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}},
+         ProtocolRows,
+         false},
         {IDS_PAGE_INTERFACES,
          {{IDS_FACT_DESCRIPTION, 100},
           {IDS_COLUMN_STATE, 60},
@@ -93,14 +96,16 @@ const std::vector<DevicePage>& DevicePages() {
           {IDS_INTERFACE_ADDRESS, 120},
           {IDS_INTERFACE_TYPE, 115},
           {IDS_INTERFACE_ADMIN, 60}},
-         InterfaceRows},
+         InterfaceRows,
+         false},
         {IDS_PAGE_ANSWERS,
          {{IDS_ANSWER_OBJECT, 170},
           {IDS_FACT_VALUE, 200},
           {IDS_PROTOCOL, 80},
           {IDS_FACT_ADDRESS, 100},
           {IDS_CALL_TIME, 140}},
-         AnswerRows},
+         AnswerRows,
+         true},
     };
     return pages;
 }

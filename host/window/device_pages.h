@@ -16,6 +16,7 @@ struct DevicePage {
     unsigned title;  // its string, on the tab
     std::vector<TableColumn> columns;
     TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: DetailFacts
+    bool isOfAnswers;  // the rows change only with the device's answers
 };
 
 // In the order of the tabs.
