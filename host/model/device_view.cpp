@@ -1,7 +1,6 @@
 #include "model/device_view.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "model/device_writer.h"
 #include "model/level.h"
@@ -236,10 +235,17 @@ void DeviceView::Filter(const std::string& text) {
     Arrange();
 }
 
+void DeviceView::Hide(uint32_t columns) {
+    hidden_ = columns;
+    Arrange();
+}
+
 bool DeviceView::Passes(const DeviceRow& row) const {
     if (words_.empty()) return true;
     std::string all;  // one column per line: words contain no line break, so they match within one
-    for (const std::string& text : row.texts) all += text + "\n";
+    for (size_t index = 0; index < kColumnCount; ++index) {
+        if (!(hidden_ >> index & 1)) all += row.texts[index] + "\n";
+    }
     all = Lower(std::move(all));
     return std::all_of(words_.begin(), words_.end(), [&](const std::string& word) {
         return all.find(word) != std::string::npos;

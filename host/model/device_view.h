@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -69,6 +70,8 @@ class DeviceView {
     bool IsDescending() const { return isDescending_; }
     // Shows rows that contain every word of the text, ignoring the case of ASCII letters.
     void Filter(const std::string& text);
+    // The filter leaves out these columns, a bit for each Column. At first none.
+    void Hide(uint32_t columns);
 
     size_t Count() const { return shown_.size(); }
     size_t Total() const { return rows_.size(); }
@@ -90,6 +93,7 @@ class DeviceView {
     std::vector<std::string> words_;
     Column column_ = Column::kAddress;
     bool isDescending_ = false;
+    uint32_t hidden_ = 0;
     std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
 };
 

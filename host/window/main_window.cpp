@@ -755,9 +755,11 @@ void MainWindow::ToggleColumn(unsigned column) {
     if (hidden == kAllColumns) return;  // one must stay
     settings_.hidden = hidden;
     ShowColumns();
+    ShowRows();
 }
 
 void MainWindow::ShowColumns() {
+    session_.view.Hide(settings_.hidden);
     devices_.ShowColumns(settings_);
     for (unsigned index = 0; index < kColumnCount; ++index) {
         const bool isShown = devices_.Columns().IsShown(static_cast<Column>(index));

@@ -147,6 +147,9 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     EXPECT_EQ(0u, texts.find(L"Name;Model;Address;Serial number;"));
     EXPECT_EQ(0u, Headings().find(L"Name;Address;State;Supplies;Serial number;"));
     EXPECT_EQ(L"10.77.1.9", Cell(0, 1));
+    SetWindowTextW(Control(IDC_FILTER), L"inkline");
+    EXPECT_EQ(L"", Addresses());
+    SetWindowTextW(Control(IDC_FILTER), L"");
     const HMENU bar = GetMenu(window_->Handle());
     EXPECT_EQ(0u, GetMenuState(bar, IDM_COLUMN + 1, MF_BYCOMMAND) & MF_CHECKED);
     EXPECT_EQ(0u + MF_CHECKED, GetMenuState(bar, IDM_COLUMN + 2, MF_BYCOMMAND) & MF_CHECKED);
