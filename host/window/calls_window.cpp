@@ -7,6 +7,7 @@
 
 #include "platform/wide_text.h"
 #include "values/plain_text.h"
+#include "window/clipboard.h"
 #include "window/dialogs.h"
 #include "window/dpi.h"
 #include "window/list_copy.h"
@@ -144,12 +145,7 @@ void CallsWindow::OnCommand(int id, int code) {
     if (id == IDCANCEL) DestroyWindow(dialog_);
     if (code != BN_CLICKED) return;
     if (id >= IDS_CALL_CPP && id <= IDS_CALL_COMMAND) ShowText();
-    const HWND text = GetDlgItem(dialog_, IDC_CALL_TEXT);
-    if (id != IDS_CALL_COPY || GetWindowTextLengthW(text) == 0) return;
-    std::wstring copy(static_cast<size_t>(GetWindowTextLengthW(text)) + 1, L'\0');
-    copy.resize(
-        static_cast<size_t>(GetWindowTextW(text, copy.data(), static_cast<int>(copy.size()))));
-    onCopy_(copy);
+    if (id == IDS_CALL_COPY) CopyText(dialog_, WindowText(GetDlgItem(dialog_, IDC_CALL_TEXT)));
 }
 
 void CallsWindow::FillCell(LPARAM info) const {
@@ -176,12 +172,7 @@ void CallsWindow::ShowText() {
         text = Lines(CallText(*call, language));
         if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);
     }
-    // Otherwise it would lose its scroll position while calls are added.
-    const HWND edit = GetDlgItem(dialog_, IDC_CALL_TEXT);
-    std::wstring shown(static_cast<size_t>(GetWindowTextLengthW(edit)) + 1, L'\0');
-    shown.resize(
-        static_cast<size_t>(GetWindowTextW(edit, shown.data(), static_cast<int>(shown.size()))));
-    if (shown != text) SetWindowTextW(edit, text.c_str());
+    ChangeText(GetDlgItem(dialog_, IDC_CALL_TEXT), text);
 }
 
 }  // namespace vndiscover::host

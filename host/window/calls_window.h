@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include <deque>
-#include <functional>
 #include <string>
 
 #include "model/call_text.h"
@@ -14,8 +13,7 @@ namespace vndiscover::host {
 
 class CallsWindow {
   public:
-    using OnCopy = std::function<void(const std::wstring& text)>;
-    explicit CallsWindow(OnCopy onCopy) : onCopy_(std::move(onCopy)) {}
+    CallsWindow() = default;
     ~CallsWindow();
     CallsWindow(const CallsWindow&) = delete;
     CallsWindow& operator=(const CallsWindow&) = delete;
@@ -35,7 +33,6 @@ class CallsWindow {
     void ShowText();
     const Call* Selected() const;
 
-    OnCopy onCopy_;
     std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh
     bool isFolded_ = false;   // likewise, a call is in the row of another

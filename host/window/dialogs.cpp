@@ -8,6 +8,17 @@
 
 namespace vndiscover::host {
 
+std::wstring WindowText(HWND window) {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(
+        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+void ChangeText(HWND window, const std::wstring& text) {
+    if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
+}
+
 void SetDialogTexts(HWND dialog, unsigned title) {
     SetWindowTextW(dialog, Text(title).c_str());
     for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {

@@ -8,6 +8,10 @@
 
 namespace vndiscover::host {
 
+std::wstring WindowText(HWND window);
+// Sets a text that is not shown already: no flicker, and an edit control keeps its place.
+void ChangeText(HWND window, const std::wstring& text);
+
 // Sets the title, the text of each control that has the number of a string, and OK and Cancel.
 void SetDialogTexts(HWND dialog, unsigned title);
 

@@ -41,19 +41,11 @@ constexpr const char* kPresets[] = {".1.3.6.1.4.1.5963.43.5.1.1.1.1", "hrDeviceD
 
 enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };  // kNone: or not saved
 
-std::wstring WindowText(HWND window) {
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(
-        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
 }  // namespace
 
 MainWindow::MainWindow(Engine& engine, StartOptions options)
     : engine_(engine),
       options_(std::move(options)),
-      calls_([this](const std::wstring& text) { CopyText(window_, text); }),
       events_([this] { PostMessageW(window_, kEvents, 0, 0); }) {
     const INITCOMMONCONTROLSEX controls = {
         sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
@@ -70,7 +62,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, Text(IDS_TITLE).c_str(),
                               WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
                               0, 0, nullptr, MakeMenu(), type.hInstance, nullptr);
-    if (!window_) throw std::runtime_error("the window cannot be created");
+    if (!window_) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     dpi_ = DpiOf(window_);
     CreateControls();
@@ -448,8 +440,7 @@ void MainWindow::ShowRows() {
     const std::wstring title = view.Count() == view.Total()
                                    ? Text(IDS_SHOWN, {count})
                                    : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
-    const HWND label = GetDlgItem(window_, IDC_DEVICES_LABEL);
-    if (WindowText(label) != title) SetWindowTextW(label, title.c_str());
+    ChangeText(GetDlgItem(window_, IDC_DEVICES_LABEL), title);
     details_.Show();
 }
 
@@ -668,10 +659,9 @@ std::wstring MainWindow::StatusText() const {
 }
 
 void MainWindow::ShowStatus() {
-    const HWND status = GetDlgItem(window_, IDC_STATUS);
     if (std::exchange(shownNote_, note_) != note_) noteMs_ = GetTickCount64();
     const std::wstring text = StatusText();
-    if (WindowText(status) != text) SetWindowTextW(status, text.c_str());
+    ChangeText(GetDlgItem(window_, IDC_STATUS), text);
 }
 
 // Returns false.

@@ -18,15 +18,8 @@ namespace {
 constexpr const wchar_t* kAuthLabels[] = {VN_AUTH_MD5,    VN_AUTH_SHA1,   VN_AUTH_SHA224,
                                           VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
 constexpr const wchar_t* kPrivLabels[] = {VN_PRIV_DES, VN_PRIV_AES};
-constexpr int kMaxText = 120;  // characters; a longer user name cannot be sent
 
-std::wstring FieldText(HWND dialog, int id) {
-    wchar_t text[kMaxText + 1] = L"";
-    GetDlgItemTextW(dialog, id, text, kMaxText + 1);
-    std::wstring copy = text;
-    SecureZeroMemory(text, sizeof text);
-    return copy;
-}
+std::wstring FieldText(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
 
 // Fills in "none" and the labels; selects `chosen`, or "none".
 template <size_t N>
@@ -75,8 +68,9 @@ class SnmpDialog {
     void Begin(HWND dialog) {
         dialog_ = dialog;
         SetDialogTexts(dialog, IDS_SNMP_TITLE);
-        for (const int id : {IDC_COMMUNITY, IDC_USER, IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD})
-            SendDlgItemMessageW(dialog, id, EM_LIMITTEXT, kMaxText, 0);
+        // Not the passwords, which the module takes in any length.
+        SendDlgItemMessageW(dialog, IDC_COMMUNITY, EM_LIMITTEXT, VN_COMMUNITY_MAX, 0);
+        SendDlgItemMessageW(dialog, IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX, 0);
         SendDlgItemMessageW(dialog, IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName, 0);
         const std::string& community = credentials_.community;
         SetDlgItemTextW(dialog, IDC_COMMUNITY,
@@ -242,8 +236,10 @@ class SnmpDialog {
 
     void End(INT_PTR result) const {
         // Edit controls keep their own copies.
-        for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD})
-            SetDlgItemTextW(dialog_, id, std::wstring(kMaxText, L' ').c_str());
+        for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD}) {
+            const auto length = static_cast<size_t>(GetWindowTextLengthW(GetDlgItem(dialog_, id)));
+            SetDlgItemTextW(dialog_, id, std::wstring(length, L' ').c_str());
+        }
         EndDialog(dialog_, result);
     }
 

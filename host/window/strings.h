@@ -1,4 +1,6 @@
-// The texts of the window in its string table.
+// The texts of the window in its string table. Elsewhere are only names that no language translates
+// (SNMPv3, C++), and the words that the model shares with the console: of the MIBs' states, of
+// diagnoses and reports, and the reasons of failed requests and files.
 #ifndef VNDISCOVER_HOST_WINDOW_STRINGS_H
 #define VNDISCOVER_HOST_WINDOW_STRINGS_H
 

@@ -122,8 +122,7 @@ void WalkWindow::OnCommand(int id) {
 }
 
 void WalkWindow::Start() {
-    wchar_t text[kMaxRootLength + 1] = L"";
-    GetDlgItemTextW(dialog_, IDC_WALK_ROOT, text, kMaxRootLength + 1);
+    const std::wstring text = WindowText(GetDlgItem(dialog_, IDC_WALK_ROOT));
     const auto root = ParseOidOrName(ToUtf8(text));
     const Oid start = root ? WalkStart(*root) : Oid();
     if (!root || !FitsRequest(start) || IsMisencoded(start)) {
@@ -152,9 +151,7 @@ void WalkWindow::ShowValues() {
 }
 
 void WalkWindow::ShowState(const std::wstring& text) {
-    wchar_t shown[400] = L"";
-    GetDlgItemTextW(dialog_, IDC_WALK_STATE, shown, 400);
-    if (shown != text) SetDlgItemTextW(dialog_, IDC_WALK_STATE, text.c_str());
+    ChangeText(GetDlgItem(dialog_, IDC_WALK_STATE), text);
 }
 
 std::wstring WalkWindow::CellText(size_t row, size_t column) const {

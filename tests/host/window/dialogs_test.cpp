@@ -84,8 +84,10 @@ class Dialogs : public MainWindowTest {
         Type(dialog, IDC_PROFILE, L"Office");
         Type(dialog, IDC_USER, L"admin");
         SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 4, 0);  // SHA-2(256)
-        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+        Type(dialog, IDC_AUTH_PASSWORD, kPassword.c_str());
     }
+    // Longer than any limit of the module's texts.
+    static inline const std::wstring kPassword = std::wstring(1000, L'a') + L"authpass1";
 };
 
 TEST_F(Dialogs, FitLongerLanguages) {
@@ -118,7 +120,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     const auto kept = ReadProfile(L"Office");
     ASSERT_TRUE(kept && kept->isOpen);
     EXPECT_EQ(L"SHA-2(256)", kept->security.authLabel);
-    EXPECT_STREQ(L"authpass1", kept->security.authPassword.Get());
+    EXPECT_EQ(kPassword, kept->security.authPassword.Get());
     // A later window uses it without asking, and the password is never shown.
     Open();
     PlayDialog([](HWND dialog) {
@@ -132,7 +134,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
     engine_.End();
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
-    EXPECT_STREQ(L"authpass1", engine_.lastStep.credentials.security->authPassword.Get());
+    EXPECT_EQ(kPassword, engine_.lastStep.credentials.security->authPassword.Get());
     // The user's profile is shown, even if another window has used another one since.
     KeepProfile(L"Lab", kept->security);
     KeepLastProfile(L"Lab");
