@@ -77,7 +77,7 @@ void AddAlerts(Lines& lines, const PrinterFacts& facts) {
     }
 }
 
-// One line for each reason: "trays, alerts: no answer (prtInputName)".
+// One line for each reason: "trays (prtInputName), alerts: no answer".
 void AddGaps(Lines& lines, const PrinterFacts& facts) {
     std::vector<std::string> reasons;
     for (const Gap& gap : facts.gaps) {
@@ -85,15 +85,21 @@ void AddGaps(Lines& lines, const PrinterFacts& facts) {
             reasons.push_back(gap.reason);
     }
     for (const std::string& reason : reasons) {
-        std::vector<std::string> parts;
+        std::vector<std::pair<std::string, std::string>> parts;  // subjects with their objects
         for (const Gap& gap : facts.gaps) {
-            const std::string part =
-                gap.subject + (gap.object.empty() ? "" : " (" + gap.object + ")");
-            if (gap.reason == reason && std::find(parts.begin(), parts.end(), part) == parts.end())
-                parts.push_back(part);
+            if (gap.reason != reason) continue;
+            const auto known = std::find_if(parts.begin(), parts.end(), [&](const auto& part) {
+                return part.first == gap.subject;
+            });
+            if (known == parts.end()) {
+                parts.emplace_back(gap.subject, gap.object);
+            } else {
+                known->second = Joined(known->second, ", ", gap.object);
+            }
         }
         std::string line;
-        for (const std::string& part : parts) line = Joined(line, ", ", part);
+        for (const auto& [subject, objects] : parts)
+            line = Joined(line, ", ", subject + (objects.empty() ? "" : " (" + objects + ")"));
         lines.Add("Not read", line.append(": ").append(reason));
     }
 }

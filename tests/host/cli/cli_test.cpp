@@ -57,6 +57,7 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
                       {"", "cyan", "inkCartridge", {-3, -2, ""}}};
     facts.alerts = {{"critical", "", "jam", "", 9000}};  // from before the restart
     facts.gaps = {{"trays", "prtInputName", "no answer"},
+                  {"trays", "prtInputMediaName", "no answer"},
                   {"alerts", "", "not asked for"},
                   {"panel", "", "not asked for"}};
     EXPECT_EQ(
@@ -69,7 +70,7 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
         "Alerts         critical: jam\n"
         "Supplies       Black          [########............]  40 % (400 of 1000)\n"
         "               ink cartridge                          some left, cyan ink cartridge\n"
-        "Not read       trays (prtInputName): no answer\n"
+        "Not read       trays (prtInputName, prtInputMediaName): no answer\n"
         "               alerts, panel: not asked for\n",
         PrinterText(facts, "noon"));
 }
