@@ -40,8 +40,11 @@ int RunCompare(const CompareOptions& options) {
 void AddCompareCommand(CLI::App& app, int& exitCode) {
     CLI::App* command = app.add_subcommand("compare", "Show what has changed between two scans");
     auto options = std::make_shared<CompareOptions>();
-    command->add_option("OLD", options->before, "File of the earlier scan")->required();
-    command->add_option("NEW", options->after, "File of the later scan")->required();
+    const auto add = [&](const char* name, std::string& path, const char* help) {
+        MustNotBeEmpty(command->add_option(name, path, help)->required());
+    };
+    add("OLD", options->before, "File of the earlier scan");
+    add("NEW", options->after, "File of the later scan");
     AddFormat<TextFormat>(*command, options->format,
                           {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
     command->footer(kExamples);

@@ -2,6 +2,8 @@
 
 #include <vndiscover.h>
 
+#include "platform/console.h"
+#include "platform/host_address.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
@@ -33,10 +35,15 @@ void AddDeviceV3(CLI::App& command, DeviceOptions& options) {
     command.get_option("--v3")->excludes(command.get_option("--community"));
 }
 
+void WarnIfUnknown(const std::string& host) {
+    if (!HasAddress(host)) Warn("'" + host + "' is not an address, nor a name that has one");
+}
+
 Device OpenDevice(const DeviceOptions& options) {
     Device device(ToAnsi(options.host), CheckedCommunity(options.community, "--community"),
                   CheckedCommunity(options.writeCommunity, "--write-community"));
     if (options.v3.isOn) device.Use(ResolveSecurity(options.v3));
+    WarnIfUnknown(options.host);
     return device;
 }
 

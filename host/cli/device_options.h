@@ -24,7 +24,10 @@ CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, co
 // Adds the SNMPv3 options, which exclude --community.
 void AddDeviceV3(CLI::App& command, DeviceOptions& options);
 
-// Throws CLI::ValidationError. May prompt for passwords.
+// For a host that is neither an address nor a name with one: "no answer" alone would not tell.
+void WarnIfUnknown(const std::string& host);
+
+// Does so too. Throws CLI::ValidationError. May prompt for passwords.
 Device OpenDevice(const DeviceOptions& options);
 
 int ExitCodeOf(Status status);

@@ -15,8 +15,9 @@ namespace {
 
 constexpr char kGetExamples[] =
     R"(Values are shown by their type, and in hex if text is not printable. "no value"
-means that the device answered but has no such variable. About ninety
-standard objects have names: system, interfaces, host resources, printers.
+means that the device answered but has no such variable: after a name comes an
+instance, 0 if there is only one. About ninety standard objects have names:
+system, interfaces, host resources, printers.
 
 Examples:
   vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.1.0 .1.3.6.1.2.1.1.3.0 -c public
@@ -148,7 +149,7 @@ int RunSet(Options options) {
     const Oid oid = CheckedOid(options.oid);
     std::string problem;
     const auto value = ParseSetValue(options.type, options.value, problem);
-    if (!value) throw CLI::ValidationError("VALUE", problem);
+    if (!value) throw CLI::ValidationError(problem);  // with the type or the value
     const Device device = OpenDevice(options);
     WarnIfWrong(oid);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
@@ -197,19 +198,20 @@ int RunWalk(const Options& options) {
 int RunInfo(const Options& options) {
     const Device device = OpenDevice(options);
     const auto information = device.Information();
-    if (!information) {
-        Warn("no answer from " + options.host);
-        return kNone;
-    }
-    if (options.format == TextFormat::kText) {
-        Print(ShownValue(*information) + "\n");
-    } else {
+    if (options.format == TextFormat::kJson) {
         const JsonItem element(cJSON_CreateObject());
         AddText(element.get(), "host", options.host);
-        AddText(element.get(), "information", ShownValue(*information));
+        if (information) {
+            AddText(element.get(), "information", ShownValue(*information));
+        } else {
+            cJSON_AddNullToObject(element.get(), "information");
+        }
         Print(CompactJson(element.get()) + "\n");
+    } else if (information) {
+        Print(ShownValue(*information) + "\n");
     }
-    return kFound;
+    if (!information) Warn("no answer from " + options.host);
+    return information ? kFound : kNone;
 }
 
 void AddNames(CLI::App& command, Options& options) {

@@ -41,8 +41,8 @@ int RunOnHost(const DeviceOptions& options) {
     DeviceOptions community = options;
     community.v3.isOn = false;
     const Device v1 = OpenDevice(community);
-    Device v3 = OpenDevice(options);
-    if (!v3.IsV3()) v3.Use(Security());
+    Device v3(ToAnsi(options.host), "", "");
+    v3.Use(options.v3.isOn ? ResolveSecurity(options.v3) : Security());
     DiagnosisSteps steps;
     // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
     const std::string address = NumericHost(options.host);

@@ -1,6 +1,7 @@
 // vndiscover.exe: VnDiscover.dll on the command line, and an example of a host.
 #include <vndiscover.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -91,8 +92,10 @@ int Run() {
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
         const auto unknown = app.remaining();
-        const bool hasNoCommand = app.get_subcommands().empty() && !unknown.empty();
-        Warn(hasNoCommand ? "no such command or option: " + unknown.front() : error.what());
+        const bool hasCommand = !app.get_subcommands().empty();
+        Warn(hasCommand        ? error.what()
+             : unknown.empty() ? "a command is missing"
+                               : "no such command or option: " + unknown.front());
         Warn(Hint(app));
         return vndiscover::host::kWrongUsage;
     }
@@ -110,7 +113,11 @@ int main() {
     _set_invalid_parameter_handler(IgnoreInvalidParameter);
     const vndiscover::host::ConsoleSession console;
     try {
-        return Run();
+        const int exitCode = Run();
+        const std::string problem = vndiscover::host::OutputProblem();
+        if (problem.empty()) return exitCode;
+        Warn("the output is incomplete" + problem);
+        return std::max<int>(exitCode, vndiscover::host::kNone);
     } catch (const std::exception& error) {
         Warn(error.what());
         return vndiscover::host::kNone;

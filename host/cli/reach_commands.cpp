@@ -1,6 +1,6 @@
 #include <vndiscover.h>
 
-#include "cli/commands.h"
+#include "cli/device_options.h"
 #include "platform/console.h"
 #include "platform/wide_text.h"
 
@@ -27,6 +27,7 @@ struct PingOptions {
 };
 
 int RunPing(const PingOptions& options) {
+    WarnIfUnknown(options.host);
     const bool hasAnswered = VxPing(ToAnsi(options.host).c_str(), options.timeoutMs) != 0;
     Print(options.host + (hasAnswered ? " answered\n" : ": no answer\n"));
     return hasAnswered ? kFound : kNone;

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 
+#include "platform/error_text.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
@@ -23,6 +24,7 @@ UINT g_formerCodePage = 0;
 std::mutex g_outputMutex;
 std::atomic<size_t> g_statusWidth{0};  // characters of the status line on the console
 bool g_isOutputBroken = false;
+DWORD g_outputError = 0;  // of the first failure
 
 // A single write with the system's line ends: C streams write to a console byte by byte, which
 // flickers.
@@ -33,7 +35,8 @@ bool Write(DWORD handle, std::string_view text) {
     while (done < bytes.size()) {
         DWORD written = 0;
         const auto rest = static_cast<DWORD>(bytes.size() - done);
-        if (!WriteFile(GetStdHandle(handle), bytes.data() + done, rest, &written, nullptr))
+        const HANDLE file = GetStdHandle(handle);
+        if (!WriteFile(file, bytes.data() + done, rest, &written, nullptr) || written == 0)
             return false;
         done += written;
     }
@@ -104,8 +107,20 @@ ConsoleSession::~ConsoleSession() {
 bool Print(std::string_view text) {
     const std::lock_guard<std::mutex> lock(g_outputMutex);
     EraseStatus();
-    if (!Write(STD_OUTPUT_HANDLE, text)) g_isOutputBroken = true;
+    if (!g_isOutputBroken && !Write(STD_OUTPUT_HANDLE, text)) {
+        g_outputError = GetLastError();
+        g_isOutputBroken = true;
+    }
     return !g_isOutputBroken;
+}
+
+std::string OutputProblem() {
+    constexpr DWORD kNobodyReads[] = {ERROR_BROKEN_PIPE, ERROR_NO_DATA, ERROR_PIPE_NOT_CONNECTED,
+                                      ERROR_INVALID_HANDLE};
+    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    const bool isNormal = std::find(std::begin(kNobodyReads), std::end(kNobodyReads),
+                                    g_outputError) != std::end(kNobodyReads);
+    return isNormal || !g_isOutputBroken ? "" : ErrorText(g_outputError);
 }
 
 void Warn(const std::string& text) {

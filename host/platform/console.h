@@ -27,6 +27,9 @@ class ConsoleSession {
 // caller then stops.
 bool Print(std::string_view text);
 
+// " (the disk is full, error 112)"; empty if all output was written, or nobody reads it.
+std::string OutputProblem();
+
 // Writes a line to standard error, after the program's name.
 void Warn(const std::string& text);
 

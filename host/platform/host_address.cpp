@@ -22,4 +22,12 @@ std::string NumericHost(const std::string& host) {
     return error == 0 ? text : host;
 }
 
+bool HasAddress(const std::string& host) {
+    const WinSock winSock;
+    addrinfo* found = nullptr;
+    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, nullptr, &found) != 0) return false;
+    freeaddrinfo(found);
+    return true;
+}
+
 }  // namespace vndiscover::host

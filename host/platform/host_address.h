@@ -9,6 +9,9 @@ namespace vndiscover::host {
 // cannot be resolved, are returned unchanged. UTF-8. May take as long as a name server does.
 std::string NumericHost(const std::string& host);
 
+// Whether the text is an address, or a name that has one. UTF-8. May take as long as above.
+bool HasAddress(const std::string& host);
+
 }  // namespace vndiscover::host
 
 #endif  // VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H

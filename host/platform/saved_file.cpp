@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "platform/error_text.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
@@ -30,7 +31,7 @@ class File {
 
 constexpr size_t kChunk = size_t{1} << 20;
 
-std::string LastErrorText() { return " (error " + std::to_string(GetLastError()) + ")"; }
+std::string LastErrorText() { return ErrorText(GetLastError()); }
 
 // In the same folder, and so on the same disk. Each process has its own.
 std::wstring TemporaryPath(const std::string& path) {

@@ -235,10 +235,9 @@ std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view te
         }
         return SetValue{known.type, std::move(*bytes)};
     }
-    problem =
-        "the types are integer (i), string (s), hex (x), oid (o), ipaddress (a), counter (c), "
-        "gauge (u), "
-        "timeticks (t), null (n)";
+    problem = "'" + std::string(type) +
+              "' is not a type; the types are integer (i), string (s), hex (x), oid (o), "
+              "ipaddress (a), counter (c), gauge (u), timeticks (t), null (n)";
     return std::nullopt;
 }
 

@@ -10,7 +10,7 @@ import subprocess
 import unittest
 from pathlib import Path
 
-from lab import (AGENT, AGENT6, AGENT_CONF, HAS_WSDD, LAB, SECRETS, TREE, V3, at_once, found, main, run,
+from lab import (AGENT, AGENT6, AGENT_CONF, HAS_WSDD, LAB, SECRETS, TREE, V3, at_once, found, main, on_host, run,
                  run_on_terminal, start_responder)
 
 SILENT = "10.77.1.99"
@@ -205,10 +205,12 @@ class DirectedRequests(unittest.TestCase):
         self.assertIn("not set", err)
 
     def test_failures_have_their_exit_codes(self):
-        requests = (["get", SILENT, CONTACT], ["set", SILENT, CONTACT, "s", "x"], ["info", SILENT], ["walk", SILENT])
-        for code, _, err in at_once(lambda request: run(*request), requests):  # each waits for 10 s
+        requests = (["get", SILENT, CONTACT], ["set", SILENT, CONTACT, "s", "x"], ["walk", SILENT],
+                    ["info", SILENT, "--format", "json"])
+        for code, out, err in at_once(lambda request: run(*request), requests):  # each waits for 10 s
             self.assertEqual(1, code)
             self.assertIn("no answer", err)
+        self.assertEqual({"host": SILENT, "information": None}, json.loads(out))
         subprocess.run(["ip", "-n", "host", "route", "add", "unreachable", "10.99.0.1"], check=True)
         code, out, err = run("get", "10.99.0.1", CONTACT)
         self.assertEqual((3, ""), (code, out))
@@ -220,8 +222,15 @@ class DirectedRequests(unittest.TestCase):
 
     def test_ping_and_ipv6_answer_by_exit_code(self):
         self.assertEqual((0, "10.77.1.2 answered\n"), run("ping", AGENT)[:2])
-        self.assertEqual(1, run("ping", SILENT, "--timeout", "300")[0])
+        self.assertEqual((1, ""), run("ping", SILENT, "--timeout", "300")[::2])
+        self.assertIn("not an address", run("ping", "no-such-name.invalid", "--timeout", "300")[2])
         found("ipv6")
+
+    def test_output_that_cannot_be_written_is_told(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run(on_host("ipv6"), stdin=subprocess.DEVNULL, stdout=full, stderr=subprocess.PIPE, check=False)
+        self.assertEqual(1, done.returncode)
+        self.assertIn(b"the disk is full", done.stderr)
 
 
 def start_responders():
