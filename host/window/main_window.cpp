@@ -509,6 +509,7 @@ void MainWindow::StartOrStop() {
     answers_ = 0;
     isSweeping_ = wasSwept_ = true;
     isStopping_ = isStopped_ = false;
+    sweepsLeft_ = steps.size();
     workers_->Sweep(steps);
     SetDlgItemTextW(window_, IDC_FIND, Text(IDS_STOP).c_str());
     SetTimer(window_, kStatusTimer, kStatusMs, nullptr);
@@ -577,14 +578,8 @@ void MainWindow::Diagnose() {
 
 void MainWindow::OnFrame() {
     KillTimer(window_, kFrameTimer);
-    bool isIdle = false;
-    std::vector<Event> events = events_.Drain();
-    const bool isOver = !workers_->IsBusy(WorkerId::kSnmp) && !workers_->IsBusy(WorkerId::kWsd);
-    if (isOver) {
-        // The last answers may have come in between. A sweep that is not over tells its end later.
-        for (Event& event : events_.Drain()) events.push_back(std::move(event));
-    }
-    for (const Event& event : events) {
+    bool isOver = false;
+    for (const Event& event : events_.Drain()) {
         session_.Take(event);
         if (event.kind == Event::kAnswer) ++answers_;
         if (event.kind == Event::kAskBegan || event.kind == Event::kDiagnosisBegan) {
@@ -607,27 +602,25 @@ void MainWindow::OnFrame() {
         if (event.kind == Event::kCalled) calls_.Add(event.call);
         if (event.kind == Event::kReport) note_.clear();
         doctor_.Take(event, window_);
-        isIdle |= event.kind == Event::kIdle;
+        if (event.kind == Event::kSweepEnded) isOver = --sweepsLeft_ == 0;
     }
     if (session_.Refresh()) ShowRows();
     calls_.Refresh();
     walk_.Refresh();
-    if (isIdle) OnIdle(isOver);
+    if (isOver) OnSwept();
+    if (!workers_->IsBusy()) KillTimer(window_, kStatusTimer);
     ShowStatus();
 }
 
-void MainWindow::OnIdle(bool isOver) {
-    if (isSweeping_ && isOver) {
-        const bool wasStart = options_.sweep;
-        isSweeping_ = isStopping_ = false;
-        endMs_ = GetTickCount64();
-        SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
-        InvalidateRect(devices_.Handle(), nullptr, TRUE);
-        details_.Show();  // protocols are no longer pending
-        EndStartSweep();
-        if (wasStart && options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
-    }
-    if (!workers_->IsBusy()) KillTimer(window_, kStatusTimer);
+void MainWindow::OnSwept() {
+    const bool wasStart = options_.sweep;
+    isSweeping_ = isStopping_ = false;
+    endMs_ = GetTickCount64();
+    SetDlgItemTextW(window_, IDC_FIND, Text(IDS_FIND).c_str());
+    InvalidateRect(devices_.Handle(), nullptr, TRUE);
+    details_.Show();  // protocols are no longer pending
+    EndStartSweep();
+    if (wasStart && options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
 }
 
 // Saves what the sweep of the command line has found.

@@ -54,8 +54,9 @@ void Session::Take(const Event& event) {
         case Event::kDiagnosed:
         case Event::kReport:
         case Event::kCalled:
-            break;
         case Event::kIdle:
+            break;
+        case Event::kSweepEnded:
             isSweeping_[static_cast<size_t>(event.worker)] = false;
             break;
     }

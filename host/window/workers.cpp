@@ -26,6 +26,16 @@ Workers::Workers(Engine& engine, EventQueue& events) : engine_(engine), events_(
     engine_.SetOnCall([this](Call call) { Tell(std::move(call)); });
 }
 
+// Of a job that is a sweep.
+void Workers::TellEnd(const Job& job) {
+    if (job.task != Task::kSweep) return;
+    Event event;
+    event.kind = Event::kSweepEnded;
+    event.worker = job.step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
+    event.step = job.step;
+    events_.Push(std::move(event));
+}
+
 void Workers::Tell(Call call) {
     Event event;
     event.kind = Event::kCalled;
@@ -56,6 +66,7 @@ Workers::~Workers() {
 void Workers::Sweep(const std::vector<SweepStep>& steps) {
     for (const SweepStep& step : steps) {
         Job job;
+        job.task = Task::kSweep;
         job.step = step;
         Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp, std::move(job));
     }
@@ -152,7 +163,10 @@ void Workers::Stop() {
         ++stops_;
         wasTold = std::exchange(isStopTold_, true);
         DropWalks();
-        for (Line& line : lines_) line.jobs.clear();
+        for (Line& line : lines_) {
+            for (const Job& job : line.jobs) TellEnd(job);
+            line.jobs.clear();
+        }
     }
     Call call;
     call.time = UtcNow();
@@ -207,6 +221,7 @@ void Workers::Run(WorkerId worker) {
         } catch (...) {
             // Out of memory: keep the answers received so far.
         }
+        TellEnd(job);
         lock.lock();
         line.isRunning = false;
         const bool isIdle = line.jobs.empty();
@@ -228,8 +243,7 @@ void Workers::Do(WorkerId worker, const Job& job) {
     event.time = UtcNow();
     if (job.task == Task::kWalk) return DoWalk(job, std::move(event));
     if (job.task == Task::kDiagnosis) return DoDiagnosis(job, std::move(event));
-    if (job.task != Task::kNetwork) return DoLook(job.task, std::move(event));
-    if (worker == WorkerId::kDirected) {
+    if (job.task == Task::kReading) {
         event.address = job.target.address;
         event.kind = Event::kAskBegan;
         events_.Push(event);
@@ -239,6 +253,7 @@ void Workers::Do(WorkerId worker, const Job& job) {
         events_.Push(std::move(event));
         return;
     }
+    if (job.task != Task::kSweep) return DoLook(job.task, std::move(event));
     event.kind = Event::kSweepBegan;
     events_.Push(event);
     engine_.Sweep(job.step, [&](const char* address, std::string_view bytes) {

@@ -27,6 +27,7 @@ struct Event {
     enum Kind {
         kSweepBegan,      // step
         kAnswer,          // address, bytes
+        kSweepEnded,      // step; also for one that was dropped before it began
         kAskBegan,        // step.kind, address
         kAsked,           // step.kind, address, read
         kWalkBegan,       // walk, address
@@ -101,11 +102,11 @@ class Workers {
     size_t Waiting() const;  // number of devices that are still to be asked
 
   private:
-    enum class Task { kNetwork, kWalk, kDiagnosis, kAdapters, kReport };
+    enum class Task { kReading, kSweep, kWalk, kDiagnosis, kAdapters, kReport };
     struct Job {
         SweepStep step;
         AskTarget target;
-        Task task = Task::kNetwork;
+        Task task = Task::kReading;
         bool isUrgent = false;
         Oid root;                           // for kWalk
         unsigned walk = 0;                  // likewise
@@ -127,6 +128,7 @@ class Workers {
     void DropWalks();
     void DoDiagnosis(const Job& job, Event event);
     void Tell(Call call);
+    void TellEnd(const Job& job);
 
     Engine& engine_;
     EventQueue& events_;

@@ -108,7 +108,7 @@ TEST(Sessions, RunningSweepIsNoSilence) {
     session.Take(event);
     const DeviceRow row;
     EXPECT_EQ(ProtocolState::kPending, session.ProtocolsOf(row).at(2).state);
-    event.kind = Event::kIdle;
+    event.kind = Event::kSweepEnded;
     session.Take(event);
     EXPECT_EQ(ProtocolState::kSilent, session.ProtocolsOf(row).at(2).state);
 }

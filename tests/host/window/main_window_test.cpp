@@ -6,8 +6,40 @@
 #include "scripted_window.h"
 #include "window/strings.h"
 
+namespace {
+
+std::wstring opened;
+
+HINSTANCE WINAPI KeepOpened(HWND, LPCWSTR, LPCWSTR path, LPCWSTR, LPCWSTR, INT) {
+    opened = path;
+    return nullptr;
+}
+
+}  // namespace
+
+// Replaces the function of the import library.
+extern "C" void* const __imp_ShellExecuteW = reinterpret_cast<void*>(&KeepOpened);
+
 namespace vndiscover::host {
 namespace {
+
+// Of several steps, some of which have not begun when it is stopped.
+TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
+    Open();
+    CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
+    for (const bool isStopped : {false, true}) {
+        const int before = engine_.sweeps;
+        Command(IDC_FIND);
+        if (!isStopped) {
+            ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
+            engine_.End();
+            ASSERT_TRUE(Until([&] { return engine_.sweeps == before + 2; }));
+            EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
+        }
+        Command(IDC_FIND);
+        EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    }
+}
 
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
@@ -35,21 +67,25 @@ TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
 TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     Open();
     Command(IDC_FIND);
-    engine_.Say("10.77.1.1", "x");
-    engine_.Say("10.77.1.2", "y");
-    engine_.Say("10.77.1.3", "z");
-    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.2;10.77.1.3;"; }));
+    for (const char* address : {"fe80::1", "10.77.1.1", "10.77.1.2", "10.77.1.3"})
+        engine_.Say(address, address);
+    const std::wstring split = L"10.77.1.1;10.77.1.2;10.77.1.3;fe80::1;";
+    ASSERT_TRUE(Until([&] { return Addresses() == split; }));
     Select(2);
     // Model, address, protocols; the line that it has not been asked is gone.
     ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DETAILS)) == 3; }));
     Command(IDM_ASK_ALL);
-    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1, 10.77.1.2;10.77.1.3;"; }));
+    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1, 10.77.1.2, fe80::1;10.77.1.3;"; }));
     EXPECT_EQ(1, Selected());
-    EXPECT_EQ(3, engine_.reads);  // the silent one is not asked again automatically
+    EXPECT_EQ(4, engine_.reads);  // the silent one is not asked again automatically
     Select(0);
+    Command(IDM_WEB);  // although it answered at its IPv6 address first
+    EXPECT_EQ(L"http://10.77.1.1/", opened);
     Command(IDM_SPLIT);
-    EXPECT_EQ(L"10.77.1.1;10.77.1.2;10.77.1.3;", Addresses());
-    EXPECT_EQ(0, Selected());
+    EXPECT_EQ(L"10.77.1.1;10.77.1.2, fe80::1;10.77.1.3;", Addresses());
+    EXPECT_EQ(1, Selected());
+    Command(IDM_SPLIT);
+    EXPECT_EQ(split, Addresses());
     engine_.End();
     EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
 }
