@@ -7,6 +7,8 @@
 //                                 the lab's user if there are passwords
 //   window_helper usage WORD      starts VnBrowser.exe with this word, prints the message that it
 //                                 shows, and presses OK
+//   window_helper read HOST       prints the interfaces, a walk through their names, and the walks
+//                                 of its calls
 //   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
 #include <windows.h>
 
@@ -17,6 +19,7 @@
 #include <utility>
 
 #include "model/doctor_text.h"
+#include "model/interfaces.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
@@ -88,10 +91,31 @@ int Failed(const std::string& problem) {
     return 1;
 }
 
-void Diagnose(const std::string& host) {
+AskTarget TargetOf(const std::string& host) {
     AskTarget target = {host, SweepKind::kSnmpV1, {}};
-    if (!Environment(L"VNDISCOVER_AUTH_PASS").empty())
-        target.credentials.security = std::make_shared<const Security>(User());
+    if (Environment(L"VNDISCOVER_AUTH_PASS").empty()) return target;
+    target.kind = SweepKind::kSnmpV3;
+    target.credentials.security = std::make_shared<const Security>(User());
+    return target;
+}
+
+void Read(const std::string& host) {
+    const AskTarget target = TargetOf(host);
+    ModuleEngine engine;
+    for (const Interface& one : InterfacesOf(engine.Read(target, nullptr)))
+        std::printf("%s\n", one.description.c_str());
+    std::string calls;
+    engine.SetOnCall([&](const Call& call) { calls += std::to_string(call.walk) + call.name; });
+    const auto print = [](const Answer& one) {
+        const std::string value = FormatNamedValue(one.oid, one.type, one.bytes);
+        return std::printf("%s = %s\n", OidToText(one.oid).c_str(), value.c_str()) > 0;
+    };
+    engine.Walk(target, *ParseOidOrName("ifDescr"), nullptr, print);
+    std::printf("%s\n", calls.c_str());
+}
+
+void Diagnose(const std::string& host) {
+    const AskTarget target = TargetOf(host);
     ModuleEngine engine;
     std::string calls;
     engine.SetOnCall([&](const Call& call) { calls += call.name + "\n"; });
@@ -154,6 +178,7 @@ int main() {
     const auto words = CommandLineArguments();
     if (words.size() != 2) return 2;
     if (words[0] == "texts") WriteTexts(words[1] + "\\");
+    if (words[0] == "read") Read(words[1]);
     if (words[0] == "diagnose") Diagnose(words[1]);
     if (words[0] == "command") return RunCommand(words[1]);
     if (words[0] == "usage") return TellUsage(words[1]);

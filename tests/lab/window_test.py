@@ -47,6 +47,14 @@ class Scripts(unittest.TestCase):
         self.assertEqual({AGENT: ("Model 1", []), PRIVATE: ("Model 2", endpoints[PRIVATE])},
                          {device["addresses"][0]: (device["model"], device["endpoints"]) for device in scan["devices"]})
 
+    def test_reads_interfaces_and_walks_as_the_console_does(self):
+        for host, options, secrets, name in ((PRIVATE, V3, SECRETS, "GetNextSnmpRequestV3"), (AGENT, [], {}, "GetNextSnmpRequestRaw")):
+            walked = found("walk", host, "ifDescr", *options, **secrets).replace("OCTET STRING: ", "").splitlines()
+            self.assertLess(1, len(walked))
+            _, shown, _ = run("read", host, program="window_helper.exe", **secrets)
+            calls = f"1{name}" * (len(walked) + 1)
+            self.assertEqual([*(line.split(" = ")[1] for line in walked), *walked, calls], shown.splitlines())
+
     def test_diagnoses_a_device_as_doctor_does(self):
         for host, options, secrets in ((PRIVATE, V3, SECRETS), (AGENT, [], {})):
             out, (_, shown, _) = at_once(lambda look: look(), (

@@ -311,30 +311,35 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
     Command(IDC_FIND);
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
     Select(0);
-    for (const bool isStopped : {false, true}) {
+    enum { kWhole, kStopped, kQueued };
+    for (const int way : {kWhole, kStopped, kQueued}) {
         ASSERT_TRUE(Until([&] {
             return engine_.reads == 1 && TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0;
         }));
         engine_.isReleased = false;
+        engine_.isHeld = way == kQueued;
+        if (way == kQueued) Command(IDM_ASK);
+        ASSERT_TRUE(Until([&] { return way != kQueued || engine_.reads == 2; }));
         Command(IDM_DIAGNOSE);
         HWND page = nullptr;
         ASSERT_TRUE(Until([&] { return (page = PopupOf(window_->Handle())) != nullptr; }));
         EXPECT_EQ(L"Why does 10.77.1.9 not answer?", TextOf(page));
         EXPECT_EQ(Text(IDS_DOCTOR_ASKING) + L";" + computer, PageTexts(page));
-        if (isStopped) {
-            Command(IDCANCEL);
-        } else {
-            engine_.isReleased = true;
-        }
+        engine_.isReleased = way == kWhole;
+        if (way != kWhole) Command(IDCANCEL);
         const std::wstring verdict =
-            isStopped ? L"stopped before the last step;"
-                      : L"ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
-                        L"blocked on the way, or community wrong and no SNMPv3;";
-        const std::wstring expected = L"answered;no answer;no answer;not asked;" + verdict +
-                                      ToWide(kElsewhere) + L";" + computer;
+            way != kWhole
+                ? L"stopped before the last step;"
+                : L"ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
+                  L"blocked on the way, or community wrong and no SNMPv3;";
+        const std::wstring expected =
+            way == kQueued ? L"not asked;not asked;not asked;not asked;" + verdict + computer
+                           : L"answered;no answer;no answer;not asked;" + verdict +
+                                 ToWide(kElsewhere) + L";" + computer;
         EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
         SendMessageW(page, WM_COMMAND, IDCANCEL, 0);
     }
+    engine_.isHeld = false;
 }
 
 }  // namespace

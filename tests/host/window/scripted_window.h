@@ -63,6 +63,7 @@ class ScriptedEngine : public Engine {
     void StopWsd() override {}
     PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
         ++reads;
+        while (isHeld) Sleep(5);
         PrinterAnswers answers;
         if (target.kind == SweepKind::kSnmpV3) {
             answers.lastStatus = Status::kRefused;
@@ -131,6 +132,7 @@ class ScriptedEngine : public Engine {
     std::atomic<int> stops{0}, reads{0}, sweeps{0};
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false}, isReleased{false};
+    std::atomic<bool> isHeld{false};  // a reading
     std::function<void()> onStop;
     SweepStep lastStep;  // may be read once the sweep is over
 
@@ -182,13 +184,16 @@ class MainWindowTest : public testing::Test {
     // Returns the text of the last one.
     std::string Answer(const std::vector<int>& buttons, const std::function<void()>& action) {
         std::string text;
-        std::thread user([&, owner = window_->Handle()] {
+        std::thread user([&, owner = window_->Handle(), other = PopupOf(window_->Handle())] {
+            // A window with a dialog cannot be closed, whose caller goes on with it.
             for (const int button : buttons) {
                 HWND box = nullptr;
                 for (int wait = 0; wait < 500 && !box; ++wait) {
                     Sleep(10);
                     if (!IsWindowEnabled(owner)) box = PopupOf(owner);
+                    if (box == other) box = nullptr;
                 }
+                SendMessageW(owner, WM_CLOSE, 0, 0);
                 text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
                 // Again, since one that is still being made ignores it.
                 for (int wait = 0; wait < 500 && IsWindow(box); ++wait) {
