@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "window/lists.h"
 #include "window/pages.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -25,6 +26,7 @@ void DetailsPane::Create(HWND parent) {
         SendMessageW(tabs_, TCM_INSERTITEMW, index++, reinterpret_cast<LPARAM>(&tab));
     }
     facts_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
+    ShowWindow(facts_.Handle(), SW_SHOW);
     table_.Create(parent, IDC_TABLE);
 }
 
@@ -95,13 +97,10 @@ LRESULT DetailsPane::OnNotify(NMHDR* header) {
     if (header->idFrom == IDC_DETAILS) return facts_.OnNotify(header);
     if (header->idFrom == IDC_TABLE && header->code == LVN_GETEMPTYMARKUP) {
         const DeviceRow* row = session_.view.SelectedRow();
-        auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
         const unsigned text = !row                      ? IDS_NO_SELECTION
                               : session_.WasAsked(*row) ? IDS_INTERFACES_NONE
                                                         : IDS_NOT_ASKED;
-        markup->dwFlags = EMF_CENTERED;
-        lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
-        return TRUE;
+        return GiveEmptyText(header, text);
     }
     if (header->idFrom == IDC_TABLE) table_.OnNotify(header);
     if (header->idFrom == IDC_PAGES && header->code == TCN_SELCHANGE) ShowPage();

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/wide_text.h"
+#include "window/lists.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -33,13 +34,9 @@ void DeviceColumns::Show(const Settings& settings, int dpi) {
     shown_.clear();
     for (size_t index = 0; index < kColumnCount; ++index) {
         if (settings.hidden >> index & 1) continue;
-        std::wstring heading = ColumnName(static_cast<Column>(index));
-        LVCOLUMNW column = {};
-        column.mask = LVCF_TEXT | LVCF_WIDTH;
-        column.cx = MulDiv(settings.widths[index], dpi, 96);
-        column.pszText = heading.data();
-        SendMessageW(list_, LVM_INSERTCOLUMNW, shown_.size(), reinterpret_cast<LPARAM>(&column));
-        shown_.push_back(static_cast<Column>(index));
+        const auto column = static_cast<Column>(index);
+        AddColumn(list_, ColumnName(column), MulDiv(settings.widths[index], dpi, 96));
+        shown_.push_back(column);
     }
     std::vector<int> order;
     for (const int32_t index : settings.order) {

@@ -6,6 +6,7 @@
 #include "window/clipboard.h"
 #include "window/facts_list.h"
 #include "window/list_copy.h"
+#include "window/lists.h"
 #include "window/menu.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -13,21 +14,14 @@
 namespace vndiscover::host {
 
 void DeviceList::Create(HWND parent) {
-    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, Text(IDS_DEVICES).c_str(),
-                            WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
-                                LVS_SINGLESEL | LVS_SHOWSELALWAYS,
-                            0, 0, 0, 0, parent,
-                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_DEVICES)),
-                            GetModuleHandleW(nullptr), nullptr);
-    ListView_SetExtendedListViewStyle(list_, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER |
-                                                 LVS_EX_HEADERDRAGDROP | LVS_EX_LABELTIP);
+    list_ = MakeList(parent, IDC_DEVICES, Text(IDS_DEVICES), LVS_EX_HEADERDRAGDROP);
+    ShowWindow(list_, SW_SHOW);
     columns_.Use(list_);
 }
 
 void DeviceList::SetDpi(int dpi) {
     dpi_ = dpi;
-    const HIMAGELIST old = ListView_SetImageList(list_, MakeRowSpace(dpi_), LVSIL_SMALL);
-    if (old) ImageList_Destroy(old);
+    SetRowHeight(list_, dpi_);
 }
 
 void DeviceList::ShowColumns(const Settings& settings) {
@@ -40,13 +34,8 @@ void DeviceList::Show() {
     const DeviceView& view = session_.view;
     ListView_SetItemCountEx(list_, static_cast<int>(view.Count()), LVSICF_NOSCROLL);
     const auto selected = view.Selected();
-    const int shown = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
-    if (shown != (selected ? static_cast<int>(*selected) : -1)) {
-        ListView_SetItemState(list_, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
-        if (selected)
-            ListView_SetItemState(list_, static_cast<int>(*selected), LVIS_SELECTED | LVIS_FOCUSED,
-                                  LVIS_SELECTED | LVIS_FOCUSED);
-    }
+    const int row = selected ? static_cast<int>(*selected) : -1;
+    if (SelectedRow(list_) != row) SelectRow(list_, row);
     columns_.MarkSorted(view.SortColumn(), view.IsDescending());
     InvalidateRect(list_, nullptr, FALSE);
     isShowing_ = false;
@@ -68,18 +57,12 @@ LRESULT DeviceList::OnNotify(NMHDR* header) {
                 chosenColumn_ = columns_.At(click->iSubItem);
             return 0;
         case LVN_GETEMPTYMARKUP:
-            return SetEmptyText(*reinterpret_cast<NMLVEMPTYMARKUP*>(header));
+            return GiveEmptyText(header, actions_.emptyText());
         case NM_CUSTOMDRAW:
             return DrawCell(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
         default:
             return 0;
     }
-}
-
-LRESULT DeviceList::SetEmptyText(NMLVEMPTYMARKUP& markup) const {
-    markup.dwFlags = EMF_CENTERED;
-    lstrcpynW(markup.szMarkup, Text(actions_.emptyText()).c_str(), L_MAX_URL_LENGTH);
-    return TRUE;
 }
 
 void DeviceList::ShowMenu(LPARAM place) {
@@ -107,11 +90,9 @@ void DeviceList::ShowMenu(LPARAM place) {
 }
 
 void DeviceList::FillCell(LVITEMW& item) const {
-    if (!(item.mask & LVIF_TEXT)) return;
     const auto row = static_cast<size_t>(item.iItem);
     if (row >= session_.view.Count()) return;
-    const std::wstring text = CellText(session_.view.Row(row), columns_.At(item.iSubItem));
-    lstrcpynW(item.pszText, text.c_str(), item.cchTextMax);
+    GiveText(item, CellText(session_.view.Row(row), columns_.At(item.iSubItem)));
 }
 
 LRESULT DeviceList::DrawCell(NMLVCUSTOMDRAW& draw) const {
@@ -143,7 +124,7 @@ void DeviceList::ClickColumn(int column) {
 }
 
 void DeviceList::OnSelected() {
-    const int row = ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+    const int row = SelectedRow(list_);
     if (row < 0) return;  // no row yet: the selection stays until another one is selected
     session_.view.Select(static_cast<size_t>(row));
     actions_.onSelected();

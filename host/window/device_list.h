@@ -48,7 +48,6 @@ class DeviceList {
     std::wstring TableText() const;
 
   private:
-    LRESULT SetEmptyText(NMLVEMPTYMARKUP& markup) const;
     void FillCell(LVITEMW& item) const;
     LRESULT DrawCell(NMLVCUSTOMDRAW& draw) const;
     void ClickColumn(int column);

@@ -3,6 +3,8 @@
 #include <commctrl.h>
 
 #include "platform/wide_text.h"
+#include "window/dpi.h"
+#include "window/list_copy.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -17,6 +19,55 @@ std::wstring WindowText(HWND window) {
 
 void ChangeText(HWND window, const std::wstring& text) {
     if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
+}
+
+TableDialog::~TableDialog() {
+    if (dialog_) DestroyWindow(dialog_);
+}
+
+void TableDialog::OpenDialog(HWND owner, int resource) {
+    if (!dialog_)
+        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner, Procedure,
+                           reinterpret_cast<LPARAM>(this));
+    if (!dialog_) return;
+    ShowWindow(dialog_, SW_SHOW);
+    SetActiveWindow(dialog_);
+}
+
+INT_PTR CALLBACK TableDialog::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
+        auto* self = reinterpret_cast<TableDialog*>(lParam);
+        self->dialog_ = dialog;
+        self->Begin();
+        return TRUE;
+    }
+    auto* self = reinterpret_cast<TableDialog*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
+    if (!self) return FALSE;
+    if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
+        self->Close();
+    } else if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
+        self->OnCommand(LOWORD(wParam));
+    } else if (message == WM_NCDESTROY) {
+        self->dialog_ = nullptr;
+        self->OnClosed();
+    } else if (message == WM_CONTEXTMENU && IsList(reinterpret_cast<HWND>(wParam))) {
+        ShowCopyMenu(reinterpret_cast<HWND>(wParam), lParam);
+    } else if (message == WM_NOTIFY) {
+        auto* header = reinterpret_cast<NMHDR*>(lParam);
+        self->table_.OnNotify(header);
+        if (header->code == LVN_ITEMCHANGED) self->OnSelected();
+    }
+    return FALSE;
+}
+
+void TableDialog::BeginDialog(const std::wstring& title, int table,
+                              const std::vector<TableColumn>& columns) {
+    SetDialogTexts(dialog_, IDS_TITLE);
+    SetWindowTextW(dialog_, title.c_str());
+    SetItem(IDCANCEL, Text(IDS_CALL_CLOSE));
+    table_.Attach(Item(table));
+    table_.Begin(title, columns, DpiOf(dialog_));
 }
 
 void SetDialogTexts(HWND dialog, unsigned title) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "window/lists.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -10,7 +11,6 @@ namespace {
 
 constexpr int kMarkSize = 16;
 constexpr int kBarWidth = 60;
-constexpr int kRowHeight = 18;
 
 int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
 
@@ -76,34 +76,16 @@ void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const st
               DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
 }
 
-HIMAGELIST MakeRowSpace(int dpi) {
-    return ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0);
-}
-
 void FactsList::Create(HWND parent, int id, const std::wstring& name) {
-    list_ = CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
-                            WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
-                                LVS_SINGLESEL | LVS_SHOWSELALWAYS,
-                            0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-                            GetModuleHandleW(nullptr), nullptr);
-    ListView_SetExtendedListViewStyle(list_,
-                                      LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
-    const unsigned headings[] = {IDS_FACT_WHAT, IDS_FACT_VALUE};
-    for (int index = 0; index < 2; ++index) {
-        std::wstring heading = Text(headings[index]);
-        LVCOLUMNW column = {};
-        column.mask = LVCF_TEXT | LVCF_WIDTH;
-        column.cx = 100;
-        column.pszText = heading.data();
-        SendMessageW(list_, LVM_INSERTCOLUMNW, static_cast<WPARAM>(index),
-                     reinterpret_cast<LPARAM>(&column));
-    }
+    list_ = MakeList(parent, id, name);
+    for (const unsigned heading : {IDS_FACT_WHAT, IDS_FACT_VALUE})
+        AddColumn(list_, Text(heading), 100);
 }
 
 void FactsList::Show(std::vector<Fact> facts) {
     if (facts == facts_) return;
     facts_ = std::move(facts);
-    SetImages();
+    SetRowImages();
     ListView_SetItemCountEx(list_, static_cast<int>(facts_.size()), LVSICF_NOSCROLL);
     InvalidateRect(list_, nullptr, FALSE);
 }
@@ -121,19 +103,20 @@ HIMAGELIST FactsList::MakeMarks() const {
     return marks;
 }
 
-void FactsList::SetImages() {
+void FactsList::SetRowImages() {
     const bool hasMarks = std::any_of(facts_.begin(), facts_.end(),
                                       [](const Fact& fact) { return fact.mark != Fact::kNone; });
-    // The list owns its current image list; the caller owns the previous one.
-    const HIMAGELIST old =
-        ListView_SetImageList(list_, hasMarks ? MakeMarks() : MakeRowSpace(dpi_), LVSIL_SMALL);
-    if (old) ImageList_Destroy(old);
+    if (hasMarks) {
+        SetImages(list_, MakeMarks());
+    } else {
+        SetRowHeight(list_, dpi_);
+    }
 }
 
 void FactsList::Resize(const RECT& place, int dpi) {
     const bool isNew = dpi != dpi_;
     dpi_ = dpi;
-    if (isNew) SetImages();
+    if (isNew) SetRowImages();
     MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
                TRUE);
     const int width = place.right - place.left - GetSystemMetrics(SM_CXVSCROLL) - Scaled(6, dpi);
@@ -147,9 +130,7 @@ LRESULT FactsList::OnNotify(NMHDR* header) {
         LVITEMW& item = reinterpret_cast<NMLVDISPINFOW*>(header)->item;
         if (static_cast<size_t>(item.iItem) >= facts_.size()) return 0;
         const Fact& fact = facts_[static_cast<size_t>(item.iItem)];
-        if (item.mask & LVIF_TEXT)
-            lstrcpynW(item.pszText, (item.iSubItem == 0 ? fact.label : fact.text).c_str(),
-                      item.cchTextMax);
+        GiveText(item, item.iSubItem == 0 ? fact.label : fact.text);
         if (item.mask & LVIF_IMAGE) item.iImage = fact.mark - 1;
         return 0;
     }

@@ -36,7 +36,7 @@ class FactsList {
 
   private:
     HIMAGELIST MakeMarks() const;
-    void SetImages();
+    void SetRowImages();
 
     HWND list_ = nullptr;
     int dpi_ = 96;
@@ -46,10 +46,6 @@ class FactsList {
 // Draws a level and its text into a cell of the list that `draw` is about, in the user's colours.
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const std::wstring& text,
              int dpi);
-
-// An image list without images that makes rows of a list high enough for bars, and all lists alike;
-// the list owns it.
-HIMAGELIST MakeRowSpace(int dpi);
 
 }  // namespace vndiscover::host
 

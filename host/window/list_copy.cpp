@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "window/clipboard.h"
+#include "window/lists.h"
 #include "window/menu.h"
 #include "window/resource.h"
 
@@ -25,8 +26,6 @@ std::wstring CellText(HWND list, int row, int column) {
                                                  reinterpret_cast<LPARAM>(&item))));
     return text;
 }
-
-int CountColumns(HWND list) { return Header_GetItemCount(ListView_GetHeader(list)); }
 
 std::wstring RowText(HWND list, int row) {
     std::wstring line;
@@ -67,7 +66,7 @@ bool IsList(HWND control) {
 
 POINT BelowSelected(HWND list) {
     RECT row = {};
-    const int selected = ListView_GetNextItem(list, -1, LVNI_SELECTED);
+    const int selected = SelectedRow(list);
     if (selected >= 0) ListView_GetItemRect(list, selected, &row, LVIR_LABEL);
     POINT point = {row.left, row.bottom};
     ClientToScreen(list, &point);
@@ -75,7 +74,7 @@ POINT BelowSelected(HWND list) {
 }
 
 void CopyFromList(HWND list, int command) {
-    const int row = ListView_GetNextItem(list, -1, LVNI_SELECTED);
+    const int row = SelectedRow(list);
     std::wstring text;
     if (command == IDM_COPY_TABLE) {
         for (int index = 0; index < ListView_GetItemCount(list); ++index)

@@ -1,14 +1,10 @@
 #include "window/walk_window.h"
 
-#include <commctrl.h>
-
 #include <utility>
 
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
-#include "window/dialogs.h"
-#include "window/dpi.h"
 #include "window/list_copy.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -32,23 +28,14 @@ std::wstring EndText(const WalkEnd& end) {
 
 }  // namespace
 
-WalkWindow::~WalkWindow() {
-    if (dialog_) DestroyWindow(dialog_);
-}
-
 void WalkWindow::Open(HWND owner, AskTarget target) {
-    if (dialog_ && target.address != target_.address) DestroyWindow(dialog_);
+    if (IsOpen() && target.address != target_.address) Close();
     target_ = std::move(target);
-    if (!dialog_)
-        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_WALK), owner, Procedure,
-                           reinterpret_cast<LPARAM>(this));
-    if (!dialog_) return;
-    ShowWindow(dialog_, SW_SHOW);
-    SetActiveWindow(dialog_);
+    OpenDialog(owner, IDD_WALK);
 }
 
 void WalkWindow::Take(const Event& event) {
-    if (!dialog_ || state_ == State::kIdle || event.walk != walk_) return;
+    if (!IsOpen() || state_ == State::kIdle || event.walk != walk_) return;
     if (event.kind == Event::kWalkBegan && state_ == State::kWaiting) {
         state_ = State::kWalking;
         startMs_ = GetTickCount64();
@@ -56,13 +43,13 @@ void WalkWindow::Take(const Event& event) {
     if (event.kind == Event::kWalkStep) values_.push_back(event.variable);
     if (event.kind != Event::kWalked) return;
     state_ = State::kIdle;
-    SetDlgItemTextW(dialog_, IDS_WALK_START, Text(IDS_WALK_START).c_str());
+    SetItem(IDS_WALK_START, Text(IDS_WALK_START));
     ShowState(EndText(event.walkEnd));
     ShowValues();
 }
 
 void WalkWindow::Refresh() {
-    if (!dialog_ || state_ == State::kIdle) return;
+    if (!IsOpen() || state_ == State::kIdle) return;
     ShowValues();
     const std::wstring seconds = std::to_wstring((GetTickCount64() - startMs_) / 1000);
     ShowState(state_ == State::kWaiting
@@ -70,47 +57,22 @@ void WalkWindow::Refresh() {
                   : Text(IDS_WALKING, {std::to_wstring(values_.size()), seconds}));
 }
 
-INT_PTR CALLBACK WalkWindow::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
-        reinterpret_cast<WalkWindow*>(lParam)->Begin(dialog);
-        return TRUE;
-    }
-    auto* self = reinterpret_cast<WalkWindow*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
-    if (!self) return FALSE;
-    if (message == WM_COMMAND) self->OnCommand(LOWORD(wParam));
-    if (message == WM_CONTEXTMENU && reinterpret_cast<HWND>(wParam) == self->table_.Handle())
-        ShowCopyMenu(self->table_.Handle(), lParam);
-    if (message == WM_NOTIFY) self->table_.OnNotify(reinterpret_cast<NMHDR*>(lParam));
-    if (message == WM_NCDESTROY) self->Forget();
-    return FALSE;
-}
-
-void WalkWindow::Begin(HWND dialog) {
-    dialog_ = dialog;
-    const std::wstring title = Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))});
-    SetDialogTexts(dialog, IDS_TITLE);
-    SetWindowTextW(dialog, title.c_str());
-    SetDlgItemTextW(dialog, IDCANCEL, Text(IDS_CALL_CLOSE).c_str());
-    SendDlgItemMessageW(dialog, IDC_WALK_ROOT, EM_LIMITTEXT, kMaxRootLength, 0);
-    SetDlgItemTextW(dialog, IDC_WALK_ROOT, kDefaultRoot);
+void WalkWindow::Begin() {
+    BeginDialog(Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))}), IDC_WALK_VALUES,
+                {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}});
+    SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
+    SetItem(IDC_WALK_ROOT, kDefaultRoot);
     ShowState(Text(IDS_WALK_READY));
-    table_.Attach(GetDlgItem(dialog, IDC_WALK_VALUES));
-    table_.Begin(title, {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}},
-                 DpiOf(dialog));
 }
 
-// The dialog has gone; the worker may still wait for its last answer.
-void WalkWindow::Forget() {
-    dialog_ = nullptr;
+// The worker may still wait for its last answer.
+void WalkWindow::OnClosed() {
     if (std::exchange(state_, State::kIdle) != State::kIdle) actions_.stop();
     values_.clear();
 }
 
 void WalkWindow::OnCommand(int id) {
-    if (id == IDCANCEL) {
-        DestroyWindow(dialog_);
-    } else if (id == IDS_WALK_START) {
+    if (id == IDS_WALK_START) {
         if (state_ == State::kIdle) {
             Start();
         } else {
@@ -122,26 +84,26 @@ void WalkWindow::OnCommand(int id) {
 }
 
 void WalkWindow::Start() {
-    const std::wstring text = WindowText(GetDlgItem(dialog_, IDC_WALK_ROOT));
+    const std::wstring text = WindowText(Item(IDC_WALK_ROOT));
     const auto root = ParseOidOrName(ToUtf8(text));
     const Oid start = root ? WalkStart(*root) : Oid();
     if (!root || !FitsRequest(start) || IsMisencoded(start)) {
         ShowState(Text(root ? IDS_WALK_NO_ROOT : IDS_WALK_BAD_ROOT, {text}));
-        SetFocus(GetDlgItem(dialog_, IDC_WALK_ROOT));
+        SetFocus(Item(IDC_WALK_ROOT));
         return;
     }
     values_.clear();
     table_.Show(0, nullptr);
     state_ = State::kWaiting;
     startMs_ = GetTickCount64();
-    SetDlgItemTextW(dialog_, IDS_WALK_START, Text(IDS_WALK_STOP).c_str());
+    SetItem(IDS_WALK_START, Text(IDS_WALK_STOP));
     actions_.start(target_, *root, ++walk_);
     Refresh();
 }
 
 void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
-    SetDlgItemTextW(dialog_, IDS_WALK_START, Text(IDS_STOPPING).c_str());
+    SetItem(IDS_WALK_START, Text(IDS_STOPPING));
     actions_.stop();
 }
 
@@ -150,9 +112,7 @@ void WalkWindow::ShowValues() {
                 [this](size_t row, size_t column) { return CellText(row, column); });
 }
 
-void WalkWindow::ShowState(const std::wstring& text) {
-    ChangeText(GetDlgItem(dialog_, IDC_WALK_STATE), text);
-}
+void WalkWindow::ShowState(const std::wstring& text) { SetItem(IDC_WALK_STATE, text); }
 
 std::wstring WalkWindow::CellText(size_t row, size_t column) const {
     const Answer& answer = values_[row];

@@ -8,21 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "window/table_list.h"
+#include "window/dialogs.h"
 #include "window/workers.h"
 
 namespace vndiscover::host {
 
-class WalkWindow {
+class WalkWindow : private TableDialog {
   public:
     struct Actions {
         std::function<void(const AskTarget& target, const Oid& root, unsigned walk)> start;
         std::function<void()> stop;
     };
     explicit WalkWindow(Actions actions) : actions_(std::move(actions)) {}
-    ~WalkWindow();
-    WalkWindow(const WalkWindow&) = delete;
-    WalkWindow& operator=(const WalkWindow&) = delete;
 
     // Opens it for a device, or brings it to the front. Another device's walk is stopped.
     void Open(HWND owner, AskTarget target);
@@ -34,12 +31,11 @@ class WalkWindow {
   private:
     enum class State { kIdle, kWaiting, kWalking, kStopping };
 
-    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-    void Begin(HWND dialog);
-    void OnCommand(int id);
+    void Begin() override;
+    void OnCommand(int id) override;
+    void OnClosed() override;
     void Start();
     void Stop();
-    void Forget();
     void ShowValues();
     void ShowState(const std::wstring& text);
     std::wstring CellText(size_t row, size_t column) const;
@@ -50,8 +46,6 @@ class WalkWindow {
     unsigned walk_ = 0;  // number of the one that is shown
     ULONGLONG startMs_ = 0;
     std::vector<Answer> values_;
-    HWND dialog_ = nullptr;
-    TableList table_;
 };
 
 }  // namespace vndiscover::host
