@@ -20,7 +20,6 @@ TYPES = {"HWND": "IntPtr", "UINT": "uint", "BYTE": "byte", "int32_t": "int", "ui
 ANNOTATION = re.compile(r"\b(_[A-Z]\w*_)\b(?:\(([^()]*)\))? ")
 WIDTHS = {"uint8_t": 1, "char": 1, "uint16_t": 2, "byte[]": 1, "ushort": 2}
 
-
 TREE = "include|src|host|check|tests|scripts|cmake|docs|examples|bench"
 
 # What a document says, and where the code says it.
@@ -66,7 +65,7 @@ def commands():
         for block in re.findall(r"^ *```sh\n(.*?)^ *```", text, flags=re.S | re.M):
             lines += block.replace("\\\n", " ").splitlines()
         for line in lines:
-            words = [word for word in shlex.split(line, comments=True)]
+            words = shlex.split(line, comments=True)
             while words and re.fullmatch(r"[A-Z_]+=.*", words[0]):
                 words.pop(0)
             if words:

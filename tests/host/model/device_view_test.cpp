@@ -109,9 +109,10 @@ TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {
 }
 
 TEST_F(DeviceViewTest, CsvCellsAreNeverFormulas) {
-    Hear("10.77.1.20", "=1+\"2\"");
-    EXPECT_EQ("\xEF\xBB\xBF\"Address\",\"Model\"\r\n\"10.77.1.20\",\"'=1+\"\"2\"\"\"\r\n",
-              CsvOf(view_, {{Column::kAddress, "Address"}, {Column::kModel, "Model"}}));
+    Hear("10.77.1.20", "=1+\"2\";\xEF\xBC\x9DZ2");
+    EXPECT_EQ(
+        "\xEF\xBB\xBF\"Address\",\"Model\"\r\n\"10.77.1.20\",\"'=1+\"\"2\"\";'\xEF\xBC\x9DZ2\"\r\n",
+        CsvOf(view_, {{Column::kAddress, "Address"}, {Column::kModel, "Model"}}));
 }
 
 // As the console prints them: a value, the value in a request for one OID, and a whole document.
