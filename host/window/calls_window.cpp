@@ -4,8 +4,8 @@
 
 #include "platform/wide_text.h"
 #include "values/plain_text.h"
-#include "window/clipboard.h"
 #include "window/dpi.h"
+#include "window/list_copy.h"
 #include "window/lists.h"
 #include "window/resource.h"
 #include "window/strings.h"

@@ -3,7 +3,6 @@
 #include <windowsx.h>
 
 #include "platform/wide_text.h"
-#include "window/clipboard.h"
 #include "window/facts_list.h"
 #include "window/list_copy.h"
 #include "window/lists.h"

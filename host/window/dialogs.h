@@ -1,4 +1,4 @@
-// What dialogs and messages have in common.
+// What windows, dialogs and messages have in common.
 #ifndef VNDISCOVER_HOST_WINDOW_DIALOGS_H
 #define VNDISCOVER_HOST_WINDOW_DIALOGS_H
 
@@ -10,6 +10,9 @@
 #include "window/table_list.h"
 
 namespace vndiscover::host {
+
+// Registers a type of window, once, and returns its name.
+const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure);
 
 std::wstring WindowText(HWND window);
 // Sets a text that is not shown already: no flicker, and an edit control keeps its place.

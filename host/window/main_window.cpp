@@ -8,7 +8,6 @@
 
 #include "platform/wide_text.h"
 #include "values/object_names.h"
-#include "window/clipboard.h"
 #include "window/dialogs.h"
 #include "window/dpi.h"
 #include "window/layout.h"
@@ -43,6 +42,13 @@ enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };  // kNone: or not saved
 
 }  // namespace
 
+const MainWindow::FileCommand MainWindow::kFileCommands[] = {
+    {IDM_OPEN, IDS_SCAN_FILES, L"json", false, &MainWindow::OpenFrom},
+    {IDM_SAVE, IDS_SCAN_FILES, L"json", true, &MainWindow::SaveTo},
+    {IDM_COMPARE, IDS_SCAN_FILES, L"json", false, &MainWindow::CompareWith},
+    {IDM_CSV, IDS_CSV_FILES, L"csv", true, &MainWindow::SaveCsvTo},
+    {IDM_JSON, IDS_JSON_FILES, L"json", true, &MainWindow::SaveJsonTo}};
+
 MainWindow::MainWindow(Engine& engine, StartOptions options)
     : engine_(engine),
       options_(std::move(options)),
@@ -50,18 +56,11 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     const INITCOMMONCONTROLSEX controls = {
         sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
     InitCommonControlsEx(&controls);
-    WNDCLASSW type = {};
-    type.lpfnWndProc = Procedure;
-    type.hInstance = GetModuleHandleW(nullptr);
-    type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
-    type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
-    type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-    type.lpszClassName = L"VnBrowser";
-    RegisterClassW(&type);  // fails harmlessly if it is already registered
-    keys_ = LoadAcceleratorsW(type.hInstance, MAKEINTRESOURCEW(IDR_KEYS));
-    window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, Text(IDS_TITLE).c_str(),
+    const wchar_t* const type = RegisterType(L"VnBrowser", Procedure);
+    keys_ = LoadAcceleratorsW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDR_KEYS));
+    window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type, Text(IDS_TITLE).c_str(),
                               WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                              0, 0, nullptr, MakeMenu(), type.hInstance, nullptr);
+                              0, 0, nullptr, MakeMenu(), GetModuleHandleW(nullptr), nullptr);
     if (!window_) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
     SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     dpi_ = DpiOf(window_);
@@ -320,27 +319,15 @@ void MainWindow::OnCommand(int id, int code) {
     if (isFromControl && id != IDC_FIND && id != IDCANCEL) return;
     note_.clear();
     const DeviceRow* row = session_.view.SelectedRow();
+    for (const FileCommand& command : kFileCommands) {
+        if (id == command.id && (id != IDM_OPEN || MayReplaceScan())) WithPath(command);
+    }
     switch (id) {
         case IDC_FIND:
             StartOrStop();
             break;
         case IDCANCEL:  // Esc
             if (isSweeping_ || !asked_.empty()) Stop();
-            break;
-        case IDM_OPEN:
-            if (MayReplaceScan()) WithPath(IDS_SCAN_FILES, L"json", false, &MainWindow::OpenFrom);
-            break;
-        case IDM_SAVE:
-            WithPath(IDS_SCAN_FILES, L"json", true, &MainWindow::SaveTo);
-            break;
-        case IDM_COMPARE:
-            WithPath(IDS_SCAN_FILES, L"json", false, &MainWindow::CompareWith);
-            break;
-        case IDM_CSV:
-            WithPath(IDS_CSV_FILES, L"csv", true, &MainWindow::SaveCsvTo);
-            break;
-        case IDM_JSON:
-            WithPath(IDS_JSON_FILES, L"json", true, &MainWindow::SaveJsonTo);
             break;
         case IDM_EXIT:
             PostMessageW(window_, WM_CLOSE, 0, 0);
@@ -674,7 +661,7 @@ bool MainWindow::MayReplaceScan() {
 bool MainWindow::MayDropScan() {
     if (options_.exit || !session_.IsUnsaved()) return true;
     const int answer = AskToSave(window_);
-    if (answer == IDYES) WithPath(IDS_SCAN_FILES, L"json", true, &MainWindow::SaveTo);
+    if (answer == IDYES) WithPath(kFileCommands[1]);
     return answer == IDNO || !session_.IsUnsaved();
 }
 
@@ -718,11 +705,10 @@ bool MainWindow::SaveJsonTo(const std::string& path) {
     return SaveText(JsonOf(session_.view, session_.GetScan()), path, note_) || Complain(note_);
 }
 
-// Calls the method with a path that the user chooses.
-void MainWindow::WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
-                          bool (MainWindow::*method)(const std::string& path)) {
-    const std::string path = AskPath(window_, kind, extension, isForSaving);
-    if (!path.empty()) (this->*method)(path);
+// With a path that the user chooses.
+void MainWindow::WithPath(const FileCommand& command) {
+    const std::string path = AskPath(window_, command.kind, command.extension, command.isForSaving);
+    if (!path.empty()) (this->*command.method)(path);
 }
 
 void MainWindow::CopyCell(Column column) {

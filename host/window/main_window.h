@@ -51,6 +51,14 @@ class MainWindow {
     bool SaveJsonTo(const std::string& path);  // their answers, see JsonOf
 
   private:
+    struct FileCommand {
+        int id;
+        unsigned kind;  // of file, a string
+        const wchar_t* extension;
+        bool isForSaving;
+        bool (MainWindow::*method)(const std::string& path);
+    };
+    static const FileCommand kFileCommands[];
     static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void CreateControls();
@@ -85,8 +93,7 @@ class MainWindow {
     void ShowStatus();
     std::wstring StatusText() const;
 
-    void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
-                  bool (MainWindow::*method)(const std::string& path));
+    void WithPath(const FileCommand& command);
     bool MayReplaceScan();
     bool MayDropScan();
     bool MayClose();

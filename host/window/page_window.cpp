@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "window/dialogs.h"
 #include "window/dpi.h"
 #include "window/list_copy.h"
 #include "window/resource.h"
@@ -18,19 +19,11 @@ class Page {
         if (font_) DeleteObject(font_);
     }
     HWND Open(HWND owner, const std::wstring& title, std::vector<Fact> facts) {
-        WNDCLASSW type = {};
-        type.lpfnWndProc = Procedure;
-        type.hInstance = GetModuleHandleW(nullptr);
-        type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
-        type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
-        type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-        type.lpszClassName = kType;
-        RegisterClassW(&type);  // fails harmlessly if it is already registered
         const int dpi = DpiOf(owner);
-        window_ =
-            CreateWindowExW(WS_EX_CONTROLPARENT, type.lpszClassName, title.c_str(),
-                            WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, MulDiv(820, dpi, 96),
-                            MulDiv(420, dpi, 96), owner, nullptr, type.hInstance, nullptr);
+        window_ = CreateWindowExW(WS_EX_CONTROLPARENT, RegisterType(kType, Procedure),
+                                  title.c_str(), WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
+                                  MulDiv(820, dpi, 96), MulDiv(420, dpi, 96), owner, nullptr,
+                                  GetModuleHandleW(nullptr), nullptr);
         if (!window_) return nullptr;
         list_.Create(window_, IDC_DETAILS, title);
         ShowWindow(list_.Handle(), SW_SHOW);

@@ -91,8 +91,8 @@ void AddDevice(Page& page, const DeviceReport& device) {
 std::vector<Fact> DetailFacts(const Session& session) {
     Page page;
     const DeviceRow* row = session.view.SelectedRow();
-    const FoundDevice* device = session.SelectedDevice();
-    if (!row || !device) return {{L"", Text(IDS_NO_SELECTION), {}, {}}};
+    const FoundDevice* device = row ? session.DeviceOf(*row) : nullptr;
+    if (!device) return {{L"", Text(IDS_NO_SELECTION), {}, {}}};
     page.Add(IDS_COLUMN_NAME, device->name);
     page.Add(IDS_COLUMN_MODEL, device->model);
     page.Add(IDS_FACT_ADDRESS, row->Text(Column::kAddress));

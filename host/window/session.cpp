@@ -46,18 +46,10 @@ void Session::Take(const Event& event) {
             rowMaker_ = RowMaker();  // rows name the networks
             isChanged_ = true;
             break;
-        case Event::kAskBegan:
-        case Event::kWalkBegan:
-        case Event::kWalkStep:
-        case Event::kWalked:
-        case Event::kDiagnosisBegan:
-        case Event::kDiagnosed:
-        case Event::kReport:
-        case Event::kCalled:
-        case Event::kIdle:
-            break;
         case Event::kSweepEnded:
             isSweeping_[static_cast<size_t>(event.worker)] = false;
+            break;
+        default:
             break;
     }
 }
@@ -89,11 +81,10 @@ void Session::SetScan(Scan scan) {
     isChanged_ = true;
 }
 
-const FoundDevice* Session::SelectedDevice() const {
-    const DeviceRow* row = view.SelectedRow();
-    const auto found = std::find_if(
-        devices_.begin(), devices_.end(),
-        [&](const FoundDevice& device) { return row && device.answers == row->answers; });
+const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
+    const auto found =
+        std::find_if(devices_.begin(), devices_.end(),
+                     [&](const FoundDevice& device) { return device.answers == row.answers; });
     return found == devices_.end() ? nullptr : &*found;
 }
 
@@ -159,10 +150,7 @@ std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
 }
 
 bool Session::Split(const DeviceRow& row) {
-    const FoundDevice* device = nullptr;
-    for (const FoundDevice& each : devices_) {
-        if (each.answers == row.answers) device = &each;
-    }
+    const FoundDevice* device = DeviceOf(row);
     if (!device) return false;
     const auto isAsked = [&](size_t index) {
         return scan_.sweeps[scan_.answers[index].sweep].form == AnswerForm::kVariable;

@@ -31,8 +31,8 @@ class Session {
     void SetSaved() { isUnsaved_ = false; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
 
-    // The selected device; null if there is none.
-    const FoundDevice* SelectedDevice() const;
+    // Null if it is no device's row.
+    const FoundDevice* DeviceOf(const DeviceRow& row) const;
     // How to ask a device: the address and protocol by which it answered. Empty if it cannot be
     // asked.
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
