@@ -1,6 +1,7 @@
 #include "model/device_merge.h"
 
 #include <algorithm>
+#include <list>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -14,6 +15,7 @@ struct Contact {
     size_t parent;              // itself if it is the first of a group and holds the group's fields
     Identity group;             // of all contacts of the group
     std::vector<size_t> apart;  // contacts that no contact of the group may be merged with
+    std::list<Merge> merges;    // of the group
 };
 
 using Descriptions = std::map<std::vector<size_t>, FoundDevice>;
@@ -61,7 +63,7 @@ class Merger {
         for (auto& indexes : answers) {
             FoundDevice device = Describe(std::move(indexes));
             Identity group = device.identity;
-            contacts_.push_back({std::move(device), contacts_.size(), std::move(group), {}});
+            contacts_.push_back({std::move(device), contacts_.size(), std::move(group), {}, {}});
         }
     }
 
@@ -94,12 +96,16 @@ class Merger {
         Contact& joined = contacts_[second];
         if (kept.group.DiffersByStrongerKey(joined.group, key) || AreSplit(first, second))
             return false;
-        kept.device.merges.push_back({key, value, contacts_[one].device.answers.front(),
-                                      contacts_[other].device.answers.front()});
-        auto& merges = joined.device.merges;
-        kept.device.merges.insert(kept.device.merges.end(), merges.begin(), merges.end());
-        kept.group.Add(joined.group);
+        kept.merges.push_back({key, value, contacts_[one].device.answers.front(),
+                               contacts_[other].device.answers.front()});
+        kept.merges.splice(kept.merges.end(), joined.merges);
+        // The smaller one is added to the larger one: hostile answers may let a growing group join
+        // one address after the other.
+        if (kept.group.Size() < joined.group.Size()) std::swap(kept.group, joined.group);
+        kept.group.Add(std::exchange(joined.group, {}));
+        if (kept.apart.size() < joined.apart.size()) std::swap(kept.apart, joined.apart);
         kept.apart.insert(kept.apart.end(), joined.apart.begin(), joined.apart.end());
+        joined.apart.clear();
         joined.parent = first;
         return true;
     }
@@ -119,11 +125,11 @@ class Merger {
             if (members[first].empty()) continue;
             FoundDevice& device = contacts_[first].device;
             if (members[first].size() > 1) {
-                std::vector<Merge> merges = std::move(device.merges);
                 device = Describe(AnswersOf(members[first]));
                 // Keeps all identities of the device, even if later answers replaced some of them.
                 device.identity = std::move(contacts_[first].group);
-                device.merges = std::move(merges);
+                const std::list<Merge>& merges = contacts_[first].merges;
+                device.merges.assign(merges.begin(), merges.end());
             }
             devices.push_back(std::move(device));
         }

@@ -35,6 +35,12 @@ void Identity::Add(const Identity& other) {
         values_[static_cast<size_t>(key)].insert(other.Of(key).begin(), other.Of(key).end());
 }
 
+size_t Identity::Size() const {
+    size_t size = 0;
+    for (const auto& values : values_) size += values.size();
+    return size;
+}
+
 bool Identity::DiffersByStrongerKey(const Identity& other, MergeKey key) const {
     return std::any_of(kMergeKeys.begin(), kMergeKeys.end(), [&](MergeKey stronger) {
         return stronger < key && !Of(stronger).empty() && !other.Of(stronger).empty() &&

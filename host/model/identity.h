@@ -27,6 +27,7 @@ class Identity {
     // punctuation only, which is a placeholder.
     void Add(MergeKey key, const std::string& value);
     void Add(const Identity& other);
+    size_t Size() const;  // of values
     const std::set<std::string>& Of(MergeKey key) const {
         return values_[static_cast<size_t>(key)];
     }

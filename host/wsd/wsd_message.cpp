@@ -203,12 +203,9 @@ void MatchList::Add(const std::string& address, std::string_view reply) {
 }
 
 void MatchList::AddMatch(const std::string& address, const ProbeMatch& match) {
-    for (Entry& entry : entries_) {
-        if (entry.address != address || entry.match.endpoint != match.endpoint) continue;
-        ++entry.count;
-        return;
-    }
-    entries_.push_back({address, match, 1});
+    const auto [known, isNew] = places_.try_emplace({address, match.endpoint}, entries_.size());
+    if (isNew) entries_.push_back({address, match, 0});
+    ++entries_[known->second].count;
 }
 
 std::string MatchList::Table() const {

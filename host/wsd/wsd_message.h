@@ -4,9 +4,11 @@
 #define VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vndiscover::host {
@@ -49,6 +51,7 @@ class MatchList {
   private:
     void AddMatch(const std::string& address, const ProbeMatch& match);
     std::vector<Entry> entries_;
+    std::map<std::pair<std::string, std::string>, size_t> places_;  // by address and endpoint
 };
 
 }  // namespace vndiscover::host

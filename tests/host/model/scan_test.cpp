@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <ctime>
+
 #include "model/compare.h"
 #include "model/device_merge.h"
 #include "values/module_types.h"
@@ -79,6 +81,23 @@ TEST(DeviceMerge, AFloodOfRepliesIsNotReadWhole) {
     const FoundDevice device = MakeDevices(flood.scan).at(0);
     EXPECT_EQ(300u, device.answers.size());
     EXPECT_EQ(256u, device.identity.Of(MergeKey::kEndpoint).size());
+}
+
+// Each of the later addresses joins the group with an earlier one, which then is its first.
+TEST(DeviceMerge, HostileRepliesDoNotMakeItSlow) {
+    constexpr int kPairs = 8000;
+    ScanOf one;
+    one.Begin(SweepKind::kWsd, AnswerForm::kReply);
+    for (int i = 2 * kPairs - 1; i >= 0; --i) {
+        const int pair = i < kPairs ? kPairs - 1 - i : i;
+        const std::string address = std::to_string(pair);
+        one.Add(address.c_str(), Reply(std::to_string(pair % kPairs)));
+        if (i < kPairs) one.scan.answers.push_back(one.scan.answers.back());
+        if (i < kPairs) one.scan.answers.back().bytes = Reply("common");
+    }
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(1u, MakeDevices(one.scan).size());
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 10);  // with copied groups, a minute
 }
 
 TEST(DeviceMerge, UsesTheStrongestKeyAndKeepsTheReason) {

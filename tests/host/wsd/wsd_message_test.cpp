@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <memory>
 #include <regex>
 #include <set>
@@ -61,6 +62,23 @@ fe80::2          wprt:PrintDeviceType {urn:x}Fax
   {"address":"10.0.0.1","endpoint":"urn:uuid:1","types":["wprt:PrintDeviceType","{urn:x}Fax"],)"
                                    R"("xAddrs":["http://10.0.0.1:80/a","http://[fe80::1]/b"],)"
                                    R"("replies":2},)"));
+}
+
+TEST(MatchLists, AFloodOfEndpointsDoesNotMakeThemSlow) {
+    constexpr size_t kReplies = 5000, kMatches = 16;
+    MatchList list;
+    const std::clock_t start = std::clock();
+    for (size_t i = 0; i < kReplies * kMatches; i += kMatches) {
+        std::string matches;
+        for (size_t k = i; k < i + kMatches; ++k) {
+            matches += (k > i ? "</d:ProbeMatch><d:ProbeMatch>" : "") +
+                       ("<a:EndpointReference><a:Address>" + std::to_string(k)) +
+                       "</a:Address></a:EndpointReference>";
+        }
+        list.Add("10.0.0.1", Reply(kVersion11, matches));
+    }
+    EXPECT_EQ(kReplies * kMatches, list.Entries().size());
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 10);
 }
 
 TEST(ProbeMatches, MalformedRepliesGiveNoMatches) {
