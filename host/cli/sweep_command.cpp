@@ -62,14 +62,10 @@ struct Sweep {
 };
 
 std::string ReadRequest(const std::string& path) {
-    // With a wide path: a narrow one would be taken for ANSI text.
-    FILE* file = _wfopen(ToWide(path).c_str(), L"rb");
-    if (!file) throw CLI::ValidationError("--json", "cannot read '" + path + "'");
-    std::string text(65536, '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), file));
-    std::fclose(file);
+    constexpr size_t kMaxSize = size_t{1} << 20;  // with blanks, which are not sent
     std::string problem;
-    const auto request = PrepareRequest(text, problem);
+    const auto text = ReadFileText(path, kMaxSize, problem);
+    const auto request = text ? PrepareRequest(*text, problem) : std::nullopt;
     if (!request) throw CLI::ValidationError("--json", "'" + path + "' " + problem);
     return *request;
 }
