@@ -46,14 +46,16 @@ bool Put(HWND owner, const std::wstring& text) {
 constexpr int kValue = 1;  // the column after the one that names the row
 
 std::wstring CellText(HWND list, int row, int column) {
-    std::wstring text(4096, L'\0');
-    LVITEMW item = {};
-    item.iSubItem = column;
-    item.pszText = text.data();
-    item.cchTextMax = static_cast<int>(text.size());
-    text.resize(static_cast<size_t>(SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                                                 reinterpret_cast<LPARAM>(&item))));
-    return text;
+    for (size_t size = 512;; size *= 8) {
+        std::wstring text(size, L'\0');
+        LVITEMW item = {};
+        item.iSubItem = column;
+        item.pszText = text.data();
+        item.cchTextMax = static_cast<int>(size);
+        text.resize(static_cast<size_t>(SendMessageW(
+            list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item))));
+        if (text.size() + 1 < size) return text;  // otherwise it may be cut
+    }
 }
 
 std::wstring RowText(HWND list, int row) {

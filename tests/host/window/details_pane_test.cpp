@@ -6,19 +6,16 @@ namespace {
 
 class Details : public MainWindowTest {
   protected:
-    // Two devices, of which the first has been asked.
+    // Two devices, of which the first has been asked, while the sweep goes on.
     void OpenWithDevices() {
-        Open();
+        OpenWith({{"10.77.1.1", "x"}, {"10.77.1.3", "y"}});
         Command(IDC_FIND);
-        engine_.Say("10.77.1.1", "x");
-        engine_.Say("10.77.1.3", "y");
-        ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.3;"; }));
         Select(0);
         ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     }
     void EndSweep() {
         engine_.End();
-        EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        EXPECT_TRUE(Ends());
     }
     // As if its tab were clicked.
     void ChoosePage(int page) {
@@ -42,15 +39,21 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EXPECT_EQ(L"Summary", Page());
     Command(IDM_PREVIOUS_PAGE);
     EXPECT_EQ(L"Answers", Page());
-    ASSERT_TRUE(Until([&] { return Rows() == 3; }));
+    ASSERT_TRUE(Until([&] { return Rows() == 5; }));
     EXPECT_EQ(L"x", Value(0, 1));
     EXPECT_EQ(L"SNMPv1", Value(0, 2));
-    EXPECT_EQ(L"prtGeneralSerialNumber.1", Value(2, 0));
-    EXPECT_EQ(L"SERIAL 1", Value(2, 1));
-    EXPECT_EQ(L"10.77.1.1", Value(2, 3));
+    EXPECT_EQ(L"prtGeneralSerialNumber.1", Value(4, 0));
+    EXPECT_EQ(L"SERIAL 1", Value(4, 1));
+    EXPECT_EQ(L"10.77.1.1", Value(4, 3));
+    ListView_SetItemState(Control(IDC_TABLE), 0, LVIS_SELECTED, LVIS_SELECTED);
+    RECT place = {0, 0, 1100, 620};
+    SendMessageW(window_->Handle(), WM_DPICHANGED, MAKEWPARAM(144, 144),
+                 reinterpret_cast<LPARAM>(&place));
+    EXPECT_EQ(5, Rows());
     Select(1);
     EXPECT_EQ(L"Answers", Page());
     EXPECT_EQ(1, Rows());
+    EXPECT_EQ(-1, ListView_GetNextItem(Control(IDC_TABLE), -1, LVNI_SELECTED));
     EXPECT_EQ(L"y", Value(0, 1));
     // It stays while others are hidden, sorted and added.
     SetWindowTextW(Control(IDC_FILTER), L"10.77.1.3");
@@ -93,8 +96,18 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     EXPECT_EQ(L"Interfaces", Page());
     EXPECT_TRUE(Until([&] { return Rows() == 1; }));
     EXPECT_EQ(L"LAN", Value(0, 0));
+    EXPECT_EQ(L"down", Value(0, 1));
+    EXPECT_EQ(L"up", Value(0, 5));
     Select(1);  // which is silent
     EXPECT_EQ(0, Rows());
+    const auto empty = [&] {
+        NMLVEMPTYMARKUP markup = {};
+        markup.hdr = {Control(IDC_TABLE), IDC_TABLE, static_cast<UINT>(LVN_GETEMPTYMARKUP)};
+        SendMessageW(window_->Handle(), WM_NOTIFY, IDC_TABLE, reinterpret_cast<LPARAM>(&markup));
+        return std::wstring(markup.szMarkup);
+    };
+    EXPECT_EQ(Text(IDS_NOT_ASKED), empty());
+    EXPECT_TRUE(Until([&] { return empty() == Text(IDS_INTERFACES_NONE); }));
     EndSweep();
 }
 

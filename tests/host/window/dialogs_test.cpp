@@ -11,10 +11,6 @@
 namespace vndiscover::host {
 namespace {
 
-std::wstring LongerText(std::wstring text) {
-    return text + std::wstring(text.size() * 2 / 5 + 1, L'w');
-}
-
 // The size that a text needs in its control.
 SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
     const HDC dc = GetDC(control);
@@ -28,28 +24,18 @@ SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
     return {size.right, size.bottom};
 }
 
-// Every control is within the dialog, overlaps no other, and shows its whole text.
+// Every control shows its whole text.
 void CheckDialog(HWND dialog, size_t controls) {
-    RECT client = {};
-    GetClientRect(dialog, &client);
-    std::vector<RECT> places;
-    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        SCOPED_TRACE(GetDlgCtrlID(child));
-        RECT place = {}, common = {};
-        GetWindowRect(child, &place);
-        MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-        EXPECT_TRUE(place.left >= 0 && place.top >= 0 && place.right <= client.right &&
-                    place.bottom <= client.bottom);
-        for (const RECT& taken : places) EXPECT_FALSE(IntersectRect(&common, &place, &taken));
-        places.push_back(place);
-        wchar_t type[20] = L"";
-        GetClassNameW(child, type, 20);
-        const bool isButton = lstrcmpiW(type, L"button") == 0;
-        if (!isButton && lstrcmpiW(type, L"static") != 0) continue;
-        EXPECT_FALSE(TextOf(child).empty());
+    const auto places = PlacesIn(dialog);
+    for (const auto& [control, place] : places) {
+        SCOPED_TRACE(GetDlgCtrlID(control));
+        const bool isButton = TypeOf(control) == L"Button";
+        if (!isButton && TypeOf(control) != L"Static") continue;
+        EXPECT_FALSE(TextOf(control).empty());
         const bool isNote = place.bottom - place.top > 30;
-        const SIZE size = SizeOfText(child, place, isNote);
-        EXPECT_LE(size.cx + (isButton ? 8 : 0), place.right - place.left) << ToUtf8(TextOf(child));
+        const SIZE size = SizeOfText(control, place, isNote);
+        EXPECT_LE(size.cx + (isButton ? 8 : 0), place.right - place.left)
+            << ToUtf8(TextOf(control));
         EXPECT_LE(size.cy, place.bottom - place.top);
     }
     EXPECT_EQ(controls, places.size());
@@ -65,11 +51,7 @@ class Dialogs : public MainWindowTest {
     // Opens the modal dialog; `play` acts as its user, on another thread, and must close it.
     void PlayDialog(const std::function<void(HWND dialog)>& play) {
         std::thread user([&, owner = window_->Handle()] {
-            HWND dialog = nullptr;
-            for (int wait = 0; wait < 500 && !dialog; ++wait) {
-                Sleep(10);
-                dialog = PopupOf(owner);
-            }
+            const HWND dialog = NextPopupOf(owner);
             ASSERT_TRUE(dialog);
             play(dialog);
         });
@@ -93,7 +75,7 @@ class Dialogs : public MainWindowTest {
 TEST_F(Dialogs, FitLongerLanguages) {
     for (const TextChange change : {TextChange(nullptr), TextChange(LongerText)}) {
         SetTextChange(change);
-        Open();
+        OpenWith({{"10.77.1.1", "x"}});
         PlayDialog([](HWND dialog) {
             CheckDialog(dialog, 18);
             Press(dialog, IDCANCEL);
@@ -101,9 +83,6 @@ TEST_F(Dialogs, FitLongerLanguages) {
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 7);
         DestroyWindow(PopupOf(window_->Handle()));
-        Command(IDC_FIND);
-        engine_.Say("10.77.1.1", "x");
-        ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;"; }));
         Select(0);
         Command(IDM_WALK);
         CheckDialog(PopupOf(window_->Handle()), 8);
@@ -133,7 +112,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     Command(IDC_FIND);
     ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
     engine_.End();
-    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    ASSERT_TRUE(Ends());
     EXPECT_EQ(kPassword, engine_.lastStep.credentials.security->authPassword.Get());
     // The user's profile is shown, even if another window has used another one since.
     KeepProfile(L"Lab", kept->security);
@@ -157,7 +136,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     });
     Command(IDC_FIND);
     engine_.Say("10.77.1.1", "x");
-    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;"; }));
+    ASSERT_TRUE(Shows(L"10.77.1.1;"));
     Select(0);
     ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     Command(IDM_NEXT_PAGE);
@@ -166,7 +145,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     EXPECT_TRUE(Until([&] { return CellOf(Control(IDC_TABLE), 1, 1) == L"refused: wrong user"; }));
     EXPECT_EQ(3, engine_.reads);
     Command(IDC_FIND);
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    EXPECT_TRUE(Ends());
 }
 
 TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
@@ -203,12 +182,7 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
         SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_PROFILE, CBN_SELCHANGE), 0);
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         PostMessageW(dialog, WM_COMMAND, IDS_PROFILE_DELETE, 0);
-        HWND question = nullptr;
-        for (int wait = 0; wait < 500 && !question; ++wait) {
-            Sleep(10);
-            question = PopupOf(dialog);
-        }
-        SendMessageW(question, WM_COMMAND, IDYES, 0);
+        SendMessageW(NextPopupOf(dialog), WM_COMMAND, IDYES, 0);
         Press(dialog, IDCANCEL);
     });
     EXPECT_TRUE(ProfileNames().empty());
@@ -232,7 +206,7 @@ TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     Command(IDC_FIND);
     ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
     Command(IDC_FIND);
-    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    ASSERT_TRUE(Ends());
     const HWND list = GetDlgItem(dialog, IDC_CALLS);
     EXPECT_TRUE(Until([&] { return ListView_GetItemCount(list) == 3; }));
     // The newest first: two stops during the sweep.
@@ -242,10 +216,7 @@ TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     Press(dialog, IDS_CALL_COMMAND);
     EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", TextOf(text));
     Press(dialog, IDS_CALL_COPY);
-    ASSERT_TRUE(OpenClipboard(nullptr));
-    const auto* copied = static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
-    EXPECT_STREQ(L"vndiscover sweep --oid .1.3.1", copied);
-    CloseClipboard();
+    EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", Copied());
     // The selected call stays selected while others are added.
     Command(IDC_FIND);
     ASSERT_TRUE(Until([&] { return engine_.sweeps == 2; }));
@@ -289,27 +260,15 @@ TEST_F(Dialogs, ReportIsMadeByAWorker) {
 std::wstring PageTexts(HWND page) {
     std::wstring texts;
     const HWND list = GetDlgItem(page, IDC_DETAILS);
-    for (int row = 0; row < ListView_GetItemCount(list); ++row) {
-        wchar_t text[200] = L"";
-        LVITEMW item = {};
-        item.iSubItem = 1;
-        item.pszText = text;
-        item.cchTextMax = 200;
-        SendMessageW(list, LVM_GETITEMTEXTW, WPARAM(row), reinterpret_cast<LPARAM>(&item));
-        texts += text + std::wstring(L";");
-    }
+    for (int row = 0; row < ListView_GetItemCount(list); ++row)
+        texts += CellOf(list, row, 1) + L";";
     return texts;
 }
 
 // On a page that opens at once with the report on this computer.
 TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
     const std::wstring computer = Text(IDS_DOCTOR_NO_CAUSE) + L";not known here;off;";
-    engine_.Say("10.77.1.9", "VN InkLine 70");
-    Open();
-    Command(IDC_FIND);
-    ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 1; }));
-    Command(IDC_FIND);
-    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    OpenWith({{"10.77.1.9", "VN InkLine 70"}});
     Select(0);
     enum { kWhole, kStopped, kQueued };
     for (const int way : {kWhole, kStopped, kQueued}) {

@@ -22,14 +22,9 @@ class Files : public MainWindowTest {
 
     // A window with two devices, of which the filter hides one.
     void OpenWithDevices() {
-        engine_.Say("10.77.1.9", "VN InkLine 70");
-        engine_.Say("10.77.1.10", "VN LaserPro 410");
-        engine_.Say("10.77.1.11", "VN LaserPro 411");
-        Open();
-        Command(IDC_FIND);
-        ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 3; }));
-        Command(IDC_FIND);
-        ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        OpenWith({{"10.77.1.9", "VN InkLine 70"},
+                  {"10.77.1.10", "VN LaserPro 410"},
+                  {"10.77.1.11", "VN LaserPro 411"}});
         SetWindowTextW(Control(IDC_FILTER), L"laserpro");
         ClickColumn(2);
     }
@@ -59,6 +54,7 @@ TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
             EXPECT_NE(std::string::npos, told.find(reason)) << told;
         }
     }
+    EXPECT_EQ(0u, Answer({IDOK}, [&] { window_->OpenFrom(path_ + "x"); }).find("The file could"));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
     EXPECT_TRUE(window_->SaveTo(path_));
     EXPECT_NE(std::string::npos, FileText().find("10.77.1.9"));
@@ -92,7 +88,7 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     for (const int id : {IDM_CLEAR, IDM_OPEN})
         EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_ANSWERS)), Answer({IDOK}, [&] { Command(id); }));
     Command(IDC_FIND);
-    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+    ASSERT_TRUE(Ends());
     Answer({IDNO}, clear);
     EXPECT_EQ(L"", Addresses());
     close();
@@ -105,10 +101,24 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     options.savePath = path_;
     Open(options);
     engine_.Say("10.77.1.9", "VN InkLine 70");
-    ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.9;"; }));
+    ASSERT_TRUE(Shows(L"10.77.1.9;"));
     PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0, window_->Run());
     EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
+}
+
+TEST_F(Files, ScriptSweepsSavesAndExits) {
+    engine_.Say("10.77.1.1", "x");
+    Open({true, path_, true, L""});
+    std::thread end([&] {
+        while (engine_.stops == 0) {
+            Sleep(300);
+            engine_.End();
+        }
+    });
+    EXPECT_EQ(0, window_->Run());
+    end.join();
+    EXPECT_NE(std::string::npos, FileText().find("10.77.1.1"));
 }
 
 TEST_F(Files, ExportsHoldTheRowsAsShown) {

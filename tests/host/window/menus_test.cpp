@@ -15,15 +15,11 @@ class Menus : public MainWindowTest {
   protected:
     ~Menus() override { RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View"); }
     void OpenWithDevice() {
-        engine_.Say("10.77.1.9", "=InkLine 70");
-        Open();
-        Command(IDC_FIND);
-        ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == 1; }));
-        Command(IDC_FIND);
-        ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        OpenWith({{"10.77.1.9", model_}});
         Select(0);
         ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     }
+    const std::string model_ = "=InkLine " + std::string(3000, '7');
     HWND Devices() const { return Control(IDC_DEVICES); }
     std::wstring Headings() const {
         std::wstring all;
@@ -76,15 +72,6 @@ class Menus : public MainWindowTest {
         keys[VK_CONTROL] = keys[VK_SHIFT] = 0;
         SetKeyboardState(keys);
     }
-    static std::wstring Copied() {
-        std::wstring text;
-        if (!OpenClipboard(nullptr)) return text;
-        if (const HANDLE data = GetClipboardData(CF_UNICODETEXT))
-            text = static_cast<const wchar_t*>(GlobalLock(data));
-        EmptyClipboard();
-        CloseClipboard();
-        return text;
-    }
 };
 
 TEST_F(Menus, ClickedCellIsCopied) {
@@ -99,8 +86,8 @@ TEST_F(Menus, ClickedCellIsCopied) {
         L"&Ask again\tCtrl+R;Ask a&ll devices\tCtrl+Shift+R;Why does it &not answer?;"
         L"Walk its &values...;;&Split into its parts;Open its &web page;",
         texts);
-    EXPECT_EQ(L"=InkLine 70", Copied());
-    EXPECT_EQ(L"Copied: =InkLine 70", TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(ToWide(model_), Copied());
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Copied: =InkLine 7"));
 }
 
 // Down to "Copy from the row", into it, down to the address.
@@ -125,10 +112,16 @@ TEST_F(Menus, DetailsAreCopied) {
         L"Copy the &table\tCtrl+Shift+T;",
         Play(details, -1, {VK_DOWN, VK_DOWN, VK_RIGHT, VK_RETURN}));
     EXPECT_EQ(L"Address", Copied());
+    RECT name = {};
+    ListView_GetSubItemRect(details, 0, 0, LVIR_LABEL, &name);
+    POINT point = {name.left + 2, name.top + 2};
+    ClientToScreen(details, &point);
+    Play(details, MAKELPARAM(point.x, point.y), {VK_DOWN, VK_RETURN});  // the cell
+    EXPECT_EQ(L"Address", Copied());
     Press(details, 'T', true);
-    EXPECT_EQ(0u, Copied().find(L"Model\t'=InkLine 70\r\nAddress\t10.77.1.9\r\n"));
+    EXPECT_EQ(0u, Copied().find(L"Model\t'" + ToWide(model_) + L"\r\nAddress\t10.77.1.9\r\n"));
     Press(Devices(), 'C', false);
-    EXPECT_EQ(0u, Copied().find(L"\t'=InkLine 70\t10.77.1.9\t"));
+    EXPECT_EQ(0u, Copied().find(L"\t'" + ToWide(model_) + L"\t10.77.1.9\t"));
     // While another program uses the clipboard.
     OpenClipboard(Devices());
     Press(details, 'C', false);

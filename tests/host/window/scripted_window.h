@@ -24,6 +24,7 @@
 #include "values/object_names.h"
 #include "window/main_window.h"
 #include "window/resource.h"
+#include "window/strings.h"
 
 namespace vndiscover::host {
 
@@ -74,19 +75,23 @@ class ScriptedEngine : public Engine {
             answers.lastStatus = Status::kNoAnswer;
             return answers;
         }
-        for (const auto& [name, text] :
-             {std::pair("prtGeneralSerialNumber.1", "SERIAL 1"), std::pair("ifDescr.1", "LAN")}) {
+        for (const auto& [name, type, text] :
+             {std::tuple("prtGeneralSerialNumber.1", kOctetString, "SERIAL 1"),
+              std::tuple("ifDescr.1", kOctetString, "LAN"),
+              std::tuple("ifAdminStatus.1", kInteger, "\1"),
+              std::tuple("ifOperStatus.1", kInteger, "\2")}) {
             const Oid oid = *ParseOidOrName(name);
-            answers.values[oid] = AnsweredWith(oid, 4, text);
+            answers.values[oid] = AnsweredWith(oid, type, text);
         }
         return answers;
     }
-    // Of the system's two variables, and of an endless table of interfaces.
+    // Of the system's three variables, an endless table of interfaces, and a loop.
     WalkEnd Walk(const AskTarget&, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override {
         ScriptedDevice device;
         device.Text("sysDescr.0", "a printer\x1B");
         device.Text("sysName.0", "hall");
+        device.Text(".1.3.6.1.2.1.1.99.0", "unnamed");
         Asker asker = device.MakeAsker();
         asker.mayGoOn = std::move(mayGoOn);
         asker.getNext = [this, &device, ask = std::move(asker.getNext)](const Oid& oid) {
@@ -96,6 +101,8 @@ class ScriptedEngine : public Engine {
             call.name = "GetNextSnmpRequestRaw";
             call.walk = 1;
             Tell(std::move(call));
+            if (IsWithin(oid, OidOf("ifType")))
+                return AnsweredWith(*ParseOidOrName("ifType.1"), kInteger, "\1");
             if (!IsWithin(oid, column)) return ask(oid);
             Oid next = column;
             next.push_back(oid.size() == column.size() ? 1 : oid.back() + 1);
@@ -157,6 +164,56 @@ inline HWND PopupOf(HWND owner) {
     return nullptr;
 }
 
+// The popup that another thread shows next, other than `known`; null if there is none.
+inline HWND NextPopupOf(HWND owner, HWND known = nullptr) {
+    HWND popup = nullptr;
+    for (int wait = 0; wait < 500 && (!popup || popup == known); ++wait) {
+        Sleep(10);
+        popup = IsWindowEnabled(owner) ? nullptr : PopupOf(owner);
+    }
+    return popup;
+}
+
+// The text on the clipboard, which is then empty.
+inline std::wstring Copied() {
+    std::wstring text;
+    if (!OpenClipboard(nullptr)) return text;
+    if (const HANDLE data = GetClipboardData(CF_UNICODETEXT))
+        text = static_cast<const wchar_t*>(GlobalLock(data));
+    EmptyClipboard();
+    CloseClipboard();
+    return text;
+}
+
+inline std::wstring LongerText(std::wstring text) {
+    return text + std::wstring(text.size() * 2 / 5 + 1, L'w');
+}
+
+// The visible controls; each is within the window and overlaps no other.
+inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    std::vector<std::pair<HWND, RECT>> places;
+    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        if (!IsWindowVisible(child)) continue;  // of a page that is not shown
+        SCOPED_TRACE(GetDlgCtrlID(child));
+        RECT place = {}, common = {};
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
+        EXPECT_TRUE(IntersectRect(&common, &place, &client) && EqualRect(&common, &place));
+        for (const auto& [other, taken] : places)
+            EXPECT_FALSE(IntersectRect(&common, &place, &taken)) << GetDlgCtrlID(other);
+        places.emplace_back(child, place);
+    }
+    return places;
+}
+
+inline std::wstring TypeOf(HWND window) {
+    wchar_t type[20] = L"";
+    GetClassNameW(window, type, 20);
+    return type;
+}
+
 inline std::wstring CellOf(HWND list, int row, int column) {
     wchar_t text[200] = L"";
     LVITEMW item = {};
@@ -175,6 +232,23 @@ class MainWindowTest : public testing::Test {
         PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         window_.emplace(engine_, std::move(options));
     }
+    // With the answers of a sweep that has been stopped: pairs of address and value.
+    void OpenWith(const std::vector<std::pair<std::string, std::string>>& answers) {
+        for (const auto& [address, value] : answers) engine_.Say(address, value);
+        Open();
+        Command(IDC_FIND);
+        const int count = static_cast<int>(answers.size());
+        ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DEVICES)) == count; }));
+        Command(IDC_FIND);
+        ASSERT_TRUE(Ends());
+    }
+    // Whether the sweep ends.
+    bool Ends() {
+        return Until([&] { return TextOf(Control(IDC_FIND)) == Text(IDS_FIND); });
+    }
+    bool Shows(const std::wstring& addresses) {
+        return Until([&] { return Addresses() == addresses; });
+    }
     HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
     void Command(int id) {
         SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);
@@ -187,12 +261,7 @@ class MainWindowTest : public testing::Test {
         std::thread user([&, owner = window_->Handle(), other = PopupOf(window_->Handle())] {
             // A window with a dialog cannot be closed, whose caller goes on with it.
             for (const int button : buttons) {
-                HWND box = nullptr;
-                for (int wait = 0; wait < 500 && !box; ++wait) {
-                    Sleep(10);
-                    if (!IsWindowEnabled(owner)) box = PopupOf(owner);
-                    if (box == other) box = nullptr;
-                }
+                const HWND box = NextPopupOf(owner, other);
                 SendMessageW(owner, WM_CLOSE, 0, 0);
                 text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
                 // Again, since one that is still being made ignores it.

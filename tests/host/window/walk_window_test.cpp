@@ -9,13 +9,7 @@ class WalkTests : public MainWindowTest {
   protected:
     // Opens the window for the first of two devices.
     void OpenWalk() {
-        Open();
-        Command(IDC_FIND);
-        engine_.Say("10.77.1.1", "x");
-        engine_.Say("10.77.1.3", "y");
-        ASSERT_TRUE(Until([&] { return Addresses() == L"10.77.1.1;10.77.1.3;"; }));
-        engine_.End();
-        ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == L"Fi&nd"; }));
+        OpenWith({{"10.77.1.1", "x"}, {"10.77.1.3", "y"}});
         Select(0);
         ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
         Command(IDM_WALK);
@@ -30,14 +24,6 @@ class WalkTests : public MainWindowTest {
     void Press(int id) const { SendMessageW(walk_, WM_COMMAND, static_cast<WPARAM>(id), 0); }
     std::wstring State() const { return TextOf(GetDlgItem(walk_, IDC_WALK_STATE)); }
     int Rows() const { return ListView_GetItemCount(list_); }
-    static std::wstring Copied() {
-        if (!OpenClipboard(nullptr)) return L"";
-        const auto* text =
-            static_cast<const wchar_t*>(GlobalLock(GetClipboardData(CF_UNICODETEXT)));
-        std::wstring copy = text ? text : L"";
-        CloseClipboard();
-        return copy;
-    }
 
     HWND walk_ = nullptr, list_ = nullptr;
 };
@@ -50,23 +36,27 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     Start(L".1.3.6.1.2.1.20000");
     EXPECT_EQ(0u, State().find(L".1.3.6.1.2.1.20000 cannot be requested"));
     Start(L".1.3.6.1.2.1.1");
-    EXPECT_TRUE(Until([&] { return State() == L"2 values, and no more below this OID"; }));
-    EXPECT_EQ(2, Rows());
+    EXPECT_TRUE(Until([&] { return State() == L"3 values, and no more below this OID"; }));
+    EXPECT_EQ(3, Rows());
     EXPECT_EQ(L".1.3.6.1.2.1.1.5.0", CellOf(list_, 1, 0));
     EXPECT_EQ(L"sysName.0", CellOf(list_, 1, 1));
     EXPECT_EQ(L"hall", CellOf(list_, 1, 2));
-    Press(IDS_WALK_COPY_ROW);  // none is selected
+    EXPECT_EQ(L"", CellOf(list_, 2, 1));  // a known part alone is no name
+    Press(IDS_WALK_COPY_ROW);             // none is selected
     ListView_SetItemState(list_, 1, LVIS_SELECTED, LVIS_SELECTED);
     Press(IDS_WALK_COPY_ROW);
     const std::wstring row = L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n";
     EXPECT_EQ(row, Copied());
     Press(IDS_WALK_COPY_ALL);
-    EXPECT_EQ(std::wstring::npos, Copied().find(L'\x1B'));
-    EXPECT_EQ(row, Copied().substr(Copied().find(L'\n') + 1));
+    const std::wstring all = Copied();
+    EXPECT_EQ(std::wstring::npos, all.find(L'\x1B'));
+    EXPECT_EQ(0u, all.substr(all.find(L'\n') + 1).find(row));
     // The list is that of the last walk only.
     Start(L"sysName");
     EXPECT_TRUE(Until([&] { return State() == L"1 values, and no more below this OID"; }));
     EXPECT_EQ(1, Rows());
+    Start(L"ifType");
+    EXPECT_TRUE(Until([&] { return State().find(L"OID not increasing") != State().npos; }));
 }
 
 TEST_F(WalkTests, GoesOnUntilItIsStopped) {
@@ -82,7 +72,7 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     Press(IDS_WALK_START);
     EXPECT_TRUE(Until([&] { return State().find(L" values, then stopped") != State().npos; }));
     EXPECT_EQ(std::to_wstring(Rows()) + L" values, then stopped", State());
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Done") == 0; }));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
     // Its calls are one row.
     Command(IDM_CALLS);
     const HWND calls = GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_CALLS);
@@ -96,7 +86,7 @@ TEST_F(WalkTests, EitherWindowMayBeClosedDuringAWalk) {
     ASSERT_TRUE(Until([&] { return Rows() > 1; }));
     Press(IDCANCEL);
     EXPECT_FALSE(IsWindow(walk_));
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Done") == 0; }));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
     // Another device's walk replaces it, and begins with an empty list.
     Command(IDM_WALK);
     walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.1");
