@@ -136,17 +136,25 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     g_inputMode = mode;
     SetConsoleMode(input, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~ENABLE_ECHO_INPUT);
     Write(STD_ERROR_HANDLE, prompt);  // only now, since the user types as soon as it appears
-    wchar_t line[256];
-    DWORD count = 0;
-    const BOOL isRead = ReadConsoleW(input, line, 256, &count, nullptr);
+    constexpr DWORD kPart = 256;
+    constexpr size_t kLongest = 8192;
+    std::wstring text;
+    text.reserve(kLongest);  // growing would leave copies in memory
+    bool isRead = true;
+    while (isRead && text.size() + kPart <= kLongest && (text.empty() || text.back() != L'\n')) {
+        const size_t done = text.size();
+        DWORD count = 0;
+        text.resize(done + kPart);
+        isRead = ReadConsoleW(input, text.data() + done, kPart, &count, nullptr) && count > 0;
+        text.resize(done + count);
+    }
     SetConsoleMode(input, mode);
     g_inputMode = 0;
     Write(STD_ERROR_HANDLE, "\n");
-    while (count > 0 && (line[count - 1] == L'\n' || line[count - 1] == L'\r')) --count;
-    std::optional<std::wstring> text;
-    if (isRead) text.emplace(line, count);
-    SecureZeroMemory(line, sizeof line);
-    return text;
+    while (!text.empty() && (text.back() == L'\n' || text.back() == L'\r')) text.pop_back();
+    if (isRead) return text;
+    SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t));
+    return std::nullopt;
 }
 
 CompletionGuard::CompletionGuard() {

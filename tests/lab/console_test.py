@@ -19,12 +19,15 @@ CONTACT, LOCATION = SYSTEM + ".4.0", SYSTEM + ".6.0"
 LOCATION_TEXT = 'Hall "B", 2nd floor'
 WRITABLE, LETTER, MAC, ZERO, LONG = (f".1.3.6.1.4.1.5963.9.{last}.0" for last in range(1, 6))
 RESPONDERS = {"neta": "10.77.1.2", "netb": "10.77.2.2"}
+LONG_PASSWORD = 100 * "pqs"
 PAGE = TREE / "docs/vndiscover.md"
 REPEATS = 2 if HAS_WSDD else 1  # of each reply, as UDP may lose one
 CONF = f"""{AGENT_CONF}
 rwcommunity secret
 rwcommunity6 secret
 syslocation {LOCATION_TEXT}
+createUser patient SHA-256 {LONG_PASSWORD} AES privpass1
+rouser patient priv
 override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model 1"
 override -rw {WRITABLE} octet_str "ext. 41"
 override {LETTER} octet_str "A"
@@ -100,11 +103,12 @@ class Terminals(unittest.TestCase):
 
     def test_passwords_are_prompted_for_and_not_shown(self):
         code, screen, _ = run_on_terminal(
-            [("Authentication password: ", b"authpass1\r"), ("Privacy password: ", b"privpass1\r")],
-            "get", AGENT, LOCATION, *V3)
+            [("Authentication password: ", LONG_PASSWORD.encode() + b"\r"), ("Privacy password: ", b"privpass1\r")],
+            "get", AGENT, LOCATION, "--v3", "-u", "patient", "-a", "sha-256", "-x", "aes128")
         self.assertEqual(0, code, screen)
         self.assertIn("2nd floor", screen)
         self.assertNotIn("pass1", screen)
+        self.assertNotIn("pqs", screen)
 
 
 class Sweeps(unittest.TestCase):
@@ -118,7 +122,7 @@ class Sweeps(unittest.TestCase):
     def test_a_json_request_is_filled_in(self):
         path = Path(LAB, "request.json")
         request = {"DiscoverOID": SYSTEM + ".1.0", "GET": {LOCATION: "", ".1.3.9.9": "kept"}}
-        path.write_text(json.dumps(request, indent=8), encoding="utf-8")
+        path.write_text(70000 * " " + json.dumps(request, indent=8), encoding="utf-8")
         device = json.loads(found("sweep", "--ipv6", "--json", str(path), "--format", "json"))[0]
         request["GET"][LOCATION] = LOCATION_TEXT
         self.assertRegex(device["address"], "^fe80::1:[0-9]+$")  # it answers from any of its addresses
