@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstddef>
 
 namespace vndiscover::host {
 namespace {
@@ -12,7 +11,6 @@ constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
 constexpr wchar_t kValue[] = L"View";
 constexpr uint32_t kPresetCount = 3;
 constexpr int32_t kMaxWidth = 4000;
-constexpr DWORD kSizeWithoutHidden = offsetof(Settings, hidden);  // all columns were shown
 
 bool MakesSense(const Settings& settings) {
     std::array<int32_t, kColumnCount> sorted = settings.order;
@@ -32,8 +30,8 @@ std::optional<Settings> LoadSettings() {
     DWORD size = sizeof settings;
     const LSTATUS status =
         RegGetValueW(HKEY_CURRENT_USER, kKey, kValue, RRF_RT_REG_BINARY, nullptr, &settings, &size);
-    const bool isWhole = size == sizeof settings || size == kSizeWithoutHidden;
-    if (status != ERROR_SUCCESS || !isWhole || !MakesSense(settings)) return std::nullopt;
+    if (status != ERROR_SUCCESS || size != sizeof settings || !MakesSense(settings))
+        return std::nullopt;
     return settings;
 }
 

@@ -1,5 +1,4 @@
 #include "scripted_window.h"
-#include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {

@@ -3,10 +3,8 @@
 #include <thread>
 
 #include "model/doctor_text.h"
-#include "platform/wide_text.h"
 #include "scripted_window.h"
 #include "window/profiles.h"
-#include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {

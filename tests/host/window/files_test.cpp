@@ -1,11 +1,6 @@
 // The commands of the File menu after the user has chosen a file.
-#include <cstdio>
-#include <functional>
-
 #include "platform/saved_file.h"
-#include "platform/wide_text.h"
 #include "scripted_window.h"
-#include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {

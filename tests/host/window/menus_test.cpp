@@ -1,10 +1,5 @@
 // Context menus, copying, and the columns that the user chooses.
-#include <functional>
-#include <thread>
-
-#include "platform/wide_text.h"
 #include "scripted_window.h"
-#include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {
@@ -169,17 +164,6 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     EXPECT_EQ(L"MAC address;", Headings());
     Command(IDM_COLUMN + 4);
     EXPECT_EQ(L"MAC address;", Headings());
-}
-
-// Older versions showed all columns and did not keep which.
-TEST_F(Menus, OlderSettingsAreLoaded) {
-    int32_t old[22] = {0b11111, 2, 50, 51, 52, 53, 54, 55, 56, 57, 58,
-                       59,      9, 8,  7,  6,  5,  4,  3,  2,  1,  0};
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, old, sizeof old);
-    Open();
-    EXPECT_EQ(0u, Headings().find(L"Last seen;Network;"));
-    EXPECT_EQ(51, ListView_GetColumnWidth(Devices(), 1));
-    EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
-#include "platform/wide_text.h"
 #include "scripted_window.h"
-#include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {

@@ -44,36 +44,37 @@ bool Comes(Condition condition) {
     return condition();
 }
 
+class WorkersTest : public testing::Test {
+  protected:
+    // The engine waits in a reading.
+    void BeginReading() {
+        workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true);
+        ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
+    }
+    PatientEngine engine;
+    EventQueue events{[] {}};
+    Workers workers{engine, events};
+};
+
 // Even if the next device is asked before the worker has seen the stop, which must not stop that
 // one.
-TEST(Workers, StopEndsOnlyTheRunningReading) {
-    PatientEngine engine;
-    EventQueue events([] {});
-    Workers workers(engine, events);
-    workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true);
-    ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
+TEST_F(WorkersTest, StopEndsOnlyTheRunningReading) {
+    BeginReading();
     workers.Stop();
     workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 2; }));
     EXPECT_EQ(1, engine.ended);
 }
 
-TEST(Workers, ReportOnThisComputerWhileADeviceIsAsked) {
-    PatientEngine engine;
-    EventQueue events([] {});
-    Workers workers(engine, events);
-    workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true);
-    ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
+TEST_F(WorkersTest, ReportOnThisComputerWhileADeviceIsAsked) {
+    BeginReading();
     workers.LookAtAdapters();
     EXPECT_TRUE(Comes([&] { return engine.looks == 1; }));
     EXPECT_EQ(0, engine.ended);
 }
 
 // A walk may take hours, and the selected device is asked for in between, others after it.
-TEST(Workers, SelectedDeviceIsAskedDuringAWalk) {
-    PatientEngine engine;
-    EventQueue events([] {});
-    Workers workers(engine, events);
+TEST_F(WorkersTest, SelectedDeviceIsAskedDuringAWalk) {
     workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, 1);
     ASSERT_TRUE(Comes([&] { return engine.walks == 1; }));
     workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, false);
@@ -90,12 +91,8 @@ TEST(Workers, SelectedDeviceIsAskedDuringAWalk) {
 }
 
 // Otherwise its window would wait for ever.
-TEST(Workers, WalkThatHasNotBegunTellsThatItIsDropped) {
-    PatientEngine engine;
-    EventQueue events([] {});
-    Workers workers(engine, events);
-    workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true);
-    ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
+TEST_F(WorkersTest, WalkThatHasNotBegunTellsThatItIsDropped) {
+    BeginReading();
     for (const unsigned walk : {1, 2}) {
         workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, walk);
         events.Drain();
