@@ -120,30 +120,32 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
         Press(dialog, IDCANCEL);
     });
     DeleteProfile(L"Lab");
-    // Saved settings of the window are not part of this test.
-    CheckDlgButton(window_->Handle(), IDC_V3, BST_UNCHECKED);
-    CheckDlgButton(window_->Handle(), IDC_V1, BST_CHECKED);
 }
 
 // A sweep cannot tell refusal from silence; asking the device again can.
 TEST_F(Dialogs, ReasonOfARefusalIsShown) {
-    Open();
+    OpenWith({{"fe80::1", "x"}});
     PlayDialog([](HWND dialog) {
         TypeUser(dialog);
         Press(dialog, IDOK);
     });
+    CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
+    CheckDlgButton(window_->Handle(), IDC_V1, BST_UNCHECKED);
     Command(IDC_FIND);
-    engine_.Say("10.77.1.1", "x");
-    ASSERT_TRUE(Shows(L"10.77.1.1;"));
+    ASSERT_TRUE(Until([&] { return engine_.sweeps == 2; }));
+    Command(IDC_FIND);
+    ASSERT_TRUE(Ends());
     Select(0);
     ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     Command(IDM_NEXT_PAGE);
-    EXPECT_EQ(L"not asked", CellOf(Control(IDC_TABLE), 1, 1));
+    const auto line = [list = Control(IDC_TABLE)](int row) {
+        return CellOf(list, row, 0) + L": " + CellOf(list, row, 1);
+    };
+    EXPECT_EQ(L"SNMPv1, IPv6: answered", line(1));
+    EXPECT_EQ(L"SNMPv3: " + Text(IDS_PROTOCOL_SILENT_V3), line(2));
     Command(IDM_ASK);
-    EXPECT_TRUE(Until([&] { return CellOf(Control(IDC_TABLE), 1, 1) == L"refused: wrong user"; }));
+    EXPECT_TRUE(Until([&] { return line(3) == L"SNMPv3, IPv6: refused: wrong user"; }));
     EXPECT_EQ(3, engine_.reads);
-    Command(IDC_FIND);
-    EXPECT_TRUE(Ends());
 }
 
 TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
