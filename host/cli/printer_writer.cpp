@@ -98,8 +98,10 @@ void AddGaps(Lines& lines, const PrinterFacts& facts) {
             }
         }
         std::string line;
-        for (const auto& [subject, objects] : parts)
-            line = Joined(line, ", ", subject + (objects.empty() ? "" : " (" + objects + ")"));
+        for (const auto& [subject, objects] : parts) {
+            line.append(line.empty() ? "" : ", ").append(subject);
+            if (!objects.empty()) line.append(" (").append(objects).append(")");
+        }
         lines.Add("Not read", line.append(": ").append(reason));
     }
 }
