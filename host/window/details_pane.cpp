@@ -26,8 +26,8 @@ void DetailsPane::Create(HWND parent) {
         SendMessageW(tabs_, TCM_INSERTITEMW, index++, reinterpret_cast<LPARAM>(&tab));
     }
     facts_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
-    ShowWindow(facts_.Handle(), SW_SHOW);
     table_.Create(parent, IDC_TABLE);
+    ShowWindow(table_.Handle(), SW_HIDE);
 }
 
 void DetailsPane::Show() {

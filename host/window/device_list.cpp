@@ -14,7 +14,6 @@ namespace vndiscover::host {
 
 void DeviceList::Create(HWND parent) {
     list_ = MakeList(parent, IDC_DEVICES, Text(IDS_DEVICES), LVS_EX_HEADERDRAGDROP);
-    ShowWindow(list_, SW_SHOW);
     columns_.Use(list_);
 }
 

@@ -5,11 +5,12 @@
 namespace vndiscover::host {
 
 HWND MakeList(HWND parent, int id, const std::wstring& name, DWORD extended) {
-    const HWND list = CreateWindowExW(
-        WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
-        WS_CHILD | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS, 0,
-        0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-        GetModuleHandleW(nullptr), nullptr);
+    const HWND list =
+        CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
+                        WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
+                            LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                        0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                        GetModuleHandleW(nullptr), nullptr);
     StyleList(list, extended);
     return list;
 }

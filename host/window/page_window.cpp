@@ -26,7 +26,6 @@ class Page {
                                   GetModuleHandleW(nullptr), nullptr);
         if (!window_) return nullptr;
         list_.Create(window_, IDC_DETAILS, title);
-        ShowWindow(list_.Handle(), SW_SHOW);
         SetDpi(dpi);
         list_.Show(std::move(facts));
         SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
