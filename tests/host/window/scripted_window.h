@@ -94,7 +94,7 @@ class ScriptedEngine : public Engine {
         device.Text(".1.3.6.1.2.1.1.99.0", "unnamed");
         Asker asker = device.MakeAsker();
         asker.mayGoOn = std::move(mayGoOn);
-        asker.getNext = [this, &device, ask = std::move(asker.getNext)](const Oid& oid) {
+        asker.getNext = [this, ask = std::move(asker.getNext)](const Oid& oid) {
             Sleep(1);
             const Oid& column = OidOf("ifDescr");
             Call call;
