@@ -115,5 +115,5 @@ int main(int argc, char** argv) {
     }
     if (WaitForSingleObject(process.hProcess, 0) != WAIT_OBJECT_0)
         TerminateProcess(process.hProcess, 1);
-    return isOver && devices == std::atoi(argv[1]) ? 0 : 1;
+    return isOver && devices == std::strtol(argv[1], nullptr, 10) ? 0 : 1;
 }

@@ -46,6 +46,7 @@ std::vector<Interface> InterfacesOf(const PrinterAnswers& answers) {
         }
     }
     std::vector<Interface> interfaces;
+    interfaces.reserve(rows.size());
     for (auto& [index, row] : rows) interfaces.push_back(std::move(row));
     return interfaces;
 }

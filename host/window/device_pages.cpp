@@ -31,7 +31,8 @@ std::wstring ValueText(const AnswerLine& line) {
 
 std::wstring StateText(const ProtocolLine& line) {
     const auto state = static_cast<unsigned>(line.state);
-    const std::wstring text = Text(IDS_PROTOCOL_ANSWERED + state), note = ToWide(line.note);
+    std::wstring text = Text(IDS_PROTOCOL_ANSWERED + state);
+    std::wstring note = ToWide(line.note);
     switch (line.state) {
         case ProtocolState::kRefused:
         case ProtocolState::kNotAsked:
@@ -56,8 +57,9 @@ TableRows ProtocolRows(const Session& session, const DeviceRow& row) {
             return other.kind == line.kind && other.useIPv6;
         });
         const std::wstring version = Text(line.useIPv6 ? IDS_PROTOCOL_IPV6 : IDS_PROTOCOL_IPV4);
-        const std::wstring name = ProtocolName(line.kind);
-        rows.push_back({isTwofold ? name + L", " + version : name, StateText(line)});
+        std::wstring name = ProtocolName(line.kind);
+        if (isTwofold) name.append(L", ").append(version);
+        rows.push_back({name, StateText(line)});
     }
     return rows;
 }
