@@ -47,10 +47,9 @@ std::string UnusedPath(const std::string& path) {
     return path + "." + std::to_string(number);
 }
 
-// The scan in the file, if there is one, and this run's.
+// The scan in the file and this run's.
 std::optional<std::string> Appended(const std::string& path, const Scan& more,
                                     std::string& problem) {
-    if (!FileExists(path)) return WriteScan(more, problem);
     try {
         Scan whole = LoadScan(path, "--save");
         AddTo(whole, more);
@@ -141,8 +140,9 @@ void ScanKeeper::Save() const {
     const CompletionGuard guard;  // one Ctrl-C may have ended the sweep before
     std::string path = options_.path, note, problem;
     // The file is read again: another run may have added to it meanwhile.
-    auto text = options_.append ? Appended(path, scan_, problem) : std::nullopt;
-    if (options_.append && !text) {
+    const bool isAdded = options_.append && FileExists(path);
+    auto text = isAdded ? Appended(path, scan_, problem) : std::nullopt;
+    if (isAdded && !text) {
         path = UnusedPath(options_.path);
         note = "'" + options_.path + "' stays as it was: " + problem +
                "; this run's answers are in '" + path + "'";
