@@ -2,12 +2,14 @@
 
 #include <atomic>
 #include <cstdio>
+#include <stdexcept>
 
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
 #include "model/device_writer.h"
 #include "model/json_request.h"
 #include "platform/console.h"
+#include "platform/error_text.h"
 #include "platform/result_window.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
@@ -167,11 +169,15 @@ class CsvFile {
     void Write(const std::string& row) {
         if (!file_) return;
         std::fwrite(row.data(), 1, row.size(), file_);
-        std::fflush(file_);  // keeps the line even if the process is terminated
+        // Keeps the line even if the process is terminated.
+        if (std::fflush(file_) != 0 && problem_.empty()) problem_ = ErrorText(GetLastError());
     }
+    // Why rows are missing; empty if none are.
+    const std::string& Problem() const { return problem_; }
 
   private:
     FILE* file_;
+    std::string problem_;
 };
 
 void BeginScan(ScanKeeper& keeper, const SweepOptions& options, const Sweep& sweep) {
@@ -224,6 +230,8 @@ int RunSweep(const SweepOptions& options) {
     }
     Print(writer.End());
     AskAndSave(keeper, options, isStopped, std::move(security));
+    if (!csv.Problem().empty())
+        throw std::runtime_error("'" + options.csvPath + "' is incomplete" + csv.Problem());
     if (devices == 0) Warn(std::string("no device answered") + kDoctorHint);
     return devices > 0 ? kFound : kNone;
 }

@@ -235,6 +235,9 @@ class DirectedRequests(unittest.TestCase):
             done = subprocess.run(on_host("ipv6"), stdin=subprocess.DEVNULL, stdout=full, stderr=subprocess.PIPE, check=False)
         self.assertEqual(1, done.returncode)
         self.assertIn(b"the disk is full", done.stderr)
+        code, _, err = run("sweep", *V3, "--csv", "/dev/full", **SECRETS)
+        self.assertEqual(1, code)
+        self.assertIn("'/dev/full' is incomplete (the disk is full", err)
 
 
 def start_responders():
