@@ -182,7 +182,7 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
         SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_PROFILE, CBN_SELCHANGE), 0);
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         PostMessageW(dialog, WM_COMMAND, IDS_PROFILE_DELETE, 0);
-        SendMessageW(NextPopupOf(dialog), WM_COMMAND, IDYES, 0);
+        PressUntilGone(NextPopupOf(dialog), IDYES);
         Press(dialog, IDCANCEL);
     });
     EXPECT_TRUE(ProfileNames().empty());

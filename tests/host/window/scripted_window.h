@@ -164,14 +164,26 @@ inline HWND PopupOf(HWND owner) {
     return nullptr;
 }
 
-// The popup that another thread shows next, other than `known`; null if there is none.
-inline HWND NextPopupOf(HWND owner, HWND known = nullptr) {
+// The dialog that another thread shows next; null if there is none.
+inline HWND NextPopupOf(HWND owner) {
     HWND popup = nullptr;
-    for (int wait = 0; wait < 500 && (!popup || popup == known); ++wait) {
+    for (int wait = 0; wait < 500 && !popup; ++wait) {
         Sleep(10);
         popup = IsWindowEnabled(owner) ? nullptr : PopupOf(owner);
     }
     return popup;
+}
+
+// Again and again, since a dialog that is still being made ignores it. One without this button is
+// cancelled.
+inline void PressUntilGone(HWND dialog, int button) {
+    constexpr int kTries = 500;
+    for (int tries = 0; IsWindow(dialog); ++tries) {
+        EXPECT_NE(kTries, tries) << "not closed by " << button;
+        SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(tries < kTries ? button : IDCANCEL),
+                     0);
+        Sleep(10);
+    }
 }
 
 // The text on the clipboard, which is then empty.
@@ -258,20 +270,32 @@ class MainWindowTest : public testing::Test {
     // Returns the text of the last one.
     std::string Answer(const std::vector<int>& buttons, const std::function<void()>& action) {
         std::string text;
+        std::atomic<bool> isOver{false};
         std::thread user([&, owner = window_->Handle(), other = PopupOf(window_->Handle())] {
-            // A window with a dialog cannot be closed, whose caller goes on with it.
+            const auto next = [&] {
+                HWND box = nullptr;
+                while (!isOver && (!box || box == other)) {
+                    Sleep(10);
+                    box = IsWindowEnabled(owner) ? nullptr : PopupOf(owner);
+                }
+                return isOver ? nullptr : box;
+            };
             for (const int button : buttons) {
-                const HWND box = NextPopupOf(owner, other);
+                const HWND box = next();
+                EXPECT_TRUE(box) << "none is shown for " << button;
+                if (!box) return;
+                // A window with a dialog cannot be closed, whose caller goes on with it.
                 SendMessageW(owner, WM_CLOSE, 0, 0);
                 text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
-                // Again, since one that is still being made ignores it.
-                for (int wait = 0; wait < 500 && IsWindow(box); ++wait) {
-                    SendMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
-                    Sleep(10);
-                }
+                PressUntilGone(box, button);
+            }
+            while (const HWND box = next()) {
+                ADD_FAILURE() << "one more is shown";
+                PressUntilGone(box, IDCANCEL);
             }
         });
         action();
+        isOver = true;
         user.join();
         return text;
     }
