@@ -150,7 +150,8 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
             return 0;
         case kCopied:
-            if (!wParam) note_ = Text(IDS_NOT_COPIED);
+            note_ = wParam ? L"" : Text(IDS_NOT_COPIED);
+            shownNote_.clear();  // the same one is shown again
             ShowStatus();
             return 0;
         case WM_QUERYENDSESSION:
@@ -318,6 +319,7 @@ void MainWindow::OnCommand(int id, int code) {
     }
     if (isFromControl && id != IDC_FIND && id != IDCANCEL) return;
     note_.clear();
+    shownNote_.clear();
     const DeviceRow* row = session_.view.SelectedRow();
     for (const FileCommand& command : kFileCommands) {
         if (id == command.id && (id != IDM_OPEN || MayReplaceScan())) WithPath(command);

@@ -122,6 +122,8 @@ TEST_F(Menus, DetailsAreCopied) {
     Press(details, 'C', false);
     EXPECT_EQ(Text(IDS_NOT_COPIED), TextOf(Control(IDC_STATUS)));
     CloseClipboard();
+    Press(details, 'C', false);
+    EXPECT_NE(Text(IDS_NOT_COPIED), TextOf(Control(IDC_STATUS)));
 }
 
 TEST_F(Menus, ColumnsAreChosenAndKept) {
