@@ -156,22 +156,24 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         case WM_QUERYENDSESSION:
             return MayClose();
-        case WM_CLOSE:
+        case WM_CLOSE: {
             if (!MayClose()) return 0;
+            const bool willSave = WillSave();
             // The window disappears at once, although a request may take up to 12 s more.
             ShowOwnedPopups(window_, FALSE);
             ShowWindow(window_, SW_HIDE);
             StoreSettings();
             workers_.reset();
-            for (const Event& event : events_.Drain()) {
-                session_.Take(event);
-                answers_ += event.kind == Event::kAnswer;
-            }
-            if (isSweeping_) EndStartSweep();  // with the answers until now
+            EndEarly();
+            if (willSave) MayDropScan();  // asks for another file if that one cannot be written
             DestroyWindow(window_);
             return 0;
+        }
         case WM_ENDSESSION:
-            if (wParam) StoreSettings();  // the process may end right after this
+            if (!wParam) return 0;
+            // The process may end right after this.
+            StoreSettings();
+            if (WillSave()) EndEarly();
             return 0;
         case WM_DESTROY:
             SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
@@ -619,6 +621,15 @@ void MainWindow::EndStartSweep() {
     if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kNone;
 }
 
+// With the answers until now.
+void MainWindow::EndEarly() {
+    for (const Event& event : events_.Drain()) {
+        session_.Take(event);
+        answers_ += event.kind == Event::kAnswer;
+    }
+    if (isSweeping_) EndStartSweep();
+}
+
 std::wstring MainWindow::StatusText() const {
     const auto seconds = [](ULONGLONG ms) { return std::to_wstring(ms / 1000); };
     const ULONGLONG now = GetTickCount64();
@@ -669,8 +680,12 @@ bool MainWindow::MayDropScan() {
 
 // Not while a dialog is open, whose caller would go on without the window.
 bool MainWindow::MayClose() {
-    const bool willSave = options_.sweep && !options_.savePath.empty();
-    return IsWindowEnabled(window_) && (willSave || MayDropScan());
+    return IsWindowEnabled(window_) && (WillSave() || MayDropScan());
+}
+
+// Whether the running sweep is that of the command line, whose answers are saved.
+bool MainWindow::WillSave() const {
+    return isSweeping_ && options_.sweep && !options_.savePath.empty();
 }
 
 bool MainWindow::OpenFrom(const std::string& path) {

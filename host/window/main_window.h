@@ -89,6 +89,7 @@ class MainWindow {
     void OnFrame();
     void OnSwept();
     void EndStartSweep();
+    void EndEarly();
     void ShowRows();
     void ShowStatus();
     std::wstring StatusText() const;
@@ -97,6 +98,7 @@ class MainWindow {
     bool MayReplaceScan();
     bool MayDropScan();
     bool MayClose();
+    bool WillSave() const;
     void CopyCell(Column column);
     void OpenWebPage();
     void ShowPage(const std::wstring& title, std::vector<Fact> facts);

@@ -97,9 +97,23 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     Open(options);
     engine_.Say("10.77.1.9", "VN InkLine 70");
     ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    // Also if the user logs off.
+    EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
+    SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
+    EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
+    Open(options);
+    engine_.Say("10.77.1.9", "VN InkLine 71");
+    ASSERT_TRUE(Shows(L"10.77.1.9;"));
     PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0, window_->Run());
-    EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
+    EXPECT_NE(std::string::npos, FileText().find("VN InkLine 71"));
+    // A second file is asked for if that one cannot be written.
+    options.savePath = path_ + "\\none";
+    Open(options);
+    engine_.Say("10.77.1.9", "VN InkLine 72");
+    ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    Answer({IDOK, IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+    EXPECT_FALSE(window_->Handle());
 }
 
 TEST_F(Files, ScriptSweepsSavesAndExits) {
