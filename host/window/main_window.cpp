@@ -666,6 +666,7 @@ bool MainWindow::Complain(const std::wstring& text) {
 
 // False if it must stay: the user was told why, or wants it.
 bool MainWindow::MayReplaceScan() {
+    OnFrame();  // what the workers have told until now
     const bool isFilled = isSweeping_ || !asked_.empty() || workers_->Waiting() != 0;
     if (isFilled) Tell(window_, Text(IDS_AWAITS_ANSWERS), false);
     return !isFilled && MayDropScan();

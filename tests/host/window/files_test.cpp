@@ -84,6 +84,13 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
         EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_ANSWERS)), Answer({IDOK}, [&] { Command(id); }));
     Command(IDC_FIND);
     ASSERT_TRUE(Ends());
+    // Also while it is only about to be told that a device is asked.
+    engine_.isHeld = true;
+    Select(0);
+    while (engine_.reads == 0) Sleep(1);
+    EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_ANSWERS)), Answer({IDOK}, clear));
+    engine_.isHeld = false;
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
     Answer({IDNO}, clear);
     EXPECT_EQ(L"", Addresses());
     close();
