@@ -168,9 +168,11 @@ class CsvFile {
     CsvFile& operator=(const CsvFile&) = delete;
     void Write(const std::string& row) {
         if (!file_) return;
-        std::fwrite(row.data(), 1, row.size(), file_);
+        // A row of 4 KB or more is not buffered, so flushing does not tell that it failed.
+        bool isWritten = std::fwrite(row.data(), 1, row.size(), file_) == row.size();
         // Keeps the line even if the process is terminated.
-        if (std::fflush(file_) != 0 && problem_.empty()) problem_ = ErrorText(GetLastError());
+        if (std::fflush(file_) != 0) isWritten = false;
+        if (!isWritten && problem_.empty()) problem_ = ErrorText(GetLastError());
     }
     // Why rows are missing; empty if none are.
     const std::string& Problem() const { return problem_; }
