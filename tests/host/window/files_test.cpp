@@ -87,7 +87,7 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     // Also while it is only about to be told that a device is asked.
     engine_.isHeld = true;
     Select(0);
-    while (engine_.reads == 0) Sleep(1);
+    for (int wait = 0; wait < 1000 && engine_.reads == 0; ++wait) Sleep(10);
     EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_ANSWERS)), Answer({IDOK}, clear));
     engine_.isHeld = false;
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));

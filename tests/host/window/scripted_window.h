@@ -238,6 +238,8 @@ inline std::wstring CellOf(HWND list, int row, int column) {
 
 class MainWindowTest : public testing::Test {
   protected:
+    // The window waits for its readings, also after a failure that left one held.
+    ~MainWindowTest() override { engine_.isHeld = false; }
     void Open(StartOptions options = {}) {
         window_.reset();
         MSG quit;  // from the previous window; it would end a dialog at once
