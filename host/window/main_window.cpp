@@ -680,9 +680,7 @@ bool MainWindow::MayDropScan() {
 }
 
 // Not while a dialog is open, whose caller would go on without the window.
-bool MainWindow::MayClose() {
-    return IsWindowEnabled(window_) && (WillSave() || MayDropScan());
-}
+bool MainWindow::MayClose() { return IsWindowEnabled(window_) && (WillSave() || MayDropScan()); }
 
 // Whether the running sweep is that of the command line, whose answers are saved.
 bool MainWindow::WillSave() const {
