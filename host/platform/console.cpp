@@ -54,9 +54,13 @@ void RestoreConsole() {
         SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
 }
 
-// Without waiting for the output: a pipe may be full.
+// Waits half a second for other output at most: a pipe may be full.
 void TellOfCompletion() {
-    const std::unique_lock<std::mutex> lock(g_outputMutex, std::try_to_lock);
+    std::unique_lock<std::mutex> lock(g_outputMutex, std::try_to_lock);
+    for (int wait = 0; wait < 50 && !lock; ++wait) {
+        Sleep(10);
+        (void)lock.try_lock();
+    }
     if (lock) Write(STD_ERROR_HANDLE, "vndiscover: saving first (Ctrl-C again ends at once)\n");
 }
 
