@@ -66,7 +66,14 @@ if [ ! -e "$layer/ready" ]; then
         # Started here, the server and Wine's services stay. Otherwise they would end with a program, and the next one
         # would fail if started at that moment; and they would keep the first one's output pipes open.
         ip netns exec "$netns" "$(dirname "$WINE")/wineserver64" --persistent </dev/null >/dev/null 2>&1 9>&-
-        ip netns exec "$netns" "$WINE" cmd /c exit </dev/null >/dev/null 2>&1 9>&-
+        # On a busy machine the very first program now and then fails to start.
+        for attempt in 1 2 3 none; do
+            [ "$attempt" != none ] || {
+                echo "wine-run.sh: Wine does not start" >&2
+                exit 2
+            }
+            ! ip netns exec "$netns" "$WINE" cmd /c exit </dev/null >/dev/null 2>&1 9>&- || break
+        done
         touch "$layer/ready"
     fi
     exec 9>&-
