@@ -1,8 +1,8 @@
 // vndiscover_window_watch.exe DEVICES: starts the VnBrowser.exe beside it with a sweep and asks its
 // window every 50 ms for an answer, until the sweep is over. Prints a line of JSON: the devices in
-// the list, how often the window was asked, and its longest time to answer, in milliseconds; and,
-// on failure, the window's status on the error output. Exit codes: 0 DEVICES devices are shown,
-// 1 fewer or more, or the window did not answer.
+// the list, how often the window was asked, how often before it showed the first device, and its
+// longest time to answer, in milliseconds; and, on failure, the window's status on the error
+// output. Exit codes: 0 DEVICES devices are shown, 1 fewer or more, or the window did not answer.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -51,14 +51,16 @@ class Watch {
             if (!Ask(window_, WM_NULL, result) || !Ask(list_, LVM_GETITEMCOUNT, result))
                 return false;
             devices = static_cast<int>(result);
+            if (devices == 0) askedWhenEmpty_ = asked_;
             isOver = devices != 0 && CanFind();
         }
         return isOver;
     }
 
     void Print(int devices) const {
-        std::printf("{\"devices\": %d, \"asked\": %d, \"worst_ms\": %.1f}\n", devices, asked_,
-                    worstMs_);
+        std::printf(
+            "{\"devices\": %d, \"asked\": %d, \"asked_when_empty\": %d, \"worst_ms\": %.1f}\n",
+            devices, asked_, askedWhenEmpty_, worstMs_);
     }
 
     std::wstring TextOf(int control) {
@@ -72,7 +74,7 @@ class Watch {
     bool CanFind() { return TextOf(IDC_FIND) == L"Fi&nd"; }
 
     HWND window_, list_;
-    int asked_ = 0;
+    int asked_ = 0, askedWhenEmpty_ = 0;
     double worstMs_ = 0;
 };
 

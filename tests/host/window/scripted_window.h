@@ -306,11 +306,14 @@ class MainWindowTest : public testing::Test {
     template <class Condition>
     bool Until(Condition condition) {
         const ULONGLONG end = GetTickCount64() + kPatienceMs;
-        while (!condition()) {
+        while (!condition()) {  // also while there is always one more message
             MSG message;
-            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) window_->Dispatch(message);
             if (GetTickCount64() > end) return false;
-            Sleep(5);
+            if (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+                window_->Dispatch(message);
+            } else {
+                Sleep(5);
+            }
         }
         return true;
     }
