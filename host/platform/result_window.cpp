@@ -1,5 +1,6 @@
 #include "platform/result_window.h"
 
+#include <mutex>
 #include <stdexcept>
 
 namespace vndiscover::host {
@@ -10,7 +11,13 @@ ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
     description.lpfnWndProc = Procedure;
     description.hInstance = GetModuleHandleW(nullptr);
     description.lpszClassName = kClass;
-    RegisterClassW(&description);  // fails harmlessly if it is already registered
+    {
+        // Fails harmlessly if it is already registered. Under Wine it may fail before another
+        // thread's registration is complete; that thread's window could be created, this one's not.
+        static std::mutex registering;
+        const std::lock_guard<std::mutex> lock(registering);
+        RegisterClassW(&description);
+    }
     window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                               description.hInstance, nullptr);
     // Without it a sweep would find nothing.

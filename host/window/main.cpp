@@ -4,7 +4,8 @@
 //
 // With --profile, SNMPv3 is used too, with the user that the window has saved under that name. With
 // --exit, no window is shown, and problems go to the error output. Exit codes: 0 devices answered,
-// 1 none, or the file could not be saved, 2 wrong usage, or the profile could not be opened.
+// 1 none, or the file could not be saved, 2 wrong usage, or the profile could not be opened, or a
+// sweep failed.
 #include <windows.h>
 
 #include <algorithm>

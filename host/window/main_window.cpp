@@ -593,7 +593,9 @@ void MainWindow::OnFrame() {
         if (event.kind == Event::kCalled) calls_.Add(event.call);
         if (event.kind == Event::kReport) note_.clear();
         doctor_.Take(event, window_);
-        if (event.kind == Event::kSweepEnded) isOver = --sweepsLeft_ == 0;
+        if (event.kind != Event::kSweepEnded) continue;
+        isOver = --sweepsLeft_ == 0;
+        if (!event.problem.empty()) sweepProblem_ = Text(IDS_SWEEP_FAILED, {ToWide(event.problem)});
     }
     if (session_.Refresh()) ShowRows();
     calls_.Refresh();
@@ -611,6 +613,7 @@ void MainWindow::OnSwept() {
     InvalidateRect(devices_.Handle(), nullptr, TRUE);
     details_.Show();  // protocols are no longer pending
     EndStartSweep();
+    if (!sweepProblem_.empty()) Complain(std::exchange(sweepProblem_, L""));
     if (wasStart && options_.exit) PostMessageW(window_, WM_CLOSE, 0, 0);
 }
 
@@ -619,6 +622,7 @@ void MainWindow::EndStartSweep() {
     if (!std::exchange(options_.sweep, false)) return;
     exitCode_ = answers_ != 0 ? kFound : kNone;
     if (!options_.savePath.empty() && !SaveTo(options_.savePath)) exitCode_ = kNone;
+    if (!sweepProblem_.empty()) exitCode_ = kFailed;
 }
 
 // With the answers until now.

@@ -119,6 +119,7 @@ class MainWindow {
     bool isSweeping_ = false, isStopping_ = false, wasSwept_ = false, isStopped_ = false;
     ULONGLONG startMs_ = 0, endMs_ = 0, askStartMs_ = 0;
     size_t sweepsLeft_ = 0;                    // steps of the running one
+    std::wstring sweepProblem_;                // likewise
     size_t sweptAddresses_ = 0, answers_ = 0;  // of the last sweep
     std::string asked_;                        // the address that is being asked; empty: none
     std::string walked_;                       // likewise

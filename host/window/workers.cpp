@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
+#include <new>
 
 #include "platform/saved_file.h"
 
@@ -27,12 +29,13 @@ Workers::Workers(Engine& engine, EventQueue& events) : engine_(engine), events_(
 }
 
 // Of a job that is a sweep.
-void Workers::TellEnd(const Job& job) {
+void Workers::TellEnd(const Job& job, const std::string& problem) {
     if (job.task != Task::kSweep) return;
     Event event;
     event.kind = Event::kSweepEnded;
     event.worker = job.step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
     event.step = job.step;
+    event.problem = problem;
     events_.Push(std::move(event));
 }
 
@@ -216,12 +219,15 @@ void Workers::Run(WorkerId worker) {
         Job job = TakeFirst(line);
         line.isRunning = true;
         lock.unlock();
+        std::string problem;
         try {
             Do(worker, job);
-        } catch (...) {
-            // Out of memory: keep the answers received so far.
+        } catch (const std::bad_alloc&) {
+            problem = "out of memory";  // the answers received so far are kept
+        } catch (const std::exception& error) {
+            problem = error.what();
         }
-        TellEnd(job);
+        TellEnd(job, problem);
         lock.lock();
         line.isRunning = false;
         const bool isIdle = line.jobs.empty();

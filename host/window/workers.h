@@ -27,7 +27,7 @@ struct Event {
     enum Kind {
         kSweepBegan,      // step
         kAnswer,          // address, bytes
-        kSweepEnded,      // step; also for one that was dropped before it began
+        kSweepEnded,      // step, problem; also for one that was dropped before it began
         kAskBegan,        // step.kind, address
         kAsked,           // step.kind, address, read
         kWalkBegan,       // walk, address
@@ -45,6 +45,7 @@ struct Event {
     std::string time;
     SweepStep step;
     std::string address, bytes;
+    std::string problem;  // why it failed; empty: it did not
     PrinterAnswers read;
     unsigned walk = 0;
     Answer variable;
@@ -128,7 +129,7 @@ class Workers {
     void DropWalks();
     void DoDiagnosis(const Job& job, Event event);
     void Tell(Call call);
-    void TellEnd(const Job& job);
+    void TellEnd(const Job& job, const std::string& problem = "");
 
     Engine& engine_;
     EventQueue& events_;

@@ -35,6 +35,19 @@ TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
     }
 }
 
+TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
+    engine_.failure = "no window";
+    Open();
+    EXPECT_EQ("A sweep did not run to its end: no window", Answer({IDOK}, [&] {
+                  Command(IDC_FIND);
+                  EXPECT_TRUE(Ends());
+              }));
+    StartOptions options;
+    options.sweep = options.exit = true;
+    Open(options);
+    EXPECT_EQ(2, window_->Run());
+}
+
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));

@@ -14,6 +14,7 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -37,6 +38,7 @@ class ScriptedEngine : public Engine {
         if (step.kind == SweepKind::kWsd) return;
         ++sweeps;
         lastStep = step;
+        if (failure) throw std::runtime_error(failure);
         std::unique_lock<std::mutex> lock(mutex_);
         isInSweep_ = isInSweep = true;
         while (true) {
@@ -141,7 +143,8 @@ class ScriptedEngine : public Engine {
     std::atomic<bool> isInSweep{false}, isReleased{false};
     std::atomic<bool> isHeld{false};  // a reading
     std::function<void()> onStop;
-    SweepStep lastStep;  // may be read once the sweep is over
+    const char* failure = nullptr;  // of each sweep
+    SweepStep lastStep;             // may be read once the sweep is over
 
   private:
     std::mutex mutex_;

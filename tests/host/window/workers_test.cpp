@@ -4,6 +4,8 @@
 
 #include <chrono>
 
+#include "platform/result_window.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -108,6 +110,21 @@ TEST_F(WorkersTest, WalkThatHasNotBegunTellsThatItIsDropped) {
         EXPECT_EQ(walk, dropped);
     }
     EXPECT_EQ(0, engine.walks);
+}
+
+// Of sweeps that begin at the same time, no other one having registered the type of the windows.
+TEST(ResultWindows, AreCreatedByThreadsAtTheSameTime) {
+    for (int round = 0; round < 50; ++round) {
+        std::atomic<int> ready{0};
+        const auto create = [&ready] {
+            for (++ready; ready < 4;) continue;
+            EXPECT_NO_THROW(ResultWindow([](const char*, const char*) {}));
+        };
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread) threads.emplace_back(create);
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_TRUE(UnregisterClassW(L"VnDiscoverResults", GetModuleHandleW(nullptr)));
+    }
 }
 
 }  // namespace
