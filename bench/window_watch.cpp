@@ -53,6 +53,8 @@ class Watch {
             devices = static_cast<int>(result);
             if (devices == 0) askedWhenEmpty_ = asked_;
             isOver = devices != 0 && CanFind();
+            // The last devices may have come in between.
+            if (isOver && Ask(list_, LVM_GETITEMCOUNT, result)) devices = static_cast<int>(result);
         }
         return isOver;
     }

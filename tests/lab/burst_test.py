@@ -5,10 +5,9 @@ import json
 import socket
 import subprocess
 import threading
-import time
 import unittest
 
-from lab import main, run, socket_in, start_in
+from lab import main, run, socket_in
 
 DEVICES = 8192
 FIRST = int.from_bytes(socket.inet_aton("10.80.0.1"), "big")
@@ -27,17 +26,10 @@ def answer(device):
     return tlv(0x30, HEAD + tlv(0xA2, TAIL + tlv(0x30, binding)))
 
 
-def unread(queues):
-    with open(queues, encoding="utf-8") as file:
-        return sum(int(line.split()[4].split(":")[1], 16) for line in list(file)[1:])
-
-
-def answer_each_request(devices, queues):
+def answer_each_request(devices):
     while True:
         _, sender = devices.recvfrom(2048)
         for device in range(DEVICES):
-            while device % 64 == 0 and unread(queues) > 100000:  # otherwise a slow machine drops the rest
-                time.sleep(0.001)
             own = (FIRST + device).to_bytes(4, "big")
             info = bytes(4) + own + bytes(4)
             devices.sendmsg([answer(device)], [(socket.IPPROTO_IP, IP_PKTINFO, info)], 0, sender)
@@ -60,8 +52,7 @@ def prepare():
         subprocess.run(["ip", *command], check=True)
     devices = socket_in("neta", socket.AF_INET)
     devices.bind(("255.255.255.255", 161))
-    queues = f"/proc/{start_in('host', 'sleep', 'infinity').pid}/net/udp"
-    threading.Thread(target=answer_each_request, args=[devices, queues], daemon=True).start()
+    threading.Thread(target=answer_each_request, args=[devices], daemon=True).start()
 
 
 if __name__ == "__main__":

@@ -104,7 +104,7 @@ def run_on_terminal(steps, *arguments):
             except OSError:  # the program has ended
                 break
             text = raw.decode("utf-8", "replace").replace("\x1b[K\x1b[1C", " ")
-            screen = re.sub(r"\x1b\[[?0-9;]*[A-Za-z]", "", text)
+            screen = re.sub(r"\x1b(\[[?0-9;]*([A-Za-z]|$)|$)", "", text)  # also one of which the rest is still to come
         # A password only once Wine has taken over the terminal: before that, the system would echo it.
         has_echo = termios.tcgetattr(terminal)[3] & termios.ECHO
         if steps and steps[0][0] in screen[seen:] and not (has_echo and "password" in steps[0][0]):
