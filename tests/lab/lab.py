@@ -74,8 +74,9 @@ def run(*arguments, program="vndiscover.exe", **environment):
     """Runs a program without a terminal. Returns exit code, standard output, standard error."""
     # Into files: Wine's services keep pipes open for two seconds after the program has ended.
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
-        done = subprocess.run(on_host(*arguments, program=program), stdin=subprocess.DEVNULL, stdout=out, stderr=err,
-                              timeout=120, env={**os.environ, **environment}, check=False)
+        # Python itself would wait for a limited time by asking again and again, in each of many tests.
+        done = subprocess.run(["timeout", "120", *on_host(*arguments, program=program)], stdin=subprocess.DEVNULL,
+                              stdout=out, stderr=err, env={**os.environ, **environment}, check=False)
         out.seek(0)
         err.seek(0)
         return done.returncode, out.read().decode().replace("\r\n", "\n"), err.read().decode()
@@ -98,7 +99,7 @@ def run_on_terminal(steps, *arguments):
     screen, raw, seen, steps = "", b"", 0, list(steps)
     typed = start = time.time()
     while time.time() - start < 60:
-        if select.select([terminal], [], [], 0.05)[0]:
+        if select.select([terminal], [], [], 0.5)[0]:
             try:
                 raw += os.read(terminal, 4096)
             except OSError:  # the program has ended
