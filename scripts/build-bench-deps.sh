@@ -11,7 +11,7 @@ BENCHMARK=$(LC_ALL=C apt-cache policy libbenchmark-dev | Candidate libbenchmark-
 RECIPE=1 # increase it when the steps below change their output
 key=$({
     echo "$RECIPE $BENCHMARK $CFLAGS"
-    "$CXX" --version | head -n 1
+    "$CXX" --version | sed -n 1p
 } | sha256sum | cut -c 1-16)
 prefix=$VNDISCOVER_CACHE/deps/benchmark-$TRIPLE-$key
 if [ ! -e "$prefix/versions.txt" ]; then

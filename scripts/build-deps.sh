@@ -22,7 +22,7 @@ done
 RECIPE=3
 key=$({
     echo "$RECIPE $CJSON $OPENSSL $PUGIXML $CLI11 $CFLAGS" $OPENSSL_OPTIONS
-    "$CC" --version | head -n 1
+    "$CC" --version | sed -n 1p
 } | sha256sum | cut -c 1-16)
 prefix=$VNDISCOVER_CACHE/deps/$TRIPLE-$key
 if [ -e "$prefix/versions.txt" ]; then

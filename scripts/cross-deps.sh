@@ -7,7 +7,7 @@ CXX=$(command -v $TRIPLE-g++-posix || command -v $TRIPLE-g++)
 CFLAGS="-O2 -ffunction-sections -fdata-sections"
 
 # The newest version of each package that apt knows, or the installed one if apt has no lists.
-Candidate() { awk -v package="$1:" '$1 == package { found = 1 } found && /Candidate:/ { print $2; exit }'; }
+Candidate() { awk -v package="$1:" '$1 == package { found = 1 } found && /Candidate:/ { print $2; found = 0 }'; }
 
 # Waits for other builds of dependencies. The lock is held until this process ends.
 LockDeps() {

@@ -44,7 +44,7 @@ command -v debootstrap >/dev/null || Die "debootstrap is missing: apt-get instal
 Archive() {
     # shellcheck disable=SC2016 # fields for apt
     apt-get indextargets --format '$(LABEL) $(REPO_URI)' 'Created-By: Packages' |
-        awk -v label="$1" '$1 == label { print $2; exit }'
+        awk -v label="$1" '$1 == label && !found++ { print $2 }'
 }
 mirror=$(Archive Debian)
 [ -n "$mirror" ] || Die "apt knows no Debian mirror: run apt-get update"

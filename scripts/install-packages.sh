@@ -40,9 +40,10 @@ export DEBIAN_FRONTEND=noninteractive
 Quietly apt-get -q update || Say "apt-get update failed; trying with the existing lists"
 # Candidate NAME...: the first that apt can install; if there is none, the first of all, for apt's message.
 Candidate() {
-    local name
+    local name policy
     for name in "$@"; do
-        if LC_ALL=C apt-cache policy "$name" | grep -q 'Candidate: [^(]'; then
+        policy=$(LC_ALL=C apt-cache policy "$name")
+        if [[ $policy = *'Candidate: '[!\(]* ]]; then
             echo "$name"
             return
         fi

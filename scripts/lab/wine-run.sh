@@ -41,7 +41,7 @@ layer=$VNDISCOVER_LAB/wine/$netns
 # rules keep packets from using it.
 ListIPv6Adapters() {
     local link
-    link=$(ip -n "$netns" -6 -oneline address show up scope link | awk '{ print $2; exit }')
+    link=$(ip -n "$netns" -6 -oneline address show up scope link | awk 'NR == 1 { print $2 }')
     [ -n "$link" ] || return 0
     ip -n "$netns" -6 -batch - <<END
 route add default via fe80::ffff dev $link metric 4000

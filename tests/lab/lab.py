@@ -63,7 +63,7 @@ def start_responder(net, address):
     else:
         start_in(net, "wsdd2", "-4", "-w", "-i", "eth0", "-N", "PRINTER", "-G", "GROUP")
     subprocess.run(["timeout", "30", "ip", "netns", "exec", net, "bash", "-c",
-                    "until ss -Hltn 'sport = 5357 or sport = 3702' | grep -q .; do sleep 0.05; done"], check=True)
+                    "until [ -n \"$(ss -Hltn 'sport = 5357 or sport = 3702')\" ]; do sleep 0.05; done"], check=True)
 
 
 def on_host(*arguments, program="vndiscover.exe"):
