@@ -14,6 +14,8 @@ PACKAGES=(
     # lab
     wine64 iproute2 snmpd snmp 'wsdd|wsdd2' tshark python3 util-linux
     mono-mcs libmono-system-windows-forms4.0-cil # compiles the C# that VnBrowser offers
+    # lint
+    clang-format pyflakes3
 )
 
 PACKAGES+=("$@") # further ones that most runs do not need
