@@ -8,6 +8,14 @@ target_compile_options(vndiscover_options INTERFACE ${VNDISCOVER_WARNINGS})
 target_include_directories(vndiscover_options INTERFACE ${PROJECT_SOURCE_DIR}/src
                                                         ${PROJECT_SOURCE_DIR}/include)
 
+# vndiscover_has_manifest(TARGET): for a program whose resources hold a manifest. Otherwise Visual C++'s linker embeds a
+# second one with the same number and then fails (CVT1100, LNK1123).
+function(vndiscover_has_manifest target)
+    if(MSVC)
+        target_link_options(${target} PRIVATE /MANIFEST:NO)
+    endif()
+endfunction()
+
 # A commit gives the same bytes in every folder: no absolute paths, no link times. A debugger needs the paths.
 if(NOT MSVC AND NOT CMAKE_BUILD_TYPE STREQUAL "Debug")
     add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.
