@@ -1,8 +1,7 @@
 // The commands of the program. Each adds itself to the command line and runs while it is parsed,
 // leaving the process's exit code in `exitCode`. Wrong usage that is found only then is thrown as
 // CLI::ValidationError.
-#ifndef VNDISCOVER_HOST_CLI_COMMANDS_H
-#define VNDISCOVER_HOST_CLI_COMMANDS_H
+#pragma once
 
 #include <CLI/CLI.hpp>
 #include <memory>
@@ -64,5 +63,3 @@ CLI::Option* AddFormat(CLI::App& command, Value& format,
 }
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_COMMANDS_H

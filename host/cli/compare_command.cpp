@@ -1,7 +1,7 @@
 #include "cli/compare_writer.h"
 #include "cli/device_options.h"
 #include "cli/scan_keeper.h"
-#include "model/device_merge.h"
+#include "model/scan/device_merge.h"
 #include "platform/console.h"
 
 namespace vndiscover::host {

@@ -1,10 +1,9 @@
 // The output of `compare`.
-#ifndef VNDISCOVER_HOST_CLI_COMPARE_WRITER_H
-#define VNDISCOVER_HOST_CLI_COMPARE_WRITER_H
+#pragma once
 
 #include <string>
 
-#include "model/compare.h"
+#include "model/scan/compare.h"
 
 namespace vndiscover::host {
 
@@ -18,5 +17,3 @@ std::string ComparisonText(const ComparedScans& scans);
 std::string ComparisonJson(const ComparedScans& scans);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_COMPARE_WRITER_H

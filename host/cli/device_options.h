@@ -1,6 +1,5 @@
 // Options of the commands that ask one device.
-#ifndef VNDISCOVER_HOST_CLI_DEVICE_OPTIONS_H
-#define VNDISCOVER_HOST_CLI_DEVICE_OPTIONS_H
+#pragma once
 
 #include <string>
 
@@ -33,5 +32,3 @@ Device OpenDevice(const DeviceOptions& options);
 int ExitCodeOf(Status status);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_DEVICE_OPTIONS_H

@@ -2,8 +2,8 @@
 
 #include "cli/device_options.h"
 #include "cli/variable_writer.h"
-#include "model/answer.h"
-#include "model/walk.h"
+#include "model/asking/answer.h"
+#include "model/asking/walk.h"
 #include "platform/console.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"

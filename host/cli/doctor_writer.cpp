@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "cli/labelled_lines.h"
-#include "model/doctor_text.h"
+#include "model/computer/doctor_text.h"
 #include "values/json_output.h"
 #include "values/plain_text.h"
 

@@ -1,12 +1,11 @@
 // The output of `vndiscover doctor`.
-#ifndef VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H
-#define VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H
+#pragma once
 
 #include <optional>
 #include <string>
 
-#include "model/computer_report.h"
-#include "model/host_diagnosis.h"
+#include "model/asking/host_diagnosis.h"
+#include "model/computer/computer_report.h"
 
 namespace vndiscover::host {
 
@@ -20,5 +19,3 @@ std::string HostJson(const HostDiagnosis& diagnosis, const std::optional<bool>& 
                      const std::string& host);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_DOCTOR_WRITER_H

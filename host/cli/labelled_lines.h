@@ -1,6 +1,5 @@
 // The text form of a report: labels on the left, contents on the right.
-#ifndef VNDISCOVER_HOST_CLI_LABELLED_LINES_H
-#define VNDISCOVER_HOST_CLI_LABELLED_LINES_H
+#pragma once
 
 #include <string>
 
@@ -24,5 +23,3 @@ class Lines {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_LABELLED_LINES_H

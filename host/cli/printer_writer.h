@@ -1,10 +1,9 @@
 // The report on a printer, for a person and for a program.
-#ifndef VNDISCOVER_HOST_CLI_PRINTER_WRITER_H
-#define VNDISCOVER_HOST_CLI_PRINTER_WRITER_H
+#pragma once
 
 #include <string>
 
-#include "model/printer_facts.h"
+#include "model/printer/printer_facts.h"
 
 namespace vndiscover::host {
 
@@ -15,5 +14,3 @@ std::string PrinterText(const PrinterFacts& facts, const std::string& upSince);
 std::string PrinterJson(const PrinterFacts& facts, const std::string& host);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_PRINTER_WRITER_H

@@ -6,7 +6,7 @@
 #include <atomic>
 #include <stdexcept>
 
-#include "model/device_merge.h"
+#include "model/scan/device_merge.h"
 #include "platform/console.h"
 #include "platform/saved_file.h"
 

@@ -1,6 +1,5 @@
 // --save and --append: saves the answers of this run to a file.
-#ifndef VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
-#define VNDISCOVER_HOST_CLI_SCAN_KEEPER_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -9,7 +8,7 @@
 
 #include "cli/commands.h"
 #include "device/device.h"
-#include "model/scan_file.h"
+#include "model/scan/scan_file.h"
 #include "platform/console.h"
 
 namespace vndiscover::host {
@@ -56,5 +55,3 @@ class ScanKeeper {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_SCAN_KEEPER_H

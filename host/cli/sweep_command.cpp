@@ -6,8 +6,8 @@
 
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
-#include "model/device_writer.h"
-#include "model/json_request.h"
+#include "model/asking/json_request.h"
+#include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "platform/error_text.h"
 #include "platform/result_window.h"

@@ -1,10 +1,9 @@
 // The output of directed requests: one line or JSON element for each variable, as it arrives.
-#ifndef VNDISCOVER_HOST_CLI_VARIABLE_WRITER_H
-#define VNDISCOVER_HOST_CLI_VARIABLE_WRITER_H
+#pragma once
 
 #include <string>
 
-#include "model/answer.h"
+#include "model/asking/answer.h"
 #include "values/json_output.h"
 
 namespace vndiscover::host {
@@ -31,5 +30,3 @@ class VariableWriter {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_CLI_VARIABLE_WRITER_H

@@ -1,13 +1,12 @@
 // One device, accessed through the exports for directed requests.
-#ifndef VNDISCOVER_HOST_DEVICE_DEVICE_H
-#define VNDISCOVER_HOST_DEVICE_DEVICE_H
+#pragma once
 
 #include <optional>
 #include <string>
 
 #include "device/security.h"
-#include "model/answer.h"
-#include "model/printer_reader.h"
+#include "model/asking/answer.h"
+#include "model/asking/asker.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -47,5 +46,3 @@ class Device {
 Asker AskerOf(const Device& device);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_DEVICE_DEVICE_H

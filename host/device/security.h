@@ -1,6 +1,5 @@
 // SNMPv3 settings as the exports take them.
-#ifndef VNDISCOVER_HOST_DEVICE_SECURITY_H
-#define VNDISCOVER_HOST_DEVICE_SECURITY_H
+#pragma once
 
 #include <string>
 #include <utility>
@@ -35,5 +34,3 @@ struct Security {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_DEVICE_SECURITY_H

@@ -1,6 +1,5 @@
 // The module's labels for SNMPv3 protocols, and other spellings of them.
-#ifndef VNDISCOVER_HOST_DEVICE_SECURITY_LABELS_H
-#define VNDISCOVER_HOST_DEVICE_SECURITY_LABELS_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -21,5 +20,3 @@ extern const char kAuthProtocols[];
 extern const char kPrivProtocols[];
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_DEVICE_SECURITY_LABELS_H

@@ -1,7 +1,6 @@
 // The console: UTF-8 output, Ctrl-C, the status line, the password prompt. Only results go to
 // standard output, everything else goes to standard error.
-#ifndef VNDISCOVER_HOST_PLATFORM_CONSOLE_H
-#define VNDISCOVER_HOST_PLATFORM_CONSOLE_H
+#pragma once
 
 #include <condition_variable>
 #include <cstdint>
@@ -73,5 +72,3 @@ class SweepWatch {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_CONSOLE_H

@@ -1,5 +1,4 @@
-#ifndef VNDISCOVER_HOST_PLATFORM_ERROR_TEXT_H
-#define VNDISCOVER_HOST_PLATFORM_ERROR_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -11,5 +10,3 @@ namespace vndiscover::host {
 std::string ErrorText(uint32_t error);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_ERROR_TEXT_H

@@ -1,8 +1,7 @@
 // The Windows firewall's settings (INetFwPolicy2).
-#ifndef VNDISCOVER_HOST_PLATFORM_FIREWALL_POLICY_H
-#define VNDISCOVER_HOST_PLATFORM_FIREWALL_POLICY_H
+#pragma once
 
-#include "model/computer.h"
+#include "model/computer/computer.h"
 
 namespace vndiscover::host {
 
@@ -11,5 +10,3 @@ namespace vndiscover::host {
 FirewallState ReadFirewall();
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_FIREWALL_POLICY_H

@@ -1,5 +1,4 @@
-#ifndef VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H
-#define VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H
+#pragma once
 
 #include <string>
 
@@ -13,5 +12,3 @@ std::string NumericHost(const std::string& host);
 bool HasAddress(const std::string& host);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_HOST_ADDRESS_H

@@ -1,6 +1,5 @@
 // The window that receives a sweep's result messages; message-only, so it needs no desktop.
-#ifndef VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H
-#define VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H
+#pragma once
 
 #include <vndiscover.h>
 
@@ -33,5 +32,3 @@ class ResultWindow {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_RESULT_WINDOW_H

@@ -1,6 +1,5 @@
 // Files that are read whole and replaced whole. Paths are UTF-8.
-#ifndef VNDISCOVER_HOST_PLATFORM_SAVED_FILE_H
-#define VNDISCOVER_HOST_PLATFORM_SAVED_FILE_H
+#pragma once
 
 #include <cstddef>
 #include <optional>
@@ -29,5 +28,3 @@ bool ReplaceFileText(const std::string& path, const std::string& text, std::stri
 std::string UtcNow();
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_SAVED_FILE_H

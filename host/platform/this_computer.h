@@ -1,8 +1,7 @@
 // The facts about this computer, read from the system.
-#ifndef VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H
-#define VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H
+#pragma once
 
-#include "model/computer.h"
+#include "model/computer/computer.h"
 
 namespace vndiscover::host {
 
@@ -18,5 +17,3 @@ class ThisComputer : public Computer {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_THIS_COMPUTER_H

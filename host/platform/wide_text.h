@@ -1,7 +1,6 @@
 // Conversion of text: the system uses UTF-16, the module's narrow arguments are in the ANSI code
 // page, and everything else in this program is UTF-8.
-#ifndef VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H
-#define VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -20,5 +19,3 @@ std::vector<std::string> CommandLineArguments();
 std::wstring Environment(const wchar_t* name);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_WIDE_TEXT_H

@@ -1,5 +1,4 @@
-#ifndef VNDISCOVER_HOST_PLATFORM_WIN_SOCK_H
-#define VNDISCOVER_HOST_PLATFORM_WIN_SOCK_H
+#pragma once
 
 #include <winsock2.h>
 
@@ -23,5 +22,3 @@ class WinSock {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_PLATFORM_WIN_SOCK_H

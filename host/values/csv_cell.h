@@ -1,6 +1,5 @@
 // Cells of CSV documents, whose readers are often spreadsheets.
-#ifndef VNDISCOVER_HOST_VALUES_CSV_CELL_H
-#define VNDISCOVER_HOST_VALUES_CSV_CELL_H
+#pragma once
 
 #include <string>
 #include <string_view>
@@ -15,5 +14,3 @@ std::string CsvCell(std::string_view text);
 std::string HarmlessCell(std::string_view text);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_CSV_CELL_H

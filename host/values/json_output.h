@@ -1,6 +1,5 @@
 // JSON output for other programs.
-#ifndef VNDISCOVER_HOST_VALUES_JSON_OUTPUT_H
-#define VNDISCOVER_HOST_VALUES_JSON_OUTPUT_H
+#pragma once
 
 #include <cstdint>
 #include <memory>
@@ -46,5 +45,3 @@ class JsonArray {
 JsonItem ParseDocument(std::string_view text);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_JSON_OUTPUT_H

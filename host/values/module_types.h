@@ -1,7 +1,6 @@
 // Types and sizes of vndiscover.h, for code that includes no Windows header. Checked against the
-// header in device/module_types.cpp.
-#ifndef VNDISCOVER_HOST_VALUES_MODULE_TYPES_H
-#define VNDISCOVER_HOST_VALUES_MODULE_TYPES_H
+// header in device/device.cpp.
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -32,5 +31,3 @@ constexpr size_t kValueSize = 4096;        // VN_VALUE_SIZE: the longest value o
 constexpr char kDefaultDiscoveryOid[] = ".1.3.6.1.4.1.5963.43.5.1.1.1.1";  // VN_DEFAULT_...
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_MODULE_TYPES_H

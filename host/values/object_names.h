@@ -1,6 +1,5 @@
 // Names of standard objects and the words of their values (RFC 1213, 2790, 2863, 3418, 3805, 6933).
-#ifndef VNDISCOVER_HOST_VALUES_OBJECT_NAMES_H
-#define VNDISCOVER_HOST_VALUES_OBJECT_NAMES_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -54,5 +53,3 @@ std::vector<std::string> WordsOf(std::string_view name, std::string_view bits);
 std::string FormatNamedValue(const Oid& oid, uint32_t type, std::string_view bytes);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_OBJECT_NAMES_H

@@ -1,6 +1,5 @@
 // Object identifiers as dotted text and as BER content octets.
-#ifndef VNDISCOVER_HOST_VALUES_OID_TEXT_H
-#define VNDISCOVER_HOST_VALUES_OID_TEXT_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -44,5 +43,3 @@ Oid JustBefore(Oid oid);
 bool IsWithin(const Oid& oid, const Oid& root);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_OID_TEXT_H

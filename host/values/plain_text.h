@@ -1,7 +1,6 @@
 // Makes text from the network safe for a terminal and for UTF-8 documents. Devices may send text in
 // an old code page, binary values, or escape sequences meant to change what the user sees.
-#ifndef VNDISCOVER_HOST_VALUES_PLAIN_TEXT_H
-#define VNDISCOVER_HOST_VALUES_PLAIN_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <string>
@@ -40,5 +39,3 @@ std::string SpacedWords(std::string_view word);
 std::string Padded(std::string_view text, size_t width);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_PLAIN_TEXT_H

@@ -1,7 +1,6 @@
 // Management values: from raw bytes to text for a person or a program, and from the command line to
 // raw bytes.
-#ifndef VNDISCOVER_HOST_VALUES_VALUE_TEXT_H
-#define VNDISCOVER_HOST_VALUES_VALUE_TEXT_H
+#pragma once
 
 #include <cstdint>
 #include <optional>
@@ -52,5 +51,3 @@ std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view te
                                       std::string& problem);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_VALUES_VALUE_TEXT_H

@@ -1,6 +1,5 @@
 // Numbers of the resources in vnbrowser.rc.
-#ifndef VNDISCOVER_HOST_WINDOW_RESOURCE_H
-#define VNDISCOVER_HOST_WINDOW_RESOURCE_H
+#pragma once
 
 #define IDR_KEYS 101
 #define IDD_SNMP 102
@@ -258,5 +257,3 @@
 #define IDS_NOT_COPIED 629
 #define IDS_NO_WINDOW 630
 #define IDS_SWEEP_FAILED 631
-
-#endif  // VNDISCOVER_HOST_WINDOW_RESOURCE_H

@@ -1,8 +1,7 @@
 // The texts of the window in its string table. Elsewhere are only names that no language translates
 // (SNMPv3, C++), and the words that the model shares with the console: of the MIBs' states, of
 // diagnoses and reports, and the reasons of failed requests and files.
-#ifndef VNDISCOVER_HOST_WINDOW_STRINGS_H
-#define VNDISCOVER_HOST_WINDOW_STRINGS_H
+#pragma once
 
 #include <initializer_list>
 #include <string>
@@ -21,5 +20,3 @@ void SetTextChange(TextChange change);
 std::wstring LocalTime(const std::string& utc);
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_WINDOW_STRINGS_H

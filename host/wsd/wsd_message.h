@@ -1,7 +1,6 @@
 // WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it passes
 // on unparsed.
-#ifndef VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
-#define VNDISCOVER_HOST_WSD_WSD_MESSAGE_H
+#pragma once
 
 #include <cstddef>
 #include <map>
@@ -55,5 +54,3 @@ class MatchList {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_HOST_WSD_WSD_MESSAGE_H

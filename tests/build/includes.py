@@ -11,22 +11,33 @@ DIAGRAM = (ROOT / "docs/architecture.md").read_text(encoding="utf-8")
 LABELS = dict(re.findall(r'(\w+)\["(?:include/)?([\w/.]+)"\]', DIAGRAM))
 ARROWS = {(LABELS.get(a, a), LABELS.get(b, b)) for a, b in re.findall(r"^    (\w+) --> (\w+)", DIAGRAM, re.MULTILINE)}
 
+# What the programs are made of, but for their user interfaces.
+PARTS = {"values", "wsd", "model/asking", "model/printer", "model/computer", "model/scan", "device", "platform"}
 # Folder: the folders that its files may include besides their own.
 FOLDERS = {
     "src": {folder: {"support"} | {b for a, b in ARROWS if a == folder}
             for folder in {name for arrow in ARROWS for name in arrow} if (ROOT / "src" / folder).is_dir()},
     "host": {
         "values": set(),
-        "model": {"values", "wsd"},
         "wsd": {"values"},
-        "device": {"values", "model", PUBLIC},
-        "platform": {"values", "model", PUBLIC},
-        "cli": {"values", "model", "wsd", "device", "platform", PUBLIC},
-        "window": {"values", "model", "wsd", "device", "platform", PUBLIC},
+        "model/asking": {"values"},
+        "model/printer": {"values", "model/asking"},
+        "model/computer": {"values", "model/asking"},
+        "model/scan": {"values", "wsd", *(f"model/{part}" for part in ("asking", "printer", "computer"))},
+        "device": {"values", "model/asking", PUBLIC},
+        "platform": {"values", "model/computer", PUBLIC},
+        "cli": {*PARTS, PUBLIC},
+        "window": {"values", "platform"},
+        "window/controls": {"window", "values", "platform"},
+        "window/store": {"window", "values", "model/scan", "device", "platform"},
+        "window/work": {"window/store", *PARTS, PUBLIC},
+        "window/dialogs": {"window", "window/controls", "window/store", "window/work", *PARTS, PUBLIC},
+        "window/pages": {"window", *(f"window/{part}" for part in ("controls", "work", "dialogs")), *PARTS},
+        "window/main": {"window", *(f"window/{part}" for part in ("controls", "store", "work", "dialogs", "pages")), *PARTS},
     },
 }
 FOLDERS["src"]["snmpv3/crypto/windows"] = FOLDERS["src"]["snmpv3/crypto"] | {"snmpv3/crypto"}
-PORTABLE_FOLDERS = {"src": ("snmp/codec", "snmpv3/crypto", "snmpv3/codec"), "host": ("values", "model", "wsd")}
+PORTABLE_FOLDERS = {"src": ("snmp/codec", "snmpv3/crypto", "snmpv3/codec"), "host": [part for part in PARTS if part not in ("device", "platform")]}
 # Headers in brackets there: of C++, or of a library that every system has. Others are the system's.
 PORTABLE = re.compile(r"[a-z_0-9]+|cjson/cJSON\.h|openssl/aes\.h|pugixml\.hpp")
 

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <string>
 
-#include "model/compare.h"
-#include "model/device_merge.h"
-#include "model/scan_file.h"
+#include "model/scan/compare.h"
+#include "model/scan/device_merge.h"
+#include "model/scan/scan_file.h"
 
 using namespace vndiscover::host;
 

@@ -18,15 +18,15 @@
 #include <string>
 #include <utility>
 
-#include "model/doctor_text.h"
-#include "model/interfaces.h"
+#include "model/computer/doctor_text.h"
+#include "model/printer/interfaces.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
-#include "window/calls.h"
-#include "window/module_engine.h"
-#include "window/profiles.h"
+#include "window/store/profiles.h"
+#include "window/work/calls.h"
+#include "window/work/module_engine.h"
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {

@@ -163,7 +163,7 @@ class Documents(unittest.TestCase):
         named = re.findall(r"\*\*(\w+) > ([^*]+)\*\*", page)
         self.assertGreater(len(named), 10)
         self.assertEqual([], [words for words in named if not set(words) <= texts_of])
-        main = texts("host/window/main.cpp")
+        main = texts("host/window/main/main.cpp")
         self.assertIn(re.search(r"^VnBrowser.exe \[.*$", page, re.M)[0], main)
 
     def test_figures_are_the_code_s(self):

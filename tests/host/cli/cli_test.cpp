@@ -10,7 +10,7 @@
 #include "cli/scan_keeper.h"
 #include "cli/variable_writer.h"
 #include "device/security_labels.h"
-#include "model/scan_file.h"
+#include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
 #include "values/value_text.h"
 

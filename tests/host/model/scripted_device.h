@@ -1,13 +1,12 @@
 // A device for tests: a table of variables that answers like an SNMPv1 agent.
-#ifndef VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H
-#define VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H
+#pragma once
 
 #include <functional>
 #include <map>
 #include <string>
 #include <utility>
 
-#include "model/printer_reader.h"
+#include "model/printer/printer_reader.h"
 #include "values/object_names.h"
 #include "values/value_text.h"
 
@@ -50,5 +49,3 @@ struct ScriptedDevice {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_TESTS_HOST_MODEL_SCRIPTED_DEVICE_H

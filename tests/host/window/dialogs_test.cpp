@@ -2,9 +2,9 @@
 #include <functional>
 #include <thread>
 
-#include "model/doctor_text.h"
+#include "model/computer/doctor_text.h"
 #include "scripted_window.h"
-#include "window/profiles.h"
+#include "window/store/profiles.h"
 
 namespace vndiscover::host {
 namespace {

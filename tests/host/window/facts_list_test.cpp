@@ -1,4 +1,4 @@
-#include "window/facts_list.h"
+#include "window/controls/facts_list.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

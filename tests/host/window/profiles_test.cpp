@@ -1,4 +1,4 @@
-#include "window/profiles.h"
+#include "window/store/profiles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 // A window in this process with a scripted engine. Nothing is shown: the display driver is Wine's
 // null driver.
-#ifndef VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
-#define VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H
+#pragma once
 
 #include <gtest/gtest.h>
 
@@ -23,7 +22,7 @@
 #include "host/model/scripted_device.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
-#include "window/main_window.h"
+#include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -345,5 +344,3 @@ class MainWindowTest : public testing::Test {
 };
 
 }  // namespace vndiscover::host
-
-#endif  // VNDISCOVER_TESTS_HOST_WINDOW_SCRIPTED_WINDOW_H

@@ -1,4 +1,4 @@
-#include "window/workers.h"
+#include "window/work/workers.h"
 
 #include <gtest/gtest.h>
 

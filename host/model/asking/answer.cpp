@@ -1,0 +1,41 @@
+#include "model/asking/answer.h"
+
+#include <utility>
+
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+
+Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw) {
+    Content content = ContentOf(type, raw);
+    return {Status::kAnswered, oid, type, std::move(content.bytes), content.wholeSize, ""};
+}
+
+Answer Failed(Status status, const Oid& asked, std::string note) {
+    Answer answer;
+    answer.status = status;
+    answer.oid = asked;
+    answer.note = std::move(note);
+    return answer;
+}
+
+std::string Problem(const Answer& answer) {
+    switch (answer.status) {
+        case Status::kAnswered:
+            return "";
+        case Status::kSendFailed:
+            return "the request could not be sent";
+        case Status::kUnreadable:
+            return "the answer could not be read" + (answer.note.empty() ? "" : ": " + answer.note);
+        case Status::kRefused:
+            return "refused: " + answer.note;
+        case Status::kOnlyDiscovered:
+            return "no readable answer, though the device gave its engine ID: wrong privacy "
+                   "password, or a value of more than 126 bytes";
+        case Status::kNoAnswer:
+            break;
+    }
+    return "no answer";
+}
+
+}  // namespace vndiscover::host

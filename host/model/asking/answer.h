@@ -1,0 +1,41 @@
+// A device's answer to one request, or why there is none.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "values/oid_text.h"
+
+namespace vndiscover::host {
+
+enum class Status {
+    kAnswered,  // with type and bytes; if IsNoValue(type), the device has no such variable
+    kNoAnswer,
+    kSendFailed,
+    kUnreadable,      // an answer came, but without a variable
+    kOnlyDiscovered,  // SNMPv3: the device gave its engine ID, but no readable answer came
+    kRefused,         // by an SNMPv3 report; note says why
+};
+
+struct Answer {
+    Status status = Status::kNoAnswer;
+    Oid oid;  // of the answer, or of the request if there is none
+    uint32_t type = 0;
+    std::string bytes;
+    size_t wholeSize =
+        0;             // of the value at the device; if more than bytes.size(), the rest is missing
+    std::string note;  // details of a problem, may be empty
+};
+
+// An answer with a value as the module delivers it.
+Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw);
+
+// An answer without a value.
+Answer Failed(Status status, const Oid& asked, std::string note = "");
+
+// Why there is no variable: "no answer", ...
+std::string Problem(const Answer& answer);
+
+}  // namespace vndiscover::host

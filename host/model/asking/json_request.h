@@ -1,0 +1,24 @@
+// JSON requests of a sweep, and the documents filled in with the answers.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "values/json_output.h"
+
+namespace vndiscover::host {
+
+// A JSON request for the module, without blanks because its size is limited. Empty, with the reason
+// in `problem`, if the text is not a JSON object or has 2,048 bytes or more.
+std::optional<std::string> PrepareRequest(std::string_view text, std::string& problem);
+
+// A request for one OID only.
+std::string RequestFor(const std::string& oid);
+
+// The names and strings under "GET".
+std::vector<std::pair<std::string, std::string>> AnswersOf(const cJSON* document);
+
+}  // namespace vndiscover::host

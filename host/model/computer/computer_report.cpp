@@ -1,0 +1,201 @@
+#include "model/computer/computer_report.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr unsigned kSilenceSeconds = 2;  // without an answer, after which a sweep goes on
+constexpr size_t kMaxIPv6Addresses = 32;
+constexpr char kBroadcast[] = "255.255.255.255";
+constexpr char kMulticast[] = "239.255.255.250";  // of WS-Discovery
+
+std::string Lower(std::string_view text) {
+    std::string lower;
+    for (const char letter : text)
+        lower += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
+    return lower;
+}
+
+struct KindWord {
+    const char* word;
+    const char* kind;
+};
+// VPN clients and hypervisors report their adapters as Ethernet, so names are checked before types.
+constexpr KindWord kKindWords[] = {
+    {"vpn", "VPN"},         {"tap-windows", "VPN"},    {"wintun", "VPN"},
+    {"wireguard", "VPN"},   {"anyconnect", "VPN"},     {"wan miniport", "VPN"},
+    {"virtual", "virtual"}, {"vethernet", "virtual"},  {"hyper-v", "virtual"},
+    {"vmware", "virtual"},  {"virtualbox", "virtual"}, {"loopback", "loopback"}};
+
+std::string KindOf(const AdapterAddress& row) {
+    const std::string names = Lower(row.adapter + "\n" + row.description);
+    for (const KindWord& known : kKindWords) {
+        if (names.find(known.word) != std::string::npos) return known.kind;
+    }
+    switch (row.interfaceType) {
+        case 0:
+            return "";
+        case 6:
+            return "Ethernet";
+        case 23:  // ppp
+            return "VPN";
+        case 24:
+            return "loopback";
+        case 53:  // propVirtual
+            return "virtual";
+        case 71:
+            return "wireless";
+        case 131:
+            return "tunnel";
+        case 243:
+        case 244:
+            return "mobile";
+        default:
+            return "other";
+    }
+}
+
+std::string StateOf(const AdapterAddress& row) {
+    if (row.address == "0.0.0.0") return "no address";
+    if (row.isUp == false) return "down";
+    if (row.address.rfind("169.254.", 0) == 0) return "automatic address";
+    return row.isUp ? "up" : "";
+}
+
+bool IsIdle(const SweepRow& row) { return row.state == "no address" || row.state == "down"; }
+
+bool IsDetour(const SweepRow& row) {
+    return row.kind == "VPN" || row.kind == "virtual" || row.kind == "tunnel" ||
+           row.kind == "loopback";
+}
+
+SweepRow RowOf(const AdapterAddress& address, bool isSwept) {
+    return {PlainText(address.address),
+            PlainText(address.adapter),
+            PlainText(address.description),
+            KindOf(address),
+            StateOf(address),
+            isSwept ? kSilenceSeconds : 0};
+}
+
+SweepPlan PlanIPv4(const AdapterList& list) {
+    SweepPlan plan;
+    plan.adapters = list.adapters;
+    for (const AdapterAddress& address : list.addresses) {
+        plan.rows.push_back(RowOf(address, list.fits));
+        plan.seconds += plan.rows.back().seconds;
+    }
+    return plan;
+}
+
+// Only of adapters that are up, and no more than the module has room for.
+SweepPlan PlanIPv6(const AdapterList& list) {
+    SweepPlan plan;
+    plan.adapters = list.adapters;
+    for (const AdapterAddress& address : list.addresses) {
+        const bool hasRoom = plan.seconds < kMaxIPv6Addresses * kSilenceSeconds;
+        plan.rows.push_back(RowOf(address, hasRoom && address.isUp == true));
+        plan.seconds += plan.rows.back().seconds;
+    }
+    return plan;
+}
+
+std::string IPv4Cause(const AdapterList& list, const SweepPlan& plan) {
+    if (!list.isRead) return "the system provides no list of adapters: no sweep is sent";
+    if (!list.fits) {
+        return "there are " + std::to_string(list.adapters) +
+               " adapters, but room for 32 only: no IPv4 sweep is sent";
+    }
+    if (plan.rows.empty()) return "no adapter has an IPv4 address: no IPv4 sweep is sent";
+    if (std::all_of(plan.rows.begin(), plan.rows.end(), IsIdle))
+        return "no adapter that is up has an IPv4 address";
+    return "";
+}
+
+std::string DetourNote(const SweepPlan& plan) {
+    const auto count = std::count_if(plan.rows.begin(), plan.rows.end(), [](const SweepRow& row) {
+        return row.seconds != 0 && (IsIdle(row) || IsDetour(row));
+    });
+    if (count == 0) return "";
+    return std::to_string(count) + " of the " + std::to_string(plan.rows.size()) +
+           " IPv4 addresses (VPN, virtual, down, no address) may reach no device, but take " +
+           std::to_string(count * kSilenceSeconds) + " s";
+}
+
+void AddFirewall(ComputerReport& report) {
+    for (const PortVerdict& verdict : report.firewall.ports) {
+        if (verdict.passage == Passage::kOpen) continue;
+        std::string sentence =
+            "the firewall, " + verdict.profile + " profile, and answers from UDP ";
+        sentence += std::to_string(verdict.port) + ": " + verdict.reason;
+        (verdict.passage == Passage::kClosed ? report.causes : report.notes).push_back(sentence);
+    }
+}
+
+void AddLog(ComputerReport& report) {
+    if (report.log.file)
+        report.notes.push_back(
+            "the log is on: VxAdmSvc.log in the current directory, communities included");
+    if (report.log.debugger) report.notes.push_back("the log is on: lines go to the debugger");
+}
+
+void AddIf(std::vector<std::string>& sentences, const std::string& sentence) {
+    if (!sentence.empty()) sentences.push_back(sentence);
+}
+
+// The four bytes of a dotted address; empty if it is not one.
+std::string IPv4Bytes(const std::string& text) {
+    std::string problem;
+    const auto value = ParseSetValue("ipaddress", text, problem);
+    return value && value->bytes.size() == 4 ? value->bytes : "";
+}
+
+}  // namespace
+
+ComputerReport ReportOn(const Computer& computer) {
+    ComputerReport report;
+    const AdapterList ipv4 = computer.IPv4();
+    report.ipv4 = PlanIPv4(ipv4);
+    report.ipv6 = PlanIPv6(computer.IPv6());
+    AddIf(report.causes, IPv4Cause(ipv4, report.ipv4));
+    if (report.ipv6.seconds == 0) {
+        report.notes.push_back(
+            "no adapter that is up has an IPv6 link-local address: no IPv6 sweep is sent");
+    }
+    AddIf(report.notes, DetourNote(report.ipv4));
+    report.routes = {computer.RouteTo(kBroadcast), computer.RouteTo(kMulticast)};
+    if (report.routes[0].source.empty())
+        report.causes.push_back("no route for the broadcast: requests may not be sent");
+    if (report.routes[1].source.empty())
+        report.causes.push_back("no route for the multicast: WS-Discovery Probes may not be sent");
+    report.firewall = JudgeFirewall(computer.Firewall(), computer.ProgramPath());
+    AddFirewall(report);
+    report.log = computer.Log();
+    AddLog(report);
+    return report;
+}
+
+std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host) {
+    const std::string target = IPv4Bytes(host);
+    if (target.empty()) return std::nullopt;
+    return std::any_of(ipv4.addresses.begin(), ipv4.addresses.end(),
+                       [&](const AdapterAddress& row) {
+                           const std::string address = IPv4Bytes(row.address);
+                           const std::string mask = IPv4Bytes(row.mask);
+                           // The mask 0.0.0.0 of an adapter without an address would match any
+                           // host.
+                           if (address.empty() || mask.empty() || row.address == "0.0.0.0")
+                               return false;
+                           for (size_t i = 0; i < mask.size(); ++i) {
+                               if ((target[i] & mask[i]) != (address[i] & mask[i])) return false;
+                           }
+                           return true;
+                       });
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,43 @@
+// A report on what decides which devices a sweep of this computer can find.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/computer/computer.h"
+#include "model/computer/firewall_verdict.h"
+
+namespace vndiscover::host {
+
+struct SweepRow {
+    std::string address, adapter, description;
+    std::string kind;      // "Ethernet", "wireless", "VPN", "virtual" ...
+    std::string state;     // "up", "down", "no address", "automatic address"; "": unknown
+    unsigned seconds = 0;  // that a sweep waits there at least; 0: nothing is sent from there
+};
+
+// Of one protocol family.
+struct SweepPlan {
+    size_t adapters = 0;
+    std::vector<SweepRow> rows;  // in the sweep's order
+    unsigned seconds = 0;        // that the whole sweep takes at least
+};
+
+struct ComputerReport {
+    SweepPlan ipv4, ipv6;
+    std::vector<Route> routes;  // for the broadcast, and for the WS-Discovery multicast
+    FirewallReport firewall;
+    LogSwitches log;
+    // Sentences. Each cause by itself can keep an IPv4 sweep, or WS-Discovery, from finding
+    // devices.
+    std::vector<std::string> causes, notes;
+};
+
+// Sends nothing.
+ComputerReport ReportOn(const Computer& computer);
+
+// Whether broadcasts of this computer reach `host`; empty if that is not a dotted IPv4 address.
+std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,248 @@
+#include "model/printer/printer_facts.h"
+
+#include <algorithm>
+
+#include "values/object_names.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr int64_t kReceptacle = 4;
+constexpr int64_t kPercent = 19;
+constexpr int64_t kEthernet = 6;
+constexpr int64_t kWireless = 71;
+constexpr int64_t kUp = 1;
+
+class Facts {
+  public:
+    explicit Facts(const PrinterAnswers& answers) : answers_(answers) {}
+
+    PrinterFacts Make() {
+        facts_.gaps = answers_.gaps;
+        FindPrinter();
+        FindCharacterSet();
+        TellSystem();
+        facts_.macAddress = MacAddress();
+        if (!facts_.deviceIndex) return std::move(facts_);
+        TellState();
+        TellSupplies();
+        TellTrays();
+        TellCounts();
+        TellAlerts();
+        TellPanel();
+        return std::move(facts_);
+    }
+
+  private:
+    const Answer* Find(const char* object, const Oid& instance) const {
+        Oid oid = OidOf(object);
+        oid.insert(oid.end(), instance.begin(), instance.end());
+        const auto found = answers_.values.find(oid);
+        return found == answers_.values.end() ? nullptr : &found->second;
+    }
+
+    std::optional<int64_t> Number(const char* object, const Oid& instance) const {
+        const Answer* answer = Find(object, instance);
+        if (!answer || answer->type != kInteger) return std::nullopt;
+        return SignedNumber(answer->bytes);
+    }
+
+    std::optional<uint64_t> Count(const char* object, const Oid& instance) const {
+        const Answer* answer = Find(object, instance);
+        if (!answer || (answer->type != kCounter32 && answer->type != kTimeTicks))
+            return std::nullopt;
+        return UnsignedNumber(answer->bytes);
+    }
+
+    // In the printer's own character set.
+    std::string Text(const char* object, const Oid& instance) const {
+        const Answer* answer = Find(object, instance);
+        if (!answer || answer->type != kOctetString) return "";
+        return DeviceText(answer->bytes, characterSet_);
+    }
+
+    std::string Word(const char* object, const Oid& instance) const {
+        const auto number = Number(object, instance);
+        if (!number) return "";
+        const std::string word = WordOf(object, *number);
+        return word.empty() ? std::to_string(*number) : word;
+    }
+
+    // The instances of a column below `prefix`.
+    std::vector<Oid> Instances(const char* object, const Oid& prefix = {}) const {
+        const Oid& column = OidOf(object);
+        Oid root = column;
+        root.insert(root.end(), prefix.begin(), prefix.end());
+        std::vector<Oid> instances;
+        for (auto at = answers_.values.lower_bound(root);
+             at != answers_.values.end() && IsWithin(at->first, root); ++at) {
+            instances.emplace_back(at->first.begin() + static_cast<ptrdiff_t>(column.size()),
+                                   at->first.end());
+        }
+        return instances;
+    }
+
+    // The printer's rows that occur in any of the columns, since a column may be missing.
+    std::vector<Oid> Rows(std::initializer_list<const char*> columns) const {
+        std::vector<Oid> rows;
+        for (const char* column : columns) {
+            for (const Oid& row : Instances(column, {*facts_.deviceIndex})) rows.push_back(row);
+        }
+        std::sort(rows.begin(), rows.end());
+        rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+        return rows;
+    }
+
+    void FindPrinter() {
+        for (const uint32_t printer : ListedPrinters(answers_)) {
+            if (facts_.deviceIndex) {
+                facts_.otherPrinters.push_back(printer);
+            } else {
+                facts_.deviceIndex = printer;
+            }
+        }
+        // Some devices have a printer's tables, but do not list it.
+        for (const char* column : {"hrPrinterStatus", "prtGeneralCurrentLocalization",
+                                   "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
+            const std::vector<Oid> instances = Instances(column);
+            if (!facts_.deviceIndex && !instances.empty() && !instances[0].empty())
+                facts_.deviceIndex = instances[0][0];
+        }
+    }
+
+    void FindCharacterSet() {
+        if (!facts_.deviceIndex) return;
+        const uint32_t printer = *facts_.deviceIndex;
+        const auto current = Number("prtGeneralCurrentLocalization", {printer});
+        if (!current || *current < 0 || *current > UINT32_MAX) return;
+        characterSet_ =
+            Number("prtLocalizationCharacterSet", {printer, static_cast<uint32_t>(*current)})
+                .value_or(0);
+    }
+
+    // Facts of the device, even if no printer was found.
+    void TellSystem() {
+        facts_.upTicks = Count("sysUpTime", {0});
+        facts_.description = Text("sysDescr", {0});
+        facts_.location = Text("sysLocation", {0});
+        facts_.name = Text("sysName", {0});
+        if (facts_.deviceIndex) {
+            const Oid printer = {*facts_.deviceIndex};
+            facts_.model = Text("hrDeviceDescr", printer);
+            facts_.serialNumber = Text("prtGeneralSerialNumber", printer);
+            const std::string name = Text("prtGeneralPrinterName", printer);
+            if (!name.empty()) facts_.name = name;
+        }
+        if (facts_.model.empty()) facts_.model = facts_.description;
+        for (const Oid& instance : Instances("entPhysicalSerialNum")) {
+            if (facts_.serialNumber.empty())
+                facts_.serialNumber = Text("entPhysicalSerialNum", instance);
+        }
+    }
+
+    // Of the first network interface that is up, otherwise of the first one.
+    std::string MacAddress() const {
+        std::string found;
+        for (const Oid& instance : Instances("ifPhysAddress")) {
+            const std::string& bytes = Find("ifPhysAddress", instance)->bytes;
+            const int64_t type = Number("ifType", instance).value_or(kEthernet);
+            if (bytes.size() != 6 || bytes == std::string(6, '\0') ||
+                (type != kEthernet && type != kWireless))
+                continue;
+            std::string mac = HexText(bytes, ":");
+            if (Number("ifOperStatus", instance) == kUp) return mac;
+            if (found.empty()) found = mac;
+        }
+        return found;
+    }
+
+    void TellState() {
+        const Oid printer = {*facts_.deviceIndex};
+        facts_.deviceStatus = Word("hrDeviceStatus", printer);
+        facts_.printerStatus = Word("hrPrinterStatus", printer);
+        const Answer* bits = Find("hrPrinterDetectedErrorState", printer);
+        if (bits && bits->type == kOctetString)
+            facts_.errors = WordsOf("hrPrinterDetectedErrorState", bits->bytes);
+    }
+
+    void TellSupplies() {
+        for (const Oid& row : Rows({"prtMarkerSuppliesLevel", "prtMarkerSuppliesDescription",
+                                    "prtMarkerSuppliesType"})) {
+            Supply supply;
+            supply.description = Text("prtMarkerSuppliesDescription", row);
+            supply.type = Word("prtMarkerSuppliesType", row);
+            const int64_t colorant = Number("prtMarkerSuppliesColorantIndex", row).value_or(0);
+            if (colorant > 0 && colorant <= UINT32_MAX) {
+                supply.colour = Text("prtMarkerColorantValue",
+                                     {*facts_.deviceIndex, static_cast<uint32_t>(colorant)});
+            }
+            supply.level = LevelOf("prtMarkerSuppliesLevel", "prtMarkerSuppliesMaxCapacity",
+                                   "prtMarkerSuppliesSupplyUnit", row);
+            supply.level.isReceptacle = Number("prtMarkerSuppliesClass", row) == kReceptacle;
+            facts_.supplies.push_back(std::move(supply));
+        }
+    }
+
+    Level LevelOf(const char* level, const char* maximum, const char* unit, const Oid& row) const {
+        Level result;
+        result.level = Number(level, row);
+        result.maximum = Number(maximum, row);
+        result.isPercent = Number(unit, row) == kPercent;
+        result.unit = UnitText(unit, row);
+        return result;
+    }
+
+    // "" for "other" and "unknown", which add nothing to a number.
+    std::string UnitText(const char* object, const Oid& row) const {
+        const int64_t unit = Number(object, row).value_or(0);
+        return unit <= 2 ? "" : SpacedWords(Word(object, row));
+    }
+
+    void TellTrays() {
+        for (const Oid& row : Rows({"prtInputCurrentLevel", "prtInputName", "prtInputMediaName"})) {
+            Tray tray;
+            tray.name = Text("prtInputName", row);
+            tray.medium = Text("prtInputMediaName", row);
+            tray.level =
+                LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit", row);
+            facts_.trays.push_back(std::move(tray));
+        }
+    }
+
+    void TellCounts() {
+        for (const Oid& row : Rows({"prtMarkerLifeCount"})) {
+            if (const auto count = Count("prtMarkerLifeCount", row))
+                facts_.pageCounts.push_back({*count, UnitText("prtMarkerCounterUnit", row)});
+        }
+    }
+
+    void TellAlerts() {
+        for (const Oid& row :
+             Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"})) {
+            facts_.alerts.push_back({Word("prtAlertSeverityLevel", row), Word("prtAlertGroup", row),
+                                     Word("prtAlertCode", row), Text("prtAlertDescription", row),
+                                     Count("prtAlertTime", row)});
+        }
+        std::stable_partition(facts_.alerts.begin(), facts_.alerts.end(),
+                              [](const Alert& alert) { return alert.severity == "critical"; });
+    }
+
+    void TellPanel() {
+        for (const Oid& row : Rows({"prtConsoleDisplayBufferText"})) {
+            const std::string line = Text("prtConsoleDisplayBufferText", row);
+            if (!line.empty()) facts_.panel.push_back(line);
+        }
+    }
+
+    const PrinterAnswers& answers_;
+    PrinterFacts facts_;
+    int64_t characterSet_ = 0;
+};
+
+}  // namespace
+
+PrinterFacts FactsOf(const PrinterAnswers& answers) { return Facts(answers).Make(); }
+
+}  // namespace vndiscover::host

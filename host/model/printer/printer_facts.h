@@ -1,0 +1,51 @@
+// What a printer's variables mean (RFC 2790, 3805, 6933).
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/printer/level.h"
+#include "model/printer/printer_reader.h"
+
+namespace vndiscover::host {
+
+// All text is plain (see plain_text.h), read in the device's character set; empty: not given.
+// States are the words of the objects, such as "idle" or "markerTonerEmpty".
+struct Supply {
+    std::string description, colour, type;
+    Level level;
+};
+struct Tray {
+    std::string name, medium;
+    Level level;
+};
+struct PageCount {
+    uint64_t count;
+    std::string unit;
+};
+struct Alert {
+    std::string severity, group, code, description;
+    std::optional<uint64_t> upTicks;  // hundredths of a second since the device started
+};
+
+struct PrinterFacts {
+    // The printer's index in hrDeviceTable. Empty: the device has no printer.
+    std::optional<uint32_t> deviceIndex;
+    std::vector<uint32_t> otherPrinters;  // indexes, if the device has several
+    std::string model, serialNumber, name, location, description, macAddress;
+    std::optional<uint64_t> upTicks;
+    std::string deviceStatus, printerStatus;
+    std::vector<std::string> errors;
+    std::vector<std::string> panel;  // lines
+    std::vector<PageCount> pageCounts;
+    std::vector<Supply> supplies;
+    std::vector<Tray> trays;
+    std::vector<Alert> alerts;  // critical ones first
+    std::vector<Gap> gaps;
+};
+
+PrinterFacts FactsOf(const PrinterAnswers& answers);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,274 @@
+#include "model/printer/printer_reader.h"
+
+#include <algorithm>
+#include <chrono>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "model/asking/walk_step.h"
+#include "values/object_names.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// Bounds tables, whose length the device decides; no printer has this many rows of anything.
+constexpr size_t kMaxRows = 256;
+
+enum class Way {
+    kColumn,   // all rows
+    kScalar,   // instance 0
+    kPrinter,  // the row of the first printer; all rows if none is listed
+};
+struct Question {
+    const char* object;
+    const char* subject;
+    Way way = Way::kColumn;
+};
+constexpr Question kQuestions[] = {
+    {"sysUpTime", "up since", Way::kScalar},  // first: every agent has it, and it is short
+    {"sysDescr", "description", Way::kScalar},
+    {"sysName", "name", Way::kScalar},
+    {"sysLocation", "location", Way::kScalar},
+    {"hrDeviceType", "model and state"},
+    {"hrDeviceDescr", "model and state", Way::kPrinter},
+    {"hrDeviceStatus", "model and state", Way::kPrinter},
+    {"hrPrinterStatus", "model and state", Way::kPrinter},
+    {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter},
+    {"prtGeneralCurrentLocalization", "character set", Way::kPrinter},
+    {"prtLocalizationCharacterSet", "character set"},
+    {"prtGeneralPrinterName", "name", Way::kPrinter},
+    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
+    {"prtMarkerSuppliesColorantIndex", "supplies"},
+    {"prtMarkerSuppliesClass", "supplies"},
+    {"prtMarkerSuppliesType", "supplies"},
+    {"prtMarkerSuppliesDescription", "supplies"},
+    {"prtMarkerSuppliesSupplyUnit", "supplies"},
+    {"prtMarkerSuppliesMaxCapacity", "supplies"},
+    {"prtMarkerSuppliesLevel", "supplies"},
+    {"prtMarkerColorantValue", "supplies"},
+    {"prtMarkerCounterUnit", "page counts"},
+    {"prtMarkerLifeCount", "page counts"},
+    {"prtInputCapacityUnit", "trays"},
+    {"prtInputMaxCapacity", "trays"},
+    {"prtInputCurrentLevel", "trays"},
+    {"prtInputMediaName", "trays"},
+    {"prtInputName", "trays"},
+    {"prtAlertSeverityLevel", "alerts"},
+    {"prtAlertGroup", "alerts"},
+    {"prtAlertCode", "alerts"},
+    {"prtAlertDescription", "alerts"},
+    {"prtAlertTime", "alerts"},
+    {"prtConsoleDisplayBufferText", "panel"},
+    {"ifType", "MAC address"},
+    {"ifPhysAddress", "MAC address"},
+    {"ifOperStatus", "MAC address"},
+};
+// To identify a device, and to compare it between scans.
+constexpr Question kIdentityQuestions[] = {
+    {"sysDescr", "description", Way::kScalar},
+    {"sysName", "name", Way::kScalar},
+    {"hrDeviceType", "model"},
+    {"hrDeviceDescr", "model", Way::kPrinter},
+    {"prtGeneralPrinterName", "name", Way::kPrinter},
+    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
+    {"prtMarkerLifeCount", "page counts"},
+    {"ifType", "MAC address"},
+    {"ifPhysAddress", "MAC address"},
+    {"ifOperStatus", "MAC address"},
+};
+// In addition to those above.
+constexpr Question kInterfaceQuestions[] = {
+    {"ifSpeed", "interfaces"},
+    {"ifAdminStatus", "interfaces"},
+    {"ifDescr", "interfaces"},
+};
+// Only requested if the printer itself gives no serial number.
+constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
+
+const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
+
+class Reader {
+  public:
+    explicit Reader(const Asker& asker, PrinterAnswers known = {})
+        : asker_(asker),
+          answers_(std::move(known)),
+          startMs_(NowMs() - answers_.spentMs),
+          hasStopped_(answers_.lastStatus != Status::kAnswered) {}
+
+    template <size_t count>
+    PrinterAnswers Read(const Question (&questions)[count]) {
+        for (const Question& question : questions) Put(question);
+        return Finish();
+    }
+    template <size_t count>
+    PrinterAnswers ReadWithSerial(const Question (&questions)[count]) {
+        for (const Question& question : questions) Put(question);
+        if (!HasSerial()) Put(kEntitySerial);
+        return Finish();
+    }
+
+  private:
+    int64_t NowMs() const {
+        using std::chrono::milliseconds;
+        if (asker_.nowMs) return asker_.nowMs();
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<milliseconds>(now).count();
+    }
+
+    PrinterAnswers Finish() {
+        answers_.spentMs = NowMs() - startMs_;
+        return std::move(answers_);
+    }
+
+    void Put(const Question& question) {
+        if (hasStopped_) {
+            Miss(question, false, "not asked for");
+            return;
+        }
+        Oid oid = OidOf(question.object);
+        const std::vector<uint32_t> printers = ListedPrinters(answers_);
+        if (question.way == Way::kColumn || (question.way == Way::kPrinter && printers.empty())) {
+            ReadColumn(question, oid);
+            return;
+        }
+        oid.push_back(question.way == Way::kScalar ? 0 : printers.front());
+        if (IsMisencoded(oid)) {
+            Miss(question, true, "the printer's index is over 16383 and cannot be requested");
+            return;
+        }
+        const Answer answer = Ask(JustBefore(oid));
+        if (answer.status != Status::kAnswered || answer.oid == oid) Take(question, answer);
+    }
+
+    void ReadColumn(const Question& question, const Oid& column) {
+        Oid asked = column;
+        for (size_t rows = 0; rows < kMaxRows; ++rows) {
+            const Answer answer = Ask(asked);
+            if (answer.status == Status::kAnswered) {
+                const WalkStep step =
+                    JudgeAnswer(column, asked, answer.oid, answer.type, asker_.isV3);
+                if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
+                if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
+                if (step == WalkStep::kLastReachable) {
+                    Take(question, answer);
+                    if (!IsEnough(question))
+                        Miss(question, true,
+                             "a row's index is over 16383, so what follows cannot be requested");
+                    return;
+                }
+            }
+            const bool isTaken = Take(question, answer);
+            const auto next = isTaken ? answer.oid : RowAfter(column, asked);
+            if (hasStopped_ || answer.status == Status::kOnlyDiscovered || !next) return;
+            asked = *next;
+        }
+        if (!IsEnough(question)) Miss(question, true, "more rows than can be read");
+    }
+
+    // Computers that share a printer list hundreds of devices after it.
+    bool IsEnough(const Question& question) const {
+        return std::string_view(question.object) == "hrDeviceType" &&
+               !ListedPrinters(answers_).empty();
+    }
+
+    // To skip a row that could not be read: the first row after `asked` in another column of the
+    // table. Short columns are read first.
+    std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
+        const Oid table(column.begin(), column.end() - 1);
+        std::optional<Oid> first;
+        for (auto at = answers_.values.lower_bound(table);
+             at != answers_.values.end() && IsWithin(at->first, table); ++at) {
+            Oid row = column;
+            row.insert(row.end(), at->first.begin() + static_cast<ptrdiff_t>(column.size()),
+                       at->first.end());
+            if (row > asked && (!first || row < *first)) first = row;
+        }
+        return first;
+    }
+
+    Answer Ask(const Oid& oid) {
+        if (asker_.mayGoOn && !asker_.mayGoOn()) {
+            stopReason_ = "stopped";
+        } else if (NowMs() - startMs_ >= kMaxReadMs) {
+            stopReason_ = "not read within 2 minutes";
+        }
+        Answer answer = stopReason_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
+        if (answer.status == Status::kAnswered) isInDoubt_ = false;
+        return answer;
+    }
+
+    // False: no variable came.
+    bool Take(const Question& question, const Answer& answer) {
+        if (answer.status == Status::kAnswered) {
+            if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
+            return true;
+        }
+        const std::string problem = stopReason_ ? stopReason_ : Problem(answer);
+        Miss(question, true, problem);
+        // An SNMPv3 answer that is too long looks like silence, so only a second one counts.
+        const bool isOnlyThisOne =
+            answer.status == Status::kUnreadable ||
+            (answer.status == Status::kOnlyDiscovered && !isInDoubt_ && !answers_.values.empty());
+        isInDoubt_ = answer.status == Status::kOnlyDiscovered;
+        hasStopped_ = !isOnlyThisOne;
+        if (!hasStopped_) return false;
+        answers_.lastStatus = answer.status;
+        answers_.lastProblem = problem;
+        answers_.isStopped = stopReason_ != nullptr;
+        return false;
+    }
+
+    void Miss(const Question& question, bool wasAsked, std::string reason) {
+        Gap gap = {question.subject, wasAsked ? question.object : "", std::move(reason)};
+        const auto isSame = [&](const Gap& known) {  // once for each subject or object
+            return known.subject == gap.subject && (!wasAsked || known.object == gap.object);
+        };
+        if (std::none_of(answers_.gaps.begin(), answers_.gaps.end(), isSame))
+            answers_.gaps.push_back(std::move(gap));
+    }
+
+    bool HasSerial() const {
+        const Oid& column = OidOf("prtGeneralSerialNumber");
+        return std::any_of(answers_.values.begin(), answers_.values.end(), [&](const auto& one) {
+            return IsWithin(one.first, column) &&
+                   one.second.bytes.find_first_not_of(std::string_view(" \0", 2)) !=
+                       std::string::npos;
+        });
+    }
+
+    const Asker& asker_;
+    PrinterAnswers answers_;
+    int64_t startMs_;
+    bool hasStopped_;
+    const char* stopReason_ = nullptr;  // set by the caller or the time limit
+    bool isInDoubt_ = false;            // the last answer may have been too long
+};
+
+}  // namespace
+
+std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
+    const Oid& column = OidOf("hrDeviceType");
+    std::vector<uint32_t> printers;
+    for (auto at = answers.values.lower_bound(column);
+         at != answers.values.end() && IsWithin(at->first, column); ++at) {
+        const Answer& type = at->second;
+        if (at->first.size() == column.size() + 1 && type.type == kObjectIdentifier &&
+            DecodeOid(type.bytes) == kPrinterType)
+            printers.push_back(at->first.back());
+    }
+    return printers;
+}
+
+PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).ReadWithSerial(kQuestions); }
+
+PrinterAnswers ReadIdentity(const Asker& asker) {
+    return Reader(asker).ReadWithSerial(kIdentityQuestions);
+}
+
+PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {
+    return Reader(asker, std::move(printer)).Read(kInterfaceQuestions);
+}
+
+}  // namespace vndiscover::host

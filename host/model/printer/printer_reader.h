@@ -1,0 +1,47 @@
+// Reads the variables for a report on a printer from one device.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "model/asking/asker.h"
+
+namespace vndiscover::host {
+
+// A part that is missing from a report, and why.
+struct Gap {
+    std::string subject;  // "supplies"
+    std::string object;   // whose request failed, "prtInputName"; empty: not requested
+    std::string reason;
+};
+
+struct PrinterAnswers {
+    std::map<Oid, Answer> values;  // received, by OID
+    std::vector<Gap> gaps;
+    Status lastStatus = Status::kAnswered;  // otherwise why reading ended early
+    std::string lastProblem;                // the same in words; empty: it did not
+    bool isStopped = false;                 // by the caller or the time limit
+    int64_t spentMs = 0;                    // of the time limit
+};
+
+// The indexes of the printers in the device's hrDeviceTable.
+std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
+
+// Far more than a device needs; one that answers each request just in time would take hours.
+constexpr int64_t kMaxReadMs = 120000;
+
+// About 35 objects, with one request for each variable and one for the end of each column of a
+// table. Ends early if the device falls silent or refuses; an unreadable answer loses its row only.
+// No request is sent after kMaxReadMs.
+PrinterAnswers ReadPrinter(const Asker& asker);
+
+// The same for the objects that identify a device or are compared between scans, about 10.
+PrinterAnswers ReadIdentity(const Asker& asker);
+
+// Adds what ReadPrinter does not read of the device's interfaces, 3 columns; see interfaces.h. Asks
+// nothing if the reading before ended early, and shares its time limit.
+PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer);
+
+}  // namespace vndiscover::host

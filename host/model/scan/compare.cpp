@@ -1,0 +1,118 @@
+#include "model/scan/compare.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+namespace vndiscover::host {
+namespace {
+
+// The addresses of one family.
+std::string Addresses(const FoundDevice& device, bool isIPv6) {
+    std::string text;
+    for (const std::string& address : device.identity.Of(MergeKey::kAddress)) {
+        if ((address.find(':') != std::string::npos) == isIPv6)
+            text += (text.empty() ? "" : ", ") + address;
+    }
+    return text;
+}
+
+std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDevice& after) {
+    std::vector<FieldChange> changes;
+    const auto compare = [&](const char* field, const std::string& old, const std::string& now) {
+        if (!old.empty() && !now.empty() && old != now) changes.push_back({field, old, now});
+    };
+    // Each family separately, since a sweep uses only one of them.
+    for (const bool isIPv6 : {false, true})
+        compare("address", Addresses(before, isIPv6), Addresses(after, isIPv6));
+    compare("name", before.name, after.name);
+    compare("firmware", before.firmware, after.firmware);
+    const size_t counts = std::min(before.pageCounts.size(), after.pageCounts.size());
+    for (size_t i = 0; i < counts; ++i) {
+        const std::string field = i == 0 ? "page count" : "page count " + std::to_string(i + 1);
+        compare(field.c_str(), std::to_string(before.pageCounts[i].count),
+                std::to_string(after.pageCounts[i].count));
+    }
+    return changes;
+}
+
+// Finds the earlier device for each later one.
+class Matcher {
+  public:
+    Matcher(const std::vector<FoundDevice>& before, const std::vector<FoundDevice>& after)
+        : before_(before), after_(after), isTaken_(before.size()), matches_(after.size()) {
+        for (const MergeKey key : kMergeKeys) MatchBy(key);
+    }
+
+    Comparison Result() const {
+        Comparison result;
+        for (size_t i = 0; i < after_.size(); ++i) {
+            if (!matches_[i]) {
+                result.added.push_back(i);
+                continue;
+            }
+            const auto [old, key] = *matches_[i];
+            auto fields = ChangedFields(before_[old], after_[i]);
+            if (fields.empty()) {
+                ++result.same;
+            } else {
+                result.changed.push_back({old, i, key, std::move(fields)});
+            }
+        }
+        for (size_t i = 0; i < before_.size(); ++i) {
+            if (!isTaken_[i]) result.gone.push_back(i);
+        }
+        return result;
+    }
+
+  private:
+    void MatchBy(MergeKey key) {
+        std::multimap<std::string, size_t> known;
+        for (size_t i = 0; i < before_.size(); ++i) {
+            for (const std::string& value : before_[i].identity.Of(key))
+                if (!isTaken_[i]) known.emplace(value, i);
+        }
+        for (size_t i = 0; i < after_.size(); ++i) {
+            if (matches_[i]) continue;
+            for (const std::string& value : after_[i].identity.Of(key)) {
+                const auto old = Find(known, value, after_[i].identity, key);
+                if (!old) continue;
+                isTaken_[*old] = true;
+                matches_[i] = {*old, key};
+                break;
+            }
+        }
+    }
+
+    // Removes a device from `known` once it has a match.
+    std::optional<size_t> Find(std::multimap<std::string, size_t>& known, const std::string& value,
+                               const Identity& identity, MergeKey key) const {
+        auto [at, end] = known.equal_range(value);
+        size_t claims = 0;
+        while (at != end && claims < kMaxClaims) {
+            if (isTaken_[at->second]) {
+                at = known.erase(at);
+            } else if (before_[at->second].identity.DiffersByStrongerKey(identity, key)) {
+                ++at;
+                ++claims;
+            } else {
+                return at->second;
+            }
+        }
+        return std::nullopt;
+    }
+
+    const std::vector<FoundDevice>& before_;
+    const std::vector<FoundDevice>& after_;
+    std::vector<bool> isTaken_;
+    std::vector<std::optional<std::pair<size_t, MergeKey>>> matches_;
+};
+
+}  // namespace
+
+Comparison CompareDevices(const std::vector<FoundDevice>& before,
+                          const std::vector<FoundDevice>& after) {
+    return Matcher(before, after).Result();
+}
+
+}  // namespace vndiscover::host

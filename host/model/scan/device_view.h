@@ -1,0 +1,112 @@
+// Devices as rows of a table: what each column shows, the order, and the selected row. It is
+// independent of any window; the table may be a list on the screen, a file or the clipboard.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "model/computer/computer.h"
+#include "model/scan/found_device.h"
+#include "model/scan/scan.h"
+
+namespace vndiscover::host {
+
+enum class Column {
+    kName,
+    kModel,
+    kAddress,
+    kSerial,
+    kMac,
+    kState,
+    kSupplies,   // the lowest level, "40 %"
+    kProtocols,  // by which it answered
+    kNetwork,    // of this computer, "10.77.1.0/24"
+    kLastSeen,   // UTC, as in ScanAnswer
+};
+constexpr size_t kColumnCount = 10;
+
+// All text is plain; empty: unknown.
+struct DeviceRow {
+    std::vector<size_t> answers;  // as in FoundDevice
+    std::array<std::string, kColumnCount> texts;
+    std::string addressOrder;  // see AddressOrder
+    std::optional<int> lowestSupply;
+
+    const std::string& Text(Column column) const { return texts[static_cast<size_t>(column)]; }
+    std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
+};
+
+// Bytes that sort addresses by their numbers, and IPv4 before IPv6 before names.
+std::string AddressOrder(const std::string& address);
+constexpr char kNameOrder = '7';  // the first byte of a name's order
+
+// The variables of a device that were requested after a sweep.
+PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers);
+
+// Makes the rows after each batch of answers, and reuses those of devices without a new answer.
+class RowMaker {
+  public:
+    // Rows in the order of the devices.
+    std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
+                                const AdapterList& ipv4);
+
+  private:
+    std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
+};
+
+// The rows that pass a filter, sorted. The selection stays with its device while rows are added,
+// removed, sorted or hidden by the filter.
+class DeviceView {
+  public:
+    void SetRows(std::vector<DeviceRow> rows);
+    void Sort(Column column, bool isDescending);
+    Column SortColumn() const { return column_; }
+    bool IsDescending() const { return isDescending_; }
+    // Shows rows that contain every word of the text, ignoring the case of ASCII letters.
+    void Filter(const std::string& text);
+    // The filter leaves out these columns, a bit for each Column. At first none.
+    void Hide(uint32_t columns);
+
+    size_t Count() const { return shown_.size(); }
+    size_t Total() const { return rows_.size(); }
+    const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
+
+    // Selects one of the shown rows, or none.
+    void Select(std::optional<size_t> index);
+    std::optional<size_t> Selected() const;
+    // The selected device, shown or hidden; null if there is none.
+    const DeviceRow* SelectedRow() const;
+
+  private:
+    bool Passes(const DeviceRow& row) const;
+    bool IsBefore(size_t one, size_t other) const;
+    void Arrange();
+
+    std::vector<DeviceRow> rows_;
+    std::vector<size_t> shown_;  // indexes in rows_
+    std::vector<std::string> words_;
+    Column column_ = Column::kAddress;
+    bool isDescending_ = false;
+    uint32_t hidden_ = 0;
+    std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
+};
+
+struct Heading {
+    Column column;
+    std::string text;
+};
+
+// The shown rows as a CSV document with these columns: UTF-8 with a byte order mark, CR LF, and a
+// line of headings. A cell that a spreadsheet would run as a formula starts with an apostrophe.
+std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings);
+
+// The answers of the shown rows to SNMP sweeps, in the form of `vndiscover sweep --format json`. A
+// device without one, found by WS-Discovery, has an empty value.
+std::string JsonOf(const DeviceView& view, const Scan& scan);
+
+}  // namespace vndiscover::host

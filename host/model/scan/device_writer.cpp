@@ -1,0 +1,88 @@
+#include "model/scan/device_writer.h"
+
+#include <cjson/cJSON.h>
+
+#include "model/asking/json_request.h"
+#include "values/csv_cell.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// The value of an SNMPv1 result message as bytes. A message has no type, but only an OCTET STRING
+// comes with the size that means "longer than 127 bytes".
+std::string RawValue(std::string_view value) { return ContentOf(kOctetString, value).bytes; }
+
+// The only answer in a document of RequestFor.
+std::string AnswerValue(std::string_view value) {
+    const JsonItem document = ParseDocument(value);
+    const auto answers = AnswersOf(document.get());
+    return answers.empty() ? std::string(value) : answers.front().second;
+}
+
+}  // namespace
+
+std::string DeviceWriter::OneLine(std::string_view value) const {
+    if (kind_ == ValueKind::kRaw) return ShownValue(RawValue(value));
+    if (kind_ == ValueKind::kAnswer) return ShownValue(AnswerValue(value));
+    const JsonItem document = ParseDocument(value);
+    return document ? CompactJson(document.get()) : PlainText(value);
+}
+
+std::string DeviceWriter::TableRow(std::string_view address, std::string_view value) const {
+    const JsonItem document = kind_ == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    const auto answers = AnswersOf(document.get());
+    if (answers.empty()) {
+        const std::string line = OneLine(value);
+        return Padded(PlainText(address), AddressWidth()) + (line.empty() ? "(no value)" : line) +
+               "\n";
+    }
+    std::string rows;
+    for (const auto& [oid, answer] : answers) {
+        rows += Padded(rows.empty() ? PlainText(address) : "", AddressWidth()) +
+                Padded(PlainText(oid), 29) + "  " + ShownValue(answer) + "\n";
+    }
+    return rows;
+}
+
+ValueKind DocumentKind(std::string_view document) {
+    const JsonItem item = ParseDocument(document);
+    const auto answers = AnswersOf(item.get());
+    const cJSON* asked = cJSON_GetObjectItem(item.get(), "DiscoverOID");
+    const bool isForOne =
+        answers.size() == 1 && cJSON_IsString(asked) && answers.front().first == asked->valuestring;
+    return isForOne ? ValueKind::kAnswer : ValueKind::kDocument;
+}
+
+JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value) {
+    JsonItem element(cJSON_CreateObject());
+    AddText(element.get(), "address", address);
+    JsonItem document = kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    if (document) {
+        cJSON_AddItemToObject(element.get(), "value", document.release());
+    } else if (kind == ValueKind::kDocument) {
+        AddText(element.get(), "value", value);
+    } else {
+        const std::string bytes = kind == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
+        AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
+    }
+    return element;
+}
+
+std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
+    if (format_ == Format::kJson) {
+        array_.Add(DeviceItem(kind_, address, value).get());
+        return array_.Take();
+    }
+    if (format_ == Format::kCsv)
+        return CsvCell(PlainText(address)) + "," + CsvCell(OneLine(value)) + "\n";
+    const bool needsHead = isFirst_;
+    isFirst_ = false;
+    const std::string row = TableRow(address, value);
+    return needsHead ? Padded("ADDRESS", AddressWidth()) + "VALUE\n" + row : row;
+}
+
+std::string DeviceWriter::End() { return format_ == Format::kJson ? array_.Finish() : ""; }
+
+}  // namespace vndiscover::host

@@ -1,0 +1,175 @@
+#include "model/scan/found_device.h"
+
+#include <cjson/cJSON.h>
+
+#include <algorithm>
+
+#include "model/asking/json_request.h"
+#include "values/module_types.h"
+#include "values/object_names.h"
+#include "values/plain_text.h"
+#include "values/value_text.h"
+#include "wsd/wsd_message.h"
+
+namespace vndiscover::host {
+namespace {
+
+// A device replies a few times for each adapter. One that floods a sweep would cost seconds, each
+// time that another reply comes.
+constexpr size_t kMaxReplies = 256;
+
+const Oid& DefaultDiscoveryOid() {
+    static const Oid oid = *ParseOid(kDefaultDiscoveryOid);
+    return oid;
+}
+
+// Sweeps deliver values as text without a type, up to a zero byte, so only the values of text
+// objects can be used.
+bool IsTextObject(const Oid& oid) {
+    constexpr const char* kTexts[] = {"sysDescr",
+                                      "sysName",
+                                      "hrDeviceDescr",
+                                      "prtGeneralPrinterName",
+                                      "prtGeneralSerialNumber",
+                                      "entPhysicalSerialNum"};
+    return oid == DefaultDiscoveryOid() ||
+           std::any_of(std::begin(kTexts), std::end(kTexts),
+                       [&](const char* name) { return IsWithin(oid, OidOf(name)); });
+}
+
+class Collector {
+  public:
+    void Take(const ScanSweep& sweep, const ScanAnswer& answer) {
+        identity_.Add(MergeKey::kAddress, answer.address);
+        switch (sweep.form) {
+            case AnswerForm::kValue:
+                TakeText(sweep.oid, ContentOf(kOctetString, answer.bytes).bytes);
+                break;
+            case AnswerForm::kDocument:
+                TakeDocument(answer.bytes);
+                break;
+            case AnswerForm::kVariable:
+                variables_.values[answer.oid] = {Status::kAnswered, answer.oid,       answer.type,
+                                                 answer.bytes,      answer.wholeSize, ""};
+                break;
+            case AnswerForm::kReply:
+                if (++replies_ > kMaxReplies) break;
+                for (const ProbeMatch& match : ReadProbeMatches(answer.bytes))
+                    identity_.Add(MergeKey::kEndpoint, match.endpoint);
+                break;
+        }
+    }
+
+    FoundDevice Describe() {
+        PrinterFacts facts = FactsOf(variables_);
+        // The model falls back to the description, which says less than the discovery OID's text.
+        const std::string discovered = TextWithin(DefaultDiscoveryOid());
+        if (facts.model == facts.description && !discovered.empty()) facts.model = discovered;
+        if (facts.serialNumber.empty())  // no printer is listed, or it was not requested
+            facts.serialNumber = TextWithin(OidOf("prtGeneralSerialNumber"));
+        identity_.Add(MergeKey::kSerial, facts.serialNumber);
+        if (facts.macAddress != "FF:FF:FF:FF:FF:FF")
+            identity_.Add(MergeKey::kMac, facts.macAddress);
+        FoundDevice device;
+        device.identity = std::move(identity_);
+        device.name = std::move(facts.name);
+        device.model = std::move(facts.model);
+        device.firmware = std::move(facts.description);
+        device.pageCounts = std::move(facts.pageCounts);
+        return device;
+    }
+
+  private:
+    void TakeText(const Oid& oid, const std::string& text) {
+        if (text.empty() || !IsTextObject(oid)) return;
+        Answer& known = variables_.values[oid];
+        // The text may have been cut at a zero byte; a value that was read whole is kept.
+        const bool isWhole = known.bytes.compare(0, text.size(), text) == 0;
+        if (!isWhole) known = {Status::kAnswered, oid, kOctetString, text, text.size(), ""};
+    }
+
+    void TakeDocument(const std::string& text) {
+        const JsonItem document = ParseDocument(text);
+        for (const auto& [name, value] : AnswersOf(document.get())) {
+            if (const auto oid = ParseOid(name)) TakeText(*oid, value);
+        }
+    }
+
+    // The first one that is not blank.
+    std::string TextWithin(const Oid& root) const {
+        for (auto at = variables_.values.lower_bound(root);
+             at != variables_.values.end() && IsWithin(at->first, root); ++at) {
+            std::string text =
+                at->second.type == kOctetString ? DeviceText(at->second.bytes, 0) : "";
+            if (!text.empty()) return text;
+        }
+        return "";
+    }
+
+    PrinterAnswers variables_;
+    Identity identity_;
+    size_t replies_ = 0;
+};
+
+std::vector<std::string> Values(const FoundDevice& device, MergeKey key) {
+    const auto& values = device.identity.Of(key);
+    return {values.begin(), values.end()};
+}
+
+void AddIndexes(cJSON* object, const std::vector<size_t>& indexes) {
+    cJSON* array = cJSON_AddArrayToObject(object, "answers");
+    for (const size_t index : indexes)
+        cJSON_AddItemToArray(array, cJSON_CreateNumber(static_cast<double>(index)));
+}
+
+}  // namespace
+
+FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
+    Collector collector;
+    for (const size_t index : answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        collector.Take(scan.sweeps[answer.sweep], answer);
+    }
+    FoundDevice device = collector.Describe();
+    device.answers = std::move(answers);
+    return device;
+}
+
+std::string DeviceLine(const FoundDevice& device) {
+    std::string line;
+    const auto add = [&](const std::string& text) {
+        if (!text.empty()) line += (line.empty() ? "" : ", ") + text;
+    };
+    add(device.model);
+    for (const MergeKey key : {MergeKey::kSerial, MergeKey::kAddress}) {
+        for (const std::string& value : device.identity.Of(key)) add(PlainText(value));
+    }
+    return line;
+}
+
+JsonItem DeviceJson(const FoundDevice& device) {
+    JsonItem item(cJSON_CreateObject());
+    cJSON* const object = item.get();
+    AddTexts(object, "addresses", Values(device, MergeKey::kAddress));
+    AddText(object, "name", device.name);
+    AddText(object, "model", device.model);
+    AddTexts(object, "serialNumbers", Values(device, MergeKey::kSerial));
+    AddTexts(object, "macAddresses", Values(device, MergeKey::kMac));
+    AddTexts(object, "endpoints", Values(device, MergeKey::kEndpoint));
+    AddText(object, "firmware", device.firmware);
+    cJSON* const counts = cJSON_AddArrayToObject(object, "pageCounts");
+    for (const PageCount& count : device.pageCounts)
+        cJSON_AddItemToArray(counts, cJSON_CreateRaw(std::to_string(count.count).c_str()));
+    AddIndexes(object, device.answers);
+    cJSON* const merges = cJSON_AddArrayToObject(object, "merges");
+    for (const Merge& merge : device.merges) {
+        cJSON* const one = cJSON_CreateObject();
+        AddText(one, "by", KeyName(merge.key));
+        AddText(one, "value", merge.value);
+        AddIndexes(one, {merge.first, merge.second});
+        cJSON_AddItemToArray(merges, one);
+    }
+    return item;
+}
+
+}  // namespace vndiscover::host

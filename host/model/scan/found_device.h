@@ -1,0 +1,41 @@
+// What the answers of one device say about it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/printer/printer_facts.h"
+#include "model/scan/identity.h"
+#include "model/scan/scan.h"
+#include "values/json_output.h"
+
+namespace vndiscover::host {
+
+// Why two answers were merged into one device. To undo it, add the pair to Scan::splits.
+struct Merge {
+    MergeKey key;
+    std::string value;  // of the key, common to both
+    size_t first, second;
+};
+
+// Text is plain (see plain_text.h); empty: unknown.
+struct FoundDevice {
+    std::vector<size_t> answers;  // indexes in Scan::answers, ascending; the first identifies it
+    Identity identity;
+    std::string name, model;
+    std::string firmware;  // the system description, where makers name the firmware
+    std::vector<PageCount> pageCounts;
+    std::vector<Merge> merges;
+};
+
+// Combines the answers with these indexes; later ones take precedence. Of WS-Discovery replies, it
+// reads the first 256.
+FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
+
+// A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".
+std::string DeviceLine(const FoundDevice& device);
+
+// For programs that read our output.
+JsonItem DeviceJson(const FoundDevice& device);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,87 @@
+#include "model/scan/protocols.h"
+
+#include <algorithm>
+
+namespace vndiscover::host {
+namespace {
+
+bool IsIPv6(const std::string& address) { return address.find(':') != std::string::npos; }
+
+// The line of one protocol over one version of IP.
+class Judge {
+  public:
+    Judge(SweepKind kind, bool useIPv6) : line_{kind, useIPv6, ProtocolState::kNotAsked, ""} {}
+
+    void TakeSweep(const ScanSweep& sweep, bool isRunning) {
+        const bool isOther = sweep.kind != line_.kind || sweep.useIPv6 != line_.useIPv6;
+        if (isOther || sweep.form == AnswerForm::kVariable) return;
+        Raise(isRunning ? ProtocolState::kPending : ProtocolState::kSilent);
+    }
+
+    void TakeReading(const Reading& reading) {
+        const PrinterAnswers& end = reading.end;
+        if (IsOther(reading.kind, reading.address) || end.isStopped) return;
+        line_.note = end.lastProblem;
+        switch (end.lastStatus) {
+            case Status::kAnswered:
+            case Status::kUnreadable:
+                return Raise(ProtocolState::kNoValue);
+            case Status::kRefused:
+            case Status::kOnlyDiscovered:
+                return Raise(ProtocolState::kRefused);
+            case Status::kNoAnswer:
+                return Raise(ProtocolState::kSilent);
+            case Status::kSendFailed:
+                return Raise(ProtocolState::kNotAsked);
+        }
+    }
+
+    void TakeAnswer(const ScanSweep& sweep, const ScanAnswer& answer) {
+        if (IsOther(sweep.kind, answer.address)) return;
+        const bool isEmpty = sweep.form == AnswerForm::kValue && answer.bytes.empty();
+        Raise(isEmpty ? ProtocolState::kNoValue : ProtocolState::kAnswered);
+    }
+
+    bool WasUsed() const { return wasUsed_; }
+    const ProtocolLine& Line() const { return line_; }
+
+  private:
+    bool IsOther(SweepKind kind, const std::string& address) const {
+        return kind != line_.kind || IsIPv6(address) != line_.useIPv6;
+    }
+    // The states are in the order of what they tell; the best that is known counts.
+    void Raise(ProtocolState state) {
+        wasUsed_ = true;
+        line_.state = std::min(line_.state, state);
+    }
+
+    ProtocolLine line_;
+    bool wasUsed_ = false;
+};
+
+}  // namespace
+
+std::vector<ProtocolLine> JudgeProtocols(const Scan& scan, const std::vector<size_t>& answers,
+                                         const std::vector<Reading>& readings,
+                                         const std::vector<size_t>& running) {
+    std::vector<ProtocolLine> lines;
+    for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3, SweepKind::kWsd}) {
+        for (const bool useIPv6 : {false, true}) {
+            Judge judge(kind, useIPv6);
+            for (size_t index = 0; index < scan.sweeps.size(); ++index) {
+                const bool isRunning =
+                    std::find(running.begin(), running.end(), index) != running.end();
+                judge.TakeSweep(scan.sweeps[index], isRunning);
+            }
+            for (const Reading& reading : readings) judge.TakeReading(reading);
+            for (const size_t index : answers) {
+                const ScanAnswer& answer = scan.answers[index];
+                judge.TakeAnswer(scan.sweeps[answer.sweep], answer);
+            }
+            if (!useIPv6 || judge.WasUsed()) lines.push_back(judge.Line());
+        }
+    }
+    return lines;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,50 @@
+// A scan: the answers of any number of sweeps, as received. Nothing is ever removed from it;
+// devices are derived from it each time, see device_merge.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "values/oid_text.h"
+
+namespace vndiscover::host {
+
+enum class SweepKind { kSnmpV1, kSnmpV3, kWsd };
+
+// The meaning of an answer's bytes.
+enum class AnswerForm {
+    kValue,     // the value of the sweep's OID, up to its first zero byte, of unknown type
+    kDocument,  // the filled-in JSON request
+    kVariable,  // a variable with OID and type, requested after the sweep
+    kReply,     // a WS-Discovery reply
+};
+
+struct ScanSweep {
+    SweepKind kind = SweepKind::kSnmpV1;
+    AnswerForm form = AnswerForm::kValue;
+    bool useIPv6 = false;
+    Oid oid;           // requested, for kValue
+    std::string time;  // of its start, as "2026-11-25T04:32:23Z"
+};
+
+struct ScanAnswer {
+    size_t sweep = 0;  // index in Scan::sweeps
+    std::string time, address;
+    std::string bytes;
+    // For kVariable only.
+    Oid oid;
+    uint32_t type = 0;
+    size_t wholeSize = 0;  // as in Answer
+};
+
+struct Scan {
+    std::vector<ScanSweep> sweeps;
+    std::vector<ScanAnswer> answers;  // in the order of their arrival
+    // Pairs of answers that a person has declared to be of two devices.
+    std::vector<std::pair<size_t, size_t>> splits;
+};
+
+}  // namespace vndiscover::host

@@ -1,0 +1,124 @@
+#include "window/dialogs/dialogs.h"
+
+#include <commctrl.h>
+
+#include "platform/wide_text.h"
+#include "window/controls/dpi.h"
+#include "window/controls/list_copy.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+
+const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure) {
+    WNDCLASSW type = {};
+    type.lpfnWndProc = procedure;
+    type.hInstance = GetModuleHandleW(nullptr);
+    type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+    type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
+    type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    type.lpszClassName = name;
+    RegisterClassW(&type);  // fails harmlessly if it is already registered
+    return name;
+}
+
+std::wstring WindowText(HWND window) {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(
+        static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+void ChangeText(HWND window, const std::wstring& text) {
+    if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
+}
+
+TableDialog::~TableDialog() {
+    if (dialog_) DestroyWindow(dialog_);
+}
+
+void TableDialog::OpenDialog(HWND owner, int resource) {
+    if (!dialog_)
+        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner, Procedure,
+                           reinterpret_cast<LPARAM>(this));
+    if (!dialog_) return;
+    ShowWindow(dialog_, SW_SHOW);
+    SetActiveWindow(dialog_);
+}
+
+INT_PTR CALLBACK TableDialog::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
+        auto* self = reinterpret_cast<TableDialog*>(lParam);
+        self->dialog_ = dialog;
+        self->Begin();
+        return TRUE;
+    }
+    auto* self = reinterpret_cast<TableDialog*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
+    if (!self) return FALSE;
+    if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
+        self->Close();
+    } else if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
+        self->OnCommand(LOWORD(wParam));
+    } else if (message == WM_NCDESTROY) {
+        self->dialog_ = nullptr;
+        self->OnClosed();
+    } else if (message == WM_CONTEXTMENU && IsList(reinterpret_cast<HWND>(wParam))) {
+        ShowCopyMenu(reinterpret_cast<HWND>(wParam), lParam);
+    } else if (message == WM_NOTIFY) {
+        auto* header = reinterpret_cast<NMHDR*>(lParam);
+        self->table_.OnNotify(header);
+        if (header->code == LVN_ITEMCHANGED) self->OnSelected();
+    }
+    return FALSE;
+}
+
+void TableDialog::BeginDialog(const std::wstring& title, int table,
+                              const std::vector<TableColumn>& columns) {
+    SetDialogTexts(dialog_, IDS_TITLE);
+    SetWindowTextW(dialog_, title.c_str());
+    SetItem(IDCANCEL, Text(IDS_CALL_CLOSE));
+    table_.Attach(Item(table));
+    table_.Begin(title, columns, DpiOf(dialog_));
+}
+
+void SetDialogTexts(HWND dialog, unsigned title) {
+    SetWindowTextW(dialog, Text(title).c_str());
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        const int id = GetDlgCtrlID(child);
+        const int text = id == IDOK ? IDS_OK : id == IDCANCEL ? IDS_CANCEL : id;
+        if (text >= IDS_TITLE) SetWindowTextW(child, Text(static_cast<unsigned>(text)).c_str());
+    }
+}
+
+void Tell(HWND owner, const std::wstring& problem, bool isScript) {
+    if (!isScript) {
+        MessageBoxW(owner, problem.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
+        return;
+    }
+    const std::string text = "VnBrowser: " + ToUtf8(problem) + "\n";
+    DWORD written = 0;
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()),
+              &written, nullptr);
+}
+
+int AskToSave(HWND owner) {
+    const std::wstring title = Text(IDS_TITLE), question = Text(IDS_ASK_SAVE);
+    const std::wstring save = Text(IDS_ASK_SAVE_YES), drop = Text(IDS_ASK_SAVE_NO);
+    const std::wstring cancel = Text(IDS_CANCEL);
+    const TASKDIALOG_BUTTON buttons[] = {
+        {IDYES, save.c_str()}, {IDNO, drop.c_str()}, {IDCANCEL, cancel.c_str()}};
+    TASKDIALOGCONFIG dialog = {};
+    dialog.cbSize = sizeof dialog;
+    dialog.hwndParent = owner;
+    dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
+    dialog.pszWindowTitle = title.c_str();
+    dialog.pszMainInstruction = question.c_str();
+    dialog.cButtons = 3;
+    dialog.pButtons = buttons;
+    int answer = IDCANCEL;
+    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
+    return answer;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,270 @@
+#include "window/dialogs/snmp_dialog.h"
+
+#include <vndiscover.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "platform/wide_text.h"
+#include "window/dialogs/dialogs.h"
+#include "window/resource.h"
+#include "window/store/profiles.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr const wchar_t* kAuthLabels[] = {VN_AUTH_MD5,    VN_AUTH_SHA1,   VN_AUTH_SHA224,
+                                          VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
+constexpr const wchar_t* kPrivLabels[] = {VN_PRIV_DES, VN_PRIV_AES};
+
+std::wstring FieldText(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
+
+// Fills in "none" and the labels; selects `chosen`, or "none".
+template <size_t N>
+void Fill(HWND dialog, int id, const wchar_t* const (&labels)[N], const std::wstring& chosen) {
+    const auto add = [&](const wchar_t* text) {
+        SendDlgItemMessageW(dialog, id, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+    };
+    SendDlgItemMessageW(dialog, id, CB_RESETCONTENT, 0, 0);
+    add(Text(IDS_NO_PROTOCOL).c_str());
+    size_t index = 0;
+    for (size_t label = 0; label < N; ++label) {
+        add(labels[label]);
+        if (lstrcmpiW(chosen.c_str(), labels[label]) == 0) index = label + 1;
+    }
+    SendDlgItemMessageW(dialog, id, CB_SETCURSEL, index, 0);
+}
+
+template <size_t N>
+std::wstring Chosen(HWND dialog, int id, const wchar_t* const (&labels)[N]) {
+    const LRESULT index = SendDlgItemMessageW(dialog, id, CB_GETCURSEL, 0, 0);
+    return index > 0 ? labels[index - 1] : L"";
+}
+
+Secret PasswordOf(HWND dialog, int id, const Secret* known) {
+    std::wstring typed = FieldText(dialog, id);
+    if (typed.empty() && known) return Secret(known->Get());
+    return Secret(std::move(typed));
+}
+
+class SnmpDialog {
+  public:
+    explicit SnmpDialog(Credentials& credentials)
+        : credentials_(credentials), known_(credentials.security) {}
+
+    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == WM_INITDIALOG) {
+            SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
+            reinterpret_cast<SnmpDialog*>(lParam)->Begin(dialog);
+            return TRUE;
+        }
+        auto* self = reinterpret_cast<SnmpDialog*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
+        return self && message == WM_COMMAND && self->OnCommand(LOWORD(wParam), HIWORD(wParam));
+    }
+
+  private:
+    void Begin(HWND dialog) {
+        dialog_ = dialog;
+        SetDialogTexts(dialog, IDS_SNMP_TITLE);
+        // Not the passwords, which the module takes in any length.
+        SendDlgItemMessageW(dialog, IDC_COMMUNITY, EM_LIMITTEXT, VN_COMMUNITY_MAX, 0);
+        SendDlgItemMessageW(dialog, IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX, 0);
+        SendDlgItemMessageW(dialog, IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName, 0);
+        const std::string& community = credentials_.community;
+        SetDlgItemTextW(dialog, IDC_COMMUNITY,
+                        ToWide(community.empty() ? VN_DEFAULT_COMMUNITY : community).c_str());
+        ListProfiles();
+        if (known_) {
+            const auto profile = ReadProfile(credentials_.profile);
+            isClosed_ = profile && !profile->isOpen;
+            loaded_ = profile ? credentials_.profile : L"";
+            SetDlgItemTextW(dialog, IDC_PROFILE, loaded_.c_str());
+            Show(*known_, true);
+        } else if (!Load(LastProfile())) {
+            Show({}, false);
+        }
+    }
+
+    bool OnCommand(int id, int code) {
+        if (id == IDC_PROFILE && code == CBN_SELCHANGE) {
+            const LRESULT index = SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_GETCURSEL, 0, 0);
+            wchar_t name[kMaxProfileName + 1] = L"";
+            if (index >= 0 && static_cast<size_t>(index) < names_.size()) {
+                lstrcpynW(name, names_[static_cast<size_t>(index)].c_str(), kMaxProfileName + 1);
+                if (!Load(name)) ShowBroken(name);
+            }
+        } else if (id == IDS_PROFILE_DELETE) {
+            Delete();
+        } else if (id == IDCANCEL) {
+            End(FALSE);
+        } else if (id == IDOK) {
+            Finish();
+        } else {
+            return false;
+        }
+        return true;
+    }
+
+    int Say(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
+        return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
+    }
+
+    std::wstring ProfileName() const { return FieldText(dialog_, IDC_PROFILE); }
+
+    void ListProfiles() {
+        names_ = ProfileNames();
+        SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_RESETCONTENT, 0, 0);
+        for (const std::wstring& name : names_)
+            SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_ADDSTRING, 0,
+                                reinterpret_cast<LPARAM>(name.c_str()));
+    }
+
+    // False if there is no such profile; the fields are then unchanged.
+    bool Load(const std::wstring& name) {
+        auto profile = ReadProfile(name);
+        if (!profile) return false;
+        loaded_ = name;
+        isClosed_ = !profile->isOpen;
+        Show(profile->security, profile->isOpen);
+        // Passwords typed for a profile that cannot be opened remain valid for it.
+        const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
+        if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
+        SetDlgItemTextW(dialog_, IDC_PROFILE, name.c_str());
+        return true;
+    }
+
+    // A profile of which nothing can be read.
+    void ShowBroken(const std::wstring& name) {
+        loaded_ = name;
+        isClosed_ = true;
+        known_.reset();
+        Show({}, false);
+    }
+
+    bool IsKept(const std::wstring& name) const {
+        return std::any_of(names_.begin(), names_.end(), [&](const std::wstring& each) {
+            return lstrcmpiW(each.c_str(), name.c_str()) == 0;
+        });
+    }
+
+    void Show(const Security& user, bool hasPasswords) const {
+        SetDlgItemTextW(dialog_, IDC_USER, user.user.c_str());
+        Fill(dialog_, IDC_AUTH, kAuthLabels, user.authLabel);
+        Fill(dialog_, IDC_PRIV, kPrivLabels, user.privLabel);
+        const std::wstring hint = Text(IDS_SNMP_KNOWN);
+        for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.useAuth),
+                                          std::pair(IDC_PRIV_PASSWORD, user.usePriv)}) {
+            SetDlgItemTextW(dialog_, id, L"");
+            SendDlgItemMessageW(
+                dialog_, id, EM_SETCUEBANNER, TRUE,
+                reinterpret_cast<LPARAM>(hasPasswords && isKnown ? hint.c_str() : L""));
+        }
+        SetDlgItemTextW(dialog_, IDC_PROFILE_NOTE,
+                        Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE).c_str());
+    }
+
+    void Delete() {
+        const std::wstring name = ProfileName();
+        if (!IsKept(name) ||
+            Say(Text(IDS_PROFILE_ASK_DELETE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+            return;
+        if (!DeleteProfile(name)) return void(Say(Text(IDS_PROFILE_NOT_WRITTEN)));
+        isClosed_ = false;
+        known_.reset();
+        loaded_.clear();
+        ListProfiles();
+        Show({}, false);
+    }
+
+    // Null if the input is incomplete.
+    std::shared_ptr<Security> TypedUser() const {
+        auto user = std::make_shared<Security>();
+        user->user = FieldText(dialog_, IDC_USER);
+        user->authLabel = Chosen(dialog_, IDC_AUTH, kAuthLabels);
+        user->privLabel = Chosen(dialog_, IDC_PRIV, kPrivLabels);
+        user->useAuth = !user->authLabel.empty();
+        user->usePriv = !user->privLabel.empty();
+        // A known password is only valid for its user.
+        const Security* known = known_ && known_->user == user->user ? known_.get() : nullptr;
+        if (user->useAuth)
+            user->authPassword =
+                PasswordOf(dialog_, IDC_AUTH_PASSWORD, known ? &known->authPassword : nullptr);
+        if (user->usePriv)
+            user->privPassword =
+                PasswordOf(dialog_, IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
+        // Otherwise the module would send unprotected requests.
+        const bool isWhole = !user->user.empty() && ToUtf8(user->user).size() <= VN_USER_NAME_MAX &&
+                             user->useAuth == !user->authPassword.IsEmpty() &&
+                             user->usePriv == !user->privPassword.IsEmpty() &&
+                             (user->useAuth || !user->usePriv);
+        return isWhole ? user : nullptr;
+    }
+
+    void Finish() {
+        const std::wstring name = ProfileName();
+        const bool isEmpty = name.empty() && FieldText(dialog_, IDC_USER).empty() &&
+                             Chosen(dialog_, IDC_AUTH, kAuthLabels).empty() &&
+                             Chosen(dialog_, IDC_PRIV, kPrivLabels).empty();
+        const std::shared_ptr<Security> user = isEmpty ? nullptr : TypedUser();
+        if (!isEmpty && !user) return void(Say(Text(IDS_SNMP_BAD_USER)));
+        if (!name.empty() && !IsProfileName(name)) return void(Say(Text(IDS_PROFILE_BAD_NAME)));
+        if (user && !name.empty() && !Keep(name, *user)) return;
+        if (name.empty()) KeepLastProfile(name);
+        credentials_.community = ToUtf8(FieldText(dialog_, IDC_COMMUNITY));
+        credentials_.security = user;
+        credentials_.profile = user ? name : L"";
+        End(TRUE);
+    }
+
+    // False if the user wants another name.
+    bool Keep(const std::wstring& name, const Security& user) const {
+        const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
+        const bool isThere = IsKept(name);
+        if (!isLoaded && isThere &&
+            Say(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+            return false;
+        KeepLastProfile(name);
+        if (isLoaded && isThere && isClosed_) return true;  // the note has said so
+        const KeepResult result = KeepProfile(name, user);
+        if (result == KeepResult::kNotSealed) Say(Text(IDS_PROFILE_NOT_SEALED));
+        if (result == KeepResult::kNotWritten) Say(Text(IDS_PROFILE_NOT_WRITTEN));
+        if (result == KeepResult::kLeftAlone) Say(Text(IDS_PROFILE_LEFT_ALONE, {name}));
+        return true;
+    }
+
+    void End(INT_PTR result) const {
+        // Edit controls keep their own copies.
+        for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD}) {
+            const auto length = static_cast<size_t>(GetWindowTextLengthW(GetDlgItem(dialog_, id)));
+            SetDlgItemTextW(dialog_, id, std::wstring(length, L' ').c_str());
+        }
+        EndDialog(dialog_, result);
+    }
+
+    Credentials& credentials_;
+    std::shared_ptr<const Security> known_;  // the user whose passwords need not be typed again
+    HWND dialog_ = nullptr;
+    std::vector<std::wstring> names_;
+    std::wstring loaded_;    // the profile whose user the fields show
+    bool isClosed_ = false;  // it cannot be opened
+};
+
+}  // namespace
+
+bool AskCredentials(HWND owner, Credentials& credentials) {
+    SnmpDialog dialog(credentials);
+    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_SNMP), owner,
+                           SnmpDialog::Procedure, reinterpret_cast<LPARAM>(&dialog)) == TRUE;
+}
+
+bool UseProfile(const std::wstring& name, Credentials& credentials) {
+    auto profile = ReadProfile(name);
+    if (!profile || !profile->isOpen) return false;
+    credentials.security = std::make_shared<const Security>(std::move(profile->security));
+    credentials.profile = name;
+    return true;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,88 @@
+#include "window/main/device_columns.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+#include "platform/wide_text.h"
+#include "window/controls/lists.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr int kWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
+// The most important columns are visible without scrolling.
+constexpr int kOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
+
+}  // namespace
+
+std::wstring ColumnName(Column column) {
+    return Text(IDS_COLUMN_NAME + static_cast<unsigned>(column));
+}
+
+void DeviceColumns::SetDefaults(Settings& settings) {
+    std::copy(std::begin(kWidths), std::end(kWidths), settings.widths.begin());
+    std::copy(std::begin(kOrder), std::end(kOrder), settings.order.begin());
+}
+
+void DeviceColumns::Show(const Settings& settings, int dpi) {
+    // The last one first: the list moves the texts of the others to the left.
+    for (size_t count = shown_.size(); count > 0; --count)
+        SendMessageW(list_, LVM_DELETECOLUMN, count - 1, 0);
+    shown_.clear();
+    for (size_t index = 0; index < kColumnCount; ++index) {
+        if (settings.hidden >> index & 1) continue;
+        const auto column = static_cast<Column>(index);
+        AddColumn(list_, ColumnName(column), MulDiv(settings.widths[index], dpi, 96));
+        shown_.push_back(column);
+    }
+    std::vector<int> order;
+    for (const int32_t index : settings.order) {
+        const auto at = std::find(shown_.begin(), shown_.end(), static_cast<Column>(index));
+        if (at != shown_.end()) order.push_back(static_cast<int>(at - shown_.begin()));
+    }
+    ListView_SetColumnOrderArray(list_, static_cast<int>(order.size()), order.data());
+}
+
+void DeviceColumns::Store(Settings& settings, int dpi) const {
+    std::vector<Heading> headings = Headings();
+    // Hidden columns keep their places and widths.
+    auto next = headings.begin();
+    for (int32_t& index : settings.order) {
+        if (IsShown(static_cast<Column>(index))) index = static_cast<int32_t>((next++)->column);
+    }
+    for (size_t index = 0; index < shown_.size(); ++index)
+        settings.widths[static_cast<size_t>(shown_[index])] =
+            MulDiv(ListView_GetColumnWidth(list_, static_cast<int>(index)), 96, dpi);
+}
+
+bool DeviceColumns::IsShown(Column column) const {
+    return std::find(shown_.begin(), shown_.end(), column) != shown_.end();
+}
+
+std::vector<Heading> DeviceColumns::Headings() const {
+    std::vector<int> order(shown_.size());
+    ListView_GetColumnOrderArray(list_, static_cast<int>(order.size()), order.data());
+    std::vector<Heading> headings;
+    headings.reserve(order.size());
+    for (const int index : order) headings.push_back({At(index), ToUtf8(ColumnName(At(index)))});
+    return headings;
+}
+
+void DeviceColumns::MarkSorted(Column sorted, bool isDescending) {
+    const HWND header = ListView_GetHeader(list_);
+    for (size_t index = 0; index < shown_.size(); ++index) {
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, index, reinterpret_cast<LPARAM>(&item));
+        const int old = item.fmt;
+        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (shown_[index] == sorted) item.fmt |= isDescending ? HDF_SORTDOWN : HDF_SORTUP;
+        if (item.fmt != old)
+            SendMessageW(header, HDM_SETITEMW, index, reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,42 @@
+// The columns of the device list: which are shown, in which order, how wide.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "model/scan/device_view.h"
+#include "window/store/settings.h"
+
+namespace vndiscover::host {
+
+// The heading of a column.
+std::wstring ColumnName(Column column);
+
+// Numbers of columns in the list are not those of Column, since the list has only those shown.
+class DeviceColumns {
+  public:
+    // What a user without settings gets.
+    static void SetDefaults(Settings& settings);
+
+    // The list must outlive it.
+    void Use(HWND list) { list_ = list; }
+    void Show(const Settings& settings, int dpi);
+    void Store(Settings& settings, int dpi) const;
+
+    Column At(int index) const {
+        const auto at = static_cast<size_t>(index);
+        return at < shown_.size() ? shown_[at] : Column::kName;
+    }
+    bool IsShown(Column column) const;
+    // As they are shown, from left to right.
+    std::vector<Heading> Headings() const;
+    void MarkSorted(Column column, bool isDescending);
+
+  private:
+    HWND list_ = nullptr;
+    std::vector<Column> shown_;  // in the order of Column, as in the list
+};
+
+}  // namespace vndiscover::host

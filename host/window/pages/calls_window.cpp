@@ -1,0 +1,105 @@
+#include "window/pages/calls_window.h"
+
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "values/plain_text.h"
+#include "window/controls/dpi.h"
+#include "window/controls/list_copy.h"
+#include "window/controls/lists.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxCalls = 1000;
+enum { kTime, kExport, kResult, kDuration };
+
+std::wstring CellText(const Call& call, size_t column) {
+    switch (column) {
+        case kTime:
+            return LocalTime(call.time);
+        case kExport:
+            return ToWide(PlainText(CallLine(call)));
+        case kResult:
+            if (call.more != 0)
+                return Text(IDS_CALL_MORE,
+                            {std::to_wstring(call.more + 1), ToWide(PlainText(call.result))});
+            return call.answers ? Text(IDS_CALL_ANSWERS,
+                                       {ToWide(call.result), std::to_wstring(*call.answers)})
+                                : ToWide(PlainText(call.result));
+        default:
+            return std::to_wstring(call.milliseconds);
+    }
+}
+
+// With the line breaks of an edit control.
+std::wstring Lines(const std::string& text) {
+    std::string lines;
+    for (const char letter : text)
+        lines += letter == '\n' ? std::string("\r\n") : std::string(1, letter);
+    return ToWide(lines);
+}
+
+}  // namespace
+
+void CallsWindow::Add(Call call) {
+    if (call.walk != 0 && !calls_.empty() && calls_.front().walk == call.walk) {
+        ++calls_.front().more;
+        isFolded_ = true;
+        return;
+    }
+    calls_.push_front(std::move(call));
+    if (calls_.size() > kMaxCalls) calls_.pop_back();
+    ++added_;
+}
+
+void CallsWindow::Refresh() {
+    const size_t added = std::exchange(added_, 0);
+    const bool isFolded = std::exchange(isFolded_, false);
+    if (!IsOpen() || (added == 0 && !isFolded)) return;
+    const int selected = SelectedRow(table_.Handle());
+    table_.Show(calls_.size(),
+                [this](size_t row, size_t column) { return CellText(calls_[row], column); });
+    // The selection stays with its call.
+    const size_t row = static_cast<size_t>(selected) + added;
+    const bool isKept = selected >= 0 && row < calls_.size();
+    SelectRow(table_.Handle(), isKept ? static_cast<int>(row) : -1);
+    if (!isKept) ShowText();
+}
+
+void CallsWindow::Begin() {
+    BeginDialog(
+        Text(IDS_CALLS_TITLE), IDC_CALLS,
+        {{IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_RESULT, 190}, {IDS_CALL_MS, 50}});
+    font_ =
+        CreateFontW(-MulDiv(9, DpiOf(dialog_), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0,
+                    0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN, L"Consolas");
+    SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
+    CheckRadioButton(dialog_, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_CPP);
+    added_ = calls_.size();
+    ShowText();
+    Refresh();
+}
+
+void CallsWindow::OnCommand(int id) {
+    if (id >= IDS_CALL_CPP && id <= IDS_CALL_COMMAND) ShowText();
+    if (id == IDS_CALL_COPY) CopyText(dialog_, WindowText(Item(IDC_CALL_TEXT)));
+}
+
+void CallsWindow::ShowText() {
+    const auto row = static_cast<size_t>(SelectedRow(table_.Handle()));
+    std::wstring text = Text(IDS_CALLS_NONE);
+    if (row < calls_.size()) {
+        const CallLanguage language =
+            IsDlgButtonChecked(dialog_, IDS_CALL_COMMAND)  ? CallLanguage::kCommand
+            : IsDlgButtonChecked(dialog_, IDS_CALL_CSHARP) ? CallLanguage::kCSharp
+                                                           : CallLanguage::kCpp;
+        text = Lines(CallText(calls_[row], language));
+        if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);
+    }
+    SetItem(IDC_CALL_TEXT, text);
+}
+
+}  // namespace vndiscover::host

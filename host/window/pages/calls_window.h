@@ -1,0 +1,36 @@
+// The calls of the module that the window has made, each as text to copy.
+#pragma once
+
+#include <windows.h>
+
+#include <deque>
+#include <string>
+
+#include "model/asking/call_text.h"
+#include "window/dialogs/dialogs.h"
+#include "window/resource.h"
+
+namespace vndiscover::host {
+
+class CallsWindow : private TableDialog {
+  public:
+    // Only the last thousand are kept. Calls of one walk that come one after the other are one row.
+    void Add(Call call);
+    // Shows the calls that were added since the last time.
+    void Refresh();
+    void Open(HWND owner) { OpenDialog(owner, IDD_CALLS); }
+
+  private:
+    void Begin() override;
+    void OnCommand(int id) override;
+    void OnSelected() override { ShowText(); }
+    void OnClosed() override { DeleteObject(font_); }
+    void ShowText();
+
+    std::deque<Call> calls_;  // the newest first, as in the list
+    size_t added_ = 0;        // since Refresh
+    bool isFolded_ = false;   // likewise, a call is in the row of another
+    HFONT font_ = nullptr;    // of the text, while the dialog is open
+};
+
+}  // namespace vndiscover::host

@@ -1,0 +1,32 @@
+// The page that tells why there are no devices, or why one does not answer.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "window/pages/pages.h"
+#include "window/work/workers.h"
+
+namespace vndiscover::host {
+
+class DoctorPage {
+  public:
+    // Begins another page, which opens with the next report on this computer. `address`: of the
+    // device that is diagnosed; empty: none.
+    void Begin(const std::string& address);
+    // Opens or refreshes the page if the event is a report or a diagnosis.
+    void Take(const Event& event, HWND owner);
+    // The diagnosis was stopped. One that has begun is taken once its last step is over.
+    void Stop(HWND owner);
+
+  private:
+    void Show(HWND owner);
+
+    std::optional<ComputerReport> report_;
+    DeviceReport device_;
+    HWND page_ = nullptr;
+};
+
+}  // namespace vndiscover::host

@@ -1,0 +1,17 @@
+// A window that shows a report until its owner is closed, or Esc is pressed.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "window/controls/facts_list.h"
+
+namespace vndiscover::host {
+
+HWND OpenPage(HWND owner, const std::wstring& title, std::vector<Fact> facts);
+// Replaces the facts of a page; has no effect if the user has closed it.
+void ShowInPage(HWND page, std::vector<Fact> facts);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,130 @@
+#include "window/pages/walk_window.h"
+
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+#include "values/plain_text.h"
+#include "window/controls/list_copy.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr wchar_t kDefaultRoot[] = L".1.3.6.1.2.1";
+constexpr WPARAM kMaxRootLength = 1000;
+
+std::wstring EndText(const WalkEnd& end) {
+    const std::wstring count = std::to_wstring(end.variables), at = ToWide(OidToText(end.at));
+    if (end.variables >= kMaxWalkVariables) return Text(IDS_WALK_FULL, {count});
+    if (end.isStopped) return Text(IDS_WALK_STOPPED, {count});
+    if (end.last.status != Status::kAnswered)
+        return Text(IDS_WALK_PROBLEM, {count, ToWide(Problem(end.last))});
+    if (end.step == WalkStep::kNotIncreasing) return Text(IDS_WALK_TURNS, {count, at});
+    if (end.step == WalkStep::kLastReachable) return Text(IDS_WALK_LAST, {count, at});
+    return Text(IDS_WALK_END, {count});
+}
+
+}  // namespace
+
+void WalkWindow::Open(HWND owner, AskTarget target) {
+    if (IsOpen() && target.address != target_.address) Close();
+    target_ = std::move(target);
+    OpenDialog(owner, IDD_WALK);
+}
+
+void WalkWindow::Take(const Event& event) {
+    if (!IsOpen() || state_ == State::kIdle || event.walk != walk_) return;
+    if (event.kind == Event::kWalkBegan && state_ == State::kWaiting) {
+        state_ = State::kWalking;
+        startMs_ = GetTickCount64();
+    }
+    if (event.kind == Event::kWalkStep) values_.push_back(event.variable);
+    if (event.kind != Event::kWalked) return;
+    state_ = State::kIdle;
+    SetItem(IDS_WALK_START, Text(IDS_WALK_START));
+    ShowState(EndText(event.walkEnd));
+    ShowValues();
+}
+
+void WalkWindow::Refresh() {
+    if (!IsOpen() || state_ == State::kIdle) return;
+    ShowValues();
+    const std::wstring seconds = std::to_wstring((GetTickCount64() - startMs_) / 1000);
+    ShowState(state_ == State::kWaiting
+                  ? Text(IDS_WALK_WAITING, {seconds})
+                  : Text(IDS_WALKING, {std::to_wstring(values_.size()), seconds}));
+}
+
+void WalkWindow::Begin() {
+    BeginDialog(Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))}), IDC_WALK_VALUES,
+                {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}});
+    SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
+    SetItem(IDC_WALK_ROOT, kDefaultRoot);
+    ShowState(Text(IDS_WALK_READY));
+}
+
+// The worker may still wait for its last answer.
+void WalkWindow::OnClosed() {
+    if (std::exchange(state_, State::kIdle) != State::kIdle) actions_.stop();
+    values_.clear();
+}
+
+void WalkWindow::OnCommand(int id) {
+    if (id == IDS_WALK_START) {
+        if (state_ == State::kIdle) {
+            Start();
+        } else {
+            Stop();
+        }
+    } else if (id == IDS_WALK_COPY_ROW || id == IDS_WALK_COPY_ALL) {
+        CopyFromList(table_.Handle(), id == IDS_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
+    }
+}
+
+void WalkWindow::Start() {
+    const std::wstring text = WindowText(Item(IDC_WALK_ROOT));
+    const auto root = ParseOidOrName(ToUtf8(text));
+    const Oid start = root ? WalkStart(*root) : Oid();
+    if (!root || !FitsRequest(start) || IsMisencoded(start)) {
+        ShowState(Text(root ? IDS_WALK_NO_ROOT : IDS_WALK_BAD_ROOT, {text}));
+        SetFocus(Item(IDC_WALK_ROOT));
+        return;
+    }
+    values_.clear();
+    table_.Show(0, nullptr);
+    state_ = State::kWaiting;
+    startMs_ = GetTickCount64();
+    SetItem(IDS_WALK_START, Text(IDS_WALK_STOP));
+    actions_.start(target_, *root, ++walk_);
+    Refresh();
+}
+
+void WalkWindow::Stop() {
+    state_ = State::kStopping;  // until the last answer
+    SetItem(IDS_WALK_START, Text(IDS_STOPPING));
+    actions_.stop();
+}
+
+void WalkWindow::ShowValues() {
+    table_.Show(values_.size(),
+                [this](size_t row, size_t column) { return CellText(row, column); });
+}
+
+void WalkWindow::ShowState(const std::wstring& text) { SetItem(IDC_WALK_STATE, text); }
+
+std::wstring WalkWindow::CellText(size_t row, size_t column) const {
+    const Answer& answer = values_[row];
+    const std::string oid = OidToText(answer.oid);
+    if (column == 0) return ToWide(oid);
+    if (column == 1) {
+        const std::string name = NameText(answer.oid);
+        return name == oid ? L"" : ToWide(name);
+    }
+    const std::wstring value = ToWide(FormatNamedValue(answer.oid, answer.type, answer.bytes));
+    const bool isCut = answer.wholeSize > answer.bytes.size();
+    return isCut ? Text(IDS_ANSWER_CUT, {value, std::to_wstring(answer.wholeSize)}) : value;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,50 @@
+// A window that reads a subtree of one device's variables.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "window/dialogs/dialogs.h"
+#include "window/work/workers.h"
+
+namespace vndiscover::host {
+
+class WalkWindow : private TableDialog {
+  public:
+    struct Actions {
+        std::function<void(const AskTarget& target, const Oid& root, unsigned walk)> start;
+        std::function<void()> stop;
+    };
+    explicit WalkWindow(Actions actions) : actions_(std::move(actions)) {}
+
+    // Opens it for a device, or brings it to the front. Another device's walk is stopped.
+    void Open(HWND owner, AskTarget target);
+    // Ignores events of walks that it no longer shows.
+    void Take(const Event& event);
+    // Shows what was taken since the last time.
+    void Refresh();
+
+  private:
+    enum class State { kIdle, kWaiting, kWalking, kStopping };
+
+    void Begin() override;
+    void OnCommand(int id) override;
+    void OnClosed() override;
+    void Start();
+    void Stop();
+    void ShowValues();
+    void ShowState(const std::wstring& text);
+    std::wstring CellText(size_t row, size_t column) const;
+
+    Actions actions_;
+    AskTarget target_;
+    State state_ = State::kIdle;
+    unsigned walk_ = 0;  // number of the one that is shown
+    ULONGLONG startMs_ = 0;
+    std::vector<Answer> values_;
+};
+
+}  // namespace vndiscover::host

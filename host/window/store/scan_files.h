@@ -1,0 +1,25 @@
+// The files of the window. Paths are UTF-8; notes and problems are texts for the user.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "model/scan/scan.h"
+
+namespace vndiscover::host {
+
+// Asks for a file with this extension; `kind` is the string that names it. Empty if none was
+// chosen.
+std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving);
+
+// Empty, with the reason in `problem`, if the file has no scan of this version.
+std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);
+
+// An existing file is not touched until the new one is complete. False if it was not saved; `note`
+// tells in either case.
+bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note);
+bool SaveText(const std::string& text, const std::string& path, std::wstring& note);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,42 @@
+#include "window/store/settings.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+namespace vndiscover::host {
+namespace {
+
+constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
+constexpr wchar_t kValue[] = L"View";
+constexpr uint32_t kPresetCount = 3;
+constexpr int32_t kMaxWidth = 4000;
+
+bool MakesSense(const Settings& settings) {
+    std::array<int32_t, kColumnCount> sorted = settings.order;
+    std::sort(sorted.begin(), sorted.end());
+    for (size_t index = 0; index < kColumnCount; ++index) {
+        const int32_t width = settings.widths[index];
+        if (sorted[index] != static_cast<int32_t>(index) || width < 0 || width > kMaxWidth)
+            return false;
+    }
+    return settings.preset < kPresetCount && settings.hidden < kAllColumns;
+}
+
+}  // namespace
+
+std::optional<Settings> LoadSettings() {
+    Settings settings;
+    DWORD size = sizeof settings;
+    const LSTATUS status =
+        RegGetValueW(HKEY_CURRENT_USER, kKey, kValue, RRF_RT_REG_BINARY, nullptr, &settings, &size);
+    if (status != ERROR_SUCCESS || size != sizeof settings || !MakesSense(settings))
+        return std::nullopt;
+    return settings;
+}
+
+void KeepSettings(const Settings& settings) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, kValue, REG_BINARY, &settings, sizeof settings);
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,80 @@
+// The window's access to the network. ModuleEngine uses VnDiscover.dll; tests use a scripted
+// engine.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "device/security.h"
+#include "model/asking/call_text.h"
+#include "model/asking/host_diagnosis.h"
+#include "model/asking/walk.h"
+#include "model/computer/computer_report.h"
+#include "model/printer/printer_reader.h"
+#include "model/scan/scan.h"
+
+namespace vndiscover::host {
+
+struct Credentials {
+    std::string community;                     // UTF-8; empty: the module's default
+    std::shared_ptr<const Security> security;  // null: there is no SNMPv3 user
+    std::wstring profile;                      // from which the user is; empty: none
+};
+
+// One call of the module: one protocol over one version of IP.
+struct SweepStep {
+    SweepKind kind = SweepKind::kSnmpV1;
+    bool useIPv6 = false;
+    Oid oid;  // to request, for SNMP
+    Credentials credentials;
+};
+
+struct AskTarget {
+    std::string address;
+    SweepKind kind = SweepKind::kSnmpV1;  // kSnmpV3: with the user
+    Credentials credentials;
+};
+
+// Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading or
+// walk at a time.
+class Engine {
+  public:
+    using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;
+    virtual ~Engine() = default;
+
+    // Calls onAnswer on the calling thread, for each answer as it is delivered.
+    virtual void Sweep(const SweepStep& step, const OnAnswer& onAnswer) = 0;
+    // For any thread. Without a running sweep it has no effect, so it must be repeated.
+    virtual void StopSnmp() = 0;
+    virtual void StopWsd() = 0;
+    // mayGoOn is called before each request, which takes 12 s at most.
+    virtual PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
+    using OnVariable = std::function<bool(const Answer&)>;  // false: no more
+    virtual WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
+                         const OnVariable& onVariable) = 0;
+    // Takes the steps of host_diagnosis.h over SNMPv1 and SNMPv3; mayGoOn is called before each.
+    virtual HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
+
+    // About this computer; these send nothing.
+    virtual AdapterList IPv4() = 0;
+    virtual ComputerReport Report() = 0;
+
+    // Called after each call of the module, on its thread. Must be set while no other method runs.
+    using OnCall = std::function<void(Call call)>;
+    void SetOnCall(OnCall onCall) { onCall_ = std::move(onCall); }
+
+  protected:
+    void Tell(Call call) const {
+        if (onCall_) onCall_(std::move(call));
+    }
+
+  private:
+    OnCall onCall_;
+};
+
+// The form of a step's answers.
+AnswerForm FormOf(const SweepStep& step);
+
+}  // namespace vndiscover::host

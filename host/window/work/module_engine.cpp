@@ -1,0 +1,182 @@
+#include "window/work/module_engine.h"
+
+#include <vndiscover.h>
+
+#include <cstring>
+
+#include "model/asking/json_request.h"
+#include "platform/result_window.h"
+#include "platform/saved_file.h"
+#include "platform/this_computer.h"
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+#include "values/oid_text.h"
+#include "window/work/calls.h"
+#include "wsd/wsd_message.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr UINT kUnusedTimeoutMs = kUnusedSweepTimeoutMs;
+constexpr UINT kMessage = ResultWindow::kMessage;
+
+const Oid& DefaultOid() {
+    static const Oid oid = *ParseOid(VN_DEFAULT_DISCOVERY_OID);
+    return oid;
+}
+
+void SweepV1(HWND window, const SweepStep& step) {
+    DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, step.useIPv6 ? 1 : 0,
+                         ToWide(OidToText(step.oid)).c_str(), nullptr,
+                         ToWide(step.credentials.community).c_str(), nullptr);
+}
+
+// SNMPv3 sweeps accept an OID only in a JSON request.
+void SweepV3(HWND window, const SweepStep& step) {
+    const Security& user = *step.credentials.security;
+    const BYTE useIPv6 = step.useIPv6 ? 1 : 0;
+    const BYTE useAuth = user.useAuth ? 1 : 0;
+    const BYTE usePriv = user.usePriv ? 1 : 0;
+    if (step.oid == DefaultOid()) {
+        DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, useIPv6, user.user.c_str(), useAuth,
+                       user.authPassword.Get(), usePriv, user.privPassword.Get(),
+                       user.authLabel.c_str(), user.privLabel.c_str());
+        return;
+    }
+    DiscoverV3DevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, useIPv6,
+                               ToWide(RequestFor(OidToText(step.oid))).c_str(), user.user.c_str(),
+                               useAuth, user.authPassword.Get(), usePriv, user.privPassword.Get(),
+                               user.authLabel.c_str(), user.privLabel.c_str());
+}
+
+void SweepWsd(HWND window, const std::string& probe) {
+    DiscoverSoap(window, kMessage, kWsdSilenceMs, probe.data(), static_cast<int32_t>(probe.size()));
+}
+
+Security CopyOf(const Security& user) {
+    Security copy;
+    copy.user = user.user;
+    copy.authLabel = user.authLabel;
+    copy.privLabel = user.privLabel;
+    copy.authPassword = Secret(user.authPassword.Get());
+    copy.privPassword = Secret(user.privPassword.Get());
+    copy.useAuth = user.useAuth;
+    copy.usePriv = user.usePriv;
+    return copy;
+}
+
+Device DeviceOf(const AskTarget& target) {
+    Device device(target.address, ToAnsi(target.credentials.community), "");
+    if (target.kind == SweepKind::kSnmpV3 && target.credentials.security)
+        device.Use(CopyOf(*target.credentials.security));
+    return device;
+}
+
+// Measures the time of a call.
+class Stopwatch {
+  public:
+    Call Timed(Call call) const {
+        call.time = time_;
+        call.milliseconds = static_cast<unsigned>(GetTickCount64() - startMs_);
+        return call;
+    }
+
+  private:
+    std::string time_ = UtcNow();
+    ULONGLONG startMs_ = GetTickCount64();
+};
+
+}  // namespace
+
+AnswerForm FormOf(const SweepStep& step) {
+    if (step.kind == SweepKind::kWsd) return AnswerForm::kReply;
+    const bool isDocument = step.kind == SweepKind::kSnmpV3 && step.oid != DefaultOid();
+    return isDocument ? AnswerForm::kDocument : AnswerForm::kValue;
+}
+
+void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
+    const bool isWsd = step.kind == SweepKind::kWsd;
+    // Created on the sweeping thread, so that the module calls it directly.
+    size_t answers = 0;
+    const ResultWindow window([&](const char* address, const char* value) {
+        ++answers;
+        // A reply that fills its buffer has no terminating zero.
+        onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
+    });
+    if (step.kind == SweepKind::kSnmpV3 && !step.credentials.security) return;
+    const std::string probe = isWsd ? BuildProbe("wsdp:Device", NewUuid()) : "";
+    const Stopwatch watch;
+    if (isWsd) {
+        SweepWsd(window.Handle(), probe);
+    } else if (step.kind == SweepKind::kSnmpV1) {
+        SweepV1(window.Handle(), step);
+    } else {
+        SweepV3(window.Handle(), step);
+    }
+    Call call = watch.Timed(CallOf(step, probe));
+    call.result = "0";  // always
+    call.answers = answers;
+    Tell(std::move(call));
+}
+
+void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }
+void ModuleEngine::StopWsd() { StopDiscoverSoap(); }
+
+Asker ModuleEngine::AskerFor(const Device& device, const AskTarget& target,
+                             std::function<bool()> mayGoOn, unsigned walk) const {
+    Asker asker = AskerOf(device);
+    asker.mayGoOn = std::move(mayGoOn);
+    asker.getNext = [this, &target, walk, ask = std::move(asker.getNext)](const Oid& oid) {
+        const Stopwatch watch;
+        Answer answer = ask(oid);
+        Call call = watch.Timed(CallOf(target, oid));
+        call.result = answer.status == Status::kAnswered
+                          ? NameText(answer.oid) + " = " +
+                                FormatNamedValue(answer.oid, answer.type, answer.bytes)
+                          : Problem(answer);
+        if (answer.status == Status::kAnswered) call.walk = walk;  // a failure is shown by itself
+        Tell(std::move(call));
+        return answer;
+    };
+    return asker;
+}
+
+PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
+    const Device device = DeviceOf(target);
+    const Asker asker = AskerFor(device, target, std::move(mayGoOn), 0);
+    return ReadInterfaces(asker, ReadPrinter(asker));
+}
+
+WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
+                           const OnVariable& onVariable) {
+    const Device device = DeviceOf(target);
+    return WalkSubtree(AskerFor(device, target, std::move(mayGoOn), ++walks_), root, onVariable);
+}
+
+HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) {
+    AskTarget v1 = target, v3 = target;
+    v1.kind = SweepKind::kSnmpV1;
+    v3.kind = SweepKind::kSnmpV3;
+    // An empty user name reaches the SNMPv3 engine.
+    if (!v3.credentials.security) v3.credentials.security = std::make_shared<const Security>();
+    const Device v1Device = DeviceOf(v1), v3Device = DeviceOf(v3);
+    DiagnosisSteps steps;
+    steps.ping = [&] {
+        const Stopwatch watch;
+        const bool hasAnswered = VxPing(ToAnsi(target.address).c_str(), kPingTimeoutMs) != 0;
+        Call call = watch.Timed(PingOf(target.address));
+        call.result = hasAnswered ? "1" : "0";
+        Tell(std::move(call));
+        return hasAnswered;
+    };
+    steps.v1 = AskerFor(v1Device, v1, nullptr, 0);
+    steps.v3 = AskerFor(v3Device, v3, nullptr, 0);
+    steps.hasUser = target.credentials.security != nullptr;
+    steps.mayGoOn = std::move(mayGoOn);
+    return host::Diagnose(steps);
+}
+
+AdapterList ModuleEngine::IPv4() { return ThisComputer().IPv4(); }
+ComputerReport ModuleEngine::Report() { return ReportOn(ThisComputer()); }
+
+}  // namespace vndiscover::host

@@ -1,0 +1,115 @@
+// Walks of a subtree: their steps, and why a device refuses to be asked.
+#include "model/asking/walk.h"
+
+#include <gtest/gtest.h>
+
+#include "host/model/scripted_device.h"
+#include "model/asking/refusal.h"
+
+namespace vndiscover::host {
+namespace {
+
+const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};
+
+class WalkTest : public testing::Test {
+  protected:
+    WalkTest() {
+        device_.Text("sysDescr.0", "printer");
+        device_.Text("sysName.0", "hall");
+        device_.Integer("ifNumber.0", 2);
+    }
+    WalkEnd Walk(const Asker& asker, const Oid& root) {
+        seen_.clear();
+        return WalkSubtree(asker, root, [&](const Answer& answer) {
+            seen_ += NameText(answer.oid) + " ";
+            return seen_.size() < 1000;
+        });
+    }
+    ScriptedDevice device_;
+    std::string seen_;
+};
+
+TEST_F(WalkTest, EndsWithTheSubtree) {
+    const WalkEnd end = Walk(device_.MakeAsker(), kSystem);
+    EXPECT_EQ("sysDescr.0 sysName.0 ", seen_);
+    EXPECT_EQ(WalkStep::kEnd, end.step);
+    EXPECT_EQ(2u, end.variables);
+    // An OID in a request has two numbers; the subtree is still all of .1.
+    EXPECT_EQ(WalkStep::kEnd, Walk(device_.MakeAsker(), {1}).step);
+    EXPECT_EQ("sysDescr.0 sysName.0 ifNumber.0 ", seen_);
+}
+
+TEST_F(WalkTest, SaysWhyItEndedEarly) {
+    device_.failure = [](const Oid& asked) {
+        return asked == kSystem ? Status::kAnswered : Status::kNoAnswer;
+    };
+    WalkEnd end = Walk(device_.MakeAsker(), kSystem);
+    EXPECT_EQ("sysDescr.0 ", seen_);
+    EXPECT_EQ(Status::kNoAnswer, end.last.status);
+    EXPECT_EQ(WalkStep::kVariable, end.step);
+    EXPECT_FALSE(end.isStopped);
+
+    Asker asker = device_.MakeAsker();
+    asker.mayGoOn = [&] { return seen_.empty(); };
+    end = Walk(asker, kSystem);
+    EXPECT_EQ("sysDescr.0 ", seen_);
+    EXPECT_TRUE(end.isStopped);
+
+    device_.failure = nullptr;
+    device_.Integer(".1.3.6.1.2.1.1.9.20000", 1);
+    end = Walk(device_.MakeAsker(), kSystem);
+    EXPECT_EQ(WalkStep::kLastReachable, end.step);
+    EXPECT_EQ(3u, end.variables);
+    EXPECT_EQ(20000u, end.at.back());
+
+    asker.mayGoOn = nullptr;
+    asker.getNext = [](const Oid&) {
+        return AnsweredWith({1, 3, 6, 1, 2, 1, 1, 1}, kInteger, "\1");
+    };
+    end = Walk(asker, kSystem);
+    EXPECT_EQ(WalkStep::kNotIncreasing, end.step);
+    EXPECT_EQ(1u, end.variables);
+}
+
+TEST_F(WalkTest, CallerEndsIt) {
+    const WalkEnd end =
+        WalkSubtree(device_.MakeAsker(), kSystem, [](const Answer&) { return false; });
+    EXPECT_TRUE(end.isStopped);
+    EXPECT_EQ(1u, end.variables);
+    EXPECT_EQ(1u, device_.requests);
+}
+
+const Oid kAsked = {1, 3, 6, 1, 2, 1, 1, 1, 0};
+
+// What a scripted device never answers.
+TEST(WalkStep, NeverLoops) {
+    const std::tuple<WalkStep, Oid, uint32_t, bool> rows[] = {
+        {WalkStep::kVariable, {1, 3, 6, 1, 2, 1, 1, 2, 0}, kNull, false},
+        {WalkStep::kEnd, kAsked, kEndOfMibView, true},
+        {WalkStep::kNotIncreasing, kAsked, kInteger, false},
+        {WalkStep::kNotIncreasing, {1, 3, 6}, kNull, false}};
+    for (const auto& [step, answered, type, isV3] : rows) {
+        EXPECT_EQ(step, JudgeAnswer(kSystem, kAsked, answered, type, isV3))
+            << OidToText(answered) << " type " << type;
+    }
+}
+
+// The counters of RFC 3412 to 3414; .11.2.1 and .12.1 come from agents that use contexts.
+TEST(Refusals, AreReportsAndNotTheCountersThemselves) {
+    const Oid wrongDigest = {1, 3, 6, 1, 6, 3, 15, 1, 1, 5, 0};
+    const std::pair<Oid, const char*> rows[] = {
+        {wrongDigest, "wrong authentication password"},
+        {{1, 3, 6, 1, 6, 3, 11, 2, 1, 3, 0}, "context engine ID"},
+        {{1, 3, 6, 1, 6, 3, 12, 1, 5, 0}, "default context"}};
+    for (const auto& [counter, words] : rows) {
+        const char* reason = RefusalReason(kAsked, counter, kCounter32);
+        ASSERT_TRUE(reason) << OidToText(counter);
+        EXPECT_NE(std::string::npos, std::string(reason).find(words)) << reason;
+    }
+    EXPECT_FALSE(RefusalReason(kAsked, wrongDigest, kInteger));
+    EXPECT_FALSE(RefusalReason(kAsked, {1, 3, 6, 1, 6, 3, 15, 1, 1, 7, 0}, kCounter32));
+    EXPECT_FALSE(RefusalReason({1, 3, 6, 1, 6, 3, 15, 1, 1, 4, 0}, wrongDigest, kCounter32));
+}
+
+}  // namespace
+}  // namespace vndiscover::host

@@ -1,0 +1,51 @@
+// Levels that real printers send (RFC 3805, prtMarkerSuppliesLevel).
+#include "model/printer/level.h"
+
+#include <gtest/gtest.h>
+
+namespace vndiscover::host {
+namespace {
+
+struct Row {
+    Level level;
+    std::optional<int> percent;
+    const char* text;
+};
+
+TEST(Levels, AreSignedAndNeverMoreThanFull) {
+    constexpr int64_t kHuge = INT64_MAX;
+    const std::string pages = "impressions";
+    const Row rows[] = {
+        {{400, 1000, pages}, 40, "40 % (400 of 1000 impressions)"},
+        {{0, 1000, ""}, 0, "0 % (0 of 1000)"},
+        {{1, 1000, ""}, 0, "under 1 % (1 of 1000)"},
+        {{999, 1000, ""}, 99, "99 % (999 of 1000)"},
+        {{29, 100, ""}, 29, "29 % (29 of 100)"},
+        {{130, 100, pages}, 100, "100 % (130 of 100 impressions, above the maximum)"},
+        {{kHuge - 1, kHuge, ""}, 100, "100 % (9223372036854775806 of 9223372036854775807)"},
+        {{-1, 1000, pages}, {}, "no limit"},
+        {{-2, 1000, pages}, {}, "unknown"},
+        {{-3, 1000, pages}, {}, "some left"},
+        {{-7, 1000, pages}, {}, "unknown (-7)"},
+        {{1200, -2, pages}, {}, "1200 impressions, maximum unknown"},
+        {{1200, 0, ""}, {}, "1200, maximum unknown"},
+        {{1200, {}, pages}, {}, "1200 impressions, maximum unknown"},
+        {{1200, -1, pages}, {}, "1200 impressions, no maximum"},
+        {{{}, 1000, pages}, {}, "not read"},
+        // The level is the percentage, whatever the maximum.
+        {{40, -2, "percent", true}, 40, "40 %"},
+        {{40, 50, "percent", true}, 40, "40 %"},
+        {{120, 100, "percent", true}, 100, "100 % (the device says 120 %)"},
+        {{-3, 100, "percent", true}, {}, "some left"},
+        // A receptacle's level is its remaining capacity.
+        {{80, 100, "percent", true, true}, 80, "room left: 80 %"},
+        {{-3, -2, "", false, true}, {}, "room left: some"},
+        {{0, 30000, pages, false, true}, 0, "room left: 0 % (0 of 30000 impressions)"}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.percent, PercentOf(row.level)) << row.text;
+        EXPECT_EQ(row.text, LevelText(row.level));
+    }
+}
+
+}  // namespace
+}  // namespace vndiscover::host

@@ -1,0 +1,156 @@
+// Limits on what a misbehaving device can cost.
+#include "model/printer/printer_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "host/model/scripted_device.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr char kPrinterType[] = ".1.3.6.1.2.1.25.3.1.5";
+
+ScriptedDevice Printer() {
+    ScriptedDevice device;
+    device.Text("sysName.0", "hall");
+    device.Object("hrDeviceType.3", kPrinterType);
+    device.Text("hrDeviceDescr.3", "VN LaserPro 410");
+    device.Text("prtGeneralSerialNumber.3", "VN1");
+    for (const char* name : {"prtInputCurrentLevel.3.1", "prtInputCurrentLevel.3.2"})
+        device.Integer(name, 5);
+    return device;
+}
+
+bool HasGap(const PrinterAnswers& answers, const std::string& subject, const std::string& object,
+            const std::string& reason) {
+    return std::any_of(answers.gaps.begin(), answers.gaps.end(), [&](const Gap& gap) {
+        return gap.subject == subject && gap.object == object &&
+               gap.reason.find(reason) != std::string::npos;
+    });
+}
+
+TEST(PrinterReader, ReadsTheRowsOfThePrinter) {
+    ScriptedDevice device = Printer();
+    device.Text("hrDeviceDescr.1", "a processor");
+    device.Text("entPhysicalSerialNum.1", "of a part");
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_EQ(device.variables.size() - 2, answers.values.size());
+    EXPECT_FALSE(answers.values.count(*ParseOidOrName("hrDeviceDescr.1")));
+    EXPECT_TRUE(answers.gaps.empty());
+    EXPECT_LT(device.requests, 45u);
+}
+
+TEST(PrinterReader, StopsIfTheDeviceIsSilentOrRefuses) {
+    for (const Status status :
+         {Status::kNoAnswer, Status::kRefused, Status::kSendFailed, Status::kOnlyDiscovered}) {
+        ScriptedDevice device = Printer();
+        device.failure = [&](const Oid&) { return status; };
+        EXPECT_EQ(status, ReadPrinter(device.MakeAsker()).lastStatus);
+        EXPECT_EQ(1u, device.requests);
+    }
+    ScriptedDevice device = Printer();
+    const Oid tray = *ParseOidOrName("prtInputCurrentLevel.3.1");
+    device.failure = [&](const Oid& asked) {
+        return asked == tray ? Status::kNoAnswer : Status::kAnswered;
+    };
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_EQ(1u, answers.values.count(tray)) << "what came stays";
+    EXPECT_TRUE(HasGap(answers, "trays", "prtInputCurrentLevel", "no answer"));
+    EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
+    EXPECT_FALSE(HasGap(answers, "supplies", "", ""));
+    EXPECT_EQ(4u, answers.gaps.size()) << "trays, alerts, panel, MAC address, each once";
+}
+
+// This may be an answer that is too long; the next request shows.
+TEST(PrinterReader, ContinuesOnceIfOnlyTheEngineAnswers) {
+    ScriptedDevice device = Printer();
+    device.failure = [&](const Oid&) {
+        return device.requests > 10 ? Status::kOnlyDiscovered : Status::kAnswered;
+    };
+    EXPECT_EQ(Status::kOnlyDiscovered, ReadPrinter(device.MakeAsker()).lastStatus);
+    EXPECT_EQ(12u, device.requests);
+}
+
+TEST(PrinterReader, SkipsAnUnreadableRow) {
+    ScriptedDevice device = Printer();
+    for (const char* row : {".3.1", ".3.2", ".3.4"}) {
+        device.Integer((std::string("prtAlertCode") + row).c_str(), 8);
+        device.Text((std::string("prtAlertDescription") + row).c_str(), "jam");
+    }
+    device.failure = [&](const Oid& asked) {  // for rows 1 and 2
+        const std::string name = NameText(asked);
+        const bool isLong = name == "prtAlertDescription" || name == "prtAlertDescription.3.1";
+        return isLong ? Status::kUnreadable : Status::kAnswered;
+    };
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_EQ(1u, answers.gaps.size());
+    EXPECT_TRUE(HasGap(answers, "alerts", "prtAlertDescription", "could not be read"));
+    EXPECT_FALSE(answers.values.count(*ParseOidOrName("prtAlertDescription.3.2")));
+    EXPECT_TRUE(answers.values.count(*ParseOidOrName("prtAlertDescription.3.4")));
+}
+
+TEST(PrinterReader, LosesOneColumnToAnUnreadableAnswer) {
+    for (const Status status : {Status::kUnreadable, Status::kOnlyDiscovered}) {
+        ScriptedDevice device = Printer();
+        device.failure = [&](const Oid& asked) {
+            return NameText(asked) == "prtGeneralSerialNumber.2" ? status : Status::kAnswered;
+        };
+        device.Text("entPhysicalSerialNum.1", "VN2");
+        const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+        EXPECT_EQ(1u, answers.gaps.size());
+        EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("prtInputCurrentLevel.3.2")));
+        EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("entPhysicalSerialNum.1")));
+    }
+}
+
+TEST(PrinterReader, EndlessTablesAreCut) {
+    ScriptedDevice endless = Printer();
+    for (int row = 1; row < 1000; ++row)
+        endless.Integer(("ifType." + std::to_string(row)).c_str(), 6);
+    PrinterAnswers answers = ReadPrinter(endless.MakeAsker());
+    EXPECT_TRUE(HasGap(answers, "MAC address", "ifType", "more rows"));
+    EXPECT_LT(endless.requests, 400u);
+
+    ScriptedDevice far = Printer();
+    far.Integer("ifType.20000", 6);
+    answers = ReadPrinter(far.MakeAsker());
+    EXPECT_TRUE(HasGap(answers, "MAC address", "ifType", "index is over 16383"));
+    EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("ifType.20000")));
+
+    ScriptedDevice turning = Printer();
+    Asker asker = turning.MakeAsker();
+    asker.getNext = [](const Oid&) { return AnsweredWith({1, 3}, kInteger, "\x01"); };
+    answers = ReadPrinter(asker);
+    EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "OID not increasing"));
+}
+
+TEST(PrinterReader, StopsWhenTheCallerAsks) {
+    ScriptedDevice device = Printer();
+    Asker asker = device.MakeAsker();
+    asker.mayGoOn = [&] { return device.requests < 7; };
+    EXPECT_TRUE(HasGap(ReadPrinter(asker), "model and state", "hrDeviceStatus", "stopped"));
+    EXPECT_EQ(7u, device.requests);
+}
+
+TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
+    ScriptedDevice device = Printer();
+    Asker asker = device.MakeAsker();
+    asker.nowMs = [&] { return 5 + static_cast<int64_t>(device.requests) * 4000; };
+    PrinterAnswers answers = ReadPrinter(asker);
+    EXPECT_EQ(30u, device.requests);
+    EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "2 minutes"));
+    EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
+    EXPECT_TRUE(answers.isStopped);
+    EXPECT_EQ(Status::kNoAnswer, answers.lastStatus);
+
+    device.requests = 0;
+    asker.nowMs = [&] { return static_cast<int64_t>(device.requests) * 2860; };
+    answers = ReadInterfaces(asker, ReadPrinter(asker));  // the time limit is of both
+    EXPECT_EQ(42u, device.requests);
+    EXPECT_TRUE(HasGap(answers, "interfaces", "ifDescr", "2 minutes"));
+}
+
+}  // namespace
+}  // namespace vndiscover::host

@@ -1,0 +1,40 @@
+#include "model/scan/answer_lines.h"
+
+#include <gtest/gtest.h>
+
+#include "values/object_names.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
+    Scan scan;
+    const Oid name = *ParseOidOrName("sysName.0");
+    scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kValue, false, name, ""},
+                   {SweepKind::kSnmpV3, AnswerForm::kVariable, false, {}, ""},
+                   {SweepKind::kWsd, AnswerForm::kReply, false, {}, ""}};
+    const std::string cut = "\xC8" + std::string(128, 'a');  // 200 bytes, as the module delivers
+    const Oid type = *ParseOidOrName("ifType.1");
+    scan.answers = {{0, "2026-11-25T04:32:23Z", "10.77.1.1", cut, {}, 0, 0},
+                    {1, "", "10.77.1.1", "\x06", type, kInteger, 1},
+                    {1, "", "10.77.1.1", "hall\xE2\x80\xAE", name, kOctetString, 300},
+                    {2, "", "10.77.1.1", "<a>\r\n\x1B[2J</a>", {}, 0, 0}};
+    const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3});
+    ASSERT_EQ(4u, lines.size());
+    EXPECT_EQ("2026-11-25T04:32:23Z", lines[0].time);
+    EXPECT_EQ("sysName.0", lines[0].object);
+    EXPECT_EQ(std::string(128, 'a'), lines[0].value);
+    EXPECT_EQ(200u, lines[0].wholeSize);
+    EXPECT_EQ("ethernetCsmacd(6)", lines[1].value);
+    EXPECT_FALSE(lines[1].wholeSize);
+    EXPECT_EQ("68 61 6C 6C E2 80 AE", lines[2].value);
+    EXPECT_EQ(300u, lines[2].wholeSize);
+    EXPECT_EQ("<a> \xEF\xBF\xBD[2J</a>", lines[3].value);
+    EXPECT_EQ("", lines[3].object);
+    // Of one device only.
+    EXPECT_EQ(SweepKind::kWsd, AnswerLines(scan, {3}).at(0).kind);
+}
+
+}  // namespace
+}  // namespace vndiscover::host

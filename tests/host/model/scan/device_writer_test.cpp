@@ -1,0 +1,96 @@
+// Rows of a sweep, and the JSON request for it. Rows must suit a terminal, a CSV reader and a JSON
+// parser, whatever devices answer.
+#include "model/scan/device_writer.h"
+
+#include <gtest/gtest.h>
+
+#include "model/asking/json_request.h"
+
+namespace vndiscover::host {
+namespace {
+
+using Rows = std::vector<std::pair<const char*, std::string>>;
+
+std::string Written(Format format, ValueKind kind, const Rows& rows, bool isIPv6 = false) {
+    DeviceWriter writer(format, kind, isIPv6);
+    std::string text;
+    for (const auto& [address, value] : rows) text += writer.Row(address, value);
+    return text + writer.End();
+}
+
+// Among the values are one that ends in a zero byte, and a hardware address of Latin-1 letters
+// only.
+const Rows kValues = {{"10.77.1.22", {"LaserPro\0", 9}},
+                      {"192.168.100.200", "B\xFCro \"1\",\r\n2"},
+                      {"10.77.1.23", ""},
+                      {"10.77.1.24", "\x1B[2J\"a\""},
+                      {"10.77.1.25", "\xA0\xB1\xC2\xD3\xE4\xF5"}};
+constexpr char kDocument[] =
+    "{\n\t\"DiscoverOID\":\t\".1.3.6\",\n\t\"GET\":\t{\n\t\t\".1.3.6.1\":\t\"LaserPro\",\n"
+    "\t\t\".1.3.6.2\":\t\"\xC2\x9B[2J \\u001b\"\n\t}\n}";
+
+TEST(DeviceRows, AreValidForTheirReaders) {
+    EXPECT_EQ(
+        "ADDRESS          VALUE\n10.77.1.22       LaserPro\n"
+        "192.168.100.200  B\xC3\xBCro \"1\", 2\n"
+        "10.77.1.23       (no value)\n10.77.1.24       0x1B5B324A226122\n"
+        "10.77.1.25       0xA0B1C2D3E4F5\n",
+        Written(Format::kTable, ValueKind::kRaw, kValues));
+    EXPECT_EQ(
+        "\"10.77.1.22\",\"LaserPro\"\n\"192.168.100.200\",\"B\xC3\xBCro \"\"1\"\", 2\"\n"
+        "\"10.77.1.23\",\"\"\n\"10.77.1.24\",\"0x1B5B324A226122\"\n"
+        "\"10.77.1.25\",\"0xA0B1C2D3E4F5\"\n",
+        Written(Format::kCsv, ValueKind::kRaw, kValues));
+    EXPECT_EQ(
+        "[\n  {\"address\":\"10.77.1.22\",\"value\":\"LaserPro\"},\n"
+        "  {\"address\":\"192.168.100.200\",\"value\":\"B\xC3\xBCro \\\"1\\\",\\r\\n2\"},\n"
+        "  {\"address\":\"10.77.1.23\",\"value\":\"\"},\n"
+        "  {\"address\":\"10.77.1.24\",\"value\":\"0x1B5B324A226122\"},\n"
+        "  {\"address\":\"10.77.1.25\",\"value\":\"0xA0B1C2D3E4F5\"}\n]\n",
+        Written(Format::kJson, ValueKind::kRaw, kValues));
+    EXPECT_EQ("[]\n", Written(Format::kJson, ValueKind::kRaw, {}));
+}
+
+// A document that was cut, or has no answers, is shown unchanged.
+TEST(DeviceRows, HoldTheAnswersOfADocument) {
+    const Rows rows = {{"fe80::1:22", kDocument},
+                       {"fe80::1:22", "{\n\t\"GET\":\t\""},
+                       {"fe80::1:22", "{\"a\": 1}"}};
+    EXPECT_EQ(
+        "ADDRESS                    VALUE\n"
+        "fe80::1:22                 .1.3.6.1                       LaserPro\n"
+        "                           .1.3.6.2                       0xC29B5B324A201B\n"
+        "fe80::1:22                 { \"GET\": \"\n"
+        "fe80::1:22                 {\"a\":1}\n",
+        Written(Format::kTable, ValueKind::kDocument, rows, true));
+    EXPECT_EQ("\"10.0.0.1\",\"{\"\"GET\"\":{\"\".1.3\"\":\"\"x\\ny\"\"}}\"\n",
+              Written(Format::kCsv, ValueKind::kDocument,
+                      {{"10.0.0.1", "{\"GET\": {\".1.3\": \"x\\ny\"}}"}}));
+    EXPECT_EQ(
+        "[\n  {\"address\":\"fe80::1:22\",\"value\":{\"DiscoverOID\":\".1.3.6\",\"GET\":"
+        "{\".1.3.6.1\":\"LaserPro\",\".1.3.6.2\":\"\xEF\xBF\xBD[2J \\u001b\"}}},\n"
+        "  {\"address\":\"fe80::1:22\",\"value\":\"{\\n\\t\\\"GET\\\":\\t\\\"\"},\n"
+        "  {\"address\":\"fe80::1:22\",\"value\":{\"a\":1}}\n]\n",
+        Written(Format::kJson, ValueKind::kDocument, rows));
+    EXPECT_EQ("\"10.0.0.1\",\"LaserPro\"\n",
+              Written(Format::kCsv, ValueKind::kAnswer, {{"10.0.0.1", kDocument}}));
+}
+
+TEST(JsonRequests, AreCompactedAndLimited) {
+    std::string problem;
+    EXPECT_EQ(RequestFor(".1.3.6"), PrepareRequest(RequestFor(".1.3.6"), problem));
+    EXPECT_EQ("{\"GET\":{\".1.3 x\":\"\"}}",
+              PrepareRequest("\xEF\xBB\xBF{ \"GET\": {\r\n\".1.3 x\": \"\" } }\n", problem));
+    for (const char* text : {"", "[]", "\"GET\"", "{\"GET\": {", "{'GET': 1}"}) {
+        EXPECT_FALSE(PrepareRequest(text, problem)) << text;
+    }
+    const auto sized = [](size_t size) {
+        return "{\"a\":\"" + std::string(size - 8, 'x') + "\"}" + std::string(500, ' ');
+    };
+    EXPECT_TRUE(PrepareRequest(sized(2047), problem));
+    EXPECT_FALSE(PrepareRequest(sized(2048), problem));
+    EXPECT_NE(std::string::npos, problem.find("2048 bytes"));
+}
+
+}  // namespace
+}  // namespace vndiscover::host
