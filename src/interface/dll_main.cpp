@@ -28,22 +28,33 @@ Manager* Create(Table Manager::*table) noexcept {
     }
 }
 
+void ForgetAdapterRows() {
+    std::memset(&g_adapterAddr[0], 0, sizeof g_adapterAddr[0]);
+    g_nAdapter = 0;
+}
+
 void Attach(HINSTANCE module) {
     OpenExceptionState();
     g_hModule = module;
     g_snmpMgr = Create(&VxSnmpMgr::devices);
     g_soapMgr = Create(&VxSoapMgr::results);
     std::memset(g_szBindIp, 0, sizeof g_szBindIp);
+    ForgetAdapterRows();
 }
 
-void Detach() {
-    delete g_snmpMgr;
-    delete g_soapMgr;
+// The end of the process has killed all other threads. One that was killed within a sweep may have
+// left its manager half changed, or a lock taken that the destructor waits for.
+template <class Manager>
+void Destroy(Manager* manager, bool processEnds) {
+    if (manager && processEnds && manager->sweeping.IsAnother()) return;
+    delete manager;
 }
 
-void ForgetAdapterRows() {
-    std::memset(&g_adapterAddr[0], 0, sizeof g_adapterAddr[0]);
-    g_nAdapter = 0;
+void Detach(bool processEnds) {
+    Destroy(g_snmpMgr, processEnds);
+    Destroy(g_soapMgr, processEnds);
+    ForgetAdapterRows();
+    if (!processEnds) CloseExceptionState();  // otherwise the system frees everything
 }
 
 }  // namespace
@@ -54,12 +65,18 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved) 
     // On every notification, thread starts and ends included, so that changes in the registry take
     // effect.
     LoadDebugSwitches("VnInst", 0);
-    if (reason == DLL_THREAD_DETACH) ForgetThreadsExceptions();
-    if (reason != DLL_PROCESS_ATTACH && reason != DLL_PROCESS_DETACH) return TRUE;
-    if (reason == DLL_PROCESS_ATTACH) Attach(module);
-    if (reason == DLL_PROCESS_DETACH) Detach();
-    ForgetAdapterRows();
-    // When the process ends, the system frees everything.
-    if (reason == DLL_PROCESS_DETACH && !reserved) CloseExceptionState();
+    switch (reason) {
+        case DLL_PROCESS_ATTACH:
+            Attach(module);
+            break;
+        case DLL_PROCESS_DETACH:
+            Detach(reserved != nullptr);
+            break;
+        case DLL_THREAD_DETACH:
+            ForgetThreadsExceptions();
+            break;
+        default:
+            break;
+    }
     return TRUE;
 }

@@ -70,8 +70,8 @@ SCKRAW& VxSnmpMgr::Socket() {
 // ---- sweeps
 
 bool VxSnmpMgr::BeginSweep(const char* line, const SweepSettings& settings) noexcept {
-    if (sweeping) return false;  // a second sweep would take away the first one's window and file
-    sweeping = true;
+    if (!sweeping.Begin()) return false;  // it would take away the first one's window and file
+    sink.resultFile.Reset();              // of a sweep whose thread ended within a message
     DebugLogA("%s", line);
     stop.store(0, std::memory_order_relaxed);
     sink.hWnd = settings.hWnd;
@@ -87,7 +87,7 @@ void VxSnmpMgr::RenewSocket() {
     Socket();
 }
 
-void VxSnmpMgr::EndSweep() noexcept { sweeping = false; }
+void VxSnmpMgr::EndSweep() noexcept { sweeping.End(); }
 
 template <class Work>
 int32_t VxSnmpMgr::RunSweep(const SweepSettings& settings, Work&& work) {

@@ -11,6 +11,7 @@
 #include "snmp/codec/var_bind.h"
 #include "snmp/device_table.h"
 #include "snmp/sweep.h"
+#include "support/sweeping_thread.h"
 #include "vndiscover.h"
 
 namespace vndiscover {
@@ -71,9 +72,8 @@ class VxSnmpMgr {
 
     // What sweeps of all SNMP versions share.
 
-    // Logs the line, clears the stop request and stores where results go. False: a sweep is running
-    // and the host calls from a result message. After true, EndSweep must follow on every exit
-    // path.
+    // Logs the line, clears the stop request and stores where results go. False: a sweep is
+    // running. After true, EndSweep must follow on every exit path.
     bool BeginSweep(const char* line, const SweepSettings& settings) noexcept;
     void RenewSocket();  // makes the sweep's socket object; throws std::bad_alloc
     void EndSweep() noexcept;
@@ -85,6 +85,7 @@ class VxSnmpMgr {
     OwnedSocket sock;
     DeviceTable devices;
     StopRequest stop{0};
+    SweepingThread sweeping;
 
   private:
     struct Query {
@@ -111,8 +112,7 @@ class VxSnmpMgr {
                std::string& value);
 
     std::unique_ptr<SCKRAW> socket;
-    UINT timeout = 0;
-    bool sweeping = false;
+    UINT timeout = 0;  // Kept: nothing reads it.
     char readCommunity[kCommunitySize] = {};
     char writeCommunity[kCommunitySize] = {};
 };

@@ -34,9 +34,8 @@ void VxSoapMgr::SendDiscoverResult(const char* address, const char* reply) {
 
 int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6,
                             const char* probe, int32_t probeLength) {
-    if (sweeping) return 0;  // called from a result message: it would take the sweep's socket away
+    if (!sweeping.Begin()) return 0;  // it would take away the running sweep's window and socket
     DebugLogA("VxSoapMgr::Discover\n");
-    sweeping = true;
     stop.store(0, std::memory_order_relaxed);
     hWnd = window;
     uMsg = message;
@@ -44,7 +43,7 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
     // The host waits for the final notification, so it is sent on every exit path.
     const ScopeExit end([this] {
         sock.Reset();
-        sweeping = false;  // the host may start the next sweep while it handles the final message
+        sweeping.End();  // the host may start the next sweep while it handles the final message
         DebugLogA("SOAP::Discover - ended\n");
         SendDiscoverResult(nullptr, nullptr);
     });

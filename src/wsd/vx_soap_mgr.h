@@ -7,6 +7,7 @@
 #include "net/adapter_sweep.h"
 #include "net/datagram_collector.h"
 #include "support/lazy_table.h"
+#include "support/sweeping_thread.h"
 
 namespace vndiscover {
 
@@ -52,7 +53,7 @@ class VxSoapMgr {
     LazyTable<SoapResult, kSoapTableCapacity> results;
     uint32_t resultCount = 0;
     StopRequest stop{0};
-    bool sweeping = false;
+    SweepingThread sweeping;
 
   private:
     void SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t length);

@@ -1,4 +1,6 @@
 // When the three kinds of sweep end, and what they have delivered by then.
+#include <thread>
+
 #include "exports/support/v3_test.h"
 
 namespace vndiscover {
@@ -35,11 +37,13 @@ class SweepEndings : public V3Test, public WithParamInterface<Kind> {
             return answers;
         });
     }
-    void Run() {
-        if (GetParam().protocol == Protocol::kV1) Sweep();
-        if (GetParam().protocol == Protocol::kV3) SweepV3(window);
-        if (IsWsd()) module.DiscoverSoap(window.Handle(), window.kMessage, 4999, "<probe/>", 8);
+    void Run(ResultWindow& to) {
+        if (GetParam().protocol == Protocol::kV1)
+            module.DiscoverSnmp(to.Handle(), to.kMessage, 0, 0, nullptr, nullptr);
+        if (GetParam().protocol == Protocol::kV3) SweepV3(to);
+        if (IsWsd()) module.DiscoverSoap(to.Handle(), to.kMessage, 4999, "<probe/>", 8);
     }
+    void Run() { Run(window); }
     void Stop() { IsWsd() ? module.StopDiscoverSoap() : module.StopDiscoverSnmp(); }
     // The first devices, each once and in order, and the final message if there is one.
     Lines First(int count) const {
@@ -135,6 +139,25 @@ TEST_P(SweepEndings, EndsAtItsTimeLimitIfEveryReceiveFails) {
         EXPECT_GE(static_cast<int>(network.NowMs() - started), adapters * GetParam().totalMs);
         EXPECT_LE(network.Receives() - before, adapters * (GetParam().totalMs / 10 + 1));
     }
+}
+
+// The host must not end the thread, but is not left without sweeps for good.
+TEST_P(SweepEndings, EndsWithItsThread) {
+    Crowd(3, 0);
+    const auto onAnotherThread = [&](const std::function<void()>& onResult) {
+        std::thread([&] {
+            ResultWindow own;
+            own.onResult = [&](const Result&) { onResult(); };
+            Run(own);
+        }).join();
+    };
+    onAnotherThread([&] {
+        onAnotherThread([] { ADD_FAILURE() << "two sweeps at once"; });
+        ExitThread(0);
+    });
+    Crowd(3, 0);
+    Run();
+    EXPECT_EQ(First(3), window.Texts());
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, SweepEndings,

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <sstream>
+#include <thread>
 
 #include "exports/support/v3_test.h"
 
@@ -232,6 +233,35 @@ TEST_F(SweepState, FilesAreWrittenInTextMode) {
     const std::string written = TakeFile("VxAdmSvc.log");
     EXPECT_THAT(written, HasSubstr("SNMP::Discover\r\n"));
     EXPECT_THAT(written, HasSubstr("SNMP::Discover - ended\r\n"));
+}
+
+TEST(ProcessEnd, LeavesAManagerAloneWhoseSweepWasKilled) {
+    const RegistrySwitches switches("Debug");
+    const Module module;
+    ScriptedNetwork network(module);
+    network.Devices([](const Request&) { return Answers{{SnmpText("A")}}; });
+    const auto notify = reinterpret_cast<BOOL(WINAPI*)(HINSTANCE, DWORD, const void*)>(
+        reinterpret_cast<void*>(GetProcAddress(module.Handle(), "DllMain")));
+    const auto notified = [&](DWORD reason, const void* reserved) {
+        LogCapture log;
+        notify(module.Handle(), reason, reserved);
+        return log.Text();
+    };
+    const auto killedIn = [&](auto sweep) {
+        std::thread([&] {
+            ResultWindow window;
+            window.onResult = [](const Result&) { ExitThread(0); };
+            sweep(window.Handle());
+        }).join();
+        const std::string atEnd = notified(DLL_PROCESS_DETACH, "not null");
+        notified(DLL_PROCESS_ATTACH, nullptr);  // for the next one, and for unloading
+        return atEnd;
+    };
+    EXPECT_EQ("VxSoapMgr::~VxSoapMgr()\n", killedIn([&](HWND window) {
+                  module.DiscoverSnmp(window, kMessage, 0, 0, nullptr, nullptr);
+              }));
+    EXPECT_EQ("VxSnmpMgr::~VxSnmpMgr()\n",
+              killedIn([&](HWND window) { module.DiscoverSoap(window, kMessage, 0, "probe", 5); }));
 }
 
 int g_references;
