@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include "support/copy_text.h"
 #include "support/debug_log.h"
@@ -160,9 +161,10 @@ void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bind
     CollectAnswers();
     Delivery delivery(devices, sink, stop, jsonRequest);
     while (ResponseRecord* device = delivery.Next()) {
-        delivery.Send(*device, [&](const char* oid, std::string& value) {
+        const auto fetch = [&](const char* oid, std::string& value) {
             return Fetch(*device, oid, bindAddress, value);
-        });
+        };
+        delivery.Send(*device, std::ref(fetch));  // a copy would be allocated for each device
     }
 }
 

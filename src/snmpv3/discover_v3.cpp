@@ -1,5 +1,6 @@
 #include "snmpv3/discover_v3.h"
 
+#include <functional>
 #include <string>
 
 #include "snmpv3/request_v3.h"
@@ -80,9 +81,10 @@ void HandleEventsV3(const SweepV3& sweep) {
 
     Delivery delivery(devices, manager.sink, manager.stop, sweep.jsonRequest);
     while (ResponseRecord* device = delivery.Next()) {
-        delivery.Send(*device, [&](const char* szKey, std::string& value) {
+        const auto fetch = [&](const char* szKey, std::string& value) {
             return FetchV3(sweep, *device, szKey, value);
-        });
+        };
+        delivery.Send(*device, std::ref(fetch));  // a copy would be allocated for each device
     }
 }
 

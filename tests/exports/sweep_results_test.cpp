@@ -1,5 +1,7 @@
 // What a sweep delivers for the answers of devices: messages, lines of the result file, documents
 // and log lines.
+#include <array>
+#include <cstdlib>
 #include <thread>
 
 #include "exports/support/network_test.h"
@@ -123,6 +125,21 @@ TEST_F(SweepResults, FileHasNoLineForADeviceWithoutAnAddress) {
     Sweep(path.c_str());
     EXPECT_THAT(window.Texts(), ElementsAre("=A", "end"));
     EXPECT_EQ("", ReadFile(path));
+}
+
+int g_allocations;
+
+TEST_F(SweepResults, PlainDeliveryAllocatesNothing) {
+    DeviceIn("neta", Repeated(3, {SnmpText("A")}));
+    std::array<int, 4> before = {};
+    window.onResult = [&](const Result&) { before[window.results.size() - 1] = g_allocations; };
+    const ImportPatch patch(module.Handle(), "malloc", [](size_t size) {
+        ++g_allocations;
+        return std::malloc(size);
+    });
+    Sweep();
+    EXPECT_GT(before[0], 0);
+    EXPECT_THAT(before, Each(before[0]));
 }
 
 const wchar_t kNameQuestion[] = LR"({"GET": {".1.3.6.1.2.1.1.5.0": ""}})";
