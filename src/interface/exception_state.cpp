@@ -24,7 +24,8 @@ using ThreadState = __cxxabiv1::__cxa_eh_globals;
 
 DWORD g_index = TLS_OUT_OF_INDEXES;
 HANDLE g_heap = nullptr;  // holds every thread's state and is destroyed as a whole
-// For threads that get no state of their own because memory or indexes are exhausted.
+// For threads that get no state of their own because memory or indexes are exhausted. It is not
+// locked: if two such threads handle exceptions at the same time, one may free or leak the other's.
 ThreadState g_shared = {};
 
 }  // namespace
@@ -35,7 +36,12 @@ extern "C" ThreadState* __cxxabiv1::__cxa_get_globals() noexcept {
     void* state = TlsGetValue(g_index);
     if (!state && g_heap) {
         state = HeapAlloc(g_heap, HEAP_ZERO_MEMORY, sizeof(ThreadState));
-        if (state) TlsSetValue(g_index, state);
+        // From index 64 on, setting a value needs memory. One that is not found again would be made
+        // anew for each exception.
+        if (state && !TlsSetValue(g_index, state)) {
+            HeapFree(g_heap, 0, state);
+            state = nullptr;
+        }
     }
     SetLastError(error);
     return state ? static_cast<ThreadState*>(state) : &g_shared;
@@ -65,7 +71,8 @@ void CloseExceptionState() noexcept {
     g_heap = nullptr;
     if (g_index != TLS_OUT_OF_INDEXES) TlsFree(g_index);
     g_index = TLS_OUT_OF_INDEXES;
-    // The runtime's 73 KB for exceptions thrown when memory is exhausted.
+    // The runtime's 73 KB for exceptions thrown when memory is exhausted. Only because the runtime
+    // is linked statically do they belong to this module alone.
     __gnu_cxx::__freeres();
 }
 

@@ -114,7 +114,8 @@ void UseEverything(const Module& module, HWND host, UINT message, int round) {
     module.GetSnmpRequestRaw(kDevice, kSysName, value, 256, &type, 0, 0, nullptr, nullptr);
     module.GetNextSnmpRequestRaw(kDevice, kSysName, &record, 0, 0, nullptr, nullptr);
     module.SetSnmpRequestRaw(kDevice, kSysName, value, 5, &type, 0, 0, nullptr, nullptr);
-    // Hashing passwords takes most of the time, so only some rounds do it. Round 8 uses bcrypt.dll.
+    // Hashing passwords takes most of the time, so only some rounds do it. Round 8 uses bcrypt.dll,
+    // round 16 rsaenh.dll.
     user.useAuth = user.usePriv = round % 8 == 0;
     user.authProtocol = round % 16 == 0 ? VN_AUTH_MD5 : VN_AUTH_SHA256;
     user.Ask([&](auto... security) {
@@ -143,7 +144,8 @@ TEST(Load, DecoysAreNotLoaded) {
     GetModuleFileNameA(nullptr, program, MAX_PATH);
     const std::string folder(program, std::string(program).rfind('\\') + 1);
     Lines files;
-    for (const char* name : {"ICMP.DLL", "IPHLPAPI.DLL", "Ws2_32.dll", "bcrypt.dll"}) {
+    for (const char* name :
+         {"ICMP.DLL", "IPHLPAPI.DLL", "Ws2_32.dll", "bcrypt.dll", "rsaenh.dll"}) {
         for (const std::string& path : {folder + name, std::string(".\\") + name}) {
             EXPECT_NE(0, CopyFileA((folder + "decoy.dll").c_str(), path.c_str(), FALSE)) << path;
             files.push_back(path);
@@ -156,7 +158,7 @@ TEST(Load, DecoysAreNotLoaded) {
             return DeleteFileA((file + ".loaded").c_str()) != 0;
         });
     };
-    UseEverything(Module(), nullptr, 0, 8);
+    for (const int round : {8, 16}) UseEverything(Module(), nullptr, 0, round);
     EXPECT_EQ(0, loaded());
     // The search order that the module avoids does find them.
     const HMODULE found = LoadLibraryA("ICMP.DLL");
@@ -218,6 +220,27 @@ TEST(Load, EndedThreadsLeakNothing) {
     const size_t before = run(5), after = run(200);
     if (HeapGrowsByItself()) GTEST_SKIP() << kHeapGrows;
     EXPECT_LT(after, before + 200 * 8) << "16 bytes for each are kept";
+}
+
+// As for a thread-local storage index of 64 or more, when memory is exhausted.
+TEST(Load, ExceptionsLeakNothingIfTheirStateCannotBeKept) {
+    const Module module;
+    ScriptedNetwork network(module);
+    const ImportPatch patch(module.Handle(), "TlsSetValue", [](DWORD, void*) { return FALSE; });
+    const auto run = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            network.Devices([](const Request&) { return kMalformedAnswer; });
+            VnResponseRecord record = {};
+            V3User().Ask([&](auto... security) {
+                return module.GetNextSnmpRequestV3(kMalformed, kSysName, &record, 0, 0,
+                                                   security...);
+            });
+        }
+        return Usage().heapBytes;
+    };
+    const size_t before = run(5), after = run(200);
+    if (HeapGrowsByItself()) GTEST_SKIP() << kHeapGrows;
+    EXPECT_LT(after, before + 200 * 8) << "16 bytes for each exception are kept";
 }
 
 // VNDISCOVER_SOAK_ROUNDS sets another number of rounds.

@@ -10,5 +10,5 @@ shift
 mkdir "$VNDISCOVER_LAB/bin"
 cp "$program" "$(dirname "$program")"/{VnDiscover,decoy}.dll "$VNDISCOVER_LAB/bin"
 cd "$TMPDIR" # the module's log file goes to the current folder
-export WINEDLLOVERRIDES='icmp,iphlpapi,ws2_32,bcrypt=n,b'
+export WINEDLLOVERRIDES='icmp,iphlpapi,ws2_32,bcrypt,rsaenh=n,b'
 exec "$lab/wine-run.sh" host "$VNDISCOVER_LAB/bin/$(basename "$program")" "$@"
