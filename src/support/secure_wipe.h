@@ -13,6 +13,19 @@ inline void SecureWipe(void* memory, size_t size) noexcept {
     for (size_t i = 0; i < size; ++i) bytes[i] = 0;
 }
 
+// Wipes a local whichever way its scope is left: const WipeAtExit wipe(key);
+template <class T>
+class WipeAtExit {
+  public:
+    explicit WipeAtExit(T& secret) noexcept : secret_(secret) {}
+    ~WipeAtExit() { SecureWipe(&secret_, sizeof(T)); }
+    WipeAtExit(const WipeAtExit&) = delete;
+    WipeAtExit& operator=(const WipeAtExit&) = delete;
+
+  private:
+    T& secret_;
+};
+
 // For containers of secrets: every block is wiped when freed, including the old one after the
 // container grows.
 template <class T>

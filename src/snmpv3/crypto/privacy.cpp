@@ -70,24 +70,24 @@ ByteBuffer RunAes(const PrivacyInput& input, const uint8_t* salt, int direction)
     uint8_t iv[kAesBlockSize];
     AesIv(input, salt, iv);
     AES_KEY schedule;
+    const WipeAtExit wipe(schedule);
     AES_set_encrypt_key(input.key.data, kAesKeyBits, &schedule);  // CFB decrypts with it too
     int position = 0;
     AES_cfb128_encrypt(text.data, text.data, text.length, &schedule, iv, &position, direction);
-    SecureWipe(&schedule, sizeof schedule);
     return text;
 }
 
 // Encrypts whole blocks in place with CBC.
 bool ChainBlocks(CryptoSession& crypto, const DesMaterial& material, ByteBuffer& text) {
     uint8_t chain[kDesBlockSize];
+    const WipeAtExit wipeChain(chain);
     std::memcpy(chain, material.iv, sizeof chain);
     for (uint32_t at = 0; at < text.length; at += kDesBlockSize) {
         uint8_t block[kDesBlockSize];
+        const WipeAtExit wipeBlock(block);
         std::memcpy(block, text.data + at, sizeof block);
         Xor(block, chain);
-        const bool encrypted = crypto.DesEncryptBlock(material.key, block, chain);
-        SecureWipe(block, sizeof block);
-        if (!encrypted) return false;
+        if (!crypto.DesEncryptBlock(material.key, block, chain)) return false;
         std::memcpy(text.data + at, chain, sizeof chain);
     }
     return true;

@@ -58,17 +58,17 @@ constexpr size_t kPadSize = 64;  // of RFC 2104: the block of the hash
 
 void StartWithPad(Sha224& hash, const uint8_t* key, size_t keyLength, uint8_t filler) {
     uint8_t pad[kPadSize];
+    const WipeAtExit wipe(pad);
     std::memset(pad, filler, sizeof pad);
     for (size_t i = 0; i < keyLength; ++i) pad[i] ^= key[i];
     hash.Update(pad, sizeof pad);
-    SecureWipe(pad, sizeof pad);
 }
 
 void Finish(Sha224& hash, ByteBuffer& digest) {
     uint8_t value[kSha224Size];
+    const WipeAtExit wipe(value);
     hash.Final(value);
     digest.Assign(value, sizeof value);
-    SecureWipe(value, sizeof value);
 }
 
 }  // namespace

@@ -44,13 +44,12 @@ bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&bloc
     if (!desKey) return false;
     // The final call appends a block of padding, which is not used.
     BYTE buffer[2 * kDesBlockSize] = {};
+    const WipeAtExit wipe(buffer);
     std::memcpy(buffer, block, kDesBlockSize);
     DWORD length = kDesBlockSize;
-    const bool done =
-        CryptEncrypt(desKey.Get(), 0, TRUE, 0, buffer, &length, sizeof buffer) || Failed();
-    if (done) std::memcpy(cipher, buffer, kDesBlockSize);
-    SecureWipe(buffer, sizeof buffer);
-    return done;
+    if (!CryptEncrypt(desKey.Get(), 0, TRUE, 0, buffer, &length, sizeof buffer)) return Failed();
+    std::memcpy(cipher, buffer, kDesBlockSize);
+    return true;
 }
 
 // The call is not marked as the final one: that would require PKCS#5 padding, and reject or cut the

@@ -67,13 +67,13 @@ bool CapiHash::Finish(ByteBuffer& digest) {
     digest.Clear();
     if (!hash_) return false;
     BYTE value[20];  // SHA-1's; MD5's is shorter
+    const WipeAtExit wipe(value);
     DWORD size = sizeof value;
     if (!CryptGetHashParam(hash_.Get(), HP_HASHVAL, value, &size, 0)) {
         DebugLogA("Error [%d] CryptGetHashParam failed.\n", LastErrorForLog());
         return false;
     }
     digest.Assign(value, static_cast<int32_t>(size));
-    SecureWipe(value, sizeof value);
     return true;
 }
 

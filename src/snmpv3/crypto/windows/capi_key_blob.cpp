@@ -22,6 +22,7 @@ OwnedCryptKey ImportPlainKey(HCRYPTPROV provider, ALG_ID algorithm, const uint8_
     OwnedCryptKey imported;
     if (length > kMaxPlainKey) return imported;
     PlainKeyBlob blob = {};
+    const WipeAtExit wipe(blob);
     blob.header.bType = PLAINTEXTKEYBLOB;
     blob.header.bVersion = CUR_BLOB_VERSION;
     blob.header.aiKeyAlg = algorithm;
@@ -33,7 +34,6 @@ OwnedCryptKey ImportPlainKey(HCRYPTPROV provider, ALG_ID algorithm, const uint8_
         DebugLogA("Err %d\n", LastErrorForLog());
         imported.Release();  // not a valid handle
     }
-    SecureWipe(&blob, sizeof blob);
     return imported;
 }
 

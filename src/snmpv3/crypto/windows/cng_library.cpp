@@ -87,13 +87,13 @@ bool CngHash::Finish(ULONG digestSize, ByteBuffer& digest) {
     digest.Clear();
     if (!hash_) return false;
     uint8_t value[kMaxDigest];
+    const WipeAtExit wipe(value);
     const NTSTATUS status = library_.finishHash_(hash_.get(), value, digestSize, 0);
     if (Failed(status)) {
         DebugLogA("**** Error 0x%x returned by BCryptFinishHash\n", static_cast<unsigned>(status));
         return false;
     }
     digest.Assign(value, static_cast<int32_t>(digestSize));
-    SecureWipe(value, sizeof value);
     return true;
 }
 
