@@ -23,10 +23,10 @@
  * - Threads: every function blocks its caller; the module creates no threads. A process may run one
  *   SNMP sweep, one WS-Discovery sweep and one directed request at a time (directed requests share
  *   the local address that they bind to). StopDiscoverSnmp and StopDiscoverSoap may be called on
- *   any thread, and while a result message is handled. A sweep that is started while a result
- *   message of a running sweep of the same kind is handled does nothing and sends no final message;
- *   while the final message is handled, the next one may be started. VxPing and IsIPv6Supported may
- *   be called on any thread at any time.
+ *   any thread, and while a result message is handled. A sweep that is started on any thread while
+ *   a result message of a running sweep of the same kind is handled does nothing and sends no final
+ *   message; while the final message is handled, the next one may be started. VxPing and
+ *   IsIPv6Supported may be called on any thread at any time.
  *
  * The result message is sent on the thread that runs the sweep; a window of another thread receives
  * it only while that thread pumps messages:
@@ -39,10 +39,14 @@
  *   terminating zero.
  * - Both pointers belong to the module and are valid only while the message is handled: copy the
  *   texts.
- * - The handler must not throw and must not unload the module. It may make directed requests.
+ * - The handler must not throw: an exception out of the final message ends the process. It must not
+ *   end its thread: the sweep then ends without its final message, and its socket and result file
+ *   stay open until the next sweep of the same kind. It must not unload the module. It may make
+ *   directed requests.
  * - Duplicates are not removed: a device that answers twice, or on two adapters, is reported twice.
  * - A sweep ends with one message whose parameters are both 0. SNMPv3 sweeps send none: they have
- *   ended when the function returns.
+ *   ended when the function returns. If the module found no memory when it was loaded, every sweep
+ *   does nothing and returns 0, without a message.
  * - If hWnd is null, no message is sent.
  *
  * The debug log is switched on by two values of the registry key
@@ -243,10 +247,11 @@ VN_API int32_t DiscoverSnmp(_In_opt_ HWND hWnd, _In_ UINT uMsg, _In_ UINT timeou
 /**
  * Asks the running SNMP sweep, SNMPv3 included, to end early. During collection the sweep reacts
  * after the current wait, at most 2 s, and reports nothing more. During reporting it reacts before
- * the next device; in JSON mode the requests to the current device are finished first. The request
- * is still sent from each address that remains, followed by one wait. The final message comes as
- * usual, except after an SNMPv3 sweep. Each sweep begins by clearing the stop request, so a call
- * while no sweep is running has no effect.
+ * the next device; in JSON mode the requests to the current device are finished first, which takes
+ * up to 10 s for each OID that remains, over SNMPv3 2 s. The request is still sent from each
+ * address that remains, followed by one wait. The final message comes as usual, except after an
+ * SNMPv3 sweep. Each sweep begins by clearing the stop request, so a call while no sweep is running
+ * has no effect.
  * @return Always 0.
  */
 VN_API int32_t StopDiscoverSnmp(void);
@@ -264,10 +269,11 @@ VN_API int32_t StopDiscoverSnmp(void);
  *                      authenticated.
  * @param authPassword  If null or "", there is no key and requests go out unauthenticated.
  * @param usePriv       0: authNoPriv. Otherwise requests are encrypted as well.
- * @param privPassword  Password for privacy.
- * @param authProtocol  VN_AUTH_...; with any other text there is no authentication key.
- * @param privProtocol  VN_PRIV_...; with any other text, requests that ask for privacy get no
- *                      answer.
+ * @param privPassword  If null or "", there is no key: requests go out with an empty text in place
+ *                      of the encrypted one and get no answer.
+ * @param authProtocol  VN_AUTH_...; with any other text there is no authentication key, and no
+ *                      privacy key either.
+ * @param privProtocol  VN_PRIV_...; with any other text there is no privacy key.
  * @return Always 0. There is NO final (0, 0) message: the sweep has ended when this returns.
  *
  *     DiscoverSnmpV3(window, WM_APP, 0, 0, L"operator", 1, L"password1", 1, L"password2",
@@ -306,8 +312,7 @@ VN_API int32_t DiscoverV3DevicesByOIDjson(_In_opt_ HWND hWnd, _In_ UINT uMsg, _I
  *                     place.
  * @param probeLength  Bytes in probe, 1 to VN_SOAP_PROBE_MAX. With any other length nothing is sent
  *                     and only the final message comes.
- * @return Always 0. The last message is (0, 0). If the module found no memory when it was loaded,
- *         no message comes at all.
+ * @return Always 0. The last message is (0, 0).
  */
 VN_API int32_t DiscoverSoap(_In_opt_ HWND hWnd, _In_ UINT uMsg, _In_ UINT timeout,
                             _In_reads_bytes_opt_(probeLength) const char* probe,
@@ -489,7 +494,8 @@ VN_API int32_t GetNextSnmpRequestV3(_In_opt_z_ const char* host, _In_opt_z_ cons
  * @param address  IPv4 address in dotted form. Anything else (an IPv6 address, a host name,
  *                 255.255.255.255) is resolved and pinged over IPv6. If null, 0 is returned.
  * @param timeout  Milliseconds to wait for the reply. Resolving a name takes its own time.
- * @return 1: the device answered. 0: it did not, or the request could not be sent.
+ * @return 1: the device answered; over IPv6 a router's error reply counts as an answer too. 0: no
+ *         answer, or the request could not be sent.
  */
 VN_API BYTE VxPing(_In_opt_z_ const char* address, _In_ UINT timeout);
 
