@@ -51,7 +51,7 @@ class AdapterSweep {
     SCKRAW& socket_;
     OwnedSocket& sock_;
     const SweepRequest request_;
-    const std::unique_ptr<AdapterTable> adapters_;  // too large for a host's stack
+    const std::unique_ptr<AdapterTable> adapters_;
     uint32_t count_ = 0;
     uint32_t next_ = 0;
     char address_[kAdapterTextSize] = {};

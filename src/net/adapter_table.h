@@ -14,9 +14,14 @@ constexpr uint32_t kMaxIPv6Addresses = 32;
 constexpr size_t kAdapterTextSize = 260;     // bytes of each text that GetIPv4Address fills
 constexpr size_t kIPv6AddressTextSize = 64;  // bytes of an address text
 
-// Made for one sweep, on one thread. Every failure gives an empty result.
+// Made for one sweep, on one thread. Every failure gives an empty result. Its 23 KB are too large
+// for a host's stack.
 class AdapterTable {
   public:
+    AdapterTable() = default;
+    AdapterTable(const AdapterTable&) = delete;  // the list points into itself
+    AdapterTable& operator=(const AdapterTable&) = delete;
+
     // Returns the number of IPv4 entries that have an address and a mask, 0.0.0.0 included, over
     // all adapters in any state; 0 if the list is not available or exceeds the fixed buffer.
     uint32_t LoadIPv4Addresses();

@@ -8,10 +8,10 @@
 
 namespace vndiscover {
 
-// A received datagram.
+// A received datagram, or none.
 struct Datagram {
     uint8_t data[kMaxDatagram + 1];  // zero after the datagram
-    int length;                      // 1 to kMaxDatagram
+    int length;                      // up to kMaxDatagram; 0: nothing was received
     char sender[kSenderTextSize];    // numeric address
 };
 
@@ -31,13 +31,20 @@ using StopRequest = std::atomic<uint8_t>;
 // What is passed in must outlive it.
 class DatagramCollector {
   public:
+    // Starts the time and makes `sock` non-blocking.
     DatagramCollector(SCKRAW& socket, SOCKET sock, const CollectionLimits& limits,
                       const StopRequest& stop)
-        : socket_(socket), sock_(sock), limits_(limits), stop_(stop) {}
+        : socket_(socket),
+          sock_(sock),
+          limits_(limits),
+          stop_(stop),
+          started_(GetTickCount()),
+          takesQueued_(SCKRAW::StopBlocking(sock)) {}
 
-    // Waits for the next datagram; the sender's zone suffix is removed. False: a wait timed out,
-    // totalMs have passed, `stop` is set, or WinSock is not initialised. The first call waits in
-    // any case. Other receive errors do not end the loop.
+    // Takes the next datagram, and waits if none is queued; the sender's zone suffix is removed.
+    // False: a wait timed out, totalMs have passed, `stop` is set, or WinSock is not initialised.
+    // The first call receives whether or not `stop` is set. Other receive errors do not end the
+    // loop.
     bool Next(Datagram& datagram);
 
   private:
@@ -49,8 +56,8 @@ class DatagramCollector {
     const SOCKET sock_;
     const CollectionLimits limits_;
     const StopRequest& stop_;
-    const DWORD started_ = GetTickCount();
-    const bool takesQueued_ = SCKRAW::StopBlocking(sock_);
+    const DWORD started_;
+    const bool takesQueued_;
     bool hasWaited_ = false;
     uint32_t errorsInARow_ = 0;
 };

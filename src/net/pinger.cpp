@@ -19,6 +19,27 @@ struct alignas(ICMP_ECHO_REPLY) ReplyV4 {
 };
 static_assert(sizeof(ICMP_ECHO_REPLY) + kPayloadBytes == sizeof(ReplyV4), "one record and payload");
 
+using CloseFunction = decltype(&IcmpCloseHandle);
+
+// An ICMP handle, closed with the function that was found for it. Empty() is what opening returns
+// on failure.
+class IcmpHandle {
+  public:
+    IcmpHandle(HANDLE handle, CloseFunction close) : handle_(handle), close_(close) {}
+    ~IcmpHandle() {
+        if (!Empty()) close_(handle_);
+    }
+    IcmpHandle(const IcmpHandle&) = delete;
+    IcmpHandle& operator=(const IcmpHandle&) = delete;
+
+    HANDLE Get() const { return handle_; }
+    bool Empty() const { return handle_ == INVALID_HANDLE_VALUE; }
+
+  private:
+    const HANDLE handle_;
+    const CloseFunction close_;
+};
+
 uint32_t TargetV4(const char* address) {
     const uint32_t dotted = inet_addr(address);
     return dotted != INADDR_NONE ? dotted : SCKRAW::ResolveV4(address);
@@ -54,17 +75,16 @@ int Pinger::EchoV4(const char* address, uint32_t timeoutMs) {
     if (!ready) return 0;
     const uint32_t target = TargetV4(address);
     if (target == INADDR_NONE) return 0;
-    const HANDLE handle = createFile();
-    if (handle == INVALID_HANDLE_VALUE) return 0;
+    const IcmpHandle handle(createFile(), closeHandle);
+    if (handle.Empty()) return 0;
     ReplyV4 reply = {};
     char payload[sizeof kPayload];
     std::memcpy(payload, kPayload, sizeof payload);  // the call takes writable memory
-    const DWORD replies = sendEcho(handle, target, payload, kPayloadBytes, nullptr, reply.bytes,
-                                   sizeof reply.bytes, timeoutMs);
+    const DWORD replies = sendEcho(handle.Get(), target, payload, kPayloadBytes, nullptr,
+                                   reply.bytes, sizeof reply.bytes, timeoutMs);
     DebugLogW(L"IcmpSendEcho dwRetVal = %d\n", static_cast<int>(replies));
     ICMP_ECHO_REPLY first;
     std::memcpy(&first, reply.bytes, sizeof first);
-    closeHandle(handle);
     return replies != 0 && first.Status == IP_SUCCESS ? 1 : 0;
 }
 
@@ -86,13 +106,12 @@ int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
     IP_OPTION_INFORMATION options = {};
     options.Ttl = kTimeToLive;
 
-    const HANDLE handle = createFileV6();
-    if (handle == INVALID_HANDLE_VALUE) return 0;
+    const IcmpHandle handle(createFileV6(), closeHandle);
+    if (handle.Empty()) return 0;
     alignas(8) uint8_t reply[kReplyBytesV6] = {};
     uint8_t noData = 0;
-    const DWORD replies = sendEchoV6(handle, nullptr, nullptr, nullptr, &source, &destination,
+    const DWORD replies = sendEchoV6(handle.Get(), nullptr, nullptr, nullptr, &source, &destination,
                                      &noData, 0, &options, reply, sizeof reply, timeoutMs);
-    closeHandle(handle);
     return replies != 0 ? 1 : 0;  // Kept: unlike IPv4, the reply's status is not examined.
 }
 

@@ -1,6 +1,7 @@
 #include "snmp/bind_address.h"
 
 #include <cstring>
+#include <memory>
 
 #include "net/adapter_table.h"
 #include "support/copy_text.h"
@@ -27,11 +28,11 @@ void AddRow(const char* address, bool endsLines) {
 void LoadBindAddresses(const char* host, bool endsLines) {
     DebugLogA("g_nAdapter [%d]\n", g_nAdapter);
     if (!IsIPv6Host(host) || g_nAdapter != 0) return;
-    AdapterTable adapters;
-    const uint32_t count = adapters.LoadIPv6LinkLocal();
+    const auto adapters = std::make_unique<AdapterTable>();
+    const uint32_t count = adapters->LoadIPv6LinkLocal();
     for (uint32_t i = 0; i < count && g_nAdapter < static_cast<int32_t>(kMaxAdapterRows); ++i) {
         sockaddr_in6 address = {};
-        adapters.GetIPv6Address(i, &address);
+        adapters->GetIPv6Address(i, &address);
         char text[kBindAddressSize] = {};
         AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, text, sizeof text);
         if (text[0] != '\0') AddRow(text, endsLines);

@@ -132,6 +132,7 @@ void VxSnmpMgr::Sweep(const SweepSettings& settings, const char* oid, const char
     const int32_t length = BuildRequest(name, kNullValue, kPduGetRequest, readCommunity, request);
     if (length == 0) return;
     AdapterSweep adapters(Socket(), sock, SnmpSweepRequest(settings.useIPv6, request, length));
+    // Kept: a stop request is not tested here; each address that remains is sent from all the same.
     while (adapters.Next()) {
         HandleEvents(settings.timeout, adapters.IsLast(), adapters.Address(), jsonRequest);
     }
@@ -181,6 +182,7 @@ void VxSnmpMgr::CollectAnswers() {
 bool VxSnmpMgr::Fetch(const ResponseRecord& device, const char* oid, const char* bindAddress,
                       std::string& value) {
     char szValue[kAnswerSize] = {};
+    // Kept: after a failed send, -1, the member keeps the host's string, as without an answer.
     if (GetInformation(oid, device.address, szValue, kAnswerSize, nullptr, kRequestWaitMs,
                        kRequestAttempts, readCommunity, writeCommunity, bindAddress) <= 0) {
         return false;
@@ -204,7 +206,7 @@ int32_t VxSnmpMgr::Ask(const Query& query, const ValueView& value, ResponseRecor
     Exchange exchange = {query.host, request, length, query.attempts, false, false};
     Datagram datagram;
     const int32_t outcome = RunExchange(Socket(), opened, exchange, datagram);
-    if (exchange.wasSilent) timeout = 0;  // Kept: nothing reads it afterwards.
+    if (exchange.wasSilent) timeout = 0;
     if (outcome == 1) ParseAnswer(datagram, answer);
     return outcome;
 }

@@ -36,7 +36,7 @@ void AskDevice(const char* host, const char* oid, uint8_t pduType, const Securit
     DebugLogA("szBindIp [%s]\n", szBindIp);
     VxSNMPv3 discovery;
     answer.reportLength = GetInformationV3(manager, &discovery, host, szBindIp, kRequestAttempts);
-    if (answer.reportLength <= 0) return;
+    if (answer.reportLength <= 0) return;  // Kept: without a report, no request is sent.
 
     const EngineValues engine = {discovery.EngineId(), discovery.EngineBoots(),
                                  discovery.EngineTime()};

@@ -98,6 +98,7 @@ void SweepAdaptersV3(SweepV3 sweep, BYTE useIPv6) {
     AdapterSweep adapters(
         manager.Socket(), manager.sock,
         SnmpSweepRequest(useIPv6, message.data, static_cast<int32_t>(message.length)));
+    // Kept: a stop request is not tested here either.
     while (adapters.Next()) {
         sweep.bindAddress = adapters.Address();
         HandleEventsV3(sweep);

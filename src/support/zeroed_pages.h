@@ -1,4 +1,5 @@
-// A block of zeroed memory that costs nothing until it is touched.
+// A block of zeroed memory that takes up no RAM until it is touched. It counts as committed memory
+// at once: 35 and 17 MB for the tables of the two managers.
 #pragma once
 
 #include <cstddef>

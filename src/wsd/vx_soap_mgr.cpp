@@ -67,6 +67,7 @@ void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t 
     request.protocol = 0;
     request.socketTimeoutMs = static_cast<int>(timeout);
     AdapterSweep adapters(*socket, sock, request);
+    // Kept: a stop request is not tested here; the Probe is still sent from each address.
     while (adapters.Next()) HandleEvents(timeout, adapters.IsLast());
     // Reaches responders on this computer that listen on the loopback address alone.
     if (!useIPv6 && SendRequest(*socket, sock, request, kLoopback)) HandleEvents(timeout, true);

@@ -85,7 +85,8 @@ bool EnterBindings(Reader& reader) {
     reader.position += 3;  // version, not checked
     if (reader.Here() == kTagOctetString) {
         reader.Take();
-        reader.position += reader.Take();  // community, not compared
+        const uint8_t communityLength = reader.Take();
+        reader.position += communityLength;  // not compared
     }
     const uint8_t pduTag = reader.Take();
     if (pduTag < kPduGetRequest || pduTag > kLastPduTag) return false;
