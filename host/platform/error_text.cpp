@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <exception>
+#include <new>
+
 namespace vndiscover::host {
 namespace {
 
@@ -29,6 +32,18 @@ const char* WordsFor(uint32_t error) {
 
 std::string ErrorText(uint32_t error) {
     return std::string(" (") + WordsFor(error) + "error " + std::to_string(error) + ")";
+}
+
+std::string ExceptionText() {
+    try {
+        throw;
+    } catch (const std::bad_alloc&) {
+        return "out of memory";
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "unknown error";
+    }
 }
 
 }  // namespace vndiscover::host

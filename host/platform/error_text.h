@@ -9,4 +9,7 @@ namespace vndiscover::host {
 // of files have words.
 std::string ErrorText(uint32_t error);
 
+// What the exception that is being handled says: "out of memory".
+std::string ExceptionText();
+
 }  // namespace vndiscover::host

@@ -3,12 +3,14 @@
 #include <mutex>
 #include <stdexcept>
 
+#include "platform/messages.h"
+
 namespace vndiscover::host {
 
 ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
     constexpr wchar_t kClass[] = L"VnDiscoverResults";
     WNDCLASSW description = {};
-    description.lpfnWndProc = Procedure;
+    description.lpfnWndProc = WindowProcedure<ResultWindow>;
     description.hInstance = GetModuleHandleW(nullptr);
     description.lpszClassName = kClass;
     {
@@ -22,21 +24,16 @@ ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
                               description.hInstance, nullptr);
     // Without it a sweep would find nothing.
     if (!window_) throw std::runtime_error("the window for the results cannot be created");
-    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    Attach(window_, this);
 }
 
 ResultWindow::~ResultWindow() { DestroyWindow(window_); }
 
-LRESULT CALLBACK ResultWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* self = reinterpret_cast<ResultWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message != kMessage || !self) return DefWindowProcW(window, message, wParam, lParam);
+std::optional<LRESULT> ResultWindow::OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != kMessage) return std::nullopt;
     const auto* address = reinterpret_cast<const char*>(wParam);
     const auto* value = reinterpret_cast<const char*>(lParam);
-    try {
-        if (address && value) self->onResult_(address, value);
-    } catch (...) {
-        // Out of memory: the row is lost. An exception must not pass through the module.
-    }
+    if (address && value) onResult_(address, value);
     return 0;
 }
 

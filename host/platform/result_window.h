@@ -3,7 +3,9 @@
 
 #include <vndiscover.h>
 
+#include <exception>
 #include <functional>
+#include <optional>
 
 namespace vndiscover::host {
 
@@ -22,12 +24,18 @@ class ResultWindow {
     ResultWindow& operator=(const ResultWindow&) = delete;
 
     HWND Handle() const { return window_; }
+    // After the sweep, throws again what OnResult has thrown last: its result is lost.
+    void Rethrow() const {
+        if (failure_) std::rethrow_exception(failure_);
+    }
     static constexpr UINT kMessage = WM_APP;
 
-  private:
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    std::optional<LRESULT> OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void OnException() noexcept { failure_ = std::current_exception(); }
 
+  private:
     OnResult onResult_;
+    std::exception_ptr failure_;
     HWND window_ = nullptr;
 };
 

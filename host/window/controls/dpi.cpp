@@ -5,12 +5,7 @@
 namespace vndiscover::host {
 namespace {
 
-int SystemDpi() {
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
-    ReleaseDC(nullptr, screen);
-    return dpi;
-}
+int SystemDpi() { return GetDeviceCaps(WindowDc(nullptr).Get(), LOGPIXELSY); }
 
 }  // namespace
 
@@ -23,12 +18,12 @@ int DpiOf(HWND window) {
     return dpi != 0 ? static_cast<int>(dpi) : SystemDpi();
 }
 
-HFONT MakeMessageFont(int dpi) {
+OwnedFont MakeMessageFont(int dpi) {
     NONCLIENTMETRICSW metrics = {};
     metrics.cbSize = sizeof metrics;
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     metrics.lfMessageFont.lfHeight = MulDiv(metrics.lfMessageFont.lfHeight, dpi, SystemDpi());
-    return CreateFontIndirectW(&metrics.lfMessageFont);
+    return OwnedFont(CreateFontIndirectW(&metrics.lfMessageFont));
 }
 
 }  // namespace vndiscover::host

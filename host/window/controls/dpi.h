@@ -3,10 +3,14 @@
 
 #include <windows.h>
 
+#include "window/controls/owners.h"
+
 namespace vndiscover::host {
 
 int DpiOf(HWND window);
-// The user's message font, which the caller must delete.
-HFONT MakeMessageFont(int dpi);
+// A size in pixels at 96 DPI.
+inline int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
+// The user's font for messages.
+OwnedFont MakeMessageFont(int dpi);
 
 }  // namespace vndiscover::host

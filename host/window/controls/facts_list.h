@@ -3,11 +3,11 @@
 
 #include <windows.h>
 
-#include <commctrl.h>
-
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "window/controls/list_control.h"
 
 namespace vndiscover::host {
 
@@ -22,28 +22,24 @@ struct Fact {
     }
 };
 
-class FactsList {
+class FactsList : private ListModel {
   public:
     // The list is a child of `parent` and is destroyed with it.
     void Create(HWND parent, int id, const std::wstring& name);
-    HWND Handle() const { return list_; }
+    HWND Handle() const { return list_.Handle(); }
     void Show(std::vector<Fact> facts);
-    const std::vector<Fact>& Facts() const { return facts_; }
     void Resize(const RECT& place, int dpi);
-    // Handles WM_NOTIFY from this list and returns the result of the message.
-    LRESULT OnNotify(NMHDR* header);
 
   private:
-    HIMAGELIST MakeMarks() const;
+    size_t Count() const override { return facts_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override;
+    std::optional<int> Level(size_t row, size_t column) const override;
+    int Image(size_t row) const override { return facts_[row].mark - 1; }
     void SetRowImages();
 
-    HWND list_ = nullptr;
+    ListControl list_{*this};
     int dpi_ = 96;
     std::vector<Fact> facts_;
 };
-
-// Draws a level and its text into a cell of the list that `draw` is about, in the user's colours.
-void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const std::wstring& text,
-             int dpi);
 
 }  // namespace vndiscover::host

@@ -5,20 +5,25 @@
 
 namespace vndiscover::host {
 
-HMENU MakePopup(const Commands& commands, const std::vector<std::wstring>& cells,
-                std::wstring (*textOf)(unsigned command)) {
-    const HMENU menu = CreatePopupMenu();
+void AddPopup(HMENU menu, OwnedMenu popup, const std::wstring& text) {
+    if (AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup.Get()), text.c_str()))
+        popup.Release();
+}
+
+OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& cells,
+                    std::wstring (*textOf)(unsigned command)) {
+    OwnedMenu menu(CreatePopupMenu());
     for (const unsigned command : commands) {
         if (command == kMenuLine) {
-            AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+            AppendMenuW(menu.Get(), MF_SEPARATOR, 0, nullptr);
         } else if (command == IDS_MENU_CELLS) {
-            const HMENU popup = CreatePopupMenu();
+            OwnedMenu popup(CreatePopupMenu());
             for (size_t cell = 0; cell < cells.size(); ++cell)
-                AppendMenuW(popup, MF_STRING, IDM_CELL + cell, cells[cell].c_str());
-            AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), Text(command).c_str());
+                AppendMenuW(popup.Get(), MF_STRING, IDM_CELL + cell, cells[cell].c_str());
+            AddPopup(menu.Get(), std::move(popup), Text(command));
         } else {
             const std::wstring text = textOf ? textOf(command) : Text(command);
-            AppendMenuW(menu, MF_STRING, command, text.c_str());
+            AppendMenuW(menu.Get(), MF_STRING, command, text.c_str());
         }
     }
     return menu;

@@ -2,9 +2,12 @@
 
 #include <commctrl.h>
 
+#include <utility>
+
+#include "platform/error_text.h"
+#include "platform/messages.h"
 #include "platform/wide_text.h"
 #include "window/controls/dpi.h"
-#include "window/controls/list_copy.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -33,53 +36,47 @@ void ChangeText(HWND window, const std::wstring& text) {
     if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
 }
 
-TableDialog::~TableDialog() {
+ListDialog::~ListDialog() {
     if (dialog_) DestroyWindow(dialog_);
 }
 
-void TableDialog::OpenDialog(HWND owner, int resource) {
+void ListDialog::OpenDialog(HWND owner, int resource) {
     if (!dialog_)
-        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner, Procedure,
-                           reinterpret_cast<LPARAM>(this));
+        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
+                           DialogProcedure<ListDialog>, reinterpret_cast<LPARAM>(this));
     if (!dialog_) return;
     ShowWindow(dialog_, SW_SHOW);
     SetActiveWindow(dialog_);
 }
 
-INT_PTR CALLBACK TableDialog::Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM wParam,
+                                             LPARAM lParam) {
     if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
-        auto* self = reinterpret_cast<TableDialog*>(lParam);
-        self->dialog_ = dialog;
-        self->Begin();
+        dialog_ = dialog;
+        Begin();
         return TRUE;
     }
-    auto* self = reinterpret_cast<TableDialog*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
-    if (!self) return FALSE;
-    if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
-        self->Close();
+    if (message == WM_NCDESTROY) {
+        dialog_ = nullptr;
+        OnClosed();
+    } else if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
+        Close();
     } else if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
-        self->OnCommand(LOWORD(wParam));
-    } else if (message == WM_NCDESTROY) {
-        self->dialog_ = nullptr;
-        self->OnClosed();
-    } else if (message == WM_CONTEXTMENU && IsList(reinterpret_cast<HWND>(wParam))) {
-        ShowCopyMenu(reinterpret_cast<HWND>(wParam), lParam);
-    } else if (message == WM_NOTIFY) {
-        auto* header = reinterpret_cast<NMHDR*>(lParam);
-        self->table_.OnNotify(header);
-        if (header->code == LVN_ITEMCHANGED) self->OnSelected();
+        OnCommand(LOWORD(wParam));
     }
-    return FALSE;
+    return HandleListMessage(message, wParam, lParam);
 }
 
-void TableDialog::BeginDialog(const std::wstring& title, int table,
-                              const std::vector<TableColumn>& columns) {
+void ListDialog::BeginDialog(const std::wstring& title, int list,
+                             const std::vector<ListColumn>& columns) {
     SetDialogTexts(dialog_, IDS_TITLE);
     SetWindowTextW(dialog_, title.c_str());
     SetItem(IDCANCEL, Text(IDS_CALL_CLOSE));
-    table_.Attach(Item(table));
-    table_.Begin(title, columns, DpiOf(dialog_));
+    list_.Attach(Item(list));
+    list_.SetName(title);
+    list_.SetDpi(DpiOf(dialog_));
+    list_.SetColumns(columns);
+    list_.Refresh();
 }
 
 void SetDialogTexts(HWND dialog, unsigned title) {
@@ -91,7 +88,7 @@ void SetDialogTexts(HWND dialog, unsigned title) {
     }
 }
 
-void Tell(HWND owner, const std::wstring& problem, bool isScript) {
+void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {
     if (!isScript) {
         MessageBoxW(owner, problem.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
         return;
@@ -100,6 +97,17 @@ void Tell(HWND owner, const std::wstring& problem, bool isScript) {
     DWORD written = 0;
     WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()),
               &written, nullptr);
+}
+
+void ShowException(HWND owner, bool isScript) noexcept {
+    static bool isShowing = false;  // the window's thread alone calls this
+    if (std::exchange(isShowing, true)) return;
+    try {
+        ShowProblem(owner, ToWide(ExceptionText()), isScript);
+    } catch (...) {
+        MessageBoxW(owner, L"out of memory", L"VnBrowser", MB_OK | MB_ICONWARNING);
+    }
+    isShowing = false;
 }
 
 int AskToSave(HWND owner) {

@@ -5,7 +5,9 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <optional>
 
+#include "platform/messages.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
@@ -54,15 +56,15 @@ class SnmpDialog {
     explicit SnmpDialog(Credentials& credentials)
         : credentials_(credentials), known_(credentials.security) {}
 
-    static INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
         if (message == WM_INITDIALOG) {
-            SetWindowLongPtrW(dialog, GWLP_USERDATA, lParam);
-            reinterpret_cast<SnmpDialog*>(lParam)->Begin(dialog);
+            Begin(dialog);
             return TRUE;
         }
-        auto* self = reinterpret_cast<SnmpDialog*>(GetWindowLongPtrW(dialog, GWLP_USERDATA));
-        return self && message == WM_COMMAND && self->OnCommand(LOWORD(wParam), HIWORD(wParam));
+        if (message == WM_COMMAND && OnCommand(LOWORD(wParam), HIWORD(wParam))) return 0;
+        return std::nullopt;
     }
+    void OnException() noexcept { ShowException(dialog_, false); }
 
   private:
     void Begin(HWND dialog) {
@@ -256,7 +258,7 @@ class SnmpDialog {
 bool AskCredentials(HWND owner, Credentials& credentials) {
     SnmpDialog dialog(credentials);
     return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_SNMP), owner,
-                           SnmpDialog::Procedure, reinterpret_cast<LPARAM>(&dialog)) == TRUE;
+                           DialogProcedure<SnmpDialog>, reinterpret_cast<LPARAM>(&dialog)) == TRUE;
 }
 
 bool UseProfile(const std::wstring& name, Credentials& credentials) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "platform/wide_text.h"
-#include "window/controls/lists.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -27,23 +26,21 @@ void DeviceColumns::SetDefaults(Settings& settings) {
     std::copy(std::begin(kOrder), std::end(kOrder), settings.order.begin());
 }
 
-void DeviceColumns::Show(const Settings& settings, int dpi) {
-    // The last one first: the list moves the texts of the others to the left.
-    for (size_t count = shown_.size(); count > 0; --count)
-        SendMessageW(list_, LVM_DELETECOLUMN, count - 1, 0);
+void DeviceColumns::Show(const Settings& settings) {
     shown_.clear();
+    std::vector<ListColumn> columns;
     for (size_t index = 0; index < kColumnCount; ++index) {
         if (settings.hidden >> index & 1) continue;
-        const auto column = static_cast<Column>(index);
-        AddColumn(list_, ColumnName(column), MulDiv(settings.widths[index], dpi, 96));
-        shown_.push_back(column);
+        columns.push_back({IDS_COLUMN_NAME + static_cast<unsigned>(index), settings.widths[index]});
+        shown_.push_back(static_cast<Column>(index));
     }
+    list_->SetColumns(columns);
     std::vector<int> order;
     for (const int32_t index : settings.order) {
         const auto at = std::find(shown_.begin(), shown_.end(), static_cast<Column>(index));
         if (at != shown_.end()) order.push_back(static_cast<int>(at - shown_.begin()));
     }
-    ListView_SetColumnOrderArray(list_, static_cast<int>(order.size()), order.data());
+    ListView_SetColumnOrderArray(list_->Handle(), static_cast<int>(order.size()), order.data());
 }
 
 void DeviceColumns::Store(Settings& settings, int dpi) const {
@@ -55,7 +52,7 @@ void DeviceColumns::Store(Settings& settings, int dpi) const {
     }
     for (size_t index = 0; index < shown_.size(); ++index)
         settings.widths[static_cast<size_t>(shown_[index])] =
-            MulDiv(ListView_GetColumnWidth(list_, static_cast<int>(index)), 96, dpi);
+            MulDiv(ListView_GetColumnWidth(list_->Handle(), static_cast<int>(index)), 96, dpi);
 }
 
 bool DeviceColumns::IsShown(Column column) const {
@@ -64,15 +61,18 @@ bool DeviceColumns::IsShown(Column column) const {
 
 std::vector<Heading> DeviceColumns::Headings() const {
     std::vector<int> order(shown_.size());
-    ListView_GetColumnOrderArray(list_, static_cast<int>(order.size()), order.data());
+    ListView_GetColumnOrderArray(list_->Handle(), static_cast<int>(order.size()), order.data());
     std::vector<Heading> headings;
     headings.reserve(order.size());
-    for (const int index : order) headings.push_back({At(index), ToUtf8(ColumnName(At(index)))});
+    for (const int index : order) {
+        const Column column = At(static_cast<size_t>(index));
+        headings.push_back({column, ToUtf8(ColumnName(column))});
+    }
     return headings;
 }
 
 void DeviceColumns::MarkSorted(Column sorted, bool isDescending) {
-    const HWND header = ListView_GetHeader(list_);
+    const HWND header = ListView_GetHeader(list_->Handle());
     for (size_t index = 0; index < shown_.size(); ++index) {
         HDITEMW item = {};
         item.mask = HDI_FORMAT;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "model/scan/device_view.h"
+#include "window/controls/list_control.h"
 #include "window/store/settings.h"
 
 namespace vndiscover::host {
@@ -21,21 +22,18 @@ class DeviceColumns {
     static void SetDefaults(Settings& settings);
 
     // The list must outlive it.
-    void Use(HWND list) { list_ = list; }
-    void Show(const Settings& settings, int dpi);
+    void Use(ListControl& list) { list_ = &list; }
+    void Show(const Settings& settings);
     void Store(Settings& settings, int dpi) const;
 
-    Column At(int index) const {
-        const auto at = static_cast<size_t>(index);
-        return at < shown_.size() ? shown_[at] : Column::kName;
-    }
+    Column At(size_t index) const { return index < shown_.size() ? shown_[index] : Column::kName; }
     bool IsShown(Column column) const;
     // As they are shown, from left to right.
     std::vector<Heading> Headings() const;
     void MarkSorted(Column column, bool isDescending);
 
   private:
-    HWND list_ = nullptr;
+    ListControl* list_ = nullptr;
     std::vector<Column> shown_;  // in the order of Column, as in the list
 };
 

@@ -6,15 +6,17 @@
 #include <commctrl.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
+#include "window/controls/list_control.h"
 #include "window/main/device_columns.h"
 #include "window/work/session.h"
 
 namespace vndiscover::host {
 
-class DeviceList {
+class DeviceList : private ListModel {
   public:
     struct Actions {
         std::function<void()> onSelected;     // the user has selected a row
@@ -25,7 +27,7 @@ class DeviceList {
         : session_(session), actions_(std::move(actions)) {}
     // The list is a child of `parent` and is destroyed with it.
     void Create(HWND parent);
-    HWND Handle() const { return list_; }
+    HWND Handle() const { return list_.Handle(); }
     void SetDpi(int dpi);
 
     void ShowColumns(const Settings& settings);
@@ -34,31 +36,31 @@ class DeviceList {
 
     // Updates rows, selection and headings from the session.
     void Show();
-    // Handles WM_NOTIFY from the list and returns the result of the message.
-    LRESULT OnNotify(NMHDR* header);
+    // Handles WM_NOTIFY that a cell was clicked.
+    void OnNotify(const NMHDR& header);
     // Handles WM_CONTEXTMENU from the list or its header; the commands go to the parent.
     void ShowMenu(LPARAM place);
 
-    // Texts as they are shown; RowText and TableText with tabs and line ends. ChosenColumn is that
-    // of the cell that was clicked last.
+    // The column of the cell that was clicked last.
     Column ChosenColumn() const { return chosenColumn_; }
-    std::wstring CellText(const DeviceRow& row, Column column) const;
-    std::wstring RowText(const DeviceRow& row) const;
-    std::wstring TableText() const;
+    // As it is shown.
+    std::wstring TextOf(const DeviceRow& row, Column column) const;
+    const ListControl& List() const { return list_; }
 
   private:
-    void FillCell(LVITEMW& item) const;
-    LRESULT DrawCell(NMLVCUSTOMDRAW& draw) const;
-    void ClickColumn(int column);
-    void OnSelected();
+    size_t Count() const override { return session_.view.Count(); }
+    std::wstring CellText(size_t row, size_t column) const override;
+    std::optional<int> Level(size_t row, size_t column) const override;
+    unsigned EmptyText() const override { return actions_.emptyText(); }
+    void OnSelected() override;
+    void OnHeading(size_t column) override;
 
     Session& session_;
     Actions actions_;
-    HWND list_ = nullptr;
+    ListControl list_{*this};
     DeviceColumns columns_;
     Column chosenColumn_ = Column::kAddress;
     int dpi_ = 96;
-    bool isShowing_ = false;  // the selection is set by the program
 };
 
 }  // namespace vndiscover::host

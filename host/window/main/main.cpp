@@ -57,7 +57,7 @@ int Run() {
     const bool isScript = std::count(words.begin(), words.end(), kExit) != 0;
     StartOptions options;
     if (const std::wstring problem = ReadOptions(words, options); !problem.empty()) {
-        Tell(nullptr, problem + L"\n\n" + Text(IDS_USAGE), isScript);
+        ShowProblem(nullptr, problem + L"\n\n" + Text(IDS_USAGE), isScript);
         return kWrongUsage;
     }
     try {
@@ -65,7 +65,7 @@ int Run() {
         MainWindow window(engine, options);
         return window.Run();
     } catch (const std::exception& error) {
-        Tell(nullptr, ToWide(error.what()), isScript);
+        ShowProblem(nullptr, ToWide(error.what()), isScript);
         return kWrongUsage;
     }
 }

@@ -6,10 +6,11 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "platform/messages.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
+#include "window/controls/clipboard.h"
 #include "window/controls/dpi.h"
-#include "window/controls/list_copy.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/main/layout.h"
@@ -56,13 +57,14 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     const INITCOMMONCONTROLSEX controls = {
         sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
     InitCommonControlsEx(&controls);
-    const wchar_t* const type = RegisterType(L"VnBrowser", Procedure);
+    const wchar_t* const type = RegisterType(L"VnBrowser", WindowProcedure<MainWindow>);
     keys_ = LoadAcceleratorsW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDR_KEYS));
-    window_ = CreateWindowExW(WS_EX_CONTROLPARENT, type, Text(IDS_TITLE).c_str(),
-                              WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT,
-                              0, 0, nullptr, MakeMenu(), GetModuleHandleW(nullptr), nullptr);
+    window_ =
+        CreateWindowExW(WS_EX_CONTROLPARENT, type, Text(IDS_TITLE).c_str(),
+                        WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT, CW_USEDEFAULT, 0, 0,
+                        nullptr, MakeMenu().Release(), GetModuleHandleW(nullptr), nullptr);
     if (!window_) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
-    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    Attach(window_, this);
     dpi_ = DpiOf(window_);
     CreateControls();
     SetFonts();
@@ -82,7 +84,6 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
 MainWindow::~MainWindow() {
     workers_.reset();
     if (window_) DestroyWindow(window_);
-    if (font_) DeleteObject(font_);
 }
 
 int MainWindow::Run() {
@@ -93,9 +94,10 @@ int MainWindow::Run() {
 
 void MainWindow::Dispatch(MSG& message) {
     // While text is edited, Ctrl+C copies that.
-    const int copy = message.message == WM_KEYDOWN ? CopyCommandOf(message.wParam) : 0;
+    const int copy = message.message == WM_KEYDOWN ? ListControl::CopyCommandOf(message.wParam) : 0;
     if (copy != 0 && message.hwnd == devices_.Handle()) return OnCommand(copy, 0);
-    if (copy != 0 && IsList(message.hwnd)) return CopyFromList(message.hwnd, copy);
+    const ListControl* list = copy != 0 ? ListControl::Of(message.hwnd) : nullptr;
+    if (list) return list->Copy(copy);
     if (TranslateAcceleratorW(window_, keys_, &message)) return;
     const HWND active = GetActiveWindow();
     if (IsDialogMessageW(active ? active : window_, &message)) return;
@@ -103,13 +105,12 @@ void MainWindow::Dispatch(MSG& message) {
     DispatchMessageW(&message);
 }
 
-LRESULT CALLBACK MainWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    auto* self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    return self ? self->OnMessage(message, wParam, lParam)
-                : DefWindowProcW(window, message, wParam, lParam);
+void MainWindow::OnException() noexcept {
+    if (options_.exit) exitCode_ = kFailed;
+    ShowException(window_, options_.exit);
 }
 
-LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case kEvents:
             // The queue is not emptied until then, so that one frame handles all events.
@@ -144,11 +145,19 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_COMMAND:
             OnCommand(LOWORD(wParam), HIWORD(wParam));
             return 0;
-        case WM_NOTIFY:
-            return OnNotify(reinterpret_cast<NMHDR*>(lParam));
-        case WM_CONTEXTMENU:
-            OnContextMenu(reinterpret_cast<HWND>(wParam), lParam);
+        case WM_NOTIFY: {
+            const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+            if (header.idFrom == IDC_DEVICES) devices_.OnNotify(header);
+            details_.OnNotify(header);
+            return HandleListMessage(message, wParam, lParam);
+        }
+        case WM_CONTEXTMENU: {
+            const auto control = reinterpret_cast<HWND>(wParam);
+            if (control != devices_.Handle() && control != ListView_GetHeader(devices_.Handle()))
+                return HandleListMessage(message, wParam, lParam);
+            devices_.ShowMenu(lParam);
             return 0;
+        }
         case kCopied:
             note_ = wParam ? L"" : Text(IDS_NOT_COPIED);
             shownNote_.clear();  // the same one is shown again
@@ -176,12 +185,12 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
             if (WillSave()) EndEarly();
             return 0;
         case WM_DESTROY:
-            SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+            Attach<MainWindow>(window_, nullptr);
             window_ = nullptr;
             PostQuitMessage(0);
             return 0;
         default:
-            return DefWindowProcW(window_, message, wParam, lParam);
+            return std::nullopt;
     }
 }
 
@@ -217,12 +226,11 @@ void MainWindow::CreateControls() {
 }
 
 void MainWindow::SetFonts() {
-    const HFONT old = font_;
-    font_ = MakeMessageFont(dpi_);
+    OwnedFont font = MakeMessageFont(dpi_);
     devices_.SetDpi(dpi_);
     for (HWND child = GetWindow(window_, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
-        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_), TRUE);
-    if (old) DeleteObject(old);
+        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
+    font_ = std::move(font);
 }
 
 void MainWindow::RestoreSettings() {
@@ -253,12 +261,10 @@ int MainWindow::WidthOf(int id) const {
     std::wstring text = WindowText(GetDlgItem(window_, id));
     if (id == IDC_PRESET) text = Text(IDS_PRESET_KNOWN);
     if (id == IDC_FIND) text = Text(IDS_STOPPING);  // the longest, so that the others never move
-    const HDC dc = GetDC(window_);
-    const HGDIOBJ old = SelectObject(dc, font_);
+    const WindowDc dc(window_);
+    const Selection writing(dc.Get(), font_.Get());
     RECT size = {};
-    DrawTextW(dc, text.c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
-    SelectObject(dc, old);
-    ReleaseDC(window_, dc);
+    DrawTextW(dc.Get(), text.c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
     if (id == IDC_FIND) return size.right + scaled(36);
     if (id == IDC_PRESET) return size.right + scaled(44);
     return size.right + (id == IDC_PRESET_LABEL || id == IDC_FILTER_LABEL ? 2 : scaled(26));
@@ -276,7 +282,7 @@ void MainWindow::Place() {
     input.statusHeight = status.bottom - status.top;
     input.dpi = dpi_;
     LOGFONTW font = {};
-    GetObjectW(font_, sizeof font, &font);
+    GetObjectW(font_.Get(), sizeof font, &font);
     input.textHeight = MulDiv(std::abs(font.lfHeight), 4, 3);
     for (const int id : kBar) {
         input.barWidths.push_back(WidthOf(id));
@@ -340,10 +346,10 @@ void MainWindow::OnCommand(int id, int code) {
             CopyCell(devices_.ChosenColumn());
             break;
         case IDM_COPY_ROW:
-            if (row) CopyText(window_, devices_.RowText(*row));
+            devices_.List().Copy(id);
             break;
         case IDM_COPY_TABLE:
-            CopyText(window_, devices_.TableText());
+            CopyText(window_, devices_.List().TableText(true));
             break;
         case IDM_FILTER:
             SetFocus(GetDlgItem(window_, IDC_FILTER));
@@ -396,18 +402,6 @@ void MainWindow::OnCommand(int id, int code) {
             break;
     }
     ShowStatus();
-}
-
-void MainWindow::OnContextMenu(HWND control, LPARAM place) {
-    if (control == devices_.Handle() || control == ListView_GetHeader(devices_.Handle())) {
-        devices_.ShowMenu(place);
-    } else if (IsList(control)) {
-        ShowCopyMenu(control, place);
-    }
-}
-
-LRESULT MainWindow::OnNotify(NMHDR* header) {
-    return header->idFrom == IDC_DEVICES ? devices_.OnNotify(header) : details_.OnNotify(header);
 }
 
 DeviceList::Actions MainWindow::DeviceActions() {
@@ -664,7 +658,7 @@ void MainWindow::ShowStatus() {
 // Returns false.
 bool MainWindow::Complain(const std::wstring& text) {
     note_ = text;
-    Tell(window_, text, options_.exit);
+    ShowProblem(window_, text, options_.exit);
     return false;
 }
 
@@ -672,7 +666,7 @@ bool MainWindow::Complain(const std::wstring& text) {
 bool MainWindow::MayReplaceScan() {
     OnFrame();  // what the workers have told until now
     const bool isFilled = isSweeping_ || !asked_.empty() || workers_->Waiting() != 0;
-    if (isFilled) Tell(window_, Text(IDS_AWAITS_ANSWERS), false);
+    if (isFilled) ShowProblem(window_, Text(IDS_AWAITS_ANSWERS), false);
     return !isFilled && MayDropScan();
 }
 
@@ -734,7 +728,7 @@ void MainWindow::WithPath(const FileCommand& command) {
 void MainWindow::CopyCell(Column column) {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row) return;
-    const std::wstring text = devices_.CellText(*row, column);
+    const std::wstring text = devices_.TextOf(*row, column);
     if (CopyText(window_, text)) note_ = Text(IDS_COPIED, {text});
 }
 

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,9 @@ class MainWindow {
     MainWindow& operator=(const MainWindow&) = delete;
 
     HWND Handle() const { return window_; }
+    // See platform/messages.h.
+    std::optional<LRESULT> OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    void OnException() noexcept;
     // Runs until the window is closed, and returns the process's exit code.
     int Run();
     // Handles one message of the queue, accelerators included.
@@ -58,8 +62,6 @@ class MainWindow {
         bool (MainWindow::*method)(const std::string& path);
     };
     static const FileCommand kFileCommands[];
-    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
     void CreateControls();
     HWND CreateControl(const wchar_t* type, unsigned text, DWORD style, int id, DWORD extended = 0);
     void SetFonts();
@@ -71,8 +73,6 @@ class MainWindow {
     int WidthOf(int id) const;
 
     void OnCommand(int id, int code);
-    void OnContextMenu(HWND control, LPARAM place);
-    LRESULT OnNotify(NMHDR* header);
     DeviceList::Actions DeviceActions();
 
     void StartOrStop();
@@ -107,7 +107,7 @@ class MainWindow {
     StartOptions options_;
     Session session_;
     HWND window_ = nullptr;
-    HFONT font_ = nullptr;
+    OwnedFont font_;
     HACCEL keys_ = nullptr;
     DeviceList devices_{session_, DeviceActions()};
     DetailsPane details_{session_};

@@ -42,22 +42,23 @@ std::vector<std::wstring> ColumnNames() {
     return names;
 }
 
-HMENU MakeCommands(const Commands& commands) { return MakePopup(commands, ColumnNames(), TextOf); }
+OwnedMenu MakeCommands(const Commands& commands) {
+    return MakePopup(commands, ColumnNames(), TextOf);
+}
 
 }  // namespace
 
 // A MENU resource would duplicate the texts.
-HMENU MakeMenu() {
-    const HMENU bar = CreateMenu();
+OwnedMenu MakeMenu() {
+    OwnedMenu bar(CreateMenu());
     for (const auto& popup : kPopups)
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(MakeCommands(popup.commands)),
-                    Text(popup.title).c_str());
+        AddPopup(bar.Get(), MakeCommands(popup.commands), Text(popup.title));
     return bar;
 }
 
 HMENU ViewMenuOf(HMENU bar) { return GetSubMenu(bar, kView); }
 
-HMENU MakeDeviceMenu() {
+OwnedMenu MakeDeviceMenu() {
     Commands commands = {IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, kLine};
     commands.insert(commands.end(), kDevice.begin(), kDevice.end());
     return MakeCommands(commands);

@@ -4,9 +4,8 @@
 
 #include "platform/wide_text.h"
 #include "values/plain_text.h"
+#include "window/controls/clipboard.h"
 #include "window/controls/dpi.h"
-#include "window/controls/list_copy.h"
-#include "window/controls/lists.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -16,7 +15,18 @@ namespace {
 constexpr size_t kMaxCalls = 1000;
 enum { kTime, kExport, kResult, kDuration };
 
-std::wstring CellText(const Call& call, size_t column) {
+// With the line breaks of an edit control.
+std::wstring Lines(const std::string& text) {
+    std::string lines;
+    for (const char letter : text)
+        lines += letter == '\n' ? std::string("\r\n") : std::string(1, letter);
+    return ToWide(lines);
+}
+
+}  // namespace
+
+std::wstring CallsWindow::CellText(size_t row, size_t column) const {
+    const Call& call = calls_[row];
     switch (column) {
         case kTime:
             return LocalTime(call.time);
@@ -34,16 +44,6 @@ std::wstring CellText(const Call& call, size_t column) {
     }
 }
 
-// With the line breaks of an edit control.
-std::wstring Lines(const std::string& text) {
-    std::string lines;
-    for (const char letter : text)
-        lines += letter == '\n' ? std::string("\r\n") : std::string(1, letter);
-    return ToWide(lines);
-}
-
-}  // namespace
-
 void CallsWindow::Add(Call call) {
     if (call.walk != 0 && !calls_.empty() && calls_.front().walk == call.walk) {
         ++calls_.front().more;
@@ -59,13 +59,12 @@ void CallsWindow::Refresh() {
     const size_t added = std::exchange(added_, 0);
     const bool isFolded = std::exchange(isFolded_, false);
     if (!IsOpen() || (added == 0 && !isFolded)) return;
-    const int selected = SelectedRow(table_.Handle());
-    table_.Show(calls_.size(),
-                [this](size_t row, size_t column) { return CellText(calls_[row], column); });
+    const int selected = list_.Selected();
+    list_.Refresh();
     // The selection stays with its call.
     const size_t row = static_cast<size_t>(selected) + added;
     const bool isKept = selected >= 0 && row < calls_.size();
-    SelectRow(table_.Handle(), isKept ? static_cast<int>(row) : -1);
+    list_.Select(isKept ? static_cast<int>(row) : -1);
     if (!isKept) ShowText();
 }
 
@@ -73,10 +72,10 @@ void CallsWindow::Begin() {
     BeginDialog(
         Text(IDS_CALLS_TITLE), IDC_CALLS,
         {{IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_RESULT, 190}, {IDS_CALL_MS, 50}});
-    font_ =
-        CreateFontW(-MulDiv(9, DpiOf(dialog_), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0,
-                    0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN, L"Consolas");
-    SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(font_), FALSE);
+    font_.Reset(CreateFontW(-MulDiv(9, DpiOf(dialog_), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0,
+                            DEFAULT_CHARSET, 0, 0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN,
+                            L"Consolas"));
+    SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
     CheckRadioButton(dialog_, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_CPP);
     added_ = calls_.size();
     ShowText();
@@ -89,7 +88,7 @@ void CallsWindow::OnCommand(int id) {
 }
 
 void CallsWindow::ShowText() {
-    const auto row = static_cast<size_t>(SelectedRow(table_.Handle()));
+    const auto row = static_cast<size_t>(list_.Selected());
     std::wstring text = Text(IDS_CALLS_NONE);
     if (row < calls_.size()) {
         const CallLanguage language =

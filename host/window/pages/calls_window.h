@@ -12,7 +12,7 @@
 
 namespace vndiscover::host {
 
-class CallsWindow : private TableDialog {
+class CallsWindow : private ListDialog {
   public:
     // Only the last thousand are kept. Calls of one walk that come one after the other are one row.
     void Add(Call call);
@@ -24,13 +24,15 @@ class CallsWindow : private TableDialog {
     void Begin() override;
     void OnCommand(int id) override;
     void OnSelected() override { ShowText(); }
-    void OnClosed() override { DeleteObject(font_); }
+    void OnClosed() override { font_.Reset(); }
+    size_t Count() const override { return calls_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override;
     void ShowText();
 
     std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh
     bool isFolded_ = false;   // likewise, a call is in the row of another
-    HFONT font_ = nullptr;    // of the text, while the dialog is open
+    OwnedFont font_;          // of the text, while the dialog is open
 };
 
 }  // namespace vndiscover::host

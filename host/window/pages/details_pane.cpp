@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "window/controls/lists.h"
+#include "window/controls/dpi.h"
 #include "window/pages/pages.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -26,7 +26,7 @@ void DetailsPane::Create(HWND parent) {
         SendMessageW(tabs_, TCM_INSERTITEMW, index++, reinterpret_cast<LPARAM>(&tab));
     }
     facts_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
-    table_.Create(parent, IDC_TABLE);
+    table_.Create(parent, IDC_TABLE, L"");
     ShowWindow(table_.Handle(), SW_HIDE);
 }
 
@@ -37,16 +37,17 @@ void DetailsPane::Show() {
     const std::vector<size_t> old = std::exchange(answers_, answers);
     if (std::exchange(page_, &page) == &page && page.isOfAnswers && old == answers) return;
     // Another device's table starts at its top, without a selected row.
-    if (old.empty() || answers.empty() || old.front() != answers.front()) table_.Show(0, nullptr);
+    if (old.empty() || answers.empty() || old.front() != answers.front()) ShowRows({});
     if (!page.rows) {
         facts_.Show(DetailFacts(session_));
         return;
     }
-    TableRows rows = row ? page.rows(session_, *row) : TableRows();
-    const size_t count = rows.size();
-    table_.Show(count, [rows = std::move(rows)](size_t index, size_t column) {
-        return rows[index][column];
-    });
+    ShowRows(row ? page.rows(session_, *row) : TableRows());
+}
+
+void DetailsPane::ShowRows(TableRows rows) {
+    rows_ = std::move(rows);
+    table_.Refresh();
 }
 
 const DevicePage& DetailsPane::Page() const {
@@ -55,8 +56,13 @@ const DevicePage& DetailsPane::Page() const {
 
 void DetailsPane::ShowPage() {
     const DevicePage& page = Page();
-    if (page.rows) table_.Begin(Text(page.title), page.columns, dpi_);
     page_ = nullptr;
+    if (page.rows) {
+        ShowRows({});
+        table_.SetName(Text(page.title));
+        table_.SetDpi(dpi_);
+        table_.SetColumns(page.columns);
+    }
     FitTable();
     Show();
     ShowWindow(facts_.Handle(), page.rows ? SW_HIDE : SW_SHOW);
@@ -66,7 +72,7 @@ void DetailsPane::ShowPage() {
 void DetailsPane::Resize(const RECT& place, int dpi) {
     const bool isNew = std::exchange(dpi_, dpi) != dpi;
     if (isNew) {
-        TabCtrl_SetPadding(tabs_, MulDiv(6, dpi, 96), MulDiv(3, dpi, 96));
+        TabCtrl_SetPadding(tabs_, Scaled(6, dpi), Scaled(3, dpi));
         // Only a new font makes the control compute its tabs.
         SendMessageW(tabs_, WM_SETFONT, SendMessageW(tabs_, WM_GETFONT, 0, 0), TRUE);
     }
@@ -77,14 +83,13 @@ void DetailsPane::Resize(const RECT& place, int dpi) {
     MoveWindow(tabs_, place.left, place.top, place.right - place.left, page.top, TRUE);
     const RECT list = {place.left, place.top + page.top, place.right, place.bottom};
     facts_.Resize(list, dpi);
-    MoveWindow(table_.Handle(), list.left, list.top, list.right - list.left, list.bottom - list.top,
-               TRUE);
+    table_.Move(list);
     if (isNew) ShowPage();  // columns have other widths
     FitTable();
 }
 
 void DetailsPane::FitTable() {
-    if (Page().rows) table_.Fit(MulDiv(Page().columns.back().width, dpi_, 96));
+    if (Page().rows) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
 }
 
 void DetailsPane::Turn(int pages) {
@@ -93,18 +98,14 @@ void DetailsPane::Turn(int pages) {
     ShowPage();
 }
 
-LRESULT DetailsPane::OnNotify(NMHDR* header) {
-    if (header->idFrom == IDC_DETAILS) return facts_.OnNotify(header);
-    if (header->idFrom == IDC_TABLE && header->code == LVN_GETEMPTYMARKUP) {
-        const DeviceRow* row = session_.view.SelectedRow();
-        const unsigned text = !row                      ? IDS_NO_SELECTION
-                              : session_.WasAsked(*row) ? IDS_INTERFACES_NONE
-                                                        : IDS_NOT_ASKED;
-        return GiveEmptyText(header, text);
-    }
-    if (header->idFrom == IDC_TABLE) table_.OnNotify(header);
-    if (header->idFrom == IDC_PAGES && header->code == TCN_SELCHANGE) ShowPage();
-    return 0;
+unsigned DetailsPane::EmptyText() const {
+    const DeviceRow* row = session_.view.SelectedRow();
+    if (!row) return IDS_NO_SELECTION;
+    return session_.WasAsked(*row) ? IDS_INTERFACES_NONE : IDS_NOT_ASKED;
+}
+
+void DetailsPane::OnNotify(const NMHDR& header) {
+    if (header.idFrom == IDC_PAGES && header.code == TCN_SELCHANGE) ShowPage();
 }
 
 }  // namespace vndiscover::host

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "window/controls/facts_list.h"
-#include "window/controls/table_list.h"
+#include "window/controls/list_control.h"
 #include "window/pages/device_pages.h"
 #include "window/work/session.h"
 
 namespace vndiscover::host {
 
-class DetailsPane {
+class DetailsPane : private ListModel {
   public:
     // The session must outlive the pane.
     explicit DetailsPane(const Session& session) : session_(session) {}
@@ -25,18 +25,24 @@ class DetailsPane {
     void Resize(const RECT& place, int dpi);
     // Chooses the next page (1) or the one before (-1).
     void Turn(int pages);
-    // Handles WM_NOTIFY from one of the controls and returns the result of the message.
-    LRESULT OnNotify(NMHDR* header);
+    // Handles WM_NOTIFY from the tabs.
+    void OnNotify(const NMHDR& header);
 
   private:
+    // Of the table.
+    size_t Count() const override { return rows_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override { return rows_[row][column]; }
+    unsigned EmptyText() const override;
     const DevicePage& Page() const;
+    void ShowRows(TableRows rows);
     void ShowPage();
     void FitTable();
 
     const Session& session_;
     HWND tabs_ = nullptr;
-    FactsList facts_;  // the summary
-    TableList table_;  // the other pages
+    FactsList facts_;           // the summary
+    ListControl table_{*this};  // the other pages
+    TableRows rows_;
     int dpi_ = 96;
     const DevicePage* page_ = nullptr;  // the one that is shown; null: none yet
     std::vector<size_t> answers_;       // of the device that is shown

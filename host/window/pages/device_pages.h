@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "window/controls/table_list.h"
+#include "window/controls/list_control.h"
 #include "window/work/session.h"
 
 namespace vndiscover::host {
@@ -13,7 +13,7 @@ using TableRows = std::vector<std::vector<std::wstring>>;
 
 struct DevicePage {
     unsigned title;  // its string, on the tab
-    std::vector<TableColumn> columns;
+    std::vector<ListColumn> columns;
     TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: DetailFacts
     bool isOfAnswers;  // the rows change only with the device's answers
 };

@@ -5,7 +5,6 @@
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
-#include "window/controls/list_copy.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -45,12 +44,12 @@ void WalkWindow::Take(const Event& event) {
     state_ = State::kIdle;
     SetItem(IDS_WALK_START, Text(IDS_WALK_START));
     ShowState(EndText(event.walkEnd));
-    ShowValues();
+    list_.Refresh();
 }
 
 void WalkWindow::Refresh() {
     if (!IsOpen() || state_ == State::kIdle) return;
-    ShowValues();
+    list_.Refresh();
     const std::wstring seconds = std::to_wstring((GetTickCount64() - startMs_) / 1000);
     ShowState(state_ == State::kWaiting
                   ? Text(IDS_WALK_WAITING, {seconds})
@@ -79,7 +78,7 @@ void WalkWindow::OnCommand(int id) {
             Stop();
         }
     } else if (id == IDS_WALK_COPY_ROW || id == IDS_WALK_COPY_ALL) {
-        CopyFromList(table_.Handle(), id == IDS_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
+        list_.Copy(id == IDS_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
     }
 }
 
@@ -93,7 +92,7 @@ void WalkWindow::Start() {
         return;
     }
     values_.clear();
-    table_.Show(0, nullptr);
+    list_.Refresh();
     state_ = State::kWaiting;
     startMs_ = GetTickCount64();
     SetItem(IDS_WALK_START, Text(IDS_WALK_STOP));
@@ -105,11 +104,6 @@ void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
     SetItem(IDS_WALK_START, Text(IDS_STOPPING));
     actions_.stop();
-}
-
-void WalkWindow::ShowValues() {
-    table_.Show(values_.size(),
-                [this](size_t row, size_t column) { return CellText(row, column); });
 }
 
 void WalkWindow::ShowState(const std::wstring& text) { SetItem(IDC_WALK_STATE, text); }

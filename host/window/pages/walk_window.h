@@ -12,7 +12,7 @@
 
 namespace vndiscover::host {
 
-class WalkWindow : private TableDialog {
+class WalkWindow : private ListDialog {
   public:
     struct Actions {
         std::function<void(const AskTarget& target, const Oid& root, unsigned walk)> start;
@@ -35,9 +35,9 @@ class WalkWindow : private TableDialog {
     void OnClosed() override;
     void Start();
     void Stop();
-    void ShowValues();
     void ShowState(const std::wstring& text);
-    std::wstring CellText(size_t row, size_t column) const;
+    size_t Count() const override { return values_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override;
 
     Actions actions_;
     AskTarget target_;

@@ -9,6 +9,8 @@
 #include <cwchar>
 #include <iterator>
 
+#include "platform/owned.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -23,19 +25,25 @@ constexpr DWORD kMaxValueBytes = 16384;
 
 using Bytes = std::vector<BYTE>;
 
-// Holds passwords in the clear and wipes them on destruction. Never grows, so that no copies are
-// left.
-class ClearText {
-  public:
-    explicit ClearText(size_t size) : bytes_(size) {}
-    ~ClearText() { SecureZeroMemory(bytes_.data(), bytes_.size()); }
-    ClearText(const ClearText&) = delete;
-    ClearText& operator=(const ClearText&) = delete;
-    BYTE* Data() { return bytes_.data(); }
-    DWORD Size() const { return static_cast<DWORD>(bytes_.size()); }
+// Memory of the system with passwords in the clear: wiped before it is released.
+struct ClearTextTraits {
+    struct Value {
+        BYTE* bytes;
+        DWORD size;
+        bool operator!=(const Value& other) const { return bytes != other.bytes; }
+    };
+    static Value Empty() noexcept { return {nullptr, 0}; }
+    static void Close(const Value& value) noexcept {
+        SecureZeroMemory(value.bytes, value.size);
+        LocalFree(value.bytes);
+    }
+};
+using ClearText = Owned<ClearTextTraits>;
 
-  private:
-    Bytes bytes_;
+// A password on its way into a Secret.
+struct ClearPassword {
+    std::wstring text;
+    ~ClearPassword() { SecureZeroMemory(text.data(), text.size() * sizeof(wchar_t)); }
 };
 
 // Appends the text and its terminating zero as bytes.
@@ -45,7 +53,7 @@ void AppendText(Bytes& bytes, const wchar_t* text) {
 }
 
 // Reads the text at `at`, which moves past it. Empty if it is not terminated.
-std::optional<std::wstring> TakeText(const BYTE* bytes, size_t size, size_t& at) {
+std::optional<std::wstring> ReadText(const BYTE* bytes, size_t size, size_t& at) {
     const size_t first = at;
     wchar_t letter = 0;
     do {
@@ -76,21 +84,22 @@ Bytes Seal(const Security& security, const Bytes& clearPart) {
     const wchar_t* passwords[] = {security.authPassword.Get(), security.privPassword.Get()};
     size_t size = 0;
     for (const wchar_t* text : passwords) size += (std::wcslen(text) + 1) * sizeof(wchar_t);
-    ClearText clear(size);
-    BYTE* end = clear.Data();
+    const ClearText clear(
+        {static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, size)), static_cast<DWORD>(size)});
+    if (!clear) return {};
+    BYTE* end = clear.Get().bytes;
     for (const wchar_t* text : passwords) {
         const auto* first = reinterpret_cast<const BYTE*>(text);
         end = std::copy(first, first + (std::wcslen(text) + 1) * sizeof(wchar_t), end);
     }
-    DATA_BLOB in = {clear.Size(), clear.Data()};
+    DATA_BLOB in = {clear.Get().size, clear.Get().bytes};
     DATA_BLOB bound = BlobOf(clearPart.data(), clearPart.size());
     DATA_BLOB out = {};
     if (!CryptProtectData(&in, L"VnBrowser", &bound, nullptr, nullptr, CRYPTPROTECT_UI_FORBIDDEN,
                           &out))
         return {};
-    Bytes sealed(out.pbData, out.pbData + out.cbData);
-    LocalFree(out.pbData);
-    return sealed;
+    const OwnedLocal sealed(out.pbData);
+    return {out.pbData, out.pbData + out.cbData};
 }
 
 bool Open(const BYTE* sealed, size_t size, const Bytes& clearPart, Security& security) {
@@ -100,14 +109,15 @@ bool Open(const BYTE* sealed, size_t size, const Bytes& clearPart, Security& sec
     if (size == 0 || !CryptUnprotectData(&in, nullptr, &bound, nullptr, nullptr,
                                          CRYPTPROTECT_UI_FORBIDDEN, &out))
         return false;
+    const ClearText clear({out.pbData, out.cbData});
     size_t at = 0;
-    auto auth = TakeText(out.pbData, out.cbData, at);
-    auto priv = auth ? TakeText(out.pbData, out.cbData, at) : std::nullopt;
-    SecureZeroMemory(out.pbData, out.cbData);
-    LocalFree(out.pbData);
-    if (auth) security.authPassword = Secret(std::move(*auth));
-    if (priv) security.privPassword = Secret(std::move(*priv));
-    return priv.has_value();
+    for (Secret* password : {&security.authPassword, &security.privPassword}) {
+        auto text = ReadText(out.pbData, out.cbData, at);
+        if (!text) return false;
+        ClearPassword clearPassword = {std::move(*text)};
+        *password = Secret(std::move(clearPassword.text));
+    }
+    return true;
 }
 
 std::wstring KeyOf(const std::wstring& name) { return std::wstring(kProfilesKey) + L"\\" + name; }
@@ -127,18 +137,17 @@ bool IsProfileName(const std::wstring& name) {
 
 std::vector<std::wstring> ProfileNames() {
     std::vector<std::wstring> names;
-    HKEY key = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, kProfilesKey, 0, KEY_READ, &key) != ERROR_SUCCESS)
+    OwnedKey key;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, kProfilesKey, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
         return names;
     wchar_t name[256];
     for (DWORD index = 0;; ++index) {
         DWORD size = static_cast<DWORD>(std::size(name));
         const LSTATUS status =
-            RegEnumKeyExW(key, index, name, &size, nullptr, nullptr, nullptr, nullptr);
+            RegEnumKeyExW(key.Get(), index, name, &size, nullptr, nullptr, nullptr, nullptr);
         if (status != ERROR_SUCCESS) break;
         if (IsProfileName(name)) names.push_back(name);
     }
-    RegCloseKey(key);
     std::sort(names.begin(), names.end(), [](const std::wstring& one, const std::wstring& other) {
         return lstrcmpiW(one.c_str(), other.c_str()) < 0;
     });
@@ -156,7 +165,7 @@ std::optional<Profile> ReadProfile(const std::wstring& name) {
     Security& security = profile.security;
     size_t at = 0;
     for (std::wstring* text : {&security.user, &security.authLabel, &security.privLabel}) {
-        auto taken = TakeText(bytes.data(), size, at);
+        auto taken = ReadText(bytes.data(), size, at);
         if (!taken) return std::nullopt;
         *text = std::move(*taken);
     }

@@ -48,6 +48,16 @@ TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
     EXPECT_EQ(2, window_->Run());
 }
 
+// Not even its own texts can be made. The window goes on afterwards.
+TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
+    Open();
+    SetTextChange([](std::wstring) -> std::wstring { throw std::bad_alloc(); });
+    EXPECT_EQ("out of memory", Answer({IDOK}, [&] { Command(IDM_DOCTOR); }));
+    SetTextChange(nullptr);
+    Command(IDM_DOCTOR);
+    EXPECT_TRUE(Until([&] { return PopupOf(window_->Handle()) != nullptr; }));
+}
+
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));

@@ -1,0 +1,278 @@
+#include "window/controls/list_control.h"
+
+#include <windowsx.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "values/csv_cell.h"
+#include "window/controls/clipboard.h"
+#include "window/controls/dpi.h"
+#include "window/controls/level_bar.h"
+#include "window/controls/popup_menu.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr int kRowHeight = 18;
+constexpr int kValue = 1;  // the column after the one that names the row
+
+int CountColumns(HWND list) { return Header_GetItemCount(ListView_GetHeader(list)); }
+
+std::wstring RowCell(const std::wstring& text) { return ToWide(HarmlessCell(ToUtf8(text))); }
+
+template <class TextOf>
+std::wstring LineOf(const std::vector<int>& columns, TextOf textOf) {
+    std::wstring line;
+    for (const int column : columns) line += textOf(column) + L"\t";
+    if (!line.empty()) line.pop_back();
+    return line + L"\r\n";
+}
+
+}  // namespace
+
+ListControl::~ListControl() {
+    if (Of(list_) == this) SetWindowLongPtrW(list_, GWLP_USERDATA, 0);
+}
+
+void ListControl::Create(HWND parent, int id, const std::wstring& name, DWORD extended) {
+    Attach(CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
+                           WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
+                               LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                           0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                           GetModuleHandleW(nullptr), nullptr));
+    ListView_SetExtendedListViewStyleEx(list_, extended, extended);
+}
+
+void ListControl::Attach(HWND list) {
+    list_ = list;
+    const LONG_PTR style = GetWindowLongPtrW(list_, GWL_STYLE);
+    SetWindowLongPtrW(list_, GWL_STYLE, style | LVS_SHAREIMAGELISTS);  // images_ owns them
+    ListView_SetExtendedListViewStyle(list_,
+                                      LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
+    SetWindowLongPtrW(list_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
+
+ListControl* ListControl::Of(HWND window) {
+    wchar_t type[20] = L"";
+    GetClassNameW(window, type, 20);
+    if (lstrcmpiW(type, WC_LISTVIEWW) != 0) return nullptr;
+    return reinterpret_cast<ListControl*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+}
+
+void ListControl::SetDpi(int dpi) {
+    dpi_ = dpi;
+    SetImages(OwnedImages(ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0)));
+}
+
+void ListControl::SetImages(OwnedImages images) {
+    ListView_SetImageList(list_, images.Get(), LVSIL_SMALL);
+    images_ = std::move(images);
+}
+
+void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
+    // The last one first: the list moves the texts of the others to the left.
+    for (int count = CountColumns(list_); count > 0; --count)
+        ListView_DeleteColumn(list_, count - 1);
+    WPARAM index = 0;
+    for (const ListColumn& each : columns) {
+        std::wstring heading = Text(each.heading);
+        LVCOLUMNW column = {};
+        column.mask = LVCF_TEXT | LVCF_WIDTH;
+        column.cx = Scaled(each.width, dpi_);
+        column.pszText = heading.data();
+        SendMessageW(list_, LVM_INSERTCOLUMNW, index++, reinterpret_cast<LPARAM>(&column));
+    }
+}
+
+void ListControl::FitLast(int minimum) {
+    const int last = CountColumns(list_) - 1;
+    RECT client = {};
+    GetClientRect(list_, &client);
+    int rest = client.right;
+    for (int index = 0; index < last; ++index) rest -= ListView_GetColumnWidth(list_, index);
+    if (last >= 0) ListView_SetColumnWidth(list_, last, std::max(rest, minimum));
+}
+
+void ListControl::Move(const RECT& place) {
+    MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
+               TRUE);
+}
+
+void ListControl::Refresh() {
+    isChanging_ = true;
+    ListView_SetItemCountEx(list_, static_cast<int>(model_.Count()), LVSICF_NOSCROLL);
+    InvalidateRect(list_, nullptr, FALSE);
+    isChanging_ = false;
+}
+
+void ListControl::Select(int row) {
+    constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
+    if (Selected() == row) return;
+    isChanging_ = true;
+    ListView_SetItemState(list_, -1, 0, kSelected);
+    if (row >= 0) ListView_SetItemState(list_, row, kSelected, kSelected);
+    isChanging_ = false;
+}
+
+std::wstring ListControl::TextOf(int row, int column) const {
+    const auto index = static_cast<size_t>(row);
+    const bool isThere = row >= 0 && index < model_.Count() && column < CountColumns(list_);
+    return isThere ? model_.CellText(index, static_cast<size_t>(column)) : L"";
+}
+
+std::vector<int> ListControl::ShownOrder() const {
+    std::vector<int> order(static_cast<size_t>(CountColumns(list_)));
+    ListView_GetColumnOrderArray(list_, static_cast<int>(order.size()), order.data());
+    return order;
+}
+
+std::wstring ListControl::RowText(size_t row) const {
+    return LineOf(ShownOrder(), [&](int column) {
+        return RowCell(model_.CellText(row, static_cast<size_t>(column)));
+    });
+}
+
+std::wstring ListControl::TableText(bool hasHeadings) const {
+    std::wstring table;
+    if (hasHeadings)
+        table = LineOf(ShownOrder(), [&](int column) { return HeadingOf(list_, column); });
+    for (size_t row = 0; row < model_.Count(); ++row) table += RowText(row);
+    return table;
+}
+
+void ListControl::Copy(int command) const {
+    const int row = Selected();
+    std::wstring text;
+    if (command == IDM_COPY_TABLE) {
+        text = TableText(false);
+    } else if (row >= 0 && command == IDM_COPY_ROW) {
+        text = RowText(static_cast<size_t>(row));
+    } else if (command == IDM_COPY_CELL) {
+        text = TextOf(row, kValue);
+    } else if (command >= IDM_CELL) {
+        text = TextOf(row, command - IDM_CELL);
+    }
+    if (!text.empty()) CopyText(list_, text);
+}
+
+int ListControl::CopyCommandOf(WPARAM key) {
+    if (GetKeyState(VK_CONTROL) >= 0) return 0;
+    const bool isShifted = GetKeyState(VK_SHIFT) < 0;
+    if (key == 'C') return isShifted ? IDM_COPY_CELL : IDM_COPY_ROW;
+    return key == 'T' && isShifted ? IDM_COPY_TABLE : 0;
+}
+
+LRESULT ListControl::OnNotify(NMHDR* header) {
+    switch (header->code) {
+        case LVN_GETDISPINFOW:
+            FillCell(reinterpret_cast<NMLVDISPINFOW*>(header)->item);
+            return 0;
+        case NM_CUSTOMDRAW:
+            return Draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
+        case LVN_ITEMCHANGED:
+            if (!isChanging_) model_.OnSelected();
+            return 0;
+        case LVN_COLUMNCLICK:
+            model_.OnHeading(static_cast<size_t>(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem));
+            return 0;
+        case LVN_GETEMPTYMARKUP: {
+            auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
+            const unsigned text = model_.EmptyText();
+            markup->dwFlags = EMF_CENTERED;
+            if (text != 0) lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
+            return text != 0;
+        }
+        default:
+            return 0;
+    }
+}
+
+void ListControl::FillCell(LVITEMW& item) const {
+    if (item.mask & LVIF_TEXT)
+        lstrcpynW(item.pszText, TextOf(item.iItem, item.iSubItem).c_str(), item.cchTextMax);
+    const auto row = static_cast<size_t>(item.iItem);
+    if ((item.mask & LVIF_IMAGE) && row < model_.Count()) item.iImage = model_.Image(row);
+}
+
+LRESULT ListControl::Draw(const NMLVCUSTOMDRAW& draw) const {
+    const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
+    const auto column = static_cast<size_t>(draw.iSubItem);
+    switch (draw.nmcd.dwDrawStage) {
+        case CDDS_PREPAINT:
+        case CDDS_ITEMPREPAINT:
+            return CDRF_NOTIFYITEMDRAW;  // CDRF_NOTIFYSUBITEMDRAW is the same number
+        case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
+            break;
+        default:
+            return CDRF_DODEFAULT;
+    }
+    const auto level = row < model_.Count() ? model_.Level(row, column) : std::nullopt;
+    if (!level) return CDRF_DODEFAULT;
+    RECT cell = {};
+    ListView_GetSubItemRect(list_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
+    DrawBar(draw, cell, *level, model_.CellText(row, column), dpi_);
+    return CDRF_SKIPDEFAULT;
+}
+
+bool ListControl::FindMenuPlace(LPARAM place, MenuPlace& found) const {
+    found.point = {GET_X_LPARAM(place), GET_Y_LPARAM(place)};
+    found.column.reset();
+    if (place == kByKeyboard) {
+        RECT row = {};
+        if (Selected() >= 0) ListView_GetItemRect(list_, Selected(), &row, LVIR_LABEL);
+        found.point = {row.left, row.bottom};
+        ClientToScreen(list_, &found.point);
+        return true;
+    }
+    LVHITTESTINFO cell = {};
+    cell.pt = found.point;
+    ScreenToClient(list_, &cell.pt);
+    if (ListView_SubItemHitTest(list_, &cell) < 0) return false;
+    found.column = static_cast<size_t>(cell.iSubItem);
+    return true;
+}
+
+void ListControl::ShowCopyMenu(LPARAM place) {
+    MenuPlace found = {};
+    if (!FindMenuPlace(place, found)) return;
+    std::vector<std::wstring> headings;
+    for (int column = 0; column < CountColumns(list_); ++column)
+        headings.push_back(HeadingOf(list_, column));
+    const OwnedMenu menu =
+        MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings);
+    int command = TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON | TPM_RETURNCMD, found.point.x,
+                                 found.point.y, 0, GetAncestor(list_, GA_ROOT), nullptr);
+    if (command == IDM_COPY_CELL && found.column)
+        command = IDM_CELL + static_cast<int>(*found.column);
+    Copy(command);
+}
+
+std::optional<LRESULT> HandleListMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* header = reinterpret_cast<NMHDR*>(lParam);
+    if (message == WM_NOTIFY) {
+        if (ListControl* list = ListControl::Of(header->hwndFrom)) return list->OnNotify(header);
+    } else if (message == WM_CONTEXTMENU) {
+        if (ListControl* list = ListControl::Of(reinterpret_cast<HWND>(wParam))) {
+            list->ShowCopyMenu(lParam);
+            return 0;
+        }
+    }
+    return std::nullopt;
+}
+
+std::wstring HeadingOf(HWND list, int column) {
+    wchar_t text[80] = L"";
+    LVCOLUMNW heading = {};
+    heading.mask = LVCF_TEXT;
+    heading.pszText = text;
+    heading.cchTextMax = 80;
+    SendMessageW(list, LVM_GETCOLUMNW, static_cast<WPARAM>(column),
+                 reinterpret_cast<LPARAM>(&heading));
+    return text;
+}
+
+}  // namespace vndiscover::host

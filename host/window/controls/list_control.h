@@ -1,0 +1,110 @@
+// The lists of all windows: a model says what a list shows, and is asked only for what is seen.
+#pragma once
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "window/controls/owners.h"
+
+namespace vndiscover::host {
+
+class ListModel {
+  public:
+    virtual ~ListModel() = default;
+    virtual size_t Count() const = 0;
+    // `column`: a number in the list, as in the other methods.
+    virtual std::wstring CellText(size_t row, size_t column) const = 0;
+    // In percent, drawn as a bar before the text.
+    virtual std::optional<int> Level(size_t, size_t) const { return std::nullopt; }
+    // The index of the row's image; -1: none.
+    virtual int Image(size_t) const { return -1; }
+    // The string to show instead of rows if there are none; 0: nothing.
+    virtual unsigned EmptyText() const { return 0; }
+    // The user has selected another row, or none; or has clicked a heading.
+    virtual void OnSelected() {}
+    virtual void OnHeading(size_t) {}
+};
+
+struct ListColumn {
+    unsigned heading;  // its string
+    int width;         // in pixels at 96 DPI
+};
+
+class ListControl {
+  public:
+    // The model must outlive the list.
+    explicit ListControl(ListModel& model) : model_(model) {}
+    ~ListControl();
+    ListControl(const ListControl&) = delete;
+    ListControl& operator=(const ListControl&) = delete;
+    // A child of `parent`, which destroys it. Its name is for screen readers. `extended`: styles
+    // beyond those that all lists have.
+    void Create(HWND parent, int id, const std::wstring& name, DWORD extended = 0);
+    // Uses a list of a dialog.
+    void Attach(HWND list);
+    // The list of this window; null if it is none.
+    static ListControl* Of(HWND window);
+    HWND Handle() const { return list_; }
+
+    // Sets the height of rows: high enough for bars, and all lists alike.
+    void SetDpi(int dpi);
+    void SetImages(OwnedImages images);
+    void SetColumns(const std::vector<ListColumn>& columns);
+    // Gives the last column the rest of the width, but `minimum` pixels at least.
+    void FitLast(int minimum);
+    void SetName(const std::wstring& name) { SetWindowTextW(list_, name.c_str()); }
+    void Move(const RECT& place);
+    // Shows what the model has now.
+    void Refresh();
+    // -1: none. Selecting by a call is not reported to the model.
+    int Selected() const { return ListView_GetNextItem(list_, -1, LVNI_SELECTED); }
+    void Select(int row);
+
+    // Texts to copy: with tabs and line ends, columns as they are shown, and without formulas that
+    // a spreadsheet would run.
+    std::wstring RowText(size_t row) const;
+    std::wstring TableText(bool hasHeadings) const;
+    // Executes IDM_COPY_ROW, IDM_COPY_TABLE, IDM_COPY_CELL for the second column, or IDM_CELL +
+    // column. Has no effect without a selected row.
+    void Copy(int command) const;
+    // The command for Ctrl+C, Ctrl+Shift+C or Ctrl+Shift+T while `key` is pressed; otherwise 0.
+    static int CopyCommandOf(WPARAM key);
+
+    // Handles WM_NOTIFY from the list and returns the result of the message.
+    LRESULT OnNotify(NMHDR* header);
+    // Offers to copy, at the place of a WM_CONTEXTMENU.
+    void ShowCopyMenu(LPARAM place);
+    // The cell of a WM_CONTEXTMENU, and where to open the menu; false if no row is there. By
+    // keyboard, the menu opens below the selected row, and the cell is in no column.
+    struct MenuPlace {
+        POINT point;
+        std::optional<size_t> column;
+    };
+    bool FindMenuPlace(LPARAM place, MenuPlace& found) const;
+
+  private:
+    void FillCell(LVITEMW& item) const;
+    LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
+    std::wstring TextOf(int row, int column) const;
+    std::vector<int> ShownOrder() const;
+
+    ListModel& model_;
+    HWND list_ = nullptr;
+    int dpi_ = 96;
+    OwnedImages images_;
+    bool isChanging_ = false;  // by a call
+};
+
+// Handles a message from one of the lists to the window that they are in. Empty: it is none.
+std::optional<LRESULT> HandleListMessage(UINT message, WPARAM wParam, LPARAM lParam);
+
+constexpr LPARAM kByKeyboard = -1;  // the place of a WM_CONTEXTMENU
+
+std::wstring HeadingOf(HWND list, int column);
+
+}  // namespace vndiscover::host
