@@ -88,7 +88,7 @@ void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
     if (!IsOn()) return;
     ScanAnswer answer;
     answer.address = address;
-    answer.bytes = bytes;
+    answer.answer = Received(bytes);
     Keep(std::move(answer));
 }
 
@@ -98,7 +98,7 @@ bool ScanKeeper::Keep(ScanAnswer answer) {
     constexpr size_t kManyAnswers = 256;  // all that is read of a device
     size_t& count = counts_[answer.address];
     const size_t room = count < kManyAnswers ? options_.maxSweepSize : options_.maxSweepSize / 2;
-    const size_t size = kMembers + answer.bytes.size();
+    const size_t size = kMembers + answer.answer.bytes.size();
     if (sweepSize_ + size > room) {
         ++leftOut_;
         return false;
@@ -129,9 +129,8 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
         if (watch.IsStopped()) break;
         ++asked;
         device.SetHost(address);
-        for (auto& [oid, answer] : ReadIdentity(asker).values) {
-            Keep({0, "", address, answer.bytes, oid, answer.type, answer.wholeSize});
-        }
+        for (auto& [oid, answer] : ReadIdentity(asker).values)
+            Keep({0, "", address, std::move(answer)});
     }
 }
 

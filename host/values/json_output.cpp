@@ -40,13 +40,16 @@ void AddNumber(cJSON* object, const char* name, const std::string& decimal) {
     cJSON_AddRawToObject(object, name, decimal.c_str());
 }
 
+std::string PrintedJson(const cJSON* item) {
+    const std::unique_ptr<char, decltype(&cJSON_free)> text(cJSON_PrintUnformatted(item),
+                                                            &cJSON_free);
+    return text ? text.get() : "";
+}
+
+// The library escapes C0 characters only; other control characters are replaced here.
 std::string CompactJson(const cJSON* item) {
-    char* printed = cJSON_PrintUnformatted(item);
-    if (!printed) return "null";
-    // The library escapes C0 characters only; other control characters are replaced here.
-    std::string text = PlainText(printed);
-    cJSON_free(printed);
-    return text;
+    const std::string text = PrintedJson(item);
+    return text.empty() ? "null" : PlainText(text);
 }
 
 void JsonArray::Add(const cJSON* element) {

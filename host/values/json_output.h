@@ -23,6 +23,8 @@ void AddTexts(cJSON* object, const char* name, const std::vector<std::string>& t
 // Adds a number member with all its digits, which a double could not hold.
 void AddNumber(cJSON* object, const char* name, const std::string& decimal);
 
+// One line, in which bytes from outside are as they came. Empty if there is no item, or no memory.
+std::string PrintedJson(const cJSON* item);
 // One line, without control characters.
 std::string CompactJson(const cJSON* item);
 

@@ -11,6 +11,8 @@ Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw) {
     return {Status::kAnswered, oid, type, std::move(content.bytes), content.wholeSize, ""};
 }
 
+Answer Received(std::string_view bytes) { return AnsweredWith({}, 0, bytes); }
+
 Answer Failed(Status status, const Oid& asked, std::string note) {
     Answer answer;
     answer.status = status;

@@ -32,6 +32,9 @@ struct Answer {
 // An answer with a value as the module delivers it.
 Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw);
 
+// Bytes whose OID and type are not known.
+Answer Received(std::string_view bytes);
+
 // An answer without a value.
 Answer Failed(Status status, const Oid& asked, std::string note = "");
 

@@ -22,9 +22,7 @@ std::optional<std::string> PrepareRequest(std::string_view text, std::string& pr
         problem = "does not hold a JSON object";
         return std::nullopt;
     }
-    char* printed = cJSON_PrintUnformatted(parsed.get());
-    std::string compact = printed ? printed : "";
-    cJSON_free(printed);
+    std::string compact = PrintedJson(parsed.get());
     if (compact.size() < kJsonRequestSize) return compact;
     problem = "is too long: " + std::to_string(compact.size()) + " bytes without blanks, but " +
               std::to_string(kJsonRequestSize - 1) + " at most";

@@ -6,13 +6,12 @@ namespace vndiscover::host {
 namespace {
 
 constexpr int64_t kNoLimit = -1;
-constexpr int64_t kUnknown = -2;
 constexpr int64_t kSomeLeft = -3;
 
 std::string NegativeText(const Level& level) {
     if (*level.level == kNoLimit) return "no limit";
     if (*level.level == kSomeLeft) return level.isReceptacle ? "some" : "some left";
-    if (*level.level == kUnknown) return "unknown";
+    if (*level.level == kUnknownLevel) return "unknown";
     return "unknown (" + std::to_string(*level.level) + ")";
 }
 
@@ -25,7 +24,7 @@ std::string AmountText(const Level& level) {
     const std::string unit = level.unit.empty() ? "" : " " + level.unit;
     const std::string amount = std::to_string(*level.level);
     if (level.maximum == kNoLimit) return amount + unit + ", no maximum";
-    if (level.maximum.value_or(kUnknown) <= 0) return amount + unit + ", maximum unknown";
+    if (level.maximum.value_or(kUnknownLevel) <= 0) return amount + unit + ", maximum unknown";
     return amount + " of " + std::to_string(*level.maximum) + unit;
 }
 
@@ -47,7 +46,7 @@ std::string Text(const Level& level) {
 std::optional<int> PercentOf(const Level& level) {
     if (!level.level || *level.level < 0) return std::nullopt;
     if (level.isPercent) return static_cast<int>(std::min<int64_t>(*level.level, 100));
-    if (level.maximum.value_or(kUnknown) <= 0) return std::nullopt;
+    if (level.maximum.value_or(kUnknownLevel) <= 0) return std::nullopt;
     const int64_t capped = std::min(*level.level, *level.maximum);
     // As floating point: a device may send 64-bit numbers, and times 100 they would overflow.
     return static_cast<int>(static_cast<double>(capped) * 100 /

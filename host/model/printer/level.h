@@ -8,6 +8,8 @@
 
 namespace vndiscover::host {
 
+constexpr int64_t kUnknownLevel = -2;
+
 struct Level {
     std::optional<int64_t> level, maximum;  // as the device gave them; empty: not read
     std::string unit;                       // "impressions"; empty: none or unknown

@@ -24,6 +24,7 @@ class Facts {
         FindPrinter();
         FindCharacterSet();
         TellSystem();
+        facts_.interfaces = InterfacesOf(answers_);
         facts_.macAddress = MacAddress();
         if (!facts_.deviceIndex) return std::move(facts_);
         TellState();

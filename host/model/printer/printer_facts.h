@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "model/printer/interfaces.h"
 #include "model/printer/level.h"
 #include "model/printer/printer_reader.h"
 
@@ -36,6 +37,7 @@ struct PrinterFacts {
     std::vector<uint32_t> otherPrinters;  // indexes, if the device has several
     std::string model, serialNumber, name, location, description, macAddress;
     std::optional<uint64_t> upTicks;
+    std::string readTime;  // as in ScanAnswer; FactsOf leaves it empty
     std::string deviceStatus, printerStatus;
     std::vector<std::string> errors;
     std::vector<std::string> panel;  // lines
@@ -43,6 +45,7 @@ struct PrinterFacts {
     std::vector<Supply> supplies;
     std::vector<Tray> trays;
     std::vector<Alert> alerts;  // critical ones first
+    std::vector<Interface> interfaces;
     std::vector<Gap> gaps;
 };
 

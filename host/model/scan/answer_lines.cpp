@@ -7,12 +7,13 @@
 namespace vndiscover::host {
 namespace {
 
-AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& answer) {
+AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
+    const Answer& answer = one.answer;
     AnswerLine line;
-    line.time = answer.time;
+    line.time = one.time;
     line.kind = sweep.kind;
     line.form = sweep.form;
-    line.address = PlainText(answer.address);
+    line.address = PlainText(one.address);
     if (sweep.form == AnswerForm::kVariable) {
         line.object = NameText(answer.oid);
         line.value = FormatNamedValue(answer.oid, answer.type, answer.bytes);

@@ -3,9 +3,6 @@
 #include <algorithm>
 
 #include "model/printer/level.h"
-#include "model/printer/printer_facts.h"
-#include "model/scan/device_writer.h"
-#include "values/csv_cell.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
@@ -142,8 +139,8 @@ std::optional<int> LowestSupply(const PrinterFacts& facts) {
 DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4) {
     DeviceRow row;
     row.answers = device.answers;
-    row.Text(Column::kName) = device.name;
-    row.Text(Column::kModel) = device.model;
+    row.Text(Column::kName) = device.facts->name;
+    row.Text(Column::kModel) = device.facts->model;
     const std::vector<std::string> addresses = AddressesOf(device);
     row.Text(Column::kAddress) = Joined(addresses);
     if (!addresses.empty()) {
@@ -156,22 +153,10 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
     for (const size_t index : device.answers)
         row.Text(Column::kLastSeen) =
             std::max(row.Text(Column::kLastSeen), scan.answers[index].time);
-    const PrinterAnswers variables = VariablesOf(scan, device.answers);
-    if (variables.values.empty()) return row;
-    const PrinterFacts facts = FactsOf(variables);
-    row.Text(Column::kState) = StateOf(facts);
-    row.lowestSupply = LowestSupply(facts);
+    row.Text(Column::kState) = StateOf(*device.facts);
+    row.lowestSupply = LowestSupply(*device.facts);
     if (row.lowestSupply) row.Text(Column::kSupplies) = std::to_string(*row.lowestSupply) + " %";
     return row;
-}
-
-// `textOf` gives the text of a heading's cell.
-template <class TextOf>
-std::string CsvLine(const std::vector<Heading>& headings, TextOf textOf) {
-    std::string line;
-    for (const Heading& heading : headings)
-        line += (line.empty() ? "" : ",") + CsvCell(textOf(heading));
-    return line + "\r\n";
 }
 
 }  // namespace
@@ -184,17 +169,6 @@ std::string AddressOrder(const std::string& address) {
     }
     const auto bytes = ParseIPv6(address);
     return bytes ? "6" + *bytes : kNameOrder + address;
-}
-
-PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers) {
-    PrinterAnswers variables;
-    for (const size_t index : answers) {
-        const ScanAnswer& answer = scan.answers[index];
-        if (scan.sweeps[answer.sweep].form != AnswerForm::kVariable) continue;
-        variables.values[answer.oid] = {Status::kAnswered, answer.oid,       answer.type,
-                                        answer.bytes,      answer.wholeSize, ""};
-    }
-    return variables;
 }
 
 std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundDevice>& devices,
@@ -301,38 +275,6 @@ const DeviceRow* DeviceView::SelectedRow() const {
             return &row;
     }
     return nullptr;
-}
-
-std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings) {
-    std::string document =
-        "\xEF\xBB\xBF" + CsvLine(headings, [](const Heading& heading) { return heading.text; });
-    for (size_t index = 0; index < view.Count(); ++index) {
-        const DeviceRow& row = view.Row(index);
-        document +=
-            CsvLine(headings, [&](const Heading& heading) { return row.Text(heading.column); });
-    }
-    return document;
-}
-
-std::string JsonOf(const DeviceView& view, const Scan& scan) {
-    JsonArray array;
-    for (size_t index = 0; index < view.Count(); ++index) {
-        const std::vector<size_t>& answers = view.Row(index).answers;
-        bool isSwept = false;
-        for (const size_t at : answers) {
-            const ScanAnswer& answer = scan.answers[at];
-            const AnswerForm form = scan.sweeps[answer.sweep].form;
-            if (form != AnswerForm::kValue && form != AnswerForm::kDocument) continue;
-            const ValueKind kind =
-                form == AnswerForm::kValue ? ValueKind::kRaw : DocumentKind(answer.bytes);
-            array.Add(DeviceItem(kind, answer.address, answer.bytes).get());
-            isSwept = true;
-        }
-        if (isSwept) continue;
-        const std::string& address = scan.answers[answers.front()].address;
-        array.Add(DeviceItem(ValueKind::kRaw, address, "").get());
-    }
-    return array.Finish();
 }
 
 }  // namespace vndiscover::host

@@ -45,9 +45,6 @@ struct DeviceRow {
 std::string AddressOrder(const std::string& address);
 constexpr char kNameOrder = '7';  // the first byte of a name's order
 
-// The variables of a device that were requested after a sweep.
-PrinterAnswers VariablesOf(const Scan& scan, const std::vector<size_t>& answers);
-
 // Makes the rows after each batch of answers, and reuses those of devices without a new answer.
 class RowMaker {
   public:
@@ -95,18 +92,5 @@ class DeviceView {
     uint32_t hidden_ = 0;
     std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
 };
-
-struct Heading {
-    Column column;
-    std::string text;
-};
-
-// The shown rows as a CSV document with these columns: UTF-8 with a byte order mark, CR LF, and a
-// line of headings. A cell that a spreadsheet would run as a formula starts with an apostrophe.
-std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings);
-
-// The answers of the shown rows to SNMP sweeps, in the form of `vndiscover sweep --format json`. A
-// device without one, found by WS-Discovery, has an empty value.
-std::string JsonOf(const DeviceView& view, const Scan& scan);
 
 }  // namespace vndiscover::host

@@ -18,11 +18,6 @@ namespace {
 // time that another reply comes.
 constexpr size_t kMaxReplies = 256;
 
-const Oid& DefaultDiscoveryOid() {
-    static const Oid oid = *ParseOid(kDefaultDiscoveryOid);
-    return oid;
-}
-
 // Sweeps deliver values as text without a type, up to a zero byte, so only the values of text
 // objects can be used.
 bool IsTextObject(const Oid& oid) {
@@ -39,59 +34,58 @@ bool IsTextObject(const Oid& oid) {
 
 class Collector {
   public:
-    void Take(const ScanSweep& sweep, const ScanAnswer& answer) {
-        identity_.Add(MergeKey::kAddress, answer.address);
+    void Add(const ScanSweep& sweep, const ScanAnswer& answer) {
+        device_.identity.Add(MergeKey::kAddress, answer.address);
         switch (sweep.form) {
             case AnswerForm::kValue:
-                TakeText(sweep.oid, ContentOf(kOctetString, answer.bytes).bytes);
+                AddText(sweep.oid, ContentOf(kOctetString, answer.answer.bytes).bytes);
                 break;
             case AnswerForm::kDocument:
-                TakeDocument(answer.bytes);
+                AddDocument(answer.answer.bytes);
                 break;
             case AnswerForm::kVariable:
-                variables_.values[answer.oid] = {Status::kAnswered, answer.oid,       answer.type,
-                                                 answer.bytes,      answer.wholeSize, ""};
+                variables_.values[answer.answer.oid] = answer.answer;
+                device_.hasVariables = true;
+                readTime_ = std::max(readTime_, answer.time);
                 break;
             case AnswerForm::kReply:
                 if (++replies_ > kMaxReplies) break;
-                for (const ProbeMatch& match : ReadProbeMatches(answer.bytes))
-                    identity_.Add(MergeKey::kEndpoint, match.endpoint);
+                for (const ProbeMatch& match : ReadProbeMatches(answer.answer.bytes))
+                    device_.identity.Add(MergeKey::kEndpoint, match.endpoint);
                 break;
         }
     }
 
     FoundDevice Describe() {
         PrinterFacts facts = FactsOf(variables_);
+        facts.readTime = std::move(readTime_);
         // The model falls back to the description, which says less than the discovery OID's text.
         const std::string discovered = TextWithin(DefaultDiscoveryOid());
         if (facts.model == facts.description && !discovered.empty()) facts.model = discovered;
         if (facts.serialNumber.empty())  // no printer is listed, or it was not requested
             facts.serialNumber = TextWithin(OidOf("prtGeneralSerialNumber"));
-        identity_.Add(MergeKey::kSerial, facts.serialNumber);
+        device_.identity.Add(MergeKey::kSerial, facts.serialNumber);
         if (facts.macAddress != "FF:FF:FF:FF:FF:FF")
-            identity_.Add(MergeKey::kMac, facts.macAddress);
-        FoundDevice device;
-        device.identity = std::move(identity_);
-        device.name = std::move(facts.name);
-        device.model = std::move(facts.model);
-        device.firmware = std::move(facts.description);
-        device.pageCounts = std::move(facts.pageCounts);
-        return device;
+            device_.identity.Add(MergeKey::kMac, facts.macAddress);
+        device_.facts = std::make_shared<const PrinterFacts>(std::move(facts));
+        return std::move(device_);
     }
 
   private:
-    void TakeText(const Oid& oid, const std::string& text) {
+    void AddText(const Oid& oid, const std::string& text) {
         if (text.empty() || !IsTextObject(oid)) return;
         Answer& known = variables_.values[oid];
         // The text may have been cut at a zero byte; a value that was read whole is kept.
-        const bool isWhole = known.bytes.compare(0, text.size(), text) == 0;
-        if (!isWhole) known = {Status::kAnswered, oid, kOctetString, text, text.size(), ""};
+        if (known.bytes.compare(0, text.size(), text) == 0) return;
+        known = Received(text);
+        known.oid = oid;
+        known.type = kOctetString;
     }
 
-    void TakeDocument(const std::string& text) {
+    void AddDocument(const std::string& text) {
         const JsonItem document = ParseDocument(text);
         for (const auto& [name, value] : AnswersOf(document.get())) {
-            if (const auto oid = ParseOid(name)) TakeText(*oid, value);
+            if (const auto oid = ParseOid(name)) AddText(*oid, value);
         }
     }
 
@@ -107,7 +101,8 @@ class Collector {
     }
 
     PrinterAnswers variables_;
-    Identity identity_;
+    std::string readTime_;  // of the latest one
+    FoundDevice device_;
     size_t replies_ = 0;
 };
 
@@ -128,7 +123,7 @@ FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
     Collector collector;
     for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
-        collector.Take(scan.sweeps[answer.sweep], answer);
+        collector.Add(scan.sweeps[answer.sweep], answer);
     }
     FoundDevice device = collector.Describe();
     device.answers = std::move(answers);
@@ -140,7 +135,7 @@ std::string DeviceLine(const FoundDevice& device) {
     const auto add = [&](const std::string& text) {
         if (!text.empty()) line += (line.empty() ? "" : ", ") + text;
     };
-    add(device.model);
+    add(device.facts->model);
     for (const MergeKey key : {MergeKey::kSerial, MergeKey::kAddress}) {
         for (const std::string& value : device.identity.Of(key)) add(PlainText(value));
     }
@@ -151,14 +146,14 @@ JsonItem DeviceJson(const FoundDevice& device) {
     JsonItem item(cJSON_CreateObject());
     cJSON* const object = item.get();
     AddTexts(object, "addresses", Values(device, MergeKey::kAddress));
-    AddText(object, "name", device.name);
-    AddText(object, "model", device.model);
+    AddText(object, "name", device.facts->name);
+    AddText(object, "model", device.facts->model);
     AddTexts(object, "serialNumbers", Values(device, MergeKey::kSerial));
     AddTexts(object, "macAddresses", Values(device, MergeKey::kMac));
     AddTexts(object, "endpoints", Values(device, MergeKey::kEndpoint));
-    AddText(object, "firmware", device.firmware);
+    AddText(object, "firmware", device.facts->description);
     cJSON* const counts = cJSON_AddArrayToObject(object, "pageCounts");
-    for (const PageCount& count : device.pageCounts)
+    for (const PageCount& count : device.facts->pageCounts)
         cJSON_AddItemToArray(counts, cJSON_CreateRaw(std::to_string(count.count).c_str()));
     AddIndexes(object, device.answers);
     cJSON* const merges = cJSON_AddArrayToObject(object, "merges");

@@ -1,6 +1,7 @@
 // What the answers of one device say about it.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,13 +19,11 @@ struct Merge {
     size_t first, second;
 };
 
-// Text is plain (see plain_text.h); empty: unknown.
 struct FoundDevice {
     std::vector<size_t> answers;  // indexes in Scan::answers, ascending; the first identifies it
     Identity identity;
-    std::string name, model;
-    std::string firmware;  // the system description, where makers name the firmware
-    std::vector<PageCount> pageCounts;
+    bool hasVariables = false;                  // was asked after a sweep, and answered
+    std::shared_ptr<const PrinterFacts> facts;  // never null; copies of the device share them
     std::vector<Merge> merges;
 };
 

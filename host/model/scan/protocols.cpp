@@ -38,7 +38,7 @@ class Judge {
 
     void TakeAnswer(const ScanSweep& sweep, const ScanAnswer& answer) {
         if (IsOther(sweep.kind, answer.address)) return;
-        const bool isEmpty = sweep.form == AnswerForm::kValue && answer.bytes.empty();
+        const bool isEmpty = sweep.form == AnswerForm::kValue && answer.answer.bytes.empty();
         Raise(isEmpty ? ProtocolState::kNoValue : ProtocolState::kAnswered);
     }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/asking/answer.h"
 #include "values/oid_text.h"
 
 namespace vndiscover::host {
@@ -33,11 +34,7 @@ struct ScanSweep {
 struct ScanAnswer {
     size_t sweep = 0;  // index in Scan::sweeps
     std::string time, address;
-    std::string bytes;
-    // For kVariable only.
-    Oid oid;
-    uint32_t type = 0;
-    size_t wholeSize = 0;  // as in Answer
+    Answer answer;  // unless the form is kVariable, only its bytes count
 };
 
 struct Scan {
@@ -46,5 +43,10 @@ struct Scan {
     // Pairs of answers that a person has declared to be of two devices.
     std::vector<std::pair<size_t, size_t>> splits;
 };
+
+const Oid& DefaultDiscoveryOid();
+
+// The form of the answers to a sweep for this OID.
+AnswerForm FormOf(SweepKind kind, const Oid& oid);
 
 }  // namespace vndiscover::host

@@ -235,12 +235,14 @@ class Reader {
         answer.address = Text(item, "address");
         if (!IsAddress(answer.address))
             throw Refusal{Member(item, "address"), "\"address\" is not numeric"};
-        answer.bytes = Bytes(item);
+        Answer& content = answer.answer;
+        content.status = Status::kAnswered;
+        content.bytes = Bytes(item);
+        content.wholeSize = content.bytes.size();
         if (scan_.sweeps[answer.sweep].form == AnswerForm::kVariable) {
-            answer.oid = ObjectId(item);
-            answer.type = static_cast<uint32_t>(Number(item, "type", 0x100));
-            answer.wholeSize =
-                Find(item, "wholeSize") ? Number(item, "wholeSize", 0x10000) : answer.bytes.size();
+            content.oid = ObjectId(item);
+            content.type = static_cast<uint32_t>(Number(item, "type", 0x100));
+            if (Find(item, "wholeSize")) content.wholeSize = Number(item, "wholeSize", 0x10000);
         }
         scan_.answers.push_back(std::move(answer));
     }
@@ -266,11 +268,12 @@ JsonItem SweepJson(const ScanSweep& sweep) {
     return item;
 }
 
-JsonItem AnswerJson(const ScanAnswer& answer, AnswerForm form) {
+JsonItem AnswerJson(const ScanAnswer& one, AnswerForm form) {
+    const Answer& answer = one.answer;
     JsonItem item(cJSON_CreateObject());
-    cJSON_AddNumberToObject(item.get(), "sweep", static_cast<double>(answer.sweep));
-    AddText(item.get(), "time", answer.time);
-    AddText(item.get(), "address", answer.address);
+    cJSON_AddNumberToObject(item.get(), "sweep", static_cast<double>(one.sweep));
+    AddText(item.get(), "time", one.time);
+    AddText(item.get(), "address", one.address);
     if (form == AnswerForm::kVariable) {
         AddText(item.get(), "oid", OidToText(answer.oid));
         cJSON_AddNumberToObject(item.get(), "type", answer.type);
@@ -305,7 +308,7 @@ size_t LargestSweep(const Scan& scan) {
     constexpr size_t kMembers = 128;  // bytes for the members other than the answer itself
     std::vector<size_t> sizes(scan.sweeps.size());
     for (const ScanAnswer& answer : scan.answers)
-        sizes[answer.sweep] += kMembers + answer.bytes.size();
+        sizes[answer.sweep] += kMembers + answer.answer.bytes.size();
     return static_cast<size_t>(std::max_element(sizes.begin(), sizes.end()) - sizes.begin());
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "model/printer/interfaces.h"
 #include "model/scan/answer_lines.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
@@ -66,7 +65,7 @@ TableRows ProtocolRows(const Session& session, const DeviceRow& row) {
 
 TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
     TableRows rows;
-    for (const Interface& one : InterfacesOf(VariablesOf(session.GetScan(), row.answers))) {
+    for (const Interface& one : session.DeviceOf(row)->facts->interfaces) {
         rows.push_back({ToWide(one.description), ToWide(one.operStatus), ToWide(one.speed),
                         ToWide(one.physicalAddress), ToWide(one.type), ToWide(one.adminStatus)});
     }

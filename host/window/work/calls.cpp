@@ -57,7 +57,7 @@ Call CallOf(const SweepStep& step, const std::string& probe) {
         return call;
     }
     call.name = "DiscoverSnmpV3";
-    if (FormOf(step) == AnswerForm::kDocument) {
+    if (FormOf(step.kind, step.oid) == AnswerForm::kDocument) {
         call.name = "DiscoverV3DevicesByOIDjson";
         call.arguments.push_back({"oid", oid});
         call.arguments.push_back({"jsonRequest", RequestFor(oid)});

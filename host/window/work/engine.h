@@ -74,7 +74,4 @@ class Engine {
     OnCall onCall_;
 };
 
-// The form of a step's answers.
-AnswerForm FormOf(const SweepStep& step);
-
 }  // namespace vndiscover::host

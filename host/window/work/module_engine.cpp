@@ -20,11 +20,6 @@ namespace {
 constexpr UINT kUnusedTimeoutMs = kUnusedSweepTimeoutMs;
 constexpr UINT kMessage = ResultWindow::kMessage;
 
-const Oid& DefaultOid() {
-    static const Oid oid = *ParseOid(VN_DEFAULT_DISCOVERY_OID);
-    return oid;
-}
-
 void SweepV1(HWND window, const SweepStep& step) {
     DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, step.useIPv6 ? 1 : 0,
                          ToWide(OidToText(step.oid)).c_str(), nullptr,
@@ -37,7 +32,7 @@ void SweepV3(HWND window, const SweepStep& step) {
     const BYTE useIPv6 = step.useIPv6 ? 1 : 0;
     const BYTE useAuth = user.useAuth ? 1 : 0;
     const BYTE usePriv = user.usePriv ? 1 : 0;
-    if (step.oid == DefaultOid()) {
+    if (FormOf(step.kind, step.oid) == AnswerForm::kValue) {
         DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, useIPv6, user.user.c_str(), useAuth,
                        user.authPassword.Get(), usePriv, user.privPassword.Get(),
                        user.authLabel.c_str(), user.privLabel.c_str());
@@ -87,12 +82,6 @@ class Stopwatch {
 };
 
 }  // namespace
-
-AnswerForm FormOf(const SweepStep& step) {
-    if (step.kind == SweepKind::kWsd) return AnswerForm::kReply;
-    const bool isDocument = step.kind == SweepKind::kSnmpV3 && step.oid != DefaultOid();
-    return isDocument ? AnswerForm::kDocument : AnswerForm::kValue;
-}
 
 void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     const bool isWsd = step.kind == SweepKind::kWsd;

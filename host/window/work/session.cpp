@@ -18,12 +18,12 @@ void Session::Take(const Event& event) {
     answer.address = event.address;
     switch (event.kind) {
         case Event::kSweepBegan:
-            BeginSweep(event, FormOf(event.step));
+            BeginSweep(event, FormOf(event.step.kind, event.step.oid));
             isSweeping_[static_cast<size_t>(event.worker)] = true;
             break;
         case Event::kAnswer:
             answer.sweep = sweeps_[static_cast<size_t>(event.worker)];
-            answer.bytes = event.bytes;
+            answer.answer = Received(event.bytes);
             scan_.answers.push_back(std::move(answer));
             isChanged_ = isUnsaved_ = true;
             break;
@@ -31,10 +31,7 @@ void Session::Take(const Event& event) {
             BeginSweep(event, AnswerForm::kVariable);
             answer.sweep = scan_.sweeps.size() - 1;
             for (const auto& [oid, variable] : event.read.values) {
-                answer.oid = oid;
-                answer.type = variable.type;
-                answer.bytes = variable.bytes;
-                answer.wholeSize = variable.wholeSize;
+                answer.answer = variable;
                 scan_.answers.push_back(answer);
             }
             TakeReading(event);

@@ -16,10 +16,12 @@ TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
                    {SweepKind::kWsd, AnswerForm::kReply, false, {}, ""}};
     const std::string cut = "\xC8" + std::string(128, 'a');  // 200 bytes, as the module delivers
     const Oid type = *ParseOidOrName("ifType.1");
-    scan.answers = {{0, "2026-11-25T04:32:23Z", "10.77.1.1", cut, {}, 0, 0},
-                    {1, "", "10.77.1.1", "\x06", type, kInteger, 1},
-                    {1, "", "10.77.1.1", "hall\xE2\x80\xAE", name, kOctetString, 300},
-                    {2, "", "10.77.1.1", "<a>\r\n\x1B[2J</a>", {}, 0, 0}};
+    Answer hall = AnsweredWith(name, kOctetString, "hall\xE2\x80\xAE");
+    hall.wholeSize = 300;
+    scan.answers = {{0, "2026-11-25T04:32:23Z", "10.77.1.1", Received(cut)},
+                    {1, "", "10.77.1.1", AnsweredWith(type, kInteger, "\x06")},
+                    {1, "", "10.77.1.1", hall},
+                    {2, "", "10.77.1.1", Received("<a>\r\n\x1B[2J</a>")}};
     const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3});
     ASSERT_EQ(4u, lines.size());
     EXPECT_EQ("2026-11-25T04:32:23Z", lines[0].time);

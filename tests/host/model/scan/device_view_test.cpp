@@ -1,4 +1,4 @@
-#include "model/scan/device_view.h"
+#include "model/scan/view_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -21,13 +21,12 @@ class DeviceViewTest : public testing::Test {
         adapters_.addresses.push_back({"10.77.1.1", "255.255.255.0", "", "", 6, true});
     }
     void Hear(const char* address, const char* model) {
-        scan_.answers.push_back({0, "2026-11-25T04:00:00Z", address, model, {}, 0, 0});
+        scan_.answers.push_back({0, "2026-11-25T04:00:00Z", address, Received(model)});
         Show();
     }
-    void Tell(const char* address, const char* name, uint32_t type, std::string bytes) {
-        const size_t size = bytes.size();
-        scan_.answers.push_back({1, "2026-11-25T05:00:00Z", address, std::move(bytes),
-                                 *ParseOidOrName(name), type, size});
+    void Tell(const char* address, const char* name, uint32_t type, const char* text) {
+        scan_.answers.push_back(
+            {1, "2026-11-25T05:00:00Z", address, AnsweredWith(*ParseOidOrName(name), type, text)});
         Show();
     }
     void Show() { view_.SetRows(maker_.Make(scan_, MakeDevices(scan_), adapters_)); }
@@ -124,9 +123,9 @@ TEST_F(DeviceViewTest, JsonHoldsTheShownAnswersToSweeps) {
     Hear("10.77.1.3", "hidden");
     const std::string one = R"({"DiscoverOID":".1.3","GET":{".1.3":"VN 70"}})";
     const std::string other = R"({"DiscoverOID":".1.3","GET":{".1.4":"VN 71"}})";
-    scan_.answers.push_back({2, "", "10.77.1.22", one, {}, 0, 0});
-    scan_.answers.push_back({2, "", "10.77.1.21", other, {}, 0, 0});
-    scan_.answers.push_back({3, "", "10.77.1.23", "<reply/>", {}, 0, 0});
+    scan_.answers.push_back({2, "", "10.77.1.22", Received(one)});
+    scan_.answers.push_back({2, "", "10.77.1.21", Received(other)});
+    scan_.answers.push_back({3, "", "10.77.1.23", Received("<reply/>")});
     Show();
     view_.Sort(Column::kAddress, true);
     view_.Filter("1.2");

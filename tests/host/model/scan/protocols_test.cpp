@@ -4,6 +4,7 @@
 
 #include <map>
 
+#include "values/module_types.h"
 #include "values/object_names.h"
 
 namespace vndiscover::host {
@@ -42,15 +43,15 @@ TEST(Protocols, SayWhichSweepsADeviceAnswered) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV3),
                    Sweep(SweepKind::kSnmpV3, true)};
-    scan.answers = {{0, "", "10.0.0.1", "", {}, 0, 0}};
+    scan.answers = {{0, "", "10.0.0.1", Received("")}};
     using Map = std::map<std::string, State>;
     EXPECT_EQ((Map{{"SNMPv1", State::kNoValue},
                    {"SNMPv3", State::kSilent},
                    {"SNMPv36", State::kPending},
                    {"WSD", State::kNotAsked}}),
               States(scan, {}, {2}));
-    scan.answers.push_back({0, "", "10.0.0.1", "x", {}, 0, 0});
-    scan.answers.push_back({2, "", "fe80::1", "x", {}, 0, 0});
+    scan.answers.push_back({0, "", "10.0.0.1", Received("x")});
+    scan.answers.push_back({2, "", "fe80::1", Received("x")});
     EXPECT_EQ(State::kAnswered, States(scan, {}, {2})["SNMPv1"]);
     EXPECT_EQ(State::kAnswered, States(scan, {}, {2})["SNMPv36"]);
     EXPECT_EQ(State::kSilent, States(scan, {}, {2})["SNMPv3"]);
@@ -59,7 +60,7 @@ TEST(Protocols, SayWhichSweepsADeviceAnswered) {
 TEST(Protocols, SayWhyAReadingFailed) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};
-    scan.answers = {{0, "", "10.0.0.1", "<a/>", {}, 0, 0}};
+    scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
     const auto v3 = [&](Status status) {
         const std::vector<Reading> readings = {Ended(SweepKind::kSnmpV3, status, "why")};
         return JudgeProtocols(scan, {0}, readings, {}).at(1);
@@ -84,9 +85,9 @@ TEST(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kWsd),
                    {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
-    scan.answers = {{0, "", "10.0.0.1", "<a/>", {}, 0, 0}};
+    scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
     EXPECT_EQ(State::kNotAsked, States(scan, {}, {})["SNMPv1"]);
-    scan.answers.push_back({1, "", "10.0.0.1", "hall", {1, 3}, 4, 4});
+    scan.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
     const std::vector<Reading> readings = {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "silent")};
     EXPECT_EQ(State::kAnswered, States(scan, readings, {})["SNMPv1"]);
     EXPECT_EQ("silent", JudgeProtocols(scan, {0, 1}, readings, {}).at(0).note);

@@ -26,12 +26,11 @@ struct ScanOf {
     void Begin(SweepKind kind, AnswerForm form, const char* oid = "") {
         scan.sweeps.push_back({kind, form, false, ParseOid(oid).value_or(Oid()), kTime});
     }
-    void Add(const char* address, std::string bytes, const char* name = "",
+    void Add(const char* address, const std::string& bytes, const char* name = "",
              uint32_t type = kOctetString) {
         const auto oid = ParseOidOrName(name);
-        const size_t size = bytes.size();
-        scan.answers.push_back({scan.sweeps.size() - 1, kTime, address, std::move(bytes),
-                                oid.value_or(Oid()), oid ? type : 0, oid ? size : 0});
+        scan.answers.push_back({scan.sweeps.size() - 1, kTime, address,
+                                AnsweredWith(oid.value_or(Oid()), oid ? type : 0, bytes)});
     }
     // The variables that a saved sweep reads from a printer.
     void AddPrinter(const char* address, const std::string& serial, const std::string& mac,
@@ -93,7 +92,7 @@ TEST(DeviceMerge, HostileRepliesDoNotMakeItSlow) {
         const std::string address = std::to_string(pair);
         one.Add(address.c_str(), Reply(std::to_string(pair % kPairs)));
         if (i < kPairs) one.scan.answers.push_back(one.scan.answers.back());
-        if (i < kPairs) one.scan.answers.back().bytes = Reply("common");
+        if (i < kPairs) one.scan.answers.back().answer.bytes = Reply("common");
     }
     const std::clock_t start = std::clock();
     EXPECT_EQ(1u, MakeDevices(one.scan).size());
@@ -159,8 +158,8 @@ TEST(DeviceMerge, SplitsUndoIt) {
     one.AddPrinter("10.0.0.3", "", kOtherMac);   // 6, 7
     one.AddPrinter("10.0.0.2", "", "", "late");  // 8, 9
     EXPECT_EQ("0 1 2 3 4 5 8 9|6 7", Groups(one.scan));
-    EXPECT_EQ("late", maker.Make(one.scan)[0].name);  // as they arrive
-    EXPECT_EQ("late", maker.Make(one.scan)[0].name);
+    EXPECT_EQ("late", maker.Make(one.scan)[0].facts->name);  // as they arrive
+    EXPECT_EQ("late", maker.Make(one.scan)[0].facts->name);
     const Merge merge = MakeDevices(one.scan)[0].merges[0];
     one.scan.splits.emplace_back(merge.first, merge.second);
     EXPECT_EQ("0 1 2|3 4 5 8 9|6 7", Groups(one.scan));
@@ -179,10 +178,10 @@ TEST(DeviceMerge, ReadsEveryForm) {
     const auto devices = MakeDevices(one.scan);
     ASSERT_EQ(1u, devices.size());
     EXPECT_EQ("VN LaserPro 410, S1, 10.0.0.1", DeviceLine(devices[0]));
-    EXPECT_EQ("hall", devices[0].name);
-    EXPECT_EQ("VN 410, firmware 1.2", devices[0].firmware);
-    ASSERT_EQ(1u, devices[0].pageCounts.size());
-    EXPECT_EQ(5u, devices[0].pageCounts[0].count);
+    EXPECT_EQ("hall", devices[0].facts->name);
+    EXPECT_EQ("VN 410, firmware 1.2", devices[0].facts->description);
+    ASSERT_EQ(1u, devices[0].facts->pageCounts.size());
+    EXPECT_EQ(5u, devices[0].facts->pageCounts[0].count);
 }
 
 TEST(ScanFile, KeepsEveryByte) {
@@ -195,7 +194,7 @@ TEST(ScanFile, KeepsEveryByte) {
     one.Add("10.0.0.1", all);
     one.Begin(SweepKind::kSnmpV3, AnswerForm::kVariable);
     one.Add("10.0.0.1", kMac, "ifPhysAddress.1");
-    one.scan.answers.back().wholeSize = 200;
+    one.scan.answers.back().answer.wholeSize = 200;
     one.scan.splits.emplace_back(0, 5);
     std::string problem;
     const auto text = WriteScan(one.scan, problem);
@@ -206,11 +205,11 @@ TEST(ScanFile, KeepsEveryByte) {
     ASSERT_TRUE(read) << problem;
     ASSERT_EQ(6u, read->answers.size());
     for (size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(one.scan.answers[i].bytes, read->answers[i].bytes);
+        EXPECT_EQ(one.scan.answers[i].answer.bytes, read->answers[i].answer.bytes);
         EXPECT_EQ(one.scan.answers[i].address, read->answers[i].address);
     }
-    EXPECT_EQ(one.scan.answers[5].oid, read->answers[5].oid);
-    EXPECT_EQ(200u, read->answers[5].wholeSize);
+    EXPECT_EQ(one.scan.answers[5].answer.oid, read->answers[5].answer.oid);
+    EXPECT_EQ(200u, read->answers[5].answer.wholeSize);
     EXPECT_EQ(one.scan.sweeps[0].oid, read->sweeps[0].oid);
     EXPECT_EQ(text, WriteScan(*read, problem));
 }
@@ -297,7 +296,7 @@ TEST(ScanFile, TooLargeScansLoseWhatFloodsThem) {
     EXPECT_EQ(13u, kept(20000).answers.size());
     const Scan half = kept(8000);
     EXPECT_EQ(8u, half.answers.size());
-    EXPECT_EQ("b", half.answers[4].bytes);
+    EXPECT_EQ("b", half.answers[4].answer.bytes);
     EXPECT_THAT(half.splits, ElementsAre(std::pair<size_t, size_t>(1, 5)));
     std::string problem;
     size_t leftOut = 0;
