@@ -1,7 +1,12 @@
+#include <utility>
+#include <vector>
+
 #include "cli/compare_writer.h"
 #include "cli/device_options.h"
 #include "cli/scan_keeper.h"
+#include "model/printer/report_text.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/scan_report.h"
 #include "platform/console.h"
 
 namespace vndiscover::host {
@@ -27,12 +32,12 @@ struct CompareOptions {
 };
 
 int RunCompare(const CompareOptions& options) {
-    ComparedScans scans;
-    scans.before = MakeDevices(LoadScan(options.before, "OLD"));
-    scans.after = MakeDevices(LoadScan(options.after, "NEW"));
-    scans.changes = CompareDevices(scans.before, scans.after);
-    Print(options.format == TextFormat::kJson ? ComparisonJson(scans) : ComparisonText(scans));
-    return scans.changes.IsEqual() ? 0 : 1;
+    std::vector<FoundDevice> before = MakeDevices(LoadScan(options.before, "OLD"));
+    const Comparison comparison =
+        CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
+    Print(options.format == TextFormat::kJson ? ComparisonJson(comparison)
+                                              : ReportText(ReportOf(comparison), OutputWidth()));
+    return comparison.IsEqual() ? kFound : kNone;
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The output of `compare`.
+// The output of `compare` for a program.
 #pragma once
 
 #include <string>
@@ -7,13 +7,7 @@
 
 namespace vndiscover::host {
 
-// The devices before and after, and the differences.
-struct ComparedScans {
-    std::vector<FoundDevice> before, after;
-    Comparison changes;
-};
-
-std::string ComparisonText(const ComparedScans& scans);
-std::string ComparisonJson(const ComparedScans& scans);
+// One line.
+std::string ComparisonJson(const Comparison& comparison);
 
 }  // namespace vndiscover::host

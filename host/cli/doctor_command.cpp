@@ -2,6 +2,8 @@
 
 #include "cli/device_options.h"
 #include "cli/doctor_writer.h"
+#include "model/computer/doctor_report.h"
+#include "model/printer/report_text.h"
 #include "platform/console.h"
 #include "platform/host_address.h"
 #include "platform/this_computer.h"
@@ -33,7 +35,8 @@ usage, 3 the requests could not be sent.)";
 
 int RunOnComputer(const DeviceOptions& options) {
     const ComputerReport report = ReportOn(ThisComputer());
-    Print(options.format == TextFormat::kJson ? ComputerJson(report) : ComputerText(report));
+    Print(options.format == TextFormat::kJson ? ComputerJson(report)
+                                              : ReportText(ReportOf(report), OutputWidth()));
     return report.causes.empty() ? kFound : kNone;
 }
 
@@ -52,8 +55,9 @@ int RunOnHost(const DeviceOptions& options) {
     steps.hasUser = options.v3.isOn;
     const HostDiagnosis diagnosis = Diagnose(steps);
     const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), address);
-    Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
-                                              : HostText(diagnosis, isOnOwnNetwork));
+    Print(options.format == TextFormat::kJson
+              ? HostJson(diagnosis, isOnOwnNetwork, options.host)
+              : ReportText(ReportOf(diagnosis, isOnOwnNetwork), OutputWidth()));
     if (IsUnsendable(diagnosis)) return kSendFailed;
     return IsUsable(diagnosis) ? kFound : kNone;
 }

@@ -1,4 +1,4 @@
-// The output of `vndiscover doctor`.
+// The output of `vndiscover doctor` for a program.
 #pragma once
 
 #include <optional>
@@ -9,12 +9,10 @@
 
 namespace vndiscover::host {
 
-// Lines end in LF; JSON is one line.
-std::string ComputerText(const ComputerReport& report);
+// One line each.
 std::string ComputerJson(const ComputerReport& report);
 
 // isOnOwnNetwork: see IsOnOwnNetwork.
-std::string HostText(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork);
 std::string HostJson(const HostDiagnosis& diagnosis, const std::optional<bool>& isOnOwnNetwork,
                      const std::string& host);
 

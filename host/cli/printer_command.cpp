@@ -1,10 +1,11 @@
 #include <algorithm>
-#include <ctime>
 #include <string>
 
 #include "cli/device_options.h"
 #include "cli/printer_writer.h"
+#include "model/printer/report_text.h"
 #include "platform/console.h"
+#include "platform/saved_file.h"
 
 namespace vndiscover::host {
 namespace {
@@ -24,15 +25,6 @@ Examples:
 Exit codes: 0 a printer, read completely, 1 no answer, no printer or cut short,
 2 wrong usage, 3 a request could not be sent.)";
 
-// The device's start in local time, to the minute.
-std::string UpSince(const PrinterFacts& facts) {
-    if (!facts.upTicks) return "";
-    const std::time_t start = std::time(nullptr) - static_cast<std::time_t>(*facts.upTicks / 100);
-    const std::tm* local = std::localtime(&start);
-    char text[32];
-    return local && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) != 0 ? text : "";
-}
-
 int RunPrinter(const DeviceOptions& options) {
     const Device device = OpenDevice(options);
     const PrinterAnswers answers = ReadPrinter(AskerOf(device));
@@ -42,9 +34,12 @@ int RunPrinter(const DeviceOptions& options) {
         if (options.format == TextFormat::kJson) Print(PrinterJson(FactsOf(answers), options.host));
         return std::max<int>(kNone, ExitCodeOf(answers.lastStatus));
     }
-    const PrinterFacts facts = FactsOf(answers);
-    Print(options.format == TextFormat::kJson ? PrinterJson(facts, options.host)
-                                              : PrinterText(facts, UpSince(facts)));
+    PrinterFacts facts = FactsOf(answers);
+    facts.readTime = UtcNow();
+    const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
+    Print(options.format == TextFormat::kJson
+              ? PrinterJson(facts, options.host)
+              : ReportText(ReportOf(facts, context), OutputWidth()));
     if (answers.lastStatus != Status::kAnswered) {
         Warn("the report is cut short: " + options.host + " was not asked any further");
         return ExitCodeOf(answers.lastStatus);

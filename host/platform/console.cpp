@@ -118,6 +118,14 @@ bool Print(std::string_view text) {
     return !g_isOutputBroken;
 }
 
+size_t OutputWidth() {
+    CONSOLE_SCREEN_BUFFER_INFO info = {};
+    constexpr size_t kUsualWidth = 80;
+    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return kUsualWidth;
+    // A full line would be followed by an empty one.
+    return static_cast<size_t>(std::max(info.srWindow.Right - info.srWindow.Left, 40));
+}
+
 std::string OutputProblem() {
     constexpr DWORD kNobodyReads[] = {ERROR_BROKEN_PIPE, ERROR_NO_DATA, ERROR_PIPE_NOT_CONNECTED,
                                       ERROR_INVALID_HANDLE};

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -25,6 +26,9 @@ class ConsoleSession {
 // Writes results and flushes, so that a row can be read at once. False once a pipe is closed; the
 // caller then stops.
 bool Print(std::string_view text);
+
+// Characters in a line of standard output: those of the console, or 80.
+size_t OutputWidth();
 
 // " (the disk is full, error 112)"; empty if all output was written, or nobody reads it.
 std::string OutputProblem();

@@ -18,7 +18,7 @@
 #include <string>
 #include <utility>
 
-#include "model/computer/doctor_text.h"
+#include "model/computer/doctor_report.h"
 #include "model/printer/interfaces.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace vndiscover::host {
 namespace {
@@ -25,13 +26,15 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
     // Each family separately, since a sweep uses only one of them.
     for (const bool isIPv6 : {false, true})
         compare("address", Addresses(before, isIPv6), Addresses(after, isIPv6));
-    compare("name", before.name, after.name);
-    compare("firmware", before.firmware, after.firmware);
-    const size_t counts = std::min(before.pageCounts.size(), after.pageCounts.size());
+    compare("name", before.facts->name, after.facts->name);
+    compare("firmware", before.facts->description, after.facts->description);
+    const auto& oldCounts = before.facts->pageCounts;
+    const auto& newCounts = after.facts->pageCounts;
+    const size_t counts = std::min(oldCounts.size(), newCounts.size());
     for (size_t i = 0; i < counts; ++i) {
         const std::string field = i == 0 ? "page count" : "page count " + std::to_string(i + 1);
-        compare(field.c_str(), std::to_string(before.pageCounts[i].count),
-                std::to_string(after.pageCounts[i].count));
+        compare(field.c_str(), std::to_string(oldCounts[i].count),
+                std::to_string(newCounts[i].count));
     }
     return changes;
 }
@@ -110,9 +113,11 @@ class Matcher {
 
 }  // namespace
 
-Comparison CompareDevices(const std::vector<FoundDevice>& before,
-                          const std::vector<FoundDevice>& after) {
-    return Matcher(before, after).Result();
+Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after) {
+    Comparison comparison = Matcher(before, after).Result();
+    comparison.before = std::move(before);
+    comparison.after = std::move(after);
+    return comparison;
 }
 
 }  // namespace vndiscover::host

@@ -14,13 +14,14 @@ struct FieldChange {
 };
 
 struct DeviceChange {
-    size_t before, after;  // indexes in the two lists
+    size_t before, after;  // indexes
     MergeKey key;          // that identifies them as the same device
     std::vector<FieldChange> fields;
 };
 
 struct Comparison {
-    std::vector<size_t> added, gone;  // indexes in the later and in the earlier list
+    std::vector<FoundDevice> before, after;
+    std::vector<size_t> added, gone;  // indexes in `after` and in `before`
     std::vector<DeviceChange> changed;
     size_t same = 0;
     bool IsEqual() const { return added.empty() && gone.empty() && changed.empty(); }
@@ -28,7 +29,6 @@ struct Comparison {
 
 // Devices are matched by the rules of MakeDevices. A field that only one of the scans has does not
 // count as changed: it may not have been requested.
-Comparison CompareDevices(const std::vector<FoundDevice>& before,
-                          const std::vector<FoundDevice>& after);
+Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after);
 
 }  // namespace vndiscover::host

@@ -1,7 +1,8 @@
-#include "window/controls/facts_list.h"
+#include "window/controls/rows_list.h"
 
 #include <algorithm>
 
+#include "platform/wide_text.h"
 #include "window/controls/dpi.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -29,7 +30,7 @@ OwnedBitmap DrawMark(HDC screen, int size, const wchar_t* sign) {
     return bitmap;
 }
 
-// In the order of Fact::Mark.
+// In the order of Mark.
 OwnedImages MakeMarks(int dpi) {
     const int size = Scaled(kMarkSize, dpi);
     OwnedImages marks(ImageList_Create(size, size, ILC_COLOR24, 3, 0));
@@ -46,17 +47,17 @@ void FactsList::Create(HWND parent, int id, const std::wstring& name) {
     list_.SetColumns({{IDS_FACT_WHAT, 100}, {IDS_FACT_VALUE, 100}});
 }
 
-void FactsList::Show(std::vector<Fact> facts) {
-    if (facts == facts_) return;
-    facts_ = std::move(facts);
+void FactsList::Show(std::vector<ReportRow> rows) {
+    if (rows == rows_) return;
+    rows_ = std::move(rows);
     SetRowImages();
     list_.Refresh();
 }
 
 void FactsList::SetRowImages() {
     list_.SetDpi(dpi_);
-    if (std::any_of(facts_.begin(), facts_.end(),
-                    [](const Fact& fact) { return fact.mark != Fact::kNone; }))
+    if (std::any_of(rows_.begin(), rows_.end(),
+                    [](const ReportRow& row) { return row.mark != Mark::kNone; }))
         list_.SetImages(MakeMarks(dpi_));
 }
 
@@ -71,11 +72,11 @@ void FactsList::Resize(const RECT& place, int dpi) {
 }
 
 std::wstring FactsList::CellText(size_t row, size_t column) const {
-    return column == 0 ? facts_[row].label : facts_[row].text;
+    return ToWide(column == 0 ? rows_[row].label : WholeText(rows_[row]));
 }
 
 std::optional<int> FactsList::Level(size_t row, size_t column) const {
-    return column == 1 ? facts_[row].percent : std::nullopt;
+    return column == 1 ? rows_[row].percent : std::nullopt;
 }
 
 }  // namespace vndiscover::host

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "model/scan/scan_report.h"
 #include "platform/messages.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
@@ -16,7 +17,6 @@
 #include "window/main/layout.h"
 #include "window/main/menu.h"
 #include "window/pages/page_window.h"
-#include "window/pages/pages.h"
 #include "window/resource.h"
 #include "window/store/profiles.h"
 #include "window/store/scan_files.h"
@@ -700,7 +700,7 @@ bool MainWindow::CompareWith(const std::string& path) {
     const auto scan = LoadScan(path, problem);
     if (!scan) return Complain(problem);
     ShowPage(Text(IDS_COMPARE_TITLE, {ToWide(path)}),
-             CompareFacts(MakeDevices(*scan), session_.Devices()));
+             RowsOf(ReportOf(CompareDevices(MakeDevices(*scan), session_.Devices()))));
     return true;
 }
 
@@ -764,8 +764,8 @@ void MainWindow::OpenWebPage() {
     }
 }
 
-void MainWindow::ShowPage(const std::wstring& title, std::vector<Fact> facts) {
-    OpenPage(window_, title, std::move(facts));
+void MainWindow::ShowPage(const std::wstring& title, std::vector<ReportRow> rows) {
+    OpenPage(window_, title, std::move(rows));
 }
 
 }  // namespace vndiscover::host

@@ -100,7 +100,7 @@ class MainWindow {
     bool WillSave() const;
     void CopyCell(Column column);
     void OpenWebPage();
-    void ShowPage(const std::wstring& title, std::vector<Fact> facts);
+    void ShowPage(const std::wstring& title, std::vector<ReportRow> rows);
     bool Complain(const std::wstring& text);
 
     Engine& engine_;

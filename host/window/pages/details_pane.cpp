@@ -3,12 +3,29 @@
 #include <algorithm>
 #include <utility>
 
+#include "model/scan/scan_report.h"
+#include "platform/wide_text.h"
 #include "window/controls/dpi.h"
-#include "window/pages/pages.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
+namespace {
+
+// `row`: null if no device is selected.
+std::vector<ReportRow> SummaryOf(const Session& session, const DeviceRow* row) {
+    const FoundDevice* device = row ? session.DeviceOf(*row) : nullptr;
+    Report report;
+    if (device) report = ReportOf(*device, *row, session.GapsOf(*row));
+    ReportSection note;
+    if (!device) note.Add("", ToUtf8(Text(IDS_NO_SELECTION)));
+    if (device && !device->hasVariables && !session.WasAsked(*row))
+        note.Add("", ToUtf8(Text(IDS_NOT_ASKED)));
+    report.push_back(std::move(note));
+    return RowsOf(report);
+}
+
+}  // namespace
 
 // The tab control is only the strip of tabs, and the list of its page is the next control.
 void DetailsPane::Create(HWND parent) {
@@ -39,7 +56,7 @@ void DetailsPane::Show() {
     // Another device's table starts at its top, without a selected row.
     if (old.empty() || answers.empty() || old.front() != answers.front()) ShowRows({});
     if (!page.rows) {
-        facts_.Show(DetailFacts(session_));
+        facts_.Show(SummaryOf(session_, row));
         return;
     }
     ShowRows(row ? page.rows(session_, *row) : TableRows());

@@ -14,7 +14,7 @@ using TableRows = std::vector<std::vector<std::wstring>>;
 struct DevicePage {
     unsigned title;  // its string, on the tab
     std::vector<ListColumn> columns;
-    TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: DetailFacts
+    TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: a report
     bool isOfAnswers;  // the rows change only with the device's answers
 };
 

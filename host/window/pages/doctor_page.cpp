@@ -1,5 +1,6 @@
 #include "window/pages/doctor_page.h"
 
+#include "model/computer/doctor_report.h"
 #include "platform/wide_text.h"
 #include "window/pages/page_window.h"
 #include "window/resource.h"
@@ -9,16 +10,18 @@ namespace vndiscover::host {
 
 void DoctorPage::Begin(const std::string& address) {
     report_.reset();
-    device_ = {address, {}, {}};
+    address_ = address;
+    diagnosis_.reset();
+    isOnOwnNetwork_.reset();
     page_ = nullptr;
 }
 
 void DoctorPage::Take(const Event& event, HWND owner) {
     if (event.kind == Event::kReport) {
         report_ = event.report;
-    } else if (event.kind == Event::kDiagnosed && event.address == device_.address) {
-        device_.diagnosis = event.diagnosis;
-        device_.isOnOwnNetwork = IsOnOwnNetwork(event.adapters, event.address);
+    } else if (event.kind == Event::kDiagnosed && event.address == address_) {
+        diagnosis_ = event.diagnosis;
+        isOnOwnNetwork_ = IsOnOwnNetwork(event.adapters, event.address);
     } else {
         return;
     }
@@ -26,19 +29,21 @@ void DoctorPage::Take(const Event& event, HWND owner) {
 }
 
 void DoctorPage::Stop(HWND owner) {
-    if (device_.address.empty() || device_.diagnosis) return;
-    device_.diagnosis.emplace().isStopped = true;
+    if (address_.empty() || diagnosis_) return;
+    diagnosis_.emplace().isStopped = true;
     if (report_) Show(owner);
 }
 
 void DoctorPage::Show(HWND owner) {
-    const bool hasDevice = !device_.address.empty();
-    std::vector<Fact> facts = DoctorFacts(*report_, hasDevice ? &device_ : nullptr);
-    if (page_) return ShowInPage(page_, std::move(facts));
+    Report report;
+    if (!address_.empty()) report = ReportOf(diagnosis_, isOnOwnNetwork_);
+    for (ReportSection& section : ReportOf(*report_)) report.push_back(std::move(section));
+    std::vector<ReportRow> rows = RowsOf(report);
+    if (page_) return ShowInPage(page_, std::move(rows));
     page_ = OpenPage(
         owner,
-        hasDevice ? Text(IDS_DIAGNOSIS_TITLE, {ToWide(device_.address)}) : Text(IDS_DOCTOR_TITLE),
-        std::move(facts));
+        address_.empty() ? Text(IDS_DOCTOR_TITLE) : Text(IDS_DIAGNOSIS_TITLE, {ToWide(address_)}),
+        std::move(rows));
 }
 
 }  // namespace vndiscover::host

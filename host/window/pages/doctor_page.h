@@ -6,7 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "window/pages/pages.h"
+#include "model/asking/host_diagnosis.h"
+#include "model/computer/computer_report.h"
 #include "window/work/workers.h"
 
 namespace vndiscover::host {
@@ -25,7 +26,9 @@ class DoctorPage {
     void Show(HWND owner);
 
     std::optional<ComputerReport> report_;
-    DeviceReport device_;
+    std::string address_;                     // of the device; empty: none
+    std::optional<HostDiagnosis> diagnosis_;  // empty: not yet known
+    std::optional<bool> isOnOwnNetwork_;      // see IsOnOwnNetwork
     HWND page_ = nullptr;
 };
 

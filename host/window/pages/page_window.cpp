@@ -16,7 +16,7 @@ constexpr wchar_t kType[] = L"VnBrowserPage";
 
 class PageWindow {
   public:
-    HWND Open(HWND owner, const std::wstring& title, std::vector<Fact> facts) {
+    HWND Open(HWND owner, const std::wstring& title, std::vector<ReportRow> rows) {
         const int dpi = DpiOf(owner);
         window_ = CreateWindowExW(
             WS_EX_CONTROLPARENT, RegisterType(kType, WindowProcedure<PageWindow>), title.c_str(),
@@ -25,7 +25,7 @@ class PageWindow {
         if (!window_) return nullptr;
         list_.Create(window_, IDC_DETAILS, title);
         SetDpi(dpi);
-        list_.Show(std::move(facts));
+        list_.Show(std::move(rows));
         Attach(window_, this);
         ShowWindow(window_, SW_SHOW);
         SetFocus(list_.Handle());
@@ -45,7 +45,7 @@ class PageWindow {
                 return 0;
             }
             case kShow:
-                list_.Show(std::move(*reinterpret_cast<std::vector<Fact>*>(lParam)));
+                list_.Show(std::move(*reinterpret_cast<std::vector<ReportRow>*>(lParam)));
                 return 0;
             case WM_COMMAND:
                 if (LOWORD(wParam) == IDCANCEL) DestroyWindow(window);
@@ -81,17 +81,17 @@ class PageWindow {
 
 }  // namespace
 
-HWND OpenPage(HWND owner, const std::wstring& title, std::vector<Fact> facts) {
+HWND OpenPage(HWND owner, const std::wstring& title, std::vector<ReportRow> rows) {
     auto page = std::make_unique<PageWindow>();
-    const HWND window = page->Open(owner, title, std::move(facts));
+    const HWND window = page->Open(owner, title, std::move(rows));
     if (window) static_cast<void>(page.release());  // the window owns it: see WM_NCDESTROY
     return window;
 }
 
-void ShowInPage(HWND page, std::vector<Fact> facts) {
+void ShowInPage(HWND page, std::vector<ReportRow> rows) {
     wchar_t type[20] = L"";
     GetClassNameW(page, type, 20);  // the handle may be another window's by now
-    if (lstrcmpW(type, kType) == 0) SendMessageW(page, kShow, 0, reinterpret_cast<LPARAM>(&facts));
+    if (lstrcmpW(type, kType) == 0) SendMessageW(page, kShow, 0, reinterpret_cast<LPARAM>(&rows));
 }
 
 }  // namespace vndiscover::host

@@ -10,8 +10,8 @@
 
 namespace vndiscover::host {
 
-HWND OpenPage(HWND owner, const std::wstring& title, std::vector<Fact> facts);
-// Replaces the facts of a page; has no effect if the user has closed it.
-void ShowInPage(HWND page, std::vector<Fact> facts);
+HWND OpenPage(HWND owner, const std::wstring& title, std::vector<ReportRow> rows);
+// Replaces the rows of a page; has no effect if the user has closed it.
+void ShowInPage(HWND page, std::vector<ReportRow> rows);
 
 }  // namespace vndiscover::host

@@ -1,12 +1,10 @@
-// Variables and facts of printers, as the commands print them; what they accept as protocols; scans
-// that they save.
+// Variables as the commands print them; what they accept as protocols; scans that they save.
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
-#include "cli/printer_writer.h"
 #include "cli/scan_keeper.h"
 #include "cli/variable_writer.h"
 #include "device/security_labels.h"
@@ -55,32 +53,6 @@ TEST(VariableRows, AreLinesOrJsonElements) {
 )",
               document + json.End());
     EXPECT_EQ("[]\n", VariableWriter(true).End());
-}
-
-TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
-    PrinterFacts facts;
-    facts.model = "VN LaserPro 410";
-    facts.upTicks = 500;
-    facts.supplies = {{"Black", "", "", {400, 1000, ""}},
-                      {"", "cyan", "inkCartridge", {-3, -2, ""}}};
-    facts.alerts = {{"critical", "", "jam", "", 9000}};  // from before the restart
-    facts.gaps = {{"trays", "prtInputName", "no answer"},
-                  {"trays", "prtInputMediaName", "no answer"},
-                  {"alerts", "", "not asked for"},
-                  {"panel", "", "not asked for"}};
-    EXPECT_EQ(
-        "Model          VN LaserPro 410\n"
-        "Serial number  (not given)\n"
-        "Name           (not given)\n"
-        "Location       (not given)\n"
-        "MAC address    (not given)\n"
-        "Up since       noon (0:00:05)\n"
-        "Alerts         critical: jam\n"
-        "Supplies       Black          [########............]  40 % (400 of 1000)\n"
-        "               ink cartridge                          some left, cyan ink cartridge\n"
-        "Not read       trays (prtInputName, prtInputMediaName): no answer\n"
-        "               alerts, panel: not asked for\n",
-        PrinterText(facts, "noon"));
 }
 
 // The module would take any other text for "none" and send unprotected requests.

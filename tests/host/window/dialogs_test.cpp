@@ -2,7 +2,7 @@
 #include <functional>
 #include <thread>
 
-#include "model/computer/doctor_text.h"
+#include "model/computer/doctor_report.h"
 #include "scripted_window.h"
 #include "window/store/profiles.h"
 
@@ -267,7 +267,9 @@ std::wstring PageTexts(HWND page) {
 
 // On a page that opens at once with the report on this computer.
 TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
-    const std::wstring computer = Text(IDS_DOCTOR_NO_CAUSE) + L";not known here;off;";
+    const std::wstring computer =
+        L"nothing seen here keeps a sweep from finding devices;is not sent;is not sent;"
+        L"not known here;off;";
     OpenWith({{"10.77.1.9", "VN InkLine 70"}});
     Select(0);
     enum { kWhole, kStopped, kQueued };
@@ -283,7 +285,7 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
         HWND page = nullptr;
         ASSERT_TRUE(Until([&] { return (page = PopupOf(window_->Handle())) != nullptr; }));
         EXPECT_EQ(L"Why does 10.77.1.9 not answer?", TextOf(page));
-        EXPECT_EQ(Text(IDS_DOCTOR_ASKING) + L";" + computer, PageTexts(page));
+        EXPECT_EQ(L"the device is being asked;" + computer, PageTexts(page));
         engine_.isReleased = way == kWhole;
         if (way != kWhole) Command(IDCANCEL);
         const std::wstring verdict =
@@ -292,9 +294,12 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
                 : L"ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
                   L"blocked on the way, or community wrong and no SNMPv3;";
         const std::wstring expected =
-            way == kQueued ? L"not asked;not asked;not asked;not asked;" + verdict + computer
-                           : L"answered;no answer;no answer;not asked;" + verdict +
-                                 ToWide(kElsewhere) + L";" + computer;
+            verdict +
+            (way == kQueued ? L"not asked;not asked;not asked;not asked;"
+                            : L"the device is on none of this computer's networks: sweeps do not "
+                              L"reach it, directed requests do;answered;no answer;no answer;"
+                              L"not asked;") +
+            computer;
         EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
         SendMessageW(page, WM_COMMAND, IDCANCEL, 0);
     }

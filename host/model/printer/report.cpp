@@ -1,0 +1,200 @@
+#include "model/printer/report.h"
+
+#include <algorithm>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+#include "values/plain_text.h"
+#include "values/utc_time.h"
+#include "values/value_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr int kLowPercent = 10;
+
+std::string Joined(const std::string& one, const char* separator, const std::string& other) {
+    return one.empty() || other.empty() ? one + other : one + separator + other;
+}
+
+// Ticks of a hundredth of a second in whole seconds: "5 days, 3:04:05".
+std::string Duration(uint64_t ticks) {
+    const std::string text = TickText(ticks);
+    return text.substr(0, text.size() - 3);
+}
+
+// The others are warnings: it still prints.
+bool StopsPrinting(std::string_view error) {
+    constexpr std::string_view kStops[] = {"noPaper",
+                                           "noToner",
+                                           "doorOpen",
+                                           "jammed",
+                                           "offline",
+                                           "inputTrayMissing",
+                                           "outputTrayMissing",
+                                           "outputFull",
+                                           "markerSupplyMissing",
+                                           "inputTrayEmpty"};
+    return std::find(std::begin(kStops), std::end(kStops), error) != std::end(kStops);
+}
+
+Severity SeverityOf(const Level& level) {
+    const auto percent = PercentOf(level);
+    if (level.level == 0) return Severity::kCritical;
+    if (percent) return *percent < kLowPercent ? Severity::kAttention : Severity::kFine;
+    return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
+                                                                : Severity::kFine;
+}
+
+void AddLevel(ReportSection& section, std::string name, const Level& level,
+              const std::string& kind) {
+    section.Add(std::move(name), Joined(LevelText(level), ", ", kind), SeverityOf(level));
+    section.rows.back().percent = PercentOf(level);
+}
+
+std::string AlertText(const Alert& alert, const std::optional<uint64_t>& upTicks) {
+    const std::string what = Joined(SpacedWords(alert.group), ", ", SpacedWords(alert.code));
+    std::string text = Joined(SpacedWords(alert.severity), ": ",
+                              alert.description.empty() ? what : alert.description);
+    if (!alert.description.empty() && !what.empty()) text += " (" + what + ")";
+    // The time of an alert from before the device's restart would be in the future.
+    if (alert.upTicks && upTicks && *alert.upTicks <= *upTicks)
+        text += ", for " + Duration(*upTicks - *alert.upTicks);
+    return text;
+}
+
+void AddState(ReportSection& section, const PrinterFacts& facts) {
+    section.Add("Device", SpacedWords(facts.deviceStatus));
+    section.Add("Printer", SpacedWords(facts.printerStatus));
+    std::string errors;
+    for (const std::string& word : facts.errors) errors = Joined(errors, ", ", SpacedWords(word));
+    const bool isStopped = std::any_of(facts.errors.begin(), facts.errors.end(), StopsPrinting);
+    section.Add("Errors", errors, isStopped ? Severity::kCritical : Severity::kAttention);
+    for (const Alert& alert : facts.alerts) {
+        section.Add("Alerts", AlertText(alert, facts.upTicks),
+                    alert.severity == "critical" ? Severity::kCritical : Severity::kAttention);
+    }
+    for (const std::string& line : facts.panel) section.Add("Panel", line);
+    for (const PageCount& count : facts.pageCounts)
+        section.Add("Printed", Joined(std::to_string(count.count), " ", count.unit));
+}
+
+ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
+    ReportSection section;
+    const auto add = [&](const char* label, const std::string& text) {
+        section.Add(label, text.empty() && context.isRead ? "(not given)" : text);
+    };
+    add("Model", facts.model);
+    add("Serial number", facts.serialNumber);
+    add("Name", facts.name);
+    add("Location", facts.location);
+    section.Add("Address", context.addresses);
+    add("MAC address", facts.macAddress);
+    section.Add("Protocols", context.protocols);
+    if (facts.model.find(facts.description) == std::string::npos)
+        section.Add("Description", facts.description);
+    if (facts.upTicks) {
+        const std::string start = LocalTimeBefore(facts.readTime, *facts.upTicks / 100);
+        section.Add("Up since", Joined(start, " ", "(" + Duration(*facts.upTicks) + ")"));
+    }
+    AddState(section, facts);
+    return section;
+}
+
+ReportSection Supplies(const PrinterFacts& facts) {
+    ReportSection section = {"Supplies", {}};
+    for (const Supply& supply : facts.supplies) {
+        const std::string type = SpacedWords(supply.type);
+        AddLevel(section, supply.description.empty() ? type : supply.description, supply.level,
+                 Joined(supply.colour, " ", type));
+        section.rows.back().colour = supply.colour;
+    }
+    return section;
+}
+
+ReportSection Trays(const PrinterFacts& facts) {
+    ReportSection section = {"Trays", {}};
+    for (const Tray& tray : facts.trays) {
+        AddLevel(section, tray.name.empty() ? "(no name)" : tray.name, tray.level, tray.medium);
+        // An empty one keeps only some jobs from being printed.
+        Severity& severity = section.rows.back().severity;
+        if (severity == Severity::kCritical) severity = Severity::kAttention;
+    }
+    return section;
+}
+
+// One row for each reason: "trays, alerts: no answer".
+void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
+    std::vector<std::string> reasons;
+    for (const Gap& gap : gaps) {
+        if (std::find(reasons.begin(), reasons.end(), gap.reason) == reasons.end())
+            reasons.push_back(gap.reason);
+    }
+    for (const std::string& reason : reasons) {
+        std::vector<std::string> subjects;
+        std::string text, objects;
+        for (const Gap& gap : gaps) {
+            if (gap.reason != reason) continue;
+            objects = Joined(objects, ", ", gap.object);
+            if (std::find(subjects.begin(), subjects.end(), gap.subject) != subjects.end())
+                continue;
+            subjects.push_back(gap.subject);
+            text = Joined(text, ", ", gap.subject);
+        }
+        section.Add("Not read", text + ": " + reason, Severity::kUnknown);
+        section.rows.back().detail = objects;
+    }
+}
+
+}  // namespace
+
+bool ReportRow::operator==(const ReportRow& other) const {
+    const auto all = [](const ReportRow& row) {
+        return std::tie(row.label, row.text, row.percent, row.severity, row.colour, row.detail,
+                        row.mark, row.isCommand);
+    };
+    return all(*this) == all(other);
+}
+
+void ReportSection::Add(std::string label, std::string text, Severity severity) {
+    if (text.empty()) return;
+    ReportRow row;
+    row.label = std::move(label);
+    row.text = std::move(text);
+    row.severity = severity;
+    rows.push_back(std::move(row));
+}
+
+std::string WholeText(const ReportRow& row) {
+    return row.detail.empty() ? row.text : row.text + " (" + row.detail + ")";
+}
+
+std::vector<ReportRow> RowsOf(const Report& report) {
+    std::vector<ReportRow> rows;
+    for (const ReportSection& section : report) {
+        bool needsTitle = !section.title.empty();
+        for (ReportRow row : section.rows) {
+            if (needsTitle && !row.label.empty()) rows.emplace_back().label = section.title;
+            if (needsTitle && row.label.empty()) {
+                row.label = section.title;
+            } else if (!section.title.empty() && !row.label.empty()) {
+                row.label.insert(0, "   ");
+            }
+            needsTitle = false;
+            rows.push_back(std::move(row));
+        }
+    }
+    return rows;
+}
+
+Report ReportOf(const PrinterFacts& facts, const ReportContext& context) {
+    Report report = {Summary(facts, context), Supplies(facts), Trays(facts), {}};
+    for (const uint32_t other : facts.otherPrinters) {
+        report.back().Add("Also there", "another printer, device index " + std::to_string(other));
+    }
+    AddGaps(report.back(), facts.gaps);
+    return report;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,57 @@
+// What a program tells a person: sections of rows, made once from the facts and drawn by each
+// program in its own way. Labels and texts are here only.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "model/printer/printer_facts.h"
+
+namespace vndiscover::host {
+
+enum class Severity { kFine, kAttention, kCritical, kUnknown };
+
+// What a comparison says of a device.
+enum class Mark { kNone, kNew, kGone, kChanged };
+
+// All text is plain.
+struct ReportRow {
+    std::string label, text;
+    std::optional<int> percent;  // of a supply, or in a tray: 0 to 100
+    Severity severity = Severity::kFine;
+    std::string colour;  // of a supply, in the device's words: "black"; empty: none
+    std::string detail;  // for those who look closer: the objects of a reason
+    Mark mark = Mark::kNone;
+    bool isCommand = false;  // for a shell: must stay in one line
+
+    bool operator==(const ReportRow& other) const;
+};
+
+struct ReportSection {
+    // Empty: the rows' labels are as important as a title, and rows with the same label are
+    // together.
+    std::string title;
+    std::vector<ReportRow> rows;
+
+    // Leaves out a row without text.
+    void Add(std::string label, std::string text, Severity severity = Severity::kFine);
+};
+
+using Report = std::vector<ReportSection>;
+
+// The text of a row with its detail.
+std::string WholeText(const ReportRow& row);
+
+// The rows of all sections for a list of two columns. A title is the label of its first row, or if
+// that has one, of a row without text. Labels below a title are indented.
+std::vector<ReportRow> RowsOf(const Report& report);
+
+// What is known of a device besides its facts.
+struct ReportContext {
+    std::string addresses, protocols;  // "10.77.1.20, fe80::1", "SNMPv1"
+    bool isRead = true;  // otherwise what the facts lack was not asked for, and is left out
+};
+Report ReportOf(const PrinterFacts& facts, const ReportContext& context);
+
+}  // namespace vndiscover::host

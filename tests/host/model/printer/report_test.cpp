@@ -1,0 +1,104 @@
+// What a report says, and how a terminal shows it.
+#include "model/printer/report_text.h"
+
+#include <gtest/gtest.h>
+
+#include "model/computer/doctor_report.h"
+
+namespace vndiscover::host {
+namespace {
+
+TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
+    PrinterFacts facts;
+    facts.model = "VN LaserPro 410";
+    facts.description = "VN LaserPro";  // says nothing new
+    facts.upTicks = 500;
+    facts.supplies = {{"Black", "", "", {400, 1000, ""}},
+                      {"", "cyan", "inkCartridge", {-3, -2, ""}},
+                      {"A waste toner container with a long name", "", "wasteToner", {0, -2, ""}}};
+    facts.trays = {{"", "A4", {120, 500, ""}}};
+    facts.alerts = {{"critical", "cover", "jam", "Door A", 9000},  // from before the restart
+                    {"warning", "", "jam", "", 100}};
+    facts.gaps = {{"trays", "prtInputName", "no answer"},
+                  {"trays", "prtInputMediaName", "no answer"},
+                  {"alerts", "", "not asked for"},
+                  {"panel", "", "not asked for"}};
+    const Report report = ReportOf(facts, {"10.77.1.20", "SNMPv1"});
+    EXPECT_EQ(
+        "Model          VN LaserPro 410\n"
+        "Serial number  (not given)\n"
+        "Name           (not given)\n"
+        "Location       (not given)\n"
+        "Address        10.77.1.20\n"
+        "MAC address    (not given)\n"
+        "Protocols      SNMPv1\n"
+        "Up since       (0:00:05)\n"
+        "Alerts         critical: Door A (cover, jam)\n"
+        "               warning: jam, for 0:00:04\n"
+        "Supplies       Black                     [####......]  40 % (400 of 1000)\n"
+        "               ink cartridge                           some left, cyan ink\n"
+        "                 cartridge\n"
+        "               A waste toner container with a long name\n"
+        "                                                       0, maximum unknown, waste\n"
+        "                 toner\n"
+        "Trays          (no name)  [##........]  24 % (120 of 500), A4\n"
+        "Not read       trays: no answer (prtInputName, prtInputMediaName)\n"
+        "               alerts, panel: not asked for\n",
+        ReportText(report));
+    std::string severities;
+    for (const ReportSection& section : report) {
+        for (const ReportRow& row : section.rows)
+            severities += std::to_string(static_cast<int>(row.severity));
+    }
+    EXPECT_EQ(
+        "00000000"
+        "21"
+        "002"
+        "0"
+        "33",
+        severities);
+}
+
+TEST(PrinterReport, LeavesOutWhatWasNotAsked) {
+    PrinterFacts facts;
+    facts.model = "VN LaserPro 410";
+    facts.description = "VN LaserPro 410, firmware 1.2";
+    EXPECT_EQ(
+        "Model          VN LaserPro 410\n"
+        "Description    VN LaserPro 410, firmware 1.2\n",
+        ReportText(ReportOf(facts, {"", "", false})));
+}
+
+TEST(ReportText, KeepsCommandsInOneLineAndCountsCharacters) {
+    ReportSection section = {"Firewall", {}};
+    section.Add("", "B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro");
+    section.Add("", "netsh advfirewall firewall add rule");
+    section.rows.back().isCommand = true;
+    EXPECT_EQ(
+        "Firewall       B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro\n"
+        "                 B\xC3\xBCro\n"
+        "                 netsh advfirewall firewall add rule\n",
+        ReportText({section}, 29));
+}
+
+TEST(ReportRows, TellTheTitlesOfTheirSections) {
+    ComputerReport computer;
+    computer.ipv4.rows = {{"10.77.1.1", "eth0", "", "Ethernet", "up", 2}};
+    computer.routes = {{"255.255.255.255", "eth0", "10.77.1.1", ""}};
+    std::string rows;
+    for (const ReportRow& row : RowsOf(ReportOf(computer)))
+        rows += row.label + "|" + row.text + "\n";
+    EXPECT_EQ(
+        "Verdict|nothing seen here keeps a sweep from finding devices\n"
+        "IPv4 sweep|from 1 address, takes 0 s at least\n"
+        "   10.77.1.1|eth0: Ethernet, up, 2 s\n"
+        "IPv6 sweep|is not sent\n"
+        "Routes|\n"
+        "   255.255.255.255|by eth0, 10.77.1.1\n"
+        "Firewall|not known here\n"
+        "Log|off\n",
+        rows);
+}
+
+}  // namespace
+}  // namespace vndiscover::host
