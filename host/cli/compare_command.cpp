@@ -1,8 +1,8 @@
 #include <utility>
 #include <vector>
 
-#include "cli/compare_writer.h"
 #include "cli/device_options.h"
+#include "cli/fact_json.h"
 #include "cli/scan_keeper.h"
 #include "model/printer/report_text.h"
 #include "model/scan/device_merge.h"

@@ -1,7 +1,7 @@
 #include <vndiscover.h>
 
 #include "cli/device_options.h"
-#include "cli/doctor_writer.h"
+#include "cli/fact_json.h"
 #include "model/computer/doctor_report.h"
 #include "model/printer/report_text.h"
 #include "platform/console.h"

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "cli/device_options.h"
-#include "cli/printer_writer.h"
+#include "cli/fact_json.h"
 #include "model/printer/report_text.h"
 #include "platform/console.h"
 #include "platform/saved_file.h"

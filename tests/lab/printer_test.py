@@ -35,7 +35,7 @@ class Printers(unittest.TestCase):
         self.assertIn("Alerts         critical: Door A is open (cover, cover open), for 0:", out)
         # The README shows the same, except for times and the adapter's name.
         shown = re.search(r"^\$ vndiscover printer .*\n(?s:(.*?))```", (TREE / "README.md").read_text(encoding="utf-8"), re.M)[1]
-        lines = [line for line in shown.splitlines() if not re.search(r"\d:\d\d|^MAC", line)]
+        lines = [line for line in shown.splitlines() if not re.search(r"\d:\d\d|^MAC|^Address|, for$", line)]
         self.assertGreater(len(lines), 15)
         self.assertEqual([], [line for line in lines if line + "\n" not in out])
 

@@ -32,32 +32,24 @@ constexpr KindWord kKindWords[] = {
     {"virtual", "virtual"}, {"vethernet", "virtual"},  {"hyper-v", "virtual"},
     {"vmware", "virtual"},  {"virtualbox", "virtual"}, {"loopback", "loopback"}};
 
+struct KindNumber {
+    uint32_t type;  // IANA's ifType
+    const char* kind;
+};
+constexpr KindNumber kKindNumbers[] = {{6, "Ethernet"}, {23, "VPN"},      {24, "loopback"},
+                                       {53, "virtual"}, {71, "wireless"}, {131, "tunnel"},
+                                       {243, "mobile"}, {244, "mobile"}};
+
 std::string KindOf(const AdapterAddress& row) {
     const std::string names = Lower(row.adapter + "\n" + row.description);
     for (const KindWord& known : kKindWords) {
         if (names.find(known.word) != std::string::npos) return known.kind;
     }
-    switch (row.interfaceType) {
-        case 0:
-            return "";
-        case 6:
-            return "Ethernet";
-        case 23:  // ppp
-            return "VPN";
-        case 24:
-            return "loopback";
-        case 53:  // propVirtual
-            return "virtual";
-        case 71:
-            return "wireless";
-        case 131:
-            return "tunnel";
-        case 243:
-        case 244:
-            return "mobile";
-        default:
-            return "other";
+    if (row.interfaceType == 0) return "";
+    for (const KindNumber& known : kKindNumbers) {
+        if (known.type == row.interfaceType) return known.kind;
     }
+    return "other";
 }
 
 std::string StateOf(const AdapterAddress& row) {

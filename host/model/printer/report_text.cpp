@@ -40,7 +40,11 @@ class Writer {
             Begin(hasNames ? section.title : row.label, row.mark);
             if (hasNames && !row.label.empty()) AddName(row.label, nameWidth);
             if (hasBars) line_ += Bar(row.percent) + "  ";
-            AddText(WholeText(row), row.isCommand);
+            if (row.isCommand) {
+                line_ += "  " + row.text;
+            } else {
+                AddText(WholeText(row), hasBars);
+            }
             EndLine();
         }
     }
@@ -60,31 +64,39 @@ class Writer {
             line_ += Padded(name, nameWidth);
             return;
         }
-        AddText(name, false);
+        AddText(name);
         EndLine();
         line_ = std::string(kLeftWidth + nameWidth, ' ');
     }
 
     // Breaks lines at spaces.
-    void AddText(const std::string& text, bool isCommand) {
-        if (isCommand) {
-            line_ += "  " + text;
-            return;
-        }
+    void AddText(const std::string& text, bool isInPhrases = false) {
         bool isFirst = true;
         for (size_t at = 0; at <= text.size();) {
-            const size_t end = std::min(text.find(' ', at), text.size());
-            const std::string word = text.substr(at, end - at);
-            const size_t size = Characters(line_) + Characters(word);
-            if (size + (isFirst ? 0 : 1) > width_ && Characters(line_) > kIndent) {
+            const size_t end = isInPhrases ? PhraseEnd(text, at) : WordEnd(text, at);
+            const std::string part = text.substr(at, end - at);
+            if (Characters(line_) + Characters(part) + (isFirst ? 0 : 1) > width_ &&
+                Characters(line_) > kIndent) {
                 EndLine();
                 line_ = std::string(kIndent, ' ');
                 isFirst = true;
             }
-            line_ += (isFirst ? "" : " ") + word;
+            line_ += (isFirst ? "" : " ") + part;
             isFirst = false;
             at = end + 1;
         }
+    }
+
+    static size_t WordEnd(const std::string& text, size_t at) {
+        return std::min(text.find(' ', at), text.size());
+    }
+
+    // The end of a word if a phrase would not fit into a line.
+    size_t PhraseEnd(const std::string& text, size_t at) const {
+        const size_t comma = text.find(", ", at), bracket = text.find(" (", at);
+        const size_t end =
+            std::min({comma == std::string::npos ? comma : comma + 1, bracket, text.size()});
+        return end - at + kIndent > width_ ? WordEnd(text, at) : end;
     }
 
     void EndLine() {

@@ -1,9 +1,11 @@
-// The output of a sweep: one row for each device, as it arrives.
+// Devices as documents: of a sweep, one row for each as it arrives, and of a table of devices.
 #pragma once
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "model/scan/device_view.h"
 #include "values/json_output.h"
 
 namespace vndiscover::host {
@@ -46,5 +48,18 @@ class DeviceWriter {
     bool isFirst_ = true;
     JsonArray array_;
 };
+
+struct Heading {
+    Column column;
+    std::string text;
+};
+
+// The shown rows as CSV with these columns: UTF-8 with a byte order mark, CR LF, and a line of
+// headings. A cell that a spreadsheet would run as a formula starts with an apostrophe.
+std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings);
+
+// The shown rows' answers to SNMP sweeps, in the form of `vndiscover sweep --format json`. A device
+// without one, found by WS-Discovery, has an empty value.
+std::string JsonOf(const DeviceView& view, const Scan& scan);
 
 }  // namespace vndiscover::host

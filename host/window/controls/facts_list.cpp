@@ -1,4 +1,4 @@
-#include "window/controls/rows_list.h"
+#include "window/controls/facts_list.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "model/scan/view_writer.h"
+#include "model/scan/device_writer.h"
 #include "window/controls/list_control.h"
 #include "window/store/settings.h"
 

@@ -1,4 +1,4 @@
-#include "model/scan/view_writer.h"
+#include "model/scan/device_writer.h"
 
 #include <gtest/gtest.h>
 

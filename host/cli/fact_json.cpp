@@ -1,0 +1,201 @@
+#include "cli/fact_json.h"
+
+#include <cjson/cJSON.h>
+
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+
+#include "model/computer/doctor_report.h"
+#include "values/json_output.h"
+
+namespace vndiscover::host {
+namespace {
+
+using Texts = std::initializer_list<std::pair<const char*, std::string_view>>;
+
+void AddMembers(cJSON* object, Texts texts) {
+    for (const auto& [name, text] : texts) AddText(object, name, text);
+}
+
+void AddOrNull(cJSON* object, Texts texts) {
+    for (const auto& [name, text] : texts) {
+        if (text.empty()) {
+            cJSON_AddNullToObject(object, name);
+        } else {
+            AddText(object, name, text);
+        }
+    }
+}
+
+template <class Number>
+void AddOrNull(cJSON* object, const char* name, const std::optional<Number>& number) {
+    if (number) {
+        AddNumber(object, name, std::to_string(*number));
+    } else {
+        cJSON_AddNullToObject(object, name);
+    }
+}
+
+// An array member with an object for each row, which `fill` fills.
+template <class Rows, class Fill>
+void AddObjects(cJSON* parent, const char* name, const Rows& rows, Fill fill) {
+    cJSON* array = cJSON_AddArrayToObject(parent, name);
+    for (const auto& row : rows) {
+        JsonItem object(cJSON_CreateObject());
+        fill(object.get(), row);
+        cJSON_AddItemToArray(array, object.release());
+    }
+}
+
+void AddLevel(cJSON* object, const Level& level) {
+    AddOrNull(object, "level", level.level);
+    AddOrNull(object, "maximum", level.maximum);
+    AddOrNull(object, {{"unit", level.unit}});
+    AddOrNull(object, "percent", PercentOf(level));
+    AddText(object, "text", LevelText(level));
+}
+
+void AddTables(cJSON* root, const PrinterFacts& facts) {
+    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
+        AddNumber(object, "count", std::to_string(count.count));
+        AddOrNull(object, {{"unit", count.unit}});
+    });
+    AddObjects(root, "supplies", facts.supplies, [](cJSON* object, const Supply& supply) {
+        AddOrNull(object, {{"description", supply.description},
+                           {"colour", supply.colour},
+                           {"type", supply.type}});
+        cJSON_AddBoolToObject(object, "isReceptacle", supply.level.isReceptacle);
+        AddLevel(object, supply.level);
+    });
+    AddObjects(root, "trays", facts.trays, [](cJSON* object, const Tray& tray) {
+        AddOrNull(object, {{"name", tray.name}, {"medium", tray.medium}});
+        AddLevel(object, tray.level);
+    });
+    AddObjects(root, "alerts", facts.alerts, [](cJSON* object, const Alert& alert) {
+        AddOrNull(object, {{"severity", alert.severity},
+                           {"group", alert.group},
+                           {"code", alert.code},
+                           {"description", alert.description}});
+        AddOrNull(object, "upTicks", alert.upTicks);
+    });
+    AddObjects(root, "notRead", facts.gaps, [](cJSON* object, const Gap& gap) {
+        AddText(object, "subject", gap.subject);
+        AddOrNull(object, {{"object", gap.object}});
+        AddText(object, "reason", gap.reason);
+    });
+}
+
+void AddPlan(cJSON* root, const char* name, const SweepPlan& plan) {
+    cJSON* object = cJSON_AddObjectToObject(root, name);
+    cJSON_AddNumberToObject(object, "adapters", static_cast<double>(plan.adapters));
+    cJSON_AddNumberToObject(object, "seconds", plan.seconds);
+    AddObjects(object, "addresses", plan.rows, [](cJSON* element, const SweepRow& row) {
+        AddMembers(element, {{"address", row.address},
+                             {"adapter", row.adapter},
+                             {"description", row.description},
+                             {"kind", row.kind},
+                             {"state", row.state}});
+        cJSON_AddNumberToObject(element, "seconds", row.seconds);
+    });
+}
+
+void AddFirewall(cJSON* root, const FirewallReport& report) {
+    cJSON* object = cJSON_AddObjectToObject(root, "firewall");
+    cJSON_AddBoolToObject(object, "isKnown", report.isKnown);
+    AddObjects(object, "ports", report.ports, [](cJSON* element, const PortVerdict& verdict) {
+        AddText(element, "profile", verdict.profile);
+        cJSON_AddNumberToObject(element, "port", verdict.port);
+        AddMembers(element,
+                   {{"answers", PassageText(verdict.passage)}, {"reason", verdict.reason}});
+    });
+    AddTexts(object, "commands", report.commands);
+}
+
+void AddDevices(cJSON* root, const char* name, const std::vector<FoundDevice>& devices,
+                const std::vector<size_t>& indexes) {
+    cJSON* array = cJSON_AddArrayToObject(root, name);
+    for (const size_t index : indexes)
+        cJSON_AddItemToArray(array, DeviceJson(devices[index]).release());
+}
+
+std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; }
+
+}  // namespace
+
+std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
+    const JsonItem root(cJSON_CreateObject());
+    AddText(root.get(), "host", host);
+    AddOrNull(root.get(), "deviceIndex", facts.deviceIndex);
+    AddOrNull(root.get(), {{"model", facts.model},
+                           {"serialNumber", facts.serialNumber},
+                           {"name", facts.name},
+                           {"location", facts.location},
+                           {"description", facts.description},
+                           {"macAddress", facts.macAddress}});
+    AddOrNull(root.get(), "upTicks", facts.upTicks);
+    AddOrNull(root.get(),
+              {{"deviceStatus", facts.deviceStatus}, {"printerStatus", facts.printerStatus}});
+    AddTexts(root.get(), "errors", facts.errors);
+    AddTexts(root.get(), "panel", facts.panel);
+    AddTables(root.get(), facts);
+    return Line(root);
+}
+
+std::string ComputerJson(const ComputerReport& report) {
+    const JsonItem root(cJSON_CreateObject());
+    AddPlan(root.get(), "ipv4", report.ipv4);
+    AddPlan(root.get(), "ipv6", report.ipv6);
+    AddObjects(root.get(), "routes", report.routes, [](cJSON* element, const Route& route) {
+        AddMembers(element, {{"target", route.target},
+                             {"adapter", route.adapter},
+                             {"source", route.source},
+                             {"gateway", route.gateway}});
+    });
+    AddFirewall(root.get(), report.firewall);
+    cJSON* log = cJSON_AddObjectToObject(root.get(), "log");
+    cJSON_AddBoolToObject(log, "file", report.log.file);
+    cJSON_AddBoolToObject(log, "debugger", report.log.debugger);
+    AddTexts(root.get(), "causes", report.causes);
+    AddTexts(root.get(), "notes", report.notes);
+    return Line(root);
+}
+
+std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwnNetwork,
+                     const std::string& host) {
+    const JsonItem root(cJSON_CreateObject());
+    AddText(root.get(), "host", host);
+    for (const auto& [name, step] : {std::pair("ping", &diagnosis.ping),
+                                     {"snmpV1", &diagnosis.v1},
+                                     {"snmpV3Engine", &diagnosis.discovery},
+                                     {"snmpV3User", &diagnosis.user}}) {
+        AddMembers(cJSON_AddObjectToObject(root.get(), name),
+                   {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
+    }
+    cJSON_AddItemToObject(root.get(), "isOnOwnNetwork",
+                          isOnOwnNetwork ? cJSON_CreateBool(*isOnOwnNetwork) : cJSON_CreateNull());
+    AddText(root.get(), "verdict", VerdictOn(diagnosis));
+    return Line(root);
+}
+
+std::string ComparisonJson(const Comparison& comparison) {
+    const JsonItem root(cJSON_CreateObject());
+    AddDevices(root.get(), "new", comparison.after, comparison.added);
+    AddDevices(root.get(), "gone", comparison.before, comparison.gone);
+    cJSON* changed = cJSON_AddArrayToObject(root.get(), "changed");
+    for (const DeviceChange& change : comparison.changed) {
+        JsonItem device = DeviceJson(comparison.after[change.after]);
+        AddText(device.get(), "sameBy", KeyName(change.key));
+        AddObjects(
+            device.get(), "changes", change.fields, [](cJSON* one, const FieldChange& field) {
+                AddMembers(
+                    one,
+                    {{"field", field.field}, {"before", field.before}, {"after", field.after}});
+            });
+        cJSON_AddItemToArray(changed, device.release());
+    }
+    AddNumber(root.get(), "asBefore", std::to_string(comparison.same));
+    return Line(root);
+}
+
+}  // namespace vndiscover::host

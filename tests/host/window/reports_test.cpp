@@ -1,0 +1,102 @@
+// Each row of a report is on the window's page and in the console's text.
+#include "model/computer/doctor_report.h"
+#include "model/printer/report_text.h"
+#include "model/scan/device_merge.h"
+#include "model/scan/scan_report.h"
+#include "scripted_window.h"
+#include "window/pages/page_window.h"
+
+namespace vndiscover::host {
+namespace {
+
+std::string WithoutSpaces(std::string text) {
+    text.erase(
+        std::remove_if(text.begin(), text.end(), [](char c) { return c == ' ' || c == '\n'; }),
+        text.end());
+    return text;
+}
+
+Report OfPrinter() {
+    PrinterFacts facts;
+    facts.model = "VN LaserPro 410";
+    facts.description = "Laser printer, firmware 2.14.1";
+    facts.upTicks = 9000;
+    facts.deviceStatus = "warning";
+    facts.errors = {"lowPaper", "doorOpen"};
+    facts.panel = {"Door open"};
+    facts.pageCounts = {{184305, "impressions"}};
+    facts.supplies = {{"Toner", "black", "tonerCartridge", {3, 10, "", false, false}}};
+    facts.trays = {{"", "A4", {120, 500, "sheets", false, false}}};
+    facts.alerts = {{"critical", "cover", "coverOpen", "Door A", 100}};
+    facts.otherPrinters = {9};
+    facts.gaps = {{"panel", "", "not asked for"}, {"name", "sysName", "no answer"}};
+    return ReportOf(facts, {"10.77.1.20", "SNMPv1"});
+}
+
+Report OfComputer() {
+    ComputerReport computer;
+    computer.ipv4.rows = {{"10.77.1.1", "eth0", "", "Ethernet", "up", 2}};
+    computer.routes = {{"255.255.255.255", "eth0", "10.77.1.1", "10.77.1.254"}};
+    computer.firewall.isKnown = true;
+    computer.firewall.ports = {{"public", 161, Passage::kClosed, "no rule lets them in"}};
+    computer.firewall.commands = {"netsh advfirewall firewall add rule name=VnDiscover"};
+    computer.causes = {"no route for the multicast"};
+    computer.notes = {"the log is on"};
+    computer.log.file = true;
+    return ReportOf(computer);
+}
+
+Report OfDevice() {
+    HostDiagnosis diagnosis;
+    diagnosis.ping.outcome = Outcome::kAnswered;
+    diagnosis.user = {Outcome::kRefused, "the device does not know this user"};
+    return ReportOf(diagnosis, false);
+}
+
+// One device is new, one gone, and one has another name.
+Report OfComparison() {
+    const auto scan = [](const char* other, const char* name) {
+        Scan scan;
+        scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
+        scan.answers = {
+            {0, "", other, Received("")},
+            {0, "", "10.77.1.20", AnsweredWith(*ParseOidOrName("sysName.0"), kOctetString, name)}};
+        return MakeDevices(scan);
+    };
+    return ReportOf(CompareDevices(scan("10.77.1.21", "hall"), scan("10.77.1.22", "lobby")));
+}
+
+TEST(Reports, AreTheSameOnAPageAndInTheConsole) {
+    const HWND owner =
+        CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    for (const Report& report : {OfPrinter(), OfComputer(), OfDevice(), OfComparison()}) {
+        const std::string console = WithoutSpaces(ReportText(report));
+        const HWND page = OpenPage(owner, L"", RowsOf(report));
+        const HWND list = GetDlgItem(page, IDC_DETAILS);
+        std::string shown;
+        for (int row = 0; row < ListView_GetItemCount(list); ++row)
+            shown += ToUtf8(CellOf(list, row, 0) + L"|" + CellOf(list, row, 1) + L"\n");
+        shown = WithoutSpaces(shown);
+        size_t rows = 0;
+        for (const ReportSection& section : report) {
+            if (!section.rows.empty()) {
+                EXPECT_NE(std::string::npos, shown.find(WithoutSpaces(section.title)));
+                EXPECT_NE(std::string::npos, console.find(WithoutSpaces(section.title)));
+            }
+            for (const ReportRow& row : section.rows) {
+                const std::string text = WithoutSpaces(WholeText(row));
+                EXPECT_NE(std::string::npos, shown.find("|" + text)) << shown;
+                EXPECT_NE(std::string::npos, shown.find(WithoutSpaces(row.label))) << shown;
+                EXPECT_NE(std::string::npos, console.find(text)) << console;
+                EXPECT_NE(std::string::npos, console.find(WithoutSpaces(row.label))) << console;
+                ++rows;
+            }
+        }
+        EXPECT_LT(3u, rows);
+        DestroyWindow(page);
+    }
+    DestroyWindow(owner);
+}
+
+}  // namespace
+}  // namespace vndiscover::host
