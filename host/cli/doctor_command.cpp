@@ -2,6 +2,7 @@
 
 #include "cli/device_options.h"
 #include "cli/fact_json.h"
+#include "device/sweeps.h"
 #include "model/computer/doctor_report.h"
 #include "model/printer/report_text.h"
 #include "platform/console.h"
@@ -11,8 +12,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-constexpr uint32_t kPingTimeoutMs = 2000;
 
 constexpr char kExamples[] =
     R"(Without HOST nothing is sent: the report shows the addresses that a sweep uses,

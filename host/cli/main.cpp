@@ -8,7 +8,7 @@
 
 #include "cli/commands.h"
 #include "platform/console.h"
-#include "platform/wide_text.h"
+#include "platform/this_process.h"
 
 namespace {
 

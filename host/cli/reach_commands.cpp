@@ -1,6 +1,7 @@
 #include <vndiscover.h>
 
 #include "cli/device_options.h"
+#include "device/sweeps.h"
 #include "platform/console.h"
 #include "platform/wide_text.h"
 
@@ -23,7 +24,7 @@ Exit codes: 0 supported, 1 not supported.)";
 
 struct PingOptions {
     std::string host;
-    unsigned timeoutMs = 2000;
+    unsigned timeoutMs = kPingTimeoutMs;
 };
 
 int RunPing(const PingOptions& options) {

@@ -9,6 +9,7 @@
 #include "model/scan/device_merge.h"
 #include "platform/console.h"
 #include "platform/saved_file.h"
+#include "platform/this_process.h"
 
 namespace vndiscover::host {
 

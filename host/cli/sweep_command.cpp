@@ -6,6 +6,7 @@
 
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
+#include "device/sweeps.h"
 #include "model/asking/json_request.h"
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
@@ -17,8 +18,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-constexpr UINT kUnusedTimeoutMs = 5000;
 
 constexpr char kExamples[] =
     R"(The devices of a network are printed after 2 s without an answer. One that
@@ -56,10 +55,8 @@ struct SweepOptions {
     SaveOptions save;
 };
 
-// The module's UTF-16 arguments, checked.
 struct Sweep {
-    std::wstring community, oid, request, csvPath;
-    BYTE useIPv6 = 0;
+    SnmpSweep arguments;
     ValueKind kind = ValueKind::kRaw;
 };
 
@@ -105,54 +102,26 @@ std::string CheckOid(const std::string& text) {
 
 Sweep Prepare(const SweepOptions& options) {
     Sweep sweep;
+    SnmpSweep& arguments = sweep.arguments;
     CheckPathsDiffer(options);
-    sweep.useIPv6 = options.useIPv6 ? 1 : 0;
+    arguments.useIPv6 = options.useIPv6;
     if (ToAnsi(options.community).size() > VN_COMMUNITY_MAX) {
         throw CLI::ValidationError("--community", "255 bytes at most");
     }
-    sweep.community = ToWide(options.community);
-    if (!options.oid.empty()) sweep.oid = ToWide(CheckOid(options.oid));
+    arguments.community = ToWide(options.community);
+    if (!options.oid.empty()) arguments.oid = ToWide(CheckOid(options.oid));
     if (!options.jsonPath.empty()) {
-        sweep.request = ToWide(ReadRequest(options.jsonPath));
+        arguments.request = ToWide(ReadRequest(options.jsonPath));
         sweep.kind = ValueKind::kDocument;
     }
     if (!options.csvPath.empty()) CheckCsvPath(options.csvPath);
-    sweep.csvPath = ToWide(options.csvPath);
-    if (options.v3.isOn && !sweep.oid.empty()) {
+    arguments.resultPath = ToWide(options.csvPath);
+    if (options.v3.isOn && !arguments.oid.empty()) {
         // SNMPv3 sweeps accept an OID only in a JSON request; its only answer is then the value.
-        sweep.request = ToWide(RequestFor(ToUtf8(sweep.oid)));
+        arguments.request = ToWide(RequestFor(ToUtf8(arguments.oid)));
         sweep.kind = ValueKind::kAnswer;
     }
     return sweep;
-}
-
-void RunV1(HWND window, const Sweep& sweep) {
-    const wchar_t* path = sweep.csvPath.c_str();
-    const wchar_t* community = sweep.community.c_str();
-    constexpr UINT kMessage = ResultWindow::kMessage;
-    if (!sweep.request.empty()) {
-        DiscoverDevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6,
-                                 sweep.request.c_str(), path, community, nullptr);
-    } else {
-        DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.oid.c_str(),
-                             path, community, nullptr);
-    }
-}
-
-void RunV3(HWND window, const Sweep& sweep, const Security& security) {
-    const BYTE useAuth = security.useAuth ? 1 : 0;
-    const BYTE usePriv = security.usePriv ? 1 : 0;
-    constexpr UINT kMessage = ResultWindow::kMessage;
-    if (!sweep.request.empty()) {
-        DiscoverV3DevicesByOIDjson(
-            window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, sweep.request.c_str(),
-            security.user.c_str(), useAuth, security.authPassword.Get(), usePriv,
-            security.privPassword.Get(), security.authLabel.c_str(), security.privLabel.c_str());
-    } else {
-        DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, sweep.useIPv6, security.user.c_str(),
-                       useAuth, security.authPassword.Get(), usePriv, security.privPassword.Get(),
-                       security.authLabel.c_str(), security.privLabel.c_str());
-    }
 }
 
 // The result file of an SNMPv3 sweep, whose exports take no path: written here from the result
@@ -184,9 +153,10 @@ class CsvFile {
 
 void BeginScan(ScanKeeper& keeper, const SweepOptions& options, const Sweep& sweep) {
     keeper.Begin(options.v3.isOn ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
-                 sweep.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
+                 sweep.arguments.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
                  options.useIPv6,
-                 *ParseOid(sweep.oid.empty() ? VN_DEFAULT_DISCOVERY_OID : ToUtf8(sweep.oid)));
+                 sweep.arguments.oid.empty() ? DefaultDiscoveryOid()
+                                             : *ParseOid(ToUtf8(sweep.arguments.oid)));
 }
 
 void AskAndSave(ScanKeeper& keeper, const SweepOptions& options, bool isStopped,
@@ -204,14 +174,15 @@ std::string StatusLine(ULONGLONG startMs, size_t devices) {
 }
 
 int RunSweep(const SweepOptions& options) {
-    const Sweep sweep = Prepare(options);
+    Sweep sweep = Prepare(options);
     ScanKeeper keeper(options.save);
     Security security = options.v3.isOn ? ResolveSecurity(options.v3) : Security();
+    if (options.v3.isOn) sweep.arguments.security = &security;
     BeginScan(keeper, options, sweep);
     bool isStopped = false;
     DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
     DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
-    CsvFile csv(options.v3.isOn ? sweep.csvPath : std::wstring());
+    CsvFile csv(options.v3.isOn ? sweep.arguments.resultPath : std::wstring());
     std::atomic<size_t> devices{0};
     const ULONGLONG startMs = GetTickCount64();
     {
@@ -222,11 +193,7 @@ int RunSweep(const SweepOptions& options) {
             csv.Write(csvWriter.Row(address, value));
             if (!Print(writer.Row(address, value))) watch.RequestStop();
         });
-        if (options.v3.isOn) {
-            RunV3(window.Handle(), sweep, security);
-        } else {
-            RunV1(window.Handle(), sweep);
-        }
+        RunSweep(window.Handle(), ResultWindow::kMessage, sweep.arguments);
         isStopped = watch.IsStopped();
         if (isStopped) Warn("stopped");
     }

@@ -3,6 +3,7 @@
 #include "cli/commands.h"
 #include "device/security_labels.h"
 #include "platform/console.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {

@@ -5,6 +5,7 @@
 
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
+#include "device/sweeps.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
 #include "values/plain_text.h"
@@ -36,7 +37,7 @@ enum class WsdFormat { kTable, kJson };
 
 struct WsdOptions {
     std::string types = "wsdp:Device";
-    unsigned timeoutMs = 3000;
+    unsigned timeoutMs = kWsdSilenceMs;
     bool isRaw = false;
     WsdFormat format = WsdFormat::kTable;
     SaveOptions save;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "device/sweeps.h"
 #include "model/asking/refusal.h"
 #include "values/module_types.h"
 
@@ -23,8 +24,6 @@ static_assert(std::string_view(kDefaultDiscoveryOid) == VN_DEFAULT_DISCOVERY_OID
 
 namespace {
 
-constexpr uint32_t kUnusedTimeoutMs = 2000;
-constexpr uint32_t kUnusedRetries = 5;
 // Remains if no answer came: a readable answer has its type, and an unreadable one has 0.
 constexpr uint32_t kNotSet = UINT32_MAX;
 constexpr char kTooLongForV1[] = "perhaps it is too long for SNMPv1; SNMPv3 may read it";

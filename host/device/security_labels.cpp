@@ -1,5 +1,7 @@
 #include "device/security_labels.h"
 
+#include "values/text.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -27,8 +29,7 @@ constexpr Spelling kPrivSpellings[] = {
 // Keeps lower-cased letters and digits; everything else is punctuation that varies.
 std::string Folded(std::string_view text) {
     std::string folded;
-    for (const char letter : text) {
-        if (letter >= 'A' && letter <= 'Z') folded += static_cast<char>(letter | 0x20);
+    for (const char letter : Lower(text)) {
         if ((letter >= 'a' && letter <= 'z') || (letter >= '0' && letter <= '9')) folded += letter;
     }
     return folded;

@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "platform/saved_file.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
@@ -90,17 +92,6 @@ std::wstring Text(IDispatch& object, const wchar_t* name) {
 
 bool IsAny(const std::wstring& text) { return text.empty() || text == L"*" || text == L"All"; }
 
-bool IsSamePath(const std::wstring& one, const std::wstring& other) {
-    return CompareStringOrdinal(one.c_str(), static_cast<int>(one.size()), other.c_str(),
-                                static_cast<int>(other.size()), TRUE) == CSTR_EQUAL;
-}
-
-std::wstring OwnPath() {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return path;
-}
-
 std::wstring Expanded(const std::wstring& path) {
     std::wstring text(32768, L'\0');
     const DWORD size =
@@ -134,13 +125,14 @@ bool HasLimits(INetFwRule& rule, IDispatch& dispatch) {
 }
 
 void AddRule(FirewallState& state, INetFwRule& rule, IDispatch& dispatch,
-             const std::wstring& ownPath) {
+             const std::string& ownPath) {
     if (!IsConcerned(rule) || HasLimits(rule, dispatch)) return;
     LONG profiles = 0;
     NET_FW_ACTION action = NET_FW_ACTION_BLOCK;
     if (FAILED(rule.get_Profiles(&profiles)) || FAILED(rule.get_Action(&action))) return;
     const std::wstring application = Text(rule, &INetFwRule::get_ApplicationName);
-    const bool isForThis = !application.empty() && IsSamePath(Expanded(application), ownPath);
+    const bool isForThis =
+        !application.empty() && IsSamePath(ToUtf8(Expanded(application)), ownPath);
     if (!application.empty() && !isForThis) return;
     state.rules.push_back({ToUtf8(Text(rule, &INetFwRule::get_Name)),
                            ToUtf8(Text(rule, &INetFwRule::get_RemotePorts)),
@@ -157,7 +149,7 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
         FAILED(unknown->QueryInterface(kEnumVariantId, each.ReceiveVoid()))) {
         return false;
     }
-    const std::wstring ownPath = OwnPath();
+    const std::string ownPath = OwnPath();
     VARIANT item;
     VariantInit(&item);
     while (each->Next(1, &item, nullptr) == S_OK) {

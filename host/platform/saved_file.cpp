@@ -120,13 +120,4 @@ bool ReplaceFileText(const std::string& path, const std::string& text, std::stri
     return false;
 }
 
-std::string UtcNow() {
-    SYSTEMTIME now;
-    GetSystemTime(&now);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02uZ", now.wYear, now.wMonth,
-                  now.wDay, now.wHour, now.wMinute, now.wSecond);
-    return text;
-}
-
 }  // namespace vndiscover::host

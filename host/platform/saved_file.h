@@ -24,7 +24,4 @@ bool CanReplaceFile(const std::string& path, std::string& problem);
 // `problem`, on failure.
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem);
 
-// The time as "2026-11-25T04:32:23Z".
-std::string UtcNow();
-
 }  // namespace vndiscover::host

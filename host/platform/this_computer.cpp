@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "platform/firewall_policy.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "platform/win_sock.h"
 
@@ -150,12 +151,8 @@ bool IsSwitchedOn(const char* name) {
     // At most four bytes of any type, as the module reads its switches.
     DWORD value = 0;
     DWORD size = sizeof value;
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kLogKey, 0, KEY_READ, &key) != ERROR_SUCCESS)
-        return false;
-    const LONG error =
-        RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size);
-    RegCloseKey(key);
+    const LSTATUS error = RegGetValueA(HKEY_LOCAL_MACHINE, kLogKey, name, RRF_RT_ANY | RRF_NOEXPAND,
+                                       nullptr, &value, &size);
     return error == ERROR_SUCCESS && value != 0;
 }
 
@@ -222,10 +219,6 @@ FirewallState ThisComputer::Firewall() const { return ReadFirewall(); }
 
 LogSwitches ThisComputer::Log() const { return {IsSwitchedOn("Debug"), IsSwitchedOn("Dbg2Log")}; }
 
-std::string ThisComputer::ProgramPath() const {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    return ToUtf8(path);
-}
+std::string ThisComputer::ProgramPath() const { return OwnPath(); }
 
 }  // namespace vndiscover::host

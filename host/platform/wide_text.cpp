@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <shellapi.h>
-
 namespace vndiscover::host {
 namespace {
 
@@ -31,22 +29,5 @@ std::wstring ToWide(std::string_view utf8) {
 std::string ToUtf8(std::wstring_view wide) { return Narrow(wide, CP_UTF8); }
 
 std::string ToAnsi(std::string_view utf8) { return Narrow(ToWide(utf8), CP_ACP); }
-
-std::vector<std::string> CommandLineArguments() {
-    int count = 0;
-    wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::string> arguments;
-    for (int i = 1; wide && i < count; ++i) arguments.push_back(ToUtf8(wide[i]));
-    LocalFree(wide);
-    return arguments;
-}
-
-std::wstring Environment(const wchar_t* name) {
-    const DWORD size = GetEnvironmentVariableW(name, nullptr, 0);  // with the terminating zero
-    if (size == 0) return {};
-    std::wstring value(size, L'\0');
-    value.resize(GetEnvironmentVariableW(name, value.data(), size));
-    return value;
-}
 
 }  // namespace vndiscover::host

@@ -4,18 +4,11 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vndiscover::host {
 
 std::wstring ToWide(std::string_view utf8);
 std::string ToUtf8(std::wstring_view wide);
 std::string ToAnsi(std::string_view utf8);
-
-// The command line without the program's name.
-std::vector<std::string> CommandLineArguments();
-
-// The value of an environment variable; empty if it is not set.
-std::wstring Environment(const wchar_t* name);
 
 }  // namespace vndiscover::host

@@ -108,15 +108,6 @@ constexpr ObjectName Words(const char* name, const char* below, const char* word
     return {name, below, Syntax::kEnumeration, words};
 }
 
-char Lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
-}
-
-bool IsSameName(std::string_view one, std::string_view other) {
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [](char a, char b) { return Lower(a) == Lower(b); });
-}
-
 std::vector<Oid> MakeOids() {
     std::vector<Oid> oids;
     for (size_t i = 0; i < kObjectNameCount; ++i) {
@@ -133,10 +124,11 @@ const std::vector<Oid>& Oids() {
 
 // Its index in the table, or kObjectNameCount if it is not there.
 size_t FindName(std::string_view name) {
+    const std::string lower = Lower(name);
     const auto* end = kObjectNames + kObjectNameCount;
     return static_cast<size_t>(
         std::find_if(kObjectNames, end,
-                     [&](const ObjectName& known) { return IsSameName(known.name, name); }) -
+                     [&](const ObjectName& known) { return Lower(known.name) == lower; }) -
         kObjectNames);
 }
 
@@ -156,12 +148,6 @@ std::string Word(std::string_view words, int64_t number) {
     const size_t space = words.rfind(' ', end);
     const size_t start = space == std::string_view::npos ? 0 : space + 1;
     return std::string(words.substr(start, end - start));
-}
-
-std::string Joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) text += (text.empty() ? "" : ", ") + word;
-    return text;
 }
 
 }  // namespace

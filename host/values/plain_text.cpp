@@ -9,31 +9,6 @@ namespace {
 
 constexpr uint32_t kReplacement = 0xFFFD;
 
-struct Character {
-    uint32_t code;
-    size_t bytes;  // read, at least 1
-    bool isUtf8;
-};
-
-// The next character of a non-empty text. Overlong forms, surrogates and incomplete sequences are
-// not UTF-8; their first byte is read as Latin-1.
-Character NextCharacter(std::string_view text) {
-    const auto byteAt = [&](size_t i) { return static_cast<uint8_t>(text[i]); };
-    const uint8_t first = byteAt(0);
-    const Character latin1{first, 1, false};
-    if (first < 0x80) return {first, 1, true};
-    const size_t size = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
-    if (first < 0xC2 || first > 0xF4 || text.size() < size) return latin1;
-    uint32_t code = first & (0x7Fu >> size);
-    for (size_t i = 1; i < size; ++i) {
-        if ((byteAt(i) & 0xC0) != 0x80) return latin1;
-        code = code << 6 | (byteAt(i) & 0x3Fu);
-    }
-    const bool isOverlong = (size == 3 && code < 0x800) || (size == 4 && code < 0x10000);
-    if (isOverlong || (code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) return latin1;
-    return {code, size, true};
-}
-
 bool IsBreak(uint32_t code) { return code == '\t' || code == '\n' || code == '\r'; }
 
 // C0, DEL, C1, and the marks that reverse, hide or break a line on a terminal.
@@ -43,20 +18,9 @@ bool IsControl(uint32_t code) {
            (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
 }
 
-void AppendUtf8(std::string& out, uint32_t code) {
-    if (code < 0x80) {
-        out += static_cast<char>(code);
-        return;
-    }
-    const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    constexpr uint8_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
-    out += static_cast<char>(kLead[more] | code >> (6 * more));
-    for (int i = more - 1; i >= 0; --i) out += static_cast<char>(0x80 | (code >> (6 * i) & 0x3F));
-}
-
 bool IsUtf8(std::string_view text) {
     while (!text.empty()) {
-        const Character next = NextCharacter(text);
+        const Character next = FirstCharacter(text);
         if (!next.isUtf8) return false;
         text.remove_prefix(next.bytes);
     }
@@ -74,7 +38,7 @@ std::string PlainText(std::string_view bytes, Breaks breaks) {
     std::string out;
     bool spaceDue = false;
     for (size_t i = 0; i < bytes.size();) {
-        const Character next = NextCharacter(bytes.substr(i));
+        const Character next = FirstCharacter(bytes.substr(i));
         i += next.bytes;
         const bool isCrLf = next.code == '\r' && i < bytes.size() && bytes[i] == '\n';
         if (breaks == Breaks::kKeep && isCrLf) continue;
@@ -109,7 +73,7 @@ bool IsPrintable(std::string_view bytes) {
     bool isUtf8 = true;
     size_t ascii = 0;
     for (size_t i = 0; i < bytes.size();) {
-        const Character next = NextCharacter(bytes.substr(i));
+        const Character next = FirstCharacter(bytes.substr(i));
         if (IsControl(next.code) && !IsBreak(next.code)) return false;
         isUtf8 = isUtf8 && next.isUtf8;
         ascii += next.code < 0x80 ? 1 : 0;
@@ -117,17 +81,6 @@ bool IsPrintable(std::string_view bytes) {
     }
     // All bytes of a hardware address may be Latin-1 letters; text has more ASCII than that.
     return isUtf8 || ascii * 2 > bytes.size();
-}
-
-std::string HexText(std::string_view bytes, std::string_view separator) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string out;
-    for (const char byte : bytes) {
-        if (!out.empty()) out += separator;
-        out += kDigits[static_cast<uint8_t>(byte) >> 4];
-        out += kDigits[byte & 0x0F];
-    }
-    return out;
 }
 
 std::string ShownValue(std::string_view bytes) {
@@ -144,14 +97,6 @@ std::string SpacedWords(std::string_view word) {
         const bool isAbbreviation = i + 1 < word.size() && word[i + 1] >= 'A' && word[i + 1] <= 'Z';
         out += startsWord && !isAbbreviation ? static_cast<char>(word[i] | 0x20) : word[i];
     }
-    return out;
-}
-
-std::string Padded(std::string_view text, size_t width) {
-    size_t characters = 0;
-    for (const char byte : text) characters += (byte & 0xC0) != 0x80 ? 1 : 0;
-    std::string out(text);
-    if (characters < width) out.append(width - characters, ' ');
     return out;
 }
 

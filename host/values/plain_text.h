@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "values/text.h"
+
 namespace vndiscover::host {
 
 enum class Breaks {
@@ -26,16 +28,10 @@ std::string DeviceText(std::string_view bytes, int64_t characterSet);
 // breaks and trailing zero bytes, and UTF-8 or at least mostly ASCII.
 bool IsPrintable(std::string_view bytes);
 
-// Two upper-case digits per byte, with `separator` between bytes.
-std::string HexText(std::string_view bytes, std::string_view separator);
-
 // One line for a person: PlainText if the value is printable, otherwise "0x...".
 std::string ShownValue(std::string_view bytes);
 
 // "tenthsOfGrams" as "tenths of grams", "doorOpen" as "door open".
 std::string SpacedWords(std::string_view word);
-
-// `text` padded with spaces to `width` characters (not bytes); never cut.
-std::string Padded(std::string_view text, size_t width);
 
 }  // namespace vndiscover::host

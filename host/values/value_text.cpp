@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "values/ip_address.h"
 #include "values/oid_text.h"
 #include "values/plain_text.h"
 
@@ -38,15 +39,6 @@ uint64_t BigEndian(std::string_view bytes) {
     return number;
 }
 
-std::string AddressText(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        if (!text.empty()) text += '.';
-        text += std::to_string(static_cast<uint8_t>(byte));
-    }
-    return text;
-}
-
 // The shortest two's complement form: bytes are added until they hold the number with its sign.
 std::string IntegerBytes(int64_t number) {
     std::string bytes(1, static_cast<char>(number & 0xFF));
@@ -69,43 +61,6 @@ std::optional<int64_t> ParseNumber(std::string_view text, int64_t lowest, int64_
     return number;
 }
 
-int HexDigit(char digit) {
-    if (digit >= '0' && digit <= '9') return digit - '0';
-    const char lower = static_cast<char>(digit | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-// Pairs of digits, with or without a leading "0x", and spaces, colons or dashes between pairs.
-std::optional<std::string> ParseHex(std::string_view text) {
-    if (text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X") text.remove_prefix(2);
-    std::string bytes;
-    for (size_t i = 0; i < text.size();) {
-        if (text[i] == ' ' || text[i] == ':' || text[i] == '-') {
-            ++i;
-            continue;
-        }
-        const int high = HexDigit(text[i]);
-        const int low = i + 1 < text.size() ? HexDigit(text[i + 1]) : -1;
-        if (high < 0 || low < 0) return std::nullopt;
-        bytes += static_cast<char>(high << 4 | low);
-        i += 2;
-    }
-    return bytes;
-}
-
-std::optional<std::string> ParseAddress(std::string_view text) {
-    std::string bytes;
-    for (int part = 0; part < 4; ++part) {
-        const size_t end = part < 3 ? text.find('.') : text.size();
-        if (end == std::string_view::npos) return std::nullopt;
-        const auto number = ParseNumber(text.substr(0, end), 0, 255);
-        if (!number || text.front() == '-') return std::nullopt;
-        bytes += static_cast<char>(*number);
-        text.remove_prefix(part < 3 ? end + 1 : end);
-    }
-    return bytes;
-}
-
 std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_view text,
                                         std::string& problem) {
     std::optional<std::string> bytes;
@@ -121,13 +76,15 @@ std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_v
         if (const auto oid = ParseOid(text); oid && oid->size() >= 2) bytes = EncodeOid(*oid);
     } else if (type == kIpAddress) {
         problem = "an IP address has four parts, for example 192.168.1.20";
-        bytes = ParseAddress(text);
+        if (const auto address = ParseIpAddress(text); address && address->IsIPv4())
+            bytes = address->bytes;
     } else if (type == kNull) {
         problem = "null takes no value";
         if (text.empty()) bytes.emplace();
     } else if (isHex) {
         problem = "hex takes pairs of digits, for example \"00 1B 44\" or 001B44";
-        bytes = ParseHex(text);
+        const bool isPrefixed = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
+        bytes = ParseHex(text.substr(isPrefixed ? 2 : 0), " :-");
     } else {
         bytes.emplace(text);
     }
@@ -200,7 +157,7 @@ std::string FormatValue(uint32_t type, std::string_view bytes) {
                                   : *number;
     }
     if (type == kOctetString && IsPrintable(bytes)) return ShownValue(bytes);
-    if (type == kIpAddress && bytes.size() == 4) return AddressText(bytes);
+    if (type == kIpAddress && bytes.size() == 4) return IPv4Text(bytes);
     if (type == kObjectIdentifier) {
         if (const auto oid = DecodeOid(bytes)) return OidToText(*oid);
     }

@@ -130,12 +130,6 @@ ProbeMatch ReadMatch(pugi::xml_node node) {
     return match;
 }
 
-std::string Joined(const std::vector<std::string>& words) {
-    std::string text;
-    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
-    return text;
-}
-
 }  // namespace
 
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem) {
@@ -146,7 +140,7 @@ std::optional<std::string> CheckTypes(std::string_view text, std::string& proble
         problem = "'" + word + "' is not a type; prefixes: wsdp, wprt, wscn, pub";
         return std::nullopt;
     }
-    return Joined(words);
+    return Joined(words, " ");
 }
 
 std::string BuildProbe(const std::string& types, const std::string& messageId) {
@@ -216,7 +210,7 @@ std::string MatchList::Table() const {
             if (!value.empty()) text += Padded(first, kAddressWidth) + value + "\n";
         };
         const ProbeMatch& match = entry.match;
-        const std::string types = match.types.empty() ? "(no types)" : Joined(match.types);
+        const std::string types = match.types.empty() ? "(no types)" : Joined(match.types, " ");
         const bool isUnread = match.endpoint.empty() && match.types.empty() && match.xAddrs.empty();
         line(PlainText(entry.address),
              isUnread ? "(a reply that is not ProbeMatches: see --raw)" : types);

@@ -38,8 +38,8 @@ FOLDERS = {
 }
 FOLDERS["src"]["snmpv3/crypto/windows"] = FOLDERS["src"]["snmpv3/crypto"] | {"snmpv3/crypto"}
 PORTABLE_FOLDERS = {"src": ("snmp/codec", "snmpv3/crypto", "snmpv3/codec"), "host": [part for part in PARTS if part not in ("device", "platform")]}
-# Headers in brackets there: of C++, or of a library that every system has. Others are the system's.
-PORTABLE = re.compile(r"[a-z_0-9]+|cjson/cJSON\.h|openssl/aes\.h|pugixml\.hpp")
+# Headers in brackets there: of C++, of a library that every system has, or for inet_pton. Others are the system's.
+PORTABLE = re.compile(r"[a-z_0-9]+|cjson/cJSON\.h|openssl/aes\.h|pugixml\.hpp|winsock2\.h|ws2tcpip\.h|arpa/inet\.h")
 
 problems, used = [], set()
 for top, allowed in FOLDERS.items():

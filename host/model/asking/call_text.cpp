@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
+#include <cstdio>
 #include <string_view>
 #include <utility>
+
+#include "values/text.h"
 
 namespace vndiscover::host {
 
@@ -140,34 +143,18 @@ bool IsStop(const Call& call) { return call.name.rfind("Stop", 0) == 0; }
 bool IsPing(const Call& call) { return call.name == "VxPing"; }
 bool IsText(const std::string& type) { return type == "const wchar_t*" || type == "const char*"; }
 
-// The next character of UTF-8 text that is not ASCII; an invalid byte is taken as a character.
-uint32_t TakeCharacter(std::string_view text, size_t& at) {
-    const auto byte = [&](size_t index) { return static_cast<unsigned char>(text[index]); };
-    const unsigned char first = byte(at);
-    const size_t more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : first >= 0xC0 ? 1 : 0;
-    uint32_t character = more == 0 ? first : first & (0x3Fu >> more);
-    size_t end = at + 1;
-    while (end <= at + more && end < text.size() && (byte(end) & 0xC0) == 0x80)
-        character = character << 6 | (byte(end++) & 0x3F);
-    if (end != at + 1 + more) {
-        character = first;
-        end = at + 1;
-    }
-    at = end;
-    const bool isNone = character > 0x10FFFF || (character >= 0xD800 && character < 0xE000);
-    return isNone ? 0xFFFD : character;
-}
-
-std::string Hex(uint32_t number, int digits) {
-    std::string text;
-    while (digits-- > 0) text += "0123456789ABCDEF"[number >> 4 * digits & 15];
-    return text;
-}
-
 // As \ooo, since \x would include hex digits that follow.
 std::string Octal(unsigned char byte) {
     std::string text = "\\";
     for (const int shift : {6, 3, 0}) text += static_cast<char>('0' + (byte >> shift & 7));
+    return text;
+}
+
+// \uXXXX or \UXXXXXXXX
+std::string CodePoint(uint32_t code) {
+    char text[16];
+    std::snprintf(text, sizeof text, code > 0xFFFF ? "\\U%08X" : "\\u%04X",
+                  static_cast<unsigned>(code));
     return text;
 }
 
@@ -185,14 +172,11 @@ std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
             literal += Octal(byte);
             ++at;
         } else {
-            const uint32_t character = TakeCharacter(text, at);
+            const auto [character, size, isUtf8] = FirstCharacter(text.substr(at));
+            at += size;
             // The C1 controls have no names of this kind in C++.
-            if (!isSharp && character < 0xA0) {
-                literal += Octal(static_cast<unsigned char>(character));
-            } else {
-                literal +=
-                    character > 0xFFFF ? "\\U" + Hex(character, 8) : "\\u" + Hex(character, 4);
-            }
+            const bool isC1 = !isSharp && character < 0xA0;
+            literal += isC1 ? Octal(static_cast<unsigned char>(character)) : CodePoint(character);
         }
     }
     return literal + "\"";

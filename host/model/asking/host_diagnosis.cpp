@@ -2,6 +2,8 @@
 
 #include <vector>
 
+#include "values/text.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -35,12 +37,8 @@ struct Name {
 };
 
 std::string Listed(const std::vector<std::string>& names, const char* last) {
-    std::string text;
-    for (size_t i = 0; i < names.size(); ++i) {
-        if (i != 0) text += i + 1 == names.size() ? last : ", ";
-        text += names[i];
-    }
-    return text;
+    return names.size() < 2 ? Joined(names)
+                            : Joined({names.begin(), names.end() - 1}) + last + names.back();
 }
 
 // "ping and SNMPv3 answer, SNMPv1 does not"

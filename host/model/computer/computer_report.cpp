@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "values/ip_address.h"
 #include "values/plain_text.h"
 #include "values/value_text.h"
 
@@ -13,13 +14,6 @@ constexpr unsigned kSilenceSeconds = 2;  // without an answer, after which a swe
 constexpr size_t kMaxIPv6Addresses = 32;
 constexpr char kBroadcast[] = "255.255.255.255";
 constexpr char kMulticast[] = "239.255.255.250";  // of WS-Discovery
-
-std::string Lower(std::string_view text) {
-    std::string lower;
-    for (const char letter : text)
-        lower += letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
-    return lower;
-}
 
 struct KindWord {
     const char* word;
@@ -140,13 +134,6 @@ void AddIf(std::vector<std::string>& sentences, const std::string& sentence) {
     if (!sentence.empty()) sentences.push_back(sentence);
 }
 
-// The four bytes of a dotted address; empty if it is not one.
-std::string IPv4Bytes(const std::string& text) {
-    std::string problem;
-    const auto value = ParseSetValue("ipaddress", text, problem);
-    return value && value->bytes.size() == 4 ? value->bytes : "";
-}
-
 }  // namespace
 
 ComputerReport ReportOn(const Computer& computer) {
@@ -173,20 +160,11 @@ ComputerReport ReportOn(const Computer& computer) {
 }
 
 std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host) {
-    const std::string target = IPv4Bytes(host);
-    if (target.empty()) return std::nullopt;
+    const auto target = ParseIpAddress(host);
+    if (!target || !target->IsIPv4()) return std::nullopt;
     return std::any_of(ipv4.addresses.begin(), ipv4.addresses.end(),
                        [&](const AdapterAddress& row) {
-                           const std::string address = IPv4Bytes(row.address);
-                           const std::string mask = IPv4Bytes(row.mask);
-                           // The mask 0.0.0.0 of an adapter without an address would match any
-                           // host.
-                           if (address.empty() || mask.empty() || row.address == "0.0.0.0")
-                               return false;
-                           for (size_t i = 0; i < mask.size(); ++i) {
-                               if ((target[i] & mask[i]) != (address[i] & mask[i])) return false;
-                           }
-                           return true;
+                           return !CommonNetwork(*target, row.address, row.mask).empty();
                        });
 }
 

@@ -5,17 +5,18 @@
 #include <optional>
 #include <utility>
 
+#include "values/text.h"
+
 namespace vndiscover::host {
 namespace {
 
 // The addresses of one family.
 std::string Addresses(const FoundDevice& device, bool isIPv6) {
-    std::string text;
+    std::vector<std::string> addresses;
     for (const std::string& address : device.identity.Of(MergeKey::kAddress)) {
-        if ((address.find(':') != std::string::npos) == isIPv6)
-            text += (text.empty() ? "" : ", ") + address;
+        if ((address.find(':') != std::string::npos) == isIPv6) addresses.push_back(address);
     }
-    return text;
+    return Joined(addresses);
 }
 
 std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDevice& after) {

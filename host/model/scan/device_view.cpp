@@ -3,78 +3,11 @@
 #include <algorithm>
 
 #include "model/printer/level.h"
+#include "values/ip_address.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
 namespace {
-
-std::string Lower(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    }
-    return text;
-}
-
-std::optional<uint32_t> ParseIPv4(const std::string& text) {
-    uint32_t address = 0;
-    size_t at = 0;
-    for (int part = 0; part < 4; ++part) {
-        const size_t start = at;
-        uint32_t number = 0;
-        while (at < text.size() && text[at] >= '0' && text[at] <= '9' && at - start < 3)
-            number = number * 10 + static_cast<uint32_t>(text[at++] - '0');
-        if (at == start || number > 255) return std::nullopt;
-        if (part < 3 && (at == text.size() || text[at++] != '.')) return std::nullopt;
-        address = address << 8 | number;
-    }
-    if (at != text.size()) return std::nullopt;
-    return address;
-}
-
-std::string IPv4Text(uint32_t address) {
-    std::string text;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        text += (text.empty() ? "" : ".") + std::to_string(address >> shift & 0xFF);
-    return text;
-}
-
-// Groups of up to four hexadecimal digits, two bytes each.
-std::optional<std::string> ParseGroups(const std::string& text) {
-    std::string bytes;
-    size_t at = 0;
-    while (at < text.size()) {
-        const size_t end = std::min(text.find(':', at), text.size());
-        if (end == at || end - at > 4 || end + 1 == text.size()) return std::nullopt;
-        uint32_t group = 0;
-        for (; at < end; ++at) {
-            const size_t digit = std::string_view("0123456789abcdef").find(text[at]);
-            if (digit == std::string_view::npos) return std::nullopt;
-            group = group << 4 | static_cast<uint32_t>(digit);
-        }
-        bytes += static_cast<char>(group >> 8);
-        bytes += static_cast<char>(group & 0xFF);
-        ++at;
-    }
-    return bytes;
-}
-
-std::optional<std::string> ParseIPv6(const std::string& address) {
-    constexpr size_t kSize = 16;
-    const std::string text = Lower(address.substr(0, address.find('%')));
-    const size_t gap = text.find("::");
-    const auto head = ParseGroups(text.substr(0, gap));
-    if (!head) return std::nullopt;
-    if (gap == std::string::npos) return head->size() == kSize ? head : std::nullopt;
-    const auto tail = ParseGroups(text.substr(gap + 2));
-    if (!tail || head->size() + tail->size() >= kSize) return std::nullopt;
-    return *head + std::string(kSize - head->size() - tail->size(), '\0') + *tail;
-}
-
-std::string Joined(const std::vector<std::string>& texts) {
-    std::string line;
-    for (const std::string& text : texts) line += (line.empty() ? "" : ", ") + text;
-    return line;
-}
 
 // In the order of their numbers.
 std::vector<std::string> AddressesOf(const FoundDevice& device) {
@@ -94,15 +27,12 @@ std::string PlainValues(const FoundDevice& device, MergeKey key) {
 }
 
 std::string NetworkOf(const std::string& address, const AdapterList& ipv4) {
-    const auto number = ParseIPv4(address);
-    if (!number) return ParseIPv6(address) ? "fe80::/64" : "";
+    const auto known = ParseIpAddress(address);
+    if (known && !known->IsIPv4()) return "fe80::/64";
     for (const AdapterAddress& adapter : ipv4.addresses) {
-        const auto own = ParseIPv4(adapter.address);
-        const auto mask = ParseIPv4(adapter.mask);
-        if (!own || !mask || *mask == 0 || ((*own ^ *number) & *mask) != 0) continue;
-        int bits = 0;
-        for (uint32_t rest = *mask; rest & 0x80000000; rest <<= 1) ++bits;
-        return IPv4Text(*own & *mask) + "/" + std::to_string(bits);
+        std::string network =
+            known ? CommonNetwork(*known, adapter.address, adapter.mask) : std::string();
+        if (!network.empty()) return network;
     }
     return "";
 }
@@ -161,16 +91,6 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
 
 }  // namespace
 
-std::string AddressOrder(const std::string& address) {
-    if (const auto number = ParseIPv4(address)) {
-        std::string order = "4";
-        for (int shift = 24; shift >= 0; shift -= 8) order += static_cast<char>(*number >> shift);
-        return order;
-    }
-    const auto bytes = ParseIPv6(address);
-    return bytes ? "6" + *bytes : kNameOrder + address;
-}
-
 std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundDevice>& devices,
                                       const AdapterList& ipv4) {
     std::unordered_map<size_t, DeviceRow> known = std::move(rows_);
@@ -220,7 +140,7 @@ bool DeviceView::Passes(const DeviceRow& row) const {
     for (size_t index = 0; index < kColumnCount; ++index) {
         if (!(hidden_ >> index & 1)) all += row.texts[index] + "\n";
     }
-    all = Lower(std::move(all));
+    all = Lower(all);
     return std::all_of(words_.begin(), words_.end(), [&](const std::string& word) {
         return all.find(word) != std::string::npos;
     });

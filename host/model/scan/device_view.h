@@ -41,9 +41,6 @@ struct DeviceRow {
     std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
 };
 
-// Bytes that sort addresses by their numbers, and IPv4 before IPv6 before names.
-std::string AddressOrder(const std::string& address);
-constexpr char kNameOrder = '7';  // the first byte of a name's order
 
 // Makes the rows after each batch of answers, and reuses those of devices without a new answer.
 class RowMaker {

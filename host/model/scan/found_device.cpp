@@ -131,15 +131,11 @@ FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
 }
 
 std::string DeviceLine(const FoundDevice& device) {
-    std::string line;
-    const auto add = [&](const std::string& text) {
-        if (!text.empty()) line += (line.empty() ? "" : ", ") + text;
-    };
-    add(device.facts->model);
+    std::vector<std::string> parts = {device.facts->model};
     for (const MergeKey key : {MergeKey::kSerial, MergeKey::kAddress}) {
-        for (const std::string& value : device.identity.Of(key)) add(PlainText(value));
+        for (const std::string& value : device.identity.Of(key)) parts.push_back(PlainText(value));
     }
-    return line;
+    return Joined(parts);
 }
 
 JsonItem DeviceJson(const FoundDevice& device) {

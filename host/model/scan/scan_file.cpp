@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "model/scan/device_merge.h"
-#include "model/scan/device_view.h"
+#include "values/ip_address.h"
 #include "values/json_output.h"
 #include "values/module_types.h"
 #include "values/plain_text.h"
@@ -104,17 +104,6 @@ struct Refusal {
     std::string problem;
 };
 
-// The bytes of pairs of upper-case hexadecimal digits; empty if the text is malformed.
-std::optional<std::string> BytesOfHex(std::string_view text) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    if (text.size() % 2 != 0 || text.find_first_not_of(kDigits) != std::string_view::npos)
-        return std::nullopt;
-    std::string bytes;
-    for (size_t i = 0; i < text.size(); i += 2)
-        bytes += static_cast<char>(kDigits.find(text[i]) << 4 | kDigits.find(text[i + 1]));
-    return bytes;
-}
-
 bool IsTime(std::string_view text) {
     return std::equal(text.begin(), text.end(), std::begin(kTimePattern),
                       std::end(kTimePattern) - 1, [](char letter, char pattern) {
@@ -127,7 +116,7 @@ bool IsTime(std::string_view text) {
 // would resolve.
 bool IsAddress(const std::string& text) {
     return text.empty() || (text.size() < kAddressSize && text.find('%') == std::string::npos &&
-                            AddressOrder(text)[0] != kNameOrder);
+                            ParseIpAddress(text));
 }
 
 // Throws a Refusal.
@@ -212,7 +201,7 @@ class Reader {
 
     static std::string Bytes(const cJSON* object) {
         const bool isText = Find(object, "text") != nullptr;
-        auto bytes = isText ? std::string(Text(object, "text")) : BytesOfHex(Text(object, "hex"));
+        auto bytes = isText ? std::string(Text(object, "text")) : ParseHex(Text(object, "hex"));
         if (!bytes) throw Refusal{Member(object, "hex"), "\"hex\" is not hexadecimal"};
         if (bytes->size() > kValueSize) throw Refusal{object, "the answer is too long"};
         return std::move(*bytes);

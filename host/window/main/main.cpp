@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "platform/saved_file.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/main/main_window.h"

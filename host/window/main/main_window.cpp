@@ -9,6 +9,7 @@
 #include "model/scan/scan_report.h"
 #include "platform/messages.h"
 #include "platform/wide_text.h"
+#include "values/ip_address.h"
 #include "values/object_names.h"
 #include "window/controls/clipboard.h"
 #include "window/controls/dpi.h"
@@ -757,7 +758,8 @@ void MainWindow::OpenWebPage() {
     // The first of its IPv4 addresses; what is not a numeric one is never opened.
     for (const size_t index : row->answers) {
         const std::string& address = session_.GetScan().answers[index].address;
-        if (AddressOrder(address)[0] != '4') continue;
+        const auto known = ParseIpAddress(address);
+        if (!known || !known->IsIPv4()) continue;
         ShellExecuteW(window_, L"open", ToWide("http://" + address + "/").c_str(), nullptr, nullptr,
                       SW_SHOWNORMAL);
         return;

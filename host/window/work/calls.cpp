@@ -2,15 +2,13 @@
 
 #include <vndiscover.h>
 
+#include "device/sweeps.h"
 #include "model/asking/json_request.h"
 #include "platform/wide_text.h"
 #include "values/oid_text.h"
 
 namespace vndiscover::host {
 namespace {
-
-constexpr char kUnusedTimeoutMs[] = "2000";
-constexpr char kUnusedRetries[] = "5";
 
 // The module's default community is public, any other one is a secret.
 void AddCommunity(Call& call, const std::string& community) {
@@ -79,8 +77,8 @@ Call CallOf(const AskTarget& target, const Oid& oid) {
     call.name = isV3 ? "GetNextSnmpRequestV3" : "GetNextSnmpRequestRaw";
     call.arguments = {{"host", target.address},
                       {"oid", OidToText(oid)},
-                      {"timeout", kUnusedTimeoutMs},
-                      {"retries", kUnusedRetries}};
+                      {"timeout", std::to_string(kUnusedTimeoutMs)},
+                      {"retries", std::to_string(kUnusedRetries)}};
     if (isV3) {
         AddUser(call, *target.credentials.security);
     } else {

@@ -8,10 +8,6 @@
 
 namespace vndiscover::host {
 
-constexpr unsigned kUnusedSweepTimeoutMs = 5000;
-constexpr unsigned kWsdSilenceMs = 3000;
-constexpr unsigned kPingTimeoutMs = 2000;
-
 // `probe` is for WS-Discovery only.
 Call CallOf(const SweepStep& step, const std::string& probe);
 // A get-next request.

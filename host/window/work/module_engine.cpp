@@ -4,10 +4,11 @@
 
 #include <cstring>
 
+#include "device/sweeps.h"
 #include "model/asking/json_request.h"
 #include "platform/result_window.h"
-#include "platform/saved_file.h"
 #include "platform/this_computer.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"
@@ -17,31 +18,18 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr UINT kUnusedTimeoutMs = kUnusedSweepTimeoutMs;
 constexpr UINT kMessage = ResultWindow::kMessage;
 
-void SweepV1(HWND window, const SweepStep& step) {
-    DiscoverDevicesByOID(window, kMessage, kUnusedTimeoutMs, step.useIPv6 ? 1 : 0,
-                         ToWide(OidToText(step.oid)).c_str(), nullptr,
-                         ToWide(step.credentials.community).c_str(), nullptr);
-}
-
-// SNMPv3 sweeps accept an OID only in a JSON request.
-void SweepV3(HWND window, const SweepStep& step) {
-    const Security& user = *step.credentials.security;
-    const BYTE useIPv6 = step.useIPv6 ? 1 : 0;
-    const BYTE useAuth = user.useAuth ? 1 : 0;
-    const BYTE usePriv = user.usePriv ? 1 : 0;
-    if (FormOf(step.kind, step.oid) == AnswerForm::kValue) {
-        DiscoverSnmpV3(window, kMessage, kUnusedTimeoutMs, useIPv6, user.user.c_str(), useAuth,
-                       user.authPassword.Get(), usePriv, user.privPassword.Get(),
-                       user.authLabel.c_str(), user.privLabel.c_str());
-        return;
-    }
-    DiscoverV3DevicesByOIDjson(window, kMessage, kUnusedTimeoutMs, useIPv6,
-                               ToWide(RequestFor(OidToText(step.oid))).c_str(), user.user.c_str(),
-                               useAuth, user.authPassword.Get(), usePriv, user.privPassword.Get(),
-                               user.authLabel.c_str(), user.privLabel.c_str());
+void SweepSnmp(HWND window, const SweepStep& step) {
+    SnmpSweep sweep;
+    sweep.useIPv6 = step.useIPv6;
+    sweep.oid = ToWide(OidToText(step.oid));
+    sweep.community = ToWide(step.credentials.community);
+    if (step.kind == SweepKind::kSnmpV3) sweep.security = step.credentials.security.get();
+    // SNMPv3 sweeps accept an OID only in a JSON request.
+    if (FormOf(step.kind, step.oid) == AnswerForm::kDocument)
+        sweep.request = ToWide(RequestFor(OidToText(step.oid)));
+    RunSweep(window, kMessage, sweep);
 }
 
 void SweepWsd(HWND window, const std::string& probe) {
@@ -97,10 +85,8 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     const Stopwatch watch;
     if (isWsd) {
         SweepWsd(window.Handle(), probe);
-    } else if (step.kind == SweepKind::kSnmpV1) {
-        SweepV1(window.Handle(), step);
     } else {
-        SweepV3(window.Handle(), step);
+        SweepSnmp(window.Handle(), step);
     }
     Call call = watch.Timed(CallOf(step, probe));
     call.result = "0";  // always

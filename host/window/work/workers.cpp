@@ -5,7 +5,7 @@
 #include <exception>
 #include <new>
 
-#include "platform/saved_file.h"
+#include "platform/this_process.h"
 
 namespace vndiscover::host {
 

@@ -10,6 +10,7 @@
 #include "device/security_labels.h"
 #include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
+#include "platform/this_process.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {

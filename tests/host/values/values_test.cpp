@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "values/ip_address.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"
 #include "values/plain_text.h"
@@ -238,6 +239,23 @@ TEST(SetValues, MalformedOnesAreRefusedWithAReason) {
             EXPECT_NE("", problem);
         }
     }
+}
+
+TEST(IpAddress, OtherTextIsNone) {
+    for (const char* text :
+         {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "1.2.3.4x", "1.2.3.4%2", ":", "1:::2",
+          "fe80:", "1:2:3:4:5:6:7:8:9", "1::2:3:4:5:6:7:8", "12345::", "g::1", "beef.de"})
+        EXPECT_FALSE(ParseIpAddress(text)) << text;
+    EXPECT_FALSE(ParseIpAddress(std::string_view("1.2.3.4\0x", 9)));
+    EXPECT_EQ(ParseIpAddress("0:0:0:0:0:0:0:1")->bytes, ParseIpAddress("::1%3")->bytes);
+}
+
+TEST(IpAddress, NetworkIsTheAdapters) {
+    const IpAddress device = *ParseIpAddress("10.77.5.20");
+    EXPECT_EQ("10.77.4.0/22", CommonNetwork(device, "10.77.7.1", "255.255.252.0"));
+    for (const char* adapter : {"10.77.8.1", "0.0.0.0", "fe80::1", ""})
+        EXPECT_EQ("", CommonNetwork(device, adapter, "255.255.252.0")) << adapter;
+    EXPECT_EQ("", CommonNetwork(device, "0.0.0.0", "0.0.0.0"));
 }
 
 }  // namespace

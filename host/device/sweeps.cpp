@@ -1,0 +1,36 @@
+#include "device/sweeps.h"
+
+#include <vndiscover.h>
+
+namespace vndiscover::host {
+namespace {
+
+void RunV3(HWND window, UINT message, const SnmpSweep& sweep) {
+    const Security& user = *sweep.security;
+    const auto run = [&](auto discover, auto... request) {
+        discover(window, message, kUnusedSweepTimeoutMs, sweep.useIPv6, request...,
+                 user.user.c_str(), user.useAuth, user.authPassword.Get(), user.usePriv,
+                 user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
+    };
+    if (sweep.request.empty()) {
+        run(DiscoverSnmpV3);
+    } else {
+        run(DiscoverV3DevicesByOIDjson, sweep.request.c_str());
+    }
+}
+
+}  // namespace
+
+void RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
+    if (sweep.security) {
+        RunV3(window, message, sweep);
+        return;
+    }
+    const bool hasRequest = !sweep.request.empty();
+    const auto discover = hasRequest ? DiscoverDevicesByOIDjson : DiscoverDevicesByOID;
+    discover(window, message, kUnusedSweepTimeoutMs, sweep.useIPv6,
+             (hasRequest ? sweep.request : sweep.oid).c_str(), sweep.resultPath.c_str(),
+             sweep.community.c_str(), nullptr);
+}
+
+}  // namespace vndiscover::host

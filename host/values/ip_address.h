@@ -1,0 +1,29 @@
+// IP addresses as text and as bytes.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vndiscover::host {
+
+struct IpAddress {
+    std::string bytes;  // 4 of IPv4 or 16 of IPv6, in network order
+    bool IsIPv4() const { return bytes.size() == 4; }
+};
+
+// The zone of an IPv6 address is dropped. Empty for other text, such as a name.
+std::optional<IpAddress> ParseIpAddress(std::string_view text);
+
+// Of the four bytes of an IPv4 address.
+std::string IPv4Text(std::string_view bytes);
+
+// The IPv4 network of an adapter, "10.77.1.0/24", if `address` is in it. Otherwise empty, and also
+// for the mask 0.0.0.0 of an adapter without an address.
+std::string CommonNetwork(const IpAddress& address, std::string_view adapterAddress,
+                          std::string_view adapterMask);
+
+// Bytes that sort addresses by their numbers, and IPv4 before IPv6 before names.
+std::string AddressOrder(std::string_view address);
+
+}  // namespace vndiscover::host

@@ -1,0 +1,39 @@
+// Small operations on text.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vndiscover::host {
+
+// In lower case, ASCII letters only.
+std::string Lower(std::string_view text);
+
+// The texts that are not empty, with `separator` between them.
+std::string Joined(const std::vector<std::string>& texts, std::string_view separator = ", ");
+
+// Two upper-case digits per byte, with `separator` between bytes.
+std::string HexText(std::string_view bytes, std::string_view separator);
+
+// Pairs of digits to bytes; any of `separators` may stand between pairs. Empty for other text.
+std::optional<std::string> ParseHex(std::string_view text, std::string_view separators = "");
+
+// `text` padded with spaces to `width` characters (not bytes); never cut.
+std::string Padded(std::string_view text, size_t width);
+
+struct Character {
+    uint32_t code;
+    size_t bytes;  // read, at least 1
+    bool isUtf8;
+};
+// The first character of a text that is not empty. Overlong forms, surrogates and incomplete
+// sequences are not UTF-8; their first byte is read as Latin-1.
+Character FirstCharacter(std::string_view text);
+
+void AppendUtf8(std::string& out, uint32_t code);
+
+}  // namespace vndiscover::host
