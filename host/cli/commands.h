@@ -41,8 +41,9 @@ struct V3Options {
 };
 void AddV3Options(CLI::App& command, V3Options& options);
 
-// Checks the options, and takes missing passwords from the environment or prompts for them.
-Security ResolveSecurity(const V3Options& options);
+// Checks the options, and takes missing passwords from the environment or prompts for them. Null
+// without --v3.
+std::shared_ptr<const Security> ResolveSecurity(const V3Options& options);
 
 // Adds --format with the command's own enumerators; the first name is the default.
 template <class Value>

@@ -42,7 +42,7 @@ void WarnIfUnknown(const std::string& host) {
 Device OpenDevice(const DeviceOptions& options) {
     Device device(ToAnsi(options.host), CheckedCommunity(options.community, "--community"),
                   CheckedCommunity(options.writeCommunity, "--write-community"));
-    if (options.v3.isOn) device.Use(ResolveSecurity(options.v3));
+    device.Use(ResolveSecurity(options.v3));
     WarnIfUnknown(options.host);
     return device;
 }

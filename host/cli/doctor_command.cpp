@@ -44,7 +44,7 @@ int RunOnHost(const DeviceOptions& options) {
     community.v3.isOn = false;
     const Device v1 = OpenDevice(community);
     Device v3(ToAnsi(options.host), "", "");
-    v3.Use(options.v3.isOn ? ResolveSecurity(options.v3) : Security());
+    v3.Use(options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>());
     DiagnosisSteps steps;
     // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
     const std::string address = NumericHost(options.host);

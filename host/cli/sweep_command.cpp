@@ -160,10 +160,10 @@ void BeginScan(ScanKeeper& keeper, const SweepOptions& options, const Sweep& swe
 }
 
 void AskAndSave(ScanKeeper& keeper, const SweepOptions& options, bool isStopped,
-                Security security) {
+                std::shared_ptr<const Security> security) {
     if (!keeper.IsOn()) return;
     Device device("", ToAnsi(options.community), "");
-    if (options.v3.isOn) device.Use(std::move(security));
+    device.Use(std::move(security));
     if (!isStopped) keeper.AskDevices(device, options.useIPv6);
     keeper.Save();
 }
@@ -176,8 +176,8 @@ std::string StatusLine(ULONGLONG startMs, size_t devices) {
 int RunSweep(const SweepOptions& options) {
     Sweep sweep = Prepare(options);
     ScanKeeper keeper(options.save);
-    Security security = options.v3.isOn ? ResolveSecurity(options.v3) : Security();
-    if (options.v3.isOn) sweep.arguments.security = &security;
+    const auto security = ResolveSecurity(options.v3);
+    sweep.arguments.security = security.get();
     BeginScan(keeper, options, sweep);
     bool isStopped = false;
     DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
@@ -198,7 +198,7 @@ int RunSweep(const SweepOptions& options) {
         if (isStopped) Warn("stopped");
     }
     Print(writer.End());
-    AskAndSave(keeper, options, isStopped, std::move(security));
+    AskAndSave(keeper, options, isStopped, security);
     if (!csv.Problem().empty())
         throw std::runtime_error("'" + options.csvPath + "' is incomplete" + csv.Problem());
     if (devices == 0) Warn(std::string("no device answered") + kDoctorHint);

@@ -51,7 +51,8 @@ void AddV3Options(CLI::App& command, V3Options& options) {
         "PASS");
 }
 
-Security ResolveSecurity(const V3Options& options) {
+std::shared_ptr<const Security> ResolveSecurity(const V3Options& options) {
+    if (!options.isOn) return nullptr;
     Security security;
     if (options.user.empty()) throw CLI::ValidationError("-u", "--v3 needs a user name");
     if (options.user.size() > VN_USER_NAME_MAX)
@@ -78,7 +79,7 @@ Security ResolveSecurity(const V3Options& options) {
         security.privPassword = FetchPassword(options.privPassword, "-X", L"VNDISCOVER_PRIV_PASS",
                                               "Privacy password: ");
     }
-    return security;
+    return std::make_shared<const Security>(std::move(security));
 }
 
 }  // namespace vndiscover::host

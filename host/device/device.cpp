@@ -38,6 +38,14 @@ Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
     return AnsweredWith(*oid, record.valueType, Bytes(record.value, record.valueLength));
 }
 
+template <class Export, class... Result>
+int32_t AskV3(const Security& user, Export ask, const std::string& host, const Oid& oid,
+              Result... result) {
+    return ask(host.c_str(), OidToText(oid).c_str(), result..., kUnusedTimeoutMs, kUnusedRetries,
+               user.user.c_str(), user.useAuth, user.authPassword.Get(), user.usePriv,
+               user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
+}
+
 }  // namespace
 
 Answer Device::Get(const Oid& oid) const {
@@ -58,11 +66,8 @@ Answer Device::Get(const Oid& oid) const {
 Answer Device::GetV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
-    const int32_t reportLength = GetSnmpRequestV3(
-        host_.c_str(), OidToText(oid).c_str(), text, sizeof text, &type, kUnusedTimeoutMs,
-        kUnusedRetries, security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
-        security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
-        security_->privLabel.c_str());
+    const int32_t reportLength =
+        AskV3(*security_, GetSnmpRequestV3, host_, oid, text, sizeof text, &type);
     if (IsNoValue(type)) return AnsweredWith(oid, type, "");
     if (type == kInteger && reportLength > 0) {
         std::string problem;
@@ -92,11 +97,7 @@ Answer Device::GetNext(const Oid& oid) const {
 
 Answer Device::GetNextV3(const Oid& oid) const {
     VnResponseRecord record = {};
-    const int32_t reportLength = GetNextSnmpRequestV3(
-        host_.c_str(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs, kUnusedRetries,
-        security_->user.c_str(), security_->useAuth, security_->authPassword.Get(),
-        security_->usePriv, security_->privPassword.Get(), security_->authLabel.c_str(),
-        security_->privLabel.c_str());
+    const int32_t reportLength = AskV3(*security_, GetNextSnmpRequestV3, host_, oid, &record);
     if (reportLength < 0) return Failed(Status::kSendFailed, oid);
     if (reportLength == 0) return Failed(Status::kNoAnswer, oid);
     if (record.oidLength == 0) return Failed(Status::kOnlyDiscovered, oid);

@@ -1,6 +1,7 @@
 // One device, accessed through the exports for directed requests.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -22,10 +23,10 @@ class Device {
           readCommunity_(std::move(readCommunity)),
           writeCommunity_(std::move(writeCommunity)) {}
     // From now on Get and GetNext use SNMPv3.
-    void Use(Security security) { security_.emplace(std::move(security)); }
+    void Use(std::shared_ptr<const Security> security) { security_ = std::move(security); }
     // Changes to another device.
     void SetHost(std::string host) { host_ = std::move(host); }
-    bool IsV3() const { return security_.has_value(); }
+    bool IsV3() const { return security_ != nullptr; }
 
     Answer Get(const Oid& oid) const;
     Answer GetNext(const Oid& oid) const;
@@ -39,7 +40,7 @@ class Device {
     Answer GetNextV3(const Oid& oid) const;
 
     std::string host_, readCommunity_, writeCommunity_;
-    std::optional<Security> security_;
+    std::shared_ptr<const Security> security_;
 };
 
 // For ReadPrinter and the like; the device must outlive it.

@@ -8,26 +8,30 @@
 
 namespace vndiscover::host {
 
-std::string NumericHost(const std::string& host) {
-    if (host.find(':') != std::string::npos) return host;
+namespace {
+
+// Its first address as text; empty if it has none.
+std::string AddressOf(const std::string& host, int family) {
     const WinSock winSock;
     addrinfo hints = {};
-    hints.ai_family = AF_INET;
+    hints.ai_family = family;
     addrinfo* found = nullptr;
-    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, &hints, &found) != 0 || !found) return host;
+    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, &hints, &found) != 0 || !found) return "";
     char text[64] = "";
-    const int error = getnameinfo(found->ai_addr, static_cast<socklen_t>(found->ai_addrlen), text,
-                                  sizeof text, nullptr, 0, NI_NUMERICHOST);
+    getnameinfo(found->ai_addr, static_cast<socklen_t>(found->ai_addrlen), text, sizeof text,
+                nullptr, 0, NI_NUMERICHOST);
     freeaddrinfo(found);
-    return error == 0 ? text : host;
+    return text;
 }
 
-bool HasAddress(const std::string& host) {
-    const WinSock winSock;
-    addrinfo* found = nullptr;
-    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, nullptr, &found) != 0) return false;
-    freeaddrinfo(found);
-    return true;
+}  // namespace
+
+std::string NumericHost(const std::string& host) {
+    if (host.find(':') != std::string::npos) return host;
+    const std::string address = AddressOf(host, AF_INET);
+    return address.empty() ? host : address;
 }
+
+bool HasAddress(const std::string& host) { return !AddressOf(host, AF_UNSPEC).empty(); }
 
 }  // namespace vndiscover::host

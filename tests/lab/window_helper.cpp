@@ -20,6 +20,7 @@
 
 #include "model/computer/doctor_report.h"
 #include "model/printer/interfaces.h"
+#include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"

@@ -1,6 +1,20 @@
 #include "model/asking/walk.h"
 
+#include "values/value_text.h"
+
 namespace vndiscover::host {
+
+WalkStep StepOf(const Oid& root, const Oid& asked, const Answer& answer, bool isV3) {
+    // An SNMPv1 error answer repeats the request's binding; SNMPv3 marks the end by the value's
+    // type.
+    const bool isRepeated = answer.oid == asked && IsNoValue(answer.type);
+    if (isRepeated || (isV3 && answer.type != kNull && IsNoValue(answer.type)))
+        return WalkStep::kEnd;
+    if (answer.oid <= asked) return WalkStep::kNotIncreasing;
+    if (!IsWithin(answer.oid, root)) return WalkStep::kEnd;
+    const bool canBeAsked = FitsRequest(answer.oid) && !IsMisencoded(answer.oid);
+    return canBeAsked ? WalkStep::kVariable : WalkStep::kLastReachable;
+}
 
 Oid WalkStart(const Oid& root) {
     Oid start = root;
@@ -17,7 +31,7 @@ WalkEnd WalkSubtree(const Asker& asker, const Oid& root,
         if (end.isStopped) break;
         end.last = asker.getNext(end.at);
         if (end.last.status != Status::kAnswered) break;
-        end.step = JudgeAnswer(root, end.at, end.last.oid, end.last.type, asker.isV3);
+        end.step = StepOf(root, end.at, end.last, asker.isV3);
         if (end.step != WalkStep::kVariable && end.step != WalkStep::kLastReachable) break;
         ++end.variables;
         end.at = end.last.oid;

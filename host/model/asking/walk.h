@@ -5,9 +5,19 @@
 #include <functional>
 
 #include "model/asking/asker.h"
-#include "model/asking/walk_step.h"
 
 namespace vndiscover::host {
+
+// What an answer to a get-next request means for a walk.
+enum class WalkStep {
+    kVariable,       // a variable of the subtree: show it, and ask for the next one
+    kLastReachable,  // the same, but its OID cannot be requested: show it and stop
+    kEnd,            // of the subtree, or of the device's variables
+    kNotIncreasing,  // the device would keep the walk going for ever
+};
+
+// `asked` is the OID of the request, `answer` has a status of kAnswered.
+WalkStep StepOf(const Oid& root, const Oid& asked, const Answer& answer, bool isV3);
 
 struct WalkEnd {
     // kVariable: there was no answer, or it was stopped. Only kEnd is complete.

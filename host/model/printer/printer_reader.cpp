@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "model/asking/walk_step.h"
+#include "model/asking/walk.h"
 #include "values/object_names.h"
 #include "values/value_text.h"
 
@@ -147,8 +147,7 @@ class Reader {
         for (size_t rows = 0; rows < kMaxRows; ++rows) {
             const Answer answer = Ask(asked);
             if (answer.status == Status::kAnswered) {
-                const WalkStep step =
-                    JudgeAnswer(column, asked, answer.oid, answer.type, asker_.isV3);
+                const WalkStep step = StepOf(column, asked, answer, asker_.isV3);
                 if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
                 if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
                 if (step == WalkStep::kLastReachable) {

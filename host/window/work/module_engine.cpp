@@ -36,22 +36,9 @@ void SweepWsd(HWND window, const std::string& probe) {
     DiscoverSoap(window, kMessage, kWsdSilenceMs, probe.data(), static_cast<int32_t>(probe.size()));
 }
 
-Security CopyOf(const Security& user) {
-    Security copy;
-    copy.user = user.user;
-    copy.authLabel = user.authLabel;
-    copy.privLabel = user.privLabel;
-    copy.authPassword = Secret(user.authPassword.Get());
-    copy.privPassword = Secret(user.privPassword.Get());
-    copy.useAuth = user.useAuth;
-    copy.usePriv = user.usePriv;
-    return copy;
-}
-
 Device DeviceOf(const AskTarget& target) {
     Device device(target.address, ToAnsi(target.credentials.community), "");
-    if (target.kind == SweepKind::kSnmpV3 && target.credentials.security)
-        device.Use(CopyOf(*target.credentials.security));
+    if (target.kind == SweepKind::kSnmpV3) device.Use(target.credentials.security);
     return device;
 }
 

@@ -89,7 +89,7 @@ TEST(WalkStep, NeverLoops) {
         {WalkStep::kNotIncreasing, kAsked, kInteger, false},
         {WalkStep::kNotIncreasing, {1, 3, 6}, kNull, false}};
     for (const auto& [step, answered, type, isV3] : rows) {
-        EXPECT_EQ(step, JudgeAnswer(kSystem, kAsked, answered, type, isV3))
+        EXPECT_EQ(step, StepOf(kSystem, kAsked, AnsweredWith(answered, type, ""), isV3))
             << OidToText(answered) << " type " << type;
     }
 }
