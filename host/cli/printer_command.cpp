@@ -5,7 +5,7 @@
 #include "cli/fact_json.h"
 #include "model/printer/report_text.h"
 #include "platform/console.h"
-#include "platform/saved_file.h"
+#include "platform/this_process.h"
 
 namespace vndiscover::host {
 namespace {

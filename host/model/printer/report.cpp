@@ -14,10 +14,6 @@ namespace {
 
 constexpr int kLowPercent = 10;
 
-std::string Joined(const std::string& one, const char* separator, const std::string& other) {
-    return one.empty() || other.empty() ? one + other : one + separator + other;
-}
-
 // Ticks of a hundredth of a second in whole seconds: "5 days, 3:04:05".
 std::string Duration(uint64_t ticks) {
     const std::string text = TickText(ticks);
@@ -49,14 +45,14 @@ Severity SeverityOf(const Level& level) {
 
 void AddLevel(ReportSection& section, std::string name, const Level& level,
               const std::string& kind) {
-    section.Add(std::move(name), Joined(LevelText(level), ", ", kind), SeverityOf(level));
+    section.Add(std::move(name), Joined({LevelText(level), kind}), SeverityOf(level));
     section.rows.back().percent = PercentOf(level);
 }
 
 std::string AlertText(const Alert& alert, const std::optional<uint64_t>& upTicks) {
-    const std::string what = Joined(SpacedWords(alert.group), ", ", SpacedWords(alert.code));
-    std::string text = Joined(SpacedWords(alert.severity), ": ",
-                              alert.description.empty() ? what : alert.description);
+    const std::string what = Joined({SpacedWords(alert.group), SpacedWords(alert.code)});
+    std::string text = Joined(
+        {SpacedWords(alert.severity), alert.description.empty() ? what : alert.description}, ": ");
     if (!alert.description.empty() && !what.empty()) text += " (" + what + ")";
     // The time of an alert from before the device's restart would be in the future.
     if (alert.upTicks && upTicks && *alert.upTicks <= *upTicks)
@@ -68,7 +64,7 @@ void AddState(ReportSection& section, const PrinterFacts& facts) {
     section.Add("Device", SpacedWords(facts.deviceStatus));
     section.Add("Printer", SpacedWords(facts.printerStatus));
     std::string errors;
-    for (const std::string& word : facts.errors) errors = Joined(errors, ", ", SpacedWords(word));
+    for (const std::string& word : facts.errors) errors = Joined({errors, SpacedWords(word)});
     const bool isStopped = std::any_of(facts.errors.begin(), facts.errors.end(), StopsPrinting);
     section.Add("Errors", errors, isStopped ? Severity::kCritical : Severity::kAttention);
     for (const Alert& alert : facts.alerts) {
@@ -77,7 +73,7 @@ void AddState(ReportSection& section, const PrinterFacts& facts) {
     }
     for (const std::string& line : facts.panel) section.Add("Panel", line);
     for (const PageCount& count : facts.pageCounts)
-        section.Add("Printed", Joined(std::to_string(count.count), " ", count.unit));
+        section.Add("Printed", Joined({std::to_string(count.count), count.unit}, " "));
 }
 
 ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
@@ -96,7 +92,7 @@ ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
         section.Add("Description", facts.description);
     if (facts.upTicks) {
         const std::string start = LocalTimeBefore(facts.readTime, *facts.upTicks / 100);
-        section.Add("Up since", Joined(start, " ", "(" + Duration(*facts.upTicks) + ")"));
+        section.Add("Up since", Joined({start, "(" + Duration(*facts.upTicks) + ")"}, " "));
     }
     AddState(section, facts);
     return section;
@@ -107,7 +103,7 @@ ReportSection Supplies(const PrinterFacts& facts) {
     for (const Supply& supply : facts.supplies) {
         const std::string type = SpacedWords(supply.type);
         AddLevel(section, supply.description.empty() ? type : supply.description, supply.level,
-                 Joined(supply.colour, " ", type));
+                 Joined({supply.colour, type}, " "));
         section.rows.back().colour = supply.colour;
     }
     return section;
@@ -136,11 +132,11 @@ void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
         std::string text, objects;
         for (const Gap& gap : gaps) {
             if (gap.reason != reason) continue;
-            objects = Joined(objects, ", ", gap.object);
+            objects = Joined({objects, gap.object});
             if (std::find(subjects.begin(), subjects.end(), gap.subject) != subjects.end())
                 continue;
             subjects.push_back(gap.subject);
-            text = Joined(text, ", ", gap.subject);
+            text = Joined({text, gap.subject});
         }
         section.Add("Not read", text + ": " + reason, Severity::kUnknown);
         section.rows.back().detail = objects;
