@@ -41,7 +41,6 @@ struct DeviceRow {
     std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
 };
 
-
 // Makes the rows after each batch of answers, and reuses those of devices without a new answer.
 class RowMaker {
   public:
