@@ -6,10 +6,11 @@ import shutil
 import subprocess
 import unittest
 
-from lab import AGENT, AGENT_CONF, BIN, LAB, SECRETS, at_once, main, run, start_responder
+from lab import AGENT, AGENT_CONF, BIN, LAB, SECRETS, TREE, at_once, main, run, start_responder
 
 HEADER = os.path.dirname(os.path.abspath(__file__)) + "/../../include/vndiscover.h"
 FOLDER = LAB + "/calls"
+EXAMPLES = [f"{TREE}/examples/csharp/{name}.cs" for name in ("Sweep", "VnDiscover")]
 CXX = os.environ.get("CXX", "x86_64-w64-mingw32-g++-posix")
 # What each call finds, and the texts of the answers.
 CALLS = {
@@ -90,6 +91,7 @@ class Texts(unittest.TestCase):
             self.assertEqual(", ".join(expected), folded(sharp))
             subprocess.run(["mcs", "-warnaserror", "-r:System.Windows.Forms", f"-out:{FOLDER}/{name}_cs.exe",
                             f"{FOLDER}/{name}.cs"], check=True)
+        subprocess.run(["mcs", "-warnaserror", f"-out:{FOLDER}/sweep_cs.exe", *EXAMPLES], check=True)
         # The record has the header's layout.
         with open(FOLDER + "/layout.cs", "w", encoding="utf-8") as file:
             file.write('using System; using System.Runtime.InteropServices; static class Layout { static void Main() {'
