@@ -1,6 +1,7 @@
 // How the portable code asks a device.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 
@@ -16,5 +17,12 @@ struct Asker {
     std::function<bool()> mayGoOn;   // called before each request; empty: always
     std::function<int64_t()> nowMs;  // for the time limit; empty: the system's clock
 };
+
+inline int64_t NowMs(const Asker& asker) {
+    using std::chrono::milliseconds;
+    if (asker.nowMs) return asker.nowMs();
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<milliseconds>(now).count();
+}
 
 }  // namespace vndiscover::host

@@ -1,7 +1,6 @@
 #include "model/printer/printer_reader.h"
 
 #include <algorithm>
-#include <chrono>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -20,6 +19,7 @@ enum class Way {
     kColumn,   // all rows
     kScalar,   // instance 0
     kPrinter,  // the row of the first printer; all rows if none is listed
+    kFirst,    // the first row
 };
 struct Question {
     const char* object;
@@ -84,6 +84,34 @@ constexpr Question kInterfaceQuestions[] = {
     {"ifAdminStatus", "interfaces"},
     {"ifDescr", "interfaces"},
 };
+// A printer's state, whose first row also names the printer.
+constexpr Question kPrinterStatus = {"hrPrinterStatus", "model and state", Way::kFirst};
+constexpr Question kErrorState = {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter};
+constexpr Question kFirstDevice = {"hrDeviceType", "model and state", Way::kFirst};
+constexpr Question kPrinterDevice[] = {
+    {"hrDeviceStatus", "model and state", Way::kPrinter},
+    {"hrDeviceDescr", "model and state", Way::kPrinter},
+};
+// For a list of printers, in addition to the state.
+constexpr Question kListQuestions[] = {
+    {"sysName", "name", Way::kScalar},
+    {"sysLocation", "location", Way::kScalar},
+    {"prtGeneralPrinterName", "name", Way::kPrinter},
+    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
+    {"prtMarkerLifeCount", "page counts", Way::kFirst},
+    {"prtMarkerSuppliesLevel", "supplies"},
+};
+constexpr Question kSupplyQuestions[] = {
+    {"prtMarkerSuppliesDescription", "supplies"},
+    {"prtMarkerSuppliesMaxCapacity", "supplies"},
+    {"prtMarkerSuppliesType", "supplies"},
+    {"prtMarkerSuppliesClass", "supplies"},
+};
+// Only requested if the maximum does not tell: the level may be a percentage.
+constexpr Question kSupplyUnit = {"prtMarkerSuppliesSupplyUnit", "supplies"};
+constexpr Question kFirstSerial = {"entPhysicalSerialNum", "serial number", Way::kFirst};
+// The longest last, since SNMPv1 may not carry it.
+constexpr Question kDescription = {"sysDescr", "firmware", Way::kScalar};
 // Only requested if the printer itself gives no serial number.
 constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
 
@@ -109,13 +137,32 @@ class Reader {
         return Finish();
     }
 
-  private:
-    int64_t NowMs() const {
-        using std::chrono::milliseconds;
-        if (asker_.nowMs) return asker_.nowMs();
-        const auto now = std::chrono::steady_clock::now().time_since_epoch();
-        return std::chrono::duration_cast<milliseconds>(now).count();
+    PrinterAnswers ReadState() {
+        Put(kPrinterStatus);
+        Put(Printer() ? kErrorState : kFirstDevice);
+        if (Printer()) {
+            for (const Question& question : kPrinterDevice) Put(question);
+        }
+        return Finish();
     }
+    PrinterAnswers ReadForList() {
+        for (const Question& question : kListQuestions) Put(question);
+        for (const Oid& row : RowsOf("prtMarkerSuppliesLevel")) {
+            for (const Question& question : kSupplyQuestions) PutRow(question, row);
+            Oid maximum = OidOf("prtMarkerSuppliesMaxCapacity");
+            maximum.insert(maximum.end(), row.begin(), row.end());
+            const auto known = answers_.values.find(maximum);
+            if (known == answers_.values.end() ||
+                SignedNumber(known->second.bytes).value_or(0) <= 0)
+                PutRow(kSupplyUnit, row);
+        }
+        if (!HasSerial()) Put(kFirstSerial);
+        Put(kDescription);
+        return Finish();
+    }
+
+  private:
+    int64_t NowMs() const { return host::NowMs(asker_); }
 
     PrinterAnswers Finish() {
         answers_.spentMs = NowMs() - startMs_;
@@ -127,19 +174,48 @@ class Reader {
             Miss(question, false, "not asked for");
             return;
         }
-        Oid oid = OidOf(question.object);
-        const std::vector<uint32_t> printers = ListedPrinters(answers_);
-        if (question.way == Way::kColumn || (question.way == Way::kPrinter && printers.empty())) {
+        const Oid& oid = OidOf(question.object);
+        const auto printer = Printer();
+        if (question.way == Way::kColumn || (question.way == Way::kPrinter && !printer)) {
             ReadColumn(question, oid);
-            return;
+        } else if (question.way == Way::kFirst) {
+            const Answer answer = Ask(oid);
+            if (answer.status != Status::kAnswered || IsWithin(answer.oid, oid))
+                Take(question, answer);
+        } else {
+            PutRow(question, {question.way == Way::kScalar ? 0 : *printer});
         }
-        oid.push_back(question.way == Way::kScalar ? 0 : printers.front());
-        if (IsMisencoded(oid)) {
+    }
+
+    void PutRow(const Question& question, const Oid& row) {
+        Oid oid = OidOf(question.object);
+        oid.insert(oid.end(), row.begin(), row.end());
+        if (hasStopped_) {
+            Miss(question, false, "not asked for");
+        } else if (IsMisencoded(oid)) {
             Miss(question, true, "the printer's index is over 16383 and cannot be requested");
-            return;
+        } else if (answers_.values.count(oid) == 0) {
+            const Answer answer = Ask(JustBefore(oid));
+            if (answer.status != Status::kAnswered || answer.oid == oid) Take(question, answer);
         }
-        const Answer answer = Ask(JustBefore(oid));
-        if (answer.status != Status::kAnswered || answer.oid == oid) Take(question, answer);
+    }
+
+    // The index of the first printer. Some devices have a printer's state without listing it.
+    std::optional<uint32_t> Printer() const {
+        const std::vector<uint32_t> listed = ListedPrinters(answers_);
+        if (!listed.empty()) return listed.front();
+        const std::vector<Oid> rows = RowsOf("hrPrinterStatus");
+        return rows.empty() ? std::nullopt : std::optional<uint32_t>(rows.front().front());
+    }
+
+    std::vector<Oid> RowsOf(const char* object) const {
+        const Oid& column = OidOf(object);
+        std::vector<Oid> rows;
+        for (auto at = answers_.values.upper_bound(column);
+             at != answers_.values.end() && IsWithin(at->first, column); ++at)
+            rows.emplace_back(at->first.begin() + static_cast<ptrdiff_t>(column.size()),
+                              at->first.end());
+        return rows;
     }
 
     void ReadColumn(const Question& question, const Oid& column) {
@@ -264,6 +340,14 @@ PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).ReadWithSe
 
 PrinterAnswers ReadIdentity(const Asker& asker) {
     return Reader(asker).ReadWithSerial(kIdentityQuestions);
+}
+
+PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
+    return Reader(asker, std::move(known)).ReadState();
+}
+
+PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
+    return Reader(asker, std::move(known)).ReadForList();
 }
 
 PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {

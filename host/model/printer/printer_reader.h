@@ -40,6 +40,14 @@ PrinterAnswers ReadPrinter(const Asker& asker);
 // The same for the objects that identify a device or are compared between scans, about 10.
 PrinterAnswers ReadIdentity(const Asker& asker);
 
+// Whether the device is a printer, and its state: four requests at most. Does not ask again for
+// what is known.
+PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
+
+// Adds what a list of printers shows besides the state: names, serial number, page count, supplies,
+// firmware. About 6 requests, and 5 for each supply.
+PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
+
 // Adds what ReadPrinter does not read of the device's interfaces, 3 columns; see interfaces.h. Asks
 // nothing if the reading before ended early, and shares its time limit.
 PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer);

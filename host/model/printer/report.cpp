@@ -1,7 +1,6 @@
 #include "model/printer/report.h"
 
 #include <algorithm>
-#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -18,29 +17,6 @@ constexpr int kLowPercent = 10;
 std::string Duration(uint64_t ticks) {
     const std::string text = TickText(ticks);
     return text.substr(0, text.size() - 3);
-}
-
-// The others are warnings: it still prints.
-bool StopsPrinting(std::string_view error) {
-    constexpr std::string_view kStops[] = {"noPaper",
-                                           "noToner",
-                                           "doorOpen",
-                                           "jammed",
-                                           "offline",
-                                           "inputTrayMissing",
-                                           "outputTrayMissing",
-                                           "outputFull",
-                                           "markerSupplyMissing",
-                                           "inputTrayEmpty"};
-    return std::find(std::begin(kStops), std::end(kStops), error) != std::end(kStops);
-}
-
-Severity SeverityOf(const Level& level) {
-    const auto percent = PercentOf(level);
-    if (level.level == 0) return Severity::kCritical;
-    if (percent) return *percent < kLowPercent ? Severity::kAttention : Severity::kFine;
-    return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
-                                                                : Severity::kFine;
 }
 
 void AddLevel(ReportSection& section, std::string name, const Level& level,
@@ -144,6 +120,27 @@ void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
 }
 
 }  // namespace
+
+bool StopsPrinting(std::string_view error) {
+    constexpr std::string_view kStops[] = {"noPaper",
+                                           "noToner",
+                                           "doorOpen",
+                                           "jammed",
+                                           "offline",
+                                           "inputTrayMissing",
+                                           "outputTrayMissing",
+                                           "outputFull",
+                                           "markerSupplyMissing"};
+    return std::find(std::begin(kStops), std::end(kStops), error) != std::end(kStops);
+}
+
+Severity SeverityOf(const Level& level) {
+    const auto percent = PercentOf(level);
+    if (level.level == 0) return Severity::kCritical;
+    if (percent) return *percent < kLowPercent ? Severity::kAttention : Severity::kFine;
+    return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
+                                                                : Severity::kFine;
+}
 
 bool ReportRow::operator==(const ReportRow& other) const {
     const auto all = [](const ReportRow& row) {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "model/printer/printer_facts.h"
@@ -11,6 +12,10 @@
 namespace vndiscover::host {
 
 enum class Severity { kFine, kAttention, kCritical, kUnknown };
+
+// The others are warnings: the printer still prints.
+bool StopsPrinting(std::string_view error);
+Severity SeverityOf(const Level& level);
 
 // What a comparison says of a device.
 enum class Mark { kNone, kNew, kGone, kChanged };

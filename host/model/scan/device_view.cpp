@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "model/printer/level.h"
+#include "model/printer/printer_summary.h"
 #include "values/ip_address.h"
 #include "values/plain_text.h"
 
@@ -49,23 +49,6 @@ std::string ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers) {
     return Joined(names);
 }
 
-// Errors come before the state: a printer with an open door may still be "idle".
-std::string StateOf(const PrinterFacts& facts) {
-    std::vector<std::string> words;
-    for (const std::string& error : facts.errors) words.push_back(SpacedWords(error));
-    if (!words.empty()) return Joined(words);
-    return SpacedWords(facts.printerStatus.empty() ? facts.deviceStatus : facts.printerStatus);
-}
-
-std::optional<int> LowestSupply(const PrinterFacts& facts) {
-    std::optional<int> lowest;
-    for (const Supply& supply : facts.supplies) {
-        const auto percent = PercentOf(supply.level);
-        if (percent && (!lowest || *percent < *lowest)) lowest = percent;
-    }
-    return lowest;
-}
-
 DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4) {
     DeviceRow row;
     row.answers = device.answers;
@@ -83,8 +66,9 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
     for (const size_t index : device.answers)
         row.Text(Column::kLastSeen) =
             std::max(row.Text(Column::kLastSeen), scan.answers[index].time);
-    row.Text(Column::kState) = StateOf(*device.facts);
-    row.lowestSupply = LowestSupply(*device.facts);
+    PrinterSummary summary = SummaryOf(*device.facts);
+    row.Text(Column::kState) = std::move(summary.state);
+    row.lowestSupply = summary.lowestSupply;
     if (row.lowestSupply) row.Text(Column::kSupplies) = std::to_string(*row.lowestSupply) + " %";
     return row;
 }

@@ -1,0 +1,125 @@
+// In which order many printers are read, and what each costs.
+#include "model/printer/fleet.h"
+
+#include <gtest/gtest.h>
+
+#include "host/model/scripted_device.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kSupplies = 4;
+
+ScriptedDevice Printer(int errors, int level) {
+    ScriptedDevice device;
+    device.Text("sysDescr.0", "VN LaserPro 410, firmware 2.1");
+    device.Text("sysName.0", "hall");
+    device.Object("hrDeviceType.7", ".1.3.6.1.2.1.25.3.1.5");
+    device.Text("hrDeviceDescr.7", "VN LaserPro 410");
+    device.Integer("hrDeviceStatus.7", 2);
+    device.Integer("hrPrinterStatus.7", 3);
+    device.Text("hrPrinterDetectedErrorState.7", std::string(1, static_cast<char>(errors)));
+    device.Text("prtGeneralSerialNumber.7", "VN1");
+    for (size_t supply = 1; supply <= kSupplies; ++supply) {
+        const std::string row = ".7." + std::to_string(supply);
+        device.Text(("prtMarkerSuppliesDescription" + row).c_str(), "Toner " + row);
+        device.Integer(("prtMarkerSuppliesMaxCapacity" + row).c_str(), 100);
+        device.Integer(("prtMarkerSuppliesLevel" + row).c_str(), level);
+    }
+    return device;
+}
+
+class FleetTest : public testing::Test {
+  protected:
+    // Adds a device whose requests each take so long.
+    ScriptedDevice& Add(ScriptedDevice device, int64_t requestMs = 10) {
+        fleet_.Add(std::to_string(devices_.size()), 0, {});
+        devices_.push_back(std::move(device));
+        times_.push_back(requestMs);
+        return devices_.back();
+    }
+
+    // Does one job; what it was is added to the log, "2 state", "2 rest late".
+    bool Step() {
+        const auto job = fleet_.Next();
+        if (!job) return false;
+        Asker asker = devices_[job->device].MakeAsker();
+        asker.getNext = [this, job, ask = asker.getNext](const Oid& oid) {
+            nowMs_ += times_[job->device];
+            return ask(oid);
+        };
+        asker.nowMs = [this] { return nowMs_; };
+        log_ +=
+            job->address + (job->isState ? " state" : " rest") + (job->isLate ? " late\n" : "\n");
+        fleet_.Done(*job, ReadJob(*job, asker));
+        return true;
+    }
+    void Finish() {
+        while (Step()) {
+        }
+        EXPECT_TRUE(fleet_.IsOver());
+    }
+
+    PrinterSummary Summary(size_t device) {
+        return SummaryOf(FactsOf(fleet_.Devices()[device].answers));
+    }
+
+    Fleet fleet_;
+    std::deque<ScriptedDevice> devices_;
+    std::vector<int64_t> times_;
+    int64_t nowMs_ = 0;
+    std::string log_;
+};
+
+TEST_F(FleetTest, StatesComeFirstInFourRequestsEach) {
+    Add(Printer(0x08, 50));  // door open
+    Add(Printer(0, 4));
+    EXPECT_EQ("state of 0 of 2", fleet_.Progress());
+    Step();
+    Step();
+    for (const ScriptedDevice& device : devices_) EXPECT_EQ(4u, device.requests);
+    EXPECT_EQ("0 of 2, 1 critical, 0 need attention", fleet_.Progress());
+    Finish();
+    EXPECT_EQ("0 state\n1 state\n0 rest\n1 rest\n", log_);
+    EXPECT_EQ("door open", Summary(0).state);
+    EXPECT_EQ("4 % Toner .7.1", Summary(1).supply);
+    EXPECT_EQ(Severity::kAttention, Summary(1).severity) << "its toner is low";
+    // A list of hundreds of printers must not take minutes.
+    for (const ScriptedDevice& device : devices_) EXPECT_GE(13 + 5 * kSupplies, device.requests);
+}
+
+TEST_F(FleetTest, WhatIsKnownIsNotRequestedAgain) {
+    ScriptedDevice& device = Add(Printer(0, 50));
+    device.failure = [&](const Oid&) {  // once, while supplies are read
+        times_[0] = device.requests == 16 ? 10000 : 10;
+        return device.requests == 17 ? Status::kNoAnswer : Status::kAnswered;
+    };
+    Finish();
+    EXPECT_EQ("0 state\n0 rest\n0 rest late\n", log_);
+    EXPECT_EQ(kSupplies, FactsOf(fleet_.Devices()[0].answers).supplies.size());
+    EXPECT_GE(13 + 5 * kSupplies + 10, device.requests);
+}
+
+TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
+    Add(Printer(0, 50), 4000);
+    Add(Printer(0, 50));
+    ScriptedDevice& silent = Add({}, 10000);
+    silent.failure = [](const Oid&) { return Status::kNoAnswer; };
+    Finish();
+    EXPECT_EQ("0 state\n1 state\n2 state\n1 rest\n0 state late\n2 state late\n0 rest late\n", log_);
+    EXPECT_EQ(50, Summary(0).lowestSupply);
+    EXPECT_EQ(Status::kNoAnswer, fleet_.Devices()[2].answers.lastStatus);
+    EXPECT_EQ(2u, silent.requests);
+}
+
+TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsTwoRequests) {
+    ScriptedDevice computer;
+    computer.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");
+    ScriptedDevice& device = Add(std::move(computer));
+    Finish();
+    EXPECT_EQ(2u, device.requests);
+    EXPECT_FALSE(fleet_.Devices()[0].severity);
+}
+
+}  // namespace
+}  // namespace vndiscover::host
