@@ -5,7 +5,7 @@
 #include "interface/exception_state.h"
 #include "interface/module.h"
 #include "snmp/bind_address.h"
-#include "support/debug_switches.h"
+#include "support/registry.h"
 
 namespace vndiscover {
 

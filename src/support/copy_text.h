@@ -3,33 +3,23 @@
 
 #include <cstddef>
 #include <cstring>
-#include <cwchar>
 
 namespace vndiscover {
 
-// Fills a fixed field (size >= 1) and terminates it. Null reads as "". False: the text was cut.
-inline bool CopyText(char* field, size_t size, const char* text) noexcept {
-    const size_t length = text ? strnlen(text, size - 1) : 0;
-    if (length != 0) std::memmove(field, text, length);
-    field[length] = '\0';
-    return !text || text[length] == '\0';
+// Fills a fixed field of `size` characters (at least 1) and terminates it. Null reads as "". False:
+// the text was cut.
+template <class Char>
+bool CopyText(Char* field, size_t size, const Char* text) noexcept {
+    size_t length = 0;
+    while (text && length < size - 1 && text[length] != Char{}) ++length;
+    const bool isWhole = !text || text[length] == Char{};
+    if (length != 0) std::memmove(field, text, length * sizeof(Char));
+    field[length] = Char{};
+    return isWhole;
 }
 
-template <size_t Size>
-bool CopyText(char (&field)[Size], const char* text) noexcept {
-    return CopyText(field, Size, text);
-}
-
-// The same for wide text; size in characters.
-inline bool CopyText(wchar_t* field, size_t size, const wchar_t* text) noexcept {
-    const size_t length = text ? wcsnlen(text, size - 1) : 0;
-    if (length != 0) std::wmemmove(field, text, length);
-    field[length] = L'\0';
-    return !text || text[length] == L'\0';
-}
-
-template <size_t Size>
-bool CopyText(wchar_t (&field)[Size], const wchar_t* text) noexcept {
+template <class Char, size_t Size>
+bool CopyText(Char (&field)[Size], const Char* text) noexcept {
     return CopyText(field, Size, text);
 }
 

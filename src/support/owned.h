@@ -36,11 +36,13 @@ class Owned {
     Value value_;
 };
 
-struct FileTraits {
-    using Value = std::FILE*;
-    static Value Empty() noexcept { return nullptr; }
-    static void Close(Value file) noexcept { std::fclose(file); }
+// For a handle that is null or zero when there is none.
+template <class Handle, auto CloseFunction>
+struct ClosedBy {
+    using Value = Handle;
+    static Value Empty() noexcept { return Value{}; }
+    static void Close(Value value) noexcept { static_cast<void>(CloseFunction(value)); }
 };
-using OwnedFile = Owned<FileTraits>;
+using OwnedFile = Owned<ClosedBy<std::FILE*, std::fclose>>;
 
 }  // namespace vndiscover

@@ -6,27 +6,30 @@
 
 namespace vndiscover {
 
-struct ThreadTraits {
-    using Value = HANDLE;
-    static Value Empty() noexcept { return nullptr; }
-    static void Close(Value thread) noexcept { CloseHandle(thread); }
-};
-using OwnedThread = Owned<ThreadTraits>;
-
 // Not for two threads that begin at the same moment.
 class SweepingThread {
   public:
     // False: a sweep is running on this thread, within one of its result messages, or on another
     // that lives. A sweep whose thread has ended is over.
-    bool Begin() noexcept;
-    void End() noexcept;
+    bool Begin() noexcept {
+        // Without a handle, a thread counts as living.
+        if (id_ != 0 && WaitForSingleObject(thread_.Get(), 0) != WAIT_OBJECT_0) return false;
+        id_ = GetCurrentThreadId();
+        // A handle, since the system gives the identifier of an ended thread to another.
+        thread_.Reset(OpenThread(SYNCHRONIZE, FALSE, id_));
+        return true;
+    }
+    void End() noexcept {
+        thread_.Reset();
+        id_ = 0;
+    }
 
     // Whether the sweep belongs to another thread, even to one that has ended.
     bool IsAnother() const noexcept { return id_ != 0 && id_ != GetCurrentThreadId(); }
 
   private:
     DWORD id_ = 0;  // 0: no sweep
-    OwnedThread thread_;
+    Owned<ClosedBy<HANDLE, CloseHandle>> thread_;
 };
 
 }  // namespace vndiscover

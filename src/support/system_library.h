@@ -7,13 +7,6 @@
 
 namespace vndiscover {
 
-struct ModuleTraits {
-    using Value = HMODULE;
-    static Value Empty() noexcept { return nullptr; }
-    static void Close(Value module) noexcept { FreeLibrary(module); }
-};
-using OwnedModule = Owned<ModuleTraits>;
-
 class SystemLibrary {
   public:
     SystemLibrary() noexcept = default;
@@ -30,7 +23,7 @@ class SystemLibrary {
     }
 
   private:
-    OwnedModule module_;
+    Owned<ClosedBy<HMODULE, FreeLibrary>> module_;
 };
 
 }  // namespace vndiscover

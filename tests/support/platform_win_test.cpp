@@ -7,7 +7,6 @@
 #include "exports/support/network_test.h"
 #include "net/sckraw.h"
 #include "snmpv3/crypto/windows/capi_file_hash.h"
-#include "support/debug_switches.h"
 #include "support/registry.h"
 #include "wsd/vx_soap_mgr.h"
 

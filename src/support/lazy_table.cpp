@@ -1,4 +1,4 @@
-#include "support/zeroed_pages.h"
+#include "support/lazy_table.h"
 
 #include <new>
 
