@@ -6,7 +6,7 @@
 
 #include "exports/support/network_test.h"
 #include "net/sckraw.h"
-#include "snmpv3/crypto/windows/capi_file_hash.h"
+#include "snmpv3/crypto/windows/capi_crypto.h"
 #include "support/registry.h"
 #include "wsd/vx_soap_mgr.h"
 

@@ -26,8 +26,6 @@ ByteBuffer& ByteBuffer::operator=(ByteBuffer&& other) noexcept {
     return *this;
 }
 
-ByteBuffer::~ByteBuffer() { Clear(); }
-
 // Wiped, because these buffers carry keys and plain texts, and growing one frees a copy.
 void ByteBuffer::Clear() noexcept {
     SecureWipe(data, length);
@@ -59,18 +57,10 @@ void ByteBuffer::Assign(const uint8_t* bytes, int32_t count) {
     Join(bytes, static_cast<uint32_t>(count), nullptr, 0);
 }
 
-void ByteBuffer::SetByte(uint8_t byte) { Assign(&byte, 1); }
-
-void ByteBuffer::Append(uint8_t byte) { Append(&byte, 1); }
-
 void ByteBuffer::Append(const uint8_t* bytes, int32_t count) {
     if (!bytes || count <= 0) return;
     Join(data, length, bytes, static_cast<uint32_t>(count));
 }
-
-void ByteBuffer::Append(const ByteBuffer& other) { Join(data, length, other.data, other.length); }
-
-void ByteBuffer::Prepend(uint8_t byte) { Prepend(&byte, 1); }
 
 void ByteBuffer::Prepend(const uint8_t* bytes, int32_t count) {
     if (!bytes || count <= 0) {

@@ -17,16 +17,16 @@ struct ByteBuffer {
     ByteBuffer(ByteBuffer&& other) noexcept;
     ByteBuffer& operator=(const ByteBuffer& other);
     ByteBuffer& operator=(ByteBuffer&& other) noexcept;
-    ~ByteBuffer();
+    ~ByteBuffer() { Clear(); }
 
     void Clear() noexcept;
     // Null, or a count below 1, empties it. `bytes` may point into the buffer itself.
     void Assign(const uint8_t* bytes, int32_t count);
-    void SetByte(uint8_t byte);  // Nothing in the module calls it.
-    void Append(uint8_t byte);
+    void SetByte(uint8_t byte) { Assign(&byte, 1); }  // Nothing in the module calls it.
+    void Append(uint8_t byte) { Append(&byte, 1); }
     void Append(const uint8_t* bytes, int32_t count);  // null or a count below 1: does nothing
-    void Append(const ByteBuffer& other);
-    void Prepend(uint8_t byte);
+    void Append(const ByteBuffer& other) { Join(data, length, other.data, other.length); }
+    void Prepend(uint8_t byte) { Prepend(&byte, 1); }
     void Prepend(const uint8_t* bytes, int32_t count);
     // Writes the bytes to the wide log. Nothing in the module calls it.
     void HexDump() const;

@@ -38,8 +38,6 @@ class CryptoLibraries {
   public:
     CryptoLibraries(uint32_t authCode, uint32_t privCode);
     ~CryptoLibraries();
-    CryptoLibraries(const CryptoLibraries&) = delete;
-    CryptoLibraries& operator=(const CryptoLibraries&) = delete;
 
   private:
     struct Loaded;
@@ -53,8 +51,6 @@ class CryptoSession {
   public:
     CryptoSession();
     ~CryptoSession();
-    CryptoSession(const CryptoSession&) = delete;
-    CryptoSession& operator=(const CryptoSession&) = delete;
 
     bool Hash(uint32_t authCode, const RepeatedBytes& input, ByteBuffer& digest);
     bool Hash(uint32_t authCode, const ByteBuffer& input, ByteBuffer& digest) {

@@ -42,10 +42,7 @@ struct DesMaterial {
         std::memcpy(iv, privKey.data + sizeof key, sizeof iv);
         Xor(iv, salt);
     }
-    ~DesMaterial() {
-        SecureWipe(key, sizeof key);
-        SecureWipe(iv, sizeof iv);
-    }
+    ~DesMaterial() { SecureWipe(this, sizeof *this); }
     uint8_t key[kDesKeySize];
     uint8_t iv[kDesBlockSize];
 };

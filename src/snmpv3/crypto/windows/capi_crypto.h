@@ -1,11 +1,36 @@
-// MD5, SHA-1, their HMACs and DES with CryptoAPI. Failures are logged and leave the result empty.
+// MD5, SHA-1 and their HMACs with CryptoAPI. Failures are logged and leave the result empty.
 #pragma once
+
+#include <cstdint>
 
 #include "snmp/codec/byte_buffer.h"
 #include "snmpv3/crypto/crypto.h"
-#include "snmpv3/crypto/windows/capi_handles.h"
+#include "support/owned.h"
+#include "support/win.h"
+
+#include <wincrypt.h>
 
 namespace vndiscover {
+
+struct CryptProviderTraits {
+    using Value = HCRYPTPROV;
+    static Value Empty() noexcept { return 0; }
+    static void Close(Value provider) noexcept { CryptReleaseContext(provider, 0); }
+};
+using OwnedCryptProvider = Owned<CryptProviderTraits>;
+
+using OwnedCryptHash = Owned<ClosedBy<HCRYPTHASH, CryptDestroyHash>>;
+using OwnedCryptKey = Owned<ClosedBy<HCRYPTKEY, CryptDestroyKey>>;
+
+// To be called right after the failing function.
+inline int LastErrorForLog() noexcept { return static_cast<int>(GetLastError()); }
+
+constexpr uint32_t kMaxPlainKey = 64;
+
+// Imports a plain-text key. Empty on failure, which is logged, or if the key exceeds kMaxPlainKey
+// bytes.
+OwnedCryptKey ImportPlainKey(HCRYPTPROV provider, ALG_ID algorithm, const uint8_t* key,
+                             uint32_t length, DWORD flags);
 
 // One MD5 or SHA-1 hash, or its HMAC if there is a key.
 class CapiHash {
@@ -16,9 +41,6 @@ class CapiHash {
     bool Finish(ByteBuffer& digest);
 
   private:
-    bool Create(HCRYPTPROV provider, ALG_ID algorithm, HCRYPTKEY key);
-    void ChooseHmac(ALG_ID algorithm);
-
     uint32_t authCode_;
     OwnedCryptHash hash_;
 };
@@ -38,10 +60,7 @@ class CapiHasher {
 bool CapiHmac(uint32_t authCode, const ByteBuffer& key, const uint8_t* message, uint32_t length,
               ByteBuffer& mac);
 
-bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&block)[kDesBlockSize],
-                         uint8_t (&cipher)[kDesBlockSize]);
-
-bool CapiDesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesBlockSize],
-                    const uint8_t* cipher, uint32_t length, ByteBuffer& plain);
+// The MD5 of a whole file. Nothing in the module calls it.
+bool CapiHashFile(const char* path, ByteBuffer& digest);
 
 }  // namespace vndiscover

@@ -1,8 +1,8 @@
+// DES with CryptoAPI.
 #include <cstring>
 #include <utility>
 
 #include "snmpv3/crypto/windows/capi_crypto.h"
-#include "snmpv3/crypto/windows/capi_key_blob.h"
 #include "support/debug_log.h"
 #include "support/secure_wipe.h"
 
@@ -38,8 +38,9 @@ class DesKey {
 
 // Each block opens and closes its own key. The provider chains blocks, but with an IV of zero, so a
 // single block is plain DES.
-bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&block)[kDesBlockSize],
-                         uint8_t (&cipher)[kDesBlockSize]) {
+bool CryptoSession::DesEncryptBlock(const uint8_t (&key)[kDesKeySize],
+                                    const uint8_t (&block)[kDesBlockSize],
+                                    uint8_t (&cipher)[kDesBlockSize]) {
     const DesKey desKey(key);
     if (!desKey) return false;
     // The final call appends a block of padding, which is not used.
@@ -55,8 +56,9 @@ bool CapiDesEncryptBlock(const uint8_t (&key)[kDesKeySize], const uint8_t (&bloc
 // The call is not marked as the final one: that would require PKCS#5 padding, and reject or cut the
 // zeros, counts and garbage that agents append to a scoped PDU. All blocks are decrypted either
 // way.
-bool CapiDesDecrypt(const uint8_t (&key)[kDesKeySize], const uint8_t (&iv)[kDesBlockSize],
-                    const uint8_t* cipher, uint32_t length, ByteBuffer& plain) {
+bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
+                               const uint8_t (&iv)[kDesBlockSize], const uint8_t* cipher,
+                               uint32_t length, ByteBuffer& plain) {
     plain.Clear();
     const DesKey desKey(key);
     if (!desKey) return false;

@@ -1,15 +1,63 @@
+#include <cstddef>
+#include <cstring>
+
 #include "snmpv3/crypto/protocol_codes.h"
 #include "snmpv3/crypto/windows/capi_crypto.h"
-#include "snmpv3/crypto/windows/capi_key_blob.h"
 #include "support/debug_log.h"
 #include "support/secure_wipe.h"
 
 namespace vndiscover {
 namespace {
 
-ALG_ID AlgorithmOf(uint32_t authCode) { return authCode == kAuthMd5 ? CALG_MD5 : CALG_SHA1; }
+constexpr DWORD kChunkBytes = 4096;
+
+struct FileHandleTraits {
+    using Value = HANDLE;
+    static Value Empty() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Value file) noexcept { CloseHandle(file); }
+};
+using OwnedFileHandle = Owned<FileHandleTraits>;
+
+bool AddFile(HANDLE file, CapiHash& hash) {
+    uint8_t chunk[kChunkBytes];
+    for (;;) {
+        DWORD count = 0;
+        if (!ReadFile(file, chunk, sizeof chunk, &count, nullptr)) {
+            DebugLogA("Error [%d] ReadFile failed.\n", LastErrorForLog());
+            return false;
+        }
+        if (count == 0) return true;
+        if (!hash.Add(chunk, count)) return false;
+    }
+}
+
+struct PlainKeyBlob {
+    BLOBHEADER header;
+    DWORD length;
+    BYTE key[kMaxPlainKey];
+};
 
 }  // namespace
+
+OwnedCryptKey ImportPlainKey(HCRYPTPROV provider, ALG_ID algorithm, const uint8_t* key,
+                             uint32_t length, DWORD flags) {
+    OwnedCryptKey imported;
+    if (length > kMaxPlainKey) return imported;
+    PlainKeyBlob blob = {};
+    const WipeAtExit wipe(blob);
+    blob.header.bType = PLAINTEXTKEYBLOB;
+    blob.header.bVersion = CUR_BLOB_VERSION;
+    blob.header.aiKeyAlg = algorithm;
+    blob.length = length;
+    std::memcpy(blob.key, key, length);
+    const DWORD size = static_cast<DWORD>(offsetof(PlainKeyBlob, key)) + length;
+    if (!CryptImportKey(provider, reinterpret_cast<const BYTE*>(&blob), size, 0, flags,
+                        imported.Receive())) {
+        DebugLogA("Err %d\n", LastErrorForLog());
+        imported.Release();  // not a valid handle
+    }
+    return imported;
+}
 
 OwnedCryptProvider OpenHashProvider(DWORD flags) {
     OwnedCryptProvider provider;
@@ -23,32 +71,22 @@ OwnedCryptProvider OpenHashProvider(DWORD flags) {
 
 CapiHash::CapiHash(HCRYPTPROV provider, uint32_t authCode, HCRYPTKEY hmacKey)
     : authCode_(authCode) {
-    const ALG_ID algorithm = AlgorithmOf(authCode);
-    if (Create(provider, hmacKey ? CALG_HMAC : algorithm, hmacKey) && hmacKey) {
-        ChooseHmac(algorithm);
-    }
-}
-
-bool CapiHash::Create(HCRYPTPROV provider, ALG_ID algorithm, HCRYPTKEY key) {
-    if (CryptCreateHash(provider, algorithm, key, 0, hash_.Receive())) return true;
-    const int error = LastErrorForLog();
-    if (authCode_ == kAuthMd5) {
-        DebugLogA("Error CALG_MD5 [%d] CryptCreateHash failed.\n", error);
-    } else {
-        DebugLogA("Error CALG_SHA1 [%d] CryptCreateHash failed.\n", error);
-    }
-    hash_.Release();
-    return false;
-}
-
-void CapiHash::ChooseHmac(ALG_ID algorithm) {
     HMAC_INFO info = {};
-    info.HashAlgid = algorithm;
-    if (CryptSetHashParam(hash_.Get(), HP_HMAC_INFO, reinterpret_cast<const BYTE*>(&info), 0)) {
-        return;
+    info.HashAlgid = authCode == kAuthMd5 ? CALG_MD5 : CALG_SHA1;
+    if (!CryptCreateHash(provider, hmacKey ? CALG_HMAC : info.HashAlgid, hmacKey, 0,
+                         hash_.Receive())) {
+        const int error = LastErrorForLog();
+        if (authCode_ == kAuthMd5) {
+            DebugLogA("Error CALG_MD5 [%d] CryptCreateHash failed.\n", error);
+        } else {
+            DebugLogA("Error CALG_SHA1 [%d] CryptCreateHash failed.\n", error);
+        }
+        hash_.Release();  // not a valid handle
+    } else if (hmacKey && !CryptSetHashParam(hash_.Get(), HP_HMAC_INFO,
+                                             reinterpret_cast<const BYTE*>(&info), 0)) {
+        DebugLogA("Err %d\n", LastErrorForLog());
+        hash_.Reset();
     }
-    DebugLogA("Err %d\n", LastErrorForLog());
-    hash_.Reset();
 }
 
 bool CapiHash::Add(const uint8_t* bytes, uint32_t count) {
@@ -99,6 +137,20 @@ bool CapiHmac(uint32_t authCode, const ByteBuffer& key, const uint8_t* message, 
     if (!hmacKey) return false;
     CapiHash hash(provider.Get(), authCode, hmacKey.Get());
     return hash.Add(message, length) && hash.Finish(mac);
+}
+
+bool CapiHashFile(const char* path, ByteBuffer& digest) {
+    digest.Clear();
+    const OwnedFileHandle file(CreateFileA(path, GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                           OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!file) {
+        DebugLogA("Error [%d] opening file %s.\n", LastErrorForLog(), path);
+        return false;
+    }
+    const OwnedCryptProvider provider = OpenHashProvider(CRYPT_VERIFYCONTEXT);
+    if (!provider) return false;
+    CapiHash hash(provider.Get(), kAuthMd5);
+    return AddFile(file.Get(), hash) && hash.Finish(digest);
 }
 
 }  // namespace vndiscover

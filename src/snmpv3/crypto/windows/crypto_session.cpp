@@ -4,7 +4,6 @@
 #include "snmpv3/crypto/sha224.h"
 #include "snmpv3/crypto/windows/capi_crypto.h"
 #include "snmpv3/crypto/windows/cng_crypto.h"
-#include "snmpv3/crypto/windows/cng_library.h"
 
 namespace vndiscover {
 namespace {
@@ -63,18 +62,6 @@ bool CryptoSession::Hmac(uint32_t authCode, const ByteBuffer& key, const uint8_t
         default:
             return backEnds_->cng.Hmac(CngNumber(authCode), key, message, length, mac);
     }
-}
-
-bool CryptoSession::DesEncryptBlock(const uint8_t (&key)[kDesKeySize],
-                                    const uint8_t (&block)[kDesBlockSize],
-                                    uint8_t (&cipher)[kDesBlockSize]) {
-    return CapiDesEncryptBlock(key, block, cipher);
-}
-
-bool CryptoSession::DesDecrypt(const uint8_t (&key)[kDesKeySize],
-                               const uint8_t (&iv)[kDesBlockSize], const uint8_t* cipher,
-                               uint32_t length, ByteBuffer& plain) {
-    return CapiDesDecrypt(key, iv, cipher, length, plain);
 }
 
 }  // namespace vndiscover
