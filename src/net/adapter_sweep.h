@@ -1,6 +1,7 @@
 // Sends one datagram from every address of the host.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "net/adapter_table.h"
@@ -18,35 +19,31 @@ struct SweepRequest {
     int socketTimeoutMs;  // for CreateSocket
 };
 
-// Opens `sock` on the local address and sends. False: the send failed; this is logged and `sock` is
-// empty.
-bool SendRequest(SCKRAW& socket, OwnedSocket& sock, const SweepRequest& request,
-                 const char* bindAddress);
-
 // Goes through the addresses of the request's family:
 //
 //     while (adapters.Next()) ...  // the request was sent from Address(); `sock` takes the answers
 //
-// What is passed in must outlive it. Throws std::bad_alloc.
+// Opens and closes `sock`. What is passed in must outlive it. Throws std::bad_alloc.
 class AdapterSweep {
   public:
     AdapterSweep(SCKRAW& socket, OwnedSocket& sock,
                  const SweepRequest& request);  // lists the addresses
     ~AdapterSweep() { sock_.Reset(); }
-    AdapterSweep(const AdapterSweep&) = delete;
-    AdapterSweep& operator=(const AdapterSweep&) = delete;
 
-    // Closes `sock` and sends from the next address, skipping those whose send fails. False: there
-    // is none left.
+    // Sends from the next address, skipping those whose send fails. False: there is none left.
     bool Next();
+
+    // Opens `sock` anew on a local address and sends. False: the send failed, which is logged, and
+    // `sock` is empty.
+    bool SendFrom(const char* address);
 
     const char* Address() const { return address_; }
     // Kept: true for every IPv6 address.
-    bool IsLast() const { return request_.family == AF_INET6 || next_ == count_; }
+    bool IsLast() const { return IsIPv6() || next_ == count_; }
 
   private:
-    bool SendFromIPv4(uint32_t index);
-    bool SendFromIPv6(uint32_t index);
+    bool IsIPv6() const { return request_.family == AF_INET6; }
+    void ReadAddress(uint32_t index);
 
     SCKRAW& socket_;
     OwnedSocket& sock_;

@@ -20,49 +20,36 @@ bool TookNothing(int error) { return error != 0 && error != WSAEMSGSIZE; }
 }  // namespace
 
 bool DatagramCollector::Next(Datagram& datagram) {
-    while (!IsOver()) {
-        Receive(datagram);
+    while (isFirst_ || !IsOver()) {
+        isFirst_ = false;
+        datagram = {};
+        socket_.lastError = 0;  // left alone by an empty datagram, which is no time-out
+        datagram.length = socket_.RecvFromSocket(sock_, datagram.data, kMaxDatagram,
+                                                 datagram.sender, limits_.waitMs, takesQueued_);
         if (datagram.length >= 1) {
             errorsInARow_ = 0;
             CutZone(datagram.sender);
             DebugLogA("tszRecvAddr = [%s]\n", datagram.sender);
             return true;
         }
-        if (!GoesOnAfter(socket_.lastError)) return false;
+        if (socket_.lastError == SCKRAW_ERROR_TIMEOUT) {
+            if (limits_.logsTimeouts) DebugLogA("tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n");
+            return false;
+        }
+        if (socket_.lastError == WSANOTINITIALISED) {
+            DebugLogA("tszRecvAddr = WSAStartup failed\n");
+            return false;
+        }
+        // A single error, such as an unreachable port, passes. A socket that keeps failing does so
+        // without waiting, and must not keep a core busy until the time is up.
+        if (TookNothing(socket_.lastError) && ++errorsInARow_ > 1) Sleep(kErrorPauseMs);
     }
     return false;
 }
 
 bool DatagramCollector::IsOver() const {
-    return hasWaited_ && (stop_.load(std::memory_order_relaxed) != 0 ||
-                          GetTickCount() - started_ >= limits_.totalMs);
-}
-
-void DatagramCollector::Receive(Datagram& datagram) {
-    hasWaited_ = true;
-    datagram = {};
-    socket_.lastError = 0;  // an empty datagram leaves it alone and must not look like a time-out
-    if (takesQueued_ &&
-        socket_.TakeQueued(sock_, datagram.data, kMaxDatagram, datagram.sender, datagram.length)) {
-        return;
-    }
-    datagram.length =
-        socket_.RecvFromSocket(sock_, datagram.data, kMaxDatagram, datagram.sender, limits_.waitMs);
-}
-
-bool DatagramCollector::GoesOnAfter(int error) {
-    if (error == SCKRAW_ERROR_TIMEOUT) {
-        if (limits_.logsTimeouts) DebugLogA("tszRecvAddr = SCKRAW_ERROR_TIMEOUT\n");
-        return false;
-    }
-    if (error == WSANOTINITIALISED) {
-        DebugLogA("tszRecvAddr = WSAStartup failed\n");
-        return false;
-    }
-    // A single error, such as an unreachable port, passes. A socket that keeps failing does so
-    // without waiting, and must not keep a core busy until the time is up.
-    if (TookNothing(error) && ++errorsInARow_ > 1) Sleep(kErrorPauseMs);
-    return true;
+    return stop_.load(std::memory_order_relaxed) != 0 ||
+           GetTickCount() - started_ >= limits_.totalMs;
 }
 
 }  // namespace vndiscover

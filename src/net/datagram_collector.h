@@ -49,8 +49,6 @@ class DatagramCollector {
 
   private:
     bool IsOver() const;
-    void Receive(Datagram& datagram);
-    bool GoesOnAfter(int error);
 
     SCKRAW& socket_;
     const SOCKET sock_;
@@ -58,7 +56,7 @@ class DatagramCollector {
     const StopRequest& stop_;
     const DWORD started_;
     const bool takesQueued_;
-    bool hasWaited_ = false;
+    bool isFirst_ = true;
     uint32_t errorsInARow_ = 0;
 };
 

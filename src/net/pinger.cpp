@@ -1,6 +1,7 @@
 #include "net/pinger.h"
 
 #include <cstring>
+#include <memory>
 
 #include "net/sckraw.h"
 #include "support/debug_log.h"
@@ -19,26 +20,10 @@ struct alignas(ICMP_ECHO_REPLY) ReplyV4 {
 };
 static_assert(sizeof(ICMP_ECHO_REPLY) + kPayloadBytes == sizeof(ReplyV4), "one record and payload");
 
-using CloseFunction = decltype(&IcmpCloseHandle);
+// Closed with the function that was found for it.
+using OwnedIcmpHandle = std::unique_ptr<void, decltype(&IcmpCloseHandle)>;
 
-// An ICMP handle, closed with the function that was found for it. Empty() is what opening returns
-// on failure.
-class IcmpHandle {
-  public:
-    IcmpHandle(HANDLE handle, CloseFunction close) : handle_(handle), close_(close) {}
-    ~IcmpHandle() {
-        if (!Empty()) close_(handle_);
-    }
-    IcmpHandle(const IcmpHandle&) = delete;
-    IcmpHandle& operator=(const IcmpHandle&) = delete;
-
-    HANDLE Get() const { return handle_; }
-    bool Empty() const { return handle_ == INVALID_HANDLE_VALUE; }
-
-  private:
-    const HANDLE handle_;
-    const CloseFunction close_;
-};
+HANDLE NullIfInvalid(HANDLE handle) { return handle == INVALID_HANDLE_VALUE ? nullptr : handle; }
 
 uint32_t TargetV4(const char* address) {
     const uint32_t dotted = inet_addr(address);
@@ -75,12 +60,12 @@ int Pinger::EchoV4(const char* address, uint32_t timeoutMs) {
     if (!ready) return 0;
     const uint32_t target = TargetV4(address);
     if (target == INADDR_NONE) return 0;
-    const IcmpHandle handle(createFile(), closeHandle);
-    if (handle.Empty()) return 0;
+    const OwnedIcmpHandle handle(NullIfInvalid(createFile()), closeHandle);
+    if (!handle) return 0;
     ReplyV4 reply = {};
     char payload[sizeof kPayload];
     std::memcpy(payload, kPayload, sizeof payload);  // the call takes writable memory
-    const DWORD replies = sendEcho(handle.Get(), target, payload, kPayloadBytes, nullptr,
+    const DWORD replies = sendEcho(handle.get(), target, payload, kPayloadBytes, nullptr,
                                    reply.bytes, sizeof reply.bytes, timeoutMs);
     DebugLogW(L"IcmpSendEcho dwRetVal = %d\n", static_cast<int>(replies));
     ICMP_ECHO_REPLY first;
@@ -89,9 +74,9 @@ int Pinger::EchoV4(const char* address, uint32_t timeoutMs) {
 }
 
 int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
-    if (!ready || !ipHelper) return 0;
-    const auto createFileV6 = ipHelper.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
-    const auto sendEchoV6 = ipHelper.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
+    if (!ready || !ipHelper_) return 0;
+    const auto createFileV6 = ipHelper_.Find<decltype(&Icmp6CreateFile)>("Icmp6CreateFile");
+    const auto sendEchoV6 = ipHelper_.Find<decltype(&Icmp6SendEcho2)>("Icmp6SendEcho2");
     if (!createFileV6 || !sendEchoV6) return 0;  // some systems have neither
 
     OwnedAddressList target;
@@ -106,11 +91,11 @@ int Pinger::EchoV6(const char* address, uint32_t timeoutMs) {
     IP_OPTION_INFORMATION options = {};
     options.Ttl = kTimeToLive;
 
-    const IcmpHandle handle(createFileV6(), closeHandle);
-    if (handle.Empty()) return 0;
+    const OwnedIcmpHandle handle(NullIfInvalid(createFileV6()), closeHandle);
+    if (!handle) return 0;
     alignas(8) uint8_t reply[kReplyBytesV6] = {};
     uint8_t noData = 0;
-    const DWORD replies = sendEchoV6(handle.Get(), nullptr, nullptr, nullptr, &source, &destination,
+    const DWORD replies = sendEchoV6(handle.get(), nullptr, nullptr, nullptr, &source, &destination,
                                      &noData, 0, &options, reply, sizeof reply, timeoutMs);
     return replies != 0 ? 1 : 0;  // Kept: unlike IPv4, the reply's status is not examined.
 }

@@ -16,8 +16,6 @@ class Pinger {
   public:
     Pinger();
     ~Pinger();
-    Pinger(const Pinger&) = delete;
-    Pinger& operator=(const Pinger&) = delete;
 
     // 1: the target answered within timeoutMs; 0: it did not, or the request could not be sent.
     // Dotted IPv4 text is pinged over IPv4; anything else, even 255.255.255.255, over IPv6.
@@ -33,7 +31,7 @@ class Pinger {
 
     // Loaded before `library`: ICMP.DLL forwards to it by name, and would otherwise find a file
     // beside the host.
-    SystemLibrary ipHelper{L"IPHLPAPI.DLL"};
+    SystemLibrary ipHelper_{L"IPHLPAPI.DLL"};
     CreateFileFunction createFile = nullptr;
     CloseHandleFunction closeHandle = nullptr;
     SendEchoFunction sendEcho = nullptr;

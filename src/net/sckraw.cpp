@@ -25,6 +25,20 @@ bool SetIPv6MulticastOptions(SOCKET handle) {
            SetOption(handle, IPPROTO_IPV6, IPV6_MULTICAST_HOPS, &hops, 1);
 }
 
+// Null, or the line of the first option that cannot be set.
+const char* SetOptions(SOCKET handle, int family, int timeoutMs) {
+    const int enabled = 1;
+    if (!SetOption(handle, SOL_SOCKET, SO_RCVTIMEO, &timeoutMs, sizeof timeoutMs))
+        return "Failed to set Socket receive timeout\n";
+    if (!SetOption(handle, SOL_SOCKET, SO_SNDTIMEO, &timeoutMs, sizeof timeoutMs))
+        return "Failed to set Socket send timeout\n";
+    if (family == AF_INET && !SetOption(handle, SOL_SOCKET, SO_BROADCAST, &enabled, sizeof enabled))
+        return "Failed to set SO_BROADCAST\n";
+    if (family == AF_INET6 && !SetIPv6MulticastOptions(handle))
+        return "Failed to set IPV6_MULTICAST_LOOP\n";  // for either option
+    return nullptr;
+}
+
 void BindV6(SOCKET handle, const char* addressText) {
     sockaddr_in6 local = {};
     local.sin6_family = AF_INET6;
@@ -54,6 +68,9 @@ constexpr BindError kBindErrors[] = {{WSAEACCES, "   WSAEACCES\n"},
                                      {WSAENETDOWN, "   WSAENETDOWN\n"},
                                      {WSAENOBUFS, "   WSAENOBUFS\n"},
                                      {WSANOTINITIALISED, "   WSANOTINITIALISED\n"}};
+
+// On a socket that is neither bound nor used to send, a receive fails but a wait times out.
+bool IsNothingQueued(int error) { return error == WSAEWOULDBLOCK || error == WSAEINVAL; }
 
 // False: the wait timed out. If the wait fails, the receive that follows reports the error.
 bool WaitForDatagram(SOCKET handle, int timeoutMs) {
@@ -108,29 +125,11 @@ OwnedSocket SCKRAW::CreateSocket(int type, int protocol, int addressFamily, int 
     family = addressFamily;
     OwnedSocket created(WSASocketA(addressFamily, type, protocol, nullptr, 0, 0));
     if (!created) return created;
-    const SOCKET handle = created.Get();
-    if (!SetOption(handle, SOL_SOCKET, SO_RCVTIMEO, &timeoutMs, sizeof timeoutMs)) {
-        DebugLogA("Failed to set Socket receive timeout\n");
-        return created;
-    }
-    if (!SetOption(handle, SOL_SOCKET, SO_SNDTIMEO, &timeoutMs, sizeof timeoutMs)) {
-        DebugLogA("Failed to set Socket send timeout\n");
-        return created;
-    }
-    const bool hasBindAddress = bindAddress && *bindAddress;
-    if (addressFamily == AF_INET) {
-        const int enabled = 1;
-        if (!SetOption(handle, SOL_SOCKET, SO_BROADCAST, &enabled, sizeof enabled)) {
-            DebugLogA("Failed to set SO_BROADCAST\n");
-            return created;
-        }
-        if (hasBindAddress) BindV4(handle, bindAddress, 0);
-    } else if (addressFamily == AF_INET6) {
-        if (!SetIPv6MulticastOptions(handle)) {
-            DebugLogA("Failed to set IPV6_MULTICAST_LOOP\n");  // for either option
-            return created;
-        }
-        if (hasBindAddress) BindV6(handle, bindAddress);
+    if (const char* const failure = SetOptions(created.Get(), addressFamily, timeoutMs)) {
+        DebugLogA("%s", failure);
+    } else if (bindAddress && *bindAddress) {
+        if (addressFamily == AF_INET) BindV4(created.Get(), bindAddress, 0);
+        if (addressFamily == AF_INET6) BindV6(created.Get(), bindAddress);
     }
     return created;
 }
@@ -210,19 +209,21 @@ int SCKRAW::SendToSocket(OwnedSocket& handle, const char* host, int port, const 
     return sent;
 }
 
-int SCKRAW::RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs) {
-    return RecvFromSocket(sock.Get(), buffer, size, fromAddress, timeoutMs);
-}
-
-int SCKRAW::RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress,
-                           int timeoutMs) {
-    if (!WaitForDatagram(handle, timeoutMs)) {
-        DebugLogA("RecvFrom - Timeout\n");
-        lastError = SCKRAW_ERROR_TIMEOUT;
-        return 0;
+int SCKRAW::RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress, int timeoutMs,
+                           bool takesQueued) {
+    int received = takesQueued ? ReceiveNow(handle, buffer, size, fromAddress) : SOCKET_ERROR;
+    if (!takesQueued || (received == SOCKET_ERROR && IsNothingQueued(WSAGetLastError()))) {
+        if (!WaitForDatagram(handle, timeoutMs)) {
+            DebugLogA("RecvFrom - Timeout\n");
+            lastError = SCKRAW_ERROR_TIMEOUT;
+            return 0;
+        }
+        received = ReceiveNow(handle, buffer, size, fromAddress);
     }
-    const int received = ReceiveNow(handle, buffer, size, fromAddress);
-    return received != SOCKET_ERROR ? received : FailedReceive();
+    if (received != SOCKET_ERROR) return received;
+    lastError = WSAGetLastError();
+    DebugLogA("Receive Data failed - %d\n", static_cast<int>(lastError));
+    return 0;
 }
 
 void SCKRAW::RaiseReceiveBuffer(SOCKET handle) {
@@ -232,22 +233,6 @@ void SCKRAW::RaiseReceiveBuffer(SOCKET handle) {
 bool SCKRAW::StopBlocking(SOCKET handle) {
     u_long nonBlocking = 1;
     return ioctlsocket(handle, FIONBIO, &nonBlocking) == 0;
-}
-
-bool SCKRAW::TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received) {
-    received = ReceiveNow(handle, buffer, size, fromAddress);
-    if (received != SOCKET_ERROR) return true;
-    const int error = WSAGetLastError();
-    // On a socket that is neither bound nor used to send, a receive fails but a wait times out.
-    if (error == WSAEWOULDBLOCK || error == WSAEINVAL) return false;
-    received = FailedReceive();
-    return true;
-}
-
-int SCKRAW::FailedReceive() {
-    lastError = WSAGetLastError();
-    DebugLogA("Receive Data failed - %d\n", static_cast<int>(lastError));
-    return 0;
 }
 
 int SCKRAW::HasIPv6Address() {

@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-#include "net/owned_socket.h"
+#include "support/owned.h"
+#include "support/win.h"
 
 namespace vndiscover {
 
@@ -11,14 +12,24 @@ constexpr int32_t SCKRAW_ERROR_TIMEOUT = 1;  // lastError: a wait timed out
 constexpr int kMaxDatagram = 2048;           // bytes of a receive buffer
 constexpr int kSenderTextSize = 260;         // bytes that a fromAddress buffer must hold
 
+struct SocketTraits {
+    using Value = SOCKET;
+    static Value Empty() noexcept { return INVALID_SOCKET; }
+    static void Close(Value socket) noexcept {
+        const int error = WSAGetLastError();  // callers read it after a close
+        closesocket(socket);
+        WSASetLastError(error);
+    }
+};
+using OwnedSocket = Owned<SocketTraits>;
+using OwnedAddressList = Owned<ClosedBy<addrinfo*, freeaddrinfo>>;
+
 // Holds one WinSock start-up reference. For one thread at a time. Text is narrow, time-outs are in
 // milliseconds. Nothing throws.
 class SCKRAW {
   public:
     SCKRAW();
     ~SCKRAW();
-    SCKRAW(const SCKRAW&) = delete;
-    SCKRAW& operator=(const SCKRAW&) = delete;
 
     // Takes one WinSock reference for the module, once, and keeps it. Managers are destroyed within
     // DllMain, where releasing the process's last reference could deadlock: that unloads libraries.
@@ -48,24 +59,24 @@ class SCKRAW {
     int SendToSocket(OwnedSocket& handle, const char* host, int port, const void* data, int length);
 
     // RecvFromSocket on `sock`. Nothing in the module calls it.
-    int RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs);
+    int RecvFrom(void* buffer, int size, char* fromAddress, int timeoutMs) {
+        return RecvFromSocket(sock.Get(), buffer, size, fromAddress, timeoutMs);
+    }
 
     // Waits timeoutMs / 1000 whole seconds for one datagram. Returns the bytes received; 0 on
     // time-out or failure, and lastError tells which (an empty datagram leaves it alone).
     // fromAddress receives the sender's numeric address; it is null or has kSenderTextSize bytes.
-    int RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress, int timeoutMs);
+    // takesQueued: waits only if nothing is queued, since a wait costs more than the receive
+    // itself. Only for a socket for which StopBlocking returned true.
+    int RecvFromSocket(SOCKET handle, void* buffer, int size, char* fromAddress, int timeoutMs,
+                       bool takesQueued = false);
 
     // For sockets that collect many answers: enlarges the receive buffer so that a burst of 8,192
     // fits. A failure is not logged, since answers are then lost only in bursts.
     static void RaiseReceiveBuffer(SOCKET handle);
 
-    // Makes the socket non-blocking, as TakeQueued requires. False on failure.
+    // Makes the socket non-blocking. False on failure.
     static bool StopBlocking(SOCKET handle);
-
-    // Receives a datagram that is already queued, without a wait, which costs more than the receive
-    // itself. False: nothing is queued, or the socket cannot receive yet. Otherwise `received` is
-    // what RecvFromSocket would return, with the same log line and lastError on failure.
-    bool TakeQueued(SOCKET handle, void* buffer, int size, char* fromAddress, int& received);
 
     // 1 if the system's IPv6 stack has a wildcard address, otherwise 0.
     int HasIPv6Address();
@@ -73,9 +84,6 @@ class SCKRAW {
     OwnedSocket sock;
     int32_t family = AF_INET;
     int32_t lastError = 0;
-
-  private:
-    int FailedReceive();
 };
 
 }  // namespace vndiscover

@@ -70,7 +70,7 @@ void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t 
     // Kept: a stop request is not tested here; the Probe is still sent from each address.
     while (adapters.Next()) HandleEvents(timeout, adapters.IsLast());
     // Reaches responders on this computer that listen on the loopback address alone.
-    if (!useIPv6 && SendRequest(*socket, sock, request, kLoopback)) HandleEvents(timeout, true);
+    if (!useIPv6 && adapters.SendFrom(kLoopback)) HandleEvents(timeout, true);
 }
 
 // Kept: each adapter's phase fills the table from entry 0; earlier replies have been delivered.
