@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "lab.h"
-#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
 #include "snmp/codec/pdu.h"
 #include "snmp/codec/snmp_message.h"

@@ -1,7 +1,7 @@
 // Checks that the limits in the public header are those of the code.
 #include "interface/delivery/json_request.h"
 #include "interface/delivery/result_sink.h"
-#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/response_record.h"
 #include "snmp/codec/snmp_message.h"
 #include "snmpv3/codec/vx_snmpv3.h"

@@ -20,12 +20,6 @@ const char* OrDefault(const char* community) {
     return community && *community ? community : VN_DEFAULT_COMMUNITY;
 }
 
-OidValue OidOf(const char* text) {
-    OidValue oid;
-    ParseOidText(oid, text);
-    return oid;
-}
-
 // Returns the length, or 0 if the request cannot be encoded.
 int32_t BuildRequest(const OidValue& oid, const ValueView& value, uint8_t pduType,
                      const char* community, uint8_t (&out)[kMaxMessageSize]) {

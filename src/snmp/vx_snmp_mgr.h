@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "interface/delivery/result_sink.h"
-#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
 #include "snmp/codec/snmp_message.h"
 #include "snmp/codec/var_bind.h"

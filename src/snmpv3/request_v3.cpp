@@ -1,6 +1,6 @@
 #include "snmpv3/request_v3.h"
 
-#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {

@@ -6,7 +6,7 @@
 #include "helpers/snmp_datagrams.h"
 #include "interface/delivery/json_doc.h"
 #include "interface/delivery/json_request.h"
-#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/pdu.h"
 #include "snmp/codec/snmp_message.h"
 #include "snmpv3/codec/message_reader.h"

@@ -3,16 +3,43 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <string>
-#include <vector>
+#include <cstring>
 
-#include "snmp/codec/asn_encode.h"
-#include "snmp/codec/text_tokenizer.h"
+#include "snmp/codec/asn.h"
 #include "support/debug_log.h"
 #include "support/hex_text.h"
 
 namespace vndiscover {
 namespace {
+
+const char kBlanks[] = " \t\n\r";
+const char kTrimmed[] = " \t\n\r\"";
+
+bool IsOneOf(char c, const char* set) { return c != '\0' && std::strchr(set, c) != nullptr; }
+
+bool IsBlank(const std::string& piece) {
+    return piece.find_first_not_of(kBlanks) == std::string::npos;
+}
+
+std::string Trim(const std::string& piece) {
+    const size_t first = piece.find_first_not_of(kTrimmed);
+    if (first == std::string::npos) return {};
+    return piece.substr(first, piece.find_last_not_of(kTrimmed) - first + 1);
+}
+
+// Reads one piece and leaves `text` at the delimiter or the end after it.
+std::string ReadPiece(const char*& text, const char* delimiters) {
+    std::string piece;
+    char quote = '\0';
+    for (; *text && (quote || !IsOneOf(*text, delimiters)); ++text) {
+        if (quote ? *text == quote : (*text == '"' || *text == '\'')) {
+            quote = quote ? '\0' : *text;
+        } else if (piece.size() < kMaxPieceChars) {
+            piece += *text;
+        }
+    }
+    return piece;
+}
 
 int ReadArc(const std::string& piece) {
     const long value = std::strtol(piece.c_str(), nullptr, 10);
@@ -52,6 +79,21 @@ std::vector<uint8_t> EncodeArcs(const std::vector<int>& arcs) {
 
 }  // namespace
 
+std::vector<std::string> SplitText(const char* text, const char* delimiters) {
+    std::vector<std::string> pieces;
+    bool delimiterBefore = false;
+    for (;;) {
+        std::string piece = ReadPiece(text, delimiters);
+        const bool delimiterAfter = *text != '\0';
+        if (!IsBlank(piece) || (delimiterBefore && delimiterAfter)) {
+            pieces.push_back(Trim(piece));
+        }
+        if (!delimiterAfter || pieces.size() == kMaxPieces) return pieces;
+        delimiterBefore = true;
+        ++text;
+    }
+}
+
 int32_t ParseOidText(OidValue& out, const char* text) {
     const std::vector<int> arcs = ReadArcs(text);
     DebugLogA("OID length [%d]\n", CountForLog(arcs));
@@ -63,6 +105,12 @@ int32_t ParseOidText(OidValue& out, const char* text) {
     out.length = static_cast<uint8_t>(content.size());
     std::copy(content.begin(), content.end(), out.content);
     return length;
+}
+
+OidValue OidOf(const char* text) {
+    OidValue oid;
+    ParseOidText(oid, text);
+    return oid;
 }
 
 }  // namespace vndiscover

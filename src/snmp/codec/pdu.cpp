@@ -2,8 +2,7 @@
 
 #include <cstring>
 
-#include "snmp/codec/asn_decode.h"
-#include "snmp/codec/asn_encode.h"
+#include "snmp/codec/asn.h"
 
 namespace vndiscover {
 namespace {

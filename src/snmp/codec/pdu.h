@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/byte_buffer.h"
 #include "snmp/codec/var_bind.h"
 #include "support/secure_wipe.h"

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "snmp/codec/byte_buffer.h"
 
@@ -31,10 +32,18 @@ struct ResponseRecord {
 };
 static_assert(sizeof(ResponseRecord) == kResponseRecordSize, "the size of the host's record");
 
-// Clears every field.
-void InitResponseRecord(ResponseRecord& record);
-
 // Frees engineId.
-void FreeResponseRecord(ResponseRecord& record);
+inline void FreeResponseRecord(ResponseRecord& record) { record.engineId.Clear(); }
+
+// Clears every field.
+inline void InitResponseRecord(ResponseRecord& record) {
+    FreeResponseRecord(record);
+    record.valueTag = record.valueLength = record.nameLength = 0;
+    std::memset(record.address, 0, sizeof record.address);
+    std::memset(record.value, 0, sizeof record.value);
+    std::memset(record.name, 0, sizeof record.name);
+    record.engineBoots = record.engineTime = 0;
+    record.msgMaxSize = 0;
+}
 
 }  // namespace vndiscover

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "snmp/codec/ber_tags.h"
+#include "snmp/codec/asn.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
 #include "support/hex_text.h"

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "snmp/codec/asn_encode.h"
+#include "snmp/codec/asn.h"
 #include "snmpv3/codec/usm_header.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn.h"
 #include "snmpv3/codec/usm_header.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"

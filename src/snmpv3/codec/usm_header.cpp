@@ -2,8 +2,7 @@
 
 #include <vector>
 
-#include "snmp/codec/asn_decode.h"
-#include "snmp/codec/asn_encode.h"
+#include "snmp/codec/asn.h"
 #include "snmpv3/crypto/privacy.h"
 #include "support/copy_text.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
 #include "snmpv3/codec/message_builder.h"
 #include "snmpv3/codec/message_keys.h"

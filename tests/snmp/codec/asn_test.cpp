@@ -3,10 +3,8 @@
 
 #include "helpers/log_capture.h"
 #include "helpers/snmp_datagrams.h"
-#include "snmp/codec/asn_decode.h"
-#include "snmp/codec/asn_encode.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
-#include "snmp/codec/text_tokenizer.h"
 
 namespace vndiscover {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "helpers/snmp_datagrams.h"
-#include "snmp/codec/asn_decode.h"
+#include "snmp/codec/asn.h"
 #include "snmp/codec/pdu.h"
 
 #if defined(__has_feature)
