@@ -78,7 +78,8 @@ void Prepare(VxSNMPv3& message, bool secured) {
 // range(0): 1 with authentication and privacy.
 void EncodeV3(benchmark::State& state) {
     const CryptoLibraries libraries(kAuthSha1, kPrivAes);
-    VxSNMPv3 message;
+    PasswordKeys keys;
+    VxSNMPv3 message(&keys);
     Prepare(message, state.range(0) != 0);
     for (auto _ : state) benchmark::DoNotOptimize(message.Encode().length);
 }
@@ -86,7 +87,8 @@ BENCHMARK(EncodeV3)->ArgName("authPriv")->Arg(0)->Arg(1)->Repetitions(5);
 
 void DecodeV3(benchmark::State& state) {
     const CryptoLibraries libraries(kAuthSha1, kPrivAes);
-    VxSNMPv3 sender, reader;
+    PasswordKeys keys;
+    VxSNMPv3 sender(&keys), reader(&keys);
     Prepare(sender, state.range(0) != 0);
     Prepare(reader, state.range(0) != 0);
     const ByteBuffer datagram = sender.Encode();
@@ -126,7 +128,7 @@ void OneKey(benchmark::State& state) {
     const ByteBuffer password = BufferOf(kAuthPassword, sizeof kAuthPassword - 1);
     const ByteBuffer engine = BufferOf(kEngineId, sizeof kEngineId - 1);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(PasswordToKey(crypto, kAuthSha1, password, engine));
+        benchmark::DoNotOptimize(PasswordKeys().LocalisedKey(crypto, kAuthSha1, password, engine));
     }
 }
 BENCHMARK(OneKey)->Repetitions(5);

@@ -13,7 +13,6 @@
 namespace vndiscover {
 namespace {
 
-constexpr ValueView kNullValue = {kTagNull, 0, nullptr};
 constexpr int32_t kAnswerSize = 260;
 
 const char* OrDefault(const char* community) {

@@ -7,7 +7,7 @@ namespace vndiscover {
 std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
                                         const EngineValues& engine, uint8_t pduType,
                                         const char* oid) {
-    auto request = std::make_unique<VxSNMPv3>(security.Keys());
+    auto request = std::make_unique<VxSNMPv3>(&security.Keys());
     security.ApplyTo(*request);
     request->SetEngine(engine.id, engine.boots, engine.time);
     request->SetMsgMaxSize(engine.msgMaxSize);

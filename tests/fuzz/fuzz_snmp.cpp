@@ -9,7 +9,7 @@
 #include "snmp/codec/asn.h"
 #include "snmp/codec/pdu.h"
 #include "snmp/codec/snmp_message.h"
-#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/codec/message.h"
 #include "snmpv3/crypto/crypto.h"
 #include "snmpv3/crypto/privacy.h"
 #include "snmpv3/crypto/protocol_codes.h"

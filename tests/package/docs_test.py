@@ -35,7 +35,7 @@ FIGURES = [
     ("docs/security.md", r"(\d+) threads that each", "tests/hardening/host_test.cpp", r"after = run\((\d+)\)"),
     ("docs/security.md", r"unload, (\d+) times in one process", "tests/hardening/host_test.cpp", r"std::atoi\(setting\) : (\d+);"),
     ("docs/host-guide.md", r"Request: fewer than ([\d,]+) bytes", "include/vndiscover.h", r"VN_JSON_REQUEST_SIZE (\d+)"),
-    ("docs/host-guide.md", r"`userName` \| fewer than (\d+) bytes", "src/snmpv3/codec/usm_header.cpp", r"kSavedNameSize = (\d+);"),
+    ("docs/host-guide.md", r"`userName` \| fewer than (\d+) bytes", "src/snmpv3/codec/message_builder.cpp", r"kSavedNameSize = (\d+);"),
     ("docs/host-guide.md", r"assumes (\d+) \(", "include/vndiscover.h", r"VN_INFORMATION_SIZE (\d+)"),
     ("docs/protocol-behaviours.md", r"Every message carries message identifier (\d+)", "src/snmpv3/codec/message_builder.cpp", r"kDefaultMsgId = (\d+);"),
 ]

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 
+#include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
 
 namespace vndiscover {
@@ -41,6 +42,7 @@ struct ValueView {
     int32_t length;  // bytes in content
     const uint8_t* content;
 };
+constexpr ValueView kNullValue = {kTagNull, 0, nullptr};
 
 // Returns 0, or -1 if the name or the value does not fit the record, which is then left alone.
 int32_t MakeVarBind(const OidValue& name, const ValueView& value, VarBindRecord& out);

@@ -1,17 +1,20 @@
-#include "snmpv3/codec/message_builder.h"
+#include "snmpv3/codec/message.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
+#include <vector>
 
 #include "snmp/codec/asn.h"
-#include "snmpv3/codec/usm_header.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"
+#include "support/copy_text.h"
 
 namespace vndiscover {
 namespace {
 
 constexpr uint32_t kDefaultMsgId = 256;
+constexpr size_t kSavedNameSize = 128;  // with its terminator
 
 void ChooseMsgId(MessageRecord& message) {
     if (message.msgId != 0) return;
@@ -34,12 +37,44 @@ ByteBuffer EncodeHeader(MessageRecord& message) {
     return header;
 }
 
+void AppendString(const ByteBuffer& bytes, ByteBuffer& dest) {
+    AsnAppendOctetString(bytes.data, static_cast<int32_t>(bytes.length), dest);
+}
+
+void FillPlaceholder(ByteBuffer& field, uint32_t size) {
+    const std::vector<uint8_t> zeros(size);
+    if (field.Empty()) field.Assign(zeros.data(), static_cast<int32_t>(size));
+}
+
+// Parameters that are still empty take up the size that their protocols send.
+void FillPlaceholders(UsmParameters& usm) {
+    if (usm.authProtocol == kAuthNone) {
+        usm.authParameters.Clear();
+    } else {
+        FillPlaceholder(usm.authParameters, MacLength(usm.authProtocol));
+    }
+    if (usm.privProtocol == kPrivDes || usm.privProtocol == kPrivAes) {
+        FillPlaceholder(usm.privParameters, kSaltSize);
+    }
+}
+
+void AppendUsm(const UsmParameters& usm, ByteBuffer& dest) {
+    ByteBuffer fields;
+    AppendString(usm.engineId, fields);
+    AsnAppendInteger(usm.engineBoots, fields);
+    AsnAppendInteger(usm.engineTime, fields);
+    AppendString(usm.userName, fields);
+    AppendString(usm.authParameters, fields);
+    AppendString(usm.privParameters, fields);
+    ByteBuffer sequence;
+    AsnAppendWrapped(sequence, kTagSequence, fields);
+    AsnAppendWrapped(dest, kTagOctetString, sequence);
+}
+
 ByteBuffer EncodeScopedPdu(ScopedPdu& scoped) {
     ByteBuffer fields;
-    AsnAppendOctetString(scoped.contextEngineId.data,
-                         static_cast<int32_t>(scoped.contextEngineId.length), fields);
-    AsnAppendOctetString(scoped.contextName.data, static_cast<int32_t>(scoped.contextName.length),
-                         fields);
+    AppendString(scoped.contextEngineId, fields);
+    AppendString(scoped.contextName, fields);
     EncodePdu(scoped.pdu, fields);  // cannot fail: SetOid and DecodePdu check the bindings
     ByteBuffer encoded;
     AsnAppendWrapped(encoded, kTagSequence, fields);
@@ -62,14 +97,23 @@ ByteBuffer Encrypted(MessageRecord& message, const ByteBuffer& scoped, const Byt
     return wrapped;
 }
 
-void Assemble(MessageRecord& message, const ByteBuffer& header, const ByteBuffer& scoped) {
+// Kept: an engine discovery truncates the stored name at its first zero byte.
+void RestoreNameAsText(ByteBuffer& userName) {
+    char saved[kSavedNameSize] = {};
+    FillField(saved, sizeof saved - 1, userName.data, userName.length);
+    userName.Assign(reinterpret_cast<const uint8_t*>(saved),
+                    static_cast<int32_t>(strnlen(saved, sizeof saved)));
+}
+
+ByteBuffer Assembled(const ByteBuffer& header, const UsmParameters& usm, const ByteBuffer& scoped) {
     ByteBuffer content;
     AsnAppendInteger(kMsgVersion3, content);
     content.Append(header);
-    EncodeUsm(message.usm, content);
+    AppendUsm(usm, content);
     content.Append(scoped);
-    message.encoded.Clear();
-    AsnAppendWrapped(message.encoded, kTagSequence, content);
+    ByteBuffer whole;
+    AsnAppendWrapped(whole, kTagSequence, content);
+    return whole;
 }
 
 }  // namespace
@@ -78,17 +122,24 @@ void BuildMessage(MessageRecord& message, const MessageKeys& keys, CryptoSession
     UsmParameters& usm = message.usm;
     ChooseMsgId(message);
     const ByteBuffer header = EncodeHeader(message);
-    ByteBuffer scoped = EncodeScopedPdu(message.scoped);
-    if (message.UsesPriv()) scoped = Encrypted(message, scoped, keys.priv, crypto);
+    if (message.IsEngineDiscovery()) {
+        // Empty fields, even if a report without an engine ID has filled some of them.
+        message.encoded = Assembled(header, UsmParameters(), EncodeScopedPdu(message.scoped));
+        RestoreNameAsText(usm.userName);
+        return;
+    }
     // The HMAC is computed over zeros in its own place, not over an earlier message's HMAC.
     if (message.UsesAuth()) usm.authParameters.Clear();
-    Assemble(message, header, scoped);
+    FillPlaceholders(usm);
+    ByteBuffer scoped = EncodeScopedPdu(message.scoped);
+    if (message.UsesPriv()) scoped = Encrypted(message, scoped, keys.priv, crypto);
+    message.encoded = Assembled(header, usm, scoped);
     if (!message.UsesAuth()) return;
     const ByteBuffer mac = TruncatedHmac(crypto, usm.authProtocol, keys.auth, message.encoded.data,
                                          message.encoded.length);
     if (mac.Empty()) return;
     usm.authParameters = mac;
-    Assemble(message, header, scoped);
+    message.encoded = Assembled(header, usm, scoped);
 }
 
 }  // namespace vndiscover

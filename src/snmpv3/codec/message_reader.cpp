@@ -1,10 +1,9 @@
-#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/codec/message.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "snmp/codec/asn.h"
-#include "snmpv3/codec/usm_header.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"
 #include "support/debug_log.h"
@@ -40,6 +39,30 @@ uint32_t ReadHeader(MessageRecord& message, const ByteBuffer& in, uint32_t curso
     uint32_t securityModel = 0;
     cursor = ReadUnsigned(securityModel, in, cursor);
     if (securityModel != message.securityModel || cursor > end) throw AsnDecodeError();
+    return end;
+}
+
+// The position of the answer's authentication parameters in the datagram.
+struct ReceivedMac {
+    uint32_t start = 0;  // of their OCTET STRING
+    uint32_t end = 0;    // past it
+};
+
+uint32_t ReadUsm(UsmParameters& usm, const ByteBuffer& in, uint32_t cursor, ReceivedMac& mac) {
+    uint32_t length = AsnEnter(in, cursor, kTagOctetString);
+    const uint32_t end = cursor + length;
+    length = AsnEnter(in, cursor, kTagSequence);
+    if (cursor > end || length > end - cursor) throw AsnDecodeError();
+    const uint32_t fieldsEnd = cursor + length;
+    cursor = AsnReadOctetString(usm.engineId, in, cursor);
+    cursor = AsnReadInteger(usm.engineBoots, in, cursor);
+    cursor = AsnReadInteger(usm.engineTime, in, cursor);
+    cursor = AsnReadOctetString(usm.userName, in, cursor);
+    mac.start = cursor;
+    cursor = AsnReadOctetString(usm.authParameters, in, cursor);
+    mac.end = cursor;
+    cursor = AsnReadOctetString(usm.privParameters, in, cursor);
+    if (cursor > fieldsEnd) throw AsnDecodeError();
     return end;
 }
 
@@ -97,7 +120,7 @@ int32_t ReadMessage(MessageRecord& message, const MessageKeys& keys, CryptoSessi
     cursor = AsnReadInteger(message.receivedVersion, in, cursor);
     cursor = ReadHeader(message, in, cursor);
     ReceivedMac mac;
-    cursor = DecodeUsm(message.usm, in, cursor, mac);
+    cursor = ReadUsm(message.usm, in, cursor, mac);
     ZeroMac(mac, message.usm.authParameters.length, datagram);
     if (message.UsesAuth()) CheckMac(message, keys.auth, crypto, datagram, in.length);
     if (message.UsesPriv()) {

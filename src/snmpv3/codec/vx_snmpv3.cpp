@@ -4,14 +4,66 @@
 
 #include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
-#include "snmpv3/codec/message_builder.h"
-#include "snmpv3/codec/message_keys.h"
-#include "snmpv3/codec/message_reader.h"
+#include "snmpv3/codec/message.h"
 #include "snmpv3/crypto/crypto.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
 namespace {
+
+enum class Direction { kEncode, kDecode };
+
+bool IsKnown(uint32_t authCode) { return authCode >= kAuthMd5 && authCode <= kAuthSha512; }
+
+// SHA-2 hashes of the platform; the module's own SHA-224 is not logged.
+bool IsSha2(uint32_t authCode) { return authCode >= kAuthSha256 && authCode <= kAuthSha512; }
+
+void LogNoKey(Direction direction, uint32_t authCode) {
+    const int code = static_cast<int>(authCode);
+    if (direction == Direction::kEncode) {
+        DebugLogA("Not support Authentication protocol:%d\n", code);
+    } else {
+        DebugLogA("ERROR:not yet supported HASH VALUE:%d\n", code);
+    }
+}
+
+void LogPrivacyKey(Direction direction, uint32_t authCode, uint32_t privCode) {
+    if (privCode == kPrivDes && authCode == kAuthSha1) {
+        DebugLogA("=====pkey for privacy password (SHA1) w/ DES===== \n");
+    } else if (privCode == kPrivDes && IsSha2(authCode)) {
+        DebugLogA("=====akey for authentication password (SHA2)===== \n");  // Kept: the label
+    } else if (privCode == kPrivAes && IsSha2(authCode) && direction == Direction::kDecode) {
+        DebugLogA("=====In SHA2 for _userSecurityModel._authenticationSecret  AES=====\n");
+    }
+}
+
+// Derives the keys that the message's flags require from its passwords and its engine ID. An engine
+// discovery has none, and neither an empty password nor null passwordKeys give any. An unknown
+// authentication protocol gives none and is logged.
+MessageKeys PrepareKeys(const MessageRecord& message, Direction direction,
+                        PasswordKeys* passwordKeys, CryptoSession& crypto) {
+    const UsmParameters& usm = message.usm;
+    const uint32_t authCode = usm.authProtocol;
+    const auto keyOf = [&](const ByteBuffer& password) {
+        if (!passwordKeys) return ByteBuffer();
+        return passwordKeys->LocalisedKey(crypto, authCode, password, usm.engineId);
+    };
+    MessageKeys keys;
+    if (message.UsesAuth()) {
+        if (IsKnown(authCode)) {
+            keys.auth = keyOf(usm.authPassword);
+        } else {
+            LogNoKey(direction, authCode);
+        }
+    }
+    const bool knownPrivacy = usm.privProtocol == kPrivDes || usm.privProtocol == kPrivAes;
+    if (message.UsesPriv() && knownPrivacy && IsKnown(authCode)) {
+        LogPrivacyKey(direction, authCode, usm.privProtocol);
+        // The privacy key too is localised with the authentication protocol's hash.
+        keys.priv = keyOf(usm.privPassword);
+    }
+    return keys;
+}
 
 void AssignText(ByteBuffer& field, const char* text) {
     field.Assign(reinterpret_cast<const uint8_t*>(text),
@@ -23,7 +75,7 @@ void AssignText(ByteBuffer& field, const char* text) {
 const ByteBuffer& VxSNMPv3::Encode() {
     DebugLogA("VxSNMPv3::Encode()\n");
     CryptoSession crypto;
-    const MessageKeys keys = PrepareKeys(message_, Direction::kEncode, *passwords_, crypto);
+    const MessageKeys keys = PrepareKeys(message_, Direction::kEncode, passwordKeys_, crypto);
     BuildMessage(message_, keys, crypto);
     return message_.encoded;
 }
@@ -31,7 +83,7 @@ const ByteBuffer& VxSNMPv3::Encode() {
 int32_t VxSNMPv3::Decode(uint8_t* berBuffer, int length) {
     DebugLogA("VxSNMPv3::Decode(LPBYTE berBuffer, int length)\n");
     CryptoSession crypto;
-    const MessageKeys keys = PrepareKeys(message_, Direction::kDecode, *passwords_, crypto);
+    const MessageKeys keys = PrepareKeys(message_, Direction::kDecode, passwordKeys_, crypto);
     // After a failed decode the request's bindings must not pass for the answer's.
     SetVarBindList(nullptr, 0, message_.scoped.pdu.bindings);
     try {
@@ -68,20 +120,12 @@ void VxSNMPv3::SetEngine(const ByteBuffer& id, int32_t boots, int32_t time) {
     message_.usm.engineTime = time;
 }
 
-void VxSNMPv3::SetMsgMaxSize(uint32_t msgMaxSize) { message_.msgMaxSize = msgMaxSize; }
-
-void VxSNMPv3::SetMsgId(uint32_t msgId) { message_.msgId = msgId; }
-
-void VxSNMPv3::SetRequestId(int32_t requestId) { message_.scoped.pdu.requestId = requestId; }
-
-void VxSNMPv3::SetPduType(uint8_t pduType) { message_.scoped.pdu.pduType = pduType; }
-
 bool VxSNMPv3::SetOid(const char* dotted) {
     VarBindList& list = message_.scoped.pdu.bindings;
     SetVarBindList(nullptr, 0, list);
     OidValue name;
     if (ParseOidText(name, dotted) > kMaxNameContent) return false;
-    if (MakeVarBind(name, ValueView{kTagNull, 0, nullptr}, asked_) != 0) return false;
+    if (MakeVarBind(name, kNullValue, asked_) != 0) return false;
     SetVarBindList(&asked_, 1, list);
     return true;
 }

@@ -5,7 +5,7 @@
 
 #include "snmp/codec/byte_buffer.h"
 #include "snmp/codec/var_bind.h"
-#include "snmpv3/codec/message_record.h"
+#include "snmpv3/codec/message.h"
 #include "snmpv3/crypto/keys.h"
 
 namespace vndiscover {
@@ -13,15 +13,13 @@ namespace vndiscover {
 constexpr uint32_t kMaxUserName = 127;  // bytes
 
 // Starts as an engine discovery, an empty message without security. Decoding the report sets the
-// engine, and the next Encode builds a full request with the flags set by then. Passwords and keys
-// are wiped on destruction. Throws std::bad_alloc.
+// engine, and the next Encode builds a full request with the flags set by then. Passwords are
+// wiped on destruction. Throws std::bad_alloc.
 class VxSNMPv3 {
   public:
-    // passwordKeys outlives the object and is shared by the messages of one call.
-    explicit VxSNMPv3(PasswordKeys& passwordKeys) : passwords_(&passwordKeys) {}
-    VxSNMPv3() : passwords_(&own_) {}
-    VxSNMPv3(const VxSNMPv3&) = delete;
-    VxSNMPv3& operator=(const VxSNMPv3&) = delete;
+    // passwordKeys is shared by the messages of one call, and outlives every Encode and Decode.
+    // Without it, for an engine discovery, no key is derived.
+    explicit VxSNMPv3(PasswordKeys* passwordKeys = nullptr) : passwordKeys_(passwordKeys) {}
 
     /**
      * Builds the datagram, which is valid until the next Encode. An empty password or an unknown
@@ -46,11 +44,11 @@ class VxSNMPv3 {
     void SetPrivacy(uint32_t privCode, const char* password);
     void SetFlags(bool auth, bool priv);
     void SetEngine(const ByteBuffer& id, int32_t boots, int32_t time);
-    void SetMsgMaxSize(uint32_t msgMaxSize);
-    void SetPduType(uint8_t pduType);
+    void SetMsgMaxSize(uint32_t msgMaxSize) { message_.msgMaxSize = msgMaxSize; }
+    void SetPduType(uint8_t pduType) { message_.scoped.pdu.pduType = pduType; }
     // 0 means a fixed identifier. Nothing in the module calls these two.
-    void SetMsgId(uint32_t msgId);
-    void SetRequestId(int32_t requestId);
+    void SetMsgId(uint32_t msgId) { message_.msgId = msgId; }
+    void SetRequestId(int32_t requestId) { message_.scoped.pdu.requestId = requestId; }
     // The OID to request; text with fewer than two arcs requests the empty OID. False: it does not
     // fit a binding, and nothing is requested.
     bool SetOid(const char* dotted);
@@ -61,12 +59,14 @@ class VxSNMPv3 {
     uint32_t MsgMaxSize() const { return message_.msgMaxSize; }
     // The request's bindings, or after Decode the answer's. Valid until the next Decode or SetOid.
     const VarBindList& Bindings() const { return message_.scoped.pdu.bindings; }
+    const VarBindRecord* FirstBinding() const {  // or null
+        return Bindings().count > 0 ? Bindings().bindings : nullptr;
+    }
     // All of the message.
     const MessageRecord& Record() const { return message_; }
 
   private:
-    PasswordKeys own_;
-    PasswordKeys* passwords_;
+    PasswordKeys* const passwordKeys_;
     MessageRecord message_;
     VarBindRecord asked_ = {};
 };

@@ -57,11 +57,6 @@ ByteBuffer PasswordKeys::LocalisedKey(CryptoSession& crypto, uint32_t authCode,
     return key;
 }
 
-ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
-                         const ByteBuffer& engineId) {
-    return PasswordKeys().LocalisedKey(crypto, authCode, password, engineId);
-}
-
 ByteBuffer TruncatedHmac(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& key,
                          const uint8_t* message, uint32_t length) {
     ByteBuffer mac;

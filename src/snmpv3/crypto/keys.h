@@ -32,10 +32,6 @@ class PasswordKeys {
     size_t next_ = 0;  // to be replaced
 };
 
-// LocalisedKey without a cache.
-ByteBuffer PasswordToKey(CryptoSession& crypto, uint32_t authCode, const ByteBuffer& password,
-                         const ByteBuffer& engineId);
-
 /**
  * Computes the authentication parameters of a whole message in which their field is zero.
  * @return The truncated HMAC. Empty without a key, or if hashing fails, which is logged. A code

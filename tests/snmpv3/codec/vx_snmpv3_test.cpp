@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "helpers/log_capture.h"
+#include "helpers/password_to_key.h"
 #include "helpers/snmp_datagrams.h"
 #include "snmpv3/codec/security_settings.h"
 #include "snmpv3/crypto/crypto.h"
@@ -22,7 +23,8 @@ class EncodeTest : public testing::Test {
     }
     Bytes Encoded() { return ToBytes(message_.Encode()); }
 
-    VxSNMPv3 message_;
+    PasswordKeys keys_;
+    VxSNMPv3 message_{&keys_};
     V3Datagram sent_ = V3RequestFields(kSysName);  // the expected request
 };
 
@@ -168,7 +170,8 @@ class DecodeTest : public testing::Test {
         return answer_.Build();
     }
 
-    VxSNMPv3 message_;
+    PasswordKeys keys_;
+    VxSNMPv3 message_{&keys_};
     V3Datagram answer_;
     CryptoSession crypto_;
     ByteBuffer authKey_;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "helpers/log_capture.h"
+#include "helpers/password_to_key.h"
 #include "helpers/snmp_datagrams.h"
 #include "snmpv3/crypto/keys.h"
 #include "snmpv3/crypto/privacy.h"

@@ -1,4 +1,4 @@
-// The contents of an SNMPv3 message (RFC 3412, RFC 3414):
+// An SNMPv3 message (RFC 3412, RFC 3414), and how it is built and read:
 //
 //     30 len
 //        INTEGER 3                                            msgVersion
@@ -16,6 +16,7 @@
 
 #include "snmp/codec/byte_buffer.h"
 #include "snmp/codec/pdu.h"
+#include "snmpv3/crypto/crypto.h"
 #include "snmpv3/crypto/protocol_codes.h"
 
 namespace vndiscover {
@@ -70,5 +71,20 @@ struct MessageKeys {
     ByteBuffer auth;
     ByteBuffer priv;
 };
+
+// Encodes the message into message.encoded. Without the authentication key that its flags require,
+// the message carries zeros for authentication parameters. Without the privacy key, an empty OCTET
+// STRING takes the place of the scoped PDU, which is never sent in the clear.
+void BuildMessage(MessageRecord& message, const MessageKeys& keys, CryptoSession& crypto);
+
+/**
+ * Reads an answer into message. Throws AsnDecodeError; fields read until then keep their values.
+ * Kept: an answer whose HMAC is wrong or unchecked is used all the same, and only the log says so.
+ * Its flags replace the caller's.
+ * @param datagram  Its authentication parameters are zeroed.
+ * @return The length of the message.
+ */
+int32_t ReadMessage(MessageRecord& message, const MessageKeys& keys, CryptoSession& crypto,
+                    uint8_t* datagram, int32_t length);
 
 }  // namespace vndiscover
