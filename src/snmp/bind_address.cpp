@@ -1,9 +1,9 @@
 #include "snmp/bind_address.h"
 
-#include <cstring>
 #include <memory>
 
 #include "net/adapter_table.h"
+#include "snmp/exchange.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
 
@@ -12,18 +12,6 @@ namespace vndiscover {
 AdapterAddress g_adapterAddr[kMaxAdapterRows];
 int32_t g_nAdapter = 0;
 char g_szBindIp[kBindAddressSize];
-
-namespace {
-
-bool IsIPv6Host(const char* host) { return host && std::strchr(host, ':'); }
-
-void AddRow(const char* address, bool endsLines) {
-    CopyText(g_adapterAddr[g_nAdapter].szAddress, address);
-    DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]%s", address, endsLines ? "\n" : "");
-    ++g_nAdapter;
-}
-
-}  // namespace
 
 void LoadBindAddresses(const char* host, bool endsLines) {
     DebugLogA("g_nAdapter [%d]\n", g_nAdapter);
@@ -35,7 +23,10 @@ void LoadBindAddresses(const char* host, bool endsLines) {
         adapters->GetIPv6Address(i, &address);
         char text[kBindAddressSize] = {};
         AdapterTable::AddressToText(AF_INET6, &address.sin6_addr, text, sizeof text);
-        if (text[0] != '\0') AddRow(text, endsLines);
+        if (text[0] == '\0') continue;
+        CopyText(g_adapterAddr[g_nAdapter].szAddress, text);
+        DebugLogA("g_adapterAddr[g_nAdapter].szAddress [%s]%s", text, endsLines ? "\n" : "");
+        ++g_nAdapter;
     }
 }
 

@@ -5,6 +5,8 @@
 #include <string>
 
 #include "snmp/bind_address.h"
+#include "snmp/codec/asn.h"
+#include "snmp/exchange.h"
 #include "snmp/vx_snmp_mgr.h"
 #include "support/debug_log.h"
 
@@ -45,7 +47,7 @@ int32_t RequestText(const char* host, const char* oid, const TextBuffer& out, ui
         return manager->GetInformation(oid, host, value, kTextValueSize, &type, kRequestWaitMs,
                                        attempts, communities.read, communities.write, szBindIp);
     };
-    if (ChooseBindAddress(host, szBindIp) && ask(1) == 0) UseSecondRow(szBindIp);
+    if (ChooseBindAddress(host, szBindIp) && ask(kOneAttempt) == 0) UseSecondRow(szBindIp);
     DebugLogA("szBindIp [%s]\n", szBindIp);
     std::memset(value, 0, sizeof value);  // clears the trial's answer
     type = 0;

@@ -6,37 +6,42 @@
 
 namespace vndiscover {
 
-int AddressFamilyOf(const char* host) { return std::strchr(host, ':') ? AF_INET6 : AF_INET; }
+bool IsIPv6Host(const char* host) { return host && std::strchr(host, ':'); }
 
 OwnedSocket OpenFor(SCKRAW& socket, const char* host, const char* bindAddress) {
-    return socket.CreateSocket(SOCK_DGRAM, IPPROTO_UDP, AddressFamilyOf(host), kSocketTimeoutMs,
-                               bindAddress);
+    return socket.CreateSocket(SOCK_DGRAM, IPPROTO_UDP, IsIPv6Host(host) ? AF_INET6 : AF_INET,
+                               kSocketTimeoutMs, bindAddress);
 }
 
-int32_t RunExchange(SCKRAW& socket, OwnedSocket& opened, Exchange& exchange, Datagram& answer) {
-    exchange.wasSilent = false;
+ExchangeResult RunExchange(SCKRAW& socket, OwnedSocket opened, const Exchange& exchange) {
+    ExchangeResult result = {};
     if (socket.SendToSocket(opened, exchange.host, kSnmpPort, exchange.request, exchange.length) ==
         -1) {
         DebugLogA("sendto() failed, err: %d\n", WSAGetLastError());
-        return -1;
+        result.outcome = -1;
+        return result;
     }
     int32_t waits = 0;
     do {
+        Datagram& answer = result.datagram;
         answer = {};
         socket.lastError = 0;  // an empty datagram leaves it alone
         answer.length = socket.RecvFromSocket(opened.Get(), answer.data, kMaxDatagram,
                                               answer.sender, kReceiveWaitMs);
-        if (answer.length >= 1) return 1;
+        if (answer.length >= 1) {
+            result.outcome = 1;
+            break;
+        }
         if (socket.lastError == SCKRAW_ERROR_TIMEOUT) {
-            exchange.wasSilent = true;
-            if (exchange.endsAtSilence) break;
+            result.wasSilent = true;
+            if (exchange.onSilence == OnSilence::kGiveUp) break;
         } else if (socket.lastError == WSANOTINITIALISED) {
             DebugLogA("tszRecvAddr = WSAStartup failed\n");
-            exchange.wasSilent = true;
+            result.wasSilent = true;
             break;
         }
     } while (++waits < exchange.attempts);
-    return 0;
+    return result;
 }
 
 }  // namespace vndiscover

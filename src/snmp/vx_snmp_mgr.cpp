@@ -195,13 +195,12 @@ int32_t VxSnmpMgr::Ask(const Query& query, const ValueView& value, ResponseRecor
     const int32_t length =
         BuildRequest(query.oid, value, query.pduType, OrDefault(query.community), request);
     if (length == 0) return 0;
-    OwnedSocket opened = OpenFor(Socket(), query.host, query.bindAddress);
-    Exchange exchange = {query.host, request, length, query.attempts, false, false};
-    Datagram datagram;
-    const int32_t outcome = RunExchange(Socket(), opened, exchange, datagram);
-    if (exchange.wasSilent) timeout = 0;
-    if (outcome == 1) ParseAnswer(datagram, answer);
-    return outcome;
+    const ExchangeResult result =
+        RunExchange(Socket(), OpenFor(Socket(), query.host, query.bindAddress),
+                    {query.host, request, length, query.attempts, OnSilence::kWaitAgain});
+    if (result.wasSilent) timeout = 0;
+    if (result.outcome == 1) ParseAnswer(result.datagram, answer);
+    return result.outcome;
 }
 
 int32_t VxSnmpMgr::GetInformation(const char* oid, const char* host, char* outValue,

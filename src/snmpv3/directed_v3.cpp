@@ -11,8 +11,6 @@
 namespace vndiscover {
 namespace {
 
-constexpr int32_t kOneAttempt = 1;
-
 struct DirectedAnswer {
     std::unique_ptr<VxSnmpMgr> manager;
     std::unique_ptr<VxSNMPv3> message;  // empty if no answer came

@@ -11,8 +11,6 @@
 namespace vndiscover {
 namespace {
 
-constexpr int32_t kOneWait = 1;
-
 struct SweepV3 {
     VxSnmpMgr& manager;
     const SecuritySettings& security;
@@ -31,7 +29,8 @@ struct ValueV3 {
 ValueV3 AskV3(const SweepV3& sweep, const char* address, const EngineValues& engine,
               const char* oid) {
     const auto request = MakeRequestV3(sweep.security, engine, kPduGetRequest, oid);
-    if (GetInformationV3(sweep.manager, request.get(), address, sweep.bindAddress, kOneWait) <= 0) {
+    if (GetInformationV3(sweep.manager, request.get(), address, sweep.bindAddress, kOneAttempt) <=
+        0) {
         return {};
     }
     const VarBindRecord* binding = FirstBinding(*request);

@@ -1,6 +1,9 @@
 #include "snmpv3/request_v3.h"
 
+#include <utility>
+
 #include "snmp/codec/asn.h"
+#include "snmp/exchange.h"
 #include "support/debug_log.h"
 
 namespace vndiscover {
@@ -23,14 +26,14 @@ int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* addr
     if (!request) return 0;
     OwnedSocket opened = OpenFor(socket, address, bindAddress);
     const ByteBuffer& message = request->Encode();
-    Exchange exchange = {address,  message.data, static_cast<int32_t>(message.length),
-                         attempts, true,         false};
-    Datagram answer;
-    const int32_t outcome = RunExchange(socket, opened, exchange, answer);
-    if (outcome != 1) return outcome;
+    ExchangeResult result =
+        RunExchange(socket, std::move(opened),
+                    {address, message.data, static_cast<int32_t>(message.length), attempts,
+                     OnSilence::kGiveUp});
+    if (result.outcome != 1) return result.outcome;
     // Kept: an answer that does not decode counts as one without a value.
-    request->Decode(answer.data, answer.length);
-    return answer.length;
+    request->Decode(result.datagram.data, result.datagram.length);
+    return result.datagram.length;
 }
 
 const VarBindRecord* FirstBinding(const VxSNMPv3& answer) {
