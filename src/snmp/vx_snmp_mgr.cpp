@@ -2,8 +2,8 @@
 
 #include <cstdio>
 #include <cstring>
-#include <functional>
 
+#include "snmp/delivery.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
 #include "support/hex_text.h"
@@ -154,12 +154,21 @@ void VxSnmpMgr::HandleEvents(UINT /*timeout*/, bool /*isLast*/, const char* bind
     DebugLogA("HandleEvents start\n");
     CollectAnswers();
     Delivery delivery(devices, sink, stop, jsonRequest);
-    while (ResponseRecord* device = delivery.Next()) {
-        const auto fetch = [&](const char* oid, std::string& value) {
-            return Fetch(*device, oid, bindAddress, value);
-        };
-        delivery.Send(*device, std::ref(fetch));  // a copy would be allocated for each device
+    while (const ResponseRecord* device = delivery.Next()) {
+        while (const char* szKey = delivery.NextOid()) {
+            char szValue[kAnswerSize] = {};
+            // Kept: after a failed send, -1, the member keeps the host's string too.
+            if (GetInformation(szKey, device->address, szValue, kAnswerSize, nullptr,
+                               kRequestWaitMs, kRequestAttempts, readCommunity, writeCommunity,
+                               bindAddress) <= 0) {
+                continue;
+            }
+            DebugLogA("  szValue [%s]\n", szValue);
+            delivery.Put(szValue);
+        }
+        delivery.Send();
     }
+    delivery.LogEnd();
 }
 
 // Every datagram takes an entry, whatever it holds; one that is not an answer has no value.
@@ -170,19 +179,6 @@ void VxSnmpMgr::CollectAnswers() {
         ParseAnswer(answer, devices.Add());
     }
     devices.LogCount();
-}
-
-bool VxSnmpMgr::Fetch(const ResponseRecord& device, const char* oid, const char* bindAddress,
-                      std::string& value) {
-    char szValue[kAnswerSize] = {};
-    // Kept: after a failed send, -1, the member keeps the host's string, as without an answer.
-    if (GetInformation(oid, device.address, szValue, kAnswerSize, nullptr, kRequestWaitMs,
-                       kRequestAttempts, readCommunity, writeCommunity, bindAddress) <= 0) {
-        return false;
-    }
-    DebugLogA("  szValue [%s]\n", szValue);
-    value = szValue;
-    return true;
 }
 
 // ---- requests to one device

@@ -7,6 +7,7 @@
 #include "interface/delivery/result_sink.h"
 #include "snmp/codec/asn.h"
 #include "snmp/codec/oid_text.h"
+#include "snmp/codec/response_record.h"
 #include "snmp/codec/snmp_message.h"
 #include "snmp/codec/var_bind.h"
 #include "snmp/device_table.h"
@@ -108,8 +109,6 @@ class VxSnmpMgr {
                const char* writeCommunityText, const char* jsonRequest);
     void FinishSweep();
     void CollectAnswers();
-    bool Fetch(const ResponseRecord& device, const char* oid, const char* bindAddress,
-               std::string& value);
 
     std::unique_ptr<SCKRAW> socket;
     UINT timeout = 0;  // Kept: nothing reads it.

@@ -1,8 +1,8 @@
 #include "snmpv3/discover_v3.h"
 
-#include <functional>
 #include <string>
 
+#include "snmp/delivery.h"
 #include "snmpv3/request_v3.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
@@ -59,15 +59,6 @@ void TakeReport(const SweepV3& sweep, Datagram& datagram) {
     entry.msgMaxSize = report.MsgMaxSize();
 }
 
-bool FetchV3(const SweepV3& sweep, const ResponseRecord& device, const char* szKey,
-             std::string& value) {
-    const EngineValues engine = {device.engineId, device.engineBoots, device.engineTime,
-                                 device.msgMaxSize};
-    value = AskV3(sweep, device.address, engine, szKey).text;
-    DebugLogA("szKey [%s] strValue [%s]", szKey, value.c_str());
-    return !value.empty();
-}
-
 void HandleEventsV3(const SweepV3& sweep) {
     DebugLogA("HandleEventsV3 start\n");
     VxSnmpMgr& manager = sweep.manager;
@@ -79,12 +70,17 @@ void HandleEventsV3(const SweepV3& sweep) {
     if (devices.deviceCount == 0) return;
 
     Delivery delivery(devices, manager.sink, manager.stop, sweep.jsonRequest);
-    while (ResponseRecord* device = delivery.Next()) {
-        const auto fetch = [&](const char* szKey, std::string& value) {
-            return FetchV3(sweep, *device, szKey, value);
-        };
-        delivery.Send(*device, std::ref(fetch));  // a copy would be allocated for each device
+    while (const ResponseRecord* device = delivery.Next()) {
+        const EngineValues engine = {device->engineId, device->engineBoots, device->engineTime,
+                                     device->msgMaxSize};
+        while (const char* szKey = delivery.NextOid()) {
+            const std::string value = AskV3(sweep, device->address, engine, szKey).text;
+            DebugLogA("szKey [%s] strValue [%s]", szKey, value.c_str());
+            if (!value.empty()) delivery.Put(value.c_str());
+        }
+        delivery.Send();
     }
+    delivery.LogEnd();
 }
 
 void SweepAdaptersV3(SweepV3 sweep, BYTE useIPv6) {

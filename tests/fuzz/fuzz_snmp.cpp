@@ -80,14 +80,13 @@ void ReadJson(const Bytes& bytes) {
     if (bytes.empty()) return;
     const std::string request(bytes.begin() + 1, bytes.end());
     ReadDiscoveryOid(request.c_str());
-    std::string document;
+    JsonForm form(request.c_str());
     int asked = 0;
-    const auto fetch = [&](const char* oid, std::string& value) {
+    while (const char* oid = form.NextOid()) {
         Expect(std::strlen(oid) < kOidTextSize);
-        value = request.substr(0, bytes[0]).c_str();
-        return ++asked % 2 != 0;
-    };
-    FillInDocument(request.c_str(), fetch, document);
+        if (++asked % 2 != 0) form.Put(request.substr(0, bytes[0]).c_str());
+    }
+    const std::string document = form.Print();
     if (document.empty()) return;
     JsonDoc again;  // the document must be JSON unless it was cut
     again.Parse(Utf8ToWide(document.c_str()).c_str());

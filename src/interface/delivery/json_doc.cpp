@@ -56,10 +56,6 @@ bool JsonDoc::MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSiz
     return true;
 }
 
-bool JsonDoc::StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const {
-    return StringOfMember(root.get(), name, out, outSize);
-}
-
 bool JsonDoc::StringOfMember(cJSON* object, const wchar_t* name, wchar_t* out, size_t outSize) {
     return CopyString(Member(object, WideToUtf8(name).c_str()), out, outSize);
 }
@@ -69,8 +65,6 @@ bool JsonDoc::StringOfRootArray(const wchar_t* name, int32_t i, wchar_t* out,
     return CopyString(cJSON_GetArrayItem(Member(root.get(), WideToUtf8(name).c_str()), i), out,
                       outSize);
 }
-
-void JsonDoc::SetRoot(OwnedJsonItem item) { root = std::move(item); }
 
 void JsonDoc::AddItem(cJSON* object, const wchar_t* name, OwnedJsonItem item) {
     if (cJSON_AddItemToObject(object, WideToUtf8(name).c_str(), item.get())) HandedOver(item);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 struct cJSON;
 
@@ -35,7 +36,9 @@ class JsonDoc {
     static bool MemberString(cJSON* parent, int32_t i, wchar_t* out, size_t outSize);
 
     // Copies the string value of the root's member. False if there is no such member or value.
-    bool StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const;
+    bool StringOfRootMember(const wchar_t* name, wchar_t* out, size_t outSize) const {
+        return StringOfMember(root.get(), name, out, outSize);
+    }
 
     // Of any length.
     static OwnedJsonItem NewString(const wchar_t* text);
@@ -45,7 +48,7 @@ class JsonDoc {
 
     // To build a document; items that cannot be added are discarded. Nothing in the module calls
     // these.
-    void SetRoot(OwnedJsonItem item);
+    void SetRoot(OwnedJsonItem item) { root = std::move(item); }
     static void AddItem(cJSON* object, const wchar_t* name, OwnedJsonItem item);
     static void AddString(cJSON* object, const wchar_t* name, const wchar_t* text);
     static void AddString(cJSON* array, const wchar_t* text);

@@ -1,32 +1,10 @@
 #include "interface/delivery/json_request.h"
 
-#include "interface/delivery/json_doc.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
 #include "support/text_convert.h"
 
 namespace vndiscover {
-namespace {
-
-constexpr size_t kMemberChars = 1024;  // 2,048 bytes of UTF-16
-
-void FillInMember(cJSON* get, int32_t j, const FetchValue& fetch) {
-    wchar_t key[kMemberChars] = {};
-    wchar_t value[kMemberChars] = {};
-    JsonDoc::MemberName(get, j, key, kMemberChars);
-    JsonDoc::MemberString(get, j, value, kMemberChars);
-    DebugLogW(L"Key [%s]\n", key);
-    DebugLogW(L"  value [%s]\n", value);
-    char szKey[kOidTextSize] = {};
-    const bool isWhole = CopyText(szKey, WideToAnsi(key).c_str());
-    DebugLogA("  szKey [%s]\n", szKey);
-    std::string answer;
-    // A key that was cut would name another variable, so it is not requested.
-    if (!isWhole || !fetch(szKey, answer)) return;
-    JsonDoc::ReplaceMember(get, key, JsonDoc::NewString(AnsiToWide(answer.c_str()).c_str()));
-}
-
-}  // namespace
 
 std::string ReadDiscoveryOid(const char* jsonRequest) {
     JsonDoc document;
@@ -40,20 +18,37 @@ std::string ReadDiscoveryOid(const char* jsonRequest) {
     return szDisOid;
 }
 
-bool FillInDocument(const char* jsonRequest, const FetchValue& fetch, std::string& document) {
-    JsonDoc request;
-    request.Parse(Utf8ToWide(jsonRequest).c_str());
-    if (!request.Root()) return false;
+JsonForm::JsonForm(const char* jsonRequest) {
+    document_.Parse(Utf8ToWide(jsonRequest).c_str());
+    if (!IsJson()) return;
     DebugLogW(L"GET command\n");
-    cJSON* get = JsonDoc::Member(request.Root(), "GET");
-    const int32_t count = JsonDoc::Size(get);
-    for (int32_t j = 0; j < count; ++j) FillInMember(get, j, fetch);
-    if (request.Print(nullptr) >= 1) {
-        std::wstring printed;
-        request.Print(&printed);
-        document = WideToUtf8(printed.c_str());
+    get_ = JsonDoc::Member(document_.Root(), "GET");
+}
+
+const char* JsonForm::NextOid() {
+    while (next_ < JsonDoc::Size(get_)) {
+        key_[0] = L'\0';
+        wchar_t value[kMemberChars] = {};
+        JsonDoc::MemberName(get_, next_, key_, kMemberChars);
+        JsonDoc::MemberString(get_, next_, value, kMemberChars);
+        ++next_;
+        DebugLogW(L"Key [%s]\n", key_);
+        DebugLogW(L"  value [%s]\n", value);
+        const bool isWhole = CopyText(szKey_, WideToAnsi(key_).c_str());
+        DebugLogA("  szKey [%s]\n", szKey_);
+        if (isWhole) return szKey_;
     }
-    return true;
+    return nullptr;
+}
+
+void JsonForm::Put(const char* answer) {
+    JsonDoc::ReplaceMember(get_, key_, JsonDoc::NewString(AnsiToWide(answer).c_str()));
+}
+
+std::string JsonForm::Print() const {
+    std::wstring printed;
+    if (document_.Print(nullptr) >= 1) document_.Print(&printed);
+    return WideToUtf8(printed.c_str());
 }
 
 size_t Utf8PrefixLength(const std::string& text, size_t limit) {

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
 #include <string>
+
+#include "interface/delivery/json_doc.h"
 
 namespace vndiscover {
 
@@ -15,16 +17,36 @@ constexpr size_t kOidTextSize = 260;       // bytes of an OID text, including th
 // The request's "DiscoverOID" as UTF-8; "" if there is none. Logs it.
 std::string ReadDiscoveryOid(const char* jsonRequest);
 
-// Requests one OID from the device. True: it answered; value is in the ANSI code page.
-using FetchValue = std::function<bool(const char* oid, std::string& value)>;
+// The request as a form that is filled in for one device:
+//
+//     while (const char* oid = form.NextOid()) form.Put(answer);
+//
+// A member without an answer keeps the host's string.
+class JsonForm {
+  public:
+    explicit JsonForm(const char* jsonRequest);
 
-/**
- * Fills in the request for one device: the answer replaces each member of "GET" whose fetch
- * succeeds; the others keep the host's string.
- * @param document  Receives the printed document as UTF-8; left alone if printing fails.
- * @return False if the request is not a JSON document.
- */
-bool FillInDocument(const char* jsonRequest, const FetchValue& fetch, std::string& document);
+    bool IsJson() const { return document_.Root() != nullptr; }
+
+    // The next OID under "GET"; null after the last. One of kOidTextSize bytes or more is left out:
+    // cut, it would name another variable.
+    const char* NextOid();
+
+    // The answer for that OID, in the ANSI code page.
+    void Put(const char* answer);
+
+    // The document as UTF-8; "" if printing fails.
+    std::string Print() const;
+
+  private:
+    static constexpr size_t kMemberChars = 1024;  // 2,048 bytes of UTF-16
+
+    JsonDoc document_;
+    cJSON* get_ = nullptr;
+    int32_t next_ = 0;
+    wchar_t key_[kMemberChars];  // of the member whose OID was given last
+    char szKey_[kOidTextSize];
+};
 
 // Length of the longest prefix of at most `limit` bytes that does not end within a UTF-8 character.
 size_t Utf8PrefixLength(const std::string& text, size_t limit);
