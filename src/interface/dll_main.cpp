@@ -17,11 +17,11 @@ namespace {
 
 // Creates a manager and reserves memory for its table, so that no sweep can run out of it. If there
 // is not enough memory, the module still loads, and the exports that need the manager do nothing.
-template <class Manager, class Table>
-Manager* Create(Table Manager::*table) noexcept {
+template <class Manager>
+Manager* Create() noexcept {
     try {
         auto manager = std::make_unique<Manager>();
-        (manager.get()->*table).Reserve();
+        manager->Reserve();
         return manager.release();
     } catch (const std::bad_alloc&) {
         return nullptr;
@@ -36,8 +36,8 @@ void ForgetAdapterRows() {
 void Attach(HINSTANCE module) {
     OpenExceptionState();
     g_hModule = module;
-    g_snmpMgr = Create(&VxSnmpMgr::devices);
-    g_soapMgr = Create(&VxSoapMgr::results);
+    g_snmpMgr = Create<VxSnmpMgr>();
+    g_soapMgr = Create<VxSoapMgr>();
     std::memset(g_szBindIp, 0, sizeof g_szBindIp);
     ForgetAdapterRows();
 }
@@ -46,7 +46,7 @@ void Attach(HINSTANCE module) {
 // left its manager half changed, or a lock taken that the destructor waits for.
 template <class Manager>
 void Destroy(Manager* manager, bool processEnds) {
-    if (manager && processEnds && manager->sweeping.IsAnother()) return;
+    if (manager && processEnds && manager->IsSweptByAnother()) return;
     delete manager;
 }
 

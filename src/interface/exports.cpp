@@ -6,8 +6,7 @@
 #include "interface/module.h"
 #include "net/pinger.h"
 #include "snmp/directed_request.h"
-#include "snmpv3/directed_v3.h"
-#include "snmpv3/discover_v3.h"
+#include "snmpv3/snmp_v3.h"
 #include "support/text_convert.h"
 
 using namespace vndiscover;
@@ -84,10 +83,9 @@ int32_t DiscoverSnmpV3(HWND hWnd, UINT uMsg, UINT timeout, BYTE useIPv6, const w
                        const wchar_t* privPassword, const wchar_t* authProtocol,
                        const wchar_t* privProtocol) {
     return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        return DiscoverV3(manager, {hWnd, uMsg, timeout, useIPv6, nullptr},
-                          VN_DEFAULT_DISCOVERY_OID, nullptr,
-                          SecuritySettings({userName, useAuth, authPassword, usePriv, privPassword,
-                                            authProtocol, privProtocol}));
+        return DiscoverV3(
+            manager, {hWnd, uMsg, timeout, useIPv6, nullptr}, VN_DEFAULT_DISCOVERY_OID, nullptr,
+            {{userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol}});
     });
 }
 
@@ -97,10 +95,10 @@ int32_t DiscoverV3DevicesByOIDjson(HWND hWnd, UINT uMsg, UINT timeout, BYTE useI
                                    const wchar_t* privPassword, const wchar_t* authProtocol,
                                    const wchar_t* privProtocol) {
     return With(g_snmpMgr, [&](VxSnmpMgr& manager) {
-        return DiscoverV3(manager, {hWnd, uMsg, timeout, useIPv6, nullptr}, nullptr,
-                          WideToUtf8(jsonRequest).c_str(),
-                          SecuritySettings({userName, useAuth, authPassword, usePriv, privPassword,
-                                            authProtocol, privProtocol}));
+        return DiscoverV3(
+            manager, {hWnd, uMsg, timeout, useIPv6, nullptr}, nullptr,
+            WideToUtf8(jsonRequest).c_str(),
+            {{userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol}});
     });
 }
 
@@ -167,9 +165,9 @@ int32_t GetSnmpRequestV3(const char* host, const char* oid, char* value, int32_t
                          BYTE usePriv, const wchar_t* privPassword, const wchar_t* authProtocol,
                          const wchar_t* privProtocol) {
     return AtBoundary(0, [&] {
-        return RequestTextV3(host, oid, {value, valueSize}, valueType,
-                             SecuritySettings({userName, useAuth, authPassword, usePriv,
-                                               privPassword, authProtocol, privProtocol}));
+        return RequestTextV3(
+            host, oid, {value, valueSize}, valueType,
+            {{userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol}});
     });
 }
 
@@ -179,9 +177,9 @@ int32_t GetNextSnmpRequestV3(const char* host, const char* oid, VnResponseRecord
                              const wchar_t* privPassword, const wchar_t* authProtocol,
                              const wchar_t* privProtocol) {
     return AtBoundary(0, [&] {
-        return RequestNextV3(host, oid, record,
-                             SecuritySettings({userName, useAuth, authPassword, usePriv,
-                                               privPassword, authProtocol, privProtocol}));
+        return RequestNextV3(
+            host, oid, record,
+            {{userName, useAuth, authPassword, usePriv, privPassword, authProtocol, privProtocol}});
     });
 }
 

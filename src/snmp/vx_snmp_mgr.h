@@ -5,10 +5,9 @@
 #include <memory>
 
 #include "interface/delivery/result_sink.h"
-#include "snmp/codec/asn.h"
+#include "net/sckraw.h"
 #include "snmp/codec/oid_text.h"
 #include "snmp/codec/response_record.h"
-#include "snmp/codec/snmp_message.h"
 #include "snmp/codec/var_bind.h"
 #include "snmp/device_table.h"
 #include "snmp/sweep.h"
@@ -25,8 +24,10 @@ class VxSnmpMgr {
   public:
     VxSnmpMgr();  // throws std::bad_alloc
     ~VxSnmpMgr();
-    VxSnmpMgr(const VxSnmpMgr&) = delete;
-    VxSnmpMgr& operator=(const VxSnmpMgr&) = delete;
+
+    // Reserves memory for the device table, so that no sweep can run out of it. Throws
+    // std::bad_alloc.
+    void Reserve() { devices.Reserve(); }
 
     // The community-based sweep. Text may be null. Always returns 0 and ends with the (0, 0)
     // message, even if nothing is sent because the request cannot be encoded or jsonRequest is too
@@ -43,6 +44,9 @@ class VxSnmpMgr {
 
     // May be called on any thread. Always 0.
     int32_t StopDiscover();
+
+    // Whether a sweep of another thread has not ended, even if the thread has.
+    bool IsSweptByAnother() const noexcept { return sweeping_.IsAnother(); }
 
     // Collects answers on `sock` and delivers them. timeout and isLast are not used.
     void HandleEvents(UINT timeout, bool isLast, const char* bindAddress, const char* jsonRequest);
@@ -71,24 +75,12 @@ class VxSnmpMgr {
                                 int32_t attempts, const char* readCommunity,
                                 const char* writeCommunity);
 
-    // What sweeps of all SNMP versions share.
-
-    // Logs the line, clears the stop request and stores where results go. False: a sweep is
-    // running. After true, EndSweep must follow on every exit path.
-    bool BeginSweep(const char* line, const SweepSettings& settings) noexcept;
-    void RenewSocket();  // makes the sweep's socket object; throws std::bad_alloc
-    void EndSweep() noexcept;
-
     // Creates the socket object if there is none.
     SCKRAW& Socket();
 
-    ResultSink sink;
-    OwnedSocket sock;
-    DeviceTable devices;
-    StopRequest stop{0};
-    SweepingThread sweeping;
-
   private:
+    friend class RunningSweep;  // through which a sweep of any version works on the fields below
+
     struct Query {
         OidValue oid;
         uint8_t pduType;
@@ -103,17 +95,19 @@ class VxSnmpMgr {
     int32_t SetInformation(const Query& query, uint8_t* value, int32_t valueLength,
                            uint32_t* valueType);
     int32_t Ask(const Query& query, const ValueView& value, ResponseRecord& answer);
-    template <class Work>
-    int32_t RunSweep(const SweepSettings& settings, Work&& work);
-    void Sweep(const SweepSettings& settings, const char* oid, const char* readCommunityText,
+    void Sweep(RunningSweep& sweep, const char* oid, const char* readCommunityText,
                const char* writeCommunityText, const char* jsonRequest);
-    void FinishSweep();
-    void CollectAnswers();
+    static const char* OrDefault(const char* community);
 
     std::unique_ptr<SCKRAW> socket;
+    ResultSink sink;
     UINT timeout = 0;  // Kept: nothing reads it.
+    OwnedSocket sock;
+    DeviceTable devices;
+    StopRequest stop{0};
     char readCommunity[kCommunitySize] = {};
     char writeCommunity[kCommunitySize] = {};
+    SweepingThread sweeping_;
 };
 
 }  // namespace vndiscover

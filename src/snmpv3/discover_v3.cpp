@@ -1,19 +1,19 @@
-#include "snmpv3/discover_v3.h"
+#include "snmpv3/snmp_v3.h"
 
 #include <string>
 
 #include "snmp/delivery.h"
+#include "snmp/exchange.h"
 #include "snmpv3/request_v3.h"
 #include "support/copy_text.h"
 #include "support/debug_log.h"
-#include "support/scope_exit.h"
 
 namespace vndiscover {
 namespace {
 
 struct SweepV3 {
-    VxSnmpMgr& manager;
-    const SecuritySettings& security;
+    RunningSweep& running;
+    const UserV3 user;
     const char* oid;
     const char* jsonRequest;
     const char* bindAddress;
@@ -28,12 +28,12 @@ struct ValueV3 {
 // Sends one device a request with the engine values that it reported.
 ValueV3 AskV3(const SweepV3& sweep, const char* address, const EngineValues& engine,
               const char* oid) {
-    const auto request = MakeRequestV3(sweep.security, engine, kPduGetRequest, oid);
-    if (GetInformationV3(sweep.manager, request.get(), address, sweep.bindAddress, kOneAttempt) <=
-        0) {
+    const auto request = MakeRequestV3(sweep.user, engine, kPduGetRequest, oid);
+    if (GetInformationV3(sweep.running.manager, request.get(), address, sweep.bindAddress,
+                         kOneAttempt) <= 0) {
         return {};
     }
-    const VarBindRecord* binding = FirstBinding(*request);
+    const VarBindRecord* binding = request->FirstBinding();
     if (!binding) return {};
     return {ValueTextOf(binding), binding->valueTag, binding->valueLength};
 }
@@ -48,7 +48,7 @@ void TakeReport(const SweepV3& sweep, Datagram& datagram) {
     const ValueV3 value = AskV3(sweep, datagram.sender, engine, sweep.oid);
     DebugLogA("strValue [%s]", value.text.c_str());
     if (value.text.empty()) return;
-    ResponseRecord& entry = sweep.manager.devices.Add();
+    ResponseRecord& entry = sweep.running.devices.Add();
     CopyText(entry.address, datagram.sender);
     entry.valueTag = value.tag;
     entry.valueLength = value.length;
@@ -61,15 +61,16 @@ void TakeReport(const SweepV3& sweep, Datagram& datagram) {
 
 void HandleEventsV3(const SweepV3& sweep) {
     DebugLogA("HandleEventsV3 start\n");
-    VxSnmpMgr& manager = sweep.manager;
-    DeviceTable& devices = manager.devices;
+    const RunningSweep& running = sweep.running;
+    DeviceTable& devices = running.devices;
     devices.StartOver();
-    DatagramCollector reports(manager.Socket(), manager.sock.Get(), kSweepLimits, manager.stop);
+    DatagramCollector reports(running.manager.Socket(), running.sock.Get(), kSweepLimits,
+                              running.stop);
     for (Datagram report; !devices.IsFull() && reports.Next(report);) TakeReport(sweep, report);
     devices.LogCount();
     if (devices.deviceCount == 0) return;
 
-    Delivery delivery(devices, manager.sink, manager.stop, sweep.jsonRequest);
+    Delivery delivery(devices, running.sink, running.stop, sweep.jsonRequest);
     while (const ResponseRecord* device = delivery.Next()) {
         const EngineValues engine = {device->engineId, device->engineBoots, device->engineTime,
                                      device->msgMaxSize};
@@ -83,16 +84,16 @@ void HandleEventsV3(const SweepV3& sweep) {
     delivery.LogEnd();
 }
 
-void SweepAdaptersV3(SweepV3 sweep, BYTE useIPv6) {
+void SweepAdaptersV3(SweepV3 sweep) {
     VxSNMPv3 discovery;
     const ByteBuffer& message = discovery.Encode();
     std::string szDisOid;
     if (!ChooseDiscoveryOid(sweep.oid, sweep.jsonRequest, szDisOid)) return;
     sweep.oid = szDisOid.c_str();
-    VxSnmpMgr& manager = sweep.manager;
-    AdapterSweep adapters(
-        manager.Socket(), manager.sock,
-        SnmpSweepRequest(useIPv6, message.data, static_cast<int32_t>(message.length)));
+    const RunningSweep& running = sweep.running;
+    AdapterSweep adapters(running.manager.Socket(), running.sock,
+                          SnmpSweepRequest(running.settings.useIPv6, message.data,
+                                           static_cast<int32_t>(message.length)));
     // Kept: a stop request is not tested here either.
     while (adapters.Next()) {
         sweep.bindAddress = adapters.Address();
@@ -104,11 +105,12 @@ void SweepAdaptersV3(SweepV3 sweep, BYTE useIPv6) {
 
 int32_t DiscoverV3(VxSnmpMgr& manager, const SweepSettings& settings, const char* oid,
                    const char* jsonRequest, const SecuritySettings& security) {
-    if (!manager.BeginSweep("SNMP::DiscoverV3\n", settings)) return 0;
-    const ScopeExit end([&] { manager.EndSweep(); });
-    manager.RenewSocket();
+    RunningSweep running(manager, "SNMP::DiscoverV3\n", settings, SweepEnd::kReturnAlone);
+    if (!running) return 0;
+    running.RenewSocket();
     if (FitsJsonRequest(jsonRequest) && security.HasUsableName()) {
-        SweepAdaptersV3({manager, security, oid, jsonRequest, nullptr}, settings.useIPv6);
+        PasswordKeys keys;
+        SweepAdaptersV3({running, {security, keys}, oid, jsonRequest, nullptr});
     }
     DebugLogA("SNMP::Discoverv3 - ended\n");  // Kept: the lower-case v.
     return 0;

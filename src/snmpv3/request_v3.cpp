@@ -7,11 +7,11 @@
 #include "support/debug_log.h"
 
 namespace vndiscover {
-std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
-                                        const EngineValues& engine, uint8_t pduType,
-                                        const char* oid) {
-    auto request = std::make_unique<VxSNMPv3>(&security.Keys());
-    security.ApplyTo(*request);
+
+std::unique_ptr<VxSNMPv3> MakeRequestV3(const UserV3& user, const EngineValues& engine,
+                                        uint8_t pduType, const char* oid) {
+    auto request = std::make_unique<VxSNMPv3>(&user.keys);
+    user.security.ApplyTo(*request);
     request->SetEngine(engine.id, engine.boots, engine.time);
     request->SetMsgMaxSize(engine.msgMaxSize);
     request->SetPduType(pduType);
@@ -34,11 +34,6 @@ int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* addr
     // Kept: an answer that does not decode counts as one without a value.
     request->Decode(result.datagram.data, result.datagram.length);
     return result.datagram.length;
-}
-
-const VarBindRecord* FirstBinding(const VxSNMPv3& answer) {
-    const VarBindList& list = answer.Bindings();
-    return list.count > 0 ? &list.bindings[0] : nullptr;
 }
 
 std::string ValueTextOf(const VarBindRecord* binding) {

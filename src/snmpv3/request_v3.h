@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "snmp/codec/byte_buffer.h"
+#include "snmp/codec/var_bind.h"
 #include "snmp/vx_snmp_mgr.h"
 #include "snmpv3/codec/security_settings.h"
 #include "snmpv3/codec/vx_snmpv3.h"
@@ -19,10 +21,15 @@ struct EngineValues {
     uint32_t msgMaxSize = kDefaultMsgMaxSize;
 };
 
-// A request for one OID with the caller's security; null if the OID cannot be encoded.
-std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
-                                        const EngineValues& engine, uint8_t pduType,
-                                        const char* oid);
+// The caller's security and the keys of its passwords, for all messages of one call.
+struct UserV3 {
+    const SecuritySettings& security;
+    PasswordKeys& keys;
+};
+
+// A request for one OID; null if the OID cannot be encoded.
+std::unique_ptr<VxSNMPv3> MakeRequestV3(const UserV3& user, const EngineValues& engine,
+                                        uint8_t pduType, const char* oid);
 
 /**
  * Encodes and sends `request`, and decodes the answer into it. The first time-out ends the
@@ -33,9 +40,6 @@ std::unique_ptr<VxSNMPv3> MakeRequestV3(const SecuritySettings& security,
  */
 int32_t GetInformationV3(VxSnmpMgr& manager, VxSNMPv3* request, const char* address,
                          const char* bindAddress, int32_t attempts);
-
-// The answer's first binding, or null.
-const VarBindRecord* FirstBinding(const VxSNMPv3& answer);
 
 // A binding's value as text; "" for null, for types other than INTEGER and OCTET STRING, and for a
 // malformed INTEGER.

@@ -34,7 +34,7 @@ void VxSoapMgr::SendDiscoverResult(const char* address, const char* reply) {
 
 int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useIPv6,
                             const char* probe, int32_t probeLength) {
-    if (!sweeping.Begin()) return 0;  // it would take away the running sweep's window and socket
+    if (!sweeping_.Begin()) return 0;  // it would take away the running sweep's window and socket
     DebugLogA("VxSoapMgr::Discover\n");
     stop.store(0, std::memory_order_relaxed);
     hWnd = window;
@@ -43,7 +43,7 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
     // The host waits for the final notification, so it is sent on every exit path.
     const ScopeExit end([this] {
         sock.Reset();
-        sweeping.End();  // the host may start the next sweep while it handles the final message
+        sweeping_.End();  // the host may start the next sweep while it handles the final message
         DebugLogA("SOAP::Discover - ended\n");
         SendDiscoverResult(nullptr, nullptr);
     });
@@ -58,14 +58,13 @@ int32_t VxSoapMgr::Discover(HWND window, UINT message, UINT timeoutMs, bool useI
 }
 
 void VxSoapMgr::SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t length) {
-    SweepRequest request = {};
-    request.family = useIPv6 ? AF_INET6 : AF_INET;
-    request.target = useIPv6 ? kIPv6Group : kIPv4Group;
-    request.port = kWsDiscoveryPort;
-    request.data = probe;
-    request.length = length;
-    request.protocol = 0;
-    request.socketTimeoutMs = static_cast<int>(timeout);
+    const SweepRequest request = {useIPv6 ? AF_INET6 : AF_INET,
+                                  useIPv6 ? kIPv6Group : kIPv4Group,
+                                  kWsDiscoveryPort,
+                                  probe,
+                                  length,
+                                  0,
+                                  static_cast<int>(timeout)};
     AdapterSweep adapters(*socket, sock, request);
     // Kept: a stop request is not tested here; the Probe is still sent from each address.
     while (adapters.Next()) HandleEvents(timeout, adapters.IsLast());

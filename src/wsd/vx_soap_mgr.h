@@ -28,8 +28,9 @@ class VxSoapMgr {
   public:
     VxSoapMgr();  // throws std::bad_alloc
     ~VxSoapMgr();
-    VxSoapMgr(const VxSoapMgr&) = delete;
-    VxSoapMgr& operator=(const VxSoapMgr&) = delete;
+
+    // Reserves memory for the table, so that no sweep can run out of it. Throws std::bad_alloc.
+    void Reserve() { results.Reserve(); }
 
     // Returns 0 and ends with the (0, 0) notification in any case. An empty Probe, or one of more
     // than kMaxProbe bytes, is not sent. During a sweep a further call does nothing. Nothing in the
@@ -45,6 +46,9 @@ class VxSoapMgr {
     // May be called on any thread, and by the host's window procedure. Always 0.
     int32_t StopDiscover();
 
+    // Whether a sweep of another thread has not ended, even if the thread has.
+    bool IsSweptByAnother() const noexcept { return sweeping_.IsAnother(); }
+
     std::unique_ptr<SCKRAW> socket;  // of the latest sweep
     HWND hWnd = nullptr;
     UINT uMsg = 0;
@@ -53,10 +57,11 @@ class VxSoapMgr {
     LazyTable<SoapResult, kSoapTableCapacity> results;
     uint32_t resultCount = 0;
     StopRequest stop{0};
-    SweepingThread sweeping;
 
   private:
     void SweepFromEverywhere(bool useIPv6, const uint8_t* probe, int32_t length);
+
+    SweepingThread sweeping_;
 };
 
 }  // namespace vndiscover

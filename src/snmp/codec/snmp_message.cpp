@@ -138,6 +138,15 @@ int32_t BuildSnmpMessage(uint8_t* out, size_t outSize, const char* community, ui
     return static_cast<int32_t>(total);
 }
 
+int32_t BuildRequest(uint8_t (&out)[kMaxMessageSize], const OidValue& oid, const ValueView& value,
+                     uint8_t pduType, const char* community) {
+    VarBindRecord binding;
+    if (MakeVarBind(oid, value, binding) != 0) return 0;
+    VarBindList list;
+    SetVarBindList(&binding, 1, list);
+    return BuildSnmpMessage(out, sizeof out, community, pduType, kRequestId, list);
+}
+
 int32_t ParseSnmpResponse(ResponseRecord& record, const uint8_t* datagram, size_t length,
                           const char* senderAddress) {
     CopyText(record.address, senderAddress);

@@ -32,6 +32,10 @@ constexpr uint8_t kRequestId = 1;         // in every community-based request
 int32_t BuildSnmpMessage(uint8_t* out, size_t outSize, const char* community, uint8_t pduType,
                          uint8_t requestId, const VarBindList& bindings);
 
+// A request for one variable. Returns the length, or 0 if it cannot be encoded.
+int32_t BuildRequest(uint8_t (&out)[kMaxMessageSize], const OidValue& oid, const ValueView& value,
+                     uint8_t pduType, const char* community);
+
 /**
  * Reads an answer into record; each binding overwrites the previous one. Bytes past the end of the
  * datagram read as zero, and each copy is cut to its field. The error status is ignored.

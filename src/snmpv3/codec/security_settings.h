@@ -4,11 +4,10 @@
 #include <cstdint>
 #include <string>
 
-#include "snmpv3/crypto/keys.h"
+#include "snmpv3/codec/vx_snmpv3.h"
+#include "snmpv3/crypto/crypto.h"
 
 namespace vndiscover {
-
-class VxSNMPv3;
 
 // As the exports take them. Text may be null.
 struct SecurityArguments {
@@ -27,21 +26,16 @@ struct SecretText {
     std::string text;
 };
 
-// Owns UTF-8 copies, of any length, of the user name and the passwords, and the passwords' keys
-// once they have been needed; wipes passwords and keys on destruction. Keeps the platform's crypto
-// libraries loaded. Privacy has no effect without authentication.
+// Owns UTF-8 copies, of any length, of the user name and the passwords, and wipes the passwords on
+// destruction. Keeps the platform's crypto libraries loaded. Privacy has no effect without
+// authentication.
 class SecuritySettings {
   public:
-    explicit SecuritySettings(const SecurityArguments& given);
-    SecuritySettings(const SecuritySettings&) = delete;
-    SecuritySettings& operator=(const SecuritySettings&) = delete;
+    SecuritySettings(const SecurityArguments& given);  // implicit, for braces in the exports
 
     // Whether a message can carry the user name. If not, nothing is sent: a truncated name could be
     // another user's.
     bool HasUsableName() const;
-
-    // The keys of the passwords, for all messages of the call.
-    PasswordKeys& Keys() const { return keys_; }
 
     // Sets user, protocols, passwords and flags: noAuthNoPriv, authNoPriv or authPriv.
     void ApplyTo(VxSNMPv3& request) const;
@@ -55,7 +49,6 @@ class SecuritySettings {
     uint32_t authCode_;
     uint32_t privCode_;
     const CryptoLibraries libraries_;
-    mutable PasswordKeys keys_;
 };
 
 }  // namespace vndiscover

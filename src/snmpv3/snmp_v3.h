@@ -1,10 +1,13 @@
-// The SNMPv3 sweep: an engine discovery to all devices, then one request to each that reports.
+// What the exports do over SNMPv3: a sweep is an engine discovery to all devices and one request to
+// each that reports; a directed request discovers the device's engine again.
 #pragma once
 
 #include <cstdint>
 
+#include "snmp/directed_request.h"
 #include "snmp/vx_snmp_mgr.h"
 #include "snmpv3/codec/security_settings.h"
+#include "vndiscover.h"
 
 namespace vndiscover {
 
@@ -14,5 +17,11 @@ namespace vndiscover {
 // nothing is sent. During a sweep of the manager a further call does nothing.
 int32_t DiscoverV3(VxSnmpMgr& manager, const SweepSettings& settings, const char* oid,
                    const char* jsonRequest, const SecuritySettings& security);
+
+// Arguments and results as in the public header. host may be null.
+int32_t RequestTextV3(const char* host, const char* oid, const TextBuffer& out, uint32_t* valueType,
+                      const SecuritySettings& security);
+int32_t RequestNextV3(const char* host, const char* oid, VnResponseRecord* record,
+                      const SecuritySettings& security);
 
 }  // namespace vndiscover
