@@ -11,11 +11,14 @@
 
 namespace vndiscover::host {
 
-enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3 };
+enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3, kNeedsAttention = 4 };
 
 // Ends the message of a sweep that found nothing.
 constexpr char kDoctorHint[] = ": 'vndiscover doctor' looks for the cause";
+constexpr char kAskOtherwise[] =
+    ". 'vndiscover printers' and 'vndiscover sweep -c public -o sysName.0' ask otherwise";
 
+void AddPrintersCommand(CLI::App& app, int& exitCode);   // printers
 void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
 void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, walk, info
 void AddPrinterCommand(CLI::App& app, int& exitCode);    // printer
@@ -40,6 +43,10 @@ struct V3Options {
     std::string user, authProtocol, authPassword, privProtocol, privPassword;
 };
 void AddV3Options(CLI::App& command, V3Options& options);
+
+// Of the environment: passwords.
+constexpr wchar_t kAuthVariable[] = L"VNDISCOVER_AUTH_PASS";
+constexpr wchar_t kPrivVariable[] = L"VNDISCOVER_PRIV_PASS";
 
 // Checks the options, and takes missing passwords from the environment or prompts for them. Null
 // without --v3.

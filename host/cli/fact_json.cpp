@@ -56,11 +56,7 @@ void AddLevel(cJSON* object, const Level& level) {
     AddText(object, "text", LevelText(level));
 }
 
-void AddTables(cJSON* root, const PrinterFacts& facts) {
-    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
-        AddNumber(object, "count", std::to_string(count.count));
-        AddOrNull(object, {{"unit", count.unit}});
-    });
+void AddSupplies(cJSON* root, const PrinterFacts& facts) {
     AddObjects(root, "supplies", facts.supplies, [](cJSON* object, const Supply& supply) {
         AddOrNull(object, {{"description", supply.description},
                            {"colour", supply.colour},
@@ -68,6 +64,18 @@ void AddTables(cJSON* root, const PrinterFacts& facts) {
         cJSON_AddBoolToObject(object, "isReceptacle", supply.level.isReceptacle);
         AddLevel(object, supply.level);
     });
+}
+
+void AddPageCounts(cJSON* root, const PrinterFacts& facts) {
+    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
+        AddNumber(object, "count", std::to_string(count.count));
+        AddOrNull(object, {{"unit", count.unit}});
+    });
+}
+
+void AddTables(cJSON* root, const PrinterFacts& facts) {
+    AddPageCounts(root, facts);
+    AddSupplies(root, facts);
     AddObjects(root, "trays", facts.trays, [](cJSON* object, const Tray& tray) {
         AddOrNull(object, {{"name", tray.name}, {"medium", tray.medium}});
         AddLevel(object, tray.level);
@@ -196,6 +204,32 @@ std::string ComparisonJson(const Comparison& comparison) {
     }
     AddNumber(root.get(), "asBefore", std::to_string(comparison.same));
     return Line(root);
+}
+
+std::string PrintersJson(const std::vector<PrinterLine>& printers) {
+    JsonArray array;
+    for (const PrinterLine& printer : printers) {
+        const PrinterFacts& facts = printer.facts;
+        const JsonItem item(cJSON_CreateObject());
+        cJSON* const object = item.get();
+        AddText(object, "severity", SeverityName(printer.summary.severity));
+        AddOrNull(object,
+                  {{"state", printer.summary.state}, {"lowestSupply", printer.summary.supply}});
+        AddTexts(object, "addresses", printer.addresses);
+        AddOrNull(object, {{"name", facts.name},
+                           {"model", facts.model},
+                           {"serialNumber", facts.serialNumber},
+                           {"location", facts.location},
+                           {"firmware", facts.description},
+                           {"deviceStatus", facts.deviceStatus},
+                           {"printerStatus", facts.printerStatus}});
+        AddTexts(object, "errors", facts.errors);
+        AddPageCounts(object, facts);
+        AddSupplies(object, facts);
+        AddOrNull(object, {{"notRead", printer.problem}});
+        array.Add(object);
+    }
+    return array.Finish();
 }
 
 }  // namespace vndiscover::host

@@ -52,6 +52,7 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.allow_windows_style_options(false);  // "/tmp/x" is a path
     app.require_subcommand(1);
     app.set_version_flag("--version", Version());
+    vndiscover::host::AddPrintersCommand(app, exitCode);
     vndiscover::host::AddSweepCommand(app, exitCode);
     vndiscover::host::AddDirectedCommands(app, exitCode);
     vndiscover::host::AddPrinterCommand(app, exitCode);

@@ -72,12 +72,12 @@ std::shared_ptr<const Security> ResolveSecurity(const V3Options& options) {
     if (security.usePriv)
         security.privLabel = Label(PrivLabel(options.privProtocol), "-x", kPrivProtocols);
     if (security.useAuth) {
-        security.authPassword = FetchPassword(options.authPassword, "-A", L"VNDISCOVER_AUTH_PASS",
-                                              "Authentication password: ");
+        security.authPassword =
+            FetchPassword(options.authPassword, "-A", kAuthVariable, "Authentication password: ");
     }
     if (security.usePriv) {
-        security.privPassword = FetchPassword(options.privPassword, "-X", L"VNDISCOVER_PRIV_PASS",
-                                              "Privacy password: ");
+        security.privPassword =
+            FetchPassword(options.privPassword, "-X", kPrivVariable, "Privacy password: ");
     }
     return std::make_shared<const Security>(std::move(security));
 }

@@ -118,10 +118,9 @@ bool Print(std::string_view text) {
     return !g_isOutputBroken;
 }
 
-size_t OutputWidth() {
+size_t OutputWidth(size_t otherwise) {
     CONSOLE_SCREEN_BUFFER_INFO info = {};
-    constexpr size_t kUsualWidth = 80;
-    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return kUsualWidth;
+    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return otherwise;
     // A full line would be followed by an empty one.
     return static_cast<size_t>(std::max(info.srWindow.Right - info.srWindow.Left, 40));
 }

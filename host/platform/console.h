@@ -27,8 +27,8 @@ class ConsoleSession {
 // caller then stops.
 bool Print(std::string_view text);
 
-// Characters in a line of standard output: those of the console, or 80.
-size_t OutputWidth();
+// Characters in a line of standard output: those of the console, or `otherwise`.
+size_t OutputWidth(size_t otherwise = 80);
 
 // " (the disk is full, error 112)"; empty if all output was written, or nobody reads it.
 std::string OutputProblem();

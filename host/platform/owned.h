@@ -45,6 +45,7 @@ struct ClosedBy {
     static void Close(Value value) noexcept { kClose(value); }
 };
 
+using OwnedHandle = Owned<ClosedBy<HANDLE, CloseHandle>>;
 using OwnedKey = Owned<ClosedBy<HKEY, RegCloseKey>>;  // of the registry
 using OwnedLocal = Owned<ClosedBy<void*, LocalFree>>;
 

@@ -8,14 +8,16 @@ namespace vndiscover::host {
 FleetResult ReadJob(const FleetJob& job, const Asker& asker) {
     FleetResult result;
     Asker timed = asker;
+    timed.mayGoOn = [&] {
+        return (job.isLate || !result.isSlow) && (!asker.mayGoOn || asker.mayGoOn());
+    };
     timed.getNext = [&](const Oid& oid) {
+        // A silent device is not asked again yet, whatever the reader does about silence.
+        if (!timed.mayGoOn()) return Failed(Status::kNoAnswer, oid);
         const int64_t start = NowMs(asker);
         Answer answer = asker.getNext(oid);
         if (NowMs(asker) - start > kSlowRequestMs) result.isSlow = true;
         return answer;
-    };
-    timed.mayGoOn = [&] {
-        return (job.isLate || !result.isSlow) && (!asker.mayGoOn || asker.mayGoOn());
     };
     result.answers = job.isState ? ReadState(timed, job.known) : ReadForList(timed, job.known);
     return result;

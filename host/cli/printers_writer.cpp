@@ -1,0 +1,118 @@
+#include "cli/printers_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+#include "values/csv_cell.h"
+#include "values/ip_address.h"
+#include "values/plain_text.h"
+#include "values/text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kColumns = 5;
+using Cells = std::array<std::string, kColumns>;
+
+Cells CellsOf(const PrinterLine& printer) {
+    const PrinterSummary& summary = printer.summary;
+    const bool isFine = summary.severity == Severity::kFine;
+    const std::string state = summary.state.empty() ? printer.problem : summary.state;
+    return {(isFine ? "" : SeverityName(summary.severity) + std::string(": ")) + state,
+            summary.supply, printer.facts.name, printer.facts.model, Joined(printer.addresses)};
+}
+
+// Characters, not bytes.
+size_t WidthOf(const std::string& text) {
+    return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
+}
+
+std::string Cut(const std::string& text, size_t width) {
+    if (WidthOf(text) <= width) return text;
+    std::string cut;
+    size_t left = width - 2;
+    for (std::string_view rest = text; left > 0; --left) {
+        const size_t size = FirstCharacter(rest).bytes;
+        cut += rest.substr(0, size);
+        rest.remove_prefix(size);
+    }
+    return cut + "..";
+}
+
+// Takes from the widest columns what is too much; addresses stay whole.
+void Shrink(std::array<size_t, kColumns>& widths, size_t width) {
+    constexpr size_t kLeast = 8;
+    const auto total = [&] {
+        size_t sum = 2 * (kColumns - 1);
+        for (const size_t one : widths) sum += one;
+        return sum;
+    };
+    while (total() > width) {
+        const auto widest = std::max_element(widths.begin(), widths.end() - 1);
+        if (*widest <= kLeast) return;
+        --*widest;
+    }
+}
+
+std::string SuppliesText(const PrinterFacts& facts) {
+    std::vector<std::string> texts;
+    for (const Supply& supply : facts.supplies)
+        texts.push_back(
+            (supply.description.empty() ? SpacedWords(supply.type) : supply.description) + ": " +
+            LevelText(supply.level));
+    return Joined(texts, "; ");
+}
+
+std::string CountText(const PrinterFacts& facts) {
+    return facts.pageCounts.empty() ? "" : std::to_string(facts.pageCounts.front().count);
+}
+
+}  // namespace
+
+void SortWorstFirst(std::vector<PrinterLine>& printers) {
+    const auto order = [](const PrinterLine& printer) {
+        const std::string address = printer.addresses.empty() ? "" : printer.addresses.front();
+        return std::make_tuple(SeverityOrder(printer.summary.severity),
+                               printer.summary.lowestSupply.value_or(101), AddressOrder(address));
+    };
+    std::stable_sort(printers.begin(), printers.end(),
+                     [&](const auto& one, const auto& other) { return order(one) < order(other); });
+}
+
+std::string PrintersText(const std::vector<PrinterLine>& printers, size_t width) {
+    std::vector<Cells> rows = {{"STATE", "LOWEST SUPPLY", "NAME", "MODEL", "ADDRESS"}};
+    for (const PrinterLine& printer : printers) rows.push_back(CellsOf(printer));
+    std::array<size_t, kColumns> widths = {};
+    for (const Cells& row : rows) {
+        for (size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
+    }
+    Shrink(widths, width);
+    std::string text;
+    for (const Cells& row : rows) {
+        for (size_t i = 0; i + 1 < kColumns; ++i)
+            text += Padded(Cut(row[i], widths[i]), widths[i] + 2);
+        text += row[kColumns - 1] + "\n";
+    }
+    return text;
+}
+
+std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
+    std::string text =
+        "severity,state,lowest supply,name,model,addresses,serial number,location,firmware,"
+        "page count,supplies,not read\n";
+    for (const PrinterLine& printer : printers) {
+        const PrinterFacts& facts = printer.facts;
+        std::string line;
+        for (const std::string& cell :
+             {std::string(SeverityName(printer.summary.severity)), printer.summary.state,
+              printer.summary.supply, facts.name, facts.model, Joined(printer.addresses),
+              facts.serialNumber, facts.location, facts.description, CountText(facts),
+              SuppliesText(facts), printer.problem})
+            line += (line.empty() ? "" : ",") + CsvCell(cell);
+        text += line + "\n";
+    }
+    return text;
+}
+
+}  // namespace vndiscover::host

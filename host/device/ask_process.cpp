@@ -1,0 +1,108 @@
+// A request is one line, "LOGIN OID ADDRESS", and so is its answer, "STATUS OID TYPE SIZE BYTES
+// NOTE". Bytes are hexadecimal after a dot.
+#include "device/ask_process.h"
+
+#include <fcntl.h>
+#include <io.h>
+
+#include <iostream>
+#include <sstream>
+
+#include "values/text.h"
+
+namespace vndiscover::host {
+namespace {
+
+std::string LineOf(const Answer& answer) {
+    return std::to_string(static_cast<int>(answer.status)) + " " + OidToText(answer.oid) + " " +
+           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " ." +
+           HexText(answer.bytes, "") + " " + answer.note;
+}
+
+Answer AnswerOf(const std::string& line) {
+    std::istringstream fields(line);
+    Answer answer;
+    int status = 0;
+    std::string oid, bytes;
+    fields >> status >> oid >> answer.type >> answer.wholeSize >> bytes;
+    fields.ignore(1);
+    std::getline(fields, answer.note);
+    answer.status = static_cast<Status>(status);
+    answer.oid = ParseOid(oid).value_or(Oid());
+    answer.bytes = ParseHex(bytes.substr(std::min<size_t>(1, bytes.size()))).value_or("");
+    return answer;
+}
+
+// A pipe of which the other process inherits one end only: if another child held the writing end
+// too, the reader would wait for that one.
+struct Pipe {
+    OwnedHandle read, write;
+
+    explicit Pipe(OwnedHandle Pipe::*ours) {
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        if (CreatePipe(read.Receive(), write.Receive(), &inherited, 0))
+            SetHandleInformation((this->*ours).Get(), HANDLE_FLAG_INHERIT, 0);
+    }
+};
+
+FILE* FileOf(OwnedHandle pipe, int flags, const char* mode) {
+    return _fdopen(_open_osfhandle(reinterpret_cast<intptr_t>(pipe.Release()), flags), mode);
+}
+
+}  // namespace
+
+AskProcess::AskProcess(const wchar_t* option, HANDLE job) {
+    Pipe input(&Pipe::write), output(&Pipe::read);
+    std::wstring program(32768, L'\0');
+    GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
+    std::wstring line = GetCommandLineW() + (L" " + std::wstring(option));
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdInput = input.read.Get();
+    start.hStdOutput = output.write.Get();
+    PROCESS_INFORMATION started = {};
+    // Without a console, so that a Ctrl-C is for this process only.
+    if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
+                        nullptr, nullptr, &start, &started))
+        return;
+    CloseHandle(started.hThread);
+    process_.Reset(started.hProcess);
+    if (job) AssignProcessToJobObject(job, started.hProcess);
+    toProcess_ = FileOf(std::move(input.write), 0, "w");
+    fromProcess_ = FileOf(std::move(output.read), _O_RDONLY, "r");
+    isAlive_ = toProcess_ && fromProcess_;
+}
+
+void AskProcess::End() {
+    if (process_) TerminateProcess(process_.Get(), 0);
+}
+
+AskProcess::~AskProcess() {
+    End();
+    if (toProcess_) std::fclose(toProcess_);
+    if (fromProcess_) std::fclose(fromProcess_);
+}
+
+Answer AskProcess::GetNext(size_t login, const std::string& address, const Oid& oid) {
+    std::string reply;
+    if (isAlive_) {
+        std::fprintf(toProcess_, "%zu %s %s\n", login, OidToText(oid).c_str(), address.c_str());
+        isAlive_ = std::fflush(toProcess_) == 0;
+    }
+    int c = EOF;
+    while (isAlive_ && (c = std::fgetc(fromProcess_)) != '\n') {
+        isAlive_ = c != EOF;
+        reply += static_cast<char>(c);
+    }
+    return isAlive_ ? AnswerOf(reply) : Failed(Status::kSendFailed, oid);
+}
+
+void ServeAskProcess(const AskNext& ask) {
+    size_t login = 0;
+    std::string oid, address;
+    while (std::cin >> login >> oid >> address)
+        std::cout << LineOf(ask(login, address, ParseOid(oid).value_or(Oid()))) << std::endl;
+}
+
+}  // namespace vndiscover::host
