@@ -20,8 +20,8 @@ instance, 0 if there is only one. About ninety standard objects have names:
 system, interfaces, host resources, printers.
 
 Examples:
-  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.1.0 .1.3.6.1.2.1.1.3.0 -c public
-  vndiscover get 192.168.1.20 sysDescr.0 hrPrinterStatus.1 --names
+  vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 .1.3.6.1.2.1.1.3.0 -c public
+  vndiscover get 192.168.1.20 sysName.0 hrPrinterStatus.1 --names
   vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --format json
   vndiscover get 192.168.1.20 .1.3.6.1.2.1.1.5.0 --v3 -u admin -a SHA256 -x AES
 

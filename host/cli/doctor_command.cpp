@@ -33,10 +33,14 @@ otherwise this community), 1 a reason was found, or it does not answer, 2 wrong
 usage, 3 the requests could not be sent.)";
 
 int RunOnComputer(const DeviceOptions& options) {
-    const ComputerReport report = ReportOn(ThisComputer());
-    Print(options.format == TextFormat::kJson ? ComputerJson(report)
-                                              : ReportText(ReportOf(report), OutputWidth()));
-    return report.causes.empty() ? kFound : kNone;
+    const ComputerReport computer = ReportOn(ThisComputer());
+    Report report = ReportOf(computer);
+    report.front().Add("Asked", std::string("'vndiscover sweep' asks community '") +
+                                    VN_DEFAULT_COMMUNITY + "' for " + VN_DEFAULT_DISCOVERY_OID +
+                                    kAskOtherwise);
+    Print(options.format == TextFormat::kJson ? ComputerJson(computer)
+                                              : ReportText(report, OutputWidth()));
+    return computer.causes.empty() ? kFound : kNone;
 }
 
 int RunOnHost(const DeviceOptions& options) {
@@ -54,9 +58,17 @@ int RunOnHost(const DeviceOptions& options) {
     steps.hasUser = options.v3.isOn;
     const HostDiagnosis diagnosis = Diagnose(steps);
     const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), address);
-    Print(options.format == TextFormat::kJson
-              ? HostJson(diagnosis, isOnOwnNetwork, options.host)
-              : ReportText(ReportOf(diagnosis, isOnOwnNetwork), OutputWidth()));
+    Report report = ReportOf(diagnosis, isOnOwnNetwork);
+    if (diagnosis.v1.outcome == Outcome::kSilent) {
+        const std::string doctor = "'vndiscover doctor " + options.host;
+        report.front().Add(
+            "Asked", "SNMPv1 with community '" +
+                         (options.community.empty() ? VN_DEFAULT_COMMUNITY : options.community) +
+                         "' for the variable after sysDescr.0; " + doctor + " -c COMMUNITY' and " +
+                         doctor + " --v3 -u USER' ask otherwise");
+    }
+    Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
+                                              : ReportText(report, OutputWidth()));
     if (IsUnsendable(diagnosis)) return kSendFailed;
     return IsUsable(diagnosis) ? kFound : kNone;
 }

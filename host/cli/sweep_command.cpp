@@ -38,7 +38,7 @@ answers are saved still saves the answers that have come.
 
 Examples:
   vndiscover sweep
-  vndiscover sweep --community public --oid sysDescr.0
+  vndiscover sweep --community public --oid sysName.0
   vndiscover sweep --community public --json request.json --format json
   vndiscover sweep --ipv6 --csv devices.csv
   vndiscover sweep --v3 -u admin -a SHA256 -x AES
@@ -173,6 +173,19 @@ std::string StatusLine(ULONGLONG startMs, size_t devices) {
            (devices == 1 ? " device" : " devices");
 }
 
+// What was asked: a device of another maker may answer, but not to this.
+std::string NothingCame(const SweepOptions& options, const Sweep& sweep) {
+    const std::string object = !options.jsonPath.empty() ? "the OID in '" + options.jsonPath + "'"
+                               : !options.oid.empty()    ? options.oid
+                                                         : VN_DEFAULT_DISCOVERY_OID;
+    const std::string& community = options.community;
+    return "no device answered " +
+           (sweep.arguments.security
+                ? "the SNMPv3 user '" + options.v3.user + "'"
+                : "community '" + (community.empty() ? VN_DEFAULT_COMMUNITY : community) + "'") +
+           " for " + object + kAskOtherwise + kDoctorHint;
+}
+
 int RunSweep(const SweepOptions& options) {
     Sweep sweep = Prepare(options);
     ScanKeeper keeper(options.save);
@@ -201,7 +214,7 @@ int RunSweep(const SweepOptions& options) {
     AskAndSave(keeper, options, isStopped, security);
     if (!csv.Problem().empty())
         throw std::runtime_error("'" + options.csvPath + "' is incomplete" + csv.Problem());
-    if (devices == 0) Warn(std::string("no device answered") + kDoctorHint);
+    if (devices == 0) Warn(NothingCame(options, sweep));
     return devices > 0 ? kFound : kNone;
 }
 

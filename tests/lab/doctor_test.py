@@ -18,7 +18,8 @@ class Doctor(unittest.TestCase):
         for line in ("IPv4 sweep     from 2 addresses, takes 4 s at least\n", "10.77.1.1  eth0: Ethernet, up, 2 s\n",
                      "10.77.2.1  eth1: Ethernet, up, 2 s\n", "fe80::2:1  eth1: Ethernet, up, 2 s\n",
                      "255.255.255.255  by eth0, 10.77.1.1\n", "Firewall       not known here\n",
-                     'vndiscover.exe" protocol=udp remoteport=161,3702 profile=domain,private\n', "Log            off\n"):
+                     'vndiscover.exe" protocol=udp remoteport=161,3702 profile=domain,private\n', "Log            off\n",
+                     "Asked          'vndiscover sweep' asks community 'sesame' for"):
             self.assertIn(line, out)
 
     def test_an_adapter_without_address_and_a_missing_route_are_reported(self):
@@ -62,6 +63,7 @@ class Doctor(unittest.TestCase):
                                                            ("10.77.1.99", "10.99.1.1"))
         self.assertEqual(1, silent_code)
         self.assertIn("neither ping, SNMPv1 nor SNMPv3 answers", silent)
+        self.assertRegex(silent, "Asked +SNMPv1 with community 'sesame' for")
         self.assertEqual(3, code)
         self.assertIn("nothing could be sent", out)
         self.assertIn("on none of this computer's networks", out)
