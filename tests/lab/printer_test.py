@@ -39,6 +39,14 @@ class Printers(unittest.TestCase):
         self.assertGreater(len(lines), 15)
         self.assertEqual([], [line for line in lines if line + "\n" not in out])
 
+    def test_a_list_has_one_line_for_a_printer_that_is_found_in_several_ways(self):
+        code, out, _ = run("printers", "-c", "sesame", "-c", "nobody", "--ipv6", *V3, "--format", "json", **SECRETS)
+        addresses = [printer["addresses"] for printer in json.loads(out)]
+        self.assertEqual((0, 1, 2), (code, len(addresses), len(addresses[0])))
+        code, out, _ = run("printers", "-c", "nobody", *V3, **SECRETS)  # its index is not 1
+        self.assertEqual(0, code)
+        self.assertIn("critical: low paper, door open", out)
+
     def test_silence_costs_one_request(self):
         code, out, err = run("printer", AGENT, "--community", "wrong")
         self.assertEqual((1, ""), (code, out))
@@ -54,4 +62,5 @@ class Printers(unittest.TestCase):
 
 if __name__ == "__main__":
     with open(SCRIPTS + "/laserpro-410.conf", encoding="utf-8") as file:
-        main(AGENT_CONF + file.read())
+        main(AGENT_CONF + file.read(),  # on one network, so that a sweep takes half the time
+             lambda: subprocess.run(["ip", "-n", "host", "link", "set", "eth1", "down"], check=True))

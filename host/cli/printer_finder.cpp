@@ -1,0 +1,201 @@
+#include "cli/printer_finder.h"
+
+#include <vndiscover.h>
+
+#include <list>
+#include <optional>
+#include <thread>
+
+#include "device/device.h"
+#include "device/sweeps.h"
+#include "model/asking/json_request.h"
+#include "model/scan/device_merge.h"
+#include "platform/console.h"
+#include "platform/result_window.h"
+#include "platform/this_process.h"
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+#include "values/plain_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxProcesses = 6;
+constexpr auto kPoll = std::chrono::milliseconds(50);
+
+// A job that ends its processes with this one, however that ends.
+OwnedHandle EndingJob() {
+    OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
+}
+
+}  // namespace
+
+std::string NameOf(const Login& login) {
+    return login.security ? "the SNMPv3 user '" + ToUtf8(login.security->user) + "'"
+                          : "community '" + PlainText(login.community) + "'";
+}
+
+AskNext DirectAsker(const std::vector<Login>& logins) {
+    // The device that was asked last is kept: it may have learned how it is reached.
+    struct Last {
+        const Login* login = nullptr;
+        std::string address;
+        std::optional<Device> device;
+    };
+    return [&logins, last = std::make_shared<Last>()](size_t login, const std::string& address,
+                                                      const Oid& oid) {
+        const Login& by = logins.at(login);
+        if (last->login != &by || last->address != address) {
+            *last = {&by, address, Device(address, ToAnsi(by.community), "")};
+            last->device->Use(by.security);
+        }
+        return last->device->GetNext(oid);
+    };
+}
+
+bool PrinterFinder::Run(bool useIPv6) {
+    phase_ = "starting";
+    const SweepWatch watch(StopDiscoverSnmp, [this] {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return phase_.empty() ? fleet_.Progress() : phase_;
+    });
+    for (const bool isIPv6 : {false, true}) {
+        for (size_t login = 0; login < logins_.size() && (useIPv6 || !isIPv6); ++login) {
+            if (!watch.IsStopped()) Sweep(login, isIPv6, kPrinterObject);
+            // Over SNMPv3 a device without that object would not be reported.
+            if (!watch.IsStopped() && logins_[login].security) Sweep(login, isIPv6, "sysName.0");
+        }
+    }
+    ReadAll(watch);
+    return !watch.IsStopped();
+}
+
+void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
+    const Login& by = logins_[login];
+    const Oid oid = *ParseOidOrName(object);
+    const SweepKind kind = by.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
+    scan_.sweeps.push_back({kind, FormOf(kind, oid), useIPv6, oid, UtcNow()});
+    SnmpSweep sweep;
+    sweep.useIPv6 = useIPv6;
+    sweep.community = ToWide(by.community);
+    sweep.oid = ToWide(OidToText(oid));
+    sweep.security = by.security.get();
+    if (by.security) sweep.request = ToWide(RequestFor(OidToText(oid)));
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        phase_ = "sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : "");
+    }
+    const ResultWindow window([&](const char* address, const char* value) {
+        scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
+        if (!devices_.try_emplace(address, devices_.size()).second) return;
+        std::map<Oid, Answer> known;
+        if (!by.security && *value) known[oid] = AnsweredWith(oid, kOctetString, value);
+        const std::lock_guard<std::mutex> lock(mutex_);
+        fleet_.Add(address, login, std::move(known));
+    });
+    RunSweep(window.Handle(), ResultWindow::kMessage, sweep);
+}
+
+// Takes jobs until there are none.
+void PrinterFinder::Work(const AskNext& ask, const std::function<bool()>& mayGoOn) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    while (mayGoOn() && !fleet_.IsOver()) {
+        const auto job = fleet_.Next();
+        if (!job) {
+            changed_.wait_for(lock, kPoll);
+            continue;
+        }
+        lock.unlock();
+        Asker asker;
+        asker.isV3 = logins_[job->login].security != nullptr;
+        asker.mayGoOn = mayGoOn;
+        asker.getNext = [&](const Oid& oid) { return ask(job->login, job->address, oid); };
+        FleetResult result = ReadJob(*job, asker);
+        lock.lock();
+        if (mayGoOn()) {
+            fleet_.Done(*job, std::move(result));
+        } else {
+            fleet_.Return(*job);
+        }
+        changed_.notify_all();
+    }
+    --working_;
+}
+
+void PrinterFinder::ReadAll(const SweepWatch& watch) {
+    const auto mayGoOn = [&] { return !watch.IsStopped(); };
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        phase_.clear();
+    }
+    const size_t count = std::min(kMaxProcesses, devices_.size() / 2);
+    const OwnedHandle job = EndingJob();
+    std::list<AskProcess> processes;
+    std::vector<std::thread> threads;
+    for (size_t i = 0; i < count && mayGoOn(); ++i) {
+        AskProcess& process = processes.emplace_back(askOption_.c_str(), job.Get());
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            ++working_;
+        }
+        threads.emplace_back([this, &process, &mayGoOn] {
+            Work([&](size_t login, const std::string& address,
+                     const Oid& oid) { return process.GetNext(login, address, oid); },
+                 [&] { return process.IsAlive() && mayGoOn(); });
+        });
+    }
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        while (working_ > 0 && mayGoOn()) changed_.wait_for(lock, kPoll);
+    }
+    if (!mayGoOn()) {  // a request would take up to 10 s
+        for (AskProcess& process : processes) process.End();
+    }
+    for (std::thread& thread : threads) thread.join();
+    // What is left: few devices, or the processes could not be started.
+    ++working_;
+    Work(DirectAsker(logins_), mayGoOn);
+}
+
+std::vector<PrinterLine> PrinterFinder::Printers(size_t& others) {
+    for (size_t login = 0; login < logins_.size(); ++login) {
+        const SweepKind kind = logins_[login].security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
+        scan_.sweeps.push_back({kind, AnswerForm::kVariable, false, {}, UtcNow()});
+        for (const FleetDevice& device : fleet_.Devices()) {
+            if (device.login != login) continue;
+            for (const auto& [oid, answer] : device.answers.values)
+                scan_.answers.push_back({scan_.sweeps.size() - 1, "", device.address, answer});
+        }
+    }
+    std::vector<PrinterLine> printers;
+    for (const FoundDevice& found : MakeDevices(scan_)) {
+        PrinterLine printer;
+        printer.facts = *found.facts;
+        for (const std::string& address : found.identity.Of(MergeKey::kAddress)) {
+            printer.addresses.push_back(address);
+            const FleetDevice& device = fleet_.Devices()[devices_.at(address)];
+            const auto known = device.answers.values.find(*ParseOidOrName(kPrinterObject));
+            if (printer.facts.model.empty() && known != device.answers.values.end())
+                printer.facts.model = DeviceText(known->second.bytes, 0);
+            if (device.answers.lastStatus != Status::kAnswered) {
+                printer.problem = device.answers.lastProblem;
+            } else if (!device.isRead) {
+                printer.problem = "stopped";
+            }
+        }
+        if (!printer.facts.deviceIndex && printer.problem.empty()) {
+            ++others;
+            continue;
+        }
+        printer.summary = SummaryOf(printer.facts);
+        printers.push_back(std::move(printer));
+    }
+    SortWorstFirst(printers);
+    return printers;
+}
+
+}  // namespace vndiscover::host
