@@ -191,6 +191,16 @@ TEST_F(SweepState, NextSweepMayStartWithinTheFinalMessage) {
     EXPECT_EQ("", TakeFile("devices.csv")) << "of the next one, which found nothing";
 }
 
+TEST_F(SweepState, FileOfASweepWhoseThreadHasEndedIsNotTheNextOnes) {
+    std::thread([&] {
+        ResultWindow own;
+        own.onResult = [](const Result&) { ExitThread(0); };
+        module.DiscoverDevices(own.Handle(), own.kMessage, 0, 0, kPath, nullptr, nullptr);
+    }).join();
+    Sweep();
+    EXPECT_EQ("", TakeFile("devices.csv"));
+}
+
 int g_allocationsLeft;
 
 TEST_F(SweepState, NextSweepMayStartWhicheverAllocationFails) {
