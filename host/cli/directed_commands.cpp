@@ -53,8 +53,9 @@ usage, 3 the request could not be sent.)";
 constexpr char kWalkExamples[] =
     R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends with the subtree or the
 device's variables, or when the OID of an answer is not greater than the one
-requested. OIDs with a number over 16383 cannot be requested: a walk that
-reaches one stops there and says so.
+requested. A variable that cannot be read, since it is too long for SNMPv1 or the
+device does not answer for it, is skipped, and the walk says so. OIDs with a
+number over 16383 cannot be requested: a walk that reaches one stops there.
 
 Examples:
   vndiscover walk 192.168.1.20
@@ -100,6 +101,11 @@ void Show(VariableWriter& writer, const Answer& answer) {
     if (answer.status != Status::kAnswered) Warn(OidToText(answer.oid) + ": " + Problem(answer));
 }
 
+void ShowSkipped(VariableWriter& writer, const Answer& failure) {
+    Print(writer.Row(failure));
+    Warn("skipped what follows " + OidToText(failure.oid) + ": " + Problem(failure));
+}
+
 template <class Ask>  // Answer Ask(const Device&, const Oid&)
 int RunEach(const Options& options, Ask ask) {
     std::vector<Oid> oids;
@@ -107,9 +113,11 @@ int RunEach(const Options& options, Ask ask) {
     const Device device = OpenDevice(options);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     int exitCode = kFound;
+    const Asker asker = AskerOf(device);
+    PatientAsker patient(asker);
     for (const Oid& oid : oids) {
         WarnIfWrong(oid);
-        const Answer answer = ask(device, oid);
+        const Answer answer = patient.Ask(oid, [&] { return ask(device, oid); });
         Show(writer, answer);
         exitCode = std::max(exitCode,
                             ExitCodeOf(answer.status));  // a failed send outranks a missing answer
@@ -173,7 +181,11 @@ int FinishWalk(const WalkEnd& end) {
              " with one that is not greater");
         return kNone;
     }
-    if (end.variables == 0) Warn("the device has no variables there");
+    if (end.skipped > 0) {
+        Warn(std::to_string(end.skipped) +
+             (end.skipped == 1 ? " variable was" : " variables were") + " skipped");
+    }
+    if (end.variables + end.skipped == 0) Warn("the device has no variables there");
     return end.variables > 0 ? kFound : kNone;
 }
 
@@ -186,9 +198,12 @@ int RunWalk(const Options& options) {
     const Device device = OpenDevice(options);
     WarnIfWrong(start);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
-    const WalkEnd end = WalkSubtree(AskerOf(device), *root, [&](const Answer& answer) {
-        return Print(writer.Row(answer));  // false: the reader of a pipe has gone
-    });
+    const Asker asker = AskerOf(device);
+    const WalkEnd end = WalkSubtree(
+        asker, *root,
+        // False: the reader of a pipe has gone.
+        [&](const Answer& answer) { return Print(writer.Row(answer)); },
+        [&](const Answer& failure) { ShowSkipped(writer, failure); });
     const bool isAnswered = end.last.status == Status::kAnswered;
     if (!isAnswered) Show(writer, end.last);
     Print(writer.End());

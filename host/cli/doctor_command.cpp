@@ -9,6 +9,7 @@
 #include "platform/host_address.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
+#include "values/ip_address.h"
 
 namespace vndiscover::host {
 namespace {
@@ -21,7 +22,8 @@ firewall lets answers in, and the log switches.
 With HOST the device is sent one ping, one SNMPv1 request with this community,
 the SNMPv3 engine discovery (over IPv6 twice) and, if its engine answers, one
 SNMPv3 request with this user or an empty name; both requests are for the
-variable after sysDescr.0. This takes 20 s at most.
+variable after sysDescr.0, and are repeated if no answer comes. This takes 45 s
+at most.
 
 Examples:
   vndiscover doctor
@@ -29,8 +31,9 @@ Examples:
   vndiscover doctor 192.168.1.20 --v3 -u admin -a SHA256 -x AES --format json
 
 Exit codes: 0 no reason found here, or the device answers (with --v3 that user,
-otherwise this community), 1 a reason was found, or it does not answer, 2 wrong
-usage, 3 the requests could not be sent.)";
+otherwise this community), 1 a reason was found, also one that keeps only sweeps
+from finding it, or it does not answer, 2 wrong usage, 3 the requests could not
+be sent.)";
 
 int RunOnComputer(const DeviceOptions& options) {
     const ComputerReport computer = ReportOn(ThisComputer());
@@ -43,7 +46,13 @@ int RunOnComputer(const DeviceOptions& options) {
     return computer.causes.empty() ? kFound : kNone;
 }
 
-int RunOnHost(const DeviceOptions& options) {
+// `address`: of the host, numeric unless it has none.
+HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& address) {
+    if (!HasAddress(options.host)) {
+        HostDiagnosis diagnosis;
+        diagnosis.isUnknown = true;
+        return diagnosis;
+    }
     DeviceOptions community = options;
     community.v3.isOn = false;
     const Device v1 = OpenDevice(community);
@@ -51,12 +60,20 @@ int RunOnHost(const DeviceOptions& options) {
     v3.Use(options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>());
     DiagnosisSteps steps;
     // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
-    const std::string address = NumericHost(options.host);
     steps.ping = [&] { return VxPing(ToAnsi(address).c_str(), kPingTimeoutMs) != 0; };
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
-    const HostDiagnosis diagnosis = Diagnose(steps);
+    steps.address = address;
+    const auto known = ParseIpAddress(address);
+    steps.hasRoute =
+        known && known->IsIPv4() && !ThisComputer().RouteTo(address.c_str()).source.empty();
+    return Diagnose(steps);
+}
+
+int RunOnHost(const DeviceOptions& options) {
+    const std::string address = NumericHost(options.host);
+    const HostDiagnosis diagnosis = DiagnosisOf(options, address);
     const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), address);
     Report report = ReportOf(diagnosis, isOnOwnNetwork);
     if (diagnosis.v1.outcome == Outcome::kSilent) {

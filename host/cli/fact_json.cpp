@@ -177,8 +177,9 @@ std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwn
                                      {"snmpV1", &diagnosis.v1},
                                      {"snmpV3Engine", &diagnosis.discovery},
                                      {"snmpV3User", &diagnosis.user}}) {
-        AddMembers(cJSON_AddObjectToObject(root.get(), name),
-                   {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
+        cJSON* const one = cJSON_AddObjectToObject(root.get(), name);
+        AddMembers(one, {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
+        AddNumber(one, "milliseconds", std::to_string(step->ms));
     }
     cJSON_AddItemToObject(root.get(), "isOnOwnNetwork",
                           isOnOwnNetwork ? cJSON_CreateBool(*isOnOwnNetwork) : cJSON_CreateNull());

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "device/sweeps.h"
+#include "device/zone.h"
 #include "model/asking/refusal.h"
 #include "values/module_types.h"
 
@@ -26,7 +27,8 @@ namespace {
 
 // Remains if no answer came: a readable answer has its type, and an unreadable one has 0.
 constexpr uint32_t kNotSet = UINT32_MAX;
-constexpr char kTooLongForV1[] = "perhaps it is too long for SNMPv1; SNMPv3 may read it";
+constexpr char kTooLongForV1[] = "no value, or too long for SNMPv1; SNMPv3 may read it";
+constexpr char kLowLevel[] = "this user may not read it at this security level";
 
 std::string_view Bytes(const uint8_t* bytes, size_t count) {
     return {reinterpret_cast<const char*>(bytes), count};
@@ -35,25 +37,38 @@ std::string_view Bytes(const uint8_t* bytes, size_t count) {
 Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
     const auto oid = DecodeOid(Bytes(record.oid, record.oidLength));
     if (!oid) return Failed(Status::kUnreadable, asked);
-    return AnsweredWith(*oid, record.valueType, Bytes(record.value, record.valueLength));
+    Answer answer = AnsweredWith(*oid, record.valueType, Bytes(record.value, record.valueLength));
+    answer.sender = record.address;
+    return answer;
 }
 
 template <class Export, class... Result>
-int32_t AskV3(const Security& user, Export ask, const std::string& host, const Oid& oid,
+int32_t AskV3(const Security& user, Export ask, const char* host, const Oid& oid,
               Result... result) {
-    return ask(host.c_str(), OidToText(oid).c_str(), result..., kUnusedTimeoutMs, kUnusedRetries,
+    return ask(host, OidToText(oid).c_str(), result..., kUnusedTimeoutMs, kUnusedRetries,
                user.user.c_str(), user.useAuth, user.authPassword.Get(), user.usePriv,
                user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
 }
 
 }  // namespace
 
+const char* Device::Host() const {
+    if (std::exchange(isZoned_, true)) return host_.c_str();
+    const std::string given = host_;
+    host_ = HostWithZone(given, [&](const std::string& host) {
+        host_ = host;
+        const Answer answer = GetNext({1, 3, 6, 1, 2, 1, 1, 3});
+        return answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
+    });
+    return host_.c_str();
+}
+
 Answer Device::Get(const Oid& oid) const {
     if (security_) return GetV3(oid);
     uint8_t value[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
     const int32_t length =
-        GetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), value, sizeof value, &type,
+        GetSnmpRequestRaw(Host(), OidToText(oid).c_str(), value, sizeof value, &type,
                           kUnusedTimeoutMs, kUnusedRetries, readCommunity_.c_str(), nullptr);
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type == kNotSet) return Failed(Status::kNoAnswer, oid);
@@ -67,7 +82,8 @@ Answer Device::GetV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
     const int32_t reportLength =
-        AskV3(*security_, GetSnmpRequestV3, host_, oid, text, sizeof text, &type);
+        AskV3(*security_, GetSnmpRequestV3, Host(), oid, text, sizeof text, &type);
+    if (type == kNull) return Failed(Status::kRefused, oid, kLowLevel);
     if (IsNoValue(type)) return AnsweredWith(oid, type, "");
     if (type == kInteger && reportLength > 0) {
         std::string problem;
@@ -86,7 +102,7 @@ Answer Device::GetNext(const Oid& oid) const {
     if (security_) return GetNextV3(oid);
     VnResponseRecord record = {};
     const int32_t length =
-        GetNextSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,
+        GetNextSnmpRequestRaw(Host(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,
                               kUnusedRetries, readCommunity_.c_str(), nullptr);
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (record.oidLength != 0) return FromRecord(record, oid);
@@ -97,11 +113,14 @@ Answer Device::GetNext(const Oid& oid) const {
 
 Answer Device::GetNextV3(const Oid& oid) const {
     VnResponseRecord record = {};
-    const int32_t reportLength = AskV3(*security_, GetNextSnmpRequestV3, host_, oid, &record);
+    const int32_t reportLength = AskV3(*security_, GetNextSnmpRequestV3, Host(), oid, &record);
     if (reportLength < 0) return Failed(Status::kSendFailed, oid);
     if (reportLength == 0) return Failed(Status::kNoAnswer, oid);
     if (record.oidLength == 0) return Failed(Status::kOnlyDiscovered, oid);
     Answer answer = FromRecord(record, oid);
+    // An error status comes with the binding of the request; a variable without a value has a type
+    // of its own.
+    if (answer.oid == oid && answer.type == kNull) return Failed(Status::kRefused, oid, kLowLevel);
     const char* reason = RefusalReason(oid, answer.oid, answer.type);
     return reason ? Failed(Status::kRefused, oid, reason) : answer;
 }
@@ -114,8 +133,8 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     // none.
     uint32_t type = value.type | 0x100;
     const int32_t length =
-        SetSnmpRequestRaw(host_.c_str(), OidToText(oid).c_str(), buffer, size, &type,
-                          kUnusedTimeoutMs, kUnusedRetries, nullptr, writeCommunity_.c_str());
+        SetSnmpRequestRaw(Host(), OidToText(oid).c_str(), buffer, size, &type, kUnusedTimeoutMs,
+                          kUnusedRetries, nullptr, writeCommunity_.c_str());
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
     if (type == 0) return Failed(Status::kUnreadable, oid);
@@ -133,7 +152,7 @@ Asker AskerOf(const Device& device) {
 
 std::optional<std::string> Device::Information() const {
     char value[VN_INFORMATION_SIZE] = {};
-    if (GetSnmpInformation(host_.c_str(), value, readCommunity_.c_str(), nullptr) <= 0)
+    if (GetSnmpInformation(Host(), value, readCommunity_.c_str(), nullptr) <= 0)
         return std::nullopt;
     return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
 }

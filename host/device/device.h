@@ -25,7 +25,10 @@ class Device {
     // From now on Get and GetNext use SNMPv3.
     void Use(std::shared_ptr<const Security> security) { security_ = std::move(security); }
     // Changes to another device.
-    void SetHost(std::string host) { host_ = std::move(host); }
+    void SetHost(std::string host) {
+        host_ = std::move(host);
+        isZoned_ = false;
+    }
     bool IsV3() const { return security_ != nullptr; }
 
     Answer Get(const Oid& oid) const;
@@ -36,10 +39,13 @@ class Device {
     std::optional<std::string> Information() const;
 
   private:
+    const char* Host() const;
     Answer GetV3(const Oid& oid) const;
     Answer GetNextV3(const Oid& oid) const;
 
-    std::string host_, readCommunity_, writeCommunity_;
+    mutable std::string host_;      // with its zone if isZoned_
+    mutable bool isZoned_ = false;  // or that was tried
+    std::string readCommunity_, writeCommunity_;
     std::shared_ptr<const Security> security_;
 };
 

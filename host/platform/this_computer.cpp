@@ -142,6 +142,7 @@ void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
         memcpy(&address, entry->Address.lpSockaddr, sizeof address);
         AdapterAddress row;
         row.address = TextOf(address);
+        row.zone = address.sin6_scope_id;
         Describe(row, adapter);
         if (row.address.rfind("fe80", 0) == 0) list.addresses.push_back(row);
     }

@@ -21,6 +21,10 @@ Answer Failed(Status status, const Oid& asked, std::string note) {
     return answer;
 }
 
+bool IsOnlyThisOne(const Answer& failure) {
+    return failure.status == Status::kUnreadable || failure.status == Status::kSilentHere;
+}
+
 std::string Problem(const Answer& answer) {
     switch (answer.status) {
         case Status::kAnswered:
@@ -28,12 +32,15 @@ std::string Problem(const Answer& answer) {
         case Status::kSendFailed:
             return "the request could not be sent";
         case Status::kUnreadable:
-            return "the answer could not be read" + (answer.note.empty() ? "" : ": " + answer.note);
+            return answer.note.empty() ? "the answer could not be read" : answer.note;
+        case Status::kSilentHere:
+            return "no answer to this, although the device answers" +
+                   (answer.note.empty() ? "" : ": " + answer.note);
         case Status::kRefused:
             return "refused: " + answer.note;
         case Status::kOnlyDiscovered:
             return "no readable answer, though the device gave its engine ID: wrong privacy "
-                   "password, or a value of more than 126 bytes";
+                   "password or protocol, or a value of more than 126 bytes";
         case Status::kNoAnswer:
             break;
     }

@@ -15,6 +15,7 @@ enum class Status {
     kNoAnswer,
     kSendFailed,
     kUnreadable,      // an answer came, but without a variable
+    kSilentHere,      // no answer to this request, although the device answers another one
     kOnlyDiscovered,  // SNMPv3: the device gave its engine ID, but no readable answer came
     kRefused,         // by an SNMPv3 report; note says why
 };
@@ -27,6 +28,7 @@ struct Answer {
     size_t wholeSize =
         0;             // of the value at the device; if more than bytes.size(), the rest is missing
     std::string note;  // details of a problem, may be empty
+    std::string sender{};  // numeric address; empty: unknown
 };
 
 // An answer with a value as the module delivers it.
@@ -37,6 +39,9 @@ Answer Received(std::string_view bytes);
 
 // An answer without a value.
 Answer Failed(Status status, const Oid& asked, std::string note = "");
+
+// Whether other variables of the device may still be read.
+bool IsOnlyThisOne(const Answer& failure);
 
 // Why there is no variable: "no answer", ...
 std::string Problem(const Answer& answer);

@@ -25,4 +25,26 @@ inline int64_t NowMs(const Asker& asker) {
     return std::chrono::duration_cast<milliseconds>(now).count();
 }
 
+// Repeats what gets no answer. The datagram may have been lost, so it is sent once more; if it
+// stays unanswered, sysUpTime tells whether the device is silent or only this variable:
+// kSilentHere. A device that has not answered anything yet is asked for sysUpTime first, so that
+// one that is switched off costs two waits.
+class PatientAsker {
+  public:
+    // `asker` must outlive it.
+    explicit PatientAsker(const Asker& asker, bool hasAnswered = false)
+        : asker_(asker), hasAnswered_(hasAnswered) {}
+    Answer GetNext(const Oid& oid) {
+        return Ask(oid, [&] { return asker_.getNext(oid); });
+    }
+    // `ask` sends the request for `oid`.
+    Answer Ask(const Oid& oid, const std::function<Answer()>& ask);
+
+  private:
+    bool HasSign(const Oid& oid);
+
+    const Asker& asker_;
+    bool hasAnswered_;
+};
+
 }  // namespace vndiscover::host

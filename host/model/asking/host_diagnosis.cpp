@@ -1,7 +1,10 @@
 #include "model/asking/host_diagnosis.h"
 
+#include <chrono>
+#include <cstdio>
 #include <vector>
 
+#include "values/ip_address.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -15,18 +18,28 @@ StepResult ResultOf(const Answer& answer) {
     switch (answer.status) {
         case Status::kAnswered:
         case Status::kUnreadable:
-            return {Outcome::kAnswered, ""};
+        case Status::kSilentHere:
+            return {Outcome::kAnswered, "", 0};
         case Status::kSendFailed:
-            return {Outcome::kNotSent, ""};
+            return {Outcome::kNotSent, "", 0};
         case Status::kRefused:
-            return {Outcome::kRefused, answer.note};
+            return {Outcome::kRefused, answer.note, 0};
         case Status::kOnlyDiscovered:
-            return {Outcome::kSilent,
-                    "wrong privacy password, or the device drops requests that it refuses"};
+            return {
+                Outcome::kSilent,
+                "wrong privacy password or protocol, or the device drops requests that it refuses",
+                0};
         case Status::kNoAnswer:
             break;
     }
-    return {Outcome::kSilent, ""};
+    return {Outcome::kSilent, "", 0};
+}
+
+// How long sweeps, and every request over SNMPv3, wait for an answer.
+constexpr int64_t kModuleWaitMs = 2000;
+
+bool IsLate(const HostDiagnosis& diagnosis) {
+    return diagnosis.v1.outcome == Outcome::kAnswered && diagnosis.v1.ms >= kModuleWaitMs;
 }
 
 bool Answers(const StepResult& step) { return step.outcome == Outcome::kAnswered; }
@@ -56,7 +69,11 @@ std::string Evidence(const HostDiagnosis& diagnosis) {
     return text;
 }
 
-const char* Cause(const HostDiagnosis& diagnosis) {
+std::string Cause(const HostDiagnosis& diagnosis) {
+    if (IsLate(diagnosis)) {
+        return "SNMPv1 answers after " + SecondsText(diagnosis.v1.ms) +
+               ", but sweeps and SNMPv3 wait 2 s only";
+    }
     const bool hasV1 = Answers(diagnosis.v1);
     const bool hasV3 = Answers(diagnosis.discovery);
     if (hasV1 && hasV3)
@@ -71,29 +88,80 @@ const char* Cause(const HostDiagnosis& diagnosis) {
 
 }  // namespace
 
-HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
-    HostDiagnosis diagnosis;
-    diagnosis.hasUser = steps.hasUser;
-    const auto mustStop = [&] {
-        diagnosis.isStopped = steps.mayGoOn && !steps.mayGoOn();
-        return diagnosis.isStopped;
-    };
-    if (mustStop()) return diagnosis;
-    diagnosis.ping =
-        steps.ping() ? StepResult{Outcome::kAnswered, ""} : StepResult{Outcome::kSilent, ""};
-    if (mustStop()) return diagnosis;
-    diagnosis.v1 = ResultOf(steps.v1.getNext(kSysDescr));
-    if (mustStop()) return diagnosis;
-    const Answer answer = steps.v3.getNext(kSysDescr);
-    const bool isDiscovered =
-        answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
-    diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, ""} : ResultOf(answer);
-    if (steps.hasUser && isDiscovered) diagnosis.user = ResultOf(answer);
-    return diagnosis;
-}
+namespace {
+
+// Takes the steps and measures them.
+class Diagnostician {
+  public:
+    explicit Diagnostician(const DiagnosisSteps& steps) : steps_(steps) {}
+
+    HostDiagnosis Run() {
+        diagnosis_.hasUser = steps_.hasUser;
+        diagnosis_.hasRoute = steps_.hasRoute;
+        if (MustStop()) return diagnosis_;
+        const int64_t startMs = NowMs();
+        diagnosis_.ping.outcome = steps_.ping() ? Outcome::kAnswered : Outcome::kSilent;
+        diagnosis_.ping.ms = NowMs() - startMs;
+        if (MustStop()) return diagnosis_;
+        diagnosis_.v1 = Measured(Ask(steps_.v1));
+        if (MustStop()) return diagnosis_;
+        const Answer answer = Ask(steps_.v3);
+        const bool isDiscovered =
+            answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
+        diagnosis_.discovery =
+            isDiscovered ? StepResult{Outcome::kAnswered, "", 0} : Measured(answer);
+        if (steps_.hasUser && isDiscovered) diagnosis_.user = Measured(answer);
+        return diagnosis_;
+    }
+
+  private:
+    bool MustStop() { return diagnosis_.isStopped = steps_.mayGoOn && !steps_.mayGoOn(); }
+
+    int64_t NowMs() const {
+        using std::chrono::milliseconds;
+        if (steps_.nowMs) return steps_.nowMs();
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<milliseconds>(now).count();
+    }
+
+    Answer Ask(const Asker& asker) {
+        Asker timed = asker;
+        timed.getNext = [&](const Oid& oid) {
+            const int64_t startMs = NowMs();
+            Answer answer = asker.getNext(oid);
+            spentMs_ = NowMs() - startMs;
+            return answer;
+        };
+        const Answer answer = PatientAsker(timed).GetNext(kSysDescr);
+        const auto asked = ParseIpAddress(steps_.address), sender = ParseIpAddress(answer.sender);
+        if (asked && sender && asked->bytes != sender->bytes) diagnosis_.sender = answer.sender;
+        return answer;
+    }
+
+    StepResult Measured(const Answer& answer) const {
+        StepResult result = ResultOf(answer);
+        result.ms = spentMs_;
+        return result;
+    }
+
+    const DiagnosisSteps& steps_;
+    HostDiagnosis diagnosis_;
+    int64_t spentMs_ = 0;  // by the last request
+};
+
+}  // namespace
+
+HostDiagnosis Diagnose(const DiagnosisSteps& steps) { return Diagnostician(steps).Run(); }
 
 bool IsUsable(const HostDiagnosis& diagnosis) {
-    return Answers(diagnosis.hasUser ? diagnosis.user : diagnosis.v1);
+    return Answers(diagnosis.hasUser ? diagnosis.user : diagnosis.v1) && !IsLate(diagnosis) &&
+           diagnosis.sender.empty();
+}
+
+std::string SecondsText(int64_t ms) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f s", static_cast<double>(ms) / 1000);
+    return text;
 }
 
 bool IsUnsendable(const HostDiagnosis& diagnosis) {
@@ -102,11 +170,20 @@ bool IsUnsendable(const HostDiagnosis& diagnosis) {
 }
 
 std::string VerdictOn(const HostDiagnosis& diagnosis) {
+    if (diagnosis.isUnknown) return "nothing was sent: this name has no address";
     if (diagnosis.isStopped) return "stopped before the last step";
-    if (IsUnsendable(diagnosis))
-        return "nothing could be sent: no route to the device, or no network";
+    if (IsUnsendable(diagnosis)) {
+        return Answers(diagnosis.ping) || diagnosis.hasRoute
+                   ? "no SNMP request can be sent, although there is a route: a firewall on this "
+                     "computer blocks outgoing UDP port 161"
+                   : "nothing could be sent: no route to the device, or no network";
+    }
     std::string verdict = Evidence(diagnosis);
     if (const std::string cause = Cause(diagnosis); !cause.empty()) verdict += ": " + cause;
+    if (!diagnosis.sender.empty()) {
+        verdict += "; the answer comes from another address, " + diagnosis.sender +
+                   ", by which sweeps list the device";
+    }
     if (diagnosis.user.outcome == Outcome::kRefused)
         verdict += "; SNMPv3 refuses this user: " + diagnosis.user.detail;
     if (diagnosis.user.outcome == Outcome::kSilent)

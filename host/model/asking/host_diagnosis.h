@@ -1,6 +1,7 @@
 // Finds out in steps why one device does not answer.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -19,6 +20,7 @@ enum class Outcome {
 struct StepResult {
     Outcome outcome = Outcome::kNotAsked;
     std::string detail;
+    int64_t ms = 0;  // that the answer, or the silence, took
 };
 
 struct HostDiagnosis {
@@ -28,25 +30,35 @@ struct HostDiagnosis {
     StepResult user;         // SNMPv3 with this user, if one was given and the engine answered
     bool hasUser = false;    // one was given
     bool isStopped = false;  // before the last step
+    bool hasRoute = false;   // to the device, by this computer's tables
+    bool isUnknown = false;  // the device's name has no address, so nothing was sent
+    std::string sender;      // the address of an SNMP answer, if it is not the one that was asked
 };
 
 // The steps; each call blocks until it has a result.
 struct DiagnosisSteps {
     std::function<bool()> ping;
     Asker v1, v3;
-    std::function<bool()> mayGoOn;  // called before each step; null: it always may
+    std::function<bool()> mayGoOn;   // called before each step; null: it always may
+    std::function<int64_t()> nowMs;  // empty: the system's clock
+    std::string address;             // numeric, to be compared with the sender of answers
+    bool hasRoute = false;           // as in HostDiagnosis
     bool hasUser = false;  // false: v3 uses an empty user name, which reaches the engine only
 };
 
-// Sends one ping, and one SNMPv1 and one SNMPv3 get-next request for sysDescr.0. An SNMPv3 request
-// begins with engine discoveries.
+// Sends one ping, and an SNMPv1 and an SNMPv3 get-next request for sysDescr.0, which are repeated
+// as PatientAsker does. An SNMPv3 request begins with engine discoveries.
 HostDiagnosis Diagnose(const DiagnosisSteps& steps);
 
-// True if SNMP answers as requested: to the user if there was one, otherwise to the community.
+// True if SNMP answers as requested, to the user if there was one, otherwise to the community, and
+// nothing else keeps sweeps from finding the device.
 bool IsUsable(const HostDiagnosis& diagnosis);
 
 // True if nothing could be sent over SNMP.
 bool IsUnsendable(const HostDiagnosis& diagnosis);
+
+// "2.53 s"
+std::string SecondsText(int64_t ms);
 
 // One sentence without a full stop: what answers, what does not, and the likely cause.
 std::string VerdictOn(const HostDiagnosis& diagnosis);

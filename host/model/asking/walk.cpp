@@ -1,5 +1,9 @@
 #include "model/asking/walk.h"
 
+#include <algorithm>
+#include <set>
+
+#include "values/object_names.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -22,22 +26,136 @@ Oid WalkStart(const Oid& root) {
     return start;
 }
 
-WalkEnd WalkSubtree(const Asker& asker, const Oid& root,
-                    const std::function<bool(const Answer&)>& onVariable) {
-    WalkEnd end;
-    end.at = WalkStart(root);
-    while (end.step == WalkStep::kVariable && !end.isStopped) {
-        end.isStopped = asker.mayGoOn && !asker.mayGoOn();
-        if (end.isStopped) break;
-        end.last = asker.getNext(end.at);
-        if (end.last.status != Status::kAnswered) break;
-        end.step = StepOf(root, end.at, end.last, asker.isV3);
-        if (end.step != WalkStep::kVariable && end.step != WalkStep::kLastReachable) break;
-        ++end.variables;
-        end.at = end.last.oid;
-        end.isStopped = !onVariable(end.last);
+std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>& seen) {
+    constexpr uint32_t kRows = 32;
+    std::set<Oid> ways;
+    const auto add = [&](const Oid& oid) {
+        if (oid > at && IsWithin(oid, root) && FitsRequest(oid) && !IsMisencoded(oid))
+            ways.insert(oid);
+    };
+    // `oid`, and the rows below it that are the first ones below `like`.
+    const auto addWithRows = [&](const Oid& oid, const Oid& like) {
+        add(oid);
+        auto seenRow = std::lower_bound(seen.begin(), seen.end(), like);
+        for (uint32_t rows = 0; rows < kRows; ++rows, ++seenRow) {
+            if (seenRow == seen.end() || !IsWithin(*seenRow, like)) return;
+            Oid row = oid;
+            row.insert(row.end(), seenRow->begin() + static_cast<ptrdiff_t>(like.size()),
+                       seenRow->end());
+            add(row);
+        }
+    };
+    // The next row, column, table ...
+    for (size_t size = at.size(); size > root.size(); --size) {
+        const Oid like(at.begin(), at.begin() + static_cast<ptrdiff_t>(size));
+        Oid next = like;
+        for (uint32_t step = 0; step < (size == at.size() ? kRows : 1); ++step) {
+            ++next.back();
+            addWithRows(next, like);
+        }
     }
-    return end;
+    for (size_t i = 0; i < kObjectNameCount; ++i) {
+        Oid object = OidOf(kObjectNames[i].name);
+        const bool isInTable =
+            at.size() >= object.size() && IsWithin(at, Oid(object.begin(), object.end() - 1));
+        const auto size = static_cast<ptrdiff_t>(object.size());
+        addWithRows(object, isInTable ? Oid(at.begin(), at.begin() + size) : object);
+        object.push_back(0);
+        add(object);
+        object.back() = 1;
+        add(object);
+    }
+    constexpr uint32_t kSubtrees = 64;
+    Oid subtree = root;
+    subtree.push_back(at.size() > root.size() ? at[root.size()] : 0);
+    for (uint32_t step = 0; step < kSubtrees; ++step) {
+        ++subtree.back();
+        add(subtree);
+    }
+    return {ways.begin(), ways.end()};
+}
+
+namespace {
+
+class Walk {
+  public:
+    Walk(const Asker& asker, const Oid& root) : asker_(asker), patient_(asker), root_(root) {
+        end_.at = WalkStart(root);
+    }
+
+    WalkEnd Run(const std::function<bool(const Answer&)>& onVariable,
+                const std::function<void(const Answer&)>& onSkipped) {
+        while (end_.step == WalkStep::kVariable && !HasStopped()) {
+            Oid asked = end_.at;
+            end_.last = patient_.GetNext(asked);
+            if (IsOnlyThisOne(end_.last)) {
+                const Answer failure = end_.last;
+                asked = Skip();
+                if (end_.last.status == Status::kAnswered && end_.step != WalkStep::kEnd) {
+                    ++end_.skipped;
+                    if (onSkipped) onSkipped(failure);
+                }
+            }
+            if (end_.last.status != Status::kAnswered || end_.step == WalkStep::kEnd) break;
+            end_.step = StepOf(root_, asked, end_.last, asker_.isV3);
+            if (end_.step != WalkStep::kVariable && end_.step != WalkStep::kLastReachable) break;
+            ++end_.variables;
+            end_.at = end_.last.oid;
+            seen_.push_back(end_.at);
+            end_.isStopped = !onVariable(end_.last);
+        }
+        return end_;
+    }
+
+  private:
+    bool HasStopped() {
+        if (!end_.isStopped) end_.isStopped = asker_.mayGoOn && !asker_.mayGoOn();
+        return end_.isStopped;
+    }
+
+    // The OID whose request got past the variable, with the answer in end_.last; otherwise that is
+    // the failure. If the variable is beyond the subtree, end_.step is kEnd.
+    Oid Skip() {
+        const bool isSilence = end_.last.status == Status::kSilentHere;
+        Oid beyond = root_;
+        ++beyond.back();
+        if (HasStopped() || IsMisencoded(beyond)) return end_.at;
+        const Answer outside = patient_.GetNext(beyond);
+        if (IsOnlyThisOne(outside)) {
+            end_.step = WalkStep::kEnd;
+            end_.last = AnsweredWith(beyond, kEndOfMibView, "");
+        }
+        if (outside.status != Status::kAnswered) return end_.at;
+        const std::vector<Oid> ways = WaysPast(root_, end_.at, seen_);
+        const auto getsPast = [&](const Oid& way) {
+            const Answer answer = HasStopped() ? outside : asker_.getNext(way);
+            if (answer.status == Status::kAnswered) end_.last = answer;
+            return answer.status == Status::kAnswered;
+        };
+        // Each silence takes seconds, so few of the ways are tried. Several variables in a row may
+        // be too long, so each way is.
+        const auto way = isSilence
+                             ? std::partition_point(ways.begin(), ways.end(),
+                                                    [&](const Oid& one) { return !getsPast(one); })
+                             : std::find_if(ways.begin(), ways.end(), getsPast);
+        if (way != ways.end()) return *way;
+        end_.last = outside;  // nothing after the variable can be reached
+        return beyond;
+    }
+
+    const Asker& asker_;
+    PatientAsker patient_;
+    const Oid& root_;
+    std::vector<Oid> seen_;
+    WalkEnd end_;
+};
+
+}  // namespace
+
+WalkEnd WalkSubtree(const Asker& asker, const Oid& root,
+                    const std::function<bool(const Answer&)>& onVariable,
+                    const std::function<void(const Answer&)>& onSkipped) {
+    return Walk(asker, root).Run(onVariable, onSkipped);
 }
 
 }  // namespace vndiscover::host

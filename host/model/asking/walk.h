@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "model/asking/asker.h"
 
@@ -26,14 +28,22 @@ struct WalkEnd {
     Answer last;           // to the last request
     Oid at;                // of the last variable, or the start
     size_t variables = 0;  // passed on
+    size_t skipped = 0;    // at least: variables that could not be read
 };
 
 // The OID to request first; the caller checks whether it can be requested.
 Oid WalkStart(const Oid& root);
 
 // Requests one variable after the other until the subtree ends, the device gives none, or
-// `onVariable` returns false.
+// `onVariable` returns false. A variable that cannot be read is skipped, and those after it that no
+// request reaches: `onSkipped`, which may be empty, gets the failure with the OID before it.
 WalkEnd WalkSubtree(const Asker& asker, const Oid& root,
-                    const std::function<bool(const Answer&)>& onVariable);
+                    const std::function<bool(const Answer&)>& onVariable,
+                    const std::function<void(const Answer&)>& onSkipped = {});
+
+// OIDs after `at`, in ascending order. A get-next request for one that is not before the device's
+// next variable gets past it. They are guessed from the rows and columns `seen` so far, which are
+// in ascending order, from the standard objects, and from the subtrees of `root`.
+std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>& seen);
 
 }  // namespace vndiscover::host

@@ -16,6 +16,7 @@ struct AdapterAddress {
     std::string adapter, description;  // "Ethernet 2", "Intel(R) I219-LM"
     uint32_t interfaceType = 0;        // IANA's ifType: 6 Ethernet, 71 wireless, 131 tunnel ...
     std::optional<bool> isUp;          // empty: unknown
+    uint32_t zone = 0;                 // IPv6 only
 };
 
 struct AdapterList {

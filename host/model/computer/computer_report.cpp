@@ -100,6 +100,15 @@ std::string IPv4Cause(const AdapterList& list, const SweepPlan& plan) {
     if (plan.rows.empty()) return "no adapter has an IPv4 address: no IPv4 sweep is sent";
     if (std::all_of(plan.rows.begin(), plan.rows.end(), IsIdle))
         return "no adapter that is up has an IPv4 address";
+    bool isAutomatic = false, isUsable = false;
+    for (const SweepRow& row : plan.rows) {
+        isAutomatic |= row.state == "automatic address";
+        isUsable |= !IsIdle(row) && row.state != "automatic address" && row.kind != "loopback";
+    }
+    if (isAutomatic && !isUsable) {
+        return "this computer has only automatic addresses (169.254), as no server gave it one: "
+               "devices with other addresses are not found";
+    }
     return "";
 }
 

@@ -96,7 +96,8 @@ const char* OutcomeText(Outcome outcome) {
 }
 
 std::string StepText(const StepResult& step) {
-    const std::string outcome = OutcomeText(step.outcome);
+    std::string outcome = OutcomeText(step.outcome);
+    if (step.ms > 0) outcome += " after " + SecondsText(step.ms);
     return step.detail.empty() ? outcome : outcome + ": " + step.detail;
 }
 

@@ -117,10 +117,14 @@ constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
 
 const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
+constexpr size_t kMaxFailures = 8;  // in a column
+
 class Reader {
   public:
     explicit Reader(const Asker& asker, PrinterAnswers known = {})
-        : asker_(asker),
+        : caller_(asker),
+          asker_{asker.getNext, asker.isV3, [this] { return MayGoOn(); }, nullptr},
+          patient_(asker_, !known.values.empty()),
           answers_(std::move(known)),
           startMs_(NowMs() - answers_.spentMs),
           hasStopped_(answers_.lastStatus != Status::kAnswered) {}
@@ -162,7 +166,7 @@ class Reader {
     }
 
   private:
-    int64_t NowMs() const { return host::NowMs(asker_); }
+    int64_t NowMs() const { return host::NowMs(caller_); }
 
     PrinterAnswers Finish() {
         answers_.spentMs = NowMs() - startMs_;
@@ -179,9 +183,10 @@ class Reader {
         if (question.way == Way::kColumn || (question.way == Way::kPrinter && !printer)) {
             ReadColumn(question, oid);
         } else if (question.way == Way::kFirst) {
+            Oid columnEnd = oid;
+            ++columnEnd.back();
             const Answer answer = Ask(oid);
-            if (answer.status != Status::kAnswered || IsWithin(answer.oid, oid))
-                Take(question, answer);
+            Handle(question, answer, IsWithin(answer.oid, oid), columnEnd);
         } else {
             PutRow(question, {question.way == Way::kScalar ? 0 : *printer});
         }
@@ -196,7 +201,7 @@ class Reader {
             Miss(question, true, "the printer's index is over 16383 and cannot be requested");
         } else if (answers_.values.count(oid) == 0) {
             const Answer answer = Ask(JustBefore(oid));
-            if (answer.status != Status::kAnswered || answer.oid == oid) Take(question, answer);
+            Handle(question, answer, answer.oid == oid, oid);
         }
     }
 
@@ -218,28 +223,86 @@ class Reader {
         return rows;
     }
 
+    // `last`: the last OID that the variable may have.
+    void Handle(const Question& question, const Answer& answer, bool isIt, const Oid& last) {
+        if (answer.status == Status::kAnswered) {
+            if (isIt) Save(answer);
+        } else if (!IsOnlyThisOne(answer) || IsUpTo(last)) {
+            Miss(question, answer);
+        }
+    }
+
     void ReadColumn(const Question& question, const Oid& column) {
         Oid asked = column;
-        for (size_t rows = 0; rows < kMaxRows; ++rows) {
+        for (size_t rows = 0, failures = 0; rows < kMaxRows; ++rows) {
             const Answer answer = Ask(asked);
-            if (answer.status == Status::kAnswered) {
-                const WalkStep step = StepOf(column, asked, answer, asker_.isV3);
-                if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
-                if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
-                if (step == WalkStep::kLastReachable) {
-                    Take(question, answer);
-                    if (!IsEnough(question))
-                        Miss(question, true,
-                             "a row's index is over 16383, so what follows cannot be requested");
-                    return;
-                }
+            if (answer.status != Status::kAnswered) {
+                const auto next = RowPast(question, column, asked, answer);
+                if (!next || ++failures > kMaxFailures) return;
+                asked = *next;
+                continue;
             }
-            const bool isTaken = Take(question, answer);
-            const auto next = isTaken ? answer.oid : RowAfter(column, asked);
-            if (hasStopped_ || answer.status == Status::kOnlyDiscovered || !next) return;
-            asked = *next;
+            const WalkStep step = StepOf(column, asked, answer, asker_.isV3);
+            if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
+            if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
+            Save(answer);
+            asked = answer.oid;
+            if (step == WalkStep::kVariable) continue;
+            if (!IsEnough(question))
+                Miss(question, true,
+                     "a row's index is over 16383, so what follows cannot be requested");
+            return;
         }
         if (!IsEnough(question)) Miss(question, true, "more rows than can be read");
+    }
+
+    // The row after `asked`, which could not be read, so that the next one is asked for. Empty if
+    // the column has ended, or the reading.
+    std::optional<Oid> RowPast(const Question& question, const Oid& column, const Oid& asked,
+                               const Answer& failure) {
+        std::optional<Oid> row;
+        if (IsOnlyThisOne(failure)) {
+            Oid columnEnd = column;
+            ++columnEnd.back();
+            row = RowAfter(column, asked);
+            if (!row && !IsUpTo(columnEnd)) return std::nullopt;
+            if (!row) row = RowOfNextColumn(column, asked);
+        }
+        Miss(question, failure);
+        return hasStopped_ ? std::nullopt : row;
+    }
+
+    // The row that comes after that of `asked` in a later column; if the table has none, the next
+    // number.
+    Oid RowOfNextColumn(const Oid& column, const Oid& asked) {
+        const auto size = static_cast<ptrdiff_t>(column.size());
+        const Oid table(column.begin(), column.end() - 1);
+        Oid other = column;
+        ++other.back();
+        for (int attempt = 0; attempt < 2; ++attempt) {  // the table may lack the first one
+            Oid same = other;
+            same.insert(same.end(), asked.begin() + size, asked.end());
+            const Answer answer = Ask(same);
+            if (answer.status != Status::kAnswered || !IsWithin(answer.oid, table)) break;
+            Oid row = column;
+            row.insert(row.end(), answer.oid.begin() + size, answer.oid.end());
+            if (row > asked) return row;
+            other.assign(answer.oid.begin(), answer.oid.begin() + size);
+        }
+        Oid row = asked;
+        if (asked == column) {
+            const Oid printerMib = {1, 3, 6, 1, 2, 1, 43};
+            if (Printer() && IsWithin(column, printerMib)) row.push_back(*Printer());
+            row.push_back(0);
+        }
+        ++row.back();
+        return row;
+    }
+
+    // Whether the variable that cannot be read is not after `oid`: then a request for what follows
+    // gets past it.
+    bool IsUpTo(const Oid& oid) {
+        return !IsMisencoded(oid) && Ask(oid).status == Status::kAnswered;
     }
 
     // Computers that share a printer list hundreds of devices after it.
@@ -263,36 +326,33 @@ class Reader {
         return first;
     }
 
-    Answer Ask(const Oid& oid) {
-        if (asker_.mayGoOn && !asker_.mayGoOn()) {
+    bool MayGoOn() {
+        if (stopReason_) return false;
+        if (caller_.mayGoOn && !caller_.mayGoOn()) {
             stopReason_ = "stopped";
         } else if (NowMs() - startMs_ >= kMaxReadMs) {
             stopReason_ = "not read within 2 minutes";
         }
-        Answer answer = stopReason_ ? Failed(Status::kNoAnswer, oid) : asker_.getNext(oid);
-        if (answer.status == Status::kAnswered) isInDoubt_ = false;
-        return answer;
+        return !stopReason_;
     }
 
-    // False: no variable came.
-    bool Take(const Question& question, const Answer& answer) {
-        if (answer.status == Status::kAnswered) {
-            if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
-            return true;
-        }
-        const std::string problem = stopReason_ ? stopReason_ : Problem(answer);
+    Answer Ask(const Oid& oid) {
+        return MayGoOn() ? patient_.GetNext(oid) : Failed(Status::kNoAnswer, oid);
+    }
+
+    void Save(const Answer& answer) {
+        if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
+    }
+
+    // Ends the reading, unless the failure is of this variable only.
+    void Miss(const Question& question, const Answer& failure) {
+        const std::string problem = stopReason_ ? stopReason_ : Problem(failure);
         Miss(question, true, problem);
-        // An SNMPv3 answer that is too long looks like silence, so only a second one counts.
-        const bool isOnlyThisOne =
-            answer.status == Status::kUnreadable ||
-            (answer.status == Status::kOnlyDiscovered && !isInDoubt_ && !answers_.values.empty());
-        isInDoubt_ = answer.status == Status::kOnlyDiscovered;
-        hasStopped_ = !isOnlyThisOne;
-        if (!hasStopped_) return false;
-        answers_.lastStatus = answer.status;
+        hasStopped_ = stopReason_ || !IsOnlyThisOne(failure);
+        if (!hasStopped_) return;
+        answers_.lastStatus = failure.status;
         answers_.lastProblem = problem;
         answers_.isStopped = stopReason_ != nullptr;
-        return false;
     }
 
     void Miss(const Question& question, bool wasAsked, std::string reason) {
@@ -313,12 +373,13 @@ class Reader {
         });
     }
 
-    const Asker& asker_;
+    const Asker& caller_;
+    const Asker asker_;  // with the time limit
+    PatientAsker patient_;
     PrinterAnswers answers_;
     int64_t startMs_;
     bool hasStopped_;
     const char* stopReason_ = nullptr;  // set by the caller or the time limit
-    bool isInDoubt_ = false;            // the last answer may have been too long
 };
 
 }  // namespace

@@ -25,6 +25,7 @@ class Judge {
         switch (end.lastStatus) {
             case Status::kAnswered:
             case Status::kUnreadable:
+            case Status::kSilentHere:
                 return Raise(ProtocolState::kNoValue);
             case Status::kRefused:
             case Status::kOnlyDiscovered:

@@ -134,6 +134,8 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
     steps.v1 = AskerFor(v1Device, v1, nullptr, 0);
     steps.v3 = AskerFor(v3Device, v3, nullptr, 0);
     steps.hasUser = target.credentials.security != nullptr;
+    steps.address = target.address;
+    steps.hasRoute = !ThisComputer().RouteTo(target.address.c_str()).source.empty();
     steps.mayGoOn = std::move(mayGoOn);
     return host::Diagnose(steps);
 }

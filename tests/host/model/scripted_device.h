@@ -16,6 +16,8 @@ struct ScriptedDevice {
     std::map<Oid, std::pair<uint32_t, std::string>> variables;
     // The failure of a request, if any; empty or kAnswered means none.
     std::function<Status(const Oid&)> failure;
+    // Variables that no request gets: the failure of one that leads to them.
+    std::map<Oid, Status> withheld;
     size_t requests = 0;
 
     void Text(const char* name, std::string text) {
@@ -43,6 +45,8 @@ struct ScriptedDevice {
         ++requests;
         const Status status = failure ? failure(asked) : Status::kAnswered;
         if (status != Status::kAnswered) return Failed(status, asked);
+        if (found != variables.end() && withheld.count(found->first))
+            return Failed(withheld.at(found->first), asked);
         if (found == variables.end()) return AnsweredWith(asked, kNull, "");
         return AnsweredWith(found->first, found->second.first, found->second.second);
     }

@@ -31,6 +31,47 @@ TEST_P(Verdict, NamesWhatAnswersAndWhy) {
     EXPECT_EQ(device.v1 == Status::kSendFailed, IsUnsendable(diagnosis));
 }
 
+TEST(Diagnosis, FindsWhatKeepsSweepsFromADeviceThatAnswers) {
+    int64_t nowMs = 0;
+    DiagnosisSteps steps;
+    steps.ping = [] { return true; };
+    steps.address = "10.77.1.2";
+    std::string sender = "10.77.1.2";
+    int64_t delayMs = 12;
+    steps.v1.getNext = steps.v3.getNext = [&](const Oid& oid) {
+        nowMs += delayMs;
+        Answer answer = Failed(Status::kAnswered, oid);
+        answer.sender = sender;
+        return answer;
+    };
+    steps.nowMs = [&] { return nowMs; };
+    HostDiagnosis diagnosis = Diagnose(steps);
+    EXPECT_TRUE(IsUsable(diagnosis));
+    EXPECT_EQ(12, diagnosis.v1.ms);
+
+    delayMs = 2530;
+    diagnosis = Diagnose(steps);
+    EXPECT_FALSE(IsUsable(diagnosis));
+    EXPECT_NE(std::string::npos,
+              VerdictOn(diagnosis).find("answers after 2.53 s, but sweeps and SNMPv3 wait 2 s"));
+
+    delayMs = 1;
+    sender = "10.77.1.9";
+    diagnosis = Diagnose(steps);
+    EXPECT_FALSE(IsUsable(diagnosis));
+    EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("from another address, 10.77.1.9"));
+}
+
+TEST(Diagnosis, TellsABlockedPortFromAMissingRoute) {
+    HostDiagnosis diagnosis;
+    diagnosis.v1.outcome = diagnosis.discovery.outcome = Outcome::kNotSent;
+    EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("no route"));
+    diagnosis.hasRoute = true;
+    EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("blocks outgoing UDP port 161"));
+    diagnosis.isUnknown = true;
+    EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("name has no address"));
+}
+
 // Before each step, of which none is taken then.
 TEST(Diagnosis, CanBeStopped) {
     for (int allowed = 0; allowed <= 3; ++allowed) {
@@ -79,10 +120,11 @@ INSTANTIATE_TEST_SUITE_P(
                     "address, or a router or firewall on the way"},
         VerdictCase{"RefusedUser", true, kYes, Status::kRefused, true, false,
                     "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: unknown user"},
-        VerdictCase{"DroppedUser", true, kYes, Status::kOnlyDiscovered, true, false,
-                    "ping, SNMPv1 and SNMPv3 answer; SNMPv3 with this user gets no readable "
-                    "answer: wrong privacy password, or the device drops requests that it "
-                    "refuses"},
+        VerdictCase{
+            "DroppedUser", true, kYes, Status::kOnlyDiscovered, true, false,
+            "ping, SNMPv1 and SNMPv3 answer; SNMPv3 with this user gets no readable "
+            "answer: wrong privacy password or protocol, or the device drops requests that it "
+            "refuses"},
         VerdictCase{"NotSent", false, Status::kSendFailed, Status::kSendFailed, true, false,
                     "nothing could be sent: no route to the device, or no network"}),
     [](const auto& row) { return row.param.name; });

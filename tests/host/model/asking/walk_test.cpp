@@ -71,6 +71,82 @@ TEST_F(WalkTest, SaysWhyItEndedEarly) {
     EXPECT_EQ(1u, end.variables);
 }
 
+// One, or two in a row, of every kind of place in the tables.
+TEST(WalkPast, LosesOnlyWhatCannotBeRead) {
+    ScriptedDevice whole;
+    for (const char* name : {"sysDescr.0", "sysObjectID.0", "sysUpTime.0", "sysName.0",
+                             "ifNumber.0", "hrDeviceDescr.1", ".1.3.6.1.2.1.99.1.0"})
+        whole.Text(name, "scalar");
+    for (const char* column :
+         {"ifIndex", "ifDescr", "ifType", "ifMtu", "prtAlertSeverityLevel", "prtAlertTime"}) {
+        for (const char* row : {".1", ".2", ".5"})
+            whole.Text((std::string(column) + row).c_str(), "cell");
+    }
+    std::vector<Oid> all;
+    for (const auto& variable : whole.variables) all.push_back(variable.first);
+    const Oid mib2 = {1, 3, 6, 1, 2, 1};
+    // Of a table that has not been seen, the first row is guessed, but no second one.
+    const auto isFirstColumn = [](const Oid& oid) {
+        return IsWithin(oid, OidOf("ifIndex")) || IsWithin(oid, OidOf("prtAlertSeverityLevel"));
+    };
+    for (size_t first = 0; first < all.size(); ++first) {
+        for (size_t count = 1; count <= 2 && first + count <= all.size(); ++count) {
+            if (count == 2 && isFirstColumn(all[first + 1])) continue;
+            ScriptedDevice device = whole;
+            for (size_t i = first; i < first + count; ++i)
+                device.withheld[all[i]] = Status::kUnreadable;
+            size_t seen = 0, skipped = 0;
+            const Asker asker = device.MakeAsker();
+            const WalkEnd end = WalkSubtree(
+                asker, mib2, [&](const Answer&) { return ++seen != 0; },
+                [&](const Answer&) { ++skipped; });
+            EXPECT_EQ(WalkStep::kEnd, end.step) << NameText(all[first]) << count;
+            EXPECT_EQ(all.size() - count, seen) << NameText(all[first]) << count;
+            EXPECT_LT(0u, skipped);
+            EXPECT_EQ(skipped, end.skipped);
+        }
+    }
+}
+
+TEST(WalkPast, GoesOnAfterASilentVariableAndLoss) {
+    ScriptedDevice device;
+    for (const char* name : {"sysDescr.0", "sysObjectID.0", "sysUpTime.0", "sysName.0", "ifDescr.1",
+                             "ifDescr.2", "ifType.1", "ifType.2"})
+        device.Text(name, "value");
+    size_t seen = 0;
+    const auto count = [&](const Answer&) { return ++seen != 0; };
+    for (const auto& variable : device.variables) {
+        device.withheld = {{variable.first, Status::kNoAnswer}};
+        seen = device.requests = 0;
+        EXPECT_EQ(WalkStep::kEnd, WalkSubtree(device.MakeAsker(), {1, 3, 6, 1, 2, 1}, count).step);
+        EXPECT_EQ(7u, seen) << NameText(variable.first);
+        EXPECT_GT(40u, device.requests);
+    }
+    device.withheld.clear();
+    device.failure = [&](const Oid&) {
+        return device.requests % 3 == 2 ? Status::kNoAnswer : Status::kAnswered;
+    };
+    seen = 0;
+    const WalkEnd end = WalkSubtree(device.MakeAsker(), {1, 3, 6, 1, 2, 1}, count);
+    EXPECT_EQ(8u, seen);
+    EXPECT_EQ(0u, end.skipped);
+}
+
+// A variable after the subtree that cannot be read does not concern it.
+TEST(WalkPast, EndsBeforeWhatCannotBeReadBeyond) {
+    for (const Status status : {Status::kUnreadable, Status::kNoAnswer}) {
+        ScriptedDevice device;
+        for (const char* name : {"sysName.0", "ifDescr.1", "ifType.1"}) device.Text(name, "value");
+        device.withheld[*ParseOidOrName("ifDescr.1")] = status;
+        const WalkEnd end =
+            WalkSubtree(device.MakeAsker(), kSystem, [](const Answer&) { return true; });
+        EXPECT_EQ(WalkStep::kEnd, end.step);
+        EXPECT_EQ(Status::kAnswered, end.last.status);
+        EXPECT_EQ(1u, end.variables);
+        EXPECT_EQ(0u, end.skipped);
+    }
+}
+
 TEST_F(WalkTest, CallerEndsIt) {
     const WalkEnd end =
         WalkSubtree(device_.MakeAsker(), kSystem, [](const Answer&) { return false; });

@@ -68,6 +68,8 @@ TEST(ComputerReport, NamesCausesThatPreventASweep) {
                 ElementsAre(HasSubstr("no adapter has an IPv4 address")));
     EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses[0].isUp = false; }),
                 ElementsAre(HasSubstr("no adapter that is up")));
+    EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses[0].address = "169.254.3.4"; }),
+                ElementsAre(HasSubstr("only automatic addresses")));
     EXPECT_THAT(causes([](auto& it) { it.noRouteTo = "255.255.255.255"; }),
                 ElementsAre(HasSubstr("no route for the broadcast")));
     EXPECT_THAT(causes([](auto& it) { it.noRouteTo = "239.255.255.250"; }),

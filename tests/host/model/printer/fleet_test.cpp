@@ -109,7 +109,7 @@ TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
     EXPECT_EQ("0 state\n1 state\n2 state\n1 rest\n0 state late\n2 state late\n0 rest late\n", log_);
     EXPECT_EQ(50, Summary(0).lowestSupply);
     EXPECT_EQ(Status::kNoAnswer, fleet_.Devices()[2].answers.lastStatus);
-    EXPECT_EQ(2u, silent.requests);
+    EXPECT_EQ(3u, silent.requests);
 }
 
 TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsTwoRequests) {
