@@ -53,13 +53,13 @@ usage, 3 the request could not be sent.)";
 constexpr char kWalkExamples[] =
     R"(Without ROOT the walk starts at .1.3.6.1.2.1. It ends with the subtree or the
 device's variables, or when the OID of an answer is not greater than the one
-requested. A variable that cannot be read, since it is too long for SNMPv1 or the
-device does not answer for it, is skipped, and the walk says so. OIDs with a
+requested. A variable that cannot be read, since it is too long for SNMPv1 or
+the device does not answer for it, is skipped, and the walk says so. OIDs with a
 number over 16383 cannot be requested: a walk that reaches one stops there.
 
 Examples:
   vndiscover walk 192.168.1.20
-  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.1 --community public --format json
+  vndiscover walk 192.168.1.20 .1.3.6.1.2.1.25.3 -c public --format json
   vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --names
   vndiscover walk 192.168.1.20 .1.3.6.1.2.1.43 --v3 -u admin -a SHA256 -x AES
 
