@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "model/printer/printer_summary.h"
 #include "values/ip_address.h"
 #include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -20,56 +20,13 @@ std::vector<std::string> AddressesOf(const FoundDevice& device) {
     return addresses;
 }
 
-std::string PlainValues(const FoundDevice& device, MergeKey key) {
-    std::vector<std::string> values;
-    for (const std::string& value : device.identity.Of(key)) values.push_back(PlainText(value));
-    return Joined(values);
-}
-
-std::string NetworkOf(const std::string& address, const AdapterList& ipv4) {
-    const auto known = ParseIpAddress(address);
-    if (known && !known->IsIPv4()) return "fe80::/64";
-    for (const AdapterAddress& adapter : ipv4.addresses) {
-        std::string network =
-            known ? CommonNetwork(*known, adapter.address, adapter.mask) : std::string();
-        if (!network.empty()) return network;
-    }
-    return "";
-}
-
-std::string ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers) {
-    bool has[3] = {};
-    for (const size_t index : answers)
-        has[static_cast<size_t>(scan.sweeps[scan.answers[index].sweep].kind)] = true;
-    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
-    std::vector<std::string> names;
-    for (size_t kind = 0; kind < 3; ++kind) {
-        if (has[kind]) names.emplace_back(kNames[kind]);
-    }
-    return Joined(names);
-}
-
 DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4) {
+    const RowSource source = {scan, device, ipv4, AddressesOf(device), SummaryOf(*device.facts)};
     DeviceRow row;
     row.answers = device.answers;
-    row.Text(Column::kName) = device.facts->name;
-    row.Text(Column::kModel) = device.facts->model;
-    const std::vector<std::string> addresses = AddressesOf(device);
-    row.Text(Column::kAddress) = Joined(addresses);
-    if (!addresses.empty()) {
-        row.addressOrder = AddressOrder(addresses.front());
-        row.Text(Column::kNetwork) = NetworkOf(addresses.front(), ipv4);
-    }
-    row.Text(Column::kSerial) = PlainValues(device, MergeKey::kSerial);
-    row.Text(Column::kMac) = PlainValues(device, MergeKey::kMac);
-    row.Text(Column::kProtocols) = ProtocolsOf(scan, device.answers);
-    for (const size_t index : device.answers)
-        row.Text(Column::kLastSeen) =
-            std::max(row.Text(Column::kLastSeen), scan.answers[index].time);
-    PrinterSummary summary = SummaryOf(*device.facts);
-    row.Text(Column::kState) = std::move(summary.state);
-    row.lowestSupply = summary.lowestSupply;
-    if (row.lowestSupply) row.Text(Column::kSupplies) = std::to_string(*row.lowestSupply) + " %";
+    for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
+    if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
+    row.lowestSupply = source.summary.lowestSupply;
     return row;
 }
 
@@ -135,17 +92,21 @@ bool DeviceView::IsBefore(size_t one, size_t other) const {
     const DeviceRow& left = rows_[one];
     const DeviceRow& right = rows_[other];
     int order = 0;
-    if (column_ == Column::kAddress) {
-        order = left.addressOrder.compare(right.addressOrder);
-    } else if (column_ == Column::kSupplies) {
-        if (left.lowestSupply.has_value() != right.lowestSupply.has_value())
-            return left.lowestSupply.has_value();
-        if (left.lowestSupply) order = *left.lowestSupply - *right.lowestSupply;
-    } else {
-        const std::string& a = left.Text(column_);
-        const std::string& b = right.Text(column_);
-        if (a.empty() != b.empty()) return b.empty();
-        order = Lower(a).compare(Lower(b));
+    switch (InfoOf(column_).order) {
+        case ColumnInfo::Order::kAddress:
+            order = left.addressOrder.compare(right.addressOrder);
+            break;
+        case ColumnInfo::Order::kLevel:
+            if (left.lowestSupply.has_value() != right.lowestSupply.has_value())
+                return left.lowestSupply.has_value();
+            if (left.lowestSupply) order = *left.lowestSupply - *right.lowestSupply;
+            break;
+        case ColumnInfo::Order::kText: {
+            const std::string& a = left.Text(column_);
+            const std::string& b = right.Text(column_);
+            if (a.empty() != b.empty()) return b.empty();
+            order = Lower(a).compare(Lower(b));
+        }
     }
     return isDescending_ ? order > 0 : order < 0;
 }

@@ -10,25 +10,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "model/computer/computer.h"
-#include "model/scan/found_device.h"
-#include "model/scan/scan.h"
+#include "model/scan/columns.h"
 
 namespace vndiscover::host {
-
-enum class Column {
-    kName,
-    kModel,
-    kAddress,
-    kSerial,
-    kMac,
-    kState,
-    kSupplies,   // the lowest level, "40 %"
-    kProtocols,  // by which it answered
-    kNetwork,    // of this computer, "10.77.1.0/24"
-    kLastSeen,   // UTC, as in ScanAnswer
-};
-constexpr size_t kColumnCount = 10;
 
 // All text is plain; empty: unknown.
 struct DeviceRow {
