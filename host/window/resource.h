@@ -1,7 +1,6 @@
-// Numbers of the resources in vnbrowser.rc.
+// Numbers of the resources in vnbrowser.rc, and of the commands.
 #pragma once
 
-#define IDR_KEYS 101
 #define IDD_SNMP 102
 #define IDD_CALLS 103
 #define IDD_WALK 104
@@ -25,7 +24,7 @@
 #define IDC_PAGES 215
 #define IDC_TABLE 216
 
-// Controls of the dialog.
+// Controls of the dialogs.
 #define IDC_COMMUNITY 230
 #define IDC_USER 231
 #define IDC_AUTH 232
@@ -36,189 +35,28 @@
 #define IDC_PROFILE_NOTE 237
 #define IDC_CALLS 240
 #define IDC_CALL_TEXT 241
+#define IDC_CALL_CPP 242  // these three are consecutive
+#define IDC_CALL_CSHARP 243
+#define IDC_CALL_COMMAND 244
 #define IDC_WALK_ROOT 245
 #define IDC_WALK_VALUES 246
 #define IDC_WALK_STATE 247
+#define IDC_WALK_START 248
+#define IDC_WALK_COPY_ROW 249
+#define IDC_WALK_COPY_ALL 250
+#define IDC_CALL_COPY 251
+#define IDC_PROFILE_DELETE 252
 
-// Commands, and the strings of the menu that name them.
-#define IDM_OPEN 300
-#define IDM_SAVE 301
-#define IDM_COMPARE 302
-#define IDM_CSV 303
-#define IDM_EXIT 304
-#define IDM_JSON 305
-#define IDM_COPY_CELL 310
-#define IDM_COPY_ROW 311
-#define IDM_COPY_TABLE 312
-#define IDM_CLEAR 313
-#define IDM_ASK 320
-#define IDM_ASK_ALL 321
-#define IDM_SPLIT 322
-#define IDM_WEB 323
-#define IDM_WALK 324
-#define IDM_DIAGNOSE 325
-#define IDM_SNMP 330
-#define IDM_DOCTOR 331
-#define IDM_FILTER 332
-#define IDM_CALLS 333
+// Commands without a text of their own. The others have the numbers of their texts.
 #define IDM_NEXT_PAGE 334
 #define IDM_PREVIOUS_PAGE 335
-#define IDM_COLUMN 340  // the first of as many as there are columns, named as these
-#define IDM_CELL 350    // likewise
+#define IDM_COLUMN 700  // the first of as many as there are columns, named as these; up to 32
+#define IDM_CELL 740    // likewise
 
-// Texts. Those of the columns are in the order of Column.
-#define IDS_MENU_FILE 390
-#define IDS_MENU_EDIT 391
-#define IDS_MENU_DEVICE 392
-#define IDS_MENU_TOOLS 393
-#define IDS_MENU_VIEW 394
-#define IDS_MENU_CELLS 395
-#define IDS_TITLE 400
-#define IDS_FIND 401
-#define IDS_STOP 402
-#define IDS_STOPPING 403
-#define IDS_PRESET_LABEL 404
-#define IDS_PRESET_KNOWN 405
-#define IDS_PRESET_PRINTERS 406
-#define IDS_PRESET_ALL 407
-#define IDS_V1 408
-#define IDS_V3 409
-#define IDS_WSD 410
-#define IDS_IPV4 411
-#define IDS_IPV6 412
-#define IDS_FILTER 413
-#define IDS_DEVICES 414
-#define IDS_DETAILS 415
-#define IDS_COLUMN_NAME 420
-#define IDS_COLUMN_MODEL 421
-#define IDS_COLUMN_ADDRESS 422
-#define IDS_COLUMN_SERIAL 423
-#define IDS_COLUMN_MAC 424
-#define IDS_COLUMN_STATE 425
-#define IDS_COLUMN_SUPPLIES 426
-#define IDS_COLUMN_PROTOCOLS 427
-#define IDS_COLUMN_NETWORK 428
-#define IDS_COLUMN_SEEN 429
-#define IDS_READY 440
-#define IDS_SWEEPING 441
-#define IDS_ASKING 442
-#define IDS_ASKING_MORE 443
-#define IDS_DONE 444
-#define IDS_STOPPED 445
-#define IDS_SHOWN 446
-#define IDS_SHOWN_OF 447
-#define IDS_NOTHING_CHOSEN 448
-#define IDS_COPIED 449
-#define IDS_NOT_SAVED 450
-#define IDS_NOT_READ 451
-#define IDS_SAVED 452
-#define IDS_EMPTY 453
-#define IDS_NONE_FOUND 454
-#define IDS_ALL_HIDDEN 455
-#define IDS_SCAN_FILES 456
-#define IDS_CSV_FILES 457
-#define IDS_BROKEN_SCAN 458
-#define IDS_JSON_FILES 459
-#define IDS_NO_SELECTION 460
-#define IDS_NOT_ASKED 461
-#define IDS_FACT_DESCRIPTION 464
-#define IDS_FACT_ADDRESS 478
-#define IDS_FACT_WHAT 479
-#define IDS_FACT_VALUE 480
-#define IDS_DOCTOR_TITLE 490
-#define IDS_DOCTOR_WAIT 501
-#define IDS_COMPARE_TITLE 510
-#define IDS_DIAGNOSIS_TITLE 516
-#define IDS_SNMP_BAD_USER 520
-#define IDS_NO_PROTOCOL 521
-#define IDS_OK 522
-#define IDS_CANCEL 523
-#define IDS_SNMP_TITLE 524
-#define IDS_SNMP_COMMUNITY 525
-#define IDS_SNMP_PROFILE 526
-#define IDS_SNMP_USER 527
-#define IDS_SNMP_AUTH 528
-#define IDS_SNMP_AUTH_PASSWORD 529
-#define IDS_SNMP_PRIV 530
-#define IDS_SNMP_PRIV_PASSWORD 531
-#define IDS_SNMP_KNOWN 532
-#define IDS_PROFILE_DELETE 533
-#define IDS_PROFILE_NOTE 534
-#define IDS_PROFILE_CLOSED 535
-#define IDS_PROFILE_BAD_NAME 536
-#define IDS_PROFILE_REPLACE 537
-#define IDS_PROFILE_ASK_DELETE 538
-#define IDS_PROFILE_NOT_SEALED 539
-#define IDS_PROFILE_NOT_WRITTEN 540
-#define IDS_PROFILE_LEFT_ALONE 541
-#define IDS_CALLS_TITLE 550
-#define IDS_CALLS_NONE 551
-#define IDS_CALL_TIME 552
-#define IDS_CALL_EXPORT 553
-#define IDS_CALL_RESULT 554
-#define IDS_CALL_MS 555
-#define IDS_CALL_ANSWERS 556
-#define IDS_CALL_NO_COMMAND 557
-#define IDS_CALL_CPP 558  // these three are consecutive
-#define IDS_CALL_CSHARP 559
-#define IDS_CALL_COMMAND 560
-#define IDS_CALL_COPY 561
-#define IDS_CALL_CLOSE 562
-#define IDS_CALL_MORE 563
-#define IDS_PAGE_SUMMARY 570
-#define IDS_PAGE_PROTOCOLS 571
-#define IDS_PAGE_INTERFACES 572
-#define IDS_PAGE_ANSWERS 573
-#define IDS_ANSWER_OBJECT 574
-#define IDS_ANSWER_DOCUMENT 575
-#define IDS_ANSWER_REPLY 576
-#define IDS_ANSWER_CUT 577
-#define IDS_PROTOCOL 580
-#define IDS_PROTOCOL_ANSWER 581
-#define IDS_PROTOCOL_NOTE 582
-#define IDS_PROTOCOL_SILENT_V3 583
-#define IDS_PROTOCOL_IPV4 584
-#define IDS_PROTOCOL_IPV6 585
-#define IDS_PROTOCOL_ANSWERED 586  // these six are in the order of ProtocolState
-#define IDS_PROTOCOL_NO_VALUE 587
-#define IDS_PROTOCOL_REFUSED 588
-#define IDS_PROTOCOL_PENDING 589
-#define IDS_PROTOCOL_SILENT 590
-#define IDS_PROTOCOL_NOT_ASKED 591
-#define IDS_INTERFACE_TYPE 595
-#define IDS_INTERFACE_ADMIN 596
-#define IDS_INTERFACE_SPEED 597
-#define IDS_INTERFACE_ADDRESS 598
-#define IDS_INTERFACES_NONE 599
-#define IDS_WALK_TITLE 600
-#define IDS_WALK_ROOT 601
-#define IDS_WALK_START 602
-#define IDS_WALK_STOP 603
-#define IDS_WALK_COPY_ROW 604
-#define IDS_WALK_COPY_ALL 605
-#define IDS_WALK_OID 606
-#define IDS_WALK_READY 607
-#define IDS_WALK_BAD_ROOT 608
-#define IDS_WALK_NO_ROOT 609
-#define IDS_WALK_WAITING 610
-#define IDS_WALKING 611
-#define IDS_WALK_END 612
-#define IDS_WALK_STOPPED 613
-#define IDS_WALK_PROBLEM 614
-#define IDS_WALK_TURNS 615
-#define IDS_WALK_LAST 616
-#define IDS_WALK_FULL 617
-#define IDS_WALK_STATUS 618
-#define IDS_WALK_SKIPPED 619
-#define IDS_USAGE 620
-#define IDS_NO_OPTION 621
-#define IDS_NO_VALUE 622
-#define IDS_NO_SWEEP 623
-#define IDS_NO_PROFILE 624
-#define IDS_AWAITS_ANSWERS 625
-#define IDS_ASK_SAVE 626
-#define IDS_ASK_SAVE_YES 627
-#define IDS_ASK_SAVE_NO 628
-#define IDS_NOT_COPIED 629
-#define IDS_NO_WINDOW 630
-#define IDS_SWEEP_FAILED 631
+#ifndef RC_INVOKED
+enum TextId : unsigned {
+#define VN_TEXT(name, number, text) name = number,
+#include "window/texts.inc"
+#undef VN_TEXT
+};
+#endif

@@ -35,6 +35,14 @@ std::wstring Text(unsigned id, std::initializer_list<std::wstring> values) {
 
 void SetTextChange(TextChange change) { textChange = change; }
 
+void ChangeTexts(HWND dialog) {
+    for (HWND child = GetWindow(dialog, GW_CHILD); child && textChange;
+         child = GetWindow(child, GW_HWNDNEXT)) {
+        wchar_t text[80] = L"";
+        if (GetWindowTextW(child, text, 80) != 0) SetWindowTextW(child, textChange(text).c_str());
+    }
+}
+
 std::wstring LocalTime(const std::string& utc) {
     long part[6] = {};
     const char* at = utc.c_str();  // "2026-11-25T04:32:23Z"

@@ -1,7 +1,9 @@
-// The texts of the window in its string table. Elsewhere are only names that no language translates
-// (SNMPv3, C++), and the words that the model shares with the console: of the MIBs' states, of
-// diagnoses and reports, and the reasons of failed requests and files.
+// The texts of the window in its string table; see texts.inc. Elsewhere are only names that no
+// language translates (SNMPv3, C++), and the words that the model shares with the console: of the
+// MIBs' states, of diagnoses and reports, and the reasons of failed requests and files.
 #pragma once
+
+#include <windows.h>
 
 #include <initializer_list>
 #include <string>
@@ -15,6 +17,8 @@ std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);
 // Changes every text, to test longer languages. Null: no change.
 using TextChange = std::wstring (*)(std::wstring text);
 void SetTextChange(TextChange change);
+// Changes those of a dialog in the same way.
+void ChangeTexts(HWND dialog);
 
 // "2026-11-25T04:32:23Z" in the user's format of date and time; any other text unchanged.
 std::wstring LocalTime(const std::string& utc);

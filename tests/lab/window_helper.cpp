@@ -156,7 +156,7 @@ int RunCommand(const std::string& path) {
     return Start(line, [] {});
 }
 
-int TellUsage(const std::string& word) {
+int ShowUsage(const std::string& word) {
     std::wstring line = L"VnBrowser.exe " + ToWide(word);
     return Start(line.data(), [] {
         HWND message = nullptr;
@@ -182,8 +182,8 @@ int main() {
     if (words[0] == "read") Read(words[1]);
     if (words[0] == "diagnose") Diagnose(words[1]);
     if (words[0] == "command") return RunCommand(words[1]);
-    if (words[0] == "usage") return TellUsage(words[1]);
-    if (words[0] == "profile" && KeepProfile(ToWide(words[1]), User()) != KeepResult::kKept)
+    if (words[0] == "usage") return ShowUsage(words[1]);
+    if (words[0] == "profile" && SaveProfile(ToWide(words[1]), User()) != SaveResult::kSaved)
         return 1;
     return 0;
 }

@@ -171,6 +171,7 @@ bool IsUnsendable(const HostDiagnosis& diagnosis) {
 
 std::string VerdictOn(const HostDiagnosis& diagnosis) {
     if (diagnosis.isUnknown) return "nothing was sent: this name has no address";
+    if (!diagnosis.problem.empty()) return "not finished: " + diagnosis.problem;
     if (diagnosis.isStopped) return "stopped before the last step";
     if (IsUnsendable(diagnosis)) {
         return Answers(diagnosis.ping) || diagnosis.hasRoute

@@ -33,6 +33,7 @@ struct HostDiagnosis {
     bool hasRoute = false;   // to the device, by this computer's tables
     bool isUnknown = false;  // the device's name has no address, so nothing was sent
     std::string sender;      // the address of an SNMP answer, if it is not the one that was asked
+    std::string problem;     // of this program, if it prevented the last step; mostly empty
 };
 
 // The steps; each call blocks until it has a result.

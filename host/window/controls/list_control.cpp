@@ -163,7 +163,8 @@ int ListControl::CopyCommandOf(WPARAM key) {
     if (GetKeyState(VK_CONTROL) >= 0) return 0;
     const bool isShifted = GetKeyState(VK_SHIFT) < 0;
     if (key == 'C') return isShifted ? IDM_COPY_CELL : IDM_COPY_ROW;
-    return key == 'T' && isShifted ? IDM_COPY_TABLE : 0;
+    if (key == 'T' && isShifted) return IDM_COPY_TABLE;
+    return 0;
 }
 
 LRESULT ListControl::OnNotify(NMHDR* header) {
@@ -244,8 +245,9 @@ void ListControl::ShowCopyMenu(LPARAM place) {
         headings.push_back(HeadingOf(list_, column));
     const OwnedMenu menu =
         MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings);
-    int command = TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON | TPM_RETURNCMD, found.point.x,
-                                 found.point.y, 0, GetAncestor(list_, GA_ROOT), nullptr);
+    int command =
+        TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON | TPM_RETURNCMD | TPM_NONOTIFY, found.point.x,
+                       found.point.y, 0, GetAncestor(list_, GA_ROOT), nullptr);
     if (command == IDM_COPY_CELL && found.column)
         command = IDM_CELL + static_cast<int>(*found.column);
     Copy(command);

@@ -25,6 +25,14 @@ const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure) {
     return name;
 }
 
+HWND CreateControl(HWND parent, const wchar_t* type, unsigned text, DWORD style, int id,
+                   DWORD extended) {
+    return CreateWindowExW(extended, type, text ? Text(text).c_str() : L"",
+                           WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent,
+                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+                           GetModuleHandleW(nullptr), nullptr);
+}
+
 std::wstring WindowText(HWND window) {
     std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
     text.resize(
@@ -69,23 +77,13 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
 
 void ListDialog::BeginDialog(const std::wstring& title, int list,
                              const std::vector<ListColumn>& columns) {
-    SetDialogTexts(dialog_, IDS_TITLE);
+    ChangeTexts(dialog_);
     SetWindowTextW(dialog_, title.c_str());
-    SetItem(IDCANCEL, Text(IDS_CALL_CLOSE));
     list_.Attach(Item(list));
     list_.SetName(title);
     list_.SetDpi(DpiOf(dialog_));
     list_.SetColumns(columns);
     list_.Refresh();
-}
-
-void SetDialogTexts(HWND dialog, unsigned title) {
-    SetWindowTextW(dialog, Text(title).c_str());
-    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        const int id = GetDlgCtrlID(child);
-        const int text = id == IDOK ? IDS_OK : id == IDCANCEL ? IDS_CANCEL : id;
-        if (text >= IDS_TITLE) SetWindowTextW(child, Text(static_cast<unsigned>(text)).c_str());
-    }
 }
 
 void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {

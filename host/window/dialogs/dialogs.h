@@ -14,6 +14,10 @@ namespace vndiscover::host {
 // Registers a type of window, once, and returns its name.
 const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure);
 
+// Makes a visible child. `text`: a string; 0: none.
+HWND CreateControl(HWND parent, const wchar_t* type, unsigned text, DWORD style, int id,
+                   DWORD extended = 0);
+
 std::wstring WindowText(HWND window);
 // Sets a text that is not shown already: no flicker, and an edit control keeps its place.
 void ChangeText(HWND window, const std::wstring& text);
@@ -52,9 +56,6 @@ class ListDialog : protected ListModel {
     ListControl list_{*this};
     HWND dialog_ = nullptr;
 };
-
-// Sets the title, the text of each control that has the number of a string, and OK and Cancel.
-void SetDialogTexts(HWND dialog, unsigned title);
 
 // Asks whether to save the scan: IDYES, IDNO or IDCANCEL.
 int AskToSave(HWND owner);

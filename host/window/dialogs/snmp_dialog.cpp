@@ -69,7 +69,7 @@ class SnmpDialog {
   private:
     void Begin(HWND dialog) {
         dialog_ = dialog;
-        SetDialogTexts(dialog, IDS_SNMP_TITLE);
+        ChangeTexts(dialog);
         // Not the passwords, which the module takes in any length.
         SendDlgItemMessageW(dialog, IDC_COMMUNITY, EM_LIMITTEXT, VN_COMMUNITY_MAX, 0);
         SendDlgItemMessageW(dialog, IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX, 0);
@@ -97,7 +97,7 @@ class SnmpDialog {
                 lstrcpynW(name, names_[static_cast<size_t>(index)].c_str(), kMaxProfileName + 1);
                 if (!Load(name)) ShowBroken(name);
             }
-        } else if (id == IDS_PROFILE_DELETE) {
+        } else if (id == IDC_PROFILE_DELETE) {
             Delete();
         } else if (id == IDCANCEL) {
             End(FALSE);
@@ -109,7 +109,7 @@ class SnmpDialog {
         return true;
     }
 
-    int Say(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
+    int ShowMessage(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
         return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
     }
 
@@ -123,7 +123,7 @@ class SnmpDialog {
                                 reinterpret_cast<LPARAM>(name.c_str()));
     }
 
-    // False if there is no such profile; the fields are then unchanged.
+    // Returns false if there is no such profile; the fields are then unchanged.
     bool Load(const std::wstring& name) {
         auto profile = ReadProfile(name);
         if (!profile) return false;
@@ -145,7 +145,7 @@ class SnmpDialog {
         Show({}, false);
     }
 
-    bool IsKept(const std::wstring& name) const {
+    bool IsSaved(const std::wstring& name) const {
         return std::any_of(names_.begin(), names_.end(), [&](const std::wstring& each) {
             return lstrcmpiW(each.c_str(), name.c_str()) == 0;
         });
@@ -169,10 +169,10 @@ class SnmpDialog {
 
     void Delete() {
         const std::wstring name = ProfileName();
-        if (!IsKept(name) ||
-            Say(Text(IDS_PROFILE_ASK_DELETE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+        if (!IsSaved(name) ||
+            ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
             return;
-        if (!DeleteProfile(name)) return void(Say(Text(IDS_PROFILE_NOT_WRITTEN)));
+        if (!DeleteProfile(name)) return void(ShowMessage(Text(IDS_PROFILE_NOT_WRITTEN)));
         isClosed_ = false;
         known_.reset();
         loaded_.clear();
@@ -180,7 +180,7 @@ class SnmpDialog {
         Show({}, false);
     }
 
-    // Null if the input is incomplete.
+    // Returns null if the input is incomplete.
     std::shared_ptr<Security> TypedUser() const {
         auto user = std::make_shared<Security>();
         user->user = FieldText(dialog_, IDC_USER);
@@ -210,29 +210,30 @@ class SnmpDialog {
                              Chosen(dialog_, IDC_AUTH, kAuthLabels).empty() &&
                              Chosen(dialog_, IDC_PRIV, kPrivLabels).empty();
         const std::shared_ptr<Security> user = isEmpty ? nullptr : TypedUser();
-        if (!isEmpty && !user) return void(Say(Text(IDS_SNMP_BAD_USER)));
-        if (!name.empty() && !IsProfileName(name)) return void(Say(Text(IDS_PROFILE_BAD_NAME)));
-        if (user && !name.empty() && !Keep(name, *user)) return;
-        if (name.empty()) KeepLastProfile(name);
+        if (!isEmpty && !user) return void(ShowMessage(Text(IDS_SNMP_BAD_USER)));
+        if (!name.empty() && !IsProfileName(name))
+            return void(ShowMessage(Text(IDS_PROFILE_BAD_NAME)));
+        if (user && !name.empty() && !Save(name, *user)) return;
+        if (name.empty()) SaveLastProfile(name);
         credentials_.community = ToUtf8(FieldText(dialog_, IDC_COMMUNITY));
         credentials_.security = user;
         credentials_.profile = user ? name : L"";
         End(TRUE);
     }
 
-    // False if the user wants another name.
-    bool Keep(const std::wstring& name, const Security& user) const {
+    // Returns false if the user wants another name.
+    bool Save(const std::wstring& name, const Security& user) const {
         const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
-        const bool isThere = IsKept(name);
+        const bool isThere = IsSaved(name);
         if (!isLoaded && isThere &&
-            Say(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+            ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
             return false;
-        KeepLastProfile(name);
+        SaveLastProfile(name);
         if (isLoaded && isThere && isClosed_) return true;  // the note has said so
-        const KeepResult result = KeepProfile(name, user);
-        if (result == KeepResult::kNotSealed) Say(Text(IDS_PROFILE_NOT_SEALED));
-        if (result == KeepResult::kNotWritten) Say(Text(IDS_PROFILE_NOT_WRITTEN));
-        if (result == KeepResult::kLeftAlone) Say(Text(IDS_PROFILE_LEFT_ALONE, {name}));
+        const SaveResult result = SaveProfile(name, user);
+        if (result == SaveResult::kNotSealed) ShowMessage(Text(IDS_PROFILE_NOT_SEALED));
+        if (result == SaveResult::kNotWritten) ShowMessage(Text(IDS_PROFILE_NOT_WRITTEN));
+        if (result == SaveResult::kLeftAlone) ShowMessage(Text(IDS_PROFILE_LEFT_ALONE, {name}));
         return true;
     }
 

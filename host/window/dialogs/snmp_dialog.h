@@ -8,11 +8,11 @@
 
 namespace vndiscover::host {
 
-// False if the user cancelled; the credentials are then unchanged. An empty password field keeps
-// the known password. Without a profile name, nothing is saved.
+// Returns false if the user cancelled; the credentials are then unchanged. An empty password field
+// keeps the known password. Without a profile name, nothing is saved.
 bool AskCredentials(HWND owner, Credentials& credentials);
 
-// Uses the user of a profile. False if it does not exist or cannot be opened.
+// Uses the user of a profile. Returns false if it does not exist or cannot be opened.
 bool UseProfile(const std::wstring& name, Credentials& credentials);
 
 }  // namespace vndiscover::host

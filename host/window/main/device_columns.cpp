@@ -11,9 +11,18 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr int kWidths[kColumnCount] = {90, 125, 105, 105, 120, 130, 105, 100, 100, 140};
-// The most important columns are visible without scrolling.
-constexpr int kOrder[kColumnCount] = {0, 1, 2, 5, 6, 3, 4, 7, 8, 9};
+constexpr size_t CountHeadings() {
+    constexpr unsigned kTexts[] = {
+#define VN_TEXT(name, number, text) number,
+#include "window/texts.inc"
+#undef VN_TEXT
+    };
+    size_t count = 0;
+    for (const unsigned text : kTexts)
+        count += text >= IDS_COLUMN_NAME && text < IDS_COLUMN_NAME + kColumnCount;
+    return count;
+}
+static_assert(CountHeadings() == kColumnCount, "each column has a heading");
 
 }  // namespace
 
@@ -22,8 +31,11 @@ std::wstring ColumnName(Column column) {
 }
 
 void DeviceColumns::SetDefaults(Settings& settings) {
-    std::copy(std::begin(kWidths), std::end(kWidths), settings.widths.begin());
-    std::copy(std::begin(kOrder), std::end(kOrder), settings.order.begin());
+    for (size_t index = 0; index < kColumnCount; ++index) {
+        settings.widths[index] = kColumns[index].width;
+        settings.order[kColumns[index].place] = static_cast<int32_t>(index);
+        if (!kColumns[index].isVisible) settings.hidden |= 1u << index;
+    }
 }
 
 void DeviceColumns::Show(const Settings& settings) {

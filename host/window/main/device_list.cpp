@@ -3,7 +3,7 @@
 #include <windowsx.h>
 
 #include "platform/wide_text.h"
-#include "window/main/menu.h"
+#include "window/main/commands.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -58,7 +58,7 @@ std::wstring DeviceList::CellText(size_t row, size_t column) const {
 }
 
 std::optional<int> DeviceList::Level(size_t row, size_t column) const {
-    if (columns_.At(column) != Column::kSupplies) return std::nullopt;
+    if (InfoOf(columns_.At(column)).look != ColumnInfo::Look::kBar) return std::nullopt;
     return session_.view.Row(row).lowestSupply;
 }
 
@@ -78,7 +78,7 @@ void DeviceList::OnSelected() {
 
 std::wstring DeviceList::TextOf(const DeviceRow& row, Column column) const {
     const std::string& text = row.Text(column);
-    return column == Column::kLastSeen ? LocalTime(text) : ToWide(text);
+    return InfoOf(column).look == ColumnInfo::Look::kTime ? LocalTime(text) : ToWide(text);
 }
 
 }  // namespace vndiscover::host

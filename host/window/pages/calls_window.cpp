@@ -76,15 +76,15 @@ void CallsWindow::Begin() {
                             DEFAULT_CHARSET, 0, 0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN,
                             L"Consolas"));
     SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
-    CheckRadioButton(dialog_, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_CPP);
+    CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
     added_ = calls_.size();
     ShowText();
     Refresh();
 }
 
 void CallsWindow::OnCommand(int id) {
-    if (id >= IDS_CALL_CPP && id <= IDS_CALL_COMMAND) ShowText();
-    if (id == IDS_CALL_COPY) CopyText(dialog_, WindowText(Item(IDC_CALL_TEXT)));
+    if (id >= IDC_CALL_CPP && id <= IDC_CALL_COMMAND) ShowText();
+    if (id == IDC_CALL_COPY) CopyText(dialog_, WindowText(Item(IDC_CALL_TEXT)));
 }
 
 void CallsWindow::ShowText() {
@@ -92,8 +92,8 @@ void CallsWindow::ShowText() {
     std::wstring text = Text(IDS_CALLS_NONE);
     if (row < calls_.size()) {
         const CallLanguage language =
-            IsDlgButtonChecked(dialog_, IDS_CALL_COMMAND)  ? CallLanguage::kCommand
-            : IsDlgButtonChecked(dialog_, IDS_CALL_CSHARP) ? CallLanguage::kCSharp
+            IsDlgButtonChecked(dialog_, IDC_CALL_COMMAND)  ? CallLanguage::kCommand
+            : IsDlgButtonChecked(dialog_, IDC_CALL_CSHARP) ? CallLanguage::kCSharp
                                                            : CallLanguage::kCpp;
         text = Lines(CallText(calls_[row], language));
         if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);

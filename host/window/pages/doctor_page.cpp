@@ -16,15 +16,16 @@ void DoctorPage::Begin(const std::string& address) {
     page_ = nullptr;
 }
 
-void DoctorPage::Take(const Event& event, HWND owner) {
-    if (event.kind == Event::kReport) {
-        report_ = event.report;
-    } else if (event.kind == Event::kDiagnosed && event.address == address_) {
-        diagnosis_ = event.diagnosis;
-        isOnOwnNetwork_ = IsOnOwnNetwork(event.adapters, event.address);
-    } else {
-        return;
-    }
+void DoctorPage::ShowReport(const ComputerReport& report, HWND owner) {
+    report_ = report;
+    Show(owner);
+}
+
+void DoctorPage::ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
+                               const AdapterList& adapters, HWND owner) {
+    if (address != address_) return;
+    diagnosis_ = diagnosis;
+    isOnOwnNetwork_ = IsOnOwnNetwork(adapters, address);
     if (report_) Show(owner);
 }
 

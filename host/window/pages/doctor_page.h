@@ -8,7 +8,6 @@
 
 #include "model/asking/host_diagnosis.h"
 #include "model/computer/computer_report.h"
-#include "window/work/workers.h"
 
 namespace vndiscover::host {
 
@@ -17,9 +16,12 @@ class DoctorPage {
     // Begins another page, which opens with the next report on this computer. `address`: of the
     // device that is diagnosed; empty: none.
     void Begin(const std::string& address);
-    // Opens or refreshes the page if the event is a report or a diagnosis.
-    void Take(const Event& event, HWND owner);
-    // The diagnosis was stopped. One that has begun is taken once its last step is over.
+    // Opens or refreshes the page.
+    void ShowReport(const ComputerReport& report, HWND owner);
+    // A diagnosis of another device than the page's is ignored.
+    void ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
+                       const AdapterList& adapters, HWND owner);
+    // The diagnosis was stopped. One that has begun is shown once its last step is over.
     void Stop(HWND owner);
 
   private:

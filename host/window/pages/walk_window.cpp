@@ -34,17 +34,26 @@ void WalkWindow::Open(HWND owner, AskTarget target) {
     OpenDialog(owner, IDD_WALK);
 }
 
-void WalkWindow::Take(const Event& event) {
-    if (!IsOpen() || state_ == State::kIdle || event.walk != walk_) return;
-    if (event.kind == Event::kWalkBegan && state_ == State::kWaiting) {
-        state_ = State::kWalking;
-        startMs_ = GetTickCount64();
-    }
-    if (event.kind == Event::kWalkStep) values_.push_back(event.variable);
-    if (event.kind != Event::kWalked) return;
+bool WalkWindow::IsShown(unsigned walk) const {
+    return IsOpen() && state_ != State::kIdle && walk == walk_;
+}
+
+void WalkWindow::OnBegan(unsigned walk) {
+    if (!IsShown(walk) || state_ != State::kWaiting) return;
+    state_ = State::kWalking;
+    startMs_ = GetTickCount64();
+}
+
+void WalkWindow::Add(unsigned walk, Answer variable) {
+    if (IsShown(walk)) values_.push_back(std::move(variable));
+}
+
+void WalkWindow::OnEnded(unsigned walk, const WalkEnd& end, const std::string& problem) {
+    if (!IsShown(walk)) return;
     state_ = State::kIdle;
-    SetItem(IDS_WALK_START, Text(IDS_WALK_START));
-    ShowState(EndText(event.walkEnd));
+    SetItem(IDC_WALK_START, Text(IDS_WALK_START));
+    const std::wstring count = std::to_wstring(values_.size());
+    ShowState(problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
     list_.Refresh();
 }
 
@@ -72,14 +81,14 @@ void WalkWindow::OnClosed() {
 }
 
 void WalkWindow::OnCommand(int id) {
-    if (id == IDS_WALK_START) {
+    if (id == IDC_WALK_START) {
         if (state_ == State::kIdle) {
             Start();
         } else {
             Stop();
         }
-    } else if (id == IDS_WALK_COPY_ROW || id == IDS_WALK_COPY_ALL) {
-        list_.Copy(id == IDS_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
+    } else if (id == IDC_WALK_COPY_ROW || id == IDC_WALK_COPY_ALL) {
+        list_.Copy(id == IDC_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
     }
 }
 
@@ -96,14 +105,14 @@ void WalkWindow::Start() {
     list_.Refresh();
     state_ = State::kWaiting;
     startMs_ = GetTickCount64();
-    SetItem(IDS_WALK_START, Text(IDS_WALK_STOP));
+    SetItem(IDC_WALK_START, Text(IDS_WALK_STOP));
     actions_.start(target_, *root, ++walk_);
     Refresh();
 }
 
 void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
-    SetItem(IDS_WALK_START, Text(IDS_STOPPING));
+    SetItem(IDC_WALK_START, Text(IDS_STOPPING));
     actions_.stop();
 }
 

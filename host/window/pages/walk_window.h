@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "window/dialogs/dialogs.h"
-#include "window/work/workers.h"
+#include "window/work/results.h"
 
 namespace vndiscover::host {
 
@@ -22,9 +22,11 @@ class WalkWindow : private ListDialog {
 
     // Opens it for a device, or brings it to the front. Another device's walk is stopped.
     void Open(HWND owner, AskTarget target);
-    // Ignores events of walks that it no longer shows.
-    void Take(const Event& event);
-    // Shows what was taken since the last time.
+    // What the workers report; see Results. Walks that it no longer shows are ignored.
+    void OnBegan(unsigned walk);
+    void Add(unsigned walk, Answer variable);
+    void OnEnded(unsigned walk, const WalkEnd& end, const std::string& problem);
+    // Shows what was added since the last time.
     void Refresh();
 
   private:
@@ -33,6 +35,7 @@ class WalkWindow : private ListDialog {
     void Begin() override;
     void OnCommand(int id) override;
     void OnClosed() override;
+    bool IsShown(unsigned walk) const;
     void Start();
     void Stop();
     void ShowState(const std::wstring& text);

@@ -79,7 +79,7 @@ Bytes ClearPart(const Security& security) {
     return bytes;
 }
 
-// Empty on failure.
+// Returns nothing on failure.
 Bytes Seal(const Security& security, const Bytes& clearPart) {
     const wchar_t* passwords[] = {security.authPassword.Get(), security.privPassword.Get()};
     size_t size = 0;
@@ -178,19 +178,19 @@ std::optional<Profile> ReadProfile(const std::wstring& name) {
     return profile;
 }
 
-KeepResult KeepProfile(const std::wstring& name, const Security& security) {
-    if (!IsProfileName(name)) return KeepResult::kNotWritten;
+SaveResult SaveProfile(const std::wstring& name, const Security& security) {
+    if (!IsProfileName(name)) return SaveResult::kNotWritten;
     const auto former = ReadProfile(name);
-    if (HasValue(name) && !(former && former->isOpen)) return KeepResult::kLeftAlone;
+    if (HasValue(name) && !(former && former->isOpen)) return SaveResult::kLeftAlone;
     Bytes bytes = ClearPart(security);
     const Bytes sealed = Seal(security, bytes);
-    if (sealed.empty()) return KeepResult::kNotSealed;
+    if (sealed.empty()) return SaveResult::kNotSealed;
     bytes.insert(bytes.end(), sealed.begin(), sealed.end());
     if (bytes.size() > kMaxValueBytes ||
         RegSetKeyValueW(HKEY_CURRENT_USER, KeyOf(name).c_str(), kValue, REG_BINARY, bytes.data(),
                         static_cast<DWORD>(bytes.size())) != ERROR_SUCCESS)
-        return KeepResult::kNotWritten;
-    return KeepResult::kKept;
+        return SaveResult::kNotWritten;
+    return SaveResult::kSaved;
 }
 
 bool DeleteProfile(const std::wstring& name) {
@@ -206,7 +206,7 @@ std::wstring LastProfile() {
     return status == ERROR_SUCCESS ? name : L"";
 }
 
-void KeepLastProfile(const std::wstring& name) {
+void SaveLastProfile(const std::wstring& name) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kBrowserKey, kLastValue, REG_SZ, name.c_str(),
                     static_cast<DWORD>((name.size() + 1) * sizeof(wchar_t)));
 }

@@ -20,25 +20,25 @@ std::vector<std::wstring> ProfileNames();  // sorted
 
 struct Profile {
     Security security;
-    // False: the passwords cannot be decrypted here, or are not of this user and these protocols.
+    // The passwords could be decrypted here, and are of this user and these protocols.
     bool isOpen = false;
 };
-// Empty if there is no such profile, or if it is invalid.
+// Returns nothing if there is no such profile, or if it is invalid.
 std::optional<Profile> ReadProfile(const std::wstring& name);
 
-enum class KeepResult {
-    kKept,
+enum class SaveResult {
+    kSaved,
     kNotSealed,   // nothing was written: passwords are never saved in the clear
     kNotWritten,  // the registry refused; an existing profile of that name is unchanged
     kLeftAlone,   // the existing profile cannot be opened, so it was not replaced
 };
-KeepResult KeepProfile(const std::wstring& name, const Security& security);
+SaveResult SaveProfile(const std::wstring& name, const Security& security);
 
-// True if it no longer exists.
+// Returns true if it no longer exists.
 bool DeleteProfile(const std::wstring& name);
 
 // The profile that was used last; empty if there is none.
 std::wstring LastProfile();
-void KeepLastProfile(const std::wstring& name);
+void SaveLastProfile(const std::wstring& name);
 
 }  // namespace vndiscover::host

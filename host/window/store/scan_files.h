@@ -14,11 +14,11 @@ namespace vndiscover::host {
 // chosen.
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving);
 
-// Empty, with the reason in `problem`, if the file has no scan of this version.
+// Returns nothing, with the reason in `problem`, if the file has no scan of this version.
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);
 
-// An existing file is not touched until the new one is complete. False if it was not saved; `note`
-// tells in either case.
+// An existing file is not touched until the new one is complete. Returns false if it was not saved;
+// `note` tells in either case.
 bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note);
 bool SaveText(const std::string& text, const std::string& path, std::wstring& note);
 

@@ -9,10 +9,9 @@ namespace {
 
 constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
 constexpr wchar_t kValue[] = L"View";
-constexpr uint32_t kPresetCount = 3;
 constexpr int32_t kMaxWidth = 4000;
 
-bool MakesSense(const Settings& settings) {
+bool IsValid(const Settings& settings) {
     std::array<int32_t, kColumnCount> sorted = settings.order;
     std::sort(sorted.begin(), sorted.end());
     for (size_t index = 0; index < kColumnCount; ++index) {
@@ -30,12 +29,12 @@ std::optional<Settings> LoadSettings() {
     DWORD size = sizeof settings;
     const LSTATUS status =
         RegGetValueW(HKEY_CURRENT_USER, kKey, kValue, RRF_RT_REG_BINARY, nullptr, &settings, &size);
-    if (status != ERROR_SUCCESS || size != sizeof settings || !MakesSense(settings))
+    if (status != ERROR_SUCCESS || size != sizeof settings || !IsValid(settings))
         return std::nullopt;
     return settings;
 }
 
-void KeepSettings(const Settings& settings) {
+void SaveSettings(const Settings& settings) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, kValue, REG_BINARY, &settings, sizeof settings);
 }
 

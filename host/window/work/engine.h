@@ -66,7 +66,7 @@ class Engine {
     void SetOnCall(OnCall onCall) { onCall_ = std::move(onCall); }
 
   protected:
-    void Tell(Call call) const {
+    void ReportCall(Call call) const {
         if (onCall_) onCall_(std::move(call));
     }
 

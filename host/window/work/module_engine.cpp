@@ -78,7 +78,8 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     Call call = watch.Timed(CallOf(step, probe));
     call.result = "0";  // always
     call.answers = answers;
-    Tell(std::move(call));
+    ReportCall(std::move(call));
+    window.Rethrow();
 }
 
 void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }
@@ -97,7 +98,7 @@ Asker ModuleEngine::AskerFor(const Device& device, const AskTarget& target,
                                 FormatNamedValue(answer.oid, answer.type, answer.bytes)
                           : Problem(answer);
         if (answer.status == Status::kAnswered) call.walk = walk;  // a failure is shown by itself
-        Tell(std::move(call));
+        ReportCall(std::move(call));
         return answer;
     };
     return asker;
@@ -128,7 +129,7 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
         const bool hasAnswered = VxPing(ToAnsi(target.address).c_str(), kPingTimeoutMs) != 0;
         Call call = watch.Timed(PingOf(target.address));
         call.result = hasAnswered ? "1" : "0";
-        Tell(std::move(call));
+        ReportCall(std::move(call));
         return hasAnswered;
     };
     steps.v1 = AskerFor(v1Device, v1, nullptr, 0);

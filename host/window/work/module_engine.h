@@ -19,7 +19,7 @@ class ModuleEngine : public Engine {
     ComputerReport Report() override;
 
   private:
-    // Both must outlive the asker, which tells of each call.
+    // Both must outlive the asker, which reports each call.
     Asker AskerFor(const Device& device, const AskTarget& target, std::function<bool()> mayGoOn,
                    unsigned walk) const;
 

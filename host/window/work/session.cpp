@@ -2,61 +2,49 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 namespace vndiscover::host {
 
-void Session::BeginSweep(const Event& event, AnswerForm form) {
-    sweeps_[static_cast<size_t>(event.worker)] = scan_.sweeps.size();
-    const bool hasOid = form == AnswerForm::kValue;
+void Session::BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time) {
+    const AnswerForm form = FormOf(step.kind, step.oid);
+    const auto index = static_cast<size_t>(worker);
+    sweeps_[index] = scan_.sweeps.size();
+    isSweeping_[index] = true;
     scan_.sweeps.push_back(
-        {event.step.kind, form, event.step.useIPv6, hasOid ? event.step.oid : Oid(), event.time});
+        {step.kind, form, step.useIPv6, form == AnswerForm::kValue ? step.oid : Oid(), time});
 }
 
-void Session::Take(const Event& event) {
+void Session::AddAnswer(WorkerId worker, ScanAnswer answer) {
+    answer.sweep = sweeps_[static_cast<size_t>(worker)];
+    scan_.answers.push_back(std::move(answer));
+    isChanged_ = isUnsaved_ = true;
+}
+
+void Session::AddReading(Results::Read read) {
     ScanAnswer answer;
-    answer.time = event.time;
-    answer.address = event.address;
-    switch (event.kind) {
-        case Event::kSweepBegan:
-            BeginSweep(event, FormOf(event.step.kind, event.step.oid));
-            isSweeping_[static_cast<size_t>(event.worker)] = true;
-            break;
-        case Event::kAnswer:
-            answer.sweep = sweeps_[static_cast<size_t>(event.worker)];
-            answer.answer = Received(event.bytes);
-            scan_.answers.push_back(std::move(answer));
-            isChanged_ = isUnsaved_ = true;
-            break;
-        case Event::kAsked:
-            BeginSweep(event, AnswerForm::kVariable);
-            answer.sweep = scan_.sweeps.size() - 1;
-            for (const auto& [oid, variable] : event.read.values) {
-                answer.answer = variable;
-                scan_.answers.push_back(answer);
-            }
-            TakeReading(event);
-            isChanged_ = true;
-            isUnsaved_ |= !event.read.values.empty();
-            break;
-        case Event::kAdapters:
-            adapters_ = event.adapters;
-            rowMaker_ = RowMaker();  // rows name the networks
-            isChanged_ = true;
-            break;
-        case Event::kSweepEnded:
-            isSweeping_[static_cast<size_t>(event.worker)] = false;
-            break;
-        default:
-            break;
+    answer.time = read.time;
+    answer.address = read.address;
+    answer.sweep = scan_.sweeps.size();
+    scan_.sweeps.push_back({read.kind, AnswerForm::kVariable, false, Oid(), read.time});
+    for (auto& [oid, variable] : read.answers.values) {
+        answer.answer = std::move(variable);
+        scan_.answers.push_back(answer);
     }
+    isChanged_ = true;
+    isUnsaved_ |= !read.answers.values.empty();
+    read.answers.values.clear();
+    std::vector<Reading>& known = readings_[read.address];
+    known.erase(std::remove_if(known.begin(), known.end(),
+                               [&](const Reading& one) { return one.kind == read.kind; }),
+                known.end());
+    known.push_back({read.address, read.kind, std::move(read.answers)});
 }
 
-void Session::TakeReading(const Event& event) {
-    std::vector<Reading>& known = readings_[event.address];
-    const auto isSame = [&](const Reading& one) { return one.kind == event.step.kind; };
-    known.erase(std::remove_if(known.begin(), known.end(), isSame), known.end());
-    known.push_back({event.address, event.step.kind, event.read});
-    known.back().end.values.clear();
+void Session::SetAdapters(const AdapterList& adapters) {
+    adapters_ = adapters;
+    rowMaker_ = RowMaker();  // rows name the networks
+    isChanged_ = true;
 }
 
 bool Session::Refresh() {
@@ -146,24 +134,30 @@ std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
     return JudgeProtocols(scan_, row.answers, ReadingsOf(row), running);
 }
 
-bool Session::Split(const DeviceRow& row) {
+std::vector<std::pair<size_t, size_t>> Session::SplitsOf(const DeviceRow& row) const {
+    std::vector<std::pair<size_t, size_t>> splits;
     const FoundDevice* device = DeviceOf(row);
-    if (!device) return false;
+    if (!device) return splits;
     const auto isAsked = [&](size_t index) {
         return scan_.sweeps[scan_.answers[index].sweep].form == AnswerForm::kVariable;
     };
-    const size_t before = scan_.splits.size();
     for (const Merge& merge : device->merges) {
-        if (merge.key != MergeKey::kAddress) scan_.splits.emplace_back(merge.first, merge.second);
+        if (merge.key != MergeKey::kAddress) splits.emplace_back(merge.first, merge.second);
     }
+    if (!splits.empty()) return splits;
     // Several protocols at one address; variables stay with the answers of their protocol.
     for (const Merge& merge : device->merges) {
-        if (before == scan_.splits.size() && !isAsked(merge.first) && !isAsked(merge.second))
-            scan_.splits.emplace_back(merge.first, merge.second);
+        if (!isAsked(merge.first) && !isAsked(merge.second))
+            splits.emplace_back(merge.first, merge.second);
     }
-    if (before == scan_.splits.size()) return false;
+    return splits;
+}
+
+void Session::Split(const DeviceRow& row) {
+    const auto splits = SplitsOf(row);
+    if (splits.empty()) return;
+    scan_.splits.insert(scan_.splits.end(), splits.begin(), splits.end());
     isChanged_ = isUnsaved_ = true;
-    return true;
 }
 
 }  // namespace vndiscover::host

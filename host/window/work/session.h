@@ -5,12 +5,13 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
 #include "model/scan/protocols.h"
-#include "window/work/workers.h"
+#include "window/work/results.h"
 
 namespace vndiscover::host {
 
@@ -18,8 +19,13 @@ class Session {
   public:
     DeviceView view;
 
-    void Take(const Event& event);
-    // Updates devices and rows if there are new answers. True if they changed.
+    // What the workers report; see Results.
+    void BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time);
+    void AddAnswer(WorkerId worker, ScanAnswer answer);
+    void EndSweep(WorkerId worker) { isSweeping_[static_cast<size_t>(worker)] = false; }
+    void AddReading(Results::Read read);
+    void SetAdapters(const AdapterList& adapters);
+    // Updates devices and rows if there are new answers. Returns true if they changed.
     bool Refresh();
 
     void Clear() { SetScan({}); }
@@ -43,12 +49,12 @@ class Session {
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
     // Undoes the merges of a device by its identity, or if there are none, those of protocols that
-    // answered from one address. False if there is nothing to undo.
-    bool Split(const DeviceRow& row);
+    // answered from one address.
+    bool CanSplit(const DeviceRow& row) const { return !SplitsOf(row).empty(); }
+    void Split(const DeviceRow& row);
 
   private:
-    void BeginSweep(const Event& event, AnswerForm form);
-    void TakeReading(const Event& event);
+    std::vector<std::pair<size_t, size_t>> SplitsOf(const DeviceRow& row) const;
     std::vector<Reading> ReadingsOf(const DeviceRow& row) const;
 
     Scan scan_;

@@ -2,48 +2,60 @@
 
 #include <algorithm>
 #include <chrono>
-#include <exception>
-#include <new>
+#include <iterator>
+#include <utility>
 
+#include "platform/error_text.h"
 #include "platform/this_process.h"
 
 namespace vndiscover::host {
+namespace {
 
-void EventQueue::Push(Event event) {
+std::string KeyOf(const char* task, const AskTarget& target) {
+    return task + std::to_string(static_cast<int>(target.kind)) + target.address;
+}
+
+}  // namespace
+
+void ResultQueue::Post(Closure closure) {
     bool wasEmpty = false;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        wasEmpty = events_.empty();
-        events_.push_back(std::move(event));
+        wasEmpty = closures_.empty();
+        closures_.push_back(std::move(closure));
     }
     if (wasEmpty) onFilled_();
 }
 
-std::vector<Event> EventQueue::Drain() {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return std::exchange(events_, {});
+void ResultQueue::RunAll(Results& results) {
+    std::vector<Closure> closures;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        closures.swap(closures_);
+    }
+    size_t next = 0;
+    try {
+        while (next < closures.size()) closures[next++](results);
+    } catch (...) {
+        // The others are not lost with the one that has thrown.
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            closures.erase(closures.begin(), closures.begin() + static_cast<std::ptrdiff_t>(next));
+            closures.insert(closures.end(), std::make_move_iterator(closures_.begin()),
+                            std::make_move_iterator(closures_.end()));
+            closures_ = std::move(closures);
+        }
+        onFilled_();
+        throw;
+    }
 }
 
-Workers::Workers(Engine& engine, EventQueue& events) : engine_(engine), events_(events) {
-    engine_.SetOnCall([this](Call call) { Tell(std::move(call)); });
-}
-
-// Of a job that is a sweep.
-void Workers::TellEnd(const Job& job, const std::string& problem) {
-    if (job.task != Task::kSweep) return;
-    Event event;
-    event.kind = Event::kSweepEnded;
-    event.worker = job.step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
-    event.step = job.step;
-    event.problem = problem;
-    events_.Push(std::move(event));
-}
-
-void Workers::Tell(Call call) {
-    Event event;
-    event.kind = Event::kCalled;
-    event.call = std::move(call);
-    events_.Push(std::move(event));
+Workers::Workers(Engine& engine, ResultQueue& queue) : engine_(engine), queue_(queue) {
+    engine_.SetOnCall([this](Call call) {
+        Post([call = std::move(call)](Results& results) mutable {
+            results.OnCall(std::move(call));
+        });
+    });
 }
 
 Workers::~Workers() {
@@ -68,115 +80,202 @@ Workers::~Workers() {
 
 void Workers::Sweep(const std::vector<SweepStep>& steps) {
     for (const SweepStep& step : steps) {
+        const WorkerId worker = step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
         Job job;
-        job.task = Task::kSweep;
-        job.step = step;
-        Add(step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp, std::move(job));
+        job.fail = [this, worker](const std::string& problem) {
+            Post([=](Results& results) { results.OnSweepEnded(worker, problem); });
+        };
+        job.drop = [fail = job.fail] { fail(""); };
+        job.run = [this, worker, step, end = job.fail](const Stops&) {
+            Post([=, time = UtcNow()](Results& results) {
+                results.OnSweepBegan(worker, step, time);
+            });
+            engine_.Sweep(step, [&](const char* address, std::string_view bytes) {
+                ScanAnswer answer;
+                answer.time = UtcNow();
+                answer.address = address;
+                answer.answer = Received(bytes);
+                Post([worker, answer = std::move(answer)](Results& results) mutable {
+                    results.OnAnswer(worker, std::move(answer));
+                });
+            });
+            end("");
+        };
+        Add(worker, std::move(job));
     }
 }
 
 void Workers::Ask(const AskTarget& target, bool isUrgent) {
     Job job;
-    job.step.kind = target.kind;
-    job.target = target;
-    job.isUrgent = isUrgent;
+    job.order = isUrgent ? Order::kUrgent : Order::kLater;
+    job.key = KeyOf("read", target);
+    const auto end = [this, target](PrinterAnswers answers) {
+        Results::Read read = {target.address, target.kind, UtcNow(), std::move(answers)};
+        Post([read = std::move(read)](Results& results) mutable {
+            results.OnRead(std::move(read));
+        });
+    };
+    job.fail = [end](const std::string& problem) {
+        PrinterAnswers none;
+        none.lastStatus = Status::kSendFailed;
+        none.lastProblem = problem;
+        none.gaps.push_back({"details", "", problem});
+        end(std::move(none));
+    };
+    job.run = [this, target, end](const Stops& before) {
+        Post([address = target.address](Results& results) { results.OnReadingBegan(address); });
+        end(engine_.Read(target, [&] { return stops_ == before.all; }));
+    };
+    Add(WorkerId::kDirected, std::move(job));
+}
+
+void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
+    Job job;
+    job.order = Order::kWalk;
+    job.key = KeyOf("walk", target);
+    const auto end = [this, walk](bool hasBegun, const WalkEnd& last, const std::string& problem) {
+        Post([=](Results& results) { results.OnWalked(walk, hasBegun, last, problem); });
+    };
+    job.fail = [end](const std::string& problem) { end(true, {}, problem); };
+    job.drop = [end] {
+        WalkEnd dropped;
+        dropped.isStopped = true;
+        end(false, dropped, "");
+    };
+    job.run = [this, target, root, walk, end](const Stops& before) {
+        Post([=, address = target.address](Results& results) {
+            results.OnWalkBegan(walk, address);
+        });
+        const auto mayGoOn = [&] {
+            while (stops_ == before.all && ExecuteUrgentJob()) continue;
+            return stops_ == before.all && walkStops_ == before.walks;
+        };
+        size_t variables = 0;
+        const auto onVariable = [&](const Answer& variable) {
+            Post([walk, variable](Results& results) mutable {
+                results.OnVariable(walk, std::move(variable));
+            });
+            return ++variables < kMaxWalkVariables;
+        };
+        end(true, engine_.Walk(target, root, mayGoOn, onVariable), "");
+    };
     Add(WorkerId::kDirected, std::move(job));
 }
 
 void Workers::Diagnose(const AskTarget& target) {
     Job job;
-    job.task = Task::kDiagnosis;
-    job.target = target;
-    job.isUrgent = true;
+    job.order = Order::kUrgent;
+    job.key = KeyOf("diagnose", target);
+    const auto end = [this, target](const HostDiagnosis& diagnosis, const AdapterList& adapters) {
+        Post([=, address = target.address](Results& results) {
+            results.OnDiagnosed(address, diagnosis, adapters);
+        });
+    };
+    job.fail = [end](const std::string& problem) {
+        HostDiagnosis none;
+        none.problem = problem;
+        end(none, {});
+    };
+    job.run = [this, target, end](const Stops& before) {
+        Post([address = target.address](Results& results) { results.OnDiagnosisBegan(address); });
+        const HostDiagnosis diagnosis =
+            engine_.Diagnose(target, [&] { return stops_ == before.all; });
+        end(diagnosis, engine_.IPv4());
+    };
     Add(WorkerId::kDirected, std::move(job));
 }
 
-void Workers::Look(Task task) {
+void Workers::ReadAdapters() {
+    Job job;
+    job.key = "adapters";
+    // Without them, devices are only shown without their networks.
+    job.fail = [](const std::string&) {};
+    job.run = [this](const Stops&) {
+        Post([adapters = engine_.IPv4()](Results& results) { results.OnAdapters(adapters); });
+    };
+    AddUrgent(std::move(job));
+}
+
+void Workers::MakeReport() {
+    Job job;
+    job.key = "report";
+    job.fail = [this](const std::string& problem) {
+        Post([=](Results& results) { results.OnReportFailed(problem); });
+    };
+    job.run = [this](const Stops&) {
+        Post([report = engine_.Report()](Results& results) { results.OnReport(report); });
+    };
+    AddUrgent(std::move(job));
+}
+
+// To an idle worker, or otherwise the directed one.
+void Workers::AddUrgent(Job job) {
     WorkerId free = WorkerId::kDirected;
     for (const WorkerId worker : {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp}) {
         if (IsBusy(worker)) continue;
         free = worker;
         break;
     }
-    Job job;
-    job.task = task;
-    job.isUrgent = true;
+    job.order = Order::kUrgent;
     Add(free, std::move(job));
-}
-
-void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
-    Job job;
-    job.task = Task::kWalk;
-    job.target = target;
-    job.root = root;
-    job.walk = walk;
-    Add(WorkerId::kDirected, std::move(job));
 }
 
 void Workers::StopWalk() {
     const std::lock_guard<std::mutex> lock(mutex_);
     ++walkStops_;
-    DropWalks();
+    DropJobs(lines_[static_cast<size_t>(WorkerId::kDirected)], true);
 }
 
 // Must be called with the lock.
-void Workers::DropWalks() {
-    std::deque<Job>& jobs = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs;
+void Workers::DropJobs(Line& line, bool areOnlyWalks) const {
     const auto dropped = std::stable_partition(
-        jobs.begin(), jobs.end(), [](const Job& job) { return job.task != Task::kWalk; });
-    for (auto job = dropped; job != jobs.end(); ++job) {
-        Event event;
-        event.kind = Event::kWalked;
-        event.worker = WorkerId::kDirected;
-        event.walk = job->walk;
-        event.walkEnd.isStopped = true;
-        events_.Push(std::move(event));
+        line.jobs.begin(), line.jobs.end(),
+        [&](const Job& job) { return areOnlyWalks && job.order != Order::kWalk; });
+    for (auto job = dropped; job != line.jobs.end(); ++job) {
+        if (job->drop) job->drop();
     }
-    jobs.erase(dropped, jobs.end());
+    line.jobs.erase(dropped, line.jobs.end());
+}
+
+// The latest urgent job comes first; walks come after all urgent ones.
+std::deque<Workers::Job>::iterator Workers::PlaceFor(Order order, std::deque<Job>& jobs) const {
+    if (order == Order::kUrgent) return jobs.begin();
+    if (order == Order::kLater) return jobs.end();
+    return std::find_if(jobs.begin(), jobs.end(),
+                        [](const Job& other) { return other.order != Order::kUrgent; });
 }
 
 void Workers::Add(WorkerId worker, Job job) {
     const std::lock_guard<std::mutex> lock(mutex_);
     Line& line = lines_[static_cast<size_t>(worker)];
-    if (worker == WorkerId::kDirected) {
-        const auto isSame = [&](const Job& other) {
-            return other.task == job.task && other.target.kind == job.target.kind &&
-                   other.target.address == job.target.address;
-        };
-        const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), isSame);
-        if (known != line.jobs.end()) {
-            if (!job.isUrgent) return;
-            line.jobs.erase(known);
-        }
+    const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), [&](const Job& other) {
+        return !job.key.empty() && other.key == job.key;
+    });
+    if (known != line.jobs.end()) {
+        if (job.order != Order::kUrgent) return;
+        line.jobs.erase(known);
     }
-    isStopTold_ = false;
-    auto place = job.isUrgent ? line.jobs.begin() : line.jobs.end();
-    if (job.task == Task::kWalk)
-        place = std::find_if(line.jobs.begin(), line.jobs.end(),
-                             [](const Job& other) { return !other.isUrgent; });
-    line.jobs.insert(place, std::move(job));
+    isStopReported_ = false;
+    line.jobs.insert(PlaceFor(job.order, line.jobs), std::move(job));
     if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
     changed_.notify_all();
 }
 
 void Workers::Stop() {
-    bool wasTold = false;
+    bool wasReported = false;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         ++stops_;
-        wasTold = std::exchange(isStopTold_, true);
-        DropWalks();
-        for (Line& line : lines_) {
-            for (const Job& job : line.jobs) TellEnd(job);
-            line.jobs.clear();
-        }
+        wasReported = std::exchange(isStopReported_, true);
+        for (Line& line : lines_) DropJobs(line, false);
     }
-    Call call;
-    call.time = UtcNow();
-    call.result = "0";
     for (const char* name : {"StopDiscoverSnmp", "StopDiscoverSoap"}) {
+        if (wasReported) break;
+        Call call;
         call.name = name;
-        if (!wasTold) Tell(call);  // before the sweeps that they end
+        call.time = UtcNow();
+        call.result = "0";
+        Post([=](Results& results) { results.OnCall(call); });  // before the sweeps that it ends
     }
     RepeatStop();
 }
@@ -202,11 +301,10 @@ size_t Workers::Waiting() const {
 }
 
 // Must be called with the lock.
-Workers::Job Workers::TakeFirst(Line& line) {
+Workers::Job Workers::RemoveFirst(Line& line, Stops& before) const {
     Job job = std::move(line.jobs.front());
     line.jobs.pop_front();
-    job.stops = stops_;
-    job.walkStops = walkStops_;
+    before = {stops_, walkStops_};
     return job;
 }
 
@@ -216,116 +314,42 @@ void Workers::Run(WorkerId worker) {
     while (true) {
         changed_.wait(lock, [&] { return isEnding_ || !line.jobs.empty(); });
         if (isEnding_) return;
-        Job job = TakeFirst(line);
+        Stops before;
+        const Job job = RemoveFirst(line, before);
         line.isRunning = true;
         lock.unlock();
-        std::string problem;
-        try {
-            Do(worker, job);
-        } catch (const std::bad_alloc&) {
-            problem = "out of memory";  // the answers received so far are kept
-        } catch (const std::exception& error) {
-            problem = error.what();
-        }
-        TellEnd(job, problem);
+        Execute(job, before);
         lock.lock();
         line.isRunning = false;
         const bool isIdle = line.jobs.empty();
         changed_.notify_all();
         if (!isIdle) continue;
         lock.unlock();
-        Event event;
-        event.worker = worker;
-        event.time = UtcNow();
-        events_.Push(std::move(event));
+        Post([](Results&) {});  // so that the window sees that it is idle
         lock.lock();
     }
 }
 
-void Workers::Do(WorkerId worker, const Job& job) {
-    Event event;
-    event.worker = worker;
-    event.step = job.step;
-    event.time = UtcNow();
-    if (job.task == Task::kWalk) return DoWalk(job, std::move(event));
-    if (job.task == Task::kDiagnosis) return DoDiagnosis(job, std::move(event));
-    if (job.task == Task::kReading) {
-        event.address = job.target.address;
-        event.kind = Event::kAskBegan;
-        events_.Push(event);
-        event.read = engine_.Read(job.target, [this, &job] { return stops_ == job.stops; });
-        event.kind = Event::kAsked;
-        event.time = UtcNow();
-        events_.Push(std::move(event));
-        return;
+void Workers::Execute(const Job& job, const Stops& before) {
+    try {
+        job.run(before);
+    } catch (...) {
+        job.fail(ExceptionText());  // results so far are kept
     }
-    if (job.task != Task::kSweep) return DoLook(job.task, std::move(event));
-    event.kind = Event::kSweepBegan;
-    events_.Push(event);
-    engine_.Sweep(job.step, [&](const char* address, std::string_view bytes) {
-        Event answer;
-        answer.kind = Event::kAnswer;
-        answer.worker = worker;
-        answer.time = UtcNow();
-        answer.address = address;
-        answer.bytes = bytes;
-        events_.Push(std::move(answer));
-    });
 }
 
-void Workers::DoWalk(const Job& job, Event event) {
-    event.kind = Event::kWalkBegan;
-    event.address = job.target.address;
-    event.walk = job.walk;
-    events_.Push(event);
-    event.kind = Event::kWalkStep;
-    const auto mayGoOn = [&] {
-        while (stops_ == job.stops && DoUrgentJob()) continue;
-        return stops_ == job.stops && walkStops_ == job.walkStops;
-    };
-    size_t variables = 0;
-    const WalkEnd end = engine_.Walk(job.target, job.root, mayGoOn, [&](const Answer& variable) {
-        event.variable = variable;
-        events_.Push(event);
-        return ++variables < kMaxWalkVariables;
-    });
-    event.kind = Event::kWalked;
-    event.walkEnd = end;
-    events_.Push(std::move(event));
-}
-
-// False if none is waiting.
-bool Workers::DoUrgentJob() {
+// Returns false if none is waiting.
+bool Workers::ExecuteUrgentJob() {
     Job job;
+    Stops before;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         Line& line = lines_[static_cast<size_t>(WorkerId::kDirected)];
-        if (line.jobs.empty() || !line.jobs.front().isUrgent) return false;
-        job = TakeFirst(line);
+        if (line.jobs.empty() || line.jobs.front().order != Order::kUrgent) return false;
+        job = RemoveFirst(line, before);
     }
-    Do(WorkerId::kDirected, job);
+    Execute(job, before);
     return true;
-}
-
-void Workers::DoDiagnosis(const Job& job, Event event) {
-    event.address = job.target.address;
-    event.kind = Event::kDiagnosisBegan;
-    events_.Push(event);
-    event.diagnosis = engine_.Diagnose(job.target, [this, &job] { return stops_ == job.stops; });
-    event.adapters = engine_.IPv4();
-    event.kind = Event::kDiagnosed;
-    events_.Push(std::move(event));
-}
-
-void Workers::DoLook(Task task, Event event) {
-    if (task == Task::kAdapters) {
-        event.kind = Event::kAdapters;
-        event.adapters = engine_.IPv4();
-    } else {
-        event.kind = Event::kReport;
-        event.report = engine_.Report();
-    }
-    events_.Push(std::move(event));
 }
 
 }  // namespace vndiscover::host

@@ -113,15 +113,12 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
 // The sweep is still running, so that the device may still answer.
 TEST(Sessions, RunningSweepIsNoSilence) {
     Session session;
-    Event event;
-    event.kind = Event::kSweepBegan;
-    event.worker = WorkerId::kWsd;
-    event.step.kind = SweepKind::kWsd;
-    session.Take(event);
+    SweepStep step;
+    step.kind = SweepKind::kWsd;
+    session.BeginSweep(WorkerId::kWsd, step, "");
     const DeviceRow row;
     EXPECT_EQ(ProtocolState::kPending, session.ProtocolsOf(row).at(2).state);
-    event.kind = Event::kSweepEnded;
-    session.Take(event);
+    session.EndSweep(WorkerId::kWsd);
     EXPECT_EQ(ProtocolState::kSilent, session.ProtocolsOf(row).at(2).state);
 }
 

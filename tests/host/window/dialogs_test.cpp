@@ -44,7 +44,7 @@ class Dialogs : public MainWindowTest {
     ~Dialogs() override {
         SetTextChange(nullptr);
         for (const std::wstring& name : ProfileNames()) DeleteProfile(name);
-        KeepLastProfile(L"");
+        SaveLastProfile(L"");
     }
     // Opens the modal dialog; `play` acts as its user, on another thread, and must close it.
     void PlayDialog(const std::function<void(HWND dialog)>& play) {
@@ -113,8 +113,8 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     ASSERT_TRUE(Ends());
     EXPECT_EQ(kPassword, engine_.lastStep.credentials.security->authPassword.Get());
     // The user's profile is shown, even if another window has used another one since.
-    KeepProfile(L"Lab", kept->security);
-    KeepLastProfile(L"Lab");
+    SaveProfile(L"Lab", kept->security);
+    SaveLastProfile(L"Lab");
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(L"Office", TextOf(GetDlgItem(dialog, IDC_PROFILE)));
         Press(dialog, IDCANCEL);
@@ -152,7 +152,7 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
-    KeepLastProfile(L"Office");
+    SaveLastProfile(L"Office");
     Open();
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
@@ -181,7 +181,7 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
         SendDlgItemMessageW(dialog, IDC_PROFILE, CB_SETCURSEL, 0, 0);
         SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_PROFILE, CBN_SELCHANGE), 0);
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
-        PostMessageW(dialog, WM_COMMAND, IDS_PROFILE_DELETE, 0);
+        PostMessageW(dialog, WM_COMMAND, IDC_PROFILE_DELETE, 0);
         PressUntilGone(NextPopupOf(dialog), IDYES);
         Press(dialog, IDCANCEL);
     });
@@ -212,10 +212,10 @@ TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     // The newest first: two stops during the sweep.
     ListView_SetItemState(list, 0, LVIS_SELECTED, LVIS_SELECTED);
     EXPECT_EQ(0u, TextOf(text).find(L"#include <vndiscover.h>\r\n"));
-    CheckRadioButton(dialog, IDS_CALL_CPP, IDS_CALL_COMMAND, IDS_CALL_COMMAND);
-    Press(dialog, IDS_CALL_COMMAND);
+    CheckRadioButton(dialog, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_COMMAND);
+    Press(dialog, IDC_CALL_COMMAND);
     EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", TextOf(text));
-    Press(dialog, IDS_CALL_COPY);
+    Press(dialog, IDC_CALL_COPY);
     EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", Copied());
     // The selected call stays selected while others are added.
     Command(IDC_FIND);
@@ -254,15 +254,6 @@ TEST_F(Dialogs, ReportIsMadeByAWorker) {
     ASSERT_TRUE(
         Until([&] { return TextOf(PopupOf(window_->Handle())) == Text(IDS_DOCTOR_TITLE); }));
     EXPECT_NE(GetCurrentThreadId(), engine_.reportThread);
-}
-
-// The texts of a page's second column.
-std::wstring PageTexts(HWND page) {
-    std::wstring texts;
-    const HWND list = GetDlgItem(page, IDC_DETAILS);
-    for (int row = 0; row < ListView_GetItemCount(list); ++row)
-        texts += CellOf(list, row, 1) + L";";
-    return texts;
 }
 
 // On a page that opens at once with the report on this computer.

@@ -41,26 +41,28 @@ TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
         {"{\"format\": \"vndiscover-scan\",\n \"version\": 1,\n x", "line 3"}};
     for (const auto& [text, reason] : cases) {
         SetFileText(text);
-        for (const auto method : {&MainWindow::OpenFrom, &MainWindow::CompareWith}) {
+        for (const auto method : {&ScanCommands::OpenFrom, &ScanCommands::CompareWith}) {
             bool isDone = true;
-            const std::string told = Answer({IDOK}, [&] { isDone = ((*window_).*method)(path_); });
+            const std::string told =
+                Answer({IDOK}, [&] { isDone = (window_->scans.*method)(path_); });
             EXPECT_FALSE(isDone);
             EXPECT_EQ(0u, told.find("The list is unchanged")) << told;
             EXPECT_NE(std::string::npos, told.find(reason)) << told;
         }
     }
-    EXPECT_EQ(0u, Answer({IDOK}, [&] { window_->OpenFrom(path_ + "x"); }).find("The file could"));
+    EXPECT_EQ(0u,
+              Answer({IDOK}, [&] { window_->scans.OpenFrom(path_ + "x"); }).find("The file could"));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
-    EXPECT_TRUE(window_->SaveTo(path_));
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
     EXPECT_NE(std::string::npos, FileText().find("10.77.1.9"));
 }
 
 TEST_F(Files, SavedScansAreOpenedAgain) {
     OpenWithDevices();
-    EXPECT_TRUE(window_->SaveTo(path_));
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
     Command(IDM_CLEAR);
     EXPECT_EQ(L"", Addresses());
-    EXPECT_TRUE(window_->OpenFrom(path_));
+    EXPECT_TRUE(window_->scans.OpenFrom(path_));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
     // Its addresses get the user's community only when the user asks them.
     const int reads = engine_.reads;
@@ -141,14 +143,14 @@ TEST_F(Files, ExportsHoldTheRowsAsShown) {
     OpenWithDevices();
     int order[] = {2, 1, 0, 3, 4, 5, 6, 7, 8, 9};
     ListView_SetColumnOrderArray(Control(IDC_DEVICES), 10, order);
-    EXPECT_TRUE(window_->SaveCsvTo(path_));
+    EXPECT_TRUE(window_->scans.SaveCsvTo(path_));
     const std::string csv = FileText();
     EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"Serial number\",")) << csv;
     EXPECT_NE(
         std::string::npos,
         csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"\",\"\",\"SNMPv1\""))
         << csv;
-    EXPECT_TRUE(window_->SaveJsonTo(path_));
+    EXPECT_TRUE(window_->scans.SaveJsonTo(path_));
     EXPECT_EQ(
         "[\n  {\"address\":\"10.77.1.11\",\"value\":\"VN LaserPro 411\"},\n"
         "  {\"address\":\"10.77.1.10\",\"value\":\"VN LaserPro 410\"}\n]\n",
@@ -163,9 +165,9 @@ TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
         ToWide(path_ + "." + std::to_string(GetCurrentProcessId()) + ".new");
     CreateDirectoryW(obstacle.c_str(), nullptr);
     for (const auto method :
-         {&MainWindow::SaveTo, &MainWindow::SaveCsvTo, &MainWindow::SaveJsonTo}) {
+         {&ScanCommands::SaveTo, &ScanCommands::SaveCsvTo, &ScanCommands::SaveJsonTo}) {
         bool isDone = true;
-        const std::string told = Answer({IDOK}, [&] { isDone = ((*window_).*method)(path_); });
+        const std::string told = Answer({IDOK}, [&] { isDone = (window_->scans.*method)(path_); });
         EXPECT_FALSE(isDone);
         EXPECT_EQ(0u, told.find("The file could not be saved: cannot be written")) << told;
         EXPECT_EQ("old", FileText());

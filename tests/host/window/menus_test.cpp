@@ -1,5 +1,6 @@
 // Context menus, copying, and the columns that the user chooses.
 #include "scripted_window.h"
+#include "window/main/commands.h"
 
 namespace vndiscover::host {
 namespace {
@@ -97,7 +98,11 @@ TEST_F(Menus, AnyCellIsCopiedByKeyboard) {
 TEST_F(Menus, DetailsAreCopied) {
     OpenWithDevice();
     const HWND details = Control(IDC_DETAILS);
-    ListView_SetItemState(details, 1, LVIS_SELECTED, LVIS_SELECTED);
+    ASSERT_TRUE(Until(
+        [&] { return PageTexts(window_->Handle()).find(L"SERIAL 1") != std::wstring::npos; }));
+    int address = 0;
+    while (address < 20 && CellOf(details, address, 0) != L"Address") ++address;
+    ListView_SetItemState(details, address, LVIS_SELECTED, LVIS_SELECTED);
     Press(details, 'C', false);
     EXPECT_EQ(L"Address\t10.77.1.9\r\n", Copied());
     Press(details, 'C', true);
@@ -114,7 +119,9 @@ TEST_F(Menus, DetailsAreCopied) {
     Play(details, MAKELPARAM(point.x, point.y), {VK_DOWN, VK_RETURN});  // the cell
     EXPECT_EQ(L"Address", Copied());
     Press(details, 'T', true);
-    EXPECT_EQ(0u, Copied().find(L"Model\t'" + ToWide(model_) + L"\r\nAddress\t10.77.1.9\r\n"));
+    const std::wstring table = Copied();
+    EXPECT_EQ(0u, table.find(L"Model\t'" + ToWide(model_) + L"\r\n"));
+    EXPECT_NE(std::wstring::npos, table.find(L"\r\nAddress\t10.77.1.9\r\n"));
     Press(Devices(), 'C', false);
     EXPECT_EQ(0u, Copied().find(L"\t'" + ToWide(model_) + L"\t10.77.1.9\t"));
     // While another program uses the clipboard.
@@ -124,6 +131,52 @@ TEST_F(Menus, DetailsAreCopied) {
     CloseClipboard();
     Press(details, 'C', false);
     EXPECT_NE(Text(IDS_NOT_COPIED), TextOf(Control(IDC_STATUS)));
+}
+
+TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
+    Open();
+    const auto greyed = [&] {
+        const HMENU bar = GetMenu(window_->Handle());
+        std::vector<UINT> ids;
+        for (int popup = 0; popup < GetMenuItemCount(bar); ++popup) {
+            const HMENU menu = GetSubMenu(bar, popup);
+            SendMessageW(window_->Handle(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu),
+                         popup);
+            for (int item = 0; item < GetMenuItemCount(menu); ++item) {
+                const auto place = static_cast<UINT>(item);
+                const UINT id = GetMenuItemID(menu, item);  // 0: a line
+                if (id != 0 && (GetMenuState(menu, place, MF_BYPOSITION) & MF_GRAYED))
+                    ids.push_back(id);
+            }
+        }
+        return ids;
+    };
+    EXPECT_EQ((std::vector<UINT>{IDM_SAVE, IDM_CSV, IDM_JSON, IDM_COPY_ROW, IDM_COPY_CELL, UINT(-1),
+                                 IDM_COPY_TABLE, IDM_CLEAR, IDM_ASK, IDM_ASK_ALL, IDM_DIAGNOSE,
+                                 IDM_WALK, IDM_SPLIT, IDM_WEB}),
+              greyed());
+    Command(IDM_SPLIT);  // neither does its key do anything
+    OpenWithDevice();
+    EXPECT_EQ((std::vector<UINT>{IDM_SPLIT}), greyed());
+}
+
+// A menu shows the key that the table has for the command.
+TEST_F(Menus, ShowTheKeysOfTheirCommands) {
+    Open();
+    const HMENU bar = GetMenu(window_->Handle());
+    const OwnedAccelerators keys = MakeKeys();
+    std::vector<ACCEL> rows(100);
+    rows.resize(static_cast<size_t>(CopyAcceleratorTableW(keys.Get(), rows.data(), 100)));
+    int shown = 0;
+    for (const ACCEL& row : rows) {
+        wchar_t text[80] = L"";
+        if (GetMenuStringW(bar, row.cmd, text, 80, MF_BYCOMMAND) == 0) continue;
+        const std::wstring key = std::wstring(row.fVirt & FSHIFT ? L"Ctrl+Shift+" : L"Ctrl+") +
+                                 static_cast<wchar_t>(row.key);
+        EXPECT_EQ(L"\t" + key, std::wstring(text).substr(std::wstring(text).find(L'\t')));
+        ++shown;
+    }
+    EXPECT_EQ(7, shown);
 }
 
 TEST_F(Menus, ColumnsAreChosenAndKept) {

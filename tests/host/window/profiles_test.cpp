@@ -64,7 +64,7 @@ class Profiles : public testing::Test {
 };
 
 TEST_F(Profiles, SaveAUserWithEncryptedPasswords) {
-    ASSERT_EQ(KeepResult::kKept, KeepProfile(L"Office", Admin()));
+    ASSERT_EQ(SaveResult::kSaved, SaveProfile(L"Office", Admin()));
     EXPECT_EQ(std::vector<std::wstring>{L"Office"}, ProfileNames());
     const auto profile = ReadProfile(L"office");
     ASSERT_TRUE(profile && profile->isOpen);
@@ -81,14 +81,14 @@ TEST_F(Profiles, SaveAUserWithEncryptedPasswords) {
 
 TEST_F(Profiles, SaveNothingIfEncryptionFails) {
     canSeal = false;
-    EXPECT_EQ(KeepResult::kNotSealed, KeepProfile(L"Office", Admin()));
+    EXPECT_EQ(SaveResult::kNotSealed, SaveProfile(L"Office", Admin()));
     canSeal = true;
     EXPECT_EQ("", Stored());
 }
 
 // From another computer, damaged, or with protocols that were weakened.
 TEST_F(Profiles, UnreadableOnesAreNotReplaced) {
-    ASSERT_EQ(KeepResult::kKept, KeepProfile(L"Office", Admin()));
+    ASSERT_EQ(SaveResult::kSaved, SaveProfile(L"Office", Admin()));
     const std::string good = Stored();
     std::string damaged = good, weakened = good;
     damaged.back() ^= 1;
@@ -100,13 +100,13 @@ TEST_F(Profiles, UnreadableOnesAreNotReplaced) {
         EXPECT_FALSE(profile->isOpen);
         EXPECT_EQ(L"admin", profile->security.user);
         EXPECT_TRUE(profile->security.authPassword.IsEmpty());
-        EXPECT_EQ(KeepResult::kLeftAlone, KeepProfile(L"Office", Admin()));
+        EXPECT_EQ(SaveResult::kLeftAlone, SaveProfile(L"Office", Admin()));
         EXPECT_EQ(bytes, Stored());
     }
     for (size_t size = 0; size < 20; ++size) {
         Store(good.substr(0, size));
         EXPECT_FALSE(ReadProfile(L"Office")) << size;
-        EXPECT_EQ(KeepResult::kLeftAlone, KeepProfile(L"Office", Admin())) << size;
+        EXPECT_EQ(SaveResult::kLeftAlone, SaveProfile(L"Office", Admin())) << size;
     }
 }
 
@@ -114,11 +114,11 @@ TEST_F(Profiles, InvalidNamesAreRefused) {
     for (const std::wstring& name : {std::wstring(), std::wstring(L"a\\b"), std::wstring(L"a\n"),
                                      std::wstring(kMaxProfileName + 1, L'a')}) {
         EXPECT_FALSE(IsProfileName(name));
-        EXPECT_EQ(KeepResult::kNotWritten, KeepProfile(name, Admin()));
+        EXPECT_EQ(SaveResult::kNotWritten, SaveProfile(name, Admin()));
         EXPECT_FALSE(ReadProfile(name));
         EXPECT_FALSE(DeleteProfile(name));
     }
-    KeepLastProfile(L"Office");
+    SaveLastProfile(L"Office");
     EXPECT_EQ(L"Office", LastProfile());
 }
 

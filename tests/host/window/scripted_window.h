@@ -37,7 +37,7 @@ class ScriptedEngine : public Engine {
         if (step.kind == SweepKind::kWsd) return;
         ++sweeps;
         lastStep = step;
-        if (failure) throw std::runtime_error(failure);
+        Fail();
         std::unique_lock<std::mutex> lock(mutex_);
         isInSweep_ = isInSweep = true;
         while (true) {
@@ -47,12 +47,12 @@ class ScriptedEngine : public Engine {
             if (isOver_) break;
         }
         isInSweep_ = isOver_ = false;
-        Tell({"DiscoverDevicesByOID",
-              {{"oid", ".1.3." + std::to_string(sweeps)}},
-              "",
-              "0",
-              1,
-              2000});
+        ReportCall({"DiscoverDevicesByOID",
+                    {{"oid", ".1.3." + std::to_string(sweeps)}},
+                    "",
+                    "0",
+                    1,
+                    2000});
     }
     // Like in the module, a request has no effect while no sweep runs.
     void StopSnmp() override {
@@ -66,6 +66,7 @@ class ScriptedEngine : public Engine {
     PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
         ++reads;
         while (isHeld) Sleep(5);
+        Fail();
         PrinterAnswers answers;
         if (target.kind == SweepKind::kSnmpV3) {
             answers.lastStatus = Status::kRefused;
@@ -89,6 +90,7 @@ class ScriptedEngine : public Engine {
     // Of the system's three variables, an endless table of interfaces, and a loop.
     WalkEnd Walk(const AskTarget&, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override {
+        Fail();
         ScriptedDevice device;
         device.Text("sysDescr.0", "a printer\x1B");
         device.Text("sysName.0", "hall");
@@ -101,7 +103,7 @@ class ScriptedEngine : public Engine {
             Call call;
             call.name = "GetNextSnmpRequestRaw";
             call.walk = 1;
-            Tell(std::move(call));
+            ReportCall(std::move(call));
             if (IsWithin(oid, OidOf("ifType")))
                 return AnsweredWith(*ParseOidOrName("ifType.1"), kInteger, "\1");
             if (!IsWithin(oid, column)) return ask(oid);
@@ -113,6 +115,7 @@ class ScriptedEngine : public Engine {
     }
     // Takes steps until it is released, or may not go on.
     HostDiagnosis Diagnose(const AskTarget&, std::function<bool()> mayGoOn) override {
+        Fail();
         HostDiagnosis diagnosis;
         diagnosis.ping.outcome = Outcome::kAnswered;
         while (!isReleased && !diagnosis.isStopped) {
@@ -142,10 +145,13 @@ class ScriptedEngine : public Engine {
     std::atomic<bool> isInSweep{false}, isReleased{false};
     std::atomic<bool> isHeld{false};  // a reading
     std::function<void()> onStop;
-    const char* failure = nullptr;  // of each sweep
-    SweepStep lastStep;             // may be read once the sweep is over
+    std::atomic<const char*> failure{nullptr};  // of everything from now on
+    SweepStep lastStep;                         // may be read once the sweep is over
 
   private:
+    void Fail() const {
+        if (failure) throw std::runtime_error(failure);
+    }
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::pair<std::string, std::string>> answers_;
@@ -236,6 +242,15 @@ inline std::wstring CellOf(HWND list, int row, int column) {
     item.cchTextMax = 200;
     SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     return text;
+}
+
+// The texts of a page's second column.
+inline std::wstring PageTexts(HWND page) {
+    std::wstring texts;
+    const HWND list = GetDlgItem(page, IDC_DETAILS);
+    for (int row = 0; row < ListView_GetItemCount(list); ++row)
+        texts += CellOf(list, row, 1) + L";";
+    return texts;
 }
 
 class MainWindowTest : public testing::Test {

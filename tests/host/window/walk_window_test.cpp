@@ -17,7 +17,7 @@ class WalkTests : public MainWindowTest {
     }
     void Start(const wchar_t* root) const {
         SetDlgItemTextW(walk_, IDC_WALK_ROOT, root);
-        Press(IDS_WALK_START);
+        Press(IDC_WALK_START);
     }
     void Press(int id) const { SendMessageW(walk_, WM_COMMAND, static_cast<WPARAM>(id), 0); }
     std::wstring State() const { return TextOf(GetDlgItem(walk_, IDC_WALK_STATE)); }
@@ -40,12 +40,12 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     EXPECT_EQ(L"sysName.0", CellOf(list_, 1, 1));
     EXPECT_EQ(L"hall", CellOf(list_, 1, 2));
     EXPECT_EQ(L"", CellOf(list_, 2, 1));  // a known part alone is no name
-    Press(IDS_WALK_COPY_ROW);             // none is selected
+    Press(IDC_WALK_COPY_ROW);             // none is selected
     ListView_SetItemState(list_, 1, LVIS_SELECTED, LVIS_SELECTED);
-    Press(IDS_WALK_COPY_ROW);
+    Press(IDC_WALK_COPY_ROW);
     const std::wstring row = L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n";
     EXPECT_EQ(row, Copied());
-    Press(IDS_WALK_COPY_ALL);
+    Press(IDC_WALK_COPY_ALL);
     const std::wstring all = Copied();
     EXPECT_EQ(std::wstring::npos, all.find(L'\x1B'));
     EXPECT_EQ(0u, all.substr(all.find(L'\n') + 1).find(row));
@@ -61,13 +61,13 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     OpenWalk();
     Start(L"ifDescr");
     ASSERT_TRUE(Until([&] { return Rows() > 3; }));
-    EXPECT_EQ(L"S&top", TextOf(GetDlgItem(walk_, IDS_WALK_START)));
+    EXPECT_EQ(L"S&top", TextOf(GetDlgItem(walk_, IDC_WALK_START)));
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Reading the values of 10.77.1.1 for "));
     Select(1);  // asked during the walk
     EXPECT_TRUE(Until([&] { return engine_.reads == 2; }));
     const int rows = Rows();
     EXPECT_TRUE(Until([&] { return Rows() > rows; }));
-    Press(IDS_WALK_START);
+    Press(IDC_WALK_START);
     EXPECT_TRUE(Until([&] { return State().find(L" values, then stopped") != State().npos; }));
     EXPECT_EQ(std::to_wstring(Rows()) + L" values, then stopped", State());
     EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
@@ -76,6 +76,24 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     const HWND calls = GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_CALLS);
     EXPECT_LT(ListView_GetItemCount(calls), 5);
     EXPECT_EQ(std::to_wstring(Rows()) + L" calls of a walk, first: ", CellOf(calls, 0, 2));
+}
+
+TEST_F(WalkTests, FailureIsShownOnItsPage) {
+    OpenWalk();
+    engine_.failure = "no memory";
+    Start(L"sysName");
+    EXPECT_TRUE(Until([&] { return State() == L"0 values, then: no memory"; }));
+    Press(IDCANCEL);
+    Command(IDM_ASK);
+    EXPECT_TRUE(Until([&] {
+        return PageTexts(window_->Handle()).find(L";details: no memory;") != std::wstring::npos;
+    }));
+    Command(IDM_DIAGNOSE);
+    EXPECT_TRUE(Until([&] {
+        const HWND page = PopupOf(window_->Handle());
+        return page && PageTexts(page).find(L"not finished: no memory;") != std::wstring::npos;
+    }));
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
 }
 
 TEST_F(WalkTests, EitherWindowMayBeClosedDuringAWalk) {

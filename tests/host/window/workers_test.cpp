@@ -54,8 +54,8 @@ class WorkersTest : public testing::Test {
         ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
     }
     PatientEngine engine;
-    EventQueue events{[] {}};
-    Workers workers{engine, events};
+    ResultQueue queue{[] {}};
+    Workers workers{engine, queue};
 };
 
 // Even if the next device is asked before the worker has seen the stop, which must not stop that
@@ -70,7 +70,7 @@ TEST_F(WorkersTest, StopEndsOnlyTheRunningReading) {
 
 TEST_F(WorkersTest, ReportOnThisComputerWhileADeviceIsAsked) {
     BeginReading();
-    workers.LookAtAdapters();
+    workers.ReadAdapters();
     EXPECT_TRUE(Comes([&] { return engine.looks == 1; }));
     EXPECT_EQ(0, engine.ended);
 }
@@ -93,21 +93,24 @@ TEST_F(WorkersTest, SelectedDeviceIsAskedDuringAWalk) {
 }
 
 // Otherwise its window would wait for ever.
-TEST_F(WorkersTest, WalkThatHasNotBegunTellsThatItIsDropped) {
+TEST_F(WorkersTest, WalkThatHasNotBegunReportsItsEnd) {
     BeginReading();
     for (const unsigned walk : {1, 2}) {
         workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, walk);
-        events.Drain();
         if (walk == 1) {
             workers.StopWalk();
         } else {
             workers.Stop();
         }
-        unsigned dropped = 0;
-        for (const Event& event : events.Drain()) {
-            if (event.kind == Event::kWalked) dropped = event.walk;
-        }
-        EXPECT_EQ(walk, dropped);
+        struct : Results {
+            void OnWalked(unsigned number, bool hasBegun, const WalkEnd& end,
+                          const std::string&) override {
+                if (!hasBegun && end.isStopped) dropped = number;
+            }
+            unsigned dropped = 0;
+        } results;
+        queue.RunAll(results);
+        EXPECT_EQ(walk, results.dropped);
     }
     EXPECT_EQ(0, engine.walks);
 }

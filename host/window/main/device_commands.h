@@ -1,0 +1,41 @@
+// The commands on devices, and the windows that they open.
+#pragma once
+
+#include <string>
+
+#include "window/controls/clipboard.h"
+#include "window/main/device_list.h"
+#include "window/main/window_state.h"
+#include "window/pages/doctor_page.h"
+#include "window/pages/walk_window.h"
+#include "window/resource.h"
+
+namespace vndiscover::host {
+
+class DeviceCommands {
+  public:
+    // Both must outlive it.
+    DeviceCommands(WindowState& state, const DeviceList& list);
+    WalkWindow walk;
+    DoctorPage doctor;
+
+    // `isAgain`: the user says so. Otherwise it is asked once, and only if it has answered here.
+    void Ask(bool isAgain);
+    void AskAll();
+    void Diagnose();
+    void DiagnoseComputer();
+    void Walk();
+    void Split();
+    // The first of its IPv4 addresses; empty if there is none.
+    std::string WebAddress() const;
+    void OpenWebPage() const;
+    void CopyCell(Column column);
+    void CopyRow() const { list_.List().Copy(IDM_COPY_ROW); }
+    void CopyTable() const { CopyText(state_.window, list_.List().TableText(true)); }
+
+  private:
+    WindowState& state_;
+    const DeviceList& list_;
+};
+
+}  // namespace vndiscover::host

@@ -1,0 +1,87 @@
+// Brings what the workers report to the data and to the windows that show it.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "window/main/device_commands.h"
+#include "window/main/searches.h"
+#include "window/main/window_state.h"
+#include "window/pages/calls_window.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+
+class ResultHandler : public Results {
+  public:
+    // All must outlive it.
+    ResultHandler(WindowState& state, Searches& searches, DeviceCommands& devices,
+                  CallsWindow& calls)
+        : state_(state), searches_(searches), devices_(devices), calls_(calls) {}
+
+    void OnSweepBegan(WorkerId worker, const SweepStep& step, const std::string& time) override {
+        state_.session.BeginSweep(worker, step, time);
+    }
+    void OnAnswer(WorkerId worker, ScanAnswer answer) override {
+        state_.session.AddAnswer(worker, std::move(answer));
+        state_.progress.CountAnswer();
+    }
+    void OnSweepEnded(WorkerId worker, const std::string& problem) override {
+        state_.session.EndSweep(worker);
+        searches_.EndSweep(problem);
+    }
+    void OnReadingBegan(const std::string& address) override {
+        state_.progress.BeginReading(address);
+        state_.StartStatusTimer();
+    }
+    void OnRead(Read read) override {
+        state_.progress.EndAsking();
+        state_.session.AddReading(std::move(read));
+    }
+    void OnWalkBegan(unsigned walk, const std::string& address) override {
+        state_.progress.BeginWalk(address);
+        devices_.walk.OnBegan(walk);
+    }
+    void OnVariable(unsigned walk, Answer variable) override {
+        state_.progress.CountValue();
+        devices_.walk.Add(walk, std::move(variable));
+    }
+    void OnWalked(unsigned walk, bool hasBegun, const WalkEnd& end,
+                  const std::string& problem) override {
+        if (hasBegun) state_.progress.EndWalk();
+        devices_.walk.OnEnded(walk, end, problem);
+    }
+    void OnDiagnosisBegan(const std::string& address) override {
+        state_.progress.BeginDiagnosis(address);
+        state_.StartStatusTimer();
+    }
+    void OnDiagnosed(const std::string& address, HostDiagnosis diagnosis,
+                     const AdapterList& adapters) override {
+        state_.progress.EndAsking();
+        if (!state_.workers) return;
+        devices_.doctor.ShowDiagnosis(address, std::move(diagnosis), adapters, state_.window);
+    }
+    void OnAdapters(const AdapterList& adapters) override {
+        state_.session.SetAdapters(adapters);
+        state_.progress.SetAddresses(adapters.addresses.size());
+    }
+    void OnReport(const ComputerReport& report) override {
+        if (!state_.workers) return;
+        state_.progress.ClearNote();
+        devices_.doctor.ShowReport(report, state_.window);
+    }
+    void OnReportFailed(const std::string& problem) override {
+        if (state_.workers) state_.ReportProblem(Text(IDS_REPORT_FAILED, {ToWide(problem)}));
+    }
+    void OnCall(Call call) override { calls_.Add(std::move(call)); }
+
+  private:
+    WindowState& state_;
+    Searches& searches_;
+    DeviceCommands& devices_;
+    CallsWindow& calls_;
+};
+
+}  // namespace vndiscover::host

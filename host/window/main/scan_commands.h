@@ -1,0 +1,53 @@
+// The commands on the scan as a whole: to open, compare, save, export and clear it.
+#pragma once
+
+#include <string>
+
+#include "window/main/device_columns.h"
+#include "window/main/window_state.h"
+#include "window/resource.h"
+
+namespace vndiscover::host {
+
+class ScanCommands {
+  public:
+    // Both must outlive it.
+    ScanCommands(WindowState& state, const DeviceColumns& columns)
+        : state_(state), columns_(columns) {}
+
+    // Ask for the file.
+    void Open();
+    void Save() { WithPath(IDS_SCAN_FILES, L"json", true, &ScanCommands::SaveTo); }
+    void Compare() { WithPath(IDS_SCAN_FILES, L"json", false, &ScanCommands::CompareWith); }
+    void SaveCsv() { WithPath(IDS_CSV_FILES, L"csv", true, &ScanCommands::SaveCsvTo); }
+    void SaveJson() { WithPath(IDS_JSON_FILES, L"json", true, &ScanCommands::SaveJsonTo); }
+    void Clear();
+    // Whether there is something to save or to clear.
+    bool HasScan() const;
+
+    // The same with the file's UTF-8 path. They return false if it could not be read or saved,
+    // which was reported; the list, and an older file, are unchanged then.
+    bool OpenFrom(const std::string& path);
+    bool CompareWith(const std::string& path);
+    bool SaveTo(const std::string& path);
+    bool SaveCsvTo(const std::string& path) {  // the rows as they are shown
+        return SaveTextTo(CsvOf(state_.session.view, columns_.Headings()), path);
+    }
+    bool SaveJsonTo(const std::string& path) {  // their answers, see JsonOf
+        return SaveTextTo(JsonOf(state_.session.view, state_.session.GetScan()), path);
+    }
+
+    // Returns false if the scan must stay, because the user wants to keep it unsaved.
+    bool MayDrop();
+
+  private:
+    void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
+                  bool (ScanCommands::*method)(const std::string& path));
+    bool MayReplace();
+    bool SaveTextTo(const std::string& text, const std::string& path);
+
+    WindowState& state_;
+    const DeviceColumns& columns_;
+};
+
+}  // namespace vndiscover::host

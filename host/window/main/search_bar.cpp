@@ -1,0 +1,151 @@
+#include "window/main/search_bar.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "platform/wide_text.h"
+#include "values/object_names.h"
+#include "window/controls/dpi.h"
+#include "window/dialogs/dialogs.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr DWORD kTick = BS_AUTOCHECKBOX | WS_TABSTOP;
+
+// In tab order. A screen reader uses the label before a control as its name.
+constexpr struct BarItem {
+    int id;
+    const wchar_t* type;
+    unsigned text;
+    DWORD style;
+    bool startsGroup;  // has a wider space before it
+    // The width in pixels at 96 DPI beyond that of a text: the control's own, or the widest that it
+    // gets, so that the others never move. 0: no text counts.
+    int space;
+    unsigned widest;
+} kItems[] = {
+    {IDC_FIND, L"BUTTON", IDS_FIND, BS_PUSHBUTTON | WS_TABSTOP, false, 36, IDS_STOPPING},
+    {IDC_PRESET_LABEL, L"STATIC", IDS_PRESET_LABEL, SS_CENTERIMAGE, true, 2, IDS_PRESET_LABEL},
+    {IDC_PRESET, L"COMBOBOX", 0, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, false, 44,
+     IDS_PRESET_KNOWN},
+    {IDC_V1, L"BUTTON", IDS_V1, kTick, true, 26, IDS_V1},
+    {IDC_V3, L"BUTTON", IDS_V3, kTick, false, 26, IDS_V3},
+    {IDC_WSD, L"BUTTON", IDS_WSD, kTick, false, 26, IDS_WSD},
+    {IDC_IPV4, L"BUTTON", IDS_IPV4, kTick, true, 26, IDS_IPV4},
+    {IDC_IPV6, L"BUTTON", IDS_IPV6, kTick, false, 26, IDS_IPV6},
+    {IDC_FILTER_LABEL, L"STATIC", IDS_FILTER, SS_CENTERIMAGE, true, 2, IDS_FILTER},
+    {IDC_FILTER, L"EDIT", 0, ES_AUTOHSCROLL | WS_TABSTOP, false, 150, 0},
+};
+constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
+constexpr uint32_t kDefaultTicks = 0b01101;  // SNMPv1, WS-Discovery, IPv4
+constexpr struct PresetItem {
+    unsigned text;
+    const char* object;
+} kPresets[] = {{IDS_PRESET_KNOWN, ".1.3.6.1.4.1.5963.43.5.1.1.1.1"},
+                {IDS_PRESET_PRINTERS, "hrDeviceDescr.1"},
+                {IDS_PRESET_ALL, "sysName.0"}};
+static_assert(std::size(kPresets) == kPresetCount);
+
+}  // namespace
+
+void SearchBar::Create(HWND parent) {
+    parent_ = parent;
+    for (const BarItem& item : kItems)
+        CreateControl(parent, item.type, item.text, item.style, item.id,
+                      item.id == IDC_FILTER ? WS_EX_CLIENTEDGE : 0);
+    for (const PresetItem& preset : kPresets)
+        SendMessageW(Control(IDC_PRESET), CB_ADDSTRING, 0,
+                     reinterpret_cast<LPARAM>(Text(preset.text).c_str()));
+}
+
+void SearchBar::SetDefaults(Settings& settings) {
+    settings.ticks = kDefaultTicks;
+    settings.preset = 0;
+}
+
+void SearchBar::Restore(const Settings& settings) {
+    for (size_t index = 0; index < std::size(kTicks); ++index)
+        CheckDlgButton(parent_, kTicks[index], settings.ticks >> index & 1);
+    SendMessageW(Control(IDC_PRESET), CB_SETCURSEL, settings.preset, 0);
+}
+
+void SearchBar::Store(Settings& settings) const {
+    settings.ticks = 0;
+    for (size_t index = 0; index < std::size(kTicks); ++index)
+        settings.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
+    settings.preset = static_cast<uint32_t>(Preset());
+}
+
+void SearchBar::Measure(HFONT font, LayoutInput& input) const {
+    const WindowDc dc(parent_);
+    const Selection writing(dc.Get(), font);
+    for (const BarItem& item : kItems) {
+        RECT size = {};
+        const std::wstring text = item.widest ? Text(item.widest) : L"";
+        DrawTextW(dc.Get(), text.c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
+        input.barWidths.push_back((item.widest ? size.right : 0) + Scaled(item.space, input.dpi));
+        input.startsGroup.push_back(item.startsGroup);
+    }
+}
+
+void SearchBar::Place(const std::vector<Box>& boxes, const LayoutInput& input) const {
+    const auto moveInto = [&](int id, const Box& box, int height) {
+        MoveWindow(Control(id), box.x, box.y + std::max(0, box.height - height) / 2, box.width,
+                   height, TRUE);
+    };
+    for (size_t index = 0; index < boxes.size(); ++index) {
+        const Box& box = boxes[index];
+        const int id = kItems[index].id;
+        if (id == IDC_FILTER) {  // whose text is at the top
+            moveInto(id, box, std::min(box.height, input.textHeight + Scaled(8, input.dpi)));
+        } else if (id == IDC_PRESET) {
+            // Its height includes its open list.
+            MoveWindow(Control(id), box.x, box.y, box.width, box.height * 6, TRUE);
+            RECT closed = {};
+            GetWindowRect(Control(id), &closed);
+            const int space = box.height - (closed.bottom - closed.top);
+            SetWindowPos(Control(id), nullptr, box.x, box.y + std::max(0, space / 2), 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER);
+        } else {
+            moveInto(id, box, box.height);
+        }
+    }
+}
+
+void SearchBar::SetButton(unsigned text) { ChangeText(Control(IDC_FIND), Text(text)); }
+
+void SearchBar::UseV3(bool isUsed) {
+    CheckDlgButton(parent_, IDC_V3, isUsed ? BST_CHECKED : BST_UNCHECKED);
+}
+
+size_t SearchBar::Preset() const {
+    const LRESULT chosen = SendMessageW(Control(IDC_PRESET), CB_GETCURSEL, 0, 0);
+    return static_cast<size_t>(std::max<LRESULT>(0, chosen));
+}
+
+std::vector<SweepStep> SearchBar::Steps(const Credentials& credentials) const {
+    std::vector<SweepStep> steps;
+    SweepStep step;
+    step.credentials = credentials;
+    step.oid = *ParseOidOrName(kPresets[Preset()].object);
+    for (const auto& [kind, tick] :
+         {std::pair(SweepKind::kSnmpV1, IDC_V1), std::pair(SweepKind::kSnmpV3, IDC_V3)}) {
+        for (const bool useIPv6 : {false, true}) {
+            if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4) || !IsTicked(tick)) continue;
+            step.kind = kind;
+            step.useIPv6 = useIPv6;
+            steps.push_back(step);
+        }
+    }
+    step = {};
+    step.kind = SweepKind::kWsd;
+    if (IsTicked(IDC_WSD) && IsTicked(IDC_IPV4)) steps.push_back(step);
+    return steps;
+}
+
+std::string SearchBar::FilterText() const { return ToUtf8(WindowText(Control(IDC_FILTER))); }
+
+}  // namespace vndiscover::host

@@ -1,0 +1,46 @@
+// The bar of the main window: what to search for and how, and the filter.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "window/main/layout.h"
+#include "window/resource.h"
+#include "window/store/settings.h"
+#include "window/work/engine.h"
+
+namespace vndiscover::host {
+
+class SearchBar {
+  public:
+    // The controls are children of `parent` and are destroyed with it.
+    void Create(HWND parent);
+    static void SetDefaults(Settings& settings);
+    void Restore(const Settings& settings);
+    void Store(Settings& settings) const;
+
+    // Adds the widths of the controls in a font to the layout's input; then moves them.
+    void Measure(HFONT font, LayoutInput& input) const;
+    void Place(const std::vector<Box>& boxes, const LayoutInput& input) const;
+
+    // The text of the button that starts or stops a search, a string.
+    void SetButton(unsigned text);
+    bool UsesV3() const { return IsTicked(IDC_V3); }
+    void UseV3(bool isUsed);
+    // The calls that the user has chosen. Empty if there are none.
+    std::vector<SweepStep> Steps(const Credentials& credentials) const;
+
+    std::string FilterText() const;  // UTF-8
+    void FocusFilter() const { SetFocus(Control(IDC_FILTER)); }
+
+  private:
+    HWND Control(int id) const { return GetDlgItem(parent_, id); }
+    bool IsTicked(int id) const { return IsDlgButtonChecked(parent_, id) == BST_CHECKED; }
+    size_t Preset() const;
+
+    HWND parent_ = nullptr;
+};
+
+}  // namespace vndiscover::host

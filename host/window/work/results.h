@@ -1,0 +1,69 @@
+// What the workers report to the window, and how it gets from their threads to the window's.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "window/work/engine.h"
+
+namespace vndiscover::host {
+
+// As many as the module supports.
+enum class WorkerId { kSnmp, kWsd, kDirected };
+constexpr size_t kWorkerCount = 3;
+
+// Bounds walks, whose length the device decides.
+constexpr size_t kMaxWalkVariables = 100000;
+
+// Each method is called on the window's thread. A `problem` is why something did not run to its
+// end; empty: it did. Times are as in ScanAnswer.
+class Results {
+  public:
+    virtual ~Results() = default;
+    virtual void OnSweepBegan(WorkerId, const SweepStep&, const std::string& /*time*/) {}
+    virtual void OnAnswer(WorkerId, ScanAnswer) {}                          // its sweep is not set
+    virtual void OnSweepEnded(WorkerId, const std::string& /*problem*/) {}  // or was dropped
+
+    virtual void OnReadingBegan(const std::string& /*address*/) {}
+    struct Read {
+        std::string address;
+        SweepKind kind;
+        std::string time;
+        PrinterAnswers answers;
+    };
+    virtual void OnRead(Read) {}
+
+    virtual void OnWalkBegan(unsigned /*walk*/, const std::string& /*address*/) {}
+    virtual void OnVariable(unsigned /*walk*/, Answer) {}
+    // `hasBegun` is false if it was dropped before.
+    virtual void OnWalked(unsigned /*walk*/, bool /*hasBegun*/, const WalkEnd&,
+                          const std::string& /*problem*/) {}
+
+    virtual void OnDiagnosisBegan(const std::string& /*address*/) {}
+    virtual void OnDiagnosed(const std::string& /*address*/, HostDiagnosis, const AdapterList&) {}
+
+    virtual void OnAdapters(const AdapterList&) {}
+    virtual void OnReport(const ComputerReport&) {}
+    virtual void OnReportFailed(const std::string& /*problem*/) {}
+    virtual void OnCall(Call) {}
+};
+
+// Closures for the window's thread, in the order in which they were posted.
+class ResultQueue {
+  public:
+    using Closure = std::function<void(Results& results)>;
+    // `onFilled` is called on the posting thread when the queue was empty.
+    explicit ResultQueue(std::function<void()> onFilled) : onFilled_(std::move(onFilled)) {}
+    void Post(Closure closure);
+    // Runs and removes those that were posted until now. If one throws, those after it remain.
+    void RunAll(Results& results);
+
+  private:
+    std::function<void()> onFilled_;
+    std::mutex mutex_;
+    std::vector<Closure> closures_;
+};
+
+}  // namespace vndiscover::host

@@ -1,0 +1,81 @@
+#include "model/asking/progress.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+namespace vndiscover::host {
+namespace {
+
+using Kind = Progress::Kind;
+
+class ProgressTest : public testing::Test {
+  protected:
+    // The kind, and its numbers: seconds, count, addresses.
+    std::pair<Kind, std::vector<int64_t>> Shown(size_t waiting = 0) const {
+        const Progress::Status status = progress.Now(waiting);
+        return {status.kind,
+                {status.seconds, static_cast<int64_t>(status.count),
+                 static_cast<int64_t>(status.addresses)}};
+    }
+    using Expected = std::pair<Kind, std::vector<int64_t>>;
+    int64_t nowMs = 5000;
+    Progress progress{[this] { return nowMs; }};
+};
+
+TEST_F(ProgressTest, SearchEndsWithItsLastSweep) {
+    EXPECT_EQ(Kind::kReady, Shown().first);
+    progress.SetAddresses(3);
+    progress.BeginSearch(2);
+    progress.CountAnswer();
+    nowMs += 2500;
+    EXPECT_EQ((Expected{Kind::kSearching, {2, 1, 3}}), Shown());
+    EXPECT_FALSE(progress.EndSweep());
+    EXPECT_TRUE(progress.IsSearching());
+    EXPECT_TRUE(progress.EndSweep());
+    EXPECT_FALSE(progress.EndSweep());  // of an earlier search
+    nowMs += 60000;
+    EXPECT_EQ((Expected{Kind::kDone, {2, 1, 0}}), Shown());
+    progress.StopSearch();  // none runs
+    EXPECT_EQ(Kind::kDone, Shown().first);
+    progress.BeginSearch(1);
+    progress.StopSearch();
+    EXPECT_TRUE(progress.IsStopping());
+    progress.EndSweep();
+    progress.StopSearch();
+    EXPECT_EQ((Expected{Kind::kStopped, {0, 0, 0}}), Shown());
+    EXPECT_FALSE(progress.IsStopping());
+    progress.ForgetSearch();
+    EXPECT_EQ(Kind::kReady, Shown().first);
+}
+
+TEST_F(ProgressTest, NoteReturnsWhenNothingIsInProgress) {
+    progress.BeginWalk("10.0.0.1");
+    progress.SetNote(L"saved");
+    nowMs += Progress::kNoteMs - 1;
+    EXPECT_EQ(Kind::kNote, Shown().first);
+    ++nowMs;
+    progress.CountValue();
+    EXPECT_EQ((Expected{Kind::kWalking, {4, 1, 0}}), Shown());
+    progress.EndWalk();
+    EXPECT_EQ(Kind::kNote, Shown().first);
+    progress.ClearNote();
+    EXPECT_EQ(Kind::kReady, Shown().first);
+}
+
+// A device is asked between two requests of a walk.
+TEST_F(ProgressTest, AskingIsShownBeforeAWalk) {
+    progress.BeginWalk("10.0.0.1");
+    progress.BeginReading("10.0.0.2");
+    EXPECT_EQ((Expected{Kind::kAsking, {0, 7, 0}}), Shown(7));
+    EXPECT_EQ("10.0.0.2", progress.Now(0).address);
+    EXPECT_TRUE(progress.IsReading("10.0.0.2"));
+    progress.EndAsking();
+    EXPECT_EQ("10.0.0.1", progress.Now(0).address);
+    progress.BeginDiagnosis("10.0.0.2");
+    EXPECT_FALSE(progress.IsReading("10.0.0.2"));
+}
+
+}  // namespace
+}  // namespace vndiscover::host
