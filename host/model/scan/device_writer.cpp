@@ -43,9 +43,11 @@ std::string DeviceWriter::TableRow(std::string_view address, std::string_view va
     const JsonItem document = kind_ == ValueKind::kDocument ? ParseDocument(value) : nullptr;
     const auto answers = AnswersOf(document.get());
     if (answers.empty()) {
-        const std::string line = OneLine(value);
-        return Padded(PlainText(address), AddressWidth()) + (line.empty() ? "(no value)" : line) +
-               "\n";
+        std::string line = OneLine(value);
+        if (line.empty()) {
+            line = kind_ == ValueKind::kRaw ? "(no value, or too long for SNMPv1)" : "(no value)";
+        }
+        return Padded(PlainText(address), AddressWidth()) + line + "\n";
     }
     std::string rows;
     for (const auto& [oid, answer] : answers) {

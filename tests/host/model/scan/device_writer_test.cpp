@@ -33,7 +33,7 @@ TEST(DeviceRows, AreValidForTheirReaders) {
     EXPECT_EQ(
         "ADDRESS          VALUE\n10.77.1.22       LaserPro\n"
         "192.168.100.200  B\xC3\xBCro \"1\", 2\n"
-        "10.77.1.23       (no value)\n10.77.1.24       0x1B5B324A226122\n"
+        "10.77.1.23       (no value, or too long for SNMPv1)\n10.77.1.24       0x1B5B324A226122\n"
         "10.77.1.25       0xA0B1C2D3E4F5\n",
         Written(Format::kTable, ValueKind::kRaw, kValues));
     EXPECT_EQ(
