@@ -9,7 +9,6 @@
 #include "platform/host_address.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
-#include "values/ip_address.h"
 
 namespace vndiscover::host {
 namespace {
@@ -65,9 +64,7 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
     steps.address = address;
-    const auto known = ParseIpAddress(address);
-    steps.hasRoute =
-        known && known->IsIPv4() && !ThisComputer().RouteTo(address.c_str()).source.empty();
+    steps.hasRoute = IsOnOwnNetwork(ThisComputer().IPv4(), address) == true;
     return Diagnose(steps);
 }
 

@@ -175,8 +175,8 @@ std::string VerdictOn(const HostDiagnosis& diagnosis) {
     if (diagnosis.isStopped) return "stopped before the last step";
     if (IsUnsendable(diagnosis)) {
         return Answers(diagnosis.ping) || diagnosis.hasRoute
-                   ? "no SNMP request can be sent, although there is a route: a firewall on this "
-                     "computer blocks outgoing UDP port 161"
+                   ? "no SNMP request can be sent, although the device can be reached: a firewall "
+                     "on this computer blocks outgoing UDP port 161"
                    : "nothing could be sent: no route to the device, or no network";
     }
     std::string verdict = Evidence(diagnosis);

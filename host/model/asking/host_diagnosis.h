@@ -30,7 +30,7 @@ struct HostDiagnosis {
     StepResult user;         // SNMPv3 with this user, if one was given and the engine answered
     bool hasUser = false;    // one was given
     bool isStopped = false;  // before the last step
-    bool hasRoute = false;   // to the device, by this computer's tables
+    bool hasRoute = false;   // the device is on one of this computer's networks
     bool isUnknown = false;  // the device's name has no address, so nothing was sent
     std::string sender;      // the address of an SNMP answer, if it is not the one that was asked
     std::string problem;     // of this program, if it prevented the last step; mostly empty

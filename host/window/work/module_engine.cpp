@@ -136,7 +136,7 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
     steps.v3 = AskerFor(v3Device, v3, nullptr, 0);
     steps.hasUser = target.credentials.security != nullptr;
     steps.address = target.address;
-    steps.hasRoute = !ThisComputer().RouteTo(target.address.c_str()).source.empty();
+    steps.hasRoute = IsOnOwnNetwork(ThisComputer().IPv4(), target.address) == true;
     steps.mayGoOn = std::move(mayGoOn);
     return host::Diagnose(steps);
 }
