@@ -14,9 +14,11 @@ namespace {
 
 constexpr char kExamples[] =
     R"(Compares two files made by --save: shows devices that are new, gone, or changed
-in address, name, firmware text or page counts. A device is identified by its
-serial number, otherwise by its MAC address, WS-Discovery endpoint or address.
-What only one of the files contains does not count as a change. Nothing is sent.
+in address, name, firmware text, state, errors, alerts or supplies, from one
+percentage point. Page counts are shown, but without --page-counts do not count
+as differences. A device is identified by its serial number, otherwise by its
+MAC address, WS-Discovery endpoint or address. What only one of the files
+contains does not count as a change. Nothing is sent.
 
 Examples:
   vndiscover sweep --save monday.json
@@ -28,16 +30,19 @@ be read.)";
 
 struct CompareOptions {
     std::string before, after;
+    bool withPageCounts = false;
     TextFormat format = TextFormat::kText;
 };
 
 int RunCompare(const CompareOptions& options) {
     std::vector<FoundDevice> before = MakeDevices(LoadScan(options.before, "OLD"));
-    const Comparison comparison =
+    Comparison comparison =
         CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
+    comparison.beforeName = options.before;
+    comparison.afterName = options.after;
     Print(options.format == TextFormat::kJson ? ComparisonJson(comparison)
                                               : ReportText(ReportOf(comparison), OutputWidth()));
-    return comparison.IsEqual() ? kFound : kNone;
+    return comparison.IsEqual(options.withPageCounts) ? kFound : kNone;
 }
 
 }  // namespace
@@ -50,6 +55,8 @@ void AddCompareCommand(CLI::App& app, int& exitCode) {
     };
     add("OLD", options->before, "File of the earlier scan");
     add("NEW", options->after, "File of the later scan");
+    command->add_flag("--page-counts", options->withPageCounts,
+                      "Count other page counts as differences");
     AddFormat<TextFormat>(*command, options->format,
                           {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
     command->footer(kExamples);

@@ -144,7 +144,11 @@ std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
     AddOrNull(root.get(), "upTicks", facts.upTicks);
     AddOrNull(root.get(),
               {{"deviceStatus", facts.deviceStatus}, {"printerStatus", facts.printerStatus}});
-    AddTexts(root.get(), "errors", facts.errors);
+    if (facts.errors) {
+        AddTexts(root.get(), "errors", *facts.errors);
+    } else {
+        cJSON_AddNullToObject(root.get(), "errors");
+    }
     AddTexts(root.get(), "panel", facts.panel);
     AddTables(root.get(), facts);
     return Line(root);

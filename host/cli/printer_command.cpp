@@ -1,4 +1,7 @@
+#include <vndiscover.h>
+
 #include <algorithm>
+#include <atomic>
 #include <string>
 
 #include "cli/device_options.h"
@@ -27,7 +30,19 @@ Exit codes: 0 a printer, read completely, 1 no answer, no printer or cut short,
 
 int RunPrinter(const DeviceOptions& options) {
     const Device device = OpenDevice(options);
-    const PrinterAnswers answers = ReadPrinter(AskerOf(device));
+    PrinterAnswers answers;
+    {
+        std::atomic<size_t> requests{0};
+        const SweepWatch watch(StopDiscoverSnmp, [&] {
+            return "reading " + options.host + ": " + std::to_string(requests) + " requests";
+        });
+        Asker asker = AskerOf(device);
+        asker.mayGoOn = [&] {  // called before each request
+            ++requests;
+            return !watch.IsStopped();
+        };
+        answers = ReadPrinter(asker);
+    }
     if (answers.values.empty()) {
         Warn(options.host + ": " +
              (answers.gaps.empty() ? "no values" : answers.gaps.front().reason));

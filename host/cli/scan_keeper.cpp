@@ -130,7 +130,7 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
         if (watch.IsStopped()) break;
         ++asked;
         device.SetHost(address);
-        for (auto& [oid, answer] : ReadIdentity(asker).values)
+        for (auto& [oid, answer] : ReadPrinter(asker).values)
             Keep({0, "", address, std::move(answer)});
     }
 }

@@ -35,8 +35,8 @@ class ScanKeeper {
     void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
     void Add(const std::string& address, std::string_view bytes);
 
-    // Asks each device that the last sweep found for what identifies it. `device` has the community
-    // or the security settings. A device takes two minutes at most. Ctrl-C ends it.
+    // Asks each device that the last sweep found as for a report on a printer. `device` has the
+    // community or the security settings. A device takes two minutes at most. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
     // Throws std::runtime_error, also after a save that had to leave answers out. If the file of

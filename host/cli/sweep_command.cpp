@@ -29,10 +29,9 @@ empty strings:
   {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
    "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
 
---save asks each device found for its serial number, MAC address, name, firmware
-text and page counts, in about 25 requests, and saves all answers, and the
-devices found in them, as JSON; 'vndiscover compare' shows what changed between
-two files. An existing file is replaced once the new one is complete. --append
+--save reads each device found as 'vndiscover printer' does, and saves all
+answers, and the devices found in them, as JSON; 'vndiscover compare' shows what
+changed between two files. An existing file is replaced once the new one is complete. --append
 adds the answers to those in the file. A first Ctrl-C while devices are asked or
 answers are saved still saves the answers that have come.
 

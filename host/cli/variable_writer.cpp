@@ -40,11 +40,7 @@ std::string VariableWriter::TextLine(const Answer& answer) const {
     line += answer.bytes.empty() ? "\"\""
             : withNames_         ? FormatNamedValue(answer.oid, answer.type, answer.bytes)
                                  : FormatValue(answer.type, answer.bytes);
-    if (answer.wholeSize > answer.bytes.size()) {
-        line += " [the first " + std::to_string(answer.bytes.size()) + " of " +
-                std::to_string(answer.wholeSize) + " bytes]";
-    }
-    return line;
+    return line + CutNote(answer);
 }
 
 std::string VariableWriter::Row(const Answer& answer) {

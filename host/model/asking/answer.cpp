@@ -25,6 +25,12 @@ bool IsOnlyThisOne(const Answer& failure) {
     return failure.status == Status::kUnreadable || failure.status == Status::kSilentHere;
 }
 
+std::string CutNote(const Answer& answer) {
+    if (answer.wholeSize <= answer.bytes.size()) return "";
+    return " [the first " + std::to_string(answer.bytes.size()) + " of " +
+           std::to_string(answer.wholeSize) + " bytes]";
+}
+
 std::string Problem(const Answer& answer) {
     switch (answer.status) {
         case Status::kAnswered:

@@ -43,6 +43,9 @@ Answer Failed(Status status, const Oid& asked, std::string note = "");
 // Whether other variables of the device may still be read.
 bool IsOnlyThisOne(const Answer& failure);
 
+// " [the first 128 of 175 bytes]" if the end of the value is missing, otherwise empty.
+std::string CutNote(const Answer& answer);
+
 // Why there is no variable: "no answer", ...
 std::string Problem(const Answer& answer);
 

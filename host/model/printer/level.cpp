@@ -35,8 +35,10 @@ std::string Text(const Level& level) {
         if (*level.level <= 100) return PercentText(level);
         return "100 % (the device says " + std::to_string(*level.level) + " %)";
     }
+    const bool hasMaximum = level.maximum.value_or(kUnknownLevel) > 0;
+    if (*level.level == 0 && !hasMaximum) return level.isReceptacle ? "none" : "empty";
     std::string amount = AmountText(level);
-    if (!PercentOf(level)) return amount;
+    if (!hasMaximum) return amount;
     const bool isAbove = *level.level > *level.maximum;
     return PercentText(level) + " (" + amount + (isAbove ? ", above the maximum)" : ")");
 }
@@ -46,6 +48,7 @@ std::string Text(const Level& level) {
 std::optional<int> PercentOf(const Level& level) {
     if (!level.level || *level.level < 0) return std::nullopt;
     if (level.isPercent) return static_cast<int>(std::min<int64_t>(*level.level, 100));
+    if (*level.level == 0) return 0;  // whatever the maximum
     if (level.maximum.value_or(kUnknownLevel) <= 0) return std::nullopt;
     const int64_t capped = std::min(*level.level, *level.maximum);
     // As floating point: a device may send 64-bit numbers, and times 100 they would overflow.

@@ -11,9 +11,10 @@ namespace {
 
 constexpr int64_t kReceptacle = 4;
 constexpr int64_t kPercent = 19;
-constexpr int64_t kEthernet = 6;
-constexpr int64_t kWireless = 71;
+constexpr int64_t kLoopback = 24;
 constexpr int64_t kUp = 1;
+
+bool IsWaste(const std::string& type) { return type.rfind("waste", 0) == 0; }
 
 class Facts {
   public:
@@ -148,9 +149,8 @@ class Facts {
         std::string found;
         for (const Oid& instance : Instances("ifPhysAddress")) {
             const std::string& bytes = Find("ifPhysAddress", instance)->bytes;
-            const int64_t type = Number("ifType", instance).value_or(kEthernet);
             if (bytes.size() != 6 || bytes == std::string(6, '\0') ||
-                (type != kEthernet && type != kWireless))
+                Number("ifType", instance) == kLoopback)
                 continue;
             std::string mac = HexText(bytes, ":");
             if (Number("ifOperStatus", instance) == kUp) return mac;
@@ -181,7 +181,9 @@ class Facts {
             }
             supply.level = LevelOf("prtMarkerSuppliesLevel", "prtMarkerSuppliesMaxCapacity",
                                    "prtMarkerSuppliesSupplyUnit", row);
-            supply.level.isReceptacle = Number("prtMarkerSuppliesClass", row) == kReceptacle;
+            // Some devices give containers for waste the class of what is consumed.
+            supply.level.isReceptacle =
+                Number("prtMarkerSuppliesClass", row) == kReceptacle || IsWaste(supply.type);
             facts_.supplies.push_back(std::move(supply));
         }
     }
@@ -202,9 +204,11 @@ class Facts {
     }
 
     void TellTrays() {
-        for (const Oid& row : Rows({"prtInputCurrentLevel", "prtInputName", "prtInputMediaName"})) {
+        for (const Oid& row : Rows({"prtInputCurrentLevel", "prtInputName", "prtInputMediaName",
+                                    "prtInputDescription"})) {
             Tray tray;
             tray.name = Text("prtInputName", row);
+            if (tray.name.empty()) tray.name = Text("prtInputDescription", row);
             tray.medium = Text("prtInputMediaName", row);
             tray.level =
                 LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit", row);

@@ -39,7 +39,7 @@ struct PrinterFacts {
     std::optional<uint64_t> upTicks;
     std::string readTime;  // as in ScanAnswer; FactsOf leaves it empty
     std::string deviceStatus, printerStatus;
-    std::vector<std::string> errors;
+    std::optional<std::vector<std::string>> errors;
     std::vector<std::string> panel;  // lines
     std::vector<PageCount> pageCounts;
     std::vector<Supply> supplies;

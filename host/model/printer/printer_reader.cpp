@@ -55,25 +55,13 @@ constexpr Question kQuestions[] = {
     {"prtInputCurrentLevel", "trays"},
     {"prtInputMediaName", "trays"},
     {"prtInputName", "trays"},
+    {"prtInputDescription", "trays"},
     {"prtAlertSeverityLevel", "alerts"},
     {"prtAlertGroup", "alerts"},
     {"prtAlertCode", "alerts"},
     {"prtAlertDescription", "alerts"},
     {"prtAlertTime", "alerts"},
     {"prtConsoleDisplayBufferText", "panel"},
-    {"ifType", "MAC address"},
-    {"ifPhysAddress", "MAC address"},
-    {"ifOperStatus", "MAC address"},
-};
-// To identify a device, and to compare it between scans.
-constexpr Question kIdentityQuestions[] = {
-    {"sysDescr", "description", Way::kScalar},
-    {"sysName", "name", Way::kScalar},
-    {"hrDeviceType", "model"},
-    {"hrDeviceDescr", "model", Way::kPrinter},
-    {"prtGeneralPrinterName", "name", Way::kPrinter},
-    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
-    {"prtMarkerLifeCount", "page counts"},
     {"ifType", "MAC address"},
     {"ifPhysAddress", "MAC address"},
     {"ifOperStatus", "MAC address"},
@@ -130,15 +118,15 @@ class Reader {
           hasStopped_(answers_.lastStatus != Status::kAnswered) {}
 
     template <size_t count>
-    PrinterAnswers Read(const Question (&questions)[count]) {
+    void Put(const Question (&questions)[count]) {
         for (const Question& question : questions) Put(question);
-        return Finish();
     }
-    template <size_t count>
-    PrinterAnswers ReadWithSerial(const Question (&questions)[count]) {
-        for (const Question& question : questions) Put(question);
+    void PutEntitySerial() {
         if (!HasSerial()) Put(kEntitySerial);
-        return Finish();
+    }
+    PrinterAnswers Finish() {
+        answers_.spentMs = NowMs() - startMs_;
+        return std::move(answers_);
     }
 
     PrinterAnswers ReadState() {
@@ -167,11 +155,6 @@ class Reader {
 
   private:
     int64_t NowMs() const { return host::NowMs(caller_); }
-
-    PrinterAnswers Finish() {
-        answers_.spentMs = NowMs() - startMs_;
-        return std::move(answers_);
-    }
 
     void Put(const Question& question) {
         if (hasStopped_) {
@@ -397,10 +380,11 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
     return printers;
 }
 
-PrinterAnswers ReadPrinter(const Asker& asker) { return Reader(asker).ReadWithSerial(kQuestions); }
-
-PrinterAnswers ReadIdentity(const Asker& asker) {
-    return Reader(asker).ReadWithSerial(kIdentityQuestions);
+PrinterAnswers ReadPrinter(const Asker& asker) {
+    Reader reader(asker);
+    reader.Put(kQuestions);
+    reader.PutEntitySerial();
+    return reader.Finish();
 }
 
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
@@ -412,7 +396,9 @@ PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
 }
 
 PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {
-    return Reader(asker, std::move(printer)).Read(kInterfaceQuestions);
+    Reader reader(asker, std::move(printer));
+    reader.Put(kInterfaceQuestions);
+    return reader.Finish();
 }
 
 }  // namespace vndiscover::host

@@ -32,13 +32,10 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 // Far more than a device needs; one that answers each request just in time would take hours.
 constexpr int64_t kMaxReadMs = 120000;
 
-// About 35 objects, with one request for each variable and one for the end of each column of a
+// About 40 objects, with one request for each variable and one for the end of each column of a
 // table. Ends early if the device falls silent or refuses; an unreadable answer loses its row only.
 // No request is sent after kMaxReadMs.
 PrinterAnswers ReadPrinter(const Asker& asker);
-
-// The same for the objects that identify a device or are compared between scans, about 10.
-PrinterAnswers ReadIdentity(const Asker& asker);
 
 // Whether the device is a printer, and its state: four requests at most. Does not ask again for
 // what is known.

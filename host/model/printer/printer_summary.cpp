@@ -1,31 +1,25 @@
 #include "model/printer/printer_summary.h"
 
 #include <algorithm>
-#include <vector>
-
-#include "values/plain_text.h"
-#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
 
 Severity StateSeverity(const PrinterFacts& facts) {
-    if (facts.deviceStatus == "down" ||
-        std::any_of(facts.errors.begin(), facts.errors.end(), StopsPrinting))
-        return Severity::kCritical;
-    if (facts.deviceStatus == "warning" || !facts.errors.empty()) return Severity::kAttention;
-    return facts.deviceStatus.empty() && facts.printerStatus.empty() ? Severity::kUnknown
-                                                                     : Severity::kFine;
+    const Severity errors = ErrorSeverity(facts);
+    if (facts.deviceStatus == "down" || errors == Severity::kCritical) return Severity::kCritical;
+    if (facts.deviceStatus == "warning") return Severity::kAttention;
+    return facts.deviceStatus.empty() && facts.printerStatus.empty() && !facts.errors
+               ? Severity::kUnknown
+               : errors;
 }
 
 // Errors come before the state: a printer with an open door may still be "idle".
 std::string StateText(const PrinterFacts& facts) {
-    std::vector<std::string> words;
-    for (const std::string& error : facts.errors) words.push_back(SpacedWords(error));
-    if (!words.empty()) return Joined(words);
+    if (facts.errors && !facts.errors->empty()) return ErrorText(facts);
     const std::string& status = facts.printerStatus;
     const bool isTold = !status.empty() && status != "other" && status != "unknown";
-    return SpacedWords(isTold && facts.deviceStatus != "down" ? status : facts.deviceStatus);
+    return PlainWords(isTold && facts.deviceStatus != "down" ? status : facts.deviceStatus);
 }
 
 }  // namespace
@@ -45,12 +39,10 @@ PrinterSummary SummaryOf(const PrinterFacts& facts) {
     summary.severity = StateSeverity(facts);
     summary.state = StateText(facts);
     for (const Supply& supply : facts.supplies) {
-        const auto percent = supply.level.level == 0 ? 0 : PercentOf(supply.level);
+        const auto percent = PercentOf(supply.level);
         if (!percent || (summary.lowestSupply && *percent >= *summary.lowestSupply)) continue;
         summary.lowestSupply = percent;
-        summary.supply =
-            std::to_string(*percent) + " % " +
-            (supply.description.empty() ? SpacedWords(supply.type) : supply.description);
+        summary.supply = std::to_string(*percent) + " % " + SupplyName(supply);
     }
     // It still prints, as far as its state tells.
     const bool isLow = std::any_of(facts.supplies.begin(), facts.supplies.end(), [](auto& supply) {

@@ -25,26 +25,21 @@ void AddLevel(ReportSection& section, std::string name, const Level& level,
     section.rows.back().percent = PercentOf(level);
 }
 
-std::string AlertText(const Alert& alert, const std::optional<uint64_t>& upTicks) {
-    const std::string what = Joined({SpacedWords(alert.group), SpacedWords(alert.code)});
-    std::string text = Joined(
-        {SpacedWords(alert.severity), alert.description.empty() ? what : alert.description}, ": ");
-    if (!alert.description.empty() && !what.empty()) text += " (" + what + ")";
-    // The time of an alert from before the device's restart would be in the future.
-    if (alert.upTicks && upTicks && *alert.upTicks <= *upTicks)
-        text += ", for " + Duration(*upTicks - *alert.upTicks);
-    return text;
+// "" for words that say nothing of a part or a kind.
+std::string KindText(const std::string& word) {
+    return word == "other" || word == "unknown" ? "" : PlainWords(word);
 }
 
 void AddState(ReportSection& section, const PrinterFacts& facts) {
-    section.Add("Device", SpacedWords(facts.deviceStatus));
-    section.Add("Printer", SpacedWords(facts.printerStatus));
-    std::string errors;
-    for (const std::string& word : facts.errors) errors = Joined({errors, SpacedWords(word)});
-    const bool isStopped = std::any_of(facts.errors.begin(), facts.errors.end(), StopsPrinting);
-    section.Add("Errors", errors, isStopped ? Severity::kCritical : Severity::kAttention);
+    section.Add("Device", PlainWords(facts.deviceStatus));
+    section.Add("Printer", PlainWords(facts.printerStatus));
+    section.Add("Errors", ErrorText(facts), ErrorSeverity(facts));
     for (const Alert& alert : facts.alerts) {
-        section.Add("Alerts", AlertText(alert, facts.upTicks),
+        std::string text = AlertText(alert);
+        // The time of an alert from before the device's restart would be in the future.
+        if (alert.upTicks && facts.upTicks && *alert.upTicks <= *facts.upTicks)
+            text += ", for " + Duration(*facts.upTicks - *alert.upTicks);
+        section.Add("Alerts", text,
                     alert.severity == "critical" ? Severity::kCritical : Severity::kAttention);
     }
     for (const std::string& line : facts.panel) section.Add("Panel", line);
@@ -54,15 +49,18 @@ void AddState(ReportSection& section, const PrinterFacts& facts) {
 
 ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
     ReportSection section;
-    const auto add = [&](const char* label, const std::string& text) {
-        section.Add(label, text.empty() && context.isRead ? "(not given)" : text);
+    const auto add = [&](const char* label, const std::string& text, const char* subject) {
+        const bool isMissing = std::any_of(facts.gaps.begin(), facts.gaps.end(),
+                                           [&](const Gap& gap) { return gap.subject == subject; });
+        const char* const reason = isMissing ? "(not read)" : "(not given)";
+        section.Add(label, text.empty() && context.isRead ? reason : text);
     };
-    add("Model", facts.model);
-    add("Serial number", facts.serialNumber);
-    add("Name", facts.name);
-    add("Location", facts.location);
+    add("Model", facts.model, "model and state");
+    add("Serial number", facts.serialNumber, "serial number");
+    add("Name", facts.name, "name");
+    add("Location", facts.location, "location");
     section.Add("Address", context.addresses);
-    add("MAC address", facts.macAddress);
+    add("MAC address", facts.macAddress, "MAC address");
     section.Add("Protocols", context.protocols);
     if (facts.model.find(facts.description) == std::string::npos)
         section.Add("Description", facts.description);
@@ -77,9 +75,8 @@ ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
 ReportSection Supplies(const PrinterFacts& facts) {
     ReportSection section = {"Supplies", {}};
     for (const Supply& supply : facts.supplies) {
-        const std::string type = SpacedWords(supply.type);
-        AddLevel(section, supply.description.empty() ? type : supply.description, supply.level,
-                 Joined({supply.colour, type}, " "));
+        AddLevel(section, SupplyName(supply), supply.level,
+                 Joined({supply.colour, KindText(supply.type)}, " "));
         section.rows.back().colour = supply.colour;
     }
     return section;
@@ -88,7 +85,8 @@ ReportSection Supplies(const PrinterFacts& facts) {
 ReportSection Trays(const PrinterFacts& facts) {
     ReportSection section = {"Trays", {}};
     for (const Tray& tray : facts.trays) {
-        AddLevel(section, tray.name.empty() ? "(no name)" : tray.name, tray.level, tray.medium);
+        const std::string number = "Tray " + std::to_string(section.rows.size() + 1);
+        AddLevel(section, tray.name.empty() ? number : tray.name, tray.level, tray.medium);
         // An empty one keeps only some jobs from being printed.
         Severity& severity = section.rows.back().severity;
         if (severity == Severity::kCritical) severity = Severity::kAttention;
@@ -119,8 +117,7 @@ void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
     }
 }
 
-}  // namespace
-
+// The others are warnings: it still prints.
 bool StopsPrinting(std::string_view error) {
     constexpr std::string_view kStops[] = {"noPaper",
                                            "noToner",
@@ -134,12 +131,54 @@ bool StopsPrinting(std::string_view error) {
     return std::find(std::begin(kStops), std::end(kStops), error) != std::end(kStops);
 }
 
+}  // namespace
+
+Severity ErrorSeverity(const PrinterFacts& facts) {
+    if (!facts.errors || facts.errors->empty()) return Severity::kFine;
+    return std::any_of(facts.errors->begin(), facts.errors->end(), StopsPrinting)
+               ? Severity::kCritical
+               : Severity::kAttention;
+}
+
 Severity SeverityOf(const Level& level) {
     const auto percent = PercentOf(level);
     if (level.level == 0) return Severity::kCritical;
     if (percent) return *percent < kLowPercent ? Severity::kAttention : Severity::kFine;
     return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
                                                                 : Severity::kFine;
+}
+
+std::string PlainWords(const std::string& word) {
+    constexpr std::pair<std::string_view, const char*> kPlain[] = {
+        {"opc", "photoconductor"},
+        {"other", "another state"},
+        {"warmup", "warming up"},
+        {"overduePreventMaint", "maintenance overdue"}};
+    for (const auto& [known, plain] : kPlain) {
+        if (word == known) return plain;
+    }
+    return SpacedWords(word);
+}
+
+std::string SupplyName(const Supply& supply) {
+    if (!supply.description.empty()) return supply.description;
+    const std::string kind = KindText(supply.type);
+    return kind.empty() ? "supply" : kind;
+}
+
+std::string ErrorText(const PrinterFacts& facts) {
+    std::string text;
+    for (const std::string& word : facts.errors.value_or(std::vector<std::string>()))
+        text = Joined({text, PlainWords(word)});
+    return facts.errors && text.empty() ? "none" : text;
+}
+
+std::string AlertText(const Alert& alert) {
+    const std::string what = Joined({KindText(alert.group), KindText(alert.code)});
+    const std::string text = Joined(
+        {KindText(alert.severity), alert.description.empty() ? what : alert.description}, ": ");
+    if (text.empty()) return "alert";
+    return alert.description.empty() || what.empty() ? text : text + " (" + what + ")";
 }
 
 bool ReportRow::operator==(const ReportRow& other) const {

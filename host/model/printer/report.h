@@ -13,8 +13,8 @@ namespace vndiscover::host {
 
 enum class Severity { kFine, kAttention, kCritical, kUnknown };
 
-// The others are warnings: the printer still prints.
-bool StopsPrinting(std::string_view error);
+// Critical if one keeps it from printing; fine if there are none, or the device has not said.
+Severity ErrorSeverity(const PrinterFacts& facts);
 Severity SeverityOf(const Level& level);
 
 // What a comparison says of a device.
@@ -44,6 +44,14 @@ struct ReportSection {
 };
 
 using Report = std::vector<ReportSection>;
+
+// For a person, the words of states and kinds: "maintenance overdue" for "overduePreventMaint".
+std::string PlainWords(const std::string& word);
+std::string SupplyName(const Supply& supply);
+// "none" if the device has said that there are none; empty if it has not said.
+std::string ErrorText(const PrinterFacts& facts);
+// Without its age.
+std::string AlertText(const Alert& alert);
 
 // The text of a row with its detail.
 std::string WholeText(const ReportRow& row);

@@ -8,22 +8,17 @@ namespace vndiscover::host {
 namespace {
 
 AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
+    AnswerLine line = {"", "", sweep.kind, PlainText(one.address), one.time};
     const Answer& answer = one.answer;
-    AnswerLine line;
-    line.time = one.time;
-    line.kind = sweep.kind;
-    line.form = sweep.form;
-    line.address = PlainText(one.address);
     if (sweep.form == AnswerForm::kVariable) {
         line.object = NameText(answer.oid);
-        line.value = FormatNamedValue(answer.oid, answer.type, answer.bytes);
-        if (answer.wholeSize > answer.bytes.size()) line.wholeSize = answer.wholeSize;
+        line.value = FormatNamedValue(answer.oid, answer.type, answer.bytes) + CutNote(answer);
     } else if (sweep.form == AnswerForm::kValue) {
-        const Content content = ContentOf(kOctetString, answer.bytes);
+        const Answer text = AnsweredWith(sweep.oid, kOctetString, answer.bytes);
         line.object = NameText(sweep.oid);
-        line.value = ShownValue(content.bytes);
-        if (content.wholeSize > content.bytes.size()) line.wholeSize = content.wholeSize;
+        line.value = ShownValue(text.bytes) + CutNote(text);
     } else {
+        line.object = sweep.form == AnswerForm::kReply ? "reply" : "JSON document";
         line.value = PlainText(answer.bytes);
     }
     return line;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,13 +11,10 @@ namespace vndiscover::host {
 
 // All text is plain.
 struct AnswerLine {
-    std::string time;  // as in ScanAnswer
+    std::string object;  // its name or OID; otherwise "JSON document" or "reply"
+    std::string value;   // one line
     SweepKind kind = SweepKind::kSnmpV1;
-    AnswerForm form = AnswerForm::kValue;
-    std::string address;
-    std::string object;               // its name or OID, for kValue and kVariable
-    std::string value;                // one line
-    std::optional<size_t> wholeSize;  // in bytes, if the end of the value is missing
+    std::string address, time;  // as in ScanAnswer
 };
 
 // `answers` are indexes in Scan::answers.

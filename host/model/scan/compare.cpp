@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "model/printer/report.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -19,23 +20,58 @@ std::string Addresses(const FoundDevice& device, bool isIPv6) {
     return Joined(addresses);
 }
 
+// "none" if there are none; empty if the printer's state was not read.
+std::string AlertsText(const PrinterFacts& facts) {
+    if (facts.deviceStatus.empty() && facts.printerStatus.empty() && !facts.errors) return "";
+    std::vector<std::string> texts;
+    for (const Alert& alert : facts.alerts) texts.push_back(AlertText(alert));
+    return texts.empty() ? "none" : Joined(texts, "; ");
+}
+
+// By the supply's name and how often it came before.
+std::map<std::pair<std::string, int>, Level> LevelsOf(const PrinterFacts& facts) {
+    std::map<std::pair<std::string, int>, Level> levels;
+    std::map<std::string, int> counts;
+    for (const Supply& supply : facts.supplies) {
+        const std::string name = SupplyName(supply);
+        if (supply.level.level) levels[{name, counts[name]++}] = supply.level;
+    }
+    return levels;
+}
+
 std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDevice& after) {
     std::vector<FieldChange> changes;
-    const auto compare = [&](const char* field, const std::string& old, const std::string& now) {
-        if (!old.empty() && !now.empty() && old != now) changes.push_back({field, old, now});
+    const auto compare = [&](const std::string& field, const std::string& old,
+                             const std::string& now, bool isPageCount = false) {
+        if (!old.empty() && !now.empty() && old != now)
+            changes.push_back({field, old, now, isPageCount});
     };
     // Each family separately, since a sweep uses only one of them.
     for (const bool isIPv6 : {false, true})
         compare("address", Addresses(before, isIPv6), Addresses(after, isIPv6));
     compare("name", before.facts->name, after.facts->name);
     compare("firmware", before.facts->description, after.facts->description);
+    compare("device", PlainWords(before.facts->deviceStatus),
+            PlainWords(after.facts->deviceStatus));
+    compare("printer", PlainWords(before.facts->printerStatus),
+            PlainWords(after.facts->printerStatus));
+    compare("errors", ErrorText(*before.facts), ErrorText(*after.facts));
+    compare("alerts", AlertsText(*before.facts), AlertsText(*after.facts));
+    const auto levels = LevelsOf(*after.facts);
+    for (const auto& [name, old] : LevelsOf(*before.facts)) {
+        const auto now = levels.find(name);
+        if (now == levels.end()) continue;
+        const auto percent = PercentOf(old);
+        if (!percent || percent != PercentOf(now->second))
+            compare(name.first, LevelText(old), LevelText(now->second));
+    }
     const auto& oldCounts = before.facts->pageCounts;
     const auto& newCounts = after.facts->pageCounts;
     const size_t counts = std::min(oldCounts.size(), newCounts.size());
     for (size_t i = 0; i < counts; ++i) {
         const std::string field = i == 0 ? "page count" : "page count " + std::to_string(i + 1);
-        compare(field.c_str(), std::to_string(oldCounts[i].count),
-                std::to_string(newCounts[i].count));
+        compare(field, std::to_string(oldCounts[i].count), std::to_string(newCounts[i].count),
+                true);
     }
     return changes;
 }
@@ -113,6 +149,18 @@ class Matcher {
 };
 
 }  // namespace
+
+bool DeviceChange::HasOnlyPageCounts() const {
+    return std::all_of(fields.begin(), fields.end(),
+                       [](const FieldChange& field) { return field.isPageCount; });
+}
+
+bool Comparison::IsEqual(bool withPageCounts) const {
+    return added.empty() && gone.empty() &&
+           std::all_of(changed.begin(), changed.end(), [&](const DeviceChange& change) {
+               return !withPageCounts && change.HasOnlyPageCounts();
+           });
+}
 
 Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after) {
     Comparison comparison = Matcher(before, after).Result();

@@ -1,5 +1,6 @@
 #include "model/scan/scan_report.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "values/plain_text.h"
@@ -13,10 +14,20 @@ void AddDevice(ReportSection& section, const char* label, const FoundDevice& dev
 }
 
 std::string Counts(const Comparison& comparison) {
-    return std::to_string(comparison.added.size()) + " new, " +
+    const auto named = [](const std::string& name, size_t devices) {
+        return PlainText(name) + " (" + std::to_string(devices) +
+               (devices == 1 ? " device)" : " devices)");
+    };
+    const auto printed = static_cast<size_t>(
+        std::count_if(comparison.changed.begin(), comparison.changed.end(),
+                      [](const DeviceChange& change) { return change.HasOnlyPageCounts(); }));
+    return named(comparison.beforeName, comparison.before.size()) + ", " +
+           named(comparison.afterName, comparison.after.size()) + ": " +
+           std::to_string(comparison.added.size()) + " new, " +
            std::to_string(comparison.gone.size()) + " gone, " +
-           std::to_string(comparison.changed.size()) + " changed, " +
-           std::to_string(comparison.same) + " unchanged";
+           std::to_string(comparison.changed.size() - printed) + " changed, " +
+           std::to_string(comparison.same + printed) + " equal" +
+           (printed == 0 ? "" : ", of which " + std::to_string(printed) + " have printed");
 }
 
 }  // namespace
@@ -51,7 +62,9 @@ Report ReportOf(const Comparison& comparison) {
     for (const size_t index : comparison.gone)
         AddDevice(section, "gone", comparison.before[index], Mark::kGone);
     for (const DeviceChange& change : comparison.changed) {
-        AddDevice(section, "changed", comparison.after[change.after], Mark::kChanged);
+        const bool hasPrinted = change.HasOnlyPageCounts();
+        AddDevice(section, hasPrinted ? "printed" : "changed", comparison.after[change.after],
+                  hasPrinted ? Mark::kNone : Mark::kChanged);
         for (const FieldChange& field : change.fields) {
             section.Add(
                 "", field.field + ": " + PlainText(field.before) + " -> " + PlainText(field.after));

@@ -17,17 +17,6 @@ const wchar_t* ProtocolName(SweepKind kind) {
     return kNames[static_cast<size_t>(kind)];
 }
 
-std::wstring ObjectText(const AnswerLine& line) {
-    if (line.form == AnswerForm::kDocument) return Text(IDS_ANSWER_DOCUMENT);
-    if (line.form == AnswerForm::kReply) return Text(IDS_ANSWER_REPLY);
-    return ToWide(line.object);
-}
-
-std::wstring ValueText(const AnswerLine& line) {
-    const std::wstring value = ToWide(line.value);
-    return line.wholeSize ? Text(IDS_ANSWER_CUT, {value, std::to_wstring(*line.wholeSize)}) : value;
-}
-
 std::wstring StateText(const ProtocolLine& line) {
     const auto state = static_cast<unsigned>(line.state);
     std::wstring text = Text(IDS_PROTOCOL_ANSWERED + state);
@@ -75,7 +64,7 @@ TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
 TableRows AnswerRows(const Session& session, const DeviceRow& row) {
     TableRows rows;
     for (const AnswerLine& line : AnswerLines(session.GetScan(), row.answers)) {
-        rows.push_back({ObjectText(line), ValueText(line), ProtocolName(line.kind),
+        rows.push_back({ToWide(line.object), ToWide(line.value), ProtocolName(line.kind),
                         ToWide(line.address), LocalTime(line.time)});
     }
     return rows;

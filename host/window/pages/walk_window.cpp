@@ -126,9 +126,7 @@ std::wstring WalkWindow::CellText(size_t row, size_t column) const {
         const std::string name = NameText(answer.oid);
         return name == oid ? L"" : ToWide(name);
     }
-    const std::wstring value = ToWide(FormatNamedValue(answer.oid, answer.type, answer.bytes));
-    const bool isCut = answer.wholeSize > answer.bytes.size();
-    return isCut ? Text(IDS_ANSWER_CUT, {value, std::to_wstring(answer.wholeSize)}) : value;
+    return ToWide(FormatNamedValue(answer.oid, answer.type, answer.bytes) + CutNote(answer));
 }
 
 }  // namespace vndiscover::host

@@ -22,7 +22,7 @@ Report OfPrinter() {
     facts.description = "Laser printer, firmware 2.14.1";
     facts.upTicks = 9000;
     facts.deviceStatus = "warning";
-    facts.errors = {"lowPaper", "doorOpen"};
+    facts.errors = std::vector<std::string>{"lowPaper", "doorOpen"};
     facts.panel = {"Door open"};
     facts.pageCounts = {{184305, "impressions"}};
     facts.supplies = {{"Toner", "black", "tonerCartridge", {3, 10, "", false, false}}};

@@ -30,6 +30,8 @@ TEST(Levels, AreSignedAndNeverMoreThanFull) {
         {{1200, -2, pages}, {}, "1200 impressions, maximum unknown"},
         {{1200, 0, ""}, {}, "1200, maximum unknown"},
         {{1200, {}, pages}, {}, "1200 impressions, maximum unknown"},
+        {{0, -2, pages}, 0, "empty"},
+        {{0, {}, "", false, true}, 0, "room left: none"},
         {{1200, -1, pages}, {}, "1200 impressions, no maximum"},
         {{{}, 1000, pages}, {}, "not read"},
         // The level is the percentage, whatever the maximum.

@@ -21,7 +21,8 @@ TEST(PrinterFacts, AreThoseOfThePrinterAmongTheDevices) {
          {std::pair(2, "hrDeviceStatus.1"), {5, "hrDeviceStatus.4"}, {4, "hrPrinterStatus.4"}})
         device.Integer(name, status);
     device.Text("prtInputName.1.1", "of another");
-    device.Text("prtInputName.4.1", "Tray 1");
+    device.Text("prtInputName.4.1", "");
+    device.Text("prtInputDescription.4.1", "Tray 1");
     const PrinterFacts facts = Facts(device);
     EXPECT_EQ(4u, facts.deviceIndex);
     EXPECT_EQ(std::vector<uint32_t>{9}, facts.otherPrinters);
@@ -81,7 +82,7 @@ TEST(PrinterFacts, SuppliesHaveColoursAndKinds) {
     device.Integer("prtMarkerSuppliesColorantIndex.1.1", 2);
     device.Text("prtMarkerColorantValue.1.1", "black");
     device.Text("prtMarkerColorantValue.1.2", "cyan");
-    device.Integer("prtMarkerSuppliesClass.1.1", 4);
+    device.Integer("prtMarkerSuppliesClass.1.1", 3);  // consumed, although it is a container
     device.Integer("prtMarkerSuppliesType.1.1", 4);
     device.Integer("prtMarkerSuppliesSupplyUnit.1.1", 13);
     device.Integer("prtMarkerSuppliesLevel.1.1", 30);
@@ -104,7 +105,7 @@ TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {
     ScriptedDevice device;
     const std::string mac[] = {
         {"\0\0\0\0\0\0", 6}, "AAAAAA", "BBBBBB", {"\x3C\x2A\xF4\0\xF5\x1B", 6}};
-    const int types[] = {6, 24, 6, 71};
+    const int types[] = {6, 24, 6, 62};
     for (int i = 0; i < 4; ++i) {
         const std::string row = "." + std::to_string(i + 1);
         device.Text(("ifPhysAddress" + row).c_str(), mac[i]);

@@ -15,35 +15,37 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     facts.upTicks = 500;
     facts.supplies = {{"Black", "", "", {400, 1000, ""}},
                       {"", "cyan", "inkCartridge", {-3, -2, ""}},
-                      {"A waste toner container with a long name", "", "wasteToner", {0, -2, ""}}};
+                      {"A waste toner container with a long name", "", "opc", {0, -2, ""}}};
     facts.trays = {{"", "A4", {120, 500, ""}}};
+    facts.errors = std::vector<std::string>{"overduePreventMaint"};
     facts.alerts = {{"critical", "cover", "jam", "Door A", 9000},  // from before the restart
-                    {"warning", "", "jam", "", 100}};
+                    {"warning", "other", "jam", "", 100}};
     facts.gaps = {{"trays", "prtInputName", "no answer"},
                   {"trays", "prtInputMediaName", "no answer"},
                   {"alerts", "", "not asked for"},
-                  {"panel", "", "not asked for"}};
+                  {"panel", "", "not asked for"},
+                  {"location", "", "not asked for"}};
     const Report report = ReportOf(facts, {"10.77.1.20", "SNMPv1"});
     EXPECT_EQ(
         "Model          VN LaserPro 410\n"
         "Serial number  (not given)\n"
         "Name           (not given)\n"
-        "Location       (not given)\n"
+        "Location       (not read)\n"
         "Address        10.77.1.20\n"
         "MAC address    (not given)\n"
         "Protocols      SNMPv1\n"
         "Up since       (0:00:05)\n"
+        "Errors         maintenance overdue\n"
         "Alerts         critical: Door A (cover, jam)\n"
         "               warning: jam, for 0:00:04\n"
         "Supplies       Black                     [####......]  40 % (400 of 1000)\n"
         "               ink cartridge                           some left,\n"
         "                 cyan ink cartridge\n"
         "               A waste toner container with a long name\n"
-        "                                                       0, maximum unknown,\n"
-        "                 waste toner\n"
-        "Trays          (no name)  [##........]  24 % (120 of 500), A4\n"
+        "                                         [..........]  empty, photoconductor\n"
+        "Trays          Tray 1  [##........]  24 % (120 of 500), A4\n"
         "Not read       trays: no answer (prtInputName, prtInputMediaName)\n"
-        "               alerts, panel: not asked for\n",
+        "               alerts, panel, location: not asked for\n",
         ReportText(report));
     std::string severities;
     for (const ReportSection& section : report) {
@@ -52,7 +54,7 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     }
     EXPECT_EQ(
         "00000000"
-        "21"
+        "121"
         "002"
         "0"
         "33",

@@ -7,6 +7,7 @@
 
 #include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/scan_report.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "values/value_text.h"
@@ -330,7 +331,52 @@ TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {
         "address: 10.0.0.1 -> 10.0.0.9; name: hall -> lobby; firmware: VN 410, firmware 1.2 -> "
         "VN 410, firmware 1.3; page count: 5 -> 9; ",
         fields);
-    EXPECT_TRUE(CompareDevices(MakeDevices(after.scan), MakeDevices(after.scan)).IsEqual());
+    EXPECT_TRUE(CompareDevices(MakeDevices(after.scan), MakeDevices(after.scan)).IsEqual(true));
+}
+
+// What a printer says of itself, before and after.
+Comparison OfPrinter(const char* errors, const char* black, const char* second, const char* count,
+                     const char* alert) {
+    const auto scan = [](const std::string& bits, const char* first, const char* other,
+                         const char* pages, const char* text) {
+        ScanOf scan = Variables();
+        scan.Add("10.0.0.8", bits, "hrPrinterDetectedErrorState.5");
+        scan.Add("10.0.0.8", pages, "prtMarkerLifeCount.5.1", kCounter32);
+        if (*text) scan.Add("10.0.0.8", text, "prtAlertDescription.5.1");
+        scan.Add("10.0.0.8", "Black", "prtMarkerSuppliesDescription.5.1");
+        scan.Add("10.0.0.8", first, "prtMarkerSuppliesLevel.5.1", kInteger);
+        scan.Add("10.0.0.8", "\x64", "prtMarkerSuppliesMaxCapacity.5.1", kInteger);
+        scan.Add("10.0.0.8", "Black", "prtMarkerSuppliesDescription.5.2");
+        scan.Add("10.0.0.8", other, "prtMarkerSuppliesLevel.5.2", kInteger);
+        return MakeDevices(scan.scan);
+    };
+    return CompareDevices(scan({"\0", 1}, "\x1E", "\x1E", "\x05", ""),
+                          scan(errors, black, second, count, alert));
+}
+
+TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
+    const Comparison found = OfPrinter("\x04", "\x1D", "\x1E", "\x09", "jam");
+    std::string fields;
+    for (const FieldChange& field : found.changed.at(0).fields)
+        fields += field.field + ": " + field.before + " -> " + field.after + "; ";
+    EXPECT_EQ(
+        "errors: none -> jammed; alerts: none -> jam; Black: 30 % (30 of 100) -> 29 % (29 of 100); "
+        "page count: 5 -> 9; ",
+        fields);
+    EXPECT_FALSE(found.IsEqual(false));
+}
+
+TEST(ScanComparison, CountsPagesOnlyIfAsked) {
+    const Comparison found = OfPrinter(" ", "\x1E", "\x1E", "\x09", "");
+    EXPECT_FALSE(found.IsEqual(false)) << "another error";
+    const Comparison printed = OfPrinter("", "\x1E", "\x1E", "\x09", "");
+    EXPECT_TRUE(printed.IsEqual(false));
+    EXPECT_FALSE(printed.IsEqual(true));
+    EXPECT_EQ(
+        "the earlier scan (1 device), the later scan (1 device): 0 new, 0 gone, 0 changed, 1 "
+        "equal, "
+        "of which 1 have printed",
+        ReportOf(printed).at(0).rows.at(0).text);
 }
 
 }  // namespace
