@@ -31,9 +31,9 @@ empty strings:
 
 --save reads each device found as 'vndiscover printer' does, and saves all
 answers, and the devices found in them, as JSON; 'vndiscover compare' shows what
-changed between two files. An existing file is replaced once the new one is complete. --append
-adds the answers to those in the file. A first Ctrl-C while devices are asked or
-answers are saved still saves the answers that have come.
+changed between two files. An existing file is replaced once the new one is
+complete. --append adds the answers to those in the file. A first Ctrl-C while
+devices are asked or answers are saved still saves the answers that have come.
 
 Examples:
   vndiscover sweep
