@@ -73,6 +73,14 @@ void AddPageCounts(cJSON* root, const PrinterFacts& facts) {
     });
 }
 
+void AddErrors(cJSON* object, const PrinterFacts& facts) {
+    if (facts.errors) {
+        AddTexts(object, "errors", *facts.errors);
+    } else {
+        cJSON_AddNullToObject(object, "errors");
+    }
+}
+
 void AddTables(cJSON* root, const PrinterFacts& facts) {
     AddPageCounts(root, facts);
     AddSupplies(root, facts);
@@ -144,11 +152,7 @@ std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
     AddOrNull(root.get(), "upTicks", facts.upTicks);
     AddOrNull(root.get(),
               {{"deviceStatus", facts.deviceStatus}, {"printerStatus", facts.printerStatus}});
-    if (facts.errors) {
-        AddTexts(root.get(), "errors", *facts.errors);
-    } else {
-        cJSON_AddNullToObject(root.get(), "errors");
-    }
+    AddErrors(root.get(), facts);
     AddTexts(root.get(), "panel", facts.panel);
     AddTables(root.get(), facts);
     return Line(root);
@@ -228,7 +232,7 @@ std::string PrintersJson(const std::vector<PrinterLine>& printers) {
                            {"firmware", facts.description},
                            {"deviceStatus", facts.deviceStatus},
                            {"printerStatus", facts.printerStatus}});
-        AddTexts(object, "errors", facts.errors);
+        AddErrors(object, facts);
         AddPageCounts(object, facts);
         AddSupplies(object, facts);
         AddOrNull(object, {{"notRead", printer.problem}});

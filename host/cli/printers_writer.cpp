@@ -58,9 +58,7 @@ void Shrink(std::array<size_t, kColumns>& widths, size_t width) {
 std::string SuppliesText(const PrinterFacts& facts) {
     std::vector<std::string> texts;
     for (const Supply& supply : facts.supplies)
-        texts.push_back(
-            (supply.description.empty() ? SpacedWords(supply.type) : supply.description) + ": " +
-            LevelText(supply.level));
+        texts.push_back(SupplyName(supply) + ": " + LevelText(supply.level));
     return Joined(texts, "; ");
 }
 
