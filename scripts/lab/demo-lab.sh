@@ -42,6 +42,9 @@ cd "$VNDISCOVER_LAB" || exit 1
 Title "The lab: real agents (net-snmp's snmpd) behind two switches; vndiscover.exe runs under Wine on 'host'"
 sed -n 's/^#   /    /p' "$here/demo-net.sh"
 
+Title "The printers on both networks, the worst first"
+Vn printers
+
 Title "A sweep asks every device on both networks"
 Vn sweep
 Vn sweep --format json

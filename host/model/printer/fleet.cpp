@@ -12,8 +12,6 @@ FleetResult ReadJob(const FleetJob& job, const Asker& asker) {
         return (job.isLate || !result.isSlow) && (!asker.mayGoOn || asker.mayGoOn());
     };
     timed.getNext = [&](const Oid& oid) {
-        // A silent device is not asked again yet, whatever the reader does about silence.
-        if (!timed.mayGoOn()) return Failed(Status::kNoAnswer, oid);
         const int64_t start = NowMs(asker);
         Answer answer = asker.getNext(oid);
         if (NowMs(asker) - start > kSlowRequestMs) result.isSlow = true;
