@@ -81,8 +81,8 @@ Answer Device::Get(const Oid& oid) const {
 Answer Device::GetV3(const Oid& oid) const {
     char text[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
-    const int32_t reportLength =
-        AskV3(*security_, GetSnmpRequestV3, Host(), oid, text, sizeof text, &type);
+    const int32_t reportLength = AskV3(*security_, GetSnmpRequestV3, Host(), oid, text,
+                                       static_cast<int32_t>(sizeof text), &type);
     if (type == kNull) return Failed(Status::kRefused, oid, kLowLevel);
     if (IsNoValue(type)) return AnsweredWith(oid, type, "");
     if (type == kInteger && reportLength > 0) {

@@ -159,7 +159,7 @@ class Documents(unittest.TestCase):
 
     def test_the_window_has_the_menus_and_options_that_its_page_names(self):
         page = (SOURCE / "docs/vnbrowser.md").read_text(encoding="utf-8")
-        texts_of = {text.replace("&", "").split("\\t")[0] for text in re.findall(r'^    ID\w+ "(.*)"', texts("host/window/*.rc"), re.M)}
+        texts_of = {text.replace("&", "").split("\\t")[0] for text in re.findall(r'^VN_TEXT\(ID\w+, \d+, "(.*)"\)$', texts("host/window/texts.inc"), re.M)}
         named = re.findall(r"\*\*(\w+) > ([^*]+)\*\*", page)
         self.assertGreater(len(named), 10)
         self.assertEqual([], [words for words in named if not set(words) <= texts_of])
