@@ -2,10 +2,10 @@
 #include <vector>
 
 #include "cli/device_options.h"
-#include "cli/fact_json.h"
 #include "cli/scan_keeper.h"
 #include "model/printer/report_text.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
 #include "platform/console.h"
 

@@ -1,10 +1,10 @@
 #include <vndiscover.h>
 
 #include "cli/device_options.h"
-#include "cli/fact_json.h"
 #include "device/sweeps.h"
 #include "model/computer/doctor_report.h"
 #include "model/printer/report_text.h"
+#include "model/scan/fact_json.h"
 #include "platform/console.h"
 #include "platform/host_address.h"
 #include "platform/this_computer.h"

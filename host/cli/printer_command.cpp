@@ -5,8 +5,8 @@
 #include <string>
 
 #include "cli/device_options.h"
-#include "cli/fact_json.h"
 #include "model/printer/report_text.h"
+#include "model/scan/fact_json.h"
 #include "platform/console.h"
 #include "platform/this_process.h"
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "cli/commands.h"
-#include "cli/fact_json.h"
 #include "cli/printer_finder.h"
+#include "model/scan/fact_json.h"
 #include "platform/console.h"
 #include "platform/wide_text.h"
 #include "values/text.h"

@@ -55,17 +55,6 @@ void Shrink(std::array<size_t, kColumns>& widths, size_t width) {
     }
 }
 
-std::string SuppliesText(const PrinterFacts& facts) {
-    std::vector<std::string> texts;
-    for (const Supply& supply : facts.supplies)
-        texts.push_back(SupplyName(supply) + ": " + LevelText(supply.level));
-    return Joined(texts, "; ");
-}
-
-std::string CountText(const PrinterFacts& facts) {
-    return facts.pageCounts.empty() ? "" : std::to_string(facts.pageCounts.front().count);
-}
-
 }  // namespace
 
 void SortWorstFirst(std::vector<PrinterLine>& printers) {

@@ -5,17 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "model/printer/printer_facts.h"
 #include "model/printer/printer_summary.h"
 
 namespace vndiscover::host {
-
-struct PrinterLine {
-    PrinterFacts facts;
-    PrinterSummary summary;
-    std::vector<std::string> addresses;
-    std::string problem;  // why not everything was read; empty: everything was
-};
 
 void SortWorstFirst(std::vector<PrinterLine>& printers);
 

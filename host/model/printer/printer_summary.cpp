@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "values/text.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -51,6 +53,17 @@ PrinterSummary SummaryOf(const PrinterFacts& facts) {
     });
     if (summary.severity == Severity::kFine && isLow) summary.severity = Severity::kAttention;
     return summary;
+}
+
+std::string SuppliesText(const PrinterFacts& facts) {
+    std::vector<std::string> texts;
+    for (const Supply& supply : facts.supplies)
+        texts.push_back(SupplyName(supply) + ": " + LevelText(supply.level));
+    return Joined(texts, "; ");
+}
+
+std::string CountText(const PrinterFacts& facts) {
+    return facts.pageCounts.empty() ? "" : std::to_string(facts.pageCounts.front().count);
 }
 
 }  // namespace vndiscover::host

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "model/printer/report.h"
 
@@ -21,5 +22,18 @@ struct PrinterSummary {
 };
 
 PrinterSummary SummaryOf(const PrinterFacts& facts);
+
+// One printer of a list.
+struct PrinterLine {
+    PrinterFacts facts;
+    PrinterSummary summary;
+    std::vector<std::string> addresses;
+    std::string problem;  // why not everything was read; empty: everything was
+};
+
+// "Black toner: 62 % (62 of 100); Waste box: room left: 97 % (97 of 100)"
+std::string SuppliesText(const PrinterFacts& facts);
+// The first page count; empty if there is none.
+std::string CountText(const PrinterFacts& facts);
 
 }  // namespace vndiscover::host

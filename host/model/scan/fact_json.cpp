@@ -1,4 +1,4 @@
-#include "cli/fact_json.h"
+#include "model/scan/fact_json.h"
 
 #include <cjson/cJSON.h>
 

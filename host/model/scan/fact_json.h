@@ -4,10 +4,10 @@
 #include <optional>
 #include <string>
 
-#include "cli/printers_writer.h"
 #include "model/asking/host_diagnosis.h"
 #include "model/computer/computer_report.h"
 #include "model/printer/printer_facts.h"
+#include "model/printer/printer_summary.h"
 #include "model/scan/compare.h"
 
 namespace vndiscover::host {
