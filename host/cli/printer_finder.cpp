@@ -23,15 +23,6 @@ namespace {
 constexpr size_t kMaxProcesses = 6;
 constexpr auto kPoll = std::chrono::milliseconds(50);
 
-// A job that ends its processes with this one, however that ends.
-OwnedHandle EndingJob() {
-    OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
-    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
-    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
-    SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
-    return job;
-}
-
 }  // namespace
 
 std::string NameOf(const Login& login) {

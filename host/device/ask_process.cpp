@@ -84,6 +84,10 @@ AskProcess::~AskProcess() {
     if (fromProcess_) std::fclose(fromProcess_);
 }
 
+void AskProcess::Say(const std::string& line) {
+    isAlive_ = isAlive_ && std::fprintf(toProcess_, "%s\n", line.c_str()) > 0;
+}
+
 Answer AskProcess::GetNext(size_t login, const std::string& address, const Oid& oid) {
     std::string reply;
     if (isAlive_) {
@@ -96,6 +100,14 @@ Answer AskProcess::GetNext(size_t login, const std::string& address, const Oid& 
         reply += static_cast<char>(c);
     }
     return isAlive_ ? AnswerOf(reply) : Failed(Status::kSendFailed, oid);
+}
+
+OwnedHandle EndingJob() {
+    OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job.Get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
+    return job;
 }
 
 void ServeAskProcess(const AskNext& ask) {

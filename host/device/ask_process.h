@@ -28,12 +28,17 @@ class AskProcess {
     // From any thread: a request that is being answered fails.
     void End();
     Answer GetNext(size_t login, const std::string& address, const Oid& oid);
+    // Hands a line to its standard input, before any request.
+    void Say(const std::string& line);
 
   private:
     OwnedHandle process_;
     FILE *toProcess_ = nullptr, *fromProcess_ = nullptr;
     bool isAlive_ = false;
 };
+
+// A job that ends its processes with this one, however that ends.
+OwnedHandle EndingJob();
 
 // Answers requests from standard input until it ends.
 void ServeAskProcess(const AskNext& ask);

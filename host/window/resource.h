@@ -4,6 +4,8 @@
 #define IDD_SNMP 102
 #define IDD_CALLS 103
 #define IDD_WALK 104
+#define IDD_TABLE 105
+#define IDD_ADD 106
 
 // Controls of the main window.
 #define IDC_FIND 200
@@ -23,6 +25,8 @@
 #define IDC_STATUS 214
 #define IDC_PAGES 215
 #define IDC_TABLE 216
+#define IDC_PRESET_NOTE 217
+#define IDC_READ_BAR 218
 
 // Controls of the dialogs.
 #define IDC_COMMUNITY 230
@@ -46,6 +50,12 @@
 #define IDC_WALK_COPY_ALL 250
 #define IDC_CALL_COPY 251
 #define IDC_PROFILE_DELETE 252
+#define IDC_TABLE_ROWS 253
+#define IDC_TABLE_NOTE 254
+#define IDC_TABLE_COPY 255
+#define IDC_TABLE_SAVE 256
+#define IDC_ADD_HOSTS 257
+#define IDC_ADD_FILE 258
 
 // Commands without a text of their own. The others have the numbers of their texts.
 #define IDM_NEXT_PAGE 334

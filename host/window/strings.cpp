@@ -11,6 +11,21 @@ namespace {
 
 TextChange textChange = nullptr;
 
+// Returns false if `utc` is no time such as "2026-11-25T04:32:23Z".
+bool ToLocal(const std::string& utc, SYSTEMTIME& local) {
+    long part[6] = {};
+    const char* at = utc.c_str();
+    for (long& number : part) {
+        char* end = nullptr;
+        number = std::strtol(at, &end, 10);
+        if (end == at || *end == '\0' || number < 0 || number > 9999) return false;
+        at = end + 1;
+    }
+    const auto word = [&](int index) { return static_cast<WORD>(part[index]); };
+    const SYSTEMTIME time = {word(0), word(1), 0, word(2), word(3), word(4), word(5), 0};
+    return SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != 0;
+}
+
 }  // namespace
 
 std::wstring Text(unsigned id) {
@@ -44,22 +59,24 @@ void ChangeTexts(HWND dialog) {
 }
 
 std::wstring LocalTime(const std::string& utc) {
-    long part[6] = {};
-    const char* at = utc.c_str();  // "2026-11-25T04:32:23Z"
-    for (long& number : part) {
-        char* end = nullptr;
-        number = std::strtol(at, &end, 10);
-        if (end == at || *end == '\0' || number < 0 || number > 9999) return ToWide(utc);
-        at = end + 1;
-    }
-    const auto word = [&](int index) { return static_cast<WORD>(part[index]); };
-    const SYSTEMTIME time = {word(0), word(1), 0, word(2), word(3), word(4), word(5), 0};
     SYSTEMTIME local = {};
     wchar_t date[80] = L"", clock[80] = L"";
-    if (!SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) ||
+    if (!ToLocal(utc, local) ||
         !GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &local, nullptr, date, 80) ||
         !GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &local, nullptr, clock, 80))
         return ToWide(utc);
+    return std::wstring(date) + L" " + clock;
+}
+
+std::wstring LongTime(const std::string& utc) {
+    SYSTEMTIME local = {}, now = {};
+    GetLocalTime(&now);
+    wchar_t date[80] = L"", clock[80] = L"";
+    if (!ToLocal(utc, local)) return L"";
+    const wchar_t* const format = local.wYear == now.wYear ? L"d MMMM" : L"d MMMM yyyy";
+    if (!GetDateFormatW(LOCALE_USER_DEFAULT, 0, &local, format, date, 80) ||
+        !GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &local, L"HH:mm", clock, 80))
+        return L"";
     return std::wstring(date) + L" " + clock;
 }
 

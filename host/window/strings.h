@@ -22,5 +22,7 @@ void ChangeTexts(HWND dialog);
 
 // "2026-11-25T04:32:23Z" in the user's format of date and time; any other text unchanged.
 std::wstring LocalTime(const std::string& utc);
+// "23 November 09:12", with its year if that is another one; empty if it is no time.
+std::wstring LongTime(const std::string& utc);
 
 }  // namespace vndiscover::host

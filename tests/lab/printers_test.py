@@ -16,7 +16,7 @@ import time
 import unittest
 from pathlib import Path
 
-from lab import TREE, main, run, run_on_terminal, socket_in
+from lab import LAB, TREE, main, run, run_on_terminal, socket_in
 
 COUNT = int(os.environ.get("FLEET", "24"))
 IP_PKTINFO = 8
@@ -179,6 +179,17 @@ class Printers(unittest.TestCase):
         rows = list(csv.DictReader(io.StringIO(out)))
         self.assertEqual((0, 1, "Room 9", "1009"), (code, len(rows), rows[0]["location"], rows[0]["page count"]))
         self.assertEqual("Black toner: 62 % (62 of 100); Cyan toner: 95 % (95 of 100); Waste box: room left: 97 % (97 of 100)", rows[0]["supplies"])
+
+    def test_window_lists_the_same(self):
+        start = time.time()
+        code = run("--sweep", "--read", "--csv", LAB + "/list.csv", "--exit", program="VnBrowser.exe")[0]
+        print(f"{COUNT} devices in VnBrowser in {time.time() - start:.1f} s")
+        with open(LAB + "/list.csv", encoding="utf-8-sig", newline="") as file:
+            rows = list(csv.DictReader(file))
+        _, out, _ = run("printers", "--format", "csv")
+        self.assertEqual(0, code)
+        self.assertEqual([(row["name"], row["state"], row["lowest supply"]) for row in csv.DictReader(io.StringIO(out))],
+                         [(row["Name"], row["State"], row["Lowest supply"]) for row in rows])
 
     def test_none_is_told_with_what_was_asked(self):
         code, out, err = run("printers", "-c", "wrong")

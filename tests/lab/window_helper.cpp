@@ -5,8 +5,6 @@
 //   window_helper command FILE    runs a command line like a shell, which replaces %VARIABLES%
 //   window_helper diagnose HOST   prints the outcome of each step, the verdict and the calls, with
 //                                 the lab's user if there are passwords
-//   window_helper usage WORD      starts VnBrowser.exe with this word, prints the message that it
-//                                 shows, and presses OK
 //   window_helper read HOST       prints the interfaces, a walk through their names, and the walks
 //                                 of its calls
 //   window_helper profile NAME    saves the lab's SNMPv3 user, with passwords from the environment
@@ -101,7 +99,7 @@ AskTarget TargetOf(const std::string& host) {
 }
 
 void Read(const std::string& host) {
-    const AskTarget target = TargetOf(host);
+    AskTarget target = TargetOf(host);
     ModuleEngine engine;
     for (const Interface& one : InterfacesOf(engine.Read(target, nullptr)))
         std::printf("%s\n", one.description.c_str());
@@ -128,15 +126,13 @@ void Diagnose(const std::string& host) {
 }
 
 // The exit code of the program, which the system itself finds and hands the words to.
-template <class Meanwhile>
-int Start(wchar_t* line, Meanwhile meanwhile) {
+int Start(wchar_t* line) {
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
     if (!CreateProcessW(nullptr, line, nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
                         &process))
         return Failed("not started, error " + std::to_string(GetLastError()));
-    meanwhile();
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD code = 1;
     GetExitCodeProcess(process.hProcess, &code);
@@ -153,22 +149,7 @@ int RunCommand(const std::string& path) {
     constexpr DWORD kLineSize = static_cast<DWORD>(std::size(line));
     const DWORD size = ExpandEnvironmentStringsW(ToWide(*text).c_str(), line, kLineSize);
     if (size == 0 || size > kLineSize) return Failed("the line is too long");
-    return Start(line, [] {});
-}
-
-int ShowUsage(const std::string& word) {
-    std::wstring line = L"VnBrowser.exe " + ToWide(word);
-    return Start(line.data(), [] {
-        HWND message = nullptr;
-        for (int wait = 0; wait < 1000 && !message; ++wait) {
-            Sleep(10);
-            message = FindWindowW(L"#32770", L"VnBrowser");
-        }
-        wchar_t text[400] = L"";
-        GetDlgItemTextW(message, 0xFFFF, text, 400);
-        std::printf("%s\n", ToUtf8(text).c_str());
-        PostMessageW(message, WM_COMMAND, IDOK, 0);
-    });
+    return Start(line);
 }
 
 }  // namespace
@@ -182,7 +163,6 @@ int main() {
     if (words[0] == "read") Read(words[1]);
     if (words[0] == "diagnose") Diagnose(words[1]);
     if (words[0] == "command") return RunCommand(words[1]);
-    if (words[0] == "usage") return ShowUsage(words[1]);
     if (words[0] == "profile" && SaveProfile(ToWide(words[1]), User()) != SaveResult::kSaved)
         return 1;
     return 0;

@@ -26,14 +26,15 @@ def json_of(*arguments):
 class Scripts(unittest.TestCase):
     def test_keeps_what_the_console_prints(self):
         self.assertEqual(0, run("profile", "Office", program="window_helper.exe", **SECRETS)[0])
-        code, v1, v3, wsd = at_once(lambda look: look(), (
-            lambda: browse("--profile", "Office", "--sweep", "--save", SCAN, "--exit"),
-            lambda: json_of("sweep"), lambda: json_of("sweep", *V3), lambda: json_of("wsd")))
+        code, _, v1, v3, wsd = at_once(lambda look: look(), (
+            lambda: browse("--profile", "Office", "--look-for", "module", "--sweep", "--save", SCAN, "--exit"),
+            lambda: browse("--look-for", "everything", "--sweep", "--save", SCAN + "2", "--exit"),
+            lambda: json_of("sweep"), lambda: json_of("sweep", *V3), lambda: json_of("wsd", "--types", "wsdp:Device")))
         self.assertEqual(0, code)
-        with open(SCAN, encoding="utf-8") as file:
-            scan = json.load(file)
+        with open(SCAN, encoding="utf-8") as file, open(SCAN + "2", encoding="utf-8") as other:
+            scan, everything = json.load(file), json.load(other)
 
-        def kept(kind):
+        def kept(kind, scan=scan):
             return [{"address": answer["address"], "value": answer["text"]} for answer in scan["answers"]
                     if scan["sweeps"][answer["sweep"]]["kind"] == kind]
 
@@ -41,11 +42,13 @@ class Scripts(unittest.TestCase):
         self.assertEqual([*v1, {"address": PRIVATE, "value": "Model 2"}], v3)
         self.assertEqual((v1, v3), (kept("snmpv1"), kept("snmpv3")))
         self.assertEqual([(device["address"], device["replies"]) for device in wsd],
-                         [*collections.Counter(answer["address"] for answer in kept("wsd")).items()])
+                         [*collections.Counter(answer["address"] for answer in kept("wsd", everything)).items()])
         endpoints = {device["address"]: [device["endpoint"]] for device in wsd}
         self.assertEqual([PRIVATE], list(endpoints))
-        self.assertEqual({AGENT: ("Model 1", []), PRIVATE: ("Model 2", endpoints[PRIVATE])},
-                         {device["addresses"][0]: (device["model"], device["endpoints"]) for device in scan["devices"]})
+        self.assertEqual([], kept("wsd"))  # a computer
+        self.assertEqual({AGENT: "Model 1", PRIVATE: "Model 2"},
+                         {device["addresses"][0]: device["model"] for device in scan["devices"]})
+        self.assertEqual(endpoints, {device["addresses"][0]: device["endpoints"] for device in everything["devices"] if device["endpoints"]})
 
     def test_reads_interfaces_and_walks_as_the_console_does(self):
         for host, options, secrets, name in ((PRIVATE, V3, SECRETS, "GetNextSnmpRequestV3"), (AGENT, [], {}, "GetNextSnmpRequestRaw")):
@@ -72,7 +75,8 @@ class Scripts(unittest.TestCase):
         self.assertEqual((2, "VnBrowser: The profile Hall does not exist or cannot be opened.\n"), (code, told))
 
     def test_tells_of_a_file_that_cannot_be_written(self):
-        self.assertEqual(2, browse("--sweep", "--save", LAB + "/none/scan.json", "--exit"))
+        for option in ("--save", "--csv"):
+            self.assertEqual(1, browse("--sweep", option, LAB + "/none/scan.json", "--exit"))
 
     def test_keeps_the_older_scan_when_the_disk_is_full(self):
         with open(FULL + "/scan.json", "wb") as file:
@@ -86,12 +90,13 @@ class Scripts(unittest.TestCase):
         self.assertEqual({"rest", "scan.json"}, set(os.listdir(FULL)))
 
     def test_tells_of_wrong_usage(self):
-        for words, problem in ((["--sweep", "--save", ""], "--save needs a value."), (["--save", SCAN], "--save and --exit need --sweep."),
-                               (["--help"], "There is no option --help.")):
+        for words, problem in ((["--sweep", "--save", ""], "--save needs a value."), (["--save", SCAN], "--read, --save, --csv and --exit need --sweep."),
+                               (["--help"], "There is no option --help."),
+                               (["--profile", "--sweep"], "--profile needs a value."), (["--look-for", "x"], "--look-for does not take x.")):
             code, _, told = run(*words, "--exit", program="VnBrowser.exe")
             self.assertEqual((2, f"VnBrowser: {problem}\n\nUsage:\nVnBrowser.exe ["), (code, told[:told.find("[") + 1]))
-        code, told, _ = run("usage", "--help", program="window_helper.exe")
-        self.assertEqual((2, "There is no option --help."), (code, told.splitlines()[0]))
+        code, _, told = run("--help", program="VnBrowser.exe")  # no message that nobody answers
+        self.assertEqual((2, "VnBrowser: There is no option --help."), (code, told.splitlines()[0]))
 
 
 def prepare():

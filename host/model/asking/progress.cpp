@@ -8,14 +8,21 @@ void Progress::BeginSearch(size_t sweeps) {
     searchMs_ = nowMs_();
     sweepsLeft_ = sweeps;
     answers_ = 0;
-    isSearching_ = hasSearched_ = true;
+    isSearching_ = true;
     isStopping_ = false;
+    last_ = Kind::kStopped;
+}
+
+void Progress::Stop() {
+    if (!isStopping_) stopMs_ = nowMs_();
+    isStopping_ = true;
 }
 
 bool Progress::EndSweep() {
     if (sweepsLeft_ == 0 || --sweepsLeft_ != 0) return false;
     isSearching_ = false;
     searchEndMs_ = nowMs_();
+    last_ = isStopping_ ? Kind::kStopped : Kind::kDone;
     return true;
 }
 
@@ -23,6 +30,15 @@ void Progress::BeginAsking(const std::string& address, bool isReading) {
     asked_ = address;
     isReading_ = isReading;
     askMs_ = nowMs_();
+}
+
+void Progress::BeginReadingAll() { readMs_ = nowMs_(); }
+
+void Progress::EndReadingAll(size_t read, size_t total) {
+    readEndMs_ = nowMs_();
+    read_ = read;
+    toRead_ = total;
+    last_ = Kind::kRead;
 }
 
 void Progress::BeginWalk(const std::string& address) {
@@ -36,18 +52,28 @@ void Progress::SetNote(std::wstring note) {
     noteMs_ = nowMs_();
 }
 
-Progress::Status Progress::Now(size_t waiting) const {
+Progress::Status Progress::Now(const Work& work) const {
     const int64_t now = nowMs_();
     const auto since = [now](int64_t start) { return (now - start) / 1000; };
-    const Status note = {Kind::kNote, 0, 0, 0, ""};
+    const Status note = {Kind::kNote, 0, 0, 0, "", 0};
     if (!note_.empty() && now - noteMs_ < kNoteMs) return note;
-    if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, addresses_, ""};
-    if (!asked_.empty()) return {Kind::kAsking, since(askMs_), waiting, 0, asked_};
-    if (!walked_.empty()) return {Kind::kWalking, since(walkMs_), values_, 0, walked_};
+    if (isStopping_) {
+        const int64_t leftMs = kMaxRequestMs - std::max(now - stopMs_, work.waitMs);
+        return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000), 0, 0, "", 0};
+    }
+    if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, addresses_, "", 0};
+    if (!asked_.empty())
+        return {Kind::kAsking, since(askMs_), work.waiting, 0, asked_, work.waitMs / 1000};
+    if (!walked_.empty()) return {Kind::kWalking, since(walkMs_), values_, 0, walked_, 0};
+    if (work.toRead != 0) {
+        const bool isLong = work.waitMs >= kWaitMs;
+        return {Kind::kReadingAll,          since(readMs_),    work.read, work.toRead,
+                isLong ? work.address : "", work.waitMs / 1000};
+    }
     if (!note_.empty()) return note;
-    if (!hasSearched_) return {};
-    return {isStopping_ ? Kind::kStopped : Kind::kDone, (searchEndMs_ - searchMs_) / 1000, answers_,
-            0, ""};
+    if (last_ == Kind::kReady) return {};
+    if (last_ == Kind::kRead) return {last_, (readEndMs_ - readMs_) / 1000, read_, toRead_, "", 0};
+    return {last_, (searchEndMs_ - searchMs_) / 1000, answers_, 0, "", 0};
 }
 
 }  // namespace vndiscover::host

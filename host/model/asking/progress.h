@@ -2,6 +2,7 @@
 // numbers; the words are the user interface's.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -16,24 +17,30 @@ class Progress {
 
     // A search: several sweeps, some at the same time.
     void BeginSearch(size_t sweeps);
-    // The user stops it; it ends later.
-    void StopSearch() { isStopping_ |= isSearching_; }
+    // The user stops what is in progress; it ends later, see SetIdle.
+    void Stop();
+    // Nothing is sent any more.
+    void SetIdle() { isStopping_ = false; }
     bool EndSweep();  // returns true if it was the last one
     void CountAnswer() { ++answers_; }
-    void ForgetSearch() { hasSearched_ = false; }
+    void ForgetSearch() { last_ = Kind::kReady; }
     bool IsSearching() const { return isSearching_; }
-    bool IsStopping() const { return isSearching_ && isStopping_; }
-    bool HasSearched() const { return hasSearched_; }
+    bool IsStopping() const { return isStopping_; }
+    bool HasSearched() const { return last_ != Kind::kReady; }
     size_t Answers() const { return answers_; }  // to the last search
     // The number of this computer's addresses, from each of which a sweep is sent.
     void SetAddresses(size_t addresses) { addresses_ = addresses; }
 
-    // One device at a time is asked, for its details or for why it is silent.
+    // One device is asked for its details or for why it is silent.
     void BeginReading(const std::string& address) { BeginAsking(address, true); }
     void BeginDiagnosis(const std::string& address) { BeginAsking(address, false); }
     void EndAsking() { asked_.clear(); }
     bool IsAsking() const { return !asked_.empty(); }
     bool IsReading(const std::string& address) const { return isReading_ && asked_ == address; }
+
+    // All devices are read, each for the list.
+    void BeginReadingAll();
+    void EndReadingAll(size_t read, size_t total);
 
     void BeginWalk(const std::string& address);
     void CountValue() { ++values_; }
@@ -45,36 +52,55 @@ class Progress {
     void ClearNote() { note_.clear(); }
     const std::wstring& Note() const { return note_; }
     static constexpr int64_t kNoteMs = 4000;
+    // No request takes longer; a stop waits for the one that is being answered.
+    static constexpr int64_t kMaxRequestMs = 12000;
+    // From when on it is told that an answer is awaited.
+    static constexpr int64_t kWaitMs = 2000;
 
     enum class Kind {
-        kReady,      // nothing has been sent yet
-        kSearching,  // seconds, count: of answers, addresses
-        kAsking,     // address, seconds, count: of devices still to be asked
-        kWalking,    // address, seconds, count: of values
-        kDone,       // seconds, count: of answers
-        kStopped,    // the same
-        kNote,       // see Note
+        kReady,       // nothing has been sent yet
+        kSearching,   // seconds, count: of answers, total: addresses of this computer
+        kReadingAll,  // count: of devices read, total; see address
+        kAsking,      // address, seconds, count: of devices still to be asked
+        kWalking,     // address, seconds, count: of values
+        kStopping,    // seconds: at most until it has stopped
+        kDone,        // seconds, count: of answers
+        kStopped,     // the same
+        kRead,        // all devices: seconds, count: of devices read, total
+        kNote,        // see Note
     };
     struct Status {
         Kind kind = Kind::kReady;
         int64_t seconds = 0;
         size_t count = 0;
-        size_t addresses = 0;
+        size_t total = 0;
+        // Of the request that has waited longest for its answer; empty if it came within kWaitMs.
         std::string address;
+        int64_t waitSeconds = 0;
     };
-    // What to show now. `waiting`: the number of devices that are still to be asked.
-    Status Now(size_t waiting) const;
+    // What those that ask are doing.
+    struct Work {
+        size_t waiting = 0;           // devices that are still to be asked
+        size_t read = 0, toRead = 0;  // of all devices; 0, 0: they are not being read
+        std::string address;          // of the request that has waited longest
+        int64_t waitMs = 0;
+    };
+    // What to show now.
+    Status Now(const Work& work) const;
 
   private:
     void BeginAsking(const std::string& address, bool isReading);
 
     std::function<int64_t()> nowMs_;
-    bool isSearching_ = false, isStopping_ = false, hasSearched_ = false;
+    bool isSearching_ = false, isStopping_ = false;
+    Kind last_ = Kind::kReady;  // or kDone, kStopped, kRead: how what came last ended
     size_t sweepsLeft_ = 0, answers_ = 0, addresses_ = 0;
-    int64_t searchMs_ = 0, searchEndMs_ = 0;
+    int64_t searchMs_ = 0, searchEndMs_ = 0, stopMs_ = 0;
     std::string asked_, walked_;  // addresses; empty: none
     bool isReading_ = false;      // asked_, for its details
     int64_t askMs_ = 0, walkMs_ = 0;
+    int64_t readMs_ = 0, readEndMs_ = 0;
+    size_t read_ = 0, toRead_ = 0;
     size_t values_ = 0;
     std::wstring note_;
     int64_t noteMs_ = 0;

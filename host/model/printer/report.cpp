@@ -30,10 +30,16 @@ std::string KindText(const std::string& word) {
     return word == "other" || word == "unknown" ? "" : PlainWords(word);
 }
 
-void AddState(ReportSection& section, const PrinterFacts& facts) {
+ReportSection State(const PrinterFacts& facts) {
+    ReportSection section;
     section.Add("Device", PlainWords(facts.deviceStatus));
     section.Add("Printer", PlainWords(facts.printerStatus));
     section.Add("Errors", ErrorText(facts), ErrorSeverity(facts));
+    return section;
+}
+
+ReportSection Alerts(const PrinterFacts& facts) {
+    ReportSection section;
     for (const Alert& alert : facts.alerts) {
         std::string text = AlertText(alert);
         // The time of an alert from before the device's restart would be in the future.
@@ -45,9 +51,10 @@ void AddState(ReportSection& section, const PrinterFacts& facts) {
     for (const std::string& line : facts.panel) section.Add("Panel", line);
     for (const PageCount& count : facts.pageCounts)
         section.Add("Printed", Joined({std::to_string(count.count), count.unit}, " "));
+    return section;
 }
 
-ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
+ReportSection Identity(const PrinterFacts& facts, const ReportContext& context) {
     ReportSection section;
     const auto add = [&](const char* label, const std::string& text, const char* subject) {
         const bool isMissing = std::any_of(facts.gaps.begin(), facts.gaps.end(),
@@ -68,7 +75,6 @@ ReportSection Summary(const PrinterFacts& facts, const ReportContext& context) {
         const std::string start = LocalTimeBefore(facts.readTime, *facts.upTicks / 100);
         section.Add("Up since", Joined({start, "(" + Duration(*facts.upTicks) + ")"}, " "));
     }
-    AddState(section, facts);
     return section;
 }
 
@@ -221,7 +227,8 @@ std::vector<ReportRow> RowsOf(const Report& report) {
 }
 
 Report ReportOf(const PrinterFacts& facts, const ReportContext& context) {
-    Report report = {Summary(facts, context), Supplies(facts), Trays(facts), {}};
+    Report report = {Identity(facts, context), State(facts), Alerts(facts),
+                     Supplies(facts),          Trays(facts), {}};
     for (const uint32_t other : facts.otherPrinters) {
         report.back().Add("Also there", "another printer, device index " + std::to_string(other));
     }

@@ -65,6 +65,8 @@ struct ReportContext {
     std::string addresses, protocols;  // "10.77.1.20, fe80::1", "SNMPv1"
     bool isRead = true;  // otherwise what the facts lack was not asked for, and is left out
 };
+// The places of its sections.
+enum class ReportPart : size_t { kIdentity, kState, kAlerts, kSupplies, kTrays, kNotes };
 Report ReportOf(const PrinterFacts& facts, const ReportContext& context);
 
 }  // namespace vndiscover::host

@@ -18,7 +18,9 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
         line.object = NameText(sweep.oid);
         line.value = ShownValue(text.bytes) + CutNote(text);
     } else {
-        line.object = sweep.form == AnswerForm::kReply ? "reply" : "JSON document";
+        line.object = sweep.form == AnswerForm::kReply      ? "reply"
+                      : sweep.form == AnswerForm::kDocument ? "JSON document"
+                                                            : "added by hand";
         line.value = PlainText(answer.bytes);
     }
     return line;

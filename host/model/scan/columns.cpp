@@ -17,17 +17,16 @@ std::string IdentityCell(const RowSource& source, MergeKey key) {
     return Joined(values);
 }
 
-std::string StateCell(const RowSource& source) { return source.summary.state; }
-
-std::string SupplyCell(const RowSource& source) {
-    const auto lowest = source.summary.lowestSupply;
-    return lowest ? std::to_string(*lowest) + " %" : "";
+std::string StateCell(const RowSource& source) {
+    return StateText(source.standing, source.summary);
 }
 
 std::string ProtocolCell(const RowSource& source) {
     bool has[3] = {};
-    for (const size_t index : source.device.answers)
-        has[static_cast<size_t>(source.scan.sweeps[source.scan.answers[index].sweep].kind)] = true;
+    for (const size_t index : source.device.answers) {
+        const ScanSweep& sweep = source.scan.sweeps[source.scan.answers[index].sweep];
+        if (sweep.form != AnswerForm::kAdded) has[static_cast<size_t>(sweep.kind)] = true;
+    }
     constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
     std::vector<std::string> names;
     for (size_t kind = 0; kind < 3; ++kind) {
@@ -48,11 +47,6 @@ std::string NetworkCell(const RowSource& source) {
     return "";
 }
 
-std::string LastSeenCell(const RowSource& source) {
-    std::string time;
-    for (const size_t index : source.device.answers)
-        time = std::max(time, source.scan.answers[index].time);
-    return time;
-}
+std::string LastSeenCell(const RowSource& source) { return source.standing.lastAnswer; }
 
 }  // namespace vndiscover::host

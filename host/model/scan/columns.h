@@ -11,6 +11,7 @@
 #include "model/printer/printer_summary.h"
 #include "model/scan/found_device.h"
 #include "model/scan/scan.h"
+#include "model/scan/standing.h"
 
 namespace vndiscover::host {
 
@@ -25,6 +26,10 @@ enum class Column {
     kProtocols,
     kNetwork,
     kLastSeen,
+    kSupplyList,
+    kLocation,
+    kPageCount,
+    kFirmware,
 };
 
 struct RowSource {
@@ -33,12 +38,12 @@ struct RowSource {
     const AdapterList& ipv4;
     std::vector<std::string> addresses;  // plain text, in the order of their numbers
     PrinterSummary summary;
+    const Standing& standing;
 };
 // The cells of columns. Text is plain; empty: unknown.
 std::string AddressCell(const RowSource& source);
 std::string IdentityCell(const RowSource& source, MergeKey key);
-std::string StateCell(const RowSource& source);     // errors, or what it is doing
-std::string SupplyCell(const RowSource& source);    // the lowest level, "40 %"
+std::string StateCell(const RowSource& source);     // see StateText
 std::string ProtocolCell(const RowSource& source);  // by which it answered
 std::string NetworkCell(const RowSource& source);   // of this computer, "10.77.1.0/24"
 std::string LastSeenCell(const RowSource& source);  // UTC, as in ScanAnswer
@@ -49,26 +54,34 @@ struct ColumnInfo {
     int width;              // in pixels at 96 DPI
     unsigned place;         // from the left, at first
     bool isVisible = true;  // likewise
-    enum class Order { kText, kAddress, kLevel } order = Order::kText;
+    enum class Order { kText, kAddress, kLevel, kSeverity, kNumber } order = Order::kText;
     enum class Look { kText, kBar, kTime } look = Look::kText;
 };
 
 // In the order of Column. The most important ones are visible without scrolling.
 inline constexpr ColumnInfo kColumns[] = {
-    {Column::kName, [](const RowSource& source) { return source.device.facts->name; }, 90, 0},
-    {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 125, 1},
-    {Column::kAddress, AddressCell, 105, 2, true, ColumnInfo::Order::kAddress},
+    {Column::kName, [](const RowSource& source) { return source.device.facts->name; }, 90, 1},
+    {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 125, 3},
+    {Column::kAddress, AddressCell, 105, 4, true, ColumnInfo::Order::kAddress},
     {Column::kSerial,
      [](const RowSource& source) { return IdentityCell(source, MergeKey::kSerial); }, 105, 5},
     {Column::kMac, [](const RowSource& source) { return IdentityCell(source, MergeKey::kMac); },
      120, 6},
-    {Column::kState, StateCell, 130, 3},
-    {Column::kSupplies, SupplyCell, 105, 4, true, ColumnInfo::Order::kLevel,
-     ColumnInfo::Look::kBar},
+    {Column::kState, StateCell, 150, 0, true, ColumnInfo::Order::kSeverity},
+    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 160, 2, true,
+     ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},
     {Column::kProtocols, ProtocolCell, 100, 7},
     {Column::kNetwork, NetworkCell, 100, 8},
     {Column::kLastSeen, LastSeenCell, 140, 9, true, ColumnInfo::Order::kText,
      ColumnInfo::Look::kTime},
+    {Column::kSupplyList,
+     [](const RowSource& source) { return SuppliesText(*source.device.facts); }, 300, 10, false},
+    {Column::kLocation, [](const RowSource& source) { return source.device.facts->location; }, 100,
+     11, false},
+    {Column::kPageCount, [](const RowSource& source) { return CountText(*source.device.facts); },
+     80, 12, false, ColumnInfo::Order::kNumber},
+    {Column::kFirmware, [](const RowSource& source) { return source.device.facts->description; },
+     200, 13, false},
 };
 constexpr size_t kColumnCount = std::size(kColumns);
 

@@ -20,9 +20,24 @@ std::vector<std::string> AddressesOf(const FoundDevice& device) {
     return addresses;
 }
 
-DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4) {
-    const RowSource source = {scan, device, ipv4, AddressesOf(device), SummaryOf(*device.facts)};
+// Only what a device says of itself makes it none: silence does not.
+bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
+    if (device.facts->deviceIndex) return false;
+    if (standing.kind == Standing::Kind::kRead) return true;
+    return !device.types.empty() &&
+           std::none_of(device.types.begin(), device.types.end(), [](const std::string& type) {
+               return type.find("PrintDeviceType") != std::string::npos;
+           });
+}
+
+DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4,
+                const Standing& standing) {
+    const RowSource source = {scan,    device, ipv4, AddressesOf(device), SummaryOf(*device.facts),
+                              standing};
     DeviceRow row;
+    row.standing = standing;
+    row.isNoPrinter = IsNoPrinter(device, standing);
+    if (standing.Holds()) row.severity = source.summary.severity;
     row.answers = device.answers;
     for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
     if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
@@ -33,15 +48,21 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
 }  // namespace
 
 std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundDevice>& devices,
-                                      const AdapterList& ipv4) {
+                                      const AdapterList& ipv4,
+                                      const std::vector<Standing>& standings) {
     std::unordered_map<size_t, DeviceRow> known = std::move(rows_);
     rows_.clear();
     std::vector<DeviceRow> rows;
     rows.reserve(devices.size());
-    for (const FoundDevice& device : devices) {
+    for (size_t index = 0; index < devices.size(); ++index) {
+        const FoundDevice& device = devices[index];
+        const Standing standing = index < standings.size()
+                                      ? standings[index]
+                                      : StandingOf(scan, device, nullptr, false, {});
         const auto found = known.find(device.answers.front());
-        const bool isKept = found != known.end() && found->second.answers == device.answers;
-        rows.push_back(isKept ? std::move(found->second) : RowOf(scan, device, ipv4));
+        const bool isKept = found != known.end() && found->second.answers == device.answers &&
+                            found->second.standing == standing;
+        rows.push_back(isKept ? std::move(found->second) : RowOf(scan, device, ipv4, standing));
         rows_.emplace(device.answers.front(), rows.back());
     }
     return rows;
@@ -55,6 +76,11 @@ void DeviceView::SetRows(std::vector<DeviceRow> rows) {
 void DeviceView::Sort(Column column, bool isDescending) {
     column_ = column;
     isDescending_ = isDescending;
+    Arrange();
+}
+
+void DeviceView::ShowOnlyPrinters(bool isOnly) {
+    areOnlyPrinters_ = isOnly;
     Arrange();
 }
 
@@ -87,37 +113,48 @@ bool DeviceView::Passes(const DeviceRow& row) const {
     });
 }
 
-// Unknown values come last in either direction; equal rows keep their order of arrival.
-bool DeviceView::IsBefore(size_t one, size_t other) const {
-    const DeviceRow& left = rows_[one];
-    const DeviceRow& right = rows_[other];
-    int order = 0;
-    switch (InfoOf(column_).order) {
+// Negative: `left` comes first. Unknown values come last in either direction.
+int DeviceView::Compare(const DeviceRow& left, const DeviceRow& right,
+                        ColumnInfo::Order order) const {
+    const auto directed = [this](int result) { return isDescending_ ? -result : result; };
+    switch (order) {
         case ColumnInfo::Order::kAddress:
-            order = left.addressOrder.compare(right.addressOrder);
-            break;
+            return directed(left.addressOrder.compare(right.addressOrder));
         case ColumnInfo::Order::kLevel:
             if (left.lowestSupply.has_value() != right.lowestSupply.has_value())
-                return left.lowestSupply.has_value();
-            if (left.lowestSupply) order = *left.lowestSupply - *right.lowestSupply;
-            break;
-        case ColumnInfo::Order::kText: {
-            const std::string& a = left.Text(column_);
-            const std::string& b = right.Text(column_);
-            if (a.empty() != b.empty()) return b.empty();
-            order = Lower(a).compare(Lower(b));
+                return left.lowestSupply ? -1 : 1;
+            return left.lowestSupply ? directed(*left.lowestSupply - *right.lowestSupply) : 0;
+        case ColumnInfo::Order::kSeverity: {
+            const int severity =
+                directed(SeverityOrder(left.severity) - SeverityOrder(right.severity));
+            if (severity != 0) return severity;
+            const int level = Compare(left, right, ColumnInfo::Order::kLevel);
+            return level != 0 ? level : left.addressOrder.compare(right.addressOrder);
         }
+        case ColumnInfo::Order::kNumber:
+        case ColumnInfo::Order::kText:
+            break;
     }
-    return isDescending_ ? order > 0 : order < 0;
+    const std::string& a = left.Text(column_);
+    const std::string& b = right.Text(column_);
+    if (a.empty() != b.empty()) return b.empty() ? -1 : 1;
+    if (order == ColumnInfo::Order::kNumber && a.size() != b.size())
+        return directed(a.size() < b.size() ? -1 : 1);
+    return directed(Lower(a).compare(Lower(b)));
 }
 
+// Equal rows keep their order of arrival.
 void DeviceView::Arrange() {
     shown_.clear();
+    others_ = 0;
     for (size_t index = 0; index < rows_.size(); ++index) {
-        if (Passes(rows_[index])) shown_.push_back(index);
+        const bool isOther = areOnlyPrinters_ && rows_[index].isNoPrinter;
+        others_ += isOther;
+        if (!isOther && Passes(rows_[index])) shown_.push_back(index);
     }
-    std::stable_sort(shown_.begin(), shown_.end(),
-                     [this](size_t one, size_t other) { return IsBefore(one, other); });
+    std::stable_sort(shown_.begin(), shown_.end(), [this](size_t one, size_t other) {
+        return Compare(rows_[one], rows_[other], InfoOf(column_).order) < 0;
+    });
 }
 
 void DeviceView::Select(std::optional<size_t> index) {
@@ -126,20 +163,21 @@ void DeviceView::Select(std::optional<size_t> index) {
 }
 
 std::optional<size_t> DeviceView::Selected() const {
-    const DeviceRow* row = SelectedRow();
-    for (size_t index = 0; row && index < shown_.size(); ++index) {
-        if (&rows_[shown_[index]] == row) return index;
+    for (size_t index = 0; selectedAnswer_ && index < shown_.size(); ++index) {
+        const std::vector<size_t>& answers = Row(index).answers;
+        if (std::binary_search(answers.begin(), answers.end(), *selectedAnswer_)) return index;
     }
     return std::nullopt;
 }
 
 const DeviceRow* DeviceView::SelectedRow() const {
-    if (!selectedAnswer_) return nullptr;
-    for (const DeviceRow& row : rows_) {
-        if (std::binary_search(row.answers.begin(), row.answers.end(), *selectedAnswer_))
-            return &row;
-    }
-    return nullptr;
+    const auto index = Selected();
+    return index ? &Row(*index) : nullptr;
+}
+
+void DeviceView::Renumber(const std::vector<size_t>& places) {
+    if (selectedAnswer_ && *selectedAnswer_ < places.size())
+        selectedAnswer_ = places[*selectedAnswer_];
 }
 
 }  // namespace vndiscover::host

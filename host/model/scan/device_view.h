@@ -20,6 +20,9 @@ struct DeviceRow {
     std::array<std::string, kColumnCount> texts;
     std::string addressOrder;  // see AddressOrder
     std::optional<int> lowestSupply;
+    Standing standing;
+    Severity severity = Severity::kUnknown;  // unknown if the last one does not hold
+    bool isNoPrinter = false;                // as far as was read
 
     const std::string& Text(Column column) const { return texts[static_cast<size_t>(column)]; }
     std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
@@ -29,8 +32,10 @@ struct DeviceRow {
 class RowMaker {
   public:
     // Rows in the order of the devices.
+    // `standings`: of the devices; without them, none was asked in a search.
     std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
-                                const AdapterList& ipv4);
+                                const AdapterList& ipv4,
+                                const std::vector<Standing>& standings = {});
 
   private:
     std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
@@ -44,32 +49,40 @@ class DeviceView {
     void Sort(Column column, bool isDescending);
     Column SortColumn() const { return column_; }
     bool IsDescending() const { return isDescending_; }
+    // Leaves out devices that are no printers.
+    void ShowOnlyPrinters(bool isOnly);
     // Shows rows that contain every word of the text, ignoring the case of ASCII letters.
     void Filter(const std::string& text);
     // The filter leaves out these columns, a bit for each Column. At first none.
     void Hide(uint32_t columns);
 
     size_t Count() const { return shown_.size(); }
-    size_t Total() const { return rows_.size(); }
+    size_t Total() const { return rows_.size() - Others(); }  // without the filter
+    size_t Others() const { return others_; }                 // that are no printers, not shown
     const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
+    const std::vector<DeviceRow>& AllRows() const { return rows_; }
 
     // Selects one of the shown rows, or none.
     void Select(std::optional<size_t> index);
     std::optional<size_t> Selected() const;
-    // The selected device, shown or hidden; null if there is none.
+    // The selected device; null if there is none, or if it is hidden.
     const DeviceRow* SelectedRow() const;
+    // After RemoveFormerAnswers.
+    void Renumber(const std::vector<size_t>& places);
 
   private:
     bool Passes(const DeviceRow& row) const;
-    bool IsBefore(size_t one, size_t other) const;
+    int Compare(const DeviceRow& left, const DeviceRow& right, ColumnInfo::Order order) const;
     void Arrange();
 
     std::vector<DeviceRow> rows_;
     std::vector<size_t> shown_;  // indexes in rows_
     std::vector<std::string> words_;
-    Column column_ = Column::kAddress;
+    Column column_ = Column::kState;
     bool isDescending_ = false;
     uint32_t hidden_ = 0;
+    bool areOnlyPrinters_ = false;
+    size_t others_ = 0;
     std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
 };
 

@@ -5,6 +5,7 @@
 #include "model/asking/json_request.h"
 #include "values/csv_cell.h"
 #include "values/plain_text.h"
+#include "values/text.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -19,15 +20,6 @@ std::string AnswerValue(std::string_view value) {
     const JsonItem document = ParseDocument(value);
     const auto answers = AnswersOf(document.get());
     return answers.empty() ? std::string(value) : answers.front().second;
-}
-
-// `textOf` gives the text of a heading's cell.
-template <class TextOf>
-std::string CsvLine(const std::vector<Heading>& headings, TextOf textOf) {
-    std::string line;
-    for (const Heading& heading : headings)
-        line += (line.empty() ? "" : ",") + CsvCell(textOf(heading));
-    return line + "\r\n";
 }
 
 }  // namespace
@@ -55,15 +47,6 @@ std::string DeviceWriter::TableRow(std::string_view address, std::string_view va
                 Padded(PlainText(oid), 29) + "  " + ShownValue(answer) + "\n";
     }
     return rows;
-}
-
-ValueKind DocumentKind(std::string_view document) {
-    const JsonItem item = ParseDocument(document);
-    const auto answers = AnswersOf(item.get());
-    const cJSON* asked = cJSON_GetObjectItem(item.get(), "DiscoverOID");
-    const bool isForOne =
-        answers.size() == 1 && cJSON_IsString(asked) && answers.front().first == asked->valuestring;
-    return isForOne ? ValueKind::kAnswer : ValueKind::kDocument;
 }
 
 JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value) {
@@ -96,37 +79,11 @@ std::string DeviceWriter::Row(std::string_view address, std::string_view value) 
 
 std::string DeviceWriter::End() { return format_ == Format::kJson ? array_.Finish() : ""; }
 
-std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings) {
-    std::string document =
-        "\xEF\xBB\xBF" + CsvLine(headings, [](const Heading& heading) { return heading.text; });
-    for (size_t index = 0; index < view.Count(); ++index) {
-        const DeviceRow& row = view.Row(index);
-        document +=
-            CsvLine(headings, [&](const Heading& heading) { return row.Text(heading.column); });
-    }
-    return document;
-}
-
-std::string JsonOf(const DeviceView& view, const Scan& scan) {
-    JsonArray array;
-    for (size_t index = 0; index < view.Count(); ++index) {
-        const std::vector<size_t>& answers = view.Row(index).answers;
-        bool isSwept = false;
-        for (const size_t at : answers) {
-            const ScanAnswer& answer = scan.answers[at];
-            const AnswerForm form = scan.sweeps[answer.sweep].form;
-            if (form != AnswerForm::kValue && form != AnswerForm::kDocument) continue;
-            const std::string& bytes = answer.answer.bytes;
-            const ValueKind kind =
-                form == AnswerForm::kValue ? ValueKind::kRaw : DocumentKind(bytes);
-            array.Add(DeviceItem(kind, answer.address, bytes).get());
-            isSwept = true;
-        }
-        if (isSwept) continue;
-        const std::string& address = scan.answers[answers.front()].address;
-        array.Add(DeviceItem(ValueKind::kRaw, address, "").get());
-    }
-    return array.Finish();
+std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator) {
+    std::vector<std::string> quoted;
+    quoted.reserve(cells.size());
+    for (const std::string& cell : cells) quoted.push_back(CsvCell(cell));
+    return Joined(quoted, separator) + "\r\n";
 }
 
 }  // namespace vndiscover::host

@@ -1,11 +1,10 @@
-// Devices as documents: of a sweep, one row for each as it arrives, and of a table of devices.
+// Devices as documents.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "model/scan/device_view.h"
 #include "values/json_output.h"
 
 namespace vndiscover::host {
@@ -18,9 +17,6 @@ enum class ValueKind {
     kDocument,  // the filled-in JSON request
     kAnswer,    // a filled-in request of RequestFor, whose only answer is the value
 };
-
-// kAnswer if it is a filled-in request of RequestFor, or looks like one.
-ValueKind DocumentKind(std::string_view document);
 
 // A row as JSON.
 JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value);
@@ -49,17 +45,9 @@ class DeviceWriter {
     JsonArray array_;
 };
 
-struct Heading {
-    Column column;
-    std::string text;
-};
-
-// The shown rows as CSV with these columns: UTF-8 with a byte order mark, CR LF, and a line of
-// headings. A cell that a spreadsheet would run as a formula starts with an apostrophe.
-std::string CsvOf(const DeviceView& view, const std::vector<Heading>& headings);
-
-// The shown rows' answers to SNMP sweeps, in the form of `vndiscover sweep --format json`. A device
-// without one, found by WS-Discovery, has an empty value.
-std::string JsonOf(const DeviceView& view, const Scan& scan);
+// A line of a CSV document: UTF-8, with CR LF. A cell that a spreadsheet would run as a formula
+// starts with an apostrophe.
+std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator);
+constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";  // before the first line
 
 }  // namespace vndiscover::host

@@ -3,8 +3,10 @@
 #include <cjson/cJSON.h>
 
 #include <algorithm>
+#include <set>
 
 #include "model/asking/json_request.h"
+#include "model/scan/current_answers.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
@@ -50,8 +52,13 @@ class Collector {
                 break;
             case AnswerForm::kReply:
                 if (++replies_ > kMaxReplies) break;
-                for (const ProbeMatch& match : ReadProbeMatches(answer.answer.bytes))
+                for (const ProbeMatch& match : ReadProbeMatches(answer.answer.bytes)) {
                     device_.identity.Add(MergeKey::kEndpoint, match.endpoint);
+                    types_.insert(match.types.begin(), match.types.end());
+                }
+                break;
+            case AnswerForm::kAdded:
+                device_.added = PlainText(answer.answer.bytes);
                 break;
         }
     }
@@ -67,6 +74,7 @@ class Collector {
         device_.identity.Add(MergeKey::kSerial, facts.serialNumber);
         if (facts.macAddress != "FF:FF:FF:FF:FF:FF")
             device_.identity.Add(MergeKey::kMac, facts.macAddress);
+        device_.types.assign(types_.begin(), types_.end());
         device_.facts = std::make_shared<const PrinterFacts>(std::move(facts));
         return std::move(device_);
     }
@@ -101,7 +109,8 @@ class Collector {
     }
 
     PrinterAnswers variables_;
-    std::string readTime_;  // of the latest one
+    std::string readTime_;         // of the latest one
+    std::set<std::string> types_;  // in order, and none twice
     FoundDevice device_;
     size_t replies_ = 0;
 };
@@ -121,7 +130,7 @@ void AddIndexes(cJSON* object, const std::vector<size_t>& indexes) {
 
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
     Collector collector;
-    for (const size_t index : answers) {
+    for (const size_t index : CurrentAnswers(scan, answers)) {
         const ScanAnswer& answer = scan.answers[index];
         collector.Add(scan.sweeps[answer.sweep], answer);
     }

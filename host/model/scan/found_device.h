@@ -22,13 +22,15 @@ struct Merge {
 struct FoundDevice {
     std::vector<size_t> answers;  // indexes in Scan::answers, ascending; the first identifies it
     Identity identity;
+    std::vector<std::string> types;             // by WS-Discovery, see ProbeMatch
+    std::string added;                          // by hand, as this; empty: it was not
     bool hasVariables = false;                  // was asked after a sweep, and answered
     std::shared_ptr<const PrinterFacts> facts;  // never null; copies of the device share them
     std::vector<Merge> merges;
 };
 
-// Combines the answers with these indexes; later ones take precedence. Of WS-Discovery replies, it
-// reads the first 256.
+// Combines those of the answers with these indexes that still hold; see current_answers.h. Of
+// WS-Discovery replies, it reads the first 256.
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
 
 // A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".

@@ -14,7 +14,9 @@ class Judge {
 
     void TakeSweep(const ScanSweep& sweep, bool isRunning) {
         const bool isOther = sweep.kind != line_.kind || sweep.useIPv6 != line_.useIPv6;
-        if (isOther || sweep.form == AnswerForm::kVariable) return;
+        const bool isSweep =
+            sweep.form != AnswerForm::kVariable && sweep.form != AnswerForm::kAdded;
+        if (isOther || !isSweep) return;
         Raise(isRunning ? ProtocolState::kPending : ProtocolState::kSilent);
     }
 
@@ -38,7 +40,7 @@ class Judge {
     }
 
     void TakeAnswer(const ScanSweep& sweep, const ScanAnswer& answer) {
-        if (IsOther(sweep.kind, answer.address)) return;
+        if (IsOther(sweep.kind, answer.address) || sweep.form == AnswerForm::kAdded) return;
         const bool isEmpty = sweep.form == AnswerForm::kValue && answer.answer.bytes.empty();
         Raise(isEmpty ? ProtocolState::kNoValue : ProtocolState::kAnswered);
     }
@@ -82,6 +84,16 @@ std::vector<ProtocolLine> JudgeProtocols(const Scan& scan, const std::vector<siz
             if (!useIPv6 || judge.WasUsed()) lines.push_back(judge.Line());
         }
     }
+    const bool hasAnswered = std::any_of(lines.begin(), lines.end(), [](const auto& line) {
+        return line.state <= ProtocolState::kRefused;
+    });
+    // A device may have no address there, so that a sweep's silence says nothing of it.
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [&](const ProtocolLine& line) {
+                                   return hasAnswered && line.useIPv6 && line.note.empty() &&
+                                          line.state == ProtocolState::kSilent;
+                               }),
+                lines.end());
     return lines;
 }
 

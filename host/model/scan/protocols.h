@@ -30,9 +30,12 @@ struct Reading {
     std::string address;
     SweepKind kind = SweepKind::kSnmpV1;
     PrinterAnswers end;  // without the values, which are in the scan
+    bool hasValues{};    // there were some
+    std::string time{};  // of its end, as in ScanAnswer
 };
 
-// A line for each protocol over IPv4; over IPv6 only for those that were used over it. `answers`
+// A line for each protocol over IPv4; over IPv6 only for those that were used over it, and not for
+// a sweep's silence if the device answers otherwise. `answers`
 // are the device's in the scan, `readings` those of its addresses, `running` the indexes of sweeps
 // that have not ended. A sweep over SNMPv3 shows a refusal as silence: only a reading says why.
 std::vector<ProtocolLine> JudgeProtocols(const Scan& scan, const std::vector<size_t>& answers,

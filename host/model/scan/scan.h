@@ -1,5 +1,6 @@
-// A scan: the answers of any number of sweeps, as received. Nothing is ever removed from it;
-// devices are derived from it each time, see device_merge.h.
+// A scan: the answers of any number of sweeps, as received. Devices are derived from it each time,
+// see device_merge.h; what later answers replace is removed between searches, see
+// current_answers.h.
 #pragma once
 
 #include <cstddef>
@@ -21,6 +22,7 @@ enum class AnswerForm {
     kDocument,  // the filled-in JSON request
     kVariable,  // a variable with OID and type, requested after the sweep
     kReply,     // a WS-Discovery reply
+    kAdded,     // no answer: an address that a person has added, and as what
 };
 
 struct ScanSweep {
@@ -29,6 +31,11 @@ struct ScanSweep {
     bool useIPv6 = false;
     Oid oid;           // requested, for kValue
     std::string time;  // of its start, as "2026-11-25T04:32:23Z"
+    // The number of the search that it is a part of, from 1; 0: of none, or not known.
+    size_t search{};
+    // It ran to its end; or for kVariable, everything that is read of a device was read.
+    bool isComplete{};
+    size_t login{};  // the caller's number of a community or user, from 1; 0: not known. Not saved
 };
 
 struct ScanAnswer {

@@ -18,7 +18,7 @@ namespace {
 constexpr char kFormat[] = "vndiscover-scan";
 constexpr int kVersion = 1;
 constexpr const char* kKinds[] = {"snmpv1", "snmpv3", "wsd"};
-constexpr const char* kForms[] = {"value", "document", "variable", "reply"};
+constexpr const char* kForms[] = {"value", "document", "variable", "reply", "added"};
 constexpr char kTimePattern[] = "0000-00-00T00:00:00Z";
 
 // The parser needs about 100 bytes of memory for each value, and recurses for each level.
@@ -214,6 +214,8 @@ class Reader {
         sweep.useIPv6 = cJSON_IsTrue(Member(item, "ipv6")) != 0;
         if (sweep.form == AnswerForm::kValue) sweep.oid = ObjectId(item);
         sweep.time = Time(item);
+        if (Find(item, "search")) sweep.search = Number(item, "search", kMaxSweeps);
+        sweep.isComplete = cJSON_IsTrue(Find(item, "complete")) != 0;
         scan_.sweeps.push_back(std::move(sweep));
     }
 
@@ -254,6 +256,9 @@ JsonItem SweepJson(const ScanSweep& sweep) {
     cJSON_AddBoolToObject(item.get(), "ipv6", sweep.useIPv6);
     if (sweep.form == AnswerForm::kValue) AddText(item.get(), "oid", OidToText(sweep.oid));
     AddText(item.get(), "time", sweep.time);
+    if (sweep.search != 0)
+        cJSON_AddNumberToObject(item.get(), "search", static_cast<double>(sweep.search));
+    if (sweep.isComplete) cJSON_AddBoolToObject(item.get(), "complete", true);
     return item;
 }
 

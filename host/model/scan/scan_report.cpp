@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -13,7 +14,55 @@ void AddDevice(ReportSection& section, const char* label, const FoundDevice& dev
     if (!section.rows.empty()) section.rows.back().mark = mark;
 }
 
-std::string Counts(const Comparison& comparison) {
+}  // namespace
+
+Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps) {
+    PrinterFacts facts = *device.facts;
+    // Those of all answers.
+    facts.serialNumber = row.Text(Column::kSerial);
+    facts.macAddress = row.Text(Column::kMac);
+    facts.gaps = std::move(gaps);
+    Report parts = ReportOf(
+        facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols), device.hasVariables});
+    // What needs attention comes first, and who it is last.
+    const PrinterSummary summary = SummaryOf(facts);
+    ReportSection first;
+    first.Add("State", StateLine(row.standing, summary, facts.readTime), row.severity);
+    Report report = {std::move(first)};
+    for (const ReportPart part : {ReportPart::kState, ReportPart::kSupplies, ReportPart::kTrays,
+                                  ReportPart::kAlerts, ReportPart::kIdentity, ReportPart::kNotes})
+        report.push_back(std::move(parts[static_cast<size_t>(part)]));
+    ReportSection section;
+    if (!device.added.empty()) section.Add("Added", "by hand, as " + device.added);
+    section.Add("Types", Joined(device.types));
+    for (const std::string& endpoint : device.identity.Of(MergeKey::kEndpoint))
+        section.Add("Endpoint", PlainText(endpoint));
+    for (const Merge& merge : device.merges) {
+        const std::string text =
+            "by its " + std::string(KeyName(merge.key)) + " " + PlainText(merge.value);
+        // Several answers are often merged by the same key.
+        if (section.rows.empty() || section.rows.back().text != text)
+            section.Add("One device", text);
+    }
+    report.push_back(std::move(section));
+    return report;
+}
+
+std::vector<ChangeRow> ChangesOf(const Comparison& comparison) {
+    std::vector<ChangeRow> rows;
+    for (const size_t index : comparison.added)
+        rows.push_back({DeviceLine(comparison.after[index]), "new", "", ""});
+    for (const size_t index : comparison.gone)
+        rows.push_back({DeviceLine(comparison.before[index]), "gone", "", ""});
+    for (const DeviceChange& change : comparison.changed) {
+        for (const FieldChange& field : change.fields)
+            rows.push_back({DeviceLine(comparison.after[change.after]), field.field,
+                            PlainText(field.before), PlainText(field.after)});
+    }
+    return rows;
+}
+
+std::string CountsOf(const Comparison& comparison) {
     const auto named = [](const std::string& name, size_t devices) {
         return PlainText(name) + " (" + std::to_string(devices) +
                (devices == 1 ? " device)" : " devices)");
@@ -30,33 +79,9 @@ std::string Counts(const Comparison& comparison) {
            (printed == 0 ? "" : ", of which " + std::to_string(printed) + " have printed");
 }
 
-}  // namespace
-
-Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps) {
-    PrinterFacts facts = *device.facts;
-    // Those of all answers.
-    facts.serialNumber = row.Text(Column::kSerial);
-    facts.macAddress = row.Text(Column::kMac);
-    facts.gaps = std::move(gaps);
-    Report report = ReportOf(
-        facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols), device.hasVariables});
-    ReportSection section;
-    for (const std::string& endpoint : device.identity.Of(MergeKey::kEndpoint))
-        section.Add("Endpoint", PlainText(endpoint));
-    for (const Merge& merge : device.merges) {
-        const std::string text =
-            "by its " + std::string(KeyName(merge.key)) + " " + PlainText(merge.value);
-        // Several answers are often merged by the same key.
-        if (section.rows.empty() || section.rows.back().text != text)
-            section.Add("One device", text);
-    }
-    report.push_back(std::move(section));
-    return report;
-}
-
 Report ReportOf(const Comparison& comparison) {
     ReportSection section;
-    section.Add("compared", Counts(comparison));
+    section.Add("compared", CountsOf(comparison));
     for (const size_t index : comparison.added)
         AddDevice(section, "new", comparison.after[index], Mark::kNew);
     for (const size_t index : comparison.gone)

@@ -199,7 +199,7 @@ void ListControl::FillCell(LVITEMW& item) const {
     if ((item.mask & LVIF_IMAGE) && row < model_.Count()) item.iImage = model_.Image(row);
 }
 
-LRESULT ListControl::Draw(const NMLVCUSTOMDRAW& draw) const {
+LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
     switch (draw.nmcd.dwDrawStage) {
@@ -211,6 +211,7 @@ LRESULT ListControl::Draw(const NMLVCUSTOMDRAW& draw) const {
         default:
             return CDRF_DODEFAULT;
     }
+    if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
     const auto level = row < model_.Count() ? model_.Level(row, column) : std::nullopt;
     if (!level) return CDRF_DODEFAULT;
     RECT cell = {};

@@ -23,6 +23,8 @@ class ListModel {
     virtual std::optional<int> Level(size_t, size_t) const { return std::nullopt; }
     // The index of the row's image; -1: none.
     virtual int Image(size_t) const { return -1; }
+    // Whether the row is grey: what it shows may no longer be so.
+    virtual bool IsGrey(size_t) const { return false; }
     // The string to show instead of rows if there are none; 0: nothing.
     virtual unsigned EmptyText() const { return 0; }
     // The user has selected another row, or none; or has clicked a heading.
@@ -89,7 +91,7 @@ class ListControl {
 
   private:
     void FillCell(LVITEMW& item) const;
-    LRESULT Draw(const NMLVCUSTOMDRAW& draw) const;
+    LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
     std::wstring TextOf(int row, int column) const;
     std::vector<int> ShownOrder() const;
 

@@ -12,6 +12,28 @@
 #include "window/strings.h"
 
 namespace vndiscover::host {
+namespace {
+
+// `yes`, `no`: the strings of the buttons.
+int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsigned no) {
+    const std::wstring title = Text(IDS_TITLE), cancel = Text(IDS_CANCEL);
+    const std::wstring first = Text(yes), second = Text(no);
+    const TASKDIALOG_BUTTON buttons[] = {
+        {IDYES, first.c_str()}, {IDNO, second.c_str()}, {IDCANCEL, cancel.c_str()}};
+    TASKDIALOGCONFIG dialog = {};
+    dialog.cbSize = sizeof dialog;
+    dialog.hwndParent = owner;
+    dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
+    dialog.pszWindowTitle = title.c_str();
+    dialog.pszMainInstruction = question.c_str();
+    dialog.cButtons = 3;
+    dialog.pButtons = buttons;
+    int answer = IDCANCEL;
+    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
+    return answer;
+}
+
+}  // namespace
 
 const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure) {
     WNDCLASSW type = {};
@@ -109,22 +131,11 @@ void ShowException(HWND owner, bool isScript) noexcept {
 }
 
 int AskToSave(HWND owner) {
-    const std::wstring title = Text(IDS_TITLE), question = Text(IDS_ASK_SAVE);
-    const std::wstring save = Text(IDS_ASK_SAVE_YES), drop = Text(IDS_ASK_SAVE_NO);
-    const std::wstring cancel = Text(IDS_CANCEL);
-    const TASKDIALOG_BUTTON buttons[] = {
-        {IDYES, save.c_str()}, {IDNO, drop.c_str()}, {IDCANCEL, cancel.c_str()}};
-    TASKDIALOGCONFIG dialog = {};
-    dialog.cbSize = sizeof dialog;
-    dialog.hwndParent = owner;
-    dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
-    dialog.pszWindowTitle = title.c_str();
-    dialog.pszMainInstruction = question.c_str();
-    dialog.cButtons = 3;
-    dialog.pButtons = buttons;
-    int answer = IDCANCEL;
-    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
-    return answer;
+    return AskYesNoCancel(owner, Text(IDS_ASK_SAVE), IDS_ASK_SAVE_YES, IDS_ASK_SAVE_NO);
+}
+
+int AskHowToFind(HWND owner, const std::wstring& file) {
+    return AskYesNoCancel(owner, Text(IDS_FIND_HOW, {file}), IDS_FIND_ADD, IDS_FIND_NEW);
 }
 
 }  // namespace vndiscover::host

@@ -57,7 +57,9 @@ class ListDialog : protected ListModel {
     HWND dialog_ = nullptr;
 };
 
-// Asks whether to save the scan: IDYES, IDNO or IDCANCEL.
+// Ask whether to save the scan, and whether to add to an opened one (IDYES) or begin a new list
+// (IDNO). Each returns IDYES, IDNO or IDCANCEL.
 int AskToSave(HWND owner);
+int AskHowToFind(HWND owner, const std::wstring& file);
 
 }  // namespace vndiscover::host

@@ -6,9 +6,14 @@
 
 #include <algorithm>
 #include <optional>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/messages.h"
 #include "platform/wide_text.h"
+#include "values/text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/store/profiles.h"
@@ -51,10 +56,12 @@ Secret PasswordOf(HWND dialog, int id, const Secret* known) {
     return Secret(std::move(typed));
 }
 
+constexpr WPARAM kMaxCommunities = 2000;
+
 class SnmpDialog {
   public:
-    explicit SnmpDialog(Credentials& credentials)
-        : credentials_(credentials), known_(credentials.security) {}
+    SnmpDialog(Credentials& credentials, std::wstring reason)
+        : credentials_(credentials), reason_(std::move(reason)), known_(credentials.security) {}
 
     std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
         if (message == WM_INITDIALOG) {
@@ -71,12 +78,12 @@ class SnmpDialog {
         dialog_ = dialog;
         ChangeTexts(dialog);
         // Not the passwords, which the module takes in any length.
-        SendDlgItemMessageW(dialog, IDC_COMMUNITY, EM_LIMITTEXT, VN_COMMUNITY_MAX, 0);
+        SendDlgItemMessageW(dialog, IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities, 0);
         SendDlgItemMessageW(dialog, IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX, 0);
         SendDlgItemMessageW(dialog, IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName, 0);
-        const std::string& community = credentials_.community;
-        SetDlgItemTextW(dialog, IDC_COMMUNITY,
-                        ToWide(community.empty() ? VN_DEFAULT_COMMUNITY : community).c_str());
+        std::vector<std::string> communities = credentials_.communities;
+        for (std::string& one : communities) one = one.empty() ? VN_DEFAULT_COMMUNITY : one;
+        SetDlgItemTextW(dialog, IDC_COMMUNITY, ToWide(Joined(communities)).c_str());
         ListProfiles();
         if (known_) {
             const auto profile = ReadProfile(credentials_.profile);
@@ -163,8 +170,9 @@ class SnmpDialog {
                 dialog_, id, EM_SETCUEBANNER, TRUE,
                 reinterpret_cast<LPARAM>(hasPasswords && isKnown ? hint.c_str() : L""));
         }
+        const std::wstring note = Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE);
         SetDlgItemTextW(dialog_, IDC_PROFILE_NOTE,
-                        Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE).c_str());
+                        reason_.empty() ? note.c_str() : (reason_ + L"\n" + note).c_str());
     }
 
     void Delete() {
@@ -205,6 +213,8 @@ class SnmpDialog {
     }
 
     void Finish() {
+        auto communities = ParseCommunities(ToUtf8(FieldText(dialog_, IDC_COMMUNITY)));
+        if (!communities) return void(ShowMessage(Text(IDS_SNMP_BAD_COMMUNITY)));
         const std::wstring name = ProfileName();
         const bool isEmpty = name.empty() && FieldText(dialog_, IDC_USER).empty() &&
                              Chosen(dialog_, IDC_AUTH, kAuthLabels).empty() &&
@@ -215,7 +225,7 @@ class SnmpDialog {
             return void(ShowMessage(Text(IDS_PROFILE_BAD_NAME)));
         if (user && !name.empty() && !Save(name, *user)) return;
         if (name.empty()) SaveLastProfile(name);
-        credentials_.community = ToUtf8(FieldText(dialog_, IDC_COMMUNITY));
+        credentials_.communities = *std::move(communities);
         credentials_.security = user;
         credentials_.profile = user ? name : L"";
         End(TRUE);
@@ -247,6 +257,7 @@ class SnmpDialog {
     }
 
     Credentials& credentials_;
+    const std::wstring reason_;
     std::shared_ptr<const Security> known_;  // the user whose passwords need not be typed again
     HWND dialog_ = nullptr;
     std::vector<std::wstring> names_;
@@ -256,8 +267,24 @@ class SnmpDialog {
 
 }  // namespace
 
-bool AskCredentials(HWND owner, Credentials& credentials) {
-    SnmpDialog dialog(credentials);
+std::optional<std::vector<std::string>> ParseCommunities(const std::string& text) {
+    std::vector<std::string> communities;
+    std::istringstream parts(text);
+    for (std::string one; std::getline(parts, one, ',');) {
+        one.erase(0, one.find_first_not_of(' '));
+        one.erase(one.find_last_not_of(' ') + 1);
+        if (one.empty()) continue;
+        if (ToAnsi(one).size() > VN_COMMUNITY_MAX) return std::nullopt;
+        if (one == VN_DEFAULT_COMMUNITY) one.clear();
+        if (std::find(communities.begin(), communities.end(), one) == communities.end())
+            communities.push_back(std::move(one));
+    }
+    if (communities.empty()) communities.emplace_back();
+    return communities;
+}
+
+bool AskCredentials(HWND owner, Credentials& credentials, const std::wstring& reason) {
+    SnmpDialog dialog(credentials, reason);
     return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_SNMP), owner,
                            DialogProcedure<SnmpDialog>, reinterpret_cast<LPARAM>(&dialog)) == TRUE;
 }

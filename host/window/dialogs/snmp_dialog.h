@@ -1,16 +1,24 @@
-// Asks for the community, and for the SNMPv3 user with passwords: one that is saved as a profile,
+// Asks for the communities, and for the SNMPv3 user with passwords: one that is saved as a profile,
 // or a new one.
 #pragma once
 
 #include <windows.h>
+
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "window/work/engine.h"
 
 namespace vndiscover::host {
 
 // Returns false if the user cancelled; the credentials are then unchanged. An empty password field
-// keeps the known password. Without a profile name, nothing is saved.
-bool AskCredentials(HWND owner, Credentials& credentials);
+// keeps the known password. Without a profile name, nothing is saved. `reason`: why it is asked;
+// empty: the user wants it.
+bool AskCredentials(HWND owner, Credentials& credentials, const std::wstring& reason);
+
+// Those between commas, each once; none: the module's. Nothing if one is too long for the module.
+std::optional<std::vector<std::string>> ParseCommunities(const std::string& text);
 
 // Uses the user of a profile. Returns false if it does not exist or cannot be opened.
 bool UseProfile(const std::wstring& name, Credentials& credentials);

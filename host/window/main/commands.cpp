@@ -26,6 +26,7 @@ struct Command {
     bool startsGroup;                         // in the menu, after a line
     bool (*isEnabled)(const Window& window);  // null: always
     void (*run)(Window& window);              // null: it is a menu
+    bool (*isChecked)(const Window& window) = nullptr;  // null: it has no check mark
 };
 
 bool HasSelection(const Window& window) { return window.state.session.view.SelectedRow(); }
@@ -36,6 +37,17 @@ bool HasWebAddress(const Window& window) { return !window.devices.WebAddress().e
 bool CanSplit(const Window& window) {
     return HasSelection(window) &&
            window.state.session.CanSplit(*window.state.session.view.SelectedRow());
+}
+
+template <unsigned id, unsigned minutes>
+constexpr Command RefreshEvery(bool startsGroup = false) {
+    return {id,
+            {},
+            IDS_MENU_DEVICE,
+            startsGroup,
+            nullptr,
+            [](Window& window) { window.RefreshEvery(minutes); },
+            [](const Window& window) { return window.RefreshMinutes() == minutes; }};
 }
 
 constexpr Command kTable[] = {
@@ -94,9 +106,17 @@ constexpr Command kTable[] = {
      IDS_MENU_DEVICE,
      false,
      HasRows,
-     [](Window& w) { w.devices.AskAll(); }},
+     [](Window& w) { w.devices.ReadShown(); }},
+    {IDM_READ_FOUND,
+     {},
+     IDS_MENU_DEVICE,
+     false,
+     nullptr,
+     [](Window& w) { w.ToggleReadsFound(); },
+     [](const Window& w) { return w.ReadsFound(); }},
     {IDM_DIAGNOSE, {}, IDS_MENU_DEVICE, false, HasTarget, [](Window& w) { w.devices.Diagnose(); }},
     {IDM_WALK, {}, IDS_MENU_DEVICE, false, HasTarget, [](Window& w) { w.devices.Walk(); }},
+    {IDM_ADD, {}, IDS_MENU_DEVICE, false, nullptr, [](Window& w) { w.devices.AddByHand(); }},
     {IDM_SPLIT, {}, IDS_MENU_DEVICE, true, CanSplit, [](Window& w) { w.devices.Split(); }},
     {IDM_WEB,
      {},
@@ -105,6 +125,12 @@ constexpr Command kTable[] = {
      HasWebAddress,
      [](Window& w) { w.devices.OpenWebPage(); }},
 
+    RefreshEvery<IDM_REFRESH_NEVER, 0>(true),
+    RefreshEvery<IDM_REFRESH_1, 1>(),
+    RefreshEvery<IDM_REFRESH_5, 5>(),
+    RefreshEvery<IDM_REFRESH_15, 15>(),
+    RefreshEvery<IDM_REFRESH_60, 60>(),
+
     {IDM_SNMP, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.searches.AskForUser(); }},
     {IDM_DOCTOR,
      {},
@@ -112,6 +138,7 @@ constexpr Command kTable[] = {
      false,
      nullptr,
      [](Window& w) { w.devices.DiagnoseComputer(); }},
+    {IDM_CHANGES, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.OpenChanges(); }},
     {IDM_CALLS, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.calls.Open(w.Handle()); }},
 };
 
@@ -217,9 +244,13 @@ void EnableCommands(const MainWindow& window, HMENU menu) {
     for (int index = 0; index < GetMenuItemCount(menu); ++index) {
         const UINT id = GetMenuItemID(menu, index);
         const Command* command = id == static_cast<UINT>(-1) ? Find(IDS_MENU_CELLS) : Find(id);
+        const auto place = static_cast<UINT>(index);
         if (command && command->isEnabled)
-            EnableMenuItem(menu, static_cast<UINT>(index),
+            EnableMenuItem(menu, place,
                            MF_BYPOSITION | (command->isEnabled(window) ? MF_ENABLED : MF_GRAYED));
+        if (command && command->isChecked)
+            CheckMenuItem(menu, place,
+                          MF_BYPOSITION | (command->isChecked(window) ? MF_CHECKED : MF_UNCHECKED));
     }
 }
 

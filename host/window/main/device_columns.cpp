@@ -30,6 +30,11 @@ std::wstring ColumnName(Column column) {
     return Text(IDS_COLUMN_NAME + static_cast<unsigned>(column));
 }
 
+std::wstring ShownText(const DeviceRow& row, Column column) {
+    const std::string& text = row.Text(column);
+    return InfoOf(column).look == ColumnInfo::Look::kTime ? LocalTime(text) : ToWide(text);
+}
+
 void DeviceColumns::SetDefaults(Settings& settings) {
     for (size_t index = 0; index < kColumnCount; ++index) {
         settings.widths[index] = kColumns[index].width;
@@ -56,11 +61,11 @@ void DeviceColumns::Show(const Settings& settings) {
 }
 
 void DeviceColumns::Store(Settings& settings, int dpi) const {
-    std::vector<Heading> headings = Headings();
+    const std::vector<Column> columns = InOrder();
     // Hidden columns keep their places and widths.
-    auto next = headings.begin();
+    auto next = columns.begin();
     for (int32_t& index : settings.order) {
-        if (IsShown(static_cast<Column>(index))) index = static_cast<int32_t>((next++)->column);
+        if (IsShown(static_cast<Column>(index))) index = static_cast<int32_t>(*next++);
     }
     for (size_t index = 0; index < shown_.size(); ++index)
         settings.widths[static_cast<size_t>(shown_[index])] =
@@ -71,16 +76,13 @@ bool DeviceColumns::IsShown(Column column) const {
     return std::find(shown_.begin(), shown_.end(), column) != shown_.end();
 }
 
-std::vector<Heading> DeviceColumns::Headings() const {
+std::vector<Column> DeviceColumns::InOrder() const {
     std::vector<int> order(shown_.size());
     ListView_GetColumnOrderArray(list_->Handle(), static_cast<int>(order.size()), order.data());
-    std::vector<Heading> headings;
-    headings.reserve(order.size());
-    for (const int index : order) {
-        const Column column = At(static_cast<size_t>(index));
-        headings.push_back({column, ToUtf8(ColumnName(column))});
-    }
-    return headings;
+    std::vector<Column> columns;
+    columns.reserve(order.size());
+    for (const int index : order) columns.push_back(At(static_cast<size_t>(index)));
+    return columns;
 }
 
 void DeviceColumns::MarkSorted(Column sorted, bool isDescending) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "model/scan/device_writer.h"
+#include "model/scan/device_view.h"
 #include "window/controls/list_control.h"
 #include "window/store/settings.h"
 
@@ -14,6 +14,9 @@ namespace vndiscover::host {
 
 // The heading of a column.
 std::wstring ColumnName(Column column);
+
+// A cell as it is shown.
+std::wstring ShownText(const DeviceRow& row, Column column);
 
 // Numbers of columns in the list are not those of Column, since the list has only those shown.
 class DeviceColumns {
@@ -29,7 +32,7 @@ class DeviceColumns {
     Column At(size_t index) const { return index < shown_.size() ? shown_[index] : Column::kName; }
     bool IsShown(Column column) const;
     // As they are shown, from left to right.
-    std::vector<Heading> Headings() const;
+    std::vector<Column> InOrder() const;
     void MarkSorted(Column column, bool isDescending);
 
   private:

@@ -4,8 +4,10 @@
 
 #include <utility>
 
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
+#include "window/dialogs/add_dialog.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
@@ -31,27 +33,40 @@ DeviceCommands::DeviceCommands(WindowState& state, const DeviceList& list)
 void DeviceCommands::Ask(bool isAgain) {
     const DeviceRow* row = state_.session.view.SelectedRow();
     const auto target = state_.SelectedTarget();
-    if (!target || (!isAgain && state_.session.WasAsked(*row))) return;
-    if (state_.progress.IsReading(target->address)) return;
+    if (!target || state_.progress.IsReading(target->address)) return;
     // Credentials go to an address of a file only if the user says so.
     if (!isAgain && !state_.session.HasAnsweredHere(*row, target->address)) return;
     if (isAgain && target->credentials.security && target->kind == SweepKind::kSnmpV1) {
         // To a sweep, a device that refuses the user is silent.
         AskTarget second = *target;
         second.kind = SweepKind::kSnmpV3;
+        second.otherCommunities.clear();
         state_.workers->Ask(second, true);
     }
-    state_.workers->Ask(*target, true);
+    state_.workers->Ask(*target, true, !isAgain);
+    state_.StartStatusTimer();
 }
 
-void DeviceCommands::AskAll() {
+bool DeviceCommands::ReadShown() {
     const DeviceView& view = state_.session.view;
+    std::vector<AskTarget> targets;
     for (size_t index = 0; index < view.Count(); ++index) {
-        auto target = state_.session.TargetOf(view.Row(index));
-        if (!target || state_.session.WasAsked(view.Row(index))) continue;
-        target->credentials = state_.credentials;
-        state_.workers->Ask(*target, false);
+        if (auto target = state_.session.TargetOf(view.Row(index)))
+            targets.push_back(*std::move(target));
     }
+    return ReadAll(std::move(targets));
+}
+
+bool DeviceCommands::ReadFound() { return ReadAll(state_.session.TargetsToRead()); }
+
+bool DeviceCommands::ReadAll(std::vector<AskTarget> targets) {
+    if (targets.empty()) return false;
+    for (AskTarget& target : targets) target = state_.WithCredentials(std::move(target));
+    state_.progress.BeginReadingAll();
+    state_.workers->ReadAll(targets);
+    state_.StartStatusTimer();
+    Ask(false);  // the selected one whole
+    return true;
 }
 
 void DeviceCommands::Diagnose() {
@@ -79,6 +94,22 @@ void DeviceCommands::Split() {
     state_.showRows();
 }
 
+void DeviceCommands::AddByHand() {
+    const std::vector<std::string> hosts = AskHosts(state_.window);
+    if (!hosts.empty()) state_.workers->Resolve(hosts);
+}
+
+void DeviceCommands::Added(const std::vector<std::pair<std::string, std::string>>& addresses,
+                           const std::string& unknown) {
+    state_.session.AddByHand(addresses, UtcNow());
+    for (const auto& [address, typed] : addresses) {
+        AskTarget target;
+        target.address = address;
+        state_.workers->Ask(state_.WithCredentials(std::move(target)), false);
+    }
+    if (!unknown.empty()) state_.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
+}
+
 std::string DeviceCommands::WebAddress() const {
     const DeviceRow* row = state_.session.view.SelectedRow();
     if (!row) return "";
@@ -101,7 +132,7 @@ void DeviceCommands::OpenWebPage() const {
 void DeviceCommands::CopyCell(Column column) {
     const DeviceRow* row = state_.session.view.SelectedRow();
     if (!row) return;
-    const std::wstring text = list_.TextOf(*row, column);
+    const std::wstring text = ShownText(*row, column);
     if (CopyText(state_.window, text)) state_.progress.SetNote(Text(IDS_COPIED, {text}));
 }
 

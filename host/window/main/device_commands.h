@@ -2,6 +2,8 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "window/controls/clipboard.h"
 #include "window/main/device_list.h"
@@ -19,13 +21,21 @@ class DeviceCommands {
     WalkWindow walk;
     DoctorPage doctor;
 
-    // `isAgain`: the user says so. Otherwise it is asked once, and only if it has answered here.
+    // Reads the selected device next. `isAgain`: the user says so. Otherwise only if it has
+    // answered here.
     void Ask(bool isAgain);
-    void AskAll();
+    // Reads, for the list, the rows that are shown; or those that the last search has found.
+    // Returns whether there are any.
+    bool ReadShown();
+    bool ReadFound();
     void Diagnose();
     void DiagnoseComputer();
     void Walk();
     void Split();
+    // Asks for addresses; those that have been resolved are read.
+    void AddByHand();
+    void Added(const std::vector<std::pair<std::string, std::string>>& addresses,
+               const std::string& unknown);
     // The first of its IPv4 addresses; empty if there is none.
     std::string WebAddress() const;
     void OpenWebPage() const;
@@ -34,6 +44,8 @@ class DeviceCommands {
     void CopyTable() const { CopyText(state_.window, list_.List().TableText(true)); }
 
   private:
+    bool ReadAll(std::vector<AskTarget> targets);
+
     WindowState& state_;
     const DeviceList& list_;
 };

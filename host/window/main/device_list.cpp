@@ -2,7 +2,6 @@
 
 #include <windowsx.h>
 
-#include "platform/wide_text.h"
 #include "window/main/commands.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -54,7 +53,9 @@ void DeviceList::ShowMenu(LPARAM place) {
 }
 
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
-    return TextOf(session_.view.Row(row), columns_.At(column));
+    const DeviceRow& shown = session_.view.Row(row);
+    const bool isMarked = columns_.At(column) == Column::kState && changes_.IsMarked(shown);
+    return (isMarked ? L"\x25CF " : L"") + ShownText(shown, columns_.At(column));
 }
 
 std::optional<int> DeviceList::Level(size_t row, size_t column) const {
@@ -74,11 +75,6 @@ void DeviceList::OnSelected() {
     if (row < 0) return;  // no row yet: the selection stays until another one is selected
     session_.view.Select(static_cast<size_t>(row));
     actions_.onSelected();
-}
-
-std::wstring DeviceList::TextOf(const DeviceRow& row, Column column) const {
-    const std::string& text = row.Text(column);
-    return InfoOf(column).look == ColumnInfo::Look::kTime ? LocalTime(text) : ToWide(text);
 }
 
 }  // namespace vndiscover::host

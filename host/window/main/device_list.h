@@ -10,6 +10,7 @@
 #include <string>
 #include <utility>
 
+#include "model/scan/change_log.h"
 #include "window/controls/list_control.h"
 #include "window/main/device_columns.h"
 #include "window/work/session.h"
@@ -22,9 +23,9 @@ class DeviceList : private ListModel {
         std::function<void()> onSelected;     // the user has selected a row
         std::function<unsigned()> emptyText;  // the string to show without rows
     };
-    // The session must outlive the list.
-    DeviceList(Session& session, Actions actions)
-        : session_(session), actions_(std::move(actions)) {}
+    // Session and changes must outlive the list.
+    DeviceList(Session& session, const ChangeLog& changes, Actions actions)
+        : session_(session), changes_(changes), actions_(std::move(actions)) {}
     // The list is a child of `parent` and is destroyed with it.
     void Create(HWND parent);
     HWND Handle() const { return list_.Handle(); }
@@ -43,19 +44,22 @@ class DeviceList : private ListModel {
 
     // The column of the cell that was clicked last.
     Column ChosenColumn() const { return chosenColumn_; }
-    // As it is shown.
-    std::wstring TextOf(const DeviceRow& row, Column column) const;
     const ListControl& List() const { return list_; }
 
   private:
     size_t Count() const override { return session_.view.Count(); }
     std::wstring CellText(size_t row, size_t column) const override;
     std::optional<int> Level(size_t row, size_t column) const override;
+    bool IsGrey(size_t row) const override {
+        const Standing::Kind kind = session_.view.Row(row).standing.kind;
+        return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
+    }
     unsigned EmptyText() const override { return actions_.emptyText(); }
     void OnSelected() override;
     void OnHeading(size_t column) override;
 
     Session& session_;
+    const ChangeLog& changes_;
     Actions actions_;
     ListControl list_{*this};
     DeviceColumns columns_;

@@ -23,10 +23,13 @@ Layout Arrange(const LayoutInput& input) {
         layout.bar.push_back({x, y, width, rowHeight});
         x += width + gap;
     }
-    y += rowHeight + gap;
+    y += rowHeight;
     const int inner = std::max(0, right - margin);
+    layout.note = {margin, y, inner, input.textHeight};
+    y += input.textHeight + gap;
+    const int least = std::min(scaled(280), inner / 2);
     const int detailsWidth =
-        std::min(std::max(inner * 38 / 100, std::min(scaled(280), inner / 2)), scaled(560));
+        std::min(std::max(inner * (100 - input.splitPercent) / 100, least), inner - least);
     const int devicesWidth = std::max(0, inner - detailsWidth - margin);
     const int listTop = y + input.textHeight + scaled(4);
     const int listHeight = std::max(0, input.height - input.statusHeight - gap - listTop);

@@ -15,12 +15,14 @@ struct LayoutInput {
     int statusHeight = 0;
     int dpi = 96;
     int textHeight = 0;
+    int splitPercent = 62;          // of the width that the devices have
     std::vector<int> barWidths;     // of the controls in the bar, in order
     std::vector<bool> startsGroup;  // has a wider space before it
 };
 
 struct Layout {
     std::vector<Box> bar;  // wrapped into rows
+    Box note;              // in a row of its own
     Box devicesLabel, devices, detailsLabel, details;
 };
 

@@ -1,15 +1,17 @@
 // VnBrowser.exe: a window that shows devices, and an example of a host with a user interface.
 //
-//   VnBrowser.exe [--profile NAME] [--sweep [--save FILE] [--exit]]
+//   VnBrowser.exe [--profile NAME] [--community NAME]... [--look-for printers|everything|module]
+//                 [--sweep [--read] [--save FILE] [--csv FILE] [--exit]]
 //
 // With --profile, SNMPv3 is used too, with the user that the window has saved under that name. With
-// --exit, no window is shown, and problems go to the error output. Exit codes: 0 devices answered,
-// 1 none, or the file could not be saved, 2 wrong usage, or the profile could not be opened, or a
-// sweep failed.
+// --exit, no window is shown, and problems go to the error output, where wrong usage is told in any
+// case. Exit codes: 0 devices answered, 1 none, or a file could not be saved, 2 wrong usage, or the
+// profile could not be opened, or a sweep failed.
 #include <windows.h>
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,6 +19,7 @@
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
+#include "window/dialogs/snmp_dialog.h"
 #include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -26,40 +29,97 @@ namespace vndiscover::host {
 namespace {
 
 constexpr char kExit[] = "--exit";
+constexpr const char* kPresetWords[] = {"printers", "everything", "module"};
+static_assert(std::size(kPresetWords) == kPresetCount);
+
+// Those with a value. The value must be valid.
+constexpr struct ValueOption {
+    const char* word;
+    bool (*read)(const std::string& value, StartOptions& options);
+} kValueOptions[] = {{"--profile",
+                      [](const std::string& value, StartOptions& options) {
+                          options.profile = ToWide(value);
+                          return true;
+                      }},
+                     {"--community",
+                      [](const std::string& value, StartOptions& options) {
+                          const auto communities = ParseCommunities(value);
+                          if (communities)
+                              options.communities.insert(options.communities.end(),
+                                                         communities->begin(), communities->end());
+                          return communities.has_value();
+                      }},
+                     {"--look-for",
+                      [](const std::string& value, StartOptions& options) {
+                          const auto* const preset =
+                              std::find(std::begin(kPresetWords), std::end(kPresetWords), value);
+                          options.lookFor =
+                              static_cast<unsigned>(preset - std::begin(kPresetWords));
+                          return preset != std::end(kPresetWords);
+                      }},
+                     {"--save",
+                      [](const std::string& value, StartOptions& options) {
+                          options.savePath = value;
+                          return true;
+                      }},
+                     {"--csv", [](const std::string& value, StartOptions& options) {
+                          options.csvPath = value;
+                          return true;
+                      }}};
 
 // Returns what is wrong; empty: nothing.
 std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& options) {
     for (size_t index = 0; index < words.size(); ++index) {
         const std::string& word = words[index];
-        if (word == "--sweep") {
-            options.sweep = true;
-        } else if (word == kExit) {
-            options.exit = true;
-        } else if (word != "--profile" && word != "--save") {
-            return Text(IDS_NO_OPTION, {ToWide(word)});
-        } else if (index + 1 == words.size() || words[index + 1].empty()) {
-            return Text(IDS_NO_VALUE, {ToWide(word)});  // as an unset variable of a script gives it
-        } else if (word == "--profile") {
-            options.profile = ToWide(words[++index]);
-        } else {
-            options.savePath = words[++index];
+        bool* const flag = word == "--sweep"  ? &options.sweep
+                           : word == "--read" ? &options.read
+                           : word == kExit    ? &options.exit
+                                              : nullptr;
+        if (flag) {
+            *flag = true;
+            continue;
         }
+        const auto* const option =
+            std::find_if(std::begin(kValueOptions), std::end(kValueOptions),
+                         [&](const ValueOption& one) { return word == one.word; });
+        if (option == std::end(kValueOptions)) return Text(IDS_NO_OPTION, {ToWide(word)});
+        // An unset variable of a script gives an empty one, or the next option.
+        if (index + 1 == words.size() || words[index + 1].empty() ||
+            words[index + 1].rfind("--", 0) == 0)
+            return Text(IDS_NO_VALUE, {ToWide(word)});
+        if (!option->read(words[++index], options))
+            return Text(IDS_BAD_VALUE, {ToWide(word), ToWide(words[index])});
     }
-    if (!options.sweep && (options.exit || !options.savePath.empty())) return Text(IDS_NO_SWEEP);
-    // Found out before the sweep.
-    std::string problem;
-    if (options.savePath.empty() || CanReplaceFile(options.savePath, problem)) return L"";
-    return Text(IDS_NOT_SAVED, {ToWide(problem)});
+    const bool needsSweep =
+        options.exit || options.read || !options.savePath.empty() || !options.csvPath.empty();
+    return needsSweep && !options.sweep ? Text(IDS_NO_SWEEP) : L"";
+}
+
+// Found out before the sweep. Returns what is wrong; empty: nothing.
+std::wstring CheckFiles(const StartOptions& options) {
+    for (const std::string& path : {options.savePath, options.csvPath}) {
+        std::string problem;
+        if (!path.empty() && !CanReplaceFile(path, problem))
+            return Text(IDS_NOT_SAVED, {ToWide(problem)});
+    }
+    return L"";
 }
 
 int Run() {
-    constexpr int kWrongUsage = 2;
     const auto words = CommandLineArguments();
+    if (!words.empty() && words.back() == kReaderOption) {
+        ServeReader();
+        return kFound;
+    }
     const bool isScript = std::count(words.begin(), words.end(), kExit) != 0;
     StartOptions options;
     if (const std::wstring problem = ReadOptions(words, options); !problem.empty()) {
-        ShowProblem(nullptr, problem + L"\n\n" + Text(IDS_USAGE), isScript);
-        return kWrongUsage;
+        ShowProblem(nullptr, problem + L"\n\n" + Text(IDS_USAGE), true);
+        return kFailed;
+    }
+    if (const std::wstring problem = CheckFiles(options); !problem.empty()) {
+        ShowProblem(nullptr, problem, true);
+        return kNone;
     }
     try {
         ModuleEngine engine;
@@ -67,7 +127,7 @@ int Run() {
         return window.Run();
     } catch (const std::exception& error) {
         ShowProblem(nullptr, ToWide(error.what()), isScript);
-        return kWrongUsage;
+        return kFailed;
     }
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/messages.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
 #include "window/controls/dpi.h"
@@ -19,6 +20,7 @@ namespace vndiscover::host {
 namespace {
 
 constexpr UINT_PTR kFrameTimer = 1;
+constexpr UINT_PTR kRefreshTimer = 3;  // 2 is that of the status
 constexpr UINT kFrameMs = 100;
 
 }  // namespace
@@ -103,21 +105,23 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      }}};
 
 MainWindow::MainWindow(Engine& engine, StartOptions options)
-    : list(state.session, {[this] {
-                               details.Show();
-                               devices.Ask(false);
-                           },
-                           [this]() -> unsigned {
-                               if (state.session.view.Total() != 0) return IDS_ALL_HIDDEN;
-                               const bool isOver =
-                                   state.progress.HasSearched() && !state.progress.IsSearching();
-                               return isOver ? IDS_NONE_FOUND : IDS_EMPTY;
-                           }}) {
+    : list(state.session, state.changes,
+           {[this] {
+                state.changes.Unmark(*state.session.view.SelectedRow());
+                ShowDetails();
+                devices.Ask(false);
+            },
+            [this]() -> unsigned {
+                if (state.session.view.Total() != 0) return IDS_ALL_HIDDEN;
+                const bool isOver = state.progress.HasSearched() && !state.progress.IsSearching();
+                return isOver ? IDS_NONE_FOUND : IDS_EMPTY;
+            }}) {
     state.options = std::move(options);
     state.showRows = [this] { ShowRows(); };
     state.handleResults = [this] { OnResults(); };
-    const INITCOMMONCONTROLSEX controls = {
-        sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES | ICC_TAB_CLASSES};
+    const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES |
+                                                                ICC_TAB_CLASSES |
+                                                                ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&controls);
     const wchar_t* const type = RegisterType(L"VnBrowser", WindowProcedure<MainWindow>);
     keys_ = MakeKeys();
@@ -132,15 +136,16 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     CreateControls();
     SetDpi(DpiOf(state.window));
     RestoreSettings();
-    SetWindowPos(state.window, nullptr, 0, 0, Scaled(1100, dpi_), Scaled(620, dpi_),
-                 SWP_NOMOVE | SWP_NOZORDER);
+    PlaceWindow();
     state.workers = std::make_unique<Workers>(engine, state.queue);
     state.workers->ReadAdapters();
     ShowRows();
     ShowStatus();
-    if (!state.options.exit) ShowWindow(state.window, SW_SHOWDEFAULT);
+    if (!state.options.exit)
+        ShowWindow(state.window, settings_.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
     SetFocus(GetDlgItem(state.window, IDC_FIND));
-    if (!state.options.profile.empty()) bar.UseV3(true);
+    ApplyOptions();
+    RefreshEvery(settings_.refreshMinutes);
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
 }
 
@@ -191,7 +196,9 @@ void MainWindow::CreateControls() {
     list.Create(window);
     CreateControl(window, L"STATIC", IDS_DETAILS, SS_NOPREFIX, IDC_DETAILS_LABEL);
     details.Create(window);
-    CreateControl(window, STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
+    const HWND status =
+        CreateControl(window, STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
+    ShowWindow(CreateControl(status, PROGRESS_CLASSW, 0, 0, IDC_READ_BAR), SW_HIDE);
 }
 
 void MainWindow::SetDpi(int dpi) {
@@ -213,11 +220,36 @@ void MainWindow::RestoreSettings() {
     ShowColumns();
 }
 
+void MainWindow::ApplyOptions() {
+    const StartOptions& options = state.options;
+    if (!options.profile.empty()) bar.UseV3(true);
+    if (options.lookFor) bar.Choose(*options.lookFor);
+    if (!options.communities.empty()) state.credentials.communities = options.communities;
+    state.session.view.ShowOnlyPrinters(bar.LooksForPrinters());
+}
+
 void MainWindow::StoreSettings() {
     if (state.options.exit) return;
+    WINDOWPLACEMENT place = {};
+    place.length = sizeof place;
+    GetWindowPlacement(state.window, &place);
+    settings_.place = place.rcNormalPosition;
+    settings_.isMaximized = place.showCmd == SW_SHOWMAXIMIZED;
     bar.Store(settings_);
     list.StoreColumns(settings_);
     SaveSettings(settings_);
+}
+
+// Where it was when it was closed last, if a monitor is there.
+void MainWindow::PlaceWindow() {
+    const RECT& place = settings_.place;
+    if (IsRectEmpty(&place) || !MonitorFromRect(&place, MONITOR_DEFAULTTONULL)) {
+        SetWindowPos(state.window, nullptr, 0, 0, Scaled(1100, dpi_), Scaled(620, dpi_),
+                     SWP_NOMOVE | SWP_NOZORDER);
+        return;
+    }
+    SetWindowPos(state.window, nullptr, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top, SWP_NOZORDER);
 }
 
 void MainWindow::ToggleColumn(Column column) {
@@ -252,6 +284,7 @@ void MainWindow::Place() {
     input.height = client.bottom;
     input.statusHeight = status.bottom - status.top;
     input.dpi = dpi_;
+    input.splitPercent = settings_.splitPercent;
     input.textHeight = MulDiv(std::abs(font.lfHeight), 4, 3);
     bar.Measure(font_.Get(), input);
     const Layout layout = Arrange(input);
@@ -259,6 +292,10 @@ void MainWindow::Place() {
     const auto move = [&](int id, const Box& box) {
         MoveWindow(GetDlgItem(state.window, id), box.x, box.y, box.width, box.height, TRUE);
     };
+    move(IDC_PRESET_NOTE, layout.note);
+    const int barWidth = std::min(Scaled(160, dpi_), static_cast<int>(client.right) / 4);
+    MoveWindow(GetDlgItem(statusBar, IDC_READ_BAR), client.right - barWidth - Scaled(20, dpi_),
+               Scaled(4, dpi_), barWidth, input.statusHeight - Scaled(7, dpi_), TRUE);
     move(IDC_DEVICES_LABEL, layout.devicesLabel);
     move(IDC_DEVICES, layout.devices);
     move(IDC_DETAILS_LABEL, layout.detailsLabel);
@@ -271,20 +308,52 @@ void MainWindow::ShowRows() {
     list.Show();
     const DeviceView& view = state.session.view;
     const std::wstring count = std::to_wstring(view.Count());
-    const std::wstring title = view.Count() == view.Total()
-                                   ? Text(IDS_SHOWN, {count})
-                                   : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
+    std::wstring title = view.Count() == view.Total()
+                             ? Text(IDS_SHOWN, {count})
+                             : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
+    if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, std::to_wstring(view.Others())});
     ChangeText(GetDlgItem(state.window, IDC_DEVICES_LABEL), title);
+    ShowDetails();
+}
+
+void MainWindow::ShowDetails() {
+    const DeviceRow* row = state.session.view.SelectedRow();
+    std::wstring title = Text(IDS_DETAILS);
+    for (const Column column : {Column::kName, Column::kModel, Column::kAddress}) {
+        if (!row || row->Text(column).empty()) continue;
+        title = Text(IDS_DETAILS_OF, {ToWide(row->Text(column))});
+        break;
+    }
+    ChangeText(GetDlgItem(state.window, IDC_DETAILS_LABEL), title);
     details.Show();
 }
 
 void MainWindow::ShowStatus() {
+    const bool isSending =
+        state.progress.IsSearching() || (state.workers && state.workers->IsSending());
+    if (!isSending) state.progress.SetIdle();
+    bar.SetButton(!isSending ? IDS_FIND : state.progress.IsStopping() ? IDS_STOPPING : IDS_STOP);
     ChangeText(GetDlgItem(state.window, IDC_STATUS), state.StatusText());
+    ShowReadBar(state.Now());
+}
+
+void MainWindow::ShowReadBar(const Progress::Status& status) const {
+    const HWND readBar = GetDlgItem(GetDlgItem(state.window, IDC_STATUS), IDC_READ_BAR);
+    const bool isReading = status.kind == Progress::Kind::kReadingAll;
+    if (isReading) {
+        SendMessageW(readBar, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.total));
+        SendMessageW(readBar, PBM_SETPOS, status.count, 0);
+    }
+    ShowWindow(readBar, isReading ? SW_SHOWNA : SW_HIDE);
 }
 
 void MainWindow::OnCommand(int id, int code) {
     if (id == IDC_FILTER && code == EN_CHANGE) {
         state.session.view.Filter(bar.FilterText());
+        ShowRows();
+    } else if (id == IDC_PRESET && code == CBN_SELCHANGE) {
+        bar.ShowNote();
+        state.session.view.ShowOnlyPrinters(bar.LooksForPrinters());
         ShowRows();
     } else if (RunCommand(*this, static_cast<unsigned>(id))) {
         ShowStatus();
@@ -292,35 +361,89 @@ void MainWindow::OnCommand(int id, int code) {
 }
 
 void MainWindow::FindOrStop() {
-    if (state.progress.IsSearching()) return StopAll();
+    if (state.progress.IsSearching() || state.workers->IsSending()) return StopAll();
     searches.Start();
 }
 
+void MainWindow::RefreshEvery(unsigned minutes) {
+    settings_.refreshMinutes = minutes;
+    KillTimer(Handle(), kRefreshTimer);
+    if (minutes != 0) SetTimer(Handle(), kRefreshTimer, minutes * 60000, nullptr);
+}
+
+// Asks the user nothing, who may be away.
+void MainWindow::Refresh() {
+    const bool needsUser = bar.UsesV3() && !state.credentials.security;
+    if (!state.file.empty() || needsUser || !IsWindowEnabled(Handle()) ||
+        state.progress.IsSearching() || state.workers->IsSending())
+        return;
+    searches.Start();
+    ShowStatus();
+}
+
+void MainWindow::TakeChanges() {
+    if (state.progress.IsSearching()) return;  // whether a device is missed is not known yet
+    const std::string time = UtcNow();
+    bool hasChanged = false;
+    for (const DeviceRow& row : state.session.view.AllRows())
+        hasChanged |= state.changes.Take(row, time);
+    if (!hasChanged) return;
+    FLASHWINFO flash = {sizeof flash, Handle(), FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
+    FlashWindowEx(&flash);
+    changes.Show(ChangeRows());
+}
+
+std::vector<TableWindow::Row> MainWindow::ChangeRows() const {
+    std::vector<TableWindow::Row> rows;
+    for (const StateChange& one : state.changes.Changes())
+        rows.push_back(
+            {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
+    return rows;
+}
+
+void MainWindow::OpenChanges() {
+    const std::wstring count = std::to_wstring(state.changes.Changes().size());
+    changes.Open(Handle(), Text(IDS_CHANGES_TITLE), Text(IDS_CHANGES_NOTE, {count}),
+                 {{IDS_CALL_TIME, 140},
+                  {IDS_CHANGE_DEVICE, 260},
+                  {IDS_CHANGE_BEFORE, 150},
+                  {IDS_CHANGE_AFTER, 150}},
+                 ChangeRows());
+}
+
 void MainWindow::StopAll() {
-    if (!state.progress.IsSearching() && !state.progress.IsAsking()) return;
-    searches.Stop();
+    if (!state.progress.IsSearching() && !state.workers->IsSending()) return;
+    state.workers->Stop();
+    state.progress.Stop();
     devices.doctor.Stop(state.window);
 }
 
 void MainWindow::OnResults() {
     KillTimer(state.window, kFrameTimer);
     state.queue.RunAll(handler_);
-    if (state.session.Refresh()) ShowRows();
+    if (state.session.Refresh()) {
+        TakeChanges();
+        ShowRows();
+    }
     calls.Refresh();
     devices.walk.Refresh();
     if (searches.IsOver()) {
         InvalidateRect(list.Handle(), nullptr, TRUE);
-        details.Show();  // protocols are no longer pending
         searches.Finish();
+        ShowDetails();  // protocols are no longer pending
     }
-    if (state.workers && !state.workers->IsBusy())
+    if (state.workers && !state.workers->IsBusy()) {
+        state.session.EndReadings();
         KillTimer(state.window, WindowState::kStatusTimer);
+    }
     ShowStatus();
 }
 
 void MainWindow::OnTimer(UINT_PTR timer) {
     if (timer == kFrameTimer) return OnResults();
-    if (state.workers && state.progress.IsStopping()) state.workers->RepeatStop();
+    if (timer == kRefreshTimer) return Refresh();
+    if (state.workers && state.progress.IsSearching() && state.progress.IsStopping())
+        state.workers->RepeatStop();
     devices.walk.Refresh();
     ShowStatus();
 }

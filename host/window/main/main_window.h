@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "window/controls/owners.h"
 #include "window/main/device_commands.h"
@@ -40,14 +41,22 @@ class MainWindow {
     // Its parts, for the commands.
     WindowState state;
     SearchBar bar;
-    DeviceList list;
+    DeviceList list;  // after the state, whose changes it marks
     DetailsPane details{state.session};
     ScanCommands scans{state, list.Columns()};
-    Searches searches{state, bar, scans};
+    Searches searches{state, bar, scans, [this] { return ReadsFound() && devices.ReadFound(); }};
     DeviceCommands devices{state, list};
     CallsWindow calls;
+    TableWindow changes{[this](const std::string& csv) { scans.SaveTable(csv); }};
     void ToggleColumn(Column column);
+    bool ReadsFound() const {
+        return state.options.exit ? state.options.read : settings_.readsFound;
+    }
+    void ToggleReadsFound() { settings_.readsFound ^= 1; }
     void FindOrStop();
+    void RefreshEvery(unsigned minutes);  // 0: not by itself
+    unsigned RefreshMinutes() const { return settings_.refreshMinutes; }
+    void OpenChanges();
     void StopAll();  // if something is in progress
 
   private:
@@ -57,13 +66,20 @@ class MainWindow {
     void CreateControls();
     void SetDpi(int dpi);
     void RestoreSettings();
+    void ApplyOptions();
+    void PlaceWindow();
     void StoreSettings();
     void ShowColumns();
     void Place();
     void ShowRows();
+    void ShowDetails();
     void ShowStatus();
+    void ShowReadBar(const Progress::Status& status) const;
     void OnCommand(int id, int code);
     void OnResults();
+    void TakeChanges();
+    void Refresh();
+    std::vector<TableWindow::Row> ChangeRows() const;
     void OnTimer(UINT_PTR timer);
     bool MayClose();
     void OnClose();

@@ -29,16 +29,21 @@ class ResultHandler : public Results {
         state_.progress.CountAnswer();
     }
     void OnSweepEnded(WorkerId worker, const std::string& problem) override {
-        state_.session.EndSweep(worker);
+        state_.session.EndSweep(worker, problem.empty() && !state_.progress.IsStopping());
         searches_.EndSweep(problem);
     }
-    void OnReadingBegan(const std::string& address) override {
-        state_.progress.BeginReading(address);
+    void OnReadingBegan(const std::string& address, bool isForList) override {
+        state_.session.BeginReading(address);
+        if (!isForList) state_.progress.BeginReading(address);
         state_.StartStatusTimer();
     }
     void OnRead(Read read) override {
-        state_.progress.EndAsking();
+        if (!read.isForList) state_.progress.EndAsking();
         state_.session.AddReading(std::move(read));
+    }
+    void OnReadAll(size_t read, size_t total, bool) override {
+        state_.progress.EndReadingAll(read, total);
+        searches_.EndReading();
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {
         state_.progress.BeginWalk(address);
@@ -62,6 +67,9 @@ class ResultHandler : public Results {
         state_.progress.EndAsking();
         if (!state_.workers) return;
         devices_.doctor.ShowDiagnosis(address, std::move(diagnosis), adapters, state_.window);
+    }
+    void OnResolved(const Addresses& addresses, const std::string& unknown) override {
+        if (state_.workers) devices_.Added(addresses, unknown);
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);

@@ -1,20 +1,49 @@
 #include "window/main/scan_commands.h"
 
+#include <algorithm>
+#include <cwchar>
 #include <utility>
 
+#include "model/scan/device_writer.h"
+#include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
-#include "window/pages/page_window.h"
 #include "window/resource.h"
 #include "window/store/scan_files.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
+namespace {
+
+// When its last search began; without one, its last answer came.
+std::string TimeOf(const Scan& scan) {
+    std::string search, answer;
+    for (const ScanSweep& sweep : scan.sweeps) {
+        if (sweep.form != AnswerForm::kVariable) search = std::max(search, sweep.time);
+    }
+    for (const ScanAnswer& one : scan.answers) answer = std::max(answer, one.time);
+    return search.empty() ? answer : search;
+}
+
+std::string FileName(const std::string& path) { return path.substr(path.find_last_of("\\/") + 1); }
+
+// "printers 2026-11-23 0912"
+std::wstring ProposedName() {
+    SYSTEMTIME now = {};
+    GetLocalTime(&now);
+    wchar_t name[40] = L"";
+    swprintf(name, 40, L"printers %04u-%02u-%02u %02u%02u", now.wYear, now.wMonth, now.wDay,
+             now.wHour, now.wMinute);
+    return name;
+}
+
+}  // namespace
 
 void ScanCommands::WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                             bool (ScanCommands::*method)(const std::string& path)) {
-    const std::string path = AskPath(state_.window, kind, extension, isForSaving);
+    const std::string path =
+        AskPath(state_.window, kind, extension, isForSaving ? ProposedName() : L"", isForSaving);
     if (!path.empty()) (this->*method)(path);
 }
 
@@ -23,10 +52,20 @@ void ScanCommands::Open() {
 }
 
 void ScanCommands::Clear() {
-    if (!MayReplace()) return;
+    if (MayReplace()) Empty();
+}
+
+void ScanCommands::Empty() {
     state_.session.Clear();
     state_.progress.ForgetSearch();
+    SetFile(L"");
     state_.showRows();
+}
+
+void ScanCommands::SetFile(const std::wstring& file) {
+    state_.file = file;
+    const std::wstring title = Text(IDS_TITLE);
+    ChangeText(state_.window, file.empty() ? title : file + L" - " + title);
 }
 
 bool ScanCommands::HasScan() const {
@@ -37,7 +76,11 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     std::wstring problem;
     auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
+    const std::wstring time = LongTime(TimeOf(*scan));
     state_.session.SetScan(std::move(*scan));
+    state_.progress.ForgetSearch();
+    const std::wstring name = ToWide(FileName(path));
+    SetFile(time.empty() ? name : Text(IDS_SCAN_OF, {name, time}));
     state_.showRows();
     return true;
 }
@@ -46,8 +89,20 @@ bool ScanCommands::CompareWith(const std::string& path) {
     std::wstring problem;
     const auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
-    OpenPage(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(path)}),
-             RowsOf(ReportOf(CompareDevices(MakeDevices(*scan), state_.session.Devices()))));
+    Comparison changes = CompareDevices(MakeDevices(*scan), state_.session.Devices());
+    changes.beforeName = FileName(path);
+    changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
+    std::vector<TableWindow::Row> rows;
+    for (const ChangeRow& row : ChangesOf(changes))
+        rows.push_back(
+            {ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)});
+    comparison.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(path)}),
+                    ToWide(CountsOf(changes)),
+                    {{IDS_CHANGE_DEVICE, 300},
+                     {IDS_CHANGE_WHAT, 120},
+                     {IDS_CHANGE_BEFORE, 140},
+                     {IDS_CHANGE_AFTER, 140}},
+                    std::move(rows));
     return true;
 }
 
@@ -66,10 +121,36 @@ bool ScanCommands::SaveTextTo(const std::string& text, const std::string& path) 
     return true;
 }
 
+void ScanCommands::SaveTable(const std::string& csv) {
+    table_ = csv;
+    WithPath(IDS_CSV_FILES, L"csv", true, &ScanCommands::SaveTableTo);
+}
+
+bool ScanCommands::SaveCsvTo(const std::string& path) {
+    const std::vector<Column> columns = columns_.InOrder();
+    std::vector<std::string> cells;
+    for (const Column column : columns) cells.push_back(ToUtf8(ColumnName(column)));
+    std::string csv = kByteOrderMark + CsvLine(cells, ListSeparator());
+    const DeviceView& view = state_.session.view;
+    for (size_t row = 0; row < view.Count(); ++row) {
+        for (size_t index = 0; index < columns.size(); ++index)
+            cells[index] = ToUtf8(ShownText(view.Row(row), columns[index]));
+        csv += CsvLine(cells, ListSeparator());
+    }
+    return SaveTextTo(csv, path);
+}
+
+bool ScanCommands::SaveJsonTo(const std::string& path) {
+    std::vector<PrinterLine> lines;
+    const DeviceView& view = state_.session.view;
+    for (size_t row = 0; row < view.Count(); ++row)
+        lines.push_back(state_.session.LineOf(view.Row(row)));
+    return SaveTextTo(PrintersJson(lines), path);
+}
+
 bool ScanCommands::MayReplace() {
     state_.handleResults();  // those that have not been handled yet
-    const bool isFilled = state_.progress.IsSearching() || state_.progress.IsAsking() ||
-                          state_.workers->Waiting() != 0;
+    const bool isFilled = state_.progress.IsSearching() || state_.workers->IsSending();
     if (isFilled) ShowProblem(state_.window, Text(IDS_AWAITS_ANSWERS), false);
     return !isFilled && MayDrop();
 }

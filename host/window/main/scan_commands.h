@@ -5,6 +5,7 @@
 
 #include "window/main/device_columns.h"
 #include "window/main/window_state.h"
+#include "window/pages/table_window.h"
 #include "window/resource.h"
 
 namespace vndiscover::host {
@@ -18,10 +19,14 @@ class ScanCommands {
     // Ask for the file.
     void Open();
     void Save() { WithPath(IDS_SCAN_FILES, L"json", true, &ScanCommands::SaveTo); }
+    void SaveTable(const std::string& csv);
     void Compare() { WithPath(IDS_SCAN_FILES, L"json", false, &ScanCommands::CompareWith); }
     void SaveCsv() { WithPath(IDS_CSV_FILES, L"csv", true, &ScanCommands::SaveCsvTo); }
     void SaveJson() { WithPath(IDS_JSON_FILES, L"json", true, &ScanCommands::SaveJsonTo); }
     void Clear();
+    void Empty();  // without a question
+    // What the title says the list is of; empty: it is of no file.
+    void SetFile(const std::wstring& file);
     // Whether there is something to save or to clear.
     bool HasScan() const;
 
@@ -30,12 +35,9 @@ class ScanCommands {
     bool OpenFrom(const std::string& path);
     bool CompareWith(const std::string& path);
     bool SaveTo(const std::string& path);
-    bool SaveCsvTo(const std::string& path) {  // the rows as they are shown
-        return SaveTextTo(CsvOf(state_.session.view, columns_.Headings()), path);
-    }
-    bool SaveJsonTo(const std::string& path) {  // their answers, see JsonOf
-        return SaveTextTo(JsonOf(state_.session.view, state_.session.GetScan()), path);
-    }
+    bool SaveCsvTo(const std::string& path);   // the rows as they are shown
+    bool SaveJsonTo(const std::string& path);  // the same rows, as `vndiscover printers` does
+    TableWindow comparison{[this](const std::string& csv) { SaveTable(csv); }};
 
     // Returns false if the scan must stay, because the user wants to keep it unsaved.
     bool MayDrop();
@@ -44,10 +46,12 @@ class ScanCommands {
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (ScanCommands::*method)(const std::string& path));
     bool MayReplace();
+    bool SaveTableTo(const std::string& path) { return SaveTextTo(table_, path); }
     bool SaveTextTo(const std::string& text, const std::string& path);
 
     WindowState& state_;
     const DeviceColumns& columns_;
+    std::string table_;  // to be saved
 };
 
 }  // namespace vndiscover::host

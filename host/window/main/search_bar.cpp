@@ -42,11 +42,14 @@ constexpr struct BarItem {
 constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
 constexpr uint32_t kDefaultTicks = 0b01101;  // SNMPv1, WS-Discovery, IPv4
 constexpr struct PresetItem {
-    unsigned text;
+    unsigned text, note;
     const char* object;
-} kPresets[] = {{IDS_PRESET_KNOWN, ".1.3.6.1.4.1.5963.43.5.1.1.1.1"},
-                {IDS_PRESET_PRINTERS, "hrDeviceDescr.1"},
-                {IDS_PRESET_ALL, "sysName.0"}};
+    const char* types;  // for WS-Discovery
+} kPresets[] = {
+    {IDS_PRESET_PRINTERS, IDS_PRESET_PRINTERS_NOTE, "hrDeviceDescr.1", "wprt:PrintDeviceType"},
+    {IDS_PRESET_ALL, IDS_PRESET_ALL_NOTE, "sysName.0", "wsdp:Device"},
+    {IDS_PRESET_KNOWN, IDS_PRESET_KNOWN_NOTE, ".1.3.6.1.4.1.5963.43.5.1.1.1.1",
+     "wprt:PrintDeviceType"}};
 static_assert(std::size(kPresets) == kPresetCount);
 
 }  // namespace
@@ -59,6 +62,11 @@ void SearchBar::Create(HWND parent) {
     for (const PresetItem& preset : kPresets)
         SendMessageW(Control(IDC_PRESET), CB_ADDSTRING, 0,
                      reinterpret_cast<LPARAM>(Text(preset.text).c_str()));
+    CreateControl(parent, L"STATIC", 0, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_PRESET_NOTE);
+}
+
+void SearchBar::ShowNote() const {
+    ChangeText(Control(IDC_PRESET_NOTE), Text(kPresets[Preset()].note));
 }
 
 void SearchBar::SetDefaults(Settings& settings) {
@@ -69,7 +77,12 @@ void SearchBar::SetDefaults(Settings& settings) {
 void SearchBar::Restore(const Settings& settings) {
     for (size_t index = 0; index < std::size(kTicks); ++index)
         CheckDlgButton(parent_, kTicks[index], settings.ticks >> index & 1);
-    SendMessageW(Control(IDC_PRESET), CB_SETCURSEL, settings.preset, 0);
+    Choose(settings.preset);
+}
+
+void SearchBar::Choose(size_t preset) const {
+    SendMessageW(Control(IDC_PRESET), CB_SETCURSEL, preset, 0);
+    ShowNote();
 }
 
 void SearchBar::Store(Settings& settings) const {
@@ -127,21 +140,29 @@ size_t SearchBar::Preset() const {
 }
 
 std::vector<SweepStep> SearchBar::Steps(const Credentials& credentials) const {
+    const PresetItem& preset = kPresets[Preset()];
     std::vector<SweepStep> steps;
     SweepStep step;
     step.credentials = credentials;
-    step.oid = *ParseOidOrName(kPresets[Preset()].object);
-    for (const auto& [kind, tick] :
-         {std::pair(SweepKind::kSnmpV1, IDC_V1), std::pair(SweepKind::kSnmpV3, IDC_V3)}) {
-        for (const bool useIPv6 : {false, true}) {
-            if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4) || !IsTicked(tick)) continue;
-            step.kind = kind;
-            step.useIPv6 = useIPv6;
-            steps.push_back(step);
+    for (const bool useIPv6 : {false, true}) {
+        if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4)) continue;
+        step.useIPv6 = useIPv6;
+        step.kind = SweepKind::kSnmpV1;
+        step.oid = *ParseOidOrName(preset.object);
+        for (const std::string& community : credentials.communities) {
+            step.credentials.community = community;
+            if (IsTicked(IDC_V1)) steps.push_back(step);
         }
+        if (!IsTicked(IDC_V3)) continue;
+        step.kind = SweepKind::kSnmpV3;
+        steps.push_back(step);
+        // Over SNMPv3 a printer whose index is not 1 would not be reported.
+        step.oid = *ParseOidOrName("sysName.0");
+        if (LooksForPrinters()) steps.push_back(step);
     }
     step = {};
     step.kind = SweepKind::kWsd;
+    step.types = preset.types;
     if (IsTicked(IDC_WSD) && IsTicked(IDC_IPV4)) steps.push_back(step);
     return steps;
 }

@@ -32,6 +32,12 @@ class SearchBar {
     // The calls that the user has chosen. Empty if there are none.
     std::vector<SweepStep> Steps(const Credentials& credentials) const;
 
+    // Whether devices that are no printers are left out.
+    bool LooksForPrinters() const { return Preset() == 0; }
+    void Choose(size_t preset) const;
+    // Explains what is looked for, after another choice.
+    void ShowNote() const;
+
     std::string FilterText() const;  // UTF-8
     void FocusFilter() const { SetFocus(Control(IDC_FILTER)); }
 

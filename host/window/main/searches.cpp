@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/wide_text.h"
+#include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/resource.h"
 #include "window/store/profiles.h"
@@ -10,9 +11,11 @@
 
 namespace vndiscover::host {
 
-void Searches::AskForUser() { AskCredentials(state_.window, state_.credentials); }
+void Searches::AskForUser() {
+    if (AskCredentials(state_.window, state_.credentials, L"")) state_.session.ForgetRefusals();
+}
 
-// Gets the SNMPv3 user. Returns false if there is none and the user cannot be asked.
+// Gets the SNMPv3 user. Returns false if there is none.
 bool Searches::FetchUser() {
     const std::wstring& profile = state_.options.profile;
     if (UseProfile(profile.empty() ? LastProfile() : profile, state_.credentials)) return true;
@@ -21,27 +24,32 @@ bool Searches::FetchUser() {
         PostMessageW(state_.window, WM_CLOSE, 0, 0);
         return state_.ReportProblem(Text(IDS_NO_PROFILE, {profile}));
     }
-    AskForUser();
-    // Cancelling the dialog switches off SNMPv3.
-    if (!state_.credentials.security) bar_.UseV3(false);
-    return true;
+    AskCredentials(state_.window, state_.credentials, Text(IDS_SNMP_WHY));
+    if (state_.credentials.security) return true;
+    state_.progress.SetNote(Text(IDS_NO_USER));
+    return false;
+}
+
+// The devices of a file, and what is found now, are kept apart unless the user wants both.
+bool Searches::MayStart() {
+    if (state_.file.empty() || state_.options.exit) return true;
+    const int answer = AskHowToFind(state_.window, state_.file);
+    if (answer == IDNO && scans_.MayDrop()) scans_.Empty();
+    if (answer == IDYES) scans_.SetFile(L"");  // the list is no longer the file's
+    return state_.file.empty();
 }
 
 void Searches::Start() {
     if (bar_.UsesV3() && !state_.credentials.security && !FetchUser()) return;
     const std::vector<SweepStep> steps = bar_.Steps(state_.credentials);
     if (steps.empty()) return state_.progress.SetNote(Text(IDS_NOTHING_CHOSEN));
+    if (!MayStart()) return;
+    isForStart_ = state_.options.sweep;
     state_.workers->ReadAdapters();  // again, since the user may have plugged one in
+    state_.session.BeginSearch();
     state_.progress.BeginSearch(steps.size());
     state_.workers->Sweep(steps);
-    bar_.SetButton(IDS_STOP);
     state_.StartStatusTimer();
-}
-
-void Searches::Stop() {
-    state_.workers->Stop();
-    state_.progress.StopSearch();
-    if (state_.progress.IsStopping()) bar_.SetButton(IDS_STOPPING);
 }
 
 void Searches::EndSweep(const std::string& problem) {
@@ -51,8 +59,17 @@ void Searches::EndSweep(const std::string& problem) {
 
 void Searches::Finish() {
     isOver_ = false;
-    bar_.SetButton(IDS_FIND);
-    const bool wasStart = state_.options.sweep;
+    state_.session.EndSearch();
+    const bool isScript = isForStart_ && state_.options.exit;
+    // A script's problem is told when it ends.
+    if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
+    state_.showRows();
+    if (state_.progress.IsStopping() || !readFound_()) EndReading();
+}
+
+void Searches::EndReading() {
+    const bool wasStart = isForStart_;
+    state_.showRows();  // what came last too
     EndStartSearch();
     if (!problem_.empty()) state_.ReportProblem(std::exchange(problem_, L""));
     if (wasStart && state_.options.exit) PostMessageW(state_.window, WM_CLOSE, 0, 0);
@@ -60,20 +77,20 @@ void Searches::Finish() {
 
 // Saves what the search of the command line has found.
 void Searches::EndStartSearch() {
-    if (!std::exchange(state_.options.sweep, false)) return;
+    if (!std::exchange(isForStart_, false)) return;
+    state_.options.sweep = false;
     const std::string& path = state_.options.savePath;
-    const bool isLost = !path.empty() && !scans_.SaveTo(path);
+    const std::string& csv = state_.options.csvPath;
+    bool isLost = !path.empty() && !scans_.SaveTo(path);
+    isLost |= !csv.empty() && !scans_.SaveCsvTo(csv);
     state_.exitCode = state_.progress.Answers() == 0 || isLost ? kNone : kFound;
     if (!problem_.empty()) state_.exitCode = kFailed;
 }
 
 bool Searches::WillSave() const {
-    return state_.progress.IsSearching() && state_.options.sweep &&
-           !state_.options.savePath.empty();
+    return isForStart_ && !(state_.options.savePath.empty() && state_.options.csvPath.empty());
 }
 
-void Searches::EndEarly() {
-    if (state_.progress.IsSearching() || isOver_) EndStartSearch();
-}
+void Searches::EndEarly() { EndStartSearch(); }
 
 }  // namespace vndiscover::host

@@ -1,7 +1,9 @@
 // Starts, stops and ends searches, also that of the command line.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "window/main/scan_commands.h"
 #include "window/main/search_bar.h"
@@ -12,18 +14,20 @@ namespace vndiscover::host {
 class Searches {
   public:
     // All must outlive it.
-    Searches(WindowState& state, SearchBar& bar, ScanCommands& scans)
-        : state_(state), bar_(bar), scans_(scans) {}
+    // `readFound` reads what was found, if the user wants that; it returns whether there is any.
+    Searches(WindowState& state, SearchBar& bar, ScanCommands& scans,
+             std::function<bool()> readFound)
+        : state_(state), bar_(bar), scans_(scans), readFound_(std::move(readFound)) {}
 
     void Start();
-    // Stops sweeps and requests.
-    void Stop();
     // One of the search's sweeps has ended.
     void EndSweep(const std::string& problem);
     // Whether the last one has; then the search must be finished: its problems are reported, and
-    // what that of the command line has found is saved.
+    // what it has found is read.
     bool IsOver() const { return isOver_; }
     void Finish();
+    // What was found has been read, or that was stopped: what the command line wants is saved.
+    void EndReading();
     // Whether the running search is that of the command line, whose answers are saved.
     bool WillSave() const;
     // Saves the answers so far if WillSave.
@@ -32,13 +36,16 @@ class Searches {
 
   private:
     bool FetchUser();
+    bool MayStart();
     void EndStartSearch();
 
     WindowState& state_;
     SearchBar& bar_;
     ScanCommands& scans_;
-    std::wstring problem_;  // of the running search
-    bool isOver_ = false;   // and not yet finished
+    std::function<bool()> readFound_;
+    std::wstring problem_;     // of the running search
+    bool isOver_ = false;      // and not yet finished
+    bool isForStart_ = false;  // the search of the command line, or its reading, is running
 };
 
 }  // namespace vndiscover::host

@@ -7,8 +7,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "model/asking/progress.h"
+#include "model/scan/change_log.h"
 #include "window/work/session.h"
 #include "window/work/workers.h"
 
@@ -20,9 +22,16 @@ struct StartOptions {
     std::string savePath;  // UTF-8; written when the sweep has ended
     bool exit = false;     // after that; no window is shown
     std::wstring profile;  // of the user for SNMPv3; empty: none
+    bool read = false;     // then reads every device; a window's switch decides otherwise
+    std::string csvPath;   // UTF-8; the rows, written likewise
+    std::vector<std::string> communities;  // empty: those of the settings
+    std::optional<unsigned> lookFor;       // a preset
 };
 
 enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };  // kNone: or not saved
+
+// The module's community and "public", and no user.
+Credentials DefaultCredentials();
 
 struct WindowState {
     StartOptions options;
@@ -30,9 +39,11 @@ struct WindowState {
     std::function<void()> handleResults;  // of the workers, that are waiting
     HWND window = nullptr;
     int exitCode = kFound;
+    std::wstring file;  // "monday.json, scan of 23 November 09:12"; empty: the list is of no file
     Session session;
+    ChangeLog changes;
     Progress progress{[] { return static_cast<int64_t>(GetTickCount64()); }};
-    Credentials credentials;
+    Credentials credentials = DefaultCredentials();
     ResultQueue queue{[this] { PostMessageW(window, kResults, 0, 0); }};
     std::unique_ptr<Workers> workers;  // null while the window closes
 
@@ -44,11 +55,14 @@ struct WindowState {
     bool ReportProblem(const std::wstring& text);
     // While something is in progress, the status changes by itself.
     void StartStatusTimer() const;
-    // What is in progress, in words.
+    // What is in progress; the same in words.
+    Progress::Status Now() const;
     std::wstring StatusText() const;
     // How to ask the selected device, with the credentials. Empty if none is selected, or if it
     // cannot be asked.
     std::optional<AskTarget> SelectedTarget() const;
+    // Adds the credentials to one of the session's.
+    AskTarget WithCredentials(AskTarget target) const;
 };
 
 }  // namespace vndiscover::host

@@ -10,10 +10,12 @@
 
 namespace vndiscover::host {
 
-std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving) {
+std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
+                    const std::wstring& proposed, bool isForSaving) {
     const std::wstring pattern = std::wstring(L"*.") + extension;
     std::wstring filter = Text(kind) + L'\0' + pattern + L'\0';
     wchar_t path[1024] = L"";
+    lstrcpynW(path, proposed.c_str(), 1024);
     OPENFILENAMEW dialog = {};
     dialog.lStructSize = sizeof dialog;
     dialog.hwndOwner = owner;

@@ -12,7 +12,8 @@ namespace vndiscover::host {
 
 // Asks for a file with this extension; `kind` is the string that names it. Empty if none was
 // chosen.
-std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension, bool isForSaving);
+std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
+                    const std::wstring& proposed, bool isForSaving);
 
 // Returns nothing, with the reason in `problem`, if the file has no scan of this version.
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);

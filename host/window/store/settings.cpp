@@ -19,7 +19,9 @@ bool IsValid(const Settings& settings) {
         if (sorted[index] != static_cast<int32_t>(index) || width < 0 || width > kMaxWidth)
             return false;
     }
-    return settings.preset < kPresetCount && settings.hidden < kAllColumns;
+    return settings.preset < kPresetCount && settings.hidden < kAllColumns &&
+           settings.splitPercent >= 20 && settings.splitPercent <= 80 &&
+           settings.refreshMinutes <= 60;
 }
 
 }  // namespace

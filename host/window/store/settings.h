@@ -1,6 +1,8 @@
 // Settings of the window that are saved for the user, below HKEY_CURRENT_USER. No passwords.
 #pragma once
 
+#include <windows.h>
+
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -14,6 +16,11 @@ struct Settings {
     uint32_t preset = 0;                                  // below kPresetCount
     std::array<int32_t, kColumnCount> widths{}, order{};  // widths in pixels at 96 DPI
     uint32_t hidden = 0;                                  // a bit for each Column
+    uint32_t readsFound = 1;                              // reads devices after a search
+    RECT place = {};                                      // of the window; empty: the default
+    uint32_t isMaximized = 0;
+    int32_t splitPercent = 62;    // of the width that the list has
+    uint32_t refreshMinutes = 0;  // 0: only on demand
 };
 constexpr uint32_t kPresetCount = 3;
 constexpr uint32_t kAllColumns = (1u << kColumnCount) - 1;

@@ -6,12 +6,14 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "device/security.h"
 #include "model/asking/call_text.h"
 #include "model/asking/host_diagnosis.h"
 #include "model/asking/walk.h"
 #include "model/computer/computer_report.h"
+#include "model/printer/fleet.h"
 #include "model/printer/printer_reader.h"
 #include "model/scan/scan.h"
 
@@ -21,13 +23,15 @@ struct Credentials {
     std::string community;                     // UTF-8; empty: the module's default
     std::shared_ptr<const Security> security;  // null: there is no SNMPv3 user
     std::wstring profile;                      // from which the user is; empty: none
+    std::vector<std::string> communities{};    // of the settings, asked one after the other
 };
 
 // One call of the module: one protocol over one version of IP.
 struct SweepStep {
     SweepKind kind = SweepKind::kSnmpV1;
     bool useIPv6 = false;
-    Oid oid;  // to request, for SNMP
+    Oid oid;            // to request, for SNMP
+    std::string types;  // to probe for, for WS-Discovery
     Credentials credentials;
 };
 
@@ -35,6 +39,21 @@ struct AskTarget {
     std::string address;
     SweepKind kind = SweepKind::kSnmpV1;  // kSnmpV3: with the user
     Credentials credentials;
+    bool isLoginKnown = false;  // the device has answered with these credentials
+    // Otherwise tried after that of the credentials.
+    std::vector<std::string> otherCommunities{};
+};
+
+// Asks devices for the list, in another process: the module allows one directed request a process.
+class Reader {
+  public:
+    virtual ~Reader() = default;
+    // False if it could not be started, or has ended.
+    virtual bool IsAlive() const = 0;
+    // `login`: the number of one of those that it was made with.
+    virtual Answer GetNext(size_t login, const std::string& address, const Oid& oid) = 0;
+    // For any thread: ends it, and the request that is being answered.
+    virtual void End() = 0;
 };
 
 // Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading or
@@ -50,7 +69,17 @@ class Engine {
     virtual void StopSnmp() = 0;
     virtual void StopWsd() = 0;
     // mayGoOn is called before each request, which takes 12 s at most.
-    virtual PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
+    // `target` then has the community by which the device answers.
+    virtual PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) = 0;
+    // One round of reading a device for the list; in this process if there is no reader.
+    virtual FleetResult ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+                                    std::function<bool()> mayGoOn) = 0;
+    // How many readers may ask side by side.
+    virtual size_t MaxReaders() const { return 0; }
+    // For any thread. `logins`: protocols and credentials, without addresses.
+    virtual std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>& /*logins*/) {
+        return nullptr;
+    }
     using OnVariable = std::function<bool(const Answer&)>;  // false: no more
     virtual WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                          const OnVariable& onVariable) = 0;

@@ -36,12 +36,6 @@ void SweepWsd(HWND window, const std::string& probe) {
     DiscoverSoap(window, kMessage, kWsdSilenceMs, probe.data(), static_cast<int32_t>(probe.size()));
 }
 
-Device DeviceOf(const AskTarget& target) {
-    Device device(target.address, ToAnsi(target.credentials.community), "");
-    if (target.kind == SweepKind::kSnmpV3) device.Use(target.credentials.security);
-    return device;
-}
-
 // Measures the time of a call.
 class Stopwatch {
   public:
@@ -68,7 +62,7 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
         onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
     });
     if (step.kind == SweepKind::kSnmpV3 && !step.credentials.security) return;
-    const std::string probe = isWsd ? BuildProbe("wsdp:Device", NewUuid()) : "";
+    const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
     const Stopwatch watch;
     if (isWsd) {
         SweepWsd(window.Handle(), probe);
@@ -85,9 +79,8 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
 void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }
 void ModuleEngine::StopWsd() { StopDiscoverSoap(); }
 
-Asker ModuleEngine::AskerFor(const Device& device, const AskTarget& target,
-                             std::function<bool()> mayGoOn, unsigned walk) const {
-    Asker asker = AskerOf(device);
+Asker ModuleEngine::Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
+                             unsigned walk) const {
     asker.mayGoOn = std::move(mayGoOn);
     asker.getNext = [this, &target, walk, ask = std::move(asker.getNext)](const Oid& oid) {
         const Stopwatch watch;
@@ -104,10 +97,33 @@ Asker ModuleEngine::AskerFor(const Device& device, const AskTarget& target,
     return asker;
 }
 
-PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
+PrinterAnswers ModuleEngine::Read(AskTarget& target, std::function<bool()> mayGoOn) {
+    PrinterAnswers answers;
+    for (std::vector<std::string> others = std::exchange(target.otherCommunities, {});;) {
+        const Device device = DeviceOf(target);
+        const Asker asker = AskerFor(device, target, mayGoOn, 0);
+        answers = ReadInterfaces(asker, ReadPrinter(asker));
+        const bool isSilent = answers.values.empty() && answers.lastStatus == Status::kNoAnswer;
+        if (!isSilent || others.empty()) return answers;
+        target.credentials.community = others.front();
+        others.erase(others.begin());
+    }
+}
+
+FleetResult ModuleEngine::ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+                                      std::function<bool()> mayGoOn) {
     const Device device = DeviceOf(target);
-    const Asker asker = AskerFor(device, target, std::move(mayGoOn), 0);
-    return ReadInterfaces(asker, ReadPrinter(asker));
+    Asker asker = AskerOf(device);
+    if (reader) {
+        asker.getNext = [&](const Oid& oid) {
+            return reader->GetNext(job.login, target.address, oid);
+        };
+    }
+    return ReadJob(job, Reported(std::move(asker), target, std::move(mayGoOn), 0));
+}
+
+std::unique_ptr<Reader> ModuleEngine::MakeReader(const std::vector<AskTarget>& logins) {
+    return std::make_unique<ReaderProcess>(logins, job_.Get());
 }
 
 WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,

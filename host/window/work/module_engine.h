@@ -1,8 +1,7 @@
 // The engine that calls VnDiscover.dll.
 #pragma once
 
-#include "device/device.h"
-#include "window/work/engine.h"
+#include "window/work/reader_process.h"
 
 namespace vndiscover::host {
 
@@ -11,7 +10,11 @@ class ModuleEngine : public Engine {
     void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override;
     void StopSnmp() override;
     void StopWsd() override;
-    PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) override;
+    PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) override;
+    FleetResult ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+                            std::function<bool()> mayGoOn) override;
+    size_t MaxReaders() const override { return 6; }
+    std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>& logins) override;
     WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override;
     HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) override;
@@ -19,11 +22,16 @@ class ModuleEngine : public Engine {
     ComputerReport Report() override;
 
   private:
-    // Both must outlive the asker, which reports each call.
-    Asker AskerFor(const Device& device, const AskTarget& target, std::function<bool()> mayGoOn,
+    // The target, and what `asker` uses, must outlive the returned one, which reports each call.
+    Asker Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
                    unsigned walk) const;
+    Asker AskerFor(const Device& device, const AskTarget& target, std::function<bool()> mayGoOn,
+                   unsigned walk) const {
+        return Reported(AskerOf(device), target, std::move(mayGoOn), walk);
+    }
 
     unsigned walks_ = 0;
+    const OwnedHandle job_ = EndingJob();  // of the readers
 };
 
 }  // namespace vndiscover::host

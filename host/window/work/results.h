@@ -4,6 +4,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "window/work/engine.h"
@@ -26,14 +27,18 @@ class Results {
     virtual void OnAnswer(WorkerId, ScanAnswer) {}                          // its sweep is not set
     virtual void OnSweepEnded(WorkerId, const std::string& /*problem*/) {}  // or was dropped
 
-    virtual void OnReadingBegan(const std::string& /*address*/) {}
+    // Of the details of one device, or a round of it for the list.
+    virtual void OnReadingBegan(const std::string& /*address*/, bool /*isForList*/) {}
     struct Read {
-        std::string address;
-        SweepKind kind;
+        AskTarget target;
         std::string time;
         PrinterAnswers answers;
+        bool isForList = false;
+        bool isPostponed = false;  // it is slow, and is read after all others
     };
     virtual void OnRead(Read) {}
+    // All devices have been read for the list, or it was stopped.
+    virtual void OnReadAll(size_t /*read*/, size_t /*total*/, bool /*isStopped*/) {}
 
     virtual void OnWalkBegan(unsigned /*walk*/, const std::string& /*address*/) {}
     virtual void OnVariable(unsigned /*walk*/, Answer) {}
@@ -43,6 +48,10 @@ class Results {
 
     virtual void OnDiagnosisBegan(const std::string& /*address*/) {}
     virtual void OnDiagnosed(const std::string& /*address*/, HostDiagnosis, const AdapterList&) {}
+
+    // Numeric addresses with what they were resolved from, and names that have none.
+    using Addresses = std::vector<std::pair<std::string, std::string>>;
+    virtual void OnResolved(const Addresses&, const std::string& /*unknown*/) {}
 
     virtual void OnAdapters(const AdapterList&) {}
     virtual void OnReport(const ComputerReport&) {}

@@ -4,15 +4,43 @@
 #include <set>
 #include <utility>
 
+#include "model/scan/current_answers.h"
+
 namespace vndiscover::host {
+
+void Session::BeginSearch() {
+    view.Renumber(RemoveFormerAnswers(scan_));
+    deviceMaker_ = DeviceMaker();  // descriptions are of answers by their numbers
+    rowMaker_ = RowMaker();
+    for (const ScanSweep& sweep : scan_.sweeps) search_ = std::max(search_, sweep.search);
+    ++search_;
+    isSearching_ = isChanged_ = true;
+}
 
 void Session::BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time) {
     const AnswerForm form = FormOf(step.kind, step.oid);
     const auto index = static_cast<size_t>(worker);
     sweeps_[index] = scan_.sweeps.size();
     isSweeping_[index] = true;
-    scan_.sweeps.push_back(
-        {step.kind, form, step.useIPv6, form == AnswerForm::kValue ? step.oid : Oid(), time});
+    ScanSweep sweep;
+    sweep.kind = step.kind;
+    sweep.form = form;
+    sweep.useIPv6 = step.useIPv6;
+    if (form == AnswerForm::kValue) sweep.oid = step.oid;
+    sweep.time = time;
+    sweep.search = search_;
+    sweep.login = LoginOf(step.kind, step.credentials.community);
+    scan_.sweeps.push_back(std::move(sweep));
+}
+
+// Users are all one: the settings have the one that is valid.
+size_t Session::LoginOf(SweepKind kind, const std::string& community) {
+    const std::pair<SweepKind, std::string> login = {kind,
+                                                     kind == SweepKind::kSnmpV1 ? community : ""};
+    const auto known = std::find(logins_.begin(), logins_.end(), login);
+    const auto index = static_cast<size_t>(known - logins_.begin());
+    if (known == logins_.end()) logins_.push_back(login);
+    return index + 1;
 }
 
 void Session::AddAnswer(WorkerId worker, ScanAnswer answer) {
@@ -21,24 +49,58 @@ void Session::AddAnswer(WorkerId worker, ScanAnswer answer) {
     isChanged_ = isUnsaved_ = true;
 }
 
+void Session::EndSweep(WorkerId worker, bool isComplete) {
+    const auto index = static_cast<size_t>(worker);
+    // One that was dropped has not begun.
+    if (std::exchange(isSweeping_[index], false))
+        scan_.sweeps[sweeps_[index]].isComplete = isComplete;
+}
+
+void Session::EndSearch() {
+    isSearching_ = false;
+    isChanged_ = true;
+}
+
+void Session::BeginReading(const std::string& address) {
+    beingRead_.insert(address);
+    isChanged_ = true;
+}
+
 void Session::AddReading(Results::Read read) {
+    const std::string& address = read.target.address;
+    if (const auto known = beingRead_.find(address); known != beingRead_.end())
+        beingRead_.erase(known);
+    isChanged_ = true;
+    if (read.isPostponed) return;
     ScanAnswer answer;
     answer.time = read.time;
-    answer.address = read.address;
+    answer.address = address;
     answer.sweep = scan_.sweeps.size();
-    scan_.sweeps.push_back({read.kind, AnswerForm::kVariable, false, Oid(), read.time});
+    ScanSweep sweep;
+    sweep.kind = read.target.kind;
+    sweep.form = AnswerForm::kVariable;
+    sweep.time = read.time;
+    sweep.isComplete = !read.isForList && read.answers.lastStatus == Status::kAnswered;
+    sweep.login = LoginOf(sweep.kind, read.target.credentials.community);
+    scan_.sweeps.push_back(sweep);
     for (auto& [oid, variable] : read.answers.values) {
         answer.answer = std::move(variable);
         scan_.answers.push_back(answer);
     }
-    isChanged_ = true;
-    isUnsaved_ |= !read.answers.values.empty();
+    const bool hasValues = !read.answers.values.empty();
+    isUnsaved_ |= hasValues;
     read.answers.values.clear();
-    std::vector<Reading>& known = readings_[read.address];
+    std::vector<Reading>& known = readings_[address];
     known.erase(std::remove_if(known.begin(), known.end(),
-                               [&](const Reading& one) { return one.kind == read.kind; }),
+                               [&](const Reading& one) { return one.kind == read.target.kind; }),
                 known.end());
-    known.push_back({read.address, read.kind, std::move(read.answers)});
+    known.push_back({address, read.target.kind, std::move(read.answers), hasValues, read.time});
+}
+
+void Session::EndReadings() {
+    if (beingRead_.empty()) return;
+    beingRead_.clear();
+    isChanged_ = true;
 }
 
 void Session::SetAdapters(const AdapterList& adapters) {
@@ -50,20 +112,53 @@ void Session::SetAdapters(const AdapterList& adapters) {
 bool Session::Refresh() {
     if (!std::exchange(isChanged_, false)) return false;
     devices_ = deviceMaker_.Make(scan_);
-    view.SetRows(rowMaker_.Make(scan_, devices_, adapters_));
+    view.SetRows(rowMaker_.Make(scan_, devices_, adapters_, Standings()));
     return true;
+}
+
+std::vector<Standing> Session::Standings() const {
+    const LastSearch search(scan_, isSearching_);
+    std::vector<Standing> standings;
+    standings.reserve(devices_.size());
+    for (const FoundDevice& device : devices_) {
+        const auto reading = readings_.empty() ? std::nullopt : LastReadingOf(device.answers);
+        const auto& addresses = device.identity.Of(MergeKey::kAddress);
+        const bool isBeingRead =
+            std::any_of(beingRead_.begin(), beingRead_.end(),
+                        [&](const std::string& one) { return addresses.count(one) != 0; });
+        standings.push_back(
+            StandingOf(scan_, device, reading ? &*reading : nullptr, isBeingRead, search));
+    }
+    return standings;
 }
 
 void Session::SetScan(Scan scan) {
     scan_ = std::move(scan);
-    givenAnswers_ = scan_.answers.size();
+    search_ = 0;
+    isSearching_ = false;
+    logins_.clear();
+    added_.clear();
     deviceMaker_ = DeviceMaker();
     rowMaker_ = RowMaker();
     readings_.clear();
+    beingRead_.clear();
     isSweeping_ = {};
     isUnsaved_ = false;
     view.Select(std::nullopt);
     isChanged_ = true;
+}
+
+void Session::AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
+                        const std::string& time) {
+    ScanSweep sweep;
+    sweep.form = AnswerForm::kAdded;
+    sweep.time = time;
+    for (const auto& [address, typed] : addresses) {
+        if (!added_.insert(address).second) continue;
+        scan_.answers.push_back({scan_.sweeps.size(), time, address, Received(typed)});
+    }
+    scan_.sweeps.push_back(std::move(sweep));
+    isChanged_ = isUnsaved_ = true;
 }
 
 const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
@@ -73,23 +168,62 @@ const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
     return found == devices_.end() ? nullptr : &*found;
 }
 
+PrinterLine Session::LineOf(const DeviceRow& row) const {
+    PrinterLine line;
+    const FoundDevice* const device = DeviceOf(row);
+    if (!device) return line;
+    line.facts = *device->facts;
+    line.facts.serialNumber = row.Text(Column::kSerial);
+    line.summary = SummaryOf(line.facts);
+    const auto& addresses = device->identity.Of(MergeKey::kAddress);
+    line.addresses.assign(addresses.begin(), addresses.end());
+    if (row.standing.kind != Standing::Kind::kRead &&
+        row.standing.kind != Standing::Kind::kBeingRead)
+        line.problem = StateText(row.standing, {});
+    if (!row.standing.Holds()) line.summary = {};
+    return line;
+}
+
 std::optional<AskTarget> Session::TargetOf(const DeviceRow& row) const {
+    return TargetOf(row.answers);
+}
+
+std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) const {
     // SNMPv3 before SNMPv1; a device that has only replied to a Probe may support SNMPv1 too.
-    const auto rank = [](SweepKind kind) {
-        return kind == SweepKind::kSnmpV3 ? 2 : kind == SweepKind::kSnmpV1 ? 1 : 0;
+    const auto rank = [](const ScanSweep& sweep) {
+        return sweep.form == AnswerForm::kAdded   ? 0
+               : sweep.kind == SweepKind::kSnmpV3 ? 3
+               : sweep.kind == SweepKind::kSnmpV1 ? 2
+                                                  : 1;
     };
     std::optional<AskTarget> target;
     int best = -1;
-    for (const size_t index : row.answers) {
+    for (const size_t index : answers) {
         const ScanAnswer& answer = scan_.answers[index];
-        const SweepKind kind = scan_.sweeps[answer.sweep].kind;
-        if (rank(kind) <= best) continue;
-        best = rank(kind);
+        const ScanSweep& sweep = scan_.sweeps[answer.sweep];
+        if (rank(sweep) <= best) continue;
+        best = rank(sweep);
         target.emplace();
         target->address = answer.address;
-        target->kind = kind == SweepKind::kSnmpV3 ? kind : SweepKind::kSnmpV1;
+        target->kind = sweep.kind == SweepKind::kSnmpV3 ? sweep.kind : SweepKind::kSnmpV1;
+        target->isLoginKnown = sweep.login != 0 && best >= 2;
+        if (target->isLoginKnown) target->credentials.community = logins_[sweep.login - 1].second;
     }
     return target;
+}
+
+std::vector<AskTarget> Session::TargetsToRead() const {
+    std::vector<AskTarget> targets;
+    const LastSearch search(scan_, isSearching_);
+    for (const FoundDevice& device : devices_) {
+        const auto target = TargetOf(device.answers);
+        const bool isAdded =
+            std::any_of(device.answers.begin(), device.answers.end(),
+                        [&](size_t at) { return added_.count(scan_.answers[at].address) != 0; });
+        const bool hasAnswered = target->isLoginKnown && !search.HasMissed(scan_, device);
+        if (isAdded || hasAnswered) targets.push_back(*target);
+    }
+    return targets;
 }
 
 bool Session::WasAsked(const DeviceRow& row) const {
@@ -99,14 +233,16 @@ bool Session::WasAsked(const DeviceRow& row) const {
 }
 
 bool Session::HasAnsweredHere(const DeviceRow& row, const std::string& address) const {
-    return std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
-        return index >= givenAnswers_ && scan_.answers[index].address == address;
-    });
+    return added_.count(address) != 0 ||
+           std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
+               const ScanAnswer& answer = scan_.answers[index];
+               return answer.address == address && scan_.sweeps[answer.sweep].login != 0;
+           });
 }
 
-std::vector<Reading> Session::ReadingsOf(const DeviceRow& row) const {
+std::vector<Reading> Session::ReadingsOf(const std::vector<size_t>& answers) const {
     std::set<std::string> addresses;
-    for (const size_t index : row.answers) addresses.insert(scan_.answers[index].address);
+    for (const size_t index : answers) addresses.insert(scan_.answers[index].address);
     std::vector<Reading> readings;
     for (const std::string& address : addresses) {
         const auto found = readings_.find(address);
@@ -116,14 +252,32 @@ std::vector<Reading> Session::ReadingsOf(const DeviceRow& row) const {
     return readings;
 }
 
-std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
-    const auto target = TargetOf(row);
-    std::vector<Gap> gaps;
-    for (const Reading& reading : ReadingsOf(row)) {
-        // Otherwise it only shows whether the device answers by another protocol.
-        if (target && reading.kind == target->kind) gaps = reading.end.gaps;
+// By the protocol that it is asked by: another one only shows whether it answers by that.
+std::optional<Reading> Session::LastReadingOf(const std::vector<size_t>& answers) const {
+    const auto target = TargetOf(answers);
+    std::optional<Reading> last;
+    for (Reading& reading : ReadingsOf(answers)) {
+        if (target && reading.kind == target->kind && (!last || reading.time >= last->time))
+            last = std::move(reading);
     }
-    return gaps;
+    return last;
+}
+
+std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
+    const auto last = LastReadingOf(row.answers);
+    return last ? last->end.gaps : std::vector<Gap>();
+}
+
+void Session::ForgetRefusals() {
+    for (auto& [address, readings] : readings_) {
+        readings.erase(std::remove_if(readings.begin(), readings.end(),
+                                      [](const Reading& one) {
+                                          return one.end.lastStatus == Status::kRefused ||
+                                                 one.end.lastStatus == Status::kOnlyDiscovered;
+                                      }),
+                       readings.end());
+    }
+    isChanged_ = true;
 }
 
 std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
@@ -131,7 +285,7 @@ std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
     for (size_t worker = 0; worker < kWorkerCount; ++worker) {
         if (isSweeping_[worker]) running.push_back(sweeps_[worker]);
     }
-    return JudgeProtocols(scan_, row.answers, ReadingsOf(row), running);
+    return JudgeProtocols(scan_, row.answers, ReadingsOf(row.answers), running);
 }
 
 std::vector<std::pair<size_t, size_t>> Session::SplitsOf(const DeviceRow& row) const {

@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,11 +20,16 @@ class Session {
   public:
     DeviceView view;
 
-    // What the workers report; see Results.
+    // A search follows: what it replaces of earlier ones is removed.
+    void BeginSearch();
+    // What the workers report; see Results. `isComplete`: it ran to its end.
     void BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time);
     void AddAnswer(WorkerId worker, ScanAnswer answer);
-    void EndSweep(WorkerId worker) { isSweeping_[static_cast<size_t>(worker)] = false; }
+    void EndSweep(WorkerId worker, bool isComplete);
+    void EndSearch();
+    void BeginReading(const std::string& address);
     void AddReading(Results::Read read);
+    void EndReadings();  // none is in progress
     void SetAdapters(const AdapterList& adapters);
     // Updates devices and rows if there are new answers. Returns true if they changed.
     bool Refresh();
@@ -35,30 +41,47 @@ class Session {
     bool IsUnsaved() const { return isUnsaved_; }
     void SetSaved() { isUnsaved_ = false; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
+    // Adds numeric addresses, each as what the user has typed.
+    void AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
+                   const std::string& time);
 
     // Null if it is no device's row.
     const FoundDevice* DeviceOf(const DeviceRow& row) const;
-    // How to ask a device: the address and protocol by which it answered. Empty if it cannot be
-    // asked.
+    // For a list of printers. One that could not be read whole has a problem.
+    PrinterLine LineOf(const DeviceRow& row) const;
+    // How to ask a device: the address and protocol by which it answered, and the community if it
+    // is known. Empty if it cannot be asked.
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
+    // How to read those for the list that have answered the last search, or were added by hand.
+    std::vector<AskTarget> TargetsToRead() const;
     bool WasAsked(const DeviceRow& row) const;
-    // Whether this address has answered since the last SetScan. A scan from a file may hold any
-    // address.
+    // Whether this address has answered, or was added, since the last SetScan. A scan from a file
+    // may hold any address.
     bool HasAnsweredHere(const DeviceRow& row, const std::string& address) const;
     // What is missing from the last reading of a device, and why.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
+    // The settings have changed: why devices refused the former user holds no longer.
+    void ForgetRefusals();
     // Undoes the merges of a device by its identity, or if there are none, those of protocols that
     // answered from one address.
     bool CanSplit(const DeviceRow& row) const { return !SplitsOf(row).empty(); }
     void Split(const DeviceRow& row);
 
   private:
+    size_t LoginOf(SweepKind kind, const std::string& community);
+    std::optional<AskTarget> TargetOf(const std::vector<size_t>& answers) const;
     std::vector<std::pair<size_t, size_t>> SplitsOf(const DeviceRow& row) const;
-    std::vector<Reading> ReadingsOf(const DeviceRow& row) const;
+    std::vector<Reading> ReadingsOf(const std::vector<size_t>& answers) const;
+    std::optional<Reading> LastReadingOf(const std::vector<size_t>& answers) const;
+    std::vector<Standing> Standings() const;
 
     Scan scan_;
-    size_t givenAnswers_ = 0;  // the first ones, by SetScan
+    size_t search_ = 0;  // the number of the last one
+    bool isSearching_ = false;
+    // Of the sweeps; a sweep's number is one more than the index.
+    std::vector<std::pair<SweepKind, std::string>> logins_;
+    std::set<std::string> added_;  // addresses, since the last SetScan
     std::vector<FoundDevice> devices_;
     DeviceMaker deviceMaker_;
     RowMaker rowMaker_;
@@ -66,6 +89,7 @@ class Session {
     std::array<size_t, kWorkerCount> sweeps_{};  // indexes of the last ones
     std::array<bool, kWorkerCount> isSweeping_{};
     std::map<std::string, std::vector<Reading>> readings_;  // by address, one for each protocol
+    std::multiset<std::string> beingRead_;
     bool isChanged_ = false, isUnsaved_ = false;
 };
 

@@ -6,7 +6,10 @@
 #include <utility>
 
 #include "platform/error_text.h"
+#include "platform/host_address.h"
 #include "platform/this_process.h"
+#include "values/ip_address.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -75,6 +78,7 @@ Workers::~Workers() {
     for (Line& line : lines_) {
         if (line.thread.joinable()) line.thread.join();
     }
+    for (Side& side : sides_) side.thread.join();
     engine_.SetOnCall(nullptr);
 }
 
@@ -105,28 +109,228 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
     }
 }
 
-void Workers::Ask(const AskTarget& target, bool isUrgent) {
+void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
     Job job;
     job.order = isUrgent ? Order::kUrgent : Order::kLater;
-    job.key = KeyOf("read", target);
-    const auto end = [this, target](PrinterAnswers answers) {
-        Results::Read read = {target.address, target.kind, UtcNow(), std::move(answers)};
+    job.key = isSelected ? "selected" : KeyOf("read", target);
+    const auto end = [this](const AskTarget& asked, PrinterAnswers answers) {
+        Results::Read read;
+        read.target = asked;
+        read.time = UtcNow();
+        read.answers = std::move(answers);
         Post([read = std::move(read)](Results& results) mutable {
             results.OnRead(std::move(read));
         });
     };
-    job.fail = [end](const std::string& problem) {
+    job.fail = [end, target](const std::string& problem) {
         PrinterAnswers none;
         none.lastStatus = Status::kSendFailed;
         none.lastProblem = problem;
         none.gaps.push_back({"details", "", problem});
-        end(std::move(none));
+        end(target, std::move(none));
     };
     job.run = [this, target, end](const Stops& before) {
-        Post([address = target.address](Results& results) { results.OnReadingBegan(address); });
-        end(engine_.Read(target, [&] { return stops_ == before.all; }));
+        Post([address = target.address](Results& results) {
+            results.OnReadingBegan(address, false);
+        });
+        AskTarget asked = target;
+        PrinterAnswers answers = engine_.Read(
+            asked, Watched(wait_, target.address, [&] { return stops_ == before.all; }));
+        end(asked, std::move(answers));
     };
     Add(WorkerId::kDirected, std::move(job));
+}
+
+void Workers::Begin(Wait& wait, const std::string& address) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    wait = {address, std::chrono::steady_clock::now()};
+}
+
+// Called before each request, it notes when that began.
+std::function<bool()> Workers::Watched(Wait& wait, const std::string& address,
+                                       std::function<bool()> mayGoOn) {
+    return [this, &wait, address, mayGoOn = std::move(mayGoOn)] {
+        const bool isAllowed = mayGoOn();
+        Begin(wait, isAllowed ? address : "");
+        return isAllowed;
+    };
+}
+
+void Workers::ReadAll(const std::vector<AskTarget>& targets) {
+    StopRun();
+    for (Side& side : sides_) side.thread.join();
+    sides_.clear();
+    auto run = std::make_shared<FleetRun>();
+    run->targets = targets;
+    for (const AskTarget& target : targets) {
+        run->fleet.Add(target.address, run->LoginOf(target.kind, target.credentials), {});
+        Credentials other = target.credentials;
+        for (const std::string& community : target.otherCommunities) {
+            other.community = community;
+            run->LoginOf(target.kind, other);  // before the readers are told
+        }
+    }
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        run_ = run;
+    }
+    run->sides = std::min(engine_.MaxReaders(), targets.size() / 2);
+    if (run->sides == 0) return ReadFleetHere(run);
+    for (size_t count = run->sides; count > 0; --count) {
+        Side& side = sides_.emplace_back();
+        side.thread = std::thread([this, run, &side] { RunSide(run, side); });
+    }
+}
+
+size_t Workers::FleetRun::LoginOf(SweepKind kind, const Credentials& credentials) {
+    size_t login = 0;
+    while (login < logins.size() && (logins[login].kind != kind ||
+                                     logins[login].credentials.community != credentials.community))
+        ++login;
+    if (login == logins.size()) logins.push_back({"", kind, credentials});
+    return login;
+}
+
+// Of a device that was silent, if it is not known by which community it answers.
+bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
+    if (target.otherCommunities.empty()) return false;
+    target.credentials.community = target.otherCommunities.front();
+    target.otherCommunities.erase(target.otherCommunities.begin());
+    fleet.Add(target.address, LoginOf(target.kind, target.credentials), {});
+    targets.push_back(std::move(target));
+    return true;
+}
+
+// On a thread of its own.
+void Workers::RunSide(const std::shared_ptr<FleetRun>& run, Side& side) {
+    const auto use = [&](Reader* reader) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        side.reader = reader;
+    };
+    std::unique_ptr<Reader> reader;
+    try {
+        reader = engine_.MakeReader(run->logins);
+        use(reader.get());
+        while (ReadNext(run, reader.get(), side.wait, [&] { return reader->IsAlive(); })) continue;
+    } catch (...) {  // no memory: what it has not read is left to others
+    }
+    use(nullptr);
+    bool isLast = false;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        side.wait = {};
+        isLast = --run->sides == 0;
+    }
+    if (isLast) ReadFleetHere(run);  // if processes could not be started, or have ended
+}
+
+// What is left, one after the other. While it runs, urgent jobs are executed between two requests.
+void Workers::ReadFleetHere(const std::shared_ptr<FleetRun>& run) {
+    bool isOver = false;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        isOver = run->isStopped || run->fleet.IsOver();
+    }
+    if (isOver) return EndRun(run);
+    Job job;
+    job.order = Order::kLater;
+    job.fail = [this, run](const std::string&) { EndRun(run); };
+    job.drop = [] {};  // StopRun reports it
+    job.run = [this, run](const Stops& before) {
+        const auto mayGoOn = [&] {
+            while (stops_ == before.all && ExecuteUrgentJob()) continue;
+            return stops_ == before.all;
+        };
+        while (ReadNext(run, nullptr, wait_, mayGoOn)) continue;
+        EndRun(run);
+    };
+    Add(WorkerId::kDirected, std::move(job));
+}
+
+// Takes one job of the run. Returns false if there are none left for this thread.
+bool Workers::ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wait& wait,
+                       const std::function<bool()>& mayGoOn) {
+    constexpr auto kPoll = std::chrono::milliseconds(50);
+    const auto maySend = [&] {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            if (run->isStopped) return false;
+        }
+        return mayGoOn();
+    };
+    if (!maySend()) return false;
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (run->isStopped || run->fleet.IsOver()) return false;
+    const auto job = run->fleet.Next();
+    if (!job) {
+        changed_.wait_for(lock, kPoll);
+        return true;
+    }
+    Results::Read read;
+    read.target = run->targets[job->device];
+    lock.unlock();
+    read.isForList = true;
+    Post([address = job->address](Results& results) { results.OnReadingBegan(address, true); });
+    FleetResult result;
+    try {
+        result =
+            engine_.ReadForList(read.target, *job, reader, Watched(wait, job->address, maySend));
+    } catch (...) {
+        result.answers.lastStatus = Status::kSendFailed;
+        result.answers.lastProblem = ExceptionText();
+    }
+    Begin(wait, "");
+    const bool isTried = maySend();
+    lock.lock();
+    if (isTried) {
+        run->fleet.Done(*job, std::move(result));
+        const FleetDevice& device = run->fleet.Devices()[job->device];
+        read.answers = device.answers;
+        const bool isSilent =
+            device.answers.lastStatus == Status::kNoAnswer && device.answers.values.empty();
+        read.isPostponed = device.isRead
+                               ? isSilent && run->TryNextCommunity(run->targets[job->device])
+                               : device.answers.lastStatus != Status::kAnswered;
+    } else {
+        run->fleet.Return(*job);
+        read.isPostponed = true;
+    }
+    changed_.notify_all();
+    lock.unlock();
+    read.time = UtcNow();
+    Post([read = std::move(read)](Results& results) mutable { results.OnRead(std::move(read)); });
+    return isTried;
+}
+
+void Workers::EndRun(const std::shared_ptr<FleetRun>& run) {
+    size_t read = 0;
+    bool isStopped = false;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (run_ != run) return;  // another one has begun, or it has been reported
+        const std::vector<FleetDevice>& devices = run->fleet.Devices();
+        read = static_cast<size_t>(std::count_if(
+            devices.begin(), devices.end(), [](const FleetDevice& one) { return one.isRead; }));
+        isStopped = read < devices.size();
+        run_ = nullptr;
+    }
+    Post([read, total = run->targets.size(), isStopped](Results& results) {
+        results.OnReadAll(read, total, isStopped);
+    });
+}
+
+void Workers::StopRun() {
+    std::shared_ptr<FleetRun> run;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        run = run_;
+        if (run) run->isStopped = true;
+        for (Side& side : sides_) {
+            if (side.reader) side.reader->End();
+        }
+        changed_.notify_all();
+    }
+    if (run) EndRun(run);
 }
 
 void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
@@ -146,10 +350,10 @@ void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
         Post([=, address = target.address](Results& results) {
             results.OnWalkBegan(walk, address);
         });
-        const auto mayGoOn = [&] {
+        const auto mayGoOn = Watched(wait_, target.address, [&] {
             while (stops_ == before.all && ExecuteUrgentJob()) continue;
             return stops_ == before.all && walkStops_ == before.walks;
-        };
+        });
         size_t variables = 0;
         const auto onVariable = [&](const Answer& variable) {
             Post([walk, variable](Results& results) mutable {
@@ -178,8 +382,8 @@ void Workers::Diagnose(const AskTarget& target) {
     };
     job.run = [this, target, end](const Stops& before) {
         Post([address = target.address](Results& results) { results.OnDiagnosisBegan(address); });
-        const HostDiagnosis diagnosis =
-            engine_.Diagnose(target, [&] { return stops_ == before.all; });
+        const HostDiagnosis diagnosis = engine_.Diagnose(
+            target, Watched(wait_, target.address, [&] { return stops_ == before.all; }));
         end(diagnosis, engine_.IPv4());
     };
     Add(WorkerId::kDirected, std::move(job));
@@ -208,6 +412,29 @@ void Workers::MakeReport() {
     AddUrgent(std::move(job));
 }
 
+void Workers::Resolve(const std::vector<std::string>& hosts) {
+    Job job;
+    job.fail = [this](const std::string& problem) {
+        Post([=](Results& results) { results.OnResolved({}, problem); });
+    };
+    job.run = [this, hosts](const Stops&) {
+        Results::Addresses addresses;
+        std::vector<std::string> unknown;
+        for (const std::string& host : hosts) {
+            const std::string address = NumericHost(host);
+            if (ParseIpAddress(address)) {
+                addresses.emplace_back(address, host);
+            } else {
+                unknown.push_back(host);
+            }
+        }
+        Post([=, names = Joined(unknown)](Results& results) {
+            results.OnResolved(addresses, names);
+        });
+    };
+    AddUrgent(std::move(job));
+}
+
 // To an idle worker, or otherwise the directed one.
 void Workers::AddUrgent(Job job) {
     WorkerId free = WorkerId::kDirected;
@@ -217,6 +444,7 @@ void Workers::AddUrgent(Job job) {
         break;
     }
     job.order = Order::kUrgent;
+    job.isSending = false;
     Add(free, std::move(job));
 }
 
@@ -269,6 +497,7 @@ void Workers::Stop() {
         wasReported = std::exchange(isStopReported_, true);
         for (Line& line : lines_) DropJobs(line, false);
     }
+    StopRun();
     for (const char* name : {"StopDiscoverSnmp", "StopDiscoverSoap"}) {
         if (wasReported) break;
         Call call;
@@ -292,12 +521,42 @@ bool Workers::IsBusy(WorkerId worker) const {
 }
 
 bool Workers::IsBusy() const {
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        if (run_) return true;
+    }
     return IsBusy(WorkerId::kSnmp) || IsBusy(WorkerId::kWsd) || IsBusy(WorkerId::kDirected);
 }
 
-size_t Workers::Waiting() const {
+bool Workers::IsSending() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
+    const auto isSending = [](const Line& line) {
+        return line.isSending || std::any_of(line.jobs.begin(), line.jobs.end(),
+                                             [](const Job& job) { return job.isSending; });
+    };
+    return run_ || std::any_of(lines_.begin(), lines_.end(), isSending);
+}
+
+Progress::Work Workers::Now() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    Progress::Work work;
+    work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
+    if (run_) {
+        const std::vector<FleetDevice>& devices = run_->fleet.Devices();
+        work.toRead = devices.size();
+        work.read = static_cast<size_t>(std::count_if(
+            devices.begin(), devices.end(), [](const FleetDevice& one) { return one.isRead; }));
+    }
+    const auto note = [&work, now = std::chrono::steady_clock::now()](const Wait& wait) {
+        using std::chrono::milliseconds;
+        const int64_t ms = std::chrono::duration_cast<milliseconds>(now - wait.start).count();
+        if (wait.address.empty() || ms <= work.waitMs) return;
+        work.address = wait.address;
+        work.waitMs = ms;
+    };
+    note(wait_);
+    for (const Side& side : sides_) note(side.wait);
+    return work;
 }
 
 // Must be called with the lock.
@@ -317,10 +576,12 @@ void Workers::Run(WorkerId worker) {
         Stops before;
         const Job job = RemoveFirst(line, before);
         line.isRunning = true;
+        line.isSending = job.isSending;
         lock.unlock();
         Execute(job, before);
         lock.lock();
-        line.isRunning = false;
+        line.isRunning = line.isSending = false;
+        if (worker == WorkerId::kDirected) wait_ = {};
         const bool isIdle = line.jobs.empty();
         changed_.notify_all();
         if (!isIdle) continue;

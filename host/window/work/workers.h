@@ -3,14 +3,18 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <list>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "model/asking/progress.h"
 #include "window/work/results.h"
 
 namespace vndiscover::host {
@@ -27,7 +31,11 @@ class Workers {
     // WS-Discovery steps run on a separate worker; the others run one after the other.
     void Sweep(const std::vector<SweepStep>& steps);
     // `isUrgent`: before all waiting devices. A device that is already waiting is not asked twice.
-    void Ask(const AskTarget& target, bool isUrgent);
+    // One that is selected meanwhile takes the place of an urgent one that is `selected` too.
+    void Ask(const AskTarget& target, bool isUrgent, bool isSelected = false);
+    // Reads devices for the list, in two rounds, side by side if the engine can; ends an earlier
+    // such reading.
+    void ReadAll(const std::vector<AskTarget>& targets);
     // Before the waiting devices that are not urgent. While it runs, urgent ones are asked between
     // two of its requests. Its results have the number `walk`.
     void Walk(const AskTarget& target, const Oid& root, unsigned walk);
@@ -38,6 +46,8 @@ class Workers {
     // otherwise next on the directed one.
     void ReadAdapters();
     void MakeReport();
+    // Finds the addresses of names, which may take as long as a name server does.
+    void Resolve(const std::vector<std::string>& hosts);
     // Ends sweeps, readings and diagnoses, and drops those that are waiting.
     void Stop();
     // Must be called until the sweeps have ended, since a stop that comes before the worker has
@@ -45,7 +55,9 @@ class Workers {
     void RepeatStop();
     bool IsBusy() const;
     bool IsBusy(WorkerId worker) const;
-    size_t Waiting() const;  // number of devices that are still to be asked
+    // Whether anything is sent, or waits for being sent.
+    bool IsSending() const;
+    Progress::Work Now() const;
 
   private:
     // How often there had been a stop when a job began: it goes on until there are more.
@@ -59,12 +71,42 @@ class Workers {
         std::function<void(const Stops& before)> run;
         std::function<void(const std::string& problem)> fail;  // reports that `run` has thrown
         std::function<void()> drop;  // reports that it will not begin; may be empty
+        bool isSending = true;
+    };
+    // The request that a thread waits for; the address is empty if there is none.
+    struct Wait {
+        std::string address;
+        std::chrono::steady_clock::time_point start;
     };
     struct Line {
         std::deque<Job> jobs;
-        bool isRunning = false;
+        bool isRunning = false, isSending = false;
         std::thread thread;
     };
+    // One reading of all devices.
+    struct FleetRun {
+        Fleet fleet;
+        std::vector<AskTarget> targets, logins;
+        bool isStopped = false;
+        size_t sides = 0;  // threads that read
+
+        size_t LoginOf(SweepKind kind, const Credentials& credentials);
+        bool TryNextCommunity(AskTarget target);
+    };
+    struct Side {
+        std::thread thread;
+        Reader* reader = nullptr;  // while it may be used
+        Wait wait;
+    };
+    void RunSide(const std::shared_ptr<FleetRun>& run, Side& side);
+    void ReadFleetHere(const std::shared_ptr<FleetRun>& run);
+    bool ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wait& wait,
+                  const std::function<bool()>& mayGoOn);
+    void EndRun(const std::shared_ptr<FleetRun>& run);
+    void StopRun();
+    void Begin(Wait& wait, const std::string& address);
+    std::function<bool()> Watched(Wait& wait, const std::string& address,
+                                  std::function<bool()> mayGoOn);
     void Add(WorkerId worker, Job job);
     void AddUrgent(Job job);
     std::deque<Job>::iterator PlaceFor(Order order, std::deque<Job>& jobs) const;
@@ -80,6 +122,9 @@ class Workers {
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::array<Line, kWorkerCount> lines_;
+    Wait wait_;                      // of the directed worker
+    std::shared_ptr<FleetRun> run_;  // the last one; null: none
+    std::list<Side> sides_;          // of it
     std::atomic<unsigned> stops_{0}, walkStops_{0};
     bool isStopReported_ = true;  // as a call, once per run
     bool isEnding_ = false;

@@ -118,7 +118,7 @@ TEST(Sessions, RunningSweepIsNoSilence) {
     session.BeginSweep(WorkerId::kWsd, step, "");
     const DeviceRow row;
     EXPECT_EQ(ProtocolState::kPending, session.ProtocolsOf(row).at(2).state);
-    session.EndSweep(WorkerId::kWsd);
+    session.EndSweep(WorkerId::kWsd, true);
     EXPECT_EQ(ProtocolState::kSilent, session.ProtocolsOf(row).at(2).state);
 }
 

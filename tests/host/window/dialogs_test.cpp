@@ -81,6 +81,9 @@ TEST_F(Dialogs, FitLongerLanguages) {
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 7);
         DestroyWindow(PopupOf(window_->Handle()));
+        window_->OpenChanges();
+        CheckDialog(PopupOf(window_->Handle()), 5);
+        DestroyWindow(PopupOf(window_->Handle()));
         Select(0);
         Command(IDM_WALK);
         CheckDialog(PopupOf(window_->Handle()), 8);
@@ -120,6 +123,35 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
         Press(dialog, IDCANCEL);
     });
     DeleteProfile(L"Lab");
+}
+
+TEST_F(Dialogs, CancellingTheUserSendsNothingAndUnticksNothing) {
+    Open();
+    CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
+    std::thread user([owner = window_->Handle()] {
+        const HWND dialog = NextPopupOf(owner);
+        EXPECT_EQ(0u, TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)).find(Text(IDS_SNMP_WHY)));
+        Press(dialog, IDCANCEL);
+    });
+    Command(IDC_FIND);
+    user.join();
+    EXPECT_EQ(0, engine_.sweeps);
+    EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_V3));
+    EXPECT_EQ(Text(IDS_NO_USER), TextOf(Control(IDC_STATUS)));
+}
+
+TEST_F(Dialogs, CommunitiesAreAskedInTurn) {
+    Open();
+    PlayDialog([](HWND dialog) {
+        EXPECT_EQ(L"sesame", TextOf(GetDlgItem(dialog, IDC_COMMUNITY)));
+        Type(dialog, IDC_COMMUNITY, L" office , sesame,office,");
+        Press(dialog, IDOK);
+    });
+    EXPECT_EQ((std::vector<std::string>{"office", ""}), window_->state.credentials.communities);
+    Command(IDC_FIND);
+    ASSERT_TRUE(EndsSweeps());
+    EXPECT_EQ(2, engine_.sweeps);
+    EXPECT_EQ("", engine_.lastStep.credentials.community);
 }
 
 // A sweep cannot tell refusal from silence; asking the device again can.

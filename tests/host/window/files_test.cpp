@@ -1,4 +1,6 @@
 // The commands of the File menu after the user has chosen a file.
+#include <regex>
+
 #include "platform/saved_file.h"
 #include "scripted_window.h"
 
@@ -64,6 +66,8 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_EQ(L"", Addresses());
     EXPECT_TRUE(window_->scans.OpenFrom(path_));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
+    const std::wstring title = TextOf(window_->Handle());
+    EXPECT_NE(std::wstring::npos, title.find(L", scan of ")) << ToUtf8(title);
     // Its addresses get the user's community only when the user asks them.
     const int reads = engine_.reads;
     Select(0);
@@ -72,6 +76,44 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
     Sleep(100);
     EXPECT_EQ(reads + 1, engine_.reads);
+}
+
+// Otherwise what is found now could not be told from what the file has.
+TEST_F(Files, FindAsksHowToGoOnFromAFile) {
+    OpenWithDevices();
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
+    EXPECT_TRUE(window_->scans.OpenFrom(path_));
+    const int sweeps = engine_.sweeps;
+    Answer({IDCANCEL}, [&] { Command(IDC_FIND); });
+    EXPECT_EQ(sweeps, engine_.sweeps);
+    for (const int button : {IDYES, IDNO}) {
+        EXPECT_TRUE(window_->scans.OpenFrom(path_));
+        Answer({button}, [&] { Command(IDC_FIND); });
+        EXPECT_EQ(L"VnBrowser", TextOf(window_->Handle()));
+        EXPECT_EQ(button == IDYES ? L"10.77.1.11;10.77.1.10;" : L"", Addresses());
+        ASSERT_TRUE(EndsSweeps());
+    }
+}
+
+// In columns, with a line that counts, sorted by a click.
+TEST_F(Files, ComparisonIsATable) {
+    OpenWithDevices();
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
+    SetFileText(std::regex_replace(FileText(), std::regex("10.77.1.9\""), "10.77.1.7\""));
+    EXPECT_TRUE(window_->scans.CompareWith(path_));
+    const HWND table = PopupOf(window_->Handle());
+    const HWND rows = GetDlgItem(table, IDC_TABLE_ROWS);
+    EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(table, IDC_TABLE_NOTE))
+                                      .find(L"this list (3 devices): 1 new, 1 gone, 0 changed"));
+    EXPECT_EQ(L"new", CellOf(rows, 0, 1));
+    EXPECT_NE(std::wstring::npos, CellOf(rows, 0, 0).find(L"10.77.1.9"));
+    NMLISTVIEW click = {};
+    click.hdr = {rows, IDC_TABLE_ROWS, LVN_COLUMNCLICK};
+    click.iSubItem = 1;
+    SendMessageW(table, WM_NOTIFY, IDC_TABLE_ROWS, reinterpret_cast<LPARAM>(&click));
+    EXPECT_EQ(L"gone", CellOf(rows, 0, 1));
+    SendMessageW(table, WM_COMMAND, IDC_TABLE_COPY, 0);
+    EXPECT_EQ(0u, Copied().find(L"Device\tWhat\tBefore\tAfter\r\nVN InkLine 70, 10.77.1.7\tgone"));
 }
 
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
@@ -127,7 +169,10 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
 
 TEST_F(Files, ScriptSweepsSavesAndExits) {
     engine_.Say("10.77.1.1", "x");
-    Open({true, path_, true, L""});
+    StartOptions options;
+    options.sweep = options.exit = true;
+    options.savePath = path_;
+    Open(options);
     std::thread end([&] {
         while (engine_.stops == 0) {
             Sleep(300);
@@ -141,20 +186,21 @@ TEST_F(Files, ScriptSweepsSavesAndExits) {
 
 TEST_F(Files, ExportsHoldTheRowsAsShown) {
     OpenWithDevices();
-    int order[] = {2, 1, 0, 3, 4, 5, 6, 7, 8, 9};
+    int order[] = {2, 1, 0, 3, 4, 5, 6, 7, 8, 9};  // the address first
     ListView_SetColumnOrderArray(Control(IDC_DEVICES), 10, order);
     EXPECT_TRUE(window_->scans.SaveCsvTo(path_));
     const std::string csv = FileText();
     EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"Serial number\",")) << csv;
     EXPECT_NE(
         std::string::npos,
-        csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"\",\"\",\"SNMPv1\""))
+        csv.find(
+            "\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"never read\",\"\",\"SNMPv1\""))
         << csv;
     EXPECT_TRUE(window_->scans.SaveJsonTo(path_));
-    EXPECT_EQ(
-        "[\n  {\"address\":\"10.77.1.11\",\"value\":\"VN LaserPro 411\"},\n"
-        "  {\"address\":\"10.77.1.10\",\"value\":\"VN LaserPro 410\"}\n]\n",
-        FileText());
+    const std::string json = FileText();
+    EXPECT_EQ(0u, json.find("[\n  {\"severity\":\"unknown\",\"state\":null")) << json;
+    EXPECT_LT(json.find("[\"10.77.1.11\"]"), json.find("[\"10.77.1.10\"]"));
+    EXPECT_NE(std::string::npos, json.find("\"notRead\":\"never read\"}\n]\n")) << json;
 }
 
 TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {

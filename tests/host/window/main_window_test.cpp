@@ -81,6 +81,40 @@ TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Stopped after "));
 }
 
+// One click: it searches, reads what it finds, and is one Stop until that is over.
+TEST_F(MainWindowTest, FindReadsWhatItFinds) {
+    Open();
+    window_->ToggleReadsFound();
+    Command(IDC_FIND);
+    engine_.isHeld = true;
+    engine_.Say("10.77.1.1", "x");
+    engine_.Say("10.77.1.2", "y");
+    ASSERT_TRUE(Shows(L"10.77.1.1;10.77.1.2;"));
+    EXPECT_EQ(L"never read", Cell(0, 5));
+    engine_.End();
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == L"Reading 0 of 2"; }));
+    EXPECT_TRUE(Until([&] { return Cell(0, 5) == L"being read"; }));
+    EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
+    engine_.isHeld = false;
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Read 2 devices in"));
+    EXPECT_EQ(L"no such value", Cell(0, 5));
+    window_->ToggleReadsFound();
+}
+
+// It is grey until it answers again.
+TEST_F(MainWindowTest, DeviceThatMissesASearchIsToldSo) {
+    OpenWith({{"10.77.1.8", "x"}, {"10.77.1.9", "y"}});
+    for (const char* answering : {"10.77.1.9", "10.77.1.8"}) {
+        Command(IDC_FIND);
+        engine_.Say(answering, "x");
+        ASSERT_TRUE(EndsSweeps());
+        const int silent = answering == std::string("10.77.1.9") ? 0 : 1;
+        EXPECT_EQ(0u, Cell(silent, 5).find(L"no answer since ")) << answering;
+        EXPECT_EQ(L"never read", Cell(1 - silent, 5));
+    }
+}
+
 TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     Open();
     Command(IDC_FIND);
@@ -89,12 +123,12 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     const std::wstring split = L"10.77.1.1;10.77.1.2;10.77.1.3;fe80::1;";
     ASSERT_TRUE(Shows(split));
     Select(2);
-    // Model, address, protocols; the line that it has not been asked is gone.
-    ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DETAILS)) == 3; }));
+    // State, model, address, protocols; the line that it has not been asked is gone.
+    ASSERT_TRUE(Until([&] { return ListView_GetItemCount(Control(IDC_DETAILS)) == 4; }));
     Command(IDM_ASK_ALL);
     ASSERT_TRUE(Shows(L"10.77.1.1, 10.77.1.2, fe80::1;10.77.1.3;"));
     EXPECT_EQ(1, Selected());
-    EXPECT_EQ(4, engine_.reads);  // the silent one is not asked again automatically
+    EXPECT_EQ(6, engine_.reads);  // the selected one thrice
     Select(0);
     Command(IDM_WEB);  // although it answered at its IPv6 address first
     EXPECT_EQ(L"http://10.77.1.1/", opened);
@@ -130,7 +164,7 @@ void CheckControls(HWND window) {
         const bool hasLabel = label && TypeOf(label) == L"Static" && !TextOf(label).empty();
         EXPECT_TRUE(hasLabel || !TextOf(control).empty()) << GetDlgCtrlID(control);
     }
-    EXPECT_EQ(16u, places.size());
+    EXPECT_EQ(17u, places.size());
 }
 
 void Resize(HWND window, int width, int height, int dpi) {

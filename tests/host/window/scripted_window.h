@@ -63,7 +63,12 @@ class ScriptedEngine : public Engine {
         changed_.notify_all();
     }
     void StopWsd() override {}
-    PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
+    FleetResult ReadForList(const AskTarget& target, const FleetJob&, Reader*,
+                            std::function<bool()> mayGoOn) override {
+        AskTarget asked = target;
+        return {Read(asked, std::move(mayGoOn)), false};
+    }
+    PrinterAnswers Read(AskTarget& target, std::function<bool()>) override {
         ++reads;
         while (isHeld) Sleep(5);
         Fail();
@@ -257,11 +262,16 @@ class MainWindowTest : public testing::Test {
   protected:
     // The window waits for its readings, also after a failure that left one held.
     ~MainWindowTest() override { engine_.isHeld = false; }
+    // By address, with one community, and read only on demand.
     void Open(StartOptions options = {}) {
         window_.reset();
+        if (options.communities.empty()) options.communities = {""};
+        if (!options.lookFor) options.lookFor = 2;
         MSG quit;  // from the previous window; it would end a dialog at once
         PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         window_.emplace(engine_, std::move(options));
+        window_->state.session.view.Sort(Column::kAddress, false);
+        if (window_->ReadsFound()) window_->ToggleReadsFound();
     }
     // With the answers of a sweep that has been stopped: pairs of address and value.
     void OpenWith(const std::vector<std::pair<std::string, std::string>>& answers) {
@@ -276,6 +286,13 @@ class MainWindowTest : public testing::Test {
     // Whether the sweep ends.
     bool Ends() {
         return Until([&] { return TextOf(Control(IDC_FIND)) == Text(IDS_FIND); });
+    }
+    // The same, as soon as the engine is in it.
+    bool EndsSweeps() {
+        return Until([&] {
+            engine_.End();
+            return TextOf(Control(IDC_FIND)) == Text(IDS_FIND);
+        });
     }
     bool Shows(const std::wstring& addresses) {
         return Until([&] { return Addresses() == addresses; });

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <map>
+#include <mutex>
 
+#include "host/model/scripted_device.h"
 #include "platform/result_window.h"
 
 namespace vndiscover::host {
@@ -15,7 +18,31 @@ class PatientEngine : public Engine {
     void Sweep(const SweepStep&, const OnAnswer&) override {}
     void StopSnmp() override {}
     void StopWsd() override {}
-    PrinterAnswers Read(const AskTarget&, std::function<bool()> mayGoOn) override {
+    FleetResult ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+                            std::function<bool()> mayGoOn) override {
+        const int64_t delayMs = target.address == "10.0.0.1" ? slowMs.load() : 1;
+        Asker asker = device.MakeAsker();
+        asker.mayGoOn = mayGoOn;
+        asker.getNext = [&, ask = asker.getNext](const Oid& oid) {
+            ++(reader ? aside : here);
+            std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
+            const std::lock_guard<std::mutex> lock(mutex);
+            return ask(oid);
+        };
+        return ReadJob(job, asker);
+    }
+    size_t MaxReaders() const override { return readers; }
+    std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>&) override {
+        struct Idle : Reader {
+            explicit Idle(bool isAlive) : isAlive_(isAlive) {}
+            bool IsAlive() const override { return isAlive_; }
+            Answer GetNext(size_t, const std::string&, const Oid&) override { return {}; }
+            void End() override { isAlive_ = false; }
+            std::atomic<bool> isAlive_;
+        };
+        return std::make_unique<Idle>(areAlive);
+    }
+    PrinterAnswers Read(AskTarget&, std::function<bool()> mayGoOn) override {
         ++begun;
         for (int wait = 0; wait < 2000 && mayGoOn(); ++wait)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -36,7 +63,12 @@ class PatientEngine : public Engine {
         return {};
     }
     ComputerReport Report() override { return {}; }
-    std::atomic<int> begun{0}, ended{0}, looks{0}, walks{0};
+    std::atomic<int> begun{0}, ended{0}, looks{0}, walks{0}, here{0}, aside{0};
+    std::atomic<int64_t> slowMs{1};
+    size_t readers = 0;
+    bool areAlive = true;
+    ScriptedDevice device;  // that every address is
+    std::mutex mutex;
 };
 
 template <class Condition>
@@ -113,6 +145,91 @@ TEST_F(WorkersTest, WalkThatHasNotBegunReportsItsEnd) {
         EXPECT_EQ(walk, results.dropped);
     }
     EXPECT_EQ(0, engine.walks);
+}
+
+class FleetWorkers : public WorkersTest {
+  protected:
+    FleetWorkers() {
+        engine.device.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.5");
+        engine.device.Integer("hrPrinterStatus.1", 3);
+        engine.device.Integer("hrDeviceStatus.1", 2);
+    }
+    void ReadAll(int count) {
+        std::vector<AskTarget> targets;
+        for (int index = 1; index <= count; ++index)
+            targets.push_back({"10.0.0." + std::to_string(index), SweepKind::kSnmpV1, {}});
+        workers.ReadAll(targets);
+    }
+    // Runs the results until the reading is over; those it lists are of the last round of a device.
+    void Finish() {
+        ASSERT_TRUE(Comes([&] {
+            queue.RunAll(results);
+            return results.isOver;
+        }));
+    }
+    struct : Results {
+        void OnRead(Read read) override {
+            last[read.target.address] = read;
+            order += read.target.address.substr(7) + " ";
+        }
+        void OnReadAll(size_t count, size_t, bool wasStopped) override {
+            isOver = true;
+            read = count;
+            isStopped = wasStopped;
+        }
+        std::map<std::string, Read> last;
+        std::string order;
+        size_t read = 0;
+        bool isOver = false, isStopped = false;
+    } results;
+};
+
+TEST_F(FleetWorkers, SlowDeviceDoesNotHoldTheOthers) {
+    engine.readers = 2;
+    engine.slowMs = 80;
+    ReadAll(8);
+    EXPECT_TRUE(workers.IsSending());
+    EXPECT_TRUE(Comes([&] { return workers.Now().read == 7; }));
+    EXPECT_EQ("10.0.0.1", workers.Now().address);
+    Finish();
+    EXPECT_EQ(8u, results.last.size());
+    EXPECT_EQ("1 ", results.order.substr(results.order.size() - 2));
+    EXPECT_EQ(0, engine.here);
+    EXPECT_EQ(8u, results.read);
+    EXPECT_TRUE(Comes([&] { return !workers.IsSending(); }));
+}
+
+TEST_F(FleetWorkers, SelectedDeviceIsReadMeanwhile) {
+    engine.slowMs = 1000;
+    ReadAll(1);
+    ASSERT_TRUE(Comes([&] { return engine.here == 1; }));
+    workers.Ask({"10.0.0.9", SweepKind::kSnmpV1, {}}, true);
+    EXPECT_TRUE(Comes([&] { return engine.begun == 1; }));
+    workers.Stop();
+    Finish();
+    EXPECT_TRUE(results.isStopped);
+}
+
+TEST_F(FleetWorkers, WhatDeadReadersLeaveIsReadHere) {
+    engine.readers = 2;
+    engine.areAlive = false;
+    ReadAll(4);
+    Finish();
+    EXPECT_EQ(0, engine.aside);
+    EXPECT_EQ(4u, results.read);
+    EXPECT_EQ(Status::kAnswered, results.last["10.0.0.4"].answers.lastStatus);
+}
+
+TEST_F(FleetWorkers, OtherCommunitiesAreTriedOfASilentDevice) {
+    engine.device.failure = [&](const Oid&) {
+        return engine.here < 3 ? Status::kNoAnswer : Status::kAnswered;
+    };
+    AskTarget target = {"10.0.0.2", SweepKind::kSnmpV1, {}};
+    target.otherCommunities = {"public"};
+    workers.ReadAll({target});
+    Finish();
+    EXPECT_EQ("public", results.last["10.0.0.2"].target.credentials.community);
+    EXPECT_FALSE(results.last["10.0.0.2"].answers.values.empty());
 }
 
 // Of sweeps that begin at the same time, no other one having registered the type of the windows.

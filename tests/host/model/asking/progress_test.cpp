@@ -12,12 +12,12 @@ using Kind = Progress::Kind;
 
 class ProgressTest : public testing::Test {
   protected:
-    // The kind, and its numbers: seconds, count, addresses.
-    std::pair<Kind, std::vector<int64_t>> Shown(size_t waiting = 0) const {
-        const Progress::Status status = progress.Now(waiting);
+    // The kind, and its numbers: seconds, count, total.
+    std::pair<Kind, std::vector<int64_t>> Shown(const Progress::Work& work = {}) const {
+        const Progress::Status status = progress.Now(work);
         return {status.kind,
                 {status.seconds, static_cast<int64_t>(status.count),
-                 static_cast<int64_t>(status.addresses)}};
+                 static_cast<int64_t>(status.total)}};
     }
     using Expected = std::pair<Kind, std::vector<int64_t>>;
     int64_t nowMs = 5000;
@@ -37,13 +37,11 @@ TEST_F(ProgressTest, SearchEndsWithItsLastSweep) {
     EXPECT_FALSE(progress.EndSweep());  // of an earlier search
     nowMs += 60000;
     EXPECT_EQ((Expected{Kind::kDone, {2, 1, 0}}), Shown());
-    progress.StopSearch();  // none runs
-    EXPECT_EQ(Kind::kDone, Shown().first);
     progress.BeginSearch(1);
-    progress.StopSearch();
+    progress.Stop();
     EXPECT_TRUE(progress.IsStopping());
     progress.EndSweep();
-    progress.StopSearch();
+    progress.SetIdle();
     EXPECT_EQ((Expected{Kind::kStopped, {0, 0, 0}}), Shown());
     EXPECT_FALSE(progress.IsStopping());
     progress.ForgetSearch();
@@ -68,13 +66,32 @@ TEST_F(ProgressTest, NoteReturnsWhenNothingIsInProgress) {
 TEST_F(ProgressTest, AskingIsShownBeforeAWalk) {
     progress.BeginWalk("10.0.0.1");
     progress.BeginReading("10.0.0.2");
-    EXPECT_EQ((Expected{Kind::kAsking, {0, 7, 0}}), Shown(7));
-    EXPECT_EQ("10.0.0.2", progress.Now(0).address);
+    Progress::Work work;
+    work.waiting = 7;
+    EXPECT_EQ((Expected{Kind::kAsking, {0, 7, 0}}), Shown(work));
+    EXPECT_EQ("10.0.0.2", progress.Now({}).address);
     EXPECT_TRUE(progress.IsReading("10.0.0.2"));
     progress.EndAsking();
-    EXPECT_EQ("10.0.0.1", progress.Now(0).address);
+    EXPECT_EQ("10.0.0.1", progress.Now({}).address);
     progress.BeginDiagnosis("10.0.0.2");
     EXPECT_FALSE(progress.IsReading("10.0.0.2"));
+}
+
+TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
+    progress.BeginReadingAll();
+    Progress::Work work = {0, 29, 403, "10.80.9.12", Progress::kWaitMs - 1};
+    EXPECT_EQ((Expected{Kind::kReadingAll, {0, 29, 403}}), Shown(work));
+    EXPECT_EQ("", progress.Now(work).address);
+    work.waitMs = 9000;
+    EXPECT_EQ("10.80.9.12", progress.Now(work).address);
+    EXPECT_EQ(9, progress.Now(work).waitSeconds);
+    progress.Stop();  // the request may take 12 s
+    EXPECT_EQ((Expected{Kind::kStopping, {3, 0, 0}}), Shown(work));
+    nowMs += 60000;
+    EXPECT_EQ((Expected{Kind::kStopping, {1, 0, 0}}), Shown({}));
+    progress.EndReadingAll(29, 403);
+    progress.SetIdle();
+    EXPECT_EQ((Expected{Kind::kRead, {60, 29, 403}}), Shown());
 }
 
 }  // namespace

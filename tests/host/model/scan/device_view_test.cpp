@@ -1,4 +1,4 @@
-#include "model/scan/device_writer.h"
+#include "model/scan/device_view.h"
 
 #include <gtest/gtest.h>
 
@@ -44,6 +44,7 @@ class DeviceViewTest : public testing::Test {
 };
 
 TEST_F(DeviceViewTest, SortsAddressesAsNumbers) {
+    view_.Sort(Column::kAddress, false);
     for (const char* address :
          {"10.77.1.100", "fe80::10", "10.77.1.9", "fe80::9", "name", "9.1.1.1"})
         Hear(address, "x");
@@ -68,9 +69,7 @@ TEST_F(DeviceViewTest, FilterHidesWithoutDeleting) {
     view_.Select(1);
     view_.Filter("vn  laser");
     EXPECT_EQ("10.77.1.1;", Shown());
-    EXPECT_FALSE(view_.Selected());
-    ASSERT_TRUE(view_.SelectedRow());
-    EXPECT_EQ("10.77.1.2", view_.SelectedRow()->Text(Column::kAddress));
+    EXPECT_FALSE(view_.SelectedRow());  // commands act on what is seen
     view_.Filter("1.1 ink");
     EXPECT_EQ(0u, view_.Count());
     view_.Filter(" ");
@@ -100,35 +99,51 @@ TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {
     EXPECT_EQ("hall;;", Shown(Column::kName));
 }
 
-TEST_F(DeviceViewTest, CsvCellsAreNeverFormulas) {
-    Hear("10.77.1.20", "=1+\"2\";\xEF\xBC\x9DZ2");
-    EXPECT_EQ(
-        "\xEF\xBB\xBF\"Address\",\"Model\"\r\n\"10.77.1.20\",\"'=1+\"\"2\"\";'\xEF\xBC\x9DZ2\"\r\n",
-        CsvOf(view_, {{Column::kAddress, "Address"}, {Column::kModel, "Model"}}));
+// The worst first, then the lowest supply; a state that does not hold is none.
+TEST_F(DeviceViewTest, StartsWithTheWorst) {
+    for (const auto& [address, status, level] : {std::tuple("10.77.1.1", "\2", "\x50"),
+                                                 {"10.77.1.2", "\2", "\x09"},
+                                                 {"10.77.1.3", "\5", "\x50"},
+                                                 {"10.77.1.4", "\2", "\x28"}}) {
+        Tell(address, "hrPrinterStatus.1", kInteger, "\3");
+        Tell(address, "hrDeviceStatus.1", kInteger, status);
+        Tell(address, "prtMarkerSuppliesMaxCapacity.1.1", kInteger, "\x64");
+        Tell(address, "prtMarkerSuppliesLevel.1.1", kInteger, level);
+    }
+    Hear("10.77.1.5", "x");
+    EXPECT_EQ("10.77.1.3;10.77.1.2;10.77.1.5;10.77.1.4;10.77.1.1;", Shown());
+    EXPECT_EQ("80 % supply;9 % supply;;40 % supply;80 % supply;", Shown(Column::kSupplies));
+    std::vector<Standing> standings(5);
+    for (Standing& one : standings) one.kind = Standing::Kind::kRead;
+    standings[2].kind = Standing::Kind::kMissed;
+    view_.SetRows(maker_.Make(scan_, MakeDevices(scan_), adapters_, standings));
+    EXPECT_EQ("10.77.1.2;10.77.1.3;10.77.1.5;10.77.1.4;10.77.1.1;", Shown());
 }
 
-// As the console prints them: a value, the value in a request for one OID, and a whole document.
-TEST_F(DeviceViewTest, JsonHoldsTheShownAnswersToSweeps) {
-    scan_.sweeps.push_back({SweepKind::kSnmpV3, AnswerForm::kDocument, false, {}, ""});
+TEST_F(DeviceViewTest, ShowsNoComputerAsAPrinter) {
     scan_.sweeps.push_back({SweepKind::kWsd, AnswerForm::kReply, false, {}, ""});
-    Hear("10.77.1.21", "VN LaserPro");
-    Tell("10.77.1.21", "sysName.0", kOctetString, "hall");
-    Hear("10.77.1.3", "hidden");
-    const std::string one = R"({"DiscoverOID":".1.3","GET":{".1.3":"VN 70"}})";
-    const std::string other = R"({"DiscoverOID":".1.3","GET":{".1.4":"VN 71"}})";
-    scan_.answers.push_back({2, "", "10.77.1.22", Received(one)});
-    scan_.answers.push_back({2, "", "10.77.1.21", Received(other)});
-    scan_.answers.push_back({3, "", "10.77.1.23", Received("<reply/>")});
+    const auto reply = [&](const char* address, const char* type) {
+        scan_.answers.push_back(
+            {2, "", address,
+             Received("<e:Envelope xmlns:e='http://www.w3.org/2003/05/soap-envelope'><e:Body>"
+                      "<d:ProbeMatches xmlns:d='http://schemas.xmlsoap.org/ws/2005/04/discovery' "
+                      "xmlns:a='http://schemas.xmlsoap.org/ws/2004/08/addressing'><d:ProbeMatch>"
+                      "<a:EndpointReference><a:Address>" +
+                      std::string(address) + "</a:Address></a:EndpointReference><d:Types>" + type +
+                      "</d:Types></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>")});
+    };
+    Hear("10.77.1.1", "never read");
+    Tell("10.77.1.2", "sysName.0", kOctetString, "a computer");
+    Tell("10.77.1.3", "hrPrinterStatus.1", kInteger, "\3");
+    reply("10.77.1.4", "Computer");
+    reply("10.77.1.5", "PrintDeviceType");
+    view_.ShowOnlyPrinters(true);
     Show();
-    view_.Sort(Column::kAddress, true);
-    view_.Filter("1.2");
-    EXPECT_EQ(
-        "[\n  {\"address\":\"10.77.1.23\",\"value\":\"\"},\n"
-        "  {\"address\":\"10.77.1.22\",\"value\":\"VN 70\"},\n"
-        "  {\"address\":\"10.77.1.21\",\"value\":\"VN LaserPro\"},\n"
-        "  {\"address\":\"10.77.1.21\",\"value\":" +
-            other + "}\n]\n",
-        JsonOf(view_, scan_));
+    EXPECT_EQ("10.77.1.1;10.77.1.5;10.77.1.3;", Shown());
+    EXPECT_EQ(3u, view_.Total());
+    EXPECT_EQ(2u, view_.Others());
+    view_.ShowOnlyPrinters(false);
+    EXPECT_EQ(5u, view_.Count());
 }
 
 }  // namespace

@@ -57,6 +57,16 @@ TEST(Protocols, SayWhichSweepsADeviceAnswered) {
     EXPECT_EQ(State::kSilent, States(scan, {}, {2})["SNMPv3"]);
 }
 
+// A device that answers may have no address there.
+TEST(Protocols, ASweepOverIPv6TellsNothingOfADeviceThatAnswers) {
+    Scan scan;
+    scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
+    scan.answers = {{0, "", "10.0.0.1", Received("x")}};
+    EXPECT_EQ(0u, States(scan, {}, {}).count("SNMPv16"));
+    scan.answers.clear();
+    EXPECT_EQ(State::kSilent, States(scan, {}, {})["SNMPv16"]);
+}
+
 TEST(Protocols, SayWhyAReadingFailed) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};

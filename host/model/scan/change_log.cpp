@@ -1,0 +1,52 @@
+#include "model/scan/change_log.h"
+
+#include <utility>
+
+#include "values/text.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxChanges = 10000;
+
+std::string KeyOf(const DeviceRow& row) {
+    const std::string& serial = row.Text(Column::kSerial);
+    return serial.empty() ? row.Text(Column::kAddress) : serial;
+}
+
+// What counts as a change: not the level of a supply, but that it has become low or empty.
+std::string StateOf(const DeviceRow& row) {
+    const std::string& state = row.Text(Column::kState);
+    constexpr int kLowPercent = 10;
+    if (!row.standing.Holds() || row.lowestSupply.value_or(kLowPercent) >= kLowPercent)
+        return state;
+    return state + (*row.lowestSupply == 0 ? ", a supply is empty" : ", a supply is low");
+}
+
+}  // namespace
+
+bool ChangeLog::Take(const DeviceRow& row, const std::string& time) {
+    const Standing::Kind kind = row.standing.kind;
+    if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
+    std::string state = StateOf(row);
+    const auto [known, isNew] = known_.try_emplace(KeyOf(row), Known{state, false});
+    if (isNew || known->second.state == state) return false;
+    const std::string name =
+        Joined({row.Text(Column::kName), row.Text(Column::kModel), row.Text(Column::kAddress)});
+    changes_.push_front({time, name, std::exchange(known->second.state, state), state});
+    if (changes_.size() > kMaxChanges) changes_.pop_back();
+    known->second.isMarked = true;
+    return true;
+}
+
+bool ChangeLog::IsMarked(const DeviceRow& row) const {
+    const auto known = known_.find(KeyOf(row));
+    return known != known_.end() && known->second.isMarked;
+}
+
+void ChangeLog::Unmark(const DeviceRow& row) {
+    const auto known = known_.find(KeyOf(row));
+    if (known != known_.end()) known->second.isMarked = false;
+}
+
+}  // namespace vndiscover::host

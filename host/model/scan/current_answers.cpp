@@ -1,0 +1,138 @@
+#include "model/scan/current_answers.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <set>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "values/object_names.h"
+
+namespace vndiscover::host {
+namespace {
+
+// What answers to one question have in common. `object`: of a variable, or asked for by a sweep.
+using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oid>;
+// Of an address: for what takes the place of a removed answer.
+using Origin = std::tuple<std::string, SweepKind, bool>;
+
+// The object of the table of names that a variable belongs to.
+Oid ObjectOf(const Oid& variable) {
+    static const std::set<Oid> objects = [] {
+        std::set<Oid> all;
+        for (size_t index = 0; index < kObjectNameCount; ++index)
+            all.insert(OidOf(kObjectNames[index].name));
+        return all;
+    }();
+    const auto next = objects.upper_bound(variable);
+    if (next != objects.begin() && IsWithin(variable, *std::prev(next))) return *std::prev(next);
+    return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
+}
+
+bool IsVariable(const ScanSweep& sweep) { return sweep.form == AnswerForm::kVariable; }
+
+Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer) {
+    if (IsVariable(sweep))
+        return {answer.address, sweep.kind, sweep.form, false, 0, ObjectOf(answer.answer.oid)};
+    return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
+}
+
+Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
+    return {answer.address, sweep.kind, IsVariable(sweep)};
+}
+
+bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {
+    return std::any_of(objects.begin(), objects.end(),
+                       [&](const char* object) { return IsWithin(oid, OidOf(object)); });
+}
+bool IsState(const Oid& oid) {
+    return IsAny(oid, {"hrDeviceStatus", "hrPrinterStatus", "hrPrinterDetectedErrorState"});
+}
+bool IsOfState(const Oid& oid) {
+    return IsAny(oid, {"prtAlertSeverityLevel", "prtAlertGroup", "prtAlertCode",
+                       "prtAlertDescription", "prtAlertTime", "prtConsoleDisplayBufferText"});
+}
+
+}  // namespace
+
+std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
+    if (answers.size() < 2) return answers;
+    std::map<Question, size_t> sweeps;          // the last with an answer to it
+    std::map<Origin, size_t> readings, states;  // the last complete one, or one with a state
+    const auto latest = [](auto& known, const auto& key, size_t sweep) {
+        size_t& last = known.try_emplace(key, sweep).first->second;
+        last = std::max(last, sweep);
+    };
+    for (const size_t index : answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        const ScanSweep& sweep = scan.sweeps[answer.sweep];
+        latest(sweeps, QuestionOf(sweep, answer), answer.sweep);
+        if (!IsVariable(sweep)) continue;
+        if (sweep.isComplete) latest(readings, OriginOf(sweep, answer), answer.sweep);
+        if (IsState(answer.answer.oid)) latest(states, OriginOf(sweep, answer), answer.sweep);
+    }
+    const auto isFormer = [](const auto& known, const auto& key, size_t sweep) {
+        const auto found = known.find(key);
+        return found != known.end() && found->second > sweep;
+    };
+    std::vector<size_t> current;
+    for (const size_t index : answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        const ScanSweep& sweep = scan.sweeps[answer.sweep];
+        if (isFormer(sweeps, QuestionOf(sweep, answer), answer.sweep)) continue;
+        if (IsVariable(sweep)) {
+            const Origin origin = OriginOf(sweep, answer);
+            if (isFormer(readings, origin, answer.sweep)) continue;
+            if (IsOfState(answer.answer.oid) && isFormer(states, origin, answer.sweep)) continue;
+        }
+        current.push_back(index);
+    }
+    return current;
+}
+
+std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
+    std::vector<size_t> all(scan.answers.size());
+    std::iota(all.begin(), all.end(), size_t{0});
+    const std::vector<size_t> current = CurrentAnswers(scan, all);
+    std::vector<size_t> places(all.size(), SIZE_MAX);
+    std::map<Origin, size_t> successors;
+    for (size_t place = 0; place < current.size(); ++place) {
+        const ScanAnswer& answer = scan.answers[current[place]];
+        places[current[place]] = place;
+        successors[OriginOf(scan.sweeps[answer.sweep], answer)] = place;
+    }
+    for (const size_t index : all) {
+        const ScanAnswer& answer = scan.answers[index];
+        if (places[index] == SIZE_MAX)  // an answer is replaced only by one of its origin
+            places[index] = successors.at(OriginOf(scan.sweeps[answer.sweep], answer));
+    }
+    size_t lastSearch = 0;
+    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
+    std::vector<bool> isKept(scan.sweeps.size());
+    for (const size_t index : current) isKept[scan.answers[index].sweep] = true;
+    std::vector<size_t> numbers(scan.sweeps.size());
+    std::vector<ScanSweep> sweeps;
+    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
+        numbers[index] = sweeps.size();
+        const ScanSweep& sweep = scan.sweeps[index];
+        if (isKept[index] || (sweep.search != 0 && sweep.search == lastSearch))
+            sweeps.push_back(sweep);
+    }
+    std::vector<ScanAnswer> answers;
+    answers.reserve(current.size());
+    for (const size_t index : current) {
+        answers.push_back(std::move(scan.answers[index]));
+        answers.back().sweep = numbers[answers.back().sweep];
+    }
+    scan.sweeps = std::move(sweeps);
+    scan.answers = std::move(answers);
+    const auto splits = std::exchange(scan.splits, {});
+    for (const auto& [one, other] : splits) {
+        if (places[one] != places[other]) scan.splits.emplace_back(places[one], places[other]);
+    }
+    return places;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,151 @@
+#include "model/scan/standing.h"
+
+#include <algorithm>
+#include <ctime>
+#include <tuple>
+
+#include "values/text.h"
+#include "values/utc_time.h"
+
+namespace vndiscover::host {
+namespace {
+
+using Kind = Standing::Kind;
+
+std::string LastAnswerOf(const Scan& scan, const FoundDevice& device) {
+    std::string last;
+    for (const size_t index : device.answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        if (scan.sweeps[answer.sweep].form != AnswerForm::kAdded)
+            last = std::max(last, answer.time);
+    }
+    return last;
+}
+
+bool IsSameQuestion(const ScanSweep& one, const ScanSweep& other) {
+    const bool isLogin = one.login == other.login || one.login == 0 || other.login == 0;
+    return isLogin && one.kind == other.kind && one.form == other.form &&
+           one.useIPv6 == other.useIPv6 && one.oid == other.oid;
+}
+
+void Judge(Standing& standing, const Reading& reading) {
+    const PrinterAnswers& end = reading.end;
+    const std::string silence =
+        "no answer after " + std::to_string(std::max<int64_t>(1, end.spentMs / 1000)) + " s";
+    standing.kind = Kind::kIncomplete;
+    standing.note = end.lastProblem;
+    if (end.lastStatus == Status::kAnswered) {
+        standing.kind = Kind::kRead;
+        standing.note.clear();
+    } else if (end.isStopped) {
+        standing.kind = reading.hasValues ? Kind::kIncomplete : Kind::kNeverRead;
+    } else if (end.lastStatus == Status::kRefused || end.lastStatus == Status::kOnlyDiscovered) {
+        standing.kind = Kind::kRefused;
+    } else if (end.lastStatus == Status::kNoAnswer) {
+        standing.kind = reading.hasValues ? Kind::kIncomplete : Kind::kNoAnswer;
+        standing.note = silence;
+    }
+}
+
+std::string Since(const Standing& standing) {
+    return Joined(
+        {"no answer", standing.lastAnswer.empty() ? "" : "since", ShortTime(standing.lastAnswer)},
+        " ");
+}
+
+}  // namespace
+
+bool Standing::operator==(const Standing& other) const {
+    return std::tie(kind, lastAnswer, note) == std::tie(other.kind, other.lastAnswer, other.note);
+}
+
+LastSearch::LastSearch(const Scan& scan, bool isSearching) {
+    size_t last = 0;
+    for (const ScanSweep& sweep : scan.sweeps) last = std::max(last, sweep.search);
+    for (const ScanSweep& sweep : scan.sweeps) {
+        if (!isSearching || sweep.search < last) number_ = std::max(number_, sweep.search);
+    }
+    for (const ScanSweep& sweep : scan.sweeps) {
+        if (number_ == 0 || sweep.search != number_) continue;
+        start_ = start_.empty() ? sweep.time : std::min(start_, sweep.time);
+        if (sweep.isComplete) questions_.push_back(sweep);
+    }
+}
+
+bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
+    bool wasAsked = false;
+    for (const size_t index : device.answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        const ScanSweep& sweep = scan.sweeps[answer.sweep];
+        const bool isLater = sweep.form == AnswerForm::kVariable && answer.time >= start_;
+        if ((sweep.search != 0 && sweep.search >= number_) || isLater) return false;
+        wasAsked |= std::any_of(questions_.begin(), questions_.end(),
+                                [&](const auto& asked) { return IsSameQuestion(asked, sweep); });
+    }
+    return wasAsked;
+}
+
+Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* reading,
+                    bool isBeingRead, const LastSearch& search) {
+    Standing standing;
+    standing.lastAnswer = LastAnswerOf(scan, device);
+    if (isBeingRead) {
+        standing.kind = Kind::kBeingRead;
+    } else if (search.HasMissed(scan, device)) {
+        standing.kind = Kind::kMissed;
+    } else if (reading && reading->time >= standing.lastAnswer) {
+        Judge(standing, *reading);
+    } else {
+        standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
+    }
+    return standing;
+}
+
+std::string StateText(const Standing& standing, const PrinterSummary& summary) {
+    switch (standing.kind) {
+        case Kind::kNeverRead:
+            return "never read";
+        case Kind::kBeingRead:
+            return summary.state.empty() ? "being read" : summary.state;
+        case Kind::kRead:
+            return summary.state.empty() ? "no such value" : summary.state;
+        case Kind::kIncomplete: {
+            const std::string note = Joined({"incomplete", standing.note});
+            return summary.state.empty() ? note : summary.state + " (" + note + ")";
+        }
+        case Kind::kNoAnswer:
+            return "no answer";
+        case Kind::kRefused:
+            return standing.note.empty() ? "refused" : standing.note;
+        case Kind::kMissed:
+            return Since(standing);
+    }
+    return "";
+}
+
+std::string StateLine(const Standing& standing, const PrinterSummary& summary,
+                      const std::string& read) {
+    const bool isKnown = !summary.state.empty();
+    std::string state = StateText(standing, summary);
+    const bool isTold = isKnown && state.rfind(summary.state, 0) == 0;
+    if (isKnown && !isTold) state += "; before: " + summary.state;
+    if (!isKnown) return state;
+    const bool isLow = summary.severity == Severity::kAttention && !summary.supply.empty() &&
+                       summary.lowestSupply < 10;
+    const bool isWorse = isTold && summary.severity != Severity::kFine;
+    return (isWorse ? SeverityName(summary.severity) + std::string(": ") : "") +
+           Joined({state, isLow ? summary.supply : "",
+                   read.empty() ? "" : "as of " + ShortTime(read)});
+}
+
+std::string ShortTime(const std::string& utc) {
+    const std::string local = LocalTimeBefore(utc, 0);  // "2026-11-25 05:31"
+    constexpr size_t kDate = 10;
+    const std::time_t now = std::time(nullptr);
+    char today[kDate + 1] = "";
+    const std::tm* parts = std::localtime(&now);
+    if (parts) std::strftime(today, sizeof today, "%Y-%m-%d", parts);
+    return local.compare(0, kDate, today) == 0 && !local.empty() ? local.substr(kDate + 1) : local;
+}
+
+}  // namespace vndiscover::host

@@ -1,0 +1,74 @@
+#include "window/dialogs/add_dialog.h"
+
+#include <optional>
+#include <sstream>
+#include <utility>
+
+#include "platform/messages.h"
+#include "platform/saved_file.h"
+#include "platform/wide_text.h"
+#include "window/dialogs/dialogs.h"
+#include "window/resource.h"
+#include "window/store/scan_files.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr size_t kMaxHosts = 1000;
+constexpr size_t kMaxFileSize = 256 * 1024;
+
+class AddDialog {
+  public:
+    std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+        if (message == WM_INITDIALOG) {
+            dialog_ = dialog;
+            ChangeTexts(dialog);
+            return TRUE;
+        }
+        if (message != WM_COMMAND) return std::nullopt;
+        if (LOWORD(wParam) == IDC_ADD_FILE) ReadFile();
+        if (LOWORD(wParam) == IDOK) Finish();
+        if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog_, FALSE);
+        return 0;
+    }
+    void OnException() noexcept { ShowException(dialog_, false); }
+    std::vector<std::string> hosts;
+
+  private:
+    void ReadFile() const {
+        const std::string path = AskPath(dialog_, IDS_TEXT_FILES, L"txt", L"", false);
+        if (path.empty()) return;
+        std::string problem;
+        const auto text = ReadFileText(path, kMaxFileSize, problem);
+        if (!text) return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem)}), false);
+        std::wstring lines;  // an edit control breaks lines only at both characters
+        for (const wchar_t letter : ToWide(*text)) {
+            if (letter != L'\r') lines += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
+        }
+        SetDlgItemTextW(dialog_, IDC_ADD_HOSTS, lines.c_str());
+    }
+
+    void Finish() {
+        std::string text = ToUtf8(WindowText(GetDlgItem(dialog_, IDC_ADD_HOSTS)));
+        for (char& letter : text) {
+            if (letter == ',' || letter == ';') letter = ' ';
+        }
+        std::istringstream words(text);
+        for (std::string word; hosts.size() < kMaxHosts && words >> word;) hosts.push_back(word);
+        EndDialog(dialog_, TRUE);
+    }
+
+    HWND dialog_ = nullptr;
+};
+
+}  // namespace
+
+std::vector<std::string> AskHosts(HWND owner) {
+    AddDialog dialog;
+    DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_ADD), owner,
+                    DialogProcedure<AddDialog>, reinterpret_cast<LPARAM>(&dialog));
+    return std::move(dialog.hosts);
+}
+
+}  // namespace vndiscover::host

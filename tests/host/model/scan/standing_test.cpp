@@ -1,0 +1,192 @@
+// What a list may still tell of a device, after later searches and readings.
+#include "model/scan/standing.h"
+
+#include <gtest/gtest.h>
+
+#include "model/scan/change_log.h"
+#include "model/scan/current_answers.h"
+#include "model/scan/device_merge.h"
+#include "model/scan/scan_file.h"
+#include "values/module_types.h"
+#include "values/object_names.h"
+
+namespace vndiscover::host {
+namespace {
+
+constexpr char kDoorOpen[] = "\x08", kNoError[] = "";
+
+std::string At(int minute) { return "2026-11-25T04:" + std::to_string(10 + minute) + ":00Z"; }
+
+class StandingTest : public testing::Test {
+  protected:
+    // A search at a minute, by SNMPv1 with a community, that these answered.
+    void Search(int minute, size_t login, const std::vector<const char*>& addresses,
+                bool isComplete = true) {
+        ScanSweep sweep = {SweepKind::kSnmpV1, AnswerForm::kValue, false, {1, 3}, At(minute)};
+        sweep.search = ++searches_;
+        sweep.login = login;
+        sweep.isComplete = isComplete;
+        scan_.sweeps.push_back(sweep);
+        for (const char* address : addresses)
+            scan_.answers.push_back({scan_.sweeps.size() - 1, At(minute), address, Received("x")});
+    }
+    void Read(int minute, const char* address, bool isWhole,
+              const std::vector<std::pair<const char*, const char*>>& texts) {
+        ScanSweep sweep = {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, At(minute)};
+        sweep.isComplete = isWhole;
+        scan_.sweeps.push_back(sweep);
+        for (const auto& [name, text] : texts) {
+            const std::string object = name;
+            const bool isText = object.find("Description") != std::string::npos ||
+                                object.find("Error") != std::string::npos;
+            scan_.answers.push_back(
+                {scan_.sweeps.size() - 1, At(minute), address,
+                 AnsweredWith(*ParseOidOrName(object), isText ? kOctetString : kInteger, text)});
+        }
+    }
+    std::string State(const char* address, const Reading* reading = nullptr,
+                      bool isSearching = false) const {
+        for (const FoundDevice& device : MakeDevices(scan_)) {
+            if (device.identity.Of(MergeKey::kAddress).count(address) == 0) continue;
+            const Standing standing =
+                StandingOf(scan_, device, reading, false, LastSearch(scan_, isSearching));
+            return StateText(standing, SummaryOf(*device.facts));
+        }
+        return "no device";
+    }
+    std::string Since(int minute) const { return "no answer since " + ShortTime(At(minute)); }
+
+    Scan scan_;
+    size_t searches_ = 0;
+};
+
+TEST_F(StandingTest, DeviceThatMissedTheLastSearchIsSilentSinceItAnswered) {
+    Search(0, 1, {"10.0.0.1", "10.0.0.2"});
+    EXPECT_EQ("never read", State("10.0.0.1"));
+    Search(1, 1, {"10.0.0.2"});
+    EXPECT_EQ(Since(0), State("10.0.0.1"));
+    EXPECT_EQ("never read", State("10.0.0.2"));
+    EXPECT_EQ("never read", State("10.0.0.1", nullptr, true)) << "it may still answer";
+    Read(2, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
+    EXPECT_EQ("idle", State("10.0.0.1")) << "it was read after the search";
+    Search(3, 1, {"10.0.0.1"});
+    EXPECT_EQ("idle", State("10.0.0.1"));
+    EXPECT_EQ(Since(1), State("10.0.0.2"));
+}
+
+// Also one that was stopped does not tell.
+TEST_F(StandingTest, SearchThatDoesNotAskADeviceTellsNothingOfIt) {
+    Search(0, 1, {"10.0.0.1"});
+    Search(1, 2, {});
+    EXPECT_EQ("never read", State("10.0.0.1"));
+    Search(2, 1, {}, false);
+    EXPECT_EQ("never read", State("10.0.0.1"));
+}
+
+TEST_F(StandingTest, SavedScanTellsWhoWasMissed) {
+    Search(0, 1, {"10.0.0.1"});
+    Search(1, 1, {});
+    std::string problem;
+    scan_ = *ReadScan(*WriteScan(scan_, problem), problem);
+    EXPECT_EQ(Since(0), State("10.0.0.1"));
+}
+
+TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
+    Search(0, 1, {"10.0.0.1"});
+    Reading reading = {"10.0.0.1", SweepKind::kSnmpV1, {}, false, At(1)};
+    reading.end.spentMs = 12400;
+    const auto with = [&](Status status, const char* problem, bool hasValues) {
+        reading.end.lastStatus = status;
+        reading.end.lastProblem = problem;
+        reading.hasValues = hasValues;
+        return State("10.0.0.1", &reading);
+    };
+    EXPECT_EQ("no answer", with(Status::kNoAnswer, "no answer", false));
+    EXPECT_EQ("incomplete, no answer after 12 s", with(Status::kNoAnswer, "no answer", true));
+    EXPECT_EQ("refused: wrong user", with(Status::kRefused, "refused: wrong user", false));
+    EXPECT_EQ("no such value", with(Status::kAnswered, "", true));
+    Read(1, "10.0.0.1", false, {{"hrPrinterStatus.1", "\3"}});
+    EXPECT_EQ("idle (incomplete, no answer after 12 s)", with(Status::kNoAnswer, "", true));
+    Search(2, 1, {"10.0.0.1"});
+    EXPECT_EQ("idle", State("10.0.0.1", &reading)) << "it has answered since";
+}
+
+TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
+    const auto facts = [&] { return *MakeDevices(scan_).at(0).facts; };
+    Read(0, "10.0.0.1", true,
+         {{"hrPrinterStatus.1", "\3"},
+          {"hrPrinterDetectedErrorState.1", kDoorOpen},
+          {"prtMarkerSuppliesDescription.1.1", "Toner"},
+          {"prtMarkerSuppliesDescription.1.2", "Drum"},
+          {"prtAlertDescription.1.1", "Door open"}});
+    EXPECT_EQ(2u, facts().supplies.size());
+    EXPECT_EQ(1u, facts().alerts.size());
+    // For the list, without alerts: that of a former state may be over.
+    Read(1, "10.0.0.1", false,
+         {{"hrPrinterStatus.1", "\3"},
+          {"hrPrinterDetectedErrorState.1", kNoError},
+          {"prtMarkerSuppliesDescription.1.1", "Toner"}});
+    EXPECT_EQ(1u, facts().supplies.size());
+    EXPECT_EQ(0u, facts().alerts.size());
+    EXPECT_EQ("idle", State("10.0.0.1"));
+    Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
+    EXPECT_EQ(0u, facts().supplies.size());
+    EXPECT_EQ("", facts().printerStatus);
+}
+
+// A list that is refreshed for days stays as small as it was.
+TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
+    for (int round = 0; round < 3; ++round) {
+        Search(round, 1, {"10.0.0.1", "10.0.0.2"});
+        Read(round, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
+    }
+    scan_.splits = {{0, 4}, {2, 5}};
+    const std::vector<size_t> places = RemoveFormerAnswers(scan_);
+    EXPECT_EQ((std::vector<size_t>{0, 1, 2, 0, 1, 2, 0, 1, 2}), places);
+    EXPECT_EQ(3u, scan_.answers.size());
+    EXPECT_EQ(2u, scan_.sweeps.size());
+    ASSERT_EQ(1u, scan_.splits.size());  // the other was of what is one answer now
+    EXPECT_EQ(1u, scan_.splits[0].second);
+    EXPECT_EQ("idle", State("10.0.0.1"));
+    EXPECT_EQ((std::vector<size_t>{0, 1, 2}), RemoveFormerAnswers(scan_));
+}
+
+TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
+    PrinterSummary summary;
+    summary.state = "door open";
+    summary.severity = Severity::kCritical;
+    Standing standing = {Standing::Kind::kRead, At(1), ""};
+    EXPECT_EQ("critical: door open, as of " + ShortTime(At(0)),
+              StateLine(standing, summary, At(0)));
+    standing.kind = Standing::Kind::kMissed;
+    EXPECT_EQ(Since(1) + "; before: door open, as of " + ShortTime(At(0)),
+              StateLine(standing, summary, At(0)));
+}
+
+TEST_F(StandingTest, ChangesAreOfKnownStates) {
+    ChangeLog log;
+    DeviceRow row;
+    row.Text(Column::kAddress) = "10.0.0.1";
+    const auto take = [&](Standing::Kind kind, const char* state, int level) {
+        row.standing.kind = kind;
+        row.Text(Column::kState) = state;
+        row.lowestSupply = level;
+        return log.Take(row, At(0));
+    };
+    EXPECT_FALSE(take(Standing::Kind::kNeverRead, "never read", 30));
+    EXPECT_FALSE(take(Standing::Kind::kRead, "door open", 30)) << "nothing was known before";
+    EXPECT_FALSE(take(Standing::Kind::kBeingRead, "being read", 30));
+    EXPECT_FALSE(take(Standing::Kind::kRead, "door open", 29));
+    EXPECT_FALSE(log.IsMarked(row));
+    EXPECT_TRUE(take(Standing::Kind::kRead, "jammed", 29));
+    EXPECT_TRUE(take(Standing::Kind::kRead, "jammed", 0));
+    EXPECT_TRUE(log.IsMarked(row));
+    log.Unmark(row);
+    EXPECT_FALSE(log.IsMarked(row));
+    ASSERT_EQ(2u, log.Changes().size());
+    EXPECT_EQ("jammed, a supply is empty", log.Changes()[0].after);
+    EXPECT_EQ("door open", log.Changes()[1].before);
+}
+
+}  // namespace
+}  // namespace vndiscover::host
