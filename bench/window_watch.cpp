@@ -1,5 +1,6 @@
-// vndiscover_window_watch.exe DEVICES: starts the VnBrowser.exe beside it with a sweep and asks its
-// window every 50 ms for an answer, until the sweep is over. Prints a line of JSON: the devices in
+// vndiscover_window_watch.exe DEVICES [OPTION...]: starts the VnBrowser.exe beside it with a sweep,
+// or with these options, and asks its window every 50 ms for an answer, until nothing is sent any
+// more. Prints a line of JSON: the devices in
 // the list, how often the window was asked, how often before it showed the first device, and its
 // longest time to answer, in milliseconds; and, on failure, the window's status on the error
 // output. Exit codes: 0 DEVICES devices are shown, 1 fewer or more, or the window did not answer.
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "window/resource.h"
@@ -18,7 +20,7 @@ namespace {
 
 constexpr DWORD kPauseMs = 50;
 constexpr UINT kSilentMs = 30000;  // after that, the window is taken to hang
-constexpr ULONGLONG kStartMs = 60000, kSweepMs = 60000;
+constexpr ULONGLONG kStartMs = 60000, kSweepMs = 180000;
 
 double NowMs() {
     LARGE_INTEGER now, frequency;
@@ -94,12 +96,15 @@ HWND WaitForWindow() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) return 2;
-    wchar_t line[] = L"VnBrowser.exe --sweep";
+    if (argc < 2) return 2;
+    std::wstring line = L"VnBrowser.exe";
+    if (argc == 2) line += L" --look-for module --community sesame --sweep";
+    for (int index = 2; index < argc; ++index)
+        line += L" " + std::wstring(argv[index], argv[index] + std::strlen(argv[index]));
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     PROCESS_INFORMATION process;
-    if (!CreateProcessW(nullptr, line, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
                         &process))
         return 2;
     const HWND window = WaitForWindow();

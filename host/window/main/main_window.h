@@ -50,7 +50,7 @@ class MainWindow {
     TableWindow changes{[this](const std::string& csv) { scans.SaveTable(csv); }};
     void ToggleColumn(Column column);
     bool ReadsFound() const {
-        return state.options.exit ? state.options.read : settings_.readsFound;
+        return searches.IsForStart() ? state.options.read : settings_.readsFound != 0;
     }
     void ToggleReadsFound() { settings_.readsFound ^= 1; }
     void FindOrStop();

@@ -22,6 +22,8 @@ class Searches {
     void Start();
     // One of the search's sweeps has ended.
     void EndSweep(const std::string& problem);
+    // Whether the running search is that of the command line, which also says what follows.
+    bool IsForStart() const { return isForStart_; }
     // Whether the last one has; then the search must be finished: its problems are reported, and
     // what it has found is read.
     bool IsOver() const { return isOver_; }
