@@ -1,5 +1,5 @@
 #!/bin/bash
-# lint.sh [--quick | --fix]: checks the format of all sources and, in a second, shell and Python scripts; then every source
+# lint.sh [--quick | --fix]: checks the format of all sources and, in a second, scripts and names of tests; then every source
 # of the programs and of the measurements with clang-tidy for the Windows target, which takes minutes and needs clang-tidy.
 # --quick: without clang-tidy, as every test run does. --fix: formats the sources instead.
 #
@@ -36,6 +36,8 @@ Find '*.py'
 pyflakes3 "${files[@]}" || Die "see above"
 Find '*.sh'
 for file in "${files[@]}"; do bash -n "$file" || Die "see above"; done
+long=$(grep -rnE --include='*_test.*' 'TEST(_[FP])?\(\w+,\s*\w{46,}\)|def test_\w{46,}' tests || true)
+[ -z "$long" ] || Die "names of tests have 45 characters at most: $long"
 [ "${1:-}" != --quick ] || exit 0
 
 command -v clang-tidy >/dev/null || Die "clang-tidy is missing: apt-get install clang-tidy"

@@ -202,7 +202,7 @@ TEST_F(BindAddress, FirstAdapterIsKeptUnlessItsTrialIsUnanswered) {
 }
 
 // Only the first two rows are tried, and the first is not tried again.
-TEST_F(BindAddress, SecondAdapterIsUsedAfterOneTimeOutAndRemembered) {
+TEST_F(BindAddress, SecondAdapterIsRememberedAfterOneTimeOut) {
     EXPECT_EQ("Model", Get(kInNetB));
     EXPECT_THAT(Senders(), ElementsAre("fe80::1:1", "fe80::2:1"));
     EXPECT_THAT(SilentWaits(), SizeIs(1));

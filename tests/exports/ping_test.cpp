@@ -85,7 +85,7 @@ class Echo : public NetworkTest {
     const Lines v6 = V6("fe800000000000000000000000010002");
 };
 
-TEST_F(Echo, CountsOnlySuccessfulRepliesOverIPv4AndAnyOverIPv6) {
+TEST_F(Echo, OnlyIPv4RepliesMustBeSuccessful) {
     ExpectPing("10.77.1.2", 1, v4);
     ExpectPing("10.77.1.2", 0, v4, {kHandle, 0});
     ExpectPing("10.77.1.2", 0, v4, {kHandle, 1, 11003});  // from a router

@@ -240,7 +240,7 @@ TEST_F(SweepJson, DeliversUtf8) {
                     "end"));
 }
 
-TEST_F(SweepJson, RequestsNoTruncatedOidAndDeliversNothingWithoutJson) {
+TEST_F(SweepJson, RequestsNoTruncatedOid) {
     const std::string longest = ".1.3." + std::string(253, '0') + "6";
     const std::string tooLong = ".1.3." + std::string(254, '0') + "6";
     DeviceIn("neta", {{SnmpText("Model")}});

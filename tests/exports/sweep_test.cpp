@@ -191,7 +191,7 @@ TEST_F(SweepState, NextSweepMayStartWithinTheFinalMessage) {
     EXPECT_EQ("", TakeFile("devices.csv")) << "of the next one, which found nothing";
 }
 
-TEST_F(SweepState, FileOfASweepWhoseThreadHasEndedIsNotTheNextOnes) {
+TEST_F(SweepState, NextSweepDoesNotInheritAnEndedThreadsFile) {
     std::thread([&] {
         ResultWindow own;
         own.onResult = [](const Result&) { ExitThread(0); };

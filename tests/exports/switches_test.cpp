@@ -50,7 +50,7 @@ TEST_F(DebugSwitches, DebugSendsLinesToTheDebuggerFromLoadToUnload) {
     EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(kFile));
 }
 
-TEST_F(DebugSwitches, Dbg2LogAppendsLinesToTheFileUntilTheModuleIsUnloaded) {
+TEST_F(DebugSwitches, Dbg2LogWritesTheFileUntilTheModuleIsUnloaded) {
     switches.SetOn("Dbg2Log");
     {
         const Module module;
@@ -90,7 +90,7 @@ TEST_F(DebugSwitches, CountIfUpTo4BytesWhateverTheirType) {
     }
 }
 
-TEST_F(DebugSwitches, DebugFollowsTheRegistryWhenAThreadStartsOrEnds) {
+TEST_F(DebugSwitches, DebugFollowsTheRegistryAtEachThread) {
     const Module module;
     switches.SetOn("Debug");
     Speak(module);

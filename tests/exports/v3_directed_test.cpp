@@ -68,7 +68,7 @@ TEST_F(V3Directed, GetWritesTextOnlyAndTheTypeOfEveryValue) {
 }
 
 // HMACs and cipher texts are checked with a real agent and a dissector elsewhere.
-TEST_F(V3Directed, UnknownProtocolsAndPrivacyWithoutAuthenticationProtectNothing) {
+TEST_F(V3Directed, UnknownProtocolsProtectNothing) {
     AnswerWith(V3Text("prn1", kSysName));
     V3Datagram request = V3RequestFields(kSysName);
     user = {L"user", 0, 1};

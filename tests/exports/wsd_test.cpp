@@ -31,7 +31,7 @@ class Wsd : public NetworkTest {
     ResultWindow replies{VN_SOAP_REPLY_SIZE};  // every message has a buffer of this size
 };
 
-TEST_F(Wsd, ProbeIsSentUnchangedFromEveryAdapterUnlessItsLengthIsInvalid) {
+TEST_F(Wsd, ProbeIsSentUnchangedFromEveryAdapter) {
     Bytes probe;
     for (int i = 0; i < 2048; ++i) probe.push_back(static_cast<uint8_t>(i));
     EXPECT_EQ(0, Sweep(kSecond, probe));
@@ -67,7 +67,7 @@ TEST_F(Wsd, WaitsAreCountedInWholeSeconds) {
     EXPECT_THAT(replies.Texts(), ElementsAre("10.77.1.2=first", "10.77.1.2=second", "end"));
 }
 
-TEST_F(Wsd, RepliesAreDeliveredRawUpTo2048BytesAndZeroPadded) {
+TEST_F(Wsd, RepliesAreDeliveredRawUpTo2048Bytes) {
     const Bytes raw = Hex("00 ff 1b 00 41");
     DeviceIn("neta", {{Bytes(2047, 'b')},
                       {Bytes(2048, 'c')},
@@ -100,7 +100,7 @@ TEST_F(Wsd, RepliesAreDeliveredOnArrivalWithDuplicates) {
     EXPECT_THAT(asked, ElementsAre(1, 1, 2, 2, 3, 3, 3)) << "before the next adapter's turn";
 }
 
-TEST_F(Wsd, LogCoversOneSweepAndTheNextReleasesItsSocketObject) {
+TEST_F(Wsd, LogBeginsWithTheSocketObjectOfTheLastSweep) {
     Devices([](const Request& request) {
         if (request.net == "netb") return Answers();
         return Answers{{TextBytes("A")}, {TextBytes("B")}};

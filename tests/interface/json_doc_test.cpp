@@ -27,7 +27,7 @@ TEST(JsonDocTest, ReadsStringsAndOtherwiseLeavesTheBufferAlone) {
     EXPECT_STREQ(L"1.", text);
 }
 
-TEST(JsonDocTest, BuildsTextsOfAnyLengthAndDropsItemsWithoutAParent) {
+TEST(JsonDocTest, BuildsTextsOfAnyLength) {
     JsonDoc document;
     std::wstring printed;
     EXPECT_EQ(-1, document.Print(nullptr));

@@ -142,7 +142,7 @@ class Sweeps(unittest.TestCase):
         self.assertEqual((1, "[]\n"), (code, out))
         self.assertRegex(err, r"no device answered community 'wrong' for \.1\.3.*'vndiscover printers'.*'vndiscover doctor'")
 
-    def test_v3_takes_passwords_from_the_environment_and_any_oid(self):
+    def test_v3_takes_passwords_from_the_environment(self):
         path = Path(LAB, "v3.csv")
         self.assertEqual(f"ADDRESS          VALUE\n10.77.1.2        {LOCATION_TEXT}\n",
                          found("sweep", *V3, "--oid", LOCATION, "--csv", str(path), **SECRETS))

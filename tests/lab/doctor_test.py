@@ -22,7 +22,7 @@ class Doctor(unittest.TestCase):
                      "Asked          'vndiscover sweep' asks community 'sesame' for"):
             self.assertIn(line, out)
 
-    def test_an_adapter_without_address_and_a_missing_route_are_reported(self):
+    def test_a_missing_address_or_route_is_reported(self):
         ip = ["ip", "-n", "host"]
         subprocess.run([*ip, "-4", "addr", "flush", "dev", "eth1"], check=True)
         subprocess.run([*ip, "route", "del", "default"], check=True)

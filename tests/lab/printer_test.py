@@ -39,7 +39,7 @@ class Printers(unittest.TestCase):
         self.assertGreater(len(lines), 15)
         self.assertEqual([], [line for line in lines if line + "\n" not in out])
 
-    def test_a_list_has_one_line_for_a_printer_that_is_found_in_several_ways(self):
+    def test_a_printer_found_in_several_ways_is_one_line(self):
         code, out, _ = run("printers", "-c", "sesame", "-c", "nobody", "--ipv6", *V3, "--format", "json", **SECRETS)
         addresses = [printer["addresses"] for printer in json.loads(out)]
         self.assertEqual((0, 1, 2), (code, len(addresses), len(addresses[0])))

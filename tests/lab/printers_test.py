@@ -160,7 +160,7 @@ class Printers(unittest.TestCase):
         self.assertEqual(COUNT - 2, len(lines) - 1)
         self.assertIn("answered but are no printers: 1", err)
 
-    def test_programs_get_all_supplies_and_scripts_an_exit_code(self):
+    def test_programs_get_all_supplies(self):
         code, out, _ = run("printers", "-c", "public", "-c", "office", "--strict", "--format", "json")
         self.assertEqual(4, code)
         printers = {one["addresses"][0]: one for one in json.loads(out)}
@@ -204,7 +204,7 @@ class Printers(unittest.TestCase):
         self.assertEqual((1, ""), (code, out))
         self.assertRegex(err, "community 'wrong' for hrDeviceDescr.1.*'vndiscover printers -c.*'vndiscover printers --v3")
 
-    def test_ctrl_c_lists_what_is_known_and_leaves_no_process(self):
+    def test_ctrl_c_lists_what_is_known(self):
         code, screen, seconds = run_on_terminal([(f" of {COUNT - 1}", b"\x03")], "printers", "-c", "silent")
         self.assertEqual(0, code, screen)
         self.assertRegex(screen, "(?s)stopped.*STATE")

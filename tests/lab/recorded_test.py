@@ -116,7 +116,7 @@ class Recorded(unittest.TestCase):
         self.assertEqual((1, ""), (code, out))
         self.assertIn("no value, or too long for SNMPv1", err)
 
-    def test_loss_and_one_silent_variable_cost_nothing_else(self):
+    def test_one_silent_variable_costs_nothing_else(self):
         Agent("10.77.1.32", loss=0.05)
         Agent("10.77.1.33", silent=["43.11.1.1.6.1.2"])
         lossy, silent = at_once(lambda address: run("printer", address, "-c", "public", "--format", "json"),
@@ -130,7 +130,7 @@ class Recorded(unittest.TestCase):
         self.assertIn("although the device answers", gaps.pop("prtMarkerSuppliesDescription"))
         self.assertEqual({"prtAlertDescription", "sysDescr"}, set(gaps))
 
-    def test_doctor_names_what_is_wrong_with_a_device_that_answers(self):
+    def test_doctor_says_why_an_answer_is_no_use(self):
         Agent("10.77.1.34", delay=2.5)
         Agent("10.77.1.35", sender="10.77.1.2")
         (late_code, late, _), (other_code, other, _) = at_once(lambda address: run("doctor", address, "-c", "public"),

@@ -50,7 +50,7 @@ class Scripts(unittest.TestCase):
                          {device["addresses"][0]: device["model"] for device in scan["devices"]})
         self.assertEqual(endpoints, {device["addresses"][0]: device["endpoints"] for device in everything["devices"] if device["endpoints"]})
 
-    def test_reads_interfaces_and_walks_as_the_console_does(self):
+    def test_reads_and_walks_as_the_console_does(self):
         for host, options, secrets, name in ((PRIVATE, V3, SECRETS, "GetNextSnmpRequestV3"), (AGENT, [], {}, "GetNextSnmpRequestRaw")):
             walked = found("walk", host, "ifDescr", *options, **secrets).replace("OCTET STRING: ", "").splitlines()
             self.assertLess(1, len(walked))

@@ -92,7 +92,7 @@ class Check(unittest.TestCase):
         for secret in (os.uname().nodename, "root", "10.77.", "fe80", "check-auth", "check-priv", str(LAB)):
             self.assertNotIn(secret.lower(), report.lower())
 
-    def test_nothing_leaves_the_loopback_and_a_port_in_use_is_reported(self):
+    def test_nothing_leaves_the_loopback(self):
         holder = python("neta", "import socket; s = socket.socket(type=socket.SOCK_DGRAM); s.bind(('', 161)); "
                                 "print(flush=True); input()")
         code, report, printed, left = run("neta")
@@ -105,7 +105,7 @@ class Check(unittest.TestCase):
         self.assertNotRegex(report, r"\| (get|v3 get, MD5, DES) \|")
         self.assertIn("| unloading after a sweep |", report)
 
-    def test_without_the_module_the_rest_is_reported_and_wrong_usage_is_refused(self):
+    def test_without_the_module_the_rest_is_reported(self):
         alone = shutil.copy(BIN / "windows_check.exe", LAB)
         code, report, printed, _ = run("netb", "--netwrok", program=alone)
         self.assertEqual((2, None), (code, report))

@@ -157,7 +157,7 @@ class Documents(unittest.TestCase):
             names = re.findall(r"\b(?:VNDISCOVER|BENCH|VN)_[A-Z0-9_]*[A-Z0-9]\b", text)
             self.assertEqual([], [name for name in names if name not in everything], document.name)
 
-    def test_the_window_has_the_menus_and_options_that_its_page_names(self):
+    def test_the_page_names_the_windows_menus_and_options(self):
         page = (SOURCE / "docs/vnbrowser.md").read_text(encoding="utf-8")
         texts_of = {text.replace("&", "").split("\\t")[0] for text in re.findall(r'^VN_TEXT\(ID\w+, \d+, "(.*)"\)$', texts("host/window/texts.inc"), re.M)}
         named = re.findall(r"\*\*(\w+) > ([^*]+)\*\*", page)
@@ -177,7 +177,7 @@ class Documents(unittest.TestCase):
 class Header(unittest.TestCase):
     header = read("include/vndiscover.h")
 
-    def test_every_parameter_is_annotated_and_every_pointer_may_be_null(self):
+    def test_every_parameter_is_annotated(self):
         for name, parameters in re.findall(r"VN_API \w+ (\w+)\(([^;]*)\);", self.header):
             known = re.findall(r" (\w+)(?:,|$)", parameters) + re.findall(r"^#define (VN_\w+)", self.header, flags=re.M)
             for _, size in ANNOTATION.findall(parameters):
@@ -210,7 +210,7 @@ class CSharp(unittest.TestCase):
         self.assertGreater(len(defined), 25)
         self.assertEqual(defined, constants)
 
-    def test_the_record_has_the_same_fields_at_the_same_places(self):
+    def test_the_record_has_the_same_layout(self):
         fields = re.search(r"typedef struct VnResponseRecord \{(.*?)\}", self.header, flags=re.S)[1]
         expected = [(name, WIDTHS[kind], count or "1")
                     for kind, name, count in re.findall(r"(\w+) (\w+)(?:\[(\w+)\])?;", fields)]

@@ -64,7 +64,7 @@ class Kit(unittest.TestCase):
                 inside = os.path.relpath(document.parent / target, KIT)
                 self.assertTrue((KIT / inside).exists(), f"{document.name}: {target}")
 
-    def test_header_module_and_import_libraries_name_the_same_functions(self):
+    def test_all_name_the_same_functions(self):
         declared = set(re.findall(r"^VN_API \w+ (\w+)\(", (KIT / "include/vndiscover.h").read_text(), flags=re.M))
         self.assertGreater(len(declared), 20)
         dump = run(OBJDUMP, "-p", KIT / "bin/VnDiscover.dll")
@@ -102,7 +102,7 @@ class Kit(unittest.TestCase):
             self.skipTest("the checks of a sanitizer take room")
         self.assertLess((KIT / "bin/VnBrowser.exe").stat().st_size, 2 << 20)
 
-    def test_programs_are_stripped_and_point_to_their_symbols(self):
+    def test_stripped_programs_point_to_their_symbols(self):
         for name in ("VnDiscover.dll", "vndiscover.exe"):
             program, symbols = KIT / "bin" / name, KIT / "bin" / (name + ".debug")
             self.assertNotRegex(run(OBJDUMP, "-h", program), r"\.debug_|\.zdebug_")
@@ -133,7 +133,7 @@ class ThirdParty(unittest.TestCase):
             # The package's version: the library's, followed by the distribution's revision.
             self.assertRegex(versions[name], rf"^{re.escape(linked)}([-+~].*)?$", name)
 
-    def test_the_bill_names_every_program_that_holds_a_component(self):
+    def test_the_bill_names_every_components_programs(self):
         programs = ("VnDiscover.dll", "vndiscover.exe", "VnBrowser.exe", "windows_check.exe")
         symbols = {program: run(NM, KIT / "bin" / f"{program}.debug") for program in programs}
         for component in self.sbom["components"]:
@@ -145,7 +145,7 @@ class ThirdParty(unittest.TestCase):
             self.assertEqual([program in holders for program in programs],
                              [" all |" in row or f"`{program}`" in row for program in programs], row)
 
-    def test_each_component_of_the_bill_has_its_notice_and_the_package_s_own_text(self):
+    def test_each_component_has_its_notice(self):
         self.assertEqual("CycloneDX", self.sbom["bomFormat"])
         self.assertRegex(self.sbom["serialNumber"], r"^urn:uuid:[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$")
         references = [c["bom-ref"] for c in self.sbom["components"]]

@@ -69,7 +69,7 @@ class Workflows(unittest.TestCase):
                     self.assertLessEqual(set(step), {"run", "uses", "name", "if", "with", "continue-on-error"}, step)
                     self.assertRegex(step.get("uses", "owner/action@v1"), r"^[\w-]+/[\w-]+@v\d+$")
 
-    def test_scripts_are_shell_and_every_variable_of_the_matrix_is_one(self):
+    def test_scripts_are_valid_shell(self):
         for _, script in scripts():
             self.assertNotIn("${{", script)
             subprocess.run(["bash", "-n"], input=script, text=True, check=True)
@@ -157,7 +157,7 @@ class Workflows(unittest.TestCase):
             self.assertTrue(fnmatch.fnmatch(archive + ".zip" * pattern.endswith(".zip"), pattern), archive)
             self.assertTrue([words for where, words in commands() if where == "kit-on-windows" and pattern in words])
 
-    def test_every_report_is_uploaded_from_where_it_is_written(self):
+    def test_reports_are_uploaded_from_where_they_are(self):
         for name, _ in jobs():
             written = {words[words.index("--report") + 1] for where, words in commands() if where == name and "--report" in words}
             uploaded = {path for step in steps(name) if step.get("uses", "").startswith("actions/upload-artifact@")

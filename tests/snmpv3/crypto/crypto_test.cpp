@@ -98,7 +98,7 @@ TEST(Keys, LocalisedKeysMatchPublishedVectors) {
     EXPECT_EQ(Bytes(), KeyOf(kAuthSha1, {}));
 }
 
-TEST(Keys, PasswordsAreHashedOnceForAllEnginesAndFailuresAreRetried) {
+TEST(Keys, PasswordsAreHashedOnceForAllEngines) {
     CryptoSession crypto;
     PasswordKeys keys;
     UnitLog log;

@@ -77,7 +77,7 @@ TEST_F(DeviceViewTest, FilterHidesWithoutDeleting) {
     EXPECT_EQ(1u, view_.Selected());
 }
 
-TEST_F(DeviceViewTest, SelectionFollowsItsDeviceThroughMovesAndMerges) {
+TEST_F(DeviceViewTest, SelectionFollowsItsDevice) {
     Hear("10.77.1.5", "x");
     Hear("10.77.1.9", "y");
     view_.Select(1);
