@@ -8,10 +8,9 @@
 #include <string>
 
 #include "device/security.h"
+#include "values/exit_code.h"
 
 namespace vndiscover::host {
-
-enum ExitCode { kFound = 0, kNone = 1, kWrongUsage = 2, kSendFailed = 3, kNeedsAttention = 4 };
 
 // Ends the message of a sweep that found nothing.
 constexpr char kDoctorHint[] = ": 'vndiscover doctor' looks for the cause";

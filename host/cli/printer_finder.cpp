@@ -89,6 +89,7 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
         fleet_.Add(address, login, std::move(known));
     });
     RunSweep(window.Handle(), ResultWindow::kMessage, sweep);
+    window.Rethrow();
 }
 
 // Takes jobs until there are none.

@@ -22,11 +22,9 @@ void AddSaveOptions(CLI::App& command, SaveOptions& options) {
 
 Scan LoadScan(const std::string& path, const std::string& option) {
     std::string problem;
-    const auto text = ReadFileText(path, kMaxScanSize, problem);
-    if (!text) throw CLI::ValidationError(option, "'" + path + "' " + problem);
-    auto scan = ReadScan(*text, problem);
-    if (!scan) throw CLI::ValidationError(option, "'" + path + "', " + problem);
-    return std::move(*scan);
+    bool isBroken = false;
+    if (auto scan = LoadScan(path, isBroken, problem)) return std::move(*scan);
+    throw CLI::ValidationError(option, "'" + path + (isBroken ? "', " : "' ") + problem);
 }
 
 namespace {

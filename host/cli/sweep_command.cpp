@@ -206,6 +206,7 @@ int RunSweep(const SweepOptions& options) {
             if (!Print(writer.Row(address, value))) watch.RequestStop();
         });
         RunSweep(window.Handle(), ResultWindow::kMessage, sweep.arguments);
+        window.Rethrow();
         isStopped = watch.IsStopped();
         if (isStopped) Warn("stopped");
     }

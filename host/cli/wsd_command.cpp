@@ -79,6 +79,7 @@ int RunWsd(const WsdOptions& options) {
         });
         DiscoverSoap(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe.data(),
                      static_cast<int32_t>(probe.size()));
+        window.Rethrow();
         if (watch.IsStopped()) Warn("stopped");
     }
     if (!options.isRaw) Print(options.format == WsdFormat::kJson ? list.Json() : list.Table());

@@ -4,34 +4,28 @@
 
 #include <exception>
 #include <new>
+#include <utility>
 
 namespace vndiscover::host {
 namespace {
 
-const char* WordsFor(uint32_t error) {
-    switch (error) {
-        case ERROR_FILE_NOT_FOUND:
-            return "no such file, ";
-        case ERROR_PATH_NOT_FOUND:
-            return "no such folder, ";
-        case ERROR_ACCESS_DENIED:
-            return "access denied, ";
-        case ERROR_SHARING_VIOLATION:
-            return "another program has it open, ";
-        case ERROR_DISK_FULL:
-        case ERROR_HANDLE_DISK_FULL:
-            return "the disk is full, ";
-        case ERROR_INVALID_NAME:
-            return "not a file name, ";
-        default:
-            return "";
-    }
-}
+constexpr std::pair<uint32_t, const char*> kWords[] = {
+    {ERROR_FILE_NOT_FOUND, "no such file, "},
+    {ERROR_PATH_NOT_FOUND, "no such folder, "},
+    {ERROR_ACCESS_DENIED, "access denied, "},
+    {ERROR_SHARING_VIOLATION, "another program has it open, "},
+    {ERROR_DISK_FULL, "the disk is full, "},
+    {ERROR_HANDLE_DISK_FULL, "the disk is full, "},
+    {ERROR_INVALID_NAME, "not a file name, "}};
 
 }  // namespace
 
 std::string ErrorText(uint32_t error) {
-    return std::string(" (") + WordsFor(error) + "error " + std::to_string(error) + ")";
+    std::string words;
+    for (const auto& [known, text] : kWords) {
+        if (known == error) words = text;
+    }
+    return " (" + words + "error " + std::to_string(error) + ")";
 }
 
 std::string ExceptionText() {

@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "platform/owned.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -27,48 +28,38 @@ constexpr IID kNoId = {};  // IID_NULL
 constexpr LONG kAnyProtocol = 256;
 constexpr LONG kUdp = 17;
 
-// A reference to a COM object, released on destruction.
 template <class Interface>
-class Owned {
-  public:
-    Owned() = default;
-    ~Owned() {
-        if (object_) object_->Release();
-    }
-    Owned(const Owned&) = delete;
-    Owned& operator=(const Owned&) = delete;
-    Interface** Receive() { return &object_; }
-    void** ReceiveVoid() { return reinterpret_cast<void**>(&object_); }
-    Interface* operator->() const { return object_; }
-    Interface& operator*() const { return *object_; }
-    explicit operator bool() const { return object_ != nullptr; }
+void Release(Interface* object) {
+    object->Release();
+}
+template <class Interface>
+using OwnedObject = Owned<ClosedBy<Interface*, Release<Interface>>>;
 
-  private:
-    Interface* object_ = nullptr;
+template <class Object>
+void** Receive(Object& object) {
+    return reinterpret_cast<void**>(object.Receive());
+}
+
+struct ApartmentTraits {
+    using Value = bool;  // false: the thread's other kind of apartment is as good
+    static Value Empty() noexcept { return false; }
+    static void Close(Value) noexcept { CoUninitialize(); }
 };
 
-class Apartment {
-  public:
-    Apartment() : isOpen_(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
-    ~Apartment() {
-        if (isOpen_) CoUninitialize();
-    }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-
-  private:
-    bool isOpen_;  // false: the thread has another kind of apartment, which will do
+struct Variant : VARIANT {
+    Variant() { VariantInit(this); }
+    ~Variant() { VariantClear(this); }
+    Variant(const Variant&) = delete;
+    Variant& operator=(const Variant&) = delete;
 };
 
 using TextGetter = HRESULT (STDMETHODCALLTYPE INetFwRule::*)(BSTR*);
 
 // Empty if the rule does not have the property.
 std::wstring Text(INetFwRule& rule, TextGetter getter) {
-    BSTR value = nullptr;
-    std::wstring text;
-    if (SUCCEEDED((rule.*getter)(&value)) && value) text.assign(value, SysStringLen(value));
-    SysFreeString(value);
-    return text;
+    Owned<ClosedBy<BSTR, SysFreeString>> value;
+    if (FAILED((rule.*getter)(value.Receive())) || !value) return L"";
+    return {value.Get(), SysStringLen(value.Get())};
 }
 
 // By name, for properties that only newer systems have.
@@ -77,17 +68,13 @@ std::wstring Text(IDispatch& object, const wchar_t* name) {
     std::wstring nameText(name);
     LPOLESTR names[] = {nameText.data()};
     if (FAILED(object.GetIDsOfNames(kNoId, names, 1, LOCALE_INVARIANT, &id))) return L"";
-    VARIANT value;
-    VariantInit(&value);
+    Variant value;
     DISPPARAMS none = {};
-    std::wstring text;
-    if (SUCCEEDED(object.Invoke(id, kNoId, LOCALE_INVARIANT, DISPATCH_PROPERTYGET, &none, &value,
-                                nullptr, nullptr)) &&
-        value.vt == VT_BSTR && value.bstrVal) {
-        text.assign(value.bstrVal, SysStringLen(value.bstrVal));
-    }
-    VariantClear(&value);
-    return text;
+    if (FAILED(object.Invoke(id, kNoId, LOCALE_INVARIANT, DISPATCH_PROPERTYGET, &none, &value,
+                             nullptr, nullptr)) ||
+        value.vt != VT_BSTR || !value.bstrVal)
+        return L"";
+    return {value.bstrVal, SysStringLen(value.bstrVal)};
 }
 
 bool IsAny(const std::wstring& text) { return text.empty() || text == L"*" || text == L"All"; }
@@ -141,24 +128,21 @@ void AddRule(FirewallState& state, INetFwRule& rule, IDispatch& dispatch,
 }
 
 bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
-    Owned<INetFwRules> rules;
-    Owned<IUnknown> unknown;
-    Owned<IEnumVARIANT> each;
+    OwnedObject<INetFwRules> rules;
+    OwnedObject<IUnknown> unknown;
+    OwnedObject<IEnumVARIANT> each;
     if (FAILED(policy.get_Rules(rules.Receive())) || !rules ||
-        FAILED(rules->get__NewEnum(unknown.Receive())) || !unknown ||
-        FAILED(unknown->QueryInterface(kEnumVariantId, each.ReceiveVoid()))) {
+        FAILED(rules.Get()->get__NewEnum(unknown.Receive())) || !unknown ||
+        FAILED(unknown.Get()->QueryInterface(kEnumVariantId, Receive(each)))) {
         return false;
     }
     const std::string ownPath = OwnPath();
-    VARIANT item;
-    VariantInit(&item);
-    while (each->Next(1, &item, nullptr) == S_OK) {
-        Owned<INetFwRule> rule;
+    Variant item;
+    for (; each.Get()->Next(1, &item, nullptr) == S_OK; VariantClear(&item)) {
+        OwnedObject<INetFwRule> rule;
         if (item.vt == VT_DISPATCH && item.pdispVal &&
-            SUCCEEDED(item.pdispVal->QueryInterface(kRuleId, rule.ReceiveVoid()))) {
-            AddRule(state, *rule, *item.pdispVal, ownPath);
-        }
-        VariantClear(&item);
+            SUCCEEDED(item.pdispVal->QueryInterface(kRuleId, Receive(rule))))
+            AddRule(state, *rule.Get(), *item.pdispVal, ownPath);
     }
     return true;
 }
@@ -181,24 +165,25 @@ bool ReadProfile(FirewallState& state, INetFwPolicy2& policy, uint32_t bit) {
 }
 
 bool ReadState(FirewallState& state) {
-    Owned<INetFwPolicy2> policy;
+    OwnedObject<INetFwPolicy2> policy;
     LONG profiles = 0;
     if (FAILED(CoCreateInstance(kPolicyClass, nullptr, CLSCTX_INPROC_SERVER, kPolicyId,
-                                policy.ReceiveVoid())) ||
-        !policy || FAILED(policy->get_CurrentProfileTypes(&profiles))) {
+                                Receive(policy))) ||
+        !policy || FAILED(policy.Get()->get_CurrentProfileTypes(&profiles))) {
         return false;
     }
     for (const uint32_t bit : {kDomain, kPrivate, kPublic}) {
         const bool isActive = (static_cast<uint32_t>(profiles) & bit) != 0;
-        if (isActive && !ReadProfile(state, *policy, bit)) return false;
+        if (isActive && !ReadProfile(state, *policy.Get(), bit)) return false;
     }
-    return !state.active.empty() && ReadRules(state, *policy);
+    return !state.active.empty() && ReadRules(state, *policy.Get());
 }
 
 }  // namespace
 
 FirewallState ReadFirewall() {
-    const Apartment apartment;
+    const Owned<ApartmentTraits> apartment(
+        SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
     FirewallState state;
     if (!ReadState(state)) return {};
     state.isKnown = true;

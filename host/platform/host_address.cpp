@@ -3,24 +3,30 @@
 #include <winsock2.h>
 #include <ws2tcpip.h>
 
+#include "platform/owned.h"
 #include "platform/wide_text.h"
-#include "platform/win_sock.h"
 
 namespace vndiscover::host {
-
 namespace {
+
+// The right to use Windows Sockets.
+struct WinSockTraits {
+    using Value = bool;
+    static Value Empty() noexcept { return false; }
+    static void Close(Value) noexcept { WSACleanup(); }
+};
 
 // Its first address as text; empty if it has none.
 std::string AddressOf(const std::string& host, int family) {
-    const WinSock winSock;
+    WSADATA data;
+    const Owned<WinSockTraits> winSock(WSAStartup(MAKEWORD(2, 2), &data) == 0);
     addrinfo hints = {};
     hints.ai_family = family;
-    addrinfo* found = nullptr;
-    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, &hints, &found) != 0 || !found) return "";
+    Owned<ClosedBy<addrinfo*, freeaddrinfo>> list;
+    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, &hints, list.Receive()) != 0 || !list) return "";
     char text[64] = "";
-    getnameinfo(found->ai_addr, static_cast<socklen_t>(found->ai_addrlen), text, sizeof text,
-                nullptr, 0, NI_NUMERICHOST);
-    freeaddrinfo(found);
+    getnameinfo(list.Get()->ai_addr, static_cast<socklen_t>(list.Get()->ai_addrlen), text,
+                sizeof text, nullptr, 0, NI_NUMERICHOST);
     return text;
 }
 

@@ -13,8 +13,7 @@
 
 namespace vndiscover::host {
 
-// From now on the object gets the messages of the window, until WM_NCDESTROY. It may delete itself
-// in that one.
+// The object gets the messages of the window until WM_NCDESTROY. It may delete itself in that one.
 template <class T>
 void Attach(HWND window, T* object) {
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(object));

@@ -1,4 +1,4 @@
-// Owners of the system's handles, which close them.
+// Owners that close the system's handles.
 #pragma once
 
 #include <windows.h>
@@ -45,8 +45,16 @@ struct ClosedBy {
     static void Close(Value value) noexcept { kClose(value); }
 };
 
+struct FileTraits {
+    using Value = HANDLE;
+    static Value Empty() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Value value) noexcept { CloseHandle(value); }
+};
+
+using OwnedFile = Owned<FileTraits>;
 using OwnedHandle = Owned<ClosedBy<HANDLE, CloseHandle>>;
 using OwnedKey = Owned<ClosedBy<HKEY, RegCloseKey>>;  // of the registry
+using OwnedModule = Owned<ClosedBy<HMODULE, FreeLibrary>>;
 using OwnedLocal = Owned<ClosedBy<void*, LocalFree>>;
 
 }  // namespace vndiscover::host

@@ -5,31 +5,20 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "model/scan/scan_file.h"
 #include "platform/error_text.h"
+#include "platform/owned.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
 namespace {
 
-// Closes the handle on destruction.
-class File {
-  public:
-    File(const std::wstring& path, DWORD access, DWORD disposition)
-        : handle_(CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
-                              FILE_ATTRIBUTE_NORMAL, nullptr)) {}
-    ~File() {
-        if (IsOpen()) CloseHandle(handle_);
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-    HANDLE Get() const { return handle_; }
-
-  private:
-    HANDLE handle_;
-};
-
 constexpr size_t kChunk = size_t{1} << 20;
+
+OwnedFile Open(const std::wstring& path, DWORD access, DWORD disposition) {
+    return OwnedFile(CreateFileW(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
 std::string LastErrorText() { return ErrorText(GetLastError()); }
 
@@ -47,8 +36,8 @@ std::wstring FullPath(const std::string& path) {
 }
 
 bool WriteWhole(const std::wstring& path, const std::string& text) {
-    const File file(path, GENERIC_WRITE, CREATE_ALWAYS);
-    if (!file.IsOpen()) return false;
+    const OwnedFile file = Open(path, GENERIC_WRITE, CREATE_ALWAYS);
+    if (!file) return false;
     for (size_t done = 0; done < text.size();) {
         DWORD written = 0;
         const auto part = static_cast<DWORD>(std::min(kChunk, text.size() - done));
@@ -63,9 +52,9 @@ bool WriteWhole(const std::wstring& path, const std::string& text) {
 
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem) {
-    const File file(ToWide(path), GENERIC_READ, OPEN_EXISTING);
+    const OwnedFile file = Open(ToWide(path), GENERIC_READ, OPEN_EXISTING);
     std::string text;
-    for (size_t done = 0; file.IsOpen();) {
+    for (size_t done = 0; file;) {
         text.resize(done + kChunk);
         DWORD count = 0;
         if (!ReadFile(file.Get(), text.data() + done, kChunk, &count, nullptr)) break;
@@ -77,6 +66,12 @@ std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
     }
     problem = "cannot be read" + LastErrorText();
     return std::nullopt;
+}
+
+std::optional<Scan> LoadScan(const std::string& path, bool& isBroken, std::string& problem) {
+    const auto text = ReadFileText(path, kMaxScanSize, problem);
+    isBroken = text.has_value();
+    return text ? ReadScan(*text, problem) : std::nullopt;
 }
 
 bool FileExists(const std::string& path) {

@@ -5,11 +5,17 @@
 #include <optional>
 #include <string>
 
+#include "model/scan/scan.h"
+
 namespace vndiscover::host {
 
 // Empty, with the reason in `problem`, if the file cannot be read or has more than `maxSize` bytes.
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
+
+// The scan in a file. Empty, with the reason in `problem`, if the file cannot be read, or
+// `isBroken`: its text is not a scan.
+std::optional<Scan> LoadScan(const std::string& path, bool& isBroken, std::string& problem);
 
 // Also true if the system cannot tell: such a file must not be taken for a new one.
 bool FileExists(const std::string& path);

@@ -11,9 +11,10 @@
 #include <memory>
 
 #include "platform/firewall_policy.h"
+#include "platform/owned.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
-#include "platform/win_sock.h"
+#include "values/ip_address.h"
 
 namespace vndiscover::host {
 namespace {
@@ -27,32 +28,21 @@ constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
 
 // Loaded from the system directory by full path: an ordinary import could pick up a file of that
 // name beside the program.
-class IpHelper {
-  public:
-    IpHelper() {
-        wchar_t path[MAX_PATH + 32] = {};
-        const UINT length = GetSystemDirectoryW(path, MAX_PATH);
-        if (length == 0 || length >= MAX_PATH) return;
-        wcscpy(path + length, L"\\IPHLPAPI.DLL");
-        module_ = LoadLibraryW(path);
-    }
-    ~IpHelper() {
-        if (module_) FreeLibrary(module_);
-    }
-    IpHelper(const IpHelper&) = delete;
-    IpHelper& operator=(const IpHelper&) = delete;
+OwnedModule LoadIpHelper() {
+    wchar_t path[MAX_PATH + 32] = {};
+    const UINT length = GetSystemDirectoryW(path, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) return OwnedModule();
+    wcscpy(path + length, L"\\IPHLPAPI.DLL");
+    return OwnedModule(LoadLibraryW(path));
+}
 
-    template <class Function>
-    Function* Find(Function*, const char* name) const {
-        if (!module_) return nullptr;
-        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
-    }
-
-  private:
-    HMODULE module_ = nullptr;
-};
+template <class Function>
+Function* Find(const OwnedModule& helper, const char* name) {
+    if (!helper) return nullptr;
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(helper.Get(), name)));
+}
 // Takes the type from the declaration without linking to the function.
-#define FIND(helper, function) (helper).Find(static_cast<decltype(&(function))>(nullptr), #function)
+#define FIND(helper, function) Find<decltype(function)>(helper, #function)
 
 // A list of the system's records, in one block.
 template <class Record>
@@ -78,7 +68,7 @@ List<Record> ReadList(ULONG firstBytes, Read read) {
     return list;
 }
 
-List<IP_ADAPTER_INFO> ReadInfo(const IpHelper& helper) {
+List<IP_ADAPTER_INFO> ReadInfo(const OwnedModule& helper) {
     const auto getInfo = FIND(helper, GetAdaptersInfo);
     if (!getInfo) return {};
     return ReadList<IP_ADAPTER_INFO>(kModuleListBytes, [&](IP_ADAPTER_INFO* record, ULONG* size) {
@@ -86,7 +76,7 @@ List<IP_ADAPTER_INFO> ReadInfo(const IpHelper& helper) {
     });
 }
 
-List<IP_ADAPTER_ADDRESSES> ReadAddresses(const IpHelper& helper, ULONG family, ULONG flags) {
+List<IP_ADAPTER_ADDRESSES> ReadAddresses(const OwnedModule& helper, ULONG family, ULONG flags) {
     const auto getAddresses = FIND(helper, GetAdaptersAddresses);
     if (!getAddresses) return {};
     return ReadList<IP_ADAPTER_ADDRESSES>(
@@ -96,7 +86,7 @@ List<IP_ADAPTER_ADDRESSES> ReadAddresses(const IpHelper& helper, ULONG family, U
 }
 
 // Names, types and states, of all adapters.
-List<IP_ADAPTER_ADDRESSES> ReadDetails(const IpHelper& helper) {
+List<IP_ADAPTER_ADDRESSES> ReadDetails(const OwnedModule& helper) {
     return ReadAddresses(
         helper, AF_UNSPEC,
         GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER);
@@ -123,16 +113,6 @@ AdapterAddress RowOf(const IP_ADAPTER_INFO& info, const IP_ADDR_STRING& entry,
     return row;
 }
 
-std::string TextOf(const sockaddr_in6& address) {
-    char text[64] = {};
-    if (getnameinfo(reinterpret_cast<const sockaddr*>(&address), sizeof address, text, sizeof text,
-                    nullptr, 0, NI_NUMERICHOST) != 0) {
-        return "";
-    }
-    const std::string whole(text);
-    return whole.substr(0, whole.find('%'));
-}
-
 void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
     for (const auto* entry = adapter.FirstUnicastAddress; entry; entry = entry->Next) {
         if (!entry->Address.lpSockaddr ||
@@ -141,7 +121,7 @@ void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
         sockaddr_in6 address;
         memcpy(&address, entry->Address.lpSockaddr, sizeof address);
         AdapterAddress row;
-        row.address = TextOf(address);
+        row.address = IpText({reinterpret_cast<const char*>(&address.sin6_addr), 16});
         row.zone = address.sin6_scope_id;
         Describe(row, adapter);
         if (row.address.rfind("fe80", 0) == 0) list.addresses.push_back(row);
@@ -160,7 +140,7 @@ bool IsSwitchedOn(const char* name) {
 }  // namespace
 
 AdapterList ThisComputer::IPv4() const {
-    const IpHelper helper;
+    const OwnedModule helper = LoadIpHelper();
     const auto infos = ReadInfo(helper);
     const auto details = ReadDetails(helper);
     AdapterList list;
@@ -177,8 +157,7 @@ AdapterList ThisComputer::IPv4() const {
 }
 
 AdapterList ThisComputer::IPv6() const {
-    const WinSock winSock;  // for getnameinfo
-    const IpHelper helper;
+    const OwnedModule helper = LoadIpHelper();
     // With the module's flag, because of which the system may refuse the list.
     const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
     AdapterList list;
@@ -193,7 +172,7 @@ AdapterList ThisComputer::IPv6() const {
 Route ThisComputer::RouteTo(const char* ipv4Address) const {
     Route route;
     route.target = ipv4Address;
-    const IpHelper helper;
+    const OwnedModule helper = LoadIpHelper();
     const auto getBestRoute = FIND(helper, GetBestRoute);
     MIB_IPFORWARDROW row = {};
     in_addr target = {};

@@ -6,16 +6,16 @@
 
 #include <cstdio>
 
+#include "platform/owned.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
 
 std::vector<std::string> CommandLineArguments() {
     int count = 0;
-    wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    const Owned<ClosedBy<wchar_t**, LocalFree>> wide(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::string> arguments;
-    for (int i = 1; wide && i < count; ++i) arguments.push_back(ToUtf8(wide[i]));
-    LocalFree(wide);
+    for (int i = 1; wide && i < count; ++i) arguments.push_back(ToUtf8(wide.Get()[i]));
     return arguments;
 }
 

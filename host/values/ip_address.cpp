@@ -30,10 +30,9 @@ std::optional<IpAddress> ParseIpAddress(std::string_view text) {
     return IpAddress{std::string(bytes, isIPv4 ? 4 : 16)};
 }
 
-std::string IPv4Text(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes)
-        text += (text.empty() ? "" : ".") + std::to_string(static_cast<uint8_t>(byte));
+std::string IpText(std::string_view bytes) {
+    char text[64] = "";
+    inet_ntop(bytes.size() == 4 ? AF_INET : AF_INET6, bytes.data(), text, sizeof text);
     return text;
 }
 
@@ -47,7 +46,7 @@ std::string CommonNetwork(const IpAddress& address, std::string_view adapterAddr
     for (uint32_t rest = bits; rest & 0x80000000; rest <<= 1) ++length;
     std::string network = own->bytes;
     for (size_t i = 0; i < network.size(); ++i) network[i] &= mask->bytes[i];
-    return IPv4Text(network) + "/" + std::to_string(length);
+    return IpText(network) + "/" + std::to_string(length);
 }
 
 std::string AddressOrder(std::string_view address) {

@@ -15,8 +15,8 @@ struct IpAddress {
 // The zone of an IPv6 address is dropped. Empty for other text, such as a name.
 std::optional<IpAddress> ParseIpAddress(std::string_view text);
 
-// Of the four bytes of an IPv4 address.
-std::string IPv4Text(std::string_view bytes);
+// Of 4 or 16 bytes.
+std::string IpText(std::string_view bytes);
 
 // The IPv4 network of an adapter, "10.77.1.0/24", if `address` is in it. Otherwise empty, and also
 // for the mask 0.0.0.0 of an adapter without an address.

@@ -1,6 +1,7 @@
 #include "values/oid_text.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "values/module_types.h"
 
@@ -10,17 +11,13 @@ namespace {
 constexpr uint32_t kTwoByteArcLimit = 16384;
 constexpr size_t kMaxArcs = 128;
 
-// Reads decimal digits, at most 32 bits, and advances `text` past them. Empty if there are none.
-std::optional<uint32_t> TakeArc(std::string_view& text) {
-    uint64_t arc = 0;
-    size_t digits = 0;
-    for (; digits < text.size() && text[digits] >= '0' && text[digits] <= '9'; ++digits) {
-        arc = arc * 10 + static_cast<uint64_t>(text[digits] - '0');
-        if (arc > UINT32_MAX) return std::nullopt;
-    }
-    if (digits == 0) return std::nullopt;
-    text.remove_prefix(digits);
-    return static_cast<uint32_t>(arc);
+// Reads decimal digits and moves `text` past them. Empty without digits, or with over 32 bits.
+std::optional<uint32_t> ReadArc(std::string_view& text) {
+    uint32_t arc = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), arc);
+    if (error != std::errc()) return std::nullopt;
+    text.remove_prefix(static_cast<size_t>(end - text.data()));
+    return arc;
 }
 
 bool AreFirstArcsValid(const Oid& oid) {
@@ -42,7 +39,7 @@ std::optional<Oid> ParseOid(std::string_view text) {
     Oid oid;
     if (!text.empty() && text.front() == '.') text.remove_prefix(1);
     while (true) {
-        const std::optional<uint32_t> arc = TakeArc(text);
+        const std::optional<uint32_t> arc = ReadArc(text);
         if (!arc || oid.size() == kMaxArcs) return std::nullopt;
         oid.push_back(*arc);
         if (text.empty()) break;

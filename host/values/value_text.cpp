@@ -1,7 +1,8 @@
 #include "values/value_text.h"
 
-#include <algorithm>
+#include <charconv>
 #include <cstdio>
+#include <utility>
 
 #include "values/ip_address.h"
 #include "values/oid_text.h"
@@ -10,14 +11,10 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kLongFormSize =
-    0x81;  // announces a long-form length, but is read as the length itself
+// Announces a long-form length, but is read as the length itself.
+constexpr size_t kLongFormSize = 0x81;
 
-struct NamedType {
-    uint32_t type;
-    const char* name;
-};
-constexpr NamedType kTypes[] = {
+constexpr std::pair<uint32_t, const char*> kTypes[] = {
     {kInteger, "INTEGER"},
     {kOctetString, "OCTET STRING"},
     {kNull, "NULL"},
@@ -48,16 +45,11 @@ std::string IntegerBytes(int64_t number) {
 }
 
 std::optional<int64_t> ParseNumber(std::string_view text, int64_t lowest, int64_t highest) {
-    const bool isNegative = !text.empty() && text.front() == '-';
-    if (isNegative) text.remove_prefix(1);
-    if (text.empty() || text.size() > 10) return std::nullopt;
     int64_t number = 0;
-    for (const char digit : text) {
-        if (digit < '0' || digit > '9') return std::nullopt;
-        number = number * 10 + (digit - '0');
-    }
-    if (isNegative) number = -number;
-    if (number < lowest || number > highest) return std::nullopt;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    const bool isNumber = error == std::errc() && rest == end;
+    if (!isNumber || number < lowest || number > highest) return std::nullopt;
     return number;
 }
 
@@ -120,8 +112,8 @@ std::string TickText(uint64_t ticks) {
 }
 
 std::string TypeName(uint32_t type) {
-    for (const NamedType& known : kTypes) {
-        if (known.type == type) return known.name;
+    for (const auto& [known, name] : kTypes) {
+        if (known == type) return name;
     }
     char text[24];
     std::snprintf(text, sizeof text, "type 0x%02X", static_cast<unsigned>(type));
@@ -157,7 +149,7 @@ std::string FormatValue(uint32_t type, std::string_view bytes) {
                                   : *number;
     }
     if (type == kOctetString && IsPrintable(bytes)) return ShownValue(bytes);
-    if (type == kIpAddress && bytes.size() == 4) return IPv4Text(bytes);
+    if (type == kIpAddress && bytes.size() == 4) return IpText(bytes);
     if (type == kObjectIdentifier) {
         if (const auto oid = DecodeOid(bytes)) return OidToText(*oid);
     }

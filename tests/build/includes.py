@@ -25,7 +25,7 @@ FOLDERS = {
         "model/computer": {"values", "model/asking", "model/printer"},
         "model/scan": {"values", "wsd", *(f"model/{part}" for part in ("asking", "printer", "computer"))},
         "device": {"values", "model/asking", "model/computer", "platform", PUBLIC},
-        "platform": {"values", "model/computer", PUBLIC},
+        "platform": {"values", "model/computer", "model/scan", PUBLIC},
         "cli": {*PARTS, PUBLIC},
         "window": {"values", "platform"},
         "window/controls": {"window", "values", "model/printer", "platform"},

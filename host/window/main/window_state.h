@@ -11,6 +11,7 @@
 
 #include "model/asking/progress.h"
 #include "model/scan/change_log.h"
+#include "values/exit_code.h"
 #include "window/work/session.h"
 #include "window/work/workers.h"
 
@@ -27,8 +28,6 @@ struct StartOptions {
     std::vector<std::string> communities;  // empty: those of the settings
     std::optional<unsigned> lookFor;       // a preset
 };
-
-enum ExitCode { kFound = 0, kNone = 1, kFailed = 2 };  // kNone: or not saved
 
 // The module's community and "public", and no user.
 Credentials DefaultCredentials();

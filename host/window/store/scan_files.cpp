@@ -31,9 +31,9 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
 
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {
     std::string reason;
-    const auto text = ReadFileText(path, kMaxScanSize, reason);
-    auto scan = text ? ReadScan(*text, reason) : std::nullopt;
-    if (!scan) problem = Text(text ? IDS_BROKEN_SCAN : IDS_NOT_READ, {ToWide(reason)});
+    bool isBroken = false;
+    auto scan = LoadScan(path, isBroken, reason);
+    if (!scan) problem = Text(isBroken ? IDS_BROKEN_SCAN : IDS_NOT_READ, {ToWide(reason)});
     return scan;
 }
 
