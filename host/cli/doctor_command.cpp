@@ -40,8 +40,9 @@ int RunOnComputer(const DeviceOptions& options) {
     report.front().Add("Asked", std::string("'vndiscover sweep' asks community '") +
                                     VN_DEFAULT_COMMUNITY + "' for " + VN_DEFAULT_DISCOVERY_OID +
                                     kAskOtherwise);
-    Print(options.format == TextFormat::kJson ? ComputerJson(computer)
-                                              : ReportText(report, OutputWidth()));
+    Print(options.format == TextFormat::kJson
+              ? ComputerJson(computer)
+              : ReportText(report, {OutputWidth(), HasOutputColours()}));
     return computer.causes.empty() ? kFound : kNone;
 }
 
@@ -81,8 +82,9 @@ int RunOnHost(const DeviceOptions& options) {
                          "' for the variable after sysDescr.0; " + doctor + " -c COMMUNITY' and " +
                          doctor + " --v3 -u USER' ask otherwise");
     }
-    Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
-                                              : ReportText(report, OutputWidth()));
+    Print(options.format == TextFormat::kJson
+              ? HostJson(diagnosis, isOnOwnNetwork, options.host)
+              : ReportText(report, {OutputWidth(), HasOutputColours()}));
     if (IsUnsendable(diagnosis)) return kSendFailed;
     return IsUsable(diagnosis) ? kFound : kNone;
 }

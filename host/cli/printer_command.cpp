@@ -15,7 +15,8 @@ namespace {
 
 constexpr char kExamples[] =
     R"(Reads the standard variables of a printer and explains them: model, serial
-number, state, alerts, page counts, supplies, trays. What the device does not
+number, state, alerts, page counts, supplies, trays, network interfaces. "!!"
+marks what is critical, "!" what needs attention. What the device does not
 provide is left out; what could not be read is listed with the reason. A device
 that stops answering is not asked any further; no request is sent after the
 first two minutes.
@@ -41,7 +42,7 @@ int RunPrinter(const DeviceOptions& options) {
             ++requests;
             return !watch.IsStopped();
         };
-        answers = ReadPrinter(asker);
+        answers = ReadInterfaces(asker, ReadPrinter(asker));
     }
     if (answers.values.empty()) {
         Warn(options.host + ": " +
@@ -52,9 +53,11 @@ int RunPrinter(const DeviceOptions& options) {
     PrinterFacts facts = FactsOf(answers);
     facts.readTime = UtcNow();
     const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
+    Report report = ReportOf(facts, context);
+    report.push_back(InterfaceSection(facts));
     Print(options.format == TextFormat::kJson
               ? PrinterJson(facts, options.host)
-              : ReportText(ReportOf(facts, context), OutputWidth()));
+              : ReportText(report, {OutputWidth(), HasOutputColours()}));
     if (answers.lastStatus != Status::kAnswered) {
         Warn("the report is cut short: " + options.host + " was not asked any further");
         return ExitCodeOf(answers.lastStatus);

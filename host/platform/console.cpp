@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include "platform/error_text.h"
+#include "platform/this_process.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
@@ -18,7 +19,8 @@ constexpr auto kStatusPeriod = std::chrono::milliseconds(250);
 std::atomic<int32_t (*)()> g_stop{nullptr};
 std::atomic<bool> g_isStopped{false};  // by the first Ctrl-C
 std::atomic<int> g_completionGuards{0};
-std::atomic<DWORD> g_inputMode{0};  // to be restored if a hidden prompt is interrupted; 0: none
+// To be restored: of a hidden prompt that is interrupted, and without colours. 0: none
+std::atomic<DWORD> g_inputMode{0}, g_outputMode{0};
 UINT g_formerCodePage = 0;
 
 std::mutex g_outputMutex;
@@ -52,10 +54,12 @@ void RestoreConsole() {
     if (g_formerCodePage != 0) SetConsoleOutputCP(g_formerCodePage);
     if (const DWORD mode = g_inputMode.exchange(0))
         SetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), mode);
+    if (const DWORD mode = g_outputMode.exchange(0))
+        SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), mode);
 }
 
 // Waits half a second for other output at most: a pipe may be full.
-void TellOfCompletion() {
+void WarnOfSaving() {
     std::unique_lock<std::mutex> lock(g_outputMutex, std::try_to_lock);
     for (int wait = 0; wait < 50 && !lock; ++wait) {
         Sleep(10);
@@ -71,7 +75,7 @@ BOOL WINAPI OnControl(DWORD event) {
         if (stop) {
             stop();
         } else {
-            TellOfCompletion();
+            WarnOfSaving();
         }
         return TRUE;
     }
@@ -123,6 +127,16 @@ size_t OutputWidth(size_t otherwise) {
     if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info)) return otherwise;
     // A full line would be followed by an empty one.
     return static_cast<size_t>(std::max(info.srWindow.Right - info.srWindow.Left, 40));
+}
+
+bool HasOutputColours() {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    if (!Environment(L"NO_COLOR").empty() || !GetConsoleMode(output, &mode) ||
+        !SetConsoleMode(output, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING))
+        return false;
+    g_outputMode = mode;
+    return true;
 }
 
 std::string OutputProblem() {

@@ -23,12 +23,15 @@ class ConsoleSession {
     ConsoleSession& operator=(const ConsoleSession&) = delete;
 };
 
-// Writes results and flushes, so that a row can be read at once. False once a pipe is closed; the
-// caller then stops.
+// Writes results at once. Returns false after a pipe is closed; the caller then stops.
 bool Print(std::string_view text);
 
 // Characters in a line of standard output: those of the console, or `otherwise`.
 size_t OutputWidth(size_t otherwise = 80);
+
+// Whether standard output is a console that shows the escape sequences of colours, and the user has
+// not set NO_COLOR.
+bool HasOutputColours();
 
 // " (the disk is full, error 112)"; empty if all output was written, or nobody reads it.
 std::string OutputProblem();
@@ -36,12 +39,12 @@ std::string OutputProblem();
 // Writes a line to standard error, after the program's name.
 void Warn(const std::string& text);
 
-// Reads a line without echo; empty if standard input is not a console. Give the result to a Secret
-// at once, which wipes it.
+// Reads a line without echo. Empty if standard input is not a console. Give the result to a Secret
+// at once, so that it is wiped.
 std::optional<std::wstring> PromptHidden(const std::string& prompt);
 
-// For work that must be completed, such as saving a file: while one exists, the first Ctrl-C only
-// shows a message and the second ends the process. Each one constructed begins counting anew.
+// For work that must be completed, such as saving a file. While a guard exists, the first Ctrl-C
+// only shows a message and the second ends the process. Each guard starts the count again.
 class CompletionGuard {
   public:
     CompletionGuard();
@@ -50,15 +53,13 @@ class CompletionGuard {
     CompletionGuard& operator=(const CompletionGuard&) = delete;
 };
 
-// For the duration of a sweep: the first Ctrl-C calls `stop`, on any thread, and the second ends
-// the process. With `status` the console shows a line that is updated while the sweep blocks its
-// thread.
+// While a sweep runs, the first Ctrl-C calls `stop`, on any thread, and the second ends the
+// process. The console shows the line that `status` returns and updates it while the sweep blocks
+// its thread.
 class SweepWatch {
   public:
     SweepWatch(int32_t (*stop)(), std::function<std::string()> status);
     ~SweepWatch();
-    SweepWatch(const SweepWatch&) = delete;
-    SweepWatch& operator=(const SweepWatch&) = delete;
 
     // Does what Ctrl-C does.
     void RequestStop();

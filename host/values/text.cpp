@@ -1,5 +1,7 @@
 #include "values/text.h"
 
+#include <algorithm>
+
 namespace vndiscover::host {
 namespace {
 
@@ -56,12 +58,14 @@ std::optional<std::string> ParseHex(std::string_view text, std::string_view sepa
     return bytes;
 }
 
+size_t CharacterCount(std::string_view utf8) {
+    return static_cast<size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
+}
+
 std::string Padded(std::string_view text, size_t width) {
-    size_t characters = 0;
-    for (const char byte : text) characters += (byte & 0xC0) != 0x80 ? 1 : 0;
-    std::string out(text);
-    if (characters < width) out.append(width - characters, ' ');
-    return out;
+    const size_t characters = CharacterCount(text);
+    return std::string(text) + std::string(std::max(width, characters) - characters, ' ');
 }
 
 Character FirstCharacter(std::string_view text) {

@@ -22,7 +22,9 @@ std::string HexText(std::string_view bytes, std::string_view separator);
 // Pairs of digits to bytes; any of `separators` may stand between pairs. Empty for other text.
 std::optional<std::string> ParseHex(std::string_view text, std::string_view separators = "");
 
-// `text` padded with spaces to `width` characters (not bytes); never cut.
+size_t CharacterCount(std::string_view utf8);
+
+// `text` padded with spaces to `width` characters; never cut.
 std::string Padded(std::string_view text, size_t width);
 
 struct Character {
@@ -30,8 +32,8 @@ struct Character {
     size_t bytes;  // read, at least 1
     bool isUtf8;
 };
-// The first character of a text that is not empty. Overlong forms, surrogates and incomplete
-// sequences are not UTF-8; their first byte is read as Latin-1.
+// `text` is not empty. Overlong forms, surrogates and incomplete sequences are not UTF-8; their
+// first byte is read as Latin-1.
 Character FirstCharacter(std::string_view text);
 
 void AppendUtf8(std::string& out, uint32_t code);

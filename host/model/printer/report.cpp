@@ -1,11 +1,12 @@
 #include "model/printer/report.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <ctime>
 #include <tuple>
 #include <utility>
 
 #include "values/plain_text.h"
-#include "values/utc_time.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -17,6 +18,27 @@ constexpr int kLowPercent = 10;
 std::string Duration(uint64_t ticks) {
     const std::string text = TickText(ticks);
     return text.substr(0, text.size() - 3);
+}
+
+// Since 1970-01-01. Years begin in March here, so that a leap day is the last one.
+int64_t DaysUntil(int year, int month, int day) {
+    if (month < 3) --year;
+    const int64_t days = 365LL * year + year / 4 - year / 100 + year / 400;
+    return days + (153 * ((month + 9) % 12) + 2) / 5 + day - 1 - 719468;
+}
+
+// The local time, to the minute, that was this many seconds before a time such as
+// "2026-11-25T04:32:23Z": "2026-11-25 05:31". Empty if `utc` is no such time.
+std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    if (std::sscanf(utc.c_str(), "%4d-%2d-%2dT%2d:%2d:%2dZ", &year, &month, &day, &hour, &minute,
+                    &second) != 6)
+        return "";
+    const int64_t at = ((DaysUntil(year, month, day) * 24 + hour) * 60 + minute) * 60 + second;
+    const auto start = static_cast<std::time_t>(at - static_cast<int64_t>(seconds));
+    const std::tm* local = std::localtime(&start);
+    char text[32];
+    return local && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) != 0 ? text : "";
 }
 
 void AddLevel(ReportSection& section, std::string name, const Level& level,
@@ -146,10 +168,15 @@ Severity ErrorSeverity(const PrinterFacts& facts) {
                : Severity::kAttention;
 }
 
+Severity SeverityOf(int percent) {
+    return percent == 0            ? Severity::kCritical
+           : percent < kLowPercent ? Severity::kAttention
+                                   : Severity::kFine;
+}
+
 Severity SeverityOf(const Level& level) {
-    const auto percent = PercentOf(level);
     if (level.level == 0) return Severity::kCritical;
-    if (percent) return *percent < kLowPercent ? Severity::kAttention : Severity::kFine;
+    if (const auto percent = PercentOf(level)) return SeverityOf(std::max(1, *percent));
     return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
                                                                 : Severity::kFine;
 }
@@ -204,8 +231,32 @@ void ReportSection::Add(std::string label, std::string text, Severity severity) 
     rows.push_back(std::move(row));
 }
 
+const char* SeverityMark(Severity severity) {
+    return severity == Severity::kCritical ? "!!" : severity == Severity::kAttention ? "!" : "";
+}
+
 std::string WholeText(const ReportRow& row) {
-    return row.detail.empty() ? row.text : row.text + " (" + row.detail + ")";
+    return Joined(
+        {SeverityMark(row.severity), row.text, row.detail.empty() ? "" : "(" + row.detail + ")"},
+        " ");
+}
+
+const SupplyColour* FindSupplyColour(const std::string& words) {
+    static constexpr SupplyColour kColours[] = {
+        {"black", 0x000000, "90"},  {"cyan", 0x00A0D8, "36"},   {"magenta", 0xD8007C, "35"},
+        {"yellow", 0xF0C800, "33"}, {"red", 0xD02020, "31"},    {"green", 0x209020, "32"},
+        {"blue", 0x2040C0, "34"},   {"white", 0xFFFFFF, "97"},  {"gray", 0x808080, "37"},
+        {"grey", 0x808080, "37"},   {"orange", 0xF08000, "33"}, {"violet", 0x8030A0, "35"}};
+    const std::string text = Lower(words);
+    const SupplyColour* last = nullptr;
+    size_t lastAt = 0;
+    for (const SupplyColour& colour : kColours) {
+        const size_t at = text.rfind(colour.word);
+        if (at == std::string::npos || (last && at < lastAt)) continue;
+        last = &colour;
+        lastAt = at;
+    }
+    return last;
 }
 
 std::vector<ReportRow> RowsOf(const Report& report) {
@@ -234,6 +285,17 @@ Report ReportOf(const PrinterFacts& facts, const ReportContext& context) {
     }
     AddGaps(report.back(), facts.gaps);
     return report;
+}
+
+ReportSection InterfaceSection(const PrinterFacts& facts) {
+    ReportSection section = {"Interfaces", {}};
+    for (const Interface& one : facts.interfaces) {
+        const std::string number = "Interface " + std::to_string(section.rows.size() + 1);
+        section.Add(one.description.empty() ? number : one.description,
+                    Joined({one.operStatus, one.speed, one.physicalAddress, one.type,
+                            one.adminStatus.empty() ? "" : "set to " + one.adminStatus}));
+    }
+    return section;
 }
 
 }  // namespace vndiscover::host

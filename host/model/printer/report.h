@@ -1,10 +1,10 @@
-// What a program tells a person: sections of rows, made once from the facts and drawn by each
-// program in its own way. Labels and texts are here only.
+// What a program shows a person: sections of rows. They are made of the facts once, and each
+// program draws them in its own way. No program has labels or texts of its own.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "model/printer/printer_facts.h"
@@ -15,6 +15,7 @@ enum class Severity { kFine, kAttention, kCritical, kUnknown };
 
 // Critical if one keeps it from printing; fine if there are none, or the device has not said.
 Severity ErrorSeverity(const PrinterFacts& facts);
+Severity SeverityOf(int percent);
 Severity SeverityOf(const Level& level);
 
 // What a comparison says of a device.
@@ -34,8 +35,7 @@ struct ReportRow {
 };
 
 struct ReportSection {
-    // Empty: the rows' labels are as important as a title, and rows with the same label are
-    // together.
+    // Empty: the labels of the rows are titles, and rows with the same label are together.
     std::string title;
     std::vector<ReportRow> rows;
 
@@ -53,20 +53,35 @@ std::string ErrorText(const PrinterFacts& facts);
 // Without its age.
 std::string AlertText(const Alert& alert);
 
-// The text of a row with its detail.
+// Shows a severity without colour: "!!" for critical, "!" for attention, otherwise nothing.
+const char* SeverityMark(Severity severity);
+
+// The text of a row with its mark and its detail: "! 4 % (40 of 1000)".
 std::string WholeText(const ReportRow& row);
 
-// The rows of all sections for a list of two columns. A title is the label of its first row, or if
-// that has one, of a row without text. Labels below a title are indented.
+// How to draw a supply whose colour is given in words.
+struct SupplyColour {
+    const char* word;    // "cyan"
+    uint32_t rgb;        // 0xRRGGBB
+    const char* escape;  // of a terminal: the parameters of "select graphic rendition"
+};
+// By the last known word: "light cyan" is cyan. Null: unknown.
+const SupplyColour* FindSupplyColour(const std::string& words);
+
+// The rows of all sections for a list of two columns. A title labels its first row if that has no
+// label, otherwise a row of its own without text. Labels below a title are indented.
 std::vector<ReportRow> RowsOf(const Report& report);
 
 // What is known of a device besides its facts.
 struct ReportContext {
     std::string addresses, protocols;  // "10.77.1.20, fe80::1", "SNMPv1"
-    bool isRead = true;  // otherwise what the facts lack was not asked for, and is left out
+    bool isRead = true;  // false: what the facts lack was not asked for; it is left out
 };
 // The places of its sections.
 enum class ReportPart : size_t { kIdentity, kState, kAlerts, kSupplies, kTrays, kNotes };
 Report ReportOf(const PrinterFacts& facts, const ReportContext& context);
+
+// Of the network, which is not in the report above.
+ReportSection InterfaceSection(const PrinterFacts& facts);
 
 }  // namespace vndiscover::host

@@ -12,38 +12,27 @@ constexpr size_t kIndent = kLeftWidth + 2;  // of the lines after the first one 
 constexpr size_t kMaxNameWidth = 24;
 constexpr int kBarWidth = 10;
 
-size_t Characters(const std::string& text) {
-    return static_cast<size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<uint8_t>(c) & 0xC0) != 0x80; }));
-}
-
-std::string Bar(const std::optional<int>& percent) {
-    if (!percent) return std::string(kBarWidth + 2, ' ');
-    const auto full = static_cast<size_t>((*percent * kBarWidth + 50) / 100);
-    return "[" + std::string(full, '#') + std::string(kBarWidth - full, '.') + "]";
-}
-
 class Writer {
   public:
-    explicit Writer(size_t width) : width_(width) {}
+    explicit Writer(const TextStyle& style) : style_(style) {}
 
     void Add(const ReportSection& section) {
         const bool hasNames = !section.title.empty();
         size_t nameWidth = 0;
         bool hasBars = false;
         for (const ReportRow& row : section.rows) {
-            if (hasNames) nameWidth = std::max(nameWidth, Characters(row.label) + 2);
+            if (hasNames) nameWidth = std::max(nameWidth, CharacterCount(row.label) + 2);
             hasBars = hasBars || row.percent;
         }
         nameWidth = std::min(nameWidth, kMaxNameWidth + 2);
         for (const ReportRow& row : section.rows) {
             Begin(hasNames ? section.title : row.label, row.mark);
             if (hasNames && !row.label.empty()) AddName(row.label, nameWidth);
-            if (hasBars) line_ += Bar(row.percent) + "  ";
+            if (hasBars) AddBar(row);
             if (row.isCommand) {
                 line_ += "  " + row.text;
             } else {
-                AddText(WholeText(row), hasBars);
+                AddMarkedText(row, hasBars);
             }
             EndLine();
         }
@@ -60,7 +49,7 @@ class Writer {
 
     // A long name stands in a line of its own.
     void AddName(const std::string& name, size_t nameWidth) {
-        if (Characters(name) + 2 <= nameWidth) {
+        if (CharacterCount(name) + 2 <= nameWidth) {
             line_ += Padded(name, nameWidth);
             return;
         }
@@ -69,14 +58,40 @@ class Writer {
         line_ = std::string(kLeftWidth + nameWidth, ' ');
     }
 
+    void AddBar(const ReportRow& row) {
+        if (!row.percent) {
+            line_.append(kBarWidth + 4, ' ');
+            return;
+        }
+        const auto full = static_cast<size_t>((*row.percent * kBarWidth + 50) / 100);
+        const SupplyColour* colour = FindSupplyColour(row.colour);
+        line_ += '[';
+        AddColoured(std::string(full, '#'), colour ? colour->escape : "");
+        line_ += std::string(kBarWidth - full, '.') + "]  ";
+    }
+
+    void AddMarkedText(const ReportRow& row, bool isInPhrases) {
+        const std::string mark = SeverityMark(row.severity);
+        AddColoured(mark, row.severity == Severity::kCritical ? "1;31" : "1;33");
+        AddText(WholeText(row).substr(mark.size()), isInPhrases);
+    }
+
+    void AddColoured(const std::string& text, const std::string& escape) {
+        const bool isColoured = style_.hasColours && !text.empty() && !escape.empty();
+        const std::string start = isColoured ? "\x1b[" + escape + "m" : "";
+        const std::string end = isColoured ? "\x1b[0m" : "";
+        line_ += start + text + end;
+        invisible_ += start.size() + end.size();
+    }
+
     // Breaks lines at spaces.
     void AddText(const std::string& text, bool isInPhrases = false) {
         bool isFirst = true;
         for (size_t at = 0; at <= text.size();) {
             const size_t end = isInPhrases ? PhraseEnd(text, at) : WordEnd(text, at);
             const std::string part = text.substr(at, end - at);
-            if (Characters(line_) + Characters(part) + (isFirst ? 0 : 1) > width_ &&
-                Characters(line_) > kIndent) {
+            const size_t done = CharacterCount(line_) - invisible_;
+            if (done + CharacterCount(part) + (isFirst ? 0 : 1) > style_.width && done > kIndent) {
                 EndLine();
                 line_ = std::string(kIndent, ' ');
                 isFirst = true;
@@ -96,22 +111,24 @@ class Writer {
         const size_t comma = text.find(", ", at), bracket = text.find(" (", at);
         const size_t end =
             std::min({comma == std::string::npos ? comma : comma + 1, bracket, text.size()});
-        return end - at + kIndent > width_ ? WordEnd(text, at) : end;
+        return end - at + kIndent > style_.width ? WordEnd(text, at) : end;
     }
 
     void EndLine() {
         line_.erase(line_.find_last_not_of(' ') + 1);
         text_ += line_ + "\n";
+        invisible_ = 0;
     }
 
-    size_t width_;
+    const TextStyle& style_;
     std::string text_, line_, lastLabel_;
+    size_t invisible_ = 0;  // characters of the line
 };
 
 }  // namespace
 
-std::string ReportText(const Report& report, size_t width) {
-    Writer writer(width);
+std::string ReportText(const Report& report, const TextStyle& style) {
+    Writer writer(style);
     for (const ReportSection& section : report) writer.Add(section);
     return writer.Text();
 }

@@ -8,10 +8,13 @@
 
 namespace vndiscover::host {
 
-constexpr size_t kReportWidth = 80;
+struct TextStyle {
+    size_t width = 80;        // of a line, in characters
+    bool hasColours = false;  // as escape sequences, of bars and marks
+};
 
-// Titles, and labels without a title, on the left; levels as bars. Lines end in LF and have at most
-// `width` characters, except for commands and words that are longer.
-std::string ReportText(const Report& report, size_t width = kReportWidth);
+// Titles, and labels without a title, on the left; levels as bars. Lines end in LF. Only commands
+// and long words exceed the width.
+std::string ReportText(const Report& report, const TextStyle& style = {});
 
 }  // namespace vndiscover::host

@@ -95,6 +95,14 @@ void AddTables(cJSON* root, const PrinterFacts& facts) {
                            {"description", alert.description}});
         AddOrNull(object, "upTicks", alert.upTicks);
     });
+    AddObjects(root, "interfaces", facts.interfaces, [](cJSON* object, const Interface& one) {
+        AddOrNull(object, {{"description", one.description},
+                           {"type", one.type},
+                           {"speed", one.speed},
+                           {"physicalAddress", one.physicalAddress},
+                           {"adminStatus", one.adminStatus},
+                           {"operStatus", one.operStatus}});
+    });
     AddObjects(root, "notRead", facts.gaps, [](cJSON* object, const Gap& gap) {
         AddText(object, "subject", gap.subject);
         AddOrNull(object, {{"object", gap.object}});

@@ -10,7 +10,7 @@ namespace vndiscover::host {
 namespace {
 
 void AddDevice(ReportSection& section, const char* label, const FoundDevice& device, Mark mark) {
-    section.Add(label, DeviceLine(device), Severity::kAttention);
+    section.Add(label, DeviceLine(device));
     if (!section.rows.empty()) section.rows.back().mark = mark;
 }
 

@@ -75,8 +75,12 @@ std::wstring FactsList::CellText(size_t row, size_t column) const {
     return ToWide(column == 0 ? rows_[row].label : WholeText(rows_[row]));
 }
 
-std::optional<int> FactsList::Level(size_t row, size_t column) const {
-    return column == 1 ? rows_[row].percent : std::nullopt;
+std::optional<LevelBar> FactsList::Bar(size_t row, size_t column) const {
+    const auto percent = rows_[row].percent;
+    if (column != 1 || !percent) return std::nullopt;
+    const SupplyColour* colour = FindSupplyColour(rows_[row].colour);
+    const uint32_t rgb = colour ? colour->rgb : 0;
+    return LevelBar{*percent, colour ? RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF) : CLR_NONE};
 }
 
 }  // namespace vndiscover::host

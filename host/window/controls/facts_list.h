@@ -23,7 +23,7 @@ class FactsList : private ListModel {
   private:
     size_t Count() const override { return rows_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
-    std::optional<int> Level(size_t row, size_t column) const override;
+    std::optional<LevelBar> Bar(size_t row, size_t column) const override;
     int Image(size_t row) const override { return static_cast<int>(rows_[row].mark) - 1; }
     void SetRowImages();
 

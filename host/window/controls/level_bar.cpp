@@ -22,10 +22,28 @@ BarColours ColoursOf(HWND list, int row) {
     return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHTTEXT};
 }
 
+bool IsHighContrast() {
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof contrast;
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
+           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
+// The inside of a bar. A line marks the end of a supply's colour, which may be the background's.
+void FillLevel(HDC dc, RECT inside, const LevelBar& level, const BarColours& colours) {
+    const bool isColoured = level.colour != CLR_NONE && !IsHighContrast();
+    if (isColoured) FillRect(dc, &inside, GetSysColorBrush(COLOR_WINDOW));
+    inside.right = inside.left + MulDiv(inside.right - inside.left, level.percent, 100);
+    if (!isColoured) return void(FillRect(dc, &inside, GetSysColorBrush(colours.level)));
+    FillRect(dc, &inside, OwnedBrush(CreateSolidBrush(level.colour)).Get());
+    inside.left = std::max(inside.left, inside.right - 1);
+    FillRect(dc, &inside, GetSysColorBrush(COLOR_WINDOWTEXT));
+}
+
 }  // namespace
 
-void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const std::wstring& text,
-             int dpi) {
+void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,
+             const std::wstring& text, int dpi) {
     const HDC dc = draw.nmcd.hdc;
     const BarColours colours =
         ColoursOf(draw.nmcd.hdr.hwndFrom, static_cast<int>(draw.nmcd.dwItemSpec));
@@ -37,10 +55,9 @@ void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const st
     bar.right = std::min(bar.right, cell.right - inset);
     if (bar.right > bar.left) {
         FrameRect(dc, &bar, GetSysColorBrush(colours.text));
-        RECT full = bar;
-        InflateRect(&full, -2, -2);
-        full.right = full.left + MulDiv(full.right - full.left, percent, 100);
-        FillRect(dc, &full, GetSysColorBrush(colours.level));
+        RECT inside = bar;
+        InflateRect(&inside, -2, -2);
+        FillLevel(dc, inside, level, colours);
     }
     RECT place = {bar.right + inset + 2, cell.top, cell.right - 2, cell.bottom};
     SetBkMode(dc, TRANSPARENT);

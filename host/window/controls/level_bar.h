@@ -9,8 +9,14 @@
 
 namespace vndiscover::host {
 
-// Draws a level and its text into a cell of the list that `draw` is about, in the user's colours.
-void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, int percent, const std::wstring& text,
-             int dpi);
+struct LevelBar {
+    int percent;
+    COLORREF colour = CLR_NONE;  // of the supply; otherwise the user's
+};
+
+// Draws a level and its text into a cell of the list that `draw` is about. High contrast has only
+// the user's colours.
+void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,
+             const std::wstring& text, int dpi);
 
 }  // namespace vndiscover::host

@@ -6,10 +6,9 @@
 #include <utility>
 
 #include "platform/wide_text.h"
-#include "values/csv_cell.h"
+#include "values/plain_text.h"
 #include "window/controls/clipboard.h"
 #include "window/controls/dpi.h"
-#include "window/controls/level_bar.h"
 #include "window/controls/popup_menu.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -21,6 +20,17 @@ constexpr int kRowHeight = 18;
 constexpr int kValue = 1;  // the column after the one that names the row
 
 int CountColumns(HWND list) { return Header_GetItemCount(ListView_GetHeader(list)); }
+
+std::wstring HeadingOf(HWND list, int column) {
+    wchar_t text[80] = L"";
+    LVCOLUMNW heading = {};
+    heading.mask = LVCF_TEXT;
+    heading.pszText = text;
+    heading.cchTextMax = 80;
+    SendMessageW(list, LVM_GETCOLUMNW, static_cast<WPARAM>(column),
+                 reinterpret_cast<LPARAM>(&heading));
+    return text;
+}
 
 std::wstring RowCell(const std::wstring& text) { return ToWide(HarmlessCell(ToUtf8(text))); }
 
@@ -212,11 +222,11 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {
             return CDRF_DODEFAULT;
     }
     if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
-    const auto level = row < model_.Count() ? model_.Level(row, column) : std::nullopt;
-    if (!level) return CDRF_DODEFAULT;
+    const auto bar = row < model_.Count() ? model_.Bar(row, column) : std::nullopt;
+    if (!bar) return CDRF_DODEFAULT;
     RECT cell = {};
     ListView_GetSubItemRect(list_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
-    DrawBar(draw, cell, *level, model_.CellText(row, column), dpi_);
+    DrawBar(draw, cell, *bar, model_.CellText(row, column), dpi_);
     return CDRF_SKIPDEFAULT;
 }
 
@@ -265,17 +275,6 @@ std::optional<LRESULT> HandleListMessage(UINT message, WPARAM wParam, LPARAM lPa
         }
     }
     return std::nullopt;
-}
-
-std::wstring HeadingOf(HWND list, int column) {
-    wchar_t text[80] = L"";
-    LVCOLUMNW heading = {};
-    heading.mask = LVCF_TEXT;
-    heading.pszText = text;
-    heading.cchTextMax = 80;
-    SendMessageW(list, LVM_GETCOLUMNW, static_cast<WPARAM>(column),
-                 reinterpret_cast<LPARAM>(&heading));
-    return text;
 }
 
 }  // namespace vndiscover::host

@@ -1,4 +1,4 @@
-// The lists of all windows: a model says what a list shows, and is asked only for what is seen.
+// The lists of all windows. A model provides what a list shows, as far as it is visible.
 #pragma once
 
 #include <windows.h>
@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "window/controls/level_bar.h"
 #include "window/controls/owners.h"
 
 namespace vndiscover::host {
@@ -19,8 +20,8 @@ class ListModel {
     virtual size_t Count() const = 0;
     // `column`: a number in the list, as in the other methods.
     virtual std::wstring CellText(size_t row, size_t column) const = 0;
-    // In percent, drawn as a bar before the text.
-    virtual std::optional<int> Level(size_t, size_t) const { return std::nullopt; }
+    // Drawn before the text.
+    virtual std::optional<LevelBar> Bar(size_t, size_t) const { return std::nullopt; }
     // The index of the row's image; -1: none.
     virtual int Image(size_t) const { return -1; }
     // Whether the row is grey: what it shows may no longer be so.
@@ -42,10 +43,8 @@ class ListControl {
     // The model must outlive the list.
     explicit ListControl(ListModel& model) : model_(model) {}
     ~ListControl();
-    ListControl(const ListControl&) = delete;
-    ListControl& operator=(const ListControl&) = delete;
-    // A child of `parent`, which destroys it. Its name is for screen readers. `extended`: styles
-    // beyond those that all lists have.
+    // Makes a child of `parent`, which destroys it. Screen readers read the name. `extended`:
+    // styles besides those of all lists.
     void Create(HWND parent, int id, const std::wstring& name, DWORD extended = 0);
     // Uses a list of a dialog.
     void Attach(HWND list);
@@ -67,9 +66,8 @@ class ListControl {
     int Selected() const { return ListView_GetNextItem(list_, -1, LVNI_SELECTED); }
     void Select(int row);
 
-    // Texts to copy: with tabs and line ends, columns as they are shown, and without formulas that
-    // a spreadsheet would run.
-    std::wstring RowText(size_t row) const;
+    // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
+    // that a spreadsheet would run.
     std::wstring TableText(bool hasHeadings) const;
     // Executes IDM_COPY_ROW, IDM_COPY_TABLE, IDM_COPY_CELL for the second column, or IDM_CELL +
     // column. Has no effect without a selected row.
@@ -81,8 +79,8 @@ class ListControl {
     LRESULT OnNotify(NMHDR* header);
     // Offers to copy, at the place of a WM_CONTEXTMENU.
     void ShowCopyMenu(LPARAM place);
-    // The cell of a WM_CONTEXTMENU, and where to open the menu; false if no row is there. By
-    // keyboard, the menu opens below the selected row, and the cell is in no column.
+    // The cell of a WM_CONTEXTMENU, and where to open the menu. Returns false if no row is there.
+    // By keyboard, the menu opens below the selected row, and there is no column.
     struct MenuPlace {
         POINT point;
         std::optional<size_t> column;
@@ -93,6 +91,7 @@ class ListControl {
     void FillCell(LVITEMW& item) const;
     LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
     std::wstring TextOf(int row, int column) const;
+    std::wstring RowText(size_t row) const;
     std::vector<int> ShownOrder() const;
 
     ListModel& model_;
@@ -102,11 +101,9 @@ class ListControl {
     bool isChanging_ = false;  // by a call
 };
 
-// Handles a message from one of the lists to the window that they are in. Empty: it is none.
+// Handles a message from a list to its window. Empty: the message is from no list.
 std::optional<LRESULT> HandleListMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
 constexpr LPARAM kByKeyboard = -1;  // the place of a WM_CONTEXTMENU
-
-std::wstring HeadingOf(HWND list, int column);
 
 }  // namespace vndiscover::host

@@ -11,6 +11,7 @@ namespace vndiscover::host {
 
 using OwnedFont = Owned<ClosedBy<HFONT, DeleteObject>>;
 using OwnedBitmap = Owned<ClosedBy<HBITMAP, DeleteObject>>;
+using OwnedBrush = Owned<ClosedBy<HBRUSH, DeleteObject>>;
 using OwnedMenu = Owned<ClosedBy<HMENU, DestroyMenu>>;
 using OwnedAccelerators = Owned<ClosedBy<HACCEL, DestroyAcceleratorTable>>;
 using OwnedImages = Owned<ClosedBy<HIMAGELIST, ImageList_Destroy>>;

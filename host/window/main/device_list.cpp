@@ -54,13 +54,18 @@ void DeviceList::ShowMenu(LPARAM place) {
 
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = session_.view.Row(row);
-    const bool isMarked = columns_.At(column) == Column::kState && changes_.IsMarked(shown);
-    return (isMarked ? L"\x25CF " : L"") + ShownText(shown, columns_.At(column));
+    const Column shownColumn = columns_.At(column);
+    const bool isChanged = shownColumn == Column::kState && changes_.IsMarked(shown);
+    const auto bar = Bar(row, column);
+    const std::string mark = bar ? SeverityMark(SeverityOf(bar->percent)) : "";
+    return (isChanged ? L"\x25CF " : L"") + (mark.empty() ? L"" : ToWide(mark) + L" ") +
+           ShownText(shown, shownColumn);
 }
 
-std::optional<int> DeviceList::Level(size_t row, size_t column) const {
-    if (InfoOf(columns_.At(column)).look != ColumnInfo::Look::kBar) return std::nullopt;
-    return session_.view.Row(row).lowestSupply;
+std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
+    const auto lowest = session_.view.Row(row).lowestSupply;
+    if (InfoOf(columns_.At(column)).look != ColumnInfo::Look::kBar || !lowest) return std::nullopt;
+    return LevelBar{*lowest};
 }
 
 void DeviceList::OnHeading(size_t column) {

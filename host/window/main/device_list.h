@@ -49,7 +49,7 @@ class DeviceList : private ListModel {
   private:
     size_t Count() const override { return session_.view.Count(); }
     std::wstring CellText(size_t row, size_t column) const override;
-    std::optional<int> Level(size_t row, size_t column) const override;
+    std::optional<LevelBar> Bar(size_t row, size_t column) const override;
     bool IsGrey(size_t row) const override {
         const Standing::Kind kind = session_.view.Row(row).standing.kind;
         return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;

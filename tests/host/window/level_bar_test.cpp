@@ -23,18 +23,24 @@ TEST(Bars, HaveTheColoursOfTheirRow) {
     const OwnedMemoryDc dc(CreateCompatibleDC(screen.Get()));
     const OwnedBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 100, 20));
     const Selection drawing(dc.Get(), bitmap.Get());
+    NMLVCUSTOMDRAW draw = {};
+    draw.nmcd.hdr.hwndFrom = list;
+    draw.nmcd.hdc = dc.Get();
     const auto background = [&](HWND focused, UINT state) {
         SetFocus(focused);
         ListView_SetItemState(list, 0, state, LVIS_SELECTED);
-        NMLVCUSTOMDRAW draw = {};
-        draw.nmcd.hdr.hwndFrom = list;
-        draw.nmcd.hdc = dc.Get();
-        DrawBar(draw, {0, 0, 100, 20}, 50, L"50 %", 96);
+        DrawBar(draw, {0, 0, 100, 20}, {50}, L"50 %", 96);
         return GetPixel(dc.Get(), 0, 0);
     };
     EXPECT_EQ(GetSysColor(COLOR_WINDOW), background(list, 0));
     EXPECT_EQ(GetSysColor(COLOR_HIGHLIGHT), background(list, LVIS_SELECTED));
     EXPECT_EQ(GetSysColor(COLOR_BTNFACE), background(other, LVIS_SELECTED));
+    // That of the supply ends in a line.
+    DrawBar(draw, {0, 0, 100, 20}, {50, RGB(0, 160, 216)}, L"50 %", 96);
+    const int end = 4 + 2 + 56 / 2;  // the inset, the frame, and half of the inside
+    EXPECT_EQ(RGB(0, 160, 216), GetPixel(dc.Get(), end - 2, 10));
+    EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end - 1, 10));
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), GetPixel(dc.Get(), end, 10));
     DestroyWindow(other);
     DestroyWindow(list);
 }

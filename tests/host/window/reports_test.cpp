@@ -4,7 +4,7 @@
 #include "model/scan/device_merge.h"
 #include "model/scan/scan_report.h"
 #include "scripted_window.h"
-#include "window/pages/page_window.h"
+#include "window/pages/report_window.h"
 
 namespace vndiscover::host {
 namespace {
@@ -71,7 +71,7 @@ TEST(Reports, AreTheSameOnAPageAndInTheConsole) {
         CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     for (const Report& report : {OfPrinter(), OfComputer(), OfDevice(), OfComparison()}) {
         const std::string console = WithoutSpaces(ReportText(report));
-        const HWND page = OpenPage(owner, L"", RowsOf(report));
+        const HWND page = OpenReport(owner, L"", RowsOf(report));
         const HWND list = GetDlgItem(page, IDC_DETAILS);
         std::string shown;
         for (int row = 0; row < ListView_GetItemCount(list); ++row)

@@ -35,14 +35,14 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
         "MAC address    (not given)\n"
         "Protocols      SNMPv1\n"
         "Up since       (0:00:05)\n"
-        "Errors         maintenance overdue\n"
-        "Alerts         critical: Door A (cover, jam)\n"
-        "               warning: jam, for 0:00:04\n"
+        "Errors         ! maintenance overdue\n"
+        "Alerts         !! critical: Door A (cover, jam)\n"
+        "               ! warning: jam, for 0:00:04\n"
         "Supplies       Black                     [####......]  40 % (400 of 1000)\n"
         "               ink cartridge                           some left,\n"
         "                 cyan ink cartridge\n"
         "               A waste toner container with a long name\n"
-        "                                         [..........]  empty, photoconductor\n"
+        "                                         [..........]  !! empty, photoconductor\n"
         "Trays          Tray 1  [##........]  24 % (120 of 500), A4\n"
         "Not read       trays: no answer (prtInputName, prtInputMediaName)\n"
         "               alerts, panel, location: not asked for\n",
@@ -71,6 +71,16 @@ TEST(PrinterReport, LeavesOutWhatWasNotAsked) {
         ReportText(ReportOf(facts, {"", "", false})));
 }
 
+TEST(PrinterReport, ListsInterfaces) {
+    PrinterFacts facts;
+    facts.interfaces = {{"eth0", "usb", "1 Gbit/s", "02:00:5E:10:00:01", "up", "down"},
+                        {"", "", "", "", "", "up"}};
+    EXPECT_EQ(
+        "Interfaces     eth0         down, 1 Gbit/s, 02:00:5E:10:00:01, usb, set to up\n"
+        "               Interface 2  up\n",
+        ReportText({InterfaceSection(facts)}));
+}
+
 TEST(ReportText, KeepsCommandsInOneLineAndCountsCharacters) {
     ReportSection section = {"Firewall", {}};
     section.Add("", "B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro");
@@ -80,7 +90,20 @@ TEST(ReportText, KeepsCommandsInOneLineAndCountsCharacters) {
         "Firewall       B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro\n"
         "                 B\xC3\xBCro\n"
         "                 netsh advfirewall firewall add rule\n",
-        ReportText({section}, 29));
+        ReportText({section}, {29}));
+}
+
+TEST(ReportText, ColoursMarksAndBarsAsIfTheyWerePlain) {
+    ReportSection section = {"Supplies", {}};
+    section.Add("Toner", "4 % (40 of 1000 impressions)", Severity::kAttention);
+    section.rows.back().percent = 25;
+    section.rows.back().colour = "light cyan";
+    section.Add("Drum", "empty", Severity::kCritical);
+    EXPECT_EQ(
+        "Supplies       Toner  [\x1b[36m###\x1b[0m.......]  \x1b[1;33m!\x1b[0m 4 %\n"
+        "                 (40 of 1000 impressions)\n"
+        "               Drum                 \x1b[1;31m!!\x1b[0m empty\n",
+        ReportText({section}, {60, true}));
 }
 
 TEST(ReportRows, TellTheTitlesOfTheirSections) {
