@@ -4,7 +4,6 @@
 #include <array>
 #include <tuple>
 
-#include "values/csv_cell.h"
 #include "values/ip_address.h"
 #include "values/plain_text.h"
 #include "values/text.h"
@@ -23,13 +22,8 @@ Cells CellsOf(const PrinterLine& printer) {
             summary.supply, printer.facts.name, printer.facts.model, Joined(printer.addresses)};
 }
 
-// Characters, not bytes.
-size_t WidthOf(const std::string& text) {
-    return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
-}
-
 std::string Cut(const std::string& text, size_t width) {
-    if (WidthOf(text) <= width) return text;
+    if (CharacterCount(text) <= width) return text;
     std::string cut;
     size_t left = width - 2;
     for (std::string_view rest = text; left > 0; --left) {
@@ -72,7 +66,8 @@ std::string PrintersText(const std::vector<PrinterLine>& printers, size_t width)
     for (const PrinterLine& printer : printers) rows.push_back(CellsOf(printer));
     std::array<size_t, kColumns> widths = {};
     for (const Cells& row : rows) {
-        for (size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], WidthOf(row[i]));
+        for (size_t i = 0; i < kColumns; ++i)
+            widths[i] = std::max(widths[i], CharacterCount(row[i]));
     }
     Shrink(widths, width);
     std::string text;

@@ -64,7 +64,7 @@ std::string VariableWriter::JsonRow(const Answer& answer) {
         AddText(element.get(), "error", Problem(answer));
     }
     array_.Add(element.get());
-    return array_.Take();
+    return array_.Flush();
 }
 
 }  // namespace vndiscover::host

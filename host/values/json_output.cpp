@@ -57,7 +57,7 @@ void JsonArray::Add(const cJSON* element) {
     isEmpty_ = false;
 }
 
-std::string JsonArray::Finish() { return Take() + (isEmpty_ ? "[]\n" : "\n]\n"); }
+std::string JsonArray::Finish() { return Flush() + (isEmpty_ ? "[]\n" : "\n]\n"); }
 
 JsonItem ParseDocument(std::string_view text) {
     return JsonItem(cJSON_ParseWithLength(text.data(), text.size()));

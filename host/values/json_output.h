@@ -23,18 +23,17 @@ void AddTexts(cJSON* object, const char* name, const std::vector<std::string>& t
 // Adds a number member with all its digits, which a double could not hold.
 void AddNumber(cJSON* object, const char* name, const std::string& decimal);
 
-// One line, in which bytes from outside are as they came. Empty if there is no item, or no memory.
+// One line; bytes from outside are unchanged. Empty if there is no item, or no memory.
 std::string PrintedJson(const cJSON* item);
 // One line, without control characters.
 std::string CompactJson(const cJSON* item);
 
-// One JSON array, one element per line, written while elements arrive: print what each call
-// returns.
+// One JSON array, one element per line, written while elements arrive.
 class JsonArray {
   public:
-    // Appends the element to the text that Take returns.
     void Add(const cJSON* element);
-    std::string Take() { return std::exchange(text_, {}); }
+    // The text that no call has returned yet.
+    std::string Flush() { return std::exchange(text_, {}); }
     // The rest of the text, with the closing bracket.
     std::string Finish();
 

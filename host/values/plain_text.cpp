@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 namespace vndiscover::host {
 namespace {
@@ -30,6 +31,16 @@ bool IsUtf8(std::string_view text) {
 std::string_view WithoutZeroEnd(std::string_view bytes) {
     while (!bytes.empty() && bytes.back() == '\0') bytes.remove_suffix(1);
     return bytes;
+}
+
+bool StartsFormula(std::string_view text) {
+    // The last four are the full-width forms of the first four.
+    constexpr std::string_view kStarts[] = {
+        "=",           "+", "-", "@", "\t", "\r", "\xEF\xBC\x9D", "\xEF\xBC\x8B", "\xEF\xBC\x8D",
+        "\xEF\xBC\xA0"};
+    return std::any_of(std::begin(kStarts), std::end(kStarts), [&](std::string_view start) {
+        return text.substr(0, start.size()) == start;
+    });
 }
 
 }  // namespace
@@ -98,6 +109,24 @@ std::string SpacedWords(std::string_view word) {
         out += startsWord && !isAbbreviation ? static_cast<char>(word[i] | 0x20) : word[i];
     }
     return out;
+}
+
+std::string CsvCell(std::string_view text) {
+    std::string cell = "\"";
+    bool isStart = true;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (isStart && StartsFormula(text.substr(at))) cell += '\'';
+        // With the list separator of many languages, spreadsheets begin a new cell after a
+        // semicolon, even between quotes that do not begin a cell.
+        isStart = text[at] == ';';
+        if (text[at] == '"') cell += '"';
+        cell += text[at];
+    }
+    return cell + "\"";
+}
+
+std::string HarmlessCell(std::string_view text) {
+    return (StartsFormula(text) ? "'" : "") + std::string(text);
 }
 
 }  // namespace vndiscover::host

@@ -1,5 +1,6 @@
-// Makes text from the network safe for a terminal and for UTF-8 documents. Devices may send text in
-// an old code page, binary values, or escape sequences meant to change what the user sees.
+// Makes text from the network safe for terminals, UTF-8 documents and spreadsheets. Devices may
+// send text in an old code page, binary values, or escape sequences meant to change what the user
+// sees.
 #pragma once
 
 #include <cstdint>
@@ -30,6 +31,13 @@ bool IsPrintable(std::string_view bytes);
 
 // One line for a person: PlainText if the value is printable, otherwise "0x...".
 std::string ShownValue(std::string_view bytes);
+
+// A cell of a CSV document: in quotes, with quotes doubled as in RFC 4180. An apostrophe is put
+// before text that a spreadsheet would run as a formula.
+std::string CsvCell(std::string_view text);
+
+// A cell of copied rows, where tabs separate cells: only the apostrophe.
+std::string HarmlessCell(std::string_view text);
 
 // "tenthsOfGrams" as "tenths of grams", "doorOpen" as "door open".
 std::string SpacedWords(std::string_view word);

@@ -70,4 +70,4 @@ class Doctor(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    main(AGENT_CONF, in_turn=["a_missing_route_are_reported", "the_order_of_a_sweep"])
+    main(AGENT_CONF, in_turn=["route_is_reported", "the_order_of_a_sweep"])

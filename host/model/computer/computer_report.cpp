@@ -1,7 +1,7 @@
 #include "model/computer/computer_report.h"
 
 #include <algorithm>
-#include <string_view>
+#include <utility>
 
 #include "values/ip_address.h"
 #include "values/plain_text.h"
@@ -15,33 +15,26 @@ constexpr size_t kMaxIPv6Addresses = 32;
 constexpr char kBroadcast[] = "255.255.255.255";
 constexpr char kMulticast[] = "239.255.255.250";  // of WS-Discovery
 
-struct KindWord {
-    const char* word;
-    const char* kind;
-};
 // VPN clients and hypervisors report their adapters as Ethernet, so names are checked before types.
-constexpr KindWord kKindWords[] = {
+constexpr std::pair<const char*, const char*> kKindWords[] = {
     {"vpn", "VPN"},         {"tap-windows", "VPN"},    {"wintun", "VPN"},
     {"wireguard", "VPN"},   {"anyconnect", "VPN"},     {"wan miniport", "VPN"},
     {"virtual", "virtual"}, {"vethernet", "virtual"},  {"hyper-v", "virtual"},
     {"vmware", "virtual"},  {"virtualbox", "virtual"}, {"loopback", "loopback"}};
 
-struct KindNumber {
-    uint32_t type;  // IANA's ifType
-    const char* kind;
-};
-constexpr KindNumber kKindNumbers[] = {{6, "Ethernet"}, {23, "VPN"},      {24, "loopback"},
-                                       {53, "virtual"}, {71, "wireless"}, {131, "tunnel"},
-                                       {243, "mobile"}, {244, "mobile"}};
+// IANA's ifType.
+constexpr std::pair<uint32_t, const char*> kKindNumbers[] = {
+    {6, "Ethernet"},  {23, "VPN"},     {24, "loopback"}, {53, "virtual"},
+    {71, "wireless"}, {131, "tunnel"}, {243, "mobile"},  {244, "mobile"}};
 
 std::string KindOf(const AdapterAddress& row) {
     const std::string names = Lower(row.adapter + "\n" + row.description);
-    for (const KindWord& known : kKindWords) {
-        if (names.find(known.word) != std::string::npos) return known.kind;
+    for (const auto& [word, kind] : kKindWords) {
+        if (names.find(word) != std::string::npos) return kind;
     }
     if (row.interfaceType == 0) return "";
-    for (const KindNumber& known : kKindNumbers) {
-        if (known.type == row.interfaceType) return known.kind;
+    for (const auto& [type, kind] : kKindNumbers) {
+        if (type == row.interfaceType) return kind;
     }
     return "other";
 }
@@ -69,23 +62,14 @@ SweepRow RowOf(const AdapterAddress& address, bool isSwept) {
             isSwept ? kSilenceSeconds : 0};
 }
 
-SweepPlan PlanIPv4(const AdapterList& list) {
-    SweepPlan plan;
-    plan.adapters = list.adapters;
-    for (const AdapterAddress& address : list.addresses) {
-        plan.rows.push_back(RowOf(address, list.fits));
-        plan.seconds += plan.rows.back().seconds;
-    }
-    return plan;
-}
-
-// Only of adapters that are up, and no more than the module has room for.
-SweepPlan PlanIPv6(const AdapterList& list) {
+// IPv6: only of adapters that are up, and no more than the module has room for.
+SweepPlan PlanOf(const AdapterList& list, bool isIPv6) {
     SweepPlan plan;
     plan.adapters = list.adapters;
     for (const AdapterAddress& address : list.addresses) {
         const bool hasRoom = plan.seconds < kMaxIPv6Addresses * kSilenceSeconds;
-        plan.rows.push_back(RowOf(address, hasRoom && address.isUp == true));
+        const bool isSwept = isIPv6 ? hasRoom && address.isUp == true : list.fits;
+        plan.rows.push_back(RowOf(address, isSwept));
         plan.seconds += plan.rows.back().seconds;
     }
     return plan;
@@ -148,8 +132,8 @@ void AddIf(std::vector<std::string>& sentences, const std::string& sentence) {
 ComputerReport ReportOn(const Computer& computer) {
     ComputerReport report;
     const AdapterList ipv4 = computer.IPv4();
-    report.ipv4 = PlanIPv4(ipv4);
-    report.ipv6 = PlanIPv6(computer.IPv6());
+    report.ipv4 = PlanOf(ipv4, false);
+    report.ipv6 = PlanOf(computer.IPv6(), true);
     AddIf(report.causes, IPv4Cause(ipv4, report.ipv4));
     if (report.ipv6.seconds == 0) {
         report.notes.push_back(
@@ -161,7 +145,7 @@ ComputerReport ReportOn(const Computer& computer) {
         report.causes.push_back("no route for the broadcast: requests may not be sent");
     if (report.routes[1].source.empty())
         report.causes.push_back("no route for the multicast: WS-Discovery Probes may not be sent");
-    report.firewall = JudgeFirewall(computer.Firewall(), computer.ProgramPath());
+    report.firewall = ReportOn(computer.Firewall(), computer.ProgramPath());
     AddFirewall(report);
     report.log = computer.Log();
     AddLog(report);

@@ -11,14 +11,8 @@ std::string Seconds(unsigned seconds) { return std::to_string(seconds) + " s"; }
 
 // "eth0: Ethernet, up"
 std::string AdapterText(const SweepRow& row) {
-    std::string text = row.adapter;
-    const char* separator = ": ";
-    for (const std::string& word : {row.kind, row.state}) {
-        if (word.empty()) continue;
-        text += separator + word;
-        separator = ", ";
-    }
-    return text;
+    const std::string words = Joined({row.kind, row.state});
+    return words.empty() ? row.adapter : row.adapter + ": " + words;
 }
 
 ReportSection PlanSection(const char* title, const SweepPlan& plan) {
@@ -62,8 +56,8 @@ ReportSection FirewallSection(const FirewallReport& report) {
 
 std::string LogText(const LogSwitches& log) {
     if (!log.file && !log.debugger) return "off";
-    return std::string(log.file ? "to VxAdmSvc.log" : "") +
-           (log.file && log.debugger ? " and " : "") + (log.debugger ? "to the debugger" : "");
+    return Joined({log.file ? "to VxAdmSvc.log" : "", log.debugger ? "to the debugger" : ""},
+                  " and ");
 }
 
 void AddStep(ReportSection& section, const char* label, const StepResult& step) {
@@ -80,19 +74,8 @@ const char* PassageText(Passage passage) {
 }
 
 const char* OutcomeText(Outcome outcome) {
-    switch (outcome) {
-        case Outcome::kNotAsked:
-            return "not asked";
-        case Outcome::kAnswered:
-            return "answered";
-        case Outcome::kSilent:
-            return "no answer";
-        case Outcome::kRefused:
-            return "refused";
-        case Outcome::kNotSent:
-            break;
-    }
-    return "not sent";
+    constexpr const char* kTexts[] = {"not asked", "answered", "no answer", "refused", "not sent"};
+    return kTexts[static_cast<size_t>(outcome)];
 }
 
 std::string StepText(const StepResult& step) {
@@ -126,7 +109,9 @@ Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<boo
         return {section};
     }
     section.Add("Verdict", VerdictOn(*diagnosis),
-                IsUsable(*diagnosis) ? Severity::kFine : Severity::kCritical);
+                IsUsable(*diagnosis)   ? Severity::kFine
+                : diagnosis->isStopped ? Severity::kUnknown
+                                       : Severity::kCritical);
     if (isOnOwnNetwork == false) {
         section.Add("Note",
                     "the device is on none of this computer's networks: sweeps do not reach it, "

@@ -41,7 +41,7 @@ const FirewallRule* FindRule(const FirewallState& state, uint32_t profileBit, un
 }
 
 // As the firewall decides: a rule that blocks takes precedence over one that allows.
-PortVerdict Judge(const FirewallState& state, const FirewallProfile& profile, unsigned port) {
+PortVerdict VerdictOn(const FirewallState& state, const FirewallProfile& profile, unsigned port) {
     const auto verdict = [&](Passage passage, std::string reason) {
         return PortVerdict{NameOf(profile.bit), port, passage, std::move(reason)};
     };
@@ -59,63 +59,47 @@ PortVerdict Judge(const FirewallState& state, const FirewallProfile& profile, un
     return verdict(Passage::kClosed, "no rule lets them in");
 }
 
-class Commands {
-  public:
-    Commands(const FirewallState& state, std::string programPath)
-        : state_(state), path_(std::move(programPath)) {}
+void AddOnce(std::vector<std::string>& texts, const std::string& text) {
+    if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
+}
 
-    void Learn(const FirewallProfile& profile, const PortVerdict& verdict) {
-        if (verdict.passage == Passage::kOpen) return;
-        const std::string name = NameOf(profile.bit);
-        if (profile.blocksAll) {
-            AddOnce("netsh advfirewall set " + name + "profile firewallpolicy blockinbound," +
-                    (profile.allowsOutbound ? "allowoutbound" : "blockoutbound"));
-        } else if (const auto* rule = FindRule(state_, profile.bit, verdict.port, false)) {
-            // A rule for all programs is the administrator's choice and may protect others.
-            if (!rule->isForThisProgram) return;
-            AddOnce("netsh advfirewall firewall delete rule name=all dir=in program=\"" + path_ +
-                    "\"");
-        }
-        if (profiles_.find(name) == std::string::npos)
-            profiles_ += (profiles_.empty() ? "" : ",") + name;
+// Adds the command that removes what blocks a port, if anything does. Returns false if a rule for
+// all programs does: it is the administrator's choice and may protect others.
+bool AddUnblocking(std::vector<std::string>& commands, const FirewallState& state,
+                   const FirewallProfile& profile, unsigned port, const std::string& path) {
+    if (profile.blocksAll) {
+        AddOnce(commands, std::string("netsh advfirewall set ") + NameOf(profile.bit) +
+                              "profile firewallpolicy blockinbound," +
+                              (profile.allowsOutbound ? "allowoutbound" : "blockoutbound"));
+    } else if (const FirewallRule* rule = FindRule(state, profile.bit, port, false)) {
+        if (!rule->isForThisProgram) return false;
+        AddOnce(commands,
+                "netsh advfirewall firewall delete rule name=all dir=in program=\"" + path + "\"");
     }
-
-    std::vector<std::string> Take() {
-        if (!profiles_.empty()) {
-            AddOnce(
-                "netsh advfirewall firewall add rule name=\"VnDiscover\" dir=in action=allow "
-                "program=\"" +
-                path_ + "\" protocol=udp remoteport=161,3702 profile=" + profiles_);
-        }
-        return std::move(commands_);
-    }
-    void ForProfiles(const char* profiles) { profiles_ = profiles; }
-
-  private:
-    void AddOnce(const std::string& command) {
-        if (std::find(commands_.begin(), commands_.end(), command) == commands_.end())
-            commands_.push_back(command);
-    }
-
-    const FirewallState& state_;
-    std::string path_, profiles_;
-    std::vector<std::string> commands_;
-};
+    return true;
+}
 
 }  // namespace
 
-FirewallReport JudgeFirewall(const FirewallState& state, const std::string& programPath) {
+FirewallReport ReportOn(const FirewallState& state, const std::string& programPath) {
     FirewallReport report;
     report.isKnown = state.isKnown;
-    Commands commands(state, programPath);
-    if (!state.isKnown) commands.ForProfiles("domain,private");
+    std::vector<std::string> profiles;
+    if (!state.isKnown) profiles = {"domain", "private"};
     for (const FirewallProfile& profile : state.active) {
         for (const unsigned port : kPorts) {
-            report.ports.push_back(Judge(state, profile, port));
-            commands.Learn(profile, report.ports.back());
+            report.ports.push_back(VerdictOn(state, profile, port));
+            if (report.ports.back().passage != Passage::kOpen &&
+                AddUnblocking(report.commands, state, profile, port, programPath))
+                AddOnce(profiles, NameOf(profile.bit));
         }
     }
-    report.commands = commands.Take();
+    if (!profiles.empty()) {
+        report.commands.push_back(
+            "netsh advfirewall firewall add rule name=\"VnDiscover\" dir=in action=allow "
+            "program=\"" +
+            programPath + "\" protocol=udp remoteport=161,3702 profile=" + Joined(profiles, ","));
+    }
     return report;
 }
 

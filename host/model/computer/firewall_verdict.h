@@ -28,6 +28,6 @@ struct FirewallReport {
     std::vector<std::string> commands;
 };
 
-FirewallReport JudgeFirewall(const FirewallState& state, const std::string& programPath);
+FirewallReport ReportOn(const FirewallState& state, const std::string& programPath);
 
 }  // namespace vndiscover::host

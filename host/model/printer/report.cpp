@@ -1,12 +1,11 @@
 #include "model/printer/report.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <ctime>
 #include <tuple>
 #include <utility>
 
 #include "values/plain_text.h"
+#include "values/utc_time.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -18,27 +17,6 @@ constexpr int kLowPercent = 10;
 std::string Duration(uint64_t ticks) {
     const std::string text = TickText(ticks);
     return text.substr(0, text.size() - 3);
-}
-
-// Since 1970-01-01. Years begin in March here, so that a leap day is the last one.
-int64_t DaysUntil(int year, int month, int day) {
-    if (month < 3) --year;
-    const int64_t days = 365LL * year + year / 4 - year / 100 + year / 400;
-    return days + (153 * ((month + 9) % 12) + 2) / 5 + day - 1 - 719468;
-}
-
-// The local time, to the minute, that was this many seconds before a time such as
-// "2026-11-25T04:32:23Z": "2026-11-25 05:31". Empty if `utc` is no such time.
-std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    if (std::sscanf(utc.c_str(), "%4d-%2d-%2dT%2d:%2d:%2dZ", &year, &month, &day, &hour, &minute,
-                    &second) != 6)
-        return "";
-    const int64_t at = ((DaysUntil(year, month, day) * 24 + hour) * 60 + minute) * 60 + second;
-    const auto start = static_cast<std::time_t>(at - static_cast<int64_t>(seconds));
-    const std::tm* local = std::localtime(&start);
-    char text[32];
-    return local && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) != 0 ? text : "";
 }
 
 void AddLevel(ReportSection& section, std::string name, const Level& level,
@@ -217,7 +195,7 @@ std::string AlertText(const Alert& alert) {
 bool ReportRow::operator==(const ReportRow& other) const {
     const auto all = [](const ReportRow& row) {
         return std::tie(row.label, row.text, row.percent, row.severity, row.colour, row.detail,
-                        row.mark, row.isCommand);
+                        row.repeatsLabel, row.isCommand);
     };
     return all(*this) == all(other);
 }

@@ -18,18 +18,15 @@ Severity ErrorSeverity(const PrinterFacts& facts);
 Severity SeverityOf(int percent);
 Severity SeverityOf(const Level& level);
 
-// What a comparison says of a device.
-enum class Mark { kNone, kNew, kGone, kChanged };
-
 // All text is plain.
 struct ReportRow {
     std::string label, text;
     std::optional<int> percent;  // of a supply, or in a tray: 0 to 100
     Severity severity = Severity::kFine;
-    std::string colour;  // of a supply, in the device's words: "black"; empty: none
-    std::string detail;  // for those who look closer: the objects of a reason
-    Mark mark = Mark::kNone;
-    bool isCommand = false;  // for a shell: must stay in one line
+    std::string colour;         // of a supply, in the device's words: "black"; empty: none
+    std::string detail;         // for those who look closer: the objects of a reason
+    bool repeatsLabel = false;  // after a row with the same label, too
+    bool isCommand = false;     // for a shell: must stay in one line
 
     bool operator==(const ReportRow& other) const;
 };

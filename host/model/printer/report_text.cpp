@@ -26,7 +26,7 @@ class Writer {
         }
         nameWidth = std::min(nameWidth, kMaxNameWidth + 2);
         for (const ReportRow& row : section.rows) {
-            Begin(hasNames ? section.title : row.label, row.mark);
+            Begin(hasNames ? section.title : row.label, row.repeatsLabel);
             if (hasNames && !row.label.empty()) AddName(row.label, nameWidth);
             if (hasBars) AddBar(row);
             if (row.isCommand) {
@@ -40,10 +40,8 @@ class Writer {
     const std::string& Text() const { return text_; }
 
   private:
-    // A label is written once for rows that follow each other, but for each device that is new.
-    void Begin(const std::string& label, Mark mark) {
-        const bool isNew = label != lastLabel_ || mark != Mark::kNone;
-        line_ = Padded(isNew ? label : "", kLeftWidth);
+    void Begin(const std::string& label, bool repeatsLabel) {
+        line_ = Padded(label != lastLabel_ || repeatsLabel ? label : "", kLeftWidth);
         lastLabel_ = label;
     }
 

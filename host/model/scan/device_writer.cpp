@@ -3,7 +3,6 @@
 #include <cjson/cJSON.h>
 
 #include "model/asking/json_request.h"
-#include "values/csv_cell.h"
 #include "values/plain_text.h"
 #include "values/text.h"
 #include "values/value_text.h"
@@ -67,7 +66,7 @@ JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view v
 std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
     if (format_ == Format::kJson) {
         array_.Add(DeviceItem(kind_, address, value).get());
-        return array_.Take();
+        return array_.Flush();
     }
     if (format_ == Format::kCsv)
         return CsvCell(PlainText(address)) + "," + CsvCell(OneLine(value)) + "\n";

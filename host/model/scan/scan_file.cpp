@@ -120,7 +120,7 @@ bool IsAddress(const std::string& text) {
 }
 
 // Throws a Refusal.
-class Reader {
+class ScanReader {
   public:
     Scan Read(const cJSON* root) {
         if (Text(root, "format") != kFormat) throw Refusal{root, "not a scan"};
@@ -291,7 +291,7 @@ std::string Elements(const Rows& rows, ToJson toJson) {
     std::string text;
     for (const auto& row : rows) {
         array.Add(toJson(row).get());
-        text += array.Take();
+        text += array.Flush();
     }
     text += array.Finish();
     text.pop_back();  // the line goes on
@@ -389,7 +389,7 @@ std::optional<Scan> ReadScan(const std::string& text, std::string& problem) {
         return refuse(static_cast<size_t>(line), "not JSON");
     }
     try {
-        return Reader().Read(root.get());
+        return ScanReader().Read(root.get());
     } catch (const Refusal& refusal) {
         size_t count = 0;
         CountValuesBefore(refusal.at, root.get(), count);

@@ -9,9 +9,9 @@
 namespace vndiscover::host {
 namespace {
 
-void AddDevice(ReportSection& section, const char* label, const FoundDevice& device, Mark mark) {
+void AddDevice(ReportSection& section, const char* label, const FoundDevice& device) {
     section.Add(label, DeviceLine(device));
-    if (!section.rows.empty()) section.rows.back().mark = mark;
+    section.rows.back().repeatsLabel = true;
 }
 
 }  // namespace
@@ -82,14 +82,11 @@ std::string CountsOf(const Comparison& comparison) {
 Report ReportOf(const Comparison& comparison) {
     ReportSection section;
     section.Add("compared", CountsOf(comparison));
-    for (const size_t index : comparison.added)
-        AddDevice(section, "new", comparison.after[index], Mark::kNew);
-    for (const size_t index : comparison.gone)
-        AddDevice(section, "gone", comparison.before[index], Mark::kGone);
+    for (const size_t index : comparison.added) AddDevice(section, "new", comparison.after[index]);
+    for (const size_t index : comparison.gone) AddDevice(section, "gone", comparison.before[index]);
     for (const DeviceChange& change : comparison.changed) {
-        const bool hasPrinted = change.HasOnlyPageCounts();
-        AddDevice(section, hasPrinted ? "printed" : "changed", comparison.after[change.after],
-                  hasPrinted ? Mark::kNone : Mark::kChanged);
+        AddDevice(section, change.HasOnlyPageCounts() ? "printed" : "changed",
+                  comparison.after[change.after]);
         for (const FieldChange& field : change.fields) {
             section.Add(
                 "", field.field + ": " + PlainText(field.before) + " -> " + PlainText(field.after));

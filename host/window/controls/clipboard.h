@@ -7,8 +7,7 @@
 
 namespace vndiscover::host {
 
-// Reports to the window that owns all others, after each copying, whether it succeeded: wParam, a
-// BOOL.
+// Sent to the window that owns all others after each copy. wParam is a BOOL: it succeeded.
 constexpr UINT kCopied = WM_APP + 2;
 
 // Returns false if it fails, for example while another program uses the clipboard.

@@ -24,11 +24,8 @@ class FactsList : private ListModel {
     size_t Count() const override { return rows_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
     std::optional<LevelBar> Bar(size_t row, size_t column) const override;
-    int Image(size_t row) const override { return static_cast<int>(rows_[row].mark) - 1; }
-    void SetRowImages();
 
     ListControl list_{*this};
-    int dpi_ = 96;
     std::vector<ReportRow> rows_;
 };
 

@@ -74,11 +74,8 @@ ListControl* ListControl::Of(HWND window) {
 }
 
 void ListControl::SetDpi(int dpi) {
-    dpi_ = dpi;
-    SetImages(OwnedImages(ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0)));
-}
-
-void ListControl::SetImages(OwnedImages images) {
+    if (std::exchange(dpi_, dpi) == dpi && images_) return;
+    OwnedImages images(ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0));
     ListView_SetImageList(list_, images.Get(), LVSIL_SMALL);
     images_ = std::move(images);
 }
@@ -205,8 +202,7 @@ LRESULT ListControl::OnNotify(NMHDR* header) {
 void ListControl::FillCell(LVITEMW& item) const {
     if (item.mask & LVIF_TEXT)
         lstrcpynW(item.pszText, TextOf(item.iItem, item.iSubItem).c_str(), item.cchTextMax);
-    const auto row = static_cast<size_t>(item.iItem);
-    if ((item.mask & LVIF_IMAGE) && row < model_.Count()) item.iImage = model_.Image(row);
+    if (item.mask & LVIF_IMAGE) item.iImage = -1;
 }
 
 LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {

@@ -22,8 +22,6 @@ class ListModel {
     virtual std::wstring CellText(size_t row, size_t column) const = 0;
     // Drawn before the text.
     virtual std::optional<LevelBar> Bar(size_t, size_t) const { return std::nullopt; }
-    // The index of the row's image; -1: none.
-    virtual int Image(size_t) const { return -1; }
     // Whether the row is grey: what it shows may no longer be so.
     virtual bool IsGrey(size_t) const { return false; }
     // The string to show instead of rows if there are none; 0: nothing.
@@ -54,7 +52,6 @@ class ListControl {
 
     // Sets the height of rows: high enough for bars, and all lists alike.
     void SetDpi(int dpi);
-    void SetImages(OwnedImages images);
     void SetColumns(const std::vector<ListColumn>& columns);
     // Gives the last column the rest of the width, but `minimum` pixels at least.
     void FitLast(int minimum);
@@ -97,7 +94,7 @@ class ListControl {
     ListModel& model_;
     HWND list_ = nullptr;
     int dpi_ = 96;
-    OwnedImages images_;
+    OwnedImages images_;       // none: their size is that of a row
     bool isChanging_ = false;  // by a call
 };
 

@@ -19,34 +19,32 @@ HWND CreateControl(HWND parent, const wchar_t* type, unsigned text, DWORD style,
                    DWORD extended = 0);
 
 std::wstring WindowText(HWND window);
-// Sets a text that is not shown already: no flicker, and an edit control keeps its place.
+// Sets a text unless it is shown already, which would flicker and move the caret of an edit
+// control.
 void ChangeText(HWND window, const std::wstring& text);
 
 // Shows a user a problem in a message, or a script on the error output.
 void ShowProblem(HWND owner, const std::wstring& problem, bool isScript);
-// The same for the exception that is being handled. One at a time: a window that cannot be drawn
-// fails again while the message is shown.
+// Shows the exception that is being handled. Shows one at a time, since a window that cannot be
+// drawn fails again under the message.
 void ShowException(HWND owner, bool isScript) noexcept;
 
-// A dialog that leaves its owner enabled, with a list in it, of which it is the model.
+// A dialog that leaves its owner enabled. It contains a list and is the model of it.
 class ListDialog : protected ListModel {
   public:
     ~ListDialog() override;
-    ListDialog(const ListDialog&) = delete;
-    ListDialog& operator=(const ListDialog&) = delete;
 
     std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
     void OnException() noexcept { ShowException(dialog_, false); }
 
   protected:
-    ListDialog() = default;
     // Opens it from its resource, or brings it to the front.
     void OpenDialog(HWND owner, int resource);
     bool IsOpen() const { return dialog_ != nullptr; }
     void Close() { DestroyWindow(dialog_); }
     HWND Item(int id) const { return GetDlgItem(dialog_, id); }
     void SetItem(int id, const std::wstring& text) const { ChangeText(Item(id), text); }
-    // Begins it with its title, also of the list, and the list's columns.
+    // Sets the title of the dialog and of its list, and the columns.
     void BeginDialog(const std::wstring& title, int list, const std::vector<ListColumn>& columns);
 
     virtual void Begin() = 0;

@@ -26,36 +26,6 @@ constexpr const wchar_t* kAuthLabels[] = {VN_AUTH_MD5,    VN_AUTH_SHA1,   VN_AUT
                                           VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
 constexpr const wchar_t* kPrivLabels[] = {VN_PRIV_DES, VN_PRIV_AES};
 
-std::wstring FieldText(HWND dialog, int id) { return WindowText(GetDlgItem(dialog, id)); }
-
-// Fills in "none" and the labels; selects `chosen`, or "none".
-template <size_t N>
-void Fill(HWND dialog, int id, const wchar_t* const (&labels)[N], const std::wstring& chosen) {
-    const auto add = [&](const wchar_t* text) {
-        SendDlgItemMessageW(dialog, id, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
-    };
-    SendDlgItemMessageW(dialog, id, CB_RESETCONTENT, 0, 0);
-    add(Text(IDS_NO_PROTOCOL).c_str());
-    size_t index = 0;
-    for (size_t label = 0; label < N; ++label) {
-        add(labels[label]);
-        if (lstrcmpiW(chosen.c_str(), labels[label]) == 0) index = label + 1;
-    }
-    SendDlgItemMessageW(dialog, id, CB_SETCURSEL, index, 0);
-}
-
-template <size_t N>
-std::wstring Chosen(HWND dialog, int id, const wchar_t* const (&labels)[N]) {
-    const LRESULT index = SendDlgItemMessageW(dialog, id, CB_GETCURSEL, 0, 0);
-    return index > 0 ? labels[index - 1] : L"";
-}
-
-Secret PasswordOf(HWND dialog, int id, const Secret* known) {
-    std::wstring typed = FieldText(dialog, id);
-    if (typed.empty() && known) return Secret(known->Get());
-    return Secret(std::move(typed));
-}
-
 constexpr WPARAM kMaxCommunities = 2000;
 
 class SnmpDialog {
@@ -74,22 +44,56 @@ class SnmpDialog {
     void OnException() noexcept { ShowException(dialog_, false); }
 
   private:
+    LRESULT Send(int id, UINT message, WPARAM wParam = 0, const wchar_t* text = nullptr) const {
+        return SendDlgItemMessageW(dialog_, id, message, wParam, reinterpret_cast<LPARAM>(text));
+    }
+    std::wstring FieldText(int id) const { return WindowText(GetDlgItem(dialog_, id)); }
+    void SetField(int id, const std::wstring& text) const {
+        SetDlgItemTextW(dialog_, id, text.c_str());
+    }
+
+    // Fills in "none" and the labels; selects `chosen`, or "none".
+    template <size_t N>
+    void Fill(int id, const wchar_t* const (&labels)[N], const std::wstring& chosen) const {
+        Send(id, CB_RESETCONTENT);
+        Send(id, CB_ADDSTRING, 0, Text(IDS_NO_PROTOCOL).c_str());
+        size_t index = 0;
+        for (size_t label = 0; label < N; ++label) {
+            Send(id, CB_ADDSTRING, 0, labels[label]);
+            if (lstrcmpiW(chosen.c_str(), labels[label]) == 0) index = label + 1;
+        }
+        Send(id, CB_SETCURSEL, index);
+    }
+
+    template <size_t N>
+    std::wstring Chosen(int id, const wchar_t* const (&labels)[N]) const {
+        const LRESULT index = Send(id, CB_GETCURSEL);
+        return index > 0 ? labels[index - 1] : L"";
+    }
+
+    // The known password unless another one is typed.
+    Secret PasswordOf(int id, const Secret* known) const {
+        std::wstring typed = FieldText(id);
+        if (typed.empty() && known) return Secret(known->Get());
+        return Secret(std::move(typed));
+    }
+
     void Begin(HWND dialog) {
         dialog_ = dialog;
         ChangeTexts(dialog);
         // Not the passwords, which the module takes in any length.
-        SendDlgItemMessageW(dialog, IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities, 0);
-        SendDlgItemMessageW(dialog, IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX, 0);
-        SendDlgItemMessageW(dialog, IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName, 0);
+        Send(IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities);
+        Send(IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX);
+        Send(IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName);
         std::vector<std::string> communities = credentials_.communities;
         for (std::string& one : communities) one = one.empty() ? VN_DEFAULT_COMMUNITY : one;
-        SetDlgItemTextW(dialog, IDC_COMMUNITY, ToWide(Joined(communities)).c_str());
+        SetField(IDC_COMMUNITY, ToWide(Joined(communities)));
         ListProfiles();
         if (known_) {
             const auto profile = ReadProfile(credentials_.profile);
             isClosed_ = profile && !profile->isOpen;
             loaded_ = profile ? credentials_.profile : L"";
-            SetDlgItemTextW(dialog, IDC_PROFILE, loaded_.c_str());
+            SetField(IDC_PROFILE, loaded_);
             Show(*known_, true);
         } else if (!Load(LastProfile())) {
             Show({}, false);
@@ -98,12 +102,8 @@ class SnmpDialog {
 
     bool OnCommand(int id, int code) {
         if (id == IDC_PROFILE && code == CBN_SELCHANGE) {
-            const LRESULT index = SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_GETCURSEL, 0, 0);
-            wchar_t name[kMaxProfileName + 1] = L"";
-            if (index >= 0 && static_cast<size_t>(index) < names_.size()) {
-                lstrcpynW(name, names_[static_cast<size_t>(index)].c_str(), kMaxProfileName + 1);
-                if (!Load(name)) ShowBroken(name);
-            }
+            const auto index = static_cast<size_t>(Send(IDC_PROFILE, CB_GETCURSEL));
+            if (index < names_.size() && !Load(names_[index])) ShowBroken(names_[index]);
         } else if (id == IDC_PROFILE_DELETE) {
             Delete();
         } else if (id == IDCANCEL) {
@@ -120,14 +120,12 @@ class SnmpDialog {
         return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
     }
 
-    std::wstring ProfileName() const { return FieldText(dialog_, IDC_PROFILE); }
+    std::wstring ProfileName() const { return FieldText(IDC_PROFILE); }
 
     void ListProfiles() {
         names_ = ProfileNames();
-        SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_RESETCONTENT, 0, 0);
-        for (const std::wstring& name : names_)
-            SendDlgItemMessageW(dialog_, IDC_PROFILE, CB_ADDSTRING, 0,
-                                reinterpret_cast<LPARAM>(name.c_str()));
+        Send(IDC_PROFILE, CB_RESETCONTENT);
+        for (const std::wstring& name : names_) Send(IDC_PROFILE, CB_ADDSTRING, 0, name.c_str());
     }
 
     // Returns false if there is no such profile; the fields are then unchanged.
@@ -140,7 +138,7 @@ class SnmpDialog {
         // Passwords typed for a profile that cannot be opened remain valid for it.
         const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
         if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
-        SetDlgItemTextW(dialog_, IDC_PROFILE, name.c_str());
+        SetField(IDC_PROFILE, name);
         return true;
     }
 
@@ -159,20 +157,17 @@ class SnmpDialog {
     }
 
     void Show(const Security& user, bool hasPasswords) const {
-        SetDlgItemTextW(dialog_, IDC_USER, user.user.c_str());
-        Fill(dialog_, IDC_AUTH, kAuthLabels, user.authLabel);
-        Fill(dialog_, IDC_PRIV, kPrivLabels, user.privLabel);
+        SetField(IDC_USER, user.user);
+        Fill(IDC_AUTH, kAuthLabels, user.authLabel);
+        Fill(IDC_PRIV, kPrivLabels, user.privLabel);
         const std::wstring hint = Text(IDS_SNMP_KNOWN);
         for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.useAuth),
                                           std::pair(IDC_PRIV_PASSWORD, user.usePriv)}) {
-            SetDlgItemTextW(dialog_, id, L"");
-            SendDlgItemMessageW(
-                dialog_, id, EM_SETCUEBANNER, TRUE,
-                reinterpret_cast<LPARAM>(hasPasswords && isKnown ? hint.c_str() : L""));
+            SetField(id, L"");
+            Send(id, EM_SETCUEBANNER, TRUE, hasPasswords && isKnown ? hint.c_str() : L"");
         }
         const std::wstring note = Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE);
-        SetDlgItemTextW(dialog_, IDC_PROFILE_NOTE,
-                        reason_.empty() ? note.c_str() : (reason_ + L"\n" + note).c_str());
+        SetField(IDC_PROFILE_NOTE, reason_.empty() ? note : reason_ + L"\n" + note);
     }
 
     void Delete() {
@@ -191,19 +186,19 @@ class SnmpDialog {
     // Returns null if the input is incomplete.
     std::shared_ptr<Security> TypedUser() const {
         auto user = std::make_shared<Security>();
-        user->user = FieldText(dialog_, IDC_USER);
-        user->authLabel = Chosen(dialog_, IDC_AUTH, kAuthLabels);
-        user->privLabel = Chosen(dialog_, IDC_PRIV, kPrivLabels);
+        user->user = FieldText(IDC_USER);
+        user->authLabel = Chosen(IDC_AUTH, kAuthLabels);
+        user->privLabel = Chosen(IDC_PRIV, kPrivLabels);
         user->useAuth = !user->authLabel.empty();
         user->usePriv = !user->privLabel.empty();
         // A known password is only valid for its user.
         const Security* known = known_ && known_->user == user->user ? known_.get() : nullptr;
         if (user->useAuth)
             user->authPassword =
-                PasswordOf(dialog_, IDC_AUTH_PASSWORD, known ? &known->authPassword : nullptr);
+                PasswordOf(IDC_AUTH_PASSWORD, known ? &known->authPassword : nullptr);
         if (user->usePriv)
             user->privPassword =
-                PasswordOf(dialog_, IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
+                PasswordOf(IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
         // Otherwise the module would send unprotected requests.
         const bool isWhole = !user->user.empty() && ToUtf8(user->user).size() <= VN_USER_NAME_MAX &&
                              user->useAuth == !user->authPassword.IsEmpty() &&
@@ -213,12 +208,12 @@ class SnmpDialog {
     }
 
     void Finish() {
-        auto communities = ParseCommunities(ToUtf8(FieldText(dialog_, IDC_COMMUNITY)));
+        auto communities = ParseCommunities(ToUtf8(FieldText(IDC_COMMUNITY)));
         if (!communities) return void(ShowMessage(Text(IDS_SNMP_BAD_COMMUNITY)));
         const std::wstring name = ProfileName();
-        const bool isEmpty = name.empty() && FieldText(dialog_, IDC_USER).empty() &&
-                             Chosen(dialog_, IDC_AUTH, kAuthLabels).empty() &&
-                             Chosen(dialog_, IDC_PRIV, kPrivLabels).empty();
+        const bool isEmpty = name.empty() && FieldText(IDC_USER).empty() &&
+                             Chosen(IDC_AUTH, kAuthLabels).empty() &&
+                             Chosen(IDC_PRIV, kPrivLabels).empty();
         const std::shared_ptr<Security> user = isEmpty ? nullptr : TypedUser();
         if (!isEmpty && !user) return void(ShowMessage(Text(IDS_SNMP_BAD_USER)));
         if (!name.empty() && !IsProfileName(name))
@@ -251,7 +246,7 @@ class SnmpDialog {
         // Edit controls keep their own copies.
         for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD}) {
             const auto length = static_cast<size_t>(GetWindowTextLengthW(GetDlgItem(dialog_, id)));
-            SetDlgItemTextW(dialog_, id, std::wstring(length, L' ').c_str());
+            SetField(id, std::wstring(length, L' '));
         }
         EndDialog(dialog_, result);
     }

@@ -8,7 +8,7 @@
 #include "window/controls/clipboard.h"
 #include "window/main/device_list.h"
 #include "window/main/window_state.h"
-#include "window/pages/doctor_page.h"
+#include "window/pages/doctor_window.h"
 #include "window/pages/walk_window.h"
 #include "window/resource.h"
 
@@ -19,7 +19,7 @@ class DeviceCommands {
     // Both must outlive it.
     DeviceCommands(WindowState& state, const DeviceList& list);
     WalkWindow walk;
-    DoctorPage doctor;
+    DoctorWindow doctor;
 
     // Reads the selected device next. `isAgain`: the user says so. Otherwise only if it has
     // answered here.

@@ -14,7 +14,7 @@ namespace vndiscover::host {
 
 class CallsWindow : private ListDialog {
   public:
-    // Only the last thousand are kept. Calls of one walk that come one after the other are one row.
+    // Keeps the last thousand. Calls of one walk that follow each other are one row.
     void Add(Call call);
     // Shows the calls that were added since the last time.
     void Refresh();
@@ -31,7 +31,7 @@ class CallsWindow : private ListDialog {
 
     std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh
-    bool isFolded_ = false;   // likewise, a call is in the row of another
+    bool isFolded_ = false;   // since Refresh, a call was added to the row of another
     OwnedFont font_;          // of the text, while the dialog is open
 };
 

@@ -6,6 +6,7 @@
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
 #include "window/controls/dpi.h"
+#include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -29,11 +30,9 @@ std::vector<ReportRow> SummaryOf(const Session& session, const DeviceRow* row) {
 
 // The tab control is only the strip of tabs, and the list of its page is the next control.
 void DetailsPane::Create(HWND parent) {
-    tabs_ = CreateWindowExW(
-        0, WC_TABCONTROLW, Text(IDS_DETAILS).c_str(),
-        WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_CLIPSIBLINGS | TCS_MULTILINE | TCS_RAGGEDRIGHT, 0,
-        0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(IDC_PAGES)),
-        GetModuleHandleW(nullptr), nullptr);
+    tabs_ =
+        CreateControl(parent, WC_TABCONTROLW, IDS_DETAILS,
+                      WS_TABSTOP | WS_CLIPSIBLINGS | TCS_MULTILINE | TCS_RAGGEDRIGHT, IDC_PAGES);
     WPARAM index = 0;
     for (const DevicePage& page : DevicePages()) {
         std::wstring title = Text(page.title);

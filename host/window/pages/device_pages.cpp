@@ -18,23 +18,15 @@ const wchar_t* ProtocolName(SweepKind kind) {
 }
 
 std::wstring StateText(const ProtocolLine& line) {
-    const auto state = static_cast<unsigned>(line.state);
-    std::wstring text = Text(IDS_PROTOCOL_ANSWERED + state);
-    std::wstring note = ToWide(line.note);
-    switch (line.state) {
-        case ProtocolState::kRefused:
-        case ProtocolState::kNotAsked:
-            return note.empty() ? text : note;
-        case ProtocolState::kPending:
-            return text;
-        case ProtocolState::kSilent:
-            return note.empty() && line.kind == SweepKind::kSnmpV3 ? Text(IDS_PROTOCOL_SILENT_V3)
-                                                                   : text;
-        case ProtocolState::kAnswered:
-        case ProtocolState::kNoValue:
-            break;
-    }
-    return note.empty() ? text : Text(IDS_PROTOCOL_NOTE, {text, note});
+    using State = ProtocolState;
+    const std::wstring text = Text(IDS_PROTOCOL_ANSWERED + static_cast<unsigned>(line.state));
+    const std::wstring note = ToWide(line.note);
+    const bool isSilent = line.state == State::kSilent;
+    if (note.empty())
+        return isSilent && line.kind == SweepKind::kSnmpV3 ? Text(IDS_PROTOCOL_SILENT_V3) : text;
+    if (isSilent || line.state == State::kPending) return text;
+    const bool isReason = line.state == State::kRefused || line.state == State::kNotAsked;
+    return isReason ? note : Text(IDS_PROTOCOL_NOTE, {text, note});
 }
 
 TableRows ProtocolRows(const Session& session, const DeviceRow& row) {

@@ -20,9 +20,9 @@ class WalkWindow : private ListDialog {
     };
     explicit WalkWindow(Actions actions) : actions_(std::move(actions)) {}
 
-    // Opens it for a device, or brings it to the front. Another device's walk is stopped.
+    // Opens the window for a device, or brings it to the front. Stops the walk of another device.
     void Open(HWND owner, AskTarget target);
-    // What the workers report; see Results. Walks that it no longer shows are ignored.
+    // Handle what the workers report; see Results. Walks that are not shown are ignored.
     void OnBegan(unsigned walk);
     void Add(unsigned walk, Answer variable);
     void OnEnded(unsigned walk, const WalkEnd& end, const std::string& problem);

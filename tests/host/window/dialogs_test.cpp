@@ -314,14 +314,14 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
         const std::wstring verdict =
             way != kWhole
                 ? L"stopped before the last step;"
-                : L"ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
+                : L"!! ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
                   L"blocked on the way, or community wrong and no SNMPv3;";
         const std::wstring expected =
             verdict +
             (way == kQueued ? L"not asked;not asked;not asked;not asked;"
-                            : L"the device is on none of this computer's networks: sweeps do not "
-                              L"reach it, directed requests do;answered;no answer;no answer;"
-                              L"not asked;") +
+                            : L"! the device is on none of this computer's networks: sweeps do "
+                              L"not reach it, directed requests do;answered;! no answer;"
+                              L"! no answer;not asked;") +
             computer;
         EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
         SendMessageW(page, WM_COMMAND, IDCANCEL, 0);

@@ -10,8 +10,8 @@
 
 namespace vndiscover::host {
 
-HWND OpenPage(HWND owner, const std::wstring& title, std::vector<ReportRow> rows);
-// Replaces the rows of a page; has no effect if the user has closed it.
-void ShowInPage(HWND page, std::vector<ReportRow> rows);
+HWND OpenReport(HWND owner, const std::wstring& title, std::vector<ReportRow> rows);
+// Has no effect if the user has closed the window.
+void ReplaceReport(HWND window, std::vector<ReportRow> rows);
 
 }  // namespace vndiscover::host

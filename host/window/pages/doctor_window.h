@@ -1,4 +1,4 @@
-// The page that tells why there are no devices, or why one does not answer.
+// The report on why there are no devices, or why one does not answer.
 #pragma once
 
 #include <windows.h>
@@ -11,14 +11,14 @@
 
 namespace vndiscover::host {
 
-class DoctorPage {
+class DoctorWindow {
   public:
-    // Begins another page, which opens with the next report on this computer. `address`: of the
-    // device that is diagnosed; empty: none.
+    // Begins another report. Its window opens with the next report on this computer. `address`: of
+    // the device that is diagnosed; empty: none.
     void Begin(const std::string& address);
-    // Opens or refreshes the page.
+    // Opens or refreshes the window.
     void ShowReport(const ComputerReport& report, HWND owner);
-    // A diagnosis of another device than the page's is ignored.
+    // Ignores a diagnosis of another device than the report's.
     void ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
                        const AdapterList& adapters, HWND owner);
     // The diagnosis was stopped. One that has begun is shown once its last step is over.
@@ -31,7 +31,7 @@ class DoctorPage {
     std::string address_;                     // of the device; empty: none
     std::optional<HostDiagnosis> diagnosis_;  // empty: not yet known
     std::optional<bool> isOnOwnNetwork_;      // see IsOnOwnNetwork
-    HWND page_ = nullptr;
+    HWND window_ = nullptr;                   // of the report
 };
 
 }  // namespace vndiscover::host

@@ -1,4 +1,4 @@
-#include "window/pages/page_window.h"
+#include "window/pages/report_window.h"
 
 #include <memory>
 #include <optional>
@@ -12,14 +12,14 @@ namespace vndiscover::host {
 namespace {
 
 constexpr UINT kShow = WM_APP + 1;
-constexpr wchar_t kType[] = L"VnBrowserPage";
+constexpr wchar_t kType[] = L"VnBrowserReport";
 
-class PageWindow {
+class ReportWindow {
   public:
     HWND Open(HWND owner, const std::wstring& title, std::vector<ReportRow> rows) {
         const int dpi = DpiOf(owner);
         window_ = CreateWindowExW(
-            WS_EX_CONTROLPARENT, RegisterType(kType, WindowProcedure<PageWindow>), title.c_str(),
+            WS_EX_CONTROLPARENT, RegisterType(kType, WindowProcedure<ReportWindow>), title.c_str(),
             WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, Scaled(820, dpi), Scaled(420, dpi),
             owner, nullptr, GetModuleHandleW(nullptr), nullptr);
         if (!window_) return nullptr;
@@ -81,17 +81,17 @@ class PageWindow {
 
 }  // namespace
 
-HWND OpenPage(HWND owner, const std::wstring& title, std::vector<ReportRow> rows) {
-    auto page = std::make_unique<PageWindow>();
-    const HWND window = page->Open(owner, title, std::move(rows));
-    if (window) static_cast<void>(page.release());  // the window owns it: see WM_NCDESTROY
+HWND OpenReport(HWND owner, const std::wstring& title, std::vector<ReportRow> rows) {
+    auto report = std::make_unique<ReportWindow>();
+    const HWND window = report->Open(owner, title, std::move(rows));
+    if (window) static_cast<void>(report.release());  // the window owns it: see WM_NCDESTROY
     return window;
 }
 
-void ShowInPage(HWND page, std::vector<ReportRow> rows) {
+void ReplaceReport(HWND window, std::vector<ReportRow> rows) {
     wchar_t type[20] = L"";
-    GetClassNameW(page, type, 20);  // the handle may be another window's by now
-    if (lstrcmpW(type, kType) == 0) SendMessageW(page, kShow, 0, reinterpret_cast<LPARAM>(&rows));
+    GetClassNameW(window, type, 20);  // the handle may be another window's by now
+    if (lstrcmpW(type, kType) == 0) SendMessageW(window, kShow, 0, reinterpret_cast<LPARAM>(&rows));
 }
 
 }  // namespace vndiscover::host
