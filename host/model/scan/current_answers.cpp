@@ -92,6 +92,29 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
     return current;
 }
 
+namespace {
+
+// Removes sweeps without a current answer, except those of the last search. Returns the new number
+// of each sweep that stays.
+std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
+    size_t lastSearch = 0;
+    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
+    std::vector<bool> isKept(scan.sweeps.size());
+    for (const size_t index : current) isKept[scan.answers[index].sweep] = true;
+    std::vector<size_t> numbers(scan.sweeps.size());
+    std::vector<ScanSweep> sweeps;
+    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
+        numbers[index] = sweeps.size();
+        const ScanSweep& sweep = scan.sweeps[index];
+        if (isKept[index] || (sweep.search != 0 && sweep.search == lastSearch))
+            sweeps.push_back(sweep);
+    }
+    scan.sweeps = std::move(sweeps);
+    return numbers;
+}
+
+}  // namespace
+
 std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
     std::vector<size_t> all(scan.answers.size());
     std::iota(all.begin(), all.end(), size_t{0});
@@ -108,25 +131,13 @@ std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
         if (places[index] == SIZE_MAX)  // an answer is replaced only by one of its origin
             places[index] = successors.at(OriginOf(scan.sweeps[answer.sweep], answer));
     }
-    size_t lastSearch = 0;
-    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
-    std::vector<bool> isKept(scan.sweeps.size());
-    for (const size_t index : current) isKept[scan.answers[index].sweep] = true;
-    std::vector<size_t> numbers(scan.sweeps.size());
-    std::vector<ScanSweep> sweeps;
-    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
-        numbers[index] = sweeps.size();
-        const ScanSweep& sweep = scan.sweeps[index];
-        if (isKept[index] || (sweep.search != 0 && sweep.search == lastSearch))
-            sweeps.push_back(sweep);
-    }
+    const std::vector<size_t> numbers = RemoveFormerSweeps(scan, current);
     std::vector<ScanAnswer> answers;
     answers.reserve(current.size());
     for (const size_t index : current) {
         answers.push_back(std::move(scan.answers[index]));
         answers.back().sweep = numbers[answers.back().sweep];
     }
-    scan.sweeps = std::move(sweeps);
     scan.answers = std::move(answers);
     const auto splits = std::exchange(scan.splits, {});
     for (const auto& [one, other] : splits) {

@@ -2,6 +2,7 @@
 
 #include <windowsx.h>
 
+#include "platform/wide_text.h"
 #include "window/main/commands.h"
 #include "window/resource.h"
 #include "window/strings.h"

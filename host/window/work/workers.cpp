@@ -18,6 +18,17 @@ std::string KeyOf(const char* task, const AskTarget& target) {
     return task + std::to_string(static_cast<int>(target.kind)) + target.address;
 }
 
+// An exception is a failed reading.
+FleetResult ReadOne(Engine& engine, const AskTarget& target, const FleetJob& job, Reader* reader,
+                    const std::function<bool()>& mayGoOn) try {
+    return engine.ReadForList(target, job, reader, mayGoOn);
+} catch (...) {
+    FleetResult result;
+    result.answers.lastStatus = Status::kSendFailed;
+    result.answers.lastProblem = ExceptionText();
+    return result;
+}
+
 }  // namespace
 
 void ResultQueue::Post(Closure closure) {
@@ -247,7 +258,17 @@ void Workers::ReadFleetHere(const std::shared_ptr<FleetRun>& run) {
     Add(WorkerId::kDirected, std::move(job));
 }
 
-// Takes one job of the run. Returns false if there are none left for this thread.
+// Sets what is known of the device then. Returns true if it is to be asked again.
+bool Workers::FleetRun::Save(const FleetJob& job, FleetResult result, PrinterAnswers& known) {
+    fleet.Done(job, std::move(result));
+    const FleetDevice& device = fleet.Devices()[job.device];
+    known = device.answers;
+    const bool isSilent = known.lastStatus == Status::kNoAnswer && known.values.empty();
+    return device.isRead ? isSilent && TryNextCommunity(targets[job.device])
+                         : known.lastStatus != Status::kAnswered;
+}
+
+// Executes one job of the run. Returns false if there are none left for this thread.
 bool Workers::ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wait& wait,
                        const std::function<bool()>& mayGoOn) {
     constexpr auto kPoll = std::chrono::milliseconds(50);
@@ -271,26 +292,13 @@ bool Workers::ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wai
     lock.unlock();
     read.isForList = true;
     Post([address = job->address](Results& results) { results.OnReadingBegan(address, true); });
-    FleetResult result;
-    try {
-        result =
-            engine_.ReadForList(read.target, *job, reader, Watched(wait, job->address, maySend));
-    } catch (...) {
-        result.answers.lastStatus = Status::kSendFailed;
-        result.answers.lastProblem = ExceptionText();
-    }
+    FleetResult result =
+        ReadOne(engine_, read.target, *job, reader, Watched(wait, job->address, maySend));
     Begin(wait, "");
     const bool isTried = maySend();
     lock.lock();
     if (isTried) {
-        run->fleet.Done(*job, std::move(result));
-        const FleetDevice& device = run->fleet.Devices()[job->device];
-        read.answers = device.answers;
-        const bool isSilent =
-            device.answers.lastStatus == Status::kNoAnswer && device.answers.values.empty();
-        read.isPostponed = device.isRead
-                               ? isSilent && run->TryNextCommunity(run->targets[job->device])
-                               : device.answers.lastStatus != Status::kAnswered;
+        read.isPostponed = run->Save(*job, std::move(result), read.answers);
     } else {
         run->fleet.Return(*job);
         read.isPostponed = true;

@@ -125,7 +125,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     DeleteProfile(L"Lab");
 }
 
-TEST_F(Dialogs, CancellingTheUserSendsNothingAndUnticksNothing) {
+TEST_F(Dialogs, CancellingTheUserSendsNothing) {
     Open();
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
     std::thread user([owner = window_->Handle()] {

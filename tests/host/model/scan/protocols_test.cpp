@@ -58,7 +58,7 @@ TEST(Protocols, SayWhichSweepsADeviceAnswered) {
 }
 
 // A device that answers may have no address there.
-TEST(Protocols, ASweepOverIPv6TellsNothingOfADeviceThatAnswers) {
+TEST(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
     scan.answers = {{0, "", "10.0.0.1", Received("x")}};

@@ -60,7 +60,7 @@ class StandingTest : public testing::Test {
     size_t searches_ = 0;
 };
 
-TEST_F(StandingTest, DeviceThatMissedTheLastSearchIsSilentSinceItAnswered) {
+TEST_F(StandingTest, DeviceOutsideTheLastSearchIsSilent) {
     Search(0, 1, {"10.0.0.1", "10.0.0.2"});
     EXPECT_EQ("never read", State("10.0.0.1"));
     Search(1, 1, {"10.0.0.2"});
