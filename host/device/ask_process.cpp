@@ -5,9 +5,10 @@
 #include <fcntl.h>
 #include <io.h>
 
-#include <iostream>
-#include <sstream>
+#include <algorithm>
+#include <cstdlib>
 
+#include "values/split_text.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -19,17 +20,21 @@ std::string LineOf(const Answer& answer) {
            HexText(answer.bytes, "") + " " + answer.note;
 }
 
-Answer AnswerOf(const std::string& line) {
-    std::istringstream fields(line);
+Answer AnswerOf(std::string_view line) {
+    std::string fields[5];
+    for (std::string& field : fields) {
+        const size_t end = std::min(line.find(' '), line.size());
+        field = line.substr(0, end);
+        line.remove_prefix(std::min(end + 1, line.size()));
+    }
+    const auto& [status, oid, type, wholeSize, bytes] = fields;
     Answer answer;
-    int status = 0;
-    std::string oid, bytes;
-    fields >> status >> oid >> answer.type >> answer.wholeSize >> bytes;
-    fields.ignore(1);
-    std::getline(fields, answer.note);
-    answer.status = static_cast<Status>(status);
+    answer.status = static_cast<Status>(std::atoi(status.c_str()));
     answer.oid = ParseOid(oid).value_or(Oid());
+    answer.type = static_cast<uint32_t>(std::strtoul(type.c_str(), nullptr, 10));
+    answer.wholeSize = std::strtoul(wholeSize.c_str(), nullptr, 10);
     answer.bytes = ParseHex(bytes.substr(std::min<size_t>(1, bytes.size()))).value_or("");
+    answer.note = line;
     return answer;
 }
 
@@ -94,11 +99,7 @@ Answer AskProcess::GetNext(size_t login, const std::string& address, const Oid& 
         std::fprintf(toProcess_, "%zu %s %s\n", login, OidToText(oid).c_str(), address.c_str());
         isAlive_ = std::fflush(toProcess_) == 0;
     }
-    int c = EOF;
-    while (isAlive_ && (c = std::fgetc(fromProcess_)) != '\n') {
-        isAlive_ = c != EOF;
-        reply += static_cast<char>(c);
-    }
+    isAlive_ = isAlive_ && ReadLine(fromProcess_, reply);
     return isAlive_ ? AnswerOf(reply) : Failed(Status::kSendFailed, oid);
 }
 
@@ -110,11 +111,22 @@ OwnedHandle EndingJob() {
     return job;
 }
 
+bool ReadLine(FILE* file, std::string& line) {
+    line.clear();
+    int letter = EOF;
+    while ((letter = std::fgetc(file)) != EOF && letter != '\n') line += static_cast<char>(letter);
+    return letter != EOF;
+}
+
 void ServeAskProcess(const AskNext& ask) {
-    size_t login = 0;
-    std::string oid, address;
-    while (std::cin >> login >> oid >> address)
-        std::cout << LineOf(ask(login, address, ParseOid(oid).value_or(Oid()))) << std::endl;
+    for (std::string line; ReadLine(stdin, line);) {
+        const std::vector<std::string> fields = SplitText(line, " ");
+        if (fields.size() != 3) return;
+        const size_t login = std::strtoul(fields[0].c_str(), nullptr, 10);
+        const Answer answer = ask(login, fields[2], ParseOid(fields[1]).value_or(Oid()));
+        std::printf("%s\n", LineOf(answer).c_str());
+        std::fflush(stdout);
+    }
 }
 
 }  // namespace vndiscover::host

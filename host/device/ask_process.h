@@ -40,6 +40,9 @@ class AskProcess {
 // A job that ends its processes with this one, however that ends.
 OwnedHandle EndingJob();
 
+// Without the line end. Returns false at the end of the file.
+bool ReadLine(FILE* file, std::string& line);
+
 // Answers requests from standard input until it ends.
 void ServeAskProcess(const AskNext& ask);
 

@@ -19,6 +19,7 @@
 
 #include "values/json_output.h"
 #include "values/plain_text.h"
+#include "values/split_text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -52,18 +53,6 @@ bool IsName(std::string_view name) {
                c == '_' || c == '-' || c == '.';
     };
     return !name.empty() && std::all_of(name.begin(), name.end(), isNameCharacter);
-}
-
-std::vector<std::string> Words(std::string_view text, std::string_view separators) {
-    std::vector<std::string> words;
-    while (true) {
-        const size_t start = text.find_first_not_of(separators);
-        if (start == std::string_view::npos) return words;
-        text.remove_prefix(start);
-        const size_t end = std::min(text.find_first_of(separators), text.size());
-        words.emplace_back(text.substr(0, end));
-        text.remove_prefix(end);
-    }
 }
 
 struct QName {
@@ -121,11 +110,11 @@ ProbeMatch ReadMatch(pugi::xml_node node) {
     match.endpoint =
         PlainText(Child(endpoint, "Address", {kAddressing, kAddressing10}).text().get());
     const auto types = Child(node, "Types", {kDiscovery, kDiscovery11});
-    for (const std::string& word : Words(types.text().get(), kSpace)) {
+    for (const std::string& word : SplitText(types.text().get(), kSpace)) {
         match.types.push_back(ShownType(types, word));
     }
     const auto xAddrs = Child(node, "XAddrs", {kDiscovery, kDiscovery11});
-    for (const std::string& word : Words(xAddrs.text().get(), kSpace))
+    for (const std::string& word : SplitText(xAddrs.text().get(), kSpace))
         match.xAddrs.push_back(PlainText(word));
     return match;
 }
@@ -133,7 +122,7 @@ ProbeMatch ReadMatch(pugi::xml_node node) {
 }  // namespace
 
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem) {
-    const std::vector<std::string> words = Words(text, " ,");
+    const std::vector<std::string> words = SplitText(text, " ,");
     for (const std::string& word : words) {
         const QName name = Split(word);
         if (FindPrefix(name.prefix) && IsName(name.local)) continue;

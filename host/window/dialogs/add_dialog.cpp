@@ -1,12 +1,13 @@
 #include "window/dialogs/add_dialog.h"
 
+#include <algorithm>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 #include "platform/messages.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
+#include "values/split_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/store/scan_files.h"
@@ -50,12 +51,9 @@ class AddDialog {
     }
 
     void Finish() {
-        std::string text = ToUtf8(WindowText(GetDlgItem(dialog_, IDC_ADD_HOSTS)));
-        for (char& letter : text) {
-            if (letter == ',' || letter == ';') letter = ' ';
-        }
-        std::istringstream words(text);
-        for (std::string word; hosts.size() < kMaxHosts && words >> word;) hosts.push_back(word);
+        const std::wstring text = WindowText(GetDlgItem(dialog_, IDC_ADD_HOSTS));
+        hosts = SplitText(ToUtf8(text), ",; \t\r\n");
+        hosts.resize(std::min(hosts.size(), kMaxHosts));
         EndDialog(dialog_, TRUE);
     }
 

@@ -6,13 +6,13 @@
 
 #include <algorithm>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "platform/messages.h"
 #include "platform/wide_text.h"
+#include "values/split_text.h"
 #include "values/text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
@@ -264,8 +264,7 @@ class SnmpDialog {
 
 std::optional<std::vector<std::string>> ParseCommunities(const std::string& text) {
     std::vector<std::string> communities;
-    std::istringstream parts(text);
-    for (std::string one; std::getline(parts, one, ',');) {
+    for (std::string one : SplitText(text, ",")) {
         one.erase(0, one.find_first_not_of(' '));
         one.erase(one.find_last_not_of(' ') + 1);
         if (one.empty()) continue;

@@ -3,11 +3,10 @@
 // line.
 #include "window/work/reader_process.h"
 
-#include <iostream>
 #include <optional>
-#include <sstream>
 
 #include "platform/wide_text.h"
+#include "values/split_text.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -28,8 +27,7 @@ std::string LineOf(const AskTarget& login) {
 
 AskTarget LoginOf(const std::string& line) {
     std::vector<std::string> texts;
-    std::istringstream fields(line);
-    for (std::string field; fields >> field;)
+    for (const std::string& field : SplitText(line, " "))
         texts.push_back(ParseHex(field.substr(1)).value_or(""));
     AskTarget login;
     if (!texts.empty()) login.credentials.community = texts[0];
@@ -63,7 +61,7 @@ ReaderProcess::ReaderProcess(const std::vector<AskTarget>& logins, HANDLE job)
 
 void ServeReader() {
     std::vector<AskTarget> logins;
-    for (std::string line; std::getline(std::cin, line) && line.find('.') != std::string::npos;)
+    for (std::string line; ReadLine(stdin, line) && line.find('.') != std::string::npos;)
         logins.push_back(LoginOf(line));
     // The device that was asked last is kept: it may have learned how it is reached.
     std::optional<Device> device;
