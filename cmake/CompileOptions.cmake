@@ -8,9 +8,35 @@ target_compile_options(vndiscover_options INTERFACE ${VNDISCOVER_WARNINGS})
 target_include_directories(vndiscover_options INTERFACE ${PROJECT_SOURCE_DIR}/src
                                                         ${PROJECT_SOURCE_DIR}/include)
 
-# vndiscover_has_manifest(TARGET): for a program whose resources hold a manifest. Otherwise Visual C++'s linker embeds a
-# second one with the same number and then fails (CVT1100, LNK1123).
-function(vndiscover_has_manifest target)
+# vndiscover_version(TARGET DESCRIPTION [RESOURCES]): a version resource, beside other lines of resources.
+function(vndiscover_version target description)
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "SHARED_LIBRARY")
+        set(file_type VFT_DLL)
+        set(suffix .dll)
+    else()
+        set(file_type VFT_APP)
+        set(suffix .exe)
+    endif()
+    get_target_property(internal_name ${target} OUTPUT_NAME)
+    if(NOT internal_name)
+        set(internal_name ${target})
+    endif()
+    set(file_name ${internal_name}${suffix})
+    string(JOIN "\n" more ${ARGN} "")
+    set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/program/version.rc.in ${resource} @ONLY)
+    target_sources(${target} PRIVATE ${resource})
+endfunction()
+
+# vndiscover_program(TARGET DESCRIPTION): version, icon and manifest of a program. Windows shows the description when the
+# firewall asks about the program.
+function(vndiscover_program target description)
+    set(folder ${PROJECT_SOURCE_DIR}/cmake/program)
+    vndiscover_version(${target} "${description}" "1 ICON \"${folder}/program.ico\"" "1 24 \"${folder}/program.manifest\"")
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/${target}.rc PROPERTIES
+        OBJECT_DEPENDS "${folder}/program.ico;${folder}/program.manifest")
+    # Otherwise Visual C++'s linker embeds a second manifest with the same number and then fails (CVT1100, LNK1123).
     if(MSVC)
         target_link_options(${target} PRIVATE /MANIFEST:NO)
     endif()

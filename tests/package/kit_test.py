@@ -10,11 +10,13 @@ import shutil
 import struct
 import subprocess
 import unittest
+import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
 BUILD, SOURCE, DEPS, KIT = (Path(os.environ[name]) for name in ("BUILD", "SOURCE", "DEPS", "KIT"))
 NM, OBJDUMP = os.environ["NM"], os.environ["OBJDUMP"]
 
+PROGRAMS = ("vndiscover.exe", "VnBrowser.exe", "windows_check.exe")
 FILES = """
     CHANGELOG.md CONTRIBUTING.md README.md SHA256SUMS THIRD-PARTY-NOTICES.txt sbom.cdx.json
     bin/VnDiscover.dll bin/VnDiscover.dll.debug bin/vndiscover.exe bin/vndiscover.exe.debug
@@ -80,7 +82,7 @@ class Kit(unittest.TestCase):
         system = "kernel32|msvcrt|ucrtbase|api-ms-win-crt-.*|ws2_32|advapi32|user32"
         for name, allowed in (("VnDiscover.dll", system), ("vndiscover.exe", system + "|shell32|ole32|oleaut32|vndiscover"),
                               ("VnBrowser.exe", system + "|comctl32|comdlg32|crypt32|gdi32|shell32|ole32|oleaut32|vndiscover"),
-                              ("windows_check.exe", system + "|iphlpapi|bcrypt|psapi")):
+                              ("windows_check.exe", system + "|iphlpapi|bcrypt|psapi|comctl32|crypt32|gdi32|ole32|oleaut32")):
             imported = re.findall(r"dll name: (.*)\.dll", run(OBJDUMP, "-p", KIT / "bin" / name).lower())
             self.assertTrue(imported)
             self.assertEqual([], [dll for dll in imported if not re.fullmatch(allowed, dll)], name)
@@ -88,14 +90,33 @@ class Kit(unittest.TestCase):
     def test_version_is_the_project_s_everywhere(self):
         version = os.environ["VERSION"]
         self.assertEqual(version, json.loads((SOURCE / "vcpkg.json").read_text())["version"])
-        content = (KIT / "bin/VnDiscover.dll").read_bytes()
-        # VS_FIXEDFILEINFO: the signature, the version of the structure, then those of the file and the product.
-        at = content.index(struct.pack("<II", 0xFEEF04BD, 0x00010000)) + 8
-        for minor, major, last, patch in struct.iter_unpack("<4H", content[at:at + 16]):
-            self.assertEqual(f"{version}.0", f"{major}.{minor}.{patch}.{last}")
-        for name in ("FileVersion", "ProductVersion"):
-            wanted = name.encode("utf-16-le") + rb"\0+" + re.escape(f"{version}.0\0".encode("utf-16-le"))
-            self.assertTrue(re.search(wanted, content), name)
+        for name in ("VnDiscover.dll", *PROGRAMS):
+            content = (KIT / "bin" / name).read_bytes()
+            # VS_FIXEDFILEINFO: the signature, the version of the structure, then those of the file and the product.
+            at = content.index(struct.pack("<II", 0xFEEF04BD, 0x00010000)) + 8
+            for minor, major, last, patch in struct.iter_unpack("<4H", content[at:at + 16]):
+                self.assertEqual(f"{version}.0", f"{major}.{minor}.{patch}.{last}")
+            for key, value in (("FileVersion", f"{version}.0"), ("ProductVersion", f"{version}.0"), ("OriginalFilename", name)):
+                wanted = key.encode("utf-16-le") + rb"\0+" + re.escape(f"{value}\0".encode("utf-16-le"))
+                self.assertTrue(re.search(wanted, content), (name, key))
+
+    def test_programs_say_what_windows_must_know_of_them(self):
+        icon = (SOURCE / "cmake/program/program.ico").read_bytes()
+        for name in PROGRAMS:
+            content = (KIT / "bin" / name).read_bytes()
+            manifest = content[content.index(b'<?xml version="1.0" encoding="UTF-8" standalone="yes"?>'):]
+            manifest = ElementTree.fromstring(manifest[:manifest.index(b"</assembly>") + len(b"</assembly>")])
+            said = {element.tag.rpartition("}")[2]: element.text for element in manifest.iter()}
+            # In this order: the first that a system knows holds.
+            self.assertEqual("PerMonitorV2, PerMonitor", said["dpiAwareness"], name)
+            self.assertEqual("true", said["longPathAware"], name)
+            self.assertEqual("asInvoker", manifest.find(".//{*}requestedExecutionLevel").get("level"), name)
+            self.assertEqual(4, len(manifest.findall(".//{*}supportedOS")), name)
+            self.assertIn("Microsoft.Windows.Common-Controls",
+                          [element.get("name") for element in manifest.findall(".//{*}assemblyIdentity")], name)
+            for at in range(6, 6 + 16 * icon[4], 16):
+                size, where = struct.unpack("<II", icon[at + 8:at + 16])
+                self.assertIn(icon[where:where + size], content, name)
 
     def test_the_window_is_small(self):
         if "VNDISCOVER_SANITIZE:STRING=trap" in (BUILD / "CMakeCache.txt").read_text(encoding="utf-8"):
@@ -134,7 +155,7 @@ class ThirdParty(unittest.TestCase):
             self.assertRegex(versions[name], rf"^{re.escape(linked)}([-+~].*)?$", name)
 
     def test_the_bill_names_every_components_programs(self):
-        programs = ("VnDiscover.dll", "vndiscover.exe", "VnBrowser.exe", "windows_check.exe")
+        programs = ("VnDiscover.dll", *PROGRAMS)
         symbols = {program: run(NM, KIT / "bin" / f"{program}.debug") for program in programs}
         for component in self.sbom["components"]:
             holders = component["properties"][0]["value"]

@@ -167,20 +167,11 @@ class Workflows(unittest.TestCase):
 
 class VisualCpp(unittest.TestCase):
     def test_the_linker_adds_no_second_manifest(self):
-        with_manifest = 0
-        for path in files("CMakeLists.txt"):
-            lists = path.read_text(encoding="utf-8")
-            variables = dict(re.findall(r"\bset\((\w+) ([^\s()]+\.rc)\)", lists))
-            for target, sources in re.findall(r"\badd_(?:executable|library)\((\w+) ([^()]*)\)", lists):
-                for name in re.findall(r"([\w.-]+\.rc)\b", re.sub(r"\$\{(\w+)\}", lambda m: variables.get(m[1], ""), sources)):
-                    resources = "".join(found.read_text(encoding="utf-8") for found in files(name) + files(name + ".in"))
-                    self.assertTrue(resources, name)
-                    if "RT_MANIFEST" in resources:
-                        with_manifest += 1
-                        self.assertIn(f"vndiscover_has_manifest({target})", lists, path)
-        self.assertGreaterEqual(with_manifest, 2)
-        self.assertRegex(text("cmake/CompileOptions.cmake"), r"function\(vndiscover_has_manifest target\)\s+if\(MSVC\)\s+"
-                                                             r"target_link_options\(\$\{target\} PRIVATE /MANIFEST:NO\)")
+        function = re.search(r"function\(vndiscover_program [^)]*\)(.*?)endfunction", text("cmake/CompileOptions.cmake"), re.S)[1]
+        self.assertRegex(function, r"program\.manifest")
+        self.assertRegex(function, r"if\(MSVC\)\s+target_link_options\(\$\{target\} PRIVATE /MANIFEST:NO\)\s+endif")
+        for path in files("*.rc") + files("*.rc.in"):  # only that function gives a manifest
+            self.assertNotRegex(path.read_text(encoding="utf-8"), r"RT_MANIFEST|^\d+ 24 ", path)
 
 
 if __name__ == "__main__":
