@@ -2,10 +2,13 @@
 // beside this program, requires. Needs no lab and no administrator.
 //
 // Stays on the loopback unless --network is given, which sends datagrams on every adapter. The
-// report goes to FILE, by default windows_check.md. Exit code: 0 all as expected, 1 something is
-// different, 2 it could not run.
+// report goes to FILE, by default windows_check.md, or to the temporary folder if that cannot be
+// written. Exit code: 0 all as expected, 1 something is different, 2 it could not run.
+#include <conio.h>
+
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <utility>
 
 #include "check/rows.h"
@@ -13,6 +16,7 @@
 namespace check {
 namespace {
 
+constexpr char kReport[] = "windows_check.md";
 constexpr char kUsage[] =
     "windows_check [--network] [--report FILE]\n\n"
     "Checks that this system behaves as VnDiscover.dll, beside this program, requires, and "
@@ -24,7 +28,7 @@ constexpr char kUsage[] =
 
 struct Options {
     bool mayUseNetwork = false;
-    const char* report = "windows_check.md";
+    std::string report;  // empty: not given
     bool areWrong = false;
 };
 
@@ -67,6 +71,11 @@ void ModuleRows(Report& report, const Module& module) {
 
 void AllRows(Report& report, bool mayUseNetwork) {
     SocketRows(report, mayUseNetwork);
+    AdapterRows(report, mayUseNetwork);
+    FirewallRows(report);
+    WindowRows(report);
+    ProgramRows(report, mayUseNetwork);
+    FileRows(report);
     CryptoRows(report);
     static Module module;  // never destroyed: see main
     ModuleRows(report, module);
@@ -79,20 +88,47 @@ void AllRows(Report& report, bool mayUseNetwork) {
     LoadingRows(report, module);
 }
 
+bool WriteText(const std::string& path, const std::string& text) {
+    FILE* file = std::fopen(path.c_str(), "w");
+    const bool written = file && std::fputs(text.c_str(), file) >= 0;
+    return file && std::fclose(file) == 0 && written;
+}
+
+// Empty if it can be written nowhere.
+std::string WriteReport(const std::string& given, const std::string& text) {
+    char folder[MAX_PATH + 1] = {}, whole[MAX_PATH + 1] = {};
+    GetTempPathA(sizeof folder, folder);
+    std::string path = given.empty() ? kReport : given;
+    if (!WriteText(path, text)) {
+        path = given.empty() ? std::string(folder) + kReport : "";
+        if (path.empty() || !WriteText(path, text)) return "";
+    }
+    const DWORD size = GetFullPathNameA(path.c_str(), sizeof whole, whole, nullptr);
+    return size > 0 && size < sizeof whole ? whole : path;
+}
+
 int Run(const Options& options) {
     Report report;
     const std::string system = SystemText();
     std::printf("%s\n", system.c_str());
     AllRows(report, options.mayUseNetwork);
 
-    FILE* file = std::fopen(options.report, "w");
-    const bool written = file && std::fputs(report.Text(system).c_str(), file) >= 0;
-    if (!file || std::fclose(file) != 0 || !written) {
-        std::fprintf(stderr, "%s cannot be written\n", options.report);
+    const std::string path = WriteReport(options.report, report.Text(system));
+    if (path.empty()) {
+        std::fprintf(stderr, "%s cannot be written\n",
+                     options.report.empty() ? kReport : options.report.c_str());
         return 2;
     }
-    std::printf("\n%d different. Please send back %s\n", report.Different(), options.report);
+    std::printf("\n%d different. Please send back %s\n", report.Different(), path.c_str());
     return report.Different() == 0 ? 0 : 1;
+}
+
+// A console of its own closes with the program, before anybody can read it.
+void WaitIfConsoleIsOwn() {
+    DWORD process = 0;
+    if (GetConsoleProcessList(&process, 1) != 1) return;
+    std::printf("\nPress a key to close this window.\n");
+    _getch();
 }
 
 }  // namespace
@@ -107,6 +143,7 @@ int main(int count, char** words) {
     WSADATA data;
     if (WSAStartup(MAKEWORD(2, 2), &data) != 0) return 2;
     const int result = check::Run(options);
+    check::WaitIfConsoleIsOwn();
     // Not by return: a module whose unloading hangs holds the loader lock, and an ordinary exit
     // waits for that.
     std::fflush(nullptr);

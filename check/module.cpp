@@ -5,13 +5,6 @@
 namespace check {
 namespace {
 
-std::wstring BesideProgram(const wchar_t* fileName) {
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder = path;
-    return folder.substr(0, folder.find_last_of(L"\\/") + 1) + fileName;
-}
-
 FARPROC WINAPI FindAllButAdapters(HMODULE library, const char* name) {
     if (std::strcmp(name, "GetAdaptersInfo") == 0) return nullptr;
     if (std::strcmp(name, "GetAdaptersAddresses") == 0) return nullptr;
@@ -19,6 +12,12 @@ FARPROC WINAPI FindAllButAdapters(HMODULE library, const char* name) {
 }
 
 }  // namespace
+
+std::wstring BesideProgram(const wchar_t* fileName) {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), DWORD(path.size())));
+    return path.substr(0, path.find_last_of(L"\\/") + 1) + fileName;
+}
 
 void** ImportSlot(HMODULE module, const char* name) {
     auto* base = reinterpret_cast<BYTE*>(module);

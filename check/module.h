@@ -9,6 +9,9 @@
 
 namespace check {
 
+// The whole path of a file in the folder of this program.
+std::wstring BesideProgram(const wchar_t* fileName);
+
 class Module {
   public:
     Module();

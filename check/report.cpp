@@ -4,7 +4,20 @@
 
 namespace check {
 
+void Report::EndSection() {
+    using std::chrono::duration_cast;
+    const auto now = std::chrono::steady_clock::now();
+    const auto took = duration_cast<std::chrono::milliseconds>(now - started_).count();
+    if (!title_.empty()) {
+        seconds_ += (seconds_.empty() ? "" : ", ") + title_ + " " + std::to_string(took / 1000) +
+                    "." + std::to_string(took / 100 % 10);
+    }
+    started_ = now;
+}
+
 void Report::Section(const char* title) {
+    EndSection();
+    title_ = title;
     rows_ += std::string("\n## ") + title + "\n\n| | expected | seen | |\n|---|---|---|---|\n";
     std::printf("\n%s\n", title);
 }
@@ -28,11 +41,12 @@ void Report::Row(const std::string& name, const std::string& expected, const std
     std::fflush(stdout);  // if a row hangs, it is the one after the last one shown
 }
 
-std::string Report::Text(const std::string& system) const {
+std::string Report::Text(const std::string& system) {
+    EndSection();
     char counts[128];
     std::snprintf(counts, sizeof counts, "\n%d as expected, %d different, %d not seen\n",
                   asExpected_, different_, notSeen_);
-    return "# windows_check\n\n" + system + "\n" + rows_ + counts;
+    return "# windows_check\n\n" + system + "\n" + rows_ + counts + "\nSeconds: " + seconds_ + "\n";
 }
 
 }  // namespace check

@@ -16,6 +16,12 @@ void RequestRows(Report& report, const Module& module,
                  std::future<std::optional<int32_t>> closedPort);
 void DiscoveryRows(Report& report, Module& module);
 void SocketRows(Report& report, bool mayUseNetwork);
+void AdapterRows(Report& report, bool mayUseNetwork);
+void FirewallRows(Report& report);
+void WindowRows(Report& report);
+// Starts the two programs beside this one.
+void ProgramRows(Report& report, bool mayUseNetwork);
+void FileRows(Report& report);
 void SystemRows(Report& report, const Module& module);
 void CryptoRows(Report& report);
 // Unloads the module, which must not be loaded by anything else. After "hangs" it must be left

@@ -73,6 +73,16 @@ int Formatted(char* line, const char* format, ...) {
     return length;
 }
 
+void OriginRow(Report& report) {
+    wchar_t folder[MAX_PATH] = {}, path[MAX_PATH] = {};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    GetModuleFileNameW(LoadLibraryW(L"ICMP.DLL"), path, MAX_PATH);
+    report.Add("where ICMP.DLL comes from", "the system's folder",
+               path[0] == 0                                   ? "nowhere"
+               : _wcsnicmp(path, folder, wcslen(folder)) == 0 ? "the system's folder"
+                                                              : "another folder");
+}
+
 void FormatRows(Report& report) {
     char line[4096] = {};
     const std::string text(2000, 'x');
@@ -90,6 +100,7 @@ void FormatRows(Report& report) {
 
 void SystemRows(Report& report, const Module& module) {
     report.Section("Echo and formatting");
+    OriginRow(report);
     EchoRows(report, module);
     Echo6Rows(report, module);
     FormatRows(report);

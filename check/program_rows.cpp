@@ -1,0 +1,127 @@
+// The two programs beside this one, as a script starts them, and the console.
+#include "check/windows_headers.h"
+
+#include <string>
+
+#include "check/module.h"
+#include "check/rows.h"
+
+namespace check {
+namespace {
+
+constexpr DWORD kProgramLimitMs = 20000;
+constexpr DWORD kSweepBeginsMs = 1500;
+
+// What a program is started with: pipes that are read when it has ended, so it may write little.
+struct Ended {
+    bool isStarted = false, isInTime = false;
+    DWORD code = 0;
+    size_t output = 0, error = 0;  // bytes
+};
+
+class Pipe {
+  public:
+    Pipe() {
+        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+        CreatePipe(&read_, &write_, &inherited, 0);
+        SetHandleInformation(read_, HANDLE_FLAG_INHERIT, 0);
+    }
+    ~Pipe() {
+        CloseHandle(read_);
+        CloseHandle(write_);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    HANDLE Write() const { return write_; }
+    size_t Waiting() const {
+        DWORD size = 0;
+        return PeekNamedPipe(read_, nullptr, 0, nullptr, &size, nullptr) ? size : 0;
+    }
+
+  private:
+    HANDLE read_ = nullptr, write_ = nullptr;
+};
+
+// With `interrupts`, Ctrl-Break is sent to it after a while, and to it alone.
+Ended Run(const wchar_t* program, const wchar_t* arguments, bool interrupts = false) {
+    const std::wstring path = BesideProgram(program);
+    std::wstring line = L"\"" + path + L"\" " + arguments;
+    const Pipe output, error;
+    STARTUPINFOW start = {};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = output.Write();
+    start.hStdError = error.Write();
+    PROCESS_INFORMATION process = {};
+    Ended ended;
+    ended.isStarted = CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE,
+                                     interrupts ? CREATE_NEW_PROCESS_GROUP : 0, nullptr, nullptr,
+                                     &start, &process) != 0;
+    if (!ended.isStarted) return ended;
+    if (interrupts) {
+        Sleep(kSweepBeginsMs);
+        GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, process.dwProcessId);
+    }
+    ended.isInTime = WaitForSingleObject(process.hProcess, kProgramLimitMs) == WAIT_OBJECT_0;
+    if (!ended.isInTime) TerminateProcess(process.hProcess, 1);
+    GetExitCodeProcess(process.hProcess, &ended.code);
+    ended.output = output.Waiting();
+    ended.error = error.Waiting();
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return ended;
+}
+
+void ProgramRow(Report& report, const std::string& name, const char* expected, const Ended& ended) {
+    if (!ended.isStarted) {
+        report.NotSeen(name, expected, "it is not beside this program");
+        return;
+    }
+    report.Add(name, expected,
+               !ended.isInTime
+                   ? "it does not end"
+                   : "exit code " + Number(int32_t(ended.code)) + (ended.output ? ", output" : "") +
+                         (ended.error ? ", error output" : ""));
+}
+
+void ConsoleRow(Report& report) {
+    const char* const name = "WriteFile of 3 bytes in 2 characters to a UTF-8 console";
+    const HANDLE console =
+        CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
+    if (console == INVALID_HANDLE_VALUE) {
+        report.NotSeen(name, "3 bytes", "there is no console");
+        return;
+    }
+    const UINT former = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    DWORD written = 0;
+    WriteFile(console, "\xC3\xA9x", 3, &written, nullptr);
+    SetConsoleOutputCP(former);
+    CloseHandle(console);
+    std::printf("\n");
+    report.Add(name, "3 bytes", Number(written) + " bytes");
+}
+
+}  // namespace
+
+void ProgramRows(Report& report, bool mayUseNetwork) {
+    report.Section("The programs and the console");
+    ProgramRow(report, "vndiscover.exe --version", "exit code 0, output",
+               Run(L"vndiscover.exe", L"--version"));
+    ProgramRow(report, "vndiscover.exe with an unknown option", "exit code 2, error output",
+               Run(L"vndiscover.exe", L"--none"));
+    ProgramRow(report, "VnBrowser.exe with an unknown option", "exit code 2, error output",
+               Run(L"VnBrowser.exe", L"--none --exit"));
+    ConsoleRow(report);
+    const char* const name = "Ctrl-Break in a sweep of vndiscover.exe";
+    const char* const stopped = "exit code 1, error output";
+    if (!mayUseNetwork || GetConsoleCP() == 0) {
+        report.NotSeen(name, stopped, mayUseNetwork ? "there is no console" : "needs --network");
+    } else {
+        ProgramRow(report, name, stopped,
+                   Run(L"vndiscover.exe", L"sweep --oid 1.3.6.1.4.1.5963.1", true));
+    }
+}
+
+}  // namespace check
