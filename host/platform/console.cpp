@@ -8,6 +8,7 @@
 
 #include "platform/error_text.h"
 #include "platform/this_process.h"
+#include "platform/wide_text.h"
 #include "values/plain_text.h"
 
 namespace vndiscover::host {
@@ -28,26 +29,39 @@ std::atomic<size_t> g_statusWidth{0};  // characters of the status line on the c
 bool g_isOutputBroken = false;
 DWORD g_outputError = 0;  // of the first failure
 
-// A single write with the system's line ends: C streams write to a console byte by byte, which
-// flickers.
-bool Write(DWORD handle, std::string_view text) {
-    std::string bytes;
-    for (const char letter : text) bytes += letter == '\n' ? "\r\n" : std::string(1, letter);
-    size_t done = 0;
-    while (done < bytes.size()) {
+bool IsConsole(HANDLE handle) {
+    DWORD mode = 0;
+    return GetConsoleMode(handle, &mode) != 0;
+}
+bool IsConsole(DWORD handle) { return IsConsole(GetStdHandle(handle)); }
+
+// All of a text, by a function that writes some of it.
+template <class Text, class Function>
+bool WriteAll(const Text& text, Function&& write) {
+    constexpr size_t kMost = 8192;  // older consoles fail beyond 64 KB
+    for (size_t done = 0; done < text.size();) {
         DWORD written = 0;
-        const auto rest = static_cast<DWORD>(bytes.size() - done);
-        const HANDLE file = GetStdHandle(handle);
-        if (!WriteFile(file, bytes.data() + done, rest, &written, nullptr) || written == 0)
-            return false;
+        const auto part = static_cast<DWORD>(std::min(kMost, text.size() - done));
+        if (!write(text.data() + done, part, &written) || written == 0) return false;
         done += written;
     }
     return true;
 }
 
-bool IsConsole(DWORD handle) {
-    DWORD mode = 0;
-    return GetConsoleMode(GetStdHandle(handle), &mode) != 0;
+// Few writes, with the system's line ends: C streams write to a console byte by byte, which
+// flickers. A console gets characters, since older ones count them wrongly in bytes.
+bool Write(DWORD handle, std::string_view text) {
+    std::string bytes;
+    for (const char letter : text) bytes += letter == '\n' ? "\r\n" : std::string(1, letter);
+    const HANDLE file = GetStdHandle(handle);
+    if (IsConsole(file)) {
+        return WriteAll(ToWide(bytes), [file](const wchar_t* from, DWORD size, DWORD* written) {
+            return WriteConsoleW(file, from, size, written, nullptr);
+        });
+    }
+    return WriteAll(bytes, [file](const char* from, DWORD size, DWORD* written) {
+        return WriteFile(file, from, size, written, nullptr);
+    });
 }
 
 void RestoreConsole() {
@@ -79,11 +93,18 @@ BOOL WINAPI OnControl(DWORD event) {
         }
         return TRUE;
     }
+    if (!canStop && (stop || g_completionGuards > 0)) {
+        // The console is closed, or the user logs off: the system ends the process after about 5 s,
+        // or as soon as this returns. Until then what is known can be saved.
+        g_isStopped = true;
+        if (stop) stop();
+        Sleep(INFINITE);
+    }
     RestoreConsole();
     if (g_statusWidth > 0) Write(STD_ERROR_HANDLE, "\n");
     // Immediately: an orderly exit would unload the module during its sweep.
     if (canStop) TerminateProcess(GetCurrentProcess(), static_cast<UINT>(STATUS_CONTROL_C_EXIT));
-    return FALSE;  // the window is closed, or the user logs off: the system ends the process
+    return FALSE;  // nothing to save: the system ends the process
 }
 
 // Requires the output mutex. Erases the line with spaces, which works on every console.

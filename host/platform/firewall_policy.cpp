@@ -172,6 +172,9 @@ bool ReadState(FirewallState& state) {
         !policy || FAILED(policy.Get()->get_CurrentProfileTypes(&profiles))) {
         return false;
     }
+    NET_FW_MODIFY_STATE effect = NET_FW_MODIFY_STATE_OK;  // of a change to the local policy
+    state.isOverridden = SUCCEEDED(policy.Get()->get_LocalPolicyModifyState(&effect)) &&
+                         effect == NET_FW_MODIFY_STATE_GP_OVERRIDE;
     for (const uint32_t bit : {kDomain, kPrivate, kPublic}) {
         const bool isActive = (static_cast<uint32_t>(profiles) & bit) != 0;
         if (isActive && !ReadProfile(state, *policy.Get(), bit)) return false;

@@ -22,17 +22,47 @@ OwnedFile Open(const std::wstring& path, DWORD access, DWORD disposition) {
 
 std::string LastErrorText() { return ErrorText(GetLastError()); }
 
-// In the same folder, and so on the same disk. Each process has its own.
-std::wstring TemporaryPath(const std::string& path) {
-    return ToWide(path + "." + std::to_string(GetCurrentProcessId()) + ".new");
+std::wstring FullPath(const std::wstring& path) {
+    const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
+    std::wstring full(size, L'\0');
+    full.resize(GetFullPathNameW(path.c_str(), size, full.data(), nullptr));
+    return full;
 }
 
-std::wstring FullPath(const std::string& path) {
-    const std::wstring wide = ToWide(path);
-    const DWORD size = GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
-    std::wstring full(size, L'\0');
-    full.resize(GetFullPathNameW(wide.c_str(), size, full.data(), nullptr));
-    return full;
+// With the prefix that lifts the system's limit of 260 characters, if the path needs it.
+std::wstring SystemPath(const std::string& path) {
+    constexpr size_t kShort = MAX_PATH - 40;  // less what TemporaryPath adds
+    std::wstring wide = ToWide(path);
+    std::wstring full = FullPath(wide);
+    if (full.size() <= kShort || full.rfind(L"\\\\?\\", 0) == 0) return wide;
+    return full.rfind(L"\\\\", 0) == 0 ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
+// In the same folder, and so on the same disk. Each process has its own.
+std::wstring TemporaryPath(const std::string& path) {
+    return SystemPath(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
+}
+
+// ReplaceFileW keeps the rights and the attributes of the old file, but needs one, on a disk that
+// can do it.
+bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
+    return ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
+                        nullptr, nullptr) ||
+           MoveFileExW(temporary.c_str(), path.c_str(),
+                       MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+}
+
+// Virus scanners and indexers open a new or changed file for a moment.
+bool MoveOverPatiently(const std::wstring& path, const std::wstring& temporary) {
+    constexpr int kTries = 20;
+    constexpr DWORD kBetweenMs = 50;
+    for (int left = kTries; !MoveOver(path, temporary); Sleep(kBetweenMs)) {
+        const DWORD error = GetLastError();
+        const bool mayPass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
+                             error == ERROR_USER_MAPPED_FILE;
+        if (!mayPass || --left == 0) return false;
+    }
+    return true;
 }
 
 bool WriteWhole(const std::wstring& path, const std::string& text) {
@@ -52,7 +82,7 @@ bool WriteWhole(const std::wstring& path, const std::string& text) {
 
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem) {
-    const OwnedFile file = Open(ToWide(path), GENERIC_READ, OPEN_EXISTING);
+    const OwnedFile file = Open(SystemPath(path), GENERIC_READ, OPEN_EXISTING);
     std::string text;
     for (size_t done = 0; file;) {
         text.resize(done + kChunk);
@@ -75,19 +105,19 @@ std::optional<Scan> LoadScan(const std::string& path, bool& isBroken, std::strin
 }
 
 bool FileExists(const std::string& path) {
-    if (GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES) return true;
+    if (GetFileAttributesW(SystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES) return true;
     const DWORD error = GetLastError();
     return error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND;
 }
 
 bool IsSamePath(const std::string& one, const std::string& other) {
-    const std::wstring first = FullPath(one), second = FullPath(other);
+    const std::wstring first = FullPath(ToWide(one)), second = FullPath(ToWide(other));
     return CompareStringOrdinal(first.c_str(), static_cast<int>(first.size()), second.c_str(),
                                 static_cast<int>(second.size()), TRUE) == CSTR_EQUAL;
 }
 
 bool CanReplaceFile(const std::string& path, std::string& problem) {
-    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
+    const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
     if (attributes != INVALID_FILE_ATTRIBUTES &&
         (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0) {
         problem = attributes & FILE_ATTRIBUTE_DIRECTORY ? "is a directory" : "is read-only";
@@ -107,9 +137,7 @@ bool ReplaceFileText(const std::string& path, const std::string& text, std::stri
         DeleteFileW(temporary.c_str());
         return false;
     }
-    if (MoveFileExW(temporary.c_str(), ToWide(path).c_str(),
-                    MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-        return true;
+    if (MoveOverPatiently(SystemPath(path), temporary)) return true;
     // The new file is complete, so it is kept: another program may have the old one open.
     problem = "cannot be replaced" + LastErrorText() + "; the new one is " + ToUtf8(temporary);
     return false;

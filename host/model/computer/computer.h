@@ -56,6 +56,7 @@ struct FirewallState {
     bool isKnown = false;
     std::vector<FirewallProfile> active;
     std::vector<FirewallRule> rules;
+    bool isOverridden = false;  // a group policy decides; what is here is this computer's own part
 };
 
 struct LogSwitches {

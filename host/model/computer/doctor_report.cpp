@@ -46,6 +46,10 @@ ReportSection FirewallSection(const FirewallReport& report) {
                         ": " + PassageText(verdict.passage) + " (" + verdict.reason + ")",
                     isOpen ? Severity::kFine : Severity::kAttention);
     }
+    if (report.isOverridden) {
+        section.Add("", "a group policy takes precedence over this; ask who manages this computer",
+                    Severity::kAttention);
+    }
     if (!report.commands.empty()) section.Add("", "to let answers in, run as an administrator:");
     for (const std::string& command : report.commands) {
         section.Add("", command);

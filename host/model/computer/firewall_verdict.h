@@ -23,6 +23,7 @@ struct PortVerdict {
 
 struct FirewallReport {
     bool isKnown = false;
+    bool isOverridden = false;       // as in FirewallState
     std::vector<PortVerdict> ports;  // of each active profile
     // For an administrator, to let answers in; empty if they are let in, or if no command can help.
     std::vector<std::string> commands;

@@ -127,6 +127,7 @@ void AddPlan(cJSON* root, const char* name, const SweepPlan& plan) {
 void AddFirewall(cJSON* root, const FirewallReport& report) {
     cJSON* object = cJSON_AddObjectToObject(root, "firewall");
     cJSON_AddBoolToObject(object, "isKnown", report.isKnown);
+    cJSON_AddBoolToObject(object, "isOverriddenByPolicy", report.isOverridden);
     AddObjects(object, "ports", report.ports, [](cJSON* element, const PortVerdict& verdict) {
         AddText(element, "profile", verdict.profile);
         cJSON_AddNumberToObject(element, "port", verdict.port);
