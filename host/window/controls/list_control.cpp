@@ -113,11 +113,13 @@ void ListControl::Refresh() {
     isChanging_ = true;
     ListView_SetItemCountEx(list_, static_cast<int>(model_.Count()), LVSICF_NOSCROLL);
     InvalidateRect(list_, nullptr, FALSE);
+    reported_ = Selected();
     isChanging_ = false;
 }
 
 void ListControl::Select(int row) {
     constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
+    reported_ = row;
     if (Selected() == row) return;
     isChanging_ = true;
     ListView_SetItemState(list_, -1, 0, kSelected);
@@ -182,21 +184,21 @@ LRESULT ListControl::OnNotify(NMHDR* header) {
         case NM_CUSTOMDRAW:
             return Draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
         case LVN_ITEMCHANGED:
-            if (!isChanging_) model_.OnSelected();
+            OnChanged();
             return 0;
         case LVN_COLUMNCLICK:
             model_.OnHeading(static_cast<size_t>(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem));
             return 0;
-        case LVN_GETEMPTYMARKUP: {
-            auto* markup = reinterpret_cast<NMLVEMPTYMARKUP*>(header);
-            const unsigned text = model_.EmptyText();
-            markup->dwFlags = EMF_CENTERED;
-            if (text != 0) lstrcpynW(markup->szMarkup, Text(text).c_str(), L_MAX_URL_LENGTH);
-            return text != 0;
-        }
+        case LVN_ODFINDITEMW:
+            return FindRow(*reinterpret_cast<NMLVFINDITEMW*>(header));
         default:
             return 0;
     }
+}
+
+// Up to three messages tell of one change.
+void ListControl::OnChanged() {
+    if (!isChanging_ && std::exchange(reported_, Selected()) != reported_) model_.OnSelected();
 }
 
 void ListControl::FillCell(LVITEMW& item) const {
@@ -205,11 +207,45 @@ void ListControl::FillCell(LVITEMW& item) const {
     if (item.mask & LVIF_IMAGE) item.iImage = -1;
 }
 
+// From the row where the list begins to search; -1: none begins with the typed letters.
+LRESULT ListControl::FindRow(const NMLVFINDITEMW& search) const {
+    const int count = static_cast<int>(model_.Count());
+    if (!(search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !search.lvfi.psz) return -1;
+    const std::wstring typed = search.lvfi.psz;
+    const auto order = ShownOrder();
+    for (int step = 0; step < count; ++step) {
+        const int row = (std::max(search.iStart, 0) + step) % count;
+        const std::wstring text = TextOf(row, order.empty() ? 0 : order.front());
+        const auto size = static_cast<int>(std::min(text.size(), typed.size()));
+        if (CompareStringOrdinal(text.c_str(), size, typed.c_str(), static_cast<int>(typed.size()),
+                                 TRUE) == CSTR_EQUAL)
+            return row;
+    }
+    return -1;
+}
+
+// In place of rows. The list itself would ask only once, and never again when the reason changes.
+void ListControl::DrawEmpty(HDC dc) const {
+    RECT place = {}, heading = {};
+    GetClientRect(list_, &place);
+    GetWindowRect(ListView_GetHeader(list_), &heading);
+    place.top += heading.bottom - heading.top + Scaled(kRowHeight / 2, dpi_);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
+    DrawTextW(dc, Text(model_.EmptyText()).c_str(), -1, &place,
+              DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
+}
+
 LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
+            if (EmptyText() != 0) return CDRF_NOTIFYPOSTPAINT;
+            return CDRF_NOTIFYITEMDRAW;
+        case CDDS_POSTPAINT:
+            DrawEmpty(draw.nmcd.hdc);
+            return CDRF_DODEFAULT;
         case CDDS_ITEMPREPAINT:
             return CDRF_NOTIFYITEMDRAW;  // CDRF_NOTIFYSUBITEMDRAW is the same number
         case CDDS_ITEMPREPAINT | CDDS_SUBITEM:

@@ -59,6 +59,8 @@ class ListControl {
     void Move(const RECT& place);
     // Shows what the model has now.
     void Refresh();
+    // The string that is shown in place of rows; 0: none.
+    unsigned EmptyText() const { return model_.Count() == 0 ? model_.EmptyText() : 0; }
     // -1: none. Selecting by a call is not reported to the model.
     int Selected() const { return ListView_GetNextItem(list_, -1, LVNI_SELECTED); }
     void Select(int row);
@@ -85,8 +87,11 @@ class ListControl {
     bool FindMenuPlace(LPARAM place, MenuPlace& found) const;
 
   private:
+    void OnChanged();
     void FillCell(LVITEMW& item) const;
     LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
+    void DrawEmpty(HDC dc) const;
+    LRESULT FindRow(const NMLVFINDITEMW& search) const;
     std::wstring TextOf(int row, int column) const;
     std::wstring RowText(size_t row) const;
     std::vector<int> ShownOrder() const;
@@ -96,6 +101,7 @@ class ListControl {
     int dpi_ = 96;
     OwnedImages images_;       // none: their size is that of a row
     bool isChanging_ = false;  // by a call
+    int reported_ = -1;        // the selected row that the model knows of
 };
 
 // Handles a message from a list to its window. Empty: the message is from no list.

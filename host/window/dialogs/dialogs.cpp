@@ -40,7 +40,7 @@ const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure) {
     type.lpfnWndProc = procedure;
     type.hInstance = GetModuleHandleW(nullptr);
     type.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
-    type.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
+    type.hIcon = LoadIconW(type.hInstance, MAKEINTRESOURCEW(1));  // see cmake/CompileOptions.cmake
     type.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
     type.lpszClassName = name;
     RegisterClassW(&type);  // fails harmlessly if it is already registered
@@ -108,6 +108,21 @@ void ListDialog::BeginDialog(const std::wstring& title, int list,
     list_.Refresh();
 }
 
+namespace {
+
+// A program with a window gets no console, but may have been started from one.
+HANDLE ErrorOutput() {
+    const HANDLE given = GetStdHandle(STD_ERROR_HANDLE);
+    if ((given && given != INVALID_HANDLE_VALUE) || !AttachConsole(ATTACH_PARENT_PROCESS))
+        return given;
+    const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
+                                       OPEN_EXISTING, 0, nullptr);
+    SetStdHandle(STD_ERROR_HANDLE, console);  // which stays open for the next problem
+    return console;
+}
+
+}  // namespace
+
 void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {
     if (!isScript) {
         MessageBoxW(owner, problem.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
@@ -115,8 +130,7 @@ void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {
     }
     const std::string text = "VnBrowser: " + ToUtf8(problem) + "\n";
     DWORD written = 0;
-    WriteFile(GetStdHandle(STD_ERROR_HANDLE), text.data(), static_cast<DWORD>(text.size()),
-              &written, nullptr);
+    WriteFile(ErrorOutput(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
 }
 
 void ShowException(HWND owner, bool isScript) noexcept {

@@ -26,11 +26,25 @@ constexpr UINT kFrameMs = 100;
 }  // namespace
 
 struct MainWindow::Message {
+    UINT id;
     WPARAM wParam;
     LPARAM lParam;
     std::optional<LRESULT> result = 0;
 };
 struct MainWindow::MessageRow {
+    static void KeepFocus(MainWindow& self, Message& message) {
+        self.focus_.OnMessage(self.Handle(), message.id, message.wParam,
+                              GetDlgItem(self.Handle(), IDC_FIND));
+        message.result.reset();
+    }
+    // Controls hear of colours and fonts from their window alone.
+    static void Redraw(MainWindow& self, Message& message) {
+        for (HWND child = GetWindow(self.Handle(), GW_CHILD); child;
+             child = GetWindow(child, GW_HWNDNEXT))
+            SendMessageW(child, message.id, message.wParam, message.lParam);
+        self.SetDpi(self.dpi_);
+        message.result.reset();
+    }
     UINT message;
     void (*handle)(MainWindow& self, Message& message);
 };
@@ -55,6 +69,11 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
                       box->bottom - box->top, SWP_NOZORDER | SWP_NOACTIVATE);
          self.Place();
      }},
+    {WM_ACTIVATE, MessageRow::KeepFocus},
+    {WM_SETFOCUS, MessageRow::KeepFocus},
+    {WM_SYSCOLORCHANGE, MessageRow::Redraw},
+    {WM_THEMECHANGED, MessageRow::Redraw},
+    {WM_SETTINGCHANGE, MessageRow::Redraw},
     {WM_INITMENUPOPUP,
      [](MainWindow& self, Message& menu) {
          EnableCommands(self, reinterpret_cast<HMENU>(menu.wParam));
@@ -141,9 +160,10 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     state.workers->ReadAdapters();
     ShowRows();
     ShowStatus();
-    if (!state.options.exit)
+    if (!state.options.exit) {  // nothing of a script comes to the front
         ShowWindow(state.window, settings_.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
-    SetFocus(GetDlgItem(state.window, IDC_FIND));
+        SetFocus(GetDlgItem(state.window, IDC_FIND));
+    }
     ApplyOptions();
     RefreshEvery(settings_.refreshMinutes);
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
@@ -176,7 +196,7 @@ void MainWindow::Dispatch(MSG& message) {
 std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
     for (const MessageRow& row : kMessages) {
         if (row.message != message) continue;
-        Message handled = {wParam, lParam};
+        Message handled = {message, wParam, lParam};
         row.handle(*this, handled);
         return handled.result;
     }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "window/controls/kept_focus.h"
 #include "window/controls/owners.h"
 #include "window/main/device_commands.h"
 #include "window/main/device_list.h"
@@ -87,6 +88,7 @@ class MainWindow {
 
     ResultHandler handler_{state, searches, devices, calls};
     Settings settings_;
+    KeptFocus focus_;
     OwnedFont font_;
     OwnedAccelerators keys_;
     int dpi_ = 96;

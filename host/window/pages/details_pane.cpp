@@ -92,8 +92,9 @@ void DetailsPane::Resize(const RECT& place, int dpi) {
         // Only a new font makes the control compute its tabs.
         SendMessageW(tabs_, WM_SETFONT, SendMessageW(tabs_, WM_GETFONT, 0, 0), TRUE);
     }
-    MoveWindow(tabs_, place.left, place.top, place.right - place.left, place.bottom - place.top,
-               FALSE);
+    RECT former = {};
+    GetClientRect(tabs_, &former);
+    MoveWindow(tabs_, place.left, place.top, place.right - place.left, former.bottom, TRUE);
     RECT page = {0, 0, place.right - place.left, place.bottom - place.top};
     TabCtrl_AdjustRect(tabs_, FALSE, &page);  // below all rows of tabs
     MoveWindow(tabs_, place.left, place.top, place.right - place.left, page.top, TRUE);

@@ -5,6 +5,7 @@
 
 #include "platform/messages.h"
 #include "window/controls/dpi.h"
+#include "window/controls/kept_focus.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 
@@ -20,8 +21,8 @@ class ReportWindow {
         const int dpi = DpiOf(owner);
         window_ = CreateWindowExW(
             WS_EX_CONTROLPARENT, RegisterType(kType, WindowProcedure<ReportWindow>), title.c_str(),
-            WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT, Scaled(820, dpi), Scaled(420, dpi),
-            owner, nullptr, GetModuleHandleW(nullptr), nullptr);
+            WS_OVERLAPPEDWINDOW & ~WS_MINIMIZEBOX, CW_USEDEFAULT, CW_USEDEFAULT, Scaled(820, dpi),
+            Scaled(420, dpi), owner, nullptr, GetModuleHandleW(nullptr), nullptr);
         if (!window_) return nullptr;
         list_.Create(window_, IDC_DETAILS, title);
         SetDpi(dpi);
@@ -44,6 +45,10 @@ class ReportWindow {
                 SetDpi(HIWORD(wParam));
                 return 0;
             }
+            case WM_ACTIVATE:
+            case WM_SETFOCUS:
+                focus_.OnMessage(window, message, wParam, list_.Handle());
+                return std::nullopt;
             case kShow:
                 list_.Show(std::move(*reinterpret_cast<std::vector<ReportRow>*>(lParam)));
                 return 0;
@@ -74,6 +79,7 @@ class ReportWindow {
     }
 
     HWND window_ = nullptr;
+    KeptFocus focus_;
     OwnedFont font_;
     int dpi_ = 96;
     FactsList list_;

@@ -99,12 +99,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     EXPECT_EQ(L"up", Value(0, 5));
     Select(1);  // which is silent
     EXPECT_EQ(0, Rows());
-    const auto empty = [&] {
-        NMLVEMPTYMARKUP markup = {};
-        markup.hdr = {Control(IDC_TABLE), IDC_TABLE, static_cast<UINT>(LVN_GETEMPTYMARKUP)};
-        SendMessageW(window_->Handle(), WM_NOTIFY, IDC_TABLE, reinterpret_cast<LPARAM>(&markup));
-        return std::wstring(markup.szMarkup);
-    };
+    const auto empty = [&] { return Text(ListControl::Of(Control(IDC_TABLE))->EmptyText()); };
     EXPECT_EQ(Text(IDS_NOT_ASKED), empty());
     EXPECT_TRUE(Until([&] { return empty() == Text(IDS_INTERFACES_NONE); }));
     EndSweep();

@@ -1,4 +1,5 @@
 #include "scripted_window.h"
+#include "window/pages/report_window.h"
 
 namespace {
 
@@ -223,6 +224,16 @@ TEST_F(MainWindowTest, AccessKeysAreUnique) {
          child = GetWindow(child, GW_HWNDNEXT))
         take(TextOf(child));
     EXPECT_GE(letters.size(), 12u);
+}
+
+TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {
+    Open();
+    SetFocus(Control(IDC_FILTER));
+    const HWND page = OpenReport(window_->Handle(), L"a page", {});
+    EXPECT_EQ(GetDlgItem(page, IDC_DETAILS), GetFocus());
+    DestroyWindow(page);
+    SetActiveWindow(window_->Handle());
+    EXPECT_EQ(Control(IDC_FILTER), GetFocus());
 }
 
 }  // namespace

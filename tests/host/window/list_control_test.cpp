@@ -1,0 +1,98 @@
+#include "window/controls/list_control.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/messages.h"
+#include "window/resource.h"
+
+namespace vndiscover::host {
+namespace {
+
+// A list in a dialog, and one that answers it.
+class Lists : public testing::Test, private ListModel {
+  public:
+    std::optional<LRESULT> OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+        return HandleListMessage(message, wParam, lParam);
+    }
+    void OnException() noexcept {}
+
+  protected:
+    Lists() {
+        const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES};
+        InitCommonControlsEx(&controls);
+        struct {
+            DLGTEMPLATE dialog;
+            WORD menuTypeAndTitle[3];
+        } form = {{WS_POPUP | WS_VISIBLE, 0, 0, 0, 0, 200, 100}, {}};
+        dialog_ =
+            CreateDialogIndirectParamW(GetModuleHandleW(nullptr), &form.dialog, nullptr,
+                                       DialogProcedure<Lists>, reinterpret_cast<LPARAM>(this));
+        list_.Create(dialog_, IDC_DETAILS, L"Facts");
+        list_.SetColumns({{IDS_FACT_WHAT, 100}});
+        list_.Move({0, 0, 200, 100});
+    }
+    ~Lists() override { DestroyWindow(dialog_); }
+
+    int SelectedAfter(const wchar_t* typed) {
+        list_.Select(-1);
+        for (; *typed; ++typed) SendMessageW(list_.Handle(), WM_CHAR, *typed, 1);
+        return list_.Selected();
+    }
+    // Whether anything is drawn in place of rows.
+    bool DrawsText() {
+        const WindowDc screen(nullptr);
+        const OwnedMemoryDc dc(CreateCompatibleDC(screen.Get()));
+        const OwnedBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 200, 100));
+        const Selection drawing(dc.Get(), bitmap.Get());
+        PatBlt(dc.Get(), 0, 0, 200, 100, WHITENESS);
+        SendMessageW(list_.Handle(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc.Get()),
+                     PRF_CLIENT);
+        const COLORREF paper = GetPixel(dc.Get(), 1, 90);
+        for (int y = 30; y < 90; ++y) {
+            for (int x = 1; x < 190; ++x) {
+                if (GetPixel(dc.Get(), x, y) != paper) return true;
+            }
+        }
+        return false;
+    }
+
+    HWND dialog_ = nullptr;
+    ListControl list_{*this};
+    std::vector<std::wstring> texts_;
+    unsigned emptyText_ = 0;
+    int reports_ = 0;  // of the second row
+
+  private:
+    size_t Count() const override { return texts_.size(); }
+    std::wstring CellText(size_t row, size_t) const override { return texts_[row]; }
+    void OnSelected() override { reports_ += list_.Selected() == 1; }
+    unsigned EmptyText() const override { return emptyText_; }
+};
+
+TEST_F(Lists, TypedLettersFindTheirRow) {
+    texts_ = {L"Cyan", L"Black", L"Blue"};
+    list_.Refresh();
+    EXPECT_EQ(2, SelectedAfter(L"blu"));
+    EXPECT_EQ(-1, SelectedAfter(L"z"));
+}
+
+TEST_F(Lists, OneChangeIsReportedOnce) {
+    texts_ = {L"Cyan", L"Black"};
+    list_.Refresh();
+    list_.Select(0);
+    SendMessageW(list_.Handle(), WM_KEYDOWN, VK_DOWN, 1);
+    EXPECT_EQ(1, reports_);
+}
+
+TEST_F(Lists, EmptyOnesSayWhyEachTime) {
+    list_.Refresh();
+    EXPECT_FALSE(DrawsText());
+    emptyText_ = IDS_NO_SELECTION;
+    EXPECT_TRUE(DrawsText());
+    texts_ = {L""};
+    list_.Refresh();
+    EXPECT_FALSE(DrawsText());
+}
+
+}  // namespace
+}  // namespace vndiscover::host
