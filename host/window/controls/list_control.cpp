@@ -232,7 +232,7 @@ void ListControl::DrawEmpty(HDC dc) const {
     place.top += heading.bottom - heading.top + Scaled(kRowHeight / 2, dpi_);
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-    DrawTextW(dc, Text(model_.EmptyText()).c_str(), -1, &place,
+    DrawTextW(dc, Text(EmptyText()).c_str(), -1, &place,
               DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 

@@ -104,8 +104,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          self.state.progress.SetNote(copying.wParam ? L"" : Text(IDS_NOT_COPIED));
          self.ShowStatus();
      }},
-    {WM_QUERYENDSESSION,
-     [](MainWindow& self, Message& message) { message.result = self.MayClose(); }},
+    // The system allows no dialog, and would end the program while it waits for one.
+    {WM_QUERYENDSESSION, [](MainWindow&, Message& message) { message.result = TRUE; }},
     {WM_CLOSE,
      [](MainWindow& self, Message&) {
          if (self.MayClose()) self.OnClose();
@@ -116,6 +116,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          // The process may end right after this.
          self.StoreSettings();
          if (self.searches.WillSave()) self.EndEarly();
+         self.scans.KeepForNextStart();
      }},
     {WM_DESTROY, [](MainWindow& self, Message&) {
          Attach<MainWindow>(self.Handle(), nullptr);
@@ -175,6 +176,7 @@ MainWindow::~MainWindow() {
 }
 
 int MainWindow::Run() {
+    if (!state.options.exit && !state.options.sweep) scans.OfferKept();
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
     return state.exitCode;

@@ -7,6 +7,7 @@
 #include "model/scan/device_writer.h"
 #include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
+#include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
@@ -160,6 +161,25 @@ bool ScanCommands::MayDrop() {
     const int answer = AskToSave(state_.window);
     if (answer == IDYES) Save();
     return answer == IDNO || !state_.session.IsUnsaved();
+}
+
+void ScanCommands::KeepForNextStart() {
+    std::wstring note;
+    if (!state_.options.exit && state_.session.IsUnsaved())
+        SaveScan(state_.session.GetScan(), KeptPath(), note);
+}
+
+void ScanCommands::OfferKept() {
+    const std::string path = KeptPath();
+    std::wstring problem;
+    auto scan = FileExists(path) ? LoadScan(path, problem) : std::nullopt;
+    if (scan && MessageBoxW(state_.window, Text(IDS_ASK_KEPT).c_str(), Text(IDS_TITLE).c_str(),
+                            MB_YESNO | MB_ICONQUESTION) == IDYES) {
+        state_.session.SetScan(std::move(*scan));
+        state_.session.SetSaved(false);
+        state_.showRows();
+    }
+    DeleteFileW(ToWide(path).c_str());
 }
 
 }  // namespace vndiscover::host

@@ -42,6 +42,11 @@ class ScanCommands {
     // Returns false if the scan must stay, because the user wants to keep it unsaved.
     bool MayDrop();
 
+    // For the end of the user's session: an unsaved scan is kept in a file of the user's, without
+    // any dialog. The next start offers it once.
+    void KeepForNextStart();
+    void OfferKept();
+
   private:
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (ScanCommands::*method)(const std::string& path));

@@ -37,6 +37,11 @@ std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {
     return scan;
 }
 
+std::string KeptPath() {
+    const wchar_t* folder = _wgetenv(L"LOCALAPPDATA");
+    return ToUtf8(std::wstring(folder ? folder : L".") + L"\\VnBrowser unsaved.json");
+}
+
 bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note) {
     std::string reason;
     const auto text = WriteScan(scan, reason);

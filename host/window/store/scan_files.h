@@ -18,6 +18,9 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
 // Returns nothing, with the reason in `problem`, if the file has no scan of this version.
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);
 
+// Of the scan that a session's end has left unsaved.
+std::string KeptPath();
+
 // An existing file is not touched until the new one is complete. Returns false if it was not saved;
 // `note` tells in either case.
 bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note);

@@ -39,7 +39,7 @@ class Session {
     const Scan& GetScan() const { return scan_; }
     // Whether the scan has answers, or splits, that are in no file.
     bool IsUnsaved() const { return isUnsaved_; }
-    void SetSaved() { isUnsaved_ = false; }
+    void SetSaved(bool isSaved = true) { isUnsaved_ = !isSaved; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
     // Adds numeric addresses, each as what the user has typed.
     void AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,

@@ -221,5 +221,24 @@ TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
     RemoveDirectoryW(obstacle.c_str());
 }
 
+TEST_F(Files, UnsavedScanOutlivesTheSession) {
+    const std::wstring former = _wgetenv(L"LOCALAPPDATA") ? _wgetenv(L"LOCALAPPDATA") : L"";
+    _wputenv_s(L"LOCALAPPDATA", ToWide(path_.substr(0, path_.find_last_of("\\/"))).c_str());
+    OpenWithDevices();
+    const std::wstring shown = Addresses();
+    EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
+    SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
+    for (const int answer : {IDYES, IDNO}) {
+        Open();
+        const std::string asked = Answer({answer}, [&] { window_->scans.OfferKept(); });
+        EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
+        EXPECT_EQ(answer == IDYES ? shown : L"", Addresses());
+        SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);  // it is still in no file
+    }
+    Open();
+    window_->scans.OfferKept();  // asks no more
+    _wputenv_s(L"LOCALAPPDATA", former.c_str());
+}
+
 }  // namespace
 }  // namespace vndiscover::host
