@@ -232,8 +232,7 @@ void ListControl::DrawEmpty(HDC dc) const {
     place.top += heading.bottom - heading.top + Scaled(kRowHeight / 2, dpi_);
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-    DrawTextW(dc, Text(EmptyText()).c_str(), -1, &place,
-              DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
+    DrawTextW(dc, Text(EmptyText()).c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
 LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {
