@@ -225,14 +225,13 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
     const std::wstring former = _wgetenv(L"LOCALAPPDATA") ? _wgetenv(L"LOCALAPPDATA") : L"";
     _wputenv_s(L"LOCALAPPDATA", ToWide(path_.substr(0, path_.find_last_of("\\/"))).c_str());
     OpenWithDevices();
-    const std::wstring shown = Addresses();
     EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
     for (const int answer : {IDYES, IDNO}) {
         Open();
         const std::string asked = Answer({answer}, [&] { window_->scans.OfferKept(); });
         EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
-        EXPECT_EQ(answer == IDYES ? shown : L"", Addresses());
+        EXPECT_EQ(answer == IDYES, Addresses().find(L"10.77.1.11;") != std::wstring::npos);
         SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);  // it is still in no file
     }
     Open();
