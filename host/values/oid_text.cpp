@@ -91,12 +91,13 @@ bool IsMisencoded(const Oid& oid) {
                        [](uint32_t arc) { return arc >= kTwoByteArcLimit; });
 }
 
-bool FitsRequest(const Oid& oid) {
-    if (oid.size() < 2) return false;
+size_t RequestOctets(const Oid& oid) {
     size_t octets = 1;
     for (size_t i = 2; i < oid.size(); ++i) octets += oid[i] < 128 ? 1 : 2;
-    return octets <= kRequestOidMax;
+    return octets;
 }
+
+bool FitsRequest(const Oid& oid) { return oid.size() >= 2 && RequestOctets(oid) <= kRequestOidMax; }
 
 Oid JustBefore(Oid oid) {
     if (oid.back() == 0) {
@@ -109,6 +110,15 @@ Oid JustBefore(Oid oid) {
 
 bool IsWithin(const Oid& oid, const Oid& root) {
     return oid.size() >= root.size() && std::equal(root.begin(), root.end(), oid.begin());
+}
+
+Oid Head(const Oid& oid, size_t size) { return {oid.data(), oid.data() + size}; }
+
+Oid Tail(const Oid& oid, size_t start) { return {oid.data() + start, oid.data() + oid.size()}; }
+
+Oid Append(Oid oid, const Oid& arcs) {
+    oid.insert(oid.end(), arcs.begin(), arcs.end());
+    return oid;
 }
 
 }  // namespace vndiscover::host

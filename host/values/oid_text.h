@@ -31,8 +31,10 @@ std::string EncodeOid(const Oid& oid);
 // that loses bits, so that another variable is requested.
 bool IsMisencoded(const Oid& oid);
 
-// Whether a request can hold it: two arcs or more, and at most 124 content octets as the module
-// encodes it.
+// Content octets as the module encodes it.
+size_t RequestOctets(const Oid& oid);
+
+// Whether a request can hold it: two arcs or more, and at most 124 such octets.
 bool FitsRequest(const Oid& oid);
 
 // The OID whose get-next request returns `oid`, unless the device has a variable between the two.
@@ -41,5 +43,10 @@ Oid JustBefore(Oid oid);
 
 // True for `root` itself too.
 bool IsWithin(const Oid& oid, const Oid& root);
+
+// The first arcs of an OID, those from `start` on, and an OID with further arcs behind it.
+Oid Head(const Oid& oid, size_t size);
+Oid Tail(const Oid& oid, size_t start);
+Oid Append(Oid oid, const Oid& arcs);
 
 }  // namespace vndiscover::host

@@ -24,6 +24,7 @@ bool PatientAsker::HasSign(const Oid& oid) {
 
 Answer PatientAsker::Ask(const Oid& oid, const std::function<Answer()>& ask) {
     const auto mayGoOn = [&] { return !asker_.mayGoOn || asker_.mayGoOn(); };
+    if (const auto known = silent_.find(oid); known != silent_.end()) return known->second;
     Answer answer = ask();
     if (IsSilence(answer) && hasAnswered_ && mayGoOn()) answer = ask();
     if (!IsSilence(answer)) {
@@ -31,10 +32,12 @@ Answer PatientAsker::Ask(const Oid& oid, const std::function<Answer()>& ask) {
         return answer;
     }
     if (!mayGoOn() || !HasSign(oid)) return answer;
-    if (!std::exchange(hasAnswered_, true) && mayGoOn()) answer = ask();
+    hasAnswered_ = true;
+    if (mayGoOn()) answer = ask();
     if (!IsSilence(answer)) return answer;
     const bool isV3 = answer.status == Status::kOnlyDiscovered;
-    return Failed(Status::kSilentHere, oid, isV3 ? "perhaps it has more than 126 bytes" : "");
+    return silent_[oid] =
+               Failed(Status::kSilentHere, oid, isV3 ? "perhaps it has more than 126 bytes" : "");
 }
 
 }  // namespace vndiscover::host

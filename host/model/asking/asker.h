@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 
 #include "model/asking/answer.h"
 
@@ -26,9 +27,11 @@ inline int64_t NowMs(const Asker& asker) {
 }
 
 // Repeats what gets no answer. The datagram may have been lost, so it is sent once more; if it
-// stays unanswered, sysUpTime tells whether the device is silent or only this variable:
-// kSilentHere. A device that has not answered anything yet is asked for sysUpTime first, so that
-// one that is switched off costs two waits.
+// stays unanswered, sysUpTime tells whether the device is silent or only this variable. If the
+// device answers, the request is sent a third time: of hundreds of requests, some lose two
+// datagrams in a row. Then the variable is kSilentHere, and is not asked for again. A device that
+// has not answered anything yet is asked for sysUpTime first, so that one that is switched off
+// costs two waits.
 class PatientAsker {
   public:
     // `asker` must outlive it.
@@ -45,6 +48,7 @@ class PatientAsker {
 
     const Asker& asker_;
     bool hasAnswered_;
+    std::map<Oid, Answer> silent_;  // by what was asked for
 };
 
 }  // namespace vndiscover::host

@@ -27,7 +27,7 @@ Oid WalkStart(const Oid& root) {
 }
 
 std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>& seen) {
-    constexpr uint32_t kRows = 32;
+    constexpr uint32_t kRows = 32, kSubtrees = 64;
     std::set<Oid> ways;
     const auto add = [&](const Oid& oid) {
         if (oid > at && IsWithin(oid, root) && FitsRequest(oid) && !IsMisencoded(oid))
@@ -36,38 +36,28 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
     // `oid`, and the rows below it that are the first ones below `like`.
     const auto addWithRows = [&](const Oid& oid, const Oid& like) {
         add(oid);
-        auto seenRow = std::lower_bound(seen.begin(), seen.end(), like);
-        for (uint32_t rows = 0; rows < kRows; ++rows, ++seenRow) {
-            if (seenRow == seen.end() || !IsWithin(*seenRow, like)) return;
-            Oid row = oid;
-            row.insert(row.end(), seenRow->begin() + static_cast<ptrdiff_t>(like.size()),
-                       seenRow->end());
-            add(row);
+        auto row = std::lower_bound(seen.begin(), seen.end(), like);
+        for (uint32_t rows = 0; rows < kRows; ++rows, ++row) {
+            if (row == seen.end() || !IsWithin(*row, like)) return;
+            add(Append(oid, Tail(*row, like.size())));
         }
     };
     // The next row, column, table ...
     for (size_t size = at.size(); size > root.size(); --size) {
-        const Oid like(at.begin(), at.begin() + static_cast<ptrdiff_t>(size));
-        Oid next = like;
+        Oid next = Head(at, size);
         for (uint32_t step = 0; step < (size == at.size() ? kRows : 1); ++step) {
             ++next.back();
-            addWithRows(next, like);
+            addWithRows(next, Head(at, size));
         }
     }
     for (size_t i = 0; i < kObjectNameCount; ++i) {
-        Oid object = OidOf(kObjectNames[i].name);
+        const Oid& object = OidOf(kObjectNames[i].name);
         const bool isInTable =
-            at.size() >= object.size() && IsWithin(at, Oid(object.begin(), object.end() - 1));
-        const auto size = static_cast<ptrdiff_t>(object.size());
-        addWithRows(object, isInTable ? Oid(at.begin(), at.begin() + size) : object);
-        object.push_back(0);
-        add(object);
-        object.back() = 1;
-        add(object);
+            at.size() >= object.size() && IsWithin(at, Head(object, object.size() - 1));
+        addWithRows(object, isInTable ? Head(at, object.size()) : object);
+        for (const uint32_t instance : {0, 1}) add(Append(object, {instance}));
     }
-    constexpr uint32_t kSubtrees = 64;
-    Oid subtree = root;
-    subtree.push_back(at.size() > root.size() ? at[root.size()] : 0);
+    Oid subtree = Append(root, {at.size() > root.size() ? at[root.size()] : 0});
     for (uint32_t step = 0; step < kSubtrees; ++step) {
         ++subtree.back();
         add(subtree);

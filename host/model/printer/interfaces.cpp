@@ -38,11 +38,10 @@ std::vector<Interface> InterfacesOf(const PrinterAnswers& answers) {
         {"ifOperStatus", &Interface::operStatus}};
     std::map<uint32_t, Interface> rows;
     for (const auto& [object, field] : kColumns) {
-        const Oid& column = OidOf(object);
-        for (auto at = answers.values.lower_bound(column);
-             at != answers.values.end() && IsWithin(at->first, column); ++at) {
-            if (at->first.size() == column.size() + 1)
-                rows[at->first.back()].*field = ColumnText(object, at->second);
+        for (const Oid& row : RowsOf(answers, object)) {
+            if (row.size() == 1)
+                rows[row[0]].*field =
+                    ColumnText(object, answers.values.at(Append(OidOf(object), row)));
         }
     }
     std::vector<Interface> interfaces;

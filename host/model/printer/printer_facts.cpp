@@ -39,23 +39,23 @@ class Facts {
 
   private:
     const Answer* Find(const char* object, const Oid& instance) const {
-        Oid oid = OidOf(object);
-        oid.insert(oid.end(), instance.begin(), instance.end());
-        const auto found = answers_.values.find(oid);
+        const auto found = answers_.values.find(Append(OidOf(object), instance));
         return found == answers_.values.end() ? nullptr : &found->second;
     }
 
+    // Some devices send a counter as a gauge, or a level as a counter.
     std::optional<int64_t> Number(const char* object, const Oid& instance) const {
         const Answer* answer = Find(object, instance);
-        if (!answer || answer->type != kInteger) return std::nullopt;
-        return SignedNumber(answer->bytes);
+        const auto text = answer ? NumberText(answer->type, answer->bytes) : std::nullopt;
+        if (!text) return std::nullopt;
+        if (answer->type == kInteger) return SignedNumber(answer->bytes);
+        return static_cast<int64_t>(*UnsignedNumber(answer->bytes));
     }
 
     std::optional<uint64_t> Count(const char* object, const Oid& instance) const {
-        const Answer* answer = Find(object, instance);
-        if (!answer || (answer->type != kCounter32 && answer->type != kTimeTicks))
-            return std::nullopt;
-        return UnsignedNumber(answer->bytes);
+        const auto number = Number(object, instance);
+        if (!number || *number < 0) return std::nullopt;
+        return static_cast<uint64_t>(*number);
     }
 
     // In the printer's own character set.
@@ -72,25 +72,13 @@ class Facts {
         return word.empty() ? std::to_string(*number) : word;
     }
 
-    // The instances of a column below `prefix`.
-    std::vector<Oid> Instances(const char* object, const Oid& prefix = {}) const {
-        const Oid& column = OidOf(object);
-        Oid root = column;
-        root.insert(root.end(), prefix.begin(), prefix.end());
-        std::vector<Oid> instances;
-        for (auto at = answers_.values.lower_bound(root);
-             at != answers_.values.end() && IsWithin(at->first, root); ++at) {
-            instances.emplace_back(at->first.begin() + static_cast<ptrdiff_t>(column.size()),
-                                   at->first.end());
-        }
-        return instances;
-    }
-
     // The printer's rows that occur in any of the columns, since a column may be missing.
     std::vector<Oid> Rows(std::initializer_list<const char*> columns) const {
         std::vector<Oid> rows;
         for (const char* column : columns) {
-            for (const Oid& row : Instances(column, {*facts_.deviceIndex})) rows.push_back(row);
+            for (const Oid& row : RowsOf(answers_, column)) {
+                if (row[0] == *facts_.deviceIndex) rows.push_back(row);
+            }
         }
         std::sort(rows.begin(), rows.end());
         rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
@@ -108,9 +96,8 @@ class Facts {
         // Some devices have a printer's tables, but do not list it.
         for (const char* column : {"hrPrinterStatus", "prtGeneralCurrentLocalization",
                                    "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
-            const std::vector<Oid> instances = Instances(column);
-            if (!facts_.deviceIndex && !instances.empty() && !instances[0].empty())
-                facts_.deviceIndex = instances[0][0];
+            const std::vector<Oid> rows = RowsOf(answers_, column);
+            if (!facts_.deviceIndex && !rows.empty()) facts_.deviceIndex = rows[0][0];
         }
     }
 
@@ -138,7 +125,7 @@ class Facts {
             if (!name.empty()) facts_.name = name;
         }
         if (facts_.model.empty()) facts_.model = facts_.description;
-        for (const Oid& instance : Instances("entPhysicalSerialNum")) {
+        for (const Oid& instance : RowsOf(answers_, "entPhysicalSerialNum")) {
             if (facts_.serialNumber.empty())
                 facts_.serialNumber = Text("entPhysicalSerialNum", instance);
         }
@@ -147,7 +134,7 @@ class Facts {
     // Of the first network interface that is up, otherwise of the first one.
     std::string MacAddress() const {
         std::string found;
-        for (const Oid& instance : Instances("ifPhysAddress")) {
+        for (const Oid& instance : RowsOf(answers_, "ifPhysAddress")) {
             const std::string& bytes = Find("ifPhysAddress", instance)->bytes;
             if (bytes.size() != 6 || bytes == std::string(6, '\0') ||
                 Number("ifType", instance) == kLoopback)

@@ -25,12 +25,13 @@ struct Question {
     const char* object;
     const char* subject;
     Way way = Way::kColumn;
+    bool isListed = false;  // a list of printers shows it too
 };
 constexpr Question kQuestions[] = {
     {"sysUpTime", "up since", Way::kScalar},  // first: every agent has it, and it is short
-    {"sysDescr", "description", Way::kScalar},
-    {"sysName", "name", Way::kScalar},
-    {"sysLocation", "location", Way::kScalar},
+    {"sysDescr", "description", Way::kScalar, true},
+    {"sysName", "name", Way::kScalar, true},
+    {"sysLocation", "location", Way::kScalar, true},
     {"hrDeviceType", "model and state"},
     {"hrDeviceDescr", "model and state", Way::kPrinter},
     {"hrDeviceStatus", "model and state", Way::kPrinter},
@@ -38,18 +39,18 @@ constexpr Question kQuestions[] = {
     {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter},
     {"prtGeneralCurrentLocalization", "character set", Way::kPrinter},
     {"prtLocalizationCharacterSet", "character set"},
-    {"prtGeneralPrinterName", "name", Way::kPrinter},
-    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
+    {"prtGeneralPrinterName", "name", Way::kPrinter, true},
+    {"prtGeneralSerialNumber", "serial number", Way::kPrinter, true},
     {"prtMarkerSuppliesColorantIndex", "supplies"},
-    {"prtMarkerSuppliesClass", "supplies"},
-    {"prtMarkerSuppliesType", "supplies"},
-    {"prtMarkerSuppliesDescription", "supplies"},
-    {"prtMarkerSuppliesSupplyUnit", "supplies"},
-    {"prtMarkerSuppliesMaxCapacity", "supplies"},
-    {"prtMarkerSuppliesLevel", "supplies"},
+    {"prtMarkerSuppliesClass", "supplies", Way::kColumn, true},
+    {"prtMarkerSuppliesType", "supplies", Way::kColumn, true},
+    {"prtMarkerSuppliesDescription", "supplies", Way::kColumn, true},
+    {"prtMarkerSuppliesSupplyUnit", "supplies", Way::kColumn, true},
+    {"prtMarkerSuppliesMaxCapacity", "supplies", Way::kColumn, true},
+    {"prtMarkerSuppliesLevel", "supplies", Way::kColumn, true},
     {"prtMarkerColorantValue", "supplies"},
     {"prtMarkerCounterUnit", "page counts"},
-    {"prtMarkerLifeCount", "page counts"},
+    {"prtMarkerLifeCount", "page counts", Way::kColumn, true},
     {"prtInputCapacityUnit", "trays"},
     {"prtInputMaxCapacity", "trays"},
     {"prtInputCurrentLevel", "trays"},
@@ -74,38 +75,26 @@ constexpr Question kInterfaceQuestions[] = {
 };
 // A printer's state, whose first row also names the printer.
 constexpr Question kPrinterStatus = {"hrPrinterStatus", "model and state", Way::kFirst};
-constexpr Question kErrorState = {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter};
 constexpr Question kFirstDevice = {"hrDeviceType", "model and state", Way::kFirst};
+constexpr Question kErrorState = {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter};
 constexpr Question kPrinterDevice[] = {
     {"hrDeviceStatus", "model and state", Way::kPrinter},
     {"hrDeviceDescr", "model and state", Way::kPrinter},
 };
-// For a list of printers, in addition to the state.
-constexpr Question kListQuestions[] = {
-    {"sysName", "name", Way::kScalar},
-    {"sysLocation", "location", Way::kScalar},
-    {"prtGeneralPrinterName", "name", Way::kPrinter},
-    {"prtGeneralSerialNumber", "serial number", Way::kPrinter},
-    {"prtMarkerLifeCount", "page counts", Way::kFirst},
-    {"prtMarkerSuppliesLevel", "supplies"},
-};
-constexpr Question kSupplyQuestions[] = {
-    {"prtMarkerSuppliesDescription", "supplies"},
-    {"prtMarkerSuppliesMaxCapacity", "supplies"},
-    {"prtMarkerSuppliesType", "supplies"},
-    {"prtMarkerSuppliesClass", "supplies"},
-};
-// Only requested if the maximum does not tell: the level may be a percentage.
-constexpr Question kSupplyUnit = {"prtMarkerSuppliesSupplyUnit", "supplies"};
-constexpr Question kFirstSerial = {"entPhysicalSerialNum", "serial number", Way::kFirst};
-// The longest last, since SNMPv1 may not carry it.
-constexpr Question kDescription = {"sysDescr", "firmware", Way::kScalar};
 // Only requested if the printer itself gives no serial number.
 constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
-
+constexpr Question kFirstSerial = {"entPhysicalSerialNum", "serial number", Way::kFirst};
+// Only requested if there is none at all, so that the printer's addresses can be merged.
+constexpr Question kMac = {"ifPhysAddress", "MAC address"};
 const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
 constexpr size_t kMaxFailures = 8;  // in a column
+
+// The OID after a column, or after a row.
+Oid EndOf(Oid oid) {
+    ++oid.back();
+    return oid;
+}
 
 class Reader {
   public:
@@ -122,7 +111,7 @@ class Reader {
         for (const Question& question : questions) Put(question);
     }
     void PutEntitySerial() {
-        if (!HasSerial()) Put(kEntitySerial);
+        if (!HasSerial("prtGeneralSerialNumber")) Put(kEntitySerial);
     }
     PrinterAnswers Finish() {
         answers_.spentMs = NowMs() - startMs_;
@@ -132,24 +121,15 @@ class Reader {
     PrinterAnswers ReadState() {
         Put(kPrinterStatus);
         Put(Printer() ? kErrorState : kFirstDevice);
-        if (Printer()) {
-            for (const Question& question : kPrinterDevice) Put(question);
-        }
+        if (Printer()) Put(kPrinterDevice);
         return Finish();
     }
     PrinterAnswers ReadForList() {
-        for (const Question& question : kListQuestions) Put(question);
-        for (const Oid& row : RowsOf("prtMarkerSuppliesLevel")) {
-            for (const Question& question : kSupplyQuestions) PutRow(question, row);
-            Oid maximum = OidOf("prtMarkerSuppliesMaxCapacity");
-            maximum.insert(maximum.end(), row.begin(), row.end());
-            const auto known = answers_.values.find(maximum);
-            if (known == answers_.values.end() ||
-                SignedNumber(known->second.bytes).value_or(0) <= 0)
-                PutRow(kSupplyUnit, row);
+        for (const Question& question : kQuestions) {
+            if (question.isListed) Put(question);
         }
-        if (!HasSerial()) Put(kFirstSerial);
-        Put(kDescription);
+        if (!HasSerial("prtGeneralSerialNumber")) Put(kFirstSerial);
+        if (!HasSerial("prtGeneralSerialNumber") && !HasSerial("entPhysicalSerialNum")) Put(kMac);
         return Finish();
     }
 
@@ -166,18 +146,15 @@ class Reader {
         if (question.way == Way::kColumn || (question.way == Way::kPrinter && !printer)) {
             ReadColumn(question, oid);
         } else if (question.way == Way::kFirst) {
-            Oid columnEnd = oid;
-            ++columnEnd.back();
             const Answer answer = Ask(oid);
-            Handle(question, answer, IsWithin(answer.oid, oid), columnEnd);
+            Handle(question, answer, IsWithin(answer.oid, oid), EndOf(oid));
         } else {
             PutRow(question, {question.way == Way::kScalar ? 0 : *printer});
         }
     }
 
     void PutRow(const Question& question, const Oid& row) {
-        Oid oid = OidOf(question.object);
-        oid.insert(oid.end(), row.begin(), row.end());
+        const Oid oid = Append(OidOf(question.object), row);
         if (hasStopped_) {
             Miss(question, false, "not asked for");
         } else if (IsMisencoded(oid)) {
@@ -192,18 +169,8 @@ class Reader {
     std::optional<uint32_t> Printer() const {
         const std::vector<uint32_t> listed = ListedPrinters(answers_);
         if (!listed.empty()) return listed.front();
-        const std::vector<Oid> rows = RowsOf("hrPrinterStatus");
+        const std::vector<Oid> rows = RowsOf(answers_, "hrPrinterStatus");
         return rows.empty() ? std::nullopt : std::optional<uint32_t>(rows.front().front());
-    }
-
-    std::vector<Oid> RowsOf(const char* object) const {
-        const Oid& column = OidOf(object);
-        std::vector<Oid> rows;
-        for (auto at = answers_.values.upper_bound(column);
-             at != answers_.values.end() && IsWithin(at->first, column); ++at)
-            rows.emplace_back(at->first.begin() + static_cast<ptrdiff_t>(column.size()),
-                              at->first.end());
-        return rows;
     }
 
     // `last`: the last OID that the variable may have.
@@ -245,10 +212,8 @@ class Reader {
                                const Answer& failure) {
         std::optional<Oid> row;
         if (IsOnlyThisOne(failure)) {
-            Oid columnEnd = column;
-            ++columnEnd.back();
             row = RowAfter(column, asked);
-            if (!row && !IsUpTo(columnEnd)) return std::nullopt;
+            if (!row && !IsUpTo(EndOf(column))) return std::nullopt;
             if (!row) row = RowOfNextColumn(column, asked);
         }
         Miss(question, failure);
@@ -258,28 +223,20 @@ class Reader {
     // The row that comes after that of `asked` in a later column; if the table has none, the next
     // number.
     Oid RowOfNextColumn(const Oid& column, const Oid& asked) {
-        const auto size = static_cast<ptrdiff_t>(column.size());
-        const Oid table(column.begin(), column.end() - 1);
-        Oid other = column;
-        ++other.back();
+        const Oid table = Head(column, column.size() - 1);
+        Oid other = EndOf(column);
         for (int attempt = 0; attempt < 2; ++attempt) {  // the table may lack the first one
-            Oid same = other;
-            same.insert(same.end(), asked.begin() + size, asked.end());
-            const Answer answer = Ask(same);
+            const Answer answer = Ask(Append(other, Tail(asked, column.size())));
             if (answer.status != Status::kAnswered || !IsWithin(answer.oid, table)) break;
-            Oid row = column;
-            row.insert(row.end(), answer.oid.begin() + size, answer.oid.end());
+            Oid row = Append(column, Tail(answer.oid, column.size()));
             if (row > asked) return row;
-            other.assign(answer.oid.begin(), answer.oid.begin() + size);
+            other = Head(answer.oid, column.size());
         }
+        const Oid printerMib = {1, 3, 6, 1, 2, 1, 43};
         Oid row = asked;
-        if (asked == column) {
-            const Oid printerMib = {1, 3, 6, 1, 2, 1, 43};
-            if (Printer() && IsWithin(column, printerMib)) row.push_back(*Printer());
-            row.push_back(0);
-        }
-        ++row.back();
-        return row;
+        if (asked == column && Printer() && IsWithin(column, printerMib)) row.push_back(*Printer());
+        if (asked == column) row.push_back(0);
+        return EndOf(row);
     }
 
     // Whether the variable that cannot be read is not after `oid`: then a request for what follows
@@ -297,13 +254,11 @@ class Reader {
     // To skip a row that could not be read: the first row after `asked` in another column of the
     // table. Short columns are read first.
     std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
-        const Oid table(column.begin(), column.end() - 1);
+        const Oid table = Head(column, column.size() - 1);
         std::optional<Oid> first;
         for (auto at = answers_.values.lower_bound(table);
              at != answers_.values.end() && IsWithin(at->first, table); ++at) {
-            Oid row = column;
-            row.insert(row.end(), at->first.begin() + static_cast<ptrdiff_t>(column.size()),
-                       at->first.end());
+            const Oid row = Append(column, Tail(at->first, column.size()));
             if (row > asked && (!first || row < *first)) first = row;
         }
         return first;
@@ -347,12 +302,12 @@ class Reader {
             answers_.gaps.push_back(std::move(gap));
     }
 
-    bool HasSerial() const {
-        const Oid& column = OidOf("prtGeneralSerialNumber");
-        return std::any_of(answers_.values.begin(), answers_.values.end(), [&](const auto& one) {
-            return IsWithin(one.first, column) &&
-                   one.second.bytes.find_first_not_of(std::string_view(" \0", 2)) !=
-                       std::string::npos;
+    // Whether the column holds more than blanks.
+    bool HasSerial(const char* object) const {
+        const std::vector<Oid> rows = RowsOf(answers_, object);
+        return std::any_of(rows.begin(), rows.end(), [&](const Oid& row) {
+            const std::string& bytes = answers_.values.at(Append(OidOf(object), row)).bytes;
+            return bytes.find_first_not_of(std::string_view(" \0", 2)) != std::string::npos;
         });
     }
 
@@ -367,15 +322,22 @@ class Reader {
 
 }  // namespace
 
+std::vector<Oid> RowsOf(const PrinterAnswers& answers, const char* object) {
+    const Oid& column = OidOf(object);
+    std::vector<Oid> rows;
+    for (auto at = answers.values.upper_bound(column);
+         at != answers.values.end() && IsWithin(at->first, column); ++at)
+        rows.push_back(Tail(at->first, column.size()));
+    return rows;
+}
+
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
-    const Oid& column = OidOf("hrDeviceType");
     std::vector<uint32_t> printers;
-    for (auto at = answers.values.lower_bound(column);
-         at != answers.values.end() && IsWithin(at->first, column); ++at) {
-        const Answer& type = at->second;
-        if (at->first.size() == column.size() + 1 && type.type == kObjectIdentifier &&
+    for (const Oid& row : RowsOf(answers, "hrDeviceType")) {
+        const Answer& type = answers.values.at(Append(OidOf("hrDeviceType"), row));
+        if (row.size() == 1 && type.type == kObjectIdentifier &&
             DecodeOid(type.bytes) == kPrinterType)
-            printers.push_back(at->first.back());
+            printers.push_back(row.back());
     }
     return printers;
 }

@@ -26,6 +26,9 @@ struct PrinterAnswers {
     int64_t spentMs = 0;                    // of the time limit
 };
 
+// The instances of a column that were received, in their order.
+std::vector<Oid> RowsOf(const PrinterAnswers& answers, const char* object);
+
 // The indexes of the printers in the device's hrDeviceTable.
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 
@@ -42,7 +45,7 @@ PrinterAnswers ReadPrinter(const Asker& asker);
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 
 // Adds what a list of printers shows besides the state: names, serial number, page count, supplies,
-// firmware. About 6 requests, and 5 for each supply.
+// firmware, and without a serial number the MAC address. About 13 requests, and 6 for each supply.
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
 
 // Adds what ReadPrinter does not read of the device's interfaces, 3 columns; see interfaces.h. Asks

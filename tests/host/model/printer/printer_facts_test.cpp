@@ -117,6 +117,21 @@ TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {
     EXPECT_EQ("3C:2A:F4:00:F5:1B", Facts(device).macAddress);
 }
 
+TEST(PrinterFacts, TakeNumbersOfAnyType) {
+    ScriptedDevice device;
+    device.Object("hrDeviceType.1", kPrinterType);
+    device.Integer("prtMarkerLifeCount.1.1", 1200);
+    device.variables[*ParseOidOrName("prtMarkerLifeCount.1.2")] = {kGauge32, {"\0\xFF\0\0\0", 5}};
+    device.Integer("prtMarkerLifeCount.1.3", -2);
+    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")] = {kCounter32, "\x28"};
+    device.Integer("prtMarkerSuppliesMaxCapacity.1.1", 100);
+    const PrinterFacts facts = Facts(device);
+    ASSERT_EQ(2u, facts.pageCounts.size());
+    EXPECT_EQ(4278190080u, facts.pageCounts[1].count);
+    ASSERT_EQ(1u, facts.supplies.size());
+    EXPECT_EQ(40, PercentOf(facts.supplies[0].level));
+}
+
 TEST(PrinterFacts, PutCriticalAlertsFirst) {
     ScriptedDevice device;
     device.Object("hrDeviceType.1", kPrinterType);

@@ -1,0 +1,214 @@
+// Whole reports on recorded agents: what printers of several makers do that the standards do not
+// expect.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "host/model/scripted_device.h"
+#include "model/printer/report_text.h"
+
+namespace vndiscover::host {
+namespace {
+
+// Lines of a name or OID, a type as of `vndiscover set`, and a value.
+ScriptedDevice Recorded(const std::string& recording) {
+    ScriptedDevice device;
+    std::istringstream lines(recording);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t type = line.find(' ') + 1;
+        std::string problem;
+        const auto value = ParseSetValue(
+            line.substr(type, 1), line.size() > type + 1 ? line.substr(type + 2) : "", problem);
+        EXPECT_TRUE(value) << line << ": " << problem;
+        if (value)
+            device.variables[*ParseOidOrName(line.substr(0, type - 1))] = {value->type,
+                                                                           value->bytes};
+    }
+    return device;
+}
+
+std::string Report(const Asker& asker) {
+    return "\n" + ReportText(ReportOf(FactsOf(ReadPrinter(asker)), {"10.77.1.20", "SNMPv1"}));
+}
+
+// The printer is not the first device, its words are Latin-1, and the tables have gaps.
+constexpr char kOffice[] = R"(sysDescr.0 x 4F 73 74 72 61 76 61 0D 0A 4D 46 50 20 32 2E 31 00
+sysUpTime.0 t 8640100
+sysName.0 s copy-room
+sysLocation.0 x 32 6E 64 20 66 6C 6F 6F 72 FF
+ifType.1 i 24
+ifType.2 i 6
+ifType.3 i 117
+ifPhysAddress.1 s
+ifPhysAddress.2 x 02 00 5E 10 00 01
+ifPhysAddress.3 x 02 00 5E 10 00 02
+ifOperStatus.1 i 1
+ifOperStatus.2 i 2
+ifOperStatus.3 i 1
+hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.3
+hrDeviceType.5 o .1.3.6.1.2.1.25.3.1.5
+hrDeviceDescr.1 s a processor
+hrDeviceDescr.5 s Ostrava C900
+hrDeviceStatus.5 i 3
+hrPrinterStatus.5 i 1
+hrPrinterDetectedErrorState.5 x 20 02
+prtGeneralCurrentLocalization.5 i 2
+prtGeneralSerialNumber.5 s OC900-77
+prtLocalizationCharacterSet.5.1 i 106
+prtLocalizationCharacterSet.5.2 i 4
+prtInputCapacityUnit.5.1 i 8
+prtInputMaxCapacity.5.1 i 500
+prtInputMaxCapacity.5.4 i -2
+prtInputCurrentLevel.5.1 i 0
+prtInputCurrentLevel.5.4 i -3
+prtInputMediaName.5.1 s iso-a4-white
+prtInputName.5.1 x 00 00
+prtInputDescription.5.1 x 46 61 63 68 20 FC 31
+prtMarkerCounterUnit.5.1 i 7
+prtMarkerCounterUnit.5.2 i 8
+prtMarkerLifeCount.5.1 c 4000000000
+prtMarkerLifeCount.5.2 u 17
+prtMarkerSuppliesColorantIndex.5.1 i 3
+prtMarkerSuppliesColorantIndex.5.9 i 0
+prtMarkerSuppliesClass.5.1 i 3
+prtMarkerSuppliesClass.5.9 i 3
+prtMarkerSuppliesType.5.1 i 21
+prtMarkerSuppliesType.5.9 i 4
+prtMarkerSuppliesDescription.5.1 s Toner C9
+prtMarkerSuppliesSupplyUnit.5.1 i 19
+prtMarkerSuppliesSupplyUnit.5.9 i 13
+prtMarkerSuppliesMaxCapacity.5.1 i 100
+prtMarkerSuppliesMaxCapacity.5.9 i -2
+prtMarkerSuppliesLevel.5.1 i 7
+prtMarkerSuppliesLevel.5.9 i 0
+prtMarkerColorantValue.5.1.3 s of another table
+prtMarkerColorantValue.5.3 s cyan
+prtConsoleDisplayBufferText.5.1 s Toner low
+prtConsoleDisplayBufferText.5.2 s
+prtAlertSeverityLevel.5.12 i 4
+prtAlertSeverityLevel.5.40 i 3
+prtAlertGroup.5.12 i 11
+prtAlertGroup.5.40 i 9999
+prtAlertCode.5.12 i 1104
+prtAlertCode.5.40 i 40001
+prtAlertDescription.5.12 s Toner low {32001}
+prtAlertTime.5.12 t 8640000
+)";
+
+// A label printer without a list of devices, supplies or trays.
+constexpr char kLabels[] = R"(sysDescr.0 s Kestrel K4 4.11
+sysUpTime.0 t 99
+ifType.1 i 71
+ifPhysAddress.1 x 02 00 5E 10 00 03
+hrPrinterStatus.1 i 3
+hrPrinterDetectedErrorState.1 s
+entPhysicalSerialNum.1 s
+entPhysicalSerialNum.3 s K4-0001
+.1.3.6.1.4.1.9999.1.0 s of its maker
+)";
+
+// Levels that are no percentages, and a description that says more than the model.
+constexpr char kInk[] = R"(sysDescr.0 s Norrland InkStation 70 7.2
+sysName.0 s ink
+hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.5
+hrDeviceDescr.1 s Generic
+hrDeviceStatus.1 i 5
+hrPrinterStatus.1 i 2
+hrPrinterDetectedErrorState.1 x 01
+prtMarkerSuppliesClass.1.1 i 3
+prtMarkerSuppliesClass.1.2 i 4
+prtMarkerSuppliesType.1.1 i 5
+prtMarkerSuppliesType.1.2 i 8
+prtMarkerSuppliesType.1.3 i 99
+prtMarkerSuppliesType.1.4 i 9
+prtMarkerSuppliesSupplyUnit.1.1 i 15
+prtMarkerSuppliesSupplyUnit.1.2 i 19
+prtMarkerSuppliesSupplyUnit.1.4 i 7
+prtMarkerSuppliesMaxCapacity.1.1 i -2
+prtMarkerSuppliesMaxCapacity.1.2 i -2
+prtMarkerSuppliesMaxCapacity.1.3 i 0
+prtMarkerSuppliesMaxCapacity.1.4 i -1
+prtMarkerSuppliesLevel.1.1 x FF FF FF FD
+prtMarkerSuppliesLevel.1.2 i 80
+prtMarkerSuppliesLevel.1.3 i -300
+prtMarkerSuppliesLevel.1.4 i 70000
+)";
+
+TEST(Recordings, OfAnOfficePrinter) {
+    ScriptedDevice device = Recorded(kOffice);
+    EXPECT_EQ(R"(
+Model          Ostrava C900
+Serial number  OC900-77
+Name           copy-room
+Location       2nd floorÿ
+Address        10.77.1.20
+MAC address    02:00:5E:10:00:02
+Protocols      SNMPv1
+Description    Ostrava MFP 2.1
+Up since       (1 day, 0:00:01)
+Device         warning
+Printer        another state
+Errors         low toner, maintenance overdue
+Alerts         critical: 9999, 40001
+               warning: Toner low {32001} (marker supplies, marker toner almost
+                 empty), for 0:00:01
+Panel          Toner low
+Printed        4000000000 impressions
+               17 sheets
+Supplies       Toner C9     [#.........]  7 %, cyan toner cartridge
+               waste toner  [..........]  room left: none, waste toner
+Trays          Fach ü1  [..........]  0 % (0 of 500 sheets), iso-a4-white
+               Tray 2                 some left
+)",
+              Report(device.MakeAsker()));
+}
+
+TEST(Recordings, OfALabelPrinter) {
+    ScriptedDevice device = Recorded(kLabels);
+    EXPECT_EQ(R"(
+Model          Kestrel K4 4.11
+Serial number  K4-0001
+Name           (not given)
+Location       (not given)
+Address        10.77.1.20
+MAC address    02:00:5E:10:00:03
+Protocols      SNMPv1
+Up since       (0:00:00)
+Printer        idle
+Errors         none
+)",
+              Report(device.MakeAsker()));
+}
+
+TEST(Recordings, OfAnAgentThatGoesBack) {
+    ScriptedDevice device = Recorded(kInk);
+    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")].first = kInteger;
+    Asker asker = device.MakeAsker();
+    asker.getNext = [&, ask = asker.getNext](const Oid& oid) {
+        const bool isAlert = IsWithin(oid, OidOf("prtAlertCode"));
+        return isAlert ? AnsweredWith({1, 3, 6, 1}, kInteger, "\1") : ask(oid);
+    };
+    EXPECT_EQ(R"(
+Model          Generic
+Serial number  (not given)
+Name           ink
+Location       (not given)
+Address        10.77.1.20
+MAC address    (not given)
+Protocols      SNMPv1
+Description    Norrland InkStation 70 7.2
+Device         down
+Printer        unknown
+Errors         service requested
+Supplies       ink                           some left, ink
+               waste ink       [########..]  room left: 80 %, waste ink
+               99                            unknown (-300), 99
+               photoconductor                70000 impressions, no maximum,
+                 photoconductor
+Not read       alerts: OID not increasing (prtAlertCode)
+)",
+              Report(asker));
+}
+
+}  // namespace
+}  // namespace vndiscover::host
