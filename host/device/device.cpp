@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <string_view>
 
 #include "device/sweeps.h"
-#include "device/zone.h"
 #include "model/asking/refusal.h"
+#include "platform/this_computer.h"
+#include "values/ip_address.h"
 #include "values/module_types.h"
 
 namespace vndiscover::host {
@@ -50,21 +53,61 @@ int32_t AskV3(const Security& user, Export ask, const char* host, const Oid& oid
                user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
 }
 
+bool NeedsZone(const std::string& host) {
+    const auto address = ParseIpAddress(host);
+    return address && !address->IsIPv4() && host.find('%') == std::string::npos &&
+           address->bytes[0] == '\xFE' && (address->bytes[1] & 0xC0) == 0x80;
+}
+
 }  // namespace
 
-const char* Device::Host() const {
-    if (std::exchange(isZoned_, true)) return host_.c_str();
-    const std::string given = host_;
-    host_ = HostWithZone(given, [&](const std::string& host) {
-        host_ = host;
-        const Answer answer = GetNext({1, 3, 6, 1, 2, 1, 1, 3});
-        return answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
-    });
-    return host_.c_str();
+// The module would send a longer request malformed, and none answers that.
+bool Device::CanSend(const Oid& oid) const {
+    const size_t community =
+        readCommunity_.empty() ? std::strlen(VN_DEFAULT_COMMUNITY) : readCommunity_.size();
+    return security_ || community + RequestOctets(oid) <= kRequestMax;
 }
+
+// Sweeps give link-local addresses without a zone, and directed requests to them leave by one of
+// this computer's adapters only.
+const char* Device::Host() const {
+    if (std::exchange(isZoned_, true) || !NeedsZone(host_)) return host_.c_str();
+    // Of this process; devices of a scan are asked again and again.
+    static std::mutex mutex;
+    static std::map<std::string, std::string> known;
+    const std::string given = host_;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (const auto found = known.find(given); found != known.end()) host_ = found->second;
+    }
+    if (host_ != given) return host_.c_str();
+    std::vector<std::string> hosts;
+    for (const AdapterAddress& row : ThisComputer().IPv6().addresses) {
+        if (row.isUp == true) hosts.push_back(given + "%" + std::to_string(row.zone));
+    }
+    for (const bool isPing : {true, false}) {  // a device may ignore pings
+        for (size_t i = 0; i < hosts.size() && hosts.size() > 1; ++i) {
+            host_ = hosts[i];
+            constexpr unsigned kPingMs = 1000;
+            const Status status =
+                isPing ? Status::kNoAnswer : GetNext({1, 3, 6, 1, 2, 1, 1, 3}).status;
+            const bool isThere = isPing
+                                     ? VxPing(host_.c_str(), kPingMs) != 0
+                                     : status != Status::kNoAnswer && status != Status::kSendFailed;
+            if (!isThere) continue;
+            const std::lock_guard<std::mutex> lock(mutex);
+            known[given] = host_;
+            return host_.c_str();
+        }
+    }
+    return (host_ = given).c_str();
+}
+
+bool Device::Ping() const { return VxPing(Host(), kPingTimeoutMs) != 0; }
 
 Answer Device::Get(const Oid& oid) const {
     if (security_) return GetV3(oid);
+    if (!CanSend(oid)) return Failed(Status::kSendFailed, oid);
     uint8_t value[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
     const int32_t length =
@@ -100,6 +143,7 @@ Answer Device::GetV3(const Oid& oid) const {
 
 Answer Device::GetNext(const Oid& oid) const {
     if (security_) return GetNextV3(oid);
+    if (!CanSend(oid)) return Failed(Status::kSendFailed, oid);
     VnResponseRecord record = {};
     const int32_t length =
         GetNextSnmpRequestRaw(Host(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,

@@ -31,6 +31,11 @@ class Device {
     }
     bool IsV3() const { return security_ != nullptr; }
 
+    // For a link-local address without a zone, which takes seconds; otherwise the first request
+    // does.
+    void ChooseAdapter() const { Host(); }
+    // Whether it answers an ICMP echo request. Names are pinged over IPv6.
+    bool Ping() const;
     Answer Get(const Oid& oid) const;
     Answer GetNext(const Oid& oid) const;
     // A refusal cannot be distinguished from success. SNMPv1 only.
@@ -40,6 +45,7 @@ class Device {
 
   private:
     const char* Host() const;
+    bool CanSend(const Oid& oid) const;
     Answer GetV3(const Oid& oid) const;
     Answer GetNextV3(const Oid& oid) const;
 

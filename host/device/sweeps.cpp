@@ -21,16 +21,19 @@ void RunV3(HWND window, UINT message, const SnmpSweep& sweep) {
 
 }  // namespace
 
-void RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
-    if (sweep.security) {
-        RunV3(window, message, sweep);
-        return;
-    }
+bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
+    constexpr ULONGLONG kLeastMs = 1000;  // a wait has 2 s
+    const ULONGLONG startMs = GetTickCount64();
     const bool hasRequest = !sweep.request.empty();
     const auto discover = hasRequest ? DiscoverDevicesByOIDjson : DiscoverDevicesByOID;
-    discover(window, message, kUnusedSweepTimeoutMs, sweep.useIPv6,
-             (hasRequest ? sweep.request : sweep.oid).c_str(), sweep.resultPath.c_str(),
-             sweep.community.c_str(), nullptr);
+    if (sweep.security) {
+        RunV3(window, message, sweep);
+    } else {
+        discover(window, message, kUnusedSweepTimeoutMs, sweep.useIPv6,
+                 (hasRequest ? sweep.request : sweep.oid).c_str(), sweep.resultPath.c_str(),
+                 sweep.community.c_str(), nullptr);
+    }
+    return GetTickCount64() - startMs >= kLeastMs;
 }
 
 }  // namespace vndiscover::host

@@ -27,7 +27,8 @@ struct SnmpSweep {
 };
 
 // Blocks until the sweep has ended. `window` gets its messages; it must be of the calling thread,
-// or another thread must pump messages.
-void RunSweep(HWND window, UINT message, const SnmpSweep& sweep);
+// or another thread must pump messages. False if nothing could be sent: then the module does not
+// wait for answers.
+bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep);
 
 }  // namespace vndiscover::host

@@ -16,6 +16,12 @@ struct WinSockTraits {
     static void Close(Value) noexcept { WSACleanup(); }
 };
 
+struct SocketTraits {
+    using Value = SOCKET;
+    static Value Empty() noexcept { return INVALID_SOCKET; }
+    static void Close(Value value) noexcept { closesocket(value); }
+};
+
 // Its first address as text; empty if it has none.
 std::string AddressOf(const std::string& host, int family) {
     WSADATA data;
@@ -36,6 +42,20 @@ std::string NumericHost(const std::string& host) {
     if (host.find(':') != std::string::npos) return host;
     const std::string address = AddressOf(host, AF_INET);
     return address.empty() ? host : address;
+}
+
+bool HasRoute(const std::string& address) {
+    WSADATA data;
+    const Owned<WinSockTraits> winSock(WSAStartup(MAKEWORD(2, 2), &data) == 0);
+    addrinfo hints = {};
+    hints.ai_flags = AI_NUMERICHOST;
+    hints.ai_socktype = SOCK_DGRAM;
+    Owned<ClosedBy<addrinfo*, freeaddrinfo>> list;
+    // Not port 161, which may be what is blocked.
+    if (getaddrinfo(address.c_str(), "9", &hints, list.Receive()) != 0 || !list) return false;
+    const Owned<SocketTraits> probe(socket(list.Get()->ai_family, SOCK_DGRAM, 0));
+    return probe &&
+           connect(probe.Get(), list.Get()->ai_addr, static_cast<int>(list.Get()->ai_addrlen)) == 0;
 }
 
 bool HasAddress(const std::string& host) { return !AddressOf(host, AF_UNSPEC).empty(); }

@@ -78,6 +78,18 @@ bool WriteWhole(const std::wstring& path, const std::string& text) {
     return FlushFileBuffers(file.Get()) != 0;  // before it replaces the old file
 }
 
+// Text with a mark of UTF-16, in either byte order, as UTF-8.
+std::string FromUtf16(std::string text) {
+    const bool isBig = text.compare(0, 2, "\xFE\xFF") == 0;
+    if (!isBig && text.compare(0, 2, "\xFF\xFE") != 0) return text;
+    std::wstring wide;
+    for (size_t at = 2; at + 1 < text.size(); at += 2) {
+        const auto high = static_cast<uint8_t>(text[isBig ? at : at + 1]);
+        wide += static_cast<wchar_t>(high << 8 | static_cast<uint8_t>(text[isBig ? at + 1 : at]));
+    }
+    return ToUtf8(wide);
+}
+
 }  // namespace
 
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
@@ -89,7 +101,7 @@ std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
         DWORD count = 0;
         if (!ReadFile(file.Get(), text.data() + done, kChunk, &count, nullptr)) break;
         text.resize(done += count);
-        if (count == 0) return text;
+        if (count == 0) return FromUtf16(std::move(text));
         if (done <= maxSize) continue;
         problem = "is too large: over " + std::to_string(maxSize >> 20) + " MB";
         return std::nullopt;

@@ -9,7 +9,8 @@
 
 namespace vndiscover::host {
 
-// Empty, with the reason in `problem`, if the file cannot be read or has more than `maxSize` bytes.
+// UTF-16 with a byte order mark becomes UTF-8, since some editors and shells write it. Empty, with
+// the reason in `problem`, if the file cannot be read or has more than `maxSize` bytes.
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
 

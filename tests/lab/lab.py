@@ -124,9 +124,10 @@ def at_once(work, *arguments):
         return list(pool.map(work, *arguments))
 
 
-def main(agent_conf="", prepare=lambda: None, in_turn=()):
+def main(agent_conf="", prepare=lambda: None, in_turn=(), alone=()):
     """Sets the lab up and runs the tests of the calling file, or those with one of the arguments in their names, at the
-    same time; but one after another those that end with one of `in_turn`, which change or read the network's settings."""
+    same time; but one after another those that end with one of `in_turn`, which change or read the network's settings, and
+    after all others those that end with one of `alone`, which leave the network changed."""
     subprocess.run([SCRIPTS + "/test-net.sh"], check=True)
     if agent_conf:
         start_agent("neta", agent_conf)
@@ -134,10 +135,13 @@ def main(agent_conf="", prepare=lambda: None, in_turn=()):
     suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules["__main__"])
     tests = [test for case in suite for test in case if any(word in test.id() for word in sys.argv[1:] or [""])]
     row = [test for test in tests if test.id().endswith(tuple(in_turn))]
-    groups = [row] + [[test] for test in tests if test not in row]
+    rest = [test for test in tests if test.id().endswith(tuple(alone))]
+    groups = [row] + [[test] for test in tests if test not in [*row, *rest]]
 
     def all_of_them(result):
         at_once(lambda group: [test(result) for test in group], groups)
+        for test in rest:
+            test(result)
 
     result = unittest.TextTestRunner().run(all_of_them)
     for skipped, reason in result.skipped:

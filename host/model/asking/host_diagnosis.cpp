@@ -1,6 +1,5 @@
 #include "model/asking/host_diagnosis.h"
 
-#include <chrono>
 #include <cstdio>
 #include <vector>
 
@@ -44,11 +43,6 @@ bool IsLate(const HostDiagnosis& diagnosis) {
 
 bool Answers(const StepResult& step) { return step.outcome == Outcome::kAnswered; }
 
-struct Name {
-    const char* text;
-    const StepResult& step;
-};
-
 std::string Listed(const std::vector<std::string>& names, const char* last) {
     return names.size() < 2 ? Joined(names)
                             : Joined({names.begin(), names.end() - 1}) + last + names.back();
@@ -57,10 +51,10 @@ std::string Listed(const std::vector<std::string>& names, const char* last) {
 // "ping and SNMPv3 answer, SNMPv1 does not"
 std::string Evidence(const HostDiagnosis& diagnosis) {
     std::vector<std::string> answering, silent;
-    for (const Name& name : {Name{"ping", diagnosis.ping}, Name{"SNMPv1", diagnosis.v1},
-                             Name{"SNMPv3", diagnosis.discovery}}) {
-        (Answers(name.step) ? answering : silent).push_back(name.text);
-    }
+    for (const auto& [name, step] : {std::pair("ping", &diagnosis.ping),
+                                     {"SNMPv1", &diagnosis.v1},
+                                     {"SNMPv3", &diagnosis.discovery}})
+        (Answers(*step) ? answering : silent).push_back(name);
     if (answering.empty()) return "neither " + Listed(silent, " nor ") + " answers";
     std::string text =
         Listed(answering, " and ") + (answering.size() == 1 ? " answers" : " answer");
@@ -85,10 +79,6 @@ std::string Cause(const HostDiagnosis& diagnosis) {
                  "SNMPv3"
                : "device switched off, another address, or a router or firewall on the way";
 }
-
-}  // namespace
-
-namespace {
 
 // Takes the steps and measures them.
 class Diagnostician {
@@ -117,12 +107,7 @@ class Diagnostician {
   private:
     bool MustStop() { return diagnosis_.isStopped = steps_.mayGoOn && !steps_.mayGoOn(); }
 
-    int64_t NowMs() const {
-        using std::chrono::milliseconds;
-        if (steps_.nowMs) return steps_.nowMs();
-        const auto now = std::chrono::steady_clock::now().time_since_epoch();
-        return std::chrono::duration_cast<milliseconds>(now).count();
-    }
+    int64_t NowMs() const { return host::NowMs(steps_.v1); }
 
     Answer Ask(const Asker& asker) {
         Asker timed = asker;

@@ -30,7 +30,7 @@ struct HostDiagnosis {
     StepResult user;         // SNMPv3 with this user, if one was given and the engine answered
     bool hasUser = false;    // one was given
     bool isStopped = false;  // before the last step
-    bool hasRoute = false;   // the device is on one of this computer's networks
+    bool hasRoute = false;   // this computer has one to the device
     bool isUnknown = false;  // the device's name has no address, so nothing was sent
     std::string sender;      // the address of an SNMP answer, if it is not the one that was asked
     std::string problem;     // of this program, if it prevented the last step; mostly empty
@@ -39,11 +39,10 @@ struct HostDiagnosis {
 // The steps; each call blocks until it has a result.
 struct DiagnosisSteps {
     std::function<bool()> ping;
-    Asker v1, v3;
-    std::function<bool()> mayGoOn;   // called before each step; null: it always may
-    std::function<int64_t()> nowMs;  // empty: the system's clock
-    std::string address;             // numeric, to be compared with the sender of answers
-    bool hasRoute = false;           // as in HostDiagnosis
+    Asker v1, v3;                   // times are by the clock of v1
+    std::function<bool()> mayGoOn;  // called before each step; null: it always may
+    std::string address;            // numeric, to be compared with the sender of answers
+    bool hasRoute = false;          // as in HostDiagnosis
     bool hasUser = false;  // false: v3 uses an empty user name, which reaches the engine only
 };
 

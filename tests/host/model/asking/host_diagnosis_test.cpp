@@ -44,7 +44,7 @@ TEST(Diagnosis, FindsWhatKeepsSweepsFromADeviceThatAnswers) {
         answer.sender = sender;
         return answer;
     };
-    steps.nowMs = [&] { return nowMs; };
+    steps.v1.nowMs = [&] { return nowMs; };
     HostDiagnosis diagnosis = Diagnose(steps);
     EXPECT_TRUE(IsUsable(diagnosis));
     EXPECT_EQ(12, diagnosis.v1.ms);
