@@ -69,8 +69,10 @@ void Replace(const std::string& path, const std::string& text) {
 
 ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
     if (!IsOn()) return;
-    if (options_.append && FileExists(options_.path)) LoadScan(options_.path, "--save");
     std::string problem;
+    const bool isEmpty = ReadFileText(options_.path, 0, problem) == "";
+    if (FileExists(options_.path) && (options_.append || !isEmpty))
+        hasDevices_ = !LoadScan(options_.path, "--save").answers.empty();
     if (!CanReplaceFile(options_.path, problem))
         throw CLI::ValidationError("--save", "'" + options_.path + "' " + problem);
 }
@@ -135,6 +137,10 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
 
 void ScanKeeper::Save() const {
     if (!IsOn()) return;
+    if (scan_.answers.empty() && hasDevices_ && !options_.append) {
+        throw std::runtime_error("'" + options_.path +
+                                 "' stays as it was: it holds devices, and this run found none");
+    }
     const CompletionGuard guard;  // one Ctrl-C may have ended the sweep before
     std::string path = options_.path, note, problem;
     // The file is read again: another run may have added to it meanwhile.

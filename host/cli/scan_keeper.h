@@ -25,7 +25,7 @@ Scan LoadScan(const std::string& path, const std::string& option);
 
 class ScanKeeper {
   public:
-    // Checks that the file for --append can be read, and that it can be written. Throws
+    // Checks that the file, if it exists, is a scan or empty, and that it can be written. Throws
     // CLI::ValidationError.
     explicit ScanKeeper(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
@@ -39,15 +39,17 @@ class ScanKeeper {
     // community or the security settings. A device takes two minutes at most. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
-    // Throws std::runtime_error, also after a save that had to leave answers out. If the file of
-    // --append cannot take this run's answers, they are saved in another one.
+    // An empty scan does not replace one with devices. If the file of --append cannot take this
+    // run's answers, they are saved in another one. Throws std::runtime_error, also after a save
+    // that had to leave answers out.
     void Save() const;
 
   private:
     bool Keep(ScanAnswer answer);
 
     SaveOptions options_;
-    Scan scan_;  // of this run
+    bool hasDevices_ = false;  // the file
+    Scan scan_;                // of this run
     size_t sweepSize_ = 0;
     std::unordered_map<std::string, size_t> counts_;  // of the sweep's answers, by address
     size_t leftOut_ = 0;

@@ -13,13 +13,19 @@ std::string NoValueLine(uint32_t type) {
     return type == kNull ? "no value" : "no value (" + TypeName(type) + ")";
 }
 
+// Bits and addresses are not text, even if all of their bytes are letters.
+bool IsBinary(const Answer& answer) {
+    const Syntax syntax = SyntaxOf(answer.oid);
+    return answer.type == kOctetString && (syntax == Syntax::kBits || syntax == Syntax::kBinary);
+}
+
 // Numbers as numbers, text as text, anything else as hex digits with a member that says so.
 void AddValue(cJSON* element, const Answer& answer) {
     if (IsNoValue(answer.type)) {
         cJSON_AddNullToObject(element, "value");
     } else if (const auto number = NumberText(answer.type, answer.bytes)) {
         AddNumber(element, "value", *number);
-    } else if (answer.type == kOctetString && IsPrintable(answer.bytes)) {
+    } else if (answer.type == kOctetString && IsPrintable(answer.bytes) && !IsBinary(answer)) {
         AddText(element, "value", answer.bytes);
     } else if (answer.type == kOctetString || answer.type == kOpaque) {
         AddText(element, "value", HexText(answer.bytes, " "));
@@ -58,7 +64,7 @@ std::string VariableWriter::JsonRow(const Answer& answer) {
         AddText(element.get(), "type", TypeName(answer.type));
         AddValue(element.get(), answer);
         const std::string words = FormatNamedValue(answer.oid, answer.type, answer.bytes);
-        if (withNames_ && words != FormatValue(answer.type, answer.bytes))
+        if ((withNames_ || IsBinary(answer)) && words != FormatValue(answer.type, answer.bytes))
             AddText(element.get(), "text", words);
     } else {
         AddText(element.get(), "error", Problem(answer));

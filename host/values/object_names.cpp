@@ -287,6 +287,11 @@ std::string NameText(const Oid& oid) {
     return kObjectNames[found].name + OidToText(Oid(oid.begin() + below, oid.end()));
 }
 
+Syntax SyntaxOf(const Oid& oid) {
+    const size_t found = FindObject(oid);
+    return found == kObjectNameCount ? Syntax::kPlain : kObjectNames[found].syntax;
+}
+
 std::string WordOf(std::string_view name, int64_t number) {
     const size_t found = FindName(name);
     return found == kObjectNameCount ? "" : Word(kObjectNames[found].words, number);

@@ -44,6 +44,9 @@ std::string NotAnOid(std::string_view text);
 // "hrPrinterStatus.1"; numeric if the OID is not an object of the table or an instance of one.
 std::string NameText(const Oid& oid);
 
+// kPlain if the OID is not an object of the table or an instance of one.
+Syntax SyntaxOf(const Oid& oid);
+
 // The word for an enumeration's number, "idle"; empty if there is none.
 std::string WordOf(std::string_view name, int64_t number);
 // The words of the bits that are set, of the first 64; a bit without a word is "bit 20".

@@ -35,6 +35,11 @@ TEST(VariableRows, AreLinesOrJsonElements) {
         "[\n  {\"oid\":\".1.3.6.1.2.1.25.3.5.1.1.1\",\"name\":\"hrPrinterStatus.1\","
         "\"type\":\"INTEGER\",\"value\":3,\"text\":\"idle(3)\"}",
         VariableWriter(true, true).Row(AnsweredWith(status, kInteger, "\x03")));
+    const Oid errors = {1, 3, 6, 1, 2, 1, 25, 3, 5, 1, 2, 1};
+    EXPECT_EQ(
+        "[\n  {\"oid\":\".1.3.6.1.2.1.25.3.5.1.2.1\",\"type\":\"OCTET STRING\","
+        "\"value\":\"40\",\"encoding\":\"hex\",\"text\":\"noPaper\"}",
+        VariableWriter(true).Row(AnsweredWith(errors, kOctetString, "@")));
     VariableWriter json(true);
     std::string document;
     for (const Answer& answer :
@@ -112,6 +117,26 @@ TEST_F(ScanKeeperTest, SavesToAnotherFileWhatAFullOneCannotTake) {
     EXPECT_THROW(keeper.Save(), std::runtime_error);
     EXPECT_EQ(50000U, Sweeps());
     EXPECT_EQ(1U, Sweeps(".2"));
+}
+
+TEST_F(ScanKeeperTest, KeepsAScanWithDevicesAndWhatIsNoScan) {
+    for (const bool hasDevice : {true, false}) {
+        ScanKeeper keeper({path_, false});
+        keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+        if (hasDevice) {
+            keeper.Add("10.77.1.20", "hello");
+            keeper.Save();
+        } else {
+            EXPECT_THROW(keeper.Save(), std::runtime_error);
+        }
+    }
+    EXPECT_EQ(1U, LoadScan(path_, "").answers.size());
+    std::string problem;
+    ASSERT_TRUE(ReplaceFileText(path_, "a letter", problem));
+    EXPECT_THROW(ScanKeeper({path_, false}), CLI::ValidationError);
+    EXPECT_EQ("a letter", ReadFileText(path_, 100, problem));
+    ASSERT_TRUE(ReplaceFileText(path_, "", problem));
+    EXPECT_NO_THROW(ScanKeeper({path_, false}));
 }
 
 TEST_F(ScanKeeperTest, AFloodTakesHalfOfTheRoomAndIsTold) {
