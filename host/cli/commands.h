@@ -4,18 +4,28 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "device/security.h"
 #include "values/exit_code.h"
+#include "values/oid_text.h"
 
 namespace vndiscover::host {
 
 // Ends the message of a sweep that found nothing.
 constexpr char kDoctorHint[] = ": 'vndiscover doctor' looks for the cause";
+constexpr char kNothingSent[] = "no request could be sent";
 constexpr char kAskOtherwise[] =
     ". 'vndiscover printers' and 'vndiscover sweep -c public -o sysName.0' ask otherwise";
+
+// The status line of a sweep that begins now: "3 s, 2 devices".
+std::function<std::string()> StatusOf(const std::atomic<size_t>& count, const char* one,
+                                      const char* many);
+// Tells at the end of a sweep that it was stopped, or why it found nothing.
+void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing);
 
 void AddPrintersCommand(CLI::App& app, int& exitCode);   // printers
 void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
@@ -43,13 +53,24 @@ struct V3Options {
 };
 void AddV3Options(CLI::App& command, V3Options& options);
 
-// Of the environment: passwords.
+// Lets --v3 be given several times, each followed by the options of one user; see UsersOf.
+void AllowSeveralUsers(CLI::App& command);
+std::vector<V3Options> UsersOf(const CLI::App& command);
+
+// Of the environment: passwords of the first user; those of user 2 end in "_2".
 constexpr wchar_t kAuthVariable[] = L"VNDISCOVER_AUTH_PASS";
 constexpr wchar_t kPrivVariable[] = L"VNDISCOVER_PRIV_PASS";
+std::wstring PasswordVariable(const wchar_t* name, size_t number);
 
 // Checks the options, and takes missing passwords from the environment or prompts for them. Null
-// without --v3.
-std::shared_ptr<const Security> ResolveSecurity(const V3Options& options);
+// without --v3. `number`: of the user, from 1.
+std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number = 1);
+
+// Throws CLI::ValidationError, which names the argument, if the module cannot encode an SNMPv1
+// request of this size. An empty community is the module's own.
+const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // for a community alone
+void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
+                  size_t valueSize = 0);
 
 // Adds --format with the command's own enumerators; the first name is the default.
 template <class Value>

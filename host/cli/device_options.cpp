@@ -5,18 +5,35 @@
 #include "platform/console.h"
 #include "platform/host_address.h"
 #include "platform/wide_text.h"
+#include "values/module_types.h"
 
 namespace vndiscover::host {
-namespace {
-
-std::string CheckedCommunity(const std::string& text, const char* option) {
-    std::string community = ToAnsi(text);
-    if (community.size() > VN_COMMUNITY_MAX)
-        throw CLI::ValidationError(option, "255 bytes at most");
-    return community;
+std::function<std::string()> StatusOf(const std::atomic<size_t>& count, const char* one,
+                                      const char* many) {
+    return [&count, one, many, startMs = GetTickCount64()] {
+        return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " +
+               std::to_string(count) + " " + (count == 1 ? one : many);
+    };
 }
 
-}  // namespace
+void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing) {
+    if (isStopped) {
+        Warn("stopped");
+    } else if (found == 0) {
+        Warn(nothing + kDoctorHint);
+    }
+}
+
+void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
+                  size_t valueSize) {
+    const size_t size = ToAnsi(community.empty() ? VN_DEFAULT_COMMUNITY : community).size() +
+                        RequestOctets(oid) + valueSize;
+    if (size > kRequestMax) {
+        throw CLI::ValidationError(
+            argument, "community, OID and value have " + std::to_string(size) +
+                          " bytes, but an SNMPv1 request holds " + std::to_string(kRequestMax));
+    }
+}
 
 CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
                            DeviceOptions& options) {
@@ -40,8 +57,8 @@ void WarnIfUnknown(const std::string& host) {
 }
 
 Device OpenDevice(const DeviceOptions& options) {
-    Device device(ToAnsi(options.host), CheckedCommunity(options.community, "--community"),
-                  CheckedCommunity(options.writeCommunity, "--write-community"));
+    if (!options.v3.isOn) CheckRequest("--community", options.community, kSystem);
+    Device device(ToAnsi(options.host), ToAnsi(options.community), ToAnsi(options.writeCommunity));
     device.Use(ResolveSecurity(options.v3));
     WarnIfUnknown(options.host);
     return device;

@@ -82,18 +82,22 @@ struct Options : DeviceOptions {
     bool withNames = false;
 };
 
-Oid CheckedOid(const std::string& text) {
+Oid ParsedOid(const char* argument, const std::string& text) {
     const auto oid = ParseOidOrName(text);
-    if (!oid) throw CLI::ValidationError("OID", NotAnOid(text));
-    if (!FitsRequest(*oid))
-        throw CLI::ValidationError("OID", "'" + text + "' is too short or too long");
+    if (!oid) throw CLI::ValidationError(argument, NotAnOid(text));
     return *oid;
 }
 
-// SNMPv3 requests use the same OID encoder.
-void WarnIfWrong(const Oid& oid) {
-    if (!IsMisencoded(oid)) return;
-    Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
+void CheckOid(const Options& options, const char* argument, const Oid& oid) {
+    if (!FitsRequest(oid))
+        throw CLI::ValidationError(argument, OidToText(oid) + " is too short or too long");
+    if (!options.v3.isOn) {
+        CheckRequest("--community", options.community, kSystem);
+        CheckRequest(argument, options.community, oid);
+    }
+    // SNMPv3 requests use the same OID encoder.
+    if (IsMisencoded(oid))
+        Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
 }
 
 void Show(VariableWriter& writer, const Answer& answer) {
@@ -106,33 +110,25 @@ void ShowSkipped(VariableWriter& writer, const Answer& failure) {
     Warn("skipped what follows " + OidToText(failure.oid) + ": " + Problem(failure));
 }
 
-template <class Ask>  // Answer Ask(const Device&, const Oid&)
-int RunEach(const Options& options, Ask ask) {
+int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     std::vector<Oid> oids;
-    for (const std::string& text : options.oids) oids.push_back(CheckedOid(text));
+    for (const std::string& text : options.oids) {
+        oids.push_back(ParsedOid("OID", text));
+        CheckOid(options, "OID", oids.back());
+    }
     const Device device = OpenDevice(options);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     int exitCode = kFound;
     const Asker asker = AskerOf(device);
     PatientAsker patient(asker);
     for (const Oid& oid : oids) {
-        WarnIfWrong(oid);
-        const Answer answer = patient.Ask(oid, [&] { return ask(device, oid); });
+        const Answer answer = patient.Ask(oid, [&] { return (device.*ask)(oid); });
         Show(writer, answer);
-        exitCode = std::max(exitCode,
-                            ExitCodeOf(answer.status));  // a failed send outranks a missing answer
+        // A failed send outranks a missing answer.
+        exitCode = std::max(exitCode, ExitCodeOf(answer.status));
     }
     Print(writer.End());
     return exitCode;
-}
-
-int RunGet(const Options& options) {
-    return RunEach(options, [](const Device& device, const Oid& oid) { return device.Get(oid); });
-}
-
-int RunGetNext(const Options& options) {
-    return RunEach(options,
-                   [](const Device& device, const Oid& oid) { return device.GetNext(oid); });
 }
 
 int Verify(const Device& device, const Oid& oid, const SetValue& value) {
@@ -154,12 +150,14 @@ int RunSet(Options options) {
                               &options.oid, &options.type, &options.value}) {
         if (!text->empty() && text->front() == kNumberMark) text->erase(0, 1);
     }
-    const Oid oid = CheckedOid(options.oid);
+    const Oid oid = ParsedOid("OID", options.oid);
     std::string problem;
     const auto value = ParseSetValue(options.type, options.value, problem);
-    if (!value) throw CLI::ValidationError(problem);  // with the type or the value
+    if (!value) throw CLI::ValidationError(problem[0] == '\'' ? "TYPE" : "VALUE", problem);
+    CheckOid(options, "OID", oid);
+    CheckRequest("--write-community", options.writeCommunity, oid);
+    CheckRequest("VALUE", options.writeCommunity, oid, value->bytes.size());
     const Device device = OpenDevice(options);
-    WarnIfWrong(oid);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     const Answer answer = device.Set(oid, *value);
     Show(writer, answer);
@@ -190,17 +188,13 @@ int FinishWalk(const WalkEnd& end) {
 }
 
 int RunWalk(const Options& options) {
-    const auto root = ParseOidOrName(options.root);
-    if (!root) throw CLI::ValidationError("ROOT", NotAnOid(options.root));
-    const Oid start = WalkStart(*root);
-    if (!FitsRequest(start))
-        throw CLI::ValidationError("ROOT", "'" + options.root + "' is too long");
+    const Oid root = ParsedOid("ROOT", options.root);
+    CheckOid(options, "ROOT", WalkStart(root));
     const Device device = OpenDevice(options);
-    WarnIfWrong(start);
     VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
     const Asker asker = AskerOf(device);
     const WalkEnd end = WalkSubtree(
-        asker, *root,
+        asker, root,
         // False: the reader of a pipe has gone.
         [&](const Answer& answer) { return Print(writer.Row(answer)); },
         [&](const Answer& failure) { ShowSkipped(writer, failure); });
@@ -237,19 +231,15 @@ void AddNames(CLI::App& command, Options& options) {
 
 void AddDirectedCommands(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<Options>();  // shared, since only one command runs
-    CLI::App* get =
-        AddDeviceCommand(app, "get", "Read values of one device", kGetExamples, *options);
-    get->add_option("OID", options->oids, "What to read: numeric, or a name")->required();
-    AddNames(*get, *options);
-    AddDeviceV3(*get, *options);
-    get->callback([options, &exitCode] { exitCode = RunGet(*options); });
-
-    CLI::App* next = AddDeviceCommand(app, "getnext", "Read the values that follow OIDs",
-                                      kGetNextExamples, *options);
-    next->add_option("OID", options->oids, "What to start from: numeric, or a name")->required();
-    AddNames(*next, *options);
-    AddDeviceV3(*next, *options);
-    next->callback([options, &exitCode] { exitCode = RunGetNext(*options); });
+    for (const auto& [name, help, footer, ask] :
+         {std::tuple("get", "Read values of one device", kGetExamples, &Device::Get),
+          {"getnext", "Read the values that follow OIDs", kGetNextExamples, &Device::GetNext}}) {
+        CLI::App* get = AddDeviceCommand(app, name, help, footer, *options);
+        get->add_option("OID", options->oids, "Numeric, or a name")->required();
+        AddNames(*get, *options);
+        AddDeviceV3(*get, *options);
+        get->callback([options, ask = ask, &exitCode] { exitCode = RunEach(*options, ask); });
+    }
 
     CLI::App* walk =
         AddDeviceCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);

@@ -55,17 +55,19 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     }
     DeviceOptions community = options;
     community.v3.isOn = false;
+    community.host = address;
     const Device v1 = OpenDevice(community);
+    v1.ChooseAdapter();
     Device v3(ToAnsi(options.host), "", "");
     v3.Use(options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>());
     DiagnosisSteps steps;
     // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
-    steps.ping = [&] { return VxPing(ToAnsi(address).c_str(), kPingTimeoutMs) != 0; };
+    steps.ping = [&] { return v1.Ping(); };
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
     steps.address = address;
-    steps.hasRoute = IsOnOwnNetwork(ThisComputer().IPv4(), address) == true;
+    steps.hasRoute = HasRoute(address);
     return Diagnose(steps);
 }
 

@@ -73,6 +73,19 @@ void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
     }
 }
 
+// What is wrong, the argument first.
+std::string Problem(const CLI::App& app, const CLI::ParseError& error) {
+    const auto commands = app.get_subcommands();
+    const auto unknown = (commands.empty() ? &app : commands.front())->remaining();
+    const std::string text = error.what(), conversion = "Could not convert: ";
+    if (commands.empty() && unknown.empty()) return "a command is missing";
+    if (commands.empty()) return unknown.front() + ": no such command or option";
+    if (text.rfind("The following argument", 0) == 0)
+        return unknown.front() + ": not expected here";
+    return text.rfind(conversion, 0) == 0 ? text.substr(conversion.size()) + ": not a number"
+                                          : text;
+}
+
 std::string Hint(const CLI::App& app) {
     const auto chosen = app.get_subcommands();
     return "try 'vndiscover " + (chosen.empty() ? "" : chosen.front()->get_name() + " ") +
@@ -92,11 +105,7 @@ int Run() {
     } catch (const CLI::Success& help) {  // --help and --version
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
-        const auto unknown = app.remaining();
-        const bool hasCommand = !app.get_subcommands().empty();
-        Warn(hasCommand        ? error.what()
-             : unknown.empty() ? "a command is missing"
-                               : "no such command or option: " + unknown.front());
+        Warn(Problem(app, error));
         Warn(Hint(app));
         return vndiscover::host::kWrongUsage;
     }
@@ -119,6 +128,9 @@ int main() {
         if (problem.empty()) return exitCode;
         Warn("the output is incomplete" + problem);
         return std::max<int>(exitCode, vndiscover::host::kNone);
+    } catch (const std::bad_alloc&) {
+        Warn("out of memory");
+        return vndiscover::host::kNone;
     } catch (const std::exception& error) {
         Warn(error.what());
         return vndiscover::host::kNone;

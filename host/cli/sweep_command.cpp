@@ -25,15 +25,16 @@ answers twice, or on two adapters, has two rows. Ctrl-C ends the sweep and keeps
 what was printed; a second Ctrl-C ends the program at once.
 
 A --json file names the OIDs to ask each device for; the answers replace the
-empty strings:
-  {"DiscoverOID": ".1.3.6.1.2.1.1.2.0",
-   "GET": {".1.3.6.1.2.1.1.1.0": "", ".1.3.6.1.2.1.1.5.0": ""}}
+empty strings, and the names become OIDs:
+  {"DiscoverOID": "sysObjectID.0",
+   "GET": {"sysName.0": "", ".1.3.6.1.2.1.1.6.0": ""}}
 
 --save reads each device found as 'vndiscover printer' does, and saves all
 answers, and the devices found in them, as JSON; 'vndiscover compare' shows what
-changed between two files. An existing file is replaced once the new one is
-complete. --append adds the answers to those in the file. A first Ctrl-C while
-devices are asked or answers are saved still saves the answers that have come.
+changed between two files. An existing file must be a scan. It is replaced once
+the new one is complete, unless only the old one holds devices. --append adds
+the answers to those in the file. A first Ctrl-C while devices are asked or
+answers are saved still saves the answers that have come.
 
 Examples:
   vndiscover sweep
@@ -44,7 +45,7 @@ Examples:
   vndiscover sweep --save monday.json
 
 Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
-2 wrong usage.)";
+2 wrong usage, 3 no request could be sent.)";
 
 struct SweepOptions {
     std::string community, oid, jsonPath, csvPath;
@@ -59,12 +60,16 @@ struct Sweep {
     ValueKind kind = ValueKind::kRaw;
 };
 
-std::string ReadRequest(const std::string& path) {
+std::string ReadRequest(const SweepOptions& options) {
     constexpr size_t kMaxSize = size_t{1} << 20;  // with blanks, which are not sent
     std::string problem;
-    const auto text = ReadFileText(path, kMaxSize, problem);
+    const auto text = ReadFileText(options.jsonPath, kMaxSize, problem);
     const auto request = text ? PrepareRequest(*text, problem) : std::nullopt;
-    if (!request) throw CLI::ValidationError("--json", "'" + path + "' " + problem);
+    if (!request) throw CLI::ValidationError("--json", "'" + options.jsonPath + "' " + problem);
+    const JsonItem document = ParseDocument(*request);
+    for (const Oid& oid : OidsOf(document.get())) {
+        if (!options.v3.isOn) CheckRequest("--json", options.community, oid);
+    }
     return *request;
 }
 
@@ -91,9 +96,11 @@ void CheckPathsDiffer(const SweepOptions& options) {
     }
 }
 
-std::string CheckOid(const std::string& text) {
+std::string CheckOid(const SweepOptions& options) {
+    const std::string& text = options.oid;
     const auto oid = ParseOidOrName(text);
     if (!oid || !FitsRequest(*oid)) throw CLI::ValidationError("--oid", NotAnOid(text));
+    if (!options.v3.isOn) CheckRequest("--oid", options.community, *oid);
     if (IsMisencoded(*oid))
         Warn(text + " has a number over 16383: devices are asked for another OID");
     return OidToText(*oid);
@@ -104,13 +111,11 @@ Sweep Prepare(const SweepOptions& options) {
     SnmpSweep& arguments = sweep.arguments;
     CheckPathsDiffer(options);
     arguments.useIPv6 = options.useIPv6;
-    if (ToAnsi(options.community).size() > VN_COMMUNITY_MAX) {
-        throw CLI::ValidationError("--community", "255 bytes at most");
-    }
+    CheckRequest("--community", options.community, DefaultDiscoveryOid());
     arguments.community = ToWide(options.community);
-    if (!options.oid.empty()) arguments.oid = ToWide(CheckOid(options.oid));
+    if (!options.oid.empty()) arguments.oid = ToWide(CheckOid(options));
     if (!options.jsonPath.empty()) {
-        arguments.request = ToWide(ReadRequest(options.jsonPath));
+        arguments.request = ToWide(ReadRequest(options));
         sweep.kind = ValueKind::kDocument;
     }
     if (!options.csvPath.empty()) CheckCsvPath(options.csvPath);
@@ -167,22 +172,20 @@ void AskAndSave(ScanKeeper& keeper, const SweepOptions& options, bool isStopped,
     keeper.Save();
 }
 
-std::string StatusLine(ULONGLONG startMs, size_t devices) {
-    return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " + std::to_string(devices) +
-           (devices == 1 ? " device" : " devices");
-}
-
 // What was asked: a device of another maker may answer, but not to this.
 std::string NothingCame(const SweepOptions& options, const Sweep& sweep) {
     const std::string object = !options.jsonPath.empty() ? "the OID in '" + options.jsonPath + "'"
                                : !options.oid.empty()    ? options.oid
                                                          : VN_DEFAULT_DISCOVERY_OID;
-    const std::string& community = options.community;
-    return "no device answered " +
-           (sweep.arguments.security
-                ? "the SNMPv3 user '" + options.v3.user + "'"
-                : "community '" + (community.empty() ? VN_DEFAULT_COMMUNITY : community) + "'") +
-           " for " + object + kAskOtherwise + kDoctorHint;
+    const std::string community =
+        options.community.empty() ? VN_DEFAULT_COMMUNITY : options.community;
+    // The module tells of no device that refuses.
+    const std::string asked = sweep.arguments.security
+                                  ? "answered the SNMPv3 user '" + options.v3.user + "' for " +
+                                        object +
+                                        "; or none lets this user read it at this security level"
+                                  : "answered community '" + community + "' for " + object;
+    return "no device " + asked + kAskOtherwise;
 }
 
 int RunSweep(const SweepOptions& options) {
@@ -191,31 +194,30 @@ int RunSweep(const SweepOptions& options) {
     const auto security = ResolveSecurity(options.v3);
     sweep.arguments.security = security.get();
     BeginScan(keeper, options, sweep);
-    bool isStopped = false;
+    bool isStopped = false, wasSent = false;
     DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
     DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
     CsvFile csv(options.v3.isOn ? sweep.arguments.resultPath : std::wstring());
     std::atomic<size_t> devices{0};
-    const ULONGLONG startMs = GetTickCount64();
     {
-        SweepWatch watch(StopDiscoverSnmp, [&] { return StatusLine(startMs, devices); });
+        SweepWatch watch(StopDiscoverSnmp, StatusOf(devices, "device", "devices"));
         const ResultWindow window([&](const char* address, const char* value) {
             ++devices;
             keeper.Add(address, value);
             csv.Write(csvWriter.Row(address, value));
             if (!Print(writer.Row(address, value))) watch.RequestStop();
         });
-        RunSweep(window.Handle(), ResultWindow::kMessage, sweep.arguments);
+        wasSent = RunSweep(window.Handle(), ResultWindow::kMessage, sweep.arguments);
         window.Rethrow();
         isStopped = watch.IsStopped();
-        if (isStopped) Warn("stopped");
     }
     Print(writer.End());
+    WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep) : kNothingSent);
     AskAndSave(keeper, options, isStopped, security);
     if (!csv.Problem().empty())
         throw std::runtime_error("'" + options.csvPath + "' is incomplete" + csv.Problem());
-    if (devices == 0) Warn(NothingCame(options, sweep));
-    return devices > 0 ? kFound : kNone;
+    if (devices > 0) return kFound;
+    return wasSent || isStopped ? kNone : kSendFailed;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <vndiscover.h>
 
+#include <map>
+
 #include "cli/commands.h"
 #include "device/security_labels.h"
 #include "platform/console.h"
@@ -9,12 +11,29 @@
 namespace vndiscover::host {
 namespace {
 
+struct Field {
+    const char* name;
+    const char* help;
+    const char* type;
+    std::string V3Options::*value;
+};
+const Field kFields[] = {{"-u,--user", "User name", "USER", &V3Options::user},
+                         {"-a,--auth", kAuthProtocols, "PROTO", &V3Options::authProtocol},
+                         {"-A,--auth-pass", "Password [VNDISCOVER_AUTH_PASS, or prompt]", "PASS",
+                          &V3Options::authPassword},
+                         {"-x,--priv", kPrivProtocols, "PROTO", &V3Options::privProtocol},
+                         {"-X,--priv-pass", "Password [VNDISCOVER_PRIV_PASS, or prompt]", "PASS",
+                          &V3Options::privPassword}};
+
+// "-u"
+std::string ShortName(const Field& field) { return std::string(field.name).substr(0, 2); }
+
 // From the command line, otherwise from the environment, otherwise from the user. Rejects an empty
 // password: it would give no key, and the module would send its requests unprotected.
-Secret FetchPassword(const std::string& given, const char* option, const wchar_t* variable,
-                     const char* prompt) {
+Secret FetchPassword(const std::string& given, const char* option, const std::wstring& variable,
+                     const std::string& prompt) {
     Secret password(ToWide(given));
-    if (password.IsEmpty()) password = Secret(Environment(variable));
+    if (password.IsEmpty()) password = Secret(Environment(variable.c_str()));
     if (password.IsEmpty()) password = Secret(PromptHidden(prompt).value_or(std::wstring()));
     if (password.IsEmpty()) {
         throw CLI::ValidationError(option, "a password is missing: give it with " +
@@ -24,34 +43,60 @@ Secret FetchPassword(const std::string& given, const char* option, const wchar_t
     return password;
 }
 
-std::wstring Label(const std::optional<std::string>& label, const char* option, const char* known) {
-    if (!label)
-        throw CLI::ValidationError(option, std::string("unknown protocol; use one of ") + known);
+std::wstring Label(const std::optional<std::string>& label, const char* option,
+                   const std::string& given, const char* known) {
+    if (!label) throw CLI::ValidationError(option, "'" + given + "' is not one of " + known);
     return ToWide(*label);
 }
 
 }  // namespace
 
 void AddV3Options(CLI::App& command, V3Options& options) {
-    const std::string group = "SNMPv3";
     CLI::Option* v3 =
         command.add_flag("--v3", options.isOn, "Use SNMPv3 instead of SNMPv1; needs -u");
-    v3->group(group);
-    const auto add = [&](const char* name, std::string& value, const std::string& help,
-                         const char* type) {
-        CLI::Option* option = command.add_option(name, value, help);
-        return option->needs(v3)->group(group)->type_name(type);
-    };
-    add("-u,--user", options.user, "User name", "USER");
-    add("-a,--auth", options.authProtocol, kAuthProtocols, "PROTO");
-    add("-A,--auth-pass", options.authPassword, "Password [VNDISCOVER_AUTH_PASS, or prompt]",
-        "PASS");
-    add("-x,--priv", options.privProtocol, kPrivProtocols, "PROTO");
-    add("-X,--priv-pass", options.privPassword, "Password [VNDISCOVER_PRIV_PASS, or prompt]",
-        "PASS");
+    v3->group("SNMPv3");
+    for (const Field& field : kFields) {
+        CLI::Option* option = command.add_option(field.name, options.*field.value, field.help);
+        option->needs(v3)->group("SNMPv3")->type_name(field.type);
+    }
 }
 
-std::shared_ptr<const Security> ResolveSecurity(const V3Options& options) {
+void AllowSeveralUsers(CLI::App& command) {
+    constexpr auto kLast = CLI::MultiOptionPolicy::TakeLast;
+    command.get_option("--v3")
+        ->description("Also as this SNMPv3 user; may be given again, with -u")
+        ->multi_option_policy(kLast);
+    for (const Field& field : kFields)
+        command.get_option(ShortName(field))->multi_option_policy(kLast)->allow_extra_args(false);
+}
+
+std::vector<V3Options> UsersOf(const CLI::App& command) {
+    std::vector<V3Options> users;
+    std::map<const CLI::Option*, size_t> read;
+    for (const CLI::Option* option : command.parse_order()) {
+        if (option->check_name("--v3")) {
+            if (users.empty() || users.back().isOn) users.emplace_back();
+            users.back().isOn = true;
+        }
+        for (const Field& field : kFields) {
+            if (!option->check_name(ShortName(field))) continue;
+            if (users.empty()) users.emplace_back();
+            std::string& value = users.back().*field.value;
+            if (!value.empty()) {
+                throw CLI::ValidationError(ShortName(field),
+                                           "given twice; each user begins with --v3");
+            }
+            value = option->results()[read[option]++];
+        }
+    }
+    return users;
+}
+
+std::wstring PasswordVariable(const wchar_t* name, size_t number) {
+    return name + (number == 1 ? std::wstring() : L"_" + std::to_wstring(number));
+}
+
+std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number) {
     if (!options.isOn) return nullptr;
     Security security;
     if (options.user.empty()) throw CLI::ValidationError("-u", "--v3 needs a user name");
@@ -67,17 +112,24 @@ std::shared_ptr<const Security> ResolveSecurity(const V3Options& options) {
         throw CLI::ValidationError("-x", "-X needs a privacy protocol");
     }
     // Both labels are checked before a password is prompted for.
-    if (security.useAuth)
-        security.authLabel = Label(AuthLabel(options.authProtocol), "-a", kAuthProtocols);
-    if (security.usePriv)
-        security.privLabel = Label(PrivLabel(options.privProtocol), "-x", kPrivProtocols);
+    if (security.useAuth) {
+        security.authLabel =
+            Label(AuthLabel(options.authProtocol), "-a", options.authProtocol, kAuthProtocols);
+    }
+    if (security.usePriv) {
+        security.privLabel =
+            Label(PrivLabel(options.privProtocol), "-x", options.privProtocol, kPrivProtocols);
+    }
+    const std::string whose = number == 1 ? ": " : " of '" + options.user + "': ";
     if (security.useAuth) {
         security.authPassword =
-            FetchPassword(options.authPassword, "-A", kAuthVariable, "Authentication password: ");
+            FetchPassword(options.authPassword, "-A", PasswordVariable(kAuthVariable, number),
+                          "Authentication password" + whose);
     }
     if (security.usePriv) {
         security.privPassword =
-            FetchPassword(options.privPassword, "-X", kPrivVariable, "Privacy password: ");
+            FetchPassword(options.privPassword, "-X", PasswordVariable(kPrivVariable, number),
+                          "Privacy password" + whose);
     }
     return std::make_shared<const Security>(std::move(security));
 }

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 
@@ -18,15 +19,16 @@ constexpr char kExamples[] =
     R"(Sends a Probe from every IPv4 address in turn, and from the loopback address.
 Each waits until no reply has come for --timeout, for 30 seconds at most. The
 list is printed at the end: a device that replied several times is listed once,
-with a count. Ctrl-C ends the sweep and prints what was found. Types have one of
-these prefixes: wsdp (devices), wprt (printers), wscn (scanners), pub
-(computers). --save saves the replies, and the devices found in them, as JSON;
---append adds them to the answers of other sweeps in the file, and merges
-devices by their endpoints and addresses.
+with a count. Replies to the Probe of another program are left out. Ctrl-C ends
+the sweep and prints what was found. Types have one of these prefixes: wsdp
+(devices), wprt (printers), wscn (scanners), pub (computers). --save saves the
+replies, and the devices found in them, as JSON; --append adds them to the
+answers of other sweeps in the file, and merges devices by their endpoints and
+addresses. An existing file must be a scan.
 
 Examples:
   vndiscover wsd
-  vndiscover wsd --types wprt:PrintDeviceType --format json
+  vndiscover wsd --all --format json
   vndiscover wsd --types "" --raw
   vndiscover wsd --save monday.json --append
 
@@ -36,7 +38,8 @@ Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
 enum class WsdFormat { kTable, kJson };
 
 struct WsdOptions {
-    std::string types = "wsdp:Device";
+    std::string types;
+    bool withAll = false;
     unsigned timeoutMs = kWsdSilenceMs;
     bool isRaw = false;
     WsdFormat format = WsdFormat::kTable;
@@ -54,37 +57,60 @@ void PrintRaw(const char* address, std::string_view reply) {
           PlainText(reply, Breaks::kKeep) + "\n");
 }
 
-int RunWsd(const WsdOptions& options) {
-    std::string problem;
-    const auto types = CheckTypes(options.types, problem);
-    if (!types) throw CLI::ValidationError("--types", problem);
-    const std::string probe = BuildProbe(*types, NewUuid());
-    if (probe.size() > VN_SOAP_PROBE_MAX) throw CLI::ValidationError("--types", "too many types");
+bool HasPrinter(std::string_view reply) {
+    for (const ProbeMatch& match : ReadProbeMatches(reply)) {
+        if (std::count(match.types.begin(), match.types.end(), kPrinterType) > 0) return true;
+    }
+    return false;
+}
 
+std::string MakeProbe(const std::string& wanted, const std::string& id) {
+    std::string problem;
+    const auto types = CheckTypes(wanted, problem);
+    if (!types) throw CLI::ValidationError("--types", problem);
+    std::string probe = BuildProbe(*types, id);
+    if (probe.size() > VN_SOAP_PROBE_MAX) throw CLI::ValidationError("--types", "too many types");
+    return probe;
+}
+
+// `onlyPrinters`: of responders that do not look at the types that they are asked for.
+int RunWsd(const WsdOptions& options, bool onlyPrinters) {
+    const std::string id = NewUuid();
+    const std::string probe = MakeProbe(onlyPrinters      ? kPrinterType
+                                        : options.withAll ? "wsdp:Device"
+                                                          : options.types,
+                                        id);
     ScanKeeper keeper(options.save);
     keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
     MatchList list;
     std::atomic<size_t> replies{0};
-    const ULONGLONG startMs = GetTickCount64();
+    size_t others = 0;
+    const ResultWindow window([&](const char* address, const char* value) {
+        const std::string_view reply = ReplyText(value);
+        const std::string asked = RelatesTo(reply);
+        if (!asked.empty() && asked.find(id) == std::string::npos) return;
+        if (onlyPrinters && !HasPrinter(reply)) {
+            ++others;
+            return;
+        }
+        ++replies;
+        list.Add(address, reply);
+        keeper.Add(address, reply);
+        if (options.isRaw) PrintRaw(address, reply);
+    });
+    bool isStopped = false;
     {
-        SweepWatch watch(StopDiscoverSoap, [&] {
-            return std::to_string((GetTickCount64() - startMs) / 1000) + " s, " +
-                   std::to_string(replies) + (replies == 1 ? " reply" : " replies");
-        });
-        const ResultWindow window([&](const char* address, const char* value) {
-            ++replies;
-            list.Add(address, ReplyText(value));
-            keeper.Add(address, ReplyText(value));
-            if (options.isRaw) PrintRaw(address, ReplyText(value));
-        });
+        const SweepWatch watch(StopDiscoverSoap, StatusOf(replies, "reply", "replies"));
         DiscoverSoap(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe.data(),
                      static_cast<int32_t>(probe.size()));
-        window.Rethrow();
-        if (watch.IsStopped()) Warn("stopped");
+        isStopped = watch.IsStopped();
     }
+    window.Rethrow();
     if (!options.isRaw) Print(options.format == WsdFormat::kJson ? list.Json() : list.Table());
+    if (others > 0)
+        Warn("replies of other devices: " + std::to_string(others) + "; --all lists them");
+    WarnAtEnd(isStopped, replies, onlyPrinters ? "no printer replied" : "no device replied");
     keeper.Save();
-    if (replies == 0) Warn(std::string("no device replied") + kDoctorHint);
     return replies > 0 ? kFound : kNone;
 }
 
@@ -93,9 +119,11 @@ int RunWsd(const WsdOptions& options) {
 void AddWsdCommand(CLI::App& app, int& exitCode) {
     CLI::App* command = app.add_subcommand("wsd", "Find devices by WS-Discovery");
     auto options = std::make_shared<WsdOptions>();
-    command
-        ->add_option("-t,--types", options->types, "What to look for, \"\" for all [wsdp:Device]")
-        ->type_name("TYPES");
+    CLI::Option* all =
+        command->add_flag("--all", options->withAll, "All devices, not only printers");
+    CLI::Option* types = command->add_option("-t,--types", options->types,
+                                             "What to look for [wprt:PrintDeviceType]");
+    types->type_name("TYPES")->excludes(all);
     command
         ->add_option("--timeout", options->timeoutMs, "Time without a reply; 2999 waits 2 s [3000]")
         ->type_name("MS")
@@ -106,7 +134,9 @@ void AddWsdCommand(CLI::App& app, int& exitCode) {
         ->excludes(raw);
     AddSaveOptions(*command, options->save);
     command->footer(kExamples);
-    command->callback([options, &exitCode] { exitCode = RunWsd(*options); });
+    command->callback([options, types, &exitCode] {
+        exitCode = RunWsd(*options, !options->withAll && types->empty());
+    });
 }
 
 }  // namespace vndiscover::host

@@ -179,6 +179,13 @@ std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply) {
     return matches;
 }
 
+std::string RelatesTo(std::string_view reply) {
+    pugi::xml_document document;
+    if (!document.load_buffer(reply.data(), reply.size())) return "";
+    const auto header = Child(Child(document, "Envelope", {kSoap}), "Header", {kSoap});
+    return PlainText(Child(header, "RelatesTo", {kAddressing, kAddressing10}).text().get());
+}
+
 void MatchList::Add(const std::string& address, std::string_view reply) {
     const std::vector<ProbeMatch> matches = ReadProbeMatches(reply);
     for (const ProbeMatch& match : matches) AddMatch(address, match);
@@ -193,7 +200,7 @@ void MatchList::AddMatch(const std::string& address, const ProbeMatch& match) {
 
 std::string MatchList::Table() const {
     constexpr size_t kAddressWidth = 17;
-    std::string text;
+    std::string text = entries_.empty() ? "" : Padded("ADDRESS", kAddressWidth) + "TYPES\n";
     for (const Entry& entry : entries_) {
         const auto line = [&](const std::string& first, const std::string& value) {
             if (!value.empty()) text += Padded(first, kAddressWidth) + value + "\n";

@@ -34,6 +34,11 @@ struct ProbeMatch {
 // Empty if the text is not a well-formed ProbeMatches message of WS-Discovery 2005/04 or 1.1.
 std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply);
 
+// The identifier of the message that a reply answers; empty if it does not tell.
+std::string RelatesTo(std::string_view reply);
+
+constexpr char kPrinterType[] = "wprt:PrintDeviceType";
+
 // The devices of one sweep. A device replies once for each adapter from which a Probe reaches it.
 class MatchList {
   public:

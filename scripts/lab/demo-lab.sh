@@ -96,7 +96,7 @@ for _ in $(seq 100); do
     grep -qs ':0E76 ' <(nsenter --net=/run/netns/hall cat /proc/net/udp) && break # port 3702
     sleep 0.05
 done
-Vn wsd --timeout 1000
+Vn wsd --all --timeout 1000
 kill $responder
 
 Title "Nothing found? What a sweep has to work with here, and what one device answers to"

@@ -47,15 +47,23 @@ def with_help(page, heading, text):
 class Usage(unittest.TestCase):
     def test_mistakes_exit_with_2_and_a_hint(self):
         Path(LAB, "bad.json").write_text("[]", encoding="utf-8")
-        for arguments in (
-                [], ["sweep", "--bogus"], ["sweep", "--format", "xml"], ["sweep", "--oid", "sysDesc.0"],
-                ["sweep", "--json", LAB + "/bad.json"], ["sweep", "--csv", "/missing/x.csv"],
-                ["sweep", "--community", "x" * 256], ["sweep", "-u", "admin"],
-                ["sweep", "--v3", "-u", "admin", "-x", "AES"], ["sweep", "--v3", "-u", "admin", "-a", "SHA1"],
-                ["get", AGENT], ["set", AGENT, CONTACT, "i", "x"], ["wsd", "--timeout", "999"]):
+        long_oid = ".1.3.6.1.4.1" + 92 * ".1"  # 97 bytes; with the community "sesame" the most that a request holds
+        for offender, *arguments in (
+                ("a command is missing",), ("--bogus:", "sweep", "--bogus"), ("--format:", "sweep", "--format", "xml"),
+                ("--oid:", "sweep", "--oid", "sysDesc.0"), ("--json:", "sweep", "--json", LAB + "/bad.json"),
+                ("--csv:", "sweep", "--csv", "/missing/x.csv"), ("--community:", "sweep", "--community", "x" * 256),
+                ("--user", "sweep", "-u", "admin"), ("-a:", "sweep", "--v3", "-u", "admin", "-x", "AES"),
+                ("-A:", "sweep", "--v3", "-u", "admin", "-a", "SHA1"), ("-a:", "sweep", "--v3", "-u", "admin", "-a", "SHA3"),
+                ("OID", "get", AGENT), ("OID:", "get", AGENT, long_oid + ".1"), ("ROOT:", "walk", AGENT, long_oid + ".1"),
+                ("OID:", "get", AGENT, long_oid, "-c", "longer!"), ("VALUE:", "set", AGENT, CONTACT, "s", "x" * 90),
+                ("VALUE:", "set", AGENT, CONTACT, "i", "x"), ("TYPE:", "set", AGENT, CONTACT, "number", "1"),
+                ("--timeout:", "wsd", "--timeout", "999"), ("-u:", "printers", "--v3", "-u", "admin", "-u", "guest"),
+                ("--save:", "sweep", "--save", LAB + "/bad.json")):
             code, out, err = run(*arguments)
             self.assertEqual((2, ""), (code, out), err)
+            self.assertEqual(f"vndiscover: {offender}", err[:12 + len(offender)], arguments)
             self.assertIn("--help'", err)
+        self.assertEqual("[]", Path(LAB, "bad.json").read_text(encoding="utf-8"))
 
     def test_the_page_of_the_command_line_holds_every_help(self):
         page, overview = PAGE.read_text(encoding="utf-8"), found("--help")
@@ -82,6 +90,9 @@ class Terminals(unittest.TestCase):
         while screen.endswith("^C"):  # typed when the sweep was over already, 2 s later
             code, screen, _ = run_on_terminal([("Model 1", b"\x03")], "sweep")
             self.assertEqual(0, code)
+        code, none, _ = run_on_terminal([("s, 0", b"\x03")], "sweep", "-c", "wrong")
+        self.assertEqual(1, code)
+        self.assertNotIn("no device", none)
         self.assertIn("stopped", screen)
         self.assertRegex(screen, r"\r\d s, 0 devices\s*\r")
 
@@ -98,7 +109,7 @@ class Terminals(unittest.TestCase):
         path.write_text(json.dumps({"format": "vndiscover-scan", "version": 1, "answers": answers, "splits": [], "sweeps": [
             {"kind": "wsd", "form": "reply", "ipv6": False, "time": time}]}), encoding="utf-8")
         # The list is printed just before the answers are saved, which takes a second with so many.
-        code, screen, _ = run_on_terminal([("10.77.1.2 ", b"\x03")], "wsd", "--timeout", "1000", "--save", str(path), "--append")
+        code, screen, _ = run_on_terminal([("10.77.1.2 ", b"\x03")], "wsd", "--all", "--timeout", "1000", "--save", str(path), "--append")
         self.assertEqual(0, code, screen)
         self.assertIn("saving first", screen)
         self.assertGreater(len(json.loads(path.read_text(encoding="utf-8"))["answers"]), 40000)
@@ -124,7 +135,8 @@ class Sweeps(unittest.TestCase):
     def test_a_json_request_is_filled_in(self):
         path = Path(LAB, "request.json")
         request = {"DiscoverOID": SYSTEM + ".1.0", "GET": {LOCATION: "", ".1.3.9.9": "kept"}}
-        path.write_text(70000 * " " + json.dumps(request, indent=8), encoding="utf-8")
+        named = json.dumps({**request, "GET": {"sysLocation.0": "", ".1.3.9.9": "kept"}}, indent=8)
+        path.write_text("\ufeff" + 70000 * " " + named, encoding="utf-16-le")
         device = json.loads(found("sweep", "--ipv6", "--json", str(path), "--format", "json"))[0]
         request["GET"][LOCATION] = LOCATION_TEXT
         self.assertRegex(device["address"], "^fe80::1:[0-9]+$")  # it answers from any of its addresses
@@ -148,18 +160,30 @@ class Sweeps(unittest.TestCase):
                          found("sweep", *V3, "--oid", LOCATION, "--csv", str(path), **SECRETS))
         self.assertEqual(b'"10.77.1.2","Hall ""B"", 2nd floor"\r\n', path.read_bytes())
 
+    def test_printers_are_looked_for_as_several_users(self):
+        second = {name + "_2": password for name, password in SECRETS.items()}
+        code, out, err = run("printers", "-c", "wrong", "--v3", "-u", "nobody", *V3, **second)
+        self.assertEqual((1, ""), (code, out))
+        self.assertIn("answered but are no printers: 1", err)
+        self.assertIn("community 'wrong' and the SNMPv3 user 'nobody' and the SNMPv3 user 'admin'", err)
+
     def test_the_example_of_the_readme_finds_the_agent(self):
         self.assertEqual((0, "10.77.1.2\tModel 1\nthe sweep is over\n"), run(program="first_use.exe")[:2])
 
 
 class Responders(unittest.TestCase):
     def test_devices_on_every_network_are_found(self):
-        devices = json.loads(found("wsd", "--timeout", "2000", "--format", "json"))
+        devices = json.loads(found("wsd", "--all", "--timeout", "2000", "--format", "json"))
         self.assertEqual(list(RESPONDERS.values()), [device["address"] for device in devices])
         for device in devices:
             self.assertEqual(["wsdp:Device", "pub:Computer"], device["types"])
             self.assertRegex(device["endpoint"], r"^urn:uuid:[0-9a-f-]{36}$")
             self.assertEqual(REPEATS, device["replies"])
+
+    def test_computers_are_no_printers(self):
+        code, out, err = run("wsd", "--timeout", "1000")
+        self.assertEqual((1, ""), (code, out))
+        self.assertIn("no printer replied", err)
 
     @unittest.skipUnless(HAS_WSDD, "wsdd2 answers whatever type is asked for")
     def test_an_unknown_type_finds_no_device(self):

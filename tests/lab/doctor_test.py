@@ -41,6 +41,28 @@ class Doctor(unittest.TestCase):
         self.assertEqual(1, sweep_code)
         self.assertIn("'vndiscover doctor'", err)
 
+    def test_on_a_computer_with_automatic_addresses_alone(self):
+        for index in (1, 2):
+            address = ["ip", "-n", "host", "addr"]
+            subprocess.run([*address, "del", f"10.77.{index}.1/24", "dev", f"eth{index - 1}"], check=True)
+            subprocess.run([*address, "add", f"169.254.{index}.1/24", "dev", f"eth{index - 1}"], check=True)
+        code, out, _ = run("doctor", "--format", "json")
+        self.assertEqual(1, code)
+        self.assertIn("only automatic addresses (169.254)", json.loads(out)["causes"][0])
+
+    def test_on_a_computer_without_a_network(self):
+        for adapter in ("eth0", "eth1"):
+            subprocess.run(["ip", "-n", "host", "link", "set", adapter, "down"], check=True)
+        for result in at_once(lambda command: run(command), ("sweep", "printers")):
+            self.assertEqual((3, "", "vndiscover: no request could be sent: 'vndiscover doctor' looks for the cause\r\n"), result)
+
+    def test_a_blocked_port_is_no_missing_route(self):
+        rule = ["ip", "-n", "host", "rule"]
+        subprocess.run([*rule, "add", "to", "10.77.1.98", "ipproto", "udp", "dport", "161", "prohibit"], check=True)
+        code, verdict = self.verdict("10.77.1.98")
+        self.assertEqual(3, code)
+        self.assertIn("a firewall on this computer blocks outgoing UDP port 161", verdict)
+
     def test_one_device_is_checked_in_steps(self):
         nobody = [word.replace("admin", "nobody") for word in V3]
         good, wrong_community, unknown_user, wrong_password = at_once(lambda check: check(), (
@@ -70,4 +92,5 @@ class Doctor(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    main(AGENT_CONF, in_turn=["route_is_reported", "the_order_of_a_sweep"])
+    main(AGENT_CONF, in_turn=["route_is_reported", "the_order_of_a_sweep"],
+         alone=["automatic_addresses_alone", "without_a_network"])

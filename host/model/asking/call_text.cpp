@@ -350,7 +350,9 @@ class Command {
 std::string CommandText(const Call& call) {
     if (IsStop(call)) return "";
     if (IsWsd(call)) {
-        Command command("wsd");
+        const bool isForPrinters =
+            Given(call, "probe").find("PrintDeviceType") != std::string::npos;
+        Command command(isForPrinters ? "wsd" : "wsd --all");
         command.Add("--timeout", Find(call, "timeout"));
         return command.Text();
     }

@@ -3,6 +3,7 @@
 #include <cjson/cJSON.h>
 
 #include "values/module_types.h"
+#include "values/object_names.h"
 
 namespace vndiscover::host {
 namespace {
@@ -11,6 +12,23 @@ std::string_view WithoutByteOrderMark(std::string_view text) {
     constexpr std::string_view kMark = "\xEF\xBB\xBF";
     if (text.substr(0, kMark.size()) == kMark) text.remove_prefix(kMark.size());
     return text;
+}
+
+// "sysName.0" as ".1.3.6.1.2.1.1.5.0"; what is no name stays.
+std::string Numeric(const char* text) {
+    const auto oid = ParseOidOrName(text ? text : "");
+    return oid && !ParseOid(text) ? OidToText(*oid) : text ? text : "";
+}
+
+void ReplaceNames(cJSON* request) {
+    cJSON* const discovery = cJSON_GetObjectItem(request, "DiscoverOID");
+    if (cJSON_IsString(discovery))
+        cJSON_SetValuestring(discovery, Numeric(discovery->valuestring).c_str());
+    cJSON* const list = cJSON_GetObjectItem(request, "GET");
+    for (int left = cJSON_IsObject(list) ? cJSON_GetArraySize(list) : 0; left > 0; --left) {
+        cJSON* const member = cJSON_DetachItemFromArray(list, 0);
+        cJSON_AddItemToObject(list, Numeric(member->string).c_str(), member);
+    }
 }
 
 }  // namespace
@@ -22,6 +40,7 @@ std::optional<std::string> PrepareRequest(std::string_view text, std::string& pr
         problem = "does not hold a JSON object";
         return std::nullopt;
     }
+    ReplaceNames(parsed.get());
     std::string compact = PrintedJson(parsed.get());
     if (compact.size() < kJsonRequestSize) return compact;
     problem = "is too long: " + std::to_string(compact.size()) + " bytes without blanks, but " +
@@ -31,6 +50,17 @@ std::optional<std::string> PrepareRequest(std::string_view text, std::string& pr
 
 std::string RequestFor(const std::string& oid) {
     return "{\"DiscoverOID\":\"" + oid + "\",\"GET\":{\"" + oid + "\":\"\"}}";
+}
+
+std::vector<Oid> OidsOf(const cJSON* request) {
+    std::vector<Oid> oids;
+    const cJSON* const discovery = cJSON_GetObjectItem(request, "DiscoverOID");
+    const auto add = [&](const std::string& text) {
+        if (auto oid = ParseOid(text)) oids.push_back(std::move(*oid));
+    };
+    if (cJSON_IsString(discovery)) add(discovery->valuestring);
+    for (const auto& [name, value] : AnswersOf(request)) add(name);
+    return oids;
 }
 
 std::vector<std::pair<std::string, std::string>> AnswersOf(const cJSON* document) {

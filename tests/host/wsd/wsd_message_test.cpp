@@ -43,7 +43,8 @@ TEST(MatchLists, ShowEachDeviceOnceAndTypesByNamespace) {
              Reply(kVersion11,
                    "<a:EndpointReference><a:Address>&#27;[2J</a:Address></a:EndpointReference>"
                    "<d:Types>n&#x9b;one</d:Types><d:XAddrs>http://a/&#7;</d:XAddrs>"));
-    EXPECT_EQ(R"(10.0.0.1         wprt:PrintDeviceType {urn:x}Fax
+    EXPECT_EQ(R"(ADDRESS          TYPES
+10.0.0.1         wprt:PrintDeviceType {urn:x}Fax
                  http://10.0.0.1:80/a
                  http://[fe80::1]/b
                  urn:uuid:1
@@ -97,6 +98,15 @@ TEST(ProbeMatches, MalformedRepliesGiveNoMatches) {
           std::string(2048, '<'), std::string("\xFF\xFE<\0a\0", 6), std::string("<![CDATA[")}) {
         EXPECT_TRUE(ReadProbeMatches(text).empty());
     }
+}
+
+TEST(ProbeMatches, TellWhichProbeTheyAnswer) {
+    std::string reply = Reply(kVersion11, kMatch);
+    EXPECT_EQ("", RelatesTo(reply));
+    reply.insert(reply.find("<Body>"),
+                 "<Header><a:RelatesTo xmlns:a='http://www.w3.org/2005/08/addressing'>\n"
+                 "urn:uuid:7</a:RelatesTo></Header>");
+    EXPECT_EQ("urn:uuid:7", RelatesTo(reply));
 }
 
 TEST(Probes, AreWellFormedAndDeclareTheirTypes) {

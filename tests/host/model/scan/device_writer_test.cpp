@@ -81,6 +81,15 @@ TEST(JsonRequests, AreCompactedAndLimited) {
     EXPECT_EQ(RequestFor(".1.3.6"), PrepareRequest(RequestFor(".1.3.6"), problem));
     EXPECT_EQ("{\"GET\":{\".1.3 x\":\"\"}}",
               PrepareRequest("\xEF\xBB\xBF{ \"GET\": {\r\n\".1.3 x\": \"\" } }\n", problem));
+    const auto named = PrepareRequest(
+        R"({"DiscoverOID": "sysObjectID.0", "GET": {"sysname.0": "", "none": "", ".1.3.6": "x"}})",
+        problem);
+    EXPECT_EQ(R"({"DiscoverOID":".1.3.6.1.2.1.1.2.0",)"
+              R"("GET":{".1.3.6.1.2.1.1.5.0":"","none":"",".1.3.6":"x"}})",
+              named);
+    EXPECT_EQ(
+        (std::vector<Oid>{{1, 3, 6, 1, 2, 1, 1, 2, 0}, {1, 3, 6, 1, 2, 1, 1, 5, 0}, {1, 3, 6}}),
+        OidsOf(ParseDocument(*named).get()));
     for (const char* text : {"", "[]", "\"GET\"", "{\"GET\": {", "{'GET': 1}"}) {
         EXPECT_FALSE(PrepareRequest(text, problem)) << text;
     }
