@@ -2,9 +2,9 @@
 
 #include <vndiscover.h>
 
+#include <future>
 #include <list>
 #include <optional>
-#include <thread>
 
 #include "device/device.h"
 #include "device/sweeps.h"
@@ -48,7 +48,7 @@ AskNext DirectAsker(const std::vector<Login>& logins) {
     };
 }
 
-bool PrinterFinder::Run(bool useIPv6) {
+void PrinterFinder::Run(bool useIPv6) {
     phase_ = "starting";
     const SweepWatch watch(StopDiscoverSnmp, [this] {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -62,7 +62,12 @@ bool PrinterFinder::Run(bool useIPv6) {
         }
     }
     ReadAll(watch);
-    return !watch.IsStopped();
+    isStopped_ = watch.IsStopped();
+}
+
+void PrinterFinder::ShowPhase(std::string phase) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    phase_ = std::move(phase);
 }
 
 void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
@@ -76,10 +81,7 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
     sweep.oid = ToWide(OidToText(oid));
     sweep.security = by.security.get();
     if (by.security) sweep.request = ToWide(RequestFor(OidToText(oid)));
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        phase_ = "sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : "");
-    }
+    ShowPhase("sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : ""));
     const ResultWindow window([&](const char* address, const char* value) {
         scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
         if (!devices_.try_emplace(address, devices_.size()).second) return;
@@ -88,7 +90,7 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
         const std::lock_guard<std::mutex> lock(mutex_);
         fleet_.Add(address, login, std::move(known));
     });
-    RunSweep(window.Handle(), ResultWindow::kMessage, sweep);
+    wasSent_ |= RunSweep(window.Handle(), ResultWindow::kMessage, sweep);
     window.Rethrow();
 }
 
@@ -96,72 +98,72 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
 void PrinterFinder::Work(const AskNext& ask, const std::function<bool()>& mayGoOn) {
     std::unique_lock<std::mutex> lock(mutex_);
     while (mayGoOn() && !fleet_.IsOver()) {
-        const auto job = fleet_.Next();
+        auto job = fleet_.Next();
         if (!job) {
             changed_.wait_for(lock, kPoll);
             continue;
         }
+        const size_t index = job->index, login = job->login;
+        const std::string address = job->address;
         lock.unlock();
-        Asker asker;
-        asker.isV3 = logins_[job->login].security != nullptr;
-        asker.mayGoOn = mayGoOn;
-        asker.getNext = [&](const Oid& oid) { return ask(job->login, job->address, oid); };
-        FleetResult result = ReadJob(*job, asker);
-        lock.lock();
-        if (mayGoOn()) {
-            fleet_.Done(*job, std::move(result));
-        } else {
-            fleet_.Return(*job);
+        try {
+            Asker asker;
+            asker.isV3 = logins_[login].security != nullptr;
+            asker.mayGoOn = mayGoOn;
+            asker.getNext = [&](const Oid& oid) { return ask(login, address, oid); };
+            job = ReadJob(std::move(*job), asker);
+            lock.lock();
+            if (mayGoOn()) fleet_.Done(std::move(*job));
+        } catch (...) {  // no memory
+            if (!lock) lock.lock();
+            fleet_.Return(index);
+            throw;
         }
+        if (!mayGoOn()) fleet_.Return(index);
         changed_.notify_all();
     }
-    --working_;
 }
 
 void PrinterFinder::ReadAll(const SweepWatch& watch) {
     const auto mayGoOn = [&] { return !watch.IsStopped(); };
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        phase_.clear();
-    }
+    ShowPhase("");
     const size_t count = std::min(kMaxProcesses, devices_.size() / 2);
     const OwnedHandle job = EndingJob();
     std::list<AskProcess> processes;
-    std::vector<std::thread> threads;
-    for (size_t i = 0; i < count && mayGoOn(); ++i) {
-        AskProcess& process = processes.emplace_back(askOption_.c_str(), job.Get());
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            ++working_;
+    std::vector<std::future<void>> readers;
+    try {
+        for (size_t i = 0; i < count && mayGoOn(); ++i) {
+            AskProcess& process = processes.emplace_back(askOption_.c_str(), job.Get());
+            readers.push_back(std::async(std::launch::async, [this, &process, &mayGoOn] {
+                Work([&](size_t login, const std::string& address,
+                         const Oid& oid) { return process.GetNext(login, address, oid); },
+                     [&] { return process.IsAlive() && mayGoOn(); });
+            }));
         }
-        threads.emplace_back([this, &process, &mayGoOn] {
-            Work([&](size_t login, const std::string& address,
-                     const Oid& oid) { return process.GetNext(login, address, oid); },
-                 [&] { return process.IsAlive() && mayGoOn(); });
-        });
+    } catch (const std::exception&) {  // no memory, or no thread: there are fewer readers
     }
-    {
-        std::unique_lock<std::mutex> lock(mutex_);
-        while (working_ > 0 && mayGoOn()) changed_.wait_for(lock, kPoll);
+    for (const std::future<void>& reader : readers) {
+        while (mayGoOn() && reader.wait_for(kPoll) != std::future_status::ready) {
+        }
     }
     if (!mayGoOn()) {  // a request would take up to 10 s
         for (AskProcess& process : processes) process.End();
     }
-    for (std::thread& thread : threads) thread.join();
-    // What is left: few devices, or the processes could not be started.
-    ++working_;
+    for (const std::future<void>& reader : readers) reader.wait();
+    // What is left: few devices, or those of readers that could not start or ran out of memory.
     Work(DirectAsker(logins_), mayGoOn);
 }
 
 std::vector<PrinterLine> PrinterFinder::Printers(size_t& others) {
-    for (size_t login = 0; login < logins_.size(); ++login) {
-        const SweepKind kind = logins_[login].security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
-        scan_.sweeps.push_back({kind, AnswerForm::kVariable, false, {}, UtcNow()});
-        for (const FleetDevice& device : fleet_.Devices()) {
-            if (device.login != login) continue;
-            for (const auto& [oid, answer] : device.answers.values)
-                scan_.answers.push_back({scan_.sweeps.size() - 1, "", device.address, answer});
-        }
+    for (const FleetDevice& device : fleet_.Devices()) {
+        const bool isV3 = logins_[device.login].security != nullptr;
+        scan_.sweeps.push_back({isV3 ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
+                                AnswerForm::kVariable,
+                                false,
+                                {},
+                                UtcNow()});
+        for (const auto& [oid, answer] : device.answers.values)
+            scan_.answers.push_back({scan_.sweeps.size() - 1, "", device.address, answer});
     }
     std::vector<PrinterLine> printers;
     for (const FoundDevice& found : MakeDevices(scan_)) {
@@ -169,13 +171,13 @@ std::vector<PrinterLine> PrinterFinder::Printers(size_t& others) {
         printer.facts = *found.facts;
         for (const std::string& address : found.identity.Of(MergeKey::kAddress)) {
             printer.addresses.push_back(address);
-            const FleetDevice& device = fleet_.Devices()[devices_.at(address)];
-            const auto known = device.answers.values.find(*ParseOidOrName(kPrinterObject));
-            if (printer.facts.model.empty() && known != device.answers.values.end())
+            const PrinterAnswers& answers = fleet_.Devices()[devices_.at(address)].answers;
+            const auto known = answers.values.find(*ParseOidOrName(kPrinterObject));
+            if (printer.facts.model.empty() && known != answers.values.end())
                 printer.facts.model = DeviceText(known->second.bytes, 0);
-            if (device.answers.lastStatus != Status::kAnswered) {
-                printer.problem = device.answers.lastProblem;
-            } else if (!device.isRead) {
+            if (answers.lastStatus != Status::kAnswered) {
+                printer.problem = answers.lastProblem;
+            } else if (!fleet_.Devices()[devices_.at(address)].isRead) {
                 printer.problem = "stopped";
             }
         }

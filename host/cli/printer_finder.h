@@ -38,8 +38,10 @@ class PrinterFinder {
     PrinterFinder(std::vector<Login> logins, std::wstring askOption)
         : logins_(std::move(logins)), askOption_(std::move(askOption)) {}
 
-    // Sweeps over IPv4, and over IPv6 if `useIPv6`, then reads. False if Ctrl-C stopped it.
-    bool Run(bool useIPv6);
+    // Sweeps over IPv4, and over IPv6 if `useIPv6`, then reads. Ctrl-C ends it early.
+    void Run(bool useIPv6);
+    bool IsStopped() const { return isStopped_; }  // by Ctrl-C
+    bool WasSent() const { return wasSent_; }      // any request of a sweep
 
     // What was found, the worst first; once, after Run. Adds to `others` the devices that are no
     // printers.
@@ -49,17 +51,18 @@ class PrinterFinder {
     void Sweep(size_t login, bool useIPv6, const char* object);
     void ReadAll(const SweepWatch& watch);
     void Work(const AskNext& ask, const std::function<bool()>& mayGoOn);
+    void ShowPhase(std::string phase);
 
     const std::vector<Login> logins_;
     const std::wstring askOption_;
+    bool isStopped_ = false, wasSent_ = false;
     Scan scan_;
     std::map<std::string, size_t> devices_;  // of the fleet, by address
 
     std::mutex mutex_;  // for what follows
     std::condition_variable changed_;
     Fleet fleet_;
-    std::string phase_;   // empty: reading
-    size_t working_ = 0;  // threads
+    std::string phase_;  // empty: reading
 };
 
 }  // namespace vndiscover::host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 #include <tuple>
 
 #include "values/ip_address.h"
@@ -34,21 +35,6 @@ std::string Cut(const std::string& text, size_t width) {
     return cut + "..";
 }
 
-// Takes from the widest columns what is too much; addresses stay whole.
-void Shrink(std::array<size_t, kColumns>& widths, size_t width) {
-    constexpr size_t kLeast = 8;
-    const auto total = [&] {
-        size_t sum = 2 * (kColumns - 1);
-        for (const size_t one : widths) sum += one;
-        return sum;
-    };
-    while (total() > width) {
-        const auto widest = std::max_element(widths.begin(), widths.end() - 1);
-        if (*widest <= kLeast) return;
-        --*widest;
-    }
-}
-
 }  // namespace
 
 void SortWorstFirst(std::vector<PrinterLine>& printers) {
@@ -69,7 +55,14 @@ std::string PrintersText(const std::vector<PrinterLine>& printers, size_t width)
         for (size_t i = 0; i < kColumns; ++i)
             widths[i] = std::max(widths[i], CharacterCount(row[i]));
     }
-    Shrink(widths, width);
+    // The widest columns are cut; addresses stay whole.
+    constexpr size_t kLeast = 8;
+    for (size_t sum = std::accumulate(widths.begin(), widths.end(), 2 * (kColumns - 1));
+         sum > width; --sum) {
+        size_t& widest = *std::max_element(widths.begin(), widths.end() - 1);
+        if (widest <= kLeast) break;
+        --widest;
+    }
     std::string text;
     for (const Cells& row : rows) {
         for (size_t i = 0; i + 1 < kColumns; ++i)
@@ -85,12 +78,18 @@ std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
         "page count,supplies,not read\n";
     for (const PrinterLine& printer : printers) {
         const PrinterFacts& facts = printer.facts;
+        std::string supplies;
+        for (const Supply& supply : facts.supplies)
+            supplies =
+                Joined({supplies, SupplyName(supply) + ": " + LevelText(supply.level)}, "; ");
+        const std::string count =
+            facts.pageCounts.empty() ? "" : std::to_string(facts.pageCounts.front().count);
         std::string line;
         for (const std::string& cell :
              {std::string(SeverityName(printer.summary.severity)), printer.summary.state,
               printer.summary.supply, facts.name, facts.model, Joined(printer.addresses),
-              facts.serialNumber, facts.location, facts.description, CountText(facts),
-              SuppliesText(facts), printer.problem})
+              facts.serialNumber, facts.location, facts.description, count, supplies,
+              printer.problem})
             line += (line.empty() ? "" : ",") + CsvCell(cell);
         text += line + "\n";
     }

@@ -5,81 +5,77 @@
 
 namespace vndiscover::host {
 
-FleetResult ReadJob(const FleetJob& job, const Asker& asker) {
-    FleetResult result;
+FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
+    bool isSlow = false;
     Asker timed = asker;
-    timed.mayGoOn = [&] {
-        return (job.isLate || !result.isSlow) && (!asker.mayGoOn || asker.mayGoOn());
-    };
+    timed.mayGoOn = [&] { return (job.isLate || !isSlow) && (!asker.mayGoOn || asker.mayGoOn()); };
     timed.getNext = [&](const Oid& oid) {
         const int64_t start = NowMs(asker);
         Answer answer = asker.getNext(oid);
-        if (NowMs(asker) - start > kSlowRequestMs) result.isSlow = true;
+        if (NowMs(asker) - start > kSlowRequestMs) isSlow = true;
         return answer;
     };
-    result.answers = job.isState ? ReadState(timed, job.known) : ReadForList(timed, job.known);
-    return result;
+    PrinterAnswers known;
+    known.values = std::move(job.answers.values);
+    job.answers = (job.isState ? ReadState : ReadForList)(timed, std::move(known));
+    if (isSlow && job.answers.lastStatus != Status::kAnswered) job.isLate = true;
+    return job;
 }
 
 void Fleet::Add(std::string address, size_t login, std::map<Oid, Answer> known) {
-    jobs_.push_back({devices_.size(), true});
     FleetDevice device;
+    device.index = devices_.size();
     device.address = std::move(address);
     device.login = login;
     device.answers.values = std::move(known);
     devices_.push_back(std::move(device));
 }
 
-std::optional<FleetJob> Fleet::Next() {
-    const bool isLate = jobs_.empty();
-    std::deque<Waiting>& queue = isLate ? late_ : jobs_;
-    if (queue.empty()) return std::nullopt;
-    const Waiting next = queue.front();
-    queue.pop_front();
-    ++running_;
-    const FleetDevice& device = devices_[next.device];
-    FleetJob job = {next.device, device.address, device.login, next.isState, isLate, {}};
-    job.known.values = device.answers.values;
+std::optional<FleetDevice> Fleet::Next() {
+    const auto rank = [](const FleetDevice& device) {
+        return std::pair(device.isRead || device.isTaken,
+                         2 * static_cast<int>(device.isLate) + (device.isState ? 0 : 1));
+    };
+    const auto next = std::min_element(
+        devices_.begin(), devices_.end(),
+        [&](const auto& one, const auto& other) { return rank(one) < rank(other); });
+    if (next == devices_.end() || next->isRead || next->isTaken) return std::nullopt;
+    FleetDevice job = *next;
+    next->isTaken = true;
     return job;
 }
 
-void Fleet::Return(const FleetJob& job) {
-    --running_;
-    (job.isLate ? late_ : jobs_).push_front({job.device, job.isState});
+void Fleet::Done(FleetDevice job) {
+    const bool isPostponed = job.isLate != devices_[job.index].isLate;
+    if (!isPostponed && job.isState) {
+        const PrinterFacts facts = FactsOf(job.answers);
+        if (facts.deviceIndex) job.severity = SummaryOf(facts).severity;
+    }
+    if (!isPostponed) {
+        const bool isCutShort = job.answers.lastStatus != Status::kAnswered;
+        job.isRead = isCutShort || !job.isState || !job.severity;
+        job.isState = false;
+    }
+    devices_[job.index] = std::move(job);
 }
 
-void Fleet::Done(const FleetJob& job, FleetResult result) {
-    --running_;
-    FleetDevice& device = devices_[job.device];
-    device.answers = std::move(result.answers);
-    const bool isCutShort = device.answers.lastStatus != Status::kAnswered;
-    if (isCutShort && result.isSlow && !job.isLate) {
-        late_.push_back({job.device, job.isState});
-        return;
-    }
-    if (job.isState) {
-        ++states_;
-        const PrinterFacts facts = FactsOf(device.answers);
-        if (facts.deviceIndex) device.severity = SummaryOf(facts).severity;
-    }
-    if (job.isState && !isCutShort && device.severity) {
-        (job.isLate ? late_ : jobs_).push_back({job.device, false});
-    } else {
-        device.isRead = true;
-    }
+bool Fleet::IsOver() const {
+    return std::all_of(devices_.begin(), devices_.end(),
+                       [](auto& device) { return device.isRead; });
 }
 
 std::string Fleet::Progress() const {
     const auto count = [&](auto&& isCounted) {
-        return std::to_string(std::count_if(devices_.begin(), devices_.end(), isCounted));
+        return std::count_if(devices_.begin(), devices_.end(), isCounted);
+    };
+    const auto are = [&](Severity severity) {
+        return std::to_string(count([=](auto& device) { return device.severity == severity; }));
     };
     const std::string total = " of " + std::to_string(devices_.size());
-    if (states_ < devices_.size() && !jobs_.empty() && jobs_.front().isState)
-        return "state of " + std::to_string(states_) + total;
-    const auto are = [&](Severity severity) {
-        return count([=](const FleetDevice& device) { return device.severity == severity; });
-    };
-    return count([](const FleetDevice& device) { return device.isRead; }) + total + ", " +
+    const auto states = count([](auto& device) { return !device.isState; });
+    if (count([](auto& device) { return device.isState && !device.isLate; }) > 0)
+        return "state of " + std::to_string(states) + total;
+    return std::to_string(count([](auto& device) { return device.isRead; })) + total + ", " +
            are(Severity::kCritical) + " critical, " + are(Severity::kAttention) + " need attention";
 }
 

@@ -56,57 +56,29 @@ void AddLevel(cJSON* object, const Level& level) {
     AddText(object, "text", LevelText(level));
 }
 
-void AddSupplies(cJSON* root, const PrinterFacts& facts) {
+// What a report and a list say of a printer.
+void AddPrinter(cJSON* root, const PrinterFacts& facts) {
+    AddOrNull(root, {{"model", facts.model},
+                     {"serialNumber", facts.serialNumber},
+                     {"name", facts.name},
+                     {"location", facts.location},
+                     {"deviceStatus", facts.deviceStatus},
+                     {"printerStatus", facts.printerStatus}});
+    if (facts.errors) {
+        AddTexts(root, "errors", *facts.errors);
+    } else {
+        cJSON_AddNullToObject(root, "errors");
+    }
+    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
+        AddNumber(object, "count", std::to_string(count.count));
+        AddOrNull(object, {{"unit", count.unit}});
+    });
     AddObjects(root, "supplies", facts.supplies, [](cJSON* object, const Supply& supply) {
         AddOrNull(object, {{"description", supply.description},
                            {"colour", supply.colour},
                            {"type", supply.type}});
         cJSON_AddBoolToObject(object, "isReceptacle", supply.level.isReceptacle);
         AddLevel(object, supply.level);
-    });
-}
-
-void AddPageCounts(cJSON* root, const PrinterFacts& facts) {
-    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
-        AddNumber(object, "count", std::to_string(count.count));
-        AddOrNull(object, {{"unit", count.unit}});
-    });
-}
-
-void AddErrors(cJSON* object, const PrinterFacts& facts) {
-    if (facts.errors) {
-        AddTexts(object, "errors", *facts.errors);
-    } else {
-        cJSON_AddNullToObject(object, "errors");
-    }
-}
-
-void AddTables(cJSON* root, const PrinterFacts& facts) {
-    AddPageCounts(root, facts);
-    AddSupplies(root, facts);
-    AddObjects(root, "trays", facts.trays, [](cJSON* object, const Tray& tray) {
-        AddOrNull(object, {{"name", tray.name}, {"medium", tray.medium}});
-        AddLevel(object, tray.level);
-    });
-    AddObjects(root, "alerts", facts.alerts, [](cJSON* object, const Alert& alert) {
-        AddOrNull(object, {{"severity", alert.severity},
-                           {"group", alert.group},
-                           {"code", alert.code},
-                           {"description", alert.description}});
-        AddOrNull(object, "upTicks", alert.upTicks);
-    });
-    AddObjects(root, "interfaces", facts.interfaces, [](cJSON* object, const Interface& one) {
-        AddOrNull(object, {{"description", one.description},
-                           {"type", one.type},
-                           {"speed", one.speed},
-                           {"physicalAddress", one.physicalAddress},
-                           {"adminStatus", one.adminStatus},
-                           {"operStatus", one.operStatus}});
-    });
-    AddObjects(root, "notRead", facts.gaps, [](cJSON* object, const Gap& gap) {
-        AddText(object, "subject", gap.subject);
-        AddOrNull(object, {{"object", gap.object}});
-        AddText(object, "reason", gap.reason);
     });
 }
 
@@ -149,22 +121,39 @@ std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; 
 }  // namespace
 
 std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
-    const JsonItem root(cJSON_CreateObject());
-    AddText(root.get(), "host", host);
-    AddOrNull(root.get(), "deviceIndex", facts.deviceIndex);
-    AddOrNull(root.get(), {{"model", facts.model},
-                           {"serialNumber", facts.serialNumber},
-                           {"name", facts.name},
-                           {"location", facts.location},
-                           {"description", facts.description},
-                           {"macAddress", facts.macAddress}});
-    AddOrNull(root.get(), "upTicks", facts.upTicks);
-    AddOrNull(root.get(),
-              {{"deviceStatus", facts.deviceStatus}, {"printerStatus", facts.printerStatus}});
-    AddErrors(root.get(), facts);
-    AddTexts(root.get(), "panel", facts.panel);
-    AddTables(root.get(), facts);
-    return Line(root);
+    const JsonItem item(cJSON_CreateObject());
+    cJSON* const root = item.get();
+    AddText(root, "host", host);
+    AddOrNull(root, "deviceIndex", facts.deviceIndex);
+    AddPrinter(root, facts);
+    AddOrNull(root, {{"description", facts.description}, {"macAddress", facts.macAddress}});
+    AddOrNull(root, "upTicks", facts.upTicks);
+    AddTexts(root, "panel", facts.panel);
+    AddObjects(root, "trays", facts.trays, [](cJSON* object, const Tray& tray) {
+        AddOrNull(object, {{"name", tray.name}, {"medium", tray.medium}});
+        AddLevel(object, tray.level);
+    });
+    AddObjects(root, "alerts", facts.alerts, [](cJSON* object, const Alert& alert) {
+        AddOrNull(object, {{"severity", alert.severity},
+                           {"group", alert.group},
+                           {"code", alert.code},
+                           {"description", alert.description}});
+        AddOrNull(object, "upTicks", alert.upTicks);
+    });
+    AddObjects(root, "interfaces", facts.interfaces, [](cJSON* object, const Interface& one) {
+        AddOrNull(object, {{"description", one.description},
+                           {"type", one.type},
+                           {"speed", one.speed},
+                           {"physicalAddress", one.physicalAddress},
+                           {"adminStatus", one.adminStatus},
+                           {"operStatus", one.operStatus}});
+    });
+    AddObjects(root, "notRead", facts.gaps, [](cJSON* object, const Gap& gap) {
+        AddText(object, "subject", gap.subject);
+        AddOrNull(object, {{"object", gap.object}});
+        AddText(object, "reason", gap.reason);
+    });
+    return Line(item);
 }
 
 std::string ComputerJson(const ComputerReport& report) {
@@ -227,24 +216,14 @@ std::string ComparisonJson(const Comparison& comparison) {
 std::string PrintersJson(const std::vector<PrinterLine>& printers) {
     JsonArray array;
     for (const PrinterLine& printer : printers) {
-        const PrinterFacts& facts = printer.facts;
         const JsonItem item(cJSON_CreateObject());
         cJSON* const object = item.get();
         AddText(object, "severity", SeverityName(printer.summary.severity));
         AddOrNull(object,
                   {{"state", printer.summary.state}, {"lowestSupply", printer.summary.supply}});
         AddTexts(object, "addresses", printer.addresses);
-        AddOrNull(object, {{"name", facts.name},
-                           {"model", facts.model},
-                           {"serialNumber", facts.serialNumber},
-                           {"location", facts.location},
-                           {"firmware", facts.description},
-                           {"deviceStatus", facts.deviceStatus},
-                           {"printerStatus", facts.printerStatus}});
-        AddErrors(object, facts);
-        AddPageCounts(object, facts);
-        AddSupplies(object, facts);
-        AddOrNull(object, {{"notRead", printer.problem}});
+        AddPrinter(object, printer.facts);
+        AddOrNull(object, {{"firmware", printer.facts.description}, {"notRead", printer.problem}});
         array.Add(object);
     }
     return array.Finish();

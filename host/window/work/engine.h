@@ -72,7 +72,7 @@ class Engine {
     // `target` then has the community by which the device answers.
     virtual PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) = 0;
     // One round of reading a device for the list; in this process if there is no reader.
-    virtual FleetResult ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+    virtual FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                                     std::function<bool()> mayGoOn) = 0;
     // How many readers may ask side by side.
     virtual size_t MaxReaders() const { return 0; }

@@ -110,8 +110,8 @@ PrinterAnswers ModuleEngine::Read(AskTarget& target, std::function<bool()> mayGo
     }
 }
 
-FleetResult ModuleEngine::ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
-                                      std::function<bool()> mayGoOn) {
+FleetDevice ModuleEngine::ReadForList(const AskTarget& target, const FleetDevice& job,
+                                      Reader* reader, std::function<bool()> mayGoOn) {
     const Device device = DeviceOf(target);
     Asker asker = AskerOf(device);
     if (reader) {

@@ -11,7 +11,7 @@ class ModuleEngine : public Engine {
     void StopSnmp() override;
     void StopWsd() override;
     PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) override;
-    FleetResult ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+    FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override;
     size_t MaxReaders() const override { return 6; }
     std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>& logins) override;

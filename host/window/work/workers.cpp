@@ -19,11 +19,11 @@ std::string KeyOf(const char* task, const AskTarget& target) {
 }
 
 // An exception is a failed reading.
-FleetResult ReadOne(Engine& engine, const AskTarget& target, const FleetJob& job, Reader* reader,
+FleetDevice ReadOne(Engine& engine, const AskTarget& target, const FleetDevice& job, Reader* reader,
                     const std::function<bool()>& mayGoOn) try {
     return engine.ReadForList(target, job, reader, mayGoOn);
 } catch (...) {
-    FleetResult result;
+    FleetDevice result = job;
     result.answers.lastStatus = Status::kSendFailed;
     result.answers.lastProblem = ExceptionText();
     return result;
@@ -259,12 +259,13 @@ void Workers::ReadFleetHere(const std::shared_ptr<FleetRun>& run) {
 }
 
 // Sets what is known of the device then. Returns true if it is to be asked again.
-bool Workers::FleetRun::Save(const FleetJob& job, FleetResult result, PrinterAnswers& known) {
-    fleet.Done(job, std::move(result));
-    const FleetDevice& device = fleet.Devices()[job.device];
+bool Workers::FleetRun::Save(FleetDevice job, PrinterAnswers& known) {
+    const size_t index = job.index;
+    fleet.Done(std::move(job));
+    const FleetDevice& device = fleet.Devices()[index];
     known = device.answers;
     const bool isSilent = known.lastStatus == Status::kNoAnswer && known.values.empty();
-    return device.isRead ? isSilent && TryNextCommunity(targets[job.device])
+    return device.isRead ? isSilent && TryNextCommunity(targets[index])
                          : known.lastStatus != Status::kAnswered;
 }
 
@@ -288,19 +289,19 @@ bool Workers::ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wai
         return true;
     }
     Results::Read read;
-    read.target = run->targets[job->device];
+    read.target = run->targets[job->index];
     lock.unlock();
     read.isForList = true;
     Post([address = job->address](Results& results) { results.OnReadingBegan(address, true); });
-    FleetResult result =
+    FleetDevice result =
         ReadOne(engine_, read.target, *job, reader, Watched(wait, job->address, maySend));
     Begin(wait, "");
     const bool isTried = maySend();
     lock.lock();
     if (isTried) {
-        read.isPostponed = run->Save(*job, std::move(result), read.answers);
+        read.isPostponed = run->Save(std::move(result), read.answers);
     } else {
-        run->fleet.Return(*job);
+        run->fleet.Return(job->index);
         read.isPostponed = true;
     }
     changed_.notify_all();

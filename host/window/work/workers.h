@@ -92,7 +92,7 @@ class Workers {
 
         size_t LoginOf(SweepKind kind, const Credentials& credentials);
         bool TryNextCommunity(AskTarget target);
-        bool Save(const FleetJob& job, FleetResult result, PrinterAnswers& known);
+        bool Save(FleetDevice job, PrinterAnswers& known);
     };
     struct Side {
         std::thread thread;

@@ -63,10 +63,12 @@ class ScriptedEngine : public Engine {
         changed_.notify_all();
     }
     void StopWsd() override {}
-    FleetResult ReadForList(const AskTarget& target, const FleetJob&, Reader*,
+    FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader*,
                             std::function<bool()> mayGoOn) override {
         AskTarget asked = target;
-        return {Read(asked, std::move(mayGoOn)), false};
+        FleetDevice read = job;
+        read.answers = Read(asked, std::move(mayGoOn));
+        return read;
     }
     PrinterAnswers Read(AskTarget& target, std::function<bool()>) override {
         ++reads;

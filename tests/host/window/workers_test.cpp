@@ -18,7 +18,7 @@ class PatientEngine : public Engine {
     void Sweep(const SweepStep&, const OnAnswer&) override {}
     void StopSnmp() override {}
     void StopWsd() override {}
-    FleetResult ReadForList(const AskTarget& target, const FleetJob& job, Reader* reader,
+    FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override {
         const int64_t delayMs = target.address == "10.0.0.1" ? slowMs.load() : 1;
         Asker asker = device.MakeAsker();

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
+
 #include "host/model/scripted_device.h"
 
 namespace vndiscover::host {
@@ -20,6 +22,7 @@ ScriptedDevice Printer(int errors, int level) {
     device.Integer("hrPrinterStatus.7", 3);
     device.Text("hrPrinterDetectedErrorState.7", std::string(1, static_cast<char>(errors)));
     device.Text("prtGeneralSerialNumber.7", "VN1");
+    device.Text("ifPhysAddress.1", "123456");
     for (size_t supply = 1; supply <= kSupplies; ++supply) {
         const std::string row = ".7." + std::to_string(supply);
         device.Text(("prtMarkerSuppliesDescription" + row).c_str(), "Toner " + row);
@@ -43,15 +46,15 @@ class FleetTest : public testing::Test {
     bool Step() {
         const auto job = fleet_.Next();
         if (!job) return false;
-        Asker asker = devices_[job->device].MakeAsker();
+        Asker asker = devices_[job->index].MakeAsker();
         asker.getNext = [this, job, ask = asker.getNext](const Oid& oid) {
-            nowMs_ += times_[job->device];
+            nowMs_ += times_[job->index];
             return ask(oid);
         };
         asker.nowMs = [this] { return nowMs_; };
         log_ +=
             job->address + (job->isState ? " state" : " rest") + (job->isLate ? " late\n" : "\n");
-        fleet_.Done(*job, ReadJob(*job, asker));
+        fleet_.Done(ReadJob(*job, asker));
         return true;
     }
     void Finish() {
@@ -85,7 +88,7 @@ TEST_F(FleetTest, StatesComeFirstInFourRequestsEach) {
     EXPECT_EQ("4 % Toner .7.1", Summary(1).supply);
     EXPECT_EQ(Severity::kAttention, Summary(1).severity) << "its toner is low";
     // A list of hundreds of printers must not take minutes.
-    for (const ScriptedDevice& device : devices_) EXPECT_GE(13 + 5 * kSupplies, device.requests);
+    for (const ScriptedDevice& device : devices_) EXPECT_GE(20 + 6 * kSupplies, device.requests);
 }
 
 TEST_F(FleetTest, WhatIsKnownIsNotRequestedAgain) {
@@ -97,7 +100,16 @@ TEST_F(FleetTest, WhatIsKnownIsNotRequestedAgain) {
     Finish();
     EXPECT_EQ("0 state\n0 rest\n0 rest late\n", log_);
     EXPECT_EQ(kSupplies, FactsOf(fleet_.Devices()[0].answers).supplies.size());
-    EXPECT_GE(13 + 5 * kSupplies + 10, device.requests);
+    EXPECT_GE(20 + 6 * kSupplies + 10, device.requests);
+}
+
+// By which its IPv4 and IPv6 addresses are then merged.
+TEST_F(FleetTest, WithoutASerialNumberTheMacAddressIsRead) {
+    Add(Printer(0, 50));
+    Add(Printer(0, 50)).variables.erase(*ParseOidOrName("prtGeneralSerialNumber.7"));
+    Finish();
+    EXPECT_EQ("", FactsOf(fleet_.Devices()[0].answers).macAddress);
+    EXPECT_EQ("31:32:33:34:35:36", FactsOf(fleet_.Devices()[1].answers).macAddress);
 }
 
 TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
