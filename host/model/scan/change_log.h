@@ -25,6 +25,8 @@ class ChangeLog {
     // Whether the device has changed and was not looked at since.
     bool IsMarked(const DeviceRow& row) const;
     void Unmark(const DeviceRow& row);
+    // The list is another one, whose states are no changes. The changes so far are kept.
+    void ForgetStates() { known_.clear(); }
 
   private:
     struct Known {

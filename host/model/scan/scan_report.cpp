@@ -49,14 +49,17 @@ Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap
 }
 
 std::vector<ChangeRow> ChangesOf(const Comparison& comparison) {
+    const auto named = [](const FoundDevice& device) {
+        return Joined({device.facts->name, DeviceLine(device)});
+    };
     std::vector<ChangeRow> rows;
     for (const size_t index : comparison.added)
-        rows.push_back({DeviceLine(comparison.after[index]), "new", "", ""});
+        rows.push_back({named(comparison.after[index]), "new", "", ""});
     for (const size_t index : comparison.gone)
-        rows.push_back({DeviceLine(comparison.before[index]), "gone", "", ""});
+        rows.push_back({named(comparison.before[index]), "gone", "", ""});
     for (const DeviceChange& change : comparison.changed) {
         for (const FieldChange& field : change.fields)
-            rows.push_back({DeviceLine(comparison.after[change.after]), field.field,
+            rows.push_back({named(comparison.after[change.after]), field.field,
                             PlainText(field.before), PlainText(field.after)});
     }
     return rows;

@@ -33,7 +33,7 @@ DeviceCommands::DeviceCommands(WindowState& state, const DeviceList& list)
 void DeviceCommands::Ask(bool isAgain) {
     const DeviceRow* row = state_.session.view.SelectedRow();
     const auto target = state_.SelectedTarget();
-    if (!target || state_.progress.IsReading(target->address)) return;
+    if (!target || !state_.workers || state_.progress.IsReading(target->address)) return;
     // Credentials go to an address of a file only if the user says so.
     if (!isAgain && !state_.session.HasAnsweredHere(*row, target->address)) return;
     if (isAgain && target->credentials.security && target->kind == SweepKind::kSnmpV1) {

@@ -64,9 +64,10 @@ std::wstring DeviceList::CellText(size_t row, size_t column) const {
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
-    const auto lowest = session_.view.Row(row).lowestSupply;
-    if (InfoOf(columns_.At(column)).look != ColumnInfo::Look::kBar || !lowest) return std::nullopt;
-    return LevelBar{*lowest};
+    const DeviceRow& shown = session_.view.Row(row);
+    const bool isBar = InfoOf(columns_.At(column)).look == ColumnInfo::Look::kBar;
+    if (!isBar || !shown.lowestSupply || !shown.standing.Holds()) return std::nullopt;
+    return LevelBar{*shown.lowestSupply};
 }
 
 void DeviceList::OnHeading(size_t column) {

@@ -410,6 +410,8 @@ void MainWindow::TakeChanges() {
     for (const DeviceRow& row : state.session.view.AllRows())
         hasChanged |= state.changes.Take(row, time);
     if (!hasChanged) return;
+    const DeviceRow* const seen = state.session.view.SelectedRow();
+    if (seen && GetActiveWindow() == Handle()) state.changes.Unmark(*seen);
     FLASHWINFO flash = {sizeof flash, Handle(), FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
     FlashWindowEx(&flash);
     changes.Show(ChangeRows());

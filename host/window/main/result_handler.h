@@ -39,6 +39,9 @@ class ResultHandler : public Results {
     }
     void OnRead(Read read) override {
         if (!read.isForList) state_.progress.EndAsking();
+        if (read.target.kind == SweepKind::kSnmpV3 && read.answers.lastStatus == Status::kRefused)
+            state_.progress.SetNote(Text(
+                IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)}));
         state_.session.AddReading(std::move(read));
     }
     void OnReadAll(size_t read, size_t total, bool) override {

@@ -58,6 +58,7 @@ void ScanCommands::Clear() {
 
 void ScanCommands::Empty() {
     state_.session.Clear();
+    state_.changes.ForgetStates();
     state_.progress.ForgetSearch();
     SetFile(L"");
     state_.showRows();
@@ -79,6 +80,7 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     if (!scan) return state_.ReportProblem(problem);
     const std::wstring time = LongTime(TimeOf(*scan));
     state_.session.SetScan(std::move(*scan));
+    state_.changes.ForgetStates();
     state_.progress.ForgetSearch();
     const std::wstring name = ToWide(FileName(path));
     SetFile(time.empty() ? name : Text(IDS_SCAN_OF, {name, time}));

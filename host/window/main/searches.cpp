@@ -64,7 +64,11 @@ void Searches::Finish() {
     // A script's problem is told when it ends.
     if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
     state_.showRows();
-    if (state_.progress.IsStopping() || !readFound_()) EndReading();
+    // While the window closes, there are no workers; a message may still be open.
+    if (state_.progress.IsStopping() || !state_.workers) return EndReading();
+    if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
+        state_.workers->Ask(state_.WithCredentials(*target), true);
+    if (!readFound_()) EndReading();
 }
 
 void Searches::EndReading() {

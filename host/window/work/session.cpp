@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "model/scan/current_answers.h"
+#include "values/module_types.h"
+#include "values/object_names.h"
 
 namespace vndiscover::host {
 
@@ -88,6 +90,11 @@ void Session::AddReading(Results::Read read) {
         scan_.answers.push_back(answer);
     }
     const bool hasValues = !read.answers.values.empty();
+    if (!hasValues && read.answers.lastStatus == Status::kAnswered) {
+        // It has answered that it is no printer.
+        answer.answer = AnsweredWith(OidOf("hrPrinterStatus"), kNull, "");
+        scan_.answers.push_back(answer);
+    }
     isUnsaved_ |= hasValues;
     read.answers.values.clear();
     std::vector<Reading>& known = readings_[address];
@@ -224,6 +231,23 @@ std::vector<AskTarget> Session::TargetsToRead() const {
         if (isAdded || hasAnswered) targets.push_back(*target);
     }
     return targets;
+}
+
+std::optional<AskTarget> Session::WhomToAskForARefusal() const {
+    const auto isOfSearch = [&](const ScanSweep& sweep) {
+        return sweep.search == search_ && sweep.kind == SweepKind::kSnmpV3;
+    };
+    if (std::none_of(scan_.sweeps.begin(), scan_.sweeps.end(), isOfSearch)) return std::nullopt;
+    for (const ScanAnswer& answer : scan_.answers) {
+        if (isOfSearch(scan_.sweeps[answer.sweep])) return std::nullopt;
+    }
+    for (const FoundDevice& device : devices_) {
+        auto target = TargetOf(device.answers);
+        if (!target || !target->isLoginKnown) continue;
+        target->kind = SweepKind::kSnmpV3;
+        return target;
+    }
+    return std::nullopt;
 }
 
 bool Session::WasAsked(const DeviceRow& row) const {

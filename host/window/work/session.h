@@ -54,6 +54,9 @@ class Session {
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
     // How to read those for the list that have answered the last search, or were added by hand.
     std::vector<AskTarget> TargetsToRead() const;
+    // If the last search was by SNMPv3 too, and nobody answered that: a device that has answered
+    // otherwise and can tell whether it refuses the user.
+    std::optional<AskTarget> WhomToAskForARefusal() const;
     bool WasAsked(const DeviceRow& row) const;
     // Whether this address has answered, or was added, since the last SetScan. A scan from a file
     // may hold any address.

@@ -162,11 +162,14 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
         Press(dialog, IDOK);
     });
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
-    CheckDlgButton(window_->Handle(), IDC_V1, BST_UNCHECKED);
+    engine_.Say("fe80::1", "x");
+    ASSERT_EQ(0, engine_.reads);
     Command(IDC_FIND);
-    ASSERT_TRUE(Until([&] { return engine_.sweeps == 2; }));
-    Command(IDC_FIND);
-    ASSERT_TRUE(Ends());
+    ASSERT_TRUE(EndsSweeps());
+    const std::wstring told = Text(IDS_V3_REFUSED, {L"fe80::1", L"refused: wrong user"});
+    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == told; }))
+        << ToUtf8(TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(1, engine_.reads--);
     Select(0);
     ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     Command(IDM_NEXT_PAGE);
@@ -174,7 +177,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
         return CellOf(list, row, 0) + L": " + CellOf(list, row, 1);
     };
     EXPECT_EQ(L"SNMPv1, IPv6: answered", line(1));
-    EXPECT_EQ(L"SNMPv3: " + Text(IDS_PROTOCOL_SILENT_V3), line(2));
+    EXPECT_EQ(L"SNMPv3, IPv4: " + Text(IDS_PROTOCOL_SILENT_V3), line(2));
     Command(IDM_ASK);
     EXPECT_TRUE(Until([&] { return line(3) == L"SNMPv3, IPv6: refused: wrong user"; }));
     EXPECT_EQ(3, engine_.reads);

@@ -183,6 +183,8 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     EXPECT_TRUE(log.IsMarked(row));
     log.Unmark(row);
     EXPECT_FALSE(log.IsMarked(row));
+    log.ForgetStates();
+    EXPECT_FALSE(take(Standing::Kind::kRead, "idle", 30)) << "of another list";
     ASSERT_EQ(2u, log.Changes().size());
     EXPECT_EQ("jammed, a supply is empty", log.Changes()[0].after);
     EXPECT_EQ("door open", log.Changes()[1].before);
