@@ -10,6 +10,8 @@
 #include <string>
 
 #include "device/security.h"
+#include "model/printer/report_text.h"
+#include "platform/console.h"
 #include "values/exit_code.h"
 #include "values/oid_text.h"
 
@@ -20,6 +22,9 @@ constexpr char kDoctorHint[] = ": 'vndiscover doctor' looks for the cause";
 constexpr char kNothingSent[] = "no request could be sent";
 constexpr char kAskOtherwise[] =
     ". 'vndiscover printers' and 'vndiscover sweep -c public -o sysName.0' ask otherwise";
+
+// Of reports on standard output. What is not for a person's eyes gets words alone.
+inline TextStyle OutputStyle() { return {OutputWidth(), HasOutputColours(), IsOutputConsole()}; }
 
 // The status line of a sweep that begins now: "3 s, 2 devices".
 std::function<std::string()> StatusOf(const std::atomic<size_t>& count, const char* one,

@@ -40,9 +40,8 @@ int RunCompare(const CompareOptions& options) {
         CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
     comparison.beforeName = options.before;
     comparison.afterName = options.after;
-    Print(options.format == TextFormat::kJson
-              ? ComparisonJson(comparison)
-              : ReportText(ReportOf(comparison), {OutputWidth(), HasOutputColours()}));
+    Print(options.format == TextFormat::kJson ? ComparisonJson(comparison)
+                                              : ReportText(ReportOf(comparison), OutputStyle()));
     return comparison.IsEqual(options.withPageCounts) ? kFound : kNone;
 }
 

@@ -40,9 +40,8 @@ int RunOnComputer(const DeviceOptions& options) {
     report.front().Add("Asked", std::string("'vndiscover sweep' asks community '") +
                                     VN_DEFAULT_COMMUNITY + "' for " + VN_DEFAULT_DISCOVERY_OID +
                                     kAskOtherwise);
-    Print(options.format == TextFormat::kJson
-              ? ComputerJson(computer)
-              : ReportText(report, {OutputWidth(), HasOutputColours()}));
+    Print(options.format == TextFormat::kJson ? ComputerJson(computer)
+                                              : ReportText(report, OutputStyle()));
     return computer.causes.empty() ? kFound : kNone;
 }
 
@@ -84,9 +83,8 @@ int RunOnHost(const DeviceOptions& options) {
                          "' for the variable after sysDescr.0; " + doctor + " -c COMMUNITY' and " +
                          doctor + " --v3 -u USER' ask otherwise");
     }
-    Print(options.format == TextFormat::kJson
-              ? HostJson(diagnosis, isOnOwnNetwork, options.host)
-              : ReportText(report, {OutputWidth(), HasOutputColours()}));
+    Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
+                                              : ReportText(report, OutputStyle()));
     if (IsUnsendable(diagnosis)) return kSendFailed;
     return IsUsable(diagnosis) ? kFound : kNone;
 }

@@ -55,9 +55,8 @@ int RunPrinter(const DeviceOptions& options) {
     const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
     Report report = ReportOf(facts, context);
     report.push_back(InterfaceSection(facts));
-    Print(options.format == TextFormat::kJson
-              ? PrinterJson(facts, options.host)
-              : ReportText(report, {OutputWidth(), HasOutputColours()}));
+    Print(options.format == TextFormat::kJson ? PrinterJson(facts, options.host)
+                                              : ReportText(report, OutputStyle()));
     if (answers.lastStatus != Status::kAnswered) {
         Warn("the report is cut short: " + options.host + " was not asked any further");
         return ExitCodeOf(answers.lastStatus);

@@ -150,6 +150,8 @@ size_t OutputWidth(size_t otherwise) {
     return static_cast<size_t>(std::max(info.srWindow.Right - info.srWindow.Left, 40));
 }
 
+bool IsOutputConsole() { return IsConsole(STD_OUTPUT_HANDLE); }
+
 bool HasOutputColours() {
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     DWORD mode = 0;

@@ -32,6 +32,7 @@ size_t OutputWidth(size_t otherwise = 80);
 // Whether standard output is a console that shows the escape sequences of colours, and the user has
 // not set NO_COLOR.
 bool HasOutputColours();
+bool IsOutputConsole();
 
 // " (the disk is full, error 112)"; empty if all output was written, or nobody reads it.
 std::string OutputProblem();

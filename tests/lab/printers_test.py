@@ -225,4 +225,5 @@ def prepare():
 
 
 if __name__ == "__main__":
-    main(prepare=prepare)
+    # In turn: the second watches the only window of VnBrowser.
+    main(prepare=prepare, in_turn=("test_window_lists_the_same", "test_window_answers_while_it_reads"))

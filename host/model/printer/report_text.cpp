@@ -70,6 +70,8 @@ class Writer {
 
     void AddMarkedText(const ReportRow& row, bool isInPhrases) {
         const std::string mark = SeverityMark(row.severity);
+        if (!style_.hasMarks && !mark.empty())
+            return AddText(WholeText(row).substr(mark.size() + 1), isInPhrases);
         AddColoured(mark, row.severity == Severity::kCritical ? "1;31" : "1;33");
         AddText(WholeText(row).substr(mark.size()), isInPhrases);
     }

@@ -11,6 +11,7 @@ namespace vndiscover::host {
 struct TextStyle {
     size_t width = 80;        // of a line, in characters
     bool hasColours = false;  // as escape sequences, of bars and marks
+    bool hasMarks = true;     // "!" and "!!" before what is worth a look
 };
 
 // Titles, and labels without a title, on the left; levels as bars. Lines end in LF. Only commands

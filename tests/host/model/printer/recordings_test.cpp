@@ -28,7 +28,8 @@ ScriptedDevice Recorded(const std::string& recording) {
 }
 
 std::string Report(const Asker& asker) {
-    return "\n" + ReportText(ReportOf(FactsOf(ReadPrinter(asker)), {"10.77.1.20", "SNMPv1"}));
+    return "\n" + ReportText(ReportOf(FactsOf(ReadPrinter(asker)), {"10.77.1.20", "SNMPv1"}),
+                             {80, false, false});
 }
 
 // The printer is not the first device, its words are Latin-1, and the tables have gaps.
