@@ -46,20 +46,25 @@ constexpr Command RefreshEvery(bool startsGroup = false) {
             IDS_MENU_DEVICE,
             startsGroup,
             nullptr,
-            [](Window& window) { window.RefreshEvery(minutes); },
-            [](const Window& window) { return window.RefreshMinutes() == minutes; }};
+            [](Window& window) { window.watch.RefreshEvery(minutes); },
+            [](const Window& window) { return window.watch.Minutes() == minutes; }};
 }
 
 constexpr Command kTable[] = {
     {IDC_FIND, {0, VK_F5}, 0, false, nullptr, [](Window& w) { w.FindOrStop(); }},
     {IDCANCEL, {}, 0, false, nullptr, [](Window& w) { w.StopAll(); }},  // Esc, in any control
-    {IDM_NEXT_PAGE, {FCONTROL, VK_TAB}, 0, false, nullptr, [](Window& w) { w.details.Turn(1); }},
+    {IDM_NEXT_PAGE,
+     {FCONTROL, VK_TAB},
+     0,
+     false,
+     nullptr,
+     [](Window& w) { w.panes.details.Turn(1); }},
     {IDM_PREVIOUS_PAGE,
      {FCONTROL | FSHIFT, VK_TAB},
      0,
      false,
      nullptr,
-     [](Window& w) { w.details.Turn(-1); }},
+     [](Window& w) { w.panes.details.Turn(-1); }},
 
     {IDM_OPEN, {FCONTROL, 'O'}, IDS_MENU_FILE, false, nullptr, [](Window& w) { w.scans.Open(); }},
     {IDM_SAVE, {FCONTROL, 'S'}, IDS_MENU_FILE, false, HasScan, [](Window& w) { w.scans.Save(); }},
@@ -79,7 +84,7 @@ constexpr Command kTable[] = {
      IDS_MENU_EDIT,
      false,
      HasSelection,
-     [](Window& w) { w.devices.CopyCell(w.list.ChosenColumn()); }},
+     [](Window& w) { w.devices.CopyCell(w.panes.list.ChosenColumn()); }},
     {IDS_MENU_CELLS, {}, IDS_MENU_EDIT, false, HasSelection, nullptr},
     {IDM_COPY_TABLE,
      {FCONTROL | FSHIFT, 'T'},
@@ -92,7 +97,7 @@ constexpr Command kTable[] = {
      IDS_MENU_EDIT,
      true,
      nullptr,
-     [](Window& w) { w.bar.FocusFilter(); }},
+     [](Window& w) { w.panes.bar.FocusFilter(); }},
     {IDM_CLEAR, {}, IDS_MENU_EDIT, false, HasScan, [](Window& w) { w.scans.Clear(); }},
 
     {IDM_ASK,
@@ -138,7 +143,7 @@ constexpr Command kTable[] = {
      false,
      nullptr,
      [](Window& w) { w.devices.DiagnoseComputer(); }},
-    {IDM_CHANGES, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.OpenChanges(); }},
+    {IDM_CHANGES, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.watch.Open(); }},
     {IDM_CALLS, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.calls.Open(w.Handle()); }},
 };
 
@@ -208,7 +213,7 @@ bool RunCommand(MainWindow& window, unsigned id) {
     } else if (id >= IDM_CELL) {
         window.devices.CopyCell(static_cast<Column>(id - IDM_CELL));
     } else {
-        window.ToggleColumn(static_cast<Column>(id - IDM_COLUMN));
+        window.settings.ToggleColumn(static_cast<Column>(id - IDM_COLUMN));
     }
     return true;
 }

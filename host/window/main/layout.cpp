@@ -41,4 +41,12 @@ Layout Arrange(const LayoutInput& input) {
     return layout;
 }
 
+Box FitInto(const Box& area, Box box) {
+    box.width = std::min(box.width, area.width);
+    box.height = std::min(box.height, area.height);
+    box.x = std::clamp(box.x, area.x, area.x + area.width - box.width);
+    box.y = std::clamp(box.y, area.y, area.y + area.height - box.height);
+    return box;
+}
+
 }  // namespace vndiscover::host

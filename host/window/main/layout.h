@@ -28,4 +28,7 @@ struct Layout {
 
 Layout Arrange(const LayoutInput& input);
 
+// Moves a box into an area; one that is larger is made smaller.
+Box FitInto(const Box& area, Box box);
+
 }  // namespace vndiscover::host

@@ -19,8 +19,7 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr UINT_PTR kFrameTimer = 1;
-constexpr UINT_PTR kRefreshTimer = 3;  // 2 is that of the status
+constexpr UINT_PTR kFrameTimer = 1;  // the others are kStatusTimer and ChangeWatch's
 constexpr UINT kFrameMs = 100;
 
 }  // namespace
@@ -42,7 +41,7 @@ struct MainWindow::MessageRow {
         for (HWND child = GetWindow(self.Handle(), GW_CHILD); child;
              child = GetWindow(child, GW_HWNDNEXT))
             SendMessageW(child, message.id, message.wParam, message.lParam);
-        self.SetDpi(self.dpi_);
+        self.panes.SetDpi(self.panes.Dpi());
         message.result.reset();
     }
     UINT message;
@@ -53,21 +52,21 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
     {WindowState::kResults,
      [](MainWindow& self, Message&) { SetTimer(self.Handle(), kFrameTimer, kFrameMs, nullptr); }},
     {WM_TIMER, [](MainWindow& self, Message& timer) { self.OnTimer(timer.wParam); }},
-    {WM_SIZE, [](MainWindow& self, Message&) { self.Place(); }},
+    {WM_SIZE, [](MainWindow& self, Message&) { self.panes.Place(); }},
     {WM_GETMINMAXINFO,
      [](MainWindow& self, Message& size) {
-         reinterpret_cast<MINMAXINFO*>(size.lParam)->ptMinTrackSize = {Scaled(520, self.dpi_),
-                                                                       Scaled(360, self.dpi_)};
+         reinterpret_cast<MINMAXINFO*>(size.lParam)->ptMinTrackSize = {
+             Scaled(520, self.panes.Dpi()), Scaled(360, self.panes.Dpi())};
      }},
     {WM_DPICHANGED,
      [](MainWindow& self, Message& dpi) {
-         self.list.StoreColumns(self.settings_);
-         self.SetDpi(HIWORD(dpi.wParam));
-         self.ShowColumns();
+         self.settings.StoreColumns();
+         self.panes.SetDpi(HIWORD(dpi.wParam));
+         self.settings.ShowColumns();
          const auto* box = reinterpret_cast<const RECT*>(dpi.lParam);
          SetWindowPos(self.Handle(), nullptr, box->left, box->top, box->right - box->left,
                       box->bottom - box->top, SWP_NOZORDER | SWP_NOACTIVATE);
-         self.Place();
+         self.panes.Place();
      }},
     {WM_ACTIVATE, MessageRow::KeepFocus},
     {WM_SETFOCUS, MessageRow::KeepFocus},
@@ -85,16 +84,16 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
     {WM_NOTIFY,
      [](MainWindow& self, Message& message) {
          const auto& header = *reinterpret_cast<const NMHDR*>(message.lParam);
-         if (header.idFrom == IDC_DEVICES) self.list.OnNotify(header);
-         self.details.OnNotify(header);
+         if (header.idFrom == IDC_DEVICES) self.panes.list.OnNotify(header);
+         self.panes.details.OnNotify(header);
          message.result = HandleListMessage(WM_NOTIFY, message.wParam, message.lParam);
      }},
     {WM_CONTEXTMENU,
      [](MainWindow& self, Message& message) {
          const auto control = reinterpret_cast<HWND>(message.wParam);
-         const HWND own = self.list.Handle();
+         const HWND own = self.panes.list.Handle();
          if (control == own || control == ListView_GetHeader(own)) {
-             self.list.ShowMenu(message.lParam);
+             self.panes.list.ShowMenu(message.lParam);
          } else {
              message.result = HandleListMessage(WM_CONTEXTMENU, message.wParam, message.lParam);
          }
@@ -114,7 +113,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      [](MainWindow& self, Message& end) {
          if (!end.wParam) return;
          // The process may end right after this.
-         self.StoreSettings();
+         self.settings.Save();
          if (self.searches.WillSave()) self.EndEarly();
          self.scans.KeepForNextStart();
      }},
@@ -125,19 +124,19 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      }}};
 
 MainWindow::MainWindow(Engine& engine, StartOptions options)
-    : list(state.session, state.changes,
-           {[this] {
-                state.changes.Unmark(*state.session.view.SelectedRow());
-                ShowDetails();
-                devices.Ask(false);
-            },
-            [this]() -> unsigned {
-                if (state.session.view.Total() != 0) return IDS_ALL_HIDDEN;
-                const bool isOver = state.progress.HasSearched() && !state.progress.IsSearching();
-                return isOver ? IDS_NONE_FOUND : IDS_EMPTY;
-            }}) {
+    : panes(state, {[this] {
+                        state.changes.Unmark(*state.session.view.SelectedRow());
+                        panes.ShowDetails();
+                        devices.Ask(false);
+                    },
+                    [this]() -> unsigned {
+                        if (state.session.view.Total() != 0) return IDS_ALL_HIDDEN;
+                        const bool isOver =
+                            state.progress.HasSearched() && !state.progress.IsSearching();
+                        return isOver ? IDS_NONE_FOUND : IDS_EMPTY;
+                    }}) {
     state.options = std::move(options);
-    state.showRows = [this] { ShowRows(); };
+    state.showRows = [this] { panes.ShowRows(); };
     state.handleResults = [this] { OnResults(); };
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES |
                                                                 ICC_TAB_CLASSES |
@@ -153,20 +152,20 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     if (!state.window) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
     menu.Release();  // the window owns it from now on
     Attach(state.window, this);
-    CreateControls();
-    SetDpi(DpiOf(state.window));
-    RestoreSettings();
-    PlaceWindow();
+    panes.Create();
+    panes.SetDpi(DpiOf(state.window));
+    settings.Restore();
+    settings.PlaceWindow();
     state.workers = std::make_unique<Workers>(engine, state.queue);
     state.workers->ReadAdapters();
-    ShowRows();
+    panes.ShowRows();
     ShowStatus();
     if (!state.options.exit) {  // nothing of a script comes to the front
-        ShowWindow(state.window, settings_.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
+        ShowWindow(state.window, settings.values.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
         SetFocus(GetDlgItem(state.window, IDC_FIND));
     }
     ApplyOptions();
-    RefreshEvery(settings_.refreshMinutes);
+    watch.RefreshEvery(settings.values.refreshMinutes);
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
 }
 
@@ -186,7 +185,7 @@ void MainWindow::Dispatch(MSG& message) {
     // While text is edited, Ctrl+C copies that.
     const int copy = message.message == WM_KEYDOWN ? ListControl::CopyCommandOf(message.wParam) : 0;
     const ListControl* from = copy != 0 ? ListControl::Of(message.hwnd) : nullptr;
-    if (from == &list.List()) return OnCommand(copy, 0);
+    if (from == &panes.list.List()) return OnCommand(copy, 0);
     if (from) return from->Copy(copy);
     if (TranslateAcceleratorW(state.window, keys_.Get(), &message)) return;
     const HWND active = GetActiveWindow();
@@ -210,173 +209,32 @@ void MainWindow::OnException() noexcept {
     ShowException(state.window, state.options.exit);
 }
 
-// In tab order.
-void MainWindow::CreateControls() {
-    const HWND window = state.window;
-    bar.Create(window);
-    CreateControl(window, L"STATIC", IDS_DEVICES, SS_NOPREFIX, IDC_DEVICES_LABEL);
-    list.Create(window);
-    CreateControl(window, L"STATIC", IDS_DETAILS, SS_NOPREFIX, IDC_DETAILS_LABEL);
-    details.Create(window);
-    const HWND status =
-        CreateControl(window, STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
-    ShowWindow(CreateControl(status, PROGRESS_CLASSW, 0, 0, IDC_READ_BAR), SW_HIDE);
-}
-
-void MainWindow::SetDpi(int dpi) {
-    dpi_ = dpi;
-    list.SetDpi(dpi);
-    OwnedFont font = MakeMessageFont(dpi);
-    for (HWND child = GetWindow(state.window, GW_CHILD); child;
-         child = GetWindow(child, GW_HWNDNEXT))
-        SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font.Get()), TRUE);
-    font_ = std::move(font);
-}
-
-void MainWindow::RestoreSettings() {
-    DeviceColumns::SetDefaults(settings_);
-    SearchBar::SetDefaults(settings_);
-    // A script gets the same sweep whatever settings a user has saved.
-    if (!state.options.exit) settings_ = LoadSettings().value_or(settings_);
-    bar.Restore(settings_);
-    ShowColumns();
-}
-
 void MainWindow::ApplyOptions() {
     const StartOptions& options = state.options;
-    if (!options.profile.empty()) bar.UseV3(true);
-    if (options.lookFor) bar.Choose(*options.lookFor);
+    if (!options.profile.empty()) panes.bar.UseV3(true);
+    if (options.lookFor) panes.bar.Choose(*options.lookFor);
     if (!options.communities.empty()) state.credentials.communities = options.communities;
-    state.session.view.ShowOnlyPrinters(bar.LooksForPrinters());
-}
-
-void MainWindow::StoreSettings() {
-    if (state.options.exit) return;
-    WINDOWPLACEMENT place = {};
-    place.length = sizeof place;
-    GetWindowPlacement(state.window, &place);
-    settings_.place = place.rcNormalPosition;
-    settings_.isMaximized = place.showCmd == SW_SHOWMAXIMIZED;
-    bar.Store(settings_);
-    list.StoreColumns(settings_);
-    SaveSettings(settings_);
-}
-
-// Where it was when it was closed last, if a monitor is there.
-void MainWindow::PlaceWindow() {
-    const RECT& place = settings_.place;
-    if (IsRectEmpty(&place) || !MonitorFromRect(&place, MONITOR_DEFAULTTONULL)) {
-        SetWindowPos(state.window, nullptr, 0, 0, Scaled(1100, dpi_), Scaled(620, dpi_),
-                     SWP_NOMOVE | SWP_NOZORDER);
-        return;
-    }
-    SetWindowPos(state.window, nullptr, place.left, place.top, place.right - place.left,
-                 place.bottom - place.top, SWP_NOZORDER);
-}
-
-void MainWindow::ToggleColumn(Column column) {
-    list.StoreColumns(settings_);
-    const uint32_t hidden = settings_.hidden ^ 1u << static_cast<unsigned>(column);
-    if (hidden == kAllColumns) return;  // one must stay
-    settings_.hidden = hidden;
-    ShowColumns();
-    ShowRows();
-}
-
-void MainWindow::ShowColumns() {
-    state.session.view.Hide(settings_.hidden);
-    list.ShowColumns(settings_);
-    for (unsigned index = 0; index < kColumnCount; ++index) {
-        const bool isShown = list.Columns().IsShown(static_cast<Column>(index));
-        CheckMenuItem(GetMenu(state.window), IDM_COLUMN + index,
-                      isShown ? MF_CHECKED : MF_UNCHECKED);
-    }
-}
-
-void MainWindow::Place() {
-    RECT client = {}, status = {};
-    GetClientRect(state.window, &client);
-    const HWND statusBar = GetDlgItem(state.window, IDC_STATUS);
-    SendMessageW(statusBar, WM_SIZE, 0, 0);
-    GetWindowRect(statusBar, &status);
-    LOGFONTW font = {};
-    GetObjectW(font_.Get(), sizeof font, &font);
-    LayoutInput input;
-    input.width = client.right;
-    input.height = client.bottom;
-    input.statusHeight = status.bottom - status.top;
-    input.dpi = dpi_;
-    input.splitPercent = settings_.splitPercent;
-    input.textHeight = MulDiv(std::abs(font.lfHeight), 4, 3);
-    bar.Measure(font_.Get(), input);
-    const Layout layout = Arrange(input);
-    bar.Place(layout.bar, input);
-    const auto move = [&](int id, const Box& box) {
-        MoveWindow(GetDlgItem(state.window, id), box.x, box.y, box.width, box.height, TRUE);
-    };
-    move(IDC_PRESET_NOTE, layout.note);
-    const int barWidth = std::min(Scaled(160, dpi_), static_cast<int>(client.right) / 4);
-    MoveWindow(GetDlgItem(statusBar, IDC_READ_BAR), client.right - barWidth - Scaled(20, dpi_),
-               Scaled(4, dpi_), barWidth, input.statusHeight - Scaled(7, dpi_), TRUE);
-    move(IDC_DEVICES_LABEL, layout.devicesLabel);
-    move(IDC_DEVICES, layout.devices);
-    move(IDC_DETAILS_LABEL, layout.detailsLabel);
-    const Box& box = layout.details;
-    details.Resize({box.x, box.y, box.x + box.width, box.y + box.height}, dpi_);
-}
-
-void MainWindow::ShowRows() {
-    state.session.Refresh();
-    list.Show();
-    const DeviceView& view = state.session.view;
-    const std::wstring count = std::to_wstring(view.Count());
-    std::wstring title = view.Count() == view.Total()
-                             ? Text(IDS_SHOWN, {count})
-                             : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
-    if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, std::to_wstring(view.Others())});
-    ChangeText(GetDlgItem(state.window, IDC_DEVICES_LABEL), title);
-    ShowDetails();
-}
-
-void MainWindow::ShowDetails() {
-    const DeviceRow* row = state.session.view.SelectedRow();
-    std::wstring title = Text(IDS_DETAILS);
-    for (const Column column : {Column::kName, Column::kModel, Column::kAddress}) {
-        if (!row || row->Text(column).empty()) continue;
-        title = Text(IDS_DETAILS_OF, {ToWide(row->Text(column))});
-        break;
-    }
-    ChangeText(GetDlgItem(state.window, IDC_DETAILS_LABEL), title);
-    details.Show();
+    state.session.view.ShowOnlyPrinters(panes.bar.LooksForPrinters());
 }
 
 void MainWindow::ShowStatus() {
     const bool isSending =
         state.progress.IsSearching() || (state.workers && state.workers->IsSending());
     if (!isSending) state.progress.SetIdle();
-    bar.SetButton(!isSending ? IDS_FIND : state.progress.IsStopping() ? IDS_STOPPING : IDS_STOP);
-    ChangeText(GetDlgItem(state.window, IDC_STATUS), state.StatusText());
-    ShowReadBar(state.Now());
-}
-
-void MainWindow::ShowReadBar(const Progress::Status& status) const {
-    const HWND readBar = GetDlgItem(GetDlgItem(state.window, IDC_STATUS), IDC_READ_BAR);
-    const bool isReading = status.kind == Progress::Kind::kReadingAll;
-    if (isReading) {
-        SendMessageW(readBar, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.total));
-        SendMessageW(readBar, PBM_SETPOS, status.count, 0);
-    }
-    ShowWindow(readBar, isReading ? SW_SHOWNA : SW_HIDE);
+    panes.bar.SetButton(!isSending                    ? IDS_FIND
+                        : state.progress.IsStopping() ? IDS_STOPPING
+                                                      : IDS_STOP);
+    panes.status.Show();
 }
 
 void MainWindow::OnCommand(int id, int code) {
     if (id == IDC_FILTER && code == EN_CHANGE) {
-        state.session.view.Filter(bar.FilterText());
-        ShowRows();
+        state.session.view.Filter(panes.bar.FilterText());
+        panes.ShowRows();
     } else if (id == IDC_PRESET && code == CBN_SELCHANGE) {
-        bar.ShowNote();
-        state.session.view.ShowOnlyPrinters(bar.LooksForPrinters());
-        ShowRows();
+        panes.bar.ShowNote();
+        state.session.view.ShowOnlyPrinters(panes.bar.LooksForPrinters());
+        panes.ShowRows();
     } else if (RunCommand(*this, static_cast<unsigned>(id))) {
         ShowStatus();
     }
@@ -385,54 +243,6 @@ void MainWindow::OnCommand(int id, int code) {
 void MainWindow::FindOrStop() {
     if (state.progress.IsSearching() || state.workers->IsSending()) return StopAll();
     searches.Start();
-}
-
-void MainWindow::RefreshEvery(unsigned minutes) {
-    settings_.refreshMinutes = minutes;
-    KillTimer(Handle(), kRefreshTimer);
-    if (minutes != 0) SetTimer(Handle(), kRefreshTimer, minutes * 60000, nullptr);
-}
-
-// Asks the user nothing, who may be away.
-void MainWindow::Refresh() {
-    const bool needsUser = bar.UsesV3() && !state.credentials.security;
-    if (!state.file.empty() || needsUser || !IsWindowEnabled(Handle()) ||
-        state.progress.IsSearching() || state.workers->IsSending())
-        return;
-    searches.Start();
-    ShowStatus();
-}
-
-void MainWindow::TakeChanges() {
-    if (state.progress.IsSearching()) return;  // whether a device is missed is not known yet
-    const std::string time = UtcNow();
-    bool hasChanged = false;
-    for (const DeviceRow& row : state.session.view.AllRows())
-        hasChanged |= state.changes.Take(row, time);
-    if (!hasChanged) return;
-    const DeviceRow* const seen = state.session.view.SelectedRow();
-    if (seen && GetActiveWindow() == Handle()) state.changes.Unmark(*seen);
-    FLASHWINFO flash = {sizeof flash, Handle(), FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
-    FlashWindowEx(&flash);
-    changes.Show(ChangeRows());
-}
-
-std::vector<TableWindow::Row> MainWindow::ChangeRows() const {
-    std::vector<TableWindow::Row> rows;
-    for (const StateChange& one : state.changes.Changes())
-        rows.push_back(
-            {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
-    return rows;
-}
-
-void MainWindow::OpenChanges() {
-    const std::wstring count = std::to_wstring(state.changes.Changes().size());
-    changes.Open(Handle(), Text(IDS_CHANGES_TITLE), Text(IDS_CHANGES_NOTE, {count}),
-                 {{IDS_CALL_TIME, 140},
-                  {IDS_CHANGE_DEVICE, 260},
-                  {IDS_CHANGE_BEFORE, 150},
-                  {IDS_CHANGE_AFTER, 150}},
-                 ChangeRows());
 }
 
 void MainWindow::StopAll() {
@@ -446,15 +256,15 @@ void MainWindow::OnResults() {
     KillTimer(state.window, kFrameTimer);
     state.queue.RunAll(handler_);
     if (state.session.Refresh()) {
-        TakeChanges();
-        ShowRows();
+        watch.Record();
+        panes.ShowRows();
     }
     calls.Refresh();
     devices.walk.Refresh();
     if (searches.IsOver()) {
-        InvalidateRect(list.Handle(), nullptr, TRUE);
+        InvalidateRect(panes.list.Handle(), nullptr, TRUE);
         searches.Finish();
-        ShowDetails();  // protocols are no longer pending
+        panes.ShowDetails();  // protocols are no longer pending
     }
     if (state.workers && !state.workers->IsBusy()) {
         state.session.EndReadings();
@@ -465,7 +275,7 @@ void MainWindow::OnResults() {
 
 void MainWindow::OnTimer(UINT_PTR timer) {
     if (timer == kFrameTimer) return OnResults();
-    if (timer == kRefreshTimer) return Refresh();
+    if (timer == ChangeWatch::kTimer) searches.Repeat();
     if (state.workers && state.progress.IsSearching() && state.progress.IsStopping())
         state.workers->RepeatStop();
     devices.walk.Refresh();
@@ -488,7 +298,7 @@ void MainWindow::OnClose() {
     // The window disappears at once, although a request may take up to 12 s more.
     ShowOwnedPopups(state.window, FALSE);
     ShowWindow(state.window, SW_HIDE);
-    StoreSettings();
+    settings.Save();
     state.workers.reset();
     EndEarly();
     if (willSave) scans.MayDrop();  // asks for another file if that one cannot be written

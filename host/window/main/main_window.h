@@ -9,15 +9,15 @@
 
 #include "window/controls/kept_focus.h"
 #include "window/controls/owners.h"
+#include "window/main/change_watch.h"
 #include "window/main/device_commands.h"
-#include "window/main/device_list.h"
+#include "window/main/panes.h"
 #include "window/main/result_handler.h"
 #include "window/main/scan_commands.h"
-#include "window/main/search_bar.h"
 #include "window/main/searches.h"
+#include "window/main/window_settings.h"
 #include "window/main/window_state.h"
 #include "window/pages/calls_window.h"
-#include "window/pages/details_pane.h"
 
 namespace vndiscover::host {
 
@@ -41,57 +41,38 @@ class MainWindow {
 
     // Its parts, for the commands.
     WindowState state;
-    SearchBar bar;
-    DeviceList list;  // after the state, whose changes it marks
-    DetailsPane details{state.session};
-    ScanCommands scans{state, list.Columns()};
-    Searches searches{state, bar, scans, [this] { return ReadsFound() && devices.ReadFound(); }};
-    DeviceCommands devices{state, list};
+    Panes panes;
+    WindowSettings settings{state, panes};
+    ScanCommands scans{state, panes.list.Columns()};
+    Searches searches{state, panes.bar, scans,
+                      [this] { return ReadsFound() && devices.ReadFound(); }};
+    DeviceCommands devices{state, panes.list};
+    ChangeWatch watch{state, settings.values,
+                      [this](const std::string& csv) { scans.SaveTable(csv); }};
     CallsWindow calls;
-    TableWindow changes{[this](const std::string& csv) { scans.SaveTable(csv); }};
-    void ToggleColumn(Column column);
     bool ReadsFound() const {
-        return searches.IsForStart() ? state.options.read : settings_.readsFound != 0;
+        return searches.IsForStart() ? state.options.read : settings.values.readsFound != 0;
     }
-    void ToggleReadsFound() { settings_.readsFound ^= 1; }
+    void ToggleReadsFound() { settings.values.readsFound ^= 1; }
     void FindOrStop();
-    void RefreshEvery(unsigned minutes);  // 0: not by itself
-    unsigned RefreshMinutes() const { return settings_.refreshMinutes; }
-    void OpenChanges();
     void StopAll();  // if something is in progress
 
   private:
     struct Message;
     struct MessageRow;
     static const MessageRow kMessages[];
-    void CreateControls();
-    void SetDpi(int dpi);
-    void RestoreSettings();
     void ApplyOptions();
-    void PlaceWindow();
-    void StoreSettings();
-    void ShowColumns();
-    void Place();
-    void ShowRows();
-    void ShowDetails();
     void ShowStatus();
-    void ShowReadBar(const Progress::Status& status) const;
     void OnCommand(int id, int code);
     void OnResults();
-    void TakeChanges();
-    void Refresh();
-    std::vector<TableWindow::Row> ChangeRows() const;
     void OnTimer(UINT_PTR timer);
     bool MayClose();
     void OnClose();
     void EndEarly();
 
     ResultHandler handler_{state, searches, devices, calls};
-    Settings settings_;
     KeptFocus focus_;
-    OwnedFont font_;
     OwnedAccelerators keys_;
-    int dpi_ = 96;
 };
 
 }  // namespace vndiscover::host

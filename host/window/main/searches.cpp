@@ -52,6 +52,14 @@ void Searches::Start() {
     state_.StartStatusTimer();
 }
 
+void Searches::Repeat() {
+    const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
+    if (!state_.file.empty() || needsUser || !IsWindowEnabled(state_.window) ||
+        state_.progress.IsSearching() || state_.workers->IsSending())
+        return;
+    Start();
+}
+
 void Searches::EndSweep(const std::string& problem) {
     if (!problem.empty()) problem_ = Text(IDS_SWEEP_FAILED, {ToWide(problem)});
     isOver_ |= state_.progress.EndSweep();

@@ -20,6 +20,8 @@ class Searches {
         : state_(state), bar_(bar), scans_(scans), readFound_(std::move(readFound)) {}
 
     void Start();
+    // The same without the user, who may be away: does nothing if something is to be asked.
+    void Repeat();
     // One of the search's sweeps has ended.
     void EndSweep(const std::string& problem);
     // Whether the running search is that of the command line, which also says what follows.

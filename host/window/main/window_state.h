@@ -54,9 +54,6 @@ struct WindowState {
     bool ReportProblem(const std::wstring& text);
     // While something is in progress, the status changes by itself.
     void StartStatusTimer() const;
-    // What is in progress; the same in words.
-    Progress::Status Now() const;
-    std::wstring StatusText() const;
     // How to ask the selected device, with the credentials. Empty if none is selected, or if it
     // cannot be asked.
     std::optional<AskTarget> SelectedTarget() const;

@@ -81,7 +81,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 7);
         DestroyWindow(PopupOf(window_->Handle()));
-        window_->OpenChanges();
+        window_->watch.Open();
         CheckDialog(PopupOf(window_->Handle()), 5);
         DestroyWindow(PopupOf(window_->Handle()));
         Select(0);

@@ -1,0 +1,48 @@
+#include "window/main/change_watch.h"
+
+#include "platform/this_process.h"
+#include "platform/wide_text.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+
+void ChangeWatch::RefreshEvery(unsigned minutes) {
+    settings_.refreshMinutes = minutes;
+    KillTimer(state_.window, kTimer);
+    if (minutes != 0) SetTimer(state_.window, kTimer, minutes * 60000, nullptr);
+}
+
+void ChangeWatch::Record() {
+    if (state_.progress.IsSearching()) return;  // whether a device is missed is not known yet
+    const std::string time = UtcNow();
+    bool hasChanged = false;
+    for (const DeviceRow& row : state_.session.view.AllRows())
+        hasChanged |= state_.changes.Take(row, time);
+    if (!hasChanged) return;
+    const DeviceRow* const seen = state_.session.view.SelectedRow();
+    if (seen && GetActiveWindow() == state_.window) state_.changes.Unmark(*seen);
+    FLASHWINFO flash = {sizeof flash, state_.window, FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
+    FlashWindowEx(&flash);
+    table_.Show(Rows());
+}
+
+void ChangeWatch::Open() {
+    const std::wstring count = std::to_wstring(state_.changes.Changes().size());
+    table_.Open(state_.window, Text(IDS_CHANGES_TITLE), Text(IDS_CHANGES_NOTE, {count}),
+                {{IDS_CALL_TIME, 140},
+                 {IDS_CHANGE_DEVICE, 260},
+                 {IDS_CHANGE_BEFORE, 150},
+                 {IDS_CHANGE_AFTER, 150}},
+                Rows());
+}
+
+std::vector<TableWindow::Row> ChangeWatch::Rows() const {
+    std::vector<TableWindow::Row> rows;
+    for (const StateChange& one : state_.changes.Changes())
+        rows.push_back(
+            {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
+    return rows;
+}
+
+}  // namespace vndiscover::host

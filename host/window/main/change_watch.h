@@ -1,0 +1,41 @@
+// Watches the list: searches again by itself, and shows what has changed.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "window/main/window_state.h"
+#include "window/pages/table_window.h"
+#include "window/store/settings.h"
+
+namespace vndiscover::host {
+
+class ChangeWatch {
+  public:
+    // State and settings must outlive it. `save` asks for a file and saves the text of a CSV
+    // document.
+    ChangeWatch(WindowState& state, Settings& settings,
+                std::function<void(const std::string& csv)> save)
+        : state_(state), settings_(settings), table_(std::move(save)) {}
+    // The window gets WM_TIMER with kTimer that often, as the settings say from now on. 0: never.
+    void RefreshEvery(unsigned minutes);
+    unsigned Minutes() const { return settings_.refreshMinutes; }
+    static constexpr UINT_PTR kTimer = 3;
+
+    // Records what the rows show now. A change is marked, and the taskbar button flashes.
+    void Record();
+    void Open();  // the list of changes
+
+  private:
+    std::vector<TableWindow::Row> Rows() const;
+
+    WindowState& state_;
+    Settings& settings_;
+    TableWindow table_;
+};
+
+}  // namespace vndiscover::host
