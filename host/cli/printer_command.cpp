@@ -29,7 +29,11 @@ Examples:
 Exit codes: 0 a printer, read completely, 1 no answer, no printer or cut short,
 2 wrong usage, 3 a request could not be sent.)";
 
-int RunPrinter(const DeviceOptions& options) {
+struct PrinterOptions : DeviceOptions {
+    bool isVerbose = false;
+};
+
+int RunPrinter(const PrinterOptions& options) {
     const Device device = OpenDevice(options);
     PrinterAnswers answers;
     {
@@ -55,8 +59,10 @@ int RunPrinter(const DeviceOptions& options) {
     const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
     Report report = ReportOf(facts, context);
     report.push_back(InterfaceSection(facts));
+    TextStyle style = OutputStyle();
+    style.hasDetails = options.isVerbose;
     Print(options.format == TextFormat::kJson ? PrinterJson(facts, options.host)
-                                              : ReportText(report, OutputStyle()));
+                                              : ReportText(report, style));
     if (answers.lastStatus != Status::kAnswered) {
         Warn("the report is cut short: " + options.host + " was not asked any further");
         return ExitCodeOf(answers.lastStatus);
@@ -68,9 +74,10 @@ int RunPrinter(const DeviceOptions& options) {
 }  // namespace
 
 void AddPrinterCommand(CLI::App& app, int& exitCode) {
-    auto options = std::make_shared<DeviceOptions>();
+    auto options = std::make_shared<PrinterOptions>();
     CLI::App* command = AddDeviceCommand(app, "printer", "Show a printer's state and supplies",
                                          kExamples, *options);
+    command->add_flag("--verbose", options->isVerbose, "Name the objects that were not read");
     AddDeviceV3(*command, *options);
     command->callback([options, &exitCode] { exitCode = RunPrinter(*options); });
 }

@@ -154,7 +154,7 @@ void PrinterFinder::ReadAll(const SweepWatch& watch) {
     Work(DirectAsker(logins_), mayGoOn);
 }
 
-std::vector<PrinterLine> PrinterFinder::Printers(size_t& others) {
+std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size_t& others) {
     for (const FleetDevice& device : fleet_.Devices()) {
         const bool isV3 = logins_[device.login].security != nullptr;
         scan_.sweeps.push_back({isV3 ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
@@ -185,7 +185,7 @@ std::vector<PrinterLine> PrinterFinder::Printers(size_t& others) {
             ++others;
             continue;
         }
-        printer.summary = SummaryOf(printer.facts);
+        printer.summary = SummaryOf(printer.facts, limits);
         printers.push_back(std::move(printer));
     }
     SortWorstFirst(printers);

@@ -45,7 +45,7 @@ class PrinterFinder {
 
     // What was found, the worst first; once, after Run. Adds to `others` the devices that are no
     // printers.
-    std::vector<PrinterLine> Printers(size_t& others);
+    std::vector<PrinterLine> Printers(const LevelLimits& limits, size_t& others);
 
   private:
     void Sweep(size_t login, bool useIPv6, const char* object);

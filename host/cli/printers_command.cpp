@@ -44,6 +44,7 @@ struct PrintersOptions {
     bool useIPv6 = false;
     bool isStrict = false;
     bool isForOther = false;  // asks devices for the process that started this one
+    LevelLimits limits;
     PrintersFormat format = PrintersFormat::kText;
 };
 
@@ -101,7 +102,7 @@ int RunPrinters(const PrintersOptions& options, const std::vector<V3Options>& us
     finder.Run(options.useIPv6);
     if (finder.IsStopped()) Warn("stopped: the list is not complete");
     size_t others = 0;
-    const std::vector<PrinterLine> printers = finder.Printers(others);
+    const std::vector<PrinterLine> printers = finder.Printers(options.limits, others);
     if (options.format == PrintersFormat::kJson) Print(PrintersJson(printers));
     if (options.format == PrintersFormat::kCsv) Print(PrintersCsv(printers));
     if (options.format == PrintersFormat::kText && !printers.empty())
@@ -126,6 +127,9 @@ void AddPrintersCommand(CLI::App& app, int& exitCode) {
                        ->allow_extra_args(false));
     command->add_flag("-6,--ipv6", options->useIPv6, "Also sweep over IPv6 (link-local)");
     command->add_flag("--strict", options->isStrict, "Exit with 4 if a printer is not fine");
+    command->add_option("--low", options->limits.low, "Level that needs attention, below [10]")
+        ->type_name("PERCENT")
+        ->check(CLI::Range(0, 100).description(""));
     AddFormat<PrintersFormat>(*command, options->format,
                               {{"text", PrintersFormat::kText},
                                {"json", PrintersFormat::kJson},

@@ -27,6 +27,7 @@ class Printers(unittest.TestCase):
         self.assertEqual(5, report["deviceIndex"])
         self.assertEqual(("warning", "idle"), (report["deviceStatus"], report["printerStatus"]))
         self.assertEqual([30, 62, None, 100, 80], [supply["percent"] for supply in report["supplies"]])
+        self.assertEqual((["lowPaper", "doorOpen"], "88 00"), (report["errors"], report["errorBits"]))
         self.assertEqual([], report["notRead"])
 
     def test_text_shows_supplies_trays_and_alerts(self):

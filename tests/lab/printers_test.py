@@ -163,6 +163,9 @@ class Printers(unittest.TestCase):
     def test_programs_get_all_supplies(self):
         code, out, _ = run("printers", "-c", "public", "-c", "office", "--strict", "--format", "json")
         self.assertEqual(4, code)
+        _, least, _ = run("printers", "-c", "office", "--low", "0", "--format", "json")
+        _, most, _ = run("printers", "-c", "office", "--low", "63", "--format", "json")
+        self.assertEqual(["fine", "attention"], [json.loads(one)[0]["severity"] for one in (least, most)])
         printers = {one["addresses"][0]: one for one in json.loads(out)}
         self.assertEqual(COUNT - 1, len(printers))
         for device in (1, OFFICE):

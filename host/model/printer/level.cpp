@@ -29,7 +29,7 @@ std::string AmountText(const Level& level) {
 }
 
 std::string Text(const Level& level) {
-    if (!level.level) return "not read";
+    if (!level.level) return level.missing;
     if (*level.level < 0) return NegativeText(level);
     if (level.isPercent) {
         if (*level.level <= 100) return PercentText(level);

@@ -11,10 +11,11 @@ namespace vndiscover::host {
 constexpr int64_t kUnknownLevel = -2;
 
 struct Level {
-    std::optional<int64_t> level, maximum;  // as the device gave them; empty: not read
+    std::optional<int64_t> level, maximum;  // as the device gave them; empty: see `missing`
     std::string unit;                       // "impressions"; empty: none or unknown
     bool isPercent = false;                 // the level itself is the percentage
     bool isReceptacle = false;              // the level is the remaining capacity
+    const char* missing = "not read";       // why there is no level
 };
 
 // 0 to 100, rounded down; empty if unknown. A level above its maximum counts as 100.

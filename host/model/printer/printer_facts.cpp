@@ -21,7 +21,6 @@ class Facts {
     explicit Facts(const PrinterAnswers& answers) : answers_(answers) {}
 
     PrinterFacts Make() {
-        facts_.gaps = answers_.gaps;
         FindPrinter();
         FindCharacterSet();
         TellSystem();
@@ -151,8 +150,9 @@ class Facts {
         facts_.deviceStatus = Word("hrDeviceStatus", printer);
         facts_.printerStatus = Word("hrPrinterStatus", printer);
         const Answer* bits = Find("hrPrinterDetectedErrorState", printer);
-        if (bits && bits->type == kOctetString)
-            facts_.errors = WordsOf("hrPrinterDetectedErrorState", bits->bytes);
+        if (!bits || bits->type != kOctetString) return;
+        facts_.errors = WordsOf("hrPrinterDetectedErrorState", bits->bytes);
+        facts_.errorBits = bits->bytes;
     }
 
     void TellSupplies() {
@@ -235,6 +235,27 @@ class Facts {
 
 }  // namespace
 
-PrinterFacts FactsOf(const PrinterAnswers& answers) { return Facts(answers).Make(); }
+PrinterFacts FactsOf(const PrinterAnswers& answers) {
+    PrinterFacts facts = Facts(answers).Make();
+    if (answers.areGapsKnown) SetGaps(facts, answers.gaps);
+    return facts;
+}
+
+void SetGaps(PrinterFacts& facts, std::vector<Gap> gaps) {
+    facts.gaps = std::move(gaps);
+    for (Supply& supply : facts.supplies)
+        supply.level.missing = MissingText(facts.gaps, "supplies", "prtMarkerSuppliesLevel");
+    for (Tray& tray : facts.trays)
+        tray.level.missing = MissingText(facts.gaps, "trays", "prtInputCurrentLevel");
+}
+
+const char* MissingText(const std::vector<Gap>& gaps, std::string_view subject,
+                        std::string_view object) {
+    const bool isGap = std::any_of(gaps.begin(), gaps.end(), [&](const Gap& gap) {
+        const bool isObject = object.empty() || gap.object.empty() || gap.object == object;
+        return gap.subject == subject && isObject;
+    });
+    return isGap ? "not read" : "not given";
+}
 
 }  // namespace vndiscover::host

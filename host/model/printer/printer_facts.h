@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "model/printer/interfaces.h"
@@ -40,6 +41,7 @@ struct PrinterFacts {
     std::string readTime;  // as in ScanAnswer; FactsOf leaves it empty
     std::string deviceStatus, printerStatus;
     std::optional<std::vector<std::string>> errors;
+    std::string errorBits;           // bytes of which the errors are the names
     std::vector<std::string> panel;  // lines
     std::vector<PageCount> pageCounts;
     std::vector<Supply> supplies;
@@ -50,5 +52,13 @@ struct PrinterFacts {
 };
 
 PrinterFacts FactsOf(const PrinterAnswers& answers);
+
+// Sets the gaps of a device that was read; they tell why levels are missing.
+void SetGaps(PrinterFacts& facts, std::vector<Gap> gaps);
+
+// "not given" if the device was asked for all of the subject, or for the object, and does not have
+// it; otherwise "not read".
+const char* MissingText(const std::vector<Gap>& gaps, std::string_view subject,
+                        std::string_view object = "");
 
 }  // namespace vndiscover::host

@@ -184,14 +184,25 @@ class Reader {
 
     void ReadColumn(const Question& question, const Oid& column) {
         Oid asked = column;
+        std::optional<Answer> unclear;  // a failure: of a row, or of what follows the column
         for (size_t rows = 0, failures = 0; rows < kMaxRows; ++rows) {
             const Answer answer = Ask(asked);
             if (answer.status != Status::kAnswered) {
-                const auto next = RowPast(question, column, asked, answer);
-                if (!next || ++failures > kMaxFailures) return;
-                asked = *next;
+                const auto row = RowAfter(column, asked);
+                if (row && IsOnlyThisOne(answer)) {
+                    unclear = answer;
+                } else if (!IsOnlyThisOne(answer) || IsUpTo(EndOf(column))) {
+                    Miss(question, answer);
+                } else {
+                    return;
+                }
+                if (hasStopped_) return;
+                if (++failures > kMaxFailures) return Miss(question, answer);
+                asked = row ? *row : RowOfNextColumn(column, asked);
                 continue;
             }
+            if (unclear) Miss(question, *unclear);
+            unclear.reset();
             const WalkStep step = StepOf(column, asked, answer, asker_.isV3);
             if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
             if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
@@ -204,20 +215,6 @@ class Reader {
             return;
         }
         if (!IsEnough(question)) Miss(question, true, "more rows than can be read");
-    }
-
-    // The row after `asked`, which could not be read, so that the next one is asked for. Empty if
-    // the column has ended, or the reading.
-    std::optional<Oid> RowPast(const Question& question, const Oid& column, const Oid& asked,
-                               const Answer& failure) {
-        std::optional<Oid> row;
-        if (IsOnlyThisOne(failure)) {
-            row = RowAfter(column, asked);
-            if (!row && !IsUpTo(EndOf(column))) return std::nullopt;
-            if (!row) row = RowOfNextColumn(column, asked);
-        }
-        Miss(question, failure);
-        return hasStopped_ ? std::nullopt : row;
     }
 
     // The row that comes after that of `asked` in a later column; if the table has none, the next

@@ -20,6 +20,7 @@ struct Gap {
 struct PrinterAnswers {
     std::map<Oid, Answer> values;  // received, by OID
     std::vector<Gap> gaps;
+    bool areGapsKnown = true;               // otherwise a missing value may not have been asked for
     Status lastStatus = Status::kAnswered;  // otherwise why reading ended early
     std::string lastProblem;                // the same in words; empty: it did not
     bool isStopped = false;                 // by the caller or the time limit

@@ -36,22 +36,22 @@ int SeverityOrder(Severity severity) {
     return kOrders[static_cast<size_t>(severity)];
 }
 
-PrinterSummary SummaryOf(const PrinterFacts& facts) {
+PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
     PrinterSummary summary;
     summary.severity = StateSeverity(facts);
     summary.state = StateText(facts);
     for (const Supply& supply : facts.supplies) {
+        const Severity severity = SeverityOf(supply.level, limits);
+        if (severity != Severity::kUnknown)
+            summary.supplySeverity = std::max(summary.supplySeverity, severity);
         const auto percent = PercentOf(supply.level);
         if (!percent || (summary.lowestSupply && *percent >= *summary.lowestSupply)) continue;
         summary.lowestSupply = percent;
         summary.supply = std::to_string(*percent) + " % " + SupplyName(supply);
     }
     // It still prints, as far as its state tells.
-    const bool isLow = std::any_of(facts.supplies.begin(), facts.supplies.end(), [](auto& supply) {
-        const Severity severity = SeverityOf(supply.level);
-        return severity == Severity::kAttention || severity == Severity::kCritical;
-    });
-    if (summary.severity == Severity::kFine && isLow) summary.severity = Severity::kAttention;
+    if (summary.severity == Severity::kFine && summary.supplySeverity != Severity::kFine)
+        summary.severity = Severity::kAttention;
     return summary;
 }
 

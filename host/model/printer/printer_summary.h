@@ -16,12 +16,13 @@ int SeverityOrder(Severity severity);
 
 struct PrinterSummary {
     Severity severity = Severity::kUnknown;
-    std::string state;                // "no paper, door open", "idle"; empty: unknown
-    std::optional<int> lowestSupply;  // percent
-    std::string supply;               // "4 % Toner T410"; empty: no level is known
+    std::string state;                          // "no paper, door open", "idle"; empty: unknown
+    std::optional<int> lowestSupply;            // percent
+    std::string supply;                         // "4 % Toner T410"; empty: no level is known
+    Severity supplySeverity = Severity::kFine;  // of the worst one whose level is known
 };
 
-PrinterSummary SummaryOf(const PrinterFacts& facts);
+PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits = {});
 
 // One printer of a list.
 struct PrinterLine {

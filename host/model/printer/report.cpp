@@ -11,17 +11,15 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr int kLowPercent = 10;
-
 // Ticks of a hundredth of a second in whole seconds: "5 days, 3:04:05".
 std::string Duration(uint64_t ticks) {
     const std::string text = TickText(ticks);
     return text.substr(0, text.size() - 3);
 }
 
-void AddLevel(ReportSection& section, std::string name, const Level& level,
-              const std::string& kind) {
-    section.Add(std::move(name), Joined({LevelText(level), kind}), SeverityOf(level));
+void AddLevel(ReportSection& section, std::string name, const Level& level, const std::string& kind,
+              const LevelLimits& limits) {
+    section.Add(std::move(name), Joined({LevelText(level), kind}), SeverityOf(level, limits));
     section.rows.back().percent = PercentOf(level);
 }
 
@@ -57,10 +55,9 @@ ReportSection Alerts(const PrinterFacts& facts) {
 ReportSection Identity(const PrinterFacts& facts, const ReportContext& context) {
     ReportSection section;
     const auto add = [&](const char* label, const std::string& text, const char* subject) {
-        const bool isMissing = std::any_of(facts.gaps.begin(), facts.gaps.end(),
-                                           [&](const Gap& gap) { return gap.subject == subject; });
-        const char* const reason = isMissing ? "(not read)" : "(not given)";
-        section.Add(label, text.empty() && context.isRead ? reason : text);
+        const bool isMissing = text.empty() && context.isRead;
+        section.Add(label,
+                    isMissing ? "(" + std::string(MissingText(facts.gaps, subject)) + ")" : text);
     };
     add("Model", facts.model, "model and state");
     add("Serial number", facts.serialNumber, "serial number");
@@ -78,21 +75,22 @@ ReportSection Identity(const PrinterFacts& facts, const ReportContext& context) 
     return section;
 }
 
-ReportSection Supplies(const PrinterFacts& facts) {
+ReportSection Supplies(const PrinterFacts& facts, const LevelLimits& limits) {
     ReportSection section = {"Supplies", {}};
     for (const Supply& supply : facts.supplies) {
-        AddLevel(section, SupplyName(supply), supply.level,
-                 Joined({supply.colour, KindText(supply.type)}, " "));
+        const std::string name = SupplyName(supply), kind = KindText(supply.type);
+        AddLevel(section, name, supply.level,
+                 Joined({supply.colour, kind == name ? "" : kind}, " "), limits);
         section.rows.back().colour = supply.colour;
     }
     return section;
 }
 
-ReportSection Trays(const PrinterFacts& facts) {
+ReportSection Trays(const PrinterFacts& facts, const LevelLimits& limits) {
     ReportSection section = {"Trays", {}};
     for (const Tray& tray : facts.trays) {
         const std::string number = "Tray " + std::to_string(section.rows.size() + 1);
-        AddLevel(section, tray.name.empty() ? number : tray.name, tray.level, tray.medium);
+        AddLevel(section, tray.name.empty() ? number : tray.name, tray.level, tray.medium, limits);
         // An empty one keeps only some jobs from being printed.
         Severity& severity = section.rows.back().severity;
         if (severity == Severity::kCritical) severity = Severity::kAttention;
@@ -100,26 +98,32 @@ ReportSection Trays(const PrinterFacts& facts) {
     return section;
 }
 
-// One row for each reason: "trays, alerts: no answer".
+// The gap with this text, or a new one.
+Gap& GapWith(std::vector<Gap>& gaps, std::string Gap::*member, const std::string& text) {
+    const auto known =
+        std::find_if(gaps.begin(), gaps.end(), [&](const Gap& gap) { return gap.*member == text; });
+    if (known != gaps.end()) return *known;
+    gaps.emplace_back().*member = text;
+    return gaps.back();
+}
+
+// One row for what is missing for the same reasons: "trays, alerts: no answer".
 void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
-    std::vector<std::string> reasons;
+    std::vector<Gap> subjects, rows;
     for (const Gap& gap : gaps) {
-        if (std::find(reasons.begin(), reasons.end(), gap.reason) == reasons.end())
-            reasons.push_back(gap.reason);
+        Gap& subject = GapWith(subjects, &Gap::subject, gap.subject);
+        subject.object = Joined({subject.object, gap.object});
+        if (subject.reason.find(gap.reason) == std::string::npos)
+            subject.reason = Joined({subject.reason, gap.reason}, "; ");
     }
-    for (const std::string& reason : reasons) {
-        std::vector<std::string> subjects;
-        std::string text, objects;
-        for (const Gap& gap : gaps) {
-            if (gap.reason != reason) continue;
-            objects = Joined({objects, gap.object});
-            if (std::find(subjects.begin(), subjects.end(), gap.subject) != subjects.end())
-                continue;
-            subjects.push_back(gap.subject);
-            text = Joined({text, gap.subject});
-        }
-        section.Add("Not read", text + ": " + reason, Severity::kUnknown);
-        section.rows.back().detail = objects;
+    for (const Gap& subject : subjects) {
+        Gap& row = GapWith(rows, &Gap::reason, subject.reason);
+        row.subject = Joined({row.subject, subject.subject});
+        row.object = Joined({row.object, subject.object});
+    }
+    for (const Gap& row : rows) {
+        section.Add("Not read", row.subject + ": " + row.reason, Severity::kUnknown);
+        section.rows.back().detail = row.object;
     }
 }
 
@@ -146,15 +150,14 @@ Severity ErrorSeverity(const PrinterFacts& facts) {
                : Severity::kAttention;
 }
 
-Severity SeverityOf(int percent) {
-    return percent == 0            ? Severity::kCritical
-           : percent < kLowPercent ? Severity::kAttention
-                                   : Severity::kFine;
+Severity SeverityOf(int percent, const LevelLimits& limits) {
+    if (percent == 0 || percent < limits.critical) return Severity::kCritical;
+    return percent < limits.low ? Severity::kAttention : Severity::kFine;
 }
 
-Severity SeverityOf(const Level& level) {
+Severity SeverityOf(const Level& level, const LevelLimits& limits) {
     if (level.level == 0) return Severity::kCritical;
-    if (const auto percent = PercentOf(level)) return SeverityOf(std::max(1, *percent));
+    if (const auto percent = PercentOf(level)) return SeverityOf(std::max(1, *percent), limits);
     return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
                                                                 : Severity::kFine;
 }
@@ -214,9 +217,7 @@ const char* SeverityMark(Severity severity) {
 }
 
 std::string WholeText(const ReportRow& row) {
-    return Joined(
-        {SeverityMark(row.severity), row.text, row.detail.empty() ? "" : "(" + row.detail + ")"},
-        " ");
+    return Joined({SeverityMark(row.severity), row.text}, " ");
 }
 
 const SupplyColour* FindSupplyColour(const std::string& words) {
@@ -256,8 +257,12 @@ std::vector<ReportRow> RowsOf(const Report& report) {
 }
 
 Report ReportOf(const PrinterFacts& facts, const ReportContext& context) {
-    Report report = {Identity(facts, context), State(facts), Alerts(facts),
-                     Supplies(facts),          Trays(facts), {}};
+    Report report = {Identity(facts, context),
+                     State(facts),
+                     Alerts(facts),
+                     Supplies(facts, context.limits),
+                     Trays(facts, context.limits),
+                     {}};
     for (const uint32_t other : facts.otherPrinters) {
         report.back().Add("Also there", "another printer, device index " + std::to_string(other));
     }

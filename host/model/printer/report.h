@@ -15,8 +15,14 @@ enum class Severity { kFine, kAttention, kCritical, kUnknown };
 
 // Critical if one keeps it from printing; fine if there are none, or the device has not said.
 Severity ErrorSeverity(const PrinterFacts& facts);
-Severity SeverityOf(int percent);
-Severity SeverityOf(const Level& level);
+
+// The percentages below which a level needs attention or is critical. An empty supply always is.
+struct LevelLimits {
+    int low = 10;
+    int critical = 0;
+};
+Severity SeverityOf(int percent, const LevelLimits& limits = {});
+Severity SeverityOf(const Level& level, const LevelLimits& limits = {});
 
 // All text is plain.
 struct ReportRow {
@@ -24,7 +30,7 @@ struct ReportRow {
     std::optional<int> percent;  // of a supply, or in a tray: 0 to 100
     Severity severity = Severity::kFine;
     std::string colour;         // of a supply, in the device's words: "black"; empty: none
-    std::string detail;         // for those who look closer: the objects of a reason
+    std::string detail;         // for those who ask for more: the objects of a reason
     bool repeatsLabel = false;  // after a row with the same label, too
     bool isCommand = false;     // for a shell: must stay in one line
 
@@ -53,7 +59,7 @@ std::string AlertText(const Alert& alert);
 // Shows a severity without colour: "!!" for critical, "!" for attention, otherwise nothing.
 const char* SeverityMark(Severity severity);
 
-// The text of a row with its mark and its detail: "! 4 % (40 of 1000)".
+// The text of a row with its mark: "! 4 % (40 of 1000)".
 std::string WholeText(const ReportRow& row);
 
 // How to draw a supply whose colour is given in words.
@@ -73,6 +79,7 @@ std::vector<ReportRow> RowsOf(const Report& report);
 struct ReportContext {
     std::string addresses, protocols;  // "10.77.1.20, fe80::1", "SNMPv1"
     bool isRead = true;  // false: what the facts lack was not asked for; it is left out
+    LevelLimits limits{};
 };
 // The places of its sections.
 enum class ReportPart : size_t { kIdentity, kState, kAlerts, kSupplies, kTrays, kNotes };

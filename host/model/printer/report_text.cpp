@@ -69,11 +69,11 @@ class Writer {
     }
 
     void AddMarkedText(const ReportRow& row, bool isInPhrases) {
-        const std::string mark = SeverityMark(row.severity);
-        if (!style_.hasMarks && !mark.empty())
-            return AddText(WholeText(row).substr(mark.size() + 1), isInPhrases);
+        const bool hasDetail = style_.hasDetails && !row.detail.empty();
+        const std::string mark = style_.hasMarks ? SeverityMark(row.severity) : "";
         AddColoured(mark, row.severity == Severity::kCritical ? "1;31" : "1;33");
-        AddText(WholeText(row).substr(mark.size()), isInPhrases);
+        AddText((mark.empty() ? "" : " ") + row.text + (hasDetail ? " (" + row.detail + ")" : ""),
+                isInPhrases);
     }
 
     void AddColoured(const std::string& text, const std::string& escape) {

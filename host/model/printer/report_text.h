@@ -12,6 +12,7 @@ struct TextStyle {
     size_t width = 80;        // of a line, in characters
     bool hasColours = false;  // as escape sequences, of bars and marks
     bool hasMarks = true;     // "!" and "!!" before what is worth a look
+    bool hasDetails = false;
 };
 
 // Titles, and labels without a title, on the left; levels as bars. Lines end in LF. Only commands

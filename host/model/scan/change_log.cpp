@@ -17,10 +17,8 @@ std::string KeyOf(const DeviceRow& row) {
 // What counts as a change: not the level of a supply, but that it has become low or empty.
 std::string StateOf(const DeviceRow& row) {
     const std::string& state = row.Text(Column::kState);
-    constexpr int kLowPercent = 10;
-    if (!row.standing.Holds() || row.lowestSupply.value_or(kLowPercent) >= kLowPercent)
-        return state;
-    return state + (*row.lowestSupply == 0 ? ", a supply is empty" : ", a supply is low");
+    if (!row.standing.Holds() || row.supplySeverity == Severity::kFine) return state;
+    return state + (row.lowestSupply == 0 ? ", a supply is empty" : ", a supply is low");
 }
 
 }  // namespace

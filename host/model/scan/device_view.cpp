@@ -31,17 +31,18 @@ bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
 }
 
 DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4,
-                const Standing& standing) {
-    const RowSource source = {scan,    device, ipv4, AddressesOf(device), SummaryOf(*device.facts),
-                              standing};
+                const Standing& standing, const LevelLimits& limits) {
+    const PrinterSummary summary = SummaryOf(*device.facts, limits);
+    const RowSource source = {scan, device, ipv4, AddressesOf(device), summary, standing};
     DeviceRow row;
     row.standing = standing;
     row.isNoPrinter = IsNoPrinter(device, standing);
-    if (standing.Holds()) row.severity = source.summary.severity;
+    if (standing.Holds()) row.severity = summary.severity;
     row.answers = device.answers;
     for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
     if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
-    row.lowestSupply = source.summary.lowestSupply;
+    row.lowestSupply = summary.lowestSupply;
+    row.supplySeverity = summary.supplySeverity;
     return row;
 }
 
@@ -62,7 +63,8 @@ std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundD
         const auto found = known.find(device.answers.front());
         const bool isKept = found != known.end() && found->second.answers == device.answers &&
                             found->second.standing == standing;
-        rows.push_back(isKept ? std::move(found->second) : RowOf(scan, device, ipv4, standing));
+        rows.push_back(isKept ? std::move(found->second)
+                              : RowOf(scan, device, ipv4, standing, limits_));
         rows_.emplace(device.answers.front(), rows.back());
     }
     return rows;

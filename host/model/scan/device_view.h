@@ -20,6 +20,7 @@ struct DeviceRow {
     std::array<std::string, kColumnCount> texts;
     std::string addressOrder;  // see AddressOrder
     std::optional<int> lowestSupply;
+    Severity supplySeverity = Severity::kFine;  // as in PrinterSummary
     Standing standing;
     Severity severity = Severity::kUnknown;  // unknown if the last one does not hold
     bool isNoPrinter = false;                // as far as was read
@@ -31,6 +32,8 @@ struct DeviceRow {
 // Makes the rows after each batch of answers, and reuses those of devices without a new answer.
 class RowMaker {
   public:
+    explicit RowMaker(const LevelLimits& limits = {}) : limits_(limits) {}
+
     // Rows in the order of the devices.
     // `standings`: of the devices; without them, none was asked in a search.
     std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
@@ -38,6 +41,7 @@ class RowMaker {
                                 const std::vector<Standing>& standings = {});
 
   private:
+    LevelLimits limits_;
     std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
 };
 

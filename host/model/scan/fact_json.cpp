@@ -8,6 +8,7 @@
 
 #include "model/computer/doctor_report.h"
 #include "values/json_output.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -66,8 +67,10 @@ void AddPrinter(cJSON* root, const PrinterFacts& facts) {
                      {"printerStatus", facts.printerStatus}});
     if (facts.errors) {
         AddTexts(root, "errors", *facts.errors);
+        AddText(root, "errorBits", HexText(facts.errorBits, " "));
     } else {
         cJSON_AddNullToObject(root, "errors");
+        cJSON_AddNullToObject(root, "errorBits");
     }
     AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
         AddNumber(object, "count", std::to_string(count.count));

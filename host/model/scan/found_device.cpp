@@ -64,6 +64,7 @@ class Collector {
     }
 
     FoundDevice Describe() {
+        variables_.areGapsKnown = false;
         PrinterFacts facts = FactsOf(variables_);
         facts.readTime = std::move(readTime_);
         // The model falls back to the description, which says less than the discovery OID's text.

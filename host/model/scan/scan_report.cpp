@@ -16,16 +16,17 @@ void AddDevice(ReportSection& section, const char* label, const FoundDevice& dev
 
 }  // namespace
 
-Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps) {
+Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps,
+                const LevelLimits& limits) {
     PrinterFacts facts = *device.facts;
     // Those of all answers.
     facts.serialNumber = row.Text(Column::kSerial);
     facts.macAddress = row.Text(Column::kMac);
-    facts.gaps = std::move(gaps);
-    Report parts = ReportOf(
-        facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols), device.hasVariables});
+    if (device.hasVariables) SetGaps(facts, std::move(gaps));
+    Report parts = ReportOf(facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols),
+                                    device.hasVariables, limits});
     // What needs attention comes first, and who it is last.
-    const PrinterSummary summary = SummaryOf(facts);
+    const PrinterSummary summary = SummaryOf(facts, limits);
     ReportSection first;
     first.Add("State", StateLine(row.standing, summary, facts.readTime), row.severity);
     Report report = {std::move(first)};

@@ -10,7 +10,8 @@
 namespace vndiscover::host {
 
 // `row` is the device's; `gaps` are those of its last reading.
-Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps);
+Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps,
+                const LevelLimits& limits = {});
 
 Report ReportOf(const Comparison& comparison);
 

@@ -127,15 +127,12 @@ std::string StateLine(const Standing& standing, const PrinterSummary& summary,
                       const std::string& read) {
     const bool isKnown = !summary.state.empty();
     std::string state = StateText(standing, summary);
-    const bool isTold = isKnown && state.rfind(summary.state, 0) == 0;
-    if (isKnown && !isTold) state += "; before: " + summary.state;
     if (!isKnown) return state;
-    const bool isLow = summary.severity == Severity::kAttention && !summary.supply.empty() &&
-                       summary.lowestSupply < 10;
-    const bool isWorse = isTold && summary.severity != Severity::kFine;
-    return (isWorse ? SeverityName(summary.severity) + std::string(": ") : "") +
-           Joined({state, isLow ? summary.supply : "",
-                   read.empty() ? "" : "as of " + ShortTime(read)});
+    if (state.rfind(summary.state, 0) != 0) state += "; before: " + summary.state;
+    const bool isLow =
+        summary.severity == Severity::kAttention && summary.supplySeverity != Severity::kFine;
+    return Joined(
+        {state, isLow ? summary.supply : "", read.empty() ? "" : "as of " + ShortTime(read)});
 }
 
 std::string ShortTime(const std::string& utc) {

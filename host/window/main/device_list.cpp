@@ -58,7 +58,7 @@ std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const Column shownColumn = columns_.At(column);
     const bool isChanged = shownColumn == Column::kState && changes_.IsMarked(shown);
     const auto bar = Bar(row, column);
-    const std::string mark = bar ? SeverityMark(SeverityOf(bar->percent)) : "";
+    const std::string mark = bar ? SeverityMark(shown.supplySeverity) : "";
     return (isChanged ? L"\x25CF " : L"") + (mark.empty() ? L"" : ToWide(mark) + L" ") +
            ShownText(shown, shownColumn);
 }

@@ -97,7 +97,7 @@ TEST(PrinterFacts, SuppliesHaveColoursAndKinds) {
     EXPECT_EQ("wasteToner", facts.supplies[0].type);
     EXPECT_EQ("room left: 30 tenths of grams, maximum unknown", LevelText(facts.supplies[0].level));
     EXPECT_EQ("99", facts.supplies[1].type);
-    EXPECT_EQ("not read", LevelText(facts.supplies[1].level));
+    EXPECT_EQ("not given", LevelText(facts.supplies[1].level));
     EXPECT_EQ("5, maximum unknown", LevelText(facts.supplies[2].level)) << "the unit is unknown";
 }
 

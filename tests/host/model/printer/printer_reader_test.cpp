@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "host/model/scripted_device.h"
+#include "model/printer/printer_facts.h"
 
 namespace vndiscover::host {
 namespace {
@@ -116,6 +117,26 @@ TEST(PrinterReader, EndsAColumnBeforeWhatCannotBeRead) {
     device.variables[other] = {kOctetString, "after hrDeviceTable"};
     device.withheld[other] = Status::kUnreadable;
     EXPECT_TRUE(ReadPrinter(device.MakeAsker()).gaps.empty());
+}
+
+// The supply's row is known of other columns, so it is asked for before the end is.
+TEST(PrinterReader, AColumnWithoutRowsIsNotGiven) {
+    ScriptedDevice device = Printer();
+    device.Text("prtMarkerSuppliesType.3.1", "x");
+    device.Text("prtMarkerSuppliesType.3.2", "x");
+    device.Text("prtMarkerColorantValue.3.1", "black");
+    device.withheld[*ParseOidOrName("prtMarkerColorantValue.3.1")] = Status::kUnreadable;
+    const auto levels = [&] {
+        std::string texts;
+        for (const Supply& supply : FactsOf(ReadPrinter(device.MakeAsker())).supplies)
+            texts += LevelText(supply.level) + ";";
+        return texts;
+    };
+    EXPECT_EQ("not given;not given;", levels());
+    device.Integer("prtMarkerSuppliesLevel.3.2", 9);
+    device.withheld[*ParseOidOrName("prtMarkerSuppliesLevel.3.1")] = Status::kUnreadable;
+    device.Integer("prtMarkerSuppliesLevel.3.1", 9);
+    EXPECT_EQ("not read;9, maximum unknown;", levels());
 }
 
 // Of one datagram, or of two in a row.

@@ -157,7 +157,7 @@ Panel          Toner low
 Printed        4000000000 impressions
                17 sheets
 Supplies       Toner C9     [#.........]  7 %, cyan toner cartridge
-               waste toner  [..........]  room left: none, waste toner
+               waste toner  [..........]  room left: none
 Trays          Fach ü1  [..........]  0 % (0 of 500 sheets), iso-a4-white
                Tray 2                 some left
 )",
@@ -201,12 +201,11 @@ Description    Norrland InkStation 70 7.2
 Device         down
 Printer        unknown
 Errors         service requested
-Supplies       ink                           some left, ink
-               waste ink       [########..]  room left: 80 %, waste ink
-               99                            unknown (-300), 99
-               photoconductor                70000 impressions, no maximum,
-                 photoconductor
-Not read       alerts: OID not increasing (prtAlertCode)
+Supplies       ink                           some left
+               waste ink       [########..]  room left: 80 %
+               99                            unknown (-300)
+               photoconductor                70000 impressions, no maximum
+Not read       alerts: OID not increasing
 )",
               Report(asker));
 }

@@ -15,21 +15,22 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     facts.upTicks = 500;
     facts.supplies = {{"Black", "", "", {400, 1000, ""}},
                       {"", "cyan", "inkCartridge", {-3, -2, ""}},
+                      {"Fuser", "", "fuser", {5, 100, ""}},
                       {"A waste toner container with a long name", "", "opc", {0, -2, ""}}};
     facts.trays = {{"", "A4", {120, 500, ""}}};
     facts.errors = std::vector<std::string>{"overduePreventMaint"};
     facts.alerts = {{"critical", "cover", "jam", "Door A", 9000},  // from before the restart
                     {"warning", "other", "jam", "", 100}};
-    facts.gaps = {{"trays", "prtInputName", "no answer"},
-                  {"trays", "prtInputMediaName", "no answer"},
-                  {"alerts", "", "not asked for"},
-                  {"panel", "", "not asked for"},
-                  {"location", "", "not asked for"}};
-    const Report report = ReportOf(facts, {"10.77.1.20", "SNMPv1"});
+    facts.gaps = {
+        {"trays", "prtInputName", "no answer"}, {"trays", "prtInputMediaName", "too long"},
+        {"name", "sysName", "no answer"},       {"name", "prtGeneralPrinterName", "too long"},
+        {"alerts", "", "not asked for"},        {"panel", "", "not asked for"},
+        {"location", "", "not asked for"}};
+    const Report report = ReportOf(facts, {"10.77.1.20", "SNMPv1", true, {41, 6}});
     EXPECT_EQ(
         "Model          VN LaserPro 410\n"
         "Serial number  (not given)\n"
-        "Name           (not given)\n"
+        "Name           (not read)\n"
         "Location       (not read)\n"
         "Address        10.77.1.20\n"
         "MAC address    (not given)\n"
@@ -38,15 +39,16 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
         "Errors         ! maintenance overdue\n"
         "Alerts         !! critical: Door A (cover, jam)\n"
         "               ! warning: jam, for 0:00:04\n"
-        "Supplies       Black                     [####......]  40 % (400 of 1000)\n"
-        "               ink cartridge                           some left,\n"
-        "                 cyan ink cartridge\n"
+        "Supplies       Black                     [####......]  ! 40 % (400 of 1000)\n"
+        "               ink cartridge                           some left, cyan\n"
+        "               Fuser                     [#.........]  !! 5 % (5 of 100), fuser\n"
         "               A waste toner container with a long name\n"
         "                                         [..........]  !! empty, photoconductor\n"
-        "Trays          Tray 1  [##........]  24 % (120 of 500), A4\n"
-        "Not read       trays: no answer (prtInputName, prtInputMediaName)\n"
+        "Trays          Tray 1  [##........]  ! 24 % (120 of 500), A4\n"
+        "Not read       trays, name: no answer; too long (prtInputName,\n"
+        "                 prtInputMediaName, sysName, prtGeneralPrinterName)\n"
         "               alerts, panel, location: not asked for\n",
-        ReportText(report));
+        ReportText(report, {80, false, true, true}));
     std::string severities;
     for (const ReportSection& section : report) {
         for (const ReportRow& row : section.rows)
@@ -55,8 +57,8 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     EXPECT_EQ(
         "00000000"
         "121"
-        "002"
-        "0"
+        "1022"
+        "1"
         "33",
         severities);
 }

@@ -156,8 +156,7 @@ TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
     summary.state = "door open";
     summary.severity = Severity::kCritical;
     Standing standing = {Standing::Kind::kRead, At(1), ""};
-    EXPECT_EQ("critical: door open, as of " + ShortTime(At(0)),
-              StateLine(standing, summary, At(0)));
+    EXPECT_EQ("door open, as of " + ShortTime(At(0)), StateLine(standing, summary, At(0)));
     standing.kind = Standing::Kind::kMissed;
     EXPECT_EQ(Since(1) + "; before: door open, as of " + ShortTime(At(0)),
               StateLine(standing, summary, At(0)));
@@ -171,6 +170,7 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
         row.standing.kind = kind;
         row.Text(Column::kState) = state;
         row.lowestSupply = level;
+        row.supplySeverity = SeverityOf(level);
         return log.Take(row, At(0));
     };
     EXPECT_FALSE(take(Standing::Kind::kNeverRead, "never read", 30));
