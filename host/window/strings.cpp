@@ -39,11 +39,20 @@ std::wstring Text(unsigned id) {
 
 std::wstring Text(unsigned id, std::initializer_list<std::wstring> values) {
     const std::wstring text = Text(id);
-    std::wstring filled;
+    std::wstring filled, last;
     for (size_t at = 0; at < text.size(); ++at) {
         const bool isPlace = text[at] == L'%' && at + 1 < text.size() && text[at + 1] >= L'1' &&
                              static_cast<size_t>(text[at + 1] - L'1') < values.size();
-        filled += isPlace ? values.begin()[text[++at] - L'1'] : std::wstring(1, text[at]);
+        const size_t middle = text.find(L'|', at), end = text.find(L']', at);
+        if (isPlace) {
+            filled += last = values.begin()[text[++at] - L'1'];
+        } else if (text[at] == L'[' && middle < end && end != std::wstring::npos) {
+            filled += last == L"1" ? text.substr(at + 1, middle - at - 1)
+                                   : text.substr(middle + 1, end - middle - 1);
+            at = end;
+        } else {
+            filled += text[at];
+        }
     }
     return filled;
 }

@@ -11,7 +11,8 @@
 namespace vndiscover::host {
 
 std::wstring Text(unsigned id);
-// Replaces %1 to %9. A "%1" in a value is not replaced again.
+// Replaces %1 to %9, and "[one|many]" by one of them, as the number before it asks. What a value
+// contains is not replaced again.
 std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);
 
 // Changes every text, to test longer languages. Null: no change.

@@ -100,7 +100,7 @@ std::wstring CheckFiles(const StartOptions& options) {
     for (const std::string& path : {options.savePath, options.csvPath}) {
         std::string problem;
         if (!path.empty() && !CanReplaceFile(path, problem))
-            return Text(IDS_NOT_SAVED, {ToWide(problem)});
+            return Text(IDS_NOT_SAVED, {ToWide(problem), ToWide(path)});
     }
     return L"";
 }

@@ -33,7 +33,8 @@ std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {
     std::string reason;
     bool isBroken = false;
     auto scan = LoadScan(path, isBroken, reason);
-    if (!scan) problem = Text(isBroken ? IDS_BROKEN_SCAN : IDS_NOT_READ, {ToWide(reason)});
+    if (!scan)
+        problem = Text(isBroken ? IDS_BROKEN_SCAN : IDS_NOT_READ, {ToWide(reason), ToWide(path)});
     return scan;
 }
 
@@ -46,14 +47,15 @@ bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note) {
     std::string reason;
     const auto text = WriteScan(scan, reason);
     if (text) return SaveText(*text, path, note);
-    note = Text(IDS_NOT_SAVED, {ToWide(reason)});
+    note = Text(IDS_NOT_SAVED, {ToWide(reason), ToWide(path)});
     return false;
 }
 
 bool SaveText(const std::string& text, const std::string& path, std::wstring& note) {
     std::string reason;
     const bool isSaved = ReplaceFileText(path, text, reason);
-    note = isSaved ? Text(IDS_SAVED, {ToWide(path)}) : Text(IDS_NOT_SAVED, {ToWide(reason)});
+    note = isSaved ? Text(IDS_SAVED, {ToWide(path)})
+                   : Text(IDS_NOT_SAVED, {ToWide(reason), ToWide(path)});
     return isSaved;
 }
 

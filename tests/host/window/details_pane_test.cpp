@@ -67,8 +67,9 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
             return CallWindowProcW(list, window, message, count, how);
         })));
     engine_.Say("10.77.1.4", "of another device");
-    ASSERT_TRUE(Until(
-        [&] { return TextOf(Control(IDC_DEVICES_LABEL)) == L"Devices (1 of 3 pass the filter)"; }));
+    ASSERT_TRUE(Until([&] {
+        return TextOf(Control(IDC_DEVICES_LABEL)) == L"Devices (1 of 3 match the filter)";
+    }));
     EXPECT_EQ(0, fills);
     engine_.Say("10.77.1.3", "z");
     EXPECT_TRUE(Until([&] { return Rows() == 2; }));
@@ -86,7 +87,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     OpenWithDevices();
     ChoosePage(1);
     EXPECT_EQ(L"Protocols", Page());
-    EXPECT_TRUE(Until([&] { return Value(2, 1) == L"silent"; }));  // the other sweep has ended
+    EXPECT_TRUE(Until([&] { return Value(2, 1) == L"no answer"; }));  // the other sweep has ended
     EXPECT_EQ(L"SNMPv1", Value(0, 0));
     EXPECT_EQ(L"answered", Value(0, 1));
     EXPECT_EQ(L"not asked", Value(1, 1));

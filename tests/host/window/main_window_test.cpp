@@ -98,7 +98,7 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
     engine_.isHeld = false;
     ASSERT_TRUE(Ends());
-    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Devices read: 2, in"));
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Read 2 devices in"));
     EXPECT_EQ(L"no such value", Cell(0, 5));
     window_->ToggleReadsFound();
 }

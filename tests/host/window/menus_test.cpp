@@ -80,10 +80,10 @@ TEST_F(Menus, ClickedCellIsCopied) {
     EXPECT_EQ(
         L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;;"
         L"&Read again\tCtrl+R;Read a&ll again\tCtrl+Shift+R;Read all after a s&earch;"
-        L"Why does it &not answer?;Walk its &values...;A&dd an address...;;"
-        L"&Split into its parts;Open its &web page;;Refresh only on de&mand;"
-        L"Refresh every minute;Refresh every 5 minutes;Refresh every 15 minutes;"
-        L"Refresh every hour;",
+        L"Why does it &not answer?;Show all &values...;A&dd an address...;;"
+        L"&Separate;Open its &web page;;Re&fresh only on demand;"
+        L"Refresh every m&inute;Refresh every &5 minutes;Refresh every &15 minutes;"
+        L"Refresh every &hour;",
         texts);
     EXPECT_EQ(ToWide(model_), Copied());
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Copied: =InkLine 7"));
