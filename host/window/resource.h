@@ -6,6 +6,7 @@
 #define IDD_WALK 104
 #define IDD_TABLE 105
 #define IDD_ADD 106
+#define IDD_REPORT 107
 
 // Controls of the main window.
 #define IDC_FIND 200
@@ -27,6 +28,8 @@
 #define IDC_TABLE 216
 #define IDC_PRESET_NOTE 217
 #define IDC_READ_BAR 218
+#define IDC_CHOSEN 219
+#define IDC_COPY_COMMANDS 220
 
 // Controls of the dialogs.
 #define IDC_COMMUNITY 230

@@ -29,16 +29,20 @@ void FactsList::Resize(const RECT& place, int dpi) {
     ListView_SetColumnWidth(list_.Handle(), 1, std::max(0, width - labels));
 }
 
-std::wstring FactsList::CellText(size_t row, size_t column) const {
-    return ToWide(column == 0 ? rows_[row].label : WholeText(rows_[row]));
+std::wstring FactText(const ReportRow& row, size_t column) {
+    return ToWide(column == 0 ? row.label : WholeText(row));
 }
 
-std::optional<LevelBar> FactsList::Bar(size_t row, size_t column) const {
-    const auto percent = rows_[row].percent;
-    if (column != 1 || !percent) return std::nullopt;
-    const SupplyColour* colour = FindSupplyColour(rows_[row].colour);
+std::optional<LevelBar> FactBar(const ReportRow& row, size_t column) {
+    if (column != 1 || !row.percent) return std::nullopt;
+    const SupplyColour* colour = FindSupplyColour(row.colour);
     const uint32_t rgb = colour ? colour->rgb : 0;
-    return LevelBar{*percent, colour ? RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF) : CLR_NONE};
+    return LevelBar{*row.percent, colour ? RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF) : CLR_NONE};
+}
+
+bool IsBoldFact(const std::vector<ReportRow>& rows, size_t row) {
+    const bool isResult = row == 0 && !rows[row].label.empty();
+    return isResult || rows[row].severity == Severity::kCritical;
 }
 
 }  // namespace vndiscover::host

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,11 @@
 
 namespace vndiscover::host {
 
+// Of a row's cell. Bold are the result, which is the first row, and what is critical.
+std::wstring FactText(const ReportRow& row, size_t column);
+std::optional<LevelBar> FactBar(const ReportRow& row, size_t column);
+bool IsBoldFact(const std::vector<ReportRow>& rows, size_t row);
+
 class FactsList : private ListModel {
   public:
     // The list is a child of `parent` and is destroyed with it.
@@ -19,11 +25,21 @@ class FactsList : private ListModel {
     HWND Handle() const { return list_.Handle(); }
     void Show(std::vector<ReportRow> rows);
     void Resize(const RECT& place, int dpi);
+    const ListControl& List() const { return list_; }
+    std::function<void()> onSelected;
 
   private:
     size_t Count() const override { return rows_.size(); }
-    std::wstring CellText(size_t row, size_t column) const override;
-    std::optional<LevelBar> Bar(size_t row, size_t column) const override;
+    std::wstring CellText(size_t row, size_t column) const override {
+        return FactText(rows_[row], column);
+    }
+    std::optional<LevelBar> Bar(size_t row, size_t column) const override {
+        return FactBar(rows_[row], column);
+    }
+    bool IsBold(size_t row) const override { return IsBoldFact(rows_, row); }
+    void OnSelected() override {
+        if (onSelected) onSelected();
+    }
 
     ListControl list_{*this};
     std::vector<ReportRow> rows_;

@@ -107,6 +107,7 @@ void ListControl::FitLast(int minimum) {
 void ListControl::Move(const RECT& place) {
     MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
                TRUE);
+    if (Selected() >= 0) ListView_EnsureVisible(list_, Selected(), FALSE);
 }
 
 void ListControl::Refresh() {
@@ -143,6 +144,15 @@ std::wstring ListControl::RowText(size_t row) const {
     return LineOf(ShownOrder(), [&](int column) {
         return RowCell(model_.CellText(row, static_cast<size_t>(column)));
     });
+}
+
+std::wstring ListControl::SelectedText() const {
+    std::wstring text;
+    for (const int column : ShownOrder()) {
+        const std::wstring cell = TextOf(Selected(), column);
+        if (!cell.empty()) text += (text.empty() ? L"" : column == kValue ? L": " : L", ") + cell;
+    }
+    return text;
 }
 
 std::wstring ListControl::TableText(bool hasHeadings) const {
@@ -235,7 +245,20 @@ void ListControl::DrawEmpty(HDC dc) const {
     DrawTextW(dc, Text(EmptyText()).c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
-LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {
+// The list's own, or its bold one.
+HFONT ListControl::FontOf(size_t row) {
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(list_, WM_GETFONT, 0, 0));
+    if (row >= model_.Count() || !model_.IsBold(row)) return font;
+    if (std::exchange(boldOf_, font) != font || !bold_) {
+        LOGFONTW bold = {};
+        GetObjectW(font, sizeof bold, &bold);
+        bold.lfWeight = FW_BOLD;
+        bold_.Reset(CreateFontIndirectW(&bold));
+    }
+    return bold_.Get();
+}
+
+LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
     switch (draw.nmcd.dwDrawStage) {
@@ -253,8 +276,9 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) const {
             return CDRF_DODEFAULT;
     }
     if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
+    SelectObject(draw.nmcd.hdc, FontOf(row));
     const auto bar = row < model_.Count() ? model_.Bar(row, column) : std::nullopt;
-    if (!bar) return CDRF_DODEFAULT;
+    if (!bar) return CDRF_NEWFONT;
     RECT cell = {};
     ListView_GetSubItemRect(list_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
     DrawBar(draw, cell, *bar, model_.CellText(row, column), dpi_);

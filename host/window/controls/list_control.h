@@ -24,6 +24,8 @@ class ListModel {
     virtual std::optional<LevelBar> Bar(size_t, size_t) const { return std::nullopt; }
     // Whether the row is grey: what it shows may no longer be so.
     virtual bool IsGrey(size_t) const { return false; }
+    // Whether the row stands out: what is worst, or the result of all.
+    virtual bool IsBold(size_t) const { return false; }
     // The string to show instead of rows if there are none; 0: nothing.
     virtual unsigned EmptyText() const { return 0; }
     // The user has selected another row, or none; or has clicked a heading.
@@ -68,6 +70,8 @@ class ListControl {
     // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
     // that a spreadsheet would run.
     std::wstring TableText(bool hasHeadings) const;
+    // The selected row in one text; empty if there is none.
+    std::wstring SelectedText() const;
     // Executes IDM_COPY_ROW, IDM_COPY_TABLE, IDM_COPY_CELL for the second column, or IDM_CELL +
     // column. Has no effect without a selected row.
     void Copy(int command) const;
@@ -89,7 +93,8 @@ class ListControl {
   private:
     void OnChanged();
     void FillCell(LVITEMW& item) const;
-    LRESULT Draw(NMLVCUSTOMDRAW& draw) const;
+    LRESULT Draw(NMLVCUSTOMDRAW& draw);
+    HFONT FontOf(size_t row);
     void DrawEmpty(HDC dc) const;
     LRESULT FindRow(const NMLVFINDITEMW& search) const;
     std::wstring TextOf(int row, int column) const;
@@ -99,6 +104,8 @@ class ListControl {
     ListModel& model_;
     HWND list_ = nullptr;
     int dpi_ = 96;
+    OwnedFont bold_;
+    HFONT boldOf_ = nullptr;   // the list's font, of which that is the bold one
     OwnedImages images_;       // none: their size is that of a row
     bool isChanging_ = false;  // by a call
     int reported_ = -1;        // the selected row that the model knows of

@@ -25,6 +25,7 @@ class AddDialog {
         if (message == WM_INITDIALOG) {
             dialog_ = dialog;
             ChangeTexts(dialog);
+            CentreOnOwner(dialog);
             return TRUE;
         }
         if (message != WM_COMMAND) return std::nullopt;
@@ -42,7 +43,8 @@ class AddDialog {
         if (path.empty()) return;
         std::string problem;
         const auto text = ReadFileText(path, kMaxFileSize, problem);
-        if (!text) return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem)}), false);
+        if (!text)
+            return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem), ToWide(path)}), false);
         std::wstring lines;  // an edit control breaks lines only at both characters
         for (const wchar_t letter : ToWide(*text)) {
             if (letter != L'\r') lines += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/error_text.h"
@@ -31,6 +32,30 @@ int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsig
     int answer = IDCANCEL;
     TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
     return answer;
+}
+
+SIZE ClientSize(HWND window) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    return {client.right, client.bottom};
+}
+
+RECT PlaceIn(HWND dialog, HWND control) {
+    RECT place = {};
+    GetWindowRect(control, &place);
+    MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    return place;
+}
+
+// `change` gets each control and its place, to alter it.
+template <class Change>
+void MoveControls(HWND dialog, Change change) {
+    for (HWND each = GetWindow(dialog, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT)) {
+        RECT place = PlaceIn(dialog, each);
+        change(each, place);
+        MoveWindow(each, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                   TRUE);
+    }
 }
 
 }  // namespace
@@ -66,6 +91,21 @@ void ChangeText(HWND window, const std::wstring& text) {
     if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
 }
 
+void CentreOnOwner(HWND window) {
+    RECT place = {}, owner = {};
+    GetWindowRect(window, &place);
+    GetWindowRect(GetWindow(window, GW_OWNER), &owner);
+    MONITORINFO screen = {};
+    screen.cbSize = sizeof screen;
+    GetMonitorInfoW(MonitorFromRect(&owner, MONITOR_DEFAULTTONEAREST), &screen);
+    const RECT& work = screen.rcWork;
+    const LONG width = place.right - place.left, height = place.bottom - place.top;
+    const LONG x = std::min((owner.left + owner.right - width) / 2, work.right - width);
+    const LONG y = std::min((owner.top + owner.bottom - height) / 2, work.bottom - height);
+    SetWindowPos(window, nullptr, std::max(x, work.left), std::max(y, work.top), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 ListDialog::~ListDialog() {
     if (dialog_) DestroyWindow(dialog_);
 }
@@ -83,12 +123,27 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
                                              LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         dialog_ = dialog;
+        client_ = ClientSize(dialog);
+        RECT whole = {};
+        GetWindowRect(dialog, &whole);
+        least_ = {whole.right - whole.left, whole.bottom - whole.top};
+        dpi_ = DpiOf(dialog);
         Begin();
+        CentreOnOwner(dialog);
         return TRUE;
     }
     if (message == WM_NCDESTROY) {
         dialog_ = nullptr;
+        font_.Reset();
         OnClosed();
+    } else if (message == WM_SIZE && wParam != SIZE_MINIMIZED) {
+        Stretch();
+    } else if (message == WM_GETMINMAXINFO) {
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least_.cx, least_.cy};
+        return 0;
+    } else if (message == WM_DPICHANGED) {
+        SetDpi(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+        return 0;
     } else if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
         Close();
     } else if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
@@ -97,14 +152,56 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
     return HandleListMessage(message, wParam, lParam);
 }
 
+// One control grows, and wide ones to the right. What is below it moves down; buttons there, and
+// what is in the right half, to the right.
+void ListDialog::Stretch() {
+    const SIZE former = std::exchange(client_, ClientSize(dialog_));
+    const LONG right = client_.cx - former.cx, down = client_.cy - former.cy;
+    const RECT grown = PlaceIn(dialog_, grown_);
+    MoveControls(dialog_, [&](HWND control, RECT& place) {
+        const bool isBelow = place.top >= grown.bottom;
+        const bool isWide = place.right - place.left > former.cx / 2;
+        const bool isMoved = !isWide && (isBelow || place.left > former.cx / 2);
+        OffsetRect(&place, isMoved ? right : 0, isBelow ? down : 0);
+        if (isWide) place.right += right;
+        if (control == grown_) place.bottom += down;
+    });
+    list_.FitLast(Scaled(columns_.back().width, dpi_));
+}
+
+// Not left to the system, which knows neither columns nor further fonts.
+void ListDialog::SetDpi(int dpi, const RECT& place) {
+    const int former = std::exchange(dpi_, dpi);
+    const auto scale = [&](LONG& pixels) { pixels = MulDiv(pixels, dpi, former); };
+    LOGFONTW font = {};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(list_.Handle(), WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    scale(font.lfHeight);
+    OwnedFont next(CreateFontIndirectW(&font));
+    MoveControls(dialog_, [&](HWND control, RECT& box) {
+        for (LONG* side : {&box.left, &box.top, &box.right, &box.bottom}) scale(*side);
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), FALSE);
+    });
+    font_ = std::move(next);
+    OnDpi();
+    list_.SetDpi(dpi);
+    list_.SetColumns(columns_);
+    for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy}) scale(*size);
+    SetWindowPos(dialog_, nullptr, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 void ListDialog::BeginDialog(const std::wstring& title, int list,
-                             const std::vector<ListColumn>& columns) {
+                             const std::vector<ListColumn>& columns, int grown) {
     ChangeTexts(dialog_);
     SetWindowTextW(dialog_, title.c_str());
+    columns_ = columns;
+    grown_ = Item(grown != 0 ? grown : list);
     list_.Attach(Item(list));
     list_.SetName(title);
-    list_.SetDpi(DpiOf(dialog_));
-    list_.SetColumns(columns);
+    list_.SetDpi(dpi_);
+    list_.SetColumns(columns_);
+    list_.FitLast(Scaled(columns_.back().width, dpi_));
     list_.Refresh();
 }
 

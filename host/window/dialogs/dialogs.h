@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "window/controls/list_control.h"
+#include "window/controls/owners.h"
 
 namespace vndiscover::host {
 
@@ -23,13 +24,17 @@ std::wstring WindowText(HWND window);
 // control.
 void ChangeText(HWND window, const std::wstring& text);
 
+// Moves a window to the middle of its owner, as far as the screen allows.
+void CentreOnOwner(HWND window);
+
 // Shows a user a problem in a message, or a script on the error output.
 void ShowProblem(HWND owner, const std::wstring& problem, bool isScript);
 // Shows the exception that is being handled. Shows one at a time, since a window that cannot be
 // drawn fails again under the message.
 void ShowException(HWND owner, bool isScript) noexcept;
 
-// A dialog that leaves its owner enabled. It contains a list and is the model of it.
+// A dialog that leaves its owner enabled. It contains a list and is the model of it. Its user may
+// enlarge it, and move it to a screen of another DPI.
 class ListDialog : protected ListModel {
   public:
     ~ListDialog() override;
@@ -40,19 +45,33 @@ class ListDialog : protected ListModel {
   protected:
     // Opens it from its resource, or brings it to the front.
     void OpenDialog(HWND owner, int resource);
+    int Dpi() const { return dpi_; }
     bool IsOpen() const { return dialog_ != nullptr; }
-    void Close() { DestroyWindow(dialog_); }
+    void Close() { DestroyWindow(dialog_); }  // if it is open
     HWND Item(int id) const { return GetDlgItem(dialog_, id); }
     void SetItem(int id, const std::wstring& text) const { ChangeText(Item(id), text); }
-    // Sets the title of the dialog and of its list, and the columns.
-    void BeginDialog(const std::wstring& title, int list, const std::vector<ListColumn>& columns);
+    // Sets the title of the dialog and of its list, and the columns. `grown`: the control that gets
+    // what the dialog gains; 0: the list.
+    void BeginDialog(const std::wstring& title, int list, const std::vector<ListColumn>& columns,
+                     int grown = 0);
 
     virtual void Begin() = 0;
     virtual void OnCommand(int id) = 0;
     virtual void OnClosed() {}
+    virtual void OnDpi() {}  // fonts of its own have another size now
 
     ListControl list_{*this};
     HWND dialog_ = nullptr;
+
+  private:
+    void Stretch();
+    void SetDpi(int dpi, const RECT& place);
+
+    SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window
+    HWND grown_ = nullptr;
+    std::vector<ListColumn> columns_;
+    int dpi_ = 96;
+    OwnedFont font_;  // none: that of its resource
 };
 
 // Ask whether to save the scan, and whether to add to an opened one (IDYES) or begin a new list

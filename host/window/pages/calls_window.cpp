@@ -5,7 +5,6 @@
 #include "platform/wide_text.h"
 #include "values/plain_text.h"
 #include "window/controls/clipboard.h"
-#include "window/controls/dpi.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -13,7 +12,7 @@ namespace vndiscover::host {
 namespace {
 
 constexpr size_t kMaxCalls = 1000;
-enum { kTime, kExport, kResult, kDuration };
+enum { kTime, kExport, kDuration, kResult };
 
 // With the line breaks of an edit control.
 std::wstring Lines(const std::string& text) {
@@ -32,15 +31,15 @@ std::wstring CallsWindow::CellText(size_t row, size_t column) const {
             return LocalTime(call.time);
         case kExport:
             return ToWide(PlainText(CallLine(call)));
-        case kResult:
+        case kDuration:
+            return std::to_wstring(call.milliseconds);
+        default:
             if (call.more != 0)
                 return Text(IDS_CALL_MORE,
                             {std::to_wstring(call.more + 1), ToWide(PlainText(call.result))});
             return call.answers ? Text(IDS_CALL_ANSWERS,
                                        {ToWide(call.result), std::to_wstring(*call.answers)})
                                 : ToWide(PlainText(call.result));
-        default:
-            return std::to_wstring(call.milliseconds);
     }
 }
 
@@ -71,15 +70,20 @@ void CallsWindow::Refresh() {
 void CallsWindow::Begin() {
     BeginDialog(
         Text(IDS_CALLS_TITLE), IDC_CALLS,
-        {{IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_RESULT, 190}, {IDS_CALL_MS, 50}});
-    font_.Reset(CreateFontW(-MulDiv(9, DpiOf(dialog_), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0,
-                            DEFAULT_CHARSET, 0, 0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN,
-                            L"Consolas"));
-    SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
+        {{IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_MS, 50}, {IDS_CALL_RESULT, 190}},
+        IDC_CALL_TEXT);
+    OnDpi();
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
     added_ = calls_.size();
     ShowText();
     Refresh();
+}
+
+void CallsWindow::OnDpi() {
+    OwnedFont next(CreateFontW(-MulDiv(9, Dpi(), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET,
+                               0, 0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN, L"Consolas"));
+    SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), TRUE);
+    fixed_ = std::move(next);
 }
 
 void CallsWindow::OnCommand(int id) {

@@ -24,7 +24,8 @@ class CallsWindow : private ListDialog {
     void Begin() override;
     void OnCommand(int id) override;
     void OnSelected() override { ShowText(); }
-    void OnClosed() override { font_.Reset(); }
+    void OnClosed() override { fixed_.Reset(); }
+    void OnDpi() override;
     size_t Count() const override { return calls_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
     void ShowText();
@@ -32,7 +33,7 @@ class CallsWindow : private ListDialog {
     std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh
     bool isFolded_ = false;   // since Refresh, a call was added to the row of another
-    OwnedFont font_;          // of the text, while the dialog is open
+    OwnedFont fixed_;         // of the text, while the dialog is open
 };
 
 }  // namespace vndiscover::host

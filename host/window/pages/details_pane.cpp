@@ -44,6 +44,8 @@ void DetailsPane::Create(HWND parent) {
     facts_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
     table_.Create(parent, IDC_TABLE, L"");
     ShowWindow(table_.Handle(), SW_HIDE);
+    chosen_ = CreateControl(parent, L"STATIC", 0, SS_NOPREFIX, IDC_CHOSEN);
+    facts_.onSelected = [this] { PlaceLists(); };
 }
 
 void DetailsPane::Show() {
@@ -56,6 +58,7 @@ void DetailsPane::Show() {
     if (old.empty() || answers.empty() || old.front() != answers.front()) ShowRows({});
     if (!page.rows) {
         facts_.Show(SummaryOf(session_, row));
+        PlaceLists();
         return;
     }
     ShowRows(row ? page.rows(session_, *row) : TableRows());
@@ -64,6 +67,7 @@ void DetailsPane::Show() {
 void DetailsPane::ShowRows(TableRows rows) {
     rows_ = std::move(rows);
     table_.Refresh();
+    PlaceLists();
 }
 
 const DevicePage& DetailsPane::Page() const {
@@ -79,7 +83,7 @@ void DetailsPane::ShowPage() {
         table_.SetDpi(dpi_);
         table_.SetColumns(page.columns);
     }
-    FitTable();
+    placed_ = {};  // columns are others, or have other widths
     Show();
     ShowWindow(facts_.Handle(), page.rows ? SW_HIDE : SW_SHOW);
     ShowWindow(table_.Handle(), page.rows ? SW_SHOW : SW_HIDE);
@@ -98,15 +102,28 @@ void DetailsPane::Resize(const RECT& place, int dpi) {
     RECT page = {0, 0, place.right - place.left, place.bottom - place.top};
     TabCtrl_AdjustRect(tabs_, FALSE, &page);  // below all rows of tabs
     MoveWindow(tabs_, place.left, place.top, place.right - place.left, page.top, TRUE);
-    const RECT list = {place.left, place.top + page.top, place.right, place.bottom};
-    facts_.Resize(list, dpi);
-    table_.Move(list);
-    if (isNew) ShowPage();  // columns have other widths
-    FitTable();
+    lists_ = {place.left, place.top + page.top, place.right, place.bottom};
+    if (isNew) ShowPage();
+    PlaceLists();
 }
 
-void DetailsPane::FitTable() {
-    if (Page().rows) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
+// A cell may cut its text, so that of the selected row is below the list.
+void DetailsPane::PlaceLists() {
+    constexpr int kChosenHeight = 68;  // four lines and a space
+    const bool isTable = Page().rows != nullptr;
+    const std::wstring chosen = (isTable ? table_ : facts_.List()).SelectedText();
+    RECT list = lists_;
+    if (!chosen.empty()) list.bottom -= Scaled(kChosenHeight, dpi_);
+    ChangeText(chosen_, chosen);
+    if (EqualRect(&list, &placed_)) return;
+    placed_ = list;
+    ShowWindow(chosen_, chosen.empty() ? SW_HIDE : SW_SHOWNA);
+    const int top = list.bottom + Scaled(4, dpi_);
+    MoveWindow(chosen_, list.left, top, list.right - list.left,
+               std::max(0, static_cast<int>(lists_.bottom) - top), TRUE);
+    facts_.Resize(list, dpi_);
+    table_.Move(list);
+    if (isTable) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
 }
 
 void DetailsPane::Turn(int pages) {

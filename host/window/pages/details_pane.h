@@ -33,16 +33,18 @@ class DetailsPane : private ListModel {
     size_t Count() const override { return rows_.size(); }
     std::wstring CellText(size_t row, size_t column) const override { return rows_[row][column]; }
     unsigned EmptyText() const override;
+    void OnSelected() override { PlaceLists(); }
     const DevicePage& Page() const;
     void ShowRows(TableRows rows);
     void ShowPage();
-    void FitTable();
+    void PlaceLists();
 
     const Session& session_;
-    HWND tabs_ = nullptr;
-    FactsList facts_;           // the summary
-    ListControl table_{*this};  // the other pages
+    HWND tabs_ = nullptr, chosen_ = nullptr;  // the latter: the whole text of the selected row
+    FactsList facts_;                         // the summary
+    ListControl table_{*this};                // the other pages
     TableRows rows_;
+    RECT lists_ = {}, placed_ = {};  // with the text of the chosen row, and the lists alone
     int dpi_ = 96;
     const DevicePage* page_ = nullptr;  // the one that is shown; null: none yet
     std::vector<size_t> answers_;       // of the device that is shown

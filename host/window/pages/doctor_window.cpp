@@ -2,14 +2,17 @@
 
 #include "model/computer/doctor_report.h"
 #include "platform/wide_text.h"
-#include "window/pages/report_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
 
 void DoctorWindow::Begin(const std::string& address) {
-    *this = DoctorWindow();
+    page_.Close();
+    hasOpened_ = false;
+    report_.reset();
+    diagnosis_.reset();
+    isOnOwnNetwork_.reset();
     address_ = address;
 }
 
@@ -37,8 +40,8 @@ void DoctorWindow::Show(HWND owner) {
     if (!address_.empty()) report = ReportOf(diagnosis_, isOnOwnNetwork_);
     for (ReportSection& section : ReportOf(*report_)) report.push_back(std::move(section));
     std::vector<ReportRow> rows = RowsOf(report);
-    if (window_) return ReplaceReport(window_, std::move(rows));
-    window_ = OpenReport(
+    if (std::exchange(hasOpened_, true)) return page_.Show(std::move(rows));
+    page_.Open(
         owner,
         address_.empty() ? Text(IDS_DOCTOR_TITLE) : Text(IDS_DIAGNOSIS_TITLE, {ToWide(address_)}),
         std::move(rows));

@@ -8,13 +8,14 @@
 
 #include "model/asking/host_diagnosis.h"
 #include "model/computer/computer_report.h"
+#include "window/pages/report_window.h"
 
 namespace vndiscover::host {
 
 class DoctorWindow {
   public:
-    // Begins another report. Its window opens with the next report on this computer. `address`: of
-    // the device that is diagnosed; empty: none.
+    // Begins another report in place of this one. Its window opens with the next report on this
+    // computer. `address`: of the device that is diagnosed; empty: none.
     void Begin(const std::string& address);
     // Opens or refreshes the window.
     void ShowReport(const ComputerReport& report, HWND owner);
@@ -31,7 +32,8 @@ class DoctorWindow {
     std::string address_;                     // of the device; empty: none
     std::optional<HostDiagnosis> diagnosis_;  // empty: not yet known
     std::optional<bool> isOnOwnNetwork_;      // see IsOnOwnNetwork
-    HWND window_ = nullptr;                   // of the report
+    ReportWindow page_;
+    bool hasOpened_ = false;  // since Begin; the user may have closed it
 };
 
 }  // namespace vndiscover::host

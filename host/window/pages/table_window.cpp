@@ -12,7 +12,7 @@ namespace vndiscover::host {
 
 void TableWindow::Open(HWND owner, const std::wstring& title, const std::wstring& note,
                        std::vector<ListColumn> columns, std::vector<Row> rows) {
-    if (IsOpen()) Close();
+    Close();
     title_ = title;
     note_ = note;
     columns_ = std::move(columns);

@@ -67,6 +67,7 @@ class Lists : public testing::Test, private ListModel {
     std::wstring CellText(size_t row, size_t) const override { return texts_[row]; }
     void OnSelected() override { reports_ += list_.Selected() == 1; }
     unsigned EmptyText() const override { return emptyText_; }
+    bool IsBold(size_t row) const override { return row == 0; }
 };
 
 TEST_F(Lists, TypedLettersFindTheirRow) {
@@ -82,6 +83,23 @@ TEST_F(Lists, OneChangeIsReportedOnce) {
     list_.Select(0);
     SendMessageW(list_.Handle(), WM_KEYDOWN, VK_DOWN, 1);
     EXPECT_EQ(1, reports_);
+}
+
+TEST_F(Lists, BoldRowsAreDrawnBold) {
+    texts_ = {L"", L""};
+    list_.Refresh();
+    const WindowDc dc(list_.Handle());
+    for (const int row : {0, 1}) {
+        NMLVCUSTOMDRAW draw = {};
+        draw.nmcd.hdr = {list_.Handle(), IDC_DETAILS, NM_CUSTOMDRAW};
+        draw.nmcd.dwDrawStage = CDDS_ITEMPREPAINT | CDDS_SUBITEM;
+        draw.nmcd.hdc = dc.Get();
+        draw.nmcd.dwItemSpec = static_cast<DWORD_PTR>(row);
+        list_.OnNotify(&draw.nmcd.hdr);
+        LOGFONTW font = {};
+        GetObjectW(GetCurrentObject(dc.Get(), OBJ_FONT), sizeof font, &font);
+        EXPECT_EQ(row == 0, font.lfWeight == FW_BOLD);
+    }
 }
 
 TEST_F(Lists, EmptyOnesSayWhyEachTime) {

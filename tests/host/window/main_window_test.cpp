@@ -39,7 +39,7 @@ TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
 TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
     engine_.failure = "no window";
     Open();
-    EXPECT_EQ("A sweep did not run to its end: no window", Answer({IDOK}, [&] {
+    EXPECT_EQ("The search failed: no window", Answer({IDOK}, [&] {
                   Command(IDC_FIND);
                   EXPECT_TRUE(Ends());
               }));
@@ -74,7 +74,7 @@ TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     EXPECT_EQ(L"10.77.1.9;", Addresses());
     engine_.Say("10.77.1.30", "VN InkLine 71");
     ASSERT_TRUE(Shows(L"10.77.1.30;10.77.1.9;"));
-    EXPECT_EQ(L"Devices (2 of 3 pass the filter)", TextOf(Control(IDC_DEVICES_LABEL)));
+    EXPECT_EQ(L"Devices (2 of 3 match the filter)", TextOf(Control(IDC_DEVICES_LABEL)));
     SetWindowTextW(Control(IDC_FILTER), L"");
     EXPECT_EQ(L"10.77.1.30;10.77.1.10;10.77.1.9;", Addresses());
     Command(IDC_FIND);
@@ -229,9 +229,10 @@ TEST_F(MainWindowTest, AccessKeysAreUnique) {
 TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {
     Open();
     SetFocus(Control(IDC_FILTER));
-    const HWND page = OpenReport(window_->Handle(), L"a page", {});
-    EXPECT_EQ(GetDlgItem(page, IDC_DETAILS), GetFocus());
-    DestroyWindow(page);
+    ReportWindow report;
+    report.Open(window_->Handle(), L"a page", {});
+    EXPECT_EQ(GetDlgItem(PopupOf(window_->Handle()), IDC_DETAILS), GetFocus());
+    report.Close();
     SetActiveWindow(window_->Handle());
     EXPECT_EQ(Control(IDC_FILTER), GetFocus());
 }

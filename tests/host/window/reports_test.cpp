@@ -66,13 +66,31 @@ Report OfComparison() {
     return ReportOf(CompareDevices(scan("10.77.1.21", "hall"), scan("10.77.1.22", "lobby")));
 }
 
+TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
+    const HWND owner = CreateWindowW(L"STATIC", L"", WS_VISIBLE, 0, 0, 900, 500, nullptr, nullptr,
+                                     nullptr, nullptr);
+    ReportWindow report;
+    report.Open(owner, L"", RowsOf(OfComputer()));
+    const HWND page = PopupOf(owner);
+    const HWND list = GetDlgItem(page, IDC_DETAILS), chosen = GetDlgItem(page, IDC_CHOSEN);
+    SendMessageW(page, WM_COMMAND, IDC_COPY_COMMANDS, 0);
+    EXPECT_EQ(L"netsh advfirewall firewall add rule name=VnDiscover\r\n", Copied());
+    EXPECT_EQ(CellOf(list, 0, 0) + L": " + CellOf(list, 0, 1), TextOf(chosen));
+    SendMessageW(list, WM_KEYDOWN, VK_DOWN, 1);
+    EXPECT_EQ(CellOf(list, 1, 0) + L": " + CellOf(list, 1, 1), TextOf(chosen));
+    report.Show(RowsOf(OfDevice()));
+    EXPECT_FALSE(IsWindowVisible(GetDlgItem(page, IDC_COPY_COMMANDS)));
+    DestroyWindow(owner);
+}
+
 TEST(Reports, AreTheSameOnAPageAndInTheConsole) {
     const HWND owner =
         CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     for (const Report& report : {OfPrinter(), OfComputer(), OfDevice(), OfComparison()}) {
         const std::string console = WithoutSpaces(ReportText(report));
-        const HWND page = OpenReport(owner, L"", RowsOf(report));
-        const HWND list = GetDlgItem(page, IDC_DETAILS);
+        ReportWindow page;
+        page.Open(owner, L"", RowsOf(report));
+        const HWND list = GetDlgItem(PopupOf(owner), IDC_DETAILS);
         std::string shown;
         for (int row = 0; row < ListView_GetItemCount(list); ++row)
             shown += ToUtf8(CellOf(list, row, 0) + L"|" + CellOf(list, row, 1) + L"\n");
@@ -93,7 +111,6 @@ TEST(Reports, AreTheSameOnAPageAndInTheConsole) {
             }
         }
         EXPECT_LT(3u, rows);
-        DestroyWindow(page);
     }
     DestroyWindow(owner);
 }

@@ -216,6 +216,12 @@ inline std::wstring LongerText(std::wstring text) {
     return text + std::wstring(text.size() * 2 / 5 + 1, L'w');
 }
 
+inline std::wstring TypeOf(HWND window) {
+    wchar_t type[20] = L"";
+    GetClassNameW(window, type, 20);
+    return type;
+}
+
 // The visible controls; each is within the window and overlaps no other.
 inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
     RECT client = {};
@@ -223,6 +229,9 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
     std::vector<std::pair<HWND, RECT>> places;
     for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
         if (!IsWindowVisible(child)) continue;  // of a page that is not shown
+        if ((GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX &&
+            TypeOf(child) == L"Button")
+            continue;  // which goes around others
         SCOPED_TRACE(GetDlgCtrlID(child));
         RECT place = {}, common = {};
         GetWindowRect(child, &place);
@@ -233,12 +242,6 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
         places.emplace_back(child, place);
     }
     return places;
-}
-
-inline std::wstring TypeOf(HWND window) {
-    wchar_t type[20] = L"";
-    GetClassNameW(window, type, 20);
-    return type;
 }
 
 inline std::wstring CellOf(HWND list, int row, int column) {

@@ -51,7 +51,7 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     EXPECT_EQ(0u, all.substr(all.find(L'\n') + 1).find(row));
     // The list is that of the last walk only.
     Start(L"sysName");
-    EXPECT_TRUE(Until([&] { return State() == L"1 values, and no more below this OID"; }));
+    EXPECT_TRUE(Until([&] { return State() == L"1 value, and no more below this OID"; }));
     EXPECT_EQ(1, Rows());
     Start(L"ifType");
     EXPECT_TRUE(Until([&] { return State().find(L"OID not increasing") != State().npos; }));
@@ -75,7 +75,7 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     Command(IDM_CALLS);
     const HWND calls = GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_CALLS);
     EXPECT_LT(ListView_GetItemCount(calls), 5);
-    EXPECT_EQ(std::to_wstring(Rows()) + L" calls of a walk, first: ", CellOf(calls, 0, 2));
+    EXPECT_EQ(std::to_wstring(Rows()) + L" calls of a walk, first: ", CellOf(calls, 0, 3));
 }
 
 TEST_F(WalkTests, FailureIsShownOnItsPage) {
