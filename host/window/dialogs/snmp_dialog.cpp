@@ -24,6 +24,8 @@ namespace {
 
 constexpr const wchar_t* kAuthLabels[] = {VN_AUTH_MD5,    VN_AUTH_SHA1,   VN_AUTH_SHA224,
                                           VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
+constexpr const wchar_t* kAuthNames[] = {L"MD5",     L"SHA-1",   L"SHA-224",
+                                         L"SHA-256", L"SHA-384", L"SHA-512"};
 constexpr const wchar_t* kPrivLabels[] = {VN_PRIV_DES, VN_PRIV_AES};
 
 constexpr WPARAM kMaxCommunities = 2000;
@@ -52,14 +54,15 @@ class SnmpDialog {
         SetDlgItemTextW(dialog_, id, text.c_str());
     }
 
-    // Fills in "none" and the labels; selects `chosen`, or "none".
+    // Fills in "none" and the names of the labels; selects `chosen`, or "none".
     template <size_t N>
-    void Fill(int id, const wchar_t* const (&labels)[N], const std::wstring& chosen) const {
+    void Fill(int id, const wchar_t* const (&labels)[N], const wchar_t* const (&names)[N],
+              const std::wstring& chosen) const {
         Send(id, CB_RESETCONTENT);
         Send(id, CB_ADDSTRING, 0, Text(IDS_NO_PROTOCOL).c_str());
         size_t index = 0;
         for (size_t label = 0; label < N; ++label) {
-            Send(id, CB_ADDSTRING, 0, labels[label]);
+            Send(id, CB_ADDSTRING, 0, names[label]);
             if (lstrcmpiW(chosen.c_str(), labels[label]) == 0) index = label + 1;
         }
         Send(id, CB_SETCURSEL, index);
@@ -81,6 +84,7 @@ class SnmpDialog {
     void Begin(HWND dialog) {
         dialog_ = dialog;
         ChangeTexts(dialog);
+        CentreOnOwner(dialog);
         // Not the passwords, which the module takes in any length.
         Send(IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities);
         Send(IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX);
@@ -104,6 +108,8 @@ class SnmpDialog {
         if (id == IDC_PROFILE && code == CBN_SELCHANGE) {
             const auto index = static_cast<size_t>(Send(IDC_PROFILE, CB_GETCURSEL));
             if (index < names_.size() && !Load(names_[index])) ShowBroken(names_[index]);
+        } else if (code == CBN_SELCHANGE || code == CBN_EDITCHANGE) {
+            Grey();
         } else if (id == IDC_PROFILE_DELETE) {
             Delete();
         } else if (id == IDCANCEL) {
@@ -134,11 +140,11 @@ class SnmpDialog {
         if (!profile) return false;
         loaded_ = name;
         isClosed_ = !profile->isOpen;
+        SetField(IDC_PROFILE, name);
         Show(profile->security, profile->isOpen);
         // Passwords typed for a profile that cannot be opened remain valid for it.
         const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
         if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
-        SetField(IDC_PROFILE, name);
         return true;
     }
 
@@ -147,6 +153,7 @@ class SnmpDialog {
         loaded_ = name;
         isClosed_ = true;
         known_.reset();
+        SetField(IDC_PROFILE, name);
         Show({}, false);
     }
 
@@ -158,8 +165,8 @@ class SnmpDialog {
 
     void Show(const Security& user, bool hasPasswords) const {
         SetField(IDC_USER, user.user);
-        Fill(IDC_AUTH, kAuthLabels, user.authLabel);
-        Fill(IDC_PRIV, kPrivLabels, user.privLabel);
+        Fill(IDC_AUTH, kAuthLabels, kAuthNames, user.authLabel);
+        Fill(IDC_PRIV, kPrivLabels, kPrivLabels, user.privLabel);
         const std::wstring hint = Text(IDS_SNMP_KNOWN);
         for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.useAuth),
                                           std::pair(IDC_PRIV_PASSWORD, user.usePriv)}) {
@@ -168,12 +175,24 @@ class SnmpDialog {
         }
         const std::wstring note = Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE);
         SetField(IDC_PROFILE_NOTE, reason_.empty() ? note : reason_ + L"\n" + note);
+        Grey();
+    }
+
+    // What has no meaning now.
+    void Grey() const {
+        const bool hasAuth = Send(IDC_AUTH, CB_GETCURSEL) > 0;
+        const bool hasPriv = hasAuth && Send(IDC_PRIV, CB_GETCURSEL) > 0;
+        for (const auto& [id, isUsed] :
+             {std::pair(IDC_AUTH_PASSWORD, hasAuth), std::pair(IDC_PRIV, hasAuth),
+              std::pair(IDC_PRIV_PASSWORD, hasPriv),
+              std::pair(IDC_PROFILE_DELETE, IsSaved(ProfileName()))})
+            EnableWindow(GetDlgItem(dialog_, id), isUsed);
     }
 
     void Delete() {
         const std::wstring name = ProfileName();
-        if (!IsSaved(name) ||
-            ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+        if (!IsSaved(name) || ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}),
+                                          MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES)
             return;
         if (!DeleteProfile(name)) return void(ShowMessage(Text(IDS_PROFILE_NOT_WRITTEN)));
         isClosed_ = false;
@@ -183,13 +202,13 @@ class SnmpDialog {
         Show({}, false);
     }
 
-    // Returns null if the input is incomplete.
+    // Without what is grey.
     std::shared_ptr<Security> TypedUser() const {
         auto user = std::make_shared<Security>();
         user->user = FieldText(IDC_USER);
         user->authLabel = Chosen(IDC_AUTH, kAuthLabels);
-        user->privLabel = Chosen(IDC_PRIV, kPrivLabels);
         user->useAuth = !user->authLabel.empty();
+        if (user->useAuth) user->privLabel = Chosen(IDC_PRIV, kPrivLabels);
         user->usePriv = !user->privLabel.empty();
         // A known password is only valid for its user.
         const Security* known = known_ && known_->user == user->user ? known_.get() : nullptr;
@@ -199,47 +218,64 @@ class SnmpDialog {
         if (user->usePriv)
             user->privPassword =
                 PasswordOf(IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
-        // Otherwise the module would send unprotected requests.
-        const bool isWhole = !user->user.empty() && ToUtf8(user->user).size() <= VN_USER_NAME_MAX &&
-                             user->useAuth == !user->authPassword.IsEmpty() &&
-                             user->usePriv == !user->privPassword.IsEmpty() &&
-                             (user->useAuth || !user->usePriv);
-        return isWhole ? user : nullptr;
+        return user;
+    }
+
+    // The field with a mistake, and the string that says what to do; 0: there is none.
+    static std::pair<int, unsigned> FindMistake(const std::wstring& profile, const Security& user) {
+        if (!profile.empty() && !IsProfileName(profile)) return {IDC_PROFILE, IDS_PROFILE_BAD_NAME};
+        const bool needsUser = !profile.empty() || user.useAuth;
+        if ((needsUser && user.user.empty()) || ToUtf8(user.user).size() > VN_USER_NAME_MAX)
+            return {IDC_USER, IDS_SNMP_BAD_USER};
+        // Without a password, the module would send unprotected requests.
+        if (user.useAuth && user.authPassword.IsEmpty())
+            return {IDC_AUTH_PASSWORD, IDS_SNMP_NO_PASSWORD};
+        if (user.usePriv && user.privPassword.IsEmpty())
+            return {IDC_PRIV_PASSWORD, IDS_SNMP_NO_PASSWORD};
+        return {0, 0};
+    }
+
+    void ShowMistake(int field, unsigned text) const {
+        ShowMessage(Text(text));
+        const auto control = reinterpret_cast<WPARAM>(GetDlgItem(dialog_, field));
+        SendMessageW(dialog_, WM_NEXTDLGCTL, control, TRUE);  // which also selects its text
     }
 
     void Finish() {
-        auto communities = ParseCommunities(ToUtf8(FieldText(IDC_COMMUNITY)));
-        if (!communities) return void(ShowMessage(Text(IDS_SNMP_BAD_COMMUNITY)));
-        const std::wstring name = ProfileName();
-        const bool isEmpty = name.empty() && FieldText(IDC_USER).empty() &&
-                             Chosen(IDC_AUTH, kAuthLabels).empty() &&
-                             Chosen(IDC_PRIV, kPrivLabels).empty();
-        const std::shared_ptr<Security> user = isEmpty ? nullptr : TypedUser();
-        if (!isEmpty && !user) return void(ShowMessage(Text(IDS_SNMP_BAD_USER)));
-        if (!name.empty() && !IsProfileName(name))
-            return void(ShowMessage(Text(IDS_PROFILE_BAD_NAME)));
-        if (user && !name.empty() && !Save(name, *user)) return;
-        if (name.empty()) SaveLastProfile(name);
+        const std::wstring typed = FieldText(IDC_COMMUNITY), name = ProfileName();
+        auto communities = ParseCommunities(ToUtf8(typed));
+        if (!communities) return ShowMistake(IDC_COMMUNITY, IDS_SNMP_BAD_COMMUNITY);
+        std::shared_ptr<Security> user = TypedUser();
+        const auto [field, text] = FindMistake(name, *user);
+        if (field != 0) return ShowMistake(field, text);
+        if (user->user.empty()) user.reset();
+        const auto saved = user ? Save(name, *user) : std::optional(SaveResult::kSaved);
+        if (!saved) return;
+        if (!user || !name.empty())
+            DeleteProfile(L"");  // the user is no longer kept without a name
+        SaveLastProfile(name);
+        const SaveResult kept = KeepCommunities(typed);
+        ShowResult(*saved == SaveResult::kSaved ? kept : *saved);
         credentials_.communities = *std::move(communities);
         credentials_.security = user;
-        credentials_.profile = user ? name : L"";
+        credentials_.profile = name;
         End(TRUE);
     }
 
-    // Returns false if the user wants another name.
-    bool Save(const std::wstring& name, const Security& user) const {
+    // Returns nothing if the user wants another name.
+    std::optional<SaveResult> Save(const std::wstring& name, const Security& user) const {
         const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
-        const bool isThere = IsSaved(name);
-        if (!isLoaded && isThere &&
+        if (!isLoaded && IsSaved(name) &&
             ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
-            return false;
-        SaveLastProfile(name);
-        if (isLoaded && isThere && isClosed_) return true;  // the note has said so
-        const SaveResult result = SaveProfile(name, user);
+            return std::nullopt;
+        // If it cannot be opened, the note has said that it is not changed.
+        return isLoaded && isClosed_ ? SaveResult::kSaved : SaveProfile(name, user);
+    }
+
+    void ShowResult(SaveResult result) const {
         if (result == SaveResult::kNotSealed) ShowMessage(Text(IDS_PROFILE_NOT_SEALED));
         if (result == SaveResult::kNotWritten) ShowMessage(Text(IDS_PROFILE_NOT_WRITTEN));
-        if (result == SaveResult::kLeftAlone) ShowMessage(Text(IDS_PROFILE_LEFT_ALONE, {name}));
-        return true;
+        if (result == SaveResult::kLeftAlone) ShowMessage(Text(IDS_PROFILE_LEFT_ALONE));
     }
 
     void End(INT_PTR result) const {
@@ -273,7 +309,7 @@ std::optional<std::vector<std::string>> ParseCommunities(const std::string& text
         if (std::find(communities.begin(), communities.end(), one) == communities.end())
             communities.push_back(std::move(one));
     }
-    if (communities.empty()) communities.emplace_back();
+    if (communities.empty()) communities = {"", "public"};
     return communities;
 }
 
@@ -289,6 +325,12 @@ bool UseProfile(const std::wstring& name, Credentials& credentials) {
     credentials.security = std::make_shared<const Security>(std::move(profile->security));
     credentials.profile = name;
     return true;
+}
+
+void UseKept(const std::wstring& profile, Credentials& credentials) {
+    if (const auto kept = ParseCommunities(ToUtf8(KeptCommunities())))
+        credentials.communities = *kept;
+    UseProfile(profile.empty() ? LastProfile() : profile, credentials);
 }
 
 }  // namespace vndiscover::host

@@ -11,6 +11,7 @@
 #include "window/controls/clipboard.h"
 #include "window/controls/dpi.h"
 #include "window/dialogs/dialogs.h"
+#include "window/dialogs/snmp_dialog.h"
 #include "window/main/commands.h"
 #include "window/main/layout.h"
 #include "window/resource.h"
@@ -211,6 +212,7 @@ void MainWindow::OnException() noexcept {
 
 void MainWindow::ApplyOptions() {
     const StartOptions& options = state.options;
+    if (!options.exit) UseKept(options.profile, state.credentials);
     if (!options.profile.empty()) panes.bar.UseV3(true);
     if (options.lookFor) panes.bar.Choose(*options.lookFor);
     if (!options.communities.empty()) state.credentials.communities = options.communities;

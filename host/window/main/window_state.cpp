@@ -2,6 +2,7 @@
 
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
+#include "window/dialogs/snmp_dialog.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -39,7 +40,7 @@ AskTarget WindowState::WithCredentials(AskTarget target) const {
 
 Credentials DefaultCredentials() {
     Credentials credentials;
-    credentials.communities = {"", "public"};
+    credentials.communities = *ParseCommunities("");
     return credentials;
 }
 

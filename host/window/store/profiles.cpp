@@ -16,10 +16,12 @@ namespace {
 
 // A key for each profile, with one value, which is written as a whole or not at all: the user's
 // name and the labels of the protocols, each with its terminating zero, and the encrypted
-// passwords.
+// passwords. The default profile has a key of its own.
 constexpr wchar_t kProfilesKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles";
+constexpr wchar_t kDefaultKey[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
 constexpr wchar_t kBrowserKey[] = L"Software\\Varnell Osk\\VnBrowser";
 constexpr wchar_t kValue[] = L"User";
+constexpr wchar_t kCommunitiesValue[] = L"Communities";  // encrypted as a whole
 constexpr wchar_t kLastValue[] = L"Profile";
 constexpr DWORD kMaxValueBytes = 16384;
 
@@ -80,15 +82,14 @@ Bytes ClearPart(const Security& security) {
 }
 
 // Returns nothing on failure.
-Bytes Seal(const Security& security, const Bytes& clearPart) {
-    const wchar_t* passwords[] = {security.authPassword.Get(), security.privPassword.Get()};
+Bytes Seal(std::initializer_list<const wchar_t*> texts, const Bytes& clearPart) {
     size_t size = 0;
-    for (const wchar_t* text : passwords) size += (std::wcslen(text) + 1) * sizeof(wchar_t);
+    for (const wchar_t* text : texts) size += (std::wcslen(text) + 1) * sizeof(wchar_t);
     const ClearText clear(
         {static_cast<BYTE*>(LocalAlloc(LMEM_FIXED, size)), static_cast<DWORD>(size)});
     if (!clear) return {};
     BYTE* end = clear.Get().bytes;
-    for (const wchar_t* text : passwords) {
+    for (const wchar_t* text : texts) {
         const auto* first = reinterpret_cast<const BYTE*>(text);
         end = std::copy(first, first + (std::wcslen(text) + 1) * sizeof(wchar_t), end);
     }
@@ -102,7 +103,9 @@ Bytes Seal(const Security& security, const Bytes& clearPart) {
     return {out.pbData, out.pbData + out.cbData};
 }
 
-bool Open(const BYTE* sealed, size_t size, const Bytes& clearPart, Security& security) {
+// Returns false if not all texts could be opened.
+bool Open(const BYTE* sealed, size_t size, const Bytes& clearPart,
+          std::initializer_list<Secret*> texts) {
     DATA_BLOB in = BlobOf(sealed, size);
     DATA_BLOB bound = BlobOf(clearPart.data(), clearPart.size());
     DATA_BLOB out = {};
@@ -111,16 +114,38 @@ bool Open(const BYTE* sealed, size_t size, const Bytes& clearPart, Security& sec
         return false;
     const ClearText clear({out.pbData, out.cbData});
     size_t at = 0;
-    for (Secret* password : {&security.authPassword, &security.privPassword}) {
+    for (Secret* secret : texts) {
         auto text = ReadText(out.pbData, out.cbData, at);
         if (!text) return false;
         ClearPassword clearPassword = {std::move(*text)};
-        *password = Secret(std::move(clearPassword.text));
+        *secret = Secret(std::move(clearPassword.text));
     }
     return true;
 }
 
-std::wstring KeyOf(const std::wstring& name) { return std::wstring(kProfilesKey) + L"\\" + name; }
+bool HasKey(const std::wstring& name) { return name.empty() || IsProfileName(name); }
+
+std::wstring KeyOf(const std::wstring& name) {
+    return name.empty() ? kDefaultKey : std::wstring(kProfilesKey) + L"\\" + name;
+}
+
+std::optional<Bytes> ReadValue(const std::wstring& key, const wchar_t* name) {
+    Bytes bytes(kMaxValueBytes);
+    DWORD size = kMaxValueBytes;
+    if (RegGetValueW(HKEY_CURRENT_USER, key.c_str(), name, RRF_RT_REG_BINARY, nullptr, bytes.data(),
+                     &size) != ERROR_SUCCESS)
+        return std::nullopt;
+    bytes.resize(size);
+    return bytes;
+}
+
+SaveResult WriteValue(const std::wstring& key, const wchar_t* name, const Bytes& bytes) {
+    const bool isWritten =
+        bytes.size() <= kMaxValueBytes &&
+        RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), name, REG_BINARY, bytes.data(),
+                        static_cast<DWORD>(bytes.size())) == ERROR_SUCCESS;
+    return isWritten ? SaveResult::kSaved : SaveResult::kNotWritten;
+}
 
 bool HasValue(const std::wstring& name) {
     return RegGetValueW(HKEY_CURRENT_USER, KeyOf(name).c_str(), kValue, RRF_RT_ANY, nullptr,
@@ -155,47 +180,58 @@ std::vector<std::wstring> ProfileNames() {
 }
 
 std::optional<Profile> ReadProfile(const std::wstring& name) {
-    if (!IsProfileName(name)) return std::nullopt;
-    Bytes bytes(kMaxValueBytes);
-    DWORD size = kMaxValueBytes;
-    if (RegGetValueW(HKEY_CURRENT_USER, KeyOf(name).c_str(), kValue, RRF_RT_REG_BINARY, nullptr,
-                     bytes.data(), &size) != ERROR_SUCCESS)
-        return std::nullopt;
+    const auto bytes = HasKey(name) ? ReadValue(KeyOf(name), kValue) : std::nullopt;
+    if (!bytes) return std::nullopt;
     Profile profile;
     Security& security = profile.security;
     size_t at = 0;
     for (std::wstring* text : {&security.user, &security.authLabel, &security.privLabel}) {
-        auto taken = ReadText(bytes.data(), size, at);
+        auto taken = ReadText(bytes->data(), bytes->size(), at);
         if (!taken) return std::nullopt;
         *text = std::move(*taken);
     }
     security.useAuth = !security.authLabel.empty();
     security.usePriv = !security.privLabel.empty();
     if (security.user.empty() || (security.usePriv && !security.useAuth)) return std::nullopt;
-    profile.isOpen = Open(bytes.data() + at, size - at, ClearPart(security), security) &&
+    profile.isOpen = Open(bytes->data() + at, bytes->size() - at, ClearPart(security),
+                          {&security.authPassword, &security.privPassword}) &&
                      security.useAuth == !security.authPassword.IsEmpty() &&
                      security.usePriv == !security.privPassword.IsEmpty();
     return profile;
 }
 
 SaveResult SaveProfile(const std::wstring& name, const Security& security) {
-    if (!IsProfileName(name)) return SaveResult::kNotWritten;
+    if (!HasKey(name)) return SaveResult::kNotWritten;
     const auto former = ReadProfile(name);
     if (HasValue(name) && !(former && former->isOpen)) return SaveResult::kLeftAlone;
     Bytes bytes = ClearPart(security);
-    const Bytes sealed = Seal(security, bytes);
+    const Bytes sealed = Seal({security.authPassword.Get(), security.privPassword.Get()}, bytes);
     if (sealed.empty()) return SaveResult::kNotSealed;
     bytes.insert(bytes.end(), sealed.begin(), sealed.end());
-    if (bytes.size() > kMaxValueBytes ||
-        RegSetKeyValueW(HKEY_CURRENT_USER, KeyOf(name).c_str(), kValue, REG_BINARY, bytes.data(),
-                        static_cast<DWORD>(bytes.size())) != ERROR_SUCCESS)
-        return SaveResult::kNotWritten;
-    return SaveResult::kSaved;
+    return WriteValue(KeyOf(name), kValue, bytes);
 }
 
 bool DeleteProfile(const std::wstring& name) {
-    return IsProfileName(name) &&
-           RegDeleteKeyW(HKEY_CURRENT_USER, KeyOf(name).c_str()) == ERROR_SUCCESS;
+    return HasKey(name) && RegDeleteKeyW(HKEY_CURRENT_USER, KeyOf(name).c_str()) == ERROR_SUCCESS;
+}
+
+std::wstring KeptCommunities() {
+    const auto sealed = ReadValue(kBrowserKey, kCommunitiesValue);
+    Secret text;
+    const bool isOpen = sealed && Open(sealed->data(), sealed->size(), {}, {&text});
+    return isOpen ? text.Get() : L"";
+}
+
+SaveResult KeepCommunities(const std::wstring& text) {
+    if (text.empty()) {
+        const LSTATUS status =
+            RegDeleteKeyValueW(HKEY_CURRENT_USER, kBrowserKey, kCommunitiesValue);
+        const bool isGone = status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
+        return isGone ? SaveResult::kSaved : SaveResult::kNotWritten;
+    }
+    const Bytes sealed = Seal({text.c_str()}, {});
+    return sealed.empty() ? SaveResult::kNotSealed
+                          : WriteValue(kBrowserKey, kCommunitiesValue, sealed);
 }
 
 std::wstring LastProfile() {

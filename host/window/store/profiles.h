@@ -1,5 +1,6 @@
-// SNMPv3 users that are saved for the Windows user, below HKEY_CURRENT_USER. The passwords are
-// encrypted: only this user can decrypt them, on this computer or wherever the account's keys are.
+// The communities and the SNMPv3 users that are kept for the Windows user, below HKEY_CURRENT_USER.
+// Communities and passwords are encrypted: only this user can decrypt them, on this computer or
+// wherever the account's keys are.
 #pragma once
 
 #include <optional>
@@ -16,7 +17,8 @@ constexpr size_t kMaxProfileName = 60;
 // case are the same.
 bool IsProfileName(const std::wstring& name);
 
-std::vector<std::wstring> ProfileNames();  // sorted
+// Sorted, without the default profile. That one has an empty name.
+std::vector<std::wstring> ProfileNames();
 
 struct Profile {
     Security security;
@@ -37,7 +39,12 @@ SaveResult SaveProfile(const std::wstring& name, const Security& security);
 // Returns true if it no longer exists.
 bool DeleteProfile(const std::wstring& name);
 
-// The profile that was used last; empty if there is none.
+// The communities as they were typed. Empty: none are kept, or they cannot be decrypted.
+std::wstring KeptCommunities();
+// An empty text removes them.
+SaveResult KeepCommunities(const std::wstring& text);
+
+// The profile that was used last; empty: the default one.
 std::wstring LastProfile();
 void SaveLastProfile(const std::wstring& name);
 

@@ -4,6 +4,7 @@
 
 #include "model/computer/doctor_report.h"
 #include "scripted_window.h"
+#include "values/plain_text.h"
 #include "window/store/profiles.h"
 
 namespace vndiscover::host {
@@ -45,6 +46,8 @@ class Dialogs : public MainWindowTest {
         SetTextChange(nullptr);
         for (const std::wstring& name : ProfileNames()) DeleteProfile(name);
         SaveLastProfile(L"");
+        DeleteProfile(L"");
+        KeepCommunities(L"");
     }
     // Opens the modal dialog; `play` acts as its user, on another thread, and must close it.
     void PlayDialog(const std::function<void(HWND dialog)>& play) {
@@ -79,7 +82,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
             Press(dialog, IDCANCEL);
         });
         Command(IDM_CALLS);
-        CheckDialog(PopupOf(window_->Handle()), 7);
+        CheckDialog(PopupOf(window_->Handle()), 8);
         DestroyWindow(PopupOf(window_->Handle()));
         window_->watch.Open();
         CheckDialog(PopupOf(window_->Handle()), 5);
@@ -123,6 +126,120 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
         Press(dialog, IDCANCEL);
     });
     DeleteProfile(L"Lab");
+}
+
+// By the next window, but by no script.
+TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
+    const auto next = [&](bool isScript) {
+        window_.reset();
+        MSG quit;  // of the former window; it would end a dialog at once
+        PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+        StartOptions options;
+        options.exit = isScript;
+        window_.emplace(engine_, options);
+        const Credentials& found = window_->state.credentials;
+        return (found.security ? ToUtf8(found.security->user) + ":" : "") +
+               Joined(found.communities);
+    };
+    EXPECT_EQ("public", next(false));
+    PlayDialog([](HWND dialog) {
+        TypeUser(dialog);
+        Type(dialog, IDC_PROFILE, L"");
+        Type(dialog, IDC_COMMUNITY, L"hidden");
+        Press(dialog, IDOK);
+    });
+    EXPECT_EQ("public", next(true));
+    EXPECT_EQ("admin:hidden", next(false));
+    EXPECT_EQ(kPassword, window_->state.credentials.security->authPassword.Get());
+    PlayDialog([](HWND dialog) {
+        for (const int id : {IDC_USER, IDC_COMMUNITY}) Type(dialog, id, L"");
+        SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 0, 0);
+        Press(dialog, IDOK);
+    });
+    EXPECT_EQ("public", next(false));
+}
+
+TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
+    Open();
+    PlayDialog([](HWND dialog) {
+        const auto choose = [&](int id, int index) {
+            SendDlgItemMessageW(dialog, id, CB_SETCURSEL, WPARAM(index), 0);
+            SendMessageW(dialog, WM_COMMAND, WPARAM(MAKELONG(id, CBN_SELCHANGE)), 0);
+        };
+        const auto expectMistake = [&](int id, unsigned text) {
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+            const HWND box = NextPopupOf(dialog);
+            EXPECT_EQ(Text(text), TextOf(GetDlgItem(box, 0xFFFF)));
+            PressUntilGone(box, IDOK);
+            SendMessageW(dialog, WM_NULL, 0, 0);  // after what follows the message
+            GUITHREADINFO thread = {};
+            thread.cbSize = sizeof thread;
+            GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &thread);
+            EXPECT_EQ(GetDlgItem(dialog, id), thread.hwndFocus) << id;
+        };
+        Type(dialog, IDC_COMMUNITY, std::wstring(256, L'x').c_str());
+        expectMistake(IDC_COMMUNITY, IDS_SNMP_BAD_COMMUNITY);
+        Type(dialog, IDC_COMMUNITY, L"");
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDC_PRIV)));
+        choose(IDC_AUTH, 1);
+        EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDC_PRIV)));
+        expectMistake(IDC_USER, IDS_SNMP_BAD_USER);
+        Type(dialog, IDC_USER, L"admin");
+        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+        choose(IDC_PRIV, 2);
+        expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PASSWORD);
+        choose(IDC_AUTH, 0);  // its password, and privacy, have no meaning then
+        Press(dialog, IDOK);
+    });
+    EXPECT_FALSE(window_->state.credentials.security->usePriv);
+}
+
+RECT PlaceOf(HWND window) {
+    RECT place = {};
+    GetWindowRect(window, &place);
+    return place;
+}
+
+LONG FontHeight(HWND control) {
+    LOGFONTW font = {};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    return font.lfHeight;
+}
+
+// The close button stays at its distance from the lower right corner.
+TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
+    OpenWith({{"10.77.1.1", "x"}});
+    Select(0);
+    for (const auto& [command, list, grown] :
+         {std::tuple(IDM_CALLS, IDC_CALLS, IDC_CALL_TEXT),
+          std::tuple(IDM_CHANGES, IDC_TABLE_ROWS, IDC_TABLE_ROWS),
+          std::tuple(IDM_WALK, IDC_WALK_VALUES, IDC_WALK_VALUES)}) {
+        SCOPED_TRACE(command);
+        Command(command);
+        const HWND dialog = PopupOf(window_->Handle()), close = GetDlgItem(dialog, IDCANCEL);
+        const HWND columns = GetDlgItem(dialog, list), control = GetDlgItem(dialog, grown);
+        const RECT first = PlaceOf(dialog), owner = PlaceOf(window_->Handle());
+        const RECT button = PlaceOf(close), before = PlaceOf(control);
+        EXPECT_NEAR(owner.left + owner.right, first.left + first.right, 1);
+        const LONG width = first.right - first.left, height = first.bottom - first.top;
+        SetWindowPos(dialog, nullptr, 0, 0, width + 90, height + 70, SWP_NOMOVE | SWP_NOZORDER);
+        PlacesIn(dialog);
+        for (const auto& [old, now] :
+             {std::pair(button, PlaceOf(close)), {before, PlaceOf(control)}}) {
+            EXPECT_EQ(old.right + 90, now.right);
+            EXPECT_EQ(old.bottom + 70, now.bottom);
+        }
+        const int column = ListView_GetColumnWidth(columns, 0);
+        const LONG font = FontHeight(columns), other = FontHeight(control);
+        RECT twice = {0, 0, 2 * width, 2 * height};
+        SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&twice));
+        PlacesIn(dialog);
+        EXPECT_EQ(2 * column, ListView_GetColumnWidth(columns, 0));
+        EXPECT_EQ(2 * font, FontHeight(columns));
+        EXPECT_EQ(2 * other, FontHeight(control));
+        DestroyWindow(dialog);
+    }
 }
 
 TEST_F(Dialogs, CancellingTheUserSendsNothing) {

@@ -29,6 +29,8 @@ namespace vndiscover::host {
 namespace {
 
 constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
+constexpr wchar_t kBrowser[] = L"Software\\Varnell Osk\\VnBrowser";
+constexpr wchar_t kDefault[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
 
 Security Admin() {
     Security security;
@@ -41,11 +43,11 @@ Security Admin() {
     return security;
 }
 
-std::string Stored() {
+std::string Stored(const wchar_t* key = kKey, const wchar_t* value = L"User") {
     std::string bytes(4096, '\0');
     DWORD size = 4096;
-    const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, kKey, L"User", RRF_RT_REG_BINARY,
-                                        nullptr, bytes.data(), &size);
+    const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, key, value, RRF_RT_REG_BINARY, nullptr,
+                                        bytes.data(), &size);
     return status == ERROR_SUCCESS ? bytes.substr(0, size) : "";
 }
 
@@ -79,10 +81,29 @@ TEST_F(Profiles, SaveAUserWithEncryptedPasswords) {
     EXPECT_TRUE(ProfileNames().empty());
 }
 
+TEST_F(Profiles, CommunitiesAndAUserWithoutANameAreEncrypted) {
+    ASSERT_EQ(SaveResult::kSaved, KeepCommunities(L"hidden, public"));
+    ASSERT_EQ(SaveResult::kSaved, SaveProfile(L"", Admin()));
+    EXPECT_EQ(L"hidden, public", KeptCommunities());
+    ASSERT_TRUE(ReadProfile(L"") && ReadProfile(L"")->isOpen);
+    EXPECT_STREQ(L"authpass1", ReadProfile(L"")->security.authPassword.Get());
+    EXPECT_TRUE(ProfileNames().empty());
+    const std::string kept = Stored(kBrowser, L"Communities") + Stored(kDefault, L"User");
+    for (const wchar_t* secret : {L"hidden", L"authpass1", L"privpass1"})
+        EXPECT_EQ(std::string::npos, kept.find(Wide(secret)));
+    EXPECT_EQ(SaveResult::kSaved, KeepCommunities(L""));
+    EXPECT_TRUE(DeleteProfile(L""));
+    EXPECT_EQ(L"", KeptCommunities());
+    EXPECT_FALSE(ReadProfile(L""));
+    EXPECT_EQ("", Stored(kBrowser, L"Communities") + Stored(kDefault, L"User"));
+}
+
 TEST_F(Profiles, SaveNothingIfEncryptionFails) {
     canSeal = false;
     EXPECT_EQ(SaveResult::kNotSealed, SaveProfile(L"Office", Admin()));
+    EXPECT_EQ(SaveResult::kNotSealed, KeepCommunities(L"hidden"));
     canSeal = true;
+    EXPECT_EQ("", Stored(kBrowser, L"Communities"));
     EXPECT_EQ("", Stored());
 }
 
@@ -111,8 +132,8 @@ TEST_F(Profiles, UnreadableOnesAreNotReplaced) {
 }
 
 TEST_F(Profiles, InvalidNamesAreRefused) {
-    for (const std::wstring& name : {std::wstring(), std::wstring(L"a\\b"), std::wstring(L"a\n"),
-                                     std::wstring(kMaxProfileName + 1, L'a')}) {
+    for (const std::wstring& name :
+         {std::wstring(L"a\\b"), std::wstring(L"a\n"), std::wstring(kMaxProfileName + 1, L'a')}) {
         EXPECT_FALSE(IsProfileName(name));
         EXPECT_EQ(SaveResult::kNotWritten, SaveProfile(name, Admin()));
         EXPECT_FALSE(ReadProfile(name));
