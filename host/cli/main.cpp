@@ -9,31 +9,15 @@
 #include "cli/commands.h"
 #include "platform/console.h"
 #include "platform/this_process.h"
+#include "platform/version.h"
 
 namespace {
 
 using vndiscover::host::Warn;
 
-// The version from the resource of the loaded DLL, which is also the program's.
+// The version of the loaded DLL, which is also the program's.
 std::string Version() {
-    const HMODULE module = GetModuleHandleW(L"VnDiscover.dll");
-    const HRSRC resource =
-        FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
-    const HGLOBAL block = resource ? LoadResource(module, resource) : nullptr;
-    const auto* bytes = static_cast<const uint8_t*>(block ? LockResource(block) : nullptr);
-    const size_t size = bytes ? SizeofResource(module, resource) : 0;
-    // The fixed part follows a header of variable length, so search for its signature.
-    VS_FIXEDFILEINFO info = {};
-    for (size_t at = 0; at + sizeof info <= size; at += 4) {
-        std::memcpy(&info, bytes + at, sizeof info);
-        if (info.dwSignature != VS_FFI_SIGNATURE) continue;
-        char text[64];
-        std::snprintf(text, sizeof text, "VnDiscover %u.%u.%u.%u", HIWORD(info.dwFileVersionMS),
-                      LOWORD(info.dwFileVersionMS), HIWORD(info.dwFileVersionLS),
-                      LOWORD(info.dwFileVersionLS));
-        return text;
-    }
-    return "VnDiscover";
+    return "VnDiscover " + vndiscover::host::VersionOf(GetModuleHandleW(L"VnDiscover.dll"));
 }
 
 // Shows only the type of options and arguments: exclusions are explained by the error message, and

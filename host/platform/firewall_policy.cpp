@@ -7,7 +7,7 @@
 
 #include <string>
 
-#include "platform/owned.h"
+#include "platform/com.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -27,24 +27,6 @@ constexpr IID kEnumVariantId = {
 constexpr IID kNoId = {};  // IID_NULL
 constexpr LONG kAnyProtocol = 256;
 constexpr LONG kUdp = 17;
-
-template <class Interface>
-void Release(Interface* object) {
-    object->Release();
-}
-template <class Interface>
-using OwnedObject = Owned<ClosedBy<Interface*, Release<Interface>>>;
-
-template <class Object>
-void** Receive(Object& object) {
-    return reinterpret_cast<void**>(object.Receive());
-}
-
-struct ApartmentTraits {
-    using Value = bool;  // false: the thread's other kind of apartment is as good
-    static Value Empty() noexcept { return false; }
-    static void Close(Value) noexcept { CoUninitialize(); }
-};
 
 struct Variant : VARIANT {
     Variant() { VariantInit(this); }
@@ -185,8 +167,7 @@ bool ReadState(FirewallState& state) {
 }  // namespace
 
 FirewallState ReadFirewall() {
-    const Owned<ApartmentTraits> apartment(
-        SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+    const Apartment apartment;
     FirewallState state;
     if (!ReadState(state)) return {};
     state.isKnown = true;

@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/com.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -122,6 +123,7 @@ int Run() {
         return kNone;
     }
     try {
+        const Apartment apartment;
         ModuleEngine engine;
         MainWindow window(engine, options);
         return window.Run();

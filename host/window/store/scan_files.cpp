@@ -1,8 +1,9 @@
 #include "window/store/scan_files.h"
 
-#include <commdlg.h>
+#include <shobjidl.h>
 
 #include "model/scan/scan_file.h"
+#include "platform/com.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
@@ -12,21 +13,25 @@ namespace vndiscover::host {
 
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
                     const std::wstring& proposed, bool isForSaving) {
-    const std::wstring pattern = std::wstring(L"*.") + extension;
-    std::wstring filter = Text(kind) + L'\0' + pattern + L'\0';
-    wchar_t path[1024] = L"";
-    lstrcpynW(path, proposed.c_str(), 1024);
-    OPENFILENAMEW dialog = {};
-    dialog.lStructSize = sizeof dialog;
-    dialog.hwndOwner = owner;
-    dialog.lpstrFilter = filter.c_str();
-    dialog.lpstrFile = path;
-    dialog.nMaxFile = 1024;
-    dialog.lpstrDefExt = extension;
-    dialog.Flags = OFN_NOCHANGEDIR | OFN_HIDEREADONLY |
-                   (isForSaving ? OFN_OVERWRITEPROMPT : OFN_FILEMUSTEXIST);
-    const BOOL isChosen = isForSaving ? GetSaveFileNameW(&dialog) : GetOpenFileNameW(&dialog);
-    return isChosen ? ToUtf8(path) : "";
+    OwnedObject<IFileDialog> dialog;
+    CoCreateInstance(isForSaving ? CLSID_FileSaveDialog : CLSID_FileOpenDialog, nullptr,
+                     CLSCTX_INPROC_SERVER, IID_IFileDialog, Receive(dialog));
+    if (!dialog) return "";
+    IFileDialog& asking = *dialog.Get();
+    const std::wstring name = Text(kind), pattern = std::wstring(L"*.") + extension;
+    const COMDLG_FILTERSPEC type = {name.c_str(), pattern.c_str()};
+    FILEOPENDIALOGOPTIONS options = 0;
+    asking.GetOptions(&options);
+    asking.SetOptions(options | FOS_NOCHANGEDIR | FOS_FORCEFILESYSTEM);
+    asking.SetFileTypes(1, &type);
+    asking.SetDefaultExtension(extension);  // all of it: the older dialog adds three letters
+    asking.SetFileName(proposed.c_str());
+    OwnedObject<IShellItem> chosen;
+    Owned<ClosedBy<wchar_t*, CoTaskMemFree>> path;
+    if (asking.Show(owner) != S_OK || FAILED(asking.GetResult(chosen.Receive())) ||
+        FAILED(chosen.Get()->GetDisplayName(SIGDN_FILESYSPATH, path.Receive())))
+        return "";
+    return ToUtf8(path.Get());
 }
 
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {

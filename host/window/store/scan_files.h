@@ -10,8 +10,8 @@
 
 namespace vndiscover::host {
 
-// Asks for a file with this extension; `kind` is the string that names it. Empty if none was
-// chosen.
+// Asks for a file with this extension, on a thread with an Apartment; `kind` is the string that
+// names it. Empty if none was chosen.
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
                     const std::wstring& proposed, bool isForSaving);
 

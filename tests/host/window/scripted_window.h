@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "host/model/scripted_device.h"
+#include "platform/com.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "window/main/main_window.h"
@@ -376,6 +377,7 @@ class MainWindowTest : public testing::Test {
         SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&click));
     }
 
+    const Apartment apartment_;
     ScriptedEngine engine_;
     std::optional<MainWindow> window_;
 };
