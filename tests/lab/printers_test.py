@@ -83,6 +83,8 @@ class Fleet:
 
     def __init__(self):
         self.devices = []
+        self.off = set()  # numbers of devices that answer nothing
+        self.seconds = {}  # for one directed request of a device
         for device in range(COUNT):
             values = variables_of(device)
             order = sorted(values, key=lambda oid: [int(arc) for arc in oid.split(".")])
@@ -102,8 +104,8 @@ class Fleet:
                 own = self.numbers.get(socket.inet_ntoa(info[0][2][8:12]))
                 for device in range(COUNT) if own is None else [own]:  # a broadcast is for all
                     answer = self.answer_of(device, data)
-                    if answer and (own is None or b"silent" not in data):
-                        delay = 3.2 if own == SLOW and STATUS in data else 0.01
+                    if answer and device not in self.off and (own is None or b"silent" not in data):
+                        delay = 0.01 if own is None else self.seconds.get(own, 3.2 if own == SLOW and STATUS in data else 0.01)
                         heapq.heappush(due, (time.monotonic() + delay, device, answer, sender))
             while due and due[0][0] <= time.monotonic():
                 _, device, answer, sender = heapq.heappop(due)
@@ -224,7 +226,9 @@ def prepare():
                     ["-n", "host", "route", "add", "10.77.4.0/24", "via", "10.77.1.2"],
                     ["-n", "host", "link", "set", "eth1", "down"]):
         subprocess.run(["ip", *command], check=True)
-    threading.Thread(target=Fleet().serve, daemon=True).start()
+    fleet = Fleet()
+    threading.Thread(target=fleet.serve, daemon=True).start()
+    return fleet
 
 
 if __name__ == "__main__":

@@ -23,7 +23,8 @@ std::vector<std::string> AddressesOf(const FoundDevice& device) {
 // Only what a device says of itself makes it none: silence does not.
 bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
     if (device.facts->deviceIndex) return false;
-    if (standing.kind == Standing::Kind::kRead) return true;
+    const bool isRead = device.hasVariables && standing.kind != Standing::Kind::kIncomplete;
+    if (isRead || standing.kind == Standing::Kind::kRead) return true;
     return !device.types.empty() &&
            std::none_of(device.types.begin(), device.types.end(), [](const std::string& type) {
                return type.find("PrintDeviceType") != std::string::npos;

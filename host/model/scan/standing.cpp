@@ -65,9 +65,10 @@ LastSearch::LastSearch(const Scan& scan, bool isSearching) {
     for (const ScanSweep& sweep : scan.sweeps) {
         if (!isSearching || sweep.search < last) number_ = std::max(number_, sweep.search);
     }
-    for (const ScanSweep& sweep : scan.sweeps) {
+    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
+        const ScanSweep& sweep = scan.sweeps[index];
         if (number_ == 0 || sweep.search != number_) continue;
-        start_ = start_.empty() ? sweep.time : std::min(start_, sweep.time);
+        first_ = std::min(first_, index);
         if (sweep.isComplete) questions_.push_back(sweep);
     }
 }
@@ -77,7 +78,7 @@ bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
     for (const size_t index : device.answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        const bool isLater = sweep.form == AnswerForm::kVariable && answer.time >= start_;
+        const bool isLater = sweep.form == AnswerForm::kVariable && answer.sweep > first_;
         if ((sweep.search != 0 && sweep.search >= number_) || isLater) return false;
         wasAsked |= std::any_of(questions_.begin(), questions_.end(),
                                 [&](const auto& asked) { return IsSameQuestion(asked, sweep); });

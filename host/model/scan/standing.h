@@ -2,6 +2,7 @@
 // ended.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -40,8 +41,8 @@ class LastSearch {
     bool HasMissed(const Scan& scan, const FoundDevice& device) const;
 
   private:
-    size_t number_ = 0;  // 0: there was none
-    std::string start_;
+    size_t number_ = 0;                 // 0: there was none
+    size_t first_ = SIZE_MAX;           // the first of its sweeps
     std::vector<ScanSweep> questions_;  // its sweeps that ran to their end
 };
 

@@ -69,9 +69,11 @@ TEST_F(StandingTest, DeviceOutsideTheLastSearchIsSilent) {
     EXPECT_EQ("never read", State("10.0.0.1", nullptr, true)) << "it may still answer";
     Read(2, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
     EXPECT_EQ("idle", State("10.0.0.1")) << "it was read after the search";
+    Search(2, 1, {"10.0.0.2"});
+    EXPECT_EQ(Since(2), State("10.0.0.1")) << "it was read before, within the same second";
     Search(3, 1, {"10.0.0.1"});
     EXPECT_EQ("idle", State("10.0.0.1"));
-    EXPECT_EQ(Since(1), State("10.0.0.2"));
+    EXPECT_EQ(Since(2), State("10.0.0.2"));
 }
 
 // Also one that was stopped does not tell.
