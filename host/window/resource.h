@@ -63,6 +63,7 @@
 // Commands without a text of their own. The others have the numbers of their texts.
 #define IDM_NEXT_PAGE 334
 #define IDM_PREVIOUS_PAGE 335
+#define IDM_NEXT_PANE 337
 #define IDM_COLUMN 700  // the first of as many as there are columns, named as these; up to 32
 #define IDM_CELL 740    // likewise
 

@@ -57,6 +57,14 @@ std::wstring Text(unsigned id, std::initializer_list<std::wstring> values) {
     return filled;
 }
 
+std::wstring Grouped(uint64_t count) {
+    wchar_t separator[8] = L",";
+    GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_STHOUSAND, separator, 8);
+    std::wstring text = std::to_wstring(count);
+    for (size_t at = text.size(); at > 3;) text.insert(at -= 3, separator);
+    return text;
+}
+
 void SetTextChange(TextChange change) { textChange = change; }
 
 void ChangeTexts(HWND dialog) {

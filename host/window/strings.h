@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 
@@ -14,6 +15,9 @@ std::wstring Text(unsigned id);
 // Replaces %1 to %9, and "[one|many]" by one of them, as the number before it asks. What a value
 // contains is not replaced again.
 std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);
+
+// With the separators of the user's settings: "12,345".
+std::wstring Grouped(uint64_t count);
 
 // Changes every text, to test longer languages. Null: no change.
 using TextChange = std::wstring (*)(std::wstring text);

@@ -10,6 +10,8 @@ namespace vndiscover::host {
 int DpiOf(HWND window);
 // A size in pixels at 96 DPI.
 inline int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
+// Of a vertical scroll bar.
+int ScrollBarWidth(int dpi);
 // The user's font for messages.
 OwnedFont MakeMessageFont(int dpi);
 

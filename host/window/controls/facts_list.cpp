@@ -20,10 +20,10 @@ void FactsList::Show(std::vector<ReportRow> rows) {
     list_.Refresh();
 }
 
-void FactsList::Resize(const RECT& place, int dpi) {
+void FactsList::Place(Placement& placement, const Box& box, int dpi) {
     list_.SetDpi(dpi);
-    list_.Move(place);
-    const int width = place.right - place.left - GetSystemMetrics(SM_CXVSCROLL) - Scaled(6, dpi);
+    placement.Move(list_.Handle(), box);
+    const int width = box.width - ScrollBarWidth(dpi) - Scaled(6, dpi);
     const int labels = std::min(Scaled(150, dpi), width / 3);
     ListView_SetColumnWidth(list_.Handle(), 0, labels);
     ListView_SetColumnWidth(list_.Handle(), 1, std::max(0, width - labels));

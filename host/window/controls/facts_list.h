@@ -10,6 +10,7 @@
 
 #include "model/printer/report.h"
 #include "window/controls/list_control.h"
+#include "window/controls/placement.h"
 
 namespace vndiscover::host {
 
@@ -24,7 +25,7 @@ class FactsList : private ListModel {
     void Create(HWND parent, int id, const std::wstring& name);
     HWND Handle() const { return list_.Handle(); }
     void Show(std::vector<ReportRow> rows);
-    void Resize(const RECT& place, int dpi);
+    void Place(Placement& placement, const Box& box, int dpi);
     const ListControl& List() const { return list_; }
     std::function<void()> onSelected;
 

@@ -5,6 +5,14 @@
 #include "window/controls/dpi.h"
 
 namespace vndiscover::host {
+
+bool IsHighContrast() {
+    HIGHCONTRASTW contrast = {};
+    contrast.cbSize = sizeof contrast;
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
+           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
 namespace {
 
 constexpr int kBarWidth = 60;
@@ -20,13 +28,6 @@ BarColours ColoursOf(HWND list, int row) {
         return {COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
     if (GetFocus() != list) return {COLOR_BTNFACE, COLOR_BTNTEXT, COLOR_HIGHLIGHT};
     return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHTTEXT};
-}
-
-bool IsHighContrast() {
-    HIGHCONTRASTW contrast = {};
-    contrast.cbSize = sizeof contrast;
-    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) &&
-           (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
 // The inside of a bar. A line marks the end of a supply's colour, which may be the background's.

@@ -14,6 +14,9 @@ struct LevelBar {
     COLORREF colour = CLR_NONE;  // of the supply; otherwise the user's
 };
 
+// Whether the user sees all programs in colours of high contrast.
+bool IsHighContrast();
+
 // Draws a level and its text into a cell of the list that `draw` is about. High contrast has only
 // the user's colours.
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,

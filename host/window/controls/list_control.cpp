@@ -50,8 +50,8 @@ ListControl::~ListControl() {
 
 void ListControl::Create(HWND parent, int id, const std::wstring& name, DWORD extended) {
     Attach(CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
-                           WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
-                               LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | LVS_REPORT |
+                               LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
                            0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                            GetModuleHandleW(nullptr), nullptr));
     ListView_SetExtendedListViewStyleEx(list_, extended, extended);
@@ -74,7 +74,11 @@ ListControl* ListControl::Of(HWND window) {
 }
 
 void ListControl::SetDpi(int dpi) {
-    if (std::exchange(dpi_, dpi) == dpi && images_) return;
+    const int before = std::exchange(dpi_, dpi);
+    if (before == dpi && images_) return;
+    for (int column = CountColumns(list_) - 1; column >= 0; --column)
+        ListView_SetColumnWidth(list_, column,
+                                MulDiv(ListView_GetColumnWidth(list_, column), dpi, before));
     OwnedImages images(ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0));
     ListView_SetImageList(list_, images.Get(), LVSIL_SMALL);
     images_ = std::move(images);
@@ -87,6 +91,7 @@ void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
     WPARAM index = 0;
     for (const ListColumn& each : columns) {
         std::wstring heading = Text(each.heading);
+        heading.erase(std::remove(heading.begin(), heading.end(), L'&'), heading.end());
         LVCOLUMNW column = {};
         column.mask = LVCF_TEXT | LVCF_WIDTH;
         column.cx = Scaled(each.width, dpi_);
@@ -102,12 +107,6 @@ void ListControl::FitLast(int minimum) {
     int rest = client.right;
     for (int index = 0; index < last; ++index) rest -= ListView_GetColumnWidth(list_, index);
     if (last >= 0) ListView_SetColumnWidth(list_, last, std::max(rest, minimum));
-}
-
-void ListControl::Move(const RECT& place) {
-    MoveWindow(list_, place.left, place.top, place.right - place.left, place.bottom - place.top,
-               TRUE);
-    if (Selected() >= 0) ListView_EnsureVisible(list_, Selected(), FALSE);
 }
 
 void ListControl::Refresh() {
@@ -245,6 +244,15 @@ void ListControl::DrawEmpty(HDC dc) const {
     DrawTextW(dc, Text(EmptyText()).c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
+// A selected row without the focus has the background of the others in high contrast.
+void ListControl::DrawFrame(const NMLVCUSTOMDRAW& draw) const {
+    const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
+    if (row != Selected() || GetFocus() == list_ || !IsHighContrast()) return;
+    RECT place = {};
+    ListView_GetItemRect(list_, row, &place, LVIR_BOUNDS);
+    FrameRect(draw.nmcd.hdc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
+}
+
 // The list's own, or its bold one.
 HFONT ListControl::FontOf(size_t row) {
     const auto font = reinterpret_cast<HFONT>(SendMessageW(list_, WM_GETFONT, 0, 0));
@@ -268,8 +276,11 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
         case CDDS_POSTPAINT:
             DrawEmpty(draw.nmcd.hdc);
             return CDRF_DODEFAULT;
-        case CDDS_ITEMPREPAINT:
-            return CDRF_NOTIFYITEMDRAW;  // CDRF_NOTIFYSUBITEMDRAW is the same number
+        case CDDS_ITEMPREPAINT:  // CDRF_NOTIFYSUBITEMDRAW is the same number
+            return CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT;
+        case CDDS_ITEMPOSTPAINT:
+            DrawFrame(draw);
+            return CDRF_DODEFAULT;
         case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
             break;
         default:

@@ -52,13 +52,12 @@ class ListControl {
     static ListControl* Of(HWND window);
     HWND Handle() const { return list_; }
 
-    // Sets the height of rows: high enough for bars, and all lists alike.
+    // Sets the height of rows, high enough for bars, and scales the columns.
     void SetDpi(int dpi);
     void SetColumns(const std::vector<ListColumn>& columns);
     // Gives the last column the rest of the width, but `minimum` pixels at least.
     void FitLast(int minimum);
     void SetName(const std::wstring& name) { SetWindowTextW(list_, name.c_str()); }
-    void Move(const RECT& place);
     // Shows what the model has now.
     void Refresh();
     // The string that is shown in place of rows; 0: none.
@@ -96,6 +95,7 @@ class ListControl {
     LRESULT Draw(NMLVCUSTOMDRAW& draw);
     HFONT FontOf(size_t row);
     void DrawEmpty(HDC dc) const;
+    void DrawFrame(const NMLVCUSTOMDRAW& draw) const;
     LRESULT FindRow(const NMLVFINDITEMW& search) const;
     std::wstring TextOf(int row, int column) const;
     std::wstring RowText(size_t row) const;

@@ -18,8 +18,12 @@ OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& c
             AppendMenuW(menu.Get(), MF_SEPARATOR, 0, nullptr);
         } else if (command == IDS_MENU_CELLS) {
             OwnedMenu popup(CreatePopupMenu());
-            for (size_t cell = 0; cell < cells.size(); ++cell)
-                AppendMenuW(popup.Get(), MF_STRING, IDM_CELL + cell, cells[cell].c_str());
+            for (size_t cell = 0; cell < cells.size(); ++cell) {
+                const bool hasKey = cells[cell].find(L'&') != std::wstring::npos;
+                const std::wstring number = L"&" + std::to_wstring(cell + 1) + L" ";
+                AppendMenuW(popup.Get(), MF_STRING, IDM_CELL + cell,
+                            (hasKey ? cells[cell] : number + cells[cell]).c_str());
+            }
             AddPopup(menu.Get(), std::move(popup), Text(command));
         } else {
             const std::wstring text = textOf ? textOf(command) : Text(command);

@@ -75,7 +75,7 @@ const wchar_t* RegisterType(const wchar_t* name, WNDPROC procedure) {
 HWND CreateControl(HWND parent, const wchar_t* type, unsigned text, DWORD style, int id,
                    DWORD extended) {
     return CreateWindowExW(extended, type, text ? Text(text).c_str() : L"",
-                           WS_CHILD | WS_VISIBLE | style, 0, 0, 0, 0, parent,
+                           WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | style, 0, 0, 0, 0, parent,
                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                            GetModuleHandleW(nullptr), nullptr);
 }

@@ -28,7 +28,7 @@ void ChangeWatch::Record() {
 }
 
 void ChangeWatch::Open() {
-    const std::wstring count = std::to_wstring(state_.changes.Changes().size());
+    const std::wstring count = Grouped(state_.changes.Changes().size());
     table_.Open(state_.window, Text(IDS_CHANGES_TITLE), Text(IDS_CHANGES_NOTE, {count}),
                 {{IDS_CALL_TIME, 140},
                  {IDS_CHANGE_DEVICE, 260},

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "window/controls/popup_menu.h"
+#include "window/main/help.h"
 #include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -15,141 +16,129 @@ namespace {
 
 using Window = MainWindow;
 constexpr unsigned kMaxColumns = 32;
+constexpr int kStep = 16;  // pixels
 
+struct Key {
+    BYTE modifiers = 0;  // FCONTROL, FSHIFT
+    WORD code = 0;       // a virtual key; 0: none of its own
+};
+constexpr Key Ctrl(WORD code) { return {FCONTROL, code}; }
+constexpr Key CtrlShift(WORD code) { return {FCONTROL | FSHIFT, code}; }
+
+// Without `run` it is a menu.
 struct Command {
-    unsigned id;  // also that of its text
-    struct Key {
-        BYTE modifiers;  // FCONTROL, FSHIFT
-        WORD code;       // a virtual key; 0: none of its own
-    } key;
-    unsigned menu;                            // the string of the menu that it is in; 0: none
-    bool startsGroup;                         // in the menu, after a line
-    bool (*isEnabled)(const Window& window);  // null: always
-    void (*run)(Window& window);              // null: it is a menu
-    bool (*isChecked)(const Window& window) = nullptr;  // null: it has no check mark
+    unsigned id;  // also that of its text; kMenuLine: a line
+    Key key = {};
+    unsigned (*obstacle)(const Window&) = nullptr;  // the string why it cannot run; 0: it can
+    void (*run)(Window&) = nullptr;
+    bool (*isChecked)(const Window&) = nullptr;  // null: it has no check mark
 };
 
-bool HasSelection(const Window& window) { return window.state.session.view.SelectedRow(); }
-bool HasTarget(const Window& window) { return window.state.SelectedTarget().has_value(); }
-bool HasRows(const Window& window) { return window.state.session.view.Count() != 0; }
-bool HasScan(const Window& window) { return window.scans.HasScan(); }
-bool HasWebAddress(const Window& window) { return !window.devices.WebAddress().empty(); }
-bool CanSplit(const Window& window) {
-    return HasSelection(window) &&
-           window.state.session.CanSplit(*window.state.session.view.SelectedRow());
+constexpr unsigned Unless(bool holds, unsigned text) { return holds ? 0U : text; }
+unsigned NoRow(const Window& w) {
+    return Unless(w.state.session.view.SelectedRow() != nullptr, IDS_SELECT_FIRST);
+}
+unsigned NoTarget(const Window& w) {
+    if (const unsigned noRow = NoRow(w)) return noRow;
+    return Unless(w.state.SelectedTarget().has_value(), IDS_NO_TARGET);
+}
+unsigned NoRows(const Window& w) { return Unless(w.state.session.view.Count() != 0, IDS_NO_ROWS); }
+unsigned NoScan(const Window& w) { return Unless(w.scans.HasScan(), IDS_NO_SCAN); }
+unsigned NoWebPage(const Window& w) {
+    if (const unsigned noRow = NoRow(w)) return noRow;
+    return Unless(!w.devices.WebAddress().empty(), IDS_NO_WEB_PAGE);
+}
+unsigned NoParts(const Window& w) {
+    if (const unsigned noRow = NoRow(w)) return noRow;
+    return Unless(w.state.session.CanSplit(*w.state.session.view.SelectedRow()), IDS_NO_PARTS);
+}
+unsigned IsBusy(const Window& w) { return Unless(!w.state.IsBusy(), IDS_AWAITS_ANSWERS); }
+unsigned IsIdle(const Window& w) { return Unless(w.state.IsBusy(), IDS_IDLE); }
+
+void Escape(Window& w) {
+    if (!w.panes.bar.ClearFilter()) w.StopAll();
 }
 
 template <unsigned id, unsigned minutes>
-constexpr Command RefreshEvery(bool startsGroup = false) {
+constexpr Command RefreshEvery() {
     return {id,
             {},
-            IDS_MENU_DEVICE,
-            startsGroup,
             nullptr,
-            [](Window& window) { window.watch.RefreshEvery(minutes); },
-            [](const Window& window) { return window.watch.Minutes() == minutes; }};
+            [](Window& w) { w.watch.RefreshEvery(minutes); },
+            [](const Window& w) { return w.watch.Minutes() == minutes; }};
 }
 
+// Each menu with its commands. The first ones are in none.
 constexpr Command kTable[] = {
-    {IDC_FIND, {0, VK_F5}, 0, false, nullptr, [](Window& w) { w.FindOrStop(); }},
-    {IDCANCEL, {}, 0, false, nullptr, [](Window& w) { w.StopAll(); }},  // Esc, in any control
-    {IDM_NEXT_PAGE,
-     {FCONTROL, VK_TAB},
-     0,
-     false,
-     nullptr,
-     [](Window& w) { w.panes.details.Turn(1); }},
-    {IDM_PREVIOUS_PAGE,
-     {FCONTROL | FSHIFT, VK_TAB},
-     0,
-     false,
-     nullptr,
-     [](Window& w) { w.panes.details.Turn(-1); }},
+    {IDC_FIND, {}, nullptr, [](Window& w) { w.FindOrStop(); }},
+    {IDCANCEL, {}, nullptr, Escape},  // Esc, in any control
+    {IDM_NEXT_PAGE, Ctrl(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(1); }},
+    {IDM_PREVIOUS_PAGE, CtrlShift(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(-1); }},
+    {IDM_NEXT_PANE, {0, VK_F6}, nullptr, [](Window& w) { w.panes.NextPane(); }},
 
-    {IDM_OPEN, {FCONTROL, 'O'}, IDS_MENU_FILE, false, nullptr, [](Window& w) { w.scans.Open(); }},
-    {IDM_SAVE, {FCONTROL, 'S'}, IDS_MENU_FILE, false, HasScan, [](Window& w) { w.scans.Save(); }},
-    {IDM_COMPARE, {}, IDS_MENU_FILE, false, nullptr, [](Window& w) { w.scans.Compare(); }},
-    {IDM_CSV, {}, IDS_MENU_FILE, true, HasRows, [](Window& w) { w.scans.SaveCsv(); }},
-    {IDM_JSON, {}, IDS_MENU_FILE, false, HasRows, [](Window& w) { w.scans.SaveJson(); }},
-    {IDM_EXIT,
-     {},
-     IDS_MENU_FILE,
-     true,
-     nullptr,
-     [](Window& w) { PostMessageW(w.Handle(), WM_CLOSE, 0, 0); }},
+    {IDS_MENU_FILE},
+    {IDM_OPEN, Ctrl('O'), nullptr, [](Window& w) { w.scans.Open(); }},
+    {IDM_SAVE, Ctrl('S'), NoScan, [](Window& w) { w.scans.Save(); }},
+    {IDM_COMPARE, {}, nullptr, [](Window& w) { w.scans.Compare(); }},
+    {kMenuLine},
+    {IDM_CSV, {}, NoRows, [](Window& w) { w.scans.SaveCsv(); }},
+    {IDM_JSON, {}, NoRows, [](Window& w) { w.scans.SaveJson(); }},
+    {kMenuLine},
+    {IDM_EXIT, {}, nullptr, [](Window& w) { PostMessageW(w.Handle(), WM_CLOSE, 0, 0); }},
 
-    {IDM_COPY_ROW, {}, IDS_MENU_EDIT, false, HasSelection, [](Window& w) { w.devices.CopyRow(); }},
-    {IDM_COPY_CELL,
-     {FCONTROL | FSHIFT, 'C'},
-     IDS_MENU_EDIT,
-     false,
-     HasSelection,
-     [](Window& w) { w.devices.CopyCell(w.panes.list.ChosenColumn()); }},
-    {IDS_MENU_CELLS, {}, IDS_MENU_EDIT, false, HasSelection, nullptr},
-    {IDM_COPY_TABLE,
-     {FCONTROL | FSHIFT, 'T'},
-     IDS_MENU_EDIT,
-     false,
-     HasRows,
-     [](Window& w) { w.devices.CopyTable(); }},
-    {IDM_FILTER,
-     {FCONTROL, 'F'},
-     IDS_MENU_EDIT,
-     true,
-     nullptr,
-     [](Window& w) { w.panes.bar.FocusFilter(); }},
-    {IDM_CLEAR, {}, IDS_MENU_EDIT, false, HasScan, [](Window& w) { w.scans.Clear(); }},
+    {IDS_MENU_EDIT},
+    {IDM_COPY_ROW, {}, NoRow, [](Window& w) { w.devices.CopyRow(); }},
+    {IDM_COPY_CELL, CtrlShift('C'), NoRow, [](Window& w) { w.devices.CopyChosenCell(); }},
+    {IDS_MENU_CELLS, {}, NoRow},
+    {IDM_COPY_TABLE, CtrlShift('T'), NoRows, [](Window& w) { w.devices.CopyTable(); }},
+    {kMenuLine},
+    {IDM_FILTER, Ctrl('F'), nullptr, [](Window& w) { w.panes.bar.FocusFilter(); }},
+    {IDM_CLEAR, {}, NoScan, [](Window& w) { w.scans.Clear(); }},
 
-    {IDM_ASK,
-     {FCONTROL, 'R'},
-     IDS_MENU_DEVICE,
-     false,
-     HasTarget,
-     [](Window& w) { w.devices.Ask(true); }},
-    {IDM_ASK_ALL,
-     {FCONTROL | FSHIFT, 'R'},
-     IDS_MENU_DEVICE,
-     false,
-     HasRows,
-     [](Window& w) { w.devices.ReadShown(); }},
+    {IDS_MENU_VIEW},  // after the columns
+    {kMenuLine},
+    {IDM_NARROWER, {0, VK_F7}, nullptr, [](Window& w) { w.panes.Widen(-kStep); }},
+    {IDM_WIDER, {0, VK_F8}, nullptr, [](Window& w) { w.panes.Widen(kStep); }},
+
+    {IDS_MENU_DEVICE},
+    {IDM_DETAILS, {}, NoRow, [](Window& w) { SetFocus(w.panes.details.Shown()); }},
+    {IDM_WEB, Ctrl(VK_RETURN), NoWebPage, [](Window& w) { w.devices.OpenWebPage(); }},
+    {kMenuLine},
+    {IDM_ASK, Ctrl('R'), NoTarget, [](Window& w) { w.devices.Ask(true); }},
+    {IDM_ASK_ALL, CtrlShift('R'), NoRows, [](Window& w) { w.devices.ReadShown(); }},
     {IDM_READ_FOUND,
      {},
-     IDS_MENU_DEVICE,
-     false,
      nullptr,
      [](Window& w) { w.ToggleReadsFound(); },
      [](const Window& w) { return w.ReadsFound(); }},
-    {IDM_DIAGNOSE, {}, IDS_MENU_DEVICE, false, HasTarget, [](Window& w) { w.devices.Diagnose(); }},
-    {IDM_WALK, {}, IDS_MENU_DEVICE, false, HasTarget, [](Window& w) { w.devices.Walk(); }},
-    {IDM_ADD, {}, IDS_MENU_DEVICE, false, nullptr, [](Window& w) { w.devices.AddByHand(); }},
-    {IDM_SPLIT, {}, IDS_MENU_DEVICE, true, CanSplit, [](Window& w) { w.devices.Split(); }},
-    {IDM_WEB,
-     {},
-     IDS_MENU_DEVICE,
-     false,
-     HasWebAddress,
-     [](Window& w) { w.devices.OpenWebPage(); }},
-
-    RefreshEvery<IDM_REFRESH_NEVER, 0>(true),
+    {IDM_DIAGNOSE, {}, NoTarget, [](Window& w) { w.devices.Diagnose(); }},
+    {IDM_WALK, {}, NoTarget, [](Window& w) { w.devices.Walk(); }},
+    {IDM_ADD, {}, nullptr, [](Window& w) { w.devices.AddByHand(); }},
+    {IDM_SPLIT, {}, NoParts, [](Window& w) { w.devices.Split(); }},
+    {kMenuLine},
+    RefreshEvery<IDM_REFRESH_NEVER, 0>(),
     RefreshEvery<IDM_REFRESH_1, 1>(),
     RefreshEvery<IDM_REFRESH_5, 5>(),
     RefreshEvery<IDM_REFRESH_15, 15>(),
     RefreshEvery<IDM_REFRESH_60, 60>(),
 
-    {IDM_SNMP, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.searches.AskForUser(); }},
-    {IDM_DOCTOR,
-     {},
-     IDS_MENU_TOOLS,
-     false,
-     nullptr,
-     [](Window& w) { w.devices.DiagnoseComputer(); }},
-    {IDM_CHANGES, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.watch.Open(); }},
-    {IDM_CALLS, {}, IDS_MENU_TOOLS, false, nullptr, [](Window& w) { w.calls.Open(w.Handle()); }},
+    {IDS_MENU_TOOLS},
+    {IDM_FIND, {0, VK_F5}, IsBusy, [](Window& w) { w.searches.Start(); }},
+    {IDM_STOP, {}, IsIdle, [](Window& w) { w.StopAll(); }},
+    {kMenuLine},
+    {IDM_SNMP, {}, nullptr, [](Window& w) { w.searches.AskForUser(); }},
+    {IDM_DOCTOR, {}, nullptr, [](Window& w) { w.devices.DiagnoseComputer(); }},
+    {IDM_CHANGES, {}, nullptr, [](Window& w) { w.watch.Open(); }},
+
+    {IDS_MENU_HELP},
+    {IDM_HELP, {0, VK_F1}, nullptr, [](Window& w) { ShowHelp(w.state); }},
+    {IDM_CALLS, {}, nullptr, [](Window& w) { w.calls.Open(w.Handle()); }},
+    {IDM_ABOUT, {}, nullptr, [](Window& w) { ShowAbout(w.Handle()); }},
 };
 
 // In the order of the bar. The columns are commands of IDS_MENU_VIEW.
-constexpr unsigned kMenus[] = {IDS_MENU_FILE, IDS_MENU_EDIT, IDS_MENU_VIEW, IDS_MENU_DEVICE,
-                               IDS_MENU_TOOLS};
+constexpr unsigned kMenus[] = {IDS_MENU_FILE,   IDS_MENU_EDIT,  IDS_MENU_VIEW,
+                               IDS_MENU_DEVICE, IDS_MENU_TOOLS, IDS_MENU_HELP};
 constexpr int kView = 2;  // place in the bar
 
 constexpr bool IsRange(unsigned id) {
@@ -160,7 +149,7 @@ constexpr bool AreDistinct() {
     for (size_t index = 0; index < std::size(kTable); ++index) {
         if (IsRange(kTable[index].id)) return false;
         for (size_t other = 0; other < index; ++other) {
-            if (kTable[other].id == kTable[index].id) return false;
+            if (kTable[other].id == kTable[index].id && kTable[index].id != kMenuLine) return false;
         }
     }
     return IDM_COLUMN + kMaxColumns <= IDM_CELL;
@@ -174,26 +163,27 @@ const Command* Find(unsigned id) {
     return found == std::end(kTable) ? nullptr : found;
 }
 
+std::wstring TextOf(unsigned command) {
+    return Text(IsRange(command) ? IDS_COLUMN_NAME + command - IDM_COLUMN : command);
+}
+
 std::vector<std::wstring> ColumnNames() {
     std::vector<std::wstring> names;
     for (unsigned index = 0; index < kColumnCount; ++index)
-        names.push_back(ColumnName(static_cast<Column>(index)));
+        names.push_back(TextOf(IDM_COLUMN + index));
     return names;
-}
-
-std::wstring TextOf(unsigned command) {
-    return IsRange(command) ? ColumnName(static_cast<Column>(command - IDM_COLUMN)) : Text(command);
 }
 
 Commands CommandsOf(unsigned menu) {
     Commands commands;
-    for (const Command& command : kTable) {
-        if (command.menu != menu) continue;
-        if (command.startsGroup) commands.push_back(kMenuLine);
-        commands.push_back(command.id);
-    }
     for (unsigned index = 0; menu == IDS_MENU_VIEW && index < kColumnCount; ++index)
         commands.push_back(IDM_COLUMN + index);
+    bool isIn = false;
+    for (const Command& command : kTable) {
+        const bool isMenu = std::count(std::begin(kMenus), std::end(kMenus), command.id) != 0;
+        if (isMenu) isIn = command.id == menu;
+        if (isIn && !isMenu) commands.push_back(command.id);
+    }
     return commands;
 }
 
@@ -205,10 +195,12 @@ OwnedMenu MakeCommands(const Commands& commands) {
 
 bool RunCommand(MainWindow& window, unsigned id) {
     const Command* command = Find(id);
-    if (!command && !IsRange(id)) return false;
-    if (command && command->isEnabled && !command->isEnabled(window)) return false;
+    if (!(command && command->run) && !IsRange(id)) return false;
+    const unsigned obstacle = command && command->obstacle ? command->obstacle(window) : 0;
     window.state.progress.ClearNote();
-    if (command) {
+    if (obstacle != 0) {
+        window.state.progress.SetNote(Text(obstacle));
+    } else if (command) {
         command->run(window);
     } else if (id >= IDM_CELL) {
         window.devices.CopyCell(static_cast<Column>(id - IDM_CELL));
@@ -250,9 +242,9 @@ void EnableCommands(const MainWindow& window, HMENU menu) {
         const UINT id = GetMenuItemID(menu, index);
         const Command* command = id == static_cast<UINT>(-1) ? Find(IDS_MENU_CELLS) : Find(id);
         const auto place = static_cast<UINT>(index);
-        if (command && command->isEnabled)
+        if (command && command->obstacle)
             EnableMenuItem(menu, place,
-                           MF_BYPOSITION | (command->isEnabled(window) ? MF_ENABLED : MF_GRAYED));
+                           MF_BYPOSITION | (command->obstacle(window) ? MF_GRAYED : MF_ENABLED));
         if (command && command->isChecked)
             CheckMenuItem(menu, place,
                           MF_BYPOSITION | (command->isChecked(window) ? MF_CHECKED : MF_UNCHECKED));

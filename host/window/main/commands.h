@@ -10,8 +10,8 @@ namespace vndiscover::host {
 
 class MainWindow;
 
-// Returns false if there is no such command, or if it is not enabled. Columns and cells have the
-// commands IDM_COLUMN and IDM_CELL plus their Column.
+// Returns false if there is no such command. If it cannot run now, the status says why. Columns and
+// cells have the commands IDM_COLUMN and IDM_CELL plus their Column.
 bool RunCommand(MainWindow& window, unsigned id);
 
 // The keys of the table.

@@ -27,7 +27,9 @@ static_assert(CountHeadings() == kColumnCount, "each column has a heading");
 }  // namespace
 
 std::wstring ColumnName(Column column) {
-    return Text(IDS_COLUMN_NAME + static_cast<unsigned>(column));
+    std::wstring name = Text(IDS_COLUMN_NAME + static_cast<unsigned>(column));
+    name.erase(std::remove(name.begin(), name.end(), L'&'), name.end());
+    return name;
 }
 
 std::wstring ShownText(const DeviceRow& row, Column column) {
@@ -40,6 +42,19 @@ void DeviceColumns::SetDefaults(Settings& settings) {
         settings.widths[index] = kColumns[index].width;
         settings.order[kColumns[index].place] = static_cast<int32_t>(index);
         if (!kColumns[index].isVisible) settings.hidden |= 1u << index;
+    }
+}
+
+void DeviceColumns::SetForScripts(Settings& settings) {
+    constexpr Column kColumnsOfFiles[] = {
+        Column::kState,  Column::kName, Column::kSupplies,  Column::kModel,   Column::kAddress,
+        Column::kSerial, Column::kMac,  Column::kProtocols, Column::kNetwork, Column::kLastSeen};
+    settings.hidden = kAllColumns;
+    auto place = settings.order.begin();
+    for (const Column column : kColumnsOfFiles) {
+        const auto index = static_cast<int32_t>(column);
+        std::iter_swap(place++, std::find(settings.order.begin(), settings.order.end(), index));
+        settings.hidden &= ~(1u << index);
     }
 }
 

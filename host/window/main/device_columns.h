@@ -24,6 +24,9 @@ class DeviceColumns {
     // What a user without settings gets.
     static void SetDefaults(Settings& settings);
 
+    // The files that a script has written do not depend on what a window shows.
+    static void SetForScripts(Settings& settings);
+
     // The list must outlive it.
     void Use(ListControl& list) { list_ = &list; }
     void Show(const Settings& settings);

@@ -1,13 +1,12 @@
 #include "window/main/device_commands.h"
 
-#include <shellapi.h>
-
 #include <utility>
 
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "window/dialogs/add_dialog.h"
+#include "window/main/help.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
@@ -122,11 +121,8 @@ std::string DeviceCommands::WebAddress() const {
 }
 
 // Made only from a numeric address: nothing that a device sends becomes a URL.
-void DeviceCommands::OpenWebPage() const {
-    const std::string address = WebAddress();
-    if (address.empty()) return;
-    ShellExecuteW(state_.window, L"open", ToWide("http://" + address + "/").c_str(), nullptr,
-                  nullptr, SW_SHOWNORMAL);
+void DeviceCommands::OpenWebPage() {
+    OpenElsewhere(state_, ToWide("http://" + WebAddress() + "/"));
 }
 
 void DeviceCommands::CopyCell(Column column) {

@@ -38,8 +38,9 @@ class DeviceCommands {
                const std::string& unknown);
     // The first of its IPv4 addresses; empty if there is none.
     std::string WebAddress() const;
-    void OpenWebPage() const;
+    void OpenWebPage();
     void CopyCell(Column column);
+    void CopyChosenCell() { CopyCell(list_.ChosenColumn()); }
     void CopyRow() const { list_.List().Copy(IDM_COPY_ROW); }
     void CopyTable() const { CopyText(state_.window, list_.List().TableText(true)); }
 

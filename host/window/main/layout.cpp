@@ -25,19 +25,21 @@ Layout Arrange(const LayoutInput& input) {
     }
     y += rowHeight;
     const int inner = std::max(0, right - margin);
-    layout.note = {margin, y, inner, input.textHeight};
-    y += input.textHeight + gap;
+    layout.note = {margin, y, inner, input.noteHeight};
+    y += input.noteHeight + gap;
     const int least = std::min(scaled(280), inner / 2);
     const int detailsWidth =
-        std::min(std::max(inner * (100 - input.splitPercent) / 100, least), inner - least);
+        std::min(std::max(inner * (1000 - input.split) / 1000, least), inner - least);
     const int devicesWidth = std::max(0, inner - detailsWidth - margin);
     const int listTop = y + input.textHeight + scaled(4);
+    layout.least = listTop + scaled(140) + gap + input.statusHeight;
     const int listHeight = std::max(0, input.height - input.statusHeight - gap - listTop);
     layout.devicesLabel = {margin, y, devicesWidth, input.textHeight};
     layout.devices = {margin, listTop, devicesWidth, listHeight};
     const int detailsLeft = margin + devicesWidth + margin;
     layout.detailsLabel = {detailsLeft, y, detailsWidth, input.textHeight};
     layout.details = {detailsLeft, listTop, detailsWidth, listHeight};
+    layout.gap = {detailsLeft - margin, listTop, margin, listHeight};
     return layout;
 }
 

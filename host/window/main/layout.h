@@ -3,11 +3,9 @@
 
 #include <vector>
 
-namespace vndiscover::host {
+#include "window/controls/placement.h"
 
-struct Box {
-    int x = 0, y = 0, width = 0, height = 0;
-};
+namespace vndiscover::host {
 
 // In pixels, except dpi.
 struct LayoutInput {
@@ -15,15 +13,18 @@ struct LayoutInput {
     int statusHeight = 0;
     int dpi = 96;
     int textHeight = 0;
-    int splitPercent = 62;          // of the width that the devices have
+    int noteHeight = 0;
+    int split = 620;                // of the width that the devices have, in thousandths
     std::vector<int> barWidths;     // of the controls in the bar, in order
     std::vector<bool> startsGroup;  // has a wider space before it
 };
 
 struct Layout {
     std::vector<Box> bar;  // wrapped into rows
-    Box note;              // in a row of its own
+    Box note;              // in rows of its own
     Box devicesLabel, devices, detailsLabel, details;
+    Box gap;        // between list and details
+    int least = 0;  // height of the client area in which nothing is cut
 };
 
 Layout Arrange(const LayoutInput& input);

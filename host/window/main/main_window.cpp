@@ -32,10 +32,14 @@ struct MainWindow::Message {
     std::optional<LRESULT> result = 0;
 };
 struct MainWindow::MessageRow {
-    static void KeepFocus(MainWindow& self, Message& message) {
+    static void HandleFocus(MainWindow& self, Message& message) {
         self.focus_.OnMessage(self.Handle(), message.id, message.wParam,
                               GetDlgItem(self.Handle(), IDC_FIND));
         message.result.reset();
+    }
+    static void DragGap(MainWindow& self, Message& message) {
+        message.result = TRUE;
+        if (!self.panes.OnMouse(message.id)) message.result.reset();
     }
     // Controls hear of colours and fonts from their window alone.
     static void Redraw(MainWindow& self, Message& message) {
@@ -56,8 +60,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
     {WM_SIZE, [](MainWindow& self, Message&) { self.panes.Place(); }},
     {WM_GETMINMAXINFO,
      [](MainWindow& self, Message& size) {
-         reinterpret_cast<MINMAXINFO*>(size.lParam)->ptMinTrackSize = {
-             Scaled(520, self.panes.Dpi()), Scaled(360, self.panes.Dpi())};
+         const SIZE least = self.panes.MinimumSize();
+         reinterpret_cast<MINMAXINFO*>(size.lParam)->ptMinTrackSize = {least.cx, least.cy};
      }},
     {WM_DPICHANGED,
      [](MainWindow& self, Message& dpi) {
@@ -69,8 +73,16 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
                       box->bottom - box->top, SWP_NOZORDER | SWP_NOACTIVATE);
          self.panes.Place();
      }},
-    {WM_ACTIVATE, MessageRow::KeepFocus},
-    {WM_SETFOCUS, MessageRow::KeepFocus},
+    {DM_GETDEFID,  // Enter begins a search, but does not stop one
+     [](MainWindow& self, Message& button) {
+         button.result = self.state.IsBusy() ? 0 : MAKELRESULT(IDC_FIND, DC_HASDEFID);
+     }},
+    {WM_SETCURSOR, MessageRow::DragGap},
+    {WM_LBUTTONDOWN, MessageRow::DragGap},
+    {WM_MOUSEMOVE, MessageRow::DragGap},
+    {WM_LBUTTONUP, MessageRow::DragGap},
+    {WM_ACTIVATE, MessageRow::HandleFocus},
+    {WM_SETFOCUS, MessageRow::HandleFocus},
     {WM_SYSCOLORCHANGE, MessageRow::Redraw},
     {WM_THEMECHANGED, MessageRow::Redraw},
     {WM_SETTINGCHANGE, MessageRow::Redraw},
@@ -86,6 +98,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      [](MainWindow& self, Message& message) {
          const auto& header = *reinterpret_cast<const NMHDR*>(message.lParam);
          if (header.idFrom == IDC_DEVICES) self.panes.list.OnNotify(header);
+         if (header.idFrom == IDC_DEVICES && header.code == LVN_ITEMACTIVATE)
+             self.OnCommand(IDM_DETAILS, 0);
          self.panes.details.OnNotify(header);
          message.result = HandleListMessage(WM_NOTIFY, message.wParam, message.lParam);
      }},
@@ -116,7 +130,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          // The process may end right after this.
          self.settings.Save();
          if (self.searches.WillSave()) self.EndEarly();
-         self.scans.KeepForNextStart();
+         self.scans.SaveForNextStart();
      }},
     {WM_DESTROY, [](MainWindow& self, Message&) {
          Attach<MainWindow>(self.Handle(), nullptr);
@@ -176,7 +190,7 @@ MainWindow::~MainWindow() {
 }
 
 int MainWindow::Run() {
-    if (!state.options.exit && !state.options.sweep) scans.OfferKept();
+    if (!state.options.exit && !state.options.sweep) scans.OfferSaved();
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
     return state.exitCode;
@@ -188,6 +202,9 @@ void MainWindow::Dispatch(MSG& message) {
     const ListControl* from = copy != 0 ? ListControl::Of(message.hwnd) : nullptr;
     if (from == &panes.list.List()) return OnCommand(copy, 0);
     if (from) return from->Copy(copy);
+    const bool isEnter = message.message == WM_KEYDOWN && message.wParam == VK_RETURN;
+    if (isEnter && message.hwnd == panes.list.Handle() && GetKeyState(VK_CONTROL) >= 0)
+        return OnCommand(IDM_DETAILS, 0);
     if (TranslateAcceleratorW(state.window, keys_.Get(), &message)) return;
     const HWND active = GetActiveWindow();
     if (IsDialogMessageW(active ? active : state.window, &message)) return;
@@ -220,12 +237,9 @@ void MainWindow::ApplyOptions() {
 }
 
 void MainWindow::ShowStatus() {
-    const bool isSending =
-        state.progress.IsSearching() || (state.workers && state.workers->IsSending());
-    if (!isSending) state.progress.SetIdle();
-    panes.bar.SetButton(!isSending                    ? IDS_FIND
-                        : state.progress.IsStopping() ? IDS_STOPPING
-                                                      : IDS_STOP);
+    const bool isBusy = state.IsBusy();
+    if (!isBusy) state.progress.SetIdle();
+    panes.bar.SetButton(!isBusy ? IDS_FIND : state.progress.IsStopping() ? IDS_STOPPING : IDS_STOP);
     panes.status.Show();
 }
 
@@ -235,6 +249,7 @@ void MainWindow::OnCommand(int id, int code) {
         panes.ShowRows();
     } else if (id == IDC_PRESET && code == CBN_SELCHANGE) {
         panes.bar.ShowNote();
+        panes.Place();  // the note may need another line
         state.session.view.ShowOnlyPrinters(panes.bar.LooksForPrinters());
         panes.ShowRows();
     } else if (RunCommand(*this, static_cast<unsigned>(id))) {
@@ -243,12 +258,12 @@ void MainWindow::OnCommand(int id, int code) {
 }
 
 void MainWindow::FindOrStop() {
-    if (state.progress.IsSearching() || state.workers->IsSending()) return StopAll();
+    if (state.IsBusy()) return StopAll();
     searches.Start();
 }
 
 void MainWindow::StopAll() {
-    if (!state.progress.IsSearching() && !state.workers->IsSending()) return;
+    if (!state.IsBusy()) return;
     state.workers->Stop();
     state.progress.Stop();
     devices.doctor.Stop(state.window);
@@ -286,7 +301,8 @@ void MainWindow::OnTimer(UINT_PTR timer) {
 
 // A dialog's caller would continue without its window.
 bool MainWindow::MayClose() {
-    return IsWindowEnabled(state.window) && (searches.WillSave() || scans.MayDrop());
+    return state.workers && IsWindowEnabled(state.window) &&
+           (searches.WillSave() || scans.MayDrop());
 }
 
 // Saves the answers so far of the command line's search.
@@ -295,13 +311,24 @@ void MainWindow::EndEarly() {
     searches.EndEarly();
 }
 
+// Handles messages meanwhile: the system must not think that the program hangs.
+void MainWindow::EndWorkers() {
+    constexpr DWORD kRepeatMs = 50;
+    const auto workers = std::move(state.workers);
+    for (workers->Stop(); workers->IsBusy(); workers->RepeatStop()) {
+        MSG message;
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, kRepeatMs, QS_ALLINPUT);
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+    }
+}
+
 void MainWindow::OnClose() {
     const bool willSave = searches.WillSave();
     // The window disappears at once, although a request may take up to 12 s more.
     ShowOwnedPopups(state.window, FALSE);
     ShowWindow(state.window, SW_HIDE);
     settings.Save();
-    state.workers.reset();
+    EndWorkers();
     EndEarly();
     if (willSave) scans.MayDrop();  // asks for another file if that one cannot be written
     DestroyWindow(state.window);

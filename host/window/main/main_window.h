@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "window/controls/kept_focus.h"
 #include "window/controls/owners.h"
+#include "window/controls/saved_focus.h"
 #include "window/main/change_watch.h"
 #include "window/main/device_commands.h"
 #include "window/main/panes.h"
@@ -68,10 +68,11 @@ class MainWindow {
     void OnTimer(UINT_PTR timer);
     bool MayClose();
     void OnClose();
+    void EndWorkers();
     void EndEarly();
 
     ResultHandler handler_{state, searches, devices, calls};
-    KeptFocus focus_;
+    SavedFocus focus_;
     OwnedAccelerators keys_;
 };
 

@@ -1,6 +1,8 @@
 #include "window/main/panes.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "platform/wide_text.h"
 #include "window/controls/dpi.h"
@@ -14,9 +16,9 @@ namespace vndiscover::host {
 void Panes::Create() {
     const HWND window = state_.window;
     bar.Create(window);
-    CreateControl(window, L"STATIC", IDS_DEVICES, SS_NOPREFIX, IDC_DEVICES_LABEL);
+    CreateControl(window, L"STATIC", IDS_DEVICES, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_DEVICES_LABEL);
     list.Create(window);
-    CreateControl(window, L"STATIC", IDS_DETAILS, SS_NOPREFIX, IDC_DETAILS_LABEL);
+    CreateControl(window, L"STATIC", IDS_DETAILS, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_DETAILS_LABEL);
     details.Create(window);
     status.Create();
 }
@@ -31,41 +33,83 @@ void Panes::SetDpi(int dpi) {
     font_ = std::move(font);
 }
 
-void Panes::Place() {
+LayoutInput Panes::Measure(int width, int height) const {
     RECT client = {};
-    GetClientRect(state_.window, &client);
+    GetClientRect(Control(IDC_STATUS), &client);
     LOGFONTW font = {};
     GetObjectW(font_.Get(), sizeof font, &font);
     LayoutInput input;
-    input.width = client.right;
-    input.height = client.bottom;
-    input.statusHeight = status.Place(dpi_);
+    input.width = width;
+    input.height = height;
+    input.statusHeight = client.bottom;
     input.dpi = dpi_;
-    input.splitPercent = split;
+    input.split = split;
     input.textHeight = MulDiv(std::abs(font.lfHeight), 4, 3);
     bar.Measure(font_.Get(), input);
-    const Layout layout = Arrange(input);
-    bar.Place(layout.bar, input);
-    const auto move = [&](int id, const Box& box) {
-        MoveWindow(Control(id), box.x, box.y, box.width, box.height, TRUE);
-    };
-    move(IDC_PRESET_NOTE, layout.note);
-    move(IDC_DEVICES_LABEL, layout.devicesLabel);
-    move(IDC_DEVICES, layout.devices);
-    move(IDC_DETAILS_LABEL, layout.detailsLabel);
-    const Box& box = layout.details;
-    details.Resize({box.x, box.y, box.x + box.width, box.y + box.height}, dpi_);
+    return input;
+}
+
+void Panes::Place() {
+    RECT client = {};
+    GetClientRect(state_.window, &client);
+    status.Place(dpi_);
+    const LayoutInput input = Measure(client.right, client.bottom);
+    layout_ = Arrange(input);
+    {
+        Placement placement(state_.window);
+        bar.Place(placement, layout_, input);
+        placement.Move(Control(IDC_DEVICES_LABEL), layout_.devicesLabel);
+        placement.Move(list.Handle(), layout_.devices);
+        placement.Move(Control(IDC_DETAILS_LABEL), layout_.detailsLabel);
+        details.Place(placement, layout_.details, dpi_);
+    }
+    details.Settle();
+}
+
+SIZE Panes::MinimumSize() const {
+    RECT window = {}, client = {};
+    GetWindowRect(state_.window, &window);
+    GetClientRect(state_.window, &client);
+    const int width = Scaled(520, dpi_);
+    return {width + window.right - window.left - client.right,
+            Arrange(Measure(width, 0)).least + window.bottom - window.top - client.bottom};
+}
+
+bool Panes::OnMouse(UINT message) {
+    POINT at = {};
+    GetCursorPos(&at);
+    ScreenToClient(state_.window, &at);
+    const Box& gap = layout_.gap;
+    const RECT area = {gap.x, gap.y, gap.x + gap.width, gap.y + gap.height};
+    const bool isDragging = GetCapture() == state_.window;
+    if (!isDragging && (message == WM_MOUSEMOVE || !PtInRect(&area, at))) return false;
+    if (message == WM_SETCURSOR) SetCursor(LoadCursorW(nullptr, IDC_SIZEWE));
+    if (message == WM_LBUTTONDOWN) SetCapture(state_.window);
+    if (message == WM_MOUSEMOVE) Widen(at.x - gap.x - gap.width / 2);
+    if (message == WM_LBUTTONUP) ReleaseCapture();
+    return true;
+}
+
+void Panes::Widen(int pixels) {
+    const int whole = layout_.note.width;
+    const int wanted = layout_.devices.width + layout_.gap.width + pixels;
+    split = std::clamp(wanted * 1000 / std::max(1, whole), 200, 800);
+    Place();
+}
+
+void Panes::NextPane() const {
+    SetFocus(GetFocus() == list.Handle() ? details.Shown() : list.Handle());
 }
 
 void Panes::ShowRows() {
     state_.session.Refresh();
     list.Show();
     const DeviceView& view = state_.session.view;
-    const std::wstring count = std::to_wstring(view.Count());
+    const std::wstring count = Grouped(view.Count());
     std::wstring title = view.Count() == view.Total()
                              ? Text(IDS_SHOWN, {count})
-                             : Text(IDS_SHOWN_OF, {count, std::to_wstring(view.Total())});
-    if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, std::to_wstring(view.Others())});
+                             : Text(IDS_SHOWN_OF, {count, Grouped(view.Total())});
+    if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, Grouped(view.Others())});
     ChangeText(Control(IDC_DEVICES_LABEL), title);
     ShowDetails();
 }

@@ -33,15 +33,25 @@ class Panes {
     void SetDpi(int dpi);
     int Dpi() const { return dpi_; }
     void Place();
+    // Of the window.
+    SIZE MinimumSize() const;
+    // Handles a message of the mouse, by which the user drags the gap between list and details.
+    // Returns false if it is not about that.
+    bool OnMouse(UINT message);
+    // Makes the list wider by so many pixels.
+    void Widen(int pixels);
+    void NextPane() const;  // gives it the focus
     void ShowRows();
     void ShowDetails();
-    int split = 0;  // of the width, in percent, that the list has
+    int split = 0;  // of the width that the list has, in thousandths
 
   private:
+    LayoutInput Measure(int width, int height) const;
     HWND Control(int id) const { return GetDlgItem(state_.window, id); }
 
     WindowState& state_;
     OwnedFont font_;
+    Layout layout_;
     int dpi_ = 96;
 };
 

@@ -153,7 +153,7 @@ bool ScanCommands::SaveJsonTo(const std::string& path) {
 
 bool ScanCommands::MayReplace() {
     state_.handleResults();  // those that have not been handled yet
-    const bool isFilled = state_.progress.IsSearching() || state_.workers->IsSending();
+    const bool isFilled = state_.IsBusy();
     if (isFilled) ShowProblem(state_.window, Text(IDS_AWAITS_ANSWERS), false);
     return !isFilled && MayDrop();
 }
@@ -165,13 +165,13 @@ bool ScanCommands::MayDrop() {
     return answer == IDNO || !state_.session.IsUnsaved();
 }
 
-void ScanCommands::KeepForNextStart() {
+void ScanCommands::SaveForNextStart() {
     std::wstring note;
     if (!state_.options.exit && state_.session.IsUnsaved())
         SaveScan(state_.session.GetScan(), KeptPath(), note);
 }
 
-void ScanCommands::OfferKept() {
+void ScanCommands::OfferSaved() {
     const std::string path = KeptPath();
     std::wstring problem;
     auto scan = FileExists(path) ? LoadScan(path, problem) : std::nullopt;

@@ -44,8 +44,8 @@ class ScanCommands {
 
     // For the end of the user's session: an unsaved scan is kept in a file of the user's, without
     // any dialog. The next start offers it once.
-    void KeepForNextStart();
-    void OfferKept();
+    void SaveForNextStart();
+    void OfferSaved();
 
   private:
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,

@@ -27,7 +27,7 @@ constexpr struct BarItem {
     int space;
     unsigned widest;
 } kItems[] = {
-    {IDC_FIND, L"BUTTON", IDS_FIND, BS_PUSHBUTTON | WS_TABSTOP, false, 36, IDS_STOPPING},
+    {IDC_FIND, L"BUTTON", IDS_FIND, BS_DEFPUSHBUTTON | WS_TABSTOP, false, 36, IDS_STOPPING},
     {IDC_PRESET_LABEL, L"STATIC", IDS_PRESET_LABEL, SS_CENTERIMAGE, true, 2, IDS_PRESET_LABEL},
     {IDC_PRESET, L"COMBOBOX", 0, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP, false, 44,
      IDS_PRESET_KNOWN},
@@ -62,7 +62,7 @@ void SearchBar::Create(HWND parent) {
     for (const PresetItem& preset : kPresets)
         SendMessageW(Control(IDC_PRESET), CB_ADDSTRING, 0,
                      reinterpret_cast<LPARAM>(Text(preset.text).c_str()));
-    CreateControl(parent, L"STATIC", 0, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_PRESET_NOTE);
+    CreateControl(parent, L"STATIC", 0, SS_NOPREFIX, IDC_PRESET_NOTE);
 }
 
 void SearchBar::ShowNote() const {
@@ -102,29 +102,25 @@ void SearchBar::Measure(HFONT font, LayoutInput& input) const {
         input.barWidths.push_back((item.widest ? size.right : 0) + Scaled(item.space, input.dpi));
         input.startsGroup.push_back(item.startsGroup);
     }
+    RECT note = {0, 0, input.width - 2 * Scaled(8, input.dpi), 0};
+    DrawTextW(dc.Get(), WindowText(Control(IDC_PRESET_NOTE)).c_str(), -1, &note,
+              DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    input.noteHeight = std::max<int>(note.bottom, input.textHeight);
 }
 
-void SearchBar::Place(const std::vector<Box>& boxes, const LayoutInput& input) const {
-    const auto moveInto = [&](int id, const Box& box, int height) {
-        MoveWindow(Control(id), box.x, box.y + std::max(0, box.height - height) / 2, box.width,
-                   height, TRUE);
-    };
-    for (size_t index = 0; index < boxes.size(); ++index) {
-        const Box& box = boxes[index];
+void SearchBar::Place(Placement& placement, const Layout& layout, const LayoutInput& input) const {
+    placement.Move(Control(IDC_PRESET_NOTE), layout.note);
+    for (size_t index = 0; index < layout.bar.size(); ++index) {
+        Box box = layout.bar[index];
         const int id = kItems[index].id;
-        if (id == IDC_FILTER) {  // whose text is at the top
-            moveInto(id, box, std::min(box.height, input.textHeight + Scaled(8, input.dpi)));
-        } else if (id == IDC_PRESET) {
-            // Its height includes its open list.
-            MoveWindow(Control(id), box.x, box.y, box.width, box.height * 6, TRUE);
-            RECT closed = {};
-            GetWindowRect(Control(id), &closed);
-            const int space = box.height - (closed.bottom - closed.top);
-            SetWindowPos(Control(id), nullptr, box.x, box.y + std::max(0, space / 2), 0, 0,
-                         SWP_NOSIZE | SWP_NOZORDER);
-        } else {
-            moveInto(id, box, box.height);
-        }
+        RECT closed = {};
+        GetWindowRect(Control(id), &closed);
+        int height = box.height;
+        if (id == IDC_FILTER) height = input.textHeight + Scaled(8, input.dpi);  // text on top
+        if (id == IDC_PRESET) height = closed.bottom - closed.top;
+        box.y += std::max(0, box.height - height) / 2;
+        box.height = id == IDC_PRESET ? box.height * 6 : std::min(height, box.height);
+        placement.Move(Control(id), box);  // with its open list
     }
 }
 
@@ -165,6 +161,12 @@ std::vector<SweepStep> SearchBar::Steps(const Credentials& credentials) const {
     step.types = preset.types;
     if (IsTicked(IDC_WSD) && IsTicked(IDC_IPV4)) steps.push_back(step);
     return steps;
+}
+
+bool SearchBar::ClearFilter() const {
+    const HWND filter = Control(IDC_FILTER);
+    if (GetFocus() != filter || GetWindowTextLengthW(filter) == 0) return false;
+    return SetWindowTextW(filter, L"") != 0;
 }
 
 std::string SearchBar::FilterText() const { return ToUtf8(WindowText(Control(IDC_FILTER))); }

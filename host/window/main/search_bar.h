@@ -21,9 +21,9 @@ class SearchBar {
     void Restore(const Settings& settings);
     void Store(Settings& settings) const;
 
-    // Adds the widths of the controls in a font to the layout's input; then moves them.
+    // Adds the sizes of the controls in a font to the layout's input; then moves them.
     void Measure(HFONT font, LayoutInput& input) const;
-    void Place(const std::vector<Box>& boxes, const LayoutInput& input) const;
+    void Place(Placement& placement, const Layout& layout, const LayoutInput& input) const;
 
     // The text of the button that starts or stops a search, a string.
     void SetButton(unsigned text);
@@ -39,6 +39,8 @@ class SearchBar {
     void ShowNote() const;
 
     std::string FilterText() const;  // UTF-8
+    // Returns whether the filter has the focus and had a text.
+    bool ClearFilter() const;
     void FocusFilter() const { SetFocus(Control(IDC_FILTER)); }
 
   private:

@@ -54,10 +54,9 @@ void Searches::Start() {
 
 void Searches::Repeat() {
     const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
-    if (!state_.file.empty() || needsUser || !IsWindowEnabled(state_.window) ||
-        state_.progress.IsSearching() || state_.workers->IsSending())
-        return;
-    Start();
+    if (state_.workers && state_.file.empty() && !needsUser && IsWindowEnabled(state_.window) &&
+        !state_.IsBusy())
+        Start();
 }
 
 void Searches::EndSweep(const std::string& problem) {

@@ -30,7 +30,7 @@ void StatusBar::Show() const {
     ShowWindow(reading_, isReading ? SW_SHOWNA : SW_HIDE);
 }
 
-int StatusBar::Place(int dpi) const {
+void StatusBar::Place(int dpi) const {
     RECT bar = {};
     SendMessageW(bar_, WM_SIZE, 0, 0);
     GetWindowRect(bar_, &bar);
@@ -38,19 +38,20 @@ int StatusBar::Place(int dpi) const {
     const int part = std::min(Scaled(160, dpi), width / 4);
     SetWindowPos(reading_, nullptr, width - part - Scaled(20, dpi), Scaled(4, dpi), part,
                  height - Scaled(7, dpi), SWP_NOZORDER | SWP_NOACTIVATE);
-    return height;
 }
 
 std::wstring StatusBar::TextOf(const Progress::Status& status) const {
-    const std::wstring seconds = std::to_wstring(status.seconds);
-    const std::wstring count = std::to_wstring(status.count), total = std::to_wstring(status.total);
+    const std::wstring seconds = Grouped(static_cast<uint64_t>(status.seconds));
+    const std::wstring count = Grouped(status.count), total = Grouped(status.total);
+    const std::wstring found = Grouped(state_.session.view.Total());
     const std::wstring address = ToWide(status.address);
     const std::wstring wait = Text(IDS_WAITING, {address, std::to_wstring(status.waitSeconds)});
     switch (status.kind) {
         case Progress::Kind::kReady:
             return state_.file.empty() ? Text(IDS_READY) : state_.file;
         case Progress::Kind::kSearching:
-            return Text(IDS_SWEEPING, {seconds, count, total});
+            return Text(IDS_SWEEPING,
+                        {seconds, found, Grouped(std::max<uint64_t>(1, status.total))});
         case Progress::Kind::kReadingAll: {
             const std::wstring reading = Text(IDS_READING, {count, total});
             return address.empty() ? reading : reading + L", " + wait;
@@ -65,9 +66,9 @@ std::wstring StatusBar::TextOf(const Progress::Status& status) const {
         case Progress::Kind::kStopping:
             return Text(IDS_STOPPING_UP_TO, {seconds});
         case Progress::Kind::kDone:
-            return Text(IDS_DONE, {seconds, count});
+            return Text(IDS_DONE, {seconds, found});
         case Progress::Kind::kStopped:
-            return Text(IDS_STOPPED, {seconds, count});
+            return Text(IDS_STOPPED, {seconds, found});
         case Progress::Kind::kRead:
             return Text(status.count < status.total ? IDS_READ_STOPPED : IDS_READ,
                         {count, total, seconds});

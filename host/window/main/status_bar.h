@@ -17,8 +17,8 @@ class StatusBar {
     void Create();
     // Shows what is in progress now.
     void Show() const;
-    // Moves it to the lower edge of the window, and returns its height.
-    int Place(int dpi) const;
+    // Moves it to the lower edge of the window.
+    void Place(int dpi) const;
 
   private:
     std::wstring TextOf(const Progress::Status& status) const;

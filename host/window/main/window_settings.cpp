@@ -9,9 +9,10 @@ void WindowSettings::Restore() {
     DeviceColumns::SetDefaults(values);
     SearchBar::SetDefaults(values);
     // A script gets the same sweep whatever settings a user has saved.
+    if (state_.options.exit) DeviceColumns::SetForScripts(values);
     if (!state_.options.exit) values = LoadSettings().value_or(values);
     panes_.bar.Restore(values);
-    panes_.split = values.splitPercent;
+    panes_.split = values.splitPercent * 10;
     ShowColumns();
 }
 
@@ -22,7 +23,7 @@ void WindowSettings::Save() {
     GetWindowPlacement(state_.window, &place);
     values.place = place.rcNormalPosition;
     values.isMaximized = place.showCmd == SW_SHOWMAXIMIZED;
-    values.splitPercent = panes_.split;
+    values.splitPercent = panes_.split / 10;
     panes_.bar.Store(values);
     StoreColumns();
     SaveSettings(values);

@@ -52,6 +52,8 @@ struct WindowState {
     // Shows a problem in a message, or to a script on the error output, and then as the status.
     // Returns false.
     bool ReportProblem(const std::wstring& text);
+    // Whether anything is searched, read or walked.
+    bool IsBusy() const { return progress.IsSearching() || (workers && workers->IsSending()); }
     // While something is in progress, the status changes by itself.
     void StartStatusTimer() const;
     // How to ask the selected device, with the credentials. Empty if none is selected, or if it

@@ -45,7 +45,7 @@ void DetailsPane::Create(HWND parent) {
     table_.Create(parent, IDC_TABLE, L"");
     ShowWindow(table_.Handle(), SW_HIDE);
     chosen_ = CreateControl(parent, L"STATIC", 0, SS_NOPREFIX, IDC_CHOSEN);
-    facts_.onSelected = [this] { PlaceLists(); };
+    facts_.onSelected = [this] { UpdateLists(); };
 }
 
 void DetailsPane::Show() {
@@ -58,7 +58,7 @@ void DetailsPane::Show() {
     if (old.empty() || answers.empty() || old.front() != answers.front()) ShowRows({});
     if (!page.rows) {
         facts_.Show(SummaryOf(session_, row));
-        PlaceLists();
+        UpdateLists();
         return;
     }
     ShowRows(row ? page.rows(session_, *row) : TableRows());
@@ -67,7 +67,7 @@ void DetailsPane::Show() {
 void DetailsPane::ShowRows(TableRows rows) {
     rows_ = std::move(rows);
     table_.Refresh();
-    PlaceLists();
+    UpdateLists();
 }
 
 const DevicePage& DetailsPane::Page() const {
@@ -89,41 +89,55 @@ void DetailsPane::ShowPage() {
     ShowWindow(table_.Handle(), page.rows ? SW_SHOW : SW_HIDE);
 }
 
-void DetailsPane::Resize(const RECT& place, int dpi) {
+void DetailsPane::Place(Placement& placement, const Box& box, int dpi) {
     const bool isNew = std::exchange(dpi_, dpi) != dpi;
     if (isNew) {
         TabCtrl_SetPadding(tabs_, Scaled(6, dpi), Scaled(3, dpi));
         // Only a new font makes the control compute its tabs.
         SendMessageW(tabs_, WM_SETFONT, SendMessageW(tabs_, WM_GETFONT, 0, 0), TRUE);
     }
-    RECT former = {};
-    GetClientRect(tabs_, &former);
-    MoveWindow(tabs_, place.left, place.top, place.right - place.left, former.bottom, TRUE);
-    RECT page = {0, 0, place.right - place.left, place.bottom - place.top};
-    TabCtrl_AdjustRect(tabs_, FALSE, &page);  // below all rows of tabs
-    MoveWindow(tabs_, place.left, place.top, place.right - place.left, page.top, TRUE);
-    lists_ = {place.left, place.top + page.top, place.right, place.bottom};
+    RECT page = {};
+    GetClientRect(tabs_, &page);
+    // The control arranges its rows of tabs by its width.
+    SetWindowPos(tabs_, nullptr, 0, 0, box.width, page.bottom,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    page = {0, 0, box.width, box.height};
+    TabCtrl_AdjustRect(tabs_, FALSE, &page);
+    const int height = page.top;
+    placement.Move(tabs_, {box.x, box.y, box.width, height});
+    lists_ = {box.x, box.y + height, box.width, std::max(0, box.height - height)};
     if (isNew) ShowPage();
-    PlaceLists();
+    PlaceLists(placement);
 }
 
 // A cell may cut its text, so that of the selected row is below the list.
-void DetailsPane::PlaceLists() {
+void DetailsPane::PlaceLists(Placement& placement) {
     constexpr int kChosenHeight = 68;  // four lines and a space
-    const bool isTable = Page().rows != nullptr;
-    const std::wstring chosen = (isTable ? table_ : facts_.List()).SelectedText();
-    RECT list = lists_;
-    if (!chosen.empty()) list.bottom -= Scaled(kChosenHeight, dpi_);
+    const std::wstring chosen = (Page().rows ? table_ : facts_.List()).SelectedText();
+    Box list = lists_;
+    if (!chosen.empty()) list.height = std::max(0, list.height - Scaled(kChosenHeight, dpi_));
     ChangeText(chosen_, chosen);
-    if (EqualRect(&list, &placed_)) return;
+    if (list == placed_) return;
     placed_ = list;
     ShowWindow(chosen_, chosen.empty() ? SW_HIDE : SW_SHOWNA);
-    const int top = list.bottom + Scaled(4, dpi_);
-    MoveWindow(chosen_, list.left, top, list.right - list.left,
-               std::max(0, static_cast<int>(lists_.bottom) - top), TRUE);
-    facts_.Resize(list, dpi_);
-    table_.Move(list);
-    if (isTable) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
+    const int top = list.y + list.height + Scaled(4, dpi_);
+    placement.Move(chosen_, {list.x, top, list.width, std::max(0, lists_.y + lists_.height - top)});
+    facts_.Place(placement, list, dpi_);
+    placement.Move(table_.Handle(), list);
+}
+
+void DetailsPane::UpdateLists() {
+    {
+        Placement placement(GetParent(tabs_));
+        PlaceLists(placement);
+    }
+    Settle();
+}
+
+void DetailsPane::Settle() {
+    if (Page().rows) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
+    const int selected = ListView_GetNextItem(Shown(), -1, LVNI_SELECTED);
+    if (selected >= 0) ListView_EnsureVisible(Shown(), selected, FALSE);
 }
 
 void DetailsPane::Turn(int pages) {

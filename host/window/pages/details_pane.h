@@ -22,7 +22,10 @@ class DetailsPane : private ListModel {
     void Create(HWND parent);
     // Shows the selected device; the page stays.
     void Show();
-    void Resize(const RECT& place, int dpi);
+    void Place(Placement& placement, const Box& box, int dpi);
+    // Afterwards, when the controls are at their places.
+    void Settle();
+    HWND Shown() const { return Page().rows ? table_.Handle() : facts_.Handle(); }
     // Chooses the next page (1) or the one before (-1).
     void Turn(int pages);
     // Handles WM_NOTIFY from the tabs.
@@ -33,18 +36,19 @@ class DetailsPane : private ListModel {
     size_t Count() const override { return rows_.size(); }
     std::wstring CellText(size_t row, size_t column) const override { return rows_[row][column]; }
     unsigned EmptyText() const override;
-    void OnSelected() override { PlaceLists(); }
+    void OnSelected() override { UpdateLists(); }
     const DevicePage& Page() const;
     void ShowRows(TableRows rows);
     void ShowPage();
-    void PlaceLists();
+    void PlaceLists(Placement& placement);
+    void UpdateLists();  // after another selection
 
     const Session& session_;
     HWND tabs_ = nullptr, chosen_ = nullptr;  // the latter: the whole text of the selected row
     FactsList facts_;                         // the summary
     ListControl table_{*this};                // the other pages
     TableRows rows_;
-    RECT lists_ = {}, placed_ = {};  // with the text of the chosen row, and the lists alone
+    Box lists_, placed_;  // with the text of the chosen row, and the lists alone
     int dpi_ = 96;
     const DevicePage* page_ = nullptr;  // the one that is shown; null: none yet
     std::vector<size_t> answers_;       // of the device that is shown

@@ -19,7 +19,7 @@ struct Settings {
     uint32_t readsFound = 1;                              // reads devices after a search
     RECT place = {};                                      // of the window; empty: the default
     uint32_t isMaximized = 0;
-    int32_t splitPercent = 62;    // of the width that the list has
+    int32_t splitPercent = 66;    // of the width that the list has
     uint32_t refreshMinutes = 0;  // 0: only on demand
 };
 constexpr uint32_t kPresetCount = 3;

@@ -185,17 +185,57 @@ TEST_F(Files, ScriptSweepsSavesAndExits) {
     EXPECT_NE(std::string::npos, FileText().find("10.77.1.1"));
 }
 
+// Whatever columns a window shows.
+TEST_F(Files, ScriptsGetTheSameColumns) {
+    StartOptions options;
+    options.sweep = options.exit = true;
+    Open(options);
+    EXPECT_TRUE(EndsSweeps());
+    EXPECT_TRUE(window_->scans.SaveCsvTo(path_));
+    EXPECT_EQ(
+        "\xEF\xBB\xBF\"State\",\"Name\",\"Lowest supply\",\"Model\",\"Address\",\"Serial number\","
+        "\"MAC address\",\"Protocols\",\"Network\",\"Last seen\"\r\n",
+        FileText());
+}
+
+// With its whole ending, and the current folder stays.
+TEST_F(Files, SystemsDialogChoosesTheFile) {
+    OpenWithDevices();
+    wchar_t before[MAX_PATH], after[MAX_PATH];
+    GetCurrentDirectoryW(MAX_PATH, before);
+    std::thread user([&] {
+        const HWND dialog = NextPopupOf(window_->Handle());
+        HWND edit = nullptr;
+        for (int wait = 0; dialog && !edit && wait < 500; ++wait) {
+            Sleep(10);
+            EnumChildWindows(
+                dialog,
+                [](HWND child, LPARAM found) -> BOOL {
+                    if (TypeOf(child) != L"Edit" || !IsWindowVisible(child)) return TRUE;
+                    *reinterpret_cast<HWND*>(found) = child;
+                    return FALSE;
+                },
+                reinterpret_cast<LPARAM>(&edit));
+        }
+        SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(path_ + "x").c_str()));
+        PressUntilGone(dialog, IDOK);
+    });
+    Command(IDM_SAVE);
+    user.join();
+    GetCurrentDirectoryW(MAX_PATH, after);
+    EXPECT_STREQ(before, after);
+    EXPECT_TRUE(DeleteFileW(ToWide(path_ + "x.json").c_str()));
+}
+
 TEST_F(Files, ExportsHoldTheRowsAsShown) {
     OpenWithDevices();
-    int order[] = {2, 1, 0, 3, 4, 5, 6, 7, 8, 9};  // the address first
-    ListView_SetColumnOrderArray(Control(IDC_DEVICES), 10, order);
+    int order[] = {2, 1, 0, 3, 4, 5};  // the address first
+    ListView_SetColumnOrderArray(Control(IDC_DEVICES), 6, order);
     EXPECT_TRUE(window_->scans.SaveCsvTo(path_));
     const std::string csv = FileText();
-    EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"Serial number\",")) << csv;
-    EXPECT_NE(
-        std::string::npos,
-        csv.find(
-            "\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"\",\"\",\"never read\",\"\",\"SNMPv1\""))
+    EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"State\",")) << csv;
+    EXPECT_NE(std::string::npos,
+              csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"never read\",\"\",\"\"\r"))
         << csv;
     EXPECT_TRUE(window_->scans.SaveJsonTo(path_));
     const std::string json = FileText();
@@ -230,13 +270,13 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
     SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
     for (const int answer : {IDYES, IDNO}) {
         Open();
-        const std::string asked = Answer({answer}, [&] { window_->scans.OfferKept(); });
+        const std::string asked = Answer({answer}, [&] { window_->scans.OfferSaved(); });
         EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
         EXPECT_EQ(answer == IDYES, Addresses().find(L"10.77.1.11;") != std::wstring::npos);
         SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);  // it is still in no file
     }
     Open();
-    window_->scans.OfferKept();  // asks no more
+    window_->scans.OfferSaved();  // asks no more
     _wputenv_s(L"LOCALAPPDATA", former.c_str());
 }
 

@@ -5,6 +5,26 @@
 #include "platform/messages.h"
 #include "window/resource.h"
 
+namespace {
+
+bool isHighContrast = false;
+
+BOOL WINAPI Parameters(UINT action, UINT size, PVOID value, UINT change) {
+    using Function = BOOL(WINAPI*)(UINT, UINT, PVOID, UINT);
+    if (action == SPI_GETHIGHCONTRAST) {
+        static_cast<HIGHCONTRASTW*>(value)->dwFlags = isHighContrast ? HCF_HIGHCONTRASTON : 0;
+        return TRUE;
+    }
+    const auto original = reinterpret_cast<Function>(reinterpret_cast<uintptr_t>(
+        GetProcAddress(GetModuleHandleW(L"user32.dll"), "SystemParametersInfoW")));
+    return original(action, size, value, change);
+}
+
+}  // namespace
+
+// Replaces the function of the import library.
+extern "C" void* const __imp_SystemParametersInfoW = reinterpret_cast<void*>(&Parameters);
+
 namespace vndiscover::host {
 namespace {
 
@@ -29,7 +49,7 @@ class Lists : public testing::Test, private ListModel {
                                        DialogProcedure<Lists>, reinterpret_cast<LPARAM>(this));
         list_.Create(dialog_, IDC_DETAILS, L"Facts");
         list_.SetColumns({{IDS_FACT_WHAT, 100}});
-        list_.Move({0, 0, 200, 100});
+        MoveWindow(list_.Handle(), 0, 0, 200, 100, TRUE);
     }
     ~Lists() override { DestroyWindow(dialog_); }
 
@@ -38,8 +58,8 @@ class Lists : public testing::Test, private ListModel {
         for (; *typed; ++typed) SendMessageW(list_.Handle(), WM_CHAR, *typed, 1);
         return list_.Selected();
     }
-    // Whether anything is drawn in place of rows.
-    bool DrawsText() {
+    template <class Check>
+    bool Drawn(Check check) {
         const WindowDc screen(nullptr);
         const OwnedMemoryDc dc(CreateCompatibleDC(screen.Get()));
         const OwnedBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 200, 100));
@@ -47,13 +67,28 @@ class Lists : public testing::Test, private ListModel {
         PatBlt(dc.Get(), 0, 0, 200, 100, WHITENESS);
         SendMessageW(list_.Handle(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc.Get()),
                      PRF_CLIENT);
-        const COLORREF paper = GetPixel(dc.Get(), 1, 90);
-        for (int y = 30; y < 90; ++y) {
-            for (int x = 1; x < 190; ++x) {
-                if (GetPixel(dc.Get(), x, y) != paper) return true;
+        return check(dc.Get());
+    }
+    // Whether anything is drawn in place of rows.
+    bool DrawsText() {
+        return Drawn([](HDC dc) {
+            const COLORREF paper = GetPixel(dc, 1, 90);
+            for (int y = 30; y < 90; ++y) {
+                for (int x = 1; x < 190; ++x) {
+                    if (GetPixel(dc, x, y) != paper) return true;
+                }
             }
-        }
-        return false;
+            return false;
+        });
+    }
+    bool HasFrame() {
+        RECT row = {};
+        ListView_GetItemRect(list_.Handle(), 0, &row, LVIR_BOUNDS);
+        return Drawn([&](HDC dc) {
+            const int middle = (row.top + row.bottom) / 2;
+            return GetPixel(dc, row.left, middle) == GetSysColor(COLOR_HIGHLIGHT) &&
+                   GetPixel(dc, row.left + 1, middle) != GetSysColor(COLOR_HIGHLIGHT);
+        });
     }
 
     HWND dialog_ = nullptr;
@@ -100,6 +135,27 @@ TEST_F(Lists, BoldRowsAreDrawnBold) {
         GetObjectW(GetCurrentObject(dc.Get(), OBJ_FONT), sizeof font, &font);
         EXPECT_EQ(row == 0, font.lfWeight == FW_BOLD);
     }
+}
+
+TEST_F(Lists, ColumnsGrowWithTheDpi) {
+    list_.SetDpi(96);
+    list_.SetDpi(144);
+    EXPECT_EQ(150, ListView_GetColumnWidth(list_.Handle(), 0));
+}
+
+// The background alone does not show it there.
+TEST_F(Lists, SelectedRowIsFramedInHighContrast) {
+    texts_ = {L""};
+    list_.Refresh();
+    list_.Select(0);
+    for (const bool isContrast : {false, true}) {
+        isHighContrast = isContrast;
+        for (const HWND focused : {list_.Handle(), HWND()}) {
+            SetFocus(focused);
+            EXPECT_EQ(isContrast && !focused, HasFrame());
+        }
+    }
+    isHighContrast = false;
 }
 
 TEST_F(Lists, EmptyOnesSayWhyEachTime) {

@@ -1,3 +1,6 @@
+#include <set>
+
+#include "platform/version.h"
 #include "scripted_window.h"
 #include "window/pages/report_window.h"
 
@@ -5,9 +8,12 @@ namespace {
 
 std::wstring opened;
 
+bool opens = true;
+
 HINSTANCE WINAPI KeepOpened(HWND, LPCWSTR, LPCWSTR path, LPCWSTR, LPCWSTR, INT) {
     opened = path;
-    return nullptr;
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return reinterpret_cast<HINSTANCE>(static_cast<INT_PTR>(opens ? 33 : 2));
 }
 
 }  // namespace
@@ -91,15 +97,15 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     engine_.Say("10.77.1.1", "x");
     engine_.Say("10.77.1.2", "y");
     ASSERT_TRUE(Shows(L"10.77.1.1;10.77.1.2;"));
-    EXPECT_EQ(L"never read", Cell(0, 5));
+    EXPECT_EQ(L"never read", Cell(0, 3));
     engine_.End();
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == L"Reading 0 of 2"; }));
-    EXPECT_TRUE(Until([&] { return Cell(0, 5) == L"being read"; }));
+    EXPECT_TRUE(Until([&] { return Cell(0, 3) == L"being read"; }));
     EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
     engine_.isHeld = false;
     ASSERT_TRUE(Ends());
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Read 2 devices in"));
-    EXPECT_EQ(L"no such value", Cell(0, 5));
+    EXPECT_EQ(L"no such value", Cell(0, 3));
     window_->ToggleReadsFound();
 }
 
@@ -111,8 +117,8 @@ TEST_F(MainWindowTest, DeviceThatMissesASearchIsToldSo) {
         engine_.Say(answering, "x");
         ASSERT_TRUE(EndsSweeps());
         const int silent = answering == std::string("10.77.1.9") ? 0 : 1;
-        EXPECT_EQ(0u, Cell(silent, 5).find(L"no answer since ")) << answering;
-        EXPECT_EQ(L"never read", Cell(1 - silent, 5));
+        EXPECT_EQ(0u, Cell(silent, 3).find(L"no answer since ")) << answering;
+        EXPECT_EQ(L"never read", Cell(1 - silent, 3));
     }
 }
 
@@ -189,6 +195,43 @@ TEST_F(MainWindowTest, ControlsFitAndHaveNamesInAnySizeAndLanguage) {
     SetTextChange(nullptr);
 }
 
+// The pixels of a window as they are on the screen.
+std::vector<uint32_t> PixelsOf(HWND window) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    const WindowDc from(window);
+    const OwnedMemoryDc dc(CreateCompatibleDC(from.Get()));
+    BITMAPINFO info = {};
+    info.bmiHeader = {
+        sizeof info.bmiHeader, client.right, client.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const OwnedBitmap bitmap(CreateDIBSection(dc.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    const Selection drawing(dc.Get(), bitmap.Get());
+    BitBlt(dc.Get(), 0, 0, client.right, client.bottom, from.Get(), 0, 0, SRCCOPY);
+    GdiFlush();
+    const auto* first = static_cast<const uint32_t*>(bits);
+    return {first, first + client.right * client.bottom};
+}
+
+// A fresh paint of the same size has the same pixels.
+TEST_F(MainWindowTest, ResizingLeavesNoOldPixel) {
+    OpenWith({{"10.77.1.1", "x"}, {"10.77.1.2", "y"}});
+    const HWND window = window_->Handle();
+    size_t inked = 0;
+    for (int step = 0; step < 200; ++step) {
+        const int width = 560 + step * 37 % 600, height = 420 + step * 53 % 300;
+        SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOZORDER | SWP_NOMOVE);
+        if (step % 4 == 0) Command(step % 8 ? IDM_WIDER : IDM_NARROWER);
+        RedrawWindow(window, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+        const auto pixels = PixelsOf(window);
+        RedrawWindow(window, nullptr, nullptr,
+                     RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        ASSERT_EQ(PixelsOf(window), pixels) << "step " << step << ", " << width << " x " << height;
+        inked += std::set<uint32_t>(pixels.begin(), pixels.end()).size() > 2;
+    }
+    EXPECT_EQ(200u, inked);
+}
+
 TEST_F(MainWindowTest, TabReachesEveryControl) {
     Open();
     std::vector<int> reached;
@@ -224,6 +267,113 @@ TEST_F(MainWindowTest, AccessKeysAreUnique) {
          child = GetWindow(child, GW_HWNDNEXT))
         take(TextOf(child));
     EXPECT_GE(letters.size(), 12u);
+}
+
+TEST_F(MainWindowTest, EscClearsTheFilterFirst) {
+    Open();
+    Command(IDC_FIND);
+    SetFocus(Control(IDC_FILTER));
+    SetWindowTextW(Control(IDC_FILTER), L"ink");
+    Command(IDCANCEL);
+    EXPECT_EQ(L"", TextOf(Control(IDC_FILTER)));
+    EXPECT_EQ(0, engine_.stops);
+    Command(IDCANCEL);
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
+    OpenWith({{"10.77.1.1", "x"}});
+    const int sweeps = engine_.sweeps;
+    const auto press = [&](int control) {
+        SetFocus(Control(control));
+        MSG enter = {Control(control), WM_KEYDOWN, VK_RETURN, 0, 0, {}};
+        window_->Dispatch(enter);
+    };
+    Select(0);
+    press(IDC_DEVICES);
+    EXPECT_EQ(Control(IDC_DETAILS), GetFocus());
+    Command(IDM_NEXT_PANE);
+    EXPECT_EQ(Control(IDC_DEVICES), GetFocus());
+    ASSERT_TRUE(Ends());
+    press(IDC_FILTER);
+    ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
+    press(IDC_FILTER);  // stops nothing
+    EXPECT_EQ(sweeps + 1, engine_.sweeps);
+    EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
+    engine_.End();
+    EXPECT_TRUE(Ends());
+}
+
+TEST_F(MainWindowTest, GapBetweenListAndDetailsMoves) {
+    Open();
+    const HWND window = window_->Handle();
+    const auto width = [&] {
+        RECT list = {};
+        GetWindowRect(Control(IDC_DEVICES), &list);
+        return list.right - list.left;
+    };
+    const int before = width();
+    RECT list = {};
+    GetWindowRect(Control(IDC_DEVICES), &list);
+    const auto drag = [&](UINT message, int x) {
+        SetCursorPos(x, list.top + 40);
+        SendMessageW(window, message, 0, 0);
+    };
+    drag(WM_MOUSEMOVE, list.right - 60);  // without a button
+    EXPECT_EQ(before, width());
+    drag(WM_LBUTTONDOWN, list.right + 4);
+    drag(WM_MOUSEMOVE, list.right - 60);
+    drag(WM_LBUTTONUP, list.right - 60);
+    EXPECT_NEAR(before - 64, width(), 2);
+    Command(IDM_WIDER);
+    EXPECT_NEAR(before - 48, width(), 3);
+    EXPECT_FALSE(GetCapture());
+}
+
+TEST_F(MainWindowTest, PlaceOfAMonitorThatIsGoneIsPulledBack) {
+    EXPECT_EQ(0, FitInto({0, 0, 800, 600}, {-900, 0, 700, 500}).x);
+    const Box large = FitInto({10, 20, 800, 600}, {700, 500, 2000, 500});
+    EXPECT_EQ((std::vector<int>{10, 120, 800, 500}),
+              (std::vector<int>{large.x, large.y, large.width, large.height}));
+    Open();
+    WindowSettings& settings = window_->settings;
+    settings.values.place = {5000, 5000, 5700, 5500};
+    settings.PlaceWindow();
+    EXPECT_TRUE(MonitorFromWindow(window_->Handle(), MONITOR_DEFAULTTONULL));
+}
+
+// Which would take it for hung otherwise.
+TEST_F(MainWindowTest, AnswersTheSystemWhileItCloses) {
+    OpenWith({{"10.77.1.1", "x"}});
+    engine_.isHeld = true;
+    Select(0);
+    ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+    std::thread system([&, window = window_->Handle()] {
+        while (IsWindowVisible(window)) Sleep(5);
+        DWORD_PTR answer = 0;
+        EXPECT_TRUE(
+            SendMessageTimeoutW(window, WM_QUERYENDSESSION, 0, 0, SMTO_NORMAL, 2000, &answer));
+        EXPECT_EQ(1u, answer);
+        engine_.isHeld = false;
+    });
+    Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+    system.join();
+    EXPECT_FALSE(window_->Handle());
+}
+
+TEST_F(MainWindowTest, HelpOpensOrSaysThatItCannot) {
+    Open();
+    Command(IDM_HELP);
+    EXPECT_EQ(L"notepad.exe", opened);
+    opens = false;
+    const std::string told = Answer({IDOK}, [&] { Command(IDM_HELP); });
+    opens = true;
+    EXPECT_NE(std::string::npos, told.find("\\docs\\vnbrowser.md")) << told;
+    const std::string about = Answer({IDOK}, [&] { Command(IDM_ABOUT); });
+    EXPECT_NE(std::string::npos,
+              about.find("VnDiscover.dll " + VersionOf(GetModuleHandleW(L"VnDiscover.dll")) +
+                         "\nWindows "))
+        << about;
 }
 
 TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {

@@ -79,11 +79,12 @@ TEST_F(Menus, ClickedCellIsCopied) {
     const std::wstring texts = Play(Devices(), MAKELPARAM(point.x, point.y), {VK_DOWN, VK_RETURN});
     EXPECT_EQ(
         L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;;"
-        L"&Read again\tCtrl+R;Read a&ll again\tCtrl+Shift+R;Read all after a s&earch;"
-        L"Why does it &not answer?;Show all &values...;A&dd an address...;;"
-        L"&Separate;Open its &web page;;Re&fresh only on demand;"
+        L"Go to i&ts details\tEnter;Open its &web page\tCtrl+Enter;;"
+        L"&Read again\tCtrl+R;Read a&ll again\tCtrl+Shift+R;Read all after a searc&h;"
+        L"Why does it &not answer?;Show all &values...;A&dd an address...;"
+        L"&Separate;;Re&fresh only on demand;"
         L"Refresh every m&inute;Refresh every &5 minutes;Refresh every &15 minutes;"
-        L"Refresh every &hour;",
+        L"Refresh every ho&ur;",
         texts);
     EXPECT_EQ(ToWide(model_), Copied());
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Copied: =InkLine 7"));
@@ -155,12 +156,69 @@ TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
         return ids;
     };
     EXPECT_EQ((std::vector<UINT>{IDM_SAVE, IDM_CSV, IDM_JSON, IDM_COPY_ROW, IDM_COPY_CELL, UINT(-1),
-                                 IDM_COPY_TABLE, IDM_CLEAR, IDM_ASK, IDM_ASK_ALL, IDM_DIAGNOSE,
-                                 IDM_WALK, IDM_SPLIT, IDM_WEB}),
+                                 IDM_COPY_TABLE, IDM_CLEAR, IDM_DETAILS, IDM_WEB, IDM_ASK,
+                                 IDM_ASK_ALL, IDM_DIAGNOSE, IDM_WALK, IDM_SPLIT, IDM_STOP}),
               greyed());
-    Command(IDM_SPLIT);  // neither does its key do anything
+    Command(IDM_SPLIT);  // by its key
+    EXPECT_EQ(Text(IDS_SELECT_FIRST), TextOf(Control(IDC_STATUS)));
     OpenWithDevice();
-    EXPECT_EQ((std::vector<UINT>{IDM_SPLIT}), greyed());
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ((std::vector<UINT>{IDM_SPLIT, IDM_STOP}), greyed());
+    Command(IDM_SPLIT);
+    EXPECT_EQ(Text(IDS_NO_PARTS), TextOf(Control(IDC_STATUS)));
+}
+
+// The letters that are marked in texts.
+class Letters {
+  public:
+    void Add(const std::wstring& text) {
+        const size_t mark = text.find(L'&');
+        if (text.empty()) return;
+        ASSERT_NE(std::wstring::npos, mark) << ToUtf8(text);
+        const auto letter = static_cast<wchar_t>(towlower(text[mark + 1]));
+        EXPECT_EQ(std::wstring::npos, all_.find(letter)) << ToUtf8(text);
+        all_ += letter;
+    }
+
+  private:
+    std::wstring all_;
+};
+
+void CheckLetters(HMENU menu) {
+    Letters letters;
+    for (int item = 0; item < GetMenuItemCount(menu); ++item) {
+        wchar_t text[80] = L"";
+        GetMenuStringW(menu, static_cast<UINT>(item), text, 80, MF_BYPOSITION);
+        letters.Add(text);
+        if (const HMENU popup = GetSubMenu(menu, item)) CheckLetters(popup);
+    }
+}
+
+TEST_F(Menus, EachItemHasALetterOfItsOwn) {
+    Open();
+    CheckLetters(GetMenu(window_->Handle()));
+    CheckLetters(MakeDeviceMenu().Get());
+}
+
+// Buttons, and labels of what is typed or chosen.
+TEST_F(Menus, EachControlOfADialogHasALetter) {
+    for (const int id : {IDD_SNMP, IDD_CALLS, IDD_WALK, IDD_TABLE, IDD_ADD}) {
+        SCOPED_TRACE(id);
+        const HWND dialog = CreateDialogW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(id), nullptr,
+                                          [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return 0; });
+        Letters letters;
+        for (HWND child = GetWindow(dialog, GW_CHILD); child;
+             child = GetWindow(child, GW_HWNDNEXT)) {
+            const bool isButton = TypeOf(child) == L"Button";
+            const bool isLabel = TypeOf(child) == L"Static" && GetDlgCtrlID(child) == 0xFFFF;
+            const bool isFrame =
+                isButton && (GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+            const int control = GetDlgCtrlID(child);  // Enter and Esc
+            if ((isButton || isLabel) && !isFrame && control != IDOK && control != IDCANCEL)
+                letters.Add(TextOf(child));
+        }
+        DestroyWindow(dialog);
+    }
 }
 
 // A menu shows the key that the table has for the command.
@@ -174,24 +232,28 @@ TEST_F(Menus, ShowTheKeysOfTheirCommands) {
     for (const ACCEL& row : rows) {
         wchar_t text[80] = L"";
         if (GetMenuStringW(bar, row.cmd, text, 80, MF_BYCOMMAND) == 0) continue;
-        const std::wstring key = std::wstring(row.fVirt & FSHIFT ? L"Ctrl+Shift+" : L"Ctrl+") +
-                                 static_cast<wchar_t>(row.key);
+        std::wstring key(row.fVirt & FCONTROL ? L"Ctrl+" : L"");
+        if (row.fVirt & FSHIFT) key += L"Shift+";
+        key += row.key == VK_RETURN                    ? L"Enter"
+               : row.key >= VK_F1 && row.key <= VK_F12 ? L"F" + std::to_wstring(row.key - VK_F1 + 1)
+                                                       : std::wstring(1, wchar_t(row.key));
         EXPECT_EQ(L"\t" + key, std::wstring(text).substr(std::wstring(text).find(L'\t')));
         ++shown;
     }
-    EXPECT_EQ(7, shown);
+    EXPECT_EQ(12, shown);
 }
 
 TEST_F(Menus, ColumnsAreChosenAndKept) {
     OpenWithDevice();
+    for (const int column : {3, 4, 7, 8, 9, 11}) Command(IDM_COLUMN + column);
     const HWND header = ListView_GetHeader(Devices());
     RECT place = {};
     GetWindowRect(header, &place);
     // The second column, Model, is hidden.
     const std::wstring texts =
         Play(header, MAKELPARAM(place.left + 2, place.top + 2), {VK_DOWN, VK_DOWN, VK_RETURN});
-    EXPECT_EQ(0u, texts.find(L"Name;Model;Address;Serial number;"));
-    EXPECT_EQ(0u, Headings().find(L"State;Name;Lowest supply;Address;Serial number;"));
+    EXPECT_EQ(0u, texts.find(L"&Name;&Model;&Address;&Serial number;"));
+    EXPECT_EQ(0u, Headings().find(L"State;Name;Address;Lowest supply;Serial number;"));
     EXPECT_EQ(L"10.77.1.9", Cell(0, 1));
     SetWindowTextW(Control(IDC_FILTER), L"inkline");
     EXPECT_EQ(L"", Addresses());
@@ -214,8 +276,8 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     EXPECT_TRUE(item.fmt & HDF_SORTUP);
     // Shown again, a column returns to its place and width.
     Command(IDM_COLUMN + 1);
-    EXPECT_EQ(0u, Headings().find(L"Serial number;Address;Model;"));
-    EXPECT_EQ(125, ListView_GetColumnWidth(Devices(), 0));
+    EXPECT_EQ(0u, Headings().find(L"Serial number;Model;Address;"));
+    EXPECT_EQ(120, ListView_GetColumnWidth(Devices(), 0));
     for (int column = 0; column < 10; ++column) {
         if (column != 0 && column != 4) Command(IDM_COLUMN + column);
     }

@@ -6,7 +6,7 @@
 
 namespace vndiscover::host {
 
-class KeptFocus {
+class SavedFocus {
   public:
     // For WM_ACTIVATE and WM_SETFOCUS, which the system must handle too. `first`: the child to use
     // if none had the focus.

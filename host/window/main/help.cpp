@@ -1,0 +1,39 @@
+#include "window/main/help.h"
+
+#include <shellapi.h>
+
+#include "platform/error_text.h"
+#include "platform/this_process.h"
+#include "platform/version.h"
+#include "platform/wide_text.h"
+#include "window/resource.h"
+#include "window/strings.h"
+
+namespace vndiscover::host {
+
+void OpenElsewhere(WindowState& state, const std::wstring& target, const wchar_t* program) {
+    const wchar_t* const file = program ? program : target.c_str();
+    const HINSTANCE opened = ShellExecuteW(
+        state.window, L"open", file, program ? target.c_str() : nullptr, nullptr, SW_SHOWNORMAL);
+    const DWORD error = GetLastError();
+    if (reinterpret_cast<INT_PTR>(opened) <= 32)  // as documented, for systems with 16 bits
+        state.ReportProblem(Text(IDS_NOT_OPENED, {target + ToWide(ErrorText(error))}));
+}
+
+// Few computers have a program for Markdown, which is readable as text.
+void ShowHelp(WindowState& state) {
+    const std::string own = OwnPath();
+    const std::string folder = own.substr(0, own.find_last_of('\\'));
+    OpenElsewhere(state, ToWide(folder + "\\..\\docs\\vnbrowser.md"), L"notepad.exe");
+}
+
+void ShowAbout(HWND owner) {
+    const auto version = [](const wchar_t* module) {
+        return ToWide(VersionOf(GetModuleHandleW(module)));
+    };
+    const std::wstring text =
+        Text(IDS_ABOUT, {version(nullptr), version(L"VnDiscover.dll"), ToWide(WindowsVersion())});
+    MessageBoxW(owner, text.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONINFORMATION);
+}
+
+}  // namespace vndiscover::host
