@@ -95,7 +95,7 @@ Key Tab a Tab
 xdotool type privpass1
 sleep 1
 Picture settings
-Key Escape alt+t c
+Key Escape alt+h c
 sleep 1
 Key End # the first call, a sweep
 sleep 1
