@@ -113,7 +113,7 @@ std::string Unsealed(DATA_BLOB sealed, const char* entropyText) {
                             &plain)) {
         return "error " + Number(GetLastError());
     }
-    const std::string text(reinterpret_cast<const char*>(plain.pbData), plain.cbData);
+    std::string text(reinterpret_cast<const char*>(plain.pbData), plain.cbData);
     LocalFree(plain.pbData);
     return text;
 }

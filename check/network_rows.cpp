@@ -176,7 +176,7 @@ void LoopRow(Report& report) {
     UdpSocket receiver(AF_INET6), sender(AF_INET6);
     sockaddr_in6 any = {}, group = {};
     any.sin6_family = group.sin6_family = AF_INET6;
-    bind(receiver.Get(), reinterpret_cast<const sockaddr*>(&any), sizeof any);
+    const int bound = bind(receiver.Get(), reinterpret_cast<const sockaddr*>(&any), sizeof any);
     ipv6_mreq membership = {};
     inet_pton(AF_INET6, "FF02::1", &membership.ipv6mr_multiaddr);
     receiver.Set(IPPROTO_IPV6, IPV6_ADD_MEMBERSHIP, &membership, sizeof membership);
@@ -184,8 +184,8 @@ void LoopRow(Report& report) {
     sender.Set(IPPROTO_IPV6, IPV6_MULTICAST_LOOP, &off, sizeof off);
     group.sin6_addr = membership.ipv6mr_multiaddr;
     group.sin6_port = htons(receiver.Port());
-    if (sendto(sender.Get(), "check", 5, 0, reinterpret_cast<const sockaddr*>(&group),
-               sizeof group) == 5) {
+    if (bound == 0 && sendto(sender.Get(), "check", 5, 0, reinterpret_cast<const sockaddr*>(&group),
+                             sizeof group) == 5) {
         report.Add(name, "not heard", receiver.IsReadable(kWaitMs) ? "heard" : "not heard");
     } else {
         report.Add(name, "not heard", "sending fails with " + Number(WSAGetLastError()));

@@ -69,7 +69,7 @@
 
 #ifndef RC_INVOKED
 enum TextId : unsigned {
-#define VN_TEXT(name, number, text) name = number,
+#define VN_TEXT(name, number, text) name = number,  // NOLINT(bugprone-macro-parentheses)
 #include "window/texts.inc"
 #undef VN_TEXT
 };
