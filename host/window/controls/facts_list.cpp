@@ -29,20 +29,21 @@ void FactsList::Place(Placement& placement, const Box& box, int dpi) {
     ListView_SetColumnWidth(list_.Handle(), 1, std::max(0, width - labels));
 }
 
-std::wstring FactText(const ReportRow& row, size_t column) {
-    return ToWide(column == 0 ? row.label : WholeText(row));
+std::wstring FactsModel::CellText(size_t row, size_t column) const {
+    return ToWide(column == 0 ? rows_[row].label : WholeText(rows_[row]));
 }
 
-std::optional<LevelBar> FactBar(const ReportRow& row, size_t column) {
-    if (column != 1 || !row.percent) return std::nullopt;
-    const SupplyColour* colour = FindSupplyColour(row.colour);
+std::optional<LevelBar> FactsModel::Bar(size_t row, size_t column) const {
+    const auto percent = rows_[row].percent;
+    if (column != 1 || !percent) return std::nullopt;
+    const SupplyColour* colour = FindSupplyColour(rows_[row].colour);
     const uint32_t rgb = colour ? colour->rgb : 0;
-    return LevelBar{*row.percent, colour ? RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF) : CLR_NONE};
+    return LevelBar{*percent, colour ? RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF) : CLR_NONE};
 }
 
-bool IsBoldFact(const std::vector<ReportRow>& rows, size_t row) {
-    const bool isResult = row == 0 && !rows[row].label.empty();
-    return isResult || rows[row].severity == Severity::kCritical;
+bool FactsModel::IsBold(size_t row) const {
+    const bool isResult = row == 0 && !rows_[row].label.empty();
+    return isResult || rows_[row].severity == Severity::kCritical;
 }
 
 }  // namespace vndiscover::host

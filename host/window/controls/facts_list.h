@@ -14,12 +14,18 @@
 
 namespace vndiscover::host {
 
-// Of a row's cell. Bold are the result, which is the first row, and what is critical.
-std::wstring FactText(const ReportRow& row, size_t column);
-std::optional<LevelBar> FactBar(const ReportRow& row, size_t column);
-bool IsBoldFact(const std::vector<ReportRow>& rows, size_t row);
+// Bold are the result, which is the first row, and what is critical.
+class FactsModel : protected virtual ListModel {
+  protected:
+    size_t Count() const override { return rows_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override;
+    std::optional<LevelBar> Bar(size_t row, size_t column) const override;
+    bool IsBold(size_t row) const override;
 
-class FactsList : private ListModel {
+    std::vector<ReportRow> rows_;
+};
+
+class FactsList : private FactsModel {
   public:
     // The list is a child of `parent` and is destroyed with it.
     void Create(HWND parent, int id, const std::wstring& name);
@@ -30,20 +36,11 @@ class FactsList : private ListModel {
     std::function<void()> onSelected;
 
   private:
-    size_t Count() const override { return rows_.size(); }
-    std::wstring CellText(size_t row, size_t column) const override {
-        return FactText(rows_[row], column);
-    }
-    std::optional<LevelBar> Bar(size_t row, size_t column) const override {
-        return FactBar(rows_[row], column);
-    }
-    bool IsBold(size_t row) const override { return IsBoldFact(rows_, row); }
     void OnSelected() override {
         if (onSelected) onSelected();
     }
 
     ListControl list_{*this};
-    std::vector<ReportRow> rows_;
 };
 
 }  // namespace vndiscover::host

@@ -105,6 +105,8 @@ void ListControl::FitLast(int minimum) {
     RECT client = {};
     GetClientRect(list_, &client);
     int rest = client.right;
+    // Rows that come later need a scroll bar.
+    if (!(GetWindowLongW(list_, GWL_STYLE) & WS_VSCROLL)) rest -= GetSystemMetrics(SM_CXVSCROLL);
     for (int index = 0; index < last; ++index) rest -= ListView_GetColumnWidth(list_, index);
     if (last >= 0) ListView_SetColumnWidth(list_, last, std::max(rest, minimum));
 }

@@ -128,6 +128,8 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
         GetWindowRect(dialog, &whole);
         least_ = {whole.right - whole.left, whole.bottom - whole.top};
         dpi_ = DpiOf(dialog);
+        SendMessageW(dialog, WM_SETICON, ICON_SMALL,
+                     GetClassLongPtrW(GetWindow(dialog, GW_OWNER), GCLP_HICON));
         Begin();
         CentreOnOwner(dialog);
         return TRUE;
@@ -185,7 +187,6 @@ void ListDialog::SetDpi(int dpi, const RECT& place) {
     font_ = std::move(next);
     OnDpi();
     list_.SetDpi(dpi);
-    list_.SetColumns(columns_);
     for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy}) scale(*size);
     SetWindowPos(dialog_, nullptr, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);

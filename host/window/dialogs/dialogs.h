@@ -35,7 +35,7 @@ void ShowException(HWND owner, bool isScript) noexcept;
 
 // A dialog that leaves its owner enabled. It contains a list and is the model of it. Its user may
 // enlarge it, and move it to a screen of another DPI.
-class ListDialog : protected ListModel {
+class ListDialog : protected virtual ListModel {
   public:
     ~ListDialog() override;
 

@@ -99,15 +99,15 @@ class SnmpDialog {
             loaded_ = profile ? credentials_.profile : L"";
             SetField(IDC_PROFILE, loaded_);
             Show(*known_, true);
-        } else if (!Load(LastProfile())) {
-            Show({}, false);
+        } else {
+            Load(LastProfile());
         }
     }
 
     bool OnCommand(int id, int code) {
         if (id == IDC_PROFILE && code == CBN_SELCHANGE) {
             const auto index = static_cast<size_t>(Send(IDC_PROFILE, CB_GETCURSEL));
-            if (index < names_.size() && !Load(names_[index])) ShowBroken(names_[index]);
+            if (index < names_.size()) Load(names_[index]);
         } else if (code == CBN_SELCHANGE || code == CBN_EDITCHANGE) {
             Grey();
         } else if (id == IDC_PROFILE_DELETE) {
@@ -134,27 +134,20 @@ class SnmpDialog {
         for (const std::wstring& name : names_) Send(IDC_PROFILE, CB_ADDSTRING, 0, name.c_str());
     }
 
-    // Returns false if there is no such profile; the fields are then unchanged.
-    bool Load(const std::wstring& name) {
+    // One that cannot be read shows no user, but may be deleted.
+    void Load(const std::wstring& name) {
         auto profile = ReadProfile(name);
-        if (!profile) return false;
-        loaded_ = name;
-        isClosed_ = !profile->isOpen;
-        SetField(IDC_PROFILE, name);
+        isClosed_ = profile ? !profile->isOpen : IsSaved(name);
+        loaded_ = profile || isClosed_ ? name : L"";
+        SetField(IDC_PROFILE, loaded_);
+        if (!profile) {
+            known_.reset();
+            return Show({}, false);
+        }
         Show(profile->security, profile->isOpen);
         // Passwords typed for a profile that cannot be opened remain valid for it.
         const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
         if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
-        return true;
-    }
-
-    // A profile of which nothing can be read.
-    void ShowBroken(const std::wstring& name) {
-        loaded_ = name;
-        isClosed_ = true;
-        known_.reset();
-        SetField(IDC_PROFILE, name);
-        Show({}, false);
     }
 
     bool IsSaved(const std::wstring& name) const {

@@ -68,6 +68,15 @@ constexpr Command RefreshEvery() {
             [](const Window& w) { return w.watch.Minutes() == minutes; }};
 }
 
+template <unsigned id, int percent>
+constexpr Command LowBelow() {
+    return {id,
+            {},
+            nullptr,
+            [](Window& w) { w.settings.SetLow(percent); },
+            [](const Window& w) { return w.settings.values.lowPercent == percent; }};
+}
+
 // Each menu with its commands. The first ones are in none.
 constexpr Command kTable[] = {
     {IDC_FIND, {}, nullptr, [](Window& w) { w.FindOrStop(); }},
@@ -99,6 +108,10 @@ constexpr Command kTable[] = {
     {kMenuLine},
     {IDM_NARROWER, {0, VK_F7}, nullptr, [](Window& w) { w.panes.Widen(-kStep); }},
     {IDM_WIDER, {0, VK_F8}, nullptr, [](Window& w) { w.panes.Widen(kStep); }},
+    {kMenuLine},
+    LowBelow<IDM_LOW_5, 5>(),
+    LowBelow<IDM_LOW_10, 10>(),
+    LowBelow<IDM_LOW_20, 20>(),
 
     {IDS_MENU_DEVICE},
     {IDM_DETAILS, {}, NoRow, [](Window& w) { SetFocus(w.panes.details.Shown()); }},

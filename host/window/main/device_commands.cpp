@@ -34,7 +34,7 @@ void DeviceCommands::Ask(bool isAgain) {
     const auto target = state_.SelectedTarget();
     if (!target || !state_.workers || state_.progress.IsReading(target->address)) return;
     // Credentials go to an address of a file only if the user says so.
-    if (!isAgain && !state_.session.HasAnsweredHere(*row, target->address)) return;
+    if (!isAgain && !state_.session.HasAnsweredHere(row->answers, target->address)) return;
     if (isAgain && target->credentials.security && target->kind == SweepKind::kSnmpV1) {
         // To a sweep, a device that refuses the user is silent.
         AskTarget second = *target;

@@ -102,7 +102,7 @@ bool ScanCommands::CompareWith(const std::string& path) {
     comparison.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(path)}),
                     ToWide(CountsOf(changes)),
                     {{IDS_CHANGE_DEVICE, 300},
-                     {IDS_CHANGE_WHAT, 120},
+                     {IDS_FACT_WHAT, 120},
                      {IDS_CHANGE_BEFORE, 140},
                      {IDS_CHANGE_AFTER, 140}},
                     std::move(rows));

@@ -13,7 +13,14 @@ void WindowSettings::Restore() {
     if (!state_.options.exit) values = LoadSettings().value_or(values);
     panes_.bar.Restore(values);
     panes_.split = values.splitPercent * 10;
+    state_.session.SetLimits({values.lowPercent});
     ShowColumns();
+}
+
+void WindowSettings::SetLow(int percent) {
+    values.lowPercent = percent;
+    state_.session.SetLimits({percent});
+    state_.showRows();
 }
 
 void WindowSettings::Save() {

@@ -20,6 +20,8 @@ class WindowSettings {
     // Where it was when it was closed last, within the work area of a monitor.
     void PlaceWindow() const;
     void ToggleColumn(Column column);
+    // The percentage below which a supply needs attention.
+    void SetLow(int percent);
     // For columns of another DPI.
     void StoreColumns() { panes_.list.StoreColumns(values); }
     void ShowColumns();

@@ -17,10 +17,10 @@ namespace {
 std::vector<ReportRow> SummaryOf(const Session& session, const DeviceRow* row) {
     const FoundDevice* device = row ? session.DeviceOf(*row) : nullptr;
     Report report;
-    if (device) report = ReportOf(*device, *row, session.GapsOf(*row));
+    if (device) report = ReportOf(*device, *row, session.GapsOf(*row), session.Limits());
     ReportSection note;
     if (!device) note.Add("", ToUtf8(Text(IDS_NO_SELECTION)));
-    if (device && !device->hasVariables && !session.WasAsked(*row))
+    if (device && row->standing.kind == Standing::Kind::kNeverRead)
         note.Add("", ToUtf8(Text(IDS_NOT_ASKED)));
     report.push_back(std::move(note));
     return RowsOf(report);
@@ -127,11 +127,12 @@ void DetailsPane::PlaceLists(Placement& placement) {
 }
 
 void DetailsPane::UpdateLists() {
+    const Box before = placed_;
     {
         Placement placement(GetParent(tabs_));
         PlaceLists(placement);
     }
-    Settle();
+    if (!(placed_ == before)) Settle();  // not while its user scrolls
 }
 
 void DetailsPane::Settle() {
@@ -149,7 +150,13 @@ void DetailsPane::Turn(int pages) {
 unsigned DetailsPane::EmptyText() const {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row) return IDS_NO_SELECTION;
-    return session_.WasAsked(*row) ? IDS_INTERFACES_NONE : IDS_NOT_ASKED;
+    using Kind = Standing::Kind;
+    const Kind kind = row->standing.kind;
+    return kind == Kind::kNeverRead   ? IDS_NOT_ASKED
+           : kind == Kind::kBeingRead ? IDS_PROTOCOL_PENDING
+           : kind == Kind::kRefused   ? IDS_PROTOCOL_REFUSED
+           : row->standing.Holds()    ? IDS_INTERFACES_NONE
+                                      : IDS_PROTOCOL_SILENT;
 }
 
 void DetailsPane::OnNotify(const NMHDR& header) {

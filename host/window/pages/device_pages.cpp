@@ -84,7 +84,7 @@ const std::vector<DevicePage>& DevicePages() {
          {{IDS_ANSWER_OBJECT, 170},
           {IDS_FACT_VALUE, 200},
           {IDS_PROTOCOL, 80},
-          {IDS_FACT_ADDRESS, 100},
+          {IDS_COLUMN_ADDRESS, 100},
           {IDS_CALL_TIME, 140}},
          AnswerRows,
          true},

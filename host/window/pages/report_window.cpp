@@ -1,8 +1,9 @@
 #include "window/pages/report_window.h"
 
+#include <utility>
+
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
-#include "window/controls/facts_list.h"
 #include "window/resource.h"
 
 namespace vndiscover::host {
@@ -33,16 +34,6 @@ void ReportWindow::OnCommand(int id) {
 }
 
 void ReportWindow::OnSelected() { SetItem(IDC_CHOSEN, list_.SelectedText()); }
-
-std::wstring ReportWindow::CellText(size_t row, size_t column) const {
-    return FactText(rows_[row], column);
-}
-
-std::optional<LevelBar> ReportWindow::Bar(size_t row, size_t column) const {
-    return FactBar(rows_[row], column);
-}
-
-bool ReportWindow::IsBold(size_t row) const { return IsBoldFact(rows_, row); }
 
 std::wstring ReportWindow::Commands() const {
     std::wstring commands;

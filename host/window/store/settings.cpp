@@ -21,7 +21,7 @@ bool IsValid(const Settings& settings) {
     }
     return settings.preset < kPresetCount && settings.hidden < kAllColumns &&
            settings.splitPercent >= 20 && settings.splitPercent <= 80 &&
-           settings.refreshMinutes <= 60;
+           settings.refreshMinutes <= 60 && settings.lowPercent >= 0 && settings.lowPercent <= 100;
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ struct Settings {
     uint32_t isMaximized = 0;
     int32_t splitPercent = 66;    // of the width that the list has
     uint32_t refreshMinutes = 0;  // 0: only on demand
+    int32_t lowPercent = 10;      // below which a supply needs attention
 };
 constexpr uint32_t kPresetCount = 3;
 constexpr uint32_t kAllColumns = (1u << kColumnCount) - 1;

@@ -13,7 +13,7 @@ namespace vndiscover::host {
 void Session::BeginSearch() {
     view.Renumber(RemoveFormerAnswers(scan_));
     deviceMaker_ = DeviceMaker();  // descriptions are of answers by their numbers
-    rowMaker_ = RowMaker();
+    rowMaker_ = RowMaker(limits_);
     for (const ScanSweep& sweep : scan_.sweeps) search_ = std::max(search_, sweep.search);
     ++search_;
     isSearching_ = isChanged_ = true;
@@ -112,7 +112,13 @@ void Session::EndReadings() {
 
 void Session::SetAdapters(const AdapterList& adapters) {
     adapters_ = adapters;
-    rowMaker_ = RowMaker();  // rows name the networks
+    rowMaker_ = RowMaker(limits_);  // rows name the networks
+    isChanged_ = true;
+}
+
+void Session::SetLimits(const LevelLimits& limits) {
+    limits_ = limits;
+    rowMaker_ = RowMaker(limits_);
     isChanged_ = true;
 }
 
@@ -146,7 +152,7 @@ void Session::SetScan(Scan scan) {
     logins_.clear();
     added_.clear();
     deviceMaker_ = DeviceMaker();
-    rowMaker_ = RowMaker();
+    rowMaker_ = RowMaker(limits_);
     readings_.clear();
     beingRead_.clear();
     isSweeping_ = {};
@@ -181,7 +187,7 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
     if (!device) return line;
     line.facts = *device->facts;
     line.facts.serialNumber = row.Text(Column::kSerial);
-    line.summary = SummaryOf(line.facts);
+    line.summary = SummaryOf(line.facts, limits_);
     const auto& addresses = device->identity.Of(MergeKey::kAddress);
     line.addresses.assign(addresses.begin(), addresses.end());
     if (row.standing.kind != Standing::Kind::kRead &&
@@ -241,24 +247,23 @@ std::optional<AskTarget> Session::WhomToAskForARefusal() const {
     for (const ScanAnswer& answer : scan_.answers) {
         if (isOfSearch(scan_.sweeps[answer.sweep])) return std::nullopt;
     }
+    // Best one that has SNMPv3, or at least SNMP.
+    std::optional<AskTarget> best;
+    int bestRank = 0;
     for (const FoundDevice& device : devices_) {
-        auto target = TargetOf(device.answers);
-        if (!target || !target->isLoginKnown) continue;
-        target->kind = SweepKind::kSnmpV3;
-        return target;
+        const auto target = TargetOf(device.answers);
+        if (!target || !HasAnsweredHere(device.answers, target->address)) continue;
+        const int rank = target->kind == SweepKind::kSnmpV3 ? 3 : target->isLoginKnown ? 2 : 1;
+        if (rank > std::exchange(bestRank, std::max(rank, bestRank))) best = target;
     }
-    return std::nullopt;
+    if (best) best->kind = SweepKind::kSnmpV3;
+    return best;
 }
 
-bool Session::WasAsked(const DeviceRow& row) const {
-    return std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
-        return readings_.count(scan_.answers[index].address) != 0;
-    });
-}
-
-bool Session::HasAnsweredHere(const DeviceRow& row, const std::string& address) const {
+bool Session::HasAnsweredHere(const std::vector<size_t>& answers,
+                              const std::string& address) const {
     return added_.count(address) != 0 ||
-           std::any_of(row.answers.begin(), row.answers.end(), [&](size_t index) {
+           std::any_of(answers.begin(), answers.end(), [&](size_t index) {
                const ScanAnswer& answer = scan_.answers[index];
                return answer.address == address && scan_.sweeps[answer.sweep].login != 0;
            });

@@ -31,6 +31,9 @@ class Session {
     void AddReading(Results::Read read);
     void EndReadings();  // none is in progress
     void SetAdapters(const AdapterList& adapters);
+    // Below which a supply needs attention, or is critical.
+    void SetLimits(const LevelLimits& limits);
+    const LevelLimits& Limits() const { return limits_; }
     // Updates devices and rows if there are new answers. Returns true if they changed.
     bool Refresh();
 
@@ -55,12 +58,11 @@ class Session {
     // How to read those for the list that have answered the last search, or were added by hand.
     std::vector<AskTarget> TargetsToRead() const;
     // If the last search was by SNMPv3 too, and nobody answered that: a device that has answered
-    // otherwise and can tell whether it refuses the user.
+    // here otherwise or before, or was added by hand, and can tell whether it refuses the user.
     std::optional<AskTarget> WhomToAskForARefusal() const;
-    bool WasAsked(const DeviceRow& row) const;
     // Whether this address has answered, or was added, since the last SetScan. A scan from a file
     // may hold any address.
-    bool HasAnsweredHere(const DeviceRow& row, const std::string& address) const;
+    bool HasAnsweredHere(const std::vector<size_t>& answers, const std::string& address) const;
     // What is missing from the last reading of a device, and why.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
@@ -89,6 +91,7 @@ class Session {
     DeviceMaker deviceMaker_;
     RowMaker rowMaker_;
     AdapterList adapters_;
+    LevelLimits limits_;
     std::array<size_t, kWorkerCount> sweeps_{};  // indexes of the last ones
     std::array<bool, kWorkerCount> isSweeping_{};
     std::map<std::string, std::vector<Reading>> readings_;  // by address, one for each protocol

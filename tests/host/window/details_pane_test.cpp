@@ -102,7 +102,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     EXPECT_EQ(0, Rows());
     const auto empty = [&] { return Text(ListControl::Of(Control(IDC_TABLE))->EmptyText()); };
     EXPECT_EQ(Text(IDS_NOT_ASKED), empty());
-    EXPECT_TRUE(Until([&] { return empty() == Text(IDS_INTERFACES_NONE); }));
+    EXPECT_TRUE(Until([&] { return empty() == Text(IDS_PROTOCOL_SILENT); }));
     EndSweep();
 }
 
@@ -116,6 +116,23 @@ TEST(Sessions, RunningSweepIsNoSilence) {
     EXPECT_EQ(ProtocolState::kPending, session.ProtocolsOf(row).at(2).state);
     session.EndSweep(WorkerId::kWsd, true);
     EXPECT_EQ(ProtocolState::kSilent, session.ProtocolsOf(row).at(2).state);
+}
+
+// Also one that has only been added: its user asks for it.
+TEST(Sessions, RefusalIsAskedOfAKnownDevice) {
+    Session session;
+    SweepStep step;
+    step.kind = SweepKind::kSnmpV3;
+    session.BeginSearch();
+    session.BeginSweep(WorkerId::kSnmp, step, "");
+    session.EndSweep(WorkerId::kSnmp, true);
+    EXPECT_FALSE(session.WhomToAskForARefusal());
+    session.AddByHand({{"10.77.1.9", "hall"}}, "");
+    session.Refresh();
+    const auto target = session.WhomToAskForARefusal();
+    ASSERT_TRUE(target);
+    EXPECT_EQ("10.77.1.9", target->address);
+    EXPECT_EQ(SweepKind::kSnmpV3, target->kind);
 }
 
 }  // namespace

@@ -152,8 +152,10 @@ TEST_F(MainWindowTest, KeepsSettings) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
     Open();
     CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
+    Command(IDM_LOW_20);
     SendMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     Open();
+    EXPECT_EQ(20, window_->state.session.Limits().low);
     EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
     // An invalid value counts as none.
     const char broken[92] = "x";
