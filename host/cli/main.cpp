@@ -9,7 +9,6 @@
 #include "cli/commands.h"
 #include "platform/console.h"
 #include "platform/this_process.h"
-#include "platform/version.h"
 
 namespace {
 

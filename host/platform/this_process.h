@@ -1,6 +1,8 @@
 // What the system tells this process. Text is UTF-8 unless it is wide.
 #pragma once
 
+#include <windows.h>
+
 #include <string>
 #include <vector>
 
@@ -17,5 +19,11 @@ std::string OwnPath();
 
 // The time as "2026-11-25T04:32:23Z".
 std::string UtcNow();
+
+// "1.2.0.0", from the resource of a loaded module; null: of the program. Empty if it has none.
+std::string VersionOf(HMODULE module);
+
+// "10.0.22631", whatever version the manifest names.
+std::string WindowsVersion();
 
 }  // namespace vndiscover::host

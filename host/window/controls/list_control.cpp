@@ -106,7 +106,7 @@ void ListControl::FitLast(int minimum) {
     GetClientRect(list_, &client);
     int rest = client.right;
     // Rows that come later need a scroll bar.
-    if (!(GetWindowLongW(list_, GWL_STYLE) & WS_VSCROLL)) rest -= GetSystemMetrics(SM_CXVSCROLL);
+    if (!(GetWindowLongW(list_, GWL_STYLE) & WS_VSCROLL)) rest -= ScrollBarWidth(dpi_);
     for (int index = 0; index < last; ++index) rest -= ListView_GetColumnWidth(list_, index);
     if (last >= 0) ListView_SetColumnWidth(list_, last, std::max(rest, minimum));
 }

@@ -3,13 +3,21 @@
 #include <shellapi.h>
 
 #include "platform/error_text.h"
+#include "platform/saved_file.h"
 #include "platform/this_process.h"
-#include "platform/version.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
+
+namespace {
+
+void ReportUnopened(WindowState& state, const std::wstring& target, DWORD error) {
+    state.ReportProblem(Text(IDS_NOT_OPENED, {target + ToWide(ErrorText(error))}));
+}
+
+}  // namespace
 
 void OpenElsewhere(WindowState& state, const std::wstring& target, const wchar_t* program) {
     const wchar_t* const file = program ? program : target.c_str();
@@ -17,14 +25,17 @@ void OpenElsewhere(WindowState& state, const std::wstring& target, const wchar_t
         state.window, L"open", file, program ? target.c_str() : nullptr, nullptr, SW_SHOWNORMAL);
     const DWORD error = GetLastError();
     if (reinterpret_cast<INT_PTR>(opened) <= 32)  // as documented, for systems with 16 bits
-        state.ReportProblem(Text(IDS_NOT_OPENED, {target + ToWide(ErrorText(error))}));
+        ReportUnopened(state, target, error);
 }
 
 // Few computers have a program for Markdown, which is readable as text.
 void ShowHelp(WindowState& state) {
     const std::string own = OwnPath();
     const std::string folder = own.substr(0, own.find_last_of('\\'));
-    OpenElsewhere(state, ToWide(folder + "\\..\\docs\\vnbrowser.md"), L"notepad.exe");
+    const std::string page = folder + "\\..\\docs\\vnbrowser.md";
+    // Notepad would offer to make it.
+    if (!FileExists(page)) return ReportUnopened(state, ToWide(page), ERROR_FILE_NOT_FOUND);
+    OpenElsewhere(state, ToWide(page), L"notepad.exe");
 }
 
 void ShowAbout(HWND owner) {

@@ -67,6 +67,7 @@ void Panes::Place() {
 }
 
 SIZE Panes::MinimumSize() const {
+    if (IsIconic(state_.window)) return {};  // whose frame is another one
     RECT window = {}, client = {};
     GetWindowRect(state_.window, &window);
     GetClientRect(state_.window, &client);

@@ -1,6 +1,6 @@
 #include <set>
 
-#include "platform/version.h"
+#include "platform/this_process.h"
 #include "scripted_window.h"
 #include "window/pages/report_window.h"
 
@@ -363,14 +363,20 @@ TEST_F(MainWindowTest, AnswersTheSystemWhileItCloses) {
     EXPECT_FALSE(window_->Handle());
 }
 
-TEST_F(MainWindowTest, HelpOpensOrSaysThatItCannot) {
-    Open();
-    Command(IDM_HELP);
-    EXPECT_EQ(L"notepad.exe", opened);
+TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
+    OpenWith({{"10.77.1.1", "x"}});
+    Select(0);
+    ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     opens = false;
-    const std::string told = Answer({IDOK}, [&] { Command(IDM_HELP); });
+    const std::string page = Answer({IDOK}, [&] { Command(IDM_WEB); });
     opens = true;
-    EXPECT_NE(std::string::npos, told.find("\\docs\\vnbrowser.md")) << told;
+    EXPECT_EQ(0u, page.find("Windows cannot open http://10.77.1.1/")) << page;
+    const std::string help = Answer({IDOK}, [&] { Command(IDM_HELP); });
+    EXPECT_NE(std::string::npos, help.find("\\docs\\vnbrowser.md")) << help;
+}
+
+TEST_F(MainWindowTest, AboutNamesTheVersions) {
+    Open();
     const std::string about = Answer({IDOK}, [&] { Command(IDM_ABOUT); });
     EXPECT_NE(std::string::npos,
               about.find("VnDiscover.dll " + VersionOf(GetModuleHandleW(L"VnDiscover.dll")) +

@@ -210,7 +210,7 @@ TEST_F(Menus, EachControlOfADialogHasALetter) {
         for (HWND child = GetWindow(dialog, GW_CHILD); child;
              child = GetWindow(child, GW_HWNDNEXT)) {
             const bool isButton = TypeOf(child) == L"Button";
-            const bool isLabel = TypeOf(child) == L"Static" && GetDlgCtrlID(child) == 0xFFFF;
+            const bool isLabel = TypeOf(child) == L"Static" && GetDlgCtrlID(child) == -1;
             const bool isFrame =
                 isButton && (GetWindowLongPtrW(child, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
             const int control = GetDlgCtrlID(child);  // Enter and Esc
