@@ -59,6 +59,7 @@ void ListControl::Create(HWND parent, int id, const std::wstring& name, DWORD ex
 
 void ListControl::Attach(HWND list) {
     list_ = list;
+    images_.Reset();  // of a former list
     const LONG_PTR style = GetWindowLongPtrW(list_, GWL_STYLE);
     SetWindowLongPtrW(list_, GWL_STYLE, style | LVS_SHAREIMAGELISTS);  // images_ owns them
     ListView_SetExtendedListViewStyle(list_,

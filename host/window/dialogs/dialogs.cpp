@@ -9,6 +9,7 @@
 #include "platform/messages.h"
 #include "platform/wide_text.h"
 #include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -50,11 +51,12 @@ RECT PlaceIn(HWND dialog, HWND control) {
 // `change` gets each control and its place, to alter it.
 template <class Change>
 void MoveControls(HWND dialog, Change change) {
+    Placement placement(dialog);
     for (HWND each = GetWindow(dialog, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT)) {
         RECT place = PlaceIn(dialog, each);
         change(each, place);
-        MoveWindow(each, place.left, place.top, place.right - place.left, place.bottom - place.top,
-                   TRUE);
+        placement.Move(each,
+                       {place.left, place.top, place.right - place.left, place.bottom - place.top});
     }
 }
 

@@ -239,6 +239,12 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         EXPECT_EQ(2 * font, FontHeight(columns));
         EXPECT_EQ(2 * other, FontHeight(control));
         DestroyWindow(dialog);
+        for (const bool isSameDpi : {false, true}) {  // opened again, with rows as high as before
+            Command(command);
+            const HWND again = PopupOf(window_->Handle());
+            EXPECT_TRUE(ListView_GetImageList(GetDlgItem(again, list), LVSIL_SMALL)) << isSameDpi;
+            DestroyWindow(again);
+        }
     }
 }
 
