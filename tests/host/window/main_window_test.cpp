@@ -296,14 +296,16 @@ TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
     EXPECT_EQ(Control(IDC_DETAILS), GetFocus());
     Command(IDM_NEXT_PANE);
     EXPECT_EQ(Control(IDC_DEVICES), GetFocus());
-    ASSERT_TRUE(Ends());
+    NMITEMACTIVATE twice = {};
+    twice.hdr = {Control(IDC_DEVICES), IDC_DEVICES, static_cast<UINT>(LVN_ITEMACTIVATE)};
+    SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&twice));
+    EXPECT_EQ(Control(IDC_DETAILS), GetFocus());
+    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
     press(IDC_FILTER);
-    ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
+    ASSERT_TRUE(Until([&] { return engine_.sweeps == sweeps + 1; }));
     press(IDC_FILTER);  // stops nothing
-    EXPECT_EQ(sweeps + 1, engine_.sweeps);
     EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
-    engine_.End();
-    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(EndsSweeps());
 }
 
 TEST_F(MainWindowTest, GapBetweenListAndDetailsMoves) {

@@ -162,7 +162,7 @@ TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
     Command(IDM_SPLIT);  // by its key
     EXPECT_EQ(Text(IDS_SELECT_FIRST), TextOf(Control(IDC_STATUS)));
     OpenWithDevice();
-    ASSERT_TRUE(Ends());
+    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
     EXPECT_EQ((std::vector<UINT>{IDM_SPLIT, IDM_STOP}), greyed());
     Command(IDM_SPLIT);
     EXPECT_EQ(Text(IDS_NO_PARTS), TextOf(Control(IDC_STATUS)));
