@@ -1,6 +1,5 @@
-// The commands of the program. Each adds itself to the command line and runs while it is parsed,
-// leaving the process's exit code in `exitCode`. Wrong usage that is found only then is thrown as
-// CLI::ValidationError.
+// The commands. Each adds itself to the command line, runs while it is parsed, and leaves the
+// process's exit code. Wrong usage that is found only then is thrown as CLI::ValidationError.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -9,8 +8,9 @@
 #include <memory>
 #include <string>
 
-#include "device/security.h"
-#include "model/printer/report_text.h"
+#include "device/device.h"
+#include "model/printer/report.h"
+#include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "values/exit_code.h"
 #include "values/oid_text.h"
@@ -41,8 +41,7 @@ void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
 void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
 
-// main puts it before a negative number after "set", which the parser would take for an option. No
-// argument from the system contains it.
+// Before a negative number after "set", which the parser would take for an option; see main.
 constexpr char kNumberMark = '\0';
 
 // For texts that an unset variable of a script would leave empty: "" is wrong usage.
@@ -51,7 +50,6 @@ inline CLI::Option* MustNotBeEmpty(CLI::Option* option) {
         [](const std::string& text) { return text.empty() ? "must not be empty" : ""; }, "");
 }
 
-// The SNMPv3 options of several commands.
 struct V3Options {
     bool isOn = false;
     std::string user, authProtocol, authPassword, privProtocol, privPassword;
@@ -62,37 +60,36 @@ void AddV3Options(CLI::App& command, V3Options& options);
 void AllowSeveralUsers(CLI::App& command);
 std::vector<V3Options> UsersOf(const CLI::App& command);
 
-// Of the environment: passwords of the first user; those of user 2 end in "_2".
-constexpr wchar_t kAuthVariable[] = L"VNDISCOVER_AUTH_PASS";
-constexpr wchar_t kPrivVariable[] = L"VNDISCOVER_PRIV_PASS";
-std::wstring PasswordVariable(const wchar_t* name, size_t number);
-
-// Checks the options, and takes missing passwords from the environment or prompts for them. Null
-// without --v3. `number`: of the user, from 1.
+// Takes missing passwords from the environment or prompts. Null without --v3. `number`: from 1.
 std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number = 1);
 
-// Throws CLI::ValidationError, which names the argument, if the module cannot encode an SNMPv1
-// request of this size. An empty community is the module's own.
+// Throws CLI::ValidationError if the module cannot encode an SNMPv1 request of this size.
 const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // for a community alone
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize = 0);
 
-// Adds --format with the command's own enumerators; the first name is the default.
-template <class Value>
-CLI::Option* AddFormat(CLI::App& command, Value& format,
-                       const std::vector<std::pair<std::string, Value>>& names) {
-    std::string known;
-    for (const auto& name : names) known += (known.empty() ? "" : ", ") + name.first;
-    const auto choose = [&format, names, known](const std::string& text) {
-        for (const auto& [name, value] : names) {
-            if (name != text) continue;
-            format = value;
-            return;
-        }
-        throw CLI::ValidationError("--format", "'" + text + "' is not one of " + known);
-    };
-    return command.add_option_function<std::string>("--format", choose, "Output: " + known)
-        ->type_name("FORMAT");
-}
+// Adds --format; the names are of the first enumerators, and the first one is the default.
+CLI::Option* AddFormat(CLI::App& command, Format& format,
+                       const std::vector<std::string>& names = {"text", "json"});
+
+struct DeviceOptions {
+    std::string host, community, writeCommunity;
+    Format format = Format::kText;
+    V3Options v3;
+};
+
+CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
+                           DeviceOptions& options);
+
+// Adds the SNMPv3 options, which exclude --community.
+void AddDeviceV3(CLI::App& command, DeviceOptions& options);
+
+// For a host that is neither an address nor a name with one: "no answer" alone would not tell.
+void WarnIfUnknown(const std::string& host);
+
+// Does so too. Throws CLI::ValidationError. May prompt for passwords.
+Device OpenDevice(const DeviceOptions& options);
+
+int ExitCodeOf(Status status);
 
 }  // namespace vndiscover::host

@@ -1,9 +1,9 @@
 #include <utility>
 #include <vector>
 
-#include "cli/device_options.h"
+#include "cli/commands.h"
 #include "cli/scan_keeper.h"
-#include "model/printer/report_text.h"
+#include "model/printer/report.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
@@ -31,7 +31,7 @@ be read.)";
 struct CompareOptions {
     std::string before, after;
     bool withPageCounts = false;
-    TextFormat format = TextFormat::kText;
+    Format format = Format::kText;
 };
 
 int RunCompare(const CompareOptions& options) {
@@ -40,8 +40,8 @@ int RunCompare(const CompareOptions& options) {
         CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
     comparison.beforeName = options.before;
     comparison.afterName = options.after;
-    Print(options.format == TextFormat::kJson ? ComparisonJson(comparison)
-                                              : ReportText(ReportOf(comparison), OutputStyle()));
+    Print(options.format == Format::kJson ? ComparisonJson(comparison)
+                                          : ReportText(ReportOf(comparison), OutputStyle()));
     return comparison.IsEqual(options.withPageCounts) ? kFound : kNone;
 }
 
@@ -57,8 +57,7 @@ void AddCompareCommand(CLI::App& app, int& exitCode) {
     add("NEW", options->after, "File of the later scan");
     command->add_flag("--page-counts", options->withPageCounts,
                       "Count other page counts as differences");
-    AddFormat<TextFormat>(*command, options->format,
-                          {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
+    AddFormat(*command, options->format);
     command->footer(kExamples);
     command->callback([options, &exitCode] { exitCode = RunCompare(*options); });
 }

@@ -1,6 +1,6 @@
 #include <cjson/cJSON.h>
 
-#include "cli/device_options.h"
+#include "cli/commands.h"
 #include "cli/variable_writer.h"
 #include "model/asking/answer.h"
 #include "model/asking/walk.h"
@@ -117,7 +117,7 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
         CheckOid(options, "OID", oids.back());
     }
     const Device device = OpenDevice(options);
-    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
+    VariableWriter writer(options.format == Format::kJson, options.withNames);
     int exitCode = kFound;
     const Asker asker = AskerOf(device);
     PatientAsker patient(asker);
@@ -158,7 +158,7 @@ int RunSet(Options options) {
     CheckRequest("--write-community", options.writeCommunity, oid);
     CheckRequest("VALUE", options.writeCommunity, oid, value->bytes.size());
     const Device device = OpenDevice(options);
-    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
+    VariableWriter writer(options.format == Format::kJson, options.withNames);
     const Answer answer = device.Set(oid, *value);
     Show(writer, answer);
     Print(writer.End());
@@ -191,7 +191,7 @@ int RunWalk(const Options& options) {
     const Oid root = ParsedOid("ROOT", options.root);
     CheckOid(options, "ROOT", WalkStart(root));
     const Device device = OpenDevice(options);
-    VariableWriter writer(options.format == TextFormat::kJson, options.withNames);
+    VariableWriter writer(options.format == Format::kJson, options.withNames);
     const Asker asker = AskerOf(device);
     const WalkEnd end = WalkSubtree(
         asker, root,
@@ -207,7 +207,7 @@ int RunWalk(const Options& options) {
 int RunInfo(const Options& options) {
     const Device device = OpenDevice(options);
     const auto information = device.Information();
-    if (options.format == TextFormat::kJson) {
+    if (options.format == Format::kJson) {
         const JsonItem element(cJSON_CreateObject());
         AddText(element.get(), "host", options.host);
         if (information) {

@@ -1,12 +1,11 @@
 #include <vndiscover.h>
 
-#include "cli/device_options.h"
+#include "cli/commands.h"
 #include "device/sweeps.h"
 #include "model/computer/doctor_report.h"
-#include "model/printer/report_text.h"
+#include "model/printer/report.h"
 #include "model/scan/fact_json.h"
 #include "platform/console.h"
-#include "platform/host_address.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
 
@@ -40,8 +39,8 @@ int RunOnComputer(const DeviceOptions& options) {
     report.front().Add("Asked", std::string("'vndiscover sweep' asks community '") +
                                     VN_DEFAULT_COMMUNITY + "' for " + VN_DEFAULT_DISCOVERY_OID +
                                     kAskOtherwise);
-    Print(options.format == TextFormat::kJson ? ComputerJson(computer)
-                                              : ReportText(report, OutputStyle()));
+    Print(options.format == Format::kJson ? ComputerJson(computer)
+                                          : ReportText(report, OutputStyle()));
     return computer.causes.empty() ? kFound : kNone;
 }
 
@@ -83,8 +82,8 @@ int RunOnHost(const DeviceOptions& options) {
                          "' for the variable after sysDescr.0; " + doctor + " -c COMMUNITY' and " +
                          doctor + " --v3 -u USER' ask otherwise");
     }
-    Print(options.format == TextFormat::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
-                                              : ReportText(report, OutputStyle()));
+    Print(options.format == Format::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
+                                          : ReportText(report, OutputStyle()));
     if (IsUnsendable(diagnosis)) return kSendFailed;
     return IsUsable(diagnosis) ? kFound : kNone;
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "cli/commands.h"
+#include "device/ask_process.h"
 #include "platform/console.h"
 #include "platform/this_process.h"
 
@@ -19,8 +20,7 @@ std::string Version() {
     return "VnDiscover " + vndiscover::host::VersionOf(GetModuleHandleW(L"VnDiscover.dll"));
 }
 
-// Shows only the type of options and arguments: exclusions are explained by the error message, and
-// leave too little room for the descriptions.
+// Shows only types: exclusions would leave too little room for the descriptions.
 class HelpFormatter : public CLI::Formatter {
   public:
     std::string make_option_opts(const CLI::Option* option) const override {
@@ -82,6 +82,10 @@ int Run() {
         "vndiscover");
     BuildCommandLine(app, exitCode);
     std::vector<std::string> arguments = vndiscover::host::CommandLineArguments();
+    if (arguments == std::vector<std::string>{vndiscover::host::kReaderOption}) {
+        vndiscover::host::ServeReader();
+        return vndiscover::host::kFound;
+    }
     ProtectNegativeNumbers(arguments);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
@@ -100,9 +104,8 @@ void IgnoreInvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsi
 }  // namespace
 
 int main() {
-    // A device may answer a set request with more bytes than were sent. The C runtime then refuses
-    // to copy them and calls this handler, whose default may end the process. Set checks the
-    // length.
+    // A device may answer a set request with more bytes than were sent. The C runtime refuses to
+    // copy them and calls this handler, whose default ends the process. Set checks the length.
     _set_invalid_parameter_handler(IgnoreInvalidParameter);
     const vndiscover::host::ConsoleSession console;
     try {

@@ -4,11 +4,11 @@
 #include <atomic>
 #include <string>
 
-#include "cli/device_options.h"
-#include "model/printer/report_text.h"
+#include "cli/commands.h"
+#include "model/printer/report.h"
 #include "model/scan/fact_json.h"
 #include "platform/console.h"
-#include "platform/this_process.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 namespace {
@@ -51,7 +51,7 @@ int RunPrinter(const PrinterOptions& options) {
     if (answers.values.empty()) {
         Warn(options.host + ": " +
              (answers.gaps.empty() ? "no values" : answers.gaps.front().reason));
-        if (options.format == TextFormat::kJson) Print(PrinterJson(FactsOf(answers), options.host));
+        if (options.format == Format::kJson) Print(PrinterJson(FactsOf(answers), options.host));
         return std::max<int>(kNone, ExitCodeOf(answers.lastStatus));
     }
     PrinterFacts facts = FactsOf(answers);
@@ -61,8 +61,8 @@ int RunPrinter(const PrinterOptions& options) {
     report.push_back(InterfaceSection(facts));
     TextStyle style = OutputStyle();
     style.hasDetails = options.isVerbose;
-    Print(options.format == TextFormat::kJson ? PrinterJson(facts, options.host)
-                                              : ReportText(report, style));
+    Print(options.format == Format::kJson ? PrinterJson(facts, options.host)
+                                          : ReportText(report, style));
     if (answers.lastStatus != Status::kAnswered) {
         Warn("the report is cut short: " + options.host + " was not asked any further");
         return ExitCodeOf(answers.lastStatus);

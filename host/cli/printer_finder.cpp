@@ -2,20 +2,20 @@
 
 #include <vndiscover.h>
 
+#include <algorithm>
 #include <future>
 #include <list>
-#include <optional>
+#include <tuple>
 
-#include "device/device.h"
 #include "device/sweeps.h"
-#include "model/asking/json_request.h"
 #include "model/scan/device_merge.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
-#include "platform/this_process.h"
 #include "platform/wide_text.h"
+#include "values/ip_address.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 namespace {
@@ -23,29 +23,21 @@ namespace {
 constexpr size_t kMaxProcesses = 6;
 constexpr auto kPoll = std::chrono::milliseconds(50);
 
+void SortWorstFirst(std::vector<PrinterLine>& printers) {
+    const auto order = [](const PrinterLine& printer) {
+        const std::string address = printer.addresses.empty() ? "" : printer.addresses.front();
+        return std::make_tuple(SeverityOrder(printer.summary.severity),
+                               printer.summary.lowestSupply.value_or(101), AddressOrder(address));
+    };
+    std::stable_sort(printers.begin(), printers.end(),
+                     [&](const auto& one, const auto& other) { return order(one) < order(other); });
+}
+
 }  // namespace
 
 std::string NameOf(const Login& login) {
     return login.security ? "the SNMPv3 user '" + ToUtf8(login.security->user) + "'"
                           : "community '" + PlainText(login.community) + "'";
-}
-
-AskNext DirectAsker(const std::vector<Login>& logins) {
-    // The device that was asked last is kept: it may have learned how it is reached.
-    struct Last {
-        const Login* login = nullptr;
-        std::string address;
-        std::optional<Device> device;
-    };
-    return [&logins, last = std::make_shared<Last>()](size_t login, const std::string& address,
-                                                      const Oid& oid) {
-        const Login& by = logins.at(login);
-        if (last->login != &by || last->address != address) {
-            *last = {&by, address, Device(address, ToAnsi(by.community), "")};
-            last->device->Use(by.security);
-        }
-        return last->device->GetNext(oid);
-    };
 }
 
 void PrinterFinder::Run(bool useIPv6) {
@@ -62,7 +54,22 @@ void PrinterFinder::Run(bool useIPv6) {
         }
     }
     ReadAll(watch);
+    if (!watch.IsStopped()) FindRefusals();
     isStopped_ = watch.IsStopped();
+}
+
+// Over SNMPv3 a device that refuses is not found, so one that was found by another login is asked.
+void PrinterFinder::FindRefusals() {
+    OwnReader reader(logins_);
+    for (size_t login = 0; login < logins_.size(); ++login) {
+        const auto& devices = fleet_.Devices();
+        const bool isKnown = std::any_of(devices.begin(), devices.end(),
+                                         [&](const auto& one) { return one.login == login; });
+        if (!logins_[login].security || isKnown || devices.empty()) continue;
+        const Answer answer = reader.GetNext(login, devices[0].address, OidOf("sysDescr"));
+        if (answer.status == Status::kRefused)
+            refusals_.push_back(NameOf(logins_[login]) + ": " + answer.note);
+    }
 }
 
 void PrinterFinder::ShowPhase(std::string phase) {
@@ -75,12 +82,6 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
     const Oid oid = *ParseOidOrName(object);
     const SweepKind kind = by.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
     scan_.sweeps.push_back({kind, FormOf(kind, oid), useIPv6, oid, UtcNow()});
-    SnmpSweep sweep;
-    sweep.useIPv6 = useIPv6;
-    sweep.community = ToWide(by.community);
-    sweep.oid = ToWide(OidToText(oid));
-    sweep.security = by.security.get();
-    if (by.security) sweep.request = ToWide(RequestFor(OidToText(oid)));
     ShowPhase("sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : ""));
     const ResultWindow window([&](const char* address, const char* value) {
         scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
@@ -90,12 +91,11 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
         const std::lock_guard<std::mutex> lock(mutex_);
         fleet_.Add(address, login, std::move(known));
     });
-    wasSent_ |= RunSweep(window.Handle(), ResultWindow::kMessage, sweep);
+    wasSent_ |= RunSweep(window.Handle(), ResultWindow::kMessage, SweepFor(by, oid, useIPv6));
     window.Rethrow();
 }
 
-// Takes jobs until there are none.
-void PrinterFinder::Work(const AskNext& ask, const std::function<bool()>& mayGoOn) {
+void PrinterFinder::Work(Reader& reader, const std::function<bool()>& mayGoOn) {
     std::unique_lock<std::mutex> lock(mutex_);
     while (mayGoOn() && !fleet_.IsOver()) {
         auto job = fleet_.Next();
@@ -110,7 +110,7 @@ void PrinterFinder::Work(const AskNext& ask, const std::function<bool()>& mayGoO
             Asker asker;
             asker.isV3 = logins_[login].security != nullptr;
             asker.mayGoOn = mayGoOn;
-            asker.getNext = [&](const Oid& oid) { return ask(login, address, oid); };
+            asker.getNext = [&](const Oid& oid) { return reader.GetNext(login, address, oid); };
             job = ReadJob(std::move(*job), asker);
             lock.lock();
             if (mayGoOn()) fleet_.Done(std::move(*job));
@@ -129,15 +129,13 @@ void PrinterFinder::ReadAll(const SweepWatch& watch) {
     ShowPhase("");
     const size_t count = std::min(kMaxProcesses, devices_.size() / 2);
     const OwnedHandle job = EndingJob();
-    std::list<AskProcess> processes;
+    std::list<ReaderProcess> processes;
     std::vector<std::future<void>> readers;
     try {
         for (size_t i = 0; i < count && mayGoOn(); ++i) {
-            AskProcess& process = processes.emplace_back(askOption_.c_str(), job.Get());
+            ReaderProcess& process = processes.emplace_back(logins_, job.Get());
             readers.push_back(std::async(std::launch::async, [this, &process, &mayGoOn] {
-                Work([&](size_t login, const std::string& address,
-                         const Oid& oid) { return process.GetNext(login, address, oid); },
-                     [&] { return process.IsAlive() && mayGoOn(); });
+                Work(process, [&] { return process.IsAlive() && mayGoOn(); });
             }));
         }
     } catch (const std::exception&) {  // no memory, or no thread: there are fewer readers
@@ -147,11 +145,12 @@ void PrinterFinder::ReadAll(const SweepWatch& watch) {
         }
     }
     if (!mayGoOn()) {  // a request would take up to 10 s
-        for (AskProcess& process : processes) process.End();
+        for (ReaderProcess& process : processes) process.End();
     }
     for (const std::future<void>& reader : readers) reader.wait();
     // What is left: few devices, or those of readers that could not start or ran out of memory.
-    Work(DirectAsker(logins_), mayGoOn);
+    OwnReader here(logins_);
+    Work(here, mayGoOn);
 }
 
 std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size_t& others) {

@@ -1,6 +1,8 @@
 #include <vndiscover.h>
 
 #include <algorithm>
+#include <array>
+#include <numeric>
 
 #include "cli/commands.h"
 #include "cli/printer_finder.h"
@@ -8,12 +10,11 @@
 #include "platform/console.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
+#include "values/plain_text.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
-
-constexpr char kAskOption[] = "--ask-for-another-process";
 
 constexpr char kExamples[] =
     R"(Sweeps with the communities "public" and "sesame", or those that you give, asks
@@ -36,16 +37,13 @@ Examples:
 Exit codes: 0 printers found, 1 none, 2 wrong usage, 3 no request could be sent,
 4 with --strict: a printer is not fine.)";
 
-enum class PrintersFormat { kText, kJson, kCsv };
-
 struct PrintersOptions {
     std::vector<std::string> communities;
     V3Options v3;  // of the last --v3
     bool useIPv6 = false;
     bool isStrict = false;
-    bool isForOther = false;  // asks devices for the process that started this one
     LevelLimits limits;
-    PrintersFormat format = PrintersFormat::kText;
+    Format format = Format::kText;
 };
 
 std::vector<Login> LoginsOf(const PrintersOptions& options, const std::vector<V3Options>& users) {
@@ -55,18 +53,82 @@ std::vector<Login> LoginsOf(const PrintersOptions& options, const std::vector<V3
         logins.push_back({community, nullptr});
     }
     if (logins.empty()) logins = {{"public", nullptr}, {VN_DEFAULT_COMMUNITY, nullptr}};
-    for (size_t number = 1; number <= users.size(); ++number) {
+    for (size_t number = 1; number <= users.size(); ++number)
         logins.push_back({"", ResolveSecurity(users[number - 1], number)});
-        // For the processes that are started with the same command line.
-        const Security& user = *logins.back().security;
-        const auto pass = [number](const wchar_t* name, const Secret& password) {
-            if (!password.IsEmpty())
-                SetEnvironmentVariableW(PasswordVariable(name, number).c_str(), password.Get());
-        };
-        pass(kAuthVariable, user.authPassword);
-        pass(kPrivVariable, user.privPassword);
-    }
     return logins;
+}
+
+constexpr size_t kColumns = 5;
+using Cells = std::array<std::string, kColumns>;
+
+Cells CellsOf(const PrinterLine& printer) {
+    const PrinterSummary& summary = printer.summary;
+    const bool isFine = summary.severity == Severity::kFine;
+    const std::string state = summary.state.empty() ? printer.problem : summary.state;
+    return {(isFine ? "" : SeverityName(summary.severity) + std::string(": ")) + state,
+            summary.supply, printer.facts.name, printer.facts.model, Joined(printer.addresses)};
+}
+
+std::string Cut(const std::string& text, size_t width) {
+    if (CharacterCount(text) <= width) return text;
+    std::string cut;
+    size_t left = width - 2;
+    for (std::string_view rest = text; left > 0; --left) {
+        const size_t size = FirstCharacter(rest).bytes;
+        cut += rest.substr(0, size);
+        rest.remove_prefix(size);
+    }
+    return cut + "..";
+}
+
+// One line each, of at most `width` characters if the columns' contents can be cut to it.
+std::string PrintersText(const std::vector<PrinterLine>& printers, size_t width) {
+    std::vector<Cells> rows = {{"STATE", "LOWEST SUPPLY", "NAME", "MODEL", "ADDRESS"}};
+    for (const PrinterLine& printer : printers) rows.push_back(CellsOf(printer));
+    std::array<size_t, kColumns> widths = {};
+    for (const Cells& row : rows) {
+        for (size_t i = 0; i < kColumns; ++i)
+            widths[i] = std::max(widths[i], CharacterCount(row[i]));
+    }
+    // The widest columns are cut; addresses stay whole.
+    constexpr size_t kLeast = 8;
+    for (size_t sum = std::accumulate(widths.begin(), widths.end(), 2 * (kColumns - 1));
+         sum > width; --sum) {
+        size_t& widest = *std::max_element(widths.begin(), widths.end() - 1);
+        if (widest <= kLeast) break;
+        --widest;
+    }
+    std::string text;
+    for (const Cells& row : rows) {
+        for (size_t i = 0; i + 1 < kColumns; ++i)
+            text += Padded(Cut(row[i], widths[i]), widths[i] + 2);
+        text += row[kColumns - 1] + "\n";
+    }
+    return text;
+}
+
+std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
+    std::string text =
+        "severity,state,lowest supply,name,model,addresses,serial number,location,firmware,"
+        "page count,supplies,not read\n";
+    for (const PrinterLine& printer : printers) {
+        const PrinterFacts& facts = printer.facts;
+        std::vector<std::string> cells = {SeverityName(printer.summary.severity),
+                                          printer.summary.state,
+                                          printer.summary.supply,
+                                          facts.name,
+                                          facts.model,
+                                          Joined(printer.addresses),
+                                          facts.serialNumber,
+                                          facts.location,
+                                          facts.description,
+                                          CountText(facts),
+                                          SuppliesText(facts),
+                                          printer.problem};
+        for (std::string& cell : cells) cell = CsvCell(cell);
+        text += Joined(cells, ",") + "\n";
+    }
+    return text;
 }
 
 std::string AskedText(const std::vector<Login>& logins) {
@@ -75,7 +137,6 @@ std::string AskedText(const std::vector<Login>& logins) {
     return Joined(names, " and ") + " for " + kPrinterObject;
 }
 
-// Why the list is empty, or not complete.
 void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
             const std::vector<PrinterLine>& printers, size_t others) {
     const auto incomplete =
@@ -84,6 +145,7 @@ void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
     if (incomplete > 0)
         Warn("printers that could not be read whole: " + std::to_string(incomplete));
     if (others > 0) Warn("devices that answered but are no printers: " + std::to_string(others));
+    for (const std::string& refusal : finder.Refusals()) Warn(refusal);
     if (finder.IsStopped()) return;
     WarnAtEnd(false, printers.size(),
               finder.WasSent() ? "no printer answered " + AskedText(logins) +
@@ -94,18 +156,14 @@ void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
 
 int RunPrinters(const PrintersOptions& options, const std::vector<V3Options>& users) {
     const std::vector<Login> logins = LoginsOf(options, users);
-    if (options.isForOther) {
-        ServeAskProcess(DirectAsker(logins));
-        return kFound;
-    }
-    PrinterFinder finder(logins, ToWide(kAskOption));
+    PrinterFinder finder(logins);
     finder.Run(options.useIPv6);
     if (finder.IsStopped()) Warn("stopped: the list is not complete");
     size_t others = 0;
     const std::vector<PrinterLine> printers = finder.Printers(options.limits, others);
-    if (options.format == PrintersFormat::kJson) Print(PrintersJson(printers));
-    if (options.format == PrintersFormat::kCsv) Print(PrintersCsv(printers));
-    if (options.format == PrintersFormat::kText && !printers.empty())
+    if (options.format == Format::kJson) Print(PrintersJson(printers));
+    if (options.format == Format::kCsv) Print(PrintersCsv(printers));
+    if (options.format == Format::kText && !printers.empty())
         Print(PrintersText(printers, OutputWidth(SIZE_MAX)));
     WarnOf(finder, logins, printers, others);
     if (printers.empty()) return finder.WasSent() || finder.IsStopped() ? kNone : kSendFailed;
@@ -130,13 +188,9 @@ void AddPrintersCommand(CLI::App& app, int& exitCode) {
     command->add_option("--low", options->limits.low, "Level that needs attention, below [10]")
         ->type_name("PERCENT")
         ->check(CLI::Range(0, 100).description(""));
-    AddFormat<PrintersFormat>(*command, options->format,
-                              {{"text", PrintersFormat::kText},
-                               {"json", PrintersFormat::kJson},
-                               {"csv", PrintersFormat::kCsv}});
+    AddFormat(*command, options->format, {"text", "json", "csv"});
     AddV3Options(*command, options->v3);
     AllowSeveralUsers(*command);
-    command->add_flag(kAskOption, options->isForOther)->group("");
     command->footer(kExamples);
     command->callback(
         [options, command, &exitCode] { exitCode = RunPrinters(*options, UsersOf(*command)); });

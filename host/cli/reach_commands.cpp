@@ -1,6 +1,6 @@
 #include <vndiscover.h>
 
-#include "cli/device_options.h"
+#include "cli/commands.h"
 #include "device/sweeps.h"
 #include "platform/console.h"
 #include "platform/wide_text.h"

@@ -9,7 +9,7 @@
 #include "model/scan/device_merge.h"
 #include "platform/console.h"
 #include "platform/saved_file.h"
-#include "platform/this_process.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 
@@ -46,7 +46,6 @@ std::string UnusedPath(const std::string& path) {
     return path + "." + std::to_string(number);
 }
 
-// The scan in the file and this run's.
 std::optional<std::string> Appended(const std::string& path, const Scan& more,
                                     std::string& problem) {
     try {
@@ -57,12 +56,6 @@ std::optional<std::string> Appended(const std::string& path, const Scan& more,
         problem = error.what();
         return std::nullopt;
     }
-}
-
-void Replace(const std::string& path, const std::string& text) {
-    std::string problem;
-    if (!ReplaceFileText(path, text, problem))
-        throw std::runtime_error("'" + path + "' " + problem);
 }
 
 }  // namespace
@@ -90,11 +83,11 @@ void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
     ScanAnswer answer;
     answer.address = address;
     answer.answer = Received(bytes);
-    Keep(std::move(answer));
+    AddAnswer(std::move(answer));
 }
 
 // False if it is left out: one address may flood half of the room, but not take it from others.
-bool ScanKeeper::Keep(ScanAnswer answer) {
+bool ScanKeeper::AddAnswer(ScanAnswer answer) {
     constexpr size_t kMembers = 128;      // bytes for the members other than the answer itself
     constexpr size_t kManyAnswers = 256;  // all that is read of a device
     size_t& count = counts_[answer.address];
@@ -131,7 +124,7 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
         ++asked;
         device.SetHost(address);
         for (auto& [oid, answer] : ReadPrinter(asker).values)
-            Keep({0, "", address, std::move(answer)});
+            AddAnswer({0, "", address, std::move(answer)});
     }
 }
 
@@ -154,7 +147,8 @@ void ScanKeeper::Save() const {
     size_t leftOut = 0;
     if (!text) text = WriteFittingScan(scan_, kMaxScanSize, leftOut, problem);
     if (!text) throw std::runtime_error("the scan is not saved: " + problem);
-    Replace(path, *text);
+    if (!ReplaceFileText(path, *text, problem))
+        throw std::runtime_error("'" + path + "' " + problem);
     leftOut += leftOut_;
     if (leftOut > 0)
         note += (note.empty() ? "'" : "; '") + path + "' lacks " + std::to_string(leftOut) +

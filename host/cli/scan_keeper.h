@@ -25,13 +25,11 @@ Scan LoadScan(const std::string& path, const std::string& option);
 
 class ScanKeeper {
   public:
-    // Checks that the file, if it exists, is a scan or empty, and that it can be written. Throws
-    // CLI::ValidationError.
+    // Throws CLI::ValidationError if the file is neither new, empty nor a scan, or is not writable.
     explicit ScanKeeper(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
 
-    // Begins a sweep, to which the answers from now on belong. The first one also begins to keep
-    // them from being lost by a Ctrl-C.
+    // The answers from now on belong to this sweep. From the first one on, a Ctrl-C loses none.
     void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
     void Add(const std::string& address, std::string_view bytes);
 
@@ -39,13 +37,12 @@ class ScanKeeper {
     // community or the security settings. A device takes two minutes at most. Ctrl-C ends it.
     void AskDevices(Device& device, bool useIPv6);
 
-    // An empty scan does not replace one with devices. If the file of --append cannot take this
-    // run's answers, they are saved in another one. Throws std::runtime_error, also after a save
-    // that had to leave answers out.
+    // An empty scan does not replace one with devices. What the file of --append cannot take is
+    // saved in another one. Throws std::runtime_error, also if answers are left out.
     void Save() const;
 
   private:
-    bool Keep(ScanAnswer answer);
+    bool AddAnswer(ScanAnswer answer);
 
     SaveOptions options_;
     bool hasDevices_ = false;  // the file

@@ -11,6 +11,7 @@
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "platform/error_text.h"
+#include "platform/owned.h"
 #include "platform/result_window.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
@@ -50,7 +51,7 @@ Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
 struct SweepOptions {
     std::string community, oid, jsonPath, csvPath;
     bool useIPv6 = false;
-    Format format = Format::kTable;
+    Format format = Format::kText;
     V3Options v3;
     SaveOptions save;
 };
@@ -78,9 +79,8 @@ void CheckCsvPath(const std::string& path) {
     const std::wstring wide = ToWide(path);
     if (wide.size() > VN_TEXT_MAX)
         throw CLI::ValidationError("--csv", "the path has more than 259 characters");
-    FILE* file = _wfopen(wide.c_str(), L"ab");
+    const OwnedStream file(_wfopen(wide.c_str(), L"ab"));
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
-    std::fclose(file);
 }
 
 // Each would replace what another one keeps or holds.
@@ -128,30 +128,23 @@ Sweep Prepare(const SweepOptions& options) {
     return sweep;
 }
 
-// The result file of an SNMPv3 sweep, whose exports take no path: written here from the result
-// messages.
+// The result file of an SNMPv3 sweep, whose exports take no path.
 class CsvFile {
   public:
     explicit CsvFile(const std::wstring& path)
         : file_(path.empty() ? nullptr : _wfopen(path.c_str(), L"w")) {}
-    ~CsvFile() {
-        if (file_) std::fclose(file_);
-    }
-    CsvFile(const CsvFile&) = delete;
-    CsvFile& operator=(const CsvFile&) = delete;
     void Write(const std::string& row) {
         if (!file_) return;
         // A row of 4 KB or more is not buffered, so flushing does not tell that it failed.
-        bool isWritten = std::fwrite(row.data(), 1, row.size(), file_) == row.size();
+        bool isWritten = std::fwrite(row.data(), 1, row.size(), file_.Get()) == row.size();
         // Keeps the line even if the process is terminated.
-        if (std::fflush(file_) != 0) isWritten = false;
+        if (std::fflush(file_.Get()) != 0) isWritten = false;
         if (!isWritten && problem_.empty()) problem_ = ErrorText(GetLastError());
     }
-    // Why rows are missing; empty if none are.
     const std::string& Problem() const { return problem_; }
 
   private:
-    FILE* file_;
+    OwnedStream file_;
     std::string problem_;
 };
 
@@ -240,8 +233,7 @@ void AddSweepCommand(CLI::App& app, int& exitCode) {
     CLI::Option* csv = command->add_option("--csv", options->csvPath,
                                            "Also write \"address\",\"value\" lines to this file");
     MustNotBeEmpty(csv->type_name("PATH"));
-    AddFormat<Format>(*command, options->format,
-                      {{"table", Format::kTable}, {"json", Format::kJson}, {"csv", Format::kCsv}});
+    AddFormat(*command, options->format, {"table", "json", "csv"});
     AddSaveOptions(*command, options->save);
     AddV3Options(*command, options->v3);
     command->get_option("--v3")->excludes(community);

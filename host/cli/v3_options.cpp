@@ -3,7 +3,7 @@
 #include <map>
 
 #include "cli/commands.h"
-#include "device/security_labels.h"
+#include "device/security.h"
 #include "platform/console.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -28,18 +28,18 @@ const Field kFields[] = {{"-u,--user", "User name", "USER", &V3Options::user},
 // "-u"
 std::string ShortName(const Field& field) { return std::string(field.name).substr(0, 2); }
 
-// From the command line, otherwise from the environment, otherwise from the user. Rejects an empty
-// password: it would give no key, and the module would send its requests unprotected.
-Secret FetchPassword(const std::string& given, const char* option, const std::wstring& variable,
-                     const std::string& prompt) {
+// From the command line, the environment or the user. Rejects an empty password: the module would
+// send its requests unprotected. The second user's variables end in "_2".
+Secret FetchPassword(const std::string& given, const char* option, std::wstring variable,
+                     size_t number, const std::string& prompt) {
+    if (number > 1) variable += L"_" + std::to_wstring(number);
     Secret password(ToWide(given));
     if (password.IsEmpty()) password = Secret(Environment(variable.c_str()));
     if (password.IsEmpty()) password = Secret(PromptHidden(prompt).value_or(std::wstring()));
-    if (password.IsEmpty()) {
+    if (password.IsEmpty())
         throw CLI::ValidationError(option, "a password is missing: give it with " +
                                                std::string(option) + " or in the variable " +
                                                ToUtf8(variable));
-    }
     return password;
 }
 
@@ -82,18 +82,13 @@ std::vector<V3Options> UsersOf(const CLI::App& command) {
             if (!option->check_name(ShortName(field))) continue;
             if (users.empty()) users.emplace_back();
             std::string& value = users.back().*field.value;
-            if (!value.empty()) {
+            if (!value.empty())
                 throw CLI::ValidationError(ShortName(field),
                                            "given twice; each user begins with --v3");
-            }
             value = option->results()[read[option]++];
         }
     }
     return users;
-}
-
-std::wstring PasswordVariable(const wchar_t* name, size_t number) {
-    return name + (number == 1 ? std::wstring() : L"_" + std::to_wstring(number));
 }
 
 std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number) {
@@ -105,32 +100,24 @@ std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t
     security.user = ToWide(options.user);
     security.useAuth = !options.authProtocol.empty();
     security.usePriv = !options.privProtocol.empty();
-    if (!security.useAuth && (security.usePriv || !options.authPassword.empty())) {
+    if (!security.useAuth && (security.usePriv || !options.authPassword.empty()))
         throw CLI::ValidationError("-a", "privacy and passwords need an authentication protocol");
-    }
-    if (!security.usePriv && !options.privPassword.empty()) {
+    if (!security.usePriv && !options.privPassword.empty())
         throw CLI::ValidationError("-x", "-X needs a privacy protocol");
-    }
     // Both labels are checked before a password is prompted for.
-    if (security.useAuth) {
+    if (security.useAuth)
         security.authLabel =
             Label(AuthLabel(options.authProtocol), "-a", options.authProtocol, kAuthProtocols);
-    }
-    if (security.usePriv) {
+    if (security.usePriv)
         security.privLabel =
             Label(PrivLabel(options.privProtocol), "-x", options.privProtocol, kPrivProtocols);
-    }
     const std::string whose = number == 1 ? ": " : " of '" + options.user + "': ";
-    if (security.useAuth) {
-        security.authPassword =
-            FetchPassword(options.authPassword, "-A", PasswordVariable(kAuthVariable, number),
-                          "Authentication password" + whose);
-    }
-    if (security.usePriv) {
-        security.privPassword =
-            FetchPassword(options.privPassword, "-X", PasswordVariable(kPrivVariable, number),
-                          "Privacy password" + whose);
-    }
+    if (security.useAuth)
+        security.authPassword = FetchPassword(options.authPassword, "-A", L"VNDISCOVER_AUTH_PASS",
+                                              number, "Authentication password" + whose);
+    if (security.usePriv)
+        security.privPassword = FetchPassword(options.privPassword, "-X", L"VNDISCOVER_PRIV_PASS",
+                                              number, "Privacy password" + whose);
     return std::make_shared<const Security>(std::move(security));
 }
 

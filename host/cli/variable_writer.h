@@ -13,8 +13,7 @@ class VariableWriter {
     // withNames: whether to show OIDs, enumerations and bits as words, and hardware addresses.
     explicit VariableWriter(bool isJson, bool withNames = false)
         : isJson_(isJson), withNames_(withNames) {}
-    // The text to print now; lines end in LF. As text, only kAnswered gives a line: problems go to
-    // standard error.
+    // The text to print now; lines end in LF. As text, only kAnswered gives a line.
     std::string Row(const Answer& answer);
     // Must be called once, at the end.
     std::string End() { return isJson_ ? array_.Finish() : ""; }

@@ -35,14 +35,12 @@ Examples:
 Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
 2 wrong usage.)";
 
-enum class WsdFormat { kTable, kJson };
-
 struct WsdOptions {
     std::string types;
     bool withAll = false;
     unsigned timeoutMs = kWsdSilenceMs;
     bool isRaw = false;
-    WsdFormat format = WsdFormat::kTable;
+    Format format = Format::kText;
     SaveOptions save;
 };
 
@@ -106,7 +104,7 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
         isStopped = watch.IsStopped();
     }
     window.Rethrow();
-    if (!options.isRaw) Print(options.format == WsdFormat::kJson ? list.Json() : list.Table());
+    if (!options.isRaw) Print(options.format == Format::kJson ? list.Json() : list.Table());
     if (others > 0)
         Warn("replies of other devices: " + std::to_string(others) + "; --all lists them");
     WarnAtEnd(isStopped, replies, onlyPrinters ? "no printer replied" : "no device replied");
@@ -129,9 +127,7 @@ void AddWsdCommand(CLI::App& app, int& exitCode) {
         ->type_name("MS")
         ->check(CLI::Range(1000u, 30000u).description(""));
     CLI::Option* raw = command->add_flag("--raw", options->isRaw, "Print the replies as received");
-    AddFormat<WsdFormat>(*command, options->format,
-                         {{"table", WsdFormat::kTable}, {"json", WsdFormat::kJson}})
-        ->excludes(raw);
+    AddFormat(*command, options->format, {"table", "json"})->excludes(raw);
     AddSaveOptions(*command, options->save);
     command->footer(kExamples);
     command->callback([options, types, &exitCode] {

@@ -1,5 +1,6 @@
-// A request is one line, "LOGIN OID ADDRESS", and so is its answer, "STATUS OID TYPE SIZE BYTES
-// NOTE". Bytes are hexadecimal after a dot.
+// The process first gets a line for each login, of hexadecimal fields after dots: community, user,
+// protocols, passwords; without a user, the community alone. Then comes an empty line. A request is
+// a line, "LOGIN OID ADDRESS", its answer another, "STATUS OID TYPE SIZE BYTES NOTE".
 #include "device/ask_process.h"
 
 #include <fcntl.h>
@@ -8,16 +9,50 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "values/split_text.h"
+#include "platform/this_process.h"
+#include "platform/wide_text.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
 
+std::string FieldOf(const std::string& text) { return "." + HexText(text, "") + " "; }
+std::string TextOf(const std::string& field) {
+    return ParseHex(field.substr(std::min<size_t>(1, field.size()))).value_or("");
+}
+
+std::string LineOf(const Login& login) {
+    std::string line = FieldOf(login.community);
+    if (!login.security) return line;
+    const Security& user = *login.security;
+    for (const wchar_t* text : {user.user.c_str(), user.authLabel.c_str(), user.privLabel.c_str(),
+                                user.authPassword.Get(), user.privPassword.Get()})
+        line += FieldOf(ToUtf8(text));
+    return line;
+}
+
+Login LoginOf(const std::string& line) {
+    std::vector<std::string> texts;
+    for (const std::string& field : SplitText(line, " ")) texts.push_back(TextOf(field));
+    Login login;
+    if (!texts.empty()) login.community = texts[0];
+    if (texts.size() < 6) return login;
+    auto user = std::make_shared<Security>();
+    user->user = ToWide(texts[1]);
+    user->authLabel = ToWide(texts[2]);
+    user->privLabel = ToWide(texts[3]);
+    user->authPassword = Secret(ToWide(texts[4]));
+    user->privPassword = Secret(ToWide(texts[5]));
+    user->useAuth = !user->authLabel.empty();
+    user->usePriv = !user->privLabel.empty();
+    login.security = std::move(user);
+    return login;
+}
+
 std::string LineOf(const Answer& answer) {
     return std::to_string(static_cast<int>(answer.status)) + " " + OidToText(answer.oid) + " " +
-           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " ." +
-           HexText(answer.bytes, "") + " " + answer.note;
+           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " " +
+           FieldOf(answer.bytes) + answer.note;
 }
 
 Answer AnswerOf(std::string_view line) {
@@ -33,13 +68,12 @@ Answer AnswerOf(std::string_view line) {
     answer.oid = ParseOid(oid).value_or(Oid());
     answer.type = static_cast<uint32_t>(std::strtoul(type.c_str(), nullptr, 10));
     answer.wholeSize = std::strtoul(wholeSize.c_str(), nullptr, 10);
-    answer.bytes = ParseHex(bytes.substr(std::min<size_t>(1, bytes.size()))).value_or("");
+    answer.bytes = TextOf(bytes);
     answer.note = line;
     return answer;
 }
 
-// A pipe of which the other process inherits one end only: if another child held the writing end
-// too, the reader would wait for that one.
+// One end is inherited: another child with the writing end would keep the reader waiting.
 struct Pipe {
     OwnedHandle read, write;
 
@@ -50,17 +84,34 @@ struct Pipe {
     }
 };
 
-FILE* FileOf(OwnedHandle pipe, int flags, const char* mode) {
-    return _fdopen(_open_osfhandle(reinterpret_cast<intptr_t>(pipe.Release()), flags), mode);
+OwnedStream StreamOf(OwnedHandle pipe, int flags, const char* mode) {
+    return OwnedStream(
+        _fdopen(_open_osfhandle(reinterpret_cast<intptr_t>(pipe.Release()), flags), mode));
+}
+
+// Without the line end. Returns false at the end of the file.
+bool ReadLine(FILE* file, std::string& line) {
+    line.clear();
+    int letter = EOF;
+    while ((letter = std::fgetc(file)) != EOF && letter != '\n') line += static_cast<char>(letter);
+    return letter != EOF;
 }
 
 }  // namespace
 
-AskProcess::AskProcess(const wchar_t* option, HANDLE job) {
+Answer OwnReader::GetNext(size_t login, const std::string& address, const Oid& oid) {
+    if (login >= logins_.size()) return Failed(Status::kSendFailed, oid);
+    if (!device_ || last_ != std::pair(login, address)) {
+        device_ = DeviceOf(logins_[login], address);
+        last_ = {login, address};
+    }
+    return device_->GetNext(oid);
+}
+
+ReaderProcess::ReaderProcess(const std::vector<Login>& logins, HANDLE job) {
     Pipe input(&Pipe::write), output(&Pipe::read);
-    std::wstring program(32768, L'\0');
-    GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size()));
-    std::wstring line = GetCommandLineW() + (L" " + std::wstring(option));
+    const std::wstring program = ToWide(OwnPath());
+    std::wstring line = L"\"" + program + L"\" " + ToWide(kReaderOption);
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
@@ -74,32 +125,27 @@ AskProcess::AskProcess(const wchar_t* option, HANDLE job) {
     CloseHandle(started.hThread);
     process_.Reset(started.hProcess);
     if (job) AssignProcessToJobObject(job, started.hProcess);
-    toProcess_ = FileOf(std::move(input.write), 0, "w");
-    fromProcess_ = FileOf(std::move(output.read), _O_RDONLY, "r");
+    toProcess_ = StreamOf(std::move(input.write), 0, "w");
+    fromProcess_ = StreamOf(std::move(output.read), _O_RDONLY, "r");
     isAlive_ = toProcess_ && fromProcess_;
+    for (const Login& login : logins) {
+        if (isAlive_) std::fprintf(toProcess_.Get(), "%s\n", LineOf(login).c_str());
+    }
+    isAlive_ = isAlive_ && std::fputs("\n", toProcess_.Get()) >= 0;
 }
 
-void AskProcess::End() {
+void ReaderProcess::End() {
     if (process_) TerminateProcess(process_.Get(), 0);
 }
 
-AskProcess::~AskProcess() {
-    End();
-    if (toProcess_) std::fclose(toProcess_);
-    if (fromProcess_) std::fclose(fromProcess_);
-}
-
-void AskProcess::Say(const std::string& line) {
-    isAlive_ = isAlive_ && std::fprintf(toProcess_, "%s\n", line.c_str()) > 0;
-}
-
-Answer AskProcess::GetNext(size_t login, const std::string& address, const Oid& oid) {
+Answer ReaderProcess::GetNext(size_t login, const std::string& address, const Oid& oid) {
     std::string reply;
     if (isAlive_) {
-        std::fprintf(toProcess_, "%zu %s %s\n", login, OidToText(oid).c_str(), address.c_str());
-        isAlive_ = std::fflush(toProcess_) == 0;
+        std::fprintf(toProcess_.Get(), "%zu %s %s\n", login, OidToText(oid).c_str(),
+                     address.c_str());
+        isAlive_ = std::fflush(toProcess_.Get()) == 0;
     }
-    isAlive_ = isAlive_ && ReadLine(fromProcess_, reply);
+    isAlive_ = isAlive_ && ReadLine(fromProcess_.Get(), reply);
     return isAlive_ ? AnswerOf(reply) : Failed(Status::kSendFailed, oid);
 }
 
@@ -111,19 +157,15 @@ OwnedHandle EndingJob() {
     return job;
 }
 
-bool ReadLine(FILE* file, std::string& line) {
-    line.clear();
-    int letter = EOF;
-    while ((letter = std::fgetc(file)) != EOF && letter != '\n') line += static_cast<char>(letter);
-    return letter != EOF;
-}
-
-void ServeAskProcess(const AskNext& ask) {
+void ServeReader() {
+    std::vector<Login> logins;
+    for (std::string line; ReadLine(stdin, line) && !line.empty();) logins.push_back(LoginOf(line));
+    OwnReader reader(std::move(logins));
     for (std::string line; ReadLine(stdin, line);) {
         const std::vector<std::string> fields = SplitText(line, " ");
         if (fields.size() != 3) return;
         const size_t login = std::strtoul(fields[0].c_str(), nullptr, 10);
-        const Answer answer = ask(login, fields[2], ParseOid(fields[1]).value_or(Oid()));
+        const Answer answer = reader.GetNext(login, fields[2], ParseOid(fields[1]).value_or(Oid()));
         std::printf("%s\n", LineOf(answer).c_str());
         std::fflush(stdout);
     }

@@ -1,49 +1,62 @@
-// Processes of this program that ask devices side by side: the module allows one directed request a
-// process.
+// Processes that ask devices side by side: the module allows one directed request a process.
 #pragma once
 
 #include <cstdio>
-#include <functional>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "model/asking/answer.h"
+#include "device/device.h"
 #include "platform/owned.h"
 
 namespace vndiscover::host {
 
-// `login` is the caller's number of a community or user.
-using AskNext = std::function<Answer(size_t login, const std::string& address, const Oid& oid)>;
+// The only argument of such a process, which must call ServeReader. No user gives it.
+constexpr char kReaderOption[] = "--ask-for-another-process";
 
-class AskProcess {
+// Asks devices, each by one of several logins.
+class Reader {
   public:
-    // Starts this program with its own command line and `option`, by which it must call
-    // ServeAskProcess. `job`, a job object, ends it with this process; null: none.
-    AskProcess(const wchar_t* option, HANDLE job);
-    ~AskProcess();
-    AskProcess(const AskProcess&) = delete;
-    AskProcess& operator=(const AskProcess&) = delete;
+    virtual ~Reader() = default;
+    // False if it could not be started, or has ended: then it asks nothing.
+    virtual bool IsAlive() const { return true; }
+    virtual Answer GetNext(size_t login, const std::string& address, const Oid& oid) = 0;
+    // For any thread: ends it, and the request that is being answered.
+    virtual void End() {}
+};
 
-    // False if it could not be started, or has ended: then nothing is asked any more.
-    bool IsAlive() const { return isAlive_; }
-    // From any thread: a request that is being answered fails.
-    void End();
-    Answer GetNext(size_t login, const std::string& address, const Oid& oid);
-    // Hands a line to its standard input, before any request.
-    void Say(const std::string& line);
+// In this process.
+class OwnReader : public Reader {
+  public:
+    explicit OwnReader(std::vector<Login> logins) : logins_(std::move(logins)) {}
+    Answer GetNext(size_t login, const std::string& address, const Oid& oid) override;
+
+  private:
+    std::vector<Login> logins_;
+    std::optional<Device> device_;  // asked last; it may have learned how it is reached
+    std::pair<size_t, std::string> last_;
+};
+
+class ReaderProcess : public Reader {
+  public:
+    // Passwords go through a pipe of these two. `job`, or null, ends the process with this one.
+    ReaderProcess(const std::vector<Login>& logins, HANDLE job);
+    ~ReaderProcess() override { End(); }
+    bool IsAlive() const override { return isAlive_; }
+    void End() final;
+    Answer GetNext(size_t login, const std::string& address, const Oid& oid) override;
 
   private:
     OwnedHandle process_;
-    FILE *toProcess_ = nullptr, *fromProcess_ = nullptr;
+    OwnedStream toProcess_, fromProcess_;
     bool isAlive_ = false;
 };
 
 // A job that ends its processes with this one, however that ends.
 OwnedHandle EndingJob();
 
-// Without the line end. Returns false at the end of the file.
-bool ReadLine(FILE* file, std::string& line);
-
-// Answers requests from standard input until it ends.
-void ServeAskProcess(const AskNext& ask);
+// The other process's part: answers requests from standard input until it ends.
+void ServeReader();
 
 }  // namespace vndiscover::host

@@ -9,8 +9,9 @@
 #include <string_view>
 
 #include "device/sweeps.h"
-#include "model/asking/refusal.h"
+#include "model/asking/answer.h"
 #include "platform/this_computer.h"
+#include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "values/module_types.h"
 
@@ -68,8 +69,7 @@ bool Device::CanSend(const Oid& oid) const {
     return security_ || community + RequestOctets(oid) <= kRequestMax;
 }
 
-// Sweeps give link-local addresses without a zone, and directed requests to them leave by one of
-// this computer's adapters only.
+// Sweeps give link-local addresses without a zone; directed requests leave by one adapter only.
 const char* Device::Host() const {
     if (std::exchange(isZoned_, true) || !NeedsZone(host_)) return host_.c_str();
     // Of this process; devices of a scan are asked again and again.
@@ -162,8 +162,7 @@ Answer Device::GetNextV3(const Oid& oid) const {
     if (reportLength == 0) return Failed(Status::kNoAnswer, oid);
     if (record.oidLength == 0) return Failed(Status::kOnlyDiscovered, oid);
     Answer answer = FromRecord(record, oid);
-    // An error status comes with the binding of the request; a variable without a value has a type
-    // of its own.
+    // An error status repeats the request's binding; a missing variable has a type of its own.
     if (answer.oid == oid && answer.type == kNull) return Failed(Status::kRefused, oid, kLowLevel);
     const char* reason = RefusalReason(oid, answer.oid, answer.type);
     return reason ? Failed(Status::kRefused, oid, reason) : answer;
@@ -173,8 +172,7 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     uint8_t buffer[VN_REQUEST_VALUE_SIZE] = {};
     const auto size = static_cast<int32_t>(value.bytes.size());
     std::copy(value.bytes.begin(), value.bytes.end(), buffer);
-    // Only the low byte is sent. The bit above it distinguishes an answer of the same type from
-    // none.
+    // Only the low byte is sent. The bit above it tells an answer from none.
     uint32_t type = value.type | 0x100;
     const int32_t length =
         SetSnmpRequestRaw(Host(), OidToText(oid).c_str(), buffer, size, &type, kUnusedTimeoutMs,
@@ -185,6 +183,12 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     if (length > size)  // the value did not fit and was not copied
         return Failed(Status::kUnreadable, oid, "its value is longer than the one sent");
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
+}
+
+Device DeviceOf(const Login& login, const std::string& address) {
+    Device device(address, ToAnsi(login.community), "");
+    device.Use(login.security);
+    return device;
 }
 
 Asker AskerOf(const Device& device) {

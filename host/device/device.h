@@ -12,27 +12,28 @@
 
 namespace vndiscover::host {
 
-// Each call blocks until an answer comes, at most 10 s with SNMPv1 and 12 s with SNMPv3. May be
-// used on any thread, with one request at a time in a process.
+struct Login {
+    std::string community;                     // UTF-8; empty: the module's default
+    std::shared_ptr<const Security> security;  // null: SNMPv1, by the community
+};
+
+// Each call blocks, at most 10 s with SNMPv1 and 12 s with SNMPv3; one at a time in a process.
 class Device {
   public:
-    // Text is in the ANSI code page, as for the exports. Empty communities mean the module's
-    // default.
+    // Text is in the ANSI code page. Empty communities mean the module's default.
     Device(std::string host, std::string readCommunity, std::string writeCommunity)
         : host_(std::move(host)),
           readCommunity_(std::move(readCommunity)),
           writeCommunity_(std::move(writeCommunity)) {}
     // From now on Get and GetNext use SNMPv3.
     void Use(std::shared_ptr<const Security> security) { security_ = std::move(security); }
-    // Changes to another device.
     void SetHost(std::string host) {
         host_ = std::move(host);
         isZoned_ = false;
     }
     bool IsV3() const { return security_ != nullptr; }
 
-    // For a link-local address without a zone, which takes seconds; otherwise the first request
-    // does.
+    // Of a link-local address without a zone, in seconds; otherwise the first request does.
     void ChooseAdapter() const { Host(); }
     // Whether it answers an ICMP echo request. Names are pinged over IPv6.
     bool Ping() const;
@@ -54,6 +55,8 @@ class Device {
     std::string readCommunity_, writeCommunity_;
     std::shared_ptr<const Security> security_;
 };
+
+Device DeviceOf(const Login& login, const std::string& address);
 
 // For ReadPrinter and the like; the device must outlive it.
 Asker AskerOf(const Device& device);

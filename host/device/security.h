@@ -1,7 +1,9 @@
 // SNMPv3 settings as the exports take them.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -27,10 +29,19 @@ class Secret {
 };
 
 struct Security {
-    std::wstring user, authLabel, privLabel;  // labels: see security_labels.h
+    std::wstring user, authLabel, privLabel;  // labels: see below
     Secret authPassword, privPassword;
     bool useAuth = false;
     bool usePriv = false;
 };
+
+// The module's label of a protocol: "sha256", "SHA-256" give "SHA-2(256)". Empty if there is none:
+// the module would take an unknown label for "no authentication".
+std::optional<std::string> AuthLabel(std::string_view text);
+// "des", "aes", "aes128", "AES-128" ...
+std::optional<std::string> PrivLabel(std::string_view text);
+
+constexpr char kAuthProtocols[] = "MD5, SHA1, SHA224, SHA256, SHA384, SHA512";
+constexpr char kPrivProtocols[] = "DES, AES";
 
 }  // namespace vndiscover::host

@@ -2,6 +2,9 @@
 
 #include <vndiscover.h>
 
+#include "model/asking/json_request.h"
+#include "platform/wide_text.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -20,6 +23,18 @@ void RunV3(HWND window, UINT message, const SnmpSweep& sweep) {
 }
 
 }  // namespace
+
+SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6) {
+    SnmpSweep sweep;
+    sweep.useIPv6 = useIPv6;
+    sweep.oid = ToWide(OidToText(oid));
+    sweep.community = ToWide(login.community);
+    sweep.security = login.security.get();
+    // SNMPv3 sweeps accept an OID only in a JSON request.
+    const bool isDefault = sweep.oid == ToWide(VN_DEFAULT_DISCOVERY_OID);
+    if (login.security && !isDefault) sweep.request = ToWide(RequestFor(OidToText(oid)));
+    return sweep;
+}
 
 bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
     constexpr ULONGLONG kLeastMs = 1000;  // a wait has 2 s

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "device/security.h"
+#include "device/device.h"
 
 namespace vndiscover::host {
 
@@ -26,9 +26,11 @@ struct SnmpSweep {
     const Security* security = nullptr;  // null: SNMPv1
 };
 
-// Blocks until the sweep has ended. `window` gets its messages; it must be of the calling thread,
-// or another thread must pump messages. False if nothing could be sent: then the module does not
-// wait for answers.
+// For one OID.
+SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6);
+
+// Blocks until the sweep has ended. `window` must be of the calling thread, or another thread must
+// pump messages. False if nothing was sent: then the module does not wait for answers.
 bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep);
 
 }  // namespace vndiscover::host

@@ -1,5 +1,4 @@
-// The console: UTF-8 output, Ctrl-C, the status line, the password prompt. Only results go to
-// standard output, everything else goes to standard error.
+// The console. Only results go to standard output, everything else goes to standard error.
 #pragma once
 
 #include <condition_variable>
@@ -29,8 +28,7 @@ bool Print(std::string_view text);
 // Characters in a line of standard output: those of the console, or `otherwise`.
 size_t OutputWidth(size_t otherwise = 80);
 
-// Whether standard output is a console that shows the escape sequences of colours, and the user has
-// not set NO_COLOR.
+// Whether standard output is a console that shows colours, and NO_COLOR is not set.
 bool HasOutputColours();
 bool IsOutputConsole();
 
@@ -40,8 +38,7 @@ std::string OutputProblem();
 // Writes a line to standard error, after the program's name.
 void Warn(const std::string& text);
 
-// Reads a line without echo. Empty if standard input is not a console. Give the result to a Secret
-// at once, so that it is wiped.
+// Reads a line without echo, for a Secret. Empty if standard input is not a console.
 std::optional<std::wstring> PromptHidden(const std::string& prompt);
 
 // For work that must be completed, such as saving a file. While a guard exists, the first Ctrl-C
@@ -55,14 +52,12 @@ class CompletionGuard {
 };
 
 // While a sweep runs, the first Ctrl-C calls `stop`, on any thread, and the second ends the
-// process. The console shows the line that `status` returns and updates it while the sweep blocks
-// its thread.
+// process. The console shows the line that `status` returns, again and again.
 class SweepWatch {
   public:
     SweepWatch(int32_t (*stop)(), std::function<std::string()> status);
     ~SweepWatch();
 
-    // Does what Ctrl-C does.
     void RequestStop();
     bool IsStopped() const;
 

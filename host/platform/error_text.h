@@ -5,8 +5,7 @@
 
 namespace vndiscover::host {
 
-// An error of the system, to be appended to a message: " (access denied, error 5)". Frequent errors
-// of files have words.
+// An error of the system, to be appended to a message: " (access denied, error 5)".
 std::string ErrorText(uint32_t error);
 
 // What the exception that is being handled says: "out of memory".

@@ -1,5 +1,4 @@
-#include "platform/firewall_policy.h"
-
+// The Windows firewall's settings (INetFwPolicy2).
 #include <windows.h>
 
 #include <netfw.h>
@@ -9,6 +8,7 @@
 
 #include "platform/com.h"
 #include "platform/saved_file.h"
+#include "platform/this_computer.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 
@@ -70,7 +70,6 @@ std::wstring Expanded(const std::wstring& path) {
     return text;
 }
 
-// Whether the rule is enabled and for incoming UDP.
 bool IsConcerned(INetFwRule& rule) {
     VARIANT_BOOL isEnabled = VARIANT_FALSE;
     NET_FW_RULE_DIRECTION direction = NET_FW_RULE_DIR_OUT;
@@ -166,7 +165,7 @@ bool ReadState(FirewallState& state) {
 
 }  // namespace
 
-FirewallState ReadFirewall() {
+FirewallState ThisComputer::Firewall() const {
     const Apartment apartment;
     FirewallState state;
     if (!ReadState(state)) return {};

@@ -1,4 +1,4 @@
-#include "platform/host_address.h"
+#include "platform/this_computer.h"
 
 #include <winsock2.h>
 #include <ws2tcpip.h>

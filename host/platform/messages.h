@@ -32,7 +32,6 @@ std::optional<LRESULT> Deliver(HWND window, UINT message, WPARAM wParam, LPARAM 
     return 0;
 }
 
-// For the class of a window.
 template <class T>
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto result = Deliver<T>(window, message, wParam, lParam);

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstdio>
 #include <utility>
 
 namespace vndiscover::host {
@@ -52,6 +53,7 @@ struct FileTraits {
 };
 
 using OwnedFile = Owned<FileTraits>;
+using OwnedStream = Owned<ClosedBy<FILE*, std::fclose>>;
 using OwnedHandle = Owned<ClosedBy<HANDLE, CloseHandle>>;
 using OwnedKey = Owned<ClosedBy<HKEY, RegCloseKey>>;  // of the registry
 using OwnedModule = Owned<ClosedBy<HMODULE, FreeLibrary>>;

@@ -9,9 +9,8 @@
 
 namespace vndiscover::host {
 
-// The sweep must run on the thread that created the window: SendMessageA then calls the window
-// procedure directly, and no message loop is needed. A program with a user interface runs the sweep
-// on a worker thread instead and keeps pumping messages.
+// The sweep must run on the thread that created the window: no message loop is needed. A program
+// with a user interface runs the sweep on a worker thread.
 class ResultWindow {
   public:
     // The text is valid only during the call. Not called for the final message (0, 0).

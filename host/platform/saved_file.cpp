@@ -43,8 +43,7 @@ std::wstring TemporaryPath(const std::string& path) {
     return SystemPath(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
 }
 
-// ReplaceFileW keeps the rights and the attributes of the old file, but needs one, on a disk that
-// can do it.
+// ReplaceFileW keeps the old file's rights and attributes, but needs one, and a disk that can.
 bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
     return ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                         nullptr, nullptr) ||
@@ -78,7 +77,6 @@ bool WriteWhole(const std::wstring& path, const std::string& text) {
     return FlushFileBuffers(file.Get()) != 0;  // before it replaces the old file
 }
 
-// Text with a mark of UTF-16, in either byte order, as UTF-8.
 std::string FromUtf16(std::string text) {
     const bool isBig = text.compare(0, 2, "\xFE\xFF") == 0;
     if (!isBig && text.compare(0, 2, "\xFF\xFE") != 0) return text;

@@ -14,8 +14,7 @@ namespace vndiscover::host {
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
 
-// The scan in a file. Empty, with the reason in `problem`, if the file cannot be read, or
-// `isBroken`: its text is not a scan.
+// The scan in a file. Empty, with the reason, if it cannot be read or its text `isBroken`.
 std::optional<Scan> LoadScan(const std::string& path, bool& isBroken, std::string& problem);
 
 // Also true if the system cannot tell: such a file must not be taken for a new one.
@@ -27,8 +26,7 @@ bool IsSamePath(const std::string& one, const std::string& other);
 // Whether ReplaceFileText can succeed; if not, `problem` has the reason. Changes nothing.
 bool CanReplaceFile(const std::string& path, std::string& problem);
 
-// An existing file is not touched until the new one is complete. False, with the reason in
-// `problem`, on failure.
+// An existing file is not touched until the new one is complete. False, with the reason, if not.
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem);
 
 }  // namespace vndiscover::host

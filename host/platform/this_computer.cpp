@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <memory>
 
-#include "platform/firewall_policy.h"
 #include "platform/owned.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -19,15 +18,13 @@
 namespace vndiscover::host {
 namespace {
 
-// The module's buffer for the system's list of IPv4 adapters: 32 records, fewer if an adapter has
-// several addresses.
+// The module's buffer for the list of IPv4 adapters: about 32 records.
 constexpr ULONG kModuleListBytes = 22528;
 constexpr ULONG kFirstListBytes = 15000;
 constexpr int kListAttempts = 3;
 constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
 
-// Loaded from the system directory by full path: an ordinary import could pick up a file of that
-// name beside the program.
+// By its full path: an ordinary import could pick up a file of that name beside the program.
 OwnedModule LoadIpHelper() {
     wchar_t path[MAX_PATH + 32] = {};
     const UINT length = GetSystemDirectoryW(path, MAX_PATH);
@@ -44,7 +41,6 @@ Function* Find(const OwnedModule& helper, const char* name) {
 // Takes the type from the declaration without linking to the function.
 #define FIND(helper, function) Find<decltype(function)>(helper, #function)
 
-// A list of the system's records, in one block.
 template <class Record>
 struct List {
     std::unique_ptr<uint8_t[]> block;
@@ -85,7 +81,6 @@ List<IP_ADAPTER_ADDRESSES> ReadAddresses(const OwnedModule& helper, ULONG family
         });
 }
 
-// Names, types and states, of all adapters.
 List<IP_ADAPTER_ADDRESSES> ReadDetails(const OwnedModule& helper) {
     return ReadAddresses(
         helper, AF_UNSPEC,
@@ -194,8 +189,6 @@ Route ThisComputer::RouteTo(const char* ipv4Address) const {
     if (gateway.s_addr != 0 && gatewayText != route.source) route.gateway = gatewayText;
     return route;
 }
-
-FirewallState ThisComputer::Firewall() const { return ReadFirewall(); }
 
 LogSwitches ThisComputer::Log() const { return {IsSwitchedOn("Debug"), IsSwitchedOn("Dbg2Log")}; }
 

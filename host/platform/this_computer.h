@@ -1,5 +1,6 @@
-// The facts about this computer, read from the system.
 #pragma once
+
+#include <string>
 
 #include "model/computer/computer.h"
 
@@ -11,9 +12,21 @@ class ThisComputer : public Computer {
     AdapterList IPv4() const override;
     AdapterList IPv6() const override;
     Route RouteTo(const char* ipv4Address) const override;
+    // The active profiles, and the rules that apply to this program. Unknown if the interface does
+    // not exist or refuses access. Other firewall products are not covered.
     FirewallState Firewall() const override;
     LogSwitches Log() const override;
     std::string ProgramPath() const override;
 };
+
+// The IPv4 address of a name, dotted, as directed requests resolve it. Addresses, and names that
+// cannot be resolved, are returned unchanged. UTF-8. May take as long as a name server does.
+std::string NumericHost(const std::string& host);
+
+// Whether this computer has a route to the address. Sends nothing.
+bool HasRoute(const std::string& address);
+
+// Whether the text is an address, or a name that has one. UTF-8. May take as long as above.
+bool HasAddress(const std::string& host);
 
 }  // namespace vndiscover::host

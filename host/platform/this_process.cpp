@@ -35,15 +35,6 @@ std::string OwnPath() {
     return ToUtf8(path);
 }
 
-std::string UtcNow() {
-    SYSTEMTIME now;
-    GetSystemTime(&now);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02uZ", now.wYear, now.wMonth,
-                  now.wDay, now.wHour, now.wMinute, now.wSecond);
-    return text;
-}
-
 std::string VersionOf(HMODULE module) {
     const HRSRC resource =
         FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));

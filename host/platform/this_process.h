@@ -14,11 +14,7 @@ std::vector<std::string> CommandLineArguments();
 // The value of an environment variable; empty if it is not set.
 std::wstring Environment(const wchar_t* name);
 
-// Of the program's file.
 std::string OwnPath();
-
-// The time as "2026-11-25T04:32:23Z".
-std::string UtcNow();
 
 // "1.2.0.0", from the resource of a loaded module; null: of the program. Empty if it has none.
 std::string VersionOf(HMODULE module);

@@ -1,5 +1,4 @@
-// Conversion of text: the system uses UTF-16, the module's narrow arguments are in the ANSI code
-// page, and everything else in this program is UTF-8.
+// The system uses UTF-16, the module's narrow arguments the ANSI code page, all else UTF-8.
 #pragma once
 
 #include <string>

@@ -1,4 +1,3 @@
-// IP addresses as text and as bytes.
 #pragma once
 
 #include <optional>
@@ -15,11 +14,9 @@ struct IpAddress {
 // The zone of an IPv6 address is dropped. Empty for other text, such as a name.
 std::optional<IpAddress> ParseIpAddress(std::string_view text);
 
-// Of 4 or 16 bytes.
 std::string IpText(std::string_view bytes);
 
-// The IPv4 network of an adapter, "10.77.1.0/24", if `address` is in it. Otherwise empty, and also
-// for the mask 0.0.0.0 of an adapter without an address.
+// The IPv4 network of an adapter, "10.77.1.0/24", if `address` is in it; otherwise empty.
 std::string CommonNetwork(const IpAddress& address, std::string_view adapterAddress,
                           std::string_view adapterMask);
 

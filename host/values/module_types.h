@@ -1,5 +1,4 @@
-// Types and sizes of vndiscover.h, for code that includes no Windows header. Checked against the
-// header in device/device.cpp.
+// Types and sizes of vndiscover.h, without a Windows header; device/device.cpp compares them.
 #pragma once
 
 #include <cstddef>

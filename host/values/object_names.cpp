@@ -11,7 +11,6 @@ namespace {
 
 constexpr char kMib2[] = ".1.3.6.1.2.1.";
 
-// Shared by several objects.
 constexpr char kCapacityUnits[] =
     "other(1) unknown(2) tenThousandthsOfInches(3) micrometers(4) sheets(8) feet(16) meters(17) "
     "items(18) percent(19)";
@@ -116,7 +115,6 @@ std::vector<Oid> MakeOids() {
     return oids;
 }
 
-// In the order of the table.
 const std::vector<Oid>& Oids() {
     static const std::vector<Oid> oids = MakeOids();
     return oids;
@@ -141,7 +139,6 @@ size_t FindObject(const Oid& oid) {
     return static_cast<size_t>(after - oids.begin()) - 1;
 }
 
-// The word before "(number)".
 std::string Word(std::string_view words, int64_t number) {
     const size_t end = words.find("(" + std::to_string(number) + ")");
     if (end == std::string_view::npos) return "";
@@ -283,8 +280,7 @@ std::string NotAnOid(std::string_view text) {
 std::string NameText(const Oid& oid) {
     const size_t found = FindObject(oid);
     if (found == kObjectNameCount) return OidToText(oid);
-    const auto below = static_cast<ptrdiff_t>(Oids()[found].size());
-    return kObjectNames[found].name + OidToText(Oid(oid.begin() + below, oid.end()));
+    return kObjectNames[found].name + OidToText(Tail(oid, Oids()[found].size()));
 }
 
 Syntax SyntaxOf(const Oid& oid) {

@@ -33,9 +33,7 @@ extern const size_t kObjectNameCount;
 // The OID, without an instance, of an object that must be in the table.
 const Oid& OidOf(std::string_view name);
 
-// A numeric OID, or a name with or without an instance: "sysDescr.0", "hrPrinterStatus.1",
-// "prtMarkerSupplies..." columns with two numbers. Letter case does not matter. Empty if it is
-// neither.
+// A numeric OID, or a name, in any case: "sysDescr.0", "prtMarkerSuppliesLevel.1.2", "sysDescr".
 std::optional<Oid> ParseOidOrName(std::string_view text);
 
 // The error message for text that ParseOidOrName rejects.

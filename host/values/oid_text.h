@@ -20,15 +20,13 @@ std::optional<Oid> ParseOid(std::string_view text);
 // With a leading dot: ".1.3.6.1".
 std::string OidToText(const Oid& oid);
 
-// Content octets to arcs. Empty if they are not an OID: no octets, an incomplete last arc, an arc
-// over 32 bits.
+// Content octets to arcs. Empty: no octets, an incomplete last arc, an arc over 32 bits.
 std::optional<Oid> DecodeOid(std::string_view octets);
 
 // Arcs, at least two and of any size, to content octets.
 std::string EncodeOid(const Oid& oid);
 
-// The module encodes the first two arcs in one byte and each further arc in one or two. True if
-// that loses bits, so that another variable is requested.
+// True if the module, which encodes an arc in one byte or two, would request another variable.
 bool IsMisencoded(const Oid& oid);
 
 // Content octets as the module encodes it.
@@ -37,8 +35,7 @@ size_t RequestOctets(const Oid& oid);
 // Whether a request can hold it: two arcs or more, and at most 124 such octets.
 bool FitsRequest(const Oid& oid);
 
-// The OID whose get-next request returns `oid`, unless the device has a variable between the two.
-// `oid` has three arcs or more.
+// The OID whose get-next request returns `oid`, of three arcs or more, if no variable is between.
 Oid JustBefore(Oid oid);
 
 // True for `root` itself too.

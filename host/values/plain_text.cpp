@@ -116,8 +116,7 @@ std::string CsvCell(std::string_view text) {
     bool isStart = true;
     for (size_t at = 0; at < text.size(); ++at) {
         if (isStart && StartsFormula(text.substr(at))) cell += '\'';
-        // With the list separator of many languages, spreadsheets begin a new cell after a
-        // semicolon, even between quotes that do not begin a cell.
+        // Where the list separator is a semicolon, spreadsheets begin a new cell after it.
         isStart = text[at] == ';';
         if (text[at] == '"') cell += '"';
         cell += text[at];

@@ -1,6 +1,5 @@
-// Makes text from the network safe for terminals, UTF-8 documents and spreadsheets. Devices may
-// send text in an old code page, binary values, or escape sequences meant to change what the user
-// sees.
+// Makes text from the network safe for terminals, UTF-8 documents and spreadsheets. Devices send
+// old code pages, binary values, or escape sequences meant to change what the user sees.
 #pragma once
 
 #include <cstdint>
@@ -20,9 +19,8 @@ enum class Breaks {
 // control characters, and marks that reverse or hide text, become U+FFFD.
 std::string PlainText(std::string_view bytes, Breaks breaks = Breaks::kFold);
 
-// One line of text in a character set that the device names by its MIBenum number. 4 is Latin-1; 3
-// (ASCII), 106 (UTF-8) and any other are UTF-8 if all of the text is, otherwise Latin-1. Spaces and
-// zero bytes at the ends are removed.
+// One line of text in a character set that the device names by its MIBenum number. 4 is Latin-1;
+// any other is UTF-8 if all of the text is, otherwise Latin-1. The ends lose spaces and zero bytes.
 std::string DeviceText(std::string_view bytes, int64_t characterSet);
 
 // True if the bytes are text rather than a binary value: no control characters except tabs, line
@@ -32,8 +30,7 @@ bool IsPrintable(std::string_view bytes);
 // One line for a person: PlainText if the value is printable, otherwise "0x...".
 std::string ShownValue(std::string_view bytes);
 
-// A cell of a CSV document: in quotes, with quotes doubled as in RFC 4180. An apostrophe is put
-// before text that a spreadsheet would run as a formula.
+// A cell of a CSV document (RFC 4180), with an apostrophe before what may run as a formula.
 std::string CsvCell(std::string_view text);
 
 // A cell of copied rows, where tabs separate cells: only the apostrophe.

@@ -31,6 +31,18 @@ std::string Joined(const std::vector<std::string>& texts, std::string_view separ
     return line;
 }
 
+std::vector<std::string> SplitText(std::string_view text, std::string_view separators) {
+    std::vector<std::string> parts;
+    while (true) {
+        const size_t start = text.find_first_not_of(separators);
+        if (start == std::string_view::npos) return parts;
+        text.remove_prefix(start);
+        const size_t end = std::min(text.find_first_of(separators), text.size());
+        parts.emplace_back(text.substr(0, end));
+        text.remove_prefix(end);
+    }
+}
+
 std::string HexText(std::string_view bytes, std::string_view separator) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string out;

@@ -1,4 +1,3 @@
-// Small operations on text.
 #pragma once
 
 #include <cstddef>
@@ -16,6 +15,9 @@ std::string Lower(std::string_view text);
 // The texts that are not empty, with `separator` between them.
 std::string Joined(const std::vector<std::string>& texts, std::string_view separator = ", ");
 
+// The parts of a text between any of `separators`; none is empty.
+std::vector<std::string> SplitText(std::string_view text, std::string_view separators);
+
 // Two upper-case digits per byte, with `separator` between bytes.
 std::string HexText(std::string_view bytes, std::string_view separator);
 
@@ -32,8 +34,7 @@ struct Character {
     size_t bytes;  // read, at least 1
     bool isUtf8;
 };
-// `text` is not empty. Overlong forms, surrogates and incomplete sequences are not UTF-8; their
-// first byte is read as Latin-1.
+// `text` is not empty. The first byte of a sequence that is not UTF-8 is read as Latin-1.
 Character FirstCharacter(std::string_view text);
 
 void AppendUtf8(std::string& out, uint32_t code);

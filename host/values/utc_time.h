@@ -1,4 +1,4 @@
-// Times as scans keep them.
+// Times as scans hold them: "2026-11-25T04:32:23Z".
 #pragma once
 
 #include <cstdint>
@@ -6,8 +6,9 @@
 
 namespace vndiscover::host {
 
-// The local time, to the minute, that was this many seconds before a time such as
-// "2026-11-25T04:32:23Z": "2026-11-25 05:31". Empty if `utc` is no such time.
+std::string UtcNow();
+
+// The local time that was this many seconds before: "2026-11-25 05:31". Empty if `utc` is no time.
 std::string LocalTimeBefore(const std::string& utc, uint64_t seconds);
 
 }  // namespace vndiscover::host

@@ -111,6 +111,19 @@ std::string TickText(uint64_t ticks) {
     return std::to_string(days) + (days == 1 ? " day, " : " days, ") + text;
 }
 
+std::string SpeedText(uint64_t bitsPerSecond) {
+    // The object cannot hold a higher one.
+    if (bitsPerSecond == UINT32_MAX) return "over 4.2 Gbit/s";
+    if (bitsPerSecond == 0) return "";
+    const char* const units[] = {" bit/s", " kbit/s", " Mbit/s", " Gbit/s"};
+    uint64_t divisor = 1;
+    size_t unit = 0;
+    for (; unit < 3 && bitsPerSecond / divisor >= 1000; ++unit) divisor *= 1000;
+    const uint64_t tenths = bitsPerSecond % divisor * 10 / divisor;
+    return std::to_string(bitsPerSecond / divisor) +
+           (tenths == 0 ? "" : "." + std::to_string(tenths)) + units[unit];
+}
+
 std::string TypeName(uint32_t type) {
     for (const auto& [known, name] : kTypes) {
         if (known == type) return name;

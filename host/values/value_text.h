@@ -1,5 +1,4 @@
-// Management values: from raw bytes to text for a person or a program, and from the command line to
-// raw bytes.
+// Management values: raw bytes as text, and text of the command line as raw bytes.
 #pragma once
 
 #include <cstdint>
@@ -25,8 +24,7 @@ struct Content {
 };
 Content ContentOf(uint32_t type, std::string_view raw);
 
-// An INTEGER (signed), Counter, Gauge, TimeTicks or Counter64 in decimal; empty for other types and
-// for malformed contents.
+// An INTEGER (signed) or one of the unsigned types in decimal; empty if malformed or another type.
 std::optional<std::string> NumberText(uint32_t type, std::string_view bytes);
 
 // The number of an INTEGER, or of one of the unsigned types; empty for malformed contents.
@@ -36,8 +34,10 @@ std::optional<uint64_t> UnsignedNumber(std::string_view bytes);
 // Hundredths of a second as days and time of day: "1 day, 2:03:04.05".
 std::string TickText(uint64_t ticks);
 
-// One line for a person, without the type: "1", "text", "00 1B 44", ".1.3.6.1", "12345
-// (0:02:03.45)".
+// "9.6 kbit/s", "2.5 Gbit/s"; empty for 0, by which devices say that they do not know.
+std::string SpeedText(uint64_t bitsPerSecond);
+
+// One line for a person, without the type: "1", "text", "00 1B 44", "12345 (0:02:03.45)".
 std::string FormatValue(uint32_t type, std::string_view bytes);
 
 struct SetValue {
@@ -45,8 +45,7 @@ struct SetValue {
     std::string bytes;
 };
 // `type` is a word or its letter: integer (i), string (s), ... Empty, with the reason in `problem`,
-// if there is no such type, the text is not a value of it, or the value exceeds the 126 bytes of a
-// request.
+// if there is no such type, the text is no value of it, or exceeds the 126 bytes of a request.
 std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text,
                                       std::string& problem);
 

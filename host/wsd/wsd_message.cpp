@@ -19,7 +19,6 @@
 
 #include "values/json_output.h"
 #include "values/plain_text.h"
-#include "values/split_text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -65,8 +64,7 @@ QName Split(std::string_view name) {
     return {name.substr(0, colon), name.substr(colon + 1)};
 }
 
-// The namespace of a prefix at a node, from the nearest enclosing declaration. The parser itself
-// does not support namespaces.
+// The namespace of a prefix, by the nearest enclosing declaration; the parser knows none.
 std::string_view NamespaceOf(pugi::xml_node at, std::string_view prefix) {
     const std::string declaration = prefix.empty() ? "xmlns" : "xmlns:" + std::string(prefix);
     for (pugi::xml_node node = at; node; node = node.parent()) {

@@ -1,5 +1,4 @@
-// WS-Discovery messages: the Probe that the module multicasts, and the ProbeMatches that it passes
-// on unparsed.
+// WS-Discovery messages: the Probe, and the ProbeMatches that the module passes on unparsed.
 #pragma once
 
 #include <cstddef>
@@ -13,14 +12,12 @@
 namespace vndiscover::host {
 
 // Types from the command line, separated by spaces or commas: a known prefix (wsdp, wprt, wscn,
-// pub) and a name. Empty, with the reason in `problem`, for an unknown prefix or an invalid name.
-// No types at all means every device.
+// pub) and a name. Empty, with the reason in `problem`, for others. None means every device.
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem);
 
 // A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` is from CheckTypes, `messageId` is a UUID.
 std::string BuildProbe(const std::string& types, const std::string& messageId);
 
-// A random UUID (version 4) as text.
 std::string NewUuid();
 
 // One device of a reply, as plain text (see plain_text.h).

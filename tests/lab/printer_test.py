@@ -45,6 +45,9 @@ class Printers(unittest.TestCase):
         code, out, _ = run("printers", "-c", "sesame", "-c", "nobody", "--ipv6", *V3, "--format", "json", **SECRETS)
         addresses = [printer["addresses"] for printer in json.loads(out)]
         self.assertEqual((0, 1, 2), (code, len(addresses), len(addresses[0])))
+        wrong = {**SECRETS, "VNDISCOVER_AUTH_PASS": "wrongpass"}
+        self.assertIn("SNMPv3 user 'admin': wrong authentication password",
+                      run("printers", "-c", "sesame", *V3, **wrong)[2])
         code, out, _ = run("printers", "-c", "nobody", *V3, **SECRETS)  # its index is not 1
         self.assertEqual(0, code)
         self.assertIn("critical: low paper, door open", out)

@@ -17,14 +17,13 @@
 #include <utility>
 
 #include "model/computer/doctor_report.h"
-#include "model/printer/interfaces.h"
+#include "model/printer/printer_facts.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "window/store/profiles.h"
-#include "window/work/calls.h"
 #include "window/work/module_engine.h"
 #include "wsd/wsd_message.h"
 
@@ -101,8 +100,8 @@ AskTarget TargetOf(const std::string& host) {
 void Read(const std::string& host) {
     AskTarget target = TargetOf(host);
     ModuleEngine engine;
-    for (const Interface& one : InterfacesOf(engine.Read(target, nullptr)))
-        std::printf("%s\n", one.description.c_str());
+    const PrinterFacts facts = FactsOf(engine.Read(target, nullptr));
+    for (const Interface& one : facts.interfaces) std::printf("%s\n", one.description.c_str());
     std::string calls;
     engine.SetOnCall([&](const Call& call) { calls += std::to_string(call.walk) + call.name; });
     const auto print = [](const Answer& one) {

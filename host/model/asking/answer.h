@@ -40,6 +40,12 @@ Answer Received(std::string_view bytes);
 // An answer without a value.
 Answer Failed(Status status, const Oid& asked, std::string note = "");
 
+// Why a device refuses an SNMPv3 request: instead of a response it sends a report, whose one
+// variable is the counter for that reason. `asked` is the OID of the request, `answered` and `type`
+// are of the answer's variable. Null if the answer is not a report: these counters are ordinary
+// variables if they were requested, or follow what was.
+const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
+
 // Whether other variables of the device may still be read.
 bool IsOnlyThisOne(const Answer& failure);
 

@@ -5,8 +5,7 @@
 namespace vndiscover::host {
 namespace {
 
-// A device that drops what it cannot answer or may not tell is silent over SNMPv3 after the engine
-// discovery.
+// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
 bool IsSilence(const Answer& answer) {
     return answer.status == Status::kNoAnswer || answer.status == Status::kOnlyDiscovered;
 }

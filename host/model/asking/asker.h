@@ -1,4 +1,3 @@
-// How the portable code asks a device.
 #pragma once
 
 #include <chrono>
@@ -10,8 +9,7 @@
 
 namespace vndiscover::host {
 
-// Asks the device for the variable that follows an OID; the call blocks until there is a result.
-// See AskerOf in device/device.h.
+// Asks the device for the variable after an OID; blocks until there is a result. See AskerOf.
 struct Asker {
     std::function<Answer(const Oid&)> getNext;
     bool isV3 = false;
@@ -26,12 +24,11 @@ inline int64_t NowMs(const Asker& asker) {
     return std::chrono::duration_cast<milliseconds>(now).count();
 }
 
-// Repeats what gets no answer. The datagram may have been lost, so it is sent once more; if it
-// stays unanswered, sysUpTime tells whether the device is silent or only this variable. If the
-// device answers, the request is sent a third time: of hundreds of requests, some lose two
-// datagrams in a row. Then the variable is kSilentHere, and is not asked for again. A device that
-// has not answered anything yet is asked for sysUpTime first, so that one that is switched off
-// costs two waits.
+// Repeats what gets no answer. The datagram may have been lost, so it is sent once more. If there
+// is still no answer, sysUpTime tells whether the device is silent or only this variable. If the
+// device answers, the request is sent a third time: of hundreds, some lose two datagrams in a row.
+// Then the variable is kSilentHere, and is not asked for again. A device that has not answered
+// anything yet is asked for sysUpTime first: one that is switched off costs two waits.
 class PatientAsker {
   public:
     // `asker` must outlive it.

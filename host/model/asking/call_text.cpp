@@ -96,7 +96,6 @@ int main() {
 
 constexpr size_t kLineWidth = 96;
 
-// Placeholder in the windows above, replaced according to the sweep.
 constexpr std::string_view kValuePlace = "VALUE";
 
 std::string WithValue(std::string text, const std::string& value) {
@@ -158,8 +157,7 @@ std::string CodePoint(uint32_t code) {
     return text;
 }
 
-// A string literal. Characters that are not printable ASCII are escaped: as bytes in narrow C++
-// text, otherwise as code points.
+// A string literal. What is not printable ASCII is escaped as bytes or as code points.
 std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
     std::string literal = "\"";
     for (size_t at = 0; at < text.size();) {
@@ -182,7 +180,6 @@ std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
     return literal + "\"";
 }
 
-// The argument as an expression in the call.
 std::string Expression(const Call& call, const Parameter& parameter, bool isSharp) {
     const CallArgument* given = Find(call, parameter.name);
     const bool isWide = parameter.type == "const wchar_t*";

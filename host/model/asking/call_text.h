@@ -1,5 +1,4 @@
-// A call of the module as a complete C++ or C# program, or as a vndiscover command, that repeats it
-// with the same answers.
+// A call of the module as a C++ or C# program, or as a vndiscover command, that repeats it.
 #pragma once
 
 #include <cstddef>
@@ -28,8 +27,7 @@ struct Call {
 
 enum class CallLanguage { kCpp, kCSharp, kCommand };
 
-// Without a trailing line end. Empty for an unknown export, or if there is no such command, or if
-// the shell would read it as another one.
+// Empty for an unknown export, a missing command, or one that the shell would misread.
 std::string CallText(const Call& call, CallLanguage language);
 
 // One line: DiscoverDevicesByOID(timeout 5000, oid ".1.3").

@@ -80,7 +80,6 @@ std::string Cause(const HostDiagnosis& diagnosis) {
                : "device switched off, another address, or a router or firewall on the way";
 }
 
-// Takes the steps and measures them.
 class Diagnostician {
   public:
     explicit Diagnostician(const DiagnosisSteps& steps) : steps_(steps) {}

@@ -50,11 +50,9 @@ struct DiagnosisSteps {
 // as PatientAsker does. An SNMPv3 request begins with engine discoveries.
 HostDiagnosis Diagnose(const DiagnosisSteps& steps);
 
-// True if SNMP answers as requested, to the user if there was one, otherwise to the community, and
-// nothing else keeps sweeps from finding the device.
+// True if SNMP answers the user, or without one the community, and sweeps can find the device.
 bool IsUsable(const HostDiagnosis& diagnosis);
 
-// True if nothing could be sent over SNMP.
 bool IsUnsendable(const HostDiagnosis& diagnosis);
 
 // "2.53 s"

@@ -12,15 +12,12 @@
 
 namespace vndiscover::host {
 
-// A JSON request for the module, with numeric OIDs in place of names, and without blanks because
-// its size is limited. Empty, with the reason in `problem`, if the text is not a JSON object or has
-// 2,048 bytes or more.
+// A JSON request for the module, with numeric OIDs for names, and without blanks. Empty, with the
+// reason in `problem`, if the text is not a JSON object or has 2,048 bytes or more.
 std::optional<std::string> PrepareRequest(std::string_view text, std::string& problem);
 
-// A request for one OID only.
 std::string RequestFor(const std::string& oid);
 
-// The OIDs that a request asks for.
 std::vector<Oid> OidsOf(const cJSON* request);
 
 // The names and strings under "GET".

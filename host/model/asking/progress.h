@@ -1,5 +1,4 @@
-// What a program with a user interface is doing, since when, and how far it has come. Kinds and
-// numbers; the words are the user interface's.
+// What a program is doing, since when, and how far it has come; the words are its own.
 #pragma once
 
 #include <algorithm>
@@ -19,7 +18,6 @@ class Progress {
     void BeginSearch(size_t sweeps);
     // The user stops what is in progress; it ends later, see SetIdle.
     void Stop();
-    // Nothing is sent any more.
     void SetIdle() { isStopping_ = false; }
     bool EndSweep();  // returns true if it was the last one
     void CountAnswer() { ++answers_; }
@@ -35,7 +33,6 @@ class Progress {
     void BeginReading(const std::string& address) { BeginAsking(address, true); }
     void BeginDiagnosis(const std::string& address) { BeginAsking(address, false); }
     void EndAsking() { asked_.clear(); }
-    bool IsAsking() const { return !asked_.empty(); }
     bool IsReading(const std::string& address) const { return isReading_ && asked_ == address; }
 
     // All devices are read, each for the list.
@@ -46,8 +43,7 @@ class Progress {
     void CountValue() { ++values_; }
     void EndWalk() { walked_.clear(); }
 
-    // What the user's last action led to. It is shown instead of progress for kNoteMs, and then
-    // while nothing is in progress.
+    // What the user's last action led to. Shown for kNoteMs, and then while nothing is in progress.
     void SetNote(std::wstring note);
     void ClearNote() { note_.clear(); }
     const std::wstring& Note() const { return note_; }
@@ -78,14 +74,12 @@ class Progress {
         std::string address;
         int64_t waitSeconds = 0;
     };
-    // What those that ask are doing.
     struct Work {
         size_t waiting = 0;           // devices that are still to be asked
         size_t read = 0, toRead = 0;  // of all devices; 0, 0: they are not being read
         std::string address;          // of the request that has waited longest
         int64_t waitMs = 0;
     };
-    // What to show now.
     Status Now(const Work& work) const;
 
   private:

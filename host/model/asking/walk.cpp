@@ -9,8 +9,7 @@
 namespace vndiscover::host {
 
 WalkStep StepOf(const Oid& root, const Oid& asked, const Answer& answer, bool isV3) {
-    // An SNMPv1 error answer repeats the request's binding; SNMPv3 marks the end by the value's
-    // type.
+    // An SNMPv1 error answer repeats the request's binding; SNMPv3 has a type for the end.
     const bool isRepeated = answer.oid == asked && IsNoValue(answer.type);
     if (isRepeated || (isV3 && answer.type != kNull && IsNoValue(answer.type)))
         return WalkStep::kEnd;
@@ -122,8 +121,7 @@ class Walk {
             if (answer.status == Status::kAnswered) end_.last = answer;
             return answer.status == Status::kAnswered;
         };
-        // Each silence takes seconds, so few of the ways are tried. Several variables in a row may
-        // be too long, so each way is.
+        // A silence takes seconds, so few ways are tried. Several variables may be too long.
         const auto way = isSilence
                              ? std::partition_point(ways.begin(), ways.end(),
                                                     [&](const Oid& one) { return !getsPast(one); })

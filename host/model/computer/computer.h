@@ -1,5 +1,4 @@
-// Facts about this computer that decide what a sweep can find. host/platform/this_computer.h
-// implements them; tests use a scripted implementation.
+// Facts about this computer that decide what a sweep can find; tests have scripted ones.
 #pragma once
 
 #include <cstddef>
@@ -31,8 +30,7 @@ struct Route {
     std::string adapter, source, gateway;  // no source: no route; no gateway: on the link
 };
 
-// An enabled firewall rule for incoming UDP traffic, for all programs or for this one, that is not
-// limited to services, interfaces, addresses or local ports.
+// An enabled rule for incoming UDP, without limits to services, interfaces, addresses, ports.
 struct FirewallRule {
     std::string name;
     std::string remotePorts;  // "161,3702", "100-200", "*"
@@ -63,8 +61,7 @@ struct LogSwitches {
     bool debugger = false, file = false;
 };
 
-// Nothing here sends anything. Each call reads the system again; failures give empty or unknown
-// results.
+// Sends nothing. Each call reads the system again; a failure gives an empty or unknown result.
 class Computer {
   public:
     virtual ~Computer() = default;

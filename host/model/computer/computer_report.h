@@ -17,7 +17,6 @@ struct SweepRow {
     unsigned seconds = 0;  // that a sweep waits there at least; 0: nothing is sent from there
 };
 
-// Of one protocol family.
 struct SweepPlan {
     size_t adapters = 0;
     std::vector<SweepRow> rows;  // in the sweep's order
@@ -29,8 +28,7 @@ struct ComputerReport {
     std::vector<Route> routes;  // for the broadcast, and for the WS-Discovery multicast
     FirewallReport firewall;
     LogSwitches log;
-    // Sentences. Each cause by itself can keep an IPv4 sweep, or WS-Discovery, from finding
-    // devices.
+    // Sentences. Each cause alone can keep an IPv4 sweep or WS-Discovery from finding devices.
     std::vector<std::string> causes, notes;
 };
 

@@ -19,7 +19,6 @@ Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<boo
 const char* PassageText(Passage passage);
 // "answered", "no answer", ...
 const char* OutcomeText(Outcome outcome);
-// The outcome and its detail.
 std::string StepText(const StepResult& step);
 
 }  // namespace vndiscover::host

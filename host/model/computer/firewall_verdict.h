@@ -1,4 +1,3 @@
-// Whether the firewall lets the answers of devices in.
 #pragma once
 
 #include <string>

@@ -59,9 +59,9 @@ void Fleet::Done(FleetDevice job) {
     devices_[job.index] = std::move(job);
 }
 
-bool Fleet::IsOver() const {
-    return std::all_of(devices_.begin(), devices_.end(),
-                       [](auto& device) { return device.isRead; });
+size_t Fleet::CountRead() const {
+    return static_cast<size_t>(std::count_if(devices_.begin(), devices_.end(),
+                                             [](auto& device) { return device.isRead; }));
 }
 
 std::string Fleet::Progress() const {
@@ -75,8 +75,8 @@ std::string Fleet::Progress() const {
     const auto states = count([](auto& device) { return !device.isState; });
     if (count([](auto& device) { return device.isState && !device.isLate; }) > 0)
         return "state of " + std::to_string(states) + total;
-    return std::to_string(count([](auto& device) { return device.isRead; })) + total + ", " +
-           are(Severity::kCritical) + " critical, " + are(Severity::kAttention) + " need attention";
+    return std::to_string(CountRead()) + total + ", " + are(Severity::kCritical) + " critical, " +
+           are(Severity::kAttention) + " need attention";
 }
 
 }  // namespace vndiscover::host

@@ -43,9 +43,10 @@ class Fleet {
     void Done(FleetDevice job);
     // Takes back a job that could not be tried.
     void Return(size_t index) noexcept { devices_[index].isTaken = false; }
-    bool IsOver() const;
+    bool IsOver() const { return CountRead() == devices_.size(); }
 
     const std::vector<FleetDevice>& Devices() const { return devices_; }
+    size_t CountRead() const;
     // "state of 29 of 403", then "29 of 403, 3 critical, 12 need attention".
     std::string Progress() const;
 

@@ -1,4 +1,4 @@
-#include "model/printer/level.h"
+#include "model/printer/printer_facts.h"
 
 #include <algorithm>
 

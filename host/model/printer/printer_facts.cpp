@@ -1,6 +1,7 @@
 #include "model/printer/printer_facts.h"
 
 #include <algorithm>
+#include <set>
 
 #include "values/object_names.h"
 #include "values/plain_text.h"
@@ -23,16 +24,16 @@ class Facts {
     PrinterFacts Make() {
         FindPrinter();
         FindCharacterSet();
-        TellSystem();
-        facts_.interfaces = InterfacesOf(answers_);
+        SetSystem();
+        AddInterfaces();
         facts_.macAddress = MacAddress();
         if (!facts_.deviceIndex) return std::move(facts_);
-        TellState();
-        TellSupplies();
-        TellTrays();
-        TellCounts();
-        TellAlerts();
-        TellPanel();
+        SetState();
+        AddSupplies();
+        AddTrays();
+        AddCounts();
+        AddAlerts();
+        AddPanel();
         return std::move(facts_);
     }
 
@@ -111,7 +112,7 @@ class Facts {
     }
 
     // Facts of the device, even if no printer was found.
-    void TellSystem() {
+    void SetSystem() {
         facts_.upTicks = Count("sysUpTime", {0});
         facts_.description = Text("sysDescr", {0});
         facts_.location = Text("sysLocation", {0});
@@ -145,7 +146,23 @@ class Facts {
         return found;
     }
 
-    void TellState() {
+    void AddInterfaces() {
+        std::set<Oid> rows;
+        for (const char* column :
+             {"ifDescr", "ifType", "ifSpeed", "ifPhysAddress", "ifAdminStatus", "ifOperStatus"}) {
+            for (const Oid& row : RowsOf(answers_, column)) rows.insert(row);
+        }
+        for (const Oid& row : rows) {
+            const auto words = [&](const char* object) { return SpacedWords(Word(object, row)); };
+            const Answer* const address = Find("ifPhysAddress", row);
+            facts_.interfaces.push_back({Text("ifDescr", row), words("ifType"),
+                                         SpeedText(Count("ifSpeed", row).value_or(0)),
+                                         address ? HexText(address->bytes, ":") : "",
+                                         words("ifAdminStatus"), words("ifOperStatus")});
+        }
+    }
+
+    void SetState() {
         const Oid printer = {*facts_.deviceIndex};
         facts_.deviceStatus = Word("hrDeviceStatus", printer);
         facts_.printerStatus = Word("hrPrinterStatus", printer);
@@ -155,7 +172,7 @@ class Facts {
         facts_.errorBits = bits->bytes;
     }
 
-    void TellSupplies() {
+    void AddSupplies() {
         for (const Oid& row : Rows({"prtMarkerSuppliesLevel", "prtMarkerSuppliesDescription",
                                     "prtMarkerSuppliesType"})) {
             Supply supply;
@@ -190,7 +207,7 @@ class Facts {
         return unit <= 2 ? "" : SpacedWords(Word(object, row));
     }
 
-    void TellTrays() {
+    void AddTrays() {
         for (const Oid& row : Rows({"prtInputCurrentLevel", "prtInputName", "prtInputMediaName",
                                     "prtInputDescription"})) {
             Tray tray;
@@ -203,14 +220,14 @@ class Facts {
         }
     }
 
-    void TellCounts() {
+    void AddCounts() {
         for (const Oid& row : Rows({"prtMarkerLifeCount"})) {
             if (const auto count = Count("prtMarkerLifeCount", row))
                 facts_.pageCounts.push_back({*count, UnitText("prtMarkerCounterUnit", row)});
         }
     }
 
-    void TellAlerts() {
+    void AddAlerts() {
         for (const Oid& row :
              Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"})) {
             facts_.alerts.push_back({Word("prtAlertSeverityLevel", row), Word("prtAlertGroup", row),
@@ -221,7 +238,7 @@ class Facts {
                               [](const Alert& alert) { return alert.severity == "critical"; });
     }
 
-    void TellPanel() {
+    void AddPanel() {
         for (const Oid& row : Rows({"prtConsoleDisplayBufferText"})) {
             const std::string line = Text("prtConsoleDisplayBufferText", row);
             if (!line.empty()) facts_.panel.push_back(line);

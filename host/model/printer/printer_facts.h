@@ -7,11 +7,27 @@
 #include <string_view>
 #include <vector>
 
-#include "model/printer/interfaces.h"
-#include "model/printer/level.h"
 #include "model/printer/printer_reader.h"
 
 namespace vndiscover::host {
+
+// How much of a supply or in a tray is left. Levels of the Printer MIB are signed: -1 "no limit",
+// -2 "unknown", -3 "some left" (RFC 3805, prtMarkerSuppliesLevel and prtInputCurrentLevel).
+constexpr int64_t kUnknownLevel = -2;
+
+struct Level {
+    std::optional<int64_t> level, maximum;  // as the device gave them; empty: see `missing`
+    std::string unit;                       // "impressions"; empty: none or unknown
+    bool isPercent = false;                 // the level itself is the percentage
+    bool isReceptacle = false;              // the level is the remaining capacity
+    const char* missing = "not read";       // why there is no level
+};
+
+// 0 to 100, rounded down; empty if unknown. A level above its maximum counts as 100.
+std::optional<int> PercentOf(const Level& level);
+
+// For a person: "40 % (400 of 1000 impressions)", "some left", "room left: 80 %".
+std::string LevelText(const Level& level);
 
 // All text is plain (see plain_text.h), read in the device's character set; empty: not given.
 // States are the words of the objects, such as "idle" or "markerTonerEmpty".
@@ -30,6 +46,15 @@ struct PageCount {
 struct Alert {
     std::string severity, group, code, description;
     std::optional<uint64_t> upTicks;  // hundredths of a second since the device started
+};
+// Of ifTable, in the order of their indexes (RFC 1213).
+struct Interface {
+    std::string description;
+    std::string type;             // "ethernet csmacd"
+    std::string speed;            // "100 Mbit/s"
+    std::string physicalAddress;  // "02:00:5E:10:00:01"
+    std::string adminStatus;      // what the interface should be: "up"
+    std::string operStatus;       // what it is
 };
 
 struct PrinterFacts {
@@ -56,8 +81,7 @@ PrinterFacts FactsOf(const PrinterAnswers& answers);
 // Sets the gaps of a device that was read; they tell why levels are missing.
 void SetGaps(PrinterFacts& facts, std::vector<Gap> gaps);
 
-// "not given" if the device was asked for all of the subject, or for the object, and does not have
-// it; otherwise "not read".
+// "not given" if the subject, or the object, was asked for and is missing; otherwise "not read".
 const char* MissingText(const std::vector<Gap>& gaps, std::string_view subject,
                         std::string_view object = "");
 

@@ -63,9 +63,6 @@ constexpr Question kQuestions[] = {
     {"prtAlertDescription", "alerts"},
     {"prtAlertTime", "alerts"},
     {"prtConsoleDisplayBufferText", "panel"},
-    {"ifType", "MAC address"},
-    {"ifPhysAddress", "MAC address"},
-    {"ifOperStatus", "MAC address"},
 };
 // In addition to those above.
 constexpr Question kInterfaceQuestions[] = {
@@ -73,24 +70,16 @@ constexpr Question kInterfaceQuestions[] = {
     {"ifAdminStatus", "interfaces"},
     {"ifDescr", "interfaces"},
 };
-// A printer's state, whose first row also names the printer.
-constexpr Question kPrinterStatus = {"hrPrinterStatus", "model and state", Way::kFirst};
-constexpr Question kFirstDevice = {"hrDeviceType", "model and state", Way::kFirst};
-constexpr Question kErrorState = {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter};
-constexpr Question kPrinterDevice[] = {
-    {"hrDeviceStatus", "model and state", Way::kPrinter},
-    {"hrDeviceDescr", "model and state", Way::kPrinter},
+// In a list only without a serial number, so that the printer's addresses can be merged.
+constexpr Question kMac[] = {
+    {"ifType", "MAC address"},
+    {"ifPhysAddress", "MAC address"},
+    {"ifOperStatus", "MAC address"},
 };
-// Only requested if the printer itself gives no serial number.
-constexpr Question kEntitySerial = {"entPhysicalSerialNum", "serial number"};
-constexpr Question kFirstSerial = {"entPhysicalSerialNum", "serial number", Way::kFirst};
-// Only requested if there is none at all, so that the printer's addresses can be merged.
-constexpr Question kMac = {"ifPhysAddress", "MAC address"};
 const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
 constexpr size_t kMaxFailures = 8;  // in a column
 
-// The OID after a column, or after a row.
 Oid EndOf(Oid oid) {
     ++oid.back();
     return oid;
@@ -107,11 +96,13 @@ class Reader {
           hasStopped_(answers_.lastStatus != Status::kAnswered) {}
 
     template <size_t count>
-    void Put(const Question (&questions)[count]) {
-        for (const Question& question : questions) Put(question);
+    void Read(const Question (&questions)[count]) {
+        for (const Question& question : questions) Read(question);
     }
-    void PutEntitySerial() {
-        if (!HasSerial("prtGeneralSerialNumber")) Put(kEntitySerial);
+    // Only if the printer itself gives none.
+    void ReadEntitySerial(Way way) {
+        if (!HasSerial("prtGeneralSerialNumber"))
+            Read(Question{"entPhysicalSerialNum", "serial number", way});
     }
     PrinterAnswers Finish() {
         answers_.spentMs = NowMs() - startMs_;
@@ -119,26 +110,31 @@ class Reader {
     }
 
     PrinterAnswers ReadState() {
-        Put(kPrinterStatus);
-        Put(Printer() ? kErrorState : kFirstDevice);
-        if (Printer()) Put(kPrinterDevice);
+        const auto read = [&](const char* object, Way way) {
+            Read(Question{object, "model and state", way});
+        };
+        read("hrPrinterStatus", Way::kFirst);  // its row also names the printer
+        if (!Printer()) read("hrDeviceType", Way::kFirst);
+        for (const char* object :
+             {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
+            if (Printer()) read(object, Way::kPrinter);
         return Finish();
     }
     PrinterAnswers ReadForList() {
         for (const Question& question : kQuestions) {
-            if (question.isListed) Put(question);
+            if (question.isListed) Read(question);
         }
-        if (!HasSerial("prtGeneralSerialNumber")) Put(kFirstSerial);
-        if (!HasSerial("prtGeneralSerialNumber") && !HasSerial("entPhysicalSerialNum")) Put(kMac);
+        ReadEntitySerial(Way::kFirst);
+        if (!HasSerial("prtGeneralSerialNumber") && !HasSerial("entPhysicalSerialNum")) Read(kMac);
         return Finish();
     }
 
   private:
     int64_t NowMs() const { return host::NowMs(caller_); }
 
-    void Put(const Question& question) {
+    void Read(const Question& question) {
         if (hasStopped_) {
-            Miss(question, false, "not asked for");
+            AddGap(question, false, "not asked for");
             return;
         }
         const Oid& oid = OidOf(question.object);
@@ -149,16 +145,16 @@ class Reader {
             const Answer answer = Ask(oid);
             Handle(question, answer, IsWithin(answer.oid, oid), EndOf(oid));
         } else {
-            PutRow(question, {question.way == Way::kScalar ? 0 : *printer});
+            ReadRow(question, {question.way == Way::kScalar ? 0 : *printer});
         }
     }
 
-    void PutRow(const Question& question, const Oid& row) {
+    void ReadRow(const Question& question, const Oid& row) {
         const Oid oid = Append(OidOf(question.object), row);
         if (hasStopped_) {
-            Miss(question, false, "not asked for");
+            AddGap(question, false, "not asked for");
         } else if (IsMisencoded(oid)) {
-            Miss(question, true, "the printer's index is over 16383 and cannot be requested");
+            AddGap(question, true, "the printer's index is over 16383 and cannot be requested");
         } else if (answers_.values.count(oid) == 0) {
             const Answer answer = Ask(JustBefore(oid));
             Handle(question, answer, answer.oid == oid, oid);
@@ -178,7 +174,7 @@ class Reader {
         if (answer.status == Status::kAnswered) {
             if (isIt) Save(answer);
         } else if (!IsOnlyThisOne(answer) || IsUpTo(last)) {
-            Miss(question, answer);
+            AddGap(question, answer);
         }
     }
 
@@ -192,33 +188,32 @@ class Reader {
                 if (row && IsOnlyThisOne(answer)) {
                     unclear = answer;
                 } else if (!IsOnlyThisOne(answer) || IsUpTo(EndOf(column))) {
-                    Miss(question, answer);
+                    AddGap(question, answer);
                 } else {
                     return;
                 }
                 if (hasStopped_) return;
-                if (++failures > kMaxFailures) return Miss(question, answer);
+                if (++failures > kMaxFailures) return AddGap(question, answer);
                 asked = row ? *row : RowOfNextColumn(column, asked);
                 continue;
             }
-            if (unclear) Miss(question, *unclear);
+            if (unclear) AddGap(question, *unclear);
             unclear.reset();
             const WalkStep step = StepOf(column, asked, answer, asker_.isV3);
-            if (step == WalkStep::kNotIncreasing) Miss(question, true, "OID not increasing");
+            if (step == WalkStep::kNotIncreasing) AddGap(question, true, "OID not increasing");
             if (step == WalkStep::kEnd || step == WalkStep::kNotIncreasing) return;
             Save(answer);
             asked = answer.oid;
             if (step == WalkStep::kVariable) continue;
             if (!IsEnough(question))
-                Miss(question, true,
-                     "a row's index is over 16383, so what follows cannot be requested");
+                AddGap(question, true,
+                       "a row's index is over 16383, so what follows cannot be requested");
             return;
         }
-        if (!IsEnough(question)) Miss(question, true, "more rows than can be read");
+        if (!IsEnough(question)) AddGap(question, true, "more rows than can be read");
     }
 
-    // The row that comes after that of `asked` in a later column; if the table has none, the next
-    // number.
+    // The row after that of `asked` in a later column; without one, the next number.
     Oid RowOfNextColumn(const Oid& column, const Oid& asked) {
         const Oid table = Head(column, column.size() - 1);
         Oid other = EndOf(column);
@@ -236,8 +231,7 @@ class Reader {
         return EndOf(row);
     }
 
-    // Whether the variable that cannot be read is not after `oid`: then a request for what follows
-    // gets past it.
+    // Whether a request for what follows `oid` gets past the variable that cannot be read.
     bool IsUpTo(const Oid& oid) {
         return !IsMisencoded(oid) && Ask(oid).status == Status::kAnswered;
     }
@@ -248,8 +242,7 @@ class Reader {
                !ListedPrinters(answers_).empty();
     }
 
-    // To skip a row that could not be read: the first row after `asked` in another column of the
-    // table. Short columns are read first.
+    // To skip a row that could not be read: the first one after `asked` in a column read before.
     std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
         const Oid table = Head(column, column.size() - 1);
         std::optional<Oid> first;
@@ -280,9 +273,9 @@ class Reader {
     }
 
     // Ends the reading, unless the failure is of this variable only.
-    void Miss(const Question& question, const Answer& failure) {
+    void AddGap(const Question& question, const Answer& failure) {
         const std::string problem = stopReason_ ? stopReason_ : Problem(failure);
-        Miss(question, true, problem);
+        AddGap(question, true, problem);
         hasStopped_ = stopReason_ || !IsOnlyThisOne(failure);
         if (!hasStopped_) return;
         answers_.lastStatus = failure.status;
@@ -290,7 +283,7 @@ class Reader {
         answers_.isStopped = stopReason_ != nullptr;
     }
 
-    void Miss(const Question& question, bool wasAsked, std::string reason) {
+    void AddGap(const Question& question, bool wasAsked, std::string reason) {
         Gap gap = {question.subject, wasAsked ? question.object : "", std::move(reason)};
         const auto isSame = [&](const Gap& known) {  // once for each subject or object
             return known.subject == gap.subject && (!wasAsked || known.object == gap.object);
@@ -299,7 +292,6 @@ class Reader {
             answers_.gaps.push_back(std::move(gap));
     }
 
-    // Whether the column holds more than blanks.
     bool HasSerial(const char* object) const {
         const std::vector<Oid> rows = RowsOf(answers_, object);
         return std::any_of(rows.begin(), rows.end(), [&](const Oid& row) {
@@ -341,8 +333,9 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
 
 PrinterAnswers ReadPrinter(const Asker& asker) {
     Reader reader(asker);
-    reader.Put(kQuestions);
-    reader.PutEntitySerial();
+    reader.Read(kQuestions);
+    reader.Read(kMac);
+    reader.ReadEntitySerial(Way::kColumn);
     return reader.Finish();
 }
 
@@ -356,7 +349,7 @@ PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
 
 PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {
     Reader reader(asker, std::move(printer));
-    reader.Put(kInterfaceQuestions);
+    reader.Read(kInterfaceQuestions);
     return reader.Finish();
 }
 

@@ -10,7 +10,6 @@
 
 namespace vndiscover::host {
 
-// A part that is missing from a report, and why.
 struct Gap {
     std::string subject;  // "supplies"
     std::string object;   // whose request failed, "prtInputName"; empty: not requested
@@ -30,27 +29,23 @@ struct PrinterAnswers {
 // The instances of a column that were received, in their order.
 std::vector<Oid> RowsOf(const PrinterAnswers& answers, const char* object);
 
-// The indexes of the printers in the device's hrDeviceTable.
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 
 // Far more than a device needs; one that answers each request just in time would take hours.
 constexpr int64_t kMaxReadMs = 120000;
 
-// About 40 objects, with one request for each variable and one for the end of each column of a
-// table. Ends early if the device falls silent or refuses; an unreadable answer loses its row only.
-// No request is sent after kMaxReadMs.
+// About 40 objects: a request for each variable, and for the end of each column of a table. Ends
+// early if the device falls silent or refuses. No request is sent after kMaxReadMs.
 PrinterAnswers ReadPrinter(const Asker& asker);
 
-// Whether the device is a printer, and its state: four requests at most. Does not ask again for
-// what is known.
+// Whether the device is a printer, and its state: at most four requests for what is not known.
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 
 // Adds what a list of printers shows besides the state: names, serial number, page count, supplies,
 // firmware, and without a serial number the MAC address. About 13 requests, and 6 for each supply.
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
 
-// Adds what ReadPrinter does not read of the device's interfaces, 3 columns; see interfaces.h. Asks
-// nothing if the reading before ended early, and shares its time limit.
+// Adds three columns of the interfaces, within the same time limit, unless the reading ended early.
 PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer);
 
 }  // namespace vndiscover::host

@@ -24,7 +24,6 @@ struct PrinterSummary {
 
 PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits = {});
 
-// One printer of a list.
 struct PrinterLine {
     PrinterFacts facts;
     PrinterSummary summary;

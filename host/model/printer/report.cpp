@@ -98,7 +98,6 @@ ReportSection Trays(const PrinterFacts& facts, const LevelLimits& limits) {
     return section;
 }
 
-// The gap with this text, or a new one.
 Gap& GapWith(std::vector<Gap>& gaps, std::string Gap::*member, const std::string& text) {
     const auto known =
         std::find_if(gaps.begin(), gaps.end(), [&](const Gap& gap) { return gap.*member == text; });

@@ -2,6 +2,7 @@
 // program draws them in its own way. No program has labels or texts of its own.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -81,11 +82,20 @@ struct ReportContext {
     bool isRead = true;  // false: what the facts lack was not asked for; it is left out
     LevelLimits limits{};
 };
-// The places of its sections.
 enum class ReportPart : size_t { kIdentity, kState, kAlerts, kSupplies, kTrays, kNotes };
 Report ReportOf(const PrinterFacts& facts, const ReportContext& context);
 
 // Of the network, which is not in the report above.
 ReportSection InterfaceSection(const PrinterFacts& facts);
+
+struct TextStyle {
+    size_t width = 80;        // of a line, in characters
+    bool hasColours = false;  // as escape sequences, of bars and marks
+    bool hasMarks = true;     // "!" and "!!" before what is worth a look
+    bool hasDetails = false;
+};
+
+// Titles on the left, levels as bars. Lines end in LF. Only commands and long words are too wide.
+std::string ReportText(const Report& report, const TextStyle& style = {});
 
 }  // namespace vndiscover::host

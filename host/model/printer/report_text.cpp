@@ -1,4 +1,4 @@
-#include "model/printer/report_text.h"
+#include "model/printer/report.h"
 
 #include <algorithm>
 
@@ -84,7 +84,6 @@ class Writer {
         invisible_ += start.size() + end.size();
     }
 
-    // Breaks lines at spaces.
     void AddText(const std::string& text, bool isInPhrases = false) {
         bool isFirst = true;
         for (size_t at = 0; at <= text.size();) {

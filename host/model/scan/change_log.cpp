@@ -23,7 +23,7 @@ std::string StateOf(const DeviceRow& row) {
 
 }  // namespace
 
-bool ChangeLog::Take(const DeviceRow& row, const std::string& time) {
+bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
     std::string state = StateOf(row);

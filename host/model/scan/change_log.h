@@ -17,12 +17,10 @@ struct StateChange {
 
 class ChangeLog {
   public:
-    // Takes a row as it is now. A device that is being read, or has never been, is left out.
-    // Returns whether its state has changed.
-    bool Take(const DeviceRow& row, const std::string& time);
+    // A row as it is now. True if its state has changed; one that is being read has none.
+    bool Add(const DeviceRow& row, const std::string& time);
     // The latest first; of a long time, the last 10,000.
     const std::deque<StateChange>& Changes() const { return changes_; }
-    // Whether the device has changed and was not looked at since.
     bool IsMarked(const DeviceRow& row) const;
     void Unmark(const DeviceRow& row);
     // The list is another one, whose states are no changes. The changes so far are kept.

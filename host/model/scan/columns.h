@@ -1,5 +1,4 @@
-// The columns of a table of devices. A new one is a row here, and its heading is a text of the
-// window.
+// The columns of a table of devices. A new one is a row here; its heading is the window's.
 #pragma once
 
 #include <cstddef>

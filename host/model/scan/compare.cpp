@@ -11,7 +11,6 @@
 namespace vndiscover::host {
 namespace {
 
-// The addresses of one family.
 std::string Addresses(const FoundDevice& device, bool isIPv6) {
     std::vector<std::string> addresses;
     for (const std::string& address : device.identity.Of(MergeKey::kAddress)) {
@@ -76,7 +75,6 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
     return changes;
 }
 
-// Finds the earlier device for each later one.
 class Matcher {
   public:
     Matcher(const std::vector<FoundDevice>& before, const std::vector<FoundDevice>& after)

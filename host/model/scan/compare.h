@@ -1,4 +1,3 @@
-// The differences between two scans.
 #pragma once
 
 #include <string>
@@ -9,8 +8,8 @@
 namespace vndiscover::host {
 
 struct FieldChange {
-    // "address", "name", "firmware", "device", "printer", "errors", "alerts", the name of a
-    // supply, "page count", "page count 2"
+    // "address", "name", "firmware", "device", "printer", "errors", "alerts", the name of a supply,
+    // "page count", "page count 2"
     std::string field;
     std::string before, after;
     bool isPageCount = false;
@@ -34,8 +33,7 @@ struct Comparison {
 };
 
 // Devices are matched by the rules of MakeDevices. A field that only one of the scans has does not
-// count as changed: it may not have been requested. A supply changes by one percentage point at
-// least.
+// count as changed. A supply changes by one percentage point at least.
 Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after);
 
 }  // namespace vndiscover::host

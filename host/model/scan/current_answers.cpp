@@ -1,4 +1,4 @@
-#include "model/scan/current_answers.h"
+#include "model/scan/scan.h"
 
 #include <algorithm>
 #include <map>
@@ -18,7 +18,6 @@ using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oi
 // Of an address: for what takes the place of a removed answer.
 using Origin = std::tuple<std::string, SweepKind, bool>;
 
-// The object of the table of names that a variable belongs to.
 Oid ObjectOf(const Oid& variable) {
     static const std::set<Oid> objects = [] {
         std::set<Oid> all;
@@ -95,8 +94,7 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
 
 namespace {
 
-// Removes sweeps without a current answer, except those of the last search. Returns the new number
-// of each sweep that stays.
+// Removes sweeps without a current answer before the last search. Returns the others' new numbers.
 std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
     size_t lastSearch = 0;
     for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);

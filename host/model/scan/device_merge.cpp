@@ -99,8 +99,7 @@ class Merger {
         kept.merges.push_back({key, value, contacts_[one].device.answers.front(),
                                contacts_[other].device.answers.front()});
         kept.merges.splice(kept.merges.end(), joined.merges);
-        // The smaller one is added to the larger one: hostile answers may let a growing group join
-        // one address after the other.
+        // The smaller one is added to the larger one: a hostile group may join all others.
         if (kept.group.Size() < joined.group.Size()) std::swap(kept.group, joined.group);
         kept.group.Add(std::exchange(joined.group, {}));
         if (kept.apart.size() < joined.apart.size()) std::swap(kept.apart, joined.apart);

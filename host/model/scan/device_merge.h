@@ -1,4 +1,3 @@
-// From answers to devices.
 #pragma once
 
 #include <map>
@@ -15,8 +14,7 @@ namespace vndiscover::host {
 // always gives the same devices, in the order of their first answers.
 std::vector<FoundDevice> MakeDevices(const Scan& scan);
 
-// The same for a scan that grows: only devices with new answers are described again, so it may be
-// called several times per second.
+// The same, several times a second: only devices with new answers are described again.
 class DeviceMaker {
   public:
     std::vector<FoundDevice> Make(const Scan& scan);

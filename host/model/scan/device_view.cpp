@@ -9,7 +9,6 @@
 namespace vndiscover::host {
 namespace {
 
-// In the order of their numbers.
 std::vector<std::string> AddressesOf(const FoundDevice& device) {
     const auto& known = device.identity.Of(MergeKey::kAddress);
     std::vector<std::string> addresses(known.begin(), known.end());
@@ -48,6 +47,47 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
 }
 
 }  // namespace
+
+std::string AddressCell(const RowSource& source) { return Joined(source.addresses); }
+
+std::string IdentityCell(const RowSource& source, MergeKey key) {
+    std::vector<std::string> values;
+    for (const std::string& value : source.device.identity.Of(key))
+        values.push_back(PlainText(value));
+    return Joined(values);
+}
+
+std::string StateCell(const RowSource& source) {
+    return StateText(source.standing, source.summary);
+}
+
+std::string ProtocolCell(const RowSource& source) {
+    bool has[3] = {};
+    for (const size_t index : source.device.answers) {
+        const ScanSweep& sweep = source.scan.sweeps[source.scan.answers[index].sweep];
+        if (sweep.form != AnswerForm::kAdded) has[static_cast<size_t>(sweep.kind)] = true;
+    }
+    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
+    std::vector<std::string> names;
+    for (size_t kind = 0; kind < 3; ++kind) {
+        if (has[kind]) names.emplace_back(kNames[kind]);
+    }
+    return Joined(names);
+}
+
+std::string NetworkCell(const RowSource& source) {
+    const auto known =
+        source.addresses.empty() ? std::nullopt : ParseIpAddress(source.addresses.front());
+    if (!known) return "";
+    if (!known->IsIPv4()) return "fe80::/64";
+    for (const AdapterAddress& adapter : source.ipv4.addresses) {
+        std::string network = CommonNetwork(*known, adapter.address, adapter.mask);
+        if (!network.empty()) return network;
+    }
+    return "";
+}
+
+std::string LastSeenCell(const RowSource& source) { return source.standing.lastAnswer; }
 
 std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundDevice>& devices,
                                       const AdapterList& ipv4,
@@ -88,14 +128,7 @@ void DeviceView::ShowOnlyPrinters(bool isOnly) {
 }
 
 void DeviceView::Filter(const std::string& text) {
-    words_.clear();
-    const std::string lower = Lower(text);
-    size_t at = 0;
-    while ((at = lower.find_first_not_of(' ', at)) != std::string::npos) {
-        const size_t end = std::min(lower.find(' ', at), lower.size());
-        words_.push_back(lower.substr(at, end - at));
-        at = end;
-    }
+    words_ = SplitText(Lower(text), " ");
     Arrange();
 }
 

@@ -34,8 +34,7 @@ class RowMaker {
   public:
     explicit RowMaker(const LevelLimits& limits = {}) : limits_(limits) {}
 
-    // Rows in the order of the devices.
-    // `standings`: of the devices; without them, none was asked in a search.
+    // In the order of the devices, as are `standings`; without them, none was asked in a search.
     std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
                                 const AdapterList& ipv4,
                                 const std::vector<Standing>& standings = {});
@@ -45,15 +44,13 @@ class RowMaker {
     std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
 };
 
-// The rows that pass a filter, sorted. The selection stays with its device while rows are added,
-// removed, sorted or hidden by the filter.
+// The rows that pass a filter, sorted. The selection stays with its device.
 class DeviceView {
   public:
     void SetRows(std::vector<DeviceRow> rows);
     void Sort(Column column, bool isDescending);
     Column SortColumn() const { return column_; }
     bool IsDescending() const { return isDescending_; }
-    // Leaves out devices that are no printers.
     void ShowOnlyPrinters(bool isOnly);
     // Shows rows that contain every word of the text, ignoring the case of ASCII letters.
     void Filter(const std::string& text);
@@ -66,7 +63,6 @@ class DeviceView {
     const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
     const std::vector<DeviceRow>& AllRows() const { return rows_; }
 
-    // Selects one of the shown rows, or none.
     void Select(std::optional<size_t> index);
     std::optional<size_t> Selected() const;
     // The selected device; null if there is none, or if it is hidden.

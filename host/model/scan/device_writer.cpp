@@ -10,11 +10,9 @@
 namespace vndiscover::host {
 namespace {
 
-// The value of an SNMPv1 result message as bytes. A message has no type, but only an OCTET STRING
-// comes with the size that means "longer than 127 bytes".
+// Of an SNMPv1 result message, as bytes. Only an OCTET STRING can be longer than 127 bytes.
 std::string RawValue(std::string_view value) { return ContentOf(kOctetString, value).bytes; }
 
-// The only answer in a document of RequestFor.
 std::string AnswerValue(std::string_view value) {
     const JsonItem document = ParseDocument(value);
     const auto answers = AnswersOf(document.get());

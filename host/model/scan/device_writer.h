@@ -1,4 +1,3 @@
-// Devices as documents.
 #pragma once
 
 #include <string>
@@ -9,7 +8,7 @@
 
 namespace vndiscover::host {
 
-enum class Format { kTable, kJson, kCsv };
+enum class Format { kText, kJson, kCsv };
 
 // The content of a result message's value.
 enum class ValueKind {
@@ -18,7 +17,6 @@ enum class ValueKind {
     kAnswer,    // a filled-in request of RequestFor, whose only answer is the value
 };
 
-// A row as JSON.
 JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value);
 
 class DeviceWriter {
@@ -27,8 +25,7 @@ class DeviceWriter {
     DeviceWriter(Format format, ValueKind kind, bool useIPv6)
         : format_(format), kind_(kind), useIPv6_(useIPv6) {}
 
-    // Each returns the text to print now; lines end in LF. `value` is the text of the result
-    // message.
+    // Each returns the text to print now; lines end in LF. `value`: of the result message.
     std::string Row(std::string_view address, std::string_view value);
     // Must be called once, after the last row, even if there was none.
     std::string End();
@@ -45,8 +42,7 @@ class DeviceWriter {
     JsonArray array_;
 };
 
-// A line of a CSV document: UTF-8, with CR LF. A cell that a spreadsheet would run as a formula
-// starts with an apostrophe.
+// A line of a CSV document: UTF-8, with CR LF. See CsvCell.
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator);
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";  // before the first line
 

@@ -38,7 +38,6 @@ void AddOrNull(cJSON* object, const char* name, const std::optional<Number>& num
     }
 }
 
-// An array member with an object for each row, which `fill` fills.
 template <class Rows, class Fill>
 void AddObjects(cJSON* parent, const char* name, const Rows& rows, Fill fill) {
     cJSON* array = cJSON_AddArrayToObject(parent, name);

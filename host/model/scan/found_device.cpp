@@ -6,7 +6,7 @@
 #include <set>
 
 #include "model/asking/json_request.h"
-#include "model/scan/current_answers.h"
+#include "model/scan/scan.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
@@ -16,12 +16,10 @@
 namespace vndiscover::host {
 namespace {
 
-// A device replies a few times for each adapter. One that floods a sweep would cost seconds, each
-// time that another reply comes.
+// A device replies a few times for each adapter. One that floods a sweep would cost seconds.
 constexpr size_t kMaxReplies = 256;
 
-// Sweeps deliver values as text without a type, up to a zero byte, so only the values of text
-// objects can be used.
+// Sweeps deliver values as text without a type: only those of text objects can be used.
 bool IsTextObject(const Oid& oid) {
     constexpr const char* kTexts[] = {"sysDescr",
                                       "sysName",
@@ -98,7 +96,6 @@ class Collector {
         }
     }
 
-    // The first one that is not blank.
     std::string TextWithin(const Oid& root) const {
         for (auto at = variables_.values.lower_bound(root);
              at != variables_.values.end() && IsWithin(at->first, root); ++at) {

@@ -29,14 +29,12 @@ struct FoundDevice {
     std::vector<Merge> merges;
 };
 
-// Combines those of the answers with these indexes that still hold; see current_answers.h. Of
-// WS-Discovery replies, it reads the first 256.
+// Combines those of these answers that still hold; of WS-Discovery replies, the first 256.
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
 
 // A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".
 std::string DeviceLine(const FoundDevice& device);
 
-// For programs that read our output.
 JsonItem DeviceJson(const FoundDevice& device);
 
 }  // namespace vndiscover::host

@@ -5,7 +5,7 @@
 namespace vndiscover::host {
 namespace {
 
-bool TellsNothing(MergeKey key, std::string_view value) {
+bool IsPlaceholder(MergeKey key, std::string_view value) {
     constexpr std::string_view kPlaceholders = "Xx0 \t-_./:?*#";
     return value.empty() || (key == MergeKey::kSerial &&
                              value.find_first_not_of(kPlaceholders) == std::string_view::npos);
@@ -27,7 +27,7 @@ const char* KeyName(MergeKey key) {
 }
 
 void Identity::Add(MergeKey key, const std::string& value) {
-    if (!TellsNothing(key, value)) values_[static_cast<size_t>(key)].insert(value);
+    if (!IsPlaceholder(key, value)) values_[static_cast<size_t>(key)].insert(value);
 }
 
 void Identity::Add(const Identity& other) {

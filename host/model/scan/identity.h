@@ -17,13 +17,11 @@ constexpr std::array<MergeKey, 4> kMergeKeys = {MergeKey::kSerial, MergeKey::kMa
 // A value that this many otherwise distinct devices share identifies none of them.
 constexpr size_t kMaxClaims = 16;
 
-// "serial number", "MAC address", "WS-Discovery endpoint", "address".
 const char* KeyName(MergeKey key);
 
 class Identity {
   public:
-    // Ignores values that identify nothing: an empty one, or a serial number of X, 0 and
-    // punctuation only, which is a placeholder.
+    // Ignores an empty value, and a serial number of X, 0 and punctuation, a placeholder.
     void Add(MergeKey key, const std::string& value);
     void Add(const Identity& other);
     size_t Size() const;  // of values

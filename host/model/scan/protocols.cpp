@@ -7,12 +7,11 @@ namespace {
 
 bool IsIPv6(const std::string& address) { return address.find(':') != std::string::npos; }
 
-// The line of one protocol over one version of IP.
-class Judge {
+class LineMaker {
   public:
-    Judge(SweepKind kind, bool useIPv6) : line_{kind, useIPv6, ProtocolState::kNotAsked, ""} {}
+    LineMaker(SweepKind kind, bool useIPv6) : line_{kind, useIPv6, ProtocolState::kNotAsked, ""} {}
 
-    void TakeSweep(const ScanSweep& sweep, bool isRunning) {
+    void AddSweep(const ScanSweep& sweep, bool isRunning) {
         const bool isOther = sweep.kind != line_.kind || sweep.useIPv6 != line_.useIPv6;
         const bool isSweep =
             sweep.form != AnswerForm::kVariable && sweep.form != AnswerForm::kAdded;
@@ -20,7 +19,7 @@ class Judge {
         Raise(isRunning ? ProtocolState::kPending : ProtocolState::kSilent);
     }
 
-    void TakeReading(const Reading& reading) {
+    void AddReading(const Reading& reading) {
         const PrinterAnswers& end = reading.end;
         if (IsOther(reading.kind, reading.address) || end.isStopped) return;
         line_.note = end.lastProblem;
@@ -39,7 +38,7 @@ class Judge {
         }
     }
 
-    void TakeAnswer(const ScanSweep& sweep, const ScanAnswer& answer) {
+    void AddAnswer(const ScanSweep& sweep, const ScanAnswer& answer) {
         if (IsOther(sweep.kind, answer.address) || sweep.form == AnswerForm::kAdded) return;
         const bool isEmpty = sweep.form == AnswerForm::kValue && answer.answer.bytes.empty();
         Raise(isEmpty ? ProtocolState::kNoValue : ProtocolState::kAnswered);
@@ -64,24 +63,24 @@ class Judge {
 
 }  // namespace
 
-std::vector<ProtocolLine> JudgeProtocols(const Scan& scan, const std::vector<size_t>& answers,
-                                         const std::vector<Reading>& readings,
-                                         const std::vector<size_t>& running) {
+std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers,
+                                      const std::vector<Reading>& readings,
+                                      const std::vector<size_t>& running) {
     std::vector<ProtocolLine> lines;
     for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3, SweepKind::kWsd}) {
         for (const bool useIPv6 : {false, true}) {
-            Judge judge(kind, useIPv6);
+            LineMaker maker(kind, useIPv6);
             for (size_t index = 0; index < scan.sweeps.size(); ++index) {
                 const bool isRunning =
                     std::find(running.begin(), running.end(), index) != running.end();
-                judge.TakeSweep(scan.sweeps[index], isRunning);
+                maker.AddSweep(scan.sweeps[index], isRunning);
             }
-            for (const Reading& reading : readings) judge.TakeReading(reading);
+            for (const Reading& reading : readings) maker.AddReading(reading);
             for (const size_t index : answers) {
                 const ScanAnswer& answer = scan.answers[index];
-                judge.TakeAnswer(scan.sweeps[answer.sweep], answer);
+                maker.AddAnswer(scan.sweeps[answer.sweep], answer);
             }
-            if (!useIPv6 || judge.WasUsed()) lines.push_back(judge.Line());
+            if (!useIPv6 || maker.WasUsed()) lines.push_back(maker.Line());
         }
     }
     const bool hasAnswered = std::any_of(lines.begin(), lines.end(), [](const auto& line) {

@@ -38,8 +38,8 @@ struct Reading {
 // a sweep's silence if the device answers otherwise. `answers`
 // are the device's in the scan, `readings` those of its addresses, `running` the indexes of sweeps
 // that have not ended. A sweep over SNMPv3 shows a refusal as silence: only a reading says why.
-std::vector<ProtocolLine> JudgeProtocols(const Scan& scan, const std::vector<size_t>& answers,
-                                         const std::vector<Reading>& readings,
-                                         const std::vector<size_t>& running);
+std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers,
+                                      const std::vector<Reading>& readings,
+                                      const std::vector<size_t>& running);
 
 }  // namespace vndiscover::host

@@ -1,6 +1,4 @@
-// A scan: the answers of any number of sweeps, as received. Devices are derived from it each time,
-// see device_merge.h; what later answers replace is removed between searches, see
-// current_answers.h.
+// The answers of any number of sweeps, as received. Devices are derived from them: device_merge.h.
 #pragma once
 
 #include <cstddef>
@@ -10,6 +8,7 @@
 #include <vector>
 
 #include "model/asking/answer.h"
+#include "values/module_types.h"
 #include "values/oid_text.h"
 
 namespace vndiscover::host {
@@ -51,9 +50,26 @@ struct Scan {
     std::vector<std::pair<size_t, size_t>> splits;
 };
 
-const Oid& DefaultDiscoveryOid();
+inline const Oid& DefaultDiscoveryOid() {
+    static const Oid oid = *ParseOid(kDefaultDiscoveryOid);
+    return oid;
+}
 
-// The form of the answers to a sweep for this OID.
-AnswerForm FormOf(SweepKind kind, const Oid& oid);
+// The form of the answers to a sweep for this OID. SNMPv3 sweeps accept it only in a JSON request.
+inline AnswerForm FormOf(SweepKind kind, const Oid& oid) {
+    const bool isDocument = kind == SweepKind::kSnmpV3 && oid != DefaultDiscoveryOid();
+    return kind == SweepKind::kWsd ? AnswerForm::kReply
+           : isDocument            ? AnswerForm::kDocument
+                                   : AnswerForm::kValue;
+}
+
+// Those of the answers with these ascending indexes that no later one from the same address
+// replaces. A sweep replaces the answers to the same question; a reading the variables of each
+// object that it read, or all if it is complete; a state replaces alerts and the panel's text.
+std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
+
+// Removes the others, and sweeps without answers before the last search. Returns each answer's new
+// index, or that of what has replaced it.
+std::vector<size_t> RemoveFormerAnswers(Scan& scan);
 
 }  // namespace vndiscover::host

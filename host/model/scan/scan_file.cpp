@@ -112,8 +112,7 @@ bool IsTime(std::string_view text) {
                       });
 }
 
-// Of a number, without a zone. Letters alone would not tell: "beef.de" is a name that a request
-// would resolve.
+// A number, without a zone. Letters would not tell: "beef.de" is a name that requests resolve.
 bool IsAddress(const std::string& text) {
     return text.empty() || (text.size() < kAddressSize && text.find('%') == std::string::npos &&
                             ParseIpAddress(text));
@@ -306,8 +305,7 @@ size_t LargestSweep(const Scan& scan) {
     return static_cast<size_t>(std::max_element(sizes.begin(), sizes.end()) - sizes.begin());
 }
 
-// Removes a part of the answers of the largest sweep: what exceeds half of the most that an address
-// has, or, if none has several, the later half.
+// Removes answers of the largest sweep: over half of the most of an address, or the later half.
 void Thin(Scan& scan) {
     const size_t sweep = LargestSweep(scan);
     std::unordered_map<std::string_view, size_t> counts;

@@ -1,4 +1,3 @@
-// Reports on the devices of a scan.
 #pragma once
 
 #include <vector>
@@ -22,5 +21,16 @@ struct ChangeRow {
 std::vector<ChangeRow> ChangesOf(const Comparison& comparison);
 // "monday.json (3 devices), now (4 devices): 1 new, 0 gone, ..."
 std::string CountsOf(const Comparison& comparison);
+
+// A raw answer of a device. All text is plain.
+struct AnswerLine {
+    std::string object;  // its name or OID; otherwise "JSON document" or "reply"
+    std::string value;   // one line
+    SweepKind kind = SweepKind::kSnmpV1;
+    std::string address, time;  // as in ScanAnswer
+};
+
+// `answers` are indexes in Scan::answers.
+std::vector<AnswerLine> AnswerLines(const Scan& scan, const std::vector<size_t>& answers);
 
 }  // namespace vndiscover::host

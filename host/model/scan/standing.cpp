@@ -1,7 +1,6 @@
 #include "model/scan/standing.h"
 
 #include <algorithm>
-#include <ctime>
 #include <tuple>
 
 #include "values/text.h"
@@ -28,7 +27,7 @@ bool IsSameQuestion(const ScanSweep& one, const ScanSweep& other) {
            one.useIPv6 == other.useIPv6 && one.oid == other.oid;
 }
 
-void Judge(Standing& standing, const Reading& reading) {
+void SetEnd(Standing& standing, const Reading& reading) {
     const PrinterAnswers& end = reading.end;
     const std::string silence =
         "no answer after " + std::to_string(std::max<int64_t>(1, end.spentMs / 1000)) + " s";
@@ -95,7 +94,7 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
     } else if (search.HasMissed(scan, device)) {
         standing.kind = Kind::kMissed;
     } else if (reading && reading->time >= standing.lastAnswer) {
-        Judge(standing, *reading);
+        SetEnd(standing, *reading);
     } else {
         standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
     }
@@ -137,13 +136,10 @@ std::string StateLine(const Standing& standing, const PrinterSummary& summary,
 }
 
 std::string ShortTime(const std::string& utc) {
-    const std::string local = LocalTimeBefore(utc, 0);  // "2026-11-25 05:31"
-    constexpr size_t kDate = 10;
-    const std::time_t now = std::time(nullptr);
-    char today[kDate + 1] = "";
-    const std::tm* parts = std::localtime(&now);
-    if (parts) std::strftime(today, sizeof today, "%Y-%m-%d", parts);
-    return local.compare(0, kDate, today) == 0 && !local.empty() ? local.substr(kDate + 1) : local;
+    constexpr size_t kTime = 11;  // in "2026-11-25 05:31"
+    const std::string local = LocalTimeBefore(utc, 0), now = LocalTimeBefore(UtcNow(), 0);
+    return !local.empty() && local.compare(0, kTime, now, 0, kTime) == 0 ? local.substr(kTime)
+                                                                         : local;
 }
 
 }  // namespace vndiscover::host

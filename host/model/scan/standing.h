@@ -1,5 +1,4 @@
-// Whether what is known of a device still holds: when it last answered, and how its last reading
-// ended.
+// Whether what is known of a device still holds.
 #pragma once
 
 #include <cstdint>
@@ -54,8 +53,7 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
 // "refused: ...", "no such value", "idle (incomplete, no answer after 12 s)".
 std::string StateText(const Standing& standing, const PrinterSummary& summary);
 
-// The worst of a printer in words, and of when it is: "door open, as of 21:10". `read`: when it was
-// read, UTC.
+// "door open, as of 21:10". `read`: when it was read, UTC.
 std::string StateLine(const Standing& standing, const PrinterSummary& summary,
                       const std::string& read);
 

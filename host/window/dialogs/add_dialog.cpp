@@ -7,7 +7,7 @@
 #include "platform/messages.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
-#include "values/split_text.h"
+#include "values/text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/store/scan_files.h"

@@ -12,7 +12,6 @@
 
 #include "platform/messages.h"
 #include "platform/wide_text.h"
-#include "values/split_text.h"
 #include "values/text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"

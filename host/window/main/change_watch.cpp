@@ -1,7 +1,7 @@
 #include "window/main/change_watch.h"
 
-#include "platform/this_process.h"
 #include "platform/wide_text.h"
+#include "values/utc_time.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -18,7 +18,7 @@ void ChangeWatch::Record() {
     const std::string time = UtcNow();
     bool hasChanged = false;
     for (const DeviceRow& row : state_.session.view.AllRows())
-        hasChanged |= state_.changes.Take(row, time);
+        hasChanged |= state_.changes.Add(row, time);
     if (!hasChanged) return;
     const DeviceRow* const seen = state_.session.view.SelectedRow();
     if (seen && GetActiveWindow() == state_.window) state_.changes.Unmark(*seen);

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
+#include "values/utc_time.h"
 #include "window/dialogs/add_dialog.h"
 #include "window/main/help.h"
 #include "window/strings.h"

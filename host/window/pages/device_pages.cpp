@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "model/scan/answer_lines.h"
+#include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
 #include "window/strings.h"

@@ -1,4 +1,4 @@
-#include "window/work/calls.h"
+#include "window/work/module_engine.h"
 
 #include <vndiscover.h>
 

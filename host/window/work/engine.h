@@ -1,5 +1,4 @@
-// The window's access to the network. ModuleEngine uses VnDiscover.dll; tests use a scripted
-// engine.
+// The window's access to the network: ModuleEngine by VnDiscover.dll, in tests by a script.
 #pragma once
 
 #include <functional>
@@ -8,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "device/security.h"
+#include "device/ask_process.h"
 #include "model/asking/call_text.h"
 #include "model/asking/host_diagnosis.h"
 #include "model/asking/walk.h"
@@ -44,20 +43,12 @@ struct AskTarget {
     std::vector<std::string> otherCommunities{};
 };
 
-// Asks devices for the list, in another process: the module allows one directed request a process.
-class Reader {
-  public:
-    virtual ~Reader() = default;
-    // False if it could not be started, or has ended.
-    virtual bool IsAlive() const = 0;
-    // `login`: the number of one of those that it was made with.
-    virtual Answer GetNext(size_t login, const std::string& address, const Oid& oid) = 0;
-    // For any thread: ends it, and the request that is being answered.
-    virtual void End() = 0;
-};
+inline Login LoginOf(const AskTarget& target) {
+    const bool hasUser = target.kind == SweepKind::kSnmpV3;
+    return {target.credentials.community, hasUser ? target.credentials.security : nullptr};
+}
 
-// Each call blocks its thread. At most one SNMP sweep, one WS-Discovery sweep and one reading or
-// walk at a time.
+// Each call blocks. One SNMP sweep, one WS-Discovery sweep, one reading or walk at a time.
 class Engine {
   public:
     using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;
@@ -76,8 +67,8 @@ class Engine {
                                     std::function<bool()> mayGoOn) = 0;
     // How many readers may ask side by side.
     virtual size_t MaxReaders() const { return 0; }
-    // For any thread. `logins`: protocols and credentials, without addresses.
-    virtual std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>& /*logins*/) {
+    // For any thread.
+    virtual std::unique_ptr<Reader> MakeReader(const std::vector<Login>& /*logins*/) {
         return nullptr;
     }
     using OnVariable = std::function<bool(const Answer&)>;  // false: no more

@@ -8,11 +8,10 @@
 #include "model/asking/json_request.h"
 #include "platform/result_window.h"
 #include "platform/this_computer.h"
-#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"
-#include "window/work/calls.h"
+#include "values/utc_time.h"
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {
@@ -20,23 +19,12 @@ namespace {
 
 constexpr UINT kMessage = ResultWindow::kMessage;
 
-void SweepSnmp(HWND window, const SweepStep& step) {
-    SnmpSweep sweep;
-    sweep.useIPv6 = step.useIPv6;
-    sweep.oid = ToWide(OidToText(step.oid));
-    sweep.community = ToWide(step.credentials.community);
-    if (step.kind == SweepKind::kSnmpV3) sweep.security = step.credentials.security.get();
-    // SNMPv3 sweeps accept an OID only in a JSON request.
-    if (FormOf(step.kind, step.oid) == AnswerForm::kDocument)
-        sweep.request = ToWide(RequestFor(OidToText(step.oid)));
-    RunSweep(window, kMessage, sweep);
-}
-
 void SweepWsd(HWND window, const std::string& probe) {
     DiscoverSoap(window, kMessage, kWsdSilenceMs, probe.data(), static_cast<int32_t>(probe.size()));
 }
 
-// Measures the time of a call.
+Device DeviceOf(const AskTarget& target) { return DeviceOf(LoginOf(target), target.address); }
+
 class Stopwatch {
   public:
     Call Timed(Call call) const {
@@ -67,7 +55,8 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     if (isWsd) {
         SweepWsd(window.Handle(), probe);
     } else {
-        SweepSnmp(window.Handle(), step);
+        const Login login = LoginOf({"", step.kind, step.credentials});
+        RunSweep(window.Handle(), kMessage, SweepFor(login, step.oid, step.useIPv6));
     }
     Call call = watch.Timed(CallOf(step, probe));
     call.result = "0";  // always
@@ -122,7 +111,7 @@ FleetDevice ModuleEngine::ReadForList(const AskTarget& target, const FleetDevice
     return ReadJob(job, Reported(std::move(asker), target, std::move(mayGoOn), 0));
 }
 
-std::unique_ptr<Reader> ModuleEngine::MakeReader(const std::vector<AskTarget>& logins) {
+std::unique_ptr<Reader> ModuleEngine::MakeReader(const std::vector<Login>& logins) {
     return std::make_unique<ReaderProcess>(logins, job_.Get());
 }
 

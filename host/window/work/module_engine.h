@@ -1,7 +1,6 @@
-// The engine that calls VnDiscover.dll.
 #pragma once
 
-#include "window/work/reader_process.h"
+#include "window/work/engine.h"
 
 namespace vndiscover::host {
 
@@ -14,7 +13,7 @@ class ModuleEngine : public Engine {
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override;
     size_t MaxReaders() const override { return 6; }
-    std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>& logins) override;
+    std::unique_ptr<Reader> MakeReader(const std::vector<Login>& logins) override;
     WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override;
     HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) override;
@@ -33,5 +32,11 @@ class ModuleEngine : public Engine {
     unsigned walks_ = 0;
     const OwnedHandle job_ = EndingJob();  // of the readers
 };
+
+// The calls for a step or a request, without secrets.
+// `probe` is for WS-Discovery only.
+Call CallOf(const SweepStep& step, const std::string& probe);
+Call CallOf(const AskTarget& target, const Oid& oid);
+Call PingOf(const std::string& address);
 
 }  // namespace vndiscover::host

@@ -1,6 +1,7 @@
 // What the workers report to the window, and how it gets from their threads to the window's.
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -18,8 +19,7 @@ constexpr size_t kWorkerCount = 3;
 // Bounds walks, whose length the device decides.
 constexpr size_t kMaxWalkVariables = 100000;
 
-// Each method is called on the window's thread. A `problem` is why something did not run to its
-// end; empty: it did. Times are as in ScanAnswer.
+// Called on the window's thread. `problem`: why something did not run to its end; empty: it did.
 class Results {
   public:
     virtual ~Results() = default;
@@ -72,7 +72,7 @@ class ResultQueue {
   private:
     std::function<void()> onFilled_;
     std::mutex mutex_;
-    std::vector<Closure> closures_;
+    std::deque<Closure> closures_;
 };
 
 }  // namespace vndiscover::host

@@ -4,7 +4,7 @@
 #include <set>
 #include <utility>
 
-#include "model/scan/current_answers.h"
+#include "model/scan/scan.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 
@@ -314,7 +314,7 @@ std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
     for (size_t worker = 0; worker < kWorkerCount; ++worker) {
         if (isSweeping_[worker]) running.push_back(sweeps_[worker]);
     }
-    return JudgeProtocols(scan_, row.answers, ReadingsOf(row.answers), running);
+    return host::ProtocolsOf(scan_, row.answers, ReadingsOf(row.answers), running);
 }
 
 std::vector<std::pair<size_t, size_t>> Session::SplitsOf(const DeviceRow& row) const {

@@ -52,24 +52,20 @@ class Session {
     const FoundDevice* DeviceOf(const DeviceRow& row) const;
     // For a list of printers. One that could not be read whole has a problem.
     PrinterLine LineOf(const DeviceRow& row) const;
-    // How to ask a device: the address and protocol by which it answered, and the community if it
-    // is known. Empty if it cannot be asked.
+    // How to ask a device: address, protocol, and community if known. Empty if it cannot be asked.
     std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
     // How to read those for the list that have answered the last search, or were added by hand.
     std::vector<AskTarget> TargetsToRead() const;
     // If the last search was by SNMPv3 too, and nobody answered that: a device that has answered
     // here otherwise or before, or was added by hand, and can tell whether it refuses the user.
     std::optional<AskTarget> WhomToAskForARefusal() const;
-    // Whether this address has answered, or was added, since the last SetScan. A scan from a file
-    // may hold any address.
+    // Whether this address has answered, or was added, since the last SetScan; a file may hold any.
     bool HasAnsweredHere(const std::vector<size_t>& answers, const std::string& address) const;
-    // What is missing from the last reading of a device, and why.
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
     // The settings have changed: why devices refused the former user holds no longer.
     void ForgetRefusals();
-    // Undoes the merges of a device by its identity, or if there are none, those of protocols that
-    // answered from one address.
+    // Undoes merges by identity; without any, those of protocols that answered from one address.
     bool CanSplit(const DeviceRow& row) const { return !SplitsOf(row).empty(); }
     void Split(const DeviceRow& row);
 

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <chrono>
-#include <iterator>
+#include <exception>
 #include <utility>
 
 #include "platform/error_text.h"
-#include "platform/host_address.h"
-#include "platform/this_process.h"
+#include "platform/this_computer.h"
 #include "values/ip_address.h"
 #include "values/text.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 namespace {
@@ -42,26 +42,23 @@ void ResultQueue::Post(Closure closure) {
 }
 
 void ResultQueue::RunAll(Results& results) {
-    std::vector<Closure> closures;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        closures.swap(closures_);
-    }
-    size_t next = 0;
-    try {
-        while (next < closures.size()) closures[next++](results);
-    } catch (...) {
-        // The others are not lost with the one that has thrown.
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            closures.erase(closures.begin(), closures.begin() + static_cast<std::ptrdiff_t>(next));
-            closures.insert(closures.end(), std::make_move_iterator(closures_.begin()),
-                            std::make_move_iterator(closures_.end()));
-            closures_ = std::move(closures);
+    std::unique_lock<std::mutex> lock(mutex_);
+    std::exception_ptr failure;
+    for (size_t left = closures_.size(); left > 0 && !closures_.empty() && !failure; --left) {
+        const Closure next = std::move(closures_.front());
+        closures_.pop_front();
+        lock.unlock();
+        try {
+            next(results);
+        } catch (...) {
+            failure = std::current_exception();
         }
-        onFilled_();
-        throw;
+        lock.lock();
     }
+    const bool isFilled = !closures_.empty();
+    lock.unlock();
+    if (isFilled) onFilled_();
+    if (failure) std::rethrow_exception(failure);
 }
 
 Workers::Workers(Engine& engine, ResultQueue& queue) : engine_(engine), queue_(queue) {
@@ -174,11 +171,11 @@ void Workers::ReadAll(const std::vector<AskTarget>& targets) {
     auto run = std::make_shared<FleetRun>();
     run->targets = targets;
     for (const AskTarget& target : targets) {
-        run->fleet.Add(target.address, run->LoginOf(target.kind, target.credentials), {});
-        Credentials other = target.credentials;
+        Login login = LoginOf(target);
+        run->fleet.Add(target.address, run->NumberOf(login), {});
         for (const std::string& community : target.otherCommunities) {
-            other.community = community;
-            run->LoginOf(target.kind, other);  // before the readers are told
+            login.community = community;
+            run->NumberOf(login);  // before the readers are told
         }
     }
     {
@@ -193,13 +190,13 @@ void Workers::ReadAll(const std::vector<AskTarget>& targets) {
     }
 }
 
-size_t Workers::FleetRun::LoginOf(SweepKind kind, const Credentials& credentials) {
-    size_t login = 0;
-    while (login < logins.size() && (logins[login].kind != kind ||
-                                     logins[login].credentials.community != credentials.community))
-        ++login;
-    if (login == logins.size()) logins.push_back({"", kind, credentials});
-    return login;
+size_t Workers::FleetRun::NumberOf(const Login& login) {
+    const auto known = std::find_if(logins.begin(), logins.end(), [&](const Login& other) {
+        return other.community == login.community && other.security == login.security;
+    });
+    const auto number = static_cast<size_t>(known - logins.begin());
+    if (known == logins.end()) logins.push_back(login);
+    return number;
 }
 
 // Of a device that was silent, if it is not known by which community it answers.
@@ -207,12 +204,11 @@ bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
     if (target.otherCommunities.empty()) return false;
     target.credentials.community = target.otherCommunities.front();
     target.otherCommunities.erase(target.otherCommunities.begin());
-    fleet.Add(target.address, LoginOf(target.kind, target.credentials), {});
+    fleet.Add(target.address, NumberOf(LoginOf(target)), {});
     targets.push_back(std::move(target));
     return true;
 }
 
-// On a thread of its own.
 void Workers::RunSide(const std::shared_ptr<FleetRun>& run, Side& side) {
     const auto use = [&](Reader* reader) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -317,10 +313,8 @@ void Workers::EndRun(const std::shared_ptr<FleetRun>& run) {
     {
         const std::lock_guard<std::mutex> lock(mutex_);
         if (run_ != run) return;  // another one has begun, or it has been reported
-        const std::vector<FleetDevice>& devices = run->fleet.Devices();
-        read = static_cast<size_t>(std::count_if(
-            devices.begin(), devices.end(), [](const FleetDevice& one) { return one.isRead; }));
-        isStopped = read < devices.size();
+        read = run->fleet.CountRead();
+        isStopped = !run->fleet.IsOver();
         run_ = nullptr;
     }
     Post([read, total = run->targets.size(), isStopped](Results& results) {
@@ -399,53 +393,52 @@ void Workers::Diagnose(const AskTarget& target) {
 }
 
 void Workers::ReadAdapters() {
-    Job job;
-    job.key = "adapters";
-    // Without them, devices are only shown without their networks.
-    job.fail = [](const std::string&) {};
-    job.run = [this](const Stops&) {
-        Post([adapters = engine_.IPv4()](Results& results) { results.OnAdapters(adapters); });
-    };
-    AddUrgent(std::move(job));
+    AddUrgent(
+        "adapters",
+        [this](const Stops&) {
+            Post([adapters = engine_.IPv4()](Results& results) { results.OnAdapters(adapters); });
+        },
+        // Without them, devices are only shown without their networks.
+        [](const std::string&) {});
 }
 
 void Workers::MakeReport() {
-    Job job;
-    job.key = "report";
-    job.fail = [this](const std::string& problem) {
-        Post([=](Results& results) { results.OnReportFailed(problem); });
-    };
-    job.run = [this](const Stops&) {
-        Post([report = engine_.Report()](Results& results) { results.OnReport(report); });
-    };
-    AddUrgent(std::move(job));
+    AddUrgent(
+        "report",
+        [this](const Stops&) {
+            Post([report = engine_.Report()](Results& results) { results.OnReport(report); });
+        },
+        [this](const std::string& problem) {
+            Post([=](Results& results) { results.OnReportFailed(problem); });
+        });
 }
 
 void Workers::Resolve(const std::vector<std::string>& hosts) {
-    Job job;
-    job.fail = [this](const std::string& problem) {
-        Post([=](Results& results) { results.OnResolved({}, problem); });
-    };
-    job.run = [this, hosts](const Stops&) {
+    const auto run = [this, hosts](const Stops&) {
         Results::Addresses addresses;
-        std::vector<std::string> unknown;
+        std::string unknown;
         for (const std::string& host : hosts) {
             const std::string address = NumericHost(host);
             if (ParseIpAddress(address)) {
                 addresses.emplace_back(address, host);
             } else {
-                unknown.push_back(host);
+                unknown = Joined({unknown, host});
             }
         }
-        Post([=, names = Joined(unknown)](Results& results) {
-            results.OnResolved(addresses, names);
-        });
+        Post([=](Results& results) { results.OnResolved(addresses, unknown); });
     };
-    AddUrgent(std::move(job));
+    AddUrgent("", run, [this](const std::string& problem) {
+        Post([=](Results& results) { results.OnResolved({}, problem); });
+    });
 }
 
 // To an idle worker, or otherwise the directed one.
-void Workers::AddUrgent(Job job) {
+void Workers::AddUrgent(std::string key, std::function<void(const Stops&)> run,
+                        std::function<void(const std::string&)> fail) {
+    Job job;
+    job.key = std::move(key);
+    job.run = std::move(run);
+    job.fail = std::move(fail);
     WorkerId free = WorkerId::kDirected;
     for (const WorkerId worker : {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp}) {
         if (IsBusy(worker)) continue;
@@ -551,10 +544,8 @@ Progress::Work Workers::Now() const {
     Progress::Work work;
     work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
     if (run_) {
-        const std::vector<FleetDevice>& devices = run_->fleet.Devices();
-        work.toRead = devices.size();
-        work.read = static_cast<size_t>(std::count_if(
-            devices.begin(), devices.end(), [](const FleetDevice& one) { return one.isRead; }));
+        work.toRead = run_->fleet.Devices().size();
+        work.read = run_->fleet.CountRead();
     }
     const auto note = [&work, now = std::chrono::steady_clock::now()](const Wait& wait) {
         using std::chrono::milliseconds;

@@ -33,8 +33,7 @@ class Workers {
     // `isUrgent`: before all waiting devices. A device that is already waiting is not asked twice.
     // One that is selected meanwhile takes the place of an urgent one that is `selected` too.
     void Ask(const AskTarget& target, bool isUrgent, bool isSelected = false);
-    // Reads devices for the list, in two rounds, side by side if the engine can; ends an earlier
-    // such reading.
+    // Reads devices for the list, in two rounds, side by side; ends an earlier such reading.
     void ReadAll(const std::vector<AskTarget>& targets);
     // Before the waiting devices that are not urgent. While it runs, urgent ones are asked between
     // two of its requests. Its results have the number `walk`.
@@ -42,16 +41,14 @@ class Workers {
     void StopWalk();
     // Finds out at which step a device does not answer, before all waiting devices.
     void Diagnose(const AskTarget& target);
-    // Reports on this computer. Sends nothing, but may take a second. Runs on an idle worker, or
-    // otherwise next on the directed one.
+    // Reports on this computer. Sends nothing. Runs on an idle worker, or next on the directed one.
     void ReadAdapters();
     void MakeReport();
     // Finds the addresses of names, which may take as long as a name server does.
     void Resolve(const std::vector<std::string>& hosts);
     // Ends sweeps, readings and diagnoses, and drops those that are waiting.
     void Stop();
-    // Must be called until the sweeps have ended, since a stop that comes before the worker has
-    // entered the module is lost.
+    // Must be called until the sweeps end: a stop before the worker is in the module is lost.
     void RepeatStop();
     bool IsBusy() const;
     bool IsBusy(WorkerId worker) const;
@@ -83,14 +80,14 @@ class Workers {
         bool isRunning = false, isSending = false;
         std::thread thread;
     };
-    // One reading of all devices.
     struct FleetRun {
         Fleet fleet;
-        std::vector<AskTarget> targets, logins;
+        std::vector<AskTarget> targets;
+        std::vector<Login> logins;
         bool isStopped = false;
         size_t sides = 0;  // threads that read
 
-        size_t LoginOf(SweepKind kind, const Credentials& credentials);
+        size_t NumberOf(const Login& login);
         bool TryNextCommunity(AskTarget target);
         bool Save(FleetDevice job, PrinterAnswers& known);
     };
@@ -109,7 +106,8 @@ class Workers {
     std::function<bool()> Watched(Wait& wait, const std::string& address,
                                   std::function<bool()> mayGoOn);
     void Add(WorkerId worker, Job job);
-    void AddUrgent(Job job);
+    void AddUrgent(std::string key, std::function<void(const Stops&)> run,
+                   std::function<void(const std::string&)> fail);
     std::deque<Job>::iterator PlaceFor(Order order, std::deque<Job>& jobs) const;
     Job RemoveFirst(Line& line, Stops& before) const;
     void Run(WorkerId worker);

@@ -7,10 +7,10 @@
 
 #include "cli/scan_keeper.h"
 #include "cli/variable_writer.h"
-#include "device/security_labels.h"
+#include "device/security.h"
 #include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
-#include "platform/this_process.h"
+#include "values/utc_time.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {

@@ -1,6 +1,6 @@
 // Each row of a report is on the window's page and in the console's text.
 #include "model/computer/doctor_report.h"
-#include "model/printer/report_text.h"
+#include "model/printer/report.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/scan_report.h"
 #include "scripted_window.h"

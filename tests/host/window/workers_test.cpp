@@ -32,7 +32,7 @@ class PatientEngine : public Engine {
         return ReadJob(job, asker);
     }
     size_t MaxReaders() const override { return readers; }
-    std::unique_ptr<Reader> MakeReader(const std::vector<AskTarget>&) override {
+    std::unique_ptr<Reader> MakeReader(const std::vector<Login>&) override {
         struct Idle : Reader {
             explicit Idle(bool isAlive) : isAlive_(isAlive) {}
             bool IsAlive() const override { return isAlive_; }
@@ -73,7 +73,7 @@ class PatientEngine : public Engine {
 
 template <class Condition>
 bool Comes(Condition condition) {
-    for (int wait = 0; wait < 1000 && !condition(); ++wait)
+    for (int wait = 0; wait < 3000 && !condition(); ++wait)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return condition();
 }

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/model/scripted_device.h"
-#include "model/asking/refusal.h"
+#include "model/asking/answer.h"
 
 namespace vndiscover::host {
 namespace {

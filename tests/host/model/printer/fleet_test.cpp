@@ -106,10 +106,16 @@ TEST_F(FleetTest, WhatIsKnownIsNotRequestedAgain) {
 // By which its IPv4 and IPv6 addresses are then merged.
 TEST_F(FleetTest, WithoutASerialNumberTheMacAddressIsRead) {
     Add(Printer(0, 50));
-    Add(Printer(0, 50)).variables.erase(*ParseOidOrName("prtGeneralSerialNumber.7"));
+    ScriptedDevice& device = Add(Printer(0, 50));
+    device.variables.erase(*ParseOidOrName("prtGeneralSerialNumber.7"));
+    device.Text("ifPhysAddress.2", "ABCDEF");
+    device.Integer("ifOperStatus.1", 2);
+    device.Integer("ifOperStatus.2", 1);
     Finish();
     EXPECT_EQ("", FactsOf(fleet_.Devices()[0].answers).macAddress);
-    EXPECT_EQ("31:32:33:34:35:36", FactsOf(fleet_.Devices()[1].answers).macAddress);
+    const std::string whole = FactsOf(ReadPrinter(device.MakeAsker())).macAddress;
+    EXPECT_EQ("41:42:43:44:45:46", whole);
+    EXPECT_EQ(whole, FactsOf(fleet_.Devices()[1].answers).macAddress);
 }
 
 TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {

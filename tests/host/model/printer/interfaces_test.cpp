@@ -1,8 +1,7 @@
-#include "model/printer/interfaces.h"
-
 #include <gtest/gtest.h>
 
 #include "host/model/scripted_device.h"
+#include "model/printer/printer_facts.h"
 
 namespace vndiscover::host {
 namespace {
@@ -30,7 +29,7 @@ TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
     const PrinterAnswers answers = ReadInterfaces(asker, std::move(printer));
     EXPECT_EQ(7u, device.requests - before) << "three columns and their ends";
     EXPECT_TRUE(answers.gaps.empty());
-    const std::vector<Interface> interfaces = InterfacesOf(answers);
+    const std::vector<Interface> interfaces = FactsOf(answers).interfaces;
     ASSERT_EQ(2u, interfaces.size());
     EXPECT_EQ("software loopback", interfaces[0].type);
     EXPECT_EQ("9", interfaces[0].operStatus);

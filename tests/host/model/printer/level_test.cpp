@@ -1,5 +1,5 @@
 // Levels that real printers send (RFC 3805, prtMarkerSuppliesLevel).
-#include "model/printer/level.h"
+#include "model/printer/printer_facts.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "host/model/scripted_device.h"
-#include "model/printer/report_text.h"
+#include "model/printer/report.h"
 
 namespace vndiscover::host {
 namespace {

@@ -1,5 +1,5 @@
 // What a report says, and how a terminal shows it.
-#include "model/printer/report_text.h"
+#include "model/printer/report.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "model/scan/answer_lines.h"
+#include "model/scan/scan_report.h"
 
 #include <gtest/gtest.h>
 

@@ -53,6 +53,18 @@ TEST_F(DeviceViewTest, SortsAddressesAsNumbers) {
     EXPECT_EQ("name;fe80::10;fe80::9;10.77.1.100;10.77.1.9;9.1.1.1;", Shown());
 }
 
+TEST_F(DeviceViewTest, LimitsTellWhatNeedsAttention) {
+    Tell("10.77.1.1", "hrDeviceStatus.1", kInteger, "\2");
+    Tell("10.77.1.1", "hrPrinterStatus.1", kInteger, "\3");
+    Tell("10.77.1.1", "prtMarkerSuppliesSupplyUnit.1.1", kInteger, "\x13");
+    Tell("10.77.1.1", "prtMarkerSuppliesLevel.1.1", kInteger, "\x14");
+    EXPECT_EQ(Severity::kFine, view_.Row(0).severity);
+    maker_ = RowMaker({30, 21});
+    Show();
+    EXPECT_EQ(Severity::kAttention, view_.Row(0).severity);
+    EXPECT_EQ(Severity::kCritical, view_.Row(0).supplySeverity);
+}
+
 TEST_F(DeviceViewTest, SortsTextWithoutCaseAndUnknownValuesLast) {
     Hear("10.77.1.1", "beta");
     Hear("10.77.1.2", "");

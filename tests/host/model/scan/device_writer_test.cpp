@@ -35,7 +35,7 @@ TEST(DeviceRows, AreValidForTheirReaders) {
         "192.168.100.200  B\xC3\xBCro \"1\", 2\n"
         "10.77.1.23       (no value, or too long for SNMPv1)\n10.77.1.24       0x1B5B324A226122\n"
         "10.77.1.25       0xA0B1C2D3E4F5\n",
-        Written(Format::kTable, ValueKind::kRaw, kValues));
+        Written(Format::kText, ValueKind::kRaw, kValues));
     EXPECT_EQ(
         "\"10.77.1.22\",\"LaserPro\"\n\"192.168.100.200\",\"B\xC3\xBCro \"\"1\"\", 2\"\n"
         "\"10.77.1.23\",\"\"\n\"10.77.1.24\",\"0x1B5B324A226122\"\n"
@@ -62,7 +62,7 @@ TEST(DeviceRows, HoldTheAnswersOfADocument) {
         "                           .1.3.6.2                       0xC29B5B324A201B\n"
         "fe80::1:22                 { \"GET\": \"\n"
         "fe80::1:22                 {\"a\":1}\n",
-        Written(Format::kTable, ValueKind::kDocument, rows, true));
+        Written(Format::kText, ValueKind::kDocument, rows, true));
     EXPECT_EQ("\"10.0.0.1\",\"{\"\"GET\"\":{\"\".1.3\"\":\"\"x\\ny\"\"}}\"\n",
               Written(Format::kCsv, ValueKind::kDocument,
                       {{"10.0.0.1", "{\"GET\": {\".1.3\": \"x\\ny\"}}"}}));

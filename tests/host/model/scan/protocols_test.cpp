@@ -18,7 +18,7 @@ std::map<std::string, State> States(const Scan& scan, const std::vector<Reading>
     std::vector<size_t> answers;
     for (size_t index = 0; index < scan.answers.size(); ++index) answers.push_back(index);
     std::map<std::string, State> states;
-    for (const ProtocolLine& line : JudgeProtocols(scan, answers, readings, running)) {
+    for (const ProtocolLine& line : ProtocolsOf(scan, answers, readings, running)) {
         const char* const names[] = {"SNMPv1", "SNMPv3", "WSD"};
         states[names[static_cast<size_t>(line.kind)] + std::string(line.useIPv6 ? "6" : "")] =
             line.state;
@@ -73,7 +73,7 @@ TEST(Protocols, SayWhyAReadingFailed) {
     scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
     const auto v3 = [&](Status status) {
         const std::vector<Reading> readings = {Ended(SweepKind::kSnmpV3, status, "why")};
-        return JudgeProtocols(scan, {0}, readings, {}).at(1);
+        return ProtocolsOf(scan, {0}, readings, {}).at(1);
     };
     EXPECT_EQ(State::kRefused, v3(Status::kRefused).state);
     EXPECT_EQ("why", v3(Status::kRefused).note);
@@ -100,7 +100,7 @@ TEST(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
     scan.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
     const std::vector<Reading> readings = {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "silent")};
     EXPECT_EQ(State::kAnswered, States(scan, readings, {})["SNMPv1"]);
-    EXPECT_EQ("silent", JudgeProtocols(scan, {0, 1}, readings, {}).at(0).note);
+    EXPECT_EQ("silent", ProtocolsOf(scan, {0, 1}, readings, {}).at(0).note);
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "model/scan/change_log.h"
-#include "model/scan/current_answers.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/scan.h"
 #include "model/scan/scan_file.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
@@ -173,7 +173,7 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
         row.Text(Column::kState) = state;
         row.lowestSupply = level;
         row.supplySeverity = SeverityOf(level);
-        return log.Take(row, At(0));
+        return log.Add(row, At(0));
     };
     EXPECT_FALSE(take(Standing::Kind::kNeverRead, "never read", 30));
     EXPECT_FALSE(take(Standing::Kind::kRead, "door open", 30)) << "nothing was known before";

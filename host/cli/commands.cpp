@@ -1,13 +1,17 @@
-#include "cli/device_options.h"
+#include "cli/commands.h"
 
 #include <vndiscover.h>
 
+#include <algorithm>
+
 #include "platform/console.h"
-#include "platform/host_address.h"
+#include "platform/this_computer.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
+
 std::function<std::string()> StatusOf(const std::atomic<size_t>& count, const char* one,
                                       const char* many) {
     return [&count, one, many, startMs = GetTickCount64()] {
@@ -35,14 +39,24 @@ void CheckRequest(const char* argument, const std::string& community, const Oid&
     }
 }
 
+CLI::Option* AddFormat(CLI::App& command, Format& format, const std::vector<std::string>& names) {
+    const auto choose = [&format, names](const std::string& text) {
+        const auto name = std::find(names.begin(), names.end(), text);
+        if (name == names.end())
+            throw CLI::ValidationError("--format", "'" + text + "' is not one of " + Joined(names));
+        format = static_cast<Format>(name - names.begin());
+    };
+    return command.add_option_function<std::string>("--format", choose, "Output: " + Joined(names))
+        ->type_name("FORMAT");
+}
+
 CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
                            DeviceOptions& options) {
     CLI::App* command = app.add_subcommand(name, help);
     MustNotBeEmpty(command->add_option("HOST", options.host, "Address of the device")->required());
     command->add_option("-c,--community", options.community, "Read community [sesame]")
         ->type_name("NAME");
-    AddFormat<TextFormat>(*command, options.format,
-                          {{"text", TextFormat::kText}, {"json", TextFormat::kJson}});
+    AddFormat(*command, options.format);
     command->footer(footer);
     return command;
 }
