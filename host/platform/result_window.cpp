@@ -22,7 +22,6 @@ ResultWindow::ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
     }
     window_ = CreateWindowExW(0, kClass, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                               description.hInstance, nullptr);
-    // Without it a sweep would find nothing.
     if (!window_) throw std::runtime_error("the window for the results cannot be created");
     Attach(window_, this);
 }

@@ -58,7 +58,6 @@ class Facts {
         return static_cast<uint64_t>(*number);
     }
 
-    // In the printer's own character set.
     std::string Text(const char* object, const Oid& instance) const {
         const Answer* answer = Find(object, instance);
         if (!answer || answer->type != kOctetString) return "";

@@ -165,7 +165,6 @@ class ScanReader {
         return member->valuestring;
     }
 
-    // Below `end`.
     static size_t AsNumber(const cJSON* item, const std::string& name, size_t end) {
         const double number = cJSON_IsNumber(item) ? item->valuedouble : -1;
         // Compared before the conversion, which is undefined for numbers that do not fit.
