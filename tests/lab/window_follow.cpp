@@ -7,6 +7,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -30,11 +31,13 @@ class RemoteText {
         : process_(process),
           place_(VirtualAllocEx(process, nullptr, sizeof(Cell), MEM_COMMIT, PAGE_READWRITE)) {}
 
-    // A cell's text without what JSON would have to escape. Column: as they are shown at first.
+    // A cell's text without what JSON would have to escape.
     std::string Of(HWND list, size_t row, Column column) {
         Cell cell = {};
         char* const place = static_cast<char*>(place_);
-        cell.item.iSubItem = static_cast<int>(column);
+        cell.item.iSubItem = static_cast<int>(
+            std::count_if(kColumns, kColumns + static_cast<size_t>(column),
+                          [](const ColumnInfo& before) { return before.isVisible; }));
         cell.item.cchTextMax = static_cast<int>(std::size(cell.text));
         cell.item.pszText = reinterpret_cast<wchar_t*>(place + offsetof(Cell, text));
         if (!WriteProcessMemory(process_, place, &cell, sizeof cell, nullptr)) return "";

@@ -320,9 +320,9 @@ bool ListControl::FindMenuPlace(LPARAM place, MenuPlace& found) const {
 void ListControl::ShowCopyMenu(LPARAM place) {
     MenuPlace found = {};
     if (!FindMenuPlace(place, found)) return;
-    std::vector<std::wstring> headings;
-    for (int column = 0; column < CountColumns(list_); ++column)
-        headings.push_back(HeadingOf(list_, column));
+    std::vector<std::wstring> headings(static_cast<size_t>(CountColumns(list_)));
+    for (size_t column = 0; column < headings.size(); ++column)
+        headings[column] = HeadingOf(list_, static_cast<int>(column));
     const OwnedMenu menu =
         MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings);
     int command =

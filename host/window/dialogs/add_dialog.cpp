@@ -17,7 +17,7 @@ namespace vndiscover::host {
 namespace {
 
 constexpr size_t kMaxHosts = 1000;
-constexpr size_t kMaxFileSize = 256 * 1024;
+constexpr size_t kMaxFileSize = size_t{256} * 1024;
 
 class AddDialog {
   public:

@@ -208,7 +208,7 @@ OwnedMenu MakeCommands(const Commands& commands) {
 
 bool RunCommand(MainWindow& window, unsigned id) {
     const Command* command = Find(id);
-    if (!(command && command->run) && !IsRange(id)) return false;
+    if (command ? !command->run : !IsRange(id)) return false;
     const unsigned obstacle = command && command->obstacle ? command->obstacle(window) : 0;
     window.state.progress.ClearNote();
     if (obstacle != 0) {

@@ -84,7 +84,8 @@ bool Panes::OnMouse(UINT message) {
     const RECT area = {gap.x, gap.y, gap.x + gap.width, gap.y + gap.height};
     const bool isDragging = GetCapture() == state_.window;
     if (!isDragging && (message == WM_MOUSEMOVE || !PtInRect(&area, at))) return false;
-    if (message == WM_SETCURSOR) SetCursor(LoadCursorW(nullptr, IDC_SIZEWE));
+    if (message == WM_SETCURSOR)
+        SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_SIZEWE)));
     if (message == WM_LBUTTONDOWN) SetCapture(state_.window);
     if (message == WM_MOUSEMOVE) Widen(at.x - gap.x - gap.width / 2);
     if (message == WM_LBUTTONUP) ReleaseCapture();

@@ -65,11 +65,11 @@ class ResultHandler : public Results {
         state_.progress.BeginDiagnosis(address);
         state_.StartStatusTimer();
     }
-    void OnDiagnosed(const std::string& address, HostDiagnosis diagnosis,
+    void OnDiagnosed(const std::string& address, const HostDiagnosis& diagnosis,
                      const AdapterList& adapters) override {
         state_.progress.EndAsking();
         if (!state_.workers) return;
-        devices_.doctor.ShowDiagnosis(address, std::move(diagnosis), adapters, state_.window);
+        devices_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }
     void OnResolved(const Addresses& addresses, const std::string& unknown) override {
         if (state_.workers) devices_.Added(addresses, unknown);

@@ -20,6 +20,7 @@ constexpr size_t kWorkerCount = 3;
 constexpr size_t kMaxWalkVariables = 100000;
 
 // Called on the window's thread. `problem`: why something did not run to its end; empty: it did.
+// NOLINTBEGIN(performance-unnecessary-value-param): who overrides a method keeps the value.
 class Results {
   public:
     virtual ~Results() = default;
@@ -47,7 +48,8 @@ class Results {
                           const std::string& /*problem*/) {}
 
     virtual void OnDiagnosisBegan(const std::string& /*address*/) {}
-    virtual void OnDiagnosed(const std::string& /*address*/, HostDiagnosis, const AdapterList&) {}
+    virtual void OnDiagnosed(const std::string& /*address*/, const HostDiagnosis&,
+                             const AdapterList&) {}
 
     // Numeric addresses with what they were resolved from, and names that have none.
     using Addresses = std::vector<std::pair<std::string, std::string>>;
@@ -58,6 +60,7 @@ class Results {
     virtual void OnReportFailed(const std::string& /*problem*/) {}
     virtual void OnCall(Call) {}
 };
+// NOLINTEND(performance-unnecessary-value-param)
 
 // Closures for the window's thread, in the order in which they were posted.
 class ResultQueue {

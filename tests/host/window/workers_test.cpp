@@ -186,11 +186,13 @@ class FleetWorkers : public WorkersTest {
 
 TEST_F(FleetWorkers, SlowDeviceDoesNotHoldTheOthers) {
     engine.readers = 2;
-    engine.slowMs = 80;
+    engine.slowMs = 400;
     ReadAll(8);
     EXPECT_TRUE(workers.IsSending());
-    EXPECT_TRUE(Comes([&] { return workers.Now().read == 7; }));
-    EXPECT_EQ("10.0.0.1", workers.Now().address);
+    EXPECT_TRUE(Comes([&] {
+        const Progress::Work now = workers.Now();
+        return now.read == 7 && now.address == "10.0.0.1";
+    }));
     Finish();
     EXPECT_EQ(8u, results.last.size());
     EXPECT_EQ("1 ", results.order.substr(results.order.size() - 2));
