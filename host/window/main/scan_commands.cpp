@@ -132,6 +132,7 @@ void ScanCommands::SaveTable(const std::string& csv) {
 bool ScanCommands::SaveCsvTo(const std::string& path) {
     const std::vector<Column> columns = columns_.InOrder();
     std::vector<std::string> cells;
+    cells.reserve(columns.size());
     for (const Column column : columns) cells.push_back(ToUtf8(ColumnName(column)));
     std::string csv = kByteOrderMark + CsvLine(cells, ListSeparator());
     const DeviceView& view = state_.session.view;

@@ -19,7 +19,7 @@ const wchar_t* ProtocolName(SweepKind kind) {
 
 std::wstring StateText(const ProtocolLine& line) {
     using State = ProtocolState;
-    const std::wstring text = Text(IDS_PROTOCOL_ANSWERED + static_cast<unsigned>(line.state));
+    std::wstring text = Text(IDS_PROTOCOL_ANSWERED + static_cast<unsigned>(line.state));
     const std::wstring note = ToWide(line.note);
     const bool isSilent = line.state == State::kSilent;
     if (note.empty())

@@ -186,7 +186,7 @@ class FleetWorkers : public WorkersTest {
 
 TEST_F(FleetWorkers, SlowDeviceDoesNotHoldTheOthers) {
     engine.readers = 2;
-    engine.slowMs = 400;
+    engine.slowMs = 150;
     ReadAll(8);
     EXPECT_TRUE(workers.IsSending());
     EXPECT_TRUE(Comes([&] {
