@@ -35,7 +35,10 @@ void ShowHelp(WindowState& state) {
     const std::string page = folder + "\\..\\docs\\vnbrowser.md";
     // Notepad would offer to make it.
     if (!FileExists(page)) return ReportUnopened(state, ToWide(page), ERROR_FILE_NOT_FOUND);
-    OpenElsewhere(state, ToWide(page), L"notepad.exe");
+    // Not by its name alone, which may be that of a program in the current folder.
+    wchar_t system[MAX_PATH] = L"";
+    GetSystemDirectoryW(system, MAX_PATH);
+    OpenElsewhere(state, ToWide(page), (std::wstring(system) + L"\\notepad.exe").c_str());
 }
 
 void ShowAbout(HWND owner) {

@@ -2,8 +2,11 @@
 
 #include <shobjidl.h>
 
+#include <stdexcept>
+
 #include "model/scan/scan_file.h"
 #include "platform/com.h"
+#include "platform/error_text.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
@@ -14,9 +17,10 @@ namespace vndiscover::host {
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
                     const std::wstring& proposed, bool isForSaving) {
     OwnedObject<IFileDialog> dialog;
-    CoCreateInstance(isForSaving ? CLSID_FileSaveDialog : CLSID_FileOpenDialog, nullptr,
-                     CLSCTX_INPROC_SERVER, IID_IFileDialog, Receive(dialog));
-    if (!dialog) return "";
+    const HRESULT made =
+        CoCreateInstance(isForSaving ? CLSID_FileSaveDialog : CLSID_FileOpenDialog, nullptr,
+                         CLSCTX_INPROC_SERVER, IID_IFileDialog, Receive(dialog));
+    if (FAILED(made)) throw std::runtime_error(ErrorText(static_cast<DWORD>(made)));
     IFileDialog& asking = *dialog.Get();
     const std::wstring name = Text(kind), pattern = std::wstring(L"*.") + extension;
     const COMDLG_FILTERSPEC type = {name.c_str(), pattern.c_str()};
