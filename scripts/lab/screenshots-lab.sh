@@ -103,7 +103,8 @@ Picture calls
 Key Escape
 scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # as the system's dialog requires
 Key ctrl+s
-sleep 1
+sleep 4 # the dialog lists folders first
+Key ctrl+a # instead of the proposed name
 xdotool type "$scan"
 Key Return
 sleep 2
@@ -126,7 +127,7 @@ sleep 12
 Key ctrl+shift+r
 sleep 8
 Key alt+f c
-sleep 1
+sleep 4
 xdotool type "$scan"
 Key Return
 sleep 2

@@ -19,12 +19,11 @@ std::string Addresses(const FoundDevice& device, bool isIPv6) {
     return Joined(addresses);
 }
 
-// "none" if there are none; empty if the printer's state was not read.
-std::string AlertsText(const PrinterFacts& facts) {
-    if (facts.deviceStatus.empty() && facts.printerStatus.empty() && !facts.errors) return "";
+// "none" if there are none; empty if it was not asked for them.
+std::string AlertsText(const FoundDevice& device) {
     std::vector<std::string> texts;
-    for (const Alert& alert : facts.alerts) texts.push_back(AlertText(alert));
-    return texts.empty() ? "none" : Joined(texts, "; ");
+    for (const Alert& alert : device.facts->alerts) texts.push_back(AlertText(alert));
+    return texts.empty() && device.areAlertsKnown ? "none" : Joined(texts, "; ");
 }
 
 // By the supply's name and how often it came before.
@@ -55,7 +54,7 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
     compare("printer", PlainWords(before.facts->printerStatus),
             PlainWords(after.facts->printerStatus));
     compare("errors", ErrorText(*before.facts), ErrorText(*after.facts));
-    compare("alerts", AlertsText(*before.facts), AlertsText(*after.facts));
+    compare("alerts", AlertsText(before), AlertsText(after));
     const auto levels = LevelsOf(*after.facts);
     for (const auto& [name, old] : LevelsOf(*before.facts)) {
         const auto now = levels.find(name);

@@ -46,15 +46,16 @@ bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {
     return std::any_of(objects.begin(), objects.end(),
                        [&](const char* object) { return IsWithin(oid, OidOf(object)); });
 }
-bool IsState(const Oid& oid) {
-    return IsAny(oid, {"hrDeviceStatus", "hrPrinterStatus", "hrPrinterDetectedErrorState"});
-}
 bool IsOfState(const Oid& oid) {
     return IsAny(oid, {"prtAlertSeverityLevel", "prtAlertGroup", "prtAlertCode",
                        "prtAlertDescription", "prtAlertTime", "prtConsoleDisplayBufferText"});
 }
 
 }  // namespace
+
+bool IsState(const Oid& oid) {
+    return IsAny(oid, {"hrDeviceStatus", "hrPrinterStatus", "hrPrinterDetectedErrorState"});
+}
 
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
     if (answers.empty()) return {};

@@ -46,6 +46,7 @@ class Collector {
             case AnswerForm::kVariable:
                 variables_.values[answer.answer.oid] = answer.answer;
                 device_.hasVariables = true;
+                if (IsState(answer.answer.oid)) device_.areAlertsKnown = sweep.isComplete;
                 readTime_ = std::max(readTime_, answer.time);
                 break;
             case AnswerForm::kReply:

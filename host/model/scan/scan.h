@@ -63,6 +63,9 @@ inline AnswerForm FormOf(SweepKind kind, const Oid& oid) {
                                    : AnswerForm::kValue;
 }
 
+// Whether a variable says what state a printer is in. A reading of no more leaves out its alerts.
+bool IsState(const Oid& oid);
+
 // Those of the answers with these ascending indexes that no later one from the same address
 // replaces. A sweep replaces the answers to the same question; a reading the variables of each
 // object that it read, or all if it is complete; a state replaces alerts and the panel's text.

@@ -336,9 +336,9 @@ TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {
 
 // What a printer says of itself, before and after.
 Comparison OfPrinter(const char* errors, const char* black, const char* second, const char* count,
-                     const char* alert) {
-    const auto scan = [](const std::string& bits, const char* first, const char* other,
-                         const char* pages, const char* text) {
+                     const char* alert, bool isWhole = true) {
+    const auto scan = [isWhole](const std::string& bits, const char* first, const char* other,
+                                const char* pages, const char* text) {
         ScanOf scan = Variables();
         scan.Add("10.0.0.8", bits, "hrPrinterDetectedErrorState.5");
         scan.Add("10.0.0.8", pages, "prtMarkerLifeCount.5.1", kCounter32);
@@ -348,6 +348,7 @@ Comparison OfPrinter(const char* errors, const char* black, const char* second, 
         scan.Add("10.0.0.8", "\x64", "prtMarkerSuppliesMaxCapacity.5.1", kInteger);
         scan.Add("10.0.0.8", "Black", "prtMarkerSuppliesDescription.5.2");
         scan.Add("10.0.0.8", other, "prtMarkerSuppliesLevel.5.2", kInteger);
+        for (ScanSweep& sweep : scan.scan.sweeps) sweep.isComplete = isWhole;
         return MakeDevices(scan.scan);
     };
     return CompareDevices(scan({"\0", 1}, "\x1E", "\x1E", "\x05", ""),
@@ -363,6 +364,8 @@ TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
         "errors: none -> jammed; alerts: none -> jam; Black: 30 % (30 of 100) -> 29 % (29 of 100); "
         "page count: 5 -> 9; ",
         fields);
+    EXPECT_TRUE(OfPrinter("", "\x1E", "\x1E", "\x05", "jam", false).IsEqual(true))
+        << "alerts were not asked for";
     EXPECT_FALSE(found.IsEqual(false));
 }
 
