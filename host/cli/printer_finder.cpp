@@ -54,21 +54,20 @@ void PrinterFinder::Run(bool useIPv6) {
         }
     }
     ReadAll(watch);
-    if (!watch.IsStopped()) FindRefusals();
+    FindRefusals(watch);
     isStopped_ = watch.IsStopped();
 }
 
 // Over SNMPv3 a device that refuses is not found, so one that was found by another login is asked.
-void PrinterFinder::FindRefusals() {
+void PrinterFinder::FindRefusals(const SweepWatch& watch) {
     OwnReader reader(logins_);
-    for (size_t login = 0; login < logins_.size(); ++login) {
-        const auto& devices = fleet_.Devices();
-        const bool isKnown = std::any_of(devices.begin(), devices.end(),
-                                         [&](const auto& one) { return one.login == login; });
-        if (!logins_[login].security || isKnown || devices.empty()) continue;
-        const Answer answer = reader.GetNext(login, devices[0].address, OidOf("sysDescr"));
+    for (size_t login = 0; login < logins_.size() && !devices_.empty(); ++login) {
+        if (!logins_[login].security || answered_.count(login) != 0 || watch.IsStopped()) continue;
+        ShowPhase("asking why " + NameOf(logins_[login]) + " gets no answer");
+        const std::string& address = fleet_.Devices().front().address;
+        const Answer answer = reader.GetNext(login, address, OidOf("sysDescr"));
         if (answer.status == Status::kRefused)
-            refusals_.push_back(NameOf(logins_[login]) + ": " + answer.note);
+            refusals_.push_back(address + ", " + NameOf(logins_[login]) + ": " + answer.note);
     }
 }
 
@@ -85,6 +84,7 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
     ShowPhase("sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : ""));
     const ResultWindow window([&](const char* address, const char* value) {
         scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
+        answered_.insert(login);
         if (!devices_.try_emplace(address, devices_.size()).second) return;
         std::map<Oid, Answer> known;
         if (!by.security && *value) known[oid] = AnsweredWith(oid, kOctetString, value);

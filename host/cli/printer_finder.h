@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -40,11 +41,12 @@ class PrinterFinder {
     void Sweep(size_t login, bool useIPv6, const char* object);
     void ReadAll(const SweepWatch& watch);
     void Work(Reader& reader, const std::function<bool()>& mayGoOn);
-    void FindRefusals();
+    void FindRefusals(const SweepWatch& watch);
     void ShowPhase(std::string phase);
 
     const std::vector<Login> logins_;
     bool isStopped_ = false, wasSent_ = false;
+    std::set<size_t> answered_;  // logins that any device answered
     std::vector<std::string> refusals_;
     Scan scan_;
     std::map<std::string, size_t> devices_;  // of the fleet, by address

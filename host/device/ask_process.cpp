@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <mutex>
 
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -109,6 +110,9 @@ Answer OwnReader::GetNext(size_t login, const std::string& address, const Oid& o
 }
 
 ReaderProcess::ReaderProcess(const std::vector<Login>& logins, HANDLE job) {
+    // One that is started at the same time would inherit these ends too.
+    static std::mutex starting;
+    const std::lock_guard<std::mutex> lock(starting);
     Pipe input(&Pipe::write), output(&Pipe::read);
     const std::wstring program = ToWide(OwnPath());
     std::wstring line = L"\"" + program + L"\" " + ToWide(kReaderOption);

@@ -3,6 +3,7 @@
 #include <cjson/cJSON.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <set>
 
 #include "model/asking/json_request.h"
@@ -46,7 +47,9 @@ class Collector {
             case AnswerForm::kVariable:
                 variables_.values[answer.answer.oid] = answer.answer;
                 device_.hasVariables = true;
-                if (IsState(answer.answer.oid)) device_.areAlertsKnown = sweep.isComplete;
+                if (IsState(answer.answer.oid)) stateSweep_ = answer.sweep;
+                // Only a reading that asks for alerts too asks for it.
+                if (IsWithin(answer.answer.oid, OidOf("sysUpTime"))) wholeSweep_ = answer.sweep;
                 readTime_ = std::max(readTime_, answer.time);
                 break;
             case AnswerForm::kReply:
@@ -64,6 +67,7 @@ class Collector {
 
     FoundDevice Describe() {
         variables_.areGapsKnown = false;
+        device_.areAlertsKnown = stateSweep_ != SIZE_MAX && stateSweep_ == wholeSweep_;
         PrinterFacts facts = FactsOf(variables_);
         facts.readTime = std::move(readTime_);
         // The model falls back to the description, which says less than the discovery OID's text.
@@ -112,6 +116,7 @@ class Collector {
     std::set<std::string> types_;  // in order, and none twice
     FoundDevice device_;
     size_t replies_ = 0;
+    size_t stateSweep_ = SIZE_MAX, wholeSweep_ = SIZE_MAX;  // SIZE_MAX: none
 };
 
 std::vector<std::string> Values(const FoundDevice& device, MergeKey key) {

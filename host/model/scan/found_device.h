@@ -25,7 +25,7 @@ struct FoundDevice {
     std::vector<std::string> types;             // by WS-Discovery, see ProbeMatch
     std::string added;                          // by hand, as this; empty: it was not
     bool hasVariables = false;                  // was asked after a sweep, and answered
-    bool areAlertsKnown = false;                // the last reading of its state was a whole one
+    bool areAlertsKnown = false;                // they were asked for with its state
     std::shared_ptr<const PrinterFacts> facts;  // never null; copies of the device share them
     std::vector<Merge> merges;
 };

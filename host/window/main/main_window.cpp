@@ -47,6 +47,7 @@ struct MainWindow::MessageRow {
              child = GetWindow(child, GW_HWNDNEXT))
             SendMessageW(child, message.id, message.wParam, message.lParam);
         self.panes.SetDpi(self.panes.Dpi());
+        self.panes.Place();
         message.result.reset();
     }
     UINT message;
@@ -129,8 +130,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          if (!end.wParam) return;
          // The process may end right after this.
          self.settings.Save();
-         if (self.searches.WillSave()) self.EndEarly();
          self.scans.SaveForNextStart();
+         if (self.searches.WillSave()) self.EndEarly();
      }},
     {WM_DESTROY, [](MainWindow& self, Message&) {
          Attach<MainWindow>(self.Handle(), nullptr);
@@ -244,6 +245,7 @@ void MainWindow::ShowStatus() {
 }
 
 void MainWindow::OnCommand(int id, int code) {
+    if (!state.workers) return;  // it is closing
     if (id == IDC_FILTER && code == EN_CHANGE) {
         state.session.view.Filter(panes.bar.FilterText());
         panes.ShowRows();
@@ -323,6 +325,11 @@ void MainWindow::EndWorkers() {
 }
 
 void MainWindow::OnClose() {
+    // Also if something fails meanwhile: a hidden window cannot be closed.
+    struct Destroyed {
+        ~Destroyed() { DestroyWindow(window); }
+        HWND window;
+    } const destroyed{state.window};
     const bool willSave = searches.WillSave();
     // The window disappears at once, although a request may take up to 12 s more.
     ShowOwnedPopups(state.window, FALSE);
@@ -331,7 +338,6 @@ void MainWindow::OnClose() {
     EndWorkers();
     EndEarly();
     if (willSave) scans.MayDrop();  // asks for another file if that one cannot be written
-    DestroyWindow(state.window);
 }
 
 }  // namespace vndiscover::host

@@ -176,8 +176,9 @@ void ScanCommands::OfferSaved() {
     const std::string path = KeptPath();
     std::wstring problem;
     auto scan = FileExists(path) ? LoadScan(path, problem) : std::nullopt;
-    if (scan && MessageBoxW(state_.window, Text(IDS_ASK_KEPT).c_str(), Text(IDS_TITLE).c_str(),
-                            MB_YESNO | MB_ICONQUESTION) == IDYES) {
+    if (!scan) return;  // it may be read later
+    if (MessageBoxW(state_.window, Text(IDS_ASK_KEPT).c_str(), Text(IDS_TITLE).c_str(),
+                    MB_YESNO | MB_ICONQUESTION) == IDYES) {
         state_.session.SetScan(std::move(*scan));
         state_.session.SetSaved(false);
         state_.showRows();

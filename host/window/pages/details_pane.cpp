@@ -76,6 +76,7 @@ const DevicePage& DetailsPane::Page() const {
 
 void DetailsPane::ShowPage() {
     const DevicePage& page = Page();
+    const bool hasFocus = GetFocus() == facts_.Handle() || GetFocus() == table_.Handle();
     page_ = nullptr;
     if (page.rows) {
         ShowRows({});
@@ -87,6 +88,7 @@ void DetailsPane::ShowPage() {
     Show();
     ShowWindow(facts_.Handle(), page.rows ? SW_HIDE : SW_SHOW);
     ShowWindow(table_.Handle(), page.rows ? SW_SHOW : SW_HIDE);
+    if (hasFocus) SetFocus(Shown());  // not left to a hidden list
 }
 
 void DetailsPane::Place(Placement& placement, const Box& box, int dpi) {

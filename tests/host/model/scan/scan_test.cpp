@@ -348,7 +348,7 @@ Comparison OfPrinter(const char* errors, const char* black, const char* second, 
         scan.Add("10.0.0.8", "\x64", "prtMarkerSuppliesMaxCapacity.5.1", kInteger);
         scan.Add("10.0.0.8", "Black", "prtMarkerSuppliesDescription.5.2");
         scan.Add("10.0.0.8", other, "prtMarkerSuppliesLevel.5.2", kInteger);
-        for (ScanSweep& sweep : scan.scan.sweeps) sweep.isComplete = isWhole;
+        if (isWhole) scan.Add("10.0.0.8", "\x09", "sysUpTime.0", kTimeTicks);
         return MakeDevices(scan.scan);
     };
     return CompareDevices(scan({"\0", 1}, "\x1E", "\x1E", "\x05", ""),
