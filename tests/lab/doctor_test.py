@@ -57,8 +57,8 @@ class Doctor(unittest.TestCase):
             self.assertEqual((3, "", "vndiscover: no request could be sent: 'vndiscover doctor' looks for the cause\r\n"), result)
 
     def test_a_blocked_port_is_no_missing_route(self):
-        rule = ["ip", "-n", "host", "rule"]
-        subprocess.run([*rule, "add", "to", "10.77.1.98", "ipproto", "udp", "dport", "161", "prohibit"], check=True)
+        rule = ["ip", "-n", "host", "rule"]  # UDP by its number: a bare system has no list of names
+        subprocess.run([*rule, "add", "to", "10.77.1.98", "ipproto", "17", "dport", "161", "prohibit"], check=True)
         code, verdict = self.verdict("10.77.1.98")
         self.assertEqual(3, code)
         self.assertIn("a firewall on this computer blocks outgoing UDP port 161", verdict)
