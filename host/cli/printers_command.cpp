@@ -132,8 +132,8 @@ std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
 }
 
 std::string AskedText(const std::vector<Login>& logins) {
-    std::vector<std::string> names;
-    for (const Login& login : logins) names.push_back(NameOf(login));
+    std::vector<std::string> names(logins.size());
+    std::transform(logins.begin(), logins.end(), names.begin(), NameOf);
     return Joined(names, " and ") + " for " + kPrinterObject;
 }
 

@@ -65,7 +65,7 @@ Answer AnswerOf(std::string_view line) {
     }
     const auto& [status, oid, type, wholeSize, bytes] = fields;
     Answer answer;
-    answer.status = static_cast<Status>(std::atoi(status.c_str()));
+    answer.status = static_cast<Status>(std::strtol(status.c_str(), nullptr, 10));
     answer.oid = ParseOid(oid).value_or(Oid());
     answer.type = static_cast<uint32_t>(std::strtoul(type.c_str(), nullptr, 10));
     answer.wholeSize = std::strtoul(wholeSize.c_str(), nullptr, 10);

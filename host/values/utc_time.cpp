@@ -1,7 +1,8 @@
 #include "values/utc_time.h"
 
-#include <cstdio>
 #include <ctime>
+#include <iomanip>
+#include <sstream>
 
 namespace vndiscover::host {
 namespace {
@@ -24,15 +25,16 @@ std::string UtcNow() {
 }
 
 std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    if (std::sscanf(utc.c_str(), "%4d-%2d-%2dT%2d:%2d:%2dZ", &year, &month, &day, &hour, &minute,
-                    &second) != 6)
-        return "";
-    const int64_t at = ((DaysUntil(year, month, day) * 24 + hour) * 60 + minute) * 60 + second;
+    std::tm time = {};
+    std::istringstream text(utc);
+    if (!(text >> std::get_time(&time, "%Y-%m-%dT%H:%M:%SZ"))) return "";
+    const int64_t days = DaysUntil(time.tm_year + 1900, time.tm_mon + 1, time.tm_mday);
+    const int64_t at = ((days * 24 + time.tm_hour) * 60 + time.tm_min) * 60 + time.tm_sec;
     const auto start = static_cast<std::time_t>(at - static_cast<int64_t>(seconds));
     const std::tm* local = std::localtime(&start);
-    char text[32];
-    return local && std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", local) != 0 ? text : "";
+    char before[32];
+    return local && std::strftime(before, sizeof before, "%Y-%m-%d %H:%M", local) != 0 ? before
+                                                                                       : "";
 }
 
 }  // namespace vndiscover::host

@@ -116,7 +116,7 @@ class Diagnostician {
             spentMs_ = NowMs() - startMs;
             return answer;
         };
-        const Answer answer = PatientAsker(timed).GetNext(kSysDescr);
+        Answer answer = PatientAsker(timed).GetNext(kSysDescr);
         const auto asked = ParseIpAddress(steps_.address), sender = ParseIpAddress(answer.sender);
         if (asked && sender && asked->bytes != sender->bytes) diagnosis_.sender = answer.sender;
         return answer;

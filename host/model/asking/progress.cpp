@@ -55,8 +55,7 @@ void Progress::SetNote(std::wstring note) {
 Progress::Status Progress::Now(const Work& work) const {
     const int64_t now = nowMs_();
     const auto since = [now](int64_t start) { return (now - start) / 1000; };
-    const Status note = {Kind::kNote, 0, 0, 0, "", 0};
-    if (!note_.empty() && now - noteMs_ < kNoteMs) return note;
+    if (!note_.empty() && now - noteMs_ < kNoteMs) return {Kind::kNote, 0, 0, 0, "", 0};
     if (isStopping_) {
         const int64_t leftMs = kMaxRequestMs - std::max(now - stopMs_, work.waitMs);
         return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000), 0, 0, "", 0};
@@ -70,7 +69,7 @@ Progress::Status Progress::Now(const Work& work) const {
         return {Kind::kReadingAll,          since(readMs_),    work.read, work.toRead,
                 isLong ? work.address : "", work.waitMs / 1000};
     }
-    if (!note_.empty()) return note;
+    if (!note_.empty()) return {Kind::kNote, 0, 0, 0, "", 0};
     if (last_ == Kind::kReady) return {};
     if (last_ == Kind::kRead) return {last_, (readEndMs_ - readMs_) / 1000, read_, toRead_, "", 0};
     return {last_, (searchEndMs_ - searchMs_) / 1000, answers_, 0, "", 0};

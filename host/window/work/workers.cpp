@@ -359,8 +359,8 @@ void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
         });
         size_t variables = 0;
         const auto onVariable = [&](const Answer& variable) {
-            Post([walk, variable](Results& results) mutable {
-                results.OnVariable(walk, std::move(variable));
+            Post([walk, copy = Answer(variable)](Results& results) mutable {
+                results.OnVariable(walk, std::move(copy));
             });
             return ++variables < kMaxWalkVariables;
         };
