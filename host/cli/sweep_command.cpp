@@ -74,12 +74,14 @@ std::string ReadRequest(const SweepOptions& options) {
     return *request;
 }
 
-// The module sweeps without a file that it cannot open, so the user is told beforehand.
-void CheckCsvPath(const std::string& path) {
-    const std::wstring wide = ToWide(path);
-    if (wide.size() > VN_TEXT_MAX)
-        throw CLI::ValidationError("--csv", "the path has more than 259 characters");
-    const OwnedStream file(_wfopen(wide.c_str(), L"ab"));
+// The module sweeps without a file that it cannot open, so the user is told beforehand. Without
+// SNMPv3 it writes the file itself, and copies the path.
+void CheckCsvPath(const std::string& path, bool isOurs) {
+    if (!isOurs && ToWide(path).size() > VN_TEXT_MAX)
+        throw CLI::ValidationError(
+            "--csv",
+            "the path has more than 259 characters, which only a sweep with --v3 can write");
+    const OwnedStream file(_wfopen(SystemPath(path).c_str(), L"ab"));
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
 }
 
@@ -118,7 +120,7 @@ Sweep Prepare(const SweepOptions& options) {
         arguments.request = ToWide(ReadRequest(options));
         sweep.kind = ValueKind::kDocument;
     }
-    if (!options.csvPath.empty()) CheckCsvPath(options.csvPath);
+    if (!options.csvPath.empty()) CheckCsvPath(options.csvPath, options.v3.isOn);
     arguments.resultPath = ToWide(options.csvPath);
     if (options.v3.isOn && !arguments.oid.empty()) {
         // SNMPv3 sweeps accept an OID only in a JSON request; its only answer is then the value.
@@ -131,8 +133,8 @@ Sweep Prepare(const SweepOptions& options) {
 // The result file of an SNMPv3 sweep, whose exports take no path.
 class CsvFile {
   public:
-    explicit CsvFile(const std::wstring& path)
-        : file_(path.empty() ? nullptr : _wfopen(path.c_str(), L"w")) {}
+    explicit CsvFile(const std::string& path)
+        : file_(path.empty() ? nullptr : _wfopen(SystemPath(path).c_str(), L"w")) {}
     void Write(const std::string& row) {
         if (!file_) return;
         // A row of 4 KB or more is not buffered, so flushing does not tell that it failed.
@@ -190,7 +192,7 @@ int RunSweep(const SweepOptions& options) {
     bool isStopped = false, wasSent = false;
     DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
     DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
-    CsvFile csv(options.v3.isOn ? sweep.arguments.resultPath : std::wstring());
+    CsvFile csv(options.v3.isOn ? options.csvPath : "");
     std::atomic<size_t> devices{0};
     {
         SweepWatch watch(StopDiscoverSnmp, StatusOf(devices, "device", "devices"));

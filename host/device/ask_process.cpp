@@ -86,8 +86,12 @@ struct Pipe {
 };
 
 OwnedStream StreamOf(OwnedHandle pipe, int flags, const char* mode) {
-    return OwnedStream(
-        _fdopen(_open_osfhandle(reinterpret_cast<intptr_t>(pipe.Release()), flags), mode));
+    const int number = _open_osfhandle(reinterpret_cast<intptr_t>(pipe.Get()), flags);
+    if (number < 0) return OwnedStream();
+    pipe.Release();  // the number owns it from now on, and then the stream
+    OwnedStream stream(_fdopen(number, mode));
+    if (!stream) _close(number);
+    return stream;
 }
 
 // Without the line end. Returns false at the end of the file.

@@ -19,6 +19,7 @@ constexpr auto kStatusPeriod = std::chrono::milliseconds(250);
 // Shared with the Ctrl-C handler, which runs on a thread of the system.
 std::atomic<int32_t (*)()> g_stop{nullptr};
 std::atomic<bool> g_isStopped{false};  // by the first Ctrl-C
+std::atomic<bool> g_isClosing{false};  // the console, or the user's session
 std::atomic<int> g_completionGuards{0};
 // To be restored: of a hidden prompt that is interrupted, and without colours. 0: none
 std::atomic<DWORD> g_inputMode{0}, g_outputMode{0};
@@ -49,19 +50,11 @@ bool WriteAll(const Text& text, Function&& write) {
 }
 
 // Few writes, with the system's line ends: C streams write to a console byte by byte, which
-// flickers. A console gets characters, since older ones count them wrongly in bytes.
+// flickers.
 bool Write(DWORD handle, std::string_view text) {
     std::string bytes;
     for (const char letter : text) bytes += letter == '\n' ? "\r\n" : std::string(1, letter);
-    const HANDLE file = GetStdHandle(handle);
-    if (IsConsole(file)) {
-        return WriteAll(ToWide(bytes), [file](const wchar_t* from, DWORD size, DWORD* written) {
-            return WriteConsoleW(file, from, size, written, nullptr);
-        });
-    }
-    return WriteAll(bytes, [file](const char* from, DWORD size, DWORD* written) {
-        return WriteFile(file, from, size, written, nullptr);
-    });
+    return WriteText(GetStdHandle(handle), bytes);
 }
 
 void RestoreConsole() {
@@ -96,7 +89,7 @@ BOOL WINAPI OnControl(DWORD event) {
     if (!canStop && (stop || g_completionGuards > 0)) {
         // The console is closed, or the user logs off: the system ends the process after about 5 s,
         // or as soon as this returns. Until then what is known can be saved.
-        g_isStopped = true;
+        g_isClosing = true;
         if (stop) stop();
         Sleep(INFINITE);
     }
@@ -113,6 +106,9 @@ void EraseStatus() {
     Write(STD_ERROR_HANDLE, "\r" + std::string(g_statusWidth, ' ') + "\r");
     g_statusWidth = 0;
 }
+
+// No work that begins later clears it if the console is closing.
+bool IsStopRequested() { return g_isStopped || g_isClosing; }
 
 void ShowStatus(const std::string& text) {
     const std::lock_guard<std::mutex> lock(g_outputMutex);
@@ -131,6 +127,17 @@ ConsoleSession::ConsoleSession() {
 ConsoleSession::~ConsoleSession() {
     SetConsoleCtrlHandler(OnControl, FALSE);
     RestoreConsole();
+}
+
+bool WriteText(HANDLE file, const std::string& text) {
+    if (IsConsole(file)) {
+        return WriteAll(ToWide(text), [file](const wchar_t* from, DWORD size, DWORD* written) {
+            return WriteConsoleW(file, from, size, written, nullptr);
+        });
+    }
+    return WriteAll(text, [file](const char* from, DWORD size, DWORD* written) {
+        return WriteFile(file, from, size, written, nullptr);
+    });
 }
 
 bool Print(std::string_view text) {
@@ -235,16 +242,17 @@ void SweepWatch::RequestStop() {
     if (!g_isStopped.exchange(true)) stop_();
 }
 
-bool SweepWatch::IsStopped() const { return g_isStopped; }
+bool SweepWatch::IsStopped() const { return IsStopRequested(); }
 
 void SweepWatch::Run() {
     const bool hasConsole = IsConsole(STD_ERROR_HANDLE);
     std::unique_lock<std::mutex> lock(mutex_);
     while (!isOver_) {
         // The sweep clears a request that came just before it began, so repeat it.
-        if (g_isStopped) stop_();
+        if (IsStopRequested()) stop_();
         if (hasConsole)
-            ShowStatus(status_() + (g_isStopped ? ", stopping (Ctrl-C again ends at once)" : ""));
+            ShowStatus(status_() +
+                       (IsStopRequested() ? ", stopping (Ctrl-C again ends at once)" : ""));
         wake_.wait_for(lock, kStatusPeriod);
     }
 }

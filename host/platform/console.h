@@ -22,6 +22,9 @@ class ConsoleSession {
     ConsoleSession& operator=(const ConsoleSession&) = delete;
 };
 
+// Writes UTF-8 to a HANDLE. A console gets characters, since older ones count bytes wrongly.
+bool WriteText(void* file, const std::string& text);
+
 // Writes results at once. Returns false after a pipe is closed; the caller then stops.
 bool Print(std::string_view text);
 

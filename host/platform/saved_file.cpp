@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <initializer_list>
 
 #include "model/scan/scan_file.h"
 #include "platform/error_text.h"
@@ -29,36 +29,37 @@ std::wstring FullPath(const std::wstring& path) {
     return full;
 }
 
-// With the prefix that lifts the system's limit of 260 characters, if the path needs it.
-std::wstring SystemPath(const std::string& path) {
-    constexpr size_t kShort = MAX_PATH - 40;  // less what TemporaryPath adds
-    std::wstring wide = ToWide(path);
-    std::wstring full = FullPath(wide);
-    if (full.size() <= kShort || full.rfind(L"\\\\?\\", 0) == 0) return wide;
-    return full.rfind(L"\\\\", 0) == 0 ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
-}
-
 // In the same folder, and so on the same disk. Each process has its own.
 std::wstring TemporaryPath(const std::string& path) {
     return SystemPath(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
 }
 
-// ReplaceFileW keeps the old file's rights and attributes, but needs one, and a disk that can.
+bool IsOneOf(DWORD error, std::initializer_list<DWORD> errors) {
+    return std::count(errors.begin(), errors.end(), error) != 0;
+}
+
+// ReplaceFileW keeps the old file's rights and attributes. MoveFileExW would drop them, so it is
+// only for where ReplaceFileW says that there is no old file (now), or that the disk cannot do it.
 bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
-    return ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                        nullptr, nullptr) ||
+    if (ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
+                     nullptr, nullptr))
+        return true;
+    return IsOneOf(GetLastError(), {ERROR_FILE_NOT_FOUND, ERROR_UNABLE_TO_MOVE_REPLACEMENT,
+                                    ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, ERROR_INVALID_FUNCTION,
+                                    ERROR_NOT_SUPPORTED, ERROR_INVALID_PARAMETER}) &&
            MoveFileExW(temporary.c_str(), path.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
 // Virus scanners and indexers open a new or changed file for a moment.
-bool MoveOverPatiently(const std::wstring& path, const std::wstring& temporary) {
+template <class Attempt>
+bool TryPatiently(Attempt attempt) {
     constexpr int kTries = 20;
     constexpr DWORD kBetweenMs = 50;
-    for (int left = kTries; !MoveOver(path, temporary); Sleep(kBetweenMs)) {
-        const DWORD error = GetLastError();
-        const bool mayPass = error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION ||
-                             error == ERROR_USER_MAPPED_FILE;
+    for (int left = kTries; !attempt(); Sleep(kBetweenMs)) {
+        const bool mayPass =
+            IsOneOf(GetLastError(), {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION,
+                                     ERROR_USER_MAPPED_FILE, ERROR_UNABLE_TO_REMOVE_REPLACED});
         if (!mayPass || --left == 0) return false;
     }
     return true;
@@ -90,6 +91,14 @@ std::string FromUtf16(std::string text) {
 
 }  // namespace
 
+std::wstring SystemPath(const std::string& path) {
+    constexpr size_t kShort = MAX_PATH - 40;  // less what TemporaryPath adds
+    std::wstring wide = ToWide(path);
+    std::wstring full = FullPath(wide);
+    if (full.size() <= kShort || full.rfind(L"\\\\?\\", 0) == 0) return wide;
+    return full.rfind(L"\\\\", 0) == 0 ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem) {
     const OwnedFile file = Open(SystemPath(path), GENERIC_READ, OPEN_EXISTING);
@@ -101,7 +110,9 @@ std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
         text.resize(done += count);
         if (count == 0) return FromUtf16(std::move(text));
         if (done <= maxSize) continue;
-        problem = "is too large: over " + std::to_string(maxSize >> 20) + " MB";
+        const size_t megabytes = maxSize >> 20;
+        problem = "is too large: over " + (megabytes ? std::to_string(megabytes) + " MB"
+                                                     : std::to_string(maxSize >> 10) + " KB");
         return std::nullopt;
     }
     problem = "cannot be read" + LastErrorText();
@@ -142,12 +153,13 @@ bool CanReplaceFile(const std::string& path, std::string& problem) {
 
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem) {
     const std::wstring temporary = TemporaryPath(path);
-    if (!WriteWhole(temporary, text)) {
+    if (!TryPatiently([&] { return WriteWhole(temporary, text); })) {
         problem = "cannot be written" + LastErrorText();
         DeleteFileW(temporary.c_str());
         return false;
     }
-    if (MoveOverPatiently(SystemPath(path), temporary)) return true;
+    const std::wstring replaced = SystemPath(path);
+    if (TryPatiently([&] { return MoveOver(replaced, temporary); })) return true;
     // The new file is complete, so it is kept: another program may have the old one open.
     problem = "cannot be replaced" + LastErrorText() + "; the new one is " + ToUtf8(temporary);
     return false;

@@ -9,6 +9,9 @@
 
 namespace vndiscover::host {
 
+// For calls of the system: with the prefix that lifts its limit of 260 characters, if needed.
+std::wstring SystemPath(const std::string& path);
+
 // UTF-16 with a byte order mark becomes UTF-8, since some editors and shells write it. Empty, with
 // the reason in `problem`, if the file cannot be read or has more than `maxSize` bytes.
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
@@ -27,6 +30,7 @@ bool IsSamePath(const std::string& one, const std::string& other);
 bool CanReplaceFile(const std::string& path, std::string& problem);
 
 // An existing file is not touched until the new one is complete. False, with the reason, if not.
+// Takes two seconds more at most if other programs have one of them open.
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem);
 
 }  // namespace vndiscover::host

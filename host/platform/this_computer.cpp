@@ -26,11 +26,8 @@ constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
 
 // By its full path: an ordinary import could pick up a file of that name beside the program.
 OwnedModule LoadIpHelper() {
-    wchar_t path[MAX_PATH + 32] = {};
-    const UINT length = GetSystemDirectoryW(path, MAX_PATH);
-    if (length == 0 || length >= MAX_PATH) return OwnedModule();
-    wcscpy(path + length, L"\\IPHLPAPI.DLL");
-    return OwnedModule(LoadLibraryW(path));
+    const std::wstring path = SystemFile(L"IPHLPAPI.DLL");
+    return OwnedModule(path.empty() ? nullptr : LoadLibraryW(path.c_str()));
 }
 
 template <class Function>

@@ -35,6 +35,13 @@ std::string OwnPath() {
     return ToUtf8(path);
 }
 
+std::wstring SystemFile(const wchar_t* name) {
+    wchar_t folder[MAX_PATH] = L"";
+    const UINT length = GetSystemDirectoryW(folder, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH) return L"";
+    return std::wstring(folder, length) + L"\\" + name;
+}
+
 std::string VersionOf(HMODULE module) {
     const HRSRC resource =
         FindResourceW(module, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));

@@ -16,6 +16,10 @@ std::wstring Environment(const wchar_t* name);
 
 std::string OwnPath();
 
+// The full path of a file in the system's folder; empty if the system does not tell it. By its name
+// alone, one that lies beside the program or in the current folder could be used instead.
+std::wstring SystemFile(const wchar_t* name);
+
 // "1.2.0.0", from the resource of a loaded module; null: of the program. Empty if it has none.
 std::string VersionOf(HMODULE module);
 

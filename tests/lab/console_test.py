@@ -155,7 +155,8 @@ class Sweeps(unittest.TestCase):
         self.assertRegex(err, r"no device answered community 'wrong' for \.1\.3.*'vndiscover printers'.*'vndiscover doctor'")
 
     def test_v3_takes_passwords_from_the_environment(self):
-        path = Path(LAB, "v3.csv")
+        path = Path(LAB, "d" * 150, "d" * 150, "v3.csv")  # longer than the module takes
+        path.parent.mkdir(parents=True)
         self.assertEqual(f"ADDRESS          VALUE\n10.77.1.2        {LOCATION_TEXT}\n",
                          found("sweep", *V3, "--oid", LOCATION, "--csv", str(path), **SECRETS))
         self.assertEqual(b'"10.77.1.2","Hall ""B"", 2nd floor"\r\n', path.read_bytes())

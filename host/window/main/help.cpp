@@ -21,8 +21,9 @@ void ReportUnopened(WindowState& state, const std::wstring& target, DWORD error)
 
 void OpenElsewhere(WindowState& state, const std::wstring& target, const wchar_t* program) {
     const wchar_t* const file = program ? program : target.c_str();
+    const std::wstring argument = L"\"" + target + L"\"";
     const HINSTANCE opened = ShellExecuteW(
-        state.window, L"open", file, program ? target.c_str() : nullptr, nullptr, SW_SHOWNORMAL);
+        state.window, L"open", file, program ? argument.c_str() : nullptr, nullptr, SW_SHOWNORMAL);
     const DWORD error = GetLastError();
     if (reinterpret_cast<INT_PTR>(opened) <= 32)  // as documented, for systems with 16 bits
         ReportUnopened(state, target, error);
@@ -35,10 +36,9 @@ void ShowHelp(WindowState& state) {
     const std::string page = folder + "\\..\\docs\\vnbrowser.md";
     // Notepad would offer to make it.
     if (!FileExists(page)) return ReportUnopened(state, ToWide(page), ERROR_FILE_NOT_FOUND);
-    // Not by its name alone, which may be that of a program in the current folder.
-    wchar_t system[MAX_PATH] = L"";
-    GetSystemDirectoryW(system, MAX_PATH);
-    OpenElsewhere(state, ToWide(page), (std::wstring(system) + L"\\notepad.exe").c_str());
+    const std::wstring notepad = SystemFile(L"notepad.exe");
+    if (notepad.empty()) return ReportUnopened(state, L"notepad.exe", GetLastError());
+    OpenElsewhere(state, ToWide(page), notepad.c_str());
 }
 
 void ShowAbout(HWND owner) {

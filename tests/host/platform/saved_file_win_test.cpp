@@ -35,18 +35,22 @@ class SavedFile : public testing::Test {
     std::string path_, problem_;
 };
 
-TEST_F(SavedFile, WaitsForAProgramThatReadsTheOldOne) {
+// Of the old file, or of what is left of a new one.
+TEST_F(SavedFile, WaitsForAProgramThatReadsIt) {
     ASSERT_TRUE(ReplaceFileText(path_, "old", problem_)) << problem_;
-    const HANDLE reader = CreateFileW(Wide().c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(INVALID_HANDLE_VALUE, reader);
-    std::thread end([reader] {
-        Sleep(200);
-        CloseHandle(reader);
-    });
-    EXPECT_TRUE(ReplaceFileText(path_, "new", problem_)) << problem_;
-    end.join();
-    EXPECT_EQ("new", ReadFileText(path_, 100, problem_)) << problem_;
+    for (const std::wstring& held :
+         {Wide(), Wide() + L"." + std::to_wstring(GetCurrentProcessId()) + L".new"}) {
+        const HANDLE reader = CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                          OPEN_ALWAYS, 0, nullptr);
+        ASSERT_NE(INVALID_HANDLE_VALUE, reader);
+        std::thread end([reader] {
+            Sleep(200);
+            CloseHandle(reader);
+        });
+        EXPECT_TRUE(ReplaceFileText(path_, "new", problem_)) << problem_;
+        end.join();
+        EXPECT_EQ("new", ReadFileText(path_, 100, problem_)) << problem_;
+    }
 }
 
 }  // namespace
