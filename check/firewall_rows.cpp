@@ -80,6 +80,7 @@ void Rows(Report& report) {
                FAILED(result) ? Error(result)
                               : std::string(before < 0 ? "without its rules" : "with its rules") +
                                     (isInTime ? ", within 5 s" : ", later"));
+    report.EndPart("The firewall's policy");
     if (before < 0) {
         report.NotSeen(rulesName, "as many as before", "the rules cannot be read");
         return;

@@ -7,7 +7,7 @@
 #include <conio.h>
 
 #include <cstdio>
-#include <cstring>
+#include <cwchar>
 #include <string>
 #include <utility>
 
@@ -16,7 +16,7 @@
 namespace check {
 namespace {
 
-constexpr char kReport[] = "windows_check.md";
+constexpr wchar_t kReport[] = L"windows_check.md";
 constexpr char kUsage[] =
     "windows_check [--network] [--report FILE]\n\n"
     "Checks that this system behaves as VnDiscover.dll, beside this program, requires, and "
@@ -28,16 +28,16 @@ constexpr char kUsage[] =
 
 struct Options {
     bool mayUseNetwork = false;
-    std::string report;  // empty: not given
+    std::wstring report;  // empty: not given
     bool areWrong = false;
 };
 
-Options OptionsOf(int count, char** words) {
+Options OptionsOf(int count, wchar_t** words) {
     Options options;
     for (int i = 1; i < count; ++i) {
-        if (std::strcmp(words[i], "--network") == 0) {
+        if (std::wcscmp(words[i], L"--network") == 0) {
             options.mayUseNetwork = true;
-        } else if (std::strcmp(words[i], "--report") == 0 && i + 1 < count) {
+        } else if (std::wcscmp(words[i], L"--report") == 0 && i + 1 < count) {
             options.report = words[++i];
         } else {
             options.areWrong = true;
@@ -88,23 +88,32 @@ void AllRows(Report& report, bool mayUseNetwork) {
     LoadingRows(report, module);
 }
 
-bool WriteText(const std::string& path, const std::string& text) {
-    FILE* file = std::fopen(path.c_str(), "w");
+bool WriteText(const std::wstring& path, const std::string& text) {
+    FILE* file = _wfopen(path.c_str(), L"w");
     const bool written = file && std::fputs(text.c_str(), file) >= 0;
     return file && std::fclose(file) == 0 && written;
 }
 
 // Empty if it can be written nowhere.
-std::string WriteReport(const std::string& given, const std::string& text) {
-    char folder[MAX_PATH + 1] = {}, whole[MAX_PATH + 1] = {};
-    GetTempPathA(sizeof folder, folder);
-    std::string path = given.empty() ? kReport : given;
+std::wstring WriteReport(const std::wstring& given, const std::string& text) {
+    constexpr DWORD kRoom = 32768;
+    wchar_t folder[MAX_PATH + 1] = {};
+    GetTempPathW(MAX_PATH + 1, folder);
+    std::wstring path = given.empty() ? kReport : given, whole(kRoom, L'\0');
     if (!WriteText(path, text)) {
-        path = given.empty() ? std::string(folder) + kReport : "";
-        if (path.empty() || !WriteText(path, text)) return "";
+        path = given.empty() ? std::wstring(folder) + kReport : L"";
+        if (path.empty() || !WriteText(path, text)) return L"";
     }
-    const DWORD size = GetFullPathNameA(path.c_str(), sizeof whole, whole, nullptr);
-    return size > 0 && size < sizeof whole ? whole : path;
+    whole.resize(GetFullPathNameW(path.c_str(), kRoom, whole.data(), nullptr));
+    return whole.empty() ? path : whole;
+}
+
+// For the console.
+std::string Shown(const std::wstring& path) {
+    std::string text(path.size() * 4, '\0');
+    text.resize(size_t(WideCharToMultiByte(GetConsoleOutputCP(), 0, path.data(), int(path.size()),
+                                           text.data(), int(text.size()), nullptr, nullptr)));
+    return text;
 }
 
 int Run(const Options& options) {
@@ -113,13 +122,13 @@ int Run(const Options& options) {
     std::printf("%s\n", system.c_str());
     AllRows(report, options.mayUseNetwork);
 
-    const std::string path = WriteReport(options.report, report.Text(system));
+    const std::wstring path = WriteReport(options.report, report.Text(system));
     if (path.empty()) {
         std::fprintf(stderr, "%s cannot be written\n",
-                     options.report.empty() ? kReport : options.report.c_str());
+                     Shown(options.report.empty() ? kReport : options.report).c_str());
         return 2;
     }
-    std::printf("\n%d different. Please send back %s\n", report.Different(), path.c_str());
+    std::printf("\n%d different. Please send back %s\n", report.Different(), Shown(path).c_str());
     return report.Different() == 0 ? 0 : 1;
 }
 
@@ -134,7 +143,7 @@ void WaitIfConsoleIsOwn() {
 }  // namespace
 }  // namespace check
 
-int main(int count, char** words) {
+int wmain(int count, wchar_t** words) {
     const check::Options options = check::OptionsOf(count, words);
     if (options.areWrong) {
         std::fputs(check::kUsage, stderr);

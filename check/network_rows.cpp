@@ -104,8 +104,11 @@ int Join(UdpSocket& socket, const char* address) {
 void ProbeRow(Report& report, const std::vector<Adapter>& adapters) {
     const char* const name = "a multicast from 127.0.0.1, by a member on a real adapter";
     UdpSocket receiver(AF_INET), sender(AF_INET);
-    if (adapters.empty() || receiver.Bind("0.0.0.0", 0) != 0 ||
-        Join(receiver, adapters[0].address.c_str()) != 0) {
+    const int bound = receiver.Bind("0.0.0.0", 0);
+    const auto joined = std::count_if(adapters.begin(), adapters.end(), [&](const Adapter& one) {
+        return Join(receiver, one.address.c_str()) == 0;
+    });
+    if (bound != 0 || joined == 0) {
         report.NotSeen(name, "not heard", "this computer has no adapter for it");
         return;
     }
@@ -187,8 +190,10 @@ void LoopRow(Report& report) {
     if (bound == 0 && sendto(sender.Get(), "check", 5, 0, reinterpret_cast<const sockaddr*>(&group),
                              sizeof group) == 5) {
         report.Add(name, "not heard", receiver.IsReadable(kWaitMs) ? "heard" : "not heard");
+    } else if (const int error = WSAGetLastError(); bound != 0 || error == WSAENETUNREACH) {
+        report.NotSeen(name, "not heard", "no IPv6");
     } else {
-        report.Add(name, "not heard", "sending fails with " + Number(WSAGetLastError()));
+        report.Add(name, "not heard", "sending fails with " + Number(error));
     }
 }
 
@@ -200,10 +205,15 @@ void UnreachableRow(Report& report) {
                                        data, 8, nullptr, reply, sizeof reply, 2000);
     const DWORD error = GetLastError();
     IcmpCloseHandle(handle);
-    report.Add("an echo of 8 bytes to nobody, into a buffer of 48", "no reply, error 11010",
-               replies == 0 ? "no reply, error " + Number(error)
-                            : Number(replies) + " reply, status " +
-                                  Number(reinterpret_cast<ICMP_ECHO_REPLY*>(reply)->Status));
+    const DWORD status =
+        replies == 0 ? error : reinterpret_cast<const ICMP_ECHO_REPLY*>(reply)->Status;
+    // A router may say that nobody is there, or this computer that no way leads there.
+    const bool isRight = status == IP_REQ_TIMED_OUT || status == ERROR_NETWORK_UNREACHABLE ||
+                         status == ERROR_HOST_UNREACHABLE || status == IP_TTL_EXPIRED_TRANSIT ||
+                         (status >= IP_DEST_NET_UNREACHABLE && status <= IP_DEST_PORT_UNREACHABLE);
+    report.Add("an echo of 8 bytes to nobody, into a buffer of 48", "timed out or unreachable",
+               isRight ? "timed out or unreachable"
+                       : Number(replies) + " reply, status " + Number(status));
 }
 
 }  // namespace

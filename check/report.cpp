@@ -4,19 +4,19 @@
 
 namespace check {
 
-void Report::EndSection() {
+void Report::EndPart(const std::string& part) {
     using std::chrono::duration_cast;
     const auto now = std::chrono::steady_clock::now();
     const auto took = duration_cast<std::chrono::milliseconds>(now - started_).count();
-    if (!title_.empty()) {
-        seconds_ += (seconds_.empty() ? "" : ", ") + title_ + " " + std::to_string(took / 1000) +
+    if (!part.empty()) {
+        seconds_ += (seconds_.empty() ? "" : ", ") + part + " " + std::to_string(took / 1000) +
                     "." + std::to_string(took / 100 % 10);
     }
     started_ = now;
 }
 
 void Report::Section(const char* title) {
-    EndSection();
+    EndPart(title_);
     title_ = title;
     rows_ += std::string("\n## ") + title + "\n\n| | expected | seen | |\n|---|---|---|---|\n";
     std::printf("\n%s\n", title);
@@ -42,7 +42,7 @@ void Report::Row(const std::string& name, const std::string& expected, const std
 }
 
 std::string Report::Text(const std::string& system) {
-    EndSection();
+    EndPart(title_);
     char counts[128];
     std::snprintf(counts, sizeof counts, "\n%d as expected, %d different, %d not seen\n",
                   asExpected_, different_, notSeen_);

@@ -11,6 +11,8 @@ namespace check {
 class Report {
   public:
     void Section(const char* title);
+    // What comes from now on in this section has seconds of its own.
+    void EndPart(const std::string& part);
     // As expected if the two texts are equal.
     void Add(const std::string& name, const std::string& expected, const std::string& seen);
     void NotSeen(const std::string& name, const std::string& expected, const std::string& reason);
@@ -22,8 +24,6 @@ class Report {
   private:
     void Row(const std::string& name, const std::string& expected, const std::string& seen,
              const char* verdict);
-
-    void EndSection();
 
     std::string rows_, title_, seconds_;
     std::chrono::steady_clock::time_point started_;
