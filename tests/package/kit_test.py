@@ -104,6 +104,8 @@ class Kit(unittest.TestCase):
         icon = (SOURCE / "cmake/program/program.ico").read_bytes()
         for name in PROGRAMS:
             content = (KIT / "bin" / name).read_bytes()
+            # The firewall's question shows it.
+            self.assertTrue(re.search("FileDescription".encode("utf-16-le") + rb"\0+V\0n\0", content), name)
             manifest = content[content.index(b'<?xml version="1.0" encoding="UTF-8" standalone="yes"?>'):]
             manifest = ElementTree.fromstring(manifest[:manifest.index(b"</assembly>") + len(b"</assembly>")])
             said = {element.tag.rpartition("}")[2]: element.text for element in manifest.iter()}

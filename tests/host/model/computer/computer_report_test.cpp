@@ -2,6 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
+#include "model/computer/doctor_report.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -114,6 +118,20 @@ TEST_P(Firewall, BlockingRulesTakePrecedence) {
     const size_t closed =
         (GetParam().snmp == Passage::kClosed) + (GetParam().wsd == Passage::kClosed);
     EXPECT_EQ(closed, report.causes.size());
+}
+
+TEST(ComputerReport, TellsThatAPolicyOverridesTheFirewallSettings) {
+    ScriptedComputer computer;
+    const auto isTold = [&](bool isOverridden) {
+        computer.firewall.isOverridden = isOverridden;
+        const Report report = ReportOf(ReportOn(computer));
+        const auto& rows = report[4].rows;
+        return std::any_of(rows.begin(), rows.end(), [](const ReportRow& row) {
+            return row.text.find("group policy takes precedence") != std::string::npos;
+        });
+    };
+    EXPECT_TRUE(isTold(true));
+    EXPECT_FALSE(isTold(false));
 }
 
 constexpr FirewallProfile kDefault = {kPrivate, true, false, false, true};
