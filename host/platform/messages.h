@@ -19,11 +19,26 @@ void Attach(HWND window, T* object) {
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(object));
 }
 
+// The system tells only windows at the top of new colours, fonts and themes. Theirs tell controls,
+// those inside of others too.
+inline void TellControls(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_SYSCOLORCHANGE && message != WM_SETTINGCHANGE && message != WM_THEMECHANGED)
+        return;
+    const MSG news = {window, message, wParam, lParam, 0, {}};
+    const auto tell = [](HWND control, LPARAM told) -> BOOL {
+        const MSG& it = *reinterpret_cast<const MSG*>(told);
+        SendMessageW(control, it.message, it.wParam, it.lParam);
+        return TRUE;
+    };
+    EnumChildWindows(window, tell, reinterpret_cast<LPARAM>(&news));
+}
+
 template <class T>
 std::optional<LRESULT> Deliver(HWND window, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
     auto* object = reinterpret_cast<T*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (!object) return std::nullopt;
     if (message == WM_NCDESTROY) SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    TellControls(window, message, wParam, lParam);
     try {
         return object->OnMessage(window, message, wParam, lParam);
     } catch (...) {

@@ -3,6 +3,9 @@
 
 #include <windows.h>
 
+#include <utility>
+#include <vector>
+
 namespace vndiscover::host {
 
 struct Box {
@@ -14,26 +17,30 @@ struct Box {
 
 class Placement {
   public:
-    explicit Placement(HWND window) : window_(window), moves_(BeginDeferWindowPos(20)) {}
-    // Copied pixels would be those of another size.
+    explicit Placement(HWND window) : window_(window) {}
     ~Placement() {
-        if (moves_) EndDeferWindowPos(moves_);
-        if (hasMoved_)
+        // Copied pixels would be those of another size.
+        constexpr UINT kHow = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS;
+        HDWP step = BeginDeferWindowPos(static_cast<int>(moves_.size()));
+        for (const auto& [child, box] : moves_) {
+            if (step)
+                step =
+                    DeferWindowPos(step, child, nullptr, box.x, box.y, box.width, box.height, kHow);
+        }
+        const bool isDone = step && EndDeferWindowPos(step);
+        for (const auto& [child, box] : moves_) {  // one by one if that takes too much memory
+            if (!isDone) SetWindowPos(child, nullptr, box.x, box.y, box.width, box.height, kHow);
+        }
+        if (!moves_.empty())
             RedrawWindow(window_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
     }
     Placement(const Placement&) = delete;
     Placement& operator=(const Placement&) = delete;
-    void Move(HWND child, const Box& box) {
-        hasMoved_ = true;
-        if (moves_)
-            moves_ = DeferWindowPos(moves_, child, nullptr, box.x, box.y, box.width, box.height,
-                                    SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS);
-    }
+    void Move(HWND child, const Box& box) { moves_.emplace_back(child, box); }
 
   private:
     HWND window_;
-    HDWP moves_;  // null: the system has no memory for it, and nothing moves
-    bool hasMoved_ = false;
+    std::vector<std::pair<HWND, Box>> moves_;
 };
 
 }  // namespace vndiscover::host

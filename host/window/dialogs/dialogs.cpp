@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/console.h"
 #include "platform/error_text.h"
 #include "platform/messages.h"
 #include "platform/wide_text.h"
@@ -31,8 +32,11 @@ int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsig
     dialog.cButtons = 3;
     dialog.pButtons = buttons;
     int answer = IDCANCEL;
-    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
-    return answer;
+    if (SUCCEEDED(TaskDialogIndirect(&dialog, &answer, nullptr, nullptr))) return answer;
+    // Its buttons have words of the system, in the same order.
+    std::wstring text = question + L"\n\n" + first + L" / " + second + L" / " + cancel;
+    text.erase(std::remove(text.begin(), text.end(), L'&'), text.end());
+    return MessageBoxW(owner, text.c_str(), title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION);
 }
 
 SIZE ClientSize(HWND window) {
@@ -93,6 +97,11 @@ void ChangeText(HWND window, const std::wstring& text) {
     if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
 }
 
+void TakeSuggested(HWND window, const RECT& place) {
+    SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left,
+                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOSENDCHANGING);
+}
+
 void CentreOnOwner(HWND window) {
     RECT place = {}, owner = {};
     GetWindowRect(window, &place);
@@ -129,7 +138,7 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
         RECT whole = {};
         GetWindowRect(dialog, &whole);
         least_ = {whole.right - whole.left, whole.bottom - whole.top};
-        dpi_ = DpiOf(dialog);
+        dpi_ = firstDpi_ = DpiOf(dialog);
         SendMessageW(dialog, WM_SETICON, ICON_SMALL,
                      GetClassLongPtrW(GetWindow(dialog, GW_OWNER), GCLP_HICON));
         Begin();
@@ -177,10 +186,10 @@ void ListDialog::Stretch() {
 void ListDialog::SetDpi(int dpi, const RECT& place) {
     const int former = std::exchange(dpi_, dpi);
     const auto scale = [&](LONG& pixels) { pixels = MulDiv(pixels, dpi, former); };
-    LOGFONTW font = {};
-    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(list_.Handle(), WM_GETFONT, 0, 0)), sizeof font,
+    LOGFONTW font = {};  // that of its resource, since each scaling rounds
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog_, WM_GETFONT, 0, 0)), sizeof font,
                &font);
-    scale(font.lfHeight);
+    font.lfHeight = MulDiv(font.lfHeight, dpi, firstDpi_);
     OwnedFont next(CreateFontIndirectW(&font));
     MoveControls(dialog_, [&](HWND control, RECT& box) {
         for (LONG* side : {&box.left, &box.top, &box.right, &box.bottom}) scale(*side);
@@ -190,8 +199,7 @@ void ListDialog::SetDpi(int dpi, const RECT& place) {
     OnDpi();
     list_.SetDpi(dpi);
     for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy}) scale(*size);
-    SetWindowPos(dialog_, nullptr, place.left, place.top, place.right - place.left,
-                 place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    TakeSuggested(dialog_, place);
 }
 
 void ListDialog::BeginDialog(const std::wstring& title, int list,
@@ -215,8 +223,9 @@ HANDLE ErrorOutput() {
     const HANDLE given = GetStdHandle(STD_ERROR_HANDLE);
     if ((given && given != INVALID_HANDLE_VALUE) || !AttachConsole(ATTACH_PARENT_PROCESS))
         return given;
-    const HANDLE console = CreateFileW(L"CONOUT$", GENERIC_WRITE, FILE_SHARE_WRITE, nullptr,
-                                       OPEN_EXISTING, 0, nullptr);
+    const HANDLE console =
+        CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
     SetStdHandle(STD_ERROR_HANDLE, console);  // which stays open for the next problem
     return console;
 }
@@ -228,9 +237,7 @@ void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {
         MessageBoxW(owner, problem.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
         return;
     }
-    const std::string text = "VnBrowser: " + ToUtf8(problem) + "\n";
-    DWORD written = 0;
-    WriteFile(ErrorOutput(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    WriteText(ErrorOutput(), "VnBrowser: " + ToUtf8(problem) + "\n");
 }
 
 void ShowException(HWND owner, bool isScript) noexcept {

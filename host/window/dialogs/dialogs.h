@@ -24,6 +24,10 @@ std::wstring WindowText(HWND window);
 // control.
 void ChangeText(HWND window, const std::wstring& text);
 
+// For WM_DPICHANGED, whose place is taken as it is: a minimum with other rounding would make a
+// window grow each time that it comes to another screen.
+void TakeSuggested(HWND window, const RECT& place);
+
 // Moves a window to the middle of its owner, as far as the screen allows.
 void CentreOnOwner(HWND window);
 
@@ -70,8 +74,8 @@ class ListDialog : protected virtual ListModel {
     SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window
     HWND grown_ = nullptr;
     std::vector<ListColumn> columns_;
-    int dpi_ = 96;
-    OwnedFont font_;  // none: that of its resource
+    int dpi_ = 96, firstDpi_ = 96;  // when it was opened
+    OwnedFont font_;                // none: that of its resource
 };
 
 // Ask whether to save the scan, and whether to add to an opened one (IDYES) or begin a new list

@@ -165,7 +165,9 @@ class SnmpDialog {
             SetField(id, L"");
             Send(id, EM_SETCUEBANNER, TRUE, hasPasswords && isKnown ? hint.c_str() : L"");
         }
-        const std::wstring note = Text(isClosed_ ? IDS_PROFILE_CLOSED : IDS_PROFILE_NOTE);
+        const std::wstring note = Text(!isClosed_        ? IDS_PROFILE_NOTE
+                                       : loaded_.empty() ? IDS_USER_CLOSED
+                                                         : IDS_PROFILE_CLOSED);
         SetField(IDC_PROFILE_NOTE, reason_.empty() ? note : reason_ + L"\n" + note);
         Grey();
     }
@@ -261,7 +263,8 @@ class SnmpDialog {
             ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
             return std::nullopt;
         // If it cannot be opened, the note has said that it is not changed.
-        return isLoaded && isClosed_ ? SaveResult::kSaved : SaveProfile(name, user);
+        const bool isLeft = isLoaded && isClosed_ && !name.empty();
+        return isLeft ? SaveResult::kSaved : SaveProfile(name, user);
     }
 
     void ShowResult(SaveResult result) const {
@@ -319,10 +322,13 @@ bool UseProfile(const std::wstring& name, Credentials& credentials) {
     return true;
 }
 
-void UseKept(const std::wstring& profile, Credentials& credentials) {
-    if (const auto kept = ParseCommunities(ToUtf8(KeptCommunities())))
+std::wstring UseKept(const std::wstring& profile, Credentials& credentials) {
+    const auto communities = KeptCommunities();
+    if (const auto kept = ParseCommunities(ToUtf8(communities.value_or(L""))))
         credentials.communities = *kept;
-    UseProfile(profile.empty() ? LastProfile() : profile, credentials);
+    const bool isOpen = UseProfile(profile.empty() ? LastProfile() : profile, credentials);
+    if (!isOpen && !profile.empty()) return Text(IDS_NO_PROFILE, {profile});
+    return communities ? L"" : Text(IDS_COMMUNITIES_CLOSED);
 }
 
 }  // namespace vndiscover::host

@@ -25,6 +25,7 @@ std::optional<std::vector<std::string>> ParseCommunities(const std::string& text
 bool UseProfile(const std::wstring& name, Credentials& credentials);
 
 // Uses what was kept: the communities, and the user of this profile; empty: of the last one.
-void UseKept(const std::wstring& profile, Credentials& credentials);
+// Returns what to tell the user of that; empty: nothing.
+std::wstring UseKept(const std::wstring& profile, Credentials& credentials);
 
 }  // namespace vndiscover::host

@@ -33,6 +33,9 @@ void DeviceCommands::Ask(bool isAgain) {
     const DeviceRow* row = state_.session.view.SelectedRow();
     const auto target = state_.SelectedTarget();
     if (!target || !state_.workers || state_.progress.IsReading(target->address)) return;
+    // It is being asked already, or will be, although no worker has said so yet.
+    const bool wasLast = std::exchange(asked_, target->address) == target->address;
+    if (!isAgain && wasLast && state_.workers->IsSending()) return;
     // Credentials go to an address of a file only if the user says so.
     if (!isAgain && !state_.session.HasAnsweredHere(row->answers, target->address)) return;
     if (isAgain && target->credentials.security && target->kind == SweepKind::kSnmpV1) {
@@ -64,6 +67,7 @@ bool DeviceCommands::ReadAll(std::vector<AskTarget> targets) {
     state_.progress.BeginReadingAll();
     state_.workers->ReadAll(targets);
     state_.StartStatusTimer();
+    asked_.clear();
     Ask(false);  // the selected one whole
     return true;
 }

@@ -49,6 +49,7 @@ class DeviceCommands {
 
     WindowState& state_;
     const DeviceList& list_;
+    std::string asked_;  // the last address, when it was selected
 };
 
 }  // namespace vndiscover::host

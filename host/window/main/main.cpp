@@ -119,7 +119,7 @@ int Run() {
         return kFailed;
     }
     if (const std::wstring problem = CheckFiles(options); !problem.empty()) {
-        ShowProblem(nullptr, problem, true);
+        ShowProblem(nullptr, problem, isScript);
         return kNone;
     }
     try {

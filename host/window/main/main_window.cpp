@@ -41,11 +41,7 @@ struct MainWindow::MessageRow {
         message.result = TRUE;
         if (!self.panes.OnMouse(message.id)) message.result.reset();
     }
-    // Controls hear of colours and fonts from their window alone.
     static void Redraw(MainWindow& self, Message& message) {
-        for (HWND child = GetWindow(self.Handle(), GW_CHILD); child;
-             child = GetWindow(child, GW_HWNDNEXT))
-            SendMessageW(child, message.id, message.wParam, message.lParam);
         self.panes.SetDpi(self.panes.Dpi());
         self.panes.Place();
         message.result.reset();
@@ -69,9 +65,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          self.settings.StoreColumns();
          self.panes.SetDpi(HIWORD(dpi.wParam));
          self.settings.ShowColumns();
-         const auto* box = reinterpret_cast<const RECT*>(dpi.lParam);
-         SetWindowPos(self.Handle(), nullptr, box->left, box->top, box->right - box->left,
-                      box->bottom - box->top, SWP_NOZORDER | SWP_NOACTIVATE);
+         TakeSuggested(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
          self.panes.Place();
      }},
     {DM_GETDEFID,  // Enter begins a search, but does not stop one
@@ -129,9 +123,12 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      [](MainWindow& self, Message& end) {
          if (!end.wParam) return;
          // The process may end right after this.
+         self.state.isSessionEnding = true;
          self.settings.Save();
          self.scans.SaveForNextStart();
          if (self.searches.WillSave()) self.EndEarly();
+         // An installer waits for the process. Open dialogs end by this too.
+         if (end.lParam & ENDSESSION_CLOSEAPP) PostQuitMessage(self.state.exitCode);
      }},
     {WM_DESTROY, [](MainWindow& self, Message&) {
          Attach<MainWindow>(self.Handle(), nullptr);
@@ -174,13 +171,13 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     settings.PlaceWindow();
     state.workers = std::make_unique<Workers>(engine, state.queue);
     state.workers->ReadAdapters();
+    ApplyOptions();
     panes.ShowRows();
     ShowStatus();
     if (!state.options.exit) {  // nothing of a script comes to the front
         ShowWindow(state.window, settings.values.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
         SetFocus(GetDlgItem(state.window, IDC_FIND));
     }
-    ApplyOptions();
     watch.RefreshEvery(settings.values.refreshMinutes);
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
 }
@@ -197,7 +194,7 @@ int MainWindow::Run() {
     return state.exitCode;
 }
 
-void MainWindow::Dispatch(MSG& message) {
+void MainWindow::Dispatch(MSG& message) try {
     // While text is edited, Ctrl+C copies that.
     const int copy = message.message == WM_KEYDOWN ? ListControl::CopyCommandOf(message.wParam) : 0;
     const ListControl* from = copy != 0 ? ListControl::Of(message.hwnd) : nullptr;
@@ -211,6 +208,8 @@ void MainWindow::Dispatch(MSG& message) {
     if (IsDialogMessageW(active ? active : state.window, &message)) return;
     TranslateMessage(&message);
     DispatchMessageW(&message);
+} catch (...) {  // of a key: no window procedure is around that
+    OnException();
 }
 
 std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -224,13 +223,17 @@ std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT message, WPARAM wParam, 
 }
 
 void MainWindow::OnException() noexcept {
-    if (state.options.exit) state.exitCode = kFailed;
-    ShowException(state.window, state.options.exit);
+    if (state.options.exit) {  // what would have ended the program may have failed
+        state.exitCode = kFailed;
+        PostMessageW(state.window, WM_CLOSE, 0, 0);
+    }
+    if (state.options.exit || !state.isSessionEnding)
+        ShowException(state.window, state.options.exit);
 }
 
 void MainWindow::ApplyOptions() {
     const StartOptions& options = state.options;
-    if (!options.exit) UseKept(options.profile, state.credentials);
+    if (!options.exit) state.progress.SetNote(UseKept(options.profile, state.credentials));
     if (!options.profile.empty()) panes.bar.UseV3(true);
     if (options.lookFor) panes.bar.Choose(*options.lookFor);
     if (!options.communities.empty()) state.credentials.communities = options.communities;
@@ -331,10 +334,12 @@ void MainWindow::OnClose() {
         HWND window;
     } const destroyed{state.window};
     const bool willSave = searches.WillSave();
-    // The window disappears at once, although a request may take up to 12 s more.
+    // The window disappears at once, although a request may take up to 12 s more; but not if a file
+    // is written then, since a question about that must have a window to be seen with.
     ShowOwnedPopups(state.window, FALSE);
-    ShowWindow(state.window, SW_HIDE);
+    if (!willSave) ShowWindow(state.window, SW_HIDE);
     settings.Save();
+    scans.ForgetKept();
     EndWorkers();
     EndEarly();
     if (willSave) scans.MayDrop();  // asks for another file if that one cannot be written

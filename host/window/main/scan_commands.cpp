@@ -58,6 +58,7 @@ void ScanCommands::Clear() {
 
 void ScanCommands::Empty() {
     state_.session.Clear();
+    ForgetKept();
     state_.changes.ForgetStates();
     state_.progress.ForgetSearch();
     SetFile(L"");
@@ -80,6 +81,7 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     if (!scan) return state_.ReportProblem(problem);
     const std::wstring time = LongTime(TimeOf(*scan));
     state_.session.SetScan(std::move(*scan));
+    ForgetKept();
     state_.changes.ForgetStates();
     state_.progress.ForgetSearch();
     const std::wstring name = ToWide(FileName(path));
@@ -114,6 +116,7 @@ bool ScanCommands::SaveTo(const std::string& path) {
     if (!SaveScan(state_.session.GetScan(), path, note)) return state_.ReportProblem(note);
     state_.progress.SetNote(note);
     state_.session.SetSaved();
+    ForgetKept();
     return true;
 }
 
@@ -160,30 +163,45 @@ bool ScanCommands::MayReplace() {
 }
 
 bool ScanCommands::MayDrop() {
-    if (state_.options.exit || !state_.session.IsUnsaved()) return true;
+    if (state_.options.exit || state_.isSessionEnding || !state_.session.IsUnsaved()) return true;
     const int answer = AskToSave(state_.window);
     if (answer == IDYES) Save();
     return answer == IDNO || !state_.session.IsUnsaved();
 }
 
 void ScanCommands::SaveForNextStart() {
-    std::wstring note;
-    if (!state_.options.exit && state_.session.IsUnsaved())
-        SaveScan(state_.session.GetScan(), KeptPath(), note);
+    if (state_.options.exit || !state_.session.IsUnsaved()) return;
+    for (int number = 1; number <= kMostKept; ++number) {
+        const std::string path = KeptPath(number);
+        if (!HoldFile(path, CREATE_NEW)) continue;  // another window's
+        std::wstring note;
+        if (SaveScan(state_.session.GetScan(), path, note)) return ForgetKept();
+        return void(DeleteFileW(SystemPath(path).c_str()));
+    }
 }
 
 void ScanCommands::OfferSaved() {
-    const std::string path = KeptPath();
-    std::wstring problem;
-    auto scan = FileExists(path) ? LoadScan(path, problem) : std::nullopt;
-    if (!scan) return;  // it may be read later
-    if (MessageBoxW(state_.window, Text(IDS_ASK_KEPT).c_str(), Text(IDS_TITLE).c_str(),
-                    MB_YESNO | MB_ICONQUESTION) == IDYES) {
+    for (int number = 1; number <= kMostKept; ++number) {
+        keptPath_ = KeptPath(number);
+        std::wstring problem;
+        auto scan = LoadScan(keptPath_, problem);
+        kept_ = HoldFile(keptPath_, OPEN_EXISTING);  // so that no other window offers it
+        if (!scan || !kept_) continue;               // it may be read later
+        const int answer = MessageBoxW(state_.window, Text(IDS_ASK_KEPT).c_str(),
+                                       Text(IDS_TITLE).c_str(), MB_YESNO | MB_ICONQUESTION);
+        if (answer == IDNO) ForgetKept();
+        if (answer != IDYES) continue;
         state_.session.SetScan(std::move(*scan));
         state_.session.SetSaved(false);
-        state_.showRows();
+        return state_.showRows();
     }
-    DeleteFileW(ToWide(path).c_str());
+    kept_.Reset();
+}
+
+void ScanCommands::ForgetKept() {
+    if (!kept_) return;
+    kept_.Reset();
+    DeleteFileW(SystemPath(keptPath_).c_str());
 }
 
 }  // namespace vndiscover::host

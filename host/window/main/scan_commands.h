@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "platform/owned.h"
 #include "window/main/device_columns.h"
 #include "window/main/window_state.h"
 #include "window/pages/table_window.h"
@@ -43,9 +44,11 @@ class ScanCommands {
     bool MayDrop();
 
     // For the end of the user's session: an unsaved scan is kept in a file of the user's, without
-    // any dialog. The next start offers it once.
+    // any dialog. The next start offers it. If the user wants it, its file stays until the scan is
+    // saved or dropped.
     void SaveForNextStart();
     void OfferSaved();
+    void ForgetKept();
 
   private:
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
@@ -57,6 +60,8 @@ class ScanCommands {
     WindowState& state_;
     const DeviceColumns& columns_;
     std::string table_;  // to be saved
+    OwnedFile kept_;     // of the list; empty: it is of none
+    std::string keptPath_;
 };
 
 }  // namespace vndiscover::host

@@ -1,5 +1,6 @@
 #include "window/main/searches.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/wide_text.h"
@@ -24,7 +25,8 @@ bool Searches::FetchUser() {
         PostMessageW(state_.window, WM_CLOSE, 0, 0);
         return state_.ReportProblem(Text(IDS_NO_PROFILE, {profile}));
     }
-    AskCredentials(state_.window, state_.credentials, Text(IDS_SNMP_WHY));
+    AskCredentials(state_.window, state_.credentials,
+                   Text(profile.empty() ? IDS_SNMP_WHY : IDS_NO_PROFILE, {profile}));
     if (state_.credentials.security) return true;
     state_.progress.SetNote(Text(IDS_NO_USER));
     return false;
@@ -94,8 +96,9 @@ void Searches::EndStartSearch() {
     const std::string& csv = state_.options.csvPath;
     bool isLost = !path.empty() && !scans_.SaveTo(path);
     isLost |= !csv.empty() && !scans_.SaveCsvTo(csv);
-    state_.exitCode = state_.progress.Answers() == 0 || isLost ? kNone : kFound;
-    if (!problem_.empty()) state_.exitCode = kFailed;
+    const bool isNone = state_.progress.Answers() == 0 || isLost;
+    const int code = !problem_.empty() ? kFailed : isNone ? kNone : kFound;
+    state_.exitCode = std::max(state_.exitCode, code);  // an exception may have been before
 }
 
 bool Searches::WillSave() const {

@@ -10,7 +10,7 @@ namespace vndiscover::host {
 
 bool WindowState::ReportProblem(const std::wstring& text) {
     progress.SetNote(text);
-    ShowProblem(window, text, options.exit);
+    if (options.exit || !isSessionEnding) ShowProblem(window, text, options.exit);
     return false;
 }
 

@@ -38,6 +38,7 @@ struct WindowState {
     std::function<void()> handleResults;  // of the workers, that are waiting
     HWND window = nullptr;
     int exitCode = kFound;
+    bool isSessionEnding = false;  // nothing may wait for the user
     std::wstring file;  // "monday.json, scan of 23 November 09:12"; empty: the list is of no file
     Session session;
     ChangeLog changes;

@@ -203,7 +203,8 @@ std::optional<Profile> ReadProfile(const std::wstring& name) {
 SaveResult SaveProfile(const std::wstring& name, const Security& security) {
     if (!HasKey(name)) return SaveResult::kNotWritten;
     const auto former = ReadProfile(name);
-    if (HasValue(name) && !(former && former->isOpen)) return SaveResult::kLeftAlone;
+    if (!name.empty() && HasValue(name) && !(former && former->isOpen))
+        return SaveResult::kLeftAlone;
     Bytes bytes = ClearPart(security);
     const Bytes sealed = Seal({security.authPassword.Get(), security.privPassword.Get()}, bytes);
     if (sealed.empty()) return SaveResult::kNotSealed;
@@ -215,11 +216,11 @@ bool DeleteProfile(const std::wstring& name) {
     return HasKey(name) && RegDeleteKeyW(HKEY_CURRENT_USER, KeyOf(name).c_str()) == ERROR_SUCCESS;
 }
 
-std::wstring KeptCommunities() {
+std::optional<std::wstring> KeptCommunities() {
     const auto sealed = ReadValue(kBrowserKey, kCommunitiesValue);
     Secret text;
-    const bool isOpen = sealed && Open(sealed->data(), sealed->size(), {}, {&text});
-    return isOpen ? text.Get() : L"";
+    if (sealed && !Open(sealed->data(), sealed->size(), {}, {&text})) return std::nullopt;
+    return text.Get();
 }
 
 SaveResult KeepCommunities(const std::wstring& text) {

@@ -32,15 +32,16 @@ enum class SaveResult {
     kSaved,
     kNotSealed,   // nothing was written: passwords are never saved in the clear
     kNotWritten,  // the registry refused; an existing profile of that name is unchanged
-    kLeftAlone,   // the existing profile cannot be opened, so it was not replaced
+    kLeftAlone,   // the existing profile of that name cannot be opened, so it was not replaced
 };
 SaveResult SaveProfile(const std::wstring& name, const Security& security);
 
 // Returns true if it no longer exists.
 bool DeleteProfile(const std::wstring& name);
 
-// The communities as they were typed. Empty: none are kept, or they cannot be decrypted.
-std::wstring KeptCommunities();
+// The communities as they were typed; an empty text if none are kept. Returns nothing if they
+// cannot be decrypted.
+std::optional<std::wstring> KeptCommunities();
 // An empty text removes them.
 SaveResult KeepCommunities(const std::wstring& text);
 

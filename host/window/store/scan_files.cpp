@@ -8,6 +8,7 @@
 #include "platform/com.h"
 #include "platform/error_text.h"
 #include "platform/saved_file.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -20,9 +21,12 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
     const HRESULT made =
         CoCreateInstance(isForSaving ? CLSID_FileSaveDialog : CLSID_FileOpenDialog, nullptr,
                          CLSCTX_INPROC_SERVER, IID_IFileDialog, Receive(dialog));
-    if (FAILED(made)) throw std::runtime_error(ErrorText(static_cast<DWORD>(made)));
-    IFileDialog& asking = *dialog.Get();
     const std::wstring name = Text(kind), pattern = std::wstring(L"*.") + extension;
+    if (FAILED(made)) {
+        const std::wstring error = ToWide(ErrorText(static_cast<DWORD>(made)));
+        throw std::runtime_error(ToUtf8(Text(IDS_NO_FILE_DIALOG, {name, error})));
+    }
+    IFileDialog& asking = *dialog.Get();
     const COMDLG_FILTERSPEC type = {name.c_str(), pattern.c_str()};
     FILEOPENDIALOGOPTIONS options = 0;
     asking.GetOptions(&options);
@@ -47,16 +51,22 @@ std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {
     return scan;
 }
 
-std::string KeptPath() {
-    const wchar_t* folder = _wgetenv(L"LOCALAPPDATA");
-    return ToUtf8(std::wstring(folder ? folder : L".") + L"\\VnBrowser unsaved.json");
+std::string KeptPath(int number) {
+    const std::string folder = ToUtf8(Environment(L"LOCALAPPDATA"));
+    return (folder.empty() ? "." : folder) + "\\VnBrowser unsaved " + std::to_string(number) +
+           ".json";
+}
+
+OwnedFile HoldFile(const std::string& path, DWORD disposition) {
+    return OwnedFile(CreateFileW(SystemPath(path).c_str(), GENERIC_READ, 0, nullptr, disposition,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note) {
     std::string reason;
     const auto text = WriteScan(scan, reason);
     if (text) return SaveText(*text, path, note);
-    note = Text(IDS_NOT_SAVED, {ToWide(reason), ToWide(path)});
+    note = Text(IDS_NOT_SAVED, {ToWide("cannot hold it: " + reason), ToWide(path)});
     return false;
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "model/scan/scan.h"
+#include "platform/owned.h"
 
 namespace vndiscover::host {
 
@@ -18,8 +19,12 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
 // Returns nothing, with the reason in `problem`, if the file has no scan of this version.
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);
 
-// Of the scan that a session's end has left unsaved.
-std::string KeptPath();
+// Where scans are kept that the end of the Windows session has left unsaved, each in a file with a
+// number, from 1 on.
+std::string KeptPath(int number);
+constexpr int kMostKept = 50;
+// Opens a file so that nobody else does. Empty if that is not possible.
+OwnedFile HoldFile(const std::string& path, DWORD disposition);
 
 // An existing file is not touched until the new one is complete. Returns false if it was not saved;
 // `note` tells in either case.

@@ -149,6 +149,11 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
         Press(dialog, IDOK);
     });
     EXPECT_EQ("public", next(true));
+    constexpr wchar_t kBrowser[] = L"Software\\Varnell Osk\\VnBrowser";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kBrowser, L"Communities", REG_BINARY, "x", 1);
+    EXPECT_EQ("admin:public", next(false));
+    EXPECT_EQ(Text(IDS_COMMUNITIES_CLOSED), TextOf(Control(IDC_STATUS)));
+    KeepCommunities(L"hidden");
     EXPECT_EQ("admin:hidden", next(false));
     EXPECT_EQ(kPassword, window_->state.credentials.security->authPassword.Get());
     PlayDialog([](HWND dialog) {
@@ -238,6 +243,13 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         EXPECT_EQ(2 * column, ListView_GetColumnWidth(columns, 0));
         EXPECT_EQ(2 * font, FontHeight(columns));
         EXPECT_EQ(2 * other, FontHeight(control));
+        // Back at the first screen, also in a place that is smaller than it could be made there.
+        RECT small = {0, 0, width - 1, height - 1};
+        for (const int dpi : {120, 144, 96})
+            SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi),
+                         reinterpret_cast<LPARAM>(&small));
+        EXPECT_EQ(small.right, PlaceOf(dialog).right);
+        EXPECT_EQ(font, FontHeight(columns));
         DestroyWindow(dialog);
         for (const bool isSameDpi : {false, true}) {  // opened again, with rows as high as before
             Command(command);
@@ -344,6 +356,20 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
         Press(dialog, IDCANCEL);
     });
     EXPECT_TRUE(ProfileNames().empty());
+}
+
+// One without a name could neither be deleted nor be left by choosing another name.
+TEST_F(Dialogs, UserWithoutANameIsReplacedIfItCannotBeOpened) {
+    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
+    constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
+    Open();
+    PlayDialog([](HWND dialog) {
+        EXPECT_EQ(Text(IDS_USER_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
+        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+        Press(dialog, IDOK);
+    });
+    EXPECT_TRUE(ReadProfile(L"")->isOpen);
 }
 
 TEST_F(Dialogs, ScriptsAreNotAskedForAProfile) {

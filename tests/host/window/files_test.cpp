@@ -4,6 +4,22 @@
 #include "platform/saved_file.h"
 #include "scripted_window.h"
 
+namespace {
+
+bool hasTaskDialog = true;
+
+HRESULT WINAPI AskOrFail(const TASKDIALOGCONFIG* dialog, int* answer, int*, BOOL*) {
+    using Ask = decltype(&AskOrFail);
+    const auto ask = reinterpret_cast<Ask>(
+        reinterpret_cast<void*>(GetProcAddress(LoadLibraryW(L"comctl32"), "TaskDialogIndirect")));
+    return hasTaskDialog ? ask(dialog, answer, nullptr, nullptr) : E_OUTOFMEMORY;
+}
+
+}  // namespace
+
+// Replaces the function of the import library.
+extern "C" void* const __imp_TaskDialogIndirect = reinterpret_cast<void*>(&AskOrFail);
+
 namespace vndiscover::host {
 namespace {
 
@@ -54,7 +70,7 @@ TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
     }
     EXPECT_EQ(0u, Answer({IDOK}, [&] {
                       window_->scans.OpenFrom(path_ + "x");
-                  }).find(path_ + "x could not be opened: "));
+                  }).find("Not opened: " + path_ + "x cannot be read (no such file"));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
     EXPECT_TRUE(window_->scans.SaveTo(path_));
     EXPECT_NE(std::string::npos, FileText().find("10.77.1.9"));
@@ -123,6 +139,10 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     const auto close = [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); };
     Answer({IDCANCEL}, clear);
     Answer({IDYES, IDCANCEL}, close);  // without a file
+    hasTaskDialog = false;
+    const std::string asked = Answer({IDCANCEL}, close);
+    hasTaskDialog = true;
+    EXPECT_NE(std::string::npos, asked.find("\n\nSave / Don't save / Cancel")) << asked;
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
     Command(IDC_FIND);
     for (const int id : {IDM_CLEAR, IDM_OPEN})
@@ -159,8 +179,12 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0, window_->Run());
     EXPECT_NE(std::string::npos, FileText().find("VN InkLine 71"));
-    // A second file is asked for if that one cannot be written.
+    // A second file is asked for if that one cannot be written, but not while the session ends.
     options.savePath = path_ + "\\none";
+    Open(options);
+    engine_.Say("10.77.1.9", "VN InkLine 72");
+    ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    Answer({}, [&] { SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0); });
     Open(options);
     engine_.Say("10.77.1.9", "VN InkLine 72");
     ASSERT_TRUE(Shows(L"10.77.1.9;"));
@@ -256,7 +280,7 @@ TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
         bool isDone = true;
         const std::string told = Answer({IDOK}, [&] { isDone = (window_->scans.*method)(path_); });
         EXPECT_FALSE(isDone);
-        EXPECT_EQ(0u, told.find(path_ + " could not be saved: cannot be written")) << told;
+        EXPECT_EQ(0u, told.find("Not saved: " + path_ + " cannot be written")) << told;
         EXPECT_EQ("old", FileText());
     }
     RemoveDirectoryW(obstacle.c_str());
@@ -265,15 +289,27 @@ TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
 TEST_F(Files, UnsavedScanOutlivesTheSession) {
     const std::wstring former = _wgetenv(L"LOCALAPPDATA") ? _wgetenv(L"LOCALAPPDATA") : L"";
     _wputenv_s(L"LOCALAPPDATA", ToWide(path_.substr(0, path_.find_last_of("\\/"))).c_str());
+    const auto end = [&](LPARAM how) { SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, how); };
     OpenWithDevices();
     EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
-    SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
-    for (const int answer : {IDYES, IDNO}) {
+    end(0);
+    end(0);  // as a second window would at the same time
+    Open();
+    const std::string asked =
+        Answer({IDNO, IDYES}, [&] { window_->scans.OfferSaved(); });  // one is enough
+    EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
+    EXPECT_NE(std::wstring::npos, Addresses().find(L"10.77.1.11;"));
+    {  // It is another window's until that has saved it.
+        MainWindow other(engine_, {});
+        other.scans.OfferSaved();
+    }
+    end(ENDSESSION_CLOSEAPP);  // it is still in no file
+    MSG quit = {};
+    EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+    for (const bool isSaved : {false, true}) {
         Open();
-        const std::string asked = Answer({answer}, [&] { window_->scans.OfferSaved(); });
-        EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
-        EXPECT_EQ(answer == IDYES, Addresses().find(L"10.77.1.11;") != std::wstring::npos);
-        SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);  // it is still in no file
+        Answer({IDYES}, [&] { window_->scans.OfferSaved(); });
+        EXPECT_TRUE(!isSaved || window_->scans.SaveTo(path_));
     }
     Open();
     window_->scans.OfferSaved();  // asks no more

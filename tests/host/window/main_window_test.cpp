@@ -55,14 +55,24 @@ TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
     EXPECT_EQ(2, window_->Run());
 }
 
-// Not even its own texts can be made. The window goes on afterwards.
+// Not even its own texts can be made. The window goes on afterwards, a script ends.
 TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
+    const TextChange fail = [](std::wstring) -> std::wstring { throw std::bad_alloc(); };
     Open();
-    SetTextChange([](std::wstring) -> std::wstring { throw std::bad_alloc(); });
+    SetTextChange(fail);
     EXPECT_EQ("out of memory", Answer({IDOK}, [&] { Command(IDM_DOCTOR); }));
+    MSG enter = {Control(IDC_DEVICES), WM_KEYDOWN, VK_RETURN, 0, 0, {}};
+    EXPECT_EQ("out of memory", Answer({IDOK}, [&] { window_->Dispatch(enter); }));
     SetTextChange(nullptr);
     Command(IDM_DOCTOR);
     EXPECT_TRUE(Until([&] { return PopupOf(window_->Handle()) != nullptr; }));
+    StartOptions options;
+    options.sweep = options.exit = true;
+    Open(options);
+    SetTextChange(fail);
+    PostMessageW(window_->Handle(), WM_COMMAND, IDM_DOCTOR, 0);
+    EXPECT_EQ(2, window_->Run());
+    SetTextChange(nullptr);
 }
 
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
@@ -375,6 +385,40 @@ TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
     EXPECT_EQ(0u, page.find("Windows cannot open http://10.77.1.1/")) << page;
     const std::string help = Answer({IDOK}, [&] { Command(IDM_HELP); });
     EXPECT_NE(std::string::npos, help.find("\\docs\\vnbrowser.md")) << help;
+}
+
+// Also the bar in the status line, and those of dialogs.
+TEST_F(MainWindowTest, ControlsHearOfNewColours) {
+    Open();
+    Command(IDM_CALLS);
+    int heard = 0;
+    const auto hear = [](HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                         DWORD_PTR count) -> LRESULT {
+        if (message == WM_SYSCOLORCHANGE) ++*reinterpret_cast<int*>(count);
+        return DefSubclassProc(control, message, wParam, lParam);
+    };
+    const HWND dialog = PopupOf(window_->Handle());
+    for (const HWND control :
+         {GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR), GetDlgItem(dialog, IDC_CALLS)})
+        SetWindowSubclass(control, hear, 1, reinterpret_cast<DWORD_PTR>(&heard));
+    for (const HWND window : {window_->Handle(), dialog})
+        SendMessageW(window, WM_SYSCOLORCHANGE, 0, 0);
+    EXPECT_EQ(2, heard);
+    window_.reset();
+}
+
+// Although no worker has said yet that it is reading.
+TEST_F(MainWindowTest, SelectedDeviceIsAskedOnce) {
+    OpenWith({{"10.77.1.1", "x"}});
+    engine_.isHeld = true;
+    for (const int row : {0, -1, 0}) {
+        ListView_SetItemState(Control(IDC_DEVICES), row, row < 0 ? 0 : LVIS_SELECTED,
+                              LVIS_SELECTED);
+        for (int wait = 0; wait < 1000 && engine_.reads == 0; ++wait) Sleep(10);
+    }
+    engine_.isHeld = false;
+    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
+    EXPECT_EQ(1, engine_.reads);
 }
 
 TEST_F(MainWindowTest, AboutNamesTheVersions) {

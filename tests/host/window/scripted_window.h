@@ -326,6 +326,7 @@ class MainWindowTest : public testing::Test {
                 const HWND box = next();
                 EXPECT_TRUE(box) << "none is shown for " << button;
                 if (!box) return;
+                EXPECT_TRUE(IsWindowVisible(owner));
                 // A window with a dialog cannot be closed, whose caller goes on with it.
                 SendMessageW(owner, WM_CLOSE, 0, 0);
                 text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
