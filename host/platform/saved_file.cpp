@@ -44,9 +44,10 @@ bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
     if (ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                      nullptr, nullptr))
         return true;
-    return IsOneOf(GetLastError(), {ERROR_FILE_NOT_FOUND, ERROR_UNABLE_TO_MOVE_REPLACEMENT,
-                                    ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, ERROR_INVALID_FUNCTION,
-                                    ERROR_NOT_SUPPORTED, ERROR_INVALID_PARAMETER}) &&
+    return IsOneOf(GetLastError(),
+                   {ERROR_FILE_NOT_FOUND, ERROR_UNABLE_TO_MOVE_REPLACEMENT,
+                    ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, ERROR_INVALID_FUNCTION, ERROR_NOT_SUPPORTED,
+                    ERROR_INVALID_PARAMETER, ERROR_DIRECTORY}) &&  // Wine, of a path of Unix
            MoveFileExW(temporary.c_str(), path.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
