@@ -64,9 +64,8 @@ Agent::Agent(const char* group, uint16_t port, const char* interfaceAddress, Ans
     inet_pton(AF_INET, interfaceAddress, &membership.imr_interface);
     error_ = socket_.Set(SOL_SOCKET, SO_REUSEADDR, &shares, sizeof shares);
     if (error_ == 0) error_ = socket_.Bind("0.0.0.0", port);
-    if (error_ == 0) {
+    if (error_ == 0)
         error_ = socket_.Set(IPPROTO_IP, IP_ADD_MEMBERSHIP, &membership, sizeof membership);
-    }
     if (error_ == 0) thread_ = std::thread([this] { Serve(); });
 }
 

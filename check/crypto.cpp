@@ -1,9 +1,5 @@
 #include "check/crypto.h"
 
-#include "check/windows_headers.h"
-
-#include <wincrypt.h>
-
 #include <array>
 #include <cstddef>
 #include <cstring>
@@ -74,43 +70,32 @@ HCRYPTPROV Provider() {
     return provider;
 }
 
-ALG_ID AlgorithmOf(Digest digest) {
-    switch (digest) {
-        case Digest::kMd5:
-            return CALG_MD5;
-        case Digest::kSha1:
-            return CALG_SHA1;
-        case Digest::kSha256:
-            return CALG_SHA_256;
-        case Digest::kSha384:
-            return CALG_SHA_384;
-        default:
-            return CALG_SHA_512;
-    }
-}
+// In the order of Digest.
+constexpr ALG_ID kAlgorithms[] = {0,           CALG_MD5, CALG_SHA1, 0, CALG_SHA_256, CALG_SHA_384,
+                                  CALG_SHA_512};
 
-HCRYPTKEY PlainKey(ALG_ID algorithm, const Bytes& key) {
+}  // namespace
+
+HCRYPTKEY PlainKey(HCRYPTPROV provider, ALG_ID algorithm, const Bytes& key, DWORD flags) {
     struct Blob {
         BLOBHEADER header;
         DWORD size;
-        BYTE key[16];
+        BYTE key[64];
     } blob = {{PLAINTEXTKEYBLOB, CUR_BLOB_VERSION, 0, algorithm}, DWORD(key.size()), {}};
     if (key.size() > sizeof blob.key) return 0;
     std::memcpy(blob.key, key.data(), key.size());
-    HCRYPTKEY imported = 0;
     const DWORD size = DWORD(offsetof(Blob, key) + key.size());
-    CryptImportKey(Provider(), reinterpret_cast<const BYTE*>(&blob), size, 0, 0, &imported);
+    HCRYPTKEY imported = 0;
+    CryptImportKey(provider, reinterpret_cast<const BYTE*>(&blob), size, 0, flags, &imported);
     return imported;
 }
-
-}  // namespace
 
 Bytes HashOf(Digest digest, const Bytes& message) {
     if (digest == Digest::kSha224) return Sha224(message);
     HCRYPTHASH hash = 0;
     Bytes value(64);
     DWORD size = DWORD(value.size());
-    if (!CryptCreateHash(Provider(), AlgorithmOf(digest), 0, 0, &hash)) return {};
+    if (!CryptCreateHash(Provider(), kAlgorithms[size_t(digest)], 0, 0, &hash)) return {};
     const bool done = CryptHashData(hash, message.data(), DWORD(message.size()), 0) &&
                       CryptGetHashParam(hash, HP_HASHVAL, value.data(), &size, 0);
     CryptDestroyHash(hash);
@@ -137,7 +122,7 @@ Bytes LocalisedKey(Digest digest, const std::string& password, const Bytes& engi
 }
 
 Bytes DesCbc(const Bytes& key, const Bytes& iv, Bytes input, bool encrypts) {
-    const HCRYPTKEY imported = PlainKey(CALG_DES, key);
+    const HCRYPTKEY imported = PlainKey(Provider(), CALG_DES, key, 0);
     DWORD length = DWORD(input.size());
     const bool done = imported && CryptSetKeyParam(imported, KP_IV, iv.data(), 0) &&
                       (encrypts ? CryptEncrypt(imported, 0, FALSE, 0, input.data(), &length, length)
@@ -147,7 +132,7 @@ Bytes DesCbc(const Bytes& key, const Bytes& iv, Bytes input, bool encrypts) {
 }
 
 Bytes AesCfb(const Bytes& key, const Bytes& iv, const Bytes& input, bool encrypts) {
-    const HCRYPTKEY imported = PlainKey(CALG_AES_128, key);
+    const HCRYPTKEY imported = PlainKey(Provider(), CALG_AES_128, key, 0);
     DWORD mode = CRYPT_MODE_ECB;
     if (!imported) return {};
     CryptSetKeyParam(imported, KP_MODE, reinterpret_cast<const BYTE*>(&mode), 0);

@@ -2,6 +2,10 @@
 // calls than the module's; SHA-224, which it lacks, is implemented here.
 #pragma once
 
+#include "check/windows_headers.h"
+
+#include <wincrypt.h>
+
 #include "check/ber.h"
 
 namespace check {
@@ -13,6 +17,8 @@ Bytes HmacOf(Digest digest, Bytes key, const Bytes& message);
 // RFC 3414, A.2: a password's key for one engine.
 Bytes LocalisedKey(Digest digest, const std::string& password, const Bytes& engineId);
 
+// 0 if it cannot be imported.
+HCRYPTKEY PlainKey(HCRYPTPROV provider, ALG_ID algorithm, const Bytes& key, DWORD flags);
 Bytes DesCbc(const Bytes& key, const Bytes& iv, Bytes input, bool encrypts);
 Bytes AesCfb(const Bytes& key, const Bytes& iv, const Bytes& input, bool encrypts);
 

@@ -4,12 +4,9 @@
 
 #include <bcrypt.h>
 
-#include <wincrypt.h>
-
-#include <cstddef>
 #include <cstring>
 
-#include "check/ber.h"
+#include "check/crypto.h"
 #include "check/rows.h"
 
 namespace check {
@@ -40,19 +37,6 @@ struct Provider {
     Provider(const Provider&) = delete;
     Provider& operator=(const Provider&) = delete;
 };
-
-HCRYPTKEY PlainKey(HCRYPTPROV provider, ALG_ID algorithm, const Bytes& key, DWORD flags) {
-    struct Blob {
-        BLOBHEADER header;
-        DWORD size;
-        BYTE key[64];
-    } blob = {{PLAINTEXTKEYBLOB, CUR_BLOB_VERSION, 0, algorithm}, DWORD(key.size()), {}};
-    std::memcpy(blob.key, key.data(), key.size());
-    const DWORD size = DWORD(offsetof(Blob, key) + key.size());
-    HCRYPTKEY imported = 0;
-    CryptImportKey(provider, reinterpret_cast<const BYTE*>(&blob), size, 0, flags, &imported);
-    return imported;
-}
 
 const Bytes kDesKey = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF};
 

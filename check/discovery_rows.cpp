@@ -21,9 +21,8 @@ std::string Told(const ResultWindow& window) {
     return text;
 }
 
-void Sweep(const Module& module, ResultWindow& window) {
-    module.DiscoverSoap(window.Handle(), ResultWindow::kMessage, 1000, kProbe,
-                        int32_t(sizeof kProbe - 1));
+void Sweep(const Module& module, HWND window) {
+    module.DiscoverSoap(window, ResultWindow::kMessage, 1000, kProbe, int32_t(sizeof kProbe - 1));
 }
 
 }  // namespace
@@ -49,7 +48,7 @@ void DiscoveryRows(Report& report, Module& module) {
         return;
     }
     ResultWindow window;
-    Sweep(module, window);
+    Sweep(module, window.Handle());
     report.Add("the probe that a responder on the loopback's interface hears", kProbe, heard);
     report.Add(name, expected, Told(window));
 }
@@ -64,12 +63,8 @@ void NetworkRows(Report& report, const Module& module) {
     };
     const char* const final = "ends with the final message";
     // The module runs it beside an SNMP sweep.
-    auto wsd = std::async(std::launch::async, [&] {
-        return endOf([&](HWND window) {
-            module.DiscoverSoap(window, ResultWindow::kMessage, 1000, kProbe,
-                                int32_t(sizeof kProbe - 1));
-        });
-    });
+    auto wsd = std::async(std::launch::async,
+                          [&] { return endOf([&](HWND window) { Sweep(module, window); }); });
     report.Add("SNMPv1, IPv4", final, endOf([&](HWND window) {
                    module.DiscoverSnmp(window, ResultWindow::kMessage, 0, 0, nullptr, nullptr);
                }));

@@ -48,13 +48,9 @@ std::vector<Adapter> Adapters() {
 
 void NameRow(Report& report, const std::vector<Adapter>& adapters) {
     const char* const name = "adapter names of GetAdaptersInfo in GetAdaptersAddresses";
-    std::vector<char> list(15000);
-    ULONG size = ULONG(list.size()), error = ERROR_BUFFER_OVERFLOW;
-    for (int calls = 0; calls < 3 && error == ERROR_BUFFER_OVERFLOW;
-         ++calls, list.resize(std::max<size_t>(size, list.size()))) {
-        error = GetAdaptersAddresses(AF_UNSPEC, 0, nullptr,
-                                     reinterpret_cast<IP_ADAPTER_ADDRESSES*>(list.data()), &size);
-    }
+    ULONG error = 0;
+    int calls = 0;
+    const AddressList list = ListAddresses(AF_UNSPEC, 0, error, calls);
     std::set<std::string> names;
     const auto* adapter =
         error == 0 ? reinterpret_cast<const IP_ADAPTER_ADDRESSES*>(list.data()) : nullptr;

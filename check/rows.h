@@ -30,6 +30,10 @@ void LoadingRows(Report& report, Module& used);
 // Sends into every network of this computer.
 void NetworkRows(Report& report, const Module& module);
 
+// The adapter list, read like the module reads it, in so many calls; empty on failure.
+using AddressList = std::vector<char>;
+AddressList ListAddresses(ULONG family, ULONG flags, ULONG& error, int& calls);
+
 inline std::string Number(int64_t number) { return std::to_string(number); }
 
 }  // namespace check

@@ -90,21 +90,6 @@ void OptionRows(Report& report) {
     row("IPV6_MULTICAST_HOPS as one byte", IPV6_MULTICAST_HOPS, 8);
 }
 
-using AddressList = std::vector<char>;
-
-// The adapter list, read like the module reads it; empty on failure.
-AddressList ListAddresses(ULONG& error, int& calls) {
-    AddressList list(15000);
-    error = ERROR_BUFFER_OVERFLOW;
-    for (calls = 0; calls < 3 && error == ERROR_BUFFER_OVERFLOW; ++calls) {
-        ULONG size = ULONG(list.size());
-        error = GetAdaptersAddresses(AF_INET6, GAA_FLAG_INCLUDE_PREFIX, nullptr,
-                                     reinterpret_cast<IP_ADAPTER_ADDRESSES*>(list.data()), &size);
-        if (error == ERROR_BUFFER_OVERFLOW) list.resize(size);
-    }
-    return error == 0 ? list : AddressList();
-}
-
 // The link-local addresses of adapters that are up.
 std::vector<sockaddr_in6> LinkLocals(const AddressList& list) {
     std::vector<sockaddr_in6> found;
@@ -209,6 +194,18 @@ void LinkLocalRows(Report& report, const AddressList& list, bool mayUseNetwork) 
 
 }  // namespace
 
+AddressList ListAddresses(ULONG family, ULONG flags, ULONG& error, int& calls) {
+    AddressList list(15000);
+    error = ERROR_BUFFER_OVERFLOW;
+    for (calls = 0; calls < 3 && error == ERROR_BUFFER_OVERFLOW; ++calls) {
+        ULONG size = ULONG(list.size());
+        error = GetAdaptersAddresses(family, flags, nullptr,
+                                     reinterpret_cast<IP_ADAPTER_ADDRESSES*>(list.data()), &size);
+        if (error == ERROR_BUFFER_OVERFLOW) list.resize(size);
+    }
+    return error == 0 ? list : AddressList();
+}
+
 void SocketRows(Report& report, bool mayUseNetwork) {
     report.Section("Sockets and adapters");
     ReceiveErrorRows(report);
@@ -216,7 +213,7 @@ void SocketRows(Report& report, bool mayUseNetwork) {
     OptionRows(report);
     ULONG error;
     int calls;
-    const AddressList list = ListAddresses(error, calls);
+    const AddressList list = ListAddresses(AF_INET6, GAA_FLAG_INCLUDE_PREFIX, error, calls);
     AdapterRows(report, list, error, calls);
     LinkLocalRows(report, list, mayUseNetwork);
 }

@@ -9,6 +9,7 @@
 #include "cli/commands.h"
 #include "device/ask_process.h"
 #include "platform/console.h"
+#include "platform/error_text.h"
 #include "platform/this_process.h"
 
 namespace {
@@ -114,11 +115,8 @@ int main() {
         if (problem.empty()) return exitCode;
         Warn("the output is incomplete" + problem);
         return std::max<int>(exitCode, vndiscover::host::kNone);
-    } catch (const std::bad_alloc&) {
-        Warn("out of memory");
-        return vndiscover::host::kNone;
-    } catch (const std::exception& error) {
-        Warn(error.what());
+    } catch (...) {
+        Warn(vndiscover::host::ExceptionText());
         return vndiscover::host::kNone;
     }
 }

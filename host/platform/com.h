@@ -26,16 +26,16 @@ void** Receive(Object& object) {
 class Apartment {
   public:
     Apartment()
-        : owned_(SUCCEEDED(
+        : isOpen_(SUCCEEDED(
               CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE))) {}
+    ~Apartment() {
+        if (isOpen_) CoUninitialize();
+    }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
 
   private:
-    struct Traits {
-        using Value = bool;  // false: the thread's other kind of apartment is as good
-        static Value Empty() noexcept { return false; }
-        static void Close(Value) noexcept { CoUninitialize(); }
-    };
-    Owned<Traits> owned_;
+    bool isOpen_;  // false: the thread's other kind of apartment is as good
 };
 
 }  // namespace vndiscover::host

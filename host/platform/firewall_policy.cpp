@@ -15,15 +15,6 @@
 namespace vndiscover::host {
 namespace {
 
-// Defined here, since not every toolchain has them in a library.
-constexpr CLSID kPolicyClass = {
-    0xE2B3C97F, 0x6AE1, 0x41AC, {0x81, 0x7A, 0xF6, 0xF9, 0x21, 0x66, 0xD7, 0xDD}};
-constexpr IID kPolicyId = {
-    0x98325047, 0xC671, 0x4174, {0x8D, 0x81, 0xDE, 0xFC, 0xD3, 0xF0, 0x31, 0x86}};
-constexpr IID kRuleId = {
-    0xAF230D27, 0xBABA, 0x4E42, {0xAC, 0xED, 0xF5, 0x24, 0xF2, 0x2C, 0xFC, 0xE2}};
-constexpr IID kEnumVariantId = {
-    0x00020404, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 constexpr IID kNoId = {};  // IID_NULL
 constexpr LONG kAnyProtocol = 256;
 constexpr LONG kUdp = 17;
@@ -114,7 +105,7 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
     OwnedObject<IEnumVARIANT> each;
     if (FAILED(policy.get_Rules(rules.Receive())) || !rules ||
         FAILED(rules.Get()->get__NewEnum(unknown.Receive())) || !unknown ||
-        FAILED(unknown.Get()->QueryInterface(kEnumVariantId, Receive(each)))) {
+        FAILED(unknown.Get()->QueryInterface(__uuidof(IEnumVARIANT), Receive(each)))) {
         return false;
     }
     const std::string ownPath = OwnPath();
@@ -122,7 +113,7 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
     for (; each.Get()->Next(1, &item, nullptr) == S_OK; VariantClear(&item)) {
         OwnedObject<INetFwRule> rule;
         if (item.vt == VT_DISPATCH && item.pdispVal &&
-            SUCCEEDED(item.pdispVal->QueryInterface(kRuleId, Receive(rule))))
+            SUCCEEDED(item.pdispVal->QueryInterface(__uuidof(INetFwRule), Receive(rule))))
             AddRule(state, *rule.Get(), *item.pdispVal, ownPath);
     }
     return true;
@@ -148,8 +139,8 @@ bool ReadProfile(FirewallState& state, INetFwPolicy2& policy, uint32_t bit) {
 bool ReadState(FirewallState& state) {
     OwnedObject<INetFwPolicy2> policy;
     LONG profiles = 0;
-    if (FAILED(CoCreateInstance(kPolicyClass, nullptr, CLSCTX_INPROC_SERVER, kPolicyId,
-                                Receive(policy))) ||
+    if (FAILED(CoCreateInstance(__uuidof(NetFwPolicy2), nullptr, CLSCTX_INPROC_SERVER,
+                                __uuidof(INetFwPolicy2), Receive(policy))) ||
         !policy || FAILED(policy.Get()->get_CurrentProfileTypes(&profiles))) {
         return false;
     }

@@ -24,13 +24,10 @@ void Attach(HWND window, T* object) {
 inline void TellControls(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_SYSCOLORCHANGE && message != WM_SETTINGCHANGE && message != WM_THEMECHANGED)
         return;
-    const MSG news = {window, message, wParam, lParam, 0, {}};
-    const auto tell = [](HWND control, LPARAM told) -> BOOL {
-        const MSG& it = *reinterpret_cast<const MSG*>(told);
-        SendMessageW(control, it.message, it.wParam, it.lParam);
-        return TRUE;
-    };
-    EnumChildWindows(window, tell, reinterpret_cast<LPARAM>(&news));
+    for (HWND each = GetWindow(window, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT)) {
+        SendMessageW(each, message, wParam, lParam);
+        TellControls(each, message, wParam, lParam);
+    }
 }
 
 template <class T>

@@ -24,7 +24,6 @@ constexpr ULONG kFirstListBytes = 15000;
 constexpr int kListAttempts = 3;
 constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
 
-// By its full path: an ordinary import could pick up a file of that name beside the program.
 OwnedModule LoadIpHelper() {
     const std::wstring path = SystemFile(L"IPHLPAPI.DLL");
     return OwnedModule(path.empty() ? nullptr : LoadLibraryW(path.c_str()));

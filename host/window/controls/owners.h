@@ -20,40 +20,30 @@ using OwnedLock = Owned<ClosedBy<HGLOBAL, GlobalUnlock>>;  // of such memory
 using OwnedMemoryDc = Owned<ClosedBy<HDC, DeleteDC>>;
 
 // A device context of a window, or of the screen.
-struct WindowDcTraits {
-    struct Value {
-        HWND window;
-        HDC dc;
-        bool operator!=(const Value& other) const { return dc != other.dc; }
-    };
-    static Value Empty() noexcept { return {nullptr, nullptr}; }
-    static void Close(const Value& value) noexcept { ReleaseDC(value.window, value.dc); }
-};
 class WindowDc {
   public:
-    explicit WindowDc(HWND window) : owned_({window, GetDC(window)}) {}
-    HDC Get() const { return owned_.Get().dc; }
+    explicit WindowDc(HWND window) : window_(window), dc_(GetDC(window)) {}
+    ~WindowDc() { ReleaseDC(window_, dc_); }
+    WindowDc(const WindowDc&) = delete;
+    WindowDc& operator=(const WindowDc&) = delete;
+    HDC Get() const { return dc_; }
 
   private:
-    Owned<WindowDcTraits> owned_;
+    HWND window_;
+    HDC dc_;
 };
 
 // An object that is selected into a device context; the one before returns afterwards.
-struct SelectionTraits {
-    struct Value {
-        HDC dc;
-        HGDIOBJ before;
-        bool operator!=(const Value& other) const { return before != other.before; }
-    };
-    static Value Empty() noexcept { return {nullptr, nullptr}; }
-    static void Close(const Value& value) noexcept { SelectObject(value.dc, value.before); }
-};
 class Selection {
   public:
-    Selection(HDC dc, HGDIOBJ object) : owned_({dc, SelectObject(dc, object)}) {}
+    Selection(HDC dc, HGDIOBJ object) : dc_(dc), before_(SelectObject(dc, object)) {}
+    ~Selection() { SelectObject(dc_, before_); }
+    Selection(const Selection&) = delete;
+    Selection& operator=(const Selection&) = delete;
 
   private:
-    Owned<SelectionTraits> owned_;
+    HDC dc_;
+    HGDIOBJ before_;
 };
 
 // The clipboard, while this program has it open.

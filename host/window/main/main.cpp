@@ -10,7 +10,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <exception>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -32,6 +31,12 @@ namespace {
 constexpr char kExit[] = "--exit";
 constexpr const char* kPresetWords[] = {"printers", "everything", "module"};
 static_assert(std::size(kPresetWords) == kPresetCount);
+
+template <std::string StartOptions::*kField>
+bool Keep(const std::string& value, StartOptions& options) {
+    options.*kField = value;
+    return true;
+}
 
 // Those with a value. The value must be valid.
 constexpr struct ValueOption {
@@ -58,15 +63,8 @@ constexpr struct ValueOption {
                               static_cast<unsigned>(preset - std::begin(kPresetWords));
                           return preset != std::end(kPresetWords);
                       }},
-                     {"--save",
-                      [](const std::string& value, StartOptions& options) {
-                          options.savePath = value;
-                          return true;
-                      }},
-                     {"--csv", [](const std::string& value, StartOptions& options) {
-                          options.csvPath = value;
-                          return true;
-                      }}};
+                     {"--save", Keep<&StartOptions::savePath>},
+                     {"--csv", Keep<&StartOptions::csvPath>}};
 
 // Returns what is wrong; empty: nothing.
 std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& options) {
@@ -127,8 +125,8 @@ int Run() {
         ModuleEngine engine;
         MainWindow window(engine, options);
         return window.Run();
-    } catch (const std::exception& error) {
-        ShowProblem(nullptr, ToWide(error.what()), isScript);
+    } catch (...) {
+        ShowException(nullptr, isScript);
         return kFailed;
     }
 }

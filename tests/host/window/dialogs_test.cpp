@@ -340,6 +340,17 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
         Press(dialog, IDOK);  // uses the known password
     });
     EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
+    // One without a name, which cannot be left by choosing another, is replaced.
+    constexpr wchar_t kNameless[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kNameless, L"User", REG_BINARY, kBroken, sizeof kBroken);
+    SaveLastProfile(L"");
+    Open();
+    PlayDialog([](HWND dialog) {
+        EXPECT_EQ(Text(IDS_USER_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
+        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+        Press(dialog, IDOK);
+    });
+    EXPECT_TRUE(ReadProfile(L"")->isOpen);
 }
 
 // It cannot be read, but it is listed and can be deleted.
@@ -356,20 +367,6 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
         Press(dialog, IDCANCEL);
     });
     EXPECT_TRUE(ProfileNames().empty());
-}
-
-// One without a name could neither be deleted nor be left by choosing another name.
-TEST_F(Dialogs, UserWithoutANameIsReplacedIfItCannotBeOpened) {
-    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
-    constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
-    Open();
-    PlayDialog([](HWND dialog) {
-        EXPECT_EQ(Text(IDS_USER_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
-        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-        Press(dialog, IDOK);
-    });
-    EXPECT_TRUE(ReadProfile(L"")->isOpen);
 }
 
 TEST_F(Dialogs, ScriptsAreNotAskedForAProfile) {

@@ -407,20 +407,6 @@ TEST_F(MainWindowTest, ControlsHearOfNewColours) {
     window_.reset();
 }
 
-// Although no worker has said yet that it is reading.
-TEST_F(MainWindowTest, SelectedDeviceIsAskedOnce) {
-    OpenWith({{"10.77.1.1", "x"}});
-    engine_.isHeld = true;
-    for (const int row : {0, -1, 0}) {
-        ListView_SetItemState(Control(IDC_DEVICES), row, row < 0 ? 0 : LVIS_SELECTED,
-                              LVIS_SELECTED);
-        for (int wait = 0; wait < 1000 && engine_.reads == 0; ++wait) Sleep(10);
-    }
-    engine_.isHeld = false;
-    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
-    EXPECT_EQ(1, engine_.reads);
-}
-
 TEST_F(MainWindowTest, AboutNamesTheVersions) {
     Open();
     const std::string about = Answer({IDOK}, [&] { Command(IDM_ABOUT); });
