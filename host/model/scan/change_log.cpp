@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "values/text.h"
 
 namespace vndiscover::host {

@@ -6,9 +6,9 @@
 #include <map>
 #include <string>
 
-#include "model/scan/device_view.h"
-
 namespace vndiscover::host {
+
+struct DeviceRow;
 
 struct StateChange {
     std::string time;  // UTC, as in ScanAnswer

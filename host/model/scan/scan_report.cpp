@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
 #include "values/value_text.h"

@@ -4,9 +4,10 @@
 
 #include "model/printer/report.h"
 #include "model/scan/compare.h"
-#include "model/scan/device_view.h"
 
 namespace vndiscover::host {
+
+struct DeviceRow;
 
 // `row` is the device's; `gaps` are those of its last reading.
 Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps,

@@ -5,6 +5,7 @@
 
 #include "model/scan/change_log.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/device_view.h"
 #include "model/scan/scan.h"
 #include "model/scan/scan_file.h"
 #include "values/module_types.h"
