@@ -245,7 +245,7 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         EXPECT_EQ(2 * other, FontHeight(control));
         // Back at the first screen, also in a place that is smaller than it could be made there.
         RECT small = {0, 0, width - 1, height - 1};
-        for (const int dpi : {120, 144, 96})
+        for (const int dpi : {97, 110, 96})
             SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi),
                          reinterpret_cast<LPARAM>(&small));
         EXPECT_EQ(small.right, PlaceOf(dialog).right);

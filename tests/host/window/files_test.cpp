@@ -3,6 +3,7 @@
 
 #include "platform/saved_file.h"
 #include "scripted_window.h"
+#include "window/store/scan_files.h"
 
 namespace vndiscover::host {
 namespace {
@@ -282,11 +283,8 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
         Answer({IDNO, IDYES}, [&] { window_->scans.OfferSaved(); });  // one is enough
     EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
     EXPECT_NE(std::wstring::npos, Addresses().find(L"10.77.1.11;"));
-    {  // It is another window's until that has saved it.
-        MainWindow other(engine_, {});
-        other.scans.OfferSaved();
-    }
-    end(ENDSESSION_CLOSEAPP);  // it is still in no file
+    EXPECT_FALSE(HoldFile(KeptPath(2), OPEN_EXISTING));  // it is this window's
+    end(ENDSESSION_CLOSEAPP);                            // it is still in no file
     MSG quit = {};
     EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     for (const bool isSaved : {false, true}) {
@@ -295,7 +293,7 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
         EXPECT_TRUE(!isSaved || window_->scans.SaveTo(path_));
     }
     Open();
-    window_->scans.OfferSaved();  // asks no more
+    Answer({}, [&] { window_->scans.OfferSaved(); });
     _wputenv_s(L"LOCALAPPDATA", former.c_str());
 }
 
