@@ -6,6 +6,16 @@ here=$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")
 folder=$1 dpi=$2 look=${3:-}
 
 "$here/demo-net.sh"
+# One namespace with the agents of twenty printers more.
+ip netns add neta
+ip link add eth0 netns neta type veth peer name neta netns switch1
+ip -n switch1 -batch - <<<'link set neta master br0 up'
+ip -n neta -batch - <<<'link set eth0 up
+    addr add 10.77.1.2/24 dev eth0
+    route add local 10.77.3.0/24 dev lo'
+ip -n host route add 10.77.3.0/24 via 10.77.1.2
+python3 "$here/screenshots-fleet.py" >"$VNDISCOVER_LAB/fleet" 2>&1 </dev/null &
+fleet=$!
 # Labs share the machine's temporary folder, which has the sockets of displays.
 mkdir -p "$VNDISCOVER_LAB/x11"
 mkdir -p /tmp/.X11-unix
@@ -54,6 +64,8 @@ InfoWindow 0 0 0
 InfoText 255 255 255
 END
 fi
+# Title bars draw their buttons with it.
+[ -z "${VNDISCOVER_MARLETT:-}" ] || cp "$VNDISCOVER_MARLETT" "$VNDISCOVER_LAB/wine/host/prefix/drive_c/windows/Fonts/"
 "$here/wine-run.sh" --stop host # its desktop has no display
 ip netns exec hall wsdd -4 -i eth0 -n HALL >/dev/null 2>&1 </dev/null &
 
@@ -67,23 +79,32 @@ Key() {
 }
 
 Wine "$VNDISCOVER_BIN/VnBrowser.exe" &
-sleep 4
+sleep 6
 xdotool mousemove $((600 * dpi / 96)) $((690 * dpi / 96))
 Picture empty
 Key F5
-sleep 12
-Key ctrl+shift+r
-sleep 8
-Key Tab Tab Tab Tab Tab Tab Tab Tab Home
+sleep 20 # by two communities, then the reading
+Key F6 Home
+sleep 3
+Picture list
+Key shift+Down shift+Down shift+Down
 sleep 2
+Picture several
+Key ctrl+f
+xdotool type 10.77.1.21
+sleep 1
+Key F6 Home
+sleep 4
 Picture printer
+Key F6 Down Down Down Down Down
+sleep 1
+Picture row
 for page in protocols interfaces answers; do
     Key ctrl+Tab
     sleep 1
     Picture $page
 done
-Key ctrl+Tab
-Key alt+t s
+Key ctrl+Tab alt+t s
 sleep 1
 Key Tab
 xdotool type Office
@@ -95,40 +116,65 @@ Key Tab a Tab
 xdotool type privpass1
 sleep 1
 Picture settings
+Key Escape alt+d d
+sleep 1
+xdotool type 10.80.9.12
+Picture add
+Key Escape alt+h a
+sleep 1
+Picture about
 Key Escape alt+h c
 sleep 1
 Key End # the first call, a sweep
 sleep 1
 Picture calls
 Key Escape
-scan=Z:${VNDISCOVER_LAB//\//\\}\\scan.json # as the system's dialog requires
+scan=Z:${VNDISCOVER_LAB//\//\\}\\monday.json # as the system's dialog requires
+# Typed FILE: into the system's dialog for files, which lists folders first.
+Typed() {
+    sleep 4
+    Key ctrl+a # instead of the proposed name
+    xdotool type "$1"
+    Key Return
+    sleep 3
+}
 Key ctrl+s
-sleep 4 # the dialog lists folders first
-Key ctrl+a # instead of the proposed name
-xdotool type "$scan"
-Key Return
-sleep 2
+Typed "$scan"
 Key alt+t w
-sleep 2
+sleep 3
 Picture doctor
 Key Escape alt+d n
-sleep 3
+sleep 4
 Picture diagnosis
 Key Escape alt+d v
 sleep 1
 Key Return
-sleep 5
+sleep 6
+Key Tab Home
+sleep 1
 Picture walk
-Key Escape alt+e l
-# One device is gone, and the next scan has not asked the others yet.
+Key Escape ctrl+f Escape
+# Some devices are off, and others have another state.
+kill -USR1 $fleet
 ip -n copy link set eth0 down
 Key F5
-sleep 12
-Key ctrl+shift+r
-sleep 8
-Key alt+f c
-sleep 4
-xdotool type "$scan"
-Key Return
+sleep 26
+Key F6 End
 sleep 2
+Picture vanished
+Key alt+t h
+sleep 1
+Picture changes
+Key Escape alt+f c
+Typed "$scan"
 Picture compare
+Key Escape ctrl+o
+sleep 2
+Picture save
+Key alt+d # Don't save
+Typed "$scan"
+Picture file
+Key F5
+sleep 2
+Picture find
+Key Escape

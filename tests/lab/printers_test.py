@@ -82,18 +82,20 @@ class Fleet:
     """Agents at many addresses: one socket, and answers when they are due."""
 
     def __init__(self):
-        self.devices = []
+        self.devices = [self.load(device) for device in range(COUNT)]
         self.off = set()  # numbers of devices that answer nothing
         self.seconds = {}  # for one directed request of a device
-        for device in range(COUNT):
-            values = variables_of(device)
-            order = sorted(values, key=lambda oid: [int(arc) for arc in oid.split(".")])
-            self.devices.append([(list(map(int, oid.split("."))), oid_bytes(oid), values[oid]) for oid in order])
         self.socket = socket_in("neta", socket.AF_INET)
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 22)
         self.socket.setsockopt(socket.IPPROTO_IP, IP_PKTINFO, 1)
         self.socket.bind(("0.0.0.0", 161))
         self.numbers = {address_of(device): device for device in range(COUNT)}
+
+    @staticmethod
+    def load(device):
+        values = variables_of(device)
+        order = sorted(values, key=lambda oid: [int(arc) for arc in oid.split(".")])
+        return [(list(map(int, oid.split("."))), oid_bytes(oid), values[oid]) for oid in order]
 
     def serve(self):
         due = []  # answers with their times

@@ -26,9 +26,8 @@ bool Progress::EndSweep() {
     return true;
 }
 
-void Progress::BeginAsking(const std::string& address, bool isReading) {
+void Progress::BeginAsking(const std::string& address) {
     asked_ = address;
-    isReading_ = isReading;
     askMs_ = nowMs_();
 }
 

@@ -30,10 +30,8 @@ class Progress {
     void SetAddresses(size_t addresses) { addresses_ = addresses; }
 
     // One device is asked for its details or for why it is silent.
-    void BeginReading(const std::string& address) { BeginAsking(address, true); }
-    void BeginDiagnosis(const std::string& address) { BeginAsking(address, false); }
+    void BeginAsking(const std::string& address);
     void EndAsking() { asked_.clear(); }
-    bool IsReading(const std::string& address) const { return isReading_ && asked_ == address; }
 
     // All devices are read, each for the list.
     void BeginReadingAll();
@@ -83,15 +81,12 @@ class Progress {
     Status Now(const Work& work) const;
 
   private:
-    void BeginAsking(const std::string& address, bool isReading);
-
     std::function<int64_t()> nowMs_;
     bool isSearching_ = false, isStopping_ = false;
     Kind last_ = Kind::kReady;  // or kDone, kStopped, kRead: how what came last ended
     size_t sweepsLeft_ = 0, answers_ = 0, addresses_ = 0;
     int64_t searchMs_ = 0, searchEndMs_ = 0, stopMs_ = 0;
     std::string asked_, walked_;  // addresses; empty: none
-    bool isReading_ = false;      // asked_, for its details
     int64_t askMs_ = 0, walkMs_ = 0;
     int64_t readMs_ = 0, readEndMs_ = 0;
     size_t read_ = 0, toRead_ = 0;

@@ -27,15 +27,21 @@ std::string StateOf(const DeviceRow& row) {
 bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
-    std::string state = StateOf(row);
-    const auto [known, isNew] = known_.try_emplace(KeyOf(row), Known{state, false});
-    if (isNew || known->second.state == state) return false;
+    const std::string state = StateOf(row);
+    Known& known = known_[KeyOf(row)];
+    const std::string before = std::exchange(known.state, state);
+    if (before.empty() || before == state) return false;
     const std::string name =
         Joined({row.Text(Column::kName), row.Text(Column::kModel), row.Text(Column::kAddress)});
-    changes_.push_front({time, name, std::exchange(known->second.state, state), state});
+    changes_.push_front({time, name, before, state});
     if (changes_.size() > kMaxChanges) changes_.pop_back();
-    known->second.isMarked = true;
+    known.isMarked = true;
     return true;
+}
+
+void ChangeLog::LearnStates(const std::vector<DeviceRow>& rows) {
+    for (auto& [key, known] : known_) known.state.clear();
+    for (const DeviceRow& row : rows) Add(row, "");
 }
 
 bool ChangeLog::IsMarked(const DeviceRow& row) const {

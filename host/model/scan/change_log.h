@@ -5,6 +5,7 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace vndiscover::host {
 
@@ -25,10 +26,12 @@ class ChangeLog {
     void Unmark(const DeviceRow& row);
     // The list is another one, whose states are no changes. The changes so far are kept.
     void ForgetStates() { known_.clear(); }
+    // The limits of supplies are others: no device has changed, and marks stay.
+    void LearnStates(const std::vector<DeviceRow>& rows);
 
   private:
     struct Known {
-        std::string state;
+        std::string state;  // empty: not known
         bool isMarked = false;
     };
     std::map<std::string, Known> known_;  // by serial number, otherwise by address

@@ -193,17 +193,32 @@ void DeviceView::Arrange() {
     });
 }
 
-void DeviceView::Select(std::optional<size_t> index) {
-    selectedAnswer_.reset();
-    if (index && *index < Count()) selectedAnswer_ = Row(*index).answers.front();
+void DeviceView::Select(const std::vector<size_t>& rows, std::optional<size_t> focused) {
+    selected_.clear();
+    focused_.reset();
+    for (const size_t index : rows) selected_.insert(Row(index).answers.front());
+    if (focused) focused_ = Row(*focused).answers.front();
+}
+
+std::vector<size_t> DeviceView::Selection() const {
+    std::vector<size_t> rows;
+    for (size_t index = 0; !selected_.empty() && index < shown_.size(); ++index) {
+        const std::vector<size_t>& answers = Row(index).answers;
+        if (std::any_of(answers.begin(), answers.end(),
+                        [this](size_t answer) { return selected_.count(answer) != 0; }))
+            rows.push_back(index);
+    }
+    return rows;
 }
 
 std::optional<size_t> DeviceView::Selected() const {
-    for (size_t index = 0; selectedAnswer_ && index < shown_.size(); ++index) {
+    const std::vector<size_t> rows = Selection();
+    const auto focused = std::find_if(rows.begin(), rows.end(), [this](size_t index) {
         const std::vector<size_t>& answers = Row(index).answers;
-        if (std::binary_search(answers.begin(), answers.end(), *selectedAnswer_)) return index;
-    }
-    return std::nullopt;
+        return focused_ && std::binary_search(answers.begin(), answers.end(), *focused_);
+    });
+    if (focused != rows.end()) return *focused;
+    return rows.empty() ? std::nullopt : std::optional(rows.front());
 }
 
 const DeviceRow* DeviceView::SelectedRow() const {
@@ -212,8 +227,12 @@ const DeviceRow* DeviceView::SelectedRow() const {
 }
 
 void DeviceView::Renumber(const std::vector<size_t>& places) {
-    if (selectedAnswer_ && *selectedAnswer_ < places.size())
-        selectedAnswer_ = places[*selectedAnswer_];
+    std::set<size_t> selected;
+    for (const size_t answer : selected_) {
+        if (answer < places.size()) selected.insert(places[answer]);
+    }
+    selected_ = std::move(selected);
+    if (focused_ && *focused_ < places.size()) focused_ = places[*focused_];
 }
 
 }  // namespace vndiscover::host

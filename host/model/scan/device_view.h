@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -63,9 +64,12 @@ class DeviceView {
     const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
     const std::vector<DeviceRow>& AllRows() const { return rows_; }
 
-    void Select(std::optional<size_t> index);
+    // Several devices may be selected, of which `focused` is the one with the focus.
+    void Select(const std::vector<size_t>& rows, std::optional<size_t> focused);
+    // Those that are shown, in their order.
+    std::vector<size_t> Selection() const;
+    // The one with the focus, or if that is hidden, the first of the others; empty or null: none.
     std::optional<size_t> Selected() const;
-    // The selected device; null if there is none, or if it is hidden.
     const DeviceRow* SelectedRow() const;
     // After RemoveFormerAnswers.
     void Renumber(const std::vector<size_t>& places);
@@ -83,7 +87,8 @@ class DeviceView {
     uint32_t hidden_ = 0;
     bool areOnlyPrinters_ = false;
     size_t others_ = 0;
-    std::optional<size_t> selectedAnswer_;  // one of the device's: it survives a merge
+    std::set<size_t> selected_;      // an answer of each device: it survives a merge
+    std::optional<size_t> focused_;  // one of them
 };
 
 }  // namespace vndiscover::host

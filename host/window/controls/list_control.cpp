@@ -48,13 +48,14 @@ ListControl::~ListControl() {
     if (Of(list_) == this) SetWindowLongPtrW(list_, GWLP_USERDATA, 0);
 }
 
-void ListControl::Create(HWND parent, int id, const std::wstring& name, DWORD extended) {
+void ListControl::Create(HWND parent, int id, const std::wstring& name, bool isOfMany) {
     Attach(CreateWindowExW(WS_EX_CLIENTEDGE, WC_LISTVIEWW, name.c_str(),
                            WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | LVS_REPORT |
-                               LVS_OWNERDATA | LVS_SINGLESEL | LVS_SHOWSELALWAYS,
+                               LVS_OWNERDATA | LVS_SHOWSELALWAYS | (isOfMany ? 0 : LVS_SINGLESEL),
                            0, 0, 0, 0, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
                            GetModuleHandleW(nullptr), nullptr));
-    ListView_SetExtendedListViewStyleEx(list_, extended, extended);
+    if (isOfMany)
+        ListView_SetExtendedListViewStyleEx(list_, LVS_EX_HEADERDRAGDROP, LVS_EX_HEADERDRAGDROP);
 }
 
 void ListControl::Attach(HWND list) {
@@ -120,14 +121,33 @@ void ListControl::Refresh() {
     isChanging_ = false;
 }
 
-void ListControl::Select(int row) {
-    constexpr UINT kSelected = LVIS_SELECTED | LVIS_FOCUSED;
-    reported_ = row;
-    if (Selected() == row) return;
+std::vector<size_t> ListControl::Selection() const {
+    std::vector<size_t> rows;
+    for (int row = -1; (row = ListView_GetNextItem(list_, row, LVNI_SELECTED)) >= 0;)
+        rows.push_back(static_cast<size_t>(row));
+    return rows;
+}
+
+int ListControl::Selected() const {
+    const int focused = ListView_GetNextItem(list_, -1, LVNI_SELECTED | LVNI_FOCUSED);
+    return focused >= 0 ? focused : ListView_GetNextItem(list_, -1, LVNI_SELECTED);
+}
+
+void ListControl::Select(const std::vector<size_t>& rows, int focused) {
+    reported_ = focused;
+    if (Selected() == focused && Selection() == rows) return;
     isChanging_ = true;
-    ListView_SetItemState(list_, -1, 0, kSelected);
-    if (row >= 0) ListView_SetItemState(list_, row, kSelected, kSelected);
+    ListView_SetItemState(list_, -1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+    for (const size_t row : rows)
+        ListView_SetItemState(list_, static_cast<int>(row), LVIS_SELECTED, LVIS_SELECTED);
+    if (focused >= 0) ListView_SetItemState(list_, focused, LVIS_FOCUSED, LVIS_FOCUSED);
+    ListView_SetSelectionMark(list_, focused);
     isChanging_ = false;
+}
+
+void ListControl::Select(int row) {
+    if (row < 0) return Select({}, row);
+    Select({static_cast<size_t>(row)}, row);
 }
 
 std::wstring ListControl::TextOf(int row, int column) const {
@@ -166,16 +186,15 @@ std::wstring ListControl::TableText(bool hasHeadings) const {
 }
 
 void ListControl::Copy(int command) const {
-    const int row = Selected();
     std::wstring text;
     if (command == IDM_COPY_TABLE) {
         text = TableText(false);
-    } else if (row >= 0 && command == IDM_COPY_ROW) {
-        text = RowText(static_cast<size_t>(row));
+    } else if (command == IDM_COPY_ROW) {
+        for (const size_t row : Selection()) text += RowText(row);
     } else if (command == IDM_COPY_CELL) {
-        text = TextOf(row, kValue);
+        text = TextOf(Selected(), kValue);
     } else if (command >= IDM_CELL) {
-        text = TextOf(row, command - IDM_CELL);
+        text = TextOf(Selected(), command - IDM_CELL);
     }
     if (!text.empty()) CopyText(list_, text);
 }
@@ -196,7 +215,12 @@ LRESULT ListControl::OnNotify(NMHDR* header) {
         case NM_CUSTOMDRAW:
             return Draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
         case LVN_ITEMCHANGED:
+        case LVN_ODSTATECHANGED:
             OnChanged();
+            return 0;
+        case LVN_KEYDOWN:
+            if (reinterpret_cast<NMLVKEYDOWN*>(header)->wVKey == 'A' && GetKeyState(VK_CONTROL) < 0)
+                ListView_SetItemState(list_, -1, LVIS_SELECTED, LVIS_SELECTED);
             return 0;
         case LVN_COLUMNCLICK:
             model_.OnHeading(static_cast<size_t>(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem));
@@ -210,7 +234,10 @@ LRESULT ListControl::OnNotify(NMHDR* header) {
 
 // Up to three messages tell of one change.
 void ListControl::OnChanged() {
-    if (!isChanging_ && std::exchange(reported_, Selected()) != reported_) model_.OnSelected();
+    if (isChanging_) return;
+    model_.OnSelection();
+    const int before = std::exchange(reported_, Selected());
+    if (before != reported_) model_.OnSelected();
 }
 
 void ListControl::FillCell(LVITEMW& item) const {
@@ -244,13 +271,14 @@ void ListControl::DrawEmpty(HDC dc) const {
     place.top += heading.bottom - heading.top + Scaled(kRowHeight / 2, dpi_);
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
-    DrawTextW(dc, Text(EmptyText()).c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
+    DrawTextW(dc, EmptyText().c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
 // A selected row without the focus has the background of the others in high contrast.
 void ListControl::DrawFrame(const NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
-    if (row != Selected() || GetFocus() == list_ || !IsHighContrast()) return;
+    const bool isSelected = ListView_GetItemState(list_, row, LVIS_SELECTED) != 0;
+    if (!isSelected || GetFocus() == list_ || !IsHighContrast()) return;
     RECT place = {};
     ListView_GetItemRect(list_, row, &place, LVIR_BOUNDS);
     FrameRect(draw.nmcd.hdc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
@@ -274,7 +302,7 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
     const auto column = static_cast<size_t>(draw.iSubItem);
     switch (draw.nmcd.dwDrawStage) {
         case CDDS_PREPAINT:
-            if (EmptyText() != 0) return CDRF_NOTIFYPOSTPAINT;
+            if (!EmptyText().empty()) return CDRF_NOTIFYPOSTPAINT;
             return CDRF_NOTIFYITEMDRAW;
         case CDDS_POSTPAINT:
             DrawEmpty(draw.nmcd.hdc);

@@ -26,11 +26,12 @@ class ListModel {
     virtual bool IsGrey(size_t) const { return false; }
     // Whether the row stands out: what is worst, or the result of all.
     virtual bool IsBold(size_t) const { return false; }
-    // The string to show instead of rows if there are none; 0: nothing.
-    virtual unsigned EmptyText() const { return 0; }
-    // The user has selected another row, or none; or has clicked a heading.
+    // What to show instead of rows if there are none.
+    virtual std::wstring EmptyText() const { return {}; }
+    // The user has selected other rows; and, afterwards, another one or none has the focus of them.
+    virtual void OnSelection() {}
     virtual void OnSelected() {}
-    virtual void OnHeading(size_t) {}
+    virtual void OnHeading(size_t) {}  // the user has clicked it
 };
 
 struct ListColumn {
@@ -43,9 +44,9 @@ class ListControl {
     // The model must outlive the list.
     explicit ListControl(ListModel& model) : model_(model) {}
     ~ListControl();
-    // Makes a child of `parent`, which destroys it. Screen readers read the name. `extended`:
-    // styles besides those of all lists.
-    void Create(HWND parent, int id, const std::wstring& name, DWORD extended = 0);
+    // Makes a child of `parent`, which destroys it. Screen readers read the name. In a list of many
+    // rows, the user may select several and reorder columns.
+    void Create(HWND parent, int id, const std::wstring& name, bool isOfMany = false);
     // Uses a list of a dialog.
     void Attach(HWND list);
     // The list of this window; null if it is none.
@@ -60,10 +61,13 @@ class ListControl {
     void SetName(const std::wstring& name) { SetWindowTextW(list_, name.c_str()); }
     // Shows what the model has now.
     void Refresh();
-    // The string that is shown in place of rows; 0: none.
-    unsigned EmptyText() const { return model_.Count() == 0 ? model_.EmptyText() : 0; }
-    // -1: none. Selecting by a call is not reported to the model.
-    int Selected() const { return ListView_GetNextItem(list_, -1, LVNI_SELECTED); }
+    // What is shown in place of rows.
+    std::wstring EmptyText() const { return model_.Count() == 0 ? model_.EmptyText() : L""; }
+    std::vector<size_t> Selection() const;
+    // The one with the focus, or else the first; -1: none.
+    int Selected() const;
+    // Selecting by a call is not reported to the model.
+    void Select(const std::vector<size_t>& rows, int focused);
     void Select(int row);
 
     // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
@@ -71,8 +75,8 @@ class ListControl {
     std::wstring TableText(bool hasHeadings) const;
     // The selected row in one text; empty if there is none.
     std::wstring SelectedText() const;
-    // Executes IDM_COPY_ROW, IDM_COPY_TABLE, IDM_COPY_CELL for the second column, or IDM_CELL +
-    // column. Has no effect without a selected row.
+    // Executes IDM_COPY_ROW for the selected rows, IDM_COPY_TABLE, IDM_COPY_CELL for the second
+    // column, or IDM_CELL + column. Has no effect without a selected row.
     void Copy(int command) const;
     // The command for Ctrl+C, Ctrl+Shift+C or Ctrl+Shift+T while `key` is pressed; otherwise 0.
     static int CopyCommandOf(WPARAM key);

@@ -213,7 +213,12 @@ void ListDialog::BeginDialog(const std::wstring& title, int list,
     list_.SetDpi(dpi_);
     list_.SetColumns(columns_);
     list_.FitLast(Scaled(columns_.back().width, dpi_));
+    Refresh();
+}
+
+void ListDialog::Refresh() {
     list_.Refresh();
+    OnSelected();
 }
 
 namespace {

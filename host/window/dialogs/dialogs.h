@@ -9,6 +9,7 @@
 
 #include "window/controls/list_control.h"
 #include "window/controls/owners.h"
+#include "window/resource.h"
 
 namespace vndiscover::host {
 
@@ -37,8 +38,8 @@ void ShowProblem(HWND owner, const std::wstring& problem, bool isScript);
 // drawn fails again under the message.
 void ShowException(HWND owner, bool isScript) noexcept;
 
-// A dialog that leaves its owner enabled. It contains a list and is the model of it. Its user may
-// enlarge it, and move it to a screen of another DPI.
+// A dialog that leaves its owner enabled. It contains a list, of which it is the model, and the
+// whole text of the selected row. Its user may enlarge it, and move it to a screen of another DPI.
 class ListDialog : protected virtual ListModel {
   public:
     ~ListDialog() override;
@@ -58,6 +59,10 @@ class ListDialog : protected virtual ListModel {
     // what the dialog gains; 0: the list.
     void BeginDialog(const std::wstring& title, int list, const std::vector<ListColumn>& columns,
                      int grown = 0);
+
+    // Shows what the model has now.
+    void Refresh();
+    void OnSelected() override { SetItem(IDC_CHOSEN, list_.SelectedText()); }
 
     virtual void Begin() = 0;
     virtual void OnCommand(int id) = 0;

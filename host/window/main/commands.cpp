@@ -42,14 +42,21 @@ unsigned NoTarget(const Window& w) {
     if (const unsigned noRow = NoRow(w)) return noRow;
     return Unless(w.state.SelectedTarget().has_value(), IDS_NO_TARGET);
 }
+// For what is about one device.
+unsigned NoOneTarget(const Window& w) {
+    if (w.state.session.view.Selection().size() > 1) return IDS_SELECT_ONE;
+    return NoTarget(w);
+}
 unsigned NoRows(const Window& w) { return Unless(w.state.session.view.Count() != 0, IDS_NO_ROWS); }
 unsigned NoScan(const Window& w) { return Unless(w.scans.HasScan(), IDS_NO_SCAN); }
 unsigned NoWebPage(const Window& w) {
     if (const unsigned noRow = NoRow(w)) return noRow;
-    return Unless(!w.devices.WebAddress().empty(), IDS_NO_WEB_PAGE);
+    const size_t pages = w.devices.WebAddresses().size();
+    if (pages > DeviceCommands::kMaxWebPages) return IDS_TOO_MANY_PAGES;
+    return Unless(pages != 0, IDS_NO_WEB_PAGE);
 }
 unsigned NoParts(const Window& w) {
-    if (const unsigned noRow = NoRow(w)) return noRow;
+    if (const unsigned noTarget = NoOneTarget(w)) return noTarget;
     return Unless(w.state.session.CanSplit(*w.state.session.view.SelectedRow()), IDS_NO_PARTS);
 }
 unsigned IsBusy(const Window& w) { return Unless(!w.state.IsBusy(), IDS_AWAITS_ANSWERS); }
@@ -115,17 +122,17 @@ constexpr Command kTable[] = {
 
     {IDS_MENU_DEVICE},
     {IDM_DETAILS, {}, NoRow, [](Window& w) { SetFocus(w.panes.details.Shown()); }},
-    {IDM_WEB, Ctrl(VK_RETURN), NoWebPage, [](Window& w) { w.devices.OpenWebPage(); }},
+    {IDM_WEB, Ctrl(VK_RETURN), NoWebPage, [](Window& w) { w.devices.OpenWebPages(); }},
     {kMenuLine},
-    {IDM_ASK, Ctrl('R'), NoTarget, [](Window& w) { w.devices.Ask(true); }},
+    {IDM_ASK, Ctrl('R'), NoTarget, [](Window& w) { w.devices.ReadAgain(); }},
     {IDM_ASK_ALL, CtrlShift('R'), NoRows, [](Window& w) { w.devices.ReadShown(); }},
     {IDM_READ_FOUND,
      {},
      nullptr,
      [](Window& w) { w.ToggleReadsFound(); },
      [](const Window& w) { return w.ReadsFound(); }},
-    {IDM_DIAGNOSE, {}, NoTarget, [](Window& w) { w.devices.Diagnose(); }},
-    {IDM_WALK, {}, NoTarget, [](Window& w) { w.devices.Walk(); }},
+    {IDM_DIAGNOSE, {}, NoOneTarget, [](Window& w) { w.devices.Diagnose(); }},
+    {IDM_WALK, {}, NoOneTarget, [](Window& w) { w.devices.Walk(); }},
     {IDM_ADD, {}, nullptr, [](Window& w) { w.devices.AddByHand(); }},
     {IDM_SPLIT, {}, NoParts, [](Window& w) { w.devices.Split(); }},
     {kMenuLine},

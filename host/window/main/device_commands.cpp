@@ -1,5 +1,6 @@
 #include "window/main/device_commands.h"
 
+#include <numeric>
 #include <utility>
 
 #include "platform/wide_text.h"
@@ -32,10 +33,7 @@ DeviceCommands::DeviceCommands(WindowState& state, const DeviceList& list)
 void DeviceCommands::Ask(bool isAgain) {
     const DeviceRow* row = state_.session.view.SelectedRow();
     const auto target = state_.SelectedTarget();
-    if (!target || !state_.workers || state_.progress.IsReading(target->address)) return;
-    // It is being asked already, or will be, although no worker has said so yet.
-    const bool wasLast = std::exchange(asked_, target->address) == target->address;
-    if (!isAgain && wasLast && state_.workers->IsSending()) return;
+    if (!target || !state_.workers) return;
     // Credentials go to an address of a file only if the user says so.
     if (!isAgain && !state_.session.HasAnsweredHere(row->answers, target->address)) return;
     if (isAgain && target->credentials.security && target->kind == SweepKind::kSnmpV1) {
@@ -49,14 +47,28 @@ void DeviceCommands::Ask(bool isAgain) {
     state_.StartStatusTimer();
 }
 
+void DeviceCommands::ReadAgain() {
+    const std::vector<size_t> rows = state_.session.view.Selection();
+    if (rows.size() > 1) {
+        ReadAll(TargetsOf(rows));
+    } else {
+        Ask(true);
+    }
+}
+
 bool DeviceCommands::ReadShown() {
-    const DeviceView& view = state_.session.view;
+    std::vector<size_t> rows(state_.session.view.Count());
+    std::iota(rows.begin(), rows.end(), size_t{0});
+    return ReadAll(TargetsOf(rows));
+}
+
+std::vector<AskTarget> DeviceCommands::TargetsOf(const std::vector<size_t>& rows) const {
     std::vector<AskTarget> targets;
-    for (size_t index = 0; index < view.Count(); ++index) {
-        if (auto target = state_.session.TargetOf(view.Row(index)))
+    for (const size_t row : rows) {
+        if (auto target = state_.session.TargetOf(state_.session.view.Row(row)))
             targets.push_back(*std::move(target));
     }
-    return ReadAll(std::move(targets));
+    return targets;
 }
 
 bool DeviceCommands::ReadFound() { return ReadAll(state_.session.TargetsToRead()); }
@@ -67,7 +79,6 @@ bool DeviceCommands::ReadAll(std::vector<AskTarget> targets) {
     state_.progress.BeginReadingAll();
     state_.workers->ReadAll(targets);
     state_.StartStatusTimer();
-    asked_.clear();
     Ask(false);  // the selected one whole
     return true;
 }
@@ -113,27 +124,41 @@ void DeviceCommands::Added(const std::vector<std::pair<std::string, std::string>
     if (!unknown.empty()) state_.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
 }
 
-std::string DeviceCommands::WebAddress() const {
-    const DeviceRow* row = state_.session.view.SelectedRow();
-    if (!row) return "";
-    for (const size_t index : row->answers) {
-        const std::string& address = state_.session.GetScan().answers[index].address;
-        const auto known = ParseIpAddress(address);
-        if (known && known->IsIPv4()) return address;
+std::vector<std::string> DeviceCommands::WebAddresses() const {
+    const DeviceView& view = state_.session.view;
+    std::vector<std::string> addresses;
+    for (const size_t row : view.Selection()) {
+        for (const size_t index : view.Row(row).answers) {
+            const std::string& address = state_.session.GetScan().answers[index].address;
+            const auto known = ParseIpAddress(address);
+            if (!known || !known->IsIPv4()) continue;
+            addresses.push_back(address);
+            break;
+        }
     }
-    return "";
+    return addresses;
 }
 
-// Made only from a numeric address: nothing that a device sends becomes a URL.
-void DeviceCommands::OpenWebPage() {
-    OpenElsewhere(state_, ToWide("http://" + WebAddress() + "/"));
+// Made only from numeric addresses: nothing that a device sends becomes a URL.
+void DeviceCommands::OpenWebPages() {
+    const std::vector<std::string> addresses = WebAddresses();
+    const std::wstring question = Text(IDS_ASK_WEB_PAGES, {Grouped(addresses.size())});
+    if (addresses.size() > 1 &&
+        MessageBoxW(state_.window, question.c_str(), Text(IDS_TITLE).c_str(),
+                    MB_YESNO | MB_ICONQUESTION) != IDYES)
+        return;
+    for (const std::string& address : addresses)
+        OpenElsewhere(state_, ToWide("http://" + address + "/"));
 }
 
+// One line for each selected row.
 void DeviceCommands::CopyCell(Column column) {
-    const DeviceRow* row = state_.session.view.SelectedRow();
-    if (!row) return;
-    const std::wstring text = ShownText(*row, column);
-    if (CopyText(state_.window, text)) state_.progress.SetNote(Text(IDS_COPIED, {text}));
+    const DeviceView& view = state_.session.view;
+    std::wstring text;
+    for (const size_t row : view.Selection())
+        text += (text.empty() ? L"" : L"\r\n") + ShownText(view.Row(row), column);
+    const bool isOne = text.find(L'\n') == std::wstring::npos;
+    if (CopyText(state_.window, text) && isOne) state_.progress.SetNote(Text(IDS_COPIED, {text}));
 }
 
 }  // namespace vndiscover::host

@@ -24,6 +24,8 @@ class DeviceCommands {
     // Reads the selected device next. `isAgain`: the user says so. Otherwise only if it has
     // answered here.
     void Ask(bool isAgain);
+    // Reads the selected device again, or several for the list.
+    void ReadAgain();
     // Reads, for the list, the rows that are shown; or those that the last search has found.
     // Returns whether there are any.
     bool ReadShown();
@@ -36,20 +38,21 @@ class DeviceCommands {
     void AddByHand();
     void Added(const std::vector<std::pair<std::string, std::string>>& addresses,
                const std::string& unknown);
-    // The first of its IPv4 addresses; empty if there is none.
-    std::string WebAddress() const;
-    void OpenWebPage();
+    static constexpr size_t kMaxWebPages = 10;  // at once
+    // The first IPv4 address of each selected device that has one.
+    std::vector<std::string> WebAddresses() const;
+    void OpenWebPages();
     void CopyCell(Column column);
     void CopyChosenCell() { CopyCell(list_.ChosenColumn()); }
     void CopyRow() const { list_.List().Copy(IDM_COPY_ROW); }
     void CopyTable() const { CopyText(state_.window, list_.List().TableText(true)); }
 
   private:
+    std::vector<AskTarget> TargetsOf(const std::vector<size_t>& rows) const;
     bool ReadAll(std::vector<AskTarget> targets);
 
     WindowState& state_;
     const DeviceList& list_;
-    std::string asked_;  // the last address, when it was selected
 };
 
 }  // namespace vndiscover::host

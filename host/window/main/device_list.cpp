@@ -10,7 +10,7 @@
 namespace vndiscover::host {
 
 void DeviceList::Create(HWND parent) {
-    list_.Create(parent, IDC_DEVICES, Text(IDS_DEVICES), LVS_EX_HEADERDRAGDROP);
+    list_.Create(parent, IDC_DEVICES, Text(IDS_DEVICES), true);
     columns_.Use(list_);
 }
 
@@ -28,7 +28,7 @@ void DeviceList::Show() {
     const DeviceView& view = session_.view;
     list_.Refresh();
     const auto selected = view.Selected();
-    list_.Select(selected ? static_cast<int>(*selected) : -1);
+    list_.Select(view.Selection(), selected ? static_cast<int>(*selected) : -1);
     columns_.MarkSorted(view.SortColumn(), view.IsDescending());
 }
 
@@ -77,11 +77,14 @@ void DeviceList::OnHeading(size_t column) {
     Show();
 }
 
+// Without a selected row, the selection stays until another one is selected.
+void DeviceList::OnSelection() {
+    const std::vector<size_t> rows = list_.Selection();
+    if (!rows.empty()) session_.view.Select(rows, static_cast<size_t>(list_.Selected()));
+}
+
 void DeviceList::OnSelected() {
-    const int row = list_.Selected();
-    if (row < 0) return;  // no row yet: the selection stays until another one is selected
-    session_.view.Select(static_cast<size_t>(row));
-    actions_.onSelected();
+    if (list_.Selected() >= 0) actions_.onSelected();
 }
 
 }  // namespace vndiscover::host

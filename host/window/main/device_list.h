@@ -20,8 +20,8 @@ namespace vndiscover::host {
 class DeviceList : private ListModel {
   public:
     struct Actions {
-        std::function<void()> onSelected;     // the user has selected a row
-        std::function<unsigned()> emptyText;  // the string to show without rows
+        std::function<void()> onSelected;         // the user has selected another device
+        std::function<std::wstring()> emptyText;  // what to show without rows
     };
     // Session and changes must outlive the list.
     DeviceList(Session& session, const ChangeLog& changes, Actions actions)
@@ -54,7 +54,8 @@ class DeviceList : private ListModel {
         const Standing::Kind kind = session_.view.Row(row).standing.kind;
         return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
     }
-    unsigned EmptyText() const override { return actions_.emptyText(); }
+    std::wstring EmptyText() const override { return actions_.emptyText(); }
+    void OnSelection() override;
     void OnSelected() override;
     void OnHeading(size_t column) override;
 

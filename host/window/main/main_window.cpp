@@ -142,11 +142,14 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
                         panes.ShowDetails();
                         devices.Ask(false);
                     },
-                    [this]() -> unsigned {
-                        if (state.session.view.Total() != 0) return IDS_ALL_HIDDEN;
+                    [this] {
+                        const DeviceView& view = state.session.view;
+                        if (view.Total() != 0) return Text(IDS_ALL_HIDDEN);
+                        if (view.Others() != 0)
+                            return Text(IDS_ONLY_OTHERS, {Grouped(view.Others())});
                         const bool isOver =
                             state.progress.HasSearched() && !state.progress.IsSearching();
-                        return isOver ? IDS_NONE_FOUND : IDS_EMPTY;
+                        return Text(isOver ? IDS_NONE_FOUND : IDS_EMPTY);
                     }}) {
     state.options = std::move(options);
     state.showRows = [this] { panes.ShowRows(); };

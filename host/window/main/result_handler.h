@@ -34,7 +34,7 @@ class ResultHandler : public Results {
     }
     void OnReadingBegan(const std::string& address, bool isForList) override {
         state_.session.BeginReading(address);
-        if (!isForList) state_.progress.BeginReading(address);
+        if (!isForList) state_.progress.BeginAsking(address);
         state_.StartStatusTimer();
     }
     void OnRead(Read read) override {
@@ -62,7 +62,7 @@ class ResultHandler : public Results {
         devices_.walk.OnEnded(walk, end, problem);
     }
     void OnDiagnosisBegan(const std::string& address) override {
-        state_.progress.BeginDiagnosis(address);
+        state_.progress.BeginAsking(address);
         state_.StartStatusTimer();
     }
     void OnDiagnosed(const std::string& address, const HostDiagnosis& diagnosis,

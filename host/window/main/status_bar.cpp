@@ -43,15 +43,15 @@ void StatusBar::Place(int dpi) const {
 std::wstring StatusBar::TextOf(const Progress::Status& status) const {
     const std::wstring seconds = Grouped(static_cast<uint64_t>(status.seconds));
     const std::wstring count = Grouped(status.count), total = Grouped(status.total);
-    const std::wstring found = Grouped(state_.session.view.Total());
+    const std::wstring found = Grouped(state_.session.CountFound());
     const std::wstring address = ToWide(status.address);
     const std::wstring wait = Text(IDS_WAITING, {address, std::to_wstring(status.waitSeconds)});
     switch (status.kind) {
         case Progress::Kind::kReady:
             return state_.file.empty() ? Text(IDS_READY) : state_.file;
         case Progress::Kind::kSearching:
-            return Text(IDS_SWEEPING,
-                        {seconds, found, Grouped(std::max<uint64_t>(1, status.total))});
+            return Text(status.total == 0 ? IDS_SWEEPING_YET : IDS_SWEEPING,
+                        {seconds, found, total});
         case Progress::Kind::kReadingAll: {
             const std::wstring reading = Text(IDS_READING, {count, total});
             return address.empty() ? reading : reading + L", " + wait;

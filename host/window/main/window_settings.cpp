@@ -21,7 +21,7 @@ void WindowSettings::SetLow(int percent) {
     values.lowPercent = percent;
     state_.session.SetLimits({percent});
     state_.showRows();
-    state_.changes.ForgetStates();  // no device has changed
+    state_.changes.LearnStates(state_.session.view.AllRows());
 }
 
 void WindowSettings::Save() {

@@ -64,7 +64,7 @@ void CallsWindow::Refresh() {
     const size_t row = static_cast<size_t>(selected) + added;
     const bool isKept = selected >= 0 && row < calls_.size();
     list_.Select(isKept ? static_cast<int>(row) : -1);
-    if (!isKept) ShowText();
+    OnSelected();
 }
 
 void CallsWindow::Begin() {
@@ -75,8 +75,8 @@ void CallsWindow::Begin() {
     OnDpi();
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
     added_ = calls_.size();
-    ShowText();
     Refresh();
+    OnSelected();
 }
 
 void CallsWindow::OnDpi() {
@@ -87,11 +87,12 @@ void CallsWindow::OnDpi() {
 }
 
 void CallsWindow::OnCommand(int id) {
-    if (id >= IDC_CALL_CPP && id <= IDC_CALL_COMMAND) ShowText();
+    if (id >= IDC_CALL_CPP && id <= IDC_CALL_COMMAND) OnSelected();
     if (id == IDC_CALL_COPY) CopyText(dialog_, WindowText(Item(IDC_CALL_TEXT)));
 }
 
-void CallsWindow::ShowText() {
+void CallsWindow::OnSelected() {
+    ListDialog::OnSelected();
     const auto row = static_cast<size_t>(list_.Selected());
     std::wstring text = Text(IDS_CALLS_NONE);
     if (row < calls_.size()) {

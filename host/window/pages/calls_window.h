@@ -23,12 +23,11 @@ class CallsWindow : private ListDialog {
   private:
     void Begin() override;
     void OnCommand(int id) override;
-    void OnSelected() override { ShowText(); }
+    void OnSelected() override;
     void OnClosed() override { fixed_.Reset(); }
     void OnDpi() override;
     size_t Count() const override { return calls_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
-    void ShowText();
 
     std::deque<Call> calls_;  // the newest first, as in the list
     size_t added_ = 0;        // since Refresh

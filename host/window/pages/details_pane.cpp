@@ -149,16 +149,21 @@ void DetailsPane::Turn(int pages) {
     ShowPage();
 }
 
-unsigned DetailsPane::EmptyText() const {
+// Of the interfaces, since the other pages always have rows. A reading for the list does not ask
+// for them.
+std::wstring DetailsPane::EmptyText() const {
     const DeviceRow* row = session_.view.SelectedRow();
-    if (!row) return IDS_NO_SELECTION;
-    using Kind = Standing::Kind;
-    const Kind kind = row->standing.kind;
-    return kind == Kind::kNeverRead   ? IDS_NOT_ASKED
-           : kind == Kind::kBeingRead ? IDS_PROTOCOL_PENDING
-           : kind == Kind::kRefused   ? IDS_PROTOCOL_REFUSED
-           : row->standing.Holds()    ? IDS_INTERFACES_NONE
-                                      : IDS_PROTOCOL_SILENT;
+    if (!row) return Text(IDS_NO_SELECTION);
+    const Scan& scan = session_.GetScan();
+    const bool isReadWhole = std::any_of(row->answers.begin(), row->answers.end(), [&](size_t at) {
+        const ScanSweep& sweep = scan.sweeps[scan.answers[at].sweep];
+        return sweep.form == AnswerForm::kVariable && sweep.isComplete;
+    });
+    if (isReadWhole) return Text(IDS_INTERFACES_NONE);
+    const Standing::Kind kind = row->standing.kind;
+    if (kind == Standing::Kind::kNeverRead || kind == Standing::Kind::kRead)
+        return Text(IDS_NOT_ASKED);
+    return Text(IDS_INTERFACES_NOT_READ, {ToWide(StateText(row->standing, {}))});
 }
 
 void DetailsPane::OnNotify(const NMHDR& header) {

@@ -35,7 +35,7 @@ class DetailsPane : private ListModel {
     // Of the table.
     size_t Count() const override { return rows_.size(); }
     std::wstring CellText(size_t row, size_t column) const override { return rows_[row][column]; }
-    unsigned EmptyText() const override;
+    std::wstring EmptyText() const override;
     void OnSelected() override { UpdateLists(); }
     const DevicePage& Page() const;
     void ShowRows(TableRows rows);

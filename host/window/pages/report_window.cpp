@@ -18,9 +18,8 @@ void ReportWindow::Open(HWND owner, const std::wstring& title, std::vector<Repor
 void ReportWindow::Show(std::vector<ReportRow> rows) {
     if (!IsOpen()) return;
     rows_ = std::move(rows);
-    list_.Refresh();
     ShowWindow(Item(IDC_COPY_COMMANDS), Commands().empty() ? SW_HIDE : SW_SHOWNA);
-    OnSelected();
+    Refresh();
 }
 
 void ReportWindow::Begin() {
@@ -32,8 +31,6 @@ void ReportWindow::Begin() {
 void ReportWindow::OnCommand(int id) {
     if (id == IDC_COPY_COMMANDS) CopyText(dialog_, Commands());
 }
-
-void ReportWindow::OnSelected() { SetItem(IDC_CHOSEN, list_.SelectedText()); }
 
 std::wstring ReportWindow::Commands() const {
     std::wstring commands;

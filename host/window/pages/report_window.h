@@ -22,7 +22,6 @@ class ReportWindow : public ListDialog, private FactsModel {
   private:
     void Begin() override;
     void OnCommand(int id) override;
-    void OnSelected() override;
     // One a line; empty: there are none.
     std::wstring Commands() const;
 

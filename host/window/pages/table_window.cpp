@@ -25,7 +25,7 @@ void TableWindow::Show(std::vector<Row> rows) {
     if (!IsOpen()) return;
     rows_ = std::move(rows);
     sorted_ = SIZE_MAX;
-    list_.Refresh();
+    Refresh();
 }
 
 void TableWindow::Begin() {
@@ -41,7 +41,7 @@ void TableWindow::OnHeading(size_t column) {
                                          -1, other[column].c_str(), -1);
         return isDescending_ ? order == CSTR_GREATER_THAN : order == CSTR_LESS_THAN;
     });
-    list_.Refresh();
+    Refresh();
 }
 
 void TableWindow::OnCommand(int id) {

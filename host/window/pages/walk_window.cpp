@@ -54,12 +54,12 @@ void WalkWindow::OnEnded(unsigned walk, const WalkEnd& end, const std::string& p
     SetItem(IDC_WALK_START, Text(IDS_WALK_START));
     const std::wstring count = std::to_wstring(values_.size());
     ShowState(problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
-    list_.Refresh();
+    ListDialog::Refresh();
 }
 
 void WalkWindow::Refresh() {
     if (!IsOpen() || state_ == State::kIdle) return;
-    list_.Refresh();
+    ListDialog::Refresh();
     const std::wstring seconds = std::to_wstring((GetTickCount64() - startMs_) / 1000);
     ShowState(state_ == State::kWaiting
                   ? Text(IDS_WALK_WAITING, {seconds})
@@ -102,7 +102,6 @@ void WalkWindow::Start() {
         return;
     }
     values_.clear();
-    list_.Refresh();
     state_ = State::kWaiting;
     startMs_ = GetTickCount64();
     SetItem(IDC_WALK_START, Text(IDS_WALK_STOP));

@@ -17,6 +17,8 @@ void Session::BeginSearch() {
     for (const ScanSweep& sweep : scan_.sweeps) search_ = std::max(search_, sweep.search);
     ++search_;
     isSearching_ = isChanged_ = true;
+    Refresh();  // no row may have the former numbers
+    isChanged_ = true;
 }
 
 void Session::BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time) {
@@ -157,8 +159,19 @@ void Session::SetScan(Scan scan) {
     beingRead_.clear();
     isSweeping_ = {};
     isUnsaved_ = false;
-    view.Select(std::nullopt);
+    view.Select({}, std::nullopt);
     isChanged_ = true;
+}
+
+size_t Session::CountFound() const {
+    const std::vector<DeviceRow>& rows = view.AllRows();
+    return static_cast<size_t>(std::count_if(rows.begin(), rows.end(), [this](const auto& row) {
+        return !(view.Others() != 0 && row.isNoPrinter) &&
+               std::any_of(row.answers.begin(), row.answers.end(), [this](size_t index) {
+                   const ScanSweep& sweep = scan_.sweeps[scan_.answers[index].sweep];
+                   return sweep.search != 0 && sweep.search == search_;
+               });
+    }));
 }
 
 void Session::AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,

@@ -44,6 +44,8 @@ class Session {
     bool IsUnsaved() const { return isUnsaved_; }
     void SetSaved(bool isSaved = true) { isUnsaved_ = !isSaved; }
     const std::vector<FoundDevice>& Devices() const { return devices_; }
+    // How many listed devices have answered the last search: others are older, or were added.
+    size_t CountFound() const;
     // Adds numeric addresses, each as what the user has typed.
     void AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
                    const std::string& time);

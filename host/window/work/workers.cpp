@@ -120,8 +120,14 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
 void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
     Job job;
     job.order = isUrgent ? Order::kUrgent : Order::kLater;
-    job.key = isSelected ? "selected" : KeyOf("read", target);
+    job.key = KeyOf("read", target);
+    job.isReading = true;
+    job.isSelected = isSelected;
     const auto end = [this](const AskTarget& asked, PrinterAnswers answers) {
+        {
+            const std::lock_guard<std::mutex> lock(mutex_);
+            reading_.clear();
+        }
         Results::Read read;
         read.target = asked;
         read.time = UtcNow();
@@ -479,12 +485,13 @@ void Workers::Add(WorkerId worker, Job job) {
     const std::lock_guard<std::mutex> lock(mutex_);
     Line& line = lines_[static_cast<size_t>(worker)];
     const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), [&](const Job& other) {
-        return !job.key.empty() && other.key == job.key;
+        return (job.isSelected && other.isSelected) || (!job.key.empty() && other.key == job.key);
     });
     if (known != line.jobs.end()) {
         if (job.order != Order::kUrgent) return;
         line.jobs.erase(known);
     }
+    if (job.isReading && job.key == reading_) return;
     isStopReported_ = false;
     line.jobs.insert(PlaceFor(job.order, line.jobs), std::move(job));
     if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
@@ -497,6 +504,7 @@ void Workers::Stop() {
         const std::lock_guard<std::mutex> lock(mutex_);
         ++stops_;
         wasReported = std::exchange(isStopReported_, true);
+        reading_.clear();
         for (Line& line : lines_) DropJobs(line, false);
     }
     StopRun();
@@ -560,9 +568,10 @@ Progress::Work Workers::Now() const {
 }
 
 // Must be called with the lock.
-Workers::Job Workers::RemoveFirst(Line& line, Stops& before) const {
+Workers::Job Workers::RemoveFirst(Line& line, Stops& before) {
     Job job = std::move(line.jobs.front());
     line.jobs.pop_front();
+    if (job.isReading) reading_ = job.key;
     before = {stops_, walkStops_};
     return job;
 }

@@ -30,8 +30,8 @@ class Workers {
 
     // WS-Discovery steps run on a separate worker; the others run one after the other.
     void Sweep(const std::vector<SweepStep>& steps);
-    // `isUrgent`: before all waiting devices. A device that is already waiting is not asked twice.
-    // One that is selected meanwhile takes the place of an urgent one that is `selected` too.
+    // `isUrgent`: before all waiting devices. A device that is waiting or being read is not asked
+    // twice. One that is selected meanwhile takes the place of one that waits because it was.
     void Ask(const AskTarget& target, bool isUrgent, bool isSelected = false);
     // Reads devices for the list, in two rounds, side by side; ends an earlier such reading.
     void ReadAll(const std::vector<AskTarget>& targets);
@@ -69,6 +69,7 @@ class Workers {
         std::function<void(const std::string& problem)> fail;  // reports that `run` has thrown
         std::function<void()> drop;  // reports that it will not begin; may be empty
         bool isSending = true;
+        bool isReading = false, isSelected = false;  // see Ask
     };
     // The request that a thread waits for; the address is empty if there is none.
     struct Wait {
@@ -109,7 +110,7 @@ class Workers {
     void AddUrgent(std::string key, std::function<void(const Stops&)> run,
                    std::function<void(const std::string&)> fail);
     std::deque<Job>::iterator PlaceFor(Order order, std::deque<Job>& jobs) const;
-    Job RemoveFirst(Line& line, Stops& before) const;
+    Job RemoveFirst(Line& line, Stops& before);
     void Run(WorkerId worker);
     static void Execute(const Job& job, const Stops& before);
     bool ExecuteUrgentJob();
@@ -122,6 +123,7 @@ class Workers {
     std::condition_variable changed_;
     std::array<Line, kWorkerCount> lines_;
     Wait wait_;                      // of the directed worker
+    std::string reading_;            // the key of its reading; empty: none, or it was stopped
     std::shared_ptr<FleetRun> run_;  // the last one; null: none
     std::list<Side> sides_;          // of it
     std::atomic<unsigned> stops_{0}, walkStops_{0};

@@ -94,14 +94,14 @@ class Lists : public testing::Test, private ListModel {
     HWND dialog_ = nullptr;
     ListControl list_{*this};
     std::vector<std::wstring> texts_;
-    unsigned emptyText_ = 0;
+    std::wstring emptyText_;
     int reports_ = 0;  // of the second row
 
   private:
     size_t Count() const override { return texts_.size(); }
     std::wstring CellText(size_t row, size_t) const override { return texts_[row]; }
     void OnSelected() override { reports_ += list_.Selected() == 1; }
-    unsigned EmptyText() const override { return emptyText_; }
+    std::wstring EmptyText() const override { return emptyText_; }
     bool IsBold(size_t row) const override { return row == 0; }
 };
 
@@ -161,7 +161,7 @@ TEST_F(Lists, SelectedRowIsFramedInHighContrast) {
 TEST_F(Lists, EmptyOnesSayWhyEachTime) {
     list_.Refresh();
     EXPECT_FALSE(DrawsText());
-    emptyText_ = IDS_NO_SELECTION;
+    emptyText_ = L"none";
     EXPECT_TRUE(DrawsText());
     texts_ = {L""};
     list_.Refresh();

@@ -7,11 +7,13 @@
 namespace {
 
 std::wstring opened;
+int openings = 0;
 
 bool opens = true;
 
 HINSTANCE WINAPI KeepOpened(HWND, LPCWSTR, LPCWSTR path, LPCWSTR, LPCWSTR, INT) {
     opened = path;
+    ++openings;
     SetLastError(ERROR_FILE_NOT_FOUND);
     return reinterpret_cast<HINSTANCE>(static_cast<INT_PTR>(opens ? 33 : 2));
 }
@@ -156,6 +158,42 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     EXPECT_EQ(split, Addresses());
     engine_.End();
     EXPECT_TRUE(Ends());
+}
+
+TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
+    std::vector<std::pair<std::string, std::string>> devices;
+    for (int last = 1; last < 14; ++last)
+        devices.emplace_back("10.77.1." + std::to_string(last), "x");
+    OpenWith(devices);
+    for (const int row : {0, 2}) Select(row, true);  // the third is silent
+    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
+    EXPECT_EQ(L"Details of x", TextOf(Control(IDC_DETAILS_LABEL)));
+    Command(IDM_CELL + 2);
+    EXPECT_EQ(L"10.77.1.1\r\n10.77.1.3", Copied());
+    Command(IDM_COPY_ROW);
+    const std::wstring rows = Copied();
+    EXPECT_EQ(2, std::count(rows.begin(), rows.end(), L'\n'));
+    const int reads = engine_.reads;
+    Command(IDM_ASK);
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(reads + 3, engine_.reads);  // the one with the focus whole
+    openings = 0;
+    Answer({IDNO}, [&] { Command(IDM_WEB); });
+    EXPECT_EQ("Open the web pages of 2 devices?", Answer({IDYES}, [&] { Command(IDM_WEB); }));
+    EXPECT_EQ(2, openings);
+    Command(IDM_WALK);
+    EXPECT_EQ(Text(IDS_SELECT_ONE), TextOf(Control(IDC_STATUS)));
+    // Another search, another order and a filter keep the selection.
+    ClickColumn(2);
+    Command(IDC_FIND);
+    ASSERT_TRUE(EndsSweeps());
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Search finished after 0 s, 0 devices"));
+    ClickColumn(2);
+    const ListControl& list = window_->panes.list.List();
+    EXPECT_EQ((std::vector<size_t>{0, 2}), list.Selection());
+    ListView_SetItemState(Control(IDC_DEVICES), -1, LVIS_SELECTED, LVIS_SELECTED);
+    Command(IDM_WEB);
+    EXPECT_EQ(Text(IDS_TOO_MANY_PAGES), TextOf(Control(IDC_STATUS)));
 }
 
 TEST_F(MainWindowTest, KeepsSettings) {

@@ -368,8 +368,11 @@ class MainWindowTest : public testing::Test {
         return all;
     }
     int Selected() const { return ListView_GetNextItem(Control(IDC_DEVICES), -1, LVNI_SELECTED); }
-    void Select(int row) {
-        ListView_SetItemState(Control(IDC_DEVICES), row, LVIS_SELECTED, LVIS_SELECTED);
+    // As by a click, or with Ctrl.
+    void Select(int row, bool isAlso = false) {
+        constexpr UINT kBoth = LVIS_SELECTED | LVIS_FOCUSED;
+        if (!isAlso) ListView_SetItemState(Control(IDC_DEVICES), -1, 0, LVIS_SELECTED);
+        ListView_SetItemState(Control(IDC_DEVICES), row, kBoth, kBoth);
     }
     void ClickColumn(int column) {
         NMLISTVIEW click = {};

@@ -100,6 +100,17 @@ TEST_F(WorkersTest, StopEndsOnlyTheRunningReading) {
     EXPECT_EQ(1, engine.ended);
 }
 
+// However fast the user goes to the next device and back. After a stop it is read again.
+TEST_F(WorkersTest, DeviceThatIsBeingReadIsNotReadTwice) {
+    BeginReading();
+    for (const char* selected : {"10.0.0.2", "10.0.0.1"})
+        workers.Ask({selected, SweepKind::kSnmpV1, {}}, true, true);
+    EXPECT_EQ(0u, workers.Now().waiting);
+    workers.Stop();
+    workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true, true);
+    EXPECT_TRUE(Comes([&] { return engine.begun == 2; }));
+}
+
 TEST_F(WorkersTest, ReportOnThisComputerWhileADeviceIsAsked) {
     BeginReading();
     workers.ReadAdapters();

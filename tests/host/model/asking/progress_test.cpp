@@ -65,16 +65,13 @@ TEST_F(ProgressTest, NoteReturnsWhenNothingIsInProgress) {
 // A device is asked between two requests of a walk.
 TEST_F(ProgressTest, AskingIsShownBeforeAWalk) {
     progress.BeginWalk("10.0.0.1");
-    progress.BeginReading("10.0.0.2");
+    progress.BeginAsking("10.0.0.2");
     Progress::Work work;
     work.waiting = 7;
     EXPECT_EQ((Expected{Kind::kAsking, {0, 7, 0}}), Shown(work));
     EXPECT_EQ("10.0.0.2", progress.Now({}).address);
-    EXPECT_TRUE(progress.IsReading("10.0.0.2"));
     progress.EndAsking();
     EXPECT_EQ("10.0.0.1", progress.Now({}).address);
-    progress.BeginDiagnosis("10.0.0.2");
-    EXPECT_FALSE(progress.IsReading("10.0.0.2"));
 }
 
 TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {

@@ -78,7 +78,7 @@ TEST_F(DeviceViewTest, SortsTextWithoutCaseAndUnknownValuesLast) {
 TEST_F(DeviceViewTest, FilterHidesWithoutDeleting) {
     Hear("10.77.1.1", "VN LaserPro");
     Hear("10.77.1.2", "VN InkLine");
-    view_.Select(1);
+    view_.Select({1}, 1);
     view_.Filter("vn  laser");
     EXPECT_EQ("10.77.1.1;", Shown());
     EXPECT_FALSE(view_.SelectedRow());  // commands act on what is seen
@@ -92,13 +92,27 @@ TEST_F(DeviceViewTest, FilterHidesWithoutDeleting) {
 TEST_F(DeviceViewTest, SelectionFollowsItsDevice) {
     Hear("10.77.1.5", "x");
     Hear("10.77.1.9", "y");
-    view_.Select(1);
+    view_.Select({1}, 1);
     Hear("10.77.1.1", "z");
     EXPECT_EQ(2u, view_.Selected());
     Tell("10.77.1.5", "prtGeneralSerialNumber.1", kOctetString, "S1");
     Tell("10.77.1.9", "prtGeneralSerialNumber.1", kOctetString, "S1");
     EXPECT_EQ("10.77.1.1;10.77.1.5, 10.77.1.9;", Shown());
     EXPECT_EQ(1u, view_.Selected());
+}
+
+// Also those that are hidden meanwhile.
+TEST_F(DeviceViewTest, SeveralStaySelected) {
+    for (const char* address : {"10.77.1.1", "10.77.1.2", "10.77.1.3"}) Hear(address, address);
+    view_.Select({0, 2}, 2);
+    view_.Sort(Column::kAddress, true);
+    EXPECT_EQ((std::vector<size_t>{0, 2}), view_.Selection());
+    EXPECT_EQ(0u, view_.Selected());
+    view_.Filter("1.1");
+    EXPECT_EQ((std::vector<size_t>{0}), view_.Selection());
+    EXPECT_EQ(0u, view_.Selected()) << "in place of the one that is hidden";
+    view_.Filter("");
+    EXPECT_EQ((std::vector<size_t>{0, 2}), view_.Selection());
 }
 
 TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {

@@ -183,7 +183,9 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     EXPECT_FALSE(log.IsMarked(row));
     EXPECT_TRUE(take(Standing::Kind::kRead, "jammed", 29));
     EXPECT_TRUE(take(Standing::Kind::kRead, "jammed", 0));
+    log.LearnStates({row});  // by another limit
     EXPECT_TRUE(log.IsMarked(row));
+    EXPECT_FALSE(take(Standing::Kind::kRead, "jammed", 0));
     log.Unmark(row);
     EXPECT_FALSE(log.IsMarked(row));
     log.ForgetStates();
