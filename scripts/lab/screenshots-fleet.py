@@ -20,8 +20,8 @@ LATER = {1: ("Copy room", "VN MultiStation C9", 0, 98), 2: ("Reception", "VN Las
 printers_test.COUNT, printers_test.FIRST = len(PRINTERS), PRINTERS
 printers_test.SLOW = printers_test.COMPUTER = printers_test.OFFICE = -1
 fleet = printers_test.Fleet()
+signal.pthread_sigmask(signal.SIG_BLOCK, {signal.SIGUSR1})  # before there are threads, which would get it
 threading.Thread(target=fleet.serve, daemon=True).start()
-print("ready", flush=True)
 signal.sigwait({signal.SIGUSR1})
 for device, printer in LATER.items():
     PRINTERS[device] = printer

@@ -14,13 +14,13 @@ ip -n neta -batch - <<<'link set eth0 up
     addr add 10.77.1.2/24 dev eth0
     route add local 10.77.3.0/24 dev lo'
 ip -n host route add 10.77.3.0/24 via 10.77.1.2
-python3 "$here/screenshots-fleet.py" >"$VNDISCOVER_LAB/fleet" 2>&1 </dev/null &
+python3 "$here/screenshots-fleet.py" </dev/null &
 fleet=$!
 # Labs share the machine's temporary folder, which has the sockets of displays.
 mkdir -p "$VNDISCOVER_LAB/x11"
 mkdir -p /tmp/.X11-unix
 mount --bind "$VNDISCOVER_LAB/x11" /tmp/.X11-unix
-Xvfb -displayfd 1 -screen 0 $((1200 * dpi / 96))x$((720 * dpi / 96))x24 -nolisten tcp -nocursor \
+Xvfb -displayfd 1 -screen 0 $((1104 * dpi / 96))x$((624 * dpi / 96))x24 -nolisten tcp -nocursor \
     >"$VNDISCOVER_LAB/display" 2>/dev/null &
 for _ in $(seq 100); do
     [ ! -s "$VNDISCOVER_LAB/display" ] || break
@@ -80,7 +80,7 @@ Key() {
 
 Wine "$VNDISCOVER_BIN/VnBrowser.exe" &
 sleep 6
-xdotool mousemove $((600 * dpi / 96)) $((690 * dpi / 96))
+xdotool mousemove $((600 * dpi / 96)) $((622 * dpi / 96))
 Picture empty
 Key F5
 sleep 20 # by two communities, then the reading
@@ -97,7 +97,7 @@ Key F6 Home
 sleep 4
 Picture printer
 Key F6 Down Down Down Down Down
-sleep 1
+sleep 3
 Picture row
 for page in protocols interfaces answers; do
     Key ctrl+Tab
@@ -119,6 +119,7 @@ Picture settings
 Key Escape alt+d d
 sleep 1
 xdotool type 10.80.9.12
+sleep 2
 Picture add
 Key Escape alt+h a
 sleep 1
@@ -150,7 +151,7 @@ Key Escape alt+d v
 sleep 1
 Key Return
 sleep 6
-Key Tab Home
+Key Tab Tab Down
 sleep 1
 Picture walk
 Key Escape ctrl+f Escape
@@ -159,8 +160,8 @@ kill -USR1 $fleet
 ip -n copy link set eth0 down
 Key F5
 sleep 26
-Key F6 End
-sleep 2
+Key F6 Home
+sleep 4
 Picture vanished
 Key alt+t h
 sleep 1

@@ -14,7 +14,7 @@ namespace vndiscover::host {
 
 void StatusBar::Create() {
     bar_ = CreateControl(state_.window, STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
-    reading_ = CreateControl(bar_, PROGRESS_CLASSW, 0, 0, IDC_READ_BAR);
+    reading_ = CreateControl(bar_, PROGRESS_CLASSW, IDS_READ_BAR, 0, IDC_READ_BAR);
     ShowWindow(reading_, SW_HIDE);
 }
 

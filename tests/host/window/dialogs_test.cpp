@@ -28,6 +28,7 @@ void CheckDialog(HWND dialog, size_t controls) {
     const auto places = PlacesIn(dialog);
     for (const auto& [control, place] : places) {
         SCOPED_TRACE(GetDlgCtrlID(control));
+        EXPECT_TRUE(NameOf(control) != L"" || GetDlgCtrlID(control) == IDC_CHOSEN);
         const bool isButton = TypeOf(control) == L"Button";
         if (!isButton && TypeOf(control) != L"Static") continue;
         EXPECT_TRUE(!TextOf(control).empty() || GetDlgCtrlID(control) == IDC_CHOSEN);

@@ -213,14 +213,13 @@ TEST_F(MainWindowTest, KeepsSettings) {
     RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View");
 }
 
-// Every control also has a name: its own text, or that of the label before it.
+// Every control also has a name.
 void CheckControls(HWND window) {
     const auto places = PlacesIn(window);
     for (const auto& [control, place] : places) {
-        const HWND label = GetWindow(control, GW_HWNDPREV);
-        const bool hasLabel = label && TypeOf(label) == L"Static" && !TextOf(label).empty();
-        EXPECT_TRUE(hasLabel || !TextOf(control).empty()) << GetDlgCtrlID(control);
+        EXPECT_NE(L"", NameOf(control)) << GetDlgCtrlID(control);
     }
+    EXPECT_NE(L"", NameOf(GetDlgItem(GetDlgItem(window, IDC_STATUS), IDC_READ_BAR)));
     EXPECT_EQ(17u, places.size());
 }
 

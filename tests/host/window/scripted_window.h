@@ -7,6 +7,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <oleacc.h>
 
 #include <atomic>
 #include <condition_variable>
@@ -243,6 +244,25 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
         places.emplace_back(child, place);
     }
     return places;
+}
+
+// As a screen reader gets it. Wine leaves fields to the label before them.
+inline std::wstring NameOf(HWND control) {
+    IAccessible* object = nullptr;
+    BSTR name = nullptr;
+    VARIANT self = {};
+    self.vt = VT_I4;
+    if (AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
+                                   reinterpret_cast<void**>(&object)) != S_OK)
+        return L"";
+    object->get_accName(self, &name);
+    object->Release();
+    std::wstring text(name ? name : L"");
+    SysFreeString(name);
+    const HWND label = GetWindow(control, GW_HWNDPREV);
+    const bool isField = TypeOf(control) == L"Edit" || TypeOf(control) == L"ComboBox";
+    if (isField) text = label && TypeOf(label) == L"Static" ? NameOf(label) : L"";
+    return text;
 }
 
 inline std::wstring CellOf(HWND list, int row, int column) {
