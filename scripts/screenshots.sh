@@ -29,4 +29,9 @@ pictures=()
 for first in $(ls -tr "$folder"/*-96.png); do
     for look in "${looks[@]}"; do pictures+=("${first%-96.png}-${look#96 }.png"); done
 done
-montage -font Liberation-Sans -pointsize 16 -label '%t' "${pictures[@]}" -tile "${#looks[@]}x" -geometry 560x336+6+6 "$folder/sheet.png"
+# Made small one by one: all at once, they need more memory than ImageMagick allows itself.
+small=$(mktemp -d)
+for picture in "${pictures[@]}"; do convert "$picture" -resize 560x336 -depth 8 "$small/${picture##*/}"; done
+montage -limit memory 2GiB -font Liberation-Sans -pointsize 16 -label '%t' "${pictures[@]/#*\//$small/}" \
+    -tile "${#looks[@]}x" -geometry 560x336+6+6 "$folder/sheet.png"
+rm -rf "$small"
