@@ -1,8 +1,8 @@
 #include "values/utc_time.h"
 
+#include <charconv>
 #include <ctime>
-#include <iomanip>
-#include <sstream>
+#include <iterator>
 
 namespace vndiscover::host {
 namespace {
@@ -25,11 +25,16 @@ std::string UtcNow() {
 }
 
 std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
-    std::tm time = {};
-    std::istringstream text(utc);
-    if (!(text >> std::get_time(&time, "%Y-%m-%dT%H:%M:%SZ"))) return "";
-    const int64_t days = DaysUntil(time.tm_year + 1900, time.tm_mon + 1, time.tm_mday);
-    const int64_t at = ((days * 24 + time.tm_hour) * 60 + time.tm_min) * 60 + time.tm_sec;
+    if (utc.size() != 20) return "";
+    constexpr size_t kPlaces[] = {0, 5, 8, 11, 14, 17};
+    int parts[std::size(kPlaces)] = {};
+    for (size_t i = 0; i < std::size(kPlaces); ++i) {
+        const char* from = utc.data() + kPlaces[i];
+        const char* end = from + (i == 0 ? 4 : 2);
+        if (std::from_chars(from, end, parts[i]).ptr != end) return "";
+    }
+    const auto& [year, month, day, hour, minute, second] = parts;
+    const int64_t at = ((DaysUntil(year, month, day) * 24 + hour) * 60 + minute) * 60 + second;
     const auto start = static_cast<std::time_t>(at - static_cast<int64_t>(seconds));
     const std::tm* local = std::localtime(&start);
     char before[32];
