@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "platform/console.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"

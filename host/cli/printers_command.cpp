@@ -8,9 +8,9 @@
 #include "cli/printer_finder.h"
 #include "model/scan/fact_json.h"
 #include "platform/console.h"
-#include "platform/wide_text.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -113,35 +113,31 @@ std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
         "page count,supplies,not read\n";
     for (const PrinterLine& printer : printers) {
         const PrinterFacts& facts = printer.facts;
-        std::vector<std::string> cells = {SeverityName(printer.summary.severity),
-                                          printer.summary.state,
-                                          printer.summary.supply,
-                                          facts.name,
-                                          facts.model,
-                                          Joined(printer.addresses),
-                                          facts.serialNumber,
-                                          facts.location,
-                                          facts.description,
-                                          CountText(facts),
-                                          SuppliesText(facts),
-                                          printer.problem};
-        for (std::string& cell : cells) cell = CsvCell(cell);
-        text += Joined(cells, ",") + "\n";
+        const std::vector<std::string> cells = {SeverityName(printer.summary.severity),
+                                                printer.summary.state,
+                                                printer.summary.supply,
+                                                facts.name,
+                                                facts.model,
+                                                Joined(printer.addresses),
+                                                facts.serialNumber,
+                                                facts.location,
+                                                facts.description,
+                                                CountText(facts),
+                                                SuppliesText(facts),
+                                                printer.problem};
+        text += JoinedAs(cells, CsvCell, ",") + "\n";
     }
     return text;
 }
 
 std::string AskedText(const std::vector<Login>& logins) {
-    std::vector<std::string> names(logins.size());
-    std::transform(logins.begin(), logins.end(), names.begin(), NameOf);
-    return Joined(names, " and ") + " for " + kPrinterObject;
+    return JoinedAs(logins, NameOf, " and ") + " for " + kPrinterObject;
 }
 
 void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
             const std::vector<PrinterLine>& printers, size_t others) {
-    const auto incomplete =
-        std::count_if(printers.begin(), printers.end(),
-                      [](const PrinterLine& printer) { return !printer.problem.empty(); });
+    const size_t incomplete =
+        CountIf(printers, [](const PrinterLine& printer) { return !printer.problem.empty(); });
     if (incomplete > 0)
         Warn("printers that could not be read whole: " + std::to_string(incomplete));
     if (others > 0) Warn("devices that answered but are no printers: " + std::to_string(others));
@@ -167,7 +163,7 @@ int RunPrinters(const PrintersOptions& options, const std::vector<V3Options>& us
         Print(PrintersText(printers, OutputWidth(SIZE_MAX)));
     WarnOf(finder, logins, printers, others);
     if (printers.empty()) return finder.WasSent() || finder.IsStopped() ? kNone : kSendFailed;
-    const bool isFine = std::all_of(printers.begin(), printers.end(), [](const auto& printer) {
+    const bool isFine = AllOf(printers, [](const PrinterLine& printer) {
         return printer.summary.severity == Severity::kFine;
     });
     return options.isStrict && !isFine ? kNeedsAttention : kFound;

@@ -1,7 +1,6 @@
 // JSON output for other programs.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "values/plain_text.h"
+#include "values/ranges.h"
+#include "values/text.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -100,6 +101,12 @@ constexpr char kAlertCodes[] =
     "interpreterResourceDeleted(1506) interpreterResourceUnavailable(1507) "
     "interpreterComplexPageEncountered(1509) alertRemovalOfBinaryChangeEntry(1801)";
 
+struct ObjectName {
+    const char* name;   // "hrPrinterStatus"
+    const char* below;  // its OID below .1.3.6.1.2.1: "25.3.5.1.1"
+    Syntax syntax;
+    const char* words;  // "idle(3) printing(4)"; empty for other syntaxes
+};
 constexpr ObjectName Plain(const char* name, const char* below) {
     return {name, below, Syntax::kPlain, ""};
 }
@@ -107,49 +114,8 @@ constexpr ObjectName Words(const char* name, const char* below, const char* word
     return {name, below, Syntax::kEnumeration, words};
 }
 
-std::vector<Oid> MakeOids() {
-    std::vector<Oid> oids;
-    for (size_t i = 0; i < kObjectNameCount; ++i) {
-        oids.push_back(ParseOid(kMib2 + std::string(kObjectNames[i].below)).value_or(Oid()));
-    }
-    return oids;
-}
-
-const std::vector<Oid>& Oids() {
-    static const std::vector<Oid> oids = MakeOids();
-    return oids;
-}
-
-// Its index in the table, or kObjectNameCount if it is not there.
-size_t FindName(std::string_view name) {
-    const std::string lower = Lower(name);
-    const auto* end = kObjectNames + kObjectNameCount;
-    return static_cast<size_t>(
-        std::find_if(kObjectNames, end,
-                     [&](const ObjectName& known) { return Lower(known.name) == lower; }) -
-        kObjectNames);
-}
-
-// The index of the object that the OID is, or is an instance of.
-size_t FindObject(const Oid& oid) {
-    const std::vector<Oid>& oids = Oids();
-    // The last one that is not greater: an object's instances come between it and the next object.
-    const auto after = std::upper_bound(oids.begin(), oids.end(), oid);
-    if (after == oids.begin() || !IsWithin(oid, *(after - 1))) return kObjectNameCount;
-    return static_cast<size_t>(after - oids.begin()) - 1;
-}
-
-std::string Word(std::string_view words, int64_t number) {
-    const size_t end = words.find("(" + std::to_string(number) + ")");
-    if (end == std::string_view::npos) return "";
-    const size_t space = words.rfind(' ', end);
-    const size_t start = space == std::string_view::npos ? 0 : space + 1;
-    return std::string(words.substr(start, end - start));
-}
-
-}  // namespace
-
-const ObjectName kObjectNames[] = {
+// In the order of their OIDs.
+constexpr ObjectName kObjectNames[] = {
     Plain("sysDescr", "1.1"),
     Plain("sysObjectID", "1.2"),
     Plain("sysUpTime", "1.3"),
@@ -249,13 +215,52 @@ const ObjectName kObjectNames[] = {
     Plain("entPhysicalMfgName", "47.1.1.1.1.12"),
     Plain("entPhysicalModelName", "47.1.1.1.1.13"),
 };
-const size_t kObjectNameCount = sizeof kObjectNames / sizeof kObjectNames[0];
+
+// Null if it is not in the table.
+const ObjectName* FindName(std::string_view name) {
+    const std::string lower = Lower(name);
+    return FindIf(kObjectNames,
+                  [&](const ObjectName& known) { return Lower(known.name) == lower; });
+}
+
+const ObjectName* FindObject(const Oid& oid) {
+    const Oid* const object = StandardObjectOf(oid);
+    return object ? &kObjectNames[object - StandardObjects().data()] : nullptr;
+}
+
+std::string Word(std::string_view words, int64_t number) {
+    const size_t end = words.find("(" + std::to_string(number) + ")");
+    if (end == std::string_view::npos) return "";
+    const size_t space = words.rfind(' ', end);
+    const size_t start = space == std::string_view::npos ? 0 : space + 1;
+    return std::string(words.substr(start, end - start));
+}
+
+}  // namespace
+
+const std::vector<Oid>& StandardObjects() {
+    static const auto all = [] {
+        std::vector<Oid> oids;
+        for (const ObjectName& object : kObjectNames)
+            oids.push_back(ParseOid(kMib2 + std::string(object.below)).value_or(Oid()));
+        return oids;
+    }();
+    return all;
+}
+
+const Oid* StandardObjectOf(const Oid& oid) {
+    const std::vector<Oid>& all = StandardObjects();
+    // The last one that is not greater: an object's instances come between it and the next object.
+    const auto after = std::upper_bound(all.begin(), all.end(), oid);
+    return after == all.begin() || !IsWithin(oid, *(after - 1)) ? nullptr : &*(after - 1);
+}
 
 const Oid& OidOf(std::string_view name) {
     // Called dozens of times for each of thousands of devices.
     static const auto known = [] {
         std::unordered_map<std::string_view, const Oid*> oids;
-        for (size_t i = 0; i < kObjectNameCount; ++i) oids[kObjectNames[i].name] = &Oids()[i];
+        const Oid* oid = StandardObjects().data();
+        for (const ObjectName& object : kObjectNames) oids[object.name] = oid++;
         return oids;
     }();
     return *known.at(name);
@@ -264,11 +269,10 @@ const Oid& OidOf(std::string_view name) {
 std::optional<Oid> ParseOidOrName(std::string_view text) {
     if (auto oid = ParseOid(text)) return oid;
     const size_t dot = std::min(text.find('.'), text.size());
-    const size_t found = FindName(text.substr(0, dot));
-    if (found == kObjectNameCount) return std::nullopt;
-    Oid oid = Oids()[found];
-    if (dot == text.size()) return oid;
-    return ParseOid(OidToText(oid) + std::string(text.substr(dot)));
+    const ObjectName* const object = FindName(text.substr(0, dot));
+    if (!object) return std::nullopt;
+    const Oid& oid = OidOf(object->name);
+    return dot == text.size() ? oid : ParseOid(OidToText(oid) + std::string(text.substr(dot)));
 }
 
 std::string NotAnOid(std::string_view text) {
@@ -278,19 +282,19 @@ std::string NotAnOid(std::string_view text) {
 }
 
 std::string NameText(const Oid& oid) {
-    const size_t found = FindObject(oid);
-    if (found == kObjectNameCount) return OidToText(oid);
-    return kObjectNames[found].name + OidToText(Tail(oid, Oids()[found].size()));
+    const ObjectName* const object = FindObject(oid);
+    if (!object) return OidToText(oid);
+    return object->name + OidToText(Tail(oid, OidOf(object->name).size()));
 }
 
 Syntax SyntaxOf(const Oid& oid) {
-    const size_t found = FindObject(oid);
-    return found == kObjectNameCount ? Syntax::kPlain : kObjectNames[found].syntax;
+    const ObjectName* const object = FindObject(oid);
+    return object ? object->syntax : Syntax::kPlain;
 }
 
 std::string WordOf(std::string_view name, int64_t number) {
-    const size_t found = FindName(name);
-    return found == kObjectNameCount ? "" : Word(kObjectNames[found].words, number);
+    const ObjectName* const object = FindName(name);
+    return object ? Word(object->words, number) : "";
 }
 
 std::vector<std::string> WordsOf(std::string_view name, std::string_view bits) {
@@ -306,19 +310,18 @@ std::vector<std::string> WordsOf(std::string_view name, std::string_view bits) {
 }
 
 std::string FormatNamedValue(const Oid& oid, uint32_t type, std::string_view bytes) {
-    const size_t found = FindObject(oid);
+    const ObjectName* const object = FindObject(oid);
     std::string plain = FormatValue(type, bytes);
-    if (found == kObjectNameCount) return plain;
-    const ObjectName& object = kObjectNames[found];
-    if (object.syntax == Syntax::kEnumeration && type == kInteger) {
+    if (!object) return plain;
+    if (object->syntax == Syntax::kEnumeration && type == kInteger) {
         const auto number = SignedNumber(bytes);
-        const std::string word = number ? Word(object.words, *number) : "";
+        const std::string word = number ? Word(object->words, *number) : "";
         return word.empty() ? plain : word + "(" + plain + ")";
     }
     if (type != kOctetString || bytes.empty()) return plain;
-    if (object.syntax == Syntax::kBinary) return HexText(bytes, ":");
-    if (object.syntax != Syntax::kBits) return plain;
-    const std::vector<std::string> words = WordsOf(object.name, bytes);
+    if (object->syntax == Syntax::kBinary) return HexText(bytes, ":");
+    if (object->syntax != Syntax::kBits) return plain;
+    const std::vector<std::string> words = WordsOf(object->name, bytes);
     return words.empty() ? "none" : Joined(words);
 }
 

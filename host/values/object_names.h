@@ -1,7 +1,6 @@
 // Names of standard objects and the words of their values (RFC 1213, 2790, 2863, 3418, 3805, 6933).
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,16 +18,10 @@ enum class Syntax {
     kBits,         // OCTET STRING with a word for each bit; the first bit is the highest
 };
 
-struct ObjectName {
-    const char* name;   // "hrPrinterStatus"
-    const char* below;  // its OID below .1.3.6.1.2.1: "25.3.5.1.1"
-    Syntax syntax;
-    const char* words;  // "idle(3) printing(4)"; empty for other syntaxes
-};
-
-// In the order of their OIDs.
-extern const ObjectName kObjectNames[];
-extern const size_t kObjectNameCount;
+// The objects that have names, without instances, in order.
+const std::vector<Oid>& StandardObjects();
+// The one that the OID is, or is an instance of; null if there is none.
+const Oid* StandardObjectOf(const Oid& oid);
 
 // The OID, without an instance, of an object that must be in the table.
 const Oid& OidOf(std::string_view name);

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <iterator>
+
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -38,9 +38,7 @@ bool StartsFormula(std::string_view text) {
     constexpr std::string_view kStarts[] = {
         "=",           "+", "-", "@", "\t", "\r", "\xEF\xBC\x9D", "\xEF\xBC\x8B", "\xEF\xBC\x8D",
         "\xEF\xBC\xA0"};
-    return std::any_of(std::begin(kStarts), std::end(kStarts), [&](std::string_view start) {
-        return text.substr(0, start.size()) == start;
-    });
+    return AnyOf(kStarts, [&](auto start) { return text.substr(0, start.size()) == start; });
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,15 @@ std::string Lower(std::string_view text);
 
 // The texts that are not empty, with `separator` between them.
 std::string Joined(const std::vector<std::string>& texts, std::string_view separator = ", ");
+
+// The text of each element, those that are not empty with `separator` between them.
+template <class Range, class TextOf>
+std::string JoinedAs(const Range& range, TextOf textOf, std::string_view separator = ", ") {
+    std::vector<std::string> texts;
+    texts.reserve(std::size(range));
+    for (const auto& element : range) texts.push_back(textOf(element));
+    return Joined(texts, separator);
+}
 
 // The parts of a text between any of `separators`; none is empty.
 std::vector<std::string> SplitText(std::string_view text, std::string_view separators);

@@ -11,7 +11,6 @@
 
 #include <cjson/cJSON.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <pugixml.hpp>
@@ -19,6 +18,7 @@
 
 #include "values/json_output.h"
 #include "values/plain_text.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -40,18 +40,10 @@ constexpr Prefix kPrefixes[] = {
     {"pub", "http://schemas.microsoft.com/windows/pub/2005/07"},
 };
 
-const Prefix* FindPrefix(std::string_view prefix) {
-    const auto* found = std::find_if(std::begin(kPrefixes), std::end(kPrefixes),
-                                     [&](const Prefix& known) { return known.prefix == prefix; });
-    return found == std::end(kPrefixes) ? nullptr : found;
-}
-
 bool IsName(std::string_view name) {
-    const auto isNameCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               c == '_' || c == '-' || c == '.';
-    };
-    return !name.empty() && std::all_of(name.begin(), name.end(), isNameCharacter);
+    constexpr std::string_view kLetters =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-.";
+    return !name.empty() && name.find_first_not_of(kLetters) == std::string_view::npos;
 }
 
 struct QName {
@@ -79,8 +71,7 @@ bool Is(pugi::xml_node node, std::string_view local,
     const QName name = Split(node.name());
     if (name.local != local) return false;
     const std::string_view uri = NamespaceOf(node, name.prefix);
-    return std::any_of(namespaces.begin(), namespaces.end(),
-                       [&](const char* one) { return uri == one; });
+    return Contains(namespaces, uri);
 }
 
 pugi::xml_node Child(pugi::xml_node parent, std::string_view local,
@@ -108,9 +99,8 @@ ProbeMatch ReadMatch(pugi::xml_node node) {
     match.endpoint =
         PlainText(Child(endpoint, "Address", {kAddressing, kAddressing10}).text().get());
     const auto types = Child(node, "Types", {kDiscovery, kDiscovery11});
-    for (const std::string& word : SplitText(types.text().get(), kSpace)) {
+    for (const std::string& word : SplitText(types.text().get(), kSpace))
         match.types.push_back(ShownType(types, word));
-    }
     const auto xAddrs = Child(node, "XAddrs", {kDiscovery, kDiscovery11});
     for (const std::string& word : SplitText(xAddrs.text().get(), kSpace))
         match.xAddrs.push_back(PlainText(word));
@@ -123,7 +113,9 @@ std::optional<std::string> CheckTypes(std::string_view text, std::string& proble
     const std::vector<std::string> words = SplitText(text, " ,");
     for (const std::string& word : words) {
         const QName name = Split(word);
-        if (FindPrefix(name.prefix) && IsName(name.local)) continue;
+        const bool isKnown =
+            AnyOf(kPrefixes, [&](const Prefix& known) { return known.prefix == name.prefix; });
+        if (isKnown && IsName(name.local)) continue;
         problem = "'" + word + "' is not a type; prefixes: wsdp, wprt, wscn, pub";
         return std::nullopt;
     }

@@ -1,10 +1,9 @@
 #include "model/asking/answer.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "values/module_types.h"
+#include "values/ranges.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -85,9 +84,8 @@ const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type) 
     if (type != kCounter32 || IsWithin(asked, kSnmpModules) || !IsWithin(answered, kSnmpModules))
         return nullptr;
     const Oid counter = Tail(answered, kSnmpModules.size());
-    const auto* found = std::find_if(std::begin(kReasons), std::end(kReasons),
-                                     [&](const Reason& known) { return known.counter == counter; });
-    return found == std::end(kReasons) ? nullptr : found->text;
+    const auto* known = FindIf(kReasons, [&](const auto& one) { return one.counter == counter; });
+    return known ? known->text : nullptr;
 }
 
 }  // namespace vndiscover::host

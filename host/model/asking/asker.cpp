@@ -1,7 +1,5 @@
 #include "model/asking/asker.h"
 
-#include <utility>
-
 namespace vndiscover::host {
 namespace {
 

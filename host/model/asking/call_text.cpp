@@ -1,12 +1,12 @@
 #include "model/asking/call_text.h"
 
-#include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
 #include <utility>
 
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -107,27 +107,21 @@ struct Parameter {
 };
 
 std::optional<std::vector<Parameter>> ParametersOf(const std::string& name) {
-    for (const ExportShape& shape : kCallShapes) {
-        if (name != shape.name) continue;
-        std::vector<Parameter> parameters;
-        std::string_view rest = shape.parameters;
-        while (!rest.empty() && rest != "void") {
-            const std::string_view one = rest.substr(0, rest.find(", "));
-            const size_t blank = one.rfind(' ');
+    const auto* shape = FindIf(kCallShapes, [&](const auto& one) { return name == one.name; });
+    if (!shape) return std::nullopt;
+    std::vector<Parameter> parameters;
+    for (const std::string& one : SplitText(shape->parameters, ",")) {
+        const size_t blank = one.rfind(' ');
+        if (blank != std::string::npos)  // not "void"
             parameters.push_back(
-                {std::string(one.substr(0, blank)), std::string(one.substr(blank + 1))});
-            rest.remove_prefix(std::min(rest.size(), one.size() + 2));
-        }
-        return parameters;
+                {one.substr(one.find_first_not_of(' '), blank - one.find_first_not_of(' ')),
+                 one.substr(blank + 1)});
     }
-    return std::nullopt;
+    return parameters;
 }
 
 const CallArgument* Find(const Call& call, std::string_view name) {
-    for (const CallArgument& argument : call.arguments) {
-        if (argument.name == name) return &argument;
-    }
-    return nullptr;
+    return FindIf(call.arguments, [&](const auto& argument) { return argument.name == name; });
 }
 
 std::string Given(const Call& call, std::string_view name) {
@@ -212,10 +206,9 @@ std::string SharpType(const Parameter& parameter) {
         {"const wchar_t*", "[MarshalAs(UnmanagedType.LPWStr)] string"},
         {"const char*", "[MarshalAs(UnmanagedType.LPStr)] string"}};
     if (parameter.name == "probe") return "byte[]";
-    for (const auto& [type, sharp] : kTypes) {
-        if (parameter.type == type) return sharp;
-    }
-    return "";
+    const auto* known =
+        FindIf(kTypes, [&](const auto& one) { return parameter.type == one.first; });
+    return known ? known->second : "";
 }
 
 // NAME(ONE, OTHER), wrapped into lines.
@@ -307,9 +300,8 @@ std::optional<std::string> Word(const std::string& value) {
         return static_cast<unsigned char>(letter) < ' ' || letter == '"' || letter == '%' ||
                letter == '!';
     };
-    if (value.empty() || value[0] == '-' || std::any_of(value.begin(), value.end(), isUnsafe))
-        return std::nullopt;
-    if (std::all_of(value.begin(), value.end(), isPlain)) return value;
+    if (value.empty() || value[0] == '-' || AnyOf(value, isUnsafe)) return std::nullopt;
+    if (AllOf(value, isPlain)) return value;
     // A program reads a backslash before a quote as an escape.
     const size_t ends = value.size() - (value.find_last_not_of('\\') + 1);
     return "\"" + value + std::string(ends, '\\') + "\"";
@@ -391,10 +383,9 @@ std::string CallLine(const Call& call) {
     std::string line;
     for (const CallArgument& argument : call.arguments) {
         // An argument that the export does not have is part of another one.
-        const bool isOwn = parameters && std::any_of(parameters->begin(), parameters->end(),
-                                                     [&](const Parameter& each) {
-                                                         return each.name == argument.name;
-                                                     });
+        const bool isOwn = parameters && AnyOf(*parameters, [&](const Parameter& each) {
+                               return each.name == argument.name;
+                           });
         if (!isOwn || argument.name == "probe") continue;
         const bool isNumber = !argument.value.empty() &&
                               argument.value.find_first_not_of("0123456789") == std::string::npos;

@@ -13,25 +13,25 @@ namespace {
 const Oid kSysDescr = {1, 3, 6, 1, 2, 1, 1, 1, 0};
 
 // An answer without a value, or one that cannot be read, counts: the device accepted the request.
-StepResult ResultOf(const Answer& answer) {
+StepResult ResultOf(const Answer& answer, int64_t ms) {
     switch (answer.status) {
         case Status::kAnswered:
         case Status::kUnreadable:
         case Status::kSilentHere:
-            return {Outcome::kAnswered, "", 0};
+            return {Outcome::kAnswered, "", ms};
         case Status::kSendFailed:
-            return {Outcome::kNotSent, "", 0};
+            return {Outcome::kNotSent, "", ms};
         case Status::kRefused:
-            return {Outcome::kRefused, answer.note, 0};
+            return {Outcome::kRefused, answer.note, ms};
         case Status::kOnlyDiscovered:
             return {
                 Outcome::kSilent,
                 "wrong privacy password or protocol, or the device drops requests that it refuses",
-                0};
+                ms};
         case Status::kNoAnswer:
             break;
     }
-    return {Outcome::kSilent, "", 0};
+    return {Outcome::kSilent, "", ms};
 }
 
 // How long sweeps, and every request over SNMPv3, wait for an answer.
@@ -80,62 +80,45 @@ std::string Cause(const HostDiagnosis& diagnosis) {
                : "device switched off, another address, or a router or firewall on the way";
 }
 
-class Diagnostician {
-  public:
-    explicit Diagnostician(const DiagnosisSteps& steps) : steps_(steps) {}
-
-    HostDiagnosis Run() {
-        diagnosis_.hasUser = steps_.hasUser;
-        diagnosis_.hasRoute = steps_.hasRoute;
-        if (MustStop()) return diagnosis_;
-        const int64_t startMs = NowMs();
-        diagnosis_.ping.outcome = steps_.ping() ? Outcome::kAnswered : Outcome::kSilent;
-        diagnosis_.ping.ms = NowMs() - startMs;
-        if (MustStop()) return diagnosis_;
-        diagnosis_.v1 = Measured(Ask(steps_.v1));
-        if (MustStop()) return diagnosis_;
-        const Answer answer = Ask(steps_.v3);
-        const bool isDiscovered =
-            answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
-        diagnosis_.discovery =
-            isDiscovered ? StepResult{Outcome::kAnswered, "", 0} : Measured(answer);
-        if (steps_.hasUser && isDiscovered) diagnosis_.user = Measured(answer);
-        return diagnosis_;
-    }
-
-  private:
-    bool MustStop() { return diagnosis_.isStopped = steps_.mayGoOn && !steps_.mayGoOn(); }
-
-    int64_t NowMs() const { return host::NowMs(steps_.v1); }
-
-    Answer Ask(const Asker& asker) {
-        Asker timed = asker;
-        timed.getNext = [&](const Oid& oid) {
-            const int64_t startMs = NowMs();
-            Answer answer = asker.getNext(oid);
-            spentMs_ = NowMs() - startMs;
-            return answer;
-        };
-        Answer answer = PatientAsker(timed).GetNext(kSysDescr);
-        const auto asked = ParseIpAddress(steps_.address), sender = ParseIpAddress(answer.sender);
-        if (asked && sender && asked->bytes != sender->bytes) diagnosis_.sender = answer.sender;
-        return answer;
-    }
-
-    StepResult Measured(const Answer& answer) const {
-        StepResult result = ResultOf(answer);
-        result.ms = spentMs_;
-        return result;
-    }
-
-    const DiagnosisSteps& steps_;
-    HostDiagnosis diagnosis_;
-    int64_t spentMs_ = 0;  // by the last request
-};
+// The result of a request, and the answer's sender if that is another address.
+StepResult ResultOfAsking(const DiagnosisSteps& steps, const Asker& asker, Answer& answer,
+                          std::string& otherSender) {
+    int64_t spentMs = 0;  // by the last request
+    Asker timed = asker;
+    timed.getNext = [&](const Oid& oid) {
+        const int64_t startMs = NowMs(steps.v1);
+        Answer one = asker.getNext(oid);
+        spentMs = NowMs(steps.v1) - startMs;
+        return one;
+    };
+    answer = PatientAsker(timed).GetNext(kSysDescr);
+    const auto asked = ParseIpAddress(steps.address), sender = ParseIpAddress(answer.sender);
+    if (asked && sender && asked->bytes != sender->bytes) otherSender = answer.sender;
+    return ResultOf(answer, spentMs);
+}
 
 }  // namespace
 
-HostDiagnosis Diagnose(const DiagnosisSteps& steps) { return Diagnostician(steps).Run(); }
+HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
+    HostDiagnosis diagnosis;
+    diagnosis.hasUser = steps.hasUser;
+    diagnosis.hasRoute = steps.hasRoute;
+    const auto mustStop = [&] { return diagnosis.isStopped = steps.mayGoOn && !steps.mayGoOn(); };
+    if (mustStop()) return diagnosis;
+    const int64_t startMs = NowMs(steps.v1);
+    diagnosis.ping.outcome = steps.ping() ? Outcome::kAnswered : Outcome::kSilent;
+    diagnosis.ping.ms = NowMs(steps.v1) - startMs;
+    Answer answer;
+    if (mustStop()) return diagnosis;
+    diagnosis.v1 = ResultOfAsking(steps, steps.v1, answer, diagnosis.sender);
+    if (mustStop()) return diagnosis;
+    const StepResult v3 = ResultOfAsking(steps, steps.v3, answer, diagnosis.sender);
+    const bool isDiscovered =
+        answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
+    diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, "", 0} : v3;
+    if (steps.hasUser && isDiscovered) diagnosis.user = v3;
+    return diagnosis;
+}
 
 bool IsUsable(const HostDiagnosis& diagnosis) {
     return Answers(diagnosis.hasUser ? diagnosis.user : diagnosis.v1) && !IsLate(diagnosis) &&

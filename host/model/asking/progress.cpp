@@ -1,5 +1,6 @@
 #include "model/asking/progress.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace vndiscover::host {

@@ -1,7 +1,6 @@
 // What a program is doing, since when, and how far it has come; the words are its own.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>

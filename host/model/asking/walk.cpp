@@ -49,8 +49,7 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
             addWithRows(next, Head(at, size));
         }
     }
-    for (size_t i = 0; i < kObjectNameCount; ++i) {
-        const Oid& object = OidOf(kObjectNames[i].name);
+    for (const Oid& object : StandardObjects()) {
         const bool isInTable =
             at.size() >= object.size() && IsWithin(at, Head(object, object.size() - 1));
         addWithRows(object, isInTable ? Head(at, object.size()) : object);

@@ -1,11 +1,10 @@
 #include "model/computer/computer_report.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "values/ip_address.h"
 #include "values/plain_text.h"
-#include "values/value_text.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -48,6 +47,8 @@ std::string StateOf(const AdapterAddress& row) {
 
 bool IsIdle(const SweepRow& row) { return row.state == "no address" || row.state == "down"; }
 
+bool IsAutomatic(const SweepRow& row) { return row.state == "automatic address"; }
+
 bool IsDetour(const SweepRow& row) {
     return row.kind == "VPN" || row.kind == "virtual" || row.kind == "tunnel" ||
            row.kind == "loopback";
@@ -82,14 +83,11 @@ std::string IPv4Cause(const AdapterList& list, const SweepPlan& plan) {
                " adapters, but room for 32 only: no IPv4 sweep is sent";
     }
     if (plan.rows.empty()) return "no adapter has an IPv4 address: no IPv4 sweep is sent";
-    if (std::all_of(plan.rows.begin(), plan.rows.end(), IsIdle))
-        return "no adapter that is up has an IPv4 address";
-    bool isAutomatic = false, isUsable = false;
-    for (const SweepRow& row : plan.rows) {
-        isAutomatic |= row.state == "automatic address";
-        isUsable |= !IsIdle(row) && row.state != "automatic address" && row.kind != "loopback";
-    }
-    if (isAutomatic && !isUsable) {
+    if (AllOf(plan.rows, IsIdle)) return "no adapter that is up has an IPv4 address";
+    const bool isUsable = AnyOf(plan.rows, [](const SweepRow& row) {
+        return !IsIdle(row) && !IsAutomatic(row) && row.kind != "loopback";
+    });
+    if (AnyOf(plan.rows, IsAutomatic) && !isUsable) {
         return "this computer has only automatic addresses (169.254), as no server gave it one: "
                "devices with other addresses are not found";
     }
@@ -97,7 +95,7 @@ std::string IPv4Cause(const AdapterList& list, const SweepPlan& plan) {
 }
 
 std::string DetourNote(const SweepPlan& plan) {
-    const auto count = std::count_if(plan.rows.begin(), plan.rows.end(), [](const SweepRow& row) {
+    const size_t count = CountIf(plan.rows, [](const SweepRow& row) {
         return row.seconds != 0 && (IsIdle(row) || IsDetour(row));
     });
     if (count == 0) return "";
@@ -155,10 +153,9 @@ ComputerReport ReportOn(const Computer& computer) {
 std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host) {
     const auto target = ParseIpAddress(host);
     if (!target || !target->IsIPv4()) return std::nullopt;
-    return std::any_of(ipv4.addresses.begin(), ipv4.addresses.end(),
-                       [&](const AdapterAddress& row) {
-                           return !CommonNetwork(*target, row.address, row.mask).empty();
-                       });
+    return AnyOf(ipv4.addresses, [&](const AdapterAddress& row) {
+        return !CommonNetwork(*target, row.address, row.mask).empty();
+    });
 }
 
 }  // namespace vndiscover::host

@@ -1,8 +1,7 @@
 #include "model/computer/doctor_report.h"
 
-#include <algorithm>
-
 #include "values/plain_text.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -16,8 +15,7 @@ std::string AdapterText(const SweepRow& row) {
 }
 
 ReportSection PlanSection(const char* title, const SweepPlan& plan) {
-    const auto swept = std::count_if(plan.rows.begin(), plan.rows.end(),
-                                     [](const SweepRow& row) { return row.seconds != 0; });
+    const size_t swept = CountIf(plan.rows, [](const SweepRow& row) { return row.seconds != 0; });
     ReportSection section = {title, {}};
     section.Add("", swept == 0 ? "is not sent"
                                : "from " + std::to_string(swept) +

@@ -1,10 +1,10 @@
 #include "model/computer/firewall_verdict.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <string_view>
 
 #include "values/plain_text.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -18,9 +18,7 @@ const char* NameOf(uint32_t profileBit) {
 // Ports as in a rule: "*", "161", "161,3702", "100-200". Words such as "RPC" cover no port.
 bool CoversPort(std::string_view ports, unsigned port) {
     if (ports.empty() || ports == "*") return true;
-    while (!ports.empty()) {
-        const std::string part(ports.substr(0, ports.find(',')));
-        ports.remove_prefix(std::min(ports.size(), part.size() + 1));
+    for (const std::string& part : SplitText(ports, ",")) {
         const size_t dash = part.find('-');
         const unsigned long first = std::strtoul(part.c_str(), nullptr, 10);
         const unsigned long last =
@@ -32,12 +30,10 @@ bool CoversPort(std::string_view ports, unsigned port) {
 
 const FirewallRule* FindRule(const FirewallState& state, uint32_t profileBit, unsigned port,
                              bool isAllow) {
-    const auto found =
-        std::find_if(state.rules.begin(), state.rules.end(), [&](const FirewallRule& rule) {
-            return rule.isAllow == isAllow && (rule.profiles & profileBit) != 0 &&
-                   CoversPort(rule.remotePorts, port);
-        });
-    return found == state.rules.end() ? nullptr : &*found;
+    return FindIf(state.rules, [&](const FirewallRule& rule) {
+        return rule.isAllow == isAllow && (rule.profiles & profileBit) != 0 &&
+               CoversPort(rule.remotePorts, port);
+    });
 }
 
 // As the firewall decides: a rule that blocks takes precedence over one that allows.
@@ -60,7 +56,7 @@ PortVerdict VerdictOn(const FirewallState& state, const FirewallProfile& profile
 }
 
 void AddOnce(std::vector<std::string>& texts, const std::string& text) {
-    if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
+    if (!Contains(texts, text)) texts.push_back(text);
 }
 
 // Adds the command that removes what blocks a port, if anything does. Returns false if a rule for

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "values/ranges.h"
+
 namespace vndiscover::host {
 
 FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
@@ -23,12 +25,11 @@ FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
 }
 
 void Fleet::Add(std::string address, size_t login, std::map<Oid, Answer> known) {
-    FleetDevice device;
-    device.index = devices_.size();
+    FleetDevice& device = devices_.emplace_back();
+    device.index = devices_.size() - 1;
     device.address = std::move(address);
     device.login = login;
     device.answers.values = std::move(known);
-    devices_.push_back(std::move(device));
 }
 
 std::optional<FleetDevice> Fleet::Next() {
@@ -60,21 +61,19 @@ void Fleet::Done(FleetDevice job) {
 }
 
 size_t Fleet::CountRead() const {
-    return static_cast<size_t>(std::count_if(devices_.begin(), devices_.end(),
-                                             [](auto& device) { return device.isRead; }));
+    return CountIf(devices_, [](const FleetDevice& device) { return device.isRead; });
 }
 
 std::string Fleet::Progress() const {
-    const auto count = [&](auto&& isCounted) {
-        return std::count_if(devices_.begin(), devices_.end(), isCounted);
-    };
     const auto are = [&](Severity severity) {
-        return std::to_string(count([=](auto& device) { return device.severity == severity; }));
+        return std::to_string(
+            CountIf(devices_, [=](auto& device) { return device.severity == severity; }));
     };
     const std::string total = " of " + std::to_string(devices_.size());
-    const auto states = count([](auto& device) { return !device.isState; });
-    if (count([](auto& device) { return device.isState && !device.isLate; }) > 0)
+    if (AnyOf(devices_, [](auto& device) { return device.isState && !device.isLate; })) {
+        const size_t states = CountIf(devices_, [](auto& device) { return !device.isState; });
         return "state of " + std::to_string(states) + total;
+    }
     return std::to_string(CountRead()) + total + ", " + are(Severity::kCritical) + " critical, " +
            are(Severity::kAttention) + " need attention";
 }

@@ -5,6 +5,7 @@
 
 #include "values/object_names.h"
 #include "values/plain_text.h"
+#include "values/ranges.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -152,11 +153,13 @@ class Facts {
             for (const Oid& row : RowsOf(answers_, column)) rows.insert(row);
         }
         for (const Oid& row : rows) {
+            if (row.size() != 1) continue;  // no index of ifTable
             const auto words = [&](const char* object) { return SpacedWords(Word(object, row)); };
             const Answer* const address = Find("ifPhysAddress", row);
+            const bool isAddress = address && address->type == kOctetString;
             facts_.interfaces.push_back({Text("ifDescr", row), words("ifType"),
                                          SpeedText(Count("ifSpeed", row).value_or(0)),
-                                         address ? HexText(address->bytes, ":") : "",
+                                         isAddress ? HexText(address->bytes, ":") : "",
                                          words("ifAdminStatus"), words("ifOperStatus")});
         }
     }
@@ -267,7 +270,7 @@ void SetGaps(PrinterFacts& facts, std::vector<Gap> gaps) {
 
 const char* MissingText(const std::vector<Gap>& gaps, std::string_view subject,
                         std::string_view object) {
-    const bool isGap = std::any_of(gaps.begin(), gaps.end(), [&](const Gap& gap) {
+    const bool isGap = AnyOf(gaps, [&](const Gap& gap) {
         const bool isObject = object.empty() || gap.object.empty() || gap.object == object;
         return gap.subject == subject && isObject;
     });

@@ -1,12 +1,12 @@
 #include "model/printer/printer_reader.h"
 
-#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <utility>
 
 #include "model/asking/walk.h"
 #include "values/object_names.h"
+#include "values/ranges.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -288,13 +288,11 @@ class Reader {
         const auto isSame = [&](const Gap& known) {  // once for each subject or object
             return known.subject == gap.subject && (!wasAsked || known.object == gap.object);
         };
-        if (std::none_of(answers_.gaps.begin(), answers_.gaps.end(), isSame))
-            answers_.gaps.push_back(std::move(gap));
+        if (!AnyOf(answers_.gaps, isSame)) answers_.gaps.push_back(std::move(gap));
     }
 
     bool HasSerial(const char* object) const {
-        const std::vector<Oid> rows = RowsOf(answers_, object);
-        return std::any_of(rows.begin(), rows.end(), [&](const Oid& row) {
+        return AnyOf(RowsOf(answers_, object), [&](const Oid& row) {
             const std::string& bytes = answers_.values.at(Append(OidOf(object), row)).bytes;
             return bytes.find_first_not_of(std::string_view(" \0", 2)) != std::string::npos;
         });

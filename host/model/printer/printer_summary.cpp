@@ -56,10 +56,10 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
 }
 
 std::string SuppliesText(const PrinterFacts& facts) {
-    std::vector<std::string> texts;
-    for (const Supply& supply : facts.supplies)
-        texts.push_back(SupplyName(supply) + ": " + LevelText(supply.level));
-    return Joined(texts, "; ");
+    return JoinedAs(
+        facts.supplies,
+        [](const Supply& supply) { return SupplyName(supply) + ": " + LevelText(supply.level); },
+        "; ");
 }
 
 std::string CountText(const PrinterFacts& facts) {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "values/plain_text.h"
+#include "values/ranges.h"
 #include "values/utc_time.h"
 #include "values/value_text.h"
 
@@ -99,9 +100,8 @@ ReportSection Trays(const PrinterFacts& facts, const LevelLimits& limits) {
 }
 
 Gap& GapWith(std::vector<Gap>& gaps, std::string Gap::*member, const std::string& text) {
-    const auto known =
-        std::find_if(gaps.begin(), gaps.end(), [&](const Gap& gap) { return gap.*member == text; });
-    if (known != gaps.end()) return *known;
+    if (Gap* const known = FindIf(gaps, [&](const Gap& gap) { return gap.*member == text; }))
+        return *known;
     gaps.emplace_back().*member = text;
     return gaps.back();
 }
@@ -137,16 +137,14 @@ bool StopsPrinting(std::string_view error) {
                                            "outputTrayMissing",
                                            "outputFull",
                                            "markerSupplyMissing"};
-    return std::find(std::begin(kStops), std::end(kStops), error) != std::end(kStops);
+    return Contains(kStops, error);
 }
 
 }  // namespace
 
 Severity ErrorSeverity(const PrinterFacts& facts) {
     if (!facts.errors || facts.errors->empty()) return Severity::kFine;
-    return std::any_of(facts.errors->begin(), facts.errors->end(), StopsPrinting)
-               ? Severity::kCritical
-               : Severity::kAttention;
+    return AnyOf(*facts.errors, StopsPrinting) ? Severity::kCritical : Severity::kAttention;
 }
 
 Severity SeverityOf(int percent, const LevelLimits& limits) {
@@ -180,10 +178,8 @@ std::string SupplyName(const Supply& supply) {
 }
 
 std::string ErrorText(const PrinterFacts& facts) {
-    std::string text;
-    for (const std::string& word : facts.errors.value_or(std::vector<std::string>()))
-        text = Joined({text, PlainWords(word)});
-    return facts.errors && text.empty() ? "none" : text;
+    if (!facts.errors) return "";
+    return facts.errors->empty() ? "none" : JoinedAs(*facts.errors, PlainWords);
 }
 
 std::string AlertText(const Alert& alert) {
@@ -204,11 +200,10 @@ bool ReportRow::operator==(const ReportRow& other) const {
 
 void ReportSection::Add(std::string label, std::string text, Severity severity) {
     if (text.empty()) return;
-    ReportRow row;
+    ReportRow& row = rows.emplace_back();
     row.label = std::move(label);
     row.text = std::move(text);
     row.severity = severity;
-    rows.push_back(std::move(row));
 }
 
 const char* SeverityMark(Severity severity) {
@@ -230,7 +225,7 @@ const SupplyColour* FindSupplyColour(const std::string& words) {
     size_t lastAt = 0;
     for (const SupplyColour& colour : kColours) {
         const size_t at = text.rfind(colour.word);
-        if (at == std::string::npos || (last && at < lastAt)) continue;
+        if (at == std::string::npos || at < lastAt) continue;
         last = &colour;
         lastAt = at;
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

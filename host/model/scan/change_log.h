@@ -1,7 +1,6 @@
 // What has changed in a list that is watched: the states of its devices.
 #pragma once
 
-#include <cstddef>
 #include <deque>
 #include <map>
 #include <string>

@@ -6,24 +6,22 @@
 #include <utility>
 
 #include "model/printer/report.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
 
 std::string Addresses(const FoundDevice& device, bool isIPv6) {
-    std::vector<std::string> addresses;
-    for (const std::string& address : device.identity.Of(MergeKey::kAddress)) {
-        if ((address.find(':') != std::string::npos) == isIPv6) addresses.push_back(address);
-    }
-    return Joined(addresses);
+    return JoinedAs(device.identity.Of(MergeKey::kAddress), [&](const std::string& address) {
+        return (address.find(':') != std::string::npos) == isIPv6 ? address : "";
+    });
 }
 
 // "none" if there are none; empty if it was not asked for them.
 std::string AlertsText(const FoundDevice& device) {
-    std::vector<std::string> texts;
-    for (const Alert& alert : device.facts->alerts) texts.push_back(AlertText(alert));
-    return texts.empty() && device.areAlertsKnown ? "none" : Joined(texts, "; ");
+    const std::vector<Alert>& alerts = device.facts->alerts;
+    return alerts.empty() && device.areAlertsKnown ? "none" : JoinedAs(alerts, AlertText, "; ");
 }
 
 // By the supply's name and how often it came before.
@@ -49,10 +47,9 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
         compare("address", Addresses(before, isIPv6), Addresses(after, isIPv6));
     compare("name", before.facts->name, after.facts->name);
     compare("firmware", before.facts->description, after.facts->description);
-    compare("device", PlainWords(before.facts->deviceStatus),
-            PlainWords(after.facts->deviceStatus));
-    compare("printer", PlainWords(before.facts->printerStatus),
-            PlainWords(after.facts->printerStatus));
+    for (const auto& [field, status] : {std::pair("device", &PrinterFacts::deviceStatus),
+                                        {"printer", &PrinterFacts::printerStatus}})
+        compare(field, PlainWords((*before.facts).*status), PlainWords((*after.facts).*status));
     compare("errors", ErrorText(*before.facts), ErrorText(*after.facts));
     compare("alerts", AlertsText(before), AlertsText(after));
     const auto levels = LevelsOf(*after.facts);
@@ -148,13 +145,11 @@ class Matcher {
 }  // namespace
 
 bool DeviceChange::HasOnlyPageCounts() const {
-    return std::all_of(fields.begin(), fields.end(),
-                       [](const FieldChange& field) { return field.isPageCount; });
+    return AllOf(fields, [](const FieldChange& field) { return field.isPageCount; });
 }
 
 bool Comparison::IsEqual(bool withPageCounts) const {
-    return added.empty() && gone.empty() &&
-           std::all_of(changed.begin(), changed.end(), [&](const DeviceChange& change) {
+    return added.empty() && gone.empty() && AllOf(changed, [&](const DeviceChange& change) {
                return !withPageCounts && change.HasOnlyPageCounts();
            });
 }

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
-#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
 
 #include "values/object_names.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -19,14 +19,7 @@ using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oi
 using Origin = std::tuple<std::string, SweepKind, bool>;
 
 Oid ObjectOf(const Oid& variable) {
-    static const std::set<Oid> objects = [] {
-        std::set<Oid> all;
-        for (size_t index = 0; index < kObjectNameCount; ++index)
-            all.insert(OidOf(kObjectNames[index].name));
-        return all;
-    }();
-    const auto next = objects.upper_bound(variable);
-    if (next != objects.begin() && IsWithin(variable, *std::prev(next))) return *std::prev(next);
+    if (const Oid* const object = StandardObjectOf(variable)) return *object;
     return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
 }
 
@@ -43,8 +36,7 @@ Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
 }
 
 bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {
-    return std::any_of(objects.begin(), objects.end(),
-                       [&](const char* object) { return IsWithin(oid, OidOf(object)); });
+    return AnyOf(objects, [&](const char* object) { return IsWithin(oid, OidOf(object)); });
 }
 bool IsOfState(const Oid& oid) {
     return IsAny(oid, {"prtAlertSeverityLevel", "prtAlertGroup", "prtAlertCode",

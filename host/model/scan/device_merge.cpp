@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "values/ranges.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -80,9 +82,8 @@ class Merger {
         for (size_t contact = 0; contact < contacts_.size(); ++contact) {
             for (const std::string& value : contacts_[contact].device.identity.Of(key)) {
                 std::vector<size_t>& others = claims[value];
-                const bool isMerged = std::any_of(others.begin(), others.end(), [&](size_t other) {
-                    return Unite(other, contact, key, value);
-                });
+                const bool isMerged =
+                    AnyOf(others, [&](size_t other) { return Unite(other, contact, key, value); });
                 if (!isMerged && others.size() < kMaxClaims) others.push_back(contact);
             }
         }
@@ -111,8 +112,7 @@ class Merger {
 
     bool AreSplit(size_t one, size_t other) {
         if (contacts_[one].apart.size() > contacts_[other].apart.size()) std::swap(one, other);
-        return std::any_of(contacts_[one].apart.begin(), contacts_[one].apart.end(),
-                           [&](size_t contact) { return First(contact) == other; });
+        return AnyOf(contacts_[one].apart, [&](size_t contact) { return First(contact) == other; });
     }
 
     std::vector<FoundDevice> Devices() {

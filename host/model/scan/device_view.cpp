@@ -1,9 +1,11 @@
 #include "model/scan/device_view.h"
 
 #include <algorithm>
+#include <set>
 
 #include "values/ip_address.h"
 #include "values/plain_text.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -24,10 +26,9 @@ bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
     if (device.facts->deviceIndex) return false;
     const bool isRead = device.hasVariables && standing.kind != Standing::Kind::kIncomplete;
     if (isRead || standing.kind == Standing::Kind::kRead) return true;
-    return !device.types.empty() &&
-           std::none_of(device.types.begin(), device.types.end(), [](const std::string& type) {
-               return type.find("PrintDeviceType") != std::string::npos;
-           });
+    return !device.types.empty() && !AnyOf(device.types, [](const std::string& type) {
+        return type.find("PrintDeviceType") != std::string::npos;
+    });
 }
 
 DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4,
@@ -51,10 +52,8 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
 std::string AddressCell(const RowSource& source) { return Joined(source.addresses); }
 
 std::string IdentityCell(const RowSource& source, MergeKey key) {
-    std::vector<std::string> values;
-    for (const std::string& value : source.device.identity.Of(key))
-        values.push_back(PlainText(value));
-    return Joined(values);
+    return JoinedAs(source.device.identity.Of(key),
+                    [](const std::string& value) { return PlainText(value); });
 }
 
 std::string StateCell(const RowSource& source) {
@@ -62,17 +61,13 @@ std::string StateCell(const RowSource& source) {
 }
 
 std::string ProtocolCell(const RowSource& source) {
-    bool has[3] = {};
+    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
+    std::set<SweepKind> kinds;
     for (const size_t index : source.device.answers) {
         const ScanSweep& sweep = source.scan.sweeps[source.scan.answers[index].sweep];
-        if (sweep.form != AnswerForm::kAdded) has[static_cast<size_t>(sweep.kind)] = true;
+        if (sweep.form != AnswerForm::kAdded) kinds.insert(sweep.kind);
     }
-    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
-    std::vector<std::string> names;
-    for (size_t kind = 0; kind < 3; ++kind) {
-        if (has[kind]) names.emplace_back(kNames[kind]);
-    }
-    return Joined(names);
+    return JoinedAs(kinds, [&](SweepKind kind) { return kNames[static_cast<size_t>(kind)]; });
 }
 
 std::string NetworkCell(const RowSource& source) {
@@ -144,9 +139,7 @@ bool DeviceView::Passes(const DeviceRow& row) const {
         if (!(hidden_ >> index & 1)) all += row.texts[index] + "\n";
     }
     all = Lower(all);
-    return std::all_of(words_.begin(), words_.end(), [&](const std::string& word) {
-        return all.find(word) != std::string::npos;
-    });
+    return AllOf(words_, [&](const auto& word) { return all.find(word) != std::string::npos; });
 }
 
 // Negative: `left` comes first. Unknown values come last in either direction.

@@ -77,10 +77,7 @@ std::string DeviceWriter::Row(std::string_view address, std::string_view value) 
 std::string DeviceWriter::End() { return format_ == Format::kJson ? array_.Finish() : ""; }
 
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator) {
-    std::vector<std::string> quoted;
-    quoted.reserve(cells.size());
-    for (const std::string& cell : cells) quoted.push_back(CsvCell(cell));
-    return Joined(quoted, separator) + "\r\n";
+    return JoinedAs(cells, CsvCell, separator) + "\r\n";
 }
 
 }  // namespace vndiscover::host

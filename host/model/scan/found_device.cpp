@@ -7,10 +7,10 @@
 #include <set>
 
 #include "model/asking/json_request.h"
-#include "model/scan/scan.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
+#include "values/ranges.h"
 #include "values/value_text.h"
 #include "wsd/wsd_message.h"
 
@@ -29,8 +29,7 @@ bool IsTextObject(const Oid& oid) {
                                       "prtGeneralSerialNumber",
                                       "entPhysicalSerialNum"};
     return oid == DefaultDiscoveryOid() ||
-           std::any_of(std::begin(kTexts), std::end(kTexts),
-                       [&](const char* name) { return IsWithin(oid, OidOf(name)); });
+           AnyOf(kTexts, [&](const char* name) { return IsWithin(oid, OidOf(name)); });
 }
 
 class Collector {

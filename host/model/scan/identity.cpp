@@ -1,6 +1,8 @@
 #include "model/scan/identity.h"
 
-#include <algorithm>
+#include <string_view>
+
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -14,8 +16,7 @@ bool IsPlaceholder(MergeKey key, std::string_view value) {
 bool HaveCommonValue(const std::set<std::string>& one, const std::set<std::string>& other) {
     const auto& few = one.size() < other.size() ? one : other;
     const auto& many = one.size() < other.size() ? other : one;
-    return std::any_of(few.begin(), few.end(),
-                       [&](const std::string& value) { return many.count(value) != 0; });
+    return AnyOf(few, [&](const std::string& value) { return many.count(value) != 0; });
 }
 
 }  // namespace
@@ -42,7 +43,7 @@ size_t Identity::Size() const {
 }
 
 bool Identity::DiffersByStrongerKey(const Identity& other, MergeKey key) const {
-    return std::any_of(kMergeKeys.begin(), kMergeKeys.end(), [&](MergeKey stronger) {
+    return AnyOf(kMergeKeys, [&](MergeKey stronger) {
         return stronger < key && !Of(stronger).empty() && !other.Of(stronger).empty() &&
                !HaveCommonValue(Of(stronger), other.Of(stronger));
     });

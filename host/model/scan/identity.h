@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <set>
 #include <string>
-#include <string_view>
 
 namespace vndiscover::host {
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "values/ranges.h"
+
 namespace vndiscover::host {
 namespace {
 
@@ -13,9 +15,8 @@ class LineMaker {
 
     void AddSweep(const ScanSweep& sweep, bool isRunning) {
         const bool isOther = sweep.kind != line_.kind || sweep.useIPv6 != line_.useIPv6;
-        const bool isSweep =
-            sweep.form != AnswerForm::kVariable && sweep.form != AnswerForm::kAdded;
-        if (isOther || !isSweep) return;
+        if (isOther || sweep.form == AnswerForm::kVariable || sweep.form == AnswerForm::kAdded)
+            return;
         Raise(isRunning ? ProtocolState::kPending : ProtocolState::kSilent);
     }
 
@@ -70,11 +71,8 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
     for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3, SweepKind::kWsd}) {
         for (const bool useIPv6 : {false, true}) {
             LineMaker maker(kind, useIPv6);
-            for (size_t index = 0; index < scan.sweeps.size(); ++index) {
-                const bool isRunning =
-                    std::find(running.begin(), running.end(), index) != running.end();
-                maker.AddSweep(scan.sweeps[index], isRunning);
-            }
+            for (size_t index = 0; index < scan.sweeps.size(); ++index)
+                maker.AddSweep(scan.sweeps[index], Contains(running, index));
             for (const Reading& reading : readings) maker.AddReading(reading);
             for (const size_t index : answers) {
                 const ScanAnswer& answer = scan.answers[index];
@@ -83,16 +81,13 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
             if (!useIPv6 || maker.WasUsed()) lines.push_back(maker.Line());
         }
     }
-    const bool hasAnswered = std::any_of(lines.begin(), lines.end(), [](const auto& line) {
-        return line.state <= ProtocolState::kRefused;
-    });
+    const bool hasAnswered = AnyOf(
+        lines, [](const ProtocolLine& line) { return line.state <= ProtocolState::kRefused; });
     // A device may have no address there, so that a sweep's silence says nothing of it.
-    lines.erase(std::remove_if(lines.begin(), lines.end(),
-                               [&](const ProtocolLine& line) {
-                                   return hasAnswered && line.useIPv6 && line.note.empty() &&
-                                          line.state == ProtocolState::kSilent;
-                               }),
-                lines.end());
+    EraseIf(lines, [&](const ProtocolLine& line) {
+        return hasAnswered && line.useIPv6 && line.note.empty() &&
+               line.state == ProtocolState::kSilent;
+    });
     return lines;
 }
 

@@ -10,7 +10,7 @@
 #include "values/ip_address.h"
 #include "values/json_output.h"
 #include "values/module_types.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

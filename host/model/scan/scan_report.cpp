@@ -1,12 +1,11 @@
 #include "model/scan/scan_report.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "model/scan/device_view.h"
 #include "values/object_names.h"
 #include "values/plain_text.h"
-#include "values/value_text.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -92,9 +91,8 @@ std::string CountsOf(const Comparison& comparison) {
         return PlainText(name) + " (" + std::to_string(devices) +
                (devices == 1 ? " device)" : " devices)");
     };
-    const auto printed = static_cast<size_t>(
-        std::count_if(comparison.changed.begin(), comparison.changed.end(),
-                      [](const DeviceChange& change) { return change.HasOnlyPageCounts(); }));
+    const size_t printed = CountIf(
+        comparison.changed, [](const DeviceChange& change) { return change.HasOnlyPageCounts(); });
     return named(comparison.beforeName, comparison.before.size()) + ", " +
            named(comparison.afterName, comparison.after.size()) + ": " +
            std::to_string(comparison.added.size()) + " new, " +

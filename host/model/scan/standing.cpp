@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "values/ranges.h"
 #include "values/text.h"
 #include "values/utc_time.h"
 
@@ -79,8 +80,7 @@ bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
         const bool isLater = sweep.form == AnswerForm::kVariable && answer.sweep > first_;
         if ((sweep.search != 0 && sweep.search >= number_) || isLater) return false;
-        wasAsked |= std::any_of(questions_.begin(), questions_.end(),
-                                [&](const auto& asked) { return IsSameQuestion(asked, sweep); });
+        wasAsked |= AnyOf(questions_, [&](auto& asked) { return IsSameQuestion(asked, sweep); });
     }
     return wasAsked;
 }

@@ -14,6 +14,8 @@ ScriptedDevice Device() {
         device.Integer((std::string("ifAdminStatus") + row).c_str(), 1);
         device.Integer((std::string("ifOperStatus") + row).c_str(), row[1] == '1' ? 9 : 2);
     }
+    device.Integer("ifPhysAddress.1", 1);
+    device.Integer("ifType.3.1", 6);  // no row of the table
     device.Text("ifDescr.2", "LAN\x1B port");
     device.Text("ifPhysAddress.2", "\x02\x10\x20\x30\x40\x50");
     device.variables[*ParseOidOrName("ifSpeed.2")] = {kGauge32, std::string("\x05\xF5\xE1\x00", 4)};
@@ -33,6 +35,7 @@ TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
     ASSERT_EQ(2u, interfaces.size());
     EXPECT_EQ("software loopback", interfaces[0].type);
     EXPECT_EQ("9", interfaces[0].operStatus);
+    EXPECT_EQ("", interfaces[0].physicalAddress);
     EXPECT_EQ("LAN\xEF\xBF\xBD port", interfaces[1].description);
     EXPECT_EQ("100 Mbit/s", interfaces[1].speed);
     EXPECT_EQ("02:10:20:30:40:50", interfaces[1].physicalAddress);
