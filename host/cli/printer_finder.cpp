@@ -3,10 +3,9 @@
 #include <vndiscover.h>
 
 #include <algorithm>
-#include <future>
-#include <list>
 #include <tuple>
 
+#include "device/fleet_readers.h"
 #include "device/sweeps.h"
 #include "model/scan/device_merge.h"
 #include "platform/console.h"
@@ -20,9 +19,6 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr size_t kMaxProcesses = 6;
-constexpr auto kPoll = std::chrono::milliseconds(50);
-
 void SortWorstFirst(std::vector<PrinterLine>& printers) {
     const auto order = [](const PrinterLine& printer) {
         const std::string address = printer.addresses.empty() ? "" : printer.addresses.front();
@@ -31,6 +27,10 @@ void SortWorstFirst(std::vector<PrinterLine>& printers) {
     };
     std::stable_sort(printers.begin(), printers.end(),
                      [&](const auto& one, const auto& other) { return order(one) < order(other); });
+}
+
+SweepKind KindOf(const Login& login) {
+    return login.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
 }
 
 }  // namespace
@@ -79,7 +79,7 @@ void PrinterFinder::ShowPhase(std::string phase) {
 void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
     const Login& by = logins_[login];
     const Oid oid = *ParseOidOrName(object);
-    const SweepKind kind = by.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
+    const SweepKind kind = KindOf(by);
     scan_.sweeps.push_back({kind, FormOf(kind, oid), useIPv6, oid, UtcNow()});
     ShowPhase("sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : ""));
     const ResultWindow window([&](const char* address, const char* value) {
@@ -95,72 +95,37 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
     window.Rethrow();
 }
 
-void PrinterFinder::Work(Reader& reader, const std::function<bool()>& mayGoOn) {
-    std::unique_lock<std::mutex> lock(mutex_);
-    while (mayGoOn() && !fleet_.IsOver()) {
-        auto job = fleet_.Next();
-        if (!job) {
-            changed_.wait_for(lock, kPoll);
-            continue;
-        }
-        const size_t index = job->index, login = job->login;
-        const std::string address = job->address;
-        lock.unlock();
-        try {
-            Asker asker;
-            asker.isV3 = logins_[login].security != nullptr;
-            asker.mayGoOn = mayGoOn;
-            asker.getNext = [&](const Oid& oid) { return reader.GetNext(login, address, oid); };
-            job = ReadJob(std::move(*job), asker);
-            lock.lock();
-            if (mayGoOn()) fleet_.Done(std::move(*job));
-        } catch (...) {  // no memory
-            if (!lock) lock.lock();
-            fleet_.Return(index);
-            throw;
-        }
-        if (!mayGoOn()) fleet_.Return(index);
-        changed_.notify_all();
-    }
-}
-
 void PrinterFinder::ReadAll(const SweepWatch& watch) {
+    constexpr auto kPoll = std::chrono::milliseconds(50);
     const auto mayGoOn = [&] { return !watch.IsStopped(); };
     ShowPhase("");
-    const size_t count = std::min(kMaxProcesses, devices_.size() / 2);
     const OwnedHandle job = EndingJob();
-    std::list<ReaderProcess> processes;
-    std::vector<std::future<void>> readers;
-    try {
-        for (size_t i = 0; i < count && mayGoOn(); ++i) {
-            ReaderProcess& process = processes.emplace_back(logins_, job.Get());
-            readers.push_back(std::async(std::launch::async, [this, &process, &mayGoOn] {
-                Work(process, [&] { return process.IsAlive() && mayGoOn(); });
-            }));
-        }
-    } catch (const std::exception&) {  // no memory, or no thread: there are fewer readers
+    FleetReaders::Work work;
+    work.makeReader = [&] { return std::make_unique<ReaderProcess>(logins_, job.Get()); };
+    work.read = [&](const FleetDevice& one, Reader* reader, const std::function<bool()>& maySend) {
+        Asker asker;
+        asker.isV3 = logins_[one.login].security != nullptr;
+        asker.mayGoOn = maySend;
+        asker.getNext = [&](const Oid& oid) {
+            return reader->GetNext(one.login, one.address, oid);
+        };
+        return ReadJob(one, asker);
+    };
+    FleetReaders readers(fleet_, mutex_, std::move(work));
+    readers.Start(kMaxReaders);
+    while (!readers.HasEnded()) {
+        if (!mayGoOn()) readers.Stop();  // a request would take up to 10 s
+        std::this_thread::sleep_for(kPoll);
     }
-    for (const std::future<void>& reader : readers) {
-        while (mayGoOn() && reader.wait_for(kPoll) != std::future_status::ready) {
-        }
-    }
-    if (!mayGoOn()) {  // a request would take up to 10 s
-        for (ReaderProcess& process : processes) process.End();
-    }
-    for (const std::future<void>& reader : readers) reader.wait();
     // What is left: few devices, or those of readers that could not start or ran out of memory.
     OwnReader here(logins_);
-    Work(here, mayGoOn);
+    while (readers.ReadNext(&here, mayGoOn)) continue;
 }
 
 std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size_t& others) {
     for (const FleetDevice& device : fleet_.Devices()) {
-        const bool isV3 = logins_[device.login].security != nullptr;
-        scan_.sweeps.push_back({isV3 ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
-                                AnswerForm::kVariable,
-                                false,
-                                {},
-                                UtcNow()});
+        scan_.sweeps.push_back(
+            {KindOf(logins_[device.login]), AnswerForm::kVariable, false, {}, UtcNow()});
         for (const auto& [oid, answer] : device.answers.values)
             scan_.answers.push_back({scan_.sweeps.size() - 1, "", device.address, answer});
     }

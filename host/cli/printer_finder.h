@@ -1,8 +1,6 @@
 // Finds the printers of this computer's networks and reads them.
 #pragma once
 
-#include <condition_variable>
-#include <functional>
 #include <map>
 #include <mutex>
 #include <set>
@@ -40,7 +38,6 @@ class PrinterFinder {
   private:
     void Sweep(size_t login, bool useIPv6, const char* object);
     void ReadAll(const SweepWatch& watch);
-    void Work(Reader& reader, const std::function<bool()>& mayGoOn);
     void FindRefusals(const SweepWatch& watch);
     void ShowPhase(std::string phase);
 
@@ -52,7 +49,6 @@ class PrinterFinder {
     std::map<std::string, size_t> devices_;  // of the fleet, by address
 
     std::mutex mutex_;  // for what follows
-    std::condition_variable changed_;
     Fleet fleet_;
     std::string phase_;  // empty: reading
 };

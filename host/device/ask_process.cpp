@@ -1,6 +1,6 @@
-// The process first gets a line for each login, of hexadecimal fields after dots: community, user,
-// protocols, passwords; without a user, the community alone. Then comes an empty line. A request is
-// a line, "LOGIN OID ADDRESS", its answer another, "STATUS OID TYPE SIZE BYTES NOTE".
+// The process first gets the logins: texts, each after its size in bytes, so that passwords leave
+// no copies in buffers. Then a request is a line, "LOGIN OID ADDRESS", its answer another, "STATUS
+// OID TYPE SIZE BYTES NOTE", of which BYTES are hexadecimal digits after a dot.
 #include "device/ask_process.h"
 
 #include <fcntl.h>
@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cwchar>
 #include <mutex>
+#include <string_view>
 
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -17,43 +19,59 @@
 namespace vndiscover::host {
 namespace {
 
-std::string FieldOf(const std::string& text) { return "." + HexText(text, "") + " "; }
-std::string TextOf(const std::string& field) {
-    return ParseHex(field.substr(std::min<size_t>(1, field.size()))).value_or("");
+bool Send(HANDLE pipe, std::wstring_view text) {
+    const auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    DWORD sent = 0;
+    return WriteFile(pipe, &size, sizeof size, &sent, nullptr) &&
+           (size == 0 || WriteFile(pipe, text.data(), size, &sent, nullptr));
 }
 
-std::string LineOf(const Login& login) {
-    std::string line = FieldOf(login.community);
-    if (!login.security) return line;
-    const Security& user = *login.security;
-    for (const wchar_t* text : {user.user.c_str(), user.authLabel.c_str(), user.privLabel.c_str(),
-                                user.authPassword.Get(), user.privPassword.Get()})
-        line += FieldOf(ToUtf8(text));
-    return line;
+bool Send(HANDLE pipe, const Login& login) {
+    static const Security none;
+    const Security& user = login.security ? *login.security : none;
+    const std::wstring community = ToWide(login.community);
+    for (const wchar_t* text : {community.c_str(), login.security ? L"v3" : L"", user.user.c_str(),
+                                user.authLabel.c_str(), user.privLabel.c_str(),
+                                user.authPassword.Get(), user.privPassword.Get()}) {
+        if (!Send(pipe, text)) return false;
+    }
+    return true;
 }
 
-Login LoginOf(const std::string& line) {
-    std::vector<std::string> texts;
-    for (const std::string& field : SplitText(line, " ")) texts.push_back(TextOf(field));
+void ReceiveBytes(HANDLE pipe, void* bytes, DWORD size) {
+    DWORD read = 0;
+    for (auto* at = static_cast<char*>(bytes); size > 0; at += read, size -= read) {
+        if (!ReadFile(pipe, at, size, &read, nullptr) || read == 0) return;
+    }
+}
+
+std::wstring ReceiveText(HANDLE pipe) {
+    DWORD size = 0;
+    ReceiveBytes(pipe, &size, sizeof size);
+    std::wstring text(size / sizeof(wchar_t), L'\0');
+    ReceiveBytes(pipe, text.data(), size);
+    return text;
+}
+
+Login ReceiveLogin(HANDLE pipe) {
     Login login;
-    if (!texts.empty()) login.community = texts[0];
-    if (texts.size() < 6) return login;
+    login.community = ToUtf8(ReceiveText(pipe));
+    const bool isV3 = !ReceiveText(pipe).empty();
     auto user = std::make_shared<Security>();
-    user->user = ToWide(texts[1]);
-    user->authLabel = ToWide(texts[2]);
-    user->privLabel = ToWide(texts[3]);
-    user->authPassword = Secret(ToWide(texts[4]));
-    user->privPassword = Secret(ToWide(texts[5]));
+    for (std::wstring* text : {&user->user, &user->authLabel, &user->privLabel})
+        *text = ReceiveText(pipe);
+    for (Secret* secret : {&user->authPassword, &user->privPassword})
+        *secret = Secret(ReceiveText(pipe));
     user->useAuth = !user->authLabel.empty();
     user->usePriv = !user->privLabel.empty();
-    login.security = std::move(user);
+    if (isV3) login.security = std::move(user);
     return login;
 }
 
 std::string LineOf(const Answer& answer) {
     return std::to_string(static_cast<int>(answer.status)) + " " + OidToText(answer.oid) + " " +
-           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " " +
-           FieldOf(answer.bytes) + answer.note;
+           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " " + "." +
+           HexText(answer.bytes, "") + " " + answer.note;
 }
 
 Answer AnswerOf(std::string_view line) {
@@ -69,7 +87,7 @@ Answer AnswerOf(std::string_view line) {
     answer.oid = ParseOid(oid).value_or(Oid());
     answer.type = static_cast<uint32_t>(std::strtoul(type.c_str(), nullptr, 10));
     answer.wholeSize = std::strtoul(wholeSize.c_str(), nullptr, 10);
-    answer.bytes = TextOf(bytes);
+    answer.bytes = ParseHex(bytes.substr(std::min<size_t>(1, bytes.size()))).value_or("");
     answer.note = line;
     return answer;
 }
@@ -133,13 +151,13 @@ ReaderProcess::ReaderProcess(const std::vector<Login>& logins, HANDLE job) {
     CloseHandle(started.hThread);
     process_.Reset(started.hProcess);
     if (job) AssignProcessToJobObject(job, started.hProcess);
+    input.read.Reset();  // if the process has ended, sending fails
+    output.write.Reset();
+    isAlive_ = Send(input.write.Get(), std::to_wstring(logins.size()));
+    for (const Login& login : logins) isAlive_ = isAlive_ && Send(input.write.Get(), login);
     toProcess_ = StreamOf(std::move(input.write), 0, "w");
     fromProcess_ = StreamOf(std::move(output.read), _O_RDONLY, "r");
-    isAlive_ = toProcess_ && fromProcess_;
-    for (const Login& login : logins) {
-        if (isAlive_) std::fprintf(toProcess_.Get(), "%s\n", LineOf(login).c_str());
-    }
-    isAlive_ = isAlive_ && std::fputs("\n", toProcess_.Get()) >= 0;
+    isAlive_ = isAlive_ && toProcess_ && fromProcess_;
 }
 
 void ReaderProcess::End() {
@@ -166,8 +184,10 @@ OwnedHandle EndingJob() {
 }
 
 void ServeReader() {
+    const HANDLE pipe = GetStdHandle(STD_INPUT_HANDLE);
     std::vector<Login> logins;
-    for (std::string line; ReadLine(stdin, line) && !line.empty();) logins.push_back(LoginOf(line));
+    for (size_t left = std::wcstoul(ReceiveText(pipe).c_str(), nullptr, 10); left > 0; --left)
+        logins.push_back(ReceiveLogin(pipe));
     OwnReader reader(std::move(logins));
     for (std::string line; ReadLine(stdin, line);) {
         const std::vector<std::string> fields = SplitText(line, " ");

@@ -1,7 +1,6 @@
 // Processes that ask devices side by side: the module allows one directed request a process.
 #pragma once
 
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
@@ -40,7 +39,7 @@ class OwnReader : public Reader {
 
 class ReaderProcess : public Reader {
   public:
-    // Passwords go through a pipe of these two. `job`, or null, ends the process with this one.
+    // `job`, or null, ends the process with this one.
     ReaderProcess(const std::vector<Login>& logins, HANDLE job);
     ~ReaderProcess() override { End(); }
     bool IsAlive() const override { return isAlive_; }

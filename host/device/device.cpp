@@ -7,9 +7,9 @@
 #include <map>
 #include <mutex>
 #include <string_view>
+#include <utility>
 
 #include "device/sweeps.h"
-#include "model/asking/answer.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"

@@ -15,6 +15,10 @@ namespace vndiscover::host {
 struct Login {
     std::string community;                     // UTF-8; empty: the module's default
     std::shared_ptr<const Security> security;  // null: SNMPv1, by the community
+
+    bool operator==(const Login& other) const {
+        return community == other.community && security == other.security;
+    }
 };
 
 // Each call blocks, at most 10 s with SNMPv1 and 12 s with SNMPv3; one at a time in a process.

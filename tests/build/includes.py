@@ -24,7 +24,7 @@ FOLDERS = {
         "model/printer": {"values", "model/asking"},
         "model/computer": {"values", "model/asking", "model/printer"},
         "model/scan": {"values", "wsd", *(f"model/{part}" for part in ("asking", "printer", "computer"))},
-        "device": {"values", "model/asking", "model/computer", "platform", PUBLIC},
+        "device": {"values", "model/asking", "model/printer", "model/computer", "platform", PUBLIC},
         "platform": {"values", "model/computer", "model/scan", PUBLIC},
         "cli": {*PARTS, PUBLIC},
         "window": {"values", "platform"},

@@ -12,20 +12,14 @@ namespace {
 
 // The module's default community is public, any other one is a secret.
 void AddCommunity(Call& call, const std::string& community) {
-    if (community.empty() || community == VN_DEFAULT_COMMUNITY) {
-        call.arguments.push_back({"readCommunity", community});
-    } else {
-        call.arguments.push_back({"readCommunity", "VNDISCOVER_COMMUNITY", true});
-    }
+    const bool isSecret = !community.empty() && community != VN_DEFAULT_COMMUNITY;
+    call.arguments.push_back(
+        {"readCommunity", isSecret ? "VNDISCOVER_COMMUNITY" : community, isSecret});
 }
 
 void AddUser(Call& call, const Security& user) {
     const auto password = [&](const char* name, const Secret& secret, const char* variable) {
-        if (secret.IsEmpty()) {
-            call.arguments.push_back({name, ""});
-        } else {
-            call.arguments.push_back({name, variable, true});
-        }
+        call.arguments.push_back({name, secret.IsEmpty() ? "" : variable, !secret.IsEmpty()});
     };
     call.arguments.push_back({"userName", ToUtf8(user.user)});
     call.arguments.push_back({"useAuth", user.useAuth ? "1" : "0"});

@@ -17,12 +17,6 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr UINT kMessage = ResultWindow::kMessage;
-
-void SweepWsd(HWND window, const std::string& probe) {
-    DiscoverSoap(window, kMessage, kWsdSilenceMs, probe.data(), static_cast<int32_t>(probe.size()));
-}
-
 Device DeviceOf(const AskTarget& target) { return DeviceOf(LoginOf(target), target.address); }
 
 class Stopwatch {
@@ -53,10 +47,11 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
     const Stopwatch watch;
     if (isWsd) {
-        SweepWsd(window.Handle(), probe);
+        DiscoverSoap(window.Handle(), ResultWindow::kMessage, kWsdSilenceMs, probe.data(),
+                     static_cast<int32_t>(probe.size()));
     } else {
         const Login login = LoginOf({"", step.kind, step.credentials});
-        RunSweep(window.Handle(), kMessage, SweepFor(login, step.oid, step.useIPv6));
+        RunSweep(window.Handle(), ResultWindow::kMessage, SweepFor(login, step.oid, step.useIPv6));
     }
     Call call = watch.Timed(CallOf(step, probe));
     call.result = "0";  // always

@@ -1,12 +1,10 @@
 #include "window/work/session.h"
 
 #include <algorithm>
-#include <set>
-#include <utility>
 
-#include "model/scan/scan.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 
@@ -26,25 +24,15 @@ void Session::BeginSweep(WorkerId worker, const SweepStep& step, const std::stri
     const auto index = static_cast<size_t>(worker);
     sweeps_[index] = scan_.sweeps.size();
     isSweeping_[index] = true;
-    ScanSweep sweep;
-    sweep.kind = step.kind;
-    sweep.form = form;
-    sweep.useIPv6 = step.useIPv6;
-    if (form == AnswerForm::kValue) sweep.oid = step.oid;
-    sweep.time = time;
-    sweep.search = search_;
-    sweep.login = LoginOf(step.kind, step.credentials.community);
-    scan_.sweeps.push_back(std::move(sweep));
+    scan_.sweeps.push_back({step.kind, form, step.useIPv6,
+                            form == AnswerForm::kValue ? step.oid : Oid(), time, search_, false,
+                            LoginOf(step.kind, step.credentials.community)});
 }
 
 // Users are all one: the settings have the one that is valid.
 size_t Session::LoginOf(SweepKind kind, const std::string& community) {
-    const std::pair<SweepKind, std::string> login = {kind,
-                                                     kind == SweepKind::kSnmpV1 ? community : ""};
-    const auto known = std::find(logins_.begin(), logins_.end(), login);
-    const auto index = static_cast<size_t>(known - logins_.begin());
-    if (known == logins_.end()) logins_.push_back(login);
-    return index + 1;
+    return 1 + IndexOrAppend(logins_, std::pair(kind, kind == SweepKind::kSnmpV1 ? community
+                                                                                 : std::string()));
 }
 
 void Session::AddAnswer(WorkerId worker, ScanAnswer answer) {
@@ -76,23 +64,23 @@ void Session::AddReading(Results::Read read) {
         beingRead_.erase(known);
     isChanged_ = true;
     if (read.isPostponed) return;
-    ScanAnswer answer;
-    answer.time = read.time;
-    answer.address = address;
-    answer.sweep = scan_.sweeps.size();
-    ScanSweep sweep;
-    sweep.kind = read.target.kind;
-    sweep.form = AnswerForm::kVariable;
-    sweep.time = read.time;
-    sweep.isComplete = !read.isForList && read.answers.lastStatus == Status::kAnswered;
-    sweep.login = LoginOf(sweep.kind, read.target.credentials.community);
-    scan_.sweeps.push_back(sweep);
+    const SweepKind kind = read.target.kind;
+    const bool isWhole = read.answers.lastStatus == Status::kAnswered;
+    ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
+    scan_.sweeps.push_back({kind,
+                            AnswerForm::kVariable,
+                            false,
+                            {},
+                            read.time,
+                            0,
+                            !read.isForList && isWhole,
+                            LoginOf(kind, read.target.credentials.community)});
     for (auto& [oid, variable] : read.answers.values) {
         answer.answer = std::move(variable);
         scan_.answers.push_back(answer);
     }
     const bool hasValues = !read.answers.values.empty();
-    if (!hasValues && read.answers.lastStatus == Status::kAnswered) {
+    if (!hasValues && isWhole) {
         // It has answered that it is no printer.
         answer.answer = AnsweredWith(OidOf("hrPrinterStatus"), kNull, "");
         scan_.answers.push_back(answer);
@@ -100,10 +88,8 @@ void Session::AddReading(Results::Read read) {
     isUnsaved_ |= hasValues;
     read.answers.values.clear();
     std::vector<Reading>& known = readings_[address];
-    known.erase(std::remove_if(known.begin(), known.end(),
-                               [&](const Reading& one) { return one.kind == read.target.kind; }),
-                known.end());
-    known.push_back({address, read.target.kind, std::move(read.answers), hasValues, read.time});
+    EraseIf(known, [&](const Reading& one) { return one.kind == kind; });
+    known.push_back({address, kind, std::move(read.answers), hasValues, read.time});
 }
 
 void Session::EndReadings() {
@@ -114,8 +100,7 @@ void Session::EndReadings() {
 
 void Session::SetAdapters(const AdapterList& adapters) {
     adapters_ = adapters;
-    rowMaker_ = RowMaker(limits_);  // rows name the networks
-    isChanged_ = true;
+    SetLimits(limits_);  // new rows, which name the networks
 }
 
 void Session::SetLimits(const LevelLimits& limits) {
@@ -139,8 +124,7 @@ std::vector<Standing> Session::Standings() const {
         const auto reading = readings_.empty() ? std::nullopt : LastReadingOf(device.answers);
         const auto& addresses = device.identity.Of(MergeKey::kAddress);
         const bool isBeingRead =
-            std::any_of(beingRead_.begin(), beingRead_.end(),
-                        [&](const std::string& one) { return addresses.count(one) != 0; });
+            AnyOf(beingRead_, [&](const auto& one) { return addresses.count(one) != 0; });
         standings.push_back(
             StandingOf(scan_, device, reading ? &*reading : nullptr, isBeingRead, search));
     }
@@ -176,22 +160,16 @@ size_t Session::CountFound() const {
 
 void Session::AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
                         const std::string& time) {
-    ScanSweep sweep;
-    sweep.form = AnswerForm::kAdded;
-    sweep.time = time;
     for (const auto& [address, typed] : addresses) {
         if (!added_.insert(address).second) continue;
         scan_.answers.push_back({scan_.sweeps.size(), time, address, Received(typed)});
     }
-    scan_.sweeps.push_back(std::move(sweep));
+    scan_.sweeps.push_back({SweepKind::kSnmpV1, AnswerForm::kAdded, false, {}, time});
     isChanged_ = isUnsaved_ = true;
 }
 
 const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
-    const auto found =
-        std::find_if(devices_.begin(), devices_.end(),
-                     [&](const FoundDevice& device) { return device.answers == row.answers; });
-    return found == devices_.end() ? nullptr : &*found;
+    return FindIf(devices_, [&](const auto& device) { return device.answers == row.answers; });
 }
 
 PrinterLine Session::LineOf(const DeviceRow& row) const {
@@ -243,9 +221,9 @@ std::vector<AskTarget> Session::TargetsToRead() const {
     const LastSearch search(scan_, isSearching_);
     for (const FoundDevice& device : devices_) {
         const auto target = TargetOf(device.answers);
-        const bool isAdded =
-            std::any_of(device.answers.begin(), device.answers.end(),
-                        [&](size_t at) { return added_.count(scan_.answers[at].address) != 0; });
+        const bool isAdded = AnyOf(device.answers, [&](size_t index) {
+            return added_.count(scan_.answers[index].address) != 0;
+        });
         const bool hasAnswered = target->isLoginKnown && !search.HasMissed(scan_, device);
         if (isAdded || hasAnswered) targets.push_back(*target);
     }
@@ -256,10 +234,10 @@ std::optional<AskTarget> Session::WhomToAskForARefusal() const {
     const auto isOfSearch = [&](const ScanSweep& sweep) {
         return sweep.search == search_ && sweep.kind == SweepKind::kSnmpV3;
     };
-    if (std::none_of(scan_.sweeps.begin(), scan_.sweeps.end(), isOfSearch)) return std::nullopt;
-    for (const ScanAnswer& answer : scan_.answers) {
-        if (isOfSearch(scan_.sweeps[answer.sweep])) return std::nullopt;
-    }
+    const auto isAnswer = [&](const ScanAnswer& answer) {
+        return isOfSearch(scan_.sweeps[answer.sweep]);
+    };
+    if (!AnyOf(scan_.sweeps, isOfSearch) || AnyOf(scan_.answers, isAnswer)) return std::nullopt;
     // Best one that has SNMPv3, or at least SNMP.
     std::optional<AskTarget> best;
     int bestRank = 0;
@@ -275,8 +253,7 @@ std::optional<AskTarget> Session::WhomToAskForARefusal() const {
 
 bool Session::HasAnsweredHere(const std::vector<size_t>& answers,
                               const std::string& address) const {
-    return added_.count(address) != 0 ||
-           std::any_of(answers.begin(), answers.end(), [&](size_t index) {
+    return added_.count(address) != 0 || AnyOf(answers, [&](size_t index) {
                const ScanAnswer& answer = scan_.answers[index];
                return answer.address == address && scan_.sweeps[answer.sweep].login != 0;
            });
@@ -312,12 +289,10 @@ std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
 
 void Session::ForgetRefusals() {
     for (auto& [address, readings] : readings_) {
-        readings.erase(std::remove_if(readings.begin(), readings.end(),
-                                      [](const Reading& one) {
-                                          return one.end.lastStatus == Status::kRefused ||
-                                                 one.end.lastStatus == Status::kOnlyDiscovered;
-                                      }),
-                       readings.end());
+        EraseIf(readings, [](const Reading& one) {
+            return one.end.lastStatus == Status::kRefused ||
+                   one.end.lastStatus == Status::kOnlyDiscovered;
+        });
     }
     isChanged_ = true;
 }

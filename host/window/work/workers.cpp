@@ -1,13 +1,13 @@
 #include "window/work/workers.h"
 
 #include <algorithm>
-#include <chrono>
 #include <exception>
 #include <utility>
 
 #include "platform/error_text.h"
 #include "platform/this_computer.h"
 #include "values/ip_address.h"
+#include "values/ranges.h"
 #include "values/text.h"
 #include "values/utc_time.h"
 
@@ -16,17 +16,6 @@ namespace {
 
 std::string KeyOf(const char* task, const AskTarget& target) {
     return task + std::to_string(static_cast<int>(target.kind)) + target.address;
-}
-
-// An exception is a failed reading.
-FleetDevice ReadOne(Engine& engine, const AskTarget& target, const FleetDevice& job, Reader* reader,
-                    const std::function<bool()>& mayGoOn) try {
-    return engine.ReadForList(target, job, reader, mayGoOn);
-} catch (...) {
-    FleetDevice result = job;
-    result.answers.lastStatus = Status::kSendFailed;
-    result.answers.lastProblem = ExceptionText();
-    return result;
 }
 
 }  // namespace
@@ -62,15 +51,13 @@ void ResultQueue::RunAll(Results& results) {
 }
 
 Workers::Workers(Engine& engine, ResultQueue& queue) : engine_(engine), queue_(queue) {
-    engine_.SetOnCall([this](Call call) {
-        Post([call = std::move(call)](Results& results) mutable {
-            results.OnCall(std::move(call));
-        });
-    });
+    engine_.SetOnCall([this](Call call) { Report(&Results::OnCall, std::move(call)); });
 }
 
 Workers::~Workers() {
     constexpr auto kRepeat = std::chrono::milliseconds(50);
+    Stop();
+    run_.reset();
     {
         std::unique_lock<std::mutex> lock(mutex_);
         isEnding_ = true;
@@ -80,13 +67,11 @@ Workers::~Workers() {
             lock.unlock();
             Stop();
             lock.lock();
-        } while (!changed_.wait_for(
-            lock, kRepeat, [&] { return std::none_of(lines_.begin(), lines_.end(), isRunning); }));
+        } while (!changed_.wait_for(lock, kRepeat, [&] { return !AnyOf(lines_, isRunning); }));
     }
     for (Line& line : lines_) {
         if (line.thread.joinable()) line.thread.join();
     }
-    for (Side& side : sides_) side.thread.join();
     engine_.SetOnCall(nullptr);
 }
 
@@ -95,21 +80,14 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
         const WorkerId worker = step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
         Job job;
         job.fail = [this, worker](const std::string& problem) {
-            Post([=](Results& results) { results.OnSweepEnded(worker, problem); });
+            Report(&Results::OnSweepEnded, worker, problem);
         };
         job.drop = [fail = job.fail] { fail(""); };
         job.run = [this, worker, step, end = job.fail](const Stops&) {
-            Post([=, time = UtcNow()](Results& results) {
-                results.OnSweepBegan(worker, step, time);
-            });
+            Report(&Results::OnSweepBegan, worker, step, UtcNow());
             engine_.Sweep(step, [&](const char* address, std::string_view bytes) {
-                ScanAnswer answer;
-                answer.time = UtcNow();
-                answer.address = address;
-                answer.answer = Received(bytes);
-                Post([worker, answer = std::move(answer)](Results& results) mutable {
-                    results.OnAnswer(worker, std::move(answer));
-                });
+                Report(&Results::OnAnswer, worker,
+                       ScanAnswer{0, UtcNow(), address, Received(bytes)});
             });
             end("");
         };
@@ -128,13 +106,7 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
             const std::lock_guard<std::mutex> lock(mutex_);
             reading_.clear();
         }
-        Results::Read read;
-        read.target = asked;
-        read.time = UtcNow();
-        read.answers = std::move(answers);
-        Post([read = std::move(read)](Results& results) mutable {
-            results.OnRead(std::move(read));
-        });
+        Report(&Results::OnRead, Results::Read{asked, UtcNow(), std::move(answers)});
     };
     job.fail = [end, target](const std::string& problem) {
         PrinterAnswers none;
@@ -144,65 +116,57 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
         end(target, std::move(none));
     };
     job.run = [this, target, end](const Stops& before) {
-        Post([address = target.address](Results& results) {
-            results.OnReadingBegan(address, false);
-        });
+        Report(&Results::OnReadingBegan, target.address, false);
         AskTarget asked = target;
-        PrinterAnswers answers = engine_.Read(
-            asked, Watched(wait_, target.address, [&] { return stops_ == before.all; }));
+        PrinterAnswers answers =
+            engine_.Read(asked, Watched(target.address, before, Order::kUrgent));
         end(asked, std::move(answers));
     };
     Add(WorkerId::kDirected, std::move(job));
 }
 
-void Workers::Begin(Wait& wait, const std::string& address) {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    wait = {address, std::chrono::steady_clock::now()};
+// Called before each request, it notes when that begins. Urgent jobs come before those of others.
+Workers::MayGoOn Workers::Watched(const std::string& address, const Stops& before, Order order) {
+    return [this, address, before, order] {
+        while (order != Order::kUrgent && stops_ == before.all && ExecuteUrgentJob()) continue;
+        const bool mayGoOn =
+            stops_ == before.all && (order != Order::kWalk || walkStops_ == before.walks);
+        NoteWait(mayGoOn ? address : "");
+        return mayGoOn;
+    };
 }
 
-// Called before each request, it notes when that began.
-std::function<bool()> Workers::Watched(Wait& wait, const std::string& address,
-                                       std::function<bool()> mayGoOn) {
-    return [this, &wait, address, mayGoOn = std::move(mayGoOn)] {
-        const bool isAllowed = mayGoOn();
-        Begin(wait, isAllowed ? address : "");
-        return isAllowed;
-    };
+// That this thread waits for an answer from now on; empty: no longer.
+void Workers::NoteWait(const std::string& address) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    waits_[std::this_thread::get_id()] = {address, std::chrono::steady_clock::now()};
 }
 
 void Workers::ReadAll(const std::vector<AskTarget>& targets) {
     StopRun();
-    for (Side& side : sides_) side.thread.join();
-    sides_.clear();
-    auto run = std::make_shared<FleetRun>();
-    run->targets = targets;
+    if (run_) run_->readers->Join();
+    run_ = std::make_shared<FleetRun>();
+    run_->targets = targets;
     for (const AskTarget& target : targets) {
         Login login = LoginOf(target);
-        run->fleet.Add(target.address, run->NumberOf(login), {});
+        run_->fleet.Add(target.address, IndexOrAppend(run_->logins, login), {});
         for (const std::string& community : target.otherCommunities) {
             login.community = community;
-            run->NumberOf(login);  // before the readers are told
+            IndexOrAppend(run_->logins, login);  // before the readers are told
         }
     }
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        run_ = run;
-    }
-    run->sides = std::min(engine_.MaxReaders(), targets.size() / 2);
-    if (run->sides == 0) return ReadFleetHere(run);
-    for (size_t count = run->sides; count > 0; --count) {
-        Side& side = sides_.emplace_back();
-        side.thread = std::thread([this, run, &side] { RunSide(run, side); });
-    }
-}
-
-size_t Workers::FleetRun::NumberOf(const Login& login) {
-    const auto known = std::find_if(logins.begin(), logins.end(), [&](const Login& other) {
-        return other.community == login.community && other.security == login.security;
-    });
-    const auto number = static_cast<size_t>(known - logins.begin());
-    if (known == logins.end()) logins.push_back(login);
-    return number;
+    FleetReaders::Work work;
+    FleetRun& run = *run_;
+    work.makeReader = [this, &run] { return engine_.MakeReader(run.logins); };
+    work.read = [this, &run](const FleetDevice& job, Reader* reader, const MayGoOn& mayGoOn) {
+        return ReadForList(run, job, reader, mayGoOn);
+    };
+    work.onEnd = [this, &run](size_t index, bool isDone) { EndReading(run, index, isDone); };
+    work.onIdle = [this, weak = std::weak_ptr<FleetRun>(run_)] {
+        if (const auto shared = weak.lock()) ReadLeft(shared);
+    };
+    run.readers.emplace(run.fleet, mutex_, std::move(work));
+    if (!run.readers->Start(engine_.MaxReaders())) ReadLeft(run_);
 }
 
 // Of a device that was silent, if it is not known by which community it answers.
@@ -210,136 +174,76 @@ bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
     if (target.otherCommunities.empty()) return false;
     target.credentials.community = target.otherCommunities.front();
     target.otherCommunities.erase(target.otherCommunities.begin());
-    fleet.Add(target.address, NumberOf(LoginOf(target)), {});
+    fleet.Add(target.address, IndexOrAppend(logins, LoginOf(target)), {});
     targets.push_back(std::move(target));
     return true;
 }
 
-void Workers::RunSide(const std::shared_ptr<FleetRun>& run, Side& side) {
-    const auto use = [&](Reader* reader) {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        side.reader = reader;
-    };
-    std::unique_ptr<Reader> reader;
-    try {
-        reader = engine_.MakeReader(run->logins);
-        use(reader.get());
-        while (ReadNext(run, reader.get(), side.wait, [&] { return reader->IsAlive(); })) continue;
-    } catch (...) {  // no memory: what it has not read is left to others
-    }
-    use(nullptr);
-    bool isLast = false;
+// An exception is a failed reading.
+FleetDevice Workers::ReadForList(FleetRun& run, const FleetDevice& job, Reader* reader,
+                                 const MayGoOn& mayGoOn) {
+    AskTarget target;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        side.wait = {};
-        isLast = --run->sides == 0;
+        target = run.targets[job.index];
     }
-    if (isLast) ReadFleetHere(run);  // if processes could not be started, or have ended
+    Report(&Results::OnReadingBegan, job.address, true);
+    FleetDevice result = job;
+    try {
+        result = engine_.ReadForList(target, job, reader, [&] {
+            const bool isAllowed = mayGoOn();
+            NoteWait(isAllowed ? job.address : "");
+            return isAllowed;
+        });
+    } catch (...) {
+        result.answers.lastStatus = Status::kSendFailed;
+        result.answers.lastProblem = ExceptionText();
+    }
+    NoteWait("");
+    return result;
 }
 
-// What is left, one after the other. While it runs, urgent jobs are executed between two requests.
-void Workers::ReadFleetHere(const std::shared_ptr<FleetRun>& run) {
-    bool isOver = false;
+// Must be called with the lock.
+void Workers::EndReading(FleetRun& run, size_t index, bool isDone) {
+    const FleetDevice device = run.fleet.Devices()[index];
+    Results::Read read = {run.targets[index], UtcNow(), device.answers, true, !isDone};
+    const bool isSilent =
+        device.answers.lastStatus == Status::kNoAnswer && device.answers.values.empty();
+    if (isDone) {
+        read.isPostponed = device.isRead ? isSilent && run.TryNextCommunity(read.target)
+                                         : device.answers.lastStatus != Status::kAnswered;
+    }
+    Report(&Results::OnRead, std::move(read));
+}
+
+// What readers have left is read here, one after the other, with urgent jobs between two requests.
+void Workers::ReadLeft(const std::shared_ptr<FleetRun>& run) {
+    bool isOver = run->readers->IsStopped();
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        isOver = run->isStopped || run->fleet.IsOver();
+        isOver |= run->fleet.IsOver();
     }
-    if (isOver) return EndRun(run);
+    if (isOver) return EndRun(*run);
     Job job;
-    job.order = Order::kLater;
-    job.fail = [this, run](const std::string&) { EndRun(run); };
+    job.fail = [this, run](const std::string&) { EndRun(*run); };
     job.drop = [] {};  // StopRun reports it
     job.run = [this, run](const Stops& before) {
-        const auto mayGoOn = [&] {
-            while (stops_ == before.all && ExecuteUrgentJob()) continue;
-            return stops_ == before.all;
-        };
-        while (ReadNext(run, nullptr, wait_, mayGoOn)) continue;
-        EndRun(run);
+        while (run->readers->ReadNext(nullptr, Watched("", before, Order::kLater))) continue;
+        EndRun(*run);
     };
     Add(WorkerId::kDirected, std::move(job));
 }
 
-// Sets what is known of the device then. Returns true if it is to be asked again.
-bool Workers::FleetRun::Save(FleetDevice job, PrinterAnswers& known) {
-    const size_t index = job.index;
-    fleet.Done(std::move(job));
-    const FleetDevice& device = fleet.Devices()[index];
-    known = device.answers;
-    const bool isSilent = known.lastStatus == Status::kNoAnswer && known.values.empty();
-    return device.isRead ? isSilent && TryNextCommunity(targets[index])
-                         : known.lastStatus != Status::kAnswered;
-}
-
-// Executes one job of the run. Returns false if there are none left for this thread.
-bool Workers::ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wait& wait,
-                       const std::function<bool()>& mayGoOn) {
-    constexpr auto kPoll = std::chrono::milliseconds(50);
-    const auto maySend = [&] {
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
-            if (run->isStopped) return false;
-        }
-        return mayGoOn();
-    };
-    if (!maySend()) return false;
-    std::unique_lock<std::mutex> lock(mutex_);
-    if (run->isStopped || run->fleet.IsOver()) return false;
-    const auto job = run->fleet.Next();
-    if (!job) {
-        changed_.wait_for(lock, kPoll);
-        return true;
-    }
-    Results::Read read;
-    read.target = run->targets[job->index];
-    lock.unlock();
-    read.isForList = true;
-    Post([address = job->address](Results& results) { results.OnReadingBegan(address, true); });
-    FleetDevice result =
-        ReadOne(engine_, read.target, *job, reader, Watched(wait, job->address, maySend));
-    Begin(wait, "");
-    const bool isTried = maySend();
-    lock.lock();
-    if (isTried) {
-        read.isPostponed = run->Save(std::move(result), read.answers);
-    } else {
-        run->fleet.Return(job->index);
-        read.isPostponed = true;
-    }
-    changed_.notify_all();
-    lock.unlock();
-    read.time = UtcNow();
-    Post([read = std::move(read)](Results& results) mutable { results.OnRead(std::move(read)); });
-    return isTried;
-}
-
-void Workers::EndRun(const std::shared_ptr<FleetRun>& run) {
-    size_t read = 0;
-    bool isStopped = false;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (run_ != run) return;  // another one has begun, or it has been reported
-        read = run->fleet.CountRead();
-        isStopped = !run->fleet.IsOver();
-        run_ = nullptr;
-    }
-    Post([read, total = run->targets.size(), isStopped](Results& results) {
-        results.OnReadAll(read, total, isStopped);
-    });
+void Workers::EndRun(FleetRun& run) {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!std::exchange(run.isReported, true))
+        Report(&Results::OnReadAll, run.fleet.CountRead(), run.targets.size(), !run.fleet.IsOver());
 }
 
 void Workers::StopRun() {
-    std::shared_ptr<FleetRun> run;
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        run = run_;
-        if (run) run->isStopped = true;
-        for (Side& side : sides_) {
-            if (side.reader) side.reader->End();
-        }
-        changed_.notify_all();
-    }
-    if (run) EndRun(run);
+    if (!run_) return;
+    run_->readers->Stop();
+    EndRun(*run_);
 }
 
 void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
@@ -347,7 +251,7 @@ void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
     job.order = Order::kWalk;
     job.key = KeyOf("walk", target);
     const auto end = [this, walk](bool hasBegun, const WalkEnd& last, const std::string& problem) {
-        Post([=](Results& results) { results.OnWalked(walk, hasBegun, last, problem); });
+        Report(&Results::OnWalked, walk, hasBegun, last, problem);
     };
     job.fail = [end](const std::string& problem) { end(true, {}, problem); };
     job.drop = [end] {
@@ -356,20 +260,13 @@ void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
         end(false, dropped, "");
     };
     job.run = [this, target, root, walk, end](const Stops& before) {
-        Post([=, address = target.address](Results& results) {
-            results.OnWalkBegan(walk, address);
-        });
-        const auto mayGoOn = Watched(wait_, target.address, [&] {
-            while (stops_ == before.all && ExecuteUrgentJob()) continue;
-            return stops_ == before.all && walkStops_ == before.walks;
-        });
+        Report(&Results::OnWalkBegan, walk, target.address);
         size_t variables = 0;
         const auto onVariable = [&](const Answer& variable) {
-            Post([walk, copy = Answer(variable)](Results& results) mutable {
-                results.OnVariable(walk, std::move(copy));
-            });
+            Report(&Results::OnVariable, walk, variable);
             return ++variables < kMaxWalkVariables;
         };
+        const auto mayGoOn = Watched(target.address, before, Order::kWalk);
         end(true, engine_.Walk(target, root, mayGoOn, onVariable), "");
     };
     Add(WorkerId::kDirected, std::move(job));
@@ -379,48 +276,35 @@ void Workers::Diagnose(const AskTarget& target) {
     Job job;
     job.order = Order::kUrgent;
     job.key = KeyOf("diagnose", target);
-    const auto end = [this, target](const HostDiagnosis& diagnosis, const AdapterList& adapters) {
-        Post([=, address = target.address](Results& results) {
-            results.OnDiagnosed(address, diagnosis, adapters);
-        });
-    };
-    job.fail = [end](const std::string& problem) {
+    job.fail = [this, address = target.address](const std::string& problem) {
         HostDiagnosis none;
         none.problem = problem;
-        end(none, {});
+        Report(&Results::OnDiagnosed, address, none, AdapterList());
     };
-    job.run = [this, target, end](const Stops& before) {
-        Post([address = target.address](Results& results) { results.OnDiagnosisBegan(address); });
-        const HostDiagnosis diagnosis = engine_.Diagnose(
-            target, Watched(wait_, target.address, [&] { return stops_ == before.all; }));
-        end(diagnosis, engine_.IPv4());
+    job.run = [this, target](const Stops& before) {
+        Report(&Results::OnDiagnosisBegan, target.address);
+        const HostDiagnosis diagnosis =
+            engine_.Diagnose(target, Watched(target.address, before, Order::kUrgent));
+        Report(&Results::OnDiagnosed, target.address, diagnosis, engine_.IPv4());
     };
     Add(WorkerId::kDirected, std::move(job));
 }
 
 void Workers::ReadAdapters() {
+    // Without them, devices are only shown without their networks.
     AddUrgent(
-        "adapters",
-        [this](const Stops&) {
-            Post([adapters = engine_.IPv4()](Results& results) { results.OnAdapters(adapters); });
-        },
-        // Without them, devices are only shown without their networks.
+        "adapters", [this] { Report(&Results::OnAdapters, engine_.IPv4()); },
         [](const std::string&) {});
 }
 
 void Workers::MakeReport() {
     AddUrgent(
-        "report",
-        [this](const Stops&) {
-            Post([report = engine_.Report()](Results& results) { results.OnReport(report); });
-        },
-        [this](const std::string& problem) {
-            Post([=](Results& results) { results.OnReportFailed(problem); });
-        });
+        "report", [this] { Report(&Results::OnReport, engine_.Report()); },
+        [this](const std::string& problem) { Report(&Results::OnReportFailed, problem); });
 }
 
 void Workers::Resolve(const std::vector<std::string>& hosts) {
-    const auto run = [this, hosts](const Stops&) {
+    const auto run = [this, hosts] {
         Results::Addresses addresses;
         std::string unknown;
         for (const std::string& host : hosts) {
@@ -431,35 +315,31 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
                 unknown = Joined({unknown, host});
             }
         }
-        Post([=](Results& results) { results.OnResolved(addresses, unknown); });
+        Report(&Results::OnResolved, addresses, unknown);
     };
     AddUrgent("", run, [this](const std::string& problem) {
-        Post([=](Results& results) { results.OnResolved({}, problem); });
+        Report(&Results::OnResolved, Results::Addresses(), problem);
     });
 }
 
 // To an idle worker, or otherwise the directed one.
-void Workers::AddUrgent(std::string key, std::function<void(const Stops&)> run,
+void Workers::AddUrgent(const char* key, const std::function<void()>& run,
                         std::function<void(const std::string&)> fail) {
     Job job;
-    job.key = std::move(key);
-    job.run = std::move(run);
-    job.fail = std::move(fail);
-    WorkerId free = WorkerId::kDirected;
-    for (const WorkerId worker : {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp}) {
-        if (IsBusy(worker)) continue;
-        free = worker;
-        break;
-    }
     job.order = Order::kUrgent;
+    job.key = key;
+    job.run = [run](const Stops&) { run(); };
+    job.fail = std::move(fail);
     job.isSending = false;
-    Add(free, std::move(job));
+    const auto workers = {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp};
+    const auto* const idle = FindIf(workers, [this](WorkerId worker) { return !IsBusy(worker); });
+    Add(idle ? *idle : WorkerId::kDirected, std::move(job));
 }
 
 void Workers::StopWalk() {
     const std::lock_guard<std::mutex> lock(mutex_);
     ++walkStops_;
-    DropJobs(lines_[static_cast<size_t>(WorkerId::kDirected)], true);
+    DropJobs(LineOf(WorkerId::kDirected), true);
 }
 
 // Must be called with the lock.
@@ -473,17 +353,9 @@ void Workers::DropJobs(Line& line, bool areOnlyWalks) const {
     line.jobs.erase(dropped, line.jobs.end());
 }
 
-// The latest urgent job comes first; walks come after all urgent ones.
-std::deque<Workers::Job>::iterator Workers::PlaceFor(Order order, std::deque<Job>& jobs) const {
-    if (order == Order::kUrgent) return jobs.begin();
-    if (order == Order::kLater) return jobs.end();
-    return std::find_if(jobs.begin(), jobs.end(),
-                        [](const Job& other) { return other.order != Order::kUrgent; });
-}
-
 void Workers::Add(WorkerId worker, Job job) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    Line& line = lines_[static_cast<size_t>(worker)];
+    Line& line = LineOf(worker);
     const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), [&](const Job& other) {
         return (job.isSelected && other.isSelected) || (!job.key.empty() && other.key == job.key);
     });
@@ -493,7 +365,11 @@ void Workers::Add(WorkerId worker, Job job) {
     }
     if (job.isReading && job.key == reading_) return;
     isStopReported_ = false;
-    line.jobs.insert(PlaceFor(job.order, line.jobs), std::move(job));
+    // The latest urgent job comes first; walks come after all urgent ones.
+    const auto place = std::find_if(line.jobs.begin(), line.jobs.end(), [&](const Job& other) {
+        return job.order != Order::kLater && other.order >= job.order;
+    });
+    line.jobs.insert(place, std::move(job));
     if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
     changed_.notify_all();
 }
@@ -509,12 +385,11 @@ void Workers::Stop() {
     }
     StopRun();
     for (const char* name : {"StopDiscoverSnmp", "StopDiscoverSoap"}) {
-        if (wasReported) break;
         Call call;
         call.name = name;
         call.time = UtcNow();
         call.result = "0";
-        Post([=](Results& results) { results.OnCall(call); });  // before the sweeps that it ends
+        if (!wasReported) Report(&Results::OnCall, call);  // before the sweeps that it ends
     }
     RepeatStop();
 }
@@ -533,7 +408,7 @@ bool Workers::IsBusy(WorkerId worker) const {
 bool Workers::IsBusy() const {
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        if (run_) return true;
+        if (IsReadingAll()) return true;
     }
     return IsBusy(WorkerId::kSnmp) || IsBusy(WorkerId::kWsd) || IsBusy(WorkerId::kDirected);
 }
@@ -541,29 +416,27 @@ bool Workers::IsBusy() const {
 bool Workers::IsSending() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto isSending = [](const Line& line) {
-        return line.isSending || std::any_of(line.jobs.begin(), line.jobs.end(),
-                                             [](const Job& job) { return job.isSending; });
+        return line.isSending || AnyOf(line.jobs, [](const Job& job) { return job.isSending; });
     };
-    return run_ || std::any_of(lines_.begin(), lines_.end(), isSending);
+    return IsReadingAll() || AnyOf(lines_, isSending);
 }
 
 Progress::Work Workers::Now() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     Progress::Work work;
     work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
-    if (run_) {
+    if (IsReadingAll()) {
         work.toRead = run_->fleet.Devices().size();
         work.read = run_->fleet.CountRead();
     }
-    const auto note = [&work, now = std::chrono::steady_clock::now()](const Wait& wait) {
+    for (const auto& [thread, wait] : waits_) {
         using std::chrono::milliseconds;
-        const int64_t ms = std::chrono::duration_cast<milliseconds>(now - wait.start).count();
-        if (wait.address.empty() || ms <= work.waitMs) return;
+        const auto waited = std::chrono::steady_clock::now() - wait.start;
+        const int64_t ms = std::chrono::duration_cast<milliseconds>(waited).count();
+        if (wait.address.empty() || ms <= work.waitMs) continue;
         work.address = wait.address;
         work.waitMs = ms;
-    };
-    note(wait_);
-    for (const Side& side : sides_) note(side.wait);
+    }
     return work;
 }
 
@@ -577,7 +450,7 @@ Workers::Job Workers::RemoveFirst(Line& line, Stops& before) {
 }
 
 void Workers::Run(WorkerId worker) {
-    Line& line = lines_[static_cast<size_t>(worker)];
+    Line& line = LineOf(worker);
     std::unique_lock<std::mutex> lock(mutex_);
     while (true) {
         changed_.wait(lock, [&] { return isEnding_ || !line.jobs.empty(); });
@@ -590,13 +463,9 @@ void Workers::Run(WorkerId worker) {
         Execute(job, before);
         lock.lock();
         line.isRunning = line.isSending = false;
-        if (worker == WorkerId::kDirected) wait_ = {};
-        const bool isIdle = line.jobs.empty();
+        waits_.erase(std::this_thread::get_id());
         changed_.notify_all();
-        if (!isIdle) continue;
-        lock.unlock();
-        Post([](Results&) {});  // so that the window sees that it is idle
-        lock.lock();
+        if (line.jobs.empty()) queue_.Post([](Results&) {});  // the window sees that it is idle
     }
 }
 
@@ -614,7 +483,7 @@ bool Workers::ExecuteUrgentJob() {
     Stops before;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        Line& line = lines_[static_cast<size_t>(WorkerId::kDirected)];
+        Line& line = LineOf(WorkerId::kDirected);
         if (line.jobs.empty() || line.jobs.front().order != Order::kUrgent) return false;
         job = RemoveFirst(line, before);
     }

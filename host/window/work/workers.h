@@ -7,13 +7,16 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
-#include <list>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
+#include "device/fleet_readers.h"
 #include "model/asking/progress.h"
 #include "window/work/results.h"
 
@@ -85,47 +88,47 @@ class Workers {
         Fleet fleet;
         std::vector<AskTarget> targets;
         std::vector<Login> logins;
-        bool isStopped = false;
-        size_t sides = 0;  // threads that read
+        bool isReported = false;  // to the window: it is over
+        std::optional<FleetReaders> readers;
 
-        size_t NumberOf(const Login& login);
         bool TryNextCommunity(AskTarget target);
-        bool Save(FleetDevice job, PrinterAnswers& known);
     };
-    struct Side {
-        std::thread thread;
-        Reader* reader = nullptr;  // while it may be used
-        Wait wait;
-    };
-    void RunSide(const std::shared_ptr<FleetRun>& run, Side& side);
-    void ReadFleetHere(const std::shared_ptr<FleetRun>& run);
-    bool ReadNext(const std::shared_ptr<FleetRun>& run, Reader* reader, Wait& wait,
-                  const std::function<bool()>& mayGoOn);
-    void EndRun(const std::shared_ptr<FleetRun>& run);
+    using MayGoOn = FleetReaders::MayGoOn;
+    FleetDevice ReadForList(FleetRun& run, const FleetDevice& job, Reader* reader,
+                            const MayGoOn& mayGoOn);
+    void EndReading(FleetRun& run, size_t index, bool isDone);
+    void ReadLeft(const std::shared_ptr<FleetRun>& run);
+    void EndRun(FleetRun& run);
     void StopRun();
-    void Begin(Wait& wait, const std::string& address);
-    std::function<bool()> Watched(Wait& wait, const std::string& address,
-                                  std::function<bool()> mayGoOn);
+    bool IsReadingAll() const { return run_ && !run_->isReported; }
+    void NoteWait(const std::string& address);
+    MayGoOn Watched(const std::string& address, const Stops& before, Order order);
+    Line& LineOf(WorkerId worker) { return lines_[static_cast<size_t>(worker)]; }
     void Add(WorkerId worker, Job job);
-    void AddUrgent(std::string key, std::function<void(const Stops&)> run,
+    void AddUrgent(const char* key, const std::function<void()>& run,
                    std::function<void(const std::string&)> fail);
-    std::deque<Job>::iterator PlaceFor(Order order, std::deque<Job>& jobs) const;
     Job RemoveFirst(Line& line, Stops& before);
     void Run(WorkerId worker);
     static void Execute(const Job& job, const Stops& before);
     bool ExecuteUrgentJob();
     void DropJobs(Line& line, bool areOnlyWalks) const;
-    void Post(ResultQueue::Closure closure) { queue_.Post(std::move(closure)); }
+    // Posts a call of the method with these values.
+    template <class... Parameters, class... Values>
+    void Report(void (Results::*method)(Parameters...), Values... values) {
+        queue_.Post(
+            [method, all = std::make_tuple(std::move(values)...)](Results& results) mutable {
+                std::apply([&](auto&... each) { (results.*method)(std::move(each)...); }, all);
+            });
+    }
 
     Engine& engine_;
     ResultQueue& queue_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
     std::array<Line, kWorkerCount> lines_;
-    Wait wait_;                      // of the directed worker
-    std::string reading_;            // the key of its reading; empty: none, or it was stopped
+    std::map<std::thread::id, Wait> waits_;
+    std::string reading_;  // the key of the directed worker's; empty: none, or it was stopped
     std::shared_ptr<FleetRun> run_;  // the last one; null: none
-    std::list<Side> sides_;          // of it
     std::atomic<unsigned> stops_{0}, walkStops_{0};
     bool isStopReported_ = true;  // as a call, once per run
     bool isEnding_ = false;

@@ -245,6 +245,25 @@ TEST_F(FleetWorkers, OtherCommunitiesAreTriedOfASilentDevice) {
     EXPECT_FALSE(results.last["10.0.0.2"].answers.values.empty());
 }
 
+TEST(FleetReaders, JobOfAFailedThreadIsLeftToOthers) {
+    Fleet fleet;
+    for (const char* address : {"10.0.0.1", "10.0.0.2", "10.0.0.3", "10.0.0.4"})
+        fleet.Add(address, 0, {});
+    std::mutex mutex;
+    FleetReaders::Work work;
+    work.makeReader = [] { return std::make_unique<OwnReader>(std::vector<Login>()); };
+    work.read = [](const FleetDevice& job, Reader* reader, const FleetReaders::MayGoOn&) {
+        if (reader) throw std::bad_alloc();
+        return job;
+    };
+    FleetReaders readers(fleet, mutex, std::move(work));
+    EXPECT_TRUE(readers.Start(2));
+    readers.Join();
+    for (int tries = 0; tries < 20 && readers.ReadNext(nullptr, [] { return true; }); ++tries)
+        continue;
+    EXPECT_TRUE(fleet.IsOver());
+}
+
 // Of sweeps that begin at the same time, no other one having registered the type of the windows.
 TEST(ResultWindows, AreCreatedByThreadsAtTheSameTime) {
     for (int round = 0; round < 50; ++round) {
