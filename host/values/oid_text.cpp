@@ -20,11 +20,6 @@ std::optional<uint32_t> ReadArc(std::string_view& text) {
     return arc;
 }
 
-bool AreFirstArcsValid(const Oid& oid) {
-    if (oid[0] > 2) return false;
-    return oid.size() < 2 || oid[0] == 2 || oid[1] < 40;
-}
-
 void AppendArc(std::string& octets, uint64_t arc) {
     int groups = 1;
     while (arc >> (7 * groups) != 0) ++groups;
@@ -46,8 +41,8 @@ std::optional<Oid> ParseOid(std::string_view text) {
         if (text.front() != '.') return std::nullopt;
         text.remove_prefix(1);
     }
-    if (!AreFirstArcsValid(oid)) return std::nullopt;
-    return oid;
+    const bool isValid = oid[0] <= 2 && (oid.size() < 2 || oid[0] == 2 || oid[1] < 40);
+    return isValid ? std::optional(oid) : std::nullopt;
 }
 
 std::string OidToText(const Oid& oid) {

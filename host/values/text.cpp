@@ -1,19 +1,9 @@
 #include "values/text.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace vndiscover::host {
-namespace {
-
-// -1: not a digit.
-int HexDigit(char digit) {
-    if (digit >= '0' && digit <= '9') return digit - '0';
-    const char lower = static_cast<char>(digit | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-}  // namespace
-
 std::string Lower(std::string_view text) {
     std::string lower(text);
     for (char& letter : lower) {
@@ -61,10 +51,11 @@ std::optional<std::string> ParseHex(std::string_view text, std::string_view sepa
             ++i;
             continue;
         }
-        const int high = HexDigit(text[i]);
-        const int low = i + 1 < text.size() ? HexDigit(text[i + 1]) : -1;
-        if (high < 0 || low < 0) return std::nullopt;
-        bytes += static_cast<char>(high << 4 | low);
+        uint8_t byte = 0;
+        const char* const pair = text.data() + i;
+        if (i + 2 > text.size() || std::from_chars(pair, pair + 2, byte, 16).ptr != pair + 2)
+            return std::nullopt;
+        bytes += static_cast<char>(byte);
         i += 2;
     }
     return bytes;

@@ -111,11 +111,9 @@ std::optional<std::vector<Parameter>> ParametersOf(const std::string& name) {
     if (!shape) return std::nullopt;
     std::vector<Parameter> parameters;
     for (const std::string& one : SplitText(shape->parameters, ",")) {
-        const size_t blank = one.rfind(' ');
-        if (blank != std::string::npos)  // not "void"
-            parameters.push_back(
-                {one.substr(one.find_first_not_of(' '), blank - one.find_first_not_of(' ')),
-                 one.substr(blank + 1)});
+        const size_t start = one.front() == ' ' ? 1 : 0, end = one.rfind(' ');
+        if (one != "void")
+            parameters.push_back({one.substr(start, end - start), one.substr(end + 1)});
     }
     return parameters;
 }

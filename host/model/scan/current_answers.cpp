@@ -43,6 +43,24 @@ bool IsOfState(const Oid& oid) {
                        "prtAlertDescription", "prtAlertTime", "prtConsoleDisplayBufferText"});
 }
 
+// Removes sweeps without a current answer before the last search. Returns the others' new numbers.
+std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
+    size_t lastSearch = 0;
+    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
+    std::vector<bool> isKept(scan.sweeps.size());
+    for (const size_t index : current) isKept[scan.answers[index].sweep] = true;
+    std::vector<size_t> numbers(scan.sweeps.size());
+    std::vector<ScanSweep> sweeps;
+    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
+        numbers[index] = sweeps.size();
+        const ScanSweep& sweep = scan.sweeps[index];
+        if (isKept[index] || (sweep.search != 0 && sweep.search == lastSearch))
+            sweeps.push_back(sweep);
+    }
+    scan.sweeps = std::move(sweeps);
+    return numbers;
+}
+
 }  // namespace
 
 bool IsState(const Oid& oid) {
@@ -84,28 +102,6 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
     }
     return current;
 }
-
-namespace {
-
-// Removes sweeps without a current answer before the last search. Returns the others' new numbers.
-std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
-    size_t lastSearch = 0;
-    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
-    std::vector<bool> isKept(scan.sweeps.size());
-    for (const size_t index : current) isKept[scan.answers[index].sweep] = true;
-    std::vector<size_t> numbers(scan.sweeps.size());
-    std::vector<ScanSweep> sweeps;
-    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
-        numbers[index] = sweeps.size();
-        const ScanSweep& sweep = scan.sweeps[index];
-        if (isKept[index] || (sweep.search != 0 && sweep.search == lastSearch))
-            sweeps.push_back(sweep);
-    }
-    scan.sweeps = std::move(sweeps);
-    return numbers;
-}
-
-}  // namespace
 
 std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
     std::vector<size_t> all(scan.answers.size());

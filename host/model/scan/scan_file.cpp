@@ -151,17 +151,20 @@ class ScanReader {
         throw Refusal{object, "\"" + std::string(name) + "\" is missing"};
     }
 
+    // That the member is not what it must be: `what`.
+    static Refusal Wrong(const cJSON* object, const char* name, const char* what) {
+        return {Member(object, name), "\"" + std::string(name) + "\" " + what};
+    }
+
     static const cJSON* Array(const cJSON* object, const char* name) {
         const cJSON* member = Member(object, name);
-        if (!cJSON_IsArray(member))
-            throw Refusal{member, "\"" + std::string(name) + "\" is not an array"};
+        if (!cJSON_IsArray(member)) throw Wrong(object, name, "is not an array");
         return member;
     }
 
     static std::string_view Text(const cJSON* object, const char* name) {
         const cJSON* member = Member(object, name);
-        if (!cJSON_IsString(member))
-            throw Refusal{member, "\"" + std::string(name) + "\" is not a string"};
+        if (!cJSON_IsString(member)) throw Wrong(object, name, "is not a string");
         return member->valuestring;
     }
 
@@ -181,26 +184,25 @@ class ScanReader {
     template <class Value, size_t count>
     static Value OneOf(const cJSON* object, const char* name, const char* const (&words)[count]) {
         const auto found = std::find(std::begin(words), std::end(words), Text(object, name));
-        if (found == std::end(words))
-            throw Refusal{Member(object, name), "\"" + std::string(name) + "\" is unknown"};
+        if (found == std::end(words)) throw Wrong(object, name, "is unknown");
         return static_cast<Value>(found - std::begin(words));
     }
 
     static Oid ObjectId(const cJSON* object) {
         if (auto oid = ParseOid(Text(object, "oid"))) return std::move(*oid);
-        throw Refusal{Member(object, "oid"), "\"oid\" is not an OID"};
+        throw Wrong(object, "oid", "is not an OID");
     }
 
     static std::string Time(const cJSON* object) {
         const std::string_view text = Text(object, "time");
-        if (!IsTime(text)) throw Refusal{Member(object, "time"), "\"time\" is not a time"};
+        if (!IsTime(text)) throw Wrong(object, "time", "is not a time");
         return std::string(text);
     }
 
     static std::string Bytes(const cJSON* object) {
         const bool isText = Find(object, "text") != nullptr;
         auto bytes = isText ? std::string(Text(object, "text")) : ParseHex(Text(object, "hex"));
-        if (!bytes) throw Refusal{Member(object, "hex"), "\"hex\" is not hexadecimal"};
+        if (!bytes) throw Wrong(object, "hex", "is not hexadecimal");
         if (bytes->size() > kValueSize) throw Refusal{object, "the answer is too long"};
         return std::move(*bytes);
     }
@@ -222,8 +224,7 @@ class ScanReader {
         answer.sweep = Number(item, "sweep", scan_.sweeps.size());
         answer.time = Time(item);
         answer.address = Text(item, "address");
-        if (!IsAddress(answer.address))
-            throw Refusal{Member(item, "address"), "\"address\" is not numeric"};
+        if (!IsAddress(answer.address)) throw Wrong(item, "address", "is not numeric");
         Answer& content = answer.answer;
         content.status = Status::kAnswered;
         content.bytes = Bytes(item);
