@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <mutex>
+#include <stdexcept>
 #include <string_view>
 
 #include "platform/this_process.h"
@@ -41,13 +42,17 @@ bool Send(HANDLE pipe, const Login& login) {
 void ReceiveBytes(HANDLE pipe, void* bytes, DWORD size) {
     DWORD read = 0;
     for (auto* at = static_cast<char*>(bytes); size > 0; at += read, size -= read) {
-        if (!ReadFile(pipe, at, size, &read, nullptr) || read == 0) return;
+        if (!ReadFile(pipe, at, size, &read, nullptr) || read == 0)
+            throw std::runtime_error("the logins are cut short");
     }
 }
 
 std::wstring ReceiveText(HANDLE pipe) {
     DWORD size = 0;
     ReceiveBytes(pipe, &size, sizeof size);
+    constexpr DWORD kMaxSize = 1 << 16;
+    if (size > kMaxSize || size % sizeof(wchar_t) != 0)
+        throw std::runtime_error("no logins were sent");
     std::wstring text(size / sizeof(wchar_t), L'\0');
     ReceiveBytes(pipe, text.data(), size);
     return text;
@@ -183,7 +188,7 @@ OwnedHandle EndingJob() {
     return job;
 }
 
-void ServeReader() {
+void ServeReader() try {
     const HANDLE pipe = GetStdHandle(STD_INPUT_HANDLE);
     std::vector<Login> logins;
     for (size_t left = std::wcstoul(ReceiveText(pipe).c_str(), nullptr, 10); left > 0; --left)
@@ -197,6 +202,7 @@ void ServeReader() {
         std::printf("%s\n", LineOf(answer).c_str());
         std::fflush(stdout);
     }
+} catch (const std::exception&) {  // the other process sees that this one has ended
 }
 
 }  // namespace vndiscover::host

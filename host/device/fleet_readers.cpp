@@ -35,8 +35,9 @@ void FleetReaders::Run(Side& side) {
         while (ReadNext(side.reader.get(), [&] { return side.reader->IsAlive(); })) continue;
     } catch (...) {  // no memory: what it has not read is left to others
     }
+    std::unique_ptr<Reader> reader;  // its process is ended without the lock
     std::unique_lock<std::mutex> lock(mutex_);
-    side.reader.reset();
+    reader = std::move(side.reader);
     const bool isLast = --running_ == 0;
     changed_.notify_all();
     lock.unlock();

@@ -57,6 +57,7 @@ Workers::Workers(Engine& engine, ResultQueue& queue) : engine_(engine), queue_(q
 Workers::~Workers() {
     constexpr auto kRepeat = std::chrono::milliseconds(50);
     Stop();
+    if (run_) run_->readers->Join();  // so that no thread of it is its last owner
     run_.reset();
     {
         std::unique_lock<std::mutex> lock(mutex_);
@@ -139,7 +140,12 @@ Workers::MayGoOn Workers::Watched(const std::string& address, const Stops& befor
 // That this thread waits for an answer from now on; empty: no longer.
 void Workers::NoteWait(const std::string& address) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    waits_[std::this_thread::get_id()] = {address, std::chrono::steady_clock::now()};
+    const auto thread = std::this_thread::get_id();
+    if (address.empty()) {
+        waits_.erase(thread);
+    } else {
+        waits_[thread] = {address, std::chrono::steady_clock::now()};
+    }
 }
 
 void Workers::ReadAll(const std::vector<AskTarget>& targets) {
@@ -433,7 +439,7 @@ Progress::Work Workers::Now() const {
         using std::chrono::milliseconds;
         const auto waited = std::chrono::steady_clock::now() - wait.start;
         const int64_t ms = std::chrono::duration_cast<milliseconds>(waited).count();
-        if (wait.address.empty() || ms <= work.waitMs) continue;
+        if (ms <= work.waitMs) continue;
         work.address = wait.address;
         work.waitMs = ms;
     }
@@ -463,7 +469,6 @@ void Workers::Run(WorkerId worker) {
         Execute(job, before);
         lock.lock();
         line.isRunning = line.isSending = false;
-        waits_.erase(std::this_thread::get_id());
         changed_.notify_all();
         if (line.jobs.empty()) queue_.Post([](Results&) {});  // the window sees that it is idle
     }
