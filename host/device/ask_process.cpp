@@ -122,6 +122,7 @@ bool ReadLine(FILE* file, std::string& line) {
     line.clear();
     int letter = EOF;
     while ((letter = std::fgetc(file)) != EOF && letter != '\n') line += static_cast<char>(letter);
+    if (!line.empty() && line.back() == '\r') line.pop_back();  // of the other's text mode
     return letter != EOF;
 }
 

@@ -27,7 +27,8 @@ bool FleetReaders::Start(size_t most) {
 
 void FleetReaders::Run(Side& side) {
     try {
-        std::unique_ptr<Reader> reader = work_.makeReader();
+        std::unique_ptr<Reader> reader;
+        if (!isStopped_) reader = work_.makeReader();
         {
             const std::lock_guard<std::mutex> lock(mutex_);
             side.reader = std::move(reader);

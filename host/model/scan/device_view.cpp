@@ -189,8 +189,10 @@ void DeviceView::Arrange() {
 void DeviceView::Select(const std::vector<size_t>& rows, std::optional<size_t> focused) {
     selected_.clear();
     focused_.reset();
-    for (const size_t index : rows) selected_.insert(Row(index).answers.front());
-    if (focused) focused_ = Row(*focused).answers.front();
+    for (const size_t index : rows) {
+        if (index < Count()) selected_.insert(Row(index).answers.front());
+    }
+    if (focused && *focused < Count()) focused_ = Row(*focused).answers.front();
 }
 
 std::vector<size_t> DeviceView::Selection() const {

@@ -50,6 +50,7 @@ void Searches::Start() {
     state_.workers->ReadAdapters();  // again, since the user may have plugged one in
     state_.session.BeginSearch();
     state_.progress.BeginSearch(steps.size());
+    state_.showRows();  // the order of the rows may be another one
     state_.workers->Sweep(steps);
     state_.StartStatusTimer();
 }

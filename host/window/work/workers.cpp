@@ -151,27 +151,34 @@ void Workers::NoteWait(const std::string& address) {
 void Workers::ReadAll(const std::vector<AskTarget>& targets) {
     StopRun();
     if (run_) run_->readers->Join();
-    run_ = std::make_shared<FleetRun>();
-    run_->targets = targets;
+    const auto next = std::make_shared<FleetRun>();
+    FleetRun& run = *next;
+    run.targets = targets;
     for (const AskTarget& target : targets) {
         Login login = LoginOf(target);
-        run_->fleet.Add(target.address, IndexOrAppend(run_->logins, login), {});
+        run.fleet.Add(target.address, IndexOrAppend(run.logins, login), {});
         for (const std::string& community : target.otherCommunities) {
             login.community = community;
-            IndexOrAppend(run_->logins, login);  // before the readers are told
+            IndexOrAppend(run.logins, login);  // before the readers are told
         }
     }
     FleetReaders::Work work;
-    FleetRun& run = *run_;
     work.makeReader = [this, &run] { return engine_.MakeReader(run.logins); };
     work.read = [this, &run](const FleetDevice& job, Reader* reader, const MayGoOn& mayGoOn) {
         return ReadForList(run, job, reader, mayGoOn);
     };
     work.onEnd = [this, &run](size_t index, bool isDone) { EndReading(run, index, isDone); };
-    work.onIdle = [this, weak = std::weak_ptr<FleetRun>(run_)] {
-        if (const auto shared = weak.lock()) ReadLeft(shared);
+    work.onIdle = [this, weak = std::weak_ptr<FleetRun>(next)] {
+        const auto shared = weak.lock();
+        if (!shared) return;
+        try {
+            ReadLeft(shared);
+        } catch (...) {  // no thread for it: the rest is not read
+            EndRun(*shared);
+        }
     };
     run.readers.emplace(run.fleet, mutex_, std::move(work));
+    run_ = next;
     if (!run.readers->Start(engine_.MaxReaders())) ReadLeft(run_);
 }
 
@@ -362,13 +369,14 @@ void Workers::DropJobs(Line& line, bool areOnlyWalks) const {
 void Workers::Add(WorkerId worker, Job job) {
     const std::lock_guard<std::mutex> lock(mutex_);
     Line& line = LineOf(worker);
-    const auto known = std::find_if(line.jobs.begin(), line.jobs.end(), [&](const Job& other) {
-        return (job.isSelected && other.isSelected) || (!job.key.empty() && other.key == job.key);
+    const auto isSame = [&](const Job& other) { return !job.key.empty() && other.key == job.key; };
+    const Job* const known = FindIf(line.jobs, isSame);
+    if (known && job.order != Order::kUrgent) return;
+    const bool isOnlySelected = job.isSelected && (!known || known->isSelected);
+    EraseIf(line.jobs, [&](const Job& other) {
+        return isSame(other) || (job.isSelected && other.isSelected);
     });
-    if (known != line.jobs.end()) {
-        if (job.order != Order::kUrgent) return;
-        line.jobs.erase(known);
-    }
+    job.isSelected = isOnlySelected;  // one that was asked for otherwise is read in any case
     if (job.isReading && job.key == reading_) return;
     isStopReported_ = false;
     // The latest urgent job comes first; walks come after all urgent ones.
@@ -469,6 +477,7 @@ void Workers::Run(WorkerId worker) {
         Execute(job, before);
         lock.lock();
         line.isRunning = line.isSending = false;
+        waits_.erase(std::this_thread::get_id());  // that for its last answer
         changed_.notify_all();
         if (line.jobs.empty()) queue_.Post([](Results&) {});  // the window sees that it is idle
     }

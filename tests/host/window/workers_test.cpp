@@ -44,7 +44,7 @@ class PatientEngine : public Engine {
     }
     PrinterAnswers Read(AskTarget&, std::function<bool()> mayGoOn) override {
         ++begun;
-        for (int wait = 0; wait < 2000 && mayGoOn(); ++wait)
+        for (int wait = 0; wait < requests && mayGoOn(); ++wait)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         ended += !mayGoOn();
         return {};
@@ -65,6 +65,7 @@ class PatientEngine : public Engine {
     ComputerReport Report() override { return {}; }
     std::atomic<int> begun{0}, ended{0}, looks{0}, walks{0}, here{0}, aside{0};
     std::atomic<int64_t> slowMs{1};
+    std::atomic<int> requests{2000};  // of a reading of one device
     size_t readers = 0;
     bool areAlive = true;
     ScriptedDevice device;  // that every address is
@@ -109,6 +110,18 @@ TEST_F(WorkersTest, DeviceThatIsBeingReadIsNotReadTwice) {
     workers.Stop();
     workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 2; }));
+}
+
+TEST_F(WorkersTest, SelectionDropsNoDeviceAskedOtherwise) {
+    BeginReading();
+    workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, false);
+    for (const char* selected : {"10.0.0.2", "10.0.0.3"})
+        workers.Ask({selected, SweepKind::kSnmpV1, {}}, true, true);
+    EXPECT_EQ(2u, workers.Now().waiting);
+    engine.requests = 1;
+    ASSERT_TRUE(Comes([&] { return !workers.IsBusy(); }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    EXPECT_EQ("", workers.Now().address);  // nobody waits for what has ended
 }
 
 TEST_F(WorkersTest, ReportOnThisComputerWhileADeviceIsAsked) {
