@@ -70,9 +70,9 @@ void ModuleRows(Report& report, const Module& module) {
 }
 
 void AllRows(Report& report, bool mayUseNetwork) {
+    FirewallRows(report);  // the others listen, for which the system may make a rule
     SocketRows(report, mayUseNetwork);
     AdapterRows(report, mayUseNetwork);
-    FirewallRows(report);
     WindowRows(report);
     ProgramRows(report, mayUseNetwork);
     FileRows(report);

@@ -24,6 +24,7 @@ class Progress {
     bool IsSearching() const { return isSearching_; }
     bool IsStopping() const { return isStopping_; }
     bool HasSearched() const { return last_ != Kind::kReady; }
+    bool WasStopped() const { return last_ == Kind::kStopped; }
     size_t Answers() const { return answers_; }  // to the last search
     // The number of this computer's addresses, from each of which a sweep is sent.
     void SetAddresses(size_t addresses) { addresses_ = addresses; }

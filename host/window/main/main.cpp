@@ -106,7 +106,7 @@ std::wstring CheckFiles(const StartOptions& options) {
 
 int Run() {
     const auto words = CommandLineArguments();
-    if (!words.empty() && words.back() == kReaderOption) {
+    if (words == std::vector<std::string>{kReaderOption}) {
         ServeReader();
         return kFound;
     }

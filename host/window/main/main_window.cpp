@@ -147,9 +147,9 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
                         if (view.Total() != 0) return Text(IDS_ALL_HIDDEN);
                         if (view.Others() != 0)
                             return Text(IDS_ONLY_OTHERS, {Grouped(view.Others())});
-                        const bool isOver =
-                            state.progress.HasSearched() && !state.progress.IsSearching();
-                        return Text(isOver ? IDS_NONE_FOUND : IDS_EMPTY);
+                        if (state.progress.IsSearching()) return Text(IDS_NONE_YET);
+                        if (state.progress.WasStopped()) return Text(IDS_NONE_STOPPED);
+                        return Text(state.progress.HasSearched() ? IDS_NONE_FOUND : IDS_EMPTY);
                     }}) {
     state.options = std::move(options);
     state.showRows = [this] { panes.ShowRows(); };

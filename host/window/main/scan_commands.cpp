@@ -94,7 +94,7 @@ bool ScanCommands::CompareWith(const std::string& path) {
     std::wstring problem;
     const auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
-    Comparison changes = CompareDevices(MakeDevices(*scan), state_.session.Devices());
+    Comparison changes = CompareDevices(MakeDevices(*scan), state_.session.AnsweringDevices());
     changes.beforeName = FileName(path);
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<TableWindow::Row> rows;

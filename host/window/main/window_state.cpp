@@ -31,7 +31,8 @@ AskTarget WindowState::WithCredentials(AskTarget target) const {
     target.credentials = credentials;
     target.credentials.communities.clear();
     target.credentials.community = community;
-    if (target.isLoginKnown || credentials.communities.empty()) return target;
+    if (target.isLoginKnown || target.kind == SweepKind::kSnmpV3 || credentials.communities.empty())
+        return target;
     target.otherCommunities = credentials.communities;
     target.credentials.community = target.otherCommunities.front();
     target.otherCommunities.erase(target.otherCommunities.begin());

@@ -118,6 +118,17 @@ TEST_F(Files, ComparisonIsATable) {
     EXPECT_EQ(0u, Copied().find(L"Device\tWhat\tBefore\tAfter\r\nVN InkLine 70, 10.77.1.7\tgone"));
 }
 
+TEST_F(Files, SilentDeviceIsGoneInAComparison) {
+    OpenWith({{"10.77.1.8", "x"}, {"10.77.1.9", "y"}});
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
+    Command(IDC_FIND);
+    engine_.Say("10.77.1.9", "y");
+    ASSERT_TRUE(EndsSweeps());
+    EXPECT_TRUE(window_->scans.CompareWith(path_));
+    EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
+                                      .find(L"this list (1 device): 0 new, 1 gone, 0 changed"));
+}
+
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     OpenWithDevices();
     const auto clear = [&] { Command(IDM_CLEAR); };

@@ -29,10 +29,13 @@ namespace {
 // Of several steps, some of which have not begun when it is stopped.
 TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
     Open();
+    const auto empty = [&] { return ListControl::Of(Control(IDC_DEVICES))->EmptyText(); };
+    EXPECT_EQ(Text(IDS_EMPTY), empty());
     CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
     for (const bool isStopped : {false, true}) {
         const int before = engine_.sweeps;
         Command(IDC_FIND);
+        EXPECT_EQ(Text(IDS_NONE_YET), empty());
         if (!isStopped) {
             ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
             engine_.End();
@@ -41,6 +44,7 @@ TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
         }
         Command(IDC_FIND);
         EXPECT_TRUE(Ends());
+        EXPECT_EQ(Text(IDS_NONE_STOPPED), empty());
     }
 }
 
