@@ -98,7 +98,7 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
 void PrinterFinder::ReadAll(const SweepWatch& watch) {
     constexpr auto kPoll = std::chrono::milliseconds(50);
     const auto mayGoOn = [&] { return !watch.IsStopped(); };
-    ShowPhase("");
+    ShowPhase("starting to read");
     const OwnedHandle job = EndingJob();
     FleetReaders::Work work;
     work.makeReader = [&] { return std::make_unique<ReaderProcess>(logins_, job.Get()); };
@@ -114,9 +114,12 @@ void PrinterFinder::ReadAll(const SweepWatch& watch) {
     FleetReaders readers(fleet_, mutex_, std::move(work));
     readers.Start(kMaxReaders);
     while (!readers.HasEnded()) {
+        // Told apart: a Ctrl-C while processes are started can keep Wine waiting for one of them.
+        if (readers.HaveBegun()) ShowPhase("");
         if (!mayGoOn()) readers.Stop();  // a request would take up to 10 s
         std::this_thread::sleep_for(kPoll);
     }
+    ShowPhase("");
     // What is left: few devices, or those of readers that could not start or ran out of memory.
     OwnReader here(logins_);
     while (readers.ReadNext(&here, mayGoOn)) continue;

@@ -32,6 +32,7 @@ void FleetReaders::Run(Side& side) {
         {
             const std::lock_guard<std::mutex> lock(mutex_);
             side.reader = std::move(reader);
+            side.hasBegun = true;
         }
         while (ReadNext(side.reader.get(), [&] { return side.reader->IsAlive(); })) continue;
     } catch (...) {  // no memory: what it has not read is left to others
@@ -39,6 +40,7 @@ void FleetReaders::Run(Side& side) {
     std::unique_ptr<Reader> reader;  // its process is ended without the lock
     std::unique_lock<std::mutex> lock(mutex_);
     reader = std::move(side.reader);
+    side.hasBegun = true;
     const bool isLast = --running_ == 0;
     changed_.notify_all();
     lock.unlock();
@@ -83,6 +85,12 @@ void FleetReaders::Stop() {
         if (side.reader) side.reader->End();
     }
     changed_.notify_all();
+}
+
+bool FleetReaders::HaveBegun() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::all_of(sides_.begin(), sides_.end(),
+                       [](const Side& side) { return side.hasBegun; });
 }
 
 bool FleetReaders::HasEnded() const {

@@ -43,13 +43,15 @@ class FleetReaders {
     // Ends requests of readers that are processes; the others are answered first.
     void Stop();
     bool IsStopped() const { return isStopped_; }
-    bool HasEnded() const;  // all threads
+    bool HaveBegun() const;  // all readers were made
+    bool HasEnded() const;   // all threads
     void Join();
 
   private:
     struct Side {
         std::thread thread;
         std::unique_ptr<Reader> reader;  // changed with the lock
+        bool hasBegun = false;           // made it, or could not; with the lock
     };
     void Run(Side& side);
 
