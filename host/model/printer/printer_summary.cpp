@@ -48,6 +48,7 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
         if (!percent || (summary.lowestSupply && *percent >= *summary.lowestSupply)) continue;
         summary.lowestSupply = percent;
         summary.supply = std::to_string(*percent) + " % " + SupplyName(supply);
+        summary.supplyColour = ColourWords(supply);
     }
     // It still prints, as far as its state tells.
     if (summary.severity == Severity::kFine && summary.supplySeverity != Severity::kFine)

@@ -19,6 +19,7 @@ struct PrinterSummary {
     std::string state;                          // "no paper, door open", "idle"; empty: unknown
     std::optional<int> lowestSupply;            // percent
     std::string supply;                         // "4 % Toner T410"; empty: no level is known
+    std::string supplyColour;                   // see ColourWords
     Severity supplySeverity = Severity::kFine;  // of the worst one whose level is known
 };
 

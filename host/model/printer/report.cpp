@@ -82,7 +82,7 @@ ReportSection Supplies(const PrinterFacts& facts, const LevelLimits& limits) {
         const std::string name = SupplyName(supply), kind = KindText(supply.type);
         AddLevel(section, name, supply.level,
                  Joined({supply.colour, kind == name ? "" : kind}, " "), limits);
-        section.rows.back().colour = supply.colour;
+        section.rows.back().colour = ColourWords(supply);
     }
     return section;
 }
@@ -171,6 +171,10 @@ std::string PlainWords(const std::string& word) {
     return SpacedWords(word);
 }
 
+std::string ColourWords(const Supply& supply) {
+    return supply.colour.empty() ? supply.description : supply.colour;
+}
+
 std::string SupplyName(const Supply& supply) {
     if (!supply.description.empty()) return supply.description;
     const std::string kind = KindText(supply.type);
@@ -220,11 +224,13 @@ const SupplyColour* FindSupplyColour(const std::string& words) {
         {"yellow", 0xF0C800, "33"}, {"red", 0xD02020, "31"},    {"green", 0x209020, "32"},
         {"blue", 0x2040C0, "34"},   {"white", 0xFFFFFF, "97"},  {"gray", 0x808080, "37"},
         {"grey", 0x808080, "37"},   {"orange", 0xF08000, "33"}, {"violet", 0x8030A0, "35"}};
-    const std::string text = Lower(words);
+    std::string text = " " + Lower(words) + " ";
+    std::replace_if(
+        text.begin(), text.end(), [](char one) { return one < 'a' || one > 'z'; }, ' ');
     const SupplyColour* last = nullptr;
     size_t lastAt = 0;
     for (const SupplyColour& colour : kColours) {
-        const size_t at = text.rfind(colour.word);
+        const size_t at = text.rfind(" " + std::string(colour.word) + " ");
         if (at == std::string::npos || at < lastAt) continue;
         last = &colour;
         lastAt = at;

@@ -30,7 +30,7 @@ struct ReportRow {
     std::string label, text;
     std::optional<int> percent;  // of a supply, or in a tray: 0 to 100
     Severity severity = Severity::kFine;
-    std::string colour;         // of a supply, in the device's words: "black"; empty: none
+    std::string colour;         // of a supply, see ColourWords
     std::string detail;         // for those who ask for more: the objects of a reason
     bool repeatsLabel = false;  // after a row with the same label, too
     bool isCommand = false;     // for a shell: must stay in one line
@@ -52,6 +52,8 @@ using Report = std::vector<ReportSection>;
 // For a person, the words of states and kinds: "maintenance overdue" for "overduePreventMaint".
 std::string PlainWords(const std::string& word);
 std::string SupplyName(const Supply& supply);
+// What may name its colour: "black", or else its description.
+std::string ColourWords(const Supply& supply);
 // "none" if the device has said that there are none; empty if it has not said.
 std::string ErrorText(const PrinterFacts& facts);
 // Without its age.

@@ -43,6 +43,7 @@ DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& 
     for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
     if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
     row.lowestSupply = summary.lowestSupply;
+    row.supplyColour = summary.supplyColour;
     row.supplySeverity = summary.supplySeverity;
     return row;
 }

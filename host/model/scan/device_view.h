@@ -21,6 +21,7 @@ struct DeviceRow {
     std::array<std::string, kColumnCount> texts;
     std::string addressOrder;  // see AddressOrder
     std::optional<int> lowestSupply;
+    std::string supplyColour;
     Severity supplySeverity = Severity::kFine;  // as in PrinterSummary
     Standing standing;
     Severity severity = Severity::kUnknown;  // unknown if the last one does not hold

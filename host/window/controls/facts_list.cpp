@@ -36,9 +36,7 @@ std::wstring FactsModel::CellText(size_t row, size_t column) const {
 std::optional<LevelBar> FactsModel::Bar(size_t row, size_t column) const {
     const auto percent = rows_[row].percent;
     if (column != 1 || !percent) return std::nullopt;
-    const SupplyColour* colour = FindSupplyColour(rows_[row].colour);
-    const uint32_t rgb = colour ? colour->rgb : 0;
-    return LevelBar{*percent, colour ? RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF) : CLR_NONE};
+    return BarOf(*percent, rows_[row].colour);
 }
 
 bool FactsModel::IsBold(size_t row) const {

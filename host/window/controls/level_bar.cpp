@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "model/printer/report.h"
 #include "window/controls/dpi.h"
 
 namespace vndiscover::host {
@@ -30,18 +31,23 @@ BarColours ColoursOf(HWND list, int row) {
     return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHTTEXT};
 }
 
-// The inside of a bar. A line marks the end of a supply's colour, which may be the background's.
+// The inside of a bar. A frame shows how far a supply's colour goes, which may be the background's.
 void FillLevel(HDC dc, RECT inside, const LevelBar& level, const BarColours& colours) {
     const bool isColoured = level.colour != CLR_NONE && !IsHighContrast();
     if (isColoured) FillRect(dc, &inside, GetSysColorBrush(COLOR_WINDOW));
     inside.right = inside.left + MulDiv(inside.right - inside.left, level.percent, 100);
     if (!isColoured) return void(FillRect(dc, &inside, GetSysColorBrush(colours.level)));
     FillRect(dc, &inside, OwnedBrush(CreateSolidBrush(level.colour)).Get());
-    inside.left = std::max(inside.left, inside.right - 1);
-    FillRect(dc, &inside, GetSysColorBrush(COLOR_WINDOWTEXT));
+    FrameRect(dc, &inside, GetSysColorBrush(COLOR_WINDOWTEXT));
 }
 
 }  // namespace
+
+LevelBar BarOf(int percent, const std::string& words) {
+    const SupplyColour* colour = FindSupplyColour(words);
+    if (!colour) return {percent, CLR_NONE};
+    return {percent, RGB(colour->rgb >> 16, colour->rgb >> 8 & 0xFF, colour->rgb & 0xFF)};
+}
 
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,
              const std::wstring& text, int dpi) {

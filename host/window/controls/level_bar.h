@@ -14,6 +14,9 @@ struct LevelBar {
     COLORREF colour = CLR_NONE;  // of the supply; otherwise the user's
 };
 
+// `words`: the supply's colour in the device's words.
+LevelBar BarOf(int percent, const std::string& words);
+
 // Whether the user sees all programs in colours of high contrast.
 bool IsHighContrast();
 

@@ -67,7 +67,7 @@ std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     const DeviceRow& shown = session_.view.Row(row);
     const bool isBar = InfoOf(columns_.At(column)).look == ColumnInfo::Look::kBar;
     if (!isBar || !shown.lowestSupply || !shown.standing.Holds()) return std::nullopt;
-    return LevelBar{*shown.lowestSupply};
+    return BarOf(*shown.lowestSupply, shown.supplyColour);
 }
 
 void DeviceList::OnHeading(size_t column) {

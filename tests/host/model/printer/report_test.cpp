@@ -108,6 +108,13 @@ TEST(ReportText, ColoursMarksAndBarsAsIfTheyWerePlain) {
         ReportText({section}, {60, true}));
 }
 
+TEST(SupplyColours, AreTheLastWholeWord) {
+    EXPECT_STREQ("cyan", FindSupplyColour(ColourWords({"Cyan toner", "", "", {}}))->word);
+    EXPECT_STREQ("black",
+                 FindSupplyColour(ColourWords({"Cyan toner", "cyan-black", "", {}}))->word);
+    EXPECT_EQ(nullptr, FindSupplyColour("Redundant, ordered"));
+}
+
 TEST(ReportRows, TellTheTitlesOfTheirSections) {
     ComputerReport computer;
     computer.ipv4.rows = {{"10.77.1.1", "eth0", "", "Ethernet", "up", 2}};
