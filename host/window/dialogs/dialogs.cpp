@@ -27,6 +27,11 @@ int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsig
     dialog.cbSize = sizeof dialog;
     dialog.hwndParent = owner;
     dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
+    // Wine places one with two lines of text in the corner.
+    dialog.pfCallback = [](HWND window, UINT event, WPARAM, LPARAM, LONG_PTR) -> HRESULT {
+        if (event == TDN_CREATED) CentreOnOwner(window);
+        return S_OK;
+    };
     dialog.pszWindowTitle = title.c_str();
     dialog.pszMainInstruction = question.c_str();
     dialog.cButtons = 3;

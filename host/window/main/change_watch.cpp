@@ -23,7 +23,7 @@ void ChangeWatch::Record() {
     const DeviceRow* const seen = state_.session.view.SelectedRow();
     if (seen && GetActiveWindow() == state_.window) state_.changes.Unmark(*seen);
     FLASHWINFO flash = {sizeof flash, state_.window, FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
-    FlashWindowEx(&flash);
+    if (!GetActiveWindow()) FlashWindowEx(&flash);
     table_.Show(Rows());
 }
 

@@ -47,7 +47,16 @@ void ShowAbout(HWND owner) {
     };
     const std::wstring text =
         Text(IDS_ABOUT, {version(nullptr), version(L"VnDiscover.dll"), ToWide(WindowsVersion())});
-    MessageBoxW(owner, text.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONINFORMATION);
+    const std::wstring title = Text(IDS_TITLE);
+    MSGBOXPARAMSW box = {};
+    box.cbSize = sizeof box;
+    box.hwndOwner = owner;
+    box.hInstance = GetModuleHandleW(nullptr);
+    box.lpszText = text.c_str();
+    box.lpszCaption = title.c_str();
+    box.dwStyle = MB_OK | MB_USERICON;
+    box.lpszIcon = MAKEINTRESOURCEW(1);
+    MessageBoxIndirectW(&box);
 }
 
 }  // namespace vndiscover::host

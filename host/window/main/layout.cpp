@@ -23,7 +23,7 @@ Layout Arrange(const LayoutInput& input) {
         layout.bar.push_back({x, y, width, rowHeight});
         x += width + gap;
     }
-    y += rowHeight;
+    y += rowHeight + scaled(3);
     const int inner = std::max(0, right - margin);
     layout.note = {margin, y, inner, input.noteHeight};
     y += input.noteHeight + gap;

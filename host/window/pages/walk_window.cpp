@@ -115,6 +115,12 @@ void WalkWindow::Stop() {
     actions_.stop();
 }
 
+void WalkWindow::OnSelected() {
+    ListDialog::OnSelected();
+    EnableWindow(Item(IDC_WALK_COPY_ROW), list_.Selected() >= 0);
+    EnableWindow(Item(IDC_WALK_COPY_ALL), Count() != 0);
+}
+
 void WalkWindow::ShowState(const std::wstring& text) { SetItem(IDC_WALK_STATE, text); }
 
 std::wstring WalkWindow::CellText(size_t row, size_t column) const {

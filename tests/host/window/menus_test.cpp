@@ -155,10 +155,11 @@ TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
         }
         return ids;
     };
-    EXPECT_EQ((std::vector<UINT>{IDM_SAVE, IDM_CSV, IDM_JSON, IDM_COPY_ROW, IDM_COPY_CELL, UINT(-1),
-                                 IDM_COPY_TABLE, IDM_CLEAR, IDM_DETAILS, IDM_WEB, IDM_ASK,
-                                 IDM_ASK_ALL, IDM_DIAGNOSE, IDM_WALK, IDM_SPLIT, IDM_STOP}),
-              greyed());
+    EXPECT_EQ(
+        (std::vector<UINT>{IDM_SAVE, IDM_COMPARE, IDM_CSV, IDM_JSON, IDM_COPY_ROW, IDM_COPY_CELL,
+                           UINT(-1), IDM_COPY_TABLE, IDM_CLEAR, IDM_DETAILS, IDM_WEB, IDM_ASK,
+                           IDM_ASK_ALL, IDM_DIAGNOSE, IDM_WALK, IDM_SPLIT, IDM_STOP}),
+        greyed());
     Command(IDM_SPLIT);  // by its key
     EXPECT_EQ(Text(IDS_SELECT_FIRST), TextOf(Control(IDC_STATUS)));
     OpenWithDevice();
