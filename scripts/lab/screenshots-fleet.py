@@ -17,6 +17,19 @@ PRINTERS = [
 ] + [(f"Desk {desk}", "VN LaserPro 300", 0, 95 - 7 * desk) for desk in range(1, 12)]
 LATER = {1: ("Copy room", "VN MultiStation C9", 0, 98), 2: ("Reception", "VN LaserPro 410", 0x10, 0), 3: ("Stores", "VN LaserPro 410", 0x04, 70)}
 
+plain = printers_test.variables_of
+
+
+def with_colours(device):
+    printer, index = "1.3.6.1.2.1.43.", 1 if device % 3 else 4
+    values = plain(device)
+    for row, colour in ((1, "black"), (2, "cyan")):
+        values |= {printer + f"11.1.1.3.{index}.{row}": printers_test.number(row),
+                   printer + f"12.1.1.4.{index}.{row}": printers_test.text(colour)}
+    return values
+
+
+printers_test.variables_of = with_colours
 printers_test.COUNT, printers_test.FIRST = len(PRINTERS), PRINTERS
 printers_test.SLOW = printers_test.COMPUTER = printers_test.OFFICE = -1
 fleet = printers_test.Fleet()

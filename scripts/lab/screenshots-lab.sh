@@ -78,26 +78,54 @@ Key() {
     done
 }
 
+# Waits until the screen has stayed the same for two seconds: whatever sends requests shows seconds.
+Settled() {
+    local now='' before='' same=0
+    for _ in $(seq 160); do
+        now=$(import -window root rgb:- | cksum)
+        [ "$now" = "$before" ] && ((same += 1)) || same=0
+        [ $same -lt 5 ] || return 0
+        before=$now
+        sleep 0.4
+    done
+}
+
 Wine "$VNDISCOVER_BIN/VnBrowser.exe" &
-sleep 6
+sleep 4
+Settled
 xdotool mousemove $((600 * dpi / 96)) $((622 * dpi / 96))
 Picture empty
+ip -n switch1 link set br0 down
 Key F5
-sleep 20 # by two communities, then the reading
-Key F6 Home
 sleep 3
+Settled
+Picture none
+ip -n switch1 link set br0 up
+Key F5
+sleep 4
+Picture progress
+Settled # by two communities, then the reading
+Key F6 Home
+Settled
 Picture list
 Key shift+Down shift+Down shift+Down
-sleep 2
+Settled
 Picture several
-Key ctrl+f
+Key alt+d
+sleep 1
+Picture menu
+Key Escape Escape ctrl+f
+xdotool type nowhere
+sleep 1
+Picture hidden
+Key ctrl+a
 xdotool type 10.77.1.21
 sleep 1
 Key F6 Home
-sleep 4
+Settled
 Picture printer
 Key F6 Down Down Down Down Down
-sleep 3
+Settled
 Picture row
 for page in protocols interfaces answers; do
     Key ctrl+Tab
@@ -159,9 +187,10 @@ Key Escape ctrl+f Escape
 kill -USR1 $fleet
 ip -n copy link set eth0 down
 Key F5
-sleep 26
+sleep 3
+Settled
 Key F6 Home
-sleep 4
+Settled
 Picture vanished
 Key alt+t h
 sleep 1
@@ -174,8 +203,16 @@ sleep 2
 Picture save
 Key alt+d # Don't save
 Typed "$scan"
+Settled
 Picture file
 Key F5
-sleep 2
+sleep 4
 Picture find
 Key Escape
+for count in 3 400 20000; do
+    python3 "$here/screenshots-many.py" "$VNDISCOVER_LAB/monday.json" "$VNDISCOVER_LAB/many.json" $count
+    Key ctrl+o
+    Typed "${scan/monday/many}"
+    Settled
+    Picture many-$count
+done
