@@ -72,7 +72,14 @@ ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
 
 void ScanKeeper::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
     if (!IsOn()) return;
-    if (!guard_) guard_.emplace();
+    const auto save = [this] {
+        try {
+            Save();
+        } catch (...) {  // the console that would tell it is gone
+        }
+    };
+    if (!guard_) guard_.emplace(save);
+    const std::lock_guard<std::mutex> lock(mutex_);
     sweepSize_ = 0;
     counts_.clear();
     scan_.sweeps.push_back({kind, form, useIPv6, std::move(oid), UtcNow()});
@@ -90,6 +97,7 @@ void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
 bool ScanKeeper::AddAnswer(ScanAnswer answer) {
     constexpr size_t kMembers = 128;      // bytes for the members other than the answer itself
     constexpr size_t kManyAnswers = 256;  // all that is read of a device
+    const std::lock_guard<std::mutex> lock(mutex_);
     size_t& count = counts_[answer.address];
     const size_t room = count < kManyAnswers ? options_.maxSweepSize : options_.maxSweepSize / 2;
     const size_t size = kMembers + answer.answer.bytes.size();
@@ -128,8 +136,9 @@ void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
     }
 }
 
-void ScanKeeper::Save() const {
-    if (!IsOn()) return;
+void ScanKeeper::Save() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (!IsOn() || isSaved_) return;
     if (scan_.answers.empty() && hasDevices_ && !options_.append) {
         throw std::runtime_error("'" + options_.path +
                                  "' stays as it was: it holds devices, and this run found none");
@@ -149,6 +158,7 @@ void ScanKeeper::Save() const {
     if (!text) throw std::runtime_error("the scan is not saved: " + problem);
     if (!ReplaceFileText(path, *text, problem))
         throw std::runtime_error("'" + path + "' " + problem);
+    isSaved_ = true;
     leftOut += leftOut_;
     if (leftOut > 0)
         note += (note.empty() ? "'" : "; '") + path + "' lacks " + std::to_string(leftOut) +

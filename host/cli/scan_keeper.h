@@ -1,6 +1,7 @@
 // --save and --append: saves the answers of this run to a file.
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -29,7 +30,8 @@ class ScanKeeper {
     explicit ScanKeeper(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
 
-    // The answers from now on belong to this sweep. From the first one on, a Ctrl-C loses none.
+    // The answers from now on belong to this sweep. From the first one on, a Ctrl-C loses none. If
+    // the console closes, they are saved before the system ends the process.
     void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
     void Add(const std::string& address, std::string_view bytes);
 
@@ -38,8 +40,9 @@ class ScanKeeper {
     void AskDevices(Device& device, bool useIPv6);
 
     // An empty scan does not replace one with devices. What the file of --append cannot take is
-    // saved in another one. Throws std::runtime_error, also if answers are left out.
-    void Save() const;
+    // saved in another one. Throws std::runtime_error, also if answers are left out. Has no effect
+    // if they are saved already, because the console closes.
+    void Save();
 
   private:
     bool AddAnswer(ScanAnswer answer);
@@ -50,6 +53,8 @@ class ScanKeeper {
     size_t sweepSize_ = 0;
     std::unordered_map<std::string, size_t> counts_;  // of the sweep's answers, by address
     size_t leftOut_ = 0;
+    bool isSaved_ = false;
+    std::mutex mutex_;  // of the scan
     std::optional<CompletionGuard> guard_;
 };
 

@@ -21,6 +21,8 @@ std::atomic<int32_t (*)()> g_stop{nullptr};
 std::atomic<bool> g_isStopped{false};  // by the first Ctrl-C
 std::atomic<bool> g_isClosing{false};  // the console, or the user's session
 std::atomic<int> g_completionGuards{0};
+std::mutex g_saveMutex;
+std::function<void()> g_save;  // of a CompletionGuard; empty: there is nothing to save
 // To be restored: of a hidden prompt that is interrupted, and without colours. 0: none
 std::atomic<DWORD> g_inputMode{0}, g_outputMode{0};
 UINT g_formerCodePage = 0;
@@ -88,9 +90,16 @@ BOOL WINAPI OnControl(DWORD event) {
     }
     if (!canStop && (stop || g_completionGuards > 0)) {
         // The console is closed, or the user logs off: the system ends the process after about 5 s,
-        // or as soon as this returns. Until then what is known can be saved.
+        // or as soon as this returns. Until then what is known can be saved, but not once a request
+        // has ended that is running now: it may take 10 s.
+        constexpr DWORD kMayEndMs = 1000;
         g_isClosing = true;
         if (stop) stop();
+        Sleep(kMayEndMs);
+        {
+            const std::lock_guard<std::mutex> lock(g_saveMutex);
+            if (g_save) g_save();
+        }
         Sleep(INFINITE);
     }
     RestoreConsole();
@@ -212,12 +221,20 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     return std::nullopt;
 }
 
-CompletionGuard::CompletionGuard() {
+CompletionGuard::CompletionGuard(std::function<void()> save) : hasSave_(save != nullptr) {
     g_isStopped = false;
     ++g_completionGuards;
+    if (!hasSave_) return;
+    const std::lock_guard<std::mutex> lock(g_saveMutex);
+    g_save = std::move(save);
 }
 
-CompletionGuard::~CompletionGuard() { --g_completionGuards; }
+CompletionGuard::~CompletionGuard() {
+    --g_completionGuards;
+    if (!hasSave_) return;
+    const std::lock_guard<std::mutex> lock(g_saveMutex);  // not while it saves
+    g_save = nullptr;
+}
 
 SweepWatch::SweepWatch(int32_t (*stop)(), std::function<std::string()> status)
     : stop_(stop), status_(std::move(status)) {

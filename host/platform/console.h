@@ -48,10 +48,15 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt);
 // only shows a message and the second ends the process. Each guard starts the count again.
 class CompletionGuard {
   public:
-    CompletionGuard();
+    // `save`, which must not throw: called on a thread of the system if the console closes and the
+    // process has not ended a second later. Only one guard at a time may have one.
+    explicit CompletionGuard(std::function<void()> save = nullptr);
     ~CompletionGuard();
     CompletionGuard(const CompletionGuard&) = delete;
     CompletionGuard& operator=(const CompletionGuard&) = delete;
+
+  private:
+    const bool hasSave_;
 };
 
 // While a sweep runs, the first Ctrl-C calls `stop`, on any thread, and the second ends the

@@ -1,9 +1,12 @@
 // Variables as the commands print them; what they accept as protocols; scans that they save.
+#include <windows.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <thread>
 
 #include "cli/scan_keeper.h"
 #include "cli/variable_writer.h"
@@ -12,6 +15,20 @@
 #include "platform/saved_file.h"
 #include "values/utc_time.h"
 #include "values/value_text.h"
+
+namespace {
+
+PHANDLER_ROUTINE consoleHandler = nullptr;
+
+BOOL WINAPI KeepHandler(PHANDLER_ROUTINE handler, BOOL) {
+    consoleHandler = handler;
+    return TRUE;
+}
+
+}  // namespace
+
+// Replaces the function of the import library.
+extern "C" void* const __imp_SetConsoleCtrlHandler = reinterpret_cast<void*>(&KeepHandler);
 
 namespace vndiscover::host {
 namespace {
@@ -152,6 +169,27 @@ TEST_F(ScanKeeperTest, AFloodTakesHalfOfTheRoomAndIsTold) {
     }
     EXPECT_NE(std::string::npos, problem.find("lacks 1873 answers")) << problem;
     EXPECT_EQ(1427U, LoadScan(path_, "").answers.size());
+}
+
+// While a request runs for longer than the 5 s that the system leaves. Once, when it has ended.
+TEST_F(ScanKeeperTest, ClosingConsoleSavesWhatIsKnown) {
+    const ConsoleSession session;
+    ScanKeeper keeper({path_, true});
+    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+    keeper.Add("10.77.1.20", "hello");
+    std::thread([] { consoleHandler(CTRL_CLOSE_EVENT); }).detach();  // does not return
+    std::optional<Scan> saved;
+    bool isBroken = false;
+    std::string problem;
+    for (int wait = 0; wait < 400 && !saved; ++wait) {
+        Sleep(10);
+        saved = LoadScan(path_, isBroken, problem);
+    }
+    ASSERT_TRUE(saved) << problem;
+    EXPECT_EQ(1U, saved->answers.size());
+    keeper.Add("10.77.1.21", "late");
+    keeper.Save();
+    EXPECT_EQ(1U, Sweeps());
 }
 
 }  // namespace
