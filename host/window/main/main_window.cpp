@@ -186,8 +186,12 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
 }
 
 MainWindow::~MainWindow() {
-    state.workers.reset();
-    if (state.window) DestroyWindow(state.window);
+    if (!state.window) return;  // it was closed
+    Attach<MainWindow>(state.window, nullptr);
+    ShowOwnedPopups(state.window, FALSE);
+    ShowWindow(state.window, SW_HIDE);
+    if (state.workers) EndWorkers();
+    DestroyWindow(state.window);
 }
 
 int MainWindow::Run() {

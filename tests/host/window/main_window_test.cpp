@@ -58,6 +58,7 @@ TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
     StartOptions options;
     options.sweep = options.exit = true;
     Open(options);
+    EXPECT_FALSE(IsWindowVisible(window_->Handle()) || GetFocus());
     EXPECT_EQ(2, window_->Run());
 }
 
@@ -336,6 +337,7 @@ TEST_F(MainWindowTest, EscClearsTheFilterFirst) {
 
 TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
     OpenWith({{"10.77.1.1", "x"}});
+    EXPECT_EQ(BS_DEFPUSHBUTTON, GetWindowLongW(Control(IDC_FIND), GWL_STYLE) & BS_TYPEMASK);
     const int sweeps = engine_.sweeps;
     const auto press = [&](int control) {
         SetFocus(Control(control));
@@ -395,25 +397,35 @@ TEST_F(MainWindowTest, PlaceOfAMonitorThatIsGoneIsPulledBack) {
     settings.values.place = {5000, 5000, 5700, 5500};
     settings.PlaceWindow();
     EXPECT_TRUE(MonitorFromWindow(window_->Handle(), MONITOR_DEFAULTTONULL));
+    settings.values.place = {};  // at the first start, where the size may be larger than the screen
+    settings.PlaceWindow();
+    RECT work = {}, place = {}, both = {};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    GetWindowRect(window_->Handle(), &place);
+    EXPECT_LT(work.right - work.left, MulDiv(1100, window_->panes.Dpi(), 96));
+    EXPECT_TRUE(IntersectRect(&both, &place, &work) && EqualRect(&both, &place));
 }
 
-// Which would take it for hung otherwise.
+// Which would take it for hung otherwise. By the user, or as an installer ends it.
 TEST_F(MainWindowTest, AnswersTheSystemWhileItCloses) {
-    OpenWith({{"10.77.1.1", "x"}});
-    engine_.isHeld = true;
-    Select(0);
-    ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
-    std::thread system([&, window = window_->Handle()] {
-        while (IsWindowVisible(window)) Sleep(5);
-        DWORD_PTR answer = 0;
-        EXPECT_TRUE(
-            SendMessageTimeoutW(window, WM_QUERYENDSESSION, 0, 0, SMTO_NORMAL, 2000, &answer));
-        EXPECT_EQ(1u, answer);
-        engine_.isHeld = false;
-    });
-    Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
-    system.join();
-    EXPECT_FALSE(window_->Handle());
+    for (const bool isByUser : {true, false}) {
+        OpenWith({{"10.77.1.1", "x"}});
+        engine_.isHeld = true;
+        Select(0);
+        ASSERT_TRUE(Until([&] { return engine_.reads == (isByUser ? 1 : 2); }));
+        std::thread system([&, window = window_->Handle()] {
+            for (int wait = 0; wait < 400 && IsWindowVisible(window); ++wait) Sleep(5);
+            DWORD_PTR answer = 0;
+            EXPECT_TRUE(
+                SendMessageTimeoutW(window, WM_QUERYENDSESSION, 0, 0, SMTO_NORMAL, 2000, &answer));
+            EXPECT_EQ(1u, answer);
+            engine_.isHeld = false;
+        });
+        if (isByUser) Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+        EXPECT_NE(isByUser, window_->Handle() != nullptr);
+        window_.reset();
+        system.join();
+    }
 }
 
 TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
@@ -429,22 +441,25 @@ TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
 }
 
 // Also the bar in the status line, and those of dialogs.
-TEST_F(MainWindowTest, ControlsHearOfNewColours) {
+TEST_F(MainWindowTest, ControlsHearOfNewColoursAndSettings) {
     Open();
     Command(IDM_CALLS);
     int heard = 0;
     const auto hear = [](HWND control, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                          DWORD_PTR count) -> LRESULT {
-        if (message == WM_SYSCOLORCHANGE) ++*reinterpret_cast<int*>(count);
+        *reinterpret_cast<int*>(count) += message == WM_SYSCOLORCHANGE ||
+                                          message == WM_SETTINGCHANGE || message == WM_THEMECHANGED;
         return DefSubclassProc(control, message, wParam, lParam);
     };
     const HWND dialog = PopupOf(window_->Handle());
     for (const HWND control :
          {GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR), GetDlgItem(dialog, IDC_CALLS)})
         SetWindowSubclass(control, hear, 1, reinterpret_cast<DWORD_PTR>(&heard));
-    for (const HWND window : {window_->Handle(), dialog})
-        SendMessageW(window, WM_SYSCOLORCHANGE, 0, 0);
-    EXPECT_EQ(2, heard);
+    for (const HWND window : {window_->Handle(), dialog}) {
+        for (const UINT message : {WM_SYSCOLORCHANGE, WM_SETTINGCHANGE, WM_THEMECHANGED})
+            SendMessageW(window, message, 0, 0);
+    }
+    EXPECT_EQ(6, heard);
     window_.reset();
 }
 
