@@ -32,6 +32,9 @@ std::wstring HeadingOf(HWND list, int column) {
     return text;
 }
 
+// AltGr, which types letters, is Ctrl and Alt.
+bool IsControlDown() { return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0; }
+
 std::wstring RowCell(const std::wstring& text) { return ToWide(HarmlessCell(ToUtf8(text))); }
 
 template <class TextOf>
@@ -200,7 +203,7 @@ void ListControl::Copy(int command) const {
 }
 
 int ListControl::CopyCommandOf(WPARAM key) {
-    if (GetKeyState(VK_CONTROL) >= 0) return 0;
+    if (!IsControlDown()) return 0;
     const bool isShifted = GetKeyState(VK_SHIFT) < 0;
     if (key == 'C') return isShifted ? IDM_COPY_CELL : IDM_COPY_ROW;
     if (key == 'T' && isShifted) return IDM_COPY_TABLE;
@@ -219,7 +222,7 @@ LRESULT ListControl::OnNotify(NMHDR* header) {
             OnChanged();
             return 0;
         case LVN_KEYDOWN:
-            if (reinterpret_cast<NMLVKEYDOWN*>(header)->wVKey == 'A' && GetKeyState(VK_CONTROL) < 0)
+            if (reinterpret_cast<NMLVKEYDOWN*>(header)->wVKey == 'A' && IsControlDown())
                 ListView_SetItemState(list_, -1, LVIS_SELECTED, LVIS_SELECTED);
             return 0;
         case LVN_COLUMNCLICK:

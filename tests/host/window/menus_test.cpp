@@ -57,15 +57,16 @@ class Menus : public MainWindowTest {
         Until([isFirst = true]() mutable { return !std::exchange(isFirst, false); });
         return texts;
     }
-    // Ctrl and Shift as given, and a key, in a list.
-    void Press(HWND list, WPARAM key, bool isShifted) {
+    // Ctrl, Shift and Alt as given, and a key, in a list.
+    void Press(HWND list, WPARAM key, bool isShifted, bool isAltGr = false) {
         BYTE keys[256] = {};
         keys[VK_CONTROL] = 0x80;
         keys[VK_SHIFT] = isShifted ? 0x80 : 0;
+        keys[VK_MENU] = isAltGr ? 0x80 : 0;
         SetKeyboardState(keys);
         MSG message = {list, WM_KEYDOWN, key, 0, 0, {}};
         window_->Dispatch(message);
-        keys[VK_CONTROL] = keys[VK_SHIFT] = 0;
+        keys[VK_CONTROL] = keys[VK_SHIFT] = keys[VK_MENU] = 0;
         SetKeyboardState(keys);
     }
 };
@@ -88,6 +89,18 @@ TEST_F(Menus, ClickedCellIsCopied) {
         texts);
     EXPECT_EQ(ToWide(model_), Copied());
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Copied: =InkLine 7"));
+}
+
+TEST_F(Menus, LettersOfAltGrAreNoCommands) {
+    OpenWithDevice();
+    for (const bool isAltGr : {true, false}) {
+        Press(Devices(), 'C', false, isAltGr);
+        EXPECT_EQ(isAltGr, Copied().empty());
+        ListView_SetItemState(Devices(), -1, 0, LVIS_SELECTED);
+        Press(Devices(), 'A', false, isAltGr);
+        EXPECT_EQ(isAltGr ? -1 : 0, Selected());
+        Select(0);
+    }
 }
 
 // Down to "Copy from the row", into it, down to the address.
