@@ -98,18 +98,22 @@ void DetailsPane::Place(Placement& placement, const Box& box, int dpi) {
         // Only a new font makes the control compute its tabs.
         SendMessageW(tabs_, WM_SETFONT, SendMessageW(tabs_, WM_GETFONT, 0, 0), TRUE);
     }
-    RECT page = {};
-    GetClientRect(tabs_, &page);
-    // The control arranges its rows of tabs by its width.
-    SetWindowPos(tabs_, nullptr, 0, 0, box.width, page.bottom,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    page = {0, 0, box.width, box.height};
-    TabCtrl_AdjustRect(tabs_, FALSE, &page);
-    const int height = page.top;
-    placement.Move(tabs_, {box.x, box.y, box.width, height});
-    lists_ = {box.x, box.y + height, box.width, std::max(0, box.height - height)};
+    box_ = box;
+    PlaceTabs(placement);
     if (isNew) ShowPage();
     PlaceLists(placement);
+}
+
+int DetailsPane::TabsHeight() const {
+    RECT page = {0, 0, box_.width, box_.height};
+    TabCtrl_AdjustRect(tabs_, FALSE, &page);
+    return page.top;
+}
+
+void DetailsPane::PlaceTabs(Placement& placement) {
+    const int height = TabsHeight();
+    placement.Move(tabs_, {box_.x, box_.y, box_.width, height});
+    lists_ = {box_.x, box_.y + height, box_.width, std::max(0, box_.height - height)};
 }
 
 // A cell may cut its text, so that of the selected row is below the list.
@@ -138,6 +142,12 @@ void DetailsPane::UpdateLists() {
 }
 
 void DetailsPane::Settle() {
+    // The control arranges its rows of tabs by the width that it has got.
+    if (TabsHeight() != lists_.y - box_.y) {
+        Placement placement(GetParent(tabs_));
+        PlaceTabs(placement);
+        PlaceLists(placement);
+    }
     if (Page().rows) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
     const int selected = ListView_GetNextItem(Shown(), -1, LVNI_SELECTED);
     if (selected >= 0) ListView_EnsureVisible(Shown(), selected, FALSE);

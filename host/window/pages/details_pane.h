@@ -40,6 +40,8 @@ class DetailsPane : private ListModel {
     const DevicePage& Page() const;
     void ShowRows(TableRows rows);
     void ShowPage();
+    int TabsHeight() const;
+    void PlaceTabs(Placement& placement);
     void PlaceLists(Placement& placement);
     void UpdateLists();  // after another selection
 
@@ -48,6 +50,7 @@ class DetailsPane : private ListModel {
     FactsList facts_;                         // the summary
     ListControl table_{*this};                // the other pages
     TableRows rows_;
+    Box box_;             // of all
     Box lists_, placed_;  // with the text of the chosen row, and the lists alone
     int dpi_ = 96;
     const DevicePage* page_ = nullptr;  // the one that is shown; null: none yet

@@ -83,6 +83,22 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EXPECT_EQ(0, Rows());
 }
 
+// In the same step as all others, unless they need another number of rows.
+TEST_F(Details, TabsMoveOnce) {
+    Open();
+    int moves = 0;
+    const auto count = [](HWND tabs, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                          DWORD_PTR moves) -> LRESULT {
+        *reinterpret_cast<int*>(moves) += message == WM_WINDOWPOSCHANGING;
+        return DefSubclassProc(tabs, message, wParam, lParam);
+    };
+    SetWindowPos(window_->Handle(), nullptr, 0, 0, 900, 600, SWP_NOMOVE | SWP_NOZORDER);
+    SetWindowSubclass(Control(IDC_PAGES), count, 1, reinterpret_cast<DWORD_PTR>(&moves));
+    SetWindowPos(window_->Handle(), nullptr, 0, 0, 910, 600, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(1, moves);
+    window_.reset();
+}
+
 TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     OpenWithDevices();
     ChoosePage(1);
