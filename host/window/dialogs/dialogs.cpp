@@ -162,6 +162,8 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
     } else if (message == WM_DPICHANGED) {
         SetDpi(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
         return 0;
+    } else if (message == WM_SETTINGCHANGE) {
+        MakeFonts();
     } else if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
         Close();
     } else if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
@@ -187,21 +189,27 @@ void ListDialog::Stretch() {
     list_.FitLast(Scaled(columns_.back().width, dpi_));
 }
 
+// Also after a change of the system's settings, such as how letters are smoothed.
+void ListDialog::MakeFonts() {
+    LOGFONTW font = {};  // that of its resource, since each scaling rounds
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog_, WM_GETFONT, 0, 0)), sizeof font,
+               &font);
+    font.lfHeight = MulDiv(font.lfHeight, dpi_, firstDpi_);
+    OwnedFont next(CreateFontIndirectW(&font));
+    for (HWND each = GetWindow(dialog_, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT))
+        SendMessageW(each, WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), TRUE);
+    font_ = std::move(next);
+    OnFonts();
+}
+
 // Not left to the system, which knows neither columns nor further fonts.
 void ListDialog::SetDpi(int dpi, const RECT& place) {
     const int former = std::exchange(dpi_, dpi);
     const auto scale = [&](LONG& pixels) { pixels = MulDiv(pixels, dpi, former); };
-    LOGFONTW font = {};  // that of its resource, since each scaling rounds
-    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog_, WM_GETFONT, 0, 0)), sizeof font,
-               &font);
-    font.lfHeight = MulDiv(font.lfHeight, dpi, firstDpi_);
-    OwnedFont next(CreateFontIndirectW(&font));
-    MoveControls(dialog_, [&](HWND control, RECT& box) {
+    MoveControls(dialog_, [&](HWND, RECT& box) {
         for (LONG* side : {&box.left, &box.top, &box.right, &box.bottom}) scale(*side);
-        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), FALSE);
     });
-    font_ = std::move(next);
-    OnDpi();
+    MakeFonts();
     list_.SetDpi(dpi);
     for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy}) scale(*size);
     TakeSuggested(dialog_, place);

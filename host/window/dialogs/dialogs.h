@@ -67,13 +67,14 @@ class ListDialog : protected virtual ListModel {
     virtual void Begin() = 0;
     virtual void OnCommand(int id) = 0;
     virtual void OnClosed() {}
-    virtual void OnDpi() {}  // fonts of its own have another size now
+    virtual void OnFonts() {}  // those of its own must be made anew
 
     ListControl list_{*this};
     HWND dialog_ = nullptr;
 
   private:
     void Stretch();
+    void MakeFonts();
     void SetDpi(int dpi, const RECT& place);
 
     SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window

@@ -72,14 +72,14 @@ void CallsWindow::Begin() {
         Text(IDS_CALLS_TITLE), IDC_CALLS,
         {{IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_MS, 50}, {IDS_CALL_RESULT, 190}},
         IDC_CALL_TEXT);
-    OnDpi();
+    OnFonts();
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
     added_ = calls_.size();
     Refresh();
     OnSelected();
 }
 
-void CallsWindow::OnDpi() {
+void CallsWindow::OnFonts() {
     OwnedFont next(CreateFontW(-MulDiv(9, Dpi(), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET,
                                0, 0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN, L"Consolas"));
     SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), TRUE);

@@ -25,7 +25,7 @@ class CallsWindow : private ListDialog {
     void OnCommand(int id) override;
     void OnSelected() override;
     void OnClosed() override { fixed_.Reset(); }
-    void OnDpi() override;
+    void OnFonts() override;
     size_t Count() const override { return calls_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
 

@@ -80,7 +80,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
         OpenWith({{"10.77.1.1", "x"}});
         PlayDialog([](HWND dialog) {
             CheckDialog(dialog, 18);
-            Press(dialog, IDCANCEL);
+            PressUntilGone(dialog, IDCANCEL);
         });
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 9);
@@ -99,7 +99,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     Open();
     PlayDialog([](HWND dialog) {
         TypeUser(dialog);
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     const auto kept = ReadProfile(L"Office");
     ASSERT_TRUE(kept && kept->isOpen);
@@ -110,7 +110,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
         EXPECT_EQ(L"", TextOf(GetDlgItem(dialog, IDC_AUTH_PASSWORD)));
-        Press(dialog, IDCANCEL);
+        PressUntilGone(dialog, IDCANCEL);
     });
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
     CheckDlgButton(window_->Handle(), IDC_V1, BST_UNCHECKED);
@@ -124,7 +124,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     SaveLastProfile(L"Lab");
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(L"Office", TextOf(GetDlgItem(dialog, IDC_PROFILE)));
-        Press(dialog, IDCANCEL);
+        PressUntilGone(dialog, IDCANCEL);
     });
     DeleteProfile(L"Lab");
 }
@@ -147,7 +147,7 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
         TypeUser(dialog);
         Type(dialog, IDC_PROFILE, L"");
         Type(dialog, IDC_COMMUNITY, L"hidden");
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     EXPECT_EQ("public", next(true));
     constexpr wchar_t kBrowser[] = L"Software\\Varnell Osk\\VnBrowser";
@@ -160,7 +160,7 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
     PlayDialog([](HWND dialog) {
         for (const int id : {IDC_USER, IDC_COMMUNITY}) Type(dialog, id, L"");
         SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 0, 0);
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     EXPECT_EQ("public", next(false));
 }
@@ -195,7 +195,7 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
         choose(IDC_PRIV, 2);
         expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PASSWORD);
         choose(IDC_AUTH, 0);  // its password, and privacy, have no meaning then
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     EXPECT_FALSE(window_->state.credentials.security->usePriv);
 }
@@ -225,6 +225,7 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         Command(command);
         const HWND dialog = PopupOf(window_->Handle()), close = GetDlgItem(dialog, IDCANCEL);
         const HWND columns = GetDlgItem(dialog, list), control = GetDlgItem(dialog, grown);
+        EXPECT_FALSE(GetWindowLongW(dialog, GWL_STYLE) & WS_MINIMIZEBOX);
         const RECT first = PlaceOf(dialog), owner = PlaceOf(window_->Handle());
         const RECT button = PlaceOf(close), before = PlaceOf(control);
         EXPECT_NEAR(owner.left + owner.right, first.left + first.right, 1);
@@ -243,6 +244,12 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         PlacesIn(dialog);
         EXPECT_EQ(2 * column, ListView_GetColumnWidth(columns, 0));
         EXPECT_EQ(2 * font, FontHeight(columns));
+        EXPECT_EQ(2 * other, FontHeight(control));
+        for (const HWND each : {columns, control}) {  // after a change of how letters are drawn
+            const LRESULT former = SendMessageW(each, WM_GETFONT, 0, 0);
+            SendMessageW(dialog, WM_SETTINGCHANGE, 0, 0);
+            EXPECT_NE(former, SendMessageW(each, WM_GETFONT, 0, 0));
+        }
         EXPECT_EQ(2 * other, FontHeight(control));
         // Back at the first screen, also in a place that is smaller than it could be made there.
         RECT small = {0, 0, width - 1, height - 1};
@@ -267,7 +274,7 @@ TEST_F(Dialogs, CancellingTheUserSendsNothing) {
     std::thread user([owner = window_->Handle()] {
         const HWND dialog = NextPopupOf(owner);
         EXPECT_EQ(0u, TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)).find(Text(IDS_SNMP_WHY)));
-        Press(dialog, IDCANCEL);
+        PressUntilGone(dialog, IDCANCEL);
     });
     Command(IDC_FIND);
     user.join();
@@ -281,7 +288,7 @@ TEST_F(Dialogs, CommunitiesAreAskedInTurn) {
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(L"sesame", TextOf(GetDlgItem(dialog, IDC_COMMUNITY)));
         Type(dialog, IDC_COMMUNITY, L" office , sesame,office,");
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     EXPECT_EQ((std::vector<std::string>{"office", ""}), window_->state.credentials.communities);
     Command(IDC_FIND);
@@ -295,7 +302,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     OpenWith({{"fe80::1", "x"}});
     PlayDialog([](HWND dialog) {
         TypeUser(dialog);
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
     engine_.Say("fe80::1", "x");
@@ -329,7 +336,7 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     BYTE bytes[200];
     DWORD size = sizeof bytes;
@@ -338,7 +345,7 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
               std::string(reinterpret_cast<const char*>(bytes), size));
     // It is still used, until the window is closed.
     PlayDialog([](HWND dialog) {
-        Press(dialog, IDOK);  // uses the known password
+        PressUntilGone(dialog, IDOK);  // uses the known password
     });
     EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
     // One without a name, which cannot be left by choosing another, is replaced.
@@ -349,7 +356,7 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
     PlayDialog([](HWND dialog) {
         EXPECT_EQ(Text(IDS_USER_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-        Press(dialog, IDOK);
+        PressUntilGone(dialog, IDOK);
     });
     EXPECT_TRUE(ReadProfile(L"")->isOpen);
 }
@@ -365,7 +372,7 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         PostMessageW(dialog, WM_COMMAND, IDC_PROFILE_DELETE, 0);
         PressUntilGone(NextPopupOf(dialog), IDYES);
-        Press(dialog, IDCANCEL);
+        PressUntilGone(dialog, IDCANCEL);
     });
     EXPECT_TRUE(ProfileNames().empty());
 }
