@@ -2,6 +2,7 @@
 // afterwards.
 #include "check/windows_headers.h"
 
+#include <sddl.h>
 #include <wincrypt.h>
 
 #include <cstring>
@@ -60,6 +61,29 @@ bool Replace(const Folder& folder) {
                         REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr, nullptr) != 0;
 }
 
+// Gives everyone the file, and a service the right to read it, which no new file has.
+void SetRights(const std::wstring& path) {
+    PSECURITY_DESCRIPTOR rights = nullptr;
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;WD)(A;;FR;;;NS)",
+                                                         SDDL_REVISION_1, &rights, nullptr);
+    SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, rights);
+    LocalFree(rights);
+}
+
+bool HasRights(const std::wstring& path) {
+    alignas(8) BYTE rights[1024];
+    DWORD size = 0;
+    wchar_t* text = nullptr;
+    if (!GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, rights, sizeof rights, &size) ||
+        !ConvertSecurityDescriptorToStringSecurityDescriptorW(
+            rights, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr)) {
+        return false;
+    }
+    const bool has = std::wstring(text).find(L";;;NS)") != std::wstring::npos;
+    LocalFree(text);
+    return has;
+}
+
 void ReplaceRows(Report& report) {
     const Folder folder;
     int replaced = 0;
@@ -72,6 +96,11 @@ void ReplaceRows(Report& report) {
         }
     }
     report.Add("a file replaced 200 times at once", "200", Number(replaced) + problem);
+    SetRights(folder / L"kept");
+    Write(folder / L"new");
+    Replace(folder);
+    report.Add("the rights of a replaced file", "kept",
+               HasRights(folder / L"kept") ? "kept" : "lost");
     const HANDLE reader = CreateFileW((folder / L"kept").c_str(), GENERIC_READ, FILE_SHARE_READ,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
     Write(folder / L"new");

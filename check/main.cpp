@@ -147,6 +147,7 @@ int wmain(int count, wchar_t** words) {
     const check::Options options = check::OptionsOf(count, words);
     if (options.areWrong) {
         std::fputs(check::kUsage, stderr);
+        check::WaitIfConsoleIsOwn();
         return 2;
     }
     WSADATA data;

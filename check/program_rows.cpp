@@ -42,19 +42,21 @@ class Pipe {
     HANDLE read_ = nullptr, write_ = nullptr;
 };
 
-// With `interrupts`, Ctrl-Break is sent to it after a while, and to it alone.
-Ended Run(const wchar_t* program, const wchar_t* arguments, bool interrupts = false) {
+// `kBreak`: Ctrl-Break is sent to it after a while, and to it alone.
+enum class How { kPipes, kBreak, kNoHandles };
+Ended Run(const wchar_t* program, const wchar_t* arguments, How how = How::kPipes) {
     const std::wstring path = BesideProgram(program);
     std::wstring line = L"\"" + path + L"\" " + arguments;
     const Pipe output, error;
     STARTUPINFOW start = {};
     start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
+    const bool interrupts = how == How::kBreak, hasHandles = how != How::kNoHandles;
+    start.dwFlags = hasHandles ? STARTF_USESTDHANDLES : 0;
     start.hStdOutput = output.Write();
     start.hStdError = error.Write();
     PROCESS_INFORMATION process = {};
     Ended ended;
-    ended.isStarted = CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE,
+    ended.isStarted = CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, hasHandles,
                                      interrupts ? CREATE_NEW_PROCESS_GROUP : 0, nullptr, nullptr,
                                      &start, &process) != 0;
     if (!ended.isStarted) return ended;
@@ -84,13 +86,15 @@ void ProgramRow(Report& report, const std::string& name, const char* expected, c
                          (ended.error ? ", error output" : ""));
 }
 
-void ConsoleRow(Report& report) {
+void ConsoleRows(Report& report) {
     const char* const name = "WriteFile of 3 bytes in 2 characters to a UTF-8 console";
+    const char* const attached = "VnBrowser.exe with an unknown option, without handles";
     const HANDLE console =
         CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                     nullptr, OPEN_EXISTING, 0, nullptr);
     if (console == INVALID_HANDLE_VALUE) {
         report.NotSeen(name, "3 bytes", "there is no console");
+        report.NotSeen(attached, "a line on this console", "there is no console");
         return;
     }
     const UINT former = GetConsoleOutputCP();
@@ -98,9 +102,16 @@ void ConsoleRow(Report& report) {
     DWORD written = 0;
     WriteFile(console, "\xC3\xA9x", 3, &written, nullptr);
     SetConsoleOutputCP(former);
+    // The line ends in the first column, where the two characters have not left the cursor.
+    Run(L"VnBrowser.exe", L"--none --exit", How::kNoHandles);
+    CONSOLE_SCREEN_BUFFER_INFO info = {};
+    info.dwCursorPosition.X = 1;
+    GetConsoleScreenBufferInfo(console, &info);
     CloseHandle(console);
     std::printf("\n");
     report.Add(name, "3 bytes", Number(written) + " bytes");
+    report.Add(attached, "a line on this console",
+               info.dwCursorPosition.X == 0 ? "a line on this console" : "nothing");
 }
 
 }  // namespace
@@ -113,14 +124,14 @@ void ProgramRows(Report& report, bool mayUseNetwork) {
                Run(L"vndiscover.exe", L"--none"));
     ProgramRow(report, "VnBrowser.exe with an unknown option", "exit code 2, error output",
                Run(L"VnBrowser.exe", L"--none --exit"));
-    ConsoleRow(report);
+    ConsoleRows(report);
     const char* const name = "Ctrl-Break in a sweep of vndiscover.exe";
     const char* const stopped = "exit code 1, error output";
     if (!mayUseNetwork || GetConsoleCP() == 0) {
         report.NotSeen(name, stopped, mayUseNetwork ? "there is no console" : "needs --network");
     } else {
         ProgramRow(report, name, stopped,
-                   Run(L"vndiscover.exe", L"sweep --oid 1.3.6.1.4.1.5963.1", true));
+                   Run(L"vndiscover.exe", L"sweep --oid 1.3.6.1.4.1.5963.1", How::kBreak));
     }
 }
 

@@ -102,6 +102,14 @@ void LibraryRows(Report& report) {
     } else {
         report.NotSeen(name, "2, for each monitor", "this system does not tell");
     }
+    const auto metrics =
+        SystemFunction<int(WINAPI*)(int, UINT)>(L"user32.dll", "GetSystemMetricsForDpi");
+    if (metrics) {
+        const bool isWider = metrics(SM_CXVSCROLL, 192) > metrics(SM_CXVSCROLL, 96);
+        report.Add("a scroll bar at 192 DPI against 96", "wider", isWider ? "wider" : "not wider");
+    } else {
+        report.NotSeen("a scroll bar at 192 DPI against 96", "wider", "this system does not tell");
+    }
     report.Add("COLOR_BTNFACE against COLOR_WINDOW", "different",
                GetSysColor(COLOR_BTNFACE) == GetSysColor(COLOR_WINDOW) ? "the same" : "different");
 }
