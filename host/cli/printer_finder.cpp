@@ -114,7 +114,7 @@ void PrinterFinder::ReadAll(const SweepWatch& watch) {
     FleetReaders readers(fleet_, mutex_, std::move(work));
     readers.Start(kMaxReaders);
     while (!readers.HasEnded()) {
-        // Told apart: a Ctrl-C while processes are started can keep Wine waiting for one of them.
+        // A phase of its own: under Wine, a Ctrl-C while processes start can leave one hanging.
         if (readers.HaveBegun()) ShowPhase("");
         if (!mayGoOn()) readers.Stop();  // a request would take up to 10 s
         std::this_thread::sleep_for(kPoll);

@@ -103,7 +103,9 @@ struct Pipe {
 
     explicit Pipe(OwnedHandle Pipe::*ours) {
         SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        if (CreatePipe(read.Receive(), write.Receive(), &inherited, 0))
+        // Logins must fit, even if the other process never reads them.
+        constexpr DWORD kSize = 1 << 20;
+        if (CreatePipe(read.Receive(), write.Receive(), &inherited, kSize))
             SetHandleInformation((this->*ours).Get(), HANDLE_FLAG_INHERIT, 0);
     }
 };

@@ -21,6 +21,7 @@ bool FleetReaders::Start(size_t most) {
             ++running_;
         }
     } catch (const std::exception&) {  // no memory, or no thread: there are fewer
+        if (!sides_.empty() && !sides_.back().thread.joinable()) sides_.pop_back();
     }
     return running_ != 0;
 }
@@ -28,7 +29,10 @@ bool FleetReaders::Start(size_t most) {
 void FleetReaders::Run(Side& side) {
     try {
         std::unique_ptr<Reader> reader;
-        if (!isStopped_) reader = work_.makeReader();
+        {
+            const std::lock_guard<std::mutex> making(making_);
+            if (!isStopped_) reader = work_.makeReader();
+        }
         {
             const std::lock_guard<std::mutex> lock(mutex_);
             side.reader = std::move(reader);
@@ -44,7 +48,11 @@ void FleetReaders::Run(Side& side) {
     const bool isLast = --running_ == 0;
     changed_.notify_all();
     lock.unlock();
-    if (isLast && work_.onIdle) work_.onIdle();
+    if (!isLast || !work_.onIdle) return;
+    try {
+        work_.onIdle();
+    } catch (...) {  // no memory even to tell that
+    }
 }
 
 bool FleetReaders::ReadNext(Reader* reader, const MayGoOn& mayGoOn) {

@@ -36,11 +36,12 @@ class FleetReaders {
     FleetReaders(const FleetReaders&) = delete;
     FleetReaders& operator=(const FleetReaders&) = delete;
 
-    // Once: begins with up to `most` threads, each for two devices at least. False: with none.
+    // Call once. Starts at most `most` threads, each for two devices at least. Returns false if
+    // none was started.
     bool Start(size_t most);
     // Executes one job on the calling thread. Returns false if there is none left for it.
     bool ReadNext(Reader* reader, const MayGoOn& mayGoOn);
-    // Ends requests of readers that are processes; the others are answered first.
+    // Ends requests of readers that are processes; other readers finish theirs first.
     void Stop();
     bool IsStopped() const { return isStopped_; }
     bool HaveBegun() const;  // all readers were made
@@ -58,6 +59,7 @@ class FleetReaders {
     Fleet& fleet_;
     std::mutex& mutex_;
     const Work work_;
+    std::mutex making_;  // a reader: after Stop, none begins to be made
     std::condition_variable changed_;
     std::list<Side> sides_;
     size_t running_ = 0;

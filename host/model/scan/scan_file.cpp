@@ -151,7 +151,7 @@ class ScanReader {
         throw Refusal{object, "\"" + std::string(name) + "\" is missing"};
     }
 
-    // That the member is not what it must be: `what`.
+    // `what` says what is wrong with the member.
     static Refusal Wrong(const cJSON* object, const char* name, const char* what) {
         return {Member(object, name), "\"" + std::string(name) + "\" " + what};
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "model/scan/device_merge.h"
 #include "values/ranges.h"
 #include "values/text.h"
 #include "values/utc_time.h"
@@ -83,6 +84,15 @@ bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
         wasAsked |= AnyOf(questions_, [&](auto& asked) { return IsSameQuestion(asked, sweep); });
     }
     return wasAsked;
+}
+
+std::vector<FoundDevice> PresentDevices(const Scan& scan, bool isSearching) {
+    const LastSearch search(scan, isSearching);
+    std::vector<FoundDevice> devices = MakeDevices(scan);
+    devices.erase(std::remove_if(devices.begin(), devices.end(),
+                                 [&](const auto& one) { return search.HasMissed(scan, one); }),
+                  devices.end());
+    return devices;
 }
 
 Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* reading,

@@ -11,6 +11,9 @@
 
 namespace vndiscover::host {
 
+// The scan's devices without those that its last search missed. `isSearching`: see LastSearch.
+std::vector<FoundDevice> PresentDevices(const Scan& scan, bool isSearching = false);
+
 struct Standing {
     enum class Kind {
         kNeverRead,

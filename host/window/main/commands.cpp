@@ -95,7 +95,7 @@ constexpr Command kTable[] = {
     {IDS_MENU_FILE},
     {IDM_OPEN, Ctrl('O'), nullptr, [](Window& w) { w.scans.Open(); }},
     {IDM_SAVE, Ctrl('S'), NoScan, [](Window& w) { w.scans.Save(); }},
-    {IDM_COMPARE, {}, NoRows, [](Window& w) { w.scans.Compare(); }},
+    {IDM_COMPARE, {}, NoScan, [](Window& w) { w.scans.Compare(); }},
     {kMenuLine},
     {IDM_CSV, {}, NoRows, [](Window& w) { w.scans.SaveCsv(); }},
     {IDM_JSON, {}, NoRows, [](Window& w) { w.scans.SaveJson(); }},

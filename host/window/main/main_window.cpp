@@ -138,7 +138,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
 
 MainWindow::MainWindow(Engine& engine, StartOptions options)
     : panes(state, {[this] {
-                        state.changes.Unmark(*state.session.view.SelectedRow());
+                        const DeviceRow* row = state.session.view.SelectedRow();
+                        if (row) state.changes.Unmark(*row);
                         panes.ShowDetails();
                         devices.Ask(false);
                     },

@@ -7,6 +7,7 @@
 #include "model/scan/device_writer.h"
 #include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
+#include "model/scan/standing.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
@@ -94,7 +95,9 @@ bool ScanCommands::CompareWith(const std::string& path) {
     std::wstring problem;
     const auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
-    Comparison changes = CompareDevices(MakeDevices(*scan), state_.session.AnsweringDevices());
+    Comparison changes =
+        CompareDevices(PresentDevices(*scan),
+                       PresentDevices(state_.session.GetScan(), state_.progress.IsSearching()));
     changes.beforeName = FileName(path);
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<TableWindow::Row> rows;

@@ -31,11 +31,12 @@ AskTarget WindowState::WithCredentials(AskTarget target) const {
     target.credentials = credentials;
     target.credentials.communities.clear();
     target.credentials.community = community;
-    if (target.isLoginKnown || target.kind == SweepKind::kSnmpV3 || credentials.communities.empty())
-        return target;
-    target.otherCommunities = credentials.communities;
-    target.credentials.community = target.otherCommunities.front();
-    target.otherCommunities.erase(target.otherCommunities.begin());
+    const auto& all = credentials.communities;
+    if (target.isLoginKnown || all.empty()) return target;
+    target.credentials.community = all.front();
+    // Over SNMPv3 the user is asked once, not once for each community.
+    if (target.kind != SweepKind::kSnmpV3 || !credentials.security)
+        target.otherCommunities.assign(all.begin() + 1, all.end());
     return target;
 }
 

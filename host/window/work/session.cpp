@@ -116,17 +116,6 @@ bool Session::Refresh() {
     return true;
 }
 
-std::vector<FoundDevice> Session::AnsweringDevices() const {
-    const std::vector<Standing> standings = Standings();
-    std::vector<FoundDevice> answering;
-    for (size_t i = 0; i < devices_.size(); ++i) {
-        const Standing::Kind kind = standings[i].kind;
-        if (kind != Standing::Kind::kMissed && kind != Standing::Kind::kNoAnswer)
-            answering.push_back(devices_[i]);
-    }
-    return answering;
-}
-
 std::vector<Standing> Session::Standings() const {
     const LastSearch search(scan_, isSearching_);
     std::vector<Standing> standings;

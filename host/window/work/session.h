@@ -43,8 +43,6 @@ class Session {
     // Whether the scan has answers, or splits, that are in no file.
     bool IsUnsaved() const { return isUnsaved_; }
     void SetSaved(bool isSaved = true) { isUnsaved_ = !isSaved; }
-    // Without those that answer no longer.
-    std::vector<FoundDevice> AnsweringDevices() const;
     // How many listed devices have answered the last search: others are older, or were added.
     size_t CountFound() const;
     // Adds numeric addresses, each as what the user has typed.

@@ -137,7 +137,7 @@ Workers::MayGoOn Workers::Watched(const std::string& address, const Stops& befor
     };
 }
 
-// That this thread waits for an answer from now on; empty: no longer.
+// Notes that this thread waits for an answer of the address from now on; empty: for none.
 void Workers::NoteWait(const std::string& address) {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto thread = std::this_thread::get_id();
@@ -477,7 +477,7 @@ void Workers::Run(WorkerId worker) {
         Execute(job, before);
         lock.lock();
         line.isRunning = line.isSending = false;
-        waits_.erase(std::this_thread::get_id());  // that for its last answer
+        waits_.erase(std::this_thread::get_id());  // its last answer has come
         changed_.notify_all();
         if (line.jobs.empty()) queue_.Post([](Results&) {});  // the window sees that it is idle
     }

@@ -127,6 +127,11 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
     EXPECT_TRUE(window_->scans.CompareWith(path_));
     EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
                                       .find(L"this list (1 device): 0 new, 1 gone, 0 changed"));
+    // Nor does a file have it that says so.
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
+    EXPECT_TRUE(window_->scans.CompareWith(path_));
+    EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
+                                      .find(L"this list (1 device): 0 new, 0 gone, 0 changed"));
 }
 
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
