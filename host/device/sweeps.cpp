@@ -37,7 +37,6 @@ SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6) {
 }
 
 bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
-    constexpr ULONGLONG kLeastMs = 1000;  // a wait has 2 s
     const ULONGLONG startMs = GetTickCount64();
     const bool hasRequest = !sweep.request.empty();
     const auto discover = hasRequest ? DiscoverDevicesByOIDjson : DiscoverDevicesByOID;
@@ -48,7 +47,7 @@ bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
                  (hasRequest ? sweep.request : sweep.oid).c_str(), sweep.resultPath.c_str(),
                  sweep.community.c_str(), nullptr);
     }
-    return GetTickCount64() - startMs >= kLeastMs;
+    return GetTickCount64() - startMs >= kLeastSweepMs;
 }
 
 }  // namespace vndiscover::host

@@ -29,8 +29,11 @@ struct SnmpSweep {
 // For one OID.
 SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6);
 
+// A sweep of any kind that has sent something waits longer, 2 s at least, unless it is stopped.
+constexpr unsigned kLeastSweepMs = 1000;
+
 // Blocks until the sweep has ended. `window` must be of the calling thread, or another thread must
-// pump messages. False if nothing was sent: then the module does not wait for answers.
+// pump messages. False if nothing was sent.
 bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep);
 
 }  // namespace vndiscover::host

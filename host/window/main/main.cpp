@@ -1,12 +1,9 @@
 // VnBrowser.exe: a window that shows devices, and an example of a host with a user interface.
-//
-//   VnBrowser.exe [--profile NAME] [--community NAME]... [--look-for printers|everything|module]
-//                 [--sweep [--read] [--save FILE] [--csv FILE] [--exit]]
-//
-// With --profile, SNMPv3 is used too, with the user that the window has saved under that name. With
-// --exit, no window is shown, and problems go to the error output, where wrong usage is told in any
-// case. Exit codes: 0 devices answered, 1 none, or a file could not be saved, 2 wrong usage, or the
-// profile could not be opened, or a sweep failed.
+// IDS_USAGE has its options. With --profile, SNMPv3 is used too, with the user that the window has
+// saved under that name. With --exit, no window is shown, and problems go to the error output,
+// where wrong usage is told in any case. Exit codes: 0 devices answered, 1 none, or a file could
+// not be saved, 2 wrong usage, or the profile could not be opened, or the search failed, 3 nothing
+// could be sent.
 #include <windows.h>
 
 #include <algorithm>

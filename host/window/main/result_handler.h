@@ -28,9 +28,10 @@ class ResultHandler : public Results {
         state_.session.AddAnswer(worker, std::move(answer));
         state_.progress.CountAnswer();
     }
-    void OnSweepEnded(WorkerId worker, const std::string& problem) override {
-        state_.session.EndSweep(worker, problem.empty() && !state_.progress.IsStopping());
-        searches_.EndSweep(problem);
+    void OnSweepEnded(WorkerId worker, bool wasSent, const std::string& problem) override {
+        const bool isComplete = wasSent && problem.empty() && !state_.progress.IsStopping();
+        state_.session.EndSweep(worker, isComplete);
+        searches_.EndSweep(wasSent, problem);
     }
     void OnReadingBegan(const std::string& address, bool isForList) override {
         state_.session.BeginReading(address);

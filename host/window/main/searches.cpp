@@ -48,6 +48,7 @@ void Searches::Start() {
     if (!MayStart()) return;
     isForStart_ = state_.options.sweep;
     state_.workers->ReadAdapters();  // again, since the user may have plugged one in
+    wasSent_ = false;
     state_.session.BeginSearch();
     state_.progress.BeginSearch(steps.size());
     state_.showRows();  // the order of the rows may be another one
@@ -62,7 +63,8 @@ void Searches::Repeat() {
         Start();
 }
 
-void Searches::EndSweep(const std::string& problem) {
+void Searches::EndSweep(bool wasSent, const std::string& problem) {
+    wasSent_ |= wasSent;
     if (!problem.empty()) problem_ = Text(IDS_SWEEP_FAILED, {ToWide(problem)});
     isOver_ |= state_.progress.EndSweep();
 }
@@ -72,8 +74,12 @@ void Searches::Finish() {
     state_.session.EndSearch();
     const bool isScript = isForStart_ && state_.options.exit;
     // A script's problem is told when it ends.
+    const bool isUnsent = !wasSent_ && !state_.progress.WasStopped();
     if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
+    if (isUnsent && isScript) problem_ = Text(IDS_NOTHING_SENT);
     state_.showRows();
+    // Without a message, for which a list that is watched would wait.
+    if (isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
     // While the window closes, there are no workers; a message may still be open.
     if (state_.progress.IsStopping() || !state_.workers) return EndReading();
     if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
@@ -98,14 +104,13 @@ void Searches::EndStartSearch() {
     bool isLost = !path.empty() && !scans_.SaveTo(path);
     isLost |= !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;
-    const int code = !problem_.empty() ? kFailed : isNone ? kNone : kFound;
+    const bool isSent = wasSent_ || problem_.empty();
+    const int code = !isSent ? kSendFailed : !problem_.empty() ? kFailed : isNone ? kNone : kFound;
     state_.exitCode = std::max(state_.exitCode, code);  // an exception may have been before
 }
 
 bool Searches::WillSave() const {
     return isForStart_ && !(state_.options.savePath.empty() && state_.options.csvPath.empty());
 }
-
-void Searches::EndEarly() { EndStartSearch(); }
 
 }  // namespace vndiscover::host

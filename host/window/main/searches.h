@@ -23,7 +23,7 @@ class Searches {
     // The same without the user, who may be away: does nothing if something is to be asked.
     void Repeat();
     // One of the search's sweeps has ended.
-    void EndSweep(const std::string& problem);
+    void EndSweep(bool wasSent, const std::string& problem);
     // Whether the running search is that of the command line, which also says what follows.
     bool IsForStart() const { return isForStart_; }
     // Whether the last one has; then the search must be finished: its problems are reported, and
@@ -35,7 +35,7 @@ class Searches {
     // Whether the running search is that of the command line, whose answers are saved.
     bool WillSave() const;
     // Saves the answers so far if WillSave.
-    void EndEarly();
+    void EndEarly() { EndStartSearch(); }
     void AskForUser();
 
   private:
@@ -48,6 +48,7 @@ class Searches {
     ScanCommands& scans_;
     std::function<bool()> readFound_;
     std::wstring problem_;     // of the running search
+    bool wasSent_ = false;     // by any of its sweeps
     bool isOver_ = false;      // and not yet finished
     bool isForStart_ = false;  // the search of the command line, or its reading, is running
 };

@@ -54,8 +54,9 @@ class Engine {
     using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;
     virtual ~Engine() = default;
 
-    // Calls onAnswer on the calling thread, for each answer as it is delivered.
-    virtual void Sweep(const SweepStep& step, const OnAnswer& onAnswer) = 0;
+    // Calls onAnswer on the calling thread, for each answer as it is delivered. Returns false if
+    // nothing could be sent, or it was stopped at once.
+    virtual bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) = 0;
     // For any thread. Without a running sweep it has no effect, so it must be repeated.
     virtual void StopSnmp() = 0;
     virtual void StopWsd() = 0;

@@ -56,8 +56,10 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     Call call = watch.Timed(CallOf(step, probe));
     call.result = "0";  // always
     call.answers = answers;
+    const bool wasSent = call.milliseconds >= kLeastSweepMs;
     ReportCall(std::move(call));
     window.Rethrow();
+    return wasSent;
 }
 
 void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }

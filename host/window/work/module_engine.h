@@ -6,7 +6,7 @@ namespace vndiscover::host {
 
 class ModuleEngine : public Engine {
   public:
-    void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override;
+    bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) override;
     void StopSnmp() override;
     void StopWsd() override;
     PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) override;

@@ -25,8 +25,9 @@ class Results {
   public:
     virtual ~Results() = default;
     virtual void OnSweepBegan(WorkerId, const SweepStep&, const std::string& /*time*/) {}
-    virtual void OnAnswer(WorkerId, ScanAnswer) {}                          // its sweep is not set
-    virtual void OnSweepEnded(WorkerId, const std::string& /*problem*/) {}  // or was dropped
+    virtual void OnAnswer(WorkerId, ScanAnswer) {}  // its sweep is not set
+    // Or was dropped. `wasSent`: see Engine::Sweep.
+    virtual void OnSweepEnded(WorkerId, bool /*wasSent*/, const std::string& /*problem*/) {}
 
     // Of the details of one device, or a round of it for the list.
     virtual void OnReadingBegan(const std::string& /*address*/, bool /*isForList*/) {}

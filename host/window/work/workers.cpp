@@ -81,16 +81,17 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
         const WorkerId worker = step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
         Job job;
         job.fail = [this, worker](const std::string& problem) {
-            Report(&Results::OnSweepEnded, worker, problem);
+            Report(&Results::OnSweepEnded, worker, true, problem);
         };
         job.drop = [fail = job.fail] { fail(""); };
         job.run = [this, worker, step, end = job.fail](const Stops&) {
             Report(&Results::OnSweepBegan, worker, step, UtcNow());
-            engine_.Sweep(step, [&](const char* address, std::string_view bytes) {
-                Report(&Results::OnAnswer, worker,
-                       ScanAnswer{0, UtcNow(), address, Received(bytes)});
-            });
-            end("");
+            const bool wasSent =
+                engine_.Sweep(step, [&](const char* address, std::string_view bytes) {
+                    Report(&Results::OnAnswer, worker,
+                           ScanAnswer{0, UtcNow(), address, Received(bytes)});
+                });
+            Report(&Results::OnSweepEnded, worker, wasSent, std::string());
         };
         Add(worker, std::move(job));
     }

@@ -51,7 +51,7 @@ TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
 TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
     engine_.failure = "no window";
     Open();
-    EXPECT_EQ("The search failed: no window", Answer({IDOK}, [&] {
+    EXPECT_EQ("The search failed: no window. Search again.", Answer({IDOK}, [&] {
                   Command(IDC_FIND);
                   EXPECT_TRUE(Ends());
               }));
@@ -60,6 +60,22 @@ TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
     Open(options);
     EXPECT_FALSE(IsWindowVisible(window_->Handle()) || GetFocus());
     EXPECT_EQ(2, window_->Run());
+}
+
+// Without a message, since a list may refresh itself. No device has missed that.
+TEST_F(MainWindowTest, TellsThatNothingCouldBeSent) {
+    OpenWith({{"10.77.1.8", "x"}});
+    engine_.isUnsent = true;
+    Answer({}, [&] {
+        Command(IDC_FIND);
+        EXPECT_TRUE(Ends());
+    });
+    EXPECT_EQ(Text(IDS_NOTHING_SENT), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(L"never read", Cell(0, 3));
+    StartOptions options;
+    options.sweep = options.exit = true;
+    Open(options);
+    EXPECT_EQ(3, window_->Run());
 }
 
 // Not even its own texts can be made. The window goes on afterwards, a script ends.

@@ -35,8 +35,8 @@ constexpr DWORD kPatienceMs = 10000;
 // Sweeps wait for the answers that a test provides, and end with a stop or with End.
 class ScriptedEngine : public Engine {
   public:
-    void Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
-        if (step.kind == SweepKind::kWsd) return;
+    bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
+        if (isUnsent || step.kind == SweepKind::kWsd) return !isUnsent;
         ++sweeps;
         lastStep = step;
         Fail();
@@ -55,6 +55,7 @@ class ScriptedEngine : public Engine {
                     "0",
                     1,
                     2000});
+        return true;
     }
     // Like in the module, a request has no effect while no sweep runs.
     void StopSnmp() override {
@@ -152,7 +153,10 @@ class ScriptedEngine : public Engine {
     std::atomic<int> stops{0}, reads{0}, sweeps{0};
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false}, isReleased{false};
-    std::atomic<bool> isHeld{false};  // a reading
+    std::atomic<bool> isHeld{false};     // a reading
+    std::atomic<bool> isUnsent{false};   // all sweeps
+    std::atomic<bool> hasEngine{false};  // of SNMPv3, a diagnosed device
+    std::atomic<Status> refusal{Status::kRefused};
     std::function<void()> onStop;
     std::atomic<const char*> failure{nullptr};  // of everything from now on
     SweepStep lastStep;                         // may be read once the sweep is over

@@ -15,7 +15,7 @@ namespace {
 // Each device is asked until it must stop.
 class PatientEngine : public Engine {
   public:
-    void Sweep(const SweepStep&, const OnAnswer&) override {}
+    bool Sweep(const SweepStep&, const OnAnswer&) override { return true; }
     void StopSnmp() override {}
     void StopWsd() override {}
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
