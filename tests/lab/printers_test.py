@@ -1,6 +1,7 @@
 """vndiscover.exe printers with dozens of agents in one namespace: some with a fault, one slow, one that is no printer. FLEET=400
 tells how long hundreds take."""
 
+import collections
 import csv
 import heapq
 import io
@@ -85,6 +86,7 @@ class Fleet:
         self.devices = [self.load(device) for device in range(COUNT)]
         self.off = set()  # numbers of devices that answer nothing
         self.seconds = {}  # for one directed request of a device
+        self.asked = collections.Counter()  # directed requests
         self.socket = socket_in("neta", socket.AF_INET)
         self.socket.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1 << 22)
         self.socket.setsockopt(socket.IPPROTO_IP, IP_PKTINFO, 1)
@@ -104,6 +106,7 @@ class Fleet:
             if select.select([self.socket], [], [], wait)[0]:
                 data, info, _, sender = self.socket.recvmsg(2048, 256)
                 own = self.numbers.get(socket.inet_ntoa(info[0][2][8:12]))
+                self.asked[own] += 1
                 for device in range(COUNT) if own is None else [own]:  # a broadcast is for all
                     answer = self.answer_of(device, data)
                     if answer and device not in self.off and (own is None or b"silent" not in data):

@@ -32,15 +32,6 @@ void Progress::BeginAsking(const std::string& address) {
     askMs_ = nowMs_();
 }
 
-void Progress::BeginReadingAll() { readMs_ = nowMs_(); }
-
-void Progress::EndReadingAll(size_t read, size_t total) {
-    readEndMs_ = nowMs_();
-    read_ = read;
-    toRead_ = total;
-    last_ = Kind::kRead;
-}
-
 void Progress::BeginWalk(const std::string& address) {
     walked_ = address;
     walkMs_ = nowMs_();
@@ -64,14 +55,17 @@ Progress::Status Progress::Now(const Work& work) const {
     if (!asked_.empty())
         return {Kind::kAsking, since(askMs_), work.waiting, 0, asked_, work.waitMs / 1000};
     if (!walked_.empty()) return {Kind::kWalking, since(walkMs_), values_, 0, walked_, 0};
-    if (work.toRead != 0) {
+    if (work.read.total != 0) {
         const bool isLong = work.waitMs >= kWaitMs;
-        return {Kind::kReadingAll,          since(readMs_),    work.read, work.toRead,
+        return {Kind::kReadingAll,          since(readMs_),    work.read.done, work.read.total,
                 isLong ? work.address : "", work.waitMs / 1000};
     }
     if (!note_.empty()) return {Kind::kNote, 0, 0, 0, "", 0};
     if (last_ == Kind::kReady) return {};
-    if (last_ == Kind::kRead) return {last_, (readEndMs_ - readMs_) / 1000, read_, toRead_, "", 0};
+    if (last_ == Kind::kRead) {
+        const int64_t seconds = (readEndMs_ - readMs_) / 1000;
+        return {last_, seconds, read_.done, read_.total, "", 0, read_.unread};
+    }
     return {last_, (searchEndMs_ - searchMs_) / 1000, answers_, 0, "", 0};
 }
 

@@ -34,8 +34,15 @@ class Progress {
     void EndAsking() { asked_.clear(); }
 
     // All devices are read, each for the list.
-    void BeginReadingAll();
-    void EndReadingAll(size_t read, size_t total);
+    void BeginReadingAll() { readMs_ = nowMs_(); }
+    struct Read {
+        size_t done = 0, unread = 0, total = 0;  // unread: of these done, they gave no value
+    };
+    void EndReadingAll(const Read& read) {
+        readEndMs_ = nowMs_();
+        read_ = read;
+        last_ = Kind::kRead;
+    }
 
     void BeginWalk(const std::string& address);
     void CountValue() { ++values_; }
@@ -60,7 +67,7 @@ class Progress {
         kStopping,    // seconds: at most until it has stopped
         kDone,        // seconds, count: of answers
         kStopped,     // the same
-        kRead,        // all devices: seconds, count: of devices read, total
+        kRead,        // all devices: seconds, count: of devices done, total, unread
         kNote,        // see Note
     };
     struct Status {
@@ -72,10 +79,11 @@ class Progress {
         std::string address;
         int64_t waitSeconds = 0;
     };
+        size_t unread = 0;
     struct Work {
-        size_t waiting = 0;           // devices that are still to be asked
-        size_t read = 0, toRead = 0;  // of all devices; 0, 0: they are not being read
-        std::string address;          // of the request that has waited longest
+        size_t waiting = 0;   // devices that are still to be asked
+        Read read;            // of all devices; none in total: they are not being read
+        std::string address;  // of the request that has waited longest
         int64_t waitMs = 0;
     };
     Status Now(const Work& work) const;
@@ -89,7 +97,7 @@ class Progress {
     std::string asked_, walked_;  // addresses; empty: none
     int64_t askMs_ = 0, walkMs_ = 0;
     int64_t readMs_ = 0, readEndMs_ = 0;
-    size_t read_ = 0, toRead_ = 0;
+    Read read_;
     size_t values_ = 0;
     std::wstring note_;
     int64_t noteMs_ = 0;

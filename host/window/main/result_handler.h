@@ -45,8 +45,8 @@ class ResultHandler : public Results {
                 IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)}));
         state_.session.AddReading(std::move(read));
     }
-    void OnReadAll(size_t read, size_t total, bool) override {
-        state_.progress.EndReadingAll(read, total);
+    void OnReadAll(const Progress::Read& read, bool) override {
+        state_.progress.EndReadingAll(read);
         searches_.EndReading();
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {

@@ -70,8 +70,11 @@ std::wstring StatusBar::TextOf(const Progress::Status& status) const {
         case Progress::Kind::kStopped:
             return Text(IDS_STOPPED, {seconds, found});
         case Progress::Kind::kRead:
-            return Text(status.count < status.total ? IDS_READ_STOPPED : IDS_READ,
-                        {count, total, seconds});
+            return Text(
+                status.count < status.total ? IDS_READ_STOPPED
+                : status.unread > 0         ? IDS_READ_SOME
+                                            : IDS_READ,
+                {Grouped(status.count - status.unread), total, seconds, Grouped(status.unread)});
         case Progress::Kind::kNote:
             return state_.progress.Note();
     }

@@ -14,6 +14,13 @@ bool WindowState::ReportProblem(const std::wstring& text) {
     return false;
 }
 
+unsigned WindowState::Obstacle() const {
+    if (!IsBusy()) return 0;
+    if (progress.IsWalking()) return IDS_AWAITS_VALUES;
+    const bool isList = progress.IsSearching() || (workers && workers->Now().read.total != 0);
+    return isList ? IDS_AWAITS_ANSWERS : IDS_AWAITS_DEVICE;
+}
+
 void WindowState::StartStatusTimer() const {
     constexpr UINT kStatusMs = 250;
     SetTimer(window, kStatusTimer, kStatusMs, nullptr);

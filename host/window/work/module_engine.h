@@ -1,5 +1,6 @@
 #pragma once
 
+#include "device/fleet_readers.h"
 #include "window/work/engine.h"
 
 namespace vndiscover::host {
@@ -12,7 +13,7 @@ class ModuleEngine : public Engine {
     PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) override;
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override;
-    size_t MaxReaders() const override { return 6; }
+    size_t MaxReaders() const override { return kMaxReaders; }
     std::unique_ptr<Reader> MakeReader(const std::vector<Login>& logins) override;
     WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override;

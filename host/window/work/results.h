@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "model/asking/progress.h"
 #include "window/work/engine.h"
 
 namespace vndiscover::host {
@@ -40,7 +41,7 @@ class Results {
     };
     virtual void OnRead(Read) {}
     // All devices have been read for the list, or it was stopped.
-    virtual void OnReadAll(size_t /*read*/, size_t /*total*/, bool /*isStopped*/) {}
+    virtual void OnReadAll(const Progress::Read&, bool /*isStopped*/) {}
 
     virtual void OnWalkBegan(unsigned /*walk*/, const std::string& /*address*/) {}
     virtual void OnVariable(unsigned /*walk*/, Answer) {}

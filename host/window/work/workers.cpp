@@ -84,7 +84,7 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
             Report(&Results::OnSweepEnded, worker, true, problem);
         };
         job.drop = [fail = job.fail] { fail(""); };
-        job.run = [this, worker, step, end = job.fail](const Stops&) {
+        job.run = [this, worker, step](const Stops&) {
             Report(&Results::OnSweepBegan, worker, step, UtcNow());
             const bool wasSent =
                 engine_.Sweep(step, [&](const char* address, std::string_view bytes) {
@@ -190,7 +190,13 @@ bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
     target.otherCommunities.erase(target.otherCommunities.begin());
     fleet.Add(target.address, IndexOrAppend(logins, LoginOf(target)), {});
     targets.push_back(std::move(target));
+    ++retries;
     return true;
+}
+
+// Each device once.
+Progress::Read Workers::FleetRun::Count() const {
+    return {fleet.CountRead() - retries, unread, targets.size() - retries};
 }
 
 // An exception is a failed reading.
@@ -221,11 +227,14 @@ FleetDevice Workers::ReadForList(FleetRun& run, const FleetDevice& job, Reader* 
 void Workers::EndReading(FleetRun& run, size_t index, bool isDone) {
     const FleetDevice device = run.fleet.Devices()[index];
     Results::Read read = {run.targets[index], UtcNow(), device.answers, true, !isDone};
-    const bool isSilent =
-        device.answers.lastStatus == Status::kNoAnswer && device.answers.values.empty();
-    if (isDone) {
-        read.isPostponed = device.isRead ? isSilent && run.TryNextCommunity(read.target)
-                                         : device.answers.lastStatus != Status::kAnswered;
+    const PrinterAnswers& answers = device.answers;
+    const bool isEmpty = answers.values.empty() && answers.lastStatus != Status::kAnswered;
+    if (isDone && device.isRead) {
+        const bool isSilent = isEmpty && answers.lastStatus == Status::kNoAnswer;
+        read.isPostponed = isSilent && run.TryNextCommunity(read.target);
+        run.unread += isEmpty && !read.isPostponed;
+    } else if (isDone) {
+        read.isPostponed = answers.lastStatus != Status::kAnswered;
     }
     Report(&Results::OnRead, std::move(read));
 }
@@ -251,7 +260,7 @@ void Workers::ReadLeft(const std::shared_ptr<FleetRun>& run) {
 void Workers::EndRun(FleetRun& run) {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!std::exchange(run.isReported, true))
-        Report(&Results::OnReadAll, run.fleet.CountRead(), run.targets.size(), !run.fleet.IsOver());
+        Report(&Results::OnReadAll, run.Count(), !run.fleet.IsOver());
 }
 
 void Workers::StopRun() {
@@ -440,10 +449,7 @@ Progress::Work Workers::Now() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     Progress::Work work;
     work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
-    if (IsReadingAll()) {
-        work.toRead = run_->fleet.Devices().size();
-        work.read = run_->fleet.CountRead();
-    }
+    if (IsReadingAll()) work.read = run_->Count();
     for (const auto& [thread, wait] : waits_) {
         using std::chrono::milliseconds;
         const auto waited = std::chrono::steady_clock::now() - wait.start;

@@ -88,10 +88,13 @@ class Workers {
         Fleet fleet;
         std::vector<AskTarget> targets;
         std::vector<Login> logins;
+        size_t retries = 0;       // of silent devices, with another community
+        size_t unread = 0;        // devices that gave no value: silent, or refused
         bool isReported = false;  // to the window: it is over
         std::optional<FleetReaders> readers;
 
         bool TryNextCommunity(AskTarget target);
+        Progress::Read Count() const;
     };
     using MayGoOn = FleetReaders::MayGoOn;
     FleetDevice ReadForList(FleetRun& run, const FleetDevice& job, Reader* reader,

@@ -196,14 +196,15 @@ class FleetWorkers : public WorkersTest {
             last[read.target.address] = read;
             order += read.target.address.substr(7) + " ";
         }
-        void OnReadAll(size_t count, size_t, bool wasStopped) override {
+        void OnReadAll(const Progress::Read& count, bool wasStopped) override {
             isOver = true;
-            read = count;
+            read = count.done;
+            unread = count.unread;
             isStopped = wasStopped;
         }
         std::map<std::string, Read> last;
         std::string order;
-        size_t read = 0;
+        size_t read = 0, unread = 0;
         bool isOver = false, isStopped = false;
     } results;
 };
@@ -215,7 +216,7 @@ TEST_F(FleetWorkers, SlowDeviceDoesNotHoldTheOthers) {
     EXPECT_TRUE(workers.IsSending());
     EXPECT_TRUE(Comes([&] {
         const Progress::Work now = workers.Now();
-        return now.read == 7 && now.address == "10.0.0.1";
+        return now.read.done == 7 && now.address == "10.0.0.1";
     }));
     Finish();
     EXPECT_EQ(8u, results.last.size());
@@ -256,6 +257,7 @@ TEST_F(FleetWorkers, OtherCommunitiesAreTriedOfASilentDevice) {
     Finish();
     EXPECT_EQ("public", results.last["10.0.0.2"].target.credentials.community);
     EXPECT_FALSE(results.last["10.0.0.2"].answers.values.empty());
+    EXPECT_EQ(std::pair(size_t{1}, size_t{0}), std::pair(results.read, results.unread));
 }
 
 TEST(FleetReaders, JobOfAFailedThreadIsLeftToOthers) {

@@ -86,9 +86,10 @@ TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
     EXPECT_EQ((Expected{Kind::kStopping, {3, 0, 0}}), Shown(work));
     nowMs += 60000;
     EXPECT_EQ((Expected{Kind::kStopping, {1, 0, 0}}), Shown({}));
-    progress.EndReadingAll(29, 403);
+    progress.EndReadingAll({29, 2, 403});
     progress.SetIdle();
     EXPECT_EQ((Expected{Kind::kRead, {60, 29, 403}}), Shown());
+    EXPECT_EQ(2u, progress.Now({}).unread);
 }
 
 }  // namespace
