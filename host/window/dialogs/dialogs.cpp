@@ -17,33 +17,6 @@
 namespace vndiscover::host {
 namespace {
 
-// `yes`, `no`: the strings of the buttons.
-int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsigned no) {
-    const std::wstring title = Text(IDS_TITLE), cancel = Text(IDS_CANCEL);
-    const std::wstring first = Text(yes), second = Text(no);
-    const TASKDIALOG_BUTTON buttons[] = {
-        {IDYES, first.c_str()}, {IDNO, second.c_str()}, {IDCANCEL, cancel.c_str()}};
-    TASKDIALOGCONFIG dialog = {};
-    dialog.cbSize = sizeof dialog;
-    dialog.hwndParent = owner;
-    dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
-    // Wine places one with two lines of text in the corner.
-    dialog.pfCallback = [](HWND window, UINT event, WPARAM, LPARAM, LONG_PTR) -> HRESULT {
-        if (event == TDN_CREATED) CentreOnOwner(window);
-        return S_OK;
-    };
-    dialog.pszWindowTitle = title.c_str();
-    dialog.pszMainInstruction = question.c_str();
-    dialog.cButtons = 3;
-    dialog.pButtons = buttons;
-    int answer = IDCANCEL;
-    if (SUCCEEDED(TaskDialogIndirect(&dialog, &answer, nullptr, nullptr))) return answer;
-    // Its buttons have words of the system, in the same order.
-    std::wstring text = question + L"\n\n" + first + L" / " + second + L" / " + cancel;
-    text.erase(std::remove(text.begin(), text.end(), L'&'), text.end());
-    return MessageBoxW(owner, text.c_str(), title.c_str(), MB_YESNOCANCEL | MB_ICONQUESTION);
-}
-
 SIZE ClientSize(HWND window) {
     RECT client = {};
     GetClientRect(window, &client);
@@ -67,6 +40,18 @@ void MoveControls(HWND dialog, Change change) {
         placement.Move(each,
                        {place.left, place.top, place.right - place.left, place.bottom - place.top});
     }
+}
+
+// A program with a window gets no console, but may have been started from one.
+HANDLE ErrorOutput() {
+    const HANDLE given = GetStdHandle(STD_ERROR_HANDLE);
+    if ((given && given != INVALID_HANDLE_VALUE) || !AttachConsole(ATTACH_PARENT_PROCESS))
+        return given;
+    const HANDLE console =
+        CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                    nullptr, OPEN_EXISTING, 0, nullptr);
+    SetStdHandle(STD_ERROR_HANDLE, console);  // which stays open for the next problem
+    return console;
 }
 
 }  // namespace
@@ -234,22 +219,6 @@ void ListDialog::Refresh() {
     OnSelected();
 }
 
-namespace {
-
-// A program with a window gets no console, but may have been started from one.
-HANDLE ErrorOutput() {
-    const HANDLE given = GetStdHandle(STD_ERROR_HANDLE);
-    if ((given && given != INVALID_HANDLE_VALUE) || !AttachConsole(ATTACH_PARENT_PROCESS))
-        return given;
-    const HANDLE console =
-        CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                    nullptr, OPEN_EXISTING, 0, nullptr);
-    SetStdHandle(STD_ERROR_HANDLE, console);  // which stays open for the next problem
-    return console;
-}
-
-}  // namespace
-
 void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {
     if (!isScript) {
         MessageBoxW(owner, problem.c_str(), Text(IDS_TITLE).c_str(), MB_OK | MB_ICONWARNING);
@@ -269,12 +238,28 @@ void ShowException(HWND owner, bool isScript) noexcept {
     isShowing = false;
 }
 
-int AskToSave(HWND owner) {
-    return AskYesNoCancel(owner, Text(IDS_ASK_SAVE), IDS_ASK_SAVE_YES, IDS_ASK_SAVE_NO);
-}
-
-int AskHowToFind(HWND owner, const std::wstring& file) {
-    return AskYesNoCancel(owner, Text(IDS_FIND_HOW, {file}), IDS_FIND_ADD, IDS_FIND_NEW);
+int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsigned no,
+                   unsigned none) {
+    const std::wstring title = Text(IDS_TITLE), third = Text(none);
+    const std::wstring first = Text(yes), second = Text(no);
+    const TASKDIALOG_BUTTON buttons[] = {
+        {IDYES, first.c_str()}, {IDNO, second.c_str()}, {IDCANCEL, third.c_str()}};
+    TASKDIALOGCONFIG dialog = {};
+    dialog.cbSize = sizeof dialog;
+    dialog.hwndParent = owner;
+    dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
+    // Wine places one with two lines of text in the corner.
+    dialog.pfCallback = [](HWND window, UINT event, WPARAM, LPARAM, LONG_PTR) -> HRESULT {
+        if (event == TDN_CREATED) CentreOnOwner(window);
+        return S_OK;
+    };
+    dialog.pszWindowTitle = title.c_str();
+    dialog.pszMainInstruction = question.c_str();
+    dialog.cButtons = 3;
+    dialog.pButtons = buttons;
+    int answer = IDCANCEL;
+    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
+    return answer;
 }
 
 }  // namespace vndiscover::host

@@ -84,9 +84,9 @@ class ListDialog : protected virtual ListModel {
     OwnedFont font_;                // none: that of its resource
 };
 
-// Ask whether to save the scan, and whether to add to an opened one (IDYES) or begin a new list
-// (IDNO). Each returns IDYES, IDNO or IDCANCEL.
-int AskToSave(HWND owner);
-int AskHowToFind(HWND owner, const std::wstring& file);
+// Asks with three buttons, whose strings are `yes`, `no` and `none`. Returns IDYES, IDNO or
+// IDCANCEL.
+int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsigned no,
+                   unsigned none = IDS_CANCEL);
 
 }  // namespace vndiscover::host

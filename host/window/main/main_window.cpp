@@ -315,7 +315,7 @@ void MainWindow::OnTimer(UINT_PTR timer) {
 // A dialog's caller would continue without its window.
 bool MainWindow::MayClose() {
     return state.workers && IsWindowEnabled(state.window) &&
-           (searches.WillSave() || scans.MayDrop());
+           (searches.WillSave() || scans.MayDrop(IDS_ASK_SAVE));
 }
 
 // Saves the answers so far of the command line's search.
@@ -350,7 +350,8 @@ void MainWindow::OnClose() {
     scans.ForgetKept();
     EndWorkers();
     EndEarly();
-    if (willSave) scans.MayDrop();  // asks for another file if that one cannot be written
+    // Asks for another file if that one cannot be written.
+    if (willSave) scans.MayDrop(IDS_ASK_SAVE);
 }
 
 }  // namespace vndiscover::host

@@ -50,11 +50,12 @@ void ScanCommands::WithPath(unsigned kind, const wchar_t* extension, bool isForS
 }
 
 void ScanCommands::Open() {
-    if (MayReplace()) WithPath(IDS_SCAN_FILES, L"json", false, &ScanCommands::OpenFrom);
+    if (MayReplace(IDS_ASK_SAVE_OPEN))
+        WithPath(IDS_SCAN_FILES, L"json", false, &ScanCommands::OpenFrom);
 }
 
 void ScanCommands::Clear() {
-    if (MayReplace()) Empty();
+    if (MayReplace(IDS_ASK_SAVE_CLEAR)) Empty();
 }
 
 void ScanCommands::Empty() {
@@ -82,11 +83,9 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     if (!scan) return state_.ReportProblem(problem);
     const std::wstring time = LongTime(TimeOf(*scan));
     state_.session.SetScan(std::move(*scan));
-    ForgetKept();
-    state_.changes.ForgetStates();
-    state_.progress.ForgetSearch();
     const std::wstring name = ToWide(FileName(path));
     SetFile(time.empty() ? name : Text(IDS_SCAN_OF, {name, time}));
+    Empty();
     state_.showRows();
     return true;
 }
@@ -158,16 +157,17 @@ bool ScanCommands::SaveJsonTo(const std::string& path) {
     return SaveTextTo(PrintersJson(lines), path);
 }
 
-bool ScanCommands::MayReplace() {
+bool ScanCommands::MayReplace(unsigned question) {
     state_.handleResults();  // those that have not been handled yet
     const bool isFilled = state_.IsBusy();
     if (isFilled) ShowProblem(state_.window, Text(IDS_AWAITS_ANSWERS), false);
     return !isFilled && MayDrop();
 }
 
-bool ScanCommands::MayDrop() {
+bool ScanCommands::MayDrop(unsigned question) {
     if (state_.options.exit || state_.isSessionEnding || !state_.session.IsUnsaved()) return true;
-    const int answer = AskToSave(state_.window);
+    const int answer =
+        AskYesNoCancel(state_.window, Text(question), IDS_ASK_SAVE_YES, IDS_ASK_SAVE_NO);
     if (answer == IDYES) Save();
     return answer == IDNO || !state_.session.IsUnsaved();
 }
@@ -190,8 +190,8 @@ void ScanCommands::OfferSaved() {
         auto scan = LoadScan(keptPath_, problem);
         kept_ = HoldFile(keptPath_, OPEN_EXISTING);  // so that no other window offers it
         if (!scan || !kept_) continue;               // it may be read later
-        const int answer = MessageBoxW(state_.window, Text(IDS_ASK_KEPT).c_str(),
-                                       Text(IDS_TITLE).c_str(), MB_YESNO | MB_ICONQUESTION);
+        const int answer = AskYesNoCancel(state_.window, Text(IDS_ASK_KEPT), IDS_ASK_KEPT_SHOW,
+                                          IDS_ASK_KEPT_DELETE, IDS_ASK_KEPT_LATER);
         if (answer == IDNO) ForgetKept();
         if (answer != IDYES) continue;
         state_.session.SetScan(std::move(*scan));

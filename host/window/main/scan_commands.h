@@ -40,8 +40,9 @@ class ScanCommands {
     bool SaveJsonTo(const std::string& path);  // the same rows, as `vndiscover printers` does
     TableWindow comparison{[this](const std::string& csv) { SaveTable(csv); }};
 
-    // Returns false if the scan must stay, because the user wants to keep it unsaved.
-    bool MayDrop();
+    // Returns false if the scan must stay, because the user wants to keep it unsaved. `question`:
+    // names what drops it.
+    bool MayDrop(unsigned question);
 
     // For the end of the user's session: an unsaved scan is kept in a file of the user's, without
     // any dialog. The next start offers it. If the user wants it, its file stays until the scan is
@@ -53,7 +54,7 @@ class ScanCommands {
   private:
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (ScanCommands::*method)(const std::string& path));
-    bool MayReplace();
+    bool MayReplace(unsigned question);
     bool SaveTableTo(const std::string& path) { return SaveTextTo(table_, path); }
     bool SaveTextTo(const std::string& text, const std::string& path);
 

@@ -35,9 +35,10 @@ bool Searches::FetchUser() {
 // The devices of a file, and what is found now, are kept apart unless the user wants both.
 bool Searches::MayStart() {
     if (state_.file.empty() || state_.options.exit) return true;
-    const int answer = AskHowToFind(state_.window, state_.file);
-    if (answer == IDNO && scans_.MayDrop()) scans_.Empty();
-    if (answer == IDYES) scans_.SetFile(L"");  // the list is no longer the file's
+    const int answer = AskYesNoCancel(state_.window, Text(IDS_FIND_HOW, {state_.file}),
+                                      IDS_FIND_ADD, IDS_FIND_NEW);
+    if (answer == IDNO && scans_.MayDrop(IDS_ASK_SAVE_NEW)) scans_.Empty();
+    if (answer == IDYES) scans_.AddToFile();
     return state_.file.empty();
 }
 

@@ -138,7 +138,8 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     OpenWithDevices();
     const auto clear = [&] { Command(IDM_CLEAR); };
     const auto close = [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); };
-    Answer({IDCANCEL}, clear);
+    EXPECT_EQ("Save these results before clearing the list?", Answer({IDCANCEL}, clear));
+    EXPECT_EQ("Save these results before closing?", Answer({IDCANCEL}, close));
     Answer({IDYES, IDCANCEL}, close);  // without a file
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
     Command(IDC_FIND);
@@ -315,3 +316,4 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
 
 }  // namespace
 }  // namespace vndiscover::host
+    Answer({IDCANCEL, IDCANCEL}, [&] { window_->scans.OfferSaved(); });  // later

@@ -209,6 +209,12 @@ inline void PressUntilGone(HWND dialog, int button) {
 }
 
 // The text on the clipboard, which is then empty.
+// Of a message, or of a dialog with buttons of its own.
+inline std::wstring QuestionOf(HWND box) {
+    const HWND text = GetDlgItem(box, 0xFFFF);
+    return TextOf(text ? text : FindWindowExW(box, nullptr, L"Static", nullptr));
+}
+
 inline std::wstring Copied() {
     std::wstring text;
     if (!OpenClipboard(nullptr)) return text;
@@ -354,7 +360,7 @@ class MainWindowTest : public testing::Test {
                 EXPECT_TRUE(IsWindowVisible(owner));
                 // A window with a dialog cannot be closed, whose caller goes on with it.
                 SendMessageW(owner, WM_CLOSE, 0, 0);
-                text = ToUtf8(TextOf(GetDlgItem(box, 0xFFFF)));
+                text = ToUtf8(QuestionOf(box));
                 PressUntilGone(box, button);
             }
             while (const HWND box = next()) {
