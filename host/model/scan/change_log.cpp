@@ -28,30 +28,23 @@ bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
     const std::string state = StateOf(row);
-    Known& known = known_[KeyOf(row)];
-    const std::string before = std::exchange(known.state, state);
+    const std::string before = std::exchange(states_[KeyOf(row)], state);
     if (before.empty() || before == state) return false;
     const std::string name =
         Joined({row.Text(Column::kName), row.Text(Column::kModel), row.Text(Column::kAddress)});
     changes_.push_front({time, name, before, state});
     if (changes_.size() > kMaxChanges) changes_.pop_back();
-    known.isMarked = true;
+    marked_.insert(KeyOf(row));
     return true;
 }
 
 void ChangeLog::LearnStates(const std::vector<DeviceRow>& rows) {
-    for (auto& [key, known] : known_) known.state.clear();
+    states_.clear();
     for (const DeviceRow& row : rows) Add(row, "");
 }
 
-bool ChangeLog::IsMarked(const DeviceRow& row) const {
-    const auto known = known_.find(KeyOf(row));
-    return known != known_.end() && known->second.isMarked;
-}
+bool ChangeLog::IsMarked(const DeviceRow& row) const { return marked_.count(KeyOf(row)) != 0; }
 
-void ChangeLog::Unmark(const DeviceRow& row) {
-    const auto known = known_.find(KeyOf(row));
-    if (known != known_.end()) known->second.isMarked = false;
-}
+void ChangeLog::Unmark(const DeviceRow& row) { marked_.erase(KeyOf(row)); }
 
 }  // namespace vndiscover::host

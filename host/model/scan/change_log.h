@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,16 +25,17 @@ class ChangeLog {
     bool IsMarked(const DeviceRow& row) const;
     void Unmark(const DeviceRow& row);
     // The list is another one, whose states are no changes. The changes so far are kept.
-    void ForgetStates() { known_.clear(); }
+    void ForgetStates() {
+        states_.clear();
+        marked_.clear();
+    }
     // The limits of supplies are others: no device has changed, and marks stay.
     void LearnStates(const std::vector<DeviceRow>& rows);
 
   private:
-    struct Known {
-        std::string state;  // empty: not known
-        bool isMarked = false;
-    };
-    std::map<std::string, Known> known_;  // by serial number, otherwise by address
+    // By serial number, otherwise by address.
+    std::map<std::string, std::string> states_;
+    std::set<std::string> marked_;
     std::deque<StateChange> changes_;
 };
 

@@ -178,7 +178,7 @@ void DeviceView::Arrange() {
     shown_.clear();
     others_ = 0;
     for (size_t index = 0; index < rows_.size(); ++index) {
-        const bool isOther = areOnlyPrinters_ && rows_[index].isNoPrinter;
+        const bool isOther = IsOther(rows_[index]);
         others_ += isOther;
         if (!isOther && Passes(rows_[index])) shown_.push_back(index);
     }

@@ -63,6 +63,7 @@ class DeviceView {
     size_t Total() const { return rows_.size() - Others(); }  // without the filter
     size_t Others() const { return others_; }                 // that are no printers, not shown
     const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
+    bool IsOther(const DeviceRow& row) const { return areOnlyPrinters_ && row.isNoPrinter; }
     const std::vector<DeviceRow>& AllRows() const { return rows_; }
 
     // Several devices may be selected, of which `focused` is the one with the focus.

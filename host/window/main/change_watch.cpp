@@ -17,32 +17,32 @@ void ChangeWatch::Record() {
     if (state_.progress.IsSearching()) return;  // whether a device is missed is not known yet
     const std::string time = UtcNow();
     bool hasChanged = false;
-    for (const DeviceRow& row : state_.session.view.AllRows())
-        hasChanged |= state_.changes.Add(row, time);
+    const DeviceView& view = state_.session.view;
+    for (const DeviceRow& row : view.AllRows())
+        hasChanged |= !view.IsOther(row) && state_.changes.Add(row, time);
     if (!hasChanged) return;
-    const DeviceRow* const seen = state_.session.view.SelectedRow();
+    const DeviceRow* const seen = view.SelectedRow();
     if (seen && GetActiveWindow() == state_.window) state_.changes.Unmark(*seen);
     FLASHWINFO flash = {sizeof flash, state_.window, FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
     if (!GetActiveWindow()) FlashWindowEx(&flash);
-    table_.Show(Rows());
+    Show();
 }
 
 void ChangeWatch::Open() {
-    const std::wstring count = Grouped(state_.changes.Changes().size());
-    table_.Open(state_.window, Text(IDS_CHANGES_TITLE), Text(IDS_CHANGES_NOTE, {count}),
+    table_.Open(state_.window, Text(IDS_CHANGES_TITLE),
                 {{IDS_CALL_TIME, 140},
                  {IDS_CHANGE_DEVICE, 260},
                  {IDS_CHANGE_BEFORE, 150},
-                 {IDS_CHANGE_AFTER, 150}},
-                Rows());
+                 {IDS_CHANGE_AFTER, 150}});
+    Show();
 }
 
-std::vector<TableWindow::Row> ChangeWatch::Rows() const {
+void ChangeWatch::Show() {
     std::vector<TableWindow::Row> rows;
     for (const StateChange& one : state_.changes.Changes())
         rows.push_back(
             {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
-    return rows;
+    table_.Show(Text(IDS_CHANGES_NOTE, {Grouped(rows.size())}), std::move(rows));
 }
 
 }  // namespace vndiscover::host

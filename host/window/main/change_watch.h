@@ -31,7 +31,7 @@ class ChangeWatch {
     void Open();  // the list of changes
 
   private:
-    std::vector<TableWindow::Row> Rows() const;
+    void Show();
 
     WindowState& state_;
     Settings& settings_;

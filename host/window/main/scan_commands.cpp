@@ -103,13 +103,12 @@ bool ScanCommands::CompareWith(const std::string& path) {
     for (const ChangeRow& row : ChangesOf(changes))
         rows.push_back(
             {ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)});
-    comparison.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(path)}),
-                    ToWide(CountsOf(changes)),
+    comparison.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(changes.beforeName)}),
                     {{IDS_CHANGE_DEVICE, 300},
                      {IDS_FACT_WHAT, 120},
                      {IDS_CHANGE_BEFORE, 140},
-                     {IDS_CHANGE_AFTER, 140}},
-                    std::move(rows));
+                     {IDS_CHANGE_AFTER, 140}});
+    comparison.Show(ToWide(CountsOf(changes)), std::move(rows));
     return true;
 }
 

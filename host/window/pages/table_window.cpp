@@ -1,6 +1,8 @@
 #include "window/pages/table_window.h"
 
 #include <algorithm>
+#include <cwchar>
+#include <numeric>
 
 #include "model/scan/device_writer.h"
 #include "platform/wide_text.h"
@@ -10,36 +12,43 @@
 
 namespace vndiscover::host {
 
-void TableWindow::Open(HWND owner, const std::wstring& title, const std::wstring& note,
-                       std::vector<ListColumn> columns, std::vector<Row> rows) {
+void TableWindow::Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns) {
     Close();
     title_ = title;
-    note_ = note;
     columns_ = std::move(columns);
-    rows_ = std::move(rows);
+    order_.clear();
     sorted_ = SIZE_MAX;
+    isDescending_ = false;
     OpenDialog(owner, IDD_TABLE);
 }
 
-void TableWindow::Show(std::vector<Row> rows) {
+void TableWindow::Show(const std::wstring& note, std::vector<Row> rows) {
     if (!IsOpen()) return;
     rows_ = std::move(rows);
-    sorted_ = SIZE_MAX;
-    Refresh();
-}
-
-void TableWindow::Begin() {
-    BeginDialog(title_, IDC_TABLE_ROWS, columns_);
-    SetItem(IDC_TABLE_NOTE, note_);
+    SetItem(IDC_TABLE_NOTE, note);
+    Arrange();
 }
 
 void TableWindow::OnHeading(size_t column) {
     isDescending_ = sorted_ == column && !isDescending_;
     sorted_ = column;
-    std::stable_sort(rows_.begin(), rows_.end(), [&](const Row& one, const Row& other) {
-        const int order = CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, one[column].c_str(),
-                                         -1, other[column].c_str(), -1);
-        return isDescending_ ? order == CSTR_GREATER_THAN : order == CSTR_LESS_THAN;
+    Arrange();
+}
+
+void TableWindow::Arrange() {
+    order_.resize(rows_.size());
+    std::iota(order_.begin(), order_.end(), size_t{0});
+    const bool isArrival = sorted_ == SIZE_MAX || columns_[sorted_].heading == IDS_CALL_TIME;
+    if (isDescending_) std::reverse(order_.begin(), order_.end());
+    std::stable_sort(order_.begin(), order_.end(), [&](size_t one, size_t other) {
+        if (isArrival) return false;
+        if (isDescending_) std::swap(one, other);
+        const std::wstring &less = rows_[one][sorted_], &more = rows_[other][sorted_];
+        const long first = std::wcstol(less.c_str(), nullptr, 10);
+        const long second = std::wcstol(more.c_str(), nullptr, 10);
+        if (first != second) return first < second;  // "9 %" and "10 %"
+        return CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, less.c_str(), -1, more.c_str(),
+                              -1) == CSTR_LESS_THAN;
     });
     Refresh();
 }
@@ -50,9 +59,9 @@ void TableWindow::OnCommand(int id) {
     std::vector<std::string> cells;
     for (const ListColumn& column : columns_) cells.push_back(ToUtf8(Text(column.heading)));
     std::string csv = kByteOrderMark + CsvLine(cells, ListSeparator());
-    for (const Row& row : rows_) {
+    for (const size_t row : order_) {
         for (size_t column = 0; column < cells.size(); ++column)
-            cells[column] = ToUtf8(row[column]);
+            cells[column] = ToUtf8(rows_[row][column]);
         csv += CsvLine(cells, ListSeparator());
     }
     save_(csv);

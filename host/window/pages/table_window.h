@@ -17,24 +17,28 @@ class TableWindow : public ListDialog {
     // `save` asks for a file and saves the text of a CSV document.
     explicit TableWindow(std::function<void(const std::string& csv)> save)
         : save_(std::move(save)) {}
-    // `note` is a line above the table. Replaces what the window showed.
-    void Open(HWND owner, const std::wstring& title, const std::wstring& note,
-              std::vector<ListColumn> columns, std::vector<Row> rows);
-    // Adds rows on top if it is open.
-    void Show(std::vector<Row> rows);
+    // Replaces what the window showed, and has no rows yet.
+    void Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns);
+    // Shows rows, in the order that the user chose, and a line above them, if it is open. Those
+    // with a time must be in its order.
+    void Show(const std::wstring& note, std::vector<Row> rows);
 
   private:
-    size_t Count() const override { return rows_.size(); }
-    std::wstring CellText(size_t row, size_t column) const override { return rows_[row][column]; }
+    size_t Count() const override { return order_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override {
+        return rows_[order_[row]][column];
+    }
     void OnHeading(size_t column) override;
-    void Begin() override;
+    void Arrange();
+    void Begin() override { BeginDialog(title_, IDC_TABLE_ROWS, columns_); }
     void OnCommand(int id) override;
 
     std::function<void(const std::string& csv)> save_;
-    std::wstring title_, note_;
+    std::wstring title_;
     std::vector<ListColumn> columns_;
     std::vector<Row> rows_;
-    size_t sorted_ = SIZE_MAX;  // the column; SIZE_MAX: as they came
+    std::vector<size_t> order_;  // indexes in rows_
+    size_t sorted_ = SIZE_MAX;   // the column; SIZE_MAX: as they came
     bool isDescending_ = false;
 };
 

@@ -148,14 +148,13 @@ void Session::SetScan(Scan scan) {
 }
 
 size_t Session::CountFound() const {
-    const std::vector<DeviceRow>& rows = view.AllRows();
-    return static_cast<size_t>(std::count_if(rows.begin(), rows.end(), [this](const auto& row) {
-        return !(view.Others() != 0 && row.isNoPrinter) &&
-               std::any_of(row.answers.begin(), row.answers.end(), [this](size_t index) {
-                   const ScanSweep& sweep = scan_.sweeps[scan_.answers[index].sweep];
-                   return sweep.search != 0 && sweep.search == search_;
-               });
-    }));
+    const auto isOfSearch = [this](size_t index) {
+        const ScanSweep& sweep = scan_.sweeps[scan_.answers[index].sweep];
+        return sweep.search != 0 && sweep.search == search_;
+    };
+    return CountIf(view.AllRows(), [&](const DeviceRow& row) {
+        return !view.IsOther(row) && AnyOf(row.answers, isOfSearch);
+    });
 }
 
 void Session::AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,

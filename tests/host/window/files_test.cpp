@@ -119,6 +119,29 @@ TEST_F(Files, ComparisonIsATable) {
 }
 
 TEST_F(Files, SilentDeviceIsGoneInAComparison) {
+// Also numbers within a text, and times in any form. Another row keeps the order.
+TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
+    Open();
+    TableWindow table([](const std::string&) {});
+    table.Open(window_->Handle(), L"a table", {{IDS_CALL_TIME, 90}, {IDS_CHANGE_AFTER, 90}});
+    table.Show(L"3 rows", {{L"12/2/26", L"10 %"}, {L"11/30/26", L"9 %"}, {L"2/1/26", L"100 %"}});
+    const HWND dialog = PopupOf(window_->Handle()), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
+    const auto order = [&] {
+        return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
+    };
+    NMLISTVIEW click = {};
+    click.hdr = {list, IDC_TABLE_ROWS, LVN_COLUMNCLICK};
+    for (const auto& [column, sorted] :
+         {std::pair(1, L"9 %, 10 %, 100 %"), {0, L"10 %, 9 %, 100 %"}, {0, L"100 %, 9 %, 10 %"}}) {
+        click.iSubItem = column;
+        SendMessageW(dialog, WM_NOTIFY, IDC_TABLE_ROWS, reinterpret_cast<LPARAM>(&click));
+        EXPECT_EQ(sorted, order());
+    }
+    table.Show(L"4 rows", {{L"", L"8 %"}, {L"", L"7 %"}, {L"", L"6 %"}, {L"", L"5 %"}});
+    EXPECT_EQ(L"5 %, 6 %, 7 %", order());
+    EXPECT_EQ(L"4 rows", TextOf(GetDlgItem(dialog, IDC_TABLE_NOTE)));
+}
+
     OpenWith({{"10.77.1.8", "x"}, {"10.77.1.9", "y"}});
     EXPECT_TRUE(window_->scans.SaveTo(path_));
     Command(IDC_FIND);
