@@ -40,7 +40,8 @@ std::optional<LevelBar> FactsModel::Bar(size_t row, size_t column) const {
 }
 
 bool FactsModel::IsBold(size_t row) const {
-    const bool isResult = row == 0 && !rows_[row].label.empty();
+    const std::string& label = rows_[row].label;
+    const bool isResult = !label.empty() && label == rows_.front().label;
     return isResult || rows_[row].severity == Severity::kCritical;
 }
 

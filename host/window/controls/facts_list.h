@@ -14,7 +14,7 @@
 
 namespace vndiscover::host {
 
-// Bold are the result, which is the first row, and what is critical.
+// Bold are the result, which is the first row, others with its label, and what is critical.
 class FactsModel : protected virtual ListModel {
   protected:
     size_t Count() const override { return rows_.size(); }

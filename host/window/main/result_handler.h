@@ -40,7 +40,9 @@ class ResultHandler : public Results {
     }
     void OnRead(Read read) override {
         if (!read.isForList) state_.progress.EndAsking();
-        if (read.target.kind == SweepKind::kSnmpV3 && read.answers.lastStatus == Status::kRefused)
+        const Status status = read.answers.lastStatus;
+        const bool isRefusal = status == Status::kRefused || status == Status::kOnlyDiscovered;
+        if (read.target.kind == SweepKind::kSnmpV3 && isRefusal)
             state_.progress.SetNote(Text(
                 IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)}));
         state_.session.AddReading(std::move(read));

@@ -38,6 +38,9 @@ void DoctorWindow::Stop(HWND owner) {
 void DoctorWindow::Show(HWND owner) {
     Report report;
     if (!address_.empty()) report = ReportOf(diagnosis_, isOnOwnNetwork_);
+    // The verdict tells of the engine.
+    if (diagnosis_ && !diagnosis_->hasUser && diagnosis_->discovery.outcome == Outcome::kAnswered)
+        report.front().rows.back().text = ToUtf8(Text(IDS_NO_USER_ASKED));
     for (ReportSection& section : ReportOf(*report_)) report.push_back(std::move(section));
     std::vector<ReportRow> rows = RowsOf(report);
     if (std::exchange(hasOpened_, true)) return page_.Show(std::move(rows));

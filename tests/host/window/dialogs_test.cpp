@@ -305,6 +305,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
         PressUntilGone(dialog, IDOK);
     });
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
+    engine_.refusal = Status::kOnlyDiscovered;  // a wrong privacy password
     engine_.Say("fe80::1", "x");
     ASSERT_EQ(0, engine_.reads);
     Command(IDC_FIND);
@@ -313,6 +314,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == told; }))
         << ToUtf8(TextOf(Control(IDC_STATUS)));
     EXPECT_EQ(1, engine_.reads--);
+    engine_.refusal = Status::kRefused;
     Select(0);
     ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     Command(IDM_NEXT_PAGE);
@@ -464,7 +466,7 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
         Command(IDM_DIAGNOSE);
         HWND page = nullptr;
         ASSERT_TRUE(Until([&] { return (page = PopupOf(window_->Handle())) != nullptr; }));
-        EXPECT_EQ(L"Why does 10.77.1.9 not answer?", TextOf(page));
+        EXPECT_EQ(L"Does 10.77.1.9 answer?", TextOf(page));
         EXPECT_EQ(L"the device is being asked;" + computer, PageTexts(page));
         engine_.isReleased = way == kWhole;
         if (way != kWhole) Command(IDCANCEL);
@@ -484,6 +486,14 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
         SendMessageW(page, WM_COMMAND, IDCANCEL, 0);
     }
     engine_.isHeld = false;
+    // Without a user, the engine alone is asked.
+    engine_.hasEngine = engine_.isReleased = true;
+    Command(IDM_DIAGNOSE);
+    const std::wstring none = L";answered;" + Text(IDS_NO_USER_ASKED) + L";";
+    EXPECT_TRUE(Until([&] {
+        const HWND page = PopupOf(window_->Handle());
+        return page && PageTexts(page).find(none) != std::wstring::npos;
+    }));
 }
 
 }  // namespace

@@ -129,7 +129,8 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     engine_.isHeld = true;
     engine_.Say("10.77.1.1", "x");
     engine_.Say("10.77.1.2", "y");
-    ASSERT_TRUE(Shows(L"10.77.1.1;10.77.1.2;"));
+    engine_.Say("10.77.1.3", "silent");
+    ASSERT_TRUE(Shows(L"10.77.1.1;10.77.1.2;10.77.1.3;"));
     EXPECT_EQ(L"never read", Cell(0, 3));
     engine_.End();
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == L"Reading 0 of 3"; }));

@@ -79,7 +79,7 @@ class ScriptedEngine : public Engine {
         Fail();
         PrinterAnswers answers;
         if (target.kind == SweepKind::kSnmpV3) {
-            answers.lastStatus = Status::kRefused;
+            answers.lastStatus = refusal;
             answers.lastProblem = "refused: wrong user";
             return answers;
         }
@@ -132,7 +132,8 @@ class ScriptedEngine : public Engine {
             Sleep(5);
             diagnosis.isStopped = !mayGoOn();
         }
-        diagnosis.v1.outcome = diagnosis.discovery.outcome = Outcome::kSilent;
+        diagnosis.v1.outcome = Outcome::kSilent;
+        diagnosis.discovery.outcome = hasEngine ? Outcome::kAnswered : Outcome::kSilent;
         return diagnosis;
     }
     AdapterList IPv4() override {
