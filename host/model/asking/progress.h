@@ -23,6 +23,7 @@ class Progress {
     void ForgetSearch() { last_ = Kind::kReady; }
     bool IsSearching() const { return isSearching_; }
     bool IsStopping() const { return isStopping_; }
+    bool IsWalking() const { return !walked_.empty(); }
     bool HasSearched() const { return last_ != Kind::kReady; }
     bool WasStopped() const { return last_ == Kind::kStopped; }
     size_t Answers() const { return answers_; }  // to the last search

@@ -59,7 +59,7 @@ unsigned NoParts(const Window& w) {
     if (const unsigned noTarget = NoOneTarget(w)) return noTarget;
     return Unless(w.state.session.CanSplit(*w.state.session.view.SelectedRow()), IDS_NO_PARTS);
 }
-unsigned IsBusy(const Window& w) { return Unless(!w.state.IsBusy(), IDS_AWAITS_ANSWERS); }
+unsigned IsBusy(const Window& w) { return w.state.Obstacle(); }
 unsigned IsIdle(const Window& w) { return Unless(w.state.IsBusy(), IDS_IDLE); }
 
 void Escape(Window& w) {

@@ -158,9 +158,9 @@ bool ScanCommands::SaveJsonTo(const std::string& path) {
 
 bool ScanCommands::MayReplace(unsigned question) {
     state_.handleResults();  // those that have not been handled yet
-    const bool isFilled = state_.IsBusy();
-    if (isFilled) ShowProblem(state_.window, Text(IDS_AWAITS_ANSWERS), false);
-    return !isFilled && MayDrop();
+    const unsigned obstacle = state_.Obstacle();
+    if (obstacle != 0) ShowProblem(state_.window, Text(obstacle), false);
+    return obstacle == 0 && MayDrop(question);
 }
 
 bool ScanCommands::MayDrop(unsigned question) {

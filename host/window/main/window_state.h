@@ -55,6 +55,8 @@ struct WindowState {
     bool ReportProblem(const std::wstring& text);
     // Whether anything is searched, read or walked.
     bool IsBusy() const { return progress.IsSearching() || (workers && workers->IsSending()); }
+    // The string that says what runs, and how to stop it; 0: nothing does.
+    unsigned Obstacle() const;
     // While something is in progress, the status changes by itself.
     void StartStatusTimer() const;
     // How to ask the selected device, with the credentials. Empty if none is selected, or if it

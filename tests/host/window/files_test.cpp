@@ -176,7 +176,7 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     for (int wait = 0; wait < 1000 && engine_.reads == 0; ++wait) Sleep(10);
     ListView_SetItemState(Control(IDC_DEVICES), 0, 0, LVIS_SELECTED);
     Select(0);  // asks no second time
-    EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_ANSWERS)), Answer({IDOK}, clear));
+    EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_DEVICE)), Answer({IDOK}, clear));
     engine_.isHeld = false;
     ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
     EXPECT_EQ(1, engine_.reads);
