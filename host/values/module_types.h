@@ -26,6 +26,7 @@ enum ValueType : uint32_t {
 constexpr size_t kJsonRequestSize = 2048;  // VN_JSON_REQUEST_SIZE: a request has fewer bytes
 constexpr size_t kRequestOidMax = 124;     // VN_REQUEST_OID_MAX: content octets of an OID
 constexpr size_t kRequestMax = 103;        // bytes of community, OID and value over SNMPv1
+constexpr size_t kLongestCommunity = 80;   // leaves room for the longest OID that is asked for
 constexpr size_t kAddressSize = 48;        // VN_ADDRESS_SIZE, including the terminating zero
 constexpr size_t kValueSize = 4096;        // VN_VALUE_SIZE: the longest value of a result message
 constexpr char kDefaultDiscoveryOid[] = ".1.3.6.1.4.1.5963.43.5.1.1.1.1";  // VN_DEFAULT_...

@@ -74,6 +74,14 @@ void ChangeTexts(HWND dialog) {
         if (GetWindowTextW(child, text, 80) != 0) SetWindowTextW(child, textChange(text).c_str());
     }
 }
+std::wstring EditText(const std::string& text) {
+    std::wstring lines;
+    for (const wchar_t letter : ToWide(text)) {
+        if (letter != L'\r') lines += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
+    }
+    return lines;
+}
+
 
 std::wstring LocalTime(const std::string& utc) {
     SYSTEMTIME local = {};

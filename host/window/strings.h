@@ -19,6 +19,9 @@ std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);
 // With the separators of the user's settings: "12,345".
 std::wstring Grouped(uint64_t count);
 
+// With the line breaks of an edit control.
+std::wstring EditText(const std::string& text);
+
 // Changes every text, to test longer languages. Null: no change.
 using TextChange = std::wstring (*)(std::wstring text);
 void SetTextChange(TextChange change);

@@ -1,6 +1,5 @@
 #include "window/dialogs/add_dialog.h"
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -45,18 +44,17 @@ class AddDialog {
         const auto text = ReadFileText(path, kMaxFileSize, problem);
         if (!text)
             return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem), ToWide(path)}), false);
-        std::wstring lines;  // an edit control breaks lines only at both characters
-        for (const wchar_t letter : ToWide(*text)) {
-            if (letter != L'\r') lines += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
-        }
-        SetDlgItemTextW(dialog_, IDC_ADD_HOSTS, lines.c_str());
+        SetDlgItemTextW(dialog_, IDC_ADD_HOSTS, EditText(*text).c_str());
     }
 
     void Finish() {
         const std::wstring text = WindowText(GetDlgItem(dialog_, IDC_ADD_HOSTS));
         hosts = SplitText(ToUtf8(text), ",; \t\r\n");
-        hosts.resize(std::min(hosts.size(), kMaxHosts));
-        EndDialog(dialog_, TRUE);
+        if (hosts.size() <= kMaxHosts) return void(EndDialog(dialog_, TRUE));
+        const std::wstring count = Grouped(hosts.size());
+        ShowProblem(dialog_, Text(IDS_TOO_MANY_HOSTS, {Grouped(kMaxHosts), count}), false);
+        hosts.clear();
+        SetFocus(GetDlgItem(dialog_, IDC_ADD_HOSTS));
     }
 
     HWND dialog_ = nullptr;

@@ -12,6 +12,7 @@
 
 #include "platform/messages.h"
 #include "platform/wide_text.h"
+#include "values/module_types.h"
 #include "values/text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
@@ -299,7 +300,7 @@ std::optional<std::vector<std::string>> ParseCommunities(const std::string& text
         one.erase(0, one.find_first_not_of(' '));
         one.erase(one.find_last_not_of(' ') + 1);
         if (one.empty()) continue;
-        if (ToAnsi(one).size() > VN_COMMUNITY_MAX) return std::nullopt;
+        if (ToAnsi(one).size() > kLongestCommunity) return std::nullopt;
         if (one == VN_DEFAULT_COMMUNITY) one.clear();
         if (std::find(communities.begin(), communities.end(), one) == communities.end())
             communities.push_back(std::move(one));
@@ -323,12 +324,12 @@ bool UseProfile(const std::wstring& name, Credentials& credentials) {
 }
 
 std::wstring UseKept(const std::wstring& profile, Credentials& credentials) {
-    const auto communities = KeptCommunities();
-    if (const auto kept = ParseCommunities(ToUtf8(communities.value_or(L""))))
-        credentials.communities = *kept;
+    const auto text = KeptCommunities();
+    const auto kept = ParseCommunities(ToUtf8(text.value_or(L"")));
+    if (kept) credentials.communities = *kept;
     const bool isOpen = UseProfile(profile.empty() ? LastProfile() : profile, credentials);
     if (!isOpen && !profile.empty()) return Text(IDS_NO_PROFILE, {profile});
-    return communities ? L"" : Text(IDS_COMMUNITIES_CLOSED);
+    return text && kept ? L"" : Text(IDS_COMMUNITIES_CLOSED);
 }
 
 }  // namespace vndiscover::host

@@ -18,7 +18,7 @@ namespace vndiscover::host {
 bool AskCredentials(HWND owner, Credentials& credentials, const std::wstring& reason);
 
 // Those between commas, each once; none: the module's and "public". Nothing if one is too long for
-// the module.
+// a request.
 std::optional<std::vector<std::string>> ParseCommunities(const std::string& text);
 
 // Uses the user of a profile. Returns false if it does not exist or cannot be opened.

@@ -86,8 +86,8 @@ class ResultHandler : public Results {
         state_.progress.ClearNote();
         devices_.doctor.ShowReport(report, state_.window);
     }
-    void OnReportFailed(const std::string& problem) override {
-        if (state_.workers) state_.ReportProblem(Text(IDS_REPORT_FAILED, {ToWide(problem)}));
+    void OnJobFailed(const std::string& problem) override {
+        if (state_.workers) state_.ReportProblem(Text(IDS_JOB_FAILED, {ToWide(problem)}));
     }
     void OnCall(Call call) override { calls_.Add(std::move(call)); }
 

@@ -14,14 +14,6 @@ namespace {
 constexpr size_t kMaxCalls = 1000;
 enum { kTime, kExport, kDuration, kResult };
 
-// With the line breaks of an edit control.
-std::wstring Lines(const std::string& text) {
-    std::string lines;
-    for (const char letter : text)
-        lines += letter == '\n' ? std::string("\r\n") : std::string(1, letter);
-    return ToWide(lines);
-}
-
 }  // namespace
 
 std::wstring CallsWindow::CellText(size_t row, size_t column) const {
@@ -100,7 +92,7 @@ void CallsWindow::OnSelected() {
             IsDlgButtonChecked(dialog_, IDC_CALL_COMMAND)  ? CallLanguage::kCommand
             : IsDlgButtonChecked(dialog_, IDC_CALL_CSHARP) ? CallLanguage::kCSharp
                                                            : CallLanguage::kCpp;
-        text = Lines(CallText(calls_[row], language));
+        text = EditText(CallText(calls_[row], language));
         if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);
     }
     SetItem(IDC_CALL_TEXT, text);

@@ -59,7 +59,7 @@ class Results {
 
     virtual void OnAdapters(const AdapterList&) {}
     virtual void OnReport(const ComputerReport&) {}
-    virtual void OnReportFailed(const std::string& /*problem*/) {}
+    virtual void OnJobFailed(const std::string& /*problem*/) {}  // of one that sends nothing
     virtual void OnCall(Call) {}
 };
 // NOLINTEND(performance-unnecessary-value-param)

@@ -323,7 +323,7 @@ void Workers::ReadAdapters() {
 void Workers::MakeReport() {
     AddUrgent(
         "report", [this] { Report(&Results::OnReport, engine_.Report()); },
-        [this](const std::string& problem) { Report(&Results::OnReportFailed, problem); });
+        [this](const std::string& problem) { Report(&Results::OnJobFailed, problem); });
 }
 
 void Workers::Resolve(const std::vector<std::string>& hosts) {
@@ -340,9 +340,8 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
         }
         Report(&Results::OnResolved, addresses, unknown);
     };
-    AddUrgent("", run, [this](const std::string& problem) {
-        Report(&Results::OnResolved, Results::Addresses(), problem);
-    });
+    AddUrgent("", run,
+              [this](const std::string& problem) { Report(&Results::OnJobFailed, problem); });
 }
 
 // To an idle worker, or otherwise the directed one.

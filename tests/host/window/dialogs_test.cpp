@@ -183,7 +183,7 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
             GetGUIThreadInfo(GetWindowThreadProcessId(dialog, nullptr), &thread);
             EXPECT_EQ(GetDlgItem(dialog, id), thread.hwndFocus) << id;
         };
-        Type(dialog, IDC_COMMUNITY, std::wstring(256, L'x').c_str());
+        Type(dialog, IDC_COMMUNITY, std::wstring(81, L'x').c_str());
         expectMistake(IDC_COMMUNITY, IDS_SNMP_BAD_COMMUNITY);
         Type(dialog, IDC_COMMUNITY, L"");
         EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDC_PRIV)));
