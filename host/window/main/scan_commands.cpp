@@ -73,6 +73,12 @@ void ScanCommands::SetFile(const std::wstring& file) {
     ChangeText(state_.window, file.empty() ? title : file + L" - " + title);
 }
 
+void ScanCommands::AddToFile() {
+    state_.session.AdoptAdded();
+    SetFile(Text(IDS_SCAN_AND_MORE, {state_.file}));
+    state_.file.clear();
+}
+
 bool ScanCommands::HasScan() const {
     return state_.progress.HasSearched() || !state_.session.GetScan().answers.empty();
 }
@@ -195,6 +201,7 @@ void ScanCommands::OfferSaved() {
         if (answer != IDYES) continue;
         state_.session.SetScan(std::move(*scan));
         state_.session.SetSaved(false);
+        state_.session.AdoptAdded();
         return state_.showRows();
     }
     kept_.Reset();

@@ -28,6 +28,8 @@ class ScanCommands {
     void Empty();  // without a question
     // What the title says the list is of; empty: it is of no file.
     void SetFile(const std::wstring& file);
+    // What is found from now on is added to the file's devices, which the title still names.
+    void AddToFile();
     // Whether there is something to save or to clear.
     bool HasScan() const;
 

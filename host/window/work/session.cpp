@@ -67,14 +67,10 @@ void Session::AddReading(Results::Read read) {
     const SweepKind kind = read.target.kind;
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
-    scan_.sweeps.push_back({kind,
-                            AnswerForm::kVariable,
-                            false,
-                            {},
-                            read.time,
-                            0,
-                            !read.isForList && isWhole,
-                            LoginOf(kind, read.target.credentials.community)});
+    const bool isComplete = !read.isForList && isWhole;
+    const size_t login = LoginOf(kind, read.target.credentials.community);
+    scan_.sweeps.push_back(
+        {kind, AnswerForm::kVariable, false, {}, read.time, 0, isComplete, login});
     for (auto& [oid, variable] : read.answers.values) {
         answer.answer = std::move(variable);
         scan_.answers.push_back(answer);
@@ -167,6 +163,12 @@ void Session::AddByHand(const std::vector<std::pair<std::string, std::string>>& 
     isChanged_ = isUnsaved_ = true;
 }
 
+void Session::AdoptAdded() {
+    for (const ScanAnswer& answer : scan_.answers) {
+        if (scan_.sweeps[answer.sweep].form == AnswerForm::kAdded) added_.insert(answer.address);
+    }
+}
+
 const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
     return FindIf(devices_, [&](const auto& device) { return device.answers == row.answers; });
 }
@@ -185,10 +187,6 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
         line.problem = StateText(row.standing, {});
     if (!row.standing.Holds()) line.summary = {};
     return line;
-}
-
-std::optional<AskTarget> Session::TargetOf(const DeviceRow& row) const {
-    return TargetOf(row.answers);
 }
 
 std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) const {
@@ -217,13 +215,15 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
 
 std::vector<AskTarget> Session::TargetsToRead() const {
     std::vector<AskTarget> targets;
-    const LastSearch search(scan_, isSearching_);
-    for (const FoundDevice& device : devices_) {
-        const auto target = TargetOf(device.answers);
-        const bool isAdded = AnyOf(device.answers, [&](size_t index) {
+    for (const DeviceRow& row : view.AllRows()) {
+        const auto target = TargetOf(row);
+        const bool isAdded = AnyOf(row.answers, [&](size_t index) {
             return added_.count(scan_.answers[index].address) != 0;
         });
-        const bool hasAnswered = target->isLoginKnown && !search.HasMissed(scan_, device);
+        // A computer that has only replied to a Probe is not asked.
+        const bool hasAnswered = (target->isLoginKnown || !row.isNoPrinter) &&
+                                 HasAnsweredHere(row.answers, target->address) &&
+                                 row.standing.kind != Standing::Kind::kMissed;
         if (isAdded || hasAnswered) targets.push_back(*target);
     }
     return targets;

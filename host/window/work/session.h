@@ -49,12 +49,15 @@ class Session {
     void AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
                    const std::string& time);
 
+    // Those that the scan has were added by its user, who wants them read.
+    void AdoptAdded();
+
     // Null if it is no device's row.
     const FoundDevice* DeviceOf(const DeviceRow& row) const;
     // For a list of printers. One that could not be read whole has a problem.
     PrinterLine LineOf(const DeviceRow& row) const;
     // How to ask a device: address, protocol, and community if known. Empty if it cannot be asked.
-    std::optional<AskTarget> TargetOf(const DeviceRow& row) const;
+    std::optional<AskTarget> TargetOf(const DeviceRow& row) const { return TargetOf(row.answers); }
     // How to read those for the list that have answered the last search, or were added by hand.
     std::vector<AskTarget> TargetsToRead() const;
     // If the last search was by SNMPv3 too, and nobody answered that: a device that has answered
