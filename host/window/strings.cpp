@@ -26,6 +26,15 @@ bool ToLocal(const std::string& utc, SYSTEMTIME& local) {
     return SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != 0;
 }
 
+// Null: as the user's settings say. Empty on failure.
+std::wstring Formatted(const SYSTEMTIME& time, const wchar_t* dateFormat,
+                       const wchar_t* clockFormat) {
+    wchar_t date[80] = L"", clock[80] = L"";
+    const bool isDone = GetDateFormatW(LOCALE_USER_DEFAULT, 0, &time, dateFormat, date, 80) != 0 &&
+                        GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &time, clockFormat, clock, 80) != 0;
+    return isDone ? std::wstring(date) + L" " + clock : L"";
+}
+
 }  // namespace
 
 std::wstring Text(unsigned id) {
@@ -65,6 +74,14 @@ std::wstring Grouped(uint64_t count) {
     return text;
 }
 
+std::wstring EditText(const std::string& text) {
+    std::wstring lines;
+    for (const wchar_t letter : ToWide(text)) {
+        if (letter != L'\r') lines += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
+    }
+    return lines;
+}
+
 void SetTextChange(TextChange change) { textChange = change; }
 
 void ChangeTexts(HWND dialog) {
@@ -74,35 +91,18 @@ void ChangeTexts(HWND dialog) {
         if (GetWindowTextW(child, text, 80) != 0) SetWindowTextW(child, textChange(text).c_str());
     }
 }
-std::wstring EditText(const std::string& text) {
-    std::wstring lines;
-    for (const wchar_t letter : ToWide(text)) {
-        if (letter != L'\r') lines += letter == L'\n' ? L"\r\n" : std::wstring(1, letter);
-    }
-    return lines;
-}
-
 
 std::wstring LocalTime(const std::string& utc) {
     SYSTEMTIME local = {};
-    wchar_t date[80] = L"", clock[80] = L"";
-    if (!ToLocal(utc, local) ||
-        !GetDateFormatW(LOCALE_USER_DEFAULT, DATE_SHORTDATE, &local, nullptr, date, 80) ||
-        !GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &local, nullptr, clock, 80))
-        return ToWide(utc);
-    return std::wstring(date) + L" " + clock;
+    const std::wstring text = ToLocal(utc, local) ? Formatted(local, nullptr, nullptr) : L"";
+    return text.empty() ? ToWide(utc) : text;
 }
 
 std::wstring LongTime(const std::string& utc) {
     SYSTEMTIME local = {}, now = {};
     GetLocalTime(&now);
-    wchar_t date[80] = L"", clock[80] = L"";
     if (!ToLocal(utc, local)) return L"";
-    const wchar_t* const format = local.wYear == now.wYear ? L"d MMMM" : L"d MMMM yyyy";
-    if (!GetDateFormatW(LOCALE_USER_DEFAULT, 0, &local, format, date, 80) ||
-        !GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &local, L"HH:mm", clock, 80))
-        return L"";
-    return std::wstring(date) + L" " + clock;
+    return Formatted(local, local.wYear == now.wYear ? L"d MMMM" : L"d MMMM yyyy", L"HH:mm");
 }
 
 }  // namespace vndiscover::host

@@ -79,8 +79,8 @@ class Progress {
         // Of the request that has waited longest for its answer; empty if it came within kWaitMs.
         std::string address;
         int64_t waitSeconds = 0;
-    };
         size_t unread = 0;
+    };
     struct Work {
         size_t waiting = 0;   // devices that are still to be asked
         Read read;            // of all devices; none in total: they are not being read

@@ -62,7 +62,7 @@ Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap
         const std::string text =
             "by its " + std::string(KeyName(merge.key)) + " " + PlainText(merge.value);
         // Several answers are often merged by the same key.
-        if (section.rows.empty() || section.rows.back().text != text)
+        if (!AnyOf(section.rows, [&](const ReportRow& row) { return row.text == text; }))
             section.Add("One device", text);
     }
     report.push_back(std::move(section));

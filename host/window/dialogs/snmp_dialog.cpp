@@ -189,7 +189,7 @@ class SnmpDialog {
         if (!IsSaved(name) || ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}),
                                           MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES)
             return;
-        if (!DeleteProfile(name)) return void(ShowMessage(Text(IDS_PROFILE_NOT_WRITTEN)));
+        if (!DeleteProfile(name)) return void(ShowMessage(Text(IDS_PROFILE_NOT_DELETED)));
         isClosed_ = false;
         known_.reset();
         loaded_.clear();

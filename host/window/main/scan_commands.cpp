@@ -88,10 +88,10 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
     const std::wstring time = LongTime(TimeOf(*scan));
+    Empty();
     state_.session.SetScan(std::move(*scan));
     const std::wstring name = ToWide(FileName(path));
     SetFile(time.empty() ? name : Text(IDS_SCAN_OF, {name, time}));
-    Empty();
     state_.showRows();
     return true;
 }

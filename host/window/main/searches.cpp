@@ -48,8 +48,8 @@ void Searches::Start() {
     if (steps.empty()) return state_.progress.SetNote(Text(IDS_NOTHING_CHOSEN));
     if (!MayStart()) return;
     isForStart_ = state_.options.sweep;
-    state_.workers->ReadAdapters();  // again, since the user may have plugged one in
     wasSent_ = false;
+    state_.workers->ReadAdapters();  // again, since the user may have plugged one in
     state_.session.BeginSearch();
     state_.progress.BeginSearch(steps.size());
     state_.showRows();  // the order of the rows may be another one
@@ -74,13 +74,13 @@ void Searches::Finish() {
     isOver_ = false;
     state_.session.EndSearch();
     const bool isScript = isForStart_ && state_.options.exit;
-    // A script's problem is told when it ends.
     const bool isUnsent = !wasSent_ && !state_.progress.WasStopped();
-    if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
+    // A script's problem is told when it ends.
     if (isUnsent && isScript) problem_ = Text(IDS_NOTHING_SENT);
-    state_.showRows();
+    if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
     // Without a message, for which a list that is watched would wait.
     if (isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
+    state_.showRows();
     // While the window closes, there are no workers; a message may still be open.
     if (state_.progress.IsStopping() || !state_.workers) return EndReading();
     if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)

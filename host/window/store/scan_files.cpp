@@ -66,7 +66,7 @@ bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note) {
     std::string reason;
     const auto text = WriteScan(scan, reason);
     if (text) return SaveText(*text, path, note);
-    note = Text(IDS_NOT_SAVED, {ToWide("cannot hold it: " + reason), ToWide(path)});
+    note = Text(IDS_TOO_LARGE, {ToWide(reason), ToWide(path)});
     return false;
 }
 

@@ -34,7 +34,7 @@ class Stopwatch {
 
 }  // namespace
 
-void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
+bool ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     const bool isWsd = step.kind == SweepKind::kWsd;
     // Created on the sweeping thread, so that the module calls it directly.
     size_t answers = 0;
@@ -43,7 +43,7 @@ void ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
         // A reply that fills its buffer has no terminating zero.
         onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
     });
-    if (step.kind == SweepKind::kSnmpV3 && !step.credentials.security) return;
+    if (step.kind == SweepKind::kSnmpV3 && !step.credentials.security) return false;
     const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
     const Stopwatch watch;
     if (isWsd) {
@@ -87,7 +87,7 @@ PrinterAnswers ModuleEngine::Read(AskTarget& target, std::function<bool()> mayGo
     PrinterAnswers answers;
     for (std::vector<std::string> others = std::exchange(target.otherCommunities, {});;) {
         const Device device = DeviceOf(target);
-        const Asker asker = AskerFor(device, target, mayGoOn, 0);
+        const Asker asker = Reported(AskerOf(device), target, mayGoOn, 0);
         answers = ReadInterfaces(asker, ReadPrinter(asker));
         const bool isSilent = answers.values.empty() && answers.lastStatus == Status::kNoAnswer;
         if (!isSilent || others.empty()) return answers;
@@ -115,7 +115,8 @@ std::unique_ptr<Reader> ModuleEngine::MakeReader(const std::vector<Login>& login
 WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                            const OnVariable& onVariable) {
     const Device device = DeviceOf(target);
-    return WalkSubtree(AskerFor(device, target, std::move(mayGoOn), ++walks_), root, onVariable);
+    return WalkSubtree(Reported(AskerOf(device), target, std::move(mayGoOn), ++walks_), root,
+                       onVariable);
 }
 
 HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) {
@@ -134,8 +135,8 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
         ReportCall(std::move(call));
         return hasAnswered;
     };
-    steps.v1 = AskerFor(v1Device, v1, nullptr, 0);
-    steps.v3 = AskerFor(v3Device, v3, nullptr, 0);
+    steps.v1 = Reported(AskerOf(v1Device), v1, nullptr, 0);
+    steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
     steps.hasUser = target.credentials.security != nullptr;
     steps.address = target.address;
     steps.hasRoute = IsOnOwnNetwork(ThisComputer().IPv4(), target.address) == true;

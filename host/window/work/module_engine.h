@@ -25,10 +25,6 @@ class ModuleEngine : public Engine {
     // The target, and what `asker` uses, must outlive the returned one, which reports each call.
     Asker Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
                    unsigned walk) const;
-    Asker AskerFor(const Device& device, const AskTarget& target, std::function<bool()> mayGoOn,
-                   unsigned walk) const {
-        return Reported(AskerOf(device), target, std::move(mayGoOn), walk);
-    }
 
     unsigned walks_ = 0;
     const OwnedHandle job_ = EndingJob();  // of the readers

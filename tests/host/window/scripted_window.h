@@ -209,13 +209,13 @@ inline void PressUntilGone(HWND dialog, int button) {
     }
 }
 
-// The text on the clipboard, which is then empty.
 // Of a message, or of a dialog with buttons of its own.
 inline std::wstring QuestionOf(HWND box) {
     const HWND text = GetDlgItem(box, 0xFFFF);
     return TextOf(text ? text : FindWindowExW(box, nullptr, L"Static", nullptr));
 }
 
+// The text on the clipboard, which is then empty.
 inline std::wstring Copied() {
     std::wstring text;
     if (!OpenClipboard(nullptr)) return text;

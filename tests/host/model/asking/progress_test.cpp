@@ -76,7 +76,7 @@ TEST_F(ProgressTest, AskingIsShownBeforeAWalk) {
 
 TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
     progress.BeginReadingAll();
-    Progress::Work work = {0, 29, 403, "10.80.9.12", Progress::kWaitMs - 1};
+    Progress::Work work = {0, {29, 0, 403}, "10.80.9.12", Progress::kWaitMs - 1};
     EXPECT_EQ((Expected{Kind::kReadingAll, {0, 29, 403}}), Shown(work));
     EXPECT_EQ("", progress.Now(work).address);
     work.waitMs = 9000;
