@@ -163,8 +163,8 @@ class Documents(unittest.TestCase):
         named = re.findall(r"\*\*(\w+) > ([^*]+)\*\*", page)
         self.assertGreater(len(named), 10)
         self.assertEqual([], [words for words in named if not set(words) <= texts_of])
-        main = texts("host/window/main/main.cpp")
-        self.assertIn(re.search(r"^VnBrowser.exe \[.*$", page, re.M)[0], main)
+        usage = re.search(r"^VnBrowser.exe \[.*$", page, re.M)[0]
+        self.assertIn(usage + "\\n", texts("host/window/texts.inc"))
 
     def test_figures_are_the_code_s(self):
         for document, said, file, defined in FIGURES:

@@ -350,8 +350,7 @@ void MainWindow::OnClose() {
     scans.ForgetKept();
     EndWorkers();
     EndEarly();
-    // Asks for another file if that one cannot be written.
-    if (willSave) scans.MayDrop(IDS_ASK_SAVE);
+    if (willSave) scans.MayDrop(IDS_ASK_SAVE);  // asks for another file if that failed
 }
 
 }  // namespace vndiscover::host

@@ -42,8 +42,7 @@ class ScanCommands {
     bool SaveJsonTo(const std::string& path);  // the same rows, as `vndiscover printers` does
     TableWindow comparison{[this](const std::string& csv) { SaveTable(csv); }};
 
-    // Returns false if the scan must stay, because the user wants to keep it unsaved. `question`:
-    // names what drops it.
+    // Returns false if the user wants the scan to stay. `question`: names what would drop it.
     bool MayDrop(unsigned question);
 
     // For the end of the user's session: an unsaved scan is kept in a file of the user's, without

@@ -48,7 +48,6 @@ class Session {
     // Adds numeric addresses, each as what the user has typed.
     void AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
                    const std::string& time);
-
     // Those that the scan has were added by its user, who wants them read.
     void AdoptAdded();
 

@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "device/fleet_readers.h"
-#include "model/asking/progress.h"
 #include "window/work/results.h"
 
 namespace vndiscover::host {
