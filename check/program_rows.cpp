@@ -102,7 +102,7 @@ void ConsoleRows(Report& report) {
     DWORD written = 0;
     WriteFile(console, "\xC3\xA9x", 3, &written, nullptr);
     SetConsoleOutputCP(former);
-    // The line ends in the first column, where the two characters have not left the cursor.
+    // The two characters moved the cursor off the first column; the line ends there again.
     Run(L"VnBrowser.exe", L"--none --exit", How::kNoHandles);
     CONSOLE_SCREEN_BUFFER_INFO info = {};
     info.dwCursorPosition.X = 1;

@@ -4,9 +4,9 @@
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
 #include "model/printer/report.h"
+#include "model/scan/device_merge.h"
 #include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
-#include "model/scan/standing.h"
 #include "platform/console.h"
 
 namespace vndiscover::host {
@@ -35,9 +35,9 @@ struct CompareOptions {
 };
 
 int RunCompare(const CompareOptions& options) {
-    std::vector<FoundDevice> before = PresentDevices(LoadScan(options.before, "OLD"));
+    std::vector<FoundDevice> before = MakeDevices(LoadScan(options.before, "OLD"));
     Comparison comparison =
-        CompareDevices(std::move(before), PresentDevices(LoadScan(options.after, "NEW")));
+        CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
     comparison.beforeName = options.before;
     comparison.afterName = options.after;
     Print(options.format == Format::kJson ? ComparisonJson(comparison)

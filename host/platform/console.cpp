@@ -90,8 +90,8 @@ BOOL WINAPI OnControl(DWORD event) {
     }
     if (!canStop && (stop || g_completionGuards > 0)) {
         // The console is closed, or the user logs off: the system ends the process after about 5 s,
-        // or as soon as this returns. Until then what is known can be saved, but not once a request
-        // has ended that is running now: it may take 10 s.
+        // or as soon as this returns. A request that is running may take 10 s, so what is known is
+        // saved without it.
         constexpr DWORD kMayEndMs = 1000;
         g_isClosing = true;
         if (stop) stop();

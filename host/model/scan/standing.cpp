@@ -86,8 +86,8 @@ bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
     return wasAsked;
 }
 
-std::vector<FoundDevice> PresentDevices(const Scan& scan, bool isSearching) {
-    const LastSearch search(scan, isSearching);
+std::vector<FoundDevice> PresentDevices(const Scan& scan) {
+    const LastSearch search(scan, false);
     std::vector<FoundDevice> devices = MakeDevices(scan);
     devices.erase(std::remove_if(devices.begin(), devices.end(),
                                  [&](const auto& one) { return search.HasMissed(scan, one); }),

@@ -11,8 +11,8 @@
 
 namespace vndiscover::host {
 
-// The scan's devices without those that its last search missed. `isSearching`: see LastSearch.
-std::vector<FoundDevice> PresentDevices(const Scan& scan, bool isSearching = false);
+// The scan's devices without those that its last search missed.
+std::vector<FoundDevice> PresentDevices(const Scan& scan);
 
 struct Standing {
     enum class Kind {

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "platform/console.h"
@@ -258,7 +259,8 @@ int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsig
     dialog.cButtons = 3;
     dialog.pButtons = buttons;
     int answer = IDCANCEL;
-    TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
+    const HRESULT shown = TaskDialogIndirect(&dialog, &answer, nullptr, nullptr);
+    if (FAILED(shown)) throw std::runtime_error(ErrorText(static_cast<DWORD>(shown)));
     return answer;
 }
 

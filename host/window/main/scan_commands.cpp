@@ -100,9 +100,7 @@ bool ScanCommands::CompareWith(const std::string& path) {
     std::wstring problem;
     const auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
-    Comparison changes =
-        CompareDevices(PresentDevices(*scan),
-                       PresentDevices(state_.session.GetScan(), state_.progress.IsSearching()));
+    Comparison changes = CompareDevices(PresentDevices(*scan), state_.session.PresentDevices());
     changes.beforeName = FileName(path);
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<TableWindow::Row> rows;

@@ -74,14 +74,14 @@ void Searches::Finish() {
     isOver_ = false;
     state_.session.EndSearch();
     const bool isScript = isForStart_ && state_.options.exit;
-    const bool isUnsent = !wasSent_ && !state_.progress.WasStopped();
+    // While the window closes, there are no workers; a message may still be open.
+    isUnsent_ = !wasSent_ && !state_.progress.WasStopped() && state_.workers;
     // A script's problem is told when it ends.
-    if (isUnsent && isScript) problem_ = Text(IDS_NOTHING_SENT);
+    if (isUnsent_ && isScript) problem_ = Text(IDS_NOTHING_SENT);
     if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
     // Without a message, for which a list that is watched would wait.
-    if (isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
+    if (isUnsent_) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
     state_.showRows();
-    // While the window closes, there are no workers; a message may still be open.
     if (state_.progress.IsStopping() || !state_.workers) return EndReading();
     if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
         state_.workers->Ask(state_.WithCredentials(*target), true);
@@ -102,11 +102,14 @@ void Searches::EndStartSearch() {
     state_.options.sweep = false;
     const std::string& path = state_.options.savePath;
     const std::string& csv = state_.options.csvPath;
-    bool isLost = !path.empty() && !scans_.SaveTo(path);
-    isLost |= !csv.empty() && !scans_.SaveCsvTo(csv);
+    // What an earlier search has found stays if this one could not even ask.
+    bool isLost = !isUnsent_ && !path.empty() && !scans_.SaveTo(path);
+    isLost |= !isUnsent_ && !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;
-    const bool isSent = wasSent_ || problem_.empty();
-    const int code = !isSent ? kSendFailed : !problem_.empty() ? kFailed : isNone ? kNone : kFound;
+    const int code = isUnsent_           ? kSendFailed
+                     : !problem_.empty() ? kFailed
+                     : isNone            ? kNone
+                                         : kFound;
     state_.exitCode = std::max(state_.exitCode, code);  // an exception may have been before
 }
 

@@ -49,6 +49,7 @@ class Searches {
     std::function<bool()> readFound_;
     std::wstring problem_;     // of the running search
     bool wasSent_ = false;     // by any of its sweeps
+    bool isUnsent_ = false;    // it has ended, and not by a stop, before anything was sent
     bool isOver_ = false;      // and not yet finished
     bool isForStart_ = false;  // the search of the command line, or its reading, is running
 };

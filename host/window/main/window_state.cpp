@@ -42,7 +42,7 @@ AskTarget WindowState::WithCredentials(AskTarget target) const {
     if (target.isLoginKnown || all.empty()) return target;
     target.credentials.community = all.front();
     // Over SNMPv3 the user is asked once, not once for each community.
-    if (target.kind != SweepKind::kSnmpV3 || !credentials.security)
+    if (target.kind != SweepKind::kSnmpV3)
         target.otherCommunities.assign(all.begin() + 1, all.end());
     return target;
 }

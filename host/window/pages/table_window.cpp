@@ -24,6 +24,7 @@ void TableWindow::Open(HWND owner, const std::wstring& title, std::vector<ListCo
 
 void TableWindow::Show(const std::wstring& note, std::vector<Row> rows) {
     if (!IsOpen()) return;
+    order_.clear();  // of the former rows
     rows_ = std::move(rows);
     SetItem(IDC_TABLE_NOTE, note);
     Arrange();

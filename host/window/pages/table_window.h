@@ -19,8 +19,8 @@ class TableWindow : public ListDialog {
         : save_(std::move(save)) {}
     // Replaces what the window showed, and has no rows yet.
     void Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns);
-    // Shows rows, in the order that the user chose, and a line above them, if it is open. Those
-    // with a time must be in its order.
+    // Shows rows, in the order that the user chose, and a line above them, if it is open. Rows
+    // with a time must come newest first.
     void Show(const std::wstring& note, std::vector<Row> rows);
 
   private:

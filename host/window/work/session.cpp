@@ -143,13 +143,28 @@ void Session::SetScan(Scan scan) {
     isChanged_ = true;
 }
 
-size_t Session::CountFound() const {
-    const auto isOfSearch = [this](size_t index) {
+bool Session::HasAnsweredSearch(const std::vector<size_t>& answers) const {
+    return AnyOf(answers, [this](size_t index) {
         const ScanSweep& sweep = scan_.sweeps[scan_.answers[index].sweep];
         return sweep.search != 0 && sweep.search == search_;
-    };
+    });
+}
+
+std::vector<FoundDevice> Session::PresentDevices() const {
+    const std::vector<Standing> standings = Standings();
+    std::vector<FoundDevice> present;
+    for (size_t i = 0; i < devices_.size(); ++i) {
+        const Standing::Kind kind = standings[i].kind;
+        const bool isSilent =
+            kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(devices_[i].answers);
+        if (kind != Standing::Kind::kMissed && !isSilent) present.push_back(devices_[i]);
+    }
+    return present;
+}
+
+size_t Session::CountFound() const {
     return CountIf(view.AllRows(), [&](const DeviceRow& row) {
-        return !view.IsOther(row) && AnyOf(row.answers, isOfSearch);
+        return !view.IsOther(row) && HasAnsweredSearch(row.answers);
     });
 }
 
@@ -217,9 +232,7 @@ std::vector<AskTarget> Session::TargetsToRead() const {
     std::vector<AskTarget> targets;
     for (const DeviceRow& row : view.AllRows()) {
         const auto target = TargetOf(row);
-        const bool isAdded = AnyOf(row.answers, [&](size_t index) {
-            return added_.count(scan_.answers[index].address) != 0;
-        });
+        const bool isAdded = added_.count(target->address) != 0;
         // A computer that has only replied to a Probe is not asked.
         const bool hasAnswered = (target->isLoginKnown || !row.isNoPrinter) &&
                                  HasAnsweredHere(row.answers, target->address) &&

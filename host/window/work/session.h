@@ -43,12 +43,14 @@ class Session {
     // Whether the scan has answers, or splits, that are in no file.
     bool IsUnsaved() const { return isUnsaved_; }
     void SetSaved(bool isSaved = true) { isUnsaved_ = !isSaved; }
+    // Those that have answered the last search, or when they were read since then.
+    std::vector<FoundDevice> PresentDevices() const;
     // How many listed devices have answered the last search: others are older, or were added.
     size_t CountFound() const;
     // Adds numeric addresses, each as what the user has typed.
     void AddByHand(const std::vector<std::pair<std::string, std::string>>& addresses,
                    const std::string& time);
-    // Those that the scan has were added by its user, who wants them read.
+    // Treats the scan's added addresses as added now, so that they are read.
     void AdoptAdded();
 
     // Null if it is no device's row.
@@ -63,6 +65,7 @@ class Session {
     // here otherwise or before, or was added by hand, and can tell whether it refuses the user.
     std::optional<AskTarget> WhomToAskForARefusal() const;
     // Whether this address has answered, or was added, since the last SetScan; a file may hold any.
+    bool HasAnsweredSearch(const std::vector<size_t>& answers) const;
     bool HasAnsweredHere(const std::vector<size_t>& answers, const std::string& address) const;
     std::vector<Gap> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;

@@ -177,7 +177,8 @@ TEST_F(ScanKeeperTest, ClosingConsoleSavesWhatIsKnown) {
     ScanKeeper keeper({path_, true});
     keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
     keeper.Add("10.77.1.20", "hello");
-    std::thread([] { consoleHandler(CTRL_CLOSE_EVENT); }).detach();  // does not return
+    // Does not return, and leaves the console closing: the last test that may watch a sweep.
+    std::thread([] { consoleHandler(CTRL_CLOSE_EVENT); }).detach();
     std::optional<Scan> saved;
     bool isBroken = false;
     std::string problem;

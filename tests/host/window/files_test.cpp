@@ -158,6 +158,17 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
                                       .find(L"this list (1 device): 0 new, 0 gone, 0 changed"));
 }
 
+TEST_F(Files, StayWhenNothingCouldBeSent) {
+    SetFileText("former");
+    engine_.isUnsent = true;
+    StartOptions options;
+    options.sweep = options.exit = true;
+    options.savePath = options.csvPath = path_;
+    Open(options);
+    EXPECT_EQ(3, window_->Run());
+    EXPECT_EQ("former", FileText());
+}
+
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     OpenWithDevices();
     const auto clear = [&] { Command(IDM_CLEAR); };
