@@ -213,7 +213,7 @@ for count in 3 400 20000; do
     python3 "$here/screenshots-many.py" "$VNDISCOVER_LAB/monday.json" "$VNDISCOVER_LAB/many.json" $count
     Key ctrl+o
     Typed "${scan/monday/many}"
-    sleep $((count / 1500))
+    sleep $((count / 500))
     Settled
     Picture many-$count
 done

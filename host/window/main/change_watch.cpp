@@ -42,7 +42,8 @@ void ChangeWatch::Show() {
     for (const StateChange& one : state_.changes.Changes())
         rows.push_back(
             {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
-    table_.Show(Text(IDS_CHANGES_NOTE, {Grouped(rows.size())}), std::move(rows));
+    const std::wstring note = Text(IDS_CHANGES_NOTE, {Grouped(rows.size())});
+    table_.Show(note, std::move(rows));
 }
 
 }  // namespace vndiscover::host

@@ -85,8 +85,17 @@ TEST_F(Dialogs, FitLongerLanguages) {
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 9);
         DestroyWindow(PopupOf(window_->Handle()));
+        DeviceRow row = window_->state.session.view.Row(0);
+        row.standing.kind = Standing::Kind::kRead;
+        for (const char* state : {"idle", "jammed"}) {
+            row.Text(Column::kState) = state;
+            window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
+        }
         window_->watch.Open();
         CheckDialog(PopupOf(window_->Handle()), 6);
+        EXPECT_NE(
+            std::wstring::npos,
+            TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE)).find(L": 1, also"));
         DestroyWindow(PopupOf(window_->Handle()));
         Select(0);
         Command(IDM_WALK);
