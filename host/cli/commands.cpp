@@ -3,8 +3,12 @@
 #include <vndiscover.h>
 
 #include <algorithm>
+#include <map>
 
+#include "device/security.h"
+#include "platform/console.h"
 #include "platform/this_computer.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
 #include "values/text.h"
@@ -80,6 +84,118 @@ Device OpenDevice(const DeviceOptions& options) {
 int ExitCodeOf(Status status) {
     if (status == Status::kSendFailed) return kSendFailed;
     return status == Status::kAnswered ? kFound : kNone;
+}
+
+namespace {
+
+struct Field {
+    const char* name;
+    const char* help;
+    const char* type;
+    std::string V3Options::*value;
+};
+const Field kFields[] = {{"-u,--user", "User name", "USER", &V3Options::user},
+                         {"-a,--auth", kAuthProtocols, "PROTO", &V3Options::authProtocol},
+                         {"-A,--auth-pass", "Password [VNDISCOVER_AUTH_PASS, or prompt]", "PASS",
+                          &V3Options::authPassword},
+                         {"-x,--priv", kPrivProtocols, "PROTO", &V3Options::privProtocol},
+                         {"-X,--priv-pass", "Password [VNDISCOVER_PRIV_PASS, or prompt]", "PASS",
+                          &V3Options::privPassword}};
+
+// "-u"
+std::string ShortName(const Field& field) { return std::string(field.name).substr(0, 2); }
+
+// From the command line, the environment or the user. Rejects an empty password: the module would
+// send its requests unprotected. The second user's variables end in "_2".
+Secret FetchPassword(const std::string& given, const char* option, std::wstring variable,
+                     size_t number, const std::string& prompt) {
+    if (number > 1) variable += L"_" + std::to_wstring(number);
+    Secret password(ToWide(given));
+    if (password.IsEmpty()) password = Secret(Environment(variable.c_str()));
+    if (password.IsEmpty()) password = Secret(PromptHidden(prompt).value_or(std::wstring()));
+    if (password.IsEmpty())
+        throw CLI::ValidationError(option, "a password is missing: give it with " +
+                                               std::string(option) + " or in the variable " +
+                                               ToUtf8(variable));
+    return password;
+}
+
+std::wstring Label(const std::optional<std::string>& label, const char* option,
+                   const std::string& given, const char* known) {
+    if (!label) throw CLI::ValidationError(option, "'" + given + "' is not one of " + known);
+    return ToWide(*label);
+}
+
+}  // namespace
+
+void AddV3Options(CLI::App& command, V3Options& options) {
+    CLI::Option* v3 =
+        command.add_flag("--v3", options.isOn, "Use SNMPv3 instead of SNMPv1; needs -u");
+    v3->group("SNMPv3");
+    for (const Field& field : kFields) {
+        CLI::Option* option = command.add_option(field.name, options.*field.value, field.help);
+        option->needs(v3)->group("SNMPv3")->type_name(field.type);
+    }
+}
+
+void AllowSeveralUsers(CLI::App& command) {
+    constexpr auto kLast = CLI::MultiOptionPolicy::TakeLast;
+    command.get_option("--v3")
+        ->description("Also as this SNMPv3 user; may be given again, with -u")
+        ->multi_option_policy(kLast);
+    for (const Field& field : kFields)
+        command.get_option(ShortName(field))->multi_option_policy(kLast)->allow_extra_args(false);
+}
+
+std::vector<V3Options> UsersOf(const CLI::App& command) {
+    std::vector<V3Options> users;
+    std::map<const CLI::Option*, size_t> read;
+    for (const CLI::Option* option : command.parse_order()) {
+        if (option->check_name("--v3")) {
+            if (users.empty() || users.back().isOn) users.emplace_back();
+            users.back().isOn = true;
+        }
+        for (const Field& field : kFields) {
+            if (!option->check_name(ShortName(field))) continue;
+            if (users.empty()) users.emplace_back();
+            std::string& value = users.back().*field.value;
+            if (!value.empty())
+                throw CLI::ValidationError(ShortName(field),
+                                           "given twice; each user begins with --v3");
+            value = option->results()[read[option]++];
+        }
+    }
+    return users;
+}
+
+std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number) {
+    if (!options.isOn) return nullptr;
+    Security security;
+    if (options.user.empty()) throw CLI::ValidationError("-u", "--v3 needs a user name");
+    if (options.user.size() > VN_USER_NAME_MAX)
+        throw CLI::ValidationError("-u", "127 bytes at most");
+    security.user = ToWide(options.user);
+    security.useAuth = !options.authProtocol.empty();
+    security.usePriv = !options.privProtocol.empty();
+    if (!security.useAuth && (security.usePriv || !options.authPassword.empty()))
+        throw CLI::ValidationError("-a", "privacy and passwords need an authentication protocol");
+    if (!security.usePriv && !options.privPassword.empty())
+        throw CLI::ValidationError("-x", "-X needs a privacy protocol");
+    // Both labels are checked before a password is prompted for.
+    if (security.useAuth)
+        security.authLabel =
+            Label(AuthLabel(options.authProtocol), "-a", options.authProtocol, kAuthProtocols);
+    if (security.usePriv)
+        security.privLabel =
+            Label(PrivLabel(options.privProtocol), "-x", options.privProtocol, kPrivProtocols);
+    const std::string whose = number == 1 ? ": " : " of '" + options.user + "': ";
+    if (security.useAuth)
+        security.authPassword = FetchPassword(options.authPassword, "-A", L"VNDISCOVER_AUTH_PASS",
+                                              number, "Authentication password" + whose);
+    if (security.usePriv)
+        security.privPassword = FetchPassword(options.privPassword, "-X", L"VNDISCOVER_PRIV_PASS",
+                                              number, "Privacy password" + whose);
+    return std::make_shared<const Security>(std::move(security));
 }
 
 }  // namespace vndiscover::host

@@ -5,7 +5,7 @@
 #include "cli/scan_keeper.h"
 #include "model/printer/report.h"
 #include "model/scan/device_merge.h"
-#include "model/scan/fact_json.h"
+#include "model/scan/device_writer.h"
 #include "model/scan/scan_report.h"
 #include "platform/console.h"
 

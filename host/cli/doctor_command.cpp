@@ -1,10 +1,10 @@
 #include <vndiscover.h>
 
 #include "cli/commands.h"
-#include "device/sweeps.h"
+#include "device/device.h"
 #include "model/computer/doctor_report.h"
 #include "model/printer/report.h"
-#include "model/scan/fact_json.h"
+#include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"

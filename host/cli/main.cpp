@@ -9,8 +9,8 @@
 #include "cli/commands.h"
 #include "device/ask_process.h"
 #include "platform/console.h"
-#include "platform/error_text.h"
 #include "platform/this_process.h"
+#include "platform/wide_text.h"
 
 namespace {
 

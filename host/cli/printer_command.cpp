@@ -6,7 +6,7 @@
 
 #include "cli/commands.h"
 #include "model/printer/report.h"
-#include "model/scan/fact_json.h"
+#include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "values/utc_time.h"
 

@@ -5,15 +5,15 @@
 #include <algorithm>
 #include <tuple>
 
+#include "device/device.h"
 #include "device/fleet_readers.h"
-#include "device/sweeps.h"
 #include "model/scan/device_merge.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "values/object_names.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "values/utc_time.h"
 
 namespace vndiscover::host {

@@ -6,10 +6,9 @@
 
 #include "cli/commands.h"
 #include "cli/printer_finder.h"
-#include "model/scan/fact_json.h"
+#include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "values/object_names.h"
-#include "values/plain_text.h"
 #include "values/ranges.h"
 #include "values/text.h"
 

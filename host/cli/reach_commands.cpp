@@ -1,7 +1,7 @@
 #include <vndiscover.h>
 
 #include "cli/commands.h"
-#include "device/sweeps.h"
+#include "device/device.h"
 #include "platform/console.h"
 #include "platform/wide_text.h"
 

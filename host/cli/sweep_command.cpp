@@ -6,11 +6,10 @@
 
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
-#include "device/sweeps.h"
+#include "device/device.h"
 #include "model/asking/json_request.h"
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
-#include "platform/error_text.h"
 #include "platform/owned.h"
 #include "platform/result_window.h"
 #include "platform/saved_file.h"

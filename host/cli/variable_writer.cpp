@@ -3,7 +3,7 @@
 #include <cjson/cJSON.h>
 
 #include "values/object_names.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {

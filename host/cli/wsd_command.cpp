@@ -6,10 +6,10 @@
 
 #include "cli/commands.h"
 #include "cli/scan_keeper.h"
-#include "device/sweeps.h"
+#include "device/device.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {

@@ -6,10 +6,9 @@
 #include <atomic>
 #include <chrono>
 
-#include "platform/error_text.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

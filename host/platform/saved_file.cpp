@@ -6,7 +6,6 @@
 #include <initializer_list>
 
 #include "model/scan/scan_file.h"
-#include "platform/error_text.h"
 #include "platform/owned.h"
 #include "platform/wide_text.h"
 

@@ -2,7 +2,7 @@
 
 #include <cjson/cJSON.h>
 
-#include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

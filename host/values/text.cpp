@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstddef>
+
+#include "values/ranges.h"
 
 namespace vndiscover::host {
+
 std::string Lower(std::string_view text) {
     std::string lower(text);
     for (char& letter : lower) {
@@ -97,6 +101,126 @@ void AppendUtf8(std::string& out, uint32_t code) {
     constexpr uint8_t kLead[] = {0, 0xC0, 0xE0, 0xF0};
     out += static_cast<char>(kLead[more] | code >> (6 * more));
     for (int i = more - 1; i >= 0; --i) out += static_cast<char>(0x80 | (code >> (6 * i) & 0x3F));
+}
+
+namespace {
+
+constexpr uint32_t kReplacement = 0xFFFD;
+
+bool IsBreak(uint32_t code) { return code == '\t' || code == '\n' || code == '\r'; }
+
+// C0, DEL, C1, and the marks that reverse, hide or break a line on a terminal.
+bool IsControl(uint32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x061C ||
+           (code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        const Character next = FirstCharacter(text);
+        if (!next.isUtf8) return false;
+        text.remove_prefix(next.bytes);
+    }
+    return true;
+}
+
+std::string_view WithoutZeroEnd(std::string_view bytes) {
+    while (!bytes.empty() && bytes.back() == '\0') bytes.remove_suffix(1);
+    return bytes;
+}
+
+bool StartsFormula(std::string_view text) {
+    // The last four are the full-width forms of the first four.
+    constexpr std::string_view kStarts[] = {
+        "=",           "+", "-", "@", "\t", "\r", "\xEF\xBC\x9D", "\xEF\xBC\x8B", "\xEF\xBC\x8D",
+        "\xEF\xBC\xA0"};
+    return AnyOf(kStarts, [&](auto start) { return text.substr(0, start.size()) == start; });
+}
+
+}  // namespace
+
+std::string PlainText(std::string_view bytes, Breaks breaks) {
+    std::string out;
+    bool spaceDue = false;
+    for (size_t i = 0; i < bytes.size();) {
+        const Character next = FirstCharacter(bytes.substr(i));
+        i += next.bytes;
+        const bool isCrLf = next.code == '\r' && i < bytes.size() && bytes[i] == '\n';
+        if (breaks == Breaks::kKeep && isCrLf) continue;
+        if (breaks == Breaks::kKeep && (next.code == '\n' || next.code == '\t')) {
+            out += static_cast<char>(next.code);
+        } else if (breaks == Breaks::kFold && IsBreak(next.code)) {
+            spaceDue = true;
+        } else {
+            if (spaceDue && !out.empty()) out += ' ';
+            spaceDue = false;
+            AppendUtf8(out, IsControl(next.code) ? kReplacement : next.code);
+        }
+    }
+    return out;
+}
+
+std::string DeviceText(std::string_view bytes, int64_t characterSet) {
+    constexpr std::string_view kBlanks(" \t\r\n\0", 5);
+    const size_t start = std::min(bytes.find_first_not_of(kBlanks), bytes.size());
+    bytes = bytes.substr(start, bytes.find_last_not_of(kBlanks) + 1 - start);
+    constexpr int64_t kLatin1 = 4;
+    if (characterSet != kLatin1 && IsUtf8(bytes)) return PlainText(bytes);
+    std::string utf8;
+    for (const char byte : bytes) AppendUtf8(utf8, static_cast<uint8_t>(byte));
+    return PlainText(utf8);
+}
+
+bool IsPrintable(std::string_view bytes) {
+    const bool isEmpty = bytes.empty();
+    bytes = WithoutZeroEnd(bytes);
+    if (bytes.empty() && !isEmpty) return false;  // zero bytes alone would not be visible
+    bool isUtf8 = true;
+    size_t ascii = 0;
+    for (size_t i = 0; i < bytes.size();) {
+        const Character next = FirstCharacter(bytes.substr(i));
+        if (IsControl(next.code) && !IsBreak(next.code)) return false;
+        isUtf8 = isUtf8 && next.isUtf8;
+        ascii += next.code < 0x80 ? 1 : 0;
+        i += next.bytes;
+    }
+    // All bytes of a hardware address may be Latin-1 letters; text has more ASCII than that.
+    return isUtf8 || ascii * 2 > bytes.size();
+}
+
+std::string ShownValue(std::string_view bytes) {
+    if (IsPrintable(bytes)) return PlainText(WithoutZeroEnd(bytes));
+    return "0x" + HexText(bytes, "");
+}
+
+std::string SpacedWords(std::string_view word) {
+    std::string out;
+    for (size_t i = 0; i < word.size(); ++i) {
+        const bool isUpper = word[i] >= 'A' && word[i] <= 'Z';
+        const bool startsWord = isUpper && i > 0 && word[i - 1] >= 'a' && word[i - 1] <= 'z';
+        if (startsWord) out += ' ';
+        const bool isAbbreviation = i + 1 < word.size() && word[i + 1] >= 'A' && word[i + 1] <= 'Z';
+        out += startsWord && !isAbbreviation ? static_cast<char>(word[i] | 0x20) : word[i];
+    }
+    return out;
+}
+
+std::string CsvCell(std::string_view text) {
+    std::string cell = "\"";
+    bool isStart = true;
+    for (size_t at = 0; at < text.size(); ++at) {
+        if (isStart && StartsFormula(text.substr(at))) cell += '\'';
+        // Where the list separator is a semicolon, spreadsheets begin a new cell after it.
+        isStart = text[at] == ';';
+        if (text[at] == '"') cell += '"';
+        cell += text[at];
+    }
+    return cell + "\"";
+}
+
+std::string HarmlessCell(std::string_view text) {
+    return (StartsFormula(text) ? "'" : "") + std::string(text);
 }
 
 }  // namespace vndiscover::host

@@ -49,4 +49,36 @@ Character FirstCharacter(std::string_view text);
 
 void AppendUtf8(std::string& out, uint32_t code);
 
+// Makes text from the network safe for terminals, UTF-8 documents and spreadsheets. Devices send
+// old code pages, binary values, or escape sequences meant to change what the user sees.
+
+enum class Breaks {
+    kFold,  // each run of tabs and line breaks becomes one space, and none at the ends
+    kKeep,  // tabs and line breaks are kept; CR LF becomes LF
+};
+
+// Valid UTF-8 without control characters. Bytes that are not UTF-8 are read as Latin-1. Other
+// control characters, and marks that reverse or hide text, become U+FFFD.
+std::string PlainText(std::string_view bytes, Breaks breaks = Breaks::kFold);
+
+// One line of text in a character set that the device names by its MIBenum number. 4 is Latin-1;
+// any other is UTF-8 if all of the text is, otherwise Latin-1. The ends lose spaces and zero bytes.
+std::string DeviceText(std::string_view bytes, int64_t characterSet);
+
+// True if the bytes are text rather than a binary value: no control characters except tabs, line
+// breaks and trailing zero bytes, and UTF-8 or at least mostly ASCII.
+bool IsPrintable(std::string_view bytes);
+
+// One line for a person: PlainText if the value is printable, otherwise "0x...".
+std::string ShownValue(std::string_view bytes);
+
+// A cell of a CSV document (RFC 4180), with an apostrophe before what may run as a formula.
+std::string CsvCell(std::string_view text);
+
+// A cell of copied rows, where tabs separate cells: only the apostrophe.
+std::string HarmlessCell(std::string_view text);
+
+// "tenthsOfGrams" as "tenths of grams", "doorOpen" as "door open".
+std::string SpacedWords(std::string_view word);
+
 }  // namespace vndiscover::host

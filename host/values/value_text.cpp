@@ -6,7 +6,7 @@
 
 #include "values/ip_address.h"
 #include "values/oid_text.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

@@ -17,8 +17,8 @@
 #include <random>
 
 #include "values/json_output.h"
-#include "values/plain_text.h"
 #include "values/ranges.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

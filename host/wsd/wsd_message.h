@@ -20,7 +20,7 @@ std::string BuildProbe(const std::string& types, const std::string& messageId);
 
 std::string NewUuid();
 
-// One device of a reply, as plain text (see plain_text.h).
+// One device of a reply, as plain text (see text.h).
 struct ProbeMatch {
     std::string endpoint;
     std::vector<std::string>

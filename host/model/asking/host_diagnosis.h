@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "model/asking/asker.h"
+#include "model/asking/answer.h"
 
 namespace vndiscover::host {
 

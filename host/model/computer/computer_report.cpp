@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "values/ip_address.h"
-#include "values/plain_text.h"
 #include "values/ranges.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

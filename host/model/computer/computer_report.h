@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "model/computer/computer.h"
-#include "model/computer/firewall_verdict.h"
 
 namespace vndiscover::host {
 

@@ -1,7 +1,7 @@
 #include "model/computer/doctor_report.h"
 
-#include "values/plain_text.h"
 #include "values/ranges.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

@@ -29,7 +29,7 @@ std::optional<int> PercentOf(const Level& level);
 // For a person: "40 % (400 of 1000 impressions)", "some left", "room left: 80 %".
 std::string LevelText(const Level& level);
 
-// All text is plain (see plain_text.h), read in the device's character set; empty: not given.
+// All text is plain (see text.h), read in the device's character set; empty: not given.
 // States are the words of the objects, such as "idle" or "markerTonerEmpty".
 struct Supply {
     std::string description, colour, type;

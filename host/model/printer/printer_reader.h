@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "model/asking/asker.h"
+#include "model/asking/answer.h"
 
 namespace vndiscover::host {
 

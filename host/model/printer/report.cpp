@@ -4,8 +4,8 @@
 #include <tuple>
 #include <utility>
 
-#include "values/plain_text.h"
 #include "values/ranges.h"
+#include "values/text.h"
 #include "values/utc_time.h"
 #include "values/value_text.h"
 

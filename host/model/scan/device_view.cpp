@@ -4,7 +4,6 @@
 #include <set>
 
 #include "values/ip_address.h"
-#include "values/plain_text.h"
 #include "values/ranges.h"
 #include "values/text.h"
 

@@ -1,13 +1,18 @@
 #include "model/scan/device_writer.h"
 
 #include <cjson/cJSON.h>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
 
 #include "model/asking/json_request.h"
-#include "values/plain_text.h"
+#include "model/computer/doctor_report.h"
+#include "values/json_output.h"
 #include "values/text.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
+
 namespace {
 
 // Of an SNMPv1 result message, as bytes. Only an OCTET STRING can be longer than 127 bytes.
@@ -78,6 +83,226 @@ std::string DeviceWriter::End() { return format_ == Format::kJson ? array_.Finis
 
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator) {
     return JoinedAs(cells, CsvCell, separator) + "\r\n";
+}
+
+namespace {
+
+using Texts = std::initializer_list<std::pair<const char*, std::string_view>>;
+
+void AddMembers(cJSON* object, Texts texts) {
+    for (const auto& [name, text] : texts) AddText(object, name, text);
+}
+
+void AddOrNull(cJSON* object, Texts texts) {
+    for (const auto& [name, text] : texts) {
+        if (text.empty()) {
+            cJSON_AddNullToObject(object, name);
+        } else {
+            AddText(object, name, text);
+        }
+    }
+}
+
+template <class Number>
+void AddOrNull(cJSON* object, const char* name, const std::optional<Number>& number) {
+    if (number) {
+        AddNumber(object, name, std::to_string(*number));
+    } else {
+        cJSON_AddNullToObject(object, name);
+    }
+}
+
+template <class Rows, class Fill>
+void AddObjects(cJSON* parent, const char* name, const Rows& rows, Fill fill) {
+    cJSON* array = cJSON_AddArrayToObject(parent, name);
+    for (const auto& row : rows) {
+        JsonItem object(cJSON_CreateObject());
+        fill(object.get(), row);
+        cJSON_AddItemToArray(array, object.release());
+    }
+}
+
+void AddLevel(cJSON* object, const Level& level) {
+    AddOrNull(object, "level", level.level);
+    AddOrNull(object, "maximum", level.maximum);
+    AddOrNull(object, {{"unit", level.unit}});
+    AddOrNull(object, "percent", PercentOf(level));
+    AddText(object, "text", LevelText(level));
+}
+
+// What a report and a list say of a printer.
+void AddPrinter(cJSON* root, const PrinterFacts& facts) {
+    AddOrNull(root, {{"model", facts.model},
+                     {"serialNumber", facts.serialNumber},
+                     {"name", facts.name},
+                     {"location", facts.location},
+                     {"deviceStatus", facts.deviceStatus},
+                     {"printerStatus", facts.printerStatus}});
+    if (facts.errors) {
+        AddTexts(root, "errors", *facts.errors);
+        AddText(root, "errorBits", HexText(facts.errorBits, " "));
+    } else {
+        cJSON_AddNullToObject(root, "errors");
+        cJSON_AddNullToObject(root, "errorBits");
+    }
+    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
+        AddNumber(object, "count", std::to_string(count.count));
+        AddOrNull(object, {{"unit", count.unit}});
+    });
+    AddObjects(root, "supplies", facts.supplies, [](cJSON* object, const Supply& supply) {
+        AddOrNull(object, {{"description", supply.description},
+                           {"colour", supply.colour},
+                           {"type", supply.type}});
+        cJSON_AddBoolToObject(object, "isReceptacle", supply.level.isReceptacle);
+        AddLevel(object, supply.level);
+    });
+}
+
+void AddPlan(cJSON* root, const char* name, const SweepPlan& plan) {
+    cJSON* object = cJSON_AddObjectToObject(root, name);
+    cJSON_AddNumberToObject(object, "adapters", static_cast<double>(plan.adapters));
+    cJSON_AddNumberToObject(object, "seconds", plan.seconds);
+    AddObjects(object, "addresses", plan.rows, [](cJSON* element, const SweepRow& row) {
+        AddMembers(element, {{"address", row.address},
+                             {"adapter", row.adapter},
+                             {"description", row.description},
+                             {"kind", row.kind},
+                             {"state", row.state}});
+        cJSON_AddNumberToObject(element, "seconds", row.seconds);
+    });
+}
+
+void AddFirewall(cJSON* root, const FirewallReport& report) {
+    cJSON* object = cJSON_AddObjectToObject(root, "firewall");
+    cJSON_AddBoolToObject(object, "isKnown", report.isKnown);
+    cJSON_AddBoolToObject(object, "isOverriddenByPolicy", report.isOverridden);
+    AddObjects(object, "ports", report.ports, [](cJSON* element, const PortVerdict& verdict) {
+        AddText(element, "profile", verdict.profile);
+        cJSON_AddNumberToObject(element, "port", verdict.port);
+        AddMembers(element,
+                   {{"answers", PassageText(verdict.passage)}, {"reason", verdict.reason}});
+    });
+    AddTexts(object, "commands", report.commands);
+}
+
+void AddDevices(cJSON* root, const char* name, const std::vector<FoundDevice>& devices,
+                const std::vector<size_t>& indexes) {
+    cJSON* array = cJSON_AddArrayToObject(root, name);
+    for (const size_t index : indexes)
+        cJSON_AddItemToArray(array, DeviceJson(devices[index]).release());
+}
+
+std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; }
+
+}  // namespace
+
+std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
+    const JsonItem item(cJSON_CreateObject());
+    cJSON* const root = item.get();
+    AddText(root, "host", host);
+    AddOrNull(root, "deviceIndex", facts.deviceIndex);
+    AddPrinter(root, facts);
+    AddOrNull(root, {{"description", facts.description}, {"macAddress", facts.macAddress}});
+    AddOrNull(root, "upTicks", facts.upTicks);
+    AddTexts(root, "panel", facts.panel);
+    AddObjects(root, "trays", facts.trays, [](cJSON* object, const Tray& tray) {
+        AddOrNull(object, {{"name", tray.name}, {"medium", tray.medium}});
+        AddLevel(object, tray.level);
+    });
+    AddObjects(root, "alerts", facts.alerts, [](cJSON* object, const Alert& alert) {
+        AddOrNull(object, {{"severity", alert.severity},
+                           {"group", alert.group},
+                           {"code", alert.code},
+                           {"description", alert.description}});
+        AddOrNull(object, "upTicks", alert.upTicks);
+    });
+    AddObjects(root, "interfaces", facts.interfaces, [](cJSON* object, const Interface& one) {
+        AddOrNull(object, {{"description", one.description},
+                           {"type", one.type},
+                           {"speed", one.speed},
+                           {"physicalAddress", one.physicalAddress},
+                           {"adminStatus", one.adminStatus},
+                           {"operStatus", one.operStatus}});
+    });
+    AddObjects(root, "notRead", facts.gaps, [](cJSON* object, const Gap& gap) {
+        AddText(object, "subject", gap.subject);
+        AddOrNull(object, {{"object", gap.object}});
+        AddText(object, "reason", gap.reason);
+    });
+    return Line(item);
+}
+
+std::string ComputerJson(const ComputerReport& report) {
+    const JsonItem root(cJSON_CreateObject());
+    AddPlan(root.get(), "ipv4", report.ipv4);
+    AddPlan(root.get(), "ipv6", report.ipv6);
+    AddObjects(root.get(), "routes", report.routes, [](cJSON* element, const Route& route) {
+        AddMembers(element, {{"target", route.target},
+                             {"adapter", route.adapter},
+                             {"source", route.source},
+                             {"gateway", route.gateway}});
+    });
+    AddFirewall(root.get(), report.firewall);
+    cJSON* log = cJSON_AddObjectToObject(root.get(), "log");
+    cJSON_AddBoolToObject(log, "file", report.log.file);
+    cJSON_AddBoolToObject(log, "debugger", report.log.debugger);
+    AddTexts(root.get(), "causes", report.causes);
+    AddTexts(root.get(), "notes", report.notes);
+    return Line(root);
+}
+
+std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwnNetwork,
+                     const std::string& host) {
+    const JsonItem root(cJSON_CreateObject());
+    AddText(root.get(), "host", host);
+    for (const auto& [name, step] : {std::pair("ping", &diagnosis.ping),
+                                     {"snmpV1", &diagnosis.v1},
+                                     {"snmpV3Engine", &diagnosis.discovery},
+                                     {"snmpV3User", &diagnosis.user}}) {
+        cJSON* const one = cJSON_AddObjectToObject(root.get(), name);
+        AddMembers(one, {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
+        AddNumber(one, "milliseconds", std::to_string(step->ms));
+    }
+    cJSON_AddItemToObject(root.get(), "isOnOwnNetwork",
+                          isOnOwnNetwork ? cJSON_CreateBool(*isOnOwnNetwork) : cJSON_CreateNull());
+    AddText(root.get(), "verdict", VerdictOn(diagnosis));
+    return Line(root);
+}
+
+std::string ComparisonJson(const Comparison& comparison) {
+    const JsonItem root(cJSON_CreateObject());
+    AddDevices(root.get(), "new", comparison.after, comparison.added);
+    AddDevices(root.get(), "gone", comparison.before, comparison.gone);
+    cJSON* changed = cJSON_AddArrayToObject(root.get(), "changed");
+    for (const DeviceChange& change : comparison.changed) {
+        JsonItem device = DeviceJson(comparison.after[change.after]);
+        AddText(device.get(), "sameBy", KeyName(change.key));
+        AddObjects(
+            device.get(), "changes", change.fields, [](cJSON* one, const FieldChange& field) {
+                AddMembers(
+                    one,
+                    {{"field", field.field}, {"before", field.before}, {"after", field.after}});
+            });
+        cJSON_AddItemToArray(changed, device.release());
+    }
+    AddNumber(root.get(), "asBefore", std::to_string(comparison.same));
+    return Line(root);
+}
+
+std::string PrintersJson(const std::vector<PrinterLine>& printers) {
+    JsonArray array;
+    for (const PrinterLine& printer : printers) {
+        const JsonItem item(cJSON_CreateObject());
+        cJSON* const object = item.get();
+        AddText(object, "severity", SeverityName(printer.summary.severity));
+        AddOrNull(object,
+                  {{"state", printer.summary.state}, {"lowestSupply", printer.summary.supply}});
+        AddTexts(object, "addresses", printer.addresses);
+        AddPrinter(object, printer.facts);
+        AddOrNull(object, {{"firmware", printer.facts.description}, {"notRead", printer.problem}});
+        array.Add(object);
+    }
+    return array.Finish();
 }
 
 }  // namespace vndiscover::host

@@ -1,9 +1,15 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "model/asking/host_diagnosis.h"
+#include "model/computer/computer_report.h"
+#include "model/printer/printer_facts.h"
+#include "model/printer/printer_summary.h"
+#include "model/scan/compare.h"
 #include "values/json_output.h"
 
 namespace vndiscover::host {
@@ -45,5 +51,17 @@ class DeviceWriter {
 // A line of a CSV document: UTF-8, with CR LF. See CsvCell.
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator);
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";  // before the first line
+
+// Facts for a program: one object in one line, or an array of such lines.
+
+// Members that the device did not give are null.
+std::string PrinterJson(const PrinterFacts& facts, const std::string& host);
+// An array; what was not asked for in a list is not in it.
+std::string PrintersJson(const std::vector<PrinterLine>& printers);
+std::string ComputerJson(const ComputerReport& report);
+// isOnOwnNetwork: see IsOnOwnNetwork.
+std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwnNetwork,
+                     const std::string& host);
+std::string ComparisonJson(const Comparison& comparison);
 
 }  // namespace vndiscover::host

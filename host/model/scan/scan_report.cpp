@@ -4,8 +4,8 @@
 
 #include "model/scan/device_view.h"
 #include "values/object_names.h"
-#include "values/plain_text.h"
 #include "values/ranges.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {

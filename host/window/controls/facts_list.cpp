@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/wide_text.h"
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 #include "window/resource.h"
 #include "window/strings.h"
 

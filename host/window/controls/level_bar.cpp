@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "model/printer/report.h"
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 
 namespace vndiscover::host {
 

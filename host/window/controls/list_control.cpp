@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "platform/wide_text.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "window/controls/clipboard.h"
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 #include "window/controls/popup_menu.h"
 #include "window/resource.h"
 #include "window/strings.h"

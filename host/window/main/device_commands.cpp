@@ -6,7 +6,7 @@
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "values/utc_time.h"
-#include "window/dialogs/add_dialog.h"
+#include "window/dialogs/dialogs.h"
 #include "window/main/help.h"
 #include "window/strings.h"
 

@@ -8,7 +8,7 @@
 #include "window/controls/clipboard.h"
 #include "window/main/device_list.h"
 #include "window/main/window_state.h"
-#include "window/pages/doctor_window.h"
+#include "window/pages/report_window.h"
 #include "window/pages/walk_window.h"
 #include "window/resource.h"
 

@@ -2,7 +2,6 @@
 
 #include <shellapi.h>
 
-#include "platform/error_text.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"

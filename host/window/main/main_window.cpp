@@ -9,11 +9,12 @@
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/main/commands.h"
 #include "window/main/layout.h"
+#include "window/main/panes.h"
 #include "window/resource.h"
 #include "window/strings.h"
 

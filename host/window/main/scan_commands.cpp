@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "model/scan/device_writer.h"
-#include "model/scan/fact_json.h"
 #include "model/scan/scan_report.h"
 #include "model/scan/standing.h"
 #include "platform/saved_file.h"

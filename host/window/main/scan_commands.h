@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/owned.h"
-#include "window/main/device_columns.h"
+#include "window/main/device_list.h"
 #include "window/main/window_state.h"
 #include "window/pages/table_window.h"
 #include "window/resource.h"

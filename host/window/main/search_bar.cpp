@@ -6,7 +6,7 @@
 
 #include "platform/wide_text.h"
 #include "values/object_names.h"
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
 #include "window/strings.h"
 

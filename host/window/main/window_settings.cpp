@@ -1,6 +1,6 @@
 #include "window/main/window_settings.h"
 
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 #include "window/resource.h"
 
 namespace vndiscover::host {

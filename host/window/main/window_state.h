@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "model/asking/progress.h"
-#include "model/scan/change_log.h"
+#include "model/scan/compare.h"
 #include "values/exit_code.h"
 #include "window/work/session.h"
 #include "window/work/workers.h"

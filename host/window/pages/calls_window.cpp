@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "platform/wide_text.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"
 #include "window/strings.h"

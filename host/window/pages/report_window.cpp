@@ -2,9 +2,11 @@
 
 #include <utility>
 
+#include "model/computer/doctor_report.h"
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"
+#include "window/strings.h"
 
 namespace vndiscover::host {
 
@@ -38,6 +40,49 @@ std::wstring ReportWindow::Commands() const {
         if (row.isCommand) commands += ToWide(row.text) + L"\r\n";
     }
     return commands;
+}
+
+void DoctorWindow::Begin(const std::string& address) {
+    page_.Close();
+    hasOpened_ = false;
+    report_.reset();
+    diagnosis_.reset();
+    isOnOwnNetwork_.reset();
+    address_ = address;
+}
+
+void DoctorWindow::ShowReport(const ComputerReport& report, HWND owner) {
+    report_ = report;
+    Show(owner);
+}
+
+void DoctorWindow::ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
+                                 const AdapterList& adapters, HWND owner) {
+    if (address != address_) return;
+    diagnosis_ = diagnosis;
+    isOnOwnNetwork_ = IsOnOwnNetwork(adapters, address);
+    if (report_) Show(owner);
+}
+
+void DoctorWindow::Stop(HWND owner) {
+    if (address_.empty() || diagnosis_) return;
+    diagnosis_.emplace().isStopped = true;
+    if (report_) Show(owner);
+}
+
+void DoctorWindow::Show(HWND owner) {
+    Report report;
+    if (!address_.empty()) report = ReportOf(diagnosis_, isOnOwnNetwork_);
+    // The verdict tells of the engine.
+    if (diagnosis_ && !diagnosis_->hasUser && diagnosis_->discovery.outcome == Outcome::kAnswered)
+        report.front().rows.back().text = ToUtf8(Text(IDS_NO_USER_ASKED));
+    for (ReportSection& section : ReportOf(*report_)) report.push_back(std::move(section));
+    std::vector<ReportRow> rows = RowsOf(report);
+    if (std::exchange(hasOpened_, true)) return page_.Show(std::move(rows));
+    page_.Open(
+        owner,
+        address_.empty() ? Text(IDS_DOCTOR_TITLE) : Text(IDS_DIAGNOSIS_TITLE, {ToWide(address_)}),
+        std::move(rows));
 }
 
 }  // namespace vndiscover::host

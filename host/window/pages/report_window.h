@@ -3,9 +3,12 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "model/asking/host_diagnosis.h"
+#include "model/computer/computer_report.h"
 #include "window/controls/facts_list.h"
 #include "window/dialogs/dialogs.h"
 
@@ -26,6 +29,32 @@ class ReportWindow : public ListDialog, private FactsModel {
     std::wstring Commands() const;
 
     std::wstring title_;
+};
+
+// The report on why there are no devices, or why one does not answer.
+
+class DoctorWindow {
+  public:
+    // Begins another report in place of this one. Its window opens with the next report on this
+    // computer. `address`: of the device that is diagnosed; empty: none.
+    void Begin(const std::string& address);
+    // Opens or refreshes the window.
+    void ShowReport(const ComputerReport& report, HWND owner);
+    // Ignores a diagnosis of another device than the report's.
+    void ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
+                       const AdapterList& adapters, HWND owner);
+    // The diagnosis was stopped. One that has begun is shown once its last step is over.
+    void Stop(HWND owner);
+
+  private:
+    void Show(HWND owner);
+
+    std::optional<ComputerReport> report_;
+    std::string address_;                     // of the device; empty: none
+    std::optional<HostDiagnosis> diagnosis_;  // empty: not yet known
+    std::optional<bool> isOnOwnNetwork_;      // see IsOnOwnNetwork
+    ReportWindow page_;
+    bool hasOpened_ = false;  // since Begin; the user may have closed it
 };
 
 }  // namespace vndiscover::host

@@ -4,7 +4,7 @@
 
 #include "platform/wide_text.h"
 #include "values/object_names.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "window/resource.h"
 #include "window/strings.h"
 

@@ -6,7 +6,6 @@
 
 #include "model/scan/scan_file.h"
 #include "platform/com.h"
-#include "platform/error_text.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"

@@ -11,7 +11,7 @@
 
 #include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
-#include "model/scan/protocols.h"
+#include "model/scan/standing.h"
 #include "window/work/results.h"
 
 namespace vndiscover::host {

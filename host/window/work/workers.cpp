@@ -4,8 +4,8 @@
 #include <exception>
 #include <utility>
 
-#include "platform/error_text.h"
 #include "platform/this_computer.h"
+#include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "values/ranges.h"
 #include "values/text.h"

@@ -4,7 +4,7 @@
 
 #include "model/computer/doctor_report.h"
 #include "scripted_window.h"
-#include "values/plain_text.h"
+#include "values/text.h"
 #include "window/store/profiles.h"
 
 namespace vndiscover::host {

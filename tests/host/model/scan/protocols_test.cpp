@@ -1,4 +1,4 @@
-#include "model/scan/protocols.h"
+#include "model/scan/standing.h"
 
 #include <gtest/gtest.h>
 

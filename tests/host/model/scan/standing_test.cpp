@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "model/scan/change_log.h"
+#include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
 #include "model/scan/scan.h"

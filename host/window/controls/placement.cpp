@@ -1,4 +1,4 @@
-#include "window/controls/dpi.h"
+#include "window/controls/placement.h"
 
 #include <cstdint>
 

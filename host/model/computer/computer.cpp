@@ -1,10 +1,10 @@
-#include "model/computer/firewall_verdict.h"
+#include "model/computer/computer.h"
 
 #include <cstdlib>
 #include <string_view>
 
-#include "values/plain_text.h"
 #include "values/ranges.h"
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
