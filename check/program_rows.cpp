@@ -13,6 +13,8 @@ constexpr DWORD kProgramLimitMs = 20000;
 constexpr DWORD kSweepBeginsMs = 1500;
 
 // What a program is started with: pipes that are read when it has ended, so it may write little.
+constexpr char kNotBeside[] = "it is not beside this program";
+
 struct Ended {
     bool isStarted = false, isInTime = false;
     DWORD code = 0;
@@ -76,7 +78,7 @@ Ended Run(const wchar_t* program, const wchar_t* arguments, How how = How::kPipe
 
 void ProgramRow(Report& report, const std::string& name, const char* expected, const Ended& ended) {
     if (!ended.isStarted) {
-        report.NotSeen(name, expected, "it is not beside this program");
+        report.NotSeen(name, expected, kNotBeside);
         return;
     }
     report.Add(name, expected,
@@ -103,13 +105,17 @@ void ConsoleRows(Report& report) {
     WriteFile(console, "\xC3\xA9x", 3, &written, nullptr);
     SetConsoleOutputCP(former);
     // The two characters moved the cursor off the first column; the line ends there again.
-    Run(L"VnBrowser.exe", L"--none --exit", How::kNoHandles);
+    const Ended ended = Run(L"VnBrowser.exe", L"--none --exit", How::kNoHandles);
     CONSOLE_SCREEN_BUFFER_INFO info = {};
     info.dwCursorPosition.X = 1;
     GetConsoleScreenBufferInfo(console, &info);
     CloseHandle(console);
     std::printf("\n");
     report.Add(name, "3 bytes", Number(written) + " bytes");
+    if (!ended.isStarted) {
+        report.NotSeen(attached, "a line on this console", kNotBeside);
+        return;
+    }
     report.Add(attached, "a line on this console",
                info.dwCursorPosition.X == 0 ? "a line on this console" : "nothing");
 }

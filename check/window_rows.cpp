@@ -97,8 +97,9 @@ void LibraryRows(Report& report) {
         SystemFunction<int(WINAPI*)(HANDLE)>(L"user32.dll", "GetAwarenessFromDpiAwarenessContext");
     const char* const name = "DPI awareness by the manifest";
     if (context && awareness) {
+        const int seen = awareness(context());
         report.Add(name, "2, for each monitor",
-                   Number(awareness(context())) + ", for each monitor");
+                   Number(seen) + (seen == 2 ? ", for each monitor" : ""));
     } else {
         report.NotSeen(name, "2, for each monitor", "this system does not tell");
     }

@@ -63,7 +63,7 @@ def run(net, *options, program=BIN / "windows_check.exe"):
     sniffer.terminate()
     left = int(sniffer.communicate()[0])
     report = folder / "windows_check.md"
-    return done.returncode, report.read_text(encoding="ascii") if report.exists() else None, done.stdout + done.stderr, left
+    return done.returncode, report.read_text(encoding="ascii") if report.is_file() else None, done.stdout + done.stderr, left
 
 
 class Check(unittest.TestCase):
@@ -114,9 +114,14 @@ class Check(unittest.TestCase):
         self.assertEqual((2, None), (code, report))
         self.assertIn("nowhere/report.md cannot be written", printed)
         code, report, printed, _ = run("netb", program=alone)
+        self.assertRegex(report, r"\nSeconds: .*The firewall's policy \d+\.\d, .*\d\.\d\n$")
         self.assertEqual(1, code, printed)
         self.assertIn("| VnDiscover.dll beside this program | loads (0) | does not load (126) | DIFFERENT |", report)
         self.assertIn("| SHA-256 | ba7816bf8f01cfea | ba7816bf8f01cfea | ok |", report)
+        # Where it may not write, it writes into the temporary folder and tells the whole path.
+        (LAB / "check-netb/windows_check.md").unlink()
+        (LAB / "check-netb/windows_check.md").mkdir()
+        self.assertRegex(run("netb", program=alone)[2], r"Please send back [A-Z]:\\.*[Tt]e?mp\\windows_check\.md")
 
 
 if __name__ == "__main__":

@@ -63,7 +63,8 @@ class Workflows(unittest.TestCase):
             self.assertEqual({"name", True, "jobs"}, set(workflow))  # YAML reads "on" as true
             for job in workflow["jobs"].values():
                 self.assertLessEqual({"runs-on", "steps"}, set(job))
-                self.assertLessEqual(set(job), {"runs-on", "steps", "needs", "strategy", "container", "defaults", "env"})
+                self.assertLessEqual(set(job), 
+                    {"runs-on", "steps", "needs", "strategy", "container", "defaults", "env", "timeout-minutes"})
                 for step in job["steps"]:
                     self.assertEqual(1, len({"run", "uses"} & set(step)), step)
                     self.assertLessEqual(set(step), {"run", "uses", "name", "if", "with", "continue-on-error"}, step)

@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/com.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -118,7 +117,6 @@ int Run() {
         return kNone;
     }
     try {
-        const Apartment apartment;
         ModuleEngine engine;
         MainWindow window(engine, options);
         return window.Run();

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/com.h"
 #include "window/controls/owners.h"
 #include "window/controls/saved_focus.h"
 #include "window/main/change_watch.h"
@@ -58,6 +59,7 @@ class MainWindow {
     void StopAll();  // if something is in progress
 
   private:
+    const Apartment apartment_;  // of the thread: dialogs of the shell need it
     struct Message;
     struct MessageRow;
     static const MessageRow kMessages[];

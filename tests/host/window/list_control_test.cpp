@@ -141,6 +141,7 @@ TEST_F(Lists, ColumnsGrowWithTheDpi) {
     list_.SetDpi(96);
     list_.SetDpi(144);
     EXPECT_EQ(150, ListView_GetColumnWidth(list_.Handle(), 0));
+    EXPECT_LT(ScrollBarWidth(96), ScrollBarWidth(192));
 }
 
 // The background alone does not show it there.

@@ -471,6 +471,7 @@ TEST_F(MainWindowTest, ControlsHearOfNewColoursAndSettings) {
         return DefSubclassProc(control, message, wParam, lParam);
     };
     const HWND dialog = PopupOf(window_->Handle());
+    const LRESULT font = SendMessageW(Control(IDC_DEVICES), WM_GETFONT, 0, 0);
     for (const HWND control :
          {GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR), GetDlgItem(dialog, IDC_CALLS)})
         SetWindowSubclass(control, hear, 1, reinterpret_cast<DWORD_PTR>(&heard));
@@ -479,6 +480,7 @@ TEST_F(MainWindowTest, ControlsHearOfNewColoursAndSettings) {
             SendMessageW(window, message, 0, 0);
     }
     EXPECT_EQ(6, heard);
+    EXPECT_NE(font, SendMessageW(Control(IDC_DEVICES), WM_GETFONT, 0, 0));
     window_.reset();
 }
 

@@ -236,7 +236,8 @@ inline std::wstring TypeOf(HWND window) {
     return type;
 }
 
-// The visible controls; each is within the window and overlaps no other.
+// The visible controls; each is within the window and overlaps no other. A letter that no row
+// begins with selects none in lists.
 inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
     RECT client = {};
     GetClientRect(window, &client);
@@ -254,6 +255,9 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
         for (const auto& [other, taken] : places)
             EXPECT_FALSE(IntersectRect(&common, &place, &taken)) << GetDlgCtrlID(other);
         places.emplace_back(child, place);
+        if (!ListControl::Of(child)) continue;
+        NMLVFINDITEMW typed = {{child, 0, LVN_ODFINDITEMW}, -1, {LVFI_STRING, L"\x01"}};
+        EXPECT_EQ(-1, SendMessageW(window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&typed)));
     }
     return places;
 }
@@ -413,7 +417,6 @@ class MainWindowTest : public testing::Test {
         SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&click));
     }
 
-    const Apartment apartment_;
     ScriptedEngine engine_;
     std::optional<MainWindow> window_;
 };
