@@ -1,6 +1,5 @@
 #include <windows.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstring>
 
@@ -9,6 +8,7 @@
 #include "device/device.h"
 #include "platform/console.h"
 #include "platform/result_window.h"
+#include "values/ranges.h"
 #include "values/text.h"
 #include "wsd/wsd_message.h"
 
@@ -55,11 +55,8 @@ void PrintRaw(const char* address, std::string_view reply) {
           PlainText(reply, Breaks::kKeep) + "\n");
 }
 
-bool HasPrinter(std::string_view reply) {
-    for (const ProbeMatch& match : ReadProbeMatches(reply)) {
-        if (std::count(match.types.begin(), match.types.end(), kPrinterType) > 0) return true;
-    }
-    return false;
+bool HasPrinter(const std::vector<ProbeMatch>& matches) {
+    return AnyOf(matches, [](const auto& match) { return Contains(match.types, kPrinterType); });
 }
 
 std::string MakeProbe(const std::string& wanted, const std::string& id) {
@@ -85,14 +82,14 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     size_t others = 0;
     const ResultWindow window([&](const char* address, const char* value) {
         const std::string_view reply = ReplyText(value);
-        const std::string asked = RelatesTo(reply);
-        if (!asked.empty() && asked.find(id) == std::string::npos) return;
-        if (onlyPrinters && !HasPrinter(reply)) {
+        ProbeReply read = ReadReply(reply);
+        if (!read.relatesTo.empty() && read.relatesTo.find(id) == std::string::npos) return;
+        if (onlyPrinters && !HasPrinter(read.matches)) {
             ++others;
             return;
         }
         ++replies;
-        list.Add(address, reply);
+        list.Add(address, std::move(read.matches));
         keeper.Add(address, reply);
         if (options.isRaw) PrintRaw(address, reply);
     });

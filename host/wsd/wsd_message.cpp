@@ -11,8 +11,6 @@
 
 #include <cjson/cJSON.h>
 
-#include <cstdint>
-#include <cstdio>
 #include <pugixml.hpp>
 #include <random>
 
@@ -29,11 +27,9 @@ constexpr char kAddressing10[] = "http://www.w3.org/2005/08/addressing";
 constexpr char kDiscovery[] = "http://schemas.xmlsoap.org/ws/2005/04/discovery";
 constexpr char kDiscovery11[] = "http://docs.oasis-open.org/ws-dd/ns/discovery/2009/01";
 
-struct Prefix {
-    std::string_view prefix;
-    std::string_view uri;
-};
-constexpr Prefix kPrefixes[] = {
+const struct Prefix {
+    std::string prefix, uri;
+} kPrefixes[] = {
     {"wsdp", "http://schemas.xmlsoap.org/ws/2006/02/devprof"},
     {"wprt", "http://schemas.microsoft.com/windows/2006/08/wdp/print"},
     {"wscn", "http://schemas.microsoft.com/windows/2006/08/wdp/scan"},
@@ -86,7 +82,7 @@ std::string ShownType(pugi::xml_node at, const std::string& word) {
     const QName name = Split(word);
     const std::string_view uri = NamespaceOf(at, name.prefix);
     for (const Prefix& known : kPrefixes) {
-        if (known.uri == uri) return std::string(known.prefix) + ":" + PlainText(name.local);
+        if (known.uri == uri) return known.prefix + ":" + PlainText(name.local);
     }
     if (uri.empty()) return PlainText(word);
     return "{" + PlainText(uri) + "}" + PlainText(name.local);
@@ -125,9 +121,8 @@ std::optional<std::string> CheckTypes(std::string_view text, std::string& proble
 std::string BuildProbe(const std::string& types, const std::string& messageId) {
     std::string declarations;
     for (const Prefix& known : kPrefixes) {
-        if (types.find(std::string(known.prefix) + ":") == std::string::npos) continue;
-        declarations +=
-            " xmlns:" + std::string(known.prefix) + "=\"" + std::string(known.uri) + "\"";
+        if (types.find(known.prefix + ":") != std::string::npos)
+            declarations += " xmlns:" + known.prefix + "=\"" + known.uri + "\"";
     }
     const std::string discovery = kDiscovery;
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<soap:Envelope xmlns:soap=\"" +
@@ -142,50 +137,40 @@ std::string BuildProbe(const std::string& types, const std::string& messageId) {
 }
 
 std::string NewUuid() {
+    std::string text = "xxxxxxxx-xxxx-4xxx-yxxx-xxxxxxxxxxxx";  // 4: random; y: the variant
     std::random_device random;
-    uint32_t part[4];
-    for (uint32_t& value : part) value = random();
-    part[1] = (part[1] & 0xFFFF0FFF) | 0x4000;      // version: random
-    part[2] = (part[2] & 0x3FFFFFFF) | 0x80000000;  // variant
-    char text[37];
-    std::snprintf(text, sizeof text, "%08x-%04x-%04x-%04x-%04x%08x", static_cast<unsigned>(part[0]),
-                  static_cast<unsigned>(part[1] >> 16), static_cast<unsigned>(part[1] & 0xFFFF),
-                  static_cast<unsigned>(part[2] >> 16), static_cast<unsigned>(part[2] & 0xFFFF),
-                  static_cast<unsigned>(part[3]));
+    for (char& digit : text) {
+        const unsigned number = digit == 'y' ? 8 | random() % 4 : random() % 16;
+        if (digit == 'x' || digit == 'y') digit = "0123456789abcdef"[number];
+    }
     return text;
 }
 
-std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply) {
-    std::vector<ProbeMatch> matches;
+ProbeReply ReadReply(std::string_view text) {
+    ProbeReply reply;
     pugi::xml_document document;
-    // A reply ends at its first zero byte. One that is cut is not well-formed and gives no matches.
-    if (!document.load_buffer(reply.data(), reply.size())) return matches;
-    const auto body = Child(Child(document, "Envelope", {kSoap}), "Body", {kSoap});
-    const auto list = Child(body, "ProbeMatches", {kDiscovery, kDiscovery11});
+    // It ends at its first zero byte. One that is cut is not well-formed and gives nothing.
+    if (!document.load_buffer(text.data(), text.size())) return reply;
+    const auto envelope = Child(document, "Envelope", {kSoap});
+    const auto related =
+        Child(Child(envelope, "Header", {kSoap}), "RelatesTo", {kAddressing, kAddressing10});
+    reply.relatesTo = PlainText(related.text().get());
+    const auto list =
+        Child(Child(envelope, "Body", {kSoap}), "ProbeMatches", {kDiscovery, kDiscovery11});
     for (const pugi::xml_node child : list.children()) {
         if (Is(child, "ProbeMatch", {kDiscovery, kDiscovery11}))
-            matches.push_back(ReadMatch(child));
+            reply.matches.push_back(ReadMatch(child));
     }
-    return matches;
+    return reply;
 }
 
-std::string RelatesTo(std::string_view reply) {
-    pugi::xml_document document;
-    if (!document.load_buffer(reply.data(), reply.size())) return "";
-    const auto header = Child(Child(document, "Envelope", {kSoap}), "Header", {kSoap});
-    return PlainText(Child(header, "RelatesTo", {kAddressing, kAddressing10}).text().get());
-}
-
-void MatchList::Add(const std::string& address, std::string_view reply) {
-    const std::vector<ProbeMatch> matches = ReadProbeMatches(reply);
-    for (const ProbeMatch& match : matches) AddMatch(address, match);
-    if (matches.empty()) AddMatch(address, ProbeMatch());
-}
-
-void MatchList::AddMatch(const std::string& address, const ProbeMatch& match) {
-    const auto [known, isNew] = places_.try_emplace({address, match.endpoint}, entries_.size());
-    if (isNew) entries_.push_back({address, match, 0});
-    ++entries_[known->second].count;
+void MatchList::Add(const std::string& address, std::vector<ProbeMatch> matches) {
+    if (matches.empty()) matches.emplace_back();
+    for (ProbeMatch& match : matches) {
+        const auto [known, isNew] = places_.try_emplace({address, match.endpoint}, entries_.size());
+        if (isNew) entries_.push_back({address, std::move(match), 0});
+        ++entries_[known->second].count;
+    }
 }
 
 std::string MatchList::Table() const {

@@ -28,29 +28,29 @@ struct ProbeMatch {
     std::vector<std::string> xAddrs;
 };
 
-// Empty if the text is not a well-formed ProbeMatches message of WS-Discovery 2005/04 or 1.1.
-std::vector<ProbeMatch> ReadProbeMatches(std::string_view reply);
+struct ProbeReply {
+    std::string relatesTo;            // the identifier of the Probe; empty: it does not tell
+    std::vector<ProbeMatch> matches;  // of WS-Discovery 2005/04 or 1.1
+};
 
-// The identifier of the message that a reply answers; empty if it does not tell.
-std::string RelatesTo(std::string_view reply);
+// Empty if the text is not a well-formed message.
+ProbeReply ReadReply(std::string_view text);
 
 constexpr char kPrinterType[] = "wprt:PrintDeviceType";
 
 // The devices of one sweep. A device replies once for each adapter from which a Probe reaches it.
 class MatchList {
   public:
+    void Add(const std::string& address, std::vector<ProbeMatch> matches);
+    std::string Table() const;
+    std::string Json() const;
+
+  private:
     struct Entry {
         std::string address;
         ProbeMatch match;  // all empty if the reply could not be parsed
         size_t count;
     };
-    void Add(const std::string& address, std::string_view reply);
-    const std::vector<Entry>& Entries() const { return entries_; }
-    std::string Table() const;
-    std::string Json() const;
-
-  private:
-    void AddMatch(const std::string& address, const ProbeMatch& match);
     std::vector<Entry> entries_;
     std::map<std::pair<std::string, std::string>, size_t> places_;  // by address and endpoint
 };

@@ -99,7 +99,7 @@ class Collector {
                 break;
             case AnswerForm::kReply:
                 if (++replies_ > kMaxReplies) break;
-                for (const ProbeMatch& match : ReadProbeMatches(answer.answer.bytes)) {
+                for (const ProbeMatch& match : ReadReply(answer.answer.bytes).matches) {
                     device_.identity.Add(MergeKey::kEndpoint, match.endpoint);
                     types_.insert(match.types.begin(), match.types.end());
                 }
