@@ -78,9 +78,8 @@ void WriteTexts(const std::string& folder) {
     stop.name = "StopDiscoverSoap";
     WriteCall(folder + "stop", stop);
     std::string shapes;
-    for (size_t index = 0; index < kCallShapeCount; ++index)
-        shapes += std::string(kCallShapes[index].result) + " " + kCallShapes[index].name + "(" +
-                  kCallShapes[index].parameters + ")\n";
+    for (const ExportShape& shape : kCallShapes)
+        shapes += std::string(shape.result) + " " + shape.name + "(" + shape.parameters + ")\n";
     Write(folder + "shapes.txt", shapes);
 }
 

@@ -33,17 +33,49 @@ const ExportShape kCallShapes[] = {
      "const char* host, const char* oid, VnResponseRecord* record, uint32_t timeout, uint32_t "
      "retries, " VN_V3_PARAMETERS},
     {"VxPing", "const char* address, UINT timeout", "BYTE"}};
-const size_t kCallShapeCount = sizeof kCallShapes / sizeof kCallShapes[0];
 
 #undef VN_V3_PARAMETERS
 
 namespace {
 
+// In the programs below, THE_CALL is the call of the export or its declaration, and VALUE how the
+// text of an answer is read: a WS-Discovery reply may have no terminating zero.
+constexpr char kCppHead[] = R"(#include <vndiscover.h>
+
+#include <cstdio>
+#include <cstdlib>
+)";
+
 constexpr char kSharpHead[] = R"(using System;
 using System.Runtime.InteropServices;
 )";
 
-constexpr char kSharpWindow[] = R"(
+struct Program {
+    const char* start;  // of the exports' names
+    const char* cpp;
+    const char* sharpTypes;
+    const char* sharpMain;
+};
+constexpr Program kPrograms[] = {
+    {"Discover",
+     R"(
+// The sweep calls this on its own thread for each answer.
+LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM address, LPARAM value) {
+    if (message != WM_APP) return DefWindowProcA(window, message, address, value);
+    if (address) std::printf("%s\t%.VALUEs\n", (const char*)address, (const char*)value);
+    return 0;
+}
+
+int main() {
+    WNDCLASSA type = {};
+    type.lpfnWndProc = OnMessage;
+    type.lpszClassName = "Results";
+    RegisterClassA(&type);
+    const HWND window = CreateWindowA("Results", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    THE_CALL;
+})",
+     R"(using System.Windows.Forms;
+
 // A message-only window; the sweep calls it on this thread for each answer.
 class Results : NativeWindow {
     public const uint Message = 0x8000;  // WM_APP
@@ -58,9 +90,20 @@ class Results : NativeWindow {
         }
     }
 }
-)";
-
-constexpr char kSharpRecord[] = R"(
+)",
+     R"(        var window = new Results();
+        THE_CALL;
+        GC.KeepAlive(window);
+)"},
+    {"Get",
+     R"(
+int main() {
+    VnResponseRecord record = {};
+    const int32_t result = THE_CALL;
+    std::printf("%d bytes, type %u: %.*s\n", (int)result, record.valueType, record.valueLength,
+                (const char*)record.value);
+})",
+     R"(
 [StructLayout(LayoutKind.Sequential)]
 struct VnResponseRecord {
     public ushort valueType, valueLength;
@@ -70,47 +113,37 @@ struct VnResponseRecord {
     public ushort oidLength;
     [MarshalAs(UnmanagedType.ByValArray, SizeConst = 34)] public byte[] reserved;
 }
-)";
-
-constexpr char kCppHead[] = R"(#include <vndiscover.h>
-
-#include <cstdio>
-#include <cstdlib>
-)";
-
-constexpr char kCppWindow[] = R"(
-// The sweep calls this on its own thread for each answer.
-LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM address, LPARAM value) {
-    if (message != WM_APP) return DefWindowProcA(window, message, address, value);
-    if (address) std::printf("%s\t%.VALUEs\n", (const char*)address, (const char*)value);
-    return 0;
-}
-
+)",
+     R"(        var record = new VnResponseRecord();
+        int result = THE_CALL;
+        Console.WriteLine(result + " bytes, type " + record.valueType + ": " +
+            System.Text.Encoding.UTF8.GetString(record.value, 0, record.valueLength));
+)"},
+    {"VxPing",
+     R"(
 int main() {
-    WNDCLASSA type = {};
-    type.lpfnWndProc = OnMessage;
-    type.lpszClassName = "Results";
-    RegisterClassA(&type);
-    const HWND window = CreateWindowA("Results", "", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-)";
+    const BYTE isThere = THE_CALL;
+    std::printf("%s\n", isThere ? "answered" : "no answer");
+})",
+     "",
+     R"(        byte isThere = THE_CALL;
+        Console.WriteLine(isThere != 0 ? "answered" : "no answer");
+)"},
+    {"Stop", "\nint main() {\n    THE_CALL;\n}", "", "        THE_CALL;\n"}};
 
 constexpr size_t kLineWidth = 96;
-
-constexpr std::string_view kValuePlace = "VALUE";
-
-std::string WithValue(std::string text, const std::string& value) {
-    return text.replace(text.find(kValuePlace), kValuePlace.size(), value);
-}
 
 struct Parameter {
     std::string type, name;
 };
 
-std::optional<std::vector<Parameter>> ParametersOf(const std::string& name) {
-    const auto* shape = FindIf(kCallShapes, [&](const auto& one) { return name == one.name; });
-    if (!shape) return std::nullopt;
+const ExportShape* ShapeOf(const Call& call) {
+    return FindIf(kCallShapes, [&](const auto& one) { return call.name == one.name; });
+}
+
+std::vector<Parameter> ParametersOf(const ExportShape& shape) {
     std::vector<Parameter> parameters;
-    for (const std::string& one : SplitText(shape->parameters, ",")) {
+    for (const std::string& one : SplitText(shape.parameters, ",")) {
         const size_t start = one.front() == ' ' ? 1 : 0, end = one.rfind(' ');
         if (one != "void")
             parameters.push_back({one.substr(start, end - start), one.substr(end + 1)});
@@ -127,11 +160,7 @@ std::string Given(const Call& call, std::string_view name) {
     return argument ? argument->value : "";
 }
 
-bool IsSweep(const Call& call) { return call.name.rfind("Discover", 0) == 0; }
-// Its replies may have no terminating zero.
 bool IsWsd(const Call& call) { return call.name == "DiscoverSoap"; }
-bool IsStop(const Call& call) { return call.name.rfind("Stop", 0) == 0; }
-bool IsPing(const Call& call) { return call.name == "VxPing"; }
 bool IsText(const std::string& type) { return type == "const wchar_t*" || type == "const char*"; }
 
 // As \ooo, since \x would include hex digits that follow.
@@ -193,6 +222,7 @@ std::string Expression(const Call& call, const Parameter& parameter, bool isShar
     return !isSharp && isWide ? "L" + literal : literal;
 }
 
+// Of a parameter, or of a result, which has no name.
 std::string SharpType(const Parameter& parameter) {
     constexpr std::pair<const char*, const char*> kTypes[] = {
         {"HWND", "IntPtr"},
@@ -226,69 +256,46 @@ std::string Wrapped(std::string line, const std::vector<std::string>& parts, siz
     return text + line + ")";
 }
 
-std::string CallOf(const Call& call, const std::vector<Parameter>& parameters,
-                   const std::string& before, bool isSharp) {
-    std::vector<std::string> arguments;
-    arguments.reserve(parameters.size());
-    for (const Parameter& parameter : parameters)
+// `program` with `name` and `parts` in its place, in lines of at most kLineWidth.
+std::string Filled(std::string program, const std::string& name,
+                   const std::vector<std::string>& parts, size_t indent) {
+    constexpr std::string_view kPlace = "THE_CALL";
+    const size_t at = program.find(kPlace), line = program.rfind('\n', at) + 1;
+    return program.replace(line, at + kPlace.size() - line,
+                           Wrapped(program.substr(line, at - line) + name + "(", parts, indent));
+}
+
+std::string WithValue(std::string program, const char* value) {
+    constexpr std::string_view kPlace = "VALUE";
+    const size_t at = program.find(kPlace);
+    if (at != std::string::npos) program.replace(at, kPlace.size(), value);
+    return program;
+}
+
+std::string ProgramText(const Call& call, const ExportShape& shape, const Program& program,
+                        bool isSharp) {
+    std::vector<std::string> arguments, declared;
+    for (const Parameter& parameter : ParametersOf(shape)) {
         arguments.push_back(Expression(call, parameter, isSharp));
-    return Wrapped(before + call.name + "(", arguments, isSharp ? 12 : 8) + ";\n";
-}
-
-std::string CppText(const Call& call, const std::vector<Parameter>& parameters) {
-    std::string text = kCppHead;
-    text +=
-        IsSweep(call) ? WithValue(kCppWindow, IsWsd(call) ? "2048" : "4095") : "\nint main() {\n";
-    if (IsSweep(call) || IsStop(call)) return text + CallOf(call, parameters, "    ", false) + "}";
-    if (IsPing(call)) {
-        text += CallOf(call, parameters, "    const BYTE isThere = ", false);
-        return text + "    std::printf(\"%s\\n\", isThere ? \"answered\" : \"no answer\");\n}";
-    }
-    text += "    VnResponseRecord record = {};\n";
-    text += CallOf(call, parameters, "    const int32_t result = ", false);
-    text +=
-        R"(    std::printf("%d bytes, type %u: %.*s\n", (int)result, record.valueType, record.valueLength,
-                (const char*)record.value);
-})";
-    return text;
-}
-
-std::string SharpText(const Call& call, const std::vector<Parameter>& parameters) {
-    std::string text = kSharpHead;
-    if (IsSweep(call)) {
-        text += "using System.Windows.Forms;\n";
-        text += WithValue(kSharpWindow,
-                          IsWsd(call) ? "Marshal.PtrToStringAnsi(m.LParam, 2048).TrimEnd('\\0')"
-                                      : "Marshal.PtrToStringAnsi(m.LParam)");
-    }
-    const bool hasRecord = !IsSweep(call) && !IsStop(call) && !IsPing(call);
-    if (hasRecord) text += kSharpRecord;
-    std::vector<std::string> declared;
-    declared.reserve(parameters.size());
-    for (const Parameter& parameter : parameters)
         declared.push_back(SharpType(parameter) + " " + parameter.name);
-    text += "\nstatic class Program {\n    [DllImport(\"VnDiscover.dll\")]\n";
-    const std::string result = IsPing(call) ? "byte " : "int ";
-    text += Wrapped("    static extern " + result + call.name + "(", declared, 8) + ";\n\n";
-    text += "    static void Main() {\n";
-    if (IsSweep(call)) text += "        var window = new Results();\n";
-    if (hasRecord) text += "        var record = new VnResponseRecord();\n";
-    const char* const before = hasRecord      ? "        int result = "
-                               : IsPing(call) ? "        byte isThere = "
-                                              : "        ";
-    text += CallOf(call, parameters, before, true);
-    if (IsPing(call))
-        text += "        Console.WriteLine(isThere != 0 ? \"answered\" : \"no answer\");\n";
-    if (IsSweep(call)) text += "        GC.KeepAlive(window);\n";
-    if (hasRecord)
-        text +=
-            "        Console.WriteLine(result + \" bytes, type \" + record.valueType + \": \" +\n"
-            "            System.Text.Encoding.UTF8.GetString(record.value, 0, "
-            "record.valueLength));\n";
-    return text + "    }\n}";
+    }
+    if (!isSharp) {
+        return kCppHead + Filled(WithValue(program.cpp, IsWsd(call) ? "2048" : "4095"), call.name,
+                                 arguments, 8);
+    }
+    const std::string types = WithValue(
+        program.sharpTypes, IsWsd(call) ? "Marshal.PtrToStringAnsi(m.LParam, 2048).TrimEnd('\\0')"
+                                        : "Marshal.PtrToStringAnsi(m.LParam)");
+    const std::string start =
+        "\nstatic class Program {\n    [DllImport(\"VnDiscover.dll\")]\n    static extern " +
+        SharpType({shape.result, ""}) + " THE_CALL;\n\n    static void Main() {\n";
+    return kSharpHead + types + Filled(start, call.name, declared, 8) +
+           Filled(program.sharpMain, call.name, arguments, 12) + "    }\n}";
 }
 
-// A word of the command line. Empty if the shell would not read it as one word, or not literally.
+// Of a command line. One is empty if the shell would not read it as one word, or not literally.
+using Words = std::vector<std::optional<std::string>>;
+
 std::optional<std::string> Word(const std::string& value) {
     const auto isPlain = [](char letter) {
         return std::isalnum(static_cast<unsigned char>(letter)) || (letter & 0x80) ||
@@ -305,85 +312,68 @@ std::optional<std::string> Word(const std::string& value) {
     return "\"" + value + std::string(ends, '\\') + "\"";
 }
 
-class Command {
-  public:
-    explicit Command(const std::string& start) : text_("vndiscover " + start) {}
-    // `option` may be empty; a missing value adds nothing.
-    void Add(const char* option, const CallArgument* argument) {
-        if (!argument || argument->value.empty()) return;
-        const auto word = Word(argument->value);
-        isSafe_ &= word.has_value();
-        if (*option) text_ += std::string(" ") + option;
-        // Secrets come from the environment.
-        text_ += argument->isSecret ? " \"%" + argument->value + "%\"" : " " + word.value_or("");
-    }
-    void AddFlag(const char* flag) { text_ += std::string(" ") + flag; }
-    // The command takes passwords from the environment by itself.
-    void AddUser(const Call& call) {
-        if (!Find(call, "userName")) return Add("--community", Find(call, "readCommunity"));
-        AddFlag("--v3");
-        isSafe_ &= !Given(call, "userName").empty();  // the option requires a name
-        Add("-u", Find(call, "userName"));
-        if (Given(call, "useAuth") == "1") Add("-a", Find(call, "authProtocol"));
-        if (Given(call, "usePriv") == "1") Add("-x", Find(call, "privProtocol"));
-    }
-    std::string Text() const { return isSafe_ ? text_ : ""; }
+// `option` may be empty; a missing value adds nothing.
+void Add(Words& words, const char* option, const CallArgument* argument) {
+    if (!argument || argument->value.empty()) return;
+    if (*option) words.emplace_back(option);
+    // Secrets come from the environment.
+    words.push_back(argument->isSecret ? "\"%" + argument->value + "%\"" : Word(argument->value));
+}
 
-  private:
-    std::string text_;
-    bool isSafe_ = true;
-};
+// The command takes passwords from the environment by itself.
+void AddUser(Words& words, const Call& call) {
+    const CallArgument* const user = Find(call, "userName");
+    if (!user) return Add(words, "--community", Find(call, "readCommunity"));
+    words.emplace_back("--v3");
+    words.emplace_back("-u");
+    words.push_back(Word(user->value));  // the option requires a name
+    if (Given(call, "useAuth") == "1") Add(words, "-a", Find(call, "authProtocol"));
+    if (Given(call, "usePriv") == "1") Add(words, "-x", Find(call, "privProtocol"));
+}
 
 std::string CommandText(const Call& call) {
-    if (IsStop(call)) return "";
-    if (IsWsd(call)) {
+    const bool isPing = call.name == "VxPing", isSweep = call.name.rfind("Discover", 0) == 0;
+    Words words = {"vndiscover"};
+    if (IsWsd(call) || isPing) {
+        words.emplace_back(isPing ? "ping" : "wsd");
         const bool isForPrinters =
             Given(call, "probe").find("PrintDeviceType") != std::string::npos;
-        Command command(isForPrinters ? "wsd" : "wsd --all");
-        command.Add("--timeout", Find(call, "timeout"));
-        return command.Text();
-    }
-    if (IsPing(call)) {
-        Command command("ping");
-        command.Add("", Find(call, "address"));
-        command.Add("--timeout", Find(call, "timeout"));
-        return command.Text();
-    }
-    Command command(IsSweep(call) ? "sweep" : "getnext");
-    if (IsSweep(call)) {
-        if (Given(call, "useIPv6") == "1") command.AddFlag("--ipv6");
-        command.Add("--oid", Find(call, "oid"));
+        if (!isPing && !isForPrinters) words.emplace_back("--all");
+        Add(words, "", Find(call, "address"));
+        Add(words, "--timeout", Find(call, "timeout"));
     } else {
-        command.Add("", Find(call, "host"));
-        command.Add("", Find(call, "oid"));
+        words.emplace_back(isSweep ? "sweep" : "getnext");
+        if (Given(call, "useIPv6") == "1") words.emplace_back("--ipv6");
+        Add(words, "", Find(call, "host"));
+        Add(words, isSweep ? "--oid" : "", Find(call, "oid"));
+        AddUser(words, call);
     }
-    command.AddUser(call);
-    return command.Text();
+    const bool isSafe = AllOf(words, [](const auto& word) { return word.has_value(); });
+    return isSafe ? JoinedAs(
+                        words, [](const auto& word) { return *word; }, " ")
+                  : "";
 }
 
 }  // namespace
 
 std::string CallText(const Call& call, CallLanguage language) {
-    const auto parameters = ParametersOf(call.name);
-    if (!parameters) return "";
-    switch (language) {
-        case CallLanguage::kCpp:
-            return CppText(call, *parameters);
-        case CallLanguage::kCSharp:
-            return SharpText(call, *parameters);
-        default:
-            return CommandText(call);
-    }
+    const ExportShape* const shape = ShapeOf(call);
+    const Program* const program =
+        FindIf(kPrograms, [&](const auto& one) { return call.name.rfind(one.start, 0) == 0; });
+    if (!shape || !program) return "";
+    if (language != CallLanguage::kCommand)
+        return ProgramText(call, *shape, *program, language == CallLanguage::kCSharp);
+    return call.name.rfind("Stop", 0) == 0 ? "" : CommandText(call);
 }
 
 std::string CallLine(const Call& call) {
-    const auto parameters = ParametersOf(call.name);
+    const ExportShape* const shape = ShapeOf(call);
+    const auto parameters = shape ? ParametersOf(*shape) : std::vector<Parameter>();
     std::string line;
     for (const CallArgument& argument : call.arguments) {
         // An argument that the export does not have is part of another one.
-        const bool isOwn = parameters && AnyOf(*parameters, [&](const Parameter& each) {
-                               return each.name == argument.name;
-                           });
+        const bool isOwn =
+            AnyOf(parameters, [&](const auto& one) { return one.name == argument.name; });
         if (!isOwn || argument.name == "probe") continue;
         const bool isNumber = !argument.value.empty() &&
                               argument.value.find_first_not_of("0123456789") == std::string::npos;

@@ -39,7 +39,6 @@ struct ExportShape {
     const char* parameters;
     const char* result = "int32_t";
 };
-extern const ExportShape kCallShapes[];
-extern const size_t kCallShapeCount;
+extern const ExportShape kCallShapes[9];
 
 }  // namespace vndiscover::host
