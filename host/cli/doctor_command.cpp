@@ -2,7 +2,7 @@
 
 #include "cli/commands.h"
 #include "device/device.h"
-#include "model/computer/doctor_report.h"
+#include "model/computer/computer_report.h"
 #include "model/printer/report.h"
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
@@ -72,7 +72,7 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
 int RunOnHost(const DeviceOptions& options) {
     const std::string address = NumericHost(options.host);
     const HostDiagnosis diagnosis = DiagnosisOf(options, address);
-    const auto isOnOwnNetwork = IsOnOwnNetwork(ThisComputer().IPv4(), address);
+    const auto isOnOwnNetwork = IsOnOwnNetwork(IPv4Adapters(), address);
     Report report = ReportOf(diagnosis, isOnOwnNetwork);
     if (diagnosis.v1.outcome == Outcome::kSilent) {
         const std::string doctor = "'vndiscover doctor " + options.host;

@@ -82,7 +82,7 @@ const char* Device::Host() const {
     }
     if (host_ != given) return host_.c_str();
     std::vector<std::string> hosts;
-    for (const AdapterAddress& row : ThisComputer().IPv6().addresses) {
+    for (const AdapterAddress& row : IPv6Adapters().addresses) {
         if (row.isUp == true) hosts.push_back(given + "%" + std::to_string(row.zone));
     }
     for (const bool isPing : {true, false}) {  // a device may ignore pings

@@ -156,7 +156,7 @@ bool ReadState(FirewallState& state) {
 
 }  // namespace
 
-FirewallState ThisComputer::Firewall() const {
+FirewallState ThisFirewall() {
     const Apartment apartment;
     FirewallState state;
     if (!ReadState(state)) return {};

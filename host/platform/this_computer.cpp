@@ -129,39 +129,7 @@ bool IsSwitchedOn(const char* name) {
     return error == ERROR_SUCCESS && value != 0;
 }
 
-}  // namespace
-
-AdapterList ThisComputer::IPv4() const {
-    const OwnedModule helper = LoadIpHelper();
-    const auto infos = ReadInfo(helper);
-    const auto details = ReadDetails(helper);
-    AdapterList list;
-    list.isRead = infos.error == ERROR_SUCCESS || infos.error == ERROR_NO_DATA;
-    list.fits = infos.neededBytes <= kModuleListBytes;
-    for (const auto* info = infos.First(); info; info = info->Next) {
-        ++list.adapters;
-        for (const IP_ADDR_STRING* entry = &info->IpAddressList; entry; entry = entry->Next) {
-            if (entry->IpAddress.String[0] && entry->IpMask.String[0])
-                list.addresses.push_back(RowOf(*info, *entry, details));
-        }
-    }
-    return list;
-}
-
-AdapterList ThisComputer::IPv6() const {
-    const OwnedModule helper = LoadIpHelper();
-    // With the module's flag, because of which the system may refuse the list.
-    const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
-    AdapterList list;
-    list.isRead = adapters.error == ERROR_SUCCESS || adapters.error == ERROR_NO_DATA;
-    for (const auto* adapter = adapters.First(); adapter; adapter = adapter->Next) {
-        ++list.adapters;
-        AddLinkLocal(list, *adapter);
-    }
-    return list;
-}
-
-Route ThisComputer::RouteTo(const char* ipv4Address) const {
+Route RouteTo(const char* ipv4Address) {
     Route route;
     route.target = ipv4Address;
     const OwnedModule helper = LoadIpHelper();
@@ -187,9 +155,47 @@ Route ThisComputer::RouteTo(const char* ipv4Address) const {
     return route;
 }
 
-LogSwitches ThisComputer::Log() const { return {IsSwitchedOn("Debug"), IsSwitchedOn("Dbg2Log")}; }
+}  // namespace
 
-std::string ThisComputer::ProgramPath() const { return OwnPath(); }
+AdapterList IPv4Adapters() {
+    const OwnedModule helper = LoadIpHelper();
+    const auto infos = ReadInfo(helper);
+    const auto details = ReadDetails(helper);
+    AdapterList list;
+    list.isRead = infos.error == ERROR_SUCCESS || infos.error == ERROR_NO_DATA;
+    list.fits = infos.neededBytes <= kModuleListBytes;
+    for (const auto* info = infos.First(); info; info = info->Next) {
+        ++list.adapters;
+        for (const IP_ADDR_STRING* entry = &info->IpAddressList; entry; entry = entry->Next) {
+            if (entry->IpAddress.String[0] && entry->IpMask.String[0])
+                list.addresses.push_back(RowOf(*info, *entry, details));
+        }
+    }
+    return list;
+}
+
+AdapterList IPv6Adapters() {
+    const OwnedModule helper = LoadIpHelper();
+    // With the module's flag, because of which the system may refuse the list.
+    const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
+    AdapterList list;
+    list.isRead = adapters.error == ERROR_SUCCESS || adapters.error == ERROR_NO_DATA;
+    for (const auto* adapter = adapters.First(); adapter; adapter = adapter->Next) {
+        ++list.adapters;
+        AddLinkLocal(list, *adapter);
+    }
+    return list;
+}
+
+Computer ThisComputer() {
+    return {IPv4Adapters(),
+            IPv6Adapters(),
+            RouteTo("255.255.255.255"),
+            RouteTo("239.255.255.250"),
+            ThisFirewall(),
+            {IsSwitchedOn("Debug"), IsSwitchedOn("Dbg2Log")},
+            OwnPath()};
+}
 
 namespace {
 

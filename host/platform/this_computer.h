@@ -6,18 +6,13 @@
 
 namespace vndiscover::host {
 
-// For any thread. A call takes some milliseconds, Firewall perhaps a second.
-class ThisComputer : public Computer {
-  public:
-    AdapterList IPv4() const override;
-    AdapterList IPv6() const override;
-    Route RouteTo(const char* ipv4Address) const override;
-    // The active profiles, and the rules that apply to this program. Unknown if the interface does
-    // not exist or refuses access. Other firewall products are not covered.
-    FirewallState Firewall() const override;
-    LogSwitches Log() const override;
-    std::string ProgramPath() const override;
-};
+// These read the system, for any thread, in some milliseconds; the firewall takes perhaps a second.
+Computer ThisComputer();
+AdapterList IPv4Adapters();
+AdapterList IPv6Adapters();  // link-local addresses only
+// The active profiles, and the rules that apply to this program. Unknown if the interface does
+// not exist or refuses access. Other firewall products are not covered.
+FirewallState ThisFirewall();
 
 // The IPv4 address of a name, dotted, as directed requests resolve it. Addresses, and names that
 // cannot be resolved, are returned unchanged. UTF-8. May take as long as a name server does.

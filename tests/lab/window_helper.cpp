@@ -16,7 +16,7 @@
 #include <string>
 #include <utility>
 
-#include "model/computer/doctor_report.h"
+#include "model/computer/computer_report.h"
 #include "model/printer/printer_facts.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"

@@ -55,22 +55,19 @@ PortVerdict VerdictOn(const FirewallState& state, const FirewallProfile& profile
     return verdict(Passage::kClosed, "no rule lets them in");
 }
 
-void AddOnce(std::vector<std::string>& texts, const std::string& text) {
-    if (!Contains(texts, text)) texts.push_back(text);
-}
-
 // Adds the command that removes what blocks a port, if anything does. Returns false if a rule for
 // all programs does: it is the administrator's choice and may protect others.
 bool AddUnblocking(std::vector<std::string>& commands, const FirewallState& state,
                    const FirewallProfile& profile, unsigned port, const std::string& path) {
     if (profile.blocksAll) {
-        AddOnce(commands, std::string("netsh advfirewall set ") + NameOf(profile.bit) +
-                              "profile firewallpolicy blockinbound," +
-                              (profile.allowsOutbound ? "allowoutbound" : "blockoutbound"));
+        IndexOrAppend(commands, std::string("netsh advfirewall set ") + NameOf(profile.bit) +
+                                    "profile firewallpolicy blockinbound," +
+                                    (profile.allowsOutbound ? "allowoutbound" : "blockoutbound"));
     } else if (const FirewallRule* rule = FindRule(state, profile.bit, port, false)) {
         if (!rule->isForThisProgram) return false;
-        AddOnce(commands,
-                "netsh advfirewall firewall delete rule name=all dir=in program=\"" + path + "\"");
+        IndexOrAppend(
+            commands,
+            "netsh advfirewall firewall delete rule name=all dir=in program=\"" + path + "\"");
     }
     return true;
 }
@@ -88,7 +85,7 @@ FirewallReport ReportOn(const FirewallState& state, const std::string& programPa
             report.ports.push_back(VerdictOn(state, profile, port));
             if (report.ports.back().passage != Passage::kOpen &&
                 AddUnblocking(report.commands, state, profile, port, programPath))
-                AddOnce(profiles, NameOf(profile.bit));
+                IndexOrAppend(profiles, std::string(NameOf(profile.bit)));
         }
     }
     if (!profiles.empty()) {

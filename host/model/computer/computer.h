@@ -1,4 +1,5 @@
-// Facts about this computer that decide what a sweep can find; tests have scripted ones.
+// Facts about this computer that decide what a sweep can find. What could not be read is empty or
+// unknown.
 #pragma once
 
 #include <cstddef>
@@ -61,16 +62,12 @@ struct LogSwitches {
     bool debugger = false, file = false;
 };
 
-// Sends nothing. Each call reads the system again; a failure gives an empty or unknown result.
-class Computer {
-  public:
-    virtual ~Computer() = default;
-    virtual AdapterList IPv4() const = 0;
-    virtual AdapterList IPv6() const = 0;  // link-local addresses only
-    virtual Route RouteTo(const char* ipv4Address) const = 0;
-    virtual FirewallState Firewall() const = 0;
-    virtual LogSwitches Log() const = 0;
-    virtual std::string ProgramPath() const = 0;
+struct Computer {
+    AdapterList ipv4, ipv6;      // ipv6: link-local addresses only
+    Route broadcast, multicast;  // multicast: of WS-Discovery
+    FirewallState firewall;
+    LogSwitches log;
+    std::string programPath;
 };
 
 enum class Passage {

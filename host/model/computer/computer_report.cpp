@@ -11,8 +11,6 @@ namespace {
 
 constexpr unsigned kSilenceSeconds = 2;  // without an answer, after which a sweep goes on
 constexpr size_t kMaxIPv6Addresses = 32;
-constexpr char kBroadcast[] = "255.255.255.255";
-constexpr char kMulticast[] = "239.255.255.250";  // of WS-Discovery
 
 // VPN clients and hypervisors report their adapters as Ethernet, so names are checked before types.
 constexpr std::pair<const char*, const char*> kKindWords[] = {
@@ -54,15 +52,6 @@ bool IsDetour(const SweepRow& row) {
            row.kind == "loopback";
 }
 
-SweepRow RowOf(const AdapterAddress& address, bool isSwept) {
-    return {PlainText(address.address),
-            PlainText(address.adapter),
-            PlainText(address.description),
-            KindOf(address),
-            StateOf(address),
-            isSwept ? kSilenceSeconds : 0};
-}
-
 // IPv6: only of adapters that are up, and no more than the module has room for.
 SweepPlan PlanOf(const AdapterList& list, bool isIPv6) {
     SweepPlan plan;
@@ -70,7 +59,9 @@ SweepPlan PlanOf(const AdapterList& list, bool isIPv6) {
     for (const AdapterAddress& address : list.addresses) {
         const bool hasRoom = plan.seconds < kMaxIPv6Addresses * kSilenceSeconds;
         const bool isSwept = isIPv6 ? hasRoom && address.isUp == true : list.fits;
-        plan.rows.push_back(RowOf(address, isSwept));
+        plan.rows.push_back({PlainText(address.address), PlainText(address.adapter),
+                             PlainText(address.description), KindOf(address), StateOf(address),
+                             isSwept ? kSilenceSeconds : 0});
         plan.seconds += plan.rows.back().seconds;
     }
     return plan;
@@ -114,39 +105,93 @@ void AddFirewall(ComputerReport& report) {
     }
 }
 
-void AddLog(ComputerReport& report) {
-    if (report.log.file)
-        report.notes.push_back(
-            "the log is on: VxAdmSvc.log in the current directory, communities included");
-    if (report.log.debugger) report.notes.push_back("the log is on: lines go to the debugger");
+std::string Seconds(unsigned seconds) { return std::to_string(seconds) + " s"; }
+
+// "eth0: Ethernet, up"
+std::string AdapterText(const SweepRow& row) {
+    const std::string words = Joined({row.kind, row.state});
+    return words.empty() ? row.adapter : row.adapter + ": " + words;
 }
 
-void AddIf(std::vector<std::string>& sentences, const std::string& sentence) {
-    if (!sentence.empty()) sentences.push_back(sentence);
+ReportSection PlanSection(const char* title, const SweepPlan& plan) {
+    const size_t swept = CountIf(plan.rows, [](const SweepRow& row) { return row.seconds != 0; });
+    ReportSection section = {title, {}};
+    section.Add("", swept == 0 ? "is not sent"
+                               : "from " + std::to_string(swept) +
+                                     (swept == 1 ? " address" : " addresses") + ", takes " +
+                                     Seconds(plan.seconds) + " at least");
+    for (const SweepRow& row : plan.rows) {
+        section.Add(row.address, AdapterText(row) + ", " +
+                                     (row.seconds == 0 ? "not swept" : Seconds(row.seconds)));
+    }
+    return section;
+}
+
+std::string RouteText(const Route& route) {
+    if (route.source.empty()) return "no route";
+    return "by " + (route.adapter.empty() ? "" : PlainText(route.adapter) + ", ") + route.source +
+           (route.gateway.empty() ? "" : ", gateway " + route.gateway);
+}
+
+ReportSection FirewallSection(const FirewallReport& report) {
+    ReportSection section = {"Firewall", {}};
+    if (!report.isKnown) section.Add("", "not known here");
+    for (const PortVerdict& verdict : report.ports) {
+        const bool isOpen = verdict.passage == Passage::kOpen;
+        section.Add("",
+                    verdict.profile + " profile, answers from UDP " + std::to_string(verdict.port) +
+                        ": " + PassageText(verdict.passage) + " (" + verdict.reason + ")",
+                    isOpen ? Severity::kFine : Severity::kAttention);
+    }
+    if (report.isOverridden) {
+        section.Add("", "a group policy takes precedence over this; ask who manages this computer",
+                    Severity::kAttention);
+    }
+    if (!report.commands.empty()) section.Add("", "to let answers in, run as an administrator:");
+    for (const std::string& command : report.commands) {
+        section.Add("", command);
+        section.rows.back().isCommand = true;
+    }
+    return section;
+}
+
+std::string LogText(const LogSwitches& log) {
+    if (!log.file && !log.debugger) return "off";
+    return Joined({log.file ? "to VxAdmSvc.log" : "", log.debugger ? "to the debugger" : ""},
+                  " and ");
+}
+
+void AddStep(ReportSection& section, const char* label, const StepResult& step) {
+    const bool isFine = step.outcome == Outcome::kAnswered || step.outcome == Outcome::kNotAsked;
+    section.Add(label, StepText(step), isFine ? Severity::kFine : Severity::kAttention);
 }
 
 }  // namespace
 
 ComputerReport ReportOn(const Computer& computer) {
     ComputerReport report;
-    const AdapterList ipv4 = computer.IPv4();
-    report.ipv4 = PlanOf(ipv4, false);
-    report.ipv6 = PlanOf(computer.IPv6(), true);
-    AddIf(report.causes, IPv4Cause(ipv4, report.ipv4));
-    if (report.ipv6.seconds == 0) {
-        report.notes.push_back(
-            "no adapter that is up has an IPv6 link-local address: no IPv6 sweep is sent");
-    }
-    AddIf(report.notes, DetourNote(report.ipv4));
-    report.routes = {computer.RouteTo(kBroadcast), computer.RouteTo(kMulticast)};
-    if (report.routes[0].source.empty())
-        report.causes.push_back("no route for the broadcast: requests may not be sent");
-    if (report.routes[1].source.empty())
-        report.causes.push_back("no route for the multicast: WS-Discovery Probes may not be sent");
-    report.firewall = ReportOn(computer.Firewall(), computer.ProgramPath());
+    const auto addIf = [](bool isSo, std::vector<std::string>& sentences, const char* sentence) {
+        if (isSo) sentences.emplace_back(sentence);
+    };
+    report.ipv4 = PlanOf(computer.ipv4, false);
+    report.ipv6 = PlanOf(computer.ipv6, true);
+    report.routes = {computer.broadcast, computer.multicast};
+    report.firewall = ReportOn(computer.firewall, computer.programPath);
+    report.log = computer.log;
+    report.causes = {IPv4Cause(computer.ipv4, report.ipv4)};
+    addIf(computer.broadcast.source.empty(), report.causes,
+          "no route for the broadcast: requests may not be sent");
+    addIf(computer.multicast.source.empty(), report.causes,
+          "no route for the multicast: WS-Discovery Probes may not be sent");
+    addIf(report.ipv6.seconds == 0, report.notes,
+          "no adapter that is up has an IPv6 link-local address: no IPv6 sweep is sent");
+    report.notes.push_back(DetourNote(report.ipv4));
     AddFirewall(report);
-    report.log = computer.Log();
-    AddLog(report);
+    addIf(report.log.file, report.notes,
+          "the log is on: VxAdmSvc.log in the current directory, communities included");
+    addIf(report.log.debugger, report.notes, "the log is on: lines go to the debugger");
+    for (std::vector<std::string>* const sentences : {&report.causes, &report.notes})
+        EraseIf(*sentences, [](const std::string& sentence) { return sentence.empty(); });
     return report;
 }
 
@@ -156,6 +201,63 @@ std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& h
     return AnyOf(ipv4.addresses, [&](const AdapterAddress& row) {
         return !CommonNetwork(*target, row.address, row.mask).empty();
     });
+}
+
+const char* PassageText(Passage passage) {
+    return passage == Passage::kOpen    ? "in"
+           : passage == Passage::kBrief ? "in briefly"
+                                        : "kept out";
+}
+
+const char* OutcomeText(Outcome outcome) {
+    constexpr const char* kTexts[] = {"not asked", "answered", "no answer", "refused", "not sent"};
+    return kTexts[static_cast<size_t>(outcome)];
+}
+
+std::string StepText(const StepResult& step) {
+    std::string outcome = OutcomeText(step.outcome);
+    if (step.ms > 0) outcome += " after " + SecondsText(step.ms);
+    return step.detail.empty() ? outcome : outcome + ": " + step.detail;
+}
+
+Report ReportOf(const ComputerReport& computer, const char* verdict) {
+    ReportSection first, log;
+    for (const std::string& cause : computer.causes) first.Add(verdict, cause, Severity::kCritical);
+    if (computer.causes.empty())
+        first.Add(verdict, "nothing seen here keeps a sweep from finding devices");
+    for (const std::string& note : computer.notes) first.Add("Note", note, Severity::kAttention);
+    ReportSection routes = {"Routes", {}};
+    for (const Route& route : computer.routes) {
+        routes.Add(route.target, RouteText(route),
+                   route.source.empty() ? Severity::kCritical : Severity::kFine);
+    }
+    log.Add("Log", LogText(computer.log));
+    return {
+        first,  PlanSection("IPv4 sweep", computer.ipv4), PlanSection("IPv6 sweep", computer.ipv6),
+        routes, FirewallSection(computer.firewall),       log};
+}
+
+Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork) {
+    ReportSection section;
+    if (!diagnosis) {
+        section.Add("Verdict", "the device is being asked", Severity::kUnknown);
+        return {section};
+    }
+    section.Add("Verdict", VerdictOn(*diagnosis),
+                IsUsable(*diagnosis)   ? Severity::kFine
+                : diagnosis->isStopped ? Severity::kUnknown
+                                       : Severity::kCritical);
+    if (isOnOwnNetwork == false) {
+        section.Add("Note",
+                    "the device is on none of this computer's networks: sweeps do not reach it, "
+                    "directed requests do",
+                    Severity::kAttention);
+    }
+    AddStep(section, "Ping", diagnosis->ping);
+    AddStep(section, "SNMPv1", diagnosis->v1);
+    AddStep(section, "SNMPv3 engine", diagnosis->discovery);
+    AddStep(section, "SNMPv3 user", diagnosis->user);
+    return {section};
 }
 
 }  // namespace vndiscover::host

@@ -1,11 +1,13 @@
-// A report on what decides which devices a sweep of this computer can find.
+// Reports on what decides which devices a sweep of this computer can find, and on one device.
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "model/asking/host_diagnosis.h"
 #include "model/computer/computer.h"
+#include "model/printer/report.h"
 
 namespace vndiscover::host {
 
@@ -36,5 +38,17 @@ ComputerReport ReportOn(const Computer& computer);
 
 // Whether broadcasts of this computer reach `host`; empty if that is not a dotted IPv4 address.
 std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host);
+
+// `verdict`: the label of the first rows.
+Report ReportOf(const ComputerReport& computer, const char* verdict = "Verdict");
+
+// `diagnosis`: empty as long as the device is being asked. `isOnOwnNetwork`: see IsOnOwnNetwork.
+Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork);
+
+// "in", "in briefly", "kept out"
+const char* PassageText(Passage passage);
+// "answered", "no answer", ...
+const char* OutcomeText(Outcome outcome);
+std::string StepText(const StepResult& step);
 
 }  // namespace vndiscover::host

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "model/asking/json_request.h"
-#include "model/computer/doctor_report.h"
+#include "model/computer/computer_report.h"
 #include "values/json_output.h"
 #include "values/text.h"
 #include "values/value_text.h"

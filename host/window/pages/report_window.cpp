@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "model/computer/doctor_report.h"
+#include "model/computer/computer_report.h"
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"

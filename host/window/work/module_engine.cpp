@@ -140,12 +140,12 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
     steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
     steps.hasUser = target.credentials.security != nullptr;
     steps.address = target.address;
-    steps.hasRoute = IsOnOwnNetwork(ThisComputer().IPv4(), target.address) == true;
+    steps.hasRoute = IsOnOwnNetwork(IPv4Adapters(), target.address) == true;
     steps.mayGoOn = std::move(mayGoOn);
     return host::Diagnose(steps);
 }
 
-AdapterList ModuleEngine::IPv4() { return ThisComputer().IPv4(); }
+AdapterList ModuleEngine::IPv4() { return IPv4Adapters(); }
 ComputerReport ModuleEngine::Report() { return ReportOn(ThisComputer()); }
 
 namespace {

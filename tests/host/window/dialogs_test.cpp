@@ -2,7 +2,7 @@
 #include <functional>
 #include <thread>
 
-#include "model/computer/doctor_report.h"
+#include "model/computer/computer_report.h"
 #include "scripted_window.h"
 #include "values/text.h"
 #include "window/store/profiles.h"

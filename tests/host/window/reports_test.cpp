@@ -1,7 +1,7 @@
 // Each row of a report is on the window's page and in the console's text.
 #include <algorithm>
 
-#include "model/computer/doctor_report.h"
+#include "model/computer/computer_report.h"
 #include "model/printer/report.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/scan_report.h"

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "model/computer/doctor_report.h"
+#include <algorithm>
+
+#include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -11,32 +13,18 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr char kProgram[] = "C:\\Tools\\vndiscover.exe";
-constexpr char kAdd[] =
-    "netsh advfirewall firewall add rule name=\"VnDiscover\" dir=in action=allow "
-    "program=\"C:\\Tools\\vndiscover.exe\" protocol=udp remoteport=161,3702 profile=";
-constexpr char kDelete[] =
-    "netsh advfirewall firewall delete rule name=all dir=in "
-    "program=\"C:\\Tools\\vndiscover.exe\"";
-
-struct ScriptedComputer : Computer {
-    AdapterList ipv4{true, true, 1, {{"10.77.1.1", "255.255.255.0", "eth0", "", 6, true}}};
-    AdapterList ipv6{true, true, 1, {{"fe80::1", "", "eth0", "", 6, true}}};
-    FirewallState firewall;
-    std::string noRouteTo;
-
-    AdapterList IPv4() const override { return ipv4; }
-    AdapterList IPv6() const override { return ipv6; }
-    Route RouteTo(const char* target) const override {
-        return {target, "eth0", noRouteTo == target ? "" : "10.77.1.1", ""};
-    }
-    FirewallState Firewall() const override { return firewall; }
-    LogSwitches Log() const override { return {}; }
-    std::string ProgramPath() const override { return kProgram; }
-};
+Computer Usual() {
+    Computer computer;
+    computer.ipv4 = {true, true, 1, {{"10.77.1.1", "255.255.255.0", "eth0", "", 6, true}}};
+    computer.ipv6 = {true, true, 1, {{"fe80::1", "", "eth0", "", 6, true}}};
+    computer.broadcast = {"255.255.255.255", "eth0", "10.77.1.1", ""};
+    computer.multicast = {"239.255.255.250", "eth0", "10.77.1.1", ""};
+    computer.programPath = "C:\\Tools\\vndiscover.exe";
+    return computer;
+}
 
 TEST(ComputerReport, ListsAddressesInTheSweepsOrderWithTheirTime) {
-    ScriptedComputer computer;
+    Computer computer = Usual();
     computer.ipv4.addresses = {{"10.8.0.2", "255.255.255.0", "Office", "Some VPN", 6, true},
                                {"0.0.0.0", "0.0.0.0", "Wi-Fi", "", 71, false},
                                {"169.254.7.7", "255.255.0.0", "LAN 2", "", 6, true},
@@ -59,7 +47,7 @@ TEST(ComputerReport, ListsAddressesInTheSweepsOrderWithTheirTime) {
 
 TEST(ComputerReport, NamesCausesThatPreventASweep) {
     const auto causes = [](auto change) {
-        ScriptedComputer computer;
+        Computer computer = Usual();
         change(computer);
         return ReportOn(computer).causes;
     };
@@ -72,15 +60,15 @@ TEST(ComputerReport, NamesCausesThatPreventASweep) {
                 ElementsAre(HasSubstr("no adapter that is up")));
     EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses[0].address = "169.254.3.4"; }),
                 ElementsAre(HasSubstr("only automatic addresses")));
-    EXPECT_THAT(causes([](auto& it) { it.noRouteTo = "255.255.255.255"; }),
+    EXPECT_THAT(causes([](auto& it) { it.broadcast.source.clear(); }),
                 ElementsAre(HasSubstr("no route for the broadcast")));
-    EXPECT_THAT(causes([](auto& it) { it.noRouteTo = "239.255.255.250"; }),
+    EXPECT_THAT(causes([](auto& it) { it.multicast.source.clear(); }),
                 ElementsAre(HasSubstr("no route for the multicast")));
     EXPECT_THAT(causes([](auto& it) { it.ipv6 = {}; }), IsEmpty());
 }
 
 TEST(ComputerReport, LimitsIPv6AddressesLikeTheModule) {
-    ScriptedComputer computer;
+    Computer computer = Usual();
     computer.ipv6.addresses.resize(33, computer.ipv6.addresses[0]);
     const ComputerReport report = ReportOn(computer);
     EXPECT_EQ(64u, report.ipv6.seconds);
@@ -88,92 +76,74 @@ TEST(ComputerReport, LimitsIPv6AddressesLikeTheModule) {
 }
 
 TEST(ComputerReport, KnowsItsOwnNetworks) {
-    AdapterList list = ScriptedComputer().ipv4;
+    AdapterList list = Usual().ipv4;
     list.addresses.push_back({"0.0.0.0", "0.0.0.0", "", "", 6, false});
     EXPECT_EQ(true, IsOnOwnNetwork(list, "10.77.1.255"));
     EXPECT_EQ(false, IsOnOwnNetwork(list, "10.77.2.1"));
     EXPECT_EQ(std::nullopt, IsOnOwnNetwork(list, "printer"));
 }
 
-struct FirewallCase {
-    const char* name;
-    FirewallProfile profile;
-    std::vector<FirewallRule> rules;
-    Passage snmp, wsd;
-    std::vector<std::string> commands;
-};
-
-class Firewall : public testing::TestWithParam<FirewallCase> {};
-
-TEST_P(Firewall, BlockingRulesTakePrecedence) {
-    ScriptedComputer computer;
-    computer.firewall = {true, {GetParam().profile}, GetParam().rules};
-    const ComputerReport report = ReportOn(computer);
-    ASSERT_EQ(2u, report.firewall.ports.size());
-    EXPECT_EQ(GetParam().snmp, report.firewall.ports[0].passage);
-    EXPECT_EQ(GetParam().wsd, report.firewall.ports[1].passage);
-    EXPECT_EQ(GetParam().commands, report.firewall.commands);
-    const size_t closed =
-        (GetParam().snmp == Passage::kClosed) + (GetParam().wsd == Passage::kClosed);
-    EXPECT_EQ(closed, report.causes.size());
-}
-
 TEST(ComputerReport, TellsThatAPolicyTakesPrecedence) {
-    ScriptedComputer computer;
+    Computer computer = Usual();
     computer.firewall.isOverridden = true;
     EXPECT_THAT(ReportOf(ReportOn(computer))[4].rows[1].text, HasSubstr("a group policy"));
 }
 
-constexpr FirewallProfile kDefault = {kPrivate, true, false, false, true};
-constexpr FirewallProfile kStrict = {kPublic, true, false, false, false};
-const FirewallRule kAllow = {"ours", "161,3700-3702", kPrivate, true, true};
-const FirewallRule kBlock = {"refused", "*", kPrivate | kPublic, false, true};
-const FirewallRule kBlockAll = {"policy", "3702", kPrivate, false, false};
-INSTANTIATE_TEST_SUITE_P(
-    Table, Firewall,
-    testing::Values(
-        FirewallCase{"Off",
-                     {kPrivate, false, true, false, false},
-                     {kBlock},
-                     Passage::kOpen,
-                     Passage::kOpen,
-                     {}},
-        FirewallCase{"NoRule",
-                     kDefault,
-                     {},
-                     Passage::kBrief,
-                     Passage::kBrief,
-                     {std::string(kAdd) + "private"}},
-        FirewallCase{"NoRuleInPublic",
-                     kStrict,
-                     {kAllow},
-                     Passage::kClosed,
-                     Passage::kClosed,
-                     {std::string(kAdd) + "public"}},
-        FirewallCase{"Allowed", kDefault, {kAllow}, Passage::kOpen, Passage::kOpen, {}},
-        FirewallCase{"AllowedByDefault",
-                     {kPublic, true, false, true, false},
-                     {},
-                     Passage::kOpen,
-                     Passage::kOpen,
-                     {}},
-        FirewallCase{"BlockOutweighs",
-                     kDefault,
-                     {kAllow, kBlock},
-                     Passage::kClosed,
-                     Passage::kClosed,
-                     {kDelete, std::string(kAdd) + "private"}},
-        FirewallCase{
-            "OthersRuleStays", kDefault, {kAllow, kBlockAll}, Passage::kOpen, Passage::kClosed, {}},
-        FirewallCase{"BlocksEverything",
-                     {kDomain, true, true, true, true, false},
-                     {kAllow},
-                     Passage::kClosed,
-                     Passage::kClosed,
-                     {"netsh advfirewall set domainprofile firewallpolicy "
-                      "blockinbound,blockoutbound",
-                      std::string(kAdd) + "domain"}}),
-    [](const auto& row) { return row.param.name; });
+struct FirewallRow {
+    const char* name;
+    FirewallProfile profile;
+    std::vector<FirewallRule> rules;
+    const char* passages;  // of SNMP and of WS-Discovery
+    std::vector<std::string> commands;
+};
+
+TEST(Firewall, BlockingRulesTakePrecedence) {
+    const FirewallProfile usual = {kPrivate, true, false, false, true};
+    const FirewallRule allow = {"ours", "161,3700-3702", kPrivate, true, true};
+    const FirewallRule block = {"refused", "*", kPrivate | kPublic, false, true};
+    const FirewallRule policy = {"policy", "3702", kPrivate, false, false};
+    const std::string add =
+        "netsh advfirewall firewall add rule name=\"VnDiscover\" dir=in action=allow "
+        "program=\"C:\\Tools\\vndiscover.exe\" protocol=udp remoteport=161,3702 profile=";
+    const FirewallRow rows[] = {
+        {"off", {kPrivate, false, true, false, false}, {block}, "in, in", {}},
+        {"no rule", usual, {}, "in briefly, in briefly", {add + "private"}},
+        {"of another profile",
+         {kPublic, true, false, false, false},
+         {allow},
+         "kept out, kept out",
+         {add + "public"}},
+        {"allowed", usual, {allow}, "in, in", {}},
+        {"allowed by default", {kPublic, true, false, true, false}, {}, "in, in", {}},
+        {"blocked and allowed",
+         usual,
+         {allow, block},
+         "kept out, kept out",
+         {"netsh advfirewall firewall delete rule name=all dir=in "
+          "program=\"C:\\Tools\\vndiscover.exe\"",
+          add + "private"}},
+        {"blocked by an administrator", usual, {allow, policy}, "in, kept out", {}},
+        {"all is blocked",
+         {kDomain, true, true, true, true, false},
+         {allow},
+         "kept out, kept out",
+         {"netsh advfirewall set domainprofile firewallpolicy blockinbound,blockoutbound",
+          add + "domain"}}};
+    for (const FirewallRow& row : rows) {
+        Computer computer = Usual();
+        computer.firewall = {true, {row.profile}, row.rules};
+        const ComputerReport report = ReportOn(computer);
+        const auto& ports = report.firewall.ports;
+        EXPECT_EQ(row.passages,
+                  JoinedAs(ports, [](const auto& port) { return PassageText(port.passage); }))
+            << row.name;
+        EXPECT_EQ(row.commands, report.firewall.commands) << row.name;
+        const auto closed = std::count_if(ports.begin(), ports.end(), [](const auto& port) {
+            return port.passage == Passage::kClosed;
+        });
+        EXPECT_EQ(static_cast<size_t>(closed), report.causes.size()) << row.name;
+    }
+}
 
 }  // namespace
 }  // namespace vndiscover::host
