@@ -22,8 +22,8 @@ namespace {
 void SortWorstFirst(std::vector<PrinterLine>& printers) {
     const auto order = [](const PrinterLine& printer) {
         const std::string address = printer.addresses.empty() ? "" : printer.addresses.front();
-        return std::make_tuple(SeverityOrder(printer.summary.severity),
-                               printer.summary.lowestSupply.value_or(101), AddressOrder(address));
+        return std::make_tuple(printer.summary.severity, printer.summary.lowestSupply.value_or(101),
+                               AddressOrder(address));
     };
     std::stable_sort(printers.begin(), printers.end(),
                      [&](const auto& one, const auto& other) { return order(one) < order(other); });

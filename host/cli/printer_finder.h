@@ -9,7 +9,7 @@
 
 #include "device/ask_process.h"
 #include "model/printer/fleet.h"
-#include "model/printer/printer_summary.h"
+#include "model/printer/report.h"
 #include "model/scan/scan.h"
 
 namespace vndiscover::host {

@@ -4,6 +4,7 @@
 
 #include "values/module_types.h"
 #include "values/ranges.h"
+#include "values/text.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -60,25 +61,20 @@ std::string CutNote(const Answer& answer) {
 }
 
 std::string Problem(const Answer& answer) {
-    switch (answer.status) {
-        case Status::kAnswered:
-            return "";
-        case Status::kSendFailed:
-            return "the request could not be sent";
-        case Status::kUnreadable:
-            return answer.note.empty() ? "the answer could not be read" : answer.note;
-        case Status::kSilentHere:
-            return "no answer to this, although the device answers" +
-                   (answer.note.empty() ? "" : ": " + answer.note);
-        case Status::kRefused:
-            return "refused: " + answer.note;
-        case Status::kOnlyDiscovered:
-            return "no readable answer, though the device gave its engine ID: wrong privacy "
-                   "password or protocol, or a value of more than 126 bytes";
-        case Status::kNoAnswer:
-            break;
-    }
-    return "no answer";
+    constexpr std::pair<Status, const char*> kTexts[] = {
+        {Status::kAnswered, ""},
+        {Status::kSendFailed, "the request could not be sent"},
+        {Status::kUnreadable, "the answer could not be read"},
+        {Status::kSilentHere, "no answer to this, although the device answers"},
+        {Status::kOnlyDiscovered,
+         "no readable answer, though the device gave its engine ID: wrong privacy password or "
+         "protocol, or a value of more than 126 bytes"},
+        {Status::kRefused, "refused: "}};
+    const auto* known = FindIf(kTexts, [&](const auto& one) { return one.first == answer.status; });
+    const std::string text = known ? known->second : "no answer";
+    if (answer.status == Status::kRefused) return text + answer.note;
+    if (answer.status == Status::kSilentHere) return Joined({text, answer.note}, ": ");
+    return answer.status == Status::kUnreadable && !answer.note.empty() ? answer.note : text;
 }
 
 const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type) {
@@ -108,17 +104,16 @@ bool PatientAsker::HasSign(const Oid& oid) {
 }
 
 Answer PatientAsker::Ask(const Oid& oid, const std::function<Answer()>& ask) {
-    const auto mayGoOn = [&] { return !asker_.mayGoOn || asker_.mayGoOn(); };
     if (const auto known = silent_.find(oid); known != silent_.end()) return known->second;
     Answer answer = ask();
-    if (IsSilence(answer) && hasAnswered_ && mayGoOn()) answer = ask();
+    if (IsSilence(answer) && hasAnswered_ && asker_.MayGoOn()) answer = ask();
     if (!IsSilence(answer)) {
         hasAnswered_ = hasAnswered_ || answer.status != Status::kSendFailed;
         return answer;
     }
-    if (!mayGoOn() || !HasSign(oid)) return answer;
+    if (!asker_.MayGoOn() || !HasSign(oid)) return answer;
     hasAnswered_ = true;
-    if (mayGoOn()) answer = ask();
+    if (asker_.MayGoOn()) answer = ask();
     if (!IsSilence(answer)) return answer;
     const bool isV3 = answer.status == Status::kOnlyDiscovered;
     return silent_[oid] =

@@ -28,9 +28,8 @@ struct Answer {
     Oid oid;  // of the answer, or of the request if there is none
     uint32_t type = 0;
     std::string bytes;
-    size_t wholeSize =
-        0;             // of the value at the device; if more than bytes.size(), the rest is missing
-    std::string note;  // details of a problem, may be empty
+    size_t wholeSize = 0;  // at the device; if more than bytes.size(), the rest is missing
+    std::string note;      // details of a problem, may be empty
     std::string sender{};  // numeric address; empty: unknown
 };
 
@@ -64,14 +63,14 @@ struct Asker {
     bool isV3 = false;
     std::function<bool()> mayGoOn;   // called before each request; empty: always
     std::function<int64_t()> nowMs;  // for the time limit; empty: the system's clock
-};
 
-inline int64_t NowMs(const Asker& asker) {
-    using std::chrono::milliseconds;
-    if (asker.nowMs) return asker.nowMs();
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<milliseconds>(now).count();
-}
+    bool MayGoOn() const { return !mayGoOn || mayGoOn(); }
+    int64_t NowMs() const {
+        using std::chrono::milliseconds;
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return nowMs ? nowMs() : std::chrono::duration_cast<milliseconds>(now).count();
+    }
+};
 
 // Repeats what gets no answer. The datagram may have been lost, so it is sent once more. If there
 // is still no answer, sysUpTime tells whether the device is silent or only this variable. If the

@@ -14,24 +14,16 @@ const Oid kSysDescr = {1, 3, 6, 1, 2, 1, 1, 1, 0};
 
 // An answer without a value, or one that cannot be read, counts: the device accepted the request.
 StepResult ResultOf(const Answer& answer, int64_t ms) {
-    switch (answer.status) {
-        case Status::kAnswered:
-        case Status::kUnreadable:
-        case Status::kSilentHere:
-            return {Outcome::kAnswered, "", ms};
-        case Status::kSendFailed:
-            return {Outcome::kNotSent, "", ms};
-        case Status::kRefused:
-            return {Outcome::kRefused, answer.note, ms};
-        case Status::kOnlyDiscovered:
-            return {
-                Outcome::kSilent,
-                "wrong privacy password or protocol, or the device drops requests that it refuses",
-                ms};
-        case Status::kNoAnswer:
-            break;
-    }
-    return {Outcome::kSilent, "", ms};
+    // In the order of Status.
+    constexpr Outcome kOutcomes[] = {Outcome::kAnswered, Outcome::kSilent,   Outcome::kNotSent,
+                                     Outcome::kAnswered, Outcome::kAnswered, Outcome::kSilent,
+                                     Outcome::kRefused};
+    StepResult result = {kOutcomes[static_cast<size_t>(answer.status)], "", ms};
+    if (answer.status == Status::kRefused) result.detail = answer.note;
+    if (answer.status == Status::kOnlyDiscovered)
+        result.detail =
+            "wrong privacy password or protocol, or the device drops requests that it refuses";
+    return result;
 }
 
 // How long sweeps, and every request over SNMPv3, wait for an answer.
@@ -86,9 +78,9 @@ StepResult ResultOfAsking(const DiagnosisSteps& steps, const Asker& asker, Answe
     int64_t spentMs = 0;  // by the last request
     Asker timed = asker;
     timed.getNext = [&](const Oid& oid) {
-        const int64_t startMs = NowMs(steps.v1);
+        const int64_t startMs = steps.v1.NowMs();
         Answer one = asker.getNext(oid);
-        spentMs = NowMs(steps.v1) - startMs;
+        spentMs = steps.v1.NowMs() - startMs;
         return one;
     };
     answer = PatientAsker(timed).GetNext(kSysDescr);
@@ -105,9 +97,9 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     diagnosis.hasRoute = steps.hasRoute;
     const auto mustStop = [&] { return diagnosis.isStopped = steps.mayGoOn && !steps.mayGoOn(); };
     if (mustStop()) return diagnosis;
-    const int64_t startMs = NowMs(steps.v1);
+    const int64_t startMs = steps.v1.NowMs();
     diagnosis.ping.outcome = steps.ping() ? Outcome::kAnswered : Outcome::kSilent;
-    diagnosis.ping.ms = NowMs(steps.v1) - startMs;
+    diagnosis.ping.ms = steps.v1.NowMs() - startMs;
     Answer answer;
     if (mustStop()) return diagnosis;
     diagnosis.v1 = ResultOfAsking(steps, steps.v1, answer, diagnosis.sender);

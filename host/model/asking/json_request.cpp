@@ -8,12 +8,6 @@
 namespace vndiscover::host {
 namespace {
 
-std::string_view WithoutByteOrderMark(std::string_view text) {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    if (text.substr(0, kMark.size()) == kMark) text.remove_prefix(kMark.size());
-    return text;
-}
-
 // "sysName.0" as ".1.3.6.1.2.1.1.5.0"; what is no name stays.
 std::string Numeric(const char* text) {
     const auto oid = ParseOidOrName(text ? text : "");
@@ -34,8 +28,10 @@ void ReplaceNames(cJSON* request) {
 }  // namespace
 
 std::optional<std::string> PrepareRequest(std::string_view text, std::string& problem) {
-    const std::string_view request = WithoutByteOrderMark(text);
-    const JsonItem parsed(cJSON_ParseWithLength(request.data(), request.size()));
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark)
+        text.remove_prefix(kByteOrderMark.size());
+    const JsonItem parsed(cJSON_ParseWithLength(text.data(), text.size()));
     if (!cJSON_IsObject(parsed.get())) {
         problem = "does not hold a JSON object";
         return std::nullopt;

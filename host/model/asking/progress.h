@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace vndiscover::host {
 
@@ -23,7 +24,7 @@ class Progress {
     void ForgetSearch() { last_ = Kind::kReady; }
     bool IsSearching() const { return isSearching_; }
     bool IsStopping() const { return isStopping_; }
-    bool IsWalking() const { return !walked_.empty(); }
+    bool IsWalking() const { return !walked_.address.empty(); }
     bool HasSearched() const { return last_ != Kind::kReady; }
     bool WasStopped() const { return last_ == Kind::kStopped; }
     size_t Answers() const { return answers_; }  // to the last search
@@ -31,8 +32,8 @@ class Progress {
     void SetAddresses(size_t addresses) { addresses_ = addresses; }
 
     // One device is asked for its details or for why it is silent.
-    void BeginAsking(const std::string& address);
-    void EndAsking() { asked_.clear(); }
+    void BeginAsking(const std::string& address) { asked_ = {address, nowMs_()}; }
+    void EndAsking() { asked_ = {}; }
 
     // All devices are read, each for the list.
     void BeginReadingAll() { readMs_ = nowMs_(); }
@@ -45,12 +46,18 @@ class Progress {
         last_ = Kind::kRead;
     }
 
-    void BeginWalk(const std::string& address);
+    void BeginWalk(const std::string& address) {
+        walked_ = {address, nowMs_()};
+        values_ = 0;
+    }
     void CountValue() { ++values_; }
-    void EndWalk() { walked_.clear(); }
+    void EndWalk() { walked_ = {}; }
 
     // What the user's last action led to. Shown for kNoteMs, and then while nothing is in progress.
-    void SetNote(std::wstring note);
+    void SetNote(std::wstring note) {
+        note_ = std::move(note);
+        noteMs_ = nowMs_();
+    }
     void ClearNote() { note_.clear(); }
     const std::wstring& Note() const { return note_; }
     static constexpr int64_t kNoteMs = 4000;
@@ -77,7 +84,7 @@ class Progress {
         size_t count = 0;
         size_t total = 0;
         // Of the request that has waited longest for its answer; empty if it came within kWaitMs.
-        std::string address;
+        std::string address{};
         int64_t waitSeconds = 0;
         size_t unread = 0;
     };
@@ -95,8 +102,10 @@ class Progress {
     Kind last_ = Kind::kReady;  // or kDone, kStopped, kRead: how what came last ended
     size_t sweepsLeft_ = 0, answers_ = 0, addresses_ = 0;
     int64_t searchMs_ = 0, searchEndMs_ = 0, stopMs_ = 0;
-    std::string asked_, walked_;  // addresses; empty: none
-    int64_t askMs_ = 0, walkMs_ = 0;
+    struct Device {
+        std::string address;  // empty: none
+        int64_t startMs = 0;
+    } asked_, walked_;
     int64_t readMs_ = 0, readEndMs_ = 0;
     Read read_;
     size_t values_ = 0;

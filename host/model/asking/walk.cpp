@@ -25,6 +25,11 @@ Oid WalkStart(const Oid& root) {
     return start;
 }
 
+namespace {
+
+// OIDs after `at`, in ascending order. A get-next request for one that is not before the device's
+// next variable gets past it. They are guessed from the rows and columns `seen` so far, which are
+// in ascending order, from the standard objects, and from the subtrees of `root`.
 std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>& seen) {
     constexpr uint32_t kRows = 32, kSubtrees = 64;
     std::set<Oid> ways;
@@ -63,8 +68,6 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
     return {ways.begin(), ways.end()};
 }
 
-namespace {
-
 class Walk {
   public:
     Walk(const Asker& asker, const Oid& root) : asker_(asker), patient_(asker), root_(root) {
@@ -96,10 +99,7 @@ class Walk {
     }
 
   private:
-    bool HasStopped() {
-        if (!end_.isStopped) end_.isStopped = asker_.mayGoOn && !asker_.mayGoOn();
-        return end_.isStopped;
-    }
+    bool HasStopped() { return end_.isStopped = end_.isStopped || !asker_.MayGoOn(); }
 
     // The OID whose request got past the variable, with the answer in end_.last; otherwise that is
     // the failure. If the variable is beyond the subtree, end_.step is kEnd.

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <functional>
-#include <vector>
 
 #include "model/asking/answer.h"
 
@@ -39,10 +38,5 @@ Oid WalkStart(const Oid& root);
 WalkEnd WalkSubtree(const Asker& asker, const Oid& root,
                     const std::function<bool(const Answer&)>& onVariable,
                     const std::function<void(const Answer&)>& onSkipped = {});
-
-// OIDs after `at`, in ascending order. A get-next request for one that is not before the device's
-// next variable gets past it. They are guessed from the rows and columns `seen` so far, which are
-// in ascending order, from the standard objects, and from the subtrees of `root`.
-std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>& seen);
 
 }  // namespace vndiscover::host

@@ -10,11 +10,11 @@ namespace vndiscover::host {
 FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
     bool isSlow = false;
     Asker timed = asker;
-    timed.mayGoOn = [&] { return (job.isLate || !isSlow) && (!asker.mayGoOn || asker.mayGoOn()); };
+    timed.mayGoOn = [&] { return (job.isLate || !isSlow) && asker.MayGoOn(); };
     timed.getNext = [&](const Oid& oid) {
-        const int64_t start = NowMs(asker);
+        const int64_t start = asker.NowMs();
         Answer answer = asker.getNext(oid);
-        if (NowMs(asker) - start > kSlowRequestMs) isSlow = true;
+        isSlow |= asker.NowMs() - start > kSlowRequestMs;
         return answer;
     };
     PrinterAnswers known;
@@ -25,11 +25,7 @@ FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
 }
 
 void Fleet::Add(std::string address, size_t login, std::map<Oid, Answer> known) {
-    FleetDevice& device = devices_.emplace_back();
-    device.index = devices_.size() - 1;
-    device.address = std::move(address);
-    device.login = login;
-    device.answers.values = std::move(known);
+    devices_.push_back({devices_.size(), std::move(address), login, {std::move(known)}});
 }
 
 std::optional<FleetDevice> Fleet::Next() {
@@ -48,11 +44,9 @@ std::optional<FleetDevice> Fleet::Next() {
 
 void Fleet::Done(FleetDevice job) {
     const bool isPostponed = job.isLate != devices_[job.index].isLate;
-    if (!isPostponed && job.isState) {
-        const PrinterFacts facts = FactsOf(job.answers);
-        if (facts.deviceIndex) job.severity = SummaryOf(facts).severity;
-    }
     if (!isPostponed) {
+        const PrinterFacts facts = job.isState ? FactsOf(job.answers) : PrinterFacts();
+        if (facts.deviceIndex) job.severity = SummaryOf(facts).severity;
         const bool isCutShort = job.answers.lastStatus != Status::kAnswered;
         job.isRead = isCutShort || !job.isState || !job.severity;
         job.isState = false;

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "model/printer/printer_facts.h"
-#include "model/printer/printer_summary.h"
+#include "model/printer/report.h"
 
 namespace vndiscover::host {
 
@@ -21,13 +21,13 @@ constexpr int64_t kSlowRequestMs = 3000;
 struct FleetDevice {
     size_t index = 0;  // in the fleet
     std::string address;
-    size_t login = 0;                  // the caller's number of a community or user
-    PrinterAnswers answers;            // read so far
-    bool isState = true;               // the first round, otherwise the second
-    bool isLate = false;               // was too slow; now it may be
-    bool isTaken = false;              // by a loop
-    bool isRead = false;               // or given up: the answers say why
-    std::optional<Severity> severity;  // of its state; empty: not read yet, or no printer
+    size_t login = 0;                    // the caller's number of a community or user
+    PrinterAnswers answers;              // read so far
+    bool isState = true;                 // the first round, otherwise the second
+    bool isLate = false;                 // was too slow; now it may be
+    bool isTaken = false;                // by a loop
+    bool isRead = false;                 // or given up: the answers say why
+    std::optional<Severity> severity{};  // of its state; empty: not read yet, or no printer
 };
 
 // Reads what this round is for; blocks.

@@ -17,6 +17,10 @@ constexpr int64_t kPercent = 19;
 constexpr int64_t kLoopback = 24;
 constexpr int64_t kUp = 1;
 
+std::string Given(std::string text, std::string otherwise) {
+    return text.empty() ? std::move(otherwise) : std::move(text);
+}
+
 bool IsWaste(const std::string& type) { return type.rfind("waste", 0) == 0; }
 
 class Facts {
@@ -48,8 +52,7 @@ class Facts {
     // Some devices send a counter as a gauge, or a level as a counter.
     std::optional<int64_t> Number(const char* object, const Oid& instance) const {
         const Answer* answer = Find(object, instance);
-        const auto text = answer ? NumberText(answer->type, answer->bytes) : std::nullopt;
-        if (!text) return std::nullopt;
+        if (!answer || !NumberText(answer->type, answer->bytes)) return std::nullopt;
         if (answer->type == kInteger) return SignedNumber(answer->bytes);
         return static_cast<int64_t>(*UnsignedNumber(answer->bytes));
     }
@@ -73,43 +76,41 @@ class Facts {
         return word.empty() ? std::to_string(*number) : word;
     }
 
-    // The printer's rows that occur in any of the columns, since a column may be missing.
-    std::vector<Oid> Rows(std::initializer_list<const char*> columns) const {
-        std::vector<Oid> rows;
+    // The rows that occur in any of the columns, since a column may be missing.
+    std::set<Oid> Rows(std::initializer_list<const char*> columns, const Oid& within) const {
+        std::set<Oid> rows;
         for (const char* column : columns) {
-            for (const Oid& row : RowsOf(answers_, column)) {
-                if (row[0] == *facts_.deviceIndex) rows.push_back(row);
+            for (const Oid& row : RowsOf(answers_, OidOf(column))) {
+                if (IsWithin(row, within)) rows.insert(row);
             }
         }
-        std::sort(rows.begin(), rows.end());
-        rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
         return rows;
     }
 
     void FindPrinter() {
-        for (const uint32_t printer : ListedPrinters(answers_)) {
-            if (facts_.deviceIndex) {
-                facts_.otherPrinters.push_back(printer);
-            } else {
-                facts_.deviceIndex = printer;
-            }
-        }
+        std::vector<uint32_t> printers = ListedPrinters(answers_);
         // Some devices have a printer's tables, but do not list it.
         for (const char* column : {"hrPrinterStatus", "prtGeneralCurrentLocalization",
                                    "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
-            const std::vector<Oid> rows = RowsOf(answers_, column);
-            if (!facts_.deviceIndex && !rows.empty()) facts_.deviceIndex = rows[0][0];
+            const std::vector<Oid> rows = RowsOf(answers_, OidOf(column));
+            if (printers.empty() && !rows.empty()) printers = {rows[0][0]};
         }
+        if (printers.empty()) return;
+        printer_ = {printers.front()};
+        facts_.deviceIndex = printers.front();
+        facts_.otherPrinters.assign(printers.begin() + 1, printers.end());
+    }
+
+    // The index of a row that a value names; 0: none.
+    uint32_t Index(const char* object, const Oid& instance) const {
+        const int64_t number = Number(object, instance).value_or(0);
+        return number > 0 && number <= UINT32_MAX ? static_cast<uint32_t>(number) : 0;
     }
 
     void FindCharacterSet() {
-        if (!facts_.deviceIndex) return;
-        const uint32_t printer = *facts_.deviceIndex;
-        const auto current = Number("prtGeneralCurrentLocalization", {printer});
-        if (!current || *current < 0 || *current > UINT32_MAX) return;
+        const uint32_t current = Index("prtGeneralCurrentLocalization", printer_);
         characterSet_ =
-            Number("prtLocalizationCharacterSet", {printer, static_cast<uint32_t>(*current)})
-                .value_or(0);
+            Number("prtLocalizationCharacterSet", Append(printer_, {current})).value_or(0);
     }
 
     // Facts of the device, even if no printer was found.
@@ -117,25 +118,17 @@ class Facts {
         facts_.upTicks = Count("sysUpTime", {0});
         facts_.description = Text("sysDescr", {0});
         facts_.location = Text("sysLocation", {0});
-        facts_.name = Text("sysName", {0});
-        if (facts_.deviceIndex) {
-            const Oid printer = {*facts_.deviceIndex};
-            facts_.model = Text("hrDeviceDescr", printer);
-            facts_.serialNumber = Text("prtGeneralSerialNumber", printer);
-            const std::string name = Text("prtGeneralPrinterName", printer);
-            if (!name.empty()) facts_.name = name;
-        }
-        if (facts_.model.empty()) facts_.model = facts_.description;
-        for (const Oid& instance : RowsOf(answers_, "entPhysicalSerialNum")) {
-            if (facts_.serialNumber.empty())
-                facts_.serialNumber = Text("entPhysicalSerialNum", instance);
-        }
+        facts_.name = Given(Text("prtGeneralPrinterName", printer_), Text("sysName", {0}));
+        facts_.model = Given(Text("hrDeviceDescr", printer_), facts_.description);
+        facts_.serialNumber = Text("prtGeneralSerialNumber", printer_);
+        for (const Oid& part : RowsOf(answers_, OidOf("entPhysicalSerialNum")))
+            facts_.serialNumber = Given(facts_.serialNumber, Text("entPhysicalSerialNum", part));
     }
 
     // Of the first network interface that is up, otherwise of the first one.
     std::string MacAddress() const {
         std::string found;
-        for (const Oid& instance : RowsOf(answers_, "ifPhysAddress")) {
+        for (const Oid& instance : RowsOf(answers_, OidOf("ifPhysAddress"))) {
             const std::string& bytes = Find("ifPhysAddress", instance)->bytes;
             if (bytes.size() != 6 || bytes == std::string(6, '\0') ||
                 Number("ifType", instance) == kLoopback)
@@ -148,12 +141,9 @@ class Facts {
     }
 
     void AddInterfaces() {
-        std::set<Oid> rows;
-        for (const char* column :
-             {"ifDescr", "ifType", "ifSpeed", "ifPhysAddress", "ifAdminStatus", "ifOperStatus"}) {
-            for (const Oid& row : RowsOf(answers_, column)) rows.insert(row);
-        }
-        for (const Oid& row : rows) {
+        for (const Oid& row : Rows(
+                 {"ifDescr", "ifType", "ifSpeed", "ifPhysAddress", "ifAdminStatus", "ifOperStatus"},
+                 {})) {
             if (row.size() != 1) continue;  // no index of ifTable
             const auto words = [&](const char* object) { return SpacedWords(Word(object, row)); };
             const Answer* const address = Find("ifPhysAddress", row);
@@ -166,10 +156,9 @@ class Facts {
     }
 
     void SetState() {
-        const Oid printer = {*facts_.deviceIndex};
-        facts_.deviceStatus = Word("hrDeviceStatus", printer);
-        facts_.printerStatus = Word("hrPrinterStatus", printer);
-        const Answer* bits = Find("hrPrinterDetectedErrorState", printer);
+        facts_.deviceStatus = Word("hrDeviceStatus", printer_);
+        facts_.printerStatus = Word("hrPrinterStatus", printer_);
+        const Answer* bits = Find("hrPrinterDetectedErrorState", printer_);
         if (!bits || bits->type != kOctetString) return;
         facts_.errors = WordsOf("hrPrinterDetectedErrorState", bits->bytes);
         facts_.errorBits = bits->bytes;
@@ -177,15 +166,13 @@ class Facts {
 
     void AddSupplies() {
         for (const Oid& row : Rows({"prtMarkerSuppliesLevel", "prtMarkerSuppliesDescription",
-                                    "prtMarkerSuppliesType"})) {
+                                    "prtMarkerSuppliesType"},
+                                   printer_)) {
             Supply supply;
             supply.description = Text("prtMarkerSuppliesDescription", row);
             supply.type = Word("prtMarkerSuppliesType", row);
-            const int64_t colorant = Number("prtMarkerSuppliesColorantIndex", row).value_or(0);
-            if (colorant > 0 && colorant <= UINT32_MAX) {
-                supply.colour = Text("prtMarkerColorantValue",
-                                     {*facts_.deviceIndex, static_cast<uint32_t>(colorant)});
-            }
+            if (const uint32_t colorant = Index("prtMarkerSuppliesColorantIndex", row))
+                supply.colour = Text("prtMarkerColorantValue", Append(printer_, {colorant}));
             supply.level = LevelOf("prtMarkerSuppliesLevel", "prtMarkerSuppliesMaxCapacity",
                                    "prtMarkerSuppliesSupplyUnit", row);
             // Some devices give containers for waste the class of what is consumed.
@@ -196,12 +183,8 @@ class Facts {
     }
 
     Level LevelOf(const char* level, const char* maximum, const char* unit, const Oid& row) const {
-        Level result;
-        result.level = Number(level, row);
-        result.maximum = Number(maximum, row);
-        result.isPercent = Number(unit, row) == kPercent;
-        result.unit = UnitText(unit, row);
-        return result;
+        return {Number(level, row), Number(maximum, row), UnitText(unit, row),
+                Number(unit, row) == kPercent};
     }
 
     // "" for "other" and "unknown", which add nothing to a number.
@@ -212,19 +195,18 @@ class Facts {
 
     void AddTrays() {
         for (const Oid& row : Rows({"prtInputCurrentLevel", "prtInputName", "prtInputMediaName",
-                                    "prtInputDescription"})) {
-            Tray tray;
-            tray.name = Text("prtInputName", row);
-            if (tray.name.empty()) tray.name = Text("prtInputDescription", row);
-            tray.medium = Text("prtInputMediaName", row);
-            tray.level =
-                LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit", row);
-            facts_.trays.push_back(std::move(tray));
+                                    "prtInputDescription"},
+                                   printer_)) {
+            facts_.trays.push_back(
+                {Given(Text("prtInputName", row), Text("prtInputDescription", row)),
+                 Text("prtInputMediaName", row),
+                 LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit",
+                         row)});
         }
     }
 
     void AddCounts() {
-        for (const Oid& row : Rows({"prtMarkerLifeCount"})) {
+        for (const Oid& row : Rows({"prtMarkerLifeCount"}, printer_)) {
             if (const auto count = Count("prtMarkerLifeCount", row))
                 facts_.pageCounts.push_back({*count, UnitText("prtMarkerCounterUnit", row)});
         }
@@ -232,7 +214,7 @@ class Facts {
 
     void AddAlerts() {
         for (const Oid& row :
-             Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"})) {
+             Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"}, printer_)) {
             facts_.alerts.push_back({Word("prtAlertSeverityLevel", row), Word("prtAlertGroup", row),
                                      Word("prtAlertCode", row), Text("prtAlertDescription", row),
                                      Count("prtAlertTime", row)});
@@ -242,7 +224,7 @@ class Facts {
     }
 
     void AddPanel() {
-        for (const Oid& row : Rows({"prtConsoleDisplayBufferText"})) {
+        for (const Oid& row : Rows({"prtConsoleDisplayBufferText"}, printer_)) {
             const std::string line = Text("prtConsoleDisplayBufferText", row);
             if (!line.empty()) facts_.panel.push_back(line);
         }
@@ -250,6 +232,7 @@ class Facts {
 
     const PrinterAnswers& answers_;
     PrinterFacts facts_;
+    Oid printer_;  // its row in tables; empty: no printer was found
     int64_t characterSet_ = 0;
 };
 

@@ -92,12 +92,26 @@ class Reader {
           asker_{asker.getNext, asker.isV3, [this] { return MayGoOn(); }, nullptr},
           patient_(asker_, !known.values.empty()),
           answers_(std::move(known)),
-          startMs_(NowMs() - answers_.spentMs),
+          startMs_(caller_.NowMs() - answers_.spentMs),
           hasStopped_(answers_.lastStatus != Status::kAnswered) {}
 
     template <size_t count>
     void Read(const Question (&questions)[count]) {
         for (const Question& question : questions) Read(question);
+    }
+    void Read(const Question& question) {
+        const Oid& oid = OidOf(question.object);
+        const auto printer = Printer();
+        if (hasStopped_) {
+            AddGap(question, false, "not asked for");
+        } else if (question.way == Way::kColumn || (question.way == Way::kPrinter && !printer)) {
+            ReadColumn(question, oid);
+        } else if (question.way == Way::kFirst) {
+            const Answer answer = Ask(oid);
+            Handle(question, answer, IsWithin(answer.oid, oid), EndOf(oid));
+        } else {
+            ReadRow(question, Append(oid, {question.way == Way::kScalar ? 0 : *printer}));
+        }
     }
     // Only if the printer itself gives none.
     void ReadEntitySerial(Way way) {
@@ -105,68 +119,34 @@ class Reader {
             Read(Question{"entPhysicalSerialNum", "serial number", way});
     }
     PrinterAnswers Finish() {
-        answers_.spentMs = NowMs() - startMs_;
+        answers_.spentMs = caller_.NowMs() - startMs_;
         return std::move(answers_);
-    }
-
-    PrinterAnswers ReadState() {
-        const auto read = [&](const char* object, Way way) {
-            Read(Question{object, "model and state", way});
-        };
-        read("hrPrinterStatus", Way::kFirst);  // its row also names the printer
-        if (!Printer()) read("hrDeviceType", Way::kFirst);
-        for (const char* object :
-             {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
-            if (Printer()) read(object, Way::kPrinter);
-        return Finish();
-    }
-    PrinterAnswers ReadForList() {
-        for (const Question& question : kQuestions) {
-            if (question.isListed) Read(question);
-        }
-        ReadEntitySerial(Way::kFirst);
-        if (!HasSerial("prtGeneralSerialNumber") && !HasSerial("entPhysicalSerialNum")) Read(kMac);
-        return Finish();
-    }
-
-  private:
-    int64_t NowMs() const { return host::NowMs(caller_); }
-
-    void Read(const Question& question) {
-        if (hasStopped_) {
-            AddGap(question, false, "not asked for");
-            return;
-        }
-        const Oid& oid = OidOf(question.object);
-        const auto printer = Printer();
-        if (question.way == Way::kColumn || (question.way == Way::kPrinter && !printer)) {
-            ReadColumn(question, oid);
-        } else if (question.way == Way::kFirst) {
-            const Answer answer = Ask(oid);
-            Handle(question, answer, IsWithin(answer.oid, oid), EndOf(oid));
-        } else {
-            ReadRow(question, {question.way == Way::kScalar ? 0 : *printer});
-        }
-    }
-
-    void ReadRow(const Question& question, const Oid& row) {
-        const Oid oid = Append(OidOf(question.object), row);
-        if (hasStopped_) {
-            AddGap(question, false, "not asked for");
-        } else if (IsMisencoded(oid)) {
-            AddGap(question, true, "the printer's index is over 16383 and cannot be requested");
-        } else if (answers_.values.count(oid) == 0) {
-            const Answer answer = Ask(JustBefore(oid));
-            Handle(question, answer, answer.oid == oid, oid);
-        }
     }
 
     // The index of the first printer. Some devices have a printer's state without listing it.
     std::optional<uint32_t> Printer() const {
         const std::vector<uint32_t> listed = ListedPrinters(answers_);
         if (!listed.empty()) return listed.front();
-        const std::vector<Oid> rows = RowsOf(answers_, "hrPrinterStatus");
+        const std::vector<Oid> rows = RowsOf(answers_, OidOf("hrPrinterStatus"));
         return rows.empty() ? std::nullopt : std::optional<uint32_t>(rows.front().front());
+    }
+
+    bool HasSerial(const char* object) const {
+        const Oid& column = OidOf(object);
+        return AnyOf(RowsOf(answers_, column), [&](const Oid& row) {
+            const std::string& bytes = answers_.values.at(Append(column, row)).bytes;
+            return bytes.find_first_not_of(std::string_view(" \0", 2)) != std::string::npos;
+        });
+    }
+
+  private:
+    void ReadRow(const Question& question, const Oid& oid) {
+        if (IsMisencoded(oid)) {
+            AddGap(question, true, "the printer's index is over 16383 and cannot be requested");
+        } else if (answers_.values.count(oid) == 0) {
+            const Answer answer = Ask(JustBefore(oid));
+            Handle(question, answer, answer.oid == oid, oid);
+        }
     }
 
     // `last`: the last OID that the variable may have.
@@ -244,11 +224,9 @@ class Reader {
 
     // To skip a row that could not be read: the first one after `asked` in a column read before.
     std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
-        const Oid table = Head(column, column.size() - 1);
         std::optional<Oid> first;
-        for (auto at = answers_.values.lower_bound(table);
-             at != answers_.values.end() && IsWithin(at->first, table); ++at) {
-            const Oid row = Append(column, Tail(at->first, column.size()));
+        for (const Oid& cell : RowsOf(answers_, Head(column, column.size() - 1))) {
+            const Oid row = Append(column, Tail(cell, 1));
             if (row > asked && (!first || row < *first)) first = row;
         }
         return first;
@@ -256,11 +234,8 @@ class Reader {
 
     bool MayGoOn() {
         if (stopReason_) return false;
-        if (caller_.mayGoOn && !caller_.mayGoOn()) {
-            stopReason_ = "stopped";
-        } else if (NowMs() - startMs_ >= kMaxReadMs) {
-            stopReason_ = "not read within 2 minutes";
-        }
+        if (caller_.NowMs() - startMs_ >= kMaxReadMs) stopReason_ = "not read within 2 minutes";
+        if (!caller_.MayGoOn()) stopReason_ = "stopped";
         return !stopReason_;
     }
 
@@ -291,13 +266,6 @@ class Reader {
         if (!AnyOf(answers_.gaps, isSame)) answers_.gaps.push_back(std::move(gap));
     }
 
-    bool HasSerial(const char* object) const {
-        return AnyOf(RowsOf(answers_, object), [&](const Oid& row) {
-            const std::string& bytes = answers_.values.at(Append(OidOf(object), row)).bytes;
-            return bytes.find_first_not_of(std::string_view(" \0", 2)) != std::string::npos;
-        });
-    }
-
     const Asker& caller_;
     const Asker asker_;  // with the time limit
     PatientAsker patient_;
@@ -309,8 +277,7 @@ class Reader {
 
 }  // namespace
 
-std::vector<Oid> RowsOf(const PrinterAnswers& answers, const char* object) {
-    const Oid& column = OidOf(object);
+std::vector<Oid> RowsOf(const PrinterAnswers& answers, const Oid& column) {
     std::vector<Oid> rows;
     for (auto at = answers.values.upper_bound(column);
          at != answers.values.end() && IsWithin(at->first, column); ++at)
@@ -320,8 +287,9 @@ std::vector<Oid> RowsOf(const PrinterAnswers& answers, const char* object) {
 
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
     std::vector<uint32_t> printers;
-    for (const Oid& row : RowsOf(answers, "hrDeviceType")) {
-        const Answer& type = answers.values.at(Append(OidOf("hrDeviceType"), row));
+    const Oid& column = OidOf("hrDeviceType");
+    for (const Oid& row : RowsOf(answers, column)) {
+        const Answer& type = answers.values.at(Append(column, row));
         if (row.size() == 1 && type.type == kObjectIdentifier &&
             DecodeOid(type.bytes) == kPrinterType)
             printers.push_back(row.back());
@@ -338,11 +306,24 @@ PrinterAnswers ReadPrinter(const Asker& asker) {
 }
 
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
-    return Reader(asker, std::move(known)).ReadState();
+    constexpr char kSubject[] = "model and state";
+    Reader reader(asker, std::move(known));
+    reader.Read({"hrPrinterStatus", kSubject, Way::kFirst});  // its row also names the printer
+    if (!reader.Printer()) reader.Read({"hrDeviceType", kSubject, Way::kFirst});
+    for (const char* object : {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
+        if (reader.Printer()) reader.Read({object, kSubject, Way::kPrinter});
+    return reader.Finish();
 }
 
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
-    return Reader(asker, std::move(known)).ReadForList();
+    Reader reader(asker, std::move(known));
+    for (const Question& question : kQuestions) {
+        if (question.isListed) reader.Read(question);
+    }
+    reader.ReadEntitySerial(Way::kFirst);
+    if (!reader.HasSerial("prtGeneralSerialNumber") && !reader.HasSerial("entPhysicalSerialNum"))
+        reader.Read(kMac);
+    return reader.Finish();
 }
 
 PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {

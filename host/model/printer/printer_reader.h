@@ -18,16 +18,16 @@ struct Gap {
 
 struct PrinterAnswers {
     std::map<Oid, Answer> values;  // received, by OID
-    std::vector<Gap> gaps;
+    std::vector<Gap> gaps{};
     bool areGapsKnown = true;               // otherwise a missing value may not have been asked for
     Status lastStatus = Status::kAnswered;  // otherwise why reading ended early
-    std::string lastProblem;                // the same in words; empty: it did not
+    std::string lastProblem{};              // the same in words; empty: it did not
     bool isStopped = false;                 // by the caller or the time limit
     int64_t spentMs = 0;                    // of the time limit
 };
 
 // The instances of a column that were received, in their order.
-std::vector<Oid> RowsOf(const PrinterAnswers& answers, const char* object);
+std::vector<Oid> RowsOf(const PrinterAnswers& answers, const Oid& column);
 
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 

@@ -18,12 +18,6 @@ std::string Duration(uint64_t ticks) {
     return text.substr(0, text.size() - 3);
 }
 
-void AddLevel(ReportSection& section, std::string name, const Level& level, const std::string& kind,
-              const LevelLimits& limits) {
-    section.Add(std::move(name), Joined({LevelText(level), kind}), SeverityOf(level, limits));
-    section.rows.back().percent = PercentOf(level);
-}
-
 // "" for words that say nothing of a part or a kind.
 std::string KindText(const std::string& word) {
     return word == "other" || word == "unknown" ? "" : PlainWords(word);
@@ -80,9 +74,9 @@ ReportSection Supplies(const PrinterFacts& facts, const LevelLimits& limits) {
     ReportSection section = {"Supplies", {}};
     for (const Supply& supply : facts.supplies) {
         const std::string name = SupplyName(supply), kind = KindText(supply.type);
-        AddLevel(section, name, supply.level,
-                 Joined({supply.colour, kind == name ? "" : kind}, " "), limits);
-        section.rows.back().colour = ColourWords(supply);
+        const std::string what = Joined({supply.colour, kind == name ? "" : kind}, " ");
+        section.Add({name, Joined({LevelText(supply.level), what}), PercentOf(supply.level),
+                     SeverityOf(supply.level, limits), ColourWords(supply)});
     }
     return section;
 }
@@ -91,38 +85,34 @@ ReportSection Trays(const PrinterFacts& facts, const LevelLimits& limits) {
     ReportSection section = {"Trays", {}};
     for (const Tray& tray : facts.trays) {
         const std::string number = "Tray " + std::to_string(section.rows.size() + 1);
-        AddLevel(section, tray.name.empty() ? number : tray.name, tray.level, tray.medium, limits);
         // An empty one keeps only some jobs from being printed.
-        Severity& severity = section.rows.back().severity;
-        if (severity == Severity::kCritical) severity = Severity::kAttention;
+        section.Add({tray.name.empty() ? number : tray.name,
+                     Joined({LevelText(tray.level), tray.medium}), PercentOf(tray.level),
+                     std::max(SeverityOf(tray.level, limits), Severity::kAttention)});
     }
     return section;
 }
 
-Gap& GapWith(std::vector<Gap>& gaps, std::string Gap::*member, const std::string& text) {
-    if (Gap* const known = FindIf(gaps, [&](const Gap& gap) { return gap.*member == text; }))
-        return *known;
-    gaps.emplace_back().*member = text;
-    return gaps.back();
+// One gap for those with the same `key`; the other texts of each are joined, none twice.
+std::vector<Gap> Merged(const std::vector<Gap>& gaps, std::string Gap::*key) {
+    std::vector<Gap> merged;
+    for (const Gap& gap : gaps) {
+        Gap* known = FindIf(merged, [&](const Gap& one) { return one.*key == gap.*key; });
+        if (!known) known = &merged.emplace_back();
+        for (const auto& [text, separator] :
+             {std::pair(&Gap::subject, ", "), {&Gap::object, ", "}, {&Gap::reason, "; "}}) {
+            if ((known->*text).find(gap.*text) == std::string::npos)
+                known->*text = Joined({known->*text, gap.*text}, separator);
+        }
+    }
+    return merged;
 }
 
 // One row for what is missing for the same reasons: "trays, alerts: no answer".
 void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
-    std::vector<Gap> subjects, rows;
-    for (const Gap& gap : gaps) {
-        Gap& subject = GapWith(subjects, &Gap::subject, gap.subject);
-        subject.object = Joined({subject.object, gap.object});
-        if (subject.reason.find(gap.reason) == std::string::npos)
-            subject.reason = Joined({subject.reason, gap.reason}, "; ");
-    }
-    for (const Gap& subject : subjects) {
-        Gap& row = GapWith(rows, &Gap::reason, subject.reason);
-        row.subject = Joined({row.subject, subject.subject});
-        row.object = Joined({row.object, subject.object});
-    }
-    for (const Gap& row : rows) {
-        section.Add("Not read", row.subject + ": " + row.reason, Severity::kUnknown);
-        section.rows.back().detail = row.object;
+    for (const Gap& row : Merged(Merged(gaps, &Gap::subject), &Gap::reason)) {
+        section.Add(
+            {"Not read", row.subject + ": " + row.reason, {}, Severity::kUnknown, "", row.object});
     }
 }
 
@@ -140,6 +130,23 @@ bool StopsPrinting(std::string_view error) {
     return Contains(kStops, error);
 }
 
+Severity StateSeverity(const PrinterFacts& facts) {
+    const Severity errors = ErrorSeverity(facts);
+    if (facts.deviceStatus == "down" || errors == Severity::kCritical) return Severity::kCritical;
+    if (facts.deviceStatus == "warning") return Severity::kAttention;
+    return facts.deviceStatus.empty() && facts.printerStatus.empty() && !facts.errors
+               ? Severity::kUnknown
+               : errors;
+}
+
+// Errors come before the state: a printer with an open door may still be "idle".
+std::string StateText(const PrinterFacts& facts) {
+    if (facts.errors && !facts.errors->empty()) return ErrorText(facts);
+    const std::string& status = facts.printerStatus;
+    const bool isTold = !status.empty() && status != "other" && status != "unknown";
+    return PlainWords(isTold && facts.deviceStatus != "down" ? status : facts.deviceStatus);
+}
+
 }  // namespace
 
 Severity ErrorSeverity(const PrinterFacts& facts) {
@@ -147,14 +154,10 @@ Severity ErrorSeverity(const PrinterFacts& facts) {
     return AnyOf(*facts.errors, StopsPrinting) ? Severity::kCritical : Severity::kAttention;
 }
 
-Severity SeverityOf(int percent, const LevelLimits& limits) {
-    if (percent == 0 || percent < limits.critical) return Severity::kCritical;
-    return percent < limits.low ? Severity::kAttention : Severity::kFine;
-}
-
 Severity SeverityOf(const Level& level, const LevelLimits& limits) {
     if (level.level == 0) return Severity::kCritical;
-    if (const auto percent = PercentOf(level)) return SeverityOf(std::max(1, *percent), limits);
+    if (const auto percent = PercentOf(level))
+        return std::max(1, *percent) < limits.low ? Severity::kAttention : Severity::kFine;
     return level.level.value_or(kUnknownLevel) == kUnknownLevel ? Severity::kUnknown
                                                                 : Severity::kFine;
 }
@@ -202,14 +205,6 @@ bool ReportRow::operator==(const ReportRow& other) const {
     return all(*this) == all(other);
 }
 
-void ReportSection::Add(std::string label, std::string text, Severity severity) {
-    if (text.empty()) return;
-    ReportRow& row = rows.emplace_back();
-    row.label = std::move(label);
-    row.text = std::move(text);
-    row.severity = severity;
-}
-
 const char* SeverityMark(Severity severity) {
     return severity == Severity::kCritical ? "!!" : severity == Severity::kAttention ? "!" : "";
 }
@@ -224,16 +219,13 @@ const SupplyColour* FindSupplyColour(const std::string& words) {
         {"yellow", 0xF0C800, "33"}, {"red", 0xD02020, "31"},    {"green", 0x209020, "32"},
         {"blue", 0x2040C0, "34"},   {"white", 0xFFFFFF, "97"},  {"gray", 0x808080, "37"},
         {"grey", 0x808080, "37"},   {"orange", 0xF08000, "33"}, {"violet", 0x8030A0, "35"}};
-    std::string text = " " + Lower(words) + " ";
+    std::string text = Lower(words);
     std::replace_if(
         text.begin(), text.end(), [](char one) { return one < 'a' || one > 'z'; }, ' ');
     const SupplyColour* last = nullptr;
-    size_t lastAt = 0;
-    for (const SupplyColour& colour : kColours) {
-        const size_t at = text.rfind(" " + std::string(colour.word) + " ");
-        if (at == std::string::npos || at < lastAt) continue;
-        last = &colour;
-        lastAt = at;
+    for (const std::string& word : SplitText(text, " ")) {
+        const auto* known = FindIf(kColours, [&](const auto& one) { return word == one.word; });
+        if (known) last = known;
     }
     return last;
 }
@@ -279,6 +271,42 @@ ReportSection InterfaceSection(const PrinterFacts& facts) {
                             one.adminStatus.empty() ? "" : "set to " + one.adminStatus}));
     }
     return section;
+}
+
+const char* SeverityName(Severity severity) {
+    constexpr const char* kNames[] = {"critical", "attention", "unknown", "fine"};
+    return kNames[static_cast<size_t>(severity)];
+}
+
+PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
+    PrinterSummary summary;
+    summary.severity = StateSeverity(facts);
+    summary.state = StateText(facts);
+    for (const Supply& supply : facts.supplies) {
+        const Severity severity = SeverityOf(supply.level, limits);
+        if (severity != Severity::kUnknown)
+            summary.supplySeverity = std::min(summary.supplySeverity, severity);
+        const auto percent = PercentOf(supply.level);
+        if (!percent || (summary.lowestSupply && *percent >= *summary.lowestSupply)) continue;
+        summary.lowestSupply = percent;
+        summary.supply = std::to_string(*percent) + " % " + SupplyName(supply);
+        summary.supplyColour = ColourWords(supply);
+    }
+    // It still prints, as far as its state tells.
+    if (summary.severity == Severity::kFine && summary.supplySeverity != Severity::kFine)
+        summary.severity = Severity::kAttention;
+    return summary;
+}
+
+std::string SuppliesText(const PrinterFacts& facts) {
+    return JoinedAs(
+        facts.supplies,
+        [](const Supply& supply) { return SupplyName(supply) + ": " + LevelText(supply.level); },
+        "; ");
+}
+
+std::string CountText(const PrinterFacts& facts) {
+    return facts.pageCounts.empty() ? "" : std::to_string(facts.pageCounts.front().count);
 }
 
 }  // namespace vndiscover::host

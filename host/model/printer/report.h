@@ -6,32 +6,35 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model/printer/printer_facts.h"
 
 namespace vndiscover::host {
 
-enum class Severity { kFine, kAttention, kCritical, kUnknown };
+// The worst first, as lists sort by it.
+enum class Severity { kCritical, kAttention, kUnknown, kFine };
+
+// "critical", "attention", "unknown", "fine".
+const char* SeverityName(Severity severity);
 
 // Critical if one keeps it from printing; fine if there are none, or the device has not said.
 Severity ErrorSeverity(const PrinterFacts& facts);
 
-// The percentages below which a level needs attention or is critical. An empty supply always is.
+// The percentage below which a level needs attention. An empty supply is critical.
 struct LevelLimits {
     int low = 10;
-    int critical = 0;
 };
-Severity SeverityOf(int percent, const LevelLimits& limits = {});
 Severity SeverityOf(const Level& level, const LevelLimits& limits = {});
 
 // All text is plain.
 struct ReportRow {
     std::string label, text;
-    std::optional<int> percent;  // of a supply, or in a tray: 0 to 100
+    std::optional<int> percent{};  // of a supply, or in a tray: 0 to 100
     Severity severity = Severity::kFine;
-    std::string colour;         // of a supply, see ColourWords
-    std::string detail;         // for those who ask for more: the objects of a reason
+    std::string colour{};       // of a supply, see ColourWords
+    std::string detail{};       // for those who ask for more: the objects of a reason
     bool repeatsLabel = false;  // after a row with the same label, too
     bool isCommand = false;     // for a shell: must stay in one line
 
@@ -44,7 +47,12 @@ struct ReportSection {
     std::vector<ReportRow> rows;
 
     // Leaves out a row without text.
-    void Add(std::string label, std::string text, Severity severity = Severity::kFine);
+    void Add(ReportRow row) {
+        if (!row.text.empty()) rows.push_back(std::move(row));
+    }
+    void Add(std::string label, std::string text, Severity severity = Severity::kFine) {
+        Add({std::move(label), std::move(text), std::nullopt, severity});
+    }
 };
 
 using Report = std::vector<ReportSection>;
@@ -93,11 +101,34 @@ ReportSection InterfaceSection(const PrinterFacts& facts);
 struct TextStyle {
     size_t width = 80;        // of a line, in characters
     bool hasColours = false;  // as escape sequences, of bars and marks
-    bool hasMarks = true;     // "!" and "!!" before what is worth a look
     bool hasDetails = false;
 };
 
 // Titles on the left, levels as bars. Lines end in LF. Only commands and long words are too wide.
 std::string ReportText(const Report& report, const TextStyle& style = {});
+
+// A printer in a few words, for a list.
+struct PrinterSummary {
+    Severity severity = Severity::kUnknown;
+    std::string state;                          // "no paper, door open", "idle"; empty: unknown
+    std::optional<int> lowestSupply;            // percent
+    std::string supply;                         // "4 % Toner T410"; empty: no level is known
+    std::string supplyColour;                   // see ColourWords
+    Severity supplySeverity = Severity::kFine;  // of the worst one whose level is known
+};
+
+PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits = {});
+
+struct PrinterLine {
+    PrinterFacts facts;
+    PrinterSummary summary;
+    std::vector<std::string> addresses;
+    std::string problem;  // why not everything was read; empty: everything was
+};
+
+// "Black toner: 62 % (62 of 100); Waste box: room left: 97 % (97 of 100)"
+std::string SuppliesText(const PrinterFacts& facts);
+// The first page count; empty if there is none.
+std::string CountText(const PrinterFacts& facts);
 
 }  // namespace vndiscover::host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -18,12 +19,11 @@ class Writer {
 
     void Add(const ReportSection& section) {
         const bool hasNames = !section.title.empty();
+        const bool hasBars =
+            AnyOf(section.rows, [](const auto& row) { return row.percent.has_value(); });
         size_t nameWidth = 0;
-        bool hasBars = false;
-        for (const ReportRow& row : section.rows) {
-            if (hasNames) nameWidth = std::max(nameWidth, CharacterCount(row.label) + 2);
-            hasBars = hasBars || row.percent;
-        }
+        for (const ReportRow& row : section.rows)
+            nameWidth = std::max(nameWidth, CharacterCount(row.label) + 2);
         nameWidth = std::min(nameWidth, kMaxNameWidth + 2);
         for (const ReportRow& row : section.rows) {
             Begin(hasNames ? section.title : row.label, row.repeatsLabel);
@@ -70,7 +70,7 @@ class Writer {
 
     void AddMarkedText(const ReportRow& row, bool isInPhrases) {
         const bool hasDetail = style_.hasDetails && !row.detail.empty();
-        const std::string mark = style_.hasMarks ? SeverityMark(row.severity) : "";
+        const std::string mark = SeverityMark(row.severity);
         AddColoured(mark, row.severity == Severity::kCritical ? "1;31" : "1;33");
         AddText((mark.empty() ? "" : " ") + row.text + (hasDetail ? " (" + row.detail + ")" : ""),
                 isInPhrases);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "model/computer/computer.h"
-#include "model/printer/printer_summary.h"
+#include "model/printer/report.h"
 #include "model/scan/found_device.h"
 #include "model/scan/scan.h"
 #include "model/scan/standing.h"

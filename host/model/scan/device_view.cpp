@@ -155,7 +155,7 @@ int DeviceView::Compare(const DeviceRow& left, const DeviceRow& right,
             return left.lowestSupply ? directed(*left.lowestSupply - *right.lowestSupply) : 0;
         case ColumnInfo::Order::kSeverity: {
             const int severity =
-                directed(SeverityOrder(left.severity) - SeverityOrder(right.severity));
+                directed(static_cast<int>(left.severity) - static_cast<int>(right.severity));
             if (severity != 0) return severity;
             const int level = Compare(left, right, ColumnInfo::Order::kLevel);
             return level != 0 ? level : left.addressOrder.compare(right.addressOrder);

@@ -8,7 +8,7 @@
 #include "model/asking/host_diagnosis.h"
 #include "model/computer/computer_report.h"
 #include "model/printer/printer_facts.h"
-#include "model/printer/printer_summary.h"
+#include "model/printer/report.h"
 #include "model/scan/compare.h"
 #include "values/json_output.h"
 

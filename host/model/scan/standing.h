@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "model/printer/printer_reader.h"
-#include "model/printer/printer_summary.h"
+#include "model/printer/report.h"
 #include "model/scan/found_device.h"
 #include "model/scan/scan.h"
 

@@ -16,21 +16,6 @@ struct VerdictCase {
     const char* verdict;
 };
 
-class Verdict : public testing::TestWithParam<VerdictCase> {};
-
-TEST_P(Verdict, NamesWhatAnswersAndWhy) {
-    const VerdictCase& device = GetParam();
-    DiagnosisSteps steps;
-    steps.ping = [&] { return device.hasPing; };
-    steps.v1.getNext = [&](const Oid& oid) { return Failed(device.v1, oid); };
-    steps.v3.getNext = [&](const Oid& oid) { return Failed(device.v3, oid, "unknown user"); };
-    steps.hasUser = device.hasUser;
-    const HostDiagnosis diagnosis = Diagnose(steps);
-    EXPECT_EQ(device.verdict, VerdictOn(diagnosis));
-    EXPECT_EQ(device.isUsable, IsUsable(diagnosis));
-    EXPECT_EQ(device.v1 == Status::kSendFailed, IsUnsendable(diagnosis));
-}
-
 TEST(Diagnosis, FindsWhatKeepsSweepsFromADeviceThatAnswers) {
     int64_t nowMs = 0;
     DiagnosisSteps steps;
@@ -91,43 +76,50 @@ TEST(Diagnosis, CanBeStopped) {
     }
 }
 
-constexpr Status kYes = Status::kAnswered;
-constexpr Status kNo = Status::kNoAnswer;
-INSTANTIATE_TEST_SUITE_P(
-    Table, Verdict,
-    testing::Values(
-        VerdictCase{"All", true, kYes, Status::kRefused, false, true,
-                    "ping, SNMPv1 and SNMPv3 answer"},
-        VerdictCase{"Unreadable", true, Status::kUnreadable, kYes, true, true,
-                    "ping, SNMPv1 and SNMPv3 answer"},
-        VerdictCase{"NoPing", false, kYes, kYes, true, true,
-                    "SNMPv1 and SNMPv3 answer, ping does not: the device, or a firewall on the "
-                    "way, ignores pings"},
-        VerdictCase{"NoV3", true, kYes, kNo, false, true,
-                    "ping and SNMPv1 answer, SNMPv3 does not: SNMPv3 switched off, or a device "
-                    "without it"},
-        VerdictCase{"NoV3ForTheUser", true, kYes, kNo, true, false,
-                    "ping and SNMPv1 answer, SNMPv3 does not: SNMPv3 switched off, or a device "
-                    "without it"},
-        VerdictCase{"NoV1", true, kNo, kYes, true, true,
-                    "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched "
-                    "off"},
-        VerdictCase{"PingAlone", true, kNo, kNo, true, false,
-                    "ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
-                    "blocked on the way, or community wrong and no SNMPv3"},
-        VerdictCase{"Silent", false, kNo, kNo, false, false,
-                    "neither ping, SNMPv1 nor SNMPv3 answers: device switched off, another "
-                    "address, or a router or firewall on the way"},
-        VerdictCase{"RefusedUser", true, kYes, Status::kRefused, true, false,
-                    "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: unknown user"},
-        VerdictCase{
-            "DroppedUser", true, kYes, Status::kOnlyDiscovered, true, false,
-            "ping, SNMPv1 and SNMPv3 answer; SNMPv3 with this user gets no readable "
-            "answer: wrong privacy password or protocol, or the device drops requests that it "
-            "refuses"},
-        VerdictCase{"NotSent", false, Status::kSendFailed, Status::kSendFailed, true, false,
-                    "nothing could be sent: no route to the device, or no network"}),
-    [](const auto& row) { return row.param.name; });
+TEST(Diagnosis, NamesWhatAnswersAndWhy) {
+    constexpr Status kYes = Status::kAnswered, kNo = Status::kNoAnswer;
+    const VerdictCase rows[] = {
+        {"All", true, kYes, Status::kRefused, false, true, "ping, SNMPv1 and SNMPv3 answer"},
+        {"Unreadable", true, Status::kUnreadable, kYes, true, true,
+         "ping, SNMPv1 and SNMPv3 answer"},
+        {"NoPing", false, kYes, kYes, true, true,
+         "SNMPv1 and SNMPv3 answer, ping does not: the device, or a firewall on the "
+         "way, ignores pings"},
+        {"NoV3", true, kYes, kNo, false, true,
+         "ping and SNMPv1 answer, SNMPv3 does not: SNMPv3 switched off, or a device "
+         "without it"},
+        {"NoV3ForTheUser", true, kYes, kNo, true, false,
+         "ping and SNMPv1 answer, SNMPv3 does not: SNMPv3 switched off, or a device "
+         "without it"},
+        {"NoV1", true, kNo, kYes, true, true,
+         "ping and SNMPv3 answer, SNMPv1 does not: community wrong, or SNMPv1 switched "
+         "off"},
+        {"PingAlone", true, kNo, kNo, true, false,
+         "ping answers, SNMPv1 and SNMPv3 do not: SNMP switched off, UDP port 161 "
+         "blocked on the way, or community wrong and no SNMPv3"},
+        {"Silent", false, kNo, kNo, false, false,
+         "neither ping, SNMPv1 nor SNMPv3 answers: device switched off, another "
+         "address, or a router or firewall on the way"},
+        {"RefusedUser", true, kYes, Status::kRefused, true, false,
+         "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: unknown user"},
+        {"DroppedUser", true, kYes, Status::kOnlyDiscovered, true, false,
+         "ping, SNMPv1 and SNMPv3 answer; SNMPv3 with this user gets no readable "
+         "answer: wrong privacy password or protocol, or the device drops requests that it "
+         "refuses"},
+        {"NotSent", false, Status::kSendFailed, Status::kSendFailed, true, false,
+         "nothing could be sent: no route to the device, or no network"}};
+    for (const VerdictCase& device : rows) {
+        DiagnosisSteps steps;
+        steps.ping = [&] { return device.hasPing; };
+        steps.v1.getNext = [&](const Oid& oid) { return Failed(device.v1, oid); };
+        steps.v3.getNext = [&](const Oid& oid) { return Failed(device.v3, oid, "unknown user"); };
+        steps.hasUser = device.hasUser;
+        const HostDiagnosis diagnosis = Diagnose(steps);
+        EXPECT_EQ(device.verdict, VerdictOn(diagnosis)) << device.name;
+        EXPECT_EQ(device.isUsable, IsUsable(diagnosis)) << device.name;
+        EXPECT_EQ(device.v1 == Status::kSendFailed, IsUnsendable(diagnosis)) << device.name;
+    }
+}
 
 }  // namespace
 }  // namespace vndiscover::host

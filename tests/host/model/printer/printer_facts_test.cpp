@@ -12,26 +12,6 @@ constexpr char kPrinterType[] = ".1.3.6.1.2.1.25.3.1.5";
 
 PrinterFacts Facts(ScriptedDevice& device) { return FactsOf(ReadPrinter(device.MakeAsker())); }
 
-TEST(PrinterFacts, AreThoseOfThePrinterAmongTheDevices) {
-    ScriptedDevice device;
-    device.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");  // a processor
-    device.Object("hrDeviceType.4", kPrinterType);
-    device.Object("hrDeviceType.9", kPrinterType);
-    for (const auto& [status, name] :
-         {std::pair(2, "hrDeviceStatus.1"), {5, "hrDeviceStatus.4"}, {4, "hrPrinterStatus.4"}})
-        device.Integer(name, status);
-    device.Text("prtInputName.1.1", "of another");
-    device.Text("prtInputName.4.1", "");
-    device.Text("prtInputDescription.4.1", "Tray 1");
-    const PrinterFacts facts = Facts(device);
-    EXPECT_EQ(4u, facts.deviceIndex);
-    EXPECT_EQ(std::vector<uint32_t>{9}, facts.otherPrinters);
-    EXPECT_EQ("down", facts.deviceStatus);
-    EXPECT_EQ("printing", facts.printerStatus);
-    ASSERT_EQ(1u, facts.trays.size());
-    EXPECT_EQ("Tray 1", facts.trays[0].name);
-}
-
 TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
     ScriptedDevice device;
     EXPECT_FALSE(Facts(device).deviceIndex);
@@ -40,21 +20,6 @@ TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
     EXPECT_EQ(7u, facts.deviceIndex);
     ASSERT_EQ(1u, facts.supplies.size());
     EXPECT_EQ("some left", LevelText(facts.supplies[0].level));
-}
-
-TEST(PrinterFacts, FallBackIfThePrinterGivesNothing) {
-    ScriptedDevice device;
-    device.Object("hrDeviceType.1", kPrinterType);
-    device.Text("sysDescr.0", "VN InkLine 70");
-    device.Text("sysName.0", "attic");
-    device.Text("prtGeneralPrinterName.1", " ");
-    device.Text("prtGeneralSerialNumber.1", {"\0 ", 2});
-    device.Text("entPhysicalSerialNum.1", "");
-    device.Text("entPhysicalSerialNum.2", " VN70 ");
-    const PrinterFacts facts = Facts(device);
-    EXPECT_EQ("VN InkLine 70", facts.model);
-    EXPECT_EQ("attic", facts.name);
-    EXPECT_EQ("VN70", facts.serialNumber);
 }
 
 TEST(PrinterFacts, UseTheDevicesCharacterSet) {
@@ -76,31 +41,6 @@ TEST(PrinterFacts, UseTheDevicesCharacterSet) {
     }
 }
 
-TEST(PrinterFacts, SuppliesHaveColoursAndKinds) {
-    ScriptedDevice device;
-    device.Object("hrDeviceType.1", kPrinterType);
-    device.Integer("prtMarkerSuppliesColorantIndex.1.1", 2);
-    device.Text("prtMarkerColorantValue.1.1", "black");
-    device.Text("prtMarkerColorantValue.1.2", "cyan");
-    device.Integer("prtMarkerSuppliesClass.1.1", 3);  // consumed, although it is a container
-    device.Integer("prtMarkerSuppliesType.1.1", 4);
-    device.Integer("prtMarkerSuppliesSupplyUnit.1.1", 13);
-    device.Integer("prtMarkerSuppliesLevel.1.1", 30);
-    device.Integer("prtMarkerSuppliesMaxCapacity.1.1", -2);
-    device.Integer("prtMarkerSuppliesType.1.2", 99);  // without a word or a level
-    device.Text("prtMarkerSuppliesLevel.1.2", "x");
-    device.Integer("prtMarkerSuppliesLevel.1.3", 5);
-    device.Integer("prtMarkerSuppliesSupplyUnit.1.3", 2);
-    const PrinterFacts facts = Facts(device);
-    ASSERT_EQ(3u, facts.supplies.size());
-    EXPECT_EQ("cyan", facts.supplies[0].colour);
-    EXPECT_EQ("wasteToner", facts.supplies[0].type);
-    EXPECT_EQ("room left: 30 tenths of grams, maximum unknown", LevelText(facts.supplies[0].level));
-    EXPECT_EQ("99", facts.supplies[1].type);
-    EXPECT_EQ("not given", LevelText(facts.supplies[1].level));
-    EXPECT_EQ("5, maximum unknown", LevelText(facts.supplies[2].level)) << "the unit is unknown";
-}
-
 TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {
     ScriptedDevice device;
     const std::string mac[] = {
@@ -117,35 +57,48 @@ TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {
     EXPECT_EQ("3C:2A:F4:00:F5:1B", Facts(device).macAddress);
 }
 
-TEST(PrinterFacts, TakeNumbersOfAnyType) {
-    ScriptedDevice device;
-    device.Object("hrDeviceType.1", kPrinterType);
-    device.Integer("prtMarkerLifeCount.1.1", 1200);
-    device.variables[*ParseOidOrName("prtMarkerLifeCount.1.2")] = {kGauge32, {"\0\xFF\0\0\0", 5}};
-    device.Integer("prtMarkerLifeCount.1.3", -2);
-    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")] = {kCounter32, "\x28"};
-    device.Integer("prtMarkerSuppliesMaxCapacity.1.1", 100);
-    const PrinterFacts facts = Facts(device);
-    ASSERT_EQ(2u, facts.pageCounts.size());
-    EXPECT_EQ(4278190080u, facts.pageCounts[1].count);
-    ASSERT_EQ(1u, facts.supplies.size());
-    EXPECT_EQ(40, PercentOf(facts.supplies[0].level));
-}
+// As real printers send them (RFC 3805, prtMarkerSuppliesLevel).
+struct LevelRow {
+    Level level;
+    std::optional<int> percent;
+    const char* text;
+};
 
-TEST(PrinterFacts, PutCriticalAlertsFirst) {
-    ScriptedDevice device;
-    device.Object("hrDeviceType.1", kPrinterType);
-    device.Text("hrPrinterDetectedErrorState.1", "\x0C");
-    for (const auto& [name, number] : {std::pair("prtAlertSeverityLevel.1.1", 4),
-                                       {"prtAlertSeverityLevel.1.2", 3},
-                                       {"prtAlertCode.1.1", 807},
-                                       {"prtAlertCode.1.2", 8}})
-        device.Integer(name, number);
-    const PrinterFacts facts = Facts(device);
-    EXPECT_EQ((std::vector<std::string>{"doorOpen", "jammed"}), facts.errors);
-    ASSERT_EQ(2u, facts.alerts.size());
-    EXPECT_EQ("jam", facts.alerts[0].code);
-    EXPECT_EQ("inputMediaSupplyLow", facts.alerts[1].code);
+TEST(Levels, AreSignedAndNeverMoreThanFull) {
+    constexpr int64_t kHuge = INT64_MAX;
+    const std::string pages = "impressions";
+    const LevelRow rows[] = {
+        {{400, 1000, pages}, 40, "40 % (400 of 1000 impressions)"},
+        {{0, 1000, ""}, 0, "0 % (0 of 1000)"},
+        {{1, 1000, ""}, 0, "under 1 % (1 of 1000)"},
+        {{999, 1000, ""}, 99, "99 % (999 of 1000)"},
+        {{29, 100, ""}, 29, "29 % (29 of 100)"},
+        {{130, 100, pages}, 100, "100 % (130 of 100 impressions, above the maximum)"},
+        {{kHuge - 1, kHuge, ""}, 100, "100 % (9223372036854775806 of 9223372036854775807)"},
+        {{-1, 1000, pages}, {}, "no limit"},
+        {{-2, 1000, pages}, {}, "unknown"},
+        {{-3, 1000, pages}, {}, "some left"},
+        {{-7, 1000, pages}, {}, "unknown (-7)"},
+        {{1200, -2, pages}, {}, "1200 impressions, maximum unknown"},
+        {{1200, 0, ""}, {}, "1200, maximum unknown"},
+        {{1200, {}, pages}, {}, "1200 impressions, maximum unknown"},
+        {{0, -2, pages}, 0, "empty"},
+        {{0, {}, "", false, true}, 0, "room left: none"},
+        {{1200, -1, pages}, {}, "1200 impressions, no maximum"},
+        {{{}, 1000, pages}, {}, "not read"},
+        // The level is the percentage, whatever the maximum.
+        {{40, -2, "percent", true}, 40, "40 %"},
+        {{40, 50, "percent", true}, 40, "40 %"},
+        {{120, 100, "percent", true}, 100, "100 % (the device says 120 %)"},
+        {{-3, 100, "percent", true}, {}, "some left"},
+        // A receptacle's level is its remaining capacity.
+        {{80, 100, "percent", true, true}, 80, "room left: 80 %"},
+        {{-3, -2, "", false, true}, {}, "room left: some"},
+        {{0, 30000, pages, false, true}, 0, "room left: 0 % (0 of 30000 impressions)"}};
+    for (const LevelRow& row : rows) {
+        EXPECT_EQ(row.percent, PercentOf(row.level)) << row.text;
+        EXPECT_EQ(row.text, LevelText(row.level));
+    }
 }
 
 }  // namespace

@@ -28,11 +28,11 @@ ScriptedDevice Recorded(const std::string& recording) {
 }
 
 std::string Report(const Asker& asker) {
-    return "\n" + ReportText(ReportOf(FactsOf(ReadPrinter(asker)), {"10.77.1.20", "SNMPv1"}),
-                             {80, false, false});
+    return "\n" + ReportText(ReportOf(FactsOf(ReadPrinter(asker)), {"10.77.1.20", "SNMPv1"}));
 }
 
-// The printer is not the first device, its words are Latin-1, and the tables have gaps.
+// The printer is neither the first device nor the only printer, its words are Latin-1, numbers have
+// unusual types, and the tables have gaps.
 constexpr char kOffice[] = R"(sysDescr.0 x 4F 73 74 72 61 76 61 0D 0A 4D 46 50 20 32 2E 31 00
 sysUpTime.0 t 8640100
 sysName.0 s copy-room
@@ -48,8 +48,10 @@ ifOperStatus.2 i 2
 ifOperStatus.3 i 1
 hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.3
 hrDeviceType.5 o .1.3.6.1.2.1.25.3.1.5
+hrDeviceType.9 o .1.3.6.1.2.1.25.3.1.5
 hrDeviceDescr.1 s a processor
 hrDeviceDescr.5 s Ostrava C900
+hrDeviceStatus.1 i 2
 hrDeviceStatus.5 i 3
 hrPrinterStatus.5 i 1
 hrPrinterDetectedErrorState.5 x 20 02
@@ -63,12 +65,14 @@ prtInputMaxCapacity.5.4 i -2
 prtInputCurrentLevel.5.1 i 0
 prtInputCurrentLevel.5.4 i -3
 prtInputMediaName.5.1 s iso-a4-white
+prtInputName.1.1 s of another
 prtInputName.5.1 x 00 00
 prtInputDescription.5.1 x 46 61 63 68 20 FC 31
 prtMarkerCounterUnit.5.1 i 7
 prtMarkerCounterUnit.5.2 i 8
 prtMarkerLifeCount.5.1 c 4000000000
 prtMarkerLifeCount.5.2 u 17
+prtMarkerLifeCount.5.3 i -2
 prtMarkerSuppliesColorantIndex.5.1 i 3
 prtMarkerSuppliesColorantIndex.5.9 i 0
 prtMarkerSuppliesClass.5.1 i 3
@@ -80,8 +84,8 @@ prtMarkerSuppliesSupplyUnit.5.1 i 19
 prtMarkerSuppliesSupplyUnit.5.9 i 13
 prtMarkerSuppliesMaxCapacity.5.1 i 100
 prtMarkerSuppliesMaxCapacity.5.9 i -2
-prtMarkerSuppliesLevel.5.1 i 7
-prtMarkerSuppliesLevel.5.9 i 0
+prtMarkerSuppliesLevel.5.1 c 7
+prtMarkerSuppliesLevel.5.9 i 30
 prtMarkerColorantValue.5.1.3 s of another table
 prtMarkerColorantValue.5.3 s cyan
 prtConsoleDisplayBufferText.5.1 s Toner low
@@ -108,7 +112,8 @@ entPhysicalSerialNum.3 s K4-0001
 .1.3.6.1.4.1.9999.1.0 s of its maker
 )";
 
-// Levels that are no percentages, and a description that says more than the model.
+// Names and a serial number without letters, levels that are no percentages, and a description that
+// says more than the model.
 constexpr char kInk[] = R"(sysDescr.0 s Norrland InkStation 70 7.2
 sysName.0 s ink
 hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.5
@@ -116,15 +121,19 @@ hrDeviceDescr.1 s Generic
 hrDeviceStatus.1 i 5
 hrPrinterStatus.1 i 2
 hrPrinterDetectedErrorState.1 x 01
+prtGeneralPrinterName.1 x 20
+prtGeneralSerialNumber.1 x 00 20
 prtMarkerSuppliesClass.1.1 i 3
 prtMarkerSuppliesClass.1.2 i 4
 prtMarkerSuppliesType.1.1 i 5
 prtMarkerSuppliesType.1.2 i 8
 prtMarkerSuppliesType.1.3 i 99
 prtMarkerSuppliesType.1.4 i 9
+prtMarkerSuppliesType.1.6 i 99
 prtMarkerSuppliesSupplyUnit.1.1 i 15
 prtMarkerSuppliesSupplyUnit.1.2 i 19
 prtMarkerSuppliesSupplyUnit.1.4 i 7
+prtMarkerSuppliesSupplyUnit.1.5 i 2
 prtMarkerSuppliesMaxCapacity.1.1 i -2
 prtMarkerSuppliesMaxCapacity.1.2 i -2
 prtMarkerSuppliesMaxCapacity.1.3 i 0
@@ -133,6 +142,10 @@ prtMarkerSuppliesLevel.1.1 x FF FF FF FD
 prtMarkerSuppliesLevel.1.2 i 80
 prtMarkerSuppliesLevel.1.3 i -300
 prtMarkerSuppliesLevel.1.4 i 70000
+prtMarkerSuppliesLevel.1.5 i 5
+prtMarkerSuppliesLevel.1.6 s x
+entPhysicalSerialNum.1 s
+entPhysicalSerialNum.2 x 20 56 4E 37 30 20
 )";
 
 TEST(Recordings, OfAnOfficePrinter) {
@@ -149,17 +162,19 @@ Description    Ostrava MFP 2.1
 Up since       (1 day, 0:00:01)
 Device         warning
 Printer        another state
-Errors         low toner, maintenance overdue
-Alerts         critical: 9999, 40001
-               warning: Toner low {32001} (marker supplies, marker toner almost
-                 empty), for 0:00:01
+Errors         ! low toner, maintenance overdue
+Alerts         !! critical: 9999, 40001
+               ! warning: Toner low {32001} (marker supplies, marker toner
+                 almost empty), for 0:00:01
 Panel          Toner low
 Printed        4000000000 impressions
                17 sheets
-Supplies       Toner C9     [#.........]  7 %, cyan toner cartridge
-               waste toner  [..........]  room left: none
-Trays          Fach ü1  [..........]  0 % (0 of 500 sheets), iso-a4-white
+Supplies       Toner C9     [#.........]  ! 7 %, cyan toner cartridge
+               waste toner                room left: 30 tenths of grams,
+                 maximum unknown
+Trays          Fach ü1  [..........]  ! 0 % (0 of 500 sheets), iso-a4-white
                Tray 2                 some left
+Also there     another printer, device index 9
 )",
               Report(device.MakeAsker()));
 }
@@ -191,7 +206,7 @@ TEST(Recordings, OfAnAgentThatGoesBack) {
     };
     EXPECT_EQ(R"(
 Model          Generic
-Serial number  (not given)
+Serial number  VN70
 Name           ink
 Location       (not given)
 Address        10.77.1.20
@@ -200,11 +215,13 @@ Protocols      SNMPv1
 Description    Norrland InkStation 70 7.2
 Device         down
 Printer        unknown
-Errors         service requested
+Errors         ! service requested
 Supplies       ink                           some left
                waste ink       [########..]  room left: 80 %
                99                            unknown (-300)
                photoconductor                70000 impressions, no maximum
+               supply                        5, maximum unknown
+               99                            not given
 Not read       alerts: OID not increasing
 )",
               Report(asker));

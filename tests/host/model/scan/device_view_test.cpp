@@ -59,10 +59,10 @@ TEST_F(DeviceViewTest, LimitsTellWhatNeedsAttention) {
     Tell("10.77.1.1", "prtMarkerSuppliesSupplyUnit.1.1", kInteger, "\x13");
     Tell("10.77.1.1", "prtMarkerSuppliesLevel.1.1", kInteger, "\x14");
     EXPECT_EQ(Severity::kFine, view_.Row(0).severity);
-    maker_ = RowMaker({30, 21});
+    maker_ = RowMaker(LevelLimits{30});
     Show();
     EXPECT_EQ(Severity::kAttention, view_.Row(0).severity);
-    EXPECT_EQ(Severity::kCritical, view_.Row(0).supplySeverity);
+    EXPECT_EQ(Severity::kAttention, view_.Row(0).supplySeverity);
 }
 
 TEST_F(DeviceViewTest, SortsTextWithoutCaseAndUnknownValuesLast) {

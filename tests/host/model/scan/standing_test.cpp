@@ -173,7 +173,7 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
         row.standing.kind = kind;
         row.Text(Column::kState) = state;
         row.lowestSupply = level;
-        row.supplySeverity = SeverityOf(level);
+        row.supplySeverity = SeverityOf({level, 100, ""});
         return log.Add(row, At(0));
     };
     EXPECT_FALSE(take(Standing::Kind::kNeverRead, "never read", 30));
