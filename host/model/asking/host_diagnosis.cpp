@@ -118,6 +118,7 @@ bool IsUsable(const HostDiagnosis& diagnosis) {
 }
 
 std::string SecondsText(int64_t ms) {
+    if (ms < 10) return "under 0.01 s";
     char text[32];
     std::snprintf(text, sizeof text, "%.2f s", static_cast<double>(ms) / 1000);
     return text;

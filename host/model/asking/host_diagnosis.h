@@ -55,7 +55,7 @@ bool IsUsable(const HostDiagnosis& diagnosis);
 
 bool IsUnsendable(const HostDiagnosis& diagnosis);
 
-// "2.53 s"
+// "2.53 s", "under 0.01 s"
 std::string SecondsText(int64_t ms);
 
 // One sentence without a full stop: what answers, what does not, and the likely cause.

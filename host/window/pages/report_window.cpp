@@ -76,7 +76,8 @@ void DoctorWindow::Show(HWND owner) {
     // The verdict tells of the engine.
     if (diagnosis_ && !diagnosis_->hasUser && diagnosis_->discovery.outcome == Outcome::kAnswered)
         report.front().rows.back().text = ToUtf8(Text(IDS_NO_USER_ASKED));
-    for (ReportSection& section : ReportOf(*report_)) report.push_back(std::move(section));
+    const char* const label = address_.empty() ? "Verdict" : "This computer";
+    for (ReportSection& section : ReportOf(*report_, label)) report.push_back(std::move(section));
     std::vector<ReportRow> rows = RowsOf(report);
     if (std::exchange(hasOpened_, true)) return page_.Show(std::move(rows));
     page_.Open(

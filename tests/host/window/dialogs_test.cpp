@@ -477,6 +477,7 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
         ASSERT_TRUE(Until([&] { return (page = PopupOf(window_->Handle())) != nullptr; }));
         EXPECT_EQ(L"Does 10.77.1.9 answer?", TextOf(page));
         EXPECT_EQ(L"the device is being asked;" + computer, PageTexts(page));
+        EXPECT_EQ(L"This computer", CellOf(GetDlgItem(page, IDC_DETAILS), 1, 0));
         engine_.isReleased = way == kWhole;
         if (way != kWhole) Command(IDCANCEL);
         const std::wstring verdict =
