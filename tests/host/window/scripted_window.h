@@ -256,7 +256,9 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
             EXPECT_FALSE(IntersectRect(&common, &place, &taken)) << GetDlgCtrlID(other);
         places.emplace_back(child, place);
         if (!ListControl::Of(child)) continue;
-        NMLVFINDITEMW typed = {{child, 0, LVN_ODFINDITEMW}, -1, {LVFI_STRING, L"\x01"}};
+        NMLVFINDITEMW typed = {{child, 0, LVN_ODFINDITEMW}, -1, {}};
+        typed.lvfi.flags = LVFI_STRING;
+        typed.lvfi.psz = L"\x01";
         EXPECT_EQ(-1, SendMessageW(window, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&typed)));
     }
     return places;
