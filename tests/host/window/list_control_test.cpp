@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/messages.h"
+#include "window/controls/placement.h"
 #include "window/resource.h"
 
 namespace {
