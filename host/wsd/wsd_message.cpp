@@ -65,9 +65,7 @@ std::string_view NamespaceOf(pugi::xml_node at, std::string_view prefix) {
 bool Is(pugi::xml_node node, std::string_view local,
         std::initializer_list<const char*> namespaces) {
     const QName name = Split(node.name());
-    if (name.local != local) return false;
-    const std::string_view uri = NamespaceOf(node, name.prefix);
-    return Contains(namespaces, uri);
+    return name.local == local && Contains(namespaces, NamespaceOf(node, name.prefix));
 }
 
 pugi::xml_node Child(pugi::xml_node parent, std::string_view local,

@@ -8,17 +8,13 @@
 #include "values/value_text.h"
 
 namespace vndiscover::host {
-
 namespace {
 
 const Oid kSnmpModules = {1, 3, 6, 1, 6, 3};
 
-struct Reason {
-    Oid counter;  // below snmpModules
-    const char* text;
-};
-// RFC 3412 (snmpMPDStats), 3413 (snmpUnavailableContexts ...), 3414 (usmStats).
-const Reason kReasons[] = {
+// By counters below it: RFC 3412 (snmpMPDStats), 3413 (snmpUnavailableContexts ...), 3414
+// (usmStats).
+const std::pair<Oid, const char*> kReasons[] = {
     {{15, 1, 1, 1, 0}, "the device does not support this security level"},
     {{15, 1, 1, 2, 0}, "the request is outside the device's time window"},
     {{15, 1, 1, 3, 0}, "the device does not know this user"},
@@ -33,6 +29,11 @@ const Reason kReasons[] = {
     {{12, 1, 5, 0}, "the device does not know the default context"},
 };
 
+// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
+bool IsSilence(const Answer& answer) {
+    return answer.status == Status::kNoAnswer || answer.status == Status::kOnlyDiscovered;
+}
+
 }  // namespace
 
 Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw) {
@@ -43,11 +44,7 @@ Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw) {
 Answer Received(std::string_view bytes) { return AnsweredWith({}, 0, bytes); }
 
 Answer Failed(Status status, const Oid& asked, std::string note) {
-    Answer answer;
-    answer.status = status;
-    answer.oid = asked;
-    answer.note = std::move(note);
-    return answer;
+    return {status, asked, 0, "", 0, std::move(note)};
 }
 
 bool IsOnlyThisOne(const Answer& failure) {
@@ -81,18 +78,9 @@ const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type) 
     if (type != kCounter32 || IsWithin(asked, kSnmpModules) || !IsWithin(answered, kSnmpModules))
         return nullptr;
     const Oid counter = Tail(answered, kSnmpModules.size());
-    const auto* known = FindIf(kReasons, [&](const auto& one) { return one.counter == counter; });
-    return known ? known->text : nullptr;
+    const auto* known = FindIf(kReasons, [&](const auto& one) { return one.first == counter; });
+    return known ? known->second : nullptr;
 }
-
-namespace {
-
-// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
-bool IsSilence(const Answer& answer) {
-    return answer.status == Status::kNoAnswer || answer.status == Status::kOnlyDiscovered;
-}
-
-}  // namespace
 
 // Whether the device answers a request that does not lead to the variable after `oid`.
 bool PatientAsker::HasSign(const Oid& oid) {

@@ -163,18 +163,11 @@ std::string Given(const Call& call, std::string_view name) {
 bool IsWsd(const Call& call) { return call.name == "DiscoverSoap"; }
 bool IsText(const std::string& type) { return type == "const wchar_t*" || type == "const char*"; }
 
-// As \ooo, since \x would include hex digits that follow.
-std::string Octal(unsigned char byte) {
-    std::string text = "\\";
-    for (const int shift : {6, 3, 0}) text += static_cast<char>('0' + (byte >> shift & 7));
-    return text;
-}
-
-// \uXXXX or \UXXXXXXXX
-std::string CodePoint(uint32_t code) {
+// As \ooo, \uXXXX or \UXXXXXXXX, since \x would include hex digits that follow.
+std::string Escape(unsigned code, bool isOctal) {
     char text[16];
-    std::snprintf(text, sizeof text, code > 0xFFFF ? "\\U%08X" : "\\u%04X",
-                  static_cast<unsigned>(code));
+    const char* const format = isOctal ? "\\%03o" : code > 0xFFFF ? "\\U%08X" : "\\u%04X";
+    std::snprintf(text, sizeof text, format, code);
     return text;
 }
 
@@ -188,14 +181,13 @@ std::string Literal(std::string_view text, bool isSharp, bool isNarrow) {
         } else if (byte >= ' ' && byte < 0x7F) {
             literal += text[at++];
         } else if (!isSharp && (isNarrow || byte < 0x80)) {
-            literal += Octal(byte);
+            literal += Escape(byte, true);
             ++at;
         } else {
             const auto [character, size, isUtf8] = FirstCharacter(text.substr(at));
             at += size;
             // The C1 controls have no names of this kind in C++.
-            const bool isC1 = !isSharp && character < 0xA0;
-            literal += isC1 ? Octal(static_cast<unsigned char>(character)) : CodePoint(character);
+            literal += Escape(character, !isSharp && character < 0xA0);
         }
     }
     return literal + "\"";

@@ -75,9 +75,7 @@ bool AddUnblocking(std::vector<std::string>& commands, const FirewallState& stat
 }  // namespace
 
 FirewallReport ReportOn(const FirewallState& state, const std::string& programPath) {
-    FirewallReport report;
-    report.isKnown = state.isKnown;
-    report.isOverridden = state.isOverridden;
+    FirewallReport report = {state.isKnown, state.isOverridden, {}, {}};
     std::vector<std::string> profiles;
     if (!state.isKnown) profiles = {"domain", "private"};
     for (const FirewallProfile& profile : state.active) {
