@@ -101,6 +101,7 @@ ReportSection InterfaceSection(const PrinterFacts& facts);
 struct TextStyle {
     size_t width = 80;        // of a line, in characters
     bool hasColours = false;  // as escape sequences, of bars and marks
+    bool hasMarks = true;     // "!" and "!!" before what is worth a look
     bool hasDetails = false;
 };
 

@@ -70,7 +70,7 @@ class Writer {
 
     void AddMarkedText(const ReportRow& row, bool isInPhrases) {
         const bool hasDetail = style_.hasDetails && !row.detail.empty();
-        const std::string mark = SeverityMark(row.severity);
+        const std::string mark = style_.hasMarks ? SeverityMark(row.severity) : "";
         AddColoured(mark, row.severity == Severity::kCritical ? "1;31" : "1;33");
         AddText((mark.empty() ? "" : " ") + row.text + (hasDetail ? " (" + row.detail + ")" : ""),
                 isInPhrases);

@@ -48,7 +48,8 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
         "Not read       trays, name: no answer; too long (prtInputName,\n"
         "                 prtInputMediaName, sysName, prtGeneralPrinterName)\n"
         "               alerts, panel, location: not asked for\n",
-        ReportText(report, {80, false, true}));
+        ReportText(report, {80, false, true, true}));
+    EXPECT_EQ(std::string::npos, ReportText(report, {80, false, false}).find('!'));
     EXPECT_EQ(Severity::kFine, report[0].rows[0].severity);
     EXPECT_EQ(Severity::kUnknown, report.back().rows[0].severity);
 }
