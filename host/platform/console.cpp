@@ -5,9 +5,13 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <mutex>
 
+#include "platform/messages.h"
+#include "platform/owned.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -26,7 +30,7 @@ std::function<void()> g_save;  // of a CompletionGuard; empty: there is nothing 
 std::atomic<DWORD> g_inputMode{0}, g_outputMode{0};
 UINT g_formerCodePage = 0;
 
-std::mutex g_outputMutex;
+std::timed_mutex g_outputMutex;
 std::atomic<size_t> g_statusWidth{0};  // characters of the status line on the console
 bool g_isOutputBroken = false;
 DWORD g_outputError = 0;  // of the first failure
@@ -34,20 +38,6 @@ DWORD g_outputError = 0;  // of the first failure
 bool IsConsole(HANDLE handle) {
     DWORD mode = 0;
     return GetConsoleMode(handle, &mode) != 0;
-}
-bool IsConsole(DWORD handle) { return IsConsole(GetStdHandle(handle)); }
-
-// All of a text, by a function that writes some of it.
-template <class Text, class Function>
-bool WriteAll(const Text& text, Function&& write) {
-    constexpr size_t kMost = 8192;  // older consoles fail beyond 64 KB
-    for (size_t done = 0; done < text.size();) {
-        DWORD written = 0;
-        const auto part = static_cast<DWORD>(std::min(kMost, text.size() - done));
-        if (!write(text.data() + done, part, &written) || written == 0) return false;
-        done += written;
-    }
-    return true;
 }
 
 // Few writes, with the system's line ends: C streams write to a console byte by byte, which
@@ -66,20 +56,28 @@ void RestoreConsole() {
         SetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), mode);
 }
 
-// Waits half a second for other output at most: a pipe may be full.
 void WarnOfSaving() {
-    std::unique_lock<std::mutex> lock(g_outputMutex, std::try_to_lock);
-    for (int wait = 0; wait < 50 && !lock; ++wait) {
-        Sleep(10);
-        (void)lock.try_lock();
-    }
+    constexpr auto kPatience = std::chrono::milliseconds(500);  // with a pipe that may be full
+    const std::unique_lock<std::timed_mutex> lock(g_outputMutex, kPatience);
     if (lock) Write(STD_ERROR_HANDLE, "vndiscover: saving first (Ctrl-C again ends at once)\n");
+}
+
+// The system ends the process after about 5 s. A request that is running may take 10 s, so what is
+// known is saved without it.
+void SaveBeforeEnd() {
+    constexpr DWORD kMayEndMs = 1000;
+    g_isClosing = true;
+    if (int32_t(*const stop)() = g_stop) stop();
+    Sleep(kMayEndMs);
+    const std::lock_guard lock(g_saveMutex);
+    if (g_save) g_save();
 }
 
 BOOL WINAPI OnControl(DWORD event) {
     int32_t (*const stop)() = g_stop;
     const bool canStop = event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT;
-    if (canStop && (stop || g_completionGuards > 0) && !g_isStopped.exchange(true)) {
+    const bool hasWork = stop || g_completionGuards > 0;
+    if (canStop && hasWork && !g_isStopped.exchange(true)) {
         if (stop) {
             stop();
         } else {
@@ -87,19 +85,9 @@ BOOL WINAPI OnControl(DWORD event) {
         }
         return TRUE;
     }
-    if (!canStop && (stop || g_completionGuards > 0)) {
-        // The console is closed, or the user logs off: the system ends the process after about 5 s,
-        // or as soon as this returns. A request that is running may take 10 s, so what is known is
-        // saved without it.
-        constexpr DWORD kMayEndMs = 1000;
-        g_isClosing = true;
-        if (stop) stop();
-        Sleep(kMayEndMs);
-        {
-            const std::lock_guard<std::mutex> lock(g_saveMutex);
-            if (g_save) g_save();
-        }
-        Sleep(INFINITE);
+    if (!canStop && hasWork) {  // the console is closed, or the user logs off
+        SaveBeforeEnd();
+        Sleep(INFINITE);  // as soon as this returned, the process would end
     }
     RestoreConsole();
     if (g_statusWidth > 0) Write(STD_ERROR_HANDLE, "\n");
@@ -119,7 +107,7 @@ void EraseStatus() {
 bool IsStopRequested() { return g_isStopped || g_isClosing; }
 
 void ShowStatus(const std::string& text) {
-    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    const std::lock_guard lock(g_outputMutex);
     Write(STD_ERROR_HANDLE, "\r" + Padded(text, g_statusWidth));
     g_statusWidth = std::max<size_t>(g_statusWidth, text.size());
 }
@@ -138,18 +126,24 @@ ConsoleSession::~ConsoleSession() {
 }
 
 bool WriteText(HANDLE file, const std::string& text) {
-    if (IsConsole(file)) {
-        return WriteAll(ToWide(text), [file](const wchar_t* from, DWORD size, DWORD* written) {
-            return WriteConsoleW(file, from, size, written, nullptr);
-        });
+    const bool isConsole = IsConsole(file);
+    const std::wstring wide = isConsole ? ToWide(text) : L"";
+    const size_t size = isConsole ? wide.size() : text.size();
+    const size_t most = isConsole ? 8192 : size_t{1} << 20;  // older consoles fail beyond 64 KB
+    for (size_t done = 0; done < size;) {
+        DWORD written = 0;
+        const auto part = static_cast<DWORD>(std::min(most, size - done));
+        const BOOL isWritten =
+            isConsole ? WriteConsoleW(file, wide.data() + done, part, &written, nullptr)
+                      : WriteFile(file, text.data() + done, part, &written, nullptr);
+        if (!isWritten || written == 0) return false;
+        done += written;
     }
-    return WriteAll(text, [file](const char* from, DWORD size, DWORD* written) {
-        return WriteFile(file, from, size, written, nullptr);
-    });
+    return true;
 }
 
 bool Print(std::string_view text) {
-    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    const std::lock_guard lock(g_outputMutex);
     EraseStatus();
     if (!g_isOutputBroken && !Write(STD_OUTPUT_HANDLE, text)) {
         g_outputError = GetLastError();
@@ -165,7 +159,7 @@ size_t OutputWidth(size_t otherwise) {
     return static_cast<size_t>(std::max(info.srWindow.Right - info.srWindow.Left, 40));
 }
 
-bool IsOutputConsole() { return IsConsole(STD_OUTPUT_HANDLE); }
+bool IsOutputConsole() { return IsConsole(GetStdHandle(STD_OUTPUT_HANDLE)); }
 
 bool HasOutputColours() {
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
@@ -180,14 +174,13 @@ bool HasOutputColours() {
 std::string OutputProblem() {
     constexpr DWORD kNobodyReads[] = {ERROR_BROKEN_PIPE, ERROR_NO_DATA, ERROR_PIPE_NOT_CONNECTED,
                                       ERROR_INVALID_HANDLE};
-    const std::lock_guard<std::mutex> lock(g_outputMutex);
-    const bool isNormal = std::find(std::begin(kNobodyReads), std::end(kNobodyReads),
-                                    g_outputError) != std::end(kNobodyReads);
+    const std::lock_guard lock(g_outputMutex);
+    const bool isNormal = Contains(kNobodyReads, g_outputError);
     return isNormal || !g_isOutputBroken ? "" : ErrorText(g_outputError);
 }
 
 void Warn(const std::string& text) {
-    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    const std::lock_guard lock(g_outputMutex);
     EraseStatus();
     Write(STD_ERROR_HANDLE, "vndiscover: " + text + "\n");
 }
@@ -199,18 +192,11 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     g_inputMode = mode;
     SetConsoleMode(input, (mode | ENABLE_LINE_INPUT | ENABLE_PROCESSED_INPUT) & ~ENABLE_ECHO_INPUT);
     Write(STD_ERROR_HANDLE, prompt);  // only now, since the user types as soon as it appears
-    constexpr DWORD kPart = 256;
-    constexpr size_t kLongest = 8192;
-    std::wstring text;
-    text.reserve(kLongest);  // growing would leave copies in memory
-    bool isRead = true;
-    while (isRead && text.size() + kPart <= kLongest && (text.empty() || text.back() != L'\n')) {
-        const size_t done = text.size();
-        DWORD count = 0;
-        text.resize(done + kPart);
-        isRead = ReadConsoleW(input, text.data() + done, kPart, &count, nullptr) && count > 0;
-        text.resize(done + count);
-    }
+    constexpr DWORD kLongest = 8192;
+    std::wstring text(kLongest, L'\0');  // growing would leave copies in memory
+    DWORD count = 0;
+    const bool isRead = ReadConsoleW(input, text.data(), kLongest, &count, nullptr) && count > 0;
+    text.resize(count);
     SetConsoleMode(input, mode);
     g_inputMode = 0;
     Write(STD_ERROR_HANDLE, "\n");
@@ -220,18 +206,54 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     return std::nullopt;
 }
 
-CompletionGuard::CompletionGuard(std::function<void()> save) : hasSave_(save != nullptr) {
+// A program that has loaded user32.dll gets no console event when the user logs off. The system
+// tells its windows at the top, if their thread takes messages: the one that sweeps does not.
+class SessionEnd {
+  public:
+    SessionEnd() : thread_([this] { Run(); }) {}
+    ~SessionEnd() {
+        SetEvent(over_.Get());
+        thread_.join();
+    }
+    SessionEnd(const SessionEnd&) = delete;
+    SessionEnd& operator=(const SessionEnd&) = delete;
+
+    std::optional<LRESULT> OnMessage(HWND, UINT message, WPARAM wParam, LPARAM) {
+        if (message == WM_QUERYENDSESSION) return TRUE;
+        if (message == WM_ENDSESSION && wParam) SaveBeforeEnd();
+        return std::nullopt;
+    }
+    void OnException() noexcept {}  // saving throws none
+
+  private:
+    void Run() {
+        const HANDLE over = over_.Get();
+        const Owned<ClosedBy<HWND, DestroyWindow>> window(
+            MakeHiddenWindow(L"VnDiscoverSessionEnd", nullptr, this));
+        constexpr DWORD kMessage = WAIT_OBJECT_0 + 1;
+        while (MsgWaitForMultipleObjects(1, &over, FALSE, INFINITE, QS_ALLINPUT) == kMessage) {
+            for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);)
+                DispatchMessageW(&message);
+        }
+    }
+
+    const OwnedHandle over_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    std::thread thread_;
+};
+
+CompletionGuard::CompletionGuard(std::function<void()> save)
+    : sessionEnd_(save ? std::make_unique<SessionEnd>() : nullptr) {
     g_isStopped = false;
     ++g_completionGuards;
-    if (!hasSave_) return;
-    const std::lock_guard<std::mutex> lock(g_saveMutex);
+    if (!sessionEnd_) return;
+    const std::lock_guard lock(g_saveMutex);
     g_save = std::move(save);
 }
 
 CompletionGuard::~CompletionGuard() {
     --g_completionGuards;
-    if (!hasSave_) return;
-    const std::lock_guard<std::mutex> lock(g_saveMutex);  // not while it saves
+    if (!sessionEnd_) return;
+    const std::lock_guard lock(g_saveMutex);  // not while it saves
     g_save = nullptr;
 }
 
@@ -243,14 +265,10 @@ SweepWatch::SweepWatch(int32_t (*stop)(), std::function<std::string()> status)
 }
 
 SweepWatch::~SweepWatch() {
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        isOver_ = true;
-    }
-    wake_.notify_all();
+    over_.set_value();
     thread_.join();
     g_stop = nullptr;
-    const std::lock_guard<std::mutex> lock(g_outputMutex);
+    const std::lock_guard lock(g_outputMutex);
     EraseStatus();
 }
 
@@ -261,16 +279,15 @@ void SweepWatch::RequestStop() {
 bool SweepWatch::IsStopped() const { return IsStopRequested(); }
 
 void SweepWatch::Run() {
-    const bool hasConsole = IsConsole(STD_ERROR_HANDLE);
-    std::unique_lock<std::mutex> lock(mutex_);
-    while (!isOver_) {
+    const bool hasConsole = IsConsole(GetStdHandle(STD_ERROR_HANDLE));
+    const std::future<void> over = over_.get_future();
+    do {
         // The sweep clears a request that came just before it began, so repeat it.
         if (IsStopRequested()) stop_();
         if (hasConsole)
             ShowStatus(status_() +
                        (IsStopRequested() ? ", stopping (Ctrl-C again ends at once)" : ""));
-        wake_.wait_for(lock, kStatusPeriod);
-    }
+    } while (over.wait_for(kStatusPeriod) == std::future_status::timeout);
 }
 
 }  // namespace vndiscover::host

@@ -1,11 +1,11 @@
 // The console. Only results go to standard output, everything else goes to standard error.
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <mutex>
+#include <future>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,19 +44,22 @@ void Warn(const std::string& text);
 // Reads a line without echo, for a Secret. Empty if standard input is not a console.
 std::optional<std::wstring> PromptHidden(const std::string& prompt);
 
+class SessionEnd;
+
 // For work that must be completed, such as saving a file. While a guard exists, the first Ctrl-C
 // only shows a message and the second ends the process. Each guard starts the count again.
 class CompletionGuard {
   public:
-    // `save`, which must not throw: called on a thread of the system if the console closes and the
-    // process has not ended a second later. Only one guard at a time may have one.
+    // `save`, which must not throw: called on another thread if the console closes, or the user
+    // logs off, and the process has not ended a second later. Only one guard at a time may have
+    // one.
     explicit CompletionGuard(std::function<void()> save = nullptr);
     ~CompletionGuard();
     CompletionGuard(const CompletionGuard&) = delete;
     CompletionGuard& operator=(const CompletionGuard&) = delete;
 
   private:
-    const bool hasSave_;
+    std::unique_ptr<SessionEnd> sessionEnd_;  // null: there is nothing to save
 };
 
 // While a sweep runs, the first Ctrl-C calls `stop`, on any thread, and the second ends the
@@ -74,9 +77,7 @@ class SweepWatch {
 
     int32_t (*stop_)();
     std::function<std::string()> status_;
-    std::mutex mutex_;
-    std::condition_variable wake_;
-    bool isOver_ = false;
+    std::promise<void> over_;
     std::thread thread_;
 };
 

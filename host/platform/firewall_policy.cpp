@@ -4,6 +4,7 @@
 #include <netfw.h>
 #include <oleauto.h>
 
+#include <optional>
 #include <string>
 
 #include "platform/com.h"
@@ -26,13 +27,16 @@ struct Variant : VARIANT {
     Variant& operator=(const Variant&) = delete;
 };
 
-using TextGetter = HRESULT (STDMETHODCALLTYPE INetFwRule::*)(BSTR*);
+// A property of an object; empty if it has none.
+template <class Object, class Value>
+std::optional<Value> Read(Object& object, HRESULT (STDMETHODCALLTYPE Object::*get)(Value*)) {
+    Value value{};
+    return SUCCEEDED((object.*get)(&value)) ? std::optional<Value>(value) : std::nullopt;
+}
 
-// Empty if the rule does not have the property.
-std::wstring Text(INetFwRule& rule, TextGetter getter) {
-    Owned<ClosedBy<BSTR, SysFreeString>> value;
-    if (FAILED((rule.*getter)(value.Receive())) || !value) return L"";
-    return {value.Get(), SysStringLen(value.Get())};
+std::wstring Text(INetFwRule& rule, HRESULT (STDMETHODCALLTYPE INetFwRule::*get)(BSTR*)) {
+    const Owned<ClosedBy<BSTR, SysFreeString>> value(Read(rule, get).value_or(nullptr));
+    return value ? std::wstring(value.Get(), SysStringLen(value.Get())) : L"";
 }
 
 // By name, for properties that only newer systems have.
@@ -62,12 +66,9 @@ std::wstring Expanded(const std::wstring& path) {
 }
 
 bool IsConcerned(INetFwRule& rule) {
-    VARIANT_BOOL isEnabled = VARIANT_FALSE;
-    NET_FW_RULE_DIRECTION direction = NET_FW_RULE_DIR_OUT;
-    LONG protocol = 0;
-    return SUCCEEDED(rule.get_Enabled(&isEnabled)) && isEnabled &&
-           SUCCEEDED(rule.get_Direction(&direction)) && direction == NET_FW_RULE_DIR_IN &&
-           SUCCEEDED(rule.get_Protocol(&protocol)) &&
+    const LONG protocol = Read(rule, &INetFwRule::get_Protocol).value_or(0);
+    return Read(rule, &INetFwRule::get_Enabled).value_or(VARIANT_FALSE) &&
+           Read(rule, &INetFwRule::get_Direction) == NET_FW_RULE_DIR_IN &&
            (protocol == kUdp || protocol == kAnyProtocol);
 }
 
@@ -86,16 +87,16 @@ bool HasLimits(INetFwRule& rule, IDispatch& dispatch) {
 void AddRule(FirewallState& state, INetFwRule& rule, IDispatch& dispatch,
              const std::string& ownPath) {
     if (!IsConcerned(rule) || HasLimits(rule, dispatch)) return;
-    LONG profiles = 0;
-    NET_FW_ACTION action = NET_FW_ACTION_BLOCK;
-    if (FAILED(rule.get_Profiles(&profiles)) || FAILED(rule.get_Action(&action))) return;
+    const auto profiles = Read(rule, &INetFwRule::get_Profiles);
+    const auto action = Read(rule, &INetFwRule::get_Action);
+    if (!profiles || !action) return;
     const std::wstring application = Text(rule, &INetFwRule::get_ApplicationName);
     const bool isForThis =
         !application.empty() && IsSamePath(ToUtf8(Expanded(application)), ownPath);
     if (!application.empty() && !isForThis) return;
     state.rules.push_back({ToUtf8(Text(rule, &INetFwRule::get_Name)),
                            ToUtf8(Text(rule, &INetFwRule::get_RemotePorts)),
-                           static_cast<uint32_t>(profiles), action == NET_FW_ACTION_ALLOW,
+                           static_cast<uint32_t>(*profiles), action == NET_FW_ACTION_ALLOW,
                            isForThis});
 }
 

@@ -9,6 +9,7 @@
 
 #include <windows.h>
 
+#include <mutex>
 #include <optional>
 
 namespace vndiscover::host {
@@ -48,6 +49,27 @@ template <class T>
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto result = Deliver<T>(window, message, wParam, lParam);
     return result ? *result : DefWindowProcW(window, message, wParam, lParam);
+}
+
+// A window that is never shown, of a class of this name; null if the system refuses it. `parent`:
+// HWND_MESSAGE, or null for one at the top, which the system tells of the session's end.
+template <class T>
+HWND MakeHiddenWindow(const wchar_t* name, HWND parent, T* object) {
+    WNDCLASSW type = {};
+    type.lpfnWndProc = WindowProcedure<T>;
+    type.hInstance = GetModuleHandleW(nullptr);
+    type.lpszClassName = name;
+    {
+        // Fails harmlessly if it is already registered. Under Wine it may fail before another
+        // thread's registration is complete; that thread's window could be created, this one's not.
+        static std::mutex registering;
+        const std::lock_guard lock(registering);
+        RegisterClassW(&type);
+    }
+    const HWND window =
+        CreateWindowExW(0, name, L"", 0, 0, 0, 0, 0, parent, nullptr, type.hInstance, nullptr);
+    if (window) Attach(window, object);
+    return window;
 }
 
 // For the functions that make a dialog, with the object as their last parameter.

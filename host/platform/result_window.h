@@ -6,6 +6,10 @@
 #include <exception>
 #include <functional>
 #include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/messages.h"
 
 namespace vndiscover::host {
 
@@ -17,8 +21,11 @@ class ResultWindow {
     using OnResult = std::function<void(const char* address, const char* value)>;
 
     // Throws std::runtime_error if the window cannot be created.
-    explicit ResultWindow(OnResult onResult);
-    ~ResultWindow();
+    explicit ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
+        window_ = MakeHiddenWindow(L"VnDiscoverResults", HWND_MESSAGE, this);
+        if (!window_) throw std::runtime_error("the window for the results cannot be created");
+    }
+    ~ResultWindow() { DestroyWindow(window_); }
     ResultWindow(const ResultWindow&) = delete;
     ResultWindow& operator=(const ResultWindow&) = delete;
 
@@ -29,7 +36,13 @@ class ResultWindow {
     }
     static constexpr UINT kMessage = WM_APP;
 
-    std::optional<LRESULT> OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    std::optional<LRESULT> OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != kMessage) return std::nullopt;
+        const auto* address = reinterpret_cast<const char*>(wParam);
+        const auto* value = reinterpret_cast<const char*>(lParam);
+        if (address && value) onResult_(address, value);
+        return 0;
+    }
     void OnException() noexcept { failure_ = std::current_exception(); }
 
   private:

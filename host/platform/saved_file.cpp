@@ -2,12 +2,14 @@
 
 #include <windows.h>
 
-#include <algorithm>
-#include <initializer_list>
+#include <cstdlib>
+#include <cstring>
 
 #include "model/scan/scan_file.h"
+#include "platform/console.h"
 #include "platform/owned.h"
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -33,20 +35,20 @@ std::wstring TemporaryPath(const std::string& path) {
     return SystemPath(path) + L"." + std::to_wstring(GetCurrentProcessId()) + L".new";
 }
 
-bool IsOneOf(DWORD error, std::initializer_list<DWORD> errors) {
-    return std::count(errors.begin(), errors.end(), error) != 0;
-}
-
 // ReplaceFileW keeps the old file's rights and attributes. MoveFileExW would drop them, so it is
 // only for where ReplaceFileW says that there is no old file (now), or that the disk cannot do it.
 bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
     if (ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                      nullptr, nullptr))
         return true;
-    return IsOneOf(GetLastError(),
-                   {ERROR_FILE_NOT_FOUND, ERROR_UNABLE_TO_MOVE_REPLACEMENT,
-                    ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, ERROR_INVALID_FUNCTION, ERROR_NOT_SUPPORTED,
-                    ERROR_INVALID_PARAMETER, ERROR_DIRECTORY}) &&  // Wine, of a path of Unix
+    constexpr DWORD kCannotReplace[] = {ERROR_FILE_NOT_FOUND,
+                                        ERROR_UNABLE_TO_MOVE_REPLACEMENT,
+                                        ERROR_UNABLE_TO_MOVE_REPLACEMENT_2,
+                                        ERROR_INVALID_FUNCTION,
+                                        ERROR_NOT_SUPPORTED,
+                                        ERROR_INVALID_PARAMETER,
+                                        ERROR_DIRECTORY};  // Wine, of a path of Unix
+    return Contains(kCannotReplace, GetLastError()) &&
            MoveFileExW(temporary.c_str(), path.c_str(),
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
@@ -56,36 +58,26 @@ template <class Attempt>
 bool TryPatiently(Attempt attempt) {
     constexpr int kTries = 20;
     constexpr DWORD kBetweenMs = 50;
+    constexpr DWORD kMayPass[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION,
+                                  ERROR_USER_MAPPED_FILE, ERROR_UNABLE_TO_REMOVE_REPLACED};
     for (int left = kTries; !attempt(); Sleep(kBetweenMs)) {
-        const bool mayPass =
-            IsOneOf(GetLastError(), {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION,
-                                     ERROR_USER_MAPPED_FILE, ERROR_UNABLE_TO_REMOVE_REPLACED});
-        if (!mayPass || --left == 0) return false;
+        if (!Contains(kMayPass, GetLastError()) || --left == 0) return false;
     }
     return true;
 }
 
 bool WriteWhole(const std::wstring& path, const std::string& text) {
     const OwnedFile file = Open(path, GENERIC_WRITE, CREATE_ALWAYS);
-    if (!file) return false;
-    for (size_t done = 0; done < text.size();) {
-        DWORD written = 0;
-        const auto part = static_cast<DWORD>(std::min(kChunk, text.size() - done));
-        if (!WriteFile(file.Get(), text.data() + done, part, &written, nullptr) || written == 0)
-            return false;
-        done += written;
-    }
-    return FlushFileBuffers(file.Get()) != 0;  // before it replaces the old file
+    return file && WriteText(file.Get(), text) &&
+           FlushFileBuffers(file.Get()) != 0;  // before it replaces the old file
 }
 
 std::string FromUtf16(std::string text) {
     const bool isBig = text.compare(0, 2, "\xFE\xFF") == 0;
     if (!isBig && text.compare(0, 2, "\xFF\xFE") != 0) return text;
-    std::wstring wide;
-    for (size_t at = 2; at + 1 < text.size(); at += 2) {
-        const auto high = static_cast<uint8_t>(text[isBig ? at : at + 1]);
-        wide += static_cast<wchar_t>(high << 8 | static_cast<uint8_t>(text[isBig ? at + 1 : at]));
-    }
+    std::wstring wide(text.size() / 2 - 1, L'\0');
+    std::memcpy(wide.data(), text.data() + 2, wide.size() * sizeof wide[0]);
+    for (wchar_t& letter : wide) letter = isBig ? _byteswap_ushort(letter) : letter;
     return ToUtf8(wide);
 }
 

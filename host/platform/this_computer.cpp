@@ -25,18 +25,14 @@ constexpr ULONG kFirstListBytes = 15000;
 constexpr int kListAttempts = 3;
 constexpr char kLogKey[] = "Software\\Varnell Osk\\VnInst";
 
-OwnedModule LoadIpHelper() {
-    const std::wstring path = SystemFile(L"IPHLPAPI.DLL");
-    return OwnedModule(path.empty() ? nullptr : LoadLibraryW(path.c_str()));
-}
-
-template <class Function>
-Function* Find(const OwnedModule& helper, const char* name) {
-    if (!helper) return nullptr;
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(helper.Get(), name)));
+FARPROC FindInIpHelper(const char* name) {
+    static const std::wstring path = SystemFile(L"IPHLPAPI.DLL");
+    static const OwnedModule helper(path.empty() ? nullptr : LoadLibraryW(path.c_str()));
+    return helper ? GetProcAddress(helper.Get(), name) : nullptr;
 }
 // Takes the type from the declaration without linking to the function.
-#define FIND(helper, function) Find<decltype(function)>(helper, #function)
+#define FIND(function) \
+    reinterpret_cast<decltype(&(function))>(reinterpret_cast<void*>(FindInIpHelper(#function)))
 
 template <class Record>
 struct List {
@@ -61,16 +57,14 @@ List<Record> ReadList(ULONG firstBytes, Read read) {
     return list;
 }
 
-List<IP_ADAPTER_INFO> ReadInfo(const OwnedModule& helper) {
-    const auto getInfo = FIND(helper, GetAdaptersInfo);
+List<IP_ADAPTER_INFO> ReadInfo() {
+    const auto getInfo = FIND(GetAdaptersInfo);
     if (!getInfo) return {};
-    return ReadList<IP_ADAPTER_INFO>(kModuleListBytes, [&](IP_ADAPTER_INFO* record, ULONG* size) {
-        return getInfo(record, size);
-    });
+    return ReadList<IP_ADAPTER_INFO>(kModuleListBytes, getInfo);
 }
 
-List<IP_ADAPTER_ADDRESSES> ReadAddresses(const OwnedModule& helper, ULONG family, ULONG flags) {
-    const auto getAddresses = FIND(helper, GetAdaptersAddresses);
+List<IP_ADAPTER_ADDRESSES> ReadAddresses(ULONG family, ULONG flags) {
+    const auto getAddresses = FIND(GetAdaptersAddresses);
     if (!getAddresses) return {};
     return ReadList<IP_ADAPTER_ADDRESSES>(
         kFirstListBytes, [&](IP_ADAPTER_ADDRESSES* record, ULONG* size) {
@@ -78,10 +72,9 @@ List<IP_ADAPTER_ADDRESSES> ReadAddresses(const OwnedModule& helper, ULONG family
         });
 }
 
-List<IP_ADAPTER_ADDRESSES> ReadDetails(const OwnedModule& helper) {
+List<IP_ADAPTER_ADDRESSES> ReadDetails() {
     return ReadAddresses(
-        helper, AF_UNSPEC,
-        GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER);
+        AF_UNSPEC, GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST | GAA_FLAG_SKIP_DNS_SERVER);
 }
 
 void Describe(AdapterAddress& row, const IP_ADAPTER_ADDRESSES& adapter) {
@@ -132,16 +125,15 @@ bool IsSwitchedOn(const char* name) {
 Route RouteTo(const char* ipv4Address) {
     Route route;
     route.target = ipv4Address;
-    const OwnedModule helper = LoadIpHelper();
-    const auto getBestRoute = FIND(helper, GetBestRoute);
+    const auto getBestRoute = FIND(GetBestRoute);
     MIB_IPFORWARDROW row = {};
     in_addr target = {};
     target.s_addr = inet_addr(ipv4Address);
     if (!getBestRoute || getBestRoute(target.s_addr, 0, &row) != NO_ERROR) return route;
-    const auto infos = ReadInfo(helper);
+    const auto infos = ReadInfo();
     for (const auto* info = infos.First(); info; info = info->Next) {
         if (info->Index != row.dwForwardIfIndex) continue;
-        const AdapterAddress first = RowOf(*info, info->IpAddressList, ReadDetails(helper));
+        const AdapterAddress first = RowOf(*info, info->IpAddressList, ReadDetails());
         route.adapter = first.adapter;
         route.source = first.address;
     }
@@ -155,12 +147,32 @@ Route RouteTo(const char* ipv4Address) {
     return route;
 }
 
+struct SocketTraits {
+    using Value = SOCKET;
+    static Value Empty() noexcept { return INVALID_SOCKET; }
+    static void Close(Value value) noexcept { closesocket(value); }
+};
+using OwnedAddresses = Owned<ClosedBy<addrinfo*, freeaddrinfo>>;
+
+// Null if there are none.
+OwnedAddresses AddressesOf(const std::string& host, int family, int flags = 0) {
+    static WSADATA data;
+    [[maybe_unused]] static const int started = WSAStartup(MAKEWORD(2, 2), &data);
+    addrinfo hints = {};
+    hints.ai_family = family;
+    hints.ai_flags = flags;
+    hints.ai_socktype = SOCK_DGRAM;
+    addrinfo* list = nullptr;
+    // Not port 161, which may be what is blocked.
+    const int error = getaddrinfo(ToAnsi(host).c_str(), "9", &hints, &list);
+    return OwnedAddresses(error == 0 ? list : nullptr);
+}
+
 }  // namespace
 
 AdapterList IPv4Adapters() {
-    const OwnedModule helper = LoadIpHelper();
-    const auto infos = ReadInfo(helper);
-    const auto details = ReadDetails(helper);
+    const auto infos = ReadInfo();
+    const auto details = ReadDetails();
     AdapterList list;
     list.isRead = infos.error == ERROR_SUCCESS || infos.error == ERROR_NO_DATA;
     list.fits = infos.neededBytes <= kModuleListBytes;
@@ -175,9 +187,8 @@ AdapterList IPv4Adapters() {
 }
 
 AdapterList IPv6Adapters() {
-    const OwnedModule helper = LoadIpHelper();
     // With the module's flag, because of which the system may refuse the list.
-    const auto adapters = ReadAddresses(helper, AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
+    const auto adapters = ReadAddresses(AF_INET6, GAA_FLAG_INCLUDE_PREFIX);
     AdapterList list;
     list.isRead = adapters.error == ERROR_SUCCESS || adapters.error == ERROR_NO_DATA;
     for (const auto* adapter = adapters.First(); adapter; adapter = adapter->Next) {
@@ -197,57 +208,24 @@ Computer ThisComputer() {
             OwnPath()};
 }
 
-namespace {
-
-// The right to use Windows Sockets.
-struct WinSockTraits {
-    using Value = bool;
-    static Value Empty() noexcept { return false; }
-    static void Close(Value) noexcept { WSACleanup(); }
-};
-
-struct SocketTraits {
-    using Value = SOCKET;
-    static Value Empty() noexcept { return INVALID_SOCKET; }
-    static void Close(Value value) noexcept { closesocket(value); }
-};
-
-// Its first address as text; empty if it has none.
-std::string AddressOf(const std::string& host, int family) {
-    WSADATA data;
-    const Owned<WinSockTraits> winSock(WSAStartup(MAKEWORD(2, 2), &data) == 0);
-    addrinfo hints = {};
-    hints.ai_family = family;
-    Owned<ClosedBy<addrinfo*, freeaddrinfo>> list;
-    if (getaddrinfo(ToAnsi(host).c_str(), nullptr, &hints, list.Receive()) != 0 || !list) return "";
-    char text[64] = "";
-    getnameinfo(list.Get()->ai_addr, static_cast<socklen_t>(list.Get()->ai_addrlen), text,
-                sizeof text, nullptr, 0, NI_NUMERICHOST);
-    return text;
-}
-
-}  // namespace
-
 std::string NumericHost(const std::string& host) {
     if (host.find(':') != std::string::npos) return host;
-    const std::string address = AddressOf(host, AF_INET);
-    return address.empty() ? host : address;
+    const OwnedAddresses list = AddressesOf(host, AF_INET);
+    char text[64] = "";
+    if (list)
+        getnameinfo(list.Get()->ai_addr, static_cast<socklen_t>(list.Get()->ai_addrlen), text,
+                    sizeof text, nullptr, 0, NI_NUMERICHOST);
+    return text[0] ? text : host;
 }
 
 bool HasRoute(const std::string& address) {
-    WSADATA data;
-    const Owned<WinSockTraits> winSock(WSAStartup(MAKEWORD(2, 2), &data) == 0);
-    addrinfo hints = {};
-    hints.ai_flags = AI_NUMERICHOST;
-    hints.ai_socktype = SOCK_DGRAM;
-    Owned<ClosedBy<addrinfo*, freeaddrinfo>> list;
-    // Not port 161, which may be what is blocked.
-    if (getaddrinfo(address.c_str(), "9", &hints, list.Receive()) != 0 || !list) return false;
+    const OwnedAddresses list = AddressesOf(address, AF_UNSPEC, AI_NUMERICHOST);
+    if (!list) return false;
     const Owned<SocketTraits> probe(socket(list.Get()->ai_family, SOCK_DGRAM, 0));
     return probe &&
            connect(probe.Get(), list.Get()->ai_addr, static_cast<int>(list.Get()->ai_addrlen)) == 0;
 }
 
-bool HasAddress(const std::string& host) { return !AddressOf(host, AF_UNSPEC).empty(); }
+bool HasAddress(const std::string& host) { return static_cast<bool>(AddressesOf(host, AF_UNSPEC)); }
 
 }  // namespace vndiscover::host

@@ -171,26 +171,39 @@ TEST_F(ScanKeeperTest, AFloodTakesHalfOfTheRoomAndIsTold) {
     EXPECT_EQ(1427U, LoadScan(path_, "").answers.size());
 }
 
+// Does not return, and leaves the console closing: the last test that may watch a sweep.
+void CloseConsole() { consoleHandler(CTRL_CLOSE_EVENT); }
+
+void LogOff() {
+    HWND window = nullptr;
+    for (int wait = 0; wait < 400 && !window; ++wait, Sleep(10))
+        window = FindWindowW(L"VnDiscoverSessionEnd", nullptr);
+    EXPECT_TRUE(SendMessageW(window, WM_QUERYENDSESSION, 0, 0));
+    SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+}
+
 // While a request runs for longer than the 5 s that the system leaves. Once, when it has ended.
-TEST_F(ScanKeeperTest, ClosingConsoleSavesWhatIsKnown) {
+TEST_F(ScanKeeperTest, ClosingConsoleAndLoggingOffSaveWhatIsKnown) {
     const ConsoleSession session;
-    ScanKeeper keeper({path_, true});
-    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
-    keeper.Add("10.77.1.20", "hello");
-    // Does not return, and leaves the console closing: the last test that may watch a sweep.
-    std::thread([] { consoleHandler(CTRL_CLOSE_EVENT); }).detach();
-    std::optional<Scan> saved;
-    bool isBroken = false;
-    std::string problem;
-    for (int wait = 0; wait < 400 && !saved; ++wait) {
-        Sleep(10);
-        saved = LoadScan(path_, isBroken, problem);
+    for (void (*end)() : {LogOff, CloseConsole}) {
+        TearDown();
+        ScanKeeper keeper({path_, true});
+        keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+        keeper.Add("10.77.1.20", "hello");
+        std::thread(end).detach();
+        std::optional<Scan> saved;
+        bool isBroken = false;
+        std::string problem;
+        for (int wait = 0; wait < 400 && !saved; ++wait) {
+            Sleep(10);
+            saved = LoadScan(path_, isBroken, problem);
+        }
+        ASSERT_TRUE(saved) << problem;
+        EXPECT_EQ(1U, saved->answers.size());
+        keeper.Add("10.77.1.21", "late");
+        keeper.Save();
+        EXPECT_EQ(1U, Sweeps());
     }
-    ASSERT_TRUE(saved) << problem;
-    EXPECT_EQ(1U, saved->answers.size());
-    keeper.Add("10.77.1.21", "late");
-    keeper.Save();
-    EXPECT_EQ(1U, Sweeps());
 }
 
 }  // namespace

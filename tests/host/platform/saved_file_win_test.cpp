@@ -6,40 +6,32 @@
 
 #include <thread>
 
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 
 namespace vndiscover::host {
 namespace {
 
-// A folder of its own, whose path is longer than systems take without a prefix.
+// In a folder of its own, whose path is longer than systems take without a prefix.
 class SavedFile : public testing::Test {
   protected:
-    SavedFile() {
-        wchar_t temporary[MAX_PATH + 1] = {};
-        GetTempPathW(MAX_PATH + 1, temporary);
-        folders_ = {temporary + (L"vn-saved-" + std::to_wstring(GetCurrentProcessId()))};
-        for (int deep = 0; deep < 3; ++deep)
-            folders_.push_back(folders_.back() + L"\\" + std::wstring(90, L'd'));
-        for (const std::wstring& folder : folders_)
-            CreateDirectoryW((L"\\\\?\\" + folder).c_str(), nullptr);
-        path_ = ToUtf8(folders_.back() + L"\\scan.json");
-    }
+    SavedFile() { CreateDirectoryW(folder_.c_str(), nullptr); }
     ~SavedFile() override {
-        DeleteFileW(Wide().c_str());
-        for (; !folders_.empty(); folders_.pop_back())
-            RemoveDirectoryW((L"\\\\?\\" + folders_.back()).c_str());
+        DeleteFileW(file_.c_str());
+        RemoveDirectoryW(folder_.c_str());
     }
-    std::wstring Wide() const { return L"\\\\?\\" + ToWide(path_); }
-
-    std::vector<std::wstring> folders_;
-    std::string path_, problem_;
+    const std::wstring folder_ =
+        L"\\\\?\\" + Environment(L"TEMP") + L"\\" + std::wstring(240, L'd');
+    const std::wstring file_ = folder_ + L"\\scan.json";
+    const std::string path_ = ToUtf8(file_.substr(4));
+    std::string problem_;
 };
 
 // Of the old file, or of what is left of a new one.
 TEST_F(SavedFile, WaitsForAProgramThatReadsIt) {
     ASSERT_TRUE(ReplaceFileText(path_, "old", problem_)) << problem_;
     for (const std::wstring& held :
-         {Wide(), Wide() + L"." + std::to_wstring(GetCurrentProcessId()) + L".new"}) {
+         {file_, file_ + L"." + std::to_wstring(GetCurrentProcessId()) + L".new"}) {
         const HANDLE reader = CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
                                           OPEN_ALWAYS, 0, nullptr);
         ASSERT_NE(INVALID_HANDLE_VALUE, reader);
