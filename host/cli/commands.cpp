@@ -31,6 +31,14 @@ void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing) {
     }
 }
 
+void CheckCommunity(const std::string& community) {
+    if (ToAnsi(community).size() > kLongestCommunity)
+        throw CLI::ValidationError("--community", std::to_string(kLongestCommunity) +
+                                                      " bytes at most: an SNMPv1 request holds " +
+                                                      std::to_string(kRequestMax) +
+                                                      " with its OID");
+}
+
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize) {
     const size_t size = ToAnsi(community.empty() ? VN_DEFAULT_COMMUNITY : community).size() +
@@ -74,9 +82,8 @@ void WarnIfUnknown(const std::string& host) {
 }
 
 Device OpenDevice(const DeviceOptions& options) {
-    if (!options.v3.isOn) CheckRequest("--community", options.community, kSystem);
-    Device device(ToAnsi(options.host), ToAnsi(options.community), ToAnsi(options.writeCommunity));
-    device.Use(ResolveSecurity(options.v3));
+    if (!options.v3.isOn) CheckCommunity(options.community);
+    const Device device({options.community, ResolveSecurity(options.v3)}, options.host);
     WarnIfUnknown(options.host);
     return device;
 }
@@ -120,8 +127,10 @@ Secret FetchPassword(const std::string& given, const char* option, std::wstring 
     return password;
 }
 
-std::wstring Label(const std::optional<std::string>& label, const char* option,
-                   const std::string& given, const char* known) {
+// Empty without a protocol.
+std::wstring Label(const char* option, const std::string& given, const char* known,
+                   std::optional<std::string> (*labelOf)(std::string_view)) {
+    const std::optional<std::string> label = given.empty() ? std::string() : labelOf(given);
     if (!label) throw CLI::ValidationError(option, "'" + given + "' is not one of " + known);
     return ToWide(*label);
 }
@@ -182,12 +191,8 @@ std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t
     if (!security.usePriv && !options.privPassword.empty())
         throw CLI::ValidationError("-x", "-X needs a privacy protocol");
     // Both labels are checked before a password is prompted for.
-    if (security.useAuth)
-        security.authLabel =
-            Label(AuthLabel(options.authProtocol), "-a", options.authProtocol, kAuthProtocols);
-    if (security.usePriv)
-        security.privLabel =
-            Label(PrivLabel(options.privProtocol), "-x", options.privProtocol, kPrivProtocols);
+    security.authLabel = Label("-a", options.authProtocol, kAuthProtocols, AuthLabel);
+    security.privLabel = Label("-x", options.privProtocol, kPrivProtocols, PrivLabel);
     const std::string whose = number == 1 ? ": " : " of '" + options.user + "': ";
     if (security.useAuth)
         security.authPassword = FetchPassword(options.authPassword, "-A", L"VNDISCOVER_AUTH_PASS",

@@ -41,9 +41,6 @@ void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
 void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
 void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
 
-// Before a negative number after "set", which the parser would take for an option; see main.
-constexpr char kNumberMark = '\0';
-
 // For texts that an unset variable of a script would leave empty: "" is wrong usage.
 inline CLI::Option* MustNotBeEmpty(CLI::Option* option) {
     return option->check(
@@ -63,8 +60,9 @@ std::vector<V3Options> UsersOf(const CLI::App& command);
 // Takes missing passwords from the environment or prompts. Null without --v3. `number`: from 1.
 std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number = 1);
 
-// Throws CLI::ValidationError if the module cannot encode an SNMPv1 request of this size.
-const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // for a community alone
+// Both throw CLI::ValidationError: if the community leaves no room for the OIDs that are asked for,
+// or if the module cannot encode an SNMPv1 request of this size.
+void CheckCommunity(const std::string& community);
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize = 0);
 
@@ -73,7 +71,7 @@ CLI::Option* AddFormat(CLI::App& command, Format& format,
                        const std::vector<std::string>& names = {"text", "json"});
 
 struct DeviceOptions {
-    std::string host, community, writeCommunity;
+    std::string host, community;
     Format format = Format::kText;
     V3Options v3;
 };

@@ -51,7 +51,7 @@ class Usage(unittest.TestCase):
         for offender, *arguments in (
                 ("a command is missing",), ("--bogus:", "sweep", "--bogus"), ("--format:", "sweep", "--format", "xml"),
                 ("--oid:", "sweep", "--oid", "sysDesc.0"), ("--json:", "sweep", "--json", LAB + "/bad.json"),
-                ("--csv:", "sweep", "--csv", "/missing/x.csv"), ("--community:", "sweep", "--community", "x" * 256),
+                ("--csv:", "sweep", "--csv", "/missing/x.csv"), ("--community: 80 bytes at most", "sweep", "--community", "x" * 81),
                 ("--user", "sweep", "-u", "admin"), ("-a:", "sweep", "--v3", "-u", "admin", "-x", "AES"),
                 ("-A:", "sweep", "--v3", "-u", "admin", "-a", "SHA1"), ("-a:", "sweep", "--v3", "-u", "admin", "-a", "SHA3"),
                 ("OID", "get", AGENT), ("OID:", "get", AGENT, long_oid + ".1"), ("ROOT:", "walk", AGENT, long_oid + ".1"),

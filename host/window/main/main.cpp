@@ -38,6 +38,7 @@ bool Keep(const std::string& value, StartOptions& options) {
 constexpr struct ValueOption {
     const char* word;
     bool (*read)(const std::string& value, StartOptions& options);
+    unsigned mistake = 0;  // what a value that is not valid may be; 0: nothing to say
 } kValueOptions[] = {{"--profile",
                       [](const std::string& value, StartOptions& options) {
                           options.profile = ToWide(value);
@@ -50,7 +51,8 @@ constexpr struct ValueOption {
                               options.communities.insert(options.communities.end(),
                                                          communities->begin(), communities->end());
                           return communities.has_value();
-                      }},
+                      },
+                      IDS_SNMP_BAD_COMMUNITY},
                      {"--look-for",
                       [](const std::string& value, StartOptions& options) {
                           const auto* const preset =
@@ -83,7 +85,8 @@ std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& op
             words[index + 1].rfind("--", 0) == 0)
             return Text(IDS_NO_VALUE, {ToWide(word)});
         if (!option->read(words[++index], options))
-            return Text(IDS_BAD_VALUE, {ToWide(word), ToWide(words[index])});
+            return Text(IDS_BAD_VALUE, {ToWide(word), ToWide(words[index])}) +
+                   (option->mistake ? L" " + Text(option->mistake) : L"");
     }
     const bool needsSweep =
         options.exit || options.read || !options.savePath.empty() || !options.csvPath.empty();
