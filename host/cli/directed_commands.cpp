@@ -76,7 +76,7 @@ Examples:
 Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
 
 struct Options : DeviceOptions {
-    std::string root = ".1.3.6.1.2.1", oid, type, value;
+    std::string root = ".1.3.6.1.2.1", oid, type, value, writeCommunity;
     std::vector<std::string> oids;
     bool mustVerify = false;
     bool withNames = false;
@@ -92,7 +92,7 @@ void CheckOid(const Options& options, const char* argument, const Oid& oid) {
     if (!FitsRequest(oid))
         throw CLI::ValidationError(argument, OidToText(oid) + " is too short or too long");
     if (!options.v3.isOn) {
-        CheckRequest("--community", options.community, kSystem);
+        CheckCommunity(options.community);
         CheckRequest(argument, options.community, oid);
     }
     // SNMPv3 requests use the same OID encoder.
@@ -100,14 +100,10 @@ void CheckOid(const Options& options, const char* argument, const Oid& oid) {
         Warn(OidToText(oid) + " has a number over 16383: the device is asked for another OID");
 }
 
-void Show(VariableWriter& writer, const Answer& answer) {
+void Show(VariableWriter& writer, const Answer& answer, const std::string& before = "") {
     Print(writer.Row(answer));
-    if (answer.status != Status::kAnswered) Warn(OidToText(answer.oid) + ": " + Problem(answer));
-}
-
-void ShowSkipped(VariableWriter& writer, const Answer& failure) {
-    Print(writer.Row(failure));
-    Warn("skipped what follows " + OidToText(failure.oid) + ": " + Problem(failure));
+    if (answer.status != Status::kAnswered)
+        Warn(before + OidToText(answer.oid) + ": " + Problem(answer));
 }
 
 int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
@@ -145,11 +141,7 @@ int Verify(const Device& device, const Oid& oid, const SetValue& value) {
     return kNone;
 }
 
-int RunSet(Options options) {
-    for (std::string* text : {&options.host, &options.community, &options.writeCommunity,
-                              &options.oid, &options.type, &options.value}) {
-        if (!text->empty() && text->front() == kNumberMark) text->erase(0, 1);
-    }
+int RunSet(const Options& options) {
     const Oid oid = ParsedOid("OID", options.oid);
     std::string problem;
     const auto value = ParseSetValue(options.type, options.value, problem);
@@ -159,7 +151,7 @@ int RunSet(Options options) {
     CheckRequest("VALUE", options.writeCommunity, oid, value->bytes.size());
     const Device device = OpenDevice(options);
     VariableWriter writer(options.format == Format::kJson, options.withNames);
-    const Answer answer = device.Set(oid, *value);
+    const Answer answer = device.Set(oid, *value, options.writeCommunity);
     Show(writer, answer);
     Print(writer.End());
     const int exitCode = ExitCodeOf(answer.status);
@@ -197,7 +189,7 @@ int RunWalk(const Options& options) {
         asker, root,
         // False: the reader of a pipe has gone.
         [&](const Answer& answer) { return Print(writer.Row(answer)); },
-        [&](const Answer& failure) { ShowSkipped(writer, failure); });
+        [&](const Answer& failure) { Show(writer, failure, "skipped what follows "); });
     const bool isAnswered = end.last.status == Status::kAnswered;
     if (!isAnswered) Show(writer, end.last);
     Print(writer.End());

@@ -7,7 +7,6 @@
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
 #include "platform/this_computer.h"
-#include "platform/wide_text.h"
 
 namespace vndiscover::host {
 namespace {
@@ -51,13 +50,12 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
         diagnosis.isUnknown = true;
         return diagnosis;
     }
-    DeviceOptions community = options;
-    community.v3.isOn = false;
-    community.host = address;
-    const Device v1 = OpenDevice(community);
+    CheckCommunity(options.community);
+    const Device v1({options.community, nullptr}, address);
     v1.ChooseAdapter();
-    Device v3(ToAnsi(options.host), "", "");
-    v3.Use(options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>());
+    const Device v3(
+        {"", options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>()},
+        options.host);
     DiagnosisSteps steps;
     // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
     steps.ping = [&] { return v1.Ping(); };

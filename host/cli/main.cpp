@@ -2,7 +2,6 @@
 #include <vndiscover.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -12,14 +11,11 @@
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 
+namespace vndiscover::host {
 namespace {
 
-using vndiscover::host::Warn;
-
 // The version of the loaded DLL, which is also the program's.
-std::string Version() {
-    return "VnDiscover " + vndiscover::host::VersionOf(GetModuleHandleW(L"VnDiscover.dll"));
-}
+std::string Version() { return "VnDiscover " + VersionOf(GetModuleHandleW(L"VnDiscover.dll")); }
 
 // Shows only types: exclusions would leave too little room for the descriptions.
 class HelpFormatter : public CLI::Formatter {
@@ -36,25 +32,15 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.allow_windows_style_options(false);  // "/tmp/x" is a path
     app.require_subcommand(1);
     app.set_version_flag("--version", Version());
-    vndiscover::host::AddPrintersCommand(app, exitCode);
-    vndiscover::host::AddSweepCommand(app, exitCode);
-    vndiscover::host::AddDirectedCommands(app, exitCode);
-    vndiscover::host::AddPrinterCommand(app, exitCode);
-    vndiscover::host::AddWsdCommand(app, exitCode);
-    vndiscover::host::AddCompareCommand(app, exitCode);
-    vndiscover::host::AddReachCommands(app, exitCode);
-    vndiscover::host::AddDoctorCommand(app, exitCode);
+    AddPrintersCommand(app, exitCode);
+    AddSweepCommand(app, exitCode);
+    AddDirectedCommands(app, exitCode);
+    AddPrinterCommand(app, exitCode);
+    AddWsdCommand(app, exitCode);
+    AddCompareCommand(app, exitCode);
+    AddReachCommands(app, exitCode);
+    AddDoctorCommand(app, exitCode);
     app.footer("'vndiscover COMMAND --help' shows details and examples.");
-}
-
-// A negative number after "set" is a value, but the parser would take it for an option.
-void ProtectNegativeNumbers(std::vector<std::string>& arguments) {
-    if (arguments.empty() || arguments.front() != "set") return;
-    for (std::string& argument : arguments) {
-        if (argument.size() > 1 && argument[0] == '-' && argument[1] >= '0' && argument[1] <= '9') {
-            argument.insert(0, 1, vndiscover::host::kNumberMark);
-        }
-    }
 }
 
 // What is wrong, the argument first.
@@ -77,17 +63,16 @@ std::string Hint(const CLI::App& app) {
 }
 
 int Run() {
-    int exitCode = vndiscover::host::kWrongUsage;
+    int exitCode = kWrongUsage;
     CLI::App app(
         "Finds printers and multifunction devices on the network, reads and writes their values.",
         "vndiscover");
     BuildCommandLine(app, exitCode);
-    std::vector<std::string> arguments = vndiscover::host::CommandLineArguments();
-    if (arguments == std::vector<std::string>{vndiscover::host::kReaderOption}) {
-        vndiscover::host::ServeReader();
-        return vndiscover::host::kFound;
+    const std::vector<std::string> arguments = CommandLineArguments();
+    if (arguments == std::vector<std::string>{kReaderOption}) {
+        ServeReader();
+        return kFound;
     }
-    ProtectNegativeNumbers(arguments);
     try {
         app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::Success& help) {  // --help and --version
@@ -95,28 +80,31 @@ int Run() {
     } catch (const CLI::ParseError& error) {
         Warn(Problem(app, error));
         Warn(Hint(app));
-        return vndiscover::host::kWrongUsage;
+        return kWrongUsage;
     }
     return exitCode;
 }
 
 void IgnoreInvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, uintptr_t) {}
 
-}  // namespace
-
-int main() {
+int Main() {
     // A device may answer a set request with more bytes than were sent. The C runtime refuses to
     // copy them and calls this handler, whose default ends the process. Set checks the length.
     _set_invalid_parameter_handler(IgnoreInvalidParameter);
-    const vndiscover::host::ConsoleSession console;
+    const ConsoleSession console;
     try {
         const int exitCode = Run();
-        const std::string problem = vndiscover::host::OutputProblem();
+        const std::string problem = OutputProblem();
         if (problem.empty()) return exitCode;
         Warn("the output is incomplete" + problem);
-        return std::max<int>(exitCode, vndiscover::host::kNone);
+        return std::max<int>(exitCode, kNone);
     } catch (...) {
-        Warn(vndiscover::host::ExceptionText());
-        return vndiscover::host::kNone;
+        Warn(ExceptionText());
+        return kNone;
     }
 }
+
+}  // namespace
+}  // namespace vndiscover::host
+
+int main() { return vndiscover::host::Main(); }

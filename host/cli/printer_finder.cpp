@@ -138,13 +138,13 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
         printer.facts = *found.facts;
         for (const std::string& address : found.identity.Of(MergeKey::kAddress)) {
             printer.addresses.push_back(address);
-            const PrinterAnswers& answers = fleet_.Devices()[devices_.at(address)].answers;
-            const auto known = answers.values.find(*ParseOidOrName(kPrinterObject));
-            if (printer.facts.model.empty() && known != answers.values.end())
+            const FleetDevice& device = fleet_.Devices()[devices_.at(address)];
+            const auto known = device.answers.values.find(*ParseOidOrName(kPrinterObject));
+            if (printer.facts.model.empty() && known != device.answers.values.end())
                 printer.facts.model = DeviceText(known->second.bytes, 0);
-            if (answers.lastStatus != Status::kAnswered) {
-                printer.problem = answers.lastProblem;
-            } else if (!fleet_.Devices()[devices_.at(address)].isRead) {
+            if (device.answers.lastStatus != Status::kAnswered) {
+                printer.problem = device.answers.lastProblem;
+            } else if (!device.isRead) {
                 printer.problem = "stopped";
             }
         }

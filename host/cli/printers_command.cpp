@@ -8,7 +8,6 @@
 #include "cli/printer_finder.h"
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
-#include "values/object_names.h"
 #include "values/ranges.h"
 #include "values/text.h"
 
@@ -48,7 +47,7 @@ struct PrintersOptions {
 std::vector<Login> LoginsOf(const PrintersOptions& options, const std::vector<V3Options>& users) {
     std::vector<Login> logins;
     for (const std::string& community : options.communities) {
-        CheckRequest("--community", community, *ParseOidOrName(kPrinterObject));
+        CheckCommunity(community);
         logins.push_back({community, nullptr});
     }
     if (logins.empty()) logins = {{"public", nullptr}, {VN_DEFAULT_COMMUNITY, nullptr}};

@@ -2,8 +2,8 @@
 
 #include <vndiscover.h>
 
-#include <algorithm>
 #include <atomic>
+#include <set>
 #include <stdexcept>
 
 #include "model/scan/device_merge.h"
@@ -29,15 +29,6 @@ Scan LoadScan(const std::string& path, const std::string& option) {
 
 namespace {
 
-void AddTo(Scan& scan, const Scan& more) {
-    const size_t sweeps = scan.sweeps.size();
-    scan.sweeps.insert(scan.sweeps.end(), more.sweeps.begin(), more.sweeps.end());
-    for (ScanAnswer answer : more.answers) {
-        answer.sweep += sweeps;
-        scan.answers.push_back(std::move(answer));
-    }
-}
-
 // "monday.json.2"
 std::string UnusedPath(const std::string& path) {
     constexpr int kLast = 999;
@@ -50,7 +41,12 @@ std::optional<std::string> Appended(const std::string& path, const Scan& more,
                                     std::string& problem) {
     try {
         Scan whole = LoadScan(path, "--save");
-        AddTo(whole, more);
+        const size_t sweeps = whole.sweeps.size();
+        whole.sweeps.insert(whole.sweeps.end(), more.sweeps.begin(), more.sweeps.end());
+        for (ScanAnswer answer : more.answers) {
+            answer.sweep += sweeps;
+            whole.answers.push_back(std::move(answer));
+        }
         return WriteScan(whole, problem);
     } catch (const CLI::ValidationError& error) {
         problem = error.what();
@@ -93,8 +89,8 @@ void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
     AddAnswer(std::move(answer));
 }
 
-// False if it is left out: one address may flood half of the room, but not take it from others.
-bool ScanKeeper::AddAnswer(ScanAnswer answer) {
+// One address may flood half of the room, but not take it from others.
+void ScanKeeper::AddAnswer(ScanAnswer answer) {
     constexpr size_t kMembers = 128;      // bytes for the members other than the answer itself
     constexpr size_t kManyAnswers = 256;  // all that is read of a device
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -103,34 +99,32 @@ bool ScanKeeper::AddAnswer(ScanAnswer answer) {
     const size_t size = kMembers + answer.answer.bytes.size();
     if (sweepSize_ + size > room) {
         ++leftOut_;
-        return false;
+        return;
     }
     ++count;
     sweepSize_ += size;
     answer.sweep = scan_.sweeps.size() - 1;
     answer.time = UtcNow();
     scan_.answers.push_back(std::move(answer));
-    return true;
 }
 
-void ScanKeeper::AskDevices(Device& device, bool useIPv6) {
-    std::vector<std::string> addresses;
+void ScanKeeper::AskDevices(const Login& login) {
+    if (!IsOn()) return;
+    std::set<std::string> addresses;
     for (const ScanAnswer& answer : scan_.answers) {
-        if (answer.sweep + 1 == scan_.sweeps.size()) addresses.push_back(answer.address);
+        if (answer.sweep + 1 == scan_.sweeps.size()) addresses.insert(answer.address);
     }
-    std::sort(addresses.begin(), addresses.end());
-    addresses.erase(std::unique(addresses.begin(), addresses.end()), addresses.end());
-    Begin(scan_.sweeps.back().kind, AnswerForm::kVariable, useIPv6);
+    Begin(scan_.sweeps.back().kind, AnswerForm::kVariable, scan_.sweeps.back().useIPv6);
     std::atomic<size_t> asked{0};
     const SweepWatch watch(StopDiscoverSnmp, [&] {
         return "asking device " + std::to_string(asked) + " of " + std::to_string(addresses.size());
     });
-    Asker asker = AskerOf(device);
-    asker.mayGoOn = [&] { return !watch.IsStopped(); };
     for (const std::string& address : addresses) {
         if (watch.IsStopped()) break;
         ++asked;
-        device.SetHost(address);
+        const Device device(login, address);
+        Asker asker = AskerOf(device);
+        asker.mayGoOn = [&] { return !watch.IsStopped(); };
         for (auto& [oid, answer] : ReadPrinter(asker).values)
             AddAnswer({0, "", address, std::move(answer)});
     }

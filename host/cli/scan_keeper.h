@@ -35,9 +35,9 @@ class ScanKeeper {
     void Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid = {});
     void Add(const std::string& address, std::string_view bytes);
 
-    // Asks each device that the last sweep found as for a report on a printer. `device` has the
-    // community or the security settings. A device takes two minutes at most. Ctrl-C ends it.
-    void AskDevices(Device& device, bool useIPv6);
+    // Asks each device that the last sweep found as for a report on a printer. A device takes two
+    // minutes at most. Ctrl-C ends it.
+    void AskDevices(const Login& login);
 
     // An empty scan does not replace one with devices. What the file of --append cannot take is
     // saved in another one. Throws std::runtime_error, also if answers are left out. Has no effect
@@ -45,7 +45,7 @@ class ScanKeeper {
     void Save();
 
   private:
-    bool AddAnswer(ScanAnswer answer);
+    void AddAnswer(ScanAnswer answer);
 
     SaveOptions options_;
     bool hasDevices_ = false;  // the file

@@ -58,6 +58,7 @@ struct SweepOptions {
 struct Sweep {
     SnmpSweep arguments;
     ValueKind kind = ValueKind::kRaw;
+    Oid oid = DefaultDiscoveryOid();
 };
 
 std::string ReadRequest(const SweepOptions& options) {
@@ -97,14 +98,14 @@ void CheckPathsDiffer(const SweepOptions& options) {
     }
 }
 
-std::string CheckOid(const SweepOptions& options) {
+Oid CheckedOid(const SweepOptions& options) {
     const std::string& text = options.oid;
     const auto oid = ParseOidOrName(text);
     if (!oid || !FitsRequest(*oid)) throw CLI::ValidationError("--oid", NotAnOid(text));
     if (!options.v3.isOn) CheckRequest("--oid", options.community, *oid);
     if (IsMisencoded(*oid))
         Warn(text + " has a number over 16383: devices are asked for another OID");
-    return OidToText(*oid);
+    return *oid;
 }
 
 Sweep Prepare(const SweepOptions& options) {
@@ -112,9 +113,12 @@ Sweep Prepare(const SweepOptions& options) {
     SnmpSweep& arguments = sweep.arguments;
     CheckPathsDiffer(options);
     arguments.useIPv6 = options.useIPv6;
-    CheckRequest("--community", options.community, DefaultDiscoveryOid());
+    CheckCommunity(options.community);
     arguments.community = ToWide(options.community);
-    if (!options.oid.empty()) arguments.oid = ToWide(CheckOid(options));
+    if (!options.oid.empty()) {
+        sweep.oid = CheckedOid(options);
+        arguments.oid = ToWide(OidToText(sweep.oid));
+    }
     if (!options.jsonPath.empty()) {
         arguments.request = ToWide(ReadRequest(options));
         sweep.kind = ValueKind::kDocument;
@@ -123,7 +127,7 @@ Sweep Prepare(const SweepOptions& options) {
     arguments.resultPath = ToWide(options.csvPath);
     if (options.v3.isOn && !arguments.oid.empty()) {
         // SNMPv3 sweeps accept an OID only in a JSON request; its only answer is then the value.
-        arguments.request = ToWide(RequestFor(ToUtf8(arguments.oid)));
+        arguments.request = ToWide(RequestFor(OidToText(sweep.oid)));
         sweep.kind = ValueKind::kAnswer;
     }
     return sweep;
@@ -149,23 +153,6 @@ class CsvFile {
     std::string problem_;
 };
 
-void BeginScan(ScanKeeper& keeper, const SweepOptions& options, const Sweep& sweep) {
-    keeper.Begin(options.v3.isOn ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
-                 sweep.arguments.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
-                 options.useIPv6,
-                 sweep.arguments.oid.empty() ? DefaultDiscoveryOid()
-                                             : *ParseOid(ToUtf8(sweep.arguments.oid)));
-}
-
-void AskAndSave(ScanKeeper& keeper, const SweepOptions& options, bool isStopped,
-                std::shared_ptr<const Security> security) {
-    if (!keeper.IsOn()) return;
-    Device device("", ToAnsi(options.community), "");
-    device.Use(std::move(security));
-    if (!isStopped) keeper.AskDevices(device, options.useIPv6);
-    keeper.Save();
-}
-
 // What was asked: a device of another maker may answer, but not to this.
 std::string NothingCame(const SweepOptions& options, const Sweep& sweep) {
     const std::string object = !options.jsonPath.empty() ? "the OID in '" + options.jsonPath + "'"
@@ -187,7 +174,9 @@ int RunSweep(const SweepOptions& options) {
     ScanKeeper keeper(options.save);
     const auto security = ResolveSecurity(options.v3);
     sweep.arguments.security = security.get();
-    BeginScan(keeper, options, sweep);
+    keeper.Begin(options.v3.isOn ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
+                 sweep.arguments.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
+                 options.useIPv6, sweep.oid);
     bool isStopped = false, wasSent = false;
     DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
     DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
@@ -207,7 +196,8 @@ int RunSweep(const SweepOptions& options) {
     }
     Print(writer.End());
     WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep) : kNothingSent);
-    AskAndSave(keeper, options, isStopped, security);
+    if (!isStopped) keeper.AskDevices({options.community, security});
+    keeper.Save();
     if (!csv.Problem().empty())
         throw std::runtime_error("'" + options.csvPath + "' is incomplete" + csv.Problem());
     if (devices > 0) return kFound;

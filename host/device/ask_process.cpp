@@ -1,15 +1,11 @@
-// The process first gets the logins: texts, each after its size in bytes, so that passwords leave
-// no copies in buffers. Then a request is a line, "LOGIN OID ADDRESS", its answer another, "STATUS
-// OID TYPE SIZE BYTES NOTE", of which BYTES are hexadecimal digits after a dot.
+// The processes send texts, each after its size in bytes, so that passwords leave no copies in
+// buffers. The other one first gets the logins. Then a request is "LOGIN OID ADDRESS", its answer
+// "STATUS OID TYPE SIZE BYTES NOTE", of which BYTES are hexadecimal digits after a dot.
 #include "device/ask_process.h"
 
-#include <fcntl.h>
-#include <io.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <cwchar>
+#include <initializer_list>
 #include <mutex>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -20,8 +16,9 @@
 namespace vndiscover::host {
 namespace {
 
-bool Send(HANDLE pipe, std::wstring_view text) {
-    const auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+template <class Text>  // of narrow or wide characters
+bool Send(HANDLE pipe, const Text& text) {
+    const auto size = static_cast<DWORD>(text.size() * sizeof text[0]);
     DWORD sent = 0;
     return WriteFile(pipe, &size, sizeof size, &sent, nullptr) &&
            (size == 0 || WriteFile(pipe, text.data(), size, &sent, nullptr));
@@ -31,9 +28,9 @@ bool Send(HANDLE pipe, const Login& login) {
     static const Security none;
     const Security& user = login.security ? *login.security : none;
     const std::wstring community = ToWide(login.community);
-    for (const wchar_t* text : {community.c_str(), login.security ? L"v3" : L"", user.user.c_str(),
-                                user.authLabel.c_str(), user.privLabel.c_str(),
-                                user.authPassword.Get(), user.privPassword.Get()}) {
+    for (const std::wstring_view text : std::initializer_list<std::wstring_view>{
+             community, login.security ? L"v3" : L"", user.user, user.authLabel, user.privLabel,
+             user.authPassword.Get(), user.privPassword.Get()}) {
         if (!Send(pipe, text)) return false;
     }
     return true;
@@ -43,57 +40,54 @@ void ReceiveBytes(HANDLE pipe, void* bytes, DWORD size) {
     DWORD read = 0;
     for (auto* at = static_cast<char*>(bytes); size > 0; at += read, size -= read) {
         if (!ReadFile(pipe, at, size, &read, nullptr) || read == 0)
-            throw std::runtime_error("the logins are cut short");
+            throw std::runtime_error("the other process has ended");
     }
 }
 
-std::wstring ReceiveText(HANDLE pipe) {
+template <class Text>
+Text Receive(HANDLE pipe) {
+    using Letter = typename Text::value_type;
     DWORD size = 0;
     ReceiveBytes(pipe, &size, sizeof size);
     constexpr DWORD kMaxSize = 1 << 16;
-    if (size > kMaxSize || size % sizeof(wchar_t) != 0)
-        throw std::runtime_error("no logins were sent");
-    std::wstring text(size / sizeof(wchar_t), L'\0');
+    if (size > kMaxSize || size % sizeof(Letter) != 0)
+        throw std::runtime_error("the other process has sent no text");
+    Text text(size / sizeof(Letter), Letter());
     ReceiveBytes(pipe, text.data(), size);
     return text;
 }
 
 Login ReceiveLogin(HANDLE pipe) {
     Login login;
-    login.community = ToUtf8(ReceiveText(pipe));
-    const bool isV3 = !ReceiveText(pipe).empty();
+    login.community = ToUtf8(Receive<std::wstring>(pipe));
+    const bool isV3 = !Receive<std::wstring>(pipe).empty();
     auto user = std::make_shared<Security>();
     for (std::wstring* text : {&user->user, &user->authLabel, &user->privLabel})
-        *text = ReceiveText(pipe);
+        *text = Receive<std::wstring>(pipe);
     for (Secret* secret : {&user->authPassword, &user->privPassword})
-        *secret = Secret(ReceiveText(pipe));
+        *secret = Secret(Receive<std::wstring>(pipe));
     user->useAuth = !user->authLabel.empty();
     user->usePriv = !user->privLabel.empty();
     if (isV3) login.security = std::move(user);
     return login;
 }
 
-std::string LineOf(const Answer& answer) {
+std::string TextOf(const Answer& answer) {
     return std::to_string(static_cast<int>(answer.status)) + " " + OidToText(answer.oid) + " " +
-           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " " + "." +
+           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " ." +
            HexText(answer.bytes, "") + " " + answer.note;
 }
 
-Answer AnswerOf(std::string_view line) {
-    std::string fields[5];
-    for (std::string& field : fields) {
-        const size_t end = std::min(line.find(' '), line.size());
-        field = line.substr(0, end);
-        line.remove_prefix(std::min(end + 1, line.size()));
-    }
-    const auto& [status, oid, type, wholeSize, bytes] = fields;
+Answer AnswerOf(const std::string& text) {
+    std::istringstream in(text);
+    int status = static_cast<int>(Status::kSendFailed);
+    std::string oid, bytes = ".";
     Answer answer;
-    answer.status = static_cast<Status>(std::strtol(status.c_str(), nullptr, 10));
+    in >> status >> oid >> answer.type >> answer.wholeSize >> bytes >> std::ws;
+    std::getline(in, answer.note);
+    answer.status = static_cast<Status>(status);
     answer.oid = ParseOid(oid).value_or(Oid());
-    answer.type = static_cast<uint32_t>(std::strtoul(type.c_str(), nullptr, 10));
-    answer.wholeSize = std::strtoul(wholeSize.c_str(), nullptr, 10);
-    answer.bytes = ParseHex(bytes.substr(std::min<size_t>(1, bytes.size()))).value_or("");
-    answer.note = line;
+    answer.bytes = ParseHex(bytes.substr(1)).value_or("");
     return answer;
 }
 
@@ -110,30 +104,12 @@ struct Pipe {
     }
 };
 
-OwnedStream StreamOf(OwnedHandle pipe, int flags, const char* mode) {
-    const int number = _open_osfhandle(reinterpret_cast<intptr_t>(pipe.Get()), flags);
-    if (number < 0) return OwnedStream();
-    pipe.Release();  // the number owns it from now on, and then the stream
-    OwnedStream stream(_fdopen(number, mode));
-    if (!stream) _close(number);
-    return stream;
-}
-
-// Without the line end. Returns false at the end of the file.
-bool ReadLine(FILE* file, std::string& line) {
-    line.clear();
-    int letter = EOF;
-    while ((letter = std::fgetc(file)) != EOF && letter != '\n') line += static_cast<char>(letter);
-    if (!line.empty() && line.back() == '\r') line.pop_back();  // of the other's text mode
-    return letter != EOF;
-}
-
 }  // namespace
 
 Answer OwnReader::GetNext(size_t login, const std::string& address, const Oid& oid) {
     if (login >= logins_.size()) return Failed(Status::kSendFailed, oid);
     if (!device_ || last_ != std::pair(login, address)) {
-        device_ = DeviceOf(logins_[login], address);
+        device_.emplace(logins_[login], address);
         last_ = {login, address};
     }
     return device_->GetNext(oid);
@@ -161,26 +137,24 @@ ReaderProcess::ReaderProcess(const std::vector<Login>& logins, HANDLE job) {
     if (job) AssignProcessToJobObject(job, started.hProcess);
     input.read.Reset();  // if the process has ended, sending fails
     output.write.Reset();
-    isAlive_ = Send(input.write.Get(), std::to_wstring(logins.size()));
-    for (const Login& login : logins) isAlive_ = isAlive_ && Send(input.write.Get(), login);
-    toProcess_ = StreamOf(std::move(input.write), 0, "w");
-    fromProcess_ = StreamOf(std::move(output.read), _O_RDONLY, "r");
-    isAlive_ = isAlive_ && toProcess_ && fromProcess_;
+    toProcess_ = std::move(input.write);
+    fromProcess_ = std::move(output.read);
+    isAlive_ = Send(toProcess_.Get(), std::to_string(logins.size()));
+    for (const Login& login : logins) isAlive_ = isAlive_ && Send(toProcess_.Get(), login);
 }
 
 void ReaderProcess::End() {
     if (process_) TerminateProcess(process_.Get(), 0);
 }
 
-Answer ReaderProcess::GetNext(size_t login, const std::string& address, const Oid& oid) {
-    std::string reply;
-    if (isAlive_) {
-        std::fprintf(toProcess_.Get(), "%zu %s %s\n", login, OidToText(oid).c_str(),
-                     address.c_str());
-        isAlive_ = std::fflush(toProcess_.Get()) == 0;
-    }
-    isAlive_ = isAlive_ && ReadLine(fromProcess_.Get(), reply);
-    return isAlive_ ? AnswerOf(reply) : Failed(Status::kSendFailed, oid);
+Answer ReaderProcess::GetNext(size_t login, const std::string& address, const Oid& oid) try {
+    isAlive_ = isAlive_ &&
+               Send(toProcess_.Get(), std::to_string(login) + " " + OidToText(oid) + " " + address);
+    if (isAlive_) return AnswerOf(Receive<std::string>(fromProcess_.Get()));
+    return Failed(Status::kSendFailed, oid);
+} catch (const std::runtime_error&) {
+    isAlive_ = false;
+    return Failed(Status::kSendFailed, oid);
 }
 
 OwnedHandle EndingJob() {
@@ -192,18 +166,17 @@ OwnedHandle EndingJob() {
 }
 
 void ServeReader() try {
-    const HANDLE pipe = GetStdHandle(STD_INPUT_HANDLE);
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE), output = GetStdHandle(STD_OUTPUT_HANDLE);
     std::vector<Login> logins;
-    for (size_t left = std::wcstoul(ReceiveText(pipe).c_str(), nullptr, 10); left > 0; --left)
-        logins.push_back(ReceiveLogin(pipe));
+    for (unsigned long left = std::stoul(Receive<std::string>(input)); left > 0; --left)
+        logins.push_back(ReceiveLogin(input));
     OwnReader reader(std::move(logins));
-    for (std::string line; ReadLine(stdin, line);) {
-        const std::vector<std::string> fields = SplitText(line, " ");
-        if (fields.size() != 3) return;
-        const size_t login = std::strtoul(fields[0].c_str(), nullptr, 10);
-        const Answer answer = reader.GetNext(login, fields[2], ParseOid(fields[1]).value_or(Oid()));
-        std::printf("%s\n", LineOf(answer).c_str());
-        std::fflush(stdout);
+    for (;;) {
+        std::istringstream request(Receive<std::string>(input));
+        size_t login = 0;
+        std::string oid, address;
+        request >> login >> oid >> address;
+        Send(output, TextOf(reader.GetNext(login, address, ParseOid(oid).value_or(Oid()))));
     }
 } catch (const std::exception&) {  // the other process sees that this one has ended
 }

@@ -47,8 +47,7 @@ class ReaderProcess : public Reader {
     Answer GetNext(size_t login, const std::string& address, const Oid& oid) override;
 
   private:
-    OwnedHandle process_;
-    OwnedStream toProcess_, fromProcess_;
+    OwnedHandle process_, toProcess_, fromProcess_;
     bool isAlive_ = false;
 };
 

@@ -62,10 +62,13 @@ bool NeedsZone(const std::string& host) {
 
 }  // namespace
 
+Device::Device(const Login& login, const std::string& host)
+    : host_(ToAnsi(host)), community_(ToAnsi(login.community)), security_(login.security) {}
+
 // The module would send a longer request malformed, and none answers that.
 bool Device::CanSend(const Oid& oid) const {
     const size_t community =
-        readCommunity_.empty() ? std::strlen(VN_DEFAULT_COMMUNITY) : readCommunity_.size();
+        community_.empty() ? std::strlen(VN_DEFAULT_COMMUNITY) : community_.size();
     return security_ || community + RequestOctets(oid) <= kRequestMax;
 }
 
@@ -78,29 +81,31 @@ const char* Device::Host() const {
     const std::string given = host_;
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        if (const auto found = known.find(given); found != known.end()) host_ = found->second;
+        if (const auto found = known.find(given); found != known.end())
+            return (host_ = found->second).c_str();
     }
-    if (host_ != given) return host_.c_str();
     std::vector<std::string> hosts;
     for (const AdapterAddress& row : IPv6Adapters().addresses) {
         if (row.isUp == true) hosts.push_back(given + "%" + std::to_string(row.zone));
     }
+    if (hosts.size() == 1) hosts.clear();
     for (const bool isPing : {true, false}) {  // a device may ignore pings
-        for (size_t i = 0; i < hosts.size() && hosts.size() > 1; ++i) {
-            host_ = hosts[i];
-            constexpr unsigned kPingMs = 1000;
-            const Status status =
-                isPing ? Status::kNoAnswer : GetNext({1, 3, 6, 1, 2, 1, 1, 3}).status;
-            const bool isThere = isPing
-                                     ? VxPing(host_.c_str(), kPingMs) != 0
-                                     : status != Status::kNoAnswer && status != Status::kSendFailed;
-            if (!isThere) continue;
+        for (const std::string& host : hosts) {
+            host_ = host;
+            if (!IsThere(isPing)) continue;
             const std::lock_guard<std::mutex> lock(mutex);
             known[given] = host_;
             return host_.c_str();
         }
     }
     return (host_ = given).c_str();
+}
+
+bool Device::IsThere(bool isPing) const {
+    constexpr unsigned kPingMs = 1000;
+    if (isPing) return VxPing(host_.c_str(), kPingMs) != 0;
+    const Status status = GetNext({1, 3, 6, 1, 2, 1, 1, 3}).status;
+    return status != Status::kNoAnswer && status != Status::kSendFailed;
 }
 
 bool Device::Ping() const { return VxPing(Host(), kPingTimeoutMs) != 0; }
@@ -112,7 +117,7 @@ Answer Device::Get(const Oid& oid) const {
     uint32_t type = kNotSet;
     const int32_t length =
         GetSnmpRequestRaw(Host(), OidToText(oid).c_str(), value, sizeof value, &type,
-                          kUnusedTimeoutMs, kUnusedRetries, readCommunity_.c_str(), nullptr);
+                          kUnusedTimeoutMs, kUnusedRetries, community_.c_str(), nullptr);
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type == kNotSet) return Failed(Status::kNoAnswer, oid);
     if (type == 0) return Failed(Status::kUnreadable, oid, kTooLongForV1);
@@ -147,7 +152,7 @@ Answer Device::GetNext(const Oid& oid) const {
     VnResponseRecord record = {};
     const int32_t length =
         GetNextSnmpRequestRaw(Host(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,
-                              kUnusedRetries, readCommunity_.c_str(), nullptr);
+                              kUnusedRetries, community_.c_str(), nullptr);
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (record.oidLength != 0) return FromRecord(record, oid);
     // The module fills in the address for every answer, even if it could not read the variable.
@@ -168,7 +173,7 @@ Answer Device::GetNextV3(const Oid& oid) const {
     return reason ? Failed(Status::kRefused, oid, reason) : answer;
 }
 
-Answer Device::Set(const Oid& oid, const SetValue& value) const {
+Answer Device::Set(const Oid& oid, const SetValue& value, const std::string& writeCommunity) const {
     uint8_t buffer[VN_REQUEST_VALUE_SIZE] = {};
     const auto size = static_cast<int32_t>(value.bytes.size());
     std::copy(value.bytes.begin(), value.bytes.end(), buffer);
@@ -176,19 +181,13 @@ Answer Device::Set(const Oid& oid, const SetValue& value) const {
     uint32_t type = value.type | 0x100;
     const int32_t length =
         SetSnmpRequestRaw(Host(), OidToText(oid).c_str(), buffer, size, &type, kUnusedTimeoutMs,
-                          kUnusedRetries, nullptr, writeCommunity_.c_str());
+                          kUnusedRetries, nullptr, ToAnsi(writeCommunity).c_str());
     if (length < 0) return Failed(Status::kSendFailed, oid);
     if (type & 0x100) return Failed(Status::kNoAnswer, oid);
     if (type == 0) return Failed(Status::kUnreadable, oid);
     if (length > size)  // the value did not fit and was not copied
         return Failed(Status::kUnreadable, oid, "its value is longer than the one sent");
     return AnsweredWith(oid, type, Bytes(buffer, static_cast<size_t>(length)));
-}
-
-Device DeviceOf(const Login& login, const std::string& address) {
-    Device device(address, ToAnsi(login.community), "");
-    device.Use(login.security);
-    return device;
 }
 
 Asker AskerOf(const Device& device) {
@@ -200,8 +199,7 @@ Asker AskerOf(const Device& device) {
 
 std::optional<std::string> Device::Information() const {
     char value[VN_INFORMATION_SIZE] = {};
-    if (GetSnmpInformation(Host(), value, readCommunity_.c_str(), nullptr) <= 0)
-        return std::nullopt;
+    if (GetSnmpInformation(Host(), value, community_.c_str(), nullptr) <= 0) return std::nullopt;
     return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
 }
 

@@ -24,17 +24,8 @@ struct Login {
 // Each call blocks, at most 10 s with SNMPv1 and 12 s with SNMPv3; one at a time in a process.
 class Device {
   public:
-    // Text is in the ANSI code page. Empty communities mean the module's default.
-    Device(std::string host, std::string readCommunity, std::string writeCommunity)
-        : host_(std::move(host)),
-          readCommunity_(std::move(readCommunity)),
-          writeCommunity_(std::move(writeCommunity)) {}
-    // From now on Get and GetNext use SNMPv3.
-    void Use(std::shared_ptr<const Security> security) { security_ = std::move(security); }
-    void SetHost(std::string host) {
-        host_ = std::move(host);
-        isZoned_ = false;
-    }
+    // `host`: UTF-8.
+    Device(const Login& login, const std::string& host);
     bool IsV3() const { return security_ != nullptr; }
 
     // Of a link-local address without a zone, in seconds; otherwise the first request does.
@@ -43,24 +34,23 @@ class Device {
     bool Ping() const;
     Answer Get(const Oid& oid) const;
     Answer GetNext(const Oid& oid) const;
-    // A refusal cannot be distinguished from success. SNMPv1 only.
-    Answer Set(const Oid& oid, const SetValue& value) const;
+    // A refusal cannot be distinguished from success. SNMPv1 only, by the community, in UTF-8.
+    Answer Set(const Oid& oid, const SetValue& value, const std::string& writeCommunity) const;
     // The device information text; empty without an answer of type OCTET STRING. SNMPv1 only.
     std::optional<std::string> Information() const;
 
   private:
     const char* Host() const;
+    bool IsThere(bool isPing) const;
     bool CanSend(const Oid& oid) const;
     Answer GetV3(const Oid& oid) const;
     Answer GetNextV3(const Oid& oid) const;
 
     mutable std::string host_;      // with its zone if isZoned_
     mutable bool isZoned_ = false;  // or that was tried
-    std::string readCommunity_, writeCommunity_;
+    std::string community_;         // both in the ANSI code page
     std::shared_ptr<const Security> security_;
 };
-
-Device DeviceOf(const Login& login, const std::string& address);
 
 // For ReadPrinter and the like; the device must outlive it.
 Asker AskerOf(const Device& device);

@@ -28,13 +28,10 @@ bool FleetReaders::Start(size_t most) {
 
 void FleetReaders::Run(Side& side) {
     try {
-        std::unique_ptr<Reader> reader;
         {
-            const std::lock_guard<std::mutex> making(making_);
-            if (!isStopped_) reader = work_.makeReader();
-        }
-        {
-            const std::lock_guard<std::mutex> lock(mutex_);
+            const std::lock_guard making(making_);
+            std::unique_ptr<Reader> reader = isStopped_ ? nullptr : work_.makeReader();
+            const std::lock_guard lock(mutex_);
             side.reader = std::move(reader);
             side.hasBegun = true;
         }

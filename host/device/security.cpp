@@ -2,31 +2,21 @@
 
 #include <windows.h>
 
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
 namespace {
 
-struct Spelling {
-    std::string_view folded;
+struct Protocol {
     const char* label;
+    const char* spellings;  // folded, with spaces between them
 };
-constexpr Spelling kAuthSpellings[] = {{"md5", "MD5"},
-                                       {"hmacmd5", "MD5"},
-                                       {"sha", "SHA1"},
-                                       {"sha1", "SHA1"},
-                                       {"hmacsha1", "SHA1"},
-                                       {"sha224", "SHA-2(224)"},
-                                       {"sha2224", "SHA-2(224)"},
-                                       {"sha256", "SHA-2(256)"},
-                                       {"sha2256", "SHA-2(256)"},
-                                       {"sha384", "SHA-2(384)"},
-                                       {"sha2384", "SHA-2(384)"},
-                                       {"sha512", "SHA-2(512)"},
-                                       {"sha2512", "SHA-2(512)"}};
-constexpr Spelling kPrivSpellings[] = {
-    {"des", "DES"},    {"cbcdes", "DES"},    {"descbc", "DES"},       {"aes", "AES"},
-    {"aes128", "AES"}, {"cfb128aes", "AES"}, {"cfb128aes128", "AES"}, {"aes128cfb", "AES"}};
+constexpr Protocol kAuth[] = {{"MD5", "md5 hmacmd5"},           {"SHA1", "sha sha1 hmacsha1"},
+                              {"SHA-2(224)", "sha224 sha2224"}, {"SHA-2(256)", "sha256 sha2256"},
+                              {"SHA-2(384)", "sha384 sha2384"}, {"SHA-2(512)", "sha512 sha2512"}};
+constexpr Protocol kPriv[] = {{"DES", "des cbcdes descbc"},
+                              {"AES", "aes aes128 cfb128aes cfb128aes128 aes128cfb"}};
 
 // Keeps lower-cased letters and digits; everything else is punctuation that varies.
 std::string Folded(std::string_view text) {
@@ -38,12 +28,11 @@ std::string Folded(std::string_view text) {
 }
 
 template <size_t count>
-std::optional<std::string> Find(const Spelling (&spellings)[count], std::string_view text) {
-    const std::string folded = Folded(text);
-    for (const Spelling& spelling : spellings) {
-        if (spelling.folded == folded) return spelling.label;
-    }
-    return std::nullopt;
+std::optional<std::string> Find(const Protocol (&protocols)[count], std::string_view text) {
+    const auto* found = FindIf(protocols, [folded = Folded(text)](const Protocol& protocol) {
+        return Contains(SplitText(protocol.spellings, " "), folded);
+    });
+    return found ? std::optional<std::string>(found->label) : std::nullopt;
 }
 
 }  // namespace
@@ -57,7 +46,7 @@ Secret::~Secret() {
     if (!text_.empty()) SecureZeroMemory(text_.data(), text_.size() * sizeof(wchar_t));
 }
 
-std::optional<std::string> AuthLabel(std::string_view text) { return Find(kAuthSpellings, text); }
-std::optional<std::string> PrivLabel(std::string_view text) { return Find(kPrivSpellings, text); }
+std::optional<std::string> AuthLabel(std::string_view text) { return Find(kAuth, text); }
+std::optional<std::string> PrivLabel(std::string_view text) { return Find(kPriv, text); }
 
 }  // namespace vndiscover::host

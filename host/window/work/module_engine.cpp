@@ -18,7 +18,7 @@ namespace vndiscover::host {
 
 namespace {
 
-Device DeviceOf(const AskTarget& target) { return DeviceOf(LoginOf(target), target.address); }
+Device DeviceOf(const AskTarget& target) { return {LoginOf(target), target.address}; }
 
 class Stopwatch {
   public:
