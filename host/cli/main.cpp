@@ -14,9 +14,6 @@
 namespace vndiscover::host {
 namespace {
 
-// The version of the loaded DLL, which is also the program's.
-std::string Version() { return "VnDiscover " + VersionOf(GetModuleHandleW(L"VnDiscover.dll")); }
-
 // Shows only types: exclusions would leave too little room for the descriptions.
 class HelpFormatter : public CLI::Formatter {
   public:
@@ -31,7 +28,9 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     app.get_formatter()->column_width(26);
     app.allow_windows_style_options(false);  // "/tmp/x" is a path
     app.require_subcommand(1);
-    app.set_version_flag("--version", Version());
+    // The version of the loaded DLL is also the program's.
+    app.set_version_flag("--version",
+                         "VnDiscover " + VersionOf(GetModuleHandleW(L"VnDiscover.dll")));
     AddPrintersCommand(app, exitCode);
     AddSweepCommand(app, exitCode);
     AddDirectedCommands(app, exitCode);
@@ -56,12 +55,6 @@ std::string Problem(const CLI::App& app, const CLI::ParseError& error) {
                                           : text;
 }
 
-std::string Hint(const CLI::App& app) {
-    const auto chosen = app.get_subcommands();
-    return "try 'vndiscover " + (chosen.empty() ? "" : chosen.front()->get_name() + " ") +
-           "--help'";
-}
-
 int Run() {
     int exitCode = kWrongUsage;
     CLI::App app(
@@ -79,7 +72,9 @@ int Run() {
         return app.exit(help);
     } catch (const CLI::ParseError& error) {
         Warn(Problem(app, error));
-        Warn(Hint(app));
+        const auto chosen = app.get_subcommands();
+        Warn("try 'vndiscover " + (chosen.empty() ? "" : chosen.front()->get_name() + " ") +
+             "--help'");
         return kWrongUsage;
     }
     return exitCode;
