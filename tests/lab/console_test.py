@@ -224,7 +224,7 @@ class DirectedRequests(unittest.TestCase):
         self.assertIn("sysDescr.0", run("get", AGENT, "sysDesc.0")[2])
 
     def test_set_writes_and_verify_detects_a_refusal(self):
-        for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, " -43")):
+        for host, value in ((AGENT, "Zo\u00eb, ext. 42"), (AGENT6, "-43")):
             arguments = ["set", host, WRITABLE, "string", value, "--verify"]
             shown = f"{WRITABLE} = OCTET STRING: {value}\n"
             code, out, err = run(*arguments)

@@ -191,15 +191,8 @@ TEST_F(ScanKeeperTest, ClosingConsoleAndLoggingOffSaveWhatIsKnown) {
         keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
         keeper.Add("10.77.1.20", "hello");
         std::thread(end).detach();
-        std::optional<Scan> saved;
-        bool isBroken = false;
-        std::string problem;
-        for (int wait = 0; wait < 400 && !saved; ++wait) {
-            Sleep(10);
-            saved = LoadScan(path_, isBroken, problem);
-        }
-        ASSERT_TRUE(saved) << problem;
-        EXPECT_EQ(1U, saved->answers.size());
+        for (int wait = 0; wait < 400 && !FileExists(path_); ++wait) Sleep(10);
+        EXPECT_EQ(1U, LoadScan(path_, "").answers.size());
         keeper.Add("10.77.1.21", "late");
         keeper.Save();
         EXPECT_EQ(1U, Sweeps());
