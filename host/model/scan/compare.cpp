@@ -184,6 +184,7 @@ std::string StateOf(const DeviceRow& row) {
 bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
+    if (row.standing.isStateOnly) return false;  // beside former supplies it is no state of its own
     const std::string state = StateOf(row);
     const std::string before = std::exchange(states_[KeyOf(row)], state);
     if (before.empty() || before == state) return false;

@@ -50,7 +50,8 @@ struct StateChange {
 
 class ChangeLog {
   public:
-    // A row as it is now. True if its state has changed; one that is being read has none.
+    // A row as it is now. True if its state has changed; one that is being read, or of which only
+    // the first of two rounds was read, has none.
     bool Add(const DeviceRow& row, const std::string& time);
     // The latest first; of a long time, the last 10,000.
     const std::deque<StateChange>& Changes() const { return changes_; }

@@ -144,7 +144,8 @@ std::string Since(const Standing& standing) {
 }  // namespace
 
 bool Standing::operator==(const Standing& other) const {
-    return std::tie(kind, lastAnswer, note) == std::tie(other.kind, other.lastAnswer, other.note);
+    return std::tie(kind, lastAnswer, note, isStateOnly) ==
+           std::tie(other.kind, other.lastAnswer, other.note, other.isStateOnly);
 }
 
 LastSearch::LastSearch(const Scan& scan, bool isSearching) {
@@ -190,10 +191,10 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
         standing.kind = Kind::kBeingRead;
     } else if (search.HasMissed(scan, device)) {
         standing.kind = Kind::kMissed;
-    } else if (reading && reading->time >= standing.lastAnswer) {
-        SetEnd(standing, *reading);
     } else {
         standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
+        standing.isStateOnly = reading && reading->isStateOnly;
+        if (reading && reading->time >= standing.lastAnswer) SetEnd(standing, *reading);
     }
     return standing;
 }

@@ -37,6 +37,7 @@ struct Reading {
     PrinterAnswers end;  // without the values, which are in the scan
     bool hasValues{};    // there were some
     std::string time{};  // of its end, as in ScanAnswer
+    bool isStateOnly{};  // the rest is read later
 };
 
 // A line for each protocol over IPv4; over IPv6 only for those that were used over it, and not for
@@ -63,6 +64,7 @@ struct Standing {
     Kind kind = Kind::kNeverRead;
     std::string lastAnswer;  // UTC, as in ScanAnswer; empty: none yet
     std::string note;
+    bool isStateOnly = false;  // supplies and the rest are of an earlier reading, or not known
     // Whether the state that was read last may still be told as the device's.
     bool Holds() const {
         return kind != Kind::kMissed && kind != Kind::kNoAnswer && kind != Kind::kRefused;

@@ -38,6 +38,7 @@ class Results {
         PrinterAnswers answers;
         bool isForList = false;
         bool isPostponed = false;  // it is slow, and is read after all others
+        bool isStateOnly = false;  // a second round reads the rest
     };
     virtual void OnRead(Read) {}
     // All devices have been read for the list, or it was stopped.

@@ -85,7 +85,8 @@ void Session::AddReading(Results::Read read) {
     read.answers.values.clear();
     std::vector<Reading>& known = readings_[address];
     EraseIf(known, [&](const Reading& one) { return one.kind == kind; });
-    known.push_back({address, kind, std::move(read.answers), hasValues, read.time});
+    known.push_back(
+        {address, kind, std::move(read.answers), hasValues, read.time, read.isStateOnly});
 }
 
 void Session::EndReadings() {

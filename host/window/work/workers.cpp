@@ -235,6 +235,7 @@ void Workers::EndReading(FleetRun& run, size_t index, bool isDone) {
         run.unread += isEmpty && !read.isPostponed;
     } else if (isDone) {
         read.isPostponed = answers.lastStatus != Status::kAnswered;
+        read.isStateOnly = true;
     }
     Report(&Results::OnRead, std::move(read));
 }

@@ -194,6 +194,7 @@ class FleetWorkers : public WorkersTest {
     struct : Results {
         void OnRead(Read read) override {
             last[read.target.address] = read;
+            firstRounds += read.isStateOnly;
             order += read.target.address.substr(7) + " ";
         }
         void OnReadAll(const Progress::Read& count, bool wasStopped) override {
@@ -204,7 +205,7 @@ class FleetWorkers : public WorkersTest {
         }
         std::map<std::string, Read> last;
         std::string order;
-        size_t read = 0, unread = 0;
+        size_t read = 0, unread = 0, firstRounds = 0;
         bool isOver = false, isStopped = false;
     } results;
 };
@@ -244,6 +245,7 @@ TEST_F(FleetWorkers, WhatDeadReadersLeaveIsReadHere) {
     Finish();
     EXPECT_EQ(0, engine.aside);
     EXPECT_EQ(4u, results.read);
+    EXPECT_EQ(4u, results.firstRounds);
     EXPECT_EQ(Status::kAnswered, results.last["10.0.0.4"].answers.lastStatus);
 }
 

@@ -195,5 +195,35 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     EXPECT_EQ("door open", log.Changes()[1].before);
 }
 
+// After the first of two rounds, a state stands beside the supplies of the search before.
+TEST_F(StandingTest, ChangesAreOfWholeReadings) {
+    ChangeLog log;
+    Reading reading = {"10.0.0.1", SweepKind::kSnmpV1, {}, true};
+    const auto add = [&](int minute, bool isStateOnly) {
+        reading.time = At(minute);
+        reading.isStateOnly = isStateOnly;
+        const auto devices = MakeDevices(scan_);
+        const LastSearch search(scan_, false);
+        return log.Add(
+            RowMaker()
+                .Make(scan_, devices, {}, {StandingOf(scan_, devices[0], &reading, false, search)})
+                .at(0),
+            At(minute));
+    };
+    Read(0, "10.0.0.1", true,
+         {{"hrPrinterStatus.1", "\3"},
+          {"hrPrinterDetectedErrorState.1", kDoorOpen},
+          {"prtMarkerSuppliesMaxCapacity.1.1", "\100"},
+          {"prtMarkerSuppliesLevel.1.1", "\1"}});
+    EXPECT_FALSE(add(0, false));
+    Read(1, "10.0.0.1", false, {{"hrPrinterDetectedErrorState.1", kNoError}});
+    EXPECT_FALSE(add(1, true));
+    Read(2, "10.0.0.1", false, {{"prtMarkerSuppliesLevel.1.1", "\77"}});
+    EXPECT_TRUE(add(2, false));
+    ASSERT_EQ(1u, log.Changes().size());
+    EXPECT_EQ("door open, a supply is low", log.Changes()[0].before);
+    EXPECT_EQ("idle", log.Changes()[0].after);
+}
+
 }  // namespace
 }  // namespace vndiscover::host
