@@ -34,7 +34,7 @@ Progress::Status Progress::Now(const Work& work) const {
         const int64_t leftMs = kMaxRequestMs - std::max(now - stopMs_, work.waitMs);
         return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000)};
     }
-    if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, addresses_};
+    if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, networks_};
     if (!asked_.address.empty()) {
         return {Kind::kAsking,  since(asked_.startMs), work.waiting, 0,
                 asked_.address, work.waitMs / 1000};

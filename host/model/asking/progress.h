@@ -27,9 +27,8 @@ class Progress {
     bool IsWalking() const { return !walked_.address.empty(); }
     bool HasSearched() const { return last_ != Kind::kReady; }
     bool WasStopped() const { return last_ == Kind::kStopped; }
-    size_t Answers() const { return answers_; }  // to the last search
-    // The number of this computer's addresses, from each of which a sweep is sent.
-    void SetAddresses(size_t addresses) { addresses_ = addresses; }
+    size_t Answers() const { return answers_; }                  // to the last search
+    void SetNetworks(size_t networks) { networks_ = networks; }  // that sweeps reach
 
     // One device is asked for its details or for why it is silent.
     void BeginAsking(const std::string& address) { asked_ = {address, nowMs_()}; }
@@ -68,7 +67,7 @@ class Progress {
 
     enum class Kind {
         kReady,       // nothing has been sent yet
-        kSearching,   // seconds, count: of answers, total: addresses of this computer
+        kSearching,   // seconds, count: of answers, total: networks
         kReadingAll,  // count: of devices read, total; see address
         kAsking,      // address, seconds, count: of devices still to be asked
         kWalking,     // address, seconds, count: of values
@@ -100,7 +99,7 @@ class Progress {
     std::function<int64_t()> nowMs_;
     bool isSearching_ = false, isStopping_ = false;
     Kind last_ = Kind::kReady;  // or kDone, kStopped, kRead: how what came last ended
-    size_t sweepsLeft_ = 0, answers_ = 0, addresses_ = 0;
+    size_t sweepsLeft_ = 0, answers_ = 0, networks_ = 0;
     int64_t searchMs_ = 0, searchEndMs_ = 0, stopMs_ = 0;
     struct Device {
         std::string address;  // empty: none

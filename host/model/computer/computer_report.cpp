@@ -1,5 +1,7 @@
 #include "model/computer/computer_report.h"
 
+#include <set>
+#include <string>
 #include <utility>
 
 #include "values/ip_address.h"
@@ -201,6 +203,15 @@ std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& h
     return AnyOf(ipv4.addresses, [&](const AdapterAddress& row) {
         return !CommonNetwork(*target, row.address, row.mask).empty();
     });
+}
+
+size_t CountNetworks(const AdapterList& ipv4) {
+    std::set<std::string> networks;
+    for (const AdapterAddress& row : ipv4.addresses) {
+        const auto own = ParseIpAddress(row.address);
+        if (own) networks.insert(CommonNetwork(*own, row.address, row.mask));
+    }
+    return networks.size() - networks.count("");  // an adapter without an address is in none
 }
 
 const char* PassageText(Passage passage) {

@@ -38,6 +38,8 @@ ComputerReport ReportOn(const Computer& computer);
 
 // Whether broadcasts of this computer reach `host`; empty if that is not a dotted IPv4 address.
 std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host);
+// In which this computer has addresses, some of which may be in the same.
+size_t CountNetworks(const AdapterList& ipv4);
 
 // `verdict`: the label of the first rows.
 Report ReportOf(const ComputerReport& computer, const char* verdict = "Verdict");

@@ -79,7 +79,7 @@ class ResultHandler : public Results {
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);
-        state_.progress.SetAddresses(adapters.addresses.size());
+        state_.progress.SetNetworks(CountNetworks(adapters));
     }
     void OnReport(const ComputerReport& report) override {
         if (!state_.workers) return;

@@ -26,7 +26,7 @@ class ProgressTest : public testing::Test {
 
 TEST_F(ProgressTest, SearchEndsWithItsLastSweep) {
     EXPECT_EQ(Kind::kReady, Shown().first);
-    progress.SetAddresses(3);
+    progress.SetNetworks(3);
     progress.BeginSearch(2);
     progress.CountAnswer();
     nowMs += 2500;

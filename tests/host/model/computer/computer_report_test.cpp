@@ -81,6 +81,11 @@ TEST(ComputerReport, KnowsItsOwnNetworks) {
     EXPECT_EQ(true, IsOnOwnNetwork(list, "10.77.1.255"));
     EXPECT_EQ(false, IsOnOwnNetwork(list, "10.77.2.1"));
     EXPECT_EQ(std::nullopt, IsOnOwnNetwork(list, "printer"));
+    const size_t networks = CountNetworks(list);
+    list.addresses.push_back({"10.77.1.250", "255.255.255.0", "", "", 6, true});
+    EXPECT_EQ(networks, CountNetworks(list));
+    list.addresses.push_back({"10.77.2.250", "255.255.255.0", "", "", 6, true});
+    EXPECT_EQ(networks + 1, CountNetworks(list));
 }
 
 TEST(ComputerReport, TellsThatAPolicyTakesPrecedence) {
