@@ -267,7 +267,7 @@ Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<boo
     AddStep(section, "Ping", diagnosis->ping);
     AddStep(section, "SNMPv1", diagnosis->v1);
     AddStep(section, "SNMPv3 engine", diagnosis->discovery);
-    AddStep(section, "SNMPv3 user", diagnosis->user);
+    AddStep(section, kUserStep, diagnosis->user);
     return {section};
 }
 

@@ -46,6 +46,7 @@ Report ReportOf(const ComputerReport& computer, const char* verdict = "Verdict")
 
 // `diagnosis`: empty as long as the device is being asked. `isOnOwnNetwork`: see IsOnOwnNetwork.
 Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork);
+constexpr char kUserStep[] = "SNMPv3 user";  // the label of its row
 
 // "in", "in briefly", "kept out"
 const char* PassageText(Passage passage);

@@ -74,8 +74,10 @@ void DoctorWindow::Show(HWND owner) {
     Report report;
     if (!address_.empty()) report = ReportOf(diagnosis_, isOnOwnNetwork_);
     // The verdict tells of the engine.
-    if (diagnosis_ && !diagnosis_->hasUser && diagnosis_->discovery.outcome == Outcome::kAnswered)
-        report.front().rows.back().text = ToUtf8(Text(IDS_NO_USER_ASKED));
+    if (diagnosis_ && !diagnosis_->hasUser && diagnosis_->discovery.outcome == Outcome::kAnswered) {
+        for (ReportRow& row : report.front().rows)
+            if (row.label == kUserStep) row.text = ToUtf8(Text(IDS_NO_USER_ASKED));
+    }
     const char* const label = address_.empty() ? "Verdict" : "This computer";
     for (ReportSection& section : ReportOf(*report_, label)) report.push_back(std::move(section));
     std::vector<ReportRow> rows = RowsOf(report);
