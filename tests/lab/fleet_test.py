@@ -68,7 +68,8 @@ class Fleets(unittest.TestCase):
         self.assertEqual({address: address not in on for address in before},
                          {address: state.startswith("no answer since ") for address, (state, _) in after.items()})
         self.fleet.off = set()
-        self.assertEqual(before, self.window.rows_after_find())  # they come back by themselves
+        back = self.window.rows_after_find()  # they come back by themselves
+        self.assertEqual(before, {address: [state.removesuffix(", changed"), level] for address, (state, level) in back.items()})
 
     def test_slow_device_holds_up_no_other(self):
         self.hold_up(1)

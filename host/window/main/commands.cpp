@@ -194,6 +194,11 @@ std::vector<std::wstring> ColumnNames() {
     return names;
 }
 
+unsigned ReadingText(const Window& w) {
+    const DeviceRow* const row = w.state.session.view.SelectedRow();
+    return row && row->standing.kind == Standing::Kind::kNeverRead ? IDS_READ_FIRST : IDM_ASK;
+}
+
 Commands CommandsOf(unsigned menu) {
     Commands commands;
     for (unsigned index = 0; menu == IDS_MENU_VIEW && index < kColumnCount; ++index)
@@ -262,6 +267,8 @@ void EnableCommands(const MainWindow& window, HMENU menu) {
         const UINT id = GetMenuItemID(menu, index);
         const Command* command = id == static_cast<UINT>(-1) ? Find(IDS_MENU_CELLS) : Find(id);
         const auto place = static_cast<UINT>(index);
+        if (id == IDM_ASK)
+            ModifyMenuW(menu, place, MF_BYPOSITION, id, Text(ReadingText(window)).c_str());
         if (command && command->obstacle)
             EnableMenuItem(menu, place,
                            MF_BYPOSITION | (command->obstacle(window) ? MF_GRAYED : MF_ENABLED));

@@ -163,11 +163,11 @@ void DeviceList::ShowMenu(LPARAM place) {
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = session_.view.Row(row);
     const Column shownColumn = columns_.At(column);
-    const bool isChanged = shownColumn == Column::kState && changes_.IsMarked(shown);
-    const auto bar = Bar(row, column);
-    const std::string mark = bar ? SeverityMark(shown.supplySeverity) : "";
-    return (isChanged ? L"\x25CF " : L"") + (mark.empty() ? L"" : ToWide(mark) + L" ") +
-           ShownText(shown, shownColumn);
+    const std::wstring text = ShownText(shown, shownColumn);
+    if (shownColumn == Column::kState && changes_.IsMarked(shown))
+        return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
+    const std::string mark = Bar(row, column) ? SeverityMark(shown.supplySeverity) : "";
+    return mark.empty() ? text : ToWide(mark) + L" " + text;
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {

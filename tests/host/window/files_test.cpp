@@ -74,6 +74,12 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     const int reads = engine_.reads;
     Select(0);
     Select(1);
+    const HMENU bar = GetMenu(window_->Handle());
+    SendMessageW(window_->Handle(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(GetSubMenu(bar, 3)),
+                 3);
+    wchar_t text[40] = L"";
+    GetMenuStringW(bar, IDM_ASK, text, 40, MF_BYCOMMAND);
+    EXPECT_EQ(Text(IDS_READ_FIRST), text);
     Command(IDM_ASK);
     EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
     Sleep(100);
