@@ -64,8 +64,8 @@
 #define IDM_NEXT_PAGE 334
 #define IDM_PREVIOUS_PAGE 335
 #define IDM_NEXT_PANE 337
-#define IDM_COLUMN 700  // the first of as many as there are columns, named as these; up to 32
-#define IDM_CELL 740    // likewise
+#define IDM_COLUMN 420  // the first of as many as there are columns: the numbers of their headings
+#define IDM_CELL 740    // likewise, to copy a cell
 
 #ifndef RC_INVOKED
 enum TextId : unsigned {

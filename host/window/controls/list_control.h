@@ -56,6 +56,8 @@ class ListControl {
     // Sets the height of rows, high enough for bars, and scales the columns.
     void SetDpi(int dpi);
     void SetColumns(const std::vector<ListColumn>& columns);
+    // The columns from left to right.
+    std::vector<int> ShownOrder() const;
     // Gives the last column the rest of the width, but `minimum` pixels at least.
     void FitLast(int minimum);
     void SetName(const std::wstring& name) { SetWindowTextW(list_, name.c_str()); }
@@ -103,7 +105,6 @@ class ListControl {
     LRESULT FindRow(const NMLVFINDITEMW& search) const;
     std::wstring TextOf(int row, int column) const;
     std::wstring RowText(size_t row) const;
-    std::vector<int> ShownOrder() const;
 
     ListModel& model_;
     HWND list_ = nullptr;

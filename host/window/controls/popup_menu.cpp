@@ -10,8 +10,7 @@ void AddPopup(HMENU menu, OwnedMenu popup, const std::wstring& text) {
         popup.Release();
 }
 
-OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& cells,
-                    std::wstring (*textOf)(unsigned command)) {
+OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& cells) {
     OwnedMenu menu(CreatePopupMenu());
     for (const unsigned command : commands) {
         if (command == kMenuLine) {
@@ -26,8 +25,7 @@ OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& c
             }
             AddPopup(menu.Get(), std::move(popup), Text(command));
         } else {
-            const std::wstring text = textOf ? textOf(command) : Text(command);
-            AppendMenuW(menu.Get(), MF_STRING, command, text.c_str());
+            AppendMenuW(menu.Get(), MF_STRING, command, Text(command).c_str());
         }
     }
     return menu;

@@ -11,10 +11,9 @@ namespace vndiscover::host {
 using Commands = std::vector<unsigned>;
 constexpr unsigned kMenuLine = 0;  // a separator
 
-// The text of a command is the string with its number unless `textOf` gives another. `cells`: what
-// IDS_MENU_CELLS offers to copy from a row.
-OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& cells,
-                    std::wstring (*textOf)(unsigned command) = nullptr);
+// The text of a command is the string with its number. `cells`: what IDS_MENU_CELLS offers to copy
+// from a row.
+OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& cells);
 
 // Adds a menu that opens out of another one, which owns it from now on.
 void AddPopup(HMENU menu, OwnedMenu popup, const std::wstring& text);

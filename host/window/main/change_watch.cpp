@@ -8,7 +8,7 @@
 namespace vndiscover::host {
 
 void ChangeWatch::RefreshEvery(unsigned minutes) {
-    settings_.refreshMinutes = minutes;
+    state_.settings.refreshMinutes = minutes;
     KillTimer(state_.window, kTimer);
     if (minutes != 0) SetTimer(state_.window, kTimer, minutes * 60000, nullptr);
 }

@@ -10,20 +10,16 @@
 
 #include "window/main/window_state.h"
 #include "window/pages/table_window.h"
-#include "window/store/settings.h"
 
 namespace vndiscover::host {
 
 class ChangeWatch {
   public:
-    // State and settings must outlive it. `save` asks for a file and saves the text of a CSV
-    // document.
-    ChangeWatch(WindowState& state, Settings& settings,
-                std::function<void(const std::string& csv)> save)
-        : state_(state), settings_(settings), table_(std::move(save)) {}
+    // The state must outlive it. `save` asks for a file and saves the text of a CSV document.
+    ChangeWatch(WindowState& state, std::function<void(const std::string& csv)> save)
+        : state_(state), table_(std::move(save)) {}
     // The window gets WM_TIMER with kTimer that often, as the settings say from now on. 0: never.
     void RefreshEvery(unsigned minutes);
-    unsigned Minutes() const { return settings_.refreshMinutes; }
     static constexpr UINT_PTR kTimer = 3;
 
     // Records what the rows show now. A change is marked, and the taskbar button flashes.
@@ -34,7 +30,6 @@ class ChangeWatch {
     void Show();
 
     WindowState& state_;
-    Settings& settings_;
     TableWindow table_;
 };
 

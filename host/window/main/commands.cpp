@@ -15,7 +15,6 @@ namespace vndiscover::host {
 namespace {
 
 using Window = MainWindow;
-constexpr unsigned kMaxColumns = 32;
 constexpr int kStep = 16;  // pixels
 
 struct Key {
@@ -72,7 +71,7 @@ constexpr Command RefreshEvery() {
             {},
             nullptr,
             [](Window& w) { w.watch.RefreshEvery(minutes); },
-            [](const Window& w) { return w.watch.Minutes() == minutes; }};
+            [](const Window& w) { return w.state.settings.refreshMinutes == minutes; }};
 }
 
 template <unsigned id, int percent>
@@ -80,8 +79,8 @@ constexpr Command LowBelow() {
     return {id,
             {},
             nullptr,
-            [](Window& w) { w.settings.SetLow(percent); },
-            [](const Window& w) { return w.settings.values.lowPercent == percent; }};
+            [](Window& w) { w.panes.SetLow(percent); },
+            [](const Window& w) { return w.state.settings.lowPercent == percent; }};
 }
 
 // Each menu with its commands. The first ones are in none.
@@ -161,21 +160,19 @@ constexpr unsigned kMenus[] = {IDS_MENU_FILE,   IDS_MENU_EDIT,  IDS_MENU_VIEW,
                                IDS_MENU_DEVICE, IDS_MENU_TOOLS, IDS_MENU_HELP};
 constexpr int kView = 2;  // place in the bar
 
-constexpr bool IsRange(unsigned id) {
-    return (id >= IDM_COLUMN && id < IDM_COLUMN + kMaxColumns) ||
-           (id >= IDM_CELL && id < IDM_CELL + kMaxColumns);
-}
+constexpr bool IsColumn(unsigned id) { return id >= IDM_COLUMN && id < IDM_COLUMN + kColumnCount; }
+constexpr bool IsCell(unsigned id) { return id >= IDM_CELL && id < IDM_CELL + kColumnCount; }
 constexpr bool AreDistinct() {
     for (size_t index = 0; index < std::size(kTable); ++index) {
-        if (IsRange(kTable[index].id)) return false;
+        if (IsColumn(kTable[index].id) || IsCell(kTable[index].id)) return false;
         for (size_t other = 0; other < index; ++other) {
             if (kTable[other].id == kTable[index].id && kTable[index].id != kMenuLine) return false;
         }
     }
-    return IDM_COLUMN + kMaxColumns <= IDM_CELL;
+    return true;
 }
 static_assert(AreDistinct(), "two commands have one number");
-static_assert(kColumnCount <= kMaxColumns);
+static_assert(IDM_COLUMN == IDS_COLUMN_NAME);
 
 const Command* Find(unsigned id) {
     const auto* found = std::find_if(std::begin(kTable), std::end(kTable),
@@ -183,14 +180,10 @@ const Command* Find(unsigned id) {
     return found == std::end(kTable) ? nullptr : found;
 }
 
-std::wstring TextOf(unsigned command) {
-    return Text(IsRange(command) ? IDS_COLUMN_NAME + command - IDM_COLUMN : command);
-}
-
 std::vector<std::wstring> ColumnNames() {
     std::vector<std::wstring> names;
     for (unsigned index = 0; index < kColumnCount; ++index)
-        names.push_back(TextOf(IDM_COLUMN + index));
+        names.push_back(Text(IDM_COLUMN + index));
     return names;
 }
 
@@ -212,25 +205,21 @@ Commands CommandsOf(unsigned menu) {
     return commands;
 }
 
-OwnedMenu MakeCommands(const Commands& commands) {
-    return MakePopup(commands, ColumnNames(), TextOf);
-}
-
 }  // namespace
 
 bool RunCommand(MainWindow& window, unsigned id) {
     const Command* command = Find(id);
-    if (command ? !command->run : !IsRange(id)) return false;
+    if (command ? !command->run : !IsColumn(id) && !IsCell(id)) return false;
     const unsigned obstacle = command && command->obstacle ? command->obstacle(window) : 0;
     window.state.progress.ClearNote();
     if (obstacle != 0) {
         window.state.progress.SetNote(Text(obstacle));
     } else if (command) {
         command->run(window);
-    } else if (id >= IDM_CELL) {
+    } else if (IsCell(id)) {
         window.devices.CopyCell(static_cast<Column>(id - IDM_CELL));
     } else {
-        window.settings.ToggleColumn(static_cast<Column>(id - IDM_COLUMN));
+        window.panes.ToggleColumn(static_cast<Column>(id - IDM_COLUMN));
     }
     return true;
 }
@@ -249,7 +238,7 @@ OwnedAccelerators MakeKeys() {
 OwnedMenu MakeMenu() {
     OwnedMenu bar(CreateMenu());
     for (const unsigned menu : kMenus)
-        AddPopup(bar.Get(), MakeCommands(CommandsOf(menu)), Text(menu));
+        AddPopup(bar.Get(), MakePopup(CommandsOf(menu), ColumnNames()), Text(menu));
     return bar;
 }
 
@@ -257,7 +246,7 @@ OwnedMenu MakeDeviceMenu() {
     Commands commands = {IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, kMenuLine};
     const Commands more = CommandsOf(IDS_MENU_DEVICE);
     commands.insert(commands.end(), more.begin(), more.end());
-    return MakeCommands(commands);
+    return MakePopup(commands, ColumnNames());
 }
 
 HMENU ViewMenuOf(HMENU bar) { return GetSubMenu(bar, kView); }
@@ -272,9 +261,11 @@ void EnableCommands(const MainWindow& window, HMENU menu) {
         if (command && command->obstacle)
             EnableMenuItem(menu, place,
                            MF_BYPOSITION | (command->obstacle(window) ? MF_GRAYED : MF_ENABLED));
-        if (command && command->isChecked)
-            CheckMenuItem(menu, place,
-                          MF_BYPOSITION | (command->isChecked(window) ? MF_CHECKED : MF_UNCHECKED));
+        const auto check = [&](bool isSet) {
+            CheckMenuItem(menu, place, MF_BYPOSITION | (isSet ? MF_CHECKED : MF_UNCHECKED));
+        };
+        if (command && command->isChecked) check(command->isChecked(window));
+        if (IsColumn(id)) check(!(window.state.settings.hidden >> (id - IDM_COLUMN) & 1));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "window/main/commands.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -39,7 +40,7 @@ std::wstring ShownText(const DeviceRow& row, Column column) {
     return InfoOf(column).look == ColumnInfo::Look::kTime ? LocalTime(text) : ToWide(text);
 }
 
-void DeviceColumns::SetDefaults(Settings& settings) {
+void DeviceList::SetDefaults(Settings& settings) {
     for (size_t index = 0; index < kColumnCount; ++index) {
         settings.widths[index] = kColumns[index].width;
         settings.order[kColumns[index].place] = static_cast<int32_t>(index);
@@ -47,7 +48,7 @@ void DeviceColumns::SetDefaults(Settings& settings) {
     }
 }
 
-void DeviceColumns::SetForScripts(Settings& settings) {
+void DeviceList::SetForScripts(Settings& settings) {
     constexpr Column kColumnsOfFiles[] = {
         Column::kState,  Column::kName, Column::kSupplies,  Column::kModel,   Column::kAddress,
         Column::kSerial, Column::kMac,  Column::kProtocols, Column::kNetwork, Column::kLastSeen};
@@ -60,7 +61,9 @@ void DeviceColumns::SetForScripts(Settings& settings) {
     }
 }
 
-void DeviceColumns::Show(const Settings& settings) {
+void DeviceList::ShowColumns() {
+    const Settings& settings = state_.settings;
+    state_.session.view.Hide(settings.hidden);
     shown_.clear();
     std::vector<ListColumn> columns;
     for (size_t index = 0; index < kColumnCount; ++index) {
@@ -68,118 +71,107 @@ void DeviceColumns::Show(const Settings& settings) {
         columns.push_back({IDS_COLUMN_NAME + static_cast<unsigned>(index), settings.widths[index]});
         shown_.push_back(static_cast<Column>(index));
     }
-    list_->SetColumns(columns);
+    list_.SetColumns(columns);
     std::vector<int> order;
     for (const int32_t index : settings.order) {
         const auto at = std::find(shown_.begin(), shown_.end(), static_cast<Column>(index));
         if (at != shown_.end()) order.push_back(static_cast<int>(at - shown_.begin()));
     }
-    ListView_SetColumnOrderArray(list_->Handle(), static_cast<int>(order.size()), order.data());
+    ListView_SetColumnOrderArray(list_.Handle(), static_cast<int>(order.size()), order.data());
+    MarkSorted();
 }
 
-void DeviceColumns::Store(Settings& settings, int dpi) const {
-    const std::vector<Column> columns = InOrder();
+void DeviceList::StoreColumns() const {
+    Settings& settings = state_.settings;
+    const std::vector<Column> columns = Columns();
     // Hidden columns keep their places and widths.
     auto next = columns.begin();
     for (int32_t& index : settings.order) {
-        if (IsShown(static_cast<Column>(index))) index = static_cast<int32_t>(*next++);
+        if (Contains(shown_, static_cast<Column>(index))) index = static_cast<int32_t>(*next++);
     }
     for (size_t index = 0; index < shown_.size(); ++index)
         settings.widths[static_cast<size_t>(shown_[index])] =
-            MulDiv(ListView_GetColumnWidth(list_->Handle(), static_cast<int>(index)), 96, dpi);
+            MulDiv(ListView_GetColumnWidth(list_.Handle(), static_cast<int>(index)), 96, dpi_);
 }
 
-bool DeviceColumns::IsShown(Column column) const {
-    return std::find(shown_.begin(), shown_.end(), column) != shown_.end();
-}
-
-std::vector<Column> DeviceColumns::InOrder() const {
-    std::vector<int> order(shown_.size());
-    ListView_GetColumnOrderArray(list_->Handle(), static_cast<int>(order.size()), order.data());
+std::vector<Column> DeviceList::Columns() const {
     std::vector<Column> columns;
-    columns.reserve(order.size());
-    for (const int index : order) columns.push_back(At(static_cast<size_t>(index)));
+    for (const int index : list_.ShownOrder()) columns.push_back(At(static_cast<size_t>(index)));
     return columns;
 }
 
-void DeviceColumns::MarkSorted(Column sorted, bool isDescending) {
-    const HWND header = ListView_GetHeader(list_->Handle());
+void DeviceList::MarkSorted() {
+    const DeviceView& view = state_.session.view;
+    const HWND header = ListView_GetHeader(list_.Handle());
     for (size_t index = 0; index < shown_.size(); ++index) {
         HDITEMW item = {};
         item.mask = HDI_FORMAT;
         SendMessageW(header, HDM_GETITEMW, index, reinterpret_cast<LPARAM>(&item));
         const int old = item.fmt;
         item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-        if (shown_[index] == sorted) item.fmt |= isDescending ? HDF_SORTDOWN : HDF_SORTUP;
+        if (shown_[index] == view.SortColumn())
+            item.fmt |= view.IsDescending() ? HDF_SORTDOWN : HDF_SORTUP;
         if (item.fmt != old)
             SendMessageW(header, HDM_SETITEMW, index, reinterpret_cast<LPARAM>(&item));
     }
 }
 
-void DeviceList::Create(HWND parent) {
-    list_.Create(parent, IDC_DEVICES, Text(IDS_DEVICES), true);
-    columns_.Use(list_);
-}
+void DeviceList::Create() { list_.Create(state_.window, IDC_DEVICES, Text(IDS_DEVICES), true); }
 
 void DeviceList::SetDpi(int dpi) {
     dpi_ = dpi;
     list_.SetDpi(dpi_);
 }
 
-void DeviceList::ShowColumns(const Settings& settings) {
-    columns_.Show(settings);
-    columns_.MarkSorted(session_.view.SortColumn(), session_.view.IsDescending());
-}
-
 void DeviceList::Show() {
-    const DeviceView& view = session_.view;
+    const DeviceView& view = state_.session.view;
     list_.Refresh();
     const auto selected = view.Selected();
     list_.Select(view.Selection(), selected ? static_cast<int>(*selected) : -1);
-    columns_.MarkSorted(view.SortColumn(), view.IsDescending());
+    MarkSorted();
 }
 
 void DeviceList::OnNotify(const NMHDR& header) {
     if (header.code != NM_CLICK) return;
     const auto& click = reinterpret_cast<const NMITEMACTIVATE&>(header);
-    if (click.iItem >= 0) chosenColumn_ = columns_.At(static_cast<size_t>(click.iSubItem));
+    if (click.iItem >= 0) chosenColumn_ = At(static_cast<size_t>(click.iSubItem));
 }
 
 void DeviceList::ShowMenu(LPARAM place) {
-    const HWND parent = GetParent(list_.Handle());
     ListControl::MenuPlace found = {{GET_X_LPARAM(place), GET_Y_LPARAM(place)}, {}};
     RECT header = {};
     GetWindowRect(ListView_GetHeader(list_.Handle()), &header);
     const auto open = [&](HMENU menu) {
-        TrackPopupMenu(menu, TPM_RIGHTBUTTON, found.point.x, found.point.y, 0, parent, nullptr);
+        TrackPopupMenu(menu, TPM_RIGHTBUTTON, found.point.x, found.point.y, 0, state_.window,
+                       nullptr);
     };
     if (place != kByKeyboard && PtInRect(&header, found.point))
-        return open(ViewMenuOf(GetMenu(parent)));
+        return open(ViewMenuOf(GetMenu(state_.window)));
     if (!list_.FindMenuPlace(place, found)) return;
-    if (found.column) chosenColumn_ = columns_.At(*found.column);
+    if (found.column) chosenColumn_ = At(*found.column);
     open(MakeDeviceMenu().Get());
 }
 
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
-    const DeviceRow& shown = session_.view.Row(row);
-    const Column shownColumn = columns_.At(column);
+    const DeviceRow& shown = state_.session.view.Row(row);
+    const Column shownColumn = At(column);
     const std::wstring text = ShownText(shown, shownColumn);
-    if (shownColumn == Column::kState && changes_.IsMarked(shown))
+    if (shownColumn == Column::kState && state_.changes.IsMarked(shown))
         return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
     const std::string mark = Bar(row, column) ? SeverityMark(shown.supplySeverity) : "";
     return mark.empty() ? text : ToWide(mark) + L" " + text;
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
-    const DeviceRow& shown = session_.view.Row(row);
-    const bool isBar = InfoOf(columns_.At(column)).look == ColumnInfo::Look::kBar;
+    const DeviceRow& shown = state_.session.view.Row(row);
+    const bool isBar = InfoOf(At(column)).look == ColumnInfo::Look::kBar;
     if (!isBar || !shown.lowestSupply || !shown.standing.Holds()) return std::nullopt;
     return BarOf(*shown.lowestSupply, shown.supplyColour);
 }
 
 void DeviceList::OnHeading(size_t column) {
-    const Column chosen = columns_.At(column);
-    DeviceView& view = session_.view;
+    const Column chosen = At(column);
+    DeviceView& view = state_.session.view;
     view.Sort(chosen, view.SortColumn() == chosen && !view.IsDescending());
     Show();
 }
@@ -187,11 +179,16 @@ void DeviceList::OnHeading(size_t column) {
 // Without a selected row, the selection stays until another one is selected.
 void DeviceList::OnSelection() {
     const std::vector<size_t> rows = list_.Selection();
-    if (!rows.empty()) session_.view.Select(rows, static_cast<size_t>(list_.Selected()));
+    if (!rows.empty()) state_.session.view.Select(rows, static_cast<size_t>(list_.Selected()));
 }
 
-void DeviceList::OnSelected() {
-    if (list_.Selected() >= 0) actions_.onSelected();
+std::wstring DeviceList::EmptyText() const {
+    const DeviceView& view = state_.session.view;
+    if (view.Total() != 0) return Text(IDS_ALL_HIDDEN);
+    if (view.Others() != 0) return Text(IDS_ONLY_OTHERS, {Grouped(view.Others())});
+    if (state_.progress.IsSearching()) return Text(IDS_NONE_YET);
+    if (state_.progress.WasStopped()) return Text(IDS_NONE_STOPPED);
+    return Text(state_.progress.HasSearched() ? IDS_NONE_FOUND : IDS_EMPTY);
 }
 
 }  // namespace vndiscover::host

@@ -13,7 +13,7 @@
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/main/commands.h"
-#include "window/main/layout.h"
+#include "window/main/result_handler.h"
 #include "window/main/panes.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -63,9 +63,9 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      }},
     {WM_DPICHANGED,
      [](MainWindow& self, Message& dpi) {
-         self.settings.StoreColumns();
+         self.panes.list.StoreColumns();
          self.panes.SetDpi(HIWORD(dpi.wParam));
-         self.settings.ShowColumns();
+         self.panes.list.ShowColumns();
          TakeSuggested(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
          self.panes.Place();
      }},
@@ -125,7 +125,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          if (!end.wParam) return;
          // The process may end right after this.
          self.state.isSessionEnding = true;
-         self.settings.Save();
+         self.panes.SaveSettings();
          self.scans.SaveForNextStart();
          if (self.searches.WillSave()) self.EndEarly();
          // An installer waits for the process. Open dialogs end by this too.
@@ -137,22 +137,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          PostQuitMessage(0);
      }}};
 
-MainWindow::MainWindow(Engine& engine, StartOptions options)
-    : panes(state, {[this] {
-                        const DeviceRow* row = state.session.view.SelectedRow();
-                        if (row) state.changes.Unmark(*row);
-                        panes.ShowDetails();
-                        devices.Ask(false);
-                    },
-                    [this] {
-                        const DeviceView& view = state.session.view;
-                        if (view.Total() != 0) return Text(IDS_ALL_HIDDEN);
-                        if (view.Others() != 0)
-                            return Text(IDS_ONLY_OTHERS, {Grouped(view.Others())});
-                        if (state.progress.IsSearching()) return Text(IDS_NONE_YET);
-                        if (state.progress.WasStopped()) return Text(IDS_NONE_STOPPED);
-                        return Text(state.progress.HasSearched() ? IDS_NONE_FOUND : IDS_EMPTY);
-                    }}) {
+MainWindow::MainWindow(Engine& engine, StartOptions options) {
     state.options = std::move(options);
     state.showRows = [this] { panes.ShowRows(); };
     state.handleResults = [this] { OnResults(); };
@@ -172,18 +157,18 @@ MainWindow::MainWindow(Engine& engine, StartOptions options)
     Attach(state.window, this);
     panes.Create();
     panes.SetDpi(DpiOf(state.window));
-    settings.Restore();
-    settings.PlaceWindow();
+    panes.RestoreSettings();
+    panes.PlaceWindow();
     state.workers = std::make_unique<Workers>(engine, state.queue);
     state.workers->ReadAdapters();
     ApplyOptions();
     panes.ShowRows();
     ShowStatus();
     if (!state.options.exit) {  // nothing of a script comes to the front
-        ShowWindow(state.window, settings.values.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
+        ShowWindow(state.window, state.settings.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
         SetFocus(GetDlgItem(state.window, IDC_FIND));
     }
-    watch.RefreshEvery(settings.values.refreshMinutes);
+    watch.RefreshEvery(state.settings.refreshMinutes);
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
 }
 
@@ -249,11 +234,18 @@ void MainWindow::ApplyOptions() {
     state.session.view.ShowOnlyPrinters(panes.bar.LooksForPrinters());
 }
 
+void MainWindow::OnSelected() {
+    const DeviceRow* row = state.session.view.SelectedRow();
+    if (row) state.changes.Unmark(*row);
+    panes.ShowDetails();
+    devices.Ask(false);
+}
+
 void MainWindow::ShowStatus() {
     const bool isBusy = state.IsBusy();
     if (!isBusy) state.progress.SetIdle();
     panes.bar.SetButton(!isBusy ? IDS_FIND : state.progress.IsStopping() ? IDS_STOPPING : IDS_STOP);
-    panes.status.Show();
+    panes.ShowStatus();
 }
 
 void MainWindow::OnCommand(int id, int code) {
@@ -285,7 +277,8 @@ void MainWindow::StopAll() {
 
 void MainWindow::OnResults() {
     KillTimer(state.window, kFrameTimer);
-    state.queue.RunAll(handler_);
+    ResultHandler handler(*this);
+    state.queue.RunAll(handler);
     if (state.session.Refresh()) {
         watch.Record();
         panes.ShowRows();
@@ -321,7 +314,8 @@ bool MainWindow::MayClose() {
 
 // Saves the answers so far of the command line's search.
 void MainWindow::EndEarly() {
-    state.queue.RunAll(handler_);
+    ResultHandler handler(*this);
+    state.queue.RunAll(handler);
     searches.EndEarly();
 }
 
@@ -347,7 +341,7 @@ void MainWindow::OnClose() {
     // is written then, since a question about that must have a window to be seen with.
     ShowOwnedPopups(state.window, FALSE);
     if (!willSave) ShowWindow(state.window, SW_HIDE);
-    settings.Save();
+    panes.SaveSettings();
     scans.ForgetKept();
     EndWorkers();
     EndEarly();

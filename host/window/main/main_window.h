@@ -13,10 +13,8 @@
 #include "window/main/change_watch.h"
 #include "window/main/device_commands.h"
 #include "window/main/panes.h"
-#include "window/main/result_handler.h"
 #include "window/main/scan_commands.h"
 #include "window/main/searches.h"
-#include "window/main/window_settings.h"
 #include "window/main/window_state.h"
 #include "window/pages/calls_window.h"
 
@@ -42,19 +40,17 @@ class MainWindow {
 
     // Its parts, for the commands.
     WindowState state;
-    Panes panes;
-    WindowSettings settings{state, panes};
-    ScanCommands scans{state, panes.list.Columns()};
+    Panes panes{state, [this] { OnSelected(); }};
+    ScanCommands scans{state, panes.list};
     Searches searches{state, panes.bar, scans,
                       [this] { return ReadsFound() && devices.ReadFound(); }};
     DeviceCommands devices{state, panes.list};
-    ChangeWatch watch{state, settings.values,
-                      [this](const std::string& csv) { scans.SaveTable(csv); }};
+    ChangeWatch watch{state, [this](const std::string& csv) { scans.SaveTable(csv); }};
     CallsWindow calls;
     bool ReadsFound() const {
-        return searches.IsForStart() ? state.options.read : settings.values.readsFound != 0;
+        return searches.IsForStart() ? state.options.read : state.settings.readsFound != 0;
     }
-    void ToggleReadsFound() { settings.values.readsFound ^= 1; }
+    void ToggleReadsFound() { state.settings.readsFound ^= 1; }
     void FindOrStop();
     void StopAll();  // if something is in progress
 
@@ -64,6 +60,7 @@ class MainWindow {
     struct MessageRow;
     static const MessageRow kMessages[];
     void ApplyOptions();
+    void OnSelected();  // another device, by the user
     void ShowStatus();
     void OnCommand(int id, int code);
     void OnResults();
@@ -73,7 +70,6 @@ class MainWindow {
     void EndWorkers();
     void EndEarly();
 
-    ResultHandler handler_{state, searches, devices, calls};
     SavedFocus focus_;
     OwnedAccelerators keys_;
 };

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/wide_text.h"
-#include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -17,10 +16,63 @@ void Panes::Create() {
     const HWND window = state_.window;
     bar.Create(window);
     CreateControl(window, L"STATIC", IDS_DEVICES, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_DEVICES_LABEL);
-    list.Create(window);
+    list.Create();
     CreateControl(window, L"STATIC", IDS_DETAILS, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_DETAILS_LABEL);
     details.Create(window);
-    status.Create();
+    const HWND status =
+        CreateControl(window, STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
+    ShowWindow(CreateControl(status, PROGRESS_CLASSW, IDS_READ_BAR, 0, IDC_READ_BAR), SW_HIDE);
+}
+
+void Panes::RestoreSettings() {
+    Settings& settings = state_.settings;
+    DeviceList::SetDefaults(settings);
+    // A script gets the same sweep whatever settings a user has saved.
+    if (state_.options.exit) DeviceList::SetForScripts(settings);
+    if (!state_.options.exit) settings = LoadSettings().value_or(settings);
+    bar.Restore(settings);
+    split_ = settings.splitPercent * 10;
+    state_.session.SetLimits({settings.lowPercent});
+    list.ShowColumns();
+}
+
+void Panes::SaveSettings() {
+    if (state_.options.exit) return;
+    Settings& settings = state_.settings;
+    WINDOWPLACEMENT place = {};
+    place.length = sizeof place;
+    GetWindowPlacement(state_.window, &place);
+    settings.place = place.rcNormalPosition;
+    settings.isMaximized = place.showCmd == SW_SHOWMAXIMIZED;
+    settings.splitPercent = split_ / 10;
+    bar.Store(settings);
+    list.StoreColumns();
+    host::SaveSettings(settings);
+}
+
+void Panes::PlaceWindow() const {
+    const HWND window = state_.window;
+    WINDOWPLACEMENT saved = {};
+    saved.length = sizeof saved;
+    saved.rcNormalPosition = state_.settings.place;
+    saved.showCmd = SW_HIDE;
+    RECT box = {};
+    const bool isSaved = !IsRectEmpty(&saved.rcNormalPosition);
+    if (isSaved) SetWindowPlacement(window, &saved);
+    GetWindowRect(window, &box);
+    Box place = {box.left, box.top, box.right - box.left, box.bottom - box.top};
+    if (!isSaved) {
+        place.width = Scaled(1100, dpi_);
+        place.height = Scaled(620, dpi_);
+    }
+    // The monitor of a saved place may be gone.
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoW(MonitorFromRect(&box, MONITOR_DEFAULTTONEAREST), &monitor);
+    const RECT& work = monitor.rcWork;
+    place = FitInto({work.left, work.top, work.right - work.left, work.bottom - work.top}, place);
+    SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Panes::SetDpi(int dpi) {
@@ -33,37 +85,51 @@ void Panes::SetDpi(int dpi) {
     font_ = std::move(font);
 }
 
-LayoutInput Panes::Measure(int width, int height) const {
+int Panes::StatusHeight() const {
     RECT client = {};
     GetClientRect(Control(IDC_STATUS), &client);
-    LOGFONTW font = {};
-    GetObjectW(font_.Get(), sizeof font, &font);
-    LayoutInput input;
-    input.width = width;
-    input.height = height;
-    input.statusHeight = client.bottom;
-    input.dpi = dpi_;
-    input.split = split;
-    input.textHeight = MulDiv(std::abs(font.lfHeight), 4, 3);
-    bar.Measure(font_.Get(), input);
-    return input;
+    return client.bottom;
+}
+
+int Panes::Margin() const { return Scaled(8, dpi_); }
+
+int Panes::ListTop(int labelTop) const {
+    return labelTop + LineHeight(font_.Get()) + Scaled(4, dpi_);
 }
 
 void Panes::Place() {
     RECT client = {};
     GetClientRect(state_.window, &client);
-    status.Place(dpi_);
-    const LayoutInput input = Measure(client.right, client.bottom);
-    layout_ = Arrange(input);
+    PlaceStatus();
+    const int inner = std::max<int>(0, client.right - 2 * Margin());
+    const int least = std::min(Scaled(280, dpi_), inner / 2);
+    const int detailsWidth = std::clamp(inner * (1000 - split_) / 1000, least, inner - least);
+    const int bottom = client.bottom - StatusHeight() - Scaled(6, dpi_);
     {
         Placement placement(state_.window);
-        bar.Place(placement, layout_, input);
-        placement.Move(Control(IDC_DEVICES_LABEL), layout_.devicesLabel);
-        placement.Move(list.Handle(), layout_.devices);
-        placement.Move(Control(IDC_DETAILS_LABEL), layout_.detailsLabel);
-        details.Place(placement, layout_.details, dpi_);
+        const int top = bar.Place(&placement, font_.Get(), client.right, dpi_);
+        const int listTop = ListTop(top), height = std::max(0, bottom - listTop);
+        list_ = {Margin(), listTop, std::max(0, inner - detailsWidth - Margin()), height};
+        details_ = {list_.x + list_.width + Margin(), listTop, detailsWidth, height};
+        const int text = LineHeight(font_.Get());
+        placement.Move(Control(IDC_DEVICES_LABEL), {list_.x, top, list_.width, text});
+        placement.Move(list.Handle(), list_);
+        placement.Move(Control(IDC_DETAILS_LABEL), {details_.x, top, detailsWidth, text});
+        details.Place(placement, details_, dpi_);
     }
     details.Settle();
+}
+
+// At the lower edge of the window.
+void Panes::PlaceStatus() const {
+    const HWND status = Control(IDC_STATUS);
+    RECT place = {};
+    SendMessageW(status, WM_SIZE, 0, 0);
+    GetWindowRect(status, &place);
+    const int width = place.right - place.left, height = place.bottom - place.top;
+    const int part = std::min(Scaled(160, dpi_), width / 4);
+    SetWindowPos(GetDlgItem(status, IDC_READ_BAR), nullptr, width - part - Scaled(20, dpi_),
+                 Scaled(4, dpi_), part, height - Scaled(7, dpi_), SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 SIZE Panes::MinimumSize() const {
@@ -72,35 +138,53 @@ SIZE Panes::MinimumSize() const {
     GetWindowRect(state_.window, &window);
     GetClientRect(state_.window, &client);
     const int width = Scaled(520, dpi_);
+    const int listTop = ListTop(bar.Place(nullptr, font_.Get(), width, dpi_));
+    const int height = listTop + Scaled(140, dpi_) + Scaled(6, dpi_) + StatusHeight();
     return {width + window.right - window.left - client.right,
-            Arrange(Measure(width, 0)).least + window.bottom - window.top - client.bottom};
+            height + window.bottom - window.top - client.bottom};
 }
 
 bool Panes::OnMouse(UINT message) {
     POINT at = {};
     GetCursorPos(&at);
     ScreenToClient(state_.window, &at);
-    const Box& gap = layout_.gap;
-    const RECT area = {gap.x, gap.y, gap.x + gap.width, gap.y + gap.height};
+    const int left = list_.x + list_.width;
+    const RECT gap = {left, list_.y, details_.x, list_.y + list_.height};
     const bool isDragging = GetCapture() == state_.window;
-    if (!isDragging && (message == WM_MOUSEMOVE || !PtInRect(&area, at))) return false;
+    if (!isDragging && (message == WM_MOUSEMOVE || !PtInRect(&gap, at))) return false;
     if (message == WM_SETCURSOR)
         SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_SIZEWE)));
     if (message == WM_LBUTTONDOWN) SetCapture(state_.window);
-    if (message == WM_MOUSEMOVE) Widen(at.x - gap.x - gap.width / 2);
+    if (message == WM_MOUSEMOVE) Widen(at.x - left - Margin() / 2);
     if (message == WM_LBUTTONUP) ReleaseCapture();
     return true;
 }
 
 void Panes::Widen(int pixels) {
-    const int whole = layout_.note.width;
-    const int wanted = layout_.devices.width + layout_.gap.width + pixels;
-    split = std::clamp(wanted * 1000 / std::max(1, whole), 200, 800);
+    const int whole = details_.x + details_.width - list_.x;
+    const int wanted = list_.width + Margin() + pixels;
+    split_ = std::clamp(wanted * 1000 / std::max(1, whole), 200, 800);
     Place();
 }
 
 void Panes::NextPane() const {
     SetFocus(GetFocus() == list.Handle() ? details.Shown() : list.Handle());
+}
+
+void Panes::ToggleColumn(Column column) {
+    list.StoreColumns();
+    const uint32_t hidden = state_.settings.hidden ^ 1u << static_cast<unsigned>(column);
+    if (hidden == kAllColumns) return;  // one must stay
+    state_.settings.hidden = hidden;
+    list.ShowColumns();
+    ShowRows();
+}
+
+void Panes::SetLow(int percent) {
+    state_.settings.lowPercent = percent;
+    state_.session.SetLimits({percent});
+    ShowRows();
+    state_.changes.LearnStates(state_.session.view.AllRows());
 }
 
 void Panes::ShowRows() {
@@ -126,6 +210,68 @@ void Panes::ShowDetails() {
     }
     ChangeText(Control(IDC_DETAILS_LABEL), title);
     details.Show();
+}
+
+void Panes::ShowStatus() const {
+    const Progress::Status status =
+        state_.progress.Now(state_.workers ? state_.workers->Now() : Progress::Work());
+    ChangeText(Control(IDC_STATUS), TextOf(status));
+    const HWND reading = GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR);
+    const bool isReading = status.kind == Progress::Kind::kReadingAll;
+    if (isReading) {
+        SendMessageW(reading, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.total));
+        SendMessageW(reading, PBM_SETPOS, status.count, 0);
+    }
+    ShowWindow(reading, isReading ? SW_SHOWNA : SW_HIDE);
+}
+
+std::wstring Panes::TextOf(const Progress::Status& status) const {
+    const std::wstring seconds = Grouped(static_cast<uint64_t>(status.seconds));
+    const std::wstring count = Grouped(status.count), total = Grouped(status.total);
+    const std::wstring found = Grouped(state_.session.CountFound());
+    const std::wstring address = ToWide(status.address);
+    const std::wstring wait = Text(IDS_WAITING, {address, std::to_wstring(status.waitSeconds)});
+    switch (status.kind) {
+        case Progress::Kind::kReady:
+            return state_.file.empty() ? Text(IDS_READY) : state_.file;
+        case Progress::Kind::kSearching:
+            return Text(status.total == 0 ? IDS_SWEEPING_YET : IDS_SWEEPING,
+                        {seconds, found, total});
+        case Progress::Kind::kReadingAll: {
+            const std::wstring reading = Text(IDS_READING, {count, total});
+            return address.empty() ? reading : reading + L", " + wait;
+        }
+        case Progress::Kind::kAsking: {
+            const bool isLong = status.waitSeconds * 1000 >= Progress::kWaitMs;
+            const std::wstring asking = isLong ? wait : Text(IDS_ASKING, {address, seconds});
+            return status.count == 0 ? asking : Text(IDS_ASKING_MORE, {asking, count});
+        }
+        case Progress::Kind::kWalking:
+            return Text(IDS_WALK_STATUS, {address, seconds, count});
+        case Progress::Kind::kStopping:
+            return Text(IDS_STOPPING_UP_TO, {seconds});
+        case Progress::Kind::kDone:
+            return Text(IDS_DONE, {seconds, found});
+        case Progress::Kind::kStopped:
+            return Text(IDS_STOPPED, {seconds, found});
+        case Progress::Kind::kRead:
+            return Text(
+                status.count < status.total ? IDS_READ_STOPPED
+                : status.unread > 0         ? IDS_READ_SOME
+                                            : IDS_READ,
+                {Grouped(status.count - status.unread), total, seconds, Grouped(status.unread)});
+        case Progress::Kind::kNote:
+            return state_.progress.Note();
+    }
+    return L"";
+}
+
+Box FitInto(const Box& area, Box box) {
+    box.width = std::min(box.width, area.width);
+    box.height = std::min(box.height, area.height);
+    box.x = std::clamp(box.x, area.x, area.x + area.width - box.width);
+    box.y = std::clamp(box.y, area.y, area.y + area.height - box.height);
+    return box;
 }
 
 }  // namespace vndiscover::host

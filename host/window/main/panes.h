@@ -1,14 +1,16 @@
-// The controls of the main window: their fonts, titles and places.
+// The controls of the main window: their fonts, places and titles, what the status says, and the
+// user's settings of all that.
 #pragma once
 
 #include <windows.h>
 
+#include <functional>
+#include <string>
 #include <utility>
 
 #include "window/controls/owners.h"
 #include "window/main/device_list.h"
 #include "window/main/search_bar.h"
-#include "window/main/status_bar.h"
 #include "window/main/window_state.h"
 #include "window/pages/details_pane.h"
 
@@ -16,19 +18,20 @@ namespace vndiscover::host {
 
 class Panes {
   public:
-    // The state must outlive it.
-    Panes(WindowState& state, DeviceList::Actions actions)
-        : list(state.session, state.changes, std::move(actions)),
-          details(state.session),
-          status(state),
-          state_(state) {}
+    // The state must outlive it. `onSelected`: the user has selected another device.
+    Panes(WindowState& state, std::function<void()> onSelected)
+        : list(state, std::move(onSelected)), details(state.session), state_(state) {}
     SearchBar bar;
     DeviceList list;
     DetailsPane details;
-    StatusBar status;
 
     // Children of the state's window, which destroys them.
     void Create();
+    // Restored when the window opens, saved when it closes.
+    void RestoreSettings();
+    void SaveSettings();
+    // Where the window was when it was closed last, within the work area of a monitor.
+    void PlaceWindow() const;
     // Updates fonts and sizes, also after a change of the system's colours and fonts.
     void SetDpi(int dpi);
     int Dpi() const { return dpi_; }
@@ -41,18 +44,30 @@ class Panes {
     // Makes the list wider by so many pixels.
     void Widen(int pixels);
     void NextPane() const;  // gives it the focus
+    void ToggleColumn(Column column);
+    // The percentage below which a supply needs attention.
+    void SetLow(int percent);
     void ShowRows();
     void ShowDetails();
-    int split = 0;  // of the width that the list has, in thousandths
+    // What is in progress now: in words, and as a bar while devices are read.
+    void ShowStatus() const;
 
   private:
-    LayoutInput Measure(int width, int height) const;
     HWND Control(int id) const { return GetDlgItem(state_.window, id); }
+    int StatusHeight() const;
+    int Margin() const;  // also the width of the gap between list and details
+    int ListTop(int labelTop) const;
+    void PlaceStatus() const;
+    std::wstring TextOf(const Progress::Status& status) const;
 
     WindowState& state_;
     OwnedFont font_;
-    Layout layout_;
+    Box list_, details_;
+    int split_ = 0;  // of the width that the list has, in thousandths
     int dpi_ = 96;
 };
+
+// Moves a box into an area; one that is larger is made smaller.
+Box FitInto(const Box& area, Box box);
 
 }  // namespace vndiscover::host

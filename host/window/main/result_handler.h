@@ -1,14 +1,8 @@
 // Brings what the workers report to the data and to the windows that show it.
 #pragma once
 
-#include <string>
-#include <utility>
-
 #include "platform/wide_text.h"
-#include "window/main/device_commands.h"
-#include "window/main/searches.h"
-#include "window/main/window_state.h"
-#include "window/pages/calls_window.h"
+#include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -16,10 +10,8 @@ namespace vndiscover::host {
 
 class ResultHandler : public Results {
   public:
-    // All must outlive it.
-    ResultHandler(WindowState& state, Searches& searches, DeviceCommands& devices,
-                  CallsWindow& calls)
-        : state_(state), searches_(searches), devices_(devices), calls_(calls) {}
+    // The window must outlive it.
+    explicit ResultHandler(MainWindow& window) : w_(window), state_(window.state) {}
 
     void OnSweepBegan(WorkerId worker, const SweepStep& step, const std::string& time) override {
         state_.session.BeginSweep(worker, step, time);
@@ -31,7 +23,7 @@ class ResultHandler : public Results {
     void OnSweepEnded(WorkerId worker, bool wasSent, const std::string& problem) override {
         const bool isComplete = wasSent && problem.empty() && !state_.progress.IsStopping();
         state_.session.EndSweep(worker, isComplete);
-        searches_.EndSweep(wasSent, problem);
+        w_.searches.EndSweep(wasSent, problem);
     }
     void OnReadingBegan(const std::string& address, bool isForList) override {
         state_.session.BeginReading(address);
@@ -49,20 +41,20 @@ class ResultHandler : public Results {
     }
     void OnReadAll(const Progress::Read& read, bool) override {
         state_.progress.EndReadingAll(read);
-        searches_.EndReading();
+        w_.searches.EndReading();
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {
         state_.progress.BeginWalk(address);
-        devices_.walk.OnBegan(walk);
+        w_.devices.walk.OnBegan(walk);
     }
     void OnVariable(unsigned walk, Answer variable) override {
         state_.progress.CountValue();
-        devices_.walk.Add(walk, std::move(variable));
+        w_.devices.walk.Add(walk, std::move(variable));
     }
     void OnWalked(unsigned walk, bool hasBegun, const WalkEnd& end,
                   const std::string& problem) override {
         if (hasBegun) state_.progress.EndWalk();
-        devices_.walk.OnEnded(walk, end, problem);
+        w_.devices.walk.OnEnded(walk, end, problem);
     }
     void OnDiagnosisBegan(const std::string& address) override {
         state_.progress.BeginAsking(address);
@@ -72,10 +64,10 @@ class ResultHandler : public Results {
                      const AdapterList& adapters) override {
         state_.progress.EndAsking();
         if (!state_.workers) return;
-        devices_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
+        w_.devices.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }
     void OnResolved(const Addresses& addresses, const std::string& unknown) override {
-        if (state_.workers) devices_.Added(addresses, unknown);
+        if (state_.workers) w_.devices.Added(addresses, unknown);
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);
@@ -84,18 +76,16 @@ class ResultHandler : public Results {
     void OnReport(const ComputerReport& report) override {
         if (!state_.workers) return;
         state_.progress.ClearNote();
-        devices_.doctor.ShowReport(report, state_.window);
+        w_.devices.doctor.ShowReport(report, state_.window);
     }
     void OnJobFailed(const std::string& problem) override {
         if (state_.workers) state_.ReportProblem(Text(IDS_JOB_FAILED, {ToWide(problem)}));
     }
-    void OnCall(Call call) override { calls_.Add(std::move(call)); }
+    void OnCall(Call call) override { w_.calls.Add(std::move(call)); }
 
   private:
+    MainWindow& w_;
     WindowState& state_;
-    Searches& searches_;
-    DeviceCommands& devices_;
-    CallsWindow& calls_;
 };
 
 }  // namespace vndiscover::host

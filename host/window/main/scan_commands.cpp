@@ -137,7 +137,7 @@ void ScanCommands::SaveTable(const std::string& csv) {
 }
 
 bool ScanCommands::SaveCsvTo(const std::string& path) {
-    const std::vector<Column> columns = columns_.InOrder();
+    const std::vector<Column> columns = list_.Columns();
     std::vector<std::string> cells;
     cells.reserve(columns.size());
     for (const Column column : columns) cells.push_back(ToUtf8(ColumnName(column)));

@@ -14,8 +14,7 @@ namespace vndiscover::host {
 class ScanCommands {
   public:
     // Both must outlive it.
-    ScanCommands(WindowState& state, const DeviceColumns& columns)
-        : state_(state), columns_(columns) {}
+    ScanCommands(WindowState& state, const DeviceList& list) : state_(state), list_(list) {}
 
     // Ask for the file.
     void Open();
@@ -60,7 +59,7 @@ class ScanCommands {
     bool SaveTextTo(const std::string& text, const std::string& path);
 
     WindowState& state_;
-    const DeviceColumns& columns_;
+    const DeviceList& list_;
     std::string table_;  // to be saved
     OwnedFile kept_;     // of the list; empty: it is of none
     std::string keptPath_;

@@ -1,6 +1,7 @@
 #include "window/main/search_bar.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <utility>
 
@@ -40,7 +41,6 @@ constexpr struct BarItem {
     {IDC_FILTER, L"EDIT", 0, ES_AUTOHSCROLL | WS_TABSTOP, false, 150, 0},
 };
 constexpr int kTicks[] = {IDC_V1, IDC_V3, IDC_WSD, IDC_IPV4, IDC_IPV6};
-constexpr uint32_t kDefaultTicks = 0b01101;  // SNMPv1, WS-Discovery, IPv4
 constexpr struct PresetItem {
     unsigned text, note;
     const char* object;
@@ -53,6 +53,12 @@ constexpr struct PresetItem {
 static_assert(std::size(kPresets) == kPresetCount);
 
 }  // namespace
+
+int LineHeight(HFONT font) {
+    LOGFONTW size = {};
+    GetObjectW(font, sizeof size, &size);
+    return MulDiv(std::abs(size.lfHeight), 4, 3);
+}
 
 void SearchBar::Create(HWND parent) {
     parent_ = parent;
@@ -67,11 +73,6 @@ void SearchBar::Create(HWND parent) {
 
 void SearchBar::ShowNote() const {
     ChangeText(Control(IDC_PRESET_NOTE), Text(kPresets[Preset()].note));
-}
-
-void SearchBar::SetDefaults(Settings& settings) {
-    settings.ticks = kDefaultTicks;
-    settings.preset = 0;
 }
 
 void SearchBar::Restore(const Settings& settings) {
@@ -92,36 +93,45 @@ void SearchBar::Store(Settings& settings) const {
     settings.preset = static_cast<uint32_t>(Preset());
 }
 
-void SearchBar::Measure(HFONT font, LayoutInput& input) const {
+int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const {
+    const int margin = Scaled(8, dpi), gap = Scaled(6, dpi);
+    const int inner = std::max(0, width - 2 * margin);
+    Box box = {margin, margin, 0, LineHeight(font) + Scaled(10, dpi)};
     const WindowDc dc(parent_);
     const Selection writing(dc.Get(), font);
     for (const BarItem& item : kItems) {
         RECT size = {};
-        const std::wstring text = item.widest ? Text(item.widest) : L"";
-        DrawTextW(dc.Get(), text.c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
-        input.barWidths.push_back((item.widest ? size.right : 0) + Scaled(item.space, input.dpi));
-        input.startsGroup.push_back(item.startsGroup);
+        if (item.widest)
+            DrawTextW(dc.Get(), Text(item.widest).c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
+        box.width = std::min<int>(size.right + Scaled(item.space, dpi), inner);
+        if (box.x > margin && item.startsGroup) box.x += Scaled(12, dpi);
+        if (box.x > margin && box.x + box.width > width - margin) {
+            box.x = margin;
+            box.y += box.height + gap;
+        }
+        if (placement) PlaceItem(*placement, item.id, box, dpi);
+        box.x += box.width + gap;
     }
-    RECT note = {0, 0, input.width - 2 * Scaled(8, input.dpi), 0};
-    DrawTextW(dc.Get(), WindowText(Control(IDC_PRESET_NOTE)).c_str(), -1, &note,
+    const HWND note = Control(IDC_PRESET_NOTE);
+    RECT size = {0, 0, inner, 0};
+    DrawTextW(dc.Get(), WindowText(note).c_str(), -1, &size,
               DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-    input.noteHeight = std::max<int>(note.bottom, input.textHeight);
+    box = {margin, box.y + box.height + Scaled(3, dpi), inner,
+           std::max<int>(size.bottom, LineHeight(font))};
+    if (placement) placement->Move(note, box);
+    return box.y + box.height + gap;
 }
 
-void SearchBar::Place(Placement& placement, const Layout& layout, const LayoutInput& input) const {
-    placement.Move(Control(IDC_PRESET_NOTE), layout.note);
-    for (size_t index = 0; index < layout.bar.size(); ++index) {
-        Box box = layout.bar[index];
-        const int id = kItems[index].id;
-        RECT closed = {};
-        GetWindowRect(Control(id), &closed);
-        int height = box.height;
-        if (id == IDC_FILTER) height = input.textHeight + Scaled(8, input.dpi);  // text on top
-        if (id == IDC_PRESET) height = closed.bottom - closed.top;
-        box.y += std::max(0, box.height - height) / 2;
-        box.height = id == IDC_PRESET ? box.height * 6 : std::min(height, box.height);
-        placement.Move(Control(id), box);  // with its open list
-    }
+// In the middle of its row. The list of presets is moved with its open part.
+void SearchBar::PlaceItem(Placement& placement, int id, Box box, int dpi) const {
+    RECT closed = {};
+    GetWindowRect(Control(id), &closed);
+    int height = box.height;
+    if (id == IDC_FILTER) height -= Scaled(2, dpi);  // its text is on top
+    if (id == IDC_PRESET) height = closed.bottom - closed.top;
+    box.y += std::max(0, box.height - height) / 2;
+    box.height = id == IDC_PRESET ? box.height * 6 : height;
+    placement.Move(Control(id), box);
 }
 
 void SearchBar::SetButton(unsigned text) { ChangeText(Control(IDC_FIND), Text(text)); }

@@ -6,24 +6,26 @@
 #include <string>
 #include <vector>
 
-#include "window/main/layout.h"
+#include "window/controls/placement.h"
 #include "window/resource.h"
 #include "window/store/settings.h"
 #include "window/work/engine.h"
 
 namespace vndiscover::host {
 
+// Of one line of text.
+int LineHeight(HFONT font);
+
 class SearchBar {
   public:
     // The controls are children of `parent` and are destroyed with it.
     void Create(HWND parent);
-    static void SetDefaults(Settings& settings);
     void Restore(const Settings& settings);
     void Store(Settings& settings) const;
 
-    // Adds the sizes of the controls in a font to the layout's input; then moves them.
-    void Measure(HFONT font, LayoutInput& input) const;
-    void Place(Placement& placement, const Layout& layout, const LayoutInput& input) const;
+    // Moves the controls into rows from the top of a window of this width. Without a placement it
+    // only measures. Returns where they end, a space included.
+    int Place(Placement* placement, HFONT font, int width, int dpi) const;
 
     // The text of the button that starts or stops a search, a string.
     void SetButton(unsigned text);
@@ -47,6 +49,7 @@ class SearchBar {
     HWND Control(int id) const { return GetDlgItem(parent_, id); }
     bool IsTicked(int id) const { return IsDlgButtonChecked(parent_, id) == BST_CHECKED; }
     size_t Preset() const;
+    void PlaceItem(Placement& placement, int id, Box box, int dpi) const;
 
     HWND parent_ = nullptr;
 };

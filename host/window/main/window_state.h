@@ -12,6 +12,7 @@
 #include "model/asking/progress.h"
 #include "model/scan/compare.h"
 #include "values/exit_code.h"
+#include "window/store/settings.h"
 #include "window/work/session.h"
 #include "window/work/workers.h"
 
@@ -37,6 +38,7 @@ struct WindowState {
     std::function<void()> showRows;       // shows what the session has now
     std::function<void()> handleResults;  // of the workers, that are waiting
     HWND window = nullptr;
+    Settings settings;
     int exitCode = kFound;
     bool isSessionEnding = false;  // nothing may wait for the user
     std::wstring file;  // "monday.json, scan of 23 November 09:12"; empty: the list is of no file

@@ -413,12 +413,12 @@ TEST_F(MainWindowTest, PlaceOfAMonitorThatIsGoneIsPulledBack) {
     EXPECT_EQ((std::vector<int>{10, 120, 800, 500}),
               (std::vector<int>{large.x, large.y, large.width, large.height}));
     Open();
-    WindowSettings& settings = window_->settings;
-    settings.values.place = {5000, 5000, 5700, 5500};
-    settings.PlaceWindow();
+    Settings& settings = window_->state.settings;
+    settings.place = {5000, 5000, 5700, 5500};
+    window_->panes.PlaceWindow();
     EXPECT_TRUE(MonitorFromWindow(window_->Handle(), MONITOR_DEFAULTTONULL));
-    settings.values.place = {};  // at the first start, where the size may be larger than the screen
-    settings.PlaceWindow();
+    settings.place = {};  // at the first start, where the size may be larger than the screen
+    window_->panes.PlaceWindow();
     RECT work = {}, place = {}, both = {};
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
     GetWindowRect(window_->Handle(), &place);

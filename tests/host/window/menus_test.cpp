@@ -273,6 +273,8 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     EXPECT_EQ(L"", Addresses());
     SetWindowTextW(Control(IDC_FILTER), L"");
     const HMENU bar = GetMenu(window_->Handle());
+    SendMessageW(window_->Handle(), WM_INITMENUPOPUP,
+                 reinterpret_cast<WPARAM>(GetSubMenu(bar, 2)), 2);
     EXPECT_EQ(0u, GetMenuState(bar, IDM_COLUMN + 1, MF_BYCOMMAND) & MF_CHECKED);
     EXPECT_EQ(0u + MF_CHECKED, GetMenuState(bar, IDM_COLUMN + 2, MF_BYCOMMAND) & MF_CHECKED);
     Command(IDM_COLUMN + 0);
