@@ -24,15 +24,20 @@ std::string UtcNow() {
     return text;
 }
 
-std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
-    if (utc.size() != 20) return "";
+bool ReadUtc(const std::string& utc, int (&parts)[6]) {
+    if (utc.size() != 20) return false;
     constexpr size_t kPlaces[] = {0, 5, 8, 11, 14, 17};
-    int parts[std::size(kPlaces)] = {};
     for (size_t i = 0; i < std::size(kPlaces); ++i) {
         const char* from = utc.data() + kPlaces[i];
         const char* end = from + (i == 0 ? 4 : 2);
-        if (std::from_chars(from, end, parts[i]).ptr != end) return "";
+        if (std::from_chars(from, end, parts[i]).ptr != end) return false;
     }
+    return true;
+}
+
+std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
+    int parts[6] = {};
+    if (!ReadUtc(utc, parts)) return "";
     const auto& [year, month, day, hour, minute, second] = parts;
     const int64_t at = ((DaysUntil(year, month, day) * 24 + hour) * 60 + minute) * 60 + second;
     const auto start = static_cast<std::time_t>(at - static_cast<int64_t>(seconds));

@@ -8,6 +8,9 @@ namespace vndiscover::host {
 
 std::string UtcNow();
 
+// Year, month, day, hour, minute and second. Returns false if `utc` is no time.
+bool ReadUtc(const std::string& utc, int (&parts)[6]);
+
 // The local time that was this many seconds before: "2026-11-25 05:31". Empty if `utc` is no time.
 std::string LocalTimeBefore(const std::string& utc, uint64_t seconds);
 

@@ -25,7 +25,6 @@
 #define IDC_DETAILS 213
 #define IDC_STATUS 214
 #define IDC_PAGES 215
-#define IDC_TABLE 216
 #define IDC_PRESET_NOTE 217
 #define IDC_READ_BAR 218
 #define IDC_CHOSEN 219

@@ -2,9 +2,8 @@
 
 #include <windows.h>
 
-#include <cstdlib>
-
 #include "platform/wide_text.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 namespace {
@@ -13,14 +12,8 @@ TextChange textChange = nullptr;
 
 // Returns false if `utc` is no time such as "2026-11-25T04:32:23Z".
 bool ToLocal(const std::string& utc, SYSTEMTIME& local) {
-    long part[6] = {};
-    const char* at = utc.c_str();
-    for (long& number : part) {
-        char* end = nullptr;
-        number = std::strtol(at, &end, 10);
-        if (end == at || *end == '\0' || number < 0 || number > 9999) return false;
-        at = end + 1;
-    }
+    int part[6] = {};
+    if (!ReadUtc(utc, part)) return false;
     const auto word = [&](int index) { return static_cast<WORD>(part[index]); };
     const SYSTEMTIME time = {word(0), word(1), 0, word(2), word(3), word(4), word(5), 0};
     return SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != 0;

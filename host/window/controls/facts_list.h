@@ -1,16 +1,12 @@
 // The rows of a report, each with a label, a text, and a bar if it is a level.
 #pragma once
 
-#include <windows.h>
-
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "model/printer/report.h"
 #include "window/controls/list_control.h"
-#include "window/controls/placement.h"
 
 namespace vndiscover::host {
 
@@ -23,24 +19,6 @@ class FactsModel : protected virtual ListModel {
     bool IsBold(size_t row) const override;
 
     std::vector<ReportRow> rows_;
-};
-
-class FactsList : private FactsModel {
-  public:
-    // The list is a child of `parent` and is destroyed with it.
-    void Create(HWND parent, int id, const std::wstring& name);
-    HWND Handle() const { return list_.Handle(); }
-    void Show(std::vector<ReportRow> rows);
-    void Place(Placement& placement, const Box& box, int dpi);
-    const ListControl& List() const { return list_; }
-    std::function<void()> onSelected;
-
-  private:
-    void OnSelected() override {
-        if (onSelected) onSelected();
-    }
-
-    ListControl list_{*this};
 };
 
 }  // namespace vndiscover::host

@@ -7,8 +7,8 @@
 
 namespace vndiscover::host {
 
-void ChangeWatch::RefreshEvery(unsigned minutes) {
-    state_.settings.refreshMinutes = minutes;
+void ChangeWatch::Restart() {
+    const unsigned minutes = state_.settings.refreshMinutes;
     KillTimer(state_.window, kTimer);
     if (minutes != 0) SetTimer(state_.window, kTimer, minutes * 60000, nullptr);
 }

@@ -3,11 +3,9 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <string>
-#include <utility>
-#include <vector>
 
+#include "window/main/scan_commands.h"
 #include "window/main/window_state.h"
 #include "window/pages/table_window.h"
 
@@ -15,11 +13,11 @@ namespace vndiscover::host {
 
 class ChangeWatch {
   public:
-    // The state must outlive it. `save` asks for a file and saves the text of a CSV document.
-    ChangeWatch(WindowState& state, std::function<void(const std::string& csv)> save)
-        : state_(state), table_(std::move(save)) {}
-    // The window gets WM_TIMER with kTimer that often, as the settings say from now on. 0: never.
-    void RefreshEvery(unsigned minutes);
+    // Both must outlive it.
+    ChangeWatch(WindowState& state, ScanCommands& scans)
+        : state_(state), table_([&](const std::string& csv) { scans.SaveTable(csv); }) {}
+    // From now on, the window gets WM_TIMER with kTimer as often as the settings say.
+    void Restart();
     static constexpr UINT_PTR kTimer = 3;
 
     // Records what the rows show now. A change is marked, and the taskbar button flashes.

@@ -65,23 +65,20 @@ void Escape(Window& w) {
     if (!w.panes.bar.ClearFilter()) w.StopAll();
 }
 
-template <unsigned id, unsigned minutes>
-constexpr Command RefreshEvery() {
+// One of several values of a setting.
+template <unsigned id, auto kSetting, auto kValue, void (*apply)(Window&)>
+constexpr Command Choice() {
     return {id,
             {},
             nullptr,
-            [](Window& w) { w.watch.RefreshEvery(minutes); },
-            [](const Window& w) { return w.state.settings.refreshMinutes == minutes; }};
+            [](Window& w) {
+                w.state.settings.*kSetting = kValue;
+                apply(w);
+            },
+            [](const Window& w) { return w.state.settings.*kSetting == kValue; }};
 }
-
-template <unsigned id, int percent>
-constexpr Command LowBelow() {
-    return {id,
-            {},
-            nullptr,
-            [](Window& w) { w.panes.SetLow(percent); },
-            [](const Window& w) { return w.state.settings.lowPercent == percent; }};
-}
+void Refresh(Window& w) { w.watch.Restart(); }
+void UseLow(Window& w) { w.panes.UseLow(); }
 
 // Each menu with its commands. The first ones are in none.
 constexpr Command kTable[] = {
@@ -107,7 +104,8 @@ constexpr Command kTable[] = {
     {IDS_MENU_CELLS, {}, NoRow},
     {IDM_COPY_TABLE, CtrlShift('T'), NoRows, [](Window& w) { w.devices.CopyTable(); }},
     {kMenuLine},
-    {IDM_FILTER, Ctrl('F'), nullptr, [](Window& w) { w.panes.bar.FocusFilter(); }},
+    {IDM_FILTER, Ctrl('F'), nullptr,
+     [](Window& w) { SetFocus(GetDlgItem(w.Handle(), IDC_FILTER)); }},
     {IDM_CLEAR, {}, NoScan, [](Window& w) { w.scans.Clear(); }},
 
     {IDS_MENU_VIEW},  // after the columns
@@ -115,12 +113,12 @@ constexpr Command kTable[] = {
     {IDM_NARROWER, {0, VK_F7}, nullptr, [](Window& w) { w.panes.Widen(-kStep); }},
     {IDM_WIDER, {0, VK_F8}, nullptr, [](Window& w) { w.panes.Widen(kStep); }},
     {kMenuLine},
-    LowBelow<IDM_LOW_5, 5>(),
-    LowBelow<IDM_LOW_10, 10>(),
-    LowBelow<IDM_LOW_20, 20>(),
+    Choice<IDM_LOW_5, &Settings::lowPercent, 5, UseLow>(),
+    Choice<IDM_LOW_10, &Settings::lowPercent, 10, UseLow>(),
+    Choice<IDM_LOW_20, &Settings::lowPercent, 20, UseLow>(),
 
     {IDS_MENU_DEVICE},
-    {IDM_DETAILS, {}, NoRow, [](Window& w) { SetFocus(w.panes.details.Shown()); }},
+    {IDM_DETAILS, {}, NoRow, [](Window& w) { SetFocus(w.panes.details.List()); }},
     {IDM_WEB, Ctrl(VK_RETURN), NoWebPage, [](Window& w) { w.devices.OpenWebPages(); }},
     {kMenuLine},
     {IDM_ASK, Ctrl('R'), NoTarget, [](Window& w) { w.devices.ReadAgain(); }},
@@ -128,18 +126,18 @@ constexpr Command kTable[] = {
     {IDM_READ_FOUND,
      {},
      nullptr,
-     [](Window& w) { w.ToggleReadsFound(); },
-     [](const Window& w) { return w.ReadsFound(); }},
+     [](Window& w) { w.state.settings.readsFound ^= 1; },
+     [](const Window& w) { return w.searches.ReadsFound(); }},
     {IDM_DIAGNOSE, {}, NoOneTarget, [](Window& w) { w.devices.Diagnose(); }},
     {IDM_WALK, {}, NoOneTarget, [](Window& w) { w.devices.Walk(); }},
     {IDM_ADD, {}, nullptr, [](Window& w) { w.devices.AddByHand(); }},
     {IDM_SPLIT, {}, NoParts, [](Window& w) { w.devices.Split(); }},
     {kMenuLine},
-    RefreshEvery<IDM_REFRESH_NEVER, 0>(),
-    RefreshEvery<IDM_REFRESH_1, 1>(),
-    RefreshEvery<IDM_REFRESH_5, 5>(),
-    RefreshEvery<IDM_REFRESH_15, 15>(),
-    RefreshEvery<IDM_REFRESH_60, 60>(),
+    Choice<IDM_REFRESH_NEVER, &Settings::refreshMinutes, 0U, Refresh>(),
+    Choice<IDM_REFRESH_1, &Settings::refreshMinutes, 1U, Refresh>(),
+    Choice<IDM_REFRESH_5, &Settings::refreshMinutes, 5U, Refresh>(),
+    Choice<IDM_REFRESH_15, &Settings::refreshMinutes, 15U, Refresh>(),
+    Choice<IDM_REFRESH_60, &Settings::refreshMinutes, 60U, Refresh>(),
 
     {IDS_MENU_TOOLS},
     {IDM_FIND, {0, VK_F5}, IsBusy, [](Window& w) { w.searches.Start(); }},

@@ -11,24 +11,15 @@
 #include "window/strings.h"
 
 namespace vndiscover::host {
-namespace {
-
-WalkWindow::Actions ActionsOf(WindowState& state) {
-    WalkWindow::Actions actions;
-    actions.start = [&state](const AskTarget& target, const Oid& root, unsigned walk) {
-        state.workers->Walk(target, root, walk);
-        state.StartStatusTimer();
-    };
-    actions.stop = [&state] {
-        if (state.workers) state.workers->StopWalk();
-    };
-    return actions;
-}
-
-}  // namespace
-
 DeviceCommands::DeviceCommands(WindowState& state, const DeviceList& list)
-    : walk(ActionsOf(state)), state_(state), list_(list) {}
+    : walk({[&state](const AskTarget& target, const Oid& root, unsigned number) {
+                state.workers->Walk(target, root, number);
+            },
+            [&state] {
+                if (state.workers) state.workers->StopWalk();
+            }}),
+      state_(state),
+      list_(list) {}
 
 void DeviceCommands::Ask(bool isAgain) {
     const DeviceRow* row = state_.session.view.SelectedRow();
@@ -44,7 +35,6 @@ void DeviceCommands::Ask(bool isAgain) {
         state_.workers->Ask(second, true);
     }
     state_.workers->Ask(*target, true, !isAgain);
-    state_.StartStatusTimer();
 }
 
 void DeviceCommands::ReadAgain() {
@@ -78,7 +68,6 @@ bool DeviceCommands::ReadAll(std::vector<AskTarget> targets) {
     for (AskTarget& target : targets) target = state_.WithCredentials(std::move(target));
     state_.progress.BeginReadingAll();
     state_.workers->ReadAll(targets);
-    state_.StartStatusTimer();
     Ask(false);  // the selected one whole
     return true;
 }

@@ -42,23 +42,19 @@ class MainWindow {
     WindowState state;
     Panes panes{state, [this] { OnSelected(); }};
     ScanCommands scans{state, panes.list};
-    Searches searches{state, panes.bar, scans,
-                      [this] { return ReadsFound() && devices.ReadFound(); }};
     DeviceCommands devices{state, panes.list};
-    ChangeWatch watch{state, [this](const std::string& csv) { scans.SaveTable(csv); }};
+    Searches searches{state, panes.bar, scans, devices};
+    ChangeWatch watch{state, scans};
     CallsWindow calls;
-    bool ReadsFound() const {
-        return searches.IsForStart() ? state.options.read : state.settings.readsFound != 0;
-    }
-    void ToggleReadsFound() { state.settings.readsFound ^= 1; }
     void FindOrStop();
     void StopAll();  // if something is in progress
 
   private:
     const Apartment apartment_;  // of the thread: dialogs of the shell need it
-    struct Message;
-    struct MessageRow;
-    static const MessageRow kMessages[];
+    // Those of lists, and those of the window as a whole.
+    std::optional<LRESULT> OnListMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    std::optional<LRESULT> OnFrameMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    void OnSessionEnd(LPARAM how);
     void ApplyOptions();
     void OnSelected();  // another device, by the user
     void ShowStatus();
@@ -71,6 +67,7 @@ class MainWindow {
     void EndEarly();
 
     SavedFocus focus_;
+    bool isTicking_ = false;  // the timer of the status
     OwnedAccelerators keys_;
 };
 

@@ -168,7 +168,7 @@ void Panes::Widen(int pixels) {
 }
 
 void Panes::NextPane() const {
-    SetFocus(GetFocus() == list.Handle() ? details.Shown() : list.Handle());
+    SetFocus(GetFocus() == list.Handle() ? details.List() : list.Handle());
 }
 
 void Panes::ToggleColumn(Column column) {
@@ -180,9 +180,8 @@ void Panes::ToggleColumn(Column column) {
     ShowRows();
 }
 
-void Panes::SetLow(int percent) {
-    state_.settings.lowPercent = percent;
-    state_.session.SetLimits({percent});
+void Panes::UseLow() {
+    state_.session.SetLimits({state_.settings.lowPercent});
     ShowRows();
     state_.changes.LearnStates(state_.session.view.AllRows());
 }
@@ -216,6 +215,10 @@ void Panes::ShowStatus() const {
     const Progress::Status status =
         state_.progress.Now(state_.workers ? state_.workers->Now() : Progress::Work());
     ChangeText(Control(IDC_STATUS), TextOf(status));
+    const unsigned find = !state_.IsBusy()               ? IDS_FIND
+                          : state_.progress.IsStopping() ? IDS_STOPPING
+                                                         : IDS_STOP;
+    ChangeText(Control(IDC_FIND), Text(find));
     const HWND reading = GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR);
     const bool isReading = status.kind == Progress::Kind::kReadingAll;
     if (isReading) {

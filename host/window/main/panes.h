@@ -45,11 +45,11 @@ class Panes {
     void Widen(int pixels);
     void NextPane() const;  // gives it the focus
     void ToggleColumn(Column column);
-    // The percentage below which a supply needs attention.
-    void SetLow(int percent);
+    // Supplies need attention below another percentage now.
+    void UseLow();
     void ShowRows();
     void ShowDetails();
-    // What is in progress now: in words, and as a bar while devices are read.
+    // What is in progress now: in words, as a bar while devices are read, and on the button.
     void ShowStatus() const;
 
   private:

@@ -28,7 +28,6 @@ class ResultHandler : public Results {
     void OnReadingBegan(const std::string& address, bool isForList) override {
         state_.session.BeginReading(address);
         if (!isForList) state_.progress.BeginAsking(address);
-        state_.StartStatusTimer();
     }
     void OnRead(Read read) override {
         if (!read.isForList) state_.progress.EndAsking();
@@ -58,7 +57,6 @@ class ResultHandler : public Results {
     }
     void OnDiagnosisBegan(const std::string& address) override {
         state_.progress.BeginAsking(address);
-        state_.StartStatusTimer();
     }
     void OnDiagnosed(const std::string& address, const HostDiagnosis& diagnosis,
                      const AdapterList& adapters) override {

@@ -58,11 +58,15 @@ void ScanCommands::Clear() {
 }
 
 void ScanCommands::Empty() {
-    state_.session.Clear();
+    Replace({});
+    SetFile(L"");
+}
+
+void ScanCommands::Replace(Scan scan) {
     ForgetKept();
     state_.changes.ForgetStates();
     state_.progress.ForgetSearch();
-    SetFile(L"");
+    state_.session.SetScan(std::move(scan));
     state_.showRows();
 }
 
@@ -83,15 +87,18 @@ bool ScanCommands::HasScan() const {
 }
 
 bool ScanCommands::OpenFrom(const std::string& path) {
+    const std::wstring name = ToWide(FileName(path));
+    // A large one takes seconds.
+    const HWND status = GetDlgItem(state_.window, IDC_STATUS);
+    ChangeText(status, Text(IDS_OPENING, {name}));
+    UpdateWindow(status);
+    SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT)));
     std::wstring problem;
     auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
     const std::wstring time = LongTime(TimeOf(*scan));
-    Empty();
-    state_.session.SetScan(std::move(*scan));
-    const std::wstring name = ToWide(FileName(path));
+    Replace(std::move(*scan));
     SetFile(time.empty() ? name : Text(IDS_SCAN_OF, {name, time}));
-    state_.showRows();
     return true;
 }
 

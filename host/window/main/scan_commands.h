@@ -55,6 +55,7 @@ class ScanCommands {
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (ScanCommands::*method)(const std::string& path));
     bool MayReplace(unsigned question);
+    void Replace(Scan scan);
     bool SaveTableTo(const std::string& path) { return SaveTextTo(table_, path); }
     bool SaveTextTo(const std::string& text, const std::string& path);
 

@@ -134,8 +134,6 @@ void SearchBar::PlaceItem(Placement& placement, int id, Box box, int dpi) const 
     placement.Move(Control(id), box);
 }
 
-void SearchBar::SetButton(unsigned text) { ChangeText(Control(IDC_FIND), Text(text)); }
-
 void SearchBar::UseV3(bool isUsed) {
     CheckDlgButton(parent_, IDC_V3, isUsed ? BST_CHECKED : BST_UNCHECKED);
 }
@@ -178,7 +176,5 @@ bool SearchBar::ClearFilter() const {
     if (GetFocus() != filter || GetWindowTextLengthW(filter) == 0) return false;
     return SetWindowTextW(filter, L"") != 0;
 }
-
-std::string SearchBar::FilterText() const { return ToUtf8(WindowText(Control(IDC_FILTER))); }
 
 }  // namespace vndiscover::host

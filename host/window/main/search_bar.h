@@ -27,8 +27,6 @@ class SearchBar {
     // only measures. Returns where they end, a space included.
     int Place(Placement* placement, HFONT font, int width, int dpi) const;
 
-    // The text of the button that starts or stops a search, a string.
-    void SetButton(unsigned text);
     bool UsesV3() const { return IsTicked(IDC_V3); }
     void UseV3(bool isUsed);
     // The calls that the user has chosen. Empty if there are none.
@@ -40,10 +38,8 @@ class SearchBar {
     // Explains what is looked for, after another choice.
     void ShowNote() const;
 
-    std::string FilterText() const;  // UTF-8
     // Returns whether the filter has the focus and had a text.
     bool ClearFilter() const;
-    void FocusFilter() const { SetFocus(Control(IDC_FILTER)); }
 
   private:
     HWND Control(int id) const { return GetDlgItem(parent_, id); }

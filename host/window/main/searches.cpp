@@ -54,7 +54,6 @@ void Searches::Start() {
     state_.progress.BeginSearch(steps.size());
     state_.showRows();  // the order of the rows may be another one
     state_.workers->Sweep(steps);
-    state_.StartStatusTimer();
 }
 
 void Searches::Repeat() {
@@ -85,7 +84,7 @@ void Searches::Finish() {
     if (state_.progress.IsStopping() || !state_.workers) return EndReading();
     if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
         state_.workers->Ask(state_.WithCredentials(*target), true);
-    if (!readFound_()) EndReading();
+    if (!ReadsFound() || !devices_.ReadFound()) EndReading();
 }
 
 void Searches::EndReading() {
@@ -96,7 +95,6 @@ void Searches::EndReading() {
     if (wasStart && state_.options.exit) PostMessageW(state_.window, WM_CLOSE, 0, 0);
 }
 
-// Saves what the search of the command line has found.
 void Searches::EndStartSearch() {
     if (!std::exchange(isForStart_, false)) return;
     state_.options.sweep = false;

@@ -1,10 +1,9 @@
 // Starts, stops and ends searches, also that of the command line.
 #pragma once
 
-#include <functional>
 #include <string>
-#include <utility>
 
+#include "window/main/device_commands.h"
 #include "window/main/scan_commands.h"
 #include "window/main/search_bar.h"
 #include "window/main/window_state.h"
@@ -14,18 +13,18 @@ namespace vndiscover::host {
 class Searches {
   public:
     // All must outlive it.
-    // `readFound` reads what was found, if the user wants that; it returns whether there is any.
-    Searches(WindowState& state, SearchBar& bar, ScanCommands& scans,
-             std::function<bool()> readFound)
-        : state_(state), bar_(bar), scans_(scans), readFound_(std::move(readFound)) {}
+    Searches(WindowState& state, SearchBar& bar, ScanCommands& scans, DeviceCommands& devices)
+        : state_(state), bar_(bar), scans_(scans), devices_(devices) {}
 
     void Start();
     // The same without the user, who may be away: does nothing if something is to be asked.
     void Repeat();
     // One of the search's sweeps has ended.
     void EndSweep(bool wasSent, const std::string& problem);
-    // Whether the running search is that of the command line, which also says what follows.
-    bool IsForStart() const { return isForStart_; }
+    // Whether what is found is then read: the command line says so of its search.
+    bool ReadsFound() const {
+        return isForStart_ ? state_.options.read : state_.settings.readsFound != 0;
+    }
     // Whether the last one has; then the search must be finished: its problems are reported, and
     // what it has found is read.
     bool IsOver() const { return isOver_; }
@@ -34,19 +33,18 @@ class Searches {
     void EndReading();
     // Whether the running search is that of the command line, whose answers are saved.
     bool WillSave() const;
-    // Saves the answers so far if WillSave.
-    void EndEarly() { EndStartSearch(); }
+    // Saves what it has found so far.
+    void EndStartSearch();
     void AskForUser();
 
   private:
     bool FetchUser();
     bool MayStart();
-    void EndStartSearch();
 
     WindowState& state_;
     SearchBar& bar_;
     ScanCommands& scans_;
-    std::function<bool()> readFound_;
+    DeviceCommands& devices_;
     std::wstring problem_;     // of the running search
     bool wasSent_ = false;     // by any of its sweeps
     bool isUnsent_ = false;    // it has ended, and not by a stop, before anything was sent

@@ -21,11 +21,6 @@ unsigned WindowState::Obstacle() const {
     return isList ? IDS_AWAITS_ANSWERS : IDS_AWAITS_DEVICE;
 }
 
-void WindowState::StartStatusTimer() const {
-    constexpr UINT kStatusMs = 250;
-    SetTimer(window, kStatusTimer, kStatusMs, nullptr);
-}
-
 std::optional<AskTarget> WindowState::SelectedTarget() const {
     const DeviceRow* row = session.view.SelectedRow();
     auto target = row ? session.TargetOf(*row) : std::nullopt;

@@ -50,7 +50,6 @@ struct WindowState {
     std::unique_ptr<Workers> workers;  // null while the window closes
 
     static constexpr UINT kResults = WM_APP + 1;  // the queue is no longer empty
-    static constexpr UINT_PTR kStatusTimer = 2;
 
     // Shows a problem in a message, or to a script on the error output, and then as the status.
     // Returns false.
@@ -59,8 +58,6 @@ struct WindowState {
     bool IsBusy() const { return progress.IsSearching() || (workers && workers->IsSending()); }
     // The string that says what runs, and how to stop it; 0: nothing does.
     unsigned Obstacle() const;
-    // While something is in progress, the status changes by itself.
-    void StartStatusTimer() const;
     // How to ask the selected device, with the credentials. Empty if none is selected, or if it
     // cannot be asked.
     std::optional<AskTarget> SelectedTarget() const;

@@ -6,12 +6,17 @@
 
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
-#include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
+
+struct DevicePage {
+    unsigned title;  // its string, on the tab
+    std::vector<ListColumn> columns;
+    TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: the summary
+};
 
 namespace {
 
@@ -66,37 +71,26 @@ TableRows AnswerRows(const Session& session, const DeviceRow& row) {
     return rows;
 }
 
-}  // namespace
-
-const std::vector<DevicePage>& DevicePages() {
-    static const std::vector<DevicePage> pages = {
-        {IDS_PAGE_SUMMARY, {}, nullptr, false},
-        {IDS_PAGE_PROTOCOLS,
-         {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}},
-         ProtocolRows,
-         false},
-        {IDS_PAGE_INTERFACES,
-         {{IDS_FACT_DESCRIPTION, 100},
-          {IDS_INTERFACE_STATUS, 60},
-          {IDS_INTERFACE_SPEED, 95},
-          {IDS_INTERFACE_ADDRESS, 120},
-          {IDS_INTERFACE_TYPE, 115},
-          {IDS_INTERFACE_ADMIN, 90}},
-         InterfaceRows,
-         false},
-        {IDS_PAGE_ANSWERS,
-         {{IDS_ANSWER_OBJECT, 170},
-          {IDS_FACT_VALUE, 200},
-          {IDS_PROTOCOL, 80},
-          {IDS_COLUMN_ADDRESS, 100},
-          {IDS_CALL_TIME, 140}},
-         AnswerRows,
-         true},
-    };
-    return pages;
-}
-
-namespace {
+// In the order of the tabs.
+const DevicePage kPages[] = {
+    {IDS_PAGE_SUMMARY, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 100}}, nullptr},
+    {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}}, ProtocolRows},
+    {IDS_PAGE_INTERFACES,
+     {{IDS_FACT_DESCRIPTION, 100},
+      {IDS_INTERFACE_STATUS, 60},
+      {IDS_INTERFACE_SPEED, 95},
+      {IDS_INTERFACE_ADDRESS, 120},
+      {IDS_INTERFACE_TYPE, 115},
+      {IDS_INTERFACE_ADMIN, 90}},
+     InterfaceRows},
+    {IDS_PAGE_ANSWERS,
+     {{IDS_ANSWER_OBJECT, 170},
+      {IDS_FACT_VALUE, 200},
+      {IDS_PROTOCOL, 80},
+      {IDS_COLUMN_ADDRESS, 100},
+      {IDS_CALL_TIME, 140}},
+     AnswerRows},
+};
 
 // `row`: null if no device is selected.
 std::vector<ReportRow> SummaryOf(const Session& session, const DeviceRow* row) {
@@ -119,18 +113,16 @@ void DetailsPane::Create(HWND parent) {
         CreateControl(parent, WC_TABCONTROLW, IDS_DETAILS,
                       WS_TABSTOP | WS_CLIPSIBLINGS | TCS_MULTILINE | TCS_RAGGEDRIGHT, IDC_PAGES);
     WPARAM index = 0;
-    for (const DevicePage& page : DevicePages()) {
+    for (const DevicePage& page : kPages) {
         std::wstring title = Text(page.title);
         TCITEMW tab = {};
         tab.mask = TCIF_TEXT;
         tab.pszText = title.data();
         SendMessageW(tabs_, TCM_INSERTITEMW, index++, reinterpret_cast<LPARAM>(&tab));
     }
-    facts_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
-    table_.Create(parent, IDC_TABLE, L"");
-    ShowWindow(table_.Handle(), SW_HIDE);
+    list_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
+    list_.SetColumns(Page().columns);
     chosen_ = CreateControl(parent, L"STATIC", 0, SS_NOPREFIX, IDC_CHOSEN);
-    facts_.onSelected = [this] { UpdateLists(); };
 }
 
 void DetailsPane::Show() {
@@ -138,42 +130,37 @@ void DetailsPane::Show() {
     const DevicePage& page = Page();
     const std::vector<size_t> answers = row ? row->answers : std::vector<size_t>();
     const std::vector<size_t> old = std::exchange(answers_, answers);
-    if (std::exchange(page_, &page) == &page && page.isOfAnswers && old == answers) return;
-    // Another device's table starts at its top, without a selected row.
-    if (old.empty() || answers.empty() || old.front() != answers.front()) ShowRows({});
-    if (!page.rows) {
-        facts_.Show(SummaryOf(session_, row));
-        UpdateLists();
-        return;
-    }
-    ShowRows(row ? page.rows(session_, *row) : TableRows());
+    // Another device's rows start at their top, without a selected one.
+    const bool isSame = !old.empty() && !answers.empty() && old.front() == answers.front();
+    if (!isSame && old != answers) ShowRows({}, {});
+    std::vector<ReportRow> rows;
+    TableRows table;
+    if (!page.rows) rows = SummaryOf(session_, row);
+    if (page.rows && row) table = page.rows(session_, *row);
+    // Without rows, the reason may be another one.
+    if (rows != rows_ || table != table_ || Count() == 0)
+        ShowRows(std::move(rows), std::move(table));
 }
 
-void DetailsPane::ShowRows(TableRows rows) {
+void DetailsPane::ShowRows(std::vector<ReportRow> rows, TableRows table) {
     rows_ = std::move(rows);
-    table_.Refresh();
-    UpdateLists();
+    table_ = std::move(table);
+    list_.Refresh();
+    UpdateList();
 }
 
 const DevicePage& DetailsPane::Page() const {
-    return DevicePages()[static_cast<size_t>(std::max(0, TabCtrl_GetCurSel(tabs_)))];
+    return kPages[static_cast<size_t>(std::max(0, TabCtrl_GetCurSel(tabs_)))];
 }
 
 void DetailsPane::ShowPage() {
     const DevicePage& page = Page();
-    const bool hasFocus = GetFocus() == facts_.Handle() || GetFocus() == table_.Handle();
-    page_ = nullptr;
-    if (page.rows) {
-        ShowRows({});
-        table_.SetName(Text(page.title));
-        table_.SetDpi(dpi_);
-        table_.SetColumns(page.columns);
-    }
+    ShowRows({}, {});
+    list_.SetName(Text(page.title));
+    list_.SetDpi(dpi_);
+    list_.SetColumns(page.columns);
     placed_ = {};  // columns are others, or have other widths
     Show();
-    ShowWindow(facts_.Handle(), page.rows ? SW_HIDE : SW_SHOW);
-    ShowWindow(table_.Handle(), page.rows ? SW_SHOW : SW_HIDE);
-    if (hasFocus) SetFocus(Shown());  // not left to a hidden list
 }
 
 void DetailsPane::Place(Placement& placement, const Box& box, int dpi) {
@@ -186,7 +173,7 @@ void DetailsPane::Place(Placement& placement, const Box& box, int dpi) {
     box_ = box;
     PlaceTabs(placement);
     if (isNew) ShowPage();
-    PlaceLists(placement);
+    PlaceList(placement);
 }
 
 int DetailsPane::TabsHeight() const {
@@ -198,44 +185,48 @@ int DetailsPane::TabsHeight() const {
 void DetailsPane::PlaceTabs(Placement& placement) {
     const int height = TabsHeight();
     placement.Move(tabs_, {box_.x, box_.y, box_.width, height});
-    lists_ = {box_.x, box_.y + height, box_.width, std::max(0, box_.height - height)};
+    whole_ = {box_.x, box_.y + height, box_.width, std::max(0, box_.height - height)};
 }
 
 // A cell may cut its text, so that of the selected row is below the list.
-void DetailsPane::PlaceLists(Placement& placement) {
+void DetailsPane::PlaceList(Placement& placement) {
     constexpr int kChosenHeight = 68;  // four lines and a space
-    const std::wstring chosen = (Page().rows ? table_ : facts_.List()).SelectedText();
-    Box list = lists_;
+    const auto row = static_cast<size_t>(list_.Selected());
+    const bool isHeading = row < rows_.size() && rows_[row].text.empty();
+    const std::wstring chosen = isHeading ? L"" : list_.SelectedText();
+    Box list = whole_;
     if (!chosen.empty()) list.height = std::max(0, list.height - Scaled(kChosenHeight, dpi_));
     ChangeText(chosen_, chosen);
     if (list == placed_) return;
     placed_ = list;
     ShowWindow(chosen_, chosen.empty() ? SW_HIDE : SW_SHOWNA);
     const int top = list.y + list.height + Scaled(4, dpi_);
-    placement.Move(chosen_, {list.x, top, list.width, std::max(0, lists_.y + lists_.height - top)});
-    facts_.Place(placement, list, dpi_);
-    placement.Move(table_.Handle(), list);
+    placement.Move(chosen_, {list.x, top, list.width, std::max(0, whole_.y + whole_.height - top)});
+    placement.Move(list_.Handle(), list);
+    list_.SetDpi(dpi_);
+    if (Page().rows) return;
+    const int labels = std::min(Scaled(150, dpi_), list.width / 3);
+    ListView_SetColumnWidth(list_.Handle(), 0, labels);
 }
 
-void DetailsPane::UpdateLists() {
+void DetailsPane::UpdateList() {
     const Box before = placed_;
     {
         Placement placement(GetParent(tabs_));
-        PlaceLists(placement);
+        PlaceList(placement);
     }
     if (!(placed_ == before)) Settle();  // not while its user scrolls
 }
 
 void DetailsPane::Settle() {
     // The control arranges its rows of tabs by the width that it has got.
-    if (TabsHeight() != lists_.y - box_.y) {
+    if (TabsHeight() != whole_.y - box_.y) {
         Placement placement(GetParent(tabs_));
         PlaceTabs(placement);
-        PlaceLists(placement);
+        PlaceList(placement);
     }
-    if (Page().rows) table_.FitLast(Scaled(Page().columns.back().width, dpi_));
-    const int selected = ListView_GetNextItem(Shown(), -1, LVNI_SELECTED);
-    if (selected >= 0) ListView_EnsureVisible(Shown(), selected, FALSE);
+    list_.FitLast(Scaled(Page().columns.back().width, dpi_));
+    if (list_.Selected() >= 0) ListView_EnsureVisible(List(), list_.Selected(), FALSE);
 }
 
 void DetailsPane::Turn(int pages) {

@@ -10,25 +10,15 @@
 
 #include "window/controls/facts_list.h"
 #include "window/controls/list_control.h"
+#include "window/controls/placement.h"
 #include "window/work/session.h"
 
 namespace vndiscover::host {
 
-// The pages on the selected device as tables.
-
 using TableRows = std::vector<std::vector<std::wstring>>;
+struct DevicePage;
 
-struct DevicePage {
-    unsigned title;  // its string, on the tab
-    std::vector<ListColumn> columns;
-    TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: a report
-    bool isOfAnswers;  // the rows change only with the device's answers
-};
-
-// In the order of the tabs.
-const std::vector<DevicePage>& DevicePages();
-
-class DetailsPane : private ListModel {
+class DetailsPane : private FactsModel {
   public:
     // The session must outlive the pane.
     explicit DetailsPane(const Session& session) : session_(session) {}
@@ -39,36 +29,40 @@ class DetailsPane : private ListModel {
     void Place(Placement& placement, const Box& box, int dpi);
     // Afterwards, when the controls are at their places.
     void Settle();
-    HWND Shown() const { return Page().rows ? table_.Handle() : facts_.Handle(); }
+    HWND List() const { return list_.Handle(); }
     // Chooses the next page (1) or the one before (-1).
     void Turn(int pages);
     // Handles WM_NOTIFY from the tabs.
     void OnNotify(const NMHDR& header);
 
   private:
-    // Of the table.
-    size_t Count() const override { return rows_.size(); }
-    std::wstring CellText(size_t row, size_t column) const override { return rows_[row][column]; }
+    // Of the summary, or of the table of another page.
+    size_t Count() const override { return rows_.empty() ? table_.size() : rows_.size(); }
+    std::wstring CellText(size_t row, size_t column) const override {
+        return rows_.empty() ? table_[row][column] : FactsModel::CellText(row, column);
+    }
+    std::optional<LevelBar> Bar(size_t row, size_t column) const override {
+        return rows_.empty() ? std::nullopt : FactsModel::Bar(row, column);
+    }
+    bool IsBold(size_t row) const override { return !rows_.empty() && FactsModel::IsBold(row); }
     std::wstring EmptyText() const override;
-    void OnSelected() override { UpdateLists(); }
+    void OnSelected() override { UpdateList(); }
     const DevicePage& Page() const;
-    void ShowRows(TableRows rows);
+    void ShowRows(std::vector<ReportRow> rows, TableRows table);
     void ShowPage();
     int TabsHeight() const;
     void PlaceTabs(Placement& placement);
-    void PlaceLists(Placement& placement);
-    void UpdateLists();  // after another selection
+    void PlaceList(Placement& placement);
+    void UpdateList();  // after another selection
 
     const Session& session_;
     HWND tabs_ = nullptr, chosen_ = nullptr;  // the latter: the whole text of the selected row
-    FactsList facts_;                         // the summary
-    ListControl table_{*this};                // the other pages
-    TableRows rows_;
+    ListControl list_{*this};
+    TableRows table_;
     Box box_;             // of all
-    Box lists_, placed_;  // with the text of the chosen row, and the lists alone
+    Box whole_, placed_;  // with the text of the chosen row, and the list alone
     int dpi_ = 96;
-    const DevicePage* page_ = nullptr;  // the one that is shown; null: none yet
-    std::vector<size_t> answers_;       // of the device that is shown
+    std::vector<size_t> answers_;  // of the device that is shown
 };
 
 }  // namespace vndiscover::host

@@ -13,7 +13,7 @@ namespace vndiscover::host {
 
 struct Settings {
     uint32_t ticks = 0b01101;  // a bit for each check box: SNMPv1, -v3, WS-Discovery, IPv4, IPv6
-    uint32_t preset = 0;                                  // below kPresetCount
+    uint32_t preset = 0;       // below kPresetCount
     std::array<int32_t, kColumnCount> widths{}, order{};  // widths in pixels at 96 DPI
     uint32_t hidden = 0;                                  // a bit for each Column
     uint32_t readsFound = 1;                              // reads devices after a search

@@ -37,7 +37,6 @@ class Session {
     // Updates devices and rows if there are new answers. Returns true if they changed.
     bool Refresh();
 
-    void Clear() { SetScan({}); }
     void SetScan(Scan scan);
     const Scan& GetScan() const { return scan_; }
     // Whether the scan has answers, or splits, that are in no file.

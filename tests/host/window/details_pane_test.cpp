@@ -9,8 +9,7 @@ class Details : public MainWindowTest {
     void OpenWithDevices() {
         OpenWith({{"10.77.1.1", "x"}, {"10.77.1.3", "y"}});
         Command(IDC_FIND);
-        Select(0);
-        ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+        SelectNew(0);
     }
     void EndSweep() {
         engine_.End();
@@ -22,15 +21,11 @@ class Details : public MainWindowTest {
         NMHDR chosen = {Control(IDC_PAGES), IDC_PAGES, static_cast<UINT>(TCN_SELCHANGE)};
         SendMessageW(window_->Handle(), WM_NOTIFY, IDC_PAGES, reinterpret_cast<LPARAM>(&chosen));
     }
-    std::wstring Page() const {
-        const HWND table = Control(IDC_TABLE);
-        const bool isTable = (GetWindowLongPtrW(table, GWL_STYLE) & WS_VISIBLE) != 0;
-        return isTable ? TextOf(table) : L"Summary";
-    }
+    std::wstring Page() const { return TextOf(Control(IDC_DETAILS)); }
     std::wstring Value(int row, int column) const {
-        return CellOf(Control(IDC_TABLE), row, column);
+        return CellOf(Control(IDC_DETAILS), row, column);
     }
-    int Rows() const { return ListView_GetItemCount(Control(IDC_TABLE)); }
+    int Rows() const { return ListView_GetItemCount(Control(IDC_DETAILS)); }
 };
 
 TEST_F(Details, PageStaysWithAnotherDevice) {
@@ -48,11 +43,11 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     SendMessageW(window_->Handle(), WM_DPICHANGED, MAKEWPARAM(144, 144),
                  reinterpret_cast<LPARAM>(&place));
     EXPECT_EQ(5, Rows());
-    ListView_SetItemState(Control(IDC_TABLE), 0, LVIS_SELECTED, LVIS_SELECTED);
+    ListView_SetItemState(Control(IDC_DETAILS), 0, LVIS_SELECTED, LVIS_SELECTED);
     Select(1);
     EXPECT_EQ(L"Answers", Page());
     EXPECT_EQ(1, Rows());
-    EXPECT_EQ(-1, ListView_GetNextItem(Control(IDC_TABLE), -1, LVNI_SELECTED));
+    EXPECT_EQ(-1, ListView_GetNextItem(Control(IDC_DETAILS), -1, LVNI_SELECTED));
     EXPECT_EQ(L"y", Value(0, 1));
     // It stays while others are hidden, sorted and added.
     SetWindowTextW(Control(IDC_FILTER), L"10.77.1.3");
@@ -61,7 +56,7 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     static int fills;
     fills = 0;
     list = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
-        Control(IDC_TABLE), GWLP_WNDPROC,
+        Control(IDC_DETAILS), GWLP_WNDPROC,
         reinterpret_cast<LONG_PTR>(+[](HWND window, UINT message, WPARAM count, LPARAM how) {
             fills += message == LVM_SETITEMCOUNT;
             return CallWindowProcW(list, window, message, count, how);
@@ -116,7 +111,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     EXPECT_EQ(L"up", Value(0, 5));
     Select(1);  // which is silent
     EXPECT_EQ(0, Rows());
-    const auto empty = [&] { return ListControl::Of(Control(IDC_TABLE))->EmptyText(); };
+    const auto empty = [&] { return ListControl::Of(Control(IDC_DETAILS))->EmptyText(); };
     EXPECT_EQ(Text(IDS_NOT_ASKED), empty());
     EXPECT_TRUE(Until([&] { return empty() == L"Interfaces not read yet: no answer"; }));
     EndSweep();

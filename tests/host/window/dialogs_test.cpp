@@ -210,12 +210,6 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
     EXPECT_FALSE(window_->state.credentials.security->usePriv);
 }
 
-RECT PlaceOf(HWND window) {
-    RECT place = {};
-    GetWindowRect(window, &place);
-    return place;
-}
-
 LONG FontHeight(HWND control) {
     LOGFONTW font = {};
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof font,
@@ -328,7 +322,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     Select(0);
     ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
     Command(IDM_NEXT_PAGE);
-    const auto line = [list = Control(IDC_TABLE)](int row) {
+    const auto line = [list = Control(IDC_DETAILS)](int row) {
         return CellOf(list, row, 0) + L": " + CellOf(list, row, 1);
     };
     EXPECT_EQ(L"SNMPv1, IPv6: answered", line(1));

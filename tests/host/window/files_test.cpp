@@ -74,12 +74,7 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     const int reads = engine_.reads;
     Select(0);
     Select(1);
-    const HMENU bar = GetMenu(window_->Handle());
-    SendMessageW(window_->Handle(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(GetSubMenu(bar, 3)),
-                 3);
-    wchar_t text[40] = L"";
-    GetMenuStringW(bar, IDM_ASK, text, 40, MF_BYCOMMAND);
-    EXPECT_EQ(Text(IDS_READ_FIRST), text);
+    EXPECT_EQ(Text(IDS_READ_FIRST), ItemText(OpenMenu(3), IDM_ASK, MF_BYCOMMAND));
     Command(IDM_ASK);
     EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
     Sleep(100);
@@ -116,10 +111,7 @@ TEST_F(Files, ComparisonIsATable) {
                                       .find(L"this list (3 devices): 1 new, 1 gone, 0 changed"));
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
     EXPECT_NE(std::wstring::npos, CellOf(rows, 0, 0).find(L"10.77.1.9"));
-    NMLISTVIEW click = {};
-    click.hdr = {rows, IDC_TABLE_ROWS, LVN_COLUMNCLICK};
-    click.iSubItem = 1;
-    SendMessageW(table, WM_NOTIFY, IDC_TABLE_ROWS, reinterpret_cast<LPARAM>(&click));
+    ClickHeading(rows, 1);
     EXPECT_EQ(L"gone", CellOf(rows, 0, 1));
     SendMessageW(table, WM_COMMAND, IDC_TABLE_COPY, 0);
     EXPECT_EQ(0u, Copied().find(L"Device\tWhat\tBefore\tAfter\r\nVN InkLine 70, 10.77.1.7\tgone"));
@@ -135,12 +127,9 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     const auto order = [&] {
         return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
     };
-    NMLISTVIEW click = {};
-    click.hdr = {list, IDC_TABLE_ROWS, LVN_COLUMNCLICK};
     for (const auto& [column, sorted] :
          {std::pair(1, L"9 %, 10 %, 100 %"), {0, L"10 %, 9 %, 100 %"}, {0, L"100 %, 9 %, 10 %"}}) {
-        click.iSubItem = column;
-        SendMessageW(dialog, WM_NOTIFY, IDC_TABLE_ROWS, reinterpret_cast<LPARAM>(&click));
+        ClickHeading(list, column);
         EXPECT_EQ(sorted, order());
     }
     table.Show(L"4 rows", {{L"", L"8 %"}, {L"", L"7 %"}, {L"", L"6 %"}, {L"", L"5 %"}});
@@ -178,7 +167,7 @@ TEST_F(Files, StayWhenNothingCouldBeSent) {
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     OpenWithDevices();
     const auto clear = [&] { Command(IDM_CLEAR); };
-    const auto close = [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); };
+    const auto close = [&] { Close(); };
     EXPECT_EQ("Save these results before clearing the list?", Answer({IDCANCEL}, clear));
     EXPECT_EQ("Save these results before closing?", Answer({IDCANCEL}, close));
     Answer({IDYES, IDCANCEL}, close);  // without a file
@@ -230,16 +219,13 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     Open(options);
     engine_.Say("10.77.1.9", "VN InkLine 72");
     ASSERT_TRUE(Shows(L"10.77.1.9;"));
-    Answer({IDOK, IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+    Answer({IDOK, IDNO}, [&] { Close(); });
     EXPECT_FALSE(window_->Handle());
 }
 
 TEST_F(Files, ScriptSweepsSavesAndExits) {
     engine_.Say("10.77.1.1", "x");
-    StartOptions options;
-    options.sweep = options.exit = true;
-    options.savePath = path_;
-    Open(options);
+    OpenScript(path_);
     std::thread end([&] {
         while (engine_.stops == 0) {
             Sleep(300);
@@ -253,9 +239,7 @@ TEST_F(Files, ScriptSweepsSavesAndExits) {
 
 // Whatever columns a window shows.
 TEST_F(Files, ScriptsGetTheSameColumns) {
-    StartOptions options;
-    options.sweep = options.exit = true;
-    Open(options);
+    OpenScript();
     EXPECT_TRUE(EndsSweeps());
     EXPECT_TRUE(window_->scans.SaveCsvTo(path_));
     EXPECT_EQ(

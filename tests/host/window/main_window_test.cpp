@@ -56,9 +56,7 @@ TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
                   Command(IDC_FIND);
                   EXPECT_TRUE(Ends());
               }));
-    StartOptions options;
-    options.sweep = options.exit = true;
-    Open(options);
+    OpenScript();
     EXPECT_FALSE(IsWindowVisible(window_->Handle()) || GetFocus());
     EXPECT_EQ(2, window_->Run());
 }
@@ -73,9 +71,7 @@ TEST_F(MainWindowTest, TellsThatNothingCouldBeSent) {
     });
     EXPECT_EQ(Text(IDS_NOTHING_SENT), TextOf(Control(IDC_STATUS)));
     EXPECT_EQ(L"never read", Cell(0, 3));
-    StartOptions options;
-    options.sweep = options.exit = true;
-    Open(options);
+    OpenScript();
     EXPECT_EQ(3, window_->Run());
 }
 
@@ -90,9 +86,7 @@ TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
     SetTextChange(nullptr);
     Command(IDM_DOCTOR);
     EXPECT_TRUE(Until([&] { return PopupOf(window_->Handle()) != nullptr; }));
-    StartOptions options;
-    options.sweep = options.exit = true;
-    Open(options);
+    OpenScript();
     SetTextChange(fail);
     PostMessageW(window_->Handle(), WM_COMMAND, IDM_DOCTOR, 0);
     EXPECT_EQ(2, window_->Run());
@@ -125,7 +119,7 @@ TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
 // One click: it searches, reads what it finds, and is one Stop until that is over.
 TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     Open();
-    window_->ToggleReadsFound();
+    window_->state.settings.readsFound ^= 1;
     Command(IDC_FIND);
     engine_.isHeld = true;
     engine_.Say("10.77.1.1", "x");
@@ -143,7 +137,7 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     EXPECT_EQ(0u, status.find(L"Read 2 of 3 devices in ")) << ToUtf8(status);
     EXPECT_NE(status.npos, status.find(L" s, 1 could not be read"));
     EXPECT_EQ(L"no such value", Cell(0, 3));
-    window_->ToggleReadsFound();
+    window_->state.settings.readsFound ^= 1;
 }
 
 // It is grey until it answers again.
@@ -226,7 +220,7 @@ TEST_F(MainWindowTest, KeepsSettings) {
     Open();
     CheckDlgButton(window_->Handle(), IDC_IPV6, BST_CHECKED);
     Command(IDM_LOW_20);
-    SendMessageW(window_->Handle(), WM_CLOSE, 0, 0);
+    Close();
     Open();
     EXPECT_EQ(20, window_->state.session.Limits().low);
     EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
@@ -319,30 +313,6 @@ TEST_F(MainWindowTest, TabReachesEveryControl) {
               reached);
 }
 
-// Alt and a letter selects one menu or one control.
-TEST_F(MainWindowTest, AccessKeysAreUnique) {
-    Open();
-    std::wstring letters;
-    const auto take = [&](const std::wstring& text) {
-        const size_t mark = text.find(L'&');
-        if (mark == std::wstring::npos) return;
-        const wchar_t letter = static_cast<wchar_t>(towlower(text[mark + 1]));
-        EXPECT_EQ(std::wstring::npos, letters.find(letter)) << ToUtf8(text);
-        letters += letter;
-    };
-    const HMENU menu = GetMenu(window_->Handle());
-    for (int index = 0; index < GetMenuItemCount(menu); ++index) {
-        wchar_t text[40] = L"";
-        GetMenuStringW(menu, static_cast<UINT>(index), text, 40, MF_BYPOSITION);
-        take(text);
-    }
-    take(Text(IDS_STOP));  // on the same button as "Find"
-    for (HWND child = GetWindow(window_->Handle(), GW_CHILD); child;
-         child = GetWindow(child, GW_HWNDNEXT))
-        take(TextOf(child));
-    EXPECT_GE(letters.size(), 12u);
-}
-
 TEST_F(MainWindowTest, EscClearsTheFilterFirst) {
     Open();
     Command(IDC_FIND);
@@ -384,14 +354,9 @@ TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
 TEST_F(MainWindowTest, GapBetweenListAndDetailsMoves) {
     Open();
     const HWND window = window_->Handle();
-    const auto width = [&] {
-        RECT list = {};
-        GetWindowRect(Control(IDC_DEVICES), &list);
-        return list.right - list.left;
-    };
+    const RECT list = PlaceOf(Control(IDC_DEVICES));
+    const auto width = [&] { return PlaceOf(Control(IDC_DEVICES)).right - list.left; };
     const int before = width();
-    RECT list = {};
-    GetWindowRect(Control(IDC_DEVICES), &list);
     const auto drag = [&](UINT message, int x) {
         SetCursorPos(x, list.top + 40);
         SendMessageW(window, message, 0, 0);
@@ -419,9 +384,9 @@ TEST_F(MainWindowTest, PlaceOfAMonitorThatIsGoneIsPulledBack) {
     EXPECT_TRUE(MonitorFromWindow(window_->Handle(), MONITOR_DEFAULTTONULL));
     settings.place = {};  // at the first start, where the size may be larger than the screen
     window_->panes.PlaceWindow();
-    RECT work = {}, place = {}, both = {};
+    RECT work = {}, both = {};
+    const RECT place = PlaceOf(window_->Handle());
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-    GetWindowRect(window_->Handle(), &place);
     EXPECT_TRUE(IntersectRect(&both, &place, &work) && EqualRect(&both, &place));
 }
 
@@ -440,7 +405,7 @@ TEST_F(MainWindowTest, AnswersTheSystemWhileItCloses) {
             EXPECT_EQ(1u, answer);
             engine_.isHeld = false;
         });
-        if (isByUser) Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+        if (isByUser) Answer({IDNO}, [&] { Close(); });
         EXPECT_NE(isByUser, window_->Handle() != nullptr);
         window_.reset();
         system.join();
@@ -449,8 +414,7 @@ TEST_F(MainWindowTest, AnswersTheSystemWhileItCloses) {
 
 TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
     OpenWith({{"10.77.1.1", "x"}});
-    Select(0);
-    ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+    SelectNew(0);
     opens = false;
     const std::string page = Answer({IDOK}, [&] { Command(IDM_WEB); });
     opens = true;

@@ -12,8 +12,7 @@ class Menus : public MainWindowTest {
     ~Menus() override { RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View"); }
     void OpenWithDevice() {
         OpenWith({{"10.77.1.9", model_}});
-        Select(0);
-        ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+        SelectNew(0);
     }
     const std::string model_ = "=InkLine " + std::string(3000, '7');
     HWND Devices() const { return Control(IDC_DEVICES); }
@@ -45,11 +44,8 @@ class Menus : public MainWindowTest {
             if (!menu) return;
             constexpr UINT kGetMenu = 0x01E1;  // MN_GETHMENU
             const auto handle = reinterpret_cast<HMENU>(SendMessageW(menu, kGetMenu, 0, 0));
-            for (int item = 0; item < GetMenuItemCount(handle); ++item) {
-                wchar_t text[60] = L"";
-                GetMenuStringW(handle, static_cast<UINT>(item), text, 60, MF_BYPOSITION);
-                texts += text + std::wstring(L";");
-            }
+            for (int item = 0; item < GetMenuItemCount(handle); ++item)
+                texts += ItemText(handle, item) + L";";
             for (const WPARAM key : keys) PostMessageW(window_->Handle(), WM_KEYDOWN, key, 0);
         });
         SendMessageW(window_->Handle(), WM_CONTEXTMENU, reinterpret_cast<WPARAM>(from), place);
@@ -153,12 +149,9 @@ TEST_F(Menus, DetailsAreCopied) {
 TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
     Open();
     const auto greyed = [&] {
-        const HMENU bar = GetMenu(window_->Handle());
         std::vector<UINT> ids;
-        for (int popup = 0; popup < GetMenuItemCount(bar); ++popup) {
-            const HMENU menu = GetSubMenu(bar, popup);
-            SendMessageW(window_->Handle(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu),
-                         popup);
+        for (int popup = 0; popup < 6; ++popup) {
+            const HMENU menu = OpenMenu(popup);
             for (int item = 0; item < GetMenuItemCount(menu); ++item) {
                 const auto place = static_cast<UINT>(item);
                 const UINT id = GetMenuItemID(menu, item);  // 0: a line
@@ -194,6 +187,8 @@ class Letters {
         all_ += letter;
     }
 
+    size_t Count() const { return all_.size(); }
+
   private:
     std::wstring all_;
 };
@@ -201,9 +196,7 @@ class Letters {
 void CheckLetters(HMENU menu) {
     Letters letters;
     for (int item = 0; item < GetMenuItemCount(menu); ++item) {
-        wchar_t text[80] = L"";
-        GetMenuStringW(menu, static_cast<UINT>(item), text, 80, MF_BYPOSITION);
-        letters.Add(text);
+        letters.Add(ItemText(menu, item));
         if (const HMENU popup = GetSubMenu(menu, item)) CheckLetters(popup);
     }
 }
@@ -212,6 +205,20 @@ TEST_F(Menus, EachItemHasALetterOfItsOwn) {
     Open();
     CheckLetters(GetMenu(window_->Handle()));
     CheckLetters(MakeDeviceMenu().Get());
+}
+
+// Alt and a letter selects one menu or one control of the window.
+TEST_F(Menus, EachControlOfTheWindowHasALetterOfItsOwn) {
+    Open();
+    Letters letters;
+    const HMENU bar = GetMenu(window_->Handle());
+    for (int menu = 0; menu < GetMenuItemCount(bar); ++menu) letters.Add(ItemText(bar, menu));
+    letters.Add(Text(IDS_STOP));  // on the same button as "Find"
+    for (const auto& [control, place] : PlacesIn(window_->Handle())) {
+        const std::wstring text = TextOf(control);
+        if (text.find(L'&') != text.npos) letters.Add(text);
+    }
+    EXPECT_GE(letters.Count(), 12u);
 }
 
 // Buttons, and labels of what is typed or chosen.
@@ -244,14 +251,14 @@ TEST_F(Menus, ShowTheKeysOfTheirCommands) {
     rows.resize(static_cast<size_t>(CopyAcceleratorTableW(keys.Get(), rows.data(), 100)));
     int shown = 0;
     for (const ACCEL& row : rows) {
-        wchar_t text[80] = L"";
-        if (GetMenuStringW(bar, row.cmd, text, 80, MF_BYCOMMAND) == 0) continue;
+        const std::wstring text = ItemText(bar, row.cmd, MF_BYCOMMAND);
+        if (text.empty()) continue;
         std::wstring key(row.fVirt & FCONTROL ? L"Ctrl+" : L"");
         if (row.fVirt & FSHIFT) key += L"Shift+";
         key += row.key == VK_RETURN                    ? L"Enter"
                : row.key >= VK_F1 && row.key <= VK_F12 ? L"F" + std::to_wstring(row.key - VK_F1 + 1)
                                                        : std::wstring(1, wchar_t(row.key));
-        EXPECT_EQ(L"\t" + key, std::wstring(text).substr(std::wstring(text).find(L'\t')));
+        EXPECT_EQ(L"\t" + key, text.substr(text.find(L'\t')));
         ++shown;
     }
     EXPECT_EQ(12, shown);
@@ -261,8 +268,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     OpenWithDevice();
     for (const int column : {3, 4, 7, 8, 9, 11}) Command(IDM_COLUMN + column);
     const HWND header = ListView_GetHeader(Devices());
-    RECT place = {};
-    GetWindowRect(header, &place);
+    const RECT place = PlaceOf(header);
     // The second column, Model, is hidden.
     const std::wstring texts =
         Play(header, MAKELPARAM(place.left + 2, place.top + 2), {VK_DOWN, VK_DOWN, VK_RETURN});
@@ -272,16 +278,14 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     SetWindowTextW(Control(IDC_FILTER), L"inkline");
     EXPECT_EQ(L"", Addresses());
     SetWindowTextW(Control(IDC_FILTER), L"");
-    const HMENU bar = GetMenu(window_->Handle());
-    SendMessageW(window_->Handle(), WM_INITMENUPOPUP,
-                 reinterpret_cast<WPARAM>(GetSubMenu(bar, 2)), 2);
-    EXPECT_EQ(0u, GetMenuState(bar, IDM_COLUMN + 1, MF_BYCOMMAND) & MF_CHECKED);
-    EXPECT_EQ(0u + MF_CHECKED, GetMenuState(bar, IDM_COLUMN + 2, MF_BYCOMMAND) & MF_CHECKED);
+    const HMENU view = OpenMenu(2);
+    EXPECT_EQ(0u, GetMenuState(view, IDM_COLUMN + 1, MF_BYCOMMAND) & MF_CHECKED);
+    EXPECT_EQ(0u + MF_CHECKED, GetMenuState(view, IDM_COLUMN + 2, MF_BYCOMMAND) & MF_CHECKED);
     Command(IDM_COLUMN + 0);
     int order[] = {1, 0, 2, 3, 4, 5, 6, 7};  // Serial number, Address ...
     ListView_SetColumnOrderArray(Devices(), 8, order);
     ListView_SetColumnWidth(Devices(), 0, 222);
-    Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+    Answer({IDNO}, [&] { Close(); });
     Open();
     EXPECT_EQ(0u, Headings().find(L"Serial number;Address;MAC address;"));
     EXPECT_EQ(222, ListView_GetColumnWidth(Devices(), 0));

@@ -3,8 +3,6 @@
 
 #include "model/computer/computer_report.h"
 #include "model/printer/report.h"
-#include "model/scan/device_merge.h"
-#include "model/scan/scan_report.h"
 #include "scripted_window.h"
 #include "window/pages/report_window.h"
 
@@ -55,19 +53,6 @@ Report OfDevice() {
     return ReportOf(diagnosis, false);
 }
 
-// One device is new, one gone, and one has another name.
-Report OfComparison() {
-    const auto scan = [](const char* other, const char* name) {
-        Scan scan;
-        scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
-        scan.answers = {
-            {0, "", other, Received("")},
-            {0, "", "10.77.1.20", AnsweredWith(*ParseOidOrName("sysName.0"), kOctetString, name)}};
-        return MakeDevices(scan);
-    };
-    return ReportOf(CompareDevices(scan("10.77.1.21", "hall"), scan("10.77.1.22", "lobby")));
-}
-
 TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
     const HWND owner = CreateWindowW(L"STATIC", L"", WS_VISIBLE, 0, 0, 900, 500, nullptr, nullptr,
                                      nullptr, nullptr);
@@ -88,7 +73,7 @@ TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
 TEST(Reports, AreTheSameOnAPageAndInTheConsole) {
     const HWND owner =
         CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    for (const Report& report : {OfPrinter(), OfComputer(), OfDevice(), OfComparison()}) {
+    for (const Report& report : {OfPrinter(), OfComputer(), OfDevice()}) {
         const std::string console = WithoutSpaces(ReportText(report));
         ReportWindow page;
         page.Open(owner, L"", RowsOf(report));

@@ -172,6 +172,27 @@ class ScriptedEngine : public Engine {
     bool isInSweep_ = false, isOver_ = false;
 };
 
+inline RECT PlaceOf(HWND window) {
+    RECT place = {};
+    GetWindowRect(window, &place);
+    return place;
+}
+
+inline std::wstring ItemText(HMENU menu, int item, UINT how = MF_BYPOSITION) {
+    wchar_t text[80] = L"";
+    GetMenuStringW(menu, static_cast<UINT>(item), text, 80, how);
+    return text;
+}
+
+// As by the user, on a heading of the list.
+inline void ClickHeading(HWND list, int column) {
+    NMLISTVIEW click = {};
+    click.hdr = {list, static_cast<UINT_PTR>(GetDlgCtrlID(list)),
+                 static_cast<UINT>(LVN_COLUMNCLICK)};
+    click.iSubItem = column;
+    SendMessageW(GetParent(list), WM_NOTIFY, click.hdr.idFrom, reinterpret_cast<LPARAM>(&click));
+}
+
 inline std::wstring TextOf(HWND window) {
     wchar_t text[300] = L"";
     GetWindowTextW(window, text, 300);
@@ -248,8 +269,7 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
             TypeOf(child) == L"Button")
             continue;  // which goes around others
         SCOPED_TRACE(GetDlgCtrlID(child));
-        RECT place = {}, common = {};
-        GetWindowRect(child, &place);
+        RECT place = PlaceOf(child), common = {};
         MapWindowPoints(nullptr, window, reinterpret_cast<POINT*>(&place), 2);
         EXPECT_TRUE(IntersectRect(&common, &place, &client) && EqualRect(&common, &place));
         for (const auto& [other, taken] : places)
@@ -315,7 +335,7 @@ class MainWindowTest : public testing::Test {
         PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         window_.emplace(engine_, std::move(options));
         window_->state.session.view.Sort(Column::kAddress, false);
-        if (window_->ReadsFound()) window_->ToggleReadsFound();
+        window_->state.settings.readsFound = 0;
     }
     // With the answers of a sweep that has been stopped: pairs of address and value.
     void OpenWith(const std::vector<std::pair<std::string, std::string>>& answers) {
@@ -412,11 +432,26 @@ class MainWindowTest : public testing::Test {
         if (!isAlso) ListView_SetItemState(Control(IDC_DEVICES), -1, 0, LVIS_SELECTED);
         ListView_SetItemState(Control(IDC_DEVICES), row, kBoth, kBoth);
     }
-    void ClickColumn(int column) {
-        NMLISTVIEW click = {};
-        click.hdr = {Control(IDC_DEVICES), IDC_DEVICES, LVN_COLUMNCLICK};
-        click.iSubItem = column;
-        SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&click));
+    // Also reads it.
+    void SelectNew(int row) {
+        const int reads = engine_.reads;
+        Select(row);
+        ASSERT_TRUE(Until([&] { return engine_.reads == reads + 1; }));
+    }
+    void ClickColumn(int column) { ClickHeading(Control(IDC_DEVICES), column); }
+    void Close() { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); }
+    // One of the bar's menus, as it opens.
+    HMENU OpenMenu(int index) const {
+        const HMENU menu = GetSubMenu(GetMenu(window_->Handle()), index);
+        SendMessageW(window_->Handle(), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(menu), index);
+        return menu;
+    }
+    // A search of the command line, without a window.
+    void OpenScript(const std::string& path = "") {
+        StartOptions options;
+        options.sweep = options.exit = true;
+        options.savePath = path;
+        Open(options);
     }
 
     ScriptedEngine engine_;

@@ -8,8 +8,7 @@ class WalkTests : public MainWindowTest {
     // Opens the window for the first of two devices.
     void OpenWalk() {
         OpenWith({{"10.77.1.1", "x"}, {"10.77.1.3", "y"}});
-        Select(0);
-        ASSERT_TRUE(Until([&] { return engine_.reads == 1; }));
+        SelectNew(0);
         Command(IDM_WALK);
         walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.1");
         ASSERT_TRUE(walk_);
@@ -64,8 +63,7 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     ASSERT_TRUE(Until([&] { return Rows() > 3; }));
     EXPECT_EQ(L"S&top", TextOf(GetDlgItem(walk_, IDC_WALK_START)));
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Reading the values of 10.77.1.1 for "));
-    Select(1);  // asked during the walk
-    EXPECT_TRUE(Until([&] { return engine_.reads == 2; }));
+    SelectNew(1);  // during the walk
     const int rows = Rows();
     EXPECT_TRUE(Until([&] { return Rows() > rows; }));
     Press(IDC_WALK_START);
@@ -120,7 +118,7 @@ TEST_F(WalkTests, EitherWindowMayBeClosedDuringAWalk) {
     Start(L"ifDescr");
     EXPECT_TRUE(Until([&] { return Rows() > 1; }));
     EXPECT_EQ(L"ifDescr.1", CellOf(list_, 0, 1));
-    Answer({IDNO}, [&] { SendMessageW(window_->Handle(), WM_CLOSE, 0, 0); });
+    Answer({IDNO}, [&] { Close(); });
     EXPECT_FALSE(IsWindow(walk_));
 }
 
