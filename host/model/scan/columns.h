@@ -67,7 +67,7 @@ inline constexpr ColumnInfo kColumns[] = {
      false},
     {Column::kMac, [](const RowSource& source) { return IdentityCell(source, MergeKey::kMac); },
      120, 7, false},
-    {Column::kState, StateCell, 126, 0, true, ColumnInfo::Order::kSeverity},
+    {Column::kState, StateCell, 138, 0, true, ColumnInfo::Order::kSeverity},
     {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 162, 5, true,
      ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},
     {Column::kProtocols, ProtocolCell, 100, 8, false},

@@ -113,7 +113,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     EXPECT_EQ(0, Rows());
     const auto empty = [&] { return ListControl::Of(Control(IDC_DETAILS))->EmptyText(); };
     EXPECT_EQ(Text(IDS_NOT_ASKED), empty());
-    EXPECT_TRUE(Until([&] { return empty() == L"Interfaces not read yet: no answer"; }));
+    EXPECT_TRUE(Until([&] { return empty() == L"Interfaces not known: no answer"; }));
     EndSweep();
 }
 

@@ -96,7 +96,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
         CheckDialog(PopupOf(window_->Handle()), 6);
         EXPECT_NE(
             std::wstring::npos,
-            TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE)).find(L": 1, also"));
+            TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE)).find(L"1 change since"));
         DestroyWindow(PopupOf(window_->Handle()));
         Select(0);
         Command(IDM_WALK);
