@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "window/controls/clipboard.h"
 #include "window/controls/popup_menu.h"
-#include "window/main/help.h"
 #include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -77,7 +77,7 @@ constexpr Command Choice() {
             },
             [](const Window& w) { return w.state.settings.*kSetting == kValue; }};
 }
-void Refresh(Window& w) { w.watch.Restart(); }
+void Refresh(Window& w) { w.RestartTimer(); }
 void UseLow(Window& w) { w.panes.UseLow(); }
 
 // Each menu with its commands. The first ones are in none.
@@ -99,10 +99,12 @@ constexpr Command kTable[] = {
     {IDM_EXIT, {}, nullptr, [](Window& w) { PostMessageW(w.Handle(), WM_CLOSE, 0, 0); }},
 
     {IDS_MENU_EDIT},
-    {IDM_COPY_ROW, {}, NoRow, [](Window& w) { w.devices.CopyRow(); }},
-    {IDM_COPY_CELL, CtrlShift('C'), NoRow, [](Window& w) { w.devices.CopyChosenCell(); }},
+    {IDM_COPY_ROW, {}, NoRow, [](Window& w) { w.panes.list.List().Copy(IDM_COPY_ROW); }},
+    {IDM_COPY_CELL, CtrlShift('C'), NoRow,
+     [](Window& w) { w.devices.CopyCell(w.panes.list.ChosenColumn()); }},
     {IDS_MENU_CELLS, {}, NoRow},
-    {IDM_COPY_TABLE, CtrlShift('T'), NoRows, [](Window& w) { w.devices.CopyTable(); }},
+    {IDM_COPY_TABLE, CtrlShift('T'), NoRows,
+     [](Window& w) { CopyText(w.Handle(), w.panes.list.List().TableText(true)); }},
     {kMenuLine},
     {IDM_FILTER, Ctrl('F'), nullptr,
      [](Window& w) { SetFocus(GetDlgItem(w.Handle(), IDC_FILTER)); }},
@@ -145,7 +147,7 @@ constexpr Command kTable[] = {
     {kMenuLine},
     {IDM_SNMP, {}, nullptr, [](Window& w) { w.searches.AskForUser(); }},
     {IDM_DOCTOR, {}, nullptr, [](Window& w) { w.devices.DiagnoseComputer(); }},
-    {IDM_CHANGES, {}, nullptr, [](Window& w) { w.watch.Open(); }},
+    {IDM_CHANGES, {}, nullptr, [](Window& w) { w.scans.OpenChanges(); }},
 
     {IDS_MENU_HELP},
     {IDM_HELP, {0, VK_F1}, nullptr, [](Window& w) { ShowHelp(w.state); }},

@@ -7,19 +7,17 @@
 #include "values/ip_address.h"
 #include "values/utc_time.h"
 #include "window/dialogs/dialogs.h"
-#include "window/main/help.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
-DeviceCommands::DeviceCommands(WindowState& state, const DeviceList& list)
+DeviceCommands::DeviceCommands(WindowState& state)
     : walk({[&state](const AskTarget& target, const Oid& root, unsigned number) {
                 state.workers->Walk(target, root, number);
             },
             [&state] {
                 if (state.workers) state.workers->StopWalk();
             }}),
-      state_(state),
-      list_(list) {}
+      state_(state) {}
 
 void DeviceCommands::Ask(bool isAgain) {
     const DeviceRow* row = state_.session.view.SelectedRow();

@@ -16,8 +16,8 @@ namespace vndiscover::host {
 
 class DeviceCommands {
   public:
-    // Both must outlive it.
-    DeviceCommands(WindowState& state, const DeviceList& list);
+    // The state must outlive it.
+    explicit DeviceCommands(WindowState& state);
     WalkWindow walk;
     DoctorWindow doctor;
 
@@ -43,16 +43,12 @@ class DeviceCommands {
     std::vector<std::string> WebAddresses() const;
     void OpenWebPages();
     void CopyCell(Column column);
-    void CopyChosenCell() { CopyCell(list_.ChosenColumn()); }
-    void CopyRow() const { list_.List().Copy(IDM_COPY_ROW); }
-    void CopyTable() const { CopyText(state_.window, list_.List().TableText(true)); }
 
   private:
     std::vector<AskTarget> TargetsOf(const std::vector<size_t>& rows) const;
     bool ReadAll(std::vector<AskTarget> targets);
 
     WindowState& state_;
-    const DeviceList& list_;
 };
 
 }  // namespace vndiscover::host

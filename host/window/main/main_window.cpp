@@ -21,7 +21,7 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr UINT_PTR kFrameTimer = 1, kStatusTimer = 2;  // the third is ChangeWatch's
+constexpr UINT_PTR kFrameTimer = 1, kStatusTimer = 2, kRefreshTimer = 3;
 constexpr UINT kFrameMs = 100, kStatusMs = 250;
 
 }  // namespace
@@ -57,7 +57,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) {
         ShowWindow(state.window, state.settings.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
         SetFocus(GetDlgItem(state.window, IDC_FIND));
     }
-    watch.Restart();
+    RestartTimer();
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
 }
 
@@ -262,12 +262,18 @@ void MainWindow::StopAll() {
     devices.doctor.Stop(state.window);
 }
 
+void MainWindow::RestartTimer() {
+    const unsigned minutes = state.settings.refreshMinutes;
+    KillTimer(Handle(), kRefreshTimer);
+    if (minutes != 0) SetTimer(Handle(), kRefreshTimer, minutes * 60000, nullptr);
+}
+
 void MainWindow::OnResults() {
     KillTimer(state.window, kFrameTimer);
     ResultHandler handler(*this);
     state.queue.RunAll(handler);
     if (state.session.Refresh()) {
-        watch.Record();
+        scans.RecordChanges();
         panes.ShowRows();
     }
     calls.Refresh();
@@ -283,7 +289,7 @@ void MainWindow::OnResults() {
 
 void MainWindow::OnTimer(UINT_PTR timer) {
     if (timer == kFrameTimer) return OnResults();
-    if (timer == ChangeWatch::kTimer) searches.Repeat();
+    if (timer == kRefreshTimer) searches.Repeat();
     if (state.workers && state.progress.IsSearching() && state.progress.IsStopping())
         state.workers->RepeatStop();
     devices.walk.Refresh();

@@ -10,7 +10,6 @@
 #include "platform/com.h"
 #include "window/controls/owners.h"
 #include "window/controls/saved_focus.h"
-#include "window/main/change_watch.h"
 #include "window/main/device_commands.h"
 #include "window/main/panes.h"
 #include "window/main/scan_commands.h"
@@ -42,12 +41,12 @@ class MainWindow {
     WindowState state;
     Panes panes{state, [this] { OnSelected(); }};
     ScanCommands scans{state, panes.list};
-    DeviceCommands devices{state, panes.list};
+    DeviceCommands devices{state};
     Searches searches{state, panes.bar, scans, devices};
-    ChangeWatch watch{state, scans};
     CallsWindow calls;
     void FindOrStop();
-    void StopAll();  // if something is in progress
+    void StopAll();       // if something is in progress
+    void RestartTimer();  // which searches again, as often as the settings say
 
   private:
     const Apartment apartment_;  // of the thread: dialogs of the shell need it

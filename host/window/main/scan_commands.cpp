@@ -9,6 +9,7 @@
 #include "model/scan/standing.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
+#include "values/utc_time.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/store/scan_files.h"
@@ -113,13 +114,46 @@ bool ScanCommands::CompareWith(const std::string& path) {
     for (const ChangeRow& row : ChangesOf(changes))
         rows.push_back(
             {ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)});
-    comparison.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(changes.beforeName)}),
-                    {{IDS_CHANGE_DEVICE, 300},
-                     {IDS_FACT_WHAT, 120},
-                     {IDS_CHANGE_BEFORE, 140},
-                     {IDS_CHANGE_AFTER, 140}});
-    comparison.Show(ToWide(CountsOf(changes)), std::move(rows));
+    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(changes.beforeName)}),
+                     {{IDS_CHANGE_DEVICE, 300},
+                      {IDS_FACT_WHAT, 120},
+                      {IDS_CHANGE_BEFORE, 140},
+                      {IDS_CHANGE_AFTER, 140}});
+    comparison_.Show(ToWide(CountsOf(changes)), std::move(rows));
     return true;
+}
+
+void ScanCommands::RecordChanges() {
+    if (state_.progress.IsSearching()) return;  // whether a device is missed is not known yet
+    const std::string time = UtcNow();
+    bool hasChanged = false;
+    const DeviceView& view = state_.session.view;
+    for (const DeviceRow& row : view.AllRows())
+        hasChanged |= !view.IsOther(row) && state_.changes.Add(row, time);
+    if (!hasChanged) return;
+    const DeviceRow* const seen = view.SelectedRow();
+    if (seen && GetActiveWindow() == state_.window) state_.changes.Unmark(*seen);
+    FLASHWINFO flash = {sizeof flash, state_.window, FLASHW_TRAY | FLASHW_TIMERNOFG, 0, 0};
+    if (!GetActiveWindow()) FlashWindowEx(&flash);
+    ShowChanges();
+}
+
+void ScanCommands::OpenChanges() {
+    changes_.Open(state_.window, Text(IDS_CHANGES_TITLE),
+                  {{IDS_CALL_TIME, 140},
+                   {IDS_CHANGE_DEVICE, 260},
+                   {IDS_CHANGE_BEFORE, 150},
+                   {IDS_CHANGE_AFTER, 150}});
+    ShowChanges();
+}
+
+void ScanCommands::ShowChanges() {
+    std::vector<TableWindow::Row> rows;
+    for (const StateChange& one : state_.changes.Changes())
+        rows.push_back(
+            {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
+    const std::wstring note = Text(IDS_CHANGES_NOTE, {Grouped(rows.size())});
+    changes_.Show(note, std::move(rows));
 }
 
 bool ScanCommands::SaveTo(const std::string& path) {

@@ -1,4 +1,5 @@
-// The commands on the scan as a whole: to open, compare, save, export and clear it.
+// The commands on the scan as a whole: to open, compare, save, export and clear it, and to list
+// what has changed in it.
 #pragma once
 
 #include <string>
@@ -19,7 +20,6 @@ class ScanCommands {
     // Ask for the file.
     void Open();
     void Save() { WithPath(IDS_SCAN_FILES, L"json", true, &ScanCommands::SaveTo); }
-    void SaveTable(const std::string& csv);
     void Compare() { WithPath(IDS_SCAN_FILES, L"json", false, &ScanCommands::CompareWith); }
     void SaveCsv() { WithPath(IDS_CSV_FILES, L"csv", true, &ScanCommands::SaveCsvTo); }
     void SaveJson() { WithPath(IDS_JSON_FILES, L"json", true, &ScanCommands::SaveJsonTo); }
@@ -39,7 +39,10 @@ class ScanCommands {
     bool SaveTo(const std::string& path);
     bool SaveCsvTo(const std::string& path);   // the rows as they are shown
     bool SaveJsonTo(const std::string& path);  // the same rows, as `vndiscover printers` does
-    TableWindow comparison{[this](const std::string& csv) { SaveTable(csv); }};
+
+    // Records what the rows show now. A change is marked, and the taskbar button flashes.
+    void RecordChanges();
+    void OpenChanges();  // their list
 
     // Returns false if the user wants the scan to stay. `question`: names what would drop it.
     bool MayDrop(unsigned question);
@@ -56,11 +59,15 @@ class ScanCommands {
                   bool (ScanCommands::*method)(const std::string& path));
     bool MayReplace(unsigned question);
     void Replace(Scan scan);
+    void SaveTable(const std::string& csv);
     bool SaveTableTo(const std::string& path) { return SaveTextTo(table_, path); }
     bool SaveTextTo(const std::string& text, const std::string& path);
 
     WindowState& state_;
     const DeviceList& list_;
+    void ShowChanges();
+    TableWindow comparison_{[this](const std::string& csv) { SaveTable(csv); }};
+    TableWindow changes_{[this](const std::string& csv) { SaveTable(csv); }};
     std::string table_;  // to be saved
     OwnedFile kept_;     // of the list; empty: it is of none
     std::string keptPath_;

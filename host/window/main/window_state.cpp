@@ -1,5 +1,9 @@
 #include "window/main/window_state.h"
 
+#include <shellapi.h>
+
+#include "platform/saved_file.h"
+#include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
@@ -46,6 +50,54 @@ Credentials DefaultCredentials() {
     Credentials credentials;
     credentials.communities = *ParseCommunities("");
     return credentials;
+}
+
+namespace {
+
+void ReportUnopened(WindowState& state, const std::wstring& target, DWORD error) {
+    state.ReportProblem(Text(IDS_NOT_OPENED, {target + ToWide(ErrorText(error))}));
+}
+
+}  // namespace
+
+void OpenElsewhere(WindowState& state, const std::wstring& target, const wchar_t* program) {
+    const wchar_t* const file = program ? program : target.c_str();
+    const std::wstring argument = L"\"" + target + L"\"";
+    const HINSTANCE opened = ShellExecuteW(
+        state.window, L"open", file, program ? argument.c_str() : nullptr, nullptr, SW_SHOWNORMAL);
+    const DWORD error = GetLastError();
+    if (reinterpret_cast<INT_PTR>(opened) <= 32)  // as documented, for systems with 16 bits
+        ReportUnopened(state, target, error);
+}
+
+// Few computers have a program for Markdown, which is readable as text.
+void ShowHelp(WindowState& state) {
+    const std::string own = OwnPath();
+    const std::string folder = own.substr(0, own.find_last_of('\\'));
+    const std::string page = folder + "\\..\\docs\\vnbrowser.md";
+    // Notepad would offer to make it.
+    if (!FileExists(page)) return ReportUnopened(state, ToWide(page), ERROR_FILE_NOT_FOUND);
+    const std::wstring notepad = SystemFile(L"notepad.exe");
+    if (notepad.empty()) return ReportUnopened(state, L"notepad.exe", GetLastError());
+    OpenElsewhere(state, ToWide(page), notepad.c_str());
+}
+
+void ShowAbout(HWND owner) {
+    const auto version = [](const wchar_t* module) {
+        return ToWide(VersionOf(GetModuleHandleW(module)));
+    };
+    const std::wstring text =
+        Text(IDS_ABOUT, {version(nullptr), version(L"VnDiscover.dll"), ToWide(WindowsVersion())});
+    const std::wstring title = Text(IDS_TITLE);
+    MSGBOXPARAMSW box = {};
+    box.cbSize = sizeof box;
+    box.hwndOwner = owner;
+    box.hInstance = GetModuleHandleW(nullptr);
+    box.lpszText = text.c_str();
+    box.lpszCaption = title.c_str();
+    box.dwStyle = MB_OK | MB_USERICON;
+    box.lpszIcon = MAKEINTRESOURCEW(1);
+    MessageBoxIndirectW(&box);
 }
 
 }  // namespace vndiscover::host

@@ -65,4 +65,13 @@ struct WindowState {
     AskTarget WithCredentials(AskTarget target) const;
 };
 
+// Opens a file or a web page with the user's program for it, or with the given one. Reports a
+// failure.
+void OpenElsewhere(WindowState& state, const std::wstring& target,
+                   const wchar_t* program = nullptr);
+// The page of the documents about this program.
+void ShowHelp(WindowState& state);
+// The versions of the program, the module and Windows.
+void ShowAbout(HWND owner);
+
 }  // namespace vndiscover::host

@@ -92,7 +92,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
             window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
         }
         EXPECT_EQ(L"\x25CF never read, changed", Cell(0, 3));
-        window_->watch.Open();
+        window_->scans.OpenChanges();
         CheckDialog(PopupOf(window_->Handle()), 6);
         EXPECT_NE(
             std::wstring::npos,
