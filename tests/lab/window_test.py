@@ -13,6 +13,7 @@ PRIVATE = "10.77.2.2"  # refuses communities
 SCAN = LAB + "/scan.json"
 MODEL = 'override .1.3.6.1.4.1.5963.43.5.1.1.1.1 octet_str "Model {}"\n'
 FULL = LAB + "/full"  # a disk with an older scan and no space left
+OLDER = b'{"format":"vndiscover-scan","version":1,"sweeps":[],"answers":[],"splits":[]}' + b" " * 500
 
 
 def browse(*arguments):
@@ -79,15 +80,24 @@ class Scripts(unittest.TestCase):
         for option in ("--save", "--csv"):
             self.assertEqual(1, browse("--sweep", option, LAB + "/none/scan.json", "--exit"))
 
+    def test_replaces_no_file_that_is_not_a_scan(self):
+        with open(LAB + "/letter.txt", "w", encoding="ascii") as file:
+            file.write("Dear")
+        code, _, told = run("--sweep", "--save", LAB + "/letter.txt", "--exit", program="VnBrowser.exe")
+        self.assertEqual(1, code)
+        self.assertIn("is there already, and is not a scan", told)
+        with open(LAB + "/letter.txt", encoding="ascii") as file:
+            self.assertEqual("Dear", file.read())
+
     def test_keeps_the_older_scan_when_the_disk_is_full(self):
         with open(FULL + "/scan.json", "wb") as file:
-            file.write(b"older" * 100)
+            file.write(OLDER)
         with open(FULL + "/rest", "wb", buffering=0) as file, self.assertRaises(OSError):
             while True:
                 file.write(bytes(4096))
         self.assertEqual(1, browse("--sweep", "--save", FULL + "/scan.json", "--exit"))
         with open(FULL + "/scan.json", "rb") as file:
-            self.assertEqual(b"older" * 100, file.read())
+            self.assertEqual(OLDER, file.read())
         self.assertEqual({"rest", "scan.json"}, set(os.listdir(FULL)))
 
     def test_tells_of_wrong_usage(self):

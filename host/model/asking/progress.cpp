@@ -11,6 +11,7 @@ void Progress::BeginSearch(size_t sweeps) {
     isSearching_ = true;
     isStopping_ = false;
     last_ = Kind::kStopped;
+    note_.clear();  // of a former one, perhaps
 }
 
 void Progress::Stop() {

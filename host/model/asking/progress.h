@@ -40,6 +40,7 @@ class Progress {
         size_t done = 0, unread = 0, total = 0;  // unread: of these done, they gave no value
     };
     void EndReadingAll(const Read& read) {
+        if (nowMs_() - noteMs_ >= kNoteMs) note_.clear();
         readEndMs_ = nowMs_();
         read_ = read;
         last_ = Kind::kRead;

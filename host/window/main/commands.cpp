@@ -77,7 +77,7 @@ constexpr Command Choice() {
             },
             [](const Window& w) { return w.state.settings.*kSetting == kValue; }};
 }
-void Refresh(Window& w) { w.RestartTimer(); }
+void Refresh(Window& w) { w.RestartTimer(w.state.settings.refreshMinutes); }
 void UseLow(Window& w) { w.panes.UseLow(); }
 
 // Each menu with its commands. The first ones are in none.

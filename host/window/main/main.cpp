@@ -100,7 +100,12 @@ std::wstring CheckFiles(const StartOptions& options) {
         if (!path.empty() && !CanReplaceFile(path, problem))
             return Text(IDS_NOT_SAVED, {ToWide(problem), ToWide(path)});
     }
-    return L"";
+    // A slip in the name must not replace any other file.
+    const std::string& path = options.savePath;
+    std::string problem;
+    bool isBroken = false;
+    const bool isOld = FileExists(path) && ReadFileText(path, 0, problem) != "";
+    return isOld && !LoadScan(path, isBroken, problem) ? Text(IDS_NOT_A_SCAN, {ToWide(path)}) : L"";
 }
 
 int Run() {

@@ -28,7 +28,10 @@ constexpr UINT kFrameMs = 100, kStatusMs = 250;
 
 MainWindow::MainWindow(Engine& engine, StartOptions options) {
     state.options = std::move(options);
-    state.showRows = [this] { panes.ShowRows(); };
+    state.showRows = [this] {
+        if (state.session.Refresh()) scans.RecordChanges();
+        panes.ShowRows();
+    };
     state.handleResults = [this] { OnResults(); };
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES |
                                                                 ICC_TAB_CLASSES |
@@ -51,13 +54,13 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) {
     state.workers = std::make_unique<Workers>(engine, state.queue);
     state.workers->ReadAdapters();
     ApplyOptions();
-    panes.ShowRows();
+    state.showRows();
     ShowStatus();
     if (!state.options.exit) {  // nothing of a script comes to the front
         ShowWindow(state.window, state.settings.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
         SetFocus(GetDlgItem(state.window, IDC_FIND));
     }
-    RestartTimer();
+    RestartTimer(state.settings.refreshMinutes);
     if (state.options.sweep) OnCommand(IDC_FIND, 0);
 }
 
@@ -193,8 +196,8 @@ std::optional<LRESULT> MainWindow::OnFrameMessage(UINT message, WPARAM wParam, L
 void MainWindow::OnSessionEnd(LPARAM how) {
     state.isSessionEnding = true;
     panes.SaveSettings();
+    EndEarly();
     scans.SaveForNextStart();
-    if (searches.WillSave()) EndEarly();
     // An installer waits for the process. Open dialogs end by this too.
     if (how & ENDSESSION_CLOSEAPP) PostQuitMessage(state.exitCode);
 }
@@ -262,8 +265,7 @@ void MainWindow::StopAll() {
     devices.doctor.Stop(state.window);
 }
 
-void MainWindow::RestartTimer() {
-    const unsigned minutes = state.settings.refreshMinutes;
+void MainWindow::RestartTimer(unsigned minutes) {
     KillTimer(Handle(), kRefreshTimer);
     if (minutes != 0) SetTimer(Handle(), kRefreshTimer, minutes * 60000, nullptr);
 }
@@ -288,12 +290,11 @@ void MainWindow::OnResults() {
 }
 
 void MainWindow::OnTimer(UINT_PTR timer) {
-    if (timer == kFrameTimer) return OnResults();
-    if (timer == kRefreshTimer) searches.Repeat();
+    if (timer == kRefreshTimer)  // what is not possible now is tried again soon
+        RestartTimer(searches.Repeat() ? state.settings.refreshMinutes : 1);
     if (state.workers && state.progress.IsSearching() && state.progress.IsStopping())
         state.workers->RepeatStop();
-    devices.walk.Refresh();
-    ShowStatus();
+    OnResults();  // so that the status is not ahead of them
 }
 
 // A dialog's caller would continue without its window.

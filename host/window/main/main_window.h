@@ -45,8 +45,8 @@ class MainWindow {
     Searches searches{state, panes.bar, scans, devices};
     CallsWindow calls;
     void FindOrStop();
-    void StopAll();       // if something is in progress
-    void RestartTimer();  // which searches again, as often as the settings say
+    void StopAll();                       // if something is in progress
+    void RestartTimer(unsigned minutes);  // which searches again; 0: never
 
   private:
     const Apartment apartment_;  // of the thread: dialogs of the shell need it

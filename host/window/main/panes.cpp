@@ -182,12 +182,12 @@ void Panes::ToggleColumn(Column column) {
 
 void Panes::UseLow() {
     state_.session.SetLimits({state_.settings.lowPercent});
+    state_.session.Refresh();
     ShowRows();
     state_.changes.LearnStates(state_.session.view.AllRows());
 }
 
 void Panes::ShowRows() {
-    state_.session.Refresh();
     list.Show();
     const DeviceView& view = state_.session.view;
     const std::wstring count = Grouped(view.Count());

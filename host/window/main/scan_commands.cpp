@@ -65,16 +65,22 @@ void ScanCommands::Empty() {
 
 void ScanCommands::Replace(Scan scan) {
     ForgetKept();
-    state_.changes.ForgetStates();
     state_.progress.ForgetSearch();
     state_.session.SetScan(std::move(scan));
     state_.showRows();
+    state_.changes.ForgetStates();  // what a file has of them may be old
 }
 
 void ScanCommands::SetFile(const std::wstring& file) {
     state_.file = file;
     const std::wstring title = Text(IDS_TITLE);
     ChangeText(state_.window, file.empty() ? title : file + L" - " + title);
+}
+
+// "monday.json, scan of 23 November 09:12"
+std::wstring ScanCommands::NameOf(const std::wstring& file) const {
+    const std::wstring time = LongTime(TimeOf(state_.session.GetScan()));
+    return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
 }
 
 void ScanCommands::AddToFile() {
@@ -97,9 +103,8 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     std::wstring problem;
     auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
-    const std::wstring time = LongTime(TimeOf(*scan));
     Replace(std::move(*scan));
-    SetFile(time.empty() ? name : Text(IDS_SCAN_OF, {name, time}));
+    SetFile(NameOf(name));
     return true;
 }
 
@@ -240,7 +245,8 @@ void ScanCommands::OfferSaved() {
         state_.session.SetScan(std::move(*scan));
         state_.session.SetSaved(false);
         state_.session.AdoptAdded();
-        return state_.showRows();
+        state_.showRows();
+        return SetFile(NameOf(Text(IDS_KEPT_SCAN)));
     }
     kept_.Reset();
 }

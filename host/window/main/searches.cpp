@@ -8,6 +8,7 @@
 #include "window/dialogs/snmp_dialog.h"
 #include "window/resource.h"
 #include "window/store/profiles.h"
+#include "window/store/scan_files.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
@@ -56,11 +57,13 @@ void Searches::Start() {
     state_.workers->Sweep(steps);
 }
 
-void Searches::Repeat() {
+bool Searches::Repeat() {
     const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
-    if (state_.workers && state_.file.empty() && !needsUser && IsWindowEnabled(state_.window) &&
-        !state_.IsBusy())
-        Start();
+    if (!state_.workers || !state_.file.empty() || needsUser || !IsWindowEnabled(state_.window) ||
+        state_.IsBusy())
+        return false;
+    Start();
+    return true;
 }
 
 void Searches::EndSweep(bool wasSent, const std::string& problem) {
@@ -100,8 +103,13 @@ void Searches::EndStartSearch() {
     state_.options.sweep = false;
     const std::string& path = state_.options.savePath;
     const std::string& csv = state_.options.csvPath;
-    // What an earlier search has found stays if this one could not even ask.
-    bool isLost = !isUnsent_ && !path.empty() && !scans_.SaveTo(path);
+    // What an earlier search has found stays if this one could not even ask, or found nothing.
+    std::wstring ignored;
+    const bool isEmpty = state_.session.GetScan().answers.empty();
+    const auto former = isEmpty && !path.empty() ? LoadScan(path, ignored) : std::nullopt;
+    const bool isKept = former && !former->answers.empty();
+    if (isKept) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
+    bool isLost = !isUnsent_ && !isKept && !path.empty() && !scans_.SaveTo(path);
     isLost |= !isUnsent_ && !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;
     const int code = isUnsent_           ? kSendFailed

@@ -17,8 +17,9 @@ class Searches {
         : state_(state), bar_(bar), scans_(scans), devices_(devices) {}
 
     void Start();
-    // The same without the user, who may be away: does nothing if something is to be asked.
-    void Repeat();
+    // The same without the user, who may be away: returns false if something would be asked, or is
+    // in progress.
+    bool Repeat();
     // One of the search's sweeps has ended.
     void EndSweep(bool wasSent, const std::string& problem);
     // Whether what is found is then read: the command line says so of its search.

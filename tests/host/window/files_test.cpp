@@ -16,7 +16,9 @@ class Files : public MainWindowTest {
         GetTempFileNameW(folder, L"vn", 0, path);
         path_ = ToUtf8(path);
     }
-    ~Files() override { DeleteFileW(ToWide(path_).c_str()); }
+    ~Files() override {
+        for (const std::string& path : {path_, KeptPath(1)}) DeleteFileW(ToWide(path).c_str());
+    }
 
     // A window with two devices, of which the filter hides one.
     void OpenWithDevices() {
@@ -153,7 +155,7 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
                                       .find(L"this list (1 device): 0 new, 0 gone, 0 changed"));
 }
 
-TEST_F(Files, StayWhenNothingCouldBeSent) {
+TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {
     SetFileText("former");
     engine_.isUnsent = true;
     StartOptions options;
@@ -162,6 +164,12 @@ TEST_F(Files, StayWhenNothingCouldBeSent) {
     Open(options);
     EXPECT_EQ(3, window_->Run());
     EXPECT_EQ("former", FileText());
+    engine_.isUnsent = false;
+    OpenWithDevices();
+    EXPECT_TRUE(window_->scans.SaveTo(path_));
+    OpenScript(path_);  // finds none
+    EXPECT_TRUE(EndsSweeps());
+    EXPECT_NE(std::string::npos, FileText().find("10.77.1.11"));
 }
 
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
@@ -204,6 +212,7 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
     EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
+    EXPECT_FALSE(HoldFile(KeptPath(1), OPEN_EXISTING));  // it is saved
     Open(options);
     engine_.Say("10.77.1.9", "VN InkLine 71");
     ASSERT_TRUE(Shows(L"10.77.1.9;"));
@@ -326,6 +335,7 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
         Answer({IDNO, IDYES}, [&] { window_->scans.OfferSaved(); });  // one is enough
     EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
     EXPECT_NE(std::wstring::npos, Addresses().find(L"10.77.1.11;"));
+    EXPECT_EQ(0u, TextOf(window_->Handle()).find(L"kept scan, scan of "));
     EXPECT_FALSE(HoldFile(KeptPath(2), OPEN_EXISTING));  // it is this window's
     end(ENDSESSION_CLOSEAPP);                            // it is still in no file
     MSG quit = {};

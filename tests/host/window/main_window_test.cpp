@@ -153,6 +153,19 @@ TEST_F(MainWindowTest, DeviceThatMissesASearchIsToldSo) {
     }
 }
 
+// The end of the search itself brings the change, without a further answer.
+TEST_F(MainWindowTest, FleetThatFallsSilentHasChanged) {
+    OpenWith({{"10.77.1.8", "x"}});
+    SelectNew(0);
+    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
+    Command(IDC_FIND);
+    ASSERT_TRUE(EndsSweeps());
+    const auto& changes = window_->state.changes.Changes();
+    ASSERT_EQ(1u, changes.size());
+    EXPECT_EQ("no such value", changes[0].before);
+    EXPECT_EQ(0u, changes[0].after.find("no answer since "));
+}
+
 TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     Open();
     Command(IDC_FIND);

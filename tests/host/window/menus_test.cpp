@@ -13,6 +13,7 @@ class Menus : public MainWindowTest {
     void OpenWithDevice() {
         OpenWith({{"10.77.1.9", model_}});
         SelectNew(0);
+        ASSERT_TRUE(Until([&] { return Cell(0, 3) == L"no such value"; }));
     }
     const std::string model_ = "=InkLine " + std::string(3000, '7');
     HWND Devices() const { return Control(IDC_DEVICES); }

@@ -60,6 +60,13 @@ TEST_F(ProgressTest, NoteReturnsWhenNothingIsInProgress) {
     EXPECT_EQ(Kind::kNote, Shown().first);
     progress.ClearNote();
     EXPECT_EQ(Kind::kReady, Shown().first);
+    for (const bool isReading : {false, true}) {  // what is over by then
+        progress.SetNote(L"nothing could be sent");
+        nowMs += Progress::kNoteMs;
+        isReading ? progress.EndReadingAll({1, 0, 1}) : progress.BeginSearch(1);
+        progress.EndSweep();
+        EXPECT_EQ(isReading ? Kind::kRead : Kind::kDone, Shown().first);
+    }
 }
 
 // A device is asked between two requests of a walk.
