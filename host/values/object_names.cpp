@@ -293,8 +293,8 @@ Syntax SyntaxOf(const Oid& oid) {
 }
 
 std::string WordOf(std::string_view name, int64_t number) {
-    const ObjectName* const object = FindName(name);
-    return object ? Word(object->words, number) : "";
+    // Not by FindName, which ignores the case of all names: a list asks for thousands of words.
+    return Word(FindObject(OidOf(name))->words, number);
 }
 
 std::vector<std::string> WordsOf(std::string_view name, std::string_view bits) {
