@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -258,15 +259,26 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
         case Progress::Kind::kStopped:
             return Text(IDS_STOPPED, {seconds, found});
         case Progress::Kind::kRead:
-            return Text(
-                status.count < status.total ? IDS_READ_STOPPED
-                : status.unread > 0         ? IDS_READ_SOME
-                                            : IDS_READ,
-                {Grouped(status.count - status.unread), total, seconds, Grouped(status.unread)});
+            return ReadText(status);
         case Progress::Kind::kNote:
             return state_.progress.Note();
     }
     return L"";
+}
+
+// Also of those that were not there to be read.
+std::wstring Panes::ReadText(const Progress::Status& status) const {
+    const DeviceView& view = state_.session.view;
+    const size_t missed = CountIf(view.AllRows(), [&](const DeviceRow& row) {
+        return !view.IsOther(row) && row.standing.kind == Standing::Kind::kMissed;
+    });
+    const auto seconds = static_cast<uint64_t>(status.seconds);
+    return Text(status.count < status.total ? IDS_READ_STOPPED
+                : status.unread > 0         ? IDS_READ_SOME
+                                            : IDS_READ,
+                {Grouped(status.count - status.unread), Grouped(status.total),
+                 seconds == 0 ? Text(IDS_UNDER_ONE) : Grouped(seconds), Grouped(status.unread)}) +
+           (missed == 0 ? L"" : Text(IDS_READ_MISSED, {Grouped(missed)}));
 }
 
 Box FitInto(const Box& area, Box box) {

@@ -59,6 +59,7 @@ class Panes {
     int ListTop(int labelTop) const;
     void PlaceStatus() const;
     std::wstring TextOf(const Progress::Status& status) const;
+    std::wstring ReadText(const Progress::Status& status) const;
 
     WindowState& state_;
     OwnedFont font_;
