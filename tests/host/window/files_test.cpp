@@ -232,20 +232,6 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     EXPECT_FALSE(window_->Handle());
 }
 
-TEST_F(Files, ScriptSweepsSavesAndExits) {
-    engine_.Say("10.77.1.1", "x");
-    OpenScript(path_);
-    std::thread end([&] {
-        while (engine_.stops == 0) {
-            Sleep(300);
-            engine_.End();
-        }
-    });
-    EXPECT_EQ(0, window_->Run());
-    end.join();
-    EXPECT_NE(std::string::npos, FileText().find("10.77.1.1"));
-}
-
 // Whatever columns a window shows.
 TEST_F(Files, ScriptsGetTheSameColumns) {
     OpenScript();
