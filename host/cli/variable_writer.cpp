@@ -15,8 +15,7 @@ std::string NoValueLine(uint32_t type) {
 
 // Bits and addresses are not text, even if all of their bytes are letters.
 bool IsBinary(const Answer& answer) {
-    const Syntax syntax = SyntaxOf(answer.oid);
-    return answer.type == kOctetString && (syntax == Syntax::kBits || syntax == Syntax::kBinary);
+    return answer.type == kOctetString && host::IsBinary(answer.oid);
 }
 
 // Numbers as numbers, text as text, anything else as hex digits with a member that says so.

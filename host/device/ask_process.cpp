@@ -3,11 +3,12 @@
 // "STATUS OID TYPE SIZE BYTES NOTE", of which BYTES are hexadecimal digits after a dot.
 #include "device/ask_process.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <mutex>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -78,16 +79,23 @@ std::string TextOf(const Answer& answer) {
            HexText(answer.bytes, "") + " " + answer.note;
 }
 
-Answer AnswerOf(const std::string& text) {
-    std::istringstream in(text);
-    int status = static_cast<int>(Status::kSendFailed);
-    std::string oid, bytes = ".";
+// The text up to a blank, which is removed with it.
+std::string RemoveWord(std::string& rest) {
+    const size_t size = std::min(rest.find(' '), rest.size());
+    std::string word = rest.substr(0, size);
+    rest.erase(0, size + 1);
+    return word;
+}
+
+// Throws std::logic_error if the text is no answer.
+Answer AnswerOf(std::string text) {
     Answer answer;
-    in >> status >> oid >> answer.type >> answer.wholeSize >> bytes >> std::ws;
-    std::getline(in, answer.note);
-    answer.status = static_cast<Status>(status);
-    answer.oid = ParseOid(oid).value_or(Oid());
-    answer.bytes = ParseHex(bytes.substr(1)).value_or("");
+    answer.status = static_cast<Status>(std::stoul(RemoveWord(text)));
+    answer.oid = ParseOid(RemoveWord(text)).value_or(Oid());
+    answer.type = static_cast<uint32_t>(std::stoul(RemoveWord(text)));
+    answer.wholeSize = std::stoul(RemoveWord(text));
+    answer.bytes = ParseHex(RemoveWord(text).substr(1)).value_or("");
+    answer.note = std::move(text);
     return answer;
 }
 
@@ -152,7 +160,7 @@ Answer ReaderProcess::GetNext(size_t login, const std::string& address, const Oi
                Send(toProcess_.Get(), std::to_string(login) + " " + OidToText(oid) + " " + address);
     if (isAlive_) return AnswerOf(Receive<std::string>(fromProcess_.Get()));
     return Failed(Status::kSendFailed, oid);
-} catch (const std::runtime_error&) {
+} catch (const std::exception&) {
     isAlive_ = false;
     return Failed(Status::kSendFailed, oid);
 }
@@ -172,11 +180,10 @@ void ServeReader() try {
         logins.push_back(ReceiveLogin(input));
     OwnReader reader(std::move(logins));
     for (;;) {
-        std::istringstream request(Receive<std::string>(input));
-        size_t login = 0;
-        std::string oid, address;
-        request >> login >> oid >> address;
-        Send(output, TextOf(reader.GetNext(login, address, ParseOid(oid).value_or(Oid()))));
+        auto request = Receive<std::string>(input);
+        const size_t login = std::stoul(RemoveWord(request));
+        const Oid oid = ParseOid(RemoveWord(request)).value_or(Oid());
+        Send(output, TextOf(reader.GetNext(login, request, oid)));
     }
 } catch (const std::exception&) {  // the other process sees that this one has ended
 }

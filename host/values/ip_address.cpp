@@ -1,6 +1,6 @@
 #include "values/ip_address.h"
 
-#include <cstdint>
+#include "values/value_text.h"
 
 #ifdef _WIN32
 #include <winsock2.h>
@@ -10,15 +10,6 @@
 #endif
 
 namespace vndiscover::host {
-namespace {
-
-uint32_t NumberOf(const IpAddress& ipv4) {
-    uint32_t number = 0;
-    for (const char byte : ipv4.bytes) number = number << 8 | static_cast<uint8_t>(byte);
-    return number;
-}
-
-}  // namespace
 
 std::optional<IpAddress> ParseIpAddress(std::string_view text) {
     const bool isIPv4 = text.find(':') == std::string_view::npos;
@@ -40,12 +31,15 @@ std::string CommonNetwork(const IpAddress& address, std::string_view adapterAddr
                           std::string_view adapterMask) {
     const auto own = ParseIpAddress(adapterAddress), mask = ParseIpAddress(adapterMask);
     if (!address.IsIPv4() || !own || !own->IsIPv4() || !mask || !mask->IsIPv4()) return "";
-    const uint32_t bits = NumberOf(*mask);
-    if (bits == 0 || ((NumberOf(*own) ^ NumberOf(address)) & bits) != 0) return "";
+    const auto masked = [&](std::string bytes) {
+        for (size_t i = 0; i < bytes.size(); ++i) bytes[i] &= mask->bytes[i];
+        return bytes;
+    };
+    const std::string network = masked(own->bytes);
+    const uint64_t bits = *UnsignedNumber(mask->bytes);
+    if (bits == 0 || masked(address.bytes) != network) return "";
     int length = 0;
-    for (uint32_t rest = bits; rest & 0x80000000; rest <<= 1) ++length;
-    std::string network = own->bytes;
-    for (size_t i = 0; i < network.size(); ++i) network[i] &= mask->bytes[i];
+    while (bits << length & 0x80000000) ++length;
     return IpText(network) + "/" + std::to_string(length);
 }
 

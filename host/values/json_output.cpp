@@ -1,39 +1,12 @@
 #include "values/json_output.h"
 
-#include <cjson/cJSON.h>
-
 #include "values/text.h"
 
 namespace vndiscover::host {
-namespace {
-
-// PlainText, but C0 characters are kept, because JSON writes them as escapes.
-std::string JsonText(std::string_view bytes) {
-    std::string text;
-    while (!bytes.empty()) {
-        size_t plain = 0;
-        while (plain < bytes.size() && static_cast<uint8_t>(bytes[plain]) >= 0x20) ++plain;
-        text += PlainText(bytes.substr(0, plain));
-        if (plain < bytes.size()) text += bytes[plain++];
-        bytes.remove_prefix(plain);
-    }
-    return text;
-}
-
-}  // namespace
-
-void JsonDelete::operator()(cJSON* item) const { cJSON_Delete(item); }
 
 void AddText(cJSON* object, const char* name, std::string_view bytes) {
-    const std::string text = JsonText(bytes.substr(0, bytes.find('\0')));
+    const std::string text = PlainText(bytes.substr(0, bytes.find('\0')), Breaks::kKeepAll);
     cJSON_AddStringToObject(object, name, text.c_str());
-}
-
-void AddTexts(cJSON* object, const char* name, const std::vector<std::string>& texts) {
-    cJSON* array = cJSON_AddArrayToObject(object, name);
-    for (const std::string& text : texts) {
-        cJSON_AddItemToArray(array, cJSON_CreateString(JsonText(text).c_str()));
-    }
 }
 
 void AddNumber(cJSON* object, const char* name, const std::string& decimal) {

@@ -102,118 +102,112 @@ constexpr char kAlertCodes[] =
     "interpreterComplexPageEncountered(1509) alertRemovalOfBinaryChangeEntry(1801)";
 
 struct ObjectName {
-    const char* name;   // "hrPrinterStatus"
-    const char* below;  // its OID below .1.3.6.1.2.1: "25.3.5.1.1"
-    Syntax syntax;
-    const char* words;  // "idle(3) printing(4)"; empty for other syntaxes
+    const char* name;        // "hrPrinterStatus"
+    const char* below;       // its OID below .1.3.6.1.2.1: "25.3.5.1.1"
+    const char* words = "";  // of numbers, "idle(3) printing(4)", or of bits from the highest
+    bool isBinary = false;   // see IsBinary
 };
-constexpr ObjectName Plain(const char* name, const char* below) {
-    return {name, below, Syntax::kPlain, ""};
-}
-constexpr ObjectName Words(const char* name, const char* below, const char* words) {
-    return {name, below, Syntax::kEnumeration, words};
-}
 
 // In the order of their OIDs.
 constexpr ObjectName kObjectNames[] = {
-    Plain("sysDescr", "1.1"),
-    Plain("sysObjectID", "1.2"),
-    Plain("sysUpTime", "1.3"),
-    Plain("sysContact", "1.4"),
-    Plain("sysName", "1.5"),
-    Plain("sysLocation", "1.6"),
-    Plain("sysServices", "1.7"),
-    Plain("ifNumber", "2.1"),
-    Plain("ifIndex", "2.2.1.1"),
-    Plain("ifDescr", "2.2.1.2"),
-    Words("ifType", "2.2.1.3", kInterfaceTypes),
-    Plain("ifMtu", "2.2.1.4"),
-    Plain("ifSpeed", "2.2.1.5"),
-    {"ifPhysAddress", "2.2.1.6", Syntax::kBinary, ""},
-    Words("ifAdminStatus", "2.2.1.7", "up(1) down(2) testing(3)"),
-    Words("ifOperStatus", "2.2.1.8", kInterfaceStates),
-    Plain("ifLastChange", "2.2.1.9"),
-    Plain("ifInOctets", "2.2.1.10"),
-    Plain("ifOutOctets", "2.2.1.16"),
-    Plain("ipAdEntAddr", "4.20.1.1"),
-    Plain("ipAdEntIfIndex", "4.20.1.2"),
-    Plain("ipAdEntNetMask", "4.20.1.3"),
-    Plain("hrSystemUptime", "25.1.1"),
-    Plain("hrSystemDate", "25.1.2"),
-    Plain("hrMemorySize", "25.2.2"),
-    Plain("hrStorageDescr", "25.2.3.1.3"),
-    Plain("hrStorageSize", "25.2.3.1.5"),
-    Plain("hrStorageUsed", "25.2.3.1.6"),
-    Plain("hrDeviceIndex", "25.3.2.1.1"),
-    Plain("hrDeviceType", "25.3.2.1.2"),
-    Plain("hrDeviceDescr", "25.3.2.1.3"),
-    Plain("hrDeviceID", "25.3.2.1.4"),
-    Words("hrDeviceStatus", "25.3.2.1.5", "unknown(1) running(2) warning(3) testing(4) down(5)"),
-    Plain("hrDeviceErrors", "25.3.2.1.6"),
-    Words("hrPrinterStatus", "25.3.5.1.1", "other(1) unknown(2) idle(3) printing(4) warmup(5)"),
-    {"hrPrinterDetectedErrorState", "25.3.5.1.2", Syntax::kBits, kErrorStates},
-    Plain("ifName", "31.1.1.1.1"),
-    Plain("prtGeneralConfigChanges", "43.5.1.1.1"),
-    Plain("prtGeneralCurrentLocalization", "43.5.1.1.2"),
-    Words("prtGeneralReset", "43.5.1.1.3",
-          "notResetting(3) powerCycleReset(4) resetToNVRAM(5) resetToFactoryDefaults(6)"),
-    Plain("prtGeneralCurrentOperator", "43.5.1.1.4"),
-    Plain("prtGeneralServicePerson", "43.5.1.1.5"),
-    Plain("prtGeneralPrinterName", "43.5.1.1.16"),
-    Plain("prtGeneralSerialNumber", "43.5.1.1.17"),
-    Plain("prtAlertCriticalEvents", "43.5.1.1.18"),
-    Plain("prtAlertAllEvents", "43.5.1.1.19"),
-    Plain("prtCoverDescription", "43.6.1.1.2"),
-    Words("prtCoverStatus", "43.6.1.1.3", kCoverStates),
-    Plain("prtLocalizationLanguage", "43.7.1.1.2"),
-    Plain("prtLocalizationCountry", "43.7.1.1.3"),
-    Words("prtLocalizationCharacterSet", "43.7.1.1.4", "csASCII(3) csISOLatin1(4) csUTF8(106)"),
-    Words("prtInputType", "43.8.2.1.2", kInputTypes),
-    Words("prtInputCapacityUnit", "43.8.2.1.8", kCapacityUnits),
-    Plain("prtInputMaxCapacity", "43.8.2.1.9"),
-    Plain("prtInputCurrentLevel", "43.8.2.1.10"),
-    Plain("prtInputStatus", "43.8.2.1.11"),
-    Plain("prtInputMediaName", "43.8.2.1.12"),
-    Plain("prtInputName", "43.8.2.1.13"),
-    Plain("prtInputDescription", "43.8.2.1.18"),
-    Plain("prtOutputMaxCapacity", "43.9.2.1.4"),
-    Plain("prtOutputRemainingCapacity", "43.9.2.1.5"),
-    Plain("prtOutputName", "43.9.2.1.7"),
-    Words("prtMarkerMarkTech", "43.10.2.1.2", kMarkTechnologies),
-    Words("prtMarkerCounterUnit", "43.10.2.1.3", kCounterUnits),
-    Plain("prtMarkerLifeCount", "43.10.2.1.4"),
-    Plain("prtMarkerPowerOnCount", "43.10.2.1.5"),
-    Plain("prtMarkerStatus", "43.10.2.1.15"),
-    Plain("prtMarkerSuppliesColorantIndex", "43.11.1.1.3"),
-    Words("prtMarkerSuppliesClass", "43.11.1.1.4",
-          "other(1) supplyThatIsConsumed(3) receptacleThatIsFilled(4)"),
-    Words("prtMarkerSuppliesType", "43.11.1.1.5", kSupplyTypes),
-    Plain("prtMarkerSuppliesDescription", "43.11.1.1.6"),
-    Words("prtMarkerSuppliesSupplyUnit", "43.11.1.1.7", kSupplyUnits),
-    Plain("prtMarkerSuppliesMaxCapacity", "43.11.1.1.8"),
-    Plain("prtMarkerSuppliesLevel", "43.11.1.1.9"),
-    Words("prtMarkerColorantRole", "43.12.1.1.3", "other(1) process(3) spot(4)"),
-    Plain("prtMarkerColorantValue", "43.12.1.1.4"),
-    Plain("prtInterpreterDescription", "43.15.1.1.5"),
-    Plain("prtInterpreterVersion", "43.15.1.1.6"),
-    Plain("prtConsoleDisplayBufferText", "43.16.5.1.2"),
-    Plain("prtConsoleDescription", "43.17.6.1.5"),
-    Words("prtAlertSeverityLevel", "43.18.1.1.2",
-          "other(1) critical(3) warning(4) warningBinaryChangeEvent(5)"),
-    Words("prtAlertTrainingLevel", "43.18.1.1.3", kTrainingLevels),
-    Words("prtAlertGroup", "43.18.1.1.4", kAlertGroups),
-    Plain("prtAlertGroupIndex", "43.18.1.1.5"),
-    Plain("prtAlertLocation", "43.18.1.1.6"),
-    Words("prtAlertCode", "43.18.1.1.7", kAlertCodes),
-    Plain("prtAlertDescription", "43.18.1.1.8"),
-    Plain("prtAlertTime", "43.18.1.1.9"),
-    Plain("entPhysicalDescr", "47.1.1.1.1.2"),
-    Plain("entPhysicalName", "47.1.1.1.1.7"),
-    Plain("entPhysicalFirmwareRev", "47.1.1.1.1.9"),
-    Plain("entPhysicalSoftwareRev", "47.1.1.1.1.10"),
-    Plain("entPhysicalSerialNum", "47.1.1.1.1.11"),
-    Plain("entPhysicalMfgName", "47.1.1.1.1.12"),
-    Plain("entPhysicalModelName", "47.1.1.1.1.13"),
+    {"sysDescr", "1.1"},
+    {"sysObjectID", "1.2"},
+    {"sysUpTime", "1.3"},
+    {"sysContact", "1.4"},
+    {"sysName", "1.5"},
+    {"sysLocation", "1.6"},
+    {"sysServices", "1.7"},
+    {"ifNumber", "2.1"},
+    {"ifIndex", "2.2.1.1"},
+    {"ifDescr", "2.2.1.2"},
+    {"ifType", "2.2.1.3", kInterfaceTypes},
+    {"ifMtu", "2.2.1.4"},
+    {"ifSpeed", "2.2.1.5"},
+    {"ifPhysAddress", "2.2.1.6", "", true},
+    {"ifAdminStatus", "2.2.1.7", "up(1) down(2) testing(3)"},
+    {"ifOperStatus", "2.2.1.8", kInterfaceStates},
+    {"ifLastChange", "2.2.1.9"},
+    {"ifInOctets", "2.2.1.10"},
+    {"ifOutOctets", "2.2.1.16"},
+    {"ipAdEntAddr", "4.20.1.1"},
+    {"ipAdEntIfIndex", "4.20.1.2"},
+    {"ipAdEntNetMask", "4.20.1.3"},
+    {"hrSystemUptime", "25.1.1"},
+    {"hrSystemDate", "25.1.2"},
+    {"hrMemorySize", "25.2.2"},
+    {"hrStorageDescr", "25.2.3.1.3"},
+    {"hrStorageSize", "25.2.3.1.5"},
+    {"hrStorageUsed", "25.2.3.1.6"},
+    {"hrDeviceIndex", "25.3.2.1.1"},
+    {"hrDeviceType", "25.3.2.1.2"},
+    {"hrDeviceDescr", "25.3.2.1.3"},
+    {"hrDeviceID", "25.3.2.1.4"},
+    {"hrDeviceStatus", "25.3.2.1.5", "unknown(1) running(2) warning(3) testing(4) down(5)"},
+    {"hrDeviceErrors", "25.3.2.1.6"},
+    {"hrPrinterStatus", "25.3.5.1.1", "other(1) unknown(2) idle(3) printing(4) warmup(5)"},
+    {"hrPrinterDetectedErrorState", "25.3.5.1.2", kErrorStates, true},
+    {"ifName", "31.1.1.1.1"},
+    {"prtGeneralConfigChanges", "43.5.1.1.1"},
+    {"prtGeneralCurrentLocalization", "43.5.1.1.2"},
+    {"prtGeneralReset", "43.5.1.1.3",
+     "notResetting(3) powerCycleReset(4) resetToNVRAM(5) resetToFactoryDefaults(6)"},
+    {"prtGeneralCurrentOperator", "43.5.1.1.4"},
+    {"prtGeneralServicePerson", "43.5.1.1.5"},
+    {"prtGeneralPrinterName", "43.5.1.1.16"},
+    {"prtGeneralSerialNumber", "43.5.1.1.17"},
+    {"prtAlertCriticalEvents", "43.5.1.1.18"},
+    {"prtAlertAllEvents", "43.5.1.1.19"},
+    {"prtCoverDescription", "43.6.1.1.2"},
+    {"prtCoverStatus", "43.6.1.1.3", kCoverStates},
+    {"prtLocalizationLanguage", "43.7.1.1.2"},
+    {"prtLocalizationCountry", "43.7.1.1.3"},
+    {"prtLocalizationCharacterSet", "43.7.1.1.4", "csASCII(3) csISOLatin1(4) csUTF8(106)"},
+    {"prtInputType", "43.8.2.1.2", kInputTypes},
+    {"prtInputCapacityUnit", "43.8.2.1.8", kCapacityUnits},
+    {"prtInputMaxCapacity", "43.8.2.1.9"},
+    {"prtInputCurrentLevel", "43.8.2.1.10"},
+    {"prtInputStatus", "43.8.2.1.11"},
+    {"prtInputMediaName", "43.8.2.1.12"},
+    {"prtInputName", "43.8.2.1.13"},
+    {"prtInputDescription", "43.8.2.1.18"},
+    {"prtOutputMaxCapacity", "43.9.2.1.4"},
+    {"prtOutputRemainingCapacity", "43.9.2.1.5"},
+    {"prtOutputName", "43.9.2.1.7"},
+    {"prtMarkerMarkTech", "43.10.2.1.2", kMarkTechnologies},
+    {"prtMarkerCounterUnit", "43.10.2.1.3", kCounterUnits},
+    {"prtMarkerLifeCount", "43.10.2.1.4"},
+    {"prtMarkerPowerOnCount", "43.10.2.1.5"},
+    {"prtMarkerStatus", "43.10.2.1.15"},
+    {"prtMarkerSuppliesColorantIndex", "43.11.1.1.3"},
+    {"prtMarkerSuppliesClass", "43.11.1.1.4",
+     "other(1) supplyThatIsConsumed(3) receptacleThatIsFilled(4)"},
+    {"prtMarkerSuppliesType", "43.11.1.1.5", kSupplyTypes},
+    {"prtMarkerSuppliesDescription", "43.11.1.1.6"},
+    {"prtMarkerSuppliesSupplyUnit", "43.11.1.1.7", kSupplyUnits},
+    {"prtMarkerSuppliesMaxCapacity", "43.11.1.1.8"},
+    {"prtMarkerSuppliesLevel", "43.11.1.1.9"},
+    {"prtMarkerColorantRole", "43.12.1.1.3", "other(1) process(3) spot(4)"},
+    {"prtMarkerColorantValue", "43.12.1.1.4"},
+    {"prtInterpreterDescription", "43.15.1.1.5"},
+    {"prtInterpreterVersion", "43.15.1.1.6"},
+    {"prtConsoleDisplayBufferText", "43.16.5.1.2"},
+    {"prtConsoleDescription", "43.17.6.1.5"},
+    {"prtAlertSeverityLevel", "43.18.1.1.2",
+     "other(1) critical(3) warning(4) warningBinaryChangeEvent(5)"},
+    {"prtAlertTrainingLevel", "43.18.1.1.3", kTrainingLevels},
+    {"prtAlertGroup", "43.18.1.1.4", kAlertGroups},
+    {"prtAlertGroupIndex", "43.18.1.1.5"},
+    {"prtAlertLocation", "43.18.1.1.6"},
+    {"prtAlertCode", "43.18.1.1.7", kAlertCodes},
+    {"prtAlertDescription", "43.18.1.1.8"},
+    {"prtAlertTime", "43.18.1.1.9"},
+    {"entPhysicalDescr", "47.1.1.1.1.2"},
+    {"entPhysicalName", "47.1.1.1.1.7"},
+    {"entPhysicalFirmwareRev", "47.1.1.1.1.9"},
+    {"entPhysicalSoftwareRev", "47.1.1.1.1.10"},
+    {"entPhysicalSerialNum", "47.1.1.1.1.11"},
+    {"entPhysicalMfgName", "47.1.1.1.1.12"},
+    {"entPhysicalModelName", "47.1.1.1.1.13"},
 };
 
 // Null if it is not in the table.
@@ -287,9 +281,9 @@ std::string NameText(const Oid& oid) {
     return object->name + OidToText(Tail(oid, OidOf(object->name).size()));
 }
 
-Syntax SyntaxOf(const Oid& oid) {
+bool IsBinary(const Oid& oid) {
     const ObjectName* const object = FindObject(oid);
-    return object ? object->syntax : Syntax::kPlain;
+    return object && object->isBinary;
 }
 
 std::string WordOf(std::string_view name, int64_t number) {
@@ -313,14 +307,13 @@ std::string FormatNamedValue(const Oid& oid, uint32_t type, std::string_view byt
     const ObjectName* const object = FindObject(oid);
     std::string plain = FormatValue(type, bytes);
     if (!object) return plain;
-    if (object->syntax == Syntax::kEnumeration && type == kInteger) {
+    if (type == kInteger && !object->isBinary) {
         const auto number = SignedNumber(bytes);
         const std::string word = number ? Word(object->words, *number) : "";
         return word.empty() ? plain : word + "(" + plain + ")";
     }
-    if (type != kOctetString || bytes.empty()) return plain;
-    if (object->syntax == Syntax::kBinary) return HexText(bytes, ":");
-    if (object->syntax != Syntax::kBits) return plain;
+    if (type != kOctetString || bytes.empty() || !object->isBinary) return plain;
+    if (*object->words == '\0') return HexText(bytes, ":");
     const std::vector<std::string> words = WordsOf(object->name, bytes);
     return words.empty() ? "none" : Joined(words);
 }

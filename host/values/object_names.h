@@ -11,13 +11,6 @@
 
 namespace vndiscover::host {
 
-enum class Syntax {
-    kPlain,        // by its type
-    kBinary,       // octets that are never text, such as a hardware address
-    kEnumeration,  // INTEGER with a word for each value
-    kBits,         // OCTET STRING with a word for each bit; the first bit is the highest
-};
-
 // The objects that have names, without instances, in order.
 const std::vector<Oid>& StandardObjects();
 // The one that the OID is, or is an instance of; null if there is none.
@@ -35,8 +28,8 @@ std::string NotAnOid(std::string_view text);
 // "hrPrinterStatus.1"; numeric if the OID is not an object of the table or an instance of one.
 std::string NameText(const Oid& oid);
 
-// kPlain if the OID is not an object of the table or an instance of one.
-Syntax SyntaxOf(const Oid& oid);
+// Whether its octets are never text: a hardware address, or bits that have words.
+bool IsBinary(const Oid& oid);
 
 // The word for an enumeration's number, "idle"; empty if there is none.
 std::string WordOf(std::string_view name, int64_t number);

@@ -148,7 +148,8 @@ std::string PlainText(std::string_view bytes, Breaks breaks) {
         i += next.bytes;
         const bool isCrLf = next.code == '\r' && i < bytes.size() && bytes[i] == '\n';
         if (breaks == Breaks::kKeep && isCrLf) continue;
-        if (breaks == Breaks::kKeep && (next.code == '\n' || next.code == '\t')) {
+        if ((breaks == Breaks::kKeep && (next.code == '\n' || next.code == '\t')) ||
+            (breaks == Breaks::kKeepAll && next.code < 0x20)) {
             out += static_cast<char>(next.code);
         } else if (breaks == Breaks::kFold && IsBreak(next.code)) {
             spaceDue = true;

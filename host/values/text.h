@@ -53,8 +53,9 @@ void AppendUtf8(std::string& out, uint32_t code);
 // old code pages, binary values, or escape sequences meant to change what the user sees.
 
 enum class Breaks {
-    kFold,  // each run of tabs and line breaks becomes one space, and none at the ends
-    kKeep,  // tabs and line breaks are kept; CR LF becomes LF
+    kFold,     // each run of tabs and line breaks becomes one space, and none at the ends
+    kKeep,     // tabs and line breaks are kept; CR LF becomes LF
+    kKeepAll,  // all characters below U+0020 are kept, for JSON, which escapes them
 };
 
 // Valid UTF-8 without control characters. Bytes that are not UTF-8 are read as Latin-1. Other

@@ -6,6 +6,7 @@
 
 #include "values/ip_address.h"
 #include "values/oid_text.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -36,49 +37,54 @@ uint64_t BigEndian(std::string_view bytes) {
     return number;
 }
 
+// How the command line names a type.
+struct TypeWord {
+    std::string_view word;
+    char letter;
+    uint32_t type;
+    const char* problem;  // of text that is no such value
+};
+constexpr char kNoUnsigned[] = "a counter, gauge or time is from 0 to 4294967295";
+constexpr TypeWord kWords[] = {
+    {"integer", 'i', kInteger, "an integer is from -2147483648 to 2147483647"},
+    {"string", 's', kOctetString, ""},
+    {"hex", 'x', kOctetString, "hex takes pairs of digits, for example \"00 1B 44\" or 001B44"},
+    {"oid", 'o', kObjectIdentifier, "an OID is numeric, for example .1.3.6.1.2.1.1.1.0"},
+    {"ipaddress", 'a', kIpAddress, "an IP address has four parts, for example 192.168.1.20"},
+    {"counter", 'c', kCounter32, kNoUnsigned},
+    {"gauge", 'u', kGauge32, kNoUnsigned},
+    {"timeticks", 't', kTimeTicks, kNoUnsigned},
+    {"null", 'n', kNull, "null takes no value"}};
+
 // The shortest two's complement form: bytes are added until they hold the number with its sign.
-std::string IntegerBytes(int64_t number) {
+std::optional<std::string> ParseInteger(std::string_view text, int64_t lowest, int64_t highest) {
+    int64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < lowest || number > highest)
+        return std::nullopt;
     std::string bytes(1, static_cast<char>(number & 0xFF));
     for (; number < -128 || number > 127; bytes.insert(0, 1, static_cast<char>(number & 0xFF)))
         number >>= 8;
     return bytes;
 }
 
-std::optional<int64_t> ParseNumber(std::string_view text, int64_t lowest, int64_t highest) {
-    int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    const bool isNumber = error == std::errc() && rest == end;
-    if (!isNumber || number < lowest || number > highest) return std::nullopt;
-    return number;
-}
-
-std::optional<std::string> ParseContent(uint32_t type, bool isHex, std::string_view text,
-                                        std::string& problem) {
-    std::optional<std::string> bytes;
-    if (type == kInteger) {
-        problem = "an integer is from -2147483648 to 2147483647";
-        if (const auto number = ParseNumber(text, INT32_MIN, INT32_MAX))
-            bytes = IntegerBytes(*number);
-    } else if (type == kCounter32 || type == kGauge32 || type == kTimeTicks) {
-        problem = "a counter, gauge or time is from 0 to 4294967295";
-        if (const auto number = ParseNumber(text, 0, UINT32_MAX)) bytes = IntegerBytes(*number);
-    } else if (type == kObjectIdentifier) {
-        problem = "an OID is numeric, for example .1.3.6.1.2.1.1.1.0";
-        if (const auto oid = ParseOid(text); oid && oid->size() >= 2) bytes = EncodeOid(*oid);
-    } else if (type == kIpAddress) {
-        problem = "an IP address has four parts, for example 192.168.1.20";
-        if (const auto address = ParseIpAddress(text); address && address->IsIPv4())
-            bytes = address->bytes;
-    } else if (type == kNull) {
-        problem = "null takes no value";
-        if (text.empty()) bytes.emplace();
-    } else if (isHex) {
-        problem = "hex takes pairs of digits, for example \"00 1B 44\" or 001B44";
+std::optional<std::string> ParseContent(const TypeWord& as, std::string_view text) {
+    if (as.letter == 's') return std::string(text);
+    if (as.letter == 'x') {
         const bool isPrefixed = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
-        bytes = ParseHex(text.substr(isPrefixed ? 2 : 0), " :-");
+        return ParseHex(text.substr(isPrefixed ? 2 : 0), " :-");
+    }
+    std::optional<std::string> bytes;
+    if (as.type == kNull) {
+        if (text.empty()) bytes.emplace();
+    } else if (as.type == kObjectIdentifier) {
+        if (const auto oid = ParseOid(text); oid && oid->size() >= 2) bytes = EncodeOid(*oid);
+    } else if (as.type == kIpAddress) {
+        if (const auto ip = ParseIpAddress(text); ip && ip->IsIPv4()) bytes = ip->bytes;
     } else {
-        bytes.emplace(text);
+        bytes = as.type == kInteger ? ParseInteger(text, INT32_MIN, INT32_MAX)
+                                    : ParseInteger(text, 0, UINT32_MAX);
     }
     return bytes;
 }
@@ -100,12 +106,10 @@ std::optional<uint64_t> UnsignedNumber(std::string_view bytes) {
 
 std::string TickText(uint64_t ticks) {
     const uint64_t seconds = ticks / 100;
+    const auto part = [](uint64_t number) { return static_cast<unsigned>(number); };
     char text[64];
-    std::snprintf(text, sizeof text, "%llu:%02llu:%02llu.%02llu",
-                  static_cast<unsigned long long>(seconds / 3600 % 24),
-                  static_cast<unsigned long long>(seconds / 60 % 60),
-                  static_cast<unsigned long long>(seconds % 60),
-                  static_cast<unsigned long long>(ticks % 100));
+    std::snprintf(text, sizeof text, "%u:%02u:%02u.%02u", part(seconds / 3600 % 24),
+                  part(seconds / 60 % 60), part(seconds % 60), part(ticks % 100));
     const uint64_t days = seconds / 86400;
     if (days == 0) return text;
     return std::to_string(days) + (days == 1 ? " day, " : " days, ") + text;
@@ -128,9 +132,7 @@ std::string TypeName(uint32_t type) {
     for (const auto& [known, name] : kTypes) {
         if (known == type) return name;
     }
-    char text[24];
-    std::snprintf(text, sizeof text, "type 0x%02X", static_cast<unsigned>(type));
-    return text;
+    return "type 0x" + HexText(std::string(1, static_cast<char>(type)), "");
 }
 
 bool IsNoValue(uint32_t type) {
@@ -171,35 +173,20 @@ std::string FormatValue(uint32_t type, std::string_view bytes) {
 
 std::optional<SetValue> ParseSetValue(std::string_view type, std::string_view text,
                                       std::string& problem) {
-    struct Word {
-        std::string_view word;
-        uint32_t type;
-        char letter;
-    };
-    constexpr Word kWords[] = {{"integer", kInteger, 'i'},
-                               {"string", kOctetString, 's'},
-                               {"hex", kOctetString, 'x'},
-                               {"oid", kObjectIdentifier, 'o'},
-                               {"ipaddress", kIpAddress, 'a'},
-                               {"counter", kCounter32, 'c'},
-                               {"gauge", kGauge32, 'u'},
-                               {"timeticks", kTimeTicks, 't'},
-                               {"null", kNull, 'n'}};
-    for (const Word& known : kWords) {
-        const bool isLetter = type.size() == 1 && type.front() == known.letter;
-        if (!isLetter && type != known.word) continue;
-        auto bytes = ParseContent(known.type, known.letter == 'x', text, problem);
-        if (!bytes) return std::nullopt;
-        if (bytes->size() > 126) {
-            problem =
-                "the value has " + std::to_string(bytes->size()) + " bytes, a request holds 126";
-            return std::nullopt;
-        }
-        return SetValue{known.type, std::move(*bytes)};
+    const TypeWord* const known = FindIf(kWords, [&](const TypeWord& one) {
+        return type == one.word || type == std::string_view(&one.letter, 1);
+    });
+    if (!known) {
+        problem = "'" + std::string(type) +
+                  "' is not a type; the types are integer (i), string (s), hex (x), oid (o), "
+                  "ipaddress (a), counter (c), gauge (u), timeticks (t), null (n)";
+        return std::nullopt;
     }
-    problem = "'" + std::string(type) +
-              "' is not a type; the types are integer (i), string (s), hex (x), oid (o), "
-              "ipaddress (a), counter (c), gauge (u), timeticks (t), null (n)";
+    auto bytes = ParseContent(*known, text);
+    if (bytes && bytes->size() <= 126) return SetValue{known->type, std::move(*bytes)};
+    problem = bytes
+                  ? "the value has " + std::to_string(bytes->size()) + " bytes, a request holds 126"
+                  : known->problem;
     return std::nullopt;
 }
 

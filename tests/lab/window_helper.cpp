@@ -23,7 +23,7 @@
 #include "platform/wide_text.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
-#include "window/store/profiles.h"
+#include "window/store/settings.h"
 #include "window/work/module_engine.h"
 #include "wsd/wsd_message.h"
 
@@ -57,14 +57,13 @@ void WriteCall(const std::string& path, const Call& call) {
 void WriteTexts(const std::string& folder) {
     SweepStep step;
     step.oid = *ParseOidOrName("sysName.0");
-    step.credentials.community = ToUtf8(Environment(L"VNDISCOVER_COMMUNITY"));
+    step.login.community = ToUtf8(Environment(L"VNDISCOVER_COMMUNITY"));
     WriteCall(folder + "sweep_v1", CallOf(step, ""));
     step.useIPv6 = true;
     WriteCall(folder + "sweep_ipv6", CallOf(step, ""));
-    step.credentials.security = std::make_shared<const Security>(User());
-    AskTarget target = {"10.77.1.2", SweepKind::kSnmpV1, step.credentials};
+    AskTarget target = {"10.77.1.2", step.login};
     WriteCall(folder + "ask_v1", CallOf(target, *ParseOidOrName("sysContact")));
-    target.kind = SweepKind::kSnmpV3;
+    step.login.security = target.login.security = std::make_shared<const Security>(User());
     WriteCall(folder + "ask_v3", CallOf(target, *ParseOidOrName("sysContact")));
     step.useIPv6 = false;
     step.kind = SweepKind::kSnmpV3;
@@ -89,10 +88,9 @@ int Failed(const std::string& problem) {
 }
 
 AskTarget TargetOf(const std::string& host) {
-    AskTarget target = {host, SweepKind::kSnmpV1, {}};
-    if (Environment(L"VNDISCOVER_AUTH_PASS").empty()) return target;
-    target.kind = SweepKind::kSnmpV3;
-    target.credentials.security = std::make_shared<const Security>(User());
+    AskTarget target = {host};
+    if (!Environment(L"VNDISCOVER_AUTH_PASS").empty())
+        target.login.security = std::make_shared<const Security>(User());
     return target;
 }
 

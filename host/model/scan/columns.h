@@ -36,16 +36,14 @@ struct RowSource {
     const FoundDevice& device;
     const AdapterList& ipv4;
     std::vector<std::string> addresses;  // plain text, in the order of their numbers
-    PrinterSummary summary;
+    const PrinterSummary& summary;
     const Standing& standing;
 };
 // The cells of columns. Text is plain; empty: unknown.
 std::string AddressCell(const RowSource& source);
 std::string IdentityCell(const RowSource& source, MergeKey key);
-std::string StateCell(const RowSource& source);     // see StateText
 std::string ProtocolCell(const RowSource& source);  // by which it answered
 std::string NetworkCell(const RowSource& source);   // of this computer, "10.77.1.0/24"
-std::string LastSeenCell(const RowSource& source);  // UTC, as in ScanAnswer
 
 struct ColumnInfo {
     Column column;
@@ -67,13 +65,15 @@ inline constexpr ColumnInfo kColumns[] = {
      false},
     {Column::kMac, [](const RowSource& source) { return IdentityCell(source, MergeKey::kMac); },
      120, 7, false},
-    {Column::kState, StateCell, 138, 0, true, ColumnInfo::Order::kSeverity},
+    {Column::kState,
+     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 138, 0,
+     true, ColumnInfo::Order::kSeverity},
     {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 162, 5, true,
      ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},
     {Column::kProtocols, ProtocolCell, 100, 8, false},
     {Column::kNetwork, NetworkCell, 100, 9, false},
-    {Column::kLastSeen, LastSeenCell, 140, 10, false, ColumnInfo::Order::kText,
-     ColumnInfo::Look::kTime},
+    {Column::kLastSeen, [](const RowSource& source) { return source.standing.lastAnswer; }, 140, 10,
+     false, ColumnInfo::Order::kText, ColumnInfo::Look::kTime},
     {Column::kSupplyList,
      [](const RowSource& source) { return SuppliesText(*source.device.facts); }, 300, 11, false},
     {Column::kLocation, [](const RowSource& source) { return source.device.facts->location; }, 85,

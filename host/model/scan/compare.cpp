@@ -11,7 +11,6 @@
 #include "values/text.h"
 
 namespace vndiscover::host {
-
 namespace {
 
 std::string Addresses(const FoundDevice& device, bool isIPv6) {
@@ -144,6 +143,20 @@ class Matcher {
     std::vector<std::optional<std::pair<size_t, MergeKey>>> matches_;
 };
 
+constexpr size_t kMaxChanges = 10000;
+
+std::string KeyOf(const DeviceRow& row) {
+    const std::string& serial = row.Text(Column::kSerial);
+    return serial.empty() ? row.Text(Column::kAddress) : serial;
+}
+
+// What counts as a change: not the level of a supply, but that it has become low or empty.
+std::string StateOf(const DeviceRow& row) {
+    const std::string& state = row.Text(Column::kState);
+    if (!row.standing.Holds() || row.summary.supplySeverity == Severity::kFine) return state;
+    return state + (row.summary.lowestSupply == 0 ? ", a supply is empty" : ", a supply is low");
+}
+
 }  // namespace
 
 bool DeviceChange::HasOnlyPageCounts() const {
@@ -162,25 +175,6 @@ Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevi
     comparison.after = std::move(after);
     return comparison;
 }
-
-namespace {
-
-constexpr size_t kMaxChanges = 10000;
-
-std::string KeyOf(const DeviceRow& row) {
-    const std::string& serial = row.Text(Column::kSerial);
-    return serial.empty() ? row.Text(Column::kAddress) : serial;
-}
-
-// What counts as a change: not the level of a supply, but that it has become low or empty.
-std::string StateOf(const DeviceRow& row) {
-    const std::string& state = row.Text(Column::kState);
-    if (!row.standing.Holds() || row.supplySeverity == Severity::kFine) return state;
-    return state + (row.lowestSupply == 0 ? ", a supply is empty" : ", a supply is low");
-}
-
-}  // namespace
-
 bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;

@@ -10,6 +10,8 @@
 
 namespace vndiscover::host {
 
+struct DeviceRow;
+
 struct FieldChange {
     // "address", "name", "firmware", "device", "printer", "errors", "alerts", the name of a supply,
     // "page count", "page count 2"
@@ -40,9 +42,6 @@ struct Comparison {
 Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after);
 
 // What has changed in a list that is watched: the states of its devices.
-
-struct DeviceRow;
-
 struct StateChange {
     std::string time;  // UTC, as in ScanAnswer
     std::string device, before, after;

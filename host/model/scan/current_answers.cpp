@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <numeric>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -45,17 +46,16 @@ bool IsOfState(const Oid& oid) {
 
 // Removes sweeps without a current answer before the last search. Returns the others' new numbers.
 std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
-    size_t lastSearch = 0;
+    size_t lastSearch = 1;  // 0 is none
     for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
-    std::vector<bool> isKept(scan.sweeps.size());
-    for (const size_t index : current) isKept[scan.answers[index].sweep] = true;
-    std::vector<size_t> numbers(scan.sweeps.size());
+    std::set<size_t> isKept;
+    for (const size_t index : current) isKept.insert(scan.answers[index].sweep);
+    std::vector<size_t> numbers;
     std::vector<ScanSweep> sweeps;
-    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
-        numbers[index] = sweeps.size();
-        const ScanSweep& sweep = scan.sweeps[index];
-        if (isKept[index] || (sweep.search != 0 && sweep.search == lastSearch))
-            sweeps.push_back(sweep);
+    for (const ScanSweep& sweep : scan.sweeps) {
+        const size_t index = numbers.size();
+        numbers.push_back(sweeps.size());
+        if (isKept.count(index) != 0 || sweep.search == lastSearch) sweeps.push_back(sweep);
     }
     scan.sweeps = std::move(sweeps);
     return numbers;
@@ -68,8 +68,7 @@ bool IsState(const Oid& oid) {
 }
 
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
-    if (answers.empty()) return {};
-    if (answers.size() == 1) return {answers.front()};
+    if (answers.size() < 2) return answers;
     std::map<Question, size_t> sweeps;          // the last with an answer to it
     std::map<Origin, size_t> readings, states;  // the last complete one, or one with a state
     const auto latest = [](auto& known, const auto& key, size_t sweep) {

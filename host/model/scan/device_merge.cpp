@@ -24,8 +24,7 @@ using Descriptions = std::map<std::vector<size_t>, FoundDevice>;
 
 class Merger {
   public:
-    // Moves the descriptions that it needs from `described` to its own.
-    Merger(const Scan& scan, Descriptions& described) : scan_(scan), former_(described) {
+    Merger(const Scan& scan, Descriptions& known) : scan_(scan), known_(known) {
         MakeContacts();
         for (const auto& [one, other] : scan.splits) {
             const size_t first = contactOf_[one], second = contactOf_[other];
@@ -34,15 +33,17 @@ class Merger {
         }
     }
 
+    // Leaves the descriptions of these devices as the known ones.
     std::vector<FoundDevice> Make() {
         for (const MergeKey key : kMergeKeys) MergeBy(key);
-        return Devices();
+        std::vector<FoundDevice> devices = Devices();
+        known_ = std::move(described_);
+        return devices;
     }
-    Descriptions& Described() { return described_; }
 
   private:
     const FoundDevice& Describe(std::vector<size_t> answers) {
-        if (auto known = former_.extract(answers); !known.empty())
+        if (auto known = known_.extract(answers); !known.empty())
             return described_.insert(std::move(known)).position->second;
         FoundDevice device = DescribeDevice(scan_, answers);
         return described_.try_emplace(std::move(answers), std::move(device)).first->second;
@@ -116,37 +117,30 @@ class Merger {
     }
 
     std::vector<FoundDevice> Devices() {
-        std::vector<std::vector<size_t>> members(contacts_.size());
-        for (size_t contact = 0; contact < contacts_.size(); ++contact)
-            members[First(contact)].push_back(contact);
+        std::vector<std::vector<size_t>> answers(contacts_.size());  // of the groups
+        for (size_t contact = 0; contact < contacts_.size(); ++contact) {
+            const std::vector<size_t>& own = contacts_[contact].device.answers;
+            std::vector<size_t>& all = answers[First(contact)];
+            all.insert(all.end(), own.begin(), own.end());
+        }
         std::vector<FoundDevice> devices;
         for (size_t first = 0; first < contacts_.size(); ++first) {
-            if (members[first].empty()) continue;
-            FoundDevice& device = contacts_[first].device;
-            if (members[first].size() > 1) {
-                device = Describe(AnswersOf(members[first]));
+            if (answers[first].empty()) continue;
+            Contact& group = contacts_[first];
+            if (answers[first].size() > group.device.answers.size()) {
+                std::sort(answers[first].begin(), answers[first].end());
+                group.device = Describe(std::move(answers[first]));
                 // Keeps all identities of the device, even if later answers replaced some of them.
-                device.identity = std::move(contacts_[first].group);
-                const std::list<Merge>& merges = contacts_[first].merges;
-                device.merges.assign(merges.begin(), merges.end());
+                group.device.identity = std::move(group.group);
+                group.device.merges.assign(group.merges.begin(), group.merges.end());
             }
-            devices.push_back(std::move(device));
+            devices.push_back(std::move(group.device));
         }
         return devices;
     }
 
-    std::vector<size_t> AnswersOf(const std::vector<size_t>& contacts) const {
-        std::vector<size_t> answers;
-        for (const size_t contact : contacts) {
-            const auto& own = contacts_[contact].device.answers;
-            answers.insert(answers.end(), own.begin(), own.end());
-        }
-        std::sort(answers.begin(), answers.end());
-        return answers;
-    }
-
     const Scan& scan_;
-    Descriptions& former_;
+    Descriptions& known_;
     Descriptions described_;
     std::vector<size_t> contactOf_;  // by answer
     std::vector<Contact> contacts_;  // in the order of their first answers
@@ -155,10 +149,7 @@ class Merger {
 }  // namespace
 
 std::vector<FoundDevice> DeviceMaker::Make(const Scan& scan) {
-    Merger merger(scan, described_);
-    std::vector<FoundDevice> devices = merger.Make();
-    described_ = std::move(merger.Described());
-    return devices;
+    return Merger(scan, described_).Make();
 }
 
 std::vector<FoundDevice> MakeDevices(const Scan& scan) { return DeviceMaker().Make(scan); }

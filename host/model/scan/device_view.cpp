@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "values/ip_address.h"
 #include "values/ranges.h"
@@ -32,18 +33,15 @@ bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
 
 DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4,
                 const Standing& standing, const LevelLimits& limits) {
-    const PrinterSummary summary = SummaryOf(*device.facts, limits);
-    const RowSource source = {scan, device, ipv4, AddressesOf(device), summary, standing};
     DeviceRow row;
-    row.standing = standing;
-    row.isNoPrinter = IsNoPrinter(device, standing);
-    if (standing.Holds()) row.severity = summary.severity;
     row.answers = device.answers;
+    row.summary = SummaryOf(*device.facts, limits);
+    row.standing = standing;
+    if (standing.Holds()) row.severity = row.summary.severity;
+    row.isNoPrinter = IsNoPrinter(device, standing);
+    const RowSource source = {scan, device, ipv4, AddressesOf(device), row.summary, standing};
     for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
     if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
-    row.lowestSupply = summary.lowestSupply;
-    row.supplyColour = summary.supplyColour;
-    row.supplySeverity = summary.supplySeverity;
     return row;
 }
 
@@ -54,10 +52,6 @@ std::string AddressCell(const RowSource& source) { return Joined(source.addresse
 std::string IdentityCell(const RowSource& source, MergeKey key) {
     return JoinedAs(source.device.identity.Of(key),
                     [](const std::string& value) { return PlainText(value); });
-}
-
-std::string StateCell(const RowSource& source) {
-    return StateText(source.standing, source.summary);
 }
 
 std::string ProtocolCell(const RowSource& source) {
@@ -82,20 +76,15 @@ std::string NetworkCell(const RowSource& source) {
     return "";
 }
 
-std::string LastSeenCell(const RowSource& source) { return source.standing.lastAnswer; }
-
 std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundDevice>& devices,
                                       const AdapterList& ipv4,
                                       const std::vector<Standing>& standings) {
-    std::unordered_map<size_t, DeviceRow> known = std::move(rows_);
-    rows_.clear();
+    std::unordered_map<size_t, DeviceRow> known = std::exchange(rows_, {});
     std::vector<DeviceRow> rows;
     rows.reserve(devices.size());
     for (size_t index = 0; index < devices.size(); ++index) {
         const FoundDevice& device = devices[index];
-        const Standing standing = index < standings.size()
-                                      ? standings[index]
-                                      : StandingOf(scan, device, nullptr, false, {});
+        const Standing& standing = standings[index];
         const auto found = known.find(device.answers.front());
         const bool isKept = found != known.end() && found->second.answers == device.answers &&
                             found->second.standing == standing;
@@ -145,29 +134,25 @@ bool DeviceView::Passes(const DeviceRow& row) const {
 // Negative: `left` comes first. Unknown values come last in either direction.
 int DeviceView::Compare(const DeviceRow& left, const DeviceRow& right,
                         ColumnInfo::Order order) const {
+    using Order = ColumnInfo::Order;
     const auto directed = [this](int result) { return isDescending_ ? -result : result; };
-    switch (order) {
-        case ColumnInfo::Order::kAddress:
-            return directed(left.addressOrder.compare(right.addressOrder));
-        case ColumnInfo::Order::kLevel:
-            if (left.lowestSupply.has_value() != right.lowestSupply.has_value())
-                return left.lowestSupply ? -1 : 1;
-            return left.lowestSupply ? directed(*left.lowestSupply - *right.lowestSupply) : 0;
-        case ColumnInfo::Order::kSeverity: {
-            const int severity =
-                directed(static_cast<int>(left.severity) - static_cast<int>(right.severity));
-            if (severity != 0) return severity;
-            const int level = Compare(left, right, ColumnInfo::Order::kLevel);
-            return level != 0 ? level : left.addressOrder.compare(right.addressOrder);
-        }
-        case ColumnInfo::Order::kNumber:
-        case ColumnInfo::Order::kText:
-            break;
+    if (order == Order::kAddress) return directed(left.addressOrder.compare(right.addressOrder));
+    if (order == Order::kLevel) {
+        const auto &one = left.summary.lowestSupply, &other = right.summary.lowestSupply;
+        if (one.has_value() != other.has_value()) return one ? -1 : 1;
+        return directed(one.value_or(0) - other.value_or(0));
+    }
+    if (order == Order::kSeverity) {
+        const int severity =
+            directed(static_cast<int>(left.severity) - static_cast<int>(right.severity));
+        if (severity != 0) return severity;
+        const int level = Compare(left, right, Order::kLevel);
+        return level != 0 ? level : left.addressOrder.compare(right.addressOrder);
     }
     const std::string& a = left.Text(column_);
     const std::string& b = right.Text(column_);
     if (a.empty() != b.empty()) return b.empty() ? -1 : 1;
-    if (order == ColumnInfo::Order::kNumber && a.size() != b.size())
+    if (order == Order::kNumber && a.size() != b.size())
         return directed(a.size() < b.size() ? -1 : 1);
     return directed(Lower(a).compare(Lower(b)));
 }
@@ -198,9 +183,7 @@ void DeviceView::Select(const std::vector<size_t>& rows, std::optional<size_t> f
 std::vector<size_t> DeviceView::Selection() const {
     std::vector<size_t> rows;
     for (size_t index = 0; !selected_.empty() && index < shown_.size(); ++index) {
-        const std::vector<size_t>& answers = Row(index).answers;
-        if (std::any_of(answers.begin(), answers.end(),
-                        [this](size_t answer) { return selected_.count(answer) != 0; }))
+        if (AnyOf(Row(index).answers, [this](size_t one) { return selected_.count(one) != 0; }))
             rows.push_back(index);
     }
     return rows;
@@ -208,11 +191,11 @@ std::vector<size_t> DeviceView::Selection() const {
 
 std::optional<size_t> DeviceView::Selected() const {
     const std::vector<size_t> rows = Selection();
-    const auto focused = std::find_if(rows.begin(), rows.end(), [this](size_t index) {
+    const size_t* const focused = FindIf(rows, [this](size_t index) {
         const std::vector<size_t>& answers = Row(index).answers;
         return focused_ && std::binary_search(answers.begin(), answers.end(), *focused_);
     });
-    if (focused != rows.end()) return *focused;
+    if (focused) return *focused;
     return rows.empty() ? std::nullopt : std::optional(rows.front());
 }
 

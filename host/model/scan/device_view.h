@@ -20,11 +20,9 @@ struct DeviceRow {
     std::vector<size_t> answers;  // as in FoundDevice
     std::array<std::string, kColumnCount> texts;
     std::string addressOrder;  // see AddressOrder
-    std::optional<int> lowestSupply;
-    std::string supplyColour;
-    Severity supplySeverity = Severity::kFine;  // as in PrinterSummary
+    PrinterSummary summary;
     Standing standing;
-    Severity severity = Severity::kUnknown;  // unknown if the last one does not hold
+    Severity severity = Severity::kUnknown;  // the summary's, if that holds
     bool isNoPrinter = false;                // as far as was read
 
     const std::string& Text(Column column) const { return texts[static_cast<size_t>(column)]; }
@@ -36,10 +34,9 @@ class RowMaker {
   public:
     explicit RowMaker(const LevelLimits& limits = {}) : limits_(limits) {}
 
-    // In the order of the devices, as are `standings`; without them, none was asked in a search.
+    // In the order of the devices, as are `standings`.
     std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
-                                const AdapterList& ipv4,
-                                const std::vector<Standing>& standings = {});
+                                const AdapterList& ipv4, const std::vector<Standing>& standings);
 
   private:
     LevelLimits limits_;

@@ -1,6 +1,5 @@
 #include "model/scan/device_writer.h"
 
-#include <cjson/cJSON.h>
 #include <initializer_list>
 #include <string_view>
 #include <utility>
@@ -12,7 +11,6 @@
 #include "values/value_text.h"
 
 namespace vndiscover::host {
-
 namespace {
 
 // Of an SNMPv1 result message, as bytes. Only an OCTET STRING can be longer than 127 bytes.
@@ -23,6 +21,111 @@ std::string AnswerValue(std::string_view value) {
     const auto answers = AnswersOf(document.get());
     return answers.empty() ? std::string(value) : answers.front().second;
 }
+
+JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value) {
+    JsonItem element(cJSON_CreateObject());
+    AddText(element.get(), "address", address);
+    JsonItem document = kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    if (document) {
+        cJSON_AddItemToObject(element.get(), "value", document.release());
+    } else if (kind == ValueKind::kDocument) {
+        AddText(element.get(), "value", value);
+    } else {
+        const std::string bytes = kind == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
+        AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
+    }
+    return element;
+}
+
+using Texts = std::initializer_list<std::pair<const char*, std::string_view>>;
+
+void AddMembers(cJSON* object, Texts texts) {
+    for (const auto& [name, text] : texts) AddText(object, name, text);
+}
+
+void AddOrNull(cJSON* object, Texts texts) {
+    for (const auto& [name, text] : texts) {
+        if (text.empty()) {
+            cJSON_AddNullToObject(object, name);
+        } else {
+            AddText(object, name, text);
+        }
+    }
+}
+
+template <class Number>
+void AddOrNull(cJSON* object, const char* name, const std::optional<Number>& number) {
+    if (number) {
+        AddNumber(object, name, *number);
+    } else {
+        cJSON_AddNullToObject(object, name);
+    }
+}
+
+void AddLevel(cJSON* object, const Level& level) {
+    AddOrNull(object, "level", level.level);
+    AddOrNull(object, "maximum", level.maximum);
+    AddOrNull(object, {{"unit", level.unit}});
+    AddOrNull(object, "percent", PercentOf(level));
+    AddText(object, "text", LevelText(level));
+}
+
+// What a report and a list say of a printer.
+void AddPrinter(cJSON* root, const PrinterFacts& facts) {
+    AddOrNull(root, {{"model", facts.model},
+                     {"serialNumber", facts.serialNumber},
+                     {"name", facts.name},
+                     {"location", facts.location},
+                     {"deviceStatus", facts.deviceStatus},
+                     {"printerStatus", facts.printerStatus}});
+    if (facts.errors) {
+        AddTexts(root, "errors", *facts.errors);
+        AddText(root, "errorBits", HexText(facts.errorBits, " "));
+    } else {
+        cJSON_AddNullToObject(root, "errors");
+        cJSON_AddNullToObject(root, "errorBits");
+    }
+    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
+        AddNumber(object, "count", count.count);
+        AddOrNull(object, {{"unit", count.unit}});
+    });
+    AddObjects(root, "supplies", facts.supplies, [](cJSON* object, const Supply& supply) {
+        AddOrNull(object, {{"description", supply.description},
+                           {"colour", supply.colour},
+                           {"type", supply.type}});
+        cJSON_AddBoolToObject(object, "isReceptacle", supply.level.isReceptacle);
+        AddLevel(object, supply.level);
+    });
+}
+
+void AddPlan(cJSON* root, const char* name, const SweepPlan& plan) {
+    cJSON* object = cJSON_AddObjectToObject(root, name);
+    AddNumber(object, "adapters", plan.adapters);
+    AddNumber(object, "seconds", plan.seconds);
+    AddObjects(object, "addresses", plan.rows, [](cJSON* element, const SweepRow& row) {
+        AddMembers(element, {{"address", row.address},
+                             {"adapter", row.adapter},
+                             {"description", row.description},
+                             {"kind", row.kind},
+                             {"state", row.state}});
+        AddNumber(element, "seconds", row.seconds);
+    });
+}
+
+void AddFirewall(cJSON* root, const FirewallReport& report) {
+    cJSON* object = cJSON_AddObjectToObject(root, "firewall");
+    cJSON_AddBoolToObject(object, "isKnown", report.isKnown);
+    cJSON_AddBoolToObject(object, "isOverriddenByPolicy", report.isOverridden);
+    AddObjects(object, "ports", report.ports, [](cJSON* element, const PortVerdict& verdict) {
+        AddText(element, "profile", verdict.profile);
+        AddNumber(element, "port", verdict.port);
+        AddMembers(element,
+                   {{"answers", PassageText(verdict.passage)}, {"reason", verdict.reason}});
+    });
+    AddTexts(object, "commands", report.commands);
+}
+
+std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; }
 
 }  // namespace
 
@@ -51,21 +154,6 @@ std::string DeviceWriter::TableRow(std::string_view address, std::string_view va
     return rows;
 }
 
-JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value) {
-    JsonItem element(cJSON_CreateObject());
-    AddText(element.get(), "address", address);
-    JsonItem document = kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
-    if (document) {
-        cJSON_AddItemToObject(element.get(), "value", document.release());
-    } else if (kind == ValueKind::kDocument) {
-        AddText(element.get(), "value", value);
-    } else {
-        const std::string bytes = kind == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
-        AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
-    }
-    return element;
-}
-
 std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
     if (format_ == Format::kJson) {
         array_.Add(DeviceItem(kind_, address, value).get());
@@ -84,118 +172,6 @@ std::string DeviceWriter::End() { return format_ == Format::kJson ? array_.Finis
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator) {
     return JoinedAs(cells, CsvCell, separator) + "\r\n";
 }
-
-namespace {
-
-using Texts = std::initializer_list<std::pair<const char*, std::string_view>>;
-
-void AddMembers(cJSON* object, Texts texts) {
-    for (const auto& [name, text] : texts) AddText(object, name, text);
-}
-
-void AddOrNull(cJSON* object, Texts texts) {
-    for (const auto& [name, text] : texts) {
-        if (text.empty()) {
-            cJSON_AddNullToObject(object, name);
-        } else {
-            AddText(object, name, text);
-        }
-    }
-}
-
-template <class Number>
-void AddOrNull(cJSON* object, const char* name, const std::optional<Number>& number) {
-    if (number) {
-        AddNumber(object, name, std::to_string(*number));
-    } else {
-        cJSON_AddNullToObject(object, name);
-    }
-}
-
-template <class Rows, class Fill>
-void AddObjects(cJSON* parent, const char* name, const Rows& rows, Fill fill) {
-    cJSON* array = cJSON_AddArrayToObject(parent, name);
-    for (const auto& row : rows) {
-        JsonItem object(cJSON_CreateObject());
-        fill(object.get(), row);
-        cJSON_AddItemToArray(array, object.release());
-    }
-}
-
-void AddLevel(cJSON* object, const Level& level) {
-    AddOrNull(object, "level", level.level);
-    AddOrNull(object, "maximum", level.maximum);
-    AddOrNull(object, {{"unit", level.unit}});
-    AddOrNull(object, "percent", PercentOf(level));
-    AddText(object, "text", LevelText(level));
-}
-
-// What a report and a list say of a printer.
-void AddPrinter(cJSON* root, const PrinterFacts& facts) {
-    AddOrNull(root, {{"model", facts.model},
-                     {"serialNumber", facts.serialNumber},
-                     {"name", facts.name},
-                     {"location", facts.location},
-                     {"deviceStatus", facts.deviceStatus},
-                     {"printerStatus", facts.printerStatus}});
-    if (facts.errors) {
-        AddTexts(root, "errors", *facts.errors);
-        AddText(root, "errorBits", HexText(facts.errorBits, " "));
-    } else {
-        cJSON_AddNullToObject(root, "errors");
-        cJSON_AddNullToObject(root, "errorBits");
-    }
-    AddObjects(root, "pageCounts", facts.pageCounts, [](cJSON* object, const PageCount& count) {
-        AddNumber(object, "count", std::to_string(count.count));
-        AddOrNull(object, {{"unit", count.unit}});
-    });
-    AddObjects(root, "supplies", facts.supplies, [](cJSON* object, const Supply& supply) {
-        AddOrNull(object, {{"description", supply.description},
-                           {"colour", supply.colour},
-                           {"type", supply.type}});
-        cJSON_AddBoolToObject(object, "isReceptacle", supply.level.isReceptacle);
-        AddLevel(object, supply.level);
-    });
-}
-
-void AddPlan(cJSON* root, const char* name, const SweepPlan& plan) {
-    cJSON* object = cJSON_AddObjectToObject(root, name);
-    cJSON_AddNumberToObject(object, "adapters", static_cast<double>(plan.adapters));
-    cJSON_AddNumberToObject(object, "seconds", plan.seconds);
-    AddObjects(object, "addresses", plan.rows, [](cJSON* element, const SweepRow& row) {
-        AddMembers(element, {{"address", row.address},
-                             {"adapter", row.adapter},
-                             {"description", row.description},
-                             {"kind", row.kind},
-                             {"state", row.state}});
-        cJSON_AddNumberToObject(element, "seconds", row.seconds);
-    });
-}
-
-void AddFirewall(cJSON* root, const FirewallReport& report) {
-    cJSON* object = cJSON_AddObjectToObject(root, "firewall");
-    cJSON_AddBoolToObject(object, "isKnown", report.isKnown);
-    cJSON_AddBoolToObject(object, "isOverriddenByPolicy", report.isOverridden);
-    AddObjects(object, "ports", report.ports, [](cJSON* element, const PortVerdict& verdict) {
-        AddText(element, "profile", verdict.profile);
-        cJSON_AddNumberToObject(element, "port", verdict.port);
-        AddMembers(element,
-                   {{"answers", PassageText(verdict.passage)}, {"reason", verdict.reason}});
-    });
-    AddTexts(object, "commands", report.commands);
-}
-
-void AddDevices(cJSON* root, const char* name, const std::vector<FoundDevice>& devices,
-                const std::vector<size_t>& indexes) {
-    cJSON* array = cJSON_AddArrayToObject(root, name);
-    for (const size_t index : indexes)
-        cJSON_AddItemToArray(array, DeviceJson(devices[index]).release());
-}
-
-std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; }
-
-}  // namespace
-
 std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
     const JsonItem item(cJSON_CreateObject());
     cJSON* const root = item.get();
@@ -261,7 +237,7 @@ std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwn
                                      {"snmpV3User", &diagnosis.user}}) {
         cJSON* const one = cJSON_AddObjectToObject(root.get(), name);
         AddMembers(one, {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
-        AddNumber(one, "milliseconds", std::to_string(step->ms));
+        AddNumber(one, "milliseconds", step->ms);
     }
     cJSON_AddItemToObject(root.get(), "isOnOwnNetwork",
                           isOnOwnNetwork ? cJSON_CreateBool(*isOnOwnNetwork) : cJSON_CreateNull());
@@ -271,21 +247,19 @@ std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwn
 
 std::string ComparisonJson(const Comparison& comparison) {
     const JsonItem root(cJSON_CreateObject());
-    AddDevices(root.get(), "new", comparison.after, comparison.added);
-    AddDevices(root.get(), "gone", comparison.before, comparison.gone);
-    cJSON* changed = cJSON_AddArrayToObject(root.get(), "changed");
-    for (const DeviceChange& change : comparison.changed) {
-        JsonItem device = DeviceJson(comparison.after[change.after]);
-        AddText(device.get(), "sameBy", KeyName(change.key));
-        AddObjects(
-            device.get(), "changes", change.fields, [](cJSON* one, const FieldChange& field) {
-                AddMembers(
-                    one,
-                    {{"field", field.field}, {"before", field.before}, {"after", field.after}});
-            });
-        cJSON_AddItemToArray(changed, device.release());
-    }
-    AddNumber(root.get(), "asBefore", std::to_string(comparison.same));
+    AddObjects(root.get(), "new", comparison.added,
+               [&](cJSON* device, size_t index) { AddDevice(device, comparison.after[index]); });
+    AddObjects(root.get(), "gone", comparison.gone,
+               [&](cJSON* device, size_t index) { AddDevice(device, comparison.before[index]); });
+    AddObjects(root.get(), "changed", comparison.changed, [&](cJSON* device, const auto& change) {
+        AddDevice(device, comparison.after[change.after]);
+        AddText(device, "sameBy", KeyName(change.key));
+        AddObjects(device, "changes", change.fields, [](cJSON* one, const FieldChange& field) {
+            AddMembers(one,
+                       {{"field", field.field}, {"before", field.before}, {"after", field.after}});
+        });
+    });
+    AddNumber(root.get(), "asBefore", comparison.same);
     return Line(root);
 }
 

@@ -23,8 +23,6 @@ enum class ValueKind {
     kAnswer,    // a filled-in request of RequestFor, whose only answer is the value
 };
 
-JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value);
-
 class DeviceWriter {
   public:
     // useIPv6: whether the address column is wider.

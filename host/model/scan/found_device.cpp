@@ -1,7 +1,5 @@
 #include "model/scan/found_device.h"
 
-#include <cjson/cJSON.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <set>
@@ -16,7 +14,6 @@
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {
-
 namespace {
 
 bool IsPlaceholder(MergeKey key, std::string_view value) {
@@ -30,38 +27,6 @@ bool HaveCommonValue(const std::set<std::string>& one, const std::set<std::strin
     const auto& many = one.size() < other.size() ? other : one;
     return AnyOf(few, [&](const std::string& value) { return many.count(value) != 0; });
 }
-
-}  // namespace
-
-const char* KeyName(MergeKey key) {
-    constexpr const char* kNames[] = {"serial number", "MAC address", "WS-Discovery endpoint",
-                                      "address"};
-    return kNames[static_cast<size_t>(key)];
-}
-
-void Identity::Add(MergeKey key, const std::string& value) {
-    if (!IsPlaceholder(key, value)) values_[static_cast<size_t>(key)].insert(value);
-}
-
-void Identity::Add(const Identity& other) {
-    for (const MergeKey key : kMergeKeys)
-        values_[static_cast<size_t>(key)].insert(other.Of(key).begin(), other.Of(key).end());
-}
-
-size_t Identity::Size() const {
-    size_t size = 0;
-    for (const auto& values : values_) size += values.size();
-    return size;
-}
-
-bool Identity::DiffersByStrongerKey(const Identity& other, MergeKey key) const {
-    return AnyOf(kMergeKeys, [&](MergeKey stronger) {
-        return stronger < key && !Of(stronger).empty() && !other.Of(stronger).empty() &&
-               !HaveCommonValue(Of(stronger), other.Of(stronger));
-    });
-}
-
-namespace {
 
 // A device replies a few times for each adapter. One that floods a sweep would cost seconds.
 constexpr size_t kMaxReplies = 256;
@@ -87,7 +52,10 @@ class Collector {
                 AddText(sweep.oid, ContentOf(kOctetString, answer.answer.bytes).bytes);
                 break;
             case AnswerForm::kDocument:
-                AddDocument(answer.answer.bytes);
+                for (const auto& [name, value] :
+                     AnswersOf(ParseDocument(answer.answer.bytes).get())) {
+                    if (const auto oid = ParseOid(name)) AddText(*oid, value);
+                }
                 break;
             case AnswerForm::kVariable:
                 variables_.values[answer.answer.oid] = answer.answer;
@@ -139,13 +107,6 @@ class Collector {
         known.type = kOctetString;
     }
 
-    void AddDocument(const std::string& text) {
-        const JsonItem document = ParseDocument(text);
-        for (const auto& [name, value] : AnswersOf(document.get())) {
-            if (const auto oid = ParseOid(name)) AddText(*oid, value);
-        }
-    }
-
     std::string TextWithin(const Oid& root) const {
         for (auto at = variables_.values.lower_bound(root);
              at != variables_.values.end() && IsWithin(at->first, root); ++at) {
@@ -164,11 +125,6 @@ class Collector {
     size_t stateSweep_ = SIZE_MAX, wholeSweep_ = SIZE_MAX;  // SIZE_MAX: none
 };
 
-std::vector<std::string> Values(const FoundDevice& device, MergeKey key) {
-    const auto& values = device.identity.Of(key);
-    return {values.begin(), values.end()};
-}
-
 void AddIndexes(cJSON* object, const std::vector<size_t>& indexes) {
     cJSON* array = cJSON_AddArrayToObject(object, "answers");
     for (const size_t index : indexes)
@@ -177,6 +133,33 @@ void AddIndexes(cJSON* object, const std::vector<size_t>& indexes) {
 
 }  // namespace
 
+const char* KeyName(MergeKey key) {
+    constexpr const char* kNames[] = {"serial number", "MAC address", "WS-Discovery endpoint",
+                                      "address"};
+    return kNames[static_cast<size_t>(key)];
+}
+
+void Identity::Add(MergeKey key, const std::string& value) {
+    if (!IsPlaceholder(key, value)) values_[static_cast<size_t>(key)].insert(value);
+}
+
+void Identity::Add(const Identity& other) {
+    for (const MergeKey key : kMergeKeys)
+        values_[static_cast<size_t>(key)].insert(other.Of(key).begin(), other.Of(key).end());
+}
+
+size_t Identity::Size() const {
+    size_t size = 0;
+    for (const auto& values : values_) size += values.size();
+    return size;
+}
+
+bool Identity::DiffersByStrongerKey(const Identity& other, MergeKey key) const {
+    return AnyOf(kMergeKeys, [&](MergeKey stronger) {
+        return stronger < key && !Of(stronger).empty() && !other.Of(stronger).empty() &&
+               !HaveCommonValue(Of(stronger), other.Of(stronger));
+    });
+}
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
     Collector collector;
     for (const size_t index : CurrentAnswers(scan, answers)) {
@@ -196,29 +179,23 @@ std::string DeviceLine(const FoundDevice& device) {
     return Joined(parts);
 }
 
-JsonItem DeviceJson(const FoundDevice& device) {
-    JsonItem item(cJSON_CreateObject());
-    cJSON* const object = item.get();
-    AddTexts(object, "addresses", Values(device, MergeKey::kAddress));
+void AddDevice(cJSON* object, const FoundDevice& device) {
+    AddTexts(object, "addresses", device.identity.Of(MergeKey::kAddress));
     AddText(object, "name", device.facts->name);
     AddText(object, "model", device.facts->model);
-    AddTexts(object, "serialNumbers", Values(device, MergeKey::kSerial));
-    AddTexts(object, "macAddresses", Values(device, MergeKey::kMac));
-    AddTexts(object, "endpoints", Values(device, MergeKey::kEndpoint));
+    AddTexts(object, "serialNumbers", device.identity.Of(MergeKey::kSerial));
+    AddTexts(object, "macAddresses", device.identity.Of(MergeKey::kMac));
+    AddTexts(object, "endpoints", device.identity.Of(MergeKey::kEndpoint));
     AddText(object, "firmware", device.facts->description);
     cJSON* const counts = cJSON_AddArrayToObject(object, "pageCounts");
     for (const PageCount& count : device.facts->pageCounts)
         cJSON_AddItemToArray(counts, cJSON_CreateRaw(std::to_string(count.count).c_str()));
     AddIndexes(object, device.answers);
-    cJSON* const merges = cJSON_AddArrayToObject(object, "merges");
-    for (const Merge& merge : device.merges) {
-        cJSON* const one = cJSON_CreateObject();
+    AddObjects(object, "merges", device.merges, [](cJSON* one, const Merge& merge) {
         AddText(one, "by", KeyName(merge.key));
         AddText(one, "value", merge.value);
         AddIndexes(one, {merge.first, merge.second});
-        cJSON_AddItemToArray(merges, one);
-    }
-    return item;
+    });
 }
 
 }  // namespace vndiscover::host

@@ -66,6 +66,7 @@ FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
 // A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".
 std::string DeviceLine(const FoundDevice& device);
 
-JsonItem DeviceJson(const FoundDevice& device);
+// Adds the members that describe it.
+void AddDevice(cJSON* object, const FoundDevice& device);
 
 }  // namespace vndiscover::host

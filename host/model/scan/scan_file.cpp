@@ -1,7 +1,5 @@
 #include "model/scan/scan_file.h"
 
-#include <cjson/cJSON.h>
-
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
@@ -26,6 +24,8 @@ constexpr size_t kMaxValues = 4000000;
 constexpr size_t kMaxDepth = 8;
 constexpr size_t kMaxSweeps = 50000;  // each reading of a device is one in a window
 constexpr size_t kMaxSplits = 10000;
+constexpr char kTooManySweeps[] = "more sweeps than a scan may have";
+constexpr char kTooManySplits[] = "more splits than a scan may have";
 
 // Where a pass over JSON text ended, and why: at a limit, or at the value that was searched for.
 struct Place {
@@ -118,181 +118,167 @@ bool IsAddress(const std::string& text) {
                             ParseIpAddress(text));
 }
 
-// Throws a Refusal.
-class ScanReader {
-  public:
-    Scan Read(const cJSON* root) {
-        if (Text(root, "format") != kFormat) throw Refusal{root, "not a scan"};
-        const size_t version = Number(root, "version", SIZE_MAX);
-        if (version != kVersion) {
-            throw Refusal{Member(root, "version"), "version " + std::to_string(version) +
-                                                       " of the format, but only " +
-                                                       std::to_string(kVersion) + " can be read"};
-        }
-        const cJSON* item = nullptr;
-        cJSON_ArrayForEach(item, Array(root, "sweeps")) ReadSweep(item);
-        if (scan_.sweeps.size() > kMaxSweeps)
-            throw Refusal{Member(root, "sweeps"), "more sweeps than a scan may have"};
-        cJSON_ArrayForEach(item, Array(root, "answers")) ReadAnswer(item);
-        cJSON_ArrayForEach(item, Array(root, "splits")) ReadSplit(item);
-        if (scan_.splits.size() > kMaxSplits)
-            throw Refusal{Member(root, "splits"), "more splits than a scan may have"};
-        return std::move(scan_);
-    }
+// A member of an object, or an element of an array. What reads it throws a Refusal.
+struct Item {
+    const cJSON* value;
+    std::string name;
 
-  private:
-    static const cJSON* Find(const cJSON* object, const char* name) {
-        if (!cJSON_IsObject(object)) throw Refusal{object, "not an object"};
-        return cJSON_GetObjectItemCaseSensitive(object, name);
-    }
+    Refusal Wrong(const char* what) const { return {value, name + " " + what}; }
 
-    static const cJSON* Member(const cJSON* object, const char* name) {
-        if (const cJSON* member = Find(object, name)) return member;
-        throw Refusal{object, "\"" + std::string(name) + "\" is missing"};
+    const cJSON* Array() const {
+        if (!cJSON_IsArray(value)) throw Wrong("is not an array");
+        return value;
     }
-
-    // `what` says what is wrong with the member.
-    static Refusal Wrong(const cJSON* object, const char* name, const char* what) {
-        return {Member(object, name), "\"" + std::string(name) + "\" " + what};
+    std::string_view Text() const {
+        if (!cJSON_IsString(value)) throw Wrong("is not a string");
+        return value->valuestring;
     }
-
-    static const cJSON* Array(const cJSON* object, const char* name) {
-        const cJSON* member = Member(object, name);
-        if (!cJSON_IsArray(member)) throw Wrong(object, name, "is not an array");
-        return member;
-    }
-
-    static std::string_view Text(const cJSON* object, const char* name) {
-        const cJSON* member = Member(object, name);
-        if (!cJSON_IsString(member)) throw Wrong(object, name, "is not a string");
-        return member->valuestring;
-    }
-
-    static size_t AsNumber(const cJSON* item, const std::string& name, size_t end) {
-        const double number = cJSON_IsNumber(item) ? item->valuedouble : -1;
+    size_t Number(size_t end) const {
+        const double number = cJSON_IsNumber(value) ? value->valuedouble : -1;
         // Compared before the conversion, which is undefined for numbers that do not fit.
         const auto limit = static_cast<double>(std::min(end, kMaxScanSize));
         if (!(number >= 0 && number < limit) ||
             static_cast<double>(static_cast<size_t>(number)) != number)
-            throw Refusal{item, name + " is not a valid number"};
+            throw Wrong("is not a valid number");
         return static_cast<size_t>(number);
     }
-    static size_t Number(const cJSON* object, const char* name, size_t end) {
-        return AsNumber(Member(object, name), "\"" + std::string(name) + "\"", end);
-    }
-
     template <class Value, size_t count>
-    static Value OneOf(const cJSON* object, const char* name, const char* const (&words)[count]) {
-        const auto found = std::find(std::begin(words), std::end(words), Text(object, name));
-        if (found == std::end(words)) throw Wrong(object, name, "is unknown");
+    Value OneOf(const char* const (&words)[count]) const {
+        const auto found = std::find(std::begin(words), std::end(words), Text());
+        if (found == std::end(words)) throw Wrong("is unknown");
         return static_cast<Value>(found - std::begin(words));
     }
-
-    static Oid ObjectId(const cJSON* object) {
-        if (auto oid = ParseOid(Text(object, "oid"))) return std::move(*oid);
-        throw Wrong(object, "oid", "is not an OID");
+    Oid ObjectId() const {
+        if (auto oid = ParseOid(Text())) return std::move(*oid);
+        throw Wrong("is not an OID");
     }
-
-    static std::string Time(const cJSON* object) {
-        const std::string_view text = Text(object, "time");
-        if (!IsTime(text)) throw Wrong(object, "time", "is not a time");
+    std::string Time() const {
+        const std::string_view text = Text();
+        if (!IsTime(text)) throw Wrong("is not a time");
         return std::string(text);
     }
-
-    static std::string Bytes(const cJSON* object) {
-        const bool isText = Find(object, "text") != nullptr;
-        auto bytes = isText ? std::string(Text(object, "text")) : ParseHex(Text(object, "hex"));
-        if (!bytes) throw Wrong(object, "hex", "is not hexadecimal");
-        if (bytes->size() > kValueSize) throw Refusal{object, "the answer is too long"};
-        return std::move(*bytes);
-    }
-
-    void ReadSweep(const cJSON* item) {
-        ScanSweep sweep;
-        sweep.kind = OneOf<SweepKind>(item, "kind", kKinds);
-        sweep.form = OneOf<AnswerForm>(item, "form", kForms);
-        sweep.useIPv6 = cJSON_IsTrue(Member(item, "ipv6")) != 0;
-        if (sweep.form == AnswerForm::kValue) sweep.oid = ObjectId(item);
-        sweep.time = Time(item);
-        if (Find(item, "search")) sweep.search = Number(item, "search", kMaxSweeps);
-        sweep.isComplete = cJSON_IsTrue(Find(item, "complete")) != 0;
-        scan_.sweeps.push_back(std::move(sweep));
-    }
-
-    void ReadAnswer(const cJSON* item) {
-        ScanAnswer answer;
-        answer.sweep = Number(item, "sweep", scan_.sweeps.size());
-        answer.time = Time(item);
-        answer.address = Text(item, "address");
-        if (!IsAddress(answer.address)) throw Wrong(item, "address", "is not numeric");
-        Answer& content = answer.answer;
-        content.status = Status::kAnswered;
-        content.bytes = Bytes(item);
-        content.wholeSize = content.bytes.size();
-        if (scan_.sweeps[answer.sweep].form == AnswerForm::kVariable) {
-            content.oid = ObjectId(item);
-            content.type = static_cast<uint32_t>(Number(item, "type", 0x100));
-            if (Find(item, "wholeSize")) content.wholeSize = Number(item, "wholeSize", 0x10000);
-        }
-        scan_.answers.push_back(std::move(answer));
-    }
-
-    void ReadSplit(const cJSON* item) {
-        if (!cJSON_IsArray(item) || cJSON_GetArraySize(item) != 2)
-            throw Refusal{item, "a split does not have two answers"};
-        const size_t end = scan_.answers.size();
-        scan_.splits.emplace_back(AsNumber(cJSON_GetArrayItem(item, 0), "a split", end),
-                                  AsNumber(cJSON_GetArrayItem(item, 1), "a split", end));
-    }
-
-    Scan scan_;
 };
 
-JsonItem SweepJson(const ScanSweep& sweep) {
-    JsonItem item(cJSON_CreateObject());
-    AddText(item.get(), "kind", kKinds[static_cast<size_t>(sweep.kind)]);
-    AddText(item.get(), "form", kForms[static_cast<size_t>(sweep.form)]);
-    cJSON_AddBoolToObject(item.get(), "ipv6", sweep.useIPv6);
-    if (sweep.form == AnswerForm::kValue) AddText(item.get(), "oid", OidToText(sweep.oid));
-    AddText(item.get(), "time", sweep.time);
-    if (sweep.search != 0)
-        cJSON_AddNumberToObject(item.get(), "search", static_cast<double>(sweep.search));
-    if (sweep.isComplete) cJSON_AddBoolToObject(item.get(), "complete", true);
-    return item;
+const cJSON* Find(const cJSON* object, const char* name) {
+    if (!cJSON_IsObject(object)) throw Refusal{object, "not an object"};
+    return cJSON_GetObjectItemCaseSensitive(object, name);
 }
 
-JsonItem AnswerJson(const ScanAnswer& one, AnswerForm form) {
+Item Member(const cJSON* object, const char* name) {
+    const std::string quoted = "\"" + std::string(name) + "\"";
+    if (const cJSON* const member = Find(object, name)) return {member, quoted};
+    throw Refusal{object, quoted + " is missing"};
+}
+
+std::string BytesOf(const cJSON* object) {
+    const bool isText = Find(object, "text") != nullptr;
+    const Item item = Member(object, isText ? "text" : "hex");
+    auto bytes = isText ? std::string(item.Text()) : ParseHex(item.Text());
+    if (!bytes) throw item.Wrong("is not hexadecimal");
+    if (bytes->size() > kValueSize) throw Refusal{object, "the answer is too long"};
+    return std::move(*bytes);
+}
+
+ScanSweep SweepOf(const cJSON* item) {
+    ScanSweep sweep;
+    sweep.kind = Member(item, "kind").OneOf<SweepKind>(kKinds);
+    sweep.form = Member(item, "form").OneOf<AnswerForm>(kForms);
+    sweep.useIPv6 = cJSON_IsTrue(Member(item, "ipv6").value) != 0;
+    if (sweep.form == AnswerForm::kValue) sweep.oid = Member(item, "oid").ObjectId();
+    sweep.time = Member(item, "time").Time();
+    if (Find(item, "search")) sweep.search = Member(item, "search").Number(kMaxSweeps);
+    sweep.isComplete = cJSON_IsTrue(Find(item, "complete")) != 0;
+    return sweep;
+}
+
+ScanAnswer AnswerOf(const cJSON* item, const std::vector<ScanSweep>& sweeps) {
+    ScanAnswer answer;
+    answer.sweep = Member(item, "sweep").Number(sweeps.size());
+    answer.time = Member(item, "time").Time();
+    const Item address = Member(item, "address");
+    answer.address = address.Text();
+    if (!IsAddress(answer.address)) throw address.Wrong("is not numeric");
+    Answer& content = answer.answer;
+    content = Received(BytesOf(item));
+    if (sweeps[answer.sweep].form == AnswerForm::kVariable) {
+        content.oid = Member(item, "oid").ObjectId();
+        content.type = static_cast<uint32_t>(Member(item, "type").Number(0x100));
+        if (Find(item, "wholeSize")) content.wholeSize = Member(item, "wholeSize").Number(0x10000);
+    }
+    return answer;
+}
+
+std::pair<size_t, size_t> SplitOf(const cJSON* item, size_t answers) {
+    if (!cJSON_IsArray(item) || cJSON_GetArraySize(item) != 2)
+        throw Refusal{item, "a split does not have two answers"};
+    const auto at = [&](int i) {
+        return Item{cJSON_GetArrayItem(item, i), "a split"}.Number(answers);
+    };
+    return {at(0), at(1)};
+}
+
+// Throws a Refusal.
+Scan ScanOf(const cJSON* root) {
+    if (Member(root, "format").Text() != kFormat) throw Refusal{root, "not a scan"};
+    const Item version = Member(root, "version");
+    if (const size_t number = version.Number(SIZE_MAX); number != kVersion) {
+        throw Refusal{version.value, "version " + std::to_string(number) +
+                                         " of the format, but only " + std::to_string(kVersion) +
+                                         " can be read"};
+    }
+    Scan scan;
+    const cJSON* item = nullptr;
+    const cJSON* const sweeps = Member(root, "sweeps").Array();
+    cJSON_ArrayForEach(item, sweeps) scan.sweeps.push_back(SweepOf(item));
+    if (scan.sweeps.size() > kMaxSweeps) throw Refusal{sweeps, kTooManySweeps};
+    cJSON_ArrayForEach(item, Member(root, "answers").Array())
+        scan.answers.push_back(AnswerOf(item, scan.sweeps));
+    const cJSON* const splits = Member(root, "splits").Array();
+    cJSON_ArrayForEach(item, splits) scan.splits.push_back(SplitOf(item, scan.answers.size()));
+    if (scan.splits.size() > kMaxSplits) throw Refusal{splits, kTooManySplits};
+    return scan;
+}
+
+void AddSweep(cJSON* item, const ScanSweep& sweep) {
+    AddText(item, "kind", kKinds[static_cast<size_t>(sweep.kind)]);
+    AddText(item, "form", kForms[static_cast<size_t>(sweep.form)]);
+    cJSON_AddBoolToObject(item, "ipv6", sweep.useIPv6);
+    if (sweep.form == AnswerForm::kValue) AddText(item, "oid", OidToText(sweep.oid));
+    AddText(item, "time", sweep.time);
+    if (sweep.search != 0) AddNumber(item, "search", sweep.search);
+    if (sweep.isComplete) cJSON_AddBoolToObject(item, "complete", true);
+}
+
+void AddAnswer(cJSON* item, const ScanAnswer& one, AnswerForm form) {
     const Answer& answer = one.answer;
-    JsonItem item(cJSON_CreateObject());
-    cJSON_AddNumberToObject(item.get(), "sweep", static_cast<double>(one.sweep));
-    AddText(item.get(), "time", one.time);
-    AddText(item.get(), "address", one.address);
+    AddNumber(item, "sweep", one.sweep);
+    AddText(item, "time", one.time);
+    AddText(item, "address", one.address);
     if (form == AnswerForm::kVariable) {
-        AddText(item.get(), "oid", OidToText(answer.oid));
-        cJSON_AddNumberToObject(item.get(), "type", answer.type);
-        if (answer.wholeSize != answer.bytes.size())
-            cJSON_AddNumberToObject(item.get(), "wholeSize", static_cast<double>(answer.wholeSize));
+        AddText(item, "oid", OidToText(answer.oid));
+        AddNumber(item, "type", answer.type);
+        if (answer.wholeSize != answer.bytes.size()) AddNumber(item, "wholeSize", answer.wholeSize);
     }
     if (form != AnswerForm::kVariable || answer.type == kOctetString) {
-        AddText(item.get(), "text", answer.bytes);
+        AddText(item, "text", answer.bytes);
         // The string differs if it could not hold the bytes unchanged.
-        const cJSON* text = cJSON_GetObjectItemCaseSensitive(item.get(), "text");
-        if (answer.bytes == text->valuestring) return item;
-        cJSON_DeleteItemFromObjectCaseSensitive(item.get(), "text");
+        const cJSON* text = cJSON_GetObjectItemCaseSensitive(item, "text");
+        if (answer.bytes == text->valuestring) return;
+        cJSON_DeleteItemFromObjectCaseSensitive(item, "text");
     }
-    AddText(item.get(), "hex", HexText(answer.bytes, ""));
-    return item;
+    AddText(item, "hex", HexText(answer.bytes, ""));
 }
 
-template <class Rows, class ToJson>
-std::string Elements(const Rows& rows, ToJson toJson) {
+// An array with an element for each row, which fill(element, row) fills.
+template <class Rows, class Fill>
+std::string Elements(const Rows& rows, Fill fill, cJSON* (*create)() = cJSON_CreateObject) {
     JsonArray array;
-    std::string text;
     for (const auto& row : rows) {
-        array.Add(toJson(row).get());
-        text += array.Flush();
+        const JsonItem element(create());
+        fill(element.get(), row);
+        array.Add(element.get());
     }
-    text += array.Finish();
+    std::string text = array.Finish();
     text.pop_back();  // the line goes on
     return text;
 }
@@ -318,11 +304,10 @@ void Thin(Scan& scan) {
     std::vector<size_t> places;  // in `kept`; SIZE_MAX: left out
     size_t seen = 0;
     for (ScanAnswer& answer : scan.answers) {
-        bool isKept = true;
-        if (answer.sweep == sweep) {
-            isKept = most > 1 ? ranks[seen] < most / 2 : seen < ranks.size() / 2;
-            ++seen;
-        }
+        const bool isOther = answer.sweep != sweep;
+        const bool isKept =
+            isOther || (most > 1 ? ranks[seen] < most / 2 : seen < ranks.size() / 2);
+        seen += isOther ? 0 : 1;
         places.push_back(isKept ? kept.size() : SIZE_MAX);
         if (isKept) kept.push_back(std::move(answer));
     }
@@ -351,19 +336,19 @@ std::optional<std::string> WriteFittingScan(Scan scan, size_t maxSize, size_t& l
 std::optional<std::string> WriteScan(const Scan& scan, std::string& problem) {
     std::string text = "{\"format\":\"" + std::string(kFormat) +
                        "\",\"version\":" + std::to_string(kVersion) +
-                       ",\n\"sweeps\":" + Elements(scan.sweeps, SweepJson);
-    text += ",\n\"answers\":" + Elements(scan.answers, [&](const ScanAnswer& answer) {
-                return AnswerJson(answer, scan.sweeps[answer.sweep].form);
+                       ",\n\"sweeps\":" + Elements(scan.sweeps, AddSweep);
+    text += ",\n\"answers\":" + Elements(scan.answers, [&](cJSON* item, const auto& answer) {
+                AddAnswer(item, answer, scan.sweeps[answer.sweep].form);
             });
-    text += ",\n\"splits\":" + Elements(scan.splits, [](const auto& split) {
-                const double pair[] = {static_cast<double>(split.first),
-                                       static_cast<double>(split.second)};
-                return JsonItem(cJSON_CreateDoubleArray(pair, 2));
-            });
-    text += ",\n\"devices\":" + Elements(MakeDevices(scan), DeviceJson) + "}\n";
+    const auto addSplit = [](cJSON* pair, const auto& split) {
+        for (const size_t index : {split.first, split.second})
+            cJSON_AddItemToArray(pair, cJSON_CreateNumber(static_cast<double>(index)));
+    };
+    text += ",\n\"splits\":" + Elements(scan.splits, addSplit, cJSON_CreateArray);
+    text += ",\n\"devices\":" + Elements(MakeDevices(scan), AddDevice) + "}\n";
     const char* tooLarge = CheckBounds(text).problem;
-    if (scan.sweeps.size() > kMaxSweeps) tooLarge = "more sweeps than a scan may have";
-    if (scan.splits.size() > kMaxSplits) tooLarge = "more splits than a scan may have";
+    if (scan.sweeps.size() > kMaxSweeps) tooLarge = kTooManySweeps;
+    if (scan.splits.size() > kMaxSplits) tooLarge = kTooManySplits;
     if (!tooLarge) return text;
     problem = tooLarge;
     return std::nullopt;
@@ -387,7 +372,7 @@ std::optional<Scan> ReadScan(const std::string& text, std::string& problem) {
         return refuse(static_cast<size_t>(line), "not JSON");
     }
     try {
-        return ScanReader().Read(root.get());
+        return ScanOf(root.get());
     } catch (const Refusal& refusal) {
         size_t count = 0;
         CountValuesBefore(refusal.at, root.get(), count);

@@ -21,6 +21,7 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
     if (sweep.form == AnswerForm::kVariable) {
         line.object = NameText(answer.oid);
         line.value = FormatNamedValue(answer.oid, answer.type, answer.bytes) + CutNote(answer);
+        if (line.value.empty()) line.value = "(empty)";
     } else if (sweep.form == AnswerForm::kValue) {
         const Answer text = AnsweredWith(sweep.oid, kOctetString, answer.bytes);
         line.object = NameText(sweep.oid);
@@ -74,15 +75,15 @@ std::vector<ChangeRow> ChangesOf(const Comparison& comparison) {
         return Joined({device.facts->name, DeviceLine(device)});
     };
     std::vector<ChangeRow> rows;
-    for (const size_t index : comparison.added)
-        rows.push_back({named(comparison.after[index]), "new", "", ""});
-    for (const size_t index : comparison.gone)
-        rows.push_back({named(comparison.before[index]), "gone", "", ""});
     for (const DeviceChange& change : comparison.changed) {
         for (const FieldChange& field : change.fields)
             rows.push_back({named(comparison.after[change.after]), field.field,
                             PlainText(field.before), PlainText(field.after)});
     }
+    for (const size_t index : comparison.added)
+        rows.push_back({named(comparison.after[index]), "new", "", ""});
+    for (const size_t index : comparison.gone)
+        rows.push_back({named(comparison.before[index]), "gone", "", ""});
     return rows;
 }
 
@@ -120,8 +121,7 @@ Report ReportOf(const Comparison& comparison) {
 
 std::vector<AnswerLine> AnswerLines(const Scan& scan, const std::vector<size_t>& answers) {
     std::vector<AnswerLine> lines;
-    lines.reserve(answers.size());
-    for (const size_t index : answers) {
+    for (const size_t index : CurrentAnswers(scan, answers)) {
         const ScanAnswer& answer = scan.answers[index];
         lines.push_back(LineOf(scan.sweeps[answer.sweep], answer));
     }

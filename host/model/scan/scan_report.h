@@ -15,7 +15,7 @@ Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap
 
 Report ReportOf(const Comparison& comparison);
 
-// The same as a table: a row for each device that is new or gone, and for each field that differs.
+// The same as a table: a row for each field that differs, and for each device that is new or gone.
 struct ChangeRow {
     std::string device, what, before, after;  // plain
 };
@@ -31,7 +31,7 @@ struct AnswerLine {
     std::string address, time;  // as in ScanAnswer
 };
 
-// `answers` are indexes in Scan::answers.
+// Of those with these indexes in Scan::answers that still hold, see CurrentAnswers.
 std::vector<AnswerLine> AnswerLines(const Scan& scan, const std::vector<size_t>& answers);
 
 }  // namespace vndiscover::host

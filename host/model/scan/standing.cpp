@@ -1,7 +1,9 @@
 #include "model/scan/standing.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
+#include <utility>
 
 #include "model/scan/device_merge.h"
 #include "values/ranges.h"
@@ -9,94 +11,37 @@
 #include "values/utc_time.h"
 
 namespace vndiscover::host {
-
 namespace {
+
+using Lines = std::map<std::pair<SweepKind, bool>, ProtocolLine>;
 
 bool IsIPv6(const std::string& address) { return address.find(':') != std::string::npos; }
 
-class LineMaker {
-  public:
-    LineMaker(SweepKind kind, bool useIPv6) : line_{kind, useIPv6, ProtocolState::kNotAsked, ""} {}
-
-    void AddSweep(const ScanSweep& sweep, bool isRunning) {
-        const bool isOther = sweep.kind != line_.kind || sweep.useIPv6 != line_.useIPv6;
-        if (isOther || sweep.form == AnswerForm::kVariable || sweep.form == AnswerForm::kAdded)
-            return;
-        Raise(isRunning ? ProtocolState::kPending : ProtocolState::kSilent);
-    }
-
-    void AddReading(const Reading& reading) {
-        const PrinterAnswers& end = reading.end;
-        if (IsOther(reading.kind, reading.address) || end.isStopped) return;
-        line_.note = end.lastProblem;
-        switch (end.lastStatus) {
-            case Status::kAnswered:
-            case Status::kUnreadable:
-            case Status::kSilentHere:
-                return Raise(ProtocolState::kNoValue);
-            case Status::kRefused:
-            case Status::kOnlyDiscovered:
-                return Raise(ProtocolState::kRefused);
-            case Status::kNoAnswer:
-                return Raise(ProtocolState::kSilent);
-            case Status::kSendFailed:
-                return Raise(ProtocolState::kNotAsked);
-        }
-    }
-
-    void AddAnswer(const ScanSweep& sweep, const ScanAnswer& answer) {
-        if (IsOther(sweep.kind, answer.address) || sweep.form == AnswerForm::kAdded) return;
-        const bool isEmpty = sweep.form == AnswerForm::kValue && answer.answer.bytes.empty();
-        Raise(isEmpty ? ProtocolState::kNoValue : ProtocolState::kAnswered);
-    }
-
-    bool WasUsed() const { return wasUsed_; }
-    const ProtocolLine& Line() const { return line_; }
-
-  private:
-    bool IsOther(SweepKind kind, const std::string& address) const {
-        return kind != line_.kind || IsIPv6(address) != line_.useIPv6;
-    }
-    // The states are in the order of what they tell; the best that is known counts.
-    void Raise(ProtocolState state) {
-        wasUsed_ = true;
-        line_.state = std::min(line_.state, state);
-    }
-
-    ProtocolLine line_;
-    bool wasUsed_ = false;
-};
-
-}  // namespace
-
-std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers,
-                                      const std::vector<Reading>& readings,
-                                      const std::vector<size_t>& running) {
-    std::vector<ProtocolLine> lines;
-    for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3, SweepKind::kWsd}) {
-        for (const bool useIPv6 : {false, true}) {
-            LineMaker maker(kind, useIPv6);
-            for (size_t index = 0; index < scan.sweeps.size(); ++index)
-                maker.AddSweep(scan.sweeps[index], Contains(running, index));
-            for (const Reading& reading : readings) maker.AddReading(reading);
-            for (const size_t index : answers) {
-                const ScanAnswer& answer = scan.answers[index];
-                maker.AddAnswer(scan.sweeps[answer.sweep], answer);
-            }
-            if (!useIPv6 || maker.WasUsed()) lines.push_back(maker.Line());
-        }
-    }
-    const bool hasAnswered = AnyOf(
-        lines, [](const ProtocolLine& line) { return line.state <= ProtocolState::kRefused; });
-    // A device may have no address there, so that a sweep's silence says nothing of it.
-    EraseIf(lines, [&](const ProtocolLine& line) {
-        return hasAnswered && line.useIPv6 && line.note.empty() &&
-               line.state == ProtocolState::kSilent;
-    });
-    return lines;
+// The states are in the order of what they tell; the best that is known counts.
+ProtocolLine& Add(Lines& lines, SweepKind kind, bool useIPv6, ProtocolState state) {
+    ProtocolLine& line = lines[{kind, useIPv6}];
+    line.kind = kind;
+    line.useIPv6 = useIPv6;
+    line.state = std::min(line.state, state);
+    return line;
 }
 
-namespace {
+void AddSweeps(Lines& lines, const std::vector<ScanSweep>& sweeps,
+               const std::vector<size_t>& running) {
+    for (size_t index = 0; index < sweeps.size(); ++index) {
+        const ScanSweep& sweep = sweeps[index];
+        if (sweep.form != AnswerForm::kVariable && sweep.form != AnswerForm::kAdded)
+            Add(lines, sweep.kind, sweep.useIPv6,
+                Contains(running, index) ? ProtocolState::kPending : ProtocolState::kSilent);
+    }
+}
+
+ProtocolState StateOf(const Reading& reading) {
+    if (reading.IsRefused()) return ProtocolState::kRefused;
+    if (reading.end.lastStatus == Status::kNoAnswer) return ProtocolState::kSilent;
+    if (reading.end.lastStatus == Status::kSendFailed) return ProtocolState::kNotAsked;
+    return ProtocolState::kNoValue;
+}
 
 using Kind = Standing::Kind;
 
@@ -118,27 +63,19 @@ bool IsSameQuestion(const ScanSweep& one, const ScanSweep& other) {
 
 void SetEnd(Standing& standing, const Reading& reading) {
     const PrinterAnswers& end = reading.end;
-    const std::string silence =
-        "no answer after " + std::to_string(std::max<int64_t>(1, end.spentMs / 1000)) + " s";
     standing.kind = Kind::kIncomplete;
     standing.note = end.lastProblem;
     if (end.lastStatus == Status::kAnswered) {
         standing.kind = Kind::kRead;
-        standing.note.clear();
     } else if (end.isStopped) {
-        standing.kind = reading.hasValues ? Kind::kIncomplete : Kind::kNeverRead;
-    } else if (end.lastStatus == Status::kRefused || end.lastStatus == Status::kOnlyDiscovered) {
+        if (!reading.hasValues) standing.kind = Kind::kNeverRead;
+    } else if (reading.IsRefused()) {
         standing.kind = Kind::kRefused;
     } else if (end.lastStatus == Status::kNoAnswer) {
-        standing.kind = reading.hasValues ? Kind::kIncomplete : Kind::kNoAnswer;
-        standing.note = silence;
+        if (!reading.hasValues) standing.kind = Kind::kNoAnswer;
+        const int64_t seconds = std::max<int64_t>(1, end.spentMs / 1000);
+        standing.note = "no answer after " + std::to_string(seconds) + " s";
     }
-}
-
-std::string Since(const Standing& standing) {
-    return Joined(
-        {"no answer", standing.lastAnswer.empty() ? "" : "since", ShortTime(standing.lastAnswer)},
-        " ");
 }
 
 }  // namespace
@@ -162,9 +99,9 @@ LastSearch::LastSearch(const Scan& scan, bool isSearching) {
     }
 }
 
-bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
+bool LastSearch::HasMissed(const Scan& scan, const std::vector<size_t>& answers) const {
     bool wasAsked = false;
-    for (const size_t index : device.answers) {
+    for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
         const bool isLater = sweep.form == AnswerForm::kVariable && answer.sweep > first_;
@@ -177,9 +114,7 @@ bool LastSearch::HasMissed(const Scan& scan, const FoundDevice& device) const {
 std::vector<FoundDevice> PresentDevices(const Scan& scan) {
     const LastSearch search(scan, false);
     std::vector<FoundDevice> devices = MakeDevices(scan);
-    devices.erase(std::remove_if(devices.begin(), devices.end(),
-                                 [&](const auto& one) { return search.HasMissed(scan, one); }),
-                  devices.end());
+    EraseIf(devices, [&](const auto& one) { return search.HasMissed(scan, one.answers); });
     return devices;
 }
 
@@ -189,7 +124,7 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
     standing.lastAnswer = LastAnswerOf(scan, device);
     if (isBeingRead) {
         standing.kind = Kind::kBeingRead;
-    } else if (search.HasMissed(scan, device)) {
+    } else if (search.HasMissed(scan, device.answers)) {
         standing.kind = Kind::kMissed;
     } else {
         standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
@@ -211,14 +146,16 @@ std::string StateText(const Standing& standing, const PrinterSummary& summary) {
             const std::string note = Joined({"incomplete", standing.note});
             return summary.state.empty() ? note : summary.state + " (" + note + ")";
         }
-        case Kind::kNoAnswer:
-            return "no answer";
         case Kind::kRefused:
             return standing.note.empty() ? "refused" : standing.note;
         case Kind::kMissed:
-            return Since(standing);
+            if (!standing.lastAnswer.empty())
+                return Joined({"no answer since", ShortTime(standing.lastAnswer)}, " ");
+            break;
+        case Kind::kNoAnswer:
+            break;
     }
-    return "";
+    return "no answer";
 }
 
 std::string StateLine(const Standing& standing, const PrinterSummary& summary,
@@ -238,6 +175,38 @@ std::string ShortTime(const std::string& utc) {
     const std::string local = LocalTimeBefore(utc, 0), now = LocalTimeBefore(UtcNow(), 0);
     return !local.empty() && local.compare(0, kTime, now, 0, kTime) == 0 ? local.substr(kTime)
                                                                          : local;
+}
+
+std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers,
+                                      const std::vector<Reading>& readings,
+                                      const std::vector<size_t>& running) {
+    Lines lines;
+    for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3, SweepKind::kWsd})
+        Add(lines, kind, false, ProtocolState::kNotAsked);
+    AddSweeps(lines, scan.sweeps, running);
+    for (const Reading& reading : readings) {
+        if (reading.end.isStopped) continue;
+        Add(lines, reading.kind, IsIPv6(reading.address), StateOf(reading)).note =
+            reading.end.lastProblem;
+    }
+    for (const size_t index : answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        const ScanSweep& sweep = scan.sweeps[answer.sweep];
+        if (sweep.form == AnswerForm::kAdded) continue;
+        const bool isEmpty = sweep.form == AnswerForm::kValue && answer.answer.bytes.empty();
+        Add(lines, sweep.kind, IsIPv6(answer.address),
+            isEmpty ? ProtocolState::kNoValue : ProtocolState::kAnswered);
+    }
+    const bool hasAnswered =
+        AnyOf(lines, [](const auto& one) { return one.second.state <= ProtocolState::kRefused; });
+    std::vector<ProtocolLine> told;
+    for (const auto& [asked, line] : lines) {
+        // A device may have no address there, so that a sweep's silence says nothing of it.
+        const bool tellsNothing = hasAnswered && line.useIPv6 && line.note.empty() &&
+                                  line.state == ProtocolState::kSilent;
+        if (!tellsNothing) told.push_back(line);
+    }
+    return told;
 }
 
 }  // namespace vndiscover::host

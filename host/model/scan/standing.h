@@ -12,8 +12,7 @@
 
 namespace vndiscover::host {
 
-// By which protocols a device answered, and why not by the others.
-
+// Whether a device answered by a protocol, and why not.
 enum class ProtocolState {
     kAnswered,
     kNoValue,   // it answered, but does not have what was asked for
@@ -38,6 +37,9 @@ struct Reading {
     bool hasValues{};    // there were some
     std::string time{};  // of its end, as in ScanAnswer
     bool isStateOnly{};  // the rest is read later
+    bool IsRefused() const {
+        return end.lastStatus == Status::kRefused || end.lastStatus == Status::kOnlyDiscovered;
+    }
 };
 
 // A line for each protocol over IPv4; over IPv6 only for those that were used over it, and not for
@@ -75,10 +77,9 @@ struct Standing {
 // The last search that has ended, and what it asked.
 class LastSearch {
   public:
-    LastSearch() = default;
     // `isSearching`: the scan's last search is still running.
     LastSearch(const Scan& scan, bool isSearching);
-    bool HasMissed(const Scan& scan, const FoundDevice& device) const;
+    bool HasMissed(const Scan& scan, const std::vector<size_t>& answers) const;  // of a device
 
   private:
     size_t number_ = 0;                 // 0: there was none

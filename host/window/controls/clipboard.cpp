@@ -8,34 +8,34 @@ namespace vndiscover::host {
 namespace {
 
 // Programs that watch the clipboard open it for a moment.
-OwnedClipboard OpenSoon(HWND owner) {
+bool OpenSoon(HWND owner) {
     constexpr int kTries = 5;
     constexpr DWORD kPauseMs = 20;
     for (int tries = 0; tries < kTries; ++tries) {
-        if (OpenClipboard(owner)) return OwnedClipboard(true);
+        if (OpenClipboard(owner)) return true;
         Sleep(kPauseMs);
     }
-    return OwnedClipboard();
+    return false;
 }
 
 OwnedMemory MemoryWith(const std::wstring& text) {
     const size_t length = text.size() + 1;
     OwnedMemory memory(GlobalAlloc(GMEM_MOVEABLE, length * sizeof(wchar_t)));
-    void* place = memory ? GlobalLock(memory.Get()) : nullptr;
+    void* const place = memory ? GlobalLock(memory.Get()) : nullptr;
     if (!place) return OwnedMemory();
-    const OwnedLock lock(memory.Get());
     std::copy_n(text.c_str(), length, static_cast<wchar_t*>(place));
+    GlobalUnlock(memory.Get());
     return memory;
 }
 
 bool Replace(HWND owner, const std::wstring& text) {
     OwnedMemory memory = MemoryWith(text);
-    const OwnedClipboard clipboard = memory ? OpenSoon(owner) : OwnedClipboard();
-    if (!clipboard) return false;
+    if (!memory || !OpenSoon(owner)) return false;
     EmptyClipboard();
-    if (!SetClipboardData(CF_UNICODETEXT, memory.Get())) return false;
-    memory.Release();  // the system owns it from now on
-    return true;
+    const bool isReplaced = SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr;
+    CloseClipboard();
+    if (isReplaced) memory.Release();  // the system owns it from now on
+    return isReplaced;
 }
 
 }  // namespace

@@ -7,6 +7,11 @@
 
 namespace vndiscover::host {
 
+namespace {
+
+constexpr int kBarWidth = 60;
+
+// Whether the user sees all programs in colours of high contrast.
 bool IsHighContrast() {
     HIGHCONTRASTW contrast = {};
     contrast.cbSize = sizeof contrast;
@@ -14,31 +19,29 @@ bool IsHighContrast() {
            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-namespace {
-
-constexpr int kBarWidth = 60;
-
 // The system's numbers of colours.
-struct BarColours {
-    int background, text, level;
+struct RowColours {
+    int background, text;
 };
 
 // Those of the row's other cells: a list without the focus shows its selection faintly.
-BarColours ColoursOf(HWND list, int row) {
+RowColours ColoursOf(HWND list, int row) {
     if (ListView_GetItemState(list, row, LVIS_SELECTED) == 0)
-        return {COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT};
-    if (GetFocus() != list) return {COLOR_BTNFACE, COLOR_BTNTEXT, COLOR_HIGHLIGHT};
-    return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT, COLOR_HIGHLIGHTTEXT};
+        return {COLOR_WINDOW, COLOR_WINDOWTEXT};
+    if (GetFocus() != list) return {COLOR_BTNFACE, COLOR_BTNTEXT};
+    return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT};
 }
 
-// The inside of a bar. A frame shows how far a supply's colour goes, which may be the background's.
-void FillLevel(HDC dc, RECT inside, const LevelBar& level, const BarColours& colours) {
-    const bool isColoured = level.colour != CLR_NONE && !IsHighContrast();
-    if (isColoured) FillRect(dc, &inside, GetSysColorBrush(COLOR_WINDOW));
-    inside.right = inside.left + MulDiv(inside.right - inside.left, level.percent, 100);
-    if (!isColoured) return void(FillRect(dc, &inside, GetSysColorBrush(colours.level)));
-    FillRect(dc, &inside, OwnedBrush(CreateSolidBrush(level.colour)).Get());
-    FrameRect(dc, &inside, GetSysColorBrush(COLOR_WINDOWTEXT));
+// A frame, which covers nothing of it, shows how far a supply's colour goes: it may be that of the
+// background.
+void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
+    level.right = level.left + MulDiv(level.right - level.left, bar.percent, 100);
+    if (IsRectEmpty(&level)) return;
+    if (bar.colour == CLR_NONE || IsHighContrast())
+        return void(FillRect(dc, &level, GetSysColorBrush(COLOR_HIGHLIGHT)));
+    FillRect(dc, &level, OwnedBrush(CreateSolidBrush(bar.colour)).Get());
+    InflateRect(&level, 1, 1);
+    FrameRect(dc, &level, GetSysColorBrush(COLOR_WINDOWTEXT));
 }
 
 }  // namespace
@@ -52,7 +55,7 @@ LevelBar BarOf(int percent, const std::string& words) {
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,
              const std::wstring& text, int dpi) {
     const HDC dc = draw.nmcd.hdc;
-    const BarColours colours =
+    const RowColours colours =
         ColoursOf(draw.nmcd.hdr.hwndFrom, static_cast<int>(draw.nmcd.dwItemSpec));
     FillRect(dc, &cell, GetSysColorBrush(colours.background));
     const int inset = Scaled(4, dpi);
@@ -60,11 +63,12 @@ void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level
     RECT bar = {cell.left + inset, cell.top + rim, cell.left + inset + Scaled(kBarWidth, dpi),
                 cell.bottom - rim};
     bar.right = std::min(bar.right, cell.right - inset);
-    if (bar.right > bar.left) {
-        FrameRect(dc, &bar, GetSysColorBrush(colours.text));
+    if (bar.right > bar.left) {  // the same in a selected row, where it could mean the opposite
+        FillRect(dc, &bar, GetSysColorBrush(COLOR_WINDOW));
+        FrameRect(dc, &bar, GetSysColorBrush(COLOR_WINDOWTEXT));
         RECT inside = bar;
         InflateRect(&inside, -2, -2);
-        FillLevel(dc, inside, level, colours);
+        FillLevel(dc, inside, level);
     }
     RECT place = {bar.right + inset + 2, cell.top, cell.right - 2, cell.bottom};
     SetBkMode(dc, TRANSPARENT);

@@ -17,9 +17,6 @@ struct LevelBar {
 // `words`: the supply's colour in the device's words.
 LevelBar BarOf(int percent, const std::string& words);
 
-// Whether the user sees all programs in colours of high contrast.
-bool IsHighContrast();
-
 // Draws a level and its text into a cell of the list that `draw` is about. High contrast has only
 // the user's colours.
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,

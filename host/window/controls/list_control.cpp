@@ -211,28 +211,17 @@ int ListControl::CopyCommandOf(WPARAM key) {
 }
 
 LRESULT ListControl::OnNotify(NMHDR* header) {
-    switch (header->code) {
-        case LVN_GETDISPINFOW:
-            FillCell(reinterpret_cast<NMLVDISPINFOW*>(header)->item);
-            return 0;
-        case NM_CUSTOMDRAW:
-            return Draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
-        case LVN_ITEMCHANGED:
-        case LVN_ODSTATECHANGED:
-            OnChanged();
-            return 0;
-        case LVN_KEYDOWN:
-            if (reinterpret_cast<NMLVKEYDOWN*>(header)->wVKey == 'A' && IsControlDown())
-                ListView_SetItemState(list_, -1, LVIS_SELECTED, LVIS_SELECTED);
-            return 0;
-        case LVN_COLUMNCLICK:
-            model_.OnHeading(static_cast<size_t>(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem));
-            return 0;
-        case LVN_ODFINDITEMW:
-            return FindRow(*reinterpret_cast<NMLVFINDITEMW*>(header));
-        default:
-            return 0;
-    }
+    const UINT code = header->code;
+    if (code == NM_CUSTOMDRAW) return Draw(*reinterpret_cast<NMLVCUSTOMDRAW*>(header));
+    if (code == LVN_ODFINDITEMW) return FindRow(*reinterpret_cast<NMLVFINDITEMW*>(header));
+    if (code == LVN_GETDISPINFOW) FillCell(reinterpret_cast<NMLVDISPINFOW*>(header)->item);
+    if (code == LVN_ITEMCHANGED || code == LVN_ODSTATECHANGED) OnChanged();
+    if (code == LVN_COLUMNCLICK)
+        model_.OnHeading(static_cast<size_t>(reinterpret_cast<NMLISTVIEW*>(header)->iSubItem));
+    if (code == LVN_KEYDOWN && reinterpret_cast<NMLVKEYDOWN*>(header)->wVKey == 'A' &&
+        IsControlDown())
+        ListView_SetItemState(list_, -1, LVIS_SELECTED, LVIS_SELECTED);
+    return 0;
 }
 
 // Up to three messages tell of one change.
@@ -277,11 +266,12 @@ void ListControl::DrawEmpty(HDC dc) const {
     DrawTextW(dc, EmptyText().c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
-// A selected row without the focus has the background of the others in high contrast.
+// Without the focus, a selected row has about the background of the others, in high contrast
+// exactly that.
 void ListControl::DrawFrame(const NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
     const bool isSelected = ListView_GetItemState(list_, row, LVIS_SELECTED) != 0;
-    if (!isSelected || GetFocus() == list_ || !IsHighContrast()) return;
+    if (!isSelected || GetFocus() == list_) return;
     RECT place = {};
     ListView_GetItemRect(list_, row, &place, LVIR_BOUNDS);
     FrameRect(draw.nmcd.hdc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
@@ -301,25 +291,20 @@ HFONT ListControl::FontOf(size_t row) {
 }
 
 LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
+    const DWORD stage = draw.nmcd.dwDrawStage;
+    if (stage == CDDS_PREPAINT)
+        return EmptyText().empty() ? CDRF_NOTIFYITEMDRAW : CDRF_NOTIFYPOSTPAINT;
+    if (stage == CDDS_ITEMPREPAINT)  // CDRF_NOTIFYSUBITEMDRAW is the same number
+        return CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT;
+    if (stage == (CDDS_ITEMPREPAINT | CDDS_SUBITEM)) return DrawCell(draw);
+    if (stage == CDDS_POSTPAINT) DrawEmpty(draw.nmcd.hdc);
+    if (stage == CDDS_ITEMPOSTPAINT) DrawFrame(draw);
+    return CDRF_DODEFAULT;
+}
+
+LRESULT ListControl::DrawCell(NMLVCUSTOMDRAW& draw) {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
-    switch (draw.nmcd.dwDrawStage) {
-        case CDDS_PREPAINT:
-            if (!EmptyText().empty()) return CDRF_NOTIFYPOSTPAINT;
-            return CDRF_NOTIFYITEMDRAW;
-        case CDDS_POSTPAINT:
-            DrawEmpty(draw.nmcd.hdc);
-            return CDRF_DODEFAULT;
-        case CDDS_ITEMPREPAINT:  // CDRF_NOTIFYSUBITEMDRAW is the same number
-            return CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT;
-        case CDDS_ITEMPOSTPAINT:
-            DrawFrame(draw);
-            return CDRF_DODEFAULT;
-        case CDDS_ITEMPREPAINT | CDDS_SUBITEM:
-            break;
-        default:
-            return CDRF_DODEFAULT;
-    }
     if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
     SelectObject(draw.nmcd.hdc, FontOf(row));
     const auto bar = row < model_.Count() ? model_.Bar(row, column) : std::nullopt;

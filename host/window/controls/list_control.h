@@ -99,6 +99,7 @@ class ListControl {
     void OnChanged();
     void FillCell(LVITEMW& item) const;
     LRESULT Draw(NMLVCUSTOMDRAW& draw);
+    LRESULT DrawCell(NMLVCUSTOMDRAW& draw);
     HFONT FontOf(size_t row);
     void DrawEmpty(HDC dc) const;
     void DrawFrame(const NMLVCUSTOMDRAW& draw) const;

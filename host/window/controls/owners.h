@@ -16,7 +16,6 @@ using OwnedMenu = Owned<ClosedBy<HMENU, DestroyMenu>>;
 using OwnedAccelerators = Owned<ClosedBy<HACCEL, DestroyAcceleratorTable>>;
 using OwnedImages = Owned<ClosedBy<HIMAGELIST, ImageList_Destroy>>;
 using OwnedMemory = Owned<ClosedBy<HGLOBAL, GlobalFree>>;
-using OwnedLock = Owned<ClosedBy<HGLOBAL, GlobalUnlock>>;  // of such memory
 using OwnedMemoryDc = Owned<ClosedBy<HDC, DeleteDC>>;
 
 // A device context of a window, or of the screen.
@@ -45,13 +44,5 @@ class Selection {
     HDC dc_;
     HGDIOBJ before_;
 };
-
-// The clipboard, while this program has it open.
-struct ClipboardTraits {
-    using Value = bool;
-    static Value Empty() noexcept { return false; }
-    static void Close(Value) noexcept { CloseClipboard(); }
-};
-using OwnedClipboard = Owned<ClipboardTraits>;
 
 }  // namespace vndiscover::host

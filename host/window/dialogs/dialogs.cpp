@@ -111,6 +111,45 @@ void CentreOnOwner(HWND window) {
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
+bool Dialog::Ask(HWND owner, int resource) {
+    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
+                           DialogProcedure<Dialog>, reinterpret_cast<LPARAM>(this)) == TRUE;
+}
+
+std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+    if (message == WM_INITDIALOG) {
+        dialog_ = dialog;
+        dpi_ = firstDpi_ = DpiOf(dialog);
+        const LRESULT font = SendMessageW(dialog, WM_GETFONT, 0, 0);
+        GetObjectW(reinterpret_cast<HFONT>(font), sizeof face_, &face_);
+        ChangeTexts(dialog);
+        Begin();
+        CentreOnOwner(dialog);
+        return TRUE;
+    }
+    if (message == WM_NCDESTROY) {
+        dialog_ = nullptr;
+        font_.Reset();
+    } else if (message == WM_DPICHANGED) {
+        dpi_ = HIWORD(wParam);
+    } else if (message == WM_SETTINGCHANGE) {  // such as how letters are smoothed
+        MakeFonts();
+    } else if (message == WM_COMMAND) {
+        OnControl(LOWORD(wParam), HIWORD(wParam));
+    }
+    return std::nullopt;
+}
+
+void Dialog::MakeFonts() {
+    LOGFONTW font = face_;  // not the last one, since each scaling rounds
+    font.lfHeight = MulDiv(font.lfHeight, dpi_, firstDpi_);
+    OwnedFont next(CreateFontIndirectW(&font));
+    for (HWND each = GetWindow(dialog_, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT))
+        SendMessageW(each, WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), TRUE);
+    font_ = std::move(next);
+    OnFonts();
+}
+
 ListDialog::~ListDialog() {
     if (dialog_) DestroyWindow(dialog_);
 }
@@ -118,7 +157,8 @@ ListDialog::~ListDialog() {
 void ListDialog::OpenDialog(HWND owner, int resource) {
     if (!dialog_)
         CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
-                           DialogProcedure<ListDialog>, reinterpret_cast<LPARAM>(this));
+                           DialogProcedure<Dialog>,
+                           reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
     if (!dialog_) return;
     ShowWindow(dialog_, SW_SHOW);
     SetActiveWindow(dialog_);
@@ -127,22 +167,12 @@ void ListDialog::OpenDialog(HWND owner, int resource) {
 std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM wParam,
                                              LPARAM lParam) {
     if (message == WM_INITDIALOG) {
-        dialog_ = dialog;
         client_ = ClientSize(dialog);
         RECT whole = {};
         GetWindowRect(dialog, &whole);
         least_ = {whole.right - whole.left, whole.bottom - whole.top};
-        dpi_ = firstDpi_ = DpiOf(dialog);
         SendMessageW(dialog, WM_SETICON, ICON_SMALL,
                      GetClassLongPtrW(GetWindow(dialog, GW_OWNER), GCLP_HICON));
-        Begin();
-        CentreOnOwner(dialog);
-        return TRUE;
-    }
-    if (message == WM_NCDESTROY) {
-        dialog_ = nullptr;
-        font_.Reset();
-        OnClosed();
     } else if (message == WM_SIZE && wParam != SIZE_MINIMIZED) {
         Stretch();
     } else if (message == WM_GETMINMAXINFO) {
@@ -151,14 +181,18 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
     } else if (message == WM_DPICHANGED) {
         SetDpi(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
         return 0;
-    } else if (message == WM_SETTINGCHANGE) {
-        MakeFonts();
-    } else if (message == WM_COMMAND && LOWORD(wParam) == IDCANCEL) {
-        Close();
-    } else if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
-        OnCommand(LOWORD(wParam));
     }
-    return HandleListMessage(message, wParam, lParam);
+    const auto result = Dialog::OnMessage(dialog, message, wParam, lParam);
+    if (message == WM_NCDESTROY) OnClosed();
+    return result ? result : HandleListMessage(message, wParam, lParam);
+}
+
+void ListDialog::OnControl(int id, int code) {
+    if (id == IDCANCEL) {
+        Close();
+    } else if (code == BN_CLICKED) {
+        OnCommand(id);
+    }
 }
 
 // One control grows, and wide ones to the right. What is below it moves down; buttons there, and
@@ -178,19 +212,6 @@ void ListDialog::Stretch() {
     list_.FitLast(Scaled(columns_.back().width, dpi_));
 }
 
-// Also after a change of the system's settings, such as how letters are smoothed.
-void ListDialog::MakeFonts() {
-    LOGFONTW font = {};  // that of its resource, since each scaling rounds
-    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(dialog_, WM_GETFONT, 0, 0)), sizeof font,
-               &font);
-    font.lfHeight = MulDiv(font.lfHeight, dpi_, firstDpi_);
-    OwnedFont next(CreateFontIndirectW(&font));
-    for (HWND each = GetWindow(dialog_, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT))
-        SendMessageW(each, WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), TRUE);
-    font_ = std::move(next);
-    OnFonts();
-}
-
 // Not left to the system, which knows neither columns nor further fonts.
 void ListDialog::SetDpi(int dpi, const RECT& place) {
     const int former = std::exchange(dpi_, dpi);
@@ -206,7 +227,6 @@ void ListDialog::SetDpi(int dpi, const RECT& place) {
 
 void ListDialog::BeginDialog(const std::wstring& title, int list,
                              const std::vector<ListColumn>& columns, int grown) {
-    ChangeTexts(dialog_);
     SetWindowTextW(dialog_, title.c_str());
     columns_ = columns;
     grown_ = Item(grown != 0 ? grown : list);
@@ -272,25 +292,20 @@ namespace {
 constexpr size_t kMaxHosts = 1000;
 constexpr size_t kMaxFileSize = size_t{256} * 1024;
 
-class AddDialog {
+class AddDialog : public Dialog {
   public:
-    std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-        if (message == WM_INITDIALOG) {
-            dialog_ = dialog;
-            ChangeTexts(dialog);
-            CentreOnOwner(dialog);
-            return TRUE;
-        }
-        if (message != WM_COMMAND) return std::nullopt;
-        if (LOWORD(wParam) == IDC_ADD_FILE) ReadFile();
-        if (LOWORD(wParam) == IDOK) Finish();
-        if (LOWORD(wParam) == IDCANCEL) EndDialog(dialog_, FALSE);
-        return 0;
+    std::vector<std::string> AskHosts(HWND owner) {
+        Ask(owner, IDD_ADD);
+        return std::move(hosts_);
     }
-    void OnException() noexcept { ShowException(dialog_, false); }
-    std::vector<std::string> hosts;
 
   private:
+    void OnControl(int id, int) override {
+        if (id == IDC_ADD_FILE) ReadFile();
+        if (id == IDOK) Finish();
+        if (id == IDCANCEL) EndDialog(dialog_, FALSE);
+    }
+
     void ReadFile() const {
         const std::string path = AskPath(dialog_, IDS_TEXT_FILES, L"txt", L"", false);
         if (path.empty()) return;
@@ -298,29 +313,23 @@ class AddDialog {
         const auto text = ReadFileText(path, kMaxFileSize, problem);
         if (!text)
             return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem), ToWide(path)}), false);
-        SetDlgItemTextW(dialog_, IDC_ADD_HOSTS, EditText(*text).c_str());
+        SetItem(IDC_ADD_HOSTS, EditText(*text));
     }
 
     void Finish() {
-        const std::wstring text = WindowText(GetDlgItem(dialog_, IDC_ADD_HOSTS));
-        hosts = SplitText(ToUtf8(text), ",; \t\r\n");
-        if (hosts.size() <= kMaxHosts) return void(EndDialog(dialog_, TRUE));
-        const std::wstring count = Grouped(hosts.size());
+        hosts_ = SplitText(ToUtf8(WindowText(Item(IDC_ADD_HOSTS))), ",; \t\r\n");
+        if (hosts_.size() <= kMaxHosts) return void(EndDialog(dialog_, TRUE));
+        const std::wstring count = Grouped(hosts_.size());
         ShowProblem(dialog_, Text(IDS_TOO_MANY_HOSTS, {Grouped(kMaxHosts), count}), false);
-        hosts.clear();
-        SetFocus(GetDlgItem(dialog_, IDC_ADD_HOSTS));
+        hosts_.clear();
+        SetFocus(Item(IDC_ADD_HOSTS));
     }
 
-    HWND dialog_ = nullptr;
+    std::vector<std::string> hosts_;
 };
 
 }  // namespace
 
-std::vector<std::string> AskHosts(HWND owner) {
-    AddDialog dialog;
-    DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_ADD), owner,
-                    DialogProcedure<AddDialog>, reinterpret_cast<LPARAM>(&dialog));
-    return std::move(dialog.hosts);
-}
+std::vector<std::string> AskHosts(HWND owner) { return AddDialog().AskHosts(owner); }
 
 }  // namespace vndiscover::host

@@ -38,23 +38,48 @@ void ShowProblem(HWND owner, const std::wstring& problem, bool isScript);
 // drawn fails again under the message.
 void ShowException(HWND owner, bool isScript) noexcept;
 
+// A dialog of the resources, in the middle of its owner.
+class Dialog {
+  public:
+    virtual ~Dialog() = default;
+    virtual std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam,
+                                             LPARAM lParam);
+    void OnException() noexcept { ShowException(dialog_, false); }
+
+  protected:
+    // Shows it until it is ended. Returns false if that was with FALSE.
+    bool Ask(HWND owner, int resource);
+    HWND Item(int id) const { return GetDlgItem(dialog_, id); }
+    void SetItem(int id, const std::wstring& text) const { ChangeText(Item(id), text); }
+
+    virtual void Begin() {}
+    virtual void OnControl(int id, int code) = 0;  // as in WM_COMMAND
+    virtual void OnFonts() {}                      // those of its own must be made anew
+    // Gives its controls the font of its resource, in the size of this DPI.
+    void MakeFonts();
+
+    HWND dialog_ = nullptr;
+    int dpi_ = 96;
+
+  private:
+    LOGFONTW face_ = {};  // of its resource
+    int firstDpi_ = 96;   // when it was opened
+    OwnedFont font_;      // none: that of its resource
+};
+
 // A dialog that leaves its owner enabled. It contains a list, of which it is the model, and the
 // whole text of the selected row. Its user may enlarge it, and move it to a screen of another DPI.
-class ListDialog : protected virtual ListModel {
+class ListDialog : public Dialog, protected virtual ListModel {
   public:
     ~ListDialog() override;
-
-    std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam);
-    void OnException() noexcept { ShowException(dialog_, false); }
+    std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam,
+                                     LPARAM lParam) override;
 
   protected:
     // Opens it from its resource, or brings it to the front.
     void OpenDialog(HWND owner, int resource);
-    int Dpi() const { return dpi_; }
     bool IsOpen() const { return dialog_ != nullptr; }
     void Close() { DestroyWindow(dialog_); }  // if it is open
-    HWND Item(int id) const { return GetDlgItem(dialog_, id); }
-    void SetItem(int id, const std::wstring& text) const { ChangeText(Item(id), text); }
     // Sets the title of the dialog and of its list, and the columns. `grown`: the control that gets
     // what the dialog gains; 0: the list.
     void BeginDialog(const std::wstring& title, int list, const std::vector<ListColumn>& columns,
@@ -64,24 +89,19 @@ class ListDialog : protected virtual ListModel {
     void Refresh();
     void OnSelected() override { SetItem(IDC_CHOSEN, list_.SelectedText()); }
 
-    virtual void Begin() = 0;
-    virtual void OnCommand(int id) = 0;
+    virtual void OnCommand(int id) = 0;  // of a button
     virtual void OnClosed() {}
-    virtual void OnFonts() {}  // those of its own must be made anew
 
     ListControl list_{*this};
-    HWND dialog_ = nullptr;
 
   private:
+    void OnControl(int id, int code) override;
     void Stretch();
-    void MakeFonts();
     void SetDpi(int dpi, const RECT& place);
 
     SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window
     HWND grown_ = nullptr;
     std::vector<ListColumn> columns_;
-    int dpi_ = 96, firstDpi_ = 96;  // when it was opened
-    OwnedFont font_;                // none: that of its resource
 };
 
 // Asks with three buttons, whose strings are `yes`, `no` and `none`. Returns IDYES, IDNO or

@@ -4,87 +4,76 @@
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/messages.h"
 #include "platform/wide_text.h"
 #include "values/module_types.h"
+#include "values/ranges.h"
 #include "values/text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
-#include "window/store/profiles.h"
+#include "window/store/settings.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
 namespace {
 
-constexpr const wchar_t* kAuthLabels[] = {VN_AUTH_MD5,    VN_AUTH_SHA1,   VN_AUTH_SHA224,
-                                          VN_AUTH_SHA256, VN_AUTH_SHA384, VN_AUTH_SHA512};
-constexpr const wchar_t* kAuthNames[] = {L"MD5",     L"SHA-1",   L"SHA-224",
-                                         L"SHA-256", L"SHA-384", L"SHA-512"};
-constexpr const wchar_t* kPrivLabels[] = {VN_PRIV_DES, VN_PRIV_AES};
+struct Protocol {
+    const wchar_t *label, *name;
+};
+const std::vector<Protocol> kAuth = {{VN_AUTH_MD5, L"MD5"},        {VN_AUTH_SHA1, L"SHA-1"},
+                                     {VN_AUTH_SHA224, L"SHA-224"}, {VN_AUTH_SHA256, L"SHA-256"},
+                                     {VN_AUTH_SHA384, L"SHA-384"}, {VN_AUTH_SHA512, L"SHA-512"}};
+const std::vector<Protocol> kPriv = {{VN_PRIV_DES, L"DES"}, {VN_PRIV_AES, L"AES"}};
 
 constexpr WPARAM kMaxCommunities = 2000;
 
-class SnmpDialog {
+bool IsSame(const std::wstring& one, const std::wstring& other) {
+    return lstrcmpiW(one.c_str(), other.c_str()) == 0;
+}
+
+class SnmpDialog : public Dialog {
   public:
     SnmpDialog(Credentials& credentials, std::wstring reason)
         : credentials_(credentials), reason_(std::move(reason)), known_(credentials.security) {}
-
-    std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
-        if (message == WM_INITDIALOG) {
-            Begin(dialog);
-            return TRUE;
-        }
-        if (message == WM_COMMAND && OnCommand(LOWORD(wParam), HIWORD(wParam))) return 0;
-        return std::nullopt;
-    }
-    void OnException() noexcept { ShowException(dialog_, false); }
+    bool Ask(HWND owner) { return Dialog::Ask(owner, IDD_SNMP); }
 
   private:
     LRESULT Send(int id, UINT message, WPARAM wParam = 0, const wchar_t* text = nullptr) const {
         return SendDlgItemMessageW(dialog_, id, message, wParam, reinterpret_cast<LPARAM>(text));
     }
-    std::wstring FieldText(int id) const { return WindowText(GetDlgItem(dialog_, id)); }
+    std::wstring FieldText(int id) const { return WindowText(Item(id)); }
+    // Unlike ChangeText, it copies no password.
     void SetField(int id, const std::wstring& text) const {
         SetDlgItemTextW(dialog_, id, text.c_str());
     }
 
-    // Fills in "none" and the names of the labels; selects `chosen`, or "none".
-    template <size_t N>
-    void Fill(int id, const wchar_t* const (&labels)[N], const wchar_t* const (&names)[N],
-              const std::wstring& chosen) const {
+    // Fills in "none" and the names of the protocols; selects that of a label, or "none".
+    void Fill(int id, const std::vector<Protocol>& protocols, const std::wstring& label) const {
         Send(id, CB_RESETCONTENT);
         Send(id, CB_ADDSTRING, 0, Text(IDS_NO_PROTOCOL).c_str());
-        size_t index = 0;
-        for (size_t label = 0; label < N; ++label) {
-            Send(id, CB_ADDSTRING, 0, names[label]);
-            if (lstrcmpiW(chosen.c_str(), labels[label]) == 0) index = label + 1;
+        Send(id, CB_SETCURSEL, 0);
+        for (const Protocol& one : protocols) {
+            const LRESULT index = Send(id, CB_ADDSTRING, 0, one.name);
+            if (IsSame(one.label, label)) Send(id, CB_SETCURSEL, static_cast<WPARAM>(index));
         }
-        Send(id, CB_SETCURSEL, index);
     }
 
-    template <size_t N>
-    std::wstring Chosen(int id, const wchar_t* const (&labels)[N]) const {
+    std::wstring Chosen(int id, const std::vector<Protocol>& protocols) const {
         const LRESULT index = Send(id, CB_GETCURSEL);
-        return index > 0 ? labels[index - 1] : L"";
+        return index > 0 ? protocols[static_cast<size_t>(index) - 1].label : L"";
     }
 
     // The known password unless another one is typed.
-    Secret PasswordOf(int id, const Secret* known) const {
+    Secret PasswordOf(int id, const Secret& known) const {
         std::wstring typed = FieldText(id);
-        if (typed.empty() && known) return Secret(known->Get());
-        return Secret(std::move(typed));
+        return typed.empty() ? Secret(known.Get()) : Secret(std::move(typed));
     }
 
-    void Begin(HWND dialog) {
-        dialog_ = dialog;
-        ChangeTexts(dialog);
-        CentreOnOwner(dialog);
+    void Begin() override {
         // Not the passwords, which the module takes in any length.
         Send(IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities);
         Send(IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX);
@@ -104,7 +93,7 @@ class SnmpDialog {
         }
     }
 
-    bool OnCommand(int id, int code) {
+    void OnControl(int id, int code) override {
         if (id == IDC_PROFILE && code == CBN_SELCHANGE) {
             const auto index = static_cast<size_t>(Send(IDC_PROFILE, CB_GETCURSEL));
             if (index < names_.size()) Load(names_[index]);
@@ -116,10 +105,7 @@ class SnmpDialog {
             End(FALSE);
         } else if (id == IDOK) {
             Finish();
-        } else {
-            return false;
         }
-        return true;
     }
 
     int ShowMessage(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
@@ -151,15 +137,13 @@ class SnmpDialog {
     }
 
     bool IsSaved(const std::wstring& name) const {
-        return std::any_of(names_.begin(), names_.end(), [&](const std::wstring& each) {
-            return lstrcmpiW(each.c_str(), name.c_str()) == 0;
-        });
+        return AnyOf(names_, [&](const std::wstring& each) { return IsSame(each, name); });
     }
 
     void Show(const Security& user, bool hasPasswords) const {
         SetField(IDC_USER, user.user);
-        Fill(IDC_AUTH, kAuthLabels, kAuthNames, user.authLabel);
-        Fill(IDC_PRIV, kPrivLabels, kPrivLabels, user.privLabel);
+        Fill(IDC_AUTH, kAuth, user.authLabel);
+        Fill(IDC_PRIV, kPriv, user.privLabel);
         const std::wstring hint = Text(IDS_SNMP_KNOWN);
         for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.useAuth),
                                           std::pair(IDC_PRIV_PASSWORD, user.usePriv)}) {
@@ -181,7 +165,7 @@ class SnmpDialog {
              {std::pair(IDC_AUTH_PASSWORD, hasAuth), std::pair(IDC_PRIV, hasAuth),
               std::pair(IDC_PRIV_PASSWORD, hasPriv),
               std::pair(IDC_PROFILE_DELETE, IsSaved(ProfileName()))})
-            EnableWindow(GetDlgItem(dialog_, id), isUsed);
+            EnableWindow(Item(id), isUsed);
     }
 
     void Delete() {
@@ -201,18 +185,15 @@ class SnmpDialog {
     std::shared_ptr<Security> TypedUser() const {
         auto user = std::make_shared<Security>();
         user->user = FieldText(IDC_USER);
-        user->authLabel = Chosen(IDC_AUTH, kAuthLabels);
+        user->authLabel = Chosen(IDC_AUTH, kAuth);
         user->useAuth = !user->authLabel.empty();
-        if (user->useAuth) user->privLabel = Chosen(IDC_PRIV, kPrivLabels);
+        if (user->useAuth) user->privLabel = Chosen(IDC_PRIV, kPriv);
         user->usePriv = !user->privLabel.empty();
         // A known password is only valid for its user.
-        const Security* known = known_ && known_->user == user->user ? known_.get() : nullptr;
-        if (user->useAuth)
-            user->authPassword =
-                PasswordOf(IDC_AUTH_PASSWORD, known ? &known->authPassword : nullptr);
-        if (user->usePriv)
-            user->privPassword =
-                PasswordOf(IDC_PRIV_PASSWORD, known ? &known->privPassword : nullptr);
+        const Security none;
+        const Security& known = known_ && known_->user == user->user ? *known_ : none;
+        if (user->useAuth) user->authPassword = PasswordOf(IDC_AUTH_PASSWORD, known.authPassword);
+        if (user->usePriv) user->privPassword = PasswordOf(IDC_PRIV_PASSWORD, known.privPassword);
         return user;
     }
 
@@ -232,7 +213,7 @@ class SnmpDialog {
 
     void ShowMistake(int field, unsigned text) const {
         ShowMessage(Text(text));
-        const auto control = reinterpret_cast<WPARAM>(GetDlgItem(dialog_, field));
+        const auto control = reinterpret_cast<WPARAM>(Item(field));
         SendMessageW(dialog_, WM_NEXTDLGCTL, control, TRUE);  // which also selects its text
     }
 
@@ -259,7 +240,7 @@ class SnmpDialog {
 
     // Returns nothing if the user wants another name.
     std::optional<SaveResult> Save(const std::wstring& name, const Security& user) const {
-        const bool isLoaded = lstrcmpiW(name.c_str(), loaded_.c_str()) == 0;
+        const bool isLoaded = IsSame(name, loaded_);
         if (!isLoaded && IsSaved(name) &&
             ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
             return std::nullopt;
@@ -277,7 +258,7 @@ class SnmpDialog {
     void End(INT_PTR result) const {
         // Edit controls keep their own copies.
         for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD}) {
-            const auto length = static_cast<size_t>(GetWindowTextLengthW(GetDlgItem(dialog_, id)));
+            const auto length = static_cast<size_t>(GetWindowTextLengthW(Item(id)));
             SetField(id, std::wstring(length, L' '));
         }
         EndDialog(dialog_, result);
@@ -286,7 +267,6 @@ class SnmpDialog {
     Credentials& credentials_;
     const std::wstring reason_;
     std::shared_ptr<const Security> known_;  // the user whose passwords need not be typed again
-    HWND dialog_ = nullptr;
     std::vector<std::wstring> names_;
     std::wstring loaded_;    // the profile whose user the fields show
     bool isClosed_ = false;  // it cannot be opened
@@ -302,24 +282,21 @@ std::optional<std::vector<std::string>> ParseCommunities(const std::string& text
         if (one.empty()) continue;
         if (ToAnsi(one).size() > kLongestCommunity) return std::nullopt;
         if (one == VN_DEFAULT_COMMUNITY) one.clear();
-        if (std::find(communities.begin(), communities.end(), one) == communities.end())
-            communities.push_back(std::move(one));
+        IndexOrAppend(communities, one);
     }
-    if (communities.empty()) communities = {"", "public"};
-    return communities;
+    return communities.empty() ? Credentials().communities : communities;
 }
 
 bool AskCredentials(HWND owner, Credentials& credentials, const std::wstring& reason) {
-    SnmpDialog dialog(credentials, reason);
-    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDD_SNMP), owner,
-                           DialogProcedure<SnmpDialog>, reinterpret_cast<LPARAM>(&dialog)) == TRUE;
+    return SnmpDialog(credentials, reason).Ask(owner);
 }
 
 bool UseProfile(const std::wstring& name, Credentials& credentials) {
-    auto profile = ReadProfile(name);
+    const std::wstring used = name.empty() ? LastProfile() : name;
+    auto profile = ReadProfile(used);
     if (!profile || !profile->isOpen) return false;
     credentials.security = std::make_shared<const Security>(std::move(profile->security));
-    credentials.profile = name;
+    credentials.profile = used;
     return true;
 }
 
@@ -327,7 +304,7 @@ std::wstring UseKept(const std::wstring& profile, Credentials& credentials) {
     const auto text = KeptCommunities();
     const auto kept = ParseCommunities(ToUtf8(text.value_or(L"")));
     if (kept) credentials.communities = *kept;
-    const bool isOpen = UseProfile(profile.empty() ? LastProfile() : profile, credentials);
+    const bool isOpen = UseProfile(profile, credentials);
     if (!isOpen && !profile.empty()) return Text(IDS_NO_PROFILE, {profile});
     return text && kept ? L"" : Text(IDS_COMMUNITIES_CLOSED);
 }

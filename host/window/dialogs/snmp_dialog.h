@@ -21,7 +21,8 @@ bool AskCredentials(HWND owner, Credentials& credentials, const std::wstring& re
 // a request.
 std::optional<std::vector<std::string>> ParseCommunities(const std::string& text);
 
-// Uses the user of a profile. Returns false if it does not exist or cannot be opened.
+// Uses the user of a profile; empty: of the last one. Returns false if it does not exist or cannot
+// be opened.
 bool UseProfile(const std::wstring& name, Credentials& credentials);
 
 // Uses what was kept: the communities, and the user of this profile; empty: of the last one.

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "model/scan/device_view.h"
 #include "window/controls/clipboard.h"
 #include "window/controls/popup_menu.h"
 #include "window/main/main_window.h"

@@ -3,6 +3,7 @@
 #include <numeric>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "values/utc_time.h"
@@ -25,11 +26,10 @@ void DeviceCommands::Ask(bool isAgain) {
     if (!target || !state_.workers) return;
     // Credentials go to an address of a file only if the user says so.
     if (!isAgain && !state_.session.HasAnsweredHere(row->answers, target->address)) return;
-    if (isAgain && target->credentials.security && target->kind == SweepKind::kSnmpV1) {
+    if (isAgain && state_.credentials.security && !target->login.security) {
         // To a sweep, a device that refuses the user is silent.
         AskTarget second = *target;
-        second.kind = SweepKind::kSnmpV3;
-        second.otherCommunities.clear();
+        second.UseUser(state_.credentials.security);
         state_.workers->Ask(second, true);
     }
     state_.workers->Ask(*target, true, !isAgain);
@@ -53,7 +53,7 @@ bool DeviceCommands::ReadShown() {
 std::vector<AskTarget> DeviceCommands::TargetsOf(const std::vector<size_t>& rows) const {
     std::vector<AskTarget> targets;
     for (const size_t row : rows) {
-        if (auto target = state_.session.TargetOf(state_.session.view.Row(row)))
+        if (auto target = state_.session.TargetOf(state_.session.view.Row(row).answers))
             targets.push_back(*std::move(target));
     }
     return targets;
@@ -61,9 +61,8 @@ std::vector<AskTarget> DeviceCommands::TargetsOf(const std::vector<size_t>& rows
 
 bool DeviceCommands::ReadFound() { return ReadAll(state_.session.TargetsToRead()); }
 
-bool DeviceCommands::ReadAll(std::vector<AskTarget> targets) {
+bool DeviceCommands::ReadAll(const std::vector<AskTarget>& targets) {
     if (targets.empty()) return false;
-    for (AskTarget& target : targets) target = state_.WithCredentials(std::move(target));
     state_.progress.BeginReadingAll();
     state_.workers->ReadAll(targets);
     Ask(false);  // the selected one whole
@@ -71,8 +70,9 @@ bool DeviceCommands::ReadAll(std::vector<AskTarget> targets) {
 }
 
 void DeviceCommands::Diagnose() {
-    const auto target = state_.SelectedTarget();
+    auto target = state_.SelectedTarget();
     if (!target) return;
+    target->UseUser(state_.credentials.security);  // asked by both protocols
     doctor.Begin(target->address);
     state_.workers->Diagnose(*target);
     state_.workers->MakeReport();
@@ -103,11 +103,8 @@ void DeviceCommands::AddByHand() {
 void DeviceCommands::Added(const std::vector<std::pair<std::string, std::string>>& addresses,
                            const std::string& unknown) {
     state_.session.AddByHand(addresses, UtcNow());
-    for (const auto& [address, typed] : addresses) {
-        AskTarget target;
-        target.address = address;
-        state_.workers->Ask(state_.WithCredentials(std::move(target)), false);
-    }
+    for (const auto& [address, typed] : addresses)
+        state_.workers->Ask(state_.session.TargetAt(address), false);
     if (!unknown.empty()) state_.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
 }
 

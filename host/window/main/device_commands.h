@@ -46,7 +46,7 @@ class DeviceCommands {
 
   private:
     std::vector<AskTarget> TargetsOf(const std::vector<size_t>& rows) const;
-    bool ReadAll(std::vector<AskTarget> targets);
+    bool ReadAll(const std::vector<AskTarget>& targets);
 
     WindowState& state_;
 };

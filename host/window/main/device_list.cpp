@@ -4,6 +4,7 @@
 #include <windowsx.h>
 #include <algorithm>
 
+#include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ranges.h"
 #include "window/main/commands.h"
@@ -152,21 +153,28 @@ void DeviceList::ShowMenu(LPARAM place) {
     open(MakeDeviceMenu().Get());
 }
 
+size_t DeviceList::Count() const { return state_.session.view.Count(); }
+
+bool DeviceList::IsGrey(size_t row) const {
+    const Standing::Kind kind = state_.session.view.Row(row).standing.kind;
+    return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
+}
+
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const Column shownColumn = At(column);
     const std::wstring text = ShownText(shown, shownColumn);
     if (shownColumn == Column::kState && state_.changes.IsMarked(shown))
         return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
-    const std::string mark = Bar(row, column) ? SeverityMark(shown.supplySeverity) : "";
+    const std::string mark = Bar(row, column) ? SeverityMark(shown.summary.supplySeverity) : "";
     return mark.empty() ? text : ToWide(mark) + L" " + text;
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isBar = InfoOf(At(column)).look == ColumnInfo::Look::kBar;
-    if (!isBar || !shown.lowestSupply || !shown.standing.Holds()) return std::nullopt;
-    return BarOf(*shown.lowestSupply, shown.supplyColour);
+    if (!isBar || !shown.summary.lowestSupply || !shown.standing.Holds()) return std::nullopt;
+    return BarOf(*shown.summary.lowestSupply, shown.summary.supplyColour);
 }
 
 void DeviceList::OnHeading(size_t column) {

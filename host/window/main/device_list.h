@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "model/scan/device_view.h"
 #include "window/controls/list_control.h"
 #include "window/main/window_state.h"
 
@@ -55,13 +54,10 @@ class DeviceList : private ListModel {
     const ListControl& List() const { return list_; }
 
   private:
-    size_t Count() const override { return state_.session.view.Count(); }
+    size_t Count() const override;
     std::wstring CellText(size_t row, size_t column) const override;
     std::optional<LevelBar> Bar(size_t row, size_t column) const override;
-    bool IsGrey(size_t row) const override {
-        const Standing::Kind kind = state_.session.view.Row(row).standing.kind;
-        return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
-    }
+    bool IsGrey(size_t row) const override;
     std::wstring EmptyText() const override;
     void OnSelection() override;
     void OnSelected() override {

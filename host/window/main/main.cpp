@@ -6,7 +6,6 @@
 // could be sent.
 #include <windows.h>
 
-#include <algorithm>
 #include <iterator>
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/main/main_window.h"
@@ -34,52 +34,50 @@ bool Keep(const std::string& value, StartOptions& options) {
     return true;
 }
 
-// Those with a value. The value must be valid.
-constexpr struct ValueOption {
+// A flag, or with a value, which must be valid.
+constexpr struct Option {
     const char* word;
+    bool StartOptions::*flag;
     bool (*read)(const std::string& value, StartOptions& options);
     unsigned mistake = 0;  // what a value that is not valid may be; 0: nothing to say
-} kValueOptions[] = {{"--profile",
-                      [](const std::string& value, StartOptions& options) {
-                          options.profile = ToWide(value);
-                          return true;
-                      }},
-                     {"--community",
-                      [](const std::string& value, StartOptions& options) {
-                          const auto communities = ParseCommunities(value);
-                          if (communities)
-                              options.communities.insert(options.communities.end(),
-                                                         communities->begin(), communities->end());
-                          return communities.has_value();
-                      },
-                      IDS_SNMP_BAD_COMMUNITY},
-                     {"--look-for",
-                      [](const std::string& value, StartOptions& options) {
-                          const auto* const preset =
-                              std::find(std::begin(kPresetWords), std::end(kPresetWords), value);
-                          options.lookFor =
-                              static_cast<unsigned>(preset - std::begin(kPresetWords));
-                          return preset != std::end(kPresetWords);
-                      }},
-                     {"--save", Keep<&StartOptions::savePath>},
-                     {"--csv", Keep<&StartOptions::csvPath>}};
+} kOptions[] = {
+    {"--sweep", &StartOptions::sweep, nullptr},
+    {"--read", &StartOptions::read, nullptr},
+    {kExit, &StartOptions::exit, nullptr},
+    {"--profile", nullptr,
+     [](const std::string& value, StartOptions& options) {
+         options.profile = ToWide(value);
+         return true;
+     }},
+    {"--community", nullptr,
+     [](const std::string& value, StartOptions& options) {
+         const auto communities = ParseCommunities(value);
+         if (communities)
+             options.communities.insert(options.communities.end(), communities->begin(),
+                                        communities->end());
+         return communities.has_value();
+     }},
+    {"--look-for", nullptr,
+     [](const std::string& value, StartOptions& options) {
+         const auto* const preset = FindIf(kPresetWords, [&](auto* word) { return value == word; });
+         if (preset) options.lookFor = static_cast<unsigned>(preset - kPresetWords);
+         return preset != nullptr;
+     }},
+    {"--save", nullptr, Keep<&StartOptions::savePath>},
+    {"--csv", nullptr, Keep<&StartOptions::csvPath>},
+};
 
 // Returns what is wrong; empty: nothing.
 std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& options) {
     for (size_t index = 0; index < words.size(); ++index) {
         const std::string& word = words[index];
-        bool* const flag = word == "--sweep"  ? &options.sweep
-                           : word == "--read" ? &options.read
-                           : word == kExit    ? &options.exit
-                                              : nullptr;
-        if (flag) {
-            *flag = true;
+        const Option* const option =
+            FindIf(kOptions, [&](const Option& one) { return word == one.word; });
+        if (!option) return Text(IDS_NO_OPTION, {ToWide(word)});
+        if (option->flag) {
+            options.*option->flag = true;
             continue;
         }
-        const auto* const option =
-            std::find_if(std::begin(kValueOptions), std::end(kValueOptions),
-                         [&](const ValueOption& one) { return word == one.word; });
-        if (option == std::end(kValueOptions)) return Text(IDS_NO_OPTION, {ToWide(word)});
         // An unset variable of a script gives an empty one, or the next option.
         if (index + 1 == words.size() || words[index + 1].empty() ||
             words[index + 1].rfind("--", 0) == 0)
@@ -114,7 +112,7 @@ int Run() {
         ServeReader();
         return kFound;
     }
-    const bool isScript = std::count(words.begin(), words.end(), kExit) != 0;
+    const bool isScript = Contains(words, kExit);
     StartOptions options;
     if (const std::wstring problem = ReadOptions(words, options); !problem.empty()) {
         ShowProblem(nullptr, problem + L"\n\n" + Text(IDS_USAGE), true);

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "platform/messages.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -25,6 +26,115 @@ constexpr UINT_PTR kFrameTimer = 1, kStatusTimer = 2, kRefreshTimer = 3;
 constexpr UINT kFrameMs = 100, kStatusMs = 250;
 
 }  // namespace
+
+struct MainWindow::Message {
+    UINT id;
+    WPARAM wParam;
+    LPARAM lParam;
+    std::optional<LRESULT> result = 0;
+};
+struct MainWindow::MessageRow {
+    // Where the focus was when the window is active again: Windows would give it to the window
+    // itself, where keys do nothing.
+    static void HandleFocus(MainWindow& self, Message& message) {
+        const HWND window = self.Handle(), focus = GetFocus();
+        const bool isLeaving = message.id == WM_ACTIVATE && LOWORD(message.wParam) == WA_INACTIVE;
+        if (isLeaving && IsChild(window, focus)) self.focus_ = focus;
+        if (message.id == WM_SETFOCUS)
+            SetFocus(IsChild(window, self.focus_) ? self.focus_ : GetDlgItem(window, IDC_FIND));
+        message.result.reset();
+    }
+    static void DragGap(MainWindow& self, Message& message) {
+        message.result = TRUE;
+        if (!self.panes.OnMouse(message.id)) message.result.reset();
+    }
+    static void Redraw(MainWindow& self, Message& message) {
+        self.panes.SetDpi(self.panes.Dpi());
+        self.panes.Place();
+        message.result.reset();
+    }
+    UINT message;
+    void (*handle)(MainWindow& self, Message& message);
+};
+const MainWindow::MessageRow MainWindow::kMessages[] = {
+    // The queue is not emptied until then, so that one frame handles all results.
+    {WindowState::kResults,
+     [](MainWindow& self, Message&) { SetTimer(self.Handle(), kFrameTimer, kFrameMs, nullptr); }},
+    {WM_TIMER, [](MainWindow& self, Message& timer) { self.OnTimer(timer.wParam); }},
+    {WM_SIZE, [](MainWindow& self, Message&) { self.panes.Place(); }},
+    {WM_GETMINMAXINFO,
+     [](MainWindow& self, Message& size) {
+         const SIZE least = self.panes.MinimumSize();
+         reinterpret_cast<MINMAXINFO*>(size.lParam)->ptMinTrackSize = {least.cx, least.cy};
+     }},
+    {WM_DPICHANGED,
+     [](MainWindow& self, Message& dpi) {
+         self.panes.list.StoreColumns();
+         self.panes.SetDpi(HIWORD(dpi.wParam));
+         self.panes.list.ShowColumns();
+         TakeSuggested(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
+         self.panes.Place();
+     }},
+    {DM_GETDEFID,  // Enter begins a search, but does not stop one
+     [](MainWindow& self, Message& button) {
+         button.result = self.state.IsBusy() ? 0 : MAKELRESULT(IDC_FIND, DC_HASDEFID);
+     }},
+    {WM_SETCURSOR, MessageRow::DragGap},
+    {WM_LBUTTONDOWN, MessageRow::DragGap},
+    {WM_MOUSEMOVE, MessageRow::DragGap},
+    {WM_LBUTTONUP, MessageRow::DragGap},
+    {WM_ACTIVATE, MessageRow::HandleFocus},
+    {WM_SETFOCUS, MessageRow::HandleFocus},
+    {WM_SYSCOLORCHANGE, MessageRow::Redraw},
+    {WM_THEMECHANGED, MessageRow::Redraw},
+    {WM_SETTINGCHANGE, MessageRow::Redraw},
+    {WM_INITMENUPOPUP,
+     [](MainWindow& self, Message& menu) {
+         EnableCommands(self, reinterpret_cast<HMENU>(menu.wParam));
+     }},
+    {WM_COMMAND,
+     [](MainWindow& self, Message& command) {
+         self.OnCommand(LOWORD(command.wParam), HIWORD(command.wParam));
+     }},
+    {WM_NOTIFY,
+     [](MainWindow& self, Message& message) {
+         const auto& header = *reinterpret_cast<const NMHDR*>(message.lParam);
+         if (header.idFrom == IDC_DEVICES) self.panes.list.OnNotify(header);
+         if (header.idFrom == IDC_DEVICES && header.code == LVN_ITEMACTIVATE)
+             self.OnCommand(IDM_DETAILS, 0);
+         self.panes.details.OnNotify(header);
+         message.result = HandleListMessage(WM_NOTIFY, message.wParam, message.lParam);
+     }},
+    {WM_CONTEXTMENU,
+     [](MainWindow& self, Message& message) {
+         const auto control = reinterpret_cast<HWND>(message.wParam);
+         const HWND own = self.panes.list.Handle();
+         if (control == own || control == ListView_GetHeader(own)) {
+             self.panes.list.ShowMenu(message.lParam);
+         } else {
+             message.result = HandleListMessage(WM_CONTEXTMENU, message.wParam, message.lParam);
+         }
+     }},
+    {kCopied,
+     [](MainWindow& self, Message& copying) {
+         self.state.progress.SetNote(copying.wParam ? L"" : Text(IDS_NOT_COPIED));
+         self.ShowStatus();
+     }},
+    // The system allows no dialog, and would end the program while it waits for one.
+    {WM_QUERYENDSESSION, [](MainWindow&, Message& message) { message.result = TRUE; }},
+    {WM_ENDSESSION,
+     [](MainWindow& self, Message& end) {
+         if (end.wParam) self.OnSessionEnd(end.lParam);
+     }},
+    {WM_CLOSE,
+     [](MainWindow& self, Message&) {
+         if (self.MayClose()) self.OnClose();
+     }},
+    {WM_DESTROY, [](MainWindow& self, Message&) {
+         Attach<MainWindow>(self.Handle(), nullptr);
+         self.state.window = nullptr;
+         PostQuitMessage(0);
+     }}};
 
 MainWindow::MainWindow(Engine& engine, StartOptions options) {
     state.options = std::move(options);
@@ -98,98 +208,14 @@ void MainWindow::Dispatch(MSG& message) try {
     OnException();
 }
 
-std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-        case WindowState::kResults:  // it is emptied later, so that one frame handles all results
-            SetTimer(Handle(), kFrameTimer, kFrameMs, nullptr);
-            return 0;
-        case WM_TIMER:
-            OnTimer(wParam);
-            return 0;
-        case WM_COMMAND:
-            OnCommand(LOWORD(wParam), HIWORD(wParam));
-            return 0;
-        case WM_INITMENUPOPUP:
-            EnableCommands(*this, reinterpret_cast<HMENU>(wParam));
-            return 0;
-        case DM_GETDEFID:  // Enter begins a search, but does not stop one
-            return state.IsBusy() ? 0 : MAKELRESULT(IDC_FIND, DC_HASDEFID);
-        case WM_NOTIFY:
-        case WM_CONTEXTMENU:
-            return OnListMessage(message, wParam, lParam);
-        case kCopied:
-            state.progress.SetNote(wParam ? L"" : Text(IDS_NOT_COPIED));
-            ShowStatus();
-            return 0;
-        case WM_ACTIVATE:
-        case WM_SETFOCUS:
-            focus_.OnMessage(Handle(), message, wParam, GetDlgItem(Handle(), IDC_FIND));
-            return std::nullopt;
-        case WM_CLOSE:
-            if (MayClose()) OnClose();
-            return 0;
-        default:
-            return OnFrameMessage(message, wParam, lParam);
+std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT id, WPARAM wParam, LPARAM lParam) {
+    for (const MessageRow& row : kMessages) {
+        if (row.message != id) continue;
+        Message message{id, wParam, lParam};
+        row.handle(*this, message);
+        return message.result;
     }
-}
-
-std::optional<LRESULT> MainWindow::OnListMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_CONTEXTMENU) {
-        const HWND list = panes.list.Handle(), from = reinterpret_cast<HWND>(wParam);
-        if (from != list && from != ListView_GetHeader(list))
-            return HandleListMessage(message, wParam, lParam);
-        panes.list.ShowMenu(lParam);
-        return 0;
-    }
-    const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
-    if (header.idFrom == IDC_DEVICES) panes.list.OnNotify(header);
-    if (header.idFrom == IDC_DEVICES && header.code == LVN_ITEMACTIVATE) OnCommand(IDM_DETAILS, 0);
-    panes.details.OnNotify(header);
-    return HandleListMessage(message, wParam, lParam);
-}
-
-std::optional<LRESULT> MainWindow::OnFrameMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-    switch (message) {
-        case WM_SIZE:
-            panes.Place();
-            return 0;
-        case WM_GETMINMAXINFO: {
-            const SIZE least = panes.MinimumSize();
-            reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least.cx, least.cy};
-            return 0;
-        }
-        case WM_SETCURSOR:
-        case WM_LBUTTONDOWN:
-        case WM_MOUSEMOVE:
-        case WM_LBUTTONUP:
-            return panes.OnMouse(message) ? std::optional<LRESULT>(TRUE) : std::nullopt;
-        case WM_DPICHANGED:
-            panes.list.StoreColumns();
-            panes.SetDpi(HIWORD(wParam));
-            panes.list.ShowColumns();
-            TakeSuggested(Handle(), *reinterpret_cast<const RECT*>(lParam));
-            panes.Place();
-            return 0;
-        case WM_SYSCOLORCHANGE:
-        case WM_THEMECHANGED:
-        case WM_SETTINGCHANGE:
-            panes.SetDpi(panes.Dpi());
-            panes.Place();
-            return std::nullopt;
-        // The system allows no dialog, and would end the program while it waits for one.
-        case WM_QUERYENDSESSION:
-            return TRUE;
-        case WM_ENDSESSION:
-            if (wParam) OnSessionEnd(lParam);
-            return 0;
-        case WM_DESTROY:
-            Attach<MainWindow>(Handle(), nullptr);
-            state.window = nullptr;
-            PostQuitMessage(0);
-            return 0;
-        default:
-            return std::nullopt;
-    }
+    return std::nullopt;
 }
 
 // The process may end right after this.

@@ -9,7 +9,6 @@
 
 #include "platform/com.h"
 #include "window/controls/owners.h"
-#include "window/controls/saved_focus.h"
 #include "window/main/device_commands.h"
 #include "window/main/panes.h"
 #include "window/main/scan_commands.h"
@@ -50,9 +49,9 @@ class MainWindow {
 
   private:
     const Apartment apartment_;  // of the thread: dialogs of the shell need it
-    // Those of lists, and those of the window as a whole.
-    std::optional<LRESULT> OnListMessage(UINT message, WPARAM wParam, LPARAM lParam);
-    std::optional<LRESULT> OnFrameMessage(UINT message, WPARAM wParam, LPARAM lParam);
+    struct Message;
+    struct MessageRow;
+    static const MessageRow kMessages[];
     void OnSessionEnd(LPARAM how);
     void ApplyOptions();
     void OnSelected();  // another device, by the user
@@ -65,7 +64,7 @@ class MainWindow {
     void EndWorkers();
     void EndEarly();
 
-    SavedFocus focus_;
+    HWND focus_ = nullptr;    // had it last; null: none
     bool isTicking_ = false;  // the timer of the status
     OwnedAccelerators keys_;
 };

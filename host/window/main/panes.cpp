@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ranges.h"
 #include "window/dialogs/dialogs.h"

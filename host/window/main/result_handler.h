@@ -33,12 +33,12 @@ class ResultHandler : public Results {
         if (!read.isForList) state_.progress.EndAsking();
         const Status status = read.answers.lastStatus;
         const bool isRefusal = status == Status::kRefused || status == Status::kOnlyDiscovered;
-        if (read.target.kind == SweepKind::kSnmpV3 && isRefusal)
+        if (read.target.login.security && isRefusal)
             state_.progress.SetNote(Text(
                 IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)}));
         state_.session.AddReading(std::move(read));
     }
-    void OnReadAll(const Progress::Read& read, bool) override {
+    void OnReadAll(const Progress::Read& read) override {
         state_.progress.EndReadingAll(read);
         w_.searches.EndReading();
     }

@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "model/scan/device_writer.h"
 #include "model/scan/scan_report.h"
 #include "model/scan/standing.h"

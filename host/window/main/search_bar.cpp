@@ -147,17 +147,17 @@ std::vector<SweepStep> SearchBar::Steps(const Credentials& credentials) const {
     const PresetItem& preset = kPresets[Preset()];
     std::vector<SweepStep> steps;
     SweepStep step;
-    step.credentials = credentials;
     for (const bool useIPv6 : {false, true}) {
         if (!IsTicked(useIPv6 ? IDC_IPV6 : IDC_IPV4)) continue;
         step.useIPv6 = useIPv6;
         step.kind = SweepKind::kSnmpV1;
         step.oid = *ParseOidOrName(preset.object);
         for (const std::string& community : credentials.communities) {
-            step.credentials.community = community;
+            step.login = {community, nullptr};
             if (IsTicked(IDC_V1)) steps.push_back(step);
         }
         if (!IsTicked(IDC_V3)) continue;
+        step.login = {"", credentials.security};
         step.kind = SweepKind::kSnmpV3;
         steps.push_back(step);
         // Over SNMPv3 a printer whose index is not 1 would not be reported.

@@ -7,7 +7,6 @@
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/resource.h"
-#include "window/store/profiles.h"
 #include "window/store/scan_files.h"
 #include "window/strings.h"
 
@@ -20,7 +19,7 @@ void Searches::AskForUser() {
 // Gets the SNMPv3 user. Returns false if there is none.
 bool Searches::FetchUser() {
     const std::wstring& profile = state_.options.profile;
-    if (UseProfile(profile.empty() ? LastProfile() : profile, state_.credentials)) return true;
+    if (UseProfile(profile, state_.credentials)) return true;
     if (state_.options.exit) {
         state_.exitCode = kFailed;
         PostMessageW(state_.window, WM_CLOSE, 0, 0);
@@ -86,7 +85,7 @@ void Searches::Finish() {
     state_.showRows();
     if (state_.progress.IsStopping() || !state_.workers) return EndReading();
     if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
-        state_.workers->Ask(state_.WithCredentials(*target), true);
+        state_.workers->Ask(*target, true);
     if (!ReadsFound() || !devices_.ReadFound()) EndReading();
 }
 

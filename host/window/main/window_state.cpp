@@ -2,11 +2,11 @@
 
 #include <shellapi.h>
 
+#include "model/scan/device_view.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
-#include "window/dialogs/snmp_dialog.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -27,29 +27,7 @@ unsigned WindowState::Obstacle() const {
 
 std::optional<AskTarget> WindowState::SelectedTarget() const {
     const DeviceRow* row = session.view.SelectedRow();
-    auto target = row ? session.TargetOf(*row) : std::nullopt;
-    if (target) target = WithCredentials(*std::move(target));
-    return target;
-}
-
-AskTarget WindowState::WithCredentials(AskTarget target) const {
-    const std::string community = target.credentials.community;
-    target.credentials = credentials;
-    target.credentials.communities.clear();
-    target.credentials.community = community;
-    const auto& all = credentials.communities;
-    if (target.isLoginKnown || all.empty()) return target;
-    target.credentials.community = all.front();
-    // Over SNMPv3 the user is asked once, not once for each community.
-    if (target.kind != SweepKind::kSnmpV3)
-        target.otherCommunities.assign(all.begin() + 1, all.end());
-    return target;
-}
-
-Credentials DefaultCredentials() {
-    Credentials credentials;
-    credentials.communities = *ParseCommunities("");
-    return credentials;
+    return row ? session.TargetOf(row->answers) : std::nullopt;
 }
 
 namespace {
@@ -88,7 +66,7 @@ void ShowAbout(HWND owner) {
     };
     const std::wstring text =
         Text(IDS_ABOUT, {version(nullptr), version(L"VnDiscover.dll"), ToWide(WindowsVersion())});
-    const std::wstring title = Text(IDS_TITLE);
+    const std::wstring title = Text(IDS_ABOUT_TITLE);
     MSGBOXPARAMSW box = {};
     box.cbSize = sizeof box;
     box.hwndOwner = owner;

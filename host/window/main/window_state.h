@@ -30,9 +30,6 @@ struct StartOptions {
     std::optional<unsigned> lookFor;       // a preset
 };
 
-// The module's community and "public", and no user.
-Credentials DefaultCredentials();
-
 struct WindowState {
     StartOptions options;
     std::function<void()> showRows;       // shows what the session has now
@@ -42,10 +39,10 @@ struct WindowState {
     int exitCode = kFound;
     bool isSessionEnding = false;  // nothing may wait for the user
     std::wstring file;  // "monday.json, scan of 23 November 09:12"; empty: the list is of no file
-    Session session;
+    Credentials credentials;
+    Session session{credentials};
     ChangeLog changes;
     Progress progress{[] { return static_cast<int64_t>(GetTickCount64()); }};
-    Credentials credentials = DefaultCredentials();
     ResultQueue queue{[this] { PostMessageW(window, kResults, 0, 0); }};
     std::unique_ptr<Workers> workers;  // null while the window closes
 
@@ -58,11 +55,8 @@ struct WindowState {
     bool IsBusy() const { return progress.IsSearching() || (workers && workers->IsSending()); }
     // The string that says what runs, and how to stop it; 0: nothing does.
     unsigned Obstacle() const;
-    // How to ask the selected device, with the credentials. Empty if none is selected, or if it
-    // cannot be asked.
+    // How to ask the selected device. Empty if none is selected, or if it cannot be asked.
     std::optional<AskTarget> SelectedTarget() const;
-    // Adds the credentials to one of the session's.
-    AskTarget WithCredentials(AskTarget target) const;
 };
 
 // Opens a file or a web page with the user's program for it, or with the given one. Reports a

@@ -24,7 +24,7 @@ std::wstring CallsWindow::CellText(size_t row, size_t column) const {
         case kExport:
             return ToWide(PlainText(CallLine(call)));
         case kDuration:
-            return std::to_wstring(call.milliseconds);
+            return std::to_wstring(call.milliseconds) + L" ms";
         default:
             if (call.more != 0)
                 return Text(IDS_CALL_MORE,
@@ -60,10 +60,12 @@ void CallsWindow::Refresh() {
 }
 
 void CallsWindow::Begin() {
-    BeginDialog(
-        Text(IDS_CALLS_TITLE), IDC_CALLS,
-        {{IDS_CALL_TIME, 140}, {IDS_CALL_EXPORT, 315}, {IDS_CALL_MS, 50}, {IDS_CALL_RESULT, 190}},
-        IDC_CALL_TEXT);
+    BeginDialog(Text(IDS_CALLS_TITLE), IDC_CALLS,
+                {{IDS_CALL_TIME, 140},
+                 {IDS_CALL_EXPORT, 300},
+                 {IDS_CALL_DURATION, 65},
+                 {IDS_CALL_RESULT, 190}},
+                IDC_CALL_TEXT);
     OnFonts();
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
     added_ = calls_.size();
@@ -72,7 +74,7 @@ void CallsWindow::Begin() {
 }
 
 void CallsWindow::OnFonts() {
-    OwnedFont next(CreateFontW(-MulDiv(9, Dpi(), 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET,
+    OwnedFont next(CreateFontW(-MulDiv(9, dpi_, 72), 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET,
                                0, 0, CLEARTYPE_QUALITY, FIXED_PITCH | FF_MODERN, L"Consolas"));
     SendMessageW(Item(IDC_CALL_TEXT), WM_SETFONT, reinterpret_cast<WPARAM>(next.Get()), TRUE);
     fixed_ = std::move(next);

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "device/ask_process.h"
@@ -18,11 +19,12 @@
 
 namespace vndiscover::host {
 
+// Of the settings.
 struct Credentials {
-    std::string community;                     // UTF-8; empty: the module's default
+    // Asked one after the other, never empty. UTF-8; an empty one is the module's default.
+    std::vector<std::string> communities{"", "public"};
     std::shared_ptr<const Security> security;  // null: there is no SNMPv3 user
     std::wstring profile;                      // from which the user is; empty: none
-    std::vector<std::string> communities{};    // of the settings, asked one after the other
 };
 
 // One call of the module: one protocol over one version of IP.
@@ -31,22 +33,29 @@ struct SweepStep {
     bool useIPv6 = false;
     Oid oid;            // to request, for SNMP
     std::string types;  // to probe for, for WS-Discovery
-    Credentials credentials;
+    Login login;        // for SNMP; has the user for SNMPv3 only
 };
 
 struct AskTarget {
     std::string address;
-    SweepKind kind = SweepKind::kSnmpV1;  // kSnmpV3: with the user
-    Credentials credentials;
-    bool isLoginKnown = false;  // the device has answered with these credentials
-    // Otherwise tried after that of the credentials.
-    std::vector<std::string> otherCommunities{};
-};
+    Login login{};
+    bool isLoginKnown = false;                    // the device has answered by it
+    std::vector<std::string> otherCommunities{};  // to try if it is silent
 
-inline Login LoginOf(const AskTarget& target) {
-    const bool hasUser = target.kind == SweepKind::kSnmpV3;
-    return {target.credentials.community, hasUser ? target.credentials.security : nullptr};
-}
+    SweepKind Kind() const { return login.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1; }
+    // Who is asked once, not once for each community.
+    void UseUser(std::shared_ptr<const Security> user) {
+        login.security = std::move(user);
+        otherCommunities.clear();
+    }
+    // Returns false if there is none.
+    bool UseNextCommunity() {
+        if (otherCommunities.empty()) return false;
+        login.community = otherCommunities.front();
+        otherCommunities.erase(otherCommunities.begin());
+        return true;
+    }
+};
 
 // Each call blocks. One SNMP sweep, one WS-Discovery sweep, one reading or walk at a time.
 class Engine {
@@ -58,11 +67,9 @@ class Engine {
     // nothing could be sent, or it was stopped at once.
     virtual bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) = 0;
     // For any thread. Without a running sweep it has no effect, so it must be repeated.
-    virtual void StopSnmp() = 0;
-    virtual void StopWsd() = 0;
+    virtual void StopSweeps() = 0;
     // mayGoOn is called before each request, which takes 12 s at most.
-    // `target` then has the community by which the device answers.
-    virtual PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) = 0;
+    virtual PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
     // One round of reading a device for the list; in this process if there is no reader.
     virtual FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                                     std::function<bool()> mayGoOn) = 0;

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "device/device.h"
-#include "model/asking/json_request.h"
 #include "platform/result_window.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
@@ -18,7 +17,7 @@ namespace vndiscover::host {
 
 namespace {
 
-Device DeviceOf(const AskTarget& target) { return {LoginOf(target), target.address}; }
+Device DeviceOf(const AskTarget& target) { return {target.login, target.address}; }
 
 class Stopwatch {
   public:
@@ -44,15 +43,14 @@ bool ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
         // A reply that fills its buffer has no terminating zero.
         onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
     });
-    if (step.kind == SweepKind::kSnmpV3 && !step.credentials.security) return false;
     const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
     const Stopwatch watch;
     if (isWsd) {
         DiscoverSoap(window.Handle(), ResultWindow::kMessage, kWsdSilenceMs, probe.data(),
                      static_cast<int32_t>(probe.size()));
     } else {
-        const Login login = LoginOf({"", step.kind, step.credentials});
-        RunSweep(window.Handle(), ResultWindow::kMessage, SweepFor(login, step.oid, step.useIPv6));
+        RunSweep(window.Handle(), ResultWindow::kMessage,
+                 SweepFor(step.login, step.oid, step.useIPv6));
     }
     Call call = watch.Timed(CallOf(step, probe));
     call.result = "0";  // always
@@ -63,8 +61,10 @@ bool ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     return wasSent;
 }
 
-void ModuleEngine::StopSnmp() { StopDiscoverSnmp(); }
-void ModuleEngine::StopWsd() { StopDiscoverSoap(); }
+void ModuleEngine::StopSweeps() {
+    StopDiscoverSnmp();
+    StopDiscoverSoap();
+}
 
 Asker ModuleEngine::Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
                              unsigned walk) const {
@@ -84,17 +84,10 @@ Asker ModuleEngine::Reported(Asker asker, const AskTarget& target, std::function
     return asker;
 }
 
-PrinterAnswers ModuleEngine::Read(AskTarget& target, std::function<bool()> mayGoOn) {
-    PrinterAnswers answers;
-    for (std::vector<std::string> others = std::exchange(target.otherCommunities, {});;) {
-        const Device device = DeviceOf(target);
-        const Asker asker = Reported(AskerOf(device), target, mayGoOn, 0);
-        answers = ReadInterfaces(asker, ReadPrinter(asker));
-        const bool isSilent = answers.values.empty() && answers.lastStatus == Status::kNoAnswer;
-        if (!isSilent || others.empty()) return answers;
-        target.credentials.community = others.front();
-        others.erase(others.begin());
-    }
+PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
+    const Device device = DeviceOf(target);
+    const Asker asker = Reported(AskerOf(device), target, std::move(mayGoOn), 0);
+    return ReadInterfaces(asker, ReadPrinter(asker));
 }
 
 FleetDevice ModuleEngine::ReadForList(const AskTarget& target, const FleetDevice& job,
@@ -122,10 +115,9 @@ WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::functi
 
 HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) {
     AskTarget v1 = target, v3 = target;
-    v1.kind = SweepKind::kSnmpV1;
-    v3.kind = SweepKind::kSnmpV3;
+    v1.login.security = nullptr;
     // An empty user name reaches the SNMPv3 engine.
-    if (!v3.credentials.security) v3.credentials.security = std::make_shared<const Security>();
+    if (!v3.login.security) v3.login.security = std::make_shared<const Security>();
     const Device v1Device = DeviceOf(v1), v3Device = DeviceOf(v3);
     DiagnosisSteps steps;
     steps.ping = [&] {
@@ -138,7 +130,7 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
     };
     steps.v1 = Reported(AskerOf(v1Device), v1, nullptr, 0);
     steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
-    steps.hasUser = target.credentials.security != nullptr;
+    steps.hasUser = target.login.security != nullptr;
     steps.address = target.address;
     steps.hasRoute = IsOnOwnNetwork(IPv4Adapters(), target.address) == true;
     steps.mayGoOn = std::move(mayGoOn);
@@ -151,23 +143,21 @@ ComputerReport ModuleEngine::Report() { return ReportOn(ThisComputer()); }
 namespace {
 
 // The module's default community is public, any other one is a secret.
-void AddCommunity(Call& call, const std::string& community) {
-    const bool isSecret = !community.empty() && community != VN_DEFAULT_COMMUNITY;
-    call.arguments.push_back(
-        {"readCommunity", isSecret ? "VNDISCOVER_COMMUNITY" : community, isSecret});
-}
-
-void AddUser(Call& call, const Security& user) {
-    const auto password = [&](const char* name, const Secret& secret, const char* variable) {
-        call.arguments.push_back({name, secret.IsEmpty() ? "" : variable, !secret.IsEmpty()});
+void AddLogin(Call& call, const Login& login) {
+    std::vector<CallArgument>& arguments = call.arguments;
+    const auto secret = [&](const char* name, bool isKept, const char* variable) {
+        arguments.push_back({name, isKept ? variable : "", isKept});
     };
-    call.arguments.push_back({"userName", ToUtf8(user.user)});
-    call.arguments.push_back({"useAuth", user.useAuth ? "1" : "0"});
-    password("authPassword", user.authPassword, "VNDISCOVER_AUTH_PASS");
-    call.arguments.push_back({"usePriv", user.usePriv ? "1" : "0"});
-    password("privPassword", user.privPassword, "VNDISCOVER_PRIV_PASS");
-    call.arguments.push_back({"authProtocol", ToUtf8(user.authLabel)});
-    call.arguments.push_back({"privProtocol", ToUtf8(user.privLabel)});
+    if (!login.security)
+        return secret("readCommunity", !login.community.empty(), "VNDISCOVER_COMMUNITY");
+    const Security& user = *login.security;
+    arguments.push_back({"userName", ToUtf8(user.user)});
+    arguments.push_back({"useAuth", user.useAuth ? "1" : "0"});
+    secret("authPassword", !user.authPassword.IsEmpty(), "VNDISCOVER_AUTH_PASS");
+    arguments.push_back({"usePriv", user.usePriv ? "1" : "0"});
+    secret("privPassword", !user.privPassword.IsEmpty(), "VNDISCOVER_PRIV_PASS");
+    arguments.push_back({"authProtocol", ToUtf8(user.authLabel)});
+    arguments.push_back({"privProtocol", ToUtf8(user.privLabel)});
 }
 
 }  // namespace
@@ -179,22 +169,16 @@ Call CallOf(const SweepStep& step, const std::string& probe) {
         call.arguments = {{"timeout", std::to_string(kWsdSilenceMs)}, {"probe", probe}};
         return call;
     }
-    const std::string oid = OidToText(step.oid);
+    const SnmpSweep sweep = SweepFor(step.login, step.oid, step.useIPv6);
+    call.name = !sweep.security         ? "DiscoverDevicesByOID"
+                : sweep.request.empty() ? "DiscoverSnmpV3"
+                                        : "DiscoverV3DevicesByOIDjson";
     call.arguments = {{"timeout", std::to_string(kUnusedSweepTimeoutMs)},
                       {"useIPv6", step.useIPv6 ? "1" : "0"}};
-    if (step.kind == SweepKind::kSnmpV1) {
-        call.name = "DiscoverDevicesByOID";
-        call.arguments.push_back({"oid", oid});
-        AddCommunity(call, step.credentials.community);
-        return call;
-    }
-    call.name = "DiscoverSnmpV3";
-    if (FormOf(step.kind, step.oid) == AnswerForm::kDocument) {
-        call.name = "DiscoverV3DevicesByOIDjson";
-        call.arguments.push_back({"oid", oid});
-        call.arguments.push_back({"jsonRequest", RequestFor(oid)});
-    }
-    AddUser(call, *step.credentials.security);
+    if (!sweep.security || !sweep.request.empty())
+        call.arguments.push_back({"oid", OidToText(step.oid)});
+    if (!sweep.request.empty()) call.arguments.push_back({"jsonRequest", ToUtf8(sweep.request)});
+    AddLogin(call, step.login);
     return call;
 }
 
@@ -207,17 +191,12 @@ Call PingOf(const std::string& address) {
 
 Call CallOf(const AskTarget& target, const Oid& oid) {
     Call call;
-    const bool isV3 = target.kind == SweepKind::kSnmpV3 && target.credentials.security;
-    call.name = isV3 ? "GetNextSnmpRequestV3" : "GetNextSnmpRequestRaw";
+    call.name = target.login.security ? "GetNextSnmpRequestV3" : "GetNextSnmpRequestRaw";
     call.arguments = {{"host", target.address},
                       {"oid", OidToText(oid)},
                       {"timeout", std::to_string(kUnusedTimeoutMs)},
                       {"retries", std::to_string(kUnusedRetries)}};
-    if (isV3) {
-        AddUser(call, *target.credentials.security);
-    } else {
-        AddCommunity(call, target.credentials.community);
-    }
+    AddLogin(call, target.login);
     return call;
 }
 

@@ -8,9 +8,8 @@ namespace vndiscover::host {
 class ModuleEngine : public Engine {
   public:
     bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) override;
-    void StopSnmp() override;
-    void StopWsd() override;
-    PrinterAnswers Read(AskTarget& target, std::function<bool()> mayGoOn) override;
+    void StopSweeps() override;
+    PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) override;
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override;
     size_t MaxReaders() const override { return kMaxReaders; }

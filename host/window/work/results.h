@@ -42,7 +42,7 @@ class Results {
     };
     virtual void OnRead(Read) {}
     // All devices have been read for the list, or it was stopped.
-    virtual void OnReadAll(const Progress::Read&, bool /*isStopped*/) {}
+    virtual void OnReadAll(const Progress::Read&) {}
 
     virtual void OnWalkBegan(unsigned /*walk*/, const std::string& /*address*/) {}
     virtual void OnVariable(unsigned /*walk*/, Answer) {}

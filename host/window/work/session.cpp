@@ -2,16 +2,25 @@
 
 #include <algorithm>
 
+#include "model/scan/device_view.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
 
 namespace vndiscover::host {
 
+Session::Session(const Credentials& credentials)
+    : view_(std::make_unique<DeviceView>()),
+      view(*view_),
+      credentials_(credentials),
+      rowMaker_(std::make_unique<RowMaker>()) {}
+
+Session::~Session() = default;
+
 void Session::BeginSearch() {
     view.Renumber(RemoveFormerAnswers(scan_));
     deviceMaker_ = DeviceMaker();  // descriptions are of answers by their numbers
-    rowMaker_ = RowMaker(limits_);
+    rowMaker_ = std::make_unique<RowMaker>(limits_);
     for (const ScanSweep& sweep : scan_.sweeps) search_ = std::max(search_, sweep.search);
     ++search_;
     isSearching_ = isChanged_ = true;
@@ -21,31 +30,29 @@ void Session::BeginSearch() {
 
 void Session::BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time) {
     const AnswerForm form = FormOf(step.kind, step.oid);
-    const auto index = static_cast<size_t>(worker);
-    sweeps_[index] = scan_.sweeps.size();
-    isSweeping_[index] = true;
+    sweeps_[worker] = scan_.sweeps.size();
     scan_.sweeps.push_back({step.kind, form, step.useIPv6,
                             form == AnswerForm::kValue ? step.oid : Oid(), time, search_, false,
-                            LoginOf(step.kind, step.credentials.community)});
+                            NumberOf(step.login)});
 }
 
-// Users are all one: the settings have the one that is valid.
-size_t Session::LoginOf(SweepKind kind, const std::string& community) {
-    return 1 + IndexOrAppend(logins_, std::pair(kind, kind == SweepKind::kSnmpV1 ? community
-                                                                                 : std::string()));
+size_t Session::NumberOf(const Login& login) {
+    const auto known = login.security ? std::pair(SweepKind::kSnmpV3, std::string())
+                                      : std::pair(SweepKind::kSnmpV1, login.community);
+    return 1 + IndexOrAppend(logins_, known);
 }
 
 void Session::AddAnswer(WorkerId worker, ScanAnswer answer) {
-    answer.sweep = sweeps_[static_cast<size_t>(worker)];
+    answer.sweep = sweeps_.at(worker);
     scan_.answers.push_back(std::move(answer));
     isChanged_ = isUnsaved_ = true;
 }
 
 void Session::EndSweep(WorkerId worker, bool isComplete) {
-    const auto index = static_cast<size_t>(worker);
-    // One that was dropped has not begun.
-    if (std::exchange(isSweeping_[index], false))
-        scan_.sweeps[sweeps_[index]].isComplete = isComplete;
+    const auto running = sweeps_.find(worker);
+    if (running == sweeps_.end()) return;  // it was dropped, and has not begun
+    scan_.sweeps[running->second].isComplete = isComplete;
+    sweeps_.erase(running);
 }
 
 void Session::EndSearch() {
@@ -64,13 +71,18 @@ void Session::AddReading(Results::Read read) {
         beingRead_.erase(known);
     isChanged_ = true;
     if (read.isPostponed) return;
-    const SweepKind kind = read.target.kind;
+    const SweepKind kind = read.target.Kind();
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
     const bool isComplete = !read.isForList && isWhole;
-    const size_t login = LoginOf(kind, read.target.credentials.community);
-    scan_.sweeps.push_back(
-        {kind, AnswerForm::kVariable, false, {}, read.time, 0, isComplete, login});
+    scan_.sweeps.push_back({kind,
+                            AnswerForm::kVariable,
+                            false,
+                            {},
+                            read.time,
+                            0,
+                            isComplete,
+                            NumberOf(read.target.login)});
     for (auto& [oid, variable] : read.answers.values) {
         answer.answer = std::move(variable);
         scan_.answers.push_back(answer);
@@ -83,10 +95,8 @@ void Session::AddReading(Results::Read read) {
     }
     isUnsaved_ |= hasValues;
     read.answers.values.clear();
-    std::vector<Reading>& known = readings_[address];
-    EraseIf(known, [&](const Reading& one) { return one.kind == kind; });
-    known.push_back(
-        {address, kind, std::move(read.answers), hasValues, read.time, read.isStateOnly});
+    readings_[{address, kind}] = {address,   kind,      std::move(read.answers),
+                                  hasValues, read.time, read.isStateOnly};
 }
 
 void Session::EndReadings() {
@@ -102,14 +112,14 @@ void Session::SetAdapters(const AdapterList& adapters) {
 
 void Session::SetLimits(const LevelLimits& limits) {
     limits_ = limits;
-    rowMaker_ = RowMaker(limits_);
+    rowMaker_ = std::make_unique<RowMaker>(limits_);
     isChanged_ = true;
 }
 
 bool Session::Refresh() {
     if (!std::exchange(isChanged_, false)) return false;
     devices_ = deviceMaker_.Make(scan_);
-    view.SetRows(rowMaker_.Make(scan_, devices_, adapters_, Standings()));
+    view.SetRows(rowMaker_->Make(scan_, devices_, adapters_, Standings()));
     return true;
 }
 
@@ -135,10 +145,10 @@ void Session::SetScan(Scan scan) {
     logins_.clear();
     added_.clear();
     deviceMaker_ = DeviceMaker();
-    rowMaker_ = RowMaker(limits_);
+    rowMaker_ = std::make_unique<RowMaker>(limits_);
     readings_.clear();
     beingRead_.clear();
-    isSweeping_ = {};
+    sweeps_.clear();
     isUnsaved_ = false;
     view.Select({}, std::nullopt);
     isChanged_ = true;
@@ -152,13 +162,14 @@ bool Session::HasAnsweredSearch(const std::vector<size_t>& answers) const {
 }
 
 std::vector<FoundDevice> Session::PresentDevices() const {
+    const LastSearch search(scan_, isSearching_);
     const std::vector<Standing> standings = Standings();
     std::vector<FoundDevice> present;
     for (size_t i = 0; i < devices_.size(); ++i) {
-        const Standing::Kind kind = standings[i].kind;
+        const std::vector<size_t>& answers = devices_[i].answers;
         const bool isSilent =
-            kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(devices_[i].answers);
-        if (kind != Standing::Kind::kMissed && !isSilent) present.push_back(devices_[i]);
+            standings[i].kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(answers);
+        if (!isSilent && !search.HasMissed(scan_, answers)) present.push_back(devices_[i]);
     }
     return present;
 }
@@ -205,39 +216,49 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
     return line;
 }
 
+AskTarget Session::TargetAt(const std::string& address) const {
+    const std::vector<std::string>& all = credentials_.communities;
+    AskTarget target = {address, {all.front(), nullptr}};
+    target.otherCommunities.assign(all.begin() + 1, all.end());
+    return target;
+}
+
 std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) const {
-    // SNMPv3 before SNMPv1; a device that has only replied to a Probe may support SNMPv1 too.
-    const auto rank = [](const ScanSweep& sweep) {
-        return sweep.form == AnswerForm::kAdded   ? 0
-               : sweep.kind == SweepKind::kSnmpV3 ? 3
-               : sweep.kind == SweepKind::kSnmpV1 ? 2
-                                                  : 1;
+    // SNMPv3, if there is a user, before SNMPv1; a device that has only replied to a Probe may
+    // support SNMPv1 too.
+    const auto rank = [&](size_t answer) {
+        const ScanSweep& sweep = scan_.sweeps[scan_.answers[answer].sweep];
+        return sweep.form == AnswerForm::kAdded                            ? 0
+               : sweep.kind == SweepKind::kSnmpV3 && credentials_.security ? 3
+               : sweep.kind == SweepKind::kSnmpV1                          ? 2
+                                                                           : 1;
     };
-    std::optional<AskTarget> target;
-    int best = -1;
-    for (const size_t index : answers) {
-        const ScanAnswer& answer = scan_.answers[index];
-        const ScanSweep& sweep = scan_.sweeps[answer.sweep];
-        if (rank(sweep) <= best) continue;
-        best = rank(sweep);
-        target.emplace();
-        target->address = answer.address;
-        target->kind = sweep.kind == SweepKind::kSnmpV3 ? sweep.kind : SweepKind::kSnmpV1;
-        target->isLoginKnown = sweep.login != 0 && best >= 2;
-        if (target->isLoginKnown) target->credentials.community = logins_[sweep.login - 1].second;
+    const auto best = std::max_element(
+        answers.begin(), answers.end(),
+        [&](size_t one, size_t other) { return rank(one) < rank(other); });  // the first of these
+    if (best == answers.end()) return std::nullopt;
+    const ScanAnswer& answer = scan_.answers[*best];
+    const size_t login = scan_.sweeps[answer.sweep].login;
+    AskTarget target = TargetAt(answer.address);
+    target.isLoginKnown = login != 0 && rank(*best) >= 2;
+    if (target.isLoginKnown) {
+        target.login.community = logins_[login - 1].second;
+        target.otherCommunities.clear();
     }
+    if (rank(*best) == 3) target.UseUser(credentials_.security);
     return target;
 }
 
 std::vector<AskTarget> Session::TargetsToRead() const {
+    const LastSearch search(scan_, isSearching_);
     std::vector<AskTarget> targets;
     for (const DeviceRow& row : view.AllRows()) {
-        const auto target = TargetOf(row);
+        const auto target = TargetOf(row.answers);
         const bool isAdded = added_.count(target->address) != 0;
         // A computer that has only replied to a Probe is not asked.
         const bool hasAnswered = (target->isLoginKnown || !row.isNoPrinter) &&
                                  HasAnsweredHere(row.answers, target->address) &&
-                                 row.standing.kind != Standing::Kind::kMissed;
+                                 !search.HasMissed(scan_, row.answers);
         if (isAdded || hasAnswered) targets.push_back(*target);
     }
     return targets;
@@ -250,17 +271,19 @@ std::optional<AskTarget> Session::WhomToAskForARefusal() const {
     const auto isAnswer = [&](const ScanAnswer& answer) {
         return isOfSearch(scan_.sweeps[answer.sweep]);
     };
-    if (!AnyOf(scan_.sweeps, isOfSearch) || AnyOf(scan_.answers, isAnswer)) return std::nullopt;
+    if (!credentials_.security || !AnyOf(scan_.sweeps, isOfSearch) ||
+        AnyOf(scan_.answers, isAnswer))
+        return std::nullopt;
     // Best one that has SNMPv3, or at least SNMP.
     std::optional<AskTarget> best;
     int bestRank = 0;
     for (const FoundDevice& device : devices_) {
         const auto target = TargetOf(device.answers);
         if (!target || !HasAnsweredHere(device.answers, target->address)) continue;
-        const int rank = target->kind == SweepKind::kSnmpV3 ? 3 : target->isLoginKnown ? 2 : 1;
+        const int rank = target->login.security ? 3 : target->isLoginKnown ? 2 : 1;
         if (rank > std::exchange(bestRank, std::max(rank, bestRank))) best = target;
     }
-    if (best) best->kind = SweepKind::kSnmpV3;
+    if (best) best->UseUser(credentials_.security);
     return best;
 }
 
@@ -277,9 +300,10 @@ std::vector<Reading> Session::ReadingsOf(const std::vector<size_t>& answers) con
     for (const size_t index : answers) addresses.insert(scan_.answers[index].address);
     std::vector<Reading> readings;
     for (const std::string& address : addresses) {
-        const auto found = readings_.find(address);
-        if (found != readings_.end())
-            readings.insert(readings.end(), found->second.begin(), found->second.end());
+        for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
+            const auto found = readings_.find({address, kind});
+            if (found != readings_.end()) readings.push_back(found->second);
+        }
     }
     return readings;
 }
@@ -289,7 +313,7 @@ std::optional<Reading> Session::LastReadingOf(const std::vector<size_t>& answers
     const auto target = TargetOf(answers);
     std::optional<Reading> last;
     for (Reading& reading : ReadingsOf(answers)) {
-        if (target && reading.kind == target->kind && (!last || reading.time >= last->time))
+        if (target && reading.kind == target->Kind() && (!last || reading.time >= last->time))
             last = std::move(reading);
     }
     return last;
@@ -301,20 +325,14 @@ std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
 }
 
 void Session::ForgetRefusals() {
-    for (auto& [address, readings] : readings_) {
-        EraseIf(readings, [](const Reading& one) {
-            return one.end.lastStatus == Status::kRefused ||
-                   one.end.lastStatus == Status::kOnlyDiscovered;
-        });
-    }
+    for (auto one = readings_.begin(); one != readings_.end();)
+        one = one->second.IsRefused() ? readings_.erase(one) : std::next(one);
     isChanged_ = true;
 }
 
 std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
     std::vector<size_t> running;
-    for (size_t worker = 0; worker < kWorkerCount; ++worker) {
-        if (isSweeping_[worker]) running.push_back(sweeps_[worker]);
-    }
+    for (const auto& [worker, sweep] : sweeps_) running.push_back(sweep);
     return host::ProtocolsOf(scan_, row.answers, ReadingsOf(row.answers), running);
 }
 

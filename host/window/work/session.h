@@ -1,8 +1,8 @@
 // The window's data: turns answers into a scan, devices and rows.
 #pragma once
 
-#include <array>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -10,15 +10,23 @@
 #include <vector>
 
 #include "model/scan/device_merge.h"
-#include "model/scan/device_view.h"
 #include "model/scan/standing.h"
 #include "window/work/results.h"
 
 namespace vndiscover::host {
 
+class DeviceView;
+class RowMaker;
+struct DeviceRow;
+
 class Session {
+    const std::unique_ptr<DeviceView> view_;
+
   public:
-    DeviceView view;
+    // The credentials are those of the settings, and must outlive it.
+    explicit Session(const Credentials& credentials);
+    ~Session();
+    DeviceView& view;
 
     // A search follows: what it replaces of earlier ones is removed.
     void BeginSearch();
@@ -56,8 +64,10 @@ class Session {
     const FoundDevice* DeviceOf(const DeviceRow& row) const;
     // For a list of printers. One that could not be read whole has a problem.
     PrinterLine LineOf(const DeviceRow& row) const;
-    // How to ask a device: address, protocol, and community if known. Empty if it cannot be asked.
-    std::optional<AskTarget> TargetOf(const DeviceRow& row) const { return TargetOf(row.answers); }
+    // How to ask a device: as it has answered, or otherwise by each community. Empty if it cannot
+    // be asked.
+    std::optional<AskTarget> TargetOf(const std::vector<size_t>& answers) const;
+    AskTarget TargetAt(const std::string& address) const;  // of which nothing is known
     // How to read those for the list that have answered the last search, or were added by hand.
     std::vector<AskTarget> TargetsToRead() const;
     // If the last search was by SNMPv3 too, and nobody answered that: a device that has answered
@@ -75,27 +85,27 @@ class Session {
     void Split(const DeviceRow& row);
 
   private:
-    size_t LoginOf(SweepKind kind, const std::string& community);
-    std::optional<AskTarget> TargetOf(const std::vector<size_t>& answers) const;
+    size_t NumberOf(const Login& login);
     std::vector<std::pair<size_t, size_t>> SplitsOf(const DeviceRow& row) const;
     std::vector<Reading> ReadingsOf(const std::vector<size_t>& answers) const;
     std::optional<Reading> LastReadingOf(const std::vector<size_t>& answers) const;
     std::vector<Standing> Standings() const;
 
+    const Credentials& credentials_;
     Scan scan_;
     size_t search_ = 0;  // the number of the last one
     bool isSearching_ = false;
-    // Of the sweeps; a sweep's number is one more than the index.
+    // Of the sweeps, by their numbers less 1: communities, and one without for all users, of whom
+    // the settings have the one that is valid.
     std::vector<std::pair<SweepKind, std::string>> logins_;
     std::set<std::string> added_;  // addresses, since the last SetScan
     std::vector<FoundDevice> devices_;
     DeviceMaker deviceMaker_;
-    RowMaker rowMaker_;
+    std::unique_ptr<RowMaker> rowMaker_;
     AdapterList adapters_;
     LevelLimits limits_;
-    std::array<size_t, kWorkerCount> sweeps_{};  // indexes of the last ones
-    std::array<bool, kWorkerCount> isSweeping_{};
-    std::map<std::string, std::vector<Reading>> readings_;  // by address, one for each protocol
+    std::map<WorkerId, size_t> sweeps_;  // indexes of those that are running
+    std::map<std::pair<std::string, SweepKind>, Reading> readings_;  // by address and protocol
     std::multiset<std::string> beingRead_;
     bool isChanged_ = false, isUnsaved_ = false;
 };

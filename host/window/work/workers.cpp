@@ -15,7 +15,11 @@ namespace vndiscover::host {
 namespace {
 
 std::string KeyOf(const char* task, const AskTarget& target) {
-    return task + std::to_string(static_cast<int>(target.kind)) + target.address;
+    return task + std::to_string(static_cast<int>(target.Kind())) + target.address;
+}
+
+bool IsSilent(const PrinterAnswers& answers) {
+    return answers.values.empty() && answers.lastStatus == Status::kNoAnswer;
 }
 
 }  // namespace
@@ -79,12 +83,10 @@ Workers::~Workers() {
 void Workers::Sweep(const std::vector<SweepStep>& steps) {
     for (const SweepStep& step : steps) {
         const WorkerId worker = step.kind == SweepKind::kWsd ? WorkerId::kWsd : WorkerId::kSnmp;
-        Job job;
-        job.fail = [this, worker](const std::string& problem) {
+        const auto fail = [this, worker](const std::string& problem) {
             Report(&Results::OnSweepEnded, worker, true, problem);
         };
-        job.drop = [fail = job.fail] { fail(""); };
-        job.run = [this, worker, step](const Stops&) {
+        const auto run = [this, worker, step](const Stops&) {
             Report(&Results::OnSweepBegan, worker, step, UtcNow());
             const bool wasSent =
                 engine_.Sweep(step, [&](const char* address, std::string_view bytes) {
@@ -93,16 +95,11 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
                 });
             Report(&Results::OnSweepEnded, worker, wasSent, std::string());
         };
-        Add(worker, std::move(job));
+        Add(worker, {Order::kLater, "", run, fail, [fail] { fail(""); }});
     }
 }
 
 void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
-    Job job;
-    job.order = isUrgent ? Order::kUrgent : Order::kLater;
-    job.key = KeyOf("read", target);
-    job.isReading = true;
-    job.isSelected = isSelected;
     const auto end = [this](const AskTarget& asked, PrinterAnswers answers) {
         {
             const std::lock_guard<std::mutex> lock(mutex_);
@@ -110,20 +107,25 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
         }
         Report(&Results::OnRead, Results::Read{asked, UtcNow(), std::move(answers)});
     };
-    job.fail = [end, target](const std::string& problem) {
+    const auto fail = [end, target](const std::string& problem) {
         PrinterAnswers none;
         none.lastStatus = Status::kSendFailed;
         none.lastProblem = problem;
         none.gaps.push_back({"details", "", problem});
         end(target, std::move(none));
     };
-    job.run = [this, target, end](const Stops& before) {
+    const auto run = [this, target, end](const Stops& before) {
         Report(&Results::OnReadingBegan, target.address, false);
         AskTarget asked = target;
-        PrinterAnswers answers =
-            engine_.Read(asked, Watched(target.address, before, Order::kUrgent));
+        PrinterAnswers answers;
+        do {
+            answers = engine_.Read(asked, Watched(target.address, before, Order::kUrgent));
+        } while (IsSilent(answers) && asked.UseNextCommunity());
         end(asked, std::move(answers));
     };
+    Job job = {isUrgent ? Order::kUrgent : Order::kLater, KeyOf("read", target), run, fail};
+    job.isReading = true;
+    job.isSelected = isSelected;
     Add(WorkerId::kDirected, std::move(job));
 }
 
@@ -156,7 +158,7 @@ void Workers::ReadAll(const std::vector<AskTarget>& targets) {
     FleetRun& run = *next;
     run.targets = targets;
     for (const AskTarget& target : targets) {
-        Login login = LoginOf(target);
+        Login login = target.login;
         run.fleet.Add(target.address, IndexOrAppend(run.logins, login), {});
         for (const std::string& community : target.otherCommunities) {
             login.community = community;
@@ -185,10 +187,8 @@ void Workers::ReadAll(const std::vector<AskTarget>& targets) {
 
 // Of a device that was silent, if it is not known by which community it answers.
 bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
-    if (target.otherCommunities.empty()) return false;
-    target.credentials.community = target.otherCommunities.front();
-    target.otherCommunities.erase(target.otherCommunities.begin());
-    fleet.Add(target.address, IndexOrAppend(logins, LoginOf(target)), {});
+    if (!target.UseNextCommunity()) return false;
+    fleet.Add(target.address, IndexOrAppend(logins, target.login), {});
     targets.push_back(std::move(target));
     ++retries;
     return true;
@@ -226,15 +226,14 @@ FleetDevice Workers::ReadForList(FleetRun& run, const FleetDevice& job, Reader* 
 // Must be called with the lock.
 void Workers::EndReading(FleetRun& run, size_t index, bool isDone) {
     const FleetDevice device = run.fleet.Devices()[index];
-    Results::Read read = {run.targets[index], UtcNow(), device.answers, true, !isDone};
     const PrinterAnswers& answers = device.answers;
-    const bool isEmpty = answers.values.empty() && answers.lastStatus != Status::kAnswered;
+    const bool hasAnswered = answers.lastStatus == Status::kAnswered;
+    Results::Read read = {run.targets[index], UtcNow(), answers, true, !isDone};
     if (isDone && device.isRead) {
-        const bool isSilent = isEmpty && answers.lastStatus == Status::kNoAnswer;
-        read.isPostponed = isSilent && run.TryNextCommunity(read.target);
-        run.unread += isEmpty && !read.isPostponed;
+        read.isPostponed = IsSilent(answers) && run.TryNextCommunity(read.target);
+        run.unread += !hasAnswered && answers.values.empty() && !read.isPostponed;
     } else if (isDone) {
-        read.isPostponed = answers.lastStatus != Status::kAnswered;
+        read.isPostponed = !hasAnswered;
         read.isStateOnly = true;
     }
     Report(&Results::OnRead, std::move(read));
@@ -248,20 +247,18 @@ void Workers::ReadLeft(const std::shared_ptr<FleetRun>& run) {
         isOver |= run->fleet.IsOver();
     }
     if (isOver) return EndRun(*run);
-    Job job;
-    job.fail = [this, run](const std::string&) { EndRun(*run); };
-    job.drop = [] {};  // StopRun reports it
-    job.run = [this, run](const Stops& before) {
+    const auto read = [this, run](const Stops& before) {
         while (run->readers->ReadNext(nullptr, Watched("", before, Order::kLater))) continue;
         EndRun(*run);
     };
-    Add(WorkerId::kDirected, std::move(job));
+    // If it is dropped, StopRun reports it.
+    Add(WorkerId::kDirected,
+        {Order::kLater, "", read, [this, run](const std::string&) { EndRun(*run); }});
 }
 
 void Workers::EndRun(FleetRun& run) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    if (!std::exchange(run.isReported, true))
-        Report(&Results::OnReadAll, run.Count(), !run.fleet.IsOver());
+    if (!std::exchange(run.isReported, true)) Report(&Results::OnReadAll, run.Count());
 }
 
 void Workers::StopRun() {
@@ -271,19 +268,16 @@ void Workers::StopRun() {
 }
 
 void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
-    Job job;
-    job.order = Order::kWalk;
-    job.key = KeyOf("walk", target);
     const auto end = [this, walk](bool hasBegun, const WalkEnd& last, const std::string& problem) {
         Report(&Results::OnWalked, walk, hasBegun, last, problem);
     };
-    job.fail = [end](const std::string& problem) { end(true, {}, problem); };
-    job.drop = [end] {
+    const auto fail = [end](const std::string& problem) { end(true, {}, problem); };
+    const auto drop = [end] {
         WalkEnd dropped;
         dropped.isStopped = true;
         end(false, dropped, "");
     };
-    job.run = [this, target, root, walk, end](const Stops& before) {
+    const auto run = [this, target, root, walk, end](const Stops& before) {
         Report(&Results::OnWalkBegan, walk, target.address);
         size_t variables = 0;
         const auto onVariable = [&](const Answer& variable) {
@@ -293,42 +287,36 @@ void Workers::Walk(const AskTarget& target, const Oid& root, unsigned walk) {
         const auto mayGoOn = Watched(target.address, before, Order::kWalk);
         end(true, engine_.Walk(target, root, mayGoOn, onVariable), "");
     };
-    Add(WorkerId::kDirected, std::move(job));
+    Add(WorkerId::kDirected, {Order::kWalk, KeyOf("walk", target), run, fail, drop});
 }
 
 void Workers::Diagnose(const AskTarget& target) {
-    Job job;
-    job.order = Order::kUrgent;
-    job.key = KeyOf("diagnose", target);
-    job.fail = [this, address = target.address](const std::string& problem) {
+    const auto fail = [this, address = target.address](const std::string& problem) {
         HostDiagnosis none;
         none.problem = problem;
         Report(&Results::OnDiagnosed, address, none, AdapterList());
     };
-    job.run = [this, target](const Stops& before) {
+    const auto run = [this, target](const Stops& before) {
         Report(&Results::OnDiagnosisBegan, target.address);
         const HostDiagnosis diagnosis =
             engine_.Diagnose(target, Watched(target.address, before, Order::kUrgent));
         Report(&Results::OnDiagnosed, target.address, diagnosis, engine_.IPv4());
     };
-    Add(WorkerId::kDirected, std::move(job));
+    Add(WorkerId::kDirected, {Order::kUrgent, KeyOf("diagnose", target), run, fail});
 }
 
 void Workers::ReadAdapters() {
     // Without them, devices are only shown without their networks.
     AddUrgent(
-        "adapters", [this] { Report(&Results::OnAdapters, engine_.IPv4()); },
-        [](const std::string&) {});
+        "adapters", [this] { Report(&Results::OnAdapters, engine_.IPv4()); }, false);
 }
 
 void Workers::MakeReport() {
-    AddUrgent(
-        "report", [this] { Report(&Results::OnReport, engine_.Report()); },
-        [this](const std::string& problem) { Report(&Results::OnJobFailed, problem); });
+    AddUrgent("report", [this] { Report(&Results::OnReport, engine_.Report()); });
 }
 
 void Workers::Resolve(const std::vector<std::string>& hosts) {
-    const auto run = [this, hosts] {
+    AddUrgent("", [this, hosts] {
         Results::Addresses addresses;
         std::string unknown;
         for (const std::string& host : hosts) {
@@ -340,22 +328,22 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
             }
         }
         Report(&Results::OnResolved, addresses, unknown);
-    };
-    AddUrgent("", run,
-              [this](const std::string& problem) { Report(&Results::OnJobFailed, problem); });
+    });
 }
 
 // To an idle worker, or otherwise the directed one.
-void Workers::AddUrgent(const char* key, const std::function<void()>& run,
-                        std::function<void(const std::string&)> fail) {
-    Job job;
-    job.order = Order::kUrgent;
-    job.key = key;
-    job.run = [run](const Stops&) { run(); };
-    job.fail = std::move(fail);
+void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool isFailureTold) {
+    const auto fail = [this, isFailureTold](const std::string& problem) {
+        if (isFailureTold) Report(&Results::OnJobFailed, problem);
+    };
+    Job job = {Order::kUrgent, key, [run](const Stops&) { run(); }, fail};
     job.isSending = false;
+    const auto isIdle = [this](WorkerId worker) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return !LineOf(worker).IsBusy();
+    };
     const auto workers = {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp};
-    const auto* const idle = FindIf(workers, [this](WorkerId worker) { return !IsBusy(worker); });
+    const auto* const idle = FindIf(workers, isIdle);
     Add(idle ? *idle : WorkerId::kDirected, std::move(job));
 }
 
@@ -418,23 +406,9 @@ void Workers::Stop() {
     RepeatStop();
 }
 
-void Workers::RepeatStop() {
-    engine_.StopSnmp();
-    engine_.StopWsd();
-}
-
-bool Workers::IsBusy(WorkerId worker) const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    const Line& line = lines_[static_cast<size_t>(worker)];
-    return line.isRunning || !line.jobs.empty();
-}
-
 bool Workers::IsBusy() const {
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        if (IsReadingAll()) return true;
-    }
-    return IsBusy(WorkerId::kSnmp) || IsBusy(WorkerId::kWsd) || IsBusy(WorkerId::kDirected);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return IsReadingAll() || AnyOf(lines_, [](const Line& line) { return line.IsBusy(); });
 }
 
 bool Workers::IsSending() const {

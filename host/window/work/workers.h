@@ -51,9 +51,8 @@ class Workers {
     // Ends sweeps, readings and diagnoses, and drops those that are waiting.
     void Stop();
     // Must be called until the sweeps end: a stop before the worker is in the module is lost.
-    void RepeatStop();
+    void RepeatStop() { engine_.StopSweeps(); }
     bool IsBusy() const;
-    bool IsBusy(WorkerId worker) const;
     // Whether anything is sent, or waits for being sent.
     bool IsSending() const;
     Progress::Work Now() const;
@@ -69,7 +68,7 @@ class Workers {
         std::string key;  // a waiting job with the same one is replaced; empty: none
         std::function<void(const Stops& before)> run;
         std::function<void(const std::string& problem)> fail;  // reports that `run` has thrown
-        std::function<void()> drop;  // reports that it will not begin; may be empty
+        std::function<void()> drop{};  // reports that it will not begin; may be empty
         bool isSending = true;
         bool isReading = false, isSelected = false;  // see Ask
     };
@@ -82,6 +81,7 @@ class Workers {
         std::deque<Job> jobs;
         bool isRunning = false, isSending = false;
         std::thread thread;
+        bool IsBusy() const { return isRunning || !jobs.empty(); }
     };
     struct FleetRun {
         Fleet fleet;
@@ -107,8 +107,7 @@ class Workers {
     MayGoOn Watched(const std::string& address, const Stops& before, Order order);
     Line& LineOf(WorkerId worker) { return lines_[static_cast<size_t>(worker)]; }
     void Add(WorkerId worker, Job job);
-    void AddUrgent(const char* key, const std::function<void()>& run,
-                   std::function<void(const std::string&)> fail);
+    void AddUrgent(const char* key, const std::function<void()>& run, bool isFailureTold = true);
     Job RemoveFirst(Line& line, Stops& before);
     void Run(WorkerId worker);
     static void Execute(const Job& job, const Stops& before);

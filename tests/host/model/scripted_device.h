@@ -12,6 +12,16 @@
 
 namespace vndiscover::host {
 
+// To a Probe of WS-Discovery.
+inline std::string Reply(const std::string& endpoint, const std::string& types = "") {
+    return "<e:Envelope xmlns:e='http://www.w3.org/2003/05/soap-envelope'><e:Body>"
+           "<d:ProbeMatches xmlns:d='http://schemas.xmlsoap.org/ws/2005/04/discovery' "
+           "xmlns:a='http://schemas.xmlsoap.org/ws/2004/08/addressing'><d:ProbeMatch>"
+           "<a:EndpointReference><a:Address>" +
+           endpoint + "</a:Address></a:EndpointReference><d:Types>" + types +
+           "</d:Types></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>";
+}
+
 struct ScriptedDevice {
     std::map<Oid, std::pair<uint32_t, std::string>> variables;
     // The failure of a request, if any; empty or kAnswered means none.

@@ -3,23 +3,22 @@
 #include <thread>
 
 #include "model/computer/computer_report.h"
+#include "model/scan/device_view.h"
 #include "scripted_window.h"
 #include "values/text.h"
-#include "window/store/profiles.h"
+#include "window/store/settings.h"
 
 namespace vndiscover::host {
 namespace {
 
 // The size that a text needs in its control.
 SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
-    const HDC dc = GetDC(control);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
-    const HGDIOBJ old = SelectObject(dc, font);
+    const WindowDc dc(control);
+    const Selection writing(dc.Get(),
+                            reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
     RECT size = {0, 0, place.right - place.left, 0};
-    DrawTextW(dc, TextOf(control).c_str(), -1, &size,
+    DrawTextW(dc.Get(), TextOf(control).c_str(), -1, &size,
               DT_CALCRECT | (isWrapped ? DT_WORDBREAK : DT_SINGLELINE));
-    SelectObject(dc, old);
-    ReleaseDC(control, dc);
     return {size.right, size.bottom};
 }
 
@@ -50,14 +49,16 @@ class Dialogs : public MainWindowTest {
         DeleteProfile(L"");
         KeepCommunities(L"");
     }
-    // Opens the modal dialog; `play` acts as its user, on another thread, and must close it.
-    void PlayDialog(const std::function<void(HWND dialog)>& play) {
+    // Opens the modal dialog; `play` acts as its user, on another thread, who then closes it.
+    void PlayDialog(int button, const std::function<void(HWND dialog)>& play,
+                    int command = IDM_SNMP) {
         std::thread user([&, owner = window_->Handle()] {
             const HWND dialog = NextPopupOf(owner);
             ASSERT_TRUE(dialog);
             play(dialog);
+            PressUntilGone(dialog, button);
         });
-        Command(IDM_SNMP);
+        Command(command);
         user.join();
     }
     static void Press(HWND dialog, int id) { SendMessageW(dialog, WM_COMMAND, WPARAM(id), 0); }
@@ -78,10 +79,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
     for (const TextChange change : {TextChange(nullptr), TextChange(LongerText)}) {
         SetTextChange(change);
         OpenWith({{"10.77.1.1", "x"}});
-        PlayDialog([](HWND dialog) {
-            CheckDialog(dialog, 18);
-            PressUntilGone(dialog, IDCANCEL);
-        });
+        PlayDialog(IDCANCEL, [](HWND dialog) { CheckDialog(dialog, 18); });
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 9);
         DestroyWindow(PopupOf(window_->Handle()));
@@ -107,20 +105,16 @@ TEST_F(Dialogs, FitLongerLanguages) {
 
 TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     Open();
-    PlayDialog([](HWND dialog) {
-        TypeUser(dialog);
-        PressUntilGone(dialog, IDOK);
-    });
+    PlayDialog(IDOK, TypeUser);
     const auto kept = ReadProfile(L"Office");
     ASSERT_TRUE(kept && kept->isOpen);
     EXPECT_EQ(L"SHA-2(256)", kept->security.authLabel);
     EXPECT_EQ(kPassword, kept->security.authPassword.Get());
     // A later window uses it without asking, and the password is never shown.
     Open();
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDCANCEL, [](HWND dialog) {
         EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
         EXPECT_EQ(L"", TextOf(GetDlgItem(dialog, IDC_AUTH_PASSWORD)));
-        PressUntilGone(dialog, IDCANCEL);
     });
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
     CheckDlgButton(window_->Handle(), IDC_V1, BST_UNCHECKED);
@@ -128,36 +122,30 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
     engine_.End();
     ASSERT_TRUE(Ends());
-    EXPECT_EQ(kPassword, engine_.lastStep.credentials.security->authPassword.Get());
+    EXPECT_EQ(kPassword, engine_.lastStep.login.security->authPassword.Get());
     // The user's profile is shown, even if another window has used another one since.
     SaveProfile(L"Lab", kept->security);
     SaveLastProfile(L"Lab");
-    PlayDialog([](HWND dialog) {
-        EXPECT_EQ(L"Office", TextOf(GetDlgItem(dialog, IDC_PROFILE)));
-        PressUntilGone(dialog, IDCANCEL);
-    });
+    PlayDialog(IDCANCEL,
+               [](HWND dialog) { EXPECT_EQ(L"Office", TextOf(GetDlgItem(dialog, IDC_PROFILE))); });
     DeleteProfile(L"Lab");
 }
 
 // By the next window, but by no script.
 TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
     const auto next = [&](bool isScript) {
-        window_.reset();
-        MSG quit;  // of the former window; it would end a dialog at once
-        PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         StartOptions options;
         options.exit = isScript;
-        window_.emplace(engine_, options);
+        Open(options, false);
         const Credentials& found = window_->state.credentials;
         return (found.security ? ToUtf8(found.security->user) + ":" : "") +
                Joined(found.communities);
     };
     EXPECT_EQ("public", next(false));
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDOK, [](HWND dialog) {
         TypeUser(dialog);
         Type(dialog, IDC_PROFILE, L"");
         Type(dialog, IDC_COMMUNITY, L"hidden");
-        PressUntilGone(dialog, IDOK);
     });
     EXPECT_EQ("public", next(true));
     constexpr wchar_t kBrowser[] = L"Software\\Varnell Osk\\VnBrowser";
@@ -167,17 +155,16 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
     KeepCommunities(L"hidden");
     EXPECT_EQ("admin:hidden", next(false));
     EXPECT_EQ(kPassword, window_->state.credentials.security->authPassword.Get());
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDOK, [](HWND dialog) {
         for (const int id : {IDC_USER, IDC_COMMUNITY}) Type(dialog, id, L"");
         SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 0, 0);
-        PressUntilGone(dialog, IDOK);
     });
     EXPECT_EQ("public", next(false));
 }
 
 TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
     Open();
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDOK, [](HWND dialog) {
         const auto choose = [&](int id, int index) {
             SendDlgItemMessageW(dialog, id, CB_SETCURSEL, WPARAM(index), 0);
             SendMessageW(dialog, WM_COMMAND, WPARAM(MAKELONG(id, CBN_SELCHANGE)), 0);
@@ -205,7 +192,6 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
         choose(IDC_PRIV, 2);
         expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PASSWORD);
         choose(IDC_AUTH, 0);  // its password, and privacy, have no meaning then
-        PressUntilGone(dialog, IDOK);
     });
     EXPECT_FALSE(window_->state.credentials.security->usePriv);
 }
@@ -215,6 +201,39 @@ LONG FontHeight(HWND control) {
     GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof font,
                &font);
     return font.lfHeight;
+}
+
+TEST_F(Dialogs, ModalOnesHaveTheFontsOfTheSystem) {
+    Open();
+    for (const int command : {IDM_SNMP, IDM_ADD}) {
+        const auto change = [](HWND dialog) {
+            const HWND button = GetDlgItem(dialog, IDOK);
+            const LRESULT former = SendMessageW(button, WM_GETFONT, 0, 0);
+            const LONG height = FontHeight(button);
+            SendMessageW(dialog, WM_SETTINGCHANGE, 0, 0);
+            EXPECT_NE(former, SendMessageW(button, WM_GETFONT, 0, 0));
+            EXPECT_EQ(height, FontHeight(button));
+        };
+        PlayDialog(IDCANCEL, change, command);
+    }
+}
+
+TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
+    Open();
+    const std::wstring unknown(64, L'x');  // no part of a name is that long
+    const auto add = [&](HWND dialog) {
+        std::wstring many;
+        for (int host = 0; host < 1001; ++host) many += L"a" + std::to_wstring(host) + L" ";
+        Type(dialog, IDC_ADD_HOSTS, many.c_str());
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        const HWND box = NextPopupOf(dialog);
+        EXPECT_EQ(Text(IDS_TOO_MANY_HOSTS, {Grouped(1000), Grouped(1001)}), QuestionOf(box));
+        PressUntilGone(box, IDOK);
+        Type(dialog, IDC_ADD_HOSTS, (L"10.77.1.9," + unknown).c_str());
+    };
+    PlayDialog(IDOK, add, IDM_ADD);
+    const std::string told = Answer({IDOK}, [&] { EXPECT_TRUE(Shows(L"10.77.1.9;")); });
+    EXPECT_EQ(ToUtf8(Text(IDS_NO_ADDRESS, {unknown})), told);
 }
 
 // The close button stays at its distance from the lower right corner.
@@ -275,13 +294,10 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
 TEST_F(Dialogs, CancellingTheUserSendsNothing) {
     Open();
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
-    std::thread user([owner = window_->Handle()] {
-        const HWND dialog = NextPopupOf(owner);
+    const auto cancel = [](HWND dialog) {
         EXPECT_EQ(0u, TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)).find(Text(IDS_SNMP_WHY)));
-        PressUntilGone(dialog, IDCANCEL);
-    });
-    Command(IDC_FIND);
-    user.join();
+    };
+    PlayDialog(IDCANCEL, cancel, IDC_FIND);
     EXPECT_EQ(0, engine_.sweeps);
     EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_V3));
     EXPECT_EQ(Text(IDS_NO_USER), TextOf(Control(IDC_STATUS)));
@@ -289,25 +305,21 @@ TEST_F(Dialogs, CancellingTheUserSendsNothing) {
 
 TEST_F(Dialogs, CommunitiesAreAskedInTurn) {
     Open();
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDOK, [](HWND dialog) {
         EXPECT_EQ(L"sesame", TextOf(GetDlgItem(dialog, IDC_COMMUNITY)));
         Type(dialog, IDC_COMMUNITY, L" office , sesame,office,");
-        PressUntilGone(dialog, IDOK);
     });
     EXPECT_EQ((std::vector<std::string>{"office", ""}), window_->state.credentials.communities);
     Command(IDC_FIND);
     ASSERT_TRUE(EndsSweeps());
     EXPECT_EQ(2, engine_.sweeps);
-    EXPECT_EQ("", engine_.lastStep.credentials.community);
+    EXPECT_EQ("", engine_.lastStep.login.community);
 }
 
 // A sweep cannot tell refusal from silence; asking the device again can.
 TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     OpenWith({{"fe80::1", "x"}});
-    PlayDialog([](HWND dialog) {
-        TypeUser(dialog);
-        PressUntilGone(dialog, IDOK);
-    });
+    PlayDialog(IDOK, TypeUser);
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
     engine_.refusal = Status::kOnlyDiscovered;  // a wrong privacy password
     engine_.Say("fe80::1", "x");
@@ -338,11 +350,10 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
     SaveLastProfile(L"Office");
     Open();
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDOK, [](HWND dialog) {
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-        PressUntilGone(dialog, IDOK);
     });
     BYTE bytes[200];
     DWORD size = sizeof bytes;
@@ -350,19 +361,16 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(kBroken), sizeof kBroken),
               std::string(reinterpret_cast<const char*>(bytes), size));
     // It is still used, until the window is closed.
-    PlayDialog([](HWND dialog) {
-        PressUntilGone(dialog, IDOK);  // uses the known password
-    });
+    PlayDialog(IDOK, [](HWND) {});  // with the known password
     EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
     // One without a name, which cannot be left by choosing another, is replaced.
     constexpr wchar_t kNameless[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
     RegSetKeyValueW(HKEY_CURRENT_USER, kNameless, L"User", REG_BINARY, kBroken, sizeof kBroken);
     SaveLastProfile(L"");
     Open();
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDOK, [](HWND dialog) {
         EXPECT_EQ(Text(IDS_USER_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-        PressUntilGone(dialog, IDOK);
     });
     EXPECT_TRUE(ReadProfile(L"")->isOpen);
 }
@@ -372,13 +380,12 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
     constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, L"x", 2);
     Open();
-    PlayDialog([](HWND dialog) {
+    PlayDialog(IDCANCEL, [](HWND dialog) {
         SendDlgItemMessageW(dialog, IDC_PROFILE, CB_SETCURSEL, 0, 0);
         SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_PROFILE, CBN_SELCHANGE), 0);
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         PostMessageW(dialog, WM_COMMAND, IDC_PROFILE_DELETE, 0);
         PressUntilGone(NextPopupOf(dialog), IDYES);
-        PressUntilGone(dialog, IDCANCEL);
     });
     EXPECT_TRUE(ProfileNames().empty());
 }

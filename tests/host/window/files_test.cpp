@@ -16,8 +16,10 @@ class Files : public MainWindowTest {
         GetTempFileNameW(folder, L"vn", 0, path);
         path_ = ToUtf8(path);
     }
+    // Also what the end of a session has left, which the next window would offer.
     ~Files() override {
-        for (const std::string& path : {path_, KeptPath(1)}) DeleteFileW(ToWide(path).c_str());
+        DeleteFileW(ToWide(path_).c_str());
+        for (int number = 1; DeleteFileW(ToWide(KeptPath(number)).c_str());) ++number;
     }
 
     // A window with two devices, of which the filter hides one.
@@ -109,8 +111,9 @@ TEST_F(Files, ComparisonIsATable) {
     EXPECT_TRUE(window_->scans.CompareWith(path_));
     const HWND table = PopupOf(window_->Handle());
     const HWND rows = GetDlgItem(table, IDC_TABLE_ROWS);
-    EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(table, IDC_TABLE_NOTE))
-                                      .find(L"this list (3 devices): 1 new, 1 gone, 0 changed"));
+    EXPECT_NE(std::wstring::npos,
+              TextOf(GetDlgItem(table, IDC_TABLE_NOTE))
+                  .find(L"those that answered (3 devices): 1 new, 1 gone, 0 changed"));
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
     EXPECT_NE(std::wstring::npos, CellOf(rows, 0, 0).find(L"10.77.1.9"));
     ClickHeading(rows, 1);
@@ -146,13 +149,15 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
     engine_.Say("10.77.1.9", "y");
     ASSERT_TRUE(EndsSweeps());
     EXPECT_TRUE(window_->scans.CompareWith(path_));
-    EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
-                                      .find(L"this list (1 device): 0 new, 1 gone, 0 changed"));
+    EXPECT_NE(std::wstring::npos,
+              TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
+                  .find(L"those that answered (1 device): 0 new, 1 gone, 0 changed"));
     // Nor does a file have it that says so.
     EXPECT_TRUE(window_->scans.SaveTo(path_));
     EXPECT_TRUE(window_->scans.CompareWith(path_));
-    EXPECT_NE(std::wstring::npos, TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
-                                      .find(L"this list (1 device): 0 new, 0 gone, 0 changed"));
+    EXPECT_NE(std::wstring::npos,
+              TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
+                  .find(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
 }
 
 TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {

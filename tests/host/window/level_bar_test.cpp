@@ -29,7 +29,8 @@ TEST(Bars, HaveTheColoursOfTheirRow) {
     const auto background = [&](HWND focused, UINT state) {
         SetFocus(focused);
         ListView_SetItemState(list, 0, state, LVIS_SELECTED);
-        DrawBar(draw, {0, 0, 100, 20}, {50}, L"50 %", 96);
+        DrawBar(draw, {0, 0, 100, 20}, {0}, L"0 %", 96);
+        EXPECT_EQ(GetSysColor(COLOR_WINDOW), GetPixel(dc.Get(), 4 + 10, 10));  // not a full bar
         return GetPixel(dc.Get(), 0, 0);
     };
     EXPECT_EQ(GetSysColor(COLOR_WINDOW), background(list, 0));
@@ -38,10 +39,12 @@ TEST(Bars, HaveTheColoursOfTheirRow) {
     // That of the supply has a frame.
     DrawBar(draw, {0, 0, 100, 20}, {50, RGB(0, 160, 216)}, L"50 %", 96);
     const int end = 4 + 2 + 56 / 2;  // the inset, the frame, and half of the inside
-    EXPECT_EQ(RGB(0, 160, 216), GetPixel(dc.Get(), end - 2, 10));
-    EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end - 1, 10));
-    EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end - 9, 3 + 2));
-    EXPECT_EQ(GetSysColor(COLOR_WINDOW), GetPixel(dc.Get(), end, 10));
+    EXPECT_EQ(RGB(0, 160, 216), GetPixel(dc.Get(), end - 1, 10));
+    EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end, 10));
+    EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end - 9, 3 + 1));
+    EXPECT_EQ(GetSysColor(COLOR_WINDOW), GetPixel(dc.Get(), end + 1, 10));
+    DrawBar(draw, {0, 0, 100, 20}, {2, RGB(0, 160, 216)}, L"2 %", 96);
+    EXPECT_EQ(RGB(0, 160, 216), GetPixel(dc.Get(), 4 + 2, 10));  // seen although it is low
     DestroyWindow(other);
     DestroyWindow(list);
 }

@@ -1,4 +1,4 @@
-#include "window/store/profiles.h"
+#include "window/store/settings.h"
 
 #include <gtest/gtest.h>
 

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "host/model/scripted_device.h"
+#include "model/scan/device_view.h"
 #include "platform/com.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
@@ -58,27 +59,25 @@ class ScriptedEngine : public Engine {
         return true;
     }
     // Like in the module, a request has no effect while no sweep runs.
-    void StopSnmp() override {
+    void StopSweeps() override {
         if (onStop) onStop();
         const std::lock_guard<std::mutex> lock(mutex_);
         isOver_ = isInSweep_;
         ++stops;
         changed_.notify_all();
     }
-    void StopWsd() override {}
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader*,
                             std::function<bool()> mayGoOn) override {
-        AskTarget asked = target;
         FleetDevice read = job;
-        read.answers = Read(asked, std::move(mayGoOn));
+        read.answers = Read(target, std::move(mayGoOn));
         return read;
     }
-    PrinterAnswers Read(AskTarget& target, std::function<bool()>) override {
+    PrinterAnswers Read(const AskTarget& target, std::function<bool()>) override {
         ++reads;
         while (isHeld) Sleep(5);
         Fail();
         PrinterAnswers answers;
-        if (target.kind == SweepKind::kSnmpV3) {
+        if (target.login.security) {
             answers.lastStatus = refusal;
             answers.lastProblem = "refused: wrong user";
             return answers;
@@ -150,7 +149,7 @@ class ScriptedEngine : public Engine {
         answers_.emplace_back(address, value);
         changed_.notify_all();
     }
-    void End() { StopSnmp(); }
+    void End() { StopSweeps(); }
     std::atomic<int> stops{0}, reads{0}, sweeps{0};
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false}, isReleased{false};
@@ -327,9 +326,9 @@ class MainWindowTest : public testing::Test {
     // The window waits for its readings, also after a failure that left one held.
     ~MainWindowTest() override { engine_.isHeld = false; }
     // By address, with one community, and read only on demand.
-    void Open(StartOptions options = {}) {
+    void Open(StartOptions options = {}, bool hasOneCommunity = true) {
         window_.reset();
-        if (options.communities.empty()) options.communities = {""};
+        if (options.communities.empty() && hasOneCommunity) options.communities = {""};
         if (!options.lookFor) options.lookFor = 2;
         MSG quit;  // from the previous window; it would end a dialog at once
         PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);

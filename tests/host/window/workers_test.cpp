@@ -16,8 +16,7 @@ namespace {
 class PatientEngine : public Engine {
   public:
     bool Sweep(const SweepStep&, const OnAnswer&) override { return true; }
-    void StopSnmp() override {}
-    void StopWsd() override {}
+    void StopSweeps() override {}
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override {
         const int64_t delayMs = target.address == "10.0.0.1" ? slowMs.load() : 1;
@@ -42,7 +41,7 @@ class PatientEngine : public Engine {
         };
         return std::make_unique<Idle>(areAlive);
     }
-    PrinterAnswers Read(AskTarget&, std::function<bool()> mayGoOn) override {
+    PrinterAnswers Read(const AskTarget&, std::function<bool()> mayGoOn) override {
         ++begun;
         for (int wait = 0; wait < requests && mayGoOn(); ++wait)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -83,7 +82,7 @@ class WorkersTest : public testing::Test {
   protected:
     // The engine waits in a reading.
     void BeginReading() {
-        workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true);
+        workers.Ask({"10.0.0.1"}, true);
         ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
     }
     PatientEngine engine;
@@ -96,7 +95,7 @@ class WorkersTest : public testing::Test {
 TEST_F(WorkersTest, StopEndsOnlyTheRunningReading) {
     BeginReading();
     workers.Stop();
-    workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, true);
+    workers.Ask({"10.0.0.2"}, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 2; }));
     EXPECT_EQ(1, engine.ended);
 }
@@ -104,19 +103,17 @@ TEST_F(WorkersTest, StopEndsOnlyTheRunningReading) {
 // However fast the user goes to the next device and back. After a stop it is read again.
 TEST_F(WorkersTest, DeviceThatIsBeingReadIsNotReadTwice) {
     BeginReading();
-    for (const char* selected : {"10.0.0.2", "10.0.0.1"})
-        workers.Ask({selected, SweepKind::kSnmpV1, {}}, true, true);
+    for (const char* selected : {"10.0.0.2", "10.0.0.1"}) workers.Ask({selected}, true, true);
     EXPECT_EQ(0u, workers.Now().waiting);
     workers.Stop();
-    workers.Ask({"10.0.0.1", SweepKind::kSnmpV1, {}}, true, true);
+    workers.Ask({"10.0.0.1"}, true, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 2; }));
 }
 
 TEST_F(WorkersTest, SelectionDropsNoDeviceAskedOtherwise) {
     BeginReading();
-    workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, false);
-    for (const char* selected : {"10.0.0.2", "10.0.0.3"})
-        workers.Ask({selected, SweepKind::kSnmpV1, {}}, true, true);
+    workers.Ask({"10.0.0.2"}, false);
+    for (const char* selected : {"10.0.0.2", "10.0.0.3"}) workers.Ask({selected}, true, true);
     EXPECT_EQ(2u, workers.Now().waiting);
     engine.requests = 1;
     ASSERT_TRUE(Comes([&] { return !workers.IsBusy(); }));
@@ -133,12 +130,12 @@ TEST_F(WorkersTest, ReportOnThisComputerWhileADeviceIsAsked) {
 
 // A walk may take hours, and the selected device is asked for in between, others after it.
 TEST_F(WorkersTest, SelectedDeviceIsAskedDuringAWalk) {
-    workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, 1);
+    workers.Walk({"10.0.0.1"}, {1, 3}, 1);
     ASSERT_TRUE(Comes([&] { return engine.walks == 1; }));
-    workers.Ask({"10.0.0.2", SweepKind::kSnmpV1, {}}, false);
+    workers.Ask({"10.0.0.2"}, false);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_EQ(0, engine.begun);
-    workers.Ask({"10.0.0.3", SweepKind::kSnmpV1, {}}, true);
+    workers.Ask({"10.0.0.3"}, true);
     ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
     workers.StopWalk();  // the reading goes on
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -152,7 +149,7 @@ TEST_F(WorkersTest, SelectedDeviceIsAskedDuringAWalk) {
 TEST_F(WorkersTest, WalkThatHasNotBegunReportsItsEnd) {
     BeginReading();
     for (const unsigned walk : {1, 2}) {
-        workers.Walk({"10.0.0.1", SweepKind::kSnmpV1, {}}, {1, 3}, walk);
+        workers.Walk({"10.0.0.1"}, {1, 3}, walk);
         if (walk == 1) {
             workers.StopWalk();
         } else {
@@ -181,7 +178,7 @@ class FleetWorkers : public WorkersTest {
     void ReadAll(int count) {
         std::vector<AskTarget> targets;
         for (int index = 1; index <= count; ++index)
-            targets.push_back({"10.0.0." + std::to_string(index), SweepKind::kSnmpV1, {}});
+            targets.push_back({"10.0.0." + std::to_string(index)});
         workers.ReadAll(targets);
     }
     // Runs the results until the reading is over; those it lists are of the last round of a device.
@@ -197,16 +194,15 @@ class FleetWorkers : public WorkersTest {
             firstRounds += read.isStateOnly;
             order += read.target.address.substr(7) + " ";
         }
-        void OnReadAll(const Progress::Read& count, bool wasStopped) override {
+        void OnReadAll(const Progress::Read& count) override {
             isOver = true;
             read = count.done;
             unread = count.unread;
-            isStopped = wasStopped;
         }
         std::map<std::string, Read> last;
         std::string order;
         size_t read = 0, unread = 0, firstRounds = 0;
-        bool isOver = false, isStopped = false;
+        bool isOver = false;
     } results;
 };
 
@@ -231,11 +227,11 @@ TEST_F(FleetWorkers, SelectedDeviceIsReadMeanwhile) {
     engine.slowMs = 1000;
     ReadAll(1);
     ASSERT_TRUE(Comes([&] { return engine.here == 1; }));
-    workers.Ask({"10.0.0.9", SweepKind::kSnmpV1, {}}, true);
+    workers.Ask({"10.0.0.9"}, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 1; }));
     workers.Stop();
     Finish();
-    EXPECT_TRUE(results.isStopped);
+    EXPECT_EQ(0u, results.read);
 }
 
 TEST_F(FleetWorkers, WhatDeadReadersLeaveIsReadHere) {
@@ -253,11 +249,11 @@ TEST_F(FleetWorkers, OtherCommunitiesAreTriedOfASilentDevice) {
     engine.device.failure = [&](const Oid&) {
         return engine.here < 3 ? Status::kNoAnswer : Status::kAnswered;
     };
-    AskTarget target = {"10.0.0.2", SweepKind::kSnmpV1, {}};
+    AskTarget target = {"10.0.0.2"};
     target.otherCommunities = {"public"};
     workers.ReadAll({target});
     Finish();
-    EXPECT_EQ("public", results.last["10.0.0.2"].target.credentials.community);
+    EXPECT_EQ("public", results.last["10.0.0.2"].target.login.community);
     EXPECT_FALSE(results.last["10.0.0.2"].answers.values.empty());
     EXPECT_EQ(std::pair(size_t{1}, size_t{0}), std::pair(results.read, results.unread));
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/model/scripted_device.h"
 #include "model/scan/device_merge.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
@@ -29,7 +30,14 @@ class DeviceViewTest : public testing::Test {
             {1, "2026-11-25T05:00:00Z", address, AnsweredWith(*ParseOidOrName(name), type, text)});
         Show();
     }
-    void Show() { view_.SetRows(maker_.Make(scan_, MakeDevices(scan_), adapters_)); }
+    void Show() {
+        const std::vector<FoundDevice> devices = MakeDevices(scan_);
+        std::vector<Standing> standings;
+        for (const FoundDevice& device : devices)
+            standings.push_back(
+                StandingOf(scan_, device, nullptr, false, LastSearch(scan_, false)));
+        view_.SetRows(maker_.Make(scan_, devices, adapters_, standings));
+    }
     std::string Shown(Column column = Column::kAddress) const {
         std::string all;
         for (size_t index = 0; index < view_.Count(); ++index)
@@ -62,7 +70,7 @@ TEST_F(DeviceViewTest, LimitsTellWhatNeedsAttention) {
     maker_ = RowMaker(LevelLimits{30});
     Show();
     EXPECT_EQ(Severity::kAttention, view_.Row(0).severity);
-    EXPECT_EQ(Severity::kAttention, view_.Row(0).supplySeverity);
+    EXPECT_EQ(Severity::kAttention, view_.Row(0).summary.supplySeverity);
 }
 
 TEST_F(DeviceViewTest, SortsTextWithoutCaseAndUnknownValuesLast) {
@@ -149,14 +157,7 @@ TEST_F(DeviceViewTest, StartsWithTheWorst) {
 TEST_F(DeviceViewTest, ShowsNoComputerAsAPrinter) {
     scan_.sweeps.push_back({SweepKind::kWsd, AnswerForm::kReply, false, {}, ""});
     const auto reply = [&](const char* address, const char* type) {
-        scan_.answers.push_back(
-            {2, "", address,
-             Received("<e:Envelope xmlns:e='http://www.w3.org/2003/05/soap-envelope'><e:Body>"
-                      "<d:ProbeMatches xmlns:d='http://schemas.xmlsoap.org/ws/2005/04/discovery' "
-                      "xmlns:a='http://schemas.xmlsoap.org/ws/2004/08/addressing'><d:ProbeMatch>"
-                      "<a:EndpointReference><a:Address>" +
-                      std::string(address) + "</a:Address></a:EndpointReference><d:Types>" + type +
-                      "</d:Types></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>")});
+        scan_.answers.push_back({2, "", address, Received(Reply(address, type))});
     };
     Hear("10.77.1.1", "never read");
     Tell("10.77.1.2", "sysName.0", kOctetString, "a computer");

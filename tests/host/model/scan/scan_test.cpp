@@ -5,6 +5,7 @@
 
 #include <ctime>
 
+#include "host/model/scripted_device.h"
 #include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/scan_report.h"
@@ -48,16 +49,6 @@ ScanOf Variables() {
     ScanOf scan;
     scan.Begin(SweepKind::kSnmpV1, AnswerForm::kVariable);
     return scan;
-}
-
-std::string Reply(const std::string& endpoint) {
-    return "<e:Envelope xmlns:e='http://www.w3.org/2003/05/soap-envelope'><e:Body>"
-           "<d:ProbeMatches xmlns:d='http://schemas.xmlsoap.org/ws/2005/04/discovery' "
-           "xmlns:a='http://schemas.xmlsoap.org/ws/2004/08/addressing'><d:ProbeMatch>"
-           "<a:EndpointReference><a:Address>" +
-           endpoint +
-           "</a:Address></a:EndpointReference></d:ProbeMatch></d:ProbeMatches></e:Body>"
-           "</e:Envelope>";
 }
 
 // "0 1|2": the answers of each device.
@@ -136,17 +127,15 @@ TEST(DeviceMerge, StrongerKeysSeparateDevices) {
 }
 
 TEST(DeviceMerge, IgnoresPlaceholdersOfSerialNumbersAndMacs) {
-    for (const std::string serial : {"", " ", "XXXXXXXX", "xxxx", "00000000", "0000-XXXX"}) {
+    std::vector<std::pair<const char*, std::string>> rows;
+    for (const char* serial : {"", " ", "XXXXXXXX", "xxxx", "00000000", "0000-XXXX"})
+        rows.emplace_back("prtGeneralSerialNumber.1", serial);
+    for (const char byte : {'\0', '\xFF'})
+        rows.emplace_back("ifPhysAddress.1", std::string(6, byte));
+    for (const auto& [name, value] : rows) {
         ScanOf one = Variables();
-        for (const char* address : {"10.0.0.1", "10.0.0.2"})
-            one.Add(address, serial, "prtGeneralSerialNumber.1");
-        EXPECT_EQ("0|1", Groups(one.scan)) << serial;
-    }
-    for (const char byte : {'\0', '\xFF'}) {
-        ScanOf one = Variables();
-        for (const char* address : {"10.0.0.1", "10.0.0.2"})
-            one.Add(address, std::string(6, byte), "ifPhysAddress.1");
-        EXPECT_EQ("0|1", Groups(one.scan));
+        for (const char* address : {"10.0.0.1", "10.0.0.2"}) one.Add(address, value, name);
+        EXPECT_EQ("0|1", Groups(one.scan)) << name << value;
     }
 }
 
@@ -306,6 +295,13 @@ TEST(ScanFile, TooLargeScansLoseWhatFloodsThem) {
     EXPECT_FALSE(WriteFittingScan(one.scan, 100, leftOut, problem));
 }
 
+std::string FieldsOf(const DeviceChange& change) {
+    std::string text;
+    for (const FieldChange& field : change.fields)
+        text += field.field + ": " + field.before + " -> " + field.after + "; ";
+    return text;
+}
+
 TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {
     ScanOf before = Variables(), after = Variables();
     before.AddPrinter("10.0.0.1", "S1", kMac, "hall");
@@ -324,13 +320,10 @@ TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {
     EXPECT_EQ(1u, found.same);
     ASSERT_EQ(1u, found.changed.size());
     EXPECT_EQ(MergeKey::kSerial, found.changed[0].key);
-    std::string fields;
-    for (const FieldChange& field : found.changed[0].fields)
-        fields += field.field + ": " + field.before + " -> " + field.after + "; ";
     EXPECT_EQ(
         "address: 10.0.0.1 -> 10.0.0.9; name: hall -> lobby; firmware: VN 410, firmware 1.2 -> "
         "VN 410, firmware 1.3; page count: 5 -> 9; ",
-        fields);
+        FieldsOf(found.changed[0]));
     EXPECT_TRUE(CompareDevices(MakeDevices(after.scan), MakeDevices(after.scan)).IsEqual(true));
 }
 
@@ -357,13 +350,10 @@ Comparison OfPrinter(const char* errors, const char* black, const char* second, 
 
 TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
     const Comparison found = OfPrinter("\x04", "\x1D", "\x1E", "\x09", "jam");
-    std::string fields;
-    for (const FieldChange& field : found.changed.at(0).fields)
-        fields += field.field + ": " + field.before + " -> " + field.after + "; ";
     EXPECT_EQ(
         "errors: none -> jammed; alerts: none -> jam; Black: 30 % (30 of 100) -> 29 % (29 of 100); "
         "page count: 5 -> 9; ",
-        fields);
+        FieldsOf(found.changed.at(0)));
     EXPECT_TRUE(OfPrinter("", "\x1E", "\x1E", "\x05", "jam", false).IsEqual(true))
         << "alerts were not asked for";
     EXPECT_FALSE(found.IsEqual(false));
@@ -380,6 +370,33 @@ TEST(ScanComparison, CountsPagesOnlyIfAsked) {
         "equal, "
         "of which 1 have printed",
         ReportOf(printed).at(0).rows.at(0).text);
+}
+
+TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
+    Scan scan;
+    const Oid name = *ParseOidOrName("sysName.0");
+    scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kValue, false, name, ""},
+                   {SweepKind::kSnmpV3, AnswerForm::kVariable, false, {}, ""},
+                   {SweepKind::kWsd, AnswerForm::kReply, false, {}, ""}};
+    const std::string cut = "\xC8" + std::string(128, 'a');  // 200 bytes, as the module delivers
+    const Oid type = *ParseOidOrName("ifType.1");
+    Answer hall = AnsweredWith(name, kOctetString, "hall\xE2\x80\xAE");
+    hall.wholeSize = 300;
+    scan.answers = {{0, "2026-11-25T04:32:23Z", "10.77.1.1", Received(cut)},
+                    {1, "", "10.77.1.1", AnsweredWith(type, kInteger, "\x06")},
+                    {1, "", "10.77.1.1", hall},
+                    {2, "", "10.77.1.1", Received("<a>\r\n\x1B[2J</a>")}};
+    const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3});
+    ASSERT_EQ(4u, lines.size());
+    EXPECT_EQ("2026-11-25T04:32:23Z", lines[0].time);
+    EXPECT_EQ("sysName.0", lines[0].object);
+    EXPECT_EQ(std::string(128, 'a') + " [the first 128 of 200 bytes]", lines[0].value);
+    EXPECT_EQ("ethernetCsmacd(6)", lines[1].value);
+    EXPECT_EQ("68 61 6C 6C E2 80 AE [the first 7 of 300 bytes]", lines[2].value);
+    EXPECT_EQ("<a> \xEF\xBF\xBD[2J</a>", lines[3].value);
+    EXPECT_EQ("reply", lines[3].object);
+    // Of one device only.
+    EXPECT_EQ(SweepKind::kWsd, AnswerLines(scan, {3}).at(0).kind);
 }
 
 }  // namespace

@@ -1,0 +1,103 @@
+#include "window/work/session.h"
+#include "model/scan/device_view.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace vndiscover::host {
+namespace {
+
+class Sessions : public testing::Test {
+  protected:
+    // The addresses that answered, each with what.
+    using Answers = std::vector<std::pair<std::string, std::string>>;
+    void Sweep(WorkerId worker, SweepKind kind, const Answers& answers) {
+        SweepStep step;
+        step.kind = kind;
+        session_.BeginSweep(worker, step, "");
+        for (const auto& [address, bytes] : answers)
+            session_.AddAnswer(worker, {0, "", address, Received(bytes)});
+        session_.EndSweep(worker, true);
+    }
+    static std::string Reply(const std::string& types) {
+        return "<e:Envelope xmlns:e='http://www.w3.org/2003/05/soap-envelope'><e:Body>"
+               "<d:ProbeMatches xmlns:d='http://schemas.xmlsoap.org/ws/2005/04/discovery'>"
+               "<d:ProbeMatch><d:Types>" +
+               types + "</d:Types></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>";
+    }
+    std::string Read() {
+        session_.Refresh();
+        std::string addresses;
+        for (const AskTarget& target : session_.TargetsToRead()) addresses += target.address + ";";
+        return addresses;
+    }
+    Credentials credentials_;
+    Session session_{credentials_};
+};
+
+// The sweep is still running, so that the device may still answer.
+TEST_F(Sessions, RunningSweepIsNoSilence) {
+    SweepStep step;
+    step.kind = SweepKind::kWsd;
+    session_.BeginSweep(WorkerId::kWsd, step, "");
+    const DeviceRow row;
+    EXPECT_EQ(ProtocolState::kPending, session_.ProtocolsOf(row).at(2).state);
+    session_.EndSweep(WorkerId::kWsd, true);
+    EXPECT_EQ(ProtocolState::kSilent, session_.ProtocolsOf(row).at(2).state);
+}
+
+// Also one that has only been added: its user asks for it.
+TEST_F(Sessions, RefusalIsAskedOfAKnownDevice) {
+    credentials_.security = std::make_shared<const Security>();
+    session_.BeginSearch();
+    Sweep(WorkerId::kSnmp, SweepKind::kSnmpV3, {});
+    EXPECT_FALSE(session_.WhomToAskForARefusal());
+    session_.AddByHand({{"10.77.1.9", "hall"}}, "");
+    session_.Refresh();
+    const auto target = session_.WhomToAskForARefusal();
+    ASSERT_TRUE(target);
+    EXPECT_EQ("10.77.1.9", target->address);
+    EXPECT_EQ(SweepKind::kSnmpV3, target->Kind());
+}
+
+// Printers that only replied to a Probe, but no such computers; nobody who missed the search, even
+// while the row says that the device is being read.
+TEST_F(Sessions, SearchReadsWhoAnsweredItAndMayBeAPrinter) {
+    for (const bool isFirst : {true, false}) {
+        session_.BeginSearch();
+        Sweep(WorkerId::kSnmp, SweepKind::kSnmpV1,
+              isFirst ? Answers{{"10.77.1.1", "x"}} : Answers());
+        Sweep(WorkerId::kWsd, SweepKind::kWsd,
+              {{"10.77.1.4", Reply("Computer")}, {"10.77.1.5", Reply("PrintDeviceType")}});
+        session_.EndSearch();
+        session_.BeginReading("10.77.1.1");
+        EXPECT_EQ(isFirst ? "10.77.1.1;10.77.1.5;" : "10.77.1.5;", Read());
+        EXPECT_EQ(isFirst ? 3u : 2u, session_.PresentDevices().size());
+    }
+}
+
+// Without a user, one that has answered over SNMPv3 is asked over SNMPv1.
+TEST_F(Sessions, ReadingIsOfTheProtocolThatWasAsked) {
+    Scan scan;
+    scan.sweeps = {{SweepKind::kSnmpV3, AnswerForm::kDocument, false, {}, ""}};
+    scan.answers = {{0, "", "10.77.1.9", Received("{}")}};
+    session_.SetScan(scan);
+    session_.Refresh();
+    Results::Read read;
+    read.target = session_.TargetOf(session_.view.Row(0).answers).value();
+    EXPECT_EQ(std::vector<std::string>{"public"}, read.target.otherCommunities);
+    read.answers.lastStatus = Status::kNoAnswer;
+    session_.AddReading(read);
+    session_.Refresh();
+    const DeviceRow& row = session_.view.Row(0);
+    EXPECT_EQ(Standing::Kind::kNoAnswer, row.standing.kind);
+    const std::vector<ProtocolLine> protocols = session_.ProtocolsOf(row);
+    EXPECT_EQ(ProtocolState::kSilent, protocols[0].state);
+    EXPECT_EQ(ProtocolState::kAnswered, protocols[1].state);
+    credentials_.security = std::make_shared<const Security>();
+    EXPECT_EQ(SweepKind::kSnmpV3, session_.TargetOf(row.answers)->Kind());
+}
+
+}  // namespace
+}  // namespace vndiscover::host
