@@ -69,14 +69,10 @@ Cells CellsOf(const PrinterLine& printer) {
 
 std::string Cut(const std::string& text, size_t width) {
     if (CharacterCount(text) <= width) return text;
-    std::string cut;
-    size_t left = width - 2;
-    for (std::string_view rest = text; left > 0; --left) {
-        const size_t size = FirstCharacter(rest).bytes;
-        cut += rest.substr(0, size);
-        rest.remove_prefix(size);
-    }
-    return cut + "..";
+    size_t bytes = 0;
+    for (size_t left = width - 2; left > 0; --left)
+        bytes += FirstCharacter(std::string_view(text).substr(bytes)).bytes;
+    return text.substr(0, bytes) + "..";
 }
 
 // One line each, of at most `width` characters if the columns' contents can be cut to it.
@@ -128,10 +124,6 @@ std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
     return text;
 }
 
-std::string AskedText(const std::vector<Login>& logins) {
-    return JoinedAs(logins, NameOf, " and ") + " for " + kPrinterObject;
-}
-
 void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
             const std::vector<PrinterLine>& printers, size_t others) {
     const size_t incomplete =
@@ -142,10 +134,12 @@ void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
     for (const std::string& refusal : finder.Refusals()) Warn(refusal);
     if (finder.IsStopped()) return;
     WarnAtEnd(false, printers.size(),
-              finder.WasSent() ? "no printer answered " + AskedText(logins) +
-                                     ". 'vndiscover printers -c COMMUNITY' and 'vndiscover "
-                                     "printers --v3 -u USER' ask otherwise"
-                               : kNothingSent);
+              finder.WasSent()
+                  ? "no printer answered " + JoinedAs(logins, NameOf, " and ") + " for " +
+                        kPrinterObject +
+                        ". 'vndiscover printers -c COMMUNITY' and 'vndiscover printers --v3 -u "
+                        "USER' ask otherwise"
+                  : kNothingSent);
 }
 
 int RunPrinters(const PrintersOptions& options, const std::vector<V3Options>& users) {

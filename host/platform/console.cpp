@@ -103,9 +103,6 @@ void EraseStatus() {
     g_statusWidth = 0;
 }
 
-// No work that begins later clears it if the console is closing.
-bool IsStopRequested() { return g_isStopped || g_isClosing; }
-
 void ShowStatus(const std::string& text) {
     const std::lock_guard lock(g_outputMutex);
     Write(STD_ERROR_HANDLE, "\r" + Padded(text, g_statusWidth));
@@ -276,17 +273,17 @@ void SweepWatch::RequestStop() {
     if (!g_isStopped.exchange(true)) stop_();
 }
 
-bool SweepWatch::IsStopped() const { return IsStopRequested(); }
+// No work that begins later clears it if the console is closing.
+bool SweepWatch::IsStopped() const { return g_isStopped || g_isClosing; }
 
 void SweepWatch::Run() {
     const bool hasConsole = IsConsole(GetStdHandle(STD_ERROR_HANDLE));
     const std::future<void> over = over_.get_future();
     do {
         // The sweep clears a request that came just before it began, so repeat it.
-        if (IsStopRequested()) stop_();
+        if (IsStopped()) stop_();
         if (hasConsole)
-            ShowStatus(status_() +
-                       (IsStopRequested() ? ", stopping (Ctrl-C again ends at once)" : ""));
+            ShowStatus(status_() + (IsStopped() ? ", stopping (Ctrl-C again ends at once)" : ""));
     } while (over.wait_for(kStatusPeriod) == std::future_status::timeout);
 }
 
