@@ -31,14 +31,6 @@ void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing) {
     }
 }
 
-void CheckCommunity(const std::string& community) {
-    if (ToAnsi(community).size() > kLongestCommunity)
-        throw CLI::ValidationError("--community", std::to_string(kLongestCommunity) +
-                                                      " bytes at most: an SNMPv1 request holds " +
-                                                      std::to_string(kRequestMax) +
-                                                      " with its OID");
-}
-
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize) {
     const size_t size = ToAnsi(community.empty() ? VN_DEFAULT_COMMUNITY : community).size() +
@@ -82,7 +74,7 @@ void WarnIfUnknown(const std::string& host) {
 }
 
 Device OpenDevice(const DeviceOptions& options) {
-    if (!options.v3.isOn) CheckCommunity(options.community);
+    if (!options.v3.isOn) CheckRequest("--community", options.community, kSystem);
     const Device device({options.community, ResolveSecurity(options.v3)}, options.host);
     WarnIfUnknown(options.host);
     return device;

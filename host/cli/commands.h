@@ -60,9 +60,8 @@ std::vector<V3Options> UsersOf(const CLI::App& command);
 // Takes missing passwords from the environment or prompts. Null without --v3. `number`: from 1.
 std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number = 1);
 
-// Both throw CLI::ValidationError: if the community leaves no room for the OIDs that are asked for,
-// or if the module cannot encode an SNMPv1 request of this size.
-void CheckCommunity(const std::string& community);
+// Throws CLI::ValidationError if the module cannot encode an SNMPv1 request of this size.
+const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // for a community alone
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize = 0);
 

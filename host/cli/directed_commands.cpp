@@ -4,6 +4,7 @@
 #include "cli/variable_writer.h"
 #include "model/asking/answer.h"
 #include "model/asking/walk.h"
+#include "model/scan/scan.h"
 #include "platform/console.h"
 #include "values/object_names.h"
 #include "values/oid_text.h"
@@ -92,7 +93,7 @@ void CheckOid(const Options& options, const char* argument, const Oid& oid) {
     if (!FitsRequest(oid))
         throw CLI::ValidationError(argument, OidToText(oid) + " is too short or too long");
     if (!options.v3.isOn) {
-        CheckCommunity(options.community);
+        CheckRequest("--community", options.community, kSystem);
         CheckRequest(argument, options.community, oid);
     }
     // SNMPv3 requests use the same OID encoder.
@@ -211,8 +212,11 @@ int RunInfo(const Options& options) {
     } else if (information) {
         Print(ShownValue(*information) + "\n");
     }
-    if (!information) Warn("no answer from " + options.host);
-    return information ? kFound : kNone;
+    if (information) return kFound;
+    const bool isThere = device.Get(DefaultDiscoveryOid()).status == Status::kAnswered;
+    Warn(isThere ? options.host + " answered, without this object"
+                 : "no answer from " + options.host);
+    return kNone;
 }
 
 void AddNames(CLI::App& command, Options& options) {

@@ -55,7 +55,7 @@ int RunPrinter(const PrinterOptions& options) {
         return std::max<int>(kNone, ExitCodeOf(answers.lastStatus));
     }
     PrinterFacts facts = FactsOf(answers);
-    facts.readTime = UtcNow();
+    facts.readTime = facts.upTicksTime = UtcNow();
     const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
     Report report = ReportOf(facts, context);
     report.push_back(InterfaceSection(facts));

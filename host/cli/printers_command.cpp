@@ -8,6 +8,7 @@
 #include "cli/printer_finder.h"
 #include "model/scan/device_writer.h"
 #include "platform/console.h"
+#include "values/object_names.h"
 #include "values/ranges.h"
 #include "values/text.h"
 
@@ -47,7 +48,7 @@ struct PrintersOptions {
 std::vector<Login> LoginsOf(const PrintersOptions& options, const std::vector<V3Options>& users) {
     std::vector<Login> logins;
     for (const std::string& community : options.communities) {
-        CheckCommunity(community);
+        CheckRequest("--community", community, *ParseOidOrName(kPrinterObject));
         logins.push_back({community, nullptr});
     }
     if (logins.empty()) logins = {{"public", nullptr}, {VN_DEFAULT_COMMUNITY, nullptr}};

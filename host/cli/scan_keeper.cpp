@@ -116,6 +116,7 @@ void ScanKeeper::AskDevices(const Login& login) {
     }
     Begin(scan_.sweeps.back().kind, AnswerForm::kVariable, scan_.sweeps.back().useIPv6);
     std::atomic<size_t> asked{0};
+    size_t whole = 0;
     const SweepWatch watch(StopDiscoverSnmp, [&] {
         return "asking device " + std::to_string(asked) + " of " + std::to_string(addresses.size());
     });
@@ -125,9 +126,12 @@ void ScanKeeper::AskDevices(const Login& login) {
         const Device device(login, address);
         Asker asker = AskerOf(device);
         asker.mayGoOn = [&] { return !watch.IsStopped(); };
-        for (auto& [oid, answer] : ReadPrinter(asker).values)
-            AddAnswer({0, "", address, std::move(answer)});
+        PrinterAnswers read = ReadPrinter(asker);
+        if (read.lastStatus == Status::kAnswered) ++whole;
+        for (auto& [oid, answer] : read.values) AddAnswer({0, "", address, std::move(answer)});
     }
+    if (whole < addresses.size())
+        Warn("devices that could not be read whole: " + std::to_string(addresses.size() - whole));
 }
 
 void ScanKeeper::Save() {

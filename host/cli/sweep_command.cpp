@@ -9,6 +9,7 @@
 #include "device/device.h"
 #include "model/asking/json_request.h"
 #include "model/scan/device_writer.h"
+#include "model/scan/scan.h"
 #include "platform/console.h"
 #include "platform/owned.h"
 #include "platform/result_window.h"
@@ -113,7 +114,7 @@ Sweep Prepare(const SweepOptions& options) {
     SnmpSweep& arguments = sweep.arguments;
     CheckPathsDiffer(options);
     arguments.useIPv6 = options.useIPv6;
-    CheckCommunity(options.community);
+    CheckRequest("--community", options.community, DefaultDiscoveryOid());
     arguments.community = ToWide(options.community);
     if (!options.oid.empty()) {
         sweep.oid = CheckedOid(options);

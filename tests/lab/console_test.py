@@ -25,6 +25,7 @@ REPEATS = 2 if HAS_WSDD else 1  # of each reply, as UDP may lose one
 CONF = f"""{AGENT_CONF}
 rwcommunity secret
 rwcommunity6 secret
+rocommunity limited default .1.3.6.1.2.1
 syslocation {LOCATION_TEXT}
 createUser patient SHA-256 {LONG_PASSWORD} AES privpass1
 rouser patient priv
@@ -51,7 +52,7 @@ class Usage(unittest.TestCase):
         for offender, *arguments in (
                 ("a command is missing",), ("--bogus:", "sweep", "--bogus"), ("--format:", "sweep", "--format", "xml"),
                 ("--oid:", "sweep", "--oid", "sysDesc.0"), ("--json:", "sweep", "--json", LAB + "/bad.json"),
-                ("--csv:", "sweep", "--csv", "/missing/x.csv"), ("--community: 80 bytes at most", "sweep", "--community", "x" * 81),
+                ("--csv:", "sweep", "--csv", "/missing/x.csv"), ("--community:", "sweep", "--community", "x" * 256),
                 ("--user", "sweep", "-u", "admin"), ("-a:", "sweep", "--v3", "-u", "admin", "-x", "AES"),
                 ("-A:", "sweep", "--v3", "-u", "admin", "-a", "SHA1"), ("-a:", "sweep", "--v3", "-u", "admin", "-a", "SHA3"),
                 ("OID", "get", AGENT), ("OID:", "get", AGENT, long_oid + ".1"), ("ROOT:", "walk", AGENT, long_oid + ".1"),
@@ -250,6 +251,7 @@ class DirectedRequests(unittest.TestCase):
         self.assertEqual(1, code)
         self.assertIn("wrong authentication password", err)
         self.assertEqual((1, ""), run("walk", AGENT, ".1.3.6.1.9")[:2])
+        self.assertIn("answered, without this object", run("info", AGENT, "-c", "limited")[2])
 
     def test_ping_and_ipv6_answer_by_exit_code(self):
         self.assertEqual((0, "10.77.1.2 answered\n"), run("ping", AGENT)[:2])
