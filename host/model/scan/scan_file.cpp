@@ -186,7 +186,7 @@ ScanSweep SweepOf(const cJSON* item) {
     sweep.useIPv6 = cJSON_IsTrue(Member(item, "ipv6").value) != 0;
     if (sweep.form == AnswerForm::kValue) sweep.oid = Member(item, "oid").ObjectId();
     sweep.time = Member(item, "time").Time();
-    if (Find(item, "search")) sweep.search = Member(item, "search").Number(kMaxSweeps);
+    if (Find(item, "search")) sweep.search = Member(item, "search").Number(SIZE_MAX);
     sweep.isComplete = cJSON_IsTrue(Find(item, "complete")) != 0;
     return sweep;
 }
