@@ -63,7 +63,8 @@ struct PrinterFacts {
     std::vector<uint32_t> otherPrinters;  // indexes, if the device has several
     std::string model, serialNumber, name, location, description, macAddress;
     std::optional<uint64_t> upTicks;
-    std::string readTime;  // as in ScanAnswer; FactsOf leaves it empty
+    // When the state and upTicks were read, as in ScanAnswer; FactsOf leaves them empty.
+    std::string readTime, upTicksTime;
     std::string deviceStatus, printerStatus;
     std::optional<std::vector<std::string>> errors;
     std::string errorBits;           // bytes of which the errors are the names

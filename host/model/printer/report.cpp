@@ -64,7 +64,7 @@ ReportSection Identity(const PrinterFacts& facts, const ReportContext& context) 
     if (facts.model.find(facts.description) == std::string::npos)
         section.Add("Description", facts.description);
     if (facts.upTicks) {
-        const std::string start = LocalTimeBefore(facts.readTime, *facts.upTicks / 100);
+        const std::string start = LocalTimeBefore(facts.upTicksTime, *facts.upTicks / 100);
         section.Add("Up since", Joined({start, "(" + Duration(*facts.upTicks) + ")"}, " "));
     }
     return section;

@@ -60,10 +60,15 @@ class Collector {
             case AnswerForm::kVariable:
                 variables_.values[answer.answer.oid] = answer.answer;
                 device_.hasVariables = true;
-                if (IsState(answer.answer.oid)) stateSweep_ = answer.sweep;
+                if (IsState(answer.answer.oid)) {
+                    stateSweep_ = answer.sweep;
+                    readTime_ = std::max(readTime_, answer.time);
+                }
                 // Only a reading that asks for alerts too asks for it.
-                if (IsWithin(answer.answer.oid, OidOf("sysUpTime"))) wholeSweep_ = answer.sweep;
-                readTime_ = std::max(readTime_, answer.time);
+                if (IsWithin(answer.answer.oid, OidOf("sysUpTime"))) {
+                    wholeSweep_ = answer.sweep;
+                    upTime_ = std::max(upTime_, answer.time);
+                }
                 break;
             case AnswerForm::kReply:
                 if (++replies_ > kMaxReplies) break;
@@ -83,6 +88,7 @@ class Collector {
         device_.areAlertsKnown = stateSweep_ != SIZE_MAX && stateSweep_ == wholeSweep_;
         PrinterFacts facts = FactsOf(variables_);
         facts.readTime = std::move(readTime_);
+        facts.upTicksTime = std::move(upTime_);
         // The model falls back to the description, which says less than the discovery OID's text.
         const std::string discovered = TextWithin(DefaultDiscoveryOid());
         if (facts.model == facts.description && !discovered.empty()) facts.model = discovered;
@@ -118,8 +124,8 @@ class Collector {
     }
 
     PrinterAnswers variables_;
-    std::string readTime_;         // of the latest one
-    std::set<std::string> types_;  // in order, and none twice
+    std::string readTime_, upTime_;  // of the state, and of how long it has been up
+    std::set<std::string> types_;    // in order, and none twice
     FoundDevice device_;
     size_t replies_ = 0;
     size_t stateSweep_ = SIZE_MAX, wholeSweep_ = SIZE_MAX;  // SIZE_MAX: none

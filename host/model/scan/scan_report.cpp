@@ -37,15 +37,16 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
 
 }  // namespace
 
-Report ReportOf(const FoundDevice& device, const DeviceRow& row, std::vector<Gap> gaps,
-                const LevelLimits& limits) {
+Report ReportOf(const FoundDevice& device, const DeviceRow& row,
+                std::optional<std::vector<Gap>> gaps, const LevelLimits& limits) {
     PrinterFacts facts = *device.facts;
     // Those of all answers.
     facts.serialNumber = row.Text(Column::kSerial);
     facts.macAddress = row.Text(Column::kMac);
-    if (device.hasVariables) SetGaps(facts, std::move(gaps));
-    Report parts = ReportOf(facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols),
-                                    device.hasVariables, limits});
+    const bool isRead = device.hasVariables && gaps;
+    if (isRead) SetGaps(facts, *std::move(gaps));
+    Report parts =
+        ReportOf(facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols), isRead, limits});
     // What needs attention comes first, and who it is last.
     const PrinterSummary summary = SummaryOf(facts, limits);
     ReportSection first;

@@ -30,9 +30,12 @@ void AddSweeps(Lines& lines, const std::vector<ScanSweep>& sweeps,
                const std::vector<size_t>& running) {
     for (size_t index = 0; index < sweeps.size(); ++index) {
         const ScanSweep& sweep = sweeps[index];
-        if (sweep.form != AnswerForm::kVariable && sweep.form != AnswerForm::kAdded)
-            Add(lines, sweep.kind, sweep.useIPv6,
-                Contains(running, index) ? ProtocolState::kPending : ProtocolState::kSilent);
+        if (sweep.form == AnswerForm::kVariable || sweep.form == AnswerForm::kAdded) continue;
+        const bool wasStopped = sweep.search != 0 && !sweep.isComplete;  // or not sent
+        Add(lines, sweep.kind, sweep.useIPv6,
+            Contains(running, index) ? ProtocolState::kPending
+            : wasStopped             ? ProtocolState::kNotAsked
+                                     : ProtocolState::kSilent);
     }
 }
 
@@ -122,10 +125,10 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
                     bool isBeingRead, const LastSearch& search) {
     Standing standing;
     standing.lastAnswer = LastAnswerOf(scan, device);
-    if (isBeingRead) {
+    if (search.HasMissed(scan, device.answers)) {
+        standing.kind = Kind::kMissed;  // until it answers
+    } else if (isBeingRead) {
         standing.kind = Kind::kBeingRead;
-    } else if (search.HasMissed(scan, device.answers)) {
-        standing.kind = Kind::kMissed;
     } else {
         standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
         standing.isStateOnly = reading && reading->isStateOnly;

@@ -233,9 +233,13 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
                : sweep.kind == SweepKind::kSnmpV1                          ? 2
                                                                            : 1;
     };
-    const auto best = std::max_element(
-        answers.begin(), answers.end(),
-        [&](size_t one, size_t other) { return rank(one) < rank(other); });  // the first of these
+    // Its address may have changed: the latest answer tells.
+    const auto order = [&](size_t answer) {
+        return std::pair(rank(answer), scan_.answers[answer].time);
+    };
+    const auto best =
+        std::max_element(answers.begin(), answers.end(),
+                         [&](size_t one, size_t other) { return order(one) < order(other); });
     if (best == answers.end()) return std::nullopt;
     const ScanAnswer& answer = scan_.answers[*best];
     const size_t login = scan_.sweeps[answer.sweep].login;
@@ -319,9 +323,9 @@ std::optional<Reading> Session::LastReadingOf(const std::vector<size_t>& answers
     return last;
 }
 
-std::vector<Gap> Session::GapsOf(const DeviceRow& row) const {
+std::optional<std::vector<Gap>> Session::GapsOf(const DeviceRow& row) const {
     const auto last = LastReadingOf(row.answers);
-    return last ? last->end.gaps : std::vector<Gap>();
+    return last ? std::optional(last->end.gaps) : std::nullopt;
 }
 
 void Session::ForgetRefusals() {

@@ -76,7 +76,8 @@ class Session {
     // Whether this address has answered, or was added, since the last SetScan; a file may hold any.
     bool HasAnsweredSearch(const std::vector<size_t>& answers) const;
     bool HasAnsweredHere(const std::vector<size_t>& answers, const std::string& address) const;
-    std::vector<Gap> GapsOf(const DeviceRow& row) const;
+    // Empty: it has not been read here, so nobody knows what else was asked for.
+    std::optional<std::vector<Gap>> GapsOf(const DeviceRow& row) const;
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
     // The settings have changed: why devices refused the former user holds no longer.
     void ForgetRefusals();

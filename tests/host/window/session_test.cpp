@@ -1,9 +1,10 @@
 #include "window/work/session.h"
-#include "model/scan/device_view.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
+
+#include "model/scan/device_view.h"
 
 namespace vndiscover::host {
 namespace {
@@ -75,6 +76,16 @@ TEST_F(Sessions, SearchReadsWhoAnsweredItAndMayBeAPrinter) {
         EXPECT_EQ(isFirst ? "10.77.1.1;10.77.1.5;" : "10.77.1.5;", Read());
         EXPECT_EQ(isFirst ? 3u : 2u, session_.PresentDevices().size());
     }
+}
+
+// Its address may have changed.
+TEST_F(Sessions, DeviceIsAskedWhereItAnsweredLast) {
+    Scan scan;
+    scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kDocument, false, {}, ""}};
+    scan.answers = {{0, "2026-11-25T04:10:00Z", "10.77.1.9", Received("{}")},
+                    {0, "2026-11-25T04:20:00Z", "10.77.1.8", Received("{}")}};
+    session_.SetScan(scan);
+    EXPECT_EQ("10.77.1.8", session_.TargetOf({0, 1})->address);
 }
 
 // Without a user, one that has answered over SNMPv3 is asked over SNMPv1.

@@ -48,11 +48,11 @@ class StandingTest : public testing::Test {
         }
     }
     std::string State(const char* address, const Reading* reading = nullptr,
-                      bool isSearching = false) const {
+                      bool isSearching = false, bool isBeingRead = false) const {
         for (const FoundDevice& device : MakeDevices(scan_)) {
             if (device.identity.Of(MergeKey::kAddress).count(address) == 0) continue;
             const Standing standing =
-                StandingOf(scan_, device, reading, false, LastSearch(scan_, isSearching));
+                StandingOf(scan_, device, reading, isBeingRead, LastSearch(scan_, isSearching));
             return StateText(standing, SummaryOf(*device.facts));
         }
         return "no device";
@@ -70,6 +70,8 @@ TEST_F(StandingTest, DeviceOutsideTheLastSearchIsSilent) {
     EXPECT_EQ(Since(0), State("10.0.0.1"));
     EXPECT_EQ("never read", State("10.0.0.2"));
     EXPECT_EQ("never read", State("10.0.0.1", nullptr, true)) << "it may still answer";
+    EXPECT_EQ(Since(0), State("10.0.0.1", nullptr, false, true)) << "it is being read";
+    EXPECT_EQ("being read", State("10.0.0.2", nullptr, false, true));
     Read(2, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
     EXPECT_EQ("idle", State("10.0.0.1")) << "it was read after the search";
     Search(2, 1, {"10.0.0.2"});
@@ -121,6 +123,7 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     Read(0, "10.0.0.1", true,
          {{"hrPrinterStatus.1", "\3"},
           {"hrPrinterDetectedErrorState.1", kDoorOpen},
+          {"sysUpTime.0", "\1"},
           {"prtMarkerSuppliesDescription.1.1", "Toner"},
           {"prtMarkerSuppliesDescription.1.2", "Drum"},
           {"prtAlertDescription.1.1", "Door open"}});
@@ -134,6 +137,8 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     EXPECT_EQ(1u, facts().supplies.size());
     EXPECT_EQ(0u, facts().alerts.size());
     EXPECT_EQ("idle", State("10.0.0.1"));
+    EXPECT_EQ(At(1), facts().readTime);
+    EXPECT_EQ(At(0), facts().upTicksTime);
     Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
     EXPECT_EQ(0u, facts().supplies.size());
     EXPECT_EQ("", facts().printerStatus);
@@ -282,6 +287,8 @@ TEST(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
     EXPECT_EQ(0u, States(scan, {}, {}).count("SNMPv16"));
     scan.answers.clear();
     EXPECT_EQ(State::kSilent, States(scan, {}, {})["SNMPv16"]);
+    scan.sweeps[1].search = 1;  // and it was stopped
+    EXPECT_EQ(State::kNotAsked, States(scan, {}, {})["SNMPv16"]);
 }
 
 TEST(Protocols, SayWhyAReadingFailed) {
