@@ -68,7 +68,8 @@ bool IsState(const Oid& oid) {
 }
 
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
-    if (answers.size() < 2) return answers;
+    if (answers.empty()) return {};
+    if (answers.size() == 1) return {answers.front()};
     std::map<Question, size_t> sweeps;          // the last with an answer to it
     std::map<Origin, size_t> readings, states;  // the last complete one, or one with a state
     const auto latest = [](auto& known, const auto& key, size_t sweep) {
