@@ -12,9 +12,9 @@ namespace {
 constexpr DWORD kProgramLimitMs = 20000;
 constexpr DWORD kSweepBeginsMs = 1500;
 
-// What a program is started with: pipes that are read when it has ended, so it may write little.
 constexpr char kNotBeside[] = "it is not beside this program";
 
+// What a program is started with: pipes that are read when it has ended, so it may write little.
 struct Ended {
     bool isStarted = false, isInTime = false;
     DWORD code = 0;

@@ -213,7 +213,8 @@ int RunInfo(const Options& options) {
         Print(ShownValue(*information) + "\n");
     }
     if (information) return kFound;
-    const bool isThere = device.Get(DefaultDiscoveryOid()).status == Status::kAnswered;
+    const Status status = device.Get(DefaultDiscoveryOid()).status;
+    const bool isThere = status != Status::kNoAnswer && status != Status::kSendFailed;
     Warn(isThere ? options.host + " answered, without this object"
                  : "no answer from " + options.host);
     return kNone;

@@ -54,11 +54,6 @@ int32_t AskV3(const Security& user, Export ask, const char* host, const Oid& oid
                user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
 }
 
-// Link-local addresses with the zones by which they have answered, of this process: devices of a
-// scan are asked again and again.
-std::mutex g_zonedMutex;
-std::map<std::string, std::string> g_zoned;
-
 bool NeedsZone(const std::string& host) {
     const auto address = ParseIpAddress(host);
     return address && !address->IsIPv4() && host.find('%') == std::string::npos &&
@@ -80,10 +75,13 @@ bool Device::CanSend(const Oid& oid) const {
 // Sweeps give link-local addresses without a zone; directed requests leave by one adapter only.
 const char* Device::Host() const {
     if (std::exchange(isZoned_, true) || !NeedsZone(host_)) return host_.c_str();
+    // Of this process; devices of a scan are asked again and again.
+    static std::mutex mutex;
+    static std::map<std::string, std::string> known;
     const std::string given = host_;
     {
-        const std::lock_guard lock(g_zonedMutex);
-        if (const auto found = g_zoned.find(given); found != g_zoned.end())
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (const auto found = known.find(given); found != known.end())
             return (host_ = found->second).c_str();
     }
     std::vector<std::string> hosts;
@@ -95,17 +93,12 @@ const char* Device::Host() const {
         for (const std::string& host : hosts) {
             host_ = host;
             if (!IsThere(isPing)) continue;
-            const std::lock_guard lock(g_zonedMutex);
-            g_zoned[given] = host_;
+            const std::lock_guard<std::mutex> lock(mutex);
+            known[given] = host_;
             return host_.c_str();
         }
     }
     return (host_ = given).c_str();
-}
-
-void Device::ForgetZone() const {
-    const std::lock_guard lock(g_zonedMutex);
-    g_zoned.erase(host_.substr(0, host_.find('%')));
 }
 
 bool Device::IsThere(bool isPing) const {
@@ -199,12 +192,7 @@ Answer Device::Set(const Oid& oid, const SetValue& value, const std::string& wri
 
 Asker AskerOf(const Device& device) {
     Asker asker;
-    asker.getNext = [&device](const Oid& oid) {
-        Answer answer = device.GetNext(oid);
-        if (answer.status == Status::kNoAnswer || answer.status == Status::kSendFailed)
-            device.ForgetZone();
-        return answer;
-    };
+    asker.getNext = [&device](const Oid& oid) { return device.GetNext(oid); };
     asker.isV3 = device.IsV3();
     return asker;
 }

@@ -30,8 +30,6 @@ class Device {
 
     // Of a link-local address without a zone, in seconds; otherwise the first request does.
     void ChooseAdapter() const { Host(); }
-    // It may be reached by another adapter now: the next object for its address looks for it.
-    void ForgetZone() const;
     // Whether it answers an ICMP echo request. Names are pinged over IPv6.
     bool Ping() const;
     Answer Get(const Oid& oid) const;

@@ -1,6 +1,7 @@
 #include "model/scan/scan_file.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <unordered_map>
 
@@ -217,6 +218,18 @@ std::pair<size_t, size_t> SplitOf(const cJSON* item, size_t answers) {
     return {at(0), at(1)};
 }
 
+// From 1 on, in their order: a file may have any numbers, and the next search has the next one.
+void RenumberSearches(std::vector<ScanSweep>& sweeps) {
+    std::map<size_t, size_t> numbers;
+    for (const ScanSweep& sweep : sweeps) numbers[sweep.search];
+    numbers.erase(0);  // of no search
+    size_t last = 0;
+    for (auto& [given, number] : numbers) number = ++last;
+    for (ScanSweep& sweep : sweeps) {
+        if (sweep.search != 0) sweep.search = numbers[sweep.search];
+    }
+}
+
 // Throws a Refusal.
 Scan ScanOf(const cJSON* root) {
     if (Member(root, "format").Text() != kFormat) throw Refusal{root, "not a scan"};
@@ -231,6 +244,7 @@ Scan ScanOf(const cJSON* root) {
     const cJSON* const sweeps = Member(root, "sweeps").Array();
     cJSON_ArrayForEach(item, sweeps) scan.sweeps.push_back(SweepOf(item));
     if (scan.sweeps.size() > kMaxSweeps) throw Refusal{sweeps, kTooManySweeps};
+    RenumberSearches(scan.sweeps);
     cJSON_ArrayForEach(item, Member(root, "answers").Array())
         scan.answers.push_back(AnswerOf(item, scan.sweeps));
     const cJSON* const splits = Member(root, "splits").Array();

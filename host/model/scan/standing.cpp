@@ -206,7 +206,7 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
     for (const auto& [asked, line] : lines) {
         // A device may have no address there, so that a sweep's silence says nothing of it.
         const bool tellsNothing = hasAnswered && line.useIPv6 && line.note.empty() &&
-                                  line.state == ProtocolState::kSilent;
+                                  line.state >= ProtocolState::kSilent;
         if (!tellsNothing) told.push_back(line);
     }
     return told;

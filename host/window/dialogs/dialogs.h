@@ -109,9 +109,8 @@ class ListDialog : public Dialog, protected virtual ListModel {
 int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsigned no,
                    unsigned none = IDS_CANCEL);
 
-// Asks for devices that no sweep reaches.
-
-// Names or addresses as typed, UTF-8; empty if the user cancelled.
+// Asks for devices that no sweep reaches: names or addresses as typed, UTF-8. Empty if the user
+// cancelled.
 std::vector<std::string> AskHosts(HWND owner);
 
 }  // namespace vndiscover::host

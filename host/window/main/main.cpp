@@ -56,7 +56,8 @@ constexpr struct Option {
              options.communities.insert(options.communities.end(), communities->begin(),
                                         communities->end());
          return communities.has_value();
-     }},
+     },
+     IDS_SNMP_BAD_COMMUNITY},
     {"--look-for", nullptr,
      [](const std::string& value, StartOptions& options) {
          const auto* const preset = FindIf(kPresetWords, [&](auto* word) { return value == word; });

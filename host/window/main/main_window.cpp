@@ -222,7 +222,11 @@ std::optional<LRESULT> MainWindow::OnMessage(HWND, UINT id, WPARAM wParam, LPARA
 void MainWindow::OnSessionEnd(LPARAM how) {
     state.isSessionEnding = true;
     panes.SaveSettings();
-    EndEarly();
+    try {
+        EndEarly();
+    } catch (...) {  // must not lose the rest
+        OnException();
+    }
     scans.SaveForNextStart();
     // An installer waits for the process. Open dialogs end by this too.
     if (how & ENDSESSION_CLOSEAPP) PostQuitMessage(state.exitCode);
@@ -316,7 +320,8 @@ void MainWindow::OnResults() {
 }
 
 void MainWindow::OnTimer(UINT_PTR timer) {
-    if (timer == kRefreshTimer)  // what is not possible now is tried again soon
+    if (timer == kRefreshTimer &&
+        state.settings.refreshMinutes != 0)  // what is not possible now is tried again soon
         RestartTimer(searches.Repeat() ? state.settings.refreshMinutes : 1);
     if (state.workers && state.progress.IsSearching() && state.progress.IsStopping())
         state.workers->RepeatStop();

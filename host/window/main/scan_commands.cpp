@@ -67,9 +67,14 @@ void ScanCommands::Empty() {
 void ScanCommands::Replace(Scan scan) {
     ForgetKept();
     state_.progress.ForgetSearch();
+    ShowScan(std::move(scan));
+}
+
+void ScanCommands::ShowScan(Scan scan) {
     state_.session.SetScan(std::move(scan));
+    state_.changes.ForgetStates();
+    state_.session.Refresh();  // without recording: what a file has of states may be old
     state_.showRows();
-    state_.changes.ForgetStates();  // what a file has of them may be old
 }
 
 void ScanCommands::SetFile(const std::wstring& file) {
@@ -243,10 +248,9 @@ void ScanCommands::OfferSaved() {
                                           IDS_ASK_KEPT_DELETE, IDS_ASK_KEPT_LATER);
         if (answer == IDNO) ForgetKept();
         if (answer != IDYES) continue;
-        state_.session.SetScan(std::move(*scan));
+        ShowScan(*std::move(scan));
         state_.session.SetSaved(false);
         state_.session.AdoptAdded();
-        state_.showRows();
         return SetFile(NameOf(Text(IDS_KEPT_SCAN)));
     }
     kept_.Reset();

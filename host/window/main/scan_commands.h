@@ -59,6 +59,7 @@ class ScanCommands {
                   bool (ScanCommands::*method)(const std::string& path));
     bool MayReplace(unsigned question);
     void Replace(Scan scan);
+    void ShowScan(Scan scan);
     std::wstring NameOf(const std::wstring& file) const;
     void SaveTable(const std::string& csv);
     bool SaveTableTo(const std::string& path) { return SaveTextTo(table_, path); }

@@ -131,9 +131,9 @@ void DetailsPane::Show() {
     const DevicePage& page = Page();
     const std::vector<size_t> answers = row ? row->answers : std::vector<size_t>();
     const std::vector<size_t> old = std::exchange(answers_, answers);
-    // Another device's rows start at their top, without a selected one.
+    // Another device's rows start at their top, without a selected one; the summary stays.
     const bool isSame = !old.empty() && !answers.empty() && old.front() == answers.front();
-    if (!isSame && old != answers) ShowRows({}, {});
+    if (page.rows && !isSame && old != answers) ShowRows({}, {});
     std::vector<ReportRow> rows;
     TableRows table;
     if (!page.rows) rows = SummaryOf(session_, row);

@@ -32,7 +32,6 @@ class ReportWindow : public ListDialog, private FactsModel {
 };
 
 // The report on why there are no devices, or why one does not answer.
-
 class DoctorWindow {
   public:
     // Begins another report in place of this one. Its window opens with the next report on this

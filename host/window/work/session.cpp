@@ -1,6 +1,7 @@
 #include "window/work/session.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "model/scan/device_view.h"
 #include "values/module_types.h"
@@ -233,9 +234,11 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
                : sweep.kind == SweepKind::kSnmpV1                          ? 2
                                                                            : 1;
     };
-    // Its address may have changed: the latest answer tells.
-    const auto order = [&](size_t answer) {
-        return std::pair(rank(answer), scan_.answers[answer].time);
+    // Its address may have changed: the latest answer tells, of IPv4 if it has answered over both.
+    const auto order = [&](size_t index) {
+        const ScanAnswer& answer = scan_.answers[index];
+        const bool isIPv4 = answer.address.find(':') == std::string::npos;
+        return std::tuple(rank(index), isIPv4, answer.time);
     };
     const auto best =
         std::max_element(answers.begin(), answers.end(),

@@ -1,6 +1,7 @@
 // The commands of the File menu after the user has chosen a file.
 #include <regex>
 
+#include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
 #include "scripted_window.h"
 #include "window/store/scan_files.h"
@@ -158,6 +159,23 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
     EXPECT_NE(std::wstring::npos,
               TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
                   .find(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
+}
+
+// They may be old, or of another computer's printers.
+TEST_F(Files, StatesOfAFileAreNoChanges) {
+    Open();
+    for (const char* const state : {"\3", "\4"}) {
+        const std::string time = "2026-11-25T04:10:00Z";
+        Scan scan;
+        scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, time}};
+        scan.answers = {{0, time, "10.77.1.1",
+                         AnsweredWith(*ParseOidOrName("hrPrinterStatus.1"), kInteger, state)}};
+        std::string problem;
+        ASSERT_TRUE(ReplaceFileText(path_, *WriteScan(scan, problem), problem));
+        EXPECT_TRUE(window_->scans.OpenFrom(path_));
+    }
+    EXPECT_EQ(L"printing", Cell(0, 3));
+    EXPECT_TRUE(window_->state.changes.Changes().empty());
 }
 
 TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {

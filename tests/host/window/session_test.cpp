@@ -83,9 +83,10 @@ TEST_F(Sessions, DeviceIsAskedWhereItAnsweredLast) {
     Scan scan;
     scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kDocument, false, {}, ""}};
     scan.answers = {{0, "2026-11-25T04:10:00Z", "10.77.1.9", Received("{}")},
-                    {0, "2026-11-25T04:20:00Z", "10.77.1.8", Received("{}")}};
+                    {0, "2026-11-25T04:20:00Z", "10.77.1.8", Received("{}")},
+                    {0, "2026-11-25T04:20:01Z", "fe80::1", Received("{}")}};
     session_.SetScan(scan);
-    EXPECT_EQ("10.77.1.8", session_.TargetOf({0, 1})->address);
+    EXPECT_EQ("10.77.1.8", session_.TargetOf({0, 1, 2})->address);
 }
 
 // Without a user, one that has answered over SNMPv3 is asked over SNMPv1.
