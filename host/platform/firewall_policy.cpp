@@ -16,7 +16,6 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr IID kNoId = {};  // IID_NULL
 constexpr LONG kAnyProtocol = 256;
 constexpr LONG kUdp = 17;
 
@@ -34,24 +33,10 @@ std::optional<Value> Read(Object& object, HRESULT (STDMETHODCALLTYPE Object::*ge
     return SUCCEEDED((object.*get)(&value)) ? std::optional<Value>(value) : std::nullopt;
 }
 
-std::wstring Text(INetFwRule& rule, HRESULT (STDMETHODCALLTYPE INetFwRule::*get)(BSTR*)) {
+template <class Rule>
+std::wstring Text(Rule& rule, HRESULT (STDMETHODCALLTYPE Rule::*get)(BSTR*)) {
     const Owned<ClosedBy<BSTR, SysFreeString>> value(Read(rule, get).value_or(nullptr));
     return value ? std::wstring(value.Get(), SysStringLen(value.Get())) : L"";
-}
-
-// By name, for properties that only newer systems have.
-std::wstring Text(IDispatch& object, const wchar_t* name) {
-    DISPID id = 0;
-    std::wstring nameText(name);
-    LPOLESTR names[] = {nameText.data()};
-    if (FAILED(object.GetIDsOfNames(kNoId, names, 1, LOCALE_INVARIANT, &id))) return L"";
-    Variant value;
-    DISPPARAMS none = {};
-    if (FAILED(object.Invoke(id, kNoId, LOCALE_INVARIANT, DISPATCH_PROPERTYGET, &none, &value,
-                             nullptr, nullptr)) ||
-        value.vt != VT_BSTR || !value.bstrVal)
-        return L"";
-    return {value.bstrVal, SysStringLen(value.bstrVal)};
 }
 
 bool IsAny(const std::wstring& text) { return text.empty() || text == L"*" || text == L"All"; }
@@ -72,21 +57,26 @@ bool IsConcerned(INetFwRule& rule) {
            (protocol == kUdp || protocol == kAnyProtocol);
 }
 
-// Rules of packaged apps name a package instead of a program and apply only to it.
-bool HasLimits(INetFwRule& rule, IDispatch& dispatch) {
+// Rules of packaged apps name a package instead of a program and apply only to it. Windows 7 has
+// neither them nor this interface.
+bool IsOfAppOrUsers(INetFwRule& rule) {
+    OwnedObject<INetFwRule3> newer;
+    return SUCCEEDED(rule.QueryInterface(__uuidof(INetFwRule3), Receive(newer))) &&
+           (!Text(*newer.Get(), &INetFwRule3::get_LocalAppPackageId).empty() ||
+            !Text(*newer.Get(), &INetFwRule3::get_LocalUserAuthorizedList).empty());
+}
+
+bool HasLimits(INetFwRule& rule) {
     const std::wstring remote = Text(rule, &INetFwRule::get_RemoteAddresses);
-    return !Text(rule, &INetFwRule::get_ServiceName).empty() ||
-           !Text(dispatch, L"LocalAppPackageId").empty() ||
-           !Text(dispatch, L"LocalUserAuthorizedList").empty() ||
+    return !Text(rule, &INetFwRule::get_ServiceName).empty() || IsOfAppOrUsers(rule) ||
            !IsAny(Text(rule, &INetFwRule::get_LocalPorts)) ||
            !IsAny(Text(rule, &INetFwRule::get_LocalAddresses)) ||
            !IsAny(Text(rule, &INetFwRule::get_InterfaceTypes)) ||
            (!IsAny(remote) && remote != L"LocalSubnet");
 }
 
-void AddRule(FirewallState& state, INetFwRule& rule, IDispatch& dispatch,
-             const std::string& ownPath) {
-    if (!IsConcerned(rule) || HasLimits(rule, dispatch)) return;
+void AddRule(FirewallState& state, INetFwRule& rule, const std::string& ownPath) {
+    if (!IsConcerned(rule) || HasLimits(rule)) return;
     const auto profiles = Read(rule, &INetFwRule::get_Profiles);
     const auto action = Read(rule, &INetFwRule::get_Action);
     if (!profiles || !action) return;
@@ -115,7 +105,7 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
         OwnedObject<INetFwRule> rule;
         if (item.vt == VT_DISPATCH && item.pdispVal &&
             SUCCEEDED(item.pdispVal->QueryInterface(__uuidof(INetFwRule), Receive(rule))))
-            AddRule(state, *rule.Get(), *item.pdispVal, ownPath);
+            AddRule(state, *rule.Get(), ownPath);
     }
     return true;
 }

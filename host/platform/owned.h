@@ -38,11 +38,11 @@ class Owned {
     Value value_;
 };
 
-// Of a handle that is null on failure and that this function closes.
-template <class Handle, auto kClose>
+// Of a handle that is null, or kEmpty, on failure and that this function closes.
+template <class Handle, auto kClose, auto kEmpty = nullptr>
 struct ClosedBy {
     using Value = Handle;
-    static Value Empty() noexcept { return nullptr; }
+    static Value Empty() noexcept { return kEmpty; }
     static void Close(Value value) noexcept { kClose(value); }
 };
 

@@ -7,7 +7,6 @@
 
 #include <iphlpapi.h>
 
-#include <algorithm>
 #include <memory>
 
 #include "platform/owned.h"
@@ -98,6 +97,11 @@ AdapterAddress RowOf(const IP_ADAPTER_INFO& info, const IP_ADDR_STRING& entry,
     return row;
 }
 
+template <class Address>  // of IPv4 or IPv6, in network order
+std::string AddressText(const Address& address) {
+    return IpText({reinterpret_cast<const char*>(&address), sizeof address});
+}
+
 void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
     for (const auto* entry = adapter.FirstUnicastAddress; entry; entry = entry->Next) {
         if (!entry->Address.lpSockaddr ||
@@ -106,7 +110,7 @@ void AddLinkLocal(AdapterList& list, const IP_ADAPTER_ADDRESSES& adapter) {
         sockaddr_in6 address;
         memcpy(&address, entry->Address.lpSockaddr, sizeof address);
         AdapterAddress row;
-        row.address = IpText({reinterpret_cast<const char*>(&address.sin6_addr), 16});
+        row.address = AddressText(address.sin6_addr);
         row.zone = address.sin6_scope_id;
         Describe(row, adapter);
         if (row.address.rfind("fe80", 0) == 0) list.addresses.push_back(row);
@@ -127,9 +131,7 @@ Route RouteTo(const char* ipv4Address) {
     route.target = ipv4Address;
     const auto getBestRoute = FIND(GetBestRoute);
     MIB_IPFORWARDROW row = {};
-    in_addr target = {};
-    target.s_addr = inet_addr(ipv4Address);
-    if (!getBestRoute || getBestRoute(target.s_addr, 0, &row) != NO_ERROR) return route;
+    if (!getBestRoute || getBestRoute(inet_addr(ipv4Address), 0, &row) != NO_ERROR) return route;
     const auto infos = ReadInfo();
     for (const auto* info = infos.First(); info; info = info->Next) {
         if (info->Index != row.dwForwardIfIndex) continue;
@@ -139,19 +141,13 @@ Route RouteTo(const char* ipv4Address) {
     }
     // The route may be through an adapter that is not in the list, such as the loopback.
     if (route.source.empty()) route.source = "interface " + std::to_string(row.dwForwardIfIndex);
-    in_addr gateway = {};
-    gateway.s_addr = row.dwForwardNextHop;
-    const std::string gatewayText = inet_ntoa(gateway);
+    const std::string gateway = AddressText(row.dwForwardNextHop);
     // For a route on the link this is the adapter's own address, or none.
-    if (gateway.s_addr != 0 && gatewayText != route.source) route.gateway = gatewayText;
+    if (row.dwForwardNextHop != 0 && gateway != route.source) route.gateway = gateway;
     return route;
 }
 
-struct SocketTraits {
-    using Value = SOCKET;
-    static Value Empty() noexcept { return INVALID_SOCKET; }
-    static void Close(Value value) noexcept { closesocket(value); }
-};
+using OwnedSocket = Owned<ClosedBy<SOCKET, closesocket, INVALID_SOCKET>>;
 using OwnedAddresses = Owned<ClosedBy<addrinfo*, freeaddrinfo>>;
 
 // Null if there are none.
@@ -211,17 +207,14 @@ Computer ThisComputer() {
 std::string NumericHost(const std::string& host) {
     if (host.find(':') != std::string::npos) return host;
     const OwnedAddresses list = AddressesOf(host, AF_INET);
-    char text[64] = "";
-    if (list)
-        getnameinfo(list.Get()->ai_addr, static_cast<socklen_t>(list.Get()->ai_addrlen), text,
-                    sizeof text, nullptr, 0, NI_NUMERICHOST);
-    return text[0] ? text : host;
+    if (!list) return host;
+    return AddressText(reinterpret_cast<const sockaddr_in*>(list.Get()->ai_addr)->sin_addr);
 }
 
 bool HasRoute(const std::string& address) {
     const OwnedAddresses list = AddressesOf(address, AF_UNSPEC, AI_NUMERICHOST);
     if (!list) return false;
-    const Owned<SocketTraits> probe(socket(list.Get()->ai_family, SOCK_DGRAM, 0));
+    const OwnedSocket probe(socket(list.Get()->ai_family, SOCK_DGRAM, 0));
     return probe &&
            connect(probe.Get(), list.Get()->ai_addr, static_cast<int>(list.Get()->ai_addrlen)) == 0;
 }

@@ -1,7 +1,5 @@
 #include "platform/this_process.h"
 
-#include <windows.h>
-
 #include <shellapi.h>
 
 #include <cstdint>

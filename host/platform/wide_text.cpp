@@ -6,8 +6,16 @@
 #include <utility>
 
 namespace vndiscover::host {
-
 namespace {
+
+constexpr std::pair<uint32_t, const char*> kWords[] = {
+    {ERROR_FILE_NOT_FOUND, "no such file, "},
+    {ERROR_PATH_NOT_FOUND, "no such folder, "},
+    {ERROR_ACCESS_DENIED, "access denied, "},
+    {ERROR_SHARING_VIOLATION, "another program has it open, "},
+    {ERROR_DISK_FULL, "the disk is full, "},
+    {ERROR_HANDLE_DISK_FULL, "the disk is full, "},
+    {ERROR_INVALID_NAME, "not a file name, "}};
 
 std::string Narrow(std::wstring_view wide, UINT codePage) {
     if (wide.empty()) return {};
@@ -33,19 +41,6 @@ std::wstring ToWide(std::string_view utf8) {
 std::string ToUtf8(std::wstring_view wide) { return Narrow(wide, CP_UTF8); }
 
 std::string ToAnsi(std::string_view utf8) { return Narrow(ToWide(utf8), CP_ACP); }
-
-namespace {
-
-constexpr std::pair<uint32_t, const char*> kWords[] = {
-    {ERROR_FILE_NOT_FOUND, "no such file, "},
-    {ERROR_PATH_NOT_FOUND, "no such folder, "},
-    {ERROR_ACCESS_DENIED, "access denied, "},
-    {ERROR_SHARING_VIOLATION, "another program has it open, "},
-    {ERROR_DISK_FULL, "the disk is full, "},
-    {ERROR_HANDLE_DISK_FULL, "the disk is full, "},
-    {ERROR_INVALID_NAME, "not a file name, "}};
-
-}  // namespace
 
 std::string ErrorText(uint32_t error) {
     std::string words;
