@@ -1,14 +1,12 @@
 // The processes send texts, each after its size in bytes, so that passwords leave no copies in
-// buffers. The other one first gets the logins. Then a request is "LOGIN OID ADDRESS", its answer
-// "STATUS OID TYPE SIZE BYTES NOTE", of which BYTES are hexadecimal digits after a dot.
+// buffers. The other one first gets the logins. Then a request has the lines LOGIN, OID, ADDRESS,
+// its answer STATUS, OID, TYPE, SIZE, BYTES in hexadecimal digits and NOTE, these two after a dot.
 #include "device/ask_process.h"
 
-#include <algorithm>
 #include <initializer_list>
 #include <mutex>
 #include <stdexcept>
 #include <string_view>
-#include <utility>
 
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -16,6 +14,8 @@
 
 namespace vndiscover::host {
 namespace {
+
+constexpr char kLineEnd[] = "\n";
 
 template <class Text>  // of narrow or wide characters
 bool Send(HANDLE pipe, const Text& text) {
@@ -74,28 +74,22 @@ Login ReceiveLogin(HANDLE pipe) {
 }
 
 std::string TextOf(const Answer& answer) {
-    return std::to_string(static_cast<int>(answer.status)) + " " + OidToText(answer.oid) + " " +
-           std::to_string(answer.type) + " " + std::to_string(answer.wholeSize) + " ." +
-           HexText(answer.bytes, "") + " " + answer.note;
-}
-
-// The text up to a blank, which is removed with it.
-std::string RemoveWord(std::string& rest) {
-    const size_t size = std::min(rest.find(' '), rest.size());
-    std::string word = rest.substr(0, size);
-    rest.erase(0, size + 1);
-    return word;
+    return Joined({std::to_string(static_cast<int>(answer.status)), OidToText(answer.oid),
+                   std::to_string(answer.type), std::to_string(answer.wholeSize),
+                   "." + HexText(answer.bytes, ""), "." + answer.note},
+                  kLineEnd);
 }
 
 // Throws std::logic_error if the text is no answer.
-Answer AnswerOf(std::string text) {
+Answer AnswerOf(const std::string& text) {
+    const std::vector<std::string> lines = SplitText(text, kLineEnd);
     Answer answer;
-    answer.status = static_cast<Status>(std::stoul(RemoveWord(text)));
-    answer.oid = ParseOid(RemoveWord(text)).value_or(Oid());
-    answer.type = static_cast<uint32_t>(std::stoul(RemoveWord(text)));
-    answer.wholeSize = std::stoul(RemoveWord(text));
-    answer.bytes = ParseHex(RemoveWord(text).substr(1)).value_or("");
-    answer.note = std::move(text);
+    answer.status = static_cast<Status>(std::stoul(lines.at(0)));
+    answer.oid = ParseOid(lines.at(1)).value_or(Oid());
+    answer.type = static_cast<uint32_t>(std::stoul(lines.at(2)));
+    answer.wholeSize = std::stoul(lines.at(3));
+    answer.bytes = ParseHex(lines.at(4).substr(1)).value_or("");
+    answer.note = lines.at(5).substr(1);
     return answer;
 }
 
@@ -156,8 +150,8 @@ void ReaderProcess::End() {
 }
 
 Answer ReaderProcess::GetNext(size_t login, const std::string& address, const Oid& oid) try {
-    isAlive_ = isAlive_ &&
-               Send(toProcess_.Get(), std::to_string(login) + " " + OidToText(oid) + " " + address);
+    isAlive_ = isAlive_ && Send(toProcess_.Get(),
+                                Joined({std::to_string(login), OidToText(oid), address}, kLineEnd));
     if (isAlive_) return AnswerOf(Receive<std::string>(fromProcess_.Get()));
     return Failed(Status::kSendFailed, oid);
 } catch (const std::exception&) {
@@ -180,10 +174,9 @@ void ServeReader() try {
         logins.push_back(ReceiveLogin(input));
     OwnReader reader(std::move(logins));
     for (;;) {
-        auto request = Receive<std::string>(input);
-        const size_t login = std::stoul(RemoveWord(request));
-        const Oid oid = ParseOid(RemoveWord(request)).value_or(Oid());
-        Send(output, TextOf(reader.GetNext(login, request, oid)));
+        const auto lines = SplitText(Receive<std::string>(input), kLineEnd);
+        const Oid oid = ParseOid(lines.at(1)).value_or(Oid());
+        Send(output, TextOf(reader.GetNext(std::stoul(lines.at(0)), lines.at(2), oid)));
     }
 } catch (const std::exception&) {  // the other process sees that this one has ended
 }

@@ -46,12 +46,19 @@ Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
     return answer;
 }
 
+// The last arguments of these exports are the user's.
+template <class Export, class... Arguments>
+auto CallV3(const Security& user, Export call, Arguments... arguments) {
+    return call(arguments..., user.user.c_str(), user.useAuth, user.authPassword.Get(),
+                user.usePriv, user.privPassword.Get(), user.authLabel.c_str(),
+                user.privLabel.c_str());
+}
+
 template <class Export, class... Result>
 int32_t AskV3(const Security& user, Export ask, const char* host, const Oid& oid,
               Result... result) {
-    return ask(host, OidToText(oid).c_str(), result..., kUnusedTimeoutMs, kUnusedRetries,
-               user.user.c_str(), user.useAuth, user.authPassword.Get(), user.usePriv,
-               user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
+    return CallV3(user, ask, host, OidToText(oid).c_str(), result..., kUnusedTimeoutMs,
+                  kUnusedRetries);
 }
 
 bool NeedsZone(const std::string& host) {
@@ -203,24 +210,6 @@ std::optional<std::string> Device::Information() const {
     return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
 }
 
-namespace {
-
-void RunV3(HWND window, UINT message, const SnmpSweep& sweep) {
-    const Security& user = *sweep.security;
-    const auto run = [&](auto discover, auto... request) {
-        discover(window, message, kUnusedSweepTimeoutMs, sweep.useIPv6, request...,
-                 user.user.c_str(), user.useAuth, user.authPassword.Get(), user.usePriv,
-                 user.privPassword.Get(), user.authLabel.c_str(), user.privLabel.c_str());
-    };
-    if (sweep.request.empty()) {
-        run(DiscoverSnmpV3);
-    } else {
-        run(DiscoverV3DevicesByOIDjson, sweep.request.c_str());
-    }
-}
-
-}  // namespace
-
 SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6) {
     SnmpSweep sweep;
     sweep.useIPv6 = useIPv6;
@@ -237,8 +226,12 @@ bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
     const ULONGLONG startMs = GetTickCount64();
     const bool hasRequest = !sweep.request.empty();
     const auto discover = hasRequest ? DiscoverDevicesByOIDjson : DiscoverDevicesByOID;
-    if (sweep.security) {
-        RunV3(window, message, sweep);
+    if (sweep.security && hasRequest) {
+        CallV3(*sweep.security, DiscoverV3DevicesByOIDjson, window, message, kUnusedSweepTimeoutMs,
+               sweep.useIPv6, sweep.request.c_str());
+    } else if (sweep.security) {
+        CallV3(*sweep.security, DiscoverSnmpV3, window, message, kUnusedSweepTimeoutMs,
+               sweep.useIPv6);
     } else {
         discover(window, message, kUnusedSweepTimeoutMs, sweep.useIPv6,
                  (hasRequest ? sweep.request : sweep.oid).c_str(), sweep.resultPath.c_str(),

@@ -33,8 +33,6 @@ class FleetReaders {
     FleetReaders(Fleet& fleet, std::mutex& mutex, Work work)
         : fleet_(fleet), mutex_(mutex), work_(std::move(work)) {}
     ~FleetReaders();  // stops and waits
-    FleetReaders(const FleetReaders&) = delete;
-    FleetReaders& operator=(const FleetReaders&) = delete;
 
     // Call once. Starts at most `most` threads, each for two devices at least. Returns false if
     // none was started.

@@ -212,8 +212,6 @@ class SessionEnd {
         SetEvent(over_.Get());
         thread_.join();
     }
-    SessionEnd(const SessionEnd&) = delete;
-    SessionEnd& operator=(const SessionEnd&) = delete;
 
     std::optional<LRESULT> OnMessage(HWND, UINT message, WPARAM wParam, LPARAM) {
         if (message == WM_QUERYENDSESSION) return TRUE;

@@ -55,8 +55,6 @@ class CompletionGuard {
     // one.
     explicit CompletionGuard(std::function<void()> save = nullptr);
     ~CompletionGuard();
-    CompletionGuard(const CompletionGuard&) = delete;
-    CompletionGuard& operator=(const CompletionGuard&) = delete;
 
   private:
     std::unique_ptr<SessionEnd> sessionEnd_;  // null: there is nothing to save
