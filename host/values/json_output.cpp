@@ -1,7 +1,5 @@
 #include "values/json_output.h"
 
-#include "values/text.h"
-
 namespace vndiscover::host {
 
 void AddText(cJSON* object, const char* name, std::string_view bytes) {

@@ -95,11 +95,7 @@ size_t RequestOctets(const Oid& oid) {
 bool FitsRequest(const Oid& oid) { return oid.size() >= 2 && RequestOctets(oid) <= kRequestOidMax; }
 
 Oid JustBefore(Oid oid) {
-    if (oid.back() == 0) {
-        oid.pop_back();
-    } else {
-        --oid.back();
-    }
+    if (oid.back()-- == 0) oid.pop_back();
     return oid;
 }
 

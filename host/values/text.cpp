@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstddef>
 
 #include "values/ranges.h"
 
@@ -27,14 +26,13 @@ std::string Joined(const std::vector<std::string>& texts, std::string_view separ
 
 std::vector<std::string> SplitText(std::string_view text, std::string_view separators) {
     std::vector<std::string> parts;
-    while (true) {
-        const size_t start = text.find_first_not_of(separators);
-        if (start == std::string_view::npos) return parts;
-        text.remove_prefix(start);
-        const size_t end = std::min(text.find_first_of(separators), text.size());
-        parts.emplace_back(text.substr(0, end));
-        text.remove_prefix(end);
+    size_t start = text.find_first_not_of(separators);
+    while (start != std::string_view::npos) {
+        const size_t end = std::min(text.find_first_of(separators, start), text.size());
+        parts.emplace_back(text.substr(start, end - start));
+        start = text.find_first_not_of(separators, end);
     }
+    return parts;
 }
 
 std::string HexText(std::string_view bytes, std::string_view separator) {
@@ -126,8 +124,7 @@ bool IsUtf8(std::string_view text) {
 }
 
 std::string_view WithoutZeroEnd(std::string_view bytes) {
-    while (!bytes.empty() && bytes.back() == '\0') bytes.remove_suffix(1);
-    return bytes;
+    return bytes.substr(0, bytes.find_last_not_of('\0') + 1);
 }
 
 bool StartsFormula(std::string_view text) {

@@ -129,10 +129,8 @@ std::string SpeedText(uint64_t bitsPerSecond) {
 }
 
 std::string TypeName(uint32_t type) {
-    for (const auto& [known, name] : kTypes) {
-        if (known == type) return name;
-    }
-    return "type 0x" + HexText(std::string(1, static_cast<char>(type)), "");
+    const auto* known = FindIf(kTypes, [&](const auto& one) { return one.first == type; });
+    return known ? known->second : "type 0x" + HexText({reinterpret_cast<char*>(&type), 1}, "");
 }
 
 bool IsNoValue(uint32_t type) {

@@ -70,10 +70,7 @@ bool Is(pugi::xml_node node, std::string_view local,
 
 pugi::xml_node Child(pugi::xml_node parent, std::string_view local,
                      std::initializer_list<const char*> namespaces) {
-    for (const pugi::xml_node child : parent.children()) {
-        if (Is(child, local, namespaces)) return child;
-    }
-    return {};
+    return parent.find_child([&](pugi::xml_node child) { return Is(child, local, namespaces); });
 }
 
 std::string ShownType(pugi::xml_node at, const std::string& word) {

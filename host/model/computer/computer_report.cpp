@@ -1,7 +1,6 @@
 #include "model/computer/computer_report.h"
 
 #include <set>
-#include <string>
 #include <utility>
 
 #include "values/ip_address.h"
