@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <map>
 
-#include "device/security.h"
-#include "platform/console.h"
 #include "platform/this_computer.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
@@ -27,7 +25,7 @@ void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing) {
     if (isStopped) {
         Warn("stopped");
     } else if (found == 0) {
-        Warn(nothing + kDoctorHint);
+        Warn(nothing + ": 'vndiscover doctor' looks for the cause");
     }
 }
 
@@ -64,25 +62,8 @@ CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, co
     return command;
 }
 
-void AddDeviceV3(CLI::App& command, DeviceOptions& options) {
-    AddV3Options(command, options.v3);
-    command.get_option("--v3")->excludes(command.get_option("--community"));
-}
-
 void WarnIfUnknown(const std::string& host) {
     if (!HasAddress(host)) Warn("'" + host + "' is not an address, nor a name that has one");
-}
-
-Device OpenDevice(const DeviceOptions& options) {
-    if (!options.v3.isOn) CheckRequest("--community", options.community, kSystem);
-    const Device device({options.community, ResolveSecurity(options.v3)}, options.host);
-    WarnIfUnknown(options.host);
-    return device;
-}
-
-int ExitCodeOf(Status status) {
-    if (status == Status::kSendFailed) return kSendFailed;
-    return status == Status::kAnswered ? kFound : kNone;
 }
 
 namespace {

@@ -1,5 +1,6 @@
 // The commands. Each adds itself to the command line, runs while it is parsed, and leaves the
 // process's exit code. Wrong usage that is found only then is thrown as CLI::ValidationError.
+// This header includes what all of them use.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -17,8 +18,6 @@
 
 namespace vndiscover::host {
 
-// Ends the message of a sweep that found nothing.
-constexpr char kDoctorHint[] = ": 'vndiscover doctor' looks for the cause";
 constexpr char kNothingSent[] = "no request could be sent";
 constexpr char kAskOtherwise[] =
     ". 'vndiscover printers' and 'vndiscover sweep -c public -o sysName.0' ask otherwise";
@@ -32,14 +31,12 @@ std::function<std::string()> StatusOf(const std::atomic<size_t>& count, const ch
 // Tells at the end of a sweep that it was stopped, or why it found nothing.
 void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing);
 
-void AddPrintersCommand(CLI::App& app, int& exitCode);   // printers
-void AddSweepCommand(CLI::App& app, int& exitCode);      // sweep
-void AddDirectedCommands(CLI::App& app, int& exitCode);  // get, getnext, set, walk, info
-void AddPrinterCommand(CLI::App& app, int& exitCode);    // printer
-void AddCompareCommand(CLI::App& app, int& exitCode);    // compare
-void AddWsdCommand(CLI::App& app, int& exitCode);        // wsd
-void AddReachCommands(CLI::App& app, int& exitCode);     // ping, ipv6
-void AddDoctorCommand(CLI::App& app, int& exitCode);     // doctor
+void AddPrintersCommand(CLI::App& app, int& exitCode);    // printers
+void AddSweepCommand(CLI::App& app, int& exitCode);       // sweep
+void AddDirectedCommands(CLI::App& app, int& exitCode);   // get, getnext, set, walk, info, printer
+void AddCompareCommand(CLI::App& app, int& exitCode);     // compare
+void AddWsdCommand(CLI::App& app, int& exitCode);         // wsd
+void AddDiagnosisCommands(CLI::App& app, int& exitCode);  // ping, ipv6, doctor
 
 // For texts that an unset variable of a script would leave empty: "" is wrong usage.
 inline CLI::Option* MustNotBeEmpty(CLI::Option* option) {
@@ -78,15 +75,7 @@ struct DeviceOptions {
 CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
                            DeviceOptions& options);
 
-// Adds the SNMPv3 options, which exclude --community.
-void AddDeviceV3(CLI::App& command, DeviceOptions& options);
-
 // For a host that is neither an address nor a name with one: "no answer" alone would not tell.
 void WarnIfUnknown(const std::string& host);
-
-// Does so too. Throws CLI::ValidationError. May prompt for passwords.
-Device OpenDevice(const DeviceOptions& options);
-
-int ExitCodeOf(Status status);
 
 }  // namespace vndiscover::host

@@ -1,14 +1,14 @@
+#include <vndiscover.h>
+
 #include <cjson/cJSON.h>
 
 #include "cli/commands.h"
 #include "cli/variable_writer.h"
-#include "model/asking/answer.h"
 #include "model/asking/walk.h"
 #include "model/scan/scan.h"
-#include "platform/console.h"
 #include "values/object_names.h"
-#include "values/oid_text.h"
 #include "values/text.h"
+#include "values/utc_time.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
@@ -76,12 +76,44 @@ Examples:
 
 Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
 
+constexpr char kPrinterExamples[] =
+    R"(Reads the standard variables of a printer and explains them: model, serial
+number, state, alerts, page counts, supplies, trays, network interfaces. "!!"
+marks what is critical, "!" what needs attention. What the device does not
+provide is left out; what could not be read is listed with the reason. A device
+that stops answering is not asked any further; no request is sent after the
+first two minutes.
+
+Examples:
+  vndiscover printer 192.168.1.20
+  vndiscover printer 192.168.1.20 --community public --format json
+  vndiscover printer 192.168.1.20 --v3 -u admin -a SHA256 -x AES
+
+Exit codes: 0 a printer, read completely, 1 no answer, no printer or cut short,
+2 wrong usage, 3 a request could not be sent.)";
+
+constexpr char kNamesHelp[] = "Show names, and words for numbers and bits";
+
 struct Options : DeviceOptions {
     std::string root = ".1.3.6.1.2.1", oid, type, value, writeCommunity;
     std::vector<std::string> oids;
     bool mustVerify = false;
     bool withNames = false;
+    bool isVerbose = false;
 };
+
+// Throws CLI::ValidationError. May prompt for passwords.
+Device OpenDevice(const Options& options) {
+    if (!options.v3.isOn) CheckRequest("--community", options.community, kSystem);
+    const Device device({options.community, ResolveSecurity(options.v3)}, options.host);
+    WarnIfUnknown(options.host);
+    return device;
+}
+
+int ExitCodeOf(Status status) {
+    if (status == Status::kSendFailed) return kSendFailed;
+    return status == Status::kAnswered ? kFound : kNone;
+}
 
 Oid ParsedOid(const char* argument, const std::string& text) {
     const auto oid = ParseOidOrName(text);
@@ -127,6 +159,9 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     Print(writer.End());
     return exitCode;
 }
+
+int RunGet(const Options& options) { return RunEach(options, &Device::Get); }
+int RunGetNext(const Options& options) { return RunEach(options, &Device::GetNext); }
 
 int Verify(const Device& device, const Oid& oid, const SetValue& value) {
     const Answer answer = device.Get(oid);
@@ -220,44 +255,85 @@ int RunInfo(const Options& options) {
     return kNone;
 }
 
-void AddNames(CLI::App& command, Options& options) {
-    command.add_flag("-n,--names", options.withNames, "Show names, and words for numbers and bits");
+int RunPrinter(const Options& options) {
+    const Device device = OpenDevice(options);
+    PrinterAnswers answers;
+    {
+        std::atomic<size_t> requests{0};
+        const SweepWatch watch(StopDiscoverSnmp, [&] {
+            return "reading " + options.host + ": " + std::to_string(requests) + " requests";
+        });
+        Asker asker = AskerOf(device);
+        asker.mayGoOn = [&] {  // called before each request
+            ++requests;
+            return !watch.IsStopped();
+        };
+        answers = ReadInterfaces(asker, ReadPrinter(asker));
+    }
+    if (answers.values.empty()) {
+        Warn(options.host + ": " +
+             (answers.gaps.empty() ? "no values" : answers.gaps.front().reason));
+        if (options.format == Format::kJson) Print(PrinterJson(FactsOf(answers), options.host));
+        return std::max<int>(kNone, ExitCodeOf(answers.lastStatus));
+    }
+    PrinterFacts facts = FactsOf(answers);
+    facts.readTime = facts.upTicksTime = UtcNow();
+    const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
+    Report report = ReportOf(facts, context);
+    report.push_back(InterfaceSection(facts));
+    TextStyle style = OutputStyle();
+    style.hasDetails = options.isVerbose;
+    Print(options.format == Format::kJson ? PrinterJson(facts, options.host)
+                                          : ReportText(report, style));
+    if (answers.lastStatus != Status::kAnswered) {
+        Warn("the report is cut short: " + options.host + " was not asked any further");
+        return ExitCodeOf(answers.lastStatus);
+    }
+    if (!facts.deviceIndex) Warn(options.host + " answers, but has no printer among its devices");
+    return facts.deviceIndex ? kFound : kNone;
 }
 
 }  // namespace
 
 void AddDirectedCommands(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<Options>();  // shared, since only one command runs
-    for (const auto& [name, help, footer, ask] :
-         {std::tuple("get", "Read values of one device", kGetExamples, &Device::Get),
-          {"getnext", "Read the values that follow OIDs", kGetNextExamples, &Device::GetNext}}) {
-        CLI::App* get = AddDeviceCommand(app, name, help, footer, *options);
+    const auto add = [&](const char* name, const char* help, const char* footer, auto run) {
+        CLI::App* command = AddDeviceCommand(app, name, help, footer, *options);
+        command->callback([options, run, &exitCode] { exitCode = run(*options); });
+        return command;
+    };
+    const auto addV3 = [&](CLI::App& command) {
+        AddV3Options(command, options->v3);
+        command.get_option("--v3")->excludes(command.get_option("--community"));
+    };
+    for (const auto& [name, help, footer, run] :
+         {std::tuple("get", "Read values of one device", kGetExamples, &RunGet),
+          {"getnext", "Read the values that follow OIDs", kGetNextExamples, &RunGetNext}}) {
+        CLI::App* get = add(name, help, footer, run);
         get->add_option("OID", options->oids, "Numeric, or a name")->required();
-        AddNames(*get, *options);
-        AddDeviceV3(*get, *options);
-        get->callback([options, ask = ask, &exitCode] { exitCode = RunEach(*options, ask); });
+        get->add_flag("-n,--names", options->withNames, kNamesHelp);
+        addV3(*get);
     }
 
-    CLI::App* walk =
-        AddDeviceCommand(app, "walk", "Read a subtree of one device", kWalkExamples, *options);
+    CLI::App* walk = add("walk", "Read a subtree of one device", kWalkExamples, RunWalk);
     walk->add_option("ROOT", options->root, "Where to start [.1.3.6.1.2.1]");
-    AddNames(*walk, *options);
-    AddDeviceV3(*walk, *options);
-    walk->callback([options, &exitCode] { exitCode = RunWalk(*options); });
+    walk->add_flag("-n,--names", options->withNames, kNamesHelp);
+    addV3(*walk);
 
-    CLI::App* set =
-        AddDeviceCommand(app, "set", "Write one value of one device", kSetExamples, *options);
+    CLI::App* set = add("set", "Write one value of one device", kSetExamples, RunSet);
     set->add_option("OID", options->oid, "What to write: numeric, or a name")->required();
     set->add_option("TYPE", options->type, "Its type, see below")->required();
     set->add_option("VALUE", options->value, "The value; null takes none");
     set->add_option("-w,--write-community", options->writeCommunity, "Write community [sesame]")
         ->type_name("NAME");
     set->add_flag("--verify", options->mustVerify, "Read the value back, with --community");
-    set->callback([options, &exitCode] { exitCode = RunSet(*options); });
 
-    CLI::App* info =
-        AddDeviceCommand(app, "info", "Show a device's information text", kInfoExamples, *options);
-    info->callback([options, &exitCode] { exitCode = RunInfo(*options); });
+    add("info", "Show a device's information text", kInfoExamples, RunInfo);
+
+    CLI::App* printer =
+        add("printer", "Show a printer's state and supplies", kPrinterExamples, RunPrinter);
+    printer->add_flag("--verbose", options->isVerbose, "Name the objects that were not read");
+    addV3(*printer);
 }
 
 }  // namespace vndiscover::host

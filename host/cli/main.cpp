@@ -3,11 +3,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
 #include "cli/commands.h"
 #include "device/ask_process.h"
-#include "platform/console.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 
@@ -34,11 +32,9 @@ void BuildCommandLine(CLI::App& app, int& exitCode) {
     AddPrintersCommand(app, exitCode);
     AddSweepCommand(app, exitCode);
     AddDirectedCommands(app, exitCode);
-    AddPrinterCommand(app, exitCode);
     AddWsdCommand(app, exitCode);
     AddCompareCommand(app, exitCode);
-    AddReachCommands(app, exitCode);
-    AddDoctorCommand(app, exitCode);
+    AddDiagnosisCommands(app, exitCode);
     app.footer("'vndiscover COMMAND --help' shows details and examples.");
 }
 
@@ -80,12 +76,11 @@ int Run() {
     return exitCode;
 }
 
-void IgnoreInvalidParameter(const wchar_t*, const wchar_t*, const wchar_t*, unsigned, uintptr_t) {}
-
 int Main() {
     // A device may answer a set request with more bytes than were sent. The C runtime refuses to
     // copy them and calls this handler, whose default ends the process. Set checks the length.
-    _set_invalid_parameter_handler(IgnoreInvalidParameter);
+    _set_invalid_parameter_handler(
+        [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned, uintptr_t) {});
     const ConsoleSession console;
     try {
         const int exitCode = Run();

@@ -6,8 +6,6 @@
 
 #include "cli/commands.h"
 #include "cli/printer_finder.h"
-#include "model/scan/device_writer.h"
-#include "platform/console.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
 #include "values/text.h"

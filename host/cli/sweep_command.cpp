@@ -1,16 +1,11 @@
 #include <vndiscover.h>
 
-#include <atomic>
 #include <cstdio>
 #include <stdexcept>
 
 #include "cli/commands.h"
-#include "cli/scan_keeper.h"
-#include "device/device.h"
+#include "cli/saved_scans.h"
 #include "model/asking/json_request.h"
-#include "model/scan/device_writer.h"
-#include "model/scan/scan.h"
-#include "platform/console.h"
 #include "platform/owned.h"
 #include "platform/result_window.h"
 #include "platform/saved_file.h"

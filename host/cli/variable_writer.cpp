@@ -9,10 +9,6 @@
 namespace vndiscover::host {
 namespace {
 
-std::string NoValueLine(uint32_t type) {
-    return type == kNull ? "no value" : "no value (" + TypeName(type) + ")";
-}
-
 // Bits and addresses are not text, even if all of their bytes are letters.
 bool IsBinary(const Answer& answer) {
     return answer.type == kOctetString && host::IsBinary(answer.oid);
@@ -32,15 +28,14 @@ void AddValue(cJSON* element, const Answer& answer) {
     } else {
         AddText(element, "value", FormatValue(answer.type, answer.bytes));
     }
-    if (answer.wholeSize > answer.bytes.size()) {
-        AddNumber(element, "wholeSize", std::to_string(answer.wholeSize));
-    }
+    if (answer.wholeSize > answer.bytes.size()) AddNumber(element, "wholeSize", answer.wholeSize);
 }
 
 }  // namespace
 
 std::string VariableWriter::TextLine(const Answer& answer) const {
-    if (IsNoValue(answer.type)) return NoValueLine(answer.type);
+    if (answer.type == kNull) return "no value";
+    if (IsNoValue(answer.type)) return "no value (" + TypeName(answer.type) + ")";
     std::string line = TypeName(answer.type) + ": ";
     line += answer.bytes.empty() ? "\"\""
             : withNames_         ? FormatNamedValue(answer.oid, answer.type, answer.bytes)

@@ -1,12 +1,9 @@
 #include <windows.h>
 
-#include <atomic>
 #include <cstring>
 
 #include "cli/commands.h"
-#include "cli/scan_keeper.h"
-#include "device/device.h"
-#include "platform/console.h"
+#include "cli/saved_scans.h"
 #include "platform/result_window.h"
 #include "values/ranges.h"
 #include "values/text.h"

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "cli/scan_keeper.h"
+#include "cli/saved_scans.h"
 #include "cli/variable_writer.h"
 #include "device/security.h"
 #include "model/scan/scan_file.h"

@@ -1,17 +1,13 @@
 #include <vndiscover.h>
 
 #include "cli/commands.h"
-#include "device/device.h"
-#include "model/computer/computer_report.h"
-#include "model/printer/report.h"
-#include "model/scan/device_writer.h"
-#include "platform/console.h"
 #include "platform/this_computer.h"
+#include "platform/wide_text.h"
 
 namespace vndiscover::host {
 namespace {
 
-constexpr char kExamples[] =
+constexpr char kDoctorExamples[] =
     R"(Without HOST nothing is sent: the report shows the addresses that a sweep uses,
 in its order, the routes of its broadcast and multicast, whether the Windows
 firewall lets answers in, and the log switches.
@@ -31,6 +27,20 @@ Exit codes: 0 no reason found here, or the device answers (with --v3 that user,
 otherwise this community), 1 a reason was found, also one that keeps only sweeps
 from finding it, or it does not answer, 2 wrong usage, 3 the requests could not
 be sent.)";
+
+constexpr char kPingExamples[] =
+    R"(An IPv4 address in dotted form is pinged over IPv4, an IPv6 address or a host
+name over IPv6.
+
+Examples:
+  vndiscover ping 192.168.1.20
+  vndiscover ping fe80::215:99ff:fe01:203 --timeout 3000
+
+Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
+
+constexpr char kIPv6Examples[] = R"(Nothing is sent.
+
+Exit codes: 0 supported, 1 not supported.)";
 
 int RunOnComputer(const DeviceOptions& options) {
     const ComputerReport computer = ReportOn(ThisComputer());
@@ -86,12 +96,39 @@ int RunOnHost(const DeviceOptions& options) {
     return IsUsable(diagnosis) ? kFound : kNone;
 }
 
-}  // namespace
+struct PingOptions {
+    std::string host;
+    unsigned timeoutMs = kPingTimeoutMs;
+};
 
-void AddDoctorCommand(CLI::App& app, int& exitCode) {
+int RunPing(const PingOptions& options) {
+    WarnIfUnknown(options.host);
+    const bool hasAnswered = VxPing(ToAnsi(options.host).c_str(), options.timeoutMs) != 0;
+    Print(options.host + (hasAnswered ? " answered\n" : ": no answer\n"));
+    return hasAnswered ? kFound : kNone;
+}
+
+int RunIPv6() {
+    const bool isSupported = IsIPv6Supported() != 0;
+    Print(isSupported ? "IPv6 is supported\n" : "IPv6 is not supported\n");
+    return isSupported ? kFound : kNone;
+}
+
+void AddPing(CLI::App& app, int& exitCode) {
+    CLI::App* ping = app.add_subcommand("ping", "Send one ICMP echo request");
+    auto options = std::make_shared<PingOptions>();
+    MustNotBeEmpty(ping->add_option("HOST", options->host, "Address of the host")->required());
+    ping->add_option("--timeout", options->timeoutMs, "Milliseconds to wait for the answer [2000]")
+        ->type_name("MS")
+        ->check(CLI::Range(1u, 60000u).description(""));
+    ping->footer(kPingExamples);
+    ping->callback([options, &exitCode] { exitCode = RunPing(*options); });
+}
+
+void AddDoctor(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<DeviceOptions>();
     CLI::App* command = AddDeviceCommand(
-        app, "doctor", "Find out why no device, or this one, answers", kExamples, *options);
+        app, "doctor", "Find out why no device, or this one, answers", kDoctorExamples, *options);
     CLI::Option* host = command->get_option("HOST");
     host->required(false)->description("Address of the device [this computer only]");
     command->get_option("--community")->needs(host);
@@ -101,6 +138,16 @@ void AddDoctorCommand(CLI::App& app, int& exitCode) {
     command->callback([options, &exitCode] {
         exitCode = options->host.empty() ? RunOnComputer(*options) : RunOnHost(*options);
     });
+}
+
+}  // namespace
+
+void AddDiagnosisCommands(CLI::App& app, int& exitCode) {
+    AddPing(app, exitCode);
+    CLI::App* ipv6 = app.add_subcommand("ipv6", "Show whether this computer supports IPv6");
+    ipv6->footer(kIPv6Examples);
+    ipv6->callback([&exitCode] { exitCode = RunIPv6(); });
+    AddDoctor(app, exitCode);
 }
 
 }  // namespace vndiscover::host

@@ -1,16 +1,12 @@
-// --save and --append: saves the answers of this run to a file.
+// Files of scans: --save and --append save the answers of this run, compare shows what has changed.
 #pragma once
 
 #include <mutex>
 #include <optional>
-#include <string>
 #include <unordered_map>
-#include <vector>
 
 #include "cli/commands.h"
-#include "device/device.h"
 #include "model/scan/scan_file.h"
-#include "platform/console.h"
 
 namespace vndiscover::host {
 

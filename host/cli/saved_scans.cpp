@@ -1,4 +1,4 @@
-#include "cli/scan_keeper.h"
+#include "cli/saved_scans.h"
 
 #include <vndiscover.h>
 
@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "model/scan/device_merge.h"
-#include "platform/console.h"
+#include "model/scan/scan_report.h"
 #include "platform/saved_file.h"
 #include "values/utc_time.h"
 
@@ -28,6 +28,39 @@ Scan LoadScan(const std::string& path, const std::string& option) {
 }
 
 namespace {
+
+constexpr char kExamples[] =
+    R"(Compares two files made by --save: shows devices that are new, gone, or changed
+in address, name, firmware text, state, errors, alerts or supplies, from one
+percentage point. Page counts are shown, but without --page-counts do not count
+as differences. A device is identified by its serial number, otherwise by its
+MAC address, WS-Discovery endpoint or address. What only one of the files
+contains does not count as a change. Nothing is sent.
+
+Examples:
+  vndiscover sweep --save monday.json
+  vndiscover compare monday.json tuesday.json
+  vndiscover compare monday.json tuesday.json --format json
+
+Exit codes: 0 no difference, 1 differences, 2 wrong usage or a file that cannot
+be read.)";
+
+struct CompareOptions {
+    std::string before, after;
+    bool withPageCounts = false;
+    Format format = Format::kText;
+};
+
+int RunCompare(const CompareOptions& options) {
+    std::vector<FoundDevice> before = MakeDevices(LoadScan(options.before, "OLD"));
+    Comparison comparison =
+        CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
+    comparison.beforeName = options.before;
+    comparison.afterName = options.after;
+    Print(options.format == Format::kJson ? ComparisonJson(comparison)
+                                          : ReportText(ReportOf(comparison), OutputStyle()));
+    return comparison.IsEqual(options.withPageCounts) ? kFound : kNone;
+}
 
 // "monday.json.2"
 std::string UnusedPath(const std::string& path) {
@@ -56,6 +89,21 @@ std::optional<std::string> Appended(const std::string& path, const Scan& more,
 
 }  // namespace
 
+void AddCompareCommand(CLI::App& app, int& exitCode) {
+    CLI::App* command = app.add_subcommand("compare", "Show what has changed between two scans");
+    auto options = std::make_shared<CompareOptions>();
+    const auto add = [&](const char* name, std::string& path, const char* help) {
+        MustNotBeEmpty(command->add_option(name, path, help)->required());
+    };
+    add("OLD", options->before, "File of the earlier scan");
+    add("NEW", options->after, "File of the later scan");
+    command->add_flag("--page-counts", options->withPageCounts,
+                      "Count other page counts as differences");
+    AddFormat(*command, options->format);
+    command->footer(kExamples);
+    command->callback([options, &exitCode] { exitCode = RunCompare(*options); });
+}
+
 ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
     if (!IsOn()) return;
     std::string problem;
@@ -82,11 +130,7 @@ void ScanKeeper::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
 }
 
 void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
-    if (!IsOn()) return;
-    ScanAnswer answer;
-    answer.address = address;
-    answer.answer = Received(bytes);
-    AddAnswer(std::move(answer));
+    if (IsOn()) AddAnswer({0, "", address, Received(bytes)});
 }
 
 // One address may flood half of the room, but not take it from others.
