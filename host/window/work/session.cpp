@@ -198,7 +198,10 @@ void Session::AdoptAdded() {
 }
 
 const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
-    return FindIf(devices_, [&](const auto& device) { return device.answers == row.answers; });
+    const auto found = std::lower_bound(
+        devices_.begin(), devices_.end(), row.answers,
+        [](const FoundDevice& device, const auto& answers) { return device.answers < answers; });
+    return found != devices_.end() && found->answers == row.answers ? &*found : nullptr;
 }
 
 PrinterLine Session::LineOf(const DeviceRow& row) const {
