@@ -31,7 +31,7 @@ void Panes::RestoreSettings() {
     DeviceList::SetDefaults(settings);
     // A script gets the same sweep whatever settings a user has saved.
     if (state_.options.exit) DeviceList::SetForScripts(settings);
-    if (!state_.options.exit) settings = LoadSettings().value_or(settings);
+    if (!state_.options.exit) settings = LoadSettings(settings).value_or(settings);
     bar.Restore(settings);
     split_ = settings.splitPercent * 10;
     state_.session.SetLimits({settings.lowPercent});

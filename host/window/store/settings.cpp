@@ -5,9 +5,11 @@
 #include <dpapi.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
 #include <cwchar>
 #include <iterator>
+#include <numeric>
+#include <utility>
 
 #include "platform/owned.h"
 
@@ -146,12 +148,26 @@ bool IsValid(const Settings& settings) {
 
 }  // namespace
 
-std::optional<Settings> LoadSettings() {
-    Settings settings;
+std::optional<Settings> LoadSettings(const Settings& defaults) {
+    constexpr size_t kColumns = offsetof(Settings, widths), kRest = offsetof(Settings, hidden);
+    constexpr size_t kOthers = kColumns + sizeof(Settings) - kRest;
     const auto bytes = ReadValue(kBrowserKey, kViewValue);
-    if (!bytes || bytes->size() != sizeof settings) return std::nullopt;
-    std::memcpy(&settings, bytes->data(), sizeof settings);
-    if (!IsValid(settings)) return std::nullopt;
+    if (!bytes || bytes->size() < kOthers || bytes->size() > sizeof(Settings)) return std::nullopt;
+    // A former version had fewer columns. The others come after them, hidden or not as by default.
+    const size_t widths = (bytes->size() - kOthers) / 2, count = widths / sizeof(int32_t);
+    Settings settings = defaults;
+    std::iota(settings.order.begin(), settings.order.end(), 0);
+    const BYTE* kept = bytes->data();
+    for (const auto& [place, size] : {std::pair(size_t{0}, kColumns),
+                                      {kColumns, widths},
+                                      {offsetof(Settings, order), widths},
+                                      {kRest, sizeof(Settings) - kRest}}) {
+        std::copy_n(kept, size, reinterpret_cast<BYTE*>(&settings) + place);
+        kept += size;
+    }
+    settings.hidden |= defaults.hidden >> count << count;
+    if (bytes->size() != kOthers + 2 * count * sizeof(int32_t) || !IsValid(settings))
+        return std::nullopt;
     return settings;
 }
 

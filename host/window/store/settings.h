@@ -31,8 +31,9 @@ struct Settings {
 constexpr uint32_t kPresetCount = 3;
 constexpr uint32_t kAllColumns = (1u << kColumnCount) - 1;
 
-// Returns nothing if none were saved, or if they are invalid.
-std::optional<Settings> LoadSettings();
+// Returns nothing if none were saved, or if they are invalid. `defaults`: for columns that a former
+// version did not have.
+std::optional<Settings> LoadSettings(const Settings& defaults);
 // Has no effect if the user may not write.
 void SaveSettings(const Settings& settings);
 
