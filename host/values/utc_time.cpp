@@ -14,6 +14,8 @@ int64_t DaysUntil(int year, int month, int day) {
     return days + (153 * ((month + 9) % 12) + 2) / 5 + day - 1 - 719468;
 }
 
+TimeFormat timeFormat = nullptr;
+
 }  // namespace
 
 std::string UtcNow() {
@@ -42,9 +44,20 @@ std::string LocalTimeBefore(const std::string& utc, uint64_t seconds) {
     const int64_t at = ((DaysUntil(year, month, day) * 24 + hour) * 60 + minute) * 60 + second;
     const auto start = static_cast<std::time_t>(at - static_cast<int64_t>(seconds));
     const std::tm* local = std::localtime(&start);
+    if (local && timeFormat) return timeFormat(*local);
     char before[32];
     return local && std::strftime(before, sizeof before, "%Y-%m-%d %H:%M", local) != 0 ? before
                                                                                        : "";
 }
+
+std::string ShortTime(const std::string& utc) {
+    constexpr size_t kTime = 11;  // in "2026-11-25 05:31"
+    const std::string local = LocalTimeBefore(utc, 0), now = LocalTimeBefore(UtcNow(), 0);
+    const bool isToday =
+        !timeFormat && !local.empty() && local.compare(0, kTime, now, 0, kTime) == 0;
+    return isToday ? local.substr(kTime) : local;
+}
+
+void SetTimeFormat(TimeFormat format) { timeFormat = format; }
 
 }  // namespace vndiscover::host

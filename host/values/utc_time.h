@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 namespace vndiscover::host {
@@ -13,5 +14,13 @@ bool ReadUtc(const std::string& utc, int (&parts)[6]);
 
 // The local time that was this many seconds before: "2026-11-25 05:31". Empty if `utc` is no time.
 std::string LocalTimeBefore(const std::string& utc, uint64_t seconds);
+
+// A time in local time, without the date if that is today's: "05:31". Empty if `utc` is no time.
+std::string ShortTime(const std::string& utc);
+
+// Replaces the format of both by one that itself leaves out today's date, such as that of the
+// user's system. For the start of a program; null: as above.
+using TimeFormat = std::string (*)(const std::tm& local);
+void SetTimeFormat(TimeFormat format);
 
 }  // namespace vndiscover::host

@@ -19,13 +19,13 @@ bool ToLocal(const std::string& utc, SYSTEMTIME& local) {
     return SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != 0;
 }
 
-// Null: as the user's settings say. Empty on failure.
-std::wstring Formatted(const SYSTEMTIME& time, const wchar_t* dateFormat,
-                       const wchar_t* clockFormat) {
+// As the user's settings say. Empty on failure.
+std::wstring Formatted(const SYSTEMTIME& time, bool hasDate, DWORD clockFlags) {
     wchar_t date[80] = L"", clock[80] = L"";
-    const bool isDone = GetDateFormatW(LOCALE_USER_DEFAULT, 0, &time, dateFormat, date, 80) != 0 &&
-                        GetTimeFormatW(LOCALE_USER_DEFAULT, 0, &time, clockFormat, clock, 80) != 0;
-    return isDone ? std::wstring(date) + L" " + clock : L"";
+    const bool isDone =
+        GetDateFormatW(LOCALE_USER_DEFAULT, 0, &time, nullptr, date, 80) != 0 &&
+        GetTimeFormatW(LOCALE_USER_DEFAULT, clockFlags, &time, nullptr, clock, 80) != 0;
+    return isDone ? (hasDate ? std::wstring(date) + L" " : L"") + clock : L"";
 }
 
 }  // namespace
@@ -87,15 +87,20 @@ void ChangeTexts(HWND dialog) {
 
 std::wstring LocalTime(const std::string& utc) {
     SYSTEMTIME local = {};
-    const std::wstring text = ToLocal(utc, local) ? Formatted(local, nullptr, nullptr) : L"";
+    const std::wstring text = ToLocal(utc, local) ? Formatted(local, true, 0) : L"";
     return text.empty() ? ToWide(utc) : text;
 }
 
-std::wstring LongTime(const std::string& utc) {
-    SYSTEMTIME local = {}, now = {};
+std::string SystemTime(const std::tm& local) {
+    const auto word = [](int number) { return static_cast<WORD>(number); };
+    const SYSTEMTIME time = {
+        word(local.tm_year + 1900), word(local.tm_mon + 1), 0, word(local.tm_mday),
+        word(local.tm_hour),        word(local.tm_min),     0, 0};
+    SYSTEMTIME now = {};
     GetLocalTime(&now);
-    if (!ToLocal(utc, local)) return L"";
-    return Formatted(local, local.wYear == now.wYear ? L"d MMMM" : L"d MMMM yyyy", L"HH:mm");
+    const bool isToday =
+        time.wYear == now.wYear && time.wMonth == now.wMonth && time.wDay == now.wDay;
+    return ToUtf8(Formatted(time, !isToday, TIME_NOSECONDS));
 }
 
 }  // namespace vndiscover::host

@@ -6,6 +6,7 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <ctime>
 #include <initializer_list>
 #include <string>
 
@@ -28,9 +29,10 @@ void SetTextChange(TextChange change);
 // Changes those of a dialog in the same way.
 void ChangeTexts(HWND dialog);
 
-// "2026-11-25T04:32:23Z" in the user's format of date and time; any other text unchanged.
+// For files: "2026-11-25T04:32:23Z" in the user's format of date and time; any other text
+// unchanged.
 std::wstring LocalTime(const std::string& utc);
-// "23 November 09:12", with its year if that is another one; empty if it is no time.
-std::wstring LongTime(const std::string& utc);
+// A local time in that format, without seconds, and without the date if it is today's.
+std::string SystemTime(const std::tm& local);
 
 }  // namespace vndiscover::host

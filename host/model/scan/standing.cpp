@@ -173,13 +173,6 @@ std::string StateLine(const Standing& standing, const PrinterSummary& summary,
         {state, isLow ? summary.supply : "", read.empty() ? "" : "as of " + ShortTime(read)});
 }
 
-std::string ShortTime(const std::string& utc) {
-    constexpr size_t kTime = 11;  // in "2026-11-25 05:31"
-    const std::string local = LocalTimeBefore(utc, 0), now = LocalTimeBefore(UtcNow(), 0);
-    return !local.empty() && local.compare(0, kTime, now, 0, kTime) == 0 ? local.substr(kTime)
-                                                                         : local;
-}
-
 std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t>& answers,
                                       const std::vector<Reading>& readings,
                                       const std::vector<size_t>& running) {

@@ -99,7 +99,4 @@ std::string StateText(const Standing& standing, const PrinterSummary& summary);
 std::string StateLine(const Standing& standing, const PrinterSummary& summary,
                       const std::string& read);
 
-// "21:10", or with its date if that is another day. Local time; empty if `utc` is no time.
-std::string ShortTime(const std::string& utc);
-
 }  // namespace vndiscover::host

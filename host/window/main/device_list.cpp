@@ -7,6 +7,7 @@
 #include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ranges.h"
+#include "values/utc_time.h"
 #include "window/main/commands.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -36,9 +37,11 @@ std::wstring ColumnName(Column column) {
     return name;
 }
 
-std::wstring ShownText(const DeviceRow& row, Column column) {
+std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile) {
     const std::string& text = row.Text(column);
-    return InfoOf(column).look == ColumnInfo::Look::kTime ? LocalTime(text) : ToWide(text);
+    return InfoOf(column).look != ColumnInfo::Look::kTime ? ToWide(text)
+           : isInFile                                     ? LocalTime(text)
+                                                          : ToWide(ShortTime(text));
 }
 
 void DeviceList::SetDefaults(Settings& settings) {

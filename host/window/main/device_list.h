@@ -19,8 +19,8 @@ namespace vndiscover::host {
 // The heading of a column.
 std::wstring ColumnName(Column column);
 
-// A cell as it is shown.
-std::wstring ShownText(const DeviceRow& row, Column column);
+// A cell as it is shown; in a file, times are whole.
+std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = false);
 
 class DeviceList : private ListModel {
   public:

@@ -9,6 +9,7 @@
 #include "platform/messages.h"
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
+#include "values/utc_time.h"
 #include "window/controls/clipboard.h"
 #include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
@@ -138,6 +139,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
 
 MainWindow::MainWindow(Engine& engine, StartOptions options) {
     state.options = std::move(options);
+    if (!state.options.exit) SetTimeFormat(SystemTime);  // a script's files are always the same
     state.showRows = [this] {
         if (state.session.Refresh()) scans.RecordChanges();
         panes.ShowRows();

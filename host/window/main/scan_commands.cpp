@@ -83,9 +83,9 @@ void ScanCommands::SetFile(const std::wstring& file) {
     ChangeText(state_.window, file.empty() ? title : file + L" - " + title);
 }
 
-// "monday.json, scan of 23 November 09:12"
+// "monday.json, scan of 9:12 AM"
 std::wstring ScanCommands::NameOf(const std::wstring& file) const {
-    const std::wstring time = LongTime(TimeOf(state_.session.GetScan()));
+    const std::wstring time = ToWide(ShortTime(TimeOf(state_.session.GetScan())));
     return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
 }
 
@@ -151,8 +151,8 @@ void ScanCommands::RecordChanges() {
 
 void ScanCommands::OpenChanges() {
     changes_.Open(state_.window, Text(IDS_CHANGES_TITLE),
-                  {{IDS_CALL_TIME, 140},
-                   {IDS_CHANGE_DEVICE, 260},
+                  {{IDS_CALL_TIME, 120},
+                   {IDS_CHANGE_DEVICE, 270},
                    {IDS_CHANGE_BEFORE, 150},
                    {IDS_CHANGE_AFTER, 150}});
     ShowChanges();
@@ -162,7 +162,7 @@ void ScanCommands::ShowChanges() {
     std::vector<TableWindow::Row> rows;
     for (const StateChange& one : state_.changes.Changes())
         rows.push_back(
-            {LocalTime(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
+            {ToWide(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
     const std::wstring note = Text(IDS_CHANGES_NOTE, {Grouped(rows.size())});
     changes_.Show(note, std::move(rows));
 }
@@ -197,7 +197,7 @@ bool ScanCommands::SaveCsvTo(const std::string& path) {
     const DeviceView& view = state_.session.view;
     for (size_t row = 0; row < view.Count(); ++row) {
         for (size_t index = 0; index < columns.size(); ++index)
-            cells[index] = ToUtf8(ShownText(view.Row(row), columns[index]));
+            cells[index] = ToUtf8(ShownText(view.Row(row), columns[index], true));
         csv += CsvLine(cells, ListSeparator());
     }
     return SaveTextTo(csv, path);

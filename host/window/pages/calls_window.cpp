@@ -4,6 +4,7 @@
 
 #include "platform/wide_text.h"
 #include "values/text.h"
+#include "values/utc_time.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -20,7 +21,7 @@ std::wstring CallsWindow::CellText(size_t row, size_t column) const {
     const Call& call = calls_[row];
     switch (column) {
         case kTime:
-            return LocalTime(call.time);
+            return ToWide(ShortTime(call.time));
         case kExport:
             return ToWide(PlainText(CallLine(call)));
         case kDuration:
@@ -61,8 +62,8 @@ void CallsWindow::Refresh() {
 
 void CallsWindow::Begin() {
     BeginDialog(Text(IDS_CALLS_TITLE), IDC_CALLS,
-                {{IDS_CALL_TIME, 140},
-                 {IDS_CALL_EXPORT, 300},
+                {{IDS_CALL_TIME, 80},
+                 {IDS_CALL_EXPORT, 360},
                  {IDS_CALL_DURATION, 65},
                  {IDS_CALL_RESULT, 190}},
                 IDC_CALL_TEXT);

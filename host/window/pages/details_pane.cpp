@@ -8,6 +8,7 @@
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
+#include "values/utc_time.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -67,7 +68,7 @@ TableRows AnswerRows(const Session& session, const DeviceRow& row) {
     TableRows rows;
     for (const AnswerLine& line : AnswerLines(session.GetScan(), row.answers)) {
         rows.push_back({ToWide(line.object), ToWide(line.value), ProtocolName(line.kind),
-                        ToWide(line.address), LocalTime(line.time)});
+                        ToWide(line.address), ToWide(ShortTime(line.time))});
     }
     return rows;
 }
@@ -89,7 +90,7 @@ const DevicePage kPages[] = {
       {IDS_FACT_VALUE, 200},
       {IDS_PROTOCOL, 80},
       {IDS_COLUMN_ADDRESS, 100},
-      {IDS_CALL_TIME, 140}},
+      {IDS_CALL_TIME, 120}},
      AnswerRows},
 };
 

@@ -6,6 +6,7 @@
 
 #include "model/scan/device_writer.h"
 #include "platform/wide_text.h"
+#include "values/utc_time.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -30,6 +31,11 @@ void TableWindow::Show(const std::wstring& note, std::vector<Row> rows) {
     Arrange();
 }
 
+std::wstring TableWindow::CellText(size_t row, size_t column) const {
+    const std::wstring& text = rows_[order_[row]][column];
+    return IsTime(column) ? ToWide(ShortTime(ToUtf8(text))) : text;
+}
+
 void TableWindow::OnHeading(size_t column) {
     isDescending_ = sorted_ == column && !isDescending_;
     sorted_ = column;
@@ -39,7 +45,7 @@ void TableWindow::OnHeading(size_t column) {
 void TableWindow::Arrange() {
     order_.resize(rows_.size());
     std::iota(order_.begin(), order_.end(), size_t{0});
-    const bool isArrival = sorted_ == SIZE_MAX || columns_[sorted_].heading == IDS_CALL_TIME;
+    const bool isArrival = sorted_ == SIZE_MAX || IsTime(sorted_);
     if (isDescending_) std::reverse(order_.begin(), order_.end());
     std::stable_sort(order_.begin(), order_.end(), [&](size_t one, size_t other) {
         if (isArrival) return false;
@@ -61,8 +67,10 @@ void TableWindow::OnCommand(int id) {
     for (const ListColumn& column : columns_) cells.push_back(ToUtf8(Text(column.heading)));
     std::string csv = kByteOrderMark + CsvLine(cells, ListSeparator());
     for (const size_t row : order_) {
-        for (size_t column = 0; column < cells.size(); ++column)
+        for (size_t column = 0; column < cells.size(); ++column) {
             cells[column] = ToUtf8(rows_[row][column]);
+            if (IsTime(column)) cells[column] = ToUtf8(LocalTime(cells[column]));
+        }
         csv += CsvLine(cells, ListSeparator());
     }
     save_(csv);

@@ -20,14 +20,13 @@ class TableWindow : public ListDialog {
     // Replaces what the window showed, and has no rows yet.
     void Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns);
     // Shows rows, in the order that the user chose, and a line above them, if it is open. Rows
-    // with a time must come newest first.
+    // with a time, such as "2026-11-25T04:32:23Z", must come newest first.
     void Show(const std::wstring& note, std::vector<Row> rows);
 
   private:
     size_t Count() const override { return order_.size(); }
-    std::wstring CellText(size_t row, size_t column) const override {
-        return rows_[order_[row]][column];
-    }
+    std::wstring CellText(size_t row, size_t column) const override;
+    bool IsTime(size_t column) const { return columns_[column].heading == IDS_CALL_TIME; }
     void OnHeading(size_t column) override;
     void Arrange();
     void Begin() override { BeginDialog(title_, IDC_TABLE_ROWS, columns_); }

@@ -4,6 +4,7 @@
 #include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
 #include "scripted_window.h"
+#include "values/utc_time.h"
 #include "window/store/scan_files.h"
 
 namespace vndiscover::host {
@@ -126,7 +127,8 @@ TEST_F(Files, ComparisonIsATable) {
 // Also numbers within a text, and times in any form. Another row keeps the order.
 TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     Open();
-    TableWindow table([](const std::string&) {});
+    std::string file;
+    TableWindow table([&](const std::string& csv) { file = csv; });
     table.Open(window_->Handle(), L"a table", {{IDS_CALL_TIME, 90}, {IDS_CHANGE_AFTER, 90}});
     table.Show(L"3 rows", {{L"12/2/26", L"10 %"}, {L"11/30/26", L"9 %"}, {L"2/1/26", L"100 %"}});
     const HWND dialog = PopupOf(window_->Handle()), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
@@ -141,6 +143,33 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     table.Show(L"4 rows", {{L"", L"8 %"}, {L"", L"7 %"}, {L"", L"6 %"}, {L"", L"5 %"}});
     EXPECT_EQ(L"5 %, 6 %, 7 %", order());
     EXPECT_EQ(L"4 rows", TextOf(GetDlgItem(dialog, IDC_TABLE_NOTE)));
+    // A file has the whole time.
+    const std::string now = UtcNow();
+    table.Show(L"1 row", {{ToWide(now), L""}});
+    EXPECT_EQ(ToWide(ShortTime(now)), CellOf(list, 0, 0));
+    SendMessageW(dialog, WM_COMMAND, IDC_TABLE_SAVE, 0);
+    EXPECT_NE(std::string::npos, file.find("\"" + ToUtf8(LocalTime(now)) + "\"")) << file;
+}
+
+// In the format of the user's system, of which the separators are not known here.
+TEST(SystemTime, HasNoDateTodayAndNoSeconds) {
+    SYSTEMTIME now = {};
+    GetLocalTime(&now);
+    std::tm local = {};
+    local.tm_year = now.wYear - 1900;
+    local.tm_mon = now.wMonth - 1;
+    local.tm_mday = now.wDay;
+    local.tm_hour = 3;
+    local.tm_min = 27;
+    local.tm_sec = 58;
+    const std::string today = SystemTime(local);
+    EXPECT_NE(std::string::npos, today.find("27"));
+    EXPECT_EQ(std::string::npos, today.find("58"));
+    EXPECT_EQ(std::string::npos, today.find(std::to_string(now.wYear)));
+    --local.tm_year;
+    const std::string former = SystemTime(local);
+    EXPECT_NE(std::string::npos, former.find(std::to_string(now.wYear - 1)));
+    EXPECT_EQ(" " + today, former.substr(former.size() - today.size() - 1));
 }
 
 TEST_F(Files, SilentDeviceIsGoneInAComparison) {

@@ -12,6 +12,7 @@
 #include "model/scan/scan_file.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 namespace {
