@@ -55,7 +55,8 @@ struct ColumnInfo {
     enum class Look { kText, kBar, kTime } look = Look::kText;
 };
 
-// In the order of Column. Those visible at first fit a window of 1,100 pixels.
+// In the order of Column. Those visible at first fit a window of 1,100 pixels, also beside a scroll
+// bar.
 inline constexpr ColumnInfo kColumns[] = {
     {Column::kName, [](const RowSource& source) { return source.device.facts->name; }, 85, 1},
     {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 120, 2},
@@ -66,9 +67,9 @@ inline constexpr ColumnInfo kColumns[] = {
     {Column::kMac, [](const RowSource& source) { return IdentityCell(source, MergeKey::kMac); },
      120, 7, false},
     {Column::kState,
-     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 138, 0,
+     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 150, 0,
      true, ColumnInfo::Order::kSeverity},
-    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 162, 5, true,
+    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 140, 5, true,
      ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},
     {Column::kProtocols, ProtocolCell, 100, 8, false},
     {Column::kNetwork, NetworkCell, 100, 9, false},

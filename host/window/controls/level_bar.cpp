@@ -19,19 +19,6 @@ bool IsHighContrast() {
            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-// The system's numbers of colours.
-struct RowColours {
-    int background, text;
-};
-
-// Those of the row's other cells: a list without the focus shows its selection faintly.
-RowColours ColoursOf(HWND list, int row) {
-    if (ListView_GetItemState(list, row, LVIS_SELECTED) == 0)
-        return {COLOR_WINDOW, COLOR_WINDOWTEXT};
-    if (GetFocus() != list) return {COLOR_BTNFACE, COLOR_BTNTEXT};
-    return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT};
-}
-
 // A frame, which covers nothing of it, shows how far a supply's colour goes: it may be that of the
 // background.
 void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
@@ -45,6 +32,21 @@ void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
 }
 
 }  // namespace
+
+RowColours ColoursOf(HWND list, int row) {
+    if (ListView_GetItemState(list, row, LVIS_SELECTED) == 0)
+        return {COLOR_WINDOW, COLOR_WINDOWTEXT};
+    if (GetFocus() != list) return {COLOR_BTNFACE, COLOR_BTNTEXT};
+    return {COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT};
+}
+
+COLORREF GreyText() {
+    if (IsHighContrast()) return GetSysColor(COLOR_GRAYTEXT);
+    const COLORREF text = GetSysColor(COLOR_WINDOWTEXT), ground = GetSysColor(COLOR_WINDOW);
+    const auto mixed = [](int one, int other) { return (3 * one + 2 * other) / 5; };
+    return RGB(mixed(GetRValue(text), GetRValue(ground)), mixed(GetGValue(text), GetGValue(ground)),
+               mixed(GetBValue(text), GetBValue(ground)));
+}
 
 LevelBar BarOf(int percent, const std::string& words) {
     const SupplyColour* colour = FindSupplyColour(words);

@@ -1,4 +1,4 @@
-// A level in a cell of a list.
+// The colours of a list's cells, and levels in them.
 #pragma once
 
 #include <windows.h>
@@ -8,6 +8,15 @@
 #include <string>
 
 namespace vndiscover::host {
+
+// The system's numbers of colours.
+struct RowColours {
+    int background, text;
+};
+// Those of a row: a list without the focus shows its selection faintly.
+RowColours ColoursOf(HWND list, int row);
+// Of a row that is grey: the system's own grey may be too faint to read.
+COLORREF GreyText();
 
 struct LevelBar {
     int percent;

@@ -82,8 +82,8 @@ void ListControl::SetDpi(int dpi) {
     const int before = std::exchange(dpi_, dpi);
     if (before == dpi && images_) return;
     for (int column = CountColumns(list_) - 1; column >= 0; --column)
-        ListView_SetColumnWidth(list_, column,
-                                MulDiv(ListView_GetColumnWidth(list_, column), dpi, before));
+        ListView_SetColumnWidth(list_, column, MulDiv(WidthOf(column), dpi, before));
+    fitted_ = -1;
     OwnedImages images(ImageList_Create(1, Scaled(kRowHeight, dpi), ILC_COLOR, 1, 0));
     ListView_SetImageList(list_, images.Get(), LVSIL_SMALL);
     images_ = std::move(images);
@@ -93,8 +93,10 @@ void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
     // The last one first: the list moves the texts of the others to the left.
     for (int count = CountColumns(list_); count > 0; --count)
         ListView_DeleteColumn(list_, count - 1);
+    fitted_ = values_ = -1;
     WPARAM index = 0;
     for (const ListColumn& each : columns) {
+        if (each.heading == IDS_FACT_VALUE) values_ = static_cast<int>(index);
         std::wstring heading = Text(each.heading);
         heading.erase(std::remove(heading.begin(), heading.end(), L'&'), heading.end());
         LVCOLUMNW column = {};
@@ -105,20 +107,34 @@ void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
     }
 }
 
-void ListControl::FitLast(int minimum) {
-    const int last = CountColumns(list_) - 1;
+int ListControl::WidthOf(int column) const {
+    const int width = ListView_GetColumnWidth(list_, column);
+    return column == fitted_ && width == fittedWidth_ ? ownWidth_ : width;
+}
+
+// The user may have given columns other widths, or another order.
+void ListControl::Fit() {
+    const std::vector<int> order = ShownOrder();
+    if (order.empty()) return;
+    const int column = values_ >= 0 ? values_ : order.back();
+    if (fitted_ >= 0 && fitted_ != column)
+        ListView_SetColumnWidth(list_, fitted_, WidthOf(fitted_));
+    ownWidth_ = WidthOf(column);
+    fitted_ = column;
     RECT client = {};
     GetClientRect(list_, &client);
     int rest = client.right;
-    // Rows that come later need a scroll bar.
-    if (!(GetWindowLongW(list_, GWL_STYLE) & WS_VSCROLL)) rest -= ScrollBarWidth(dpi_);
-    for (int index = 0; index < last; ++index) rest -= ListView_GetColumnWidth(list_, index);
-    if (last >= 0) ListView_SetColumnWidth(list_, last, std::max(rest, minimum));
+    for (const int other : order)
+        if (other != column) rest -= ListView_GetColumnWidth(list_, other);
+    fittedWidth_ = std::max(rest, ownWidth_);
+    if (ListView_GetColumnWidth(list_, column) != fittedWidth_)
+        ListView_SetColumnWidth(list_, column, fittedWidth_);
 }
 
 void ListControl::Refresh() {
     isChanging_ = true;
     ListView_SetItemCountEx(list_, static_cast<int>(model_.Count()), LVSICF_NOSCROLL);
+    Fit();  // there may be a scroll bar now, or none
     InvalidateRect(list_, nullptr, FALSE);
     reported_ = Selected();
     isChanging_ = false;
@@ -266,15 +282,17 @@ void ListControl::DrawEmpty(HDC dc) const {
     DrawTextW(dc, EmptyText().c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
-// Without the focus, a selected row has about the background of the others, in high contrast
-// exactly that.
-void ListControl::DrawFrame(const NMLVCUSTOMDRAW& draw) const {
+// Before the cells of a selected row, between which there is a gap under Wine, and after them.
+// Without the focus, the row has about the background of the others, in high contrast exactly that.
+void ListControl::DrawSelection(const NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
-    const bool isSelected = ListView_GetItemState(list_, row, LVIS_SELECTED) != 0;
-    if (!isSelected || GetFocus() == list_) return;
+    if (ListView_GetItemState(list_, row, LVIS_SELECTED) == 0) return;
     RECT place = {};
     ListView_GetItemRect(list_, row, &place, LVIR_BOUNDS);
-    FrameRect(draw.nmcd.hdc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
+    if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT)
+        FillRect(draw.nmcd.hdc, &place, GetSysColorBrush(ColoursOf(list_, row).background));
+    else if (GetFocus() != list_)
+        FrameRect(draw.nmcd.hdc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
 }
 
 // The list's own, or its bold one.
@@ -294,18 +312,17 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
     const DWORD stage = draw.nmcd.dwDrawStage;
     if (stage == CDDS_PREPAINT)
         return EmptyText().empty() ? CDRF_NOTIFYITEMDRAW : CDRF_NOTIFYPOSTPAINT;
-    if (stage == CDDS_ITEMPREPAINT)  // CDRF_NOTIFYSUBITEMDRAW is the same number
-        return CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT;
     if (stage == (CDDS_ITEMPREPAINT | CDDS_SUBITEM)) return DrawCell(draw);
     if (stage == CDDS_POSTPAINT) DrawEmpty(draw.nmcd.hdc);
-    if (stage == CDDS_ITEMPOSTPAINT) DrawFrame(draw);
-    return CDRF_DODEFAULT;
+    if (stage == CDDS_ITEMPREPAINT || stage == CDDS_ITEMPOSTPAINT) DrawSelection(draw);
+    // CDRF_NOTIFYSUBITEMDRAW is the same number
+    return stage == CDDS_ITEMPREPAINT ? CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
 }
 
 LRESULT ListControl::DrawCell(NMLVCUSTOMDRAW& draw) {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
-    if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GetSysColor(COLOR_GRAYTEXT);
+    if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GreyText();
     SelectObject(draw.nmcd.hdc, FontOf(row));
     const auto bar = row < model_.Count() ? model_.Bar(row, column) : std::nullopt;
     if (!bar) return CDRF_NEWFONT;

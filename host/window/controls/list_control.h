@@ -58,8 +58,11 @@ class ListControl {
     void SetColumns(const std::vector<ListColumn>& columns);
     // The columns from left to right.
     std::vector<int> ShownOrder() const;
-    // Gives the last column the rest of the width, but `minimum` pixels at least.
-    void FitLast(int minimum);
+    // Gives the column of values, otherwise the last one, the rest of the width, as Refresh does
+    // too.
+    void Fit();
+    // In pixels; of the column that has the rest, what it has without it.
+    int WidthOf(int column) const;
     void SetName(const std::wstring& name) { SetWindowTextW(list_, name.c_str()); }
     // Shows what the model has now.
     void Refresh();
@@ -102,7 +105,7 @@ class ListControl {
     LRESULT DrawCell(NMLVCUSTOMDRAW& draw);
     HFONT FontOf(size_t row);
     void DrawEmpty(HDC dc) const;
-    void DrawFrame(const NMLVCUSTOMDRAW& draw) const;
+    void DrawSelection(const NMLVCUSTOMDRAW& draw) const;
     LRESULT FindRow(const NMLVFINDITEMW& search) const;
     std::wstring TextOf(int row, int column) const;
     std::wstring RowText(size_t row) const;
@@ -115,6 +118,9 @@ class ListControl {
     OwnedImages images_;       // none: their size is that of a row
     bool isChanging_ = false;  // by a call
     int reported_ = -1;        // the selected row that the model knows of
+    int values_ = -1;          // the column of values; -1: none
+    // The column that has the rest of the width, and its widths with and without it.
+    int fitted_ = -1, fittedWidth_ = 0, ownWidth_ = 0;
 };
 
 // Handles a message from a list to its window. Empty: the message is from no list.

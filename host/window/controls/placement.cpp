@@ -5,27 +5,16 @@
 namespace vndiscover::host {
 namespace {
 
-// Available since Windows 10; otherwise null.
-template <class Function>
-Function Find(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<uintptr_t>(GetProcAddress(GetModuleHandleW(L"user32.dll"), name)));
-}
-
 int SystemDpi() { return GetDeviceCaps(WindowDc(nullptr).Get(), LOGPIXELSY); }
 
 }  // namespace
 
 int DpiOf(HWND window) {
-    const auto get = Find<UINT(WINAPI*)(HWND)>("GetDpiForWindow");
+    // Available since Windows 10; otherwise null.
+    const auto get = reinterpret_cast<UINT(WINAPI*)(HWND)>(reinterpret_cast<uintptr_t>(
+        GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
     const UINT dpi = get ? get(window) : 0;
     return dpi != 0 ? static_cast<int>(dpi) : SystemDpi();
-}
-
-int ScrollBarWidth(int dpi) {
-    const auto get = Find<int(WINAPI*)(int, UINT)>("GetSystemMetricsForDpi");
-    return get ? get(SM_CXVSCROLL, static_cast<UINT>(dpi))
-               : MulDiv(GetSystemMetrics(SM_CXVSCROLL), dpi, SystemDpi());
 }
 
 OwnedFont MakeMessageFont(int dpi) {
@@ -34,6 +23,26 @@ OwnedFont MakeMessageFont(int dpi) {
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     metrics.lfMessageFont.lfHeight = MulDiv(metrics.lfMessageFont.lfHeight, dpi, SystemDpi());
     return OwnedFont(CreateFontIndirectW(&metrics.lfMessageFont));
+}
+
+int FitField(HWND field) {
+    const WindowDc dc(field);
+    const Selection font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(field, WM_GETFONT, 0, 0)));
+    TEXTMETRICW text = {};
+    GetTextMetricsW(dc.Get(), &text);
+    const int height = text.tmHeight + 6;
+    const LRESULT inside = SendMessageW(field, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
+    // Of a combo box, in its frame. First as it is, for which Wine gives another height than it
+    // takes.
+    for (const bool isFirst : {true, false}) {
+        RECT closed = {};
+        GetWindowRect(field, &closed);
+        const LONG missing = height - (closed.bottom - closed.top);
+        if (inside > 0 && missing != 0)
+            SendMessageW(field, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
+                         isFirst ? inside : inside + missing);
+    }
+    return height;
 }
 
 }  // namespace vndiscover::host

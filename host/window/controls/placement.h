@@ -15,10 +15,11 @@ namespace vndiscover::host {
 int DpiOf(HWND window);
 // A size in pixels at 96 DPI.
 inline int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
-// Of a vertical scroll bar.
-int ScrollBarWidth(int dpi);
 // The user's font for messages.
 OwnedFont MakeMessageFont(int dpi);
+// Of a field for one line of text, an edit control or a combo box, which gets this height: above
+// its text, the system leaves as little space at each DPI.
+int FitField(HWND field);
 
 struct Box {
     int x = 0, y = 0, width = 0, height = 0;

@@ -150,6 +150,19 @@ void Dialog::MakeFonts() {
     OnFonts();
 }
 
+void Dialog::FitFields(std::initializer_list<int> fields) const {
+    for (const int field : fields) {
+        const RECT label = PlaceIn(dialog_, GetWindow(Item(field), GW_HWNDPREV));
+        const RECT place = PlaceIn(dialog_, Item(field));
+        const int height = FitField(Item(field));
+        RECT open = {};  // of a combo box, with its list
+        SendMessageW(Item(field), CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&open));
+        SetWindowPos(Item(field), nullptr, place.left, (label.top + label.bottom - height) / 2,
+                     place.right - place.left, std::max<int>(height, open.bottom - open.top),
+                     SWP_NOZORDER | SWP_NOACTIVATE);
+    }
+}
+
 ListDialog::~ListDialog() {
     if (dialog_) DestroyWindow(dialog_);
 }
@@ -209,7 +222,7 @@ void ListDialog::Stretch() {
         if (isWide) place.right += right;
         if (control == grown_) place.bottom += down;
     });
-    list_.FitLast(Scaled(columns_.back().width, dpi_));
+    list_.Fit();
 }
 
 // Not left to the system, which knows neither columns nor further fonts.
@@ -228,13 +241,11 @@ void ListDialog::SetDpi(int dpi, const RECT& place) {
 void ListDialog::BeginDialog(const std::wstring& title, int list,
                              const std::vector<ListColumn>& columns, int grown) {
     SetWindowTextW(dialog_, title.c_str());
-    columns_ = columns;
     grown_ = Item(grown != 0 ? grown : list);
     list_.Attach(Item(list));
     list_.SetName(title);
     list_.SetDpi(dpi_);
-    list_.SetColumns(columns_);
-    list_.FitLast(Scaled(columns_.back().width, dpi_));
+    list_.SetColumns(columns);
     Refresh();
 }
 

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -57,6 +58,8 @@ class Dialog {
     virtual void OnFonts() {}                      // those of its own must be made anew
     // Gives its controls the font of its resource, in the size of this DPI.
     void MakeFonts();
+    // Gives the fields for one line their height, in the middle of the labels before them.
+    void FitFields(std::initializer_list<int> fields) const;
 
     HWND dialog_ = nullptr;
     int dpi_ = 96;
@@ -101,7 +104,6 @@ class ListDialog : public Dialog, protected virtual ListModel {
 
     SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window
     HWND grown_ = nullptr;
-    std::vector<ListColumn> columns_;
 };
 
 // Asks with three buttons, whose strings are `yes`, `no` and `none`. Returns IDYES, IDNO or

@@ -73,7 +73,13 @@ class SnmpDialog : public Dialog {
         return typed.empty() ? Secret(known.Get()) : Secret(std::move(typed));
     }
 
+    void OnFonts() override {
+        FitFields({IDC_COMMUNITY, IDC_PROFILE, IDC_USER, IDC_AUTH, IDC_AUTH_PASSWORD, IDC_PRIV,
+                   IDC_PRIV_PASSWORD});
+    }
+
     void Begin() override {
+        OnFonts();
         // Not the passwords, which the module takes in any length.
         Send(IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities);
         Send(IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX);

@@ -95,7 +95,7 @@ void DeviceList::StoreColumns() const {
     }
     for (size_t index = 0; index < shown_.size(); ++index)
         settings.widths[static_cast<size_t>(shown_[index])] =
-            MulDiv(ListView_GetColumnWidth(list_.Handle(), static_cast<int>(index)), 96, dpi_);
+            MulDiv(list_.WidthOf(static_cast<int>(index)), 96, dpi_);
 }
 
 std::vector<Column> DeviceList::Columns() const {

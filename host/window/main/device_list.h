@@ -31,6 +31,7 @@ class DeviceList : private ListModel {
     void Create();
     HWND Handle() const { return list_.Handle(); }
     void SetDpi(int dpi);
+    void Fit() { list_.Fit(); }
 
     // What a user without settings gets.
     static void SetDefaults(Settings& settings);

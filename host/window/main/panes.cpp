@@ -119,6 +119,7 @@ void Panes::Place() {
         placement.Move(Control(IDC_DETAILS_LABEL), {details_.x, top, detailsWidth, text});
         details.Place(placement, details_, dpi_);
     }
+    list.Fit();
     details.Settle();
 }
 

@@ -109,7 +109,7 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
             box.x = margin;
             box.y += box.height + gap;
         }
-        if (placement) PlaceItem(*placement, item.id, box, dpi);
+        if (placement) PlaceItem(*placement, item.id, box);
         box.x += box.width + gap;
     }
     const HWND note = Control(IDC_PRESET_NOTE);
@@ -123,12 +123,9 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
 }
 
 // In the middle of its row. The list of presets is moved with its open part.
-void SearchBar::PlaceItem(Placement& placement, int id, Box box, int dpi) const {
-    RECT closed = {};
-    GetWindowRect(Control(id), &closed);
-    int height = box.height;
-    if (id == IDC_FILTER) height -= Scaled(2, dpi);  // its text is on top
-    if (id == IDC_PRESET) height = closed.bottom - closed.top;
+void SearchBar::PlaceItem(Placement& placement, int id, Box box) const {
+    const bool isField = id == IDC_FILTER || id == IDC_PRESET;
+    const int height = isField ? FitField(Control(id)) : box.height;
     box.y += std::max(0, box.height - height) / 2;
     box.height = id == IDC_PRESET ? box.height * 6 : height;
     placement.Move(Control(id), box);

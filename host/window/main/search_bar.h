@@ -45,7 +45,7 @@ class SearchBar {
     HWND Control(int id) const { return GetDlgItem(parent_, id); }
     bool IsTicked(int id) const { return IsDlgButtonChecked(parent_, id) == BST_CHECKED; }
     size_t Preset() const;
-    void PlaceItem(Placement& placement, int id, Box box, int dpi) const;
+    void PlaceItem(Placement& placement, int id, Box box) const;
 
     HWND parent_ = nullptr;
 };

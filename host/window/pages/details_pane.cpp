@@ -227,7 +227,7 @@ void DetailsPane::Settle() {
         PlaceTabs(placement);
         PlaceList(placement);
     }
-    list_.FitLast(Scaled(Page().columns.back().width, dpi_));
+    list_.Fit();
     if (list_.Selected() >= 0) ListView_EnsureVisible(List(), list_.Selected(), FALSE);
 }
 

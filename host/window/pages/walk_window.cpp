@@ -69,6 +69,7 @@ void WalkWindow::Refresh() {
 void WalkWindow::Begin() {
     BeginDialog(Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))}), IDC_WALK_VALUES,
                 {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}});
+    OnFonts();
     SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
     SetItem(IDC_WALK_ROOT, kDefaultRoot);
     ShowState(Text(IDS_WALK_READY));

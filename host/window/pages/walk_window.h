@@ -33,6 +33,7 @@ class WalkWindow : private ListDialog {
     enum class State { kIdle, kWaiting, kWalking, kStopping };
 
     void Begin() override;
+    void OnFonts() override { FitFields({IDC_WALK_ROOT}); }
     void OnCommand(int id) override;
     void OnClosed() override;
     bool IsShown(unsigned walk) const;

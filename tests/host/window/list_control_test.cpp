@@ -62,6 +62,17 @@ class Lists : public testing::Test, private ListModel {
             return false;
         });
     }
+    // The colour between the first two cells, with the focus in the list.
+    bool IsGapSelected(int x) {
+        SetFocus(list_.Handle());
+        return Drawn([&](HDC dc) {
+            RECT row = {};
+            ListView_GetItemRect(list_.Handle(), 0, &row, LVIR_BOUNDS);
+            for (int at = x - 3; at < x + 6; ++at)
+                if (GetPixel(dc, at, row.top + 3) != GetSysColor(COLOR_HIGHLIGHT)) return false;
+            return true;
+        });
+    }
     bool HasFrame() {
         RECT row = {};
         ListView_GetItemRect(list_.Handle(), 0, &row, LVIR_BOUNDS);
@@ -122,7 +133,29 @@ TEST_F(Lists, ColumnsGrowWithTheDpi) {
     list_.SetDpi(96);
     list_.SetDpi(144);
     EXPECT_EQ(150, ListView_GetColumnWidth(list_.Handle(), 0));
-    EXPECT_LT(ScrollBarWidth(96), ScrollBarWidth(192));
+}
+
+// Beside a scroll bar too, and with a width that its user gave it.
+TEST_F(Lists, LastColumnHasTheRestOfTheWidth) {
+    list_.SetColumns({{IDS_FACT_WHAT, 50}, {IDS_PROTOCOL, 60}});
+    for (const size_t rows : {1, 100, 1}) {
+        texts_.resize(rows);
+        list_.Refresh();
+        RECT client = {};
+        GetClientRect(list_.Handle(), &client);
+        EXPECT_EQ(client.right, 50 + ListView_GetColumnWidth(list_.Handle(), 1)) << rows;
+        EXPECT_EQ(60, list_.WidthOf(1));
+    }
+    ListView_SetColumnWidth(list_.Handle(), 1, 300);
+    list_.Refresh();
+    EXPECT_EQ(300, ListView_GetColumnWidth(list_.Handle(), 1));
+    int order[] = {1, 0};
+    ListView_SetColumnOrderArray(list_.Handle(), 2, order);
+    ListView_SetColumnWidth(list_.Handle(), 1, 90);
+    list_.Refresh();
+    EXPECT_EQ(90, ListView_GetColumnWidth(list_.Handle(), 1));
+    list_.SetDpi(192);
+    EXPECT_EQ(100, ListView_GetColumnWidth(list_.Handle(), 0));
 }
 
 // The background alone hardly shows it.
@@ -134,6 +167,8 @@ TEST_F(Lists, SelectedRowIsFramedWithoutTheFocus) {
         SetFocus(focused);
         EXPECT_EQ(!focused, HasFrame());
     }
+    list_.SetColumns({{IDS_FACT_WHAT, 50}, {IDS_PROTOCOL, 60}});
+    EXPECT_TRUE(IsGapSelected(50));
 }
 
 TEST_F(Lists, EmptyOnesSayWhyEachTime) {
