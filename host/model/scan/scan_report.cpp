@@ -21,7 +21,6 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
     if (sweep.form == AnswerForm::kVariable) {
         line.object = NameText(answer.oid);
         line.value = FormatNamedValue(answer.oid, answer.type, answer.bytes) + CutNote(answer);
-        if (line.value.empty()) line.value = "(empty)";
     } else if (sweep.form == AnswerForm::kValue) {
         const Answer text = AnsweredWith(sweep.oid, kOctetString, answer.bytes);
         line.object = NameText(sweep.oid);
@@ -32,6 +31,7 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
                                                             : "added by hand";
         line.value = PlainText(answer.bytes);
     }
+    if (line.value.empty()) line.value = "(empty)";
     return line;
 }
 
@@ -51,6 +51,14 @@ Report ReportOf(const FoundDevice& device, const DeviceRow& row,
     const PrinterSummary summary = SummaryOf(facts, limits);
     ReportSection first;
     first.Add("State", StateLine(row.standing, summary, facts.readTime), row.severity);
+    // Neither what the state says nor what a supply is called is said twice.
+    EraseIf(parts[static_cast<size_t>(ReportPart::kState)].rows,
+            [&](const ReportRow& one) { return one.text == summary.state; });
+    for (ReportRow& one : parts[static_cast<size_t>(ReportPart::kSupplies)].rows) {
+        const size_t what = one.text.rfind(", " + Lower(one.label));
+        if (what != one.text.npos && what + 2 + one.label.size() == one.text.size())
+            one.text.erase(what);
+    }
     Report report = {std::move(first)};
     for (const ReportPart part : {ReportPart::kState, ReportPart::kSupplies, ReportPart::kTrays,
                                   ReportPart::kAlerts, ReportPart::kIdentity, ReportPart::kNotes})

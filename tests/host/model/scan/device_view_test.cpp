@@ -4,6 +4,7 @@
 
 #include "host/model/scripted_device.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/scan_report.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 
@@ -171,6 +172,26 @@ TEST_F(DeviceViewTest, ShowsNoComputerAsAPrinter) {
     EXPECT_EQ(2u, view_.Others());
     view_.ShowOnlyPrinters(false);
     EXPECT_EQ(5u, view_.Count());
+}
+
+TEST(DeviceReport, SaysNothingTwice) {
+    PrinterFacts facts;
+    facts.printerStatus = "idle";
+    facts.errors = std::vector<std::string>{"noToner"};
+    facts.supplies = {{"Black toner", "black", "toner", {0, 100, ""}},
+                      {"Fuser", "", "opc", {50, 100, ""}}};
+    FoundDevice device;
+    device.facts = std::make_shared<PrinterFacts>(facts);
+    DeviceRow row;
+    row.standing.kind = Standing::Kind::kRead;
+    std::string told;
+    for (const ReportRow& one : RowsOf(ReportOf(device, row, std::nullopt)))
+        told += one.label + "=" + one.text + ";";
+    EXPECT_EQ(
+        "State=no toner;Printer=idle;Supplies=;   Black toner=0 % (0 of 100);   Fuser=50 % (50 of "
+        "100), "
+        "photoconductor;",
+        told);
 }
 
 }  // namespace

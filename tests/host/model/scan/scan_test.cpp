@@ -385,9 +385,10 @@ TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
     scan.answers = {{0, "2026-11-25T04:32:23Z", "10.77.1.1", Received(cut)},
                     {1, "", "10.77.1.1", AnsweredWith(type, kInteger, "\x06")},
                     {1, "", "10.77.1.1", hall},
-                    {2, "", "10.77.1.1", Received("<a>\r\n\x1B[2J</a>")}};
-    const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3});
-    ASSERT_EQ(4u, lines.size());
+                    {2, "", "10.77.1.1", Received("<a>\r\n\x1B[2J</a>")},
+                    {0, "", "10.77.1.2", Received("")}};
+    const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3, 4});
+    ASSERT_EQ(5u, lines.size());
     EXPECT_EQ("2026-11-25T04:32:23Z", lines[0].time);
     EXPECT_EQ("sysName.0", lines[0].object);
     EXPECT_EQ(std::string(128, 'a') + " [the first 128 of 200 bytes]", lines[0].value);
@@ -395,6 +396,7 @@ TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
     EXPECT_EQ("68 61 6C 6C E2 80 AE [the first 7 of 300 bytes]", lines[2].value);
     EXPECT_EQ("<a> \xEF\xBF\xBD[2J</a>", lines[3].value);
     EXPECT_EQ("reply", lines[3].object);
+    EXPECT_EQ("(empty)", lines[4].value);
     // Of one device only.
     EXPECT_EQ(SweepKind::kWsd, AnswerLines(scan, {3}).at(0).kind);
 }
