@@ -48,6 +48,10 @@ std::optional<LRESULT> Deliver(HWND window, UINT message, WPARAM wParam, LPARAM 
 template <class T>
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto result = Deliver<T>(window, message, wParam, lParam);
+    // As a dialog does. Wine asks for it when the letter of a label is pressed.
+    if (!result && message == WM_NEXTDLGCTL)
+        SetFocus(LOWORD(lParam) ? reinterpret_cast<HWND>(wParam)
+                                : GetNextDlgTabItem(window, GetFocus(), wParam != 0));
     return result ? *result : DefWindowProcW(window, message, wParam, lParam);
 }
 

@@ -79,7 +79,7 @@ TEST_F(Menus, ClickedCellIsCopied) {
         L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;;"
         L"Go to i&ts details\tEnter;Open its &web page\tCtrl+Enter;;"
         L"&Read again\tCtrl+R;Read a&ll again\tCtrl+Shift+R;Read all after a searc&h;"
-        L"Why does it &not answer?;Show all &values...;A&dd an address...;"
+        L"Why does it &not answer?;Show all &values...;A&dd addresses...;"
         L"&Separate;;Re&fresh only on demand;"
         L"Refresh every m&inute;Refresh every &5 minutes;Refresh every &15 minutes;"
         L"Refresh every ho&ur;",
@@ -220,14 +220,18 @@ TEST_F(Menus, EachControlOfTheWindowHasALetterOfItsOwn) {
         if (text.find(L'&') != text.npos) letters.Add(text);
     }
     EXPECT_GE(letters.Count(), 12u);
+    MSG letter = {Control(IDC_FIND), WM_SYSCHAR, 'i', 1 << 29, 0, {}};  // of the label "Filter"
+    window_->Dispatch(letter);
+    EXPECT_EQ(Control(IDC_FILTER), GetFocus());
 }
 
 // Buttons, and labels of what is typed or chosen.
 TEST_F(Menus, EachControlOfADialogHasALetter) {
-    for (const int id : {IDD_SNMP, IDD_CALLS, IDD_WALK, IDD_TABLE, IDD_ADD}) {
+    for (const int id : {IDD_SNMP, IDD_CALLS, IDD_WALK, IDD_TABLE, IDD_ADD, IDD_REPORT}) {
         SCOPED_TRACE(id);
         const HWND dialog = CreateDialogW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(id), nullptr,
                                           [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return 0; });
+        EXPECT_FALSE(GetWindowLongW(dialog, GWL_STYLE) & WS_MINIMIZEBOX);
         Letters letters;
         for (HWND child = GetWindow(dialog, GW_CHILD); child;
              child = GetWindow(child, GW_HWNDNEXT)) {
