@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cwchar>
 #include <utility>
 
 #include "model/scan/device_view.h"
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
-#include "window/dialogs/dialogs.h"
 #include "values/utc_time.h"
+#include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -58,8 +59,15 @@ TableRows ProtocolRows(const Session& session, const DeviceRow& row) {
 TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
     TableRows rows;
     for (const Interface& one : session.DeviceOf(row)->facts->interfaces) {
-        rows.push_back({ToWide(one.description), ToWide(one.operStatus), ToWide(one.speed),
-                        ToWide(one.physicalAddress), ToWide(one.type), ToWide(one.adminStatus)});
+        // More than the device's number can tell.
+        constexpr wchar_t kLimit[] = L"over ";
+        const std::wstring speed = ToWide(one.speed);
+        const bool isLimit = speed.rfind(kLimit, 0) == 0;
+        rows.push_back(
+            {ToWide(one.description), ToWide(one.operStatus),
+             isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
+             one.physicalAddress.empty() ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress),
+             ToWide(one.type), ToWide(one.adminStatus)});
     }
     return rows;
 }
@@ -80,7 +88,7 @@ const DevicePage kPages[] = {
     {IDS_PAGE_INTERFACES,
      {{IDS_FACT_DESCRIPTION, 100},
       {IDS_INTERFACE_STATUS, 60},
-      {IDS_INTERFACE_SPEED, 95},
+      {IDS_INTERFACE_SPEED, 110},
       {IDS_INTERFACE_ADDRESS, 120},
       {IDS_INTERFACE_TYPE, 115},
       {IDS_INTERFACE_ADMIN, 90}},

@@ -64,9 +64,8 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
             return CallWindowProcW(list, window, message, count, how);
         })));
     engine_.Say("10.77.1.4", "of another device");
-    ASSERT_TRUE(Until([&] {
-        return TextOf(Control(IDC_DEVICES_LABEL)) == L"Devices (1 of 3 match the filter)";
-    }));
+    ASSERT_TRUE(
+        Until([&] { return TextOf(Control(IDC_DEVICES_LABEL)) == L"Devices (1 of 3 shown)"; }));
     EXPECT_EQ(0, fills);
     engine_.Say("10.77.1.3", "z");
     EXPECT_TRUE(Until([&] { return Value(0, 1) == L"z"; }));

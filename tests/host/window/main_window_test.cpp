@@ -108,7 +108,7 @@ TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     EXPECT_EQ(L"10.77.1.9;", Addresses());
     engine_.Say("10.77.1.30", "VN InkLine 71");
     ASSERT_TRUE(Shows(L"10.77.1.30;10.77.1.9;"));
-    EXPECT_EQ(L"Devices (2 of 3 match the filter)", TextOf(Control(IDC_DEVICES_LABEL)));
+    EXPECT_EQ(L"Devices (2 of 3 shown)", TextOf(Control(IDC_DEVICES_LABEL)));
     SetWindowTextW(Control(IDC_FILTER), L"");
     EXPECT_EQ(L"10.77.1.30;10.77.1.10;10.77.1.9;", Addresses());
     Command(IDC_FIND);
@@ -135,7 +135,7 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     ASSERT_TRUE(Ends());
     const std::wstring status = TextOf(Control(IDC_STATUS));
     EXPECT_EQ(0u, status.find(L"Read 2 of 3 devices in ")) << ToUtf8(status);
-    EXPECT_NE(status.npos, status.find(L" s, 1 could not be read"));
+    EXPECT_NE(status.npos, status.find(L" s; 1 could not be read"));
     EXPECT_EQ(L"no such value", Cell(0, 3));
     window_->state.settings.readsFound ^= 1;
 }
@@ -219,7 +219,7 @@ TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
     ClickColumn(2);
     Command(IDC_FIND);
     ASSERT_TRUE(EndsSweeps());
-    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Search finished after 0 s, 0 devices"));
+    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Search finished in 0 s, 0 devices"));
     ClickColumn(2);
     const ListControl& list = window_->panes.list.List();
     EXPECT_EQ((std::vector<size_t>{0, 2}), list.Selection());

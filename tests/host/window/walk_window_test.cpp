@@ -54,7 +54,7 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     EXPECT_TRUE(Until([&] { return State() == L"1 value, and no more below this OID"; }));
     EXPECT_EQ(1, Rows());
     Start(L"ifType");
-    EXPECT_TRUE(Until([&] { return State().find(L"OID not increasing") != State().npos; }));
+    EXPECT_TRUE(Until([&] { return State().find(L"is not greater") != State().npos; }));
 }
 
 TEST_F(WalkTests, GoesOnUntilItIsStopped) {
