@@ -138,7 +138,10 @@ Key Tab
 xdotool type Office
 Key Tab
 xdotool type admin
-Key Tab s s s Tab
+Key Tab s s s Return # without a password
+sleep 1
+Picture message
+Key Return
 xdotool type authpass1
 Key Tab a Tab
 xdotool type privpass1
@@ -209,7 +212,7 @@ Key F5
 sleep 4
 Picture find
 Key Escape
-for count in 3 400 20000; do
+for count in 20000 3 400; do
     python3 "$here/screenshots-many.py" "$VNDISCOVER_LAB/monday.json" "$VNDISCOVER_LAB/many.json" $count
     Key ctrl+o
     Typed "${scan/monday/many}"
@@ -217,3 +220,9 @@ for count in 3 400 20000; do
     Settled
     Picture many-$count
 done
+Key ctrl+shift+r # where nobody answers
+sleep 8
+Picture reading
+Key Escape
+sleep 0.5
+Picture stopping
