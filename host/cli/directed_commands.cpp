@@ -208,8 +208,8 @@ int FinishWalk(const WalkEnd& end) {
         return kNone;
     }
     if (end.skipped > 0) {
-        Warn(std::to_string(end.skipped) +
-             (end.skipped == 1 ? " variable was" : " variables were") + " skipped");
+        Warn(end.SkippedText() + (end.skipped == 1 ? " variable was" : " variables were") +
+             " skipped");
     }
     if (end.variables + end.skipped == 0) Warn("the device has no variables there");
     return end.variables > 0 ? kFound : kNone;

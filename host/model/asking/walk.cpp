@@ -19,6 +19,10 @@ WalkStep StepOf(const Oid& root, const Oid& asked, const Answer& answer, bool is
     return canBeAsked ? WalkStep::kVariable : WalkStep::kLastReachable;
 }
 
+std::string WalkEnd::SkippedText() const {
+    return (isLeast ? "at least " : "") + std::to_string(skipped);
+}
+
 Oid WalkStart(const Oid& root) {
     Oid start = root;
     if (start.size() == 1) start.push_back(0);  // an OID in a request has at least two numbers
@@ -115,19 +119,52 @@ class Walk {
         }
         if (outside.status != Status::kAnswered) return end_.at;
         const std::vector<Oid> ways = WaysPast(root_, end_.at, seen_);
+        Answer sign = outside;  // that the device still answers
         const auto getsPast = [&](const Oid& way) {
+            if (sign.status != Status::kAnswered) return true;
             const Answer answer = HasStopped() ? outside : asker_.getNext(way);
-            if (answer.status == Status::kAnswered) end_.last = answer;
-            return answer.status == Status::kAnswered;
+            const bool isPast = answer.status == Status::kAnswered;
+            if (!isPast && answer.status != Status::kUnreadable) sign = patient_.GetNext(beyond);
+            if (isPast) end_.last = answer;
+            return isPast;
         };
         // A silence takes seconds, so few ways are tried. Several variables may be too long.
         const auto way = isSilence
                              ? std::partition_point(ways.begin(), ways.end(),
                                                     [&](const Oid& one) { return !getsPast(one); })
                              : std::find_if(ways.begin(), ways.end(), getsPast);
+        if (sign.status != Status::kAnswered) end_.last = sign;
+        if (sign.status != Status::kAnswered) return end_.at;
+        end_.isLeast |= way == ways.end() || !IsInstance(*way) ||
+                        std::any_of(ways.begin(), way, [this](auto& one) { return IsLikely(one); });
         if (way != ways.end()) return *way;
         end_.last = outside;  // nothing after the variable can be reached
         return beyond;
+    }
+
+    // Whether no more than one variable is passed by a request for what follows it: it is the next
+    // row, or within a standard object.
+    bool IsInstance(const Oid& oid) const {
+        const Oid* const object = StandardObjectOf(oid);
+        const bool isNextRow = Head(oid, oid.size() - 1) == Head(end_.at, end_.at.size() - 1);
+        return isNextRow || (object && oid.size() > object->size());
+    }
+
+    // Whether the device may well have it: a scalar, or a row that other columns have, or while
+    // only one column was seen, any row.
+    bool IsLikely(const Oid& oid) const {
+        const Oid* const object = StandardObjectOf(oid);
+        if (!object || oid.size() == object->size()) return false;
+        const Oid scalar = {0}, group = Head(*object, object->size() - 1);
+        const Oid row = Tail(oid, object->size());
+        bool isScalar = true, isOther = false;  // what was seen beside it
+        for (auto one = std::lower_bound(seen_.begin(), seen_.end(), group);
+             one != seen_.end() && IsWithin(*one, group); ++one) {
+            if (Tail(*one, object->size()) == row) return true;
+            isScalar &= Tail(*one, object->size()) == scalar;
+            isOther |= !IsWithin(*one, *object);
+        }
+        return row == scalar ? isScalar : !isScalar && !isOther;
     }
 
     const Asker& asker_;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 #include "model/asking/answer.h"
 
@@ -23,10 +24,12 @@ struct WalkEnd {
     // kVariable: there was no answer, or it was stopped. Only kEnd is complete.
     WalkStep step = WalkStep::kVariable;
     bool isStopped = false;
-    Answer last;           // to the last request
-    Oid at;                // of the last variable, or the start
-    size_t variables = 0;  // passed on
-    size_t skipped = 0;    // at least: variables that could not be read
+    Answer last;                      // to the last request
+    Oid at;                           // of the last variable, or the start
+    size_t variables = 0;             // passed on
+    size_t skipped = 0;               // variables that could not be read
+    bool isLeast = false;             // there may be more of them: whole subtrees were passed
+    std::string SkippedText() const;  // "3", "at least 3"
 };
 
 // The OID to request first; the caller checks whether it can be requested.

@@ -22,7 +22,7 @@ std::wstring EndText(const WalkEnd& end) {
         return Text(IDS_WALK_PROBLEM, {count, ToWide(Problem(end.last))});
     if (end.step == WalkStep::kNotIncreasing) return Text(IDS_WALK_TURNS, {count, at});
     if (end.step == WalkStep::kLastReachable) return Text(IDS_WALK_LAST, {count, at});
-    if (end.skipped > 0) return Text(IDS_WALK_SKIPPED, {count, std::to_wstring(end.skipped)});
+    if (end.skipped > 0) return Text(IDS_WALK_SKIPPED, {count, ToWide(end.SkippedText())});
     return Text(IDS_WALK_END, {count});
 }
 

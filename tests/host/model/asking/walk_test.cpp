@@ -85,6 +85,7 @@ TEST(WalkPast, LosesOnlyWhatCannotBeRead) {
     std::vector<Oid> all;
     for (const auto& variable : whole.variables) all.push_back(variable.first);
     const Oid mib2 = {1, 3, 6, 1, 2, 1};
+    size_t exact = 0;  // times in which one is known to be all
     // Of a table that has not been seen, the first row is guessed, but no second one.
     const auto isFirstColumn = [](const Oid& oid) {
         return IsWithin(oid, OidOf("ifIndex")) || IsWithin(oid, OidOf("prtAlertSeverityLevel"));
@@ -104,7 +105,30 @@ TEST(WalkPast, LosesOnlyWhatCannotBeRead) {
             EXPECT_EQ(all.size() - count, seen) << NameText(all[first]) << count;
             EXPECT_LT(0u, skipped);
             EXPECT_EQ(skipped, end.skipped);
+            EXPECT_TRUE(end.isLeast || end.skipped == count) << NameText(all[first]) << count;
+            exact += !end.isLeast;
         }
+    }
+    EXPECT_LT(10u, exact);
+}
+
+// Otherwise it would be asked in hundreds of ways, and the walk called complete.
+TEST(WalkPast, EndsWhenTheDeviceStopsAnswering) {
+    const Oid mib2 = {1, 3, 6, 1, 2, 1}, beyond = {1, 3, 6, 1, 2, 2};
+    for (const Status status : {Status::kUnreadable, Status::kNoAnswer}) {
+        ScriptedDevice device;
+        for (const char* name : {"sysName.0", "ifDescr.1", "ifType.1"}) device.Text(name, "value");
+        device.withheld[*ParseOidOrName("ifDescr.1")] = status;
+        bool isOff = false;
+        device.failure = [&](const Oid& asked) {
+            return std::exchange(isOff, isOff || asked == beyond) ? Status::kNoAnswer
+                                                                  : Status::kAnswered;
+        };
+        const WalkEnd end =
+            WalkSubtree(device.MakeAsker(), mib2, [](const Answer&) { return true; });
+        EXPECT_EQ(Status::kNoAnswer, end.last.status);
+        EXPECT_EQ(std::pair(size_t{1}, size_t{0}), std::pair(end.variables, end.skipped));
+        EXPECT_GT(12u, device.requests);
     }
 }
 
