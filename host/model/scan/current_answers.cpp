@@ -20,20 +20,28 @@ using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oi
 using Origin = std::tuple<std::string, SweepKind, bool>;
 
 Oid ObjectOf(const Oid& variable) {
-    if (const Oid* const object = StandardObjectOf(variable)) return *object;
-    return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
+    const Oid* const object = StandardObjectOf(variable);
+    if (!object) return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
+    // A list reads these columns together: none keeps rows of an earlier reading beside the others.
+    const Oid &first = OidOf("prtMarkerSuppliesClass"), &last = OidOf("prtMarkerSuppliesLevel");
+    return first <= *object && *object <= last ? last : *object;
 }
 
 bool IsVariable(const ScanSweep& sweep) { return sweep.form == AnswerForm::kVariable; }
 
+// A variable has the same value by whichever protocol it is read.
+SweepKind KindOf(const ScanSweep& sweep) {
+    return IsVariable(sweep) ? SweepKind::kSnmpV1 : sweep.kind;
+}
+
 Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer) {
     if (IsVariable(sweep))
-        return {answer.address, sweep.kind, sweep.form, false, 0, ObjectOf(answer.answer.oid)};
+        return {answer.address, KindOf(sweep), sweep.form, false, 0, ObjectOf(answer.answer.oid)};
     return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
 }
 
 Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
-    return {answer.address, sweep.kind, IsVariable(sweep)};
+    return {answer.address, KindOf(sweep), IsVariable(sweep)};
 }
 
 bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {

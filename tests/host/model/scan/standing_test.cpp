@@ -131,7 +131,9 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     EXPECT_EQ(2u, facts().supplies.size());
     EXPECT_EQ(1u, facts().alerts.size());
     // For the list, without alerts: that of a former state may be over.
+    scan_.sweeps.back().kind = SweepKind::kSnmpV3;
     Read(1, "10.0.0.1", false,
+    EXPECT_EQ(7, facts().supplies[0].level.level);
          {{"hrPrinterStatus.1", "\3"},
           {"hrPrinterDetectedErrorState.1", kNoError},
           {"prtMarkerSuppliesDescription.1.1", "Toner"}});
@@ -139,6 +141,7 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     EXPECT_EQ(0u, facts().alerts.size());
     EXPECT_EQ("idle", State("10.0.0.1"));
     EXPECT_EQ(At(1), facts().readTime);
+    EXPECT_FALSE(facts().supplies[0].level.level) << "of a former reading";
     EXPECT_EQ(At(0), facts().upTicksTime);
     Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
     EXPECT_EQ(0u, facts().supplies.size());
