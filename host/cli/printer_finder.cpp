@@ -146,6 +146,8 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
                 printer.problem = device.answers.lastProblem;
             } else if (!device.isRead) {
                 printer.problem = "stopped";
+            } else if (IsStateUnread(device.answers)) {
+                printer.problem = "state not read";
             }
         }
         if (!printer.facts.deviceIndex && printer.problem.empty()) {

@@ -21,6 +21,7 @@ FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
     known.values = std::move(job.answers.values);
     job.answers = (job.isState ? ReadState : ReadForList)(timed, std::move(known));
     if (isSlow && job.answers.lastStatus != Status::kAnswered) job.isLate = true;
+    if (!job.isState) known.gaps = std::move(job.answers.gaps);
     return job;
 }
 
@@ -46,7 +47,8 @@ void Fleet::Done(FleetDevice job) {
     const bool isPostponed = job.isLate != devices_[job.index].isLate;
     if (!isPostponed) {
         const PrinterFacts facts = job.isState ? FactsOf(job.answers) : PrinterFacts();
-        if (facts.deviceIndex) job.severity = SummaryOf(facts).severity;
+        if (facts.deviceIndex || IsStateUnread(job.answers))
+            job.severity = SummaryOf(facts).severity;
         const bool isCutShort = job.answers.lastStatus != Status::kAnswered;
         job.isRead = isCutShort || !job.isState || !job.severity;
         job.isState = false;

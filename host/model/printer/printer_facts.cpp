@@ -90,8 +90,9 @@ class Facts {
     void FindPrinter() {
         std::vector<uint32_t> printers = ListedPrinters(answers_);
         // Some devices have a printer's tables, but do not list it.
-        for (const char* column : {"hrPrinterStatus", "prtGeneralCurrentLocalization",
-                                   "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
+        for (const char* column :
+             {"hrPrinterStatus", "hrPrinterDetectedErrorState", "prtGeneralCurrentLocalization",
+              "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
             const std::vector<Oid> rows = RowsOf(answers_, OidOf(column));
             if (printers.empty() && !rows.empty()) printers = {rows[0][0]};
         }

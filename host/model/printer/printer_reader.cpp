@@ -21,6 +21,7 @@ enum class Way {
     kPrinter,  // the row of the first printer; all rows if none is listed
     kFirst,    // the first row
 };
+constexpr char kState[] = "model and state";
 struct Question {
     const char* object;
     const char* subject;
@@ -32,11 +33,11 @@ constexpr Question kQuestions[] = {
     {"sysDescr", "description", Way::kScalar, true},
     {"sysName", "name", Way::kScalar, true},
     {"sysLocation", "location", Way::kScalar, true},
-    {"hrDeviceType", "model and state"},
-    {"hrDeviceDescr", "model and state", Way::kPrinter},
-    {"hrDeviceStatus", "model and state", Way::kPrinter},
-    {"hrPrinterStatus", "model and state", Way::kPrinter},
-    {"hrPrinterDetectedErrorState", "model and state", Way::kPrinter},
+    {"hrDeviceType", kState},
+    {"hrDeviceDescr", kState, Way::kPrinter},
+    {"hrDeviceStatus", kState, Way::kPrinter},
+    {"hrPrinterStatus", kState, Way::kPrinter},
+    {"hrPrinterDetectedErrorState", kState, Way::kPrinter},
     {"prtGeneralCurrentLocalization", "character set", Way::kPrinter},
     {"prtLocalizationCharacterSet", "character set"},
     {"prtGeneralPrinterName", "name", Way::kPrinter, true},
@@ -113,6 +114,8 @@ class Reader {
             ReadRow(question, Append(oid, {question.way == Way::kScalar ? 0 : *printer}));
         }
     }
+    void LeaveOut(const Question& question) { AddGap(question, false, ""); }
+    bool IsStateUnread() const { return host::IsStateUnread(answers_); }
     // Only if the printer itself gives none.
     void ReadEntitySerial(Way way) {
         if (!HasSerial("prtGeneralSerialNumber"))
@@ -127,8 +130,11 @@ class Reader {
     std::optional<uint32_t> Printer() const {
         const std::vector<uint32_t> listed = ListedPrinters(answers_);
         if (!listed.empty()) return listed.front();
-        const std::vector<Oid> rows = RowsOf(answers_, OidOf("hrPrinterStatus"));
-        return rows.empty() ? std::nullopt : std::optional<uint32_t>(rows.front().front());
+        for (const char* column : {"hrPrinterStatus", "hrPrinterDetectedErrorState"}) {
+            const std::vector<Oid> rows = RowsOf(answers_, OidOf(column));
+            if (!rows.empty()) return rows.front().front();
+        }
+        return std::nullopt;
     }
 
     bool HasSerial(const char* object) const {
@@ -297,6 +303,10 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
     return printers;
 }
 
+bool IsStateUnread(const PrinterAnswers& answers) {
+    return AnyOf(answers.gaps, [](const Gap& gap) { return gap.object == "hrPrinterStatus"; });
+}
+
 PrinterAnswers ReadPrinter(const Asker& asker) {
     Reader reader(asker);
     reader.Read(kQuestions);
@@ -306,23 +316,30 @@ PrinterAnswers ReadPrinter(const Asker& asker) {
 }
 
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
-    constexpr char kSubject[] = "model and state";
     Reader reader(asker, std::move(known));
-    reader.Read({"hrPrinterStatus", kSubject, Way::kFirst});  // its row also names the printer
-    if (!reader.Printer()) reader.Read({"hrDeviceType", kSubject, Way::kFirst});
+    reader.Read({"hrPrinterStatus", kState, Way::kFirst});  // its row also names the printer
+    if (reader.IsStateUnread()) reader.Read({"hrPrinterDetectedErrorState", kState, Way::kFirst});
+    if (!reader.Printer()) reader.Read({"hrDeviceType", kState, Way::kFirst});
     for (const char* object : {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
-        if (reader.Printer()) reader.Read({object, kSubject, Way::kPrinter});
+        if (reader.Printer()) reader.Read({object, kState, Way::kPrinter});
+    for (const Question& question : kQuestions)
+        if (std::string_view(question.subject) != kState) reader.LeaveOut(question);
+    reader.LeaveOut(kMac[0]);
     return reader.Finish();
 }
 
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
+    EraseIf(known.gaps, [](const Gap& gap) { return gap.subject != kState; });
     Reader reader(asker, std::move(known));
     for (const Question& question : kQuestions) {
         if (question.isListed) reader.Read(question);
     }
     reader.ReadEntitySerial(Way::kFirst);
-    if (!reader.HasSerial("prtGeneralSerialNumber") && !reader.HasSerial("entPhysicalSerialNum"))
+    if (reader.HasSerial("prtGeneralSerialNumber") || reader.HasSerial("entPhysicalSerialNum")) {
+        reader.LeaveOut(kMac[0]);
+    } else {
         reader.Read(kMac);
+    }
     return reader.Finish();
 }
 

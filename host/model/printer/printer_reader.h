@@ -13,7 +13,7 @@ namespace vndiscover::host {
 struct Gap {
     std::string subject;  // "supplies"
     std::string object;   // whose request failed, "prtInputName"; empty: not requested
-    std::string reason;
+    std::string reason;   // empty: this kind of reading does not ask for it
 };
 
 struct PrinterAnswers {
@@ -31,6 +31,9 @@ std::vector<Oid> RowsOf(const PrinterAnswers& answers, const Oid& column);
 
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 
+// The device has the state of a printer, but it could not be read.
+bool IsStateUnread(const PrinterAnswers& answers);
+
 // Far more than a device needs; one that answers each request just in time would take hours.
 constexpr int64_t kMaxReadMs = 120000;
 
@@ -41,8 +44,9 @@ PrinterAnswers ReadPrinter(const Asker& asker);
 // Whether the device is a printer, and its state: at most four requests for what is not known.
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 
-// Adds what a list of printers shows besides the state: names, serial number, page count, supplies,
-// firmware, and without a serial number the MAC address. About 13 requests, and 6 for each supply.
+// Adds to the values and gaps of the state what a list of printers shows besides it: names, serial
+// number, page count, supplies, firmware, and without a serial number the MAC address. About 13
+// requests, and 6 for each supply.
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
 
 // Adds three columns of the interfaces, within the same time limit, unless the reading ended early.

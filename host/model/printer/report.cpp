@@ -111,6 +111,7 @@ std::vector<Gap> Merged(const std::vector<Gap>& gaps, std::string Gap::*key) {
 // One row for what is missing for the same reasons: "trays, alerts: no answer".
 void AddGaps(ReportSection& section, const std::vector<Gap>& gaps) {
     for (const Gap& row : Merged(Merged(gaps, &Gap::subject), &Gap::reason)) {
+        if (row.reason.empty()) continue;
         section.Add(
             {"Not read", row.subject + ": " + row.reason, {}, Severity::kUnknown, "", row.object});
     }

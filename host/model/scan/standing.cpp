@@ -69,7 +69,9 @@ void SetEnd(Standing& standing, const Reading& reading) {
     standing.kind = Kind::kIncomplete;
     standing.note = end.lastProblem;
     if (end.lastStatus == Status::kAnswered) {
-        standing.kind = Kind::kRead;
+        const bool isUnread = IsStateUnread(end);
+        standing.kind = isUnread ? Kind::kIncomplete : Kind::kRead;
+        standing.note = isUnread ? "state not read" : "";
     } else if (end.isStopped) {
         if (!reading.hasValues) standing.kind = Kind::kNeverRead;
     } else if (reading.IsRefused()) {

@@ -89,7 +89,7 @@ void Session::AddReading(Results::Read read) {
         scan_.answers.push_back(answer);
     }
     const bool hasValues = !read.answers.values.empty();
-    if (!hasValues && isWhole) {
+    if (!hasValues && isWhole && !IsStateUnread(read.answers)) {
         // It has answered that it is no printer.
         answer.answer = AnsweredWith(OidOf("hrPrinterStatus"), kNull, "");
         scan_.answers.push_back(answer);

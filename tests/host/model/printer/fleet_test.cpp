@@ -82,6 +82,7 @@ TEST_F(FleetTest, StatesComeFirstInFourRequestsEach) {
     Step();
     for (const ScriptedDevice& device : devices_) EXPECT_EQ(4u, device.requests);
     EXPECT_EQ("0 of 2, 1 critical, 0 need attention", fleet_.Progress());
+    EXPECT_STREQ("not read", MissingText(fleet_.Devices()[0].answers.gaps, "name"));
     Finish();
     EXPECT_EQ("0 state\n1 state\n0 rest\n1 rest\n", log_);
     EXPECT_EQ("door open", Summary(0).state);
@@ -89,6 +90,23 @@ TEST_F(FleetTest, StatesComeFirstInFourRequestsEach) {
     EXPECT_EQ(Severity::kAttention, Summary(1).severity) << "its toner is low";
     // A list of hundreds of printers must not take minutes.
     for (const ScriptedDevice& device : devices_) EXPECT_GE(20 + 6 * kSupplies, device.requests);
+    for (const auto& [oid, answer] : fleet_.Devices()[0].answers.values)
+        EXPECT_FALSE(answer.time.empty()) << "its own, in whichever round";
+}
+
+// It is no other kind of device because of that, and what it is shows another column.
+TEST_F(FleetTest, PrinterThatKeepsItsStateToItselfStaysOne) {
+    for (const bool hasErrors : {true, false}) {
+        ScriptedDevice& device = Add(Printer(0x08, 50));
+        device.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");
+        device.withheld[*ParseOidOrName("hrPrinterStatus.7")] = Status::kNoAnswer;
+        if (!hasErrors) device.variables.erase(*ParseOidOrName("hrPrinterDetectedErrorState.7"));
+    }
+    Finish();
+    EXPECT_EQ("0 state\n1 state\n0 rest\n1 rest\n", log_);
+    EXPECT_EQ("door open", Summary(0).state);
+    EXPECT_EQ("50 % Toner .7.1", Summary(1).supply);
+    for (const FleetDevice& device : fleet_.Devices()) EXPECT_TRUE(IsStateUnread(device.answers));
 }
 
 TEST_F(FleetTest, WhatIsKnownIsNotRequestedAgain) {
@@ -112,7 +130,11 @@ TEST_F(FleetTest, WithoutASerialNumberTheMacAddressIsRead) {
     device.Integer("ifOperStatus.1", 2);
     device.Integer("ifOperStatus.2", 1);
     Finish();
-    EXPECT_EQ("", FactsOf(fleet_.Devices()[0].answers).macAddress);
+    const PrinterFacts first = FactsOf(fleet_.Devices()[0].answers);
+    EXPECT_EQ("", first.macAddress);
+    EXPECT_STREQ("not read", MissingText(first.gaps, "MAC address")) << "not asked for";
+    EXPECT_STREQ("not given", MissingText(first.gaps, "location"));
+    EXPECT_TRUE(ReportOf(first, {}).back().rows.empty()) << "nothing has failed";
     const std::string whole = FactsOf(ReadPrinter(device.MakeAsker())).macAddress;
     EXPECT_EQ("41:42:43:44:45:46", whole);
     EXPECT_EQ(whole, FactsOf(fleet_.Devices()[1].answers).macAddress);
@@ -128,6 +150,14 @@ TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
     EXPECT_EQ(50, Summary(0).lowestSupply);
     EXPECT_EQ(Status::kNoAnswer, fleet_.Devices()[2].answers.lastStatus);
     EXPECT_EQ(3u, silent.requests);
+}
+
+// Even by a single loop.
+TEST_F(FleetTest, SlowOneOfThirtyHoldsTheOthersForSeconds) {
+    for (int device = 0; device < 30; ++device) Add(Printer(0, 50), device == 0 ? 5000 : 3);
+    while (fleet_.CountRead() < 29) ASSERT_TRUE(Step());
+    EXPECT_FALSE(fleet_.Devices()[0].isRead);
+    EXPECT_GT(10000, nowMs_);
 }
 
 TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsTwoRequests) {

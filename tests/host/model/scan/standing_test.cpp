@@ -113,6 +113,8 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
     EXPECT_EQ("incomplete, no answer after 12 s", with(Status::kNoAnswer, "no answer", true));
     EXPECT_EQ("refused: wrong user", with(Status::kRefused, "refused: wrong user", false));
     EXPECT_EQ("no such value", with(Status::kAnswered, "", true));
+    reading.end.gaps = {{"", "hrPrinterStatus", "no answer"}};
+    EXPECT_EQ("incomplete, state not read", with(Status::kAnswered, "", true));
     Read(1, "10.0.0.1", false, {{"hrPrinterStatus.1", "\3"}});
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", with(Status::kNoAnswer, "", true));
     Search(2, 1, {"10.0.0.1"});
