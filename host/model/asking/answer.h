@@ -31,6 +31,7 @@ struct Answer {
     size_t wholeSize = 0;  // at the device; if more than bytes.size(), the rest is missing
     std::string note;      // details of a problem, may be empty
     std::string sender{};  // numeric address; empty: unknown
+    std::string time{};    // when it came, as in ScanAnswer; empty: unknown
 };
 
 // An answer with a value as the module delivers it.

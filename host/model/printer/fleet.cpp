@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "values/ranges.h"
+#include "values/utc_time.h"
 
 namespace vndiscover::host {
 
@@ -15,13 +16,14 @@ FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
         const int64_t start = asker.NowMs();
         Answer answer = asker.getNext(oid);
         isSlow |= asker.NowMs() - start > kSlowRequestMs;
+        answer.time = UtcNow();  // a later round, or a later try, hands it in again
         return answer;
     };
     PrinterAnswers known;
     known.values = std::move(job.answers.values);
+    if (!job.isState) known.gaps = std::move(job.answers.gaps);
     job.answers = (job.isState ? ReadState : ReadForList)(timed, std::move(known));
     if (isSlow && job.answers.lastStatus != Status::kAnswered) job.isLate = true;
-    if (!job.isState) known.gaps = std::move(job.answers.gaps);
     return job;
 }
 

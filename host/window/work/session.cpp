@@ -75,6 +75,7 @@ void Session::AddReading(Results::Read read) {
     const SweepKind kind = read.target.Kind();
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
+    const std::string since = read.isForList ? WholeReadingTime(address) : "";
     const bool isComplete = !read.isForList && isWhole;
     scan_.sweeps.push_back({kind,
                             AnswerForm::kVariable,
@@ -85,19 +86,35 @@ void Session::AddReading(Results::Read read) {
                             isComplete,
                             NumberOf(read.target.login)});
     for (auto& [oid, variable] : read.answers.values) {
+        if (!variable.time.empty() && variable.time < since) continue;
+        answer.time = variable.time.empty() ? read.time : std::exchange(variable.time, "");
         answer.answer = std::move(variable);
         scan_.answers.push_back(answer);
     }
     const bool hasValues = !read.answers.values.empty();
     if (!hasValues && isWhole && !IsStateUnread(read.answers)) {
         // It has answered that it is no printer.
+        answer.time = read.time;
         answer.answer = AnsweredWith(OidOf("hrPrinterStatus"), kNull, "");
         scan_.answers.push_back(answer);
     }
     isUnsaved_ |= hasValues;
     read.answers.values.clear();
-    readings_[{address, kind}] = {address,   kind,      std::move(read.answers),
-                                  hasValues, read.time, read.isStateOnly};
+    readings_[{address, kind}] = {address,       kind,      std::move(read.answers),
+                                  hasValues,     read.time, read.isStateOnly,
+                                  read.isForList};
+}
+
+// When the last reading of everything ended: what a list's read before that is older.
+std::string Session::WholeReadingTime(const std::string& address) const {
+    std::string last;
+    for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
+        const auto found = readings_.find({address, kind});
+        const Reading* const reading = found == readings_.end() ? nullptr : &found->second;
+        if (reading && reading->hasValues && !reading->isForList)
+            last = std::max(last, reading->time);
+    }
+    return last;
 }
 
 void Session::EndReadings() {

@@ -89,6 +89,7 @@ class Session {
     size_t NumberOf(const Login& login);
     std::vector<std::pair<size_t, size_t>> SplitsOf(const DeviceRow& row) const;
     std::vector<Reading> ReadingsOf(const std::vector<size_t>& answers) const;
+    std::string WholeReadingTime(const std::string& address) const;
     std::optional<Reading> LastReadingOf(const std::vector<size_t>& answers) const;
     std::vector<Standing> Standings() const;
 
