@@ -140,6 +140,13 @@ Severity StateSeverity(const PrinterFacts& facts) {
                : errors;
 }
 
+// Of a level that is critical or needs attention.
+const char* ProblemOf(const Level& level) {
+    if (level.isReceptacle)
+        return level.level == 0 ? "a waste container is full" : "a waste container is nearly full";
+    return level.level == 0 ? "a supply is empty" : "a supply is low";
+}
+
 // Errors come before the state: a printer with an open door may still be "idle".
 std::string StateText(const PrinterFacts& facts) {
     if (facts.errors && !facts.errors->empty()) return ErrorText(facts);
@@ -285,8 +292,10 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
     summary.state = StateText(facts);
     for (const Supply& supply : facts.supplies) {
         const Severity severity = SeverityOf(supply.level, limits);
-        if (severity != Severity::kUnknown)
-            summary.supplySeverity = std::min(summary.supplySeverity, severity);
+        if (severity < summary.supplySeverity && severity != Severity::kUnknown) {
+            summary.supplySeverity = severity;
+            summary.supplyProblem = ProblemOf(supply.level);
+        }
         const auto percent = PercentOf(supply.level);
         if (!percent || (summary.lowestSupply && *percent >= *summary.lowestSupply)) continue;
         summary.lowestSupply = percent;

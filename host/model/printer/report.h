@@ -116,6 +116,7 @@ struct PrinterSummary {
     std::string supply;                         // "4 % Toner T410"; empty: no level is known
     std::string supplyColour;                   // see ColourWords
     Severity supplySeverity = Severity::kFine;  // of the worst one whose level is known
+    std::string supplyProblem;                  // its words: "a supply is empty"; empty: it is fine
 };
 
 PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits = {});

@@ -150,11 +150,15 @@ std::string KeyOf(const DeviceRow& row) {
     return serial.empty() ? row.Text(Column::kAddress) : serial;
 }
 
-// What counts as a change: not the level of a supply, but that it has become low or empty.
-std::string StateOf(const DeviceRow& row) {
-    const std::string& state = row.Text(Column::kState);
-    if (!row.standing.Holds() || row.summary.supplySeverity == Severity::kFine) return state;
-    return state + (row.summary.lowestSupply == 0 ? ", a supply is empty" : ", a supply is low");
+// What counts as a change: not the level of a supply, but that it has become low or empty; not
+// since when a device is silent, or for how long.
+std::pair<std::string, std::string> StateOf(const DeviceRow& row) {
+    Standing standing = row.standing;
+    standing.lastAnswer.clear();
+    if (standing.kind == Standing::Kind::kIncomplete) standing.note.clear();
+    const std::string supplies = standing.Holds() ? row.summary.supplyProblem : "";
+    return {Joined({StateText(standing, row.summary), supplies}),
+            Joined({row.Text(Column::kState), supplies})};
 }
 
 }  // namespace
@@ -179,12 +183,12 @@ bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
     if (row.standing.isStateOnly) return false;  // beside former supplies it is no state of its own
-    const std::string state = StateOf(row);
-    const std::string before = std::exchange(states_[KeyOf(row)], state);
-    if (before.empty() || before == state) return false;
+    const auto state = StateOf(row);
+    const auto before = std::exchange(states_[KeyOf(row)], state);
+    if (before.first.empty() || before.first == state.first) return false;
     const std::string name =
         Joined({row.Text(Column::kName), row.Text(Column::kModel), row.Text(Column::kAddress)});
-    changes_.push_front({time, name, before, state});
+    changes_.push_front({time, name, before.second, state.second});
     if (changes_.size() > kMaxChanges) changes_.pop_back();
     marked_.insert(KeyOf(row));
     return true;

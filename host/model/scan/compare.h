@@ -65,8 +65,8 @@ class ChangeLog {
     void LearnStates(const std::vector<DeviceRow>& rows);
 
   private:
-    // By serial number, otherwise by address.
-    std::map<std::string, std::string> states_;
+    // By serial number, otherwise by address: what is compared, and as it was shown.
+    std::map<std::string, std::pair<std::string, std::string>> states_;
     std::set<std::string> marked_;
     std::deque<StateChange> changes_;
 };

@@ -129,21 +129,22 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
           {"sysUpTime.0", "\1"},
           {"prtMarkerSuppliesDescription.1.1", "Toner"},
           {"prtMarkerSuppliesDescription.1.2", "Drum"},
+          {"prtMarkerSuppliesLevel.1.1", "\7"},
           {"prtAlertDescription.1.1", "Door open"}});
+    scan_.sweeps.back().kind = SweepKind::kSnmpV3;
     EXPECT_EQ(2u, facts().supplies.size());
+    EXPECT_EQ(7, facts().supplies[0].level.level);
     EXPECT_EQ(1u, facts().alerts.size());
     // For the list, without alerts: that of a former state may be over.
-    scan_.sweeps.back().kind = SweepKind::kSnmpV3;
     Read(1, "10.0.0.1", false,
-    EXPECT_EQ(7, facts().supplies[0].level.level);
          {{"hrPrinterStatus.1", "\3"},
           {"hrPrinterDetectedErrorState.1", kNoError},
           {"prtMarkerSuppliesDescription.1.1", "Toner"}});
     EXPECT_EQ(1u, facts().supplies.size());
+    EXPECT_FALSE(facts().supplies[0].level.level) << "of a former reading";
     EXPECT_EQ(0u, facts().alerts.size());
     EXPECT_EQ("idle", State("10.0.0.1"));
     EXPECT_EQ(At(1), facts().readTime);
-    EXPECT_FALSE(facts().supplies[0].level.level) << "of a former reading";
     EXPECT_EQ(At(0), facts().upTicksTime);
     Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
     EXPECT_EQ(0u, facts().supplies.size());
@@ -182,30 +183,49 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     ChangeLog log;
     DeviceRow row;
     row.Text(Column::kAddress) = "10.0.0.1";
-    const auto take = [&](Standing::Kind kind, const char* state, int level) {
+    const auto take = [&](Standing::Kind kind, const char* state, const Level& level) {
+        PrinterFacts facts;
+        facts.supplies = {{"Toner", "", "", level}};
+        row.summary = SummaryOf(facts);
+        row.summary.state = state;
         row.standing.kind = kind;
-        row.Text(Column::kState) = state;
-        row.summary.lowestSupply = level;
-        row.summary.supplySeverity = SeverityOf({level, 100, ""});
+        row.Text(Column::kState) = StateText(row.standing, row.summary);
         return log.Add(row, At(0));
     };
-    EXPECT_FALSE(take(Standing::Kind::kNeverRead, "never read", 30));
-    EXPECT_FALSE(take(Standing::Kind::kRead, "door open", 30)) << "nothing was known before";
-    EXPECT_FALSE(take(Standing::Kind::kBeingRead, "being read", 30));
-    EXPECT_FALSE(take(Standing::Kind::kRead, "door open", 29));
+    const auto of = [](int level) { return Level{level, 1000, ""}; };
+    using Kind = Standing::Kind;
+    EXPECT_FALSE(take(Kind::kNeverRead, "", of(300)));
+    EXPECT_FALSE(take(Kind::kRead, "door open", of(300))) << "nothing was known before";
+    EXPECT_FALSE(take(Kind::kBeingRead, "door open", of(300)));
+    EXPECT_FALSE(take(Kind::kRead, "door open", of(290)));
     EXPECT_FALSE(log.IsMarked(row));
-    EXPECT_TRUE(take(Standing::Kind::kRead, "jammed", 29));
-    EXPECT_TRUE(take(Standing::Kind::kRead, "jammed", 0));
+    EXPECT_TRUE(take(Kind::kRead, "jammed", of(290)));
+    EXPECT_TRUE(take(Kind::kRead, "jammed", of(9)));
+    EXPECT_TRUE(take(Kind::kRead, "jammed", of(0)));
     log.LearnStates({row});  // by another limit
     EXPECT_TRUE(log.IsMarked(row));
-    EXPECT_FALSE(take(Standing::Kind::kRead, "jammed", 0));
+    EXPECT_FALSE(take(Kind::kRead, "jammed", of(0)));
+    EXPECT_TRUE(take(Kind::kRead, "jammed", {0, 100, "", false, true}));
     log.Unmark(row);
     EXPECT_FALSE(log.IsMarked(row));
     log.ForgetStates();
-    EXPECT_FALSE(take(Standing::Kind::kRead, "idle", 30)) << "of another list";
-    ASSERT_EQ(2u, log.Changes().size());
-    EXPECT_EQ("jammed, a supply is empty", log.Changes()[0].after);
-    EXPECT_EQ("door open", log.Changes()[1].before);
+    EXPECT_FALSE(take(Kind::kRead, "idle", of(300))) << "of another list";
+    const auto after = [&](size_t back) { return log.Changes().at(back).after; };
+    EXPECT_EQ(4u, log.Changes().size());
+    EXPECT_EQ("jammed, a waste container is full", after(0));
+    EXPECT_EQ("jammed, a supply is empty", after(1));
+    EXPECT_EQ("jammed, a supply is low", after(2));
+    EXPECT_EQ("door open", log.Changes()[3].before);
+    // Time passes by itself.
+    for (const auto& [kind, isNew] : {std::pair(Kind::kIncomplete, true),
+                                      {Kind::kIncomplete, false},
+                                      {Kind::kMissed, true},
+                                      {Kind::kMissed, false}}) {
+        row.standing.note = isNew ? "no answer after 12 s" : "no answer after 13 s";
+        row.standing.lastAnswer = At(isNew);
+        EXPECT_EQ(isNew, take(kind, "idle", of(300)));
+    }
+    EXPECT_EQ("idle (incomplete, no answer after 13 s)", log.Changes()[0].before);
 }
 
 // After the first of two rounds, a state stands beside the supplies of the search before.
