@@ -72,6 +72,7 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
+    steps.community = CommunityOf({options.community, nullptr});
     steps.address = address;
     steps.hasRoute = HasRoute(address);
     return Diagnose(steps);
@@ -81,15 +82,10 @@ int RunOnHost(const DeviceOptions& options) {
     const std::string address = NumericHost(options.host);
     const HostDiagnosis diagnosis = DiagnosisOf(options, address);
     const auto isOnOwnNetwork = IsOnOwnNetwork(IPv4Adapters(), address);
-    Report report = ReportOf(diagnosis, isOnOwnNetwork);
-    if (diagnosis.v1.outcome == Outcome::kSilent) {
-        const std::string doctor = "'vndiscover doctor " + options.host;
-        report.front().Add(
-            "Asked", "SNMPv1 with community '" +
-                         (options.community.empty() ? VN_DEFAULT_COMMUNITY : options.community) +
-                         "' for the variable after sysDescr.0; " + doctor + " -c COMMUNITY' and " +
-                         doctor + " --v3 -u USER' ask otherwise");
-    }
+    const std::string doctor = "'vndiscover doctor " + options.host;
+    const Report report =
+        ReportOf(diagnosis, isOnOwnNetwork,
+                 "; " + doctor + " -c COMMUNITY' and " + doctor + " --v3 -u USER' ask otherwise");
     Print(options.format == Format::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
                                           : ReportText(report, OutputStyle()));
     if (IsUnsendable(diagnosis)) return kSendFailed;

@@ -154,14 +154,13 @@ std::string NothingCame(const SweepOptions& options, const Sweep& sweep) {
     const std::string object = !options.jsonPath.empty() ? "the OID in '" + options.jsonPath + "'"
                                : !options.oid.empty()    ? options.oid
                                                          : VN_DEFAULT_DISCOVERY_OID;
-    const std::string community =
-        options.community.empty() ? VN_DEFAULT_COMMUNITY : options.community;
     // The module tells of no device that refuses.
-    const std::string asked = sweep.arguments.security
-                                  ? "answered the SNMPv3 user '" + options.v3.user + "' for " +
-                                        object +
-                                        "; or none lets this user read it at this security level"
-                                  : "answered community '" + community + "' for " + object;
+    const std::string asked =
+        sweep.arguments.security
+            ? "answered the SNMPv3 user '" + options.v3.user + "' for " + object +
+                  "; or none lets this user read it at this security level"
+            : "answered community '" + CommunityOf({options.community, nullptr}) + "' for " +
+                  object;
     return "no device " + asked + kAskOtherwise;
 }
 

@@ -80,6 +80,10 @@ bool Device::CanSend(const Oid& oid) const {
 }
 
 // Sweeps give link-local addresses without a zone; directed requests leave by one adapter only.
+std::string CommunityOf(const Login& login) {
+    return login.community.empty() ? VN_DEFAULT_COMMUNITY : login.community;
+}
+
 const char* Device::Host() const {
     if (std::exchange(isZoned_, true) || !NeedsZone(host_)) return host_.c_str();
     // Of this process; devices of a scan are asked again and again.

@@ -21,6 +21,9 @@ struct Login {
     }
 };
 
+// Which is sent: the module's default if there is none.
+std::string CommunityOf(const Login& login);
+
 // Each call blocks, at most 10 s with SNMPv1 and 12 s with SNMPv3; one at a time in a process.
 class Device {
   public:

@@ -95,6 +95,7 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     HostDiagnosis diagnosis;
     diagnosis.hasUser = steps.hasUser;
     diagnosis.hasRoute = steps.hasRoute;
+    diagnosis.community = steps.community;
     const auto mustStop = [&] { return diagnosis.isStopped = steps.mayGoOn && !steps.mayGoOn(); };
     if (mustStop()) return diagnosis;
     const int64_t startMs = steps.v1.NowMs();
@@ -107,7 +108,9 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     const StepResult v3 = ResultOfAsking(steps, steps.v3, answer, diagnosis.sender);
     const bool isDiscovered =
         answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
-    diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, "", 0} : v3;
+    // The module finds the engine out within the request: it has answered by then.
+    const int64_t engineMs = v3.outcome == Outcome::kSilent ? 0 : v3.ms;
+    diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, "", engineMs} : v3;
     if (steps.hasUser && isDiscovered) diagnosis.user = v3;
     return diagnosis;
 }

@@ -32,6 +32,7 @@ struct HostDiagnosis {
     bool isStopped = false;  // before the last step
     bool hasRoute = false;   // this computer has one to the device
     bool isUnknown = false;  // the device's name has no address, so nothing was sent
+    std::string community;   // of the SNMPv1 request
     std::string sender;      // the address of an SNMP answer, if it is not the one that was asked
     std::string problem;     // of this program, if it prevented the last step; mostly empty
 };
@@ -41,6 +42,7 @@ struct DiagnosisSteps {
     std::function<bool()> ping;
     Asker v1, v3;                   // times are by the clock of v1
     std::function<bool()> mayGoOn;  // called before each step; null: it always may
+    std::string community;          // of v1, never empty
     std::string address;            // numeric, to be compared with the sender of answers
     bool hasRoute = false;          // as in HostDiagnosis
     bool hasUser = false;  // false: v3 uses an empty user name, which reaches the engine only

@@ -247,7 +247,8 @@ Report ReportOf(const ComputerReport& computer, const char* verdict) {
         routes, FirewallSection(computer.firewall),       log};
 }
 
-Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork) {
+Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork,
+                const std::string& otherwise) {
     ReportSection section;
     if (!diagnosis) {
         section.Add("Verdict", "the device is being asked", Severity::kUnknown);
@@ -267,6 +268,9 @@ Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<boo
     AddStep(section, "SNMPv1", diagnosis->v1);
     AddStep(section, "SNMPv3 engine", diagnosis->discovery);
     AddStep(section, kUserStep, diagnosis->user);
+    if (diagnosis->v1.outcome == Outcome::kSilent)
+        section.Add("Asked", "SNMPv1 with community '" + PlainText(diagnosis->community) +
+                                 "' for the variable after sysDescr.0" + otherwise);
     return {section};
 }
 

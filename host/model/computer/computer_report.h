@@ -45,7 +45,9 @@ size_t CountNetworks(const AdapterList& ipv4);
 Report ReportOf(const ComputerReport& computer, const char* verdict = "Verdict");
 
 // `diagnosis`: empty as long as the device is being asked. `isOnOwnNetwork`: see IsOnOwnNetwork.
-Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork);
+// `otherwise`: of the program, after what was asked in vain.
+Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork,
+                const std::string& otherwise = "");
 constexpr char kUserStep[] = "SNMPv3 user";  // the label of its row
 
 // "in", "in briefly", "kept out"

@@ -132,6 +132,7 @@ HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool
     steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
     steps.hasUser = target.login.security != nullptr;
     steps.address = target.address;
+    steps.community = CommunityOf(target.login);
     steps.hasRoute = HasRoute(target.address);
     steps.mayGoOn = std::move(mayGoOn);
     return host::Diagnose(steps);

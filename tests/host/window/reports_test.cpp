@@ -49,6 +49,8 @@ Report OfComputer() {
 Report OfDevice() {
     HostDiagnosis diagnosis;
     diagnosis.ping.outcome = Outcome::kAnswered;
+    diagnosis.v1.outcome = Outcome::kSilent;
+    diagnosis.community = "office";
     diagnosis.user = {Outcome::kRefused, "the device does not know this user"};
     return ReportOf(diagnosis, false);
 }

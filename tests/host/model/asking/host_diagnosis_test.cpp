@@ -33,6 +33,7 @@ TEST(Diagnosis, FindsWhatKeepsSweepsFromADeviceThatAnswers) {
     HostDiagnosis diagnosis = Diagnose(steps);
     EXPECT_TRUE(IsUsable(diagnosis));
     EXPECT_EQ(12, diagnosis.v1.ms);
+    EXPECT_EQ(12, diagnosis.discovery.ms);
 
     delayMs = 2530;
     diagnosis = Diagnose(steps);
