@@ -5,6 +5,7 @@
 #include "cli/commands.h"
 #include "cli/saved_scans.h"
 #include "platform/result_window.h"
+#include "platform/this_computer.h"
 #include "values/ranges.h"
 #include "values/text.h"
 #include "wsd/wsd_message.h"
@@ -30,7 +31,7 @@ Examples:
   vndiscover wsd --save monday.json --append
 
 Exit codes: 0 devices found, 1 none, or --save failed or left answers out,
-2 wrong usage.)";
+2 wrong usage, 3 no request could be sent.)";
 
 struct WsdOptions {
     std::string types;
@@ -91,6 +92,7 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
         if (options.isRaw) PrintRaw(address, reply);
     });
     bool isStopped = false;
+    const bool wasSent = IsOnANetwork();  // a Probe leaves by the loopback in any case
     {
         const SweepWatch watch(StopDiscoverSoap, StatusOf(replies, "reply", "replies"));
         DiscoverSoap(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe.data(),
@@ -101,9 +103,13 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     if (!options.isRaw) Print(options.format == Format::kJson ? list.Json() : list.Table());
     if (others > 0)
         Warn("replies of other devices: " + std::to_string(others) + "; --all lists them");
-    WarnAtEnd(isStopped, replies, onlyPrinters ? "no printer replied" : "no device replied");
+    WarnAtEnd(isStopped, replies,
+              !wasSent       ? kNothingSent
+              : onlyPrinters ? "no printer replied"
+                             : "no device replied");
     keeper.Save();
-    return replies > 0 ? kFound : kNone;
+    if (replies > 0) return kFound;
+    return wasSent || isStopped ? kNone : kSendFailed;
 }
 
 }  // namespace

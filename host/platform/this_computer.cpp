@@ -13,6 +13,7 @@
 #include "platform/this_process.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 
@@ -180,6 +181,12 @@ AdapterList IPv4Adapters() {
         }
     }
     return list;
+}
+
+bool IsOnANetwork() {
+    return AnyOf(IPv4Adapters().addresses, [](const AdapterAddress& row) {
+        return row.isUp != false && row.address != "0.0.0.0" && row.address.rfind("127.", 0) != 0;
+    });
 }
 
 AdapterList IPv6Adapters() {

@@ -10,6 +10,8 @@ namespace vndiscover::host {
 Computer ThisComputer();
 AdapterList IPv4Adapters();
 AdapterList IPv6Adapters();  // link-local addresses only
+// Whether an adapter that is up has an IPv4 address of a network. The loopback has none.
+bool IsOnANetwork();
 // The active profiles, and the rules that apply to this program. Unknown if the interface does
 // not exist or refuses access. Other firewall products are not covered.
 FirewallState ThisFirewall();

@@ -53,7 +53,7 @@ class Doctor(unittest.TestCase):
     def test_on_a_computer_without_a_network(self):
         for adapter in ("eth0", "eth1"):
             subprocess.run(["ip", "-n", "host", "link", "set", adapter, "down"], check=True)
-        for result in at_once(lambda command: run(command), ("sweep", "printers")):
+        for result in at_once(lambda command: run(command), ("sweep", "printers", "wsd")):
             self.assertEqual((3, "", "vndiscover: no request could be sent: 'vndiscover doctor' looks for the cause\r\n"), result)
 
     def test_a_blocked_port_is_no_missing_route(self):
