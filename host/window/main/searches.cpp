@@ -108,8 +108,9 @@ void Searches::EndStartSearch() {
     const auto former = isEmpty && !path.empty() ? LoadScan(path, ignored) : std::nullopt;
     const bool isKept = former && !former->answers.empty();
     if (isKept) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
-    bool isLost = !isUnsent_ && !isKept && !path.empty() && !scans_.SaveTo(path);
-    isLost |= !isUnsent_ && !csv.empty() && !scans_.SaveCsvTo(csv);
+    const bool mayWrite = !isUnsent_ && !isKept;  // both files, or none
+    bool isLost = mayWrite && !path.empty() && !scans_.SaveTo(path);
+    isLost |= mayWrite && !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;
     const int code = isUnsent_           ? kSendFailed
                      : !problem_.empty() ? kFailed

@@ -219,8 +219,11 @@ TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {
     engine_.isUnsent = false;
     OpenWithDevices();
     EXPECT_TRUE(window_->scans.SaveTo(path_));
-    OpenScript(path_);  // finds none
+    options.savePath = path_;
+    options.csvPath = path_ + ".csv";
+    Open(options);  // finds none
     EXPECT_TRUE(EndsSweeps());
+    EXPECT_FALSE(FileExists(options.csvPath)) << "one of both files stays";
     EXPECT_NE(std::string::npos, FileText().find("10.77.1.11"));
 }
 
