@@ -103,8 +103,14 @@ void DeviceCommands::AddByHand() {
 void DeviceCommands::Added(const std::vector<std::pair<std::string, std::string>>& addresses,
                            const std::string& unknown) {
     state_.session.AddByHand(addresses, UtcNow());
+    std::vector<AskTarget> targets;
     for (const auto& [address, typed] : addresses)
-        state_.workers->Ask(state_.session.TargetAt(address), false);
+        targets.push_back(state_.session.TargetAt(address));
+    if (!state_.progress.IsSearching() && state_.workers->Now().read.total == 0) {
+        ReadAll(targets);
+    } else {  // it would end what is being read, or the search of the command line
+        for (const AskTarget& target : targets) state_.workers->Ask(target, false);
+    }
     if (!unknown.empty()) state_.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
 }
 

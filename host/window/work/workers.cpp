@@ -316,10 +316,11 @@ void Workers::MakeReport() {
 }
 
 void Workers::Resolve(const std::vector<std::string>& hosts) {
-    AddUrgent("", [this, hosts] {
+    AddUrgent("", [this, hosts, before = stops_.load()] {
         Results::Addresses addresses;
         std::string unknown;
         for (const std::string& host : hosts) {
+            if (stops_ != before) return;  // as one that has not begun
             const std::string address = NumericHost(host);
             if (ParseIpAddress(address)) {
                 addresses.emplace_back(address, host);

@@ -86,7 +86,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
         DeviceRow row = window_->state.session.view.Row(0);
         row.standing.kind = Standing::Kind::kRead;
         for (const char* state : {"idle", "jammed"}) {
-            row.Text(Column::kState) = state;
+            row.summary.state = row.Text(Column::kState) = state;
             window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
         }
         EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF never read, changed"));
@@ -229,11 +229,12 @@ TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
         const HWND box = NextPopupOf(dialog);
         EXPECT_EQ(Text(IDS_TOO_MANY_HOSTS, {Grouped(1000), Grouped(1001)}), QuestionOf(box));
         PressUntilGone(box, IDOK);
-        Type(dialog, IDC_ADD_HOSTS, (L"10.77.1.9," + unknown).c_str());
+        Type(dialog, IDC_ADD_HOSTS, (L"10.77.1.9,10.77.1.8," + unknown).c_str());
     };
     PlayDialog(IDOK, add, IDM_ADD);
-    const std::string told = Answer({IDOK}, [&] { EXPECT_TRUE(Shows(L"10.77.1.9;")); });
+    const std::string told = Answer({IDOK}, [&] { EXPECT_TRUE(Shows(L"10.77.1.8;10.77.1.9;")); });
     EXPECT_EQ(ToUtf8(Text(IDS_NO_ADDRESS, {unknown})), told);
+    EXPECT_TRUE(Until([&] { return engine_.listReads == 2; })) << "as those that are found";
 }
 
 // The close button stays at its distance from the lower right corner.
@@ -491,7 +492,8 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
             (way == kQueued ? L"not asked;not asked;not asked;not asked;"
                             : L"! the device is on none of this computer's networks: sweeps do "
                               L"not reach it, directed requests do;answered;! no answer;"
-                              L"! no answer;not asked;") +
+                              L"! no answer;not asked;SNMPv1 with community 'office' for the "
+                              L"variable after sysDescr.0;") +
             computer;
         EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
         SendMessageW(page, WM_COMMAND, IDCANCEL, 0);

@@ -68,6 +68,7 @@ class ScriptedEngine : public Engine {
     }
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader*,
                             std::function<bool()> mayGoOn) override {
+        ++listReads;
         FleetDevice read = job;
         read.answers = Read(target, std::move(mayGoOn));
         return read;
@@ -127,6 +128,7 @@ class ScriptedEngine : public Engine {
         Fail();
         HostDiagnosis diagnosis;
         diagnosis.ping.outcome = Outcome::kAnswered;
+        diagnosis.community = "office";
         while (!isReleased && !diagnosis.isStopped) {
             Sleep(5);
             diagnosis.isStopped = !mayGoOn();
@@ -150,7 +152,7 @@ class ScriptedEngine : public Engine {
         changed_.notify_all();
     }
     void End() { StopSweeps(); }
-    std::atomic<int> stops{0}, reads{0}, sweeps{0};
+    std::atomic<int> stops{0}, reads{0}, listReads{0}, sweeps{0};
     std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false}, isReleased{false};
     std::atomic<bool> isHeld{false};     // a reading

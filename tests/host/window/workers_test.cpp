@@ -128,6 +128,18 @@ TEST_F(WorkersTest, ReportOnThisComputerWhileADeviceIsAsked) {
     EXPECT_EQ(0, engine.ended);
 }
 
+// Names may take minutes, of which a window that closes waits for one.
+TEST_F(WorkersTest, StopEndsTheLookForAddresses) {
+    workers.Resolve(std::vector<std::string>(100000, "10.0.0.1"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    workers.Stop();
+    ASSERT_TRUE(Comes([&] { return !workers.IsBusy(); }));
+    struct : Results {
+        void OnResolved(const Addresses&, const std::string&) override { FAIL(); }
+    } results;
+    queue.RunAll(results);
+}
+
 // A walk may take hours, and the selected device is asked for in between, others after it.
 TEST_F(WorkersTest, SelectedDeviceIsAskedDuringAWalk) {
     workers.Walk({"10.0.0.1"}, {1, 3}, 1);
