@@ -67,7 +67,22 @@ bool NeedsZone(const std::string& host) {
            address->bytes[0] == '\xFE' && (address->bytes[1] & 0xC0) == 0x80;
 }
 
+// Zones by link-local address, found out by this process: devices of a scan are asked again and
+// again.
+struct Zones {
+    std::mutex mutex;
+    std::map<std::string, std::string> hosts;  // with the zone
+};
+Zones& KnownZones() {
+    static Zones zones;
+    return zones;
+}
+
 }  // namespace
+
+std::string CommunityOf(const Login& login) {
+    return login.community.empty() ? VN_DEFAULT_COMMUNITY : login.community;
+}
 
 Device::Device(const Login& login, const std::string& host)
     : host_(ToAnsi(host)), community_(ToAnsi(login.community)), security_(login.security) {}
@@ -80,19 +95,13 @@ bool Device::CanSend(const Oid& oid) const {
 }
 
 // Sweeps give link-local addresses without a zone; directed requests leave by one adapter only.
-std::string CommunityOf(const Login& login) {
-    return login.community.empty() ? VN_DEFAULT_COMMUNITY : login.community;
-}
-
 const char* Device::Host() const {
     if (std::exchange(isZoned_, true) || !NeedsZone(host_)) return host_.c_str();
-    // Of this process; devices of a scan are asked again and again.
-    static std::mutex mutex;
-    static std::map<std::string, std::string> known;
     const std::string given = host_;
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (const auto found = known.find(given); found != known.end())
+        Zones& known = KnownZones();
+        const std::lock_guard<std::mutex> lock(known.mutex);
+        if (const auto found = known.hosts.find(given); found != known.hosts.end())
             return (host_ = found->second).c_str();
     }
     std::vector<std::string> hosts;
@@ -104,8 +113,9 @@ const char* Device::Host() const {
         for (const std::string& host : hosts) {
             host_ = host;
             if (!IsThere(isPing)) continue;
-            const std::lock_guard<std::mutex> lock(mutex);
-            known[given] = host_;
+            Zones& known = KnownZones();
+            const std::lock_guard<std::mutex> lock(known.mutex);
+            known.hosts[given] = host_;
             return host_.c_str();
         }
     }
@@ -158,7 +168,17 @@ Answer Device::GetV3(const Oid& oid) const {
 }
 
 Answer Device::GetNext(const Oid& oid) const {
-    if (security_) return GetNextV3(oid);
+    Answer answer = security_ ? GetNextV3(oid) : GetNextV1(oid);
+    if (answer.status == Status::kNoAnswer || answer.status == Status::kSendFailed) {
+        // It may be on another adapter by now: the next reading finds out.
+        Zones& known = KnownZones();
+        const std::lock_guard<std::mutex> lock(known.mutex);
+        known.hosts.erase(host_.substr(0, host_.find('%')));
+    }
+    return answer;
+}
+
+Answer Device::GetNextV1(const Oid& oid) const {
     if (!CanSend(oid)) return Failed(Status::kSendFailed, oid);
     VnResponseRecord record = {};
     const int32_t length =

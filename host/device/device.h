@@ -47,6 +47,7 @@ class Device {
     bool IsThere(bool isPing) const;
     bool CanSend(const Oid& oid) const;
     Answer GetV3(const Oid& oid) const;
+    Answer GetNextV1(const Oid& oid) const;
     Answer GetNextV3(const Oid& oid) const;
 
     mutable std::string host_;      // with its zone if isZoned_
