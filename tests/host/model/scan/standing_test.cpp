@@ -211,7 +211,7 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     log.ForgetStates();
     EXPECT_FALSE(take(Kind::kRead, "idle", of(300))) << "of another list";
     const auto after = [&](size_t back) { return log.Changes().at(back).after; };
-    EXPECT_EQ(4u, log.Changes().size());
+    ASSERT_EQ(4u, log.Changes().size());
     EXPECT_EQ("jammed, a waste container is full", after(0));
     EXPECT_EQ("jammed, a supply is empty", after(1));
     EXPECT_EQ("jammed, a supply is low", after(2));
