@@ -221,8 +221,11 @@ for count in 20000 3 400; do
     Picture many-$count
 done
 Key ctrl+shift+r # where nobody answers
-sleep 8
+sleep 25
 Picture reading
 Key Escape
-sleep 0.5
+sleep 5
+Key F6 Home ctrl+r
+sleep 3
+Key Escape
 Picture stopping
