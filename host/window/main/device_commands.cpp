@@ -104,6 +104,7 @@ void DeviceCommands::Added(const std::vector<std::pair<std::string, std::string>
                            const std::string& unknown) {
     state_.session.AddByHand(addresses, UtcNow());
     std::vector<AskTarget> targets;
+    targets.reserve(addresses.size());
     for (const auto& [address, typed] : addresses)
         targets.push_back(state_.session.TargetAt(address));
     if (!state_.progress.IsSearching() && state_.workers->Now().read.total == 0) {
