@@ -21,7 +21,6 @@
 #include <vector>
 
 #include "host/model/scripted_device.h"
-#include "model/scan/device_view.h"
 #include "platform/com.h"
 #include "platform/wide_text.h"
 #include "values/object_names.h"
@@ -335,7 +334,7 @@ class MainWindowTest : public testing::Test {
         MSG quit;  // from the previous window; it would end a dialog at once
         PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
         window_.emplace(engine_, std::move(options));
-        window_->state.session.view.Sort(Column::kAddress, false);
+        ClickColumn(2);
         window_->state.settings.readsFound = 0;
     }
     // With the answers of a sweep that has been stopped: pairs of address and value.
