@@ -1,5 +1,7 @@
 #include "model/asking/answer.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "values/module_types.h"
@@ -91,21 +93,50 @@ bool PatientAsker::HasSign(const Oid& oid) {
     return !IsSilence(sign) && sign.status != Status::kSendFailed;
 }
 
-Answer PatientAsker::Ask(const Oid& oid, const std::function<Answer()>& ask) {
-    if (const auto known = silent_.find(oid); known != silent_.end()) return known->second;
+void PatientAsker::NoteAnswer(const Answer& answer) {
+    hasAnswered_ = hasAnswered_ || answer.status != Status::kSendFailed;
+    if (answer.status != Status::kAnswered) return;
+    latest_ = answer.oid;
+    for (auto& [asked, silence] : silent_) {
+        if (latest_ <= asked) {
+            silence.before = std::max(silence.before, latest_);
+        } else if (silence.next.empty() || latest_ < silence.next) {
+            silence.next = latest_;
+        }
+    }
+}
+
+Answer PatientAsker::GetNext(const Oid& oid) {
+    // Whether no variable has come that is between `oid` and what was silent.
+    const auto after = silent_.upper_bound(oid);
+    bool leadsToSilence = after != silent_.end() && oid >= after->second.before;
+    if (after != silent_.begin()) {
+        const auto& [failure, before, next] = std::prev(after)->second;
+        leadsToSilence |= next.empty() || oid < next;
+        if (after != silent_.end() && (next.empty() || after->first < next)) return failure;
+    }
+    return Ask(
+        oid, [&] { return asker_.getNext(oid); }, !leadsToSilence);
+}
+
+Answer PatientAsker::Ask(const Oid& oid, const std::function<Answer()>& ask, bool isRepeated) {
+    if (const auto known = silent_.find(oid); known != silent_.end()) return known->second.failure;
     Answer answer = ask();
-    if (IsSilence(answer) && hasAnswered_ && asker_.MayGoOn()) answer = ask();
+    if (IsSilence(answer) && isRepeated && hasAnswered_ && asker_.MayGoOn()) answer = ask();
+    const bool isSilent = IsSilence(answer);
+    if (isSilent && (!asker_.MayGoOn() || !HasSign(oid))) return answer;
+    hasAnswered_ = hasAnswered_ || isSilent;
+    if (isSilent && isRepeated && asker_.MayGoOn()) answer = ask();
     if (!IsSilence(answer)) {
-        hasAnswered_ = hasAnswered_ || answer.status != Status::kSendFailed;
+        NoteAnswer(answer);
         return answer;
     }
-    if (!asker_.MayGoOn() || !HasSign(oid)) return answer;
-    hasAnswered_ = true;
-    if (asker_.MayGoOn()) answer = ask();
-    if (!IsSilence(answer)) return answer;
     const bool isV3 = answer.status == Status::kOnlyDiscovered;
-    return silent_[oid] =
-               Failed(Status::kSilentHere, oid, isV3 ? "perhaps it has more than 126 bytes" : "");
+    Silence& silence = silent_[oid];
+    silence.failure =
+        Failed(Status::kSilentHere, oid, isV3 ? "perhaps it has more than 126 bytes" : "");
+    if (latest_ <= oid) silence.before = latest_;
+    return silence.failure;
 }
 
 }  // namespace vndiscover::host

@@ -77,24 +77,30 @@ struct Asker {
 // is still no answer, sysUpTime tells whether the device is silent or only this variable. If the
 // device answers, the request is sent a third time: of hundreds, some lose two datagrams in a row.
 // Then the variable is kSilentHere, and is not asked for again. A device that has not answered
-// anything yet is asked for sysUpTime first: one that is switched off costs two waits.
+// anything yet is asked for sysUpTime first: one that is switched off costs two waits. A request
+// that may lead to such a variable again is not repeated, since each silence takes seconds, and
+// none is sent between two that did.
 class PatientAsker {
   public:
     // `asker` must outlive it.
     explicit PatientAsker(const Asker& asker, bool hasAnswered = false)
         : asker_(asker), hasAnswered_(hasAnswered) {}
-    Answer GetNext(const Oid& oid) {
-        return Ask(oid, [&] { return asker_.getNext(oid); });
-    }
+    Answer GetNext(const Oid& oid);
     // `ask` sends the request for `oid`.
-    Answer Ask(const Oid& oid, const std::function<Answer()>& ask);
+    Answer Ask(const Oid& oid, const std::function<Answer()>& ask, bool isRepeated = true);
 
   private:
     bool HasSign(const Oid& oid);
+    void NoteAnswer(const Answer& answer);
 
     const Asker& asker_;
     bool hasAnswered_;
-    std::map<Oid, Answer> silent_;  // by what was asked for
+    struct Silence {
+        Answer failure;
+        Oid before, next;  // the nearest variables that came; empty: none did
+    };
+    std::map<Oid, Silence> silent_;  // by what was asked for
+    Oid latest_;                     // variable that came
 };
 
 }  // namespace vndiscover::host

@@ -63,10 +63,14 @@ class Facts {
         return static_cast<uint64_t>(*number);
     }
 
-    std::string Text(const char* object, const Oid& instance) const {
+    // `characterSet`: of a localized description; names do not follow it.
+    std::string Text(const char* object, const Oid& instance, int64_t characterSet = 0) const {
         const Answer* answer = Find(object, instance);
         if (!answer || answer->type != kOctetString) return "";
-        return DeviceText(answer->bytes, characterSet_);
+        return DeviceText(answer->bytes, characterSet);
+    }
+    std::string Description(const char* object, const Oid& instance) const {
+        return Text(object, instance, characterSet_);
     }
 
     std::string Word(const char* object, const Oid& instance) const {
@@ -170,7 +174,7 @@ class Facts {
                                     "prtMarkerSuppliesType"},
                                    printer_)) {
             Supply supply;
-            supply.description = Text("prtMarkerSuppliesDescription", row);
+            supply.description = Description("prtMarkerSuppliesDescription", row);
             supply.type = Word("prtMarkerSuppliesType", row);
             if (const uint32_t colorant = Index("prtMarkerSuppliesColorantIndex", row))
                 supply.colour = Text("prtMarkerColorantValue", Append(printer_, {colorant}));
@@ -183,9 +187,19 @@ class Facts {
         }
     }
 
-    Level LevelOf(const char* level, const char* maximum, const char* unit, const Oid& row) const {
-        return {Number(level, row), Number(maximum, row), UnitText(unit, row),
-                Number(unit, row) == kPercent};
+    // Some devices send negative numbers, which have meanings, as unsigned ones of 32 bits.
+    std::optional<int64_t> Signed(const char* object, const Oid& row) const {
+        const auto number = Number(object, row);
+        const bool isNegative = number && *number > INT32_MAX && *number <= UINT32_MAX;
+        return isNegative ? *number - UINT32_MAX - 1 : number;
+    }
+
+    Level LevelOf(const char* object, const char* maximum, const char* unit, const Oid& row) const {
+        Level level = {Signed(object, row), Signed(maximum, row), UnitText(unit, row)};
+        if (Number(unit, row) != kPercent) return level;
+        level.isPercent = level.level <= 100 || level.maximum.value_or(0) <= 100;
+        if (!level.isPercent) level.unit.clear();  // hundredths of a percent, or the like
+        return level;
     }
 
     // "" for "other" and "unknown", which add nothing to a number.
@@ -199,7 +213,7 @@ class Facts {
                                     "prtInputDescription"},
                                    printer_)) {
             facts_.trays.push_back(
-                {Given(Text("prtInputName", row), Text("prtInputDescription", row)),
+                {Given(Text("prtInputName", row), Description("prtInputDescription", row)),
                  Text("prtInputMediaName", row),
                  LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit",
                          row)});
@@ -217,7 +231,8 @@ class Facts {
         for (const Oid& row :
              Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"}, printer_)) {
             facts_.alerts.push_back({Word("prtAlertSeverityLevel", row), Word("prtAlertGroup", row),
-                                     Word("prtAlertCode", row), Text("prtAlertDescription", row),
+                                     Word("prtAlertCode", row),
+                                     Description("prtAlertDescription", row),
                                      Count("prtAlertTime", row)});
         }
         std::stable_partition(facts_.alerts.begin(), facts_.alerts.end(),
@@ -274,11 +289,6 @@ std::string NegativeText(const Level& level) {
     return "unknown (" + std::to_string(*level.level) + ")";
 }
 
-std::string PercentText(const Level& level) {
-    const int percent = *PercentOf(level);
-    return percent == 0 && *level.level > 0 ? "under 1 %" : std::to_string(percent) + " %";
-}
-
 std::string AmountText(const Level& level) {
     const std::string unit = level.unit.empty() ? "" : " " + level.unit;
     const std::string amount = std::to_string(*level.level);
@@ -313,6 +323,11 @@ std::optional<int> PercentOf(const Level& level) {
     // As floating point: a device may send 64-bit numbers, and times 100 they would overflow.
     return static_cast<int>(static_cast<double>(capped) * 100 /
                             static_cast<double>(*level.maximum));
+}
+
+std::string PercentText(const Level& level) {
+    const int percent = *PercentOf(level);
+    return percent == 0 && *level.level > 0 ? "under 1 %" : std::to_string(percent) + " %";
 }
 
 std::string LevelText(const Level& level) {

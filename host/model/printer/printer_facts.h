@@ -26,6 +26,9 @@ struct Level {
 // 0 to 100, rounded down; empty if unknown. A level above its maximum counts as 100.
 std::optional<int> PercentOf(const Level& level);
 
+// The same as "40 %", of a level that is known; "under 1 %" if there is something left.
+std::string PercentText(const Level& level);
+
 // For a person: "40 % (400 of 1000 impressions)", "some left", "room left: 80 %".
 std::string LevelText(const Level& level);
 

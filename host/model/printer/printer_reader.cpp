@@ -93,8 +93,7 @@ class Reader {
           asker_{asker.getNext, asker.isV3, [this] { return MayGoOn(); }, nullptr},
           patient_(asker_, !known.values.empty()),
           answers_(std::move(known)),
-          startMs_(caller_.NowMs() - answers_.spentMs),
-          hasStopped_(answers_.lastStatus != Status::kAnswered) {}
+          startMs_(caller_.NowMs()) {}
 
     template <size_t count>
     void Read(const Question (&questions)[count]) {
@@ -148,6 +147,8 @@ class Reader {
   private:
     void ReadRow(const Question& question, const Oid& oid) {
         if (IsMisencoded(oid)) {
+            const Answer first = Ask(OidOf(question.object));
+            if (first.status == Status::kAnswered && first.oid == oid) return Save(first);
             AddGap(question, true, "the printer's index is over 16383 and cannot be requested");
         } else if (answers_.values.count(oid) == 0) {
             const Answer answer = Ask(JustBefore(oid));
@@ -246,7 +247,13 @@ class Reader {
     }
 
     Answer Ask(const Oid& oid) {
-        return MayGoOn() ? patient_.GetNext(oid) : Failed(Status::kNoAnswer, oid);
+        Answer answer = MayGoOn() ? patient_.GetNext(oid) : Failed(Status::kNoAnswer, oid);
+        // The silent variable may be behind a table that the device lacks, or the rest of it: then
+        // none of it needs to be asked for.
+        const Oid* const object = StandardObjectOf(oid);
+        if (answer.status == Status::kSilentHere && object && MayGoOn())
+            patient_.GetNext(EndOf(Head(*object, object->size() - 1)));
+        return answer;
     }
 
     void Save(const Answer& answer) {
@@ -257,7 +264,9 @@ class Reader {
     void AddGap(const Question& question, const Answer& failure) {
         const std::string problem = stopReason_ ? stopReason_ : Problem(failure);
         AddGap(question, true, problem);
-        hasStopped_ = stopReason_ || !IsOnlyThisOne(failure);
+        // One that lets its user read other variables refuses only this one.
+        const bool isOnlyRefused = failure.status == Status::kRefused && !answers_.values.empty();
+        hasStopped_ = stopReason_ || !(IsOnlyThisOne(failure) || isOnlyRefused);
         if (!hasStopped_) return;
         answers_.lastStatus = failure.status;
         answers_.lastProblem = problem;
@@ -266,8 +275,8 @@ class Reader {
 
     void AddGap(const Question& question, bool wasAsked, std::string reason) {
         Gap gap = {question.subject, wasAsked ? question.object : "", std::move(reason)};
-        const auto isSame = [&](const Gap& known) {  // once for each subject or object
-            return known.subject == gap.subject && (!wasAsked || known.object == gap.object);
+        const auto isSame = [&](const Gap& known) {
+            return known.subject == gap.subject && known.object == gap.object;
         };
         if (!AnyOf(answers_.gaps, isSame)) answers_.gaps.push_back(std::move(gap));
     }
@@ -277,7 +286,7 @@ class Reader {
     PatientAsker patient_;
     PrinterAnswers answers_;
     int64_t startMs_;
-    bool hasStopped_;
+    bool hasStopped_ = false;
     const char* stopReason_ = nullptr;  // set by the caller or the time limit
 };
 
@@ -307,11 +316,12 @@ bool IsStateUnread(const PrinterAnswers& answers) {
     return AnyOf(answers.gaps, [](const Gap& gap) { return gap.object == "hrPrinterStatus"; });
 }
 
-PrinterAnswers ReadPrinter(const Asker& asker) {
+PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces) {
     Reader reader(asker);
     reader.Read(kQuestions);
     reader.Read(kMac);
     reader.ReadEntitySerial(Way::kColumn);
+    if (withInterfaces) reader.Read(kInterfaceQuestions);
     return reader.Finish();
 }
 
@@ -340,12 +350,6 @@ PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
     } else {
         reader.Read(kMac);
     }
-    return reader.Finish();
-}
-
-PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer) {
-    Reader reader(asker, std::move(printer));
-    reader.Read(kInterfaceQuestions);
     return reader.Finish();
 }
 

@@ -23,7 +23,7 @@ struct PrinterAnswers {
     Status lastStatus = Status::kAnswered;  // otherwise why reading ended early
     std::string lastProblem{};              // the same in words; empty: it did not
     bool isStopped = false;                 // by the caller or the time limit
-    int64_t spentMs = 0;                    // of the time limit
+    int64_t spentMs = 0;                    // by this reading
 };
 
 // The instances of a column that were received, in their order.
@@ -39,7 +39,8 @@ constexpr int64_t kMaxReadMs = 120000;
 
 // About 40 objects: a request for each variable, and for the end of each column of a table. Ends
 // early if the device falls silent or refuses. No request is sent after kMaxReadMs.
-PrinterAnswers ReadPrinter(const Asker& asker);
+// `withInterfaces`: three further columns, of the network interfaces.
+PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces = false);
 
 // Whether the device is a printer, and its state: at most four requests for what is not known.
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
@@ -48,8 +49,5 @@ PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 // number, page count, supplies, firmware, and without a serial number the MAC address. About 13
 // requests, and 6 for each supply.
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
-
-// Adds three columns of the interfaces, within the same time limit, unless the reading ended early.
-PrinterAnswers ReadInterfaces(const Asker& asker, PrinterAnswers printer);
 
 }  // namespace vndiscover::host

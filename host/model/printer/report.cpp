@@ -23,9 +23,15 @@ std::string KindText(const std::string& word) {
     return word == "other" || word == "unknown" ? "" : PlainWords(word);
 }
 
+// A device that is down and warms up is on its way (RFC 3805, the table of printer states).
+Severity DeviceSeverity(const PrinterFacts& facts) {
+    if (facts.deviceStatus == "down" && facts.printerStatus != "warmup") return Severity::kCritical;
+    return facts.deviceStatus == "warning" ? Severity::kAttention : Severity::kFine;
+}
+
 ReportSection State(const PrinterFacts& facts) {
     ReportSection section;
-    section.Add("Device", PlainWords(facts.deviceStatus));
+    section.Add("Device", PlainWords(facts.deviceStatus), DeviceSeverity(facts));
     section.Add("Printer", PlainWords(facts.printerStatus));
     section.Add("Errors", ErrorText(facts), ErrorSeverity(facts));
     return section;
@@ -36,10 +42,13 @@ ReportSection Alerts(const PrinterFacts& facts) {
     for (const Alert& alert : facts.alerts) {
         std::string text = AlertText(alert);
         // The time of an alert from before the device's restart would be in the future.
-        if (alert.upTicks && facts.upTicks && *alert.upTicks <= *facts.upTicks)
+        // 0 is of a device that keeps no times.
+        if (alert.upTicks.value_or(0) > 0 && facts.upTicks && *alert.upTicks <= *facts.upTicks)
             text += ", for " + Duration(*facts.upTicks - *alert.upTicks);
         section.Add("Alerts", text,
-                    alert.severity == "critical" ? Severity::kCritical : Severity::kAttention);
+                    alert.severity == "critical" ? Severity::kCritical
+                    : alert.severity == "other"  ? Severity::kFine
+                                                 : Severity::kAttention);
     }
     for (const std::string& line : facts.panel) section.Add("Panel", line);
     for (const PageCount& count : facts.pageCounts)
@@ -54,7 +63,10 @@ ReportSection Identity(const PrinterFacts& facts, const ReportContext& context) 
         section.Add(label,
                     isMissing ? "(" + std::string(MissingText(facts.gaps, subject)) + ")" : text);
     };
-    add("Model", facts.model, "model and state");
+    // The description would have taken the model's place.
+    const bool isUndescribed =
+        AnyOf(facts.gaps, [](const Gap& gap) { return gap.subject == "description"; });
+    add("Model", facts.model, isUndescribed ? "description" : "model and state");
     add("Serial number", facts.serialNumber, "serial number");
     add("Name", facts.name, "name");
     add("Location", facts.location, "location");
@@ -74,7 +86,7 @@ ReportSection Supplies(const PrinterFacts& facts, const LevelLimits& limits) {
     ReportSection section = {"Supplies", {}};
     for (const Supply& supply : facts.supplies) {
         const std::string name = SupplyName(supply), kind = KindText(supply.type);
-        const std::string what = Joined({supply.colour, kind == name ? "" : kind}, " ");
+        const std::string what = Joined({KindText(supply.colour), kind == name ? "" : kind}, " ");
         section.Add({name, Joined({LevelText(supply.level), what}), PercentOf(supply.level),
                      SeverityOf(supply.level, limits), ColourWords(supply)});
     }
@@ -131,13 +143,16 @@ bool StopsPrinting(std::string_view error) {
     return Contains(kStops, error);
 }
 
+bool IsTold(const std::string& status) {
+    return !status.empty() && status != "other" && status != "unknown";
+}
+
 Severity StateSeverity(const PrinterFacts& facts) {
-    const Severity errors = ErrorSeverity(facts);
-    if (facts.deviceStatus == "down" || errors == Severity::kCritical) return Severity::kCritical;
-    if (facts.deviceStatus == "warning") return Severity::kAttention;
-    return facts.deviceStatus.empty() && facts.printerStatus.empty() && !facts.errors
-               ? Severity::kUnknown
-               : errors;
+    const Severity severity = std::min(ErrorSeverity(facts), DeviceSeverity(facts));
+    if (severity != Severity::kFine) return severity;
+    return IsTold(facts.deviceStatus) || IsTold(facts.printerStatus) || facts.errors
+               ? Severity::kFine
+               : Severity::kUnknown;
 }
 
 // Of a level that is critical or needs attention.
@@ -150,16 +165,20 @@ const char* ProblemOf(const Level& level) {
 // Errors come before the state: a printer with an open door may still be "idle".
 std::string StateText(const PrinterFacts& facts) {
     if (facts.errors && !facts.errors->empty()) return ErrorText(facts);
-    const std::string& status = facts.printerStatus;
-    const bool isTold = !status.empty() && status != "other" && status != "unknown";
-    return PlainWords(isTold && facts.deviceStatus != "down" ? status : facts.deviceStatus);
+    const bool isOf = DeviceSeverity(facts) == Severity::kCritical || !IsTold(facts.printerStatus);
+    return PlainWords(isOf ? facts.deviceStatus : facts.printerStatus);
 }
 
 }  // namespace
 
 Severity ErrorSeverity(const PrinterFacts& facts) {
     if (!facts.errors || facts.errors->empty()) return Severity::kFine;
-    return AnyOf(*facts.errors, StopsPrinting) ? Severity::kCritical : Severity::kAttention;
+    const bool prints = facts.printerStatus == "printing" && facts.deviceStatus != "down";
+    const auto isCritical = [&](const std::string& error) {
+        const bool hasOtherTrays = error == "noPaper" || error == "inputTrayMissing";
+        return StopsPrinting(error) && !(prints && hasOtherTrays);
+    };
+    return AnyOf(*facts.errors, isCritical) ? Severity::kCritical : Severity::kAttention;
 }
 
 Severity SeverityOf(const Level& level, const LevelLimits& limits) {
@@ -290,6 +309,7 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
     PrinterSummary summary;
     summary.severity = StateSeverity(facts);
     summary.state = StateText(facts);
+    std::pair lowest(101, Severity::kFine);  // the worst one of the lowest level
     for (const Supply& supply : facts.supplies) {
         const Severity severity = SeverityOf(supply.level, limits);
         if (severity < summary.supplySeverity && severity != Severity::kUnknown) {
@@ -297,15 +317,22 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
             summary.supplyProblem = ProblemOf(supply.level);
         }
         const auto percent = PercentOf(supply.level);
-        if (!percent || (summary.lowestSupply && *percent >= *summary.lowestSupply)) continue;
+        if (!percent || std::pair(*percent, severity) >= lowest) continue;
+        lowest = {*percent, severity};
         summary.lowestSupply = percent;
-        summary.supply = std::to_string(*percent) + " % " + SupplyName(supply);
+        summary.supply = PercentText(supply.level) + " " + SupplyName(supply);
         summary.supplyColour = ColourWords(supply);
     }
     // It still prints, as far as its state tells.
-    if (summary.severity == Severity::kFine && summary.supplySeverity != Severity::kFine)
-        summary.severity = Severity::kAttention;
+    if (summary.supplySeverity != Severity::kFine)
+        summary.severity = std::min(summary.severity, Severity::kAttention);
     return summary;
+}
+
+std::string UnreadText(const PrinterLine& printer) {
+    std::vector<std::string> subjects;
+    for (const Gap& gap : printer.facts.gaps) IndexOrAppend(subjects, gap.subject);
+    return printer.problem.empty() ? Joined(subjects) : printer.problem;
 }
 
 std::string SuppliesText(const PrinterFacts& facts) {

@@ -125,8 +125,10 @@ struct PrinterLine {
     PrinterFacts facts;
     PrinterSummary summary;
     std::vector<std::string> addresses;
-    std::string problem;  // why not everything was read; empty: everything was
+    std::string problem;  // why reading ended early; empty: it did not
 };
+// The problem, or else the subjects of what could not be read: "description, serial number".
+std::string UnreadText(const PrinterLine& printer);
 
 // "Black toner: 62 % (62 of 100); Waste box: room left: 97 % (97 of 100)"
 std::string SuppliesText(const PrinterFacts& facts);

@@ -88,7 +88,7 @@ Asker ModuleEngine::Reported(Asker asker, const AskTarget& target, std::function
 PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
     const Device device = DeviceOf(target);
     const Asker asker = Reported(AskerOf(device), target, std::move(mayGoOn), 0);
-    return ReadInterfaces(asker, ReadPrinter(asker));
+    return ReadPrinter(asker, true);
 }
 
 FleetDevice ModuleEngine::ReadForList(const AskTarget& target, const FleetDevice& job,

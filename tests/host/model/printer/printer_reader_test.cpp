@@ -64,7 +64,19 @@ TEST(PrinterReader, StopsIfTheDeviceIsSilentOrRefuses) {
     EXPECT_TRUE(HasGap(answers, "trays", "prtInputCurrentLevel", "no answer"));
     EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
     EXPECT_FALSE(HasGap(answers, "supplies", "", ""));
-    EXPECT_EQ(4u, answers.gaps.size()) << "trays, alerts, panel, MAC address, each once";
+    EXPECT_TRUE(HasGap(answers, "trays", "", "not asked"));
+    EXPECT_EQ(5u, answers.gaps.size()) << "trays twice, alerts, panel, MAC address";
+}
+
+TEST(PrinterReader, WhatAnEarlyEndLeavesOutIsNotRead) {
+    ScriptedDevice device = Printer();
+    device.Text("prtMarkerSuppliesDescription.3.1", "Black");
+    device.failure = [](const Oid& asked) {
+        const bool isBefore = asked < OidOf("prtMarkerSuppliesSupplyUnit") ||
+                              IsWithin(asked, OidOf("prtMarkerSuppliesDescription"));
+        return isBefore ? Status::kAnswered : Status::kSendFailed;
+    };
+    EXPECT_EQ("Black: not read", SuppliesText(FactsOf(ReadPrinter(device.MakeAsker()))));
 }
 
 ScriptedDevice FullPrinter() {
@@ -92,10 +104,13 @@ TEST(PrinterReader, LosesOnlyTheVariableThatCannotBeRead) {
     ScriptedDevice whole = FullPrinter();
     const PrinterAnswers all = ReadPrinter(whole.MakeAsker());
     EXPECT_GT(all.values.size(), 35u);
-    for (const Status status : {Status::kUnreadable, Status::kNoAnswer, Status::kOnlyDiscovered}) {
+    for (const Status status :
+         {Status::kUnreadable, Status::kNoAnswer, Status::kOnlyDiscovered, Status::kRefused}) {
         for (const auto& [oid, value] : all.values) {
             // Without it, the device is read as one that lists no printer.
             if (IsWithin(oid, OidOf("hrDeviceType"))) continue;
+            // A refusal of the first one is of all.
+            if (status == Status::kRefused && IsWithin(oid, OidOf("sysUpTime"))) continue;
             ScriptedDevice device = FullPrinter();
             device.withheld[oid] = status;
             const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
@@ -106,6 +121,32 @@ TEST(PrinterReader, LosesOnlyTheVariableThatCannotBeRead) {
                     << NameText(other) << " without " << NameText(oid);
             }
         }
+    }
+}
+
+// Each silence takes as long as the module waits.
+TEST(PrinterReader, ASilentVariableLeavesTimeForOthers) {
+    ScriptedDevice sparse = Printer();
+    for (const char* name : {"sysDescr.0", "sysUpTime.0", "sysLocation.0"})
+        sparse.Text(name, "text");
+    sparse.Text(".1.3.6.1.4.1.9999.1.0", "of its maker");
+    const PrinterAnswers all = ReadPrinter(sparse.MakeAsker(), true);
+    for (const auto& [oid, value] : sparse.variables) {
+        if (IsWithin(oid, OidOf("hrDeviceType"))) continue;
+        ScriptedDevice device = sparse;
+        device.withheld[oid] = Status::kNoAnswer;
+        int64_t nowMs = 0;
+        Asker asker = device.MakeAsker();
+        asker.nowMs = [&] { return nowMs; };
+        asker.getNext = [&, ask = asker.getNext](const Oid& asked) {
+            Answer answer = ask(asked);
+            nowMs += answer.status == Status::kNoAnswer ? 10000 : 10;
+            return answer;
+        };
+        const PrinterAnswers answers = ReadPrinter(asker, true);
+        EXPECT_EQ(Status::kAnswered, answers.lastStatus) << NameText(oid) << ", " << nowMs;
+        EXPECT_EQ(all.values.size() - all.values.count(oid), answers.values.size())
+            << NameText(oid);
     }
 }
 
@@ -199,7 +240,7 @@ TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
 
     device.requests = 0;
     asker.nowMs = [&] { return static_cast<int64_t>(device.requests) * 2795; };
-    answers = ReadInterfaces(asker, ReadPrinter(asker));  // the time limit is of both
+    answers = ReadPrinter(asker, true);  // the time limit is of all
     EXPECT_EQ(43u, device.requests);
     EXPECT_TRUE(HasGap(answers, "interfaces", "ifDescr", "2 minutes"));
 }
@@ -223,10 +264,9 @@ ScriptedDevice WithInterfaces() {
 TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
     ScriptedDevice device = WithInterfaces();
     const Asker asker = device.MakeAsker();
-    PrinterAnswers printer = ReadPrinter(asker);
-    EXPECT_FALSE(printer.values.count(*ParseOidOrName("ifDescr.2")));
-    const size_t before = device.requests;
-    const PrinterAnswers answers = ReadInterfaces(asker, std::move(printer));
+    EXPECT_FALSE(ReadPrinter(asker).values.count(*ParseOidOrName("ifDescr.2")));
+    const size_t before = 2 * device.requests;
+    const PrinterAnswers answers = ReadPrinter(asker, true);
     EXPECT_EQ(7u, device.requests - before) << "three columns and their ends";
     EXPECT_TRUE(answers.gaps.empty());
     EXPECT_EQ(
@@ -239,15 +279,15 @@ TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
 TEST(Interfaces, SilentDeviceIsAskedNoFurther) {
     ScriptedDevice device = WithInterfaces();
     device.failure = [](const Oid& asked) {
-        return NameText(asked) == "ifPhysAddress" ? Status::kRefused : Status::kAnswered;
+        return NameText(asked) == "ifPhysAddress" ? Status::kSendFailed : Status::kAnswered;
     };
-    PrinterAnswers printer = ReadPrinter(device.MakeAsker());
-    const size_t before = device.requests;
-    printer = ReadInterfaces(device.MakeAsker(), std::move(printer));
+    ReadPrinter(device.MakeAsker());
+    const size_t before = 2 * device.requests;
+    const PrinterAnswers printer = ReadPrinter(device.MakeAsker(), true);
     EXPECT_EQ(before, device.requests);
     EXPECT_EQ("interfaces", printer.gaps.back().subject);
-    EXPECT_EQ(Status::kRefused, printer.lastStatus);
-    EXPECT_EQ("refused: ", printer.lastProblem);
+    EXPECT_EQ(Status::kSendFailed, printer.lastStatus);
+    EXPECT_EQ("the request could not be sent", printer.lastProblem);
 }
 
 TEST(Interfaces, SpeedsHaveTheLargestUnit) {
