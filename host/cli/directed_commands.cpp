@@ -257,6 +257,7 @@ int RunInfo(const Options& options) {
 
 int RunPrinter(const Options& options) {
     const Device device = OpenDevice(options);
+    const std::string start = UtcNow();
     PrinterAnswers answers;
     {
         std::atomic<size_t> requests{0};
@@ -268,7 +269,7 @@ int RunPrinter(const Options& options) {
             ++requests;
             return !watch.IsStopped();
         };
-        answers = ReadInterfaces(asker, ReadPrinter(asker));
+        answers = ReadPrinter(asker, true);
     }
     if (answers.values.empty()) {
         Warn(options.host + ": " +
@@ -277,7 +278,7 @@ int RunPrinter(const Options& options) {
         return std::max<int>(kNone, ExitCodeOf(answers.lastStatus));
     }
     PrinterFacts facts = FactsOf(answers);
-    facts.readTime = facts.upTicksTime = UtcNow();
+    facts.readTime = facts.upTicksTime = start;
     const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
     Report report = ReportOf(facts, context);
     report.push_back(InterfaceSection(facts));

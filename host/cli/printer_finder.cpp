@@ -146,8 +146,9 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
                 printer.problem = device.answers.lastProblem;
             } else if (!device.isRead) {
                 printer.problem = "stopped";
-            } else if (IsStateUnread(device.answers)) {
-                printer.problem = "state not read";
+            } else {
+                if (IsStateUnread(device.answers)) printer.problem = "state not read";
+                SetGaps(printer.facts, device.answers.gaps);
             }
         }
         if (!printer.facts.deviceIndex && printer.problem.empty()) {

@@ -62,8 +62,8 @@ Cells CellsOf(const PrinterLine& printer) {
     const PrinterSummary& summary = printer.summary;
     const bool isFine = summary.severity == Severity::kFine;
     const std::string state = summary.state.empty() ? printer.problem : summary.state;
-    return {(isFine ? "" : SeverityName(summary.severity) + std::string(": ")) + state,
-            summary.supply, printer.facts.name, printer.facts.model, Joined(printer.addresses)};
+    return {Joined({isFine ? "" : SeverityName(summary.severity), state}, ": "), summary.supply,
+            printer.facts.name, printer.facts.model, Joined(printer.addresses)};
 }
 
 std::string Cut(const std::string& text, size_t width) {
@@ -117,7 +117,7 @@ std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
                                                 facts.description,
                                                 CountText(facts),
                                                 SuppliesText(facts),
-                                                printer.problem};
+                                                UnreadText(printer)};
         text += JoinedAs(cells, CsvCell, ",") + "\n";
     }
     return text;

@@ -19,9 +19,9 @@ constexpr char kCoverStates[] =
     "other(1) unknown(2) coverOpen(3) coverClosed(4) interlockOpen(5) interlockClosed(6)";
 
 constexpr char kInterfaceTypes[] =
-    "other(1) ethernetCsmacd(6) iso88025TokenRing(9) fddi(15) ppp(23) softwareLoopback(24) "
-    "slip(28) propVirtual(53) ieee80211(71) tunnel(131) l2vlan(135) ieee1394(144) usb(160) "
-    "bridge(209)";
+    "other(1) ethernetCsmacd(6) iso88023Csmacd(7) iso88025TokenRing(9) fddi(15) ppp(23) "
+    "softwareLoopback(24) slip(28) propVirtual(53) fastEther(62) ieee80211(71) "
+    "gigabitEthernet(117) tunnel(131) l2vlan(135) ieee1394(144) usb(160) bridge(209)";
 constexpr char kInterfaceStates[] =
     "up(1) down(2) testing(3) unknown(4) dormant(5) notPresent(6) lowerLayerDown(7)";
 

@@ -331,7 +331,8 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
 
 std::string UnreadText(const PrinterLine& printer) {
     std::vector<std::string> subjects;
-    for (const Gap& gap : printer.facts.gaps) IndexOrAppend(subjects, gap.subject);
+    for (const Gap& gap : printer.facts.gaps)
+        if (!gap.reason.empty()) IndexOrAppend(subjects, gap.subject);
     return printer.problem.empty() ? Joined(subjects) : printer.problem;
 }
 

@@ -273,7 +273,8 @@ std::string PrintersJson(const std::vector<PrinterLine>& printers) {
                   {{"state", printer.summary.state}, {"lowestSupply", printer.summary.supply}});
         AddTexts(object, "addresses", printer.addresses);
         AddPrinter(object, printer.facts);
-        AddOrNull(object, {{"firmware", printer.facts.description}, {"notRead", printer.problem}});
+        AddOrNull(object,
+                  {{"firmware", printer.facts.description}, {"notRead", UnreadText(printer)}});
         array.Add(object);
     }
     return array.Finish();

@@ -40,9 +40,10 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
 Report ReportOf(const FoundDevice& device, const DeviceRow& row,
                 std::optional<std::vector<Gap>> gaps, const LevelLimits& limits) {
     PrinterFacts facts = *device.facts;
-    // Those of all answers.
-    facts.serialNumber = row.Text(Column::kSerial);
-    facts.macAddress = row.Text(Column::kMac);
+    // Those of all answers; a placeholder, which identifies nothing, is not among them.
+    for (const auto& [column, fact] : {std::pair(Column::kSerial, &PrinterFacts::serialNumber),
+                                       {Column::kMac, &PrinterFacts::macAddress}})
+        if (!row.Text(column).empty()) facts.*fact = row.Text(column);
     const bool isRead = device.hasVariables && gaps;
     if (isRead) SetGaps(facts, *std::move(gaps));
     Report parts =

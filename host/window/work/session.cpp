@@ -226,7 +226,8 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
     const FoundDevice* const device = DeviceOf(row);
     if (!device) return line;
     line.facts = *device->facts;
-    line.facts.serialNumber = row.Text(Column::kSerial);
+    if (!row.Text(Column::kSerial).empty()) line.facts.serialNumber = row.Text(Column::kSerial);
+    if (auto gaps = GapsOf(row)) SetGaps(line.facts, *std::move(gaps));
     line.summary = SummaryOf(line.facts, limits_);
     const auto& addresses = device->identity.Of(MergeKey::kAddress);
     line.addresses.assign(addresses.begin(), addresses.end());

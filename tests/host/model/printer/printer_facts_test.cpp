@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "host/model/scripted_device.h"
+#include "model/printer/report.h"
 
 namespace vndiscover::host {
 namespace {
@@ -36,9 +37,21 @@ TEST(PrinterFacts, UseTheDevicesCharacterSet) {
         device.Integer("prtGeneralCurrentLocalization.2", 3);
         device.Integer("prtLocalizationCharacterSet.2.1", set == 4 ? 106 : 4);
         device.Integer("prtLocalizationCharacterSet.2.3", set);
-        device.Text("prtGeneralPrinterName.2", text);
-        EXPECT_EQ(shown, Facts(device).name) << set;
+        device.Text("prtMarkerSuppliesDescription.2.1", text);
+        device.Text("prtGeneralPrinterName.2", "B\xC3\xBCro");  // no description
+        EXPECT_EQ(shown, Facts(device).supplies.at(0).description) << set;
+        EXPECT_EQ("B\xC3\xBCro", Facts(device).name) << set;
     }
+}
+
+TEST(PrinterFacts, OddLevelsMeanWhatTheyShould) {
+    ScriptedDevice device;
+    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")] = {kGauge32,
+                                                                       "\xFF\xFF\xFF\xFD"};
+    device.Integer("prtMarkerSuppliesLevel.1.2", 500);
+    device.Integer("prtMarkerSuppliesMaxCapacity.1.2", 10000);
+    device.Integer("prtMarkerSuppliesSupplyUnit.1.2", 19);
+    EXPECT_EQ("supply: some left; supply: 5 % (500 of 10000)", SuppliesText(Facts(device)));
 }
 
 TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {

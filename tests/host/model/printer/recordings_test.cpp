@@ -160,7 +160,7 @@ MAC address    02:00:5E:10:00:02
 Protocols      SNMPv1
 Description    Ostrava MFP 2.1
 Up since       (1 day, 0:00:01)
-Device         warning
+Device         ! warning
 Printer        another state
 Errors         ! low toner, maintenance overdue
 Alerts         !! critical: 9999, 40001
@@ -213,7 +213,7 @@ Address        10.77.1.20
 MAC address    (not given)
 Protocols      SNMPv1
 Description    Norrland InkStation 70 7.2
-Device         down
+Device         !! down
 Printer        unknown
 Errors         ! service requested
 Supplies       ink                           some left

@@ -20,7 +20,8 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     facts.trays = {{"", "A4", {120, 500, ""}}};
     facts.errors = std::vector<std::string>{"overduePreventMaint"};
     facts.alerts = {{"critical", "cover", "jam", "Door A", 9000},  // from before the restart
-                    {"warning", "other", "jam", "", 100}};
+                    {"warning", "other", "jam", "", 100},
+                    {"other", "", "powerUp", "", 0}};
     facts.gaps = {
         {"trays", "prtInputName", "no answer"}, {"trays", "prtInputMediaName", "too long"},
         {"name", "sysName", "no answer"},       {"name", "prtGeneralPrinterName", "too long"},
@@ -39,6 +40,7 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
         "Errors         ! maintenance overdue\n"
         "Alerts         !! critical: Door A (cover, jam)\n"
         "               ! warning: jam, for 0:00:04\n"
+        "               power up\n"
         "Supplies       Black                     [####......]  ! 40 % (400 of 1000)\n"
         "               ink cartridge                           some left, cyan\n"
         "               Fuser                     [#.........]  ! 5 % (5 of 100), fuser\n"
@@ -52,6 +54,34 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     EXPECT_EQ(std::string::npos, ReportText(report, {80, false, false}).find('!'));
     EXPECT_EQ(Severity::kFine, report[0].rows[0].severity);
     EXPECT_EQ(Severity::kUnknown, report.back().rows[0].severity);
+}
+
+// RFC 3805, the table of printer states.
+TEST(PrinterSummary, JudgesStatesAsTheyAreMeant) {
+    using Errors = std::optional<std::vector<std::string>>;
+    const std::tuple<const char*, const char*, Errors, Severity, const char*> rows[] = {
+        {"running", "idle", Errors(), Severity::kFine, "idle"},
+        {"down", "warmup", Errors(), Severity::kFine, "warming up"},
+        {"down", "warmup", {{"jammed"}}, Severity::kCritical, "jammed"},
+        {"down", "idle", Errors(), Severity::kCritical, "down"},
+        {"warning", "printing", {{"noPaper"}}, Severity::kAttention, "no paper"},
+        {"warning", "printing", {{"noPaper", "jammed"}}, Severity::kCritical, "no paper, jammed"},
+        {"warning", "idle", {{"noPaper"}}, Severity::kCritical, "no paper"},
+        {"unknown", "other", Errors(), Severity::kUnknown, "unknown"},
+        {"running", "other", Errors(), Severity::kFine, "running"},
+        {"", "", Errors(), Severity::kUnknown, ""}};
+    for (const auto& [device, printer, errors, severity, state] : rows) {
+        PrinterFacts facts;
+        facts.deviceStatus = device;
+        facts.printerStatus = printer;
+        facts.errors = errors;
+        EXPECT_EQ(severity, SummaryOf(facts).severity) << device << " " << printer;
+        EXPECT_EQ(state, SummaryOf(facts).state);
+        facts.supplies = {{"Few", "", "", {3, 1000, ""}}, {"None", "", "", {0, 1000, ""}}};
+        const PrinterSummary low = SummaryOf(facts);
+        EXPECT_EQ(std::min(severity, Severity::kAttention), low.severity) << state;
+        EXPECT_EQ("0 % None", low.supply);
+    }
 }
 
 TEST(PrinterReport, LeavesOutWhatWasNotAsked) {
