@@ -40,6 +40,15 @@ void CheckRequest(const char* argument, const std::string& community, const Oid&
     }
 }
 
+void CheckLongestCommunity(const std::string& community) {
+    const size_t size = ToAnsi(community).size();
+    if (size > kLongestCommunity) {
+        throw CLI::ValidationError("--community", "has " + std::to_string(size) + " bytes, but " +
+                                                      std::to_string(kLongestCommunity) +
+                                                      " at most leave room for what is read");
+    }
+}
+
 CLI::Option* AddFormat(CLI::App& command, Format& format, const std::vector<std::string>& names) {
     const auto choose = [&format, names](const std::string& text) {
         const auto name = std::find(names.begin(), names.end(), text);

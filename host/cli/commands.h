@@ -61,6 +61,8 @@ std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t
 const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // for a community alone
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize = 0);
+// The same if it leaves no room for the longest OID that is read of a printer.
+void CheckLongestCommunity(const std::string& community);
 
 // Adds --format; the names are of the first enumerators, and the first one is the default.
 CLI::Option* AddFormat(CLI::App& command, Format& format,

@@ -148,10 +148,13 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     const Device device = OpenDevice(options);
     VariableWriter writer(options.format == Format::kJson, options.withNames);
     int exitCode = kFound;
+    bool isSilent = false;
     const Asker asker = AskerOf(device);
     PatientAsker patient(asker);
     for (const Oid& oid : oids) {
-        const Answer answer = patient.Ask(oid, [&] { return (device.*ask)(oid); });
+        const Answer answer = isSilent ? Failed(Status::kNoAnswer, oid)
+                                       : patient.Ask(oid, [&] { return (device.*ask)(oid); });
+        isSilent = answer.status == Status::kNoAnswer;  // it answers nothing
         Show(writer, answer);
         // A failed send outranks a missing answer.
         exitCode = std::max(exitCode, ExitCodeOf(answer.status));
@@ -234,7 +237,11 @@ int RunWalk(const Options& options) {
 
 int RunInfo(const Options& options) {
     const Device device = OpenDevice(options);
-    const auto information = device.Information();
+    auto information = device.Information();
+    Answer answer;
+    if (!information) answer = device.Get(DefaultDiscoveryOid());  // tells why
+    if (answer.status == Status::kAnswered && answer.type == kOctetString)
+        information = answer.bytes;  // the former one was lost
     if (options.format == Format::kJson) {
         const JsonItem element(cJSON_CreateObject());
         AddText(element.get(), "host", options.host);
@@ -248,14 +255,14 @@ int RunInfo(const Options& options) {
         Print(ShownValue(*information) + "\n");
     }
     if (information) return kFound;
-    const Status status = device.Get(DefaultDiscoveryOid()).status;
-    const bool isThere = status != Status::kNoAnswer && status != Status::kSendFailed;
-    Warn(isThere ? options.host + " answered, without this object"
-                 : "no answer from " + options.host);
-    return kNone;
+    Warn(answer.status == Status::kAnswered   ? options.host + " answered, without this object"
+         : answer.status == Status::kNoAnswer ? "no answer from " + options.host
+                                              : options.host + ": " + Problem(answer));
+    return std::max<int>(kNone, ExitCodeOf(answer.status));
 }
 
 int RunPrinter(const Options& options) {
+    if (!options.v3.isOn) CheckLongestCommunity(options.community);
     const Device device = OpenDevice(options);
     const std::string start = UtcNow();
     PrinterAnswers answers;

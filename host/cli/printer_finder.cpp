@@ -66,8 +66,9 @@ void PrinterFinder::FindRefusals(const SweepWatch& watch) {
         ShowPhase("asking why " + NameOf(logins_[login]) + " gets no answer");
         const std::string& address = fleet_.Devices().front().address;
         const Answer answer = reader.GetNext(login, address, OidOf("sysDescr"));
-        if (answer.status == Status::kRefused)
-            refusals_.push_back(address + ", " + NameOf(logins_[login]) + ": " + answer.note);
+        // Silence may be that of a device without SNMPv3.
+        if (answer.status == Status::kRefused || answer.status == Status::kOnlyDiscovered)
+            refusals_.push_back(address + ", " + NameOf(logins_[login]) + ": " + Problem(answer));
     }
 }
 
@@ -85,11 +86,13 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
     const ResultWindow window([&](const char* address, const char* value) {
         scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
         answered_.insert(login);
-        if (!devices_.try_emplace(address, devices_.size()).second) return;
+        const auto [device, isNew] = devices_.try_emplace(address, devices_.size());
+        const bool isFirstValue = *value && valued_.insert(device->second).second;
         std::map<Oid, Answer> known;
         if (!by.security && *value) known[oid] = AnsweredWith(oid, kOctetString, value);
         const std::lock_guard<std::mutex> lock(mutex_);
-        fleet_.Add(address, login, std::move(known));
+        if (isNew) fleet_.Add(address, login, std::move(known));
+        if (!isNew && isFirstValue) fleet_.UseLogin(device->second, login, std::move(known));
     });
     wasSent_ |= RunSweep(window.Handle(), ResultWindow::kMessage, SweepFor(by, oid, useIPv6));
     window.Rethrow();

@@ -47,6 +47,7 @@ class PrinterFinder {
     std::vector<std::string> refusals_;
     Scan scan_;
     std::map<std::string, size_t> devices_;  // of the fleet, by address
+    std::set<size_t> valued_;                // of these, those that have given a value
 
     std::mutex mutex_;  // for what follows
     Fleet fleet_;

@@ -46,7 +46,7 @@ struct PrintersOptions {
 std::vector<Login> LoginsOf(const PrintersOptions& options, const std::vector<V3Options>& users) {
     std::vector<Login> logins;
     for (const std::string& community : options.communities) {
-        CheckRequest("--community", community, *ParseOidOrName(kPrinterObject));
+        CheckLongestCommunity(community);
         logins.push_back({community, nullptr});
     }
     if (logins.empty()) logins = {{"public", nullptr}, {VN_DEFAULT_COMMUNITY, nullptr}};
@@ -61,7 +61,9 @@ using Cells = std::array<std::string, kColumns>;
 Cells CellsOf(const PrinterLine& printer) {
     const PrinterSummary& summary = printer.summary;
     const bool isFine = summary.severity == Severity::kFine;
-    const std::string state = summary.state.empty() ? printer.problem : summary.state;
+    const std::string unread = printer.problem.empty() ? "" : "(" + printer.problem + ")";
+    const std::string state =
+        summary.state.empty() ? printer.problem : Joined({summary.state, unread}, " ");
     return {Joined({isFine ? "" : SeverityName(summary.severity), state}, ": "), summary.supply,
             printer.facts.name, printer.facts.model, Joined(printer.addresses)};
 }
@@ -155,7 +157,7 @@ int RunPrinters(const PrintersOptions& options, const std::vector<V3Options>& us
     WarnOf(finder, logins, printers, others);
     if (printers.empty()) return finder.WasSent() || finder.IsStopped() ? kNone : kSendFailed;
     const bool isFine = AllOf(printers, [](const PrinterLine& printer) {
-        return printer.summary.severity == Severity::kFine;
+        return printer.summary.severity == Severity::kFine && printer.problem.empty();
     });
     return options.isStrict && !isFine ? kNeedsAttention : kFound;
 }

@@ -192,11 +192,18 @@ int RunSweep(const SweepOptions& options) {
     Print(writer.End());
     WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep) : kNothingSent);
     if (!isStopped) keeper.AskDevices({options.community, security});
-    keeper.Save();
-    if (!csv.Problem().empty())
-        throw std::runtime_error("'" + options.csvPath + "' is incomplete" + csv.Problem());
-    if (devices > 0) return kFound;
-    return wasSent || isStopped ? kNone : kSendFailed;
+    int exitCode = devices > 0 ? kFound : wasSent || isStopped ? kNone : kSendFailed;
+    const auto fail = [&](const std::string& problem) {
+        Warn(problem);
+        exitCode = std::max<int>(exitCode, kNone);
+    };
+    try {
+        keeper.Save();
+    } catch (const std::runtime_error& error) {
+        fail(error.what());
+    }
+    if (!csv.Problem().empty()) fail("'" + options.csvPath + "' is incomplete" + csv.Problem());
+    return exitCode;
 }
 
 }  // namespace

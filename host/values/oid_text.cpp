@@ -69,7 +69,7 @@ std::optional<Oid> DecodeOid(std::string_view octets) {
         oid.push_back(static_cast<uint32_t>(arc));
         arc = 0;
     }
-    if (oid.empty() || isInside) return std::nullopt;
+    if (oid.empty() || oid.size() > kMaxArcs || isInside) return std::nullopt;
     return oid;
 }
 

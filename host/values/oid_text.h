@@ -20,7 +20,8 @@ std::optional<Oid> ParseOid(std::string_view text);
 // With a leading dot: ".1.3.6.1".
 std::string OidToText(const Oid& oid);
 
-// Content octets to arcs. Empty: no octets, an incomplete last arc, an arc over 32 bits.
+// Content octets to arcs. Empty: no octets, an incomplete last arc, an arc over 32 bits, more than
+// 128 arcs.
 std::optional<Oid> DecodeOid(std::string_view octets);
 
 // Arcs, at least two and of any size, to content octets.

@@ -160,7 +160,7 @@ class Reader {
     void Handle(const Question& question, const Answer& answer, bool isIt, const Oid& last) {
         if (answer.status == Status::kAnswered) {
             if (isIt) Save(answer);
-        } else if (!IsOnlyThisOne(answer) || IsUpTo(last)) {
+        } else if (!IsOnlyThisOne(answer) || IsUpTo(last, question.way == Way::kScalar)) {
             AddGap(question, answer);
         }
     }
@@ -206,7 +206,8 @@ class Reader {
         Oid other = EndOf(column);
         for (int attempt = 0; attempt < 2; ++attempt) {  // the table may lack the first one
             const Answer answer = Ask(Append(other, Tail(asked, column.size())));
-            if (answer.status != Status::kAnswered || !IsWithin(answer.oid, table)) break;
+            const bool isCell = IsWithin(answer.oid, table) && answer.oid.size() > column.size();
+            if (answer.status != Status::kAnswered || !isCell) break;
             Oid row = Append(column, Tail(answer.oid, column.size()));
             if (row > asked) return row;
             other = Head(answer.oid, column.size());
@@ -218,9 +219,11 @@ class Reader {
         return EndOf(row);
     }
 
-    // Whether a request for what follows `oid` gets past the variable that cannot be read.
-    bool IsUpTo(const Oid& oid) {
-        return !IsMisencoded(oid) && Ask(oid).status == Status::kAnswered;
+    // Whether a request for what follows `oid` gets past the variable that cannot be read. Two of
+    // those may follow each other; `isLikely`: what has this OID mostly exists.
+    bool IsUpTo(const Oid& oid, bool isLikely = false) {
+        const Status status = IsMisencoded(oid) ? Status::kNoAnswer : Ask(oid).status;
+        return status == Status::kAnswered || (isLikely && status == Status::kUnreadable);
     }
 
     // Computers that share a printer list hundreds of devices after it.

@@ -80,7 +80,7 @@ TEST(OidOctets, MalformedOnesAreRefused) {
     for (const Octets& octets : {Octets(), Octets({0x2B, 6, '\x81'}),                // cut
                                  Octets({0x2B, '\x90', '\x80', '\x80', '\x80', 0}),  // 2^32
                                  Octets({'\x90', '\x80', '\x80', '\x80', 0x50, 1}),  // 2.(2^32)
-                                 Octets(128, '\xFF')}) {
+                                 Octets(128, '\xFF'), Octets(128, '\x01')}) {
         EXPECT_FALSE(DecodeOid(octets));
     }
 }

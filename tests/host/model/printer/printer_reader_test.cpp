@@ -219,6 +219,28 @@ TEST(PrinterReader, EndlessTablesAreCut) {
     EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "OID not increasing"));
 }
 
+// Instead of a cell, the OID of the table's rows as a whole.
+TEST(PrinterReader, TablesThatAreVariablesDoNoHarm) {
+    ScriptedDevice device = Printer();
+    const Oid table = *ParseOid(".1.3.6.1.2.1.43.11.1.1");
+    Asker asker = device.MakeAsker();
+    asker.getNext = [&, ask = asker.getNext](const Oid& asked) {
+        if (!IsWithin(asked, table)) return ask(asked);
+        return asked == OidOf("prtMarkerSuppliesClass") ? Failed(Status::kUnreadable, asked)
+                                                        : AnsweredWith(table, kInteger, "1");
+    };
+    EXPECT_TRUE(HasGap(ReadPrinter(asker), "supplies", "prtMarkerSuppliesClass", "not increasing"));
+}
+
+TEST(PrinterReader, TwoScalarsInARowAreNotRead) {
+    ScriptedDevice device = FullPrinter();
+    for (const char* name : {"sysName.0", "sysLocation.0"})
+        device.withheld[*ParseOidOrName(name)] = Status::kUnreadable;
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_TRUE(HasGap(answers, "name", "sysName", ""));
+    EXPECT_TRUE(HasGap(answers, "location", "sysLocation", ""));
+}
+
 TEST(PrinterReader, StopsWhenTheCallerAsks) {
     ScriptedDevice device = Printer();
     Asker asker = device.MakeAsker();
