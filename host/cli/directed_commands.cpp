@@ -200,6 +200,11 @@ int RunSet(const Options& options) {
 // Reports why a walk stops and returns its exit code. Show has reported missing answers.
 int FinishWalk(const WalkEnd& end) {
     const std::string at = OidToText(end.at);
+    if (end.skipped > 0) {
+        Warn(end.SkippedText() + (end.skipped == 1 ? " variable was" : " variables were") +
+             " skipped");
+    }
+    if (end.last.status != Status::kAnswered) return ExitCodeOf(end.last.status);
     if (end.step == WalkStep::kLastReachable) {
         Warn("stopped at " + at +
              ": it has a number over 16383, or is too long to ask for what follows");
@@ -209,10 +214,6 @@ int FinishWalk(const WalkEnd& end) {
         Warn("stopped: OID not increasing: the device answers " + at +
              " with one that is not greater");
         return kNone;
-    }
-    if (end.skipped > 0) {
-        Warn(end.SkippedText() + (end.skipped == 1 ? " variable was" : " variables were") +
-             " skipped");
     }
     if (end.variables + end.skipped == 0) Warn("the device has no variables there");
     return end.variables > 0 ? kFound : kNone;
@@ -229,10 +230,9 @@ int RunWalk(const Options& options) {
         // False: the reader of a pipe has gone.
         [&](const Answer& answer) { return Print(writer.Row(answer)); },
         [&](const Answer& failure) { Show(writer, failure, "skipped what follows "); });
-    const bool isAnswered = end.last.status == Status::kAnswered;
-    if (!isAnswered) Show(writer, end.last);
+    if (end.last.status != Status::kAnswered) Show(writer, end.last);
     Print(writer.End());
-    return isAnswered ? FinishWalk(end) : ExitCodeOf(end.last.status);
+    return FinishWalk(end);
 }
 
 int RunInfo(const Options& options) {

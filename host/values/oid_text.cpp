@@ -103,9 +103,13 @@ bool IsWithin(const Oid& oid, const Oid& root) {
     return oid.size() >= root.size() && std::equal(root.begin(), root.end(), oid.begin());
 }
 
-Oid Head(const Oid& oid, size_t size) { return {oid.data(), oid.data() + size}; }
+Oid Head(const Oid& oid, size_t size) {
+    return {oid.begin(), oid.begin() + static_cast<ptrdiff_t>(std::min(size, oid.size()))};
+}
 
-Oid Tail(const Oid& oid, size_t start) { return {oid.data() + start, oid.data() + oid.size()}; }
+Oid Tail(const Oid& oid, size_t start) {
+    return {oid.begin() + static_cast<ptrdiff_t>(std::min(start, oid.size())), oid.end()};
+}
 
 Oid Append(Oid oid, const Oid& arcs) {
     oid.insert(oid.end(), arcs.begin(), arcs.end());

@@ -42,7 +42,8 @@ Oid JustBefore(Oid oid);
 // True for `root` itself too.
 bool IsWithin(const Oid& oid, const Oid& root);
 
-// The first arcs of an OID, those from `start` on, and an OID with further arcs behind it.
+// The first arcs of an OID, those from `start` on, both as far as it has them, and an OID with
+// further arcs behind it.
 Oid Head(const Oid& oid, size_t size);
 Oid Tail(const Oid& oid, size_t start);
 Oid Append(Oid oid, const Oid& arcs);

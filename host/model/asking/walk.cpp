@@ -1,6 +1,7 @@
 #include "model/asking/walk.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 
 #include "values/object_names.h"
@@ -72,6 +73,8 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
     return {ways.begin(), ways.end()};
 }
 
+constexpr size_t kMostSeen = 20000;
+
 class Walk {
   public:
     Walk(const Asker& asker, const Oid& root) : asker_(asker), patient_(asker), root_(root) {
@@ -83,6 +86,8 @@ class Walk {
         while (end_.step == WalkStep::kVariable && !HasStopped()) {
             Oid asked = end_.at;
             end_.last = patient_.GetNext(asked);
+            if (IsError(asked, end_.last))
+                end_.last = Failed(Status::kUnreadable, asked, "an error instead of a value");
             if (IsOnlyThisOne(end_.last)) {
                 const Answer failure = end_.last;
                 asked = Skip();
@@ -97,6 +102,8 @@ class Walk {
             ++end_.variables;
             end_.at = end_.last.oid;
             seen_.push_back(end_.at);
+            // Of a table without end, the rows before the last ones tell nothing more.
+            if (seen_.size() > kMostSeen) seen_.erase(seen_.begin(), seen_.end() - kMostSeen / 2);
             end_.isStopped = !onVariable(end_.last);
         }
         return end_;
@@ -109,22 +116,24 @@ class Walk {
     // the failure. If the variable is beyond the subtree, end_.step is kEnd.
     Oid Skip() {
         const bool isSilence = end_.last.status == Status::kSilentHere;
-        Oid beyond = root_;
-        ++beyond.back();
+        const Oid beyond = Beyond();
         if (HasStopped() || IsMisencoded(beyond)) return end_.at;
-        const Answer outside = patient_.GetNext(beyond);
-        if (IsOnlyThisOne(outside)) {
-            end_.step = WalkStep::kEnd;
-            end_.last = AnsweredWith(beyond, kEndOfMibView, "");
-        }
-        if (outside.status != Status::kAnswered) return end_.at;
-        const std::vector<Oid> ways = WaysPast(root_, end_.at, seen_);
+        Answer outside = patient_.GetNext(beyond);
+        if (outside.status != Status::kAnswered && !IsOnlyThisOne(outside)) return end_.at;
+        // If that failed too, the variable is perhaps the one that follows. Silence takes too long
+        // to try more.
+        const bool isAtEdge = outside.status != Status::kAnswered;
+        if (isAtEdge) outside = AnsweredWith(beyond, kEndOfMibView, "");
+        const std::vector<Oid> ways =
+            isAtEdge && isSilence ? std::vector<Oid>() : WaysPast(root_, end_.at, seen_);
         Answer sign = outside;  // that the device still answers
         const auto getsPast = [&](const Oid& way) {
             if (sign.status != Status::kAnswered) return true;
             const Answer answer = HasStopped() ? outside : asker_.getNext(way);
-            const bool isPast = answer.status == Status::kAnswered;
-            if (!isPast && answer.status != Status::kUnreadable) sign = patient_.GetNext(beyond);
+            const bool isError = IsError(way, answer);
+            const bool isPast = answer.status == Status::kAnswered && !isError;
+            if (!isPast && !isError && answer.status != Status::kUnreadable)
+                sign = patient_.GetNext(beyond);
             if (isPast) end_.last = answer;
             return isPast;
         };
@@ -135,11 +144,33 @@ class Walk {
                              : std::find_if(ways.begin(), ways.end(), getsPast);
         if (sign.status != Status::kAnswered) end_.last = sign;
         if (sign.status != Status::kAnswered) return end_.at;
+        if (way == ways.end() && isAtEdge) end_.step = WalkStep::kEnd;
         end_.isLeast |= way == ways.end() || !IsInstance(*way) ||
                         std::any_of(ways.begin(), way, [this](auto& one) { return IsLikely(one); });
         if (way != ways.end()) return *way;
         end_.last = outside;  // nothing after the variable can be reached
         return beyond;
+    }
+
+    // An SNMPv1 error answer repeats what was asked for, as the end of all variables does; but then
+    // there are none beyond the subtree.
+    bool IsError(const Oid& asked, const Answer& answer) {
+        const bool isRepeated = answer.status == Status::kAnswered && answer.oid == asked;
+        const Oid beyond = Beyond();
+        if (asker_.isV3 || !isRepeated || !IsNoValue(answer.type) || IsMisencoded(beyond))
+            return false;
+        if (!isMoreBeyond_) {
+            const Answer outside = patient_.GetNext(beyond);
+            isMoreBeyond_ = outside.status == Status::kAnswered && outside.oid > beyond;
+        }
+        return *isMoreBeyond_;
+    }
+
+    // What is asked for what follows the subtree.
+    Oid Beyond() const {
+        Oid beyond = root_;
+        ++beyond.back();
+        return WalkStart(beyond);
     }
 
     // Whether no more than one variable is passed by a request for what follows it: it is the next
@@ -171,6 +202,7 @@ class Walk {
     PatientAsker patient_;
     const Oid& root_;
     std::vector<Oid> seen_;
+    std::optional<bool> isMoreBeyond_;  // the device has variables there; empty: not yet asked
     WalkEnd end_;
 };
 

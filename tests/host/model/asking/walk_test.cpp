@@ -112,6 +112,39 @@ TEST(WalkPast, LosesOnlyWhatCannotBeRead) {
     EXPECT_LT(10u, exact);
 }
 
+// Though what follows the subtree cannot be read either; from .1 on too, whose end is .2.
+TEST(WalkPast, LosesNoMoreAtTheEdge) {
+    ScriptedDevice device;
+    for (const char* name : {"sysDescr.0", "sysUpTime.0", "ifDescr.1", ".1.3.6.1.4.1.9999.1.0"})
+        device.Text(name, "value");
+    for (const char* name : {"sysDescr.0", ".1.3.6.1.4.1.9999.1.0"})
+        device.withheld[*ParseOidOrName(name)] = Status::kUnreadable;
+    const auto isGood = [](const Answer&) { return true; };
+    const WalkEnd end = WalkSubtree(device.MakeAsker(), {1, 3, 6, 1, 2, 1}, isGood);
+    EXPECT_EQ(WalkStep::kEnd, end.step);
+    EXPECT_EQ(std::pair(size_t{2}, size_t{1}), std::pair(end.variables, end.skipped));
+    Asker asker = device.MakeAsker();
+    asker.getNext = [ask = asker.getNext](const Oid& asked) {
+        EXPECT_LT(1u, asked.size()) << "which the module cannot encode";
+        return ask(asked);
+    };
+    EXPECT_EQ(2u, WalkSubtree(asker, {1}, isGood).variables);
+}
+
+TEST(WalkPast, TellsAnErrorAnswerFromTheEnd) {
+    ScriptedDevice device;
+    for (const char* name : {"sysName.0", "ifDescr.1", "ifDescr.2", "ifType.1", ".1.3.6.1.4.1.1"})
+        device.Text(name, "value");
+    Asker asker = device.MakeAsker();
+    asker.getNext = [ask = asker.getNext](const Oid& asked) {
+        const Answer answer = ask(asked);
+        return answer.oid == *ParseOidOrName("ifDescr.1") ? AnsweredWith(asked, kNull, "") : answer;
+    };
+    const WalkEnd end = WalkSubtree(asker, {1, 3, 6, 1, 2, 1}, [](const Answer&) { return true; });
+    EXPECT_EQ(WalkStep::kEnd, end.step);
+    EXPECT_EQ(std::pair(size_t{3}, size_t{1}), std::pair(end.variables, end.skipped));
+}
+
 // Otherwise it would be asked in hundreds of ways, and the walk called complete.
 TEST(WalkPast, EndsWhenTheDeviceStopsAnswering) {
     const Oid mib2 = {1, 3, 6, 1, 2, 1}, beyond = {1, 3, 6, 1, 2, 2};
