@@ -31,40 +31,42 @@ void AddValue(cJSON* element, const Answer& answer) {
     if (answer.wholeSize > answer.bytes.size()) AddNumber(element, "wholeSize", answer.wholeSize);
 }
 
-}  // namespace
-
-std::string VariableWriter::TextLine(const Answer& answer) const {
+std::string ValueText(const Answer& answer, bool withNames) {
     if (answer.type == kNull) return "no value";
     if (IsNoValue(answer.type)) return "no value (" + TypeName(answer.type) + ")";
     std::string line = TypeName(answer.type) + ": ";
     line += answer.bytes.empty() ? "\"\""
-            : withNames_         ? FormatNamedValue(answer.oid, answer.type, answer.bytes)
+            : withNames          ? FormatNamedValue(answer.oid, answer.type, answer.bytes)
                                  : FormatValue(answer.type, answer.bytes);
     return line + CutNote(answer);
 }
 
-std::string VariableWriter::Row(const Answer& answer) {
-    if (isJson_) return JsonRow(answer);
-    if (answer.status != Status::kAnswered) return "";
-    return (withNames_ ? NameText(answer.oid) : OidToText(answer.oid)) + " = " + TextLine(answer) +
-           "\n";
-}
-
-std::string VariableWriter::JsonRow(const Answer& answer) {
-    const JsonItem element(cJSON_CreateObject());
+JsonItem ElementOf(const Answer& answer, bool withNames) {
+    JsonItem element(cJSON_CreateObject());
     AddText(element.get(), "oid", OidToText(answer.oid));
-    if (withNames_) AddText(element.get(), "name", NameText(answer.oid));
+    if (withNames) AddText(element.get(), "name", NameText(answer.oid));
     if (answer.status == Status::kAnswered) {
         AddText(element.get(), "type", TypeName(answer.type));
         AddValue(element.get(), answer);
         const std::string words = FormatNamedValue(answer.oid, answer.type, answer.bytes);
-        if ((withNames_ || IsBinary(answer)) && words != FormatValue(answer.type, answer.bytes))
+        if ((withNames || IsBinary(answer)) && words != FormatValue(answer.type, answer.bytes))
             AddText(element.get(), "text", words);
     } else {
         AddText(element.get(), "error", Problem(answer));
     }
-    array_.Add(element.get());
-    return array_.Flush();
+    return element;
+}
+
+}  // namespace
+
+std::string VariableWriter::Row(const Answer& answer) {
+    if (isJson_) {
+        array_.Add(ElementOf(answer, withNames_).get());
+        return array_.Flush();
+    }
+    if (answer.status != Status::kAnswered) return "";
+    return (withNames_ ? NameText(answer.oid) : OidToText(answer.oid)) + " = " +
+           ValueText(answer, withNames_) + "\n";
 }
 
 }  // namespace vndiscover::host

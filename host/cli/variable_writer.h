@@ -19,10 +19,6 @@ class VariableWriter {
     std::string End() { return isJson_ ? array_.Finish() : ""; }
 
   private:
-    std::string JsonRow(const Answer& answer);
-
-    std::string TextLine(const Answer& answer) const;
-
     bool isJson_;
     bool withNames_;
     JsonArray array_;
