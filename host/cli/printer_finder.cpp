@@ -13,6 +13,7 @@
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
 #include "values/object_names.h"
+#include "values/ranges.h"
 #include "values/text.h"
 #include "values/utc_time.h"
 
@@ -68,7 +69,9 @@ void PrinterFinder::FindRefusals(const SweepWatch& watch) {
         const Answer answer = reader.GetNext(login, address, OidOf("sysDescr"));
         // Silence may be that of a device without SNMPv3.
         if (answer.status == Status::kRefused || answer.status == Status::kOnlyDiscovered)
-            refusals_.push_back(address + ", " + NameOf(logins_[login]) + ": " + Problem(answer));
+            refusals_.push_back(
+                address + ", " + NameOf(logins_[login]) + ": " +
+                (answer.status == Status::kRefused ? answer.note : Problem(answer)));
     }
 }
 
@@ -87,15 +90,35 @@ void PrinterFinder::Sweep(size_t login, bool useIPv6, const char* object) {
         scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
         answered_.insert(login);
         const auto [device, isNew] = devices_.try_emplace(address, devices_.size());
-        const bool isFirstValue = *value && valued_.insert(device->second).second;
+        if (isNew) answeredBy_.emplace_back();
+        IndexOrAppend(answeredBy_[device->second], login);
+        if (!isNew) return;
         std::map<Oid, Answer> known;
         if (!by.security && *value) known[oid] = AnsweredWith(oid, kOctetString, value);
         const std::lock_guard<std::mutex> lock(mutex_);
-        if (isNew) fleet_.Add(address, login, std::move(known));
-        if (!isNew && isFirstValue) fleet_.UseLogin(device->second, login, std::move(known));
+        fleet_.Add(address, login, std::move(known));
     });
     wasSent_ |= RunSweep(window.Handle(), ResultWindow::kMessage, SweepFor(by, oid, useIPv6));
     window.Rethrow();
+}
+
+// One that is no printer by this login is read by the next one that it has answered, too: a login
+// may see less than another one.
+FleetDevice PrinterFinder::Read(FleetDevice job, Reader& reader,
+                                const std::function<bool()>& maySend) const {
+    const std::vector<size_t>& logins = answeredBy_[job.index];
+    for (auto next = std::find(logins.begin(), logins.end(), job.login);;) {
+        Asker asker;
+        asker.isV3 = logins_[job.login].security != nullptr;
+        asker.mayGoOn = maySend;
+        asker.getNext = [&](const Oid& oid) { return reader.GetNext(job.login, job.address, oid); };
+        FleetDevice result = ReadJob(job, asker);
+        const bool isKnown = result.answers.lastStatus != Status::kAnswered ||
+                             FactsOf(result.answers).deviceIndex.has_value();
+        if (!job.isState || isKnown || ++next == logins.end()) return result;
+        job.login = *next;
+        job.answers = {};
+    }
 }
 
 void PrinterFinder::ReadAll(const SweepWatch& watch) {
@@ -106,13 +129,7 @@ void PrinterFinder::ReadAll(const SweepWatch& watch) {
     FleetReaders::Work work;
     work.makeReader = [&] { return std::make_unique<ReaderProcess>(logins_, job.Get()); };
     work.read = [&](const FleetDevice& one, Reader* reader, const std::function<bool()>& maySend) {
-        Asker asker;
-        asker.isV3 = logins_[one.login].security != nullptr;
-        asker.mayGoOn = maySend;
-        asker.getNext = [&](const Oid& oid) {
-            return reader->GetNext(one.login, one.address, oid);
-        };
-        return ReadJob(one, asker);
+        return Read(one, *reader, maySend);
     };
     FleetReaders readers(fleet_, mutex_, std::move(work));
     readers.Start(kMaxReaders);

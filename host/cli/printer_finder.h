@@ -37,6 +37,7 @@ class PrinterFinder {
 
   private:
     void Sweep(size_t login, bool useIPv6, const char* object);
+    FleetDevice Read(FleetDevice job, Reader& reader, const std::function<bool()>& maySend) const;
     void ReadAll(const SweepWatch& watch);
     void FindRefusals(const SweepWatch& watch);
     void ShowPhase(std::string phase);
@@ -46,8 +47,8 @@ class PrinterFinder {
     std::set<size_t> answered_;  // logins that any device answered
     std::vector<std::string> refusals_;
     Scan scan_;
-    std::map<std::string, size_t> devices_;  // of the fleet, by address
-    std::set<size_t> valued_;                // of these, those that have given a value
+    std::map<std::string, size_t> devices_;        // of the fleet, by address
+    std::vector<std::vector<size_t>> answeredBy_;  // of each of these, the logins, in their order
 
     std::mutex mutex_;  // for what follows
     Fleet fleet_;

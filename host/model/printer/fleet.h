@@ -37,12 +37,6 @@ class Fleet {
   public:
     // `known`: variables that need not be requested.
     void Add(std::string address, size_t login, std::map<Oid, Answer> known);
-    // Before it is read: another login lets this device give more.
-    void UseLogin(size_t index, size_t login, std::map<Oid, Answer> known) {
-        devices_[index].login = login;
-        devices_[index].answers.values = std::move(known);
-    }
-
     // Empty: none is left, or the last ones are being done and may leave further ones.
     std::optional<FleetDevice> Next();
     void Done(FleetDevice job);

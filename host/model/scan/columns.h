@@ -59,8 +59,8 @@ struct ColumnInfo {
 // bar.
 inline constexpr ColumnInfo kColumns[] = {
     {Column::kName, [](const RowSource& source) { return source.device.facts->name; }, 85, 1},
-    {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 120, 2},
-    {Column::kAddress, AddressCell, 100, 3, true, ColumnInfo::Order::kAddress},
+    {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 114, 2},
+    {Column::kAddress, AddressCell, 94, 3, true, ColumnInfo::Order::kAddress},
     {Column::kSerial,
      [](const RowSource& source) { return IdentityCell(source, MergeKey::kSerial); }, 105, 6,
      false},

@@ -167,6 +167,7 @@ TEST_F(Lists, SelectedRowIsFramedWithoutTheFocus) {
         SetFocus(focused);
         EXPECT_EQ(!focused, HasFrame());
     }
+    list_.SetDpi(96);  // with images, between which and the text the gap was
     list_.SetColumns({{IDS_FACT_WHAT, 50}, {IDS_PROTOCOL, 60}});
     EXPECT_TRUE(IsGapSelected(50));
 }
