@@ -74,7 +74,8 @@ Examples:
   vndiscover info 192.168.1.20
   vndiscover info fe80::215:99ff:fe01:203 --community public
 
-Exit codes: 0 answered, 1 no answer, 2 wrong usage.)";
+Exit codes: 0 answered, 1 no answer, 2 wrong usage, 3 the request could not be
+sent.)";
 
 constexpr char kPrinterExamples[] =
     R"(Reads the standard variables of a printer and explains them: model, serial
@@ -240,8 +241,8 @@ int RunInfo(const Options& options) {
     auto information = device.Information();
     Answer answer;
     if (!information) answer = device.Get(DefaultDiscoveryOid());  // tells why
-    if (answer.status == Status::kAnswered && answer.type == kOctetString)
-        information = answer.bytes;  // the former one was lost
+    const bool isText = answer.status == Status::kAnswered && answer.type == kOctetString;
+    if (isText && !answer.bytes.empty()) information = answer.bytes;  // the former one was lost
     if (options.format == Format::kJson) {
         const JsonItem element(cJSON_CreateObject());
         AddText(element.get(), "host", options.host);

@@ -167,8 +167,10 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
             } else if (!device.isRead) {
                 printer.problem = "stopped";
             } else {
-                if (IsStateUnread(device.answers)) printer.problem = "state not read";
-                SetGaps(printer.facts, device.answers.gaps);
+                const bool hasState =
+                    !printer.facts.printerStatus.empty() || printer.facts.errors.has_value();
+                if (IsStateUnread(device.answers) && !hasState) printer.problem = "state not read";
+                if (printer.facts.gaps.empty()) SetGaps(printer.facts, device.answers.gaps);
             }
         }
         if (!printer.facts.deviceIndex && printer.problem.empty()) {

@@ -32,6 +32,7 @@ namespace {
 // Remains if no answer came: a readable answer has its type, and an unreadable one has 0.
 constexpr uint32_t kNotSet = UINT32_MAX;
 constexpr char kTooLongForV1[] = "no value, or too long for SNMPv1; SNMPv3 may read it";
+const Oid kUpTime = {1, 3, 6, 1, 2, 1, 1, 3};  // that tells whether a device is there
 constexpr char kLowLevel[] = "this user may not read it at this security level";
 
 std::string_view Bytes(const uint8_t* bytes, size_t count) {
@@ -125,7 +126,7 @@ const char* Device::Host() const {
 bool Device::IsThere(bool isPing) const {
     constexpr unsigned kPingMs = 1000;
     if (isPing) return VxPing(host_.c_str(), kPingMs) != 0;
-    const Status status = GetNext({1, 3, 6, 1, 2, 1, 1, 3}).status;
+    const Status status = GetNext(kUpTime).status;
     return status != Status::kNoAnswer && status != Status::kSendFailed;
 }
 
@@ -169,7 +170,9 @@ Answer Device::GetV3(const Oid& oid) const {
 
 Answer Device::GetNext(const Oid& oid) const {
     Answer answer = security_ ? GetNextV3(oid) : GetNextV1(oid);
-    if (answer.status == Status::kNoAnswer || answer.status == Status::kSendFailed) {
+    // Silence for another object may be of that alone.
+    const bool isSilent = answer.status == Status::kNoAnswer && oid == kUpTime;
+    if (isSilent || answer.status == Status::kSendFailed) {
         // It may be on another adapter by now: the next reading finds out.
         Zones& known = KnownZones();
         const std::lock_guard<std::mutex> lock(known.mutex);

@@ -55,7 +55,7 @@ std::string ShortTime(const std::string& utc) {
     const std::string local = LocalTimeBefore(utc, 0), now = LocalTimeBefore(UtcNow(), 0);
     const bool isToday =
         !timeFormat && !local.empty() && local.compare(0, kTime, now, 0, kTime) == 0;
-    return isToday ? local.substr(kTime) : local;
+    return isToday ? local.substr(kTime) : local.empty() ? utc : local;
 }
 
 void SetTimeFormat(TimeFormat format) { timeFormat = format; }

@@ -89,7 +89,10 @@ bool PatientAsker::HasSign(const Oid& oid) {
     const Oid objectId = {1, 3, 6, 1, 2, 1, 1, 2}, upTime = {1, 3, 6, 1, 2, 1, 1, 3},
               name = {1, 3, 6, 1, 2, 1, 1, 5};
     const bool leadsThere = IsWithin(oid, objectId) || oid == upTime;
-    const Answer sign = asker_.getNext(leadsThere ? name : upTime);
+    Answer sign = asker_.getNext(leadsThere ? name : upTime);
+    // It may be lost as well.
+    if (IsSilence(sign) && hasAnswered_ && asker_.MayGoOn())
+        sign = asker_.getNext(leadsThere ? name : upTime);
     return !IsSilence(sign) && sign.status != Status::kSendFailed;
 }
 
@@ -106,7 +109,7 @@ void PatientAsker::NoteAnswer(const Answer& answer) {
     }
 }
 
-Answer PatientAsker::GetNext(const Oid& oid) {
+Answer PatientAsker::GetNextSoon(const Oid& oid) {
     // Whether no variable has come that is between `oid` and what was silent.
     const auto after = silent_.upper_bound(oid);
     bool leadsToSilence = after != silent_.end() && oid >= after->second.before;

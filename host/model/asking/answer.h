@@ -77,15 +77,18 @@ struct Asker {
 // is still no answer, sysUpTime tells whether the device is silent or only this variable. If the
 // device answers, the request is sent a third time: of hundreds, some lose two datagrams in a row.
 // Then the variable is kSilentHere, and is not asked for again. A device that has not answered
-// anything yet is asked for sysUpTime first: one that is switched off costs two waits. A request
-// that may lead to such a variable again is not repeated, since each silence takes seconds, and
-// none is sent between two that did.
+// anything yet is asked for sysUpTime first: one that is switched off costs two waits.
 class PatientAsker {
   public:
     // `asker` must outlive it.
     explicit PatientAsker(const Asker& asker, bool hasAnswered = false)
         : asker_(asker), hasAnswered_(hasAnswered) {}
-    Answer GetNext(const Oid& oid);
+    Answer GetNext(const Oid& oid) {
+        return Ask(oid, [&] { return asker_.getNext(oid); });
+    }
+    // The same for few requests in little time, since each silence takes seconds: one that may lead
+    // to a silent variable again is not repeated, and none is sent between two that did.
+    Answer GetNextSoon(const Oid& oid);
     // `ask` sends the request for `oid`.
     Answer Ask(const Oid& oid, const std::function<Answer()>& ask, bool isRepeated = true);
 

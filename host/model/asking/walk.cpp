@@ -73,6 +73,19 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
     return {ways.begin(), ways.end()};
 }
 
+// The first way that gets past. Several variables may be too long. A silence takes seconds, so few
+// ways are tried then; the last one before that which gets past may have been lost.
+template <class GetsPast>
+std::vector<Oid>::const_iterator FirstOf(const std::vector<Oid>& ways, bool isSilence,
+                                         const GetsPast& getsPast) {
+    if (!isSilence) return std::find_if(ways.begin(), ways.end(), getsPast);
+    const auto failed = [&](const Oid& way) { return !getsPast(way); };
+    auto first = std::partition_point(ways.begin(), ways.end(), failed);
+    while (first != ways.begin() && getsPast(*(first - 1)))
+        first = std::partition_point(ways.begin(), first - 1, failed);
+    return first;
+}
+
 constexpr size_t kMostSeen = 20000;
 
 class Walk {
@@ -126,9 +139,12 @@ class Walk {
         if (isAtEdge) outside = AnsweredWith(beyond, kEndOfMibView, "");
         const std::vector<Oid> ways =
             isAtEdge && isSilence ? std::vector<Oid>() : WaysPast(root_, end_.at, seen_);
-        Answer sign = outside;  // that the device still answers
+        Answer sign = outside;  // of the device, that it still answers
+        const auto isAlive = [&] {
+            return sign.status == Status::kAnswered || IsOnlyThisOne(sign);
+        };
         const auto getsPast = [&](const Oid& way) {
-            if (sign.status != Status::kAnswered) return true;
+            if (!isAlive()) return true;
             const Answer answer = HasStopped() ? outside : asker_.getNext(way);
             const bool isError = IsError(way, answer);
             const bool isPast = answer.status == Status::kAnswered && !isError;
@@ -137,13 +153,11 @@ class Walk {
             if (isPast) end_.last = answer;
             return isPast;
         };
-        // A silence takes seconds, so few ways are tried. Several variables may be too long.
-        const auto way = isSilence
-                             ? std::partition_point(ways.begin(), ways.end(),
-                                                    [&](const Oid& one) { return !getsPast(one); })
-                             : std::find_if(ways.begin(), ways.end(), getsPast);
-        if (sign.status != Status::kAnswered) end_.last = sign;
-        if (sign.status != Status::kAnswered) return end_.at;
+        const auto way = FirstOf(ways, isSilence, getsPast);
+        if (!isAlive()) {
+            end_.last = sign;
+            return end_.at;
+        }
         if (way == ways.end() && isAtEdge) end_.step = WalkStep::kEnd;
         end_.isLeast |= way == ways.end() || !IsInstance(*way) ||
                         std::any_of(ways.begin(), way, [this](auto& one) { return IsLikely(one); });

@@ -49,7 +49,7 @@ void Fleet::Done(FleetDevice job) {
     const bool isPostponed = job.isLate != devices_[job.index].isLate;
     if (!isPostponed) {
         const PrinterFacts facts = job.isState ? FactsOf(job.answers) : PrinterFacts();
-        if (facts.deviceIndex || IsStateUnread(job.answers))
+        if (job.isState && (facts.deviceIndex || IsStateUnread(job.answers)))
             job.severity = SummaryOf(facts).severity;
         const bool isCutShort = job.answers.lastStatus != Status::kAnswered;
         job.isRead = isCutShort || !job.isState || !job.severity;

@@ -148,7 +148,8 @@ class Reader {
     void ReadRow(const Question& question, const Oid& oid) {
         if (IsMisencoded(oid)) {
             const Answer first = Ask(OidOf(question.object));
-            if (first.status == Status::kAnswered && first.oid == oid) return Save(first);
+            if (first.status != Status::kAnswered) return AddGap(question, first);
+            if (first.oid == oid) return Save(first);
             AddGap(question, true, "the printer's index is over 16383 and cannot be requested");
         } else if (answers_.values.count(oid) == 0) {
             const Answer answer = Ask(JustBefore(oid));
@@ -250,12 +251,18 @@ class Reader {
     }
 
     Answer Ask(const Oid& oid) {
-        Answer answer = MayGoOn() ? patient_.GetNext(oid) : Failed(Status::kNoAnswer, oid);
+        Answer answer = MayGoOn() ? patient_.GetNextSoon(oid) : Failed(Status::kNoAnswer, oid);
+        // One that lets its user read other variables refuses only this one; some in a row are all.
+        constexpr size_t kManyRefusals = 40;
+        if (answer.status == Status::kAnswered) refusals_ = 0;
+        if (answer.status == Status::kRefused && !answers_.values.empty() &&
+            ++refusals_ < kManyRefusals)
+            return Failed(Status::kUnreadable, oid, Problem(answer));
         // The silent variable may be behind a table that the device lacks, or the rest of it: then
         // none of it needs to be asked for.
         const Oid* const object = StandardObjectOf(oid);
         if (answer.status == Status::kSilentHere && object && MayGoOn())
-            patient_.GetNext(EndOf(Head(*object, object->size() - 1)));
+            patient_.GetNextSoon(EndOf(Head(*object, object->size() - 1)));
         return answer;
     }
 
@@ -267,9 +274,7 @@ class Reader {
     void AddGap(const Question& question, const Answer& failure) {
         const std::string problem = stopReason_ ? stopReason_ : Problem(failure);
         AddGap(question, true, problem);
-        // One that lets its user read other variables refuses only this one.
-        const bool isOnlyRefused = failure.status == Status::kRefused && !answers_.values.empty();
-        hasStopped_ = stopReason_ || !(IsOnlyThisOne(failure) || isOnlyRefused);
+        hasStopped_ = stopReason_ || !IsOnlyThisOne(failure);
         if (!hasStopped_) return;
         answers_.lastStatus = failure.status;
         answers_.lastProblem = problem;
@@ -290,6 +295,7 @@ class Reader {
     PrinterAnswers answers_;
     int64_t startMs_;
     bool hasStopped_ = false;
+    size_t refusals_ = 0;               // since the last answer
     const char* stopReason_ = nullptr;  // set by the caller or the time limit
 };
 

@@ -31,18 +31,19 @@ std::vector<Oid> RowsOf(const PrinterAnswers& answers, const Oid& column);
 
 std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
 
-// The device has the state of a printer, but it could not be read.
+// The state of a printer was asked for, but could not be read.
 bool IsStateUnread(const PrinterAnswers& answers);
 
 // Far more than a device needs; one that answers each request just in time would take hours.
 constexpr int64_t kMaxReadMs = 120000;
 
 // About 40 objects: a request for each variable, and for the end of each column of a table. Ends
-// early if the device falls silent or refuses. No request is sent after kMaxReadMs.
-// `withInterfaces`: three further columns, of the network interfaces.
+// early if the device falls silent or refuses several in a row. No request is sent after
+// kMaxReadMs. `withInterfaces`: three further columns, of the network interfaces.
 PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces = false);
 
-// Whether the device is a printer, and its state: at most four requests for what is not known.
+// Whether the device is a printer, and its state: at most four requests for what is not known, and
+// more only if one of them fails.
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 
 // Adds to the values and gaps of the state what a list of printers shows besides it: names, serial

@@ -110,6 +110,8 @@ std::vector<Gap> Merged(const std::vector<Gap>& gaps, std::string Gap::*key) {
     std::vector<Gap> merged;
     for (const Gap& gap : gaps) {
         Gap* known = FindIf(merged, [&](const Gap& one) { return one.*key == gap.*key; });
+        // The rest of a subject was not asked for since the reading ended.
+        if (known && key == &Gap::subject && gap.object.empty()) continue;
         if (!known) known = &merged.emplace_back();
         for (const auto& [text, separator] :
              {std::pair(&Gap::subject, ", "), {&Gap::object, ", "}, {&Gap::reason, "; "}}) {
@@ -165,8 +167,9 @@ const char* ProblemOf(const Level& level) {
 // Errors come before the state: a printer with an open door may still be "idle".
 std::string StateText(const PrinterFacts& facts) {
     if (facts.errors && !facts.errors->empty()) return ErrorText(facts);
-    const bool isOf = DeviceSeverity(facts) == Severity::kCritical || !IsTold(facts.printerStatus);
-    return PlainWords(isOf ? facts.deviceStatus : facts.printerStatus);
+    const bool isDeviceStatus =
+        DeviceSeverity(facts) == Severity::kCritical || !IsTold(facts.printerStatus);
+    return PlainWords(isDeviceStatus ? facts.deviceStatus : facts.printerStatus);
 }
 
 }  // namespace
@@ -175,8 +178,8 @@ Severity ErrorSeverity(const PrinterFacts& facts) {
     if (!facts.errors || facts.errors->empty()) return Severity::kFine;
     const bool prints = facts.printerStatus == "printing" && facts.deviceStatus != "down";
     const auto isCritical = [&](const std::string& error) {
-        const bool hasOtherTrays = error == "noPaper" || error == "inputTrayMissing";
-        return StopsPrinting(error) && !(prints && hasOtherTrays);
+        const bool isOfOneTray = error == "noPaper" || error == "inputTrayMissing";
+        return StopsPrinting(error) && !(prints && isOfOneTray);
     };
     return AnyOf(*facts.errors, isCritical) ? Severity::kCritical : Severity::kAttention;
 }

@@ -12,20 +12,19 @@
 #include "values/ranges.h"
 
 namespace vndiscover::host {
+Oid ObjectOf(const Oid& variable) {
+    const Oid* const object = StandardObjectOf(variable);
+    if (!object) return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
+    const Oid &first = OidOf("prtMarkerSuppliesClass"), &last = OidOf("prtMarkerSuppliesLevel");
+    return first <= *object && *object <= last ? last : *object;
+}
+
 namespace {
 
 // What answers to one question have in common. `object`: of a variable, or asked for by a sweep.
 using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oid>;
 // Of an address: for what takes the place of a removed answer.
 using Origin = std::tuple<std::string, SweepKind, bool>;
-
-Oid ObjectOf(const Oid& variable) {
-    const Oid* const object = StandardObjectOf(variable);
-    if (!object) return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
-    // A list reads these columns together: none keeps rows of an earlier reading beside the others.
-    const Oid &first = OidOf("prtMarkerSuppliesClass"), &last = OidOf("prtMarkerSuppliesLevel");
-    return first <= *object && *object <= last ? last : *object;
-}
 
 bool IsVariable(const ScanSweep& sweep) { return sweep.form == AnswerForm::kVariable; }
 
@@ -42,6 +41,11 @@ Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer) {
 
 Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
     return {answer.address, KindOf(sweep), IsVariable(sweep)};
+}
+
+// A reading replaces all of its own protocol: another one may be able to read more.
+Origin ReadingOf(const ScanSweep& sweep, const ScanAnswer& answer) {
+    return {answer.address, sweep.kind, true};
 }
 
 bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {
@@ -89,7 +93,7 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
         latest(sweeps, QuestionOf(sweep, answer), answer.sweep);
         if (!IsVariable(sweep)) continue;
-        if (sweep.isComplete) latest(readings, OriginOf(sweep, answer), answer.sweep);
+        if (sweep.isComplete) latest(readings, ReadingOf(sweep, answer), answer.sweep);
         if (IsState(answer.answer.oid)) latest(states, OriginOf(sweep, answer), answer.sweep);
     }
     const auto isFormer = [](const auto& known, const auto& key, size_t sweep) {
@@ -103,7 +107,7 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
         if (isFormer(sweeps, QuestionOf(sweep, answer), answer.sweep)) continue;
         if (IsVariable(sweep)) {
             const Origin origin = OriginOf(sweep, answer);
-            if (isFormer(readings, origin, answer.sweep)) continue;
+            if (isFormer(readings, ReadingOf(sweep, answer), answer.sweep)) continue;
             if (IsOfState(answer.answer.oid) && isFormer(states, origin, answer.sweep)) continue;
         }
         current.push_back(index);

@@ -65,6 +65,10 @@ inline AnswerForm FormOf(SweepKind kind, const Oid& oid) {
 // Whether a variable says what state a printer is in. A reading of no more leaves out its alerts.
 bool IsState(const Oid& oid);
 
+// The object of a variable. The columns of supplies are one: a list reads them together, and none
+// keeps rows of an earlier reading beside the others.
+Oid ObjectOf(const Oid& variable);
+
 // Those of the answers with these ascending indexes that no later one from the same address
 // replaces. A sweep replaces the answers to the same question; a reading, by whichever protocol,
 // the variables of each object that it read, or all if it is complete; a state replaces alerts and

@@ -37,7 +37,6 @@ struct Reading {
     bool hasValues{};    // there were some
     std::string time{};  // of its end, as in ScanAnswer
     bool isStateOnly{};  // the rest is read later
-    bool isForList{};    // not everything is asked for
     bool IsRefused() const {
         return end.lastStatus == Status::kRefused || end.lastStatus == Status::kOnlyDiscovered;
     }

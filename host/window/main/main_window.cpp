@@ -139,7 +139,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
 
 MainWindow::MainWindow(Engine& engine, StartOptions options) {
     state.options = std::move(options);
-    if (!state.options.exit) SetTimeFormat(SystemTime);  // a script's files are always the same
+    // What a script gets of a state does not depend on the user's settings.
+    SetTimeFormat(state.options.exit ? nullptr : SystemTime);
     state.showRows = [this] {
         if (state.session.Refresh()) scans.RecordChanges();
         panes.ShowRows();

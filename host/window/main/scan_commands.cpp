@@ -85,7 +85,8 @@ void ScanCommands::SetFile(const std::wstring& file) {
 
 // "monday.json, scan of 9:12 AM"
 std::wstring ScanCommands::NameOf(const std::wstring& file) const {
-    const std::wstring time = ToWide(ShortTime(TimeOf(state_.session.GetScan())));
+    // With its date: it stays there past midnight.
+    const std::wstring time = LocalTime(TimeOf(state_.session.GetScan()));
     return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
 }
 

@@ -108,7 +108,7 @@ void Searches::EndStartSearch() {
     const auto former = isEmpty && !path.empty() ? LoadScan(path, ignored) : std::nullopt;
     const bool isKept = former && !former->answers.empty();
     if (isKept) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
-    const bool mayWrite = !isUnsent_ && !isKept;  // both files, or none
+    const bool mayWrite = !isUnsent_ && !isKept;  // what an earlier search has left
     bool isLost = mayWrite && !path.empty() && !scans_.SaveTo(path);
     isLost |= mayWrite && !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;

@@ -62,7 +62,7 @@ void CallsWindow::Refresh() {
 
 void CallsWindow::Begin() {
     BeginDialog(Text(IDS_CALLS_TITLE), IDC_CALLS,
-                {{IDS_CALL_TIME, 80},
+                {{IDS_CALL_TIME, 120},
                  {IDS_CALL_EXPORT, 360},
                  {IDS_CALL_DURATION, 65},
                  {IDS_CALL_RESULT, 190}},

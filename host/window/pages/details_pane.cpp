@@ -62,12 +62,12 @@ TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
         // More than the device's number can tell.
         constexpr wchar_t kLimit[] = L"over ";
         const std::wstring speed = ToWide(one.speed);
+        const bool isLoopback = one.physicalAddress.empty() && one.type == "software loopback";
         const bool isLimit = speed.rfind(kLimit, 0) == 0;
-        rows.push_back(
-            {ToWide(one.description), ToWide(one.operStatus),
-             isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
-             one.physicalAddress.empty() ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress),
-             ToWide(one.type), ToWide(one.adminStatus)});
+        rows.push_back({ToWide(one.description), ToWide(one.operStatus),
+                        isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
+                        isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress),
+                        ToWide(one.type), ToWide(one.adminStatus)});
     }
     return rows;
 }

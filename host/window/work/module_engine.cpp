@@ -56,7 +56,8 @@ bool ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
     call.result = "0";  // always
     call.answers = answers;
     // A Probe also leaves by the loopback, which takes as long.
-    const bool wasSent = call.milliseconds >= kLeastSweepMs && (!isWsd || IsOnANetwork());
+    const bool wasSent =
+        call.milliseconds >= kLeastSweepMs && (!isWsd || answers > 0 || IsOnANetwork());
     ReportCall(std::move(call));
     window.Rethrow();
     return wasSent;
@@ -80,6 +81,7 @@ Asker ModuleEngine::Reported(Asker asker, const AskTarget& target, std::function
                           : Problem(answer);
         if (answer.status == Status::kAnswered) call.walk = walk;  // a failure is shown by itself
         ReportCall(std::move(call));
+        answer.time = UtcNow();
         return answer;
     };
     return asker;

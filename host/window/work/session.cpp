@@ -75,7 +75,7 @@ void Session::AddReading(Results::Read read) {
     const SweepKind kind = read.target.Kind();
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
-    const std::string since = read.isForList ? WholeReadingTime(address) : "";
+    const std::set<Oid> older = OlderObjects(read);
     const bool isComplete = !read.isForList && isWhole;
     scan_.sweeps.push_back({kind,
                             AnswerForm::kVariable,
@@ -86,7 +86,7 @@ void Session::AddReading(Results::Read read) {
                             isComplete,
                             NumberOf(read.target.login)});
     for (auto& [oid, variable] : read.answers.values) {
-        if (!variable.time.empty() && variable.time < since) continue;
+        if (older.count(ObjectOf(oid)) != 0) continue;
         answer.time = variable.time.empty() ? read.time : std::exchange(variable.time, "");
         answer.answer = std::move(variable);
         scan_.answers.push_back(answer);
@@ -100,21 +100,24 @@ void Session::AddReading(Results::Read read) {
     }
     isUnsaved_ |= hasValues;
     read.answers.values.clear();
-    readings_[{address, kind}] = {address,       kind,      std::move(read.answers),
-                                  hasValues,     read.time, read.isStateOnly,
-                                  read.isForList};
+    readings_[{address, kind}] = {address,   kind,      std::move(read.answers),
+                                  hasValues, read.time, read.isStateOnly};
 }
 
-// When the last reading of everything ended: what a list's read before that is older.
-std::string Session::WholeReadingTime(const std::string& address) const {
-    std::string last;
-    for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
-        const auto found = readings_.find({address, kind});
-        const Reading* const reading = found == readings_.end() ? nullptr : &found->second;
-        if (reading && reading->hasValues && !reading->isForList)
-            last = std::max(last, reading->time);
+// What a list's reading handed in late is older than what was read of the device meanwhile.
+std::set<Oid> Session::OlderObjects(const Results::Read& read) {
+    std::set<Oid> older;
+    for (const auto& [oid, variable] : read.answers.values) {
+        const Oid object = ObjectOf(oid);
+        if (!read.isForList) {
+            std::string& time = whole_[read.target.address][object];
+            time = std::max(time, variable.time);
+        } else if (const auto known = whole_.find(read.target.address); known != whole_.end()) {
+            const auto time = known->second.find(object);
+            if (time != known->second.end() && variable.time <= time->second) older.insert(object);
+        }
     }
-    return last;
+    return older;
 }
 
 void Session::EndReadings() {
@@ -165,6 +168,7 @@ void Session::SetScan(Scan scan) {
     deviceMaker_ = DeviceMaker();
     rowMaker_ = std::make_unique<RowMaker>(limits_);
     readings_.clear();
+    whole_.clear();
     beingRead_.clear();
     sweeps_.clear();
     isUnsaved_ = false;
@@ -233,7 +237,9 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
     line.addresses.assign(addresses.begin(), addresses.end());
     if (row.standing.kind != Standing::Kind::kRead &&
         row.standing.kind != Standing::Kind::kBeingRead)
-        line.problem = StateText(row.standing, {});
+        line.problem = row.standing.kind == Standing::Kind::kMissed
+                           ? "no answer since " + row.standing.lastAnswer
+                           : StateText(row.standing, {});
     if (!row.standing.Holds()) line.summary = {};
     return line;
 }

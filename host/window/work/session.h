@@ -89,7 +89,7 @@ class Session {
     size_t NumberOf(const Login& login);
     std::vector<std::pair<size_t, size_t>> SplitsOf(const DeviceRow& row) const;
     std::vector<Reading> ReadingsOf(const std::vector<size_t>& answers) const;
-    std::string WholeReadingTime(const std::string& address) const;
+    std::set<Oid> OlderObjects(const Results::Read& read);
     std::optional<Reading> LastReadingOf(const std::vector<size_t>& answers) const;
     std::vector<Standing> Standings() const;
 
@@ -108,6 +108,8 @@ class Session {
     LevelLimits limits_;
     std::map<WorkerId, size_t> sweeps_;  // indexes of those that are running
     std::map<std::pair<std::string, SweepKind>, Reading> readings_;  // by address and protocol
+    // When the objects of an address were read for its details, with all others.
+    std::map<std::string, std::map<Oid, std::string>> whole_;
     std::multiset<std::string> beingRead_;
     bool isChanged_ = false, isUnsaved_ = false;
 };

@@ -328,7 +328,7 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
                 unknown = Joined({unknown, host});
             }
         }
-        Report(&Results::OnResolved, addresses, unknown);
+        if (stops_ == before) Report(&Results::OnResolved, addresses, unknown);
     });
 }
 

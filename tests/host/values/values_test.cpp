@@ -76,6 +76,11 @@ TEST(OidOctets, ConvertBothWays) {
     }
 }
 
+TEST(Oids, PartsAreNoLongerThanTheWhole) {
+    EXPECT_EQ(Oid(), Tail({1, 3}, 3));
+    EXPECT_EQ(Oid({1, 3}), Head({1, 3}, 3));
+}
+
 TEST(OidOctets, MalformedOnesAreRefused) {
     for (const Octets& octets : {Octets(), Octets({0x2B, 6, '\x81'}),                // cut
                                  Octets({0x2B, '\x90', '\x80', '\x80', '\x80', 0}),  // 2^32

@@ -5,8 +5,6 @@
 
 #include <commctrl.h>
 
-#include <cmath>
-
 #include "window/controls/owners.h"
 
 namespace vndiscover::host {
@@ -49,17 +47,6 @@ TEST(Bars, HaveTheColoursOfTheirRow) {
     EXPECT_EQ(RGB(0, 160, 216), GetPixel(dc.Get(), 4 + 2, 10));  // seen although it is low
     DestroyWindow(other);
     DestroyWindow(list);
-}
-
-// As guidelines for readable text ask, which compare the light of two colours (WCAG 2.2, 1.4.3).
-TEST(GreyText, IsReadable) {
-    const auto light = [](COLORREF colour) {
-        const auto part = [](int value) { return std::pow((value / 255.0 + 0.055) / 1.055, 2.4); };
-        return 0.2126 * part(GetRValue(colour)) + 0.7152 * part(GetGValue(colour)) +
-               0.0722 * part(GetBValue(colour));
-    };
-    EXPECT_GT(light(GetSysColor(COLOR_WINDOW)) + 0.05, 4.5 * (light(GreyText()) + 0.05));
-    EXPECT_NE(GetSysColor(COLOR_WINDOWTEXT), GreyText());
 }
 
 }  // namespace

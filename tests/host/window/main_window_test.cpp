@@ -239,20 +239,18 @@ TEST_F(MainWindowTest, KeepsSettings) {
     EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
     // An earlier version has kept two columns, of which it hid the second.
     int32_t former[] = {0b11101, 0, 77, 88, 1, 0, 0b10, 1, 0, 0, 0, 0, 0, 50, 5, 20};
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, former, sizeof former - 4);
-    Open();
-    EXPECT_EQ(0u, window_->state.settings.refreshMinutes) << "it has another size";
     RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, former, sizeof former);
     Open();
     const Settings& kept = window_->state.settings;
     EXPECT_EQ(5u, kept.refreshMinutes);
     EXPECT_EQ(77, kept.widths[0]);
+    EXPECT_EQ(0b10u, kept.hidden & 0b11);
     EXPECT_EQ(kColumns[2].width, kept.widths[2]);
     EXPECT_EQ(1, kept.order[0]);
     EXPECT_EQ(2, kept.order[2]);
     // An invalid value counts as none.
-    const char broken[92] = "x";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, broken, sizeof broken);
+    former[4] = 0;  // a place is taken twice
+    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"View", REG_BINARY, former, sizeof former);
     Open();
     EXPECT_FALSE(IsDlgButtonChecked(window_->Handle(), IDC_IPV6));
     RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View");

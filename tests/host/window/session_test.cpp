@@ -92,14 +92,13 @@ TEST_F(Sessions, DeviceIsAskedWhereItAnsweredLast) {
 }
 
 // Its first round, or the first try of a slow device, may be older than what the user has had read
-// meanwhile, by whichever protocol.
+// meanwhile; supplies are one thing.
 TEST_F(Sessions, LateListReadingLeavesANewerState) {
     const std::string minutes[] = {"2026-11-25T04:10:00Z", "2026-11-25T04:20:00Z",
                                    "2026-11-25T04:30:00Z"};
     using Values = std::vector<std::tuple<const char*, const char*, int>>;
     const auto add = [&](int minute, bool isForList, const Values& values) {
         Results::Read read = {{"10.77.1.1"}, minutes[minute], {}, isForList};
-        if (!isForList) read.target.UseUser(std::make_shared<const Security>());
         for (const auto& [name, bytes, at] : values) {
             const Oid oid = *ParseOidOrName(name);
             Answer& answer = read.answers.values[oid] = AnsweredWith(oid, kInteger, bytes);
@@ -109,14 +108,22 @@ TEST_F(Sessions, LateListReadingLeavesANewerState) {
     };
     add(0, true, {{"hrPrinterStatus.1", "\3", 0}});
     add(1, false,
-        {{"sysUpTime.0", "\1", 1}, {"hrPrinterStatus.1", "\4", 1}, {"prtAlertCode.1.1", "\3", 1}});
-    add(2, true, {{"hrPrinterStatus.1", "\3", 0}, {"prtMarkerSuppliesLevel.1.1", "\7", 2}});
+        {{"sysUpTime.0", "\1", 1},
+         {"hrPrinterStatus.1", "\4", 1},
+         {"prtAlertCode.1.1", "\3", 1},
+         {"prtMarkerSuppliesLevel.1.1", "\x9", 1}});
+    for (int round = 0; round < 2; ++round) {
+        add(2, true,
+            {{"hrPrinterStatus.1", "\3", 1},
+             {"prtMarkerSuppliesType.1.1", "\3", 0},
+             {"prtMarkerSuppliesLevel.1.1", "\7", 2}});
+    }
     session_.Refresh();
     const PrinterFacts& facts = *session_.DeviceOf(session_.view.Row(0))->facts;
     EXPECT_EQ("printing", facts.printerStatus);
     EXPECT_EQ(minutes[1], facts.readTime);
     EXPECT_EQ(1u, facts.alerts.size());
-    EXPECT_EQ(1u, facts.supplies.size());
+    EXPECT_EQ(9, facts.supplies.at(0).level.level);
 }
 
 // Without a user, one that has answered over SNMPv3 is asked over SNMPv1.

@@ -179,6 +179,17 @@ TEST(WalkPast, GoesOnAfterASilentVariableAndLoss) {
         EXPECT_EQ(7u, seen) << NameText(variable.first);
         EXPECT_GT(40u, device.requests);
     }
+    // Both, for any place of the loss.
+    for (size_t lost = 1; lost < 40; ++lost) {
+        device.withheld = {{*ParseOidOrName("ifDescr.1"), Status::kNoAnswer}};
+        device.failure = [&](const Oid&) {
+            return device.requests == lost ? Status::kNoAnswer : Status::kAnswered;
+        };
+        seen = device.requests = 0;
+        const WalkEnd end = WalkSubtree(device.MakeAsker(), {1, 3, 6, 1, 2, 1}, count);
+        EXPECT_EQ(WalkStep::kEnd, end.step) << lost;
+        EXPECT_EQ(7u, seen) << lost;
+    }
     device.withheld.clear();
     device.failure = [&](const Oid&) {
         return device.requests % 3 == 2 ? Status::kNoAnswer : Status::kAnswered;

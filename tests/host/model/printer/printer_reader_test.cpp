@@ -219,19 +219,6 @@ TEST(PrinterReader, EndlessTablesAreCut) {
     EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "OID not increasing"));
 }
 
-// Instead of a cell, the OID of the table's rows as a whole.
-TEST(PrinterReader, TablesThatAreVariablesDoNoHarm) {
-    ScriptedDevice device = Printer();
-    const Oid table = *ParseOid(".1.3.6.1.2.1.43.11.1.1");
-    Asker asker = device.MakeAsker();
-    asker.getNext = [&, ask = asker.getNext](const Oid& asked) {
-        if (!IsWithin(asked, table)) return ask(asked);
-        return asked == OidOf("prtMarkerSuppliesClass") ? Failed(Status::kUnreadable, asked)
-                                                        : AnsweredWith(table, kInteger, "1");
-    };
-    EXPECT_TRUE(HasGap(ReadPrinter(asker), "supplies", "prtMarkerSuppliesClass", ""));
-}
-
 TEST(PrinterReader, TwoScalarsInARowAreNotRead) {
     ScriptedDevice device = FullPrinter();
     for (const char* name : {"sysName.0", "sysLocation.0"})
@@ -253,18 +240,12 @@ TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
     ScriptedDevice device = Printer();
     Asker asker = device.MakeAsker();
     asker.nowMs = [&] { return 5 + static_cast<int64_t>(device.requests) * 4000; };
-    PrinterAnswers answers = ReadPrinter(asker);
+    const PrinterAnswers answers = ReadPrinter(asker);
     EXPECT_EQ(30u, device.requests);
     EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "2 minutes"));
     EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
     EXPECT_TRUE(answers.isStopped);
     EXPECT_EQ(Status::kNoAnswer, answers.lastStatus);
-
-    device.requests = 0;
-    asker.nowMs = [&] { return static_cast<int64_t>(device.requests) * 2795; };
-    answers = ReadPrinter(asker, true);  // the time limit is of all
-    EXPECT_EQ(43u, device.requests);
-    EXPECT_TRUE(HasGap(answers, "interfaces", "ifDescr", "2 minutes"));
 }
 
 ScriptedDevice WithInterfaces() {
@@ -296,20 +277,6 @@ TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
         "               LAN\xEF\xBF\xBD port    down, 100 Mbit/s, 02:10:20:30:40:50, ethernet "
         "csmacd, set to up\n",
         ReportText({InterfaceSection(FactsOf(answers))}, {100}));
-}
-
-TEST(Interfaces, SilentDeviceIsAskedNoFurther) {
-    ScriptedDevice device = WithInterfaces();
-    device.failure = [](const Oid& asked) {
-        return NameText(asked) == "ifPhysAddress" ? Status::kSendFailed : Status::kAnswered;
-    };
-    ReadPrinter(device.MakeAsker());
-    const size_t before = 2 * device.requests;
-    const PrinterAnswers printer = ReadPrinter(device.MakeAsker(), true);
-    EXPECT_EQ(before, device.requests);
-    EXPECT_EQ("interfaces", printer.gaps.back().subject);
-    EXPECT_EQ(Status::kSendFailed, printer.lastStatus);
-    EXPECT_EQ("the request could not be sent", printer.lastProblem);
 }
 
 TEST(Interfaces, SpeedsHaveTheLargestUnit) {

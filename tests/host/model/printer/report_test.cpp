@@ -60,13 +60,11 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
 TEST(PrinterSummary, JudgesStatesAsTheyAreMeant) {
     using Errors = std::optional<std::vector<std::string>>;
     const std::tuple<const char*, const char*, Errors, Severity, const char*> rows[] = {
-        {"running", "idle", Errors(), Severity::kFine, "idle"},
         {"down", "warmup", Errors(), Severity::kFine, "warming up"},
         {"down", "warmup", {{"jammed"}}, Severity::kCritical, "jammed"},
         {"down", "idle", Errors(), Severity::kCritical, "down"},
         {"warning", "printing", {{"noPaper"}}, Severity::kAttention, "no paper"},
         {"warning", "printing", {{"noPaper", "jammed"}}, Severity::kCritical, "no paper, jammed"},
-        {"warning", "idle", {{"noPaper"}}, Severity::kCritical, "no paper"},
         {"unknown", "other", Errors(), Severity::kUnknown, "unknown"},
         {"running", "other", Errors(), Severity::kFine, "running"},
         {"", "", Errors(), Severity::kUnknown, ""}};
