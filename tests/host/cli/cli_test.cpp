@@ -191,7 +191,9 @@ TEST_F(ScanKeeperTest, ClosingConsoleAndLoggingOffSaveWhatIsKnown) {
         keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
         keeper.Add("10.77.1.20", "hello");
         std::thread(end).detach();
-        for (int wait = 0; wait < 400 && !FileExists(path_); ++wait) Sleep(10);
+        std::string problem;
+        bool isBroken = false;  // or still held by the other thread
+        for (int wait = 0; wait < 400 && !LoadScan(path_, isBroken, problem); ++wait) Sleep(10);
         EXPECT_EQ(1U, LoadScan(path_, "").answers.size());
         keeper.Add("10.77.1.21", "late");
         keeper.Save();
