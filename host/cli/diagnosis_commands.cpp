@@ -60,7 +60,7 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
         diagnosis.isUnknown = true;
         return diagnosis;
     }
-    CheckRequest("--community", options.community, kSystem);
+    CheckRequest("--community", options.community, Append(kSystem, {1, 0}));
     const Device v1({options.community, nullptr}, address);
     v1.ChooseAdapter();
     const Device v3(

@@ -141,7 +141,7 @@ class Walk {
             isAtEdge && isSilence ? std::vector<Oid>() : WaysPast(root_, end_.at, seen_);
         Answer sign = outside;  // of the device, that it still answers
         const auto isAlive = [&] {
-            return sign.status == Status::kAnswered || IsOnlyThisOne(sign);
+            return sign.status == Status::kAnswered || sign.status == Status::kUnreadable;
         };
         const auto getsPast = [&](const Oid& way) {
             if (!isAlive()) return true;

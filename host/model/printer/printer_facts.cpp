@@ -197,7 +197,8 @@ class Facts {
     Level LevelOf(const char* object, const char* maximum, const char* unit, const Oid& row) const {
         Level level = {Signed(object, row), Signed(maximum, row), UnitText(unit, row)};
         if (Number(unit, row) != kPercent) return level;
-        level.isPercent = level.maximum != 1000 && level.maximum != 10000;
+        level.isPercent = (level.level <= 100 || level.maximum.value_or(0) <= 100) &&
+                          level.maximum != 1000 && level.maximum != 10000;
         if (!level.isPercent) level.unit.clear();  // tenths or hundredths of a percent
         return level;
     }

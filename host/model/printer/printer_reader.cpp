@@ -79,7 +79,7 @@ constexpr Question kMac[] = {
 };
 const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
-constexpr size_t kMaxFailures = 8;  // in a column
+constexpr size_t kMaxFailures = 8, kMaxRefusals = 2;  // in a column
 
 Oid EndOf(Oid oid) {
     ++oid.back();
@@ -181,7 +181,8 @@ class Reader {
                     return;
                 }
                 if (hasStopped_) return;
-                if (++failures > kMaxFailures) return AddGap(question, answer);
+                const size_t most = refusals_ == 0 ? kMaxFailures : kMaxRefusals;
+                if (++failures > most) return AddGap(question, answer);
                 asked = row ? *row : RowOfNextColumn(column, asked);
                 continue;
             }
@@ -224,7 +225,9 @@ class Reader {
     // those may follow each other; `isLikely`: what has this OID mostly exists.
     bool IsUpTo(const Oid& oid, bool isLikely = false) {
         const Status status = IsMisencoded(oid) ? Status::kNoAnswer : Ask(oid).status;
-        return status == Status::kAnswered || (isLikely && status == Status::kUnreadable);
+        const bool isRefused = refusals_ > 1;  // this request, and the one before
+        return status == Status::kAnswered || isRefused ||
+               (isLikely && status == Status::kUnreadable);
     }
 
     // Computers that share a printer list hundreds of devices after it.
@@ -255,9 +258,9 @@ class Reader {
         // One that lets its user read other variables refuses only this one; some in a row are all.
         constexpr size_t kManyRefusals = 40;
         if (answer.status == Status::kAnswered) refusals_ = 0;
-        if (answer.status == Status::kRefused && !answers_.values.empty() &&
-            ++refusals_ < kManyRefusals)
-            return Failed(Status::kUnreadable, oid, Problem(answer));
+        const bool isOnlyThisOne = answer.status == Status::kRefused && !answers_.values.empty() &&
+                                   (++refusals_ < kManyRefusals || Printer());
+        if (isOnlyThisOne) return Failed(Status::kUnreadable, oid, Problem(answer));
         // The silent variable may be behind a table that the device lacks, or the rest of it: then
         // none of it needs to be asked for.
         const Oid* const object = StandardObjectOf(oid);

@@ -71,8 +71,8 @@ Oid ObjectOf(const Oid& variable);
 
 // Those of the answers with these ascending indexes that no later one from the same address
 // replaces. A sweep replaces the answers to the same question; a reading, by whichever protocol,
-// the variables of each object that it read, or all if it is complete; a state replaces alerts and
-// the panel's text, and a column of supplies the others.
+// the variables of each object that it read, or all of its own protocol if it is complete; a state
+// replaces alerts and the panel's text, and a column of supplies the others.
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
 
 // Removes the others, and sweeps without answers before the last search. Returns each answer's new

@@ -83,7 +83,7 @@ void ScanCommands::SetFile(const std::wstring& file) {
     ChangeText(state_.window, file.empty() ? title : file + L" - " + title);
 }
 
-// "monday.json, scan of 9:12 AM"
+// "monday.json, scan of 11/23/2026 9:12:00 AM"
 std::wstring ScanCommands::NameOf(const std::wstring& file) const {
     // With its date: it stays there past midnight.
     const std::wstring time = LocalTime(TimeOf(state_.session.GetScan()));

@@ -237,9 +237,10 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
     line.addresses.assign(addresses.begin(), addresses.end());
     if (row.standing.kind != Standing::Kind::kRead &&
         row.standing.kind != Standing::Kind::kBeingRead)
-        line.problem = row.standing.kind == Standing::Kind::kMissed
-                           ? "no answer since " + row.standing.lastAnswer
-                           : StateText(row.standing, {});
+        line.problem =
+            row.standing.kind == Standing::Kind::kMissed && !row.standing.lastAnswer.empty()
+                ? "no answer since " + row.standing.lastAnswer
+                : StateText(row.standing, {});
     if (!row.standing.Holds()) line.summary = {};
     return line;
 }

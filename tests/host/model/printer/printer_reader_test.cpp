@@ -124,6 +124,19 @@ TEST(PrinterReader, LosesOnlyTheVariableThatCannotBeRead) {
     }
 }
 
+TEST(PrinterReader, RefusedTablesAreToldAndCostLittle) {
+    ScriptedDevice device = FullPrinter();
+    const Oid printerMib = {1, 3, 6, 1, 2, 1, 43};
+    for (const auto& [oid, value] : device.variables)
+        if (IsWithin(oid, printerMib)) device.withheld[oid] = Status::kRefused;
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_EQ(Status::kAnswered, answers.lastStatus);
+    EXPECT_TRUE(HasGap(answers, "serial number", "prtGeneralSerialNumber", "refused"));
+    EXPECT_TRUE(HasGap(answers, "supplies", "prtMarkerSuppliesLevel", "refused"));
+    EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("ifPhysAddress.1")));
+    EXPECT_GT(250u, device.requests);
+}
+
 // Each silence takes as long as the module waits.
 TEST(PrinterReader, ASilentVariableLeavesTimeForOthers) {
     ScriptedDevice sparse = Printer();
