@@ -233,8 +233,9 @@ class SnmpDialog : public Dialog {
         if (user->user.empty()) user.reset();
         const auto saved = user ? Save(name, *user) : std::optional(SaveResult::kSaved);
         if (!saved) return;
-        if (!user || !name.empty())
-            DeleteProfile(L"");  // the user is no longer kept without a name
+        // The user is no longer kept without a name.
+        if ((!user || !name.empty()) && !DeleteProfile(L""))
+            ShowMessage(Text(IDS_PROFILE_NOT_DELETED));
         SaveLastProfile(name);
         const SaveResult kept = KeepCommunities(typed);
         ShowResult(*saved == SaveResult::kSaved ? kept : *saved);

@@ -128,6 +128,8 @@ SaveResult WriteValue(const std::wstring& key, const wchar_t* name, const Bytes&
     return isWritten ? SaveResult::kSaved : SaveResult::kNotWritten;
 }
 
+bool IsGone(LSTATUS deleted) { return deleted == ERROR_SUCCESS || deleted == ERROR_FILE_NOT_FOUND; }
+
 bool HasValue(const std::wstring& name) {
     return RegGetValueW(HKEY_CURRENT_USER, KeyOf(name).c_str(), kUserValue, RRF_RT_ANY, nullptr,
                         nullptr, nullptr) == ERROR_SUCCESS;
@@ -235,7 +237,7 @@ SaveResult SaveProfile(const std::wstring& name, const Security& security) {
 }
 
 bool DeleteProfile(const std::wstring& name) {
-    return HasKey(name) && RegDeleteKeyW(HKEY_CURRENT_USER, KeyOf(name).c_str()) == ERROR_SUCCESS;
+    return HasKey(name) && IsGone(RegDeleteKeyW(HKEY_CURRENT_USER, KeyOf(name).c_str()));
 }
 
 std::optional<std::wstring> KeptCommunities() {
@@ -247,10 +249,8 @@ std::optional<std::wstring> KeptCommunities() {
 
 SaveResult KeepCommunities(const std::wstring& text) {
     if (text.empty()) {
-        const LSTATUS status =
-            RegDeleteKeyValueW(HKEY_CURRENT_USER, kBrowserKey, kCommunitiesValue);
-        const bool isGone = status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
-        return isGone ? SaveResult::kSaved : SaveResult::kNotWritten;
+        const auto status = RegDeleteKeyValueW(HKEY_CURRENT_USER, kBrowserKey, kCommunitiesValue);
+        return IsGone(status) ? SaveResult::kSaved : SaveResult::kNotWritten;
     }
     const Bytes sealed = Seal({text.c_str()}, {});
     return sealed.empty() ? SaveResult::kNotSealed
