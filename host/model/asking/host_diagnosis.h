@@ -32,7 +32,7 @@ struct HostDiagnosis {
     bool isStopped = false;  // before the last step
     bool hasRoute = false;   // this computer has one to the device
     bool isUnknown = false;  // the device's name has no address, so nothing was sent
-    std::string community;   // of the SNMPv1 request
+    std::string community;   // of the SNMPv1 request; empty: it is not to be shown
     std::string sender;      // the address of an SNMP answer, if it is not the one that was asked
     std::string problem;     // of this program, if it prevented the last step; mostly empty
 };

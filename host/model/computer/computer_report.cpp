@@ -354,8 +354,11 @@ Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<boo
     AddStep(section, "SNMPv3 engine", diagnosis->discovery);
     AddStep(section, kUserStep, diagnosis->user);
     if (diagnosis->v1.outcome == Outcome::kSilent)
-        section.Add("Asked", "SNMPv1 with community '" + PlainText(diagnosis->community) +
-                                 "' for the variable after sysDescr.0" + otherwise);
+        section.Add("Asked", "SNMPv1 with " +
+                                 (diagnosis->community.empty()
+                                      ? "a community that is not shown"
+                                      : "community '" + PlainText(diagnosis->community) + "'") +
+                                 " for the variable after sysDescr.0" + otherwise);
     return {section};
 }
 

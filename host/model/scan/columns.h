@@ -67,7 +67,7 @@ inline constexpr ColumnInfo kColumns[] = {
     {Column::kMac, [](const RowSource& source) { return IdentityCell(source, MergeKey::kMac); },
      120, 7, false},
     {Column::kState,
-     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 150, 0,
+     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 165, 0,
      true, ColumnInfo::Order::kSeverity},
     {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 140, 5, true,
      ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},

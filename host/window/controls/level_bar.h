@@ -21,6 +21,9 @@ COLORREF GreyText();
 struct LevelBar {
     int percent;
     COLORREF colour = CLR_NONE;  // of the supply; otherwise the user's
+    bool operator==(const LevelBar& other) const {
+        return percent == other.percent && colour == other.colour;
+    }
 };
 
 // `words`: the supply's colour in the device's words.

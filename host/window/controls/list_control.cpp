@@ -47,6 +47,19 @@ std::wstring LineOf(const std::vector<int>& columns, TextOf textOf) {
 
 }  // namespace
 
+std::vector<ListRow> ListRowsOf(const Report& report) {
+    std::vector<ListRow> rows;
+    const std::vector<ReportRow> all = RowsOf(report);
+    for (const ReportRow& row : all) {
+        const bool isResult = !row.label.empty() && row.label == all.front().label;
+        rows.push_back({{ToWide(row.label), ToWide(WholeText(row))},
+                        {},
+                        isResult || row.severity == Severity::kCritical});
+        if (row.percent) rows.back().bar = BarOf(*row.percent, row.colour);
+    }
+    return rows;
+}
+
 ListControl::~ListControl() {
     if (Of(list_) == this) SetWindowLongPtrW(list_, GWLP_USERDATA, 0);
 }

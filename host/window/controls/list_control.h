@@ -1,4 +1,4 @@
-// The lists of all windows. A model provides what a list shows, as far as it is visible.
+// The lists of all windows, and their models, which provide what a list shows.
 #pragma once
 
 #include <windows.h>
@@ -9,29 +9,49 @@
 #include <string>
 #include <vector>
 
+#include "model/printer/report.h"
 #include "window/controls/level_bar.h"
 #include "window/controls/owners.h"
 
 namespace vndiscover::host {
 
+struct ListRow {
+    std::vector<std::wstring> cells;
+    std::optional<LevelBar> bar{};  // before the text of the second cell
+    bool isBold = false;            // what is worst, or the result of all
+    bool operator==(const ListRow& other) const {
+        return cells == other.cells && bar == other.bar && isBold == other.isBold;
+    }
+};
+// Of a report, each with a label and a text. Bold are the result, which is the first row, others
+// with its label, and what is critical.
+std::vector<ListRow> ListRowsOf(const Report& report);
+
+// Has its rows ready, or overrides Count and CellText, which are asked for what is visible.
 class ListModel {
   public:
     virtual ~ListModel() = default;
-    virtual size_t Count() const = 0;
+    virtual size_t Count() const { return rows_.size(); }
     // `column`: a number in the list, as in the other methods.
-    virtual std::wstring CellText(size_t row, size_t column) const = 0;
+    virtual std::wstring CellText(size_t row, size_t column) const {
+        return rows_[row].cells[column];
+    }
     // Drawn before the text.
-    virtual std::optional<LevelBar> Bar(size_t, size_t) const { return std::nullopt; }
+    virtual std::optional<LevelBar> Bar(size_t row, size_t column) const {
+        return column == 1 && row < rows_.size() ? rows_[row].bar : std::nullopt;
+    }
+    virtual bool IsBold(size_t row) const { return row < rows_.size() && rows_[row].isBold; }
     // Whether the row is grey: what it shows may no longer be so.
     virtual bool IsGrey(size_t) const { return false; }
-    // Whether the row stands out: what is worst, or the result of all.
-    virtual bool IsBold(size_t) const { return false; }
     // What to show instead of rows if there are none.
     virtual std::wstring EmptyText() const { return {}; }
     // The user has selected other rows; and, afterwards, another one or none has the focus of them.
     virtual void OnSelection() {}
     virtual void OnSelected() {}
     virtual void OnHeading(size_t) {}  // the user has clicked it
+
+  protected:
+    std::vector<ListRow> rows_;
 };
 
 struct ListColumn {
@@ -98,6 +118,9 @@ class ListControl {
     };
     bool FindMenuPlace(LPARAM place, MenuPlace& found) const;
 
+  protected:
+    int dpi_ = 96;
+
   private:
     void OnChanged();
     void FillCell(LVITEMW& item) const;
@@ -112,7 +135,6 @@ class ListControl {
 
     ListModel& model_;
     HWND list_ = nullptr;
-    int dpi_ = 96;
     OwnedFont bold_;
     HFONT boldOf_ = nullptr;   // the list's font, of which that is the bold one
     OwnedImages images_;       // none: their size is that of a row

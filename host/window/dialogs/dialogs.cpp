@@ -167,11 +167,13 @@ ListDialog::~ListDialog() {
     if (dialog_) DestroyWindow(dialog_);
 }
 
-void ListDialog::OpenDialog(HWND owner, int resource) {
-    if (!dialog_)
-        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
+void ListDialog::OpenDialog(HWND owner, Form form) {
+    if (!dialog_) {
+        form_ = std::move(form);
+        CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(form_.resource), owner,
                            DialogProcedure<Dialog>,
                            reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
+    }
     if (!dialog_) return;
     ShowWindow(dialog_, SW_SHOW);
     SetActiveWindow(dialog_);
@@ -213,14 +215,15 @@ void ListDialog::OnControl(int id, int code) {
 void ListDialog::Stretch() {
     const SIZE former = std::exchange(client_, ClientSize(dialog_));
     const LONG right = client_.cx - former.cx, down = client_.cy - former.cy;
-    const RECT grown = PlaceIn(dialog_, grown_);
+    const HWND growing = form_.grown != 0 ? Item(form_.grown) : list_.Handle();
+    const RECT grown = PlaceIn(dialog_, growing);
     MoveControls(dialog_, [&](HWND control, RECT& place) {
         const bool isBelow = place.top >= grown.bottom;
         const bool isWide = place.right - place.left > former.cx / 2;
         const bool isMoved = !isWide && (isBelow || place.left > former.cx / 2);
         OffsetRect(&place, isMoved ? right : 0, isBelow ? down : 0);
         if (isWide) place.right += right;
-        if (control == grown_) place.bottom += down;
+        if (control == growing) place.bottom += down;
     });
     list_.Fit();
 }
@@ -238,14 +241,12 @@ void ListDialog::SetDpi(int dpi, const RECT& place) {
     TakeSuggested(dialog_, place);
 }
 
-void ListDialog::BeginDialog(const std::wstring& title, int list,
-                             const std::vector<ListColumn>& columns, int grown) {
-    SetWindowTextW(dialog_, title.c_str());
-    grown_ = Item(grown != 0 ? grown : list);
-    list_.Attach(Item(list));
-    list_.SetName(title);
+void ListDialog::Begin() {
+    SetWindowTextW(dialog_, form_.title.c_str());
+    list_.Attach(FindWindowExW(dialog_, nullptr, WC_LISTVIEWW, nullptr));
+    list_.SetName(form_.title);
     list_.SetDpi(dpi_);
-    list_.SetColumns(columns);
+    list_.SetColumns(form_.columns);
     Refresh();
 }
 

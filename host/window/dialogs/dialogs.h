@@ -72,22 +72,25 @@ class Dialog {
 
 // A dialog that leaves its owner enabled. It contains a list, of which it is the model, and the
 // whole text of the selected row. Its user may enlarge it, and move it to a screen of another DPI.
-class ListDialog : public Dialog, protected virtual ListModel {
+class ListDialog : public Dialog, protected ListModel {
   public:
     ~ListDialog() override;
     std::optional<LRESULT> OnMessage(HWND dialog, UINT message, WPARAM wParam,
                                      LPARAM lParam) override;
 
   protected:
-    // Opens it from its resource, or brings it to the front.
-    void OpenDialog(HWND owner, int resource);
+    struct Form {
+        int resource;
+        std::wstring title;  // of the list too
+        std::vector<ListColumn> columns;
+        int grown = 0;  // the control that gets what the dialog gains; 0: the list
+    };
+    // Opens it, or brings it to the front as it is.
+    void OpenDialog(HWND owner, Form form);
     bool IsOpen() const { return dialog_ != nullptr; }
     void Close() { DestroyWindow(dialog_); }  // if it is open
-    // Sets the title of the dialog and of its list, and the columns. `grown`: the control that gets
-    // what the dialog gains; 0: the list.
-    void BeginDialog(const std::wstring& title, int list, const std::vector<ListColumn>& columns,
-                     int grown = 0);
 
+    void Begin() override;
     // Shows what the model has now.
     void Refresh();
     void OnSelected() override { SetItem(IDC_CHOSEN, list_.SelectedText()); }
@@ -96,6 +99,7 @@ class ListDialog : public Dialog, protected virtual ListModel {
     virtual void OnClosed() {}
 
     ListControl list_{*this};
+    Form form_{};
 
   private:
     void OnControl(int id, int code) override;
@@ -103,7 +107,6 @@ class ListDialog : public Dialog, protected virtual ListModel {
     void SetDpi(int dpi, const RECT& place);
 
     SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window
-    HWND grown_ = nullptr;
 };
 
 // Asks with three buttons, whose strings are `yes`, `no` and `none`. Returns IDYES, IDNO or

@@ -1,13 +1,14 @@
 #include "window/main/commands.h"
 
-#include <algorithm>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "model/scan/device_view.h"
+#include "values/ranges.h"
 #include "window/controls/clipboard.h"
 #include "window/controls/popup_menu.h"
+#include "window/main/device_commands.h"
 #include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -51,8 +52,8 @@ unsigned NoRows(const Window& w) { return Unless(w.state.session.view.Count() !=
 unsigned NoScan(const Window& w) { return Unless(w.scans.HasScan(), IDS_NO_SCAN); }
 unsigned NoWebPage(const Window& w) {
     if (const unsigned noRow = NoRow(w)) return noRow;
-    const size_t pages = w.devices.WebAddresses().size();
-    if (pages > DeviceCommands::kMaxWebPages) return IDS_TOO_MANY_PAGES;
+    const size_t pages = WebAddresses(w.state.session).size();
+    if (pages > kMaxWebPages) return IDS_TOO_MANY_PAGES;
     return Unless(pages != 0, IDS_NO_WEB_PAGE);
 }
 unsigned NoParts(const Window& w) {
@@ -100,12 +101,12 @@ constexpr Command kTable[] = {
     {IDM_EXIT, {}, nullptr, [](Window& w) { PostMessageW(w.Handle(), WM_CLOSE, 0, 0); }},
 
     {IDS_MENU_EDIT},
-    {IDM_COPY_ROW, {}, NoRow, [](Window& w) { w.panes.list.List().Copy(IDM_COPY_ROW); }},
+    {IDM_COPY_ROW, {}, NoRow, [](Window& w) { w.panes.list.Copy(IDM_COPY_ROW); }},
     {IDM_COPY_CELL, CtrlShift('C'), NoRow,
-     [](Window& w) { w.devices.CopyCell(w.panes.list.ChosenColumn()); }},
+     [](Window& w) { CopyCell(w.state, w.panes.list.ChosenColumn()); }},
     {IDS_MENU_CELLS, {}, NoRow},
     {IDM_COPY_TABLE, CtrlShift('T'), NoRows,
-     [](Window& w) { CopyText(w.Handle(), w.panes.list.List().TableText(true)); }},
+     [](Window& w) { CopyText(w.Handle(), w.panes.list.TableText(true)); }},
     {kMenuLine},
     {IDM_FILTER, Ctrl('F'), nullptr,
      [](Window& w) { SetFocus(GetDlgItem(w.Handle(), IDC_FILTER)); }},
@@ -122,19 +123,19 @@ constexpr Command kTable[] = {
 
     {IDS_MENU_DEVICE},
     {IDM_DETAILS, {}, NoRow, [](Window& w) { SetFocus(w.panes.details.List()); }},
-    {IDM_WEB, Ctrl(VK_RETURN), NoWebPage, [](Window& w) { w.devices.OpenWebPages(); }},
+    {IDM_WEB, Ctrl(VK_RETURN), NoWebPage, OpenWebPages},
     {kMenuLine},
-    {IDM_ASK, Ctrl('R'), NoTarget, [](Window& w) { w.devices.ReadAgain(); }},
-    {IDM_ASK_ALL, CtrlShift('R'), NoRows, [](Window& w) { w.devices.ReadShown(); }},
+    {IDM_ASK, Ctrl('R'), NoTarget, ReadAgain},
+    {IDM_ASK_ALL, CtrlShift('R'), NoRows, ReadShown},
     {IDM_READ_FOUND,
      {},
      nullptr,
      [](Window& w) { w.state.settings.readsFound ^= 1; },
      [](const Window& w) { return w.searches.ReadsFound(); }},
-    {IDM_DIAGNOSE, {}, NoOneTarget, [](Window& w) { w.devices.Diagnose(); }},
-    {IDM_WALK, {}, NoOneTarget, [](Window& w) { w.devices.Walk(); }},
-    {IDM_ADD, {}, nullptr, [](Window& w) { w.devices.AddByHand(); }},
-    {IDM_SPLIT, {}, NoParts, [](Window& w) { w.devices.Split(); }},
+    {IDM_DIAGNOSE, {}, NoOneTarget, DiagnoseDevice},
+    {IDM_WALK, {}, NoOneTarget, Walk},
+    {IDM_ADD, {}, nullptr, AddByHand},
+    {IDM_SPLIT, {}, NoParts, Split},
     {kMenuLine},
     Choice<IDM_REFRESH_NEVER, &Settings::refreshMinutes, 0U, Refresh>(),
     Choice<IDM_REFRESH_1, &Settings::refreshMinutes, 1U, Refresh>(),
@@ -147,7 +148,7 @@ constexpr Command kTable[] = {
     {IDM_STOP, {}, IsIdle, [](Window& w) { w.StopAll(); }},
     {kMenuLine},
     {IDM_SNMP, {}, nullptr, [](Window& w) { w.searches.AskForUser(); }},
-    {IDM_DOCTOR, {}, nullptr, [](Window& w) { w.devices.DiagnoseComputer(); }},
+    {IDM_DOCTOR, {}, nullptr, DiagnoseComputer},
     {IDM_CHANGES, {}, nullptr, [](Window& w) { w.scans.OpenChanges(); }},
 
     {IDS_MENU_HELP},
@@ -176,9 +177,7 @@ static_assert(AreDistinct(), "two commands have one number");
 static_assert(IDM_COLUMN == IDS_COLUMN_NAME);
 
 const Command* Find(unsigned id) {
-    const auto* found = std::find_if(std::begin(kTable), std::end(kTable),
-                                     [id](const Command& command) { return command.id == id; });
-    return found == std::end(kTable) ? nullptr : found;
+    return FindIf(kTable, [id](const Command& command) { return command.id == id; });
 }
 
 std::vector<std::wstring> ColumnNames() {
@@ -186,6 +185,15 @@ std::vector<std::wstring> ColumnNames() {
     for (unsigned index = 0; index < kColumnCount; ++index)
         names.push_back(Text(IDM_COLUMN + index));
     return names;
+}
+
+// The string why a command cannot run now; 0: it can.
+unsigned ObstacleTo(unsigned id, const Window& w) {
+    const Command* const command = Find(id);
+    if (command) return command->obstacle ? command->obstacle(w) : 0;
+    const bool isLast =
+        IsColumn(id) && (w.state.settings.hidden | 1u << (id - IDM_COLUMN)) == kAllColumns;
+    return Unless(!isLast, IDS_LAST_COLUMN);
 }
 
 unsigned ReadingText(const Window& w) {
@@ -199,7 +207,7 @@ Commands CommandsOf(unsigned menu) {
         commands.push_back(IDM_COLUMN + index);
     bool isIn = false;
     for (const Command& command : kTable) {
-        const bool isMenu = std::count(std::begin(kMenus), std::end(kMenus), command.id) != 0;
+        const bool isMenu = Contains(kMenus, command.id);
         if (isMenu) isIn = command.id == menu;
         if (isIn && !isMenu) commands.push_back(command.id);
     }
@@ -211,14 +219,14 @@ Commands CommandsOf(unsigned menu) {
 bool RunCommand(MainWindow& window, unsigned id) {
     const Command* command = Find(id);
     if (command ? !command->run : !IsColumn(id) && !IsCell(id)) return false;
-    const unsigned obstacle = command && command->obstacle ? command->obstacle(window) : 0;
+    const unsigned obstacle = ObstacleTo(id, window);
     window.state.progress.ClearNote();
     if (obstacle != 0) {
         window.state.progress.SetNote(Text(obstacle));
     } else if (command) {
         command->run(window);
     } else if (IsCell(id)) {
-        window.devices.CopyCell(static_cast<Column>(id - IDM_CELL));
+        CopyCell(window.state, static_cast<Column>(id - IDM_CELL));
     } else {
         window.panes.ToggleColumn(static_cast<Column>(id - IDM_COLUMN));
     }
@@ -254,19 +262,18 @@ HMENU ViewMenuOf(HMENU bar) { return GetSubMenu(bar, kView); }
 
 void EnableCommands(const MainWindow& window, HMENU menu) {
     for (int index = 0; index < GetMenuItemCount(menu); ++index) {
-        const UINT id = GetMenuItemID(menu, index);
-        const Command* command = id == static_cast<UINT>(-1) ? Find(IDS_MENU_CELLS) : Find(id);
+        const UINT item = GetMenuItemID(menu, index);
+        const unsigned id = item == static_cast<UINT>(-1) ? IDS_MENU_CELLS : item;
+        const Command* const command = Find(id);
         const auto place = static_cast<UINT>(index);
         if (id == IDM_ASK)
             ModifyMenuW(menu, place, MF_BYPOSITION, id, Text(ReadingText(window)).c_str());
-        if (command && command->obstacle)
-            EnableMenuItem(menu, place,
-                           MF_BYPOSITION | (command->obstacle(window) ? MF_GRAYED : MF_ENABLED));
-        const auto check = [&](bool isSet) {
-            CheckMenuItem(menu, place, MF_BYPOSITION | (isSet ? MF_CHECKED : MF_UNCHECKED));
-        };
-        if (command && command->isChecked) check(command->isChecked(window));
-        if (IsColumn(id)) check(!(window.state.settings.hidden >> (id - IDM_COLUMN) & 1));
+        EnableMenuItem(menu, place,
+                       MF_BYPOSITION | (ObstacleTo(id, window) ? MF_GRAYED : MF_ENABLED));
+        const bool isChecked = IsColumn(id)
+                                   ? !(window.state.settings.hidden >> (id - IDM_COLUMN) & 1)
+                                   : command && command->isChecked && command->isChecked(window);
+        CheckMenuItem(menu, place, MF_BYPOSITION | (isChecked ? MF_CHECKED : MF_UNCHECKED));
     }
 }
 

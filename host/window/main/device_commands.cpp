@@ -6,150 +6,141 @@
 #include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
+#include "values/ranges.h"
 #include "values/utc_time.h"
+#include "window/controls/clipboard.h"
 #include "window/dialogs/dialogs.h"
+#include "window/main/main_window.h"
+#include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
-DeviceCommands::DeviceCommands(WindowState& state)
-    : walk({[&state](const AskTarget& target, const Oid& root, unsigned number) {
-                state.workers->Walk(target, root, number);
-            },
-            [&state] {
-                if (state.workers) state.workers->StopWalk();
-            }}),
-      state_(state) {}
+namespace {
 
-void DeviceCommands::Ask(bool isAgain) {
-    const DeviceRow* row = state_.session.view.SelectedRow();
-    const auto target = state_.SelectedTarget();
-    if (!target || !state_.workers) return;
-    // Credentials go to an address of a file only if the user says so.
-    if (!isAgain && !state_.session.HasAnsweredHere(row->answers, target->address)) return;
-    if (isAgain && state_.credentials.security && !target->login.security) {
-        // To a sweep, a device that refuses the user is silent.
-        AskTarget second = *target;
-        second.UseUser(state_.credentials.security);
-        state_.workers->Ask(second, true);
-    }
-    state_.workers->Ask(*target, true, !isAgain);
+void ReadAll(WindowState& state, const std::vector<AskTarget>& targets) {
+    if (targets.empty()) return;
+    state.progress.BeginReadingAll();
+    state.workers->ReadAll(targets);
+    ReadSelected(state, false);  // whole
 }
 
-void DeviceCommands::ReadAgain() {
-    const std::vector<size_t> rows = state_.session.view.Selection();
-    if (rows.size() > 1) {
-        ReadAll(TargetsOf(rows));
-    } else {
-        Ask(true);
-    }
-}
-
-bool DeviceCommands::ReadShown() {
-    std::vector<size_t> rows(state_.session.view.Count());
-    std::iota(rows.begin(), rows.end(), size_t{0});
-    return ReadAll(TargetsOf(rows));
-}
-
-std::vector<AskTarget> DeviceCommands::TargetsOf(const std::vector<size_t>& rows) const {
+void ReadRows(WindowState& state, const std::vector<size_t>& rows) {
     std::vector<AskTarget> targets;
     for (const size_t row : rows) {
-        if (auto target = state_.session.TargetOf(state_.session.view.Row(row).answers))
+        if (auto target = state.session.TargetOf(state.session.view.Row(row).answers))
             targets.push_back(*std::move(target));
     }
-    return targets;
+    ReadAll(state, targets);
 }
 
-bool DeviceCommands::ReadFound() { return ReadAll(state_.session.TargetsToRead()); }
+}  // namespace
 
-bool DeviceCommands::ReadAll(const std::vector<AskTarget>& targets) {
-    if (targets.empty()) return false;
-    state_.progress.BeginReadingAll();
-    state_.workers->ReadAll(targets);
-    Ask(false);  // the selected one whole
-    return true;
+void ReadSelected(WindowState& state, bool isAgain) {
+    const DeviceRow* row = state.session.view.SelectedRow();
+    const auto target = state.SelectedTarget();
+    if (!target || !state.workers) return;
+    // Credentials go to an address of a file only if the user says so.
+    if (!isAgain && !state.session.HasAnsweredHere(row->answers, target->address)) return;
+    if (isAgain && state.credentials.security && !target->login.security) {
+        // To a sweep, a device that refuses the user is silent.
+        AskTarget second = *target;
+        second.UseUser(state.credentials.security);
+        state.workers->Ask(second, true);
+    }
+    state.workers->Ask(*target, true, !isAgain);
 }
 
-void DeviceCommands::Diagnose() {
-    auto target = state_.SelectedTarget();
-    if (!target) return;
-    target->UseUser(state_.credentials.security);  // asked by both protocols
-    doctor.Begin(target->address);
-    state_.workers->Diagnose(*target);
-    state_.workers->MakeReport();
+bool ReadFound(WindowState& state) {
+    const std::vector<AskTarget> targets = state.session.TargetsToRead();
+    ReadAll(state, targets);
+    return !targets.empty();
 }
 
-void DeviceCommands::DiagnoseComputer() {
-    doctor.Begin("");
-    state_.workers->MakeReport();
-    state_.progress.SetNote(Text(IDS_DOCTOR_WAIT));
-}
-
-void DeviceCommands::Walk() {
-    if (auto target = state_.SelectedTarget()) walk.Open(state_.window, *std::move(target));
-}
-
-void DeviceCommands::Split() {
-    const DeviceRow* row = state_.session.view.SelectedRow();
-    if (!row) return;
-    state_.session.Split(*row);
-    state_.showRows();
-}
-
-void DeviceCommands::AddByHand() {
-    const std::vector<std::string> hosts = AskHosts(state_.window);
-    if (!hosts.empty()) state_.workers->Resolve(hosts);
-}
-
-void DeviceCommands::Added(const std::vector<std::pair<std::string, std::string>>& addresses,
-                           const std::string& unknown) {
-    state_.session.AddByHand(addresses, UtcNow());
+void ReadAdded(WindowState& state, const Results::Addresses& addresses,
+               const std::string& unknown) {
+    state.session.AddByHand(addresses, UtcNow());
     std::vector<AskTarget> targets;
     targets.reserve(addresses.size());
     for (const auto& [address, typed] : addresses)
-        targets.push_back(state_.session.TargetAt(address));
-    if (!state_.progress.IsSearching() && state_.workers->Now().read.total == 0) {
-        ReadAll(targets);
+        targets.push_back(state.session.TargetAt(address));
+    if (!state.progress.IsSearching() && state.workers->Now().read.total == 0) {
+        ReadAll(state, targets);
     } else {  // it would end what is being read, or the search of the command line
-        for (const AskTarget& target : targets) state_.workers->Ask(target, false);
+        for (const AskTarget& target : targets) state.workers->Ask(target, false);
     }
-    if (!unknown.empty()) state_.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
+    if (!unknown.empty()) state.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
 }
 
-std::vector<std::string> DeviceCommands::WebAddresses() const {
-    const DeviceView& view = state_.session.view;
+std::vector<std::string> WebAddresses(const Session& session) {
     std::vector<std::string> addresses;
-    for (const size_t row : view.Selection()) {
-        for (const size_t index : view.Row(row).answers) {
-            const std::string& address = state_.session.GetScan().answers[index].address;
-            const auto known = ParseIpAddress(address);
-            if (!known || !known->IsIPv4()) continue;
-            addresses.push_back(address);
-            break;
-        }
+    for (const size_t row : session.view.Selection()) {
+        const auto* const index = FindIf(session.view.Row(row).answers, [&](size_t answer) {
+            const auto known = ParseIpAddress(session.GetScan().answers[answer].address);
+            return known && known->IsIPv4();
+        });
+        if (index) addresses.push_back(session.GetScan().answers[*index].address);
     }
     return addresses;
 }
 
-// Made only from numeric addresses: nothing that a device sends becomes a URL.
-void DeviceCommands::OpenWebPages() {
-    const std::vector<std::string> addresses = WebAddresses();
-    const std::wstring question = Text(IDS_ASK_WEB_PAGES, {Grouped(addresses.size())});
-    if (addresses.size() > 1 &&
-        MessageBoxW(state_.window, question.c_str(), Text(IDS_TITLE).c_str(),
-                    MB_YESNO | MB_ICONQUESTION) != IDYES)
-        return;
-    for (const std::string& address : addresses)
-        OpenElsewhere(state_, ToWide("http://" + address + "/"));
-}
-
-// One line for each selected row.
-void DeviceCommands::CopyCell(Column column) {
-    const DeviceView& view = state_.session.view;
+void CopyCell(WindowState& state, Column column) {
+    const DeviceView& view = state.session.view;
     std::wstring text;
     for (const size_t row : view.Selection())
         text += (text.empty() ? L"" : L"\r\n") + ShownText(view.Row(row), column);
+    if (text.empty()) return state.progress.SetNote(Text(IDS_EMPTY_CELL));
     const bool isOne = text.find(L'\n') == std::wstring::npos;
-    if (CopyText(state_.window, text) && isOne) state_.progress.SetNote(Text(IDS_COPIED, {text}));
+    if (CopyText(state.window, text) && isOne) state.progress.SetNote(Text(IDS_COPIED, {text}));
+}
+
+void ReadAgain(MainWindow& window) {
+    const std::vector<size_t> rows = window.state.session.view.Selection();
+    if (rows.size() > 1) return ReadRows(window.state, rows);
+    ReadSelected(window.state, true);
+}
+
+void ReadShown(MainWindow& window) {
+    std::vector<size_t> rows(window.state.session.view.Count());
+    std::iota(rows.begin(), rows.end(), size_t{0});
+    ReadRows(window.state, rows);
+}
+
+void DiagnoseDevice(MainWindow& window) {
+    AskTarget target = *window.state.SelectedTarget();
+    target.UseUser(window.state.credentials.security);  // asked by both protocols
+    window.doctor.Begin(target.address);
+    window.state.workers->Diagnose(target);
+    window.state.workers->MakeReport();
+}
+
+void DiagnoseComputer(MainWindow& window) {
+    window.doctor.Begin("");
+    window.state.workers->MakeReport();
+    window.state.progress.SetNote(Text(IDS_DOCTOR_WAIT));
+}
+
+void Walk(MainWindow& window) { window.walk.Open(window.Handle(), *window.state.SelectedTarget()); }
+
+void Split(MainWindow& window) {
+    window.state.session.Split(*window.state.session.view.SelectedRow());
+    window.state.showRows();
+}
+
+void AddByHand(MainWindow& window) {
+    const std::vector<std::string> hosts = AskHosts(window.Handle());
+    if (!hosts.empty()) window.state.workers->Resolve(hosts);
+}
+
+// Made only from numeric addresses: nothing that a device sends becomes a URL.
+void OpenWebPages(MainWindow& window) {
+    const std::vector<std::string> addresses = WebAddresses(window.state.session);
+    const std::wstring question = Text(IDS_ASK_WEB_PAGES, {Grouped(addresses.size())});
+    if (addresses.size() > 1 &&
+        MessageBoxW(window.Handle(), question.c_str(), Text(IDS_TITLE).c_str(),
+                    MB_YESNO | MB_ICONQUESTION) != IDYES)
+        return;
+    for (const std::string& address : addresses)
+        OpenElsewhere(window.state, ToWide("http://" + address + "/"));
 }
 
 }  // namespace vndiscover::host

@@ -1,54 +1,38 @@
-// The commands on devices, and the windows that they open.
+// The commands on devices.
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
-#include "window/controls/clipboard.h"
-#include "window/main/device_list.h"
+#include "model/scan/columns.h"
 #include "window/main/window_state.h"
-#include "window/pages/report_window.h"
-#include "window/pages/walk_window.h"
-#include "window/resource.h"
 
 namespace vndiscover::host {
 
-class DeviceCommands {
-  public:
-    // The state must outlive it.
-    explicit DeviceCommands(WindowState& state);
-    WalkWindow walk;
-    DoctorWindow doctor;
+class MainWindow;
 
-    // Reads the selected device next. `isAgain`: the user says so. Otherwise only if it has
-    // answered here.
-    void Ask(bool isAgain);
-    // Reads the selected device again, or several for the list.
-    void ReadAgain();
-    // Reads, for the list, the rows that are shown; or those that the last search has found.
-    // Returns whether there are any.
-    bool ReadShown();
-    bool ReadFound();
-    void Diagnose();
-    void DiagnoseComputer();
-    void Walk();
-    void Split();
-    // Asks for addresses; those that have been resolved are read.
-    void AddByHand();
-    void Added(const std::vector<std::pair<std::string, std::string>>& addresses,
-               const std::string& unknown);
-    static constexpr size_t kMaxWebPages = 10;  // at once
-    // The first IPv4 address of each selected device that has one.
-    std::vector<std::string> WebAddresses() const;
-    void OpenWebPages();
-    void CopyCell(Column column);
+// Reads the selected device next. `isAgain`: the user says so. Otherwise only if it has answered
+// here.
+void ReadSelected(WindowState& state, bool isAgain);
+// Reads, for the list, what the last search has found. Returns false if there is nothing to read.
+bool ReadFound(WindowState& state);
+// Reads added addresses; `unknown` has none.
+void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown);
 
-  private:
-    std::vector<AskTarget> TargetsOf(const std::vector<size_t>& rows) const;
-    bool ReadAll(const std::vector<AskTarget>& targets);
+constexpr size_t kMaxWebPages = 10;  // at once
+// The first IPv4 address of each selected device that has one.
+std::vector<std::string> WebAddresses(const Session& session);
+// A line for each selected row.
+void CopyCell(WindowState& state, Column column);
 
-    WindowState& state_;
-};
+// Rows of the table of commands, which has checked that they are possible.
+void ReadAgain(MainWindow& window);  // the selected device, or several for the list
+void ReadShown(MainWindow& window);  // for the list
+void DiagnoseDevice(MainWindow& window);
+void DiagnoseComputer(MainWindow& window);
+void Walk(MainWindow& window);
+void Split(MainWindow& window);
+void AddByHand(MainWindow& window);
+void OpenWebPages(MainWindow& window);
 
 }  // namespace vndiscover::host

@@ -75,13 +75,13 @@ void DeviceList::ShowColumns() {
         columns.push_back({IDS_COLUMN_NAME + static_cast<unsigned>(index), settings.widths[index]});
         shown_.push_back(static_cast<Column>(index));
     }
-    list_.SetColumns(columns);
+    SetColumns(columns);
     std::vector<int> order;
     for (const int32_t index : settings.order) {
         const auto at = std::find(shown_.begin(), shown_.end(), static_cast<Column>(index));
         if (at != shown_.end()) order.push_back(static_cast<int>(at - shown_.begin()));
     }
-    ListView_SetColumnOrderArray(list_.Handle(), static_cast<int>(order.size()), order.data());
+    ListView_SetColumnOrderArray(Handle(), static_cast<int>(order.size()), order.data());
     MarkSorted();
 }
 
@@ -95,18 +95,18 @@ void DeviceList::StoreColumns() const {
     }
     for (size_t index = 0; index < shown_.size(); ++index)
         settings.widths[static_cast<size_t>(shown_[index])] =
-            MulDiv(list_.WidthOf(static_cast<int>(index)), 96, dpi_);
+            MulDiv(WidthOf(static_cast<int>(index)), 96, dpi_);
 }
 
 std::vector<Column> DeviceList::Columns() const {
     std::vector<Column> columns;
-    for (const int index : list_.ShownOrder()) columns.push_back(At(static_cast<size_t>(index)));
+    for (const int index : ShownOrder()) columns.push_back(At(static_cast<size_t>(index)));
     return columns;
 }
 
 void DeviceList::MarkSorted() {
     const DeviceView& view = state_.session.view;
-    const HWND header = ListView_GetHeader(list_.Handle());
+    const HWND header = ListView_GetHeader(Handle());
     for (size_t index = 0; index < shown_.size(); ++index) {
         HDITEMW item = {};
         item.mask = HDI_FORMAT;
@@ -120,18 +120,15 @@ void DeviceList::MarkSorted() {
     }
 }
 
-void DeviceList::Create() { list_.Create(state_.window, IDC_DEVICES, Text(IDS_DEVICES), true); }
-
-void DeviceList::SetDpi(int dpi) {
-    dpi_ = dpi;
-    list_.SetDpi(dpi_);
+void DeviceList::Create() {
+    ListControl::Create(state_.window, IDC_DEVICES, Text(IDS_DEVICES), true);
 }
 
 void DeviceList::Show() {
     const DeviceView& view = state_.session.view;
-    list_.Refresh();
+    Refresh();
     const auto selected = view.Selected();
-    list_.Select(view.Selection(), selected ? static_cast<int>(*selected) : -1);
+    Select(view.Selection(), selected ? static_cast<int>(*selected) : -1);
     MarkSorted();
 }
 
@@ -142,16 +139,16 @@ void DeviceList::OnNotify(const NMHDR& header) {
 }
 
 void DeviceList::ShowMenu(LPARAM place) {
-    ListControl::MenuPlace found = {{GET_X_LPARAM(place), GET_Y_LPARAM(place)}, {}};
+    MenuPlace found = {{GET_X_LPARAM(place), GET_Y_LPARAM(place)}, {}};
     RECT header = {};
-    GetWindowRect(ListView_GetHeader(list_.Handle()), &header);
+    GetWindowRect(ListView_GetHeader(Handle()), &header);
     const auto open = [&](HMENU menu) {
         TrackPopupMenu(menu, TPM_RIGHTBUTTON, found.point.x, found.point.y, 0, state_.window,
                        nullptr);
     };
     if (place != kByKeyboard && PtInRect(&header, found.point))
         return open(ViewMenuOf(GetMenu(state_.window)));
-    if (!list_.FindMenuPlace(place, found)) return;
+    if (!FindMenuPlace(place, found)) return;
     if (found.column) chosenColumn_ = At(*found.column);
     open(MakeDeviceMenu().Get());
 }
@@ -189,8 +186,8 @@ void DeviceList::OnHeading(size_t column) {
 
 // Without a selected row, the selection stays until another one is selected.
 void DeviceList::OnSelection() {
-    const std::vector<size_t> rows = list_.Selection();
-    if (!rows.empty()) state_.session.view.Select(rows, static_cast<size_t>(list_.Selected()));
+    const std::vector<size_t> rows = Selection();
+    if (!rows.empty()) state_.session.view.Select(rows, static_cast<size_t>(Selected()));
 }
 
 std::wstring DeviceList::EmptyText() const {
@@ -199,7 +196,8 @@ std::wstring DeviceList::EmptyText() const {
     if (view.Others() != 0) return Text(IDS_ONLY_OTHERS, {Grouped(view.Others())});
     if (state_.progress.IsSearching()) return Text(IDS_NONE_YET);
     if (state_.progress.WasStopped()) return Text(IDS_NONE_STOPPED);
-    return Text(state_.progress.HasSearched() ? IDS_NONE_FOUND : IDS_EMPTY);
+    if (!state_.progress.HasSearched()) return Text(IDS_EMPTY);
+    return Text(state_.isUnsent ? IDS_NOTHING_SENT : IDS_NONE_FOUND);
 }
 
 }  // namespace vndiscover::host

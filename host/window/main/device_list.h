@@ -22,16 +22,15 @@ std::wstring ColumnName(Column column);
 // A cell as it is shown; in a file, times are whole.
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = false);
 
-class DeviceList : private ListModel {
+class DeviceList : private ListModel, public ListControl {
   public:
     // The state must outlive the list. `onSelected`: the user has selected another device.
     DeviceList(WindowState& state, std::function<void()> onSelected)
-        : state_(state), onSelected_(std::move(onSelected)) {}
+        : ListControl(static_cast<ListModel&>(*this)),
+          state_(state),
+          onSelected_(std::move(onSelected)) {}
     // A child of the state's window, which destroys it.
     void Create();
-    HWND Handle() const { return list_.Handle(); }
-    void SetDpi(int dpi);
-    void Fit() { list_.Fit(); }
 
     // What a user without settings gets.
     static void SetDefaults(Settings& settings);
@@ -52,7 +51,6 @@ class DeviceList : private ListModel {
 
     // The column of the cell that was clicked last.
     Column ChosenColumn() const { return chosenColumn_; }
-    const ListControl& List() const { return list_; }
 
   private:
     size_t Count() const override;
@@ -62,7 +60,7 @@ class DeviceList : private ListModel {
     std::wstring EmptyText() const override;
     void OnSelection() override;
     void OnSelected() override {
-        if (list_.Selected() >= 0) onSelected_();
+        if (Selected() >= 0) onSelected_();
     }
     void OnHeading(size_t column) override;
 
@@ -72,10 +70,8 @@ class DeviceList : private ListModel {
 
     WindowState& state_;
     std::function<void()> onSelected_;
-    ListControl list_{*this};
     std::vector<Column> shown_;  // in the order of Column, as in the list
     Column chosenColumn_ = Column::kAddress;
-    int dpi_ = 96;
 };
 
 }  // namespace vndiscover::host

@@ -15,6 +15,7 @@
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/main/commands.h"
+#include "window/main/device_commands.h"
 #include "window/main/panes.h"
 #include "window/main/result_handler.h"
 #include "window/resource.h"
@@ -197,7 +198,7 @@ void MainWindow::Dispatch(MSG& message) try {
     // While text is edited, Ctrl+C copies that.
     const int copy = message.message == WM_KEYDOWN ? ListControl::CopyCommandOf(message.wParam) : 0;
     const ListControl* from = copy != 0 ? ListControl::Of(message.hwnd) : nullptr;
-    if (from == &panes.list.List()) return OnCommand(copy, 0);
+    if (from == &panes.list) return OnCommand(copy, 0);
     if (from) return from->Copy(copy);
     const bool isEnter = message.message == WM_KEYDOWN && message.wParam == VK_RETURN;
     if (isEnter && message.hwnd == panes.list.Handle() && GetKeyState(VK_CONTROL) >= 0)
@@ -257,7 +258,7 @@ void MainWindow::OnSelected() {
     const DeviceRow* row = state.session.view.SelectedRow();
     if (row) state.changes.Unmark(*row);
     panes.ShowDetails();
-    devices.Ask(false);
+    ReadSelected(state, false);
 }
 
 void MainWindow::ShowStatus() {
@@ -295,7 +296,7 @@ void MainWindow::StopAll() {
     if (!state.IsBusy()) return;
     state.workers->Stop();
     state.progress.Stop();
-    devices.doctor.Stop(state.window);
+    doctor.Stop(state.window);
 }
 
 void MainWindow::RestartTimer(unsigned minutes) {
@@ -312,7 +313,7 @@ void MainWindow::OnResults() {
         panes.ShowRows();
     }
     calls.Refresh();
-    devices.walk.Refresh();
+    walk.Refresh();
     if (searches.IsOver()) {
         InvalidateRect(panes.list.Handle(), nullptr, TRUE);
         searches.Finish();

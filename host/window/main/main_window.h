@@ -9,12 +9,13 @@
 
 #include "platform/com.h"
 #include "window/controls/owners.h"
-#include "window/main/device_commands.h"
 #include "window/main/panes.h"
 #include "window/main/scan_commands.h"
 #include "window/main/searches.h"
 #include "window/main/window_state.h"
 #include "window/pages/calls_window.h"
+#include "window/pages/report_window.h"
+#include "window/pages/walk_window.h"
 
 namespace vndiscover::host {
 
@@ -40,8 +41,14 @@ class MainWindow {
     WindowState state;
     Panes panes{state, [this] { OnSelected(); }};
     ScanCommands scans{state, panes.list};
-    DeviceCommands devices{state};
-    Searches searches{state, panes.bar, scans, devices};
+    Searches searches{state, panes.bar, scans};
+    WalkWindow walk{{[this](const AskTarget& target, const Oid& root, unsigned number) {
+                         state.workers->Walk(target, root, number);
+                     },
+                     [this] {
+                         if (state.workers) state.workers->StopWalk();
+                     }}};
+    DoctorWindow doctor;
     CallsWindow calls;
     void FindOrStop();
     void StopAll();                       // if something is in progress

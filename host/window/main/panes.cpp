@@ -176,9 +176,7 @@ void Panes::NextPane() const {
 
 void Panes::ToggleColumn(Column column) {
     list.StoreColumns();
-    const uint32_t hidden = state_.settings.hidden ^ 1u << static_cast<unsigned>(column);
-    if (hidden == kAllColumns) return;  // one must stay
-    state_.settings.hidden = hidden;
+    state_.settings.hidden ^= 1u << static_cast<unsigned>(column);
     list.ShowColumns();
     ShowRows();
 }

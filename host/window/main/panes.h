@@ -43,8 +43,8 @@ class Panes {
     bool OnMouse(UINT message);
     // Makes the list wider by so many pixels.
     void Widen(int pixels);
-    void NextPane() const;  // gives it the focus
-    void ToggleColumn(Column column);
+    void NextPane() const;             // gives it the focus
+    void ToggleColumn(Column column);  // not the last one that is shown
     // Supplies need attention below another percentage now.
     void UseLow();
     void ShowRows();

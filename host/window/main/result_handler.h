@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/wide_text.h"
+#include "window/main/device_commands.h"
 #include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -44,16 +45,16 @@ class ResultHandler : public Results {
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {
         state_.progress.BeginWalk(address);
-        w_.devices.walk.OnBegan(walk);
+        w_.walk.OnBegan(walk);
     }
     void OnVariable(unsigned walk, Answer variable) override {
         state_.progress.CountValue();
-        w_.devices.walk.Add(walk, std::move(variable));
+        w_.walk.Add(walk, std::move(variable));
     }
     void OnWalked(unsigned walk, bool hasBegun, const WalkEnd& end,
                   const std::string& problem) override {
         if (hasBegun) state_.progress.EndWalk();
-        w_.devices.walk.OnEnded(walk, end, problem);
+        w_.walk.OnEnded(walk, end, problem);
     }
     void OnDiagnosisBegan(const std::string& address) override {
         state_.progress.BeginAsking(address);
@@ -62,10 +63,10 @@ class ResultHandler : public Results {
                      const AdapterList& adapters) override {
         state_.progress.EndAsking();
         if (!state_.workers) return;
-        w_.devices.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
+        w_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }
     void OnResolved(const Addresses& addresses, const std::string& unknown) override {
-        if (state_.workers) w_.devices.Added(addresses, unknown);
+        if (state_.workers) ReadAdded(state_, addresses, unknown);
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);
@@ -74,7 +75,7 @@ class ResultHandler : public Results {
     void OnReport(const ComputerReport& report) override {
         if (!state_.workers) return;
         state_.progress.ClearNote();
-        w_.devices.doctor.ShowReport(report, state_.window);
+        w_.doctor.ShowReport(report, state_.window);
     }
     void OnJobFailed(const std::string& problem) override {
         if (state_.workers) state_.ReportProblem(Text(IDS_JOB_FAILED, {ToWide(problem)}));

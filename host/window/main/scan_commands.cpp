@@ -122,10 +122,10 @@ bool ScanCommands::CompareWith(const std::string& path) {
     Comparison changes = CompareDevices(PresentDevices(*scan), state_.session.PresentDevices());
     changes.beforeName = FileName(path);
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
-    std::vector<TableWindow::Row> rows;
+    std::vector<ListRow> rows;
     for (const ChangeRow& row : ChangesOf(changes))
         rows.push_back(
-            {ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)});
+            {{ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)}});
     comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(changes.beforeName)}),
                      {{IDS_CHANGE_DEVICE, 300},
                       {IDS_FACT_WHAT, 120},
@@ -160,10 +160,10 @@ void ScanCommands::OpenChanges() {
 }
 
 void ScanCommands::ShowChanges() {
-    std::vector<TableWindow::Row> rows;
+    std::vector<ListRow> rows;
     for (const StateChange& one : state_.changes.Changes())
         rows.push_back(
-            {ToWide(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)});
+            {{ToWide(one.time), ToWide(one.device), ToWide(one.before), ToWide(one.after)}});
     const std::wstring note = Text(IDS_CHANGES_NOTE, {Grouped(rows.size())});
     changes_.Show(note, std::move(rows));
 }
@@ -185,23 +185,20 @@ bool ScanCommands::SaveTextTo(const std::string& text, const std::string& path) 
 }
 
 void ScanCommands::SaveTable(const std::string& csv) {
-    table_ = csv;
-    WithPath(IDS_CSV_FILES, L"csv", true, &ScanCommands::SaveTableTo);
+    const std::string path = AskPath(state_.window, IDS_CSV_FILES, L"csv", ProposedName(), true);
+    if (!path.empty()) SaveTextTo(csv, path);
 }
 
 bool ScanCommands::SaveCsvTo(const std::string& path) {
     const std::vector<Column> columns = list_.Columns();
-    std::vector<std::string> cells;
-    cells.reserve(columns.size());
-    for (const Column column : columns) cells.push_back(ToUtf8(ColumnName(column)));
-    std::string csv = kByteOrderMark + CsvLine(cells, ListSeparator());
+    std::vector<std::wstring> headings;
+    headings.reserve(columns.size());
+    for (const Column column : columns) headings.push_back(ColumnName(column));
     const DeviceView& view = state_.session.view;
-    for (size_t row = 0; row < view.Count(); ++row) {
-        for (size_t index = 0; index < columns.size(); ++index)
-            cells[index] = ToUtf8(ShownText(view.Row(row), columns[index], true));
-        csv += CsvLine(cells, ListSeparator());
-    }
-    return SaveTextTo(csv, path);
+    const auto cell = [&](size_t row, size_t column) {
+        return ShownText(view.Row(row), columns[column], true);
+    };
+    return SaveTextTo(CsvText(headings, view.Count(), cell), path);
 }
 
 bool ScanCommands::SaveJsonTo(const std::string& path) {

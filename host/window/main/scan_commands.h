@@ -62,7 +62,6 @@ class ScanCommands {
     void ShowScan(Scan scan);
     std::wstring NameOf(const std::wstring& file) const;
     void SaveTable(const std::string& csv);
-    bool SaveTableTo(const std::string& path) { return SaveTextTo(table_, path); }
     bool SaveTextTo(const std::string& text, const std::string& path);
 
     WindowState& state_;
@@ -70,8 +69,7 @@ class ScanCommands {
     void ShowChanges();
     TableWindow comparison_{[this](const std::string& csv) { SaveTable(csv); }};
     TableWindow changes_{[this](const std::string& csv) { SaveTable(csv); }};
-    std::string table_;  // to be saved
-    OwnedFile kept_;     // of the list; empty: it is of none
+    OwnedFile kept_;  // of the list; empty: it is of none
     std::string keptPath_;
 };
 

@@ -6,6 +6,7 @@
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
+#include "window/main/device_commands.h"
 #include "window/resource.h"
 #include "window/store/scan_files.h"
 #include "window/strings.h"
@@ -58,8 +59,8 @@ void Searches::Start() {
 
 bool Searches::Repeat() {
     const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
-    if (!state_.workers || !state_.file.empty() || needsUser || !IsWindowEnabled(state_.window) ||
-        state_.IsBusy())
+    if (!state_.workers || !state_.progress.HasSearched() || !state_.file.empty() || needsUser ||
+        !IsWindowEnabled(state_.window) || state_.IsBusy())
         return false;
     Start();
     return true;
@@ -76,17 +77,17 @@ void Searches::Finish() {
     state_.session.EndSearch();
     const bool isScript = isForStart_ && state_.options.exit;
     // While the window closes, there are no workers; a message may still be open.
-    isUnsent_ = !wasSent_ && !state_.progress.WasStopped() && state_.workers;
+    state_.isUnsent = !wasSent_ && !state_.progress.WasStopped() && state_.workers;
     // A script's problem is told when it ends.
-    if (isUnsent_ && isScript) problem_ = Text(IDS_NOTHING_SENT);
+    if (state_.isUnsent && isScript) problem_ = Text(IDS_NOTHING_SENT);
     if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
     // Without a message, for which a list that is watched would wait.
-    if (isUnsent_) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
+    if (state_.isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
     state_.showRows();
     if (state_.progress.IsStopping() || !state_.workers) return EndReading();
     if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
         state_.workers->Ask(*target, true);
-    if (!ReadsFound() || !devices_.ReadFound()) EndReading();
+    if (!ReadsFound() || !ReadFound(state_)) EndReading();
 }
 
 void Searches::EndReading() {
@@ -108,11 +109,11 @@ void Searches::EndStartSearch() {
     const auto former = isEmpty && !path.empty() ? LoadScan(path, ignored) : std::nullopt;
     const bool isKept = former && !former->answers.empty();
     if (isKept) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
-    const bool mayWrite = !isUnsent_ && !isKept;  // what an earlier search has left
+    const bool mayWrite = !state_.isUnsent && !isKept;  // what an earlier search has left
     bool isLost = mayWrite && !path.empty() && !scans_.SaveTo(path);
     isLost |= mayWrite && !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;
-    const int code = isUnsent_           ? kSendFailed
+    const int code = state_.isUnsent     ? kSendFailed
                      : !problem_.empty() ? kFailed
                      : isNone            ? kNone
                                          : kFound;

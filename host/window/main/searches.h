@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "window/main/device_commands.h"
 #include "window/main/scan_commands.h"
 #include "window/main/search_bar.h"
 #include "window/main/window_state.h"
@@ -13,12 +12,12 @@ namespace vndiscover::host {
 class Searches {
   public:
     // All must outlive it.
-    Searches(WindowState& state, SearchBar& bar, ScanCommands& scans, DeviceCommands& devices)
-        : state_(state), bar_(bar), scans_(scans), devices_(devices) {}
+    Searches(WindowState& state, SearchBar& bar, ScanCommands& scans)
+        : state_(state), bar_(bar), scans_(scans) {}
 
     void Start();
-    // The same without the user, who may be away: returns false if something would be asked, or is
-    // in progress.
+    // The same again without the user, who may be away: returns false if there was none, if
+    // something would be asked, or is in progress.
     bool Repeat();
     // One of the search's sweeps has ended.
     void EndSweep(bool wasSent, const std::string& problem);
@@ -45,10 +44,8 @@ class Searches {
     WindowState& state_;
     SearchBar& bar_;
     ScanCommands& scans_;
-    DeviceCommands& devices_;
     std::wstring problem_;     // of the running search
     bool wasSent_ = false;     // by any of its sweeps
-    bool isUnsent_ = false;    // it has ended, and not by a stop, before anything was sent
     bool isOver_ = false;      // and not yet finished
     bool isForStart_ = false;  // the search of the command line, or its reading, is running
 };

@@ -38,6 +38,7 @@ struct WindowState {
     Settings settings;
     int exitCode = kFound;
     bool isSessionEnding = false;  // nothing may wait for the user
+    bool isUnsent = false;         // the last search ended, not by a stop, before anything was sent
     std::wstring file;  // "monday.json, scan of 23 November 09:12"; empty: the list is of no file
     Credentials credentials;
     Session session{credentials};

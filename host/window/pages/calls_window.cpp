@@ -60,18 +60,22 @@ void CallsWindow::Refresh() {
     OnSelected();
 }
 
+void CallsWindow::Open(HWND owner) {
+    OpenDialog(owner, {IDD_CALLS,
+                       Text(IDS_CALLS_TITLE),
+                       {{IDS_CALL_TIME, 120},
+                        {IDS_CALL_EXPORT, 360},
+                        {IDS_CALL_DURATION, 65},
+                        {IDS_CALL_RESULT, 190}},
+                       IDC_CALL_TEXT});
+}
+
 void CallsWindow::Begin() {
-    BeginDialog(Text(IDS_CALLS_TITLE), IDC_CALLS,
-                {{IDS_CALL_TIME, 120},
-                 {IDS_CALL_EXPORT, 360},
-                 {IDS_CALL_DURATION, 65},
-                 {IDS_CALL_RESULT, 190}},
-                IDC_CALL_TEXT);
-    OnFonts();
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
-    added_ = calls_.size();
-    Refresh();
-    OnSelected();
+    OnFonts();
+    ListDialog::Begin();
+    added_ = 0;
+    isFolded_ = false;
 }
 
 void CallsWindow::OnFonts() {
@@ -89,16 +93,15 @@ void CallsWindow::OnCommand(int id) {
 void CallsWindow::OnSelected() {
     ListDialog::OnSelected();
     const auto row = static_cast<size_t>(list_.Selected());
-    std::wstring text = Text(IDS_CALLS_NONE);
-    if (row < calls_.size()) {
-        const CallLanguage language =
-            IsDlgButtonChecked(dialog_, IDC_CALL_COMMAND)  ? CallLanguage::kCommand
-            : IsDlgButtonChecked(dialog_, IDC_CALL_CSHARP) ? CallLanguage::kCSharp
-                                                           : CallLanguage::kCpp;
-        text = EditText(CallText(calls_[row], language));
-        if (text.empty()) text = Text(IDS_CALL_NO_COMMAND);
-    }
-    SetItem(IDC_CALL_TEXT, text);
+    const bool isSelected = row < calls_.size();
+    const CallLanguage language =
+        IsDlgButtonChecked(dialog_, IDC_CALL_COMMAND)  ? CallLanguage::kCommand
+        : IsDlgButtonChecked(dialog_, IDC_CALL_CSHARP) ? CallLanguage::kCSharp
+                                                       : CallLanguage::kCpp;
+    const std::wstring call = isSelected ? EditText(CallText(calls_[row], language)) : L"";
+    EnableWindow(Item(IDC_CALL_COPY), !call.empty());
+    const unsigned instead = isSelected ? IDS_CALL_NO_COMMAND : IDS_CALLS_NONE;
+    SetItem(IDC_CALL_TEXT, call.empty() ? Text(instead) : call);
 }
 
 }  // namespace vndiscover::host

@@ -18,7 +18,7 @@ class CallsWindow : private ListDialog {
     void Add(Call call);
     // Shows the calls that were added since the last time.
     void Refresh();
-    void Open(HWND owner) { OpenDialog(owner, IDD_CALLS); }
+    void Open(HWND owner);
 
   private:
     void Begin() override;

@@ -8,6 +8,7 @@
 #include "model/scan/device_view.h"
 #include "model/scan/scan_report.h"
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "values/utc_time.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
@@ -18,7 +19,7 @@ namespace vndiscover::host {
 struct DevicePage {
     unsigned title;  // its string, on the tab
     std::vector<ListColumn> columns;
-    TableRows (*rows)(const Session& session, const DeviceRow& row);  // null: the summary
+    std::vector<ListRow> (*rows)(const Session& session, const DeviceRow& row);
 };
 
 namespace {
@@ -41,49 +42,56 @@ std::wstring StateText(const ProtocolLine& line) {
     return isReason ? note : Text(IDS_PROTOCOL_NOTE, {text, note});
 }
 
-TableRows ProtocolRows(const Session& session, const DeviceRow& row) {
+std::vector<ListRow> ProtocolRows(const Session& session, const DeviceRow& row) {
     const std::vector<ProtocolLine> lines = session.ProtocolsOf(row);
-    TableRows rows;
+    std::vector<ListRow> rows;
     for (const ProtocolLine& line : lines) {
-        const bool isTwofold = std::any_of(lines.begin(), lines.end(), [&](const auto& other) {
-            return other.kind == line.kind && other.useIPv6;
-        });
-        const std::wstring version = Text(line.useIPv6 ? IDS_PROTOCOL_IPV6 : IDS_PROTOCOL_IPV4);
         std::wstring name = ProtocolName(line.kind);
-        if (isTwofold) name.append(L", ").append(version);
-        rows.push_back({name, StateText(line)});
+        if (AnyOf(lines, [&](const auto& one) { return one.kind == line.kind && one.useIPv6; }))
+            name += L", " + Text(line.useIPv6 ? IDS_PROTOCOL_IPV6 : IDS_PROTOCOL_IPV4);
+        rows.push_back({{name, StateText(line)}});
     }
     return rows;
 }
 
-TableRows InterfaceRows(const Session& session, const DeviceRow& row) {
-    TableRows rows;
+std::vector<ListRow> InterfaceRows(const Session& session, const DeviceRow& row) {
+    std::vector<ListRow> rows;
     for (const Interface& one : session.DeviceOf(row)->facts->interfaces) {
         // More than the device's number can tell.
         constexpr wchar_t kLimit[] = L"over ";
         const std::wstring speed = ToWide(one.speed);
         const bool isLoopback = one.physicalAddress.empty() && one.type == "software loopback";
         const bool isLimit = speed.rfind(kLimit, 0) == 0;
-        rows.push_back({ToWide(one.description), ToWide(one.operStatus),
-                        isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
-                        isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress),
-                        ToWide(one.type), ToWide(one.adminStatus)});
+        rows.push_back(
+            {{ToWide(one.description), ToWide(one.operStatus),
+              isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
+              isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress), ToWide(one.type),
+              ToWide(one.adminStatus)}});
     }
     return rows;
 }
 
-TableRows AnswerRows(const Session& session, const DeviceRow& row) {
-    TableRows rows;
+std::vector<ListRow> AnswerRows(const Session& session, const DeviceRow& row) {
+    std::vector<ListRow> rows;
     for (const AnswerLine& line : AnswerLines(session.GetScan(), row.answers)) {
-        rows.push_back({ToWide(line.object), ToWide(line.value), ProtocolName(line.kind),
-                        ToWide(line.address), ToWide(ShortTime(line.time))});
+        rows.push_back({{ToWide(line.object), ToWide(line.value), ProtocolName(line.kind),
+                         ToWide(line.address), ToWide(ShortTime(line.time))}});
     }
     return rows;
+}
+
+std::vector<ListRow> SummaryRows(const Session& session, const DeviceRow& row) {
+    const FoundDevice* const device = session.DeviceOf(row);
+    if (!device) return {};
+    Report report = ReportOf(*device, row, session.GapsOf(row), session.Limits());
+    if (row.standing.kind == Standing::Kind::kNeverRead)
+        report.emplace_back().Add("", ToUtf8(Text(IDS_NOT_ASKED)));
+    return ListRowsOf(report);
 }
 
 // In the order of the tabs.
 const DevicePage kPages[] = {
-    {IDS_PAGE_SUMMARY, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 100}}, nullptr},
+    {IDS_PAGE_SUMMARY, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 100}}, SummaryRows},
     {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}}, ProtocolRows},
     {IDS_PAGE_INTERFACES,
      {{IDS_FACT_DESCRIPTION, 85},
@@ -101,19 +109,6 @@ const DevicePage kPages[] = {
       {IDS_CALL_TIME, 120}},
      AnswerRows},
 };
-
-// `row`: null if no device is selected.
-std::vector<ReportRow> SummaryOf(const Session& session, const DeviceRow* row) {
-    const FoundDevice* device = row ? session.DeviceOf(*row) : nullptr;
-    Report report;
-    if (device) report = ReportOf(*device, *row, session.GapsOf(*row), session.Limits());
-    ReportSection note;
-    if (!device) note.Add("", ToUtf8(Text(IDS_NO_SELECTION)));
-    if (device && row->standing.kind == Standing::Kind::kNeverRead)
-        note.Add("", ToUtf8(Text(IDS_NOT_ASKED)));
-    report.push_back(std::move(note));
-    return RowsOf(report);
-}
 
 }  // namespace
 
@@ -137,24 +132,19 @@ void DetailsPane::Create(HWND parent) {
 
 void DetailsPane::Show() {
     const DeviceRow* row = session_.view.SelectedRow();
-    const DevicePage& page = Page();
     const std::vector<size_t> answers = row ? row->answers : std::vector<size_t>();
     const std::vector<size_t> old = std::exchange(answers_, answers);
     // Another device's rows start at their top, without a selected one; the summary stays.
     const bool isSame = !old.empty() && !answers.empty() && old.front() == answers.front();
-    if (page.rows && !isSame && old != answers) ShowRows({}, {});
-    std::vector<ReportRow> rows;
-    TableRows table;
-    if (!page.rows) rows = SummaryOf(session_, row);
-    if (page.rows && row) table = page.rows(session_, *row);
+    if (!IsSummary() && !isSame && old != answers) ShowRows({});
+    auto rows = row ? Page().rows(session_, *row) : std::vector<ListRow>();
+    if (rows.empty() && IsSummary()) rows.push_back({{L"", Text(IDS_NO_SELECTION)}});
     // Without rows, the reason may be another one.
-    if (rows != rows_ || table != table_ || Count() == 0)
-        ShowRows(std::move(rows), std::move(table));
+    if (rows != rows_ || rows.empty()) ShowRows(std::move(rows));
 }
 
-void DetailsPane::ShowRows(std::vector<ReportRow> rows, TableRows table) {
+void DetailsPane::ShowRows(std::vector<ListRow> rows) {
     rows_ = std::move(rows);
-    table_ = std::move(table);
     list_.Refresh();
     UpdateList();
 }
@@ -163,9 +153,11 @@ const DevicePage& DetailsPane::Page() const {
     return kPages[static_cast<size_t>(std::max(0, TabCtrl_GetCurSel(tabs_)))];
 }
 
+bool DetailsPane::IsSummary() const { return Page().rows == SummaryRows; }
+
 void DetailsPane::ShowPage() {
     const DevicePage& page = Page();
-    ShowRows({}, {});
+    ShowRows({});
     list_.SetName(Text(page.title));
     list_.SetDpi(dpi_);
     list_.SetColumns(page.columns);
@@ -202,7 +194,7 @@ void DetailsPane::PlaceTabs(Placement& placement) {
 void DetailsPane::PlaceList(Placement& placement) {
     constexpr int kChosenHeight = 68;  // four lines and a space
     const auto row = static_cast<size_t>(list_.Selected());
-    const bool isHeading = row < rows_.size() && rows_[row].text.empty();
+    const bool isHeading = row < rows_.size() && IsSummary() && rows_[row].cells[1].empty();
     const std::wstring chosen = isHeading ? L"" : list_.SelectedText();
     Box list = whole_;
     if (!chosen.empty()) list.height = std::max(0, list.height - Scaled(kChosenHeight, dpi_));
@@ -214,7 +206,7 @@ void DetailsPane::PlaceList(Placement& placement) {
     placement.Move(chosen_, {list.x, top, list.width, std::max(0, whole_.y + whole_.height - top)});
     placement.Move(list_.Handle(), list);
     list_.SetDpi(dpi_);
-    if (Page().rows) return;
+    if (!IsSummary()) return;
     const int labels = std::min(Scaled(150, dpi_), list.width / 3);
     ListView_SetColumnWidth(list_.Handle(), 0, labels);
 }
@@ -251,7 +243,7 @@ std::wstring DetailsPane::EmptyText() const {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row) return Text(IDS_NO_SELECTION);
     const Scan& scan = session_.GetScan();
-    const bool isReadWhole = std::any_of(row->answers.begin(), row->answers.end(), [&](size_t at) {
+    const bool isReadWhole = AnyOf(row->answers, [&](size_t at) {
         const ScanSweep& sweep = scan.sweeps[scan.answers[at].sweep];
         return sweep.form == AnswerForm::kVariable && sweep.isComplete;
     });

@@ -8,17 +8,15 @@
 #include <string>
 #include <vector>
 
-#include "window/controls/facts_list.h"
 #include "window/controls/list_control.h"
 #include "window/controls/placement.h"
 #include "window/work/session.h"
 
 namespace vndiscover::host {
 
-using TableRows = std::vector<std::vector<std::wstring>>;
 struct DevicePage;
 
-class DetailsPane : private FactsModel {
+class DetailsPane : private ListModel {
   public:
     // The session must outlive the pane.
     explicit DetailsPane(const Session& session) : session_(session) {}
@@ -36,19 +34,11 @@ class DetailsPane : private FactsModel {
     void OnNotify(const NMHDR& header);
 
   private:
-    // Of the summary, or of the table of another page.
-    size_t Count() const override { return rows_.empty() ? table_.size() : rows_.size(); }
-    std::wstring CellText(size_t row, size_t column) const override {
-        return rows_.empty() ? table_[row][column] : FactsModel::CellText(row, column);
-    }
-    std::optional<LevelBar> Bar(size_t row, size_t column) const override {
-        return rows_.empty() ? std::nullopt : FactsModel::Bar(row, column);
-    }
-    bool IsBold(size_t row) const override { return !rows_.empty() && FactsModel::IsBold(row); }
     std::wstring EmptyText() const override;
     void OnSelected() override { UpdateList(); }
     const DevicePage& Page() const;
-    void ShowRows(std::vector<ReportRow> rows, TableRows table);
+    bool IsSummary() const;
+    void ShowRows(std::vector<ListRow> rows);
     void ShowPage();
     int TabsHeight() const;
     void PlaceTabs(Placement& placement);
@@ -58,7 +48,6 @@ class DetailsPane : private FactsModel {
     const Session& session_;
     HWND tabs_ = nullptr, chosen_ = nullptr;  // the latter: the whole text of the selected row
     ListControl list_{*this};
-    TableRows table_;
     Box box_;             // of all
     Box whole_, placed_;  // with the text of the chosen row, and the list alone
     int dpi_ = 96;

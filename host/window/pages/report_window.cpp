@@ -1,5 +1,7 @@
 #include "window/pages/report_window.h"
 
+#include <vndiscover.h>
+
 #include <utility>
 
 #include "model/computer/computer_report.h"
@@ -10,36 +12,28 @@
 
 namespace vndiscover::host {
 
-void ReportWindow::Open(HWND owner, const std::wstring& title, std::vector<ReportRow> rows) {
+void ReportWindow::Open(HWND owner, const std::wstring& title, const Report& report) {
     Close();
-    title_ = title;
-    rows_ = std::move(rows);
-    OpenDialog(owner, IDD_REPORT);
+    OpenDialog(owner, {IDD_REPORT, title, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 400}}});
+    Show(report);
+    list_.Select(0);
+    if (IsOpen()) OnSelected();
 }
 
-void ReportWindow::Show(std::vector<ReportRow> rows) {
+void ReportWindow::Show(const Report& report) {
     if (!IsOpen()) return;
-    rows_ = std::move(rows);
-    ShowWindow(Item(IDC_COPY_COMMANDS), Commands().empty() ? SW_HIDE : SW_SHOWNA);
+    rows_ = ListRowsOf(report);
+    commands_.clear();
+    for (const ReportSection& section : report) {
+        for (const ReportRow& row : section.rows)
+            if (row.isCommand) commands_ += ToWide(row.text) + L"\r\n";
+    }
+    ShowWindow(Item(IDC_COPY_COMMANDS), commands_.empty() ? SW_HIDE : SW_SHOWNA);
     Refresh();
 }
 
-void ReportWindow::Begin() {
-    BeginDialog(title_, IDC_DETAILS, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 400}});
-    list_.Select(0);
-    Show(std::move(rows_));
-}
-
 void ReportWindow::OnCommand(int id) {
-    if (id == IDC_COPY_COMMANDS) CopyText(dialog_, Commands());
-}
-
-std::wstring ReportWindow::Commands() const {
-    std::wstring commands;
-    for (const ReportRow& row : rows_) {
-        if (row.isCommand) commands += ToWide(row.text) + L"\r\n";
-    }
-    return commands;
+    if (id == IDC_COPY_COMMANDS) CopyText(dialog_, commands_);
 }
 
 void DoctorWindow::Begin(const std::string& address) {
@@ -60,6 +54,9 @@ void DoctorWindow::ShowDiagnosis(const std::string& address, const HostDiagnosis
                                  const AdapterList& adapters, HWND owner) {
     if (address != address_) return;
     diagnosis_ = diagnosis;
+    // As in the calls, a community is not shown where it may be copied; the default one is no
+    // secret.
+    if (diagnosis.community != VN_DEFAULT_COMMUNITY) diagnosis_->community.clear();
     isOnOwnNetwork_ = IsOnOwnNetwork(adapters, address);
     if (report_) Show(owner);
 }
@@ -80,12 +77,11 @@ void DoctorWindow::Show(HWND owner) {
     }
     const char* const label = address_.empty() ? "Verdict" : "This computer";
     for (ReportSection& section : ReportOf(*report_, label)) report.push_back(std::move(section));
-    std::vector<ReportRow> rows = RowsOf(report);
-    if (std::exchange(hasOpened_, true)) return page_.Show(std::move(rows));
+    if (std::exchange(hasOpened_, true)) return page_.Show(report);
     page_.Open(
         owner,
         address_.empty() ? Text(IDS_DOCTOR_TITLE) : Text(IDS_DIAGNOSIS_TITLE, {ToWide(address_)}),
-        std::move(rows));
+        report);
 }
 
 }  // namespace vndiscover::host

@@ -9,26 +9,22 @@
 
 #include "model/asking/host_diagnosis.h"
 #include "model/computer/computer_report.h"
-#include "window/controls/facts_list.h"
 #include "window/dialogs/dialogs.h"
 
 namespace vndiscover::host {
 
-class ReportWindow : public ListDialog, private FactsModel {
+class ReportWindow : public ListDialog {
   public:
     // Replaces what the window showed.
-    void Open(HWND owner, const std::wstring& title, std::vector<ReportRow> rows);
+    void Open(HWND owner, const std::wstring& title, const Report& report);
     // Has no effect if the user has closed the window.
-    void Show(std::vector<ReportRow> rows);
+    void Show(const Report& report);
     using ListDialog::Close;
 
   private:
-    void Begin() override;
     void OnCommand(int id) override;
-    // One a line; empty: there are none.
-    std::wstring Commands() const;
 
-    std::wstring title_;
+    std::wstring commands_;  // of the report, one a line
 };
 
 // The report on why there are no devices, or why one does not answer.

@@ -15,15 +15,13 @@ namespace vndiscover::host {
 
 void TableWindow::Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns) {
     Close();
-    title_ = title;
-    columns_ = std::move(columns);
     order_.clear();
     sorted_ = SIZE_MAX;
     isDescending_ = false;
-    OpenDialog(owner, IDD_TABLE);
+    OpenDialog(owner, {IDD_TABLE, title, std::move(columns)});
 }
 
-void TableWindow::Show(const std::wstring& note, std::vector<Row> rows) {
+void TableWindow::Show(const std::wstring& note, std::vector<ListRow> rows) {
     if (!IsOpen()) return;
     order_.clear();  // of the former rows
     rows_ = std::move(rows);
@@ -32,7 +30,7 @@ void TableWindow::Show(const std::wstring& note, std::vector<Row> rows) {
 }
 
 std::wstring TableWindow::CellText(size_t row, size_t column) const {
-    const std::wstring& text = rows_[order_[row]][column];
+    const std::wstring& text = rows_[order_[row]].cells[column];
     return IsTime(column) ? ToWide(ShortTime(ToUtf8(text))) : text;
 }
 
@@ -50,7 +48,8 @@ void TableWindow::Arrange() {
     std::stable_sort(order_.begin(), order_.end(), [&](size_t one, size_t other) {
         if (isArrival) return false;
         if (isDescending_) std::swap(one, other);
-        const std::wstring &less = rows_[one][sorted_], &more = rows_[other][sorted_];
+        const std::wstring& less = rows_[one].cells[sorted_];
+        const std::wstring& more = rows_[other].cells[sorted_];
         const long first = std::wcstol(less.c_str(), nullptr, 10);
         const long second = std::wcstol(more.c_str(), nullptr, 10);
         if (first != second) return first < second;  // "9 %" and "10 %"
@@ -63,23 +62,28 @@ void TableWindow::Arrange() {
 void TableWindow::OnCommand(int id) {
     if (id == IDC_TABLE_COPY) CopyText(dialog_, list_.TableText(true));
     if (id != IDC_TABLE_SAVE) return;
-    std::vector<std::string> cells;
-    for (const ListColumn& column : columns_) cells.push_back(ToUtf8(Text(column.heading)));
-    std::string csv = kByteOrderMark + CsvLine(cells, ListSeparator());
-    for (const size_t row : order_) {
-        for (size_t column = 0; column < cells.size(); ++column) {
-            cells[column] = ToUtf8(rows_[row][column]);
-            if (IsTime(column)) cells[column] = ToUtf8(LocalTime(cells[column]));
-        }
-        csv += CsvLine(cells, ListSeparator());
-    }
-    save_(csv);
+    std::vector<std::wstring> headings;
+    for (const ListColumn& column : form_.columns) headings.push_back(Text(column.heading));
+    save_(CsvText(headings, Count(), [&](size_t row, size_t column) {
+        const std::wstring& text = rows_[order_[row]].cells[column];
+        return IsTime(column) ? LocalTime(ToUtf8(text)) : text;
+    }));
 }
 
-std::string ListSeparator() {
-    wchar_t separator[8] = L"";
-    GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SLIST, separator, 8);
-    return separator[0] == L'\0' ? "," : ToUtf8(separator);
+std::string CsvText(const std::vector<std::wstring>& headings, size_t rows,
+                    const std::function<std::wstring(size_t row, size_t column)>& cell) {
+    wchar_t list[8] = L"";
+    GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SLIST, list, 8);
+    const std::string separator = list[0] == L'\0' ? "," : ToUtf8(list);
+    std::vector<std::string> cells;
+    for (const std::wstring& heading : headings) cells.push_back(ToUtf8(heading));
+    std::string csv = kByteOrderMark + CsvLine(cells, separator);
+    for (size_t row = 0; row < rows; ++row) {
+        for (size_t column = 0; column < cells.size(); ++column)
+            cells[column] = ToUtf8(cell(row, column));
+        csv += CsvLine(cells, separator);
+    }
+    return csv;
 }
 
 }  // namespace vndiscover::host

@@ -13,7 +13,6 @@ namespace vndiscover::host {
 
 class TableWindow : public ListDialog {
   public:
-    using Row = std::vector<std::wstring>;  // a text for each column
     // `save` asks for a file and saves the text of a CSV document.
     explicit TableWindow(std::function<void(const std::string& csv)> save)
         : save_(std::move(save)) {}
@@ -21,27 +20,24 @@ class TableWindow : public ListDialog {
     void Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns);
     // Shows rows, in the order that the user chose, and a line above them, if it is open. Rows
     // with a time, such as "2026-11-25T04:32:23Z", must come newest first.
-    void Show(const std::wstring& note, std::vector<Row> rows);
+    void Show(const std::wstring& note, std::vector<ListRow> rows);
 
   private:
     size_t Count() const override { return order_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
-    bool IsTime(size_t column) const { return columns_[column].heading == IDS_CALL_TIME; }
+    bool IsTime(size_t column) const { return form_.columns[column].heading == IDS_CALL_TIME; }
     void OnHeading(size_t column) override;
     void Arrange();
-    void Begin() override { BeginDialog(title_, IDC_TABLE_ROWS, columns_); }
     void OnCommand(int id) override;
 
     std::function<void(const std::string& csv)> save_;
-    std::wstring title_;
-    std::vector<ListColumn> columns_;
-    std::vector<Row> rows_;
     std::vector<size_t> order_;  // indexes in rows_
     size_t sorted_ = SIZE_MAX;   // the column; SIZE_MAX: as they came
     bool isDescending_ = false;
 };
 
-// For CSV documents, that of the user's settings.
-std::string ListSeparator();
+// A CSV document, with the list separator of the user's settings.
+std::string CsvText(const std::vector<std::wstring>& headings, size_t rows,
+                    const std::function<std::wstring(size_t row, size_t column)>& cell);
 
 }  // namespace vndiscover::host

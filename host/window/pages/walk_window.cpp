@@ -31,7 +31,9 @@ std::wstring EndText(const WalkEnd& end) {
 void WalkWindow::Open(HWND owner, AskTarget target) {
     if (IsOpen() && target.address != target_.address) Close();
     target_ = std::move(target);
-    OpenDialog(owner, IDD_WALK);
+    OpenDialog(owner, {IDD_WALK,
+                       Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))}),
+                       {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}}});
 }
 
 bool WalkWindow::IsShown(unsigned walk) const {
@@ -67,8 +69,7 @@ void WalkWindow::Refresh() {
 }
 
 void WalkWindow::Begin() {
-    BeginDialog(Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))}), IDC_WALK_VALUES,
-                {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}});
+    ListDialog::Begin();
     OnFonts();
     SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
     SetItem(IDC_WALK_ROOT, kDefaultRoot);

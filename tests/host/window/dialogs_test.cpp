@@ -405,6 +405,7 @@ TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     const HWND dialog = PopupOf(window_->Handle());
     const HWND text = GetDlgItem(dialog, IDC_CALL_TEXT);
     EXPECT_EQ(Text(IDS_CALLS_NONE), TextOf(text));
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDC_CALL_COPY)));
     Command(IDC_FIND);
     ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
     Command(IDC_FIND);
@@ -417,6 +418,7 @@ TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     CheckRadioButton(dialog, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_COMMAND);
     Press(dialog, IDC_CALL_COMMAND);
     EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", TextOf(text));
+    EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDC_CALL_COPY)));
     Press(dialog, IDC_CALL_COPY);
     EXPECT_EQ(L"vndiscover sweep --oid .1.3.1", Copied());
     // The selected call stays selected while others are added.
@@ -492,8 +494,8 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
             (way == kQueued ? L"not asked;not asked;not asked;not asked;"
                             : L"! the device is on none of this computer's networks: sweeps do "
                               L"not reach it, directed requests do;answered;! no answer;"
-                              L"! no answer;not asked;SNMPv1 with community 'office' for the "
-                              L"variable after sysDescr.0;") +
+                              L"! no answer;not asked;SNMPv1 with a community that is not shown "
+                              L"for the variable after sysDescr.0;") +
             computer;
         EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
         SendMessageW(page, WM_COMMAND, IDCANCEL, 0);

@@ -130,7 +130,8 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     std::string file;
     TableWindow table([&](const std::string& csv) { file = csv; });
     table.Open(window_->Handle(), L"a table", {{IDS_CALL_TIME, 90}, {IDS_CHANGE_AFTER, 90}});
-    table.Show(L"3 rows", {{L"12/2/26", L"10 %"}, {L"11/30/26", L"9 %"}, {L"2/1/26", L"100 %"}});
+    table.Show(L"3 rows",
+               {{{L"12/2/26", L"10 %"}}, {{L"11/30/26", L"9 %"}}, {{L"2/1/26", L"100 %"}}});
     const HWND dialog = PopupOf(window_->Handle()), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
     const auto order = [&] {
         return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
@@ -140,12 +141,12 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
         ClickHeading(list, column);
         EXPECT_EQ(sorted, order());
     }
-    table.Show(L"4 rows", {{L"", L"8 %"}, {L"", L"7 %"}, {L"", L"6 %"}, {L"", L"5 %"}});
+    table.Show(L"4 rows", {{{L"", L"8 %"}}, {{L"", L"7 %"}}, {{L"", L"6 %"}}, {{L"", L"5 %"}}});
     EXPECT_EQ(L"5 %, 6 %, 7 %", order());
     EXPECT_EQ(L"4 rows", TextOf(GetDlgItem(dialog, IDC_TABLE_NOTE)));
     // A file has the whole time.
     const std::string now = UtcNow();
-    table.Show(L"1 row", {{ToWide(now), L""}});
+    table.Show(L"1 row", {{{ToWide(now), L""}}});
     EXPECT_EQ(ToWide(ShortTime(now)), CellOf(list, 0, 0));
     SendMessageW(dialog, WM_COMMAND, IDC_TABLE_SAVE, 0);
     EXPECT_NE(std::string::npos, file.find("\"" + ToUtf8(LocalTime(now)) + "\"")) << file;

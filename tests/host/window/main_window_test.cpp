@@ -47,6 +47,10 @@ TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
         EXPECT_TRUE(Ends());
         EXPECT_EQ(Text(IDS_NONE_STOPPED), empty());
     }
+    engine_.isUnsent = true;
+    Command(IDC_FIND);
+    EXPECT_TRUE(Ends());
+    EXPECT_EQ(Text(IDS_NOTHING_SENT), empty()) << "who was not asked did not fail to answer";
 }
 
 TEST_F(MainWindowTest, TellsOfASweepThatFailed) {
@@ -96,6 +100,7 @@ TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));
+    EXPECT_FALSE(window_->searches.Repeat());
     Command(IDC_FIND);
     EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
     engine_.Say("10.77.1.10", "VN LaserPro 410");
@@ -221,7 +226,7 @@ TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
     ASSERT_TRUE(EndsSweeps());
     EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Search finished in 0 s, 0 devices"));
     ClickColumn(2);
-    const ListControl& list = window_->panes.list.List();
+    const ListControl& list = window_->panes.list;
     EXPECT_EQ((std::vector<size_t>{0, 2}), list.Selection());
     ListView_SetItemState(Control(IDC_DEVICES), -1, LVIS_SELECTED, LVIS_SELECTED);
     Command(IDM_WEB);
@@ -280,6 +285,15 @@ TEST_F(MainWindowTest, ControlsFitAndHaveNamesInAnySizeAndLanguage) {
                 SCOPED_TRACE(testing::Message() << isLong << " " << dpi << " " << width);
                 Resize(window_->Handle(), width, 480, dpi);
                 CheckControls(window_->Handle());
+                // The longest state that says since when.
+                const HWND list = Control(IDC_DEVICES);
+                const WindowDc dc(list);
+                const auto font = reinterpret_cast<HFONT>(SendMessageW(list, WM_GETFONT, 0, 0));
+                const Selection writing(dc.Get(), font);
+                RECT size = {};
+                DrawTextW(dc.Get(), L"\x25CF no answer since 12:20 PM", -1, &size,
+                          DT_CALCRECT | DT_SINGLELINE);
+                EXPECT_LE(size.right + Scaled(12, dpi), ListView_GetColumnWidth(list, 3));
             }
         }
         window_.reset();

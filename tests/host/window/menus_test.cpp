@@ -107,6 +107,8 @@ TEST_F(Menus, AnyCellIsCopiedByKeyboard) {
     EXPECT_EQ(L"10.77.1.9", Copied());
     Command(IDM_CELL + 7);
     EXPECT_EQ(L"SNMPv1", Copied());
+    Command(IDM_CELL + static_cast<int>(Column::kLocation));
+    EXPECT_EQ(Text(IDS_EMPTY_CELL), TextOf(Control(IDC_STATUS)));
 }
 
 TEST_F(Menus, DetailsAreCopied) {
@@ -307,6 +309,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
         if (column != 0 && column != 4) Command(IDM_COLUMN + column);
     }
     EXPECT_EQ(L"MAC address;", Headings());
+    EXPECT_TRUE(GetMenuState(OpenMenu(2), IDM_COLUMN + 4, MF_BYCOMMAND) & MF_GRAYED);
     Command(IDM_COLUMN + 4);
     EXPECT_EQ(L"MAC address;", Headings());
 }

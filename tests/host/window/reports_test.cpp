@@ -59,7 +59,7 @@ TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
     const HWND owner = CreateWindowW(L"STATIC", L"", WS_VISIBLE, 0, 0, 900, 500, nullptr, nullptr,
                                      nullptr, nullptr);
     ReportWindow report;
-    report.Open(owner, L"", RowsOf(OfComputer()));
+    report.Open(owner, L"", OfComputer());
     const HWND page = PopupOf(owner);
     const HWND list = GetDlgItem(page, IDC_DETAILS), chosen = GetDlgItem(page, IDC_CHOSEN);
     SendMessageW(page, WM_COMMAND, IDC_COPY_COMMANDS, 0);
@@ -67,7 +67,7 @@ TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
     EXPECT_EQ(CellOf(list, 0, 0) + L": " + CellOf(list, 0, 1), TextOf(chosen));
     SendMessageW(list, WM_KEYDOWN, VK_DOWN, 1);
     EXPECT_EQ(CellOf(list, 1, 0) + L": " + CellOf(list, 1, 1), TextOf(chosen));
-    report.Show(RowsOf(OfDevice()));
+    report.Show(OfDevice());
     EXPECT_FALSE(IsWindowVisible(GetDlgItem(page, IDC_COPY_COMMANDS)));
     DestroyWindow(owner);
 }
@@ -78,7 +78,7 @@ TEST(Reports, AreTheSameOnAPageAndInTheConsole) {
     for (const Report& report : {OfPrinter(), OfComputer(), OfDevice()}) {
         const std::string console = WithoutSpaces(ReportText(report));
         ReportWindow page;
-        page.Open(owner, L"", RowsOf(report));
+        page.Open(owner, L"", report);
         const HWND list = GetDlgItem(PopupOf(owner), IDC_DETAILS);
         std::string shown;
         for (int row = 0; row < ListView_GetItemCount(list); ++row)
