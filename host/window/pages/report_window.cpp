@@ -1,9 +1,8 @@
 #include "window/pages/report_window.h"
 
-#include <vndiscover.h>
-
 #include <utility>
 
+#include "device/device.h"
 #include "model/computer/computer_report.h"
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
@@ -56,7 +55,7 @@ void DoctorWindow::ShowDiagnosis(const std::string& address, const HostDiagnosis
     diagnosis_ = diagnosis;
     // As in the calls, a community is not shown where it may be copied; the default one is no
     // secret.
-    if (diagnosis.community != VN_DEFAULT_COMMUNITY) diagnosis_->community.clear();
+    if (diagnosis.community != CommunityOf({})) diagnosis_->community.clear();
     isOnOwnNetwork_ = IsOnOwnNetwork(adapters, address);
     if (report_) Show(owner);
 }
