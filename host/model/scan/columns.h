@@ -69,7 +69,7 @@ inline constexpr ColumnInfo kColumns[] = {
     {Column::kState,
      [](const RowSource& source) { return StateText(source.standing, source.summary); }, 165, 0,
      true, ColumnInfo::Order::kSeverity},
-    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 140, 5, true,
+    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 132, 5, true,
      ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},
     {Column::kProtocols, ProtocolCell, 100, 8, false},
     {Column::kNetwork, NetworkCell, 100, 9, false},
