@@ -26,13 +26,13 @@ struct Key {
 constexpr Key Ctrl(WORD code) { return {FCONTROL, code}; }
 constexpr Key CtrlShift(WORD code) { return {FCONTROL | FSHIFT, code}; }
 
-// Without `run` it is a menu.
 struct Command {
     unsigned id;  // also that of its text; kMenuLine: a line
     Key key = {};
     unsigned (*obstacle)(const Window&) = nullptr;  // the string why it cannot run; 0: it can
     void (*run)(Window&) = nullptr;
     bool (*isChecked)(const Window&) = nullptr;  // null: it has no check mark
+    constexpr bool IsMenu() const { return !run && !obstacle && id != kMenuLine; }
 };
 
 constexpr unsigned Unless(bool holds, unsigned text) { return holds ? 0U : text; }
@@ -82,7 +82,8 @@ constexpr Command Choice() {
 void Refresh(Window& w) { w.RestartTimer(w.state.settings.refreshMinutes); }
 void UseLow(Window& w) { w.panes.UseLow(); }
 
-// Each menu with its commands. The first ones are in none.
+// The menus of the bar, each with its commands. The first ones are in none. The columns are
+// commands of IDS_MENU_VIEW.
 constexpr Command kTable[] = {
     {IDC_FIND, {}, nullptr, [](Window& w) { w.FindOrStop(); }},
     {IDCANCEL, {}, nullptr, Escape},  // Esc, in any control
@@ -157,11 +158,6 @@ constexpr Command kTable[] = {
     {IDM_ABOUT, {}, nullptr, [](Window& w) { ShowAbout(w.Handle()); }},
 };
 
-// In the order of the bar. The columns are commands of IDS_MENU_VIEW.
-constexpr unsigned kMenus[] = {IDS_MENU_FILE,   IDS_MENU_EDIT,  IDS_MENU_VIEW,
-                               IDS_MENU_DEVICE, IDS_MENU_TOOLS, IDS_MENU_HELP};
-constexpr int kView = 2;  // place in the bar
-
 constexpr bool IsColumn(unsigned id) { return id >= IDM_COLUMN && id < IDM_COLUMN + kColumnCount; }
 constexpr bool IsCell(unsigned id) { return id >= IDM_CELL && id < IDM_CELL + kColumnCount; }
 constexpr bool AreDistinct() {
@@ -207,9 +203,8 @@ Commands CommandsOf(unsigned menu) {
         commands.push_back(IDM_COLUMN + index);
     bool isIn = false;
     for (const Command& command : kTable) {
-        const bool isMenu = Contains(kMenus, command.id);
-        if (isMenu) isIn = command.id == menu;
-        if (isIn && !isMenu) commands.push_back(command.id);
+        if (command.IsMenu()) isIn = command.id == menu;
+        if (isIn && !command.IsMenu()) commands.push_back(command.id);
     }
     return commands;
 }
@@ -246,8 +241,10 @@ OwnedAccelerators MakeKeys() {
 // A MENU resource would repeat the table.
 OwnedMenu MakeMenu() {
     OwnedMenu bar(CreateMenu());
-    for (const unsigned menu : kMenus)
-        AddPopup(bar.Get(), MakePopup(CommandsOf(menu), ColumnNames()), Text(menu));
+    for (const Command& menu : kTable) {
+        if (menu.IsMenu())
+            AddPopup(bar.Get(), MakePopup(CommandsOf(menu.id), ColumnNames()), Text(menu.id));
+    }
     return bar;
 }
 
@@ -258,7 +255,7 @@ OwnedMenu MakeDeviceMenu() {
     return MakePopup(commands, ColumnNames());
 }
 
-HMENU ViewMenuOf(HMENU bar) { return GetSubMenu(bar, kView); }
+HMENU ViewMenuOf(HMENU bar) { return GetSubMenu(bar, 2); }
 
 void EnableCommands(const MainWindow& window, HMENU menu) {
     for (int index = 0; index < GetMenuItemCount(menu); ++index) {

@@ -5,10 +5,8 @@
 
 #include <commctrl.h>
 
-#include <functional>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "window/controls/list_control.h"
@@ -24,11 +22,8 @@ std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = fals
 
 class DeviceList : private ListModel, public ListControl {
   public:
-    // The state must outlive the list. `onSelected`: the user has selected another device.
-    DeviceList(WindowState& state, std::function<void()> onSelected)
-        : ListControl(static_cast<ListModel&>(*this)),
-          state_(state),
-          onSelected_(std::move(onSelected)) {}
+    explicit DeviceList(WindowState& state)  // which must outlive it
+        : ListControl(static_cast<ListModel&>(*this)), state_(state) {}
     // A child of the state's window, which destroys it.
     void Create();
 
@@ -60,7 +55,7 @@ class DeviceList : private ListModel, public ListControl {
     std::wstring EmptyText() const override;
     void OnSelection() override;
     void OnSelected() override {
-        if (Selected() >= 0) onSelected_();
+        if (Selected() >= 0) state_.onSelected();
     }
     void OnHeading(size_t column) override;
 
@@ -69,7 +64,6 @@ class DeviceList : private ListModel, public ListControl {
     void MarkSorted();
 
     WindowState& state_;
-    std::function<void()> onSelected_;
     std::vector<Column> shown_;  // in the order of Column, as in the list
     Column chosenColumn_ = Column::kAddress;
 };

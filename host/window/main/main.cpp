@@ -44,11 +44,7 @@ constexpr struct Option {
     {"--sweep", &StartOptions::sweep, nullptr},
     {"--read", &StartOptions::read, nullptr},
     {kExit, &StartOptions::exit, nullptr},
-    {"--profile", nullptr,
-     [](const std::string& value, StartOptions& options) {
-         options.profile = ToWide(value);
-         return true;
-     }},
+    {"--profile", nullptr, Keep<&StartOptions::profile>},
     {"--community", nullptr,
      [](const std::string& value, StartOptions& options) {
          const auto communities = ParseCommunities(value);

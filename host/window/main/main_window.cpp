@@ -147,6 +147,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) {
         panes.ShowRows();
     };
     state.handleResults = [this] { OnResults(); };
+    state.onSelected = [this] { OnSelected(); };
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES |
                                                                 ICC_TAB_CLASSES |
                                                                 ICC_PROGRESS_CLASS};
@@ -247,7 +248,7 @@ void MainWindow::OnException() noexcept {
 
 void MainWindow::ApplyOptions() {
     const StartOptions& options = state.options;
-    if (!options.exit) state.progress.SetNote(UseKept(options.profile, state.credentials));
+    if (!options.exit) state.progress.SetNote(UseKept(ToWide(options.profile), state.credentials));
     if (!options.profile.empty()) panes.bar.UseV3(true);
     if (options.lookFor) panes.bar.Choose(*options.lookFor);
     if (!options.communities.empty()) state.credentials.communities = options.communities;

@@ -39,15 +39,10 @@ class MainWindow {
 
     // Its parts, for the commands.
     WindowState state;
-    Panes panes{state, [this] { OnSelected(); }};
+    Panes panes{state};
     ScanCommands scans{state, panes.list};
     Searches searches{state, panes.bar, scans};
-    WalkWindow walk{{[this](const AskTarget& target, const Oid& root, unsigned number) {
-                         state.workers->Walk(target, root, number);
-                     },
-                     [this] {
-                         if (state.workers) state.workers->StopWalk();
-                     }}};
+    WalkWindow walk{state.workers};
     DoctorWindow doctor;
     CallsWindow calls;
     void FindOrStop();

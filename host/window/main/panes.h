@@ -4,9 +4,7 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <string>
-#include <utility>
 
 #include "window/controls/owners.h"
 #include "window/main/device_list.h"
@@ -18,9 +16,8 @@ namespace vndiscover::host {
 
 class Panes {
   public:
-    // The state must outlive it. `onSelected`: the user has selected another device.
-    Panes(WindowState& state, std::function<void()> onSelected)
-        : list(state, std::move(onSelected)), details(state.session), state_(state) {}
+    explicit Panes(WindowState& state)  // which must outlive it
+        : list(state), details(state.session), state_(state) {}
     SearchBar bar;
     DeviceList list;
     DetailsPane details;

@@ -6,6 +6,7 @@
 
 #include "model/scan/device_view.h"
 #include "model/scan/device_writer.h"
+#include "model/scan/scan_file.h"
 #include "model/scan/scan_report.h"
 #include "model/scan/standing.h"
 #include "platform/saved_file.h"
@@ -169,18 +170,20 @@ void ScanCommands::ShowChanges() {
 }
 
 bool ScanCommands::SaveTo(const std::string& path) {
-    std::wstring note;
-    if (!SaveScan(state_.session.GetScan(), path, note)) return state_.ReportProblem(note);
-    state_.progress.SetNote(note);
+    std::string reason;
+    const auto text = WriteScan(state_.session.GetScan(), reason);
+    if (!text) return state_.ReportProblem(Text(IDS_TOO_LARGE, {ToWide(reason), ToWide(path)}));
+    if (!SaveTextTo(*text, path)) return false;
     state_.session.SetSaved();
     ForgetKept();
     return true;
 }
 
 bool ScanCommands::SaveTextTo(const std::string& text, const std::string& path) {
-    std::wstring note;
-    if (!SaveText(text, path, note)) return state_.ReportProblem(note);
-    state_.progress.SetNote(note);
+    std::string reason;
+    if (!ReplaceFileText(path, text, reason))
+        return state_.ReportProblem(Text(IDS_NOT_SAVED, {ToWide(reason), ToWide(path)}));
+    state_.progress.SetNote(Text(IDS_SAVED, {ToWide(path)}));
     return true;
 }
 
@@ -226,11 +229,12 @@ bool ScanCommands::MayDrop(unsigned question) {
 
 void ScanCommands::SaveForNextStart() {
     if (state_.options.exit || !state_.session.IsUnsaved()) return;
+    std::string reason;
+    const auto text = WriteScan(state_.session.GetScan(), reason);
     for (int number = 1; number <= kMostKept; ++number) {
         const std::string path = KeptPath(number);
         if (!HoldFile(path, CREATE_NEW)) continue;  // another window's
-        std::wstring note;
-        if (SaveScan(state_.session.GetScan(), path, note)) return ForgetKept();
+        if (text && ReplaceFileText(path, *text, reason)) return ForgetKept();
         return void(DeleteFileW(SystemPath(path).c_str()));
     }
 }

@@ -19,7 +19,7 @@ void Searches::AskForUser() {
 
 // Gets the SNMPv3 user. Returns false if there is none.
 bool Searches::FetchUser() {
-    const std::wstring& profile = state_.options.profile;
+    const std::wstring profile = ToWide(state_.options.profile);
     if (UseProfile(profile, state_.credentials)) return true;
     if (state_.options.exit) {
         state_.exitCode = kFailed;

@@ -23,7 +23,7 @@ struct StartOptions {
     bool sweep = false;
     std::string savePath;  // UTF-8; written when the sweep has ended
     bool exit = false;     // after that; no window is shown
-    std::wstring profile;  // of the user for SNMPv3; empty: none
+    std::string profile;   // UTF-8; of the user for SNMPv3; empty: none
     bool read = false;     // then reads every device; a window's switch decides otherwise
     std::string csvPath;   // UTF-8; the rows, written likewise
     std::vector<std::string> communities;  // empty: those of the settings
@@ -34,6 +34,7 @@ struct WindowState {
     StartOptions options;
     std::function<void()> showRows;       // shows what the session has now
     std::function<void()> handleResults;  // of the workers, that are waiting
+    std::function<void()> onSelected;     // by the user: another device
     HWND window = nullptr;
     Settings settings;
     int exitCode = kFound;

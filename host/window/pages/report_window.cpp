@@ -37,50 +37,47 @@ void ReportWindow::OnCommand(int id) {
 
 void DoctorWindow::Begin(const std::string& address) {
     page_.Close();
-    hasOpened_ = false;
-    report_.reset();
-    diagnosis_.reset();
-    isOnOwnNetwork_.reset();
-    address_ = address;
+    shown_ = {address};
 }
 
 void DoctorWindow::ShowReport(const ComputerReport& report, HWND owner) {
-    report_ = report;
+    shown_.computer = report;
     Show(owner);
 }
 
 void DoctorWindow::ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
                                  const AdapterList& adapters, HWND owner) {
-    if (address != address_) return;
-    diagnosis_ = diagnosis;
-    // As in the calls, a community is not shown where it may be copied; the default one is no
-    // secret.
-    if (diagnosis.community != CommunityOf({})) diagnosis_->community.clear();
-    isOnOwnNetwork_ = IsOnOwnNetwork(adapters, address);
-    if (report_) Show(owner);
+    if (address != shown_.address) return;
+    shown_.diagnosis = diagnosis;
+    // As in the calls, a community is not shown where it may be copied; the default one is known.
+    if (diagnosis.community != CommunityOf({})) shown_.diagnosis->community.clear();
+    shown_.isOnOwnNetwork = IsOnOwnNetwork(adapters, address);
+    Show(owner);
 }
 
 void DoctorWindow::Stop(HWND owner) {
-    if (address_.empty() || diagnosis_) return;
-    diagnosis_.emplace().isStopped = true;
-    if (report_) Show(owner);
+    if (shown_.address.empty() || shown_.diagnosis) return;
+    shown_.diagnosis.emplace().isStopped = true;
+    Show(owner);
 }
 
 void DoctorWindow::Show(HWND owner) {
+    if (!shown_.computer) return;  // it comes soon
+    const auto& diagnosis = shown_.diagnosis;
+    const std::wstring address = ToWide(shown_.address);
     Report report;
-    if (!address_.empty()) report = ReportOf(diagnosis_, isOnOwnNetwork_);
+    if (!address.empty()) report = ReportOf(diagnosis, shown_.isOnOwnNetwork);
     // The verdict tells of the engine.
-    if (diagnosis_ && !diagnosis_->hasUser && diagnosis_->discovery.outcome == Outcome::kAnswered) {
+    if (diagnosis && !diagnosis->hasUser && diagnosis->discovery.outcome == Outcome::kAnswered) {
         for (ReportRow& row : report.front().rows)
             if (row.label == kUserStep) row.text = ToUtf8(Text(IDS_NO_USER_ASKED));
     }
-    const char* const label = address_.empty() ? "Verdict" : "This computer";
-    for (ReportSection& section : ReportOf(*report_, label)) report.push_back(std::move(section));
-    if (std::exchange(hasOpened_, true)) return page_.Show(report);
-    page_.Open(
-        owner,
-        address_.empty() ? Text(IDS_DOCTOR_TITLE) : Text(IDS_DIAGNOSIS_TITLE, {ToWide(address_)}),
-        report);
+    const char* const label = address.empty() ? "Verdict" : "This computer";
+    for (ReportSection& section : ReportOf(*shown_.computer, label))
+        report.push_back(std::move(section));
+    if (std::exchange(shown_.hasOpened, true)) return page_.Show(report);
+    page_.Open(owner, Text(address.empty() ? IDS_DOCTOR_TITLE : IDS_DIAGNOSIS_TITLE, {address}),
+               report);
 }
 
 }  // namespace vndiscover::host

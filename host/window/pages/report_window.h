@@ -44,12 +44,14 @@ class DoctorWindow {
   private:
     void Show(HWND owner);
 
-    std::optional<ComputerReport> report_;
-    std::string address_;                     // of the device; empty: none
-    std::optional<HostDiagnosis> diagnosis_;  // empty: not yet known
-    std::optional<bool> isOnOwnNetwork_;      // see IsOnOwnNetwork
+    struct Content {
+        std::string address;  // of the device; empty: none
+        std::optional<ComputerReport> computer{};
+        std::optional<HostDiagnosis> diagnosis{};  // empty: not yet known
+        std::optional<bool> isOnOwnNetwork{};      // see IsOnOwnNetwork
+        bool hasOpened = false;                    // the user may have closed it
+    } shown_;
     ReportWindow page_;
-    bool hasOpened_ = false;  // since Begin; the user may have closed it
 };
 
 }  // namespace vndiscover::host

@@ -78,17 +78,13 @@ void WalkWindow::Begin() {
 
 // The worker may still wait for its last answer.
 void WalkWindow::OnClosed() {
-    if (std::exchange(state_, State::kIdle) != State::kIdle) actions_.stop();
+    if (std::exchange(state_, State::kIdle) != State::kIdle && workers_) workers_->StopWalk();
     values_.clear();
 }
 
 void WalkWindow::OnCommand(int id) {
-    if (id == IDC_WALK_START) {
-        if (state_ == State::kIdle) {
-            Start();
-        } else {
-            Stop();
-        }
+    if (id == IDC_WALK_START && workers_) {
+        state_ == State::kIdle ? Start() : Stop();
     } else if (id == IDC_WALK_COPY_ROW || id == IDC_WALK_COPY_ALL) {
         list_.Copy(id == IDC_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
     }
@@ -107,14 +103,14 @@ void WalkWindow::Start() {
     state_ = State::kWaiting;
     startMs_ = GetTickCount64();
     SetItem(IDC_WALK_START, Text(IDS_WALK_STOP));
-    actions_.start(target_, *root, ++walk_);
+    workers_->Walk(target_, *root, ++walk_);
     Refresh();
 }
 
 void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
     SetItem(IDC_WALK_START, Text(IDS_STOPPING));
-    actions_.stop();
+    workers_->StopWalk();
 }
 
 void WalkWindow::OnSelected() {

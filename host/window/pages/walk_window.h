@@ -3,22 +3,19 @@
 
 #include <windows.h>
 
-#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "window/dialogs/dialogs.h"
-#include "window/work/results.h"
+#include "window/work/workers.h"
 
 namespace vndiscover::host {
 
 class WalkWindow : private ListDialog {
   public:
-    struct Actions {
-        std::function<void(const AskTarget& target, const Oid& root, unsigned walk)> start;
-        std::function<void()> stop;
-    };
-    explicit WalkWindow(Actions actions) : actions_(std::move(actions)) {}
+    // The workers, of whom there are none while the main window closes.
+    explicit WalkWindow(const std::unique_ptr<Workers>& workers) : workers_(workers) {}
 
     // Opens the window for a device, or brings it to the front. Stops the walk of another device.
     void Open(HWND owner, AskTarget target);
@@ -44,7 +41,7 @@ class WalkWindow : private ListDialog {
     size_t Count() const override { return values_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
 
-    Actions actions_;
+    const std::unique_ptr<Workers>& workers_;
     AskTarget target_;
     State state_ = State::kIdle;
     unsigned walk_ = 0;  // number of the one that is shown

@@ -4,7 +4,6 @@
 
 #include <stdexcept>
 
-#include "model/scan/scan_file.h"
 #include "platform/com.h"
 #include "platform/saved_file.h"
 #include "platform/this_process.h"
@@ -59,22 +58,6 @@ std::string KeptPath(int number) {
 OwnedFile HoldFile(const std::string& path, DWORD disposition) {
     return OwnedFile(CreateFileW(SystemPath(path).c_str(), GENERIC_READ, 0, nullptr, disposition,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
-}
-
-bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note) {
-    std::string reason;
-    const auto text = WriteScan(scan, reason);
-    if (text) return SaveText(*text, path, note);
-    note = Text(IDS_TOO_LARGE, {ToWide(reason), ToWide(path)});
-    return false;
-}
-
-bool SaveText(const std::string& text, const std::string& path, std::wstring& note) {
-    std::string reason;
-    const bool isSaved = ReplaceFileText(path, text, reason);
-    note = isSaved ? Text(IDS_SAVED, {ToWide(path)})
-                   : Text(IDS_NOT_SAVED, {ToWide(reason), ToWide(path)});
-    return isSaved;
 }
 
 }  // namespace vndiscover::host

@@ -1,4 +1,4 @@
-// The files of the window. Paths are UTF-8; notes and problems are texts for the user.
+// The files of the window. Paths are UTF-8; problems are texts for the user.
 #pragma once
 
 #include <windows.h>
@@ -25,10 +25,5 @@ std::string KeptPath(int number);
 constexpr int kMostKept = 50;
 // Opens a file so that nobody else does. Empty if that is not possible.
 OwnedFile HoldFile(const std::string& path, DWORD disposition);
-
-// An existing file is not touched until the new one is complete. Returns false if it was not saved;
-// `note` tells in either case.
-bool SaveScan(const Scan& scan, const std::string& path, std::wstring& note);
-bool SaveText(const std::string& text, const std::string& path, std::wstring& note);
 
 }  // namespace vndiscover::host

@@ -54,19 +54,9 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     // It stays while others are hidden, sorted and added.
     SetWindowTextW(Control(IDC_FILTER), L"10.77.1.3");
     ClickColumn(2);
-    static WNDPROC list;
-    static int fills;
-    fills = 0;
-    list = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
-        Control(IDC_DETAILS), GWLP_WNDPROC,
-        reinterpret_cast<LONG_PTR>(+[](HWND window, UINT message, WPARAM count, LPARAM how) {
-            fills += message == LVM_SETITEMCOUNT;
-            return CallWindowProcW(list, window, message, count, how);
-        })));
     engine_.Say("10.77.1.4", "of another device");
     ASSERT_TRUE(
         Until([&] { return TextOf(Control(IDC_DEVICES_LABEL)) == L"Devices (1 of 3 shown)"; }));
-    EXPECT_EQ(0, fills);
     engine_.Say("10.77.1.3", "z");
     EXPECT_TRUE(Until([&] { return Value(0, 1) == L"z"; }));
     EXPECT_EQ(1, Rows()) << "the former answer to the same question";

@@ -203,21 +203,6 @@ LONG FontHeight(HWND control) {
     return font.lfHeight;
 }
 
-TEST_F(Dialogs, ModalOnesHaveTheFontsOfTheSystem) {
-    Open();
-    for (const int command : {IDM_SNMP, IDM_ADD}) {
-        const auto change = [](HWND dialog) {
-            const HWND button = GetDlgItem(dialog, IDOK);
-            const LRESULT former = SendMessageW(button, WM_GETFONT, 0, 0);
-            const LONG height = FontHeight(button);
-            SendMessageW(dialog, WM_SETTINGCHANGE, 0, 0);
-            EXPECT_NE(former, SendMessageW(button, WM_GETFONT, 0, 0));
-            EXPECT_EQ(height, FontHeight(button));
-        };
-        PlayDialog(IDCANCEL, change, command);
-    }
-}
-
 TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
     Open();
     const std::wstring unknown(64, L'x');  // no part of a name is that long
@@ -390,15 +375,6 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
     EXPECT_TRUE(ProfileNames().empty());
 }
 
-TEST_F(Dialogs, ScriptsAreNotAskedForAProfile) {
-    StartOptions options;
-    options.sweep = options.exit = true;
-    options.profile = L"None";
-    Open(options);
-    EXPECT_EQ(2, window_->Run());
-    EXPECT_EQ(0, engine_.sweeps);
-}
-
 TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     Open();
     Command(IDM_CALLS);
@@ -445,19 +421,6 @@ TEST_F(Dialogs, CloseWithTheWindow) {
     EXPECT_EQ(0, seen);
     EXPECT_GE(engine_.stops, 1);
     EXPECT_FALSE(IsWindow(dialog));
-}
-
-// The system may take long, so the window's thread must not wait for it.
-TEST_F(Dialogs, ReportIsMadeByAWorker) {
-    Open();
-    ASSERT_TRUE(Until([&] { return engine_.adapterThread != 0; }));
-    EXPECT_NE(GetCurrentThreadId(), engine_.adapterThread);
-    EXPECT_EQ(0, engine_.sweeps + engine_.reads);  // nothing is sent at the start
-    Command(IDM_DOCTOR);
-    EXPECT_EQ(Text(IDS_DOCTOR_WAIT), TextOf(Control(IDC_STATUS)));
-    ASSERT_TRUE(
-        Until([&] { return TextOf(PopupOf(window_->Handle())) == Text(IDS_DOCTOR_TITLE); }));
-    EXPECT_NE(GetCurrentThreadId(), engine_.reportThread);
 }
 
 // On a page that opens at once with the report on this computer.

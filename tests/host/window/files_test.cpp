@@ -337,24 +337,6 @@ TEST_F(Files, ExportsHoldTheRowsAsShown) {
     EXPECT_NE(std::string::npos, json.find("\"notRead\":\"never read\"}\n]\n")) << json;
 }
 
-TEST_F(Files, FailedSavingIsToldAndKeepsTheOldFile) {
-    OpenWithDevices();
-    SetFileText("old");
-    // In place of the new file while it is written.
-    const std::wstring obstacle =
-        ToWide(path_ + "." + std::to_string(GetCurrentProcessId()) + ".new");
-    CreateDirectoryW(obstacle.c_str(), nullptr);
-    for (const auto method :
-         {&ScanCommands::SaveTo, &ScanCommands::SaveCsvTo, &ScanCommands::SaveJsonTo}) {
-        bool isDone = true;
-        const std::string told = Answer({IDOK}, [&] { isDone = (window_->scans.*method)(path_); });
-        EXPECT_FALSE(isDone);
-        EXPECT_EQ(0u, told.find("Not saved: " + path_ + " cannot be written")) << told;
-        EXPECT_EQ("old", FileText());
-    }
-    RemoveDirectoryW(obstacle.c_str());
-}
-
 TEST_F(Files, UnsavedScanOutlivesTheSession) {
     const std::wstring former = _wgetenv(L"LOCALAPPDATA") ? _wgetenv(L"LOCALAPPDATA") : L"";
     _wputenv_s(L"LOCALAPPDATA", ToWide(path_.substr(0, path_.find_last_of("\\/"))).c_str());

@@ -129,12 +129,6 @@ TEST_F(Lists, BoldRowsAreDrawnBold) {
     }
 }
 
-TEST_F(Lists, ColumnsGrowWithTheDpi) {
-    list_.SetDpi(96);
-    list_.SetDpi(144);
-    EXPECT_EQ(150, ListView_GetColumnWidth(list_.Handle(), 0));
-}
-
 // Beside a scroll bar too, and with a width that its user gave it.
 TEST_F(Lists, LastColumnHasTheRestOfTheWidth) {
     list_.SetColumns({{IDS_FACT_WHAT, 50}, {IDS_PROTOCOL, 60}});

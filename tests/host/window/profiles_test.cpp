@@ -65,37 +65,33 @@ class Profiles : public testing::Test {
     void TearDown() override { DeleteProfile(L"Office"); }
 };
 
-TEST_F(Profiles, SaveAUserWithEncryptedPasswords) {
-    ASSERT_EQ(SaveResult::kSaved, SaveProfile(L"Office", Admin()));
-    EXPECT_EQ(std::vector<std::wstring>{L"Office"}, ProfileNames());
-    const auto profile = ReadProfile(L"office");
-    ASSERT_TRUE(profile && profile->isOpen);
-    EXPECT_EQ(L"admin", profile->security.user);
-    EXPECT_EQ(L"AES", profile->security.privLabel);
-    EXPECT_STREQ(L"authpass1", profile->security.authPassword.Get());
-    EXPECT_STREQ(L"privpass1", profile->security.privPassword.Get());
-    for (const wchar_t* password : {L"authpass1", L"privpass1"})
-        EXPECT_EQ(std::string::npos, Stored().find(Wide(password)));
-    for (int times = 0; times < 2; ++times) EXPECT_TRUE(DeleteProfile(L"Office"));
-    EXPECT_FALSE(ReadProfile(L"Office"));
-    EXPECT_TRUE(ProfileNames().empty());
-}
-
-TEST_F(Profiles, CommunitiesAndAUserWithoutANameAreEncrypted) {
+TEST_F(Profiles, KeepUsersAndCommunitiesEncrypted) {
     ASSERT_EQ(SaveResult::kSaved, KeepCommunities(L"hidden, public"));
-    ASSERT_EQ(SaveResult::kSaved, SaveProfile(L"", Admin()));
+    for (const wchar_t* const name : {L"Office", L""}) {
+        ASSERT_EQ(SaveResult::kSaved, SaveProfile(name, Admin()));
+        const auto profile = ReadProfile(*name ? L"office" : L"");
+        ASSERT_TRUE(profile && profile->isOpen);
+        EXPECT_EQ(L"admin", profile->security.user);
+        EXPECT_EQ(L"AES", profile->security.privLabel);
+        EXPECT_STREQ(L"authpass1", profile->security.authPassword.Get());
+        EXPECT_STREQ(L"privpass1", profile->security.privPassword.Get());
+    }
+    EXPECT_EQ(std::vector<std::wstring>{L"Office"}, ProfileNames());
     EXPECT_EQ(L"hidden, public", KeptCommunities().value_or(L""));
-    ASSERT_TRUE(ReadProfile(L"") && ReadProfile(L"")->isOpen);
-    EXPECT_STREQ(L"authpass1", ReadProfile(L"")->security.authPassword.Get());
-    EXPECT_TRUE(ProfileNames().empty());
-    const std::string kept = Stored(kBrowser, L"Communities") + Stored(kDefault, L"User");
+    const auto kept = [] {
+        return Stored() + Stored(kBrowser, L"Communities") + Stored(kDefault, L"User");
+    };
     for (const wchar_t* secret : {L"hidden", L"authpass1", L"privpass1"})
-        EXPECT_EQ(std::string::npos, kept.find(Wide(secret)));
+        EXPECT_EQ(std::string::npos, kept().find(Wide(secret)));
     EXPECT_EQ(SaveResult::kSaved, KeepCommunities(L""));
-    EXPECT_TRUE(DeleteProfile(L""));
+    for (const wchar_t* const name :
+         {L"Office", L"Office", L"", L""}) {  // twice, also if it is gone
+        EXPECT_TRUE(DeleteProfile(name));
+        EXPECT_FALSE(ReadProfile(name));
+    }
+    EXPECT_TRUE(ProfileNames().empty());
     EXPECT_EQ(L"", KeptCommunities().value_or(L"x"));
-    EXPECT_FALSE(ReadProfile(L""));
-    EXPECT_EQ("", Stored(kBrowser, L"Communities") + Stored(kDefault, L"User"));
+    EXPECT_EQ("", kept());
 }
 
 TEST_F(Profiles, SaveNothingIfEncryptionFails) {

@@ -136,14 +136,8 @@ class ScriptedEngine : public Engine {
         diagnosis.discovery.outcome = hasEngine ? Outcome::kAnswered : Outcome::kSilent;
         return diagnosis;
     }
-    AdapterList IPv4() override {
-        adapterThread = GetCurrentThreadId();
-        return {};
-    }
-    ComputerReport Report() override {
-        reportThread = GetCurrentThreadId();
-        return {};
-    }
+    AdapterList IPv4() override { return {}; }
+    ComputerReport Report() override { return {}; }
 
     void Say(const std::string& address, const std::string& value) {
         const std::lock_guard<std::mutex> lock(mutex_);
@@ -152,7 +146,6 @@ class ScriptedEngine : public Engine {
     }
     void End() { StopSweeps(); }
     std::atomic<int> stops{0}, reads{0}, listReads{0}, sweeps{0};
-    std::atomic<DWORD> adapterThread{0}, reportThread{0};
     std::atomic<bool> isInSweep{false}, isReleased{false};
     std::atomic<bool> isHeld{false};     // a reading
     std::atomic<bool> isUnsent{false};   // all sweeps
