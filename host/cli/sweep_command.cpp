@@ -54,6 +54,7 @@ struct SweepOptions {
 struct Sweep {
     SnmpSweep arguments;
     ValueKind kind = ValueKind::kRaw;
+    SweepValues Values() const { return {kind, oid, ToUtf8(arguments.request), ToAnsi}; }
     Oid oid = DefaultDiscoveryOid();
 };
 
@@ -173,14 +174,16 @@ int RunSweep(const SweepOptions& options) {
                  sweep.arguments.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
                  options.useIPv6, sweep.oid);
     bool isStopped = false, wasSent = false;
-    DeviceWriter writer(options.format, sweep.kind, options.useIPv6);
-    DeviceWriter csvWriter(Format::kCsv, sweep.kind, options.useIPv6);
+    DeviceWriter writer(options.format, options.useIPv6, sweep.Values());
+    DeviceWriter csvWriter(Format::kCsv, options.useIPv6, sweep.Values());
     CsvFile csv(options.v3.isOn ? options.csvPath : "");
     std::atomic<size_t> devices{0};
+    size_t cut = 0;
     {
         SweepWatch watch(StopDiscoverSnmp, StatusOf(devices, "device", "devices"));
         const ResultWindow window([&](const char* address, const char* value) {
             ++devices;
+            cut += sweep.kind != ValueKind::kRaw && IsCutDocument(value);
             keeper.Add(address, value);
             csv.Write(csvWriter.Row(address, value));
             if (!Print(writer.Row(address, value))) watch.RequestStop();
@@ -190,6 +193,9 @@ int RunSweep(const SweepOptions& options) {
         isStopped = watch.IsStopped();
     }
     Print(writer.End());
+    if (cut > 0)
+        Warn("answers that are cut, at " + std::to_string(kValueSize - 1) +
+             " bytes: " + std::to_string(cut) + "; ask for fewer OIDs");
     WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep) : kNothingSent);
     if (!isStopped) keeper.AskDevices({options.community, security});
     int exitCode = devices > 0 ? kFound : wasSent || isStopped ? kNone : kSendFailed;

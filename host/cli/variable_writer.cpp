@@ -23,8 +23,7 @@ void AddValue(cJSON* element, const Answer& answer) {
     } else if (answer.type == kOctetString && IsPrintable(answer.bytes) && !IsBinary(answer)) {
         AddText(element, "value", answer.bytes);
     } else if (answer.type == kOctetString || answer.type == kOpaque) {
-        AddText(element, "value", HexText(answer.bytes, " "));
-        AddText(element, "encoding", "hex");
+        AddOctets(element, answer.bytes);
     } else {
         AddText(element, "value", FormatValue(answer.type, answer.bytes));
     }

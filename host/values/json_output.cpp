@@ -7,6 +7,11 @@ void AddText(cJSON* object, const char* name, std::string_view bytes) {
     cJSON_AddStringToObject(object, name, text.c_str());
 }
 
+void AddOctets(cJSON* object, std::string_view bytes) {
+    AddText(object, "value", HexText(bytes, " "));
+    AddText(object, "encoding", "hex");
+}
+
 void AddNumber(cJSON* object, const char* name, const std::string& decimal) {
     cJSON_AddRawToObject(object, name, decimal.c_str());
 }

@@ -25,6 +25,8 @@ void AddTexts(cJSON* object, const char* name, const Texts& texts) {
     for (const std::string& text : texts)
         cJSON_AddItemToArray(array, cJSON_CreateString(PlainText(text, Breaks::kKeepAll).c_str()));
 }
+// Adds the member "value" with octets that are no text: in hex, which another member says.
+void AddOctets(cJSON* object, std::string_view bytes);
 // Adds a number member with all its digits, which a double could not hold.
 void AddNumber(cJSON* object, const char* name, const std::string& decimal);
 template <class Number>

@@ -59,6 +59,10 @@ std::vector<Oid> OidsOf(const cJSON* request) {
     return oids;
 }
 
+bool IsCutDocument(std::string_view document) {
+    return document.size() + 1 >= kValueSize && !ParseDocument(document);
+}
+
 std::vector<std::pair<std::string, std::string>> AnswersOf(const cJSON* document) {
     std::vector<std::pair<std::string, std::string>> answers;
     const cJSON* member = nullptr;

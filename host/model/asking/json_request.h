@@ -20,6 +20,9 @@ std::string RequestFor(const std::string& oid);
 
 std::vector<Oid> OidsOf(const cJSON* request);
 
+// Whether a filled-in document does not end within a result message, which cuts it.
+bool IsCutDocument(std::string_view document);
+
 // The names and strings under "GET".
 std::vector<std::pair<std::string, std::string>> AnswersOf(const cJSON* document);
 

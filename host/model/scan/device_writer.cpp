@@ -7,34 +7,18 @@
 #include "model/asking/json_request.h"
 #include "model/computer/computer_report.h"
 #include "values/json_output.h"
+#include "values/object_names.h"
+#include "values/ranges.h"
 #include "values/text.h"
 #include "values/value_text.h"
 
 namespace vndiscover::host {
 namespace {
 
-// Of an SNMPv1 result message, as bytes. Only an OCTET STRING can be longer than 127 bytes.
-std::string RawValue(std::string_view value) { return ContentOf(kOctetString, value).bytes; }
-
-std::string AnswerValue(std::string_view value) {
-    const JsonItem document = ParseDocument(value);
-    const auto answers = AnswersOf(document.get());
-    return answers.empty() ? std::string(value) : answers.front().second;
-}
-
-JsonItem DeviceItem(ValueKind kind, std::string_view address, std::string_view value) {
-    JsonItem element(cJSON_CreateObject());
-    AddText(element.get(), "address", address);
-    JsonItem document = kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
-    if (document) {
-        cJSON_AddItemToObject(element.get(), "value", document.release());
-    } else if (kind == ValueKind::kDocument) {
-        AddText(element.get(), "value", value);
-    } else {
-        const std::string bytes = kind == ValueKind::kAnswer ? AnswerValue(value) : RawValue(value);
-        AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
-    }
-    return element;
+// What may be letters by chance: error bits, an address.
+void AddBinary(cJSON* object, const Oid& oid, const std::string& bytes) {
+    AddOctets(object, bytes);
+    AddText(object, "text", FormatNamedValue(oid, kOctetString, bytes));
 }
 
 using Texts = std::initializer_list<std::pair<const char*, std::string_view>>;
@@ -129,20 +113,56 @@ std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; 
 
 }  // namespace
 
+std::string DeviceWriter::Bytes(std::string_view value) const {
+    // Only an OCTET STRING can be longer than 127 bytes.
+    if (values_.kind == ValueKind::kRaw) return ContentOf(kOctetString, value).bytes;
+    const auto answers = AnswersOf(ParseDocument(value).get());
+    return answers.empty() ? std::string(value) : answers.front().second;
+}
+
+void DeviceWriter::ShowOctets(cJSON* document) const {
+    const auto asked = AnswersOf(ParseDocument(values_.request).get());
+    for (const auto& answer : AnswersOf(document)) {
+        const auto oid = ParseOid(answer.first);
+        if (!oid || !IsBinary(*oid) || Contains(asked, answer)) continue;
+        JsonItem octets(cJSON_CreateObject());
+        AddBinary(octets.get(), *oid, values_.octetsOf(answer.second));
+        cJSON_ReplaceItemInObjectCaseSensitive(cJSON_GetObjectItem(document, "GET"),
+                                               answer.first.c_str(), octets.release());
+    }
+}
+
+JsonItem DeviceWriter::Element(std::string_view address, std::string_view value) const {
+    JsonItem element(cJSON_CreateObject());
+    AddText(element.get(), "address", address);
+    if (JsonItem document = values_.kind == ValueKind::kDocument ? ParseDocument(value) : nullptr) {
+        ShowOctets(document.get());
+        cJSON_AddItemToObject(element.get(), "value", document.release());
+    } else if (values_.kind == ValueKind::kDocument) {
+        AddText(element.get(), "value", value);
+    } else if (const std::string bytes = Bytes(value); IsBinary(values_.oid) && !bytes.empty()) {
+        const bool isText = values_.kind == ValueKind::kAnswer;
+        AddBinary(element.get(), values_.oid, isText ? values_.octetsOf(bytes) : bytes);
+    } else {
+        AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
+    }
+    return element;
+}
+
 std::string DeviceWriter::OneLine(std::string_view value) const {
-    if (kind_ == ValueKind::kRaw) return ShownValue(RawValue(value));
-    if (kind_ == ValueKind::kAnswer) return ShownValue(AnswerValue(value));
+    if (values_.kind != ValueKind::kDocument) return ShownValue(Bytes(value));
     const JsonItem document = ParseDocument(value);
     return document ? CompactJson(document.get()) : PlainText(value);
 }
 
 std::string DeviceWriter::TableRow(std::string_view address, std::string_view value) const {
-    const JsonItem document = kind_ == ValueKind::kDocument ? ParseDocument(value) : nullptr;
+    const JsonItem document = values_.kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
     const auto answers = AnswersOf(document.get());
     if (answers.empty()) {
         std::string line = OneLine(value);
         if (line.empty()) {
-            line = kind_ == ValueKind::kRaw ? "(no value, or too long for SNMPv1)" : "(no value)";
+            line = values_.kind == ValueKind::kRaw ? "(no value, or too long for SNMPv1)"
+                                                   : "(no value)";
         }
         return Padded(PlainText(address), AddressWidth()) + line + "\n";
     }
@@ -156,7 +176,7 @@ std::string DeviceWriter::TableRow(std::string_view address, std::string_view va
 
 std::string DeviceWriter::Row(std::string_view address, std::string_view value) {
     if (format_ == Format::kJson) {
-        array_.Add(DeviceItem(kind_, address, value).get());
+        array_.Add(Element(address, value).get());
         return array_.Flush();
     }
     if (format_ == Format::kCsv)

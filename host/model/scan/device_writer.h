@@ -23,11 +23,21 @@ enum class ValueKind {
     kAnswer,    // a filled-in request of RequestFor, whose only answer is the value
 };
 
+struct SweepValues {
+    ValueKind kind = ValueKind::kRaw;
+    Oid oid{};              // of the value; of no document
+    std::string request{};  // for documents; what has no answer in one is as in the request
+    // The octets of an answer in a document, whose text is UTF-8; those of ASCII are the same.
+    std::string (*octetsOf)(std::string_view utf8) = [](std::string_view utf8) {
+        return std::string(utf8);
+    };
+};
+
 class DeviceWriter {
   public:
     // useIPv6: whether the address column is wider.
-    DeviceWriter(Format format, ValueKind kind, bool useIPv6)
-        : format_(format), kind_(kind), useIPv6_(useIPv6) {}
+    DeviceWriter(Format format, bool useIPv6, SweepValues values)
+        : format_(format), useIPv6_(useIPv6), values_(std::move(values)) {}
 
     // Each returns the text to print now; lines end in LF. `value`: of the result message.
     std::string Row(std::string_view address, std::string_view value);
@@ -37,11 +47,14 @@ class DeviceWriter {
   private:
     std::string TableRow(std::string_view address, std::string_view value) const;
     std::string OneLine(std::string_view value) const;
+    std::string Bytes(std::string_view value) const;  // of no document
+    JsonItem Element(std::string_view address, std::string_view value) const;
+    void ShowOctets(cJSON* document) const;
     size_t AddressWidth() const { return useIPv6_ ? 27 : 17; }
 
     Format format_;
-    ValueKind kind_;
     bool useIPv6_;
+    SweepValues values_;
     bool isFirst_ = true;
     JsonArray array_;
 };

@@ -11,8 +11,9 @@ namespace {
 
 using Rows = std::vector<std::pair<const char*, std::string>>;
 
-std::string Written(Format format, ValueKind kind, const Rows& rows, bool isIPv6 = false) {
-    DeviceWriter writer(format, kind, isIPv6);
+std::string Written(Format format, const SweepValues& values, const Rows& rows,
+                    bool isIPv6 = false) {
+    DeviceWriter writer(format, isIPv6, values);
     std::string text;
     for (const auto& [address, value] : rows) text += writer.Row(address, value);
     return text + writer.End();
@@ -35,20 +36,20 @@ TEST(DeviceRows, AreValidForTheirReaders) {
         "192.168.100.200  B\xC3\xBCro \"1\", 2\n"
         "10.77.1.23       (no value, or too long for SNMPv1)\n10.77.1.24       0x1B5B324A226122\n"
         "10.77.1.25       0xA0B1C2D3E4F5\n",
-        Written(Format::kText, ValueKind::kRaw, kValues));
+        Written(Format::kText, {}, kValues));
     EXPECT_EQ(
         "\"10.77.1.22\",\"LaserPro\"\n\"192.168.100.200\",\"B\xC3\xBCro \"\"1\"\", 2\"\n"
         "\"10.77.1.23\",\"\"\n\"10.77.1.24\",\"0x1B5B324A226122\"\n"
         "\"10.77.1.25\",\"0xA0B1C2D3E4F5\"\n",
-        Written(Format::kCsv, ValueKind::kRaw, kValues));
+        Written(Format::kCsv, {}, kValues));
     EXPECT_EQ(
         "[\n  {\"address\":\"10.77.1.22\",\"value\":\"LaserPro\"},\n"
         "  {\"address\":\"192.168.100.200\",\"value\":\"B\xC3\xBCro \\\"1\\\",\\r\\n2\"},\n"
         "  {\"address\":\"10.77.1.23\",\"value\":\"\"},\n"
         "  {\"address\":\"10.77.1.24\",\"value\":\"0x1B5B324A226122\"},\n"
         "  {\"address\":\"10.77.1.25\",\"value\":\"0xA0B1C2D3E4F5\"}\n]\n",
-        Written(Format::kJson, ValueKind::kRaw, kValues));
-    EXPECT_EQ("[]\n", Written(Format::kJson, ValueKind::kRaw, {}));
+        Written(Format::kJson, {}, kValues));
+    EXPECT_EQ("[]\n", Written(Format::kJson, {}, {}));
 }
 
 // A document that was cut, or has no answers, is shown unchanged.
@@ -62,18 +63,38 @@ TEST(DeviceRows, HoldTheAnswersOfADocument) {
         "                           .1.3.6.2                       0xC29B5B324A201B\n"
         "fe80::1:22                 { \"GET\": \"\n"
         "fe80::1:22                 {\"a\":1}\n",
-        Written(Format::kText, ValueKind::kDocument, rows, true));
+        Written(Format::kText, {ValueKind::kDocument}, rows, true));
     EXPECT_EQ("\"10.0.0.1\",\"{\"\"GET\"\":{\"\".1.3\"\":\"\"x\\ny\"\"}}\"\n",
-              Written(Format::kCsv, ValueKind::kDocument,
+              Written(Format::kCsv, {ValueKind::kDocument},
                       {{"10.0.0.1", "{\"GET\": {\".1.3\": \"x\\ny\"}}"}}));
     EXPECT_EQ(
         "[\n  {\"address\":\"fe80::1:22\",\"value\":{\"DiscoverOID\":\".1.3.6\",\"GET\":"
         "{\".1.3.6.1\":\"LaserPro\",\".1.3.6.2\":\"\xEF\xBF\xBD[2J \\u001b\"}}},\n"
         "  {\"address\":\"fe80::1:22\",\"value\":\"{\\n\\t\\\"GET\\\":\\t\\\"\"},\n"
         "  {\"address\":\"fe80::1:22\",\"value\":{\"a\":1}}\n]\n",
-        Written(Format::kJson, ValueKind::kDocument, rows));
+        Written(Format::kJson, {ValueKind::kDocument}, rows));
     EXPECT_EQ("\"10.0.0.1\",\"LaserPro\"\n",
-              Written(Format::kCsv, ValueKind::kAnswer, {{"10.0.0.1", kDocument}}));
+              Written(Format::kCsv, {ValueKind::kAnswer}, {{"10.0.0.1", kDocument}}));
+}
+
+// "@" is no paper; what has no answer in a document is the caller's.
+TEST(DeviceRows, ShowOctetsThatLookLikeTextInHex) {
+    SweepValues values = {ValueKind::kRaw, {1, 3, 6, 1, 2, 1, 25, 3, 5, 1, 2, 1}};
+    const std::string octets = R"({"value":"40","encoding":"hex","text":"noPaper"})";
+    EXPECT_EQ("[\n  {\"address\":\"10.0.0.1\"," + octets.substr(1) + "\n]\n",
+              Written(Format::kJson, values, {{"10.0.0.1", "@"}}));
+    values.kind = ValueKind::kDocument;
+    values.request = R"({"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":"",".1.3.6.1.2.1.2.2.1.6.1":"none"}})";
+    EXPECT_EQ(
+        R"([
+  {"address":"10.0.0.1","value":{"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":)" +
+            octets + R"(,".1.3.6.1.2.1.2.2.1.6.1":"none"}}}
+]
+)",
+        Written(
+            Format::kJson, values,
+            {{"10.0.0.1",
+              R"({"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":"@",".1.3.6.1.2.1.2.2.1.6.1":"none"}})"}}));
 }
 
 TEST(JsonRequests, AreCompactedAndLimited) {
