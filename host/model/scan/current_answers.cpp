@@ -33,9 +33,16 @@ SweepKind KindOf(const ScanSweep& sweep) {
     return IsVariable(sweep) ? SweepKind::kSnmpV1 : sweep.kind;
 }
 
-Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer) {
+// `isAlone`: of a variable, not of its object.
+Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer, bool isAlone) {
+    const Oid& variable = answer.answer.oid;
     if (IsVariable(sweep))
-        return {answer.address, KindOf(sweep), sweep.form, false, 0, ObjectOf(answer.answer.oid)};
+        return {answer.address,
+                KindOf(sweep),
+                sweep.form,
+                false,
+                0,
+                isAlone ? variable : ObjectOf(variable)};
     return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
 }
 
@@ -43,14 +50,6 @@ Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
     return {answer.address, KindOf(sweep), IsVariable(sweep)};
 }
 
-// A reading replaces all of its own protocol: another one may be able to read more.
-Origin ReadingOf(const ScanSweep& sweep, const ScanAnswer& answer) {
-    return {answer.address, sweep.kind, true};
-}
-
-bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {
-    return AnyOf(objects, [&](const char* object) { return IsWithin(oid, OidOf(object)); });
-}
 bool IsOfState(const Oid& oid) {
     return IsAny(oid, {"prtAlertSeverityLevel", "prtAlertGroup", "prtAlertCode",
                        "prtAlertDescription", "prtAlertTime", "prtConsoleDisplayBufferText"});
@@ -75,6 +74,10 @@ std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& cu
 
 }  // namespace
 
+bool IsAny(const Oid& oid, std::initializer_list<const char*> objects) {
+    return AnyOf(objects, [&](const char* object) { return IsWithin(oid, OidOf(object)); });
+}
+
 bool IsState(const Oid& oid) {
     return IsAny(oid, {"hrDeviceStatus", "hrPrinterStatus", "hrPrinterDetectedErrorState"});
 }
@@ -91,9 +94,9 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
     for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        latest(sweeps, QuestionOf(sweep, answer), answer.sweep);
+        latest(sweeps, QuestionOf(sweep, answer, sweep.isCut), answer.sweep);
         if (!IsVariable(sweep)) continue;
-        if (sweep.isComplete) latest(readings, ReadingOf(sweep, answer), answer.sweep);
+        if (sweep.isComplete) latest(readings, OriginOf(sweep, answer), answer.sweep);
         if (IsState(answer.answer.oid)) latest(states, OriginOf(sweep, answer), answer.sweep);
     }
     const auto isFormer = [](const auto& known, const auto& key, size_t sweep) {
@@ -104,10 +107,12 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
     for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        if (isFormer(sweeps, QuestionOf(sweep, answer), answer.sweep)) continue;
+        if (isFormer(sweeps, QuestionOf(sweep, answer, false), answer.sweep) ||
+            isFormer(sweeps, QuestionOf(sweep, answer, true), answer.sweep))
+            continue;
         if (IsVariable(sweep)) {
             const Origin origin = OriginOf(sweep, answer);
-            if (isFormer(readings, ReadingOf(sweep, answer), answer.sweep)) continue;
+            if (isFormer(readings, origin, answer.sweep)) continue;
             if (IsOfState(answer.answer.oid) && isFormer(states, origin, answer.sweep)) continue;
         }
         current.push_back(index);

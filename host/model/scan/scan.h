@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +34,7 @@ struct ScanSweep {
     size_t search{};
     // It ran to its end; or for kVariable, everything that is read of a device was read.
     bool isComplete{};
+    bool isCut{};    // for kVariable: the reading ended early
     size_t login{};  // the caller's number of a community or user, from 1; 0: not known. Not saved
 };
 
@@ -62,6 +64,9 @@ inline AnswerForm FormOf(SweepKind kind, const Oid& oid) {
                                    : AnswerForm::kValue;
 }
 
+// Whether the OID is one of these standard objects, or an instance of one.
+bool IsAny(const Oid& oid, std::initializer_list<const char*> objects);
+
 // Whether a variable says what state a printer is in. A reading of no more leaves out its alerts.
 bool IsState(const Oid& oid);
 
@@ -71,8 +76,9 @@ Oid ObjectOf(const Oid& variable);
 
 // Those of the answers with these ascending indexes that no later one from the same address
 // replaces. A sweep replaces the answers to the same question; a reading, by whichever protocol,
-// the variables of each object that it read, or all of its own protocol if it is complete; a state
-// replaces alerts and the panel's text, and a column of supplies the others.
+// the variables of each object that it read, all if it is complete, or only those that it read if
+// it ended early; a state replaces alerts and the panel's text, and a column of supplies the
+// others.
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
 
 // Removes the others, and sweeps without answers before the last search. Returns each answer's new

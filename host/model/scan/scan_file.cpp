@@ -189,6 +189,7 @@ ScanSweep SweepOf(const cJSON* item) {
     sweep.time = Member(item, "time").Time();
     if (Find(item, "search")) sweep.search = Member(item, "search").Number(SIZE_MAX);
     sweep.isComplete = cJSON_IsTrue(Find(item, "complete")) != 0;
+    sweep.isCut = cJSON_IsTrue(Find(item, "cut")) != 0;
     return sweep;
 }
 
@@ -261,6 +262,7 @@ void AddSweep(cJSON* item, const ScanSweep& sweep) {
     AddText(item, "time", sweep.time);
     if (sweep.search != 0) AddNumber(item, "search", sweep.search);
     if (sweep.isComplete) cJSON_AddBoolToObject(item, "complete", true);
+    if (sweep.isCut) cJSON_AddBoolToObject(item, "cut", true);
 }
 
 void AddAnswer(cJSON* item, const ScanAnswer& one, AnswerForm form) {

@@ -9,10 +9,11 @@
 //
 // kind: snmpv1, snmpv3, wsd; form: value, document, variable, reply, added, as in scan.h. A sweep
 // of the form "value" has an "oid"; one of a search has its number as "search"; "complete" is true
-// if it ran to its end. The bytes of an answer are "text" if JSON can hold them unchanged,
-// otherwise "hex". An answer of the form "variable" also has "oid" and "type", and "wholeSize" if
-// it was cut. Numbers in "splits" and "devices" are indexes of answers, from 0. The devices are for
-// other programs; ReadScan derives them again. Unknown members are ignored.
+// if it ran to its end, "cut" if it is a reading that ended early. The bytes of an answer are
+// "text" if JSON can hold them unchanged, otherwise "hex". An answer of the form "variable" also
+// has "oid" and "type", and "wholeSize" if it was cut. Numbers in "splits" and "devices" are
+// indexes of answers, from 0. The devices are for other programs; ReadScan derives them again.
+// Unknown members are ignored.
 #pragma once
 
 #include <cstddef>

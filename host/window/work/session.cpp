@@ -32,9 +32,10 @@ void Session::BeginSearch() {
 void Session::BeginSweep(WorkerId worker, const SweepStep& step, const std::string& time) {
     const AnswerForm form = FormOf(step.kind, step.oid);
     sweeps_[worker] = scan_.sweeps.size();
-    scan_.sweeps.push_back({step.kind, form, step.useIPv6,
-                            form == AnswerForm::kValue ? step.oid : Oid(), time, search_, false,
-                            NumberOf(step.login)});
+    ScanSweep sweep = {step.kind, form, step.useIPv6, {}, time, search_};
+    if (form == AnswerForm::kValue) sweep.oid = step.oid;
+    sweep.login = NumberOf(step.login);
+    scan_.sweeps.push_back(std::move(sweep));
 }
 
 size_t Session::NumberOf(const Login& login) {
@@ -76,15 +77,11 @@ void Session::AddReading(Results::Read read) {
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
     const std::set<Oid> older = OlderObjects(read);
-    const bool isComplete = !read.isForList && isWhole;
-    scan_.sweeps.push_back({kind,
-                            AnswerForm::kVariable,
-                            false,
-                            {},
-                            read.time,
-                            0,
-                            isComplete,
-                            NumberOf(read.target.login)});
+    ScanSweep sweep = {kind, AnswerForm::kVariable, false, {}, read.time};
+    sweep.isComplete = !read.isForList && isWhole;
+    sweep.isCut = !isWhole;
+    sweep.login = NumberOf(read.target.login);
+    scan_.sweeps.push_back(std::move(sweep));
     for (auto& [oid, variable] : read.answers.values) {
         if (older.count(ObjectOf(oid)) != 0) continue;
         answer.time = variable.time.empty() ? read.time : std::exchange(variable.time, "");

@@ -146,9 +146,30 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     EXPECT_EQ("idle", State("10.0.0.1"));
     EXPECT_EQ(At(1), facts().readTime);
     EXPECT_EQ(At(0), facts().upTicksTime);
+    scan_.sweeps.back().kind = SweepKind::kSnmpV3;  // and its user is removed
     Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
     EXPECT_EQ(0u, facts().supplies.size());
     EXPECT_EQ("", facts().printerStatus);
+}
+
+// The first of three levels was read anew, and the column before them, but of one row.
+TEST_F(StandingTest, CutReadingReplacesOnlyWhatItRead) {
+    Read(0, "10.0.0.1", false,
+         {{"prtMarkerSuppliesType.1.1", "\3"},
+          {"prtMarkerSuppliesType.1.2", "\3"},
+          {"prtMarkerSuppliesLevel.1.1", "\7"},
+          {"prtMarkerSuppliesLevel.1.2", "\x8"}});
+    Read(1, "10.0.0.1", false,
+         {{"prtMarkerSuppliesType.1.1", "\4"}, {"prtMarkerSuppliesLevel.1.1", "\6"}});
+    scan_.sweeps.back().isCut = true;
+    std::string problem;
+    scan_ = *ReadScan(*WriteScan(scan_, problem), problem);
+    const std::vector<Supply> supplies = MakeDevices(scan_).at(0).facts->supplies;
+    ASSERT_EQ(2u, supplies.size());
+    EXPECT_EQ(6, supplies[0].level.level);
+    EXPECT_EQ(8, supplies[1].level.level);
+    EXPECT_EQ(4u, RemoveFormerAnswers(scan_).size() - 2);
+    EXPECT_EQ(At(0), scan_.answers[1].time);
 }
 
 // A list that is refreshed for days stays as small as it was.
