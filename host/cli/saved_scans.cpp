@@ -53,13 +53,13 @@ struct CompareOptions {
 
 int RunCompare(const CompareOptions& options) {
     std::vector<FoundDevice> before = MakeDevices(LoadScan(options.before, "OLD"));
-    Comparison comparison =
-        CompareDevices(std::move(before), MakeDevices(LoadScan(options.after, "NEW")));
+    Comparison comparison = CompareDevices(
+        std::move(before), MakeDevices(LoadScan(options.after, "NEW")), options.withPageCounts);
     comparison.beforeName = options.before;
     comparison.afterName = options.after;
     Print(options.format == Format::kJson ? ComparisonJson(comparison)
                                           : ReportText(ReportOf(comparison), OutputStyle()));
-    return comparison.IsEqual(options.withPageCounts) ? kFound : kNone;
+    return comparison.IsEqual() ? kFound : kNone;
 }
 
 // "monday.json.2"
@@ -171,9 +171,10 @@ void ScanKeeper::AskDevices(const Login& login) {
         Asker asker = AskerOf(device);
         asker.mayGoOn = [&] { return !watch.IsStopped(); };
         PrinterAnswers read = ReadPrinter(asker);
-        if (read.lastStatus == Status::kAnswered) ++whole;
+        whole += read.lastStatus == Status::kAnswered;
         for (auto& [oid, answer] : read.values) AddAnswer({0, "", address, std::move(answer)});
     }
+    scan_.sweeps.back().isComplete = whole == addresses.size() && leftOut_ == 0;
     if (whole < addresses.size())
         Warn("devices that could not be read whole: " + std::to_string(addresses.size() - whole));
 }

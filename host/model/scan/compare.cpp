@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "model/printer/report.h"
+#include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
 #include "values/ranges.h"
 #include "values/text.h"
@@ -19,10 +20,11 @@ std::string Addresses(const FoundDevice& device, bool isIPv6) {
     });
 }
 
-// "none" if there are none; empty if it was not asked for them.
+// "none" if there are none; empty if they were not read.
 std::string AlertsText(const FoundDevice& device) {
     const std::vector<Alert>& alerts = device.facts->alerts;
-    return alerts.empty() && device.areAlertsKnown ? "none" : JoinedAs(alerts, AlertText, "; ");
+    if (!device.areAlertsKnown) return "";
+    return alerts.empty() ? "none" : JoinedAs(alerts, AlertText, "; ");
 }
 
 // By the supply's name and how often it came before.
@@ -31,7 +33,8 @@ std::map<std::pair<std::string, int>, Level> LevelsOf(const PrinterFacts& facts)
     std::map<std::string, int> counts;
     for (const Supply& supply : facts.supplies) {
         const std::string name = SupplyName(supply);
-        if (supply.level.level) levels[{name, counts[name]++}] = supply.level;
+        const int same = counts[name]++;
+        if (supply.level.level) levels[{name, same}] = supply.level;
     }
     return levels;
 }
@@ -39,9 +42,8 @@ std::map<std::pair<std::string, int>, Level> LevelsOf(const PrinterFacts& facts)
 std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDevice& after) {
     std::vector<FieldChange> changes;
     const auto compare = [&](const std::string& field, const std::string& old,
-                             const std::string& now, bool isPageCount = false) {
-        if (!old.empty() && !now.empty() && old != now)
-            changes.push_back({field, old, now, isPageCount});
+                             const std::string& now) {
+        if (!old.empty() && !now.empty() && old != now) changes.push_back({field, old, now});
     };
     // Each family separately, since a sweep uses only one of them.
     for (const bool isIPv6 : {false, true})
@@ -56,92 +58,47 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
     const auto levels = LevelsOf(*after.facts);
     for (const auto& [name, old] : LevelsOf(*before.facts)) {
         const auto now = levels.find(name);
-        if (now == levels.end()) continue;
+        if (now == levels.end() || now->second.maximum.has_value() != old.maximum.has_value())
+            continue;
         const auto percent = PercentOf(old);
         if (!percent || percent != PercentOf(now->second))
             compare(name.first, LevelText(old), LevelText(now->second));
     }
-    const auto& oldCounts = before.facts->pageCounts;
-    const auto& newCounts = after.facts->pageCounts;
-    const size_t counts = std::min(oldCounts.size(), newCounts.size());
+    return changes;
+}
+
+std::vector<FieldChange> PageCountChanges(const PrinterFacts& before, const PrinterFacts& after) {
+    std::vector<FieldChange> changes;
+    const size_t counts = std::min(before.pageCounts.size(), after.pageCounts.size());
     for (size_t i = 0; i < counts; ++i) {
+        const auto old = before.pageCounts[i].count, now = after.pageCounts[i].count;
         const std::string field = i == 0 ? "page count" : "page count " + std::to_string(i + 1);
-        compare(field, std::to_string(oldCounts[i].count), std::to_string(newCounts[i].count),
-                true);
+        if (old != now) changes.push_back({field, std::to_string(old), std::to_string(now)});
     }
     return changes;
 }
 
-class Matcher {
-  public:
-    Matcher(const std::vector<FoundDevice>& before, const std::vector<FoundDevice>& after)
-        : before_(before), after_(after), isTaken_(before.size()), matches_(after.size()) {
-        for (const MergeKey key : kMergeKeys) MatchBy(key);
+// The device that each later one was before, and by which key; empty: none.
+using Matches = std::vector<std::optional<std::pair<size_t, MergeKey>>>;
+Matches MatchesOf(const std::vector<FoundDevice>& before, const std::vector<FoundDevice>& after) {
+    std::vector<const Identity*> identities;
+    for (const auto* devices : {&before, &after}) {
+        for (const FoundDevice& device : *devices) identities.push_back(&device.identity);
     }
-
-    Comparison Result() const {
-        Comparison result;
-        for (size_t i = 0; i < after_.size(); ++i) {
-            if (!matches_[i]) {
-                result.added.push_back(i);
-                continue;
-            }
-            const auto [old, key] = *matches_[i];
-            auto fields = ChangedFields(before_[old], after_[i]);
-            if (fields.empty()) {
-                ++result.same;
-            } else {
-                result.changed.push_back({old, i, key, std::move(fields)});
-            }
-        }
-        for (size_t i = 0; i < before_.size(); ++i) {
-            if (!isTaken_[i]) result.gone.push_back(i);
-        }
-        return result;
-    }
-
-  private:
-    void MatchBy(MergeKey key) {
-        std::multimap<std::string, size_t> known;
-        for (size_t i = 0; i < before_.size(); ++i) {
-            for (const std::string& value : before_[i].identity.Of(key))
-                if (!isTaken_[i]) known.emplace(value, i);
-        }
-        for (size_t i = 0; i < after_.size(); ++i) {
-            if (matches_[i]) continue;
-            for (const std::string& value : after_[i].identity.Of(key)) {
-                const auto old = Find(known, value, after_[i].identity, key);
-                if (!old) continue;
-                isTaken_[*old] = true;
-                matches_[i] = {*old, key};
-                break;
-            }
-        }
-    }
-
-    // Removes a device from `known` once it has a match.
-    std::optional<size_t> Find(std::multimap<std::string, size_t>& known, const std::string& value,
-                               const Identity& identity, MergeKey key) const {
-        auto [at, end] = known.equal_range(value);
-        size_t claims = 0;
-        while (at != end && claims < kMaxClaims) {
-            if (isTaken_[at->second]) {
-                at = known.erase(at);
-            } else if (before_[at->second].identity.DiffersByStrongerKey(identity, key)) {
-                ++at;
-                ++claims;
-            } else {
-                return at->second;
-            }
-        }
-        return std::nullopt;
-    }
-
-    const std::vector<FoundDevice>& before_;
-    const std::vector<FoundDevice>& after_;
-    std::vector<bool> isTaken_;
-    std::vector<std::optional<std::pair<size_t, MergeKey>>> matches_;
-};
+    Matches matches(after.size());
+    std::vector<bool> isTaken(before.size());
+    IdentityGroups(identities)
+        .Unite(
+            [&](size_t first, size_t second) {
+                return first < before.size() && second >= before.size() && !isTaken[first] &&
+                       !matches[second - before.size()];
+            },
+            [&](size_t first, size_t second, const Merge& merge) {
+                isTaken[first] = true;
+                matches[second - before.size()] = {first, merge.key};
+            });
+    return matches;
+}
 
 constexpr size_t kMaxChanges = 10000;
 
@@ -163,22 +120,35 @@ std::pair<std::string, std::string> StateOf(const DeviceRow& row) {
 
 }  // namespace
 
-bool DeviceChange::HasOnlyPageCounts() const {
-    return AllOf(fields, [](const FieldChange& field) { return field.isPageCount; });
+Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after,
+                          bool withPageCounts) {
+    Comparison result;
+    std::vector<bool> isGone(before.size(), true);
+    const Matches matches = MatchesOf(before, after);
+    for (size_t i = 0; i < after.size(); ++i) {
+        if (!matches[i]) {
+            result.added.push_back(i);
+            continue;
+        }
+        const auto [old, key] = *matches[i];
+        isGone[old] = false;
+        auto fields = ChangedFields(before[old], after[i]);
+        const auto pages = PageCountChanges(*before[old].facts, *after[i].facts);
+        const bool isSame = fields.empty() && (pages.empty() || !withPageCounts);
+        const bool isPrinted = isSame && !pages.empty();
+        result.same += isSame;
+        result.printed += isPrinted;
+        fields.insert(fields.end(), pages.begin(), pages.end());
+        if (!fields.empty()) result.changed.push_back({old, i, key, std::move(fields), isPrinted});
+    }
+    for (size_t i = 0; i < before.size(); ++i) {
+        if (isGone[i]) result.gone.push_back(i);
+    }
+    result.before = std::move(before);
+    result.after = std::move(after);
+    return result;
 }
 
-bool Comparison::IsEqual(bool withPageCounts) const {
-    return added.empty() && gone.empty() && AllOf(changed, [&](const DeviceChange& change) {
-               return !withPageCounts && change.HasOnlyPageCounts();
-           });
-}
-
-Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after) {
-    Comparison comparison = Matcher(before, after).Result();
-    comparison.before = std::move(before);
-    comparison.after = std::move(after);
-    return comparison;
-}
 bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;

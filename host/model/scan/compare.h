@@ -17,14 +17,13 @@ struct FieldChange {
     // "page count", "page count 2"
     std::string field;
     std::string before, after;
-    bool isPageCount = false;
 };
 
 struct DeviceChange {
     size_t before, after;  // indexes
     MergeKey key;          // that identifies them as the same device
     std::vector<FieldChange> fields;
-    bool HasOnlyPageCounts() const;
+    bool isPrinted;  // equal but for page counts, which were not to count
 };
 
 struct Comparison {
@@ -32,14 +31,15 @@ struct Comparison {
     std::vector<FoundDevice> before, after;
     std::vector<size_t> added, gone;  // indexes in `after` and in `before`
     std::vector<DeviceChange> changed;
-    size_t same = 0;
-    // Page counts grow with each job, so they make a difference only if asked for.
-    bool IsEqual(bool withPageCounts) const;
+    size_t same = 0, printed = 0;  // the same has the printed
+    bool IsEqual() const { return added.empty() && gone.empty() && changed.size() == printed; }
 };
 
 // Devices are matched by the rules of MakeDevices. A field that only one of the scans has does not
-// count as changed. A supply changes by one percentage point at least.
-Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after);
+// count as changed. A supply changes by one percentage point at least. Page counts grow with each
+// job, so they count only if asked for.
+Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevice> after,
+                          bool withPageCounts = false);
 
 // What has changed in a list that is watched: the states of its devices.
 struct StateChange {

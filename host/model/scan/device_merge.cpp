@@ -14,8 +14,6 @@ namespace {
 // The answers that one sweep received from one address.
 struct Contact {
     FoundDevice device;
-    size_t parent;              // itself if it is the first of a group and holds the group's fields
-    Identity group;             // of all contacts of the group
     std::vector<size_t> apart;  // contacts that no contact of the group may be merged with
     std::list<Merge> merges;    // of the group
 };
@@ -35,8 +33,24 @@ class Merger {
 
     // Leaves the descriptions of these devices as the known ones.
     std::vector<FoundDevice> Make() {
-        for (const MergeKey key : kMergeKeys) MergeBy(key);
-        std::vector<FoundDevice> devices = Devices();
+        std::vector<const Identity*> identities;
+        for (const Contact& contact : contacts_) identities.push_back(&contact.device.identity);
+        IdentityGroups groups(identities);
+        groups.Unite([&](size_t first, size_t second) { return !AreSplit(groups, first, second); },
+                     [&](size_t first, size_t second, const Merge& by) {
+                         Contact &kept = contacts_[first], &joined = contacts_[second];
+                         kept.merges.push_back(
+                             {by.key, by.value, FirstAnswer(by.first), FirstAnswer(by.second)});
+                         kept.merges.splice(kept.merges.end(), joined.merges);
+                         // The shorter one is added to the longer one: a hostile group may join all
+                         // others.
+                         if (kept.apart.size() < joined.apart.size())
+                             std::swap(kept.apart, joined.apart);
+                         kept.apart.insert(kept.apart.end(), joined.apart.begin(),
+                                           joined.apart.end());
+                         joined.apart.clear();
+                     });
+        std::vector<FoundDevice> devices = Devices(groups);
         known_ = std::move(described_);
         return devices;
     }
@@ -63,64 +77,22 @@ class Merger {
             contactOf_.push_back(contact);
         }
         contacts_.reserve(answers.size());
-        for (auto& indexes : answers) {
-            FoundDevice device = Describe(std::move(indexes));
-            Identity group = device.identity;
-            contacts_.push_back({std::move(device), contacts_.size(), std::move(group), {}, {}});
-        }
+        for (auto& indexes : answers) contacts_.push_back({Describe(std::move(indexes)), {}, {}});
     }
 
-    size_t First(size_t contact) {
-        while (contacts_[contact].parent != contact) {
-            contacts_[contact].parent = contacts_[contacts_[contact].parent].parent;
-            contact = contacts_[contact].parent;
-        }
-        return contact;
-    }
+    size_t FirstAnswer(size_t contact) const { return contacts_[contact].device.answers.front(); }
 
-    void MergeBy(MergeKey key) {
-        std::unordered_map<std::string, std::vector<size_t>> claims;  // contacts by value
-        for (size_t contact = 0; contact < contacts_.size(); ++contact) {
-            for (const std::string& value : contacts_[contact].device.identity.Of(key)) {
-                std::vector<size_t>& others = claims[value];
-                const bool isMerged =
-                    AnyOf(others, [&](size_t other) { return Unite(other, contact, key, value); });
-                if (!isMerged && others.size() < kMaxClaims) others.push_back(contact);
-            }
-        }
-    }
-
-    // True if they are now, or already were, one device.
-    bool Unite(size_t one, size_t other, MergeKey key, const std::string& value) {
-        const auto [first, second] = std::minmax({First(one), First(other)});
-        if (first == second) return true;
-        Contact& kept = contacts_[first];
-        Contact& joined = contacts_[second];
-        if (kept.group.DiffersByStrongerKey(joined.group, key) || AreSplit(first, second))
-            return false;
-        kept.merges.push_back({key, value, contacts_[one].device.answers.front(),
-                               contacts_[other].device.answers.front()});
-        kept.merges.splice(kept.merges.end(), joined.merges);
-        // The smaller one is added to the larger one: a hostile group may join all others.
-        if (kept.group.Size() < joined.group.Size()) std::swap(kept.group, joined.group);
-        kept.group.Add(std::exchange(joined.group, {}));
-        if (kept.apart.size() < joined.apart.size()) std::swap(kept.apart, joined.apart);
-        kept.apart.insert(kept.apart.end(), joined.apart.begin(), joined.apart.end());
-        joined.apart.clear();
-        joined.parent = first;
-        return true;
-    }
-
-    bool AreSplit(size_t one, size_t other) {
+    bool AreSplit(IdentityGroups& groups, size_t one, size_t other) const {
         if (contacts_[one].apart.size() > contacts_[other].apart.size()) std::swap(one, other);
-        return AnyOf(contacts_[one].apart, [&](size_t contact) { return First(contact) == other; });
+        return AnyOf(contacts_[one].apart,
+                     [&](size_t contact) { return groups.First(contact) == other; });
     }
 
-    std::vector<FoundDevice> Devices() {
+    std::vector<FoundDevice> Devices(IdentityGroups& groups) {
         std::vector<std::vector<size_t>> answers(contacts_.size());  // of the groups
         for (size_t contact = 0; contact < contacts_.size(); ++contact) {
             const std::vector<size_t>& own = contacts_[contact].device.answers;
-            std::vector<size_t>& all = answers[First(contact)];
+            std::vector<size_t>& all = answers[groups.First(contact)];
             all.insert(all.end(), own.begin(), own.end());
         }
         std::vector<FoundDevice> devices;
@@ -131,7 +103,7 @@ class Merger {
                 std::sort(answers[first].begin(), answers[first].end());
                 group.device = Describe(std::move(answers[first]));
                 // Keeps all identities of the device, even if later answers replaced some of them.
-                group.device.identity = std::move(group.group);
+                group.device.identity = groups.IdentityOf(first);
                 group.device.merges.assign(group.merges.begin(), group.merges.end());
             }
             devices.push_back(std::move(group.device));
@@ -147,6 +119,52 @@ class Merger {
 };
 
 }  // namespace
+
+IdentityGroups::IdentityGroups(const std::vector<const Identity*>& members) {
+    members_.reserve(members.size());
+    for (const Identity* one : members) members_.push_back({one, members_.size(), *one});
+}
+
+size_t IdentityGroups::First(size_t member) {
+    while (members_[member].parent != member) {
+        members_[member].parent = members_[members_[member].parent].parent;
+        member = members_[member].parent;
+    }
+    return member;
+}
+
+void IdentityGroups::Unite(const MayUnite& mayUnite, const OnUnited& onUnited) {
+    for (const MergeKey key : kMergeKeys) {
+        std::unordered_map<std::string, std::vector<size_t>> claims;  // members by value
+        for (size_t member = 0; member < members_.size(); ++member) {
+            for (const std::string& value : members_[member].own->Of(key)) {
+                std::vector<size_t>& others = claims[value];
+                Merge merge = {key, value, 0, member};
+                const bool isUnited = AnyOf(others, [&](size_t other) {
+                    merge.first = other;
+                    return AreUnited(merge, mayUnite, onUnited);
+                });
+                if (!isUnited && others.size() < kMaxClaims) others.push_back(member);
+            }
+        }
+    }
+}
+
+// They are now, or were already.
+bool IdentityGroups::AreUnited(const Merge& merge, const MayUnite& mayUnite,
+                               const OnUnited& onUnited) {
+    const auto [first, second] = std::minmax({First(merge.first), First(merge.second)});
+    if (first == second) return true;
+    Member &kept = members_[first], &joined = members_[second];
+    if (kept.group.DiffersByStrongerKey(joined.group, merge.key) || !mayUnite(first, second))
+        return false;
+    // The smaller one is added to the larger one: a hostile group may join all others.
+    if (kept.group.Size() < joined.group.Size()) std::swap(kept.group, joined.group);
+    kept.group.Add(std::exchange(joined.group, {}));
+    joined.parent = first;
+    onUnited(first, second, merge);
+    return true;
+}
 
 std::vector<FoundDevice> DeviceMaker::Make(const Scan& scan) {
     return Merger(scan, described_).Make();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -7,6 +8,32 @@
 #include "model/scan/scan.h"
 
 namespace vndiscover::host {
+
+// Groups members that have a common identity: by the strongest key first, unless a stronger one
+// distinguishes the groups (see Identity).
+class IdentityGroups {
+  public:
+    // The identities must outlive it.
+    explicit IdentityGroups(const std::vector<const Identity*>& members);
+    // `mayUnite` gets the first members of two groups, in their order; it and `onUnited` may call
+    // First. `onUnited` gets the same, after the two have become one, and why: Merge has members.
+    using MayUnite = std::function<bool(size_t first, size_t second)>;
+    using OnUnited = std::function<void(size_t first, size_t second, const Merge& merge)>;
+    void Unite(const MayUnite& mayUnite, const OnUnited& onUnited);
+    size_t First(size_t member);  // of its group
+    // Of all members of the group with this first one.
+    const Identity& IdentityOf(size_t first) const { return members_[first].group; }
+
+  private:
+    struct Member {
+        const Identity* own;
+        size_t parent;   // itself if it is the first of a group
+        Identity group;  // if it is
+    };
+    bool AreUnited(const Merge& merge, const MayUnite& mayUnite, const OnUnited& onUnited);
+
+    std::vector<Member> members_;
+};
 
 // All answers that one sweep received from one address are of one device. Devices are then merged
 // by serial number, MAC address, WS-Discovery endpoint and address, in this order, unless a

@@ -271,14 +271,19 @@ std::string ComparisonJson(const Comparison& comparison) {
                [&](cJSON* device, size_t index) { AddDevice(device, comparison.after[index]); });
     AddObjects(root.get(), "gone", comparison.gone,
                [&](cJSON* device, size_t index) { AddDevice(device, comparison.before[index]); });
-    AddObjects(root.get(), "changed", comparison.changed, [&](cJSON* device, const auto& change) {
+    std::vector<DeviceChange> changed, printed;
+    for (const DeviceChange& change : comparison.changed)
+        (change.isPrinted ? printed : changed).push_back(change);
+    const auto addChange = [&](cJSON* device, const DeviceChange& change) {
         AddDevice(device, comparison.after[change.after]);
         AddText(device, "sameBy", KeyName(change.key));
         AddObjects(device, "changes", change.fields, [](cJSON* one, const FieldChange& field) {
             AddMembers(one,
                        {{"field", field.field}, {"before", field.before}, {"after", field.after}});
         });
-    });
+    };
+    AddObjects(root.get(), "changed", changed, addChange);
+    AddObjects(root.get(), "printed", printed, addChange);
     AddNumber(root.get(), "asBefore", comparison.same);
     return Line(root);
 }

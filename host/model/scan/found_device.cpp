@@ -33,14 +33,9 @@ constexpr size_t kMaxReplies = 256;
 
 // Sweeps deliver values as text without a type: only those of text objects can be used.
 bool IsTextObject(const Oid& oid) {
-    constexpr const char* kTexts[] = {"sysDescr",
-                                      "sysName",
-                                      "hrDeviceDescr",
-                                      "prtGeneralPrinterName",
-                                      "prtGeneralSerialNumber",
-                                      "entPhysicalSerialNum"};
     return oid == DefaultDiscoveryOid() ||
-           AnyOf(kTexts, [&](const char* name) { return IsWithin(oid, OidOf(name)); });
+           IsAny(oid, {"sysDescr", "sysName", "hrDeviceDescr", "prtGeneralPrinterName",
+                       "prtGeneralSerialNumber", "entPhysicalSerialNum"});
 }
 
 class Collector {
@@ -58,17 +53,7 @@ class Collector {
                 }
                 break;
             case AnswerForm::kVariable:
-                variables_.values[answer.answer.oid] = answer.answer;
-                device_.hasVariables = true;
-                if (IsState(answer.answer.oid)) {
-                    stateSweep_ = answer.sweep;
-                    readTime_ = std::max(readTime_, answer.time);
-                }
-                // Only a reading that asks for alerts too asks for it.
-                if (IsWithin(answer.answer.oid, OidOf("sysUpTime"))) {
-                    wholeSweep_ = answer.sweep;
-                    upTime_ = std::max(upTime_, answer.time);
-                }
+                AddVariable(answer, sweep.isComplete);
                 break;
             case AnswerForm::kReply:
                 if (++replies_ > kMaxReplies) break;
@@ -85,7 +70,8 @@ class Collector {
 
     FoundDevice Describe() {
         variables_.areGapsKnown = false;
-        device_.areAlertsKnown = stateSweep_ != SIZE_MAX && stateSweep_ == wholeSweep_;
+        device_.areAlertsKnown =
+            stateSweep_ != SIZE_MAX && stateSweep_ == wholeSweep_ && stateSweep_ == alertsSweep_;
         PrinterFacts facts = FactsOf(variables_);
         facts.readTime = std::move(readTime_);
         facts.upTicksTime = std::move(upTime_);
@@ -103,6 +89,25 @@ class Collector {
     }
 
   private:
+    void AddVariable(const ScanAnswer& answer, bool isOfWhole) {
+        const Oid& oid = answer.answer.oid;
+        variables_.values[oid] = answer.answer;
+        device_.hasVariables = true;
+        if (IsState(oid)) {
+            stateSweep_ = answer.sweep;
+            readTime_ = std::max(readTime_, answer.time);
+        }
+        // Only a reading that asks for alerts too asks for it.
+        if (IsAny(oid, {"sysUpTime"})) {
+            wholeSweep_ = answer.sweep;
+            upTime_ = std::max(upTime_, answer.time);
+        }
+        // One that ended early had come to the alerts if it has what is read after them.
+        if (isOfWhole || IsAny(oid, {"prtConsoleDisplayBufferText", "ifType", "ifPhysAddress",
+                                     "ifOperStatus", "entPhysicalSerialNum"}))
+            alertsSweep_ = answer.sweep;
+    }
+
     void AddText(const Oid& oid, const std::string& text) {
         if (text.empty() || !IsTextObject(oid)) return;
         Answer& known = variables_.values[oid];
@@ -128,7 +133,7 @@ class Collector {
     std::set<std::string> types_;    // in order, and none twice
     FoundDevice device_;
     size_t replies_ = 0;
-    size_t stateSweep_ = SIZE_MAX, wholeSweep_ = SIZE_MAX;  // SIZE_MAX: none
+    size_t stateSweep_ = SIZE_MAX, wholeSweep_ = SIZE_MAX, alertsSweep_ = SIZE_MAX;  // or none
 };
 
 void AddIndexes(cJSON* object, const std::vector<size_t>& indexes) {

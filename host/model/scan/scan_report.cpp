@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "model/asking/json_request.h"
 #include "model/scan/device_view.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
@@ -30,6 +31,8 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
                       : sweep.form == AnswerForm::kDocument ? "JSON document"
                                                             : "added by hand";
         line.value = PlainText(answer.bytes);
+        if (sweep.form == AnswerForm::kDocument && IsCutDocument(answer.bytes))
+            line.value += " [the first " + std::to_string(answer.bytes.size()) + " bytes]";
     }
     if (line.value.empty()) line.value = "(empty)";
     return line;
@@ -102,14 +105,13 @@ std::string CountsOf(const Comparison& comparison) {
         return PlainText(name) + " (" + std::to_string(devices) +
                (devices == 1 ? " device)" : " devices)");
     };
-    const size_t printed = CountIf(
-        comparison.changed, [](const DeviceChange& change) { return change.HasOnlyPageCounts(); });
+    const size_t printed = comparison.printed;
     return named(comparison.beforeName, comparison.before.size()) + ", " +
            named(comparison.afterName, comparison.after.size()) + ": " +
            std::to_string(comparison.added.size()) + " new, " +
            std::to_string(comparison.gone.size()) + " gone, " +
            std::to_string(comparison.changed.size() - printed) + " changed, " +
-           std::to_string(comparison.same + printed) + " equal" +
+           std::to_string(comparison.same) + " equal" +
            (printed == 0 ? "" : ", of which " + std::to_string(printed) + " have printed");
 }
 
@@ -119,7 +121,7 @@ Report ReportOf(const Comparison& comparison) {
     for (const size_t index : comparison.added) AddDevice(section, "new", comparison.after[index]);
     for (const size_t index : comparison.gone) AddDevice(section, "gone", comparison.before[index]);
     for (const DeviceChange& change : comparison.changed) {
-        AddDevice(section, change.HasOnlyPageCounts() ? "printed" : "changed",
+        AddDevice(section, change.isPrinted ? "printed" : "changed",
                   comparison.after[change.after]);
         for (const FieldChange& field : change.fields) {
             section.Add(

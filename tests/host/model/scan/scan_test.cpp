@@ -8,6 +8,7 @@
 #include "host/model/scripted_device.h"
 #include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
+#include "model/scan/device_writer.h"
 #include "model/scan/scan_report.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
@@ -324,14 +325,15 @@ TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {
         "address: 10.0.0.1 -> 10.0.0.9; name: hall -> lobby; firmware: VN 410, firmware 1.2 -> "
         "VN 410, firmware 1.3; page count: 5 -> 9; ",
         FieldsOf(found.changed[0]));
-    EXPECT_TRUE(CompareDevices(MakeDevices(after.scan), MakeDevices(after.scan)).IsEqual(true));
+    EXPECT_TRUE(CompareDevices(MakeDevices(after.scan), MakeDevices(after.scan), true).IsEqual());
 }
 
 // What a printer says of itself, before and after.
+enum class Extent { kWhole, kCut, kList };  // of the reading; cut: before the alerts
 Comparison OfPrinter(const char* errors, const char* black, const char* second, const char* count,
-                     const char* alert, bool isWhole = true) {
-    const auto scan = [isWhole](const std::string& bits, const char* first, const char* other,
-                                const char* pages, const char* text) {
+                     const char* alert, Extent extent = Extent::kWhole, bool countsPages = false) {
+    const auto scan = [](const std::string& bits, const char* first, const char* other,
+                         const char* pages, const char* text, Extent one) {
         ScanOf scan = Variables();
         scan.Add("10.0.0.8", bits, "hrPrinterDetectedErrorState.5");
         scan.Add("10.0.0.8", pages, "prtMarkerLifeCount.5.1", kCounter32);
@@ -341,11 +343,12 @@ Comparison OfPrinter(const char* errors, const char* black, const char* second, 
         scan.Add("10.0.0.8", "\x64", "prtMarkerSuppliesMaxCapacity.5.1", kInteger);
         scan.Add("10.0.0.8", "Black", "prtMarkerSuppliesDescription.5.2");
         scan.Add("10.0.0.8", other, "prtMarkerSuppliesLevel.5.2", kInteger);
-        if (isWhole) scan.Add("10.0.0.8", "\x09", "sysUpTime.0", kTimeTicks);
+        if (one != Extent::kList) scan.Add("10.0.0.8", "\x09", "sysUpTime.0", kTimeTicks);
+        if (one != Extent::kCut) scan.Add("10.0.0.8", "\x06", "ifType.1", kInteger);
         return MakeDevices(scan.scan);
     };
-    return CompareDevices(scan({"\0", 1}, "\x1E", "\x1E", "\x05", ""),
-                          scan(errors, black, second, count, alert));
+    return CompareDevices(scan({"\0", 1}, "\x1E", "\x1E", "\x05", "", Extent::kWhole),
+                          scan(errors, black, second, count, alert, extent), countsPages);
 }
 
 TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
@@ -354,22 +357,43 @@ TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
         "errors: none -> jammed; alerts: none -> jam; Black: 30 % (30 of 100) -> 29 % (29 of 100); "
         "page count: 5 -> 9; ",
         FieldsOf(found.changed.at(0)));
-    EXPECT_TRUE(OfPrinter("", "\x1E", "\x1E", "\x05", "jam", false).IsEqual(true))
-        << "alerts were not asked for";
-    EXPECT_FALSE(found.IsEqual(false));
+    EXPECT_FALSE(found.IsEqual());
+}
+
+TEST(ScanComparison, WhatWasNotReadIsNoChange) {
+    for (const Extent extent : {Extent::kCut, Extent::kList})
+        EXPECT_TRUE(OfPrinter("", "\x1E", "\x1E", "\x05", "jam", extent).IsEqual());
+    // Of two supplies with one name, the level of the first, and the maximum of the second.
+    ScanOf before = Variables(), after = Variables();
+    for (ScanOf* scan : {&before, &after}) {
+        for (const char* row : {"1", "2"}) {
+            const auto add = [&](const std::string& object, const char* bytes, uint32_t type) {
+                scan->Add("10.0.0.8", bytes, ("prtMarkerSupplies" + object + ".5." + row).c_str(),
+                          type);
+            };
+            add("Description", "Black", kOctetString);
+            if (scan == &before || *row == '2') add("Level", *row == '1' ? "\7" : "\x9", kInteger);
+            if (scan == &before) add("MaxCapacity", "\x64", kInteger);
+        }
+    }
+    EXPECT_TRUE(CompareDevices(MakeDevices(before.scan), MakeDevices(after.scan)).IsEqual());
 }
 
 TEST(ScanComparison, CountsPagesOnlyIfAsked) {
     const Comparison found = OfPrinter(" ", "\x1E", "\x1E", "\x09", "");
-    EXPECT_FALSE(found.IsEqual(false)) << "another error";
-    const Comparison printed = OfPrinter("", "\x1E", "\x1E", "\x09", "");
-    EXPECT_TRUE(printed.IsEqual(false));
-    EXPECT_FALSE(printed.IsEqual(true));
-    EXPECT_EQ(
-        "the earlier scan (1 device), the later scan (1 device): 0 new, 0 gone, 0 changed, 1 "
-        "equal, "
-        "of which 1 have printed",
-        ReportOf(printed).at(0).rows.at(0).text);
+    EXPECT_FALSE(found.IsEqual()) << "another error";
+    for (const bool areCounted : {false, true}) {
+        const Comparison printed =
+            OfPrinter("", "\x1E", "\x1E", "\x09", "", Extent::kWhole, areCounted);
+        EXPECT_EQ(areCounted, !printed.IsEqual());
+        EXPECT_THAT(CountsOf(printed), testing::EndsWith(areCounted ? " 1 changed, 0 equal"
+                                                                    : " 0 changed, 1 equal, of "
+                                                                      "which 1 have printed"));
+        EXPECT_EQ(areCounted ? "changed" : "printed", ReportOf(printed).at(0).rows.at(1).label);
+        EXPECT_THAT(ComparisonJson(printed),
+                    HasSubstr(areCounted ? "\"printed\":[],\"asBefore\":0"
+                                         : "\"changed\":[],\"printed\":[{\"addresses\":"));
+    }
 }
 
 TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
@@ -382,13 +406,16 @@ TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
     const Oid type = *ParseOidOrName("ifType.1");
     Answer hall = AnsweredWith(name, kOctetString, "hall\xE2\x80\xAE");
     hall.wholeSize = 300;
+    const Answer document = Received("{" + std::string(kValueSize - 2, ' '));
+    scan.sweeps.push_back({SweepKind::kSnmpV3, AnswerForm::kDocument, false, {}, ""});
     scan.answers = {{0, "2026-11-25T04:32:23Z", "10.77.1.1", Received(cut)},
                     {1, "", "10.77.1.1", AnsweredWith(type, kInteger, "\x06")},
                     {1, "", "10.77.1.1", hall},
                     {2, "", "10.77.1.1", Received("<a>\r\n\x1B[2J</a>")},
-                    {0, "", "10.77.1.2", Received("")}};
-    const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3, 4});
-    ASSERT_EQ(5u, lines.size());
+                    {0, "", "10.77.1.2", Received("")},
+                    {3, "", "10.77.1.2", document}};
+    const std::vector<AnswerLine> lines = AnswerLines(scan, {0, 1, 2, 3, 4, 5});
+    ASSERT_EQ(6u, lines.size());
     EXPECT_EQ("2026-11-25T04:32:23Z", lines[0].time);
     EXPECT_EQ("sysName.0", lines[0].object);
     EXPECT_EQ(std::string(128, 'a') + " [the first 128 of 200 bytes]", lines[0].value);
@@ -397,6 +424,7 @@ TEST(AnswerLines, ShowEachFormAndNoMarksThatChangeTheText) {
     EXPECT_EQ("<a> \xEF\xBF\xBD[2J</a>", lines[3].value);
     EXPECT_EQ("reply", lines[3].object);
     EXPECT_EQ("(empty)", lines[4].value);
+    EXPECT_THAT(lines[5].value, testing::EndsWith(" [the first 4095 bytes]"));
     // Of one device only.
     EXPECT_EQ(SweepKind::kWsd, AnswerLines(scan, {3}).at(0).kind);
 }
