@@ -28,26 +28,17 @@ using Origin = std::tuple<std::string, SweepKind, bool>;
 
 bool IsVariable(const ScanSweep& sweep) { return sweep.form == AnswerForm::kVariable; }
 
-// A variable has the same value by whichever protocol it is read.
-SweepKind KindOf(const ScanSweep& sweep) {
-    return IsVariable(sweep) ? SweepKind::kSnmpV1 : sweep.kind;
-}
-
-// `isAlone`: of a variable, not of its object.
+// A variable has the same value by whichever protocol it is read. `isAlone`: not with its object.
 Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer, bool isAlone) {
-    const Oid& variable = answer.answer.oid;
-    if (IsVariable(sweep))
-        return {answer.address,
-                KindOf(sweep),
-                sweep.form,
-                false,
-                0,
-                isAlone ? variable : ObjectOf(variable)};
-    return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
+    if (!IsVariable(sweep))
+        return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
+    const Oid& oid = answer.answer.oid;
+    return {answer.address, {}, sweep.form, false, 0, isAlone ? oid : ObjectOf(oid)};
 }
 
 Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
-    return {answer.address, KindOf(sweep), IsVariable(sweep)};
+    const bool isVariable = IsVariable(sweep);
+    return {answer.address, isVariable ? SweepKind() : sweep.kind, isVariable};
 }
 
 bool IsOfState(const Oid& oid) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <unordered_map>
 #include <utility>
 
 #include "values/ip_address.h"
@@ -31,15 +32,15 @@ bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
     });
 }
 
-DeviceRow RowOf(const Scan& scan, const FoundDevice& device, const AdapterList& ipv4,
-                const Standing& standing, const LevelLimits& limits) {
+DeviceRow RowOf(const RowContext& context, FoundDevice device, Standing standing) {
     DeviceRow row;
-    row.answers = device.answers;
-    row.summary = SummaryOf(*device.facts, limits);
-    row.standing = standing;
-    if (standing.Holds()) row.severity = row.summary.severity;
-    row.isNoPrinter = IsNoPrinter(device, standing);
-    const RowSource source = {scan, device, ipv4, AddressesOf(device), row.summary, standing};
+    static_cast<FoundDevice&>(row) = std::move(device);
+    row.summary = SummaryOf(*row.facts, context.limits);
+    row.standing = std::move(standing);
+    if (row.standing.Holds()) row.severity = row.summary.severity;
+    row.isNoPrinter = IsNoPrinter(row, row.standing);
+    const RowSource source = {context.scan,     row,         context.ipv4,
+                              AddressesOf(row), row.summary, row.standing};
     for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
     if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
     return row;
@@ -76,21 +77,20 @@ std::string NetworkCell(const RowSource& source) {
     return "";
 }
 
-std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundDevice>& devices,
-                                      const AdapterList& ipv4,
-                                      const std::vector<Standing>& standings) {
-    std::unordered_map<size_t, DeviceRow> known = std::exchange(rows_, {});
+std::vector<DeviceRow> MakeRows(const RowContext& context, std::vector<FoundDevice> devices,
+                                const std::function<Standing(const FoundDevice&)>& standing,
+                                std::vector<DeviceRow> known) {
+    std::unordered_map<size_t, DeviceRow*> knownBy;  // the first answer
+    for (DeviceRow& row : known) knownBy.emplace(row.answers.front(), &row);
     std::vector<DeviceRow> rows;
     rows.reserve(devices.size());
-    for (size_t index = 0; index < devices.size(); ++index) {
-        const FoundDevice& device = devices[index];
-        const Standing& standing = standings[index];
-        const auto found = known.find(device.answers.front());
-        const bool isKept = found != known.end() && found->second.answers == device.answers &&
-                            found->second.standing == standing;
-        rows.push_back(isKept ? std::move(found->second)
-                              : RowOf(scan, device, ipv4, standing, limits_));
-        rows_.emplace(device.answers.front(), rows.back());
+    for (FoundDevice& device : devices) {
+        Standing now = standing(device);
+        const auto found = knownBy.find(device.answers.front());
+        DeviceRow* const same = found == knownBy.end() ? nullptr : found->second;
+        const bool isSame = same && same->answers == device.answers && same->standing == now;
+        rows.push_back(isSame ? std::move(*same)
+                              : RowOf(context, std::move(device), std::move(now)));
     }
     return rows;
 }
@@ -98,6 +98,11 @@ std::vector<DeviceRow> RowMaker::Make(const Scan& scan, const std::vector<FoundD
 void DeviceView::SetRows(std::vector<DeviceRow> rows) {
     rows_ = std::move(rows);
     Arrange();
+}
+
+std::vector<DeviceRow> DeviceView::TakeRows() {
+    shown_.clear();
+    return std::exchange(rows_, {});
 }
 
 void DeviceView::Sort(Column column, bool isDescending) {

@@ -5,19 +5,18 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "model/scan/columns.h"
 
 namespace vndiscover::host {
 
-// All text is plain; empty: unknown.
-struct DeviceRow {
-    std::vector<size_t> answers;  // as in FoundDevice
+// A device, and how it is shown. All text is plain; empty: unknown.
+struct DeviceRow : FoundDevice {
     std::array<std::string, kColumnCount> texts;
     std::string addressOrder;  // see AddressOrder
     PrinterSummary summary;
@@ -29,24 +28,23 @@ struct DeviceRow {
     std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
 };
 
-// Makes the rows after each batch of answers, and reuses those of devices without a new answer.
-class RowMaker {
-  public:
-    explicit RowMaker(const LevelLimits& limits = {}) : limits_(limits) {}
-
-    // In the order of the devices, as are `standings`.
-    std::vector<DeviceRow> Make(const Scan& scan, const std::vector<FoundDevice>& devices,
-                                const AdapterList& ipv4, const std::vector<Standing>& standings);
-
-  private:
-    LevelLimits limits_;
-    std::unordered_map<size_t, DeviceRow> rows_;  // by the first answer
+// What rows are made of, besides the devices.
+struct RowContext {
+    const Scan& scan;
+    const AdapterList& ipv4;
+    const LevelLimits& limits;
 };
+// After each batch of answers. `standing` tells that of a device; of `known` rows, those with the
+// same answers and standing are used again.
+std::vector<DeviceRow> MakeRows(const RowContext& context, std::vector<FoundDevice> devices,
+                                const std::function<Standing(const FoundDevice&)>& standing,
+                                std::vector<DeviceRow> known = {});
 
 // The rows that pass a filter, sorted. The selection stays with its device.
 class DeviceView {
   public:
     void SetRows(std::vector<DeviceRow> rows);
+    std::vector<DeviceRow> TakeRows();
     void Sort(Column column, bool isDescending);
     Column SortColumn() const { return column_; }
     bool IsDescending() const { return isDescending_; }

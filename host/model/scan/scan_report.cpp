@@ -40,21 +40,21 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
 
 }  // namespace
 
-Report ReportOf(const FoundDevice& device, const DeviceRow& row,
-                std::optional<std::vector<Gap>> gaps, const LevelLimits& limits) {
+Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
+                const LevelLimits& limits) {
     PrinterFacts facts = *device.facts;
     // Those of all answers; a placeholder, which identifies nothing, is not among them.
     for (const auto& [column, fact] : {std::pair(Column::kSerial, &PrinterFacts::serialNumber),
                                        {Column::kMac, &PrinterFacts::macAddress}})
-        if (!row.Text(column).empty()) facts.*fact = row.Text(column);
+        if (!device.Text(column).empty()) facts.*fact = device.Text(column);
     const bool isRead = device.hasVariables && gaps;
     if (isRead) SetGaps(facts, *std::move(gaps));
-    Report parts =
-        ReportOf(facts, {row.Text(Column::kAddress), row.Text(Column::kProtocols), isRead, limits});
+    Report parts = ReportOf(
+        facts, {device.Text(Column::kAddress), device.Text(Column::kProtocols), isRead, limits});
     // What needs attention comes first, and who it is last.
     const PrinterSummary summary = SummaryOf(facts, limits);
     ReportSection first;
-    first.Add("State", StateLine(row.standing, summary, facts.readTime), row.severity);
+    first.Add("State", StateLine(device.standing, summary, facts.readTime), device.severity);
     // Neither what the state says nor what a supply is called is said twice.
     EraseIf(parts[static_cast<size_t>(ReportPart::kState)].rows,
             [&](const ReportRow& one) { return one.text == summary.state; });

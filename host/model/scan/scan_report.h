@@ -9,9 +9,9 @@ namespace vndiscover::host {
 
 struct DeviceRow;
 
-// `row` is the device's; `gaps` are those of its last reading; empty: they are not known.
-Report ReportOf(const FoundDevice& device, const DeviceRow& row,
-                std::optional<std::vector<Gap>> gaps, const LevelLimits& limits = {});
+// `gaps` are those of its last reading; empty: they are not known.
+Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
+                const LevelLimits& limits = {});
 
 Report ReportOf(const Comparison& comparison);
 

@@ -54,9 +54,9 @@ std::vector<ListRow> ProtocolRows(const Session& session, const DeviceRow& row) 
     return rows;
 }
 
-std::vector<ListRow> InterfaceRows(const Session& session, const DeviceRow& row) {
+std::vector<ListRow> InterfaceRows(const Session&, const DeviceRow& row) {
     std::vector<ListRow> rows;
-    for (const Interface& one : session.DeviceOf(row)->facts->interfaces) {
+    for (const Interface& one : row.facts->interfaces) {
         // More than the device's number can tell.
         constexpr wchar_t kLimit[] = L"over ";
         const std::wstring speed = ToWide(one.speed);
@@ -81,9 +81,7 @@ std::vector<ListRow> AnswerRows(const Session& session, const DeviceRow& row) {
 }
 
 std::vector<ListRow> SummaryRows(const Session& session, const DeviceRow& row) {
-    const FoundDevice* const device = session.DeviceOf(row);
-    if (!device) return {};
-    Report report = ReportOf(*device, row, session.GapsOf(row), session.Limits());
+    Report report = ReportOf(row, session.GapsOf(row), session.Limits());
     if (row.standing.kind == Standing::Kind::kNeverRead)
         report.emplace_back().Add("", ToUtf8(Text(IDS_NOT_ASKED)));
     return ListRowsOf(report);

@@ -11,21 +11,18 @@
 namespace vndiscover::host {
 
 Session::Session(const Credentials& credentials)
-    : view_(std::make_unique<DeviceView>()),
-      view(*view_),
-      credentials_(credentials),
-      rowMaker_(std::make_unique<RowMaker>()) {}
+    : view_(std::make_unique<DeviceView>()), view(*view_), credentials_(credentials) {}
 
 Session::~Session() = default;
 
 void Session::BeginSearch() {
     view.Renumber(RemoveFormerAnswers(scan_));
-    deviceMaker_ = DeviceMaker();  // descriptions are of answers by their numbers
-    rowMaker_ = std::make_unique<RowMaker>(limits_);
+    deviceMaker_ = DeviceMaker();  // descriptions and rows are of answers by their numbers
+    view.SetRows({});
     for (const ScanSweep& sweep : scan_.sweeps) search_ = std::max(search_, sweep.search);
     ++search_;
     isSearching_ = isChanged_ = true;
-    Refresh();  // no row may have the former numbers
+    Refresh();
     isChanged_ = true;
 }
 
@@ -125,35 +122,28 @@ void Session::EndReadings() {
 
 void Session::SetAdapters(const AdapterList& adapters) {
     adapters_ = adapters;
-    SetLimits(limits_);  // new rows, which name the networks
+    SetLimits(limits_);  // the rows name the networks
 }
 
 void Session::SetLimits(const LevelLimits& limits) {
     limits_ = limits;
-    rowMaker_ = std::make_unique<RowMaker>(limits_);
-    isChanged_ = true;
+    areRowsOld_ = isChanged_ = true;
 }
 
 bool Session::Refresh() {
-    if (!std::exchange(isChanged_, false)) return false;
-    devices_ = deviceMaker_.Make(scan_);
-    view.SetRows(rowMaker_->Make(scan_, devices_, adapters_, Standings()));
-    return true;
-}
-
-std::vector<Standing> Session::Standings() const {
+    if (!isChanged_) return false;
     const LastSearch search(scan_, isSearching_);
-    std::vector<Standing> standings;
-    standings.reserve(devices_.size());
-    for (const FoundDevice& device : devices_) {
-        const auto reading = readings_.empty() ? std::nullopt : LastReadingOf(device.answers);
-        const auto& addresses = device.identity.Of(MergeKey::kAddress);
-        const bool isBeingRead =
-            AnyOf(beingRead_, [&](const auto& one) { return addresses.count(one) != 0; });
-        standings.push_back(
-            StandingOf(scan_, device, reading ? &*reading : nullptr, isBeingRead, search));
-    }
-    return standings;
+    const auto standing = [&](const FoundDevice& device) {
+        const bool isBeingRead = AnyOf(device.identity.Of(MergeKey::kAddress),
+                                       [&](auto& one) { return beingRead_.count(one) != 0; });
+        return StandingOf(scan_, device, LastReadingOf(device), isBeingRead, search);
+    };
+    std::vector<DeviceRow> known = view.TakeRows();
+    if (std::exchange(areRowsOld_, false)) known.clear();
+    view.SetRows(MakeRows({scan_, adapters_, limits_}, deviceMaker_.Make(scan_), standing,
+                          std::move(known)));
+    isChanged_ = false;
+    return true;
 }
 
 void Session::SetScan(Scan scan) {
@@ -163,7 +153,7 @@ void Session::SetScan(Scan scan) {
     logins_.clear();
     added_.clear();
     deviceMaker_ = DeviceMaker();
-    rowMaker_ = std::make_unique<RowMaker>(limits_);
+    view.SetRows({});
     readings_.clear();
     whole_.clear();
     beingRead_.clear();
@@ -182,13 +172,11 @@ bool Session::HasAnsweredSearch(const std::vector<size_t>& answers) const {
 
 std::vector<FoundDevice> Session::PresentDevices() const {
     const LastSearch search(scan_, isSearching_);
-    const std::vector<Standing> standings = Standings();
     std::vector<FoundDevice> present;
-    for (size_t i = 0; i < devices_.size(); ++i) {
-        const std::vector<size_t>& answers = devices_[i].answers;
+    for (const DeviceRow& row : view.AllRows()) {
         const bool isSilent =
-            standings[i].kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(answers);
-        if (!isSilent && !search.HasMissed(scan_, answers)) present.push_back(devices_[i]);
+            row.standing.kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(row.answers);
+        if (!isSilent && !search.HasMissed(scan_, row.answers)) present.push_back(row);
     }
     return present;
 }
@@ -215,22 +203,13 @@ void Session::AdoptAdded() {
     }
 }
 
-const FoundDevice* Session::DeviceOf(const DeviceRow& row) const {
-    const auto found = std::lower_bound(
-        devices_.begin(), devices_.end(), row.answers,
-        [](const FoundDevice& device, const auto& answers) { return device.answers < answers; });
-    return found != devices_.end() && found->answers == row.answers ? &*found : nullptr;
-}
-
 PrinterLine Session::LineOf(const DeviceRow& row) const {
     PrinterLine line;
-    const FoundDevice* const device = DeviceOf(row);
-    if (!device) return line;
-    line.facts = *device->facts;
+    line.facts = *row.facts;
     if (!row.Text(Column::kSerial).empty()) line.facts.serialNumber = row.Text(Column::kSerial);
     if (auto gaps = GapsOf(row)) SetGaps(line.facts, *std::move(gaps));
     line.summary = SummaryOf(line.facts, limits_);
-    const auto& addresses = device->identity.Of(MergeKey::kAddress);
+    const auto& addresses = row.identity.Of(MergeKey::kAddress);
     line.addresses.assign(addresses.begin(), addresses.end());
     if (row.standing.kind != Standing::Kind::kRead &&
         row.standing.kind != Standing::Kind::kBeingRead)
@@ -309,7 +288,7 @@ std::optional<AskTarget> Session::WhomToAskForARefusal() const {
     // Best one that has SNMPv3, or at least SNMP.
     std::optional<AskTarget> best;
     int bestRank = 0;
-    for (const FoundDevice& device : devices_) {
+    for (const DeviceRow& device : view.AllRows()) {
         const auto target = TargetOf(device.answers);
         if (!target || !HasAnsweredHere(device.answers, target->address)) continue;
         const int rank = target->login.security ? 3 : target->isLoginKnown ? 2 : 1;
@@ -327,32 +306,21 @@ bool Session::HasAnsweredHere(const std::vector<size_t>& answers,
            });
 }
 
-std::vector<Reading> Session::ReadingsOf(const std::vector<size_t>& answers) const {
-    std::set<std::string> addresses;
-    for (const size_t index : answers) addresses.insert(scan_.answers[index].address);
-    std::vector<Reading> readings;
-    for (const std::string& address : addresses) {
-        for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
-            const auto found = readings_.find({address, kind});
-            if (found != readings_.end()) readings.push_back(found->second);
-        }
-    }
-    return readings;
-}
-
 // By the protocol that it is asked by: another one only shows whether it answers by that.
-std::optional<Reading> Session::LastReadingOf(const std::vector<size_t>& answers) const {
-    const auto target = TargetOf(answers);
-    std::optional<Reading> last;
-    for (Reading& reading : ReadingsOf(answers)) {
-        if (target && reading.kind == target->Kind() && (!last || reading.time >= last->time))
-            last = std::move(reading);
+const Reading* Session::LastReadingOf(const FoundDevice& device) const {
+    const auto target = readings_.empty() ? std::nullopt : TargetOf(device.answers);
+    if (!target) return nullptr;
+    const Reading* last = nullptr;
+    for (const std::string& address : device.identity.Of(MergeKey::kAddress)) {
+        const auto found = readings_.find({address, target->Kind()});
+        if (found != readings_.end() && (!last || found->second.time >= last->time))
+            last = &found->second;
     }
     return last;
 }
 
 std::optional<std::vector<Gap>> Session::GapsOf(const DeviceRow& row) const {
-    const auto last = LastReadingOf(row.answers);
+    const Reading* const last = LastReadingOf(row);
     return last ? std::optional(last->end.gaps) : std::nullopt;
 }
 
@@ -363,24 +331,26 @@ void Session::ForgetRefusals() {
 }
 
 std::vector<ProtocolLine> Session::ProtocolsOf(const DeviceRow& row) const {
+    std::vector<Reading> readings;
+    for (const auto& [origin, reading] : readings_)
+        if (row.identity.Of(MergeKey::kAddress).count(reading.address) != 0)
+            readings.push_back(reading);
     std::vector<size_t> running;
     for (const auto& [worker, sweep] : sweeps_) running.push_back(sweep);
-    return host::ProtocolsOf(scan_, row.answers, ReadingsOf(row.answers), running);
+    return host::ProtocolsOf(scan_, row.answers, readings, running);
 }
 
 std::vector<std::pair<size_t, size_t>> Session::SplitsOf(const DeviceRow& row) const {
     std::vector<std::pair<size_t, size_t>> splits;
-    const FoundDevice* device = DeviceOf(row);
-    if (!device) return splits;
     const auto isAsked = [&](size_t index) {
         return scan_.sweeps[scan_.answers[index].sweep].form == AnswerForm::kVariable;
     };
-    for (const Merge& merge : device->merges) {
+    for (const Merge& merge : row.merges) {
         if (merge.key != MergeKey::kAddress) splits.emplace_back(merge.first, merge.second);
     }
     if (!splits.empty()) return splits;
     // Several protocols at one address; variables stay with the answers of their protocol.
-    for (const Merge& merge : device->merges) {
+    for (const Merge& merge : row.merges) {
         if (!isAsked(merge.first) && !isAsked(merge.second))
             splits.emplace_back(merge.first, merge.second);
     }

@@ -16,7 +16,6 @@
 namespace vndiscover::host {
 
 class DeviceView;
-class RowMaker;
 struct DeviceRow;
 
 class Session {
@@ -60,8 +59,6 @@ class Session {
     // Treats the scan's added addresses as added now, so that they are read.
     void AdoptAdded();
 
-    // Null if it is no device's row.
-    const FoundDevice* DeviceOf(const DeviceRow& row) const;
     // For a list of printers. One that could not be read whole has a problem.
     PrinterLine LineOf(const DeviceRow& row) const;
     // How to ask a device: as it has answered, or otherwise by each community. Empty if it cannot
@@ -88,10 +85,8 @@ class Session {
   private:
     size_t NumberOf(const Login& login);
     std::vector<std::pair<size_t, size_t>> SplitsOf(const DeviceRow& row) const;
-    std::vector<Reading> ReadingsOf(const std::vector<size_t>& answers) const;
     std::set<Oid> OlderObjects(const Results::Read& read);
-    std::optional<Reading> LastReadingOf(const std::vector<size_t>& answers) const;
-    std::vector<Standing> Standings() const;
+    const Reading* LastReadingOf(const FoundDevice& device) const;  // null: there was none
 
     const Credentials& credentials_;
     Scan scan_;
@@ -101,9 +96,7 @@ class Session {
     // the settings have the one that is valid.
     std::vector<std::pair<SweepKind, std::string>> logins_;
     std::set<std::string> added_;  // addresses, since the last SetScan
-    std::vector<FoundDevice> devices_;
     DeviceMaker deviceMaker_;
-    std::unique_ptr<RowMaker> rowMaker_;
     AdapterList adapters_;
     LevelLimits limits_;
     std::map<WorkerId, size_t> sweeps_;  // indexes of those that are running
@@ -112,6 +105,7 @@ class Session {
     std::map<std::string, std::map<Oid, std::string>> whole_;
     std::multiset<std::string> beingRead_;
     bool isChanged_ = false, isUnsaved_ = false;
+    bool areRowsOld_ = false;  // what they are made of, besides the scan, has changed
 };
 
 }  // namespace vndiscover::host

@@ -97,8 +97,10 @@ TEST_F(Sessions, LateListReadingLeavesANewerState) {
     const std::string minutes[] = {"2026-11-25T04:10:00Z", "2026-11-25T04:20:00Z",
                                    "2026-11-25T04:30:00Z"};
     using Values = std::vector<std::tuple<const char*, const char*, int>>;
-    const auto add = [&](int minute, bool isForList, const Values& values) {
+    const auto add = [&](int minute, bool isForList, const Values& values,
+                         Status end = Status::kAnswered) {
         Results::Read read = {{"10.77.1.1"}, minutes[minute], {}, isForList};
+        read.answers.lastStatus = end;
         for (const auto& [name, bytes, at] : values) {
             const Oid oid = *ParseOidOrName(name);
             Answer& answer = read.answers.values[oid] = AnsweredWith(oid, kInteger, bytes);
@@ -118,8 +120,9 @@ TEST_F(Sessions, LateListReadingLeavesANewerState) {
              {"prtMarkerSuppliesType.1.1", "\3", 0},
              {"prtMarkerSuppliesLevel.1.1", "\7", 2}});
     }
+    add(2, true, {{"prtMarkerSuppliesType.1.1", "\3", 2}}, Status::kNoAnswer);
     session_.Refresh();
-    const PrinterFacts& facts = *session_.DeviceOf(session_.view.Row(0))->facts;
+    const PrinterFacts& facts = *session_.view.Row(0).facts;
     EXPECT_EQ("printing", facts.printerStatus);
     EXPECT_EQ(minutes[1], facts.readTime);
     EXPECT_EQ(1u, facts.alerts.size());

@@ -91,14 +91,6 @@ TEST_F(StandingTest, SearchThatDoesNotAskADeviceTellsNothingOfIt) {
     EXPECT_EQ("never read", State("10.0.0.1"));
 }
 
-TEST_F(StandingTest, SavedScanTellsWhoWasMissed) {
-    Search(0, 1, {"10.0.0.1"});
-    Search(1, 1, {});
-    std::string problem;
-    scan_ = *ReadScan(*WriteScan(scan_, problem), problem);
-    EXPECT_EQ(Since(0), State("10.0.0.1"));
-}
-
 TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
     Search(0, 1, {"10.0.0.1"});
     Reading reading = {"10.0.0.1", SweepKind::kSnmpV1, {}, false, At(1)};
@@ -256,13 +248,10 @@ TEST_F(StandingTest, ChangesAreOfWholeReadings) {
     const auto add = [&](int minute, bool isStateOnly) {
         reading.time = At(minute);
         reading.isStateOnly = isStateOnly;
-        const auto devices = MakeDevices(scan_);
-        const LastSearch search(scan_, false);
-        return log.Add(
-            RowMaker()
-                .Make(scan_, devices, {}, {StandingOf(scan_, devices[0], &reading, false, search)})
-                .at(0),
-            At(minute));
+        const auto standing = [&](const FoundDevice& device) {
+            return StandingOf(scan_, device, &reading, false, LastSearch(scan_, false));
+        };
+        return log.Add(MakeRows({scan_, {}, {}}, MakeDevices(scan_), standing).at(0), At(minute));
     };
     Read(0, "10.0.0.1", true,
          {{"hrPrinterStatus.1", "\3"},
