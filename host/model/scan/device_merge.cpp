@@ -13,7 +13,7 @@ namespace {
 
 // The answers that one sweep received from one address.
 struct Contact {
-    FoundDevice device;
+    const FoundDevice* device;  // its description
     std::vector<size_t> apart;  // contacts that no contact of the group may be merged with
     std::list<Merge> merges;    // of the group
 };
@@ -34,22 +34,11 @@ class Merger {
     // Leaves the descriptions of these devices as the known ones.
     std::vector<FoundDevice> Make() {
         std::vector<const Identity*> identities;
-        for (const Contact& contact : contacts_) identities.push_back(&contact.device.identity);
+        for (const Contact& contact : contacts_) identities.push_back(&contact.device->identity);
         IdentityGroups groups(identities);
-        groups.Unite([&](size_t first, size_t second) { return !AreSplit(groups, first, second); },
-                     [&](size_t first, size_t second, const Merge& by) {
-                         Contact &kept = contacts_[first], &joined = contacts_[second];
-                         kept.merges.push_back(
-                             {by.key, by.value, FirstAnswer(by.first), FirstAnswer(by.second)});
-                         kept.merges.splice(kept.merges.end(), joined.merges);
-                         // The shorter one is added to the longer one: a hostile group may join all
-                         // others.
-                         if (kept.apart.size() < joined.apart.size())
-                             std::swap(kept.apart, joined.apart);
-                         kept.apart.insert(kept.apart.end(), joined.apart.begin(),
-                                           joined.apart.end());
-                         joined.apart.clear();
-                     });
+        groups.Unite(
+            [&](size_t first, size_t second) { return !AreSplit(groups, first, second); },
+            [&](size_t first, size_t second, const Merge& merge) { Join(first, second, merge); });
         std::vector<FoundDevice> devices = Devices(groups);
         known_ = std::move(described_);
         return devices;
@@ -77,10 +66,21 @@ class Merger {
             contactOf_.push_back(contact);
         }
         contacts_.reserve(answers.size());
-        for (auto& indexes : answers) contacts_.push_back({Describe(std::move(indexes)), {}, {}});
+        for (auto& indexes : answers) contacts_.push_back({&Describe(std::move(indexes)), {}, {}});
     }
 
-    size_t FirstAnswer(size_t contact) const { return contacts_[contact].device.answers.front(); }
+    void Join(size_t first, size_t second, const Merge& merge) {
+        Contact &kept = contacts_[first], &joined = contacts_[second];
+        const auto answer = [&](size_t contact) {
+            return contacts_[contact].device->answers.front();
+        };
+        kept.merges.push_back({merge.key, merge.value, answer(merge.first), answer(merge.second)});
+        kept.merges.splice(kept.merges.end(), joined.merges);
+        // The shorter one is added to the longer one: a hostile group may join all others.
+        if (kept.apart.size() < joined.apart.size()) std::swap(kept.apart, joined.apart);
+        kept.apart.insert(kept.apart.end(), joined.apart.begin(), joined.apart.end());
+        joined.apart.clear();
+    }
 
     bool AreSplit(IdentityGroups& groups, size_t one, size_t other) const {
         if (contacts_[one].apart.size() > contacts_[other].apart.size()) std::swap(one, other);
@@ -91,22 +91,23 @@ class Merger {
     std::vector<FoundDevice> Devices(IdentityGroups& groups) {
         std::vector<std::vector<size_t>> answers(contacts_.size());  // of the groups
         for (size_t contact = 0; contact < contacts_.size(); ++contact) {
-            const std::vector<size_t>& own = contacts_[contact].device.answers;
+            const std::vector<size_t>& own = contacts_[contact].device->answers;
             std::vector<size_t>& all = answers[groups.First(contact)];
             all.insert(all.end(), own.begin(), own.end());
         }
         std::vector<FoundDevice> devices;
         for (size_t first = 0; first < contacts_.size(); ++first) {
             if (answers[first].empty()) continue;
-            Contact& group = contacts_[first];
-            if (answers[first].size() > group.device.answers.size()) {
-                std::sort(answers[first].begin(), answers[first].end());
-                group.device = Describe(std::move(answers[first]));
-                // Keeps all identities of the device, even if later answers replaced some of them.
-                group.device.identity = groups.IdentityOf(first);
-                group.device.merges.assign(group.merges.begin(), group.merges.end());
+            const Contact& group = contacts_[first];
+            if (answers[first].size() == group.device->answers.size()) {
+                devices.push_back(*group.device);
+                continue;
             }
-            devices.push_back(std::move(group.device));
+            std::sort(answers[first].begin(), answers[first].end());
+            FoundDevice& device = devices.emplace_back(Describe(std::move(answers[first])));
+            // Keeps all identities of the device, even if later answers replaced some of them.
+            device.identity = groups.IdentityOf(first);
+            device.merges.assign(group.merges.begin(), group.merges.end());
         }
         return devices;
     }
