@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <numeric>
 
 #include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
@@ -268,20 +268,21 @@ TEST_F(StandingTest, ChangesAreOfWholeReadings) {
     EXPECT_EQ("idle", log.Changes()[0].after);
 }
 
-using State = ProtocolState;
-
-// The states by "SNMPv1", "SNMPv1, IPv6" and so on.
-std::map<std::string, State> States(const Scan& scan, const std::vector<Reading>& readings,
-                                    const std::vector<size_t>& running) {
-    std::vector<size_t> answers;
-    for (size_t index = 0; index < scan.answers.size(); ++index) answers.push_back(index);
-    std::map<std::string, State> states;
+// "SNMPv1 answered;SNMPv1 IPv6 silent: why;"
+std::string Protocols(const Scan& scan, const std::vector<Reading>& readings,
+                      const std::vector<size_t>& running = {}) {
+    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
+    constexpr const char* kStates[] = {" answered", " no value", " refused",
+                                       " pending",  " silent",   " not asked"};
+    std::vector<size_t> answers(scan.answers.size());
+    std::iota(answers.begin(), answers.end(), size_t{0});
+    std::string all;
     for (const ProtocolLine& line : ProtocolsOf(scan, answers, readings, running)) {
-        const char* const names[] = {"SNMPv1", "SNMPv3", "WSD"};
-        states[names[static_cast<size_t>(line.kind)] + std::string(line.useIPv6 ? "6" : "")] =
-            line.state;
+        all += kNames[static_cast<size_t>(line.kind)];
+        all += std::string(line.useIPv6 ? " IPv6" : "") + kStates[static_cast<size_t>(line.state)];
+        all += (line.note.empty() ? "" : ": ") + line.note + ";";
     }
-    return states;
+    return all;
 }
 
 ScanSweep Sweep(SweepKind kind, bool useIPv6 = false) {
@@ -302,17 +303,12 @@ TEST(Protocols, SayWhichSweepsADeviceAnswered) {
     scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV3),
                    Sweep(SweepKind::kSnmpV3, true)};
     scan.answers = {{0, "", "10.0.0.1", Received("")}};
-    using Map = std::map<std::string, State>;
-    EXPECT_EQ((Map{{"SNMPv1", State::kNoValue},
-                   {"SNMPv3", State::kSilent},
-                   {"SNMPv36", State::kPending},
-                   {"WSD", State::kNotAsked}}),
-              States(scan, {}, {2}));
+    EXPECT_EQ("SNMPv1 no value;SNMPv3 silent;SNMPv3 IPv6 pending;WSD not asked;",
+              Protocols(scan, {}, {2}));
     scan.answers.push_back({0, "", "10.0.0.1", Received("x")});
     scan.answers.push_back({2, "", "fe80::1", Received("x")});
-    EXPECT_EQ(State::kAnswered, States(scan, {}, {2})["SNMPv1"]);
-    EXPECT_EQ(State::kAnswered, States(scan, {}, {2})["SNMPv36"]);
-    EXPECT_EQ(State::kSilent, States(scan, {}, {2})["SNMPv3"]);
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 silent;SNMPv3 IPv6 answered;WSD not asked;",
+              Protocols(scan, {}, {2}));
 }
 
 // A device that answers may have no address there.
@@ -320,34 +316,32 @@ TEST(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
     scan.answers = {{0, "", "10.0.0.1", Received("x")}};
-    EXPECT_EQ(0u, States(scan, {}, {}).count("SNMPv16"));
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Protocols(scan, {}));
     scan.sweeps[1].search = 1;  // and it was stopped
-    EXPECT_EQ(0u, States(scan, {}, {}).count("SNMPv16"));
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Protocols(scan, {}));
     scan.answers.clear();
-    EXPECT_EQ(State::kNotAsked, States(scan, {}, {})["SNMPv16"]);
+    EXPECT_EQ("SNMPv1 silent;SNMPv1 IPv6 not asked;SNMPv3 not asked;WSD not asked;",
+              Protocols(scan, {}));
 }
 
 TEST(Protocols, SayWhyAReadingFailed) {
     Scan scan;
     scan.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};
     scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
-    const auto v3 = [&](Status status) {
-        const std::vector<Reading> readings = {Ended(SweepKind::kSnmpV3, status, "why")};
-        return ProtocolsOf(scan, {0}, readings, {}).at(1);
-    };
-    EXPECT_EQ(State::kRefused, v3(Status::kRefused).state);
-    EXPECT_EQ("why", v3(Status::kRefused).note);
-    EXPECT_EQ(State::kRefused, v3(Status::kOnlyDiscovered).state);
-    EXPECT_EQ(State::kNoValue, v3(Status::kAnswered).state);
-    EXPECT_EQ(State::kSilent, v3(Status::kSendFailed).state) << "to the sweep";
+    for (const auto& [status, state] : {std::pair(Status::kRefused, "refused"),
+                                        {Status::kOnlyDiscovered, "refused"},
+                                        {Status::kAnswered, "no value"},
+                                        {Status::kSendFailed, "silent"}})  // to the sweep
+        EXPECT_EQ("SNMPv1 not asked;SNMPv3 " + std::string(state) + ": why;WSD answered;",
+                  Protocols(scan, {Ended(SweepKind::kSnmpV3, status, "why")}));
     // Not swept by SNMPv1, but read.
-    std::vector<Reading> readings = {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "no answer")};
-    EXPECT_EQ(State::kSilent, States(scan, readings, {})["SNMPv1"]);
-    readings[0].end.isStopped = true;  // by the user
-    EXPECT_EQ(State::kNotAsked, States(scan, readings, {})["SNMPv1"]);
-    readings = {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "no answer", "fe80::1")};
-    EXPECT_EQ(State::kNotAsked, States(scan, readings, {})["SNMPv1"]);
-    EXPECT_EQ(State::kSilent, States(scan, readings, {})["SNMPv16"]);
+    Reading reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why");
+    EXPECT_EQ("SNMPv1 silent: why;SNMPv3 silent;WSD answered;", Protocols(scan, {reading}));
+    reading.end.isStopped = true;  // by the user
+    EXPECT_EQ("SNMPv1 not asked;SNMPv3 silent;WSD answered;", Protocols(scan, {reading}));
+    reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why", "fe80::1");
+    EXPECT_EQ("SNMPv1 not asked;SNMPv1 IPv6 silent: why;SNMPv3 silent;WSD answered;",
+              Protocols(scan, {reading}));
 }
 
 // A variable that came after the sweep is an answer; that sweeps of it exist is no request.
@@ -356,11 +350,10 @@ TEST(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
     scan.sweeps = {Sweep(SweepKind::kWsd),
                    {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
     scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
-    EXPECT_EQ(State::kNotAsked, States(scan, {}, {})["SNMPv1"]);
+    EXPECT_EQ("SNMPv1 not asked;SNMPv3 not asked;WSD answered;", Protocols(scan, {}));
     scan.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
-    const std::vector<Reading> readings = {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "silent")};
-    EXPECT_EQ(State::kAnswered, States(scan, readings, {})["SNMPv1"]);
-    EXPECT_EQ("silent", ProtocolsOf(scan, {0, 1}, readings, {}).at(0).note);
+    EXPECT_EQ("SNMPv1 answered: why;SNMPv3 not asked;WSD answered;",
+              Protocols(scan, {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why")}));
 }
 
 }  // namespace
