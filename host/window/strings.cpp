@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "platform/wide_text.h"
 #include "values/utc_time.h"
 
@@ -37,6 +39,12 @@ std::wstring Text(unsigned id) {
         LoadStringW(GetModuleHandleW(nullptr), id, reinterpret_cast<wchar_t*>(&text), 0);
     std::wstring copy(text ? text : L"", static_cast<size_t>(length > 0 ? length : 0));
     return textChange ? textChange(std::move(copy)) : copy;
+}
+
+std::wstring HeadingText(unsigned id) {
+    std::wstring text = Text(id);
+    text.erase(std::remove(text.begin(), text.end(), L'&'), text.end());
+    return text;
 }
 
 std::wstring Text(unsigned id, std::initializer_list<std::wstring> values) {

@@ -13,6 +13,8 @@
 namespace vndiscover::host {
 
 std::wstring Text(unsigned id);
+// Without the mark of the letter that selects it in a menu.
+std::wstring HeadingText(unsigned id);
 // Replaces %1 to %9, and "[one|many]" by one of them, as the number before it asks. What a value
 // contains is not replaced again.
 std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);

@@ -21,17 +21,6 @@ constexpr int kValue = 1;  // the column after the one that names the row
 
 int CountColumns(HWND list) { return Header_GetItemCount(ListView_GetHeader(list)); }
 
-std::wstring HeadingOf(HWND list, int column) {
-    wchar_t text[80] = L"";
-    LVCOLUMNW heading = {};
-    heading.mask = LVCF_TEXT;
-    heading.pszText = text;
-    heading.cchTextMax = 80;
-    SendMessageW(list, LVM_GETCOLUMNW, static_cast<WPARAM>(column),
-                 reinterpret_cast<LPARAM>(&heading));
-    return text;
-}
-
 // AltGr, which types letters, is Ctrl and Alt.
 bool IsControlDown() { return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0; }
 
@@ -107,16 +96,16 @@ void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
     for (int count = CountColumns(list_); count > 0; --count)
         ListView_DeleteColumn(list_, count - 1);
     fitted_ = values_ = -1;
-    WPARAM index = 0;
+    headings_.clear();
     for (const ListColumn& each : columns) {
+        const size_t index = headings_.size();
         if (each.heading == IDS_FACT_VALUE) values_ = static_cast<int>(index);
-        std::wstring heading = Text(each.heading);
-        heading.erase(std::remove(heading.begin(), heading.end(), L'&'), heading.end());
+        headings_.push_back(HeadingText(each.heading));
         LVCOLUMNW column = {};
         column.mask = LVCF_TEXT | LVCF_WIDTH;
         column.cx = Scaled(each.width, dpi_);
-        column.pszText = heading.data();
-        SendMessageW(list_, LVM_INSERTCOLUMNW, index++, reinterpret_cast<LPARAM>(&column));
+        column.pszText = headings_.back().data();
+        SendMessageW(list_, LVM_INSERTCOLUMNW, index, reinterpret_cast<LPARAM>(&column));
     }
 }
 
@@ -212,7 +201,8 @@ std::wstring ListControl::SelectedText() const {
 std::wstring ListControl::TableText(bool hasHeadings) const {
     std::wstring table;
     if (hasHeadings)
-        table = LineOf(ShownOrder(), [&](int column) { return HeadingOf(list_, column); });
+        table = LineOf(ShownOrder(),
+                       [&](int column) { return headings_[static_cast<size_t>(column)]; });
     for (size_t row = 0; row < model_.Count(); ++row) table += RowText(row);
     return table;
 }
@@ -366,11 +356,8 @@ bool ListControl::FindMenuPlace(LPARAM place, MenuPlace& found) const {
 void ListControl::ShowCopyMenu(LPARAM place) {
     MenuPlace found = {};
     if (!FindMenuPlace(place, found)) return;
-    std::vector<std::wstring> headings(static_cast<size_t>(CountColumns(list_)));
-    for (size_t column = 0; column < headings.size(); ++column)
-        headings[column] = HeadingOf(list_, static_cast<int>(column));
     const OwnedMenu menu =
-        MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings);
+        MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings_);
     int command =
         TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON | TPM_RETURNCMD | TPM_NONOTIFY, found.point.x,
                        found.point.y, 0, GetAncestor(list_, GA_ROOT), nullptr);

@@ -141,6 +141,7 @@ class ListControl {
     bool isChanging_ = false;  // by a call
     int reported_ = -1;        // the selected row that the model knows of
     int values_ = -1;          // the column of values; -1: none
+    std::vector<std::wstring> headings_;
     // The column that has the rest of the width, and its widths with and without it.
     int fitted_ = -1, fittedWidth_ = 0, ownWidth_ = 0;
 };

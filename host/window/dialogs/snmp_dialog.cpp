@@ -118,8 +118,6 @@ class SnmpDialog : public Dialog {
         return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
     }
 
-    std::wstring ProfileName() const { return FieldText(IDC_PROFILE); }
-
     void ListProfiles() {
         names_ = ProfileNames();
         Send(IDC_PROFILE, CB_RESETCONTENT);
@@ -170,12 +168,12 @@ class SnmpDialog : public Dialog {
         for (const auto& [id, isUsed] :
              {std::pair(IDC_AUTH_PASSWORD, hasAuth), std::pair(IDC_PRIV, hasAuth),
               std::pair(IDC_PRIV_PASSWORD, hasPriv),
-              std::pair(IDC_PROFILE_DELETE, IsSaved(ProfileName()))})
+              std::pair(IDC_PROFILE_DELETE, IsSaved(FieldText(IDC_PROFILE)))})
             EnableWindow(Item(id), isUsed);
     }
 
     void Delete() {
-        const std::wstring name = ProfileName();
+        const std::wstring name = FieldText(IDC_PROFILE);
         if (!IsSaved(name) || ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}),
                                           MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES)
             return;
@@ -224,7 +222,7 @@ class SnmpDialog : public Dialog {
     }
 
     void Finish() {
-        const std::wstring typed = FieldText(IDC_COMMUNITY), name = ProfileName();
+        const std::wstring typed = FieldText(IDC_COMMUNITY), name = FieldText(IDC_PROFILE);
         auto communities = ParseCommunities(ToUtf8(typed));
         if (!communities) return ShowMistake(IDC_COMMUNITY, IDS_SNMP_BAD_COMMUNITY);
         std::shared_ptr<Security> user = TypedUser();

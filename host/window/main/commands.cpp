@@ -85,7 +85,7 @@ void UseLow(Window& w) { w.panes.UseLow(); }
 // The menus of the bar, each with its commands. The first ones are in none. The columns are
 // commands of IDS_MENU_VIEW.
 constexpr Command kTable[] = {
-    {IDC_FIND, {}, nullptr, [](Window& w) { w.FindOrStop(); }},
+    {IDC_FIND, {}, nullptr, [](Window& w) { w.state.IsBusy() ? w.StopAll() : w.searches.Start(); }},
     {IDCANCEL, {}, nullptr, Escape},  // Esc, in any control
     {IDM_NEXT_PAGE, Ctrl(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(1); }},
     {IDM_PREVIOUS_PAGE, CtrlShift(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(-1); }},

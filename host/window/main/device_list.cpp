@@ -31,12 +31,6 @@ static_assert(CountHeadings() == kColumnCount, "each column has a heading");
 
 }  // namespace
 
-std::wstring ColumnName(Column column) {
-    std::wstring name = Text(IDS_COLUMN_NAME + static_cast<unsigned>(column));
-    name.erase(std::remove(name.begin(), name.end(), L'&'), name.end());
-    return name;
-}
-
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile) {
     const std::string& text = row.Text(column);
     return InfoOf(column).look != ColumnInfo::Look::kTime ? ToWide(text)
@@ -118,10 +112,6 @@ void DeviceList::MarkSorted() {
         if (item.fmt != old)
             SendMessageW(header, HDM_SETITEMW, index, reinterpret_cast<LPARAM>(&item));
     }
-}
-
-void DeviceList::Create() {
-    ListControl::Create(state_.window, IDC_DEVICES, Text(IDS_DEVICES), true);
 }
 
 void DeviceList::Show() {

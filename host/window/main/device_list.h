@@ -14,9 +14,6 @@
 
 namespace vndiscover::host {
 
-// The heading of a column.
-std::wstring ColumnName(Column column);
-
 // A cell as it is shown; in a file, times are whole.
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = false);
 
@@ -24,8 +21,6 @@ class DeviceList : private ListModel, public ListControl {
   public:
     explicit DeviceList(WindowState& state)  // which must outlive it
         : ListControl(static_cast<ListModel&>(*this)), state_(state) {}
-    // A child of the state's window, which destroys it.
-    void Create();
 
     // What a user without settings gets.
     static void SetDefaults(Settings& settings);

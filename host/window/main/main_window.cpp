@@ -288,11 +288,6 @@ void MainWindow::OnCommand(int id, int code) {
     }
 }
 
-void MainWindow::FindOrStop() {
-    if (state.IsBusy()) return StopAll();
-    searches.Start();
-}
-
 void MainWindow::StopAll() {
     if (!state.IsBusy()) return;
     state.workers->Stop();

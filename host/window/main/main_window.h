@@ -45,7 +45,6 @@ class MainWindow {
     WalkWindow walk{state.workers};
     DoctorWindow doctor;
     CallsWindow calls;
-    void FindOrStop();
     void StopAll();                       // if something is in progress
     void RestartTimer(unsigned minutes);  // which searches again; 0: never
 

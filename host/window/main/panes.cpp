@@ -18,7 +18,7 @@ void Panes::Create() {
     const HWND window = state_.window;
     bar.Create(window);
     CreateControl(window, L"STATIC", IDS_DEVICES, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_DEVICES_LABEL);
-    list.Create();
+    list.Create(window, IDC_DEVICES, Text(IDS_DEVICES), true);
     CreateControl(window, L"STATIC", IDS_DETAILS, SS_NOPREFIX | SS_ENDELLIPSIS, IDC_DETAILS_LABEL);
     details.Create(window);
     const HWND status =

@@ -196,7 +196,8 @@ bool ScanCommands::SaveCsvTo(const std::string& path) {
     const std::vector<Column> columns = list_.Columns();
     std::vector<std::wstring> headings;
     headings.reserve(columns.size());
-    for (const Column column : columns) headings.push_back(ColumnName(column));
+    for (const Column column : columns)
+        headings.push_back(HeadingText(IDS_COLUMN_NAME + static_cast<unsigned>(column)));
     const DeviceView& view = state_.session.view;
     const auto cell = [&](size_t row, size_t column) {
         return ShownText(view.Row(row), columns[column], true);

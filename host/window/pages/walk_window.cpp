@@ -55,7 +55,8 @@ void WalkWindow::OnEnded(unsigned walk, const WalkEnd& end, const std::string& p
     state_ = State::kIdle;
     SetItem(IDC_WALK_START, Text(IDS_WALK_START));
     const std::wstring count = std::to_wstring(values_.size());
-    ShowState(problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
+    SetItem(IDC_WALK_STATE,
+            problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
     ListDialog::Refresh();
 }
 
@@ -63,9 +64,9 @@ void WalkWindow::Refresh() {
     if (!IsOpen() || state_ == State::kIdle) return;
     ListDialog::Refresh();
     const std::wstring seconds = std::to_wstring((GetTickCount64() - startMs_) / 1000);
-    ShowState(state_ == State::kWaiting
-                  ? Text(IDS_WALK_WAITING, {seconds})
-                  : Text(IDS_WALKING, {std::to_wstring(values_.size()), seconds}));
+    SetItem(IDC_WALK_STATE, state_ == State::kWaiting
+                                ? Text(IDS_WALK_WAITING, {seconds})
+                                : Text(IDS_WALKING, {std::to_wstring(values_.size()), seconds}));
 }
 
 void WalkWindow::Begin() {
@@ -73,7 +74,7 @@ void WalkWindow::Begin() {
     OnFonts();
     SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
     SetItem(IDC_WALK_ROOT, kDefaultRoot);
-    ShowState(Text(IDS_WALK_READY));
+    SetItem(IDC_WALK_STATE, Text(IDS_WALK_READY));
 }
 
 // The worker may still wait for its last answer.
@@ -95,7 +96,7 @@ void WalkWindow::Start() {
     const auto root = ParseOidOrName(ToUtf8(text));
     const Oid start = root ? WalkStart(*root) : Oid();
     if (!root || !FitsRequest(start) || IsMisencoded(start)) {
-        ShowState(Text(root ? IDS_WALK_NO_ROOT : IDS_WALK_BAD_ROOT, {text}));
+        SetItem(IDC_WALK_STATE, Text(root ? IDS_WALK_NO_ROOT : IDS_WALK_BAD_ROOT, {text}));
         SetFocus(Item(IDC_WALK_ROOT));
         return;
     }
@@ -118,8 +119,6 @@ void WalkWindow::OnSelected() {
     EnableWindow(Item(IDC_WALK_COPY_ROW), list_.Selected() >= 0);
     EnableWindow(Item(IDC_WALK_COPY_ALL), Count() != 0);
 }
-
-void WalkWindow::ShowState(const std::wstring& text) { SetItem(IDC_WALK_STATE, text); }
 
 std::wstring WalkWindow::CellText(size_t row, size_t column) const {
     const Answer& answer = values_[row];

@@ -186,11 +186,7 @@ inline void ClickHeading(HWND list, int column) {
     SendMessageW(GetParent(list), WM_NOTIFY, click.hdr.idFrom, reinterpret_cast<LPARAM>(&click));
 }
 
-inline std::wstring TextOf(HWND window) {
-    wchar_t text[300] = L"";
-    GetWindowTextW(window, text, 300);
-    return text;
-}
+inline std::wstring TextOf(HWND window) { return WindowText(window); }
 
 // The visible window that this one owns; null if there is none.
 inline HWND PopupOf(HWND owner) {
