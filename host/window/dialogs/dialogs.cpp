@@ -112,8 +112,11 @@ void CentreOnOwner(HWND window) {
 }
 
 bool Dialog::Ask(HWND owner, int resource) {
-    return DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
-                           DialogProcedure<Dialog>, reinterpret_cast<LPARAM>(this)) == TRUE;
+    const INT_PTR end =
+        DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
+                        DialogProcedure<Dialog>, reinterpret_cast<LPARAM>(this));
+    if (end == -1) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
+    return end == TRUE;
 }
 
 std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
@@ -174,7 +177,7 @@ void ListDialog::OpenDialog(HWND owner, Form form) {
                            DialogProcedure<Dialog>,
                            reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
     }
-    if (!dialog_) return;
+    if (!dialog_) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
     ShowWindow(dialog_, SW_SHOW);
     SetActiveWindow(dialog_);
 }

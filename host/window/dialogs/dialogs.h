@@ -48,7 +48,8 @@ class Dialog {
     void OnException() noexcept { ShowException(dialog_, false); }
 
   protected:
-    // Shows it until it is ended. Returns false if that was with FALSE.
+    // Shows it until it is ended. Returns false if that was with FALSE. Throws std::runtime_error
+    // if the system cannot make it, as OpenDialog below.
     bool Ask(HWND owner, int resource);
     HWND Item(int id) const { return GetDlgItem(dialog_, id); }
     void SetItem(int id, const std::wstring& text) const { ChangeText(Item(id), text); }

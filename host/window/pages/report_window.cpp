@@ -16,7 +16,7 @@ void ReportWindow::Open(HWND owner, const std::wstring& title, const Report& rep
     OpenDialog(owner, {IDD_REPORT, title, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 400}}});
     Show(report);
     list_.Select(0);
-    if (IsOpen()) OnSelected();
+    OnSelected();
 }
 
 void ReportWindow::Show(const Report& report) {

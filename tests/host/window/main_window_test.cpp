@@ -99,7 +99,7 @@ TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", TextOf(Control(IDC_STATUS)));
-    EXPECT_FALSE(window_->searches.Repeat());
+    ASSERT_FALSE(window_->searches.Repeat());
     EXPECT_EQ(0, engine_.sweeps + engine_.reads);
     Command(IDC_FIND);
     EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
