@@ -76,8 +76,9 @@ bool IsState(const Oid& oid) {
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
     if (answers.empty()) return {};
     if (answers.size() == 1) return {answers.front()};
-    std::map<Question, size_t> sweeps;          // the last with an answer to it
-    std::map<Origin, size_t> readings, states;  // the last complete one, or one with a state
+    std::map<Question, size_t> sweeps;  // the last with an answer to it
+    // The last one that replaces all by a protocol, or one with a state.
+    std::map<Origin, size_t> readings, states;
     const auto latest = [](auto& known, const auto& key, size_t sweep) {
         size_t& last = known.try_emplace(key, sweep).first->second;
         last = std::max(last, sweep);
@@ -87,7 +88,10 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
         latest(sweeps, QuestionOf(sweep, answer, sweep.isCut), answer.sweep);
         if (!IsVariable(sweep)) continue;
-        if (sweep.isComplete) latest(readings, OriginOf(sweep, answer), answer.sweep);
+        for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
+            if (sweep.isComplete || (sweep.isList && kind != sweep.kind))
+                latest(readings, Origin(answer.address, kind, true), answer.sweep);
+        }
         if (IsState(answer.answer.oid)) latest(states, OriginOf(sweep, answer), answer.sweep);
     }
     const auto isFormer = [](const auto& known, const auto& key, size_t sweep) {
@@ -102,9 +106,11 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
             isFormer(sweeps, QuestionOf(sweep, answer, true), answer.sweep))
             continue;
         if (IsVariable(sweep)) {
-            const Origin origin = OriginOf(sweep, answer);
-            if (isFormer(readings, origin, answer.sweep)) continue;
-            if (IsOfState(answer.answer.oid) && isFormer(states, origin, answer.sweep)) continue;
+            const Origin byProtocol(answer.address, sweep.kind, true);
+            if (isFormer(readings, byProtocol, answer.sweep)) continue;
+            if (IsOfState(answer.answer.oid) &&
+                isFormer(states, OriginOf(sweep, answer), answer.sweep))
+                continue;
         }
         current.push_back(index);
     }

@@ -35,6 +35,7 @@ struct ScanSweep {
     // It ran to its end; or for kVariable, everything that is read of a device was read.
     bool isComplete{};
     bool isCut{};    // for kVariable: the reading ended early
+    bool isList{};   // for kVariable: everything that a list shows of a device was read
     size_t login{};  // the caller's number of a community or user, from 1; 0: not known. Not saved
 };
 
@@ -76,9 +77,9 @@ Oid ObjectOf(const Oid& variable);
 
 // Those of the answers with these ascending indexes that no later one from the same address
 // replaces. A sweep replaces the answers to the same question; a reading, by whichever protocol,
-// the variables of each object that it read, all if it is complete, or only those that it read if
-// it ended early; a state replaces alerts and the panel's text, and a column of supplies the
-// others.
+// the variables of each object that it read, all if it is complete, those by another protocol if
+// all that a list shows was read, or only those that it read if it ended early; a state replaces
+// alerts and the panel's text, and a column of supplies the others.
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
 
 // Removes the others, and sweeps without answers before the last search. Returns each answer's new

@@ -190,6 +190,7 @@ ScanSweep SweepOf(const cJSON* item) {
     if (Find(item, "search")) sweep.search = Member(item, "search").Number(SIZE_MAX);
     sweep.isComplete = cJSON_IsTrue(Find(item, "complete")) != 0;
     sweep.isCut = cJSON_IsTrue(Find(item, "cut")) != 0;
+    sweep.isList = cJSON_IsTrue(Find(item, "list")) != 0;
     return sweep;
 }
 
@@ -263,6 +264,7 @@ void AddSweep(cJSON* item, const ScanSweep& sweep) {
     if (sweep.search != 0) AddNumber(item, "search", sweep.search);
     if (sweep.isComplete) cJSON_AddBoolToObject(item, "complete", true);
     if (sweep.isCut) cJSON_AddBoolToObject(item, "cut", true);
+    if (sweep.isList) cJSON_AddBoolToObject(item, "list", true);
 }
 
 void AddAnswer(cJSON* item, const ScanAnswer& one, AnswerForm form) {

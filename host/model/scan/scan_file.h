@@ -9,7 +9,8 @@
 //
 // kind: snmpv1, snmpv3, wsd; form: value, document, variable, reply, added, as in scan.h. A sweep
 // of the form "value" has an "oid"; one of a search has its number as "search"; "complete" is true
-// if it ran to its end, "cut" if it is a reading that ended early. The bytes of an answer are
+// if it ran to its end, "cut" if it is a reading that ended early, "list" if
+// it read all that a list shows. The bytes of an answer are
 // "text" if JSON can hold them unchanged, otherwise "hex". An answer of the form "variable" also
 // has "oid" and "type", and "wholeSize" if it was cut. Numbers in "splits" and "devices" are
 // indexes of answers, from 0. The devices are for other programs; ReadScan derives them again.

@@ -77,6 +77,7 @@ void Session::AddReading(Results::Read read) {
     ScanSweep sweep = {kind, AnswerForm::kVariable, false, {}, read.time};
     sweep.isComplete = !read.isForList && isWhole;
     sweep.isCut = !isWhole;
+    sweep.isList = read.isForList && isWhole && !read.isStateOnly;
     sweep.login = NumberOf(read.target.login);
     scan_.sweeps.push_back(std::move(sweep));
     for (auto& [oid, variable] : read.answers.values) {

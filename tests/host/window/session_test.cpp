@@ -151,5 +151,22 @@ TEST_F(Sessions, ReadingIsOfTheProtocolThatWasAsked) {
     EXPECT_EQ(SweepKind::kSnmpV3, session_.TargetOf(row.answers)->Kind());
 }
 
+// With the second round of a list by another login.
+TEST_F(Sessions, WhatOnlyAFormerUserCouldReadGoes) {
+    const auto location = [&](std::shared_ptr<const Security> user, const char* name,
+                              bool isStateOnly) {
+        const AskTarget target = {"10.77.1.9", {"", std::move(user)}};
+        Results::Read round = {target, "", {}, true, false, isStateOnly};
+        const Oid oid = *ParseOidOrName(name);
+        round.answers.values[oid] = AnsweredWith(oid, kOctetString, "hall");
+        session_.AddReading(round);
+        session_.Refresh();
+        return session_.view.Row(0).facts->location;
+    };
+    EXPECT_EQ("hall", location(std::make_shared<const Security>(), "sysLocation.0", false));
+    EXPECT_EQ("hall", location(nullptr, "sysName.0", true));
+    EXPECT_EQ("", location(nullptr, "sysName.0", false));
+}
+
 }  // namespace
 }  // namespace vndiscover::host

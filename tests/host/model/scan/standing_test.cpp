@@ -138,6 +138,8 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     EXPECT_EQ("idle", State("10.0.0.1"));
     EXPECT_EQ(At(1), facts().readTime);
     EXPECT_EQ(At(0), facts().upTicksTime);
+    scan_.sweeps.back().isList = true;
+    EXPECT_EQ("", facts().upTicksTime) << "by a protocol that it is no longer asked by";
     scan_.sweeps.back().kind = SweepKind::kSnmpV3;  // and its user is removed
     Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
     EXPECT_EQ(0u, facts().supplies.size());
