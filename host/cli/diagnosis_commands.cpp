@@ -16,7 +16,7 @@ With HOST the device is sent one ping, one SNMPv1 request with this community,
 the SNMPv3 engine discovery (over IPv6 twice) and, if its engine answers, one
 SNMPv3 request with this user or an empty name; both requests are for the
 variable after sysDescr.0, and are repeated if no answer comes. This takes 45 s
-at most.
+at most, with a link-local address that lacks its zone some seconds more.
 
 Examples:
   vndiscover doctor
@@ -29,8 +29,7 @@ from finding it, or it does not answer, 2 wrong usage, 3 the requests could not
 be sent.)";
 
 constexpr char kPingExamples[] =
-    R"(An IPv4 address in dotted form is pinged over IPv4, an IPv6 address or a host
-name over IPv6.
+    R"(A name is pinged at its first IPv4 address, or without one at an IPv6 address.
 
 Examples:
   vndiscover ping 192.168.1.20
@@ -65,9 +64,8 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     v1.ChooseAdapter();
     const Device v3(
         {"", options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>()},
-        options.host);
+        address);
     DiagnosisSteps steps;
-    // The module pings names over IPv6, but sends its requests to their IPv4 addresses.
     steps.ping = [&] { return v1.Ping(); };
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
@@ -75,6 +73,8 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     steps.community = CommunityOf({options.community, nullptr});
     steps.address = address;
     steps.hasRoute = HasRoute(address);
+    const SweepWatch watch(StopDiscoverSnmp, [&] { return "asking " + options.host; });
+    steps.mayGoOn = steps.v1.mayGoOn = steps.v3.mayGoOn = [&] { return !watch.IsStopped(); };
     return Diagnose(steps);
 }
 
@@ -89,7 +89,7 @@ int RunOnHost(const DeviceOptions& options) {
     Print(options.format == Format::kJson ? HostJson(diagnosis, isOnOwnNetwork, options.host)
                                           : ReportText(report, OutputStyle()));
     if (IsUnsendable(diagnosis)) return kSendFailed;
-    return IsUsable(diagnosis) ? kFound : kNone;
+    return IsUsable(diagnosis) && isOnOwnNetwork != false ? kFound : kNone;
 }
 
 struct PingOptions {
@@ -99,7 +99,8 @@ struct PingOptions {
 
 int RunPing(const PingOptions& options) {
     WarnIfUnknown(options.host);
-    const bool hasAnswered = VxPing(ToAnsi(options.host).c_str(), options.timeoutMs) != 0;
+    const bool hasAnswered =
+        VxPing(ToAnsi(NumericHost(options.host)).c_str(), options.timeoutMs) != 0;
     Print(options.host + (hasAnswered ? " answered\n" : ": no answer\n"));
     return hasAnswered ? kFound : kNone;
 }

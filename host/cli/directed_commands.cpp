@@ -6,6 +6,7 @@
 #include "cli/variable_writer.h"
 #include "model/asking/walk.h"
 #include "model/scan/scan.h"
+#include "platform/this_computer.h"
 #include "values/object_names.h"
 #include "values/text.h"
 #include "values/utc_time.h"
@@ -106,10 +107,33 @@ struct Options : DeviceOptions {
 // Throws CLI::ValidationError. May prompt for passwords.
 Device OpenDevice(const Options& options) {
     if (!options.v3.isOn) CheckRequest("--community", options.community, kSystem);
-    const Device device({options.community, ResolveSecurity(options.v3)}, options.host);
+    const Login login = {options.community, ResolveSecurity(options.v3)};
     WarnIfUnknown(options.host);
-    return device;
+    return {login, NumericHost(options.host)};
 }
+
+// Counts requests for the status line; after a Ctrl-C, none is sent. The device must outlive it.
+class WatchedAsker {
+  public:
+    WatchedAsker(const Device& device, const std::string& host)
+        : asker(AskerOf(device)), watch_(StopDiscoverSnmp, [this, host] {
+              return "reading " + host + ": " + std::to_string(requests_) + " requests";
+          }) {
+        asker.mayGoOn = [this] { return !IsStopped(); };
+        asker.getNext = [this, ask = asker.getNext](const Oid& oid) {
+            Count();
+            return ask(oid);
+        };
+    }
+    void Count() { ++requests_; }
+    bool IsStopped() const { return watch_.IsStopped(); }
+
+    Asker asker;
+
+  private:
+    std::atomic<size_t> requests_{0};
+    const SweepWatch watch_;  // last: it shows the others
+};
 
 int ExitCodeOf(Status status) {
     if (status == Status::kSendFailed) return kSendFailed;
@@ -150,18 +174,25 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     VariableWriter writer(options.format == Format::kJson, options.withNames);
     int exitCode = kFound;
     bool isSilent = false;
-    const Asker asker = AskerOf(device);
-    PatientAsker patient(asker);
+    WatchedAsker watched(device, options.host);
+    PatientAsker patient(watched.asker);
+    const auto request = [&](const Oid& oid) {
+        watched.Count();
+        return (device.*ask)(oid);
+    };
     for (const Oid& oid : oids) {
+        if (watched.IsStopped()) break;
         const Answer answer = isSilent ? Failed(Status::kNoAnswer, oid)
-                                       : patient.Ask(oid, [&] { return (device.*ask)(oid); });
+                                       : patient.Ask(oid, [&] { return request(oid); });
         isSilent = answer.status == Status::kNoAnswer;  // it answers nothing
         Show(writer, answer);
         // A failed send outranks a missing answer.
         exitCode = std::max(exitCode, ExitCodeOf(answer.status));
     }
     Print(writer.End());
-    return exitCode;
+    if (!watched.IsStopped()) return exitCode;
+    Warn("stopped");
+    return std::max<int>(exitCode, kNone);
 }
 
 int RunGet(const Options& options) { return RunEach(options, &Device::Get); }
@@ -225,15 +256,17 @@ int RunWalk(const Options& options) {
     CheckOid(options, "ROOT", WalkStart(root));
     const Device device = OpenDevice(options);
     VariableWriter writer(options.format == Format::kJson, options.withNames);
-    const Asker asker = AskerOf(device);
+    const WatchedAsker watched(device, options.host);
     const WalkEnd end = WalkSubtree(
-        asker, root,
+        watched.asker, root,
         // False: the reader of a pipe has gone.
         [&](const Answer& answer) { return Print(writer.Row(answer)); },
         [&](const Answer& failure) { Show(writer, failure, "skipped what follows "); });
-    if (end.last.status != Status::kAnswered) Show(writer, end.last);
+    if (end.last.status != Status::kAnswered && !watched.IsStopped()) Show(writer, end.last);
     Print(writer.End());
-    return FinishWalk(end);
+    if (!watched.IsStopped()) return FinishWalk(end);
+    Warn("stopped");
+    return kNone;
 }
 
 int RunInfo(const Options& options) {
@@ -268,16 +301,8 @@ int RunPrinter(const Options& options) {
     const std::string start = UtcNow();
     PrinterAnswers answers;
     {
-        std::atomic<size_t> requests{0};
-        const SweepWatch watch(StopDiscoverSnmp, [&] {
-            return "reading " + options.host + ": " + std::to_string(requests) + " requests";
-        });
-        Asker asker = AskerOf(device);
-        asker.mayGoOn = [&] {  // called before each request
-            ++requests;
-            return !watch.IsStopped();
-        };
-        answers = ReadPrinter(asker, true);
+        const WatchedAsker watched(device, options.host);
+        answers = ReadPrinter(watched.asker, true);
     }
     if (answers.values.empty()) {
         Warn(options.host + ": " +

@@ -175,8 +175,12 @@ void ScanKeeper::AskDevices(const Login& login) {
         for (auto& [oid, answer] : read.values) AddAnswer({0, "", address, std::move(answer)});
     }
     scan_.sweeps.back().isComplete = whole == addresses.size() && leftOut_ == 0;
-    if (whole < addresses.size())
+    if (watch.IsStopped()) {
+        Warn("stopped: " + std::to_string(whole) + " of " + std::to_string(addresses.size()) +
+             " devices were read whole");
+    } else if (whole < addresses.size()) {
         Warn("devices that could not be read whole: " + std::to_string(addresses.size() - whole));
+    }
 }
 
 void ScanKeeper::Save() {

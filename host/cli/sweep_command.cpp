@@ -65,8 +65,10 @@ std::string ReadRequest(const SweepOptions& options) {
     const auto request = text ? PrepareRequest(*text, problem) : std::nullopt;
     if (!request) throw CLI::ValidationError("--json", "'" + options.jsonPath + "' " + problem);
     const JsonItem document = ParseDocument(*request);
-    for (const Oid& oid : OidsOf(document.get())) {
-        if (!options.v3.isOn) CheckRequest("--json", options.community, oid);
+    for (const std::string& name : OidTextsOf(document.get())) {
+        const auto oid = ParseOid(name);
+        if (!oid) Warn("'" + options.jsonPath + "': " + NotAnOid(name));
+        if (oid && !options.v3.isOn) CheckRequest("--json", options.community, *oid);
     }
     return *request;
 }
@@ -78,6 +80,10 @@ void CheckCsvPath(const std::string& path, bool isOurs) {
         throw CLI::ValidationError(
             "--csv",
             "the path has more than 259 characters, which only a sweep with --v3 can write");
+    std::string problem;
+    bool isBroken = false;
+    if (LoadScan(path, isBroken, problem))
+        throw CLI::ValidationError("--csv", "'" + path + "' is a scan, which it would replace");
     const OwnedStream file(_wfopen(SystemPath(path).c_str(), L"ab"));
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
 }

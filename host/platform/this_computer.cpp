@@ -212,10 +212,15 @@ Computer ThisComputer() {
 }
 
 std::string NumericHost(const std::string& host) {
-    if (host.find(':') != std::string::npos) return host;
-    const OwnedAddresses list = AddressesOf(host, AF_INET);
-    if (!list) return host;
-    return AddressText(reinterpret_cast<const sockaddr_in*>(list.Get()->ai_addr)->sin_addr);
+    if (ParseIpAddress(host)) return host;
+    for (const int family : {AF_INET, AF_INET6}) {
+        const OwnedAddresses list = AddressesOf(host, family);
+        char text[NI_MAXHOST] = {};
+        if (list && getnameinfo(list.Get()->ai_addr, static_cast<socklen_t>(list.Get()->ai_addrlen),
+                                text, sizeof text, nullptr, 0, NI_NUMERICHOST) == 0)
+            return text;
+    }
+    return host;
 }
 
 bool HasRoute(const std::string& address) {

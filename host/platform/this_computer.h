@@ -16,8 +16,9 @@ bool IsOnANetwork();
 // not exist or refuses access. Other firewall products are not covered.
 FirewallState ThisFirewall();
 
-// The IPv4 address of a name, dotted, as directed requests resolve it. Addresses, and names that
-// cannot be resolved, are returned unchanged. UTF-8. May take as long as a name server does.
+// The first IPv4 address of a name, otherwise its first IPv6 address: the module asks names at IPv4
+// addresses only, and pings them at IPv6 ones. Addresses, and names that cannot be resolved, are
+// returned unchanged. UTF-8. May take as long as a name server does.
 std::string NumericHost(const std::string& host);
 
 // Whether this computer has a route to the address. Sends nothing.

@@ -100,6 +100,7 @@ void PatientAsker::NoteAnswer(const Answer& answer) {
     hasAnswered_ = hasAnswered_ || answer.status != Status::kSendFailed;
     if (answer.status != Status::kAnswered) return;
     latest_ = answer.oid;
+    if (!IsNoValue(answer.type)) last_ = std::max(last_, answer.oid);
     for (auto& [asked, silence] : silent_) {
         if (latest_ <= asked) {
             silence.before = std::max(silence.before, latest_);
@@ -107,6 +108,14 @@ void PatientAsker::NoteAnswer(const Answer& answer) {
             silence.next = latest_;
         }
     }
+}
+
+bool PatientAsker::IsError(const Oid& oid, const Answer& answer, const Oid& beyond) {
+    const bool isRepeated =
+        answer.status == Status::kAnswered && answer.oid == oid && IsNoValue(answer.type);
+    if (asker_.isV3 || !isRepeated) return false;
+    if (last_ <= oid && beyond_ != beyond && !IsMisencoded(beyond)) GetNext(beyond_ = beyond);
+    return last_ > oid;
 }
 
 Answer PatientAsker::GetNextSoon(const Oid& oid) {

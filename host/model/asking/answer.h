@@ -49,6 +49,8 @@ Answer Failed(Status status, const Oid& asked, std::string note = "");
 // variables if they were requested, or follow what was.
 const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
 
+constexpr char kErrorAnswer[] = "an error instead of a value";
+
 // Whether other variables of the device may still be read.
 bool IsOnlyThisOne(const Answer& failure);
 
@@ -91,6 +93,10 @@ class PatientAsker {
     Answer GetNextSoon(const Oid& oid);
     // `ask` sends the request for `oid`.
     Answer Ask(const Oid& oid, const std::function<Answer()>& ask, bool isRepeated = true);
+    // Whether the answer is an error. Over SNMPv1 that repeats what was asked for, as the end of
+    // all variables does; but nothing comes after the end. If nothing has come so far, the variable
+    // after `beyond` is asked for, once.
+    bool IsError(const Oid& oid, const Answer& answer, const Oid& beyond);
 
   private:
     bool HasSign(const Oid& oid);
@@ -103,7 +109,8 @@ class PatientAsker {
         Oid before, next;  // the nearest variables that came; empty: none did
     };
     std::map<Oid, Silence> silent_;  // by what was asked for
-    Oid latest_;                     // variable that came
+    Oid latest_, last_;              // variables that came: the latest one, and by OID
+    Oid beyond_;                     // asked for what follows it
 };
 
 }  // namespace vndiscover::host

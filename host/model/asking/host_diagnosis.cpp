@@ -117,7 +117,7 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
 
 bool IsUsable(const HostDiagnosis& diagnosis) {
     return Answers(diagnosis.hasUser ? diagnosis.user : diagnosis.v1) && !IsLate(diagnosis) &&
-           diagnosis.sender.empty();
+           diagnosis.sender.empty() && !diagnosis.isStopped;
 }
 
 std::string SecondsText(int64_t ms) {

@@ -48,15 +48,12 @@ std::string RequestFor(const std::string& oid) {
     return "{\"DiscoverOID\":\"" + oid + "\",\"GET\":{\"" + oid + "\":\"\"}}";
 }
 
-std::vector<Oid> OidsOf(const cJSON* request) {
-    std::vector<Oid> oids;
+std::vector<std::string> OidTextsOf(const cJSON* request) {
+    std::vector<std::string> texts;
     const cJSON* const discovery = cJSON_GetObjectItem(request, "DiscoverOID");
-    const auto add = [&](const std::string& text) {
-        if (auto oid = ParseOid(text)) oids.push_back(std::move(*oid));
-    };
-    if (cJSON_IsString(discovery)) add(discovery->valuestring);
-    for (const auto& [name, value] : AnswersOf(request)) add(name);
-    return oids;
+    if (cJSON_IsString(discovery)) texts.emplace_back(discovery->valuestring);
+    for (const auto& [name, value] : AnswersOf(request)) texts.push_back(name);
+    return texts;
 }
 
 bool IsCutDocument(std::string_view document) {

@@ -18,7 +18,8 @@ std::optional<std::string> PrepareRequest(std::string_view text, std::string& pr
 
 std::string RequestFor(const std::string& oid);
 
-std::vector<Oid> OidsOf(const cJSON* request);
+// What devices are asked for; a mistyped name is no OID.
+std::vector<std::string> OidTextsOf(const cJSON* request);
 
 // Whether a filled-in document does not end within a result message, which cuts it.
 bool IsCutDocument(std::string_view document);

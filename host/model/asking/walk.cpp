@@ -1,7 +1,6 @@
 #include "model/asking/walk.h"
 
 #include <algorithm>
-#include <optional>
 #include <set>
 
 #include "values/object_names.h"
@@ -99,8 +98,8 @@ class Walk {
         while (end_.step == WalkStep::kVariable && !HasStopped()) {
             Oid asked = end_.at;
             end_.last = patient_.GetNext(asked);
-            if (IsError(asked, end_.last))
-                end_.last = Failed(Status::kUnreadable, asked, "an error instead of a value");
+            if (patient_.IsError(asked, end_.last, Beyond()))
+                end_.last = Failed(Status::kUnreadable, asked, kErrorAnswer);
             if (IsOnlyThisOne(end_.last)) {
                 const Answer failure = end_.last;
                 asked = Skip();
@@ -146,7 +145,7 @@ class Walk {
         const auto getsPast = [&](const Oid& way) {
             if (!isAlive()) return true;
             const Answer answer = HasStopped() ? outside : asker_.getNext(way);
-            const bool isError = IsError(way, answer);
+            const bool isError = patient_.IsError(way, answer, beyond);
             const bool isPast = answer.status == Status::kAnswered && !isError;
             if (!isPast && !isError && answer.status != Status::kUnreadable)
                 sign = patient_.GetNext(beyond);
@@ -164,20 +163,6 @@ class Walk {
         if (way != ways.end()) return *way;
         end_.last = outside;  // nothing after the variable can be reached
         return beyond;
-    }
-
-    // An SNMPv1 error answer repeats what was asked for, as the end of all variables does; but then
-    // there are none beyond the subtree.
-    bool IsError(const Oid& asked, const Answer& answer) {
-        const bool isRepeated = answer.status == Status::kAnswered && answer.oid == asked;
-        const Oid beyond = Beyond();
-        if (asker_.isV3 || !isRepeated || !IsNoValue(answer.type) || IsMisencoded(beyond))
-            return false;
-        if (!isMoreBeyond_) {
-            const Answer outside = patient_.GetNext(beyond);
-            isMoreBeyond_ = outside.status == Status::kAnswered && outside.oid > beyond;
-        }
-        return *isMoreBeyond_;
     }
 
     // What is asked for what follows the subtree.
@@ -216,7 +201,6 @@ class Walk {
     PatientAsker patient_;
     const Oid& root_;
     std::vector<Oid> seen_;
-    std::optional<bool> isMoreBeyond_;  // the device has variables there; empty: not yet asked
     WalkEnd end_;
 };
 

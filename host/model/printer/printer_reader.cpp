@@ -261,12 +261,14 @@ class Reader {
         const bool isOnlyThisOne = answer.status == Status::kRefused && !answers_.values.empty() &&
                                    (++refusals_ < kManyRefusals || Printer());
         if (isOnlyThisOne) return Failed(Status::kUnreadable, oid, Problem(answer));
+        const Oid* const object = StandardObjectOf(oid);
         // The silent variable may be behind a table that the device lacks, or the rest of it: then
         // none of it needs to be asked for.
-        const Oid* const object = StandardObjectOf(oid);
         if (answer.status == Status::kSilentHere && object && MayGoOn())
             patient_.GetNextSoon(EndOf(Head(*object, object->size() - 1)));
-        return answer;
+        const Oid afterMib2 = {1, 3, 6, 1, 2, 2};
+        const bool isError = MayGoOn() && patient_.IsError(oid, answer, afterMib2);
+        return isError ? Failed(Status::kUnreadable, oid, kErrorAnswer) : answer;
     }
 
     void Save(const Answer& answer) {

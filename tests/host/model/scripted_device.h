@@ -26,7 +26,7 @@ struct ScriptedDevice {
     std::map<Oid, std::pair<uint32_t, std::string>> variables;
     // The failure of a request, if any; empty or kAnswered means none.
     std::function<Status(const Oid&)> failure;
-    // Variables that no request gets: the failure of one that leads to them.
+    // Variables that no request gets: the failure of one that leads to them; kAnswered: an error.
     std::map<Oid, Status> withheld;
     size_t requests = 0;
 
@@ -55,9 +55,11 @@ struct ScriptedDevice {
         ++requests;
         const Status status = failure ? failure(asked) : Status::kAnswered;
         if (status != Status::kAnswered) return Failed(status, asked);
-        if (found != variables.end() && withheld.count(found->first))
-            return Failed(withheld.at(found->first), asked);
-        if (found == variables.end()) return AnsweredWith(asked, kNull, "");
+        const auto held = found == variables.end() ? withheld.end() : withheld.find(found->first);
+        if (held != withheld.end() && held->second != Status::kAnswered)
+            return Failed(held->second, asked);
+        if (found == variables.end() || held != withheld.end())
+            return AnsweredWith(asked, kNull, "");
         return AnsweredWith(found->first, found->second.first, found->second.second);
     }
 };

@@ -163,6 +163,7 @@ TEST_F(FleetTest, SlowOneOfThirtyHoldsTheOthersForSeconds) {
 TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsTwoRequests) {
     ScriptedDevice computer;
     computer.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");
+    computer.Text(".1.3.6.1.4.1.9999.1.0", "of its maker");
     ScriptedDevice& device = Add(std::move(computer));
     Finish();
     EXPECT_EQ(2u, device.requests);
