@@ -38,7 +38,7 @@ Find '*.sh'
 for file in "${files[@]}"; do bash -n "$file" || Die "see above"; done
 long=$(grep -rnE --include='*_test.*' 'TEST(_[FP])?\(\w+,\s*\w{46,}\)|def test_\w{46,}' tests || true)
 [ -z "$long" ] || Die "names of tests have 45 characters at most: $long"
-unpainted=$(grep -rlPz 'MoveWindow\([^;]*,\s*FALSE\);' host || true)
+unpainted=$(grep -rlPz 'MoveWindow\([^;]*,\s*(?i:FALSE|0)\s*\)' host || true)
 [ -z "$unpainted" ] || Die "MoveWindow(..., FALSE) leaves pixels of before; use Placement: $unpainted"
 [ "${1:-}" != --quick ] || exit 0
 

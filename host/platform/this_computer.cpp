@@ -153,6 +153,9 @@ using OwnedAddresses = Owned<ClosedBy<addrinfo*, freeaddrinfo>>;
 
 // Null if there are none.
 OwnedAddresses AddressesOf(const std::string& host, int family, int flags = 0) {
+    // A mistyped address such as "10.77.3" would be completed with a zero in its midst.
+    if (host.find_first_not_of("0123456789.") == std::string::npos && !ParseIpAddress(host))
+        return OwnedAddresses();
     static WSADATA data;
     [[maybe_unused]] static const int started = WSAStartup(MAKEWORD(2, 2), &data);
     addrinfo hints = {};

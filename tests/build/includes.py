@@ -50,7 +50,7 @@ for top, allowed in FOLDERS.items():
             continue
         for bracket, name in re.findall(r'^#include ([<"])([^>"]+)', path.read_text(encoding="utf-8"), re.MULTILINE):
             folder, _, file = name.rpartition("/")
-            if bracket == '"' or name == PUBLIC:
+            if bracket == '"' or name == PUBLIC or folder in allowed:
                 known = folder or (PUBLIC if file == PUBLIC else ".")
                 used.add((here, known))
                 if known not in allowed[here] | {here}:

@@ -172,7 +172,7 @@ class VisualCpp(unittest.TestCase):
         self.assertRegex(function, r"program\.manifest")
         self.assertRegex(function, r"if\(MSVC\)\s+target_link_options\(\$\{target\} PRIVATE /MANIFEST:NO\)\s+endif")
         for path in files("*.rc") + files("*.rc.in"):  # only that function gives a manifest
-            self.assertNotRegex(path.read_text(encoding="utf-8"), r"RT_MANIFEST|^\d+ 24 ", path)
+            self.assertNotRegex(path.read_text(encoding="utf-8"), r"(?m)RT_MANIFEST|^\d+ 24 ", path)
 
 
 if __name__ == "__main__":

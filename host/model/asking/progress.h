@@ -31,7 +31,10 @@ class Progress {
     void SetNetworks(size_t networks) { networks_ = networks; }  // that sweeps reach
 
     // One device is asked for its details or for why it is silent.
-    void BeginAsking(const std::string& address) { asked_ = {address, nowMs_()}; }
+    void BeginAsking(const std::string& address) {
+        asked_ = {address, nowMs_()};
+        isStopping_ = isStopping_ && isSearching_;  // it was asked for after the stop
+    }
     void EndAsking() { asked_ = {}; }
 
     // All devices are read, each for the list.

@@ -48,12 +48,12 @@ ProtocolState StateOf(const Reading& reading) {
 
 using Kind = Standing::Kind;
 
-std::string LastAnswerOf(const Scan& scan, const FoundDevice& device) {
+template <class IsCounted>  // bool IsCounted(AnswerForm)
+std::string LastAnswerOf(const Scan& scan, const FoundDevice& device, IsCounted isCounted) {
     std::string last;
     for (const size_t index : device.answers) {
         const ScanAnswer& answer = scan.answers[index];
-        if (scan.sweeps[answer.sweep].form != AnswerForm::kAdded)
-            last = std::max(last, answer.time);
+        if (isCounted(scan.sweeps[answer.sweep].form)) last = std::max(last, answer.time);
     }
     return last;
 }
@@ -126,15 +126,21 @@ std::vector<FoundDevice> PresentDevices(const Scan& scan) {
 Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* reading,
                     bool isBeingRead, const LastSearch& search) {
     Standing standing;
-    standing.lastAnswer = LastAnswerOf(scan, device);
-    if (search.HasMissed(scan, device.answers)) {
+    standing.lastAnswer =
+        LastAnswerOf(scan, device, [](AnswerForm form) { return form != AnswerForm::kAdded; });
+    // A device that answers sweeps, but not its reading, has no state that is known.
+    const std::string lastRead =
+        LastAnswerOf(scan, device, [](AnswerForm form) { return form == AnswerForm::kVariable; });
+    const bool hasEnd = reading && reading->time >= lastRead;
+    const bool isRefused = hasEnd && reading->IsRefused();  // a sweep cannot tell
+    if (search.HasMissed(scan, device.answers) && !isRefused) {
         standing.kind = Kind::kMissed;  // until it answers
     } else if (isBeingRead) {
         standing.kind = Kind::kBeingRead;
     } else {
         standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
         standing.isStateOnly = reading && reading->isStateOnly;
-        if (reading && reading->time >= standing.lastAnswer) SetEnd(standing, *reading);
+        if (hasEnd) SetEnd(standing, *reading);
     }
     return standing;
 }

@@ -6,7 +6,6 @@
 #include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
-#include "values/ranges.h"
 #include "values/utc_time.h"
 #include "window/controls/clipboard.h"
 #include "window/dialogs/dialogs.h"
@@ -24,13 +23,20 @@ void ReadAll(WindowState& state, const std::vector<AskTarget>& targets) {
     ReadSelected(state, false);  // whole
 }
 
-void ReadRows(WindowState& state, const std::vector<size_t>& rows) {
+// Without ending what is being read, or the search of the command line.
+void ReadSome(WindowState& state, const std::vector<AskTarget>& targets) {
+    if (!state.progress.IsSearching() && state.workers->Now().read.total == 0)
+        return ReadAll(state, targets);
+    for (const AskTarget& target : targets) state.workers->Ask(target, false);
+}
+
+std::vector<AskTarget> TargetsOf(const Session& session, const std::vector<size_t>& rows) {
     std::vector<AskTarget> targets;
     for (const size_t row : rows) {
-        if (auto target = state.session.TargetOf(state.session.view.Row(row).answers))
+        if (auto target = session.TargetOf(session.view.Row(row).answers))
             targets.push_back(*std::move(target));
     }
-    ReadAll(state, targets);
+    return targets;
 }
 
 }  // namespace
@@ -63,22 +69,21 @@ void ReadAdded(WindowState& state, const Results::Addresses& addresses,
     targets.reserve(addresses.size());
     for (const auto& [address, typed] : addresses)
         targets.push_back(state.session.TargetAt(address));
-    if (!state.progress.IsSearching() && state.workers->Now().read.total == 0) {
-        ReadAll(state, targets);
-    } else {  // it would end what is being read, or the search of the command line
-        for (const AskTarget& target : targets) state.workers->Ask(target, false);
-    }
+    ReadSome(state, targets);
     if (!unknown.empty()) state.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
 }
 
 std::vector<std::string> WebAddresses(const Session& session) {
     std::vector<std::string> addresses;
     for (const size_t row : session.view.Selection()) {
-        const auto* const index = FindIf(session.view.Row(row).answers, [&](size_t answer) {
-            const auto known = ParseIpAddress(session.GetScan().answers[answer].address);
-            return known && known->IsIPv4();
-        });
-        if (index) addresses.push_back(session.GetScan().answers[*index].address);
+        const ScanAnswer* latest = nullptr;  // its address may have changed
+        for (const size_t index : session.view.Row(row).answers) {
+            const ScanAnswer& answer = session.GetScan().answers[index];
+            const auto known = ParseIpAddress(answer.address);
+            if (known && known->IsIPv4() && (!latest || answer.time >= latest->time))
+                latest = &answer;
+        }
+        if (latest) addresses.push_back(latest->address);
     }
     return addresses;
 }
@@ -94,15 +99,16 @@ void CopyCell(WindowState& state, Column column) {
 }
 
 void ReadAgain(MainWindow& window) {
-    const std::vector<size_t> rows = window.state.session.view.Selection();
-    if (rows.size() > 1) return ReadRows(window.state, rows);
+    const Session& session = window.state.session;
+    const std::vector<size_t> rows = session.view.Selection();
+    if (rows.size() > 1) return ReadSome(window.state, TargetsOf(session, rows));
     ReadSelected(window.state, true);
 }
 
 void ReadShown(MainWindow& window) {
     std::vector<size_t> rows(window.state.session.view.Count());
     std::iota(rows.begin(), rows.end(), size_t{0});
-    ReadRows(window.state, rows);
+    ReadAll(window.state, TargetsOf(window.state.session, rows));
 }
 
 void DiagnoseDevice(MainWindow& window) {

@@ -20,7 +20,7 @@ bool ReadFound(WindowState& state);
 void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown);
 
 constexpr size_t kMaxWebPages = 10;  // at once
-// The first IPv4 address of each selected device that has one.
+// The latest IPv4 address of each selected device that has one.
 std::vector<std::string> WebAddresses(const Session& session);
 // A line for each selected row.
 void CopyCell(WindowState& state, Column column);

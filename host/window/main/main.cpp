@@ -51,7 +51,7 @@ constexpr struct Option {
          if (communities)
              options.communities.insert(options.communities.end(), communities->begin(),
                                         communities->end());
-         return communities.has_value();
+         return communities && !communities->empty();
      },
      IDS_SNMP_BAD_COMMUNITY},
     {"--look-for", nullptr,
@@ -83,6 +83,9 @@ std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& op
             return Text(IDS_BAD_VALUE, {ToWide(word), ToWide(words[index])}) +
                    (option->mistake ? L" " + Text(option->mistake) : L"");
     }
+    if (!options.savePath.empty() && !options.csvPath.empty() &&
+        IsSamePath(options.savePath, options.csvPath))
+        return Text(IDS_ONE_FILE, {ToWide(options.csvPath)});
     const bool needsSweep =
         options.exit || options.read || !options.savePath.empty() || !options.csvPath.empty();
     return needsSweep && !options.sweep ? Text(IDS_NO_SWEEP) : L"";
@@ -99,6 +102,8 @@ std::wstring CheckFiles(const StartOptions& options) {
     const std::string& path = options.savePath;
     std::string problem;
     bool isBroken = false;
+    if (!options.csvPath.empty() && LoadScan(options.csvPath, isBroken, problem))
+        return Text(IDS_IS_A_SCAN, {ToWide(options.csvPath)});
     const bool isOld = FileExists(path) && ReadFileText(path, 0, problem) != "";
     return isOld && !LoadScan(path, isBroken, problem) ? Text(IDS_NOT_A_SCAN, {ToWide(path)}) : L"";
 }

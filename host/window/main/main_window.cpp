@@ -289,7 +289,7 @@ void MainWindow::OnCommand(int id, int code) {
 }
 
 void MainWindow::StopAll() {
-    if (!state.IsBusy()) return;
+    if (!state.workers->IsBusy()) return;
     state.workers->Stop();
     state.progress.Stop();
     doctor.Stop(state.window);
@@ -315,7 +315,10 @@ void MainWindow::OnResults() {
         searches.Finish();
         panes.ShowDetails();  // protocols are no longer pending
     }
-    if (state.workers && !state.workers->IsBusy()) state.session.EndReadings();
+    if (state.workers && !state.workers->IsBusy()) {
+        state.session.EndReadings();
+        searches.EndReading();
+    }
     ShowStatus();
 }
 

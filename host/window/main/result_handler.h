@@ -34,14 +34,17 @@ class ResultHandler : public Results {
         if (!read.isForList) state_.progress.EndAsking();
         const Status status = read.answers.lastStatus;
         const bool isRefusal = status == Status::kRefused || status == Status::kOnlyDiscovered;
-        if (read.target.login.security && isRefusal)
-            state_.progress.SetNote(Text(
-                IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)}));
+        if (read.target.login.security && isRefusal) {
+            const std::wstring refusal = Text(
+                IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)});
+            state_.progress.SetNote(refusal);
+            if (state_.options.exit) state_.ReportProblem(refusal);
+        }
         state_.session.AddReading(std::move(read));
     }
     void OnReadAll(const Progress::Read& read) override {
         state_.progress.EndReadingAll(read);
-        w_.searches.EndReading();
+        state_.showRows();  // what came last too
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {
         state_.progress.BeginWalk(address);

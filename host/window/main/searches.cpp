@@ -59,9 +59,11 @@ void Searches::Start() {
 
 bool Searches::Repeat() {
     const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
-    if (!state_.workers || !state_.progress.HasSearched() || !state_.file.empty() || needsUser ||
-        !IsWindowEnabled(state_.window) || state_.IsBusy())
+    if (!state_.workers || !IsWindowEnabled(state_.window) || state_.IsBusy()) return false;
+    if (!state_.progress.HasSearched() || !state_.file.empty() || needsUser) {
+        state_.progress.SetNote(Text(needsUser ? IDS_NO_USER : IDS_NOT_REPEATED));
         return false;
+    }
     Start();
     return true;
 }
@@ -84,18 +86,18 @@ void Searches::Finish() {
     // Without a message, for which a list that is watched would wait.
     if (state_.isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
     state_.showRows();
-    if (state_.progress.IsStopping() || !state_.workers) return EndReading();
-    if (const auto target = state_.session.WhomToAskForARefusal(); target && !isScript)
+    if (state_.progress.IsStopping() || !state_.workers) return;
+    if (const auto target = state_.session.WhomToAskForARefusal())
         state_.workers->Ask(*target, true);
-    if (!ReadsFound() || !ReadFound(state_)) EndReading();
+    if (ReadsFound()) ReadFound(state_);
 }
 
 void Searches::EndReading() {
-    const bool wasStart = isForStart_;
+    if (!isForStart_ || isOver_ || state_.progress.IsSearching()) return;
     state_.showRows();  // what came last too
     EndStartSearch();
     if (!problem_.empty()) state_.ReportProblem(std::exchange(problem_, L""));
-    if (wasStart && state_.options.exit) PostMessageW(state_.window, WM_CLOSE, 0, 0);
+    if (state_.options.exit) PostMessageW(state_.window, WM_CLOSE, 0, 0);
 }
 
 void Searches::EndStartSearch() {

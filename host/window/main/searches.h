@@ -29,7 +29,7 @@ class Searches {
     // what it has found is read.
     bool IsOver() const { return isOver_; }
     void Finish();
-    // What was found has been read, or that was stopped: what the command line wants is saved.
+    // Nothing is in progress: if the command line's search was, what it wants is saved.
     void EndReading();
     // Whether the running search is that of the command line, whose answers are saved.
     bool WillSave() const;

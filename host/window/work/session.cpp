@@ -69,7 +69,7 @@ void Session::AddReading(Results::Read read) {
     if (const auto known = beingRead_.find(address); known != beingRead_.end())
         beingRead_.erase(known);
     isChanged_ = true;
-    if (read.isPostponed) return;
+    if (read.isPostponed || (read.answers.isStopped && read.answers.values.empty())) return;
     const SweepKind kind = read.target.Kind();
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};
@@ -262,7 +262,6 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
 }
 
 std::vector<AskTarget> Session::TargetsToRead() const {
-    const LastSearch search(scan_, isSearching_);
     std::vector<AskTarget> targets;
     for (const DeviceRow& row : view.AllRows()) {
         const auto target = TargetOf(row.answers);
@@ -270,7 +269,7 @@ std::vector<AskTarget> Session::TargetsToRead() const {
         // A computer that has only replied to a Probe is not asked.
         const bool hasAnswered = (target->isLoginKnown || !row.isNoPrinter) &&
                                  HasAnsweredHere(row.answers, target->address) &&
-                                 !search.HasMissed(scan_, row.answers);
+                                 HasAnsweredSearch(row.answers);
         if (isAdded || hasAnswered) targets.push_back(*target);
     }
     return targets;

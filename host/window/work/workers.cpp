@@ -100,12 +100,13 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
 }
 
 void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
-    const auto end = [this](const AskTarget& asked, PrinterAnswers answers) {
+    const auto end = [this](const AskTarget& asked, PrinterAnswers answers, bool isLate = false) {
         {
             const std::lock_guard<std::mutex> lock(mutex_);
             reading_.clear();
         }
-        Report(&Results::OnRead, Results::Read{asked, UtcNow(), std::move(answers)});
+        Report(&Results::OnRead, Results::Read{asked, UtcNow(), std::move(answers), false, isLate});
+        if (isLate) Ask(asked, false);
     };
     const auto fail = [end, target](const std::string& problem) {
         PrinterAnswers none;
@@ -114,19 +115,32 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
         none.gaps.push_back({"details", "", problem});
         end(target, std::move(none));
     };
-    const auto run = [this, target, end](const Stops& before) {
+    const auto run = [this, target, isSelected, end](const Stops& before) {
         Report(&Results::OnReadingBegan, target.address, false);
         AskTarget asked = target;
         PrinterAnswers answers;
+        bool isLate = false;
+        const auto watched = Watched(target.address, before, Order::kUrgent);
+        const auto mayGoOn = [&, start = std::chrono::steady_clock::now()] {
+            isLate = isSelected && IsSelectionWaiting() &&
+                     std::chrono::steady_clock::now() - start > std::chrono::seconds(3);
+            return !isLate && watched();
+        };
         do {
-            answers = engine_.Read(asked, Watched(target.address, before, Order::kUrgent));
-        } while (IsSilent(answers) && asked.UseNextCommunity());
-        end(asked, std::move(answers));
+            answers = engine_.Read(asked, mayGoOn);
+        } while (!isLate && IsSilent(answers) && asked.UseNextCommunity());
+        end(asked, std::move(answers), isLate);
     };
     Job job = {isUrgent ? Order::kUrgent : Order::kLater, KeyOf("read", target), run, fail};
     job.isReading = true;
     job.isSelected = isSelected;
     Add(WorkerId::kDirected, std::move(job));
+}
+
+// Whether another device was selected meanwhile.
+bool Workers::IsSelectionWaiting() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return AnyOf(LineOf(WorkerId::kDirected).jobs, [](const Job& job) { return job.isSelected; });
 }
 
 // Called before each request, it notes when that begins. Urgent jobs come before those of others.
@@ -343,7 +357,8 @@ void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool 
         const std::lock_guard<std::mutex> lock(mutex_);
         return !LineOf(worker).IsBusy();
     };
-    const auto workers = {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp};
+    // Looking up names may take long, and the directed one reads what the user selects.
+    const auto workers = {WorkerId::kWsd, WorkerId::kSnmp, WorkerId::kDirected};
     const auto* const idle = FindIf(workers, isIdle);
     Add(idle ? *idle : WorkerId::kDirected, std::move(job));
 }

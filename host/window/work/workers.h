@@ -103,6 +103,7 @@ class Workers {
     void EndRun(FleetRun& run);
     void StopRun();
     bool IsReadingAll() const { return run_ && !run_->isReported; }
+    bool IsSelectionWaiting();
     void NoteWait(const std::string& address);
     MayGoOn Watched(const std::string& address, const Stops& before, Order order);
     Line& LineOf(WorkerId worker) { return lines_[static_cast<size_t>(worker)]; }
