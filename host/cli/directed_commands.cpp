@@ -80,9 +80,9 @@ sent.)";
 
 constexpr char kPrinterExamples[] =
     R"(Reads the standard variables of a printer and explains them: model, serial
-number, state, alerts, page counts, supplies, trays, network interfaces. "!!"
-marks what is critical, "!" what needs attention. What the device does not
-provide is left out; what could not be read is listed with the reason. A device
+number, state, alerts, page counts, supplies, trays, network interfaces. On a
+console "!!" marks what is critical, "!" what needs attention. What the device
+does not provide is left out; what could not be read is listed with the reason. A device
 that stops answering is not asked any further; no request is sent after the
 first two minutes.
 
@@ -91,8 +91,8 @@ Examples:
   vndiscover printer 192.168.1.20 --community public --format json
   vndiscover printer 192.168.1.20 --v3 -u admin -a SHA256 -x AES
 
-Exit codes: 0 a printer, read completely, 1 no answer, no printer or cut short,
-2 wrong usage, 3 a request could not be sent.)";
+Exit codes: 0 a printer, except for what the report calls not read, 1 no answer,
+no printer or cut short, 2 wrong usage, 3 a request could not be sent.)";
 
 constexpr char kNamesHelp[] = "Show names, and words for numbers and bits";
 
@@ -173,7 +173,7 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     const Device device = OpenDevice(options);
     VariableWriter writer(options.format == Format::kJson, options.withNames);
     int exitCode = kFound;
-    bool isSilent = false;
+    Status silence = Status::kAnswered;
     WatchedAsker watched(device, options.host);
     PatientAsker patient(watched.asker);
     const auto request = [&](const Oid& oid) {
@@ -182,9 +182,10 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     };
     for (const Oid& oid : oids) {
         if (watched.IsStopped()) break;
-        const Answer answer = isSilent ? Failed(Status::kNoAnswer, oid)
+        const bool isSilent = silence == Status::kNoAnswer || silence == Status::kOnlyDiscovered;
+        const Answer answer = isSilent ? Failed(silence, oid)  // it answers nothing
                                        : patient.Ask(oid, [&] { return request(oid); });
-        isSilent = answer.status == Status::kNoAnswer;  // it answers nothing
+        silence = answer.status;
         Show(writer, answer);
         // A failed send outranks a missing answer.
         exitCode = std::max(exitCode, ExitCodeOf(answer.status));
@@ -247,7 +248,7 @@ int FinishWalk(const WalkEnd& end) {
              " with one that is not greater");
         return kNone;
     }
-    if (end.variables + end.skipped == 0) Warn("the device has no variables there");
+    if (end.variables + end.skipped == 0 && !end.edge) Warn("the device has no variables there");
     return end.variables > 0 ? kFound : kNone;
 }
 
@@ -262,6 +263,7 @@ int RunWalk(const Options& options) {
         // False: the reader of a pipe has gone.
         [&](const Answer& answer) { return Print(writer.Row(answer)); },
         [&](const Answer& failure) { Show(writer, failure, "skipped what follows "); });
+    if (end.edge) Show(writer, *end.edge, "not known to be the end: what follows ");
     if (end.last.status != Status::kAnswered && !watched.IsStopped()) Show(writer, end.last);
     Print(writer.End());
     if (!watched.IsStopped()) return FinishWalk(end);

@@ -161,7 +161,7 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
             const FleetDevice& device = fleet_.Devices()[devices_.at(address)];
             const auto known = device.answers.values.find(*ParseOidOrName(kPrinterObject));
             if (printer.facts.model.empty() && known != device.answers.values.end())
-                printer.facts.model = DeviceText(known->second.bytes, 0);
+                printer.facts.model = DeviceText(known->second.bytes);
             if (device.answers.lastStatus != Status::kAnswered) {
                 printer.problem = device.answers.lastProblem;
             } else if (!device.isRead) {
@@ -169,6 +169,10 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
             } else {
                 const bool hasState =
                     !printer.facts.printerStatus.empty() || printer.facts.errors.has_value();
+                const bool isUnread = AnyOf(device.answers.gaps, [](const Gap& gap) {
+                    return gap.subject == "supplies" && !gap.reason.empty();
+                });
+                if (isUnread) printer.problem = "supplies not read";
                 if (IsStateUnread(device.answers) && !hasState) printer.problem = "state not read";
                 if (printer.facts.gaps.empty()) SetGaps(printer.facts, device.answers.gaps);
             }

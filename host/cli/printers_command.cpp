@@ -131,7 +131,7 @@ void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
         CountIf(printers, [](const PrinterLine& printer) { return !printer.problem.empty(); });
     if (incomplete > 0)
         Warn("printers that could not be read whole: " + std::to_string(incomplete));
-    if (others > 0) Warn("devices that answered but are no printers: " + std::to_string(others));
+    if (others > 0) Warn("addresses that answered but are no printers: " + std::to_string(others));
     for (const std::string& refusal : finder.Refusals()) Warn(refusal);
     if (finder.IsStopped()) return;
     WarnAtEnd(false, printers.size(),

@@ -25,7 +25,10 @@ void AddValue(cJSON* element, const Answer& answer) {
     } else if (answer.type == kOctetString || answer.type == kOpaque) {
         AddOctets(element, answer.bytes);
     } else {
-        AddText(element, "value", FormatValue(answer.type, answer.bytes));
+        const std::string text = FormatValue(answer.type, answer.bytes);
+        AddText(element, "value", text);
+        if (!text.empty() && text == HexText(answer.bytes, " "))
+            AddText(element, "encoding", "hex");
     }
     if (answer.wholeSize > answer.bytes.size()) AddNumber(element, "wholeSize", answer.wholeSize);
 }

@@ -114,15 +114,6 @@ bool IsControl(uint32_t code) {
            (code >= 0x2060 && code <= 0x206F) || code == 0xFEFF;
 }
 
-bool IsUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const Character next = FirstCharacter(text);
-        if (!next.isUtf8) return false;
-        text.remove_prefix(next.bytes);
-    }
-    return true;
-}
-
 std::string_view WithoutZeroEnd(std::string_view bytes) {
     return bytes.substr(0, bytes.find_last_not_of('\0') + 1);
 }
@@ -159,15 +150,10 @@ std::string PlainText(std::string_view bytes, Breaks breaks) {
     return out;
 }
 
-std::string DeviceText(std::string_view bytes, int64_t characterSet) {
+std::string DeviceText(std::string_view bytes) {
     constexpr std::string_view kBlanks(" \t\r\n\0", 5);
     const size_t start = std::min(bytes.find_first_not_of(kBlanks), bytes.size());
-    bytes = bytes.substr(start, bytes.find_last_not_of(kBlanks) + 1 - start);
-    constexpr int64_t kLatin1 = 4;
-    if (characterSet != kLatin1 && IsUtf8(bytes)) return PlainText(bytes);
-    std::string utf8;
-    for (const char byte : bytes) AppendUtf8(utf8, static_cast<uint8_t>(byte));
-    return PlainText(utf8);
+    return PlainText(bytes.substr(start, bytes.find_last_not_of(kBlanks) + 1 - start));
 }
 
 bool IsPrintable(std::string_view bytes) {

@@ -62,9 +62,9 @@ enum class Breaks {
 // control characters, and marks that reverse or hide text, become U+FFFD.
 std::string PlainText(std::string_view bytes, Breaks breaks = Breaks::kFold);
 
-// One line of text in a character set that the device names by its MIBenum number. 4 is Latin-1;
-// any other is UTF-8 if all of the text is, otherwise Latin-1. The ends lose spaces and zero bytes.
-std::string DeviceText(std::string_view bytes, int64_t characterSet);
+// PlainText whose ends lose spaces and zero bytes. The character set that a device names is not
+// used: many send UTF-8 whatever they name, or cut it within a character.
+std::string DeviceText(std::string_view bytes);
 
 // True if the bytes are text rather than a binary value: no control characters except tabs, line
 // breaks and trailing zero bytes, and UTF-8 or at least mostly ASCII.

@@ -125,7 +125,9 @@ Answer PatientAsker::GetNextSoon(const Oid& oid) {
     if (after != silent_.begin()) {
         const auto& [failure, before, next] = std::prev(after)->second;
         leadsToSilence |= next.empty() || oid < next;
-        if (after != silent_.end() && (next.empty() || after->first < next)) return failure;
+        const bool isBetween = after != silent_.end() && after->second.before <= failure.oid &&
+                               (next.empty() || after->first < next);
+        if (isBetween) return failure;
     }
     return Ask(
         oid, [&] { return asker_.getNext(oid); }, !leadsToSilence);

@@ -69,7 +69,8 @@ std::string Cause(const HostDiagnosis& diagnosis) {
     return Answers(diagnosis.ping)
                ? "SNMP switched off, UDP port 161 blocked on the way, or community wrong and no "
                  "SNMPv3"
-               : "device switched off, another address, or a router or firewall on the way";
+               : "device switched off, another address, a router or firewall on the way, or pings "
+                 "ignored and community wrong";
 }
 
 // The result of a request, and the answer's sender if that is another address.

@@ -103,7 +103,9 @@ class Walk {
             if (IsOnlyThisOne(end_.last)) {
                 const Answer failure = end_.last;
                 asked = Skip();
-                if (end_.last.status == Status::kAnswered && end_.step != WalkStep::kEnd) {
+                if (end_.step == WalkStep::kEnd) {
+                    end_.edge = failure;
+                } else if (end_.last.status == Status::kAnswered) {
                     ++end_.skipped;
                     if (onSkipped) onSkipped(failure);
                 }

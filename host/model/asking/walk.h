@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "model/asking/answer.h"
@@ -29,6 +30,7 @@ struct WalkEnd {
     size_t variables = 0;             // passed on
     size_t skipped = 0;               // variables that could not be read
     bool isLeast = false;             // there may be more of them: whole subtrees were passed
+    std::optional<Answer> edge{};     // the failure to read what follows, which may be beyond
     std::string SkippedText() const;  // "3", "at least 3"
 };
 

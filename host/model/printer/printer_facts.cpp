@@ -29,7 +29,6 @@ class Facts {
 
     PrinterFacts Make() {
         FindPrinter();
-        FindCharacterSet();
         SetSystem();
         AddInterfaces();
         facts_.macAddress = MacAddress();
@@ -63,14 +62,10 @@ class Facts {
         return static_cast<uint64_t>(*number);
     }
 
-    // `characterSet`: of a localized description; names do not follow it.
-    std::string Text(const char* object, const Oid& instance, int64_t characterSet = 0) const {
+    std::string Text(const char* object, const Oid& instance) const {
         const Answer* answer = Find(object, instance);
         if (!answer || answer->type != kOctetString) return "";
-        return DeviceText(answer->bytes, characterSet);
-    }
-    std::string Description(const char* object, const Oid& instance) const {
-        return Text(object, instance, characterSet_);
+        return DeviceText(answer->bytes);
     }
 
     std::string Word(const char* object, const Oid& instance) const {
@@ -110,12 +105,6 @@ class Facts {
     uint32_t Index(const char* object, const Oid& instance) const {
         const int64_t number = Number(object, instance).value_or(0);
         return number > 0 && number <= UINT32_MAX ? static_cast<uint32_t>(number) : 0;
-    }
-
-    void FindCharacterSet() {
-        const uint32_t current = Index("prtGeneralCurrentLocalization", printer_);
-        characterSet_ =
-            Number("prtLocalizationCharacterSet", Append(printer_, {current})).value_or(0);
     }
 
     // Facts of the device, even if no printer was found.
@@ -174,7 +163,7 @@ class Facts {
                                     "prtMarkerSuppliesType"},
                                    printer_)) {
             Supply supply;
-            supply.description = Description("prtMarkerSuppliesDescription", row);
+            supply.description = Text("prtMarkerSuppliesDescription", row);
             supply.type = Word("prtMarkerSuppliesType", row);
             if (const uint32_t colorant = Index("prtMarkerSuppliesColorantIndex", row))
                 supply.colour = Text("prtMarkerColorantValue", Append(printer_, {colorant}));
@@ -196,10 +185,10 @@ class Facts {
 
     Level LevelOf(const char* object, const char* maximum, const char* unit, const Oid& row) const {
         Level level = {Signed(object, row), Signed(maximum, row), UnitText(unit, row)};
+        if (!level.level && Find(object, row)) level.missing = "unreadable";
         if (Number(unit, row) != kPercent) return level;
-        level.isPercent = (level.level <= 100 || level.maximum.value_or(0) <= 100) &&
-                          level.maximum != 1000 && level.maximum != 10000;
-        if (!level.isPercent) level.unit.clear();  // tenths or hundredths of a percent
+        level.isPercent = level.maximum.value_or(0) <= 100;
+        if (!level.isPercent) level.unit.clear();  // parts of a percent, or of something else
         return level;
     }
 
@@ -214,7 +203,7 @@ class Facts {
                                     "prtInputDescription"},
                                    printer_)) {
             facts_.trays.push_back(
-                {Given(Text("prtInputName", row), Description("prtInputDescription", row)),
+                {Given(Text("prtInputName", row), Text("prtInputDescription", row)),
                  Text("prtInputMediaName", row),
                  LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit",
                          row)});
@@ -232,8 +221,7 @@ class Facts {
         for (const Oid& row :
              Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"}, printer_)) {
             facts_.alerts.push_back({Word("prtAlertSeverityLevel", row), Word("prtAlertGroup", row),
-                                     Word("prtAlertCode", row),
-                                     Description("prtAlertDescription", row),
+                                     Word("prtAlertCode", row), Text("prtAlertDescription", row),
                                      Count("prtAlertTime", row)});
         }
         std::stable_partition(facts_.alerts.begin(), facts_.alerts.end(),
@@ -250,7 +238,6 @@ class Facts {
     const PrinterAnswers& answers_;
     PrinterFacts facts_;
     Oid printer_;  // its row in tables; empty: no printer was found
-    int64_t characterSet_ = 0;
 };
 
 }  // namespace

@@ -38,8 +38,6 @@ constexpr Question kQuestions[] = {
     {"hrDeviceStatus", kState, Way::kPrinter},
     {"hrPrinterStatus", kState, Way::kPrinter},
     {"hrPrinterDetectedErrorState", kState, Way::kPrinter},
-    {"prtGeneralCurrentLocalization", "character set", Way::kPrinter},
-    {"prtLocalizationCharacterSet", "character set"},
     {"prtGeneralPrinterName", "name", Way::kPrinter, true},
     {"prtGeneralSerialNumber", "serial number", Way::kPrinter, true},
     {"prtMarkerSuppliesColorantIndex", "supplies"},
@@ -71,6 +69,8 @@ constexpr Question kInterfaceQuestions[] = {
     {"ifAdminStatus", "interfaces"},
     {"ifDescr", "interfaces"},
 };
+// The Printer MIB of a device without a printer in the Host Resources MIB.
+constexpr Question kPrinterMib = {"prtGeneralCurrentLocalization", kState, Way::kFirst};
 // In a list only without a serial number, so that the printer's addresses can be merged.
 constexpr Question kMac[] = {
     {"ifType", "MAC address"},
@@ -129,7 +129,8 @@ class Reader {
     std::optional<uint32_t> Printer() const {
         const std::vector<uint32_t> listed = ListedPrinters(answers_);
         if (!listed.empty()) return listed.front();
-        for (const char* column : {"hrPrinterStatus", "hrPrinterDetectedErrorState"}) {
+        for (const char* column :
+             {"hrPrinterStatus", "hrPrinterDetectedErrorState", "prtGeneralCurrentLocalization"}) {
             const std::vector<Oid> rows = RowsOf(answers_, OidOf(column));
             if (!rows.empty()) return rows.front().front();
         }
@@ -333,6 +334,7 @@ bool IsStateUnread(const PrinterAnswers& answers) {
 PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces) {
     Reader reader(asker);
     reader.Read(kQuestions);
+    if (!reader.Printer()) reader.Read(kPrinterMib);
     reader.Read(kMac);
     reader.ReadEntitySerial(Way::kColumn);
     if (withInterfaces) reader.Read(kInterfaceQuestions);
@@ -344,6 +346,7 @@ PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
     reader.Read({"hrPrinterStatus", kState, Way::kFirst});  // its row also names the printer
     if (reader.IsStateUnread()) reader.Read({"hrPrinterDetectedErrorState", kState, Way::kFirst});
     if (!reader.Printer()) reader.Read({"hrDeviceType", kState, Way::kFirst});
+    if (!reader.Printer()) reader.Read(kPrinterMib);
     for (const char* object : {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
         if (reader.Printer()) reader.Read({object, kState, Way::kPrinter});
     for (const Question& question : kQuestions)

@@ -323,7 +323,9 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
         if (!percent || std::pair(*percent, severity) >= lowest) continue;
         lowest = {*percent, severity};
         summary.lowestSupply = percent;
-        summary.supply = PercentText(supply.level) + " " + SupplyName(supply);
+        summary.supply = Joined({supply.level.isReceptacle ? "room left" : "",
+                                 PercentText(supply.level), SupplyName(supply)},
+                                " ");
         summary.supplyColour = ColourWords(supply);
     }
     // It still prints, as far as its state tells.

@@ -121,8 +121,7 @@ class Collector {
     std::string TextWithin(const Oid& root) const {
         for (auto at = variables_.values.lower_bound(root);
              at != variables_.values.end() && IsWithin(at->first, root); ++at) {
-            std::string text =
-                at->second.type == kOctetString ? DeviceText(at->second.bytes, 0) : "";
+            std::string text = at->second.type == kOctetString ? DeviceText(at->second.bytes) : "";
             if (!text.empty()) return text;
         }
         return "";

@@ -100,7 +100,7 @@ TEST(Diagnosis, NamesWhatAnswersAndWhy) {
          "blocked on the way, or community wrong and no SNMPv3"},
         {"Silent", false, kNo, kNo, false, false,
          "neither ping, SNMPv1 nor SNMPv3 answers: device switched off, another "
-         "address, or a router or firewall on the way"},
+         "address, a router or firewall on the way, or pings ignored and community wrong"},
         {"RefusedUser", true, kYes, Status::kRefused, true, false,
          "ping, SNMPv1 and SNMPv3 answer; SNMPv3 refuses this user: unknown user"},
         {"DroppedUser", true, kYes, Status::kOnlyDiscovered, true, false,

@@ -160,13 +160,13 @@ TEST_F(FleetTest, SlowOneOfThirtyHoldsTheOthersForSeconds) {
     EXPECT_GT(10000, nowMs_);
 }
 
-TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsTwoRequests) {
+TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsThreeRequests) {
     ScriptedDevice computer;
     computer.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");
     computer.Text(".1.3.6.1.4.1.9999.1.0", "of its maker");
     ScriptedDevice& device = Add(std::move(computer));
     Finish();
-    EXPECT_EQ(2u, device.requests);
+    EXPECT_EQ(3u, device.requests);
     EXPECT_FALSE(fleet_.Devices()[0].severity);
 }
 

@@ -164,6 +164,15 @@ TEST(PrinterReader, ASilentVariableLeavesTimeForOthers) {
 }
 
 // A table that ends before such a variable is complete.
+TEST(PrinterReader, TwoSilentVariablesLeaveWhatIsBetween) {
+    ScriptedDevice device = FullPrinter();
+    for (const char* name : {"prtMarkerSuppliesType.3.1", "prtInputCurrentLevel.3.1"})
+        device.withheld[*ParseOidOrName(name)] = Status::kNoAnswer;
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("prtInputMediaName.3.1")));
+    EXPECT_TRUE(HasGap(answers, "trays", "prtInputCurrentLevel", ""));
+}
+
 TEST(PrinterReader, EndsAColumnBeforeWhatCannotBeRead) {
     ScriptedDevice device = FullPrinter();
     device.Text("prtMarkerSuppliesLevel.4.1", "of another printer");
@@ -255,7 +264,7 @@ TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
     asker.nowMs = [&] { return 5 + static_cast<int64_t>(device.requests) * 4000; };
     const PrinterAnswers answers = ReadPrinter(asker);
     EXPECT_EQ(30u, device.requests);
-    EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "2 minutes"));
+    EXPECT_TRUE(HasGap(answers, "alerts", "prtAlertSeverityLevel", "2 minutes"));
     EXPECT_TRUE(HasGap(answers, "alerts", "", "not asked"));
     EXPECT_TRUE(answers.isStopped);
     EXPECT_EQ(Status::kNoAnswer, answers.lastStatus);

@@ -110,7 +110,8 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
     Read(1, "10.0.0.1", false, {{"hrPrinterStatus.1", "\3"}});
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", with(Status::kNoAnswer, "", true));
     Search(2, 1, {"10.0.0.1"});
-    EXPECT_EQ("idle", State("10.0.0.1", &reading)) << "it has answered since";
+    EXPECT_EQ("idle (incomplete, no answer after 12 s)", State("10.0.0.1", &reading))
+        << "a search's answer tells nothing of its state";
 }
 
 TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
