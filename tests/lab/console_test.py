@@ -97,6 +97,13 @@ class Terminals(unittest.TestCase):
         self.assertIn("stopped", screen)
         self.assertRegex(screen, r"\r\d s, 0 devices\s*\r")
 
+    def test_ctrl_c_ends_directed_requests_with_whole_json(self):
+        code, screen, _ = run_on_terminal([(": 1 requests", b"\x03")], "get", "10.77.1.99", LOCATION, CONTACT, "--format", "json")
+        self.assertEqual(1, code, screen)
+        self.assertIn("vndiscover: stopped", screen)
+        self.assertNotIn(CONTACT, screen)
+        self.assertRegex(screen, r"(?m)^\]")
+
     def test_a_second_ctrl_c_ends_at_once(self):
         code, screen, seconds = run_on_terminal([("s, 0", b"\x03"), ("stopping", b"\x03")],
                                                 "wsd", "--timeout", "20000", "--types", "wsdp:Nothing")
@@ -146,8 +153,12 @@ class Sweeps(unittest.TestCase):
     def test_wrong_paths_leave_files_alone(self):
         path = Path(LAB, "kept.json")
         path.write_text('{"GET": {}}', encoding="utf-8")
-        for options in (["--save", ""], ["--json", str(path), "--csv", str(path).replace("kept", "KEPT")]):
+        Path(LAB, "named.json").write_text('{"DiscoverOID": "sysNme.0", "GET": {}}', encoding="utf-8")
+        scan = Path(LAB, "monday.json")
+        scan.write_text('{"format": "vndiscover-scan", "version": 1, "answers": [], "splits": [], "sweeps": []}', encoding="utf-8")
+        for options in (["--save", ""], ["--json", str(path), "--csv", str(path).replace("kept", "KEPT")], ["--csv", str(scan)]):
             self.assertEqual((2, ""), run("sweep", *options)[:2])
+        self.assertIn("'sysNme.0' is neither", run("sweep", "--json", str(Path(LAB, "named.json")))[2])
         self.assertEqual('{"GET": {}}', path.read_text(encoding="utf-8"))
 
     def test_no_answer_is_exit_code_1(self):

@@ -88,6 +88,11 @@ class Scripts(unittest.TestCase):
         self.assertIn("is there already, and is not a scan", told)
         with open(LAB + "/letter.txt", encoding="ascii") as file:
             self.assertEqual("Dear", file.read())
+        with open(LAB + "/kept.json", "w", encoding="ascii") as file:
+            file.write('{"format": "vndiscover-scan", "version": 1, "answers": [], "splits": [], "sweeps": []}')
+        code, _, told = run("--sweep", "--csv", LAB + "/kept.json", "--exit", program="VnBrowser.exe")
+        self.assertEqual(1, code)
+        self.assertIn("is a scan, and would be replaced", told)
 
     def test_keeps_the_older_scan_when_the_disk_is_full(self):
         with open(FULL + "/scan.json", "wb") as file:
@@ -103,7 +108,8 @@ class Scripts(unittest.TestCase):
     def test_tells_of_wrong_usage(self):
         for words, problem in ((["--sweep", "--save", ""], "--save needs a value."), (["--save", SCAN], "--read, --save, --csv and --exit need --sweep."),
                                (["--help"], "There is no option --help."),
-                               (["--profile", "--sweep"], "--profile needs a value."), (["--look-for", "x"], "--look-for does not take x.")):
+                               (["--profile", "--sweep"], "--profile needs a value."), (["--look-for", "x"], "--look-for does not take x."),
+                               (["--sweep", "--save", "a", "--csv", "A"], "--save and --csv both name A.")):
             code, _, told = run(*words, "--exit", program="VnBrowser.exe")
             self.assertEqual((2, f"VnBrowser: {problem}\n\nUsage:\nVnBrowser.exe ["), (code, told[:told.find("[") + 1]))
         code, _, told = run("--help", program="VnBrowser.exe")  # no message that nobody answers

@@ -93,6 +93,9 @@ TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
     EXPECT_EQ((Expected{Kind::kStopping, {3, 0, 0}}), Shown(work));
     nowMs += 60000;
     EXPECT_EQ((Expected{Kind::kStopping, {1, 0, 0}}), Shown({}));
+    progress.BeginAsking("10.80.9.12");  // chosen since
+    EXPECT_EQ(Kind::kAsking, progress.Now({}).kind);
+    progress.EndAsking();
     progress.EndReadingAll({29, 2, 403});
     progress.SetIdle();
     EXPECT_EQ((Expected{Kind::kRead, {60, 29, 403}}), Shown());

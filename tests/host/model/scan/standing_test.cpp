@@ -112,6 +112,9 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
     Search(2, 1, {"10.0.0.1"});
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", State("10.0.0.1", &reading))
         << "a search's answer tells nothing of its state";
+    Search(3, 1, {});
+    EXPECT_EQ(Since(2), State("10.0.0.1", &reading));
+    EXPECT_EQ("refused: wrong user", with(Status::kRefused, "refused: wrong user", false));
 }
 
 TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
