@@ -35,7 +35,8 @@ in address, name, firmware text, state, errors, alerts or supplies, from one
 percentage point. Page counts are shown, but without --page-counts do not count
 as differences. A device is identified by its serial number, otherwise by its
 MAC address, WS-Discovery endpoint or address. What only one of the files
-contains does not count as a change. Nothing is sent.
+contains does not count as a change, and a device without a reading in both is
+counted as such. Nothing is sent.
 
 Examples:
   vndiscover sweep --save monday.json

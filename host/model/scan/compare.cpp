@@ -138,6 +138,7 @@ Comparison CompareDevices(std::vector<FoundDevice> before, std::vector<FoundDevi
         const bool isPrinted = isSame && !pages.empty();
         result.same += isSame;
         result.printed += isPrinted;
+        result.unread += isSame && !(before[old].hasVariables && after[i].hasVariables);
         fields.insert(fields.end(), pages.begin(), pages.end());
         if (!fields.empty()) result.changed.push_back({old, i, key, std::move(fields), isPrinted});
     }

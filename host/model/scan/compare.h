@@ -31,7 +31,8 @@ struct Comparison {
     std::vector<FoundDevice> before, after;
     std::vector<size_t> added, gone;  // indexes in `after` and in `before`
     std::vector<DeviceChange> changed;
-    size_t same = 0, printed = 0;  // the same has the printed
+    // The same has the printed, and the unread: of these, one scan at least has no variables.
+    size_t same = 0, printed = 0, unread = 0;
     bool IsEqual() const { return added.empty() && gone.empty() && changed.size() == printed; }
 };
 

@@ -112,7 +112,10 @@ std::string CountsOf(const Comparison& comparison) {
            std::to_string(comparison.gone.size()) + " gone, " +
            std::to_string(comparison.changed.size() - printed) + " changed, " +
            std::to_string(comparison.same) + " equal" +
-           (printed == 0 ? "" : ", of which " + std::to_string(printed) + " have printed");
+           (printed == 0 ? "" : ", of which " + std::to_string(printed) + " have printed") +
+           (comparison.unread == 0
+                ? ""
+                : ", " + std::to_string(comparison.unread) + " of them without a reading");
 }
 
 Report ReportOf(const Comparison& comparison) {

@@ -377,6 +377,11 @@ TEST(ScanComparison, WhatWasNotReadIsNoChange) {
         }
     }
     EXPECT_TRUE(CompareDevices(MakeDevices(before.scan), MakeDevices(after.scan)).IsEqual());
+    ScanOf found;
+    found.Begin(SweepKind::kSnmpV1, AnswerForm::kValue);
+    found.Add("10.0.0.8", "x");
+    EXPECT_THAT(CountsOf(CompareDevices(MakeDevices(before.scan), MakeDevices(found.scan))),
+                testing::EndsWith("1 equal, 1 of them without a reading"));
 }
 
 TEST(ScanComparison, CountsPagesOnlyIfAsked) {
