@@ -75,7 +75,7 @@ TEST_F(Sessions, SearchReadsWhoAnsweredItAndMayBeAPrinter) {
               {{"10.77.1.4", Reply("Computer")}, {"10.77.1.5", Reply("PrintDeviceType")}});
         session_.EndSearch();
         session_.BeginReading("10.77.1.1");
-        Results::Read stopped = {{"10.77.1.1"}};
+        Results::Read stopped = {{"10.77.1.1"}, "", {}};
         stopped.answers.isStopped = true;  // before anything came: as if it had not begun
         session_.AddReading(stopped);
         session_.BeginReading("10.77.1.1");
