@@ -72,7 +72,11 @@ CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, co
 }
 
 void WarnIfUnknown(const std::string& host) {
-    if (!HasAddress(host)) Warn("'" + host + "' is not an address, nor a name that has one");
+    if (HasAddress(host)) return;
+    // The module would complete "10.77.3" to 10.77.0.3.
+    if (host.find_first_not_of("0123456789.") == std::string::npos)
+        throw CLI::ValidationError("HOST", "'" + host + "' is not an address");
+    Warn("'" + host + "' is not an address, nor a name that has one");
 }
 
 namespace {

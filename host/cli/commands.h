@@ -78,6 +78,7 @@ CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, co
                            DeviceOptions& options);
 
 // For a host that is neither an address nor a name with one: "no answer" alone would not tell.
+// Throws CLI::ValidationError for a mistyped address.
 void WarnIfUnknown(const std::string& host);
 
 }  // namespace vndiscover::host

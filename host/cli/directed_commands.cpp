@@ -82,9 +82,9 @@ constexpr char kPrinterExamples[] =
     R"(Reads the standard variables of a printer and explains them: model, serial
 number, state, alerts, page counts, supplies, trays, network interfaces. On a
 console "!!" marks what is critical, "!" what needs attention. What the device
-does not provide is left out; what could not be read is listed with the reason. A device
-that stops answering is not asked any further; no request is sent after the
-first two minutes.
+does not provide is left out; what could not be read is listed with the reason.
+A device that stops answering is not asked any further; no request is sent after
+the first two minutes.
 
 Examples:
   vndiscover printer 192.168.1.20
@@ -174,6 +174,7 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
     VariableWriter writer(options.format == Format::kJson, options.withNames);
     int exitCode = kFound;
     Status silence = Status::kAnswered;
+    bool hasStopped = false;
     WatchedAsker watched(device, options.host);
     PatientAsker patient(watched.asker);
     const auto request = [&](const Oid& oid) {
@@ -181,17 +182,18 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
         return (device.*ask)(oid);
     };
     for (const Oid& oid : oids) {
-        if (watched.IsStopped()) break;
         const bool isSilent = silence == Status::kNoAnswer || silence == Status::kOnlyDiscovered;
         const Answer answer = isSilent ? Failed(silence, oid)  // it answers nothing
                                        : patient.Ask(oid, [&] { return request(oid); });
         silence = answer.status;
+        hasStopped = watched.IsStopped() && silence != Status::kAnswered;
+        if (hasStopped) break;
         Show(writer, answer);
         // A failed send outranks a missing answer.
         exitCode = std::max(exitCode, ExitCodeOf(answer.status));
     }
     Print(writer.End());
-    if (!watched.IsStopped()) return exitCode;
+    if (!hasStopped) return exitCode;
     Warn("stopped");
     return std::max<int>(exitCode, kNone);
 }

@@ -170,7 +170,8 @@ std::vector<PrinterLine> PrinterFinder::Printers(const LevelLimits& limits, size
                 const bool hasState =
                     !printer.facts.printerStatus.empty() || printer.facts.errors.has_value();
                 const bool isUnread = AnyOf(device.answers.gaps, [](const Gap& gap) {
-                    return gap.subject == "supplies" && !gap.reason.empty();
+                    return gap.object == "prtMarkerSuppliesLevel" ||
+                           gap.object == "prtMarkerSuppliesMaxCapacity";
                 });
                 if (isUnread) printer.problem = "supplies not read";
                 if (IsStateUnread(device.answers) && !hasState) printer.problem = "state not read";

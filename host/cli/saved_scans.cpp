@@ -9,6 +9,7 @@
 #include "model/scan/device_merge.h"
 #include "model/scan/scan_report.h"
 #include "platform/saved_file.h"
+#include "values/ranges.h"
 #include "values/utc_time.h"
 
 namespace vndiscover::host {
@@ -148,7 +149,7 @@ void ScanKeeper::AddAnswer(ScanAnswer answer) {
     }
     ++count;
     sweepSize_ += size;
-    answer.sweep = scan_.sweeps.size() - 1;
+    answer.sweep = scan_.sweeps.size() - 1 - answer.sweep;
     answer.time = UtcNow();
     scan_.answers.push_back(std::move(answer));
 }
@@ -159,7 +160,9 @@ void ScanKeeper::AskDevices(const Login& login) {
     for (const ScanAnswer& answer : scan_.answers) {
         if (answer.sweep + 1 == scan_.sweeps.size()) addresses.insert(answer.address);
     }
-    Begin(scan_.sweeps.back().kind, AnswerForm::kVariable, scan_.sweeps.back().useIPv6);
+    const ScanSweep sweep = scan_.sweeps.back();
+    // One of devices that were read whole, and one of others.
+    for (int count = 0; count < 2; ++count) Begin(sweep.kind, AnswerForm::kVariable, sweep.useIPv6);
     std::atomic<size_t> asked{0};
     size_t whole = 0;
     const SweepWatch watch(StopDiscoverSnmp, [&] {
@@ -172,10 +175,19 @@ void ScanKeeper::AskDevices(const Login& login) {
         Asker asker = AskerOf(device);
         asker.mayGoOn = [&] { return !watch.IsStopped(); };
         PrinterAnswers read = ReadPrinter(asker);
-        whole += read.lastStatus == Status::kAnswered;
-        for (auto& [oid, answer] : read.values) AddAnswer({0, "", address, std::move(answer)});
+        const bool isWhole = read.lastStatus == Status::kAnswered;
+        whole += isWhole;
+        for (auto& [oid, answer] : read.values)
+            AddAnswer({isWhole ? size_t{1} : 0, "", address, std::move(answer)});
     }
-    scan_.sweeps.back().isComplete = whole == addresses.size() && leftOut_ == 0;
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        scan_.sweeps.end()[-2].isComplete = leftOut_ == 0;
+        scan_.sweeps.back().isCut = true;
+        const size_t last = scan_.sweeps.size() - 1;
+        if (!AnyOf(scan_.answers, [&](const ScanAnswer& one) { return one.sweep == last; }))
+            scan_.sweeps.pop_back();
+    }
     if (watch.IsStopped()) {
         Warn("stopped: " + std::to_string(whole) + " of " + std::to_string(addresses.size()) +
              " devices were read whole");

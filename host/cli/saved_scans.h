@@ -41,7 +41,7 @@ class ScanKeeper {
     void Save();
 
   private:
-    void AddAnswer(ScanAnswer answer);
+    void AddAnswer(ScanAnswer answer);  // its sweep: 0 is the last one, 1 the one before
 
     SaveOptions options_;
     bool hasDevices_ = false;  // the file

@@ -33,7 +33,7 @@ class Device {
 
     // Of a link-local address without a zone, in seconds; otherwise the first request does.
     void ChooseAdapter() const { Host(); }
-    // Whether it answers an ICMP echo request. Names are pinged over IPv6.
+    // Whether it answers an ICMP echo request. The module pings names over IPv6.
     bool Ping() const;
     Answer Get(const Oid& oid) const;
     Answer GetNext(const Oid& oid) const;

@@ -114,7 +114,8 @@ bool PatientAsker::IsError(const Oid& oid, const Answer& answer, const Oid& beyo
     const bool isRepeated =
         answer.status == Status::kAnswered && answer.oid == oid && IsNoValue(answer.type);
     if (asker_.isV3 || !isRepeated) return false;
-    if (last_ <= oid && beyond_ != beyond && !IsMisencoded(beyond)) GetNext(beyond_ = beyond);
+    if (last_ <= oid && beyond_ != beyond && !IsMisencoded(beyond) && asker_.MayGoOn())
+        GetNext(beyond_ = beyond);
     return last_ > oid;
 }
 

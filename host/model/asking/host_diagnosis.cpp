@@ -107,6 +107,7 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     diagnosis.v1 = ResultOfAsking(steps, steps.v1, answer, diagnosis.sender);
     if (mustStop()) return diagnosis;
     const StepResult v3 = ResultOfAsking(steps, steps.v3, answer, diagnosis.sender);
+    if (v3.outcome == Outcome::kSilent && mustStop()) return diagnosis;
     const bool isDiscovered =
         answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
     // The module finds the engine out within the request: it has answered by then.

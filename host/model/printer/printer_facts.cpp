@@ -16,6 +16,7 @@ constexpr int64_t kReceptacle = 4;
 constexpr int64_t kPercent = 19;
 constexpr int64_t kLoopback = 24;
 constexpr int64_t kUp = 1;
+constexpr char kUnreadable[] = "unreadable";  // of a type that is no number
 
 std::string Given(std::string text, std::string otherwise) {
     return text.empty() ? std::move(otherwise) : std::move(text);
@@ -185,7 +186,7 @@ class Facts {
 
     Level LevelOf(const char* object, const char* maximum, const char* unit, const Oid& row) const {
         Level level = {Signed(object, row), Signed(maximum, row), UnitText(unit, row)};
-        if (!level.level && Find(object, row)) level.missing = "unreadable";
+        if (!level.level && Find(object, row)) level.missing = kUnreadable;
         if (Number(unit, row) != kPercent) return level;
         level.isPercent = level.maximum.value_or(0) <= 100;
         if (!level.isPercent) level.unit.clear();  // parts of a percent, or of something else
@@ -250,10 +251,11 @@ PrinterFacts FactsOf(const PrinterAnswers& answers) {
 
 void SetGaps(PrinterFacts& facts, std::vector<Gap> gaps) {
     facts.gaps = std::move(gaps);
-    for (Supply& supply : facts.supplies)
-        supply.level.missing = MissingText(facts.gaps, "supplies", "prtMarkerSuppliesLevel");
-    for (Tray& tray : facts.trays)
-        tray.level.missing = MissingText(facts.gaps, "trays", "prtInputCurrentLevel");
+    const auto set = [&](Level& level, const char* subject, const char* object) {
+        if (level.missing != kUnreadable) level.missing = MissingText(facts.gaps, subject, object);
+    };
+    for (Supply& supply : facts.supplies) set(supply.level, "supplies", "prtMarkerSuppliesLevel");
+    for (Tray& tray : facts.trays) set(tray.level, "trays", "prtInputCurrentLevel");
 }
 
 const char* MissingText(const std::vector<Gap>& gaps, std::string_view subject,

@@ -115,7 +115,7 @@ std::string CountsOf(const Comparison& comparison) {
            (printed == 0 ? "" : ", of which " + std::to_string(printed) + " have printed") +
            (comparison.unread == 0
                 ? ""
-                : ", " + std::to_string(comparison.unread) + " of them without a reading");
+                : "; equal without a reading: " + std::to_string(comparison.unread));
 }
 
 Report ReportOf(const Comparison& comparison) {

@@ -132,7 +132,8 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
     const std::string lastRead =
         LastAnswerOf(scan, device, [](AnswerForm form) { return form == AnswerForm::kVariable; });
     const bool hasEnd = reading && reading->time >= lastRead;
-    const bool isRefused = hasEnd && reading->IsRefused();  // a sweep cannot tell
+    // A sweep cannot tell that.
+    const bool isRefused = hasEnd && reading->IsRefused() && search.IsBefore(scan, reading->time);
     if (search.HasMissed(scan, device.answers) && !isRefused) {
         standing.kind = Kind::kMissed;  // until it answers
     } else if (isBeingRead) {

@@ -80,6 +80,9 @@ class LastSearch {
     // `isSearching`: the scan's last search is still running.
     LastSearch(const Scan& scan, bool isSearching);
     bool HasMissed(const Scan& scan, const std::vector<size_t>& answers) const;  // of a device
+    bool IsBefore(const Scan& scan, const std::string& time) const {
+        return first_ == SIZE_MAX || scan.sweeps[first_].time <= time;
+    }
 
   private:
     size_t number_ = 0;                 // 0: there was none

@@ -80,7 +80,7 @@ std::vector<std::string> WebAddresses(const Session& session) {
         for (const size_t index : session.view.Row(row).answers) {
             const ScanAnswer& answer = session.GetScan().answers[index];
             const auto known = ParseIpAddress(answer.address);
-            if (known && known->IsIPv4() && (!latest || answer.time >= latest->time))
+            if (known && known->IsIPv4() && (!latest || answer.time > latest->time))
                 latest = &answer;
         }
         if (latest) addresses.push_back(latest->address);

@@ -92,7 +92,8 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
     {WM_SETTINGCHANGE, MessageRow::Redraw},
     {WM_INITMENUPOPUP,
      [](MainWindow& self, Message& menu) {
-         EnableCommands(self, reinterpret_cast<HMENU>(menu.wParam));
+         if (HIWORD(menu.lParam) == 0)  // not the system's
+             EnableCommands(self, reinterpret_cast<HMENU>(menu.wParam));
      }},
     {WM_COMMAND,
      [](MainWindow& self, Message& command) {
@@ -315,7 +316,8 @@ void MainWindow::OnResults() {
         searches.Finish();
         panes.ShowDetails();  // protocols are no longer pending
     }
-    if (state.workers && !state.workers->IsBusy()) {
+    // What they have reported last may still be in the queue.
+    if (state.workers && !state.workers->IsBusy() && state.queue.IsEmpty()) {
         state.session.EndReadings();
         searches.EndReading();
     }

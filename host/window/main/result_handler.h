@@ -45,6 +45,9 @@ class ResultHandler : public Results {
     void OnReadAll(const Progress::Read& read) override {
         state_.progress.EndReadingAll(read);
         state_.showRows();  // what came last too
+        // A script waits for what else is asked, too.
+        const bool isOver = state_.workers && state_.workers->Now().read.total == 0;
+        if (isOver && !state_.options.exit) w_.searches.EndReading();
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {
         state_.progress.BeginWalk(address);

@@ -86,7 +86,7 @@ void Searches::Finish() {
     // Without a message, for which a list that is watched would wait.
     if (state_.isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
     state_.showRows();
-    if (state_.progress.IsStopping() || !state_.workers) return;
+    if (state_.progress.WasStopped() || state_.progress.IsStopping() || !state_.workers) return;
     if (const auto target = state_.session.WhomToAskForARefusal())
         state_.workers->Ask(*target, true);
     if (ReadsFound()) ReadFound(state_);

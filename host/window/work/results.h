@@ -14,8 +14,8 @@
 namespace vndiscover::host {
 
 // As many as the module supports.
-enum class WorkerId { kSnmp, kWsd, kDirected };
-constexpr size_t kWorkerCount = 3;
+enum class WorkerId { kSnmp, kWsd, kDirected, kNames };  // kNames: looks up names
+constexpr size_t kWorkerCount = 4;
 
 // Bounds walks, whose length the device decides.
 constexpr size_t kMaxWalkVariables = 100000;
@@ -74,10 +74,14 @@ class ResultQueue {
     void Post(Closure closure);
     // Runs and removes those that were posted until now. If one throws, those after it remain.
     void RunAll(Results& results);
+    bool IsEmpty() const {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        return closures_.empty();
+    }
 
   private:
     std::function<void()> onFilled_;
-    std::mutex mutex_;
+    mutable std::mutex mutex_;
     std::deque<Closure> closures_;
 };
 

@@ -69,7 +69,8 @@ void Session::AddReading(Results::Read read) {
     if (const auto known = beingRead_.find(address); known != beingRead_.end())
         beingRead_.erase(known);
     isChanged_ = true;
-    if (read.isPostponed || (read.answers.isStopped && read.answers.values.empty())) return;
+    const bool isByUser = read.answers.isStopped && read.answers.spentMs < kMaxReadMs;
+    if (read.isPostponed || (isByUser && read.answers.values.empty())) return;
     const SweepKind kind = read.target.Kind();
     const bool isWhole = read.answers.lastStatus == Status::kAnswered;
     ScanAnswer answer = {scan_.sweeps.size(), read.time, address, {}};

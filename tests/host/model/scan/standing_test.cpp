@@ -114,6 +114,7 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
         << "a search's answer tells nothing of its state";
     Search(3, 1, {});
     EXPECT_EQ(Since(2), State("10.0.0.1", &reading));
+    reading.time = At(4);
     EXPECT_EQ("refused: wrong user", with(Status::kRefused, "refused: wrong user", false));
 }
 
