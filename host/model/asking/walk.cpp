@@ -130,7 +130,7 @@ class Walk {
     // the failure. If the variable is beyond the subtree, end_.step is kEnd.
     Oid Skip() {
         const bool isSilence = end_.last.status == Status::kSilentHere;
-        const Oid beyond = Beyond();
+        Oid beyond = Beyond();
         if (HasStopped() || IsMisencoded(beyond)) return end_.at;
         Answer outside = patient_.GetNext(beyond);
         if (outside.status != Status::kAnswered && !IsOnlyThisOne(outside)) return end_.at;
