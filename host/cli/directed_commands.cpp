@@ -182,6 +182,8 @@ int RunEach(const Options& options, Answer (Device::*ask)(const Oid&) const) {
         return (device.*ask)(oid);
     };
     for (const Oid& oid : oids) {
+        hasStopped = watched.IsStopped();
+        if (hasStopped) break;
         const bool isSilent = silence == Status::kNoAnswer || silence == Status::kOnlyDiscovered;
         const Answer answer = isSilent ? Failed(silence, oid)  // it answers nothing
                                        : patient.Ask(oid, [&] { return request(oid); });
