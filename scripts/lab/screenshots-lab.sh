@@ -22,10 +22,11 @@ mkdir -p /tmp/.X11-unix
 mount --bind "$VNDISCOVER_LAB/x11" /tmp/.X11-unix
 Xvfb -displayfd 1 -screen 0 $((1104 * dpi / 96))x$((624 * dpi / 96))x24 -nolisten tcp -nocursor \
     >"$VNDISCOVER_LAB/display" 2>/dev/null &
-for _ in $(seq 100); do
+for _ in $(seq 400); do  # four labs begin at once
     [ ! -s "$VNDISCOVER_LAB/display" ] || break
     sleep 0.05
 done
+[ -s "$VNDISCOVER_LAB/display" ]
 DISPLAY=:$(<"$VNDISCOVER_LAB/display")
 export DISPLAY VNDISCOVER_WINE_DISPLAY=$DISPLAY
 

@@ -89,16 +89,17 @@ def found(*arguments, **environment):
     return out
 
 
-def run_on_terminal(steps, *arguments):
+def run_on_terminal(steps, *arguments, program="vndiscover.exe", folder=".", limit=60):
     """Runs the program on a terminal and types. `steps`: pairs of a text to wait for and what is typed then.
     Returns exit code, what the screen got without its control sequences, and the seconds since the last key."""
-    command = on_host(*arguments)
+    command = on_host(*arguments, program=program)
     child, terminal = pty.fork()
     if child == 0:
+        os.chdir(folder)
         os.execve(command[0], command, {**os.environ, "TERM": "xterm"})
     screen, raw, seen, steps = "", b"", 0, list(steps)
     typed = start = time.time()
-    while time.time() - start < 60:
+    while time.time() - start < limit:
         if select.select([terminal], [], [], 0.5)[0]:
             try:
                 raw += os.read(terminal, 4096)

@@ -9,7 +9,7 @@ namespace vndiscover::host {
 
 namespace {
 
-constexpr int kBarWidth = 60;
+constexpr int kBarWidth = 48;
 
 // Whether the user sees all programs in colours of high contrast.
 bool IsHighContrast() {
@@ -24,9 +24,12 @@ bool IsHighContrast() {
 void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
     level.right = level.left + MulDiv(level.right - level.left, bar.percent, 100);
     if (IsRectEmpty(&level)) return;
-    if (bar.colour == CLR_NONE || IsHighContrast())
-        return void(FillRect(dc, &level, GetSysColorBrush(COLOR_HIGHLIGHT)));
-    FillRect(dc, &level, OwnedBrush(CreateSolidBrush(bar.colour)).Get());
+    const bool isOfUser = IsHighContrast();
+    const COLORREF colour = isOfUser                 ? GetSysColor(COLOR_HIGHLIGHT)
+                            : bar.colour == CLR_NONE ? GreyText()
+                                                     : bar.colour;
+    FillRect(dc, &level, OwnedBrush(CreateSolidBrush(colour)).Get());
+    if (isOfUser || bar.colour == CLR_NONE) return;
     InflateRect(&level, 1, 1);
     FrameRect(dc, &level, GetSysColorBrush(COLOR_WINDOWTEXT));
 }

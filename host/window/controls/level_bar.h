@@ -20,7 +20,7 @@ COLORREF GreyText();
 
 struct LevelBar {
     int percent;
-    COLORREF colour = CLR_NONE;  // of the supply; otherwise the user's
+    COLORREF colour = CLR_NONE;  // of the supply; otherwise grey
     bool operator==(const LevelBar& other) const {
         return percent == other.percent && colour == other.colour;
     }

@@ -39,9 +39,11 @@ std::wstring LineOf(const std::vector<int>& columns, TextOf textOf) {
 std::vector<ListRow> ListRowsOf(const Report& report) {
     std::vector<ListRow> rows;
     const std::vector<ReportRow> all = RowsOf(report);
+    std::string lastLabel;
     for (const ReportRow& row : all) {
         const bool isResult = !row.label.empty() && row.label == all.front().label;
-        rows.push_back({{ToWide(row.label), ToWide(WholeText(row))},
+        const bool isSame = row.label == std::exchange(lastLabel, row.label) && !row.repeatsLabel;
+        rows.push_back({{isSame ? L"" : ToWide(row.label), ToWide(WholeText(row))},
                         {},
                         isResult || row.severity == Severity::kCritical});
         if (row.percent) rows.back().bar = BarOf(*row.percent, row.colour);
@@ -192,7 +194,8 @@ std::wstring ListControl::RowText(size_t row) const {
 std::wstring ListControl::SelectedText() const {
     std::wstring text;
     for (const int column : ShownOrder()) {
-        const std::wstring cell = TextOf(Selected(), column);
+        std::wstring cell = TextOf(Selected(), column);
+        cell.erase(0, cell.find_first_not_of(L' '));  // of what is below a heading
         if (!cell.empty()) text += (text.empty() ? L"" : column == kValue ? L": " : L", ") + cell;
     }
     return text;
@@ -265,7 +268,8 @@ LRESULT ListControl::FindRow(const NMLVFINDITEMW& search) const {
     const auto order = ShownOrder();
     for (int step = 0; step < count; ++step) {
         const int row = (std::max(search.iStart, 0) + step) % count;
-        const std::wstring text = TextOf(row, order.empty() ? 0 : order.front());
+        const std::wstring text = model_.SearchText(
+            static_cast<size_t>(row), order.empty() ? 0 : static_cast<size_t>(order.front()));
         const auto size = static_cast<int>(std::min(text.size(), typed.size()));
         if (CompareStringOrdinal(text.c_str(), size, typed.c_str(), static_cast<int>(typed.size()),
                                  TRUE) == CSTR_EQUAL)

@@ -36,6 +36,10 @@ class ListModel {
     virtual std::wstring CellText(size_t row, size_t column) const {
         return rows_[row].cells[column];
     }
+    // By what typed letters find the row.
+    virtual std::wstring SearchText(size_t row, size_t column) const {
+        return CellText(row, column);
+    }
     // Drawn before the text.
     virtual std::optional<LevelBar> Bar(size_t row, size_t column) const {
         return column == 1 && row < rows_.size() ? rows_[row].bar : std::nullopt;

@@ -150,11 +150,14 @@ bool DeviceList::IsGrey(size_t row) const {
     return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
 }
 
+std::wstring DeviceList::SearchText(size_t row, size_t column) const {
+    return ShownText(state_.session.view.Row(row), At(column));
+}
+
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
-    const Column shownColumn = At(column);
-    const std::wstring text = ShownText(shown, shownColumn);
-    if (shownColumn == Column::kState && state_.changes.IsMarked(shown))
+    const std::wstring text = SearchText(row, column);
+    if (At(column) == Column::kState && state_.changes.IsMarked(shown))
         return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
     const std::string mark = Bar(row, column) ? SeverityMark(shown.summary.supplySeverity) : "";
     return mark.empty() ? text : ToWide(mark) + L" " + text;

@@ -45,6 +45,7 @@ class DeviceList : private ListModel, public ListControl {
   private:
     size_t Count() const override;
     std::wstring CellText(size_t row, size_t column) const override;
+    std::wstring SearchText(size_t row, size_t column) const override;
     std::optional<LevelBar> Bar(size_t row, size_t column) const override;
     bool IsGrey(size_t row) const override;
     std::wstring EmptyText() const override;

@@ -4,7 +4,6 @@
 
 #include "platform/wide_text.h"
 #include "values/text.h"
-#include "values/utc_time.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -21,7 +20,7 @@ std::wstring CallsWindow::CellText(size_t row, size_t column) const {
     const Call& call = calls_[row];
     switch (column) {
         case kTime:
-            return ToWide(ShortTime(call.time));
+            return LocalTime(call.time);  // with seconds
         case kExport:
             return ToWide(PlainText(CallLine(call)));
         case kDuration:
@@ -63,8 +62,8 @@ void CallsWindow::Refresh() {
 void CallsWindow::Open(HWND owner) {
     OpenDialog(owner, {IDD_CALLS,
                        Text(IDS_CALLS_TITLE),
-                       {{IDS_CALL_TIME, 120},
-                        {IDS_CALL_EXPORT, 360},
+                       {{IDS_CALL_TIME, 130},
+                        {IDS_CALL_EXPORT, 350},
                         {IDS_CALL_DURATION, 65},
                         {IDS_CALL_RESULT, 190}},
                        IDC_CALL_TEXT});

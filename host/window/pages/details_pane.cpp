@@ -136,7 +136,6 @@ void DetailsPane::Show() {
     const bool isSame = !old.empty() && !answers.empty() && old.front() == answers.front();
     if (!IsSummary() && !isSame && old != answers) ShowRows({});
     auto rows = row ? Page().rows(session_, *row) : std::vector<ListRow>();
-    if (rows.empty() && IsSummary()) rows.push_back({{L"", Text(IDS_NO_SELECTION)}});
     // Without rows, the reason may be another one.
     if (rows != rows_ || rows.empty()) ShowRows(std::move(rows));
 }

@@ -89,7 +89,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
             row.summary.state = row.Text(Column::kState) = state;
             window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
         }
-        EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF never read, changed"));
+        EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF new: never read"));
         window_->scans.OpenChanges();
         CheckDialog(PopupOf(window_->Handle()), 6);
         EXPECT_NE(

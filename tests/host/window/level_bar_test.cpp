@@ -38,7 +38,7 @@ TEST(Bars, HaveTheColoursOfTheirRow) {
     EXPECT_EQ(GetSysColor(COLOR_BTNFACE), background(other, LVIS_SELECTED));
     // That of the supply has a frame.
     DrawBar(draw, {0, 0, 100, 20}, {50, RGB(0, 160, 216)}, L"50 %", 96);
-    const int end = 4 + 2 + 56 / 2;  // the inset, the frame, and half of the inside
+    const int end = 4 + 2 + 44 / 2;  // the inset, the frame, and half of the inside
     EXPECT_EQ(RGB(0, 160, 216), GetPixel(dc.Get(), end - 1, 10));
     EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end, 10));
     EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc.Get(), end - 9, 3 + 1));
