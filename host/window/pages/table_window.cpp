@@ -76,6 +76,7 @@ std::string CsvText(const std::vector<std::wstring>& headings, size_t rows,
     GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SLIST, list, 8);
     const std::string separator = list[0] == L'\0' ? "," : ToUtf8(list);
     std::vector<std::string> cells;
+    cells.reserve(headings.size());
     for (const std::wstring& heading : headings) cells.push_back(ToUtf8(heading));
     std::string csv = kByteOrderMark + CsvLine(cells, separator);
     for (size_t row = 0; row < rows; ++row) {
