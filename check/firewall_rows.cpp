@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <string>
 
-#include "check/agent.h"
 #include "check/module.h"
 #include "check/rows.h"
 
@@ -15,7 +14,6 @@ namespace check {
 namespace {
 
 constexpr ULONGLONG kLimitMs = 5000;
-constexpr int kListensMs = 1000;
 
 std::string Error(HRESULT result) {
     char text[32];
@@ -37,6 +35,12 @@ struct Reference {
 
     Interface* object = nullptr;
 };
+
+using Policy = Reference<INetFwPolicy2>;
+HRESULT Open(Policy& policy) {
+    return CoCreateInstance(__uuidof(NetFwPolicy2), nullptr, CLSCTX_INPROC_SERVER,
+                            __uuidof(INetFwPolicy2), policy.Out());
+}
 
 // How many rules name this program; -1 if they cannot be read.
 int RulesOfThisProgram(INetFwPolicy2& policy) {
@@ -65,41 +69,58 @@ int RulesOfThisProgram(INetFwPolicy2& policy) {
     return count;
 }
 
-void Rows(Report& report) {
+int PolicyRows(Report& report) {
     const ULONGLONG started = GetTickCount64();
-    const char* const name = "the firewall's policy, read by COM";
-    const char* const rulesName = "rules for this program after it has listened";
-    Reference<INetFwPolicy2> policy;
+    Policy policy;
     LONG profiles = 0;
-    HRESULT result = CoCreateInstance(__uuidof(NetFwPolicy2), nullptr, CLSCTX_INPROC_SERVER,
-                                      __uuidof(INetFwPolicy2), policy.Out());
+    HRESULT result = Open(policy);
     if (SUCCEEDED(result)) result = policy->get_CurrentProfileTypes(&profiles);
-    const int before = SUCCEEDED(result) ? RulesOfThisProgram(*policy.object) : -1;
+    const int rules = SUCCEEDED(result) ? RulesOfThisProgram(*policy.object) : -1;
     const bool isInTime = GetTickCount64() - started <= kLimitMs;
-    report.Add(name, "with its rules, within 5 s",
+    report.Add("the firewall's policy, read by COM", "with its rules, within 5 s",
                FAILED(result) ? Error(result)
-                              : std::string(before < 0 ? "without its rules" : "with its rules") +
+                              : std::string(rules < 0 ? "without its rules" : "with its rules") +
                                     (isInTime ? ", within 5 s" : ", later"));
+    NET_FW_MODIFY_STATE state = {};
+    if (SUCCEEDED(result)) result = policy->get_LocalPolicyModifyState(&state);
+    report.Add("whether group policy overrides it", "told",
+               FAILED(result) ? Error(result) : "told");
     report.EndPart("The firewall's policy");
-    if (before < 0) {
-        report.NotSeen(rulesName, "as many as before", "the rules cannot be read");
-        return;
-    }
-    UdpSocket socket(AF_INET);
-    socket.Bind("0.0.0.0", 0);
-    socket.IsReadable(kListensMs);
-    report.Add(
-        rulesName, "as many as before",
-        RulesOfThisProgram(*policy.object) == before ? "as many as before" : "others than before");
+    return rules;
 }
+
+// Of an apartment for COM.
+struct Apartment {
+    Apartment() : isOpen(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+    ~Apartment() {
+        if (isOpen) CoUninitialize();
+    }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+
+    const bool isOpen;
+};
 
 }  // namespace
 
-void FirewallRows(Report& report) {
+int FirewallRows(Report& report) {
     report.Section("The firewall");
-    const bool isOpen = SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
-    Rows(report);
-    if (isOpen) CoUninitialize();
+    const Apartment apartment;
+    return PolicyRows(report);
+}
+
+void RuleRow(Report& report, int before) {
+    constexpr char kName[] = "rules for this program after it has listened";
+    constexpr char kSame[] = "as many as before";
+    report.Section("The firewall afterwards");
+    const Apartment apartment;
+    Policy policy;
+    if (before < 0 || FAILED(Open(policy))) {
+        report.NotSeen(kName, kSame, "the rules cannot be read");
+        return;
+    }
+    const bool isSame = RulesOfThisProgram(*policy.object) == before;
+    report.Add(kName, kSame, isSame ? kSame : "others than before");
 }
 
 }  // namespace check

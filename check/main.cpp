@@ -23,7 +23,8 @@ constexpr char kUsage[] =
     "writes\n"
     "a report (windows_check.md) without names and addresses of this computer.\n\n"
     "  --network      also sends into every network that this computer is attached to:\n"
-    "                 sweeps, and one datagram for each IPv6 link-local address\n"
+    "                 sweeps, a few datagrams from each address, and an echo request to\n"
+    "                 an address that nobody has\n"
     "  --report FILE  writes the report there\n";
 
 struct Options {
@@ -69,8 +70,17 @@ void ModuleRows(Report& report, const Module& module) {
                module.Missing().empty() ? "none" : module.Missing());
 }
 
+void RowsOf(Report& report, Module& module, bool mayUseNetwork) {
+    auto closedPort = AskClosedPort(module);
+    if (mayUseNetwork) NetworkRows(report, module);
+    RequestRows(report, module, std::move(closedPort));
+    SystemRows(report, module);
+    DiscoveryRows(report, module);
+    LoadingRows(report, module);
+}
+
 void AllRows(Report& report, bool mayUseNetwork) {
-    FirewallRows(report);  // the others listen, for which the system may make a rule
+    const int rules = FirewallRows(report);
     SocketRows(report, mayUseNetwork);
     AdapterRows(report, mayUseNetwork);
     WindowRows(report);
@@ -79,13 +89,9 @@ void AllRows(Report& report, bool mayUseNetwork) {
     CryptoRows(report);
     static Module module;  // never destroyed: see main
     ModuleRows(report, module);
-    if (!module.IsUsable()) return;
-    auto closedPort = AskClosedPort(module);
-    if (mayUseNetwork) NetworkRows(report, module);
-    RequestRows(report, module, std::move(closedPort));
-    SystemRows(report, module);
-    DiscoveryRows(report, module);
-    LoadingRows(report, module);
+    if (module.IsUsable()) RowsOf(report, module, mayUseNetwork);
+    RuleRow(report,
+            rules);  // rows before this one have listened, for which there may be a new rule
 }
 
 bool WriteText(const std::wstring& path, const std::string& text) {

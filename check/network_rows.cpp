@@ -23,6 +23,8 @@ constexpr char kGroup[] = "239.255.255.250";
 constexpr char kBroadcast[] = "255.255.255.255";
 constexpr uint16_t kSnmpPort = 161, kWsdPort = 3702;
 constexpr int kWaitMs = 1000;
+constexpr char kLoop[] = "an IPv6 multicast without IPV6_MULTICAST_LOOP, by another member here";
+constexpr char kUnreachable[] = "an echo of 8 bytes to nobody, into a buffer of 48";
 
 struct Adapter {
     DWORD index;
@@ -170,8 +172,6 @@ void LeavingRows(Report& report, const std::vector<Adapter>& adapters) {
 
 // The module sends so, and must not hear itself.
 void LoopRow(Report& report) {
-    const char* const name =
-        "an IPv6 multicast without IPV6_MULTICAST_LOOP, by another member here";
     UdpSocket receiver(AF_INET6), sender(AF_INET6);
     sockaddr_in6 any = {}, group = {};
     any.sin6_family = group.sin6_family = AF_INET6;
@@ -185,11 +185,11 @@ void LoopRow(Report& report) {
     group.sin6_port = htons(receiver.Port());
     if (bound == 0 && sendto(sender.Get(), "check", 5, 0, reinterpret_cast<const sockaddr*>(&group),
                              sizeof group) == 5) {
-        report.Add(name, "not heard", receiver.IsReadable(kWaitMs) ? "heard" : "not heard");
+        report.Add(kLoop, "not heard", receiver.IsReadable(kWaitMs) ? "heard" : "not heard");
     } else if (const int error = WSAGetLastError(); bound != 0 || error == WSAENETUNREACH) {
-        report.NotSeen(name, "not heard", "no IPv6");
+        report.NotSeen(kLoop, "not heard", "no IPv6");
     } else {
-        report.Add(name, "not heard", "sending fails with " + Number(error));
+        report.Add(kLoop, "not heard", "sending fails with " + Number(error));
     }
 }
 
@@ -207,7 +207,7 @@ void UnreachableRow(Report& report) {
     const bool isRight = status == IP_REQ_TIMED_OUT || status == ERROR_NETWORK_UNREACHABLE ||
                          status == ERROR_HOST_UNREACHABLE || status == IP_TTL_EXPIRED_TRANSIT ||
                          (status >= IP_DEST_NET_UNREACHABLE && status <= IP_DEST_PORT_UNREACHABLE);
-    report.Add("an echo of 8 bytes to nobody, into a buffer of 48", "timed out or unreachable",
+    report.Add(kUnreachable, "timed out or unreachable",
                isRight ? "timed out or unreachable"
                        : Number(replies) + " reply, status " + Number(status));
 }
@@ -221,8 +221,11 @@ void AdapterRows(Report& report, bool mayUseNetwork) {
     PortRows(report);
     ProbeRow(report, adapters);
     if (!mayUseNetwork) {
-        report.NotSeen("where broadcasts and multicasts leave", "by their own adapter",
-                       "needs --network");
+        for (const auto& [name, expected] :
+             {std::pair("where broadcasts and multicasts leave", "by their own adapter"),
+              {kLoop, "not heard"},
+              {kUnreachable, "timed out or unreachable"}})
+            report.NotSeen(name, expected, "needs --network");
         return;
     }
     LeavingRows(report, adapters);

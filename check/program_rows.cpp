@@ -17,8 +17,8 @@ constexpr char kNotBeside[] = "it is not beside this program";
 // What a program is started with: pipes that are read when it has ended, so it may write little.
 struct Ended {
     bool isStarted = false, isInTime = false;
-    DWORD code = 0;
-    size_t output = 0, error = 0;  // bytes
+    DWORD code = 0, breakError = 0;
+    std::string output, error;
 };
 
 class Pipe {
@@ -35,9 +35,12 @@ class Pipe {
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
     HANDLE Write() const { return write_; }
-    size_t Waiting() const {
+    std::string Waiting() const {
+        char text[4096];
         DWORD size = 0;
-        return PeekNamedPipe(read_, nullptr, 0, nullptr, &size, nullptr) ? size : 0;
+        return PeekNamedPipe(read_, text, sizeof text, &size, nullptr, nullptr)
+                   ? std::string(text, size)
+                   : "";
     }
 
   private:
@@ -64,7 +67,8 @@ Ended Run(const wchar_t* program, const wchar_t* arguments, How how = How::kPipe
     if (!ended.isStarted) return ended;
     if (interrupts) {
         Sleep(kSweepBeginsMs);
-        GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, process.dwProcessId);
+        if (!GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, process.dwProcessId))
+            ended.breakError = GetLastError();
     }
     ended.isInTime = WaitForSingleObject(process.hProcess, kProgramLimitMs) == WAIT_OBJECT_0;
     if (!ended.isInTime) TerminateProcess(process.hProcess, 1);
@@ -81,11 +85,16 @@ void ProgramRow(Report& report, const std::string& name, const char* expected, c
         report.NotSeen(name, expected, kNotBeside);
         return;
     }
+    if (ended.breakError != 0) {
+        report.NotSeen(name, expected, "no break is sent (" + Number(ended.breakError) + ")");
+        return;
+    }
+    const bool isStopped = ended.error.find("stopped") != std::string::npos;
+    const char* const error = ended.error.empty() ? "" : isStopped ? ", stopped" : ", error output";
     report.Add(name, expected,
-               !ended.isInTime
-                   ? "it does not end"
-                   : "exit code " + Number(int32_t(ended.code)) + (ended.output ? ", output" : "") +
-                         (ended.error ? ", error output" : ""));
+               !ended.isInTime ? "it does not end"
+                               : "exit code " + Number(int32_t(ended.code)) +
+                                     (ended.output.empty() ? "" : ", output") + error);
 }
 
 void ConsoleRows(Report& report) {
@@ -132,7 +141,7 @@ void ProgramRows(Report& report, bool mayUseNetwork) {
                Run(L"VnBrowser.exe", L"--none --exit"));
     ConsoleRows(report);
     const char* const name = "Ctrl-Break in a sweep of vndiscover.exe";
-    const char* const stopped = "exit code 1, error output";
+    const char* const stopped = "exit code 1, stopped";
     if (!mayUseNetwork || GetConsoleCP() == 0) {
         report.NotSeen(name, stopped, mayUseNetwork ? "there is no console" : "needs --network");
     } else {

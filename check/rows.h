@@ -17,7 +17,9 @@ void RequestRows(Report& report, const Module& module,
 void DiscoveryRows(Report& report, Module& module);
 void SocketRows(Report& report, bool mayUseNetwork);
 void AdapterRows(Report& report, bool mayUseNetwork);
-void FirewallRows(Report& report);
+// Returns how many rules of the firewall name this program; -1: unknown.
+int FirewallRows(Report& report);
+void RuleRow(Report& report, int before);
 void WindowRows(Report& report);
 // Starts the two programs beside this one.
 void ProgramRows(Report& report, bool mayUseNetwork);

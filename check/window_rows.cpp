@@ -93,15 +93,17 @@ void LibraryRows(Report& report) {
 
     const auto context =
         SystemFunction<HANDLE(WINAPI*)()>(L"user32.dll", "GetThreadDpiAwarenessContext");
-    const auto awareness =
-        SystemFunction<int(WINAPI*)(HANDLE)>(L"user32.dll", "GetAwarenessFromDpiAwarenessContext");
+    const auto isSame = SystemFunction<BOOL(WINAPI*)(HANDLE, HANDLE)>(
+        L"user32.dll", "AreDpiAwarenessContextsEqual");
     const char* const name = "DPI awareness by the manifest";
-    if (context && awareness) {
-        const int seen = awareness(context());
-        report.Add(name, "2, for each monitor",
-                   Number(seen) + (seen == 2 ? ", for each monitor" : ""));
+    const char* const second = "for each monitor, version 2";
+    if (context && isSame) {
+        const auto is = [&](intptr_t one) {
+            return isSame(context(), reinterpret_cast<HANDLE>(one));
+        };
+        report.Add(name, second, is(-4) ? second : is(-3) ? "for each monitor" : "another one");
     } else {
-        report.NotSeen(name, "2, for each monitor", "this system does not tell");
+        report.NotSeen(name, second, "this system does not tell");
     }
     const auto metrics =
         SystemFunction<int(WINAPI*)(int, UINT)>(L"user32.dll", "GetSystemMetricsForDpi");

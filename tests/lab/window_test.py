@@ -74,7 +74,8 @@ class Scripts(unittest.TestCase):
 
     def test_needs_a_kept_profile(self):
         code, _, told = run("--profile", "Hall", "--sweep", "--save", SCAN, "--exit", program="VnBrowser.exe")
-        self.assertEqual((2, "VnBrowser: The profile Hall does not exist or cannot be opened.\n"), (code, told))
+        self.assertEqual((2, "VnBrowser: The profile Hall does not exist or cannot be opened. "
+                             "Choose another under Tools > SNMP settings.\n"), (code, told))
 
     def test_tells_of_a_file_that_cannot_be_written(self):
         for option in ("--save", "--csv"):
@@ -109,7 +110,7 @@ class Scripts(unittest.TestCase):
         for words, problem in ((["--sweep", "--save", ""], "--save needs a value."), (["--save", SCAN], "--read, --save, --csv and --exit need --sweep."),
                                (["--help"], "There is no option --help."),
                                (["--profile", "--sweep"], "--profile needs a value."), (["--look-for", "x"], "--look-for does not take x."),
-                               (["--sweep", "--save", "a", "--csv", "A"], "--save and --csv both name A.")):
+                               (["--sweep", "--save", "a", "--csv", "A"], "--save and --csv both name A. Give each a file of its own.")):
             code, _, told = run(*words, "--exit", program="VnBrowser.exe")
             self.assertEqual((2, f"VnBrowser: {problem}\n\nUsage:\nVnBrowser.exe ["), (code, told[:told.find("[") + 1]))
         code, _, told = run("--help", program="VnBrowser.exe")  # no message that nobody answers

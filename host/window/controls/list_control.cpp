@@ -201,11 +201,9 @@ std::wstring ListControl::SelectedText() const {
     return text;
 }
 
-std::wstring ListControl::TableText(bool hasHeadings) const {
-    std::wstring table;
-    if (hasHeadings)
-        table = LineOf(ShownOrder(),
-                       [&](int column) { return headings_[static_cast<size_t>(column)]; });
+std::wstring ListControl::TableText() const {
+    std::wstring table =
+        LineOf(ShownOrder(), [&](int column) { return headings_[static_cast<size_t>(column)]; });
     for (size_t row = 0; row < model_.Count(); ++row) table += RowText(row);
     return table;
 }
@@ -213,7 +211,7 @@ std::wstring ListControl::TableText(bool hasHeadings) const {
 void ListControl::Copy(int command) const {
     std::wstring text;
     if (command == IDM_COPY_TABLE) {
-        text = TableText(false);
+        text = TableText();
     } else if (command == IDM_COPY_ROW) {
         for (const size_t row : Selection()) text += RowText(row);
     } else if (command == IDM_COPY_CELL) {
@@ -265,11 +263,9 @@ LRESULT ListControl::FindRow(const NMLVFINDITEMW& search) const {
     const int count = static_cast<int>(model_.Count());
     if (!(search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !search.lvfi.psz) return -1;
     const std::wstring typed = search.lvfi.psz;
-    const auto order = ShownOrder();
     for (int step = 0; step < count; ++step) {
         const int row = (std::max(search.iStart, 0) + step) % count;
-        const std::wstring text = model_.SearchText(
-            static_cast<size_t>(row), order.empty() ? 0 : static_cast<size_t>(order.front()));
+        const std::wstring text = model_.SearchText(static_cast<size_t>(row));
         const auto size = static_cast<int>(std::min(text.size(), typed.size()));
         if (CompareStringOrdinal(text.c_str(), size, typed.c_str(), static_cast<int>(typed.size()),
                                  TRUE) == CSTR_EQUAL)
@@ -362,6 +358,10 @@ void ListControl::ShowCopyMenu(LPARAM place) {
     if (!FindMenuPlace(place, found)) return;
     const OwnedMenu menu =
         MakePopup({IDM_COPY_CELL, IDS_MENU_CELLS, IDM_COPY_ROW, IDM_COPY_TABLE}, headings_);
+    for (UINT item = 0; item < 4; ++item) {
+        const bool hasText = item == 3 ? model_.Count() != 0 : Selected() >= 0;
+        EnableMenuItem(menu.Get(), item, MF_BYPOSITION | (hasText ? MF_ENABLED : MF_GRAYED));
+    }
     int command =
         TrackPopupMenu(menu.Get(), TPM_RIGHTBUTTON | TPM_RETURNCMD | TPM_NONOTIFY, found.point.x,
                        found.point.y, 0, GetAncestor(list_, GA_ROOT), nullptr);

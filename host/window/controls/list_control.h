@@ -37,9 +37,7 @@ class ListModel {
         return rows_[row].cells[column];
     }
     // By what typed letters find the row.
-    virtual std::wstring SearchText(size_t row, size_t column) const {
-        return CellText(row, column);
-    }
+    virtual std::wstring SearchText(size_t row) const { return CellText(row, 0); }
     // Drawn before the text.
     virtual std::optional<LevelBar> Bar(size_t row, size_t column) const {
         return column == 1 && row < rows_.size() ? rows_[row].bar : std::nullopt;
@@ -101,7 +99,7 @@ class ListControl {
 
     // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
     // that a spreadsheet would run.
-    std::wstring TableText(bool hasHeadings) const;
+    std::wstring TableText() const;
     // The selected row in one text; empty if there is none.
     std::wstring SelectedText() const;
     // Executes IDM_COPY_ROW for the selected rows, IDM_COPY_TABLE, IDM_COPY_CELL for the second

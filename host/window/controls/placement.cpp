@@ -5,16 +5,27 @@
 namespace vndiscover::host {
 namespace {
 
+// Of user32.dll; null on a system without it.
+template <class Function>
+Function* UserFunction(const char* name) {
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<uintptr_t>(GetProcAddress(GetModuleHandleW(L"user32.dll"), name)));
+}
+
 int SystemDpi() { return GetDeviceCaps(WindowDc(nullptr).Get(), LOGPIXELSY); }
 
 }  // namespace
 
 int DpiOf(HWND window) {
-    // Available since Windows 10; otherwise null.
-    const auto get = reinterpret_cast<UINT(WINAPI*)(HWND)>(reinterpret_cast<uintptr_t>(
-        GetProcAddress(GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
+    const auto get = UserFunction<UINT WINAPI(HWND)>("GetDpiForWindow");  // since Windows 10
     const UINT dpi = get ? get(window) : 0;
     return dpi != 0 ? static_cast<int>(dpi) : SystemDpi();
+}
+
+void DisableSystemScaling(HWND dialog) {
+    constexpr int kAll = 1;  // DDC_DISABLE_ALL
+    if (const auto set = UserFunction<BOOL WINAPI(HWND, int, int)>("SetDialogDpiChangeBehavior"))
+        set(dialog, kAll, kAll);
 }
 
 OwnedFont MakeMessageFont(int dpi) {

@@ -13,6 +13,8 @@ namespace vndiscover::host {
 // Sizes by the DPI of a window's screen, on systems with and without per-window DPI.
 
 int DpiOf(HWND window);
+// The dialog answers WM_DPICHANGED itself: without this, Windows would scale its controls too.
+void DisableSystemScaling(HWND dialog);
 // A size in pixels at 96 DPI.
 inline int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
 // The user's font for messages.

@@ -97,18 +97,24 @@ void TakeSuggested(HWND window, const RECT& place) {
 }
 
 void CentreOnOwner(HWND window) {
-    RECT place = {}, owner = {};
+    RECT place = {};
     GetWindowRect(window, &place);
-    GetWindowRect(GetWindow(window, GW_OWNER), &owner);
+    WINDOWPLACEMENT placement = {};
+    placement.length = sizeof placement;
+    const HWND owning = GetWindow(window, GW_OWNER);
+    GetWindowPlacement(owning, &placement);
+    RECT owner = placement.rcNormalPosition;  // where it will be, if it is minimised
+    if (!IsIconic(owning)) GetWindowRect(owning, &owner);
     MONITORINFO screen = {};
     screen.cbSize = sizeof screen;
     GetMonitorInfoW(MonitorFromRect(&owner, MONITOR_DEFAULTTONEAREST), &screen);
     const RECT& work = screen.rcWork;
-    const LONG width = place.right - place.left, height = place.bottom - place.top;
+    const LONG width = std::min(place.right - place.left, work.right - work.left);
+    const LONG height = std::min(place.bottom - place.top, work.bottom - work.top);
     const LONG x = std::min((owner.left + owner.right - width) / 2, work.right - width);
     const LONG y = std::min((owner.top + owner.bottom - height) / 2, work.bottom - height);
-    SetWindowPos(window, nullptr, std::max(x, work.left), std::max(y, work.top), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(window, nullptr, std::max(x, work.left), std::max(y, work.top), width, height,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 bool Dialog::Ask(HWND owner, int resource) {
@@ -119,9 +125,10 @@ bool Dialog::Ask(HWND owner, int resource) {
     return end == TRUE;
 }
 
-std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM) {
+std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         dialog_ = dialog;
+        DisableSystemScaling(dialog);
         dpi_ = firstDpi_ = DpiOf(dialog);
         const LRESULT font = SendMessageW(dialog, WM_GETFONT, 0, 0);
         GetObjectW(reinterpret_cast<HFONT>(font), sizeof face_, &face_);
@@ -134,13 +141,32 @@ std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wPara
         dialog_ = nullptr;
         font_.Reset();
     } else if (message == WM_DPICHANGED) {
-        dpi_ = HIWORD(wParam);
+        SetDpi(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+        return 0;
+    } else if (message == WM_HELP) {  // F1, while the owner's keys do nothing
+        PostMessageW(GetWindow(dialog, GW_OWNER), WM_COMMAND, IDM_HELP, 0);
+        return TRUE;
     } else if (message == WM_SETTINGCHANGE) {  // such as how letters are smoothed
         MakeFonts();
     } else if (message == WM_COMMAND) {
         OnControl(LOWORD(wParam), HIWORD(wParam));
     }
     return std::nullopt;
+}
+
+// Not left to the system, which knows neither columns nor fonts and heights of its own.
+void Dialog::SetDpi(int dpi, const RECT& place) {
+    const int former = std::exchange(dpi_, dpi);
+    MoveControls(dialog_, [&](HWND control, RECT& box) {
+        RECT open = {};  // of a combo box, with its list
+        if (SendMessageW(control, CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&open)))
+            box.bottom = box.top + open.bottom - open.top;
+        for (LONG* side : {&box.left, &box.top, &box.right, &box.bottom})
+            *side = MulDiv(*side, dpi, former);
+    });
+    MakeFonts();
+    OnDpi(former);
+    TakeSuggested(dialog_, place);
 }
 
 void Dialog::MakeFonts() {
@@ -178,17 +204,15 @@ void ListDialog::OpenDialog(HWND owner, Form form) {
                            reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
     }
     if (!dialog_) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
-    ShowWindow(dialog_, SW_SHOW);
-    SetActiveWindow(dialog_);
+    const bool isFree = IsWindowEnabled(owner);  // otherwise the user types into a modal dialog
+    ShowWindow(dialog_, isFree ? SW_SHOW : SW_SHOWNA);
+    if (isFree) SetActiveWindow(dialog_);
 }
 
 std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM wParam,
                                              LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         client_ = ClientSize(dialog);
-        RECT whole = {};
-        GetWindowRect(dialog, &whole);
-        least_ = {whole.right - whole.left, whole.bottom - whole.top};
         SendMessageW(dialog, WM_SETICON, ICON_SMALL,
                      GetClassLongPtrW(GetWindow(dialog, GW_OWNER), GCLP_HICON));
     } else if (message == WM_SIZE && wParam != SIZE_MINIMIZED) {
@@ -196,11 +220,13 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
     } else if (message == WM_GETMINMAXINFO) {
         reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least_.cx, least_.cy};
         return 0;
-    } else if (message == WM_DPICHANGED) {
-        SetDpi(HIWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
-        return 0;
     }
     const auto result = Dialog::OnMessage(dialog, message, wParam, lParam);
+    if (message == WM_INITDIALOG) {  // as large as the screen allows
+        RECT whole = {};
+        GetWindowRect(dialog, &whole);
+        least_ = {whole.right - whole.left, whole.bottom - whole.top};
+    }
     if (message == WM_NCDESTROY) OnClosed();
     return result ? result : HandleListMessage(message, wParam, lParam);
 }
@@ -231,17 +257,10 @@ void ListDialog::Stretch() {
     list_.Fit();
 }
 
-// Not left to the system, which knows neither columns nor further fonts.
-void ListDialog::SetDpi(int dpi, const RECT& place) {
-    const int former = std::exchange(dpi_, dpi);
-    const auto scale = [&](LONG& pixels) { pixels = MulDiv(pixels, dpi, former); };
-    MoveControls(dialog_, [&](HWND, RECT& box) {
-        for (LONG* side : {&box.left, &box.top, &box.right, &box.bottom}) scale(*side);
-    });
-    MakeFonts();
-    list_.SetDpi(dpi);
-    for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy}) scale(*size);
-    TakeSuggested(dialog_, place);
+void ListDialog::OnDpi(int former) {
+    list_.SetDpi(dpi_);
+    for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy})
+        *size = MulDiv(*size, dpi_, former);
 }
 
 void ListDialog::Begin() {
@@ -315,12 +334,20 @@ class AddDialog : public Dialog {
     }
 
   private:
-    void OnControl(int id, int) override {
+    void Begin() override { Grey(); }
+    void OnControl(int id, int code) override {
+        if (id == IDC_ADD_HOSTS && code == EN_CHANGE) Grey();
         if (id == IDC_ADD_FILE) ReadFile();
         if (id == IDOK) Finish();
         if (id == IDCANCEL) EndDialog(dialog_, FALSE);
     }
 
+    std::vector<std::string> Hosts() const {
+        return SplitText(ToUtf8(WindowText(Item(IDC_ADD_HOSTS))), ",; \t\r\n");
+    }
+    void Grey() const { EnableWindow(Item(IDOK), !Hosts().empty()); }
+
+    // Adds them to what was typed.
     void ReadFile() const {
         const std::string path = AskPath(dialog_, IDS_TEXT_FILES, L"txt", L"", false);
         if (path.empty()) return;
@@ -328,11 +355,12 @@ class AddDialog : public Dialog {
         const auto text = ReadFileText(path, kMaxFileSize, problem);
         if (!text)
             return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem), ToWide(path)}), false);
-        SetItem(IDC_ADD_HOSTS, EditText(*text));
+        const std::wstring typed = WindowText(Item(IDC_ADD_HOSTS));
+        SetItem(IDC_ADD_HOSTS, (typed.empty() ? L"" : typed + L"\r\n") + EditText(*text));
     }
 
     void Finish() {
-        hosts_ = SplitText(ToUtf8(WindowText(Item(IDC_ADD_HOSTS))), ",; \t\r\n");
+        hosts_ = Hosts();
         if (hosts_.size() <= kMaxHosts) return void(EndDialog(dialog_, TRUE));
         const std::wstring count = Grouped(hosts_.size());
         ShowProblem(dialog_, Text(IDS_TOO_MANY_HOSTS, {Grouped(kMaxHosts), count}), false);

@@ -30,7 +30,8 @@ void ChangeText(HWND window, const std::wstring& text);
 // window grow each time that it comes to another screen.
 void TakeSuggested(HWND window, const RECT& place);
 
-// Moves a window to the middle of its owner, as far as the screen allows.
+// Moves a window to the middle of its owner, as far as the screen allows, and makes it no larger
+// than that.
 void CentreOnOwner(HWND window);
 
 // Shows a user a problem in a message, or a script on the error output.
@@ -39,7 +40,8 @@ void ShowProblem(HWND owner, const std::wstring& problem, bool isScript);
 // drawn fails again under the message.
 void ShowException(HWND owner, bool isScript) noexcept;
 
-// A dialog of the resources, in the middle of its owner.
+// A dialog of the resources, in the middle of its owner. Its user may move it to a screen of
+// another DPI.
 class Dialog {
   public:
     virtual ~Dialog() = default;
@@ -57,6 +59,7 @@ class Dialog {
     virtual void Begin() {}
     virtual void OnControl(int id, int code) = 0;  // as in WM_COMMAND
     virtual void OnFonts() {}                      // those of its own must be made anew
+    virtual void OnDpi(int /*former*/) {}          // its controls have the size of this one
     // Gives its controls the font of its resource, in the size of this DPI.
     void MakeFonts();
     // Gives the fields for one line their height, in the middle of the labels before them.
@@ -66,13 +69,15 @@ class Dialog {
     int dpi_ = 96;
 
   private:
+    void SetDpi(int dpi, const RECT& place);
+
     LOGFONTW face_ = {};  // of its resource
     int firstDpi_ = 96;   // when it was opened
     OwnedFont font_;      // none: that of its resource
 };
 
 // A dialog that leaves its owner enabled. It contains a list, of which it is the model, and the
-// whole text of the selected row. Its user may enlarge it, and move it to a screen of another DPI.
+// whole text of the selected row. Its user may enlarge it.
 class ListDialog : public Dialog, protected ListModel {
   public:
     ~ListDialog() override;
@@ -104,8 +109,8 @@ class ListDialog : public Dialog, protected ListModel {
 
   private:
     void OnControl(int id, int code) override;
+    void OnDpi(int former) override;
     void Stretch();
-    void SetDpi(int dpi, const RECT& place);
 
     SIZE client_ = {}, least_ = {};  // of the client area; of the smallest window
 };

@@ -114,6 +114,8 @@ class SnmpDialog : public Dialog {
         }
     }
 
+    // No is the default. Esc is Cancel, which a message without it lacks.
+    static constexpr UINT kQuestion = MB_YESNOCANCEL | MB_ICONQUESTION | MB_DEFBUTTON2;
     int ShowMessage(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
         return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
     }
@@ -174,8 +176,7 @@ class SnmpDialog : public Dialog {
 
     void Delete() {
         const std::wstring name = FieldText(IDC_PROFILE);
-        if (!IsSaved(name) || ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}),
-                                          MB_YESNO | MB_ICONQUESTION | MB_DEFBUTTON2) != IDYES)
+        if (!IsSaved(name) || ShowMessage(Text(IDS_PROFILE_ASK_DELETE, {name}), kQuestion) != IDYES)
             return;
         if (!DeleteProfile(name)) return void(ShowMessage(Text(IDS_PROFILE_NOT_DELETED)));
         isClosed_ = false;
@@ -247,7 +248,7 @@ class SnmpDialog : public Dialog {
     std::optional<SaveResult> Save(const std::wstring& name, const Security& user) const {
         const bool isLoaded = IsSame(name, loaded_);
         if (!isLoaded && IsSaved(name) &&
-            ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), MB_YESNO | MB_ICONQUESTION) != IDYES)
+            ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), kQuestion) != IDYES)
             return std::nullopt;
         // If it cannot be opened, the note has said that it is not changed.
         const bool isLeft = isLoaded && isClosed_ && !name.empty();

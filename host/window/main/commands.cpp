@@ -60,6 +60,10 @@ unsigned NoParts(const Window& w) {
     if (const unsigned noTarget = NoOneTarget(w)) return noTarget;
     return Unless(w.state.session.CanSplit(*w.state.session.view.SelectedRow()), IDS_NO_PARTS);
 }
+template <int direction>
+unsigned IsAtEnd(const Window& w) {
+    return Unless(w.panes.MayWiden(direction), IDS_SPLIT_END);
+}
 unsigned IsBusy(const Window& w) { return w.state.Obstacle(); }
 unsigned IsIdle(const Window& w) { return Unless(w.state.IsBusy(), IDS_IDLE); }
 
@@ -107,7 +111,7 @@ constexpr Command kTable[] = {
      [](Window& w) { CopyCell(w.state, w.panes.list.ChosenColumn()); }},
     {IDS_MENU_CELLS, {}, NoRow},
     {IDM_COPY_TABLE, CtrlShift('T'), NoRows,
-     [](Window& w) { CopyText(w.Handle(), w.panes.list.TableText(true)); }},
+     [](Window& w) { CopyText(w.Handle(), w.panes.list.TableText()); }},
     {kMenuLine},
     {IDM_FILTER, Ctrl('F'), nullptr,
      [](Window& w) { SetFocus(GetDlgItem(w.Handle(), IDC_FILTER)); }},
@@ -115,8 +119,11 @@ constexpr Command kTable[] = {
 
     {IDS_MENU_VIEW},  // after the columns
     {kMenuLine},
-    {IDM_NARROWER, {0, VK_F7}, nullptr, [](Window& w) { w.panes.Widen(-kStep); }},
-    {IDM_WIDER, {0, VK_F8}, nullptr, [](Window& w) { w.panes.Widen(kStep); }},
+    {IDM_SORT, {0, VK_F9}, NoRows, [](Window& w) { w.panes.list.SortByNext(); }},
+    {IDM_REVERSE, {FSHIFT, VK_F9}, NoRows, [](Window& w) { w.panes.list.Reverse(); }},
+    {kMenuLine},
+    {IDM_NARROWER, {0, VK_F7}, IsAtEnd<-1>, [](Window& w) { w.panes.Widen(-kStep); }},
+    {IDM_WIDER, {0, VK_F8}, IsAtEnd<1>, [](Window& w) { w.panes.Widen(kStep); }},
     {kMenuLine},
     Choice<IDM_LOW_5, &Settings::lowPercent, 5, UseLow>(),
     Choice<IDM_LOW_10, &Settings::lowPercent, 10, UseLow>(),

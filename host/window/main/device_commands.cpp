@@ -134,7 +134,9 @@ void Split(MainWindow& window) {
 
 void AddByHand(MainWindow& window) {
     const std::vector<std::string> hosts = AskHosts(window.Handle());
-    if (!hosts.empty()) window.state.workers->Resolve(hosts);
+    if (hosts.empty()) return;
+    window.state.progress.SetNote(Text(IDS_RESOLVING, {Grouped(hosts.size())}));
+    window.state.workers->Resolve(hosts);
 }
 
 // Made only from numeric addresses: nothing that a device sends becomes a URL.
@@ -143,7 +145,7 @@ void OpenWebPages(MainWindow& window) {
     const std::wstring question = Text(IDS_ASK_WEB_PAGES, {Grouped(addresses.size())});
     if (addresses.size() > 1 &&
         MessageBoxW(window.Handle(), question.c_str(), Text(IDS_TITLE).c_str(),
-                    MB_YESNO | MB_ICONQUESTION) != IDYES)
+                    MB_OKCANCEL | MB_ICONQUESTION) != IDOK)
         return;
     for (const std::string& address : addresses)
         OpenElsewhere(window.state, ToWide("http://" + address + "/"));

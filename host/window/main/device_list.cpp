@@ -150,13 +150,15 @@ bool DeviceList::IsGrey(size_t row) const {
     return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
 }
 
-std::wstring DeviceList::SearchText(size_t row, size_t column) const {
-    return ShownText(state_.session.view.Row(row), At(column));
+std::wstring DeviceList::SearchText(size_t row) const {
+    const DeviceRow& shown = state_.session.view.Row(row);
+    const std::string& name = shown.Text(Column::kName);
+    return ToWide(name.empty() ? shown.Text(Column::kAddress) : name);
 }
 
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
-    const std::wstring text = SearchText(row, column);
+    const std::wstring text = ShownText(shown, At(column));
     if (At(column) == Column::kState && state_.changes.IsMarked(shown))
         return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
     const std::string mark = Bar(row, column) ? SeverityMark(shown.summary.supplySeverity) : "";
@@ -170,11 +172,26 @@ std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     return BarOf(*shown.summary.lowestSupply, shown.summary.supplyColour);
 }
 
-void DeviceList::OnHeading(size_t column) {
-    const Column chosen = At(column);
-    DeviceView& view = state_.session.view;
-    view.Sort(chosen, view.SortColumn() == chosen && !view.IsDescending());
+void DeviceList::SortBy(Column column, bool isDescending) {
+    state_.session.view.Sort(column, isDescending);
     Show();
+}
+
+void DeviceList::OnHeading(size_t column) {
+    const DeviceView& view = state_.session.view;
+    SortBy(At(column), view.SortColumn() == At(column) && !view.IsDescending());
+}
+
+void DeviceList::SortByNext() {
+    const std::vector<Column> columns = Columns();
+    const auto at = std::find(columns.begin(), columns.end(), state_.session.view.SortColumn());
+    const bool isLast = at == columns.end() || at + 1 == columns.end();
+    SortBy(isLast ? columns.front() : *(at + 1), false);
+}
+
+void DeviceList::Reverse() {
+    const DeviceView& view = state_.session.view;
+    SortBy(view.SortColumn(), !view.IsDescending());
 }
 
 // Without a selected row, the selection stays until another one is selected.

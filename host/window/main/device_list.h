@@ -34,6 +34,9 @@ class DeviceList : private ListModel, public ListControl {
 
     // Updates rows, selection and headings from the session.
     void Show();
+    // Sorts by the next column to the right, or the other way round.
+    void SortByNext();
+    void Reverse();
     // Handles WM_NOTIFY that a cell was clicked.
     void OnNotify(const NMHDR& header);
     // Handles WM_CONTEXTMENU from the list or its header; the commands go to the parent.
@@ -45,7 +48,7 @@ class DeviceList : private ListModel, public ListControl {
   private:
     size_t Count() const override;
     std::wstring CellText(size_t row, size_t column) const override;
-    std::wstring SearchText(size_t row, size_t column) const override;
+    std::wstring SearchText(size_t row) const override;
     std::optional<LevelBar> Bar(size_t row, size_t column) const override;
     bool IsGrey(size_t row) const override;
     std::wstring EmptyText() const override;
@@ -57,6 +60,7 @@ class DeviceList : private ListModel, public ListControl {
 
     // The list has only the columns that are shown, so that their numbers are others there.
     Column At(size_t index) const { return index < shown_.size() ? shown_[index] : Column::kName; }
+    void SortBy(Column column, bool isDescending);
     void MarkSorted();
 
     WindowState& state_;

@@ -202,11 +202,17 @@ void MainWindow::Dispatch(MSG& message) try {
     const ListControl* from = copy != 0 ? ListControl::Of(message.hwnd) : nullptr;
     if (from == &panes.list) return OnCommand(copy, 0);
     if (from) return from->Copy(copy);
-    const bool isEnter = message.message == WM_KEYDOWN && message.wParam == VK_RETURN;
-    if (isEnter && message.hwnd == panes.list.Handle() && GetKeyState(VK_CONTROL) >= 0)
-        return OnCommand(IDM_DETAILS, 0);
-    if (TranslateAcceleratorW(state.window, keys_.Get(), &message)) return;
     const HWND active = GetActiveWindow();
+    const bool isOther = active && active != state.window;
+    const bool isKey = message.message == WM_KEYDOWN;
+    if (isKey && message.wParam == VK_RETURN) {
+        if (message.hwnd == panes.list.Handle() && GetKeyState(VK_CONTROL) >= 0)
+            return OnCommand(IDM_DETAILS, 0);
+        if (isOther && ListControl::Of(message.hwnd)) return;  // it is no button
+    }
+    const bool isForAll = isKey && message.wParam == VK_F1;
+    if ((!isOther || isForAll) && TranslateAcceleratorW(state.window, keys_.Get(), &message))
+        return;
     if (IsDialogMessageW(active ? active : state.window, &message)) return;
     TranslateMessage(&message);
     DispatchMessageW(&message);

@@ -166,7 +166,7 @@ bool Panes::OnMouse(UINT message) {
 void Panes::Widen(int pixels) {
     const int whole = details_.x + details_.width - list_.x;
     const int wanted = list_.width + Margin() + pixels;
-    split_ = std::clamp(wanted * 1000 / std::max(1, whole), 200, 800);
+    split_ = std::clamp(wanted * 1000 / std::max(1, whole), kLeastSplit, kMostSplit);
     Place();
 }
 
@@ -212,10 +212,18 @@ void Panes::ShowDetails() {
     details.Show();
 }
 
+// A list without rows says why only in its place, which no screen reader reads.
+std::wstring Panes::EmptyNote(Progress::Kind kind) const {
+    const bool isOver = kind == Progress::Kind::kDone || kind == Progress::Kind::kStopped ||
+                        kind == Progress::Kind::kRead;
+    const std::wstring text = isOver ? list.ListControl::EmptyText() : L"";
+    return text.empty() ? L"" : L". " + text;
+}
+
 void Panes::ShowStatus() const {
     const Progress::Status status =
         state_.progress.Now(state_.workers ? state_.workers->Now() : Progress::Work());
-    ChangeText(Control(IDC_STATUS), TextOf(status));
+    ChangeText(Control(IDC_STATUS), TextOf(status) + EmptyNote(status.kind));
     const unsigned find = !state_.IsBusy()               ? IDS_FIND
                           : state_.progress.IsStopping() ? IDS_STOPPING
                                                          : IDS_STOP;

@@ -40,6 +40,10 @@ class Panes {
     bool OnMouse(UINT message);
     // Makes the list wider by so many pixels.
     void Widen(int pixels);
+    // `direction`: negative for a narrower list.
+    bool MayWiden(int direction) const {
+        return direction < 0 ? split_ > kLeastSplit : split_ < kMostSplit;
+    }
     void NextPane() const;             // gives it the focus
     void ToggleColumn(Column column);  // not the last one that is shown
     // Supplies need attention below another percentage now.
@@ -57,10 +61,12 @@ class Panes {
     void PlaceStatus() const;
     std::wstring TextOf(const Progress::Status& status) const;
     std::wstring ReadText(const Progress::Status& status) const;
+    std::wstring EmptyNote(Progress::Kind kind) const;
 
     WindowState& state_;
     OwnedFont font_;
     Box list_, details_;
+    static constexpr int kLeastSplit = 200, kMostSplit = 800;
     int split_ = 0;  // of the width that the list has, in thousandths
     int dpi_ = 96;
 };

@@ -187,9 +187,16 @@ bool ScanCommands::SaveTextTo(const std::string& text, const std::string& path) 
     return true;
 }
 
+// Of another window, which waits too, and gets the focus back.
 void ScanCommands::SaveTable(const std::string& csv) {
+    const HWND table = GetActiveWindow();
+    const bool isOther = table && table != state_.window;
+    if (isOther) EnableWindow(table, FALSE);
     const std::string path = AskPath(state_.window, IDS_CSV_FILES, L"csv", ProposedName(), true);
     if (!path.empty()) SaveTextTo(csv, path);
+    if (!isOther) return;
+    EnableWindow(table, TRUE);
+    SetActiveWindow(table);
 }
 
 bool ScanCommands::SaveCsvTo(const std::string& path) {

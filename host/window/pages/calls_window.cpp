@@ -24,14 +24,14 @@ std::wstring CallsWindow::CellText(size_t row, size_t column) const {
         case kExport:
             return ToWide(PlainText(CallLine(call)));
         case kDuration:
-            return std::to_wstring(call.milliseconds) + L" ms";
+            return Grouped(call.milliseconds) + L" ms";
         default:
             if (call.more != 0)
                 return Text(IDS_CALL_MORE,
-                            {std::to_wstring(call.more + 1), ToWide(PlainText(call.result))});
-            return call.answers ? Text(IDS_CALL_ANSWERS,
-                                       {ToWide(call.result), std::to_wstring(*call.answers)})
-                                : ToWide(PlainText(call.result));
+                            {Grouped(call.more + 1), ToWide(PlainText(call.result))});
+            return call.answers
+                       ? Text(IDS_CALL_ANSWERS, {ToWide(call.result), Grouped(*call.answers)})
+                       : ToWide(PlainText(call.result));
     }
 }
 
@@ -99,7 +99,9 @@ void CallsWindow::OnSelected() {
                                                        : CallLanguage::kCpp;
     const std::wstring call = isSelected ? EditText(CallText(calls_[row], language)) : L"";
     EnableWindow(Item(IDC_CALL_COPY), !call.empty());
-    const unsigned instead = isSelected ? IDS_CALL_NO_COMMAND : IDS_CALLS_NONE;
+    const unsigned instead = isSelected       ? IDS_CALL_NO_COMMAND
+                             : calls_.empty() ? IDS_CALLS_NONE
+                                              : IDS_CALLS_SELECT;
     SetItem(IDC_CALL_TEXT, call.empty() ? Text(instead) : call);
 }
 

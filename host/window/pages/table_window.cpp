@@ -59,8 +59,14 @@ void TableWindow::Arrange() {
     Refresh();
 }
 
+void TableWindow::OnSelected() {
+    ListDialog::OnSelected();
+    for (const int button : {IDC_TABLE_COPY, IDC_TABLE_SAVE})
+        EnableWindow(Item(button), Count() != 0);
+}
+
 void TableWindow::OnCommand(int id) {
-    if (id == IDC_TABLE_COPY) CopyText(dialog_, list_.TableText(true));
+    if (id == IDC_TABLE_COPY) CopyText(dialog_, list_.TableText());
     if (id != IDC_TABLE_SAVE) return;
     std::vector<std::wstring> headings;
     for (const ListColumn& column : form_.columns) headings.push_back(Text(column.heading));

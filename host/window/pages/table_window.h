@@ -27,6 +27,7 @@ class TableWindow : public ListDialog {
     std::wstring CellText(size_t row, size_t column) const override;
     bool IsTime(size_t column) const { return form_.columns[column].heading == IDS_CALL_TIME; }
     void OnHeading(size_t column) override;
+    void OnSelected() override;
     void Arrange();
     void OnCommand(int id) override;
 

@@ -15,7 +15,7 @@ constexpr wchar_t kDefaultRoot[] = L".1.3.6.1.2.1";
 constexpr WPARAM kMaxRootLength = 1000;
 
 std::wstring EndText(const WalkEnd& end) {
-    const std::wstring count = std::to_wstring(end.variables), at = ToWide(OidToText(end.at));
+    const std::wstring count = Grouped(end.variables), at = ToWide(OidToText(end.at));
     if (end.variables >= kMaxWalkVariables) return Text(IDS_WALK_FULL, {count});
     if (end.isStopped) return Text(IDS_WALK_STOPPED, {count});
     if (end.last.status != Status::kAnswered)
@@ -54,7 +54,7 @@ void WalkWindow::OnEnded(unsigned walk, const WalkEnd& end, const std::string& p
     if (!IsShown(walk)) return;
     state_ = State::kIdle;
     SetItem(IDC_WALK_START, Text(IDS_WALK_START));
-    const std::wstring count = std::to_wstring(values_.size());
+    const std::wstring count = Grouped(values_.size());
     SetItem(IDC_WALK_STATE,
             problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
     ListDialog::Refresh();
@@ -66,7 +66,7 @@ void WalkWindow::Refresh() {
     const std::wstring seconds = std::to_wstring((GetTickCount64() - startMs_) / 1000);
     SetItem(IDC_WALK_STATE, state_ == State::kWaiting
                                 ? Text(IDS_WALK_WAITING, {seconds})
-                                : Text(IDS_WALKING, {std::to_wstring(values_.size()), seconds}));
+                                : Text(IDS_WALKING, {Grouped(values_.size()), seconds}));
 }
 
 void WalkWindow::Begin() {

@@ -79,7 +79,16 @@ TEST_F(Dialogs, FitLongerLanguages) {
     for (const TextChange change : {TextChange(nullptr), TextChange(LongerText)}) {
         SetTextChange(change);
         OpenWith({{"10.77.1.1", "x"}});
-        PlayDialog(IDCANCEL, [](HWND dialog) { CheckDialog(dialog, 18); });
+        PlayDialog(IDCANCEL, [](HWND dialog) {
+            CheckDialog(dialog, 18);
+            RECT place = PlaceOf(dialog);
+            const LONG width = PlaceOf(GetDlgItem(dialog, IDC_AUTH)).right;
+            place = {0, 0, 2 * (place.right - place.left), 2 * (place.bottom - place.top)};
+            SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(192, 192),
+                         reinterpret_cast<LPARAM>(&place));
+            CheckDialog(dialog, 18);
+            EXPECT_GT(PlaceOf(GetDlgItem(dialog, IDC_AUTH)).right, width);
+        });
         Command(IDM_CALLS);
         CheckDialog(PopupOf(window_->Handle()), 9);
         DestroyWindow(PopupOf(window_->Handle()));

@@ -208,8 +208,8 @@ TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
     ASSERT_TRUE(Ends());
     EXPECT_EQ(reads + 3, engine_.reads);  // the one with the focus whole
     openings = 0;
-    Answer({IDNO}, [&] { Command(IDM_WEB); });
-    EXPECT_EQ("Open the web pages of 2 devices?", Answer({IDYES}, [&] { Command(IDM_WEB); }));
+    Answer({IDCANCEL}, [&] { Command(IDM_WEB); });
+    EXPECT_EQ("Open the web pages of 2 devices?", Answer({IDOK}, [&] { Command(IDM_WEB); }));
     EXPECT_EQ(2, openings);
     Command(IDM_WALK);
     EXPECT_EQ(Text(IDS_SELECT_ONE), TextOf(Control(IDC_STATUS)));
@@ -485,6 +485,15 @@ TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {
     ReportWindow report;
     report.Open(window_->Handle(), L"a page", {});
     EXPECT_EQ(GetDlgItem(PopupOf(window_->Handle()), IDC_DETAILS), GetFocus());
+    const HWND page = PopupOf(window_->Handle());
+    PlacesIn(page);
+    // Keys of the main window are not its keys, and Enter in its list is no button.
+    for (const WPARAM key : {VK_F5, VK_RETURN}) {
+        MSG pressed = {GetDlgItem(page, IDC_DETAILS), WM_KEYDOWN, key, 1, 0, {}};
+        window_->Dispatch(pressed);
+    }
+    EXPECT_FALSE(window_->state.IsBusy());
+    EXPECT_TRUE(IsWindow(page));
     report.Close();
     SetActiveWindow(window_->Handle());
     EXPECT_EQ(Control(IDC_FILTER), GetFocus());

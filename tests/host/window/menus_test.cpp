@@ -1,4 +1,5 @@
 // Context menus, copying, and the columns that the user chooses.
+#include "model/scan/device_view.h"
 #include "scripted_window.h"
 #include "window/main/commands.h"
 
@@ -164,11 +165,11 @@ TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
         }
         return ids;
     };
-    EXPECT_EQ(
-        (std::vector<UINT>{IDM_SAVE, IDM_COMPARE, IDM_CSV, IDM_JSON, IDM_COPY_ROW, IDM_COPY_CELL,
-                           UINT(-1), IDM_COPY_TABLE, IDM_CLEAR, IDM_DETAILS, IDM_WEB, IDM_ASK,
-                           IDM_ASK_ALL, IDM_DIAGNOSE, IDM_WALK, IDM_SPLIT, IDM_STOP}),
-        greyed());
+    EXPECT_EQ((std::vector<UINT>{IDM_SAVE, IDM_COMPARE, IDM_CSV, IDM_JSON, IDM_COPY_ROW,
+                                 IDM_COPY_CELL, UINT(-1), IDM_COPY_TABLE, IDM_CLEAR, IDM_SORT,
+                                 IDM_REVERSE, IDM_DETAILS, IDM_WEB, IDM_ASK, IDM_ASK_ALL,
+                                 IDM_DIAGNOSE, IDM_WALK, IDM_SPLIT, IDM_STOP}),
+              greyed());
     Command(IDM_SPLIT);  // by its key
     EXPECT_EQ(Text(IDS_SELECT_FIRST), TextOf(Control(IDC_STATUS)));
     OpenWithDevice();
@@ -202,6 +203,22 @@ void CheckLetters(HMENU menu) {
         letters.Add(ItemText(menu, item));
         if (const HMENU popup = GetSubMenu(menu, item)) CheckLetters(popup);
     }
+}
+
+TEST_F(Menus, RowsAreSortedAndFoundByKeys) {
+    OpenWith({{"10.77.1.3", "x"}, {"10.77.1.2", "x"}, {"10.77.1.12", "x"}});
+    Select(0);
+    for (const wchar_t letter : std::wstring(L"10.77.1.12"))  // no name, and the state is first
+        SendMessageW(Devices(), WM_CHAR, letter, 1);
+    const DeviceView& view = window_->state.session.view;
+    EXPECT_EQ("10.77.1.12", view.SelectedRow()->Text(Column::kAddress));
+    Command(IDM_SORT);
+    EXPECT_EQ(Column::kLocation, view.SortColumn());
+    for (size_t step = 1; step < window_->panes.list.Columns().size(); ++step) Command(IDM_SORT);
+    EXPECT_EQ(Column::kAddress, view.SortColumn());
+    EXPECT_EQ("10.77.1.2", view.Row(0).Text(Column::kAddress));
+    Command(IDM_REVERSE);
+    EXPECT_EQ("10.77.1.12", view.Row(0).Text(Column::kAddress));
 }
 
 TEST_F(Menus, EachItemHasALetterOfItsOwn) {
@@ -268,7 +285,7 @@ TEST_F(Menus, ShowTheKeysOfTheirCommands) {
         EXPECT_EQ(L"\t" + key, text.substr(text.find(L'\t')));
         ++shown;
     }
-    EXPECT_EQ(12, shown);
+    EXPECT_EQ(14, shown);
 }
 
 TEST_F(Menus, ColumnsAreChosenAndKept) {
