@@ -9,6 +9,11 @@ namespace vndiscover::host {
 struct IpAddress {
     std::string bytes;  // 4 of IPv4 or 16 of IPv6, in network order
     bool IsIPv4() const { return bytes.size() == 4; }
+    // Whether one device may have it: it is neither of all, of a group, nor of none.
+    bool IsOfOne() const {
+        const auto first = static_cast<unsigned char>(bytes.front());
+        return IsIPv4() ? first != 0 && first < 224 : first != 0xFF;
+    }
 };
 
 // The zone of an IPv6 address is dropped. Empty for other text, such as a name.

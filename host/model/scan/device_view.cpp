@@ -88,7 +88,9 @@ std::vector<DeviceRow> MakeRows(const RowContext& context, std::vector<FoundDevi
         Standing now = standing(device);
         const auto found = knownBy.find(device.answers.front());
         DeviceRow* const same = found == knownBy.end() ? nullptr : found->second;
-        const bool isSame = same && same->answers == device.answers && same->standing == now;
+        // A time of yesterday has a date now.
+        const bool isSame = same && same->answers == device.answers && same->standing == now &&
+                            same->Text(Column::kState) == StateText(now, same->summary);
         rows.push_back(isSame ? std::move(*same)
                               : RowOf(context, std::move(device), std::move(now)));
     }

@@ -40,7 +40,9 @@ class ResultHandler : public Results {
             state_.progress.SetNote(refusal);
             if (state_.options.exit) state_.ReportProblem(refusal);
         }
+        const bool hasValues = !read.isPostponed && !read.answers.values.empty();
         state_.session.AddReading(std::move(read));
+        if (hasValues) w_.scans.NoteReading();
     }
     void OnReadAll(const Progress::Read& read) override {
         state_.progress.EndReadingAll(read);

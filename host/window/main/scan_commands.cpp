@@ -97,6 +97,13 @@ void ScanCommands::AddToFile() {
     state_.file.clear();
 }
 
+void ScanCommands::NoteReading() {
+    const std::wstring &file = state_.file, since = Text(IDS_SCAN_READ);
+    const bool isNoted = file.size() >= since.size() &&
+                         file.compare(file.size() - since.size(), since.size(), since) == 0;
+    if (!file.empty() && !isNoted) SetFile(file + since);
+}
+
 bool ScanCommands::HasScan() const {
     return state_.progress.HasSearched() || !state_.session.GetScan().answers.empty();
 }

@@ -29,6 +29,8 @@ class ScanCommands {
     void SetFile(const std::wstring& file);
     // What is found from now on is added to the file's devices, which the title still names.
     void AddToFile();
+    // Some of the list is newer than the file that the title names.
+    void NoteReading();
     // Whether there is something to save or to clear.
     bool HasScan() const;
 

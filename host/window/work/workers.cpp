@@ -337,7 +337,8 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
         for (const std::string& host : hosts) {
             if (stops_ != before.all) return;  // as one that has not begun
             const std::string address = NumericHost(host);
-            if (ParseIpAddress(address)) {
+            const auto known = ParseIpAddress(address);
+            if (known && known->IsOfOne()) {
                 addresses.emplace_back(address, host);
             } else {
                 unknown = Joined({unknown, host});

@@ -85,6 +85,9 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
     Sleep(100);
     EXPECT_EQ(reads + 1, engine_.reads);
+    EXPECT_TRUE(Until([&] {
+        return TextOf(window_->Handle()).find(L", and values read since - ") != title.npos;
+    }));
 }
 
 // Otherwise what is found now could not be told from what the file has.
