@@ -12,7 +12,8 @@ struct IpAddress {
     // Whether one device may have it: it is neither of all, of a group, nor of none.
     bool IsOfOne() const {
         const auto first = static_cast<unsigned char>(bytes.front());
-        return IsIPv4() ? first != 0 && first < 224 : first != 0xFF;
+        if (IsIPv4()) return first != 0 && first < 224;
+        return first != 0xFF && bytes.find_first_not_of('\0') != std::string::npos;
     }
 };
 

@@ -96,12 +96,12 @@ sleep 4
 Settled
 xdotool mousemove $((600 * dpi / 96)) $((622 * dpi / 96))
 Picture empty
-ip -n switch1 link set br0 down
+for switch in switch1 switch2; do ip -n $switch link set br0 down; done
 Key F5
 sleep 3
 Settled
 Picture none
-ip -n switch1 link set br0 up
+for switch in switch1 switch2; do ip -n $switch link set br0 up; done
 Key F5
 sleep 4
 Picture progress
@@ -226,7 +226,7 @@ sleep 25
 Picture reading
 Key Escape
 sleep 5
-Key F6 Home ctrl+r
+Key ctrl+f F6 Home ctrl+r
 sleep 3
 Key Escape
 Picture stopping

@@ -43,8 +43,14 @@ Progress::Status Progress::Now(const Work& work) const {
     if (IsWalking()) return {Kind::kWalking, since(walked_.startMs), values_, 0, walked_.address};
     if (work.read.total != 0) {
         const bool isLong = work.waitMs >= kWaitMs;
-        return {Kind::kReadingAll,          since(readMs_),    work.read.done, work.read.total,
-                isLong ? work.address : "", work.waitMs / 1000};
+        return {Kind::kReadingAll,
+                since(readMs_),
+                work.read.done,
+                work.read.total,
+                isLong ? work.address : "",
+                work.waitMs / 1000,
+                0,
+                work.read.isOfStates};
     }
     if (!note_.empty()) return {Kind::kNote};
     if (last_ == Kind::kReady) return {};

@@ -41,6 +41,7 @@ class Progress {
     void BeginReadingAll() { readMs_ = nowMs_(); }
     struct Read {
         size_t done = 0, unread = 0, total = 0;  // unread: of these done, they gave no value
+        bool isOfStates = false;                 // which are read first
     };
     void EndReadingAll(const Read& read) {
         if (nowMs_() - noteMs_ >= kNoteMs) note_.clear();
@@ -90,6 +91,7 @@ class Progress {
         std::string address{};
         int64_t waitSeconds = 0;
         size_t unread = 0;
+        bool isOfStates = false;
     };
     struct Work {
         size_t waiting = 0;   // devices that are still to be asked

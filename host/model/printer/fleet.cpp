@@ -62,16 +62,18 @@ size_t Fleet::CountRead() const {
     return CountIf(devices_, [](const FleetDevice& device) { return device.isRead; });
 }
 
+std::optional<size_t> Fleet::CountStates() const {
+    if (!AnyOf(devices_, [](auto& device) { return device.isState && !device.isLate; })) return {};
+    return CountIf(devices_, [](auto& device) { return !device.isState; });
+}
+
 std::string Fleet::Progress() const {
     const auto are = [&](Severity severity) {
         return std::to_string(
             CountIf(devices_, [=](auto& device) { return device.severity == severity; }));
     };
     const std::string total = " of " + std::to_string(devices_.size());
-    if (AnyOf(devices_, [](auto& device) { return device.isState && !device.isLate; })) {
-        const size_t states = CountIf(devices_, [](auto& device) { return !device.isState; });
-        return "state of " + std::to_string(states) + total;
-    }
+    if (const auto states = CountStates()) return "state of " + std::to_string(*states) + total;
     return std::to_string(CountRead()) + total + ", " + are(Severity::kCritical) + " critical, " +
            are(Severity::kAttention) + " need attention";
 }

@@ -46,6 +46,8 @@ class Fleet {
 
     const std::vector<FleetDevice>& Devices() const { return devices_; }
     size_t CountRead() const;
+    // During the first round, of how many the state is known; later, empty.
+    std::optional<size_t> CountStates() const;
     // "state of 29 of 403", then "29 of 403, 3 critical, 12 need attention".
     std::string Progress() const;
 

@@ -73,11 +73,10 @@ Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
     for (const std::string& endpoint : device.identity.Of(MergeKey::kEndpoint))
         section.Add("Endpoint", PlainText(endpoint));
     for (const Merge& merge : device.merges) {
-        const std::string text =
-            "by its " + std::string(KeyName(merge.key)) + " " + PlainText(merge.value);
+        const std::string text = std::string(KeyName(merge.key)) + " " + PlainText(merge.value);
         // Several answers are often merged by the same key.
         if (!AnyOf(section.rows, [&](const ReportRow& row) { return row.text == text; }))
-            section.Add("One device", text);
+            section.Add("Joined by", text);
     }
     report.push_back(std::move(section));
     return report;

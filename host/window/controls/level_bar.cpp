@@ -1,6 +1,7 @@
 #include "window/controls/level_bar.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "model/printer/report.h"
 #include "window/controls/placement.h"
@@ -19,17 +20,24 @@ bool IsHighContrast() {
            (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
 }
 
-// A frame, which covers nothing of it, shows how far a supply's colour goes: it may be that of the
-// background.
+bool AreNear(COLORREF one, COLORREF other) {
+    const auto isNear = [](int left, int right) { return std::abs(left - right) < 48; };
+    return isNear(GetRValue(one), GetRValue(other)) && isNear(GetGValue(one), GetGValue(other)) &&
+           isNear(GetBValue(one), GetBValue(other));
+}
+
+// A frame, which covers nothing of it, shows how far a supply's colour goes. That of the background
+// would look like nothing, so it is grey.
 void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
     level.right = level.left + MulDiv(level.right - level.left, bar.percent, 100);
     if (IsRectEmpty(&level)) return;
     const bool isOfUser = IsHighContrast();
-    const COLORREF colour = isOfUser                 ? GetSysColor(COLOR_HIGHLIGHT)
-                            : bar.colour == CLR_NONE ? GreyText()
-                                                     : bar.colour;
+    const bool isGrey = bar.colour == CLR_NONE || AreNear(bar.colour, GetSysColor(COLOR_WINDOW));
+    const COLORREF colour = isOfUser ? GetSysColor(COLOR_HIGHLIGHT)
+                            : isGrey ? GreyText()
+                                     : bar.colour;
     FillRect(dc, &level, OwnedBrush(CreateSolidBrush(colour)).Get());
-    if (isOfUser || bar.colour == CLR_NONE) return;
+    if (isOfUser || isGrey) return;
     InflateRect(&level, 1, 1);
     FrameRect(dc, &level, GetSysColorBrush(COLOR_WINDOWTEXT));
 }

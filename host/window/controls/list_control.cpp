@@ -193,10 +193,11 @@ std::wstring ListControl::RowText(size_t row) const {
 
 std::wstring ListControl::SelectedText() const {
     std::wstring text;
+    const int value = values_ >= 0 ? values_ : kValue;
     for (const int column : ShownOrder()) {
         std::wstring cell = TextOf(Selected(), column);
         cell.erase(0, cell.find_first_not_of(L' '));  // of what is below a heading
-        if (!cell.empty()) text += (text.empty() ? L"" : column == kValue ? L": " : L", ") + cell;
+        if (!cell.empty()) text += (text.empty() ? L"" : column == value ? L": " : L", ") + cell;
     }
     return text;
 }

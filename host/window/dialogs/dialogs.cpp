@@ -109,8 +109,11 @@ void CentreOnOwner(HWND window) {
     screen.cbSize = sizeof screen;
     GetMonitorInfoW(MonitorFromRect(&owner, MONITOR_DEFAULTTONEAREST), &screen);
     const RECT& work = screen.rcWork;
-    const LONG width = std::min(place.right - place.left, work.right - work.left);
-    const LONG height = std::min(place.bottom - place.top, work.bottom - work.top);
+    LONG width = place.right - place.left, height = place.bottom - place.top;
+    if (GetWindowLongPtrW(window, GWL_STYLE) & WS_THICKFRAME) {  // another one would be cut
+        width = std::min(width, work.right - work.left);
+        height = std::min(height, work.bottom - work.top);
+    }
     const LONG x = std::min((owner.left + owner.right - width) / 2, work.right - width);
     const LONG y = std::min((owner.top + owner.bottom - height) / 2, work.bottom - height);
     SetWindowPos(window, nullptr, std::max(x, work.left), std::max(y, work.top), width, height,
@@ -204,15 +207,20 @@ void ListDialog::OpenDialog(HWND owner, Form form) {
                            reinterpret_cast<LPARAM>(static_cast<Dialog*>(this)));
     }
     if (!dialog_) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
-    const bool isFree = IsWindowEnabled(owner);  // otherwise the user types into a modal dialog
-    ShowWindow(dialog_, isFree ? SW_SHOW : SW_SHOWNA);
-    if (isFree) SetActiveWindow(dialog_);
+    if (IsWindowEnabled(owner)) {
+        ShowWindow(dialog_, SW_SHOW);
+        SetActiveWindow(dialog_);
+    } else {
+        SetWindowPos(dialog_, GetLastActivePopup(owner), 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    }
 }
 
 std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM wParam,
                                              LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         client_ = ClientSize(dialog);
+        least_ = {};  // of a former window
         SendMessageW(dialog, WM_SETICON, ICON_SMALL,
                      GetClassLongPtrW(GetWindow(dialog, GW_OWNER), GCLP_HICON));
     } else if (message == WM_SIZE && wParam != SIZE_MINIMIZED) {
@@ -226,6 +234,8 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
         RECT whole = {};
         GetWindowRect(dialog, &whole);
         least_ = {whole.right - whole.left, whole.bottom - whole.top};
+        // Under a modal dialog, into which the user types, it must not get the focus.
+        if (!IsWindowEnabled(GetWindow(dialog, GW_OWNER))) return std::nullopt;
     }
     if (message == WM_NCDESTROY) OnClosed();
     return result ? result : HandleListMessage(message, wParam, lParam);
@@ -357,6 +367,7 @@ class AddDialog : public Dialog {
             return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem), ToWide(path)}), false);
         const std::wstring typed = WindowText(Item(IDC_ADD_HOSTS));
         SetItem(IDC_ADD_HOSTS, (typed.empty() ? L"" : typed + L"\r\n") + EditText(*text));
+        Grey();  // which this kind of field does not report
     }
 
     void Finish() {

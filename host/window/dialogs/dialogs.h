@@ -30,8 +30,8 @@ void ChangeText(HWND window, const std::wstring& text);
 // window grow each time that it comes to another screen.
 void TakeSuggested(HWND window, const RECT& place);
 
-// Moves a window to the middle of its owner, as far as the screen allows, and makes it no larger
-// than that.
+// Moves a window to the middle of its owner, as far as the screen allows. One with a frame to
+// drag is made no larger than the screen.
 void CentreOnOwner(HWND window);
 
 // Shows a user a problem in a message, or a script on the error output.

@@ -158,11 +158,14 @@ std::wstring DeviceList::SearchText(size_t row) const {
 
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
-    const std::wstring text = ShownText(shown, At(column));
-    if (At(column) == Column::kState && state_.changes.IsMarked(shown))
-        return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
-    const std::string mark = Bar(row, column) ? SeverityMark(shown.summary.supplySeverity) : "";
-    return mark.empty() ? text : ToWide(mark) + L" " + text;
+    const bool isState = At(column) == Column::kState;
+    const std::string mark = isState            ? SeverityMark(shown.severity)
+                             : Bar(row, column) ? SeverityMark(shown.summary.supplySeverity)
+                                                : "";
+    const std::wstring text =
+        (mark.empty() ? L"" : ToWide(mark) + L" ") + ShownText(shown, At(column));
+    if (!isState || !state_.changes.IsMarked(shown)) return text;
+    return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {

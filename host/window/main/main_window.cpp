@@ -285,11 +285,13 @@ void MainWindow::OnCommand(int id, int code) {
     if (id == IDC_FILTER && code == EN_CHANGE) {
         state.session.view.Filter(ToUtf8(WindowText(GetDlgItem(Handle(), IDC_FILTER))));
         panes.ShowRows();
+        ShowStatus();
     } else if (id == IDC_PRESET && code == CBN_SELCHANGE) {
         panes.bar.ShowNote();
         panes.Place();  // the note may need another line
         state.session.view.ShowOnlyPrinters(panes.bar.LooksForPrinters());
         panes.ShowRows();
+        ShowStatus();
     } else if (RunCommand(*this, static_cast<unsigned>(id))) {
         ShowStatus();
     }

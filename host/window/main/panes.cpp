@@ -104,8 +104,9 @@ void Panes::Place() {
     GetClientRect(state_.window, &client);
     PlaceStatus();
     const int inner = std::max<int>(0, client.right - 2 * Margin());
-    const int least = std::min(Scaled(280, dpi_), inner / 2);
-    const int detailsWidth = std::clamp(inner * (1000 - split_) / 1000, least, inner - least);
+    leastWidth_ = std::min(Scaled(280, dpi_), inner / 2);
+    const int detailsWidth =
+        std::clamp(inner * (1000 - split_) / 1000, leastWidth_, inner - leastWidth_);
     const int bottom = client.bottom - StatusHeight() - Scaled(6, dpi_);
     {
         Placement placement(state_.window);
@@ -250,7 +251,8 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
             return Text(status.total == 0 ? IDS_SWEEPING_YET : IDS_SWEEPING,
                         {seconds, found, total});
         case Progress::Kind::kReadingAll: {
-            const std::wstring reading = Text(IDS_READING, {count, total});
+            const std::wstring reading =
+                Text(status.isOfStates ? IDS_READING_STATES : IDS_READING, {count, total});
             return address.empty() ? reading : reading + L", " + wait;
         }
         case Progress::Kind::kAsking: {
@@ -278,7 +280,7 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
 std::wstring Panes::ReadText(const Progress::Status& status) const {
     const DeviceView& view = state_.session.view;
     const size_t missed = CountIf(view.AllRows(), [&](const DeviceRow& row) {
-        return !view.IsOther(row) && row.standing.kind == Standing::Kind::kMissed;
+        return row.standing.kind == Standing::Kind::kMissed;
     });
     const auto seconds = static_cast<uint64_t>(status.seconds);
     return Text(status.count < status.total ? IDS_READ_STOPPED

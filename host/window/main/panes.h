@@ -42,7 +42,8 @@ class Panes {
     void Widen(int pixels);
     // `direction`: negative for a narrower list.
     bool MayWiden(int direction) const {
-        return direction < 0 ? split_ > kLeastSplit : split_ < kMostSplit;
+        return direction < 0 ? split_ > kLeastSplit && list_.width + Margin() > leastWidth_
+                             : split_ < kMostSplit && details_.width > leastWidth_;
     }
     void NextPane() const;             // gives it the focus
     void ToggleColumn(Column column);  // not the last one that is shown
@@ -67,7 +68,8 @@ class Panes {
     OwnedFont font_;
     Box list_, details_;
     static constexpr int kLeastSplit = 200, kMostSplit = 800;
-    int split_ = 0;  // of the width that the list has, in thousandths
+    int split_ = 0;       // of the width that the list has, in thousandths
+    int leastWidth_ = 0;  // of each pane
     int dpi_ = 96;
 };
 

@@ -74,7 +74,9 @@ class ResultHandler : public Results {
         w_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }
     void OnResolved(const Addresses& addresses, const std::string& unknown) override {
-        if (state_.workers) ReadAdded(state_, addresses, unknown);
+        if (!state_.workers) return;
+        state_.progress.ClearNote();
+        ReadAdded(state_, addresses, unknown);
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);

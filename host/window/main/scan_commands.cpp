@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <optional>
 #include <utility>
 
 #include "model/scan/device_view.h"
@@ -183,6 +184,7 @@ bool ScanCommands::SaveTo(const std::string& path) {
     if (!SaveTextTo(*text, path)) return false;
     state_.session.SetSaved();
     ForgetKept();
+    if (!state_.file.empty()) SetFile(NameOf(ToWide(FileName(path))));
     return true;
 }
 
@@ -196,14 +198,19 @@ bool ScanCommands::SaveTextTo(const std::string& text, const std::string& path) 
 
 // Of another window, which waits too, and gets the focus back.
 void ScanCommands::SaveTable(const std::string& csv) {
+    struct Waiting {
+        explicit Waiting(HWND table) : window(table) { EnableWindow(window, FALSE); }
+        ~Waiting() {
+            EnableWindow(window, TRUE);
+            SetActiveWindow(window);
+        }
+        const HWND window;
+    };
     const HWND table = GetActiveWindow();
-    const bool isOther = table && table != state_.window;
-    if (isOther) EnableWindow(table, FALSE);
+    std::optional<Waiting> waiting;
+    if (table && table != state_.window) waiting.emplace(table);
     const std::string path = AskPath(state_.window, IDS_CSV_FILES, L"csv", ProposedName(), true);
     if (!path.empty()) SaveTextTo(csv, path);
-    if (!isOther) return;
-    EnableWindow(table, TRUE);
-    SetActiveWindow(table);
 }
 
 bool ScanCommands::SaveCsvTo(const std::string& path) {

@@ -57,6 +57,9 @@ void TableWindow::Arrange() {
                               -1) == CSTR_LESS_THAN;
     });
     Refresh();
+    if (list_.Selected() >= 0 || Count() == 0) return;
+    list_.Select(0);  // its whole text is shown below
+    OnSelected();
 }
 
 void TableWindow::OnSelected() {

@@ -446,7 +446,12 @@ Progress::Work Workers::Now() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     Progress::Work work;
     work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
-    if (IsReadingAll()) work.read = run_->Count();
+    if (IsReadingAll()) {
+        work.read = run_->Count();
+        const auto states = run_->fleet.CountStates();
+        work.read.isOfStates = states.has_value();
+        if (states) work.read.done = *states - run_->retries;
+    }
     for (const auto& [thread, wait] : waits_) {
         using std::chrono::milliseconds;
         const auto waited = std::chrono::steady_clock::now() - wait.start;

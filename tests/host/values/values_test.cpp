@@ -251,7 +251,7 @@ TEST(IpAddress, OtherTextIsNone) {
          {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "1.2.3.4x", "1.2.3.4%2", ":", "1:::2",
           "fe80:", "1:2:3:4:5:6:7:8:9", "1::2:3:4:5:6:7:8", "12345::", "g::1", "beef.de"})
         EXPECT_FALSE(ParseIpAddress(text)) << text;
-    for (const char* text : {"255.255.255.255", "239.1.2.3", "0.0.0.0", "ff02::1"})
+    for (const char* text : {"255.255.255.255", "239.1.2.3", "0.0.0.0", "ff02::1", "::"})
         EXPECT_FALSE(ParseIpAddress(text)->IsOfOne()) << text;
     EXPECT_TRUE(ParseIpAddress("223.1.1.1")->IsOfOne() && ParseIpAddress("fe80::1")->IsOfOne());
     EXPECT_FALSE(ParseIpAddress(std::string_view("1.2.3.4\0x", 9)));

@@ -98,7 +98,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
             row.summary.state = row.Text(Column::kState) = state;
             window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
         }
-        EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF new: never read"));
+        EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF now: never read"));
         window_->scans.OpenChanges();
         CheckDialog(PopupOf(window_->Handle()), 6);
         EXPECT_NE(
@@ -218,7 +218,10 @@ TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
     const auto add = [&](HWND dialog) {
         std::wstring many;
         for (int host = 0; host < 1001; ++host) many += L"a" + std::to_wstring(host) + L" ";
-        Type(dialog, IDC_ADD_HOSTS, many.c_str());
+        EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDOK)));
+        SendDlgItemMessageW(dialog, IDC_ADD_HOSTS, EM_REPLACESEL, FALSE,
+                            reinterpret_cast<LPARAM>(many.c_str()));
+        EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDOK)));
         PostMessageW(dialog, WM_COMMAND, IDOK, 0);
         const HWND box = NextPopupOf(dialog);
         EXPECT_EQ(Text(IDS_TOO_MANY_HOSTS, {Grouped(1000), Grouped(1001)}), QuestionOf(box));
@@ -229,6 +232,7 @@ TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
     const std::string told = Answer({IDOK}, [&] { EXPECT_TRUE(Shows(L"10.77.1.8;10.77.1.9;")); });
     EXPECT_EQ(ToUtf8(Text(IDS_NO_ADDRESS, {unknown})), told);
     EXPECT_TRUE(Until([&] { return engine_.listReads == 2; })) << "as those that are found";
+    EXPECT_EQ(ToUtf8(TextOf(Control(IDC_STATUS))).find("Looking up"), std::string::npos);
 }
 
 // The close button stays at its distance from the lower right corner.

@@ -133,7 +133,8 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     ASSERT_TRUE(Shows(L"10.77.1.1;10.77.1.2;10.77.1.3;"));
     EXPECT_EQ(L"never read", Cell(0, 3));
     engine_.End();
-    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == L"Reading 0 of 3"; }));
+    ASSERT_TRUE(
+        Until([&] { return TextOf(Control(IDC_STATUS)) == L"Reading 0 of 3: states first"; }));
     EXPECT_TRUE(Until([&] { return Cell(0, 3) == L"being read"; }));
     EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
     engine_.isHeld = false;
@@ -497,6 +498,12 @@ TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {
     report.Close();
     SetActiveWindow(window_->Handle());
     EXPECT_EQ(Control(IDC_FILTER), GetFocus());
+    // One that comes under a modal dialog leaves the focus there.
+    EnableWindow(window_->Handle(), FALSE);
+    const HWND focus = GetFocus(), active = GetActiveWindow();
+    report.Open(window_->Handle(), L"a page", {});
+    EXPECT_EQ(std::pair(focus, active), std::pair(GetFocus(), GetActiveWindow()));
+    EnableWindow(window_->Handle(), TRUE);
 }
 
 }  // namespace

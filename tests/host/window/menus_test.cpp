@@ -208,8 +208,11 @@ void CheckLetters(HMENU menu) {
 TEST_F(Menus, RowsAreSortedAndFoundByKeys) {
     OpenWith({{"10.77.1.3", "x"}, {"10.77.1.2", "x"}, {"10.77.1.12", "x"}});
     Select(0);
-    for (const wchar_t letter : std::wstring(L"10.77.1.12"))  // no name, and the state is first
-        SendMessageW(Devices(), WM_CHAR, letter, 1);
+    NMLVFINDITEMW typed = {{Devices(), IDC_DEVICES, LVN_ODFINDITEMW}, 0, {}};
+    typed.lvfi.flags = LVFI_STRING;
+    typed.lvfi.psz = L"10.77.1.12";  // it has no name, and the state is first
+    Select(static_cast<int>(
+        SendMessageW(window_->Handle(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&typed))));
     const DeviceView& view = window_->state.session.view;
     EXPECT_EQ("10.77.1.12", view.SelectedRow()->Text(Column::kAddress));
     Command(IDM_SORT);
@@ -219,6 +222,25 @@ TEST_F(Menus, RowsAreSortedAndFoundByKeys) {
     EXPECT_EQ("10.77.1.2", view.Row(0).Text(Column::kAddress));
     Command(IDM_REVERSE);
     EXPECT_EQ("10.77.1.12", view.Row(0).Text(Column::kAddress));
+}
+
+TEST_F(Menus, TheGapTellsThatItIsAtItsEnd) {
+    OpenWithDevice();
+    for (const int command : {IDM_NARROWER, IDM_WIDER}) {
+        for (int step = 0; step < 60; ++step) Command(command);
+        EXPECT_EQ(Text(IDS_SPLIT_END), TextOf(Control(IDC_STATUS)));
+    }
+}
+
+// A screen reader does not read what an empty list shows.
+TEST_F(Menus, StatusSaysWhyTheListIsEmpty) {
+    OpenWithDevice();
+    window_->state.progress.ClearNote();
+    const std::wstring hidden = L". " + Text(IDS_ALL_HIDDEN);
+    for (const wchar_t* filter : {L"zzz", L""}) {
+        SetWindowTextW(Control(IDC_FILTER), filter);
+        EXPECT_EQ(*filter != 0, TextOf(Control(IDC_STATUS)).find(hidden) != hidden.npos);
+    }
 }
 
 TEST_F(Menus, EachItemHasALetterOfItsOwn) {
@@ -321,7 +343,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     // Shown again, a column returns to its place and width.
     Command(IDM_COLUMN + 1);
     EXPECT_EQ(0u, Headings().find(L"Serial number;Model;Address;"));
-    EXPECT_EQ(114, ListView_GetColumnWidth(Devices(), 0));
+    EXPECT_EQ(110, ListView_GetColumnWidth(Devices(), 0));
     for (int column = 0; column < 10; ++column) {
         if (column != 0 && column != 4) Command(IDM_COLUMN + column);
     }

@@ -41,7 +41,7 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     EXPECT_EQ(L"", CellOf(list_, 2, 1));  // a known part alone is no name
     Press(IDC_WALK_COPY_ROW);             // none is selected
     ListView_SetItemState(list_, 1, LVIS_SELECTED, LVIS_SELECTED);
-    EXPECT_EQ(L".1.3.6.1.2.1.1.5.0: sysName.0, hall", TextOf(GetDlgItem(walk_, IDC_CHOSEN)));
+    EXPECT_EQ(L".1.3.6.1.2.1.1.5.0, sysName.0: hall", TextOf(GetDlgItem(walk_, IDC_CHOSEN)));
     Press(IDC_WALK_COPY_ROW);
     const std::wstring row = L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n";
     EXPECT_EQ(row, Copied());
