@@ -152,14 +152,6 @@ TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
     EXPECT_EQ(3u, silent.requests);
 }
 
-// Even by a single loop.
-TEST_F(FleetTest, SlowOneOfThirtyHoldsTheOthersForSeconds) {
-    for (int device = 0; device < 30; ++device) Add(Printer(0, 50), device == 0 ? 5000 : 3);
-    while (fleet_.CountRead() < 29) ASSERT_TRUE(Step());
-    EXPECT_FALSE(fleet_.Devices()[0].isRead);
-    EXPECT_GT(10000, nowMs_);
-}
-
 TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsThreeRequests) {
     ScriptedDevice computer;
     computer.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");

@@ -4,12 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "host/model/scripted_device.h"
-#include "model/printer/report.h"
 
 namespace vndiscover::host {
 namespace {
-
-constexpr char kPrinterType[] = ".1.3.6.1.2.1.25.3.1.5";
 
 PrinterFacts Facts(ScriptedDevice& device) { return FactsOf(ReadPrinter(device.MakeAsker())); }
 
@@ -21,45 +18,6 @@ TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
     EXPECT_EQ(7u, facts.deviceIndex);
     ASSERT_EQ(1u, facts.supplies.size());
     EXPECT_EQ("some left", LevelText(facts.supplies[0].level));
-}
-
-TEST(PrinterFacts, TextsAreUtf8OrLatin1) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"B\xFCro", "B\xC3\xBCro"},
-        {" B\xC3\xBCro \xC3", "B\xC3\xBCro \xC3\x83"},  // cut within a character
-        {"a\x1B", "a\xEF\xBF\xBD"}};
-    for (const auto& [text, shown] : rows) {
-        ScriptedDevice device;
-        device.Object("hrDeviceType.2", kPrinterType);
-        device.Text("prtMarkerSuppliesDescription.2.1", text);
-        EXPECT_EQ(shown, Facts(device).supplies.at(0).description);
-    }
-}
-
-TEST(PrinterFacts, OddLevelsMeanWhatTheyShould) {
-    ScriptedDevice device;
-    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")] = {kGauge32,
-                                                                       "\xFF\xFF\xFF\xFD"};
-    device.Integer("prtMarkerSuppliesLevel.1.2", 500);
-    device.Integer("prtMarkerSuppliesMaxCapacity.1.2", 10000);
-    device.Integer("prtMarkerSuppliesSupplyUnit.1.2", 19);
-    EXPECT_EQ("supply: some left; supply: 5 % (500 of 10000)", SuppliesText(Facts(device)));
-}
-
-TEST(PrinterFacts, UseTheAddressOfAnInterfaceThatIsUp) {
-    ScriptedDevice device;
-    const std::string mac[] = {
-        {"\0\0\0\0\0\0", 6}, "AAAAAA", "BBBBBB", {"\x3C\x2A\xF4\0\xF5\x1B", 6}};
-    const int types[] = {6, 24, 6, 62};
-    for (int i = 0; i < 4; ++i) {
-        const std::string row = "." + std::to_string(i + 1);
-        device.Text(("ifPhysAddress" + row).c_str(), mac[i]);
-        device.Integer(("ifType" + row).c_str(), types[i]);
-        device.Integer(("ifOperStatus" + row).c_str(), 2);
-    }
-    EXPECT_EQ("42:42:42:42:42:42", Facts(device).macAddress);
-    device.Integer("ifOperStatus.4", 1);
-    EXPECT_EQ("3C:2A:F4:00:F5:1B", Facts(device).macAddress);
 }
 
 // As real printers send them (RFC 3805, prtMarkerSuppliesLevel).

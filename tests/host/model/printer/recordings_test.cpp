@@ -31,21 +31,25 @@ std::string Report(const Asker& asker) {
     return "\n" + ReportText(ReportOf(FactsOf(ReadPrinter(asker)), {"10.77.1.20", "SNMPv1"}));
 }
 
-// The printer is neither the first device nor the only printer, its words are Latin-1, numbers have
-// unusual types, and the tables have gaps.
+// The printer is neither the first device nor the only printer, its words are Latin-1 or cut within
+// a character, numbers have unusual types, one maximum is no percentage, and the tables have gaps.
+// The interface that has its address is neither the loopback, down, nor without an address.
 constexpr char kOffice[] = R"(sysDescr.0 x 4F 73 74 72 61 76 61 0D 0A 4D 46 50 20 32 2E 31 00
 sysUpTime.0 t 8640100
 sysName.0 s copy-room
-sysLocation.0 x 32 6E 64 20 66 6C 6F 6F 72 FF
+sysLocation.0 x 20 42 C3 BC 72 6F 20 C3
 ifType.1 i 24
 ifType.2 i 6
-ifType.3 i 117
-ifPhysAddress.1 s
+ifType.3 i 6
+ifType.4 i 117
+ifPhysAddress.1 x 41 41 41 41 41 41
 ifPhysAddress.2 x 02 00 5E 10 00 01
-ifPhysAddress.3 x 02 00 5E 10 00 02
+ifPhysAddress.3 x 00 00 00 00 00 00
+ifPhysAddress.4 x 02 00 5E 10 00 02
 ifOperStatus.1 i 1
 ifOperStatus.2 i 2
 ifOperStatus.3 i 1
+ifOperStatus.4 i 1
 hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.3
 hrDeviceType.5 o .1.3.6.1.2.1.25.3.1.5
 hrDeviceType.9 o .1.3.6.1.2.1.25.3.1.5
@@ -82,9 +86,9 @@ prtMarkerSuppliesType.5.9 i 4
 prtMarkerSuppliesDescription.5.1 s Toner C9
 prtMarkerSuppliesSupplyUnit.5.1 i 19
 prtMarkerSuppliesSupplyUnit.5.9 i 13
-prtMarkerSuppliesMaxCapacity.5.1 i 100
+prtMarkerSuppliesMaxCapacity.5.1 i 10000
 prtMarkerSuppliesMaxCapacity.5.9 i -2
-prtMarkerSuppliesLevel.5.1 c 7
+prtMarkerSuppliesLevel.5.1 c 700
 prtMarkerSuppliesLevel.5.9 i 30
 prtMarkerColorantValue.5.1.3 s of another table
 prtMarkerColorantValue.5.3 s cyan
@@ -100,11 +104,13 @@ prtAlertDescription.5.12 s Toner low {32001}
 prtAlertTime.5.12 t 8640000
 )";
 
-// A label printer without a list of devices, supplies or trays.
+// A label printer without a list of devices, supplies or trays, of which no interface is up.
 constexpr char kLabels[] = R"(sysDescr.0 s Kestrel K4 4.11
 sysUpTime.0 t 99
 ifType.1 i 71
-ifPhysAddress.1 x 02 00 5E 10 00 03
+ifPhysAddress.1 x 02 00
+ifPhysAddress.2 x 02 00 5E 10 00 03
+ifPhysAddress.3 x 02 00 5E 10 00 04
 hrPrinterStatus.1 i 3
 hrPrinterDetectedErrorState.1 s
 entPhysicalSerialNum.1 s
@@ -117,7 +123,7 @@ entPhysicalSerialNum.3 s K4-0001
 constexpr char kInk[] = R"(sysDescr.0 s Norrland InkStation 70 7.2
 sysName.0 s ink
 hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.5
-hrDeviceDescr.1 s Generic
+hrDeviceDescr.1 s Norrland InkStation 70
 hrDeviceStatus.1 i 5
 hrPrinterStatus.1 i 2
 hrPrinterDetectedErrorState.1 x 01
@@ -135,7 +141,7 @@ prtMarkerSuppliesSupplyUnit.1.2 i 19
 prtMarkerSuppliesSupplyUnit.1.4 i 7
 prtMarkerSuppliesSupplyUnit.1.5 i 2
 prtMarkerSuppliesMaxCapacity.1.1 i -2
-prtMarkerSuppliesMaxCapacity.1.2 i -2
+prtMarkerSuppliesMaxCapacity.1.2 i 100
 prtMarkerSuppliesMaxCapacity.1.3 i 0
 prtMarkerSuppliesMaxCapacity.1.4 i -1
 prtMarkerSuppliesLevel.1.1 x FF FF FF FD
@@ -154,7 +160,7 @@ TEST(Recordings, OfAnOfficePrinter) {
 Model          Ostrava C900
 Serial number  OC900-77
 Name           copy-room
-Location       2nd floorÿ
+Location       Büro Ã
 Address        10.77.1.20
 MAC address    02:00:5E:10:00:02
 Protocols      SNMPv1
@@ -169,7 +175,8 @@ Alerts         !! critical: 9999, 40001
 Panel          Toner low
 Printed        4000000000 impressions
                17 sheets
-Supplies       Toner C9     [#.........]  ! 7 %, cyan toner cartridge
+Supplies       Toner C9     [#.........]  ! 7 % (700 of 10000),
+                 cyan toner cartridge
                waste toner                room left: 30 tenths of grams,
                  maximum unknown
 Trays          Fach ü1  [..........]  ! 0 % (0 of 500 sheets), iso-a4-white
@@ -198,14 +205,14 @@ Errors         none
 
 TEST(Recordings, OfAnAgentThatGoesBack) {
     ScriptedDevice device = Recorded(kInk);
-    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")].first = kInteger;
+    device.variables[*ParseOidOrName("prtMarkerSuppliesLevel.1.1")].first = kGauge32;
     Asker asker = device.MakeAsker();
     asker.getNext = [&, ask = asker.getNext](const Oid& oid) {
         const bool isAlert = IsWithin(oid, OidOf("prtAlertCode"));
         return isAlert ? AnsweredWith({1, 3, 6, 1}, kInteger, "\1") : ask(oid);
     };
     EXPECT_EQ(R"(
-Model          Generic
+Model          Norrland InkStation 70
 Serial number  VN70
 Name           ink
 Location       (not given)

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "model/computer/computer_report.h"
-
 namespace vndiscover::host {
 namespace {
 
@@ -82,16 +80,6 @@ TEST(PrinterSummary, JudgesStatesAsTheyAreMeant) {
     }
 }
 
-TEST(PrinterReport, LeavesOutWhatWasNotAsked) {
-    PrinterFacts facts;
-    facts.model = "VN LaserPro 410";
-    facts.description = "VN LaserPro 410, firmware 1.2";
-    EXPECT_EQ(
-        "Model          VN LaserPro 410\n"
-        "Description    VN LaserPro 410, firmware 1.2\n",
-        ReportText(ReportOf(facts, {"", "", false})));
-}
-
 TEST(ReportText, KeepsCommandsInOneLineAndCountsCharacters) {
     ReportSection section = {"Firewall", {}};
     section.Add("", "B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro B\xC3\xBCro");
@@ -122,25 +110,6 @@ TEST(SupplyColours, AreTheLastWholeWord) {
     EXPECT_STREQ("black",
                  FindSupplyColour(ColourWords({"Cyan toner", "cyan-black", "", {}}))->word);
     EXPECT_EQ(nullptr, FindSupplyColour("Redundant, ordered"));
-}
-
-TEST(ReportRows, TellTheTitlesOfTheirSections) {
-    ComputerReport computer;
-    computer.ipv4.rows = {{"10.77.1.1", "eth0", "", "Ethernet", "up", 2}};
-    computer.routes = {{"255.255.255.255", "eth0", "10.77.1.1", ""}};
-    std::string rows;
-    for (const ReportRow& row : RowsOf(ReportOf(computer)))
-        rows += row.label + "|" + row.text + "\n";
-    EXPECT_EQ(
-        "Verdict|nothing seen here keeps a sweep from finding devices\n"
-        "IPv4 sweep|from 1 address, takes 0 s at least\n"
-        "   10.77.1.1|eth0: Ethernet, up, 2 s\n"
-        "IPv6 sweep|is not sent\n"
-        "Routes|\n"
-        "   255.255.255.255|by eth0, 10.77.1.1\n"
-        "Firewall|not known here\n"
-        "Log|off\n",
-        rows);
 }
 
 }  // namespace
