@@ -41,9 +41,7 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EXPECT_EQ(L"prtGeneralSerialNumber.1", Value(4, 0));
     EXPECT_EQ(L"SERIAL 1", Value(4, 1));
     EXPECT_EQ(L"10.77.1.1", Value(4, 3));
-    RECT place = {0, 0, 1100, 620};
-    SendMessageW(window_->Handle(), WM_DPICHANGED, MAKEWPARAM(144, 144),
-                 reinterpret_cast<LPARAM>(&place));
+    SetDpi(window_->Handle(), 144, 1100, 620);
     EXPECT_EQ(5, Rows());
     ListView_SetItemState(Control(IDC_DETAILS), 0, LVIS_SELECTED, LVIS_SELECTED);
     Select(1);

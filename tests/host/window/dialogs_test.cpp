@@ -61,7 +61,6 @@ class Dialogs : public MainWindowTest {
         Command(command);
         user.join();
     }
-    static void Press(HWND dialog, int id) { SendMessageW(dialog, WM_COMMAND, WPARAM(id), 0); }
     static void Type(HWND dialog, int id, const wchar_t* text) {
         SendDlgItemMessageW(dialog, id, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
     }
@@ -71,6 +70,7 @@ class Dialogs : public MainWindowTest {
         SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 4, 0);  // SHA-2(256)
         Type(dialog, IDC_AUTH_PASSWORD, kPassword.c_str());
     }
+    static constexpr wchar_t kOffice[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     // Longer than any limit of the module's texts.
     static inline const std::wstring kPassword = std::wstring(1000, L'a') + L"authpass1";
 };
@@ -81,17 +81,12 @@ TEST_F(Dialogs, FitLongerLanguages) {
         OpenWith({{"10.77.1.1", "x"}});
         PlayDialog(IDCANCEL, [](HWND dialog) {
             CheckDialog(dialog, 18);
-            RECT place = PlaceOf(dialog);
+            const RECT place = PlaceOf(dialog);
             const LONG width = PlaceOf(GetDlgItem(dialog, IDC_AUTH)).right;
-            place = {0, 0, 2 * (place.right - place.left), 2 * (place.bottom - place.top)};
-            SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(192, 192),
-                         reinterpret_cast<LPARAM>(&place));
+            SetDpi(dialog, 192, 2 * (place.right - place.left), 2 * (place.bottom - place.top));
             CheckDialog(dialog, 18);
             EXPECT_GT(PlaceOf(GetDlgItem(dialog, IDC_AUTH)).right, width);
         });
-        Command(IDM_CALLS);
-        CheckDialog(PopupOf(window_->Handle()), 9);
-        DestroyWindow(PopupOf(window_->Handle()));
         DeviceRow row = window_->state.session.view.Row(0);
         row.standing.kind = Standing::Kind::kRead;
         for (const char* state : {"idle", "jammed"}) {
@@ -99,15 +94,14 @@ TEST_F(Dialogs, FitLongerLanguages) {
             window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
         }
         EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF now: never read"));
-        window_->scans.OpenChanges();
-        CheckDialog(PopupOf(window_->Handle()), 6);
-        EXPECT_NE(
-            std::wstring::npos,
-            TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE)).find(L"1 change since"));
-        DestroyWindow(PopupOf(window_->Handle()));
         Select(0);
-        Command(IDM_WALK);
-        CheckDialog(PopupOf(window_->Handle()), 9);
+        for (const auto& [command, controls] :
+             {std::pair(IDM_CALLS, 9u), {IDM_WALK, 9u}, {IDM_CHANGES, 6u}}) {
+            Command(command);
+            CheckDialog(Popup(), controls);
+        }
+        EXPECT_NE(std::wstring::npos,
+                  TextOf(GetDlgItem(Popup(), IDC_TABLE_NOTE)).find(L"1 change since"));
         window_.reset();
     }
 }
@@ -128,9 +122,7 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     CheckDlgButton(window_->Handle(), IDC_V3, BST_CHECKED);
     CheckDlgButton(window_->Handle(), IDC_V1, BST_UNCHECKED);
     Command(IDC_FIND);
-    ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
-    engine_.End();
-    ASSERT_TRUE(Ends());
+    ASSERT_TRUE(EndsSweeps());
     EXPECT_EQ(kPassword, engine_.lastStep.login.security->authPassword.Get());
     // The user's profile is shown, even if another window has used another one since.
     SaveProfile(L"Lab", kept->security);
@@ -157,10 +149,9 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
         Type(dialog, IDC_COMMUNITY, L"hidden");
     });
     EXPECT_EQ("public", next(true));
-    constexpr wchar_t kBrowser[] = L"Software\\Varnell Osk\\VnBrowser";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kBrowser, L"Communities", REG_BINARY, "x", 1);
+    RegSetKeyValueW(HKEY_CURRENT_USER, kBrowserKey, L"Communities", REG_BINARY, "x", 1);
     EXPECT_EQ("admin:public", next(false));
-    EXPECT_EQ(Text(IDS_COMMUNITIES_CLOSED), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(Text(IDS_COMMUNITIES_CLOSED), Status());
     KeepCommunities(L"hidden");
     EXPECT_EQ("admin:hidden", next(false));
     EXPECT_EQ(kPassword, window_->state.credentials.security->authPassword.Get());
@@ -245,7 +236,7 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
           std::tuple(IDM_WALK, IDC_WALK_VALUES, IDC_WALK_VALUES)}) {
         SCOPED_TRACE(command);
         Command(command);
-        const HWND dialog = PopupOf(window_->Handle()), close = GetDlgItem(dialog, IDCANCEL);
+        const HWND dialog = Popup(), close = GetDlgItem(dialog, IDCANCEL);
         const HWND columns = GetDlgItem(dialog, list), control = GetDlgItem(dialog, grown);
         const RECT first = PlaceOf(dialog), owner = PlaceOf(window_->Handle());
         const RECT button = PlaceOf(close), before = PlaceOf(control);
@@ -260,8 +251,7 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         }
         const int column = ListView_GetColumnWidth(columns, 0);
         const LONG font = FontHeight(columns), other = FontHeight(control);
-        RECT twice = {0, 0, 2 * width, 2 * height};
-        SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&twice));
+        SetDpi(dialog, 192, 2 * width, 2 * height);
         PlacesIn(dialog);
         EXPECT_EQ(2 * column, ListView_GetColumnWidth(columns, 0));
         EXPECT_EQ(2 * font, FontHeight(columns));
@@ -273,16 +263,13 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         }
         EXPECT_EQ(2 * other, FontHeight(control));
         // Back at the first screen, also in a place that is smaller than it could be made there.
-        RECT small = {0, 0, width - 1, height - 1};
-        for (const int dpi : {97, 110, 96})
-            SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi),
-                         reinterpret_cast<LPARAM>(&small));
-        EXPECT_EQ(small.right, PlaceOf(dialog).right);
+        for (const int dpi : {97, 110, 96}) SetDpi(dialog, dpi, width - 1, height - 1);
+        EXPECT_EQ(width - 1, PlaceOf(dialog).right);
         EXPECT_EQ(font, FontHeight(columns));
         DestroyWindow(dialog);
         for (const bool isSameDpi : {false, true}) {  // opened again, with rows as high as before
             Command(command);
-            const HWND again = PopupOf(window_->Handle());
+            const HWND again = Popup();
             EXPECT_TRUE(ListView_GetImageList(GetDlgItem(again, list), LVSIL_SMALL)) << isSameDpi;
             DestroyWindow(again);
         }
@@ -298,7 +285,7 @@ TEST_F(Dialogs, CancellingTheUserSendsNothing) {
     PlayDialog(IDCANCEL, cancel, IDC_FIND);
     EXPECT_EQ(0, engine_.sweeps);
     EXPECT_TRUE(IsDlgButtonChecked(window_->Handle(), IDC_V3));
-    EXPECT_EQ(Text(IDS_NO_USER), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(Text(IDS_NO_USER), Status());
 }
 
 TEST_F(Dialogs, CommunitiesAreAskedInTurn) {
@@ -325,8 +312,7 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
     Command(IDC_FIND);
     ASSERT_TRUE(EndsSweeps());
     const std::wstring told = Text(IDS_V3_REFUSED, {L"fe80::1", L"refused: wrong user"});
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)) == told; }))
-        << ToUtf8(TextOf(Control(IDC_STATUS)));
+    EXPECT_TRUE(Until([&] { return Status() == told; })) << ToUtf8(Status());
     EXPECT_EQ(1, engine_.reads--);
     engine_.refusal = Status::kRefused;
     Select(0);
@@ -343,9 +329,8 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
 }
 
 TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
-    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
     constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, kBroken, sizeof kBroken);
+    RegSetKeyValueW(HKEY_CURRENT_USER, kOffice, L"User", REG_BINARY, kBroken, sizeof kBroken);
     SaveLastProfile(L"Office");
     Open();
     PlayDialog(IDOK, [](HWND dialog) {
@@ -353,11 +338,6 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
         EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
     });
-    BYTE bytes[200];
-    DWORD size = sizeof bytes;
-    RegGetValueW(HKEY_CURRENT_USER, kKey, L"User", RRF_RT_REG_BINARY, nullptr, bytes, &size);
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(kBroken), sizeof kBroken),
-              std::string(reinterpret_cast<const char*>(bytes), size));
     // It is still used, until the window is closed.
     PlayDialog(IDOK, [](HWND) {});  // with the known password
     EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
@@ -375,8 +355,7 @@ TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
 
 // It cannot be read, but it is listed and can be deleted.
 TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
-    constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles\\Office";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kKey, L"User", REG_BINARY, L"x", 2);
+    RegSetKeyValueW(HKEY_CURRENT_USER, kOffice, L"User", REG_BINARY, L"x", 2);
     Open();
     PlayDialog(IDCANCEL, [](HWND dialog) {
         SendDlgItemMessageW(dialog, IDC_PROFILE, CB_SETCURSEL, 0, 0);
@@ -391,7 +370,7 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
 TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     Open();
     Command(IDM_CALLS);
-    const HWND dialog = PopupOf(window_->Handle());
+    const HWND dialog = Popup();
     const HWND text = GetDlgItem(dialog, IDC_CALL_TEXT);
     EXPECT_EQ(Text(IDS_CALLS_NONE), TextOf(text));
     EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDC_CALL_COPY)));
@@ -445,16 +424,14 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
     Select(0);
     enum { kWhole, kStopped, kQueued };
     for (const int way : {kWhole, kStopped, kQueued}) {
-        ASSERT_TRUE(Until([&] {
-            return engine_.reads == 1 && TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0;
-        }));
+        ASSERT_TRUE(Until([&] { return engine_.reads == 1 && Status().find(L"Stopped") == 0; }));
         engine_.isReleased = false;
         engine_.isHeld = way == kQueued;
         if (way == kQueued) Command(IDM_ASK);
         ASSERT_TRUE(Until([&] { return way != kQueued || engine_.reads == 2; }));
         Command(IDM_DIAGNOSE);
         HWND page = nullptr;
-        ASSERT_TRUE(Until([&] { return (page = PopupOf(window_->Handle())) != nullptr; }));
+        ASSERT_TRUE(Until([&] { return (page = Popup()) != nullptr; }));
         EXPECT_EQ(L"Does 10.77.1.9 answer?", TextOf(page));
         EXPECT_EQ(L"the device is being asked;" + computer, PageTexts(page));
         EXPECT_EQ(L"This computer", CellOf(GetDlgItem(page, IDC_DETAILS), 1, 0));
@@ -474,7 +451,7 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
                               L"for the variable after sysDescr.0;") +
             computer;
         EXPECT_TRUE(Until([&] { return PageTexts(page) == expected; })) << ToUtf8(PageTexts(page));
-        SendMessageW(page, WM_COMMAND, IDCANCEL, 0);
+        Press(page, IDCANCEL);
     }
     engine_.isHeld = false;
     // Without a user, the engine alone is asked.
@@ -482,7 +459,7 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
     Command(IDM_DIAGNOSE);
     const std::wstring none = L";answered;" + Text(IDS_NO_USER_ASKED) + L";";
     EXPECT_TRUE(Until([&] {
-        const HWND page = PopupOf(window_->Handle());
+        const HWND page = Popup();
         return page && PageTexts(page).find(none) != std::wstring::npos;
     }));
 }

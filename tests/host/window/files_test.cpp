@@ -40,6 +40,11 @@ class Files : public MainWindowTest {
         std::string problem;
         ASSERT_TRUE(ReplaceFileText(path_, text, problem)) << problem;
     }
+    // What the table of a comparison with the file counts.
+    std::wstring Counted() {
+        EXPECT_TRUE(window_->scans.CompareWith(path_));
+        return TextOf(GetDlgItem(Popup(), IDC_TABLE_NOTE));
+    }
     std::string path_;
 };
 
@@ -113,17 +118,14 @@ TEST_F(Files, ComparisonIsATable) {
     OpenWithDevices();
     EXPECT_TRUE(window_->scans.SaveTo(path_));
     SetFileText(std::regex_replace(FileText(), std::regex("10.77.1.9\""), "10.77.1.7\""));
-    EXPECT_TRUE(window_->scans.CompareWith(path_));
-    const HWND table = PopupOf(window_->Handle());
-    const HWND rows = GetDlgItem(table, IDC_TABLE_ROWS);
     EXPECT_NE(std::wstring::npos,
-              TextOf(GetDlgItem(table, IDC_TABLE_NOTE))
-                  .find(L"those that answered (3 devices): 1 new, 1 gone, 0 changed"));
+              Counted().find(L"those that answered (3 devices): 1 new, 1 gone, 0 changed"));
+    const HWND table = Popup(), rows = GetDlgItem(table, IDC_TABLE_ROWS);
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
     EXPECT_NE(std::wstring::npos, CellOf(rows, 0, 0).find(L"10.77.1.9"));
     ClickHeading(rows, 1);
     EXPECT_EQ(L"gone", CellOf(rows, 0, 1));
-    SendMessageW(table, WM_COMMAND, IDC_TABLE_COPY, 0);
+    Press(table, IDC_TABLE_COPY);
     EXPECT_EQ(0u, Copied().find(L"Device\tWhat\tBefore\tAfter\r\nVN InkLine 70, 10.77.1.7\tgone"));
 }
 
@@ -135,7 +137,7 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     table.Open(window_->Handle(), L"a table", {{IDS_CALL_TIME, 90}, {IDS_CHANGE_AFTER, 90}});
     table.Show(L"3 rows",
                {{{L"12/2/26", L"10 %"}}, {{L"11/30/26", L"9 %"}}, {{L"2/1/26", L"100 %"}}});
-    const HWND dialog = PopupOf(window_->Handle()), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
+    const HWND dialog = Popup(), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
     const auto order = [&] {
         return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
     };
@@ -151,7 +153,7 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     const std::string now = UtcNow();
     table.Show(L"1 row", {{{ToWide(now), L""}}});
     EXPECT_EQ(ToWide(ShortTime(now)), CellOf(list, 0, 0));
-    SendMessageW(dialog, WM_COMMAND, IDC_TABLE_SAVE, 0);
+    Press(dialog, IDC_TABLE_SAVE);
     EXPECT_NE(std::string::npos, file.find("\"" + ToUtf8(LocalTime(now)) + "\"")) << file;
 }
 
@@ -174,16 +176,12 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
     Command(IDC_FIND);
     engine_.Say("10.77.1.9", "y");
     ASSERT_TRUE(EndsSweeps());
-    EXPECT_TRUE(window_->scans.CompareWith(path_));
     EXPECT_NE(std::wstring::npos,
-              TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
-                  .find(L"those that answered (1 device): 0 new, 1 gone, 0 changed"));
+              Counted().find(L"those that answered (1 device): 0 new, 1 gone, 0 changed"));
     // Nor does a file have it that says so.
     EXPECT_TRUE(window_->scans.SaveTo(path_));
-    EXPECT_TRUE(window_->scans.CompareWith(path_));
     EXPECT_NE(std::wstring::npos,
-              TextOf(GetDlgItem(PopupOf(window_->Handle()), IDC_TABLE_NOTE))
-                  .find(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
+              Counted().find(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
 }
 
 // They may be old, or of another computer's printers.
@@ -206,20 +204,16 @@ TEST_F(Files, StatesOfAFileAreNoChanges) {
 TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {
     SetFileText("former");
     engine_.isUnsent = true;
-    StartOptions options;
-    options.sweep = options.exit = true;
-    options.savePath = options.csvPath = path_;
-    Open(options);
+    OpenScript(path_, path_);
     EXPECT_EQ(3, window_->Run());
     EXPECT_EQ("former", FileText());
     engine_.isUnsent = false;
     OpenWithDevices();
     EXPECT_TRUE(window_->scans.SaveTo(path_));
-    options.savePath = path_;
-    options.csvPath = path_ + ".csv";
-    Open(options);  // finds none
+    const std::string csv = path_ + ".csv";
+    OpenScript(path_, csv);  // finds none
     EXPECT_TRUE(EndsSweeps());
-    EXPECT_FALSE(FileExists(options.csvPath)) << "one of both files stays";
+    EXPECT_FALSE(FileExists(csv)) << "one of both files stays";
     EXPECT_NE(std::string::npos, FileText().find("10.77.1.11"));
 }
 
@@ -244,7 +238,7 @@ TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
     Select(0);  // asks no second time
     EXPECT_EQ(ToUtf8(Text(IDS_AWAITS_DEVICE)), Answer({IDOK}, clear));
     engine_.isHeld = false;
-    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
+    ASSERT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
     EXPECT_EQ(1, engine_.reads);
     Answer({IDNO}, clear);
     EXPECT_EQ(L"", Addresses());
@@ -256,29 +250,26 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     StartOptions options;
     options.sweep = true;
     options.savePath = path_;
-    Open(options);
-    engine_.Say("10.77.1.9", "VN InkLine 70");
-    ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    const auto find = [&](const char* model) {
+        Open(options);
+        engine_.Say("10.77.1.9", model);
+        ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    };
+    find("VN InkLine 70");
     // Also if the user logs off.
     EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
     EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
     EXPECT_FALSE(HoldFile(KeptPath(1), OPEN_EXISTING));  // it is saved
-    Open(options);
-    engine_.Say("10.77.1.9", "VN InkLine 71");
-    ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    find("VN InkLine 71");
     PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0, window_->Run());
     EXPECT_NE(std::string::npos, FileText().find("VN InkLine 71"));
     // A second file is asked for if that one cannot be written, but not while the session ends.
     options.savePath = path_ + "\\none";
-    Open(options);
-    engine_.Say("10.77.1.9", "VN InkLine 72");
-    ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    find("VN InkLine 72");
     Answer({}, [&] { SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0); });
-    Open(options);
-    engine_.Say("10.77.1.9", "VN InkLine 72");
-    ASSERT_TRUE(Shows(L"10.77.1.9;"));
+    find("VN InkLine 72");
     Answer({IDOK, IDNO}, [&] { Close(); });
     EXPECT_FALSE(window_->Handle());
 }
@@ -301,9 +292,8 @@ TEST_F(Files, SystemsDialogChoosesTheFile) {
     GetCurrentDirectoryW(MAX_PATH, before);
     std::thread user([&] {
         const HWND dialog = NextPopupOf(window_->Handle());
-        HWND edit = nullptr;
-        for (int wait = 0; dialog && !edit && wait < 500; ++wait) {
-            Sleep(10);
+        const HWND edit = Awaited([&] {
+            HWND name = nullptr;
             EnumChildWindows(
                 dialog,
                 [](HWND child, LPARAM found) -> BOOL {
@@ -311,8 +301,9 @@ TEST_F(Files, SystemsDialogChoosesTheFile) {
                     *reinterpret_cast<HWND*>(found) = child;
                     return FALSE;
                 },
-                reinterpret_cast<LPARAM>(&edit));
-        }
+                reinterpret_cast<LPARAM>(&name));
+            return name;
+        });
         SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(path_ + "x").c_str()));
         PressUntilGone(dialog, IDOK);
     });

@@ -6,11 +6,9 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr wchar_t kKey[] = L"Software\\Varnell Osk\\VnBrowser";
-
 class Menus : public MainWindowTest {
   protected:
-    ~Menus() override { RegDeleteKeyValueW(HKEY_CURRENT_USER, kKey, L"View"); }
+    ~Menus() override { RegDeleteKeyValueW(HKEY_CURRENT_USER, kBrowserKey, L"View"); }
     void OpenWithDevice() {
         OpenWith({{"10.77.1.9", model_}});
         SelectNew(0);
@@ -38,11 +36,7 @@ class Menus : public MainWindowTest {
     std::wstring Play(HWND from, LPARAM place, const std::vector<WPARAM>& keys) {
         std::wstring texts;
         std::thread user([&] {
-            HWND menu = nullptr;
-            for (int wait = 0; wait < 500 && !menu; ++wait) {
-                Sleep(10);
-                menu = FindWindowW(L"#32768", nullptr);
-            }
+            const HWND menu = Awaited([] { return FindWindowW(L"#32768", nullptr); });
             if (!menu) return;
             constexpr UINT kGetMenu = 0x01E1;  // MN_GETHMENU
             const auto handle = reinterpret_cast<HMENU>(SendMessageW(menu, kGetMenu, 0, 0));
@@ -86,7 +80,7 @@ TEST_F(Menus, ClickedCellIsCopied) {
         L"Refresh every ho&ur;",
         texts);
     EXPECT_EQ(ToWide(model_), Copied());
-    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Copied: =InkLine 7"));
+    EXPECT_EQ(0u, Status().find(L"Copied: =InkLine 7"));
 }
 
 TEST_F(Menus, LettersOfAltGrAreNoCommands) {
@@ -109,7 +103,7 @@ TEST_F(Menus, AnyCellIsCopiedByKeyboard) {
     Command(IDM_CELL + 7);
     EXPECT_EQ(L"SNMPv1", Copied());
     Command(IDM_CELL + static_cast<int>(Column::kLocation));
-    EXPECT_EQ(Text(IDS_EMPTY_CELL), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(Text(IDS_EMPTY_CELL), Status());
 }
 
 TEST_F(Menus, DetailsAreCopied) {
@@ -144,10 +138,10 @@ TEST_F(Menus, DetailsAreCopied) {
     // While another program uses the clipboard.
     OpenClipboard(Devices());
     Press(details, 'C', false);
-    EXPECT_EQ(Text(IDS_NOT_COPIED), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(Text(IDS_NOT_COPIED), Status());
     CloseClipboard();
     Press(details, 'C', false);
-    EXPECT_NE(Text(IDS_NOT_COPIED), TextOf(Control(IDC_STATUS)));
+    EXPECT_NE(Text(IDS_NOT_COPIED), Status());
 }
 
 TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
@@ -171,12 +165,12 @@ TEST_F(Menus, CommandsThatDoNothingAreGreyed) {
                                  IDM_DIAGNOSE, IDM_WALK, IDM_SPLIT, IDM_STOP}),
               greyed());
     Command(IDM_SPLIT);  // by its key
-    EXPECT_EQ(Text(IDS_SELECT_FIRST), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(Text(IDS_SELECT_FIRST), Status());
     OpenWithDevice();
     ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
     EXPECT_EQ((std::vector<UINT>{IDM_SPLIT, IDM_STOP}), greyed());
     Command(IDM_SPLIT);
-    EXPECT_EQ(Text(IDS_NO_PARTS), TextOf(Control(IDC_STATUS)));
+    EXPECT_EQ(Text(IDS_NO_PARTS), Status());
 }
 
 // The letters that are marked in texts.

@@ -62,7 +62,7 @@ TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
     report.Open(owner, L"", OfComputer());
     const HWND page = PopupOf(owner);
     const HWND list = GetDlgItem(page, IDC_DETAILS), chosen = GetDlgItem(page, IDC_CHOSEN);
-    SendMessageW(page, WM_COMMAND, IDC_COPY_COMMANDS, 0);
+    Press(page, IDC_COPY_COMMANDS);
     EXPECT_EQ(L"netsh advfirewall firewall add rule name=VnDiscover\r\n", Copied());
     EXPECT_EQ(CellOf(list, 0, 0) + L": " + CellOf(list, 0, 1), TextOf(chosen));
     SendMessageW(list, WM_KEYDOWN, VK_DOWN, 1);

@@ -31,6 +31,7 @@
 namespace vndiscover::host {
 
 constexpr DWORD kPatienceMs = 10000;
+constexpr wchar_t kBrowserKey[] = L"Software\\Varnell Osk\\VnBrowser";
 
 // Sweeps wait for the answers that a test provides, and end with a stop or with End.
 class ScriptedEngine : public Engine {
@@ -177,6 +178,16 @@ inline std::wstring ItemText(HMENU menu, int item, UINT how = MF_BYPOSITION) {
     return text;
 }
 
+inline void Press(HWND dialog, int button) {
+    SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+}
+
+// As on a screen with this DPI, where the window gets another size.
+inline void SetDpi(HWND window, int dpi, LONG width, LONG height) {
+    RECT place = {0, 0, width, height};
+    SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+}
+
 // As by the user, on a heading of the list.
 inline void ClickHeading(HWND list, int column) {
     NMLISTVIEW click = {};
@@ -196,14 +207,17 @@ inline HWND PopupOf(HWND owner) {
     return nullptr;
 }
 
+// What another thread shows soon; null if it does not.
+template <class Find>
+HWND Awaited(Find find) {
+    HWND found = nullptr;
+    for (int wait = 0; wait < 500 && !(found = find()); ++wait) Sleep(10);
+    return found;
+}
+
 // The dialog that another thread shows next; null if there is none.
 inline HWND NextPopupOf(HWND owner) {
-    HWND popup = nullptr;
-    for (int wait = 0; wait < 500 && !popup; ++wait) {
-        Sleep(10);
-        popup = IsWindowEnabled(owner) ? nullptr : PopupOf(owner);
-    }
-    return popup;
+    return Awaited([&] { return IsWindowEnabled(owner) ? nullptr : PopupOf(owner); });
 }
 
 // Again and again, since a dialog that is still being made ignores it. One without this button is
@@ -351,16 +365,16 @@ class MainWindowTest : public testing::Test {
         return Until([&] { return Addresses() == addresses; });
     }
     HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
-    void Command(int id) {
-        SendMessageW(window_->Handle(), WM_COMMAND, static_cast<WPARAM>(id), 0);
-    }
+    HWND Popup() const { return PopupOf(window_->Handle()); }
+    std::wstring Status() const { return TextOf(Control(IDC_STATUS)); }
+    void Command(int id) { Press(window_->Handle(), id); }
 
     // Presses these buttons, each in the next message or dialog that the window shows meanwhile.
     // Returns the text of the last one.
     std::string Answer(const std::vector<int>& buttons, const std::function<void()>& action) {
         std::string text;
         std::atomic<bool> isOver{false};
-        std::thread user([&, owner = window_->Handle(), other = PopupOf(window_->Handle())] {
+        std::thread user([&, owner = window_->Handle(), other = Popup()] {
             const auto next = [&] {
                 HWND box = nullptr;
                 while (!isOver && (!box || box == other)) {
@@ -436,10 +450,11 @@ class MainWindowTest : public testing::Test {
         return menu;
     }
     // A search of the command line, without a window.
-    void OpenScript(const std::string& path = "") {
+    void OpenScript(const std::string& path = "", const std::string& csvPath = "") {
         StartOptions options;
         options.sweep = options.exit = true;
         options.savePath = path;
+        options.csvPath = csvPath;
         Open(options);
     }
 

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "host/model/scripted_device.h"
 #include "model/scan/device_view.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
@@ -22,12 +23,6 @@ class Sessions : public testing::Test {
         for (const auto& [address, bytes] : answers)
             session_.AddAnswer(worker, {0, "", address, Received(bytes)});
         session_.EndSweep(worker, true);
-    }
-    static std::string Reply(const std::string& types) {
-        return "<e:Envelope xmlns:e='http://www.w3.org/2003/05/soap-envelope'><e:Body>"
-               "<d:ProbeMatches xmlns:d='http://schemas.xmlsoap.org/ws/2005/04/discovery'>"
-               "<d:ProbeMatch><d:Types>" +
-               types + "</d:Types></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>";
     }
     std::string Read() {
         session_.Refresh();
@@ -72,7 +67,8 @@ TEST_F(Sessions, SearchReadsWhoAnsweredItAndMayBeAPrinter) {
         Sweep(WorkerId::kSnmp, SweepKind::kSnmpV1,
               isFirst ? Answers{{"10.77.1.1", "x"}} : Answers());
         Sweep(WorkerId::kWsd, SweepKind::kWsd,
-              {{"10.77.1.4", Reply("Computer")}, {"10.77.1.5", Reply("PrintDeviceType")}});
+              {{"10.77.1.4", Reply("urn:4", "Computer")},
+               {"10.77.1.5", Reply("urn:5", "PrintDeviceType")}});
         session_.EndSearch();
         session_.BeginReading("10.77.1.1");
         Results::Read stopped = {{"10.77.1.1"}, "", {}};

@@ -9,8 +9,12 @@ class WalkTests : public MainWindowTest {
     void OpenWalk() {
         OpenWith({{"10.77.1.1", "x"}, {"10.77.1.3", "y"}});
         SelectNew(0);
+        OpenWalkOf(L"10.77.1.1");
+    }
+    // For the selected device.
+    void OpenWalkOf(const std::wstring& address) {
         Command(IDM_WALK);
-        walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.1");
+        walk_ = FindWindowW(L"#32770", (L"Values of " + address).c_str());
         ASSERT_TRUE(walk_);
         list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
     }
@@ -18,7 +22,7 @@ class WalkTests : public MainWindowTest {
         SetDlgItemTextW(walk_, IDC_WALK_ROOT, root);
         Press(IDC_WALK_START);
     }
-    void Press(int id) const { SendMessageW(walk_, WM_COMMAND, static_cast<WPARAM>(id), 0); }
+    void Press(int id) const { host::Press(walk_, id); }
     std::wstring State() const { return TextOf(GetDlgItem(walk_, IDC_WALK_STATE)); }
     int Rows() const { return ListView_GetItemCount(list_); }
 
@@ -63,14 +67,14 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     Start(L"ifDescr");
     ASSERT_TRUE(Until([&] { return Rows() > 3; }));
     EXPECT_EQ(L"S&top", TextOf(GetDlgItem(walk_, IDC_WALK_START)));
-    EXPECT_EQ(0u, TextOf(Control(IDC_STATUS)).find(L"Reading the values of 10.77.1.1... "));
+    EXPECT_EQ(0u, Status().find(L"Reading the values of 10.77.1.1... "));
     SelectNew(1);  // during the walk
     const int rows = Rows();
     EXPECT_TRUE(Until([&] { return Rows() > rows; }));
     Press(IDC_WALK_START);
     EXPECT_TRUE(Until([&] { return State().find(L" values, then stopped") != State().npos; }));
     EXPECT_EQ(std::to_wstring(Rows()) + L" values, then stopped", State());
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
+    EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
     // Its calls are one row.
     Command(IDM_CALLS);
     const HWND calls = GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_CALLS);
@@ -90,10 +94,10 @@ TEST_F(WalkTests, FailureIsShownOnItsPage) {
     }));
     Command(IDM_DIAGNOSE);
     EXPECT_TRUE(Until([&] {
-        const HWND page = PopupOf(window_->Handle());
+        const HWND page = Popup();
         return page && PageTexts(page).find(L"not finished: no memory;") != std::wstring::npos;
     }));
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
+    EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
 }
 
 TEST_F(WalkTests, EitherWindowMayBeClosedDuringAWalk) {
@@ -102,20 +106,15 @@ TEST_F(WalkTests, EitherWindowMayBeClosedDuringAWalk) {
     ASSERT_TRUE(Until([&] { return Rows() > 1; }));
     Press(IDCANCEL);
     EXPECT_FALSE(IsWindow(walk_));
-    EXPECT_TRUE(Until([&] { return TextOf(Control(IDC_STATUS)).find(L"Stopped") == 0; }));
+    EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
     // Another device's walk replaces it, and begins with an empty list.
-    Command(IDM_WALK);
-    walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.1");
-    list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
+    OpenWalkOf(L"10.77.1.1");
     Start(L"ifDescr");
     ASSERT_TRUE(Until([&] { return Rows() > 1; }));
     const HWND old = walk_;
     Select(1);
-    Command(IDM_WALK);
+    OpenWalkOf(L"10.77.1.3");
     EXPECT_FALSE(IsWindow(old));
-    walk_ = FindWindowW(L"#32770", L"Values of 10.77.1.3");
-    list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
-    ASSERT_TRUE(walk_);
     Start(L"ifDescr");
     EXPECT_TRUE(Until([&] { return Rows() > 1; }));
     EXPECT_EQ(L"ifDescr.1", CellOf(list_, 0, 1));

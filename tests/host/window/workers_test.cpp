@@ -153,11 +153,7 @@ TEST_F(WorkersTest, WalkThatHasNotBegunReportsItsEnd) {
     BeginReading();
     for (const unsigned walk : {1, 2}) {
         workers.Walk({"10.0.0.1"}, {1, 3}, walk);
-        if (walk == 1) {
-            workers.StopWalk();
-        } else {
-            workers.Stop();
-        }
+        walk == 1 ? workers.StopWalk() : workers.Stop();
         struct : Results {
             void OnWalked(unsigned number, bool hasBegun, const WalkEnd& end,
                           const std::string&) override {
