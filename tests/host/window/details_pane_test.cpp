@@ -13,10 +13,6 @@ class Details : public MainWindowTest {
         Command(IDC_FIND);
         SelectNew(0);
     }
-    void EndSweep() {
-        engine_.End();
-        EXPECT_TRUE(Ends());
-    }
     // As if its tab were clicked.
     void ChoosePage(int page) {
         TabCtrl_SetCurSel(Control(IDC_PAGES), page);
@@ -62,7 +58,7 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EXPECT_EQ(L"Summary", Page());
     ChoosePage(TabCtrl_GetItemCount(Control(IDC_PAGES)) - 1);
     EXPECT_EQ(L"Answers", Page());
-    EndSweep();
+    EXPECT_TRUE(EndsSweeps());
     Answer({IDNO}, [&] { Command(IDM_CLEAR); });
     EXPECT_EQ(0, Rows());
 }
@@ -103,7 +99,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     const auto empty = [&] { return ListControl::Of(Control(IDC_DETAILS))->EmptyText(); };
     EXPECT_EQ(Text(IDS_NOT_ASKED), empty());
     EXPECT_TRUE(Until([&] { return empty() == L"Interfaces not known: no answer"; }));
-    EndSweep();
+    EXPECT_TRUE(EndsSweeps());
 }
 
 }  // namespace

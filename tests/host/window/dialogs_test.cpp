@@ -100,8 +100,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
             Command(command);
             CheckDialog(Popup(), controls);
         }
-        EXPECT_NE(std::wstring::npos,
-                  TextOf(GetDlgItem(Popup(), IDC_TABLE_NOTE)).find(L"1 change since"));
+        EXPECT_THAT(TextOf(GetDlgItem(Popup(), IDC_TABLE_NOTE)), HasSubstr(L"1 change since"));
         window_.reset();
     }
 }
@@ -458,10 +457,7 @@ TEST_F(Dialogs, DiagnosisOfADeviceIsShownWhenItComes) {
     engine_.hasEngine = engine_.isReleased = true;
     Command(IDM_DIAGNOSE);
     const std::wstring none = L";answered;" + Text(IDS_NO_USER_ASKED) + L";";
-    EXPECT_TRUE(Until([&] {
-        const HWND page = Popup();
-        return page && PageTexts(page).find(none) != std::wstring::npos;
-    }));
+    EXPECT_TRUE(Until([&] { return Has(PageTexts(Popup()), none); }));
 }
 
 }  // namespace

@@ -50,26 +50,20 @@ class Files : public MainWindowTest {
 
 TEST_F(Files, UnreadableScansAreToldAndLeaveTheList) {
     OpenWithDevices();
-    const std::pair<const char*, const char*> cases[] = {
-        {"{\"format\": \"vndiscover-scan\",\n \"version\": 2}", "version"},
-        {"{\"format\": \"vndiscover-scan\",\n \"version\": 1,\n x", "line 3"}};
-    for (const auto& [text, reason] : cases) {
-        SetFileText(text);
-        for (const auto method : {&ScanCommands::OpenFrom, &ScanCommands::CompareWith}) {
-            bool isDone = true;
-            const std::string told =
-                Answer({IDOK}, [&] { isDone = (window_->scans.*method)(path_); });
-            EXPECT_FALSE(isDone);
-            EXPECT_EQ(0u, told.find(path_ + " is not a scan")) << told;
-            EXPECT_NE(std::string::npos, told.find(reason)) << told;
-        }
+    SetFileText("{\"format\": \"vndiscover-scan\",\n \"version\": 1,\n x");
+    for (const auto method : {&ScanCommands::OpenFrom, &ScanCommands::CompareWith}) {
+        bool isDone = true;
+        const std::string told = Answer({IDOK}, [&] { isDone = (window_->scans.*method)(path_); });
+        EXPECT_FALSE(isDone);
+        EXPECT_EQ(0u, told.find(path_ + " is not a scan")) << told;
+        EXPECT_THAT(told, HasSubstr("line 3"));
     }
     EXPECT_EQ(0u, Answer({IDOK}, [&] {
                       window_->scans.OpenFrom(path_ + "x");
                   }).find("Not opened: " + path_ + "x cannot be read (no such file"));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
     EXPECT_TRUE(window_->scans.SaveTo(path_));
-    EXPECT_NE(std::string::npos, FileText().find("10.77.1.9"));
+    EXPECT_THAT(FileText(), HasSubstr("10.77.1.9"));
 }
 
 TEST_F(Files, SavedScansAreOpenedAgain) {
@@ -79,8 +73,7 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_EQ(L"", Addresses());
     EXPECT_TRUE(window_->scans.OpenFrom(path_));
     EXPECT_EQ(L"10.77.1.11;10.77.1.10;", Addresses());
-    const std::wstring title = TextOf(window_->Handle());
-    EXPECT_NE(std::wstring::npos, title.find(L", scan of ")) << ToUtf8(title);
+    EXPECT_THAT(TextOf(window_->Handle()), HasSubstr(L", scan of "));
     // Its addresses get the user's community only when the user asks them.
     const int reads = engine_.reads;
     Select(0);
@@ -90,9 +83,8 @@ TEST_F(Files, SavedScansAreOpenedAgain) {
     EXPECT_TRUE(Until([&] { return engine_.reads > reads; }));
     Sleep(100);
     EXPECT_EQ(reads + 1, engine_.reads);
-    EXPECT_TRUE(Until([&] {
-        return TextOf(window_->Handle()).find(L", and values read since - ") != title.npos;
-    }));
+    EXPECT_TRUE(
+        Until([&] { return Has(TextOf(window_->Handle()), L", and values read since - "); }));
 }
 
 // Otherwise what is found now could not be told from what the file has.
@@ -106,8 +98,7 @@ TEST_F(Files, FindAsksHowToGoOnFromAFile) {
     for (const int button : {IDYES, IDNO}) {
         EXPECT_TRUE(window_->scans.OpenFrom(path_));
         Answer({button}, [&] { Command(IDC_FIND); });
-        const std::wstring title = TextOf(window_->Handle());
-        EXPECT_EQ(button == IDYES, title.find(L", and devices found since - ") != title.npos);
+        EXPECT_EQ(button == IDYES, Has(TextOf(window_->Handle()), L", and devices found since - "));
         EXPECT_EQ(button == IDYES ? L"10.77.1.11;10.77.1.10;" : L"", Addresses());
         ASSERT_TRUE(EndsSweeps());
     }
@@ -118,11 +109,10 @@ TEST_F(Files, ComparisonIsATable) {
     OpenWithDevices();
     EXPECT_TRUE(window_->scans.SaveTo(path_));
     SetFileText(std::regex_replace(FileText(), std::regex("10.77.1.9\""), "10.77.1.7\""));
-    EXPECT_NE(std::wstring::npos,
-              Counted().find(L"those that answered (3 devices): 1 new, 1 gone, 0 changed"));
+    EXPECT_THAT(Counted(), HasSubstr(L"those that answered (3 devices): 1 new, 1 gone, 0 changed"));
     const HWND table = Popup(), rows = GetDlgItem(table, IDC_TABLE_ROWS);
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
-    EXPECT_NE(std::wstring::npos, CellOf(rows, 0, 0).find(L"10.77.1.9"));
+    EXPECT_THAT(CellOf(rows, 0, 0), HasSubstr(L"10.77.1.9"));
     ClickHeading(rows, 1);
     EXPECT_EQ(L"gone", CellOf(rows, 0, 1));
     Press(table, IDC_TABLE_COPY);
@@ -154,7 +144,7 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     table.Show(L"1 row", {{{ToWide(now), L""}}});
     EXPECT_EQ(ToWide(ShortTime(now)), CellOf(list, 0, 0));
     Press(dialog, IDC_TABLE_SAVE);
-    EXPECT_NE(std::string::npos, file.find("\"" + ToUtf8(LocalTime(now)) + "\"")) << file;
+    EXPECT_THAT(file, HasSubstr("\"" + ToUtf8(LocalTime(now)) + "\""));
 }
 
 // In the format of the user's system, of which the separators are not known here.
@@ -176,12 +166,10 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
     Command(IDC_FIND);
     engine_.Say("10.77.1.9", "y");
     ASSERT_TRUE(EndsSweeps());
-    EXPECT_NE(std::wstring::npos,
-              Counted().find(L"those that answered (1 device): 0 new, 1 gone, 0 changed"));
+    EXPECT_THAT(Counted(), HasSubstr(L"those that answered (1 device): 0 new, 1 gone, 0 changed"));
     // Nor does a file have it that says so.
     EXPECT_TRUE(window_->scans.SaveTo(path_));
-    EXPECT_NE(std::wstring::npos,
-              Counted().find(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
+    EXPECT_THAT(Counted(), HasSubstr(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
 }
 
 // They may be old, or of another computer's printers.
@@ -214,7 +202,7 @@ TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {
     OpenScript(path_, csv);  // finds none
     EXPECT_TRUE(EndsSweeps());
     EXPECT_FALSE(FileExists(csv)) << "one of both files stays";
-    EXPECT_NE(std::string::npos, FileText().find("10.77.1.11"));
+    EXPECT_THAT(FileText(), HasSubstr("10.77.1.11"));
 }
 
 TEST_F(Files, UnsavedScansAreDroppedOnlyOnRequest) {
@@ -259,12 +247,12 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     // Also if the user logs off.
     EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
-    EXPECT_NE(std::string::npos, FileText().find("VN InkLine 70"));
+    EXPECT_THAT(FileText(), HasSubstr("VN InkLine 70"));
     EXPECT_FALSE(HoldFile(KeptPath(1), OPEN_EXISTING));  // it is saved
     find("VN InkLine 71");
     PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0, window_->Run());
-    EXPECT_NE(std::string::npos, FileText().find("VN InkLine 71"));
+    EXPECT_THAT(FileText(), HasSubstr("VN InkLine 71"));
     // A second file is asked for if that one cannot be written, but not while the session ends.
     options.savePath = path_ + "\\none";
     find("VN InkLine 72");
@@ -321,14 +309,13 @@ TEST_F(Files, ExportsHoldTheRowsAsShown) {
     EXPECT_TRUE(window_->scans.SaveCsvTo(path_));
     const std::string csv = FileText();
     EXPECT_EQ(0u, csv.find("\xEF\xBB\xBF\"Address\",\"Model\",\"Name\",\"State\",")) << csv;
-    EXPECT_NE(std::string::npos,
-              csv.find("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"never read\",\"\",\"\"\r"))
-        << csv;
+    EXPECT_THAT(
+        csv, HasSubstr("\r\n\"10.77.1.11\",\"VN LaserPro 411\",\"\",\"never read\",\"\",\"\"\r"));
     EXPECT_TRUE(window_->scans.SaveJsonTo(path_));
     const std::string json = FileText();
     EXPECT_EQ(0u, json.find("[\n  {\"severity\":\"unknown\",\"state\":null")) << json;
     EXPECT_LT(json.find("[\"10.77.1.11\"]"), json.find("[\"10.77.1.10\"]"));
-    EXPECT_NE(std::string::npos, json.find("\"notRead\":\"never read\"}\n]\n")) << json;
+    EXPECT_THAT(json, HasSubstr("\"notRead\":\"never read\"}\n]\n"));
 }
 
 TEST_F(Files, UnsavedScanOutlivesTheSession) {
@@ -344,7 +331,7 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
     const std::string asked =
         Answer({IDNO, IDYES}, [&] { window_->scans.OfferSaved(); });  // one is enough
     EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
-    EXPECT_NE(std::wstring::npos, Addresses().find(L"10.77.1.11;"));
+    EXPECT_THAT(Addresses(), HasSubstr(L"10.77.1.11;"));
     EXPECT_EQ(0u, TextOf(window_->Handle()).find(L"kept scan, scan of "));
     EXPECT_FALSE(HoldFile(KeptPath(2), OPEN_EXISTING));  // it is this window's
     end(ENDSESSION_CLOSEAPP);                            // it is still in no file

@@ -139,7 +139,7 @@ TEST_F(MainWindowTest, FindReadsWhatItFinds) {
     ASSERT_TRUE(Ends());
     const std::wstring status = Status();
     EXPECT_EQ(0u, status.find(L"Read 2 of 3 devices in ")) << ToUtf8(status);
-    EXPECT_NE(status.npos, status.find(L" s; 1 could not be read"));
+    EXPECT_THAT(status, HasSubstr(L" s; 1 could not be read"));
     EXPECT_EQ(L"no such value", Cell(0, 3));
     window_->state.settings.readsFound ^= 1;
 }
@@ -182,8 +182,7 @@ TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
     EXPECT_EQ(1, Selected());
     Command(IDM_SPLIT);
     EXPECT_EQ(split, Addresses());
-    engine_.End();
-    EXPECT_TRUE(Ends());
+    EXPECT_TRUE(EndsSweeps());
 }
 
 TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
@@ -432,7 +431,7 @@ TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
     opens = true;
     EXPECT_EQ(0u, page.find("Windows cannot open http://10.77.1.1/")) << page;
     const std::string help = Answer({IDOK}, [&] { Command(IDM_HELP); });
-    EXPECT_NE(std::string::npos, help.find("\\docs\\vnbrowser.md")) << help;
+    EXPECT_THAT(help, HasSubstr("\\docs\\vnbrowser.md"));
 }
 
 // Also the bar in the status line, and those of dialogs.
@@ -463,10 +462,8 @@ TEST_F(MainWindowTest, ControlsHearOfNewColoursAndSettings) {
 TEST_F(MainWindowTest, AboutNamesTheVersions) {
     Open();
     const std::string about = Answer({IDOK}, [&] { Command(IDM_ABOUT); });
-    EXPECT_NE(std::string::npos,
-              about.find("VnDiscover.dll " + VersionOf(GetModuleHandleW(L"VnDiscover.dll")) +
-                         "\nWindows "))
-        << about;
+    const std::string version = VersionOf(GetModuleHandleW(L"VnDiscover.dll"));
+    EXPECT_THAT(about, HasSubstr("VnDiscover.dll " + version + "\nWindows "));
 }
 
 TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {

@@ -109,8 +109,7 @@ TEST_F(Menus, AnyCellIsCopiedByKeyboard) {
 TEST_F(Menus, DetailsAreCopied) {
     OpenWithDevice();
     const HWND details = Control(IDC_DETAILS);
-    ASSERT_TRUE(Until(
-        [&] { return PageTexts(window_->Handle()).find(L"SERIAL 1") != std::wstring::npos; }));
+    ASSERT_TRUE(Until([&] { return Has(PageTexts(window_->Handle()), L"SERIAL 1"); }));
     int address = 0;
     while (address < 20 && CellOf(details, address, 0) != L"Address") ++address;
     ListView_SetItemState(details, address, LVIS_SELECTED, LVIS_SELECTED);
@@ -131,10 +130,10 @@ TEST_F(Menus, DetailsAreCopied) {
     EXPECT_EQ(L"Address", Copied());
     Press(details, 'T', true);
     const std::wstring table = Copied();
-    EXPECT_NE(std::wstring::npos, table.find(L"\r\nModel\t'" + ToWide(model_) + L"\r\n"));
-    EXPECT_NE(std::wstring::npos, table.find(L"\r\nAddress\t10.77.1.9\r\n"));
+    EXPECT_THAT(table, HasSubstr(L"\r\nModel\t'" + ToWide(model_) + L"\r\n"));
+    EXPECT_THAT(table, HasSubstr(L"\r\nAddress\t10.77.1.9\r\n"));
     Press(Devices(), 'C', false);
-    EXPECT_NE(std::wstring::npos, Copied().find(L"\t'" + ToWide(model_) + L"\t10.77.1.9\t"));
+    EXPECT_THAT(Copied(), HasSubstr(L"\t'" + ToWide(model_) + L"\t10.77.1.9\t"));
     // While another program uses the clipboard.
     OpenClipboard(Devices());
     Press(details, 'C', false);

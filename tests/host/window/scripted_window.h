@@ -2,7 +2,7 @@
 // null driver.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <windows.h>
 
@@ -165,6 +165,13 @@ class ScriptedEngine : public Engine {
     std::vector<std::pair<std::string, std::string>> answers_;
     bool isInSweep_ = false, isOver_ = false;
 };
+
+using testing::HasSubstr;
+
+// To wait for, other than HasSubstr.
+inline bool Has(const std::wstring& text, const std::wstring& part) {
+    return text.find(part) != text.npos;
+}
 
 inline RECT PlaceOf(HWND window) {
     RECT place = {};

@@ -53,13 +53,13 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     const std::wstring all = Copied();
     EXPECT_EQ(std::wstring::npos, all.find(L'\x1B'));
     EXPECT_EQ(0u, all.find(L"OID\tName\tValue\r\n"));
-    EXPECT_NE(std::wstring::npos, all.find(L"\n" + row));
+    EXPECT_THAT(all, HasSubstr(L"\n" + row));
     // The list is that of the last walk only.
     Start(L"sysName");
     EXPECT_TRUE(Until([&] { return State() == L"1 value, and no more below this OID"; }));
     EXPECT_EQ(1, Rows());
     Start(L"ifType");
-    EXPECT_TRUE(Until([&] { return State().find(L"is not greater") != State().npos; }));
+    EXPECT_TRUE(Until([&] { return Has(State(), L"is not greater"); }));
 }
 
 TEST_F(WalkTests, GoesOnUntilItIsStopped) {
@@ -72,7 +72,7 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     const int rows = Rows();
     EXPECT_TRUE(Until([&] { return Rows() > rows; }));
     Press(IDC_WALK_START);
-    EXPECT_TRUE(Until([&] { return State().find(L" values, then stopped") != State().npos; }));
+    EXPECT_TRUE(Until([&] { return Has(State(), L" values, then stopped"); }));
     EXPECT_EQ(std::to_wstring(Rows()) + L" values, then stopped", State());
     EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
     // Its calls are one row.
@@ -89,14 +89,9 @@ TEST_F(WalkTests, FailureIsShownOnItsPage) {
     EXPECT_TRUE(Until([&] { return State() == L"0 values, then: no memory"; }));
     Press(IDCANCEL);
     Command(IDM_ASK);
-    EXPECT_TRUE(Until([&] {
-        return PageTexts(window_->Handle()).find(L";details: no memory;") != std::wstring::npos;
-    }));
+    EXPECT_TRUE(Until([&] { return Has(PageTexts(window_->Handle()), L";details: no memory;"); }));
     Command(IDM_DIAGNOSE);
-    EXPECT_TRUE(Until([&] {
-        const HWND page = Popup();
-        return page && PageTexts(page).find(L"not finished: no memory;") != std::wstring::npos;
-    }));
+    EXPECT_TRUE(Until([&] { return Has(PageTexts(Popup()), L"not finished: no memory;"); }));
     EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
 }
 
