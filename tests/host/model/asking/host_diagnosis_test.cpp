@@ -51,7 +51,6 @@ TEST(Diagnosis, FindsWhatKeepsSweepsFromADeviceThatAnswers) {
 TEST(Diagnosis, TellsABlockedPortFromAMissingRoute) {
     HostDiagnosis diagnosis;
     diagnosis.v1.outcome = diagnosis.discovery.outcome = Outcome::kNotSent;
-    EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("no route"));
     diagnosis.hasRoute = true;
     EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("blocks outgoing UDP port 161"));
     diagnosis.isUnknown = true;

@@ -233,12 +233,6 @@ TEST(PrinterReader, EndlessTablesAreCut) {
     answers = ReadPrinter(far.MakeAsker());
     EXPECT_TRUE(HasGap(answers, "MAC address", "ifType", "index is over 16383"));
     EXPECT_EQ(1u, answers.values.count(*ParseOidOrName("ifType.20000")));
-
-    ScriptedDevice turning = Printer();
-    Asker asker = turning.MakeAsker();
-    asker.getNext = [](const Oid&) { return AnsweredWith({1, 3}, kInteger, "\x01"); };
-    answers = ReadPrinter(asker);
-    EXPECT_TRUE(HasGap(answers, "trays", "prtInputName", "OID not increasing"));
 }
 
 TEST(PrinterReader, TwoScalarsInARowAreNotRead) {
@@ -270,7 +264,7 @@ TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
     EXPECT_EQ(Status::kNoAnswer, answers.lastStatus);
 }
 
-ScriptedDevice WithInterfaces() {
+TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
     ScriptedDevice device;
     device.Text("sysName.0", "hall");
     for (const char* row : {".1", ".2"}) {
@@ -283,11 +277,6 @@ ScriptedDevice WithInterfaces() {
     device.Text("ifDescr.2", "LAN\x1B port");
     device.Text("ifPhysAddress.2", "\x02\x10\x20\x30\x40\x50");
     device.variables[*ParseOidOrName("ifSpeed.2")] = {kGauge32, std::string("\x05\xF5\xE1\x00", 4)};
-    return device;
-}
-
-TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
-    ScriptedDevice device = WithInterfaces();
     const Asker asker = device.MakeAsker();
     EXPECT_FALSE(ReadPrinter(asker).values.count(*ParseOidOrName("ifDescr.2")));
     const size_t before = 2 * device.requests;

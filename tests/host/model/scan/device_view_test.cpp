@@ -175,9 +175,8 @@ TEST(DeviceReport, SaysNothingTwice) {
     for (const ReportRow& one : RowsOf(ReportOf(row, std::nullopt)))
         told += one.label + "=" + one.text + ";";
     EXPECT_EQ(
-        "State=no toner;Printer=idle;Supplies=;   Black toner=0 % (0 of 100);   Fuser=50 % (50 of "
-        "100), "
-        "photoconductor;",
+        "State=no toner;Printer=idle;Supplies=;   Black toner=0 % (0 of 100);"
+        "   Fuser=50 % (50 of 100), photoconductor;",
         told);
 }
 

@@ -84,17 +84,13 @@ TEST(DeviceRows, ShowOctetsThatLookLikeTextInHex) {
     EXPECT_EQ("[\n  {\"address\":\"10.0.0.1\"," + octets.substr(1) + "\n]\n",
               Written(Format::kJson, values, {{"10.0.0.1", "@"}}));
     values.kind = ValueKind::kDocument;
-    values.request = R"({"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":"",".1.3.6.1.2.1.2.2.1.6.1":"none"}})";
-    EXPECT_EQ(
-        R"([
-  {"address":"10.0.0.1","value":{"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":)" +
-            octets + R"(,".1.3.6.1.2.1.2.2.1.6.1":"none"}}}
-]
-)",
-        Written(
-            Format::kJson, values,
-            {{"10.0.0.1",
-              R"({"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":"@",".1.3.6.1.2.1.2.2.1.6.1":"none"}})"}}));
+    const auto document = [](const std::string& errors) {
+        return R"({"GET":{".1.3.6.1.2.1.25.3.5.1.2.1":)" + errors +
+               R"(,".1.3.6.1.2.1.2.2.1.6.1":"none"}})";
+    };
+    values.request = document("\"\"");
+    EXPECT_EQ("[\n  {\"address\":\"10.0.0.1\",\"value\":" + document(octets) + "}\n]\n",
+              Written(Format::kJson, values, {{"10.0.0.1", document("\"@\"")}}));
 }
 
 TEST(JsonRequests, AreCompactedAndLimited) {
