@@ -25,8 +25,7 @@ class Menus : public MainWindowTest {
             item.mask = HDI_TEXT;
             item.pszText = text;
             item.cchTextMax = 40;
-            SendMessageW(header, HDM_GETITEMW, WPARAM(Header_OrderToIndex(header, index)),
-                         reinterpret_cast<LPARAM>(&item));
+            Header_GetItem(header, Header_OrderToIndex(header, index), &item);
             all += text + std::wstring(L";");
         }
         return all;
@@ -236,17 +235,13 @@ TEST_F(Menus, StatusSaysWhyTheListIsEmpty) {
     }
 }
 
-TEST_F(Menus, EachItemHasALetterOfItsOwn) {
-    Open();
-    CheckLetters(GetMenu(window_->Handle()));
-    CheckLetters(MakeDeviceMenu().Get());
-}
-
 // Alt and a letter selects one menu or one control of the window.
-TEST_F(Menus, EachControlOfTheWindowHasALetterOfItsOwn) {
+TEST_F(Menus, EachItemAndControlHasALetterOfItsOwn) {
     Open();
-    Letters letters;
     const HMENU bar = GetMenu(window_->Handle());
+    CheckLetters(bar);
+    CheckLetters(MakeDeviceMenu().Get());
+    Letters letters;
     for (int menu = 0; menu < GetMenuItemCount(bar); ++menu) letters.Add(ItemText(bar, menu));
     letters.Add(Text(IDS_STOP));  // on the same button as "Find"
     for (const auto& [control, place] : PlacesIn(window_->Handle())) {
@@ -331,7 +326,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     ClickColumn(1);  // the sort mark of another column than the address
     HDITEMW item = {};
     item.mask = HDI_FORMAT;
-    SendMessageW(ListView_GetHeader(Devices()), HDM_GETITEMW, 1, reinterpret_cast<LPARAM>(&item));
+    Header_GetItem(ListView_GetHeader(Devices()), 1, &item);
     EXPECT_TRUE(item.fmt & HDF_SORTUP);
     // Shown again, a column returns to its place and width.
     Command(IDM_COLUMN + 1);

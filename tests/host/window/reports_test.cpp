@@ -19,16 +19,9 @@ std::string WithoutSpaces(std::string text) {
 Report OfPrinter() {
     PrinterFacts facts;
     facts.model = "VN LaserPro 410";
-    facts.description = "Laser printer, firmware 2.14.1";
-    facts.upTicks = 9000;
-    facts.deviceStatus = "warning";
     facts.errors = std::vector<std::string>{"lowPaper", "doorOpen"};
-    facts.panel = {"Door open"};
-    facts.pageCounts = {{184305, "impressions"}};
     facts.supplies = {{"Toner", "black", "tonerCartridge", {3, 10, "", false, false}}};
-    facts.trays = {{"", "A4", {120, 500, "sheets", false, false}}};
     facts.alerts = {{"critical", "cover", "coverOpen", "Door A", 100}};
-    facts.otherPrinters = {9};
     facts.gaps = {{"panel", "", "not asked for"}, {"name", "sysName", "no answer"}};
     return ReportOf(facts, {"10.77.1.20", "SNMPv1"});
 }

@@ -1,22 +1,17 @@
 #include "window/work/workers.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <map>
-#include <mutex>
 
-#include "host/model/scripted_device.h"
 #include "platform/result_window.h"
+#include "scripted_window.h"
 
 namespace vndiscover::host {
 namespace {
 
 // Each device is asked until it must stop.
-class PatientEngine : public Engine {
+class PatientEngine : public ScriptedEngine {
   public:
-    bool Sweep(const SweepStep&, const OnAnswer&) override { return true; }
-    void StopSweeps() override {}
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override {
         const int64_t delayMs = target.address == "10.0.0.1" ? slowMs.load() : 1;
@@ -56,12 +51,10 @@ class PatientEngine : public Engine {
         end.isStopped = true;
         return end;
     }
-    HostDiagnosis Diagnose(const AskTarget&, std::function<bool()>) override { return {}; }
     AdapterList IPv4() override {
         ++looks;
         return {};
     }
-    ComputerReport Report() override { return {}; }
     std::atomic<int> begun{0}, ended{0}, looks{0}, walks{0}, here{0}, aside{0};
     std::atomic<int64_t> slowMs{1};
     std::atomic<int> requests{2000};  // of a reading of one device
