@@ -75,7 +75,7 @@ class Scripts(unittest.TestCase):
     def test_needs_a_kept_profile(self):
         code, _, told = run("--profile", "Hall", "--sweep", "--save", SCAN, "--exit", program="VnBrowser.exe")
         self.assertEqual((2, "VnBrowser: The profile Hall does not exist or cannot be opened. "
-                             "Choose another.\n"), (code, told))
+                             "Choose another in the SNMP settings.\n"), (code, told))
 
     def test_tells_of_a_file_that_cannot_be_written(self):
         for option in ("--save", "--csv"):

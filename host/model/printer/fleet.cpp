@@ -64,7 +64,7 @@ size_t Fleet::CountRead() const {
 
 std::optional<size_t> Fleet::CountStates() const {
     if (!AnyOf(devices_, [](auto& device) { return device.isState && !device.isLate; })) return {};
-    return CountIf(devices_, [](auto& device) { return !device.isState; });
+    return CountIf(devices_, [](auto& device) { return !device.isState || device.isLate; });
 }
 
 std::string Fleet::Progress() const {

@@ -46,7 +46,7 @@ class Fleet {
 
     const std::vector<FleetDevice>& Devices() const { return devices_; }
     size_t CountRead() const;
-    // During the first round, of how many the state is known; later, empty.
+    // During the first round, how many were asked for their state; later, empty.
     std::optional<size_t> CountStates() const;
     // "state of 29 of 403", then "29 of 403, 3 critical, 12 need attention".
     std::string Progress() const;

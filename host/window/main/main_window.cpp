@@ -299,6 +299,7 @@ void MainWindow::OnCommand(int id, int code) {
 
 void MainWindow::StopAll() {
     if (!state.workers->IsBusy()) return;
+    state.progress.ClearNote();  // of what ends
     state.workers->Stop();
     state.progress.Stop();
     doctor.Stop(state.window);

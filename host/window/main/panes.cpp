@@ -216,7 +216,8 @@ void Panes::ShowDetails() {
 // A list without rows says why only in its place, which no screen reader reads.
 std::wstring Panes::EmptyNote(Progress::Kind kind) const {
     const bool isOver = kind == Progress::Kind::kDone || kind == Progress::Kind::kStopped ||
-                        kind == Progress::Kind::kRead;
+                        kind == Progress::Kind::kRead ||
+                        (kind == Progress::Kind::kReady && !state_.file.empty());
     const std::wstring text = isOver ? list.ListControl::EmptyText() : L"";
     return text.empty() ? L"" : L". " + text;
 }

@@ -448,9 +448,10 @@ Progress::Work Workers::Now() const {
     work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
     if (IsReadingAll()) {
         work.read = run_->Count();
-        const auto states = run_->fleet.CountStates();
+        // A further community is tried in the second round too.
+        const auto states = run_->retries == 0 ? run_->fleet.CountStates() : std::nullopt;
         work.read.isOfStates = states.has_value();
-        if (states) work.read.done = *states - run_->retries;
+        if (states) work.read.done = *states;
     }
     for (const auto& [thread, wait] : waits_) {
         using std::chrono::milliseconds;
