@@ -49,18 +49,6 @@ class Dialogs : public MainWindowTest {
         DeleteProfile(L"");
         KeepCommunities(L"");
     }
-    // Opens the modal dialog; `play` acts as its user, on another thread, who then closes it.
-    void PlayDialog(int button, const std::function<void(HWND dialog)>& play,
-                    int command = IDM_SNMP) {
-        std::thread user([&, owner = window_->Handle()] {
-            const HWND dialog = NextPopupOf(owner);
-            ASSERT_TRUE(dialog);
-            play(dialog);
-            PressUntilGone(dialog, button);
-        });
-        Command(command);
-        user.join();
-    }
     static void Type(HWND dialog, int id, const wchar_t* text) {
         SendDlgItemMessageW(dialog, id, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
     }

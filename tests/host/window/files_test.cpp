@@ -278,8 +278,7 @@ TEST_F(Files, SystemsDialogChoosesTheFile) {
     OpenWithDevices();
     wchar_t before[MAX_PATH], after[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, before);
-    std::thread user([&] {
-        const HWND dialog = NextPopupOf(window_->Handle());
+    const auto choose = [&](HWND dialog) {
         const HWND edit = Awaited([&] {
             HWND name = nullptr;
             EnumChildWindows(
@@ -293,10 +292,8 @@ TEST_F(Files, SystemsDialogChoosesTheFile) {
             return name;
         });
         SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(path_ + "x").c_str()));
-        PressUntilGone(dialog, IDOK);
-    });
-    Command(IDM_SAVE);
-    user.join();
+    };
+    PlayDialog(IDOK, choose, IDM_SAVE);
     GetCurrentDirectoryW(MAX_PATH, after);
     EXPECT_STREQ(before, after);
     EXPECT_TRUE(DeleteFileW(ToWide(path_ + "x.json").c_str()));

@@ -296,6 +296,9 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
 
 // As a screen reader gets it. Wine leaves fields to the label before them.
 inline std::wstring NameOf(HWND control) {
+    const HWND label = GetWindow(control, GW_HWNDPREV);
+    if (TypeOf(control) == L"Edit" || TypeOf(control) == L"ComboBox")
+        return label && TypeOf(label) == L"Static" ? NameOf(label) : L"";
     IAccessible* object = nullptr;
     BSTR name = nullptr;
     VARIANT self = {};
@@ -307,9 +310,6 @@ inline std::wstring NameOf(HWND control) {
     object->Release();
     std::wstring text(name ? name : L"");
     SysFreeString(name);
-    const HWND label = GetWindow(control, GW_HWNDPREV);
-    const bool isField = TypeOf(control) == L"Edit" || TypeOf(control) == L"ComboBox";
-    if (isField) text = label && TypeOf(label) == L"Static" ? NameOf(label) : L"";
     return text;
 }
 
@@ -405,6 +405,19 @@ class MainWindowTest : public testing::Test {
         isOver = true;
         user.join();
         return text;
+    }
+
+    // Opens the modal dialog; `play` acts as its user, on another thread, who then closes it.
+    void PlayDialog(int button, const std::function<void(HWND dialog)>& play,
+                    int command = IDM_SNMP) {
+        std::thread user([&, owner = window_->Handle()] {
+            const HWND dialog = NextPopupOf(owner);
+            ASSERT_TRUE(dialog);
+            play(dialog);
+            PressUntilGone(dialog, button);
+        });
+        Command(command);
+        user.join();
     }
 
     // Handles messages until the condition is true; false if it never was.

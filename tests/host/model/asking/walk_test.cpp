@@ -69,6 +69,12 @@ TEST_F(WalkTest, SaysWhyItEndedEarly) {
     end = Walk(asker, kSystem);
     EXPECT_EQ(WalkStep::kNotIncreasing, end.step);
     EXPECT_EQ(1u, end.variables);
+
+    device_.requests = 0;
+    end = WalkSubtree(device_.MakeAsker(), kSystem, [](const Answer&) { return false; });
+    EXPECT_TRUE(end.isStopped);
+    EXPECT_EQ(1u, end.variables);
+    EXPECT_EQ(1u, device_.requests);
 }
 
 // One, or two in a row, of every kind of place in the tables.
@@ -198,14 +204,6 @@ TEST(WalkPast, GoesOnAfterASilentVariableAndLoss) {
     const WalkEnd end = WalkSubtree(device.MakeAsker(), {1, 3, 6, 1, 2, 1}, count);
     EXPECT_EQ(8u, seen);
     EXPECT_EQ(0u, end.skipped);
-}
-
-TEST_F(WalkTest, CallerEndsIt) {
-    const WalkEnd end =
-        WalkSubtree(device_.MakeAsker(), kSystem, [](const Answer&) { return false; });
-    EXPECT_TRUE(end.isStopped);
-    EXPECT_EQ(1u, end.variables);
-    EXPECT_EQ(1u, device_.requests);
 }
 
 const Oid kAsked = {1, 3, 6, 1, 2, 1, 1, 1, 0};
