@@ -162,8 +162,7 @@ std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const std::string mark = isState            ? SeverityMark(shown.severity)
                              : Bar(row, column) ? SeverityMark(shown.summary.supplySeverity)
                                                 : "";
-    const std::wstring text =
-        (mark.empty() ? L"" : ToWide(mark) + L" ") + ShownText(shown, At(column));
+    std::wstring text = (mark.empty() ? L"" : ToWide(mark) + L" ") + ShownText(shown, At(column));
     if (!isState || !state_.changes.IsMarked(shown)) return text;
     return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
 }
