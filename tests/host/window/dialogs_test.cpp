@@ -1,8 +1,3 @@
-#include <algorithm>
-#include <functional>
-#include <thread>
-
-#include "model/computer/computer_report.h"
 #include "model/scan/device_view.h"
 #include "scripted_window.h"
 #include "values/text.h"
