@@ -25,7 +25,8 @@ class Menus : public MainWindowTest {
             item.mask = HDI_TEXT;
             item.pszText = text;
             item.cchTextMax = 40;
-            Header_GetItem(header, Header_OrderToIndex(header, index), &item);
+            SendMessageW(header, HDM_GETITEMW, WPARAM(Header_OrderToIndex(header, index)),
+                         reinterpret_cast<LPARAM>(&item));
             all += text + std::wstring(L";");
         }
         return all;
@@ -326,7 +327,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     ClickColumn(1);  // the sort mark of another column than the address
     HDITEMW item = {};
     item.mask = HDI_FORMAT;
-    Header_GetItem(ListView_GetHeader(Devices()), 1, &item);
+    SendMessageW(ListView_GetHeader(Devices()), HDM_GETITEMW, 1, reinterpret_cast<LPARAM>(&item));
     EXPECT_TRUE(item.fmt & HDF_SORTUP);
     // Shown again, a column returns to its place and width.
     Command(IDM_COLUMN + 1);

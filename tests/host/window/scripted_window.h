@@ -315,7 +315,11 @@ inline std::wstring NameOf(HWND control) {
 
 inline std::wstring CellOf(HWND list, int row, int column) {
     wchar_t text[200] = L"";
-    ListView_GetItemText(list, row, column, text, 200);
+    LVITEMW item = {};
+    item.iSubItem = column;
+    item.pszText = text;
+    item.cchTextMax = 200;
+    SendMessageW(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
     return text;
 }
 

@@ -181,10 +181,10 @@ class FleetWorkers : public WorkersTest {
         }));
     }
     struct : Results {
-        void OnRead(Read read) override {
-            last[read.target.address] = read;
-            firstRounds += read.isStateOnly;
-            order += read.target.address.substr(7) + " ";
+        void OnRead(Read one) override {
+            last[one.target.address] = one;
+            firstRounds += one.isStateOnly;
+            order += one.target.address.substr(7) + " ";
         }
         void OnReadAll(const Progress::Read& count) override {
             isOver = true;
