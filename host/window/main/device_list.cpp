@@ -171,7 +171,8 @@ std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isBar = InfoOf(At(column)).look == ColumnInfo::Look::kBar;
     if (!isBar || !shown.summary.lowestSupply || !shown.standing.Holds()) return std::nullopt;
-    return BarOf(*shown.summary.lowestSupply, shown.summary.supplyColour);
+    // By its name: the colour that a device tells is known only once it is read whole.
+    return BarOf(*shown.summary.lowestSupply, shown.summary.supply);
 }
 
 void DeviceList::SortBy(Column column, bool isDescending) {

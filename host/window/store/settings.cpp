@@ -151,8 +151,8 @@ bool IsValid(const Settings& settings) {
 }  // namespace
 
 std::optional<Settings> LoadSettings(const Settings& defaults) {
-    constexpr size_t kColumns = offsetof(Settings, widths), kRest = offsetof(Settings, hidden);
-    constexpr size_t kOthers = kColumns + sizeof(Settings) - kRest;
+    constexpr size_t kFirst = offsetof(Settings, widths), kRest = offsetof(Settings, hidden);
+    constexpr size_t kOthers = kFirst + sizeof(Settings) - kRest;
     const auto bytes = ReadValue(kBrowserKey, kViewValue);
     if (!bytes || bytes->size() < kOthers || bytes->size() > sizeof(Settings)) return std::nullopt;
     // A former version had fewer columns. The others come after them, hidden or not as by default.
@@ -160,8 +160,8 @@ std::optional<Settings> LoadSettings(const Settings& defaults) {
     Settings settings = defaults;
     std::iota(settings.order.begin(), settings.order.end(), 0);
     const BYTE* kept = bytes->data();
-    for (const auto& [place, size] : {std::pair(size_t{0}, kColumns),
-                                      {kColumns, widths},
+    for (const auto& [place, size] : {std::pair(size_t{0}, kFirst),
+                                      {kFirst, widths},
                                       {offsetof(Settings, order), widths},
                                       {kRest, sizeof(Settings) - kRest}}) {
         std::copy_n(kept, size, reinterpret_cast<BYTE*>(&settings) + place);
