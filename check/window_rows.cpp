@@ -87,9 +87,10 @@ void LibraryRows(Report& report) {
     info.cbSize = sizeof info;
     if (version) version(&info);
     report.Add("version of comctl32.dll by the manifest", "6", Number(info.dwMajorVersion));
-    report.Add(
-        "TaskDialogIndirect", "there",
-        SystemFunction<FARPROC>(L"comctl32.dll", "TaskDialogIndirect") ? "there" : "missing");
+    // By the second one, a dialog that scales itself keeps the system from scaling it too.
+    for (const auto& [library, name] : {std::pair(L"comctl32.dll", "TaskDialogIndirect"),
+                                        {L"user32.dll", "SetDialogDpiChangeBehavior"}})
+        report.Add(name, "there", SystemFunction<FARPROC>(library, name) ? "there" : "missing");
 
     const auto context =
         SystemFunction<HANDLE(WINAPI*)()>(L"user32.dll", "GetThreadDpiAwarenessContext");
