@@ -89,7 +89,7 @@ int PolicyRows(Report& report) {
     return rules;
 }
 
-// Of an apartment for COM.
+// For COM, while it lives.
 struct Apartment {
     Apartment() : isOpen(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
     ~Apartment() {

@@ -90,8 +90,8 @@ void AllRows(Report& report, bool mayUseNetwork) {
     static Module module;  // never destroyed: see main
     ModuleRows(report, module);
     if (module.IsUsable()) RowsOf(report, module, mayUseNetwork);
-    RuleRow(report,
-            rules);  // rows before this one have listened, for which there may be a new rule
+    // The rows before this one have listened, for which there may be a new rule.
+    RuleRow(report, rules);
 }
 
 bool WriteText(const std::wstring& path, const std::string& text) {
