@@ -39,8 +39,12 @@ if [ "${VNDISCOVER_LAB_INIT:-}" = 1 ]; then
     # Otherwise net-snmp's agents and tools would write to /var/lib/snmp.
     export SNMP_PERSISTENT_DIR=$VNDISCOVER_LAB/snmp
     ip link set lo up
+    # With random addresses, the kernel now and then puts the heap of a Wine program where Wine needs a page of its own
+    # (0x7ffe0000): one start in some thousands ends at once, with 1 and without a word. Containers may forbid this.
+    fixed=()
+    ! setarch -R true 2>/dev/null || fixed=(setarch -R)
     status=0
-    "$@" || status=$?
+    "${fixed[@]}" "$@" || status=$?
     exit $status
 fi
 
