@@ -89,7 +89,7 @@ Matches MatchesOf(const std::vector<FoundDevice>& before, const std::vector<Foun
     std::vector<bool> isTaken(before.size());
     IdentityGroups(identities)
         .Unite(
-            [&](size_t first, size_t second) {
+            [&](size_t first, size_t second, const Merge&) {
                 return first < before.size() && second >= before.size() && !isTaken[first] &&
                        !matches[second - before.size()];
             },

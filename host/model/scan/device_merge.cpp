@@ -37,7 +37,10 @@ class Merger {
         for (const Contact& contact : contacts_) identities.push_back(&contact.device->identity);
         IdentityGroups groups(identities);
         groups.Unite(
-            [&](size_t first, size_t second) { return !AreSplit(groups, first, second); },
+            [&](size_t first, size_t second, const Merge& merge) {
+                return !AreSplit(groups, first, second) &&
+                       !IsOfNext(groups.IdentityOf(first), merge);
+            },
             [&](size_t first, size_t second, const Merge& merge) { Join(first, second, merge); });
         std::vector<FoundDevice> devices = Devices(groups);
         known_ = std::move(described_);
@@ -66,7 +69,11 @@ class Merger {
             contactOf_.push_back(contact);
         }
         contacts_.reserve(answers.size());
-        for (auto& indexes : answers) contacts_.push_back({&Describe(std::move(indexes)), {}, {}});
+        for (auto& indexes : answers) {
+            const std::string& address = scan_.answers[indexes.front()].address;
+            contacts_.push_back({&Describe(std::move(indexes)), {}, {}});
+            if (IsRead(contacts_.back())) readAt_[address].push_back(contacts_.size() - 1);
+        }
     }
 
     void Join(size_t first, size_t second, const Merge& merge) {
@@ -86,6 +93,22 @@ class Merger {
         if (contacts_[one].apart.size() > contacts_[other].apart.size()) std::swap(one, other);
         return AnyOf(contacts_[one].apart,
                      [&](size_t contact) { return groups.First(contact) == other; });
+    }
+
+    static bool IsRead(const Contact& contact) {
+        const Identity& identity = contact.device->identity;
+        return !identity.Of(MergeKey::kSerial).empty() || !identity.Of(MergeKey::kMac).empty();
+    }
+
+    // What answers at an address is the device that is read there next, not one that was before.
+    bool IsOfNext(const Identity& former, const Merge& merge) const {
+        const auto read = readAt_.find(merge.value);
+        if (merge.key != MergeKey::kAddress || IsRead(contacts_[merge.second]) ||
+            read == readAt_.end())
+            return false;
+        const auto next = std::upper_bound(read->second.begin(), read->second.end(), merge.second);
+        return next != read->second.end() &&
+               former.DiffersByStrongerKey(contacts_[*next].device->identity, MergeKey::kAddress);
     }
 
     std::vector<FoundDevice> Devices(IdentityGroups& groups) {
@@ -117,6 +140,7 @@ class Merger {
     Descriptions described_;
     std::vector<size_t> contactOf_;  // by answer
     std::vector<Contact> contacts_;  // in the order of their first answers
+    std::unordered_map<std::string, std::vector<size_t>> readAt_;  // such contacts, ascending
 };
 
 }  // namespace
@@ -157,7 +181,7 @@ bool IdentityGroups::AreUnited(const Merge& merge, const MayUnite& mayUnite,
     const auto [first, second] = std::minmax({First(merge.first), First(merge.second)});
     if (first == second) return true;
     Member &kept = members_[first], &joined = members_[second];
-    if (kept.group.DiffersByStrongerKey(joined.group, merge.key) || !mayUnite(first, second))
+    if (kept.group.DiffersByStrongerKey(joined.group, merge.key) || !mayUnite(first, second, merge))
         return false;
     // The smaller one is added to the larger one: a hostile group may join all others.
     if (kept.group.Size() < joined.group.Size()) std::swap(kept.group, joined.group);

@@ -16,8 +16,8 @@ class IdentityGroups {
     // The identities must outlive it.
     explicit IdentityGroups(const std::vector<const Identity*>& members);
     // `mayUnite` gets the first members of two groups, in their order; it and `onUnited` may call
-    // First. `onUnited` gets the same, after the two have become one, and why: Merge has members.
-    using MayUnite = std::function<bool(size_t first, size_t second)>;
+    // First. `onUnited` gets the same, after the two have become one. Merge tells why, of members.
+    using MayUnite = std::function<bool(size_t first, size_t second, const Merge& merge)>;
     using OnUnited = std::function<void(size_t first, size_t second, const Merge& merge)>;
     void Unite(const MayUnite& mayUnite, const OnUnited& onUnited);
     size_t First(size_t member);  // of its group

@@ -42,7 +42,8 @@ class StandingTest : public testing::Test {
         for (const auto& [name, text] : texts) {
             const std::string object = name;
             const bool isText = object.find("Description") != std::string::npos ||
-                                object.find("Error") != std::string::npos;
+                                object.find("Error") != std::string::npos ||
+                                object.find("Serial") != std::string::npos;
             scan_.answers.push_back(
                 {scan_.sweeps.size() - 1, At(minute), address,
                  AnsweredWith(*ParseOidOrName(object), isText ? kOctetString : kInteger, text)});
@@ -186,6 +187,25 @@ TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
     EXPECT_EQ(1u, scan_.splits[0].second);
     EXPECT_EQ("idle", State("10.0.0.1"));
     EXPECT_EQ((std::vector<size_t>{0, 1, 2}), RemoveFormerAnswers(scan_));
+}
+
+TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
+    const auto read = [&](int minute, const char* serial, const char* status) {
+        Read(minute, "10.0.0.1", false, {{"hrPrinterStatus.1", status}});
+        Read(minute, "10.0.0.1", true,
+             {{"hrPrinterStatus.1", status}, {"prtGeneralSerialNumber.1", serial}});
+    };
+    Search(0, 1, {"10.0.0.1"});
+    read(0, "first", "\4");
+    Search(1, 1, {"10.0.0.1"});
+    EXPECT_EQ("printing", State("10.0.0.1"));
+    read(1, "second", "\3");
+    EXPECT_EQ(Since(0), State("10.0.0.1"));
+    const std::vector<FoundDevice> present = PresentDevices(scan_);
+    ASSERT_EQ(1u, present.size());
+    EXPECT_EQ("second", present[0].facts->serialNumber);
+    EXPECT_EQ("idle", present[0].facts->printerStatus);
+    EXPECT_EQ(3u, present[0].answers.size() - 1) << "its search, and both readings";
 }
 
 TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
