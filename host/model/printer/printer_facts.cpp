@@ -100,6 +100,17 @@ class Facts {
         printer_ = {printers.front()};
         facts_.deviceIndex = printers.front();
         facts_.otherPrinters.assign(printers.begin() + 1, printers.end());
+        mibRow_ = printer_;
+        for (const char* column :
+             {"prtMarkerLifeCount", "prtInputCurrentLevel", "prtMarkerSuppliesLevel"}) {
+            for (const Oid& row : RowsOf(answers_, OidOf(column))) {
+                if (row[0] == printer_[0]) {
+                    mibRow_ = printer_;
+                    return;
+                }
+                if (!Contains(printers, row[0])) mibRow_ = {row[0]};
+            }
+        }
     }
 
     // The index of a row that a value names; 0: none.
@@ -113,9 +124,9 @@ class Facts {
         facts_.upTicks = Count("sysUpTime", {0});
         facts_.description = Text("sysDescr", {0});
         facts_.location = Text("sysLocation", {0});
-        facts_.name = Given(Text("prtGeneralPrinterName", printer_), Text("sysName", {0}));
+        facts_.name = Given(Text("prtGeneralPrinterName", mibRow_), Text("sysName", {0}));
         facts_.model = Given(Text("hrDeviceDescr", printer_), facts_.description);
-        facts_.serialNumber = Text("prtGeneralSerialNumber", printer_);
+        facts_.serialNumber = Text("prtGeneralSerialNumber", mibRow_);
         for (const Oid& part : RowsOf(answers_, OidOf("entPhysicalSerialNum")))
             facts_.serialNumber = Given(facts_.serialNumber, Text("entPhysicalSerialNum", part));
     }
@@ -162,12 +173,12 @@ class Facts {
     void AddSupplies() {
         for (const Oid& row : Rows({"prtMarkerSuppliesLevel", "prtMarkerSuppliesDescription",
                                     "prtMarkerSuppliesType"},
-                                   printer_)) {
+                                   mibRow_)) {
             Supply supply;
             supply.description = Text("prtMarkerSuppliesDescription", row);
             supply.type = Word("prtMarkerSuppliesType", row);
             if (const uint32_t colorant = Index("prtMarkerSuppliesColorantIndex", row))
-                supply.colour = Text("prtMarkerColorantValue", Append(printer_, {colorant}));
+                supply.colour = Text("prtMarkerColorantValue", Append(mibRow_, {colorant}));
             supply.level = LevelOf("prtMarkerSuppliesLevel", "prtMarkerSuppliesMaxCapacity",
                                    "prtMarkerSuppliesSupplyUnit", row);
             // Some devices give containers for waste the class of what is consumed.
@@ -202,7 +213,7 @@ class Facts {
     void AddTrays() {
         for (const Oid& row : Rows({"prtInputCurrentLevel", "prtInputName", "prtInputMediaName",
                                     "prtInputDescription"},
-                                   printer_)) {
+                                   mibRow_)) {
             facts_.trays.push_back(
                 {Given(Text("prtInputName", row), Text("prtInputDescription", row)),
                  Text("prtInputMediaName", row),
@@ -212,7 +223,7 @@ class Facts {
     }
 
     void AddCounts() {
-        for (const Oid& row : Rows({"prtMarkerLifeCount"}, printer_)) {
+        for (const Oid& row : Rows({"prtMarkerLifeCount"}, mibRow_)) {
             if (const auto count = Count("prtMarkerLifeCount", row))
                 facts_.pageCounts.push_back({*count, UnitText("prtMarkerCounterUnit", row)});
         }
@@ -220,7 +231,7 @@ class Facts {
 
     void AddAlerts() {
         for (const Oid& row :
-             Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"}, printer_)) {
+             Rows({"prtAlertCode", "prtAlertDescription", "prtAlertSeverityLevel"}, mibRow_)) {
             facts_.alerts.push_back({Word("prtAlertSeverityLevel", row), Word("prtAlertGroup", row),
                                      Word("prtAlertCode", row), Text("prtAlertDescription", row),
                                      Count("prtAlertTime", row)});
@@ -230,7 +241,7 @@ class Facts {
     }
 
     void AddPanel() {
-        for (const Oid& row : Rows({"prtConsoleDisplayBufferText"}, printer_)) {
+        for (const Oid& row : Rows({"prtConsoleDisplayBufferText"}, mibRow_)) {
             const std::string line = Text("prtConsoleDisplayBufferText", row);
             if (!line.empty()) facts_.panel.push_back(line);
         }
@@ -238,7 +249,8 @@ class Facts {
 
     const PrinterAnswers& answers_;
     PrinterFacts facts_;
-    Oid printer_;  // its row in tables; empty: no printer was found
+    Oid printer_;  // its row in the Host Resources MIB; empty: no printer was found
+    Oid mibRow_;   // in the Printer MIB, where some devices give it another number
 };
 
 }  // namespace

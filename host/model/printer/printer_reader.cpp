@@ -155,6 +155,14 @@ class Reader {
         } else if (answers_.values.count(oid) == 0) {
             const Answer answer = Ask(JustBefore(oid));
             Handle(question, answer, answer.oid == oid, oid);
+            // Some devices give their printer another number in the Printer MIB.
+            const Oid& column = OidOf("prtGeneralSerialNumber");
+            if (answer.status != Status::kAnswered || answer.oid == oid || !IsWithin(oid, column))
+                return;
+            const Answer first = Ask(column);
+            if (first.status == Status::kAnswered && IsWithin(first.oid, column) &&
+                !Contains(ListedPrinters(answers_), first.oid.back()))
+                Save(first);
         }
     }
 

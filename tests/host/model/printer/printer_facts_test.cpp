@@ -20,6 +20,22 @@ TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
     EXPECT_EQ("some left", LevelText(facts.supplies[0].level));
 }
 
+TEST(PrinterFacts, AreFoundUnderAnotherNumber) {
+    ScriptedDevice device;
+    for (const char* name : {"hrDeviceType.3", "hrDeviceType.4"})
+        device.Object(name, ".1.3.6.1.2.1.25.3.1.5");
+    for (const char* name : {"prtGeneralSerialNumber.1", "prtAlertDescription.1.1"})
+        device.Text(name, "VN1");
+    device.Integer("prtInputCurrentLevel.4.1", 5);  // of the second printer
+    EXPECT_EQ(0u, Facts(device).alerts.size());
+    device.Integer("prtMarkerSuppliesLevel.1.1", 7);
+    const PrinterFacts facts = Facts(device);
+    EXPECT_EQ(3u, facts.deviceIndex);
+    EXPECT_EQ("VN1", facts.serialNumber);
+    EXPECT_EQ(1u, facts.alerts.size());
+    EXPECT_EQ(0u, facts.trays.size());
+}
+
 // As real printers send them (RFC 3805, prtMarkerSuppliesLevel).
 struct LevelRow {
     Level level;
