@@ -93,9 +93,9 @@ void ChangeTexts(HWND dialog) {
     }
 }
 
-std::wstring LocalTime(const std::string& utc) {
+std::wstring LocalTime(const std::string& utc, DWORD flags) {
     SYSTEMTIME local = {};
-    const std::wstring text = ToLocal(utc, local) ? Formatted(local, true, 0) : L"";
+    const std::wstring text = ToLocal(utc, local) ? Formatted(local, true, flags) : L"";
     return text.empty() ? ToWide(utc) : text;
 }
 

@@ -32,8 +32,8 @@ void SetTextChange(TextChange change);
 void ChangeTexts(HWND dialog);
 
 // For files: "2026-11-25T04:32:23Z" in the user's format of date and time; any other text
-// unchanged.
-std::wstring LocalTime(const std::string& utc);
+// unchanged. `flags`: of GetTimeFormat, TIME_NOSECONDS.
+std::wstring LocalTime(const std::string& utc, DWORD flags = 0);
 // A local time in that format, without seconds, and without the date if it is today's.
 std::string SystemTime(const std::tm& local);
 

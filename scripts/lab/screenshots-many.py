@@ -9,7 +9,7 @@ from pathlib import Path
 
 scan = json.loads(Path(sys.argv[1]).read_text(encoding="utf-8"))
 count = int(sys.argv[3])
-needed = re.compile(r"\.1\.3\.6\.1\.2\.1\.(25\.3\.[25]|43\.(5\.1\.1\.17|11\.1\.1\.[3689]|12))\..*")
+needed = re.compile(r"\.1\.3\.6\.1\.2\.1\.(1\.[56]|25\.3\.[25]|43\.(5\.1\.1\.17|11\.1\.1\.[3689]|12))\..*")
 devices = defaultdict(list)
 for answer in scan["answers"]:
     if answer["address"].startswith("10.77.3.") and (count < 1000 or needed.fullmatch(answer.get("oid", ""))):

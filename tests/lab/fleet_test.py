@@ -69,7 +69,7 @@ class Fleets(unittest.TestCase):
                          {address: "no answer since " in state for address, (state, _) in after.items()})
         self.fleet.off = set()
         back = self.window.rows_after_find()  # they come back by themselves
-        self.assertEqual(before, {address: [state.removeprefix("now: "), level] for address, (state, level) in back.items()})
+        self.assertEqual(before, {address: [" ".join(state.split()), level] for address, (state, level) in back.items()})
 
     def test_slow_device_holds_up_no_other(self):
         self.hold_up(1)

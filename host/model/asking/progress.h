@@ -76,7 +76,7 @@ class Progress {
         kReadingAll,  // count: of devices read, total; see address
         kAsking,      // address, seconds, count: of devices still to be asked
         kWalking,     // address, seconds, count: of values
-        kStopping,    // seconds: at most until it has stopped
+        kStopping,    // seconds: at most until it has stopped; count, total: as above, or 0
         kDone,        // seconds, count: of answers
         kStopped,     // the same
         kRead,        // all devices: seconds, count: of devices done, total, unread

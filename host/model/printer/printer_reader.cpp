@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "model/asking/walk.h"
+#include "model/printer/report.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
 #include "values/value_text.h"
@@ -135,6 +136,14 @@ class Reader {
             if (!rows.empty()) return rows.front().front();
         }
         return std::nullopt;
+    }
+
+    // Whether a supply tells its colour by its name.
+    bool HasNamedColour() const {
+        const Oid& column = OidOf("prtMarkerSuppliesDescription");
+        return AnyOf(RowsOf(answers_, column), [&](const Oid& row) {
+            return FindSupplyColour(answers_.values.at(Append(column, row)).bytes) != nullptr;
+        });
     }
 
     bool HasSerial(const char* object) const {
@@ -369,6 +378,8 @@ PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
     for (const Question& question : kQuestions) {
         if (question.isListed) reader.Read(question);
     }
+    for (const char* object : {"prtMarkerSuppliesColorantIndex", "prtMarkerColorantValue"})
+        if (!reader.HasNamedColour()) reader.Read({object, "supplies"});
     reader.ReadEntitySerial(Way::kFirst);
     if (reader.HasSerial("prtGeneralSerialNumber") || reader.HasSerial("entPhysicalSerialNum")) {
         reader.LeaveOut(kMac[0]);

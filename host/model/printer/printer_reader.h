@@ -47,8 +47,8 @@ PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces = false);
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 
 // Adds to the values and gaps of the state what a list of printers shows besides it: names, serial
-// number, page count, supplies, firmware, and without a serial number the MAC address. About 13
-// requests, and 6 for each supply.
+// number, page count, supplies, firmware, without a serial number the MAC address, and colours if
+// no supply's name tells one. About 13 requests, and 6 for each supply.
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
 
 }  // namespace vndiscover::host

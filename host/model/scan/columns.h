@@ -58,8 +58,8 @@ struct ColumnInfo {
 // In the order of Column. Those visible at first fit a window of 1,100 pixels, also beside a scroll
 // bar.
 inline constexpr ColumnInfo kColumns[] = {
-    {Column::kName, [](const RowSource& source) { return source.device.facts->name; }, 82, 1},
-    {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 110, 2},
+    {Column::kName, [](const RowSource& source) { return source.device.facts->name; }, 88, 1},
+    {Column::kModel, [](const RowSource& source) { return source.device.facts->model; }, 106, 2},
     {Column::kAddress, AddressCell, 94, 3, true, ColumnInfo::Order::kAddress},
     {Column::kSerial,
      [](const RowSource& source) { return IdentityCell(source, MergeKey::kSerial); }, 105, 6,
@@ -67,9 +67,9 @@ inline constexpr ColumnInfo kColumns[] = {
     {Column::kMac, [](const RowSource& source) { return IdentityCell(source, MergeKey::kMac); },
      120, 7, false},
     {Column::kState,
-     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 179, 0,
+     [](const RowSource& source) { return StateText(source.standing, source.summary); }, 163, 0,
      true, ColumnInfo::Order::kSeverity},
-    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 132, 5, true,
+    {Column::kSupplies, [](const RowSource& source) { return source.summary.supply; }, 146, 5, true,
      ColumnInfo::Order::kLevel, ColumnInfo::Look::kBar},
     {Column::kProtocols, ProtocolCell, 100, 8, false},
     {Column::kNetwork, NetworkCell, 100, 9, false},

@@ -10,7 +10,7 @@ namespace vndiscover::host {
 
 namespace {
 
-constexpr int kBarWidth = 48;
+constexpr int kBarWidth = 36;
 
 // Whether the user sees all programs in colours of high contrast.
 bool IsHighContrast() {
@@ -37,7 +37,7 @@ void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
                             : isGrey ? GreyText()
                                      : bar.colour;
     FillRect(dc, &level, OwnedBrush(CreateSolidBrush(colour)).Get());
-    if (isOfUser || isGrey) return;
+    if (isOfUser) return;
     InflateRect(&level, 1, 1);
     FrameRect(dc, &level, GetSysColorBrush(COLOR_WINDOWTEXT));
 }
@@ -66,7 +66,7 @@ LevelBar BarOf(int percent, const std::string& words) {
 }
 
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,
-             const std::wstring& text, int dpi) {
+             const std::wstring& text, int dpi, bool isGrey) {
     const HDC dc = draw.nmcd.hdc;
     const RowColours colours =
         ColoursOf(draw.nmcd.hdr.hwndFrom, static_cast<int>(draw.nmcd.dwItemSpec));
@@ -76,7 +76,8 @@ void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level
     RECT bar = {cell.left + inset, cell.top + rim, cell.left + inset + Scaled(kBarWidth, dpi),
                 cell.bottom - rim};
     bar.right = std::min(bar.right, cell.right - inset);
-    if (bar.right > bar.left) {  // the same in a selected row, where it could mean the opposite
+    if (bar.right > bar.left &&
+        level.percent >= 0) {  // the same in a selected row, where it could mean the opposite
         FillRect(dc, &bar, GetSysColorBrush(COLOR_WINDOW));
         FrameRect(dc, &bar, GetSysColorBrush(COLOR_WINDOWTEXT));
         RECT inside = bar;
@@ -85,7 +86,8 @@ void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level
     }
     RECT place = {bar.right + inset + 2, cell.top, cell.right - 2, cell.bottom};
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(colours.text));
+    const bool isFaint = isGrey && colours.text == COLOR_WINDOWTEXT;
+    SetTextColor(dc, isFaint ? GreyText() : GetSysColor(colours.text));
     DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &place,
               DT_LEFT | DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
 }

@@ -18,8 +18,9 @@ RowColours ColoursOf(HWND list, int row);
 // Of a row that is grey: the system's own grey may be too faint to read.
 COLORREF GreyText();
 
+constexpr int kNoLevel = -1;
 struct LevelBar {
-    int percent;
+    int percent;                 // kNoLevel: no bar, but the place of one
     COLORREF colour = CLR_NONE;  // of the supply; otherwise grey
     bool operator==(const LevelBar& other) const {
         return percent == other.percent && colour == other.colour;
@@ -30,8 +31,8 @@ struct LevelBar {
 LevelBar BarOf(int percent, const std::string& words);
 
 // Draws a level and its text into a cell of the list that `draw` is about. High contrast has only
-// the user's colours.
+// the user's colours. `isGrey`: the text, if its row is not selected.
 void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level,
-             const std::wstring& text, int dpi);
+             const std::wstring& text, int dpi, bool isGrey);
 
 }  // namespace vndiscover::host

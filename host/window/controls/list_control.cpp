@@ -3,6 +3,8 @@
 #include <windowsx.h>
 
 #include <algorithm>
+#include <cwctype>
+#include <string>
 #include <utility>
 
 #include "platform/wide_text.h"
@@ -34,6 +36,20 @@ std::wstring LineOf(const std::vector<int>& columns, TextOf textOf) {
     return line + L"\r\n";
 }
 
+// The counts in it, which stand before what a device says in words: "30 % (3,000 of 10,000)".
+std::wstring GroupedCounts(const std::wstring& text) {
+    const size_t end = std::min(text.find(L", "), text.size());
+    std::wstring grouped;
+    for (size_t at = 0; at < text.size();) {
+        size_t digits = 0;
+        while (at + digits < end && digits < 18 && std::iswdigit(text[at + digits])) ++digits;
+        grouped +=
+            digits == 0 ? std::wstring(1, text[at]) : Grouped(std::stoull(text.substr(at, digits)));
+        at += std::max<size_t>(digits, 1);
+    }
+    return grouped;
+}
+
 }  // namespace
 
 std::vector<ListRow> ListRowsOf(const Report& report) {
@@ -43,7 +59,9 @@ std::vector<ListRow> ListRowsOf(const Report& report) {
     for (const ReportRow& row : all) {
         const bool isResult = !row.label.empty() && row.label == all.front().label;
         const bool isSame = row.label == std::exchange(lastLabel, row.label) && !row.repeatsLabel;
-        rows.push_back({{isSame ? L"" : ToWide(row.label), ToWide(WholeText(row))},
+        const bool hasCounts = row.percent || row.label == "Printed";
+        const std::wstring text = ToWide(WholeText(row));
+        rows.push_back({{isSame ? L"" : ToWide(row.label), hasCounts ? GroupedCounts(text) : text},
                         {},
                         isResult || row.severity == Severity::kCritical});
         if (row.percent) rows.back().bar = BarOf(*row.percent, row.colour);
@@ -193,11 +211,13 @@ std::wstring ListControl::RowText(size_t row) const {
 
 std::wstring ListControl::SelectedText() const {
     std::wstring text;
-    const int value = values_ >= 0 ? values_ : kValue;
     for (const int column : ShownOrder()) {
         std::wstring cell = TextOf(Selected(), column);
         cell.erase(0, cell.find_first_not_of(L' '));  // of what is below a heading
-        if (!cell.empty()) text += (text.empty() ? L"" : column == value ? L": " : L", ") + cell;
+        if (cell.empty()) continue;
+        if (!text.empty()) text += values_ < 0 ? L"; " : column == values_ ? L": " : L", ";
+        if (values_ < 0) text += headings_[static_cast<size_t>(column)] + L": ";
+        text += cell;
     }
     return text;
 }
@@ -326,13 +346,14 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
 LRESULT ListControl::DrawCell(NMLVCUSTOMDRAW& draw) {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
-    if (row < model_.Count() && model_.IsGrey(row)) draw.clrText = GreyText();
+    const bool isGrey = row < model_.Count() && model_.IsGrey(row);
+    if (isGrey) draw.clrText = GreyText();
     SelectObject(draw.nmcd.hdc, FontOf(row));
     const auto bar = row < model_.Count() ? model_.Bar(row, column) : std::nullopt;
     if (!bar) return CDRF_NEWFONT;
     RECT cell = {};
     ListView_GetSubItemRect(list_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
-    DrawBar(draw, cell, *bar, model_.CellText(row, column), dpi_);
+    DrawBar(draw, cell, *bar, model_.CellText(row, column), dpi_, isGrey);
     return CDRF_SKIPDEFAULT;
 }
 

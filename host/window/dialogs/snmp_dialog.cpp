@@ -210,9 +210,9 @@ class SnmpDialog : public Dialog {
             return {IDC_USER, IDS_SNMP_BAD_USER};
         // Without a password, the module would send unprotected requests.
         if (user.useAuth && user.authPassword.IsEmpty())
-            return {IDC_AUTH_PASSWORD, IDS_SNMP_NO_PASSWORD};
+            return {IDC_AUTH_PASSWORD, IDS_SNMP_NO_AUTH};
         if (user.usePriv && user.privPassword.IsEmpty())
-            return {IDC_PRIV_PASSWORD, IDS_SNMP_NO_PASSWORD};
+            return {IDC_PRIV_PASSWORD, IDS_SNMP_NO_PRIV};
         return {0, 0};
     }
 

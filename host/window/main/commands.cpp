@@ -32,6 +32,7 @@ struct Command {
     unsigned (*obstacle)(const Window&) = nullptr;  // the string why it cannot run; 0: it can
     void (*run)(Window&) = nullptr;
     bool (*isChecked)(const Window&) = nullptr;  // null: it has no check mark
+    bool isOneOfSome = false;                    // of which one is chosen
     constexpr bool IsMenu() const { return !run && !obstacle && id != kMenuLine; }
 };
 
@@ -81,7 +82,8 @@ constexpr Command Choice() {
                 w.state.settings.*kSetting = kValue;
                 apply(w);
             },
-            [](const Window& w) { return w.state.settings.*kSetting == kValue; }};
+            [](const Window& w) { return w.state.settings.*kSetting == kValue; },
+            true};
 }
 void Refresh(Window& w) { w.RestartTimer(w.state.settings.refreshMinutes); }
 void UseLow(Window& w) { w.panes.UseLow(); }
@@ -278,6 +280,8 @@ void EnableCommands(const MainWindow& window, HMENU menu) {
                                    ? !(window.state.settings.hidden >> (id - IDM_COLUMN) & 1)
                                    : command && command->isChecked && command->isChecked(window);
         CheckMenuItem(menu, place, MF_BYPOSITION | (isChecked ? MF_CHECKED : MF_UNCHECKED));
+        if (isChecked && command && command->isOneOfSome)
+            CheckMenuRadioItem(menu, place, place, place, MF_BYPOSITION);
     }
 }
 

@@ -39,6 +39,12 @@ std::vector<AskTarget> TargetsOf(const Session& session, const std::vector<size_
     return targets;
 }
 
+// "Hall printer (10.77.1.21)"
+std::wstring NameOf(const DeviceRow& row, const AskTarget& target) {
+    const std::wstring name = ToWide(row.Text(Column::kName)), address = ToWide(target.address);
+    return name.empty() ? address : name + L" (" + address + L")";
+}
+
 }  // namespace
 
 void ReadSelected(WindowState& state, bool isAgain) {
@@ -114,18 +120,22 @@ void ReadShown(MainWindow& window) {
 void DiagnoseDevice(MainWindow& window) {
     AskTarget target = *window.state.SelectedTarget();
     target.UseUser(window.state.credentials.security);  // asked by both protocols
-    window.doctor.Begin(target.address);
+    window.doctor.Begin(target.address, NameOf(*window.state.session.view.SelectedRow(), target));
     window.state.workers->Diagnose(target);
     window.state.workers->MakeReport();
 }
 
 void DiagnoseComputer(MainWindow& window) {
-    window.doctor.Begin("");
+    window.doctor.Begin("", L"");
     window.state.workers->MakeReport();
     window.state.progress.SetNote(Text(IDS_DOCTOR_WAIT));
 }
 
-void Walk(MainWindow& window) { window.walk.Open(window.Handle(), *window.state.SelectedTarget()); }
+void Walk(MainWindow& window) {
+    const AskTarget target = *window.state.SelectedTarget();
+    const DeviceRow& row = *window.state.session.view.SelectedRow();
+    window.walk.Open(window.Handle(), target, NameOf(row, target));
+}
 
 void Split(MainWindow& window) {
     window.state.session.Split(*window.state.session.view.SelectedRow());

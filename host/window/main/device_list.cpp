@@ -159,20 +159,25 @@ std::wstring DeviceList::SearchText(size_t row) const {
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isState = At(column) == Column::kState;
-    const std::string mark = isState            ? SeverityMark(shown.severity)
-                             : Bar(row, column) ? SeverityMark(shown.summary.supplySeverity)
-                                                : "";
-    std::wstring text = (mark.empty() ? L"" : ToWide(mark) + L" ") + ShownText(shown, At(column));
-    if (!isState || !state_.changes.IsMarked(shown)) return text;
-    return L"\x25CF " + Text(IDS_CHANGED, {text});  // in words too, for screen readers
+    const auto bar = Bar(row, column);
+    const bool hasLevel = bar && bar->percent >= 0;
+    std::wstring text = ToWide(isState    ? SeverityMark(shown.severity)
+                               : hasLevel ? SeverityMark(shown.summary.supplySeverity)
+                                          : "");
+    if (!text.empty()) text += L' ';
+    if (isState && state_.changes.IsMarked(shown)) text += L"\x25CF ";
+    text += ShownText(shown, At(column));
+    const bool isBySupply =
+        shown.severity == Severity::kAttention && !shown.summary.supplyProblem.empty();
+    return isState && isBySupply ? text + L", " + ToWide(shown.summary.supplyProblem) : text;
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isBar = InfoOf(At(column)).look == ColumnInfo::Look::kBar;
-    if (!isBar || !shown.summary.lowestSupply || !shown.standing.Holds()) return std::nullopt;
-    // By its name: the colour that a device tells is known only once it is read whole.
-    return BarOf(*shown.summary.lowestSupply, shown.summary.supply);
+    if (!isBar || shown.summary.supply.empty()) return std::nullopt;
+    if (!shown.standing.Holds()) return LevelBar{kNoLevel};
+    return BarOf(*shown.summary.lowestSupply, shown.summary.supplyColour);
 }
 
 void DeviceList::SortBy(Column column, bool isDescending) {

@@ -209,6 +209,8 @@ void Panes::ShowDetails() {
         title = Text(IDS_DETAILS_OF, {ToWide(row->Text(column))});
         break;
     }
+    const size_t selected = state_.session.view.Selection().size();
+    if (selected > 1) title = Text(IDS_DETAILS_SELECTED, {title, Grouped(selected)});
     ChangeText(Control(IDC_DETAILS_LABEL), title);
     details.Show();
 }
@@ -230,8 +232,11 @@ void Panes::ShowStatus() const {
                           : state_.progress.IsStopping() ? IDS_STOPPING
                                                          : IDS_STOP;
     ChangeText(Control(IDC_FIND), Text(find));
+    if (find == IDS_STOPPING && GetFocus() == Control(IDC_FIND)) SetFocus(list.Handle());
+    EnableWindow(Control(IDC_FIND), find != IDS_STOPPING);
     const HWND reading = GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR);
-    const bool isReading = status.kind == Progress::Kind::kReadingAll;
+    const bool isReading = status.kind == Progress::Kind::kReadingAll ||
+                           (status.kind == Progress::Kind::kStopping && status.total != 0);
     if (isReading) {
         SendMessageW(reading, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.total));
         SendMessageW(reading, PBM_SETPOS, status.count, 0);
@@ -281,7 +286,7 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
 std::wstring Panes::ReadText(const Progress::Status& status) const {
     const DeviceView& view = state_.session.view;
     const size_t missed = CountIf(view.AllRows(), [&](const DeviceRow& row) {
-        return row.standing.kind == Standing::Kind::kMissed;
+        return row.standing.kind == Standing::Kind::kMissed && !view.IsOther(row);
     });
     const auto seconds = static_cast<uint64_t>(status.seconds);
     return Text(status.count < status.total ? IDS_READ_STOPPED

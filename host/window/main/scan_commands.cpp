@@ -43,6 +43,13 @@ std::wstring ProposedName() {
     return name;
 }
 
+// "monday.json, scan of 11/23/2026 9:12 AM"
+std::wstring NameOf(const std::wstring& file, const Scan& scan) {
+    // With its date: it stays there past midnight.
+    const std::wstring time = LocalTime(TimeOf(scan), TIME_NOSECONDS);
+    return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
+}
+
 }  // namespace
 
 void ScanCommands::WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
@@ -85,13 +92,6 @@ void ScanCommands::SetFile(const std::wstring& file) {
     ChangeText(state_.window, file.empty() ? title : file + L" - " + title);
 }
 
-// "monday.json, scan of 11/23/2026 9:12:00 AM"
-std::wstring ScanCommands::NameOf(const std::wstring& file) const {
-    // With its date: it stays there past midnight.
-    const std::wstring time = LocalTime(TimeOf(state_.session.GetScan()));
-    return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
-}
-
 void ScanCommands::AddToFile() {
     state_.session.AdoptAdded();
     SetFile(Text(IDS_SCAN_AND_MORE, {state_.file}));
@@ -120,7 +120,7 @@ bool ScanCommands::OpenFrom(const std::string& path) {
     auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
     Replace(std::move(*scan));
-    SetFile(NameOf(name));
+    SetFile(NameOf(name, state_.session.GetScan()));
     return true;
 }
 
@@ -135,7 +135,8 @@ bool ScanCommands::CompareWith(const std::string& path) {
     for (const ChangeRow& row : ChangesOf(changes))
         rows.push_back(
             {{ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)}});
-    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {ToWide(changes.beforeName)}),
+    const std::wstring before = NameOf(ToWide(changes.beforeName), *scan);
+    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {before}),
                      {{IDS_CHANGE_DEVICE, 300},
                       {IDS_FACT_WHAT, 120},
                       {IDS_CHANGE_BEFORE, 140},
@@ -184,7 +185,7 @@ bool ScanCommands::SaveTo(const std::string& path) {
     if (!SaveTextTo(*text, path)) return false;
     state_.session.SetSaved();
     ForgetKept();
-    if (!state_.file.empty()) SetFile(NameOf(ToWide(FileName(path))));
+    if (!state_.file.empty()) SetFile(NameOf(ToWide(FileName(path)), state_.session.GetScan()));
     return true;
 }
 
@@ -275,7 +276,7 @@ void ScanCommands::OfferSaved() {
         ShowScan(*std::move(scan));
         state_.session.SetSaved(false);
         state_.session.AdoptAdded();
-        return SetFile(NameOf(Text(IDS_KEPT_SCAN)));
+        return SetFile(NameOf(Text(IDS_KEPT_SCAN), state_.session.GetScan()));
     }
     kept_.Reset();
 }

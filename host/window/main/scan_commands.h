@@ -62,7 +62,6 @@ class ScanCommands {
     bool MayReplace(unsigned question);
     void Replace(Scan scan);
     void ShowScan(Scan scan);
-    std::wstring NameOf(const std::wstring& file) const;
     void SaveTable(const std::string& csv);
     bool SaveTextTo(const std::string& text, const std::string& path);
 

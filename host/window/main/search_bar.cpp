@@ -109,6 +109,7 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
             box.x = margin;
             box.y += box.height + gap;
         }
+        if (item.id == IDC_FILTER) box.width = std::max(box.width, width - margin - box.x);
         if (placement) PlaceItem(*placement, item.id, box);
         box.x += box.width + gap;
     }

@@ -63,10 +63,9 @@ std::vector<ListRow> InterfaceRows(const Session&, const DeviceRow& row) {
         const bool isLoopback = one.physicalAddress.empty() && one.type == "software loopback";
         const bool isLimit = speed.rfind(kLimit, 0) == 0;
         rows.push_back(
-            {{ToWide(one.description), ToWide(one.operStatus),
+            {{ToWide(one.description), ToWide(one.operStatus), ToWide(one.adminStatus),
               isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
-              isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress), ToWide(one.type),
-              ToWide(one.adminStatus)}});
+              isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress), ToWide(one.type)}});
     }
     return rows;
 }
@@ -93,11 +92,11 @@ const DevicePage kPages[] = {
     {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}}, ProtocolRows},
     {IDS_PAGE_INTERFACES,
      {{IDS_FACT_DESCRIPTION, 85},
-      {IDS_INTERFACE_STATUS, 55},
+      {IDS_INTERFACE_STATUS, 50},
+      {IDS_INTERFACE_ADMIN, 90},
       {IDS_INTERFACE_SPEED, 105},
       {IDS_INTERFACE_ADDRESS, 125},
-      {IDS_INTERFACE_TYPE, 115},
-      {IDS_INTERFACE_ADMIN, 90}},
+      {IDS_INTERFACE_TYPE, 115}},
      InterfaceRows},
     {IDS_PAGE_ANSWERS,
      {{IDS_ANSWER_OBJECT, 170},
@@ -238,7 +237,7 @@ void DetailsPane::Turn(int pages) {
 // for them.
 std::wstring DetailsPane::EmptyText() const {
     const DeviceRow* row = session_.view.SelectedRow();
-    if (!row) return Text(IDS_NO_SELECTION);
+    if (!row) return session_.view.Count() == 0 ? L"" : Text(IDS_NO_SELECTION);
     const Scan& scan = session_.GetScan();
     const bool isReadWhole = AnyOf(row->answers, [&](size_t at) {
         const ScanSweep& sweep = scan.sweeps[scan.answers[at].sweep];

@@ -35,9 +35,9 @@ void ReportWindow::OnCommand(int id) {
     if (id == IDC_COPY_COMMANDS) CopyText(dialog_, commands_);
 }
 
-void DoctorWindow::Begin(const std::string& address) {
+void DoctorWindow::Begin(const std::string& address, const std::wstring& name) {
     page_.Close();
-    shown_ = {address};
+    shown_ = {address, name};
 }
 
 void DoctorWindow::ShowReport(const ComputerReport& report, HWND owner) {
@@ -64,19 +64,19 @@ void DoctorWindow::Stop(HWND owner) {
 void DoctorWindow::Show(HWND owner) {
     if (!shown_.computer) return;  // it comes soon
     const auto& diagnosis = shown_.diagnosis;
-    const std::wstring address = ToWide(shown_.address);
+    const bool isOfDevice = !shown_.address.empty();
     Report report;
-    if (!address.empty()) report = ReportOf(diagnosis, shown_.isOnOwnNetwork);
+    if (isOfDevice) report = ReportOf(diagnosis, shown_.isOnOwnNetwork);
     // The verdict tells of the engine.
     if (diagnosis && !diagnosis->hasUser && diagnosis->discovery.outcome == Outcome::kAnswered) {
         for (ReportRow& row : report.front().rows)
             if (row.label == kUserStep) row.text = ToUtf8(Text(IDS_NO_USER_ASKED));
     }
-    const char* const label = address.empty() ? "Verdict" : "This computer";
+    const char* const label = isOfDevice ? "This computer" : "Verdict";
     for (ReportSection& section : ReportOf(*shown_.computer, label))
         report.push_back(std::move(section));
     if (std::exchange(shown_.hasOpened, true)) return page_.Show(report);
-    page_.Open(owner, Text(address.empty() ? IDS_DOCTOR_TITLE : IDS_DIAGNOSIS_TITLE, {address}),
+    page_.Open(owner, Text(isOfDevice ? IDS_DIAGNOSIS_TITLE : IDS_DOCTOR_TITLE, {shown_.name}),
                report);
 }
 

@@ -31,8 +31,8 @@ class ReportWindow : public ListDialog {
 class DoctorWindow {
   public:
     // Begins another report in place of this one. Its window opens with the next report on this
-    // computer. `address`: of the device that is diagnosed; empty: none.
-    void Begin(const std::string& address);
+    // computer. `address`: of the device that is diagnosed; empty: none. `name`: for the title.
+    void Begin(const std::string& address, const std::wstring& name);
     // Opens or refreshes the window.
     void ShowReport(const ComputerReport& report, HWND owner);
     // Ignores a diagnosis of another device than the report's.
@@ -46,6 +46,7 @@ class DoctorWindow {
 
     struct Content {
         std::string address;  // of the device; empty: none
+        std::wstring name;
         std::optional<ComputerReport> computer{};
         std::optional<HostDiagnosis> diagnosis{};  // empty: not yet known
         std::optional<bool> isOnOwnNetwork{};      // see IsOnOwnNetwork

@@ -28,11 +28,11 @@ std::wstring EndText(const WalkEnd& end) {
 
 }  // namespace
 
-void WalkWindow::Open(HWND owner, AskTarget target) {
+void WalkWindow::Open(HWND owner, AskTarget target, const std::wstring& name) {
     if (IsOpen() && target.address != target_.address) Close();
     target_ = std::move(target);
     OpenDialog(owner, {IDD_WALK,
-                       Text(IDS_WALK_TITLE, {ToWide(PlainText(target_.address))}),
+                       Text(IDS_WALK_TITLE, {name}),
                        {{IDS_WALK_OID, 210}, {IDS_COLUMN_NAME, 190}, {IDS_FACT_VALUE, 290}}});
 }
 

@@ -18,7 +18,8 @@ class WalkWindow : private ListDialog {
     explicit WalkWindow(const std::unique_ptr<Workers>& workers) : workers_(workers) {}
 
     // Opens the window for a device, or brings it to the front. Stops the walk of another device.
-    void Open(HWND owner, AskTarget target);
+    // `name`: for the title.
+    void Open(HWND owner, AskTarget target, const std::wstring& name);
     // Handle what the workers report; see Results. Walks that are not shown are ignored.
     void OnBegan(unsigned walk);
     void Add(unsigned walk, Answer variable);

@@ -76,7 +76,7 @@ TEST_F(Dialogs, FitLongerLanguages) {
             row.summary.state = row.Text(Column::kState) = state;
             window_->state.changes.Add(row, "2026-11-23T09:12:00Z");
         }
-        EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF now: never read"));
+        EXPECT_EQ(0u, Cell(0, 3).find(L"\x25CF never read"));
         Select(0);
         for (const auto& [command, controls] :
              {std::pair(IDM_CALLS, 9u), {IDM_WALK, 9u}, {IDM_CHANGES, 6u}}) {
@@ -172,7 +172,7 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
         Type(dialog, IDC_USER, L"admin");
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
         choose(IDC_PRIV, 2);
-        expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PASSWORD);
+        expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PRIV);
         choose(IDC_AUTH, 0);  // its password, and privacy, have no meaning then
     });
     EXPECT_FALSE(window_->state.credentials.security->usePriv);

@@ -109,7 +109,9 @@ TEST_F(Files, ComparisonIsATable) {
     OpenWithDevices();
     EXPECT_TRUE(window_->scans.SaveTo(path_));
     SetFileText(std::regex_replace(FileText(), std::regex("10.77.1.9\""), "10.77.1.7\""));
-    EXPECT_THAT(Counted(), HasSubstr(L"those that answered (3 devices): 1 new, 1 gone, 0 changed"));
+    EXPECT_THAT(
+        Counted(),
+        HasSubstr(L"this list without silent devices (3 devices): 1 new, 1 gone, 0 changed"));
     const HWND table = Popup(), rows = GetDlgItem(table, IDC_TABLE_ROWS);
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
     EXPECT_THAT(CellOf(rows, 0, 0), HasSubstr(L"10.77.1.9"));
@@ -166,10 +168,14 @@ TEST_F(Files, SilentDeviceIsGoneInAComparison) {
     Command(IDC_FIND);
     engine_.Say("10.77.1.9", "y");
     ASSERT_TRUE(EndsSweeps());
-    EXPECT_THAT(Counted(), HasSubstr(L"those that answered (1 device): 0 new, 1 gone, 0 changed"));
+    EXPECT_THAT(
+        Counted(),
+        HasSubstr(L"this list without silent devices (1 device): 0 new, 1 gone, 0 changed"));
     // Nor does a file have it that says so.
     EXPECT_TRUE(window_->scans.SaveTo(path_));
-    EXPECT_THAT(Counted(), HasSubstr(L"those that answered (1 device): 0 new, 0 gone, 0 changed"));
+    EXPECT_THAT(
+        Counted(),
+        HasSubstr(L"this list without silent devices (1 device): 0 new, 0 gone, 0 changed"));
 }
 
 // They may be old, or of another computer's printers.

@@ -192,7 +192,7 @@ TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
     OpenWith(devices);
     for (const int row : {0, 2}) Select(row, true);  // the third is silent
     ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
-    EXPECT_EQ(L"Details of x", TextOf(Control(IDC_DETAILS_LABEL)));
+    EXPECT_EQ(L"Details of x (2 devices are selected)", TextOf(Control(IDC_DETAILS_LABEL)));
     Command(IDM_CELL + 2);
     EXPECT_EQ(L"10.77.1.1\r\n10.77.1.3", Copied());
     Command(IDM_COPY_ROW);

@@ -72,7 +72,7 @@ TEST_F(Menus, ClickedCellIsCopied) {
     const std::wstring texts = Play(Devices(), MAKELPARAM(point.x, point.y), {VK_DOWN, VK_RETURN});
     EXPECT_EQ(
         L"Copy the c&ell\tCtrl+Shift+C;Copy fr&om the row;&Copy the row\tCtrl+C;;"
-        L"Go to i&ts details\tEnter;Open its &web page\tCtrl+Enter;;"
+        L"Go to &the details\tEnter;Open the &web page\tCtrl+Enter;;"
         L"&Read again\tCtrl+R;Read a&ll again\tCtrl+Shift+R;Read all after a searc&h;"
         L"Why does it &not answer?;Show all &values...;A&dd addresses...;"
         L"&Separate;;Re&fresh only on demand;"
@@ -332,7 +332,7 @@ TEST_F(Menus, ColumnsAreChosenAndKept) {
     // Shown again, a column returns to its place and width.
     Command(IDM_COLUMN + 1);
     EXPECT_EQ(0u, Headings().find(L"Serial number;Model;Address;"));
-    EXPECT_EQ(110, ListView_GetColumnWidth(Devices(), 0));
+    EXPECT_EQ(InfoOf(Column::kModel).width, ListView_GetColumnWidth(Devices(), 0));
     for (int column = 0; column < 10; ++column) {
         if (column != 0 && column != 4) Command(IDM_COLUMN + column);
     }
