@@ -13,7 +13,6 @@
 #include "window/controls/clipboard.h"
 #include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
-#include "window/dialogs/snmp_dialog.h"
 #include "window/main/commands.h"
 #include "window/main/device_commands.h"
 #include "window/main/panes.h"
@@ -169,7 +168,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) {
     panes.PlaceWindow();
     state.workers = std::make_unique<Workers>(engine, state.queue);
     state.workers->ReadAdapters();
-    ApplyOptions();
+    searches.ApplyOptions();
     state.showRows();
     ShowStatus();
     if (!state.options.exit) {  // nothing of a script comes to the front
@@ -251,15 +250,6 @@ void MainWindow::OnException() noexcept {
     }
     if (state.options.exit || !state.isSessionEnding)
         ShowException(state.window, state.options.exit);
-}
-
-void MainWindow::ApplyOptions() {
-    const StartOptions& options = state.options;
-    if (!options.exit) state.progress.SetNote(UseKept(ToWide(options.profile), state.credentials));
-    if (!options.profile.empty()) panes.bar.UseV3(true);
-    if (options.lookFor) panes.bar.Choose(*options.lookFor);
-    if (!options.communities.empty()) state.credentials.communities = options.communities;
-    state.session.view.ShowOnlyPrinters(panes.bar.LooksForPrinters());
 }
 
 void MainWindow::OnSelected() {

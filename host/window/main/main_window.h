@@ -54,7 +54,6 @@ class MainWindow {
     struct MessageRow;
     static const MessageRow kMessages[];
     void OnSessionEnd(LPARAM how);
-    void ApplyOptions();
     void OnSelected();  // another device, by the user
     void ShowStatus();
     void OnCommand(int id, int code);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
@@ -12,6 +13,16 @@
 #include "window/strings.h"
 
 namespace vndiscover::host {
+
+void Searches::ApplyOptions() {
+    const StartOptions& options = state_.options;
+    if (!options.exit)
+        state_.progress.SetNote(UseKept(ToWide(options.profile), state_.credentials));
+    if (!options.profile.empty()) bar_.UseV3(true);
+    if (options.lookFor) bar_.Choose(*options.lookFor);
+    if (!options.communities.empty()) state_.credentials.communities = options.communities;
+    state_.session.view.ShowOnlyPrinters(bar_.LooksForPrinters());
+}
 
 void Searches::AskForUser() {
     if (AskCredentials(state_.window, state_.credentials, L"")) state_.session.ForgetRefusals();

@@ -15,6 +15,8 @@ class Searches {
     Searches(WindowState& state, SearchBar& bar, ScanCommands& scans)
         : state_(state), bar_(bar), scans_(scans) {}
 
+    // Those of the command line, before the first search.
+    void ApplyOptions();
     void Start();
     // The same again without the user, who may be away: returns false if there was none, if
     // something would be asked, or is in progress.
