@@ -58,6 +58,7 @@ class DeviceView {
     size_t Total() const { return rows_.size() - Others(); }  // without the filter
     size_t Others() const { return others_; }                 // that are no printers, not shown
     const DeviceRow& Row(size_t index) const { return rows_[shown_[index]]; }
+    bool ShowsOnlyPrinters() const { return areOnlyPrinters_; }
     bool IsOther(const DeviceRow& row) const { return areOnlyPrinters_ && row.isNoPrinter; }
     const std::vector<DeviceRow>& AllRows() const { return rows_; }
 

@@ -27,6 +27,9 @@ struct LevelBar {
     }
 };
 
+// Whether a level is the room in a container, whose bar would look like what is in it.
+inline bool IsRoom(const std::string& level) { return level.rfind("room left", 0) == 0; }
+
 // `words`: the supply's colour in the device's words.
 LevelBar BarOf(int percent, const std::string& words);
 

@@ -167,16 +167,18 @@ std::wstring DeviceList::CellText(size_t row, size_t column) const {
     if (!text.empty()) text += L' ';
     if (isState && state_.changes.IsMarked(shown)) text += L"\x25CF ";
     text += ShownText(shown, At(column));
-    const bool isBySupply =
-        shown.severity == Severity::kAttention && !shown.summary.supplyProblem.empty();
-    return isState && isBySupply ? text + L", " + ToWide(shown.summary.supplyProblem) : text;
+    // An error says it in the device's own words.
+    const bool hasErrors = shown.facts->errors && !shown.facts->errors->empty();
+    const std::string& problem = shown.summary.supplyProblem;
+    const bool isBySupply = isState && shown.severity == Severity::kAttention && !hasErrors;
+    return isBySupply && !problem.empty() ? text + L", " + ToWide(problem) : text;
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isBar = InfoOf(At(column)).look == ColumnInfo::Look::kBar;
     if (!isBar || shown.summary.supply.empty()) return std::nullopt;
-    if (!shown.standing.Holds()) return LevelBar{kNoLevel};
+    if (!shown.standing.Holds() || IsRoom(shown.summary.supply)) return LevelBar{kNoLevel};
     return BarOf(*shown.summary.lowestSupply, shown.summary.supplyColour);
 }
 

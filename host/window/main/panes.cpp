@@ -285,14 +285,21 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
 // Also of those that were not there to be read.
 std::wstring Panes::ReadText(const Progress::Status& status) const {
     const DeviceView& view = state_.session.view;
-    const size_t missed = CountIf(view.AllRows(), [&](const DeviceRow& row) {
-        return row.standing.kind == Standing::Kind::kMissed && !view.IsOther(row);
-    });
+    size_t missed = 0, present = 0, others = 0;
+    for (const DeviceRow& row : view.AllRows()) {
+        const bool isMissed = row.standing.kind == Standing::Kind::kMissed;
+        missed += isMissed && !view.IsOther(row);
+        present += !isMissed;
+        others += !isMissed && view.IsOther(row);
+    }
+    // Only those that are listed count. A search has all read, the user those that are shown.
+    const size_t left =
+        std::min(status.total == present ? others : 0, status.count - status.unread);
     const auto seconds = static_cast<uint64_t>(status.seconds);
     return Text(status.count < status.total ? IDS_READ_STOPPED
                 : status.unread > 0         ? IDS_READ_SOME
                                             : IDS_READ,
-                {Grouped(status.count - status.unread), Grouped(status.total),
+                {Grouped(status.count - status.unread - left), Grouped(status.total - left),
                  seconds == 0 ? Text(IDS_UNDER_ONE) : Grouped(seconds), Grouped(status.unread)}) +
            (missed == 0 ? L"" : Text(IDS_READ_MISSED, {Grouped(missed)}));
 }

@@ -12,6 +12,7 @@
 #include "model/scan/standing.h"
 #include "platform/saved_file.h"
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "values/utc_time.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
@@ -46,7 +47,8 @@ std::wstring ProposedName() {
 // "monday.json, scan of 11/23/2026 9:12 AM"
 std::wstring NameOf(const std::wstring& file, const Scan& scan) {
     // With its date: it stays there past midnight.
-    const std::wstring time = LocalTime(TimeOf(scan), TIME_NOSECONDS);
+    std::wstring time = LocalTime(TimeOf(scan), TIME_NOSECONDS);
+    std::replace(time.begin(), time.end(), L' ', L'\xA0');  // stays in one line
     return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
 }
 
@@ -128,15 +130,22 @@ bool ScanCommands::CompareWith(const std::string& path) {
     std::wstring problem;
     const auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
-    Comparison changes = CompareDevices(PresentDevices(*scan), state_.session.PresentDevices());
-    changes.beforeName = FileName(path);
+    std::vector<FoundDevice> before = PresentDevices(*scan),
+                             after = state_.session.PresentDevices();
+    const bool isOfPrinters = state_.session.view.ShowsOnlyPrinters();
+    for (auto* devices : {&before, &after})
+        EraseIf(*devices, [&](const FoundDevice& one) {
+            return isOfPrinters && one.hasVariables && !one.facts->deviceIndex;
+        });
+    Comparison changes = CompareDevices(std::move(before), std::move(after));
+    const std::wstring name = ToWide(FileName(path));
+    changes.beforeName = ToUtf8(Text(IDS_THE_FILE, {name}));
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<ListRow> rows;
     for (const ChangeRow& row : ChangesOf(changes))
         rows.push_back(
             {{ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)}});
-    const std::wstring before = NameOf(ToWide(changes.beforeName), *scan);
-    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {before}),
+    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {NameOf(name, *scan)}),
                      {{IDS_CHANGE_DEVICE, 300},
                       {IDS_FACT_WHAT, 120},
                       {IDS_CHANGE_BEFORE, 140},

@@ -64,8 +64,9 @@ std::vector<ListRow> InterfaceRows(const Session&, const DeviceRow& row) {
         const bool isLimit = speed.rfind(kLimit, 0) == 0;
         rows.push_back(
             {{ToWide(one.description), ToWide(one.operStatus), ToWide(one.adminStatus),
+              isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress),
               isLimit ? Text(IDS_INTERFACE_LIMIT, {speed.substr(wcslen(kLimit))}) : speed,
-              isLoopback ? Text(IDS_NO_PROTOCOL) : ToWide(one.physicalAddress), ToWide(one.type)}});
+              ToWide(one.type)}});
     }
     return rows;
 }
@@ -94,12 +95,12 @@ const DevicePage kPages[] = {
      {{IDS_FACT_DESCRIPTION, 85},
       {IDS_INTERFACE_STATUS, 50},
       {IDS_INTERFACE_ADMIN, 90},
-      {IDS_INTERFACE_SPEED, 105},
       {IDS_INTERFACE_ADDRESS, 125},
+      {IDS_INTERFACE_SPEED, 105},
       {IDS_INTERFACE_TYPE, 115}},
      InterfaceRows},
     {IDS_PAGE_ANSWERS,
-     {{IDS_ANSWER_OBJECT, 170},
+     {{IDS_ANSWER_OBJECT, 150},
       {IDS_FACT_VALUE, 200},
       {IDS_PROTOCOL, 80},
       {IDS_COLUMN_ADDRESS, 100},
@@ -203,7 +204,7 @@ void DetailsPane::PlaceList(Placement& placement) {
     placement.Move(list_.Handle(), list);
     list_.SetDpi(dpi_);
     if (!IsSummary()) return;
-    const int labels = std::min(Scaled(150, dpi_), list.width / 3);
+    const int labels = std::min(Scaled(150, dpi_), list.width * 2 / 5);
     ListView_SetColumnWidth(list_.Handle(), 0, labels);
 }
 
