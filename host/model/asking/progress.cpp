@@ -33,8 +33,7 @@ Progress::Status Progress::Now(const Work& work) const {
     if (!note_.empty() && now - noteMs_ < kNoteMs) return {Kind::kNote};
     if (isStopping_) {
         const int64_t leftMs = kMaxRequestMs - std::max(now - stopMs_, work.waitMs);
-        return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000), work.read.done,
-                work.read.total};
+        return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000)};
     }
     if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, networks_};
     if (!asked_.address.empty()) {

@@ -33,12 +33,15 @@ class Progress {
     // One device is asked for its details or for why it is silent.
     void BeginAsking(const std::string& address) {
         asked_ = {address, nowMs_()};
-        isStopping_ = isStopping_ && isSearching_;  // it was asked for after the stop
+        EndStop();
     }
     void EndAsking() { asked_ = {}; }
 
     // All devices are read, each for the list.
-    void BeginReadingAll() { readMs_ = nowMs_(); }
+    void BeginReadingAll() {
+        readMs_ = nowMs_();
+        EndStop();
+    }
     struct Read {
         size_t done = 0, unread = 0, total = 0;  // unread: of these done, they gave no value
         bool isOfStates = false;                 // which are read first
@@ -53,6 +56,7 @@ class Progress {
     void BeginWalk(const std::string& address) {
         walked_ = {address, nowMs_()};
         values_ = 0;
+        EndStop();
     }
     void CountValue() { ++values_; }
     void EndWalk() { walked_ = {}; }
@@ -76,7 +80,7 @@ class Progress {
         kReadingAll,  // count: of devices read, total; see address
         kAsking,      // address, seconds, count: of devices still to be asked
         kWalking,     // address, seconds, count: of values
-        kStopping,    // seconds: at most until it has stopped; count, total: as above, or 0
+        kStopping,    // seconds: at most until it has stopped
         kDone,        // seconds, count: of answers
         kStopped,     // the same
         kRead,        // all devices: seconds, count: of devices done, total, unread
@@ -102,6 +106,9 @@ class Progress {
     Status Now(const Work& work) const;
 
   private:
+    // Of what was asked for before; a search goes on stopping.
+    void EndStop() { isStopping_ = isStopping_ && isSearching_; }
+
     std::function<int64_t()> nowMs_;
     bool isSearching_ = false, isStopping_ = false;
     Kind last_ = Kind::kReady;  // or kDone, kStopped, kRead: how what came last ended

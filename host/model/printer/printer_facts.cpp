@@ -101,6 +101,7 @@ class Facts {
         facts_.deviceIndex = printers.front();
         facts_.otherPrinters.assign(printers.begin() + 1, printers.end());
         mibRow_ = printer_;
+        const bool isListed = !ListedPrinters(answers_).empty();
         for (const char* column :
              {"prtMarkerLifeCount", "prtInputCurrentLevel", "prtMarkerSuppliesLevel"}) {
             for (const Oid& row : RowsOf(answers_, OidOf(column))) {
@@ -108,7 +109,8 @@ class Facts {
                     mibRow_ = printer_;
                     return;
                 }
-                if (!Contains(printers, row[0])) mibRow_ = {row[0]};
+                const bool isOther = isListed && !Contains(printers, row[0]);
+                if (isOther && mibRow_ == printer_) mibRow_ = {row[0]};
             }
         }
     }
@@ -124,9 +126,10 @@ class Facts {
         facts_.upTicks = Count("sysUpTime", {0});
         facts_.description = Text("sysDescr", {0});
         facts_.location = Text("sysLocation", {0});
-        facts_.name = Given(Text("prtGeneralPrinterName", mibRow_), Text("sysName", {0}));
+        facts_.name = Given(Text("prtGeneralPrinterName", printer_), Text("sysName", {0}));
         facts_.model = Given(Text("hrDeviceDescr", printer_), facts_.description);
-        facts_.serialNumber = Text("prtGeneralSerialNumber", mibRow_);
+        facts_.serialNumber = Given(Text("prtGeneralSerialNumber", mibRow_),
+                                    Text("prtGeneralSerialNumber", printer_));
         for (const Oid& part : RowsOf(answers_, OidOf("entPhysicalSerialNum")))
             facts_.serialNumber = Given(facts_.serialNumber, Text("entPhysicalSerialNum", part));
     }

@@ -138,12 +138,16 @@ class Reader {
         return std::nullopt;
     }
 
-    // Whether a supply tells its colour by its name.
-    bool HasNamedColour() const {
+    // Of supplies, none of which tells its colour by its name.
+    void ReadColours() {
         const Oid& column = OidOf("prtMarkerSuppliesDescription");
-        return AnyOf(RowsOf(answers_, column), [&](const Oid& row) {
+        const std::vector<Oid> rows = RowsOf(answers_, column);
+        const bool isNamed = AnyOf(rows, [&](const Oid& row) {
             return FindSupplyColour(answers_.values.at(Append(column, row)).bytes) != nullptr;
         });
+        if (isNamed || rows.empty() || hasStopped_) return;
+        for (const char* object : {"prtMarkerSuppliesColorantIndex", "prtMarkerColorantValue"})
+            Read(Question{object, "supplies"});
     }
 
     bool HasSerial(const char* object) const {
@@ -168,9 +172,11 @@ class Reader {
             const Oid& column = OidOf("prtGeneralSerialNumber");
             if (answer.status != Status::kAnswered || answer.oid == oid || !IsWithin(oid, column))
                 return;
+            const std::vector<uint32_t> listed = ListedPrinters(answers_);
+            if (listed.empty()) return;
             const Answer first = Ask(column);
             if (first.status == Status::kAnswered && IsWithin(first.oid, column) &&
-                !Contains(ListedPrinters(answers_), first.oid.back()))
+                !Contains(listed, first.oid.back()))
                 Save(first);
         }
     }
@@ -378,8 +384,7 @@ PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
     for (const Question& question : kQuestions) {
         if (question.isListed) reader.Read(question);
     }
-    for (const char* object : {"prtMarkerSuppliesColorantIndex", "prtMarkerColorantValue"})
-        if (!reader.HasNamedColour()) reader.Read({object, "supplies"});
+    reader.ReadColours();
     reader.ReadEntitySerial(Way::kFirst);
     if (reader.HasSerial("prtGeneralSerialNumber") || reader.HasSerial("entPhysicalSerialNum")) {
         reader.LeaveOut(kMac[0]);

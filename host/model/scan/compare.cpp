@@ -115,7 +115,7 @@ std::pair<std::string, std::string> StateOf(const DeviceRow& row) {
     if (standing.kind == Standing::Kind::kIncomplete) standing.note.clear();
     const std::string supplies = standing.Holds() ? row.summary.supplyProblem : "";
     return {Joined({StateText(standing, row.summary), supplies}),
-            Joined({row.Text(Column::kState), supplies})};
+            Joined({StateText(row.standing, row.summary), supplies})};
 }
 
 }  // namespace

@@ -16,7 +16,8 @@ class IdentityGroups {
     // The identities must outlive it.
     explicit IdentityGroups(const std::vector<const Identity*>& members);
     // `mayUnite` gets the first members of two groups, in their order; it and `onUnited` may call
-    // First. `onUnited` gets the same, after the two have become one. Merge tells why, of members.
+    // First. `onUnited` gets the same, after the two have become one. Merge tells why, of members:
+    // its second one is the later one.
     using MayUnite = std::function<bool(size_t first, size_t second, const Merge& merge)>;
     using OnUnited = std::function<void(size_t first, size_t second, const Merge& merge)>;
     void Unite(const MayUnite& mayUnite, const OnUnited& onUnited);
@@ -37,8 +38,9 @@ class IdentityGroups {
 
 // All answers that one sweep received from one address are of one device. Devices are then merged
 // by serial number, MAC address, WS-Discovery endpoint and address, in this order, unless a
-// stronger key distinguishes them (see Identity) or a person did (Scan::splits). The same scan
-// always gives the same devices, in the order of their first answers.
+// stronger key distinguishes them (see Identity) or a person did (Scan::splits); and what answered
+// at an address is not merged with a device of before if another one is read there next. The same
+// scan always gives the same devices, in the order of their first answers.
 std::vector<FoundDevice> MakeDevices(const Scan& scan);
 
 // The same, several times a second: only devices with new answers are described again.

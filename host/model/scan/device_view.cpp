@@ -132,7 +132,10 @@ bool DeviceView::Passes(const DeviceRow& row) const {
     if (words_.empty()) return true;
     std::string all;  // one column per line: words contain no line break, so they match within one
     for (size_t index = 0; index < kColumnCount; ++index) {
-        if (!(hidden_ >> index & 1)) all += row.texts[index] + "\n";
+        if (hidden_ >> index & 1) continue;
+        const bool isState = index == static_cast<size_t>(Column::kState);
+        all +=
+            (isState ? StateCell(row.standing, row.summary, *row.facts) : row.texts[index]) + "\n";
     }
     all = Lower(all);
     return AllOf(words_, [&](const auto& word) { return all.find(word) != std::string::npos; });

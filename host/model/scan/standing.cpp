@@ -170,6 +170,15 @@ std::string StateText(const Standing& standing, const PrinterSummary& summary) {
     return "no answer";
 }
 
+std::string StateCell(const Standing& standing, const PrinterSummary& summary,
+                      const PrinterFacts& facts) {
+    // An error says it in the device's own words.
+    const bool hasErrors = facts.errors && !facts.errors->empty();
+    const bool isBySupply =
+        standing.Holds() && summary.severity == Severity::kAttention && !hasErrors;
+    return Joined({StateText(standing, summary), isBySupply ? summary.supplyProblem : ""});
+}
+
 std::string StateLine(const Standing& standing, const PrinterSummary& summary,
                       const std::string& read) {
     const bool isKnown = !summary.state.empty();

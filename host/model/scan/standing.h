@@ -97,6 +97,10 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
 // For a list: "door open", "no answer since 21:10", "never read", "being read", "no answer",
 // "refused: ...", "no such value", "idle (incomplete, no answer after 12 s)".
 std::string StateText(const Standing& standing, const PrinterSummary& summary);
+// For a person: with the problem of a supply if that is all that needs attention, "idle, a supply
+// is low".
+std::string StateCell(const Standing& standing, const PrinterSummary& summary,
+                      const PrinterFacts& facts);
 
 // "door open, as of 21:10". `read`: when it was read, UTC.
 std::string StateLine(const Standing& standing, const PrinterSummary& summary,

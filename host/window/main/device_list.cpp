@@ -32,7 +32,9 @@ static_assert(CountHeadings() == kColumnCount, "each column has a heading");
 }  // namespace
 
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile) {
-    const std::string& text = row.Text(column);
+    const bool isCell = column == Column::kState && !isInFile;
+    const std::string text =
+        isCell ? StateCell(row.standing, row.summary, *row.facts) : row.Text(column);
     return InfoOf(column).look != ColumnInfo::Look::kTime ? ToWide(text)
            : isInFile                                     ? LocalTime(text)
                                                           : ToWide(ShortTime(text));
@@ -167,11 +169,7 @@ std::wstring DeviceList::CellText(size_t row, size_t column) const {
     if (!text.empty()) text += L' ';
     if (isState && state_.changes.IsMarked(shown)) text += L"\x25CF ";
     text += ShownText(shown, At(column));
-    // An error says it in the device's own words.
-    const bool hasErrors = shown.facts->errors && !shown.facts->errors->empty();
-    const std::string& problem = shown.summary.supplyProblem;
-    const bool isBySupply = isState && shown.severity == Severity::kAttention && !hasErrors;
-    return isBySupply && !problem.empty() ? text + L", " + ToWide(problem) : text;
+    return text;
 }
 
 std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
@@ -207,7 +205,9 @@ void DeviceList::Reverse() {
 // Without a selected row, the selection stays until another one is selected.
 void DeviceList::OnSelection() {
     const std::vector<size_t> rows = Selection();
-    if (!rows.empty()) state_.session.view.Select(rows, static_cast<size_t>(Selected()));
+    if (rows.empty()) return;
+    state_.session.view.Select(rows, static_cast<size_t>(Selected()));
+    state_.onSelection();
 }
 
 std::wstring DeviceList::EmptyText() const {

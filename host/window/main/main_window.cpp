@@ -148,6 +148,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) {
     };
     state.handleResults = [this] { OnResults(); };
     state.onSelected = [this] { OnSelected(); };
+    state.onSelection = [this] { panes.ShowDetailsTitle(); };
     const INITCOMMONCONTROLSEX controls = {sizeof controls, ICC_LISTVIEW_CLASSES | ICC_BAR_CLASSES |
                                                                 ICC_TAB_CLASSES |
                                                                 ICC_PROGRESS_CLASS};

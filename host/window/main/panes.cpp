@@ -202,6 +202,11 @@ void Panes::ShowRows() {
 }
 
 void Panes::ShowDetails() {
+    ShowDetailsTitle();
+    details.Show();
+}
+
+void Panes::ShowDetailsTitle() const {
     const DeviceRow* row = state_.session.view.SelectedRow();
     std::wstring title = Text(IDS_DETAILS);
     for (const Column column : {Column::kName, Column::kModel, Column::kAddress}) {
@@ -212,7 +217,6 @@ void Panes::ShowDetails() {
     const size_t selected = state_.session.view.Selection().size();
     if (selected > 1) title = Text(IDS_DETAILS_SELECTED, {title, Grouped(selected)});
     ChangeText(Control(IDC_DETAILS_LABEL), title);
-    details.Show();
 }
 
 // A list without rows says why only in its place, which no screen reader reads.
@@ -235,8 +239,7 @@ void Panes::ShowStatus() const {
     if (find == IDS_STOPPING && GetFocus() == Control(IDC_FIND)) SetFocus(list.Handle());
     EnableWindow(Control(IDC_FIND), find != IDS_STOPPING);
     const HWND reading = GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR);
-    const bool isReading = status.kind == Progress::Kind::kReadingAll ||
-                           (status.kind == Progress::Kind::kStopping && status.total != 0);
+    const bool isReading = status.kind == Progress::Kind::kReadingAll;
     if (isReading) {
         SendMessageW(reading, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.total));
         SendMessageW(reading, PBM_SETPOS, status.count, 0);

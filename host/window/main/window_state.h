@@ -35,6 +35,7 @@ struct WindowState {
     std::function<void()> showRows;       // shows what the session has now
     std::function<void()> handleResults;  // of the workers, that are waiting
     std::function<void()> onSelected;     // by the user: another device
+    std::function<void()> onSelection;    // by the user: other devices, or more or fewer of them
     HWND window = nullptr;
     Settings settings;
     int exitCode = kFound;

@@ -114,6 +114,7 @@ TEST_F(Files, ComparisonIsATable) {
         HasSubstr(L"this list without silent devices (3 devices): 1 new, 1 gone, 0 changed"));
     const HWND table = Popup(), rows = GetDlgItem(table, IDC_TABLE_ROWS);
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
+    EXPECT_TRUE(Has(TextOf(GetDlgItem(table, IDC_CHOSEN)), L"; What: new"));
     EXPECT_THAT(CellOf(rows, 0, 0), HasSubstr(L"10.77.1.9"));
     ClickHeading(rows, 1);
     EXPECT_EQ(L"gone", CellOf(rows, 0, 1));

@@ -176,5 +176,18 @@ TEST_F(Lists, EmptyOnesSayWhyEachTime) {
     EXPECT_FALSE(DrawsText());
 }
 
+TEST(Rows, GroupCountsAndNothingElse) {
+    const std::vector<ListRow> rows =
+        ListRowsOf({{"",
+                     {{"Printed", "184305 impressions"},
+                      {"Black", "30 % (3000 of 10000), 1234 pages", 30},
+                      {"Waste box", "room left: 97 %", 97},
+                      {"Name", "12345"}}}});
+    EXPECT_EQ(L"184,305 impressions", rows[0].cells[1]);
+    EXPECT_EQ(L"30 % (3,000 of 10,000), 1234 pages", rows[1].cells[1]);
+    EXPECT_EQ(kNoLevel, rows[2].bar->percent) << "which would look like a full box";
+    EXPECT_EQ(L"12345", rows[3].cells[1]);
+}
+
 }  // namespace
 }  // namespace vndiscover::host

@@ -90,9 +90,12 @@ TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
     EXPECT_EQ("10.80.9.12", progress.Now(work).address);
     EXPECT_EQ(9, progress.Now(work).waitSeconds);
     progress.Stop();  // the request may take 12 s
-    EXPECT_EQ((Expected{Kind::kStopping, {3, 29, 403}}), Shown(work));
+    EXPECT_EQ((Expected{Kind::kStopping, {3, 0, 0}}), Shown(work));
     nowMs += 60000;
     EXPECT_EQ((Expected{Kind::kStopping, {1, 0, 0}}), Shown({}));
+    progress.BeginWalk("10.80.9.12");  // which was asked for since
+    EXPECT_EQ((Expected{Kind::kWalking, {0, 0, 0}}), Shown({}));
+    progress.EndWalk();
     progress.BeginAsking("10.80.9.12");  // chosen since
     EXPECT_EQ(Kind::kAsking, progress.Now({}).kind);
     progress.EndAsking();

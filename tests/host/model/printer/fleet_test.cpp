@@ -140,6 +140,18 @@ TEST_F(FleetTest, WithoutASerialNumberTheMacAddressIsRead) {
     EXPECT_EQ(whole, FactsOf(fleet_.Devices()[1].answers).macAddress);
 }
 
+TEST_F(FleetTest, ColoursAreReadIfNoNameTellsOne) {
+    for (const char* name : {"Toner", "Black toner"}) {
+        ScriptedDevice& device = Add(Printer(0, 50));
+        device.Text("prtMarkerSuppliesDescription.7.1", name);
+        device.Integer("prtMarkerSuppliesColorantIndex.7.1", 1);
+        device.Text("prtMarkerColorantValue.7.1", "cyan");
+    }
+    Finish();
+    EXPECT_EQ("cyan", Summary(0).supplyColour);
+    EXPECT_EQ("Black toner", Summary(1).supplyColour) << "not asked for";
+}
+
 TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
     Add(Printer(0, 50), 4000);
     Add(Printer(0, 50));

@@ -205,7 +205,7 @@ TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
     ASSERT_EQ(1u, present.size());
     EXPECT_EQ("second", present[0].facts->serialNumber);
     EXPECT_EQ("idle", present[0].facts->printerStatus);
-    EXPECT_EQ(3u, present[0].answers.size() - 1) << "its search, and both readings";
+    EXPECT_EQ(4u, present[0].answers.size()) << "its search, and both readings";
 }
 
 TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
@@ -214,6 +214,13 @@ TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
     summary.severity = Severity::kCritical;
     Standing standing = {Standing::Kind::kRead, At(1), ""};
     EXPECT_EQ("door open, as of " + ShortTime(At(0)), StateLine(standing, summary, At(0)));
+    summary.severity = Severity::kAttention;
+    summary.supplyProblem = "a supply is low";
+    PrinterFacts facts;
+    EXPECT_EQ("door open, a supply is low", StateCell(standing, summary, facts));
+    facts.errors = {"lowToner"};
+    EXPECT_EQ("door open", StateCell(standing, summary, facts));
+    summary.severity = Severity::kCritical;
     standing.kind = Standing::Kind::kMissed;
     EXPECT_EQ(Since(1) + "; before: door open, as of " + ShortTime(At(0)),
               StateLine(standing, summary, At(0)));
