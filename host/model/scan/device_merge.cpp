@@ -102,10 +102,9 @@ class Merger {
 
     // What answers at an address is the device that is read there next, not one that was before.
     bool IsOfNext(const Identity& former, const Merge& merge) const {
+        if (merge.key != MergeKey::kAddress || IsRead(contacts_[merge.second])) return false;
         const auto read = readAt_.find(merge.value);
-        if (merge.key != MergeKey::kAddress || IsRead(contacts_[merge.second]) ||
-            read == readAt_.end())
-            return false;
+        if (read == readAt_.end()) return false;
         const auto next = std::upper_bound(read->second.begin(), read->second.end(), merge.second);
         return next != read->second.end() &&
                former.DiffersByStrongerKey(contacts_[*next].device->identity, MergeKey::kAddress);

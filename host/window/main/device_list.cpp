@@ -161,8 +161,7 @@ std::wstring DeviceList::SearchText(size_t row) const {
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isState = At(column) == Column::kState;
-    const auto bar = Bar(row, column);
-    const bool hasLevel = bar && bar->percent >= 0;
+    const bool hasLevel = shown.standing.Holds() && Bar(row, column);  // also one without a bar
     std::wstring text = ToWide(isState    ? SeverityMark(shown.severity)
                                : hasLevel ? SeverityMark(shown.summary.supplySeverity)
                                           : "");
