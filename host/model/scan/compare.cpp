@@ -104,16 +104,19 @@ constexpr size_t kMaxChanges = 10000;
 
 std::string KeyOf(const DeviceRow& row) {
     const std::string& serial = row.Text(Column::kSerial);
-    return serial.empty() ? row.Text(Column::kAddress) : serial;
+    return serial.empty() || row.isSeparated ? row.Text(Column::kAddress) : serial;
 }
 
-// What counts as a change: not the level of a supply, but that it has become low or empty; not
-// since when a device is silent, or for how long.
+// What counts as a change: not the level of a supply, but that it has become low or empty, unless
+// an error says so; not since when a device is silent, or for how long.
 std::pair<std::string, std::string> StateOf(const DeviceRow& row) {
     Standing standing = row.standing;
     standing.lastAnswer.clear();
     if (standing.kind == Standing::Kind::kIncomplete) standing.note.clear();
-    const std::string supplies = standing.Holds() ? row.summary.supplyProblem : "";
+    const bool isSaid =
+        row.facts && row.facts->errors &&
+        (Contains(*row.facts->errors, "lowToner") || Contains(*row.facts->errors, "noToner"));
+    const std::string supplies = standing.Holds() && !isSaid ? row.summary.supplyProblem : "";
     return {Joined({StateText(standing, row.summary), supplies}),
             Joined({StateText(row.standing, row.summary), supplies})};
 }

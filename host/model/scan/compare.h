@@ -66,7 +66,8 @@ class ChangeLog {
     void LearnStates(const std::vector<DeviceRow>& rows);
 
   private:
-    // By serial number, otherwise by address: what is compared, and as it was shown.
+    // By serial number, by address if there is none or others have it too: what is compared, and as
+    // it was shown.
     std::map<std::string, std::pair<std::string, std::string>> states_;
     std::set<std::string> marked_;
     std::deque<StateChange> changes_;

@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <map>
-#include <numeric>
 #include <set>
 #include <string>
 #include <tuple>
 #include <utility>
 
+#include "model/scan/device_merge.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
 
@@ -118,21 +118,27 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
 }
 
 std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
-    std::vector<size_t> all(scan.answers.size());
-    std::iota(all.begin(), all.end(), size_t{0});
-    const std::vector<size_t> current = CurrentAnswers(scan, all);
-    std::vector<size_t> places(all.size(), SIZE_MAX);
-    std::map<Origin, size_t> successors;
+    std::vector<size_t> current;
+    std::vector<size_t> successors(scan.answers.size());  // itself if it is current
+    // Of each device, since what one said before it was replaced at its address is still its own.
+    for (const FoundDevice& device : MakeDevices(scan)) {
+        std::map<Origin, size_t> latest;
+        for (const size_t index : CurrentAnswers(scan, device.answers)) {
+            latest[OriginOf(scan.sweeps[scan.answers[index].sweep], scan.answers[index])] = index;
+            current.push_back(index);
+        }
+        // An answer is replaced only by one of its origin.
+        for (const size_t index : device.answers)
+            successors[index] =
+                latest.at(OriginOf(scan.sweeps[scan.answers[index].sweep], scan.answers[index]));
+    }
+    std::sort(current.begin(), current.end());
+    std::vector<size_t> places(scan.answers.size());
     for (size_t place = 0; place < current.size(); ++place) {
-        const ScanAnswer& answer = scan.answers[current[place]];
         places[current[place]] = place;
-        successors[OriginOf(scan.sweeps[answer.sweep], answer)] = place;
+        successors[current[place]] = current[place];
     }
-    for (const size_t index : all) {
-        const ScanAnswer& answer = scan.answers[index];
-        if (places[index] == SIZE_MAX)  // an answer is replaced only by one of its origin
-            places[index] = successors.at(OriginOf(scan.sweeps[answer.sweep], answer));
-    }
+    for (size_t& successor : successors) successor = places[successor];
     const std::vector<size_t> numbers = RemoveFormerSweeps(scan, current);
     std::vector<ScanAnswer> answers;
     answers.reserve(current.size());
@@ -141,11 +147,11 @@ std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
         answers.back().sweep = numbers[answers.back().sweep];
     }
     scan.answers = std::move(answers);
-    const auto splits = std::exchange(scan.splits, {});
-    for (const auto& [one, other] : splits) {
-        if (places[one] != places[other]) scan.splits.emplace_back(places[one], places[other]);
+    for (auto& [one, other] : scan.splits) {
+        one = successors[one];
+        other = successors[other];
     }
-    return places;
+    return successors;
 }
 
 }  // namespace vndiscover::host

@@ -39,7 +39,7 @@ class Merger {
         groups.Unite(
             [&](size_t first, size_t second, const Merge& merge) {
                 return !AreSplit(groups, first, second) &&
-                       !IsOfNext(groups.IdentityOf(first), merge);
+                       !IsOfAnother(groups.IdentityOf(first), merge);
             },
             [&](size_t first, size_t second, const Merge& merge) { Join(first, second, merge); });
         std::vector<FoundDevice> devices = Devices(groups);
@@ -100,14 +100,15 @@ class Merger {
         return !identity.Of(MergeKey::kSerial).empty() || !identity.Of(MergeKey::kMac).empty();
     }
 
-    // What answers at an address is the device that is read there next, not one that was before.
-    bool IsOfNext(const Identity& former, const Merge& merge) const {
+    // What answers at an address is the device that is read there next, or else was last; not one
+    // that was before.
+    bool IsOfAnother(const Identity& former, const Merge& merge) const {
         if (merge.key != MergeKey::kAddress || IsRead(contacts_[merge.second])) return false;
         const auto read = readAt_.find(merge.value);
         if (read == readAt_.end()) return false;
         const auto next = std::upper_bound(read->second.begin(), read->second.end(), merge.second);
-        return next != read->second.end() &&
-               former.DiffersByStrongerKey(contacts_[*next].device->identity, MergeKey::kAddress);
+        const size_t owner = next != read->second.end() ? *next : read->second.back();
+        return former.DiffersByStrongerKey(contacts_[owner].device->identity, MergeKey::kAddress);
     }
 
     std::vector<FoundDevice> Devices(IdentityGroups& groups) {
@@ -121,15 +122,15 @@ class Merger {
         for (size_t first = 0; first < contacts_.size(); ++first) {
             if (answers[first].empty()) continue;
             const Contact& group = contacts_[first];
-            if (answers[first].size() == group.device->answers.size()) {
-                devices.push_back(*group.device);
-                continue;
+            FoundDevice& device = devices.emplace_back(*group.device);
+            if (answers[first].size() != group.device->answers.size()) {
+                std::sort(answers[first].begin(), answers[first].end());
+                device = Describe(std::move(answers[first]));
+                // Keeps all identities of the device, even if later answers replaced some of them.
+                device.identity = groups.IdentityOf(first);
+                device.merges.assign(group.merges.begin(), group.merges.end());
             }
-            std::sort(answers[first].begin(), answers[first].end());
-            FoundDevice& device = devices.emplace_back(Describe(std::move(answers[first])));
-            // Keeps all identities of the device, even if later answers replaced some of them.
-            device.identity = groups.IdentityOf(first);
-            device.merges.assign(group.merges.begin(), group.merges.end());
+            device.isSeparated = !group.apart.empty();
         }
         return devices;
     }

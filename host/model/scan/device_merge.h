@@ -39,7 +39,7 @@ class IdentityGroups {
 // All answers that one sweep received from one address are of one device. Devices are then merged
 // by serial number, MAC address, WS-Discovery endpoint and address, in this order, unless a
 // stronger key distinguishes them (see Identity) or a person did (Scan::splits); and what answered
-// at an address is not merged with a device of before if another one is read there next. The same
+// at an address is merged only with the device that is read there next, or else was last. The same
 // scan always gives the same devices, in the order of their first answers.
 std::vector<FoundDevice> MakeDevices(const Scan& scan);
 

@@ -170,6 +170,7 @@ bool Identity::DiffersByStrongerKey(const Identity& other, MergeKey key) const {
                !HaveCommonValue(Of(stronger), other.Of(stronger));
     });
 }
+
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
     Collector collector;
     for (const size_t index : CurrentAnswers(scan, answers)) {

@@ -56,6 +56,7 @@ struct FoundDevice {
     std::string added;                          // by hand, as this; empty: it was not
     bool hasVariables = false;                  // was asked after a sweep, and answered
     bool areAlertsKnown = false;                // they were asked for with its state
+    bool isSeparated = false;                   // by a person, from one with a common identity
     std::shared_ptr<const PrinterFacts> facts;  // never null; copies of the device share them
     std::vector<Merge> merges;
 };

@@ -82,8 +82,8 @@ Oid ObjectOf(const Oid& variable);
 // alerts and the panel's text, and a column of supplies the others.
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
 
-// Removes the others, and sweeps without answers before the last search. Returns each answer's new
-// index, or that of what has replaced it.
+// Removes the others of each device, and sweeps without answers before the last search. Returns
+// each answer's new index, or that of what has replaced it.
 std::vector<size_t> RemoveFormerAnswers(Scan& scan);
 
 }  // namespace vndiscover::host

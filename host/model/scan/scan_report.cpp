@@ -86,6 +86,7 @@ std::vector<ChangeRow> ChangesOf(const Comparison& comparison) {
     const auto named = [](const FoundDevice& device) {
         return Joined({device.facts->name, DeviceLine(device)});
     };
+    const auto state = [](const FoundDevice& device) { return SummaryOf(*device.facts).state; };
     std::vector<ChangeRow> rows;
     for (const DeviceChange& change : comparison.changed) {
         for (const FieldChange& field : change.fields)
@@ -93,9 +94,10 @@ std::vector<ChangeRow> ChangesOf(const Comparison& comparison) {
                             PlainText(field.before), PlainText(field.after)});
     }
     for (const size_t index : comparison.added)
-        rows.push_back({named(comparison.after[index]), "new", "", ""});
+        rows.push_back({named(comparison.after[index]), "new", "", state(comparison.after[index])});
     for (const size_t index : comparison.gone)
-        rows.push_back({named(comparison.before[index]), "gone", "", ""});
+        rows.push_back(
+            {named(comparison.before[index]), "gone", state(comparison.before[index]), ""});
     return rows;
 }
 

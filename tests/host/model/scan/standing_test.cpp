@@ -178,12 +178,12 @@ TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
         Search(round, 1, {"10.0.0.1", "10.0.0.2"});
         Read(round, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
     }
-    scan_.splits = {{0, 4}, {2, 5}};
+    scan_.splits = {{0, 4}};
     const std::vector<size_t> places = RemoveFormerAnswers(scan_);
     EXPECT_EQ((std::vector<size_t>{0, 1, 2, 0, 1, 2, 0, 1, 2}), places);
     EXPECT_EQ(3u, scan_.answers.size());
     EXPECT_EQ(2u, scan_.sweeps.size());
-    ASSERT_EQ(1u, scan_.splits.size());  // the other was of what is one answer now
+    ASSERT_EQ(1u, scan_.splits.size());
     EXPECT_EQ(1u, scan_.splits[0].second);
     EXPECT_EQ("idle", State("10.0.0.1"));
     EXPECT_EQ((std::vector<size_t>{0, 1, 2}), RemoveFormerAnswers(scan_));
@@ -206,6 +206,10 @@ TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
     EXPECT_EQ("second", present[0].facts->serialNumber);
     EXPECT_EQ("idle", present[0].facts->printerStatus);
     EXPECT_EQ(4u, present[0].answers.size()) << "its search, and both readings";
+    RemoveFormerAnswers(scan_);
+    Search(2, 1, {"10.0.0.1"});
+    EXPECT_EQ(Since(0), State("10.0.0.1")) << "after another search";
+    EXPECT_EQ("second", PresentDevices(scan_).at(0).facts->serialNumber) << "which it answered";
 }
 
 TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
@@ -263,6 +267,21 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     EXPECT_EQ("jammed, a supply is empty", after(1));
     EXPECT_EQ("jammed, a supply is low", after(2));
     EXPECT_EQ("door open", log.Changes()[3].before);
+    PrinterFacts lowToner;
+    lowToner.errors = {"lowToner"};
+    row.facts = std::make_shared<const PrinterFacts>(lowToner);
+    EXPECT_TRUE(take(Kind::kRead, "low toner", of(9)));
+    EXPECT_EQ("low toner", after(0)) << "which says it of the supply";
+    row.facts = nullptr;
+    EXPECT_TRUE(take(Kind::kRead, "idle", of(300)));
+    // Two of one serial number, which a person has separated.
+    row.Text(Column::kSerial) = "0042";
+    row.isSeparated = true;
+    EXPECT_FALSE(take(Kind::kRead, "idle", of(300)));
+    row.Text(Column::kAddress) = "10.0.0.2";
+    EXPECT_FALSE(take(Kind::kRead, "jammed", of(300))) << "the other is the first of its key";
+    row.Text(Column::kAddress) = "10.0.0.1";
+    EXPECT_FALSE(take(Kind::kRead, "idle", of(300)));
     // Time passes by itself.
     for (const auto& [kind, isNew] : {std::pair(Kind::kIncomplete, true),
                                       {Kind::kIncomplete, false},
