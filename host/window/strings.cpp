@@ -21,13 +21,17 @@ bool ToLocal(const std::string& utc, SYSTEMTIME& local) {
     return SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != 0;
 }
 
-// As the user's settings say. Empty on failure.
-std::wstring Formatted(const SYSTEMTIME& time, bool hasDate, DWORD clockFlags) {
+// As the user's settings say, without the date if `isShort` and it is today's. Empty on failure.
+std::wstring Formatted(const SYSTEMTIME& time, bool isShort, DWORD clockFlags) {
+    SYSTEMTIME now = {};
+    GetLocalTime(&now);
+    const bool isToday =
+        time.wYear == now.wYear && time.wMonth == now.wMonth && time.wDay == now.wDay;
     wchar_t date[80] = L"", clock[80] = L"";
     const bool isDone =
         GetDateFormatW(LOCALE_USER_DEFAULT, 0, &time, nullptr, date, 80) != 0 &&
         GetTimeFormatW(LOCALE_USER_DEFAULT, clockFlags, &time, nullptr, clock, 80) != 0;
-    return isDone ? (hasDate ? std::wstring(date) + L" " : L"") + clock : L"";
+    return isDone ? (isShort && isToday ? L"" : std::wstring(date) + L" ") + clock : L"";
 }
 
 }  // namespace
@@ -93,9 +97,9 @@ void ChangeTexts(HWND dialog) {
     }
 }
 
-std::wstring LocalTime(const std::string& utc, DWORD flags) {
+std::wstring LocalTime(const std::string& utc, DWORD flags, bool isShort) {
     SYSTEMTIME local = {};
-    const std::wstring text = ToLocal(utc, local) ? Formatted(local, true, flags) : L"";
+    const std::wstring text = ToLocal(utc, local) ? Formatted(local, isShort, flags) : L"";
     return text.empty() ? ToWide(utc) : text;
 }
 
@@ -104,11 +108,7 @@ std::string SystemTime(const std::tm& local) {
     const SYSTEMTIME time = {
         word(local.tm_year + 1900), word(local.tm_mon + 1), 0, word(local.tm_mday),
         word(local.tm_hour),        word(local.tm_min),     0, 0};
-    SYSTEMTIME now = {};
-    GetLocalTime(&now);
-    const bool isToday =
-        time.wYear == now.wYear && time.wMonth == now.wMonth && time.wDay == now.wDay;
-    return ToUtf8(Formatted(time, !isToday, TIME_NOSECONDS));
+    return ToUtf8(Formatted(time, true, TIME_NOSECONDS));
 }
 
 }  // namespace vndiscover::host

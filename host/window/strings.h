@@ -32,8 +32,9 @@ void SetTextChange(TextChange change);
 void ChangeTexts(HWND dialog);
 
 // For files: "2026-11-25T04:32:23Z" in the user's format of date and time; any other text
-// unchanged. `flags`: of GetTimeFormat, TIME_NOSECONDS.
-std::wstring LocalTime(const std::string& utc, DWORD flags = 0);
+// unchanged. `flags`: of GetTimeFormat, TIME_NOSECONDS. `isShort`: without the date if it is
+// today's.
+std::wstring LocalTime(const std::string& utc, DWORD flags = 0, bool isShort = false);
 // A local time in that format, without seconds, and without the date if it is today's.
 std::string SystemTime(const std::tm& local);
 

@@ -56,7 +56,7 @@ Progress::Status Progress::Now(const Work& work) const {
     if (last_ == Kind::kReady) return {};
     if (last_ == Kind::kRead) {
         const int64_t seconds = (readEndMs_ - readMs_) / 1000;
-        return {last_, seconds, read_.done, read_.total, "", 0, read_.unread};
+        return {last_, seconds, read_.done, read_.total, "", 0, read_.unread, read_.isOfStates};
     }
     return {last_, (searchEndMs_ - searchMs_) / 1000, answers_};
 }

@@ -64,9 +64,7 @@ std::vector<ListRow> ListRowsOf(const Report& report) {
         rows.push_back({{isSame ? L"" : ToWide(row.label), hasCounts ? GroupedCounts(text) : text},
                         {},
                         isResult || row.severity == Severity::kCritical});
-        if (row.percent)
-            rows.back().bar =
-                IsRoom(row.text) ? LevelBar{kNoLevel} : BarOf(*row.percent, row.colour);
+        if (row.percent && !IsRoom(row.text)) rows.back().bar = BarOf(*row.percent, row.colour);
     }
     return rows;
 }

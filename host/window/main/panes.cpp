@@ -7,6 +7,7 @@
 #include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ranges.h"
+#include "values/utc_time.h"
 #include "window/dialogs/dialogs.h"
 #include "window/resource.h"
 #include "window/strings.h"
@@ -191,17 +192,24 @@ void Panes::UseLow() {
 
 void Panes::ShowRows() {
     list.Show();
+    ShowDetails();
+}
+
+void Panes::ShowListTitle() const {
     const DeviceView& view = state_.session.view;
     const std::wstring count = Grouped(view.Count());
     std::wstring title = view.Count() == view.Total()
                              ? Text(IDS_SHOWN, {count})
                              : Text(IDS_SHOWN_OF, {count, Grouped(view.Total())});
     if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, Grouped(view.Others())});
+    const size_t changed =
+        CountIf(view.AllRows(), [&](const DeviceRow& row) { return state_.changes.IsMarked(row); });
+    if (changed != 0) title = Text(IDS_SHOWN_CHANGED, {title, L"\x25CF " + Grouped(changed)});
     ChangeText(Control(IDC_DEVICES_LABEL), title);
-    ShowDetails();
 }
 
 void Panes::ShowDetails() {
+    ShowListTitle();
     ShowDetailsTitle();
     details.Show();
 }
@@ -214,6 +222,8 @@ void Panes::ShowDetailsTitle() const {
         title = Text(IDS_DETAILS_OF, {ToWide(row->Text(column))});
         break;
     }
+    if (row && !row->facts->readTime.empty())
+        title = Text(IDS_DETAILS_AS_OF, {title, ToWide(ShortTime(row->facts->readTime))});
     const size_t selected = state_.session.view.Selection().size();
     if (selected > 1) title = Text(IDS_DETAILS_SELECTED, {title, Grouped(selected)});
     ChangeText(Control(IDC_DETAILS_LABEL), title);
@@ -299,7 +309,8 @@ std::wstring Panes::ReadText(const Progress::Status& status) const {
     const size_t left =
         std::min(status.total == present ? others : 0, status.count - status.unread);
     const auto seconds = static_cast<uint64_t>(status.seconds);
-    return Text(status.count < status.total ? IDS_READ_STOPPED
+    const unsigned stopped = status.isOfStates ? IDS_STATES_STOPPED : IDS_READ_STOPPED;
+    return Text(status.count < status.total ? stopped
                 : status.unread > 0         ? IDS_READ_SOME
                                             : IDS_READ,
                 {Grouped(status.count - status.unread - left), Grouped(status.total - left),

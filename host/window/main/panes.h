@@ -51,6 +51,7 @@ class Panes {
     void UseLow();
     void ShowRows();
     void ShowDetails();
+    void ShowListTitle() const;     // with the number of devices that changed
     void ShowDetailsTitle() const;  // with the number of devices selected
     // What is in progress now: in words, as a bar while devices are read, and on the button.
     void ShowStatus() const;

@@ -20,7 +20,7 @@ std::wstring CallsWindow::CellText(size_t row, size_t column) const {
     const Call& call = calls_[row];
     switch (column) {
         case kTime:
-            return LocalTime(call.time);  // with seconds
+            return LocalTime(call.time, 0, true);  // with seconds
         case kExport:
             return ToWide(PlainText(CallLine(call)));
         case kDuration:
@@ -62,8 +62,8 @@ void CallsWindow::Refresh() {
 void CallsWindow::Open(HWND owner) {
     OpenDialog(owner, {IDD_CALLS,
                        Text(IDS_CALLS_TITLE),
-                       {{IDS_CALL_TIME, 130},
-                        {IDS_CALL_EXPORT, 330},
+                       {{IDS_CALL_TIME, 80},
+                        {IDS_CALL_EXPORT, 380},
                         {IDS_CALL_DURATION, 65},
                         {IDS_CALL_RESULT, 160}},
                        IDC_CALL_TEXT});

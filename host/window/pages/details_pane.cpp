@@ -30,13 +30,16 @@ const wchar_t* ProtocolName(SweepKind kind) {
     return kNames[static_cast<size_t>(kind)];
 }
 
-std::wstring StateText(const ProtocolLine& line) {
+std::wstring StateText(const ProtocolLine& line, bool hasUser) {
     using State = ProtocolState;
     std::wstring text = Text(IDS_PROTOCOL_ANSWERED + static_cast<unsigned>(line.state));
     const std::wstring note = ToWide(line.note);
     const bool isSilent = line.state == State::kSilent;
-    if (note.empty())
-        return isSilent && line.kind == SweepKind::kSnmpV3 ? Text(IDS_PROTOCOL_SILENT_V3) : text;
+    if (note.empty() && line.kind == SweepKind::kSnmpV3) {
+        if (isSilent) return Text(IDS_PROTOCOL_SILENT_V3);
+        if (line.state == State::kNotAsked && !hasUser) return Text(IDS_PROTOCOL_NO_USER);
+    }
+    if (note.empty()) return text;
     if (isSilent || line.state == State::kPending) return text;
     const bool isReason = line.state == State::kRefused || line.state == State::kNotAsked;
     return isReason ? note : Text(IDS_PROTOCOL_NOTE, {text, note});
@@ -49,7 +52,7 @@ std::vector<ListRow> ProtocolRows(const Session& session, const DeviceRow& row) 
         std::wstring name = ProtocolName(line.kind);
         if (AnyOf(lines, [&](const auto& one) { return one.kind == line.kind && one.useIPv6; }))
             name += L", " + Text(line.useIPv6 ? IDS_PROTOCOL_IPV6 : IDS_PROTOCOL_IPV4);
-        rows.push_back({{name, StateText(line)}});
+        rows.push_back({{name, StateText(line, session.HasUser())}});
     }
     return rows;
 }
@@ -92,7 +95,7 @@ const DevicePage kPages[] = {
     {IDS_PAGE_SUMMARY, {{IDS_FACT_WHAT, 150}, {IDS_FACT_VALUE, 100}}, SummaryRows},
     {IDS_PAGE_PROTOCOLS, {{IDS_PROTOCOL, 110}, {IDS_PROTOCOL_ANSWER, 200}}, ProtocolRows},
     {IDS_PAGE_INTERFACES,
-     {{IDS_FACT_DESCRIPTION, 85},
+     {{IDS_FACT_DESCRIPTION, 112},
       {IDS_INTERFACE_STATUS, 50},
       {IDS_INTERFACE_ADMIN, 90},
       {IDS_INTERFACE_ADDRESS, 125},
@@ -143,7 +146,7 @@ void DetailsPane::Show() {
 void DetailsPane::ShowRows(std::vector<ListRow> rows) {
     rows_ = std::move(rows);
     list_.Refresh();
-    UpdateList();
+    ShowChosen();
 }
 
 const DevicePage& DetailsPane::Page() const {
@@ -158,7 +161,7 @@ void DetailsPane::ShowPage() {
     list_.SetName(Text(page.title));
     list_.SetDpi(dpi_);
     list_.SetColumns(page.columns);
-    placed_ = {};  // columns are others, or have other widths
+    FitLabels();
     Show();
 }
 
@@ -190,31 +193,27 @@ void DetailsPane::PlaceTabs(Placement& placement) {
 // A cell may cut its text, so that of the selected row is below the list.
 void DetailsPane::PlaceList(Placement& placement) {
     constexpr int kChosenHeight = 68;  // four lines and a space
+    const int chosen = std::min(Scaled(kChosenHeight, dpi_), whole_.height / 3);
+    const Box list = {whole_.x, whole_.y, whole_.width, whole_.height - chosen};
+    const int space = std::min(Scaled(4, dpi_), chosen);
+    placement.Move(chosen_, {list.x, list.y + list.height + space, list.width, chosen - space});
+    placement.Move(list_.Handle(), list);
+    list_.SetDpi(dpi_);
+    FitLabels();
+    ShowChosen();
+}
+
+void DetailsPane::FitLabels() {
+    if (!IsSummary()) return;
+    const int labels = std::min(Scaled(150, dpi_), whole_.width * 2 / 5);
+    ListView_SetColumnWidth(List(), 0, labels);
+}
+
+void DetailsPane::ShowChosen() {
     const auto row = static_cast<size_t>(list_.Selected());
     const bool isHeading = row < rows_.size() && IsSummary() && rows_[row].cells[1].empty();
     const std::wstring chosen = isHeading ? L"" : list_.SelectedText();
-    Box list = whole_;
-    if (!chosen.empty()) list.height = std::max(0, list.height - Scaled(kChosenHeight, dpi_));
-    ChangeText(chosen_, chosen);
-    if (list == placed_) return;
-    placed_ = list;
-    ShowWindow(chosen_, chosen.empty() ? SW_HIDE : SW_SHOWNA);
-    const int top = list.y + list.height + Scaled(4, dpi_);
-    placement.Move(chosen_, {list.x, top, list.width, std::max(0, whole_.y + whole_.height - top)});
-    placement.Move(list_.Handle(), list);
-    list_.SetDpi(dpi_);
-    if (!IsSummary()) return;
-    const int labels = std::min(Scaled(150, dpi_), list.width * 2 / 5);
-    ListView_SetColumnWidth(list_.Handle(), 0, labels);
-}
-
-void DetailsPane::UpdateList() {
-    const Box before = placed_;
-    {
-        Placement placement(GetParent(tabs_));
-        PlaceList(placement);
-    }
-    if (!(placed_ == before)) Settle();  // not while its user scrolls
+    ChangeText(chosen_, chosen.empty() && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
 }
 
 void DetailsPane::Settle() {
@@ -225,7 +224,6 @@ void DetailsPane::Settle() {
         PlaceList(placement);
     }
     list_.Fit();
-    if (list_.Selected() >= 0) ListView_EnsureVisible(List(), list_.Selected(), FALSE);
 }
 
 void DetailsPane::Turn(int pages) {

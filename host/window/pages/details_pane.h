@@ -35,7 +35,7 @@ class DetailsPane : private ListModel {
 
   private:
     std::wstring EmptyText() const override;
-    void OnSelected() override { UpdateList(); }
+    void OnSelected() override { ShowChosen(); }
     const DevicePage& Page() const;
     bool IsSummary() const;
     void ShowRows(std::vector<ListRow> rows);
@@ -43,13 +43,14 @@ class DetailsPane : private ListModel {
     int TabsHeight() const;
     void PlaceTabs(Placement& placement);
     void PlaceList(Placement& placement);
-    void UpdateList();  // after another selection
+    void FitLabels();
+    void ShowChosen();
 
     const Session& session_;
     HWND tabs_ = nullptr, chosen_ = nullptr;  // the latter: the whole text of the selected row
     ListControl list_{*this};
-    Box box_;             // of all
-    Box whole_, placed_;  // with the text of the chosen row, and the list alone
+    Box box_;    // of all
+    Box whole_;  // without the tabs
     int dpi_ = 96;
     std::vector<size_t> answers_;  // of the device that is shown
 };

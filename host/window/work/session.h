@@ -75,6 +75,7 @@ class Session {
     bool HasAnsweredHere(const std::vector<size_t>& answers, const std::string& address) const;
     // Empty: it has not been read here, so nobody knows what else was asked for.
     std::optional<std::vector<Gap>> GapsOf(const DeviceRow& row) const;
+    bool HasUser() const { return credentials_.security != nullptr; }  // of SNMPv3
     std::vector<ProtocolLine> ProtocolsOf(const DeviceRow& row) const;
     // The settings have changed: why devices refused the former user holds no longer.
     void ForgetRefusals();

@@ -211,7 +211,12 @@ bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
 
 // Each device once.
 Progress::Read Workers::FleetRun::Count() const {
-    return {fleet.CountRead() - retries, unread, targets.size() - retries};
+    Progress::Read read = {fleet.CountRead() - retries, unread, targets.size() - retries};
+    // A further community is tried in the second round too.
+    const auto states = retries == 0 ? fleet.CountStates() : std::nullopt;
+    read.isOfStates = states.has_value();
+    read.done = states.value_or(read.done);
+    return read;
 }
 
 // An exception is a failed reading.
@@ -446,13 +451,7 @@ Progress::Work Workers::Now() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     Progress::Work work;
     work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
-    if (IsReadingAll()) {
-        work.read = run_->Count();
-        // A further community is tried in the second round too.
-        const auto states = run_->retries == 0 ? run_->fleet.CountStates() : std::nullopt;
-        work.read.isOfStates = states.has_value();
-        if (states) work.read.done = *states;
-    }
+    if (IsReadingAll()) work.read = run_->Count();
     for (const auto& [thread, wait] : waits_) {
         using std::chrono::milliseconds;
         const auto waited = std::chrono::steady_clock::now() - wait.start;

@@ -86,7 +86,7 @@ TEST_F(Details, ProtocolsAndInterfacesOfTheDevice) {
     EXPECT_TRUE(Until([&] { return Value(2, 1) == L"no answer"; }));  // the other sweep has ended
     EXPECT_EQ(L"SNMPv1", Value(0, 0));
     EXPECT_EQ(L"answered", Value(0, 1));
-    EXPECT_EQ(L"not asked", Value(1, 1));
+    EXPECT_EQ(Text(IDS_PROTOCOL_NO_USER), Value(1, 1));
     EXPECT_EQ(L"WS-Discovery", Value(2, 0));
     ChoosePage(2);
     EXPECT_EQ(L"Interfaces", Page());

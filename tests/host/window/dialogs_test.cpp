@@ -1,4 +1,5 @@
 #include "model/scan/device_view.h"
+#include "platform/saved_file.h"
 #include "scripted_window.h"
 #include "values/text.h"
 #include "window/store/settings.h"
@@ -206,6 +207,24 @@ TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
     EXPECT_EQ(ToUtf8(Text(IDS_NO_ADDRESS, {unknown})), told);
     EXPECT_TRUE(Until([&] { return engine_.listReads == 2; })) << "as those that are found";
     EXPECT_EQ(ToUtf8(TextOf(Control(IDC_STATUS))).find("Looking up"), std::string::npos);
+    // A file's are added to what is typed.
+    wchar_t folder[MAX_PATH], path[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    GetTempFileNameW(folder, L"vn", 0, path);
+    std::string problem;
+    ASSERT_TRUE(ReplaceFileText(ToUtf8(path), "10.77.1.7\n10.77.1.6", problem));
+    const auto read = [&](HWND dialog) {
+        Type(dialog, IDC_ADD_HOSTS, L"10.77.1.5");
+        PostMessageW(dialog, WM_COMMAND, IDC_ADD_FILE, 0);
+        const HWND box = NextPopupOf(dialog);
+        TypePath(box, ToUtf8(path));
+        PressUntilGone(box, IDOK);
+        const HWND hosts = GetDlgItem(dialog, IDC_ADD_HOSTS);
+        Awaited([&] { return Has(TextOf(hosts), L"1.6") ? hosts : nullptr; });
+        EXPECT_EQ(L"10.77.1.5\r\n10.77.1.7\r\n10.77.1.6", TextOf(hosts));
+    };
+    PlayDialog(IDCANCEL, read, IDM_ADD);
+    EXPECT_TRUE(DeleteFileW(path));
 }
 
 // The close button stays at its distance from the lower right corner.

@@ -120,6 +120,20 @@ TEST_F(Files, ComparisonIsATable) {
     EXPECT_EQ(L"gone", CellOf(rows, 0, 1));
     Press(table, IDC_TABLE_COPY);
     EXPECT_EQ(0u, Copied().find(L"Device\tWhat\tBefore\tAfter\r\nVN InkLine 70, 10.77.1.7\tgone"));
+    std::thread user([&, owner = window_->Handle()] {
+        const HWND dialog = Awaited([&] {
+            const HWND box = IsWindowEnabled(owner) ? nullptr : PopupOf(owner);
+            return box == table ? nullptr : box;
+        });
+        EXPECT_FALSE(IsWindowEnabled(table));
+        TypePath(dialog, path_ + "t");
+        PressUntilGone(dialog, IDOK);
+    });
+    SetActiveWindow(table);
+    Press(table, IDC_TABLE_SAVE);
+    user.join();
+    EXPECT_EQ(table, GetActiveWindow());
+    EXPECT_TRUE(DeleteFileW(ToWide(path_ + "t.csv").c_str()));
 }
 
 // Also numbers within a text, and times in any form. Another row keeps the order.
@@ -194,6 +208,28 @@ TEST_F(Files, StatesOfAFileAreNoChanges) {
     }
     EXPECT_EQ(L"printing", Cell(0, 3));
     EXPECT_TRUE(window_->state.changes.Changes().empty());
+}
+
+// Though it has no bar.
+TEST_F(Files, FullWasteBoxIsMarked) {
+    Open();
+    const std::string time = "2026-11-25T04:10:00Z";
+    Scan scan;
+    scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, time}};
+    for (const auto& [name, type, value] :
+         {std::tuple("hrPrinterStatus.1", kInteger, "\3"),
+          {"prtMarkerSuppliesClass.1.1", kInteger, "\4"},
+          {"prtMarkerSuppliesType.1.1", kInteger, "\4"},
+          {"prtMarkerSuppliesDescription.1.1", kOctetString, "Box"},
+          {"prtMarkerSuppliesSupplyUnit.1.1", kInteger, "\x13"},
+          {"prtMarkerSuppliesMaxCapacity.1.1", kInteger, "\x64"},
+          {"prtMarkerSuppliesLevel.1.1", kInteger, "\3"}})
+        scan.answers.push_back(
+            {0, time, "10.77.1.1", AnsweredWith(*ParseOidOrName(name), type, value)});
+    std::string problem;
+    ASSERT_TRUE(ReplaceFileText(path_, *WriteScan(scan, problem), problem));
+    EXPECT_TRUE(window_->scans.OpenFrom(path_));
+    EXPECT_EQ(L"! room left 3 % Box", Cell(0, 4));
 }
 
 TEST_F(Files, StayWhenNothingCouldBeSentOrFound) {
@@ -285,22 +321,8 @@ TEST_F(Files, SystemsDialogChoosesTheFile) {
     OpenWithDevices();
     wchar_t before[MAX_PATH], after[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, before);
-    const auto choose = [&](HWND dialog) {
-        const HWND edit = Awaited([&] {
-            HWND name = nullptr;
-            EnumChildWindows(
-                dialog,
-                [](HWND child, LPARAM found) -> BOOL {
-                    if (TypeOf(child) != L"Edit" || !IsWindowVisible(child)) return TRUE;
-                    *reinterpret_cast<HWND*>(found) = child;
-                    return FALSE;
-                },
-                reinterpret_cast<LPARAM>(&name));
-            return name;
-        });
-        SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(path_ + "x").c_str()));
-    };
-    PlayDialog(IDOK, choose, IDM_SAVE);
+    PlayDialog(
+        IDOK, [&](HWND dialog) { TypePath(dialog, path_ + "x"); }, IDM_SAVE);
     GetCurrentDirectoryW(MAX_PATH, after);
     EXPECT_STREQ(before, after);
     EXPECT_TRUE(DeleteFileW(ToWide(path_ + "x.json").c_str()));

@@ -185,7 +185,7 @@ TEST(Rows, GroupCountsAndNothingElse) {
                       {"Name", "12345"}}}});
     EXPECT_EQ(L"184,305 impressions", rows[0].cells[1]);
     EXPECT_EQ(L"30 % (3,000 of 10,000), 1234 pages", rows[1].cells[1]);
-    EXPECT_EQ(kNoLevel, rows[2].bar->percent) << "which would look like a full box";
+    EXPECT_FALSE(rows[2].bar) << "which would look like a full box";
     EXPECT_EQ(L"12345", rows[3].cells[1]);
 }
 

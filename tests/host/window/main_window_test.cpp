@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 
+#include "model/scan/device_view.h"
 #include "platform/this_process.h"
 #include "scripted_window.h"
 #include "window/pages/report_window.h"
@@ -44,7 +45,9 @@ TEST_F(MainWindowTest, SweepEndsWithItsLastStep) {
             EXPECT_EQ(L"Sto&p", TextOf(Control(IDC_FIND)));
         }
         Command(IDC_FIND);
+        EXPECT_FALSE(IsWindowEnabled(Control(IDC_FIND))) << "it can do no more";
         EXPECT_TRUE(Ends());
+        EXPECT_TRUE(IsWindowEnabled(Control(IDC_FIND)));
         EXPECT_EQ(Text(IDS_NONE_STOPPED), empty());
     }
     engine_.isUnsent = true;
@@ -149,6 +152,7 @@ TEST_F(MainWindowTest, DeviceThatMissesASearchIsToldSo) {
     OpenWith({{"10.77.1.8", "x"}, {"10.77.1.9", "y"}, {"10.77.1.10", "z"}});
     SelectNew(2);
     ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
+    window_->state.session.view.Select({}, std::nullopt);
     Command(IDC_FIND);
     engine_.Say("10.77.1.9", "x");
     ASSERT_TRUE(EndsSweeps());
@@ -158,6 +162,10 @@ TEST_F(MainWindowTest, DeviceThatMissesASearchIsToldSo) {
     ASSERT_EQ(1u, changes.size());
     EXPECT_EQ("no such value", changes[0].before);
     EXPECT_EQ(0u, changes[0].after.find("no answer since "));
+    const auto title = [&] { return TextOf(Control(IDC_DEVICES_LABEL)); };
+    EXPECT_EQ(L"Devices (3); \x25CF 1 changed since you looked", title());
+    Select(2);
+    EXPECT_EQ(L"Devices (3)", title());
 }
 
 TEST_F(MainWindowTest, SelectionFollowsItsDeviceThroughAMerge) {
@@ -256,10 +264,11 @@ TEST_F(MainWindowTest, KeepsSettings) {
 void CheckControls(HWND window) {
     const auto places = PlacesIn(window);
     for (const auto& [control, place] : places) {
-        EXPECT_NE(L"", NameOf(control)) << GetDlgCtrlID(control);
+        const int id = GetDlgCtrlID(control);
+        EXPECT_TRUE(NameOf(control) != L"" || id == IDC_CHOSEN) << id;
     }
     EXPECT_NE(L"", NameOf(GetDlgItem(GetDlgItem(window, IDC_STATUS), IDC_READ_BAR)));
-    EXPECT_EQ(17u, places.size());
+    EXPECT_EQ(18u, places.size());
 }
 
 TEST_F(MainWindowTest, ControlsFitAndHaveNamesInAnySizeAndLanguage) {
@@ -436,6 +445,13 @@ TEST_F(MainWindowTest, SaysWhatWindowsCannotOpen) {
     EXPECT_EQ(0u, page.find("Windows cannot open http://10.77.1.1/")) << page;
     const std::string help = Answer({IDOK}, [&] { Command(IDM_HELP); });
     EXPECT_THAT(help, HasSubstr("\\docs\\vnbrowser.md"));
+    Command(IDM_CALLS);  // F1 in a dialog
+    EXPECT_EQ(help, Answer({IDOK}, [&] {
+                  SendMessageW(Popup(), WM_HELP, 0, 0);
+                  MSG message;
+                  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+                      window_->Dispatch(message);
+              }));
 }
 
 // Also the bar in the status line, and those of dialogs.

@@ -294,6 +294,23 @@ inline std::vector<std::pair<HWND, RECT>> PlacesIn(HWND window) {
     return places;
 }
 
+// Into the system's dialog for a file.
+inline void TypePath(HWND dialog, const std::string& path) {
+    const HWND edit = Awaited([&] {
+        HWND name = nullptr;
+        EnumChildWindows(
+            dialog,
+            [](HWND child, LPARAM found) -> BOOL {
+                if (TypeOf(child) != L"Edit" || !IsWindowVisible(child)) return TRUE;
+                *reinterpret_cast<HWND*>(found) = child;
+                return FALSE;
+            },
+            reinterpret_cast<LPARAM>(&name));
+        return name;
+    });
+    SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(path).c_str()));
+}
+
 // As a screen reader gets it. Wine leaves fields to the label before them.
 inline std::wstring NameOf(HWND control) {
     const HWND label = GetWindow(control, GW_HWNDPREV);
@@ -313,6 +330,7 @@ inline std::wstring NameOf(HWND control) {
     return text;
 }
 
+// Through the list, as a screen reader gets it.
 inline std::wstring CellOf(HWND list, int row, int column) {
     wchar_t text[200] = L"";
     LVITEMW item = {};

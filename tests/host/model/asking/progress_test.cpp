@@ -99,10 +99,11 @@ TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
     progress.BeginAsking("10.80.9.12");  // chosen since
     EXPECT_EQ(Kind::kAsking, progress.Now({}).kind);
     progress.EndAsking();
-    progress.EndReadingAll({29, 2, 403});
+    progress.EndReadingAll({29, 2, 403, true});
     progress.SetIdle();
     EXPECT_EQ((Expected{Kind::kRead, {60, 29, 403}}), Shown());
     EXPECT_EQ(2u, progress.Now({}).unread);
+    EXPECT_TRUE(progress.Now({}).isOfStates) << "what was read until the stop";
 }
 
 }  // namespace
