@@ -103,8 +103,10 @@ Matches MatchesOf(const std::vector<FoundDevice>& before, const std::vector<Foun
 constexpr size_t kMaxChanges = 10000;
 
 std::string KeyOf(const DeviceRow& row) {
-    const std::string& serial = row.Text(Column::kSerial);
-    return serial.empty() || row.isSeparated ? row.Text(Column::kAddress) : serial;
+    if (row.isSeparated) return Joined({row.Text(Column::kAddress), row.Text(Column::kProtocols)});
+    for (const Column column : {Column::kSerial, Column::kMac})
+        if (!row.Text(column).empty()) return row.Text(column);
+    return row.Text(Column::kAddress);
 }
 
 // What counts as a change: not the level of a supply, but that it has become low or empty, unless
@@ -157,12 +159,19 @@ bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     const Standing::Kind kind = row.standing.kind;
     if (kind == Standing::Kind::kBeingRead || kind == Standing::Kind::kNeverRead) return false;
     if (row.standing.isStateOnly) return false;  // beside former supplies it is no state of its own
-    const auto state = StateOf(row);
-    const auto before = std::exchange(states_[KeyOf(row)], state);
-    if (before.first.empty() || before.first == state.first) return false;
+    const auto [compared, shown] = StateOf(row);
+    const State state = {compared, shown, row.facts ? row.facts->readTime : "",
+                         !row.standing.Holds()};
+    State& known = states_[KeyOf(row)];
+    // One that answers again has to be read before its state is known.
+    if (known.isSilent && !state.isSilent && !state.readTime.empty() &&
+        known.readTime == state.readTime)
+        return false;
+    const State before = std::exchange(known, state);
+    if (before.compared.empty() || before.compared == state.compared) return false;
     const std::string name =
         Joined({row.Text(Column::kName), row.Text(Column::kModel), row.Text(Column::kAddress)});
-    changes_.push_front({time, name, before.second, state.second});
+    changes_.push_front({time, name, before.shown, state.shown});
     if (changes_.size() > kMaxChanges) changes_.pop_back();
     marked_.insert(KeyOf(row));
     return true;

@@ -66,9 +66,12 @@ class ChangeLog {
     void LearnStates(const std::vector<DeviceRow>& rows);
 
   private:
-    // By serial number, by address if there is none or others have it too: what is compared, and as
-    // it was shown.
-    std::map<std::string, std::pair<std::string, std::string>> states_;
+    struct State {
+        std::string compared, shown, readTime;
+        bool isSilent = false;
+    };
+    // By serial number, otherwise by MAC address or address.
+    std::map<std::string, State> states_;
     std::set<std::string> marked_;
     std::deque<StateChange> changes_;
 };

@@ -23,44 +23,28 @@ namespace {
 
 // What answers to one question have in common. `object`: of a variable, or asked for by a sweep.
 using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oid>;
-// Of an address: for what takes the place of a removed answer.
+// For what takes the place of a removed answer.
 using Origin = std::tuple<std::string, SweepKind, bool>;
 
 bool IsVariable(const ScanSweep& sweep) { return sweep.form == AnswerForm::kVariable; }
 
-// A variable has the same value by whichever protocol it is read. `isAlone`: not with its object.
+// A variable has the same value by whichever protocol and at whichever address of its device it is
+// read. `isAlone`: not with its object.
 Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer, bool isAlone) {
     if (!IsVariable(sweep))
         return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
     const Oid& oid = answer.answer.oid;
-    return {answer.address, {}, sweep.form, false, 0, isAlone ? oid : ObjectOf(oid)};
+    return {"", {}, sweep.form, false, 0, isAlone ? oid : ObjectOf(oid)};
 }
 
 Origin OriginOf(const ScanSweep& sweep, const ScanAnswer& answer) {
     const bool isVariable = IsVariable(sweep);
-    return {answer.address, isVariable ? SweepKind() : sweep.kind, isVariable};
+    return {isVariable ? "" : answer.address, isVariable ? SweepKind() : sweep.kind, isVariable};
 }
 
 bool IsOfState(const Oid& oid) {
     return IsAny(oid, {"prtAlertSeverityLevel", "prtAlertGroup", "prtAlertCode",
                        "prtAlertDescription", "prtAlertTime", "prtConsoleDisplayBufferText"});
-}
-
-// Removes sweeps without a current answer before the last search. Returns the others' new numbers.
-std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
-    size_t lastSearch = 1;  // 0 is none
-    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
-    std::set<size_t> isKept;
-    for (const size_t index : current) isKept.insert(scan.answers[index].sweep);
-    std::vector<size_t> numbers;
-    std::vector<ScanSweep> sweeps;
-    for (const ScanSweep& sweep : scan.sweeps) {
-        const size_t index = numbers.size();
-        numbers.push_back(sweeps.size());
-        if (isKept.count(index) != 0 || sweep.search == lastSearch) sweeps.push_back(sweep);
-    }
-    scan.sweeps = std::move(sweeps);
-    return numbers;
 }
 
 }  // namespace
@@ -90,7 +74,7 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
         if (!IsVariable(sweep)) continue;
         for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
             if (sweep.isComplete || (sweep.isList && kind != sweep.kind))
-                latest(readings, Origin(answer.address, kind, true), answer.sweep);
+                latest(readings, Origin("", kind, true), answer.sweep);
         }
         if (IsState(answer.answer.oid)) latest(states, OriginOf(sweep, answer), answer.sweep);
     }
@@ -106,7 +90,7 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
             isFormer(sweeps, QuestionOf(sweep, answer, true), answer.sweep))
             continue;
         if (IsVariable(sweep)) {
-            const Origin byProtocol(answer.address, sweep.kind, true);
+            const Origin byProtocol("", sweep.kind, true);
             if (isFormer(readings, byProtocol, answer.sweep)) continue;
             if (IsOfState(answer.answer.oid) &&
                 isFormer(states, OriginOf(sweep, answer), answer.sweep))
@@ -115,6 +99,36 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
         current.push_back(index);
     }
     return current;
+}
+
+std::vector<size_t> LastCompleteSweeps(const Scan& scan, size_t running) {
+    std::map<std::tuple<size_t, SweepKind, AnswerForm, bool, Oid>, size_t> last;
+    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
+        const ScanSweep& one = scan.sweeps[index];
+        if (one.search != 0 && one.search != running && one.isComplete)
+            last[{one.login, one.kind, one.form, one.useIPv6, one.oid}] = index;
+    }
+    std::vector<size_t> sweeps;
+    for (const auto& [question, index] : last) sweeps.push_back(index);
+    return sweeps;
+}
+
+// Returns the others' new numbers.
+static std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
+    size_t lastSearch = 1;  // 0 is none
+    for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
+    std::set<size_t> isKept;
+    for (const size_t index : current) isKept.insert(scan.answers[index].sweep);
+    for (const size_t index : LastCompleteSweeps(scan)) isKept.insert(index);
+    std::vector<size_t> numbers;
+    std::vector<ScanSweep> sweeps;
+    for (const ScanSweep& sweep : scan.sweeps) {
+        const size_t index = numbers.size();
+        numbers.push_back(sweeps.size());
+        if (isKept.count(index) != 0 || sweep.search == lastSearch) sweeps.push_back(sweep);
+    }
+    scan.sweeps = std::move(sweeps);
+    return numbers;
 }
 
 std::vector<size_t> RemoveFormerAnswers(Scan& scan) {

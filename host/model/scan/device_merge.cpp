@@ -24,11 +24,7 @@ class Merger {
   public:
     Merger(const Scan& scan, Descriptions& known) : scan_(scan), known_(known) {
         MakeContacts();
-        for (const auto& [one, other] : scan.splits) {
-            const size_t first = contactOf_[one], second = contactOf_[other];
-            contacts_[first].apart.push_back(second);
-            contacts_[second].apart.push_back(first);
-        }
+        for (const auto& [one, other] : scan.splits) Separate(one, other);
     }
 
     // Leaves the descriptions of these devices as the known ones.
@@ -71,9 +67,43 @@ class Merger {
         contacts_.reserve(answers.size());
         for (auto& indexes : answers) {
             const std::string& address = scan_.answers[indexes.front()].address;
+            contactsAt_[address].push_back(contacts_.size());
             contacts_.push_back({&Describe(std::move(indexes)), {}, {}});
             if (IsRead(contacts_.back())) readAt_[address].push_back(contacts_.size() - 1);
         }
+    }
+
+    // Also what came from there later. Of one address, a person has separated the protocols.
+    void Separate(size_t one, size_t other) {
+        const std::string &address = scan_.answers[one].address,
+                          &otherAddress = scan_.answers[other].address;
+        const auto kindOf = [&](size_t answer) {
+            return scan_.sweeps[scan_.answers[answer].sweep].kind;
+        };
+        const bool isOfKinds = address == otherAddress;
+        if (isOfKinds && kindOf(one) == kindOf(other))
+            return SetApart(contactOf_[one], contactOf_[other]);
+        const auto isOf = [&](size_t contact, size_t answer) {
+            const size_t own = contacts_[contact].device->answers.front();
+            return !isOfKinds || kindOf(own) == kindOf(answer);
+        };
+        for (const size_t first : LatestAt(address)) {
+            for (const size_t second : LatestAt(otherAddress))
+                if (isOf(first, one) && isOf(second, other)) SetApart(first, second);
+        }
+    }
+
+    void SetApart(size_t first, size_t second) {
+        contacts_[first].apart.push_back(second);
+        contacts_[second].apart.push_back(first);
+    }
+
+    // A list keeps fewer for each address; a hostile file may have any number.
+    std::vector<size_t> LatestAt(const std::string& address) const {
+        constexpr size_t kMost = 64;
+        const std::vector<size_t>& all = contactsAt_.at(address);
+        const size_t count = std::min(all.size(), kMost);
+        return {all.end() - static_cast<ptrdiff_t>(count), all.end()};
     }
 
     void Join(size_t first, size_t second, const Merge& merge) {
@@ -111,6 +141,17 @@ class Merger {
         return former.DiffersByStrongerKey(contacts_[owner].device->identity, MergeKey::kAddress);
     }
 
+    // Another device is read at each of its addresses since.
+    bool IsReplaced(const Identity& identity) const {
+        const std::set<std::string>& addresses = identity.Of(MergeKey::kAddress);
+        return !addresses.empty() && AllOf(addresses, [&](const std::string& address) {
+            const auto read = readAt_.find(address);
+            return read != readAt_.end() &&
+                   identity.DiffersByStrongerKey(contacts_[read->second.back()].device->identity,
+                                                 MergeKey::kAddress);
+        });
+    }
+
     std::vector<FoundDevice> Devices(IdentityGroups& groups) {
         std::vector<std::vector<size_t>> answers(contacts_.size());  // of the groups
         for (size_t contact = 0; contact < contacts_.size(); ++contact) {
@@ -131,6 +172,7 @@ class Merger {
                 device.merges.assign(group.merges.begin(), group.merges.end());
             }
             device.isSeparated = !group.apart.empty();
+            device.isReplaced = IsReplaced(device.identity);
         }
         return devices;
     }
@@ -140,7 +182,8 @@ class Merger {
     Descriptions described_;
     std::vector<size_t> contactOf_;  // by answer
     std::vector<Contact> contacts_;  // in the order of their first answers
-    std::unordered_map<std::string, std::vector<size_t>> readAt_;  // such contacts, ascending
+    std::unordered_map<std::string, std::vector<size_t>> contactsAt_;  // by address, ascending
+    std::unordered_map<std::string, std::vector<size_t>> readAt_;      // of these, those read there
 };
 
 }  // namespace

@@ -27,9 +27,7 @@ bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
     if (device.facts->deviceIndex) return false;
     const bool isRead = device.hasVariables && standing.kind != Standing::Kind::kIncomplete;
     if (isRead || standing.kind == Standing::Kind::kRead) return true;
-    return !device.types.empty() && !AnyOf(device.types, [](const std::string& type) {
-        return type.find("PrintDeviceType") != std::string::npos;
-    });
+    return IsOtherByType(device);
 }
 
 DeviceRow RowOf(const RowContext& context, FoundDevice device, Standing standing) {

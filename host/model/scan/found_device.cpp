@@ -182,6 +182,12 @@ FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers) {
     return device;
 }
 
+bool IsOtherByType(const FoundDevice& device) {
+    return !device.types.empty() && !AnyOf(device.types, [](const std::string& type) {
+        return type.find("PrintDeviceType") != std::string::npos;
+    });
+}
+
 std::string DeviceLine(const FoundDevice& device) {
     std::vector<std::string> parts = {device.facts->model};
     for (const MergeKey key : {MergeKey::kSerial, MergeKey::kAddress}) {

@@ -56,6 +56,7 @@ struct FoundDevice {
     std::string added;                          // by hand, as this; empty: it was not
     bool hasVariables = false;                  // was asked after a sweep, and answered
     bool areAlertsKnown = false;                // they were asked for with its state
+    bool isReplaced = false;                    // another device is at its addresses now
     bool isSeparated = false;                   // by a person, from one with a common identity
     std::shared_ptr<const PrinterFacts> facts;  // never null; copies of the device share them
     std::vector<Merge> merges;
@@ -63,6 +64,9 @@ struct FoundDevice {
 
 // Combines those of these answers that still hold; of WS-Discovery replies, the first 256.
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
+
+// Whether WS-Discovery says that it is no printer.
+bool IsOtherByType(const FoundDevice& device);
 
 // A short line: "VN LaserPro 410, LP410-0042, 10.77.1.20".
 std::string DeviceLine(const FoundDevice& device);

@@ -75,15 +75,19 @@ bool IsState(const Oid& oid);
 // keeps rows of an earlier reading beside the others.
 Oid ObjectOf(const Oid& variable);
 
-// Those of the answers with these ascending indexes that no later one from the same address
-// replaces. A sweep replaces the answers to the same question; a reading, by whichever protocol,
-// the variables of each object that it read, all if it is complete, those by another protocol if
-// all that a list shows was read, or only those that it read if it ended early; a state replaces
-// alerts and the panel's text, and a column of supplies the others.
+// Those of a device's answers, with these ascending indexes, that no later one replaces. A sweep
+// replaces the answers to the same question from the same address; a reading, by whichever
+// protocol, the variables of each object that it read, all if it is complete, those by another
+// protocol if all that a list shows was read, or only those that it read if it ended early; a state
+// replaces alerts and the panel's text, and a column of supplies the others.
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
 
-// Removes the others of each device, and sweeps without answers before the last search. Returns
-// each answer's new index, or that of what has replaced it.
+// The indexes of the sweeps of searches that ran to their end, of those that asked the same only
+// the last one. `running`: the number of a search that does not count; 0: all do.
+std::vector<size_t> LastCompleteSweeps(const Scan& scan, size_t running = 0);
+
+// Removes the others of each device, and sweeps that neither have answers nor tell who was silent.
+// Returns each answer's new index, or that of what has replaced it.
 std::vector<size_t> RemoveFormerAnswers(Scan& scan);
 
 }  // namespace vndiscover::host

@@ -90,41 +90,48 @@ bool Standing::operator==(const Standing& other) const {
            std::tie(other.kind, other.lastAnswer, other.note, other.isStateOnly);
 }
 
-LastSearch::LastSearch(const Scan& scan, bool isSearching) {
+LastSearches::LastSearches(const Scan& scan, bool isSearching) {
     size_t last = 0;
     for (const ScanSweep& sweep : scan.sweeps) last = std::max(last, sweep.search);
-    for (const ScanSweep& sweep : scan.sweeps) {
-        if (!isSearching || sweep.search < last) number_ = std::max(number_, sweep.search);
-    }
-    for (size_t index = 0; index < scan.sweeps.size(); ++index) {
-        const ScanSweep& sweep = scan.sweeps[index];
-        if (number_ == 0 || sweep.search != number_) continue;
-        first_ = std::min(first_, index);
-        if (sweep.isComplete) questions_.push_back(sweep);
+    std::map<size_t, size_t> firsts;  // by the number of a search
+    for (size_t index = 0; index < scan.sweeps.size(); ++index)
+        firsts.try_emplace(scan.sweeps[index].search, index);
+    for (const size_t index : LastCompleteSweeps(scan, isSearching ? last : 0)) {
+        const size_t first = firsts.at(scan.sweeps[index].search);
+        questions_.push_back({scan.sweeps[index], first, scan.sweeps[first].time});
     }
 }
 
-bool LastSearch::HasMissed(const Scan& scan, const std::vector<size_t>& answers) const {
-    bool wasAsked = false;
+std::optional<std::string> LastSearches::Missed(const Scan& scan,
+                                                const std::vector<size_t>& answers) const {
+    size_t search = 0, variable = 0;  // the last ones that it answered
     for (const size_t index : answers) {
-        const ScanAnswer& answer = scan.answers[index];
-        const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        const bool isLater = sweep.form == AnswerForm::kVariable && answer.sweep > first_;
-        if ((sweep.search != 0 && sweep.search >= number_) || isLater) return false;
-        wasAsked |= AnyOf(questions_, [&](auto& asked) { return IsSameQuestion(asked, sweep); });
+        const size_t sweep = scan.answers[index].sweep;
+        search = std::max(search, scan.sweeps[sweep].search);
+        if (scan.sweeps[sweep].form == AnswerForm::kVariable) variable = std::max(variable, sweep);
     }
-    return wasAsked;
+    std::optional<std::string> time;
+    for (const Question& asked : questions_) {
+        if (asked.sweep.search <= search || asked.first < variable || (time && asked.time <= *time))
+            continue;
+        const bool wasAsked = AnyOf(answers, [&](size_t index) {
+            return IsSameQuestion(asked.sweep, scan.sweeps[scan.answers[index].sweep]);
+        });
+        if (wasAsked) time = asked.time;
+    }
+    return time;
 }
 
 std::vector<FoundDevice> PresentDevices(const Scan& scan) {
-    const LastSearch search(scan, false);
+    const LastSearches searches(scan, false);
     std::vector<FoundDevice> devices = MakeDevices(scan);
-    EraseIf(devices, [&](const auto& one) { return search.HasMissed(scan, one.answers); });
+    EraseIf(devices,
+            [&](const auto& one) { return one.isReplaced || searches.Missed(scan, one.answers); });
     return devices;
 }
 
 Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* reading,
-                    bool isBeingRead, const LastSearch& search) {
+                    bool isBeingRead, const LastSearches& searches) {
     Standing standing;
     standing.lastAnswer =
         LastAnswerOf(scan, device, [](AnswerForm form) { return form != AnswerForm::kAdded; });
@@ -133,15 +140,20 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
         LastAnswerOf(scan, device, [](AnswerForm form) { return form == AnswerForm::kVariable; });
     const bool hasEnd = reading && reading->time >= lastRead;
     // A sweep cannot tell that.
-    const bool isRefused = hasEnd && reading->IsRefused() && search.IsBefore(scan, reading->time);
-    if (search.HasMissed(scan, device.answers) && !isRefused) {
+    const auto missed = searches.Missed(scan, device.answers);
+    const bool isRefused = hasEnd && reading->IsRefused() && missed.value_or("") <= reading->time;
+    if (device.isReplaced || (missed && !isRefused)) {
         standing.kind = Kind::kMissed;  // until it answers
-    } else if (isBeingRead) {
+        return standing;
+    }
+    standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
+    standing.isStateOnly = reading && reading->isStateOnly;
+    if (hasEnd) SetEnd(standing, *reading);
+    // What no longer held is not told as its state meanwhile.
+    if (isBeingRead && standing.Holds()) {
         standing.kind = Kind::kBeingRead;
-    } else {
-        standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
-        standing.isStateOnly = reading && reading->isStateOnly;
-        if (hasEnd) SetEnd(standing, *reading);
+        standing.note.clear();
+        standing.isStateOnly = false;
     }
     return standing;
 }
@@ -197,7 +209,12 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
     Lines lines;
     for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3, SweepKind::kWsd})
         Add(lines, kind, false, ProtocolState::kNotAsked);
-    AddSweeps(lines, scan.sweeps, running);
+    // Sweeps reach no device beyond a router, such as one that was only added by hand.
+    const bool isReached = answers.empty() || AnyOf(answers, [&](size_t index) {
+                               const AnswerForm form = scan.sweeps[scan.answers[index].sweep].form;
+                               return form != AnswerForm::kVariable && form != AnswerForm::kAdded;
+                           });
+    if (isReached) AddSweeps(lines, scan.sweeps, running);
     for (const Reading& reading : readings) {
         if (reading.end.isStopped) continue;
         Add(lines, reading.kind, IsIPv6(reading.address), StateOf(reading)).note =

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -74,25 +75,27 @@ struct Standing {
     bool operator==(const Standing& other) const;
 };
 
-// The last search that has ended, and what it asked.
-class LastSearch {
+// What searches that have ended asked last.
+class LastSearches {
   public:
     // `isSearching`: the scan's last search is still running.
-    LastSearch(const Scan& scan, bool isSearching);
-    bool HasMissed(const Scan& scan, const std::vector<size_t>& answers) const;  // of a device
-    bool IsBefore(const Scan& scan, const std::string& time) const {
-        return first_ == SIZE_MAX || scan.sweeps[first_].time <= time;
-    }
+    LastSearches(const Scan& scan, bool isSearching);
+    // When the last search began that asked a device, with these answers, and got none, unless it
+    // has answered since. Empty: there is none.
+    std::optional<std::string> Missed(const Scan& scan, const std::vector<size_t>& answers) const;
 
   private:
-    size_t number_ = 0;                 // 0: there was none
-    size_t first_ = SIZE_MAX;           // the first of its sweeps
-    std::vector<ScanSweep> questions_;  // its sweeps that ran to their end
+    struct Question {
+        ScanSweep sweep;   // that ran to its end, the last one of its kind
+        size_t first;      // the index of the first of its search
+        std::string time;  // of that
+    };
+    std::vector<Question> questions_;
 };
 
 // `reading`: the device's last one; null: there was none.
 Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* reading,
-                    bool isBeingRead, const LastSearch& search);
+                    bool isBeingRead, const LastSearches& searches);
 
 // For a list: "door open", "no answer since 21:10", "never read", "being read", "no answer",
 // "refused: ...", "no such value", "idle (incomplete, no answer after 12 s)".

@@ -134,11 +134,11 @@ void Session::SetLimits(const LevelLimits& limits) {
 
 bool Session::Refresh() {
     if (!isChanged_) return false;
-    const LastSearch search(scan_, isSearching_);
+    const LastSearches searches(scan_, isSearching_);
     const auto standing = [&](const FoundDevice& device) {
         const bool isBeingRead = AnyOf(device.identity.Of(MergeKey::kAddress),
                                        [&](auto& one) { return beingRead_.count(one) != 0; });
-        return StandingOf(scan_, device, LastReadingOf(device), isBeingRead, search);
+        return StandingOf(scan_, device, LastReadingOf(device), isBeingRead, searches);
     };
     std::vector<DeviceRow> known = view.TakeRows();
     if (std::exchange(areRowsOld_, false)) known.clear();
@@ -173,12 +173,13 @@ bool Session::HasAnsweredSearch(const std::vector<size_t>& answers) const {
 }
 
 std::vector<FoundDevice> Session::PresentDevices() const {
-    const LastSearch search(scan_, isSearching_);
+    const LastSearches searches(scan_, isSearching_);
     std::vector<FoundDevice> present;
     for (const DeviceRow& row : view.AllRows()) {
         const bool isSilent =
             row.standing.kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(row.answers);
-        if (!isSilent && !search.HasMissed(scan_, row.answers)) present.push_back(row);
+        if (!isSilent && !row.isReplaced && !searches.Missed(scan_, row.answers))
+            present.push_back(row);
     }
     return present;
 }
@@ -240,11 +241,13 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
                : sweep.kind == SweepKind::kSnmpV1                          ? 2
                                                                            : 1;
     };
-    // Its address may have changed: the latest answer tells, of IPv4 if it has answered over both.
+    // Its address or protocol may have changed: the last search tells, and the latest answer, of
+    // IPv4 if it has answered over both.
     const auto order = [&](size_t index) {
         const ScanAnswer& answer = scan_.answers[index];
         const bool isIPv4 = answer.address.find(':') == std::string::npos;
-        return std::tuple(rank(index), isIPv4, answer.time);
+        const bool isOfNow = rank(index) >= 2 && HasAnsweredSearch({index});
+        return std::tuple(isOfNow, rank(index), isIPv4, answer.time);
     };
     const auto best =
         std::max_element(answers.begin(), answers.end(),
@@ -253,10 +256,17 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
     const ScanAnswer& answer = scan_.answers[*best];
     const size_t login = scan_.sweeps[answer.sweep].login;
     AskTarget target = TargetAt(answer.address);
-    target.isLoginKnown = login != 0 && rank(*best) >= 2;
+    // Not one that was removed from the settings since.
+    target.isLoginKnown =
+        login != 0 && rank(*best) >= 2 &&
+        (rank(*best) == 3 || Contains(credentials_.communities, logins_[login - 1].second));
     if (target.isLoginKnown) {
         target.login.community = logins_[login - 1].second;
         target.otherCommunities.clear();
+        // No search tells that a device beyond a router answers another one now.
+        if (added_.count(answer.address) != 0) target.otherCommunities = credentials_.communities;
+        EraseIf(target.otherCommunities,
+                [&](const std::string& one) { return one == target.login.community; });
     }
     if (rank(*best) == 3) target.UseUser(credentials_.security);
     return target;
@@ -271,7 +281,7 @@ std::vector<AskTarget> Session::TargetsToRead() const {
         const bool hasAnswered = (target->isLoginKnown || !row.isNoPrinter) &&
                                  HasAnsweredHere(row.answers, target->address) &&
                                  HasAnsweredSearch(row.answers);
-        if (isAdded || hasAnswered) targets.push_back(*target);
+        if ((isAdded || hasAnswered) && !row.isReplaced) targets.push_back(*target);
     }
     return targets;
 }
@@ -307,17 +317,16 @@ bool Session::HasAnsweredHere(const std::vector<size_t>& answers,
            });
 }
 
-// By the protocol that it is asked by: another one only shows whether it answers by that.
+// By the protocol and at the address that it is asked by: another protocol only shows whether it
+// answers by that, and another device may have its former address.
 const Reading* Session::LastReadingOf(const FoundDevice& device) const {
     const auto target = readings_.empty() ? std::nullopt : TargetOf(device.answers);
     if (!target) return nullptr;
-    const Reading* last = nullptr;
-    for (const std::string& address : device.identity.Of(MergeKey::kAddress)) {
-        const auto found = readings_.find({address, target->Kind()});
-        if (found != readings_.end() && (!last || found->second.time >= last->time))
-            last = &found->second;
-    }
-    return last;
+    const auto found = readings_.find({target->address, target->Kind()});
+    // Values that it has not got are those of another row with this address.
+    const bool isOwn =
+        found != readings_.end() && (device.hasVariables || !found->second.hasValues);
+    return isOwn ? &found->second : nullptr;
 }
 
 std::optional<std::vector<Gap>> Session::GapsOf(const DeviceRow& row) const {

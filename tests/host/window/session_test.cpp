@@ -91,6 +91,52 @@ TEST_F(Sessions, DeviceIsAskedWhereItAnsweredLast) {
     EXPECT_EQ("10.77.1.8", session_.TargetOf({0, 1, 2})->address);
 }
 
+// Not as it answered an earlier search, if it has answered the last one otherwise; nor by what was
+// removed from the settings. An added one may answer another community now.
+TEST_F(Sessions, DeviceIsAskedAsItAnswersNow) {
+    credentials_.security = std::make_shared<const Security>();
+    credentials_.communities = {"old", "new"};
+    const auto search = [&](bool isV3) {
+        session_.BeginSearch();
+        SweepStep step;
+        step.kind = isV3 ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1;
+        step.login = {"old", isV3 ? credentials_.security : nullptr};
+        session_.BeginSweep(WorkerId::kSnmp, step, "");
+        session_.AddAnswer(WorkerId::kSnmp, {0, "", "10.77.1.9", Received("x")});
+        session_.EndSweep(WorkerId::kSnmp, true);
+        session_.EndSearch();
+        session_.Refresh();
+        return *session_.TargetOf(session_.view.Row(0).answers);
+    };
+    EXPECT_TRUE(search(true).login.security);
+    const AskTarget now = search(false);
+    EXPECT_FALSE(now.login.security);
+    EXPECT_EQ("old", now.login.community);
+    EXPECT_TRUE(now.otherCommunities.empty());
+    session_.AddByHand({{"10.77.1.9", "hall"}}, "");
+    EXPECT_EQ((std::vector<std::string>{"new"}), search(false).otherCommunities);
+    credentials_.communities = {"new"};
+    EXPECT_EQ("new", search(false).login.community);
+}
+
+// Its reading is not that of who has its former address now.
+TEST_F(Sessions, MovedDeviceHasItsOwnReading) {
+    Scan scan;
+    scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""},
+                   {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
+    const Oid serial = *ParseOidOrName("prtGeneralSerialNumber.1");
+    for (const size_t sweep : {0, 1})
+        scan.answers.push_back({sweep, sweep == 0 ? "2026-11-25T04:10:00Z" : "2026-11-25T04:20:00Z",
+                                sweep == 0 ? "10.77.1.20" : "10.77.1.31",
+                                AnsweredWith(serial, kOctetString, "S1")});
+    session_.SetScan(scan);
+    Results::Read read = {{"10.77.1.20"}, "2026-11-25T04:30:00Z", {}};
+    read.answers.lastStatus = Status::kNoAnswer;
+    session_.AddReading(read);
+    session_.Refresh();
+    EXPECT_EQ(Standing::Kind::kRead, session_.view.Row(0).standing.kind);
+}
+
 // Its first round, or the first try of a slow device, may be older than what the user has had read
 // meanwhile; supplies are one thing.
 TEST_F(Sessions, LateListReadingLeavesANewerState) {

@@ -37,7 +37,7 @@ class DeviceViewTest : public testing::Test {
             [&](const FoundDevice& device) {
                 if (device.answers == missed_)
                     return Standing{Standing::Kind::kMissed, "2026-11-25T04:00:00Z", ""};
-                return StandingOf(scan_, device, nullptr, false, LastSearch(scan_, false));
+                return StandingOf(scan_, device, nullptr, false, LastSearches(scan_, false));
             },
             view_.TakeRows()));
     }

@@ -54,7 +54,7 @@ class StandingTest : public testing::Test {
         for (const FoundDevice& device : MakeDevices(scan_)) {
             if (device.identity.Of(MergeKey::kAddress).count(address) == 0) continue;
             const Standing standing =
-                StandingOf(scan_, device, reading, isBeingRead, LastSearch(scan_, isSearching));
+                StandingOf(scan_, device, reading, isBeingRead, LastSearches(scan_, isSearching));
             return StateText(standing, SummaryOf(*device.facts));
         }
         return "no device";
@@ -90,6 +90,12 @@ TEST_F(StandingTest, SearchThatDoesNotAskADeviceTellsNothingOfIt) {
     EXPECT_EQ("never read", State("10.0.0.1"));
     Search(2, 1, {}, false);
     EXPECT_EQ("never read", State("10.0.0.1"));
+    Search(3, 1, {});
+    Search(4, 2, {});
+    Search(5, 1, {}, false);
+    EXPECT_EQ(Since(0), State("10.0.0.1")) << "an earlier one has told";
+    RemoveFormerAnswers(scan_);
+    EXPECT_EQ(Since(0), State("10.0.0.1"));
 }
 
 TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
@@ -103,6 +109,7 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
         return State("10.0.0.1", &reading);
     };
     EXPECT_EQ("no answer", with(Status::kNoAnswer, "no answer", false));
+    EXPECT_EQ("no answer", State("10.0.0.1", &reading, false, true)) << "while it is asked again";
     EXPECT_EQ("incomplete, no answer after 12 s", with(Status::kNoAnswer, "no answer", true));
     EXPECT_EQ("refused: wrong user", with(Status::kRefused, "refused: wrong user", false));
     EXPECT_EQ("no such value", with(Status::kAnswered, "", true));
@@ -212,6 +219,25 @@ TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
     EXPECT_EQ("second", PresentDevices(scan_).at(0).facts->serialNumber) << "which it answered";
 }
 
+// No search reaches it, and only its readings tell.
+TEST_F(StandingTest, PrinterReplacedBeyondARouterIsSilent) {
+    for (const char* serial : {"first", "second"})
+        Read(0, "10.9.0.5", true,
+             {{"hrPrinterStatus.1", "\3"}, {"prtGeneralSerialNumber.1", serial}});
+    EXPECT_EQ(Since(0), State("10.9.0.5"));
+    const std::vector<FoundDevice> present = PresentDevices(scan_);
+    ASSERT_EQ(1u, present.size());
+    EXPECT_EQ("second", present[0].facts->serialNumber);
+}
+
+// Its alerts there are over if it is read elsewhere without them.
+TEST_F(StandingTest, FormerAddressTellsNothingOfNow) {
+    Read(0, "10.0.0.1", true,
+         {{"prtGeneralSerialNumber.1", "S1"}, {"prtAlertDescription.1.1", "Door open"}});
+    Read(1, "10.0.0.2", true, {{"prtGeneralSerialNumber.1", "S1"}});
+    EXPECT_TRUE(MakeDevices(scan_).at(0).facts->alerts.empty());
+}
+
 TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
     PrinterSummary summary;
     summary.state = "door open";
@@ -274,6 +300,17 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     EXPECT_EQ("low toner", after(0)) << "which says it of the supply";
     row.facts = nullptr;
     EXPECT_TRUE(take(Kind::kRead, "idle", of(300)));
+    // One that answers a search again still has to be read.
+    EXPECT_TRUE(take(Kind::kMissed, "idle", of(300)));
+    PrinterFacts former;
+    former.readTime = At(0);
+    row.facts = std::make_shared<const PrinterFacts>(former);
+    EXPECT_FALSE(take(Kind::kMissed, "idle", of(300)));
+    EXPECT_FALSE(take(Kind::kRead, "idle", of(300)));
+    former.readTime = At(1);
+    row.facts = std::make_shared<const PrinterFacts>(former);
+    EXPECT_TRUE(take(Kind::kRead, "idle", of(300)));
+    row.facts = nullptr;
     // Two of one serial number, which a person has separated.
     row.Text(Column::kSerial) = "0042";
     row.isSeparated = true;
@@ -302,7 +339,7 @@ TEST_F(StandingTest, ChangesAreOfWholeReadings) {
         reading.time = At(minute);
         reading.isStateOnly = isStateOnly;
         const auto standing = [&](const FoundDevice& device) {
-            return StandingOf(scan_, device, &reading, false, LastSearch(scan_, false));
+            return StandingOf(scan_, device, &reading, false, LastSearches(scan_, false));
         };
         return log.Add(MakeRows({scan_, {}, {}}, MakeDevices(scan_), standing).at(0), At(minute));
     };
