@@ -1,6 +1,7 @@
 #include "model/asking/progress.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace vndiscover::host {
 
@@ -27,6 +28,11 @@ bool Progress::EndSweep() {
     return true;
 }
 
+void Progress::EndAsking(const std::string& address) {
+    for (auto one = asked_.rbegin(); one != asked_.rend(); ++one)
+        if (one->address == address) return void(asked_.erase(std::next(one).base()));
+}
+
 Progress::Status Progress::Now(const Work& work) const {
     const int64_t now = nowMs_();
     const auto since = [now](int64_t start) { return (now - start) / 1000; };
@@ -36,11 +42,6 @@ Progress::Status Progress::Now(const Work& work) const {
         return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000)};
     }
     if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, networks_};
-    if (!asked_.address.empty()) {
-        return {Kind::kAsking,  since(asked_.startMs), work.waiting, 0,
-                asked_.address, work.waitMs / 1000};
-    }
-    if (IsWalking()) return {Kind::kWalking, since(walked_.startMs), values_, 0, walked_.address};
     if (work.read.total != 0) {
         const bool isLong = work.waitMs >= kWaitMs;
         return {Kind::kReadingAll,
@@ -52,6 +53,12 @@ Progress::Status Progress::Now(const Work& work) const {
                 0,
                 work.read.isOfStates};
     }
+    if (!asked_.empty()) {
+        const auto& [address, startMs] = asked_.back();
+        const int64_t waitMs = work.address == address ? work.waitMs : 0;
+        return {Kind::kAsking, since(startMs), work.waiting, 0, address, waitMs / 1000};
+    }
+    if (IsWalking()) return {Kind::kWalking, since(walked_.startMs), values_, 0, walked_.address};
     if (!note_.empty()) return {Kind::kNote};
     if (last_ == Kind::kReady) return {};
     if (last_ == Kind::kRead) {

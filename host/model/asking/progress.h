@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vndiscover::host {
 
@@ -18,7 +19,10 @@ class Progress {
     void BeginSearch(size_t sweeps);
     // The user stops what is in progress; it ends later, see SetIdle.
     void Stop();
-    void SetIdle() { isStopping_ = false; }
+    void SetIdle() {
+        isStopping_ = false;
+        asked_.clear();  // one that failed has no end of its own
+    }
     bool EndSweep();  // returns true if it was the last one
     void CountAnswer() { ++answers_; }
     void ForgetSearch() { last_ = Kind::kReady; }
@@ -31,11 +35,12 @@ class Progress {
     void SetNetworks(size_t networks) { networks_ = networks; }  // that sweeps reach
 
     // One device is asked for its details or for why it is silent.
+    // An urgent one is asked between two requests to another one.
     void BeginAsking(const std::string& address) {
-        asked_ = {address, nowMs_()};
+        asked_.push_back({address, nowMs_()});
         EndStop();
     }
-    void EndAsking() { asked_ = {}; }
+    void EndAsking(const std::string& address);
 
     // All devices are read, each for the list.
     void BeginReadingAll() {
@@ -117,7 +122,8 @@ class Progress {
     struct Device {
         std::string address;  // empty: none
         int64_t startMs = 0;
-    } asked_, walked_;
+    } walked_;
+    std::vector<Device> asked_;  // the one that is asked now is the last
     int64_t readMs_ = 0, readEndMs_ = 0;
     Read read_;
     size_t values_ = 0;

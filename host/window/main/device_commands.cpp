@@ -75,7 +75,9 @@ void ReadAdded(WindowState& state, const Results::Addresses& addresses,
     targets.reserve(addresses.size());
     for (const auto& [address, typed] : addresses)
         targets.push_back(state.session.TargetAt(address));
-    ReadSome(state, targets);
+    // What a search finds is read after it, and these with it.
+    const bool areReadLater = state.progress.IsSearching() && state.settings.readsFound != 0;
+    if (!areReadLater) ReadSome(state, targets);
     if (!unknown.empty()) state.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
 }
 

@@ -315,7 +315,8 @@ std::wstring Panes::ReadText(const Progress::Status& status) const {
                                             : IDS_READ,
                 {Grouped(status.count - status.unread - left), Grouped(status.total - left),
                  seconds == 0 ? Text(IDS_UNDER_ONE) : Grouped(seconds), Grouped(status.unread)}) +
-           (missed == 0 ? L"" : Text(IDS_READ_MISSED, {Grouped(missed)}));
+           (missed == 0 ? L"" : Text(IDS_READ_MISSED, {Grouped(missed)})) +
+           (state_.refusal.empty() ? L"" : L". " + state_.refusal);
 }
 
 Box FitInto(const Box& area, Box box) {

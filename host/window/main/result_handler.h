@@ -31,13 +31,14 @@ class ResultHandler : public Results {
         if (!isForList) state_.progress.BeginAsking(address);
     }
     void OnRead(Read read) override {
-        if (!read.isForList) state_.progress.EndAsking();
+        if (!read.isForList) state_.progress.EndAsking(read.target.address);
         const Status status = read.answers.lastStatus;
         const bool isRefusal = status == Status::kRefused || status == Status::kOnlyDiscovered;
         if (read.target.login.security && isRefusal) {
             const std::wstring refusal = Text(
                 IDS_V3_REFUSED, {ToWide(read.target.address), ToWide(read.answers.lastProblem)});
             state_.progress.SetNote(refusal);
+            state_.refusal = refusal;
             if (state_.options.exit) state_.ReportProblem(refusal);
         }
         const bool hasValues = !read.isPostponed && !read.answers.values.empty();
@@ -69,7 +70,7 @@ class ResultHandler : public Results {
     }
     void OnDiagnosed(const std::string& address, const HostDiagnosis& diagnosis,
                      const AdapterList& adapters) override {
-        state_.progress.EndAsking();
+        state_.progress.EndAsking(address);
         if (!state_.workers) return;
         w_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }

@@ -26,7 +26,8 @@ namespace {
 std::string TimeOf(const Scan& scan) {
     std::string search, answer;
     for (const ScanSweep& sweep : scan.sweeps) {
-        if (sweep.form != AnswerForm::kVariable) search = std::max(search, sweep.time);
+        if (sweep.form != AnswerForm::kVariable && sweep.form != AnswerForm::kAdded)
+            search = std::max(search, sweep.time);
     }
     for (const ScanAnswer& one : scan.answers) answer = std::max(answer, one.time);
     return search.empty() ? answer : search;
@@ -135,7 +136,8 @@ bool ScanCommands::CompareWith(const std::string& path) {
     const bool isOfPrinters = state_.session.view.ShowsOnlyPrinters();
     for (auto* devices : {&before, &after})
         EraseIf(*devices, [&](const FoundDevice& one) {
-            return isOfPrinters && one.hasVariables && !one.facts->deviceIndex;
+            return isOfPrinters && !one.facts->deviceIndex &&
+                   (one.hasVariables || IsOtherByType(one));
         });
     Comparison changes = CompareDevices(std::move(before), std::move(after));
     const std::wstring name = ToWide(FileName(path));
@@ -194,7 +196,8 @@ bool ScanCommands::SaveTo(const std::string& path) {
     if (!SaveTextTo(*text, path)) return false;
     state_.session.SetSaved();
     ForgetKept();
-    if (!state_.file.empty()) SetFile(NameOf(ToWide(FileName(path)), state_.session.GetScan()));
+    // A list to which more was found is no longer a file's.
+    SetFile(state_.file.empty() ? L"" : NameOf(ToWide(FileName(path)), state_.session.GetScan()));
     return true;
 }
 

@@ -25,7 +25,10 @@ void Searches::ApplyOptions() {
 }
 
 void Searches::AskForUser() {
-    if (AskCredentials(state_.window, state_.credentials, L"")) state_.session.ForgetRefusals();
+    if (!AskCredentials(state_.window, state_.credentials, L"")) return;
+    state_.refusal.clear();
+    state_.session.ForgetRefusals();
+    state_.showRows();
 }
 
 // Gets the SNMPv3 user. Returns false if there is none.
@@ -61,6 +64,7 @@ void Searches::Start() {
     if (!MayStart()) return;
     isForStart_ = state_.options.sweep;
     wasSent_ = false;
+    state_.refusal.clear();
     state_.workers->ReadAdapters();  // again, since the user may have plugged one in
     state_.session.BeginSearch();
     state_.progress.BeginSearch(steps.size());
@@ -72,7 +76,9 @@ bool Searches::Repeat() {
     const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
     if (!state_.workers || !IsWindowEnabled(state_.window) || state_.IsBusy()) return false;
     if (!state_.progress.HasSearched() || !state_.file.empty() || needsUser) {
-        state_.progress.SetNote(Text(needsUser ? IDS_NO_USER : IDS_NOT_REPEATED));
+        // An opened file's name stays the status.
+        if (state_.file.empty())
+            state_.progress.SetNote(Text(needsUser ? IDS_NO_USER : IDS_NOT_REPEATED));
         return false;
     }
     Start();

@@ -41,6 +41,7 @@ struct WindowState {
     int exitCode = kFound;
     bool isSessionEnding = false;  // nothing may wait for the user
     bool isUnsent = false;         // the last search ended, not by a stop, before anything was sent
+    std::wstring refusal;          // of an SNMPv3 user, since the last search began; empty: none
     std::wstring file;  // "monday.json, scan of 23 November 09:12"; empty: the list is of no file
     Credentials credentials;
     Session session{credentials};

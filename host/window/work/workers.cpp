@@ -341,10 +341,9 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
         std::string unknown;
         for (const std::string& host : hosts) {
             if (stops_ != before.all) return;  // as one that has not begun
-            const std::string address = NumericHost(host);
-            const auto known = ParseIpAddress(address);
+            const auto known = ParseIpAddress(NumericHost(host));
             if (known && known->IsOfOne()) {
-                addresses.emplace_back(address, host);
+                addresses.emplace_back(IpText(known->bytes), host);  // as sweeps write it
             } else {
                 unknown = Joined({unknown, host});
             }

@@ -77,7 +77,10 @@ TEST_F(ProgressTest, AskingIsShownBeforeAWalk) {
     work.waiting = 7;
     EXPECT_EQ((Expected{Kind::kAsking, {0, 7, 0}}), Shown(work));
     EXPECT_EQ("10.0.0.2", progress.Now({}).address);
-    progress.EndAsking();
+    progress.BeginAsking("10.0.0.3");  // between two requests
+    progress.EndAsking("10.0.0.3");
+    EXPECT_EQ("10.0.0.2", progress.Now({}).address);
+    progress.EndAsking("10.0.0.2");
     EXPECT_EQ("10.0.0.1", progress.Now({}).address);
 }
 
@@ -96,9 +99,15 @@ TEST_F(ProgressTest, ReadingNamesWhomItWaitsFor) {
     progress.BeginWalk("10.80.9.12");  // which was asked for since
     EXPECT_EQ((Expected{Kind::kWalking, {0, 0, 0}}), Shown({}));
     progress.EndWalk();
-    progress.BeginAsking("10.80.9.12");  // chosen since
+    progress.BeginAsking("10.80.9.13");  // chosen since
     EXPECT_EQ(Kind::kAsking, progress.Now({}).kind);
-    progress.EndAsking();
+    Progress::Work other;
+    other.address = "10.80.9.12";
+    other.waitMs = 9000;
+    EXPECT_EQ(0, progress.Now(other).waitSeconds) << "another one keeps waiting";
+    other.read.total = 403;
+    EXPECT_EQ(Kind::kReadingAll, progress.Now(other).kind);
+    progress.EndAsking("10.80.9.13");
     progress.EndReadingAll({29, 2, 403, true});
     progress.SetIdle();
     EXPECT_EQ((Expected{Kind::kRead, {60, 29, 403}}), Shown());
