@@ -196,6 +196,7 @@ TEST(ScanFile, KeepsEveryByte) {
     one.Add("10.0.0.1", kMac, "ifPhysAddress.1");
     one.scan.answers.back().answer.wholeSize = 200;
     one.scan.splits.emplace_back(0, 5);
+    one.scan.sweeps[1].search = kMaxScanSize;  // after a search with the highest number of a file
     std::string problem;
     const auto text = WriteScan(one.scan, problem);
     ASSERT_TRUE(text) << problem;
