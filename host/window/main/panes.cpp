@@ -251,15 +251,15 @@ void Panes::ShowStatus() const {
     const HWND reading = GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR);
     const bool isReading = status.kind == Progress::Kind::kReadingAll;
     if (isReading) {
-        SendMessageW(reading, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.total));
-        SendMessageW(reading, PBM_SETPOS, status.count, 0);
+        SendMessageW(reading, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.read.total));
+        SendMessageW(reading, PBM_SETPOS, status.read.done, 0);
     }
     ShowWindow(reading, isReading ? SW_SHOWNA : SW_HIDE);
 }
 
 std::wstring Panes::TextOf(const Progress::Status& status) const {
     const std::wstring seconds = Grouped(static_cast<uint64_t>(status.seconds));
-    const std::wstring count = Grouped(status.count), total = Grouped(status.total);
+    const std::wstring count = Grouped(status.count);
     const std::wstring found = Grouped(state_.session.CountFound());
     const std::wstring address = ToWide(status.address);
     const std::wstring wait = Text(IDS_WAITING, {address, std::to_wstring(status.waitSeconds)});
@@ -267,11 +267,12 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
         case Progress::Kind::kReady:
             return state_.file.empty() ? Text(IDS_READY) : state_.file;
         case Progress::Kind::kSearching:
-            return Text(status.total == 0 ? IDS_SWEEPING_YET : IDS_SWEEPING,
-                        {seconds, found, total});
+            return Text(status.count == 0 ? IDS_SWEEPING_YET : IDS_SWEEPING,
+                        {seconds, found, count});
         case Progress::Kind::kReadingAll: {
             const std::wstring reading =
-                Text(status.isOfStates ? IDS_READING_STATES : IDS_READING, {count, total});
+                Text(status.read.isOfStates ? IDS_READING_STATES : IDS_READING,
+                     {Grouped(status.read.done), Grouped(status.read.total)});
             return address.empty() ? reading : reading + L", " + wait;
         }
         case Progress::Kind::kAsking: {
@@ -298,6 +299,7 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
 // Also of those that were not there to be read.
 std::wstring Panes::ReadText(const Progress::Status& status) const {
     const DeviceView& view = state_.session.view;
+    const Progress::Read& read = status.read;
     size_t missed = 0, present = 0, others = 0;
     for (const DeviceRow& row : view.AllRows()) {
         const bool isMissed = row.standing.kind == Standing::Kind::kMissed;
@@ -306,15 +308,14 @@ std::wstring Panes::ReadText(const Progress::Status& status) const {
         others += !isMissed && view.IsOther(row);
     }
     // Only those that are listed count. A search has all read, the user those that are shown.
-    const size_t left =
-        std::min(status.total == present ? others : 0, status.count - status.unread);
+    const size_t left = std::min(read.total == present ? others : 0, read.done - read.unread);
     const auto seconds = static_cast<uint64_t>(status.seconds);
-    const unsigned stopped = status.isOfStates ? IDS_STATES_STOPPED : IDS_READ_STOPPED;
-    return Text(status.count < status.total ? stopped
-                : status.unread > 0         ? IDS_READ_SOME
-                                            : IDS_READ,
-                {Grouped(status.count - status.unread - left), Grouped(status.total - left),
-                 seconds == 0 ? Text(IDS_UNDER_ONE) : Grouped(seconds), Grouped(status.unread)}) +
+    const unsigned stopped = read.isOfStates ? IDS_STATES_STOPPED : IDS_READ_STOPPED;
+    return Text(read.done < read.total ? stopped
+                : read.unread > 0      ? IDS_READ_SOME
+                                       : IDS_READ,
+                {Grouped(read.done - read.unread - left), Grouped(read.total - left),
+                 seconds == 0 ? Text(IDS_UNDER_ONE) : Grouped(seconds), Grouped(read.unread)}) +
            (missed == 0 ? L"" : Text(IDS_READ_MISSED, {Grouped(missed)}));
 }
 
