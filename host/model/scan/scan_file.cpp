@@ -8,6 +8,7 @@
 #include "values/ip_address.h"
 #include "values/json_output.h"
 #include "values/module_types.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -306,23 +307,12 @@ void Thin(Scan& scan) {
         if (answer.sweep == sweep) ranks.push_back(counts[answer.address]++);
     }
     const size_t most = *std::max_element(ranks.begin(), ranks.end()) + 1;
-    std::vector<ScanAnswer> kept;
-    std::vector<size_t> places;  // in `kept`; SIZE_MAX: left out
-    size_t seen = 0;
-    for (ScanAnswer& answer : scan.answers) {
-        const bool isOther = answer.sweep != sweep;
-        const bool isKept =
-            isOther || (most > 1 ? ranks[seen] < most / 2 : seen < ranks.size() / 2);
-        seen += isOther ? 0 : 1;
-        places.push_back(isKept ? kept.size() : SIZE_MAX);
-        if (isKept) kept.push_back(std::move(answer));
-    }
-    scan.answers = std::move(kept);
-    auto splits = std::exchange(scan.splits, {});
-    for (const auto& [one, other] : splits) {
-        if (places[one] != SIZE_MAX && places[other] != SIZE_MAX)
-            scan.splits.emplace_back(places[one], places[other]);
-    }
+    size_t seen = 0;  // of the sweep's answers
+    EraseIf(scan.answers, [&](const ScanAnswer& answer) {
+        if (answer.sweep != sweep) return false;
+        const size_t at = seen++;
+        return most > 1 ? ranks[at] >= most / 2 : at >= ranks.size() / 2;
+    });
 }
 
 }  // namespace
