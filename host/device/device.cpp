@@ -234,7 +234,8 @@ Asker AskerOf(const Device& device) {
 std::optional<std::string> Device::Information() const {
     char value[VN_INFORMATION_SIZE] = {};
     if (GetSnmpInformation(Host(), value, community_.c_str(), nullptr) <= 0) return std::nullopt;
-    return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
+    return AnsweredWith({}, kOctetString, std::string_view(value, strnlen(value, sizeof value)))
+        .bytes;
 }
 
 SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6) {

@@ -115,7 +115,7 @@ std::string Line(const JsonItem& item) { return CompactJson(item.get()) + "\n"; 
 
 std::string DeviceWriter::Bytes(std::string_view value) const {
     // Only an OCTET STRING can be longer than 127 bytes.
-    if (values_.kind == ValueKind::kRaw) return ContentOf(kOctetString, value).bytes;
+    if (values_.kind == ValueKind::kRaw) return AnsweredWith({}, kOctetString, value).bytes;
     const auto answers = AnswersOf(ParseDocument(value).get());
     return answers.empty() ? std::string(value) : answers.front().second;
 }
