@@ -50,8 +50,8 @@ Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
 // The last arguments of these exports are the user's.
 template <class Export, class... Arguments>
 auto CallV3(const Security& user, Export call, Arguments... arguments) {
-    return call(arguments..., user.user.c_str(), user.useAuth, user.authPassword.Get(),
-                user.usePriv, user.privPassword.Get(), user.authLabel.c_str(),
+    return call(arguments..., user.user.c_str(), user.UseAuth(), user.authPassword.Get(),
+                user.UsePriv(), user.privPassword.Get(), user.authLabel.c_str(),
                 user.privLabel.c_str());
 }
 
@@ -234,7 +234,8 @@ Asker AskerOf(const Device& device) {
 std::optional<std::string> Device::Information() const {
     char value[VN_INFORMATION_SIZE] = {};
     if (GetSnmpInformation(Host(), value, community_.c_str(), nullptr) <= 0) return std::nullopt;
-    return ContentOf(kOctetString, std::string_view(value, strnlen(value, sizeof value))).bytes;
+    return AnsweredWith({}, kOctetString, std::string_view(value, strnlen(value, sizeof value)))
+        .bytes;
 }
 
 SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6) {

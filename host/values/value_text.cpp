@@ -12,9 +12,6 @@
 namespace vndiscover::host {
 namespace {
 
-// Announces a long-form length, but is read as the length itself.
-constexpr size_t kLongFormSize = 0x81;
-
 constexpr std::pair<uint32_t, const char*> kTypes[] = {
     {kInteger, "INTEGER"},
     {kOctetString, "OCTET STRING"},
@@ -136,14 +133,6 @@ std::string TypeName(uint32_t type) {
 bool IsNoValue(uint32_t type) {
     return type == kNull || type == kNoSuchObject || type == kNoSuchInstance ||
            type == kEndOfMibView;
-}
-
-Content ContentOf(uint32_t type, std::string_view raw) {
-    const bool isLong = type == kOctetString && raw.size() == kLongFormSize;
-    const size_t wholeSize = isLong ? static_cast<uint8_t>(raw.front()) : raw.size();
-    // A size that needs no long form is the device's error: show the bytes as received.
-    if (!isLong || wholeSize < raw.size() - 1) return {std::string(raw), raw.size()};
-    return {std::string(raw.substr(1)), wholeSize};
 }
 
 std::optional<std::string> NumberText(uint32_t type, std::string_view bytes) {

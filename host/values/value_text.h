@@ -16,14 +16,6 @@ std::string TypeName(uint32_t type);
 // Whether this type, in an answer, says that the device does not have the variable.
 bool IsNoValue(uint32_t type);
 
-// The content of a value in an SNMPv1 answer. The module reads one-byte lengths, so an OCTET STRING
-// of more than 127 bytes arrives as 129 bytes: its real length and its first 128 bytes.
-struct Content {
-    std::string bytes;
-    size_t wholeSize;  // at the device; if more than bytes.size(), the rest is missing
-};
-Content ContentOf(uint32_t type, std::string_view raw);
-
 // An INTEGER (signed) or one of the unsigned types in decimal; empty if malformed or another type.
 std::optional<std::string> NumberText(uint32_t type, std::string_view bytes);
 

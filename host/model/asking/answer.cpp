@@ -12,6 +12,9 @@
 namespace vndiscover::host {
 namespace {
 
+// Announces a long-form length, but is read as the length itself.
+constexpr size_t kLongFormSize = 0x81;
+
 const Oid kSnmpModules = {1, 3, 6, 1, 6, 3};
 
 // By counters below it: RFC 3412 (snmpMPDStats), 3413 (snmpUnavailableContexts ...), 3414
@@ -39,8 +42,14 @@ bool IsSilence(const Answer& answer) {
 }  // namespace
 
 Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw) {
-    Content content = ContentOf(type, raw);
-    return {Status::kAnswered, oid, type, std::move(content.bytes), content.wholeSize, ""};
+    Answer answer = {Status::kAnswered, oid, type, std::string(raw), raw.size(), ""};
+    const bool isLong = type == kOctetString && raw.size() == kLongFormSize;
+    const size_t wholeSize = isLong ? static_cast<uint8_t>(raw.front()) : 0;
+    // A size that needs no long form is the device's error: show the bytes as received.
+    if (!isLong || wholeSize < raw.size() - 1) return answer;
+    answer.bytes.erase(0, 1);
+    answer.wholeSize = wholeSize;
+    return answer;
 }
 
 Answer Received(std::string_view bytes) { return AnsweredWith({}, 0, bytes); }

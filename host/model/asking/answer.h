@@ -34,7 +34,9 @@ struct Answer {
     std::string time{};    // when it came, as in ScanAnswer; empty: unknown
 };
 
-// An answer with a value as the module delivers it.
+// An answer with a value as the module delivers it. For SNMPv1 it reads one-byte lengths, so an
+// OCTET STRING of more than 127 bytes arrives as 129 bytes: its real length and its first 128
+// bytes.
 Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw);
 
 // Bytes whose OID and type are not known.

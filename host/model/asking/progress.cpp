@@ -41,31 +41,21 @@ Progress::Status Progress::Now(const Work& work) const {
         const int64_t leftMs = kMaxRequestMs - std::max(now - stopMs_, work.waitMs);
         return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000)};
     }
-    if (isSearching_) return {Kind::kSearching, since(searchMs_), answers_, networks_};
+    if (isSearching_) return {Kind::kSearching, since(searchMs_), networks_};
     if (work.read.total != 0) {
-        const bool isLong = work.waitMs >= kWaitMs;
-        return {Kind::kReadingAll,
-                since(readMs_),
-                work.read.done,
-                work.read.total,
-                isLong ? work.address : "",
-                work.waitMs / 1000,
-                0,
-                work.read.isOfStates};
+        const std::string address = work.waitMs >= kWaitMs ? work.address : "";
+        return {Kind::kReadingAll, since(readMs_), 0, address, work.waitMs / 1000, work.read};
     }
     if (!asked_.empty()) {
         const auto& [address, startMs] = asked_.back();
         const int64_t waitMs = work.address == address ? work.waitMs : 0;
-        return {Kind::kAsking, since(startMs), work.waiting, 0, address, waitMs / 1000};
+        return {Kind::kAsking, since(startMs), work.waiting, address, waitMs / 1000};
     }
-    if (IsWalking()) return {Kind::kWalking, since(walked_.startMs), values_, 0, walked_.address};
+    if (IsWalking()) return {Kind::kWalking, since(walked_.startMs), values_, walked_.address};
     if (!note_.empty()) return {Kind::kNote};
     if (last_ == Kind::kReady) return {};
-    if (last_ == Kind::kRead) {
-        const int64_t seconds = (readEndMs_ - readMs_) / 1000;
-        return {last_, seconds, read_.done, read_.total, "", 0, read_.unread, read_.isOfStates};
-    }
-    return {last_, (searchEndMs_ - searchMs_) / 1000, answers_};
+    if (last_ == Kind::kRead) return {last_, (readEndMs_ - readMs_) / 1000, 0, "", 0, read_};
+    return {last_, (searchEndMs_ - searchMs_) / 1000};
 }
 
 }  // namespace vndiscover::host

@@ -81,26 +81,24 @@ class Progress {
 
     enum class Kind {
         kReady,       // nothing has been sent yet
-        kSearching,   // seconds, count: of answers, total: networks
-        kReadingAll,  // count: of devices read, total; see address
+        kSearching,   // seconds, count: of networks
+        kReadingAll,  // read; see address
         kAsking,      // address, seconds, count: of devices still to be asked
         kWalking,     // address, seconds, count: of values
         kStopping,    // seconds: at most until it has stopped
-        kDone,        // seconds, count: of answers
+        kDone,        // seconds
         kStopped,     // the same
-        kRead,        // all devices: seconds, count: of devices done, total, unread
+        kRead,        // all devices: seconds, read
         kNote,        // see Note
     };
     struct Status {
         Kind kind = Kind::kReady;
         int64_t seconds = 0;
         size_t count = 0;
-        size_t total = 0;
         // Of the request that has waited longest for its answer; empty if it came within kWaitMs.
         std::string address{};
         int64_t waitSeconds = 0;
-        size_t unread = 0;
-        bool isOfStates = false;
+        Read read{};
     };
     struct Work {
         size_t waiting = 0;   // devices that are still to be asked

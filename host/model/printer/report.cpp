@@ -1,7 +1,6 @@
 #include "model/printer/report.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 #include "values/ranges.h"
@@ -225,14 +224,6 @@ std::string AlertText(const Alert& alert) {
         {KindText(alert.severity), alert.description.empty() ? what : alert.description}, ": ");
     if (text.empty()) return "alert";
     return alert.description.empty() || what.empty() ? text : text + " (" + what + ")";
-}
-
-bool ReportRow::operator==(const ReportRow& other) const {
-    const auto all = [](const ReportRow& row) {
-        return std::tie(row.label, row.text, row.percent, row.severity, row.colour, row.detail,
-                        row.repeatsLabel, row.isCommand);
-    };
-    return all(*this) == all(other);
 }
 
 const char* SeverityMark(Severity severity) {

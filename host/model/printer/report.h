@@ -37,8 +37,6 @@ struct ReportRow {
     std::string detail{};       // for those who ask for more: the objects of a reason
     bool repeatsLabel = false;  // after a row with the same label, too
     bool isCommand = false;     // for a shell: must stay in one line
-
-    bool operator==(const ReportRow& other) const;
 };
 
 struct ReportSection {

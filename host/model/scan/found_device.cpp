@@ -10,7 +10,6 @@
 #include "values/object_names.h"
 #include "values/ranges.h"
 #include "values/text.h"
-#include "values/value_text.h"
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {
@@ -44,7 +43,7 @@ class Collector {
         device_.identity.Add(MergeKey::kAddress, answer.address);
         switch (sweep.form) {
             case AnswerForm::kValue:
-                AddText(sweep.oid, ContentOf(kOctetString, answer.answer.bytes).bytes);
+                AddText(sweep.oid, AnsweredWith({}, kOctetString, answer.answer.bytes).bytes);
                 break;
             case AnswerForm::kDocument:
                 for (const auto& [name, value] :

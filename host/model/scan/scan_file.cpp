@@ -1,7 +1,6 @@
 #include "model/scan/scan_file.h"
 
 #include <algorithm>
-#include <map>
 #include <string_view>
 #include <unordered_map>
 
@@ -9,6 +8,7 @@
 #include "values/ip_address.h"
 #include "values/json_output.h"
 #include "values/module_types.h"
+#include "values/ranges.h"
 #include "values/text.h"
 
 namespace vndiscover::host {
@@ -25,6 +25,8 @@ constexpr size_t kMaxValues = 4000000;
 constexpr size_t kMaxDepth = 8;
 constexpr size_t kMaxSweeps = 50000;  // each reading of a device is one in a window
 constexpr size_t kMaxSplits = 10000;
+// The highest that can be read: a file may have it, and the next search the next number.
+constexpr size_t kMaxSearch = kMaxScanSize - 1;
 constexpr char kTooManySweeps[] = "more sweeps than a scan may have";
 constexpr char kTooManySplits[] = "more splits than a scan may have";
 
@@ -220,18 +222,6 @@ std::pair<size_t, size_t> SplitOf(const cJSON* item, size_t answers) {
     return {at(0), at(1)};
 }
 
-// From 1 on, in their order: a file may have any numbers, and the next search has the next one.
-void RenumberSearches(std::vector<ScanSweep>& sweeps) {
-    std::map<size_t, size_t> numbers;
-    for (const ScanSweep& sweep : sweeps) numbers[sweep.search];
-    numbers.erase(0);  // of no search
-    size_t last = 0;
-    for (auto& [given, number] : numbers) number = ++last;
-    for (ScanSweep& sweep : sweeps) {
-        if (sweep.search != 0) sweep.search = numbers[sweep.search];
-    }
-}
-
 // Throws a Refusal.
 Scan ScanOf(const cJSON* root) {
     if (Member(root, "format").Text() != kFormat) throw Refusal{root, "not a scan"};
@@ -246,7 +236,6 @@ Scan ScanOf(const cJSON* root) {
     const cJSON* const sweeps = Member(root, "sweeps").Array();
     cJSON_ArrayForEach(item, sweeps) scan.sweeps.push_back(SweepOf(item));
     if (scan.sweeps.size() > kMaxSweeps) throw Refusal{sweeps, kTooManySweeps};
-    RenumberSearches(scan.sweeps);
     cJSON_ArrayForEach(item, Member(root, "answers").Array())
         scan.answers.push_back(AnswerOf(item, scan.sweeps));
     const cJSON* const splits = Member(root, "splits").Array();
@@ -261,7 +250,7 @@ void AddSweep(cJSON* item, const ScanSweep& sweep) {
     cJSON_AddBoolToObject(item, "ipv6", sweep.useIPv6);
     if (sweep.form == AnswerForm::kValue) AddText(item, "oid", OidToText(sweep.oid));
     AddText(item, "time", sweep.time);
-    if (sweep.search != 0) AddNumber(item, "search", sweep.search);
+    if (sweep.search != 0) AddNumber(item, "search", std::min(sweep.search, kMaxSearch));
     if (sweep.isComplete) cJSON_AddBoolToObject(item, "complete", true);
     if (sweep.isCut) cJSON_AddBoolToObject(item, "cut", true);
     if (sweep.isList) cJSON_AddBoolToObject(item, "list", true);
@@ -318,23 +307,12 @@ void Thin(Scan& scan) {
         if (answer.sweep == sweep) ranks.push_back(counts[answer.address]++);
     }
     const size_t most = *std::max_element(ranks.begin(), ranks.end()) + 1;
-    std::vector<ScanAnswer> kept;
-    std::vector<size_t> places;  // in `kept`; SIZE_MAX: left out
-    size_t seen = 0;
-    for (ScanAnswer& answer : scan.answers) {
-        const bool isOther = answer.sweep != sweep;
-        const bool isKept =
-            isOther || (most > 1 ? ranks[seen] < most / 2 : seen < ranks.size() / 2);
-        seen += isOther ? 0 : 1;
-        places.push_back(isKept ? kept.size() : SIZE_MAX);
-        if (isKept) kept.push_back(std::move(answer));
-    }
-    scan.answers = std::move(kept);
-    auto splits = std::exchange(scan.splits, {});
-    for (const auto& [one, other] : splits) {
-        if (places[one] != SIZE_MAX && places[other] != SIZE_MAX)
-            scan.splits.emplace_back(places[one], places[other]);
-    }
+    size_t seen = 0;  // of the sweep's answers
+    EraseIf(scan.answers, [&](const ScanAnswer& answer) {
+        if (answer.sweep != sweep) return false;
+        const size_t at = seen++;
+        return most > 1 ? ranks[at] >= most / 2 : at >= ranks.size() / 2;
+    });
 }
 
 }  // namespace

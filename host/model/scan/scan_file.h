@@ -30,9 +30,9 @@ constexpr size_t kMaxScanSize = size_t{128} << 20;  // bytes
 // Empty, with the reason in `problem`, if the scan is too large to be read again.
 std::optional<std::string> WriteScan(const Scan& scan, std::string& problem);
 
-// Leaves answers out of a scan with a text of more than `maxSize` bytes, or too large otherwise: of
-// the largest sweep, from the addresses with the most answers first, the latest. `leftOut` is their
-// number. Empty, with the reason in `problem`, if it is too large even without answers.
+// Leaves answers out of a scan without splits whose text has over `maxSize` bytes or is too large
+// otherwise: of the largest sweep, from the addresses with the most answers first, the latest.
+// `leftOut` is their number. Empty, with the reason in `problem`, if too large without any answer.
 std::optional<std::string> WriteFittingScan(Scan scan, size_t maxSize, size_t& leftOut,
                                             std::string& problem);
 

@@ -48,16 +48,6 @@ ProtocolState StateOf(const Reading& reading) {
 
 using Kind = Standing::Kind;
 
-template <class IsCounted>  // bool IsCounted(AnswerForm)
-std::string LastAnswerOf(const Scan& scan, const FoundDevice& device, IsCounted isCounted) {
-    std::string last;
-    for (const size_t index : device.answers) {
-        const ScanAnswer& answer = scan.answers[index];
-        if (isCounted(scan.sweeps[answer.sweep].form)) last = std::max(last, answer.time);
-    }
-    return last;
-}
-
 bool IsSameQuestion(const ScanSweep& one, const ScanSweep& other) {
     const bool isLogin = one.login == other.login || one.login == 0 || other.login == 0;
     return isLogin && one.kind == other.kind && one.form == other.form &&
@@ -133,11 +123,14 @@ std::vector<FoundDevice> PresentDevices(const Scan& scan) {
 Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* reading,
                     bool isBeingRead, const LastSearches& searches) {
     Standing standing;
-    standing.lastAnswer =
-        LastAnswerOf(scan, device, [](AnswerForm form) { return form != AnswerForm::kAdded; });
-    // A device that answers sweeps, but not its reading, has no state that is known.
-    const std::string lastRead =
-        LastAnswerOf(scan, device, [](AnswerForm form) { return form == AnswerForm::kVariable; });
+    std::string lastRead;  // a device that answers sweeps, but not its reading, has no known state
+    for (const size_t index : device.answers) {
+        const ScanAnswer& answer = scan.answers[index];
+        const AnswerForm form = scan.sweeps[answer.sweep].form;
+        std::string& last = standing.lastAnswer;
+        if (form != AnswerForm::kAdded) last = std::max(last, answer.time);
+        if (form == AnswerForm::kVariable) lastRead = std::max(lastRead, answer.time);
+    }
     const bool hasEnd = reading && reading->time >= lastRead;
     // A sweep cannot tell that.
     const auto missed = searches.Missed(scan, device.answers);

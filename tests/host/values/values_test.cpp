@@ -203,20 +203,6 @@ TEST(ShownValues, FollowTheType) {
     for (const auto& [type, bytes, shown] : rows) EXPECT_EQ(shown, FormatValue(type, bytes));
 }
 
-TEST(LongValues, AreShownWithoutTheirLengthByte) {
-    const std::string text(128, 'x');
-    const std::tuple<std::string, size_t, size_t> rows[] = {
-        {Bytes({0xAF}) + text, 128, 0xAF},
-        {Bytes({0x80}) + text, 128, 128},
-        {text.substr(1), 127, 127},
-        {"x" + text, 129, 129}};  // no such length: unchanged
-    for (const auto& [bytes, shown, whole] : rows) {
-        const Content content = ContentOf(kOctetString, bytes);
-        EXPECT_EQ(bytes.substr(bytes.size() - shown), content.bytes);
-        EXPECT_EQ(whole, content.wholeSize);
-    }
-}
-
 TEST(SetValues, AcceptOtherSpellings) {
     std::string problem;
     EXPECT_EQ(Bytes({0, 0x1B, 0x4C, 0xFF}), ParseSetValue("x", "0x00 1b:4C-ff", problem)->bytes);
