@@ -137,19 +137,9 @@ class PrinterFinder {
         for (const FoundDevice& found : MakeDevices(scan_)) {
             PrinterLine printer;
             printer.facts = *found.facts;
-            for (const std::string& address : found.identity.Of(MergeKey::kAddress)) {
-                printer.addresses.push_back(address);
-                const FleetDevice& device = fleet_.Devices()[devices_.at(address)];
-                const auto known = device.answers.values.find(*ParseOidOrName(kPrinterObject));
-                if (printer.facts.model.empty() && known != device.answers.values.end())
-                    printer.facts.model = DeviceText(known->second.bytes);
-                if (const std::string problem = ProblemOf(device, printer.facts); !problem.empty())
-                    printer.problem = problem;
-                const bool isWhole =
-                    device.isRead && device.answers.lastStatus == Status::kAnswered;
-                if (isWhole && printer.facts.gaps.empty())
-                    SetGaps(printer.facts, device.answers.gaps);
-            }
+            const auto& addresses = found.identity.Of(MergeKey::kAddress);
+            printer.addresses.assign(addresses.begin(), addresses.end());
+            AddReadings(printer);
             if (!printer.facts.deviceIndex && printer.problem.empty()) {
                 ++others;
                 continue;
@@ -166,6 +156,29 @@ class PrinterFinder {
     std::vector<std::string> refusals;
 
   private:
+    const FleetDevice& DeviceAt(const std::string& address) const {
+        return fleet_.Devices()[devices_.at(address)];
+    }
+
+    // Of all its addresses. Where it was read whole tells; another one may have fallen silent.
+    void AddReadings(PrinterLine& printer) const {
+        const auto isWholeAt = [&](const std::string& address) {
+            const FleetDevice& device = DeviceAt(address);
+            return device.isRead && device.answers.lastStatus == Status::kAnswered;
+        };
+        const bool isWhole = AnyOf(printer.addresses, isWholeAt);
+        for (const std::string& address : printer.addresses) {
+            const PrinterAnswers& answers = DeviceAt(address).answers;
+            const auto known = answers.values.find(*ParseOidOrName(kPrinterObject));
+            if (printer.facts.model.empty() && known != answers.values.end())
+                printer.facts.model = DeviceText(known->second.bytes);
+            if (isWhole && !isWholeAt(address)) continue;
+            const std::string problem = ProblemOf(DeviceAt(address), printer.facts);
+            if (!problem.empty()) printer.problem = problem;
+            if (isWhole && printer.facts.gaps.empty()) SetGaps(printer.facts, answers.gaps);
+        }
+    }
+
     // Over SNMPv3 a device that refuses is not found, so one that was found by another login is
     // asked.
     void FindRefusals(const SweepWatch& watch) {
@@ -223,9 +236,9 @@ class PrinterFinder {
                 return reader.GetNext(job.login, job.address, oid);
             };
             FleetDevice result = ReadJob(job, asker);
-            const bool isKnown = result.answers.lastStatus != Status::kAnswered ||
-                                 FactsOf(result.answers).deviceIndex.has_value();
-            if (!job.isState || isKnown || ++next == logins.end()) return result;
+            if (!job.isState || result.answers.lastStatus != Status::kAnswered ||
+                FactsOf(result.answers).deviceIndex || ++next == logins.end())
+                return result;
             job.login = *next;
             job.answers = {};
         }

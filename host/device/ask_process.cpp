@@ -132,7 +132,7 @@ ReaderProcess::ReaderProcess(const std::vector<Login>& logins, HANDLE job) {
     if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, DETACHED_PROCESS,
                         nullptr, nullptr, &start, &started))
         return;
-    CloseHandle(started.hThread);
+    OwnedHandle(started.hThread);
     process_.Reset(started.hProcess);
     if (job) AssignProcessToJobObject(job, started.hProcess);
     input.read.Reset();  // if the process has ended, sending fails

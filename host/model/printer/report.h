@@ -1,5 +1,6 @@
 // What a program shows a person: sections of rows. They are made of the facts once, and each
-// program draws them in its own way. No program has labels or texts of its own.
+// program draws them in its own way. A program adds only what it alone can
+// offer, such as a key or a command.
 #pragma once
 
 #include <cstddef>

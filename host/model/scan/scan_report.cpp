@@ -11,9 +11,17 @@
 namespace vndiscover::host {
 namespace {
 
-void AddDevice(ReportSection& section, const char* label, const FoundDevice& device) {
-    section.Add(label, DeviceLine(device));
+std::string NameOf(const FoundDevice& device) {
+    return Joined({device.facts->name, DeviceLine(device)});
+}
+
+std::string StateOf(const FoundDevice& device) { return SummaryOf(*device.facts).state; }
+
+void AddDevice(ReportSection& section, const char* label, const FoundDevice& device,
+               const std::string& state = "") {
+    section.Add(label, NameOf(device));
     section.rows.back().repeatsLabel = true;
+    if (!state.empty()) section.Add("", "state: " + state);
 }
 
 AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
@@ -83,21 +91,18 @@ Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
 }
 
 std::vector<ChangeRow> ChangesOf(const Comparison& comparison) {
-    const auto named = [](const FoundDevice& device) {
-        return Joined({device.facts->name, DeviceLine(device)});
-    };
-    const auto state = [](const FoundDevice& device) { return SummaryOf(*device.facts).state; };
     std::vector<ChangeRow> rows;
     for (const DeviceChange& change : comparison.changed) {
         for (const FieldChange& field : change.fields)
-            rows.push_back({named(comparison.after[change.after]), field.field,
+            rows.push_back({NameOf(comparison.after[change.after]), field.field,
                             PlainText(field.before), PlainText(field.after)});
     }
     for (const size_t index : comparison.added)
-        rows.push_back({named(comparison.after[index]), "new", "", state(comparison.after[index])});
+        rows.push_back(
+            {NameOf(comparison.after[index]), "new", "", StateOf(comparison.after[index])});
     for (const size_t index : comparison.gone)
         rows.push_back(
-            {named(comparison.before[index]), "gone", state(comparison.before[index]), ""});
+            {NameOf(comparison.before[index]), "gone", StateOf(comparison.before[index]), ""});
     return rows;
 }
 
@@ -122,8 +127,10 @@ std::string CountsOf(const Comparison& comparison) {
 Report ReportOf(const Comparison& comparison) {
     ReportSection section;
     section.Add("compared", CountsOf(comparison));
-    for (const size_t index : comparison.added) AddDevice(section, "new", comparison.after[index]);
-    for (const size_t index : comparison.gone) AddDevice(section, "gone", comparison.before[index]);
+    for (const size_t index : comparison.added)
+        AddDevice(section, "new", comparison.after[index], StateOf(comparison.after[index]));
+    for (const size_t index : comparison.gone)
+        AddDevice(section, "gone", comparison.before[index], StateOf(comparison.before[index]));
     for (const DeviceChange& change : comparison.changed) {
         AddDevice(section, change.isPrinted ? "printed" : "changed",
                   comparison.after[change.after]);

@@ -138,7 +138,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          PostQuitMessage(0);
      }}};
 
-MainWindow::MainWindow(Engine& engine, StartOptions options) {
+MainWindow::MainWindow(StartOptions options) {
     state.options = std::move(options);
     // What a script gets of a state does not depend on the user's settings.
     SetTimeFormat(state.options.exit ? nullptr : SystemTime);
@@ -163,6 +163,9 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) {
     if (!state.window) throw std::runtime_error(ToUtf8(Text(IDS_NO_WINDOW)));
     menu.Release();  // the window owns it from now on
     Attach(state.window, this);
+}
+
+MainWindow::MainWindow(Engine& engine, StartOptions options) : MainWindow(std::move(options)) {
     panes.Create();
     panes.SetDpi(DpiOf(state.window));
     panes.RestoreSettings();

@@ -49,6 +49,8 @@ class MainWindow {
     void RestartTimer(unsigned minutes);  // which searches again; 0: never
 
   private:
+    // Without what is in the window, whose failure destroys it.
+    explicit MainWindow(StartOptions options);
     const Apartment apartment_;  // of the thread: dialogs of the shell need it
     struct Message;
     struct MessageRow;

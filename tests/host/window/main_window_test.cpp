@@ -98,6 +98,16 @@ TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
     SetTextChange(nullptr);
 }
 
+TEST_F(MainWindowTest, WindowThatCannotBeFilledIsGone) {
+    SetTextChange([](std::wstring text) -> std::wstring {
+        if (text == L"Devices") throw std::bad_alloc();
+        return text;
+    });
+    EXPECT_THROW(Open(), std::bad_alloc);
+    SetTextChange(nullptr);
+    EXPECT_FALSE(FindWindowW(L"VnBrowser", nullptr));
+}
+
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", Status());

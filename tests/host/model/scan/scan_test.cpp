@@ -335,6 +335,12 @@ TEST(ScanComparison, FindsWhatIsNewGoneAndChanged) {
         "address: 10.0.0.1 -> 10.0.0.9; name: hall -> lobby; firmware: VN 410, firmware 1.2 -> "
         "VN 410, firmware 1.3; page count: 5 -> 9; ",
         FieldsOf(found.changed[0]));
+    // Of which both programs show all.
+    const std::string text = ReportText(ReportOf(found), {SIZE_MAX});
+    for (const ChangeRow& row : ChangesOf(found)) {
+        for (const std::string& cell : {row.device, row.what, row.before, row.after})
+            EXPECT_THAT(text, HasSubstr(cell));
+    }
     EXPECT_TRUE(CompareDevices(MakeDevices(after.scan), MakeDevices(after.scan), true).IsEqual());
 }
 
