@@ -32,6 +32,27 @@ bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
     });
 }
 
+std::string ProtocolsText(const Scan& scan, const FoundDevice& device) {
+    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
+    std::set<SweepKind> kinds;
+    for (const size_t index : device.answers) {
+        const ScanSweep& sweep = scan.sweeps[scan.answers[index].sweep];
+        if (sweep.form != AnswerForm::kAdded) kinds.insert(sweep.kind);
+    }
+    return JoinedAs(kinds, [&](SweepKind kind) { return kNames[static_cast<size_t>(kind)]; });
+}
+
+std::string NetworkText(const AdapterList& ipv4, const std::string& address) {
+    const auto known = ParseIpAddress(address);
+    if (!known) return "";
+    if (!known->IsIPv4()) return "fe80::/64";
+    for (const AdapterAddress& adapter : ipv4.addresses) {
+        std::string network = CommonNetwork(*known, adapter.address, adapter.mask);
+        if (!network.empty()) return network;
+    }
+    return "";
+}
+
 DeviceRow RowOf(const RowContext& context, FoundDevice device, Standing standing) {
     DeviceRow row;
     static_cast<FoundDevice&>(row) = std::move(device);
@@ -39,42 +60,21 @@ DeviceRow RowOf(const RowContext& context, FoundDevice device, Standing standing
     row.standing = std::move(standing);
     if (row.standing.Holds()) row.severity = row.summary.severity;
     row.isNoPrinter = IsNoPrinter(row, row.standing);
-    const RowSource source = {context.scan,     row,         context.ipv4,
-                              AddressesOf(row), row.summary, row.standing};
-    for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(source);
-    if (!source.addresses.empty()) row.addressOrder = AddressOrder(source.addresses.front());
+    if (const auto addresses = AddressesOf(row); !addresses.empty()) {
+        row.addresses = Joined(addresses);
+        row.addressOrder = AddressOrder(addresses.front());
+        row.network = NetworkText(context.ipv4, addresses.front());
+    }
+    row.protocols = ProtocolsText(context.scan, row);
+    for (const ColumnInfo& info : kColumns) row.Text(info.column) = info.text(row);
     return row;
 }
 
 }  // namespace
 
-std::string AddressCell(const RowSource& source) { return Joined(source.addresses); }
-
-std::string IdentityCell(const RowSource& source, MergeKey key) {
-    return JoinedAs(source.device.identity.Of(key),
+std::string IdentityText(const DeviceRow& row, MergeKey key) {
+    return JoinedAs(row.identity.Of(key),
                     [](const std::string& value) { return PlainText(value); });
-}
-
-std::string ProtocolCell(const RowSource& source) {
-    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
-    std::set<SweepKind> kinds;
-    for (const size_t index : source.device.answers) {
-        const ScanSweep& sweep = source.scan.sweeps[source.scan.answers[index].sweep];
-        if (sweep.form != AnswerForm::kAdded) kinds.insert(sweep.kind);
-    }
-    return JoinedAs(kinds, [&](SweepKind kind) { return kNames[static_cast<size_t>(kind)]; });
-}
-
-std::string NetworkCell(const RowSource& source) {
-    const auto known =
-        source.addresses.empty() ? std::nullopt : ParseIpAddress(source.addresses.front());
-    if (!known) return "";
-    if (!known->IsIPv4()) return "fe80::/64";
-    for (const AdapterAddress& adapter : source.ipv4.addresses) {
-        std::string network = CommonNetwork(*known, adapter.address, adapter.mask);
-        if (!network.empty()) return network;
-    }
-    return "";
 }
 
 std::vector<DeviceRow> MakeRows(const RowContext& context, std::vector<FoundDevice> devices,

@@ -2,7 +2,6 @@
 // independent of any window; the table may be a list on the screen, a file or the clipboard.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -11,22 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "model/computer/computer.h"
 #include "model/scan/columns.h"
 
 namespace vndiscover::host {
-
-// A device, and how it is shown. All text is plain; empty: unknown.
-struct DeviceRow : FoundDevice {
-    std::array<std::string, kColumnCount> texts;
-    std::string addressOrder;  // see AddressOrder
-    PrinterSummary summary;
-    Standing standing;
-    Severity severity = Severity::kUnknown;  // the summary's, if that holds
-    bool isNoPrinter = false;                // as far as was read
-
-    const std::string& Text(Column column) const { return texts[static_cast<size_t>(column)]; }
-    std::string& Text(Column column) { return texts[static_cast<size_t>(column)]; }
-};
 
 // What rows are made of, besides the devices.
 struct RowContext {
