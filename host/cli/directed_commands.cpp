@@ -3,7 +3,6 @@
 #include <cjson/cJSON.h>
 
 #include "cli/commands.h"
-#include "cli/variable_writer.h"
 #include "model/asking/walk.h"
 #include "model/scan/scan.h"
 #include "platform/this_computer.h"

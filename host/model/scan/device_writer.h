@@ -59,6 +59,23 @@ class DeviceWriter {
     JsonArray array_;
 };
 
+// The output of directed requests: one line or JSON element for each variable, as it arrives.
+class VariableWriter {
+  public:
+    // withNames: whether to show OIDs, enumerations and bits as words, and hardware addresses.
+    explicit VariableWriter(bool isJson, bool withNames = false)
+        : isJson_(isJson), withNames_(withNames) {}
+    // The text to print now; lines end in LF. As text, only kAnswered gives a line.
+    std::string Row(const Answer& answer);
+    // Must be called once, at the end.
+    std::string End() { return isJson_ ? array_.Finish() : ""; }
+
+  private:
+    bool isJson_;
+    bool withNames_;
+    JsonArray array_;
+};
+
 // A line of a CSV document: UTF-8, with CR LF. See CsvCell.
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator);
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";  // before the first line

@@ -1,10 +1,11 @@
-// Rows of a sweep, and the JSON request for it. Rows must suit a terminal, a CSV reader and a JSON
-// parser, whatever devices answer.
+// Rows of a sweep, and the JSON request for it; variables as commands print them. Rows must suit a
+// terminal, a CSV reader and a JSON parser, whatever devices answer.
 #include "model/scan/device_writer.h"
 
 #include <gtest/gtest.h>
 
 #include "model/asking/json_request.h"
+#include "values/module_types.h"
 
 namespace vndiscover::host {
 namespace {
@@ -116,6 +117,49 @@ TEST(JsonRequests, AreCompactedAndLimited) {
     EXPECT_TRUE(PrepareRequest(sized(2047), problem));
     EXPECT_FALSE(PrepareRequest(sized(2048), problem));
     EXPECT_NE(std::string::npos, problem.find("2048 bytes"));
+}
+
+TEST(VariableRows, AreLinesOrJsonElements) {
+    VariableWriter text(false);
+    EXPECT_EQ(".1.3.6 = INTEGER: 5\n", text.Row(AnsweredWith({1, 3, 6}, kInteger, "\x05")));
+    EXPECT_EQ(".1.3.6 = OCTET STRING: \"\"\n", text.Row(AnsweredWith({1, 3, 6}, kOctetString, "")));
+    EXPECT_EQ(".1.3.6 = no value\n", text.Row(AnsweredWith({1, 3, 6}, kNull, "")));
+    EXPECT_EQ("", text.Row(Answer()));
+    const std::string cut(128, 'x');
+    EXPECT_EQ(".1.3.6 = OCTET STRING: " + cut + " [the first 128 of 175 bytes]\n",
+              text.Row(AnsweredWith({1, 3, 6}, kOctetString, "\xAF" + cut)));
+    VariableWriter names(false, true);
+    const Oid status = {1, 3, 6, 1, 2, 1, 25, 3, 5, 1, 1, 1};
+    EXPECT_EQ("hrPrinterStatus.1 = INTEGER: idle(3)\n",
+              names.Row(AnsweredWith(status, kInteger, "\x03")));
+    EXPECT_EQ(
+        "[\n  {\"oid\":\".1.3.6.1.2.1.25.3.5.1.1.1\",\"name\":\"hrPrinterStatus.1\","
+        "\"type\":\"INTEGER\",\"value\":3,\"text\":\"idle(3)\"}",
+        VariableWriter(true, true).Row(AnsweredWith(status, kInteger, "\x03")));
+    const Oid errors = {1, 3, 6, 1, 2, 1, 25, 3, 5, 1, 2, 1};
+    EXPECT_EQ(
+        "[\n  {\"oid\":\".1.3.6.1.2.1.25.3.5.1.2.1\",\"type\":\"OCTET STRING\","
+        "\"value\":\"40\",\"encoding\":\"hex\",\"text\":\"noPaper\"}",
+        VariableWriter(true).Row(AnsweredWith(errors, kOctetString, "@")));
+    VariableWriter json(true);
+    std::string document;
+    for (const Answer& answer :
+         {AnsweredWith({1, 3, 6}, kCounter64, "\x7F\xFF\xFF\xFF\xFF\xFF\xFF\xFF"),
+          AnsweredWith({1, 3, 7}, kOctetString, "a\"\x7F"),
+          AnsweredWith({1, 3, 8}, kOctetString, "a\"\nb"),
+          AnsweredWith({1, 3, 9}, kNoSuchInstance, ""), Answer()}) {
+        document += json.Row(answer);
+    }
+    EXPECT_EQ(R"([
+  {"oid":".1.3.6","type":"Counter64","value":9223372036854775807},
+  {"oid":".1.3.7","type":"OCTET STRING","value":"61 22 7F","encoding":"hex"},
+  {"oid":".1.3.8","type":"OCTET STRING","value":"a\"\nb"},
+  {"oid":".1.3.9","type":"noSuchInstance","value":null},
+  {"oid":"","error":"no answer"}
+]
+)",
+              document + json.End());
+    EXPECT_EQ("[]\n", VariableWriter(true).End());
 }
 
 }  // namespace
