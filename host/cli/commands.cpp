@@ -115,10 +115,10 @@ Secret FetchPassword(const std::string& given, const char* option, std::wstring 
 
 // Empty without a protocol.
 std::wstring Label(const char* option, const std::string& given, const char* known,
-                   std::optional<std::string> (*labelOf)(std::string_view)) {
-    const std::optional<std::string> label = given.empty() ? std::string() : labelOf(given);
+                   const std::vector<Protocol>& protocols) {
+    const auto label = given.empty() ? L"" : LabelOf(protocols, given);
     if (!label) throw CLI::ValidationError(option, "'" + given + "' is not one of " + known);
-    return ToWide(*label);
+    return *label;
 }
 
 }  // namespace
@@ -170,20 +170,19 @@ std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t
     if (options.user.size() > VN_USER_NAME_MAX)
         throw CLI::ValidationError("-u", "127 bytes at most");
     security.user = ToWide(options.user);
-    security.useAuth = !options.authProtocol.empty();
-    security.usePriv = !options.privProtocol.empty();
-    if (!security.useAuth && (security.usePriv || !options.authPassword.empty()))
+    if (options.authProtocol.empty() &&
+        (!options.privProtocol.empty() || !options.authPassword.empty()))
         throw CLI::ValidationError("-a", "privacy and passwords need an authentication protocol");
-    if (!security.usePriv && !options.privPassword.empty())
+    if (options.privProtocol.empty() && !options.privPassword.empty())
         throw CLI::ValidationError("-x", "-X needs a privacy protocol");
     // Both labels are checked before a password is prompted for.
-    security.authLabel = Label("-a", options.authProtocol, kAuthProtocols, AuthLabel);
-    security.privLabel = Label("-x", options.privProtocol, kPrivProtocols, PrivLabel);
+    security.authLabel = Label("-a", options.authProtocol, kAuthProtocols, kAuth);
+    security.privLabel = Label("-x", options.privProtocol, kPrivProtocols, kPriv);
     const std::string whose = number == 1 ? ": " : " of '" + options.user + "': ";
-    if (security.useAuth)
+    if (security.UseAuth())
         security.authPassword = FetchPassword(options.authPassword, "-A", L"VNDISCOVER_AUTH_PASS",
                                               number, "Authentication password" + whose);
-    if (security.usePriv)
+    if (security.UsePriv())
         security.privPassword = FetchPassword(options.privPassword, "-X", L"VNDISCOVER_PRIV_PASS",
                                               number, "Privacy password" + whose);
     return std::make_shared<const Security>(std::move(security));

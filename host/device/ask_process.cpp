@@ -67,8 +67,6 @@ Login ReceiveLogin(HANDLE pipe) {
         *text = Receive<std::wstring>(pipe);
     for (Secret* secret : {&user->authPassword, &user->privPassword})
         *secret = Secret(Receive<std::wstring>(pipe));
-    user->useAuth = !user->authLabel.empty();
-    user->usePriv = !user->privLabel.empty();
     if (isV3) login.security = std::move(user);
     return login;
 }

@@ -50,8 +50,8 @@ Answer FromRecord(const VnResponseRecord& record, const Oid& asked) {
 // The last arguments of these exports are the user's.
 template <class Export, class... Arguments>
 auto CallV3(const Security& user, Export call, Arguments... arguments) {
-    return call(arguments..., user.user.c_str(), user.useAuth, user.authPassword.Get(),
-                user.usePriv, user.privPassword.Get(), user.authLabel.c_str(),
+    return call(arguments..., user.user.c_str(), user.UseAuth(), user.authPassword.Get(),
+                user.UsePriv(), user.privPassword.Get(), user.authLabel.c_str(),
                 user.privLabel.c_str());
 }
 

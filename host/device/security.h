@@ -28,17 +28,21 @@ class Secret {
 };
 
 struct Security {
-    std::wstring user, authLabel, privLabel;  // labels: see below
+    std::wstring user, authLabel, privLabel;  // of protocols; empty: none
     Secret authPassword, privPassword;
-    bool useAuth = false;
-    bool usePriv = false;
+    bool UseAuth() const { return !authLabel.empty(); }
+    bool UsePriv() const { return !privLabel.empty(); }
 };
 
-// The module's label of a protocol: "sha256", "SHA-256" give "SHA-2(256)". Empty if there is none:
-// the module would take an unknown label for "no authentication".
-std::optional<std::string> AuthLabel(std::string_view text);
-// "des", "aes", "aes128", "AES-128" ...
-std::optional<std::string> PrivLabel(std::string_view text);
+struct Protocol {
+    const wchar_t *label, *name;  // the module's, and one for a person
+    const char* spellings;        // folded, with spaces between them
+};
+extern const std::vector<Protocol> kAuth, kPriv;
+
+// "sha256", "SHA-256" give "SHA-2(256)". Empty if there is none: the module would take an unknown
+// label for "no authentication".
+std::optional<std::wstring> LabelOf(const std::vector<Protocol>& protocols, std::string_view text);
 
 constexpr char kAuthProtocols[] = "MD5, SHA1, SHA224, SHA256, SHA384, SHA512";
 constexpr char kPrivProtocols[] = "DES, AES";

@@ -35,7 +35,6 @@ Security User() {
     user.user = L"admin";
     user.authLabel = L"SHA-2(256)";
     user.privLabel = L"AES";
-    user.useAuth = user.usePriv = true;
     user.authPassword = Secret(Environment(L"VNDISCOVER_AUTH_PASS"));
     user.privPassword = Secret(Environment(L"VNDISCOVER_PRIV_PASS"));
     return user;

@@ -21,14 +21,6 @@
 namespace vndiscover::host {
 namespace {
 
-struct Protocol {
-    const wchar_t *label, *name;
-};
-const std::vector<Protocol> kAuth = {{VN_AUTH_MD5, L"MD5"},        {VN_AUTH_SHA1, L"SHA-1"},
-                                     {VN_AUTH_SHA224, L"SHA-224"}, {VN_AUTH_SHA256, L"SHA-256"},
-                                     {VN_AUTH_SHA384, L"SHA-384"}, {VN_AUTH_SHA512, L"SHA-512"}};
-const std::vector<Protocol> kPriv = {{VN_PRIV_DES, L"DES"}, {VN_PRIV_AES, L"AES"}};
-
 constexpr WPARAM kMaxCommunities = 2000;
 
 bool IsSame(const std::wstring& one, const std::wstring& other) {
@@ -151,8 +143,8 @@ class SnmpDialog : public Dialog {
         Fill(IDC_AUTH, kAuth, user.authLabel);
         Fill(IDC_PRIV, kPriv, user.privLabel);
         const std::wstring hint = Text(IDS_SNMP_KNOWN);
-        for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.useAuth),
-                                          std::pair(IDC_PRIV_PASSWORD, user.usePriv)}) {
+        for (const auto& [id, isKnown] : {std::pair(IDC_AUTH_PASSWORD, user.UseAuth()),
+                                          std::pair(IDC_PRIV_PASSWORD, user.UsePriv())}) {
             SetField(id, L"");
             Send(id, EM_SETCUEBANNER, TRUE, hasPasswords && isKnown ? hint.c_str() : L"");
         }
@@ -191,27 +183,25 @@ class SnmpDialog : public Dialog {
         auto user = std::make_shared<Security>();
         user->user = FieldText(IDC_USER);
         user->authLabel = Chosen(IDC_AUTH, kAuth);
-        user->useAuth = !user->authLabel.empty();
-        if (user->useAuth) user->privLabel = Chosen(IDC_PRIV, kPriv);
-        user->usePriv = !user->privLabel.empty();
+        if (user->UseAuth()) user->privLabel = Chosen(IDC_PRIV, kPriv);
         // A known password is only valid for its user.
         const Security none;
         const Security& known = known_ && known_->user == user->user ? *known_ : none;
-        if (user->useAuth) user->authPassword = PasswordOf(IDC_AUTH_PASSWORD, known.authPassword);
-        if (user->usePriv) user->privPassword = PasswordOf(IDC_PRIV_PASSWORD, known.privPassword);
+        if (user->UseAuth()) user->authPassword = PasswordOf(IDC_AUTH_PASSWORD, known.authPassword);
+        if (user->UsePriv()) user->privPassword = PasswordOf(IDC_PRIV_PASSWORD, known.privPassword);
         return user;
     }
 
     // The field with a mistake, and the string that says what to do; 0: there is none.
     static std::pair<int, unsigned> FindMistake(const std::wstring& profile, const Security& user) {
         if (!profile.empty() && !IsProfileName(profile)) return {IDC_PROFILE, IDS_PROFILE_BAD_NAME};
-        const bool needsUser = !profile.empty() || user.useAuth;
+        const bool needsUser = !profile.empty() || user.UseAuth();
         if ((needsUser && user.user.empty()) || ToUtf8(user.user).size() > VN_USER_NAME_MAX)
             return {IDC_USER, IDS_SNMP_BAD_USER};
         // Without a password, the module would send unprotected requests.
-        if (user.useAuth && user.authPassword.IsEmpty())
+        if (user.UseAuth() && user.authPassword.IsEmpty())
             return {IDC_AUTH_PASSWORD, IDS_SNMP_NO_AUTH};
-        if (user.usePriv && user.privPassword.IsEmpty())
+        if (user.UsePriv() && user.privPassword.IsEmpty())
             return {IDC_PRIV_PASSWORD, IDS_SNMP_NO_PRIV};
         return {0, 0};
     }

@@ -214,13 +214,11 @@ std::optional<Profile> ReadProfile(const std::wstring& name) {
         if (!taken) return std::nullopt;
         *text = taken;
     }
-    security.useAuth = !security.authLabel.empty();
-    security.usePriv = !security.privLabel.empty();
-    if (security.user.empty() || (security.usePriv && !security.useAuth)) return std::nullopt;
+    if (security.user.empty() || (security.UsePriv() && !security.UseAuth())) return std::nullopt;
     profile.isOpen = Open(bytes->data() + at, bytes->size() - at, ClearPart(security),
                           {&security.authPassword, &security.privPassword}) &&
-                     security.useAuth == !security.authPassword.IsEmpty() &&
-                     security.usePriv == !security.privPassword.IsEmpty();
+                     security.UseAuth() == !security.authPassword.IsEmpty() &&
+                     security.UsePriv() == !security.privPassword.IsEmpty();
     return profile;
 }
 

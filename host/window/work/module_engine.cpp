@@ -156,9 +156,9 @@ void AddLogin(Call& call, const Login& login) {
         return secret("readCommunity", !login.community.empty(), "VNDISCOVER_COMMUNITY");
     const Security& user = *login.security;
     arguments.push_back({"userName", ToUtf8(user.user)});
-    arguments.push_back({"useAuth", user.useAuth ? "1" : "0"});
+    arguments.push_back({"useAuth", user.UseAuth() ? "1" : "0"});
     secret("authPassword", !user.authPassword.IsEmpty(), "VNDISCOVER_AUTH_PASS");
-    arguments.push_back({"usePriv", user.usePriv ? "1" : "0"});
+    arguments.push_back({"usePriv", user.UsePriv() ? "1" : "0"});
     secret("privPassword", !user.privPassword.IsEmpty(), "VNDISCOVER_PRIV_PASS");
     arguments.push_back({"authProtocol", ToUtf8(user.authLabel)});
     arguments.push_back({"privProtocol", ToUtf8(user.privLabel)});

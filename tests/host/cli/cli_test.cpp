@@ -34,20 +34,20 @@ namespace {
 
 // The module would take any other text for "none" and send unprotected requests.
 TEST(SecurityLabels, AcceptCommonSpellingsOnly) {
-    using Label = std::optional<std::string>;
-    const std::tuple<Label (*)(std::string_view), Label, std::vector<const char*>> rows[] = {
-        {AuthLabel, "MD5", {"MD5", "md5"}},
-        {AuthLabel, "SHA1", {"SHA", "sha-1", "SHA1", "HMAC-SHA-1"}},
-        {AuthLabel, "SHA-2(224)", {"SHA-224"}},
-        {AuthLabel, "SHA-2(256)", {"sha2-256", "SHA256"}},
-        {AuthLabel, "SHA-2(384)", {"SHA-2(384)"}},
-        {AuthLabel, "SHA-2(512)", {"sha_512"}},
-        {AuthLabel, {}, {"", "none", "SHA3", "SHA-2", "MD4", "sha25"}},
-        {PrivLabel, "AES", {"aes", "AES-128", "aes128"}},
-        {PrivLabel, "DES", {"DES", "des", "DES-CBC"}},
-        {PrivLabel, {}, {"", "AES-192", "AES256", "3DES", "SHA1"}}};
-    for (const auto& [read, label, texts] : rows) {
-        for (const char* text : texts) EXPECT_EQ(label, read(text)) << text;
+    using Label = std::optional<std::wstring>;
+    const std::tuple<const std::vector<Protocol>&, Label, std::vector<const char*>> rows[] = {
+        {kAuth, L"MD5", {"MD5", "md5"}},
+        {kAuth, L"SHA1", {"SHA", "sha-1", "SHA1", "HMAC-SHA-1"}},
+        {kAuth, L"SHA-2(224)", {"SHA-224"}},
+        {kAuth, L"SHA-2(256)", {"sha2-256", "SHA256"}},
+        {kAuth, L"SHA-2(384)", {"SHA-2(384)"}},
+        {kAuth, L"SHA-2(512)", {"sha_512"}},
+        {kAuth, {}, {"", "none", "SHA3", "SHA-2", "MD4", "sha25"}},
+        {kPriv, L"AES", {"aes", "AES-128", "aes128"}},
+        {kPriv, L"DES", {"DES", "des", "DES-CBC"}},
+        {kPriv, {}, {"", "AES-192", "AES256", "3DES", "SHA1"}}};
+    for (const auto& [protocols, label, texts] : rows) {
+        for (const char* text : texts) EXPECT_EQ(label, LabelOf(protocols, text)) << text;
     }
 }
 

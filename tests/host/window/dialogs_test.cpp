@@ -176,7 +176,7 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
         expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PRIV);
         choose(IDC_AUTH, 0);  // its password, and privacy, have no meaning then
     });
-    EXPECT_FALSE(window_->state.credentials.security->usePriv);
+    EXPECT_FALSE(window_->state.credentials.security->UsePriv());
 }
 
 LONG FontHeight(HWND control) {

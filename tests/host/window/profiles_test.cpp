@@ -37,7 +37,6 @@ Security Admin() {
     security.user = L"admin";
     security.authLabel = L"SHA-2(256)";
     security.privLabel = L"AES";
-    security.useAuth = security.usePriv = true;
     security.authPassword = Secret(L"authpass1");
     security.privPassword = Secret(L"privpass1");
     return security;
