@@ -95,25 +95,25 @@ AskTarget TargetOf(const std::string& host) {
 
 void Read(const std::string& host) {
     AskTarget target = TargetOf(host);
-    ModuleEngine engine;
-    const PrinterFacts facts = FactsOf(engine.Read(target, nullptr));
+    const auto engine = MakeModuleEngine();
+    const PrinterFacts facts = FactsOf(engine->Read(target, nullptr));
     for (const Interface& one : facts.interfaces) std::printf("%s\n", one.description.c_str());
     std::string calls;
-    engine.SetOnCall([&](const Call& call) { calls += std::to_string(call.walk) + call.name; });
+    engine->SetOnCall([&](const Call& call) { calls += std::to_string(call.walk) + call.name; });
     const auto print = [](const Answer& one) {
         const std::string value = FormatNamedValue(one.oid, one.type, one.bytes);
         return std::printf("%s = %s\n", OidToText(one.oid).c_str(), value.c_str()) > 0;
     };
-    engine.Walk(target, *ParseOidOrName("ifDescr"), nullptr, print);
+    engine->Walk(target, *ParseOidOrName("ifDescr"), nullptr, print);
     std::printf("%s\n", calls.c_str());
 }
 
 void Diagnose(const std::string& host) {
     const AskTarget target = TargetOf(host);
-    ModuleEngine engine;
+    const auto engine = MakeModuleEngine();
     std::string calls;
-    engine.SetOnCall([&](const Call& call) { calls += call.name + "\n"; });
-    const HostDiagnosis diagnosis = engine.Diagnose(target, [] { return true; });
+    engine->SetOnCall([&](const Call& call) { calls += call.name + "\n"; });
+    const HostDiagnosis diagnosis = engine->Diagnose(target, [] { return true; });
     for (const StepResult& step :
          {diagnosis.ping, diagnosis.v1, diagnosis.discovery, diagnosis.user})
         std::printf("%s\n", StepText(step).c_str());

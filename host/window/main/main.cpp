@@ -125,8 +125,8 @@ int Run() {
         return kNone;
     }
     try {
-        ModuleEngine engine;
-        MainWindow window(engine, options);
+        const auto engine = MakeModuleEngine();
+        MainWindow window(*engine, options);
         return window.Run();
     } catch (...) {
         ShowException(nullptr, isScript);

@@ -1,4 +1,4 @@
-// The window's access to the network: ModuleEngine by VnDiscover.dll, in tests by a script.
+// The window's access to the network: by VnDiscover.dll, in tests by a script.
 #pragma once
 
 #include <functional>

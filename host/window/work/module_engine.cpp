@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "device/device.h"
+#include "device/fleet_readers.h"
 #include "platform/result_window.h"
 #include "platform/this_computer.h"
 #include "platform/wide_text.h"
@@ -14,7 +15,6 @@
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {
-
 namespace {
 
 Device DeviceOf(const AskTarget& target) { return {target.login, target.address}; }
@@ -32,119 +32,125 @@ class Stopwatch {
     ULONGLONG startMs_ = GetTickCount64();
 };
 
-}  // namespace
-
-bool ModuleEngine::Sweep(const SweepStep& step, const OnAnswer& onAnswer) {
-    const bool isWsd = step.kind == SweepKind::kWsd;
-    // Created on the sweeping thread, so that the module calls it directly.
-    size_t answers = 0;
-    const ResultWindow window([&](const char* address, const char* value) {
-        ++answers;
-        // A reply that fills its buffer has no terminating zero.
-        onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
-    });
-    const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
-    const Stopwatch watch;
-    if (isWsd) {
-        DiscoverSoap(window.Handle(), ResultWindow::kMessage, kWsdSilenceMs, probe.data(),
-                     static_cast<int32_t>(probe.size()));
-    } else {
-        RunSweep(window.Handle(), ResultWindow::kMessage,
-                 SweepFor(step.login, step.oid, step.useIPv6));
-    }
-    Call call = watch.Timed(CallOf(step, probe));
-    call.result = "0";  // always
-    call.answers = answers;
-    // A Probe also leaves by the loopback, which takes as long.
-    const bool wasSent =
-        call.milliseconds >= kLeastSweepMs && (!isWsd || answers > 0 || IsOnANetwork());
-    ReportCall(std::move(call));
-    window.Rethrow();
-    return wasSent;
-}
-
-void ModuleEngine::StopSweeps() {
-    StopDiscoverSnmp();
-    StopDiscoverSoap();
-}
-
-Asker ModuleEngine::Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
-                             unsigned walk) const {
-    asker.mayGoOn = std::move(mayGoOn);
-    asker.getNext = [this, &target, walk, ask = std::move(asker.getNext)](const Oid& oid) {
+class ModuleEngine : public Engine {
+  public:
+    bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
+        const bool isWsd = step.kind == SweepKind::kWsd;
+        // Created on the sweeping thread, so that the module calls it directly.
+        size_t answers = 0;
+        const ResultWindow window([&](const char* address, const char* value) {
+            ++answers;
+            // A reply that fills its buffer has no terminating zero.
+            onAnswer(address, {value, isWsd ? strnlen(value, VN_SOAP_REPLY_SIZE) : strlen(value)});
+        });
+        const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
         const Stopwatch watch;
-        Answer answer = ask(oid);
-        Call call = watch.Timed(CallOf(target, oid));
-        call.result = answer.status == Status::kAnswered
-                          ? NameText(answer.oid) + " = " +
-                                FormatNamedValue(answer.oid, answer.type, answer.bytes)
-                          : Problem(answer);
-        if (answer.status == Status::kAnswered) call.walk = walk;  // a failure is shown by itself
+        if (isWsd) {
+            DiscoverSoap(window.Handle(), ResultWindow::kMessage, kWsdSilenceMs, probe.data(),
+                         static_cast<int32_t>(probe.size()));
+        } else {
+            RunSweep(window.Handle(), ResultWindow::kMessage,
+                     SweepFor(step.login, step.oid, step.useIPv6));
+        }
+        Call call = watch.Timed(CallOf(step, probe));
+        call.result = "0";  // always
+        call.answers = answers;
+        // A Probe also leaves by the loopback, which takes as long.
+        const bool wasSent =
+            call.milliseconds >= kLeastSweepMs && (!isWsd || answers > 0 || IsOnANetwork());
         ReportCall(std::move(call));
-        answer.time = UtcNow();
-        return answer;
-    };
-    return asker;
-}
+        window.Rethrow();
+        return wasSent;
+    }
 
-PrinterAnswers ModuleEngine::Read(const AskTarget& target, std::function<bool()> mayGoOn) {
-    const Device device = DeviceOf(target);
-    const Asker asker = Reported(AskerOf(device), target, std::move(mayGoOn), 0);
-    return ReadPrinter(asker, true);
-}
+    void StopSweeps() override {
+        StopDiscoverSnmp();
+        StopDiscoverSoap();
+    }
 
-FleetDevice ModuleEngine::ReadForList(const AskTarget& target, const FleetDevice& job,
-                                      Reader* reader, std::function<bool()> mayGoOn) {
-    const Device device = DeviceOf(target);
-    Asker asker = AskerOf(device);
-    if (reader) {
-        asker.getNext = [&](const Oid& oid) {
-            return reader->GetNext(job.login, target.address, oid);
+    PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) override {
+        const Device device = DeviceOf(target);
+        const Asker asker = Reported(AskerOf(device), target, std::move(mayGoOn), 0);
+        return ReadPrinter(asker, true);
+    }
+
+    FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
+                            std::function<bool()> mayGoOn) override {
+        const Device device = DeviceOf(target);
+        Asker asker = AskerOf(device);
+        if (reader) {
+            asker.getNext = [&](const Oid& oid) {
+                return reader->GetNext(job.login, target.address, oid);
+            };
+        }
+        return ReadJob(job, Reported(std::move(asker), target, std::move(mayGoOn), 0));
+    }
+
+    size_t MaxReaders() const override { return kMaxReaders; }
+    std::unique_ptr<Reader> MakeReader(const std::vector<Login>& logins) override {
+        return std::make_unique<ReaderProcess>(logins, job_.Get());
+    }
+
+    WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
+                 const OnVariable& onVariable) override {
+        const Device device = DeviceOf(target);
+        return WalkSubtree(Reported(AskerOf(device), target, std::move(mayGoOn), ++walks_), root,
+                           onVariable);
+    }
+
+    HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) override {
+        AskTarget v1 = target, v3 = target;
+        v1.login.security = nullptr;
+        // An empty user name reaches the SNMPv3 engine.
+        if (!v3.login.security) v3.login.security = std::make_shared<const Security>();
+        const Device v1Device = DeviceOf(v1), v3Device = DeviceOf(v3);
+        DiagnosisSteps steps;
+        steps.ping = [&] {
+            const Stopwatch watch;
+            const bool hasAnswered = VxPing(ToAnsi(target.address).c_str(), kPingTimeoutMs) != 0;
+            Call call = watch.Timed(PingOf(target.address));
+            call.result = hasAnswered ? "1" : "0";
+            ReportCall(std::move(call));
+            return hasAnswered;
         };
+        steps.v1 = Reported(AskerOf(v1Device), v1, nullptr, 0);
+        steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
+        steps.hasUser = target.login.security != nullptr;
+        steps.community = CommunityOf(target.login);
+        steps.address = target.address;
+        steps.hasRoute = HasRoute(target.address);
+        steps.mayGoOn = std::move(mayGoOn);
+        return host::Diagnose(steps);
     }
-    return ReadJob(job, Reported(std::move(asker), target, std::move(mayGoOn), 0));
-}
 
-std::unique_ptr<Reader> ModuleEngine::MakeReader(const std::vector<Login>& logins) {
-    return std::make_unique<ReaderProcess>(logins, job_.Get());
-}
+    AdapterList IPv4() override { return IPv4Adapters(); }
+    ComputerReport Report() override { return ReportOn(ThisComputer()); }
 
-WalkEnd ModuleEngine::Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
-                           const OnVariable& onVariable) {
-    const Device device = DeviceOf(target);
-    return WalkSubtree(Reported(AskerOf(device), target, std::move(mayGoOn), ++walks_), root,
-                       onVariable);
-}
+  private:
+    // The target, and what `asker` uses, must outlive the returned one, which reports each call.
+    Asker Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
+                   unsigned walk) const {
+        asker.mayGoOn = std::move(mayGoOn);
+        asker.getNext = [this, &target, walk, ask = std::move(asker.getNext)](const Oid& oid) {
+            const Stopwatch watch;
+            Answer answer = ask(oid);
+            Call call = watch.Timed(CallOf(target, oid));
+            call.result = answer.status == Status::kAnswered
+                              ? NameText(answer.oid) + " = " +
+                                    FormatNamedValue(answer.oid, answer.type, answer.bytes)
+                              : Problem(answer);
+            if (answer.status == Status::kAnswered)
+                call.walk = walk;  // a failure is shown by itself
+            ReportCall(std::move(call));
+            answer.time = UtcNow();
+            return answer;
+        };
+        return asker;
+    }
 
-HostDiagnosis ModuleEngine::Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) {
-    AskTarget v1 = target, v3 = target;
-    v1.login.security = nullptr;
-    // An empty user name reaches the SNMPv3 engine.
-    if (!v3.login.security) v3.login.security = std::make_shared<const Security>();
-    const Device v1Device = DeviceOf(v1), v3Device = DeviceOf(v3);
-    DiagnosisSteps steps;
-    steps.ping = [&] {
-        const Stopwatch watch;
-        const bool hasAnswered = VxPing(ToAnsi(target.address).c_str(), kPingTimeoutMs) != 0;
-        Call call = watch.Timed(PingOf(target.address));
-        call.result = hasAnswered ? "1" : "0";
-        ReportCall(std::move(call));
-        return hasAnswered;
-    };
-    steps.v1 = Reported(AskerOf(v1Device), v1, nullptr, 0);
-    steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
-    steps.hasUser = target.login.security != nullptr;
-    steps.community = CommunityOf(target.login);
-    steps.address = target.address;
-    steps.hasRoute = HasRoute(target.address);
-    steps.mayGoOn = std::move(mayGoOn);
-    return host::Diagnose(steps);
-}
-
-AdapterList ModuleEngine::IPv4() { return IPv4Adapters(); }
-ComputerReport ModuleEngine::Report() { return ReportOn(ThisComputer()); }
-
-namespace {
+    unsigned walks_ = 0;
+    const OwnedHandle job_ = EndingJob();  // of the readers
+};
 
 // The module's default community is public, any other one is a secret.
 void AddLogin(Call& call, const Login& login) {
@@ -165,6 +171,8 @@ void AddLogin(Call& call, const Login& login) {
 }
 
 }  // namespace
+
+std::unique_ptr<Engine> MakeModuleEngine() { return std::make_unique<ModuleEngine>(); }
 
 Call CallOf(const SweepStep& step, const std::string& probe) {
     Call call;
