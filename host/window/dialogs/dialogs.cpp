@@ -136,6 +136,7 @@ std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wPara
         const LRESULT font = SendMessageW(dialog, WM_GETFONT, 0, 0);
         GetObjectW(reinterpret_cast<HFONT>(font), sizeof face_, &face_);
         ChangeTexts(dialog);
+        OnFonts();
         Begin();
         CentreOnOwner(dialog);
         return TRUE;
@@ -245,6 +246,8 @@ void ListDialog::OnControl(int id, int code) {
     if (id == IDCANCEL) {
         Close();
     } else if (code == BN_CLICKED) {
+        if (id == IDC_COPY_ROW) list_.Copy(IDM_COPY_ROW);
+        if (id == IDC_COPY_TABLE) list_.Copy(IDM_COPY_TABLE);
         OnCommand(id);
     }
 }
@@ -285,6 +288,13 @@ void ListDialog::Begin() {
 void ListDialog::Refresh() {
     list_.Refresh();
     OnSelected();
+}
+
+// A dialog may lack these buttons.
+void ListDialog::OnSelected() {
+    SetItem(IDC_CHOSEN, list_.SelectedText());
+    EnableWindow(Item(IDC_COPY_ROW), list_.Selected() >= 0);
+    EnableWindow(Item(IDC_COPY_TABLE), Count() != 0);
 }
 
 void ShowProblem(HWND owner, const std::wstring& problem, bool isScript) {

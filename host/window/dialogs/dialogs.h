@@ -99,7 +99,7 @@ class ListDialog : public Dialog, protected ListModel {
     void Begin() override;
     // Shows what the model has now.
     void Refresh();
-    void OnSelected() override { SetItem(IDC_CHOSEN, list_.SelectedText()); }
+    void OnSelected() override;
 
     virtual void OnCommand(int id) = 0;  // of a button
     virtual void OnClosed() {}

@@ -71,7 +71,6 @@ class SnmpDialog : public Dialog {
     }
 
     void Begin() override {
-        OnFonts();
         // Not the passwords, which the module takes in any length.
         Send(IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities);
         Send(IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX);

@@ -71,7 +71,6 @@ void CallsWindow::Open(HWND owner) {
 
 void CallsWindow::Begin() {
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
-    OnFonts();
     ListDialog::Begin();
     added_ = 0;
     isFolded_ = false;

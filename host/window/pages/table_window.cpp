@@ -7,7 +7,6 @@
 #include "model/scan/device_writer.h"
 #include "platform/wide_text.h"
 #include "values/utc_time.h"
-#include "window/controls/clipboard.h"
 #include "window/resource.h"
 #include "window/strings.h"
 
@@ -64,12 +63,10 @@ void TableWindow::Arrange() {
 
 void TableWindow::OnSelected() {
     ListDialog::OnSelected();
-    for (const int button : {IDC_TABLE_COPY, IDC_TABLE_SAVE})
-        EnableWindow(Item(button), Count() != 0);
+    EnableWindow(Item(IDC_TABLE_SAVE), Count() != 0);
 }
 
 void TableWindow::OnCommand(int id) {
-    if (id == IDC_TABLE_COPY) CopyText(dialog_, list_.TableText());
     if (id != IDC_TABLE_SAVE) return;
     std::vector<std::wstring> headings;
     for (const ListColumn& column : form_.columns) headings.push_back(Text(column.heading));

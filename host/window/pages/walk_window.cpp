@@ -71,7 +71,6 @@ void WalkWindow::Refresh() {
 
 void WalkWindow::Begin() {
     ListDialog::Begin();
-    OnFonts();
     SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
     SetItem(IDC_WALK_ROOT, kDefaultRoot);
     SetItem(IDC_WALK_STATE, Text(IDS_WALK_READY));
@@ -84,11 +83,7 @@ void WalkWindow::OnClosed() {
 }
 
 void WalkWindow::OnCommand(int id) {
-    if (id == IDC_WALK_START && workers_) {
-        state_ == State::kIdle ? Start() : Stop();
-    } else if (id == IDC_WALK_COPY_ROW || id == IDC_WALK_COPY_ALL) {
-        list_.Copy(id == IDC_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
-    }
+    if (id == IDC_WALK_START && workers_) state_ == State::kIdle ? Start() : Stop();
 }
 
 void WalkWindow::Start() {
@@ -112,12 +107,6 @@ void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
     SetItem(IDC_WALK_START, Text(IDS_STOPPING));
     workers_->StopWalk();
-}
-
-void WalkWindow::OnSelected() {
-    ListDialog::OnSelected();
-    EnableWindow(Item(IDC_WALK_COPY_ROW), list_.Selected() >= 0);
-    EnableWindow(Item(IDC_WALK_COPY_ALL), Count() != 0);
 }
 
 std::wstring WalkWindow::CellText(size_t row, size_t column) const {

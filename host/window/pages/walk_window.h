@@ -37,7 +37,6 @@ class WalkWindow : private ListDialog {
     bool IsShown(unsigned walk) const;
     void Start();
     void Stop();
-    void OnSelected() override;
     size_t Count() const override { return values_.size(); }
     std::wstring CellText(size_t row, size_t column) const override;
 

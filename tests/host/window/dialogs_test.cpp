@@ -232,9 +232,8 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
     OpenWith({{"10.77.1.1", "x"}});
     Select(0);
     for (const auto& [command, list, grown] :
-         {std::tuple(IDM_CALLS, IDC_CALLS, IDC_CALL_TEXT),
-          std::tuple(IDM_CHANGES, IDC_TABLE_ROWS, IDC_TABLE_ROWS),
-          std::tuple(IDM_WALK, IDC_WALK_VALUES, IDC_WALK_VALUES)}) {
+         {std::tuple(IDM_CALLS, IDC_ROWS, IDC_CALL_TEXT),
+          std::tuple(IDM_CHANGES, IDC_ROWS, IDC_ROWS), std::tuple(IDM_WALK, IDC_ROWS, IDC_ROWS)}) {
         SCOPED_TRACE(command);
         Command(command);
         const HWND dialog = Popup(), close = GetDlgItem(dialog, IDCANCEL);
@@ -379,7 +378,7 @@ TEST_F(Dialogs, CallsAreShownAsTextToCopy) {
     ASSERT_TRUE(Until([&] { return engine_.isInSweep.load(); }));
     Command(IDC_FIND);
     ASSERT_TRUE(Ends());
-    const HWND list = GetDlgItem(dialog, IDC_CALLS);
+    const HWND list = GetDlgItem(dialog, IDC_ROWS);
     EXPECT_TRUE(Until([&] { return ListView_GetItemCount(list) == 3; }));
     // The newest first: two stops during the sweep.
     ListView_SetItemState(list, 0, LVIS_SELECTED, LVIS_SELECTED);

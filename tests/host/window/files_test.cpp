@@ -112,13 +112,13 @@ TEST_F(Files, ComparisonIsATable) {
     EXPECT_THAT(
         Counted(),
         HasSubstr(L"this list without silent devices (3 devices): 1 new, 1 gone, 0 changed"));
-    const HWND table = Popup(), rows = GetDlgItem(table, IDC_TABLE_ROWS);
+    const HWND table = Popup(), rows = GetDlgItem(table, IDC_ROWS);
     EXPECT_EQ(L"new", CellOf(rows, 0, 1));
     EXPECT_TRUE(Has(TextOf(GetDlgItem(table, IDC_CHOSEN)), L"; What: new"));
     EXPECT_THAT(CellOf(rows, 0, 0), HasSubstr(L"10.77.1.9"));
     ClickHeading(rows, 1);
     EXPECT_EQ(L"gone", CellOf(rows, 0, 1));
-    Press(table, IDC_TABLE_COPY);
+    Press(table, IDC_COPY_TABLE);
     EXPECT_EQ(0u, Copied().find(L"Device\tWhat\tBefore\tAfter\r\nVN InkLine 70, 10.77.1.7\tgone"));
     std::thread user([&, owner = window_->Handle()] {
         const HWND dialog = Awaited([&] {
@@ -144,7 +144,7 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     table.Open(window_->Handle(), L"a table", {{IDS_CALL_TIME, 90}, {IDS_CHANGE_AFTER, 90}});
     table.Show(L"3 rows",
                {{{L"12/2/26", L"10 %"}}, {{L"11/30/26", L"9 %"}}, {{L"2/1/26", L"100 %"}}});
-    const HWND dialog = Popup(), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
+    const HWND dialog = Popup(), list = GetDlgItem(dialog, IDC_ROWS);
     const auto order = [&] {
         return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
     };

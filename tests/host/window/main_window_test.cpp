@@ -468,7 +468,7 @@ TEST_F(MainWindowTest, ControlsHearOfNewColoursAndSettings) {
     const HWND dialog = Popup();
     const LRESULT font = SendMessageW(Control(IDC_DEVICES), WM_GETFONT, 0, 0);
     for (const HWND control :
-         {GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR), GetDlgItem(dialog, IDC_CALLS)})
+         {GetDlgItem(Control(IDC_STATUS), IDC_READ_BAR), GetDlgItem(dialog, IDC_ROWS)})
         SetWindowSubclass(control, hear, 1, reinterpret_cast<DWORD_PTR>(&heard));
     for (const HWND window : {window_->Handle(), dialog}) {
         for (const UINT message : {WM_SYSCOLORCHANGE, WM_SETTINGCHANGE, WM_THEMECHANGED})

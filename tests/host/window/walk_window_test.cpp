@@ -16,7 +16,7 @@ class WalkTests : public MainWindowTest {
         Command(IDM_WALK);
         walk_ = FindWindowW(L"#32770", (L"Values of " + address).c_str());
         ASSERT_TRUE(walk_);
-        list_ = GetDlgItem(walk_, IDC_WALK_VALUES);
+        list_ = GetDlgItem(walk_, IDC_ROWS);
     }
     void Start(const wchar_t* root) const {
         SetDlgItemTextW(walk_, IDC_WALK_ROOT, root);
@@ -43,13 +43,13 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     EXPECT_EQ(L"sysName.0", CellOf(list_, 1, 1));
     EXPECT_EQ(L"hall", CellOf(list_, 1, 2));
     EXPECT_EQ(L"", CellOf(list_, 2, 1));  // a known part alone is no name
-    Press(IDC_WALK_COPY_ROW);             // none is selected
+    Press(IDC_COPY_ROW);                  // none is selected
     ListView_SetItemState(list_, 1, LVIS_SELECTED, LVIS_SELECTED);
     EXPECT_EQ(L".1.3.6.1.2.1.1.5.0, sysName.0: hall", TextOf(GetDlgItem(walk_, IDC_CHOSEN)));
-    Press(IDC_WALK_COPY_ROW);
+    Press(IDC_COPY_ROW);
     const std::wstring row = L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n";
     EXPECT_EQ(row, Copied());
-    Press(IDC_WALK_COPY_ALL);
+    Press(IDC_COPY_TABLE);
     const std::wstring all = Copied();
     EXPECT_EQ(std::wstring::npos, all.find(L'\x1B'));
     EXPECT_EQ(0u, all.find(L"OID\tName\tValue\r\n"));
@@ -77,7 +77,7 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
     // Its calls are one row.
     Command(IDM_CALLS);
-    const HWND calls = GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_CALLS);
+    const HWND calls = GetDlgItem(FindWindowW(L"#32770", Text(IDS_CALLS_TITLE).c_str()), IDC_ROWS);
     EXPECT_LT(ListView_GetItemCount(calls), 5);
     EXPECT_EQ(std::to_wstring(Rows()) + L" calls of a walk, first: ", CellOf(calls, 0, 3));
 }
