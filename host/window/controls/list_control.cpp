@@ -143,9 +143,7 @@ void ListControl::Fit() {
         ListView_SetColumnWidth(list_, fitted_, WidthOf(fitted_));
     ownWidth_ = WidthOf(column);
     fitted_ = column;
-    RECT client = {};
-    GetClientRect(list_, &client);
-    int rest = client.right;
+    int rest = ClientSize(list_).cx;
     for (const int other : order)
         if (other != column) rest -= ListView_GetColumnWidth(list_, other);
     fittedWidth_ = std::max(rest, ownWidth_);
@@ -297,10 +295,9 @@ LRESULT ListControl::FindRow(const NMLVFINDITEMW& search) const {
 
 // In place of rows. The list itself would ask only once, and never again when the reason changes.
 void ListControl::DrawEmpty(HDC dc) const {
-    RECT place = {}, heading = {};
+    RECT place = {};
     GetClientRect(list_, &place);
-    GetWindowRect(ListView_GetHeader(list_), &heading);
-    place.top += heading.bottom - heading.top + Scaled(kRowHeight / 2, dpi_);
+    place.top += BoxOf(ListView_GetHeader(list_)).height + Scaled(kRowHeight / 2, dpi_);
     SetBkMode(dc, TRANSPARENT);
     SetTextColor(dc, GetSysColor(COLOR_WINDOWTEXT));
     DrawTextW(dc, EmptyText().c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);

@@ -1,5 +1,6 @@
 #include "window/controls/placement.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace vndiscover::host {
@@ -46,14 +47,33 @@ int FitField(HWND field) {
     // Of a combo box, in its frame. First as it is, for which Wine gives another height than it
     // takes.
     for (const bool isFirst : {true, false}) {
-        RECT closed = {};
-        GetWindowRect(field, &closed);
-        const LONG missing = height - (closed.bottom - closed.top);
+        const int missing = height - BoxOf(field).height;
         if (inside > 0 && missing != 0)
             SendMessageW(field, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1),
                          isFirst ? inside : inside + missing);
     }
     return height;
+}
+
+SIZE ClientSize(HWND window) {
+    RECT client = {};
+    GetClientRect(window, &client);
+    return {client.right, client.bottom};
+}
+
+Box WorkAreaOf(HWND window) {
+    MONITORINFO monitor = {};
+    monitor.cbSize = sizeof monitor;
+    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
+    return BoxOf(monitor.rcWork);
+}
+
+Box FitInto(const Box& area, Box box) {
+    box.width = std::min(box.width, area.width);
+    box.height = std::min(box.height, area.height);
+    box.x = std::clamp(box.x, area.x, area.x + area.width - box.width);
+    box.y = std::clamp(box.y, area.y, area.y + area.height - box.height);
+    return box;
 }
 
 }  // namespace vndiscover::host

@@ -30,6 +30,20 @@ struct Box {
     }
 };
 
+inline Box BoxOf(const RECT& place) {
+    return {place.left, place.top, place.right - place.left, place.bottom - place.top};
+}
+inline Box BoxOf(HWND window) {  // on the screen
+    RECT place = {};
+    GetWindowRect(window, &place);
+    return BoxOf(place);
+}
+SIZE ClientSize(HWND window);
+// Where windows may be, on the screen of this one.
+Box WorkAreaOf(HWND window);
+// Moves a box into an area; one that is larger is made smaller.
+Box FitInto(const Box& area, Box box);
+
 class Placement {
   public:
     explicit Placement(HWND window) : window_(window) {}

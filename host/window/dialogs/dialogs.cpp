@@ -21,12 +21,6 @@ namespace vndiscover::host {
 
 namespace {
 
-SIZE ClientSize(HWND window) {
-    RECT client = {};
-    GetClientRect(window, &client);
-    return {client.right, client.bottom};
-}
-
 RECT PlaceIn(HWND dialog, HWND control) {
     RECT place = {};
     GetWindowRect(control, &place);
@@ -41,8 +35,7 @@ void MoveControls(HWND dialog, Change change) {
     for (HWND each = GetWindow(dialog, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT)) {
         RECT place = PlaceIn(dialog, each);
         change(each, place);
-        placement.Move(each,
-                       {place.left, place.top, place.right - place.left, place.bottom - place.top});
+        placement.Move(each, BoxOf(place));
     }
 }
 
@@ -97,27 +90,19 @@ void TakeSuggested(HWND window, const RECT& place) {
 }
 
 void CentreOnOwner(HWND window) {
-    RECT place = {};
-    GetWindowRect(window, &place);
+    Box place = BoxOf(window);
     WINDOWPLACEMENT placement = {};
     placement.length = sizeof placement;
     const HWND owning = GetWindow(window, GW_OWNER);
-    GetWindowPlacement(owning, &placement);
-    RECT owner = placement.rcNormalPosition;  // where it will be, if it is minimised
-    if (!IsIconic(owning)) GetWindowRect(owning, &owner);
-    MONITORINFO screen = {};
-    screen.cbSize = sizeof screen;
-    GetMonitorInfoW(MonitorFromRect(&owner, MONITOR_DEFAULTTONEAREST), &screen);
-    const RECT& work = screen.rcWork;
-    LONG width = place.right - place.left, height = place.bottom - place.top;
-    if (GetWindowLongPtrW(window, GWL_STYLE) & WS_THICKFRAME) {  // another one would be cut
-        width = std::min(width, work.right - work.left);
-        height = std::min(height, work.bottom - work.top);
-    }
-    const LONG x = std::min((owner.left + owner.right - width) / 2, work.right - width);
-    const LONG y = std::min((owner.top + owner.bottom - height) / 2, work.bottom - height);
-    SetWindowPos(window, nullptr, std::max(x, work.left), std::max(y, work.top), width, height,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+    GetWindowPlacement(owning, &placement);  // where it will be, if it is minimised
+    const Box owner = IsIconic(owning) ? BoxOf(placement.rcNormalPosition) : BoxOf(owning);
+    place.x = (2 * owner.x + owner.width - place.width) / 2;
+    place.y = (2 * owner.y + owner.height - place.height) / 2;
+    place = FitInto(WorkAreaOf(owning), place);
+    // One without a frame to drag would be cut.
+    const bool isSizeable = (GetWindowLongPtrW(window, GWL_STYLE) & WS_THICKFRAME) != 0;
+    SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height,
+                 SWP_NOZORDER | SWP_NOACTIVATE | (isSizeable ? 0 : SWP_NOSIZE));
 }
 
 bool Dialog::Ask(HWND owner, int resource) {
@@ -232,9 +217,8 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
     }
     const auto result = Dialog::OnMessage(dialog, message, wParam, lParam);
     if (message == WM_INITDIALOG) {  // as large as the screen allows
-        RECT whole = {};
-        GetWindowRect(dialog, &whole);
-        least_ = {whole.right - whole.left, whole.bottom - whole.top};
+        const Box whole = BoxOf(dialog);
+        least_ = {whole.width, whole.height};
         // Under a modal dialog, into which the user types, it must not get the focus.
         if (!IsWindowEnabled(GetWindow(dialog, GW_OWNER))) return std::nullopt;
     }

@@ -59,21 +59,14 @@ void Panes::PlaceWindow() const {
     saved.length = sizeof saved;
     saved.rcNormalPosition = state_.settings.place;
     saved.showCmd = SW_HIDE;
-    RECT box = {};
     const bool isSaved = !IsRectEmpty(&saved.rcNormalPosition);
     if (isSaved) SetWindowPlacement(window, &saved);
-    GetWindowRect(window, &box);
-    Box place = {box.left, box.top, box.right - box.left, box.bottom - box.top};
+    Box place = BoxOf(window);
     if (!isSaved) {
         place.width = Scaled(1100, dpi_);
         place.height = Scaled(620, dpi_);
     }
-    // The monitor of a saved place may be gone.
-    MONITORINFO monitor = {};
-    monitor.cbSize = sizeof monitor;
-    GetMonitorInfoW(MonitorFromRect(&box, MONITOR_DEFAULTTONEAREST), &monitor);
-    const RECT& work = monitor.rcWork;
-    place = FitInto({work.left, work.top, work.right - work.left, work.bottom - work.top}, place);
+    place = FitInto(WorkAreaOf(window), place);  // the monitor of a saved place may be gone
     SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height,
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
@@ -88,11 +81,7 @@ void Panes::SetDpi(int dpi) {
     font_ = std::move(font);
 }
 
-int Panes::StatusHeight() const {
-    RECT client = {};
-    GetClientRect(Control(IDC_STATUS), &client);
-    return client.bottom;
-}
+int Panes::StatusHeight() const { return ClientSize(Control(IDC_STATUS)).cy; }
 
 int Panes::Margin() const { return Scaled(8, dpi_); }
 
@@ -101,17 +90,16 @@ int Panes::ListTop(int labelTop) const {
 }
 
 void Panes::Place() {
-    RECT client = {};
-    GetClientRect(state_.window, &client);
+    const SIZE client = ClientSize(state_.window);
     PlaceStatus();
-    const int inner = std::max<int>(0, client.right - 2 * Margin());
+    const int inner = std::max<int>(0, client.cx - 2 * Margin());
     leastWidth_ = std::min(Scaled(280, dpi_), inner / 2);
     const int detailsWidth =
         std::clamp(inner * (1000 - split_) / 1000, leastWidth_, inner - leastWidth_);
-    const int bottom = client.bottom - StatusHeight() - Scaled(6, dpi_);
+    const int bottom = client.cy - StatusHeight() - Scaled(6, dpi_);
     {
         Placement placement(state_.window);
-        const int top = bar.Place(&placement, font_.Get(), client.right, dpi_);
+        const int top = bar.Place(&placement, font_.Get(), client.cx, dpi_);
         const int listTop = ListTop(top), height = std::max(0, bottom - listTop);
         list_ = {Margin(), listTop, std::max(0, inner - detailsWidth - Margin()), height};
         details_ = {list_.x + list_.width + Margin(), listTop, detailsWidth, height};
@@ -128,25 +116,22 @@ void Panes::Place() {
 // At the lower edge of the window.
 void Panes::PlaceStatus() const {
     const HWND status = Control(IDC_STATUS);
-    RECT place = {};
     SendMessageW(status, WM_SIZE, 0, 0);
-    GetWindowRect(status, &place);
-    const int width = place.right - place.left, height = place.bottom - place.top;
-    const int part = std::min(Scaled(160, dpi_), width / 4);
-    SetWindowPos(GetDlgItem(status, IDC_READ_BAR), nullptr, width - part - Scaled(20, dpi_),
-                 Scaled(4, dpi_), part, height - Scaled(7, dpi_), SWP_NOZORDER | SWP_NOACTIVATE);
+    const Box whole = BoxOf(status);
+    const int part = std::min(Scaled(160, dpi_), whole.width / 4);
+    SetWindowPos(GetDlgItem(status, IDC_READ_BAR), nullptr, whole.width - part - Scaled(20, dpi_),
+                 Scaled(4, dpi_), part, whole.height - Scaled(7, dpi_),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 SIZE Panes::MinimumSize() const {
     if (IsIconic(state_.window)) return {};  // whose frame is another one
-    RECT window = {}, client = {};
-    GetWindowRect(state_.window, &window);
-    GetClientRect(state_.window, &client);
+    const Box window = BoxOf(state_.window);
+    const SIZE client = ClientSize(state_.window);
     const int width = Scaled(520, dpi_);
     const int listTop = ListTop(bar.Place(nullptr, font_.Get(), width, dpi_));
     const int height = listTop + Scaled(140, dpi_) + Scaled(6, dpi_) + StatusHeight();
-    return {width + window.right - window.left - client.right,
-            height + window.bottom - window.top - client.bottom};
+    return {width + window.width - client.cx, height + window.height - client.cy};
 }
 
 bool Panes::OnMouse(UINT message) {
@@ -317,14 +302,6 @@ std::wstring Panes::ReadText(const Progress::Status& status) const {
                 {Grouped(read.done - read.unread - left), Grouped(read.total - left),
                  seconds == 0 ? Text(IDS_UNDER_ONE) : Grouped(seconds), Grouped(read.unread)}) +
            (missed == 0 ? L"" : Text(IDS_READ_MISSED, {Grouped(missed)}));
-}
-
-Box FitInto(const Box& area, Box box) {
-    box.width = std::min(box.width, area.width);
-    box.height = std::min(box.height, area.height);
-    box.x = std::clamp(box.x, area.x, area.x + area.width - box.width);
-    box.y = std::clamp(box.y, area.y, area.y + area.height - box.height);
-    return box;
 }
 
 }  // namespace vndiscover::host

@@ -75,7 +75,4 @@ class Panes {
     int dpi_ = 96;
 };
 
-// Moves a box into an area; one that is larger is made smaller.
-Box FitInto(const Box& area, Box box);
-
 }  // namespace vndiscover::host
