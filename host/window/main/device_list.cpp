@@ -14,23 +14,6 @@
 
 namespace vndiscover::host {
 
-namespace {
-
-constexpr size_t CountHeadings() {
-    constexpr unsigned kTexts[] = {
-#define VN_TEXT(name, number, text) number,
-#include "window/texts.inc"
-#undef VN_TEXT
-    };
-    size_t count = 0;
-    for (const unsigned text : kTexts)
-        count += text >= IDS_COLUMN_NAME && text < IDS_COLUMN_NAME + kColumnCount;
-    return count;
-}
-static_assert(CountHeadings() == kColumnCount, "each column has a heading");
-
-}  // namespace
-
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile) {
     const bool isCell = column == Column::kState && !isInFile;
     const std::string text =

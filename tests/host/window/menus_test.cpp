@@ -300,6 +300,8 @@ TEST_F(Menus, ShowTheKeysOfTheirCommands) {
 }
 
 TEST_F(Menus, ColumnsAreChosenAndKept) {
+    for (unsigned column = 0; column < kColumnCount; ++column)
+        EXPECT_NE(L"", Text(IDM_COLUMN + column)) << "each column has a heading";
     OpenWithDevice();
     for (const int column : {3, 4, 7, 8, 9, 11}) Command(IDM_COLUMN + column);
     const HWND header = ListView_GetHeader(Devices());
