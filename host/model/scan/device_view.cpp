@@ -1,7 +1,6 @@
 #include "model/scan/device_view.h"
 
 #include <algorithm>
-#include <set>
 #include <unordered_map>
 #include <utility>
 

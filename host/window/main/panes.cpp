@@ -1,7 +1,6 @@
 #include "window/main/panes.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "model/scan/device_view.h"
