@@ -2,7 +2,6 @@
 #include <vndiscover.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "cli/commands.h"
 #include "device/ask_process.h"

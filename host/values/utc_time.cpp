@@ -1,7 +1,6 @@
 #include "values/utc_time.h"
 
 #include <charconv>
-#include <ctime>
 #include <iterator>
 
 namespace vndiscover::host {

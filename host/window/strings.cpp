@@ -1,7 +1,5 @@
 #include "window/strings.h"
 
-#include <windows.h>
-
 #include <algorithm>
 
 #include "platform/wide_text.h"

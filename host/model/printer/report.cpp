@@ -1,7 +1,6 @@
 #include "model/printer/report.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "values/ranges.h"
 #include "values/text.h"

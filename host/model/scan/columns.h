@@ -29,7 +29,7 @@ enum class Column {
     kFirmware,
 };
 
-constexpr size_t kColumnCount = static_cast<size_t>(Column::kFirmware) + 1;
+constexpr size_t kColumnCount = static_cast<size_t>(Column::kFirmware) + 1;  // after the last
 
 // A device, and how it is shown. All text is plain; empty: unknown.
 struct DeviceRow : FoundDevice {

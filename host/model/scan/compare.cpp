@@ -1,7 +1,6 @@
 #include "model/scan/compare.h"
 
 #include <algorithm>
-#include <map>
 #include <optional>
 #include <utility>
 

@@ -1,12 +1,9 @@
 #include "model/scan/device_writer.h"
 
 #include <initializer_list>
-#include <string_view>
 #include <utility>
 
 #include "model/asking/json_request.h"
-#include "model/computer/computer_report.h"
-#include "values/json_output.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
 #include "values/text.h"

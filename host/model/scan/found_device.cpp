@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <set>
 #include <string_view>
 
 #include "model/asking/json_request.h"

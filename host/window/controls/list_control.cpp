@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cwctype>
-#include <string>
 #include <utility>
 
 #include "platform/wide_text.h"

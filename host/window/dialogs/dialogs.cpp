@@ -3,7 +3,6 @@
 #include <commctrl.h>
 
 #include <algorithm>
-#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -13,7 +12,6 @@
 #include "platform/wide_text.h"
 #include "values/text.h"
 #include "window/controls/placement.h"
-#include "window/resource.h"
 #include "window/store/scan_files.h"
 #include "window/strings.h"
 

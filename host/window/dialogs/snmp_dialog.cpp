@@ -4,10 +4,7 @@
 
 #include <commctrl.h>
 
-#include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "platform/wide_text.h"
 #include "values/module_types.h"

@@ -1,6 +1,5 @@
 #include "window/main/device_list.h"
 
-#include <commctrl.h>
 #include <windowsx.h>
 #include <algorithm>
 

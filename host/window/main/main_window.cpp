@@ -1,7 +1,5 @@
 #include "window/main/main_window.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <stdexcept>
 #include <utility>
 
@@ -15,7 +13,6 @@
 #include "window/dialogs/dialogs.h"
 #include "window/main/commands.h"
 #include "window/main/device_commands.h"
-#include "window/main/panes.h"
 #include "window/main/result_handler.h"
 #include "window/resource.h"
 #include "window/strings.h"

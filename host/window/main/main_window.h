@@ -4,8 +4,6 @@
 #include <windows.h>
 
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "platform/com.h"
 #include "window/controls/owners.h"

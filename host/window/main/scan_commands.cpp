@@ -15,7 +15,6 @@
 #include "values/ranges.h"
 #include "values/utc_time.h"
 #include "window/dialogs/dialogs.h"
-#include "window/resource.h"
 #include "window/store/scan_files.h"
 #include "window/strings.h"
 

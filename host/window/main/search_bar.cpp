@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
-#include <utility>
 
 #include "platform/wide_text.h"
 #include "values/object_names.h"
-#include "window/controls/placement.h"
 #include "window/dialogs/dialogs.h"
 #include "window/strings.h"
 

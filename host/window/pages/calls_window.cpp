@@ -5,7 +5,6 @@
 #include "platform/wide_text.h"
 #include "values/text.h"
 #include "window/controls/clipboard.h"
-#include "window/resource.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {

@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "device/device.h"
-#include "model/computer/computer_report.h"
 #include "platform/wide_text.h"
 #include "window/controls/clipboard.h"
 #include "window/resource.h"

@@ -5,7 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "model/asking/host_diagnosis.h"
 #include "model/computer/computer_report.h"

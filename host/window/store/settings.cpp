@@ -1,7 +1,5 @@
 #include "window/store/settings.h"
 
-#include <windows.h>
-
 #include <dpapi.h>
 
 #include <algorithm>
