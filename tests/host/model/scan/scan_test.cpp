@@ -163,6 +163,7 @@ TEST(DeviceMerge, SplitsUndoIt) {
     const Merge merge = MakeDevices(one.scan)[0].merges[0];
     one.scan.splits.emplace_back(merge.first, merge.second);
     EXPECT_EQ("0 1 2|3 4 5 8 9|6 7", Groups(one.scan));
+    one.Begin(SweepKind::kSnmpV1, AnswerForm::kVariable);
     one.AddPrinter("10.0.0.2", "S1", kMac);  // 10 to 12
     EXPECT_EQ("0 1 2|3 4 5 8 9 10 11 12|6 7", Groups(one.scan))
         << "what it says later is apart too";

@@ -233,8 +233,15 @@ TEST_F(StandingTest, PrinterReplacedBeyondARouterIsSilent) {
 // Its alerts there are over if it is read elsewhere without them.
 TEST_F(StandingTest, FormerAddressTellsNothingOfNow) {
     Read(0, "10.0.0.1", true,
-         {{"prtGeneralSerialNumber.1", "S1"}, {"prtAlertDescription.1.1", "Door open"}});
-    Read(1, "10.0.0.2", true, {{"prtGeneralSerialNumber.1", "S1"}});
+         {{"hrPrinterStatus.1", "\3"},
+          {"prtGeneralSerialNumber.1", "S1"},
+          {"prtMarkerSuppliesDescription.1.1", "Toner"},
+          {"prtMarkerSuppliesDescription.1.2", "Drum"},
+          {"prtAlertDescription.1.1", "Door open"}});
+    Read(1, "10.0.0.2", false,
+         {{"prtGeneralSerialNumber.1", "S1"}, {"prtMarkerSuppliesDescription.1.1", "Toner"}});
+    EXPECT_EQ(1u, MakeDevices(scan_).at(0).facts->supplies.size());
+    Read(2, "10.0.0.2", true, {{"prtGeneralSerialNumber.1", "S1"}});
     EXPECT_TRUE(MakeDevices(scan_).at(0).facts->alerts.empty());
 }
 
