@@ -63,7 +63,8 @@ std::vector<ListRow> ListRowsOf(const Report& report) {
         const std::wstring text = ToWide(WholeText(row));
         rows.push_back({{isSame ? L"" : ToWide(row.label), hasCounts ? GroupedCounts(text) : text},
                         {},
-                        isResult || row.severity == Severity::kCritical});
+                        isResult || row.severity == Severity::kCritical,
+                        ToWide(row.detail)});
         if (row.percent && !IsRoom(row.text)) rows.back().bar = BarOf(*row.percent, row.colour);
     }
     return rows;
@@ -219,7 +220,9 @@ std::wstring ListControl::SelectedText() const {
         if (values_ < 0) text += headings_[static_cast<size_t>(column)] + L": ";
         text += cell;
     }
-    return text;
+    const auto row = static_cast<size_t>(Selected());  // -1: none has that number
+    const std::wstring detail = model_.Detail(row);
+    return detail.empty() ? text : text + L" (" + detail + L")";
 }
 
 std::wstring ListControl::TableText() const {

@@ -19,8 +19,10 @@ struct ListRow {
     std::vector<std::wstring> cells;
     std::optional<LevelBar> bar{};  // before the text of the second cell
     bool isBold = false;            // what is worst, or the result of all
+    std::wstring detail{};          // shown of the selected row only
     bool operator==(const ListRow& other) const {
-        return cells == other.cells && bar == other.bar && isBold == other.isBold;
+        return cells == other.cells && bar == other.bar && isBold == other.isBold &&
+               detail == other.detail;
     }
 };
 // Of a report, each with a label and a text. Bold are the result, which is the first row, others
@@ -35,6 +37,10 @@ class ListModel {
     // `column`: a number in the list, as in the other methods.
     virtual std::wstring CellText(size_t row, size_t column) const {
         return rows_[row].cells[column];
+    }
+    // What the text of the selected row has besides its cells.
+    virtual std::wstring Detail(size_t row) const {
+        return row < rows_.size() ? rows_[row].detail : L"";
     }
     // By what typed letters find the row.
     virtual std::wstring SearchText(size_t row) const { return CellText(row, 0); }
