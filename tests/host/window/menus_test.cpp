@@ -253,6 +253,10 @@ TEST_F(Menus, EachItemAndControlHasALetterOfItsOwn) {
     MSG letter = {Control(IDC_FIND), WM_SYSCHAR, 'i', 1 << 29, 0, {}};  // of the label "Filter"
     window_->Dispatch(letter);
     EXPECT_EQ(Control(IDC_FILTER), GetFocus());
+    SetWindowTextW(Control(IDC_FILTER), L"ink");
+    Command(IDM_FILTER);
+    SendMessageW(Control(IDC_FILTER), WM_CHAR, 'h', 1);
+    EXPECT_EQ(L"h", TextOf(Control(IDC_FILTER)));
 }
 
 // Buttons, and labels of what is typed or chosen.
