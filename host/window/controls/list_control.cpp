@@ -116,7 +116,7 @@ void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
     // The last one first: the list moves the texts of the others to the left.
     for (int count = CountColumns(list_); count > 0; --count)
         ListView_DeleteColumn(list_, count - 1);
-    fitted_ = values_ = -1;
+    fitted_ = values_ = sorted_ = -1;
     headings_.clear();
     for (const ListColumn& each : columns) {
         const size_t index = headings_.size();
@@ -190,6 +190,35 @@ void ListControl::Select(const std::vector<size_t>& rows, int focused) {
 void ListControl::Select(int row) {
     if (row < 0) return Select({}, row);
     Select({static_cast<size_t>(row)}, row);
+}
+
+void ListControl::MarkSorted(int column, bool isDescending) {
+    sorted_ = column;
+    const HWND header = ListView_GetHeader(list_);
+    for (int index = 0; index < CountColumns(list_); ++index) {
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(index),
+                     reinterpret_cast<LPARAM>(&item));
+        const int old = item.fmt;
+        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (index == column) item.fmt |= isDescending ? HDF_SORTDOWN : HDF_SORTUP;
+        if (item.fmt != old)
+            SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(index),
+                         reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+void ListControl::SortByNext() const {
+    const std::vector<int> order = ShownOrder();
+    const auto at = std::find(order.begin(), order.end(), sorted_);
+    const bool isLast = at == order.end() || at + 1 == order.end();
+    model_.OnHeading(static_cast<size_t>(isLast ? order.front() : *(at + 1)));
+}
+
+void ListControl::SortByKey() const {
+    if (GetKeyState(VK_SHIFT) >= 0) return SortByNext();
+    if (sorted_ >= 0) model_.OnHeading(static_cast<size_t>(sorted_));
 }
 
 std::wstring ListControl::TextOf(int row, int column) const {

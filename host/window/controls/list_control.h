@@ -103,6 +103,12 @@ class ListControl {
     void Select(const std::vector<size_t>& rows, int focused);
     void Select(int row);
 
+    // Marks the heading of the column by which the rows are sorted; -1: none.
+    void MarkSorted(int column, bool isDescending);
+    // As by clicks: by the next column to the right, or, with Shift, the other way round.
+    void SortByNext() const;
+    void SortByKey() const;
+
     // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
     // that a spreadsheet would run.
     std::wstring TableText() const;
@@ -149,6 +155,7 @@ class ListControl {
     bool isChanging_ = false;  // by a call
     int reported_ = -1;        // the selected row that the model knows of
     int values_ = -1;          // the column of values; -1: none
+    int sorted_ = -1;          // the column that is marked
     std::vector<std::wstring> headings_;
     // The column that has the rest of the width, and its widths with and without it.
     int fitted_ = -1, fittedWidth_ = 0, ownWidth_ = 0;

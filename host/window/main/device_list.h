@@ -35,8 +35,7 @@ class DeviceList : private ListModel, public ListControl {
 
     // Updates rows, selection and headings from the session.
     void Show();
-    // Sorts by the next column to the right, or the other way round.
-    void SortByNext();
+    // Sorts the other way round, also by a column that is not shown.
     void Reverse();
     // Handles WM_NOTIFY that a cell was clicked.
     void OnNotify(const NMHDR& header);
@@ -61,7 +60,6 @@ class DeviceList : private ListModel, public ListControl {
 
     // The list has only the columns that are shown, so that their numbers are others there.
     Column At(size_t index) const { return index < shown_.size() ? shown_[index] : Column::kName; }
-    void SortBy(Column column, bool isDescending);
     void MarkSorted();
 
     WindowState& state_;

@@ -148,10 +148,16 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     const auto order = [&] {
         return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
     };
-    for (const auto& [column, sorted] :
-         {std::pair(1, L"9 %, 10 %, 100 %"), {0, L"10 %, 9 %, 100 %"}, {0, L"100 %, 9 %, 10 %"}}) {
-        ClickHeading(list, column);
+    ListView_SetItemState(list, 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    for (const wchar_t* sorted : {L"10 %, 9 %, 100 %", L"9 %, 10 %, 100 %"}) {
+        MSG next = {list, WM_KEYDOWN, VK_F9, 0, 0, {}};
+        window_->Dispatch(next);
         EXPECT_EQ(sorted, order());
+    }
+    for (const wchar_t* sorted : {L"10 %, 9 %, 100 %", L"100 %, 9 %, 10 %"}) {
+        ClickHeading(list, 0);
+        EXPECT_EQ(sorted, order());
+        EXPECT_TRUE(Has(TextOf(GetDlgItem(dialog, IDC_CHOSEN)), L"9 %")) << "the selected row";
     }
     table.Show(L"4 rows", {{{L"", L"8 %"}}, {{L"", L"7 %"}}, {{L"", L"6 %"}}, {{L"", L"5 %"}}});
     EXPECT_EQ(L"5 %, 6 %, 7 %", order());
