@@ -54,6 +54,7 @@ void WalkWindow::OnEnded(unsigned walk, const WalkEnd& end, const std::string& p
     if (!IsShown(walk)) return;
     state_ = State::kIdle;
     SetItem(IDC_WALK_START, Text(IDS_WALK_START));
+    EnableWindow(Item(IDC_WALK_START), TRUE);
     const std::wstring count = Grouped(values_.size());
     SetItem(IDC_WALK_STATE,
             problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
@@ -85,7 +86,12 @@ void WalkWindow::OnClosed() {
 
 void WalkWindow::OnCommand(int id) {
     if (id == IDC_WALK_START && workers_) {
-        state_ == State::kIdle ? Start() : Stop();
+        // Enter in the field starts, but does not stop what it has just started.
+        const bool isTyping = GetFocus() == Item(IDC_WALK_ROOT);
+        if (state_ == State::kIdle)
+            Start();
+        else if (!isTyping)
+            Stop();
     } else if (id == IDC_WALK_COPY_ROW || id == IDC_WALK_COPY_ALL) {
         list_.Copy(id == IDC_WALK_COPY_ROW ? IDM_COPY_ROW : IDM_COPY_TABLE);
     }
@@ -111,6 +117,8 @@ void WalkWindow::Start() {
 void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
     SetItem(IDC_WALK_START, Text(IDS_STOPPING));
+    if (GetFocus() == Item(IDC_WALK_START)) SetFocus(list_.Handle());
+    EnableWindow(Item(IDC_WALK_START), FALSE);
     workers_->StopWalk();
 }
 
