@@ -394,7 +394,11 @@ bool ListControl::FindMenuPlace(LPARAM place, MenuPlace& found) const {
     found.column.reset();
     if (place == kByKeyboard) {
         RECT row = {};
-        if (Selected() >= 0) ListView_GetItemRect(list_, Selected(), &row, LVIR_LABEL);
+        GetClientRect(ListView_GetHeader(list_), &row);
+        if (Selected() >= 0) {  // it may be scrolled away
+            ListView_EnsureVisible(list_, Selected(), FALSE);
+            ListView_GetItemRect(list_, Selected(), &row, LVIR_LABEL);
+        }
         found.point = {row.left, row.bottom};
         ClientToScreen(list_, &found.point);
         return true;
