@@ -3,7 +3,6 @@
 #include <windowsx.h>
 
 #include <algorithm>
-#include <cwctype>
 #include <string>
 #include <utility>
 
@@ -34,20 +33,6 @@ std::wstring LineOf(const std::vector<int>& columns, TextOf textOf) {
     for (const int column : columns) line += textOf(column) + L"\t";
     if (!line.empty()) line.pop_back();
     return line + L"\r\n";
-}
-
-// The counts in it, which stand before what a device says in words: "30 % (3,000 of 10,000)".
-std::wstring GroupedCounts(const std::wstring& text) {
-    const size_t end = std::min(text.find(L", "), text.size());
-    std::wstring grouped;
-    for (size_t at = 0; at < text.size();) {
-        size_t digits = 0;
-        while (at + digits < end && digits < 18 && std::iswdigit(text[at + digits])) ++digits;
-        grouped +=
-            digits == 0 ? std::wstring(1, text[at]) : Grouped(std::stoull(text.substr(at, digits)));
-        at += std::max<size_t>(digits, 1);
-    }
-    return grouped;
 }
 
 }  // namespace

@@ -20,9 +20,10 @@ struct ListRow {
     std::optional<LevelBar> bar{};  // before the text of the second cell
     bool isBold = false;            // what is worst, or the result of all
     std::wstring detail{};          // shown of the selected row only
+    bool hasCounts = false;         // in a table, before and after: shown grouped
     bool operator==(const ListRow& other) const {
         return cells == other.cells && bar == other.bar && isBold == other.isBold &&
-               detail == other.detail;
+               detail == other.detail && hasCounts == other.hasCounts;
     }
 };
 // Of a report, each with a label and a text. Bold are the result, which is the first row, others

@@ -35,6 +35,8 @@ std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile) {
     const bool isCell = column == Column::kState && !isInFile;
     const std::string text =
         isCell ? StateCell(row.standing, row.summary, *row.facts) : row.Text(column);
+    if (InfoOf(column).order == ColumnInfo::Order::kNumber && !isInFile)
+        return GroupedCounts(ToWide(text));
     return InfoOf(column).look != ColumnInfo::Look::kTime ? ToWide(text)
            : isInFile                                     ? LocalTime(text)
                                                           : ToWide(ShortTime(text));

@@ -14,8 +14,8 @@
 
 namespace vndiscover::host {
 
-// A cell as it is shown; in a file, times are whole and states have no words of supplies, which
-// have columns of their own.
+// A cell as it is shown; in a file, times are whole, counts are plain numbers, and states have no
+// words of supplies, which have columns of their own.
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = false);
 
 class DeviceList : private ListModel, public ListControl {

@@ -147,9 +147,11 @@ bool ScanCommands::CompareWith(const std::string& path) {
     changes.beforeName = ToUtf8(Text(IDS_THE_FILE, {name}));
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<ListRow> rows;
-    for (const ChangeRow& row : ChangesOf(changes))
+    for (const ChangeRow& row : ChangesOf(changes)) {
         rows.push_back(
             {{ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)}});
+        rows.back().hasCounts = row.what.rfind("page count", 0) == 0;
+    }
     comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {NameOf(name, *scan)}),
                      {{IDS_CHANGE_DEVICE, 300},
                       {IDS_FACT_WHAT, 120},

@@ -36,7 +36,9 @@ ListRow TableWindow::Chosen() const {
 }
 
 std::wstring TableWindow::CellText(size_t row, size_t column) const {
-    const std::wstring& text = rows_[order_[row]].cells[column];
+    const ListRow& shown = rows_[order_[row]];
+    const std::wstring& text = shown.cells[column];
+    if (shown.hasCounts && column > 1) return GroupedCounts(text);
     return IsTime(column) ? ToWide(ShortTime(ToUtf8(text))) : text;
 }
 

@@ -1,6 +1,7 @@
 // The commands of the File menu after the user has chosen a file.
 #include <regex>
 
+#include "model/scan/device_view.h"
 #include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
 #include "scripted_window.h"
@@ -168,6 +169,25 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     EXPECT_EQ(ToWide(ShortTime(now)), CellOf(list, 0, 0));
     Press(dialog, IDC_TABLE_SAVE);
     EXPECT_THAT(file, HasSubstr("\"" + ToUtf8(LocalTime(now)) + "\""));
+}
+
+TEST_F(Files, CountsAreGroupedOnTheScreenOnly) {
+    Open();
+    std::string file;
+    TableWindow table([&](const std::string& csv) { file = csv; });
+    table.Open(window_->Handle(), L"a table",
+               {{IDS_CHANGE_DEVICE, 90}, {IDS_FACT_WHAT, 90}, {IDS_CHANGE_BEFORE, 90}});
+    ListRow pages = {{L"Hall 1000", L"page count", L"184305"}};
+    pages.hasCounts = true;
+    table.Show(L"", {pages});
+    const HWND dialog = Popup(), list = GetDlgItem(dialog, IDC_TABLE_ROWS);
+    EXPECT_EQ(L"Hall 1000 184,305", CellOf(list, 0, 0) + L" " + CellOf(list, 0, 2));
+    Press(dialog, IDC_TABLE_SAVE);
+    EXPECT_THAT(file, HasSubstr("184305"));
+    DeviceRow row;
+    row.Text(Column::kPageCount) = "184305";
+    EXPECT_EQ(L"184,305", ShownText(row, Column::kPageCount));
+    EXPECT_EQ(L"184305", ShownText(row, Column::kPageCount, true));
 }
 
 // In the format of the user's system, of which the separators are not known here.
