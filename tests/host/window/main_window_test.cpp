@@ -369,6 +369,7 @@ TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
     EXPECT_EQ(Control(IDC_DETAILS), GetFocus());
     ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
     press(IDC_DETAILS);  // as one that is held goes on there
+    EXPECT_EQ(Text(IDS_FIND), TextOf(Control(IDC_FIND)));
     press(IDC_FILTER);
     ASSERT_TRUE(Until([&] { return engine_.sweeps == sweeps + 1; }));
     press(IDC_FILTER);  // stops nothing
