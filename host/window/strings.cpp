@@ -1,6 +1,7 @@
 #include "window/strings.h"
 
 #include <algorithm>
+#include <cwctype>
 
 #include "platform/wide_text.h"
 #include "values/utc_time.h"
@@ -75,6 +76,19 @@ std::wstring Grouped(uint64_t count) {
     std::wstring text = std::to_wstring(count);
     for (size_t at = text.size(); at > 3;) text.insert(at -= 3, separator);
     return text;
+}
+
+std::wstring GroupedCounts(const std::wstring& text) {
+    const size_t end = std::min(text.find(L", "), text.size());
+    std::wstring grouped;
+    for (size_t at = 0; at < text.size();) {
+        size_t digits = 0;
+        while (at + digits < end && digits < 18 && std::iswdigit(text[at + digits])) ++digits;
+        grouped +=
+            digits == 0 ? std::wstring(1, text[at]) : Grouped(std::stoull(text.substr(at, digits)));
+        at += std::max<size_t>(digits, 1);
+    }
+    return grouped;
 }
 
 std::wstring EditText(const std::string& text) {

@@ -21,6 +21,8 @@ std::wstring Text(unsigned id, std::initializer_list<std::wstring> values);
 
 // With the separators of the user's settings: "12,345".
 std::wstring Grouped(uint64_t count);
+// The counts in it, which stand before what a device says in words: "30 % (3,000 of 10,000)".
+std::wstring GroupedCounts(const std::wstring& text);
 
 // With the line breaks of an edit control.
 std::wstring EditText(const std::string& text);

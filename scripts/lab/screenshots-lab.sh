@@ -79,6 +79,14 @@ Key() {
     done
 }
 
+# Corner X Y: drags the lower right corner of the main window there.
+Corner() {
+    local X Y WIDTH HEIGHT
+    eval "$(xdotool search --onlyvisible --name '^VnBrowser$' getwindowgeometry --shell)"
+    xdotool mousemove $((X + WIDTH - 2)) $((Y + HEIGHT - 2)) mousedown 1 sleep 0.5 mousemove "$1" "$2" sleep 0.5 mouseup 1
+    sleep 1
+}
+
 # Waits until the screen has stayed the same for two seconds: whatever sends requests shows seconds.
 Settled() {
     local now='' before='' same=0
@@ -115,7 +123,13 @@ Picture several
 Key alt+d
 sleep 1
 Picture menu
-Key Escape Escape ctrl+f
+Key Escape Escape alt+v
+sleep 1
+Picture view
+Key Escape Escape shift+F10
+sleep 1
+Picture context
+Key Escape ctrl+f
 xdotool type nowhere
 sleep 1
 Picture hidden
@@ -196,6 +210,9 @@ Settled
 Key F6 Home
 Settled
 Picture vanished
+Corner 0 0
+Picture smallest # as far as it goes
+Corner $((1100 * dpi / 96)) $((620 * dpi / 96))
 Key alt+t h
 sleep 1
 Picture changes

@@ -3,7 +3,6 @@
 #include <windowsx.h>
 
 #include <algorithm>
-#include <cwctype>
 #include <utility>
 
 #include "platform/wide_text.h"
@@ -35,20 +34,6 @@ std::wstring LineOf(const std::vector<int>& columns, TextOf textOf) {
     return line + L"\r\n";
 }
 
-// The counts in it, which stand before what a device says in words: "30 % (3,000 of 10,000)".
-std::wstring GroupedCounts(const std::wstring& text) {
-    const size_t end = std::min(text.find(L", "), text.size());
-    std::wstring grouped;
-    for (size_t at = 0; at < text.size();) {
-        size_t digits = 0;
-        while (at + digits < end && digits < 18 && std::iswdigit(text[at + digits])) ++digits;
-        grouped +=
-            digits == 0 ? std::wstring(1, text[at]) : Grouped(std::stoull(text.substr(at, digits)));
-        at += std::max<size_t>(digits, 1);
-    }
-    return grouped;
-}
-
 }  // namespace
 
 std::vector<ListRow> ListRowsOf(const Report& report) {
@@ -62,7 +47,8 @@ std::vector<ListRow> ListRowsOf(const Report& report) {
         const std::wstring text = ToWide(WholeText(row));
         rows.push_back({{isSame ? L"" : ToWide(row.label), hasCounts ? GroupedCounts(text) : text},
                         {},
-                        isResult || row.severity == Severity::kCritical});
+                        isResult || row.severity == Severity::kCritical,
+                        ToWide(row.detail)});
         if (row.percent && !IsRoom(row.text)) rows.back().bar = BarOf(*row.percent, row.colour);
     }
     return rows;
@@ -114,7 +100,7 @@ void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
     // The last one first: the list moves the texts of the others to the left.
     for (int count = CountColumns(list_); count > 0; --count)
         ListView_DeleteColumn(list_, count - 1);
-    fitted_ = values_ = -1;
+    fitted_ = values_ = sorted_ = -1;
     headings_.clear();
     for (const ListColumn& each : columns) {
         const size_t index = headings_.size();
@@ -188,6 +174,35 @@ void ListControl::Select(int row) {
     Select({static_cast<size_t>(row)}, row);
 }
 
+void ListControl::MarkSorted(int column, bool isDescending) {
+    sorted_ = column;
+    const HWND header = ListView_GetHeader(list_);
+    for (int index = 0; index < CountColumns(list_); ++index) {
+        HDITEMW item = {};
+        item.mask = HDI_FORMAT;
+        SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(index),
+                     reinterpret_cast<LPARAM>(&item));
+        const int old = item.fmt;
+        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (index == column) item.fmt |= isDescending ? HDF_SORTDOWN : HDF_SORTUP;
+        if (item.fmt != old)
+            SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(index),
+                         reinterpret_cast<LPARAM>(&item));
+    }
+}
+
+void ListControl::SortByNext() const {
+    const std::vector<int> order = ShownOrder();
+    const auto at = std::find(order.begin(), order.end(), sorted_);
+    const bool isLast = at == order.end() || at + 1 == order.end();
+    model_.OnHeading(static_cast<size_t>(isLast ? order.front() : *(at + 1)));
+}
+
+void ListControl::SortByKey() const {
+    if (GetKeyState(VK_SHIFT) >= 0) return SortByNext();
+    if (sorted_ >= 0) model_.OnHeading(static_cast<size_t>(sorted_));
+}
+
 std::wstring ListControl::TextOf(int row, int column) const {
     const auto index = static_cast<size_t>(row);
     const bool isThere = row >= 0 && index < model_.Count() && column < CountColumns(list_);
@@ -216,7 +231,9 @@ std::wstring ListControl::SelectedText() const {
         if (values_ < 0) text += headings_[static_cast<size_t>(column)] + L": ";
         text += cell;
     }
-    return text;
+    const auto row = static_cast<size_t>(Selected());  // -1: none has that number
+    const std::wstring detail = model_.Detail(row);
+    return detail.empty() ? text : text + L" (" + detail + L")";
 }
 
 std::wstring ListControl::TableText() const {
@@ -358,7 +375,11 @@ bool ListControl::FindMenuPlace(LPARAM place, MenuPlace& found) const {
     found.column.reset();
     if (place == kByKeyboard) {
         RECT row = {};
-        if (Selected() >= 0) ListView_GetItemRect(list_, Selected(), &row, LVIR_LABEL);
+        GetClientRect(ListView_GetHeader(list_), &row);
+        if (Selected() >= 0) {  // it may be scrolled away
+            ListView_EnsureVisible(list_, Selected(), FALSE);
+            ListView_GetItemRect(list_, Selected(), &row, LVIR_LABEL);
+        }
         found.point = {row.left, row.bottom};
         ClientToScreen(list_, &found.point);
         return true;

@@ -19,8 +19,11 @@ struct ListRow {
     std::vector<std::wstring> cells;
     std::optional<LevelBar> bar{};  // before the text of the second cell
     bool isBold = false;            // what is worst, or the result of all
+    std::wstring detail{};          // shown of the selected row only
+    bool hasCounts = false;         // in a table, before and after: shown grouped
     bool operator==(const ListRow& other) const {
-        return cells == other.cells && bar == other.bar && isBold == other.isBold;
+        return cells == other.cells && bar == other.bar && isBold == other.isBold &&
+               detail == other.detail && hasCounts == other.hasCounts;
     }
 };
 // Of a report, each with a label and a text. Bold are the result, which is the first row, others
@@ -35,6 +38,10 @@ class ListModel {
     // `column`: a number in the list, as in the other methods.
     virtual std::wstring CellText(size_t row, size_t column) const {
         return rows_[row].cells[column];
+    }
+    // What the text of the selected row has besides its cells.
+    virtual std::wstring Detail(size_t row) const {
+        return row < rows_.size() ? rows_[row].detail : L"";
     }
     // By what typed letters find the row.
     virtual std::wstring SearchText(size_t row) const { return CellText(row, 0); }
@@ -97,6 +104,12 @@ class ListControl {
     void Select(const std::vector<size_t>& rows, int focused);
     void Select(int row);
 
+    // Marks the heading of the column by which the rows are sorted; -1: none.
+    void MarkSorted(int column, bool isDescending);
+    // As by clicks: by the next column to the right, or, with Shift, the other way round.
+    void SortByNext() const;
+    void SortByKey() const;
+
     // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
     // that a spreadsheet would run.
     std::wstring TableText() const;
@@ -143,6 +156,7 @@ class ListControl {
     bool isChanging_ = false;  // by a call
     int reported_ = -1;        // the selected row that the model knows of
     int values_ = -1;          // the column of values; -1: none
+    int sorted_ = -1;          // the column that is marked
     std::vector<std::wstring> headings_;
     // The column that has the rest of the width, and its widths with and without it.
     int fitted_ = -1, fittedWidth_ = 0, ownWidth_ = 0;

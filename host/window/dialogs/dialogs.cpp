@@ -82,6 +82,18 @@ void ChangeText(HWND window, const std::wstring& text) {
     if (WindowText(window) != text) SetWindowTextW(window, text.c_str());
 }
 
+void ShowWhole(HWND edit, const std::wstring& text) {
+    ChangeText(edit, text);
+    const WindowDc dc(edit);
+    const Selection font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(edit, WM_GETFONT, 0, 0)));
+    const LRESULT margins = SendMessageW(edit, EM_GETMARGINS, 0, 0);
+    const RECT room = PlaceIn(GetParent(edit), edit);
+    RECT needed = {0, 0, room.right - room.left - LOWORD(margins) - HIWORD(margins), 0};
+    DrawTextW(dc.Get(), text.c_str(), -1, &needed,
+              DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX);
+    ShowScrollBar(edit, SB_VERT, needed.bottom > room.bottom - room.top);
+}
+
 void TakeSuggested(HWND window, const RECT& place) {
     SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOSENDCHANGING);
@@ -250,6 +262,7 @@ void ListDialog::Stretch() {
         if (control == growing) place.bottom += down;
     });
     list_.Fit();
+    ShowWhole(Item(IDC_CHOSEN), WindowText(Item(IDC_CHOSEN)));
 }
 
 void ListDialog::OnDpi(int former) {
@@ -274,7 +287,7 @@ void ListDialog::Refresh() {
 
 // A dialog may lack these buttons.
 void ListDialog::OnSelected() {
-    SetItem(IDC_CHOSEN, list_.SelectedText());
+    ShowWhole(Item(IDC_CHOSEN), list_.SelectedText());
     EnableWindow(Item(IDC_COPY_ROW), list_.Selected() >= 0);
     EnableWindow(Item(IDC_COPY_TABLE), Count() != 0);
 }

@@ -25,6 +25,8 @@ std::wstring WindowText(HWND window);
 // Sets a text unless it is shown already, which would flicker and move the caret of an edit
 // control.
 void ChangeText(HWND window, const std::wstring& text);
+// The same for an edit control that is read only, with a scroll bar while its text needs one.
+void ShowWhole(HWND edit, const std::wstring& text);
 
 // For WM_DPICHANGED, whose place is taken as it is: a minimum with other rounding would make a
 // window grow each time that it comes to another screen.

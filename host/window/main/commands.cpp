@@ -116,7 +116,10 @@ constexpr Command kTable[] = {
      [](Window& w) { CopyText(w.Handle(), w.panes.list.TableText()); }},
     {kMenuLine},
     {IDM_FILTER, Ctrl('F'), nullptr,
-     [](Window& w) { SetFocus(GetDlgItem(w.Handle(), IDC_FILTER)); }},
+     [](Window& w) {
+         SetFocus(GetDlgItem(w.Handle(), IDC_FILTER));
+         SendDlgItemMessageW(w.Handle(), IDC_FILTER, EM_SETSEL, 0, -1);  // typing replaces it
+     }},
     {IDM_CLEAR, {}, NoScan, [](Window& w) { w.scans.Clear(); }},
 
     {IDS_MENU_VIEW},  // after the columns

@@ -1,11 +1,13 @@
 #include "window/main/device_commands.h"
 
+#include <algorithm>
 #include <numeric>
 #include <utility>
 
 #include "model/scan/device_view.h"
 #include "platform/wide_text.h"
 #include "values/ip_address.h"
+#include "values/text.h"
 #include "values/utc_time.h"
 #include "window/controls/clipboard.h"
 #include "window/dialogs/dialogs.h"
@@ -78,7 +80,14 @@ void ReadAdded(WindowState& state, const Results::Addresses& addresses,
     // What a search finds is read after it, and these with it.
     const bool areReadLater = state.progress.IsSearching() && state.settings.readsFound != 0;
     if (!areReadLater) ReadSome(state, targets);
-    if (!unknown.empty()) state.ReportProblem(Text(IDS_NO_ADDRESS, {ToWide(unknown)}));
+    if (unknown.empty()) return;
+    constexpr size_t kMostNamed = 10;  // a file that is no list of addresses has hundreds
+    std::vector<std::string> names = SplitText(unknown, ", ");
+    const size_t count = names.size();
+    names.resize(std::min(count, kMostNamed));
+    std::wstring named = ToWide(Joined(names));
+    if (count > kMostNamed) named = Text(IDS_NO_ADDRESS_MORE, {named, Grouped(count - kMostNamed)});
+    state.ReportProblem(Text(IDS_NO_ADDRESS, {named}));
 }
 
 std::vector<std::string> WebAddresses(const Session& session) {

@@ -17,6 +17,8 @@ std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile) {
     const bool isCell = column == Column::kState && !isInFile;
     const std::string text =
         isCell ? StateCell(row.standing, row.summary, *row.facts) : row.Text(column);
+    if (InfoOf(column).order == ColumnInfo::Order::kNumber && !isInFile)
+        return GroupedCounts(ToWide(text));
     return InfoOf(column).look != ColumnInfo::Look::kTime ? ToWide(text)
            : isInFile                                     ? LocalTime(text)
                                                           : ToWide(ShortTime(text));
@@ -84,18 +86,10 @@ std::vector<Column> DeviceList::Columns() const {
 
 void DeviceList::MarkSorted() {
     const DeviceView& view = state_.session.view;
-    const HWND header = ListView_GetHeader(Handle());
-    for (size_t index = 0; index < shown_.size(); ++index) {
-        HDITEMW item = {};
-        item.mask = HDI_FORMAT;
-        SendMessageW(header, HDM_GETITEMW, index, reinterpret_cast<LPARAM>(&item));
-        const int old = item.fmt;
-        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
-        if (shown_[index] == view.SortColumn())
-            item.fmt |= view.IsDescending() ? HDF_SORTDOWN : HDF_SORTUP;
-        if (item.fmt != old)
-            SendMessageW(header, HDM_SETITEMW, index, reinterpret_cast<LPARAM>(&item));
-    }
+    const auto at = std::find(shown_.begin(), shown_.end(), view.SortColumn());
+    const bool isShown = at != shown_.end();
+    ListControl::MarkSorted(isShown ? static_cast<int>(at - shown_.begin()) : -1,
+                            view.IsDescending());
 }
 
 void DeviceList::Show() {
@@ -161,26 +155,16 @@ std::optional<LevelBar> DeviceList::Bar(size_t row, size_t column) const {
     return BarOf(*shown.summary.lowestSupply, shown.summary.supplyColour);
 }
 
-void DeviceList::SortBy(Column column, bool isDescending) {
-    state_.session.view.Sort(column, isDescending);
+void DeviceList::OnHeading(size_t column) {
+    DeviceView& view = state_.session.view;
+    view.Sort(At(column), view.SortColumn() == At(column) && !view.IsDescending());
     Show();
 }
 
-void DeviceList::OnHeading(size_t column) {
-    const DeviceView& view = state_.session.view;
-    SortBy(At(column), view.SortColumn() == At(column) && !view.IsDescending());
-}
-
-void DeviceList::SortByNext() {
-    const std::vector<Column> columns = Columns();
-    const auto at = std::find(columns.begin(), columns.end(), state_.session.view.SortColumn());
-    const bool isLast = at == columns.end() || at + 1 == columns.end();
-    SortBy(isLast ? columns.front() : *(at + 1), false);
-}
-
 void DeviceList::Reverse() {
-    const DeviceView& view = state_.session.view;
-    SortBy(view.SortColumn(), !view.IsDescending());
+    DeviceView& view = state_.session.view;
+    view.Sort(view.SortColumn(), !view.IsDescending());
+    Show();
 }
 
 // Without a selected row, the selection stays until another one is selected.

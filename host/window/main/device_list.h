@@ -14,8 +14,8 @@
 
 namespace vndiscover::host {
 
-// A cell as it is shown; in a file, times are whole and states have no words of supplies, which
-// have columns of their own.
+// A cell as it is shown; in a file, times are whole, counts are plain numbers, and states have no
+// words of supplies, which have columns of their own.
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = false);
 
 class DeviceList : private ListModel, public ListControl {
@@ -35,8 +35,7 @@ class DeviceList : private ListModel, public ListControl {
 
     // Updates rows, selection and headings from the session.
     void Show();
-    // Sorts by the next column to the right, or the other way round.
-    void SortByNext();
+    // Sorts the other way round, also by a column that is not shown.
     void Reverse();
     // Handles WM_NOTIFY that a cell was clicked.
     void OnNotify(const NMHDR& header);
@@ -61,7 +60,6 @@ class DeviceList : private ListModel, public ListControl {
 
     // The list has only the columns that are shown, so that their numbers are others there.
     Column At(size_t index) const { return index < shown_.size() ? shown_[index] : Column::kName; }
-    void SortBy(Column column, bool isDescending);
     void MarkSorted();
 
     WindowState& state_;

@@ -205,11 +205,10 @@ void MainWindow::Dispatch(MSG& message) try {
     const HWND active = GetActiveWindow();
     const bool isOther = active && active != state.window;
     const bool isKey = message.message == WM_KEYDOWN;
-    if (isKey && message.wParam == VK_RETURN) {
-        if (message.hwnd == panes.list.Handle() && GetKeyState(VK_CONTROL) >= 0)
-            return OnCommand(IDM_DETAILS, 0);
-        if (isOther && ListControl::Of(message.hwnd)) return;  // it is no button
-    }
+    ListControl* const list = isKey ? ListControl::Of(message.hwnd) : nullptr;
+    if (list && message.wParam == VK_RETURN && (isOther || GetKeyState(VK_CONTROL) >= 0))
+        return list == &panes.list ? OnCommand(IDM_DETAILS, 0) : void();  // no button's key
+    if (list && message.wParam == VK_F9 && isOther) return list->SortByKey();
     const bool isForAll = isKey && message.wParam == VK_F1;
     if ((!isOther || isForAll) && TranslateAcceleratorW(state.window, keys_.Get(), &message))
         return;

@@ -25,6 +25,36 @@ void Panes::Create() {
     const HWND status =
         CreateControl(window, STATUSCLASSNAMEW, IDS_READY, SBARS_SIZEGRIP, IDC_STATUS);
     ShowWindow(CreateControl(status, PROGRESS_CLASSW, IDS_READ_BAR, 0, IDC_READ_BAR), SW_HIDE);
+    tip_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_NOPREFIX, 0, 0,
+                           0, 0, window, nullptr, GetModuleHandleW(nullptr), nullptr);
+    TTTOOLINFOW tool = StatusTool();
+    SendMessageW(tip_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
+}
+
+TTTOOLINFOW Panes::StatusTool() const {
+    TTTOOLINFOW tool = {};
+    tool.cbSize = sizeof tool;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = state_.window;
+    tool.uId = reinterpret_cast<UINT_PTR>(Control(IDC_STATUS));
+    return tool;
+}
+
+// The status bar's own tooltips are for bars of several parts. This one has a text only while the
+// window cuts that of the bar.
+void Panes::ShowStatusTip() const {
+    const HWND status = Control(IDC_STATUS);
+    std::wstring text = WindowText(status);
+    const WindowDc dc(status);
+    const Selection writing(dc.Get(), font_.Get());
+    RECT needed = {}, room = {};
+    DrawTextW(dc.Get(), text.c_str(), -1, &needed, DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
+    GetClientRect(status, &room);
+    if (needed.right <= room.right - Scaled(20, dpi_)) text.clear();
+    TTTOOLINFOW tool = StatusTool();
+    tool.lpszText = text.data();
+    SendMessageW(tip_, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageW(tip_, TTM_SETMAXTIPWIDTH, 0, Scaled(500, dpi_));
 }
 
 void Panes::RestoreSettings() {
@@ -122,6 +152,7 @@ void Panes::PlaceStatus() const {
     SetWindowPos(GetDlgItem(status, IDC_READ_BAR), nullptr, whole.width - part - Scaled(20, dpi_),
                  Scaled(4, dpi_), part, whole.height - Scaled(7, dpi_),
                  SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowStatusTip();
 }
 
 SIZE Panes::MinimumSize() const {
@@ -186,10 +217,10 @@ void Panes::ShowListTitle() const {
     std::wstring title = view.Count() == view.Total()
                              ? Text(IDS_SHOWN, {count})
                              : Text(IDS_SHOWN_OF, {count, Grouped(view.Total())});
-    if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, Grouped(view.Others())});
     const size_t changed =
         CountIf(view.AllRows(), [&](const DeviceRow& row) { return state_.changes.IsMarked(row); });
     if (changed != 0) title = Text(IDS_SHOWN_CHANGED, {title, L"\x25CF " + Grouped(changed)});
+    if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, Grouped(view.Others())});
     ChangeText(Control(IDC_DEVICES_LABEL), title);
 }
 
@@ -201,16 +232,17 @@ void Panes::ShowDetails() {
 
 void Panes::ShowDetailsTitle() const {
     const DeviceRow* row = state_.session.view.SelectedRow();
+    const size_t selected = state_.session.view.Selection().size();
     std::wstring title = Text(IDS_DETAILS);
     for (const Column column : {Column::kName, Column::kModel, Column::kAddress}) {
         if (!row || row->Text(column).empty()) continue;
-        title = Text(IDS_DETAILS_OF, {ToWide(row->Text(column))});
+        const std::wstring name = ToWide(row->Text(column));
+        title = selected > 1 ? Text(IDS_DETAILS_SELECTED, {Grouped(selected), name})
+                             : Text(IDS_DETAILS_OF, {name});
         break;
     }
     if (row && !row->facts->readTime.empty())
         title = Text(IDS_DETAILS_AS_OF, {title, ToWide(ShortTime(row->facts->readTime))});
-    const size_t selected = state_.session.view.Selection().size();
-    if (selected > 1) title = Text(IDS_DETAILS_SELECTED, {title, Grouped(selected)});
     ChangeText(Control(IDC_DETAILS_LABEL), title);
 }
 
@@ -226,7 +258,11 @@ std::wstring Panes::EmptyNote(Progress::Kind kind) const {
 void Panes::ShowStatus() const {
     const Progress::Status status =
         state_.progress.Now(state_.workers ? state_.workers->Now() : Progress::Work());
-    ChangeText(Control(IDC_STATUS), TextOf(status) + EmptyNote(status.kind));
+    const std::wstring text = TextOf(status) + EmptyNote(status.kind);
+    if (WindowText(Control(IDC_STATUS)) != text) {
+        ChangeText(Control(IDC_STATUS), text);
+        ShowStatusTip();
+    }
     const unsigned find = !state_.IsBusy()               ? IDS_FIND
                           : state_.progress.IsStopping() ? IDS_STOPPING
                                                          : IDS_STOP;

@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <string>
 
 #include "window/controls/owners.h"
@@ -55,6 +57,7 @@ class Panes {
     void ShowDetailsTitle() const;  // with the number of devices selected
     // What is in progress now: in words, as a bar while devices are read, and on the button.
     void ShowStatus() const;
+    TTTOOLINFOW StatusTool() const;  // of the tooltip
 
   private:
     HWND Control(int id) const { return GetDlgItem(state_.window, id); }
@@ -62,11 +65,13 @@ class Panes {
     int Margin() const;  // also the width of the gap between list and details
     int ListTop(int labelTop) const;
     void PlaceStatus() const;
+    void ShowStatusTip() const;
     std::wstring TextOf(const Progress::Status& status) const;
     std::wstring ReadText(const Progress::Status& status) const;
     std::wstring EmptyNote(Progress::Kind kind) const;
 
     WindowState& state_;
+    HWND tip_ = nullptr;
     OwnedFont font_;
     Box list_, details_;
     static constexpr int kLeastSplit = 200, kMostSplit = 800;

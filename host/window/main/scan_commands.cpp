@@ -111,13 +111,17 @@ bool ScanCommands::HasScan() const {
     return state_.progress.HasSearched() || !state_.session.GetScan().answers.empty();
 }
 
-bool ScanCommands::OpenFrom(const std::string& path) {
-    const std::wstring name = ToWide(FileName(path));
-    // A large one takes seconds.
+// A large one takes seconds.
+void ScanCommands::ShowOpening(const std::wstring& name) const {
     const HWND status = GetDlgItem(state_.window, IDC_STATUS);
     ChangeText(status, Text(IDS_OPENING, {name}));
     UpdateWindow(status);
     SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT)));
+}
+
+bool ScanCommands::OpenFrom(const std::string& path) {
+    const std::wstring name = ToWide(FileName(path));
+    ShowOpening(name);
     std::wstring problem;
     auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
@@ -127,6 +131,8 @@ bool ScanCommands::OpenFrom(const std::string& path) {
 }
 
 bool ScanCommands::CompareWith(const std::string& path) {
+    const std::wstring name = ToWide(FileName(path));
+    ShowOpening(name);
     std::wstring problem;
     const auto scan = LoadScan(path, problem);
     if (!scan) return state_.ReportProblem(problem);
@@ -139,13 +145,14 @@ bool ScanCommands::CompareWith(const std::string& path) {
                    (one.hasVariables || IsOtherByType(one));
         });
     Comparison changes = CompareDevices(std::move(before), std::move(after));
-    const std::wstring name = ToWide(FileName(path));
     changes.beforeName = ToUtf8(Text(IDS_THE_FILE, {name}));
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<ListRow> rows;
-    for (const ChangeRow& row : ChangesOf(changes))
+    for (const ChangeRow& row : ChangesOf(changes)) {
         rows.push_back(
             {{ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)}});
+        rows.back().hasCounts = row.what.rfind("page count", 0) == 0;
+    }
     comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {NameOf(name, *scan)}),
                      {{IDS_CHANGE_DEVICE, 300},
                       {IDS_FACT_WHAT, 120},

@@ -60,6 +60,7 @@ class ScanCommands {
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (ScanCommands::*method)(const std::string& path));
     bool MayReplace(unsigned question);
+    void ShowOpening(const std::wstring& name) const;
     void Replace(Scan scan);
     void ShowScan(Scan scan);
     void SaveTable(const std::string& csv);

@@ -128,7 +128,8 @@ void DetailsPane::Create(HWND parent) {
     }
     list_.Create(parent, IDC_DETAILS, Text(IDS_PAGE_SUMMARY));
     list_.SetColumns(Page().columns);
-    chosen_ = CreateControl(parent, L"STATIC", 0, SS_NOPREFIX, IDC_CHOSEN);
+    chosen_ = CreateControl(parent, L"EDIT", 0,
+                            ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_VSCROLL, IDC_CHOSEN);
 }
 
 void DetailsPane::Show() {
@@ -200,7 +201,6 @@ void DetailsPane::PlaceList(Placement& placement) {
     placement.Move(list_.Handle(), list);
     list_.SetDpi(dpi_);
     FitLabels();
-    ShowChosen();
 }
 
 void DetailsPane::FitLabels() {
@@ -213,7 +213,7 @@ void DetailsPane::ShowChosen() {
     const auto row = static_cast<size_t>(list_.Selected());
     const bool isHeading = row < rows_.size() && IsSummary() && rows_[row].cells[1].empty();
     const std::wstring chosen = isHeading ? L"" : list_.SelectedText();
-    ChangeText(chosen_, chosen.empty() && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
+    ShowWhole(chosen_, chosen.empty() && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
 }
 
 void DetailsPane::Settle() {
@@ -224,6 +224,7 @@ void DetailsPane::Settle() {
         PlaceList(placement);
     }
     list_.Fit();
+    ShowChosen();
 }
 
 void DetailsPane::Turn(int pages) {

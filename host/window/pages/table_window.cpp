@@ -22,24 +22,33 @@ void TableWindow::Open(HWND owner, const std::wstring& title, std::vector<ListCo
 
 void TableWindow::Show(const std::wstring& note, std::vector<ListRow> rows) {
     if (!IsOpen()) return;
+    const ListRow chosen = Chosen();
     order_.clear();  // of the former rows
     rows_ = std::move(rows);
     SetItem(IDC_TABLE_NOTE, note);
-    Arrange();
+    Arrange(chosen);
+}
+
+ListRow TableWindow::Chosen() const {
+    const auto row = static_cast<size_t>(list_.Selected());  // -1: none has that number
+    return row < order_.size() ? rows_[order_[row]] : ListRow();
 }
 
 std::wstring TableWindow::CellText(size_t row, size_t column) const {
-    const std::wstring& text = rows_[order_[row]].cells[column];
+    const ListRow& shown = rows_[order_[row]];
+    const std::wstring& text = shown.cells[column];
+    if (shown.hasCounts && column > 1) return GroupedCounts(text);
     return IsTime(column) ? ToWide(ShortTime(ToUtf8(text))) : text;
 }
 
 void TableWindow::OnHeading(size_t column) {
     isDescending_ = sorted_ == column && !isDescending_;
     sorted_ = column;
-    Arrange();
+    list_.MarkSorted(static_cast<int>(column), isDescending_);
+    Arrange(Chosen());
 }
 
-void TableWindow::Arrange() {
+void TableWindow::Arrange(const ListRow& chosen) {
     order_.resize(rows_.size());
     std::iota(order_.begin(), order_.end(), size_t{0});
     const bool isArrival = sorted_ == SIZE_MAX || IsTime(sorted_);
@@ -55,9 +64,11 @@ void TableWindow::Arrange() {
         return CompareStringW(LOCALE_USER_DEFAULT, NORM_IGNORECASE, less.c_str(), -1, more.c_str(),
                               -1) == CSTR_LESS_THAN;
     });
-    Refresh();
-    if (list_.Selected() >= 0 || Count() == 0) return;
-    list_.Select(0);  // its whole text is shown below
+    list_.Refresh();
+    // The selection stays with its row. Otherwise it is the first, whose whole text is shown below.
+    const auto at = std::find_if(order_.begin(), order_.end(),
+                                 [&](size_t index) { return rows_[index] == chosen; });
+    if (Count() != 0) list_.Select(at == order_.end() ? 0 : static_cast<int>(at - order_.begin()));
     OnSelected();
 }
 

@@ -1,5 +1,5 @@
-// A window with a table that is sorted by a click on a heading, copied, and saved as CSV: a
-// comparison, or the changes of a watched list.
+// A window with a table that is sorted by a click on a heading or by a key, copied, and saved as
+// CSV: a comparison, or the changes of a watched list.
 #pragma once
 
 #include <functional>
@@ -28,7 +28,9 @@ class TableWindow : public ListDialog {
     bool IsTime(size_t column) const { return form_.columns[column].heading == IDS_CALL_TIME; }
     void OnHeading(size_t column) override;
     void OnSelected() override;
-    void Arrange();
+    ListRow Chosen() const;  // without cells: none
+    // Sorts the rows, and selects this one.
+    void Arrange(const ListRow& chosen);
     void OnCommand(int id) override;
 
     std::function<void(const std::string& csv)> save_;

@@ -54,6 +54,7 @@ void WalkWindow::OnEnded(unsigned walk, const WalkEnd& end, const std::string& p
     if (!IsShown(walk)) return;
     state_ = State::kIdle;
     SetItem(IDC_WALK_START, Text(IDS_WALK_START));
+    EnableWindow(Item(IDC_WALK_START), TRUE);
     const std::wstring count = Grouped(values_.size());
     SetItem(IDC_WALK_STATE,
             problem.empty() ? EndText(end) : Text(IDS_WALK_PROBLEM, {count, ToWide(problem)}));
@@ -83,7 +84,12 @@ void WalkWindow::OnClosed() {
 }
 
 void WalkWindow::OnCommand(int id) {
-    if (id == IDC_WALK_START && workers_) state_ == State::kIdle ? Start() : Stop();
+    if (id != IDC_WALK_START || !workers_) return;
+    // Enter in the field starts, but does not stop what it has just started.
+    if (state_ == State::kIdle)
+        Start();
+    else if (GetFocus() != Item(IDC_WALK_ROOT))
+        Stop();
 }
 
 void WalkWindow::Start() {
@@ -106,6 +112,8 @@ void WalkWindow::Start() {
 void WalkWindow::Stop() {
     state_ = State::kStopping;  // until the last answer
     SetItem(IDC_WALK_START, Text(IDS_STOPPING));
+    if (GetFocus() == Item(IDC_WALK_START)) SetFocus(list_.Handle());
+    EnableWindow(Item(IDC_WALK_START), FALSE);
     workers_->StopWalk();
 }
 

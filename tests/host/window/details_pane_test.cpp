@@ -63,6 +63,23 @@ TEST_F(Details, PageStaysWithAnotherDevice) {
     EXPECT_EQ(0, Rows());
 }
 
+TEST_F(Details, WholeTextOfARowCanBeScrolled) {
+    const std::string whole(3000, '7');
+    OpenWith({{"10.77.1.1", whole}});
+    SelectNew(0);
+    Command(IDM_PREVIOUS_PAGE);
+    ASSERT_TRUE(Until([&] { return Rows() == 5; }));
+    const HWND chosen = Control(IDC_CHOSEN);
+    for (const int row : {0, 4}) {
+        ListView_SetItemState(Control(IDC_DETAILS), row, LVIS_SELECTED, LVIS_SELECTED);
+        EXPECT_EQ(row == 0, Has(TextOf(chosen), ToWide(whole)));
+        EXPECT_EQ(row == 0, (GetWindowLongW(chosen, GWL_STYLE) & WS_VSCROLL) != 0);
+        const LRESULT lines = SendMessageW(chosen, EM_GETLINECOUNT, 0, 0);
+        SendMessageW(chosen, EM_LINESCROLL, 0, 1);
+        EXPECT_EQ(row == 0, SendMessageW(chosen, EM_GETFIRSTVISIBLELINE, 0, 0) == 1) << lines;
+    }
+}
+
 // In the same step as all others, unless they need another number of rows.
 TEST_F(Details, TabsMoveOnce) {
     Open();

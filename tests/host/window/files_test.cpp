@@ -1,6 +1,7 @@
 // The commands of the File menu after the user has chosen a file.
 #include <regex>
 
+#include "model/scan/device_view.h"
 #include "model/scan/scan_file.h"
 #include "platform/saved_file.h"
 #include "scripted_window.h"
@@ -148,10 +149,16 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     const auto order = [&] {
         return CellOf(list, 0, 1) + L", " + CellOf(list, 1, 1) + L", " + CellOf(list, 2, 1);
     };
-    for (const auto& [column, sorted] :
-         {std::pair(1, L"9 %, 10 %, 100 %"), {0, L"10 %, 9 %, 100 %"}, {0, L"100 %, 9 %, 10 %"}}) {
-        ClickHeading(list, column);
+    ListView_SetItemState(list, 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    for (const wchar_t* sorted : {L"10 %, 9 %, 100 %", L"9 %, 10 %, 100 %"}) {
+        MSG next = {list, WM_KEYDOWN, VK_F9, 0, 0, {}};
+        window_->Dispatch(next);
         EXPECT_EQ(sorted, order());
+    }
+    for (const wchar_t* sorted : {L"10 %, 9 %, 100 %", L"100 %, 9 %, 10 %"}) {
+        ClickHeading(list, 0);
+        EXPECT_EQ(sorted, order());
+        EXPECT_TRUE(Has(TextOf(GetDlgItem(dialog, IDC_CHOSEN)), L"9 %")) << "the selected row";
     }
     table.Show(L"4 rows", {{{L"", L"8 %"}}, {{L"", L"7 %"}}, {{L"", L"6 %"}}, {{L"", L"5 %"}}});
     EXPECT_EQ(L"5 %, 6 %, 7 %", order());
@@ -162,6 +169,25 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     EXPECT_EQ(ToWide(ShortTime(now)), CellOf(list, 0, 0));
     Press(dialog, IDC_TABLE_SAVE);
     EXPECT_THAT(file, HasSubstr("\"" + ToUtf8(LocalTime(now)) + "\""));
+}
+
+TEST_F(Files, CountsAreGroupedOnTheScreenOnly) {
+    Open();
+    std::string file;
+    TableWindow table([&](const std::string& csv) { file = csv; });
+    table.Open(window_->Handle(), L"a table",
+               {{IDS_CHANGE_DEVICE, 90}, {IDS_FACT_WHAT, 90}, {IDS_CHANGE_BEFORE, 90}});
+    ListRow pages = {{L"Hall 1000", L"page count", L"184305"}};
+    pages.hasCounts = true;
+    table.Show(L"", {pages});
+    const HWND dialog = Popup(), list = GetDlgItem(dialog, IDC_ROWS);
+    EXPECT_EQ(L"Hall 1000 184,305", CellOf(list, 0, 0) + L" " + CellOf(list, 0, 2));
+    Press(dialog, IDC_TABLE_SAVE);
+    EXPECT_THAT(file, HasSubstr("184305"));
+    DeviceRow row;
+    row.Text(Column::kPageCount) = "184305";
+    EXPECT_EQ(L"184,305", ShownText(row, Column::kPageCount));
+    EXPECT_EQ(L"184305", ShownText(row, Column::kPageCount, true));
 }
 
 // In the format of the user's system, of which the separators are not known here.

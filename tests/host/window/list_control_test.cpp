@@ -166,6 +166,18 @@ TEST_F(Lists, SelectedRowIsFramedWithoutTheFocus) {
     EXPECT_TRUE(IsGapSelected(50));
 }
 
+TEST_F(Lists, MenuOfARowThatIsScrolledAwayIsInTheList) {
+    texts_.resize(100);
+    list_.Refresh();
+    list_.Select(0);
+    ListView_EnsureVisible(list_.Handle(), 99, FALSE);
+    ListControl::MenuPlace found = {};
+    ASSERT_TRUE(list_.FindMenuPlace(kByKeyboard, found));
+    RECT place = {};
+    GetWindowRect(list_.Handle(), &place);
+    EXPECT_TRUE(PtInRect(&place, found.point));
+}
+
 TEST_F(Lists, EmptyOnesSayWhyEachTime) {
     list_.Refresh();
     EXPECT_FALSE(DrawsText());

@@ -210,10 +210,10 @@ TEST_F(MainWindowTest, SeveralDevicesAreCopiedReadAndOpened) {
     OpenWith(devices);
     for (const int row : {0, 2}) Select(row, true);  // the third is silent
     ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
-    EXPECT_EQ(L"Details of x (2 devices are selected)", TextOf(Control(IDC_DETAILS_LABEL)));
+    EXPECT_EQ(L"2 devices selected: x", TextOf(Control(IDC_DETAILS_LABEL)));
     ListView_SetItemState(Control(IDC_DEVICES), 1, LVIS_SELECTED,
                           LVIS_SELECTED);  // without the focus
-    EXPECT_EQ(L"Details of x (3 devices are selected)", TextOf(Control(IDC_DETAILS_LABEL)));
+    EXPECT_EQ(L"3 devices selected: x", TextOf(Control(IDC_DETAILS_LABEL)));
     ListView_SetItemState(Control(IDC_DEVICES), 1, 0, LVIS_SELECTED);
     Command(IDM_CELL + 2);
     EXPECT_EQ(L"10.77.1.1\r\n10.77.1.3", Copied());
@@ -378,6 +378,8 @@ TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
     SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&twice));
     EXPECT_EQ(Control(IDC_DETAILS), GetFocus());
     ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
+    press(IDC_DETAILS);  // as one that is held goes on there
+    EXPECT_EQ(Text(IDS_FIND), TextOf(Control(IDC_FIND)));
     press(IDC_FILTER);
     ASSERT_TRUE(Until([&] { return engine_.sweeps == sweeps + 1; }));
     press(IDC_FILTER);  // stops nothing

@@ -225,6 +225,23 @@ TEST_F(Menus, TheGapTellsThatItIsAtItsEnd) {
     }
 }
 
+TEST_F(Menus, StatusThatIsCutHasATooltip) {
+    Open();
+    window_->state.progress.SetNote(Text(IDS_NOTHING_SENT));
+    window_->panes.ShowStatus();
+    for (const int width : {520, 1100}) {
+        SetWindowPos(window_->Handle(), nullptr, 0, 0, width, 600, SWP_NOMOVE | SWP_NOZORDER);
+        wchar_t text[200] = L"";
+        TTTOOLINFOW tool = window_->panes.StatusTool();
+        tool.lpszText = text;
+        for (HWND tip = GetTopWindow(nullptr); tip; tip = GetWindow(tip, GW_HWNDNEXT)) {
+            if (GetWindow(tip, GW_OWNER) == window_->Handle() && TypeOf(tip) == TOOLTIPS_CLASSW)
+                SendMessageW(tip, TTM_GETTEXTW, 200, reinterpret_cast<LPARAM>(&tool));
+        }
+        EXPECT_EQ(width == 520 ? Text(IDS_NOTHING_SENT) : L"", text);
+    }
+}
+
 // A screen reader does not read what an empty list shows.
 TEST_F(Menus, StatusSaysWhyTheListIsEmpty) {
     OpenWithDevice();
@@ -253,6 +270,10 @@ TEST_F(Menus, EachItemAndControlHasALetterOfItsOwn) {
     MSG letter = {Control(IDC_FIND), WM_SYSCHAR, 'i', 1 << 29, 0, {}};  // of the label "Filter"
     window_->Dispatch(letter);
     EXPECT_EQ(Control(IDC_FILTER), GetFocus());
+    SetWindowTextW(Control(IDC_FILTER), L"ink");
+    Command(IDM_FILTER);
+    SendMessageW(Control(IDC_FILTER), WM_CHAR, 'h', 1);
+    EXPECT_EQ(L"h", TextOf(Control(IDC_FILTER)));
 }
 
 // Buttons, and labels of what is typed or chosen.

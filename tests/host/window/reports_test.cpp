@@ -62,6 +62,9 @@ TEST(Reports, CommandsAreCopiedAndLongTextsShownWhole) {
     EXPECT_EQ(CellOf(list, 1, 0) + L": " + CellOf(list, 1, 1), TextOf(chosen));
     report.Show(OfDevice());
     EXPECT_FALSE(IsWindowVisible(GetDlgItem(page, IDC_COPY_COMMANDS)));
+    report.Show(OfPrinter());
+    SendMessageW(list, WM_KEYDOWN, VK_END, 1);
+    EXPECT_THAT(TextOf(chosen), HasSubstr(L"no answer (sysName)"));
     DestroyWindow(owner);
 }
 

@@ -330,7 +330,8 @@ inline std::wstring NameOf(HWND control) {
     return text;
 }
 
-// Through the list, as a screen reader gets it.
+// Through the list, of which a screen reader's rows are made. Wine gives an IAccessible of a list
+// no rows: its one child is the window of the headings, and names of others are E_INVALIDARG.
 inline std::wstring CellOf(HWND list, int row, int column) {
     wchar_t text[200] = L"";
     LVITEMW item = {};

@@ -71,8 +71,16 @@ TEST_F(WalkTests, GoesOnUntilItIsStopped) {
     SelectNew(1);  // during the walk
     const int rows = Rows();
     EXPECT_TRUE(Until([&] { return Rows() > rows; }));
-    Press(IDC_WALK_START);
+    const HWND button = GetDlgItem(walk_, IDC_WALK_START);
+    for (const HWND focused : {GetDlgItem(walk_, IDC_WALK_ROOT), button}) {  // Enter, and a click
+        EXPECT_TRUE(IsWindowEnabled(button));
+        SetFocus(focused);
+        Press(IDC_WALK_START);
+    }
+    EXPECT_FALSE(IsWindowEnabled(button));
+    EXPECT_EQ(list_, GetFocus());
     EXPECT_TRUE(Until([&] { return Has(State(), L" values, then stopped"); }));
+    EXPECT_TRUE(IsWindowEnabled(button));
     EXPECT_EQ(std::to_wstring(Rows()) + L" values, then stopped", State());
     EXPECT_TRUE(Until([&] { return Status().find(L"Stopped") == 0; }));
     // Its calls are one row.
