@@ -180,20 +180,23 @@ void ScanKeeper::AskDevices(const Login& login) {
         for (auto& [oid, answer] : read.values)
             AddAnswer({isWhole ? size_t{1} : 0, "", address, std::move(answer)});
     }
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        scan_.sweeps.end()[-2].isComplete = leftOut_ == 0;
-        scan_.sweeps.back().isCut = true;
-        const size_t last = scan_.sweeps.size() - 1;
-        if (!AnyOf(scan_.answers, [&](const ScanAnswer& one) { return one.sweep == last; }))
-            scan_.sweeps.pop_back();
-    }
+    EndReadings();
     if (watch.IsStopped()) {
         Warn("stopped: " + std::to_string(whole) + " of " + std::to_string(addresses.size()) +
              " devices were read whole");
     } else if (whole < addresses.size()) {
         Warn("devices that could not be read whole: " + std::to_string(addresses.size() - whole));
     }
+}
+
+// Of the two sweeps of readings.
+void ScanKeeper::EndReadings() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    scan_.sweeps.end()[-2].isComplete = leftOut_ == 0;
+    scan_.sweeps.back().isCut = true;
+    const size_t last = scan_.sweeps.size() - 1;
+    if (!AnyOf(scan_.answers, [&](const ScanAnswer& one) { return one.sweep == last; }))
+        scan_.sweeps.pop_back();
 }
 
 void ScanKeeper::Save() {

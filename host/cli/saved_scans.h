@@ -41,6 +41,7 @@ class ScanKeeper {
     void Save();
 
   private:
+    void EndReadings();
     void AddAnswer(ScanAnswer answer);  // its sweep: 0 is the last one, 1 the one before
 
     SaveOptions options_;

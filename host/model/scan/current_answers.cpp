@@ -60,23 +60,20 @@ bool IsState(const Oid& oid) {
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
     if (answers.empty()) return {};
     if (answers.size() == 1) return {answers.front()};
-    std::map<Question, size_t> sweeps;  // the last with an answer to it
-    // The last one that replaces all by a protocol, or one with a state.
-    std::map<Origin, size_t> readings, states;
-    const auto latest = [](auto& known, const auto& key, size_t sweep) {
-        size_t& last = known.try_emplace(key, sweep).first->second;
-        last = std::max(last, sweep);
-    };
+    std::map<Question, size_t> sweeps;     // the last with an answer to it
+    std::map<SweepKind, size_t> readings;  // the last that replaces all by a protocol
+    size_t state = 0;                      // the last with one
+    const auto follow = [](size_t& last, size_t sweep) { last = std::max(last, sweep); };
     for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        latest(sweeps, QuestionOf(sweep, answer, sweep.isCut), answer.sweep);
+        follow(sweeps[QuestionOf(sweep, answer, sweep.isCut)], answer.sweep);
         if (!IsVariable(sweep)) continue;
         for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
             if (sweep.isComplete || (sweep.isList && kind != sweep.kind))
-                latest(readings, Origin("", kind, true), answer.sweep);
+                follow(readings[kind], answer.sweep);
         }
-        if (IsState(answer.answer.oid)) latest(states, OriginOf(sweep, answer), answer.sweep);
+        if (IsState(answer.answer.oid)) follow(state, answer.sweep);
     }
     const auto isFormer = [](const auto& known, const auto& key, size_t sweep) {
         const auto found = known.find(key);
@@ -86,17 +83,13 @@ std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& 
     for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        if (isFormer(sweeps, QuestionOf(sweep, answer, false), answer.sweep) ||
-            isFormer(sweeps, QuestionOf(sweep, answer, true), answer.sweep))
-            continue;
-        if (IsVariable(sweep)) {
-            const Origin byProtocol("", sweep.kind, true);
-            if (isFormer(readings, byProtocol, answer.sweep)) continue;
-            if (IsOfState(answer.answer.oid) &&
-                isFormer(states, OriginOf(sweep, answer), answer.sweep))
-                continue;
-        }
-        current.push_back(index);
+        const bool isOfFormerReading =
+            IsVariable(sweep) && (isFormer(readings, sweep.kind, answer.sweep) ||
+                                  (IsOfState(answer.answer.oid) && state > answer.sweep));
+        if (!isOfFormerReading &&
+            !isFormer(sweeps, QuestionOf(sweep, answer, false), answer.sweep) &&
+            !isFormer(sweeps, QuestionOf(sweep, answer, true), answer.sweep))
+            current.push_back(index);
     }
     return current;
 }
