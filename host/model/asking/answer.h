@@ -53,6 +53,9 @@ const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
 
 constexpr char kErrorAnswer[] = "an error instead of a value";
 
+// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
+bool IsSilence(const Answer& answer);
+
 // Whether other variables of the device may still be read.
 bool IsOnlyThisOne(const Answer& failure);
 

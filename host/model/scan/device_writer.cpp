@@ -315,11 +315,14 @@ std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwn
                                      {"snmpV3User", &diagnosis.user}}) {
         cJSON* const one = cJSON_AddObjectToObject(root.get(), name);
         AddMembers(one, {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
-        AddNumber(one, "milliseconds", step->ms);
+        AddNumber(one, "milliseconds", step->ms.value_or(0));
     }
     cJSON_AddItemToObject(root.get(), "isOnOwnNetwork",
                           isOnOwnNetwork ? cJSON_CreateBool(*isOnOwnNetwork) : cJSON_CreateNull());
     AddText(root.get(), "verdict", VerdictOn(diagnosis));
+    if (diagnosis.v1.outcome == Outcome::kSilent)
+        AddMembers(root.get(), {{"community", diagnosis.community},
+                                {"object", OidToText(Append(OidOf("sysDescr"), {0}))}});
     return Line(root);
 }
 
