@@ -193,6 +193,7 @@ JsonItem DeviceWriter::Element(std::string_view address, std::string_view value)
         AddBinary(element.get(), values_.oid, isText ? values_.octetsOf(bytes) : bytes);
     } else {
         AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
+        if (bytes.empty()) AddText(element.get(), "text", NoValue());
     }
     return element;
 }
@@ -203,21 +204,24 @@ std::string DeviceWriter::OneLine(std::string_view value) const {
     return document ? CompactJson(document.get()) : PlainText(value);
 }
 
+const char* DeviceWriter::NoValue() const {
+    return values_.isV3 ? "no value, or neither an INTEGER nor a text of up to 126 bytes"
+                        : "no value, or too long for SNMPv1";
+}
+
 std::string DeviceWriter::TableRow(std::string_view address, std::string_view value) const {
     const JsonItem document = values_.kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
     const auto answers = AnswersOf(document.get());
+    const auto shown = [this](const std::string& text) {
+        return text.empty() ? "(" + std::string(NoValue()) + ")" : text;
+    };
     if (answers.empty()) {
-        std::string line = OneLine(value);
-        if (line.empty()) {
-            line = values_.kind == ValueKind::kRaw ? "(no value, or too long for SNMPv1)"
-                                                   : "(no value)";
-        }
-        return Padded(PlainText(address), AddressWidth()) + line + "\n";
+        return Padded(PlainText(address), AddressWidth()) + shown(OneLine(value)) + "\n";
     }
     std::string rows;
     for (const auto& [oid, answer] : answers) {
         rows += Padded(rows.empty() ? PlainText(address) : "", AddressWidth()) +
-                Padded(PlainText(oid), 29) + "  " + ShownValue(answer) + "\n";
+                Padded(PlainText(oid), 29) + "  " + shown(ShownValue(answer)) + "\n";
     }
     return rows;
 }
