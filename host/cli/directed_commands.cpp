@@ -275,6 +275,7 @@ int RunWalk(const Options& options) {
 }
 
 int RunInfo(const Options& options) {
+    CheckRequest("--community", options.community, DefaultDiscoveryOid());
     const Device device = OpenDevice(options);
     auto information = device.Information();
     Answer answer;

@@ -120,6 +120,7 @@ Sweep Prepare(const SweepOptions& options) {
     CheckPathsDiffer(options);
     arguments.useIPv6 = options.useIPv6;
     CheckRequest("--community", options.community, DefaultDiscoveryOid());
+    if (!options.save.path.empty()) CheckLongestCommunity(options.community);
     arguments.community = ToWide(options.community);
     if (!options.oid.empty()) {
         sweep.oid = CheckedOid(options);

@@ -59,7 +59,8 @@ class Usage(unittest.TestCase):
                 ("OID:", "get", AGENT, long_oid, "-c", "longer!"), ("VALUE:", "set", AGENT, CONTACT, "s", "x" * 90),
                 ("VALUE:", "set", AGENT, CONTACT, "i", "x"), ("TYPE:", "set", AGENT, CONTACT, "number", "1"),
                 ("--timeout:", "wsd", "--timeout", "999"), ("-u:", "printers", "--v3", "-u", "admin", "-u", "guest"),
-                ("--save:", "sweep", "--save", LAB + "/bad.json")):
+                ("--save:", "sweep", "--save", LAB + "/bad.json"), ("--community:", "info", AGENT, "-c", "x" * 92),
+                ("--community:", "sweep", "--save", LAB + "/new.json", "-c", "x" * 81)):
             code, out, err = run(*arguments)
             self.assertEqual((2, ""), (code, out), err)
             self.assertEqual(f"vndiscover: {offender}", err[:12 + len(offender)], arguments)

@@ -17,7 +17,7 @@ enum class Status {
     kAnswered,  // with type and bytes; if IsNoValue(type), the device has no such variable
     kNoAnswer,
     kSendFailed,
-    kUnreadable,      // an answer came, but without a variable
+    kUnreadable,      // an answer came, but without a variable; or it is too long to ask for
     kSilentHere,      // no answer to this request, although the device answers another one
     kOnlyDiscovered,  // SNMPv3: the device gave its engine ID, but no readable answer came
     kRefused,         // by an SNMPv3 report; note says why
