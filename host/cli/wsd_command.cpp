@@ -81,7 +81,7 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     const ResultWindow window([&](const char* address, const char* value) {
         const std::string_view reply = ReplyText(value);
         ProbeReply read = ReadReply(reply);
-        if (!read.relatesTo.empty() && read.relatesTo.find(id) == std::string::npos) return;
+        if (!read.relatesTo.empty() && Lower(read.relatesTo).find(id) == std::string::npos) return;
         if (onlyPrinters && !HasPrinter(read.matches)) {
             ++others;
             return;
@@ -92,13 +92,17 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
         if (options.isRaw) PrintRaw(address, reply);
     });
     bool isStopped = false;
-    const bool wasSent = IsOnANetwork();  // a Probe leaves by the loopback in any case
+    const bool isOnANetwork = IsOnANetwork();
+    const ULONGLONG startMs = GetTickCount64();
     {
         const SweepWatch watch(StopDiscoverSoap, StatusOf(replies, "reply", "replies"));
         DiscoverSoap(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe.data(),
                      static_cast<int32_t>(probe.size()));
         isStopped = watch.IsStopped();
     }
+    // Only what was sent is waited for, in whole seconds: not only from the loopback.
+    const bool wasSent =
+        isOnANetwork && GetTickCount64() - startMs >= options.timeoutMs / 1000 * 1500;
     window.Rethrow();
     if (!options.isRaw) Print(options.format == Format::kJson ? list.Json() : list.Table());
     if (others > 0)
