@@ -170,7 +170,7 @@ class Sweeps(unittest.TestCase):
         self.assertIn("'vndiscover printers -c COMMUNITY'", err)
         self.assertNotIn("'vndiscover sweep", err)
 
-    def test_devices_whose_value_the_dll_does_not_read_are_no_silence(self):
+    def test_a_value_that_is_not_read_is_no_silence(self):
         paths = [Path(LAB, name + ".json") for name in ("too_long", "object_id")]
         for path, oid in zip(paths, (LONG, SYSTEM + ".2.0")):
             path.write_text(json.dumps({"DiscoverOID": oid, "GET": {}}), encoding="utf-8")

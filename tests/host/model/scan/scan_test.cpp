@@ -368,7 +368,7 @@ TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
 TEST(ScanComparison, ASupplyThatHasBecomeEmptyCounts) {
     const auto scan = [](const char* level) {
         ScanOf scan = Variables();
-        scan.AddSupply("1", level, false);
+        scan.AddSupply("1", "", false);
         scan.Add("10.0.0.8", "\x03\xE8", "prtMarkerSuppliesMaxCapacity.5.1", kInteger);
         scan.Add("10.0.0.8", std::string(1, *level), "prtMarkerSuppliesLevel.5.1", kInteger);
         return MakeDevices(scan.scan);
