@@ -21,6 +21,8 @@ namespace vndiscover::host {
 constexpr char kNothingSent[] = "no request could be sent";
 constexpr char kAskOtherwise[] =
     ". 'vndiscover printers' and 'vndiscover sweep -c public -o sysName.0' ask otherwise";
+constexpr char kAskAsOthers[] =
+    ". 'vndiscover printers -c COMMUNITY' and 'vndiscover printers --v3 -u USER' ask otherwise";
 
 // Of reports on standard output. What is not for a person's eyes gets words alone.
 inline TextStyle OutputStyle() { return {OutputWidth(), HasOutputColours(), IsOutputConsole()}; }

@@ -16,7 +16,8 @@ With HOST the device is sent one ping, one SNMPv1 request with this community,
 the SNMPv3 engine discovery (over IPv6 twice) and, if its engine answers, one
 SNMPv3 request with this user or an empty name; both requests are for the
 variable after sysDescr.0, and are repeated if no answer comes. This takes 45 s
-at most, with a link-local address that lacks its zone some seconds more.
+at most. A link-local address without its zone is looked for on each adapter, if
+several are up: if it is silent, that takes up to 24 s more for each.
 
 Examples:
   vndiscover doctor
@@ -61,10 +62,11 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     }
     CheckRequest("--community", options.community, Append(kSystem, {1, 0}));
     const Device v1({options.community, nullptr}, address);
-    v1.ChooseAdapter();
     const Device v3(
         {"", options.v3.isOn ? ResolveSecurity(options.v3) : std::make_shared<const Security>()},
         address);
+    const SweepWatch watch(StopDiscoverSnmp, [&] { return "asking " + options.host; });
+    v1.ChooseAdapter();
     DiagnosisSteps steps;
     steps.ping = [&] { return v1.Ping(); };
     steps.v1 = AskerOf(v1);
@@ -73,7 +75,6 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     steps.community = CommunityOf({options.community, nullptr});
     steps.address = address;
     steps.hasRoute = HasRoute(address);
-    const SweepWatch watch(StopDiscoverSnmp, [&] { return "asking " + options.host; });
     steps.mayGoOn = steps.v1.mayGoOn = steps.v3.mayGoOn = [&] { return !watch.IsStopped(); };
     return Diagnose(steps);
 }

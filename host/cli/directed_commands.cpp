@@ -203,7 +203,8 @@ int RunGet(const Options& options) { return RunEach(options, &Device::Get); }
 int RunGetNext(const Options& options) { return RunEach(options, &Device::GetNext); }
 
 int Verify(const Device& device, const Oid& oid, const SetValue& value) {
-    const Answer answer = device.Get(oid);
+    const Asker asker = AskerOf(device);
+    const Answer answer = PatientAsker(asker, true).Ask(oid, [&] { return device.Get(oid); });
     const bool isAnswered = answer.status == Status::kAnswered;
     if (isAnswered && answer.type == value.type && answer.bytes == value.bytes) return kFound;
     if (isAnswered) {
@@ -275,6 +276,7 @@ int RunWalk(const Options& options) {
 }
 
 int RunInfo(const Options& options) {
+    CheckRequest("--community", options.community, DefaultDiscoveryOid());
     const Device device = OpenDevice(options);
     auto information = device.Information();
     Answer answer;
@@ -294,7 +296,9 @@ int RunInfo(const Options& options) {
         Print(ShownValue(*information) + "\n");
     }
     if (information) return kFound;
-    Warn(answer.status == Status::kAnswered   ? options.host + " answered, without this object"
+    const bool isAnswered = answer.status == Status::kAnswered;
+    Warn(isAnswered && IsNoValue(answer.type) ? options.host + " answered, without this object"
+         : isAnswered                         ? options.host + " answered, but with no text"
          : answer.status == Status::kNoAnswer ? "no answer from " + options.host
                                               : options.host + ": " + Problem(answer));
     return std::max<int>(kNone, ExitCodeOf(answer.status));

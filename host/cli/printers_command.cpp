@@ -360,12 +360,9 @@ void WarnOf(const PrinterFinder& finder, const std::vector<Login>& logins,
     for (const std::string& refusal : finder.refusals) Warn(refusal);
     if (finder.isStopped) return;
     WarnAtEnd(false, printers.size(),
-              finder.wasSent
-                  ? "no printer answered " + JoinedAs(logins, NameOf, " and ") + " for " +
-                        kPrinterObject +
-                        ". 'vndiscover printers -c COMMUNITY' and 'vndiscover printers --v3 -u "
-                        "USER' ask otherwise"
-                  : kNothingSent);
+              finder.wasSent ? "no printer answered " + JoinedAs(logins, NameOf, " and ") +
+                                   " for " + kPrinterObject + kAskAsOthers
+                             : kNothingSent);
 }
 
 int RunPrinters(const PrintersOptions& options, const std::vector<V3Options>& users) {

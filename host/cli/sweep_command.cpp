@@ -21,9 +21,10 @@ answers twice, or on two adapters, has two rows. Ctrl-C ends the sweep and keeps
 what was printed; a second Ctrl-C ends the program at once.
 
 A --json file names the OIDs to ask each device for; the answers replace the
-empty strings, and the names become OIDs:
-  {"DiscoverOID": "sysObjectID.0",
-   "GET": {"sysName.0": "", ".1.3.6.1.2.1.1.6.0": ""}}
+empty strings, and the names become OIDs. Devices are listed if they have a
+value for DiscoverOID, with --v3 a text or an INTEGER:
+  {"DiscoverOID": "sysName.0",
+   "GET": {"sysLocation.0": "", ".1.3.6.1.2.1.1.4.0": ""}}
 
 --save reads each device found as 'vndiscover printer' does, and saves all
 answers, and the devices found in them, as JSON; 'vndiscover compare' shows what
@@ -54,7 +55,9 @@ struct SweepOptions {
 struct Sweep {
     SnmpSweep arguments;
     ValueKind kind = ValueKind::kRaw;
-    SweepValues Values() const { return {kind, oid, ToUtf8(arguments.request), ToAnsi}; }
+    SweepValues Values() const {
+        return {kind, oid, ToUtf8(arguments.request), ToAnsi, arguments.security != nullptr};
+    }
     Oid oid = DefaultDiscoveryOid();
 };
 
@@ -117,6 +120,7 @@ Sweep Prepare(const SweepOptions& options) {
     CheckPathsDiffer(options);
     arguments.useIPv6 = options.useIPv6;
     CheckRequest("--community", options.community, DefaultDiscoveryOid());
+    if (!options.save.path.empty()) CheckLongestCommunity(options.community);
     arguments.community = ToWide(options.community);
     if (!options.oid.empty()) {
         sweep.oid = CheckedOid(options);
@@ -158,17 +162,34 @@ class CsvFile {
 
 // What was asked: a device of another maker may answer, but not to this.
 std::string NothingCame(const SweepOptions& options, const Sweep& sweep) {
-    const std::string object = !options.jsonPath.empty() ? "the OID in '" + options.jsonPath + "'"
-                               : !options.oid.empty()    ? options.oid
-                                                         : VN_DEFAULT_DISCOVERY_OID;
-    // The module tells of no device that refuses.
-    const std::string asked =
-        sweep.arguments.security
-            ? "answered the SNMPv3 user '" + options.v3.user + "' for " + object +
-                  "; or none lets this user read it at this security level"
-            : "answered community '" + CommunityOf({options.community, nullptr}) + "' for " +
-                  object;
-    return "no device " + asked + kAskOtherwise;
+    const bool isV3 = options.v3.isOn, isDocument = !options.jsonPath.empty();
+    const std::string community = CommunityOf({options.community, nullptr});
+    const std::string object =
+        isDocument ? OidTextsOf(ParseDocument(ToUtf8(sweep.arguments.request)).get()).front()
+        : options.oid.empty() ? VN_DEFAULT_DISCOVERY_OID
+                              : options.oid;
+    // The module tells of no device that refuses, or whose value it does not read.
+    const std::string limits =
+        isV3 ? "; or none lets this user read it at this security level, or has an INTEGER or a "
+               "text of 1 to 126 bytes there"
+        : isDocument ? "; or none has a value there that SNMPv1 can carry"
+                     : "";
+    const bool isOtherwise = !options.useIPv6 && community == "public" &&
+                             sweep.oid == Append(OidOf("sysName"), {0});  // as kAskOtherwise says
+    return "no device answered " +
+           (isV3 ? "the SNMPv3 user '" + options.v3.user : "community '" + community) + "' for " +
+           object + limits + (isOtherwise ? kAskAsOthers : kAskOtherwise);
+}
+
+// Returns false if not all is saved: the user was told why.
+bool SaveAtEnd(ScanKeeper& keeper) {
+    try {
+        keeper.Save();
+        return true;
+    } catch (const std::runtime_error& error) {
+        Warn(error.what());
+        return false;
+    }
 }
 
 int RunSweep(const SweepOptions& options) {
@@ -204,18 +225,9 @@ int RunSweep(const SweepOptions& options) {
              " bytes: " + std::to_string(cut) + "; ask for fewer OIDs");
     WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep) : kNothingSent);
     if (!isStopped) keeper.AskDevices({options.community, security});
-    int exitCode = devices > 0 ? kFound : wasSent || isStopped ? kNone : kSendFailed;
-    const auto fail = [&](const std::string& problem) {
-        Warn(problem);
-        exitCode = std::max<int>(exitCode, kNone);
-    };
-    try {
-        keeper.Save();
-    } catch (const std::runtime_error& error) {
-        fail(error.what());
-    }
-    if (!csv.Problem().empty()) fail("'" + options.csvPath + "' is incomplete" + csv.Problem());
-    return exitCode;
+    const int exitCode = devices > 0 ? kFound : wasSent || isStopped ? kNone : kSendFailed;
+    if (!csv.Problem().empty()) Warn("'" + options.csvPath + "' is incomplete" + csv.Problem());
+    return SaveAtEnd(keeper) && csv.Problem().empty() ? exitCode : std::max<int>(exitCode, kNone);
 }
 
 }  // namespace

@@ -57,22 +57,32 @@ bool HasPrinter(const std::vector<ProbeMatch>& matches) {
     return AnyOf(matches, [](const auto& match) { return Contains(match.types, kPrinterType); });
 }
 
-std::string MakeProbe(const std::string& wanted, const std::string& id) {
+std::string MakeProbe(const WsdOptions& options, bool onlyPrinters, const std::string& id) {
     std::string problem;
-    const auto types = CheckTypes(wanted, problem);
+    const auto types = CheckTypes(onlyPrinters      ? kPrinterType
+                                  : options.withAll ? "wsdp:Device"
+                                                    : options.types,
+                                  problem);
     if (!types) throw CLI::ValidationError("--types", problem);
     std::string probe = BuildProbe(*types, id);
     if (probe.size() > VN_SOAP_PROBE_MAX) throw CLI::ValidationError("--types", "too many types");
     return probe;
 }
 
+// Blocks until the sweep has ended. False if nothing was sent to a network.
+bool SendProbe(HWND window, unsigned timeoutMs, const std::string& probe) {
+    const bool isOnANetwork = IsOnANetwork();
+    const ULONGLONG startMs = GetTickCount64();
+    DiscoverSoap(window, ResultWindow::kMessage, timeoutMs, probe.data(),
+                 static_cast<int32_t>(probe.size()));
+    // Only what was sent is waited for, in whole seconds; what leaves by the loopback is, too.
+    return isOnANetwork && GetTickCount64() - startMs >= timeoutMs / 1000 * 1500;
+}
+
 // `onlyPrinters`: of responders that do not look at the types that they are asked for.
 int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     const std::string id = NewUuid();
-    const std::string probe = MakeProbe(onlyPrinters      ? kPrinterType
-                                        : options.withAll ? "wsdp:Device"
-                                                          : options.types,
-                                        id);
+    const std::string probe = MakeProbe(options, onlyPrinters, id);
     ScanKeeper keeper(options.save);
     keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
     MatchList list;
@@ -81,7 +91,7 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     const ResultWindow window([&](const char* address, const char* value) {
         const std::string_view reply = ReplyText(value);
         ProbeReply read = ReadReply(reply);
-        if (!read.relatesTo.empty() && read.relatesTo.find(id) == std::string::npos) return;
+        if (!read.relatesTo.empty() && Lower(read.relatesTo).find(id) == std::string::npos) return;
         if (onlyPrinters && !HasPrinter(read.matches)) {
             ++others;
             return;
@@ -91,12 +101,10 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
         keeper.Add(address, reply);
         if (options.isRaw) PrintRaw(address, reply);
     });
-    bool isStopped = false;
-    const bool wasSent = IsOnANetwork();  // a Probe leaves by the loopback in any case
+    bool isStopped = false, wasSent = false;
     {
         const SweepWatch watch(StopDiscoverSoap, StatusOf(replies, "reply", "replies"));
-        DiscoverSoap(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe.data(),
-                     static_cast<int32_t>(probe.size()));
+        wasSent = SendProbe(window.Handle(), options.timeoutMs, probe);
         isStopped = watch.IsStopped();
     }
     window.Rethrow();

@@ -31,6 +31,7 @@ namespace {
 
 // Remains if no answer came: a readable answer has its type, and an unreadable one has 0.
 constexpr uint32_t kNotSet = UINT32_MAX;
+constexpr char kTooLongRequest[] = "community and OID are too long for an SNMPv1 request";
 constexpr char kTooLongForV1[] = "no value, or too long for SNMPv1; SNMPv3 may read it";
 const Oid kUpTime = {1, 3, 6, 1, 2, 1, 1, 3};  // that tells whether a device is there
 constexpr char kLowLevel[] = "this user may not read it at this security level";
@@ -134,7 +135,7 @@ bool Device::Ping() const { return VxPing(Host(), kPingTimeoutMs) != 0; }
 
 Answer Device::Get(const Oid& oid) const {
     if (security_) return GetV3(oid);
-    if (!CanSend(oid)) return Failed(Status::kSendFailed, oid);
+    if (!CanSend(oid)) return Failed(Status::kUnreadable, oid, kTooLongRequest);
     uint8_t value[VN_REQUEST_VALUE_SIZE] = {};
     uint32_t type = kNotSet;
     const int32_t length =
@@ -182,7 +183,7 @@ Answer Device::GetNext(const Oid& oid) const {
 }
 
 Answer Device::GetNextV1(const Oid& oid) const {
-    if (!CanSend(oid)) return Failed(Status::kSendFailed, oid);
+    if (!CanSend(oid)) return Failed(Status::kUnreadable, oid, kTooLongRequest);
     VnResponseRecord record = {};
     const int32_t length =
         GetNextSnmpRequestRaw(Host(), OidToText(oid).c_str(), &record, kUnusedTimeoutMs,

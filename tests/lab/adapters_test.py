@@ -16,6 +16,8 @@ BURST = 400  # the kernel queues about 280 for a socket with the default receive
 MATCH = ('<e:Envelope xmlns:e="http://www.w3.org/2003/05/soap-envelope"><e:Body><d:ProbeMatches '
          'xmlns:d="http://schemas.xmlsoap.org/ws/2005/04/discovery"><d:ProbeMatch><d:XAddrs>http://a/&#27;[2J'
          '</d:XAddrs></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>').encode()
+RELATED = MATCH.replace(b"<e:Body>", b'<e:Header><a:RelatesTo xmlns:a="http://schemas.xmlsoap.org/ws/2004/08/addressing">%s'
+                        b'</a:RelatesTo></e:Header><e:Body>')
 GROUP = socket.inet_aton("239.255.255.250")
 IP_PKTINFO = 8
 OID = bytes.fromhex("2b06010401ae4b2b0501010101")
@@ -71,6 +73,8 @@ class Device(threading.Thread):
     def answers(self, data):
         if b"hostile" in data:
             return [MATCH, MATCH.ljust(2048, b" "), b"\x1b]0;x\x07\x9b2J", b"A" * 2048]
+        if b"capitals" in data:
+            return [RELATED % re.search(rb"MessageID>([^<]+)", data)[1].upper()]
         if b"flood" in data:
             return [b"reply %03d" % i for i in range(BURST)] if self.net == "neta" else []
         return [{V1_REQUEST: v1(0xA2, tlv(4, self.text)), V3_PROBE: v3(0, 0xA8, b"\x41\1\1", user=b"", context=ENGINE),
@@ -125,6 +129,9 @@ class BothAdapters(unittest.TestCase):
         self.assertEqual([f"reply {i:03}" for i in range(BURST)], re.findall("reply [0-9]{3}", out))
         probes = [line.split(":3702 ")[0] for line in seen if b"flood".hex() in line]
         self.assertEqual(["neta: 10.77.1.1 > 239.255.255.250", "netb: 10.77.2.1 > 239.255.255.250"], sorted(probes))
+
+    def test_identifiers_are_compared_without_case(self):
+        self.assertIn("http://a/", found("wsd", "--timeout", "1000", "--types", "wsdp:capitals"))
 
     def test_hostile_replies_print_no_control_characters(self):
         outs = at_once(lambda options: found("wsd", "--timeout", "1000", "--types", "wsdp:hostile", *options),

@@ -59,7 +59,8 @@ class Usage(unittest.TestCase):
                 ("OID:", "get", AGENT, long_oid, "-c", "longer!"), ("VALUE:", "set", AGENT, CONTACT, "s", "x" * 90),
                 ("VALUE:", "set", AGENT, CONTACT, "i", "x"), ("TYPE:", "set", AGENT, CONTACT, "number", "1"),
                 ("--timeout:", "wsd", "--timeout", "999"), ("-u:", "printers", "--v3", "-u", "admin", "-u", "guest"),
-                ("--save:", "sweep", "--save", LAB + "/bad.json")):
+                ("--save:", "sweep", "--save", LAB + "/bad.json"), ("--community:", "info", AGENT, "-c", "x" * 92),
+                ("--community:", "sweep", "--save", LAB + "/new.json", "-c", "x" * 81)):
             code, out, err = run(*arguments)
             self.assertEqual((2, ""), (code, out), err)
             self.assertEqual(f"vndiscover: {offender}", err[:12 + len(offender)], arguments)
@@ -165,6 +166,17 @@ class Sweeps(unittest.TestCase):
         code, out, err = run("sweep", "--community", "wrong", "--format", "json")
         self.assertEqual((1, "[]\n"), (code, out))
         self.assertRegex(err, r"no device answered community 'wrong' for \.1\.3.*'vndiscover printers'.*'vndiscover doctor'")
+        err = run("sweep", "-c", "public", "-o", "sysName.0")[2]
+        self.assertIn("'vndiscover printers -c COMMUNITY'", err)
+        self.assertNotIn("'vndiscover sweep", err)
+
+    def test_a_value_that_is_not_read_is_no_silence(self):
+        paths = [Path(LAB, name + ".json") for name in ("too_long", "object_id")]
+        for path, oid in zip(paths, (LONG, SYSTEM + ".2.0")):
+            path.write_text(json.dumps({"DiscoverOID": oid, "GET": {}}), encoding="utf-8")
+        err = run("sweep", "--json", str(paths[0]))[2]
+        self.assertIn(f"for {LONG}; or none has a value there that SNMPv1 can carry", err)
+        self.assertIn("or has an INTEGER or a text", run("sweep", *V3, "--json", str(paths[1]), **SECRETS)[2])
 
     def test_v3_takes_passwords_from_the_environment(self):
         path = Path(LAB, "d" * 150, "d" * 150, "v3.csv")  # longer than the module takes

@@ -10,7 +10,10 @@ from lab import AGENT, AGENT_CONF, SECRETS, V3, at_once, main, run
 class Doctor(unittest.TestCase):
     def verdict(self, *arguments, **environment):
         code, out, _ = run("doctor", *arguments, "--format", "json", **{**SECRETS, **environment})
-        return code, json.loads(out)["verdict"]
+        report = json.loads(out)
+        asked = ("wrong", ".1.3.6.1.2.1.1.1.0") if "wrong" in arguments else (None, None)
+        self.assertEqual(asked, (report.get("community"), report.get("object")))
+        return code, report["verdict"]
 
     def test_adapters_are_listed_in_the_order_of_a_sweep(self):
         code, out, err = run("doctor")

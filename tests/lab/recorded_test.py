@@ -130,6 +130,11 @@ class Recorded(unittest.TestCase):
         self.assertIn("although the device answers", gaps.pop("prtMarkerSuppliesDescription"))
         self.assertEqual({"prtAlertDescription", "sysDescr"}, set(gaps))
 
+    def test_a_value_that_was_set_is_read_again(self):
+        Agent("10.77.1.36", loss=0.2)  # of the first three requests, the second
+        code, _, err = run("set", "10.77.1.36", "sysName.0", "s", "hall", "--verify")
+        self.assertEqual((0, ""), (code, err))
+
     def test_doctor_says_why_an_answer_is_no_use(self):
         Agent("10.77.1.34", delay=2.5)
         Agent("10.77.1.35", sender="10.77.1.2")

@@ -34,11 +34,6 @@ const std::pair<Oid, const char*> kReasons[] = {
     {{12, 1, 5, 0}, "the device does not know the default context"},
 };
 
-// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
-bool IsSilence(const Answer& answer) {
-    return answer.status == Status::kNoAnswer || answer.status == Status::kOnlyDiscovered;
-}
-
 }  // namespace
 
 Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw) {
@@ -56,6 +51,10 @@ Answer Received(std::string_view bytes) { return AnsweredWith({}, 0, bytes); }
 
 Answer Failed(Status status, const Oid& asked, std::string note) {
     return {status, asked, 0, "", 0, std::move(note)};
+}
+
+bool IsSilence(const Answer& answer) {
+    return answer.status == Status::kNoAnswer || answer.status == Status::kOnlyDiscovered;
 }
 
 bool IsOnlyThisOne(const Answer& failure) {

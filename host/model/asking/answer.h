@@ -17,7 +17,7 @@ enum class Status {
     kAnswered,  // with type and bytes; if IsNoValue(type), the device has no such variable
     kNoAnswer,
     kSendFailed,
-    kUnreadable,      // an answer came, but without a variable
+    kUnreadable,      // an answer came, but without a variable; or it is too long to ask for
     kSilentHere,      // no answer to this request, although the device answers another one
     kOnlyDiscovered,  // SNMPv3: the device gave its engine ID, but no readable answer came
     kRefused,         // by an SNMPv3 report; note says why
@@ -52,6 +52,9 @@ Answer Failed(Status status, const Oid& asked, std::string note = "");
 const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
 
 constexpr char kErrorAnswer[] = "an error instead of a value";
+
+// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
+bool IsSilence(const Answer& answer);
 
 // Whether other variables of the device may still be read.
 bool IsOnlyThisOne(const Answer& failure);

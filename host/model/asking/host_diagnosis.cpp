@@ -13,7 +13,7 @@ namespace {
 const Oid kSysDescr = {1, 3, 6, 1, 2, 1, 1, 1, 0};
 
 // An answer without a value, or one that cannot be read, counts: the device accepted the request.
-StepResult ResultOf(const Answer& answer, int64_t ms) {
+StepResult ResultOf(const Answer& answer, std::optional<int64_t> ms) {
     // In the order of Status.
     constexpr Outcome kOutcomes[] = {Outcome::kAnswered, Outcome::kSilent,   Outcome::kNotSent,
                                      Outcome::kAnswered, Outcome::kAnswered, Outcome::kSilent,
@@ -57,7 +57,7 @@ std::string Evidence(const HostDiagnosis& diagnosis) {
 
 std::string Cause(const HostDiagnosis& diagnosis) {
     if (IsLate(diagnosis)) {
-        return "SNMPv1 answers after " + SecondsText(diagnosis.v1.ms) +
+        return "SNMPv1 answers after " + SecondsText(*diagnosis.v1.ms) +
                ", but sweeps and SNMPv3 wait 2 s only";
     }
     const bool hasV1 = Answers(diagnosis.v1);
@@ -76,18 +76,20 @@ std::string Cause(const HostDiagnosis& diagnosis) {
 // The result of a request, and the answer's sender if that is another address.
 StepResult ResultOfAsking(const DiagnosisSteps& steps, const Asker& asker, Answer& answer,
                           std::string& otherSender) {
-    int64_t spentMs = 0;  // by the last request
+    // By the last request; of a variable that stays silent, by the last one that was answered.
+    std::optional<int64_t> spentMs, answeredMs;
     Asker timed = asker;
     timed.getNext = [&](const Oid& oid) {
         const int64_t startMs = steps.v1.NowMs();
         Answer one = asker.getNext(oid);
         spentMs = steps.v1.NowMs() - startMs;
+        if (!IsSilence(one)) answeredMs = spentMs;
         return one;
     };
     answer = PatientAsker(timed).GetNext(kSysDescr);
     const auto asked = ParseIpAddress(steps.address), sender = ParseIpAddress(answer.sender);
     if (asked && sender && asked->bytes != sender->bytes) otherSender = answer.sender;
-    return ResultOf(answer, spentMs);
+    return ResultOf(answer, answer.status == Status::kSilentHere ? answeredMs : spentMs);
 }
 
 }  // namespace
@@ -111,7 +113,7 @@ HostDiagnosis Diagnose(const DiagnosisSteps& steps) {
     const bool isDiscovered =
         answer.status != Status::kNoAnswer && answer.status != Status::kSendFailed;
     // The module finds the engine out within the request: it has answered by then.
-    const int64_t engineMs = v3.outcome == Outcome::kSilent ? 0 : v3.ms;
+    const auto engineMs = v3.outcome == Outcome::kSilent ? std::nullopt : v3.ms;
     diagnosis.discovery = isDiscovered ? StepResult{Outcome::kAnswered, "", engineMs} : v3;
     if (steps.hasUser && isDiscovered) diagnosis.user = v3;
     return diagnosis;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "model/asking/answer.h"
@@ -20,7 +21,7 @@ enum class Outcome {
 struct StepResult {
     Outcome outcome = Outcome::kNotAsked;
     std::string detail;
-    int64_t ms = 0;  // that the answer, or the silence, took
+    std::optional<int64_t> ms{};  // that the answer, or the silence, took; empty: not measured
 };
 
 struct HostDiagnosis {

@@ -51,8 +51,8 @@ std::string RequestFor(const std::string& oid) {
 std::vector<std::string> OidTextsOf(const cJSON* request) {
     std::vector<std::string> texts;
     const cJSON* const discovery = cJSON_GetObjectItem(request, "DiscoverOID");
-    if (cJSON_IsString(discovery) && *discovery->valuestring)
-        texts.emplace_back(discovery->valuestring);
+    const bool isGiven = cJSON_IsString(discovery) && *discovery->valuestring;
+    texts.emplace_back(isGiven ? discovery->valuestring : kDefaultDiscoveryOid);
     for (const auto& [name, value] : AnswersOf(request)) texts.push_back(name);
     return texts;
 }

@@ -181,13 +181,20 @@ FirewallReport ReportOn(const FirewallState& state, const std::string& programPa
     return report;
 }
 
-void AddFirewall(ComputerReport& report) {
+void AddFirewall(ComputerReport& report, const FirewallState& state) {
     for (const PortVerdict& verdict : report.firewall.ports) {
         if (verdict.passage == Passage::kOpen) continue;
         std::string sentence =
             "the firewall, " + verdict.profile + " profile, and answers from UDP ";
         sentence += std::to_string(verdict.port) + ": " + verdict.reason;
         (verdict.passage == Passage::kClosed ? report.causes : report.notes).push_back(sentence);
+    }
+    for (const FirewallProfile& profile : state.active) {
+        // No cause: rules for what goes out are not read.
+        if (profile.isOn && !profile.allowsOutbound)
+            report.notes.push_back(std::string("the firewall, ") + NameOf(profile.bit) +
+                                   " profile, lets out only what a rule allows: requests may not "
+                                   "be sent");
     }
 }
 
@@ -272,7 +279,7 @@ ComputerReport ReportOn(const Computer& computer) {
     addIf(report.ipv6.seconds == 0, report.notes,
           "no adapter that is up has an IPv6 link-local address: no IPv6 sweep is sent");
     report.notes.push_back(DetourNote(report.ipv4));
-    AddFirewall(report);
+    AddFirewall(report, computer.firewall);
     addIf(report.log.file, report.notes,
           "the log is on: VxAdmSvc.log in the current directory, communities included");
     addIf(report.log.debugger, report.notes, "the log is on: lines go to the debugger");
@@ -311,7 +318,7 @@ const char* OutcomeText(Outcome outcome) {
 
 std::string StepText(const StepResult& step) {
     std::string outcome = OutcomeText(step.outcome);
-    if (step.ms > 0) outcome += " after " + SecondsText(step.ms);
+    if (step.ms && step.outcome != Outcome::kNotSent) outcome += " after " + SecondsText(*step.ms);
     return step.detail.empty() ? outcome : outcome + ": " + step.detail;
 }
 

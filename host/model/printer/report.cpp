@@ -195,6 +195,12 @@ std::string PlainWords(const std::string& word) {
         {"opc", "photoconductor"},
         {"other", "another state"},
         {"warmup", "warming up"},
+        {"markerOpcLifeAlmostOver", "photoconductor life almost over"},
+        {"markerOpcLifeOver", "photoconductor life over"},
+        {"finDevice", "finisher"},
+        {"finSupply", "finisher supply"},
+        {"finSupplyMediaInput", "finisher supply input"},
+        {"finAttribute", "finisher attribute"},
         {"overduePreventMaint", "maintenance overdue"}};
     for (const auto& [known, plain] : kPlain) {
         if (word == known) return plain;

@@ -60,7 +60,8 @@ std::vector<FieldChange> ChangedFields(const FoundDevice& before, const FoundDev
         if (now == levels.end() || now->second.maximum.has_value() != old.maximum.has_value())
             continue;
         const auto percent = PercentOf(old);
-        if (!percent || percent != PercentOf(now->second))
+        const bool isEmptied = (old.level == 0) != (now->second.level == 0);
+        if (!percent || isEmptied || percent != PercentOf(now->second))
             compare(name.first, LevelText(old), LevelText(now->second));
     }
     return changes;

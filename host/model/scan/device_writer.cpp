@@ -190,6 +190,7 @@ JsonItem DeviceWriter::Element(std::string_view address, std::string_view value)
         AddBinary(element.get(), values_.oid, isText ? values_.octetsOf(bytes) : bytes);
     } else {
         AddText(element.get(), "value", IsPrintable(bytes) ? bytes : ShownValue(bytes));
+        if (bytes.empty()) AddText(element.get(), "text", NoValue());
     }
     return element;
 }
@@ -200,21 +201,24 @@ std::string DeviceWriter::OneLine(std::string_view value) const {
     return document ? CompactJson(document.get()) : PlainText(value);
 }
 
+const char* DeviceWriter::NoValue() const {
+    return values_.isV3 ? "no value, or neither an INTEGER nor a text of up to 126 bytes"
+                        : "no value, or too long for SNMPv1";
+}
+
 std::string DeviceWriter::TableRow(std::string_view address, std::string_view value) const {
     const JsonItem document = values_.kind == ValueKind::kDocument ? ParseDocument(value) : nullptr;
     const auto answers = AnswersOf(document.get());
+    const auto shown = [this](const std::string& text) {
+        return text.empty() ? "(" + std::string(NoValue()) + ")" : text;
+    };
     if (answers.empty()) {
-        std::string line = OneLine(value);
-        if (line.empty()) {
-            line = values_.kind == ValueKind::kRaw ? "(no value, or too long for SNMPv1)"
-                                                   : "(no value)";
-        }
-        return Padded(PlainText(address), AddressWidth()) + line + "\n";
+        return Padded(PlainText(address), AddressWidth()) + shown(OneLine(value)) + "\n";
     }
     std::string rows;
     for (const auto& [oid, answer] : answers) {
         rows += Padded(rows.empty() ? PlainText(address) : "", AddressWidth()) +
-                Padded(PlainText(oid), 29) + "  " + ShownValue(answer) + "\n";
+                Padded(PlainText(oid), 29) + "  " + shown(ShownValue(answer)) + "\n";
     }
     return rows;
 }
@@ -312,11 +316,14 @@ std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwn
                                      {"snmpV3User", &diagnosis.user}}) {
         cJSON* const one = cJSON_AddObjectToObject(root.get(), name);
         AddMembers(one, {{"outcome", OutcomeText(step->outcome)}, {"detail", step->detail}});
-        AddNumber(one, "milliseconds", step->ms);
+        AddNumber(one, "milliseconds", step->ms.value_or(0));
     }
     cJSON_AddItemToObject(root.get(), "isOnOwnNetwork",
                           isOnOwnNetwork ? cJSON_CreateBool(*isOnOwnNetwork) : cJSON_CreateNull());
     AddText(root.get(), "verdict", VerdictOn(diagnosis));
+    if (diagnosis.v1.outcome == Outcome::kSilent)
+        AddMembers(root.get(), {{"community", diagnosis.community},
+                                {"object", OidToText(Append(OidOf("sysDescr"), {0}))}});
     return Line(root);
 }
 

@@ -31,6 +31,7 @@ struct SweepValues {
     std::string (*octetsOf)(std::string_view utf8) = [](std::string_view utf8) {
         return std::string(utf8);
     };
+    bool isV3 = false;
 };
 
 class DeviceWriter {
@@ -47,6 +48,7 @@ class DeviceWriter {
   private:
     std::string TableRow(std::string_view address, std::string_view value) const;
     std::string OneLine(std::string_view value) const;
+    const char* NoValue() const;                      // words for a device that answered
     std::string Bytes(std::string_view value) const;  // of no document
     JsonItem Element(std::string_view address, std::string_view value) const;
     void ShowOctets(cJSON* document) const;

@@ -151,6 +151,8 @@ TEST(NamedValues, AreSpelledOut) {
          "bit 63"},
         {"hrPrinterDetectedErrorState.1", kOctetString, {"\0", 1}, "none"},
         {"ifPhysAddress.2", kOctetString, "ABCDEF", "41:42:43:44:45:46"},
+        {"atPhysAddress.1.1.10.0.0.1", kOctetString, "ABCDEF", "41:42:43:44:45:46"},
+        {"ipNetToMediaPhysAddress.1.10.0.0.1", kOctetString, "ABCDEF", "41:42:43:44:45:46"},
         {"sysName.0", kOctetString, "hall", "hall"},
         {"hrPrinterStatus.1", kNull, "", "no value"}};
     for (const auto& [name, type, bytes, shown] : rows)

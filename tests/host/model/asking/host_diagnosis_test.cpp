@@ -48,6 +48,22 @@ TEST(Diagnosis, FindsWhatKeepsSweepsFromADeviceThatAnswers) {
     EXPECT_NE(std::string::npos, VerdictOn(diagnosis).find("from another address, 10.77.1.9"));
 }
 
+// It answers at once, but not for what follows sysDescr.0.
+TEST(Diagnosis, SilenceForOneVariableIsNoLateAnswer) {
+    int64_t nowMs = 0;
+    DiagnosisSteps steps;
+    steps.ping = [] { return true; };
+    steps.v1.nowMs = [&] { return nowMs; };
+    steps.v1.getNext = steps.v3.getNext = [&](const Oid& oid) {
+        const bool isSilent = oid == Oid{1, 3, 6, 1, 2, 1, 1, 1, 0};
+        nowMs += isSilent ? 10000 : 30;
+        return Failed(isSilent ? Status::kNoAnswer : Status::kAnswered, oid);
+    };
+    const HostDiagnosis diagnosis = Diagnose(steps);
+    EXPECT_TRUE(IsUsable(diagnosis)) << VerdictOn(diagnosis);
+    EXPECT_EQ(30, diagnosis.v1.ms);
+}
+
 TEST(Diagnosis, TellsABlockedPortFromAMissingRoute) {
     HostDiagnosis diagnosis;
     diagnosis.v1.outcome = diagnosis.discovery.outcome = Outcome::kNotSent;

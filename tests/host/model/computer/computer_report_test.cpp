@@ -88,6 +88,21 @@ TEST(ComputerReport, KnowsItsOwnNetworks) {
     EXPECT_EQ(networks + 1, CountNetworks(list));
 }
 
+TEST(ComputerReport, TellsTheTimeOfEveryAnswerThatWasMeasured) {
+    EXPECT_EQ("answered after under 0.01 s", StepText({Outcome::kAnswered, "", 0}));
+    EXPECT_EQ("answered after 2.50 s", StepText({Outcome::kAnswered, "", 2500}));
+    EXPECT_EQ("answered", StepText({Outcome::kAnswered, "", {}}));
+    EXPECT_EQ("not sent", StepText({Outcome::kNotSent, "", 0}));
+}
+
+TEST(ComputerReport, TellsThatWhatGoesOutNeedsARule) {
+    Computer computer = Usual();
+    computer.firewall = {true, {{kPublic, true, false, true, false, false}}, {}};
+    EXPECT_THAT(ReportOn(computer).notes, ElementsAre(HasSubstr("public profile, lets out only")));
+    computer.firewall.active[0].isOn = false;
+    EXPECT_THAT(ReportOn(computer).notes, IsEmpty());
+}
+
 TEST(ComputerReport, TellsThatAPolicyTakesPrecedence) {
     Computer computer = Usual();
     computer.firewall.isOverridden = true;

@@ -46,7 +46,8 @@ TEST(DeviceRows, AreValidForTheirReaders) {
     EXPECT_EQ(
         "[\n  {\"address\":\"10.77.1.22\",\"value\":\"LaserPro\"},\n"
         "  {\"address\":\"192.168.100.200\",\"value\":\"B\xC3\xBCro \\\"1\\\",\\r\\n2\"},\n"
-        "  {\"address\":\"10.77.1.23\",\"value\":\"\"},\n"
+        "  {\"address\":\"10.77.1.23\",\"value\":\"\","
+        "\"text\":\"no value, or too long for SNMPv1\"},\n"
         "  {\"address\":\"10.77.1.24\",\"value\":\"0x1B5B324A226122\"},\n"
         "  {\"address\":\"10.77.1.25\",\"value\":\"0xA0B1C2D3E4F5\"}\n]\n",
         Written(Format::kJson, {}, kValues));
@@ -65,6 +66,14 @@ TEST(DeviceRows, HoldTheAnswersOfADocument) {
         "fe80::1:22                 { \"GET\": \"\n"
         "fe80::1:22                 {\"a\":1}\n",
         Written(Format::kText, {ValueKind::kDocument}, rows, true));
+    SweepValues values = {ValueKind::kDocument};
+    for (const char* words : {"no value, or too long for SNMPv1",
+                              "no value, or neither an INTEGER nor a text of up to 126 bytes"}) {
+        EXPECT_NE(std::string::npos,
+                  Written(Format::kText, values, {{"10.0.0.1", "{\"GET\": {\".1.3\": \"\"}}"}})
+                      .find(words));
+        values.isV3 = true;
+    }
     EXPECT_EQ("\"10.0.0.1\",\"{\"\"GET\"\":{\"\".1.3\"\":\"\"x\\ny\"\"}}\"\n",
               Written(Format::kCsv, {ValueKind::kDocument},
                       {{"10.0.0.1", "{\"GET\": {\".1.3\": \"x\\ny\"}}"}}));
@@ -108,6 +117,8 @@ TEST(JsonRequests, AreCompactedAndLimited) {
     EXPECT_EQ(
         (std::vector<std::string>{".1.3.6.1.2.1.1.2.0", ".1.3.6.1.2.1.1.5.0", "none", ".1.3.6"}),
         OidTextsOf(ParseDocument(*named).get()));
+    EXPECT_EQ(std::vector<std::string>{kDefaultDiscoveryOid},
+              OidTextsOf(ParseDocument("{}").get()));
     for (const char* text : {"", "[]", "\"GET\"", "{\"GET\": {", "{'GET': 1}"}) {
         EXPECT_FALSE(PrepareRequest(text, problem)) << text;
     }

@@ -374,6 +374,19 @@ TEST(ScanComparison, CountsStateSuppliesAndAlerts) {
     EXPECT_FALSE(found.IsEqual());
 }
 
+// 5 and 0 of 1000 are both 0 %.
+TEST(ScanComparison, ASupplyThatHasBecomeEmptyCounts) {
+    const auto scan = [](const char* level) {
+        ScanOf scan = Variables();
+        scan.AddSupply("1", "", false);
+        scan.Add("10.0.0.8", "\x03\xE8", "prtMarkerSuppliesMaxCapacity.5.1", kInteger);
+        scan.Add("10.0.0.8", std::string(1, *level), "prtMarkerSuppliesLevel.5.1", kInteger);
+        return MakeDevices(scan.scan);
+    };
+    EXPECT_FALSE(CompareDevices(scan("\5"), scan("")).IsEqual());
+    EXPECT_TRUE(CompareDevices(scan("\5"), scan("\6")).IsEqual());
+}
+
 TEST(ScanComparison, WhatWasNotReadIsNoChange) {
     for (const Extent extent : {Extent::kCut, Extent::kList})
         EXPECT_TRUE(OfPrinter("", "\x1E", "\x05", "jam", extent).IsEqual());
