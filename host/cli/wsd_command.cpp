@@ -76,7 +76,8 @@ bool SendProbe(HWND window, unsigned timeoutMs, const std::string& probe) {
     DiscoverSoap(window, ResultWindow::kMessage, timeoutMs, probe.data(),
                  static_cast<int32_t>(probe.size()));
     // Only what was sent is waited for, in whole seconds; what leaves by the loopback is, too.
-    return isOnANetwork && GetTickCount64() - startMs >= timeoutMs / 1000 * 1500;
+    const unsigned waitMs = timeoutMs / 1000 * 1000;
+    return isOnANetwork && GetTickCount64() - startMs >= waitMs + waitMs / 2;
 }
 
 // `onlyPrinters`: of responders that do not look at the types that they are asked for.
