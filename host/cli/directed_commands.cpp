@@ -149,7 +149,8 @@ void CheckOid(const Options& options, const char* argument, const Oid& oid) {
     if (!FitsRequest(oid))
         throw CLI::ValidationError(argument, OidToText(oid) + " is too short or too long");
     if (!options.v3.isOn) {
-        CheckRequest("--community", options.community, kSystem);
+        // The sign of life is asked for too.
+        CheckRequest("--community", options.community, OidOf("sysUpTime"));
         CheckRequest(argument, options.community, oid);
     }
     // SNMPv3 requests use the same OID encoder.
@@ -212,7 +213,7 @@ int Verify(const Device& device, const Oid& oid, const SetValue& value) {
         Warn("not set: " + OidToText(oid) + " has " +
              (IsNoValue(answer.type) ? shown : "the " + TypeName(answer.type) + " " + shown));
     } else {
-        Warn("not verified: " + Problem(answer) + " to reading " + OidToText(oid));
+        Warn("not verified: reading " + OidToText(oid) + ": " + Problem(answer));
     }
     return kNone;
 }

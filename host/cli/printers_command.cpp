@@ -130,6 +130,7 @@ class PrinterFinder {
         for (const FleetDevice& device : fleet_.Devices()) {
             scan_.sweeps.push_back(
                 {KindOf(logins_[device.login]), AnswerForm::kVariable, false, {}, UtcNow()});
+            scan_.sweeps.back().isCut = device.answers.lastStatus != Status::kAnswered;
             for (const auto& [oid, answer] : device.answers.values)
                 scan_.answers.push_back({scan_.sweeps.size() - 1, "", device.address, answer});
         }

@@ -69,17 +69,6 @@ std::string MakeProbe(const WsdOptions& options, bool onlyPrinters, const std::s
     return probe;
 }
 
-// Blocks until the sweep has ended. False if nothing was sent to a network.
-bool SendProbe(HWND window, unsigned timeoutMs, const std::string& probe) {
-    const bool isOnANetwork = IsOnANetwork();
-    const ULONGLONG startMs = GetTickCount64();
-    DiscoverSoap(window, ResultWindow::kMessage, timeoutMs, probe.data(),
-                 static_cast<int32_t>(probe.size()));
-    // Only what was sent is waited for, in whole seconds; what leaves by the loopback is, too.
-    const unsigned waitMs = timeoutMs / 1000 * 1000;
-    return isOnANetwork && GetTickCount64() - startMs >= waitMs + waitMs / 2;
-}
-
 // `onlyPrinters`: of responders that do not look at the types that they are asked for.
 int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     const std::string id = NewUuid();
@@ -105,7 +94,7 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     bool isStopped = false, wasSent = false;
     {
         const SweepWatch watch(StopDiscoverSoap, StatusOf(replies, "reply", "replies"));
-        wasSent = SendProbe(window.Handle(), options.timeoutMs, probe);
+        wasSent = RunProbe(window.Handle(), ResultWindow::kMessage, options.timeoutMs, probe);
         isStopped = watch.IsStopped();
     }
     window.Rethrow();

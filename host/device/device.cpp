@@ -269,4 +269,13 @@ bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep) {
     return GetTickCount64() - startMs >= kLeastSweepMs;
 }
 
+bool RunProbe(HWND window, UINT message, unsigned timeoutMs, const std::string& probe) {
+    const bool isOnANetwork = IsOnANetwork();
+    const ULONGLONG startMs = GetTickCount64();
+    DiscoverSoap(window, message, timeoutMs, probe.data(), static_cast<int32_t>(probe.size()));
+    // Only what was sent is waited for, in whole seconds; what leaves by the loopback is, too.
+    const unsigned waitMs = timeoutMs / 1000 * 1000;
+    return isOnANetwork && GetTickCount64() - startMs >= waitMs + waitMs / 2;
+}
+
 }  // namespace vndiscover::host

@@ -87,5 +87,7 @@ constexpr unsigned kLeastSweepMs = 1000;
 // Blocks until the sweep has ended. `window` must be of the calling thread, or another thread must
 // pump messages. False if nothing was sent.
 bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep);
+// The same of WS-Discovery. False if nothing was sent to a network.
+bool RunProbe(HWND window, UINT message, unsigned timeoutMs, const std::string& probe);
 
 }  // namespace vndiscover::host

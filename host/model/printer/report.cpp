@@ -159,7 +159,7 @@ Severity StateSeverity(const PrinterFacts& facts) {
 const char* ProblemOf(const Level& level) {
     if (level.isReceptacle)
         return level.level == 0 ? "a waste container is full" : "a waste container is nearly full";
-    return level.level == 0 ? "a supply is empty" : "a supply is low";
+    return level.level == 0 ? kSupplyEmpty : kSupplyLow;
 }
 
 // Errors come before the state: a printer with an open door may still be "idle".

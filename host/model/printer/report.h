@@ -107,6 +107,8 @@ struct TextStyle {
 // Titles on the left, levels as bars. Lines end in LF. Only commands and long words are too wide.
 std::string ReportText(const Report& report, const TextStyle& style = {});
 
+constexpr char kSupplyLow[] = "a supply is low", kSupplyEmpty[] = "a supply is empty";
+
 // A printer in a few words, for a list.
 struct PrinterSummary {
     Severity severity = Severity::kUnknown;

@@ -115,10 +115,13 @@ std::pair<std::string, std::string> StateOf(const DeviceRow& row) {
     Standing standing = row.standing;
     standing.lastAnswer.clear();
     if (standing.kind == Standing::Kind::kIncomplete) standing.note.clear();
-    const bool isSaid =
-        row.facts && row.facts->errors &&
-        (Contains(*row.facts->errors, "lowToner") || Contains(*row.facts->errors, "noToner"));
-    const std::string supplies = standing.Holds() && !isSaid ? row.summary.supplyProblem : "";
+    const std::string& problem = row.summary.supplyProblem;
+    const auto has = [&](const char* error) {
+        return row.facts && row.facts->errors && Contains(*row.facts->errors, error);
+    };
+    const bool isSaid = (problem == kSupplyLow && (has("lowToner") || has("noToner"))) ||
+                        (problem == kSupplyEmpty && has("noToner"));
+    const std::string supplies = standing.Holds() && !isSaid ? problem : "";
     return {Joined({StateText(standing, row.summary), supplies}),
             Joined({StateText(row.standing, row.summary), supplies})};
 }

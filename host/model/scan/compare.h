@@ -70,7 +70,8 @@ class ChangeLog {
         std::string compared, shown, readTime;
         bool isSilent = false;
     };
-    // By serial number, otherwise by MAC address or address.
+    // By serial number, otherwise by MAC address or address; a separated one by its addresses and
+    // protocols.
     std::map<std::string, State> states_;
     std::set<std::string> marked_;
     std::deque<StateChange> changes_;

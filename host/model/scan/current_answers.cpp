@@ -128,16 +128,25 @@ std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
     std::vector<size_t> current;
     std::vector<size_t> successors(scan.answers.size());  // itself if it is current
     // Of each device, since what one said before it was replaced at its address is still its own.
+    // And of each address, since a reading there may be all that says whose the other answers are.
+    std::map<std::pair<size_t, std::string>, std::vector<size_t>> groups;
+    size_t number = 0;
     for (const FoundDevice& device : MakeDevices(scan)) {
+        ++number;
+        for (const size_t index : device.answers)
+            groups[{number, scan.answers[index].address}].push_back(index);
+    }
+    const auto originOf = [&](size_t index) {
+        return OriginOf(scan.sweeps[scan.answers[index].sweep], scan.answers[index]);
+    };
+    for (const auto& [place, answers] : groups) {
         std::map<Origin, size_t> latest;
-        for (const size_t index : CurrentAnswers(scan, device.answers)) {
-            latest[OriginOf(scan.sweeps[scan.answers[index].sweep], scan.answers[index])] = index;
+        for (const size_t index : CurrentAnswers(scan, answers)) {
+            latest[originOf(index)] = index;
             current.push_back(index);
         }
         // An answer is replaced only by one of its origin.
-        for (const size_t index : device.answers)
-            successors[index] =
-                latest.at(OriginOf(scan.sweeps[scan.answers[index].sweep], scan.answers[index]));
+        for (const size_t index : answers) successors[index] = latest.at(originOf(index));
     }
     std::sort(current.begin(), current.end());
     std::vector<size_t> places(scan.answers.size());

@@ -81,14 +81,19 @@ class Merger {
             return scan_.sweeps[scan_.answers[answer].sweep].kind;
         };
         const bool isOfKinds = address == otherAddress;
-        if (isOfKinds && kindOf(one) == kindOf(other))
-            return SetApart(contactOf_[one], contactOf_[other]);
+        SetApart(contactOf_[one], contactOf_[other]);
+        const std::vector<size_t>&firsts = contactsAt_.at(address),
+              &seconds = contactsAt_.at(otherAddress);
+        // A hostile file has any number of both.
+        constexpr size_t kMostPairs = 100000;
+        pairs_ += firsts.size() * seconds.size();
+        if (pairs_ > kMostPairs || (isOfKinds && kindOf(one) == kindOf(other))) return;
         const auto isOf = [&](size_t contact, size_t answer) {
             const size_t own = contacts_[contact].device->answers.front();
             return !isOfKinds || kindOf(own) == kindOf(answer);
         };
-        for (const size_t first : LatestAt(address)) {
-            for (const size_t second : LatestAt(otherAddress))
+        for (const size_t first : firsts) {
+            for (const size_t second : seconds)
                 if (isOf(first, one) && isOf(second, other)) SetApart(first, second);
         }
     }
@@ -96,14 +101,6 @@ class Merger {
     void SetApart(size_t first, size_t second) {
         contacts_[first].apart.push_back(second);
         contacts_[second].apart.push_back(first);
-    }
-
-    // A list keeps fewer for each address; a hostile file may have any number.
-    std::vector<size_t> LatestAt(const std::string& address) const {
-        constexpr size_t kMost = 64;
-        const std::vector<size_t>& all = contactsAt_.at(address);
-        const size_t count = std::min(all.size(), kMost);
-        return {all.end() - static_cast<ptrdiff_t>(count), all.end()};
     }
 
     void Join(size_t first, size_t second, const Merge& merge) {
@@ -182,6 +179,7 @@ class Merger {
     Descriptions described_;
     std::vector<size_t> contactOf_;  // by answer
     std::vector<Contact> contacts_;  // in the order of their first answers
+    size_t pairs_ = 0;               // that were separated
     std::unordered_map<std::string, std::vector<size_t>> contactsAt_;  // by address, ascending
     std::unordered_map<std::string, std::vector<size_t>> readAt_;      // of these, those read there
 };

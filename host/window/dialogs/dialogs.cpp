@@ -91,7 +91,11 @@ void ShowWhole(HWND edit, const std::wstring& text) {
     RECT needed = {0, 0, room.right - room.left - LOWORD(margins) - HIWORD(margins), 0};
     DrawTextW(dc.Get(), text.c_str(), -1, &needed,
               DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX);
-    ShowScrollBar(edit, SB_VERT, needed.bottom > room.bottom - room.top);
+    const bool isLong = needed.bottom > room.bottom - room.top;
+    ShowScrollBar(edit, SB_VERT, isLong);
+    // Then the keyboard has to reach it.
+    const LONG_PTR style = GetWindowLongPtrW(edit, GWL_STYLE) & ~WS_TABSTOP;
+    SetWindowLongPtrW(edit, GWL_STYLE, style | (isLong ? WS_TABSTOP : 0));
 }
 
 void TakeSuggested(HWND window, const RECT& place) {

@@ -70,16 +70,15 @@ bool ReadFound(WindowState& state) {
     return !targets.empty();
 }
 
-void ReadAdded(WindowState& state, const Results::Addresses& addresses,
-               const std::string& unknown) {
+void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown,
+               bool areFoundRead) {
     state.session.AddByHand(addresses, UtcNow());
     std::vector<AskTarget> targets;
     targets.reserve(addresses.size());
     for (const auto& [address, typed] : addresses)
         targets.push_back(state.session.TargetAt(address));
     // What a search finds is read after it, and these with it.
-    const bool areReadLater = state.progress.IsSearching() && state.settings.readsFound != 0;
-    if (!areReadLater) ReadSome(state, targets);
+    if (!areFoundRead || !state.progress.IsSearching()) ReadSome(state, targets);
     if (unknown.empty()) return;
     constexpr size_t kMostNamed = 10;  // a file that is no list of addresses has hundreds
     std::vector<std::string> names = SplitText(unknown, ", ");

@@ -17,7 +17,9 @@ void ReadSelected(WindowState& state, bool isAgain);
 // Reads, for the list, what the last search has found. Returns false if there is nothing to read.
 bool ReadFound(WindowState& state);
 // Reads added addresses; `unknown` has none.
-void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown);
+// `areFoundRead`: after a search, whatever is known then.
+void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown,
+               bool areFoundRead);
 
 constexpr size_t kMaxWebPages = 10;  // at once
 // The latest IPv4 address of each selected device that has one.

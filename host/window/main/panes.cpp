@@ -50,6 +50,8 @@ void Panes::ShowStatusTip() const {
     RECT needed = {}, room = {};
     DrawTextW(dc.Get(), text.c_str(), -1, &needed, DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
     GetClientRect(status, &room);
+    const HWND reading = GetDlgItem(status, IDC_READ_BAR);  // over its end
+    if (IsWindowVisible(reading)) room.right -= BoxOf(reading).width;
     if (needed.right <= room.right - Scaled(20, dpi_)) text.clear();
     TTTOOLINFOW tool = StatusTool();
     tool.lpszText = text.data();
@@ -217,8 +219,9 @@ void Panes::ShowListTitle() const {
     std::wstring title = view.Count() == view.Total()
                              ? Text(IDS_SHOWN, {count})
                              : Text(IDS_SHOWN_OF, {count, Grouped(view.Total())});
-    const size_t changed =
-        CountIf(view.AllRows(), [&](const DeviceRow& row) { return state_.changes.IsMarked(row); });
+    const size_t changed = CountIf(view.AllRows(), [&](const DeviceRow& row) {
+        return !view.IsOther(row) && state_.changes.IsMarked(row);
+    });
     if (changed != 0) title = Text(IDS_SHOWN_CHANGED, {title, L"\x25CF " + Grouped(changed)});
     if (view.Others() != 0) title = Text(IDS_SHOWN_OTHERS, {title, Grouped(view.Others())});
     ChangeText(Control(IDC_DEVICES_LABEL), title);
@@ -259,10 +262,8 @@ void Panes::ShowStatus() const {
     const Progress::Status status =
         state_.progress.Now(state_.workers ? state_.workers->Now() : Progress::Work());
     const std::wstring text = TextOf(status) + EmptyNote(status.kind);
-    if (WindowText(Control(IDC_STATUS)) != text) {
-        ChangeText(Control(IDC_STATUS), text);
-        ShowStatusTip();
-    }
+    const bool isOther = WindowText(Control(IDC_STATUS)) != text;
+    ChangeText(Control(IDC_STATUS), text);
     const unsigned find = !state_.IsBusy()               ? IDS_FIND
                           : state_.progress.IsStopping() ? IDS_STOPPING
                                                          : IDS_STOP;
@@ -275,7 +276,8 @@ void Panes::ShowStatus() const {
         SendMessageW(reading, PBM_SETRANGE32, 0, static_cast<LPARAM>(status.read.total));
         SendMessageW(reading, PBM_SETPOS, status.read.done, 0);
     }
-    ShowWindow(reading, isReading ? SW_SHOWNA : SW_HIDE);
+    const bool wasReading = ShowWindow(reading, isReading ? SW_SHOWNA : SW_HIDE) != FALSE;
+    if (isOther || wasReading != isReading) ShowStatusTip();
 }
 
 std::wstring Panes::TextOf(const Progress::Status& status) const {

@@ -40,6 +40,8 @@ class ResultHandler : public Results {
             state_.progress.SetNote(refusal);
             state_.refusal = refusal;
             if (state_.options.exit) state_.ReportProblem(refusal);
+        } else if (read.target.login.security && status == Status::kAnswered) {
+            state_.refusal.clear();  // the user is right
         }
         const bool hasValues = !read.isPostponed && !read.answers.values.empty();
         state_.session.AddReading(std::move(read));
@@ -77,7 +79,7 @@ class ResultHandler : public Results {
     void OnResolved(const Addresses& addresses, const std::string& unknown) override {
         if (!state_.workers) return;
         state_.progress.ClearNote();
-        ReadAdded(state_, addresses, unknown);
+        ReadAdded(state_, addresses, unknown, w_.searches.ReadsFound());
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);

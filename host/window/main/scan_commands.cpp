@@ -84,6 +84,7 @@ void ScanCommands::Replace(Scan scan) {
 void ScanCommands::ShowScan(Scan scan) {
     state_.session.SetScan(std::move(scan));
     state_.changes.ForgetStates();
+    state_.refusal.clear();
     state_.session.Refresh();  // without recording: what a file has of states may be old
     state_.showRows();
 }

@@ -61,8 +61,8 @@ void CallsWindow::Refresh() {
 void CallsWindow::Open(HWND owner) {
     OpenDialog(owner, {IDD_CALLS,
                        Text(IDS_CALLS_TITLE),
-                       {{IDS_CALL_TIME, 80},
-                        {IDS_CALL_EXPORT, 380},
+                       {{IDS_CALL_TIME, 130},
+                        {IDS_CALL_EXPORT, 330},
                         {IDS_CALL_DURATION, 65},
                         {IDS_CALL_RESULT, 160}},
                        IDC_CALL_TEXT});

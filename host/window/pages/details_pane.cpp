@@ -111,6 +111,14 @@ const DevicePage kPages[] = {
      AnswerRows},
 };
 
+// Leaves Esc, Tab and Enter to the window, unlike other fields of several lines.
+LRESULT CALLBACK PlainKeys(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                           DWORD_PTR) {
+    if (message == WM_GETDLGCODE)
+        return DefSubclassProc(edit, message, 0, 0) & ~(DLGC_WANTALLKEYS | DLGC_HASSETSEL);
+    return DefSubclassProc(edit, message, wParam, lParam);
+}
+
 }  // namespace
 
 // The tab control is only the strip of tabs, and the list of its page is the next control.
@@ -130,6 +138,7 @@ void DetailsPane::Create(HWND parent) {
     list_.SetColumns(Page().columns);
     chosen_ = CreateControl(parent, L"EDIT", 0,
                             ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_VSCROLL, IDC_CHOSEN);
+    SetWindowSubclass(chosen_, PlainKeys, 1, 0);
 }
 
 void DetailsPane::Show() {
@@ -213,7 +222,7 @@ void DetailsPane::ShowChosen() {
     const auto row = static_cast<size_t>(list_.Selected());
     const bool isHeading = row < rows_.size() && IsSummary() && rows_[row].cells[1].empty();
     const std::wstring chosen = isHeading ? L"" : list_.SelectedText();
-    ShowWhole(chosen_, chosen.empty() && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
+    ShowWhole(chosen_, list_.Selected() < 0 && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
 }
 
 void DetailsPane::Settle() {
@@ -224,6 +233,7 @@ void DetailsPane::Settle() {
         PlaceList(placement);
     }
     list_.Fit();
+    if (list_.Selected() >= 0) ListView_EnsureVisible(List(), list_.Selected(), FALSE);
     ShowChosen();
 }
 

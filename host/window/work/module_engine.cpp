@@ -45,22 +45,16 @@ class ModuleEngine : public Engine {
         });
         const std::string probe = isWsd ? BuildProbe(step.types, NewUuid()) : "";
         const Stopwatch watch;
-        if (isWsd) {
-            DiscoverSoap(window.Handle(), ResultWindow::kMessage, kWsdSilenceMs, probe.data(),
-                         static_cast<int32_t>(probe.size()));
-        } else {
-            RunSweep(window.Handle(), ResultWindow::kMessage,
-                     SweepFor(step.login, step.oid, step.useIPv6));
-        }
+        const bool wasSent =
+            isWsd ? RunProbe(window.Handle(), ResultWindow::kMessage, kWsdSilenceMs, probe)
+                  : RunSweep(window.Handle(), ResultWindow::kMessage,
+                             SweepFor(step.login, step.oid, step.useIPv6));
         Call call = watch.Timed(CallOf(step, probe));
         call.result = "0";  // always
         call.answers = answers;
-        // A Probe also leaves by the loopback, which takes as long.
-        const bool wasSent =
-            call.milliseconds >= kLeastSweepMs && (!isWsd || answers > 0 || IsOnANetwork());
         ReportCall(std::move(call));
         window.Rethrow();
-        return wasSent;
+        return wasSent || answers > 0;
     }
 
     void StopSweeps() override {

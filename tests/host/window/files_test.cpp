@@ -171,7 +171,7 @@ TEST_F(Files, TablesAreSortedByWhatTheirTextsMean) {
     EXPECT_THAT(file, HasSubstr("\"" + ToUtf8(LocalTime(now)) + "\""));
 }
 
-TEST_F(Files, CountsAreGroupedOnTheScreenOnly) {
+TEST_F(Files, CountsAreNotGroupedInFiles) {
     Open();
     std::string file;
     TableWindow table([&](const std::string& csv) { file = csv; });

@@ -108,6 +108,22 @@ TEST_F(MainWindowTest, WindowThatCannotBeFilledIsGone) {
     EXPECT_FALSE(FindWindowW(L"VnBrowser", nullptr));
 }
 
+// Esc, and Tab, are the window's there too: a field of several lines would close it.
+TEST_F(MainWindowTest, EscInTheTextOfARowStopsTheSearch) {
+    Open();
+    Command(IDC_FIND);
+    const HWND chosen = Control(IDC_CHOSEN);
+    SetFocus(chosen);
+    MSG escape = {chosen, WM_KEYDOWN, VK_ESCAPE, 0, 0, {}};
+    window_->Dispatch(escape);
+    EXPECT_TRUE(Ends());
+    ASSERT_TRUE(window_->Handle());
+    EXPECT_EQ(0u, Status().find(L"Stopped after "));
+    MSG tab = {chosen, WM_KEYDOWN, VK_TAB, 0, 0, {}};
+    window_->Dispatch(tab);
+    EXPECT_NE(chosen, GetFocus());
+}
+
 TEST_F(MainWindowTest, RowsAreAddedWhileSortedAndFiltered) {
     Open();
     EXPECT_EQ(L"Nothing is sent until you press Find (F5).", Status());

@@ -54,13 +54,13 @@ TEST(PrinterReport, SaysWhatIsMissingAndWhy) {
     EXPECT_EQ(Severity::kUnknown, report.back().rows[0].severity);
 }
 
-// RFC 3805, the table of printer states.
 TEST(PrinterReport, SpellsOutTheAbbreviationsOfAlerts) {
     EXPECT_EQ("warning: marker, photoconductor life over",
               AlertText({"warning", "marker", "markerOpcLifeOver", "", {}}));
     EXPECT_EQ("finisher supply, jam", AlertText({"", "finSupply", "jam", "", {}}));
 }
 
+// RFC 3805, the table of printer states.
 TEST(PrinterSummary, JudgesStatesAsTheyAreMeant) {
     using Errors = std::optional<std::vector<std::string>>;
     const std::tuple<const char*, const char*, Errors, Severity, const char*> rows[] = {

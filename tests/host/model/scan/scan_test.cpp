@@ -169,6 +169,20 @@ TEST(DeviceMerge, SplitsUndoIt) {
         << "what it says later is apart too";
 }
 
+// A hostile file: each pair of answers separates all that came from both addresses.
+TEST(DeviceMerge, ManySplitsCostLittle) {
+    ScanOf one = Variables();
+    for (int sweep = 0; sweep < 300; ++sweep) {
+        one.Begin(SweepKind::kSnmpV1, AnswerForm::kVariable);
+        one.AddPrinter("10.0.0.1", "S1", "");
+        one.AddPrinter("10.0.0.2", "S1", "");
+    }
+    one.scan.splits.assign(10000, {0, 2});
+    const std::clock_t start = std::clock();
+    EXPECT_LE(2u, MakeDevices(one.scan).size());
+    EXPECT_GT(10 * CLOCKS_PER_SEC, std::clock() - start);
+}
+
 TEST(DeviceMerge, ReadsEveryForm) {
     ScanOf one;
     one.Begin(SweepKind::kSnmpV1, AnswerForm::kValue, kDefaultDiscoveryOid);

@@ -196,6 +196,16 @@ TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
     EXPECT_EQ((std::vector<size_t>{0, 1, 2}), RemoveFormerAnswers(scan_));
 }
 
+// Only its readings tell that both answers are of one.
+TEST_F(StandingTest, DeviceWithTwoAddressesStaysOne) {
+    Search(0, 1, {"10.0.0.1", "10.0.0.2"});
+    for (const char* address : {"10.0.0.1", "10.0.0.2"})
+        Read(0, address, true, {{"hrPrinterStatus.1", "\3"}, {"prtGeneralSerialNumber.1", "S1"}});
+    EXPECT_EQ(1u, MakeDevices(scan_).size());
+    RemoveFormerAnswers(scan_);
+    EXPECT_EQ(1u, MakeDevices(scan_).size());
+}
+
 TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
     const auto read = [&](int minute, const char* serial, const char* status) {
         Read(minute, "10.0.0.1", false, {{"hrPrinterStatus.1", status}});
@@ -305,6 +315,8 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     row.facts = std::make_shared<const PrinterFacts>(lowToner);
     EXPECT_TRUE(take(Kind::kRead, "low toner", of(9)));
     EXPECT_EQ("low toner", after(0)) << "which says it of the supply";
+    EXPECT_TRUE(take(Kind::kRead, "low toner", of(0)));
+    EXPECT_EQ("low toner, a supply is empty", after(0));
     row.facts = nullptr;
     EXPECT_TRUE(take(Kind::kRead, "idle", of(300)));
     // One that answers a search again still has to be read.
