@@ -106,8 +106,10 @@ std::vector<size_t> LastCompleteSweeps(const Scan& scan, size_t running) {
     return sweeps;
 }
 
+namespace {
+
 // Returns the others' new numbers.
-static std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
+std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
     size_t lastSearch = 1;  // 0 is none
     for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
     std::set<size_t> isKept;
@@ -124,22 +126,28 @@ static std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size
     return numbers;
 }
 
+// Of each device, since what one said before it was replaced at its address is still its own; and
+// of each address, since a reading there may be all that says whose the other answers are.
+std::vector<std::vector<size_t>> AnswersByPlace(const Scan& scan) {
+    std::vector<std::vector<size_t>> groups;
+    for (const FoundDevice& device : MakeDevices(scan)) {
+        std::map<std::string, std::vector<size_t>> byAddress;
+        for (const size_t index : device.answers)
+            byAddress[scan.answers[index].address].push_back(index);
+        for (auto& [address, answers] : byAddress) groups.push_back(std::move(answers));
+    }
+    return groups;
+}
+
+}  // namespace
+
 std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
     std::vector<size_t> current;
     std::vector<size_t> successors(scan.answers.size());  // itself if it is current
-    // Of each device, since what one said before it was replaced at its address is still its own.
-    // And of each address, since a reading there may be all that says whose the other answers are.
-    std::map<std::pair<size_t, std::string>, std::vector<size_t>> groups;
-    size_t number = 0;
-    for (const FoundDevice& device : MakeDevices(scan)) {
-        ++number;
-        for (const size_t index : device.answers)
-            groups[{number, scan.answers[index].address}].push_back(index);
-    }
     const auto originOf = [&](size_t index) {
         return OriginOf(scan.sweeps[scan.answers[index].sweep], scan.answers[index]);
     };
-    for (const auto& [place, answers] : groups) {
+    for (const std::vector<size_t>& answers : AnswersByPlace(scan)) {
         std::map<Origin, size_t> latest;
         for (const size_t index : CurrentAnswers(scan, answers)) {
             latest[originOf(index)] = index;
