@@ -102,6 +102,7 @@ std::vector<size_t> LastCompleteSweeps(const Scan& scan, size_t running) {
             last[{one.login, one.kind, one.form, one.useIPv6, one.oid}] = index;
     }
     std::vector<size_t> sweeps;
+    sweeps.reserve(last.size());
     for (const auto& [question, index] : last) sweeps.push_back(index);
     return sweeps;
 }
