@@ -22,12 +22,12 @@ void Attach(HWND window, T* object) {
 
 // The system tells only windows at the top of new colours, fonts and themes. Theirs tell controls,
 // those inside of others too.
-inline void TellControls(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+inline void ForwardToControls(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_SYSCOLORCHANGE && message != WM_SETTINGCHANGE && message != WM_THEMECHANGED)
         return;
     for (HWND each = GetWindow(window, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT)) {
         SendMessageW(each, message, wParam, lParam);
-        TellControls(each, message, wParam, lParam);
+        ForwardToControls(each, message, wParam, lParam);
     }
 }
 
@@ -36,7 +36,7 @@ std::optional<LRESULT> Deliver(HWND window, UINT message, WPARAM wParam, LPARAM 
     auto* object = reinterpret_cast<T*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (!object) return std::nullopt;
     if (message == WM_NCDESTROY) SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-    TellControls(window, message, wParam, lParam);
+    ForwardToControls(window, message, wParam, lParam);
     try {
         return object->OnMessage(window, message, wParam, lParam);
     } catch (...) {

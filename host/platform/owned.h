@@ -55,6 +55,7 @@ struct FileTraits {
 using OwnedFile = Owned<FileTraits>;
 using OwnedStream = Owned<ClosedBy<FILE*, std::fclose>>;
 using OwnedHandle = Owned<ClosedBy<HANDLE, CloseHandle>>;
+using OwnedWindow = Owned<ClosedBy<HWND, DestroyWindow>>;
 using OwnedKey = Owned<ClosedBy<HKEY, RegCloseKey>>;  // of the registry
 using OwnedModule = Owned<ClosedBy<HMODULE, FreeLibrary>>;
 using OwnedLocal = Owned<ClosedBy<void*, LocalFree>>;

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/messages.h"
+#include "platform/owned.h"
 
 namespace vndiscover::host {
 
@@ -22,14 +23,13 @@ class ResultWindow {
 
     // Throws std::runtime_error if the window cannot be created.
     explicit ResultWindow(OnResult onResult) : onResult_(std::move(onResult)) {
-        window_ = MakeHiddenWindow(L"VnDiscoverResults", HWND_MESSAGE, this);
+        window_.Reset(MakeHiddenWindow(L"VnDiscoverResults", HWND_MESSAGE, this));
         if (!window_) throw std::runtime_error("the window for the results cannot be created");
     }
-    ~ResultWindow() { DestroyWindow(window_); }
     ResultWindow(const ResultWindow&) = delete;
     ResultWindow& operator=(const ResultWindow&) = delete;
 
-    HWND Handle() const { return window_; }
+    HWND Handle() const { return window_.Get(); }
     // After the sweep, throws again what OnResult has thrown last: its result is lost.
     void Rethrow() const {
         if (failure_) std::rethrow_exception(failure_);
@@ -48,7 +48,7 @@ class ResultWindow {
   private:
     OnResult onResult_;
     std::exception_ptr failure_;
-    HWND window_ = nullptr;
+    OwnedWindow window_;
 };
 
 }  // namespace vndiscover::host

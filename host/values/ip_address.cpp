@@ -12,7 +12,7 @@
 namespace vndiscover::host {
 
 std::optional<IpAddress> ParseIpAddress(std::string_view text) {
-    const bool isIPv4 = text.find(':') == std::string_view::npos;
+    const bool isIPv4 = !IsIPv6(text);
     const std::string address(isIPv4 ? text : text.substr(0, text.find('%')));
     char bytes[16];
     if (address.find('\0') != std::string::npos ||

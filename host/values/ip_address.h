@@ -17,6 +17,9 @@ struct IpAddress {
     }
 };
 
+// Of an address as the module, a device or a scan writes it.
+inline bool IsIPv6(std::string_view address) { return address.find(':') != std::string_view::npos; }
+
 // The zone of an IPv6 address is dropped. Empty for other text, such as a name.
 std::optional<IpAddress> ParseIpAddress(std::string_view text);
 

@@ -78,7 +78,7 @@ constexpr Question kMac[] = {
     {"ifPhysAddress", "MAC address"},
     {"ifOperStatus", "MAC address"},
 };
-const Oid kPrinterType = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
+const Oid kPrinterDevice = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
 constexpr size_t kMaxFailures = 8, kMaxRefusals = 2;  // in a column
 
@@ -87,9 +87,9 @@ Oid EndOf(Oid oid) {
     return oid;
 }
 
-class Reader {
+class Questioner {
   public:
-    explicit Reader(const Asker& asker, PrinterAnswers known = {})
+    explicit Questioner(const Asker& asker, PrinterAnswers known = {})
         : caller_(asker),
           asker_{asker.getNext, asker.isV3, [this] { return MayGoOn(); }, nullptr},
           patient_(asker_, !known.values.empty()),
@@ -344,7 +344,7 @@ std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
     for (const Oid& row : RowsOf(answers, column)) {
         const Answer& type = answers.values.at(Append(column, row));
         if (row.size() == 1 && type.type == kObjectIdentifier &&
-            DecodeOid(type.bytes) == kPrinterType)
+            DecodeOid(type.bytes) == kPrinterDevice)
             printers.push_back(row.back());
     }
     return printers;
@@ -355,43 +355,45 @@ bool IsStateUnread(const PrinterAnswers& answers) {
 }
 
 PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces) {
-    Reader reader(asker);
-    reader.Read(kQuestions);
-    if (!reader.Printer()) reader.Read(kPrinterMib);
-    reader.Read(kMac);
-    reader.ReadEntitySerial(Way::kColumn);
-    if (withInterfaces) reader.Read(kInterfaceQuestions);
-    return reader.Finish();
+    Questioner questions(asker);
+    questions.Read(kQuestions);
+    if (!questions.Printer()) questions.Read(kPrinterMib);
+    questions.Read(kMac);
+    questions.ReadEntitySerial(Way::kColumn);
+    if (withInterfaces) questions.Read(kInterfaceQuestions);
+    return questions.Finish();
 }
 
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
-    Reader reader(asker, std::move(known));
-    reader.Read({"hrPrinterStatus", kState, Way::kFirst});  // its row also names the printer
-    if (reader.IsStateUnread()) reader.Read({"hrPrinterDetectedErrorState", kState, Way::kFirst});
-    if (!reader.Printer()) reader.Read({"hrDeviceType", kState, Way::kFirst});
-    if (!reader.Printer()) reader.Read(kPrinterMib);
+    Questioner questions(asker, std::move(known));
+    questions.Read({"hrPrinterStatus", kState, Way::kFirst});  // its row also names the printer
+    if (questions.IsStateUnread())
+        questions.Read({"hrPrinterDetectedErrorState", kState, Way::kFirst});
+    if (!questions.Printer()) questions.Read({"hrDeviceType", kState, Way::kFirst});
+    if (!questions.Printer()) questions.Read(kPrinterMib);
     for (const char* object : {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
-        if (reader.Printer()) reader.Read({object, kState, Way::kPrinter});
+        if (questions.Printer()) questions.Read({object, kState, Way::kPrinter});
     for (const Question& question : kQuestions)
-        if (std::string_view(question.subject) != kState) reader.LeaveOut(question);
-    reader.LeaveOut(kMac[0]);
-    return reader.Finish();
+        if (std::string_view(question.subject) != kState) questions.LeaveOut(question);
+    questions.LeaveOut(kMac[0]);
+    return questions.Finish();
 }
 
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
     EraseIf(known.gaps, [](const Gap& gap) { return gap.subject != kState; });
-    Reader reader(asker, std::move(known));
+    Questioner questions(asker, std::move(known));
     for (const Question& question : kQuestions) {
-        if (question.isListed) reader.Read(question);
+        if (question.isListed) questions.Read(question);
     }
-    reader.ReadColours();
-    reader.ReadEntitySerial(Way::kFirst);
-    if (reader.HasSerial("prtGeneralSerialNumber") || reader.HasSerial("entPhysicalSerialNum")) {
-        reader.LeaveOut(kMac[0]);
+    questions.ReadColours();
+    questions.ReadEntitySerial(Way::kFirst);
+    if (questions.HasSerial("prtGeneralSerialNumber") ||
+        questions.HasSerial("entPhysicalSerialNum")) {
+        questions.LeaveOut(kMac[0]);
     } else {
-        reader.Read(kMac);
+        questions.Read(kMac);
     }
-    return reader.Finish();
+    return questions.Finish();
 }
 
 }  // namespace vndiscover::host

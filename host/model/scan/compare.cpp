@@ -7,6 +7,7 @@
 #include "model/printer/report.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
+#include "values/ip_address.h"
 #include "values/ranges.h"
 #include "values/text.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 std::string Addresses(const FoundDevice& device, bool isIPv6) {
     return JoinedAs(device.identity.Of(MergeKey::kAddress), [&](const std::string& address) {
-        return (address.find(':') != std::string::npos) == isIPv6 ? address : "";
+        return IsIPv6(address) == isIPv6 ? address : "";
     });
 }
 
@@ -180,7 +181,7 @@ bool ChangeLog::Add(const DeviceRow& row, const std::string& time) {
     return true;
 }
 
-void ChangeLog::LearnStates(const std::vector<DeviceRow>& rows) {
+void ChangeLog::RecordStates(const std::vector<DeviceRow>& rows) {
     states_.clear();
     for (const DeviceRow& row : rows) Add(row, "");
 }

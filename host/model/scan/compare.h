@@ -63,7 +63,7 @@ class ChangeLog {
         marked_.clear();
     }
     // The limits of supplies are others: no device has changed, and marks stay.
-    void LearnStates(const std::vector<DeviceRow>& rows);
+    void RecordStates(const std::vector<DeviceRow>& rows);
 
   private:
     struct State {

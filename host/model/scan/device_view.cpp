@@ -100,7 +100,7 @@ void DeviceView::SetRows(std::vector<DeviceRow> rows) {
     Arrange();
 }
 
-std::vector<DeviceRow> DeviceView::TakeRows() {
+std::vector<DeviceRow> DeviceView::ReleaseRows() {
     shown_.clear();
     return std::exchange(rows_, {});
 }

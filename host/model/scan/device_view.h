@@ -31,7 +31,7 @@ std::vector<DeviceRow> MakeRows(const RowContext& context, std::vector<FoundDevi
 class DeviceView {
   public:
     void SetRows(std::vector<DeviceRow> rows);
-    std::vector<DeviceRow> TakeRows();
+    std::vector<DeviceRow> ReleaseRows();
     void Sort(Column column, bool isDescending);
     Column SortColumn() const { return column_; }
     bool IsDescending() const { return isDescending_; }

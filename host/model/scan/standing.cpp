@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "model/scan/device_merge.h"
+#include "values/ip_address.h"
 #include "values/ranges.h"
 #include "values/text.h"
 #include "values/utc_time.h"
@@ -14,8 +15,6 @@ namespace vndiscover::host {
 namespace {
 
 using Lines = std::map<std::pair<SweepKind, bool>, ProtocolLine>;
-
-bool IsIPv6(const std::string& address) { return address.find(':') != std::string::npos; }
 
 // The states are in the order of what they tell; the best that is known counts.
 ProtocolLine& Add(Lines& lines, SweepKind kind, bool useIPv6, ProtocolState state) {

@@ -8,34 +8,33 @@ namespace vndiscover::host {
 namespace {
 
 // Programs that watch the clipboard open it for a moment.
-bool OpenSoon(HWND owner) {
+OpenedClipboard OpenSoon(HWND owner) {
     constexpr int kTries = 5;
     constexpr DWORD kPauseMs = 20;
     for (int tries = 0; tries < kTries; ++tries) {
-        if (OpenClipboard(owner)) return true;
+        if (OpenClipboard(owner)) return OpenedClipboard(true);
         Sleep(kPauseMs);
     }
-    return false;
+    return OpenedClipboard();
 }
 
 OwnedMemory MemoryWith(const std::wstring& text) {
     const size_t length = text.size() + 1;
     OwnedMemory memory(GlobalAlloc(GMEM_MOVEABLE, length * sizeof(wchar_t)));
-    void* const place = memory ? GlobalLock(memory.Get()) : nullptr;
+    const LockedMemory place(memory ? GlobalLock(memory.Get()) : nullptr);
     if (!place) return OwnedMemory();
-    std::copy_n(text.c_str(), length, static_cast<wchar_t*>(place));
-    GlobalUnlock(memory.Get());
+    std::copy_n(text.c_str(), length, static_cast<wchar_t*>(place.Get()));
     return memory;
 }
 
 bool Replace(HWND owner, const std::wstring& text) {
     OwnedMemory memory = MemoryWith(text);
-    if (!memory || !OpenSoon(owner)) return false;
+    const OpenedClipboard opened = OpenSoon(owner);
+    if (!memory || !opened) return false;
     EmptyClipboard();
-    const bool isReplaced = SetClipboardData(CF_UNICODETEXT, memory.Get()) != nullptr;
-    CloseClipboard();
-    if (isReplaced) memory.Release();  // the system owns it from now on
-    return isReplaced;
+    if (!SetClipboardData(CF_UNICODETEXT, memory.Get())) return false;
+    memory.Release();  // the system owns it from now on
+    return true;
 }
 
 }  // namespace

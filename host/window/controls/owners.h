@@ -9,6 +9,9 @@
 
 namespace vndiscover::host {
 
+inline void UnlockMemory(void* locked) noexcept { GlobalUnlock(GlobalHandle(locked)); }
+inline void CloseOpened(bool) noexcept { CloseClipboard(); }
+
 using OwnedFont = Owned<ClosedBy<HFONT, DeleteObject>>;
 using OwnedBitmap = Owned<ClosedBy<HBITMAP, DeleteObject>>;
 using OwnedBrush = Owned<ClosedBy<HBRUSH, DeleteObject>>;
@@ -16,6 +19,8 @@ using OwnedMenu = Owned<ClosedBy<HMENU, DestroyMenu>>;
 using OwnedAccelerators = Owned<ClosedBy<HACCEL, DestroyAcceleratorTable>>;
 using OwnedImages = Owned<ClosedBy<HIMAGELIST, ImageList_Destroy>>;
 using OwnedMemory = Owned<ClosedBy<HGLOBAL, GlobalFree>>;
+using LockedMemory = Owned<ClosedBy<void*, UnlockMemory>>;
+using OpenedClipboard = Owned<ClosedBy<bool, CloseOpened, false>>;
 using OwnedMemoryDc = Owned<ClosedBy<HDC, DeleteDC>>;
 
 // A device context of a window, or of the screen.

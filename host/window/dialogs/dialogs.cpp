@@ -98,7 +98,7 @@ void ShowWhole(HWND edit, const std::wstring& text) {
     SetWindowLongPtrW(edit, GWL_STYLE, style | (isLong ? WS_TABSTOP : 0));
 }
 
-void TakeSuggested(HWND window, const RECT& place) {
+void UseSuggestedPlace(HWND window, const RECT& place) {
     SetWindowPos(window, nullptr, place.left, place.top, place.right - place.left,
                  place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOSENDCHANGING);
 }
@@ -169,7 +169,7 @@ void Dialog::SetDpi(int dpi, const RECT& place) {
     });
     MakeFonts();
     OnDpi(former);
-    TakeSuggested(dialog_, place);
+    UseSuggestedPlace(dialog_, place);
 }
 
 void Dialog::MakeFonts() {

@@ -30,7 +30,7 @@ void ShowWhole(HWND edit, const std::wstring& text);
 
 // For WM_DPICHANGED, whose place is taken as it is: a minimum with other rounding would make a
 // window grow each time that it comes to another screen.
-void TakeSuggested(HWND window, const RECT& place);
+void UseSuggestedPlace(HWND window, const RECT& place);
 
 // Moves a window to the middle of its owner, as far as the screen allows. One with a frame to
 // drag is made no larger than the screen.

@@ -222,7 +222,7 @@ class SnmpDialog : public Dialog {
         if ((!user || !name.empty()) && !DeleteProfile(L""))
             ShowMessage(Text(IDS_PROFILE_NOT_DELETED));
         SaveLastProfile(name);
-        const SaveResult kept = KeepCommunities(typed);
+        const SaveResult kept = SaveCommunities(typed);
         ShowResult(*saved == SaveResult::kSaved ? kept : *saved);
         credentials_.communities = *std::move(communities);
         credentials_.security = user;
@@ -293,7 +293,7 @@ bool UseProfile(const std::wstring& name, Credentials& credentials) {
 }
 
 std::wstring UseKept(const std::wstring& profile, Credentials& credentials) {
-    const auto text = KeptCommunities();
+    const auto text = SavedCommunities();
     const auto kept = ParseCommunities(ToUtf8(text.value_or(L"")));
     if (kept) credentials.communities = *kept;
     const bool isOpen = UseProfile(profile, credentials);

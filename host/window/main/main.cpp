@@ -29,7 +29,7 @@ constexpr const char* kPresetWords[] = {"printers", "everything", "module"};
 static_assert(std::size(kPresetWords) == kPresetCount);
 
 template <std::string StartOptions::*kField>
-bool Keep(const std::string& value, StartOptions& options) {
+bool StoreText(const std::string& value, StartOptions& options) {
     options.*kField = value;
     return true;
 }
@@ -44,7 +44,7 @@ constexpr struct Option {
     {"--sweep", &StartOptions::sweep, nullptr},
     {"--read", &StartOptions::read, nullptr},
     {kExit, &StartOptions::exit, nullptr},
-    {"--profile", nullptr, Keep<&StartOptions::profile>},
+    {"--profile", nullptr, StoreText<&StartOptions::profile>},
     {"--community", nullptr,
      [](const std::string& value, StartOptions& options) {
          const auto communities = ParseCommunities(value);
@@ -60,8 +60,8 @@ constexpr struct Option {
          if (preset) options.lookFor = static_cast<unsigned>(preset - kPresetWords);
          return preset != nullptr;
      }},
-    {"--save", nullptr, Keep<&StartOptions::savePath>},
-    {"--csv", nullptr, Keep<&StartOptions::csvPath>},
+    {"--save", nullptr, StoreText<&StartOptions::savePath>},
+    {"--csv", nullptr, StoreText<&StartOptions::csvPath>},
 };
 
 // Returns what is wrong; empty: nothing.

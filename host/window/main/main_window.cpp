@@ -70,7 +70,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          self.panes.list.StoreColumns();
          self.panes.SetDpi(HIWORD(dpi.wParam));
          self.panes.list.ShowColumns();
-         TakeSuggested(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
+         UseSuggestedPlace(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
          self.panes.Place();
      }},
     {DM_GETDEFID,  // Enter begins a search, but does not stop one
@@ -358,10 +358,7 @@ void MainWindow::EndWorkers() {
 
 void MainWindow::OnClose() {
     // Also if something fails meanwhile: a hidden window cannot be closed.
-    struct Destroyed {
-        ~Destroyed() { DestroyWindow(window); }
-        HWND window;
-    } const destroyed{state.window};
+    const OwnedWindow closing(state.window);
     const bool willSave = searches.WillSave();
     // The window disappears at once, although a request may take up to 12 s more; but not if a file
     // is written then, since a question about that must have a window to be seen with.

@@ -205,7 +205,7 @@ void Panes::UseLow() {
     state_.session.SetLimits({state_.settings.lowPercent});
     state_.session.Refresh();
     ShowRows();
-    state_.changes.LearnStates(state_.session.view.AllRows());
+    state_.changes.RecordStates(state_.session.view.AllRows());
 }
 
 void Panes::ShowRows() {

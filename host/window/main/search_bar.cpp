@@ -5,9 +5,11 @@
 #include <iterator>
 
 #include "platform/wide_text.h"
+#include "values/module_types.h"
 #include "values/object_names.h"
 #include "window/dialogs/dialogs.h"
 #include "window/strings.h"
+#include "wsd/wsd_message.h"
 
 namespace vndiscover::host {
 namespace {
@@ -43,11 +45,9 @@ constexpr struct PresetItem {
     unsigned text, note;
     const char* object;
     const char* types;  // for WS-Discovery
-} kPresets[] = {
-    {IDS_PRESET_PRINTERS, IDS_PRESET_PRINTERS_NOTE, "hrDeviceDescr.1", "wprt:PrintDeviceType"},
-    {IDS_PRESET_ALL, IDS_PRESET_ALL_NOTE, "sysName.0", "wsdp:Device"},
-    {IDS_PRESET_KNOWN, IDS_PRESET_KNOWN_NOTE, ".1.3.6.1.4.1.5963.43.5.1.1.1.1",
-     "wprt:PrintDeviceType"}};
+} kPresets[] = {{IDS_PRESET_PRINTERS, IDS_PRESET_PRINTERS_NOTE, "hrDeviceDescr.1", kPrinterType},
+                {IDS_PRESET_ALL, IDS_PRESET_ALL_NOTE, "sysName.0", "wsdp:Device"},
+                {IDS_PRESET_KNOWN, IDS_PRESET_KNOWN_NOTE, kDefaultDiscoveryOid, kPrinterType}};
 static_assert(std::size(kPresets) == kPresetCount);
 
 }  // namespace

@@ -35,7 +35,7 @@ void ReportWindow::OnCommand(int id) {
 }
 
 void DoctorWindow::Begin(const std::string& address, const std::wstring& name) {
-    page_.Close();
+    window_.Close();
     shown_ = {address, name};
 }
 
@@ -74,9 +74,9 @@ void DoctorWindow::Show(HWND owner) {
     const char* const label = isOfDevice ? "This computer" : "Verdict";
     for (ReportSection& section : ReportOf(*shown_.computer, label))
         report.push_back(std::move(section));
-    if (std::exchange(shown_.hasOpened, true)) return page_.Show(report);
-    page_.Open(owner, Text(isOfDevice ? IDS_DIAGNOSIS_TITLE : IDS_DOCTOR_TITLE, {shown_.name}),
-               report);
+    if (std::exchange(shown_.hasOpened, true)) return window_.Show(report);
+    window_.Open(owner, Text(isOfDevice ? IDS_DIAGNOSIS_TITLE : IDS_DOCTOR_TITLE, {shown_.name}),
+                 report);
 }
 
 }  // namespace vndiscover::host

@@ -51,7 +51,7 @@ class DoctorWindow {
         std::optional<bool> isOnOwnNetwork{};      // see IsOnOwnNetwork
         bool hasOpened = false;                    // the user may have closed it
     } shown_;
-    ReportWindow page_;
+    ReportWindow window_;
 };
 
 }  // namespace vndiscover::host

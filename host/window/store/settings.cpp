@@ -30,14 +30,11 @@ constexpr DWORD kMaxValueBytes = 16384;
 
 using Bytes = std::vector<BYTE>;
 
-// What the system has decrypted: wiped before it is released.
-struct ClearText {
-    ~ClearText() {
-        SecureZeroMemory(blob.pbData, blob.cbData);
-        LocalFree(blob.pbData);
-    }
-    DATA_BLOB blob = {};
-};
+// What the system has decrypted.
+void WipeAndFree(BYTE* clear) {
+    SecureZeroMemory(clear, LocalSize(clear));
+    LocalFree(clear);
+}
 
 // With its terminating zero.
 size_t SizeOf(const wchar_t* text) { return (std::wcslen(text) + 1) * sizeof(wchar_t); }
@@ -89,13 +86,14 @@ bool Open(const BYTE* sealed, size_t size, const Bytes& clearPart,
           std::initializer_list<Secret*> texts) {
     DATA_BLOB in = BlobOf(sealed, size);
     DATA_BLOB bound = BlobOf(clearPart.data(), clearPart.size());
-    ClearText clear;
+    DATA_BLOB out = {};
     if (size == 0 || !CryptUnprotectData(&in, nullptr, &bound, nullptr, nullptr,
-                                         CRYPTPROTECT_UI_FORBIDDEN, &clear.blob))
+                                         CRYPTPROTECT_UI_FORBIDDEN, &out))
         return false;
+    const Owned<ClosedBy<BYTE*, WipeAndFree>> clear(out.pbData);
     size_t at = 0;
     for (Secret* secret : texts) {
-        const wchar_t* const text = ReadText(clear.blob.pbData, clear.blob.cbData, at);
+        const wchar_t* const text = ReadText(out.pbData, out.cbData, at);
         if (!text) return false;
         *secret = Secret(std::wstring(text));
     }
@@ -236,14 +234,14 @@ bool DeleteProfile(const std::wstring& name) {
     return HasKey(name) && IsGone(RegDeleteKeyW(HKEY_CURRENT_USER, KeyOf(name).c_str()));
 }
 
-std::optional<std::wstring> KeptCommunities() {
+std::optional<std::wstring> SavedCommunities() {
     const auto sealed = ReadValue(kBrowserKey, kCommunitiesValue);
     Secret text;
     if (sealed && !Open(sealed->data(), sealed->size(), {}, {&text})) return std::nullopt;
     return text.Get();
 }
 
-SaveResult KeepCommunities(const std::wstring& text) {
+SaveResult SaveCommunities(const std::wstring& text) {
     if (text.empty()) {
         const auto status = RegDeleteKeyValueW(HKEY_CURRENT_USER, kBrowserKey, kCommunitiesValue);
         return IsGone(status) ? SaveResult::kSaved : SaveResult::kNotWritten;

@@ -67,9 +67,9 @@ bool DeleteProfile(const std::wstring& name);
 
 // The communities as they were typed; an empty text if none are kept. Returns nothing if they
 // cannot be decrypted.
-std::optional<std::wstring> KeptCommunities();
+std::optional<std::wstring> SavedCommunities();
 // An empty text removes them.
-SaveResult KeepCommunities(const std::wstring& text);
+SaveResult SaveCommunities(const std::wstring& text);
 
 // The profile that was used last; empty: the default one.
 std::wstring LastProfile();

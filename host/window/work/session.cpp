@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "model/scan/device_view.h"
+#include "values/ip_address.h"
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "values/ranges.h"
@@ -140,7 +141,7 @@ bool Session::Refresh() {
                                        [&](auto& one) { return beingRead_.count(one) != 0; });
         return StandingOf(scan_, device, LastReadingOf(device), isBeingRead, searches);
     };
-    std::vector<DeviceRow> known = view.TakeRows();
+    std::vector<DeviceRow> known = view.ReleaseRows();
     if (std::exchange(areRowsOld_, false)) known.clear();
     view.SetRows(MakeRows({scan_, adapters_, limits_}, deviceMaker_.Make(scan_), standing,
                           std::move(known)));
@@ -245,9 +246,8 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
     // IPv4 if it has answered over both.
     const auto order = [&](size_t index) {
         const ScanAnswer& answer = scan_.answers[index];
-        const bool isIPv4 = answer.address.find(':') == std::string::npos;
         const bool isOfNow = rank(index) >= 2 && HasAnsweredSearch({index});
-        return std::tuple(isOfNow, rank(index), isIPv4, answer.time);
+        return std::tuple(isOfNow, rank(index), !IsIPv6(answer.address), answer.time);
     };
     const auto best =
         std::max_element(answers.begin(), answers.end(),

@@ -43,7 +43,7 @@ class Dialogs : public MainWindowTest {
         for (const std::wstring& name : ProfileNames()) DeleteProfile(name);
         SaveLastProfile(L"");
         DeleteProfile(L"");
-        KeepCommunities(L"");
+        SaveCommunities(L"");
     }
     static void Type(HWND dialog, int id, const wchar_t* text) {
         SendDlgItemMessageW(dialog, id, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
@@ -135,7 +135,7 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kBrowserKey, L"Communities", REG_BINARY, "x", 1);
     EXPECT_EQ("admin:public", next(false));
     EXPECT_EQ(Text(IDS_COMMUNITIES_CLOSED), Status());
-    KeepCommunities(L"hidden");
+    SaveCommunities(L"hidden");
     EXPECT_EQ("admin:hidden", next(false));
     EXPECT_EQ(kPassword, window_->state.credentials.security->authPassword.Get());
     PlayDialog(IDOK, [](HWND dialog) {

@@ -65,7 +65,7 @@ class Profiles : public testing::Test {
 };
 
 TEST_F(Profiles, KeepUsersAndCommunitiesEncrypted) {
-    ASSERT_EQ(SaveResult::kSaved, KeepCommunities(L"hidden, public"));
+    ASSERT_EQ(SaveResult::kSaved, SaveCommunities(L"hidden, public"));
     for (const wchar_t* const name : {L"Office", L""}) {
         ASSERT_EQ(SaveResult::kSaved, SaveProfile(name, Admin()));
         const auto profile = ReadProfile(*name ? L"office" : L"");
@@ -76,27 +76,27 @@ TEST_F(Profiles, KeepUsersAndCommunitiesEncrypted) {
         EXPECT_STREQ(L"privpass1", profile->security.privPassword.Get());
     }
     EXPECT_EQ(std::vector<std::wstring>{L"Office"}, ProfileNames());
-    EXPECT_EQ(L"hidden, public", KeptCommunities().value_or(L""));
+    EXPECT_EQ(L"hidden, public", SavedCommunities().value_or(L""));
     const auto kept = [] {
         return Stored() + Stored(kBrowser, L"Communities") + Stored(kDefault, L"User");
     };
     for (const wchar_t* secret : {L"hidden", L"authpass1", L"privpass1"})
         EXPECT_EQ(std::string::npos, kept().find(Wide(secret)));
-    EXPECT_EQ(SaveResult::kSaved, KeepCommunities(L""));
+    EXPECT_EQ(SaveResult::kSaved, SaveCommunities(L""));
     for (const wchar_t* const name :
          {L"Office", L"Office", L"", L""}) {  // twice, also if it is gone
         EXPECT_TRUE(DeleteProfile(name));
         EXPECT_FALSE(ReadProfile(name));
     }
     EXPECT_TRUE(ProfileNames().empty());
-    EXPECT_EQ(L"", KeptCommunities().value_or(L"x"));
+    EXPECT_EQ(L"", SavedCommunities().value_or(L"x"));
     EXPECT_EQ("", kept());
 }
 
 TEST_F(Profiles, SaveNothingIfEncryptionFails) {
     canSeal = false;
     EXPECT_EQ(SaveResult::kNotSealed, SaveProfile(L"Office", Admin()));
-    EXPECT_EQ(SaveResult::kNotSealed, KeepCommunities(L"hidden"));
+    EXPECT_EQ(SaveResult::kNotSealed, SaveCommunities(L"hidden"));
     canSeal = true;
     EXPECT_EQ("", Stored(kBrowser, L"Communities"));
     EXPECT_EQ("", Stored());

@@ -39,7 +39,7 @@ class DeviceViewTest : public testing::Test {
                     return Standing{Standing::Kind::kMissed, "2026-11-25T04:00:00Z", ""};
                 return StandingOf(scan_, device, nullptr, false, LastSearches(scan_, false));
             },
-            view_.TakeRows()));
+            view_.ReleaseRows()));
     }
     std::string Shown(Column column = Column::kAddress) const {
         std::string all;

@@ -296,7 +296,7 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     EXPECT_TRUE(take(Kind::kRead, "jammed", of(290)));
     EXPECT_TRUE(take(Kind::kRead, "jammed", of(9)));
     EXPECT_TRUE(take(Kind::kRead, "jammed", of(0)));
-    log.LearnStates({row});  // by another limit
+    log.RecordStates({row});  // by another limit
     EXPECT_TRUE(log.IsMarked(row));
     EXPECT_FALSE(take(Kind::kRead, "jammed", of(0)));
     EXPECT_TRUE(take(Kind::kRead, "jammed", {0, 100, "", false, true}));
