@@ -1,4 +1,6 @@
 // Sweeps: on the loopback, with the adapters hidden from the module, or in every network.
+#include <chrono>
+
 #include "check/agent.h"
 #include "check/rows.h"
 
@@ -8,6 +10,7 @@ namespace {
 constexpr char kGroup[] = "239.255.255.250";
 constexpr uint16_t kWsdPort = 3702;
 constexpr char kProbe[] = "<Probe/>";
+constexpr unsigned kWaitMs = 1000;  // after which a sweep leaves an address
 constexpr size_t kTooLong = VN_SOAP_REPLY_SIZE + 1000;
 
 std::string Told(const ResultWindow& window) {
@@ -22,7 +25,8 @@ std::string Told(const ResultWindow& window) {
 }
 
 void Sweep(const Module& module, HWND window) {
-    module.DiscoverSoap(window, ResultWindow::kMessage, 1000, kProbe, int32_t(sizeof kProbe - 1));
+    module.DiscoverSoap(window, ResultWindow::kMessage, kWaitMs, kProbe,
+                        int32_t(sizeof kProbe - 1));
 }
 
 }  // namespace
@@ -36,6 +40,14 @@ void DiscoveryRows(Report& report, Module& module) {
         report.NotSeen(name, expected, "the adapters cannot be hidden from the module");
         return;
     }
+    // By such a wait our programs tell a Probe that left by an adapter too from one that did not.
+    ResultWindow silent;
+    const auto started = std::chrono::steady_clock::now();
+    Sweep(module, silent.Handle());
+    const auto waited = std::chrono::steady_clock::now() - started;
+    report.Add("a Probe from the loopback that nobody answers", "waited for",
+               waited >= std::chrono::milliseconds(kWaitMs / 2) ? "waited for" : "not waited for");
+
     std::string heard = "nothing";
     const Agent responder(kGroup, kWsdPort, "127.0.0.1", [&](const Bytes& request) {
         heard = std::string(request.begin(), request.end());
