@@ -31,8 +31,7 @@ void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing) {
 
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize) {
-    const size_t size = ToAnsi(community.empty() ? VN_DEFAULT_COMMUNITY : community).size() +
-                        RequestOctets(oid) + valueSize;
+    const size_t size = ToAnsi(CommunityOf(community)).size() + RequestOctets(oid) + valueSize;
     if (size > kRequestMax) {
         throw CLI::ValidationError(
             argument, "community, OID and value have " + std::to_string(size) +

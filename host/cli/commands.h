@@ -24,13 +24,13 @@ constexpr char kAskOtherwise[] =
 constexpr char kAskAsOthers[] =
     ". 'vndiscover printers -c COMMUNITY' and 'vndiscover printers --v3 -u USER' ask otherwise";
 
-// Of reports on standard output. What is not for a person's eyes gets words alone.
+// For reports on standard output. A file or a pipe gets neither marks nor colours.
 inline TextStyle OutputStyle() { return {OutputWidth(), HasOutputColours(), IsOutputConsole()}; }
 
 // The status line of a sweep that begins now: "3 s, 2 devices".
 std::function<std::string()> StatusOf(const std::atomic<size_t>& count, const char* one,
                                       const char* many);
-// Tells at the end of a sweep that it was stopped, or why it found nothing.
+// Warns at the end of a sweep that it was stopped, or why it found nothing.
 void WarnAtEnd(bool isStopped, size_t found, const std::string& nothing);
 
 void AddPrintersCommand(CLI::App& app, int& exitCode);    // printers
@@ -52,15 +52,16 @@ struct V3Options {
 };
 void AddV3Options(CLI::App& command, V3Options& options);
 
-// Lets --v3 be given several times, each followed by the options of one user; see UsersOf.
+// Allows --v3 several times, each followed by the options of one user; see UsersOf.
 void AllowSeveralUsers(CLI::App& command);
 std::vector<V3Options> UsersOf(const CLI::App& command);
 
-// Takes missing passwords from the environment or prompts. Null without --v3. `number`: from 1.
+// Gets missing passwords from the environment or the user. Null without --v3. `number`: from 1.
 std::shared_ptr<const Security> ResolveSecurity(const V3Options& options, size_t number = 1);
 
+const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // to check a community alone
+
 // Throws CLI::ValidationError if the module cannot encode an SNMPv1 request of this size.
-const Oid kSystem = {1, 3, 6, 1, 2, 1, 1};  // for a community alone
 void CheckRequest(const char* argument, const std::string& community, const Oid& oid,
                   size_t valueSize = 0);
 // The same if it leaves no room for the longest OID that is read of a printer.
@@ -79,7 +80,7 @@ struct DeviceOptions {
 CLI::App* AddDeviceCommand(CLI::App& app, const char* name, const char* help, const char* footer,
                            DeviceOptions& options);
 
-// For a host that is neither an address nor a name with one: "no answer" alone would not tell.
+// Warns if a host is neither an address nor a name that has one: "no answer" would not say that.
 // Throws CLI::ValidationError for a mistyped address.
 void WarnIfUnknown(const std::string& host);
 

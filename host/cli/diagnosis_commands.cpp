@@ -72,7 +72,7 @@ HostDiagnosis DiagnosisOf(const DeviceOptions& options, const std::string& addre
     steps.v1 = AskerOf(v1);
     steps.v3 = AskerOf(v3);
     steps.hasUser = options.v3.isOn;
-    steps.community = CommunityOf({options.community, nullptr});
+    steps.community = CommunityOf(options.community);
     steps.address = address;
     steps.hasRoute = HasRoute(address);
     steps.mayGoOn = steps.v1.mayGoOn = steps.v3.mayGoOn = [&] { return !watch.IsStopped(); };

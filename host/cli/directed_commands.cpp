@@ -149,7 +149,7 @@ void CheckOid(const Options& options, const char* argument, const Oid& oid) {
     if (!FitsRequest(oid))
         throw CLI::ValidationError(argument, OidToText(oid) + " is too short or too long");
     if (!options.v3.isOn) {
-        // The sign of life is asked for too.
+        // Asked for as well, to see whether the device answers at all.
         CheckRequest("--community", options.community, OidOf("sysUpTime"));
         CheckRequest(argument, options.community, oid);
     }
@@ -265,7 +265,7 @@ int RunWalk(const Options& options) {
     const WatchedAsker watched(device, options.host);
     const WalkEnd end = WalkSubtree(
         watched.asker, root,
-        // False: the reader of a pipe has gone.
+        // Returns false if the reader of a pipe has gone.
         [&](const Answer& answer) { return Print(writer.Row(answer)); },
         [&](const Answer& failure) { Show(writer, failure, "skipped what follows "); });
     if (end.edge) Show(writer, *end.edge, "not known to be the end: what follows ");
@@ -281,7 +281,7 @@ int RunInfo(const Options& options) {
     const Device device = OpenDevice(options);
     auto information = device.Information();
     Answer answer;
-    if (!information) answer = device.Get(DefaultDiscoveryOid());  // tells why
+    if (!information) answer = device.Get(DefaultDiscoveryOid());  // says why
     const bool isText = answer.status == Status::kAnswered && answer.type == kOctetString;
     if (isText && !answer.bytes.empty()) information = answer.bytes;  // the former one was lost
     if (options.format == Format::kJson) {
@@ -314,21 +314,21 @@ int RunPrinter(const Options& options) {
         const WatchedAsker watched(device, options.host);
         answers = ReadPrinter(watched.asker, true);
     }
+    PrinterFacts facts = FactsOf(answers);
+    facts.readTime = facts.upTicksTime = start;
+    if (options.format == Format::kJson) Print(PrinterJson(facts, options.host));
     if (answers.values.empty()) {
         Warn(options.host + ": " +
              (answers.gaps.empty() ? "no values" : answers.gaps.front().reason));
-        if (options.format == Format::kJson) Print(PrinterJson(FactsOf(answers), options.host));
         return std::max<int>(kNone, ExitCodeOf(answers.lastStatus));
     }
-    PrinterFacts facts = FactsOf(answers);
-    facts.readTime = facts.upTicksTime = start;
-    const ReportContext context = {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"};
-    Report report = ReportOf(facts, context);
-    report.push_back(InterfaceSection(facts));
-    TextStyle style = OutputStyle();
-    style.hasDetails = options.isVerbose;
-    Print(options.format == Format::kJson ? PrinterJson(facts, options.host)
-                                          : ReportText(report, style));
+    if (options.format == Format::kText) {
+        Report report = ReportOf(facts, {options.host, options.v3.isOn ? "SNMPv3" : "SNMPv1"});
+        report.push_back(InterfaceSection(facts));
+        TextStyle style = OutputStyle();
+        style.hasDetails = options.isVerbose;
+        Print(ReportText(report, style));
+    }
     if (answers.lastStatus != Status::kAnswered) {
         Warn("the report is cut short: " + options.host + " was not asked any further");
         return ExitCodeOf(answers.lastStatus);

@@ -5,7 +5,6 @@
 #include <map>
 #include <mutex>
 #include <numeric>
-#include <set>
 #include <tuple>
 
 #include "cli/commands.h"
@@ -125,7 +124,7 @@ class PrinterFinder {
         isStopped = watch.IsStopped();
     }
 
-    // What was found, the worst first; once, after Run. Adds to `others` what is no printer.
+    // What was found, the worst first. Called once, after Run. Counts other devices in `others`.
     std::vector<PrinterLine> Printers(const LevelLimits& limits, size_t& others) {
         for (const FleetDevice& device : fleet_.Devices()) {
             scan_.sweeps.push_back(
@@ -152,7 +151,8 @@ class PrinterFinder {
         return printers;
     }
 
-    bool isStopped = false, wasSent = false;  // by Ctrl-C; any request of a sweep
+    bool isStopped = false;  // by Ctrl-C
+    bool wasSent = false;    // any request of a sweep
     // SNMPv3 users that a device refuses: "the SNMPv3 user 'x': wrong authentication password".
     std::vector<std::string> refusals;
 
@@ -161,7 +161,8 @@ class PrinterFinder {
         return fleet_.Devices()[devices_.at(address)];
     }
 
-    // Of all its addresses. Where it was read whole tells; another one may have fallen silent.
+    // What the readings at all its addresses say. If the printer was read whole at one of them,
+    // only such addresses count: it may have fallen silent at another one.
     void AddReadings(PrinterLine& printer) const {
         const auto isWholeAt = [&](const std::string& address) {
             const FleetDevice& device = DeviceAt(address);
@@ -185,8 +186,9 @@ class PrinterFinder {
     void FindRefusals(const SweepWatch& watch) {
         OwnReader reader(logins_);
         for (size_t login = 0; login < logins_.size() && !devices_.empty(); ++login) {
-            if (!logins_[login].security || answered_.count(login) != 0 || watch.IsStopped())
-                continue;
+            const bool isAnswered =
+                AnyOf(answeredBy_, [=](const auto& logins) { return Contains(logins, login); });
+            if (!logins_[login].security || isAnswered || watch.IsStopped()) continue;
             ShowPhase("asking why " + NameOf(logins_[login]) + " gets no answer");
             const std::string& address = fleet_.Devices().front().address;
             const Answer answer = reader.GetNext(login, address, OidOf("sysDescr"));
@@ -211,7 +213,6 @@ class PrinterFinder {
         ShowPhase("sweep with " + NameOf(by) + (useIPv6 ? " over IPv6" : ""));
         const ResultWindow window([&](const char* address, const char* value) {
             scan_.answers.push_back({scan_.sweeps.size() - 1, UtcNow(), address, Received(value)});
-            answered_.insert(login);
             const auto [device, isNew] = devices_.try_emplace(address, devices_.size());
             if (isNew) answeredBy_.emplace_back();
             IndexOrAppend(answeredBy_[device->second], login);
@@ -225,8 +226,8 @@ class PrinterFinder {
         window.Rethrow();
     }
 
-    // One that is no printer by this login is read by the next one that it has answered, too: a
-    // login may see less than another one.
+    // A device that is no printer to this login is read again by the next login that it has
+    // answered, since one login may see less than another.
     FleetDevice Read(FleetDevice job, Reader& reader, const std::function<bool()>& maySend) const {
         const std::vector<size_t>& logins = answeredBy_[job.index];
         for (auto next = std::find(logins.begin(), logins.end(), job.login);;) {
@@ -238,7 +239,7 @@ class PrinterFinder {
             };
             FleetDevice result = ReadJob(job, asker);
             if (!job.isState || result.answers.lastStatus != Status::kAnswered ||
-                FactsOf(result.answers).deviceIndex || ++next == logins.end())
+                HasPrinter(result.answers) || ++next == logins.end())
                 return result;
             job.login = *next;
             job.answers = {};
@@ -252,8 +253,7 @@ class PrinterFinder {
         const OwnedHandle job = EndingJob();
         FleetReaders::Work work;
         work.makeReader = [&] { return std::make_unique<ReaderProcess>(logins_, job.Get()); };
-        work.read = [&](const FleetDevice& one, Reader* reader,
-                        const std::function<bool()>& maySend) {
+        work.read = [this](const FleetDevice& one, Reader* reader, const auto& maySend) {
             return Read(one, *reader, maySend);
         };
         FleetReaders readers(fleet_, mutex_, std::move(work));
@@ -271,7 +271,6 @@ class PrinterFinder {
     }
 
     const std::vector<Login> logins_;
-    std::set<size_t> answered_;  // logins that any device answered
     Scan scan_;
     std::map<std::string, size_t> devices_;        // of the fleet, by address
     std::vector<std::vector<size_t>> answeredBy_;  // of each of these, the logins, in their order
@@ -324,29 +323,6 @@ std::string PrintersText(const std::vector<PrinterLine>& printers, size_t width)
         for (size_t i = 0; i + 1 < kColumns; ++i)
             text += Padded(Cut(row[i], widths[i]), widths[i] + 2);
         text += row[kColumns - 1] + "\n";
-    }
-    return text;
-}
-
-std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
-    std::string text =
-        "severity,state,lowest supply,name,model,addresses,serial number,location,firmware,"
-        "page count,supplies,not read\n";
-    for (const PrinterLine& printer : printers) {
-        const PrinterFacts& facts = printer.facts;
-        const std::vector<std::string> cells = {SeverityName(printer.summary.severity),
-                                                printer.summary.state,
-                                                printer.summary.supply,
-                                                facts.name,
-                                                facts.model,
-                                                Joined(printer.addresses),
-                                                facts.serialNumber,
-                                                facts.location,
-                                                facts.description,
-                                                CountText(facts),
-                                                SuppliesText(facts),
-                                                UnreadText(printer)};
-        text += JoinedAs(cells, CsvCell, ",") + "\n";
     }
     return text;
 }

@@ -106,7 +106,7 @@ void AddCompareCommand(CLI::App& app, int& exitCode) {
     command->callback([options, &exitCode] { exitCode = RunCompare(*options); });
 }
 
-ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
+ScanSaver::ScanSaver(SaveOptions options) : options_(std::move(options)) {
     if (!IsOn()) return;
     std::string problem;
     const bool isEmpty = ReadFileText(options_.path, 0, problem) == "";
@@ -116,12 +116,12 @@ ScanKeeper::ScanKeeper(SaveOptions options) : options_(std::move(options)) {
         throw CLI::ValidationError("--save", "'" + options_.path + "' " + problem);
 }
 
-void ScanKeeper::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
+void ScanSaver::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
     if (!IsOn()) return;
     const auto save = [this] {
         try {
             Save();
-        } catch (...) {  // the console that would tell it is gone
+        } catch (...) {  // the console that would show it is gone
         }
     };
     if (!guard_) guard_.emplace(save);
@@ -131,12 +131,12 @@ void ScanKeeper::Begin(SweepKind kind, AnswerForm form, bool useIPv6, Oid oid) {
     scan_.sweeps.push_back({kind, form, useIPv6, std::move(oid), UtcNow()});
 }
 
-void ScanKeeper::Add(const std::string& address, std::string_view bytes) {
+void ScanSaver::Add(const std::string& address, std::string_view bytes) {
     if (IsOn()) AddAnswer({0, "", address, Received(bytes)});
 }
 
-// One address may flood half of the room, but not take it from others.
-void ScanKeeper::AddAnswer(ScanAnswer answer) {
+// One address may flood half of the room. The rest is for others.
+void ScanSaver::AddAnswer(ScanAnswer answer) {
     constexpr size_t kMembers = 128;      // bytes for the members other than the answer itself
     constexpr size_t kManyAnswers = 256;  // all that is read of a device
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -154,14 +154,14 @@ void ScanKeeper::AddAnswer(ScanAnswer answer) {
     scan_.answers.push_back(std::move(answer));
 }
 
-void ScanKeeper::AskDevices(const Login& login) {
+void ScanSaver::AskDevices(const Login& login) {
     if (!IsOn()) return;
     std::set<std::string> addresses;
     for (const ScanAnswer& answer : scan_.answers) {
         if (answer.sweep + 1 == scan_.sweeps.size()) addresses.insert(answer.address);
     }
     const ScanSweep sweep = scan_.sweeps.back();
-    // One of devices that were read whole, and one of others.
+    // One sweep for devices that were read whole, and one for others.
     for (int count = 0; count < 2; ++count) Begin(sweep.kind, AnswerForm::kVariable, sweep.useIPv6);
     std::atomic<size_t> asked{0};
     size_t whole = 0;
@@ -189,8 +189,8 @@ void ScanKeeper::AskDevices(const Login& login) {
     }
 }
 
-// Of the two sweeps of readings.
-void ScanKeeper::EndReadings() {
+// Ends the two sweeps of AskDevices.
+void ScanSaver::EndReadings() {
     const std::lock_guard<std::mutex> lock(mutex_);
     scan_.sweeps.end()[-2].isComplete = leftOut_ == 0;
     scan_.sweeps.back().isCut = true;
@@ -199,7 +199,7 @@ void ScanKeeper::EndReadings() {
         scan_.sweeps.pop_back();
 }
 
-void ScanKeeper::Save() {
+void ScanSaver::Save() {
     const std::lock_guard<std::mutex> lock(mutex_);
     if (!IsOn() || isSaved_) return;
     if (scan_.answers.empty() && hasDevices_ && !options_.append) {

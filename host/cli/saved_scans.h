@@ -13,17 +13,17 @@ namespace vndiscover::host {
 struct SaveOptions {
     std::string path;  // empty: nothing is saved
     bool append = false;
-    size_t maxSweepSize = kMaxScanSize;  // of a sweep's answers, with or without room in the file
+    size_t maxSweepSize = kMaxScanSize;  // of a sweep's answers, however much room the file has
 };
 void AddSaveOptions(CLI::App& command, SaveOptions& options);
 
 // Reads the scan in a file. Throws CLI::ValidationError with the option's name.
 Scan LoadScan(const std::string& path, const std::string& option);
 
-class ScanKeeper {
+class ScanSaver {
   public:
     // Throws CLI::ValidationError if the file is neither new, empty nor a scan, or is not writable.
-    explicit ScanKeeper(SaveOptions options);
+    explicit ScanSaver(SaveOptions options);
     bool IsOn() const { return !options_.path.empty(); }
 
     // The answers from now on belong to this sweep. From the first one on, a Ctrl-C loses none. If
@@ -35,9 +35,9 @@ class ScanKeeper {
     // minutes at most. Ctrl-C ends it.
     void AskDevices(const Login& login);
 
-    // An empty scan does not replace one with devices. What the file of --append cannot take is
-    // saved in another one. Throws std::runtime_error, also if answers are left out. Has no effect
-    // if they are saved already, because the console closes.
+    // An empty scan does not replace one with devices. What the file of --append cannot hold is
+    // saved in another one. Throws std::runtime_error, even if only some answers are left out. Does
+    // nothing if the answers were saved before, since the console closes.
     void Save();
 
   private:

@@ -54,11 +54,7 @@ struct SweepOptions {
 
 struct Sweep {
     SnmpSweep arguments;
-    ValueKind kind = ValueKind::kRaw;
-    SweepValues Values() const {
-        return {kind, oid, ToUtf8(arguments.request), ToAnsi, arguments.security != nullptr};
-    }
-    Oid oid = DefaultDiscoveryOid();
+    SweepValues values;
 };
 
 std::string ReadRequest(const SweepOptions& options) {
@@ -76,7 +72,7 @@ std::string ReadRequest(const SweepOptions& options) {
     return *request;
 }
 
-// The module sweeps without a file that it cannot open, so the user is told beforehand. Without
+// The module sweeps without a file that it cannot open, so the user is warned beforehand. Without
 // SNMPv3 it writes the file itself, and copies the path.
 void CheckCsvPath(const std::string& path, bool isOurs) {
     if (!isOurs && ToWide(path).size() > VN_TEXT_MAX)
@@ -91,7 +87,7 @@ void CheckCsvPath(const std::string& path, bool isOurs) {
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
 }
 
-// Each would replace what another one keeps or holds.
+// Each option would overwrite the file of another one.
 void CheckPathsDiffer(const SweepOptions& options) {
     const std::pair<const char*, const std::string&> paths[] = {
         {"--json", options.jsonPath}, {"--csv", options.csvPath}, {"--save", options.save.path}};
@@ -116,27 +112,29 @@ Oid CheckedOid(const SweepOptions& options) {
 
 Sweep Prepare(const SweepOptions& options) {
     Sweep sweep;
-    SnmpSweep& arguments = sweep.arguments;
+    auto& [arguments, values] = sweep;
+    values = {ValueKind::kRaw, DefaultDiscoveryOid(), "", ToAnsi, options.v3.isOn};
     CheckPathsDiffer(options);
     arguments.useIPv6 = options.useIPv6;
     CheckRequest("--community", options.community, DefaultDiscoveryOid());
     if (!options.save.path.empty()) CheckLongestCommunity(options.community);
     arguments.community = ToWide(options.community);
     if (!options.oid.empty()) {
-        sweep.oid = CheckedOid(options);
-        arguments.oid = ToWide(OidToText(sweep.oid));
+        values.oid = CheckedOid(options);
+        arguments.oid = ToWide(OidToText(values.oid));
     }
     if (!options.jsonPath.empty()) {
         arguments.request = ToWide(ReadRequest(options));
-        sweep.kind = ValueKind::kDocument;
+        values.kind = ValueKind::kDocument;
     }
     if (!options.csvPath.empty()) CheckCsvPath(options.csvPath, options.v3.isOn);
     arguments.resultPath = ToWide(options.csvPath);
     if (options.v3.isOn && !arguments.oid.empty()) {
         // SNMPv3 sweeps accept an OID only in a JSON request; its only answer is then the value.
-        arguments.request = ToWide(RequestFor(OidToText(sweep.oid)));
-        sweep.kind = ValueKind::kAnswer;
+        arguments.request = ToWide(RequestFor(OidToText(values.oid)));
+        values.kind = ValueKind::kAnswer;
     }
+    values.request = ToUtf8(arguments.request);
     return sweep;
 }
 
@@ -147,7 +145,7 @@ class CsvFile {
         : file_(path.empty() ? nullptr : _wfopen(SystemPath(path).c_str(), L"w")) {}
     void Write(const std::string& row) {
         if (!file_) return;
-        // A row of 4 KB or more is not buffered, so flushing does not tell that it failed.
+        // A row of 4 KB or more is not buffered, so flushing does not report that it failed.
         bool isWritten = std::fwrite(row.data(), 1, row.size(), file_.Get()) == row.size();
         // Keeps the line even if the process is terminated.
         if (std::fflush(file_.Get()) != 0) isWritten = false;
@@ -161,30 +159,29 @@ class CsvFile {
 };
 
 // What was asked: a device of another maker may answer, but not to this.
-std::string NothingCame(const SweepOptions& options, const Sweep& sweep) {
+std::string NothingCame(const SweepOptions& options, const SweepValues& values) {
     const bool isV3 = options.v3.isOn, isDocument = !options.jsonPath.empty();
-    const std::string community = CommunityOf({options.community, nullptr});
-    const std::string object =
-        isDocument ? OidTextsOf(ParseDocument(ToUtf8(sweep.arguments.request)).get()).front()
-        : options.oid.empty() ? VN_DEFAULT_DISCOVERY_OID
-                              : options.oid;
-    // The module tells of no device that refuses, or whose value it does not read.
+    const std::string community = CommunityOf(options.community);
+    const std::string object = isDocument ? OidTextsOf(ParseDocument(values.request).get()).front()
+                               : options.oid.empty() ? VN_DEFAULT_DISCOVERY_OID
+                                                     : options.oid;
+    // The module does not report a device that refuses, or whose value it does not read.
     const std::string limits =
         isV3 ? "; or none lets this user read it at this security level, or has an INTEGER or a "
                "text of 1 to 126 bytes there"
         : isDocument ? "; or none has a value there that SNMPv1 can carry"
                      : "";
     const bool isOtherwise = !options.useIPv6 && community == "public" &&
-                             sweep.oid == Append(OidOf("sysName"), {0});  // as kAskOtherwise says
+                             values.oid == Append(OidOf("sysName"), {0});  // as kAskOtherwise says
     return "no device answered " +
            (isV3 ? "the SNMPv3 user '" + options.v3.user : "community '" + community) + "' for " +
            object + limits + (isOtherwise ? kAskAsOthers : kAskOtherwise);
 }
 
-// Returns false if not all is saved: the user was told why.
-bool SaveAtEnd(ScanKeeper& keeper) {
+// Returns false if not all is saved, with a warning that says why.
+bool SaveAtEnd(ScanSaver& saver) {
     try {
-        keeper.Save();
+        saver.Save();
         return true;
     } catch (const std::runtime_error& error) {
         Warn(error.what());
@@ -194,15 +191,15 @@ bool SaveAtEnd(ScanKeeper& keeper) {
 
 int RunSweep(const SweepOptions& options) {
     Sweep sweep = Prepare(options);
-    ScanKeeper keeper(options.save);
+    ScanSaver saver(options.save);
     const auto security = ResolveSecurity(options.v3);
     sweep.arguments.security = security.get();
-    keeper.Begin(options.v3.isOn ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
-                 sweep.arguments.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
-                 options.useIPv6, sweep.oid);
+    saver.Begin(options.v3.isOn ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1,
+                sweep.arguments.request.empty() ? AnswerForm::kValue : AnswerForm::kDocument,
+                options.useIPv6, sweep.values.oid);
     bool isStopped = false, wasSent = false;
-    DeviceWriter writer(options.format, options.useIPv6, sweep.Values());
-    DeviceWriter csvWriter(Format::kCsv, options.useIPv6, sweep.Values());
+    DeviceWriter writer(options.format, options.useIPv6, sweep.values);
+    DeviceWriter csvWriter(Format::kCsv, options.useIPv6, sweep.values);
     CsvFile csv(options.v3.isOn ? options.csvPath : "");
     std::atomic<size_t> devices{0};
     size_t cut = 0;
@@ -210,8 +207,8 @@ int RunSweep(const SweepOptions& options) {
         SweepWatch watch(StopDiscoverSnmp, StatusOf(devices, "device", "devices"));
         const ResultWindow window([&](const char* address, const char* value) {
             ++devices;
-            cut += sweep.kind != ValueKind::kRaw && IsCutDocument(value);
-            keeper.Add(address, value);
+            cut += sweep.values.kind != ValueKind::kRaw && IsCutDocument(value);
+            saver.Add(address, value);
             csv.Write(csvWriter.Row(address, value));
             if (!Print(writer.Row(address, value))) watch.RequestStop();
         });
@@ -223,11 +220,11 @@ int RunSweep(const SweepOptions& options) {
     if (cut > 0)
         Warn("answers that are cut, at " + std::to_string(kValueSize - 1) +
              " bytes: " + std::to_string(cut) + "; ask for fewer OIDs");
-    WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep) : kNothingSent);
-    if (!isStopped) keeper.AskDevices({options.community, security});
+    WarnAtEnd(isStopped, devices, wasSent ? NothingCame(options, sweep.values) : kNothingSent);
+    if (!isStopped) saver.AskDevices({options.community, security});
     const int exitCode = devices > 0 ? kFound : wasSent || isStopped ? kNone : kSendFailed;
     if (!csv.Problem().empty()) Warn("'" + options.csvPath + "' is incomplete" + csv.Problem());
-    return SaveAtEnd(keeper) && csv.Problem().empty() ? exitCode : std::max<int>(exitCode, kNone);
+    return SaveAtEnd(saver) && csv.Problem().empty() ? exitCode : std::max<int>(exitCode, kNone);
 }
 
 }  // namespace

@@ -42,18 +42,13 @@ struct WsdOptions {
     SaveOptions save;
 };
 
-// A reply that fills the buffer has no terminating zero.
-std::string_view ReplyText(const char* reply) {
-    return {reply, strnlen(reply, VN_SOAP_REPLY_SIZE)};
-}
-
 // The reply as received, without control characters, which XML does not allow anyway.
 void PrintRaw(const char* address, std::string_view reply) {
     Print("== " + PlainText(address) + ", " + std::to_string(reply.size()) + " bytes\n" +
           PlainText(reply, Breaks::kKeep) + "\n");
 }
 
-bool HasPrinter(const std::vector<ProbeMatch>& matches) {
+bool AreOfPrinter(const std::vector<ProbeMatch>& matches) {
     return AnyOf(matches, [](const auto& match) { return Contains(match.types, kPrinterType); });
 }
 
@@ -69,26 +64,27 @@ std::string MakeProbe(const WsdOptions& options, bool onlyPrinters, const std::s
     return probe;
 }
 
-// `onlyPrinters`: of responders that do not look at the types that they are asked for.
+// `onlyPrinters` leaves out other devices, some of which answer whatever types are asked for.
 int RunWsd(const WsdOptions& options, bool onlyPrinters) {
     const std::string id = NewUuid();
     const std::string probe = MakeProbe(options, onlyPrinters, id);
-    ScanKeeper keeper(options.save);
-    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+    ScanSaver saver(options.save);
+    saver.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
     MatchList list;
     std::atomic<size_t> replies{0};
     size_t others = 0;
     const ResultWindow window([&](const char* address, const char* value) {
-        const std::string_view reply = ReplyText(value);
+        // A reply that fills the buffer has no terminating zero.
+        const std::string_view reply(value, strnlen(value, VN_SOAP_REPLY_SIZE));
         ProbeReply read = ReadReply(reply);
         if (!read.relatesTo.empty() && Lower(read.relatesTo).find(id) == std::string::npos) return;
-        if (onlyPrinters && !HasPrinter(read.matches)) {
+        if (onlyPrinters && !AreOfPrinter(read.matches)) {
             ++others;
             return;
         }
         ++replies;
         list.Add(address, std::move(read.matches));
-        keeper.Add(address, reply);
+        saver.Add(address, reply);
         if (options.isRaw) PrintRaw(address, reply);
     });
     bool isStopped = false, wasSent = false;
@@ -105,7 +101,7 @@ int RunWsd(const WsdOptions& options, bool onlyPrinters) {
               !wasSent       ? kNothingSent
               : onlyPrinters ? "no printer replied"
                              : "no device replied");
-    keeper.Save();
+    saver.Save();
     if (replies > 0) return kFound;
     return wasSent || isStopped ? kNone : kSendFailed;
 }

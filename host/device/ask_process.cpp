@@ -91,7 +91,7 @@ Answer AnswerOf(const std::string& text) {
     return answer;
 }
 
-// One end is inherited: another child with the writing end would keep the reader waiting.
+// Only one end is inherited. With the writing end in another child, the reader would wait for ever.
 struct Pipe {
     OwnedHandle read, write;
 

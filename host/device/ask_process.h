@@ -18,10 +18,10 @@ constexpr char kReaderOption[] = "--ask-for-another-process";
 class Reader {
   public:
     virtual ~Reader() = default;
-    // False if it could not be started, or has ended: then it asks nothing.
+    // Returns false if it could not be started, or has ended. Then it asks nothing.
     virtual bool IsAlive() const { return true; }
     virtual Answer GetNext(size_t login, const std::string& address, const Oid& oid) = 0;
-    // For any thread: ends it, and the request that is being answered.
+    // Ends it, and the request that is being answered. For any thread.
     virtual void End() {}
 };
 
@@ -33,7 +33,7 @@ class OwnReader : public Reader {
 
   private:
     std::vector<Login> logins_;
-    std::optional<Device> device_;  // asked last; it may have learned how it is reached
+    std::optional<Device> device_;  // asked last; it may know by now how it is reached
     std::pair<size_t, std::string> last_;
 };
 

@@ -33,7 +33,7 @@ namespace {
 constexpr uint32_t kNotSet = UINT32_MAX;
 constexpr char kTooLongRequest[] = "community and OID are too long for an SNMPv1 request";
 constexpr char kTooLongForV1[] = "no value, or too long for SNMPv1; SNMPv3 may read it";
-const Oid kUpTime = {1, 3, 6, 1, 2, 1, 1, 3};  // that tells whether a device is there
+const Oid kUpTime = {1, 3, 6, 1, 2, 1, 1, 3};  // asked for to see whether a device is there
 constexpr char kLowLevel[] = "this user may not read it at this security level";
 
 std::string_view Bytes(const uint8_t* bytes, size_t count) {
@@ -69,31 +69,23 @@ bool NeedsZone(const std::string& host) {
            address->bytes[0] == '\xFE' && (address->bytes[1] & 0xC0) == 0x80;
 }
 
-// Zones by link-local address, found out by this process: devices of a scan are asked again and
-// again.
-struct Zones {
-    std::mutex mutex;
-    std::map<std::string, std::string> hosts;  // with the zone
-};
-Zones& KnownZones() {
-    static Zones zones;
-    return zones;
-}
+// Addresses with their zones, by link-local address, that this process has found out: devices of a
+// scan are asked again and again.
+std::mutex g_zonesMutex;
+std::map<std::string, std::string> g_zonedHosts;
 
 }  // namespace
 
-std::string CommunityOf(const Login& login) {
-    return login.community.empty() ? VN_DEFAULT_COMMUNITY : login.community;
+std::string CommunityOf(const std::string& given) {
+    return given.empty() ? VN_DEFAULT_COMMUNITY : given;
 }
 
 Device::Device(const Login& login, const std::string& host)
     : host_(ToAnsi(host)), community_(ToAnsi(login.community)), security_(login.security) {}
 
-// The module would send a longer request malformed, and none answers that.
+// The module would send a longer request malformed, and no device answers that.
 bool Device::CanSend(const Oid& oid) const {
-    const size_t community =
-        community_.empty() ? std::strlen(VN_DEFAULT_COMMUNITY) : community_.size();
-    return security_ || community + RequestOctets(oid) <= kRequestMax;
+    return security_ || CommunityOf(community_).size() + RequestOctets(oid) <= kRequestMax;
 }
 
 // Sweeps give link-local addresses without a zone; directed requests leave by one adapter only.
@@ -101,9 +93,8 @@ const char* Device::Host() const {
     if (std::exchange(isZoned_, true) || !NeedsZone(host_)) return host_.c_str();
     const std::string given = host_;
     {
-        Zones& known = KnownZones();
-        const std::lock_guard<std::mutex> lock(known.mutex);
-        if (const auto found = known.hosts.find(given); found != known.hosts.end())
+        const std::lock_guard<std::mutex> lock(g_zonesMutex);
+        if (const auto found = g_zonedHosts.find(given); found != g_zonedHosts.end())
             return (host_ = found->second).c_str();
     }
     std::vector<std::string> hosts;
@@ -115,9 +106,8 @@ const char* Device::Host() const {
         for (const std::string& host : hosts) {
             host_ = host;
             if (!IsThere(isPing)) continue;
-            Zones& known = KnownZones();
-            const std::lock_guard<std::mutex> lock(known.mutex);
-            known.hosts[given] = host_;
+            const std::lock_guard<std::mutex> lock(g_zonesMutex);
+            g_zonedHosts[given] = host_;
             return host_.c_str();
         }
     }
@@ -174,10 +164,9 @@ Answer Device::GetNext(const Oid& oid) const {
     // Silence for another object may be of that alone.
     const bool isSilent = answer.status == Status::kNoAnswer && oid == kUpTime;
     if (isSilent || answer.status == Status::kSendFailed) {
-        // It may be on another adapter by now: the next reading finds out.
-        Zones& known = KnownZones();
-        const std::lock_guard<std::mutex> lock(known.mutex);
-        known.hosts.erase(host_.substr(0, host_.find('%')));
+        // The device may be on another adapter by now. The next reading finds out.
+        const std::lock_guard<std::mutex> lock(g_zonesMutex);
+        g_zonedHosts.erase(host_.substr(0, host_.find('%')));
     }
     return answer;
 }
@@ -212,7 +201,7 @@ Answer Device::Set(const Oid& oid, const SetValue& value, const std::string& wri
     uint8_t buffer[VN_REQUEST_VALUE_SIZE] = {};
     const auto size = static_cast<int32_t>(value.bytes.size());
     std::copy(value.bytes.begin(), value.bytes.end(), buffer);
-    // Only the low byte is sent. The bit above it tells an answer from none.
+    // Only the low byte is sent. An answer clears the bit above it.
     uint32_t type = value.type | 0x100;
     const int32_t length =
         SetSnmpRequestRaw(Host(), OidToText(oid).c_str(), buffer, size, &type, kUnusedTimeoutMs,
@@ -273,7 +262,7 @@ bool RunProbe(HWND window, UINT message, unsigned timeoutMs, const std::string& 
     const bool isOnANetwork = IsOnANetwork();
     const ULONGLONG startMs = GetTickCount64();
     DiscoverSoap(window, message, timeoutMs, probe.data(), static_cast<int32_t>(probe.size()));
-    // Only what was sent is waited for, in whole seconds; what leaves by the loopback is, too.
+    // The module waits only after it has sent something, in whole seconds, even by the loopback.
     const unsigned waitMs = timeoutMs / 1000 * 1000;
     return isOnANetwork && GetTickCount64() - startMs >= waitMs + waitMs / 2;
 }

@@ -21,8 +21,8 @@ struct Login {
     }
 };
 
-// Which is sent: the module's default if there is none.
-std::string CommunityOf(const Login& login);
+// The community that is sent: the given one, or if that is empty, the module's default.
+std::string CommunityOf(const std::string& given);
 
 // Each call blocks, at most 10 s with SNMPv1 and 12 s with SNMPv3; one at a time in a process.
 class Device {
@@ -31,7 +31,8 @@ class Device {
     Device(const Login& login, const std::string& host);
     bool IsV3() const { return security_ != nullptr; }
 
-    // Of a link-local address without a zone, in seconds; otherwise the first request does.
+    // Finds the adapter of a link-local address without a zone, which takes seconds. Without this
+    // call, the first request does it.
     void ChooseAdapter() const { Host(); }
     // Whether it answers an ICMP echo request. The module pings names over IPv6.
     bool Ping() const;
@@ -39,7 +40,7 @@ class Device {
     Answer GetNext(const Oid& oid) const;
     // A refusal cannot be distinguished from success. SNMPv1 only, by the community, in UTF-8.
     Answer Set(const Oid& oid, const SetValue& value, const std::string& writeCommunity) const;
-    // The device information text; empty without an answer of type OCTET STRING. SNMPv1 only.
+    // The device information text. Empty if no answer of type OCTET STRING came. SNMPv1 only.
     std::optional<std::string> Information() const;
 
   private:
@@ -50,8 +51,8 @@ class Device {
     Answer GetNextV1(const Oid& oid) const;
     Answer GetNextV3(const Oid& oid) const;
 
-    mutable std::string host_;      // with its zone if isZoned_
-    mutable bool isZoned_ = false;  // or that was tried
+    mutable std::string host_;      // with its zone, if it was found
+    mutable bool isZoned_ = false;  // the zone was looked for
     std::string community_;         // both in the ANSI code page
     std::shared_ptr<const Security> security_;
 };
@@ -85,9 +86,9 @@ SnmpSweep SweepFor(const Login& login, const Oid& oid, bool useIPv6);
 constexpr unsigned kLeastSweepMs = 1000;
 
 // Blocks until the sweep has ended. `window` must be of the calling thread, or another thread must
-// pump messages. False if nothing was sent.
+// pump messages. Returns false if nothing was sent.
 bool RunSweep(HWND window, UINT message, const SnmpSweep& sweep);
-// The same of WS-Discovery. False if nothing was sent to a network.
+// The same for WS-Discovery. Returns false if nothing was sent to a network.
 bool RunProbe(HWND window, UINT message, unsigned timeoutMs, const std::string& probe);
 
 }  // namespace vndiscover::host

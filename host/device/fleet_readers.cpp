@@ -5,10 +5,12 @@
 #include <exception>
 #include <utility>
 
+#include "values/ranges.h"
+
 namespace vndiscover::host {
 
 FleetReaders::~FleetReaders() {
-    if (!sides_.empty()) Stop();
+    if (!workers_.empty()) Stop();
     Join();
 }
 
@@ -16,39 +18,39 @@ bool FleetReaders::Start(size_t most) {
     const std::lock_guard<std::mutex> lock(mutex_);  // none ends before all have begun
     try {
         for (size_t left = std::min(most, fleet_.Devices().size() / 2); left > 0; --left) {
-            Side& side = sides_.emplace_back();
-            side.thread = std::thread([this, &side] { Run(side); });
+            Worker& worker = workers_.emplace_back();
+            worker.thread = std::thread([this, &worker] { Run(worker); });
             ++running_;
         }
     } catch (const std::exception&) {  // no memory, or no thread: there are fewer
-        if (!sides_.empty() && !sides_.back().thread.joinable()) sides_.pop_back();
+        if (!workers_.empty() && !workers_.back().thread.joinable()) workers_.pop_back();
     }
     return running_ != 0;
 }
 
-void FleetReaders::Run(Side& side) {
+void FleetReaders::Run(Worker& worker) {
     try {
         {
-            const std::lock_guard making(making_);
+            const std::lock_guard start(startMutex_);
             std::unique_ptr<Reader> reader = isStopped_ ? nullptr : work_.makeReader();
             const std::lock_guard lock(mutex_);
-            side.reader = std::move(reader);
-            side.hasBegun = true;
+            worker.reader = std::move(reader);
+            worker.hasBegun = true;
         }
-        while (ReadNext(side.reader.get(), [&] { return side.reader->IsAlive(); })) continue;
+        while (ReadNext(worker.reader.get(), [&] { return worker.reader->IsAlive(); })) continue;
     } catch (...) {  // no memory: what it has not read is left to others
     }
     std::unique_ptr<Reader> reader;  // its process is ended without the lock
     std::unique_lock<std::mutex> lock(mutex_);
-    reader = std::move(side.reader);
-    side.hasBegun = true;
+    reader = std::move(worker.reader);
+    worker.hasBegun = true;
     const bool isLast = --running_ == 0;
     changed_.notify_all();
     lock.unlock();
     if (!isLast || !work_.onIdle) return;
     try {
         work_.onIdle();
-    } catch (...) {  // no memory even to tell that
+    } catch (...) {  // no memory even to report that
     }
 }
 
@@ -86,16 +88,15 @@ bool FleetReaders::ReadNext(Reader* reader, const MayGoOn& mayGoOn) {
 void FleetReaders::Stop() {
     isStopped_ = true;
     const std::lock_guard<std::mutex> lock(mutex_);
-    for (Side& side : sides_) {
-        if (side.reader) side.reader->End();
+    for (Worker& worker : workers_) {
+        if (worker.reader) worker.reader->End();
     }
     changed_.notify_all();
 }
 
 bool FleetReaders::HaveBegun() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return std::all_of(sides_.begin(), sides_.end(),
-                       [](const Side& side) { return side.hasBegun; });
+    return AllOf(workers_, [](const Worker& worker) { return worker.hasBegun; });
 }
 
 bool FleetReaders::HasEnded() const {
@@ -104,10 +105,10 @@ bool FleetReaders::HasEnded() const {
 }
 
 void FleetReaders::Join() {
-    for (Side& side : sides_) {
-        if (side.thread.joinable()) side.thread.join();
+    for (Worker& worker : workers_) {
+        if (worker.thread.joinable()) worker.thread.join();
     }
-    sides_.clear();
+    workers_.clear();
 }
 
 }  // namespace vndiscover::host

@@ -24,9 +24,9 @@ class FleetReaders {
         // Executes a job, see ReadJob; blocks. `mayGoOn` must be called before each request.
         std::function<FleetDevice(const FleetDevice& job, Reader* reader, const MayGoOn& mayGoOn)>
             read;
-        // Called with the lock after a job: it is done, or was not tried. May be empty.
+        // Called under the lock after a job, which is done or could not be tried. May be empty.
         std::function<void(size_t index, bool isDone)> onEnd;
-        // Called by the last thread, which may leave some devices. May be empty.
+        // Called by the last thread when it ends; devices may be left. May be empty.
         std::function<void()> onIdle;
     };
     // `mutex` protects the fleet; both must outlive this.
@@ -47,19 +47,19 @@ class FleetReaders {
     void Join();
 
   private:
-    struct Side {
+    struct Worker {
         std::thread thread;
-        std::unique_ptr<Reader> reader;  // changed with the lock
-        bool hasBegun = false;           // made it, or could not; with the lock
+        std::unique_ptr<Reader> reader;  // protected by the lock
+        bool hasBegun = false;           // made it, or could not; also protected
     };
-    void Run(Side& side);
+    void Run(Worker& worker);
 
     Fleet& fleet_;
     std::mutex& mutex_;
     const Work work_;
-    std::mutex making_;  // a reader: after Stop, none begins to be made
+    std::mutex startMutex_;  // while a reader is made; after Stop, none begins to be made
     std::condition_variable changed_;
-    std::list<Side> sides_;
+    std::list<Worker> workers_;
     size_t running_ = 0;
     std::atomic<bool> isStopped_{false};
 };

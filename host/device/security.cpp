@@ -8,7 +8,7 @@
 namespace vndiscover::host {
 namespace {
 
-// Keeps lower-cased letters and digits; everything else is punctuation that varies.
+// Letters in lower case, and digits. Everything else is punctuation that varies.
 std::string Folded(std::string_view text) {
     std::string folded;
     for (const char letter : Lower(text)) {

@@ -1,4 +1,4 @@
-// SNMPv3 settings as the exports take them.
+// SNMPv3 settings as the exports expect them.
 #pragma once
 
 #include <optional>
@@ -40,8 +40,8 @@ struct Protocol {
 };
 extern const std::vector<Protocol> kAuth, kPriv;
 
-// "sha256", "SHA-256" give "SHA-2(256)". Empty if there is none: the module would take an unknown
-// label for "no authentication".
+// "sha256", "SHA-256" give "SHA-2(256)". Empty if there is none: the module would read an unknown
+// label as "no authentication".
 std::optional<std::wstring> LabelOf(const std::vector<Protocol>& protocols, std::string_view text);
 
 constexpr char kAuthProtocols[] = "MD5, SHA1, SHA224, SHA256, SHA384, SHA512";

@@ -26,7 +26,7 @@ std::atomic<bool> g_isClosing{false};  // the console, or the user's session
 std::atomic<int> g_completionGuards{0};
 std::mutex g_saveMutex;
 std::function<void()> g_save;  // of a CompletionGuard; empty: there is nothing to save
-// To be restored: of a hidden prompt that is interrupted, and without colours. 0: none
+// Modes to restore, after a hidden prompt that is interrupted and after colours; 0: none.
 std::atomic<DWORD> g_inputMode{0}, g_outputMode{0};
 UINT g_formerCodePage = 0;
 
@@ -57,8 +57,8 @@ void RestoreConsole() {
 }
 
 void WarnOfSaving() {
-    constexpr auto kPatience = std::chrono::milliseconds(500);  // with a pipe that may be full
-    const std::unique_lock<std::timed_mutex> lock(g_outputMutex, kPatience);
+    constexpr auto kMaxWait = std::chrono::milliseconds(500);  // for a pipe that may be full
+    const std::unique_lock<std::timed_mutex> lock(g_outputMutex, kMaxWait);
     if (lock) Write(STD_ERROR_HANDLE, "vndiscover: saving first (Ctrl-C again ends at once)\n");
 }
 
@@ -203,8 +203,8 @@ std::optional<std::wstring> PromptHidden(const std::string& prompt) {
     return std::nullopt;
 }
 
-// A program that has loaded user32.dll gets no console event when the user logs off. The system
-// tells its windows at the top, if their thread takes messages: the one that sweeps does not.
+// A program that has loaded user32.dll gets no console event when the user logs off. Its top-level
+// windows get messages instead, if their thread handles messages: the thread of a sweep does not.
 class SessionEnd {
   public:
     SessionEnd() : thread_([this] { Run(); }) {}
@@ -218,7 +218,7 @@ class SessionEnd {
         if (message == WM_ENDSESSION && wParam) SaveBeforeEnd();
         return std::nullopt;
     }
-    void OnException() noexcept {}  // saving throws none
+    void OnException() noexcept {}  // saving does not throw
 
   private:
     void Run() {
@@ -271,7 +271,7 @@ void SweepWatch::RequestStop() {
     if (!g_isStopped.exchange(true)) stop_();
 }
 
-// No work that begins later clears it if the console is closing.
+// If the console is closing, work that begins later does not clear it.
 bool SweepWatch::IsStopped() const { return g_isStopped || g_isClosing; }
 
 void SweepWatch::Run() {

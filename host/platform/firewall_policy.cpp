@@ -50,7 +50,7 @@ std::wstring Expanded(const std::wstring& path) {
     return text;
 }
 
-bool IsConcerned(INetFwRule& rule) {
+bool IsForIncomingUdp(INetFwRule& rule) {
     const LONG protocol = Read(rule, &INetFwRule::get_Protocol).value_or(0);
     return Read(rule, &INetFwRule::get_Enabled).value_or(VARIANT_FALSE) &&
            Read(rule, &INetFwRule::get_Direction) == NET_FW_RULE_DIR_IN &&
@@ -76,7 +76,7 @@ bool HasLimits(INetFwRule& rule) {
 }
 
 void AddRule(FirewallState& state, INetFwRule& rule, const std::string& ownPath) {
-    if (!IsConcerned(rule) || HasLimits(rule)) return;
+    if (!IsForIncomingUdp(rule) || HasLimits(rule)) return;
     const auto profiles = Read(rule, &INetFwRule::get_Profiles);
     const auto action = Read(rule, &INetFwRule::get_Action);
     if (!profiles || !action) return;
@@ -112,17 +112,17 @@ bool ReadRules(FirewallState& state, INetFwPolicy2& policy) {
 
 bool ReadProfile(FirewallState& state, INetFwPolicy2& policy, uint32_t bit) {
     const auto type = static_cast<NET_FW_PROFILE_TYPE2>(bit);
-    VARIANT_BOOL isOn = VARIANT_FALSE, blocksAll = VARIANT_FALSE, isDeaf = VARIANT_FALSE;
+    VARIANT_BOOL isOn = VARIANT_FALSE, blocksAll = VARIANT_FALSE, dropsAnswers = VARIANT_FALSE;
     NET_FW_ACTION action = NET_FW_ACTION_BLOCK, outbound = NET_FW_ACTION_ALLOW;
     if (FAILED(policy.get_FirewallEnabled(type, &isOn)) ||
         FAILED(policy.get_BlockAllInboundTraffic(type, &blocksAll)) ||
-        FAILED(policy.get_UnicastResponsesToMulticastBroadcastDisabled(type, &isDeaf)) ||
+        FAILED(policy.get_UnicastResponsesToMulticastBroadcastDisabled(type, &dropsAnswers)) ||
         FAILED(policy.get_DefaultInboundAction(type, &action)) ||
         FAILED(policy.get_DefaultOutboundAction(type, &outbound))) {
         return false;
     }
     state.active.push_back({bit, isOn != VARIANT_FALSE, blocksAll != VARIANT_FALSE,
-                            action == NET_FW_ACTION_ALLOW, isDeaf == VARIANT_FALSE,
+                            action == NET_FW_ACTION_ALLOW, dropsAnswers == VARIANT_FALSE,
                             outbound == NET_FW_ACTION_ALLOW});
     return true;
 }

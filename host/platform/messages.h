@@ -14,14 +14,14 @@
 
 namespace vndiscover::host {
 
-// The object gets the messages of the window until WM_NCDESTROY. It may delete itself in that one.
+// The object gets the messages of the window, up to WM_NCDESTROY. It may delete itself in that one.
 template <class T>
 void Attach(HWND window, T* object) {
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(object));
 }
 
-// The system tells only windows at the top of new colours, fonts and themes. Theirs tell controls,
-// those inside of others too.
+// The system sends these messages on colours, fonts and themes only to top-level windows, which
+// forward them to their controls, nested ones included.
 inline void ForwardToControls(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_SYSCOLORCHANGE && message != WM_SETTINGCHANGE && message != WM_THEMECHANGED)
         return;
@@ -56,7 +56,7 @@ LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
 }
 
 // A window that is never shown, of a class of this name; null if the system refuses it. `parent`:
-// HWND_MESSAGE, or null for one at the top, which the system tells of the session's end.
+// HWND_MESSAGE, or null for a top-level window, which gets the messages of the session's end.
 template <class T>
 HWND MakeHiddenWindow(const wchar_t* name, HWND parent, T* object) {
     WNDCLASSW type = {};

@@ -38,7 +38,7 @@ class Owned {
     Value value_;
 };
 
-// Of a handle that is null, or kEmpty, on failure and that this function closes.
+// Traits of a handle that is null, or kEmpty, on failure and that the function kClose closes.
 template <class Handle, auto kClose, auto kEmpty = nullptr>
 struct ClosedBy {
     using Value = Handle;

@@ -30,7 +30,7 @@ class ResultWindow {
     ResultWindow& operator=(const ResultWindow&) = delete;
 
     HWND Handle() const { return window_.Get(); }
-    // After the sweep, throws again what OnResult has thrown last: its result is lost.
+    // After the sweep, throws again what OnResult has thrown last. That result is lost.
     void Rethrow() const {
         if (failure_) std::rethrow_exception(failure_);
     }

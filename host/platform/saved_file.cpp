@@ -35,7 +35,7 @@ std::wstring TemporaryPath(const std::string& path) {
 }
 
 // ReplaceFileW keeps the old file's rights and attributes. MoveFileExW would drop them, so it is
-// only for where ReplaceFileW says that there is no old file (now), or that the disk cannot do it.
+// used only if ReplaceFileW says that there is no old file, or that the disk cannot replace one.
 bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
     if (ReplaceFileW(path.c_str(), temporary.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
                      nullptr, nullptr))
@@ -52,9 +52,9 @@ bool MoveOver(const std::wstring& path, const std::wstring& temporary) {
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
-// Virus scanners and indexers open a new or changed file for a moment.
+// Tries again and again, since virus scanners and indexers open a new or changed file for a moment.
 template <class Attempt>
-bool TryPatiently(Attempt attempt) {
+bool Retry(Attempt attempt) {
     constexpr int kTries = 20;
     constexpr DWORD kBetweenMs = 50;
     constexpr DWORD kMayPass[] = {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION,
@@ -144,13 +144,13 @@ bool CanReplaceFile(const std::string& path, std::string& problem) {
 
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem) {
     const std::wstring temporary = TemporaryPath(path);
-    if (!TryPatiently([&] { return WriteWhole(temporary, text); })) {
+    if (!Retry([&] { return WriteWhole(temporary, text); })) {
         problem = "cannot be written" + LastErrorText();
         DeleteFileW(temporary.c_str());
         return false;
     }
     const std::wstring replaced = SystemPath(path);
-    if (TryPatiently([&] { return MoveOver(replaced, temporary); })) return true;
+    if (Retry([&] { return MoveOver(replaced, temporary); })) return true;
     // The new file is complete, so it is kept: another program may have the old one open.
     problem = "cannot be replaced" + LastErrorText() + "; the new one is " + ToUtf8(temporary);
     return false;

@@ -17,10 +17,11 @@ std::wstring SystemPath(const std::string& path);
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
 
-// The scan in a file. Empty, with the reason, if it cannot be read or its text `isBroken`.
+// The scan in a file. Empty, with the reason in `problem`, if the file cannot be read, or if it can
+// and `isBroken`.
 std::optional<Scan> LoadScan(const std::string& path, bool& isBroken, std::string& problem);
 
-// Also true if the system cannot tell: such a file must not be taken for a new one.
+// Also true if the system does not say: such a file must not count as new.
 bool FileExists(const std::string& path);
 
 // Whether both name the same place, in any letter case. Links are not followed.
@@ -29,8 +30,8 @@ bool IsSamePath(const std::string& one, const std::string& other);
 // Whether ReplaceFileText can succeed; if not, `problem` has the reason. Changes nothing.
 bool CanReplaceFile(const std::string& path, std::string& problem);
 
-// An existing file is not touched until the new one is complete. False, with the reason, if not.
-// Takes two seconds more at most if other programs have one of them open.
+// An existing file is not touched until the new one is complete. Returns false, with the reason in
+// `problem`, if it is not replaced. If other programs have a file open, waits up to two seconds.
 bool ReplaceFileText(const std::string& path, const std::string& text, std::string& problem);
 
 }  // namespace vndiscover::host

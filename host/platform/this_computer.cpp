@@ -30,7 +30,7 @@ FARPROC FindInIpHelper(const char* name) {
     static const OwnedModule helper(path.empty() ? nullptr : LoadLibraryW(path.c_str()));
     return helper ? GetProcAddress(helper.Get(), name) : nullptr;
 }
-// Takes the type from the declaration without linking to the function.
+// With the type of the declaration, but without linking to the function.
 #define FIND(function) \
     reinterpret_cast<decltype(&(function))>(reinterpret_cast<void*>(FindInIpHelper(#function)))
 
@@ -140,7 +140,7 @@ Route RouteTo(const char* ipv4Address) {
         route.adapter = first.adapter;
         route.source = first.address;
     }
-    // The route may be through an adapter that is not in the list, such as the loopback.
+    // The route may use an adapter that is not in the list, such as the loopback.
     if (route.source.empty()) route.source = "interface " + std::to_string(row.dwForwardIfIndex);
     const std::string gateway = AddressText(row.dwForwardNextHop);
     // For a route on the link this is the adapter's own address, or none.
@@ -153,7 +153,7 @@ using OwnedAddresses = Owned<ClosedBy<addrinfo*, freeaddrinfo>>;
 
 // Null if there are none.
 OwnedAddresses AddressesOf(const std::string& host, int family, int flags = 0) {
-    // A mistyped address such as "10.77.3" would be completed with a zero in its midst.
+    // The system would complete a mistyped address such as "10.77.3" to 10.77.0.3.
     if (host.find_first_not_of("0123456789.") == std::string::npos && !ParseIpAddress(host))
         return OwnedAddresses();
     static WSADATA data;

@@ -46,18 +46,15 @@ std::string VersionOf(HMODULE module) {
     const HGLOBAL block = resource ? LoadResource(module, resource) : nullptr;
     const auto* bytes = static_cast<const uint8_t*>(block ? LockResource(block) : nullptr);
     const size_t size = bytes ? SizeofResource(module, resource) : 0;
-    // The fixed part follows a header of variable length, so search for its signature.
+    constexpr size_t kHeader = 40;  // of a VS_VERSIONINFO, before its fixed part
     VS_FIXEDFILEINFO info = {};
-    for (size_t at = 0; at + sizeof info <= size; at += 4) {
-        std::memcpy(&info, bytes + at, sizeof info);
-        if (info.dwSignature != VS_FFI_SIGNATURE) continue;
-        char text[64];
-        std::snprintf(text, sizeof text, "%u.%u.%u.%u", HIWORD(info.dwFileVersionMS),
-                      LOWORD(info.dwFileVersionMS), HIWORD(info.dwFileVersionLS),
-                      LOWORD(info.dwFileVersionLS));
-        return text;
-    }
-    return "";
+    if (size < kHeader + sizeof info) return "";
+    std::memcpy(&info, bytes + kHeader, sizeof info);
+    char text[64];
+    std::snprintf(text, sizeof text, "%u.%u.%u.%u", HIWORD(info.dwFileVersionMS),
+                  LOWORD(info.dwFileVersionMS), HIWORD(info.dwFileVersionLS),
+                  LOWORD(info.dwFileVersionLS));
+    return info.dwSignature == VS_FFI_SIGNATURE ? text : "";
 }
 
 std::string WindowsVersion() {

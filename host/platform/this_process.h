@@ -1,4 +1,4 @@
-// What the system tells this process. Text is UTF-8 unless it is wide.
+// What the system says about this process. Text is UTF-8 unless it is wide.
 #pragma once
 
 #include <windows.h>
@@ -16,8 +16,8 @@ std::wstring Environment(const wchar_t* name);
 
 std::string OwnPath();
 
-// The full path of a file in the system's folder; empty if the system does not tell it. By its name
-// alone, one that lies beside the program or in the current folder could be used instead.
+// The full path of a file in the system's folder; empty if the system does not give it. By name
+// alone, a file beside the program or in the current folder could be used instead.
 std::wstring SystemFile(const wchar_t* name);
 
 // "1.2.0.0", from the resource of a loaded module; null: of the program. Empty if it has none.

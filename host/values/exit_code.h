@@ -2,7 +2,7 @@
 
 namespace vndiscover::host {
 
-// Of both programs.
+// The exit codes of both programs.
 enum ExitCode {
     kFound = 0,
     kNone = 1,  // nothing found, not saved, or differences

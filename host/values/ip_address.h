@@ -9,15 +9,15 @@ namespace vndiscover::host {
 struct IpAddress {
     std::string bytes;  // 4 of IPv4 or 16 of IPv6, in network order
     bool IsIPv4() const { return bytes.size() == 4; }
-    // Whether one device may have it: it is neither of all, of a group, nor of none.
-    bool IsOfOne() const {
+    // Whether one device may have it: no multicast, broadcast or unspecified address.
+    bool IsUnicast() const {
         const auto first = static_cast<unsigned char>(bytes.front());
         if (IsIPv4()) return first != 0 && first < 224;
         return first != 0xFF && bytes.find_first_not_of('\0') != std::string::npos;
     }
 };
 
-// Of an address as the module, a device or a scan writes it.
+// `address` is as the module, a device or a scan writes it.
 inline bool IsIPv6(std::string_view address) { return address.find(':') != std::string_view::npos; }
 
 // The zone of an IPv6 address is dropped. Empty for other text, such as a name.

@@ -25,7 +25,7 @@ void AddTexts(cJSON* object, const char* name, const Texts& texts) {
     for (const std::string& text : texts)
         cJSON_AddItemToArray(array, cJSON_CreateString(PlainText(text, Breaks::kKeepAll).c_str()));
 }
-// Adds the member "value" with octets that are no text: in hex, which another member says.
+// Adds octets that are no text in hex, as "value", and "encoding" to say so.
 void AddOctets(cJSON* object, std::string_view bytes);
 // Adds a number member with all its digits, which a double could not hold.
 void AddNumber(cJSON* object, const char* name, const std::string& decimal);
@@ -54,9 +54,9 @@ std::string CompactJson(const cJSON* item);
 class JsonArray {
   public:
     void Add(const cJSON* element);
-    // The text that no call has returned yet.
+    // Returns the text that no call has returned yet.
     std::string Flush() { return std::exchange(text_, {}); }
-    // The rest of the text, with the closing bracket.
+    // Returns the rest of the text, with the closing bracket.
     std::string Finish();
 
   private:

@@ -11,9 +11,9 @@
 
 namespace vndiscover::host {
 
-// The objects that have names, without instances, in order.
+// The OIDs of the objects that have names, without instances, in order.
 const std::vector<Oid>& StandardObjects();
-// The one that the OID is, or is an instance of; null if there is none.
+// The object that the OID is, or is an instance of; null if it is not in the table.
 const Oid* StandardObjectOf(const Oid& oid);
 
 // The OID, without an instance, of an object that must be in the table.
@@ -28,12 +28,12 @@ std::string NotAnOid(std::string_view text);
 // "hrPrinterStatus.1"; numeric if the OID is not an object of the table or an instance of one.
 std::string NameText(const Oid& oid);
 
-// Whether its octets are never text: a hardware address, or bits that have words.
+// Whether the object's octets are never text: a hardware address, or bits that have words.
 bool IsBinary(const Oid& oid);
 
 // The word for an enumeration's number, "idle"; empty if there is none.
 std::string WordOf(std::string_view name, int64_t number);
-// The words of the bits that are set, of the first 64; a bit without a word is "bit 20".
+// The words of those of the first 64 bits that are set. A bit without a word is "bit 20".
 std::vector<std::string> WordsOf(std::string_view name, std::string_view bits);
 
 // One line for a person: "idle(3)", "doorOpen, jammed", "02:00:5E:10:00:01"; otherwise FormatValue.

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "values/module_types.h"
+#include "values/ranges.h"
 
 namespace vndiscover::host {
 namespace {
@@ -82,8 +83,7 @@ std::string EncodeOid(const Oid& oid) {
 
 bool IsMisencoded(const Oid& oid) {
     if (oid.size() >= 2 && uint64_t{oid[0]} * 40 + oid[1] > 127) return true;
-    return std::any_of(oid.begin() + std::min<ptrdiff_t>(2, oid.size()), oid.end(),
-                       [](uint32_t arc) { return arc >= kTwoByteArcLimit; });
+    return AnyOf(Tail(oid, 2), [](uint32_t arc) { return arc >= kTwoByteArcLimit; });
 }
 
 size_t RequestOctets(const Oid& oid) {

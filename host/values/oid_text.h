@@ -27,10 +27,10 @@ std::optional<Oid> DecodeOid(std::string_view octets);
 // Arcs, at least two and of any size, to content octets.
 std::string EncodeOid(const Oid& oid);
 
-// True if the module, which encodes an arc in one byte or two, would request another variable.
+// Whether the module would request another variable, since it encodes an arc in one byte or two.
 bool IsMisencoded(const Oid& oid);
 
-// Content octets as the module encodes it.
+// How many content octets the module encodes it in.
 size_t RequestOctets(const Oid& oid);
 
 // Whether a request can hold it: two arcs or more, and at most 124 such octets.
@@ -39,13 +39,13 @@ bool FitsRequest(const Oid& oid);
 // The OID whose get-next request returns `oid`, of three arcs or more, if no variable is between.
 Oid JustBefore(Oid oid);
 
-// True for `root` itself too.
+// Whether it is `root`, or below it.
 bool IsWithin(const Oid& oid, const Oid& root);
 
-// The first arcs of an OID, those from `start` on, both as far as it has them, and an OID with
-// further arcs behind it.
+// The first arcs, and those from `start` on; fewer if the OID is shorter.
 Oid Head(const Oid& oid, size_t size);
 Oid Tail(const Oid& oid, size_t start);
+// With further arcs at its end.
 Oid Append(Oid oid, const Oid& arcs);
 
 }  // namespace vndiscover::host

@@ -22,7 +22,7 @@ size_t CountIf(const Range& range, Condition condition) {
     return static_cast<size_t>(std::count_if(std::begin(range), std::end(range), condition));
 }
 
-// The first one; null if there is none.
+// The first element that meets the condition; null if none does.
 template <class Range, class Condition>
 auto FindIf(Range& range, Condition condition) -> decltype(&*std::begin(range)) {
     const auto found = std::find_if(std::begin(range), std::end(range), condition);

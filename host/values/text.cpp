@@ -130,7 +130,7 @@ bool StartsFormula(std::string_view text) {
 
 std::string PlainText(std::string_view bytes, Breaks breaks) {
     std::string out;
-    bool spaceDue = false;
+    bool needsSpace = false;
     for (size_t i = 0; i < bytes.size();) {
         const Character next = FirstCharacter(bytes.substr(i));
         i += next.bytes;
@@ -140,10 +140,10 @@ std::string PlainText(std::string_view bytes, Breaks breaks) {
             (breaks == Breaks::kKeepAll && next.code < 0x20)) {
             out += static_cast<char>(next.code);
         } else if (breaks == Breaks::kFold && IsBreak(next.code)) {
-            spaceDue = true;
+            needsSpace = true;
         } else {
-            if (spaceDue && !out.empty()) out += ' ';
-            spaceDue = false;
+            if (needsSpace && !out.empty()) out += ' ';
+            needsSpace = false;
             AppendUtf8(out, IsControl(next.code) ? kReplacement : next.code);
         }
     }

@@ -10,7 +10,7 @@
 
 namespace vndiscover::host {
 
-// In lower case, ASCII letters only.
+// With ASCII letters in lower case.
 std::string Lower(std::string_view text);
 
 // The texts that are not empty, with `separator` between them.
@@ -44,7 +44,7 @@ struct Character {
     size_t bytes;  // read, at least 1
     bool isUtf8;
 };
-// `text` is not empty. The first byte of a sequence that is not UTF-8 is read as Latin-1.
+// Of a text that is not empty. The first byte of a sequence that is not UTF-8 is read as Latin-1.
 Character FirstCharacter(std::string_view text);
 
 void AppendUtf8(std::string& out, uint32_t code);
@@ -62,11 +62,11 @@ enum class Breaks {
 // control characters, and marks that reverse or hide text, become U+FFFD.
 std::string PlainText(std::string_view bytes, Breaks breaks = Breaks::kFold);
 
-// PlainText whose ends lose spaces and zero bytes. The character set that a device names is not
+// PlainText without spaces and zero bytes at its ends. The character set that a device names is not
 // used: many send UTF-8 whatever they name, or cut it within a character.
 std::string DeviceText(std::string_view bytes);
 
-// True if the bytes are text rather than a binary value: no control characters except tabs, line
+// Whether the bytes are text rather than a binary value: no control characters except tabs, line
 // breaks and trailing zero bytes, and UTF-8 or at least mostly ASCII.
 bool IsPrintable(std::string_view bytes);
 

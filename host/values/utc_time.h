@@ -9,7 +9,7 @@ namespace vndiscover::host {
 
 std::string UtcNow();
 
-// Year, month, day, hour, minute and second. Returns false if `utc` is no time.
+// Reads year, month, day, hour, minute and second. Returns false if `utc` is no time.
 bool ReadUtc(const std::string& utc, int (&parts)[6]);
 
 // The local time that was this many seconds before: "2026-11-25 05:31". Empty if `utc` is no time.
@@ -18,8 +18,8 @@ std::string LocalTimeBefore(const std::string& utc, uint64_t seconds);
 // A time in local time, without the date if that is today's: "05:31". Empty if `utc` is no time.
 std::string ShortTime(const std::string& utc);
 
-// Replaces the format of both by one that itself leaves out today's date, such as that of the
-// user's system. For the start of a program; null: as above.
+// Sets the format of both, such as that of the user's system. It must itself leave out today's
+// date. Null restores the formats above. For the start of a program.
 using TimeFormat = std::string (*)(const std::tm& local);
 void SetTimeFormat(TimeFormat format);
 

@@ -72,18 +72,17 @@ std::optional<std::string> ParseContent(const TypeWord& as, std::string_view tex
         const bool isPrefixed = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
         return ParseHex(text.substr(isPrefixed ? 2 : 0), " :-");
     }
-    std::optional<std::string> bytes;
-    if (as.type == kNull) {
-        if (text.empty()) bytes.emplace();
-    } else if (as.type == kObjectIdentifier) {
-        if (const auto oid = ParseOid(text); oid && oid->size() >= 2) bytes = EncodeOid(*oid);
-    } else if (as.type == kIpAddress) {
-        if (const auto ip = ParseIpAddress(text); ip && ip->IsIPv4()) bytes = ip->bytes;
-    } else {
-        bytes = as.type == kInteger ? ParseInteger(text, INT32_MIN, INT32_MAX)
-                                    : ParseInteger(text, 0, UINT32_MAX);
+    if (as.type == kObjectIdentifier) {
+        const auto oid = ParseOid(text);
+        return oid && oid->size() >= 2 ? std::optional(EncodeOid(*oid)) : std::nullopt;
     }
-    return bytes;
+    if (as.type == kIpAddress) {
+        const auto ip = ParseIpAddress(text);
+        return ip && ip->IsIPv4() ? std::optional(ip->bytes) : std::nullopt;
+    }
+    if (as.type == kNull) return text.empty() ? std::optional("") : std::nullopt;
+    return as.type == kInteger ? ParseInteger(text, INT32_MIN, INT32_MAX)
+                               : ParseInteger(text, 0, UINT32_MAX);
 }
 
 }  // namespace

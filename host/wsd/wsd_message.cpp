@@ -21,11 +21,13 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr char kSoap[] = "http://www.w3.org/2003/05/soap-envelope";
-constexpr char kAddressing[] = "http://schemas.xmlsoap.org/ws/2004/08/addressing";
-constexpr char kAddressing10[] = "http://www.w3.org/2005/08/addressing";
-constexpr char kDiscovery[] = "http://schemas.xmlsoap.org/ws/2005/04/discovery";
-constexpr char kDiscovery11[] = "http://docs.oasis-open.org/ws-dd/ns/discovery/2009/01";
+// Each of them is read. The first one is sent.
+using Namespaces = std::initializer_list<const char*>;
+constexpr Namespaces kSoap = {"http://www.w3.org/2003/05/soap-envelope"};
+constexpr Namespaces kAddressing = {"http://schemas.xmlsoap.org/ws/2004/08/addressing",
+                                    "http://www.w3.org/2005/08/addressing"};
+constexpr Namespaces kDiscovery = {"http://schemas.xmlsoap.org/ws/2005/04/discovery",
+                                   "http://docs.oasis-open.org/ws-dd/ns/discovery/2009/01"};
 
 const struct Prefix {
     std::string prefix, uri;
@@ -62,14 +64,12 @@ std::string_view NamespaceOf(pugi::xml_node at, std::string_view prefix) {
     return {};
 }
 
-bool Is(pugi::xml_node node, std::string_view local,
-        std::initializer_list<const char*> namespaces) {
+bool Is(pugi::xml_node node, std::string_view local, Namespaces namespaces) {
     const QName name = Split(node.name());
     return name.local == local && Contains(namespaces, NamespaceOf(node, name.prefix));
 }
 
-pugi::xml_node Child(pugi::xml_node parent, std::string_view local,
-                     std::initializer_list<const char*> namespaces) {
+pugi::xml_node Child(pugi::xml_node parent, std::string_view local, Namespaces namespaces) {
     return parent.find_child([&](pugi::xml_node child) { return Is(child, local, namespaces); });
 }
 
@@ -86,13 +86,12 @@ std::string ShownType(pugi::xml_node at, const std::string& word) {
 ProbeMatch ReadMatch(pugi::xml_node node) {
     constexpr char kSpace[] = " \t\r\n";
     ProbeMatch match;
-    const auto endpoint = Child(node, "EndpointReference", {kAddressing, kAddressing10});
-    match.endpoint =
-        PlainText(Child(endpoint, "Address", {kAddressing, kAddressing10}).text().get());
-    const auto types = Child(node, "Types", {kDiscovery, kDiscovery11});
+    const auto endpoint = Child(node, "EndpointReference", kAddressing);
+    match.endpoint = PlainText(Child(endpoint, "Address", kAddressing).text().get());
+    const auto types = Child(node, "Types", kDiscovery);
     for (const std::string& word : SplitText(types.text().get(), kSpace))
         match.types.push_back(ShownType(types, word));
-    const auto xAddrs = Child(node, "XAddrs", {kDiscovery, kDiscovery11});
+    const auto xAddrs = Child(node, "XAddrs", kDiscovery);
     for (const std::string& word : SplitText(xAddrs.text().get(), kSpace))
         match.xAddrs.push_back(PlainText(word));
     return match;
@@ -119,10 +118,10 @@ std::string BuildProbe(const std::string& types, const std::string& messageId) {
         if (types.find(known.prefix + ":") != std::string::npos)
             declarations += " xmlns:" + known.prefix + "=\"" + known.uri + "\"";
     }
-    const std::string discovery = kDiscovery;
+    const std::string discovery = *kDiscovery.begin();
     return "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<soap:Envelope xmlns:soap=\"" +
-           std::string(kSoap) + "\" xmlns:wsa=\"" + kAddressing + "\" xmlns:wsd=\"" + discovery +
-           "\"" + declarations + ">" +
+           std::string(*kSoap.begin()) + "\" xmlns:wsa=\"" + *kAddressing.begin() +
+           "\" xmlns:wsd=\"" + discovery + "\"" + declarations + ">" +
            "<soap:Header><wsa:To>urn:schemas-xmlsoap-org:ws:2005:04:discovery</"
            "wsa:To><wsa:Action>" +
            discovery + "/Probe</wsa:Action><wsa:MessageID>urn:uuid:" + messageId +
@@ -144,17 +143,15 @@ std::string NewUuid() {
 ProbeReply ReadReply(std::string_view text) {
     ProbeReply reply;
     pugi::xml_document document;
-    // It ends at its first zero byte. One that is cut is not well-formed and gives nothing.
+    // The text ends at its first zero byte. A reply that is cut is not well-formed: it gives
+    // nothing.
     if (!document.load_buffer(text.data(), text.size())) return reply;
-    const auto envelope = Child(document, "Envelope", {kSoap});
-    const auto related =
-        Child(Child(envelope, "Header", {kSoap}), "RelatesTo", {kAddressing, kAddressing10});
+    const auto envelope = Child(document, "Envelope", kSoap);
+    const auto related = Child(Child(envelope, "Header", kSoap), "RelatesTo", kAddressing);
     reply.relatesTo = PlainText(related.text().get());
-    const auto list =
-        Child(Child(envelope, "Body", {kSoap}), "ProbeMatches", {kDiscovery, kDiscovery11});
+    const auto list = Child(Child(envelope, "Body", kSoap), "ProbeMatches", kDiscovery);
     for (const pugi::xml_node child : list.children()) {
-        if (Is(child, "ProbeMatch", {kDiscovery, kDiscovery11}))
-            reply.matches.push_back(ReadMatch(child));
+        if (Is(child, "ProbeMatch", kDiscovery)) reply.matches.push_back(ReadMatch(child));
     }
     return reply;
 }

@@ -11,8 +11,9 @@
 
 namespace vndiscover::host {
 
-// Types from the command line, separated by spaces or commas: a known prefix (wsdp, wprt, wscn,
-// pub) and a name. Empty, with the reason in `problem`, for others. None means every device.
+// Checks types from the command line, separated by spaces or commas: each has a known prefix (wsdp,
+// wprt, wscn, pub) and a name. No types mean every device. Empty, with the reason in `problem`, for
+// other text.
 std::optional<std::string> CheckTypes(std::string_view text, std::string& problem);
 
 // A SOAP 1.2 envelope of WS-Discovery 2005/04. `types` is from CheckTypes, `messageId` is a UUID.
@@ -29,7 +30,7 @@ struct ProbeMatch {
 };
 
 struct ProbeReply {
-    std::string relatesTo;            // the identifier of the Probe; empty: it does not tell
+    std::string relatesTo;            // the identifier of the Probe; empty: not given
     std::vector<ProbeMatch> matches;  // of WS-Discovery 2005/04 or 1.1
 };
 

@@ -98,7 +98,7 @@ bool PatientAsker::HasSign(const Oid& oid) {
               name = {1, 3, 6, 1, 2, 1, 1, 5};
     const bool leadsThere = IsWithin(oid, objectId) || oid == upTime;
     Answer sign = asker_.getNext(leadsThere ? name : upTime);
-    // It may be lost as well.
+    // That request may be lost as well.
     if (IsSilence(sign) && hasAnswered_ && asker_.MayGoOn())
         sign = asker_.getNext(leadsThere ? name : upTime);
     return !IsSilence(sign) && sign.status != Status::kSendFailed;

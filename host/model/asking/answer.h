@@ -34,8 +34,8 @@ struct Answer {
     std::string time{};    // when it came, as in ScanAnswer; empty: unknown
 };
 
-// An answer with a value as the module delivers it. For SNMPv1 it reads one-byte lengths, so an
-// OCTET STRING of more than 127 bytes arrives as 129 bytes: its real length and its first 128
+// An answer with a value as the module delivers it. Over SNMPv1 the module reads one-byte lengths,
+// so an OCTET STRING of more than 127 bytes arrives as 129 bytes: its real length and its first 128
 // bytes.
 Answer AnsweredWith(const Oid& oid, uint32_t type, std::string_view raw);
 
@@ -53,10 +53,10 @@ const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
 
 constexpr char kErrorAnswer[] = "an error instead of a value";
 
-// A device that may not tell, or cannot, is silent over SNMPv3 after the engine discovery.
+// Over SNMPv3, a device that may not or cannot say why is silent after the engine discovery.
 bool IsSilence(const Answer& answer);
 
-// Whether other variables of the device may still be read.
+// Whether other variables of the device may still be read after this failure.
 bool IsOnlyThisOne(const Answer& failure);
 
 // " [the first 128 of 175 bytes]" if the end of the value is missing, otherwise empty.
@@ -81,7 +81,7 @@ struct Asker {
 };
 
 // Repeats what gets no answer. The datagram may have been lost, so it is sent once more. If there
-// is still no answer, sysUpTime tells whether the device is silent or only this variable. If the
+// is still no answer, sysUpTime shows whether the device is silent or only this variable. If the
 // device answers, the request is sent a third time: of hundreds, some lose two datagrams in a row.
 // Then the variable is kSilentHere, and is not asked for again. A device that has not answered
 // anything yet is asked for sysUpTime first: one that is switched off costs two waits.
@@ -93,8 +93,9 @@ class PatientAsker {
     Answer GetNext(const Oid& oid) {
         return Ask(oid, [&] { return asker_.getNext(oid); });
     }
-    // The same for few requests in little time, since each silence takes seconds: one that may lead
-    // to a silent variable again is not repeated, and none is sent between two that did.
+    // The same with few requests in little time, since each silence takes seconds. A request that
+    // may lead to a silent variable again is not repeated; one between two that led to the same
+    // silent variable is not sent.
     Answer GetNextSoon(const Oid& oid);
     // `ask` sends the request for `oid`.
     Answer Ask(const Oid& oid, const std::function<Answer()>& ask, bool isRepeated = true);

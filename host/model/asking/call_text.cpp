@@ -285,7 +285,7 @@ std::string ProgramText(const Call& call, const ExportShape& shape, const Progra
            Filled(program.sharpMain, call.name, arguments, 12) + "    }\n}";
 }
 
-// Of a command line. One is empty if the shell would not read it as one word, or not literally.
+// Of a command line. A word is empty if the shell would not read it literally and as one word.
 using Words = std::vector<std::optional<std::string>>;
 
 std::optional<std::string> Word(const std::string& value) {
@@ -312,7 +312,7 @@ void Add(Words& words, const char* option, const CallArgument* argument) {
     words.push_back(argument->isSecret ? "\"%" + argument->value + "%\"" : Word(argument->value));
 }
 
-// The command takes passwords from the environment by itself.
+// The command reads passwords from the environment by itself.
 void AddUser(Words& words, const Call& call) {
     const CallArgument* const user = Find(call, "userName");
     if (!user) return Add(words, "--community", Find(call, "readCommunity"));

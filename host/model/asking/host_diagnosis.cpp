@@ -76,7 +76,8 @@ std::string Cause(const HostDiagnosis& diagnosis) {
 // The result of a request, and the answer's sender if that is another address.
 StepResult ResultOfAsking(const DiagnosisSteps& steps, const Asker& asker, Answer& answer,
                           std::string& otherSender) {
-    // By the last request; of a variable that stays silent, by the last one that was answered.
+    // Of the last request, and of the last one that was answered: that counts if the variable stays
+    // silent.
     std::optional<int64_t> spentMs, answeredMs;
     Asker timed = asker;
     timed.getNext = [&](const Oid& oid) {

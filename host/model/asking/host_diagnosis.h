@@ -53,7 +53,7 @@ struct DiagnosisSteps {
 // as PatientAsker does. An SNMPv3 request begins with engine discoveries.
 HostDiagnosis Diagnose(const DiagnosisSteps& steps);
 
-// True if SNMP answers the user, or without one the community, and sweeps can find the device.
+// Whether SNMP answers the user, or without one the community, and sweeps can find the device.
 bool IsUsable(const HostDiagnosis& diagnosis);
 
 bool IsUnsendable(const HostDiagnosis& diagnosis);

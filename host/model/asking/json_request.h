@@ -18,7 +18,7 @@ std::optional<std::string> PrepareRequest(std::string_view text, std::string& pr
 
 std::string RequestFor(const std::string& oid);
 
-// What devices are asked for, first to find them; a mistyped name is no OID.
+// The OIDs that devices are asked for, the first one to find them. A mistyped name stays as it is.
 std::vector<std::string> OidTextsOf(const cJSON* request);
 
 // Whether a filled-in document does not end within a result message, which cuts it.

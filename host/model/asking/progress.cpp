@@ -11,7 +11,7 @@ void Progress::BeginSearch(size_t sweeps) {
     answers_ = 0;
     isSearching_ = true;
     isStopping_ = false;
-    last_ = Kind::kStopped;
+    last_ = {Kind::kStopped};
     note_.clear();  // of a former one, perhaps
 }
 
@@ -23,8 +23,7 @@ void Progress::Stop() {
 bool Progress::EndSweep() {
     if (sweepsLeft_ == 0 || --sweepsLeft_ != 0) return false;
     isSearching_ = false;
-    searchEndMs_ = nowMs_();
-    last_ = isStopping_ ? Kind::kStopped : Kind::kDone;
+    last_ = {isStopping_ ? Kind::kStopped : Kind::kDone, SecondsSince(searchMs_)};
     return true;
 }
 
@@ -34,28 +33,25 @@ void Progress::EndAsking(const std::string& address) {
 }
 
 Progress::Status Progress::Now(const Work& work) const {
-    const int64_t now = nowMs_();
-    const auto since = [now](int64_t start) { return (now - start) / 1000; };
-    if (!note_.empty() && now - noteMs_ < kNoteMs) return {Kind::kNote};
+    if (!note_.empty() && nowMs_() - noteMs_ < kNoteMs) return {Kind::kNote};
     if (isStopping_) {
-        const int64_t leftMs = kMaxRequestMs - std::max(now - stopMs_, work.waitMs);
+        const int64_t leftMs = kMaxRequestMs - std::max(nowMs_() - stopMs_, work.waitMs);
         return {Kind::kStopping, std::max<int64_t>(1, leftMs / 1000)};
     }
-    if (isSearching_) return {Kind::kSearching, since(searchMs_), networks_};
+    if (isSearching_) return {Kind::kSearching, SecondsSince(searchMs_), networks_};
     if (work.read.total != 0) {
         const std::string address = work.waitMs >= kWaitMs ? work.address : "";
-        return {Kind::kReadingAll, since(readMs_), 0, address, work.waitMs / 1000, work.read};
+        return {Kind::kReadingAll, SecondsSince(readMs_), 0,
+                address,           work.waitMs / 1000,    work.read};
     }
     if (!asked_.empty()) {
         const auto& [address, startMs] = asked_.back();
         const int64_t waitMs = work.address == address ? work.waitMs : 0;
-        return {Kind::kAsking, since(startMs), work.waiting, address, waitMs / 1000};
+        return {Kind::kAsking, SecondsSince(startMs), work.waiting, address, waitMs / 1000};
     }
-    if (IsWalking()) return {Kind::kWalking, since(walked_.startMs), values_, walked_.address};
-    if (!note_.empty()) return {Kind::kNote};
-    if (last_ == Kind::kReady) return {};
-    if (last_ == Kind::kRead) return {last_, (readEndMs_ - readMs_) / 1000, 0, "", 0, read_};
-    return {last_, (searchEndMs_ - searchMs_) / 1000};
+    if (IsWalking())
+        return {Kind::kWalking, SecondsSince(walked_.startMs), values_, walked_.address};
+    return note_.empty() ? last_ : Status{Kind::kNote};
 }
 
 }  // namespace vndiscover::host

@@ -25,17 +25,17 @@ class Progress {
     }
     bool EndSweep();  // returns true if it was the last one
     void CountAnswer() { ++answers_; }
-    void ForgetSearch() { last_ = Kind::kReady; }
+    void ForgetSearch() { last_ = {}; }
     bool IsSearching() const { return isSearching_; }
     bool IsStopping() const { return isStopping_; }
     bool IsWalking() const { return !walked_.address.empty(); }
-    bool HasSearched() const { return last_ != Kind::kReady; }
-    bool WasStopped() const { return last_ == Kind::kStopped; }
+    bool HasSearched() const { return last_.kind != Kind::kReady; }
+    bool WasStopped() const { return last_.kind == Kind::kStopped; }
     size_t Answers() const { return answers_; }                  // to the last search
     void SetNetworks(size_t networks) { networks_ = networks; }  // that sweeps reach
 
-    // One device is asked for its details or for why it is silent.
-    // An urgent one is asked between two requests to another one.
+    // One device is asked for its details or for why it is silent. An urgent one is asked between
+    // two requests to another one.
     void BeginAsking(const std::string& address) {
         asked_.push_back({address, nowMs_()});
         EndStop();
@@ -48,14 +48,12 @@ class Progress {
         EndStop();
     }
     struct Read {
-        size_t done = 0, unread = 0, total = 0;  // unread: of these done, they gave no value
+        size_t done = 0, unread = 0, total = 0;  // unread: those of the done that gave no value
         bool isOfStates = false;                 // which are read first
     };
     void EndReadingAll(const Read& read) {
         if (nowMs_() - noteMs_ >= kNoteMs) note_.clear();
-        readEndMs_ = nowMs_();
-        read_ = read;
-        last_ = Kind::kRead;
+        last_ = {Kind::kRead, SecondsSince(readMs_), 0, "", 0, read};
     }
 
     void BeginWalk(const std::string& address) {
@@ -76,7 +74,7 @@ class Progress {
     static constexpr int64_t kNoteMs = 4000;
     // No request takes longer; a stop waits for the one that is being answered.
     static constexpr int64_t kMaxRequestMs = 12000;
-    // From when on it is told that an answer is awaited.
+    // A wait for an answer is shown once it is this long.
     static constexpr int64_t kWaitMs = 2000;
 
     enum class Kind {
@@ -109,21 +107,20 @@ class Progress {
     Status Now(const Work& work) const;
 
   private:
-    // Of what was asked for before; a search goes on stopping.
+    // A stop does not concern work that begins later. A search continues to stop.
     void EndStop() { isStopping_ = isStopping_ && isSearching_; }
+    int64_t SecondsSince(int64_t startMs) const { return (nowMs_() - startMs) / 1000; }
 
     std::function<int64_t()> nowMs_;
     bool isSearching_ = false, isStopping_ = false;
-    Kind last_ = Kind::kReady;  // or kDone, kStopped, kRead: how what came last ended
+    Status last_;  // kReady; or kDone, kStopped or kRead: how the last search or reading ended
     size_t sweepsLeft_ = 0, answers_ = 0, networks_ = 0;
-    int64_t searchMs_ = 0, searchEndMs_ = 0, stopMs_ = 0;
+    int64_t searchMs_ = 0, readMs_ = 0, stopMs_ = 0;
     struct Device {
         std::string address;  // empty: none
         int64_t startMs = 0;
     } walked_;
     std::vector<Device> asked_;  // the one that is asked now is the last
-    int64_t readMs_ = 0, readEndMs_ = 0;
-    Read read_;
     size_t values_ = 0;
     std::wstring note_;
     int64_t noteMs_ = 0;

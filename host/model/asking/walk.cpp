@@ -72,8 +72,9 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
     return {ways.begin(), ways.end()};
 }
 
-// The first way that gets past. Several variables may be too long. A silence takes seconds, so few
-// ways are tried then; the last one before that which gets past may have been lost.
+// The first way that gets past. Several variables may be too long. A silence takes seconds, so only
+// few ways are tried then. The request before the first one that got past may have been lost, so
+// the search continues before it.
 template <class GetsPast>
 std::vector<Oid>::const_iterator FirstOf(const std::vector<Oid>& ways, bool isSilence,
                                          const GetsPast& getsPast) {
@@ -116,7 +117,7 @@ class Walk {
             ++end_.variables;
             end_.at = end_.last.oid;
             seen_.push_back(end_.at);
-            // Of a table without end, the rows before the last ones tell nothing more.
+            // In a table without end, the earlier rows add nothing.
             if (seen_.size() > kMostSeen) seen_.erase(seen_.begin(), seen_.end() - kMostSeen / 2);
             end_.isStopped = !onVariable(end_.last);
         }
@@ -167,14 +168,14 @@ class Walk {
         return beyond;
     }
 
-    // What is asked for what follows the subtree.
+    // The OID whose request leads to what follows the subtree.
     Oid Beyond() const {
         Oid beyond = root_;
         ++beyond.back();
         return WalkStart(beyond);
     }
 
-    // Whether no more than one variable is passed by a request for what follows it: it is the next
+    // Whether a request for what follows `oid` passes no more than one variable: it is the next
     // row, or within a standard object.
     bool IsInstance(const Oid& oid) const {
         const Oid* const object = StandardObjectOf(oid);
@@ -182,8 +183,8 @@ class Walk {
         return isNextRow || (object && oid.size() > object->size());
     }
 
-    // Whether the device may well have it: a scalar, or a row that other columns have, or while
-    // only one column was seen, any row.
+    // Whether the device may well have it: a scalar; a row that other columns have; or any row, as
+    // long as only one column was seen.
     bool IsLikely(const Oid& oid) const {
         const Oid* const object = StandardObjectOf(oid);
         if (!object || oid.size() == object->size()) return false;

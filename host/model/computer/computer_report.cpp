@@ -11,7 +11,7 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr unsigned kSilenceSeconds = 2;  // without an answer, after which a sweep goes on
+constexpr unsigned kSilenceSeconds = 2;  // without an answer, after which a sweep continues
 constexpr size_t kMaxIPv6Addresses = 32;
 
 // VPN clients and hypervisors report their adapters as Ethernet, so names are checked before types.

@@ -59,14 +59,14 @@ ComputerReport ReportOn(const Computer& computer);
 
 // Whether broadcasts of this computer reach `host`; empty if that is not a dotted IPv4 address.
 std::optional<bool> IsOnOwnNetwork(const AdapterList& ipv4, const std::string& host);
-// In which this computer has addresses, some of which may be in the same.
+// How many networks this computer has addresses in. Several addresses may be in the same one.
 size_t CountNetworks(const AdapterList& ipv4);
 
 // `verdict`: the label of the first rows.
 Report ReportOf(const ComputerReport& computer, const char* verdict = "Verdict");
 
 // `diagnosis`: empty as long as the device is being asked. `isOnOwnNetwork`: see IsOnOwnNetwork.
-// `otherwise`: of the program, after what was asked in vain.
+// `otherwise`: the program's text after what was asked in vain.
 Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork,
                 const std::string& otherwise = "");
 constexpr char kUserStep[] = "SNMPv3 user";  // the label of its row

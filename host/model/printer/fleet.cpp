@@ -16,7 +16,7 @@ FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
         const int64_t start = asker.NowMs();
         Answer answer = asker.getNext(oid);
         isSlow |= asker.NowMs() - start > kSlowRequestMs;
-        answer.time = UtcNow();  // a later round, or a later try, hands it in again
+        answer.time = UtcNow();  // a later round or attempt begins with it
         return answer;
     };
     PrinterAnswers known;
@@ -33,24 +33,23 @@ void Fleet::Add(std::string address, size_t login, std::map<Oid, Answer> known) 
 
 std::optional<FleetDevice> Fleet::Next() {
     const auto rank = [](const FleetDevice& device) {
-        return std::pair(device.isRead || device.isTaken,
+        return std::pair(device.isRead || device.isBeingRead,
                          2 * static_cast<int>(device.isLate) + (device.isState ? 0 : 1));
     };
     const auto next = std::min_element(
         devices_.begin(), devices_.end(),
         [&](const auto& one, const auto& other) { return rank(one) < rank(other); });
-    if (next == devices_.end() || next->isRead || next->isTaken) return std::nullopt;
+    if (next == devices_.end() || next->isRead || next->isBeingRead) return std::nullopt;
     FleetDevice job = *next;
-    next->isTaken = true;
+    next->isBeingRead = true;
     return job;
 }
 
 void Fleet::Done(FleetDevice job) {
     const bool isPostponed = job.isLate != devices_[job.index].isLate;
     if (!isPostponed) {
-        const PrinterFacts facts = job.isState ? FactsOf(job.answers) : PrinterFacts();
-        if (job.isState && (facts.deviceIndex || IsStateUnread(job.answers)))
-            job.severity = SummaryOf(facts).severity;
+        if (job.isState && (HasPrinter(job.answers) || IsStateUnread(job.answers)))
+            job.severity = SummaryOf(FactsOf(job.answers)).severity;
         const bool isCutShort = job.answers.lastStatus != Status::kAnswered;
         job.isRead = isCutShort || !job.isState || !job.severity;
         job.isState = false;

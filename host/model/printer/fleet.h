@@ -1,5 +1,5 @@
-// Reads many printers in two rounds: first the state of each, then the rest. It has no threads: one
-// loop, or several at the same time under a lock, take jobs and hand in what was read.
+// Reads many printers in two rounds: first the state of each, then the rest. It has no threads: a
+// loop gets jobs from it and returns what was read. Several loops may do so under a lock.
 //
 //   while (auto job = fleet.Next()) fleet.Done(ReadJob(*job, asker));
 #pragma once
@@ -24,24 +24,24 @@ struct FleetDevice {
     size_t login = 0;                    // the caller's number of a community or user
     PrinterAnswers answers;              // read so far
     bool isState = true;                 // the first round, otherwise the second
-    bool isLate = false;                 // was too slow; now it may be
-    bool isTaken = false;                // by a loop
+    bool isLate = false;                 // was too slow for its turn; may be slow now
+    bool isBeingRead = false;            // by a loop
     bool isRead = false;                 // or given up: the answers say why
     std::optional<Severity> severity{};  // of its state; empty: not read yet, or no printer
 };
 
-// Reads what this round is for; blocks.
+// Reads what the round asks for, and returns the job with the answers. Blocks.
 FleetDevice ReadJob(FleetDevice job, const Asker& asker);
 
 class Fleet {
   public:
     // `known`: variables that need not be requested.
     void Add(std::string address, size_t login, std::map<Oid, Answer> known);
-    // Empty: none is left, or the last ones are being done and may leave further ones.
+    // Empty: no job is left, or the last ones are in progress and may lead to further ones.
     std::optional<FleetDevice> Next();
     void Done(FleetDevice job);
-    // Takes back a job that could not be tried.
-    void Return(size_t index) noexcept { devices_[index].isTaken = false; }
+    // For a job that could not be tried: another loop may get it.
+    void Return(size_t index) noexcept { devices_[index].isBeingRead = false; }
     bool IsOver() const { return CountRead() == devices_.size(); }
 
     const std::vector<FleetDevice>& Devices() const { return devices_; }

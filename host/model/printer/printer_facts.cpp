@@ -18,8 +18,14 @@ constexpr int64_t kLoopback = 24;
 constexpr int64_t kUp = 1;
 constexpr char kUnreadable[] = "unreadable";  // of a type that is no number
 
-std::string Given(std::string text, std::string otherwise) {
+std::string TextOr(std::string text, std::string otherwise) {
     return text.empty() ? std::move(otherwise) : std::move(text);
+}
+
+std::vector<uint32_t> AllPrinters(const PrinterAnswers& answers) {
+    return PrintersOf(
+        answers, {"hrPrinterStatus", "hrPrinterDetectedErrorState", "prtGeneralCurrentLocalization",
+                  "prtMarkerSuppliesLevel", "prtMarkerLifeCount"});
 }
 
 bool IsWaste(const std::string& type) { return type.rfind("waste", 0) == 0; }
@@ -88,20 +94,13 @@ class Facts {
     }
 
     void FindPrinter() {
-        std::vector<uint32_t> printers = ListedPrinters(answers_);
-        // Some devices have a printer's tables, but do not list it.
-        for (const char* column :
-             {"hrPrinterStatus", "hrPrinterDetectedErrorState", "prtGeneralCurrentLocalization",
-              "prtMarkerSuppliesLevel", "prtMarkerLifeCount"}) {
-            const std::vector<Oid> rows = RowsOf(answers_, OidOf(column));
-            if (printers.empty() && !rows.empty()) printers = {rows[0][0]};
-        }
+        const std::vector<uint32_t> printers = AllPrinters(answers_);
         if (printers.empty()) return;
         printer_ = {printers.front()};
         facts_.deviceIndex = printers.front();
         facts_.otherPrinters.assign(printers.begin() + 1, printers.end());
         mibRow_ = printer_;
-        const bool isListed = !ListedPrinters(answers_).empty();
+        const bool isListed = !PrintersOf(answers_).empty();
         for (const char* column :
              {"prtMarkerLifeCount", "prtInputCurrentLevel", "prtMarkerSuppliesLevel"}) {
             for (const Oid& row : RowsOf(answers_, OidOf(column))) {
@@ -126,12 +125,12 @@ class Facts {
         facts_.upTicks = Count("sysUpTime", {0});
         facts_.description = Text("sysDescr", {0});
         facts_.location = Text("sysLocation", {0});
-        facts_.name = Given(Text("prtGeneralPrinterName", printer_), Text("sysName", {0}));
-        facts_.model = Given(Text("hrDeviceDescr", printer_), facts_.description);
-        facts_.serialNumber = Given(Text("prtGeneralSerialNumber", mibRow_),
-                                    Text("prtGeneralSerialNumber", printer_));
+        facts_.name = TextOr(Text("prtGeneralPrinterName", printer_), Text("sysName", {0}));
+        facts_.model = TextOr(Text("hrDeviceDescr", printer_), facts_.description);
+        facts_.serialNumber = TextOr(Text("prtGeneralSerialNumber", mibRow_),
+                                     Text("prtGeneralSerialNumber", printer_));
         for (const Oid& part : RowsOf(answers_, OidOf("entPhysicalSerialNum")))
-            facts_.serialNumber = Given(facts_.serialNumber, Text("entPhysicalSerialNum", part));
+            facts_.serialNumber = TextOr(facts_.serialNumber, Text("entPhysicalSerialNum", part));
     }
 
     // Of the first network interface that is up, otherwise of the first one.
@@ -218,7 +217,7 @@ class Facts {
                                     "prtInputDescription"},
                                    mibRow_)) {
             facts_.trays.push_back(
-                {Given(Text("prtInputName", row), Text("prtInputDescription", row)),
+                {TextOr(Text("prtInputName", row), Text("prtInputDescription", row)),
                  Text("prtInputMediaName", row),
                  LevelOf("prtInputCurrentLevel", "prtInputMaxCapacity", "prtInputCapacityUnit",
                          row)});
@@ -257,6 +256,8 @@ class Facts {
 };
 
 }  // namespace
+
+bool HasPrinter(const PrinterAnswers& answers) { return !AllPrinters(answers).empty(); }
 
 PrinterFacts FactsOf(const PrinterAnswers& answers) {
     PrinterFacts facts = Facts(answers).Make();

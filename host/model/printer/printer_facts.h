@@ -32,7 +32,7 @@ std::string PercentText(const Level& level);
 // For a person: "40 % (400 of 1000 impressions)", "some left", "room left: 80 %".
 std::string LevelText(const Level& level);
 
-// All text is plain (see text.h), read in the device's character set; empty: not given.
+// All text is plain (see text.h); empty: not given.
 // States are the words of the objects, such as "idle" or "markerTonerEmpty".
 struct Supply {
     std::string description, colour, type;
@@ -82,7 +82,10 @@ struct PrinterFacts {
 
 PrinterFacts FactsOf(const PrinterAnswers& answers);
 
-// Sets the gaps of a device that was read; they tell why levels are missing.
+// Whether the facts would have a deviceIndex, without the work of making them.
+bool HasPrinter(const PrinterAnswers& answers);
+
+// Sets the gaps of a device that was read, which say why levels are missing.
 void SetGaps(PrinterFacts& facts, std::vector<Gap> gaps);
 
 // "not given" if the subject, or the object, was asked for and is missing; otherwise "not read".

@@ -16,6 +16,7 @@ namespace {
 // Bounds tables, whose length the device decides; no printer has this many rows of anything.
 constexpr size_t kMaxRows = 256;
 
+// Which rows of an object are asked for.
 enum class Way {
     kColumn,   // all rows
     kScalar,   // instance 0
@@ -82,6 +83,7 @@ const Oid kPrinterDevice = {1, 3, 6, 1, 2, 1, 25, 3, 1, 5};  // hrDevicePrinter
 
 constexpr size_t kMaxFailures = 8, kMaxRefusals = 2;  // in a column
 
+// The first OID that is not within `oid` and comes after it.
 Oid EndOf(Oid oid) {
     ++oid.back();
     return oid;
@@ -126,19 +128,15 @@ class Questioner {
         return std::move(answers_);
     }
 
-    // The index of the first printer. Some devices have a printer's state without listing it.
+    // The index of the first printer.
     std::optional<uint32_t> Printer() const {
-        const std::vector<uint32_t> listed = ListedPrinters(answers_);
-        if (!listed.empty()) return listed.front();
-        for (const char* column :
-             {"hrPrinterStatus", "hrPrinterDetectedErrorState", "prtGeneralCurrentLocalization"}) {
-            const std::vector<Oid> rows = RowsOf(answers_, OidOf(column));
-            if (!rows.empty()) return rows.front().front();
-        }
-        return std::nullopt;
+        const auto printers = PrintersOf(
+            answers_,
+            {"hrPrinterStatus", "hrPrinterDetectedErrorState", "prtGeneralCurrentLocalization"});
+        return printers.empty() ? std::nullopt : std::optional(printers.front());
     }
 
-    // Of supplies, none of which tells its colour by its name.
+    // For supplies, if none of them has a colour in its name.
     void ReadColours() {
         const Oid& column = OidOf("prtMarkerSuppliesDescription");
         const std::vector<Oid> rows = RowsOf(answers_, column);
@@ -172,7 +170,7 @@ class Questioner {
             const Oid& column = OidOf("prtGeneralSerialNumber");
             if (answer.status != Status::kAnswered || answer.oid == oid || !IsWithin(oid, column))
                 return;
-            const std::vector<uint32_t> listed = ListedPrinters(answers_);
+            const std::vector<uint32_t> listed = PrintersOf(answers_);
             if (listed.empty()) return;
             const Answer first = Ask(column);
             if (first.status == Status::kAnswered && IsWithin(first.oid, column) &&
@@ -182,10 +180,10 @@ class Questioner {
     }
 
     // `last`: the last OID that the variable may have.
-    void Handle(const Question& question, const Answer& answer, bool isIt, const Oid& last) {
+    void Handle(const Question& question, const Answer& answer, bool isWanted, const Oid& last) {
         if (answer.status == Status::kAnswered) {
-            if (isIt) Save(answer);
-        } else if (!IsOnlyThisOne(answer) || IsUpTo(last, question.way == Way::kScalar)) {
+            if (isWanted) Save(answer);
+        } else if (!IsOnlyThisOne(answer) || GetsPast(last, question.way == Way::kScalar)) {
             AddGap(question, answer);
         }
     }
@@ -199,7 +197,7 @@ class Questioner {
                 const auto row = RowAfter(column, asked);
                 if (row && IsOnlyThisOne(answer)) {
                     unclear = answer;
-                } else if (!IsOnlyThisOne(answer) || IsUpTo(EndOf(column))) {
+                } else if (!IsOnlyThisOne(answer) || GetsPast(EndOf(column))) {
                     AddGap(question, answer);
                 } else {
                     return;
@@ -245,9 +243,9 @@ class Questioner {
         return EndOf(row);
     }
 
-    // Whether a request for what follows `oid` gets past the variable that cannot be read. Two of
-    // those may follow each other; `isLikely`: what has this OID mostly exists.
-    bool IsUpTo(const Oid& oid, bool isLikely = false) {
+    // Whether a request for what follows `oid` gets past the variable that cannot be read. If
+    // `isLikely`, a device mostly has what `oid` names: then two in a row may be unreadable.
+    bool GetsPast(const Oid& oid, bool isLikely = false) {
         const Status status = IsMisencoded(oid) ? Status::kNoAnswer : Ask(oid).status;
         const bool isRefused = refusals_ > 1;  // this request, and the one before
         return status == Status::kAnswered || isRefused ||
@@ -256,11 +254,11 @@ class Questioner {
 
     // Computers that share a printer list hundreds of devices after it.
     bool IsEnough(const Question& question) const {
-        return std::string_view(question.object) == "hrDeviceType" &&
-               !ListedPrinters(answers_).empty();
+        return std::string_view(question.object) == "hrDeviceType" && !PrintersOf(answers_).empty();
     }
 
-    // To skip a row that could not be read: the first one after `asked` in a column read before.
+    // Where to continue after a row that could not be read: at the first row after `asked` in a
+    // column read before.
     std::optional<Oid> RowAfter(const Oid& column, const Oid& asked) const {
         std::optional<Oid> first;
         for (const Oid& cell : RowsOf(answers_, Head(column, column.size() - 1))) {
@@ -279,15 +277,16 @@ class Questioner {
 
     Answer Ask(const Oid& oid) {
         Answer answer = MayGoOn() ? patient_.GetNextSoon(oid) : Failed(Status::kNoAnswer, oid);
-        // One that lets its user read other variables refuses only this one; some in a row are all.
+        // A device that lets its user read other variables refuses only this one. If it refuses
+        // many in a row, it refuses all.
         constexpr size_t kManyRefusals = 40;
         if (answer.status == Status::kAnswered) refusals_ = 0;
         const bool isOnlyThisOne = answer.status == Status::kRefused && !answers_.values.empty() &&
                                    (++refusals_ < kManyRefusals || Printer());
         if (isOnlyThisOne) return Failed(Status::kUnreadable, oid, Problem(answer));
         const Oid* const object = StandardObjectOf(oid);
-        // The silent variable may be behind a table that the device lacks, or the rest of it: then
-        // none of it needs to be asked for.
+        // The silent variable may come after a table that the device lacks, or after its last row.
+        // This request shows it: then no more of the table is asked for.
         if (answer.status == Status::kSilentHere && object && MayGoOn())
             patient_.GetNextSoon(EndOf(Head(*object, object->size() - 1)));
         const Oid afterMib2 = {1, 3, 6, 1, 2, 2};
@@ -299,7 +298,7 @@ class Questioner {
         if (!IsNoValue(answer.type)) answers_.values[answer.oid] = answer;
     }
 
-    // Ends the reading, unless the failure is of this variable only.
+    // The failure ends the reading, unless it is of this variable only.
     void AddGap(const Question& question, const Answer& failure) {
         const std::string problem = stopReason_ ? stopReason_ : Problem(failure);
         AddGap(question, true, problem);
@@ -338,14 +337,20 @@ std::vector<Oid> RowsOf(const PrinterAnswers& answers, const Oid& column) {
     return rows;
 }
 
-std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers) {
+std::vector<uint32_t> PrintersOf(const PrinterAnswers& answers,
+                                 std::initializer_list<const char*> otherwise) {
     std::vector<uint32_t> printers;
-    const Oid& column = OidOf("hrDeviceType");
-    for (const Oid& row : RowsOf(answers, column)) {
-        const Answer& type = answers.values.at(Append(column, row));
+    const Oid& types = OidOf("hrDeviceType");
+    for (const Oid& row : RowsOf(answers, types)) {
+        const Answer& type = answers.values.at(Append(types, row));
         if (row.size() == 1 && type.type == kObjectIdentifier &&
             DecodeOid(type.bytes) == kPrinterDevice)
             printers.push_back(row.back());
+    }
+    for (const char* column : otherwise) {
+        if (!printers.empty()) break;
+        const std::vector<Oid> rows = RowsOf(answers, OidOf(column));
+        if (!rows.empty()) printers = {rows.front().front()};
     }
     return printers;
 }

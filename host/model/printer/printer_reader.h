@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <vector>
@@ -29,9 +30,12 @@ struct PrinterAnswers {
 // The instances of a column that were received, in their order.
 std::vector<Oid> RowsOf(const PrinterAnswers& answers, const Oid& column);
 
-std::vector<uint32_t> ListedPrinters(const PrinterAnswers& answers);
+// The indexes of the printers that the device lists. Some devices have a printer's tables without
+// listing it: then the index is in the first row of the first of `otherwise` that has rows.
+std::vector<uint32_t> PrintersOf(const PrinterAnswers& answers,
+                                 std::initializer_list<const char*> otherwise = {});
 
-// The state of a printer was asked for, but could not be read.
+// Whether the state of a printer was asked for, but could not be read.
 bool IsStateUnread(const PrinterAnswers& answers);
 
 // Far more than a device needs; one that answers each request just in time would take hours.
@@ -42,13 +46,13 @@ constexpr int64_t kMaxReadMs = 120000;
 // kMaxReadMs. `withInterfaces`: three further columns, of the network interfaces.
 PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces = false);
 
-// Whether the device is a printer, and its state: at most four requests for what is not known, and
-// more only if one of them fails.
+// Reads whether the device is a printer, and its state. Sends at most four requests for what is not
+// known, and more only if one of them fails.
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known);
 
-// Adds to the values and gaps of the state what a list of printers shows besides it: names, serial
-// number, page count, supplies, firmware, without a serial number the MAC address, and colours if
-// no supply's name tells one. About 13 requests, and 6 for each supply.
+// Adds to the values and gaps of the state what else a list of printers shows: names, serial
+// number, page count, supplies and firmware; the MAC address if there is no serial number; and
+// colours if no supply has one in its name. About 13 requests, and 6 for each supply.
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known);
 
 }  // namespace vndiscover::host

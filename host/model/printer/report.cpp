@@ -16,7 +16,7 @@ std::string Duration(uint64_t ticks) {
     return text.substr(0, text.size() - 3);
 }
 
-// "" for words that say nothing of a part or a kind.
+// "" for words that say nothing about a part or a kind.
 std::string KindText(const std::string& word) {
     return word == "other" || word == "unknown" ? "" : PlainWords(word);
 }
@@ -40,7 +40,7 @@ ReportSection Alerts(const PrinterFacts& facts) {
     for (const Alert& alert : facts.alerts) {
         std::string text = AlertText(alert);
         // The time of an alert from before the device's restart would be in the future.
-        // 0 is of a device that keeps no times.
+        // 0 is of a device that records no times.
         if (alert.upTicks.value_or(0) > 0 && facts.upTicks && *alert.upTicks <= *facts.upTicks)
             text += ", for " + Duration(*facts.upTicks - *alert.upTicks);
         section.Add("Alerts", text,
@@ -61,7 +61,7 @@ ReportSection Identity(const PrinterFacts& facts, const ReportContext& context) 
         section.Add(label,
                     isMissing ? "(" + std::string(MissingText(facts.gaps, subject)) + ")" : text);
     };
-    // The description would have taken the model's place.
+    // Without a model, the description would have been shown as the model.
     const bool isUndescribed =
         AnyOf(facts.gaps, [](const Gap& gap) { return gap.subject == "description"; });
     add("Model", facts.model, isUndescribed ? "description" : "model and state");
@@ -95,7 +95,7 @@ ReportSection Trays(const PrinterFacts& facts, const LevelLimits& limits) {
     ReportSection section = {"Trays", {}};
     for (const Tray& tray : facts.trays) {
         const std::string number = "Tray " + std::to_string(section.rows.size() + 1);
-        // An empty one keeps only some jobs from being printed.
+        // An empty tray prevents only some jobs.
         section.Add({tray.name.empty() ? number : tray.name,
                      Joined({LevelText(tray.level), tray.medium}), PercentOf(tray.level),
                      std::max(SeverityOf(tray.level, limits), Severity::kAttention)});
@@ -143,14 +143,14 @@ bool StopsPrinting(std::string_view error) {
     return Contains(kStops, error);
 }
 
-bool IsTold(const std::string& status) {
+bool IsKnown(const std::string& status) {
     return !status.empty() && status != "other" && status != "unknown";
 }
 
 Severity StateSeverity(const PrinterFacts& facts) {
     const Severity severity = std::min(ErrorSeverity(facts), DeviceSeverity(facts));
     if (severity != Severity::kFine) return severity;
-    return IsTold(facts.deviceStatus) || IsTold(facts.printerStatus) || facts.errors
+    return IsKnown(facts.deviceStatus) || IsKnown(facts.printerStatus) || facts.errors
                ? Severity::kFine
                : Severity::kUnknown;
 }
@@ -166,7 +166,7 @@ const char* ProblemOf(const Level& level) {
 std::string StateText(const PrinterFacts& facts) {
     if (facts.errors && !facts.errors->empty()) return ErrorText(facts);
     const bool isDeviceStatus =
-        DeviceSeverity(facts) == Severity::kCritical || !IsTold(facts.printerStatus);
+        DeviceSeverity(facts) == Severity::kCritical || !IsKnown(facts.printerStatus);
     return PlainWords(isDeviceStatus ? facts.deviceStatus : facts.printerStatus);
 }
 
@@ -324,7 +324,7 @@ PrinterSummary SummaryOf(const PrinterFacts& facts, const LevelLimits& limits) {
                                 " ");
         summary.supplyColour = ColourWords(supply);
     }
-    // It still prints, as far as its state tells.
+    // It still prints, as far as its state says.
     if (summary.supplySeverity != Severity::kFine)
         summary.severity = std::min(summary.severity, Severity::kAttention);
     return summary;

@@ -1,6 +1,6 @@
 // What a program shows a person: sections of rows. They are made of the facts once, and each
-// program draws them in its own way. A program adds only what it alone can
-// offer, such as a key or a command.
+// program draws them in its own way. A program adds only what it alone can offer, such as a key or
+// a command.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,7 @@ enum class Severity { kCritical, kAttention, kUnknown, kFine };
 // "critical", "attention", "unknown", "fine".
 const char* SeverityName(Severity severity);
 
-// Critical if one keeps it from printing; fine if there are none, or the device has not said.
+// Critical if an error keeps it from printing; fine without errors, or if they are not known.
 Severity ErrorSeverity(const PrinterFacts& facts);
 
 // The percentage below which a level needs attention. An empty supply is critical.
@@ -36,7 +36,7 @@ struct ReportRow {
     Severity severity = Severity::kFine;
     std::string colour{};       // of a supply, see ColourWords
     std::string detail{};       // for those who ask for more: the objects of a reason
-    bool repeatsLabel = false;  // after a row with the same label, too
+    bool repeatsLabel = false;  // even after a row with the same label
     bool isCommand = false;     // for a shell: must stay in one line
 };
 
@@ -94,13 +94,13 @@ struct ReportContext {
 enum class ReportPart : size_t { kIdentity, kState, kAlerts, kSupplies, kTrays, kNotes };
 Report ReportOf(const PrinterFacts& facts, const ReportContext& context);
 
-// Of the network, which is not in the report above.
+// The network interfaces, which are not in the report above.
 ReportSection InterfaceSection(const PrinterFacts& facts);
 
 struct TextStyle {
     size_t width = 80;        // of a line, in characters
     bool hasColours = false;  // as escape sequences, of bars and marks
-    bool hasMarks = true;     // "!" and "!!" before what is worth a look
+    bool hasMarks = true;     // "!" and "!!" before what needs attention
     bool hasDetails = false;
 };
 

@@ -87,7 +87,7 @@ inline constexpr ColumnInfo kColumns[] = {
 
 constexpr const ColumnInfo& InfoOf(Column column) { return kColumns[static_cast<size_t>(column)]; }
 
-// Each row is at the place of its Column, and each place is taken once.
+// Each row is at the place of its Column, and each place is used once.
 constexpr bool AreColumnsInOrder() {
     unsigned places = 0;
     for (size_t index = 0; index < kColumnCount; ++index) {

@@ -79,7 +79,7 @@ std::vector<FieldChange> PageCountChanges(const PrinterFacts& before, const Prin
     return changes;
 }
 
-// The device that each later one was before, and by which key; empty: none.
+// For each later device, which earlier one it is and by which key; empty: it is new.
 using Matches = std::vector<std::optional<std::pair<size_t, MergeKey>>>;
 Matches MatchesOf(const std::vector<FoundDevice>& before, const std::vector<FoundDevice>& after) {
     std::vector<const Identity*> identities;
@@ -87,15 +87,15 @@ Matches MatchesOf(const std::vector<FoundDevice>& before, const std::vector<Foun
         for (const FoundDevice& device : *devices) identities.push_back(&device.identity);
     }
     Matches matches(after.size());
-    std::vector<bool> isTaken(before.size());
+    std::vector<bool> isMatched(before.size());
     IdentityGroups(identities)
         .Unite(
             [&](size_t first, size_t second, const Merge&) {
-                return first < before.size() && second >= before.size() && !isTaken[first] &&
+                return first < before.size() && second >= before.size() && !isMatched[first] &&
                        !matches[second - before.size()];
             },
             [&](size_t first, size_t second, const Merge& merge) {
-                isTaken[first] = true;
+                isMatched[first] = true;
                 matches[second - before.size()] = {first, merge.key};
             });
     return matches;
@@ -110,8 +110,9 @@ std::string KeyOf(const DeviceRow& row) {
     return row.Text(Column::kAddress);
 }
 
-// What counts as a change: not the level of a supply, but that it has become low or empty, unless
-// an error says so; not since when a device is silent, or for how long.
+// The state by which changes are seen, and as it is shown. The level of a supply is no change, but
+// that it has become low or empty is, unless an error says so. Since when and for how long a device
+// is silent is no change.
 std::pair<std::string, std::string> StateOf(const DeviceRow& row) {
     Standing standing = row.standing;
     standing.lastAnswer.clear();

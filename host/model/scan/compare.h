@@ -31,7 +31,8 @@ struct Comparison {
     std::vector<FoundDevice> before, after;
     std::vector<size_t> added, gone;  // indexes in `after` and in `before`
     std::vector<DeviceChange> changed;
-    // The same has the printed, and the unread: of these, one scan at least has no variables.
+    // `same` includes the other two: `printed` differ only by page counts; of `unread`, one scan at
+    // least has no variables.
     size_t same = 0, printed = 0, unread = 0;
     bool IsEqual() const { return added.empty() && gone.empty() && changed.size() == printed; }
 };
@@ -50,19 +51,19 @@ struct StateChange {
 
 class ChangeLog {
   public:
-    // A row as it is now. True if its state has changed; one that is being read, or of which only
-    // the first of two rounds was read, has none.
+    // Compares the row with what it was. Returns true if its state has changed. A device that is
+    // being read, or of which only the first of two rounds was read, has no state.
     bool Add(const DeviceRow& row, const std::string& time);
-    // The latest first; of a long time, the last 10,000.
+    // The latest first, 10,000 at most.
     const std::deque<StateChange>& Changes() const { return changes_; }
     bool IsMarked(const DeviceRow& row) const;
     void Unmark(const DeviceRow& row);
-    // The list is another one, whose states are no changes. The changes so far are kept.
+    // For another list: its states are no changes. The changes so far remain.
     void ForgetStates() {
         states_.clear();
         marked_.clear();
     }
-    // The limits of supplies are others: no device has changed, and marks stay.
+    // For other limits of supplies: no device has changed by them. The marks remain.
     void RecordStates(const std::vector<DeviceRow>& rows);
 
   private:

@@ -12,6 +12,7 @@
 #include "values/ranges.h"
 
 namespace vndiscover::host {
+
 Oid ObjectOf(const Oid& variable) {
     const Oid* const object = StandardObjectOf(variable);
     if (!object) return variable.empty() ? Oid() : Oid(variable.begin(), variable.end() - 1);
@@ -23,13 +24,13 @@ namespace {
 
 // What answers to one question have in common. `object`: of a variable, or asked for by a sweep.
 using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oid>;
-// For what takes the place of a removed answer.
+// An answer is replaced only by one of the same origin.
 using Origin = std::tuple<std::string, SweepKind, bool>;
 
 bool IsVariable(const ScanSweep& sweep) { return sweep.form == AnswerForm::kVariable; }
 
 // A variable has the same value by whichever protocol and at whichever address of its device it is
-// read. `isAlone`: not with its object.
+// read. `isAlone`: the question is for the variable only, not for its object.
 Question QuestionOf(const ScanSweep& sweep, const ScanAnswer& answer, bool isAlone) {
     if (!IsVariable(sweep))
         return {answer.address, sweep.kind, sweep.form, sweep.useIPv6, sweep.login, sweep.oid};
@@ -58,22 +59,21 @@ bool IsState(const Oid& oid) {
 }
 
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers) {
-    if (answers.empty()) return {};
-    if (answers.size() == 1) return {answers.front()};
-    std::map<Question, size_t> sweeps;     // the last with an answer to it
-    std::map<SweepKind, size_t> readings;  // the last that replaces all by a protocol
-    size_t state = 0;                      // the last with one
-    const auto follow = [](size_t& last, size_t sweep) { last = std::max(last, sweep); };
+    if (answers.size() < 2) return answers;
+    std::map<Question, size_t> sweeps;     // the last sweep with an answer to it
+    std::map<SweepKind, size_t> readings;  // the last one that replaces all by this protocol
+    size_t state = 0;                      // the last sweep with a state
+    const auto raise = [](size_t& last, size_t sweep) { last = std::max(last, sweep); };
     for (const size_t index : answers) {
         const ScanAnswer& answer = scan.answers[index];
         const ScanSweep& sweep = scan.sweeps[answer.sweep];
-        follow(sweeps[QuestionOf(sweep, answer, sweep.isCut)], answer.sweep);
+        raise(sweeps[QuestionOf(sweep, answer, sweep.isCut)], answer.sweep);
         if (!IsVariable(sweep)) continue;
         for (const SweepKind kind : {SweepKind::kSnmpV1, SweepKind::kSnmpV3}) {
             if (sweep.isComplete || (sweep.isList && kind != sweep.kind))
-                follow(readings[kind], answer.sweep);
+                raise(readings[kind], answer.sweep);
         }
-        if (IsState(answer.answer.oid)) follow(state, answer.sweep);
+        if (IsState(answer.answer.oid)) raise(state, answer.sweep);
     }
     const auto isFormer = [](const auto& known, const auto& key, size_t sweep) {
         const auto found = known.find(key);
@@ -109,26 +109,26 @@ std::vector<size_t> LastCompleteSweeps(const Scan& scan, size_t running) {
 
 namespace {
 
-// Returns the others' new numbers.
+// Returns the new numbers of those that remain.
 std::vector<size_t> RemoveFormerSweeps(Scan& scan, const std::vector<size_t>& current) {
     size_t lastSearch = 1;  // 0 is none
     for (const ScanSweep& sweep : scan.sweeps) lastSearch = std::max(lastSearch, sweep.search);
-    std::set<size_t> isKept;
-    for (const size_t index : current) isKept.insert(scan.answers[index].sweep);
-    for (const size_t index : LastCompleteSweeps(scan)) isKept.insert(index);
+    std::set<size_t> needed;
+    for (const size_t index : current) needed.insert(scan.answers[index].sweep);
+    for (const size_t index : LastCompleteSweeps(scan)) needed.insert(index);
     std::vector<size_t> numbers;
     std::vector<ScanSweep> sweeps;
     for (const ScanSweep& sweep : scan.sweeps) {
         const size_t index = numbers.size();
         numbers.push_back(sweeps.size());
-        if (isKept.count(index) != 0 || sweep.search == lastSearch) sweeps.push_back(sweep);
+        if (needed.count(index) != 0 || sweep.search == lastSearch) sweeps.push_back(sweep);
     }
     scan.sweeps = std::move(sweeps);
     return numbers;
 }
 
-// Of each device, since what one said before it was replaced at its address is still its own; and
-// of each address, since a reading there may be all that says whose the other answers are.
+// By device, since the answers of one that was replaced at its address are still its own; and by
+// address, since a reading there may be all that says whose the other answers are.
 std::vector<std::vector<size_t>> AnswersByPlace(const Scan& scan) {
     std::vector<std::vector<size_t>> groups;
     for (const FoundDevice& device : MakeDevices(scan)) {
@@ -154,7 +154,6 @@ std::vector<size_t> RemoveFormerAnswers(Scan& scan) {
             latest[originOf(index)] = index;
             current.push_back(index);
         }
-        // An answer is replaced only by one of its origin.
         for (const size_t index : answers) successors[index] = latest.at(originOf(index));
     }
     std::sort(current.begin(), current.end());

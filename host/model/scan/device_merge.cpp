@@ -27,7 +27,7 @@ class Merger {
         for (const auto& [one, other] : scan.splits) Separate(one, other);
     }
 
-    // Leaves the descriptions of these devices as the known ones.
+    // Afterwards, the known descriptions are those of these devices.
     std::vector<FoundDevice> Make() {
         std::vector<const Identity*> identities;
         for (const Contact& contact : contacts_) identities.push_back(&contact.device->identity);
@@ -73,7 +73,8 @@ class Merger {
         }
     }
 
-    // Also what came from there later. Of one address, a person has separated the protocols.
+    // Separates what came from there later, too. If both have the same address, a person has
+    // separated its protocols.
     void Separate(size_t one, size_t other) {
         const std::string &address = scan_.answers[one].address,
                           &otherAddress = scan_.answers[other].address;
@@ -104,15 +105,15 @@ class Merger {
     }
 
     void Join(size_t first, size_t second, const Merge& merge) {
-        Contact &kept = contacts_[first], &joined = contacts_[second];
+        Contact &group = contacts_[first], &joined = contacts_[second];
         const auto answer = [&](size_t contact) {
             return contacts_[contact].device->answers.front();
         };
-        kept.merges.push_back({merge.key, merge.value, answer(merge.first), answer(merge.second)});
-        kept.merges.splice(kept.merges.end(), joined.merges);
+        group.merges.push_back({merge.key, merge.value, answer(merge.first), answer(merge.second)});
+        group.merges.splice(group.merges.end(), joined.merges);
         // The shorter one is added to the longer one: a hostile group may join all others.
-        if (kept.apart.size() < joined.apart.size()) std::swap(kept.apart, joined.apart);
-        kept.apart.insert(kept.apart.end(), joined.apart.begin(), joined.apart.end());
+        if (group.apart.size() < joined.apart.size()) std::swap(group.apart, joined.apart);
+        group.apart.insert(group.apart.end(), joined.apart.begin(), joined.apart.end());
         joined.apart.clear();
     }
 
@@ -127,8 +128,8 @@ class Merger {
         return !identity.Of(MergeKey::kSerial).empty() || !identity.Of(MergeKey::kMac).empty();
     }
 
-    // What answers at an address is the device that is read there next, or else was last; not one
-    // that was before.
+    // What answers at an address is the device that is read there next, or if none is, the one that
+    // was read there last; it is not an earlier one.
     bool IsOfAnother(const Identity& former, const Merge& merge) const {
         if (merge.key != MergeKey::kAddress || IsRead(contacts_[merge.second])) return false;
         const auto read = readAt_.find(merge.value);
@@ -138,7 +139,7 @@ class Merger {
         return former.DiffersByStrongerKey(contacts_[owner].device->identity, MergeKey::kAddress);
     }
 
-    // Another device is read at each of its addresses since.
+    // Whether another device has been read at each of its addresses since.
     bool IsReplaced(const Identity& identity) const {
         const std::set<std::string>& addresses = identity.Of(MergeKey::kAddress);
         return !addresses.empty() && AllOf(addresses, [&](const std::string& address) {
@@ -164,7 +165,7 @@ class Merger {
             if (answers[first].size() != group.device->answers.size()) {
                 std::sort(answers[first].begin(), answers[first].end());
                 device = Describe(std::move(answers[first]));
-                // Keeps all identities of the device, even if later answers replaced some of them.
+                // All identities of the device count, even if later answers replaced some of them.
                 device.identity = groups.IdentityOf(first);
                 device.merges.assign(group.merges.begin(), group.merges.end());
             }
@@ -216,17 +217,18 @@ void IdentityGroups::Unite(const MayUnite& mayUnite, const OnUnited& onUnited) {
     }
 }
 
-// They are now, or were already.
+// Returns true if they are united now, or were already.
 bool IdentityGroups::AreUnited(const Merge& merge, const MayUnite& mayUnite,
                                const OnUnited& onUnited) {
     const auto [first, second] = std::minmax({First(merge.first), First(merge.second)});
     if (first == second) return true;
-    Member &kept = members_[first], &joined = members_[second];
-    if (kept.group.DiffersByStrongerKey(joined.group, merge.key) || !mayUnite(first, second, merge))
+    Member &leader = members_[first], &joined = members_[second];
+    if (leader.group.DiffersByStrongerKey(joined.group, merge.key) ||
+        !mayUnite(first, second, merge))
         return false;
     // The smaller one is added to the larger one: a hostile group may join all others.
-    if (kept.group.Size() < joined.group.Size()) std::swap(kept.group, joined.group);
-    kept.group.Add(std::exchange(joined.group, {}));
+    if (leader.group.Size() < joined.group.Size()) std::swap(leader.group, joined.group);
+    leader.group.Add(std::exchange(joined.group, {}));
     joined.parent = first;
     onUnited(first, second, merge);
     return true;

@@ -15,9 +15,9 @@ class IdentityGroups {
   public:
     // The identities must outlive it.
     explicit IdentityGroups(const std::vector<const Identity*>& members);
-    // `mayUnite` gets the first members of two groups, in their order; it and `onUnited` may call
-    // First. `onUnited` gets the same, after the two have become one. Merge tells why, of members:
-    // its second one is the later one.
+    // `mayUnite` gets the first members of two groups, in their order. `onUnited` gets the same,
+    // after the two have become one. Both may call First. `merge` names the two members that have a
+    // value in common, the later one as its second.
     using MayUnite = std::function<bool(size_t first, size_t second, const Merge& merge)>;
     using OnUnited = std::function<void(size_t first, size_t second, const Merge& merge)>;
     void Unite(const MayUnite& mayUnite, const OnUnited& onUnited);

@@ -22,7 +22,7 @@ std::vector<std::string> AddressesOf(const FoundDevice& device) {
     return addresses;
 }
 
-// Only what a device says of itself makes it none: silence does not.
+// Only what a device says of itself makes it no printer. Silence does not.
 bool IsNoPrinter(const FoundDevice& device, const Standing& standing) {
     if (device.facts->deviceIndex) return false;
     const bool isRead = device.hasVariables && standing.kind != Standing::Kind::kIncomplete;

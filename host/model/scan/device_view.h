@@ -21,8 +21,8 @@ struct RowContext {
     const AdapterList& ipv4;
     const LevelLimits& limits;
 };
-// After each batch of answers. `standing` tells that of a device; of `known` rows, those with the
-// same answers and standing are used again.
+// Called after each batch of answers. `standing` returns a device's. Rows of `known` with the same
+// answers and standing are used again.
 std::vector<DeviceRow> MakeRows(const RowContext& context, std::vector<FoundDevice> devices,
                                 const std::function<Standing(const FoundDevice&)>& standing,
                                 std::vector<DeviceRow> known = {});

@@ -251,6 +251,7 @@ std::string VariableWriter::Row(const Answer& answer) {
 std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator) {
     return JoinedAs(cells, CsvCell, separator) + "\r\n";
 }
+
 std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
     const JsonItem item(cJSON_CreateObject());
     cJSON* const root = item.get();
@@ -365,6 +366,29 @@ std::string PrintersJson(const std::vector<PrinterLine>& printers) {
         array.Add(object);
     }
     return array.Finish();
+}
+
+std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
+    std::string text =
+        "severity,state,lowest supply,name,model,addresses,serial number,location,firmware,"
+        "page count,supplies,not read\n";
+    for (const PrinterLine& printer : printers) {
+        const PrinterFacts& facts = printer.facts;
+        const std::vector<std::string> cells = {SeverityName(printer.summary.severity),
+                                                printer.summary.state,
+                                                printer.summary.supply,
+                                                facts.name,
+                                                facts.model,
+                                                Joined(printer.addresses),
+                                                facts.serialNumber,
+                                                facts.location,
+                                                facts.description,
+                                                CountText(facts),
+                                                SuppliesText(facts),
+                                                UnreadText(printer)};
+        text += JoinedAs(cells, CsvCell, ",") + "\n";
+    }
+    return text;
 }
 
 }  // namespace vndiscover::host

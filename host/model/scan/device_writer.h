@@ -36,7 +36,7 @@ struct SweepValues {
 
 class DeviceWriter {
   public:
-    // useIPv6: whether the address column is wider.
+    // `useIPv6`: whether the address column is wider.
     DeviceWriter(Format format, bool useIPv6, SweepValues values)
         : format_(format), useIPv6_(useIPv6), values_(std::move(values)) {}
 
@@ -64,7 +64,7 @@ class DeviceWriter {
 // The output of directed requests: one line or JSON element for each variable, as it arrives.
 class VariableWriter {
   public:
-    // withNames: whether to show OIDs, enumerations and bits as words, and hardware addresses.
+    // `withNames`: whether to show OIDs, enumerations and bits as words, and hardware addresses.
     explicit VariableWriter(bool isJson, bool withNames = false)
         : isJson_(isJson), withNames_(withNames) {}
     // The text to print now; lines end in LF. As text, only kAnswered gives a line.
@@ -88,8 +88,10 @@ constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";  // before the first line
 std::string PrinterJson(const PrinterFacts& facts, const std::string& host);
 // An array; what was not asked for in a list is not in it.
 std::string PrintersJson(const std::vector<PrinterLine>& printers);
+// The same as a CSV document, for a spreadsheet; lines end in LF. See CsvCell.
+std::string PrintersCsv(const std::vector<PrinterLine>& printers);
 std::string ComputerJson(const ComputerReport& report);
-// isOnOwnNetwork: see IsOnOwnNetwork.
+// `isOnOwnNetwork`: see IsOnOwnNetwork.
 std::string HostJson(const HostDiagnosis& diagnosis, std::optional<bool> isOnOwnNetwork,
                      const std::string& host);
 std::string ComparisonJson(const Comparison& comparison);

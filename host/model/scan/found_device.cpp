@@ -95,12 +95,12 @@ class Collector {
             stateSweep_ = answer.sweep;
             readTime_ = std::max(readTime_, answer.time);
         }
-        // Only a reading that asks for alerts too asks for it.
+        // Only a reading that asks for alerts asks for this.
         if (IsAny(oid, {"sysUpTime"})) {
             wholeSweep_ = answer.sweep;
             upTime_ = std::max(upTime_, answer.time);
         }
-        // One that ended early had come to the alerts if it has what is read after them.
+        // A reading that ended early has read the alerts if it has what is read after them.
         if (isOfWhole || IsAny(oid, {"prtConsoleDisplayBufferText", "ifType", "ifPhysAddress",
                                      "ifOperStatus", "entPhysicalSerialNum"}))
             alertsSweep_ = answer.sweep;
@@ -109,7 +109,7 @@ class Collector {
     void AddText(const Oid& oid, const std::string& text) {
         if (text.empty() || !IsTextObject(oid)) return;
         Answer& known = variables_.values[oid];
-        // The text may have been cut at a zero byte; a value that was read whole is kept.
+        // The text may have been cut at a zero byte; a value that was read whole remains.
         if (known.bytes.compare(0, text.size(), text) == 0) return;
         known = Received(text);
         known.oid = oid;

@@ -33,8 +33,8 @@ class Identity {
     const std::set<std::string>& Of(MergeKey key) const {
         return values_[static_cast<size_t>(key)];
     }
-    // Whether both have a key stronger than `key`, but no common value of it. Then a common value
-    // of `key` does not make them one device: an address may have passed from one device to
+    // Whether both have a key that is stronger than `key`, but no common value of it. Then a common
+    // value of `key` does not make them one device: an address may have passed from one device to
     // another, and a print server has one MAC address for several printers.
     bool DiffersByStrongerKey(const Identity& other, MergeKey key) const;
 
@@ -53,7 +53,7 @@ struct FoundDevice {
     std::vector<size_t> answers;  // indexes in Scan::answers, ascending; the first identifies it
     Identity identity;
     std::vector<std::string> types;             // by WS-Discovery, see ProbeMatch
-    std::string added;                          // by hand, as this; empty: it was not
+    std::string added;                          // as what a person added it; empty: nobody did
     bool hasVariables = false;                  // was asked after a sweep, and answered
     bool areAlertsKnown = false;                // they were asked for with its state
     bool isReplaced = false;                    // another device is at its addresses now
@@ -62,7 +62,7 @@ struct FoundDevice {
     std::vector<Merge> merges;
 };
 
-// Combines those of these answers that still hold; of WS-Discovery replies, the first 256.
+// Combines those of the answers that still hold. Of WS-Discovery replies, only the first 256 count.
 FoundDevice DescribeDevice(const Scan& scan, std::vector<size_t> answers);
 
 // Whether WS-Discovery says that it is no printer.

@@ -68,26 +68,28 @@ inline AnswerForm FormOf(SweepKind kind, const Oid& oid) {
 // Whether the OID is one of these standard objects, or an instance of one.
 bool IsAny(const Oid& oid, std::initializer_list<const char*> objects);
 
-// Whether a variable says what state a printer is in. A reading of no more leaves out its alerts.
+// Whether a variable says what state a printer is in. A reading of the state alone leaves out
+// alerts.
 bool IsState(const Oid& oid);
 
-// The object of a variable. The columns of supplies are one: a list reads them together, and none
-// keeps rows of an earlier reading beside the others.
+// The object of a variable. The columns of supplies count as one, since a list reads them together:
+// no column has rows of an earlier reading than the others.
 Oid ObjectOf(const Oid& variable);
 
-// Those of a device's answers, with these ascending indexes, that no later one replaces. A sweep
-// replaces the answers to the same question from the same address; a reading, by whichever
-// protocol, the variables of each object that it read, all if it is complete, those by another
-// protocol if all that a list shows was read, or only those that it read if it ended early; a state
-// replaces alerts and the panel's text, and a column of supplies the others.
+// Those of a device's answers that no later one replaces. The indexes are ascending.
+// - A sweep replaces the answers to the same question from the same address.
+// - A reading replaces the variables of each object that it read, by whichever protocol. A complete
+//   one replaces all variables; one of all that a list shows, also those by another protocol; one
+//   that ended early, only the variables that it read.
+// - A state replaces alerts and the panel's text; a column of supplies, the other ones.
 std::vector<size_t> CurrentAnswers(const Scan& scan, const std::vector<size_t>& answers);
 
-// The indexes of the sweeps of searches that ran to their end, of those that asked the same only
-// the last one. `running`: the number of a search that does not count; 0: all do.
+// The indexes of sweeps of searches that ran to their end. Of sweeps that asked the same, only the
+// last one counts. `running`: the number of a search that does not count; 0: all do.
 std::vector<size_t> LastCompleteSweeps(const Scan& scan, size_t running = 0);
 
-// Removes the others of each device, and sweeps that neither have answers nor tell who was silent.
-// Returns each answer's new index, or that of what has replaced it.
+// Removes the other answers of each device, and sweeps that neither have answers nor say who was
+// silent. Returns each answer's new index, or that of the answer that has replaced it.
 std::vector<size_t> RemoveFormerAnswers(Scan& scan);
 
 }  // namespace vndiscover::host

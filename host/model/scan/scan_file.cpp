@@ -51,7 +51,7 @@ class Stepper {
     }
 
   private:
-    // True if a value begins here. A string or literal is skipped up to its last byte.
+    // Returns whether a value begins here. Skips a string or literal up to its last byte.
     bool StepOver(char first) {
         if (first == '\n') ++place_.line;
         if (first == '\0') place_.problem = "a zero byte";
@@ -61,7 +61,7 @@ class Stepper {
             return true;
         }
         if (first == '"') {
-            PassString();
+            SkipString();
             const size_t next = text_.find_first_not_of(" \t\r\n", at_ + 1);
             return next == std::string_view::npos || text_[next] != ':';
         }
@@ -71,7 +71,7 @@ class Stepper {
         return true;
     }
 
-    void PassString() {
+    void SkipString() {
         while (++at_ < text_.size() && text_[at_] != '"') {
             if (text_[at_] == '\n') ++place_.line;
             // The parser would end the string there.
@@ -92,7 +92,8 @@ Place CheckBounds(std::string_view text) {
     return Stepper(text).FindValue(SIZE_MAX);
 }
 
-// How many values begin before `wanted`, in the order of the text.
+// Counts the values that begin before `wanted`, in the order of the text. Returns whether it is
+// among the items.
 bool CountValuesBefore(const cJSON* wanted, const cJSON* from, size_t& count) {
     for (const cJSON* item = from; item; item = item->next) {
         if (item == wanted) return true;
@@ -102,7 +103,7 @@ bool CountValuesBefore(const cJSON* wanted, const cJSON* from, size_t& count) {
     return false;
 }
 
-struct Refusal {
+struct ReadError {
     const cJSON* at;
     std::string problem;
 };
@@ -115,18 +116,18 @@ bool IsTime(std::string_view text) {
                       });
 }
 
-// A number, without a zone. Letters would not tell: "beef.de" is a name that requests resolve.
+// A number, without a zone. Letters do not show it: "beef.de" is a name that requests resolve.
 bool IsAddress(const std::string& text) {
     return text.empty() || (text.size() < kAddressSize && text.find('%') == std::string::npos &&
                             ParseIpAddress(text));
 }
 
-// A member of an object, or an element of an array. What reads it throws a Refusal.
+// A member of an object, or an element of an array. What reads it throws a ReadError.
 struct Item {
     const cJSON* value;
     std::string name;
 
-    Refusal Wrong(const char* what) const { return {value, name + " " + what}; }
+    ReadError Wrong(const char* what) const { return {value, name + " " + what}; }
 
     const cJSON* Array() const {
         if (!cJSON_IsArray(value)) throw Wrong("is not an array");
@@ -163,14 +164,14 @@ struct Item {
 };
 
 const cJSON* Find(const cJSON* object, const char* name) {
-    if (!cJSON_IsObject(object)) throw Refusal{object, "not an object"};
+    if (!cJSON_IsObject(object)) throw ReadError{object, "not an object"};
     return cJSON_GetObjectItemCaseSensitive(object, name);
 }
 
 Item Member(const cJSON* object, const char* name) {
     const std::string quoted = "\"" + std::string(name) + "\"";
     if (const cJSON* const member = Find(object, name)) return {member, quoted};
-    throw Refusal{object, quoted + " is missing"};
+    throw ReadError{object, quoted + " is missing"};
 }
 
 std::string BytesOf(const cJSON* object) {
@@ -178,7 +179,7 @@ std::string BytesOf(const cJSON* object) {
     const Item item = Member(object, isText ? "text" : "hex");
     auto bytes = isText ? std::string(item.Text()) : ParseHex(item.Text());
     if (!bytes) throw item.Wrong("is not hexadecimal");
-    if (bytes->size() > kValueSize) throw Refusal{object, "the answer is too long"};
+    if (bytes->size() > kValueSize) throw ReadError{object, "the answer is too long"};
     return std::move(*bytes);
 }
 
@@ -215,32 +216,32 @@ ScanAnswer AnswerOf(const cJSON* item, const std::vector<ScanSweep>& sweeps) {
 
 std::pair<size_t, size_t> SplitOf(const cJSON* item, size_t answers) {
     if (!cJSON_IsArray(item) || cJSON_GetArraySize(item) != 2)
-        throw Refusal{item, "a split does not have two answers"};
+        throw ReadError{item, "a split does not have two answers"};
     const auto at = [&](int i) {
         return Item{cJSON_GetArrayItem(item, i), "a split"}.Number(answers);
     };
     return {at(0), at(1)};
 }
 
-// Throws a Refusal.
+// Throws a ReadError.
 Scan ScanOf(const cJSON* root) {
-    if (Member(root, "format").Text() != kFormat) throw Refusal{root, "not a scan"};
+    if (Member(root, "format").Text() != kFormat) throw ReadError{root, "not a scan"};
     const Item version = Member(root, "version");
     if (const size_t number = version.Number(SIZE_MAX); number != kVersion) {
-        throw Refusal{version.value, "version " + std::to_string(number) +
-                                         " of the format, but only " + std::to_string(kVersion) +
-                                         " can be read"};
+        throw ReadError{version.value, "version " + std::to_string(number) +
+                                           " of the format, but only " + std::to_string(kVersion) +
+                                           " can be read"};
     }
     Scan scan;
     const cJSON* item = nullptr;
     const cJSON* const sweeps = Member(root, "sweeps").Array();
     cJSON_ArrayForEach(item, sweeps) scan.sweeps.push_back(SweepOf(item));
-    if (scan.sweeps.size() > kMaxSweeps) throw Refusal{sweeps, kTooManySweeps};
+    if (scan.sweeps.size() > kMaxSweeps) throw ReadError{sweeps, kTooManySweeps};
     cJSON_ArrayForEach(item, Member(root, "answers").Array())
         scan.answers.push_back(AnswerOf(item, scan.sweeps));
     const cJSON* const splits = Member(root, "splits").Array();
     cJSON_ArrayForEach(item, splits) scan.splits.push_back(SplitOf(item, scan.answers.size()));
-    if (scan.splits.size() > kMaxSplits) throw Refusal{splits, kTooManySplits};
+    if (scan.splits.size() > kMaxSplits) throw ReadError{splits, kTooManySplits};
     return scan;
 }
 
@@ -286,7 +287,7 @@ std::string Elements(const Rows& rows, Fill fill, cJSON* (*create)() = cJSON_Cre
         array.Add(element.get());
     }
     std::string text = array.Finish();
-    text.pop_back();  // the line goes on
+    text.pop_back();  // the line end: more follows
     return text;
 }
 
@@ -298,8 +299,9 @@ size_t LargestSweep(const Scan& scan) {
     return static_cast<size_t>(std::max_element(sizes.begin(), sizes.end()) - sizes.begin());
 }
 
-// Removes answers of the largest sweep: over half of the most of an address, or the later half.
-void Thin(Scan& scan) {
+// Removes answers of the largest sweep: those of an address beyond half of the most that one has,
+// or if none has two, the later half.
+void LeaveOutSome(Scan& scan) {
     const size_t sweep = LargestSweep(scan);
     std::unordered_map<std::string_view, size_t> counts;
     std::vector<size_t> ranks;  // of the sweep's answers, among those of their address
@@ -325,7 +327,7 @@ std::optional<std::string> WriteFittingScan(Scan scan, size_t maxSize, size_t& l
         leftOut = all - scan.answers.size();
         if (text && text->size() <= maxSize) return text;
         if (scan.answers.empty()) return std::nullopt;
-        Thin(scan);
+        LeaveOutSome(scan);
     }
 }
 
@@ -369,10 +371,10 @@ std::optional<Scan> ReadScan(const std::string& text, std::string& problem) {
     }
     try {
         return ScanOf(root.get());
-    } catch (const Refusal& refusal) {
+    } catch (const ReadError& error) {
         size_t count = 0;
-        CountValuesBefore(refusal.at, root.get(), count);
-        return refuse(Stepper(text).FindValue(count).line, refusal.problem);
+        CountValuesBefore(error.at, root.get(), count);
+        return refuse(Stepper(text).FindValue(count).line, error.problem);
     }
 }
 

@@ -9,12 +9,11 @@
 //
 // kind: snmpv1, snmpv3, wsd; form: value, document, variable, reply, added, as in scan.h. A sweep
 // of the form "value" has an "oid"; one of a search has its number as "search"; "complete" is true
-// if it ran to its end, "cut" if it is a reading that ended early, "list" if
-// it read all that a list shows. The bytes of an answer are
-// "text" if JSON can hold them unchanged, otherwise "hex". An answer of the form "variable" also
-// has "oid" and "type", and "wholeSize" if it was cut. Numbers in "splits" and "devices" are
-// indexes of answers, from 0. The devices are for other programs; ReadScan derives them again.
-// Unknown members are ignored.
+// if it ran to its end, "cut" if it is a reading that ended early, "list" if it read all that a
+// list shows. The bytes of an answer are "text" if JSON can hold them unchanged, otherwise "hex".
+// An answer of the form "variable" also has "oid" and "type", and "wholeSize" if it was cut.
+// Numbers in "splits" and "devices" are indexes of answers, from 0. The devices are for other
+// programs; ReadScan derives them again. Unknown members are ignored.
 #pragma once
 
 #include <cstddef>
@@ -31,7 +30,7 @@ constexpr size_t kMaxScanSize = size_t{128} << 20;  // bytes
 std::optional<std::string> WriteScan(const Scan& scan, std::string& problem);
 
 // Leaves answers out of a scan without splits whose text has over `maxSize` bytes or is too large
-// otherwise: of the largest sweep, from the addresses with the most answers first, the latest.
+// otherwise: those of the largest sweep, first the latest ones from the addresses with the most.
 // `leftOut` is their number. Empty, with the reason in `problem`, if too large without any answer.
 std::optional<std::string> WriteFittingScan(Scan scan, size_t maxSize, size_t& leftOut,
                                             std::string& problem);

@@ -51,7 +51,7 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
 Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
                 const LevelLimits& limits) {
     PrinterFacts facts = *device.facts;
-    // Those of all answers; a placeholder, which identifies nothing, is not among them.
+    // As all answers have them. A placeholder, which identifies nothing, is not among them.
     for (const auto& [column, fact] : {std::pair(Column::kSerial, &PrinterFacts::serialNumber),
                                        {Column::kMac, &PrinterFacts::macAddress}})
         if (!device.Text(column).empty()) facts.*fact = device.Text(column);
@@ -59,11 +59,11 @@ Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
     if (isRead) SetGaps(facts, *std::move(gaps));
     Report parts = ReportOf(
         facts, {device.Text(Column::kAddress), device.Text(Column::kProtocols), isRead, limits});
-    // What needs attention comes first, and who it is last.
+    // What needs attention comes first, the identity last.
     const PrinterSummary summary = SummaryOf(facts, limits);
     ReportSection first;
     first.Add("State", StateLine(device.standing, summary, facts.readTime), device.severity);
-    // Neither what the state says nor what a supply is called is said twice.
+    // Neither the state nor the name of a supply is said twice.
     EraseIf(parts[static_cast<size_t>(ReportPart::kState)].rows,
             [&](const ReportRow& one) { return one.text == summary.state; });
     for (ReportRow& one : parts[static_cast<size_t>(ReportPart::kSupplies)].rows) {

@@ -9,7 +9,7 @@ namespace vndiscover::host {
 
 struct DeviceRow;
 
-// `gaps` are those of its last reading; empty: they are not known.
+// `gaps`: of the device's last reading; empty: not known.
 Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
                 const LevelLimits& limits = {});
 
@@ -31,7 +31,7 @@ struct AnswerLine {
     std::string address, time;  // as in ScanAnswer
 };
 
-// Of those with these indexes in Scan::answers that still hold, see CurrentAnswers.
+// Those of these answers, by their indexes, that still hold; see CurrentAnswers.
 std::vector<AnswerLine> AnswerLines(const Scan& scan, const std::vector<size_t>& answers);
 
 }  // namespace vndiscover::host

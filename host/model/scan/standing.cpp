@@ -16,7 +16,7 @@ namespace {
 
 using Lines = std::map<std::pair<SweepKind, bool>, ProtocolLine>;
 
-// The states are in the order of what they tell; the best that is known counts.
+// The states are in the order of how much they say. The best one that is known counts.
 ProtocolLine& Add(Lines& lines, SweepKind kind, bool useIPv6, ProtocolState state) {
     ProtocolLine& line = lines[{kind, useIPv6}];
     line.kind = kind;
@@ -91,8 +91,8 @@ LastSearches::LastSearches(const Scan& scan, bool isSearching) {
     }
 }
 
-std::optional<std::string> LastSearches::Missed(const Scan& scan,
-                                                const std::vector<size_t>& answers) const {
+std::optional<std::string> LastSearches::SilentSince(const Scan& scan,
+                                                     const std::vector<size_t>& answers) const {
     size_t search = 0, variable = 0;  // the last ones that it answered
     for (const size_t index : answers) {
         const size_t sweep = scan.answers[index].sweep;
@@ -114,8 +114,9 @@ std::optional<std::string> LastSearches::Missed(const Scan& scan,
 std::vector<FoundDevice> PresentDevices(const Scan& scan) {
     const LastSearches searches(scan, false);
     std::vector<FoundDevice> devices = MakeDevices(scan);
-    EraseIf(devices,
-            [&](const auto& one) { return one.isReplaced || searches.Missed(scan, one.answers); });
+    EraseIf(devices, [&](const auto& one) {
+        return one.isReplaced || searches.SilentSince(scan, one.answers);
+    });
     return devices;
 }
 
@@ -131,17 +132,18 @@ Standing StandingOf(const Scan& scan, const FoundDevice& device, const Reading* 
         if (form == AnswerForm::kVariable) lastRead = std::max(lastRead, answer.time);
     }
     const bool hasEnd = reading && reading->time >= lastRead;
-    // A sweep cannot tell that.
-    const auto missed = searches.Missed(scan, device.answers);
-    const bool isRefused = hasEnd && reading->IsRefused() && missed.value_or("") <= reading->time;
-    if (device.isReplaced || (missed && !isRefused)) {
-        standing.kind = Kind::kMissed;  // until it answers
+    // To a sweep, a refusal looks like silence.
+    const auto silentSince = searches.SilentSince(scan, device.answers);
+    const bool isRefused =
+        hasEnd && reading->IsRefused() && silentSince.value_or("") <= reading->time;
+    if (device.isReplaced || (silentSince && !isRefused)) {
+        standing.kind = Kind::kNotFound;  // until it answers
         return standing;
     }
     standing.kind = device.hasVariables ? Kind::kRead : Kind::kNeverRead;
     standing.isStateOnly = reading && reading->isStateOnly;
     if (hasEnd) SetEnd(standing, *reading);
-    // What no longer held is not told as its state meanwhile.
+    // A state that no longer held is not shown meanwhile.
     if (isBeingRead && standing.Holds()) {
         standing.kind = Kind::kBeingRead;
         standing.note.clear();
@@ -164,7 +166,7 @@ std::string StateText(const Standing& standing, const PrinterSummary& summary) {
         }
         case Kind::kRefused:
             return standing.note.empty() ? "refused" : standing.note;
-        case Kind::kMissed:
+        case Kind::kNotFound:
             if (!standing.lastAnswer.empty())
                 return Joined({"no answer since", ShortTime(standing.lastAnswer)}, " ");
             break;
@@ -222,14 +224,14 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
     }
     const bool hasAnswered =
         AnyOf(lines, [](const auto& one) { return one.second.state <= ProtocolState::kRefused; });
-    std::vector<ProtocolLine> told;
+    std::vector<ProtocolLine> shown;
     for (const auto& [asked, line] : lines) {
-        // A device may have no address there, so that a sweep's silence says nothing of it.
-        const bool tellsNothing = hasAnswered && line.useIPv6 && line.note.empty() &&
-                                  line.state >= ProtocolState::kSilent;
-        if (!tellsNothing) told.push_back(line);
+        // A device may have no IPv6 address, so a sweep's silence says nothing about it.
+        const bool saysNothing = hasAnswered && line.useIPv6 && line.note.empty() &&
+                                 line.state >= ProtocolState::kSilent;
+        if (!saysNothing) shown.push_back(line);
     }
-    return told;
+    return shown;
 }
 
 }  // namespace vndiscover::host

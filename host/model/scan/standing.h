@@ -51,7 +51,7 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
                                       const std::vector<Reading>& readings,
                                       const std::vector<size_t>& running);
 
-// The scan's devices without those that its last search missed.
+// The scan's devices without those that did not answer its last search.
 std::vector<FoundDevice> PresentDevices(const Scan& scan);
 
 struct Standing {
@@ -62,33 +62,34 @@ struct Standing {
         kIncomplete,  // it fell silent meanwhile, or was stopped; the note says which
         kNoAnswer,    // to any question of its reading
         kRefused,     // the note says why
-        kMissed,      // it did not answer the last search, though it had answered an earlier one
+        kNotFound,    // by the last search, although an earlier one had found it
     };
     Kind kind = Kind::kNeverRead;
     std::string lastAnswer;  // UTC, as in ScanAnswer; empty: none yet
     std::string note;
     bool isStateOnly = false;  // supplies and the rest are of an earlier reading, or not known
-    // Whether the state that was read last may still be told as the device's.
+    // Whether the state that was read last may still be shown as the device's.
     bool Holds() const {
-        return kind != Kind::kMissed && kind != Kind::kNoAnswer && kind != Kind::kRefused;
+        return kind != Kind::kNotFound && kind != Kind::kNoAnswer && kind != Kind::kRefused;
     }
     bool operator==(const Standing& other) const;
 };
 
-// What searches that have ended asked last.
+// The last questions of searches that have ended.
 class LastSearches {
   public:
     // `isSearching`: the scan's last search is still running.
     LastSearches(const Scan& scan, bool isSearching);
-    // When the last search began that asked a device, with these answers, and got none, unless it
-    // has answered since. Empty: there is none.
-    std::optional<std::string> Missed(const Scan& scan, const std::vector<size_t>& answers) const;
+    // Of a device with these answers: when the last search began that asked it and got no answer.
+    // Empty: there is none, or it has answered since.
+    std::optional<std::string> SilentSince(const Scan& scan,
+                                           const std::vector<size_t>& answers) const;
 
   private:
     struct Question {
-        ScanSweep sweep;   // that ran to its end, the last one of its kind
-        size_t first;      // the index of the first of its search
-        std::string time;  // of that
+        ScanSweep sweep;   // the last one with this question that ran to its end
+        size_t first;      // the index of the first sweep of the same search
+        std::string time;  // of that first one
     };
     std::vector<Question> questions_;
 };

@@ -125,7 +125,7 @@ size_t DeviceList::Count() const { return state_.session.view.Count(); }
 
 bool DeviceList::IsGrey(size_t row) const {
     const Standing::Kind kind = state_.session.view.Row(row).standing.kind;
-    return kind == Standing::Kind::kMissed || kind == Standing::Kind::kNoAnswer;
+    return kind == Standing::Kind::kNotFound || kind == Standing::Kind::kNoAnswer;
 }
 
 std::wstring DeviceList::SearchText(size_t row) const {

@@ -325,7 +325,7 @@ std::wstring Panes::ReadText(const Progress::Status& status) const {
     const Progress::Read& read = status.read;
     size_t missed = 0, present = 0, others = 0;
     for (const DeviceRow& row : view.AllRows()) {
-        const bool isMissed = row.standing.kind == Standing::Kind::kMissed;
+        const bool isMissed = row.standing.kind == Standing::Kind::kNotFound;
         missed += isMissed && !view.IsOther(row);
         present += !isMissed;
         others += !isMissed && view.IsOther(row);

@@ -110,7 +110,7 @@ class ModuleEngine : public Engine {
         steps.v1 = Reported(AskerOf(v1Device), v1, nullptr, 0);
         steps.v3 = Reported(AskerOf(v3Device), v3, nullptr, 0);
         steps.hasUser = target.login.security != nullptr;
-        steps.community = CommunityOf(target.login);
+        steps.community = CommunityOf(target.login.community);
         steps.address = target.address;
         steps.hasRoute = HasRoute(target.address);
         steps.mayGoOn = std::move(mayGoOn);

@@ -179,7 +179,7 @@ std::vector<FoundDevice> Session::PresentDevices() const {
     for (const DeviceRow& row : view.AllRows()) {
         const bool isSilent =
             row.standing.kind == Standing::Kind::kNoAnswer && !HasAnsweredSearch(row.answers);
-        if (!isSilent && !row.isReplaced && !searches.Missed(scan_, row.answers))
+        if (!isSilent && !row.isReplaced && !searches.SilentSince(scan_, row.answers))
             present.push_back(row);
     }
     return present;
@@ -218,7 +218,7 @@ PrinterLine Session::LineOf(const DeviceRow& row) const {
     if (row.standing.kind != Standing::Kind::kRead &&
         row.standing.kind != Standing::Kind::kBeingRead)
         line.problem =
-            row.standing.kind == Standing::Kind::kMissed && !row.standing.lastAnswer.empty()
+            row.standing.kind == Standing::Kind::kNotFound && !row.standing.lastAnswer.empty()
                 ? "no answer since " + row.standing.lastAnswer
                 : StateText(row.standing, {});
     if (!row.standing.Holds()) line.summary = {};

@@ -342,7 +342,7 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
         for (const std::string& host : hosts) {
             if (stops_ != before.all) return;  // as one that has not begun
             const auto known = ParseIpAddress(NumericHost(host));
-            if (known && known->IsOfOne()) {
+            if (known && known->IsUnicast()) {
                 addresses.emplace_back(IpText(known->bytes), host);  // as sweeps write it
             } else {
                 unknown = Joined({unknown, host});

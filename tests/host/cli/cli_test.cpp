@@ -52,7 +52,7 @@ TEST(SecurityLabels, AcceptCommonSpellingsOnly) {
 }
 
 // Keeps the scan of a file in the system's folder for temporary files.
-class ScanKeeperTest : public testing::Test {
+class ScanSaverTest : public testing::Test {
   protected:
     void TearDown() override {
         for (const char* suffix : {"", ".2"}) std::remove((path_ + suffix).c_str());
@@ -68,56 +68,56 @@ class ScanKeeperTest : public testing::Test {
     std::string path_ = std::string(std::getenv("TEMP")) + "\\scan_keeper_test.json";
 };
 
-TEST_F(ScanKeeperTest, AppendsToWhatAnotherRunHasAddedMeanwhile) {
+TEST_F(ScanSaverTest, AppendsToWhatAnotherRunHasAddedMeanwhile) {
     Save(1);
-    ScanKeeper keeper({path_, true});
+    ScanSaver saver({path_, true});
     Save(2);
-    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
-    keeper.Add("10.77.1.20", "hello");
-    keeper.Save();
+    saver.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+    saver.Add("10.77.1.20", "hello");
+    saver.Save();
     const Scan scan = LoadScan(path_, "");
     EXPECT_EQ(3U, scan.sweeps.size());
     ASSERT_EQ(1U, scan.answers.size());
     EXPECT_EQ(2U, scan.answers[0].sweep);
 }
 
-TEST_F(ScanKeeperTest, SavesToAnotherFileWhatAFullOneCannotTake) {
+TEST_F(ScanSaverTest, SavesToAnotherFileWhatAFullOneCannotTake) {
     Save(50000);
-    ScanKeeper keeper({path_, true});
-    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
-    EXPECT_THROW(keeper.Save(), std::runtime_error);
+    ScanSaver saver({path_, true});
+    saver.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+    EXPECT_THROW(saver.Save(), std::runtime_error);
     EXPECT_EQ(50000U, Sweeps());
     EXPECT_EQ(1U, Sweeps(".2"));
 }
 
-TEST_F(ScanKeeperTest, KeepsAScanWithDevicesAndWhatIsNoScan) {
+TEST_F(ScanSaverTest, KeepsAScanWithDevicesAndWhatIsNoScan) {
     for (const bool hasDevice : {true, false}) {
-        ScanKeeper keeper({path_, false});
-        keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+        ScanSaver saver({path_, false});
+        saver.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
         if (hasDevice) {
-            keeper.Add("10.77.1.20", "hello");
-            keeper.Save();
+            saver.Add("10.77.1.20", "hello");
+            saver.Save();
         } else {
-            EXPECT_THROW(keeper.Save(), std::runtime_error);
+            EXPECT_THROW(saver.Save(), std::runtime_error);
         }
     }
     EXPECT_EQ(1U, LoadScan(path_, "").answers.size());
     std::string problem;
     ASSERT_TRUE(ReplaceFileText(path_, "a letter", problem));
-    EXPECT_THROW(ScanKeeper({path_, false}), CLI::ValidationError);
+    EXPECT_THROW(ScanSaver({path_, false}), CLI::ValidationError);
     EXPECT_EQ("a letter", ReadFileText(path_, 100, problem));
     ASSERT_TRUE(ReplaceFileText(path_, "", problem));
-    EXPECT_NO_THROW(ScanKeeper({path_, false}));
+    EXPECT_NO_THROW(ScanSaver({path_, false}));
 }
 
-TEST_F(ScanKeeperTest, AFloodTakesHalfOfTheRoomAndIsTold) {
-    ScanKeeper keeper({path_, false, 300000});
-    keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
-    for (int i = 0; i < 3000; ++i) keeper.Add("10.77.1.20", "");
-    for (int i = 0; i < 300; ++i) keeper.Add("10.77.1.21", "");
+TEST_F(ScanSaverTest, AFloodTakesHalfOfTheRoomAndIsTold) {
+    ScanSaver saver({path_, false, 300000});
+    saver.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+    for (int i = 0; i < 3000; ++i) saver.Add("10.77.1.20", "");
+    for (int i = 0; i < 300; ++i) saver.Add("10.77.1.21", "");
     std::string problem;
     try {
-        keeper.Save();
+        saver.Save();
     } catch (const std::runtime_error& error) {
         problem = error.what();
     }
@@ -137,20 +137,20 @@ void LogOff() {
 }
 
 // While a request runs for longer than the 5 s that the system leaves. Once, when it has ended.
-TEST_F(ScanKeeperTest, ClosingConsoleAndLoggingOffSaveWhatIsKnown) {
+TEST_F(ScanSaverTest, ClosingConsoleAndLoggingOffSaveWhatIsKnown) {
     const ConsoleSession session;
     for (void (*end)() : {LogOff, CloseConsole}) {
         TearDown();
-        ScanKeeper keeper({path_, true});
-        keeper.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
-        keeper.Add("10.77.1.20", "hello");
+        ScanSaver saver({path_, true});
+        saver.Begin(SweepKind::kWsd, AnswerForm::kReply, false);
+        saver.Add("10.77.1.20", "hello");
         std::thread(end).detach();
         std::string problem;
         bool isBroken = false;  // or still held by the other thread
         for (int wait = 0; wait < 400 && !LoadScan(path_, isBroken, problem); ++wait) Sleep(10);
         EXPECT_EQ(1U, LoadScan(path_, "").answers.size());
-        keeper.Add("10.77.1.21", "late");
-        keeper.Save();
+        saver.Add("10.77.1.21", "late");
+        saver.Save();
         EXPECT_EQ(1U, Sweeps());
     }
 }

@@ -240,8 +240,8 @@ TEST(IpAddress, OtherTextIsNone) {
           "fe80:", "1:2:3:4:5:6:7:8:9", "1::2:3:4:5:6:7:8", "12345::", "g::1", "beef.de"})
         EXPECT_FALSE(ParseIpAddress(text)) << text;
     for (const char* text : {"255.255.255.255", "239.1.2.3", "0.0.0.0", "ff02::1", "::"})
-        EXPECT_FALSE(ParseIpAddress(text)->IsOfOne()) << text;
-    EXPECT_TRUE(ParseIpAddress("223.1.1.1")->IsOfOne() && ParseIpAddress("fe80::1")->IsOfOne());
+        EXPECT_FALSE(ParseIpAddress(text)->IsUnicast()) << text;
+    EXPECT_TRUE(ParseIpAddress("223.1.1.1")->IsUnicast() && ParseIpAddress("fe80::1")->IsUnicast());
     EXPECT_FALSE(ParseIpAddress(std::string_view("1.2.3.4\0x", 9)));
     EXPECT_EQ(ParseIpAddress("0:0:0:0:0:0:0:1")->bytes, ParseIpAddress("::1%3")->bytes);
 }

@@ -8,7 +8,12 @@
 namespace vndiscover::host {
 namespace {
 
-PrinterFacts Facts(ScriptedDevice& device) { return FactsOf(ReadPrinter(device.MakeAsker())); }
+PrinterFacts Facts(ScriptedDevice& device) {
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    PrinterFacts facts = FactsOf(answers);
+    EXPECT_EQ(facts.deviceIndex.has_value(), HasPrinter(answers));
+    return facts;
+}
 
 TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
     ScriptedDevice device;

@@ -36,7 +36,7 @@ class DeviceViewTest : public testing::Test {
             {scan_, adapters_, limits_}, MakeDevices(scan_),
             [&](const FoundDevice& device) {
                 if (device.answers == missed_)
-                    return Standing{Standing::Kind::kMissed, "2026-11-25T04:00:00Z", ""};
+                    return Standing{Standing::Kind::kNotFound, "2026-11-25T04:00:00Z", ""};
                 return StandingOf(scan_, device, nullptr, false, LastSearches(scan_, false));
             },
             view_.ReleaseRows()));

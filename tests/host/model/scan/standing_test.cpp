@@ -268,7 +268,7 @@ TEST_F(StandingTest, WorstIsToldFirstWithItsTime) {
     facts.errors = {"lowToner"};
     EXPECT_EQ("door open", StateCell(standing, summary, facts));
     summary.severity = Severity::kCritical;
-    standing.kind = Standing::Kind::kMissed;
+    standing.kind = Standing::Kind::kNotFound;
     EXPECT_EQ(Since(1) + "; before: door open, as of " + ShortTime(At(0)),
               StateLine(standing, summary, At(0)));
 }
@@ -320,11 +320,11 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     row.facts = nullptr;
     EXPECT_TRUE(take(Kind::kRead, "idle", of(300)));
     // One that answers a search again still has to be read.
-    EXPECT_TRUE(take(Kind::kMissed, "idle", of(300)));
+    EXPECT_TRUE(take(Kind::kNotFound, "idle", of(300)));
     PrinterFacts former;
     former.readTime = At(0);
     row.facts = std::make_shared<const PrinterFacts>(former);
-    EXPECT_FALSE(take(Kind::kMissed, "idle", of(300)));
+    EXPECT_FALSE(take(Kind::kNotFound, "idle", of(300)));
     EXPECT_FALSE(take(Kind::kRead, "idle", of(300)));
     former.readTime = At(1);
     row.facts = std::make_shared<const PrinterFacts>(former);
@@ -341,8 +341,8 @@ TEST_F(StandingTest, ChangesAreOfKnownStates) {
     // Time passes by itself.
     for (const auto& [kind, isNew] : {std::pair(Kind::kIncomplete, true),
                                       {Kind::kIncomplete, false},
-                                      {Kind::kMissed, true},
-                                      {Kind::kMissed, false}}) {
+                                      {Kind::kNotFound, true},
+                                      {Kind::kNotFound, false}}) {
         row.standing.note = isNew ? "no answer after 12 s" : "no answer after 13 s";
         row.standing.lastAnswer = At(isNew);
         EXPECT_EQ(isNew, take(kind, "idle", of(300)));
