@@ -62,15 +62,11 @@ void DoctorWindow::Stop(HWND owner) {
 
 void DoctorWindow::Show(HWND owner) {
     if (!shown_.computer) return;  // it comes soon
-    const auto& diagnosis = shown_.diagnosis;
     const bool isOfDevice = !shown_.address.empty();
     Report report;
-    if (isOfDevice) report = ReportOf(diagnosis, shown_.isOnOwnNetwork);
-    // The verdict tells of the engine.
-    if (diagnosis && !diagnosis->hasUser && diagnosis->discovery.outcome == Outcome::kAnswered) {
-        for (ReportRow& row : report.front().rows)
-            if (row.label == kUserStep) row.text = ToUtf8(Text(IDS_NO_USER_ASKED));
-    }
+    if (isOfDevice)
+        report =
+            ReportOf(shown_.diagnosis, shown_.isOnOwnNetwork, "", ToUtf8(Text(IDS_NO_USER_ASKED)));
     const char* const label = isOfDevice ? "This computer" : "Verdict";
     for (ReportSection& section : ReportOf(*shown_.computer, label))
         report.push_back(std::move(section));
