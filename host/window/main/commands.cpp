@@ -93,8 +93,9 @@ void UseLow(Window& w) { w.panes.UseLow(); }
 constexpr Command kTable[] = {
     {IDC_FIND, {}, nullptr, [](Window& w) { w.state.IsBusy() ? w.StopAll() : w.searches.Start(); }},
     {IDCANCEL, {}, nullptr, Escape},  // Esc, in any control
-    {IDM_NEXT_PAGE, Ctrl(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(1); }},
-    {IDM_PREVIOUS_PAGE, CtrlShift(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(-1); }},
+    {IDM_NEXT_PAGE, Ctrl(VK_TAB), nullptr, [](Window& w) { w.panes.details.TurnPage(1); }},
+    {IDM_PREVIOUS_PAGE, CtrlShift(VK_TAB), nullptr,
+     [](Window& w) { w.panes.details.TurnPage(-1); }},
     {IDM_NEXT_PANE, {0, VK_F6}, nullptr, [](Window& w) { w.panes.NextPane(); }},
 
     {IDS_MENU_FILE},

@@ -29,7 +29,7 @@ void ReadAll(WindowState& state, const std::vector<AskTarget>& targets) {
 void ReadSome(WindowState& state, const std::vector<AskTarget>& targets) {
     if (!state.progress.IsSearching() && state.workers->Now().read.total == 0)
         return ReadAll(state, targets);
-    for (const AskTarget& target : targets) state.workers->Ask(target, false);
+    for (const AskTarget& target : targets) state.workers->Read(target, false);
 }
 
 std::vector<AskTarget> TargetsOf(const Session& session, const std::vector<size_t>& rows) {
@@ -59,9 +59,9 @@ void ReadSelected(WindowState& state, bool isAgain) {
         // To a sweep, a device that refuses the user is silent.
         AskTarget second = *target;
         second.UseUser(state.credentials.security);
-        state.workers->Ask(second, true);
+        state.workers->Read(second, true);
     }
-    state.workers->Ask(*target, true, !isAgain);
+    state.workers->Read(*target, true, !isAgain);
 }
 
 bool ReadFound(WindowState& state) {
@@ -80,12 +80,12 @@ void ReadAdded(WindowState& state, const Results::Addresses& addresses, const st
     // What a search finds is read after it, and these with it.
     if (!areFoundRead || !state.progress.IsSearching()) ReadSome(state, targets);
     if (unknown.empty()) return;
-    constexpr size_t kMostNamed = 10;  // a file that is no list of addresses has hundreds
+    constexpr size_t kMaxNamed = 10;  // a file that is no list of addresses has hundreds
     std::vector<std::string> names = SplitText(unknown, ", ");
     const size_t count = names.size();
-    names.resize(std::min(count, kMostNamed));
+    names.resize(std::min(count, kMaxNamed));
     std::wstring named = ToWide(Joined(names));
-    if (count > kMostNamed) named = Text(IDS_NO_ADDRESS_MORE, {named, Grouped(count - kMostNamed)});
+    if (count > kMaxNamed) named = Text(IDS_NO_ADDRESS_MORE, {named, Grouped(count - kMaxNamed)});
     state.ReportProblem(Text(IDS_NO_ADDRESS, {named}));
 }
 

@@ -65,7 +65,7 @@ void DeviceList::ShowColumns() {
     MarkSorted();
 }
 
-void DeviceList::StoreColumns() const {
+void DeviceList::SaveColumns() const {
     Settings& settings = state_.settings;
     const std::vector<Column> columns = Columns();
     // Hidden columns keep their places and widths.

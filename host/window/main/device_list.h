@@ -29,7 +29,7 @@ class DeviceList : private ListModel, public ListControl {
     static void SetForScripts(Settings& settings);
     // From the state's settings, and to them.
     void ShowColumns();
-    void StoreColumns() const;
+    void SaveColumns() const;
     // As they are shown, from left to right.
     std::vector<Column> Columns() const;
 

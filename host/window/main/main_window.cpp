@@ -67,7 +67,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      }},
     {WM_DPICHANGED,
      [](MainWindow& self, Message& dpi) {
-         self.panes.list.StoreColumns();
+         self.panes.list.SaveColumns();
          self.panes.SetDpi(HIWORD(dpi.wParam));
          self.panes.list.ShowColumns();
          UseSuggestedPlace(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
@@ -190,7 +190,7 @@ MainWindow::~MainWindow() {
 }
 
 int MainWindow::Run() {
-    if (!state.options.exit && !state.options.sweep) scans.OfferSaved();
+    if (!state.options.exit && !state.options.sweep) scans.OfferRecovery();
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
     return state.exitCode;
@@ -238,7 +238,7 @@ void MainWindow::OnSessionEnd(LPARAM how) {
     } catch (...) {  // must not lose the rest
         OnException();
     }
-    scans.SaveForNextStart();
+    scans.SaveForRecovery();
     // An installer waits for the process. Open dialogs end by this too.
     if (how & ENDSESSION_CLOSEAPP) PostQuitMessage(state.exitCode);
 }
@@ -365,7 +365,7 @@ void MainWindow::OnClose() {
     ShowOwnedPopups(state.window, FALSE);
     if (!willSave) ShowWindow(state.window, SW_HIDE);
     panes.SaveSettings();
-    scans.ForgetKept();
+    scans.DeleteRecoveryFile();
     EndWorkers();
     EndEarly();
     if (willSave) scans.MayDrop(IDS_ASK_SAVE);  // asks for another file if that failed

@@ -45,14 +45,10 @@ TTTOOLINFOW Panes::StatusTool() const {
 void Panes::ShowStatusTip() const {
     const HWND status = Control(IDC_STATUS);
     std::wstring text = WindowText(status);
-    const WindowDc dc(status);
-    const Selection writing(dc.Get(), font_.Get());
-    RECT needed = {}, room = {};
-    DrawTextW(dc.Get(), text.c_str(), -1, &needed, DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
-    GetClientRect(status, &room);
-    const HWND reading = GetDlgItem(status, IDC_READ_BAR);  // over its end
-    if (IsWindowVisible(reading)) room.right -= BoxOf(reading).width;
-    if (needed.right <= room.right - Scaled(20, dpi_)) text.clear();
+    LONG room = ClientSize(status).cx - Scaled(20, dpi_);
+    const HWND reading = GetDlgItem(status, IDC_READ_BAR);  // covers the end of the text
+    if (IsWindowVisible(reading)) room -= BoxOf(reading).width;
+    if (TextSize(status, text, DT_SINGLELINE | DT_NOPREFIX).cx <= room) text.clear();
     TTTOOLINFOW tool = StatusTool();
     tool.lpszText = text.data();
     SendMessageW(tip_, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
@@ -80,8 +76,8 @@ void Panes::SaveSettings() {
     settings.place = place.rcNormalPosition;
     settings.isMaximized = place.showCmd == SW_SHOWMAXIMIZED;
     settings.splitPercent = split_ / 10;
-    bar.Store(settings);
-    list.StoreColumns();
+    bar.Save(settings);
+    list.SaveColumns();
     host::SaveSettings(settings);
 }
 
@@ -125,9 +121,9 @@ void Panes::Place() {
     const SIZE client = ClientSize(state_.window);
     PlaceStatus();
     const int inner = std::max<int>(0, client.cx - 2 * Margin());
-    leastWidth_ = std::min(Scaled(280, dpi_), inner / 2);
+    minWidth_ = std::min(Scaled(280, dpi_), inner / 2);
     const int detailsWidth =
-        std::clamp(inner * (1000 - split_) / 1000, leastWidth_, inner - leastWidth_);
+        std::clamp(inner * (1000 - split_) / 1000, minWidth_, inner - minWidth_);
     const int bottom = client.cy - StatusHeight() - Scaled(6, dpi_);
     {
         Placement placement(state_.window);
@@ -142,7 +138,7 @@ void Panes::Place() {
         details.Place(placement, details_, dpi_);
     }
     list.Fit();
-    details.Settle();
+    details.OnPlaced();
 }
 
 // At the lower edge of the window.
@@ -186,7 +182,7 @@ bool Panes::OnMouse(UINT message) {
 void Panes::Widen(int pixels) {
     const int whole = details_.x + details_.width - list_.x;
     const int wanted = list_.width + Margin() + pixels;
-    split_ = std::clamp(wanted * 1000 / std::max(1, whole), kLeastSplit, kMostSplit);
+    split_ = std::clamp(wanted * 1000 / std::max(1, whole), kMinSplit, kMaxSplit);
     Place();
 }
 
@@ -195,7 +191,7 @@ void Panes::NextPane() const {
 }
 
 void Panes::ToggleColumn(Column column) {
-    list.StoreColumns();
+    list.SaveColumns();
     state_.settings.hidden ^= 1u << static_cast<unsigned>(column);
     list.ShowColumns();
     ShowRows();

@@ -44,8 +44,8 @@ class Panes {
     void Widen(int pixels);
     // `direction`: negative for a narrower list.
     bool MayWiden(int direction) const {
-        return direction < 0 ? split_ > kLeastSplit && list_.width + Margin() > leastWidth_
-                             : split_ < kMostSplit && details_.width > leastWidth_;
+        return direction < 0 ? split_ > kMinSplit && list_.width + Margin() > minWidth_
+                             : split_ < kMaxSplit && details_.width > minWidth_;
     }
     void NextPane() const;             // gives it the focus
     void ToggleColumn(Column column);  // not the last one that is shown
@@ -74,9 +74,9 @@ class Panes {
     HWND tip_ = nullptr;
     OwnedFont font_;
     Box list_, details_;
-    static constexpr int kLeastSplit = 200, kMostSplit = 800;
-    int split_ = 0;       // of the width that the list has, in thousandths
-    int leastWidth_ = 0;  // of each pane
+    static constexpr int kMinSplit = 200, kMaxSplit = 800;
+    int split_ = 0;     // of the width that the list has, in thousandths
+    int minWidth_ = 0;  // of each pane
     int dpi_ = 96;
 };
 

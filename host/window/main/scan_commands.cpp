@@ -76,7 +76,7 @@ void ScanCommands::Empty() {
 }
 
 void ScanCommands::Replace(Scan scan) {
-    ForgetKept();
+    DeleteRecoveryFile();
     state_.progress.ForgetSearch();
     ShowScan(std::move(scan));
 }
@@ -101,7 +101,7 @@ void ScanCommands::AddToFile() {
     state_.file.clear();
 }
 
-void ScanCommands::NoteReading() {
+void ScanCommands::RecordReading() {
     const std::wstring &file = state_.file, since = Text(IDS_SCAN_READ);
     const bool isNoted = file.size() >= since.size() &&
                          file.compare(file.size() - since.size(), since.size(), since) == 0;
@@ -202,7 +202,7 @@ bool ScanCommands::SaveTo(const std::string& path) {
     if (!text) return state_.ReportProblem(Text(IDS_TOO_LARGE, {ToWide(reason), ToWide(path)}));
     if (!SaveTextTo(*text, path)) return false;
     state_.session.SetSaved();
-    ForgetKept();
+    DeleteRecoveryFile();
     // A list to which more was found is no longer a file's.
     SetFile(state_.file.empty() ? L"" : NameOf(ToWide(FileName(path)), state_.session.GetScan()));
     return true;
@@ -269,41 +269,42 @@ bool ScanCommands::MayDrop(unsigned question) {
     return answer == IDNO || !state_.session.IsUnsaved();
 }
 
-void ScanCommands::SaveForNextStart() {
+void ScanCommands::SaveForRecovery() {
     if (state_.options.exit || !state_.session.IsUnsaved()) return;
     std::string reason;
     const auto text = WriteScan(state_.session.GetScan(), reason);
-    for (int number = 1; number <= kMostKept; ++number) {
-        const std::string path = KeptPath(number);
-        if (!HoldFile(path, CREATE_NEW)) continue;  // another window's
-        if (text && ReplaceFileText(path, *text, reason)) return ForgetKept();
+    for (int number = 1; number <= kMaxRecoveryFiles; ++number) {
+        const std::string path = RecoveryPath(number);
+        if (!OpenExclusively(path, CREATE_NEW)) continue;  // another window's
+        if (text && ReplaceFileText(path, *text, reason)) return DeleteRecoveryFile();
         return void(DeleteFileW(SystemPath(path).c_str()));
     }
 }
 
-void ScanCommands::OfferSaved() {
-    for (int number = 1; number <= kMostKept; ++number) {
-        keptPath_ = KeptPath(number);
+void ScanCommands::OfferRecovery() {
+    for (int number = 1; number <= kMaxRecoveryFiles; ++number) {
+        recoveryPath_ = RecoveryPath(number);
         std::wstring problem;
-        auto scan = LoadScan(keptPath_, problem);
-        kept_ = HoldFile(keptPath_, OPEN_EXISTING);  // so that no other window offers it
-        if (!scan || !kept_) continue;               // it may be read later
+        auto scan = LoadScan(recoveryPath_, problem);
+        recoveryFile_ =
+            OpenExclusively(recoveryPath_, OPEN_EXISTING);  // so that no other window offers it
+        if (!scan || !recoveryFile_) continue;              // it may be read later
         const int answer = AskYesNoCancel(state_.window, Text(IDS_ASK_KEPT), IDS_ASK_KEPT_SHOW,
                                           IDS_ASK_KEPT_DELETE, IDS_ASK_KEPT_LATER);
-        if (answer == IDNO) ForgetKept();
+        if (answer == IDNO) DeleteRecoveryFile();
         if (answer != IDYES) continue;
         ShowScan(*std::move(scan));
         state_.session.SetSaved(false);
         state_.session.AdoptAdded();
         return SetFile(NameOf(Text(IDS_KEPT_SCAN), state_.session.GetScan()));
     }
-    kept_.Reset();
+    recoveryFile_.Reset();
 }
 
-void ScanCommands::ForgetKept() {
-    if (!kept_) return;
-    kept_.Reset();
-    DeleteFileW(SystemPath(keptPath_).c_str());
+void ScanCommands::DeleteRecoveryFile() {
+    if (!recoveryFile_) return;
+    recoveryFile_.Reset();
+    DeleteFileW(SystemPath(recoveryPath_).c_str());
 }
 
 }  // namespace vndiscover::host

@@ -30,7 +30,7 @@ class ScanCommands {
     // What is found from now on is added to the file's devices, which the title still names.
     void AddToFile();
     // Some of the list is newer than the file that the title names.
-    void NoteReading();
+    void RecordReading();
     // Whether there is something to save or to clear.
     bool HasScan() const;
 
@@ -52,9 +52,9 @@ class ScanCommands {
     // For the end of the user's session: an unsaved scan is kept in a file of the user's, without
     // any dialog. The next start offers it. If the user wants it, its file stays until the scan is
     // saved or dropped.
-    void SaveForNextStart();
-    void OfferSaved();
-    void ForgetKept();
+    void SaveForRecovery();
+    void OfferRecovery();
+    void DeleteRecoveryFile();
 
   private:
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
@@ -71,8 +71,8 @@ class ScanCommands {
     void ShowChanges();
     TableWindow comparison_{[this](const std::string& csv) { SaveTable(csv); }};
     TableWindow changes_{[this](const std::string& csv) { SaveTable(csv); }};
-    OwnedFile kept_;  // of the list; empty: it is of none
-    std::string keptPath_;
+    OwnedFile recoveryFile_;  // of the list; empty: it is of none
+    std::string recoveryPath_;
 };
 
 }  // namespace vndiscover::host

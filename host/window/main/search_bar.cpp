@@ -84,7 +84,7 @@ void SearchBar::Choose(size_t preset) const {
     ShowNote();
 }
 
-void SearchBar::Store(Settings& settings) const {
+void SearchBar::Save(Settings& settings) const {
     settings.ticks = 0;
     for (size_t index = 0; index < std::size(kTicks); ++index)
         settings.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
@@ -95,13 +95,10 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
     const int margin = Scaled(8, dpi), gap = Scaled(6, dpi);
     const int inner = std::max(0, width - 2 * margin);
     Box box = {margin, margin, 0, LineHeight(font) + Scaled(10, dpi)};
-    const WindowDc dc(parent_);
-    const Selection writing(dc.Get(), font);
     for (const BarItem& item : kItems) {
-        RECT size = {};
-        if (item.widest)
-            DrawTextW(dc.Get(), Text(item.widest).c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
-        box.width = std::min<int>(size.right + Scaled(item.space, dpi), inner);
+        const std::wstring widest = item.widest ? Text(item.widest) : L"";
+        const int text = TextSize(Control(item.id), widest, DT_SINGLELINE).cx;
+        box.width = std::min(text + Scaled(item.space, dpi), inner);
         if (box.x > margin && item.startsGroup) box.x += Scaled(12, dpi);
         if (box.x > margin && box.x + box.width > width - margin) {
             box.x = margin;
@@ -112,11 +109,8 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
         box.x += box.width + gap;
     }
     const HWND note = Control(IDC_PRESET_NOTE);
-    RECT size = {0, 0, inner, 0};
-    DrawTextW(dc.Get(), WindowText(note).c_str(), -1, &size,
-              DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-    box = {margin, box.y + box.height + Scaled(3, dpi), inner,
-           std::max<int>(size.bottom, LineHeight(font))};
+    const int height = TextSize(note, WindowText(note), DT_WORDBREAK | DT_NOPREFIX, inner).cy;
+    box = {margin, box.y + box.height + Scaled(3, dpi), inner, std::max(height, LineHeight(font))};
     if (placement) placement->Move(note, box);
     return box.y + box.height + gap;
 }

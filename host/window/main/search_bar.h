@@ -20,7 +20,7 @@ class SearchBar {
     // The controls are children of `parent` and are destroyed with it.
     void Create(HWND parent);
     void Restore(const Settings& settings);
-    void Store(Settings& settings) const;
+    void Save(Settings& settings) const;
 
     // Moves the controls into rows from the top of a window of this width. Without a placement it
     // only measures. Returns where they end, a space included.

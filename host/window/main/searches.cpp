@@ -17,7 +17,7 @@ namespace vndiscover::host {
 void Searches::ApplyOptions() {
     const StartOptions& options = state_.options;
     if (!options.exit)
-        state_.progress.SetNote(UseKept(ToWide(options.profile), state_.credentials));
+        state_.progress.SetNote(UseSaved(ToWide(options.profile), state_.credentials));
     if (!options.profile.empty()) bar_.UseV3(true);
     if (options.lookFor) bar_.Choose(*options.lookFor);
     if (!options.communities.empty()) state_.credentials.communities = options.communities;
@@ -105,7 +105,7 @@ void Searches::Finish() {
     state_.showRows();
     if (state_.progress.WasStopped() || state_.progress.IsStopping() || !state_.workers) return;
     if (const auto target = state_.session.WhomToAskForARefusal())
-        state_.workers->Ask(*target, true);
+        state_.workers->Read(*target, true);
     if (ReadsFound()) ReadFound(state_);
 }
 

@@ -68,9 +68,9 @@ void CallsWindow::Open(HWND owner) {
                        IDC_CALL_TEXT});
 }
 
-void CallsWindow::Begin() {
+void CallsWindow::OnOpened() {
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
-    ListDialog::Begin();
+    ListDialog::OnOpened();
     added_ = 0;
     isFolded_ = false;
 }

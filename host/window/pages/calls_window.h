@@ -21,7 +21,7 @@ class CallsWindow : private ListDialog {
     void Open(HWND owner);
 
   private:
-    void Begin() override;
+    void OnOpened() override;
     void OnCommand(int id) override;
     void OnSelected() override;
     void OnClosed() override { fixed_.Reset(); }

@@ -225,7 +225,7 @@ void DetailsPane::ShowChosen() {
     ShowWhole(chosen_, list_.Selected() < 0 && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
 }
 
-void DetailsPane::Settle() {
+void DetailsPane::OnPlaced() {
     // The control arranges its rows of tabs by the width that it has got.
     if (TabsHeight() != whole_.y - box_.y) {
         Placement placement(GetParent(tabs_));
@@ -237,7 +237,7 @@ void DetailsPane::Settle() {
     ShowChosen();
 }
 
-void DetailsPane::Turn(int pages) {
+void DetailsPane::TurnPage(int pages) {
     const int count = TabCtrl_GetItemCount(tabs_);
     TabCtrl_SetCurSel(tabs_, (TabCtrl_GetCurSel(tabs_) + count + pages) % count);
     ShowPage();

@@ -26,10 +26,10 @@ class DetailsPane : private ListModel {
     void Show();
     void Place(Placement& placement, const Box& box, int dpi);
     // Afterwards, when the controls are at their places.
-    void Settle();
+    void OnPlaced();
     HWND List() const { return list_.Handle(); }
     // Chooses the next page (1) or the one before (-1).
-    void Turn(int pages);
+    void TurnPage(int pages);
     // Handles WM_NOTIFY from the tabs.
     void OnNotify(const NMHDR& header);
 

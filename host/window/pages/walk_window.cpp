@@ -70,8 +70,8 @@ void WalkWindow::Refresh() {
                                 : Text(IDS_WALKING, {Grouped(values_.size()), seconds}));
 }
 
-void WalkWindow::Begin() {
-    ListDialog::Begin();
+void WalkWindow::OnOpened() {
+    ListDialog::OnOpened();
     SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
     SetItem(IDC_WALK_ROOT, kDefaultRoot);
     SetItem(IDC_WALK_STATE, Text(IDS_WALK_READY));

@@ -30,7 +30,7 @@ class WalkWindow : private ListDialog {
   private:
     enum class State { kIdle, kWaiting, kWalking, kStopping };
 
-    void Begin() override;
+    void OnOpened() override;
     void OnFonts() override { FitFields({IDC_WALK_ROOT}); }
     void OnCommand(int id) override;
     void OnClosed() override;

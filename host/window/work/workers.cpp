@@ -99,7 +99,7 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
     }
 }
 
-void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
+void Workers::Read(const AskTarget& target, bool isUrgent, bool isSelected) {
     const auto end = [this](const AskTarget& asked, PrinterAnswers answers, bool isLate = false) {
         {
             const std::lock_guard<std::mutex> lock(mutex_);
@@ -130,7 +130,7 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
             answers = engine_.Read(asked, mayGoOn);
         } while (!isLate && IsSilent(answers) && asked.UseNextCommunity());
         end(asked, std::move(answers), isLate);
-        if (isLate && stops_ == before.all) Ask(asked, false);
+        if (isLate && stops_ == before.all) Read(asked, false);
     };
     Job job = {order, KeyOf("read", target), run, fail};
     job.isReading = true;
@@ -150,13 +150,13 @@ Workers::MayGoOn Workers::Watched(const std::string& address, const Stops& befor
         while (order != Order::kUrgent && stops_ == before.all && ExecuteUrgentJob()) continue;
         const bool mayGoOn =
             stops_ == before.all && (order != Order::kWalk || walkStops_ == before.walks);
-        NoteWait(mayGoOn ? address : "");
+        RecordWait(mayGoOn ? address : "");
         return mayGoOn;
     };
 }
 
 // Notes that this thread waits for an answer of the address from now on; empty: for none.
-void Workers::NoteWait(const std::string& address) {
+void Workers::RecordWait(const std::string& address) {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto thread = std::this_thread::get_id();
     if (address.empty()) {
@@ -232,14 +232,14 @@ FleetDevice Workers::ReadForList(FleetRun& run, const FleetDevice& job, Reader* 
     try {
         result = engine_.ReadForList(target, job, reader, [&] {
             const bool isAllowed = mayGoOn();
-            NoteWait(isAllowed ? job.address : "");
+            RecordWait(isAllowed ? job.address : "");
             return isAllowed;
         });
     } catch (...) {
         result.answers.lastStatus = Status::kSendFailed;
         result.answers.lastProblem = ExceptionText();
     }
-    NoteWait("");
+    RecordWait("");
     return result;
 }
 
@@ -359,9 +359,9 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
 }
 
 // To an idle worker, or otherwise the directed one.
-void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool isFailureTold) {
-    const auto fail = [this, isFailureTold](const std::string& problem) {
-        if (isFailureTold) Report(&Results::OnJobFailed, problem);
+void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool isFailureReported) {
+    const auto fail = [this, isFailureReported](const std::string& problem) {
+        if (isFailureReported) Report(&Results::OnJobFailed, problem);
     };
     Job job = {Order::kUrgent, key, [run](const Stops&) { run(); }, fail};
     job.isSending = false;

@@ -34,7 +34,7 @@ class Workers {
     void Sweep(const std::vector<SweepStep>& steps);
     // `isUrgent`: before all waiting devices. A device that is waiting or being read is not asked
     // twice. One that is selected meanwhile takes the place of one that waits because it was.
-    void Ask(const AskTarget& target, bool isUrgent, bool isSelected = false);
+    void Read(const AskTarget& target, bool isUrgent, bool isSelected = false);
     // Reads devices for the list, in two rounds, side by side; ends an earlier such reading.
     void ReadAll(const std::vector<AskTarget>& targets);
     // Before the waiting devices that are not urgent. While it runs, urgent ones are asked between
@@ -70,7 +70,7 @@ class Workers {
         std::function<void(const std::string& problem)> fail;  // reports that `run` has thrown
         std::function<void()> drop{};  // reports that it will not begin; may be empty
         bool isSending = true;
-        bool isReading = false, isSelected = false;  // see Ask
+        bool isReading = false, isSelected = false;  // see Read
     };
     // The request that a thread waits for; the address is empty if there is none.
     struct Wait {
@@ -104,11 +104,12 @@ class Workers {
     void StopRun();
     bool IsReadingAll() const { return run_ && !run_->isReported; }
     bool IsSelectionWaiting();
-    void NoteWait(const std::string& address);
+    void RecordWait(const std::string& address);
     MayGoOn Watched(const std::string& address, const Stops& before, Order order);
     Line& LineOf(WorkerId worker) { return lines_[static_cast<size_t>(worker)]; }
     void Add(WorkerId worker, Job job);
-    void AddUrgent(const char* key, const std::function<void()>& run, bool isFailureTold = true);
+    void AddUrgent(const char* key, const std::function<void()>& run,
+                   bool isFailureReported = true);
     Job RemoveFirst(Line& line, Stops& before);
     void Run(WorkerId worker);
     static void Execute(const Job& job, const Stops& before);
