@@ -1,4 +1,4 @@
-// Brings what the workers report to the data and to the windows that show it.
+// Passes what the workers report to the data and to the windows that show it.
 #pragma once
 
 #include "platform/wide_text.h"
@@ -45,12 +45,12 @@ class ResultHandler : public Results {
         }
         const bool hasValues = !read.isPostponed && !read.answers.values.empty();
         state_.session.AddReading(std::move(read));
-        if (hasValues) window_.scans.RecordReading();
+        if (hasValues) window_.scans.ShowReadSince();
     }
     void OnReadAll(const Progress::Read& read) override {
         state_.progress.EndReadingAll(read);
-        state_.showRows();  // what came last too
-        // A script waits for what else is asked, too.
+        state_.showRows();  // includes the last results
+        // A script waits for all other requests, too.
         const bool isOver = state_.workers && state_.workers->Now().read.total == 0;
         if (isOver && !state_.options.exit) window_.searches.EndReading();
     }
@@ -76,10 +76,10 @@ class ResultHandler : public Results {
         if (!state_.workers) return;
         window_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }
-    void OnResolved(const Addresses& addresses, const std::string& unknown) override {
+    void OnResolved(const Addresses& addresses, std::vector<std::string> unknown) override {
         if (!state_.workers) return;
         state_.progress.ClearNote();
-        ReadAdded(state_, addresses, unknown, window_.searches.ReadsFound());
+        ReadAdded(state_, addresses, std::move(unknown), window_.searches.ReadsFound());
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);

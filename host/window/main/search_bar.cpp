@@ -23,10 +23,8 @@ constexpr struct BarItem {
     unsigned text;
     DWORD style;
     bool startsGroup;  // has a wider space before it
-    // The width in pixels at 96 DPI beyond that of a text: the control's own, or the widest that it
-    // gets, so that the others never move. 0: no text counts.
-    int space;
-    unsigned widest;
+    int space;         // the width without the text, in pixels at 96 DPI
+    unsigned widest;   // the widest text that it ever has, so that no other control moves; 0: none
 } kItems[] = {
     {IDC_FIND, L"BUTTON", IDS_FIND, BS_DEFPUSHBUTTON | WS_TABSTOP, false, 36, IDS_STOPPING},
     {IDC_PRESET_LABEL, L"STATIC", IDS_PRESET_LABEL, SS_CENTERIMAGE, true, 2, IDS_PRESET_LABEL},
@@ -115,7 +113,7 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
     return box.y + box.height + gap;
 }
 
-// In the middle of its row. The list of presets is moved with its open part.
+// Centres the control in its row. The height of a combo box includes its open list.
 void SearchBar::PlaceItem(Placement& placement, int id, Box box) const {
     const bool isField = id == IDC_FILTER || id == IDC_PRESET;
     const int height = isField ? FitField(Control(id)) : box.height;
@@ -150,7 +148,7 @@ std::vector<SweepStep> SearchBar::Steps(const Credentials& credentials) const {
         step.login = {"", credentials.security};
         step.kind = SweepKind::kSnmpV3;
         steps.push_back(step);
-        // Over SNMPv3 a printer whose index is not 1 would not be reported.
+        // Over SNMPv3, the preset's object would not find a printer whose index is not 1.
         step.oid = *ParseOidOrName("sysName.0");
         if (LooksForPrinters()) steps.push_back(step);
     }

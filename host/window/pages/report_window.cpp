@@ -48,7 +48,7 @@ void DoctorWindow::ShowDiagnosis(const std::string& address, const HostDiagnosis
                                  const AdapterList& adapters, HWND owner) {
     if (address != shown_.address) return;
     shown_.diagnosis = diagnosis;
-    // As in the calls, a community is not shown where it may be copied; the default one is known.
+    // A community is not shown where it may be copied, unless it is the default one.
     if (diagnosis.community != CommunityOf({})) shown_.diagnosis->community.clear();
     shown_.isOnOwnNetwork = IsOnOwnNetwork(adapters, address);
     Show(owner);
@@ -61,7 +61,7 @@ void DoctorWindow::Stop(HWND owner) {
 }
 
 void DoctorWindow::Show(HWND owner) {
-    if (!shown_.computer) return;  // it comes soon
+    if (!shown_.computer) return;  // it will be shown with the report on the computer
     const bool isOfDevice = !shown_.address.empty();
     Report report;
     if (isOfDevice)

@@ -119,7 +119,7 @@ TEST_F(WorkersTest, StopEndsTheLookForAddresses) {
     workers.Stop();
     ASSERT_TRUE(Comes([&] { return !workers.IsBusy(); }));
     struct : Results {
-        void OnResolved(const Addresses&, const std::string&) override { FAIL(); }
+        void OnResolved(const Addresses&, std::vector<std::string>) override { FAIL(); }
     } results;
     queue.RunAll(results);
 }
