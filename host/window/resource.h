@@ -56,12 +56,12 @@
 #define IDC_ADD_HOSTS 257
 #define IDC_ADD_FILE 258
 
-// Commands without a text of their own. The others have the numbers of their texts.
+// Commands that have no text. The number of any other command is that of its text.
 #define IDM_NEXT_PAGE 334
 #define IDM_PREVIOUS_PAGE 335
 #define IDM_NEXT_PANE 337
-#define IDM_COLUMN 420  // the first of as many as there are columns: the numbers of their headings
-#define IDM_CELL 740    // likewise, to copy a cell
+#define IDM_COLUMN 420  // plus a Column: shows or hides it; also the number of its heading
+#define IDM_CELL 740    // plus a Column: copies its cell
 
 #ifndef RC_INVOKED
 enum TextId : unsigned {

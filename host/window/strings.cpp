@@ -4,6 +4,7 @@
 #include <cwctype>
 
 #include "platform/wide_text.h"
+#include "values/ranges.h"
 #include "values/utc_time.h"
 
 namespace vndiscover::host {
@@ -20,7 +21,7 @@ bool ToLocal(const std::string& utc, SYSTEMTIME& local) {
     return SystemTimeToTzSpecificLocalTime(nullptr, &time, &local) != 0;
 }
 
-// As the user's settings say, without the date if `isShort` and it is today's. Empty on failure.
+// In the user's format. `isShort`: leaves out today's date. Returns an empty text on failure.
 std::wstring Formatted(const SYSTEMTIME& time, bool isShort, DWORD clockFlags) {
     SYSTEMTIME now = {};
     GetLocalTime(&now);
@@ -46,7 +47,7 @@ std::wstring Text(unsigned id) {
 
 std::wstring HeadingText(unsigned id) {
     std::wstring text = Text(id);
-    text.erase(std::remove(text.begin(), text.end(), L'&'), text.end());
+    EraseIf(text, [](wchar_t letter) { return letter == L'&'; });
     return text;
 }
 

@@ -340,7 +340,7 @@ Report ReportOf(const ComputerReport& computer, const char* verdict) {
 }
 
 Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork,
-                const std::string& otherwise) {
+                const std::string& otherwise, const std::string& noUser) {
     ReportSection section;
     if (!diagnosis) {
         section.Add("Verdict", "the device is being asked", Severity::kUnknown);
@@ -359,7 +359,12 @@ Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<boo
     AddStep(section, "Ping", diagnosis->ping);
     AddStep(section, "SNMPv1", diagnosis->v1);
     AddStep(section, "SNMPv3 engine", diagnosis->discovery);
-    AddStep(section, kUserStep, diagnosis->user);
+    const bool isUserMissing =
+        !diagnosis->hasUser && diagnosis->discovery.outcome == Outcome::kAnswered;
+    if (isUserMissing && !noUser.empty())
+        section.Add("SNMPv3 user", noUser);
+    else
+        AddStep(section, "SNMPv3 user", diagnosis->user);
     if (diagnosis->v1.outcome == Outcome::kSilent)
         section.Add("Asked", "SNMPv1 with " +
                                  (diagnosis->community.empty()

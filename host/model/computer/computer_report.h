@@ -66,10 +66,10 @@ size_t CountNetworks(const AdapterList& ipv4);
 Report ReportOf(const ComputerReport& computer, const char* verdict = "Verdict");
 
 // `diagnosis`: empty as long as the device is being asked. `isOnOwnNetwork`: see IsOnOwnNetwork.
-// `otherwise`: the program's text after what was asked in vain.
+// Two texts are the program's own, since they name what it offers: `otherwise` follows what was
+// asked in vain; `noUser` is shown if the SNMPv3 engine has answered, but there is no user.
 Report ReportOf(const std::optional<HostDiagnosis>& diagnosis, std::optional<bool> isOnOwnNetwork,
-                const std::string& otherwise = "");
-constexpr char kUserStep[] = "SNMPv3 user";  // the label of its row
+                const std::string& otherwise = "", const std::string& noUser = "");
 
 // "in", "in briefly", "kept out"
 const char* PassageText(Passage passage);

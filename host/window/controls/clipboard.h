@@ -7,10 +7,10 @@
 
 namespace vndiscover::host {
 
-// Sent to the window that owns all others after each copy. wParam is a BOOL: it succeeded.
+// Sent to the main window after each copy. wParam: whether the copy succeeded.
 constexpr UINT kCopied = WM_APP + 2;
 
-// Returns false if it fails, for example while another program uses the clipboard.
+// Returns false on failure, for example while another program uses the clipboard.
 bool CopyText(HWND owner, const std::wstring& text);
 
 }  // namespace vndiscover::host

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kBarWidth = 36;
 
-// Whether the user sees all programs in colours of high contrast.
+// Whether the user has chosen colours of high contrast for all programs.
 bool IsHighContrast() {
     HIGHCONTRASTW contrast = {};
     contrast.cbSize = sizeof contrast;
@@ -26,8 +26,8 @@ bool AreNear(COLORREF one, COLORREF other) {
            isNear(GetBValue(one), GetBValue(other));
 }
 
-// A frame, which covers nothing of it, shows how far a supply's colour goes. That of the background
-// would look like nothing, so it is grey.
+// A level in the colour of the background is drawn grey, since it would be invisible. The frame is
+// drawn around the level, so that it covers none of it.
 void FillLevel(HDC dc, RECT level, const LevelBar& bar) {
     level.right = level.left + MulDiv(level.right - level.left, bar.percent, 100);
     if (IsRectEmpty(&level)) return;
@@ -76,8 +76,8 @@ void DrawBar(const NMLVCUSTOMDRAW& draw, const RECT& cell, const LevelBar& level
     RECT bar = {cell.left + inset, cell.top + rim, cell.left + inset + Scaled(kBarWidth, dpi),
                 cell.bottom - rim};
     bar.right = std::min(bar.right, cell.right - inset);
-    if (bar.right > bar.left &&
-        level.percent >= 0) {  // the same in a selected row, where it could mean the opposite
+    if (bar.right > bar.left && level.percent >= 0) {
+        // Also in a selected row: with its colours, the level could look like the empty part.
         FillRect(dc, &bar, GetSysColorBrush(COLOR_WINDOW));
         FrameRect(dc, &bar, GetSysColorBrush(COLOR_WINDOWTEXT));
         RECT inside = bar;

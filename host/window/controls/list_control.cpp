@@ -21,7 +21,7 @@ constexpr int kValue = 1;  // the column after the one that names the row
 
 int CountColumns(HWND list) { return Header_GetItemCount(ListView_GetHeader(list)); }
 
-// AltGr, which types letters, is Ctrl and Alt.
+// Not with Alt: AltGr, which types letters, counts as Ctrl and Alt.
 bool IsControlDown() { return GetKeyState(VK_CONTROL) < 0 && GetKeyState(VK_MENU) >= 0; }
 
 std::wstring RowCell(const std::wstring& text) { return ToWide(HarmlessCell(ToUtf8(text))); }
@@ -97,7 +97,7 @@ void ListControl::SetDpi(int dpi) {
 }
 
 void ListControl::SetColumns(const std::vector<ListColumn>& columns) {
-    // The last one first: the list moves the texts of the others to the left.
+    // From the last one: deleting another one makes the list move the texts of those after it.
     for (int count = CountColumns(list_); count > 0; --count)
         ListView_DeleteColumn(list_, count - 1);
     fitted_ = values_ = sorted_ = -1;
@@ -225,7 +225,7 @@ std::wstring ListControl::SelectedText() const {
     std::wstring text;
     for (const int column : ShownOrder()) {
         std::wstring cell = TextOf(Selected(), column);
-        cell.erase(0, cell.find_first_not_of(L' '));  // of what is below a heading
+        cell.erase(0, cell.find_first_not_of(L' '));  // what is below a heading is indented
         if (cell.empty()) continue;
         if (!text.empty()) text += values_ < 0 ? L"; " : column == values_ ? L": " : L", ";
         if (values_ < 0) text += headings_[static_cast<size_t>(column)] + L": ";
@@ -279,7 +279,7 @@ LRESULT ListControl::OnNotify(NMHDR* header) {
     return 0;
 }
 
-// Up to three messages tell of one change.
+// The list sends up to three messages for one change.
 void ListControl::OnChanged() {
     if (isChanging_) return;
     model_.OnSelection();
@@ -293,7 +293,7 @@ void ListControl::FillCell(LVITEMW& item) const {
     if (item.mask & LVIF_IMAGE) item.iImage = -1;
 }
 
-// From the row where the list begins to search; -1: none begins with the typed letters.
+// Begins at the row that the list gives. Returns -1 if no row begins with the typed letters.
 LRESULT ListControl::FindRow(const NMLVFINDITEMW& search) const {
     const int count = static_cast<int>(model_.Count());
     if (!(search.lvfi.flags & (LVFI_STRING | LVFI_PARTIAL)) || !search.lvfi.psz) return -1;
@@ -309,7 +309,7 @@ LRESULT ListControl::FindRow(const NMLVFINDITEMW& search) const {
     return -1;
 }
 
-// In place of rows. The list itself would ask only once, and never again when the reason changes.
+// Drawn here since the list itself asks only once for such a text, even if it changes later.
 void ListControl::DrawEmpty(HDC dc) const {
     RECT place = {};
     GetClientRect(list_, &place);
@@ -319,8 +319,9 @@ void ListControl::DrawEmpty(HDC dc) const {
     DrawTextW(dc, EmptyText().c_str(), -1, &place, DT_CENTER | DT_WORDBREAK | DT_NOPREFIX);
 }
 
-// Before the cells of a selected row, between which there is a gap under Wine, and after them.
-// Without the focus, the row has about the background of the others, in high contrast exactly that.
+// Fills the background before the cells are drawn, since Wine leaves a gap between them. Without
+// the focus, the background is hardly another one than that of other rows, in high contrast the
+// same. So a frame is drawn after the cells.
 void ListControl::DrawSelection(const NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
     if (ListView_GetItemState(list_, row, LVIS_SELECTED) == 0) return;
@@ -332,10 +333,10 @@ void ListControl::DrawSelection(const NMLVCUSTOMDRAW& draw) const {
         FrameRect(draw.nmcd.hdc, &place, GetSysColorBrush(COLOR_HIGHLIGHT));
 }
 
-// The list's own, or its bold one.
+// The list's font, or its bold form.
 HFONT ListControl::FontOf(size_t row) {
     const auto font = reinterpret_cast<HFONT>(SendMessageW(list_, WM_GETFONT, 0, 0));
-    if (row >= model_.Count() || !model_.IsBold(row)) return font;
+    if (!model_.IsBold(row)) return font;
     if (std::exchange(boldOf_, font) != font || !bold_) {
         LOGFONTW bold = {};
         GetObjectW(font, sizeof bold, &bold);
@@ -352,17 +353,18 @@ LRESULT ListControl::Draw(NMLVCUSTOMDRAW& draw) {
     if (stage == (CDDS_ITEMPREPAINT | CDDS_SUBITEM)) return DrawCell(draw);
     if (stage == CDDS_POSTPAINT) DrawEmpty(draw.nmcd.hdc);
     if (stage == CDDS_ITEMPREPAINT || stage == CDDS_ITEMPOSTPAINT) DrawSelection(draw);
-    // CDRF_NOTIFYSUBITEMDRAW is the same number
+    // CDRF_NOTIFYITEMDRAW is the same number as CDRF_NOTIFYSUBITEMDRAW.
     return stage == CDDS_ITEMPREPAINT ? CDRF_NOTIFYITEMDRAW | CDRF_NOTIFYPOSTPAINT : CDRF_DODEFAULT;
 }
 
 LRESULT ListControl::DrawCell(NMLVCUSTOMDRAW& draw) {
     const auto row = static_cast<size_t>(draw.nmcd.dwItemSpec);
     const auto column = static_cast<size_t>(draw.iSubItem);
-    const bool isGrey = row < model_.Count() && model_.IsGrey(row);
+    if (row >= model_.Count()) return CDRF_DODEFAULT;
+    const bool isGrey = model_.IsGrey(row);
     if (isGrey) draw.clrText = GreyText();
     SelectObject(draw.nmcd.hdc, FontOf(row));
-    const auto bar = row < model_.Count() ? model_.Bar(row, column) : std::nullopt;
+    const auto bar = model_.Bar(row, column);
     if (!bar) return CDRF_NEWFONT;
     RECT cell = {};
     ListView_GetSubItemRect(list_, static_cast<int>(row), draw.iSubItem, LVIR_LABEL, &cell);
@@ -376,7 +378,7 @@ bool ListControl::FindMenuPlace(LPARAM place, MenuPlace& found) const {
     if (place == kByKeyboard) {
         RECT row = {};
         GetClientRect(ListView_GetHeader(list_), &row);
-        if (Selected() >= 0) {  // it may be scrolled away
+        if (Selected() >= 0) {  // the row may be scrolled out of sight
             ListView_EnsureVisible(list_, Selected(), FALSE);
             ListView_GetItemRect(list_, Selected(), &row, LVIR_LABEL);
         }

@@ -18,46 +18,48 @@ namespace vndiscover::host {
 struct ListRow {
     std::vector<std::wstring> cells;
     std::optional<LevelBar> bar{};  // before the text of the second cell
-    bool isBold = false;            // what is worst, or the result of all
-    std::wstring detail{};          // shown of the selected row only
-    bool hasCounts = false;         // in a table, before and after: shown grouped
+    bool isBold = false;
+    std::wstring detail{};   // shown only in the whole text of the selected row
+    bool hasCounts = false;  // for TableWindow: the cells after the second one are counts
     bool operator==(const ListRow& other) const {
         return cells == other.cells && bar == other.bar && isBold == other.isBold &&
                detail == other.detail && hasCounts == other.hasCounts;
     }
 };
-// Of a report, each with a label and a text. Bold are the result, which is the first row, others
-// with its label, and what is critical.
+// The rows of a report, each with a label and a text. The first row, which is the result, is bold.
+// So are other rows with its label, and critical ones.
 std::vector<ListRow> ListRowsOf(const Report& report);
 
-// Has its rows ready, or overrides Count and CellText, which are asked for what is visible.
+// What a list shows: `rows_`, or what a derived class returns from Count and CellText. CellText is
+// called for visible cells only.
 class ListModel {
   public:
     virtual ~ListModel() = default;
     virtual size_t Count() const { return rows_.size(); }
-    // `column`: a number in the list, as in the other methods.
+    // `column`: its index in the list, as in the other methods.
     virtual std::wstring CellText(size_t row, size_t column) const {
         return rows_[row].cells[column];
     }
-    // What the text of the selected row has besides its cells.
+    // What the whole text of a row has besides its cells.
     virtual std::wstring Detail(size_t row) const {
         return row < rows_.size() ? rows_[row].detail : L"";
     }
-    // By what typed letters find the row.
+    // The text by which typed letters find the row.
     virtual std::wstring SearchText(size_t row) const { return CellText(row, 0); }
-    // Drawn before the text.
+    // A bar to draw before the text.
     virtual std::optional<LevelBar> Bar(size_t row, size_t column) const {
         return column == 1 && row < rows_.size() ? rows_[row].bar : std::nullopt;
     }
     virtual bool IsBold(size_t row) const { return row < rows_.size() && rows_[row].isBold; }
-    // Whether the row is grey: what it shows may no longer be so.
+    // Grey shows that the values of a row may be out of date.
     virtual bool IsGrey(size_t) const { return false; }
-    // What to show instead of rows if there are none.
+    // What to show if there are no rows.
     virtual std::wstring EmptyText() const { return {}; }
-    // The user has selected other rows; and, afterwards, another one or none has the focus of them.
+    // The user has changed which rows are selected.
     virtual void OnSelection() {}
+    // Called after OnSelection if the row of ListControl::Selected() has changed.
     virtual void OnSelected() {}
-    virtual void OnHeading(size_t) {}  // the user has clicked it
+    virtual void OnHeading(size_t) {}  // the user has clicked a heading
 
   protected:
     std::vector<ListRow> rows_;
@@ -73,60 +75,61 @@ class ListControl {
     // The model must outlive the list.
     explicit ListControl(ListModel& model) : model_(model) {}
     ~ListControl();
-    // Makes a child of `parent`, which destroys it. Screen readers read the name. In a list of many
-    // rows, the user may select several and reorder columns.
+    // Makes a child of `parent`, which destroys it. Screen readers read the name. `isOfMany`: the
+    // user may select several rows and reorder columns.
     void Create(HWND parent, int id, const std::wstring& name, bool isOfMany = false);
     // Uses a list of a dialog.
     void Attach(HWND list);
-    // The list of this window; null if it is none.
+    // The object of a list's window; null if the window is no list.
     static ListControl* Of(HWND window);
     HWND Handle() const { return list_; }
 
     // Sets the height of rows, high enough for bars, and scales the columns.
     void SetDpi(int dpi);
     void SetColumns(const std::vector<ListColumn>& columns);
-    // The columns from left to right.
+    // The indexes of the columns from left to right.
     std::vector<int> ShownOrder() const;
-    // Gives the column of values, otherwise the last one, the rest of the width, as Refresh does
-    // too.
+    // Widens the column of values, or else the last one, to the rest of the list's width. Refresh
+    // does this too.
     void Fit();
-    // In pixels; of the column that has the rest, what it has without it.
+    // In pixels. For the column that Fit has widened: its width before.
     int WidthOf(int column) const;
     void SetName(const std::wstring& name) { SetWindowTextW(list_, name.c_str()); }
     // Shows what the model has now.
     void Refresh();
-    // What is shown in place of rows.
+    // What is shown in place of rows; empty if there are rows.
     std::wstring EmptyText() const { return model_.Count() == 0 ? model_.EmptyText() : L""; }
     std::vector<size_t> Selection() const;
-    // The one with the focus, or else the first; -1: none.
+    // The selected row that has the focus, or else the first selected one; -1: none.
     int Selected() const;
-    // Selecting by a call is not reported to the model.
+    // The model gets no event for a selection by a call.
     void Select(const std::vector<size_t>& rows, int focused);
     void Select(int row);
 
     // Marks the heading of the column by which the rows are sorted; -1: none.
     void MarkSorted(int column, bool isDescending);
-    // As by clicks: by the next column to the right, or, with Shift, the other way round.
+    // As if the user had clicked the heading of the next column to the right.
     void SortByNext() const;
+    // For F9: sorts by the next column or, with Shift, in the other direction.
     void SortByKey() const;
 
-    // The text to copy: with tabs and line ends, columns as they are shown, and without formulas
-    // that a spreadsheet would run.
+    // The text to copy, with tabs and line ends. Columns are in their shown order. Formulas are
+    // changed so that no spreadsheet runs them.
     std::wstring TableText() const;
-    // The selected row in one text; empty if there is none.
+    // The whole text of the selected row; empty if there is none.
     std::wstring SelectedText() const;
-    // Executes IDM_COPY_ROW for the selected rows, IDM_COPY_TABLE, IDM_COPY_CELL for the second
-    // column, or IDM_CELL + column. Has no effect without a selected row.
+    // Executes IDM_COPY_ROW (the selected rows), IDM_COPY_TABLE, IDM_COPY_CELL (the second column)
+    // or IDM_CELL + column. Has no effect if there is nothing to copy.
     void Copy(int command) const;
-    // The command for Ctrl+C, Ctrl+Shift+C or Ctrl+Shift+T while `key` is pressed; otherwise 0.
+    // The command of `key` if it makes Ctrl+C, Ctrl+Shift+C or Ctrl+Shift+T; otherwise 0.
     static int CopyCommandOf(WPARAM key);
 
     // Handles WM_NOTIFY from the list and returns the result of the message.
     LRESULT OnNotify(NMHDR* header);
-    // Offers to copy, at the place of a WM_CONTEXTMENU.
+    // Opens a menu of copy commands at the place of a WM_CONTEXTMENU.
     void ShowCopyMenu(LPARAM place);
-    // The cell of a WM_CONTEXTMENU, and where to open the menu. Returns false if no row is there.
-    // By keyboard, the menu opens below the selected row, and there is no column.
+    // Finds the cell of a WM_CONTEXTMENU and where to open the menu. Returns false if no row is
+    // there. By keyboard, the menu opens below the selected row, and there is no column.
     struct MenuPlace {
         POINT point;
         std::optional<size_t> column;
@@ -151,18 +154,18 @@ class ListControl {
     ListModel& model_;
     HWND list_ = nullptr;
     OwnedFont bold_;
-    HFONT boldOf_ = nullptr;   // the list's font, of which that is the bold one
-    OwnedImages images_;       // none: their size is that of a row
-    bool isChanging_ = false;  // by a call
-    int reported_ = -1;        // the selected row that the model knows of
+    HFONT boldOf_ = nullptr;   // the list's font when bold_ was made
+    OwnedImages images_;       // contains none; their size sets the height of rows
+    bool isChanging_ = false;  // a call changes the selection, not the user
+    int reported_ = -1;        // what Selected() was when the model got its last event
     int values_ = -1;          // the column of values; -1: none
-    int sorted_ = -1;          // the column that is marked
+    int sorted_ = -1;          // the column that is marked; -1: none
     std::vector<std::wstring> headings_;
-    // The column that has the rest of the width, and its widths with and without it.
+    // The column that Fit has widened (-1: none), its width since, and its width before.
     int fitted_ = -1, fittedWidth_ = 0, ownWidth_ = 0;
 };
 
-// Handles a message from a list to its window. Empty: the message is from no list.
+// Handles a message from a list to its window. Returns nothing if it is from no list.
 std::optional<LRESULT> HandleListMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
 constexpr LPARAM kByKeyboard = -1;  // the place of a WM_CONTEXTMENU

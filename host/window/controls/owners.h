@@ -1,4 +1,4 @@
-// Owners of the handles that windows and drawing need.
+// Owners of what windows and drawing need from the system.
 #pragma once
 
 #include <windows.h>
@@ -37,17 +37,17 @@ class WindowDc {
     HDC dc_;
 };
 
-// An object that is selected into a device context; the one before returns afterwards.
-class Selection {
+// An object that is selected into a device context until the end of this one.
+class SelectedObject {
   public:
-    Selection(HDC dc, HGDIOBJ object) : dc_(dc), before_(SelectObject(dc, object)) {}
-    ~Selection() { SelectObject(dc_, before_); }
-    Selection(const Selection&) = delete;
-    Selection& operator=(const Selection&) = delete;
+    SelectedObject(HDC dc, HGDIOBJ object) : dc_(dc), former_(SelectObject(dc, object)) {}
+    ~SelectedObject() { SelectObject(dc_, former_); }
+    SelectedObject(const SelectedObject&) = delete;
+    SelectedObject& operator=(const SelectedObject&) = delete;
 
   private:
     HDC dc_;
-    HGDIOBJ before_;
+    HGDIOBJ former_;
 };
 
 }  // namespace vndiscover::host

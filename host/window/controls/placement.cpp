@@ -6,7 +6,7 @@
 namespace vndiscover::host {
 namespace {
 
-// Of user32.dll; null on a system without it.
+// A function of user32.dll; null on a system without it.
 template <class Function>
 Function* UserFunction(const char* name) {
     return reinterpret_cast<Function*>(
@@ -38,14 +38,10 @@ OwnedFont MakeMessageFont(int dpi) {
 }
 
 int FitField(HWND field) {
-    const WindowDc dc(field);
-    const Selection font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(field, WM_GETFONT, 0, 0)));
-    TEXTMETRICW text = {};
-    GetTextMetricsW(dc.Get(), &text);
-    const int height = text.tmHeight + 6;
+    const int height = TextSize(field, L"X", DT_SINGLELINE).cy + 6;
     const LRESULT inside = SendMessageW(field, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0);
-    // Of a combo box, in its frame. First as it is, for which Wine gives another height than it
-    // takes.
+    // The height inside of a combo box's frame. It is first set to what it is, since Wine reports
+    // another height than it then uses.
     for (const bool isFirst : {true, false}) {
         const int missing = height - BoxOf(field).height;
         if (inside > 0 && missing != 0)
@@ -53,6 +49,21 @@ int FitField(HWND field) {
                          isFirst ? inside : inside + missing);
     }
     return height;
+}
+
+SIZE TextSize(HWND control, const std::wstring& text, UINT flags, int width) {
+    const WindowDc dc(control);
+    const SelectedObject font(dc.Get(),
+                              reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
+    RECT size = {0, 0, width, 0};
+    DrawTextW(dc.Get(), text.c_str(), -1, &size, DT_CALCRECT | flags);
+    return {size.right, size.bottom};
+}
+
+int OpenHeight(HWND control) {
+    RECT open = {};
+    SendMessageW(control, CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&open));
+    return open.bottom - open.top;
 }
 
 SIZE ClientSize(HWND window) {

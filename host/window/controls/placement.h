@@ -1,8 +1,9 @@
-// Moves children of a window in one step, and then draws all of it anew.
+// Sizes and places of windows and controls, on screens of any DPI.
 #pragma once
 
 #include <windows.h>
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -10,18 +11,22 @@
 
 namespace vndiscover::host {
 
-// Sizes by the DPI of a window's screen, on systems with and without per-window DPI.
-
+// The DPI of the window's screen or, on a system that has one for all screens, that one.
 int DpiOf(HWND window);
-// The dialog answers WM_DPICHANGED itself: without this, Windows would scale its controls too.
+// For a dialog that handles WM_DPICHANGED itself: otherwise Windows would scale its controls too.
 void DisableSystemScaling(HWND dialog);
 // A size in pixels at 96 DPI.
 inline int Scaled(int pixels, int dpi) { return MulDiv(pixels, dpi, 96); }
 // The user's font for messages.
 OwnedFont MakeMessageFont(int dpi);
-// Of a field for one line of text, an edit control or a combo box, which gets this height: above
-// its text, the system leaves as little space at each DPI.
+// The height of a field for one line of text: the system leaves the same few pixels around the text
+// at each DPI. A combo box gets this height here.
 int FitField(HWND field);
+// The size that a text needs in the font of a control. `flags`: of DrawText. `width`: at most,
+// unless it is one line.
+SIZE TextSize(HWND control, const std::wstring& text, UINT flags, int width = 0);
+// With its list, if it is a combo box; otherwise 0.
+int OpenHeight(HWND control);
 
 struct Box {
     int x = 0, y = 0, width = 0, height = 0;
@@ -39,16 +44,17 @@ inline Box BoxOf(HWND window) {  // on the screen
     return BoxOf(place);
 }
 SIZE ClientSize(HWND window);
-// Where windows may be, on the screen of this one.
+// The part of the window's screen in which windows may be.
 Box WorkAreaOf(HWND window);
-// Moves a box into an area; one that is larger is made smaller.
+// Moves a box into an area, and makes it smaller if it is larger than that.
 Box FitInto(const Box& area, Box box);
 
+// Collects moves of a window's children. Its end makes them all in one step and draws the window.
 class Placement {
   public:
     explicit Placement(HWND window) : window_(window) {}
     ~Placement() {
-        // Copied pixels would be those of another size.
+        // The window is drawn anew: its old pixels are those of another size.
         constexpr UINT kHow = SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOCOPYBITS;
         HDWP step = BeginDeferWindowPos(static_cast<int>(moves_.size()));
         for (const auto& [child, box] : moves_) {
@@ -57,7 +63,7 @@ class Placement {
                     DeferWindowPos(step, child, nullptr, box.x, box.y, box.width, box.height, kHow);
         }
         const bool isDone = step && EndDeferWindowPos(step);
-        for (const auto& [child, box] : moves_) {  // one by one if that takes too much memory
+        for (const auto& [child, box] : moves_) {  // one by one if memory was too short for that
             if (!isDone) SetWindowPos(child, nullptr, box.x, box.y, box.width, box.height, kHow);
         }
         if (!moves_.empty())

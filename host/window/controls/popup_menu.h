@@ -11,11 +11,11 @@ namespace vndiscover::host {
 using Commands = std::vector<unsigned>;
 constexpr unsigned kMenuLine = 0;  // a separator
 
-// The text of a command is the string with its number. `cells`: what IDS_MENU_CELLS offers to copy
-// from a row.
+// The text of a command is the string with its number. `cells`: the headings of what IDS_MENU_CELLS
+// offers to copy from a row.
 OwnedMenu MakePopup(const Commands& commands, const std::vector<std::wstring>& cells);
 
-// Adds a menu that opens out of another one, which owns it from now on.
+// Adds a submenu to a menu, which owns it from now on.
 void AddPopup(HMENU menu, OwnedMenu popup, const std::wstring& text);
 
 }  // namespace vndiscover::host

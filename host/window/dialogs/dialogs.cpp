@@ -26,7 +26,7 @@ RECT PlaceIn(HWND dialog, HWND control) {
     return place;
 }
 
-// `change` gets each control and its place, to alter it.
+// Moves each control to the place that `change` makes of its current one.
 template <class Change>
 void MoveControls(HWND dialog, Change change) {
     Placement placement(dialog);
@@ -37,7 +37,7 @@ void MoveControls(HWND dialog, Change change) {
     }
 }
 
-// A program with a window gets no console, but may have been started from one.
+// The system gives a program with a window no console, even if it was started from one.
 HANDLE ErrorOutput() {
     const HANDLE given = GetStdHandle(STD_ERROR_HANDLE);
     if ((given && given != INVALID_HANDLE_VALUE) || !AttachConsole(ATTACH_PARENT_PROCESS))
@@ -84,14 +84,11 @@ void ChangeText(HWND window, const std::wstring& text) {
 
 void ShowWhole(HWND edit, const std::wstring& text) {
     ChangeText(edit, text);
-    const WindowDc dc(edit);
-    const Selection font(dc.Get(), reinterpret_cast<HFONT>(SendMessageW(edit, WM_GETFONT, 0, 0)));
     const LRESULT margins = SendMessageW(edit, EM_GETMARGINS, 0, 0);
-    const RECT room = PlaceIn(GetParent(edit), edit);
-    RECT needed = {0, 0, room.right - room.left - LOWORD(margins) - HIWORD(margins), 0};
-    DrawTextW(dc.Get(), text.c_str(), -1, &needed,
-              DT_CALCRECT | DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX);
-    const bool isLong = needed.bottom > room.bottom - room.top;
+    const Box room = BoxOf(edit);
+    const SIZE needed = TextSize(edit, text, DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX,
+                                 room.width - LOWORD(margins) - HIWORD(margins));
+    const bool isLong = needed.cy > room.height;
     ShowScrollBar(edit, SB_VERT, isLong);
     // Then the keyboard has to reach it.
     const LONG_PTR style = GetWindowLongPtrW(edit, GWL_STYLE) & ~WS_TABSTOP;
@@ -108,18 +105,18 @@ void CentreOnOwner(HWND window) {
     WINDOWPLACEMENT placement = {};
     placement.length = sizeof placement;
     const HWND owning = GetWindow(window, GW_OWNER);
-    GetWindowPlacement(owning, &placement);  // where it will be, if it is minimised
+    GetWindowPlacement(owning, &placement);  // for a minimised owner: where it will be restored
     const Box owner = IsIconic(owning) ? BoxOf(placement.rcNormalPosition) : BoxOf(owning);
     place.x = (2 * owner.x + owner.width - place.width) / 2;
     place.y = (2 * owner.y + owner.height - place.height) / 2;
     place = FitInto(WorkAreaOf(owning), place);
-    // One without a frame to drag would be cut.
+    // Otherwise it would be cut.
     const bool isSizeable = (GetWindowLongPtrW(window, GWL_STYLE) & WS_THICKFRAME) != 0;
     SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height,
                  SWP_NOZORDER | SWP_NOACTIVATE | (isSizeable ? 0 : SWP_NOSIZE));
 }
 
-bool Dialog::Ask(HWND owner, int resource) {
+bool Dialog::ShowModal(HWND owner, int resource) {
     const INT_PTR end =
         DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), owner,
                         DialogProcedure<Dialog>, reinterpret_cast<LPARAM>(this));
@@ -136,7 +133,7 @@ std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wPara
         GetObjectW(reinterpret_cast<HFONT>(font), sizeof face_, &face_);
         ChangeTexts(dialog);
         OnFonts();
-        Begin();
+        OnOpened();
         CentreOnOwner(dialog);
         return TRUE;
     }
@@ -157,13 +154,11 @@ std::optional<LRESULT> Dialog::OnMessage(HWND dialog, UINT message, WPARAM wPara
     return std::nullopt;
 }
 
-// Not left to the system, which knows neither columns nor fonts and heights of its own.
+// The system could not do this: it knows neither columns nor the fonts and heights made here.
 void Dialog::SetDpi(int dpi, const RECT& place) {
     const int former = std::exchange(dpi_, dpi);
     MoveControls(dialog_, [&](HWND control, RECT& box) {
-        RECT open = {};  // of a combo box, with its list
-        if (SendMessageW(control, CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&open)))
-            box.bottom = box.top + open.bottom - open.top;
+        box.bottom = std::max(box.bottom, box.top + OpenHeight(control));
         for (LONG* side : {&box.left, &box.top, &box.right, &box.bottom})
             *side = MulDiv(*side, dpi, former);
     });
@@ -173,7 +168,7 @@ void Dialog::SetDpi(int dpi, const RECT& place) {
 }
 
 void Dialog::MakeFonts() {
-    LOGFONTW font = face_;  // not the last one, since each scaling rounds
+    LOGFONTW font = face_;  // scaled once, since each scaling rounds
     font.lfHeight = MulDiv(font.lfHeight, dpi_, firstDpi_);
     OwnedFont next(CreateFontIndirectW(&font));
     for (HWND each = GetWindow(dialog_, GW_CHILD); each; each = GetWindow(each, GW_HWNDNEXT))
@@ -187,10 +182,8 @@ void Dialog::FitFields(std::initializer_list<int> fields) const {
         const RECT label = PlaceIn(dialog_, GetWindow(Item(field), GW_HWNDPREV));
         const RECT place = PlaceIn(dialog_, Item(field));
         const int height = FitField(Item(field));
-        RECT open = {};  // of a combo box, with its list
-        SendMessageW(Item(field), CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&open));
         SetWindowPos(Item(field), nullptr, place.left, (label.top + label.bottom - height) / 2,
-                     place.right - place.left, std::max<int>(height, open.bottom - open.top),
+                     place.right - place.left, std::max(height, OpenHeight(Item(field))),
                      SWP_NOZORDER | SWP_NOACTIVATE);
     }
 }
@@ -220,20 +213,20 @@ std::optional<LRESULT> ListDialog::OnMessage(HWND dialog, UINT message, WPARAM w
                                              LPARAM lParam) {
     if (message == WM_INITDIALOG) {
         client_ = ClientSize(dialog);
-        least_ = {};  // of a former window
+        minimum_ = {};  // that of a former window
         SendMessageW(dialog, WM_SETICON, ICON_SMALL,
                      GetClassLongPtrW(GetWindow(dialog, GW_OWNER), GCLP_HICON));
     } else if (message == WM_SIZE && wParam != SIZE_MINIMIZED) {
         Stretch();
     } else if (message == WM_GETMINMAXINFO) {
-        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {least_.cx, least_.cy};
+        reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {minimum_.cx, minimum_.cy};
         return 0;
     }
     const auto result = Dialog::OnMessage(dialog, message, wParam, lParam);
-    if (message == WM_INITDIALOG) {  // as large as the screen allows
+    if (message == WM_INITDIALOG) {  // now it is no larger than the screen
         const Box whole = BoxOf(dialog);
-        least_ = {whole.width, whole.height};
-        // Under a modal dialog, into which the user types, it must not get the focus.
+        minimum_ = {whole.width, whole.height};
+        // It must not get the focus while the user types into a modal dialog.
         if (!IsWindowEnabled(GetWindow(dialog, GW_OWNER))) return std::nullopt;
     }
     if (message == WM_NCDESTROY) OnClosed();
@@ -250,15 +243,15 @@ void ListDialog::OnControl(int id, int code) {
     }
 }
 
-// One control grows, and wide ones to the right. What is below it moves down; buttons there, and
-// what is in the right half, to the right.
+// One control becomes higher, and wide ones become wider. What is below it moves down. What is not
+// wide moves to the right if it is below it or in the right half.
 void ListDialog::Stretch() {
     const SIZE former = std::exchange(client_, ClientSize(dialog_));
     const LONG right = client_.cx - former.cx, down = client_.cy - former.cy;
-    const HWND growing = form_.grown != 0 ? Item(form_.grown) : list_.Handle();
-    const RECT grown = PlaceIn(dialog_, growing);
+    const HWND growing = form_.growing != 0 ? Item(form_.growing) : list_.Handle();
+    const LONG bottom = PlaceIn(dialog_, growing).bottom;
     MoveControls(dialog_, [&](HWND control, RECT& place) {
-        const bool isBelow = place.top >= grown.bottom;
+        const bool isBelow = place.top >= bottom;
         const bool isWide = place.right - place.left > former.cx / 2;
         const bool isMoved = !isWide && (isBelow || place.left > former.cx / 2);
         OffsetRect(&place, isMoved ? right : 0, isBelow ? down : 0);
@@ -271,11 +264,11 @@ void ListDialog::Stretch() {
 
 void ListDialog::OnDpi(int former) {
     list_.SetDpi(dpi_);
-    for (LONG* size : {&client_.cx, &client_.cy, &least_.cx, &least_.cy})
+    for (LONG* size : {&client_.cx, &client_.cy, &minimum_.cx, &minimum_.cy})
         *size = MulDiv(*size, dpi_, former);
 }
 
-void ListDialog::Begin() {
+void ListDialog::OnOpened() {
     SetWindowTextW(dialog_, form_.title.c_str());
     list_.Attach(FindWindowExW(dialog_, nullptr, WC_LISTVIEWW, nullptr));
     list_.SetName(form_.title);
@@ -289,7 +282,7 @@ void ListDialog::Refresh() {
     OnSelected();
 }
 
-// A dialog may lack these buttons.
+// Without effect on buttons that a dialog does not have.
 void ListDialog::OnSelected() {
     ShowWhole(Item(IDC_CHOSEN), list_.SelectedText());
     EnableWindow(Item(IDC_COPY_ROW), list_.Selected() >= 0);
@@ -325,7 +318,7 @@ int AskYesNoCancel(HWND owner, const std::wstring& question, unsigned yes, unsig
     dialog.cbSize = sizeof dialog;
     dialog.hwndParent = owner;
     dialog.dwFlags = TDF_ALLOW_DIALOG_CANCELLATION | TDF_POSITION_RELATIVE_TO_WINDOW;
-    // Wine places one with two lines of text in the corner.
+    // Wine opens one with two lines of text in the corner of the screen.
     dialog.pfCallback = [](HWND window, UINT event, WPARAM, LPARAM, LONG_PTR) -> HRESULT {
         if (event == TDN_CREATED) CentreOnOwner(window);
         return S_OK;
@@ -348,14 +341,14 @@ constexpr size_t kMaxFileSize = size_t{256} * 1024;
 class AddDialog : public Dialog {
   public:
     std::vector<std::string> AskHosts(HWND owner) {
-        Ask(owner, IDD_ADD);
+        ShowModal(owner, IDD_ADD);
         return std::move(hosts_);
     }
 
   private:
-    void Begin() override { Grey(); }
+    void OnOpened() override { EnableControls(); }
     void OnControl(int id, int code) override {
-        if (id == IDC_ADD_HOSTS && code == EN_CHANGE) Grey();
+        if (id == IDC_ADD_HOSTS && code == EN_CHANGE) EnableControls();
         if (id == IDC_ADD_FILE) ReadFile();
         if (id == IDOK) Finish();
         if (id == IDCANCEL) EndDialog(dialog_, FALSE);
@@ -364,9 +357,9 @@ class AddDialog : public Dialog {
     std::vector<std::string> Hosts() const {
         return SplitText(ToUtf8(WindowText(Item(IDC_ADD_HOSTS))), ",; \t\r\n");
     }
-    void Grey() const { EnableWindow(Item(IDOK), !Hosts().empty()); }
+    void EnableControls() const { EnableWindow(Item(IDOK), !Hosts().empty()); }
 
-    // Adds them to what was typed.
+    // Adds the file's text to what was typed.
     void ReadFile() const {
         const std::string path = AskPath(dialog_, IDS_TEXT_FILES, L"txt", L"", false);
         if (path.empty()) return;
@@ -376,7 +369,7 @@ class AddDialog : public Dialog {
             return ShowProblem(dialog_, Text(IDS_NOT_READ, {ToWide(problem), ToWide(path)}), false);
         const std::wstring typed = WindowText(Item(IDC_ADD_HOSTS));
         SetItem(IDC_ADD_HOSTS, (typed.empty() ? L"" : typed + L"\r\n") + EditText(*text));
-        Grey();  // which this kind of field does not report
+        EnableControls();  // a field of several lines does not report this change
     }
 
     void Finish() {

@@ -28,19 +28,20 @@ class SnmpDialog : public Dialog {
   public:
     SnmpDialog(Credentials& credentials, std::wstring reason)
         : credentials_(credentials), reason_(std::move(reason)), known_(credentials.security) {}
-    bool Ask(HWND owner) { return Dialog::Ask(owner, IDD_SNMP); }
+    using Dialog::ShowModal;
 
   private:
     LRESULT Send(int id, UINT message, WPARAM wParam = 0, const wchar_t* text = nullptr) const {
         return SendDlgItemMessageW(dialog_, id, message, wParam, reinterpret_cast<LPARAM>(text));
     }
     std::wstring FieldText(int id) const { return WindowText(Item(id)); }
-    // Unlike ChangeText, it copies no password.
+    // Unlike ChangeText, this reads no password from the field.
     void SetField(int id, const std::wstring& text) const {
         SetDlgItemTextW(dialog_, id, text.c_str());
     }
 
-    // Fills in "none" and the names of the protocols; selects that of a label, or "none".
+    // Fills a list with "none" and the names of protocols. Selects the one with the label, or
+    // "none".
     void Fill(int id, const std::vector<Protocol>& protocols, const std::wstring& label) const {
         Send(id, CB_RESETCONTENT);
         Send(id, CB_ADDSTRING, 0, Text(IDS_NO_PROTOCOL).c_str());
@@ -67,8 +68,8 @@ class SnmpDialog : public Dialog {
                    IDC_PRIV_PASSWORD});
     }
 
-    void Begin() override {
-        // Not the passwords, which the module takes in any length.
+    void OnOpened() override {
+        // Passwords have no limit, since the module accepts any length.
         Send(IDC_COMMUNITY, EM_LIMITTEXT, kMaxCommunities);
         Send(IDC_USER, EM_LIMITTEXT, VN_USER_NAME_MAX);
         Send(IDC_PROFILE, CB_LIMITTEXT, kMaxProfileName);
@@ -92,7 +93,7 @@ class SnmpDialog : public Dialog {
             const auto index = static_cast<size_t>(Send(IDC_PROFILE, CB_GETCURSEL));
             if (index < names_.size()) Load(names_[index]);
         } else if (code == CBN_SELCHANGE || code == CBN_EDITCHANGE) {
-            Grey();
+            EnableControls();
         } else if (id == IDC_PROFILE_DELETE) {
             Delete();
         } else if (id == IDCANCEL) {
@@ -102,7 +103,7 @@ class SnmpDialog : public Dialog {
         }
     }
 
-    // No is the default. Esc is Cancel, which a message without it lacks.
+    // No is the default. With a Cancel button, Esc closes the message.
     static constexpr UINT kQuestion = MB_YESNOCANCEL | MB_ICONQUESTION | MB_DEFBUTTON2;
     int ShowMessage(const std::wstring& text, UINT kind = MB_OK | MB_ICONWARNING) const {
         return MessageBoxW(dialog_, text.c_str(), Text(IDS_TITLE).c_str(), kind);
@@ -114,7 +115,7 @@ class SnmpDialog : public Dialog {
         for (const std::wstring& name : names_) Send(IDC_PROFILE, CB_ADDSTRING, 0, name.c_str());
     }
 
-    // One that cannot be read shows no user, but may be deleted.
+    // For a profile that cannot be read, the fields are empty; it can be deleted.
     void Load(const std::wstring& name) {
         auto profile = ReadProfile(name);
         isClosed_ = profile ? !profile->isOpen : IsSaved(name);
@@ -125,7 +126,7 @@ class SnmpDialog : public Dialog {
             return Show({}, false);
         }
         Show(profile->security, profile->isOpen);
-        // Passwords typed for a profile that cannot be opened remain valid for it.
+        // For a profile that cannot be opened, passwords that were typed before are used again.
         const bool isTyped = isClosed_ && known_ && known_->user == profile->security.user;
         if (!isTyped) known_ = std::make_shared<Security>(std::move(profile->security));
     }
@@ -148,11 +149,11 @@ class SnmpDialog : public Dialog {
                                        : loaded_.empty() ? IDS_USER_CLOSED
                                                          : IDS_PROFILE_CLOSED);
         SetField(IDC_PROFILE_NOTE, reason_.empty() ? note : reason_ + L"\n" + note);
-        Grey();
+        EnableControls();
     }
 
-    // What has no meaning now.
-    void Grey() const {
+    // Disables what has no effect now.
+    void EnableControls() const {
         const bool hasAuth = Send(IDC_AUTH, CB_GETCURSEL) > 0;
         const bool hasPriv = hasAuth && Send(IDC_PRIV, CB_GETCURSEL) > 0;
         for (const auto& [id, isUsed] :
@@ -174,7 +175,7 @@ class SnmpDialog : public Dialog {
         Show({}, false);
     }
 
-    // Without what is grey.
+    // Without the values of disabled fields.
     std::shared_ptr<Security> TypedUser() const {
         auto user = std::make_shared<Security>();
         user->user = FieldText(IDC_USER);
@@ -188,7 +189,7 @@ class SnmpDialog : public Dialog {
         return user;
     }
 
-    // The field with a mistake, and the string that says what to do; 0: there is none.
+    // The field with a mistake, and the string that says what to do; {0, 0}: there is none.
     static std::pair<int, unsigned> FindMistake(const std::wstring& profile, const Security& user) {
         if (!profile.empty() && !IsProfileName(profile)) return {IDC_PROFILE, IDS_PROFILE_BAD_NAME};
         const bool needsUser = !profile.empty() || user.UseAuth();
@@ -205,7 +206,7 @@ class SnmpDialog : public Dialog {
     void ShowMistake(int field, unsigned text) const {
         ShowMessage(Text(text));
         const auto control = reinterpret_cast<WPARAM>(Item(field));
-        SendMessageW(dialog_, WM_NEXTDLGCTL, control, TRUE);  // which also selects its text
+        SendMessageW(dialog_, WM_NEXTDLGCTL, control, TRUE);  // also selects the field's text
     }
 
     void Finish() {
@@ -218,12 +219,12 @@ class SnmpDialog : public Dialog {
         if (user->user.empty()) user.reset();
         const auto saved = user ? Save(name, *user) : std::optional(SaveResult::kSaved);
         if (!saved) return;
-        // The user is no longer kept without a name.
+        // The default profile is of no use any more.
         if ((!user || !name.empty()) && !DeleteProfile(L""))
             ShowMessage(Text(IDS_PROFILE_NOT_DELETED));
         SaveLastProfile(name);
-        const SaveResult kept = SaveCommunities(typed);
-        ShowResult(*saved == SaveResult::kSaved ? kept : *saved);
+        const SaveResult communitiesSaved = SaveCommunities(typed);
+        ShowResult(*saved == SaveResult::kSaved ? communitiesSaved : *saved);
         credentials_.communities = *std::move(communities);
         credentials_.security = user;
         credentials_.profile = name;
@@ -236,9 +237,9 @@ class SnmpDialog : public Dialog {
         if (!isLoaded && IsSaved(name) &&
             ShowMessage(Text(IDS_PROFILE_REPLACE, {name}), kQuestion) != IDYES)
             return std::nullopt;
-        // If it cannot be opened, the note has said that it is not changed.
-        const bool isLeft = isLoaded && isClosed_ && !name.empty();
-        return isLeft ? SaveResult::kSaved : SaveProfile(name, user);
+        // The dialog has said that a profile that cannot be opened is not changed.
+        const bool isUnchanged = isLoaded && isClosed_ && !name.empty();
+        return isUnchanged ? SaveResult::kSaved : SaveProfile(name, user);
     }
 
     void ShowResult(SaveResult result) const {
@@ -248,7 +249,7 @@ class SnmpDialog : public Dialog {
     }
 
     void End(INT_PTR result) const {
-        // Edit controls keep their own copies.
+        // Overwrites the edit controls' own copies of the passwords.
         for (const int id : {IDC_AUTH_PASSWORD, IDC_PRIV_PASSWORD}) {
             const auto length = static_cast<size_t>(GetWindowTextLengthW(Item(id)));
             SetField(id, std::wstring(length, L' '));
@@ -258,10 +259,10 @@ class SnmpDialog : public Dialog {
 
     Credentials& credentials_;
     const std::wstring reason_;
-    std::shared_ptr<const Security> known_;  // the user whose passwords need not be typed again
+    std::shared_ptr<const Security> known_;  // its passwords need not be typed again
     std::vector<std::wstring> names_;
     std::wstring loaded_;    // the profile whose user the fields show
-    bool isClosed_ = false;  // it cannot be opened
+    bool isClosed_ = false;  // that profile cannot be opened
 };
 
 }  // namespace
@@ -280,7 +281,7 @@ std::optional<std::vector<std::string>> ParseCommunities(const std::string& text
 }
 
 bool AskCredentials(HWND owner, Credentials& credentials, const std::wstring& reason) {
-    return SnmpDialog(credentials, reason).Ask(owner);
+    return SnmpDialog(credentials, reason).ShowModal(owner, IDD_SNMP);
 }
 
 bool UseProfile(const std::wstring& name, Credentials& credentials) {
@@ -292,13 +293,13 @@ bool UseProfile(const std::wstring& name, Credentials& credentials) {
     return true;
 }
 
-std::wstring UseKept(const std::wstring& profile, Credentials& credentials) {
+std::wstring UseSaved(const std::wstring& profile, Credentials& credentials) {
     const auto text = SavedCommunities();
-    const auto kept = ParseCommunities(ToUtf8(text.value_or(L"")));
-    if (kept) credentials.communities = *kept;
+    const auto communities = ParseCommunities(ToUtf8(text.value_or(L"")));
+    if (communities) credentials.communities = *communities;
     const bool isOpen = UseProfile(profile, credentials);
     if (!isOpen && !profile.empty()) return Text(IDS_NO_PROFILE, {profile});
-    return text && kept ? L"" : Text(IDS_COMMUNITIES_CLOSED);
+    return text && communities ? L"" : Text(IDS_COMMUNITIES_CLOSED);
 }
 
 }  // namespace vndiscover::host

@@ -21,18 +21,18 @@ constexpr int kStep = 16;  // pixels
 
 struct Key {
     BYTE modifiers = 0;  // FCONTROL, FSHIFT
-    WORD code = 0;       // a virtual key; 0: none of its own
+    WORD code = 0;       // a virtual key; 0: none
 };
 constexpr Key Ctrl(WORD code) { return {FCONTROL, code}; }
 constexpr Key CtrlShift(WORD code) { return {FCONTROL | FSHIFT, code}; }
 
 struct Command {
-    unsigned id;  // also that of its text; kMenuLine: a line
+    unsigned id;  // also of its text; kMenuLine: a separator
     Key key = {};
-    unsigned (*obstacle)(const Window&) = nullptr;  // the string why it cannot run; 0: it can
+    unsigned (*obstacle)(const Window&) = nullptr;  // returns the reason's string; 0: it can run
     void (*run)(Window&) = nullptr;
     bool (*isChecked)(const Window&) = nullptr;  // null: it has no check mark
-    bool isOneOfSome = false;                    // of which one is chosen
+    bool isChoice = false;                       // one of several, shown by a dot
     constexpr bool IsMenu() const { return !run && !obstacle && id != kMenuLine; }
 };
 
@@ -44,7 +44,7 @@ unsigned NoTarget(const Window& w) {
     if (const unsigned noRow = NoRow(w)) return noRow;
     return Unless(w.state.SelectedTarget().has_value(), IDS_NO_TARGET);
 }
-// For what is about one device.
+// For commands on a single device.
 unsigned NoOneTarget(const Window& w) {
     if (w.state.session.view.Selection().size() > 1) return IDS_SELECT_ONE;
     return NoTarget(w);
@@ -88,14 +88,15 @@ constexpr Command Choice() {
 void Refresh(Window& w) { w.RestartTimer(w.state.settings.refreshMinutes); }
 void UseLow(Window& w) { w.panes.UseLow(); }
 
-// The menus of the bar, each with its commands. The first ones are in none. The columns are
-// commands of IDS_MENU_VIEW.
+// The first commands are in no menu. After each menu come its commands. Columns are commands of
+// IDS_MENU_VIEW.
 constexpr Command kTable[] = {
     {IDC_FIND, {}, nullptr, [](Window& w) { w.state.IsBusy() ? w.StopAll() : w.searches.Start(); }},
     {IDCANCEL, {}, nullptr, Escape},  // Esc, in any control
-    {IDM_NEXT_PAGE, Ctrl(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(1); }},
-    {IDM_PREVIOUS_PAGE, CtrlShift(VK_TAB), nullptr, [](Window& w) { w.panes.details.Turn(-1); }},
-    {IDM_NEXT_PANE, {0, VK_F6}, nullptr, [](Window& w) { w.panes.NextPane(); }},
+    {IDM_NEXT_PAGE, Ctrl(VK_TAB), nullptr, [](Window& w) { w.panes.details.TurnPage(1); }},
+    {IDM_PREVIOUS_PAGE, CtrlShift(VK_TAB), nullptr,
+     [](Window& w) { w.panes.details.TurnPage(-1); }},
+    {IDM_NEXT_PANE, {0, VK_F6}, nullptr, [](Window& w) { w.panes.FocusNextPane(); }},
 
     {IDS_MENU_FILE},
     {IDM_OPEN, Ctrl('O'), nullptr, [](Window& w) { w.scans.Open(); }},
@@ -122,7 +123,7 @@ constexpr Command kTable[] = {
      }},
     {IDM_CLEAR, {}, NoScan, [](Window& w) { w.scans.Clear(); }},
 
-    {IDS_MENU_VIEW},  // after the columns
+    {IDS_MENU_VIEW},  // the columns come first
     {kMenuLine},
     {IDM_SORT, {0, VK_F9}, NoRows, [](Window& w) { w.panes.list.SortByNext(); }},
     {IDM_REVERSE, {FSHIFT, VK_F9}, NoRows, [](Window& w) { w.panes.list.Reverse(); }},
@@ -195,7 +196,7 @@ std::vector<std::wstring> ColumnNames() {
     return names;
 }
 
-// The string why a command cannot run now; 0: it can.
+// The number of the string that says why a command cannot run now; 0: it can.
 unsigned ObstacleTo(unsigned id, const Window& w) {
     const Command* const command = Find(id);
     if (command) return command->obstacle ? command->obstacle(w) : 0;
@@ -250,7 +251,7 @@ OwnedAccelerators MakeKeys() {
     return OwnedAccelerators(CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size())));
 }
 
-// A MENU resource would repeat the table.
+// Made here, since a MENU resource would repeat the table.
 OwnedMenu MakeMenu() {
     OwnedMenu bar(CreateMenu());
     for (const Command& menu : kTable) {
@@ -283,7 +284,7 @@ void EnableCommands(const MainWindow& window, HMENU menu) {
                                    ? !(window.state.settings.hidden >> (id - IDM_COLUMN) & 1)
                                    : command && command->isChecked && command->isChecked(window);
         CheckMenuItem(menu, place, MF_BYPOSITION | (isChecked ? MF_CHECKED : MF_UNCHECKED));
-        if (isChecked && command && command->isOneOfSome)
+        if (isChecked && command && command->isChoice)
             CheckMenuRadioItem(menu, place, place, place, MF_BYPOSITION);
     }
 }

@@ -10,18 +10,17 @@ namespace vndiscover::host {
 
 class MainWindow;
 
-// Returns false if there is no such command. If it cannot run now, the status says why. Columns and
-// cells have the commands IDM_COLUMN and IDM_CELL plus their Column.
+// Returns false if there is no such command. If it cannot run now, the status says why.
 bool RunCommand(MainWindow& window, unsigned id);
 
-// The keys of the table.
+// The keys of all commands.
 OwnedAccelerators MakeKeys();
-// The bar of the main window, and the menu of a row of the device list.
+// The menu bar of the main window, and the menu for a row of the device list.
 OwnedMenu MakeMenu();
 OwnedMenu MakeDeviceMenu();
-// The columns to show; part of the bar.
+// The menu of the columns, which is part of the bar.
 HMENU ViewMenuOf(HMENU bar);
-// Greys what cannot be executed now, for WM_INITMENUPOPUP.
+// For WM_INITMENUPOPUP: greys the commands that cannot run now.
 void EnableCommands(const MainWindow& window, HMENU menu);
 
 }  // namespace vndiscover::host

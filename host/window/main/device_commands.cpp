@@ -22,14 +22,14 @@ void ReadAll(WindowState& state, const std::vector<AskTarget>& targets) {
     if (targets.empty()) return;
     state.progress.BeginReadingAll();
     state.workers->ReadAll(targets);
-    ReadSelected(state, false);  // whole
+    ReadSelected(state, false);  // for its details
 }
 
-// Without ending what is being read, or the search of the command line.
+// Reads devices without ending a reading for the list, or the search of the command line.
 void ReadSome(WindowState& state, const std::vector<AskTarget>& targets) {
     if (!state.progress.IsSearching() && state.workers->Now().read.total == 0)
         return ReadAll(state, targets);
-    for (const AskTarget& target : targets) state.workers->Ask(target, false);
+    for (const AskTarget& target : targets) state.workers->Read(target, false);
 }
 
 std::vector<AskTarget> TargetsOf(const Session& session, const std::vector<size_t>& rows) {
@@ -53,46 +53,41 @@ void ReadSelected(WindowState& state, bool isAgain) {
     const DeviceRow* row = state.session.view.SelectedRow();
     const auto target = state.SelectedTarget();
     if (!target || !state.workers) return;
-    // Credentials go to an address of a file only if the user says so.
+    // A file may name any address: credentials are sent there only if the user wants that.
     if (!isAgain && !state.session.HasAnsweredHere(row->answers, target->address)) return;
     if (isAgain && state.credentials.security && !target->login.security) {
-        // To a sweep, a device that refuses the user is silent.
+        // A device that refuses the user does not answer a sweep; this finds out.
         AskTarget second = *target;
         second.UseUser(state.credentials.security);
-        state.workers->Ask(second, true);
+        state.workers->Read(second, true);
     }
-    state.workers->Ask(*target, true, !isAgain);
+    state.workers->Read(*target, true, !isAgain);
 }
 
-bool ReadFound(WindowState& state) {
-    const std::vector<AskTarget> targets = state.session.TargetsToRead();
-    ReadAll(state, targets);
-    return !targets.empty();
-}
+void ReadFound(WindowState& state) { ReadAll(state, state.session.TargetsToRead()); }
 
-void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown,
-               bool areFoundRead) {
+void ReadAdded(WindowState& state, const Results::Addresses& addresses,
+               std::vector<std::string> unknown, bool areFoundRead) {
     state.session.AddByHand(addresses, UtcNow());
     std::vector<AskTarget> targets;
     targets.reserve(addresses.size());
     for (const auto& [address, typed] : addresses)
         targets.push_back(state.session.TargetAt(address));
-    // What a search finds is read after it, and these with it.
+    // Otherwise they are read after the search, with what it finds.
     if (!areFoundRead || !state.progress.IsSearching()) ReadSome(state, targets);
     if (unknown.empty()) return;
-    constexpr size_t kMostNamed = 10;  // a file that is no list of addresses has hundreds
-    std::vector<std::string> names = SplitText(unknown, ", ");
-    const size_t count = names.size();
-    names.resize(std::min(count, kMostNamed));
-    std::wstring named = ToWide(Joined(names));
-    if (count > kMostNamed) named = Text(IDS_NO_ADDRESS_MORE, {named, Grouped(count - kMostNamed)});
+    constexpr size_t kMaxNamed = 10;  // a file that is no list of addresses gives hundreds
+    const size_t count = unknown.size();
+    unknown.resize(std::min(count, kMaxNamed));
+    std::wstring named = ToWide(Joined(unknown));
+    if (count > kMaxNamed) named = Text(IDS_NO_ADDRESS_MORE, {named, Grouped(count - kMaxNamed)});
     state.ReportProblem(Text(IDS_NO_ADDRESS, {named}));
 }
 
 std::vector<std::string> WebAddresses(const Session& session) {
     std::vector<std::string> addresses;
     for (const size_t row : session.view.Selection()) {
-        const ScanAnswer* latest = nullptr;  // its address may have changed
+        const ScanAnswer* latest = nullptr;  // the address may have changed
         for (const size_t index : session.view.Row(row).answers) {
             const ScanAnswer& answer = session.GetScan().answers[index];
             const auto known = ParseIpAddress(answer.address);
@@ -129,7 +124,7 @@ void ReadShown(MainWindow& window) {
 
 void DiagnoseDevice(MainWindow& window) {
     AskTarget target = *window.state.SelectedTarget();
-    target.UseUser(window.state.credentials.security);  // asked by both protocols
+    target.UseUser(window.state.credentials.security);  // the diagnosis asks by both protocols
     window.doctor.Begin(target.address, NameOf(*window.state.session.view.SelectedRow(), target));
     window.state.workers->Diagnose(target);
     window.state.workers->MakeReport();
@@ -159,7 +154,7 @@ void AddByHand(MainWindow& window) {
     window.state.workers->Resolve(hosts);
 }
 
-// Made only from numeric addresses: nothing that a device sends becomes a URL.
+// URLs are made from numeric addresses only, and never from what a device sends.
 void OpenWebPages(MainWindow& window) {
     const std::vector<std::string> addresses = WebAddresses(window.state.session);
     const std::wstring question = Text(IDS_ASK_WEB_PAGES, {Grouped(addresses.size())});

@@ -1,4 +1,4 @@
-// The commands on devices.
+// Commands on devices.
 #pragma once
 
 #include <string>
@@ -11,23 +11,22 @@ namespace vndiscover::host {
 
 class MainWindow;
 
-// Reads the selected device next. `isAgain`: the user says so. Otherwise only if it has answered
-// here.
+// Reads the selected device next. `isAgain`: the user wants it, even if it has not answered here.
 void ReadSelected(WindowState& state, bool isAgain);
-// Reads, for the list, what the last search has found. Returns false if there is nothing to read.
-bool ReadFound(WindowState& state);
-// Reads added addresses; `unknown` has none.
-// `areFoundRead`: after a search, whatever is known then.
-void ReadAdded(WindowState& state, const Results::Addresses& addresses, const std::string& unknown,
-               bool areFoundRead);
+// Reads for the list what the last search has found.
+void ReadFound(WindowState& state);
+// Adds and reads addresses, and reports the names without one. `areFoundRead`: the end of a running
+// search reads them too.
+void ReadAdded(WindowState& state, const Results::Addresses& addresses,
+               std::vector<std::string> unknown, bool areFoundRead);
 
-constexpr size_t kMaxWebPages = 10;  // at once
+constexpr size_t kMaxWebPages = 10;  // that open at once
 // The latest IPv4 address of each selected device that has one.
 std::vector<std::string> WebAddresses(const Session& session);
-// A line for each selected row.
+// Copies this cell of each selected row, in a line of its own.
 void CopyCell(WindowState& state, Column column);
 
-// Rows of the table of commands, which has checked that they are possible.
+// Commands of the table. It has checked that they can run.
 void ReadAgain(MainWindow& window);  // the selected device, or several for the list
 void ReadShown(MainWindow& window);  // for the list
 void DiagnoseDevice(MainWindow& window);

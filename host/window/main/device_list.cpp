@@ -65,7 +65,7 @@ void DeviceList::ShowColumns() {
     MarkSorted();
 }
 
-void DeviceList::StoreColumns() const {
+void DeviceList::SaveColumns() const {
     Settings& settings = state_.settings;
     const std::vector<Column> columns = Columns();
     // Hidden columns keep their places and widths.
@@ -137,7 +137,7 @@ std::wstring DeviceList::SearchText(size_t row) const {
 std::wstring DeviceList::CellText(size_t row, size_t column) const {
     const DeviceRow& shown = state_.session.view.Row(row);
     const bool isState = At(column) == Column::kState;
-    const bool hasLevel = shown.standing.Holds() && Bar(row, column);  // also one without a bar
+    const bool hasLevel = shown.standing.Holds() && Bar(row, column);  // even with kNoLevel
     std::wstring text = ToWide(isState    ? SeverityMark(shown.severity)
                                : hasLevel ? SeverityMark(shown.summary.supplySeverity)
                                           : "");
@@ -167,7 +167,7 @@ void DeviceList::Reverse() {
     Show();
 }
 
-// Without a selected row, the selection stays until another one is selected.
+// If the user selects no row, the session's selection stays.
 void DeviceList::OnSelection() {
     const std::vector<size_t> rows = Selection();
     if (rows.empty()) return;

@@ -14,8 +14,8 @@
 
 namespace vndiscover::host {
 
-// A cell as it is shown; in a file, times are whole, counts are plain numbers, and states have no
-// words of supplies, which have columns of their own.
+// A cell as it is shown. In a file, times have their date, counts are plain numbers, and states say
+// nothing about supplies, which have their own columns.
 std::wstring ShownText(const DeviceRow& row, Column column, bool isInFile = false);
 
 class DeviceList : private ListModel, public ListControl {
@@ -23,23 +23,22 @@ class DeviceList : private ListModel, public ListControl {
     explicit DeviceList(WindowState& state)  // which must outlive it
         : ListControl(static_cast<ListModel&>(*this)), state_(state) {}
 
-    // What a user without settings gets.
+    // The columns for a user without settings.
     static void SetDefaults(Settings& settings);
-    // The files that a script has written do not depend on what a window shows.
+    // The columns of files that a script writes; they stay the same whatever the window shows.
     static void SetForScripts(Settings& settings);
-    // From the state's settings, and to them.
-    void ShowColumns();
-    void StoreColumns() const;
-    // As they are shown, from left to right.
+    void ShowColumns();        // as the state's settings say
+    void SaveColumns() const;  // to the state's settings
+    // The shown columns from left to right.
     std::vector<Column> Columns() const;
 
-    // Updates rows, selection and headings from the session.
+    // Shows the session's rows, selection and order.
     void Show();
-    // Sorts the other way round, also by a column that is not shown.
+    // Sorts in the other direction, even if the column is hidden.
     void Reverse();
-    // Handles WM_NOTIFY that a cell was clicked.
+    // Handles WM_NOTIFY about a click on a cell.
     void OnNotify(const NMHDR& header);
-    // Handles WM_CONTEXTMENU from the list or its header; the commands go to the parent.
+    // Handles WM_CONTEXTMENU from the list or its header. The main window gets the commands.
     void ShowMenu(LPARAM place);
 
     // The column of the cell that was clicked last.
@@ -58,12 +57,12 @@ class DeviceList : private ListModel, public ListControl {
     }
     void OnHeading(size_t column) override;
 
-    // The list has only the columns that are shown, so that their numbers are others there.
+    // The list has shown columns only, so its indexes differ from those of all columns.
     Column At(size_t index) const { return index < shown_.size() ? shown_[index] : Column::kName; }
     void MarkSorted();
 
     WindowState& state_;
-    std::vector<Column> shown_;  // in the order of Column, as in the list
+    std::vector<Column> shown_;  // by their indexes in the list
     Column chosenColumn_ = Column::kAddress;
 };
 

@@ -1,9 +1,11 @@
 // VnBrowser.exe: a window that shows devices, and an example of a host with a user interface.
 // IDS_USAGE has its options. With --profile, SNMPv3 is used too, with the user that the window has
-// saved under that name. With --exit, no window is shown, and problems go to the error output,
-// where wrong usage is told in any case. Exit codes: 0 devices answered, 1 none, or a file could
-// not be saved, 2 wrong usage, or the profile could not be opened, or the search failed, 3 nothing
-// could be sent.
+// saved under that name. With --exit, no window is shown, and problems go to the error output.
+// Wrong usage is always reported there. Exit codes:
+//   0 devices answered
+//   1 no device answered, or a file could not be saved
+//   2 wrong usage, the profile could not be opened, or the search failed
+//   3 nothing could be sent
 #include <windows.h>
 
 #include <iterator>
@@ -34,12 +36,12 @@ bool StoreText(const std::string& value, StartOptions& options) {
     return true;
 }
 
-// A flag, or with a value, which must be valid.
+// Either sets a flag or reads a value. `read` returns false if that is not valid.
 constexpr struct Option {
     const char* word;
     bool StartOptions::*flag;
     bool (*read)(const std::string& value, StartOptions& options);
-    unsigned mistake = 0;  // what a value that is not valid may be; 0: nothing to say
+    unsigned mistake = 0;  // the string that says which values are valid; 0: none
 } kOptions[] = {
     {"--sweep", &StartOptions::sweep, nullptr},
     {"--read", &StartOptions::read, nullptr},
@@ -64,7 +66,7 @@ constexpr struct Option {
     {"--csv", nullptr, StoreText<&StartOptions::csvPath>},
 };
 
-// Returns what is wrong; empty: nothing.
+// Returns what is wrong; an empty text if all is valid.
 std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& options) {
     for (size_t index = 0; index < words.size(); ++index) {
         const std::string& word = words[index];
@@ -75,7 +77,7 @@ std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& op
             options.*option->flag = true;
             continue;
         }
-        // An unset variable of a script gives an empty one, or the next option.
+        // With an unset variable in a script, the value is empty or the next option.
         if (index + 1 == words.size() || words[index + 1].empty() ||
             words[index + 1].rfind("--", 0) == 0)
             return Text(IDS_NO_VALUE, {ToWide(word)});
@@ -91,14 +93,14 @@ std::wstring ReadOptions(const std::vector<std::string>& words, StartOptions& op
     return needsSweep && !options.sweep ? Text(IDS_NO_SWEEP) : L"";
 }
 
-// Found out before the sweep. Returns what is wrong; empty: nothing.
+// Called before the sweep. Returns why a file could not be written; an empty text if all can.
 std::wstring CheckFiles(const StartOptions& options) {
     for (const std::string& path : {options.savePath, options.csvPath}) {
         std::string problem;
         if (!path.empty() && !CanReplaceFile(path, problem))
             return Text(IDS_NOT_SAVED, {ToWide(problem), ToWide(path)});
     }
-    // A slip in the name must not replace any other file.
+    // A wrong name must not replace any other file.
     const std::string& path = options.savePath;
     std::string problem;
     bool isBroken = false;

@@ -32,8 +32,8 @@ struct MainWindow::Message {
     std::optional<LRESULT> result = 0;
 };
 struct MainWindow::MessageRow {
-    // Where the focus was when the window is active again: Windows would give it to the window
-    // itself, where keys do nothing.
+    // Returns the focus to its control when the window is active again: Windows would set it to the
+    // window itself, where keys do nothing.
     static void HandleFocus(MainWindow& self, Message& message) {
         const HWND window = self.Handle(), focus = GetFocus();
         const bool isLeaving = message.id == WM_ACTIVATE && LOWORD(message.wParam) == WA_INACTIVE;
@@ -55,7 +55,7 @@ struct MainWindow::MessageRow {
     void (*handle)(MainWindow& self, Message& message);
 };
 const MainWindow::MessageRow MainWindow::kMessages[] = {
-    // The queue is not emptied until then, so that one frame handles all results.
+    // The results wait for this timer, so that one frame shows all of them.
     {WindowState::kResults,
      [](MainWindow& self, Message&) { SetTimer(self.Handle(), kFrameTimer, kFrameMs, nullptr); }},
     {WM_TIMER, [](MainWindow& self, Message& timer) { self.OnTimer(timer.wParam); }},
@@ -67,7 +67,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
      }},
     {WM_DPICHANGED,
      [](MainWindow& self, Message& dpi) {
-         self.panes.list.StoreColumns();
+         self.panes.list.SaveColumns();
          self.panes.SetDpi(HIWORD(dpi.wParam));
          self.panes.list.ShowColumns();
          UseSuggestedPlace(self.Handle(), *reinterpret_cast<const RECT*>(dpi.lParam));
@@ -119,7 +119,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
          self.state.progress.SetNote(copying.wParam ? L"" : Text(IDS_NOT_COPIED));
          self.ShowStatus();
      }},
-    // The system allows no dialog, and would end the program while it waits for one.
+    // A question to the user is not possible: the system would end the program meanwhile.
     {WM_QUERYENDSESSION, [](MainWindow&, Message& message) { message.result = TRUE; }},
     {WM_ENDSESSION,
      [](MainWindow& self, Message& end) {
@@ -137,7 +137,7 @@ const MainWindow::MessageRow MainWindow::kMessages[] = {
 
 MainWindow::MainWindow(StartOptions options) {
     state.options = std::move(options);
-    // What a script gets of a state does not depend on the user's settings.
+    // The times in a script's files do not depend on the user's settings.
     SetTimeFormat(state.options.exit ? nullptr : SystemTime);
     state.showRows = [this] {
         if (state.session.Refresh()) scans.RecordChanges();
@@ -172,7 +172,7 @@ MainWindow::MainWindow(Engine& engine, StartOptions options) : MainWindow(std::m
     searches.ApplyOptions();
     state.showRows();
     ShowStatus();
-    if (!state.options.exit) {  // nothing of a script comes to the front
+    if (!state.options.exit) {  // a script shows no window
         ShowWindow(state.window, state.settings.isMaximized ? SW_SHOWMAXIMIZED : SW_SHOWDEFAULT);
         SetFocus(GetDlgItem(state.window, IDC_FIND));
     }
@@ -190,7 +190,7 @@ MainWindow::~MainWindow() {
 }
 
 int MainWindow::Run() {
-    if (!state.options.exit && !state.options.sweep) scans.OfferSaved();
+    if (!state.options.exit && !state.options.sweep) scans.OfferRecovery();
     MSG message;
     while (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
     return state.exitCode;
@@ -207,7 +207,7 @@ void MainWindow::Dispatch(MSG& message) try {
     const bool isKey = message.message == WM_KEYDOWN;
     ListControl* const list = isKey ? ListControl::Of(message.hwnd) : nullptr;
     if (list && message.wParam == VK_RETURN && (isOther || GetKeyState(VK_CONTROL) >= 0))
-        return list == &panes.list ? OnCommand(IDM_DETAILS, 0) : void();  // no button's key
+        return list == &panes.list ? OnCommand(IDM_DETAILS, 0) : void();  // presses no button
     if (list && message.wParam == VK_F9 && isOther) return list->SortByKey();
     const bool isForAll = isKey && message.wParam == VK_F1;
     if ((!isOther || isForAll) && TranslateAcceleratorW(state.window, keys_.Get(), &message))
@@ -215,7 +215,7 @@ void MainWindow::Dispatch(MSG& message) try {
     if (IsDialogMessageW(active ? active : state.window, &message)) return;
     TranslateMessage(&message);
     DispatchMessageW(&message);
-} catch (...) {  // of a key: no window procedure is around that
+} catch (...) {  // from a key that was handled here, outside of window procedures
     OnException();
 }
 
@@ -235,16 +235,16 @@ void MainWindow::OnSessionEnd(LPARAM how) {
     panes.SaveSettings();
     try {
         EndEarly();
-    } catch (...) {  // must not lose the rest
+    } catch (...) {  // the scan must be saved all the same
         OnException();
     }
-    scans.SaveForNextStart();
-    // An installer waits for the process. Open dialogs end by this too.
+    scans.SaveForRecovery();
+    // An installer waits for the end of the process. This also ends open dialogs.
     if (how & ENDSESSION_CLOSEAPP) PostQuitMessage(state.exitCode);
 }
 
 void MainWindow::OnException() noexcept {
-    if (state.options.exit) {  // what would have ended the program may have failed
+    if (state.options.exit) {  // otherwise a failed search might never end the program
         state.exitCode = kFailed;
         PostMessageW(state.window, WM_CLOSE, 0, 0);
     }
@@ -262,7 +262,7 @@ void MainWindow::OnSelected() {
 void MainWindow::ShowStatus() {
     const bool isBusy = state.IsBusy();
     if (!isBusy) state.progress.SetIdle();
-    // Meanwhile the status changes by itself.
+    // While something is in progress, the status changes with time.
     if (std::exchange(isTicking_, isBusy) != isBusy) {
         if (isBusy) SetTimer(Handle(), kStatusTimer, kStatusMs, nullptr);
         if (!isBusy) KillTimer(Handle(), kStatusTimer);
@@ -289,7 +289,7 @@ void MainWindow::OnCommand(int id, int code) {
 
 void MainWindow::StopAll() {
     if (!state.workers->IsBusy()) return;
-    state.progress.ClearNote();  // of what ends
+    state.progress.ClearNote();  // it is about what ends now
     state.workers->Stop();
     state.progress.Stop();
     doctor.Stop(state.window);
@@ -315,7 +315,7 @@ void MainWindow::OnResults() {
         searches.Finish();
         panes.ShowDetails();  // protocols are no longer pending
     }
-    // What they have reported last may still be in the queue.
+    // The last results may still be in the queue.
     if (state.workers && !state.workers->IsBusy() && state.queue.IsEmpty()) {
         state.session.EndReadings();
         searches.EndReading();
@@ -324,12 +324,12 @@ void MainWindow::OnResults() {
 }
 
 void MainWindow::OnTimer(UINT_PTR timer) {
-    if (timer == kRefreshTimer &&
-        state.settings.refreshMinutes != 0)  // what is not possible now is tried again soon
+    // If a search is not possible now, it is tried again in a minute.
+    if (timer == kRefreshTimer && state.settings.refreshMinutes != 0)
         RestartTimer(searches.Repeat() ? state.settings.refreshMinutes : 1);
     if (state.workers && state.progress.IsSearching() && state.progress.IsStopping())
         state.workers->RepeatStop();
-    OnResults();  // so that the status is not ahead of them
+    OnResults();  // first, since the status is about them
 }
 
 // A dialog's caller would continue without its window.
@@ -338,14 +338,14 @@ bool MainWindow::MayClose() {
            (searches.WillSave() || scans.MayDrop(IDS_ASK_SAVE));
 }
 
-// Saves the answers so far of the command line's search.
+// Saves what the command line's search has found so far.
 void MainWindow::EndEarly() {
     ResultHandler handler(*this);
     state.queue.RunAll(handler);
     searches.EndStartSearch();
 }
 
-// Handles messages meanwhile: the system must not think that the program hangs.
+// Handles messages meanwhile, so that the system does not show the program as hanging.
 void MainWindow::EndWorkers() {
     constexpr DWORD kRepeatMs = 50;
     const auto workers = std::move(state.workers);
@@ -357,18 +357,18 @@ void MainWindow::EndWorkers() {
 }
 
 void MainWindow::OnClose() {
-    // Also if something fails meanwhile: a hidden window cannot be closed.
+    // Closes the window even if something fails: the user cannot close a hidden window.
     const OwnedWindow closing(state.window);
     const bool willSave = searches.WillSave();
-    // The window disappears at once, although a request may take up to 12 s more; but not if a file
-    // is written then, since a question about that must have a window to be seen with.
+    // The window disappears at once, although a request may take up to 12 s more. It stays if a
+    // file will be written, since a question about that needs a visible window.
     ShowOwnedPopups(state.window, FALSE);
     if (!willSave) ShowWindow(state.window, SW_HIDE);
     panes.SaveSettings();
-    scans.ForgetKept();
+    scans.DeleteRecoveryFile();
     EndWorkers();
     EndEarly();
-    if (willSave) scans.MayDrop(IDS_ASK_SAVE);  // asks for another file if that failed
+    if (willSave) scans.MayDrop(IDS_ASK_SAVE);  // offers to save again if that failed
 }
 
 }  // namespace vndiscover::host

@@ -28,14 +28,14 @@ class MainWindow {
     HWND Handle() const { return state.window; }
     // Runs until the window is closed, and returns the process's exit code.
     int Run();
-    // Handles one message of the queue, keys of commands included.
+    // Handles one message of the queue. It may be the key of a command.
     void Dispatch(MSG& message);
 
     // See platform/messages.h.
     std::optional<LRESULT> OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void OnException() noexcept;
 
-    // Its parts, for the commands.
+    // The parts of the window, for the commands.
     WindowState state;
     Panes panes{state};
     ScanCommands scans{state, panes.list};
@@ -43,18 +43,18 @@ class MainWindow {
     WalkWindow walk{state.workers};
     DoctorWindow doctor;
     CallsWindow calls;
-    void StopAll();                       // if something is in progress
-    void RestartTimer(unsigned minutes);  // which searches again; 0: never
+    void StopAll();                       // has no effect if nothing is in progress
+    void RestartTimer(unsigned minutes);  // the timer that searches again; 0: never
 
   private:
-    // Without what is in the window, whose failure destroys it.
+    // Makes the window without controls. If making those fails, the destructor then destroys it.
     explicit MainWindow(StartOptions options);
-    const Apartment apartment_;  // of the thread: dialogs of the shell need it
+    const Apartment apartment_;  // the thread needs it for dialogs of the shell
     struct Message;
     struct MessageRow;
     static const MessageRow kMessages[];
     void OnSessionEnd(LPARAM how);
-    void OnSelected();  // another device, by the user
+    void OnSelected();  // the user has selected another device
     void ShowStatus();
     void OnCommand(int id, int code);
     void OnResults();
@@ -64,8 +64,8 @@ class MainWindow {
     void EndWorkers();
     void EndEarly();
 
-    HWND focus_ = nullptr;    // had it last; null: none
-    bool isTicking_ = false;  // the timer of the status
+    HWND focus_ = nullptr;    // the control that had the focus last; null: none
+    bool isTicking_ = false;  // the timer of the status runs
     OwnedAccelerators keys_;
 };
 

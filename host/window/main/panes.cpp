@@ -14,7 +14,7 @@
 
 namespace vndiscover::host {
 
-// In tab order.
+// Creates the controls in tab order.
 void Panes::Create() {
     const HWND window = state_.window;
     bar.Create(window);
@@ -40,19 +40,15 @@ TTTOOLINFOW Panes::StatusTool() const {
     return tool;
 }
 
-// The status bar's own tooltips are for bars of several parts. This one has a text only while the
-// window cuts that of the bar.
+// Only status bars of several parts have tooltips of their own. This one has a text only while that
+// of the bar is cut.
 void Panes::ShowStatusTip() const {
     const HWND status = Control(IDC_STATUS);
     std::wstring text = WindowText(status);
-    const WindowDc dc(status);
-    const Selection writing(dc.Get(), font_.Get());
-    RECT needed = {}, room = {};
-    DrawTextW(dc.Get(), text.c_str(), -1, &needed, DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
-    GetClientRect(status, &room);
-    const HWND reading = GetDlgItem(status, IDC_READ_BAR);  // over its end
-    if (IsWindowVisible(reading)) room.right -= BoxOf(reading).width;
-    if (needed.right <= room.right - Scaled(20, dpi_)) text.clear();
+    LONG room = ClientSize(status).cx - Scaled(20, dpi_);
+    const HWND reading = GetDlgItem(status, IDC_READ_BAR);  // covers the end of the text
+    if (IsWindowVisible(reading)) room -= BoxOf(reading).width;
+    if (TextSize(status, text, DT_SINGLELINE | DT_NOPREFIX).cx <= room) text.clear();
     TTTOOLINFOW tool = StatusTool();
     tool.lpszText = text.data();
     SendMessageW(tip_, TTM_UPDATETIPTEXTW, 0, reinterpret_cast<LPARAM>(&tool));
@@ -62,7 +58,7 @@ void Panes::ShowStatusTip() const {
 void Panes::RestoreSettings() {
     Settings& settings = state_.settings;
     DeviceList::SetDefaults(settings);
-    // A script gets the same sweep whatever settings a user has saved.
+    // A script does not use the settings that a user has saved.
     if (state_.options.exit) DeviceList::SetForScripts(settings);
     if (!state_.options.exit) settings = LoadSettings(settings).value_or(settings);
     bar.Restore(settings);
@@ -80,8 +76,8 @@ void Panes::SaveSettings() {
     settings.place = place.rcNormalPosition;
     settings.isMaximized = place.showCmd == SW_SHOWMAXIMIZED;
     settings.splitPercent = split_ / 10;
-    bar.Store(settings);
-    list.StoreColumns();
+    bar.Save(settings);
+    list.SaveColumns();
     host::SaveSettings(settings);
 }
 
@@ -125,9 +121,9 @@ void Panes::Place() {
     const SIZE client = ClientSize(state_.window);
     PlaceStatus();
     const int inner = std::max<int>(0, client.cx - 2 * Margin());
-    leastWidth_ = std::min(Scaled(280, dpi_), inner / 2);
+    minWidth_ = std::min(Scaled(280, dpi_), inner / 2);
     const int detailsWidth =
-        std::clamp(inner * (1000 - split_) / 1000, leastWidth_, inner - leastWidth_);
+        std::clamp(inner * (1000 - split_) / 1000, minWidth_, inner - minWidth_);
     const int bottom = client.cy - StatusHeight() - Scaled(6, dpi_);
     {
         Placement placement(state_.window);
@@ -142,10 +138,10 @@ void Panes::Place() {
         details.Place(placement, details_, dpi_);
     }
     list.Fit();
-    details.Settle();
+    details.OnPlaced();
 }
 
-// At the lower edge of the window.
+// Moves it to the lower edge of the window.
 void Panes::PlaceStatus() const {
     const HWND status = Control(IDC_STATUS);
     SendMessageW(status, WM_SIZE, 0, 0);
@@ -158,7 +154,7 @@ void Panes::PlaceStatus() const {
 }
 
 SIZE Panes::MinimumSize() const {
-    if (IsIconic(state_.window)) return {};  // whose frame is another one
+    if (IsIconic(state_.window)) return {};  // its frame has another size
     const Box window = BoxOf(state_.window);
     const SIZE client = ClientSize(state_.window);
     const int width = Scaled(520, dpi_);
@@ -186,16 +182,16 @@ bool Panes::OnMouse(UINT message) {
 void Panes::Widen(int pixels) {
     const int whole = details_.x + details_.width - list_.x;
     const int wanted = list_.width + Margin() + pixels;
-    split_ = std::clamp(wanted * 1000 / std::max(1, whole), kLeastSplit, kMostSplit);
+    split_ = std::clamp(wanted * 1000 / std::max(1, whole), kMinSplit, kMaxSplit);
     Place();
 }
 
-void Panes::NextPane() const {
+void Panes::FocusNextPane() const {
     SetFocus(GetFocus() == list.Handle() ? details.List() : list.Handle());
 }
 
 void Panes::ToggleColumn(Column column) {
-    list.StoreColumns();
+    list.SaveColumns();
     state_.settings.hidden ^= 1u << static_cast<unsigned>(column);
     list.ShowColumns();
     ShowRows();
@@ -249,7 +245,7 @@ void Panes::ShowDetailsTitle() const {
     ChangeText(Control(IDC_DETAILS_LABEL), title);
 }
 
-// A list without rows says why only in its place, which no screen reader reads.
+// No screen reader reads the text that an empty list shows, so the status repeats it.
 std::wstring Panes::EmptyNote(Progress::Kind kind) const {
     const bool isOver = kind == Progress::Kind::kDone || kind == Progress::Kind::kStopped ||
                         kind == Progress::Kind::kRead ||
@@ -319,7 +315,7 @@ std::wstring Panes::TextOf(const Progress::Status& status) const {
     return L"";
 }
 
-// Also of those that were not there to be read.
+// Counts devices that did not answer the search, too.
 std::wstring Panes::ReadText(const Progress::Status& status) const {
     const DeviceView& view = state_.session.view;
     const Progress::Read& read = status.read;
@@ -330,7 +326,7 @@ std::wstring Panes::ReadText(const Progress::Status& status) const {
         present += !isMissed;
         others += !isMissed && view.IsOther(row);
     }
-    // Only those that are listed count. A search has all read, the user those that are shown.
+    // Only listed devices count. After a search all devices are read, so others are subtracted.
     const size_t left = std::min(read.total == present ? others : 0, read.done - read.unread);
     const auto seconds = static_cast<uint64_t>(status.seconds);
     const unsigned stopped = read.isOfStates ? IDS_STATES_STOPPED : IDS_READ_STOPPED;

@@ -1,5 +1,4 @@
-// The controls of the main window: their fonts, places and titles, what the status says, and the
-// user's settings of all that.
+// The controls of the main window: their fonts, places, titles and settings, and the status.
 #pragma once
 
 #include <windows.h>
@@ -26,43 +25,42 @@ class Panes {
 
     // Children of the state's window, which destroys them.
     void Create();
-    // Restored when the window opens, saved when it closes.
+    // Called when the window opens and when it closes.
     void RestoreSettings();
     void SaveSettings();
-    // Where the window was when it was closed last, within the work area of a monitor.
+    // Moves the window to where it was closed last, within the work area of a monitor.
     void PlaceWindow() const;
-    // Updates fonts and sizes, also after a change of the system's colours and fonts.
+    // Updates fonts and sizes. Called after a change of the system's colours and fonts, too.
     void SetDpi(int dpi);
     int Dpi() const { return dpi_; }
     void Place();
-    // Of the window.
+    // Of the whole window.
     SIZE MinimumSize() const;
-    // Handles a message of the mouse, by which the user drags the gap between list and details.
-    // Returns false if it is not about that.
+    // Handles a mouse message about the gap between list and details, which the user can drag.
+    // Returns false if the message is about something else.
     bool OnMouse(UINT message);
-    // Makes the list wider by so many pixels.
+    // Makes the list wider, or narrower by a negative number.
     void Widen(int pixels);
     // `direction`: negative for a narrower list.
     bool MayWiden(int direction) const {
-        return direction < 0 ? split_ > kLeastSplit && list_.width + Margin() > leastWidth_
-                             : split_ < kMostSplit && details_.width > leastWidth_;
+        return direction < 0 ? split_ > kMinSplit && list_.width + Margin() > minWidth_
+                             : split_ < kMaxSplit && details_.width > minWidth_;
     }
-    void NextPane() const;             // gives it the focus
-    void ToggleColumn(Column column);  // not the last one that is shown
-    // Supplies need attention below another percentage now.
-    void UseLow();
+    void FocusNextPane() const;
+    void ToggleColumn(Column column);
+    void UseLow();  // for a new percentage below which supplies need attention
     void ShowRows();
     void ShowDetails();
     void ShowListTitle() const;     // with the number of devices that changed
     void ShowDetailsTitle() const;  // with the number of devices selected
-    // What is in progress now: in words, as a bar while devices are read, and on the button.
+    // Shows what is in progress: in words, as a bar while devices are read, and on the button.
     void ShowStatus() const;
-    TTTOOLINFOW StatusTool() const;  // of the tooltip
+    TTTOOLINFOW StatusTool() const;  // describes the status bar for its tooltip
 
   private:
     HWND Control(int id) const { return GetDlgItem(state_.window, id); }
     int StatusHeight() const;
-    int Margin() const;  // also the width of the gap between list and details
+    int Margin() const;  // also between list and details
     int ListTop(int labelTop) const;
     void PlaceStatus() const;
     void ShowStatusTip() const;
@@ -74,9 +72,9 @@ class Panes {
     HWND tip_ = nullptr;
     OwnedFont font_;
     Box list_, details_;
-    static constexpr int kLeastSplit = 200, kMostSplit = 800;
-    int split_ = 0;       // of the width that the list has, in thousandths
-    int leastWidth_ = 0;  // of each pane
+    static constexpr int kMinSplit = 200, kMaxSplit = 800;
+    int split_ = 0;     // the list's share of the width, in thousandths
+    int minWidth_ = 0;  // of each pane
     int dpi_ = 96;
 };
 

@@ -1,4 +1,4 @@
-// Brings what the workers report to the data and to the windows that show it.
+// Passes what the workers report to the data and to the windows that show it.
 #pragma once
 
 #include "platform/wide_text.h"
@@ -12,7 +12,7 @@ namespace vndiscover::host {
 class ResultHandler : public Results {
   public:
     // The window must outlive it.
-    explicit ResultHandler(MainWindow& window) : w_(window), state_(window.state) {}
+    explicit ResultHandler(MainWindow& window) : window_(window), state_(window.state) {}
 
     void OnSweepBegan(WorkerId worker, const SweepStep& step, const std::string& time) override {
         state_.session.BeginSweep(worker, step, time);
@@ -24,7 +24,7 @@ class ResultHandler : public Results {
     void OnSweepEnded(WorkerId worker, bool wasSent, const std::string& problem) override {
         const bool isComplete = wasSent && problem.empty() && !state_.progress.IsStopping();
         state_.session.EndSweep(worker, isComplete);
-        w_.searches.EndSweep(wasSent, problem);
+        window_.searches.EndSweep(wasSent, problem);
     }
     void OnReadingBegan(const std::string& address, bool isForList) override {
         state_.session.BeginReading(address);
@@ -45,27 +45,27 @@ class ResultHandler : public Results {
         }
         const bool hasValues = !read.isPostponed && !read.answers.values.empty();
         state_.session.AddReading(std::move(read));
-        if (hasValues) w_.scans.NoteReading();
+        if (hasValues) window_.scans.ShowReadSince();
     }
     void OnReadAll(const Progress::Read& read) override {
         state_.progress.EndReadingAll(read);
-        state_.showRows();  // what came last too
-        // A script waits for what else is asked, too.
+        state_.showRows();  // includes the last results
+        // A script waits for all other requests, too.
         const bool isOver = state_.workers && state_.workers->Now().read.total == 0;
-        if (isOver && !state_.options.exit) w_.searches.EndReading();
+        if (isOver && !state_.options.exit) window_.searches.EndReading();
     }
     void OnWalkBegan(unsigned walk, const std::string& address) override {
         state_.progress.BeginWalk(address);
-        w_.walk.OnBegan(walk);
+        window_.walk.OnBegan(walk);
     }
     void OnVariable(unsigned walk, Answer variable) override {
         state_.progress.CountValue();
-        w_.walk.Add(walk, std::move(variable));
+        window_.walk.Add(walk, std::move(variable));
     }
     void OnWalked(unsigned walk, bool hasBegun, const WalkEnd& end,
                   const std::string& problem) override {
         if (hasBegun) state_.progress.EndWalk();
-        w_.walk.OnEnded(walk, end, problem);
+        window_.walk.OnEnded(walk, end, problem);
     }
     void OnDiagnosisBegan(const std::string& address) override {
         state_.progress.BeginAsking(address);
@@ -74,12 +74,12 @@ class ResultHandler : public Results {
                      const AdapterList& adapters) override {
         state_.progress.EndAsking(address);
         if (!state_.workers) return;
-        w_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
+        window_.doctor.ShowDiagnosis(address, diagnosis, adapters, state_.window);
     }
-    void OnResolved(const Addresses& addresses, const std::string& unknown) override {
+    void OnResolved(const Addresses& addresses, std::vector<std::string> unknown) override {
         if (!state_.workers) return;
         state_.progress.ClearNote();
-        ReadAdded(state_, addresses, unknown, w_.searches.ReadsFound());
+        ReadAdded(state_, addresses, std::move(unknown), window_.searches.ReadsFound());
     }
     void OnAdapters(const AdapterList& adapters) override {
         state_.session.SetAdapters(adapters);
@@ -88,15 +88,15 @@ class ResultHandler : public Results {
     void OnReport(const ComputerReport& report) override {
         if (!state_.workers) return;
         state_.progress.ClearNote();
-        w_.doctor.ShowReport(report, state_.window);
+        window_.doctor.ShowReport(report, state_.window);
     }
     void OnJobFailed(const std::string& problem) override {
         if (state_.workers) state_.ReportProblem(Text(IDS_JOB_FAILED, {ToWide(problem)}));
     }
-    void OnCall(Call call) override { w_.calls.Add(std::move(call)); }
+    void OnCall(Call call) override { window_.calls.Add(std::move(call)); }
 
   private:
-    MainWindow& w_;
+    MainWindow& window_;
     WindowState& state_;
 };
 

@@ -21,7 +21,7 @@
 namespace vndiscover::host {
 namespace {
 
-// When its last search began; without one, its last answer came.
+// When the last search began or, without a search, when the last answer came.
 std::string TimeOf(const Scan& scan) {
     std::string search, answer;
     for (const ScanSweep& sweep : scan.sweeps) {
@@ -32,7 +32,9 @@ std::string TimeOf(const Scan& scan) {
     return search.empty() ? answer : search;
 }
 
-std::string FileName(const std::string& path) { return path.substr(path.find_last_of("\\/") + 1); }
+std::wstring FileName(const std::string& path) {
+    return ToWide(path.substr(path.find_last_of("\\/") + 1));
+}
 
 // "printers 2026-11-23 0912"
 std::wstring ProposedName() {
@@ -46,9 +48,9 @@ std::wstring ProposedName() {
 
 // "monday.json, scan of 11/23/2026 9:12 AM"
 std::wstring NameOf(const std::wstring& file, const Scan& scan) {
-    // With its date: it stays there past midnight.
+    // With the date: it may still be shown after midnight.
     std::wstring time = LocalTime(TimeOf(scan), TIME_NOSECONDS);
-    std::replace(time.begin(), time.end(), L' ', L'\xA0');  // stays in one line
+    std::replace(time.begin(), time.end(), L' ', L'\xA0');  // no line break within it
     return time.empty() ? file : Text(IDS_SCAN_OF, {file, time});
 }
 
@@ -76,7 +78,7 @@ void ScanCommands::Empty() {
 }
 
 void ScanCommands::Replace(Scan scan) {
-    ForgetKept();
+    DeleteRecoveryFile();
     state_.progress.ForgetSearch();
     ShowScan(std::move(scan));
 }
@@ -85,7 +87,7 @@ void ScanCommands::ShowScan(Scan scan) {
     state_.session.SetScan(std::move(scan));
     state_.changes.ForgetStates();
     state_.refusal.clear();
-    state_.session.Refresh();  // without recording: what a file has of states may be old
+    state_.session.Refresh();  // before showRows, which would record the file's states as changes
     state_.showRows();
 }
 
@@ -101,7 +103,7 @@ void ScanCommands::AddToFile() {
     state_.file.clear();
 }
 
-void ScanCommands::NoteReading() {
+void ScanCommands::ShowReadSince() {
     const std::wstring &file = state_.file, since = Text(IDS_SCAN_READ);
     const bool isNoted = file.size() >= since.size() &&
                          file.compare(file.size() - since.size(), since.size(), since) == 0;
@@ -112,31 +114,29 @@ bool ScanCommands::HasScan() const {
     return state_.progress.HasSearched() || !state_.session.GetScan().answers.empty();
 }
 
-// A large one takes seconds.
-void ScanCommands::ShowOpening(const std::wstring& name) const {
+// Reports a file that cannot be read, and returns nothing then.
+std::optional<Scan> ScanCommands::Load(const std::string& path) {
     const HWND status = GetDlgItem(state_.window, IDC_STATUS);
-    ChangeText(status, Text(IDS_OPENING, {name}));
-    UpdateWindow(status);
+    ChangeText(status, Text(IDS_OPENING, {FileName(path)}));
+    UpdateWindow(status);  // a large file takes seconds
     SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT)));
+    std::wstring problem;
+    auto scan = LoadScan(path, problem);
+    if (!scan) state_.ReportProblem(problem);
+    return scan;
 }
 
 bool ScanCommands::OpenFrom(const std::string& path) {
-    const std::wstring name = ToWide(FileName(path));
-    ShowOpening(name);
-    std::wstring problem;
-    auto scan = LoadScan(path, problem);
-    if (!scan) return state_.ReportProblem(problem);
-    Replace(std::move(*scan));
-    SetFile(NameOf(name, state_.session.GetScan()));
+    auto scan = Load(path);
+    if (!scan) return false;
+    Replace(*std::move(scan));
+    SetFile(NameOf(FileName(path), state_.session.GetScan()));
     return true;
 }
 
 bool ScanCommands::CompareWith(const std::string& path) {
-    const std::wstring name = ToWide(FileName(path));
-    ShowOpening(name);
-    std::wstring problem;
-    const auto scan = LoadScan(path, problem);
-    if (!scan) return state_.ReportProblem(problem);
+    const auto scan = Load(path);
+    if (!scan) return false;
     std::vector<FoundDevice> before = PresentDevices(*scan),
                              after = state_.session.PresentDevices();
     const bool isOfPrinters = state_.session.view.ShowsOnlyPrinters();
@@ -146,7 +146,7 @@ bool ScanCommands::CompareWith(const std::string& path) {
                    (one.hasVariables || IsOtherByType(one));
         });
     Comparison changes = CompareDevices(std::move(before), std::move(after));
-    changes.beforeName = ToUtf8(Text(IDS_THE_FILE, {name}));
+    changes.beforeName = ToUtf8(Text(IDS_THE_FILE, {FileName(path)}));
     changes.afterName = ToUtf8(Text(IDS_THIS_LIST));
     std::vector<ListRow> rows;
     for (const ChangeRow& row : ChangesOf(changes)) {
@@ -154,7 +154,7 @@ bool ScanCommands::CompareWith(const std::string& path) {
             {{ToWide(row.device), ToWide(row.what), ToWide(row.before), ToWide(row.after)}});
         rows.back().hasCounts = row.what.rfind("page count", 0) == 0;
     }
-    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {NameOf(name, *scan)}),
+    comparison_.Open(state_.window, Text(IDS_COMPARE_TITLE, {NameOf(FileName(path), *scan)}),
                      {{IDS_CHANGE_DEVICE, 300},
                       {IDS_FACT_WHAT, 120},
                       {IDS_CHANGE_BEFORE, 140},
@@ -164,7 +164,7 @@ bool ScanCommands::CompareWith(const std::string& path) {
 }
 
 void ScanCommands::RecordChanges() {
-    if (state_.progress.IsSearching()) return;  // whether a device is missed is not known yet
+    if (state_.progress.IsSearching()) return;  // a device may still answer
     const std::string time = UtcNow();
     bool hasChanged = false;
     const DeviceView& view = state_.session.view;
@@ -202,9 +202,9 @@ bool ScanCommands::SaveTo(const std::string& path) {
     if (!text) return state_.ReportProblem(Text(IDS_TOO_LARGE, {ToWide(reason), ToWide(path)}));
     if (!SaveTextTo(*text, path)) return false;
     state_.session.SetSaved();
-    ForgetKept();
-    // A list to which more was found is no longer a file's.
-    SetFile(state_.file.empty() ? L"" : NameOf(ToWide(FileName(path)), state_.session.GetScan()));
+    DeleteRecoveryFile();
+    // A list to which devices were added is not that of a file any more.
+    SetFile(state_.file.empty() ? L"" : NameOf(FileName(path), state_.session.GetScan()));
     return true;
 }
 
@@ -216,7 +216,7 @@ bool ScanCommands::SaveTextTo(const std::string& text, const std::string& path) 
     return true;
 }
 
-// Of another window, which waits too, and gets the focus back.
+// Saves the table of another window. That is disabled meanwhile, and gets the focus back.
 void ScanCommands::SaveTable(const std::string& csv) {
     struct Waiting {
         explicit Waiting(HWND table) : window(table) { EnableWindow(window, FALSE); }
@@ -255,7 +255,7 @@ bool ScanCommands::SaveJsonTo(const std::string& path) {
 }
 
 bool ScanCommands::MayReplace(unsigned question) {
-    state_.handleResults();  // those that have not been handled yet
+    state_.handleResults();  // so that nothing unsaved is overlooked
     const unsigned obstacle = state_.Obstacle();
     if (obstacle != 0) ShowProblem(state_.window, Text(obstacle), false);
     return obstacle == 0 && MayDrop(question);
@@ -269,41 +269,42 @@ bool ScanCommands::MayDrop(unsigned question) {
     return answer == IDNO || !state_.session.IsUnsaved();
 }
 
-void ScanCommands::SaveForNextStart() {
+void ScanCommands::SaveForRecovery() {
     if (state_.options.exit || !state_.session.IsUnsaved()) return;
     std::string reason;
     const auto text = WriteScan(state_.session.GetScan(), reason);
-    for (int number = 1; number <= kMostKept; ++number) {
-        const std::string path = KeptPath(number);
-        if (!HoldFile(path, CREATE_NEW)) continue;  // another window's
-        if (text && ReplaceFileText(path, *text, reason)) return ForgetKept();
+    for (int number = 1; number <= kMaxRecoveryFiles; ++number) {
+        const std::string path = RecoveryPath(number);
+        if (!OpenExclusively(path, CREATE_NEW)) continue;  // of another window
+        if (text && ReplaceFileText(path, *text, reason)) return DeleteRecoveryFile();
         return void(DeleteFileW(SystemPath(path).c_str()));
     }
 }
 
-void ScanCommands::OfferSaved() {
-    for (int number = 1; number <= kMostKept; ++number) {
-        keptPath_ = KeptPath(number);
+void ScanCommands::OfferRecovery() {
+    for (int number = 1; number <= kMaxRecoveryFiles; ++number) {
+        recoveryPath_ = RecoveryPath(number);
         std::wstring problem;
-        auto scan = LoadScan(keptPath_, problem);
-        kept_ = HoldFile(keptPath_, OPEN_EXISTING);  // so that no other window offers it
-        if (!scan || !kept_) continue;               // it may be read later
+        auto scan = LoadScan(recoveryPath_, problem);
+        // No other window offers a file that is open here.
+        recoveryFile_ = OpenExclusively(recoveryPath_, OPEN_EXISTING);
+        if (!scan || !recoveryFile_) continue;  // it stays for the next start
         const int answer = AskYesNoCancel(state_.window, Text(IDS_ASK_KEPT), IDS_ASK_KEPT_SHOW,
                                           IDS_ASK_KEPT_DELETE, IDS_ASK_KEPT_LATER);
-        if (answer == IDNO) ForgetKept();
+        if (answer == IDNO) DeleteRecoveryFile();
         if (answer != IDYES) continue;
         ShowScan(*std::move(scan));
         state_.session.SetSaved(false);
         state_.session.AdoptAdded();
         return SetFile(NameOf(Text(IDS_KEPT_SCAN), state_.session.GetScan()));
     }
-    kept_.Reset();
+    recoveryFile_.Reset();
 }
 
-void ScanCommands::ForgetKept() {
-    if (!kept_) return;
-    kept_.Reset();
-    DeleteFileW(SystemPath(keptPath_).c_str());
+void ScanCommands::DeleteRecoveryFile() {
+    if (!recoveryFile_) return;
+    recoveryFile_.Reset();
+    DeleteFileW(SystemPath(recoveryPath_).c_str());
 }
 
 }  // namespace vndiscover::host

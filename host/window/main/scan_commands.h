@@ -1,7 +1,8 @@
-// The commands on the scan as a whole: to open, compare, save, export and clear it, and to list
-// what has changed in it.
+// The commands on the scan as a whole: to open, compare, save, export and clear it, and to list its
+// changes.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/owned.h"
@@ -17,7 +18,7 @@ class ScanCommands {
     // Both must outlive it.
     ScanCommands(WindowState& state, const DeviceList& list) : state_(state), list_(list) {}
 
-    // Ask for the file.
+    // These ask for the file.
     void Open();
     void Save() { WithPath(IDS_SCAN_FILES, L"json", true, &ScanCommands::SaveTo); }
     void Compare() { WithPath(IDS_SCAN_FILES, L"json", false, &ScanCommands::CompareWith); }
@@ -25,42 +26,44 @@ class ScanCommands {
     void SaveJson() { WithPath(IDS_JSON_FILES, L"json", true, &ScanCommands::SaveJsonTo); }
     void Clear();
     void Empty();  // without a question
-    // What the title says the list is of; empty: it is of no file.
+    // Sets the file in the title; empty: none.
     void SetFile(const std::wstring& file);
-    // What is found from now on is added to the file's devices, which the title still names.
+    // From now on, found devices are added to those of the file. The title says so.
     void AddToFile();
-    // Some of the list is newer than the file that the title names.
-    void NoteReading();
+    // Adds to the title that some values are newer than the file.
+    void ShowReadSince();
     // Whether there is something to save or to clear.
     bool HasScan() const;
 
-    // The same with the file's UTF-8 path. They return false if it could not be read or saved,
-    // which was reported; the list, and an older file, are unchanged then.
+    // The same with the file's UTF-8 path. They report a file that cannot be read or saved, and
+    // return false. The list, and an older file, are unchanged then.
     bool OpenFrom(const std::string& path);
     bool CompareWith(const std::string& path);
     bool SaveTo(const std::string& path);
     bool SaveCsvTo(const std::string& path);   // the rows as they are shown
     bool SaveJsonTo(const std::string& path);  // the same rows, as `vndiscover printers` does
 
-    // Records what the rows show now. A change is marked, and the taskbar button flashes.
+    // Compares the rows with what they showed before. Changes are recorded and marked, and the
+    // taskbar button flashes.
     void RecordChanges();
-    void OpenChanges();  // their list
+    void OpenChanges();  // opens the list of changes
 
-    // Returns false if the user wants the scan to stay. `question`: names what would drop it.
+    // Asks whether to save an unsaved scan. Returns false if it must stay. `question`: names what
+    // would drop it.
     bool MayDrop(unsigned question);
 
-    // For the end of the user's session: an unsaved scan is kept in a file of the user's, without
-    // any dialog. The next start offers it. If the user wants it, its file stays until the scan is
+    // At the end of the Windows session, an unsaved scan is saved in a recovery file, without any
+    // dialog. The next start offers it. If the user wants it, the file stays until the scan is
     // saved or dropped.
-    void SaveForNextStart();
-    void OfferSaved();
-    void ForgetKept();
+    void SaveForRecovery();
+    void OfferRecovery();
+    void DeleteRecoveryFile();
 
   private:
     void WithPath(unsigned kind, const wchar_t* extension, bool isForSaving,
                   bool (ScanCommands::*method)(const std::string& path));
     bool MayReplace(unsigned question);
-    void ShowOpening(const std::wstring& name) const;
+    std::optional<Scan> Load(const std::string& path);
     void Replace(Scan scan);
     void ShowScan(Scan scan);
     void SaveTable(const std::string& csv);
@@ -71,8 +74,8 @@ class ScanCommands {
     void ShowChanges();
     TableWindow comparison_{[this](const std::string& csv) { SaveTable(csv); }};
     TableWindow changes_{[this](const std::string& csv) { SaveTable(csv); }};
-    OwnedFile kept_;  // of the list; empty: it is of none
-    std::string keptPath_;
+    OwnedFile recoveryFile_;  // of the shown scan; empty: none
+    std::string recoveryPath_;
 };
 
 }  // namespace vndiscover::host

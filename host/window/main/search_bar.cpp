@@ -23,10 +23,8 @@ constexpr struct BarItem {
     unsigned text;
     DWORD style;
     bool startsGroup;  // has a wider space before it
-    // The width in pixels at 96 DPI beyond that of a text: the control's own, or the widest that it
-    // gets, so that the others never move. 0: no text counts.
-    int space;
-    unsigned widest;
+    int space;         // the width without the text, in pixels at 96 DPI
+    unsigned widest;   // the widest text that it ever has, so that no other control moves; 0: none
 } kItems[] = {
     {IDC_FIND, L"BUTTON", IDS_FIND, BS_DEFPUSHBUTTON | WS_TABSTOP, false, 36, IDS_STOPPING},
     {IDC_PRESET_LABEL, L"STATIC", IDS_PRESET_LABEL, SS_CENTERIMAGE, true, 2, IDS_PRESET_LABEL},
@@ -84,7 +82,7 @@ void SearchBar::Choose(size_t preset) const {
     ShowNote();
 }
 
-void SearchBar::Store(Settings& settings) const {
+void SearchBar::Save(Settings& settings) const {
     settings.ticks = 0;
     for (size_t index = 0; index < std::size(kTicks); ++index)
         settings.ticks |= static_cast<uint32_t>(IsTicked(kTicks[index])) << index;
@@ -95,13 +93,10 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
     const int margin = Scaled(8, dpi), gap = Scaled(6, dpi);
     const int inner = std::max(0, width - 2 * margin);
     Box box = {margin, margin, 0, LineHeight(font) + Scaled(10, dpi)};
-    const WindowDc dc(parent_);
-    const Selection writing(dc.Get(), font);
     for (const BarItem& item : kItems) {
-        RECT size = {};
-        if (item.widest)
-            DrawTextW(dc.Get(), Text(item.widest).c_str(), -1, &size, DT_CALCRECT | DT_SINGLELINE);
-        box.width = std::min<int>(size.right + Scaled(item.space, dpi), inner);
+        const std::wstring widest = item.widest ? Text(item.widest) : L"";
+        const int text = TextSize(Control(item.id), widest, DT_SINGLELINE).cx;
+        box.width = std::min(text + Scaled(item.space, dpi), inner);
         if (box.x > margin && item.startsGroup) box.x += Scaled(12, dpi);
         if (box.x > margin && box.x + box.width > width - margin) {
             box.x = margin;
@@ -112,16 +107,13 @@ int SearchBar::Place(Placement* placement, HFONT font, int width, int dpi) const
         box.x += box.width + gap;
     }
     const HWND note = Control(IDC_PRESET_NOTE);
-    RECT size = {0, 0, inner, 0};
-    DrawTextW(dc.Get(), WindowText(note).c_str(), -1, &size,
-              DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
-    box = {margin, box.y + box.height + Scaled(3, dpi), inner,
-           std::max<int>(size.bottom, LineHeight(font))};
+    const int height = TextSize(note, WindowText(note), DT_WORDBREAK | DT_NOPREFIX, inner).cy;
+    box = {margin, box.y + box.height + Scaled(3, dpi), inner, std::max(height, LineHeight(font))};
     if (placement) placement->Move(note, box);
     return box.y + box.height + gap;
 }
 
-// In the middle of its row. The list of presets is moved with its open part.
+// Centres the control in its row. The height of a combo box includes its open list.
 void SearchBar::PlaceItem(Placement& placement, int id, Box box) const {
     const bool isField = id == IDC_FILTER || id == IDC_PRESET;
     const int height = isField ? FitField(Control(id)) : box.height;
@@ -156,7 +148,7 @@ std::vector<SweepStep> SearchBar::Steps(const Credentials& credentials) const {
         step.login = {"", credentials.security};
         step.kind = SweepKind::kSnmpV3;
         steps.push_back(step);
-        // Over SNMPv3 a printer whose index is not 1 would not be reported.
+        // Over SNMPv3, the preset's object would not find a printer whose index is not 1.
         step.oid = *ParseOidOrName("sysName.0");
         if (LooksForPrinters()) steps.push_back(step);
     }

@@ -1,4 +1,4 @@
-// The bar of the main window: what to search for and how, and the filter.
+// The upper part of the main window: what to search for and how, and the filter.
 #pragma once
 
 #include <windows.h>
@@ -12,7 +12,7 @@
 
 namespace vndiscover::host {
 
-// Of one line of text.
+// The height of a line of text.
 int LineHeight(HFONT font);
 
 class SearchBar {
@@ -20,24 +20,24 @@ class SearchBar {
     // The controls are children of `parent` and are destroyed with it.
     void Create(HWND parent);
     void Restore(const Settings& settings);
-    void Store(Settings& settings) const;
+    void Save(Settings& settings) const;
 
-    // Moves the controls into rows from the top of a window of this width. Without a placement it
-    // only measures. Returns where they end, a space included.
+    // Moves the controls into rows at the top of a window of this width. Without a placement, it
+    // only measures. Returns where they end, with the space below them.
     int Place(Placement* placement, HFONT font, int width, int dpi) const;
 
     bool UsesV3() const { return IsTicked(IDC_V3); }
     void UseV3(bool isUsed);
-    // The calls that the user has chosen. Empty if there are none.
+    // The sweeps that the user has chosen; may be empty.
     std::vector<SweepStep> Steps(const Credentials& credentials) const;
 
     // Whether devices that are no printers are left out.
     bool LooksForPrinters() const { return Preset() == 0; }
     void Choose(size_t preset) const;
-    // Explains what is looked for, after another choice.
+    // Explains the chosen preset.
     void ShowNote() const;
 
-    // Returns whether the filter has the focus and had a text.
+    // Returns false if the filter has no focus or no text.
     bool ClearFilter() const;
 
   private:

@@ -17,7 +17,7 @@ namespace vndiscover::host {
 void Searches::ApplyOptions() {
     const StartOptions& options = state_.options;
     if (!options.exit)
-        state_.progress.SetNote(UseKept(ToWide(options.profile), state_.credentials));
+        state_.progress.SetNote(UseSaved(ToWide(options.profile), state_.credentials));
     if (!options.profile.empty()) bar_.UseV3(true);
     if (options.lookFor) bar_.Choose(*options.lookFor);
     if (!options.communities.empty()) state_.credentials.communities = options.communities;
@@ -31,7 +31,7 @@ void Searches::AskForUser() {
     state_.showRows();
 }
 
-// Gets the SNMPv3 user. Returns false if there is none.
+// Gets the SNMPv3 user from the profile or by asking. Returns false if there is none.
 bool Searches::FetchUser() {
     const std::wstring profile = ToWide(state_.options.profile);
     if (UseProfile(profile, state_.credentials)) return true;
@@ -47,7 +47,7 @@ bool Searches::FetchUser() {
     return false;
 }
 
-// The devices of a file, and what is found now, are kept apart unless the user wants both.
+// Asks whether new devices are added to those of a file or replace them.
 bool Searches::MayStart() {
     if (state_.file.empty() || state_.options.exit) return true;
     const int answer = AskYesNoCancel(state_.window, Text(IDS_FIND_HOW, {state_.file}),
@@ -65,10 +65,10 @@ void Searches::Start() {
     isForStart_ = state_.options.sweep;
     wasSent_ = false;
     state_.refusal.clear();
-    state_.workers->ReadAdapters();  // again, since the user may have plugged one in
+    state_.workers->ReadAdapters();  // they may have changed
     state_.session.BeginSearch();
     state_.progress.BeginSearch(steps.size());
-    state_.showRows();  // the order of the rows may be another one
+    state_.showRows();  // rows may have left or moved
     state_.workers->Sweep(steps);
 }
 
@@ -76,7 +76,7 @@ bool Searches::Repeat() {
     const bool needsUser = bar_.UsesV3() && !state_.credentials.security;
     if (!state_.workers || !IsWindowEnabled(state_.window) || state_.IsBusy()) return false;
     if (!state_.progress.HasSearched() || !state_.file.empty() || needsUser) {
-        // An opened file's name stays the status.
+        // With a file open, its name stays the status.
         if (state_.file.empty())
             state_.progress.SetNote(Text(needsUser ? IDS_NO_USER : IDS_NOT_REPEATED));
         return false;
@@ -95,23 +95,23 @@ void Searches::Finish() {
     isOver_ = false;
     state_.session.EndSearch();
     const bool isScript = isForStart_ && state_.options.exit;
-    // While the window closes, there are no workers; a message may still be open.
+    // While the window closes, there are no workers, and nothing is reported.
     state_.isUnsent = !wasSent_ && !state_.progress.WasStopped() && state_.workers;
-    // A script's problem is told when it ends.
+    // A script's problem is reported when the script ends.
     if (state_.isUnsent && isScript) problem_ = Text(IDS_NOTHING_SENT);
     if (!problem_.empty() && !isScript) state_.ReportProblem(std::exchange(problem_, L""));
-    // Without a message, for which a list that is watched would wait.
+    // In the status only: a message would keep a list that refreshes itself waiting.
     if (state_.isUnsent) state_.progress.SetNote(Text(IDS_NOTHING_SENT));
     state_.showRows();
     if (state_.progress.WasStopped() || state_.progress.IsStopping() || !state_.workers) return;
     if (const auto target = state_.session.WhomToAskForARefusal())
-        state_.workers->Ask(*target, true);
+        state_.workers->Read(*target, true);
     if (ReadsFound()) ReadFound(state_);
 }
 
 void Searches::EndReading() {
     if (!isForStart_ || isOver_ || state_.progress.IsSearching()) return;
-    state_.showRows();  // what came last too
+    state_.showRows();  // includes the last results
     EndStartSearch();
     if (!problem_.empty()) state_.ReportProblem(std::exchange(problem_, L""));
     if (state_.options.exit) PostMessageW(state_.window, WM_CLOSE, 0, 0);
@@ -122,13 +122,13 @@ void Searches::EndStartSearch() {
     state_.options.sweep = false;
     const std::string& path = state_.options.savePath;
     const std::string& csv = state_.options.csvPath;
-    // What an earlier search has found stays if this one could not even ask, or found nothing.
+    // A file stays as it is if nothing was sent, or if it has devices and this search found none.
     std::wstring ignored;
     const bool isEmpty = state_.session.GetScan().answers.empty();
     const auto former = isEmpty && !path.empty() ? LoadScan(path, ignored) : std::nullopt;
-    const bool isKept = former && !former->answers.empty();
-    if (isKept) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
-    const bool mayWrite = !state_.isUnsent && !isKept;  // what an earlier search has left
+    const bool hasFormerDevices = former && !former->answers.empty();
+    if (hasFormerDevices) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
+    const bool mayWrite = !state_.isUnsent && !hasFormerDevices;
     bool isLost = mayWrite && !path.empty() && !scans_.SaveTo(path);
     isLost |= mayWrite && !csv.empty() && !scans_.SaveCsvTo(csv);
     const bool isNone = state_.progress.Answers() == 0 || isLost;
@@ -136,7 +136,7 @@ void Searches::EndStartSearch() {
                      : !problem_.empty() ? kFailed
                      : isNone            ? kNone
                                          : kFound;
-    state_.exitCode = std::max(state_.exitCode, code);  // an exception may have been before
+    state_.exitCode = std::max(state_.exitCode, code);  // that of an exception stays
 }
 
 bool Searches::WillSave() const {

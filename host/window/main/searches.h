@@ -1,4 +1,4 @@
-// Starts, stops and ends searches, also that of the command line.
+// Starts and ends searches, and saves what that of the command line finds.
 #pragma once
 
 #include <string>
@@ -15,25 +15,25 @@ class Searches {
     Searches(WindowState& state, SearchBar& bar, ScanCommands& scans)
         : state_(state), bar_(bar), scans_(scans) {}
 
-    // Those of the command line, before the first search.
+    // Uses the options of the command line. Must be called before the first search.
     void ApplyOptions();
     void Start();
-    // The same again without the user, who may be away: returns false if there was none, if
-    // something would be asked, or is in progress.
+    // Repeats the last search without the user. Returns false if that is not possible now: there
+    // was none, something is in progress, or a question would be needed.
     bool Repeat();
     // One of the search's sweeps has ended.
     void EndSweep(bool wasSent, const std::string& problem);
-    // Whether what is found is then read: the command line says so of its search.
+    // Whether devices are read after the search. For that of the command line, an option decides.
     bool ReadsFound() const {
         return isForStart_ ? state_.options.read : state_.settings.readsFound != 0;
     }
-    // Whether the last one has; then the search must be finished: its problems are reported, and
-    // what it has found is read.
+    // Whether all sweeps have ended. Then Finish must be called. It reports problems, and reads
+    // what the search has found.
     bool IsOver() const { return isOver_; }
     void Finish();
-    // Nothing is in progress: if the command line's search was, what it wants is saved.
+    // Must be called when nothing is in progress any more: saves what the command line asks for.
     void EndReading();
-    // Whether the running search is that of the command line, whose answers are saved.
+    // Whether the running search is that of the command line, and a file will be written after it.
     bool WillSave() const;
     // Saves what it has found so far.
     void EndStartSearch();
@@ -47,8 +47,8 @@ class Searches {
     SearchBar& bar_;
     ScanCommands& scans_;
     std::wstring problem_;     // of the running search
-    bool wasSent_ = false;     // by any of its sweeps
-    bool isOver_ = false;      // and not yet finished
+    bool wasSent_ = false;     // one of its sweeps was sent
+    bool isOver_ = false;      // see IsOver
     bool isForStart_ = false;  // the search of the command line, or its reading, is running
 };
 

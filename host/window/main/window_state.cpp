@@ -44,16 +44,16 @@ void OpenElsewhere(WindowState& state, const std::wstring& target, const wchar_t
     const HINSTANCE opened = ShellExecuteW(
         state.window, L"open", file, program ? argument.c_str() : nullptr, nullptr, SW_SHOWNORMAL);
     const DWORD error = GetLastError();
-    if (reinterpret_cast<INT_PTR>(opened) <= 32)  // as documented, for systems with 16 bits
+    if (reinterpret_cast<INT_PTR>(opened) <= 32)  // documented as an error
         ReportUnopened(state, target, error);
 }
 
-// Few computers have a program for Markdown, which is readable as text.
+// Opens it as text: few computers have a program for Markdown.
 void ShowHelp(WindowState& state) {
     const std::string own = OwnPath();
     const std::string folder = own.substr(0, own.find_last_of('\\'));
     const std::string page = folder + "\\..\\docs\\vnbrowser.md";
-    // Notepad would offer to make it.
+    // Notepad would offer to create it.
     if (!FileExists(page)) return ReportUnopened(state, ToWide(page), ERROR_FILE_NOT_FOUND);
     const std::wstring notepad = SystemFile(L"notepad.exe");
     if (notepad.empty()) return ReportUnopened(state, L"notepad.exe", GetLastError());

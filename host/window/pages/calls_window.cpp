@@ -53,8 +53,8 @@ void CallsWindow::Refresh() {
     list_.Refresh();
     // The selection stays with its call.
     const size_t row = static_cast<size_t>(selected) + added;
-    const bool isKept = selected >= 0 && row < calls_.size();
-    list_.Select(isKept ? static_cast<int>(row) : -1);
+    const bool isStillThere = selected >= 0 && row < calls_.size();
+    list_.Select(isStillThere ? static_cast<int>(row) : -1);
     OnSelected();
 }
 
@@ -68,9 +68,9 @@ void CallsWindow::Open(HWND owner) {
                        IDC_CALL_TEXT});
 }
 
-void CallsWindow::Begin() {
+void CallsWindow::OnOpened() {
     CheckRadioButton(dialog_, IDC_CALL_CPP, IDC_CALL_COMMAND, IDC_CALL_CPP);
-    ListDialog::Begin();
+    ListDialog::OnOpened();
     added_ = 0;
     isFolded_ = false;
 }

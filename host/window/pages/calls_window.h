@@ -1,4 +1,4 @@
-// The calls of the module that the window has made, each as text to copy.
+// A window with the module's calls that the program has made, each as text to copy.
 #pragma once
 
 #include <windows.h>
@@ -14,14 +14,14 @@ namespace vndiscover::host {
 
 class CallsWindow : private ListDialog {
   public:
-    // Keeps the last thousand. Calls of one walk that follow each other are one row.
+    // The last thousand calls stay. Successive calls of one walk are one row.
     void Add(Call call);
     // Shows the calls that were added since the last time.
     void Refresh();
     void Open(HWND owner);
 
   private:
-    void Begin() override;
+    void OnOpened() override;
     void OnCommand(int id) override;
     void OnSelected() override;
     void OnClosed() override { fixed_.Reset(); }
@@ -30,9 +30,9 @@ class CallsWindow : private ListDialog {
     std::wstring CellText(size_t row, size_t column) const override;
 
     std::deque<Call> calls_;  // the newest first, as in the list
-    size_t added_ = 0;        // since Refresh
-    bool isFolded_ = false;   // since Refresh, a call was added to the row of another
-    OwnedFont fixed_;         // of the text, while the dialog is open
+    size_t added_ = 0;        // rows since the last Refresh
+    bool isFolded_ = false;   // since the last Refresh, a call was added to an existing row
+    OwnedFont fixed_;         // the font of the text while the dialog is open
 };
 
 }  // namespace vndiscover::host

@@ -24,7 +24,7 @@ struct DevicePage {
 
 namespace {
 
-// Names of protocols are not translated.
+// Not in the string table, since no language translates them.
 const wchar_t* ProtocolName(SweepKind kind) {
     constexpr std::array<const wchar_t*, 3> kNames = {L"SNMPv1", L"SNMPv3", L"WS-Discovery"};
     return kNames[static_cast<size_t>(kind)];
@@ -39,8 +39,7 @@ std::wstring StateText(const ProtocolLine& line, bool hasUser) {
         if (isSilent) return Text(IDS_PROTOCOL_SILENT_V3);
         if (line.state == State::kNotAsked && !hasUser) return Text(IDS_PROTOCOL_NO_USER);
     }
-    if (note.empty()) return text;
-    if (isSilent || line.state == State::kPending) return text;
+    if (note.empty() || isSilent || line.state == State::kPending) return text;
     const bool isReason = line.state == State::kRefused || line.state == State::kNotAsked;
     return isReason ? note : Text(IDS_PROTOCOL_NOTE, {text, note});
 }
@@ -60,7 +59,7 @@ std::vector<ListRow> ProtocolRows(const Session& session, const DeviceRow& row) 
 std::vector<ListRow> InterfaceRows(const Session&, const DeviceRow& row) {
     std::vector<ListRow> rows;
     for (const Interface& one : row.facts->interfaces) {
-        // More than the device's number can tell.
+        // The speed is higher than the device's variable can say.
         constexpr wchar_t kLimit[] = L"over ";
         const std::wstring speed = ToWide(one.speed);
         const bool isLoopback = one.physicalAddress.empty() && one.type == "software loopback";
@@ -111,7 +110,7 @@ const DevicePage kPages[] = {
      AnswerRows},
 };
 
-// Leaves Esc, Tab and Enter to the window, unlike other fields of several lines.
+// Lets the window handle Esc, Tab and Enter, which a field of several lines would handle itself.
 LRESULT CALLBACK PlainKeys(HWND edit, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
                            DWORD_PTR) {
     if (message == WM_GETDLGCODE)
@@ -121,7 +120,7 @@ LRESULT CALLBACK PlainKeys(HWND edit, UINT message, WPARAM wParam, LPARAM lParam
 
 }  // namespace
 
-// The tab control is only the strip of tabs, and the list of its page is the next control.
+// The tab control is only the strip of tabs. The list, which is the page, is the next control.
 void DetailsPane::Create(HWND parent) {
     tabs_ =
         CreateControl(parent, WC_TABCONTROLW, IDS_DETAILS,
@@ -145,11 +144,12 @@ void DetailsPane::Show() {
     const DeviceRow* row = session_.view.SelectedRow();
     const std::vector<size_t> answers = row ? row->answers : std::vector<size_t>();
     const std::vector<size_t> old = std::exchange(answers_, answers);
-    // Another device's rows start at their top, without a selected one; the summary stays.
+    // The rows of another device begin at the top, with none selected. The summary stays as it is
+    // scrolled.
     const bool isSame = !old.empty() && !answers.empty() && old.front() == answers.front();
     if (!IsSummary() && !isSame && old != answers) ShowRows({});
     auto rows = row ? Page().rows(session_, *row) : std::vector<ListRow>();
-    // Without rows, the reason may be another one.
+    // Without rows, the text that says why may have changed.
     if (rows != rows_ || rows.empty()) ShowRows(std::move(rows));
 }
 
@@ -179,7 +179,7 @@ void DetailsPane::Place(Placement& placement, const Box& box, int dpi) {
     const bool isNew = std::exchange(dpi_, dpi) != dpi;
     if (isNew) {
         TabCtrl_SetPadding(tabs_, Scaled(6, dpi), Scaled(3, dpi));
-        // Only a new font makes the control compute its tabs.
+        // The control computes its tabs only when its font is set.
         SendMessageW(tabs_, WM_SETFONT, SendMessageW(tabs_, WM_GETFONT, 0, 0), TRUE);
     }
     box_ = box;
@@ -197,14 +197,14 @@ int DetailsPane::TabsHeight() const {
 void DetailsPane::PlaceTabs(Placement& placement) {
     const int height = TabsHeight();
     placement.Move(tabs_, {box_.x, box_.y, box_.width, height});
-    whole_ = {box_.x, box_.y + height, box_.width, std::max(0, box_.height - height)};
+    inner_ = {box_.x, box_.y + height, box_.width, std::max(0, box_.height - height)};
 }
 
-// A cell may cut its text, so that of the selected row is below the list.
+// The whole text of the selected row is below the list, where cells may be cut.
 void DetailsPane::PlaceList(Placement& placement) {
     constexpr int kChosenHeight = 68;  // four lines and a space
-    const int chosen = std::min(Scaled(kChosenHeight, dpi_), whole_.height / 3);
-    const Box list = {whole_.x, whole_.y, whole_.width, whole_.height - chosen};
+    const int chosen = std::min(Scaled(kChosenHeight, dpi_), inner_.height / 3);
+    const Box list = {inner_.x, inner_.y, inner_.width, inner_.height - chosen};
     const int space = std::min(Scaled(4, dpi_), chosen);
     placement.Move(chosen_, {list.x, list.y + list.height + space, list.width, chosen - space});
     placement.Move(list_.Handle(), list);
@@ -214,7 +214,7 @@ void DetailsPane::PlaceList(Placement& placement) {
 
 void DetailsPane::FitLabels() {
     if (!IsSummary()) return;
-    const int labels = std::min(Scaled(150, dpi_), whole_.width * 2 / 5);
+    const int labels = std::min(Scaled(150, dpi_), inner_.width * 2 / 5);
     ListView_SetColumnWidth(List(), 0, labels);
 }
 
@@ -225,9 +225,9 @@ void DetailsPane::ShowChosen() {
     ShowWhole(chosen_, list_.Selected() < 0 && !rows_.empty() ? Text(IDS_CHOOSE_ROW) : chosen);
 }
 
-void DetailsPane::Settle() {
-    // The control arranges its rows of tabs by the width that it has got.
-    if (TabsHeight() != whole_.y - box_.y) {
+void DetailsPane::OnPlaced() {
+    // The control arranges its tabs in rows only after it has got its width.
+    if (TabsHeight() != inner_.y - box_.y) {
         Placement placement(GetParent(tabs_));
         PlaceTabs(placement);
         PlaceList(placement);
@@ -237,14 +237,13 @@ void DetailsPane::Settle() {
     ShowChosen();
 }
 
-void DetailsPane::Turn(int pages) {
+void DetailsPane::TurnPage(int pages) {
     const int count = TabCtrl_GetItemCount(tabs_);
     TabCtrl_SetCurSel(tabs_, (TabCtrl_GetCurSel(tabs_) + count + pages) % count);
     ShowPage();
 }
 
-// Of the interfaces, since the other pages always have rows. A reading for the list does not ask
-// for them.
+// Only the page of interfaces may be empty. A reading for the list does not ask for them.
 std::wstring DetailsPane::EmptyText() const {
     const DeviceRow* row = session_.view.SelectedRow();
     if (!row) return session_.view.Count() == 0 ? L"" : Text(IDS_NO_SELECTION);

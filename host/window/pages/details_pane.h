@@ -22,14 +22,14 @@ class DetailsPane : private ListModel {
     explicit DetailsPane(const Session& session) : session_(session) {}
     // The controls are children of `parent` and are destroyed with it.
     void Create(HWND parent);
-    // Shows the selected device; the page stays.
+    // Shows the selected device on the current page.
     void Show();
     void Place(Placement& placement, const Box& box, int dpi);
-    // Afterwards, when the controls are at their places.
-    void Settle();
+    // Must be called after Place, when the controls have been moved.
+    void OnPlaced();
     HWND List() const { return list_.Handle(); }
-    // Chooses the next page (1) or the one before (-1).
-    void Turn(int pages);
+    // Shows the next page (1) or the one before (-1).
+    void TurnPage(int pages);
     // Handles WM_NOTIFY from the tabs.
     void OnNotify(const NMHDR& header);
 
@@ -47,10 +47,10 @@ class DetailsPane : private ListModel {
     void ShowChosen();
 
     const Session& session_;
-    HWND tabs_ = nullptr, chosen_ = nullptr;  // the latter: the whole text of the selected row
+    HWND tabs_ = nullptr, chosen_ = nullptr;  // chosen_: the whole text of the selected row
     ListControl list_{*this};
-    Box box_;    // of all
-    Box whole_;  // without the tabs
+    Box box_;    // of the whole pane
+    Box inner_;  // without the tabs
     int dpi_ = 96;
     std::vector<size_t> answers_;  // of the device that is shown
 };

@@ -48,7 +48,7 @@ void DoctorWindow::ShowDiagnosis(const std::string& address, const HostDiagnosis
                                  const AdapterList& adapters, HWND owner) {
     if (address != shown_.address) return;
     shown_.diagnosis = diagnosis;
-    // As in the calls, a community is not shown where it may be copied; the default one is known.
+    // A community is not shown where it may be copied, unless it is the default one.
     if (diagnosis.community != CommunityOf({})) shown_.diagnosis->community.clear();
     shown_.isOnOwnNetwork = IsOnOwnNetwork(adapters, address);
     Show(owner);
@@ -61,16 +61,12 @@ void DoctorWindow::Stop(HWND owner) {
 }
 
 void DoctorWindow::Show(HWND owner) {
-    if (!shown_.computer) return;  // it comes soon
-    const auto& diagnosis = shown_.diagnosis;
+    if (!shown_.computer) return;  // it will be shown with the report on the computer
     const bool isOfDevice = !shown_.address.empty();
     Report report;
-    if (isOfDevice) report = ReportOf(diagnosis, shown_.isOnOwnNetwork);
-    // The verdict tells of the engine.
-    if (diagnosis && !diagnosis->hasUser && diagnosis->discovery.outcome == Outcome::kAnswered) {
-        for (ReportRow& row : report.front().rows)
-            if (row.label == kUserStep) row.text = ToUtf8(Text(IDS_NO_USER_ASKED));
-    }
+    if (isOfDevice)
+        report =
+            ReportOf(shown_.diagnosis, shown_.isOnOwnNetwork, "", ToUtf8(Text(IDS_NO_USER_ASKED)));
     const char* const label = isOfDevice ? "This computer" : "Verdict";
     for (ReportSection& section : ReportOf(*shown_.computer, label))
         report.push_back(std::move(section));

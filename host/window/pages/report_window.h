@@ -23,21 +23,20 @@ class ReportWindow : public ListDialog {
   private:
     void OnCommand(int id) override;
 
-    std::wstring commands_;  // of the report, one a line
+    std::wstring commands_;  // of the report, each in a line of its own
 };
 
-// The report on why there are no devices, or why one does not answer.
+// A window that says why there are no devices, or why one does not answer.
 class DoctorWindow {
   public:
-    // Begins another report in place of this one. Its window opens with the next report on this
-    // computer. `address`: of the device that is diagnosed; empty: none. `name`: for the title.
+    // Begins another report. The window opens when ShowReport is called next. `address`: of the
+    // device that is diagnosed; empty: none. `name`: of the device, for the title.
     void Begin(const std::string& address, const std::wstring& name);
-    // Opens or refreshes the window.
     void ShowReport(const ComputerReport& report, HWND owner);
     // Ignores a diagnosis of another device than the report's.
     void ShowDiagnosis(const std::string& address, const HostDiagnosis& diagnosis,
                        const AdapterList& adapters, HWND owner);
-    // The diagnosis was stopped. One that has begun is shown once its last step is over.
+    // Shows that the diagnosis was stopped. If it had begun, its result replaces this.
     void Stop(HWND owner);
 
   private:

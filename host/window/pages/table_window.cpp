@@ -23,7 +23,7 @@ void TableWindow::Open(HWND owner, const std::wstring& title, std::vector<ListCo
 void TableWindow::Show(const std::wstring& note, std::vector<ListRow> rows) {
     if (!IsOpen()) return;
     const ListRow chosen = Chosen();
-    order_.clear();  // of the former rows
+    order_.clear();  // it has indexes of the former rows
     rows_ = std::move(rows);
     SetItem(IDC_TABLE_NOTE, note);
     Arrange(chosen);
@@ -65,7 +65,7 @@ void TableWindow::Arrange(const ListRow& chosen) {
                               -1) == CSTR_LESS_THAN;
     });
     list_.Refresh();
-    // The selection stays with its row. Otherwise it is the first, whose whole text is shown below.
+    // The selection stays with its row. If that is gone, the first row is selected.
     const auto at = std::find_if(order_.begin(), order_.end(),
                                  [&](size_t index) { return rows_[index] == chosen; });
     if (Count() != 0) list_.Select(at == order_.end() ? 0 : static_cast<int>(at - order_.begin()));

@@ -1,5 +1,5 @@
-// A window with a table that is sorted by a click on a heading or by a key, copied, and saved as
-// CSV: a comparison, or the changes of a watched list.
+// A window with a table, which the user can sort, copy and save as CSV: a comparison or a list of
+// changes.
 #pragma once
 
 #include <functional>
@@ -16,10 +16,10 @@ class TableWindow : public ListDialog {
     // `save` asks for a file and saves the text of a CSV document.
     explicit TableWindow(std::function<void(const std::string& csv)> save)
         : save_(std::move(save)) {}
-    // Replaces what the window showed, and has no rows yet.
+    // Opens the window without rows.
     void Open(HWND owner, const std::wstring& title, std::vector<ListColumn> columns);
-    // Shows rows, in the order that the user chose, and a line above them, if it is open. Rows
-    // with a time, such as "2026-11-25T04:32:23Z", must come newest first.
+    // Shows a note and rows, which are sorted as the user chose. Has no effect if the window is
+    // closed. Rows with a time, such as "2026-11-25T04:32:23Z", must come newest first.
     void Show(const std::wstring& note, std::vector<ListRow> rows);
 
   private:
@@ -28,14 +28,14 @@ class TableWindow : public ListDialog {
     bool IsTime(size_t column) const { return form_.columns[column].heading == IDS_CALL_TIME; }
     void OnHeading(size_t column) override;
     void OnSelected() override;
-    ListRow Chosen() const;  // without cells: none
-    // Sorts the rows, and selects this one.
+    ListRow Chosen() const;  // the selected row; without cells: none
+    // Sorts the rows and selects this one.
     void Arrange(const ListRow& chosen);
     void OnCommand(int id) override;
 
     std::function<void(const std::string& csv)> save_;
     std::vector<size_t> order_;  // indexes in rows_
-    size_t sorted_ = SIZE_MAX;   // the column; SIZE_MAX: as they came
+    size_t sorted_ = SIZE_MAX;   // the column to sort by; SIZE_MAX: none
     bool isDescending_ = false;
 };
 

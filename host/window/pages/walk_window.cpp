@@ -70,14 +70,14 @@ void WalkWindow::Refresh() {
                                 : Text(IDS_WALKING, {Grouped(values_.size()), seconds}));
 }
 
-void WalkWindow::Begin() {
-    ListDialog::Begin();
+void WalkWindow::OnOpened() {
+    ListDialog::OnOpened();
     SendMessageW(Item(IDC_WALK_ROOT), EM_LIMITTEXT, kMaxRootLength, 0);
     SetItem(IDC_WALK_ROOT, kDefaultRoot);
     SetItem(IDC_WALK_STATE, Text(IDS_WALK_READY));
 }
 
-// The worker may still wait for its last answer.
+// The walk may still run.
 void WalkWindow::OnClosed() {
     if (std::exchange(state_, State::kIdle) != State::kIdle && workers_) workers_->StopWalk();
     values_.clear();
@@ -85,7 +85,7 @@ void WalkWindow::OnClosed() {
 
 void WalkWindow::OnCommand(int id) {
     if (id != IDC_WALK_START || !workers_) return;
-    // Enter in the field starts, but does not stop what it has just started.
+    // Enter in the field starts a walk, but does not stop the one that it has just started.
     if (state_ == State::kIdle)
         Start();
     else if (GetFocus() != Item(IDC_WALK_ROOT))

@@ -14,13 +14,13 @@ namespace vndiscover::host {
 
 class WalkWindow : private ListDialog {
   public:
-    // The workers, of whom there are none while the main window closes.
+    // `workers`: null while the main window closes.
     explicit WalkWindow(const std::unique_ptr<Workers>& workers) : workers_(workers) {}
 
     // Opens the window for a device, or brings it to the front. Stops the walk of another device.
     // `name`: for the title.
     void Open(HWND owner, AskTarget target, const std::wstring& name);
-    // Handle what the workers report; see Results. Walks that are not shown are ignored.
+    // Handle what the workers report; see Results. Other walks than the shown one are ignored.
     void OnBegan(unsigned walk);
     void Add(unsigned walk, Answer variable);
     void OnEnded(unsigned walk, const WalkEnd& end, const std::string& problem);
@@ -30,7 +30,7 @@ class WalkWindow : private ListDialog {
   private:
     enum class State { kIdle, kWaiting, kWalking, kStopping };
 
-    void Begin() override;
+    void OnOpened() override;
     void OnFonts() override { FitFields({IDC_WALK_ROOT}); }
     void OnCommand(int id) override;
     void OnClosed() override;
@@ -43,7 +43,7 @@ class WalkWindow : private ListDialog {
     const std::unique_ptr<Workers>& workers_;
     AskTarget target_;
     State state_ = State::kIdle;
-    unsigned walk_ = 0;  // number of the one that is shown
+    unsigned walk_ = 0;  // the number of the shown one
     ULONGLONG startMs_ = 0;
     std::vector<Answer> values_;
 };

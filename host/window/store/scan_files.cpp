@@ -30,7 +30,7 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
     asking.GetOptions(&options);
     asking.SetOptions(options | FOS_NOCHANGEDIR | FOS_FORCEFILESYSTEM);
     asking.SetFileTypes(1, &type);
-    asking.SetDefaultExtension(extension);  // all of it: the older dialog adds three letters
+    asking.SetDefaultExtension(extension);  // an older dialog adds only three letters by itself
     asking.SetFileName(proposed.c_str());
     OwnedObject<IShellItem> chosen;
     Owned<ClosedBy<wchar_t*, CoTaskMemFree>> path;
@@ -49,13 +49,13 @@ std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {
     return scan;
 }
 
-std::string KeptPath(int number) {
+std::string RecoveryPath(int number) {
     const std::string folder = ToUtf8(Environment(L"LOCALAPPDATA"));
     return (folder.empty() ? "." : folder) + "\\VnBrowser unsaved " + std::to_string(number) +
            ".json";
 }
 
-OwnedFile HoldFile(const std::string& path, DWORD disposition) {
+OwnedFile OpenExclusively(const std::string& path, DWORD disposition) {
     return OwnedFile(CreateFileW(SystemPath(path).c_str(), GENERIC_READ, 0, nullptr, disposition,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
 }

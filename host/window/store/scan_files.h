@@ -11,19 +11,19 @@
 
 namespace vndiscover::host {
 
-// Asks for a file with this extension, on a thread with an Apartment; `kind` is the string that
-// names it. Empty if none was chosen.
+// Asks the user for a file with this extension. Returns an empty path if none was chosen. Needs a
+// thread with an Apartment. `kind`: the string that names such files.
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
                     const std::wstring& proposed, bool isForSaving);
 
-// Returns nothing, with the reason in `problem`, if the file has no scan of this version.
+// Returns nothing, with the reason in `problem`, if the file is no scan that this version can read.
 std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);
 
-// Where scans are kept that the end of the Windows session has left unsaved, each in a file with a
-// number, from 1 on.
-std::string KeptPath(int number);
-constexpr int kMostKept = 50;
-// Opens a file so that nobody else does. Empty if that is not possible.
-OwnedFile HoldFile(const std::string& path, DWORD disposition);
+// A file for a scan that was not saved when the Windows session ended. `number`: from 1 to
+// kMaxRecoveryFiles.
+std::string RecoveryPath(int number);
+constexpr int kMaxRecoveryFiles = 50;
+// Opens a file so that nobody else can. Returns an empty owner if that fails.
+OwnedFile OpenExclusively(const std::string& path, DWORD disposition);
 
 }  // namespace vndiscover::host

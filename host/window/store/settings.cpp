@@ -16,9 +16,9 @@ namespace {
 
 constexpr int32_t kMaxWidth = 4000;
 
-// A key for each profile, with one value, which is written as a whole or not at all: the user's
-// name and the labels of the protocols, each with its terminating zero, and the encrypted
-// passwords. The default profile has a key of its own.
+// Each profile has a key with one value, which is written as a whole or not at all. It contains the
+// user's name and the labels of the protocols, each with its terminating zero, and then the
+// encrypted passwords. The default profile has a key of its own.
 constexpr wchar_t kProfilesKey[] = L"Software\\Varnell Osk\\VnBrowser\\Profiles";
 constexpr wchar_t kDefaultKey[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
 constexpr wchar_t kBrowserKey[] = L"Software\\Varnell Osk\\VnBrowser";
@@ -30,7 +30,7 @@ constexpr DWORD kMaxValueBytes = 16384;
 
 using Bytes = std::vector<BYTE>;
 
-// What the system has decrypted.
+// For what the system has decrypted.
 void WipeAndFree(BYTE* clear) {
     SecureZeroMemory(clear, LocalSize(clear));
     LocalFree(clear);
@@ -39,8 +39,8 @@ void WipeAndFree(BYTE* clear) {
 // With its terminating zero.
 size_t SizeOf(const wchar_t* text) { return (std::wcslen(text) + 1) * sizeof(wchar_t); }
 
-// The text at `at`, which moves past it. Null if it is not terminated. `bytes` are aligned, as
-// every text is then.
+// Reads the text at `at` and moves `at` past it. Returns null if the text is not terminated.
+// `bytes` are aligned; so every text is.
 const wchar_t* ReadText(const BYTE* bytes, size_t size, size_t& at) {
     const auto* const text = reinterpret_cast<const wchar_t*>(bytes + at);
     const size_t most = (size - at) / sizeof(wchar_t);
@@ -53,7 +53,7 @@ DATA_BLOB BlobOf(const void* bytes, size_t size) {
     return {static_cast<DWORD>(size), static_cast<BYTE*>(const_cast<void*>(bytes))};
 }
 
-// Encrypted together with the passwords, so that changed protocols make them unusable.
+// What is not encrypted. The passwords are bound to it: if it is changed, they cannot be opened.
 Bytes ClearPart(const Security& security) {
     Bytes bytes;
     for (const std::wstring* text : {&security.user, &security.authLabel, &security.privLabel}) {
@@ -151,17 +151,17 @@ std::optional<Settings> LoadSettings(const Settings& defaults) {
     constexpr size_t kOthers = kFirst + sizeof(Settings) - kRest;
     const auto bytes = ReadValue(kBrowserKey, kViewValue);
     if (!bytes || bytes->size() < kOthers || bytes->size() > sizeof(Settings)) return std::nullopt;
-    // A former version had fewer columns. The others come after them, hidden or not as by default.
+    // A former version had fewer columns. New ones come last, hidden or not as by default.
     const size_t widths = (bytes->size() - kOthers) / 2, count = widths / sizeof(int32_t);
     Settings settings = defaults;
     std::iota(settings.order.begin(), settings.order.end(), 0);
-    const BYTE* kept = bytes->data();
+    const BYTE* saved = bytes->data();
     for (const auto& [place, size] : {std::pair(size_t{0}, kFirst),
                                       {kFirst, widths},
                                       {offsetof(Settings, order), widths},
                                       {kRest, sizeof(Settings) - kRest}}) {
-        std::copy_n(kept, size, reinterpret_cast<BYTE*>(&settings) + place);
-        kept += size;
+        std::copy_n(saved, size, reinterpret_cast<BYTE*>(&settings) + place);
+        saved += size;
     }
     settings.hidden |= defaults.hidden >> count << count;
     if (bytes->size() != kOthers + 2 * count * sizeof(int32_t) || !IsValid(settings))
@@ -206,9 +206,9 @@ std::optional<Profile> ReadProfile(const std::wstring& name) {
     Security& security = profile.security;
     size_t at = 0;
     for (std::wstring* text : {&security.user, &security.authLabel, &security.privLabel}) {
-        const wchar_t* const taken = ReadText(bytes->data(), bytes->size(), at);
-        if (!taken) return std::nullopt;
-        *text = taken;
+        const wchar_t* const saved = ReadText(bytes->data(), bytes->size(), at);
+        if (!saved) return std::nullopt;
+        *text = saved;
     }
     if (security.user.empty() || (security.UsePriv() && !security.UseAuth())) return std::nullopt;
     profile.isOpen = Open(bytes->data() + at, bytes->size() - at, ClearPart(security),

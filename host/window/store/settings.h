@@ -1,6 +1,6 @@
-// What is kept for the Windows user, below HKEY_CURRENT_USER: the settings of the window, without
-// secrets, and communities and SNMPv3 users, which are encrypted with their passwords: only this
-// user can decrypt them, on this computer or wherever the account's keys are.
+// What is saved for the Windows user, below HKEY_CURRENT_USER: the settings of the window,
+// communities, and SNMPv3 users. Communities and passwords are encrypted. Only this user can
+// decrypt them, on this computer or wherever the account's keys are.
 #pragma once
 
 #include <windows.h>
@@ -21,20 +21,20 @@ struct Settings {
     uint32_t preset = 0;       // below kPresetCount
     std::array<int32_t, kColumnCount> widths{}, order{};  // widths in pixels at 96 DPI
     uint32_t hidden = 0;                                  // a bit for each Column
-    uint32_t readsFound = 1;                              // reads devices after a search
+    uint32_t readsFound = 1;                              // devices are read after a search
     RECT place = {};                                      // of the window; empty: the default
     uint32_t isMaximized = 0;
-    int32_t splitPercent = 66;    // of the width that the list has
+    int32_t splitPercent = 66;    // the list's share of the width
     uint32_t refreshMinutes = 0;  // 0: only on demand
     int32_t lowPercent = 10;      // below which a supply needs attention
 };
 constexpr uint32_t kPresetCount = 3;
 constexpr uint32_t kAllColumns = (1u << kColumnCount) - 1;
 
-// Returns nothing if none were saved, or if they are invalid. `defaults`: for columns that a former
-// version did not have.
+// Returns nothing if none were saved, or if they are invalid. `defaults` are used for columns that
+// a former version did not have.
 std::optional<Settings> LoadSettings(const Settings& defaults);
-// Has no effect if the user may not write.
+// Has no effect if the user may not write to the registry.
 void SaveSettings(const Settings& settings);
 
 constexpr size_t kMaxProfileName = 60;
@@ -43,12 +43,12 @@ constexpr size_t kMaxProfileName = 60;
 // case are the same.
 bool IsProfileName(const std::wstring& name);
 
-// Sorted, without the default profile. That one has an empty name.
+// Sorted, without the default profile, whose name is empty.
 std::vector<std::wstring> ProfileNames();
 
 struct Profile {
     Security security;
-    // The passwords could be decrypted here, and are of this user and these protocols.
+    // The passwords could be decrypted here, and belong to this user and these protocols.
     bool isOpen = false;
 };
 // Returns nothing if there is no such profile, or if it is invalid.
@@ -65,7 +65,7 @@ SaveResult SaveProfile(const std::wstring& name, const Security& security);
 // Returns true if it no longer exists.
 bool DeleteProfile(const std::wstring& name);
 
-// The communities as they were typed; an empty text if none are kept. Returns nothing if they
+// The communities as they were typed; an empty text if none were saved. Returns nothing if they
 // cannot be decrypted.
 std::optional<std::wstring> SavedCommunities();
 // An empty text removes them.

@@ -19,36 +19,36 @@
 
 namespace vndiscover::host {
 
-// Of the settings.
+// By which devices are asked, as in the SNMP settings.
 struct Credentials {
-    // Asked one after the other, never empty. UTF-8; an empty one is the module's default.
+    // At least one, tried in this order. UTF-8; an empty one is the module's default.
     std::vector<std::string> communities{"", "public"};
-    std::shared_ptr<const Security> security;  // null: there is no SNMPv3 user
-    std::wstring profile;                      // from which the user is; empty: none
+    std::shared_ptr<const Security> security;  // the SNMPv3 user; null: none
+    std::wstring profile;                      // which has this user; empty: none
 };
 
 // One call of the module: one protocol over one version of IP.
 struct SweepStep {
     SweepKind kind = SweepKind::kSnmpV1;
     bool useIPv6 = false;
-    Oid oid;            // to request, for SNMP
-    std::string types;  // to probe for, for WS-Discovery
-    Login login;        // for SNMP; has the user for SNMPv3 only
+    Oid oid;            // of SNMP: what to request
+    std::string types;  // of WS-Discovery: what to probe for
+    Login login;        // of SNMP; has the user for SNMPv3 only
 };
 
 struct AskTarget {
     std::string address;
     Login login{};
-    bool isLoginKnown = false;                    // the device has answered by it
+    bool isLoginKnown = false;                    // the device has answered with this login
     std::vector<std::string> otherCommunities{};  // to try if it is silent
 
     SweepKind Kind() const { return login.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1; }
-    // Who is asked once, not once for each community.
+    // Asks by SNMPv3, which has no communities to try.
     void UseUser(std::shared_ptr<const Security> user) {
         login.security = std::move(user);
         otherCommunities.clear();
     }
-    // Returns false if there is none.
+    // Returns false if there is no other one.
     bool UseNextCommunity() {
         if (otherCommunities.empty()) return false;
         login.community = otherCommunities.front();
@@ -57,39 +57,41 @@ struct AskTarget {
     }
 };
 
-// Each call blocks. One SNMP sweep, one WS-Discovery sweep, one reading or walk at a time.
+// Each call blocks. At the same time there may be one SNMP sweep, one WS-Discovery sweep, and one
+// call that asks a device.
 class Engine {
   public:
     using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;
     virtual ~Engine() = default;
 
-    // Calls onAnswer on the calling thread, for each answer as it is delivered. Returns false if
-    // nothing could be sent, or it was stopped at once.
+    // Calls onAnswer on the calling thread for each answer, when it is delivered. Returns false if
+    // nothing could be sent or the sweep was stopped before that.
     virtual bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) = 0;
-    // For any thread. Without a running sweep it has no effect, so it must be repeated.
+    // May be called on any thread. It has no effect before a sweep runs, so it must be repeated.
     virtual void StopSweeps() = 0;
-    // mayGoOn is called before each request, which takes 12 s at most.
+    // mayGoOn is called before each request. A request takes up to 12 s.
     virtual PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
-    // One round of reading a device for the list; in this process if there is no reader.
+    // One round of reading a device for the list. Without a reader, this process asks it.
     virtual FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                                     std::function<bool()> mayGoOn) = 0;
-    // How many readers may ask side by side.
+    // How many readers may ask at the same time.
     virtual size_t MaxReaders() const { return 0; }
-    // For any thread.
+    // May be called on any thread.
     virtual std::unique_ptr<Reader> MakeReader(const std::vector<Login>& /*logins*/) {
         return nullptr;
     }
-    using OnVariable = std::function<bool(const Answer&)>;  // false: no more
+    using OnVariable = std::function<bool(const Answer&)>;  // returns false to end the walk
     virtual WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                          const OnVariable& onVariable) = 0;
-    // Takes the steps of host_diagnosis.h over SNMPv1 and SNMPv3; mayGoOn is called before each.
+    // Runs the steps of host_diagnosis.h over SNMPv1 and SNMPv3. mayGoOn is called before each.
     virtual HostDiagnosis Diagnose(const AskTarget& target, std::function<bool()> mayGoOn) = 0;
 
     // About this computer; these send nothing.
     virtual AdapterList IPv4() = 0;
     virtual ComputerReport Report() = 0;
 
-    // Called after each call of the module, on its thread. Must be set while no other method runs.
+    // `onCall` is called after each call of the module, on the same thread. Must not be set while
+    // another method runs.
     using OnCall = std::function<void(Call call)>;
     void SetOnCall(OnCall onCall) { onCall_ = std::move(onCall); }
 

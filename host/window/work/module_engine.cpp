@@ -36,7 +36,7 @@ class ModuleEngine : public Engine {
   public:
     bool Sweep(const SweepStep& step, const OnAnswer& onAnswer) override {
         const bool isWsd = step.kind == SweepKind::kWsd;
-        // Created on the sweeping thread, so that the module calls it directly.
+        // The window is of this thread, so that the module calls it directly.
         size_t answers = 0;
         const ResultWindow window([&](const char* address, const char* value) {
             ++answers;
@@ -121,7 +121,7 @@ class ModuleEngine : public Engine {
     ComputerReport Report() override { return ReportOn(ThisComputer()); }
 
   private:
-    // The target, and what `asker` uses, must outlive the returned one, which reports each call.
+    // Makes `asker` report each call. The target, and what `asker` uses, must outlive the result.
     Asker Reported(Asker asker, const AskTarget& target, std::function<bool()> mayGoOn,
                    unsigned walk) const {
         asker.mayGoOn = std::move(mayGoOn);
@@ -133,8 +133,7 @@ class ModuleEngine : public Engine {
                               ? NameText(answer.oid) + " = " +
                                     FormatNamedValue(answer.oid, answer.type, answer.bytes)
                               : Problem(answer);
-            if (answer.status == Status::kAnswered)
-                call.walk = walk;  // a failure is shown by itself
+            if (answer.status == Status::kAnswered) call.walk = walk;  // a failure has its own row
             ReportCall(std::move(call));
             answer.time = UtcNow();
             return answer;
@@ -143,14 +142,14 @@ class ModuleEngine : public Engine {
     }
 
     unsigned walks_ = 0;
-    const OwnedHandle job_ = EndingJob();  // of the readers
+    const OwnedHandle job_ = EndingJob();  // its end ends the readers
 };
 
-// The module's default community is public, any other one is a secret.
+// The module's default community is known to all; any other one is a secret.
 void AddLogin(Call& call, const Login& login) {
     std::vector<CallArgument>& arguments = call.arguments;
-    const auto secret = [&](const char* name, bool isKept, const char* variable) {
-        arguments.push_back({name, isKept ? variable : "", isKept});
+    const auto secret = [&](const char* name, bool isSet, const char* variable) {
+        arguments.push_back({name, isSet ? variable : "", isSet});
     };
     if (!login.security)
         return secret("readCommunity", !login.community.empty(), "VNDISCOVER_COMMUNITY");

@@ -6,8 +6,7 @@ namespace vndiscover::host {
 
 std::unique_ptr<Engine> MakeModuleEngine();
 
-// The calls for a step or a request, without secrets.
-// `probe` is for WS-Discovery only.
+// The call that a step or a request makes, without secrets. `probe`: for WS-Discovery.
 Call CallOf(const SweepStep& step, const std::string& probe);
 Call CallOf(const AskTarget& target, const Oid& oid);
 Call PingOf(const std::string& address);

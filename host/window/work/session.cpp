@@ -18,7 +18,7 @@ Session::~Session() = default;
 
 void Session::BeginSearch() {
     view.Renumber(RemoveFormerAnswers(scan_));
-    deviceMaker_ = DeviceMaker();  // descriptions and rows are of answers by their numbers
+    deviceMaker_ = DeviceMaker();  // it and the rows refer to answers by their indexes
     view.SetRows({});
     for (const ScanSweep& sweep : scan_.sweeps) search_ = std::max(search_, sweep.search);
     ++search_;
@@ -50,7 +50,7 @@ void Session::AddAnswer(WorkerId worker, ScanAnswer answer) {
 
 void Session::EndSweep(WorkerId worker, bool isComplete) {
     const auto running = sweeps_.find(worker);
-    if (running == sweeps_.end()) return;  // it was dropped, and has not begun
+    if (running == sweeps_.end()) return;  // it was dropped before it began
     scan_.sweeps[running->second].isComplete = isComplete;
     sweeps_.erase(running);
 }
@@ -90,7 +90,7 @@ void Session::AddReading(Results::Read read) {
     }
     const bool hasValues = !read.answers.values.empty();
     if (!hasValues && isWhole && !IsStateUnread(read.answers)) {
-        // It has answered that it is no printer.
+        // The answer was that the device is no printer.
         answer.time = read.time;
         answer.answer = AnsweredWith(OidOf("hrPrinterStatus"), kNull, "");
         scan_.answers.push_back(answer);
@@ -101,15 +101,16 @@ void Session::AddReading(Results::Read read) {
                                   hasValues, read.time, read.isStateOnly};
 }
 
-// What a list's reading handed in late is older than what was read of the device meanwhile.
+// A reading for the list may arrive after a newer one for the details. Returns what is older in it.
 std::set<Oid> Session::OlderObjects(const Results::Read& read) {
     std::set<Oid> older;
     for (const auto& [oid, variable] : read.answers.values) {
         const Oid object = ObjectOf(oid);
         if (!read.isForList) {
-            std::string& time = whole_[read.target.address][object];
+            std::string& time = detailTimes_[read.target.address][object];
             time = std::max(time, variable.time);
-        } else if (const auto known = whole_.find(read.target.address); known != whole_.end()) {
+        } else if (const auto known = detailTimes_.find(read.target.address);
+                   known != detailTimes_.end()) {
             const auto time = known->second.find(object);
             if (time != known->second.end() && variable.time <= time->second) older.insert(object);
         }
@@ -158,7 +159,7 @@ void Session::SetScan(Scan scan) {
     deviceMaker_ = DeviceMaker();
     view.SetRows({});
     readings_.clear();
-    whole_.clear();
+    detailTimes_.clear();
     beingRead_.clear();
     sweeps_.clear();
     isUnsaved_ = false;
@@ -233,7 +234,7 @@ AskTarget Session::TargetAt(const std::string& address) const {
 }
 
 std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) const {
-    // SNMPv3, if there is a user, before SNMPv1; a device that has only replied to a Probe may
+    // With a user, SNMPv3 comes before SNMPv1. A device that has only replied to a Probe may
     // support SNMPv1 too.
     const auto rank = [&](size_t answer) {
         const ScanSweep& sweep = scan_.sweeps[scan_.answers[answer].sweep];
@@ -242,8 +243,8 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
                : sweep.kind == SweepKind::kSnmpV1                          ? 2
                                                                            : 1;
     };
-    // Its address or protocol may have changed: the last search tells, and the latest answer, of
-    // IPv4 if it has answered over both.
+    // Its address or protocol may have changed, so answers of the last search come first. Then IPv4
+    // comes before IPv6, and later answers before earlier ones.
     const auto order = [&](size_t index) {
         const ScanAnswer& answer = scan_.answers[index];
         const bool isOfNow = rank(index) >= 2 && HasAnsweredSearch({index});
@@ -256,14 +257,14 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
     const ScanAnswer& answer = scan_.answers[*best];
     const size_t login = scan_.sweeps[answer.sweep].login;
     AskTarget target = TargetAt(answer.address);
-    // Not one that was removed from the settings since.
+    // A community that was removed from the settings is not used again.
     target.isLoginKnown =
         login != 0 && rank(*best) >= 2 &&
         (rank(*best) == 3 || Contains(credentials_.communities, logins_[login - 1].second));
     if (target.isLoginKnown) {
         target.login.community = logins_[login - 1].second;
         target.otherCommunities.clear();
-        // No search tells that a device beyond a router answers another one now.
+        // No search finds out that a device behind a router has another community now.
         if (added_.count(answer.address) != 0) target.otherCommunities = credentials_.communities;
         EraseIf(target.otherCommunities,
                 [&](const std::string& one) { return one == target.login.community; });
@@ -296,7 +297,7 @@ std::optional<AskTarget> Session::WhomToAskForARefusal() const {
     if (!credentials_.security || !AnyOf(scan_.sweeps, isOfSearch) ||
         AnyOf(scan_.answers, isAnswer))
         return std::nullopt;
-    // Best one that has SNMPv3, or at least SNMP.
+    // A device with SNMPv3 is best, then one with SNMPv1.
     std::optional<AskTarget> best;
     int bestRank = 0;
     for (const DeviceRow& device : view.AllRows()) {
@@ -317,13 +318,13 @@ bool Session::HasAnsweredHere(const std::vector<size_t>& answers,
            });
 }
 
-// By the protocol and at the address that it is asked by: another protocol only shows whether it
-// answers by that, and another device may have its former address.
+// Only by the protocol and at the address by which the device is asked now. Another protocol shows
+// only whether it supports that, and another device may have its former address.
 const Reading* Session::LastReadingOf(const FoundDevice& device) const {
     const auto target = readings_.empty() ? std::nullopt : TargetOf(device.answers);
     if (!target) return nullptr;
     const auto found = readings_.find({target->address, target->Kind()});
-    // Values that it has not got are those of another row with this address.
+    // If the reading has values and the device has none, they are those of another row.
     const bool isOwn =
         found != readings_.end() && (device.hasVariables || !found->second.hasValues);
     return isOwn ? &found->second : nullptr;
@@ -359,7 +360,7 @@ std::vector<std::pair<size_t, size_t>> Session::SplitsOf(const DeviceRow& row) c
         if (merge.key != MergeKey::kAddress) splits.emplace_back(merge.first, merge.second);
     }
     if (!splits.empty()) return splits;
-    // Several protocols at one address; variables stay with the answers of their protocol.
+    // Several protocols at one address. Variables stay with the answers of their protocol.
     for (const Merge& merge : row.merges) {
         if (!isAsked(merge.first) && !isAsked(merge.second))
             splits.emplace_back(merge.first, merge.second);

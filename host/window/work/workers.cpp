@@ -61,21 +61,21 @@ Workers::Workers(Engine& engine, ResultQueue& queue) : engine_(engine), queue_(q
 Workers::~Workers() {
     constexpr auto kRepeat = std::chrono::milliseconds(50);
     Stop();
-    if (run_) run_->readers->Join();  // so that no thread of it is its last owner
+    if (run_) run_->readers->Join();  // so that none of its threads is its last owner
     run_.reset();
     {
         std::unique_lock<std::mutex> lock(mutex_);
         isEnding_ = true;
         changed_.notify_all();
-        const auto isRunning = [](const Line& line) { return line.isRunning; };
+        const auto isRunning = [](const Worker& worker) { return worker.isRunning; };
         do {
             lock.unlock();
             Stop();
             lock.lock();
-        } while (!changed_.wait_for(lock, kRepeat, [&] { return !AnyOf(lines_, isRunning); }));
+        } while (!changed_.wait_for(lock, kRepeat, [&] { return !AnyOf(workers_, isRunning); }));
     }
-    for (Line& line : lines_) {
-        if (line.thread.joinable()) line.thread.join();
+    for (Worker& worker : workers_) {
+        if (worker.thread.joinable()) worker.thread.join();
     }
     engine_.SetOnCall(nullptr);
 }
@@ -99,7 +99,7 @@ void Workers::Sweep(const std::vector<SweepStep>& steps) {
     }
 }
 
-void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
+void Workers::Read(const AskTarget& target, bool isUrgent, bool isSelected) {
     const auto end = [this](const AskTarget& asked, PrinterAnswers answers, bool isLate = false) {
         {
             const std::lock_guard<std::mutex> lock(mutex_);
@@ -130,7 +130,7 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
             answers = engine_.Read(asked, mayGoOn);
         } while (!isLate && IsSilent(answers) && asked.UseNextCommunity());
         end(asked, std::move(answers), isLate);
-        if (isLate && stops_ == before.all) Ask(asked, false);
+        if (isLate && stops_ == before.all) Read(asked, false);
     };
     Job job = {order, KeyOf("read", target), run, fail};
     job.isReading = true;
@@ -138,25 +138,26 @@ void Workers::Ask(const AskTarget& target, bool isUrgent, bool isSelected) {
     Add(WorkerId::kDirected, std::move(job));
 }
 
-// Whether another device was selected meanwhile.
+// Whether a device that was selected later is waiting.
 bool Workers::IsSelectionWaiting() {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return AnyOf(LineOf(WorkerId::kDirected).jobs, [](const Job& job) { return job.isSelected; });
+    return AnyOf(WorkerAt(WorkerId::kDirected).jobs, [](const Job& job) { return job.isSelected; });
 }
 
-// Called before each request, it notes when that begins. Urgent jobs come before those of others.
+// Returns what a job calls before each request. That runs urgent jobs unless this one is urgent,
+// and records when the request begins.
 Workers::MayGoOn Workers::Watched(const std::string& address, const Stops& before, Order order) {
     return [this, address, before, order] {
         while (order != Order::kUrgent && stops_ == before.all && ExecuteUrgentJob()) continue;
         const bool mayGoOn =
             stops_ == before.all && (order != Order::kWalk || walkStops_ == before.walks);
-        NoteWait(mayGoOn ? address : "");
+        RecordWait(mayGoOn ? address : "");
         return mayGoOn;
     };
 }
 
-// Notes that this thread waits for an answer of the address from now on; empty: for none.
-void Workers::NoteWait(const std::string& address) {
+// Records that this thread waits for an answer of the address from now on; an empty one: for none.
+void Workers::RecordWait(const std::string& address) {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto thread = std::this_thread::get_id();
     if (address.empty()) {
@@ -177,7 +178,7 @@ void Workers::ReadAll(const std::vector<AskTarget>& targets) {
         run.fleet.Add(target.address, IndexOrAppend(run.logins, login), {});
         for (const std::string& community : target.otherCommunities) {
             login.community = community;
-            IndexOrAppend(run.logins, login);  // before the readers are told
+            IndexOrAppend(run.logins, login);  // readers get all logins when they start
         }
     }
     FleetReaders::Work work;
@@ -200,7 +201,7 @@ void Workers::ReadAll(const std::vector<AskTarget>& targets) {
     if (!run.readers->Start(engine_.MaxReaders())) ReadLeft(run_);
 }
 
-// Of a device that was silent, if it is not known by which community it answers.
+// For a silent device. Returns false if there is no other community to try.
 bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
     if (!target.UseNextCommunity()) return false;
     fleet.Add(target.address, IndexOrAppend(logins, target.login), {});
@@ -209,17 +210,17 @@ bool Workers::FleetRun::TryNextCommunity(AskTarget target) {
     return true;
 }
 
-// Each device once.
+// Counts each device once.
 Progress::Read Workers::FleetRun::Count() const {
     Progress::Read read = {fleet.CountRead() - retries, unread, targets.size() - retries};
-    // A further community is tried in the second round too.
+    // With retries, states are no longer read in a round of their own.
     const auto states = retries == 0 ? fleet.CountStates() : std::nullopt;
     read.isOfStates = states.has_value();
     read.done = states.value_or(read.done);
     return read;
 }
 
-// An exception is a failed reading.
+// An exception becomes a failed reading.
 FleetDevice Workers::ReadForList(FleetRun& run, const FleetDevice& job, Reader* reader,
                                  const MayGoOn& mayGoOn) {
     AskTarget target;
@@ -232,18 +233,18 @@ FleetDevice Workers::ReadForList(FleetRun& run, const FleetDevice& job, Reader* 
     try {
         result = engine_.ReadForList(target, job, reader, [&] {
             const bool isAllowed = mayGoOn();
-            NoteWait(isAllowed ? job.address : "");
+            RecordWait(isAllowed ? job.address : "");
             return isAllowed;
         });
     } catch (...) {
         result.answers.lastStatus = Status::kSendFailed;
         result.answers.lastProblem = ExceptionText();
     }
-    NoteWait("");
+    RecordWait("");
     return result;
 }
 
-// Must be called with the lock.
+// The caller must have locked the mutex.
 void Workers::EndReading(FleetRun& run, size_t index, bool isDone) {
     const FleetDevice device = run.fleet.Devices()[index];
     const PrinterAnswers& answers = device.answers;
@@ -259,7 +260,8 @@ void Workers::EndReading(FleetRun& run, size_t index, bool isDone) {
     Report(&Results::OnRead, std::move(read));
 }
 
-// What readers have left is read here, one after the other, with urgent jobs between two requests.
+// The directed worker reads what the readers have left, one device after the other. Urgent jobs run
+// between two requests.
 void Workers::ReadLeft(const std::shared_ptr<FleetRun>& run) {
     bool isOver = run->readers->IsStopped();
     {
@@ -271,7 +273,7 @@ void Workers::ReadLeft(const std::shared_ptr<FleetRun>& run) {
         while (run->readers->ReadNext(nullptr, Watched("", before, Order::kLater))) continue;
         EndRun(*run);
     };
-    // If it is dropped, StopRun reports it.
+    // If the job is dropped, StopRun reports the end.
     Add(WorkerId::kDirected,
         {Order::kLater, "", read, [this, run](const std::string&) { EndRun(*run); }});
 }
@@ -326,7 +328,7 @@ void Workers::Diagnose(const AskTarget& target) {
 }
 
 void Workers::ReadAdapters() {
-    // Without them, devices are only shown without their networks.
+    // A failure is not reported: devices are only shown without their networks.
     AddUrgent(
         "adapters", [this] { Report(&Results::OnAdapters, engine_.IPv4()); }, false);
 }
@@ -338,14 +340,14 @@ void Workers::MakeReport() {
 void Workers::Resolve(const std::vector<std::string>& hosts) {
     const auto run = [this, hosts](const Stops& before) {
         Results::Addresses addresses;
-        std::string unknown;
+        std::vector<std::string> unknown;
         for (const std::string& host : hosts) {
-            if (stops_ != before.all) return;  // as one that has not begun
+            if (stops_ != before.all) return;  // reports nothing, like a dropped job
             const auto known = ParseIpAddress(NumericHost(host));
             if (known && known->IsUnicast()) {
                 addresses.emplace_back(IpText(known->bytes), host);  // as sweeps write it
             } else {
-                unknown = Joined({unknown, host});
+                unknown.push_back(host);
             }
         }
         if (stops_ == before.all) Report(&Results::OnResolved, addresses, unknown);
@@ -358,16 +360,16 @@ void Workers::Resolve(const std::vector<std::string>& hosts) {
     Add(WorkerId::kNames, std::move(job));
 }
 
-// To an idle worker, or otherwise the directed one.
-void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool isFailureTold) {
-    const auto fail = [this, isFailureTold](const std::string& problem) {
-        if (isFailureTold) Report(&Results::OnJobFailed, problem);
+// Adds the job to an idle worker or, if none is idle, to the directed one.
+void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool isFailureReported) {
+    const auto fail = [this, isFailureReported](const std::string& problem) {
+        if (isFailureReported) Report(&Results::OnJobFailed, problem);
     };
     Job job = {Order::kUrgent, key, [run](const Stops&) { run(); }, fail};
     job.isSending = false;
-    const auto isIdle = [this](WorkerId worker) {
+    const auto isIdle = [this](WorkerId id) {
         const std::lock_guard<std::mutex> lock(mutex_);
-        return !LineOf(worker).IsBusy();
+        return !WorkerAt(id).IsBusy();
     };
     const auto workers = {WorkerId::kDirected, WorkerId::kWsd, WorkerId::kSnmp};
     const auto* const idle = FindIf(workers, isIdle);
@@ -377,39 +379,39 @@ void Workers::AddUrgent(const char* key, const std::function<void()>& run, bool 
 void Workers::StopWalk() {
     const std::lock_guard<std::mutex> lock(mutex_);
     ++walkStops_;
-    DropJobs(LineOf(WorkerId::kDirected), true);
+    DropJobs(WorkerAt(WorkerId::kDirected), true);
 }
 
-// Must be called with the lock.
-void Workers::DropJobs(Line& line, bool areOnlyWalks) const {
+// The caller must have locked the mutex.
+void Workers::DropJobs(Worker& worker, bool areOnlyWalks) {
     const auto dropped = std::stable_partition(
-        line.jobs.begin(), line.jobs.end(),
+        worker.jobs.begin(), worker.jobs.end(),
         [&](const Job& job) { return areOnlyWalks && job.order != Order::kWalk; });
-    for (auto job = dropped; job != line.jobs.end(); ++job) {
+    for (auto job = dropped; job != worker.jobs.end(); ++job) {
         if (job->drop) job->drop();
     }
-    line.jobs.erase(dropped, line.jobs.end());
+    worker.jobs.erase(dropped, worker.jobs.end());
 }
 
-void Workers::Add(WorkerId worker, Job job) {
+void Workers::Add(WorkerId id, Job job) {
     const std::lock_guard<std::mutex> lock(mutex_);
-    Line& line = LineOf(worker);
+    Worker& worker = WorkerAt(id);
     const auto isSame = [&](const Job& other) { return !job.key.empty() && other.key == job.key; };
-    const Job* const known = FindIf(line.jobs, isSame);
+    const Job* const known = FindIf(worker.jobs, isSame);
     if (known && job.order != Order::kUrgent) return;
     const bool isOnlySelected = job.isSelected && (!known || known->isSelected);
-    EraseIf(line.jobs, [&](const Job& other) {
+    EraseIf(worker.jobs, [&](const Job& other) {
         return isSame(other) || (job.isSelected && other.isSelected);
     });
-    job.isSelected = isOnlySelected;  // one that was asked for otherwise is read in any case
+    job.isSelected = isOnlySelected;  // a device that the user asked for must not be replaced
     if (job.isReading && job.key == reading_) return;
     isStopReported_ = false;
-    // The latest urgent job comes first; walks come after all urgent ones.
-    const auto place = std::find_if(line.jobs.begin(), line.jobs.end(), [&](const Job& other) {
+    // The latest urgent job comes first. Walks come after all urgent ones.
+    const auto place = std::find_if(worker.jobs.begin(), worker.jobs.end(), [&](const Job& other) {
         return job.order != Order::kLater && other.order >= job.order;
     });
-    line.jobs.insert(place, std::move(job));
-    if (!line.thread.joinable()) line.thread = std::thread([this, worker] { Run(worker); });
+    worker.jobs.insert(place, std::move(job));
+    if (!worker.thread.joinable()) worker.thread = std::thread([this, &worker] { Run(worker); });
     changed_.notify_all();
 }
 
@@ -420,7 +422,7 @@ void Workers::Stop() {
         ++stops_;
         wasReported = std::exchange(isStopReported_, true);
         reading_.clear();
-        for (Line& line : lines_) DropJobs(line, false);
+        for (Worker& worker : workers_) DropJobs(worker, false);
     }
     StopRun();
     for (const char* name : {"StopDiscoverSnmp", "StopDiscoverSoap"}) {
@@ -428,28 +430,28 @@ void Workers::Stop() {
         call.name = name;
         call.time = UtcNow();
         call.result = "0";
-        if (!wasReported) Report(&Results::OnCall, call);  // before the sweeps that it ends
+        if (!wasReported) Report(&Results::OnCall, call);  // before the calls that it ends
     }
     RepeatStop();
 }
 
 bool Workers::IsBusy() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return IsReadingAll() || AnyOf(lines_, [](const Line& line) { return line.IsBusy(); });
+    return IsReadingAll() || AnyOf(workers_, [](const Worker& worker) { return worker.IsBusy(); });
 }
 
 bool Workers::IsSending() const {
     const std::lock_guard<std::mutex> lock(mutex_);
-    const auto isSending = [](const Line& line) {
-        return line.isSending || AnyOf(line.jobs, [](const Job& job) { return job.isSending; });
+    const auto isSending = [](const Worker& worker) {
+        return worker.isSending || AnyOf(worker.jobs, [](const Job& job) { return job.isSending; });
     };
-    return IsReadingAll() || AnyOf(lines_, isSending);
+    return IsReadingAll() || AnyOf(workers_, isSending);
 }
 
 Progress::Work Workers::Now() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     Progress::Work work;
-    work.waiting = lines_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
+    work.waiting = workers_[static_cast<size_t>(WorkerId::kDirected)].jobs.size();
     if (IsReadingAll()) work.read = run_->Count();
     for (const auto& [thread, wait] : waits_) {
         using std::chrono::milliseconds;
@@ -462,32 +464,32 @@ Progress::Work Workers::Now() const {
     return work;
 }
 
-// Must be called with the lock.
-Workers::Job Workers::RemoveFirst(Line& line, Stops& before) {
-    Job job = std::move(line.jobs.front());
-    line.jobs.pop_front();
+// The caller must have locked the mutex.
+Workers::Job Workers::RemoveFirst(Worker& worker, Stops& before) {
+    Job job = std::move(worker.jobs.front());
+    worker.jobs.pop_front();
     if (job.isReading) reading_ = job.key;
     before = {stops_, walkStops_};
     return job;
 }
 
-void Workers::Run(WorkerId worker) {
-    Line& line = LineOf(worker);
+void Workers::Run(Worker& worker) {
     std::unique_lock<std::mutex> lock(mutex_);
     while (true) {
-        changed_.wait(lock, [&] { return isEnding_ || !line.jobs.empty(); });
+        changed_.wait(lock, [&] { return isEnding_ || !worker.jobs.empty(); });
         if (isEnding_) return;
         Stops before;
-        const Job job = RemoveFirst(line, before);
-        line.isRunning = true;
-        line.isSending = job.isSending;
+        const Job job = RemoveFirst(worker, before);
+        worker.isRunning = true;
+        worker.isSending = job.isSending;
         lock.unlock();
         Execute(job, before);
         lock.lock();
-        line.isRunning = line.isSending = false;
-        waits_.erase(std::this_thread::get_id());  // its last answer has come
+        worker.isRunning = worker.isSending = false;
+        waits_.erase(std::this_thread::get_id());
         changed_.notify_all();
-        if (line.jobs.empty()) queue_.Post([](Results&) {});  // the window sees that it is idle
+        if (worker.jobs.empty())
+            queue_.Post([](Results&) {});  // the window sees that the worker is idle
     }
 }
 
@@ -505,9 +507,9 @@ bool Workers::ExecuteUrgentJob() {
     Stops before;
     {
         const std::lock_guard<std::mutex> lock(mutex_);
-        Line& line = LineOf(WorkerId::kDirected);
-        if (line.jobs.empty() || line.jobs.front().order != Order::kUrgent) return false;
-        job = RemoveFirst(line, before);
+        Worker& worker = WorkerAt(WorkerId::kDirected);
+        if (worker.jobs.empty() || worker.jobs.front().order != Order::kUrgent) return false;
+        job = RemoveFirst(worker, before);
     }
     Execute(job, before);
     return true;

@@ -1,4 +1,4 @@
-// The threads that wait for the network instead of the window's.
+// The threads that wait for the network, so that the window's thread does not.
 #pragma once
 
 #include <array>
@@ -26,58 +26,59 @@ class Workers {
   public:
     // Both must outlive the workers.
     Workers(Engine& engine, ResultQueue& queue);
-    ~Workers();  // stops everything and waits for it
+    ~Workers();  // stops all jobs and waits until they end
     Workers(const Workers&) = delete;
     Workers& operator=(const Workers&) = delete;
 
     // WS-Discovery steps run on a separate worker; the others run one after the other.
     void Sweep(const std::vector<SweepStep>& steps);
-    // `isUrgent`: before all waiting devices. A device that is waiting or being read is not asked
-    // twice. One that is selected meanwhile takes the place of one that waits because it was.
-    void Ask(const AskTarget& target, bool isUrgent, bool isSelected = false);
-    // Reads devices for the list, in two rounds, side by side; ends an earlier such reading.
+    // Reads a device for its details. `isUrgent`: before all waiting devices. A device that is
+    // waiting or being read is not read twice. `isSelected`: it is read because the user has
+    // selected it. It then replaces a waiting device that was selected before.
+    void Read(const AskTarget& target, bool isUrgent, bool isSelected = false);
+    // Reads devices for the list, in two rounds, several at a time. Ends an earlier such reading.
     void ReadAll(const std::vector<AskTarget>& targets);
-    // Before the waiting devices that are not urgent. While it runs, urgent ones are asked between
-    // two of its requests. Its results have the number `walk`.
+    // Reads a subtree, before waiting devices that are not urgent. Urgent ones are asked between
+    // two requests of the walk. Its results have the number `walk`.
     void Walk(const AskTarget& target, const Oid& root, unsigned walk);
     void StopWalk();
-    // Finds out at which step a device does not answer, before all waiting devices.
+    // Finds out why a device does not answer, before all waiting devices.
     void Diagnose(const AskTarget& target);
-    // Reports on this computer. Sends nothing. Runs on an idle worker, or next on the directed one.
+    // About this computer; these send nothing. They run at once, or next after a running job.
     void ReadAdapters();
     void MakeReport();
-    // Finds the addresses of names, which may take as long as a name server does.
+    // Finds the addresses of names. May take long if a name server does not answer.
     void Resolve(const std::vector<std::string>& hosts);
-    // Ends sweeps, readings and diagnoses, and drops those that are waiting.
+    // Ends what is running, and drops the waiting jobs.
     void Stop();
-    // Must be called until the sweeps end: a stop before the worker is in the module is lost.
+    // Must be called until the sweeps end: a stop has no effect before the module's call has begun.
     void RepeatStop() { engine_.StopSweeps(); }
     bool IsBusy() const;
-    // Whether anything is sent, or waits for being sent.
+    // Whether a job is running or waiting that sends something.
     bool IsSending() const;
     Progress::Work Now() const;
 
   private:
-    // How often there had been a stop when a job began: it goes on until there are more.
+    // The numbers of stops when a job began. When they have grown, the job must end.
     struct Stops {
         unsigned all = 0, walks = 0;
     };
     enum class Order { kUrgent, kWalk, kLater };
     struct Job {
         Order order = Order::kLater;
-        std::string key;  // a waiting job with the same one is replaced; empty: none
+        std::string key;  // a new job replaces a waiting one with the same key; empty: none
         std::function<void(const Stops& before)> run;
-        std::function<void(const std::string& problem)> fail;  // reports that `run` has thrown
-        std::function<void()> drop{};  // reports that it will not begin; may be empty
+        std::function<void(const std::string& problem)> fail;  // called if `run` throws
+        std::function<void()> drop{};  // called if the job will not begin; may be empty
         bool isSending = true;
-        bool isReading = false, isSelected = false;  // see Ask
+        bool isReading = false, isSelected = false;  // see Read
     };
-    // The request that a thread waits for; the address is empty if there is none.
+    // A thread waits for an answer of this address.
     struct Wait {
         std::string address;
         std::chrono::steady_clock::time_point start;
     };
-    struct Line {
+    struct Worker {
         std::deque<Job> jobs;
         bool isRunning = false, isSending = false;
         std::thread thread;
@@ -87,9 +88,9 @@ class Workers {
         Fleet fleet;
         std::vector<AskTarget> targets;
         std::vector<Login> logins;
-        size_t retries = 0;       // of silent devices, with another community
-        size_t unread = 0;        // devices that gave no value: silent, or refused
-        bool isReported = false;  // to the window: it is over
+        size_t retries = 0;       // of silent devices, each with another community
+        size_t unread = 0;        // devices that were silent or refused to answer
+        bool isReported = false;  // the window knows that it is over
         std::optional<FleetReaders> readers;
 
         bool TryNextCommunity(AskTarget target);
@@ -104,16 +105,17 @@ class Workers {
     void StopRun();
     bool IsReadingAll() const { return run_ && !run_->isReported; }
     bool IsSelectionWaiting();
-    void NoteWait(const std::string& address);
+    void RecordWait(const std::string& address);
     MayGoOn Watched(const std::string& address, const Stops& before, Order order);
-    Line& LineOf(WorkerId worker) { return lines_[static_cast<size_t>(worker)]; }
-    void Add(WorkerId worker, Job job);
-    void AddUrgent(const char* key, const std::function<void()>& run, bool isFailureTold = true);
-    Job RemoveFirst(Line& line, Stops& before);
-    void Run(WorkerId worker);
+    Worker& WorkerAt(WorkerId id) { return workers_[static_cast<size_t>(id)]; }
+    void Add(WorkerId id, Job job);
+    void AddUrgent(const char* key, const std::function<void()>& run,
+                   bool isFailureReported = true);
+    Job RemoveFirst(Worker& worker, Stops& before);
+    void Run(Worker& worker);
     static void Execute(const Job& job, const Stops& before);
     bool ExecuteUrgentJob();
-    void DropJobs(Line& line, bool areOnlyWalks) const;
+    static void DropJobs(Worker& worker, bool areOnlyWalks);
     // Posts a call of the method with these values.
     template <class... Parameters, class... Values>
     void Report(void (Results::*method)(Parameters...), Values... values) {
@@ -127,12 +129,12 @@ class Workers {
     ResultQueue& queue_;
     mutable std::mutex mutex_;
     std::condition_variable changed_;
-    std::array<Line, kWorkerCount> lines_;
+    std::array<Worker, kWorkerCount> workers_;
     std::map<std::thread::id, Wait> waits_;
-    std::string reading_;  // the key of the directed worker's; empty: none, or it was stopped
-    std::shared_ptr<FleetRun> run_;  // the last one; null: none
+    std::string reading_;            // the key of the running Read; empty: none, or it was stopped
+    std::shared_ptr<FleetRun> run_;  // of the last ReadAll; null: none
     std::atomic<unsigned> stops_{0}, walkStops_{0};
-    bool isStopReported_ = true;  // as a call, once per run
+    bool isStopReported_ = true;  // since the last job was added
     bool isEnding_ = false;
 };
 

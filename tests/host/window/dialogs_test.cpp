@@ -7,17 +7,6 @@
 namespace vndiscover::host {
 namespace {
 
-// The size that a text needs in its control.
-SIZE SizeOfText(HWND control, const RECT& place, bool isWrapped) {
-    const WindowDc dc(control);
-    const Selection writing(dc.Get(),
-                            reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)));
-    RECT size = {0, 0, place.right - place.left, 0};
-    DrawTextW(dc.Get(), TextOf(control).c_str(), -1, &size,
-              DT_CALCRECT | (isWrapped ? DT_WORDBREAK : DT_SINGLELINE));
-    return {size.right, size.bottom};
-}
-
 // Every control shows its whole text.
 void CheckDialog(HWND dialog, size_t controls) {
     const auto places = PlacesIn(dialog);
@@ -28,7 +17,8 @@ void CheckDialog(HWND dialog, size_t controls) {
         if (!isButton && TypeOf(control) != L"Static") continue;
         EXPECT_TRUE(!TextOf(control).empty() || GetDlgCtrlID(control) == IDC_CHOSEN);
         const bool isNote = place.bottom - place.top > 30;
-        const SIZE size = SizeOfText(control, place, isNote);
+        const SIZE size = TextSize(control, TextOf(control), isNote ? DT_WORDBREAK : DT_SINGLELINE,
+                                   place.right - place.left);
         EXPECT_LE(size.cx + (isButton ? 8 : 0), place.right - place.left)
             << ToUtf8(TextOf(control));
         EXPECT_LE(size.cy, place.bottom - place.top);

@@ -22,7 +22,7 @@ class Files : public MainWindowTest {
     // Also what the end of a session has left, which the next window would offer.
     ~Files() override {
         DeleteFileW(ToWide(path_).c_str());
-        for (int number = 1; DeleteFileW(ToWide(KeptPath(number)).c_str());) ++number;
+        for (int number = 1; DeleteFileW(ToWide(RecoveryPath(number)).c_str());) ++number;
     }
 
     // A window with two devices, of which the filter hides one.
@@ -317,7 +317,7 @@ TEST_F(Files, WindowThatIsClosedEarlySavesWhatWasFound) {
     EXPECT_TRUE(SendMessageW(window_->Handle(), WM_QUERYENDSESSION, 0, 0));
     SendMessageW(window_->Handle(), WM_ENDSESSION, TRUE, 0);
     EXPECT_THAT(FileText(), HasSubstr("VN InkLine 70"));
-    EXPECT_FALSE(HoldFile(KeptPath(1), OPEN_EXISTING));  // it is saved
+    EXPECT_FALSE(OpenExclusively(RecoveryPath(1), OPEN_EXISTING));  // it is saved
     find("VN InkLine 71");
     PostMessageW(window_->Handle(), WM_CLOSE, 0, 0);
     EXPECT_EQ(0, window_->Run());
@@ -379,23 +379,23 @@ TEST_F(Files, UnsavedScanOutlivesTheSession) {
     end(0);
     end(0);  // as a second window would at the same time
     Open();
-    Answer({IDCANCEL, IDCANCEL}, [&] { window_->scans.OfferSaved(); });  // later
+    Answer({IDCANCEL, IDCANCEL}, [&] { window_->scans.OfferRecovery(); });  // later
     const std::string asked =
-        Answer({IDNO, IDYES}, [&] { window_->scans.OfferSaved(); });  // one is enough
+        Answer({IDNO, IDYES}, [&] { window_->scans.OfferRecovery(); });  // one is enough
     EXPECT_EQ(ToUtf8(Text(IDS_ASK_KEPT)), asked);
     EXPECT_THAT(Addresses(), HasSubstr(L"10.77.1.11;"));
     EXPECT_EQ(0u, TextOf(window_->Handle()).find(L"kept scan, scan of "));
-    EXPECT_FALSE(HoldFile(KeptPath(2), OPEN_EXISTING));  // it is this window's
-    end(ENDSESSION_CLOSEAPP);                            // it is still in no file
+    EXPECT_FALSE(OpenExclusively(RecoveryPath(2), OPEN_EXISTING));  // it is this window's
+    end(ENDSESSION_CLOSEAPP);                                       // it is still in no file
     MSG quit = {};
     EXPECT_TRUE(PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
     for (const bool isSaved : {false, true}) {
         Open();
-        Answer({IDYES}, [&] { window_->scans.OfferSaved(); });
+        Answer({IDYES}, [&] { window_->scans.OfferRecovery(); });
         EXPECT_TRUE(!isSaved || window_->scans.SaveTo(path_));
     }
     Open();
-    Answer({}, [&] { window_->scans.OfferSaved(); });
+    Answer({}, [&] { window_->scans.OfferRecovery(); });
     _wputenv_s(L"LOCALAPPDATA", former.c_str());
 }
 

@@ -22,7 +22,7 @@ TEST(Bars, HaveTheColoursOfTheirRow) {
     const WindowDc screen(nullptr);
     const OwnedMemoryDc dc(CreateCompatibleDC(screen.Get()));
     const OwnedBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 100, 20));
-    const Selection drawing(dc.Get(), bitmap.Get());
+    const SelectedObject drawing(dc.Get(), bitmap.Get());
     NMLVCUSTOMDRAW draw = {};
     draw.nmcd.hdr.hwndFrom = list;
     draw.nmcd.hdc = dc.Get();

@@ -44,7 +44,7 @@ class Lists : public testing::Test, private ListModel {
         const WindowDc screen(nullptr);
         const OwnedMemoryDc dc(CreateCompatibleDC(screen.Get()));
         const OwnedBitmap bitmap(CreateCompatibleBitmap(screen.Get(), 200, 100));
-        const Selection drawing(dc.Get(), bitmap.Get());
+        const SelectedObject drawing(dc.Get(), bitmap.Get());
         PatBlt(dc.Get(), 0, 0, 200, 100, WHITENESS);
         SendMessageW(list_.Handle(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc.Get()),
                      PRF_CLIENT);

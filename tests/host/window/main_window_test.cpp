@@ -324,7 +324,7 @@ std::vector<uint32_t> PixelsOf(HWND window) {
         sizeof info.bmiHeader, client.right, client.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* bits = nullptr;
     const OwnedBitmap bitmap(CreateDIBSection(dc.Get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    const Selection drawing(dc.Get(), bitmap.Get());
+    const SelectedObject drawing(dc.Get(), bitmap.Get());
     BitBlt(dc.Get(), 0, 0, client.right, client.bottom, from.Get(), 0, 0, SRCCOPY);
     GdiFlush();
     const auto* first = static_cast<const uint32_t*>(bits);

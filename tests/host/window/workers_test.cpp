@@ -75,7 +75,7 @@ class WorkersTest : public testing::Test {
   protected:
     // The engine waits in a reading.
     void BeginReading() {
-        workers.Ask({"10.0.0.1"}, true);
+        workers.Read({"10.0.0.1"}, true);
         ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
     }
     PatientEngine engine;
@@ -87,18 +87,18 @@ class WorkersTest : public testing::Test {
 // the worker has not seen the stop, which must not stop the new reading.
 TEST_F(WorkersTest, DeviceThatIsBeingReadIsNotReadTwice) {
     BeginReading();
-    for (const char* selected : {"10.0.0.2", "10.0.0.1"}) workers.Ask({selected}, true, true);
+    for (const char* selected : {"10.0.0.2", "10.0.0.1"}) workers.Read({selected}, true, true);
     EXPECT_EQ(0u, workers.Now().waiting);
     workers.Stop();
-    workers.Ask({"10.0.0.1"}, true, true);
+    workers.Read({"10.0.0.1"}, true, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 2; }));
     EXPECT_EQ(1, engine.ended);
 }
 
 TEST_F(WorkersTest, SelectionDropsNoDeviceAskedOtherwise) {
     BeginReading();
-    workers.Ask({"10.0.0.2"}, false);
-    for (const char* selected : {"10.0.0.2", "10.0.0.3"}) workers.Ask({selected}, true, true);
+    workers.Read({"10.0.0.2"}, false);
+    for (const char* selected : {"10.0.0.2", "10.0.0.3"}) workers.Read({selected}, true, true);
     EXPECT_EQ(2u, workers.Now().waiting);
     engine.requests = 1;
     ASSERT_TRUE(Comes([&] { return !workers.IsBusy(); }));
@@ -119,7 +119,7 @@ TEST_F(WorkersTest, StopEndsTheLookForAddresses) {
     workers.Stop();
     ASSERT_TRUE(Comes([&] { return !workers.IsBusy(); }));
     struct : Results {
-        void OnResolved(const Addresses&, const std::string&) override { FAIL(); }
+        void OnResolved(const Addresses&, std::vector<std::string>) override { FAIL(); }
     } results;
     queue.RunAll(results);
 }
@@ -128,10 +128,10 @@ TEST_F(WorkersTest, StopEndsTheLookForAddresses) {
 TEST_F(WorkersTest, SelectedDeviceIsAskedDuringAWalk) {
     workers.Walk({"10.0.0.1"}, {1, 3}, 1);
     ASSERT_TRUE(Comes([&] { return engine.walks == 1; }));
-    workers.Ask({"10.0.0.2"}, false);
+    workers.Read({"10.0.0.2"}, false);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_EQ(0, engine.begun);
-    workers.Ask({"10.0.0.3"}, true);
+    workers.Read({"10.0.0.3"}, true);
     ASSERT_TRUE(Comes([&] { return engine.begun == 1; }));
     workers.StopWalk();  // the reading goes on
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -219,7 +219,7 @@ TEST_F(FleetWorkers, SelectedDeviceIsReadMeanwhile) {
     engine.slowMs = 1000;
     ReadAll(1);
     ASSERT_TRUE(Comes([&] { return engine.here == 1; }));
-    workers.Ask({"10.0.0.9"}, true);
+    workers.Read({"10.0.0.9"}, true);
     EXPECT_TRUE(Comes([&] { return engine.begun == 1; }));
     workers.Stop();
     Finish();
