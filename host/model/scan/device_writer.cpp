@@ -248,8 +248,9 @@ std::string VariableWriter::Row(const Answer& answer) {
            ValueText(answer, withNames_) + "\n";
 }
 
-std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator) {
-    return JoinedAs(cells, CsvCell, separator) + "\r\n";
+std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator,
+                    const char* lineEnd) {
+    return JoinedAs(cells, CsvCell, separator) + lineEnd;
 }
 
 std::string PrinterJson(const PrinterFacts& facts, const std::string& host) {
@@ -374,19 +375,12 @@ std::string PrintersCsv(const std::vector<PrinterLine>& printers) {
         "page count,supplies,not read\n";
     for (const PrinterLine& printer : printers) {
         const PrinterFacts& facts = printer.facts;
-        const std::vector<std::string> cells = {SeverityName(printer.summary.severity),
-                                                printer.summary.state,
-                                                printer.summary.supply,
-                                                facts.name,
-                                                facts.model,
-                                                Joined(printer.addresses),
-                                                facts.serialNumber,
-                                                facts.location,
-                                                facts.description,
-                                                CountText(facts),
-                                                SuppliesText(facts),
-                                                UnreadText(printer)};
-        text += JoinedAs(cells, CsvCell, ",") + "\n";
+        const PrinterSummary& summary = printer.summary;
+        text +=
+            CsvLine({SeverityName(summary.severity), summary.state, summary.supply, facts.name,
+                     facts.model, Joined(printer.addresses), facts.serialNumber, facts.location,
+                     facts.description, CountText(facts), SuppliesText(facts), UnreadText(printer)},
+                    ",", "\n");
     }
     return text;
 }

@@ -78,8 +78,9 @@ class VariableWriter {
     JsonArray array_;
 };
 
-// A line of a CSV document: UTF-8, with CR LF. See CsvCell.
-std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator);
+// A line of a CSV document in UTF-8. See CsvCell.
+std::string CsvLine(const std::vector<std::string>& cells, const std::string& separator,
+                    const char* lineEnd = "\r\n");
 constexpr char kByteOrderMark[] = "\xEF\xBB\xBF";  // before the first line
 
 // Facts for a program: one object in one line, or an array of such lines.
