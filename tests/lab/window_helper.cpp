@@ -24,7 +24,7 @@
 #include "values/module_types.h"
 #include "values/object_names.h"
 #include "window/store/settings.h"
-#include "window/work/module_engine.h"
+#include "window/work/engine.h"
 #include "wsd/wsd_message.h"
 
 namespace vndiscover::host {

@@ -412,16 +412,14 @@ void ListControl::ShowCopyMenu(LPARAM place) {
 }
 
 std::optional<LRESULT> HandleListMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_NOTIFY && message != WM_CONTEXTMENU) return std::nullopt;
     auto* header = reinterpret_cast<NMHDR*>(lParam);
-    if (message == WM_NOTIFY) {
-        if (ListControl* list = ListControl::Of(header->hwndFrom)) return list->OnNotify(header);
-    } else if (message == WM_CONTEXTMENU) {
-        if (ListControl* list = ListControl::Of(reinterpret_cast<HWND>(wParam))) {
-            list->ShowCopyMenu(lParam);
-            return 0;
-        }
-    }
-    return std::nullopt;
+    const bool isNotify = message == WM_NOTIFY;
+    auto* list = ListControl::Of(isNotify ? header->hwndFrom : reinterpret_cast<HWND>(wParam));
+    if (!list) return std::nullopt;
+    if (isNotify) return list->OnNotify(header);
+    list->ShowCopyMenu(lParam);
+    return 0;
 }
 
 }  // namespace vndiscover::host

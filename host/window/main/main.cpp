@@ -21,7 +21,6 @@
 #include "window/main/main_window.h"
 #include "window/resource.h"
 #include "window/strings.h"
-#include "window/work/module_engine.h"
 
 namespace vndiscover::host {
 namespace {

@@ -120,9 +120,12 @@ std::optional<Scan> ScanCommands::Load(const std::string& path) {
     ChangeText(status, Text(IDS_OPENING, {FileName(path)}));
     UpdateWindow(status);  // a large file takes seconds
     SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT)));
-    std::wstring problem;
-    auto scan = LoadScan(path, problem);
-    if (!scan) state_.ReportProblem(problem);
+    std::string reason;
+    bool isBroken = false;
+    auto scan = LoadScan(path, isBroken, reason);
+    if (!scan)
+        state_.ReportProblem(
+            Text(isBroken ? IDS_BROKEN_SCAN : IDS_NOT_READ, {ToWide(reason), ToWide(path)}));
     return scan;
 }
 
@@ -235,10 +238,9 @@ void ScanCommands::SaveTable(const std::string& csv) {
 
 bool ScanCommands::SaveCsvTo(const std::string& path) {
     const std::vector<Column> columns = list_.Columns();
-    std::vector<std::wstring> headings;
-    headings.reserve(columns.size());
+    std::vector<unsigned> headings;
     for (const Column column : columns)
-        headings.push_back(HeadingText(IDS_COLUMN_NAME + static_cast<unsigned>(column)));
+        headings.push_back(IDS_COLUMN_NAME + static_cast<unsigned>(column));
     const DeviceView& view = state_.session.view;
     const auto cell = [&](size_t row, size_t column) {
         return ShownText(view.Row(row), columns[column], true);
@@ -284,8 +286,9 @@ void ScanCommands::SaveForRecovery() {
 void ScanCommands::OfferRecovery() {
     for (int number = 1; number <= kMaxRecoveryFiles; ++number) {
         recoveryPath_ = RecoveryPath(number);
-        std::wstring problem;
-        auto scan = LoadScan(recoveryPath_, problem);
+        std::string ignored;
+        bool isBroken = false;
+        auto scan = LoadScan(recoveryPath_, isBroken, ignored);
         // No other window offers a file that is open here.
         recoveryFile_ = OpenExclusively(recoveryPath_, OPEN_EXISTING);
         if (!scan || !recoveryFile_) continue;  // it stays for the next start

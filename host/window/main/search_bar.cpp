@@ -122,10 +122,6 @@ void SearchBar::PlaceItem(Placement& placement, int id, Box box) const {
     placement.Move(Control(id), box);
 }
 
-void SearchBar::UseV3(bool isUsed) {
-    CheckDlgButton(parent_, IDC_V3, isUsed ? BST_CHECKED : BST_UNCHECKED);
-}
-
 size_t SearchBar::Preset() const {
     const LRESULT chosen = SendMessageW(Control(IDC_PRESET), CB_GETCURSEL, 0, 0);
     return static_cast<size_t>(std::max<LRESULT>(0, chosen));

@@ -27,7 +27,7 @@ class SearchBar {
     int Place(Placement* placement, HFONT font, int width, int dpi) const;
 
     bool UsesV3() const { return IsTicked(IDC_V3); }
-    void UseV3(bool isUsed);
+    void TickV3() const { CheckDlgButton(parent_, IDC_V3, BST_CHECKED); }
     // The sweeps that the user has chosen; may be empty.
     std::vector<SweepStep> Steps(const Credentials& credentials) const;
 

@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "model/scan/device_view.h"
+#include "platform/saved_file.h"
 #include "platform/wide_text.h"
 #include "window/dialogs/dialogs.h"
 #include "window/dialogs/snmp_dialog.h"
 #include "window/main/device_commands.h"
 #include "window/resource.h"
-#include "window/store/scan_files.h"
 #include "window/strings.h"
 
 namespace vndiscover::host {
@@ -18,7 +18,7 @@ void Searches::ApplyOptions() {
     const StartOptions& options = state_.options;
     if (!options.exit)
         state_.progress.SetNote(UseSaved(ToWide(options.profile), state_.credentials));
-    if (!options.profile.empty()) bar_.UseV3(true);
+    if (!options.profile.empty()) bar_.TickV3();
     if (options.lookFor) bar_.Choose(*options.lookFor);
     if (!options.communities.empty()) state_.credentials.communities = options.communities;
     state_.session.view.ShowOnlyPrinters(bar_.LooksForPrinters());
@@ -123,9 +123,10 @@ void Searches::EndStartSearch() {
     const std::string& path = state_.options.savePath;
     const std::string& csv = state_.options.csvPath;
     // A file stays as it is if nothing was sent, or if it has devices and this search found none.
-    std::wstring ignored;
+    std::string ignored;
+    bool isBroken = false;
     const bool isEmpty = state_.session.GetScan().answers.empty();
-    const auto former = isEmpty && !path.empty() ? LoadScan(path, ignored) : std::nullopt;
+    const auto former = isEmpty && !path.empty() ? LoadScan(path, isBroken, ignored) : std::nullopt;
     const bool hasFormerDevices = former && !former->answers.empty();
     if (hasFormerDevices) state_.ReportProblem(Text(IDS_FORMER_STAYS, {ToWide(path)}));
     const bool mayWrite = !state_.isUnsent && !hasFormerDevices;

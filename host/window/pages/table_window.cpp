@@ -79,22 +79,22 @@ void TableWindow::OnSelected() {
 
 void TableWindow::OnCommand(int id) {
     if (id != IDC_TABLE_SAVE) return;
-    std::vector<std::wstring> headings;
-    for (const ListColumn& column : form_.columns) headings.push_back(Text(column.heading));
+    std::vector<unsigned> headings;
+    for (const ListColumn& column : form_.columns) headings.push_back(column.heading);
     save_(CsvText(headings, Count(), [&](size_t row, size_t column) {
         const std::wstring& text = rows_[order_[row]].cells[column];
         return IsTime(column) ? LocalTime(ToUtf8(text)) : text;
     }));
 }
 
-std::string CsvText(const std::vector<std::wstring>& headings, size_t rows,
+std::string CsvText(const std::vector<unsigned>& headings, size_t rows,
                     const std::function<std::wstring(size_t row, size_t column)>& cell) {
     wchar_t list[8] = L"";
     GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SLIST, list, 8);
     const std::string separator = list[0] == L'\0' ? "," : ToUtf8(list);
     std::vector<std::string> cells;
     cells.reserve(headings.size());
-    for (const std::wstring& heading : headings) cells.push_back(ToUtf8(heading));
+    for (const unsigned heading : headings) cells.push_back(ToUtf8(HeadingText(heading)));
     std::string csv = kByteOrderMark + CsvLine(cells, separator);
     for (size_t row = 0; row < rows; ++row) {
         for (size_t column = 0; column < cells.size(); ++column)

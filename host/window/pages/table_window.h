@@ -39,8 +39,8 @@ class TableWindow : public ListDialog {
     bool isDescending_ = false;
 };
 
-// A CSV document, with the list separator of the user's settings.
-std::string CsvText(const std::vector<std::wstring>& headings, size_t rows,
+// A CSV document, with the list separator of the user's settings. `headings`: their strings.
+std::string CsvText(const std::vector<unsigned>& headings, size_t rows,
                     const std::function<std::wstring(size_t row, size_t column)>& cell);
 
 }  // namespace vndiscover::host

@@ -40,15 +40,6 @@ std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
     return ToUtf8(path.Get());
 }
 
-std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem) {
-    std::string reason;
-    bool isBroken = false;
-    auto scan = LoadScan(path, isBroken, reason);
-    if (!scan)
-        problem = Text(isBroken ? IDS_BROKEN_SCAN : IDS_NOT_READ, {ToWide(reason), ToWide(path)});
-    return scan;
-}
-
 std::string RecoveryPath(int number) {
     const std::string folder = ToUtf8(Environment(L"LOCALAPPDATA"));
     return (folder.empty() ? "." : folder) + "\\VnBrowser unsaved " + std::to_string(number) +

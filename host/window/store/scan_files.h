@@ -3,10 +3,8 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 
-#include "model/scan/scan.h"
 #include "platform/owned.h"
 
 namespace vndiscover::host {
@@ -15,9 +13,6 @@ namespace vndiscover::host {
 // thread with an Apartment. `kind`: the string that names such files.
 std::string AskPath(HWND owner, unsigned kind, const wchar_t* extension,
                     const std::wstring& proposed, bool isForSaving);
-
-// Returns nothing, with the reason in `problem`, if the file is no scan that this version can read.
-std::optional<Scan> LoadScan(const std::string& path, std::wstring& problem);
 
 // A file for a scan that was not saved when the Windows session ended. `number`: from 1 to
 // kMaxRecoveryFiles.

@@ -104,4 +104,11 @@ class Engine {
     OnCall onCall_;
 };
 
+// In module_engine.cpp: the engine with the module, and the call that a step or a request makes,
+// without secrets. `probe`: for WS-Discovery.
+std::unique_ptr<Engine> MakeModuleEngine();
+Call CallOf(const SweepStep& step, const std::string& probe);
+Call CallOf(const AskTarget& target, const Oid& oid);
+Call PingOf(const std::string& address);
+
 }  // namespace vndiscover::host

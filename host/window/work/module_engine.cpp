@@ -1,4 +1,4 @@
-#include "window/work/module_engine.h"
+#include "window/work/engine.h"
 
 #include <vndiscover.h>
 
@@ -16,8 +16,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-Device DeviceOf(const AskTarget& target) { return {target.login, target.address}; }
 
 class Stopwatch {
   public:
@@ -63,14 +61,14 @@ class ModuleEngine : public Engine {
     }
 
     PrinterAnswers Read(const AskTarget& target, std::function<bool()> mayGoOn) override {
-        const Device device = DeviceOf(target);
+        const Device device(target.login, target.address);
         const Asker asker = Reported(AskerOf(device), target, std::move(mayGoOn), 0);
         return ReadPrinter(asker, true);
     }
 
     FleetDevice ReadForList(const AskTarget& target, const FleetDevice& job, Reader* reader,
                             std::function<bool()> mayGoOn) override {
-        const Device device = DeviceOf(target);
+        const Device device(target.login, target.address);
         Asker asker = AskerOf(device);
         if (reader) {
             asker.getNext = [&](const Oid& oid) {
@@ -87,7 +85,7 @@ class ModuleEngine : public Engine {
 
     WalkEnd Walk(const AskTarget& target, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override {
-        const Device device = DeviceOf(target);
+        const Device device(target.login, target.address);
         return WalkSubtree(Reported(AskerOf(device), target, std::move(mayGoOn), ++walks_), root,
                            onVariable);
     }
@@ -97,7 +95,7 @@ class ModuleEngine : public Engine {
         v1.login.security = nullptr;
         // An empty user name reaches the SNMPv3 engine.
         if (!v3.login.security) v3.login.security = std::make_shared<const Security>();
-        const Device v1Device = DeviceOf(v1), v3Device = DeviceOf(v3);
+        const Device v1Device(v1.login, v1.address), v3Device(v3.login, v3.address);
         DiagnosisSteps steps;
         steps.ping = [&] {
             const Stopwatch watch;
