@@ -2,28 +2,15 @@
 // expect.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "host/model/scripted_device.h"
 #include "model/printer/report.h"
 
 namespace vndiscover::host {
 namespace {
 
-// Lines of a name or OID, a type as of `vndiscover set`, and a value.
-ScriptedDevice Recorded(const std::string& recording) {
+ScriptedDevice Recorded(const std::string& lines) {
     ScriptedDevice device;
-    std::istringstream lines(recording);
-    for (std::string line; std::getline(lines, line);) {
-        const size_t type = line.find(' ') + 1;
-        std::string problem;
-        const auto value = ParseSetValue(
-            line.substr(type, 1), line.size() > type + 1 ? line.substr(type + 2) : "", problem);
-        EXPECT_TRUE(value) << line << ": " << problem;
-        if (value)
-            device.variables[*ParseOidOrName(line.substr(0, type - 1))] = {value->type,
-                                                                           value->bytes};
-    }
+    device.Add(lines, '\n');
     return device;
 }
 
@@ -155,7 +142,6 @@ entPhysicalSerialNum.2 x 20 56 4E 37 30 20
 )";
 
 TEST(Recordings, OfAnOfficePrinter) {
-    ScriptedDevice device = Recorded(kOffice);
     EXPECT_EQ(R"(
 Model          Ostrava C900
 Serial number  OC900-77
@@ -183,11 +169,10 @@ Trays          Fach ü1  [..........]  ! 0 % (0 of 500 sheets), iso-a4-white
                Tray 2                 some left
 Also there     another printer, device index 9
 )",
-              Report(device.MakeAsker()));
+              Report(Recorded(kOffice).MakeAsker()));
 }
 
 TEST(Recordings, OfALabelPrinter) {
-    ScriptedDevice device = Recorded(kLabels);
     EXPECT_EQ(R"(
 Model          Kestrel K4 4.11
 Serial number  K4-0001
@@ -200,7 +185,7 @@ Up since       (0:00:00)
 Printer        idle
 Errors         none
 )",
-              Report(device.MakeAsker()));
+              Report(Recorded(kLabels).MakeAsker()));
 }
 
 TEST(Recordings, OfAnAgentThatGoesBack) {

@@ -5,6 +5,7 @@
 
 #include <numeric>
 
+#include "host/model/scripted_device.h"
 #include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
@@ -16,8 +17,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-constexpr char kDoorOpen[] = "\x08", kNoError[] = "";
 
 std::string At(int minute) { return "2026-11-25T04:" + std::to_string(10 + minute) + ":00Z"; }
 
@@ -34,20 +33,12 @@ class StandingTest : public testing::Test {
         for (const char* address : addresses)
             scan_.answers.push_back({scan_.sweeps.size() - 1, At(minute), address, Received("x")});
     }
-    void Read(int minute, const char* address, bool isWhole,
-              const std::vector<std::pair<const char*, const char*>>& texts) {
+    void Read(int minute, const char* address, bool isWhole, const std::string& variables) {
         ScanSweep sweep = {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, At(minute)};
         sweep.isComplete = isWhole;
         scan_.sweeps.push_back(sweep);
-        for (const auto& [name, text] : texts) {
-            const std::string object = name;
-            const bool isText = object.find("Description") != std::string::npos ||
-                                object.find("Error") != std::string::npos ||
-                                object.find("Serial") != std::string::npos;
-            scan_.answers.push_back(
-                {scan_.sweeps.size() - 1, At(minute), address,
-                 AnsweredWith(*ParseOidOrName(object), isText ? kOctetString : kInteger, text)});
-        }
+        for (const Answer& one : AnswersOf(variables))
+            scan_.answers.push_back({scan_.sweeps.size() - 1, At(minute), address, one});
     }
     std::string State(const char* address, const Reading* reading = nullptr,
                       bool isSearching = false, bool isBeingRead = false) const {
@@ -74,7 +65,7 @@ TEST_F(StandingTest, DeviceOutsideTheLastSearchIsSilent) {
     EXPECT_EQ("never read", State("10.0.0.1", nullptr, true)) << "it may still answer";
     EXPECT_EQ(Since(0), State("10.0.0.1", nullptr, false, true)) << "it is being read";
     EXPECT_EQ("being read", State("10.0.0.2", nullptr, false, true));
-    Read(2, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
+    Read(2, "10.0.0.1", true, "hrPrinterStatus.1 i 3");
     EXPECT_EQ("idle", State("10.0.0.1")) << "it was read after the search";
     Search(2, 1, {"10.0.0.2"});
     EXPECT_EQ(Since(2), State("10.0.0.1")) << "it was read before, within the same second";
@@ -115,7 +106,7 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
     EXPECT_EQ("no such value", with(Status::kAnswered, "", true));
     reading.end.gaps = {{"", "hrPrinterStatus", "no answer"}};
     EXPECT_EQ("incomplete, state not read", with(Status::kAnswered, "", true));
-    Read(1, "10.0.0.1", false, {{"hrPrinterStatus.1", "\3"}});
+    Read(1, "10.0.0.1", false, "hrPrinterStatus.1 i 3");
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", with(Status::kNoAnswer, "", true));
     Search(2, 1, {"10.0.0.1"});
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", State("10.0.0.1", &reading))
@@ -129,22 +120,17 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
 TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     const auto facts = [&] { return *MakeDevices(scan_).at(0).facts; };
     Read(0, "10.0.0.1", true,
-         {{"hrPrinterStatus.1", "\3"},
-          {"hrPrinterDetectedErrorState.1", kDoorOpen},
-          {"sysUpTime.0", "\1"},
-          {"prtMarkerSuppliesDescription.1.1", "Toner"},
-          {"prtMarkerSuppliesDescription.1.2", "Drum"},
-          {"prtMarkerSuppliesLevel.1.1", "\7"},
-          {"prtAlertDescription.1.1", "Door open"}});
+         "hrPrinterStatus.1 i 3; hrPrinterDetectedErrorState.1 x 08; sysUpTime.0 i 1; "
+         "prtMarkerSuppliesDescription.1.1 s Toner; prtMarkerSuppliesDescription.1.2 s Drum; "
+         "prtMarkerSuppliesLevel.1.1 i 7; prtAlertDescription.1.1 s Door open");
     scan_.sweeps.back().kind = SweepKind::kSnmpV3;
     EXPECT_EQ(2u, facts().supplies.size());
     EXPECT_EQ(7, facts().supplies[0].level.level);
     EXPECT_EQ(1u, facts().alerts.size());
     // For the list, without alerts: that of a former state may be over.
     Read(1, "10.0.0.1", false,
-         {{"hrPrinterStatus.1", "\3"},
-          {"hrPrinterDetectedErrorState.1", kNoError},
-          {"prtMarkerSuppliesDescription.1.1", "Toner"}});
+         "hrPrinterStatus.1 i 3; hrPrinterDetectedErrorState.1 x 00; "
+         "prtMarkerSuppliesDescription.1.1 s Toner");
     EXPECT_EQ(1u, facts().supplies.size());
     EXPECT_FALSE(facts().supplies[0].level.level) << "of a former reading";
     EXPECT_EQ(0u, facts().alerts.size());
@@ -154,7 +140,7 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     scan_.sweeps.back().isList = true;
     EXPECT_EQ("", facts().upTicksTime) << "by a protocol that it is no longer asked by";
     scan_.sweeps.back().kind = SweepKind::kSnmpV3;  // and its user is removed
-    Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
+    Read(2, "10.0.0.1", true, "hrDeviceStatus.1 i 2");
     EXPECT_EQ(0u, facts().supplies.size());
     EXPECT_EQ("", facts().printerStatus);
 }
@@ -162,12 +148,9 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
 // The first of three levels was read anew, and the column before them, but of one row.
 TEST_F(StandingTest, CutReadingReplacesOnlyWhatItRead) {
     Read(0, "10.0.0.1", false,
-         {{"prtMarkerSuppliesType.1.1", "\3"},
-          {"prtMarkerSuppliesType.1.2", "\3"},
-          {"prtMarkerSuppliesLevel.1.1", "\7"},
-          {"prtMarkerSuppliesLevel.1.2", "\x8"}});
-    Read(1, "10.0.0.1", false,
-         {{"prtMarkerSuppliesType.1.1", "\4"}, {"prtMarkerSuppliesLevel.1.1", "\6"}});
+         "prtMarkerSuppliesType.1.1 i 3; prtMarkerSuppliesType.1.2 i 3; prtMarkerSuppliesLevel.1.1 "
+         "i 7; prtMarkerSuppliesLevel.1.2 i 8");
+    Read(1, "10.0.0.1", false, "prtMarkerSuppliesType.1.1 i 4; prtMarkerSuppliesLevel.1.1 i 6");
     scan_.sweeps.back().isCut = true;
     std::string problem;
     scan_ = *ReadScan(*WriteScan(scan_, problem), problem);
@@ -183,7 +166,7 @@ TEST_F(StandingTest, CutReadingReplacesOnlyWhatItRead) {
 TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
     for (int round = 0; round < 3; ++round) {
         Search(round, 1, {"10.0.0.1", "10.0.0.2"});
-        Read(round, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
+        Read(round, "10.0.0.1", true, "hrPrinterStatus.1 i 3");
     }
     scan_.splits = {{0, 4}};
     const std::vector<size_t> places = RemoveFormerAnswers(scan_);
@@ -200,23 +183,23 @@ TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
 TEST_F(StandingTest, DeviceWithTwoAddressesStaysOne) {
     Search(0, 1, {"10.0.0.1", "10.0.0.2"});
     for (const char* address : {"10.0.0.1", "10.0.0.2"})
-        Read(0, address, true, {{"hrPrinterStatus.1", "\3"}, {"prtGeneralSerialNumber.1", "S1"}});
+        Read(0, address, true, "hrPrinterStatus.1 i 3; prtGeneralSerialNumber.1 s S1");
     EXPECT_EQ(1u, MakeDevices(scan_).size());
     RemoveFormerAnswers(scan_);
     EXPECT_EQ(1u, MakeDevices(scan_).size());
 }
 
 TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
-    const auto read = [&](int minute, const char* serial, const char* status) {
-        Read(minute, "10.0.0.1", false, {{"hrPrinterStatus.1", status}});
+    const auto read = [&](int minute, const std::string& serial, const std::string& status) {
+        Read(minute, "10.0.0.1", false, "hrPrinterStatus.1 i " + status);
         Read(minute, "10.0.0.1", true,
-             {{"hrPrinterStatus.1", status}, {"prtGeneralSerialNumber.1", serial}});
+             "hrPrinterStatus.1 i " + status + "; prtGeneralSerialNumber.1 s " + serial);
     };
     Search(0, 1, {"10.0.0.1"});
-    read(0, "first", "\4");
+    read(0, "first", "4");
     Search(1, 1, {"10.0.0.1"});
     EXPECT_EQ("printing", State("10.0.0.1"));
-    read(1, "second", "\3");
+    read(1, "second", "3");
     EXPECT_EQ(Since(0), State("10.0.0.1"));
     const std::vector<FoundDevice> present = PresentDevices(scan_);
     ASSERT_EQ(1u, present.size());
@@ -231,9 +214,8 @@ TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
 
 // No search reaches it, and only its readings tell.
 TEST_F(StandingTest, PrinterReplacedBeyondARouterIsSilent) {
-    for (const char* serial : {"first", "second"})
-        Read(0, "10.9.0.5", true,
-             {{"hrPrinterStatus.1", "\3"}, {"prtGeneralSerialNumber.1", serial}});
+    for (const std::string serial : {"first", "second"})
+        Read(0, "10.9.0.5", true, "hrPrinterStatus.1 i 3; prtGeneralSerialNumber.1 s " + serial);
     EXPECT_EQ(Since(0), State("10.9.0.5"));
     const std::vector<FoundDevice> present = PresentDevices(scan_);
     ASSERT_EQ(1u, present.size());
@@ -243,15 +225,12 @@ TEST_F(StandingTest, PrinterReplacedBeyondARouterIsSilent) {
 // Its alerts there are over if it is read elsewhere without them.
 TEST_F(StandingTest, FormerAddressTellsNothingOfNow) {
     Read(0, "10.0.0.1", true,
-         {{"hrPrinterStatus.1", "\3"},
-          {"prtGeneralSerialNumber.1", "S1"},
-          {"prtMarkerSuppliesDescription.1.1", "Toner"},
-          {"prtMarkerSuppliesDescription.1.2", "Drum"},
-          {"prtAlertDescription.1.1", "Door open"}});
+         "hrPrinterStatus.1 i 3; prtGeneralSerialNumber.1 s S1; prtMarkerSuppliesDescription.1.1 s "
+         "Toner; prtMarkerSuppliesDescription.1.2 s Drum; prtAlertDescription.1.1 s Door open");
     Read(1, "10.0.0.2", false,
-         {{"prtGeneralSerialNumber.1", "S1"}, {"prtMarkerSuppliesDescription.1.1", "Toner"}});
+         "prtGeneralSerialNumber.1 s S1; prtMarkerSuppliesDescription.1.1 s Toner");
     EXPECT_EQ(1u, MakeDevices(scan_).at(0).facts->supplies.size());
-    Read(2, "10.0.0.2", true, {{"prtGeneralSerialNumber.1", "S1"}});
+    Read(2, "10.0.0.2", true, "prtGeneralSerialNumber.1 s S1");
     EXPECT_TRUE(MakeDevices(scan_).at(0).facts->alerts.empty());
 }
 
@@ -363,14 +342,12 @@ TEST_F(StandingTest, ChangesAreOfWholeReadings) {
         return log.Add(MakeRows({scan_, {}, {}}, MakeDevices(scan_), standing).at(0), At(minute));
     };
     Read(0, "10.0.0.1", true,
-         {{"hrPrinterStatus.1", "\3"},
-          {"hrPrinterDetectedErrorState.1", kDoorOpen},
-          {"prtMarkerSuppliesMaxCapacity.1.1", "\100"},
-          {"prtMarkerSuppliesLevel.1.1", "\1"}});
+         "hrPrinterStatus.1 i 3; hrPrinterDetectedErrorState.1 x 08; "
+         "prtMarkerSuppliesMaxCapacity.1.1 i 64; prtMarkerSuppliesLevel.1.1 i 1");
     EXPECT_FALSE(add(0, false));
-    Read(1, "10.0.0.1", false, {{"hrPrinterDetectedErrorState.1", kNoError}});
+    Read(1, "10.0.0.1", false, "hrPrinterDetectedErrorState.1 x 00");
     EXPECT_FALSE(add(1, true));
-    Read(2, "10.0.0.1", false, {{"prtMarkerSuppliesLevel.1.1", "\77"}});
+    Read(2, "10.0.0.1", false, "prtMarkerSuppliesLevel.1.1 i 63");
     EXPECT_TRUE(add(2, false));
     ASSERT_EQ(1u, log.Changes().size());
     EXPECT_EQ("door open, a supply is low", log.Changes()[0].before);
