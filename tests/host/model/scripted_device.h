@@ -27,10 +27,10 @@ inline std::string Reply(const std::string& endpoint, const std::string& types =
 }
 
 // "NAME TYPE VALUE; NAME TYPE VALUE": names or OIDs, and types as of `vndiscover set`.
-inline std::vector<Answer> AnswersOf(const std::string& text, char separator = ';') {
+inline std::vector<Answer> AnswersOf(const std::string& text) {
     std::vector<Answer> answers;
     std::istringstream variables(text);
-    for (std::string one; std::getline(variables >> std::ws, one, separator);) {
+    for (std::string one; std::getline(variables >> std::ws, one, ';');) {
         const size_t type = one.find(' ') + 1, value = std::min(one.size(), type + 2);
         std::string problem;
         const auto parsed = ParseSetValue(one.substr(type, 1), one.substr(value), problem);
@@ -49,9 +49,10 @@ struct ScriptedDevice {
     std::map<Oid, Status> withheld;
     size_t requests = 0;
 
-    void Add(const std::string& text, char separator = ';') {
-        for (const Answer& one : AnswersOf(text, separator))
-            variables[one.oid] = {one.type, one.bytes};
+    ScriptedDevice() = default;
+    explicit ScriptedDevice(const std::string& text) { Add(text); }
+    void Add(const std::string& text) {
+        for (const Answer& one : AnswersOf(text)) variables[one.oid] = {one.type, one.bytes};
     }
     void Text(const std::string& name, std::string text) {
         variables[*ParseOidOrName(name)] = {kOctetString, std::move(text)};

@@ -100,8 +100,8 @@ class ScriptedEngine : public Engine {
     WalkEnd Walk(const AskTarget&, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override {
         Fail();
-        ScriptedDevice device;
-        device.Add("sysDescr.0 s a printer\x1B; sysName.0 s hall; .1.3.6.1.2.1.1.99.0 s unnamed");
+        ScriptedDevice device(
+            "sysDescr.0 s a printer\x1B; sysName.0 s hall; .1.3.6.1.2.1.1.99.0 s unnamed");
         Asker asker = device.MakeAsker();
         asker.mayGoOn = std::move(mayGoOn);
         asker.getNext = [this, ask = std::move(asker.getNext)](const Oid& oid) {

@@ -13,8 +13,7 @@ namespace {
 constexpr size_t kSupplies = 4;
 
 ScriptedDevice Printer(int errors, int level) {
-    ScriptedDevice device;
-    device.Add(
+    ScriptedDevice device(
         "sysDescr.0 s VN LaserPro 410, firmware 2.1; sysName.0 s hall; hrDeviceStatus.7 i 2; "
         "hrDeviceType.7 o .1.3.6.1.2.1.25.3.1.5; hrDeviceDescr.7 s VN LaserPro 410; "
         "hrPrinterStatus.7 i 3; prtGeneralSerialNumber.7 s VN1; ifPhysAddress.1 s 123456");

@@ -12,8 +12,7 @@ namespace vndiscover::host {
 namespace {
 
 ScriptedDevice Printer() {
-    ScriptedDevice device;
-    device.Add(
+    ScriptedDevice device(
         "sysName.0 s hall; hrDeviceType.3 o .1.3.6.1.2.1.25.3.1.5; "
         "hrDeviceDescr.3 s VN LaserPro 410; prtGeneralSerialNumber.3 s VN1; "
         "prtInputCurrentLevel.3.1 i 5; prtInputCurrentLevel.3.2 i 5; .1.3.6.1.4.1.9999.1.0 s x");
@@ -248,8 +247,7 @@ TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
 }
 
 TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
-    ScriptedDevice device;
-    device.Add(
+    ScriptedDevice device(
         "sysName.0 s hall; ifType.1 i 24; ifType.2 i 6; ifAdminStatus.1 i 1; ifAdminStatus.2 i 1; "
         "ifOperStatus.1 i 9; ifOperStatus.2 i 2; ifPhysAddress.1 i 1; ifDescr.2 s LAN\x1B port; "
         "ifPhysAddress.2 x 02 10 20 30 40 50; ifSpeed.2 u 100000000");
@@ -289,8 +287,7 @@ TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
 }
 
 TEST(PrinterFacts, AreFoundUnderAnotherNumber) {
-    ScriptedDevice device;
-    device.Add(
+    ScriptedDevice device(
         "hrDeviceType.3 o .1.3.6.1.2.1.25.3.1.5; hrDeviceType.4 o .1.3.6.1.2.1.25.3.1.5; "
         "prtGeneralSerialNumber.1 s VN1; prtAlertDescription.1.1 s VN1");
     device.Integer("prtInputCurrentLevel.4.1", 5);  // of the second printer
@@ -304,16 +301,10 @@ TEST(PrinterFacts, AreFoundUnderAnotherNumber) {
 }
 
 // As real printers send them (RFC 3805, prtMarkerSuppliesLevel).
-struct LevelRow {
-    Level level;
-    std::optional<int> percent;
-    const char* text;
-};
-
 TEST(Levels, AreSignedAndNeverMoreThanFull) {
     constexpr int64_t kHuge = INT64_MAX;
     const std::string pages = "impressions";
-    const LevelRow rows[] = {
+    const std::tuple<Level, std::optional<int>, const char*> rows[] = {
         {{400, 1000, pages}, 40, "40 % (400 of 1000 impressions)"},
         {{0, 1000, ""}, 0, "0 % (0 of 1000)"},
         {{1, 1000, ""}, 0, "under 1 % (1 of 1000)"},
@@ -341,9 +332,9 @@ TEST(Levels, AreSignedAndNeverMoreThanFull) {
         {{80, 100, "percent", true, true}, 80, "room left: 80 %"},
         {{-3, -2, "", false, true}, {}, "room left: some"},
         {{0, 30000, pages, false, true}, 0, "room left: 0 % (0 of 30000 impressions)"}};
-    for (const LevelRow& row : rows) {
-        EXPECT_EQ(row.percent, PercentOf(row.level)) << row.text;
-        EXPECT_EQ(row.text, LevelText(row.level));
+    for (const auto& [level, percent, text] : rows) {
+        EXPECT_EQ(percent, PercentOf(level)) << text;
+        EXPECT_EQ(text, LevelText(level));
     }
 }
 
