@@ -354,92 +354,87 @@ TEST_F(StandingTest, ChangesAreOfWholeReadings) {
     EXPECT_EQ("idle", log.Changes()[0].after);
 }
 
-// "SNMPv1 answered;SNMPv1 IPv6 silent: why;"
-std::string Protocols(const Scan& scan, const std::vector<Reading>& readings,
-                      const std::vector<size_t>& running = {}) {
-    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
-    constexpr const char* kStates[] = {" answered", " no value", " refused",
-                                       " pending",  " silent",   " not asked"};
-    std::vector<size_t> answers(scan.answers.size());
-    std::iota(answers.begin(), answers.end(), size_t{0});
-    std::string all;
-    for (const ProtocolLine& line : ProtocolsOf(scan, answers, readings, running)) {
-        all += kNames[static_cast<size_t>(line.kind)];
-        all += std::string(line.useIPv6 ? " IPv6" : "") + kStates[static_cast<size_t>(line.state)];
-        all += (line.note.empty() ? "" : ": ") + line.note + ";";
+class Protocols : public testing::Test {
+  protected:
+    // "SNMPv1 answered;SNMPv1 IPv6 silent: why;"
+    std::string Shown(const std::vector<Reading>& readings = {},
+                      const std::vector<size_t>& running = {}) const {
+        constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
+        constexpr const char* kStates[] = {" answered", " no value", " refused",
+                                           " pending",  " silent",   " not asked"};
+        std::vector<size_t> answers(scan_.answers.size());
+        std::iota(answers.begin(), answers.end(), size_t{0});
+        std::string all;
+        for (const ProtocolLine& line : ProtocolsOf(scan_, answers, readings, running)) {
+            all += kNames[static_cast<size_t>(line.kind)];
+            all +=
+                std::string(line.useIPv6 ? " IPv6" : "") + kStates[static_cast<size_t>(line.state)];
+            all += (line.note.empty() ? "" : ": ") + line.note + ";";
+        }
+        return all;
     }
-    return all;
-}
+    static ScanSweep Sweep(SweepKind kind, bool useIPv6 = false) {
+        const bool isWsd = kind == SweepKind::kWsd;
+        return {kind, isWsd ? AnswerForm::kReply : AnswerForm::kValue, useIPv6, {1, 3}, ""};
+    }
+    static Reading Ended(SweepKind kind, Status status, const char* address = "10.0.0.1") {
+        Reading reading = {address, kind, {}};
+        reading.end.lastStatus = status;
+        reading.end.lastProblem = "why";
+        return reading;
+    }
+    Scan scan_;
+};
 
-ScanSweep Sweep(SweepKind kind, bool useIPv6 = false) {
-    const bool isWsd = kind == SweepKind::kWsd;
-    return {kind, isWsd ? AnswerForm::kReply : AnswerForm::kValue, useIPv6, {1, 3}, ""};
-}
-
-Reading Ended(SweepKind kind, Status status, const char* problem,
-              const char* address = "10.0.0.1") {
-    Reading reading = {address, kind, {}};
-    reading.end.lastStatus = status;
-    reading.end.lastProblem = problem;
-    return reading;
-}
-
-TEST(Protocols, SayWhichSweepsADeviceAnswered) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV3),
-                   Sweep(SweepKind::kSnmpV3, true)};
-    scan.answers = {{0, "", "10.0.0.1", Received("")}};
-    EXPECT_EQ("SNMPv1 no value;SNMPv3 silent;SNMPv3 IPv6 pending;WSD not asked;",
-              Protocols(scan, {}, {2}));
-    scan.answers.push_back({0, "", "10.0.0.1", Received("x")});
-    scan.answers.push_back({2, "", "fe80::1", Received("x")});
-    EXPECT_EQ("SNMPv1 answered;SNMPv3 silent;SNMPv3 IPv6 answered;WSD not asked;",
-              Protocols(scan, {}, {2}));
+TEST_F(Protocols, SayWhichSweepsADeviceAnswered) {
+    scan_.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV3),
+                    Sweep(SweepKind::kSnmpV3, true)};
+    scan_.answers = {{0, "", "10.0.0.1", Received("")}};
+    EXPECT_EQ("SNMPv1 no value;SNMPv3 silent;SNMPv3 IPv6 pending;WSD not asked;", Shown({}, {2}));
+    scan_.answers.push_back({0, "", "10.0.0.1", Received("x")});
+    scan_.answers.push_back({2, "", "fe80::1", Received("x")});
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 silent;SNMPv3 IPv6 answered;WSD not asked;", Shown({}, {2}));
 }
 
 // A device that answers may have no address there.
-TEST(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
-    scan.answers = {{0, "", "10.0.0.1", Received("x")}};
-    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Protocols(scan, {}));
-    scan.sweeps[1].search = 1;  // and it was stopped
-    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Protocols(scan, {}));
-    scan.answers.clear();
-    EXPECT_EQ("SNMPv1 silent;SNMPv1 IPv6 not asked;SNMPv3 not asked;WSD not asked;",
-              Protocols(scan, {}));
+TEST_F(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
+    scan_.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
+    scan_.answers = {{0, "", "10.0.0.1", Received("x")}};
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Shown());
+    scan_.sweeps[1].search = 1;  // and it was stopped
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Shown());
+    scan_.answers.clear();
+    EXPECT_EQ("SNMPv1 silent;SNMPv1 IPv6 not asked;SNMPv3 not asked;WSD not asked;", Shown());
 }
 
-TEST(Protocols, SayWhyAReadingFailed) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};
-    scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
+TEST_F(Protocols, SayWhyAReadingFailed) {
+    scan_.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};
+    scan_.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
     for (const auto& [status, state] : {std::pair(Status::kRefused, "refused"),
                                         {Status::kOnlyDiscovered, "refused"},
                                         {Status::kAnswered, "no value"},
                                         {Status::kSendFailed, "silent"}})  // to the sweep
         EXPECT_EQ("SNMPv1 not asked;SNMPv3 " + std::string(state) + ": why;WSD answered;",
-                  Protocols(scan, {Ended(SweepKind::kSnmpV3, status, "why")}));
+                  Shown({Ended(SweepKind::kSnmpV3, status)}));
     // Not swept by SNMPv1, but read.
-    Reading reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why");
-    EXPECT_EQ("SNMPv1 silent: why;SNMPv3 silent;WSD answered;", Protocols(scan, {reading}));
+    Reading reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer);
+    EXPECT_EQ("SNMPv1 silent: why;SNMPv3 silent;WSD answered;", Shown({reading}));
     reading.end.isStopped = true;  // by the user
-    EXPECT_EQ("SNMPv1 not asked;SNMPv3 silent;WSD answered;", Protocols(scan, {reading}));
-    reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why", "fe80::1");
+    EXPECT_EQ("SNMPv1 not asked;SNMPv3 silent;WSD answered;", Shown({reading}));
+    reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "fe80::1");
     EXPECT_EQ("SNMPv1 not asked;SNMPv1 IPv6 silent: why;SNMPv3 silent;WSD answered;",
-              Protocols(scan, {reading}));
+              Shown({reading}));
 }
 
 // A variable that came after the sweep is an answer; that sweeps of it exist is no request.
-TEST(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kWsd),
-                   {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
-    scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
-    EXPECT_EQ("SNMPv1 not asked;SNMPv3 not asked;WSD answered;", Protocols(scan, {}));
-    scan.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
+TEST_F(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
+    scan_.sweeps = {Sweep(SweepKind::kWsd),
+                    {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
+    scan_.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
+    EXPECT_EQ("SNMPv1 not asked;SNMPv3 not asked;WSD answered;", Shown());
+    scan_.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
     EXPECT_EQ("SNMPv1 answered: why;SNMPv3 not asked;WSD answered;",
-              Protocols(scan, {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why")}));
+              Shown({Ended(SweepKind::kSnmpV1, Status::kNoAnswer)}));
 }
 
 }  // namespace
