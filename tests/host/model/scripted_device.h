@@ -1,10 +1,14 @@
 // A device for tests: a table of variables that answers like an SNMPv1 agent.
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <map>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "model/printer/printer_reader.h"
 #include "values/object_names.h"
@@ -22,6 +26,21 @@ inline std::string Reply(const std::string& endpoint, const std::string& types =
            "</d:Types></d:ProbeMatch></d:ProbeMatches></e:Body></e:Envelope>";
 }
 
+// "NAME TYPE VALUE; NAME TYPE VALUE": names or OIDs, and types as of `vndiscover set`.
+inline std::vector<Answer> AnswersOf(const std::string& text) {
+    std::vector<Answer> answers;
+    std::istringstream variables(text);
+    for (std::string one; std::getline(variables >> std::ws, one, ';');) {
+        const size_t type = one.find(' ') + 1, value = std::min(one.size(), type + 2);
+        std::string problem;
+        const auto parsed = ParseSetValue(one.substr(type, 1), one.substr(value), problem);
+        if (!parsed) throw std::invalid_argument(one + ": " + problem);
+        answers.push_back(
+            AnsweredWith(*ParseOidOrName(one.substr(0, type - 1)), parsed->type, parsed->bytes));
+    }
+    return answers;
+}
+
 struct ScriptedDevice {
     std::map<Oid, std::pair<uint32_t, std::string>> variables;
     // The failure of a request, if any; empty or kAnswered means none.
@@ -30,10 +49,21 @@ struct ScriptedDevice {
     std::map<Oid, Status> withheld;
     size_t requests = 0;
 
-    void Text(const char* name, std::string text) {
+    ScriptedDevice() = default;
+    explicit ScriptedDevice(const std::string& text) { Add(text); }
+    void Add(const std::string& text) {
+        for (const Answer& one : AnswersOf(text)) variables[one.oid] = {one.type, one.bytes};
+    }
+    void Text(const std::string& name, std::string text) {
         variables[*ParseOidOrName(name)] = {kOctetString, std::move(text)};
     }
-    void Integer(const char* name, int number) {
+    // The same one of each object in each row.
+    void Texts(const std::vector<std::string>& objects, const std::vector<std::string>& rows = {""},
+               const std::string& text = "text") {
+        for (const std::string& object : objects)
+            for (const std::string& row : rows) Text(object + row, text);
+    }
+    void Integer(const std::string& name, int number) {
         std::string problem;
         variables[*ParseOidOrName(name)] = {
             kInteger, ParseSetValue("i", std::to_string(number), problem)->bytes};

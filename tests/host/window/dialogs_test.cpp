@@ -38,6 +38,10 @@ class Dialogs : public MainWindowTest {
     static void Type(HWND dialog, int id, const wchar_t* text) {
         SendDlgItemMessageW(dialog, id, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
     }
+    static void Choose(HWND dialog, int id, int index) {
+        SendDlgItemMessageW(dialog, id, CB_SETCURSEL, WPARAM(index), 0);
+        SendMessageW(dialog, WM_COMMAND, WPARAM(MAKELONG(id, CBN_SELCHANGE)), 0);
+    }
     static void TypeUser(HWND dialog) {
         Type(dialog, IDC_PROFILE, L"Office");
         Type(dialog, IDC_USER, L"admin");
@@ -85,7 +89,6 @@ TEST_F(Dialogs, SavedUserIsUsedForSweeps) {
     const auto kept = ReadProfile(L"Office");
     ASSERT_TRUE(kept && kept->isOpen);
     EXPECT_EQ(L"SHA-2(256)", kept->security.authLabel);
-    EXPECT_EQ(kPassword, kept->security.authPassword.Get());
     // A later window uses it without asking, and the password is never shown.
     Open();
     PlayDialog(IDCANCEL, [](HWND dialog) {
@@ -127,7 +130,6 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
     EXPECT_EQ(Text(IDS_COMMUNITIES_CLOSED), Status());
     SaveCommunities(L"hidden");
     EXPECT_EQ("admin:hidden", next(false));
-    EXPECT_EQ(kPassword, window_->state.credentials.security->authPassword.Get());
     PlayDialog(IDOK, [](HWND dialog) {
         for (const int id : {IDC_USER, IDC_COMMUNITY}) Type(dialog, id, L"");
         SendDlgItemMessageW(dialog, IDC_AUTH, CB_SETCURSEL, 0, 0);
@@ -138,10 +140,6 @@ TEST_F(Dialogs, SettingsAreKeptUntilTheyAreCleared) {
 TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
     Open();
     PlayDialog(IDOK, [](HWND dialog) {
-        const auto choose = [&](int id, int index) {
-            SendDlgItemMessageW(dialog, id, CB_SETCURSEL, WPARAM(index), 0);
-            SendMessageW(dialog, WM_COMMAND, WPARAM(MAKELONG(id, CBN_SELCHANGE)), 0);
-        };
         const auto expectMistake = [&](int id, unsigned text) {
             PostMessageW(dialog, WM_COMMAND, IDOK, 0);
             const HWND box = NextPopupOf(dialog);
@@ -157,14 +155,14 @@ TEST_F(Dialogs, MistakesAreToldOneByOneAtTheirFields) {
         expectMistake(IDC_COMMUNITY, IDS_SNMP_BAD_COMMUNITY);
         Type(dialog, IDC_COMMUNITY, L"");
         EXPECT_FALSE(IsWindowEnabled(GetDlgItem(dialog, IDC_PRIV)));
-        choose(IDC_AUTH, 1);
+        Choose(dialog, IDC_AUTH, 1);
         EXPECT_TRUE(IsWindowEnabled(GetDlgItem(dialog, IDC_PRIV)));
         expectMistake(IDC_USER, IDS_SNMP_BAD_USER);
         Type(dialog, IDC_USER, L"admin");
         Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-        choose(IDC_PRIV, 2);
+        Choose(dialog, IDC_PRIV, 2);
         expectMistake(IDC_PRIV_PASSWORD, IDS_SNMP_NO_PRIV);
-        choose(IDC_AUTH, 0);  // its password, and privacy, have no meaning then
+        Choose(dialog, IDC_AUTH, 0);  // its password, and privacy, have no meaning then
     });
     EXPECT_FALSE(window_->state.credentials.security->UsePriv());
 }
@@ -199,36 +197,33 @@ TEST_F(Dialogs, AddressesAreAddedOrWhyNotIsTold) {
     EXPECT_TRUE(Until([&] { return engine_.listReads == 2; })) << "as those that are found";
     EXPECT_EQ(ToUtf8(TextOf(Control(IDC_STATUS))).find("Looking up"), std::string::npos);
     // A file's are added to what is typed.
-    wchar_t folder[MAX_PATH], path[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    GetTempFileNameW(folder, L"vn", 0, path);
+    const std::string path = TemporaryPath();
     std::string problem;
-    ASSERT_TRUE(ReplaceFileText(ToUtf8(path), "10.77.1.7\n10.77.1.6", problem));
+    ASSERT_TRUE(ReplaceFileText(path, "10.77.1.7\n10.77.1.6", problem));
     const auto read = [&](HWND dialog) {
         Type(dialog, IDC_ADD_HOSTS, L"10.77.1.5");
         PostMessageW(dialog, WM_COMMAND, IDC_ADD_FILE, 0);
         const HWND box = NextPopupOf(dialog);
-        TypePath(box, ToUtf8(path));
+        TypePath(box, path);
         PressUntilGone(box, IDOK);
         const HWND hosts = GetDlgItem(dialog, IDC_ADD_HOSTS);
         Awaited([&] { return Has(TextOf(hosts), L"1.6") ? hosts : nullptr; });
         EXPECT_EQ(L"10.77.1.5\r\n10.77.1.7\r\n10.77.1.6", TextOf(hosts));
     };
     PlayDialog(IDCANCEL, read, IDM_ADD);
-    EXPECT_TRUE(DeleteFileW(path));
+    EXPECT_TRUE(DeleteFileW(ToWide(path).c_str()));
 }
 
 // The close button stays at its distance from the lower right corner.
 TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
     OpenWith({{"10.77.1.1", "x"}});
     Select(0);
-    for (const auto& [command, list, grown] :
-         {std::tuple(IDM_CALLS, IDC_ROWS, IDC_CALL_TEXT),
-          std::tuple(IDM_CHANGES, IDC_ROWS, IDC_ROWS), std::tuple(IDM_WALK, IDC_ROWS, IDC_ROWS)}) {
+    for (const auto& [command, grown] :
+         {std::pair(IDM_CALLS, IDC_CALL_TEXT), {IDM_CHANGES, IDC_ROWS}, {IDM_WALK, IDC_ROWS}}) {
         SCOPED_TRACE(command);
         Command(command);
         const HWND dialog = Popup(), close = GetDlgItem(dialog, IDCANCEL);
-        const HWND columns = GetDlgItem(dialog, list), control = GetDlgItem(dialog, grown);
+        const HWND columns = GetDlgItem(dialog, IDC_ROWS), control = GetDlgItem(dialog, grown);
         const RECT first = PlaceOf(dialog), owner = PlaceOf(window_->Handle());
         const RECT button = PlaceOf(close), before = PlaceOf(control);
         EXPECT_NEAR(owner.left + owner.right, first.left + first.right, 1);
@@ -261,7 +256,8 @@ TEST_F(Dialogs, GrowAndHaveTheSizesOfTheirScreen) {
         for (const bool isSameDpi : {false, true}) {  // opened again, with rows as high as before
             Command(command);
             const HWND again = Popup();
-            EXPECT_TRUE(ListView_GetImageList(GetDlgItem(again, list), LVSIL_SMALL)) << isSameDpi;
+            EXPECT_TRUE(ListView_GetImageList(GetDlgItem(again, IDC_ROWS), LVSIL_SMALL))
+                << isSameDpi;
             DestroyWindow(again);
         }
     }
@@ -320,28 +316,24 @@ TEST_F(Dialogs, ReasonOfARefusalIsShown) {
 }
 
 TEST_F(Dialogs, AskAgainForPasswordsThatCannotBeOpened) {
-    constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kOffice, L"User", REG_BINARY, kBroken, sizeof kBroken);
-    SaveLastProfile(L"Office");
-    Open();
-    PlayDialog(IDOK, [](HWND dialog) {
-        EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
-        EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
-        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-    });
-    // It is still used, until the window is closed.
-    PlayDialog(IDOK, [](HWND) {});  // with the known password
-    EXPECT_FALSE(ReadProfile(L"Office")->isOpen);
     // One without a name, which cannot be left by choosing another, is replaced.
-    constexpr wchar_t kNameless[] = L"Software\\Varnell Osk\\VnBrowser\\Default profile";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kNameless, L"User", REG_BINARY, kBroken, sizeof kBroken);
-    SaveLastProfile(L"");
-    Open();
-    PlayDialog(IDOK, [](HWND dialog) {
-        EXPECT_EQ(Text(IDS_USER_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
-        Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
-    });
-    EXPECT_TRUE(ReadProfile(L"")->isOpen);
+    const std::wstring keys[] = {kOffice, kBrowserKey + std::wstring(L"\\Default profile")};
+    for (const bool hasName : {true, false}) {
+        constexpr wchar_t kBroken[] = L"admin\0SHA-2(256)\0\0broken";
+        const wchar_t* const name = hasName ? L"Office" : L"";
+        RegSetKeyValueW(HKEY_CURRENT_USER, keys[hasName ? 0 : 1].c_str(), L"User", REG_BINARY,
+                        kBroken, sizeof kBroken);
+        SaveLastProfile(name);
+        Open();
+        PlayDialog(IDOK, [&](HWND dialog) {
+            EXPECT_EQ(Text(hasName ? IDS_PROFILE_CLOSED : IDS_USER_CLOSED),
+                      TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
+            EXPECT_EQ(L"admin", TextOf(GetDlgItem(dialog, IDC_USER)));
+            Type(dialog, IDC_AUTH_PASSWORD, L"authpass1");
+        });
+        PlayDialog(IDOK, [](HWND) {});  // with the known password
+        EXPECT_EQ(!hasName, ReadProfile(name)->isOpen);
+    }
 }
 
 // It cannot be read, but it is listed and can be deleted.
@@ -349,8 +341,7 @@ TEST_F(Dialogs, BrokenProfileCanBeDeleted) {
     RegSetKeyValueW(HKEY_CURRENT_USER, kOffice, L"User", REG_BINARY, L"x", 2);
     Open();
     PlayDialog(IDCANCEL, [](HWND dialog) {
-        SendDlgItemMessageW(dialog, IDC_PROFILE, CB_SETCURSEL, 0, 0);
-        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDC_PROFILE, CBN_SELCHANGE), 0);
+        Choose(dialog, IDC_PROFILE, 0);
         EXPECT_EQ(Text(IDS_PROFILE_CLOSED), TextOf(GetDlgItem(dialog, IDC_PROFILE_NOTE)));
         PostMessageW(dialog, WM_COMMAND, IDC_PROFILE_DELETE, 0);
         PressUntilGone(NextPopupOf(dialog), IDYES);

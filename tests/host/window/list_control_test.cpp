@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/messages.h"
+#include "window/controls/level_bar.h"
 #include "window/controls/placement.h"
 #include "window/resource.h"
 
@@ -186,6 +187,41 @@ TEST_F(Lists, EmptyOnesSayWhyEachTime) {
     texts_ = {L""};
     list_.Refresh();
     EXPECT_FALSE(DrawsText());
+}
+
+// A bar's cell has the colours of the other cells of its row.
+TEST_F(Lists, BarsHaveTheColoursOfTheirRow) {
+    texts_ = {L""};
+    list_.Refresh();
+    Drawn([&](HDC dc) {
+        NMLVCUSTOMDRAW draw = {};
+        draw.nmcd.hdr.hwndFrom = list_.Handle();
+        draw.nmcd.hdc = dc;
+        const RECT cell = {0, 0, 100, 20};
+        const auto background = [&](HWND focused, int selected) {
+            SetFocus(focused);
+            list_.Select(selected);
+            DrawBar(draw, cell, {0}, L"0 %", 96, false);
+            EXPECT_EQ(GetSysColor(COLOR_WINDOW), GetPixel(dc, 4 + 10, 10));  // not a full bar
+            return GetPixel(dc, 0, 0);
+        };
+        EXPECT_EQ(GetSysColor(COLOR_WINDOW), background(list_.Handle(), -1));
+        EXPECT_EQ(GetSysColor(COLOR_HIGHLIGHT), background(list_.Handle(), 0));
+        EXPECT_EQ(GetSysColor(COLOR_BTNFACE), background(nullptr, 0));
+        // That of the supply has a frame.
+        constexpr COLORREF kCyan = RGB(0, 160, 216);
+        DrawBar(draw, cell, {50, kCyan}, L"50 %", 96, false);
+        const int end = 4 + 2 + 32 / 2;  // the inset, the frame, and half of the inside
+        EXPECT_EQ(kCyan, GetPixel(dc, end - 1, 10));
+        EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc, end, 10));
+        EXPECT_EQ(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc, end - 9, 3 + 1));
+        EXPECT_EQ(GetSysColor(COLOR_WINDOW), GetPixel(dc, end + 1, 10));
+        DrawBar(draw, cell, {2, kCyan}, L"2 %", 96, false);
+        EXPECT_EQ(kCyan, GetPixel(dc, 4 + 2, 10));  // seen although it is low
+        DrawBar(draw, cell, {kNoLevel}, L"", 96, true);
+        EXPECT_NE(GetSysColor(COLOR_WINDOWTEXT), GetPixel(dc, 4, 10)) << "its frame";
+        return true;
+    });
 }
 
 TEST(Rows, GroupCountsAndNothingElse) {

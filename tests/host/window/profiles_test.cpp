@@ -134,8 +134,6 @@ TEST_F(Profiles, InvalidNamesAreRefused) {
         EXPECT_FALSE(ReadProfile(name));
         EXPECT_FALSE(DeleteProfile(name));
     }
-    SaveLastProfile(L"Office");
-    EXPECT_EQ(L"Office", LastProfile());
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -29,6 +30,11 @@
 #include "window/strings.h"
 
 namespace vndiscover::host {
+
+// Of a file that is not there yet.
+inline std::string TemporaryPath() {
+    return (std::filesystem::temp_directory_path() / "vnbrowser_test").string();
+}
 
 constexpr DWORD kPatienceMs = 10000;
 constexpr wchar_t kBrowserKey[] = L"Software\\Varnell Osk\\VnBrowser";
@@ -50,12 +56,10 @@ class ScriptedEngine : public Engine {
             if (isOver_) break;
         }
         isInSweep_ = isOver_ = false;
-        ReportCall({"DiscoverDevicesByOID",
-                    {{"oid", ".1.3." + std::to_string(sweeps)}},
-                    "",
-                    "0",
-                    1,
-                    2000});
+        Call call;
+        call.name = "DiscoverDevicesByOID";
+        call.arguments = {{"oid", ".1.3." + std::to_string(sweeps)}};
+        ReportCall(std::move(call));
         return true;
     }
     // Like in the module, a request has no effect while no sweep runs.
@@ -87,24 +91,17 @@ class ScriptedEngine : public Engine {
             answers.lastStatus = Status::kNoAnswer;
             return answers;
         }
-        for (const auto& [name, type, text] :
-             {std::tuple("prtGeneralSerialNumber.1", kOctetString, "SERIAL 1"),
-              std::tuple("ifDescr.1", kOctetString, "LAN"),
-              std::tuple("ifAdminStatus.1", kInteger, "\1"),
-              std::tuple("ifOperStatus.1", kInteger, "\2")}) {
-            const Oid oid = *ParseOidOrName(name);
-            answers.values[oid] = AnsweredWith(oid, type, text);
-        }
+        for (const Answer& one : AnswersOf("prtGeneralSerialNumber.1 s SERIAL 1; ifDescr.1 s LAN; "
+                                           "ifAdminStatus.1 i 1; ifOperStatus.1 i 2"))
+            answers.values[one.oid] = one;
         return answers;
     }
     // Of the system's three variables, an endless table of interfaces, and a loop.
     WalkEnd Walk(const AskTarget&, const Oid& root, std::function<bool()> mayGoOn,
                  const OnVariable& onVariable) override {
         Fail();
-        ScriptedDevice device;
-        device.Text("sysDescr.0", "a printer\x1B");
-        device.Text("sysName.0", "hall");
-        device.Text(".1.3.6.1.2.1.1.99.0", "unnamed");
+        ScriptedDevice device(
+            "sysDescr.0 s a printer\x1B; sysName.0 s hall; .1.3.6.1.2.1.1.99.0 s unnamed");
         Asker asker = device.MakeAsker();
         asker.mayGoOn = std::move(mayGoOn);
         asker.getNext = [this, ask = std::move(asker.getNext)](const Oid& oid) {

@@ -12,6 +12,9 @@
 namespace vndiscover::host {
 namespace {
 
+const std::string kMinutes[] = {"2026-11-25T04:10:00Z", "2026-11-25T04:20:00Z",
+                                "2026-11-25T04:30:00Z"};
+
 class Sessions : public testing::Test {
   protected:
     // The addresses that answered, each with what.
@@ -84,9 +87,9 @@ TEST_F(Sessions, SearchReadsWhoAnsweredItAndMayBeAPrinter) {
 TEST_F(Sessions, DeviceIsAskedWhereItAnsweredLast) {
     Scan scan;
     scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kDocument, false, {}, ""}};
-    scan.answers = {{0, "2026-11-25T04:10:00Z", "10.77.1.9", Received("{}")},
-                    {0, "2026-11-25T04:20:00Z", "10.77.1.8", Received("{}")},
-                    {0, "2026-11-25T04:20:01Z", "fe80::1", Received("{}")}};
+    scan.answers = {{0, kMinutes[0], "10.77.1.9", Received("{}")},
+                    {0, kMinutes[1], "10.77.1.8", Received("{}")},
+                    {0, kMinutes[2], "fe80::1", Received("{}")}};
     session_.SetScan(scan);
     EXPECT_EQ("10.77.1.8", session_.TargetOf({0, 1, 2})->address);
 }
@@ -124,13 +127,10 @@ TEST_F(Sessions, MovedDeviceHasItsOwnReading) {
     Scan scan;
     scan.sweeps = {{SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""},
                    {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
-    const Oid serial = *ParseOidOrName("prtGeneralSerialNumber.1");
-    for (const size_t sweep : {0, 1})
-        scan.answers.push_back({sweep, sweep == 0 ? "2026-11-25T04:10:00Z" : "2026-11-25T04:20:00Z",
-                                sweep == 0 ? "10.77.1.20" : "10.77.1.31",
-                                AnsweredWith(serial, kOctetString, "S1")});
+    const Answer serial = AnswersOf("prtGeneralSerialNumber.1 s S1").front();
+    scan.answers = {{0, kMinutes[0], "10.77.1.20", serial}, {1, kMinutes[1], "10.77.1.31", serial}};
     session_.SetScan(scan);
-    Results::Read read = {{"10.77.1.20"}, "2026-11-25T04:30:00Z", {}};
+    Results::Read read = {{"10.77.1.20"}, kMinutes[2], {}};
     read.answers.lastStatus = Status::kNoAnswer;
     session_.AddReading(read);
     session_.Refresh();
@@ -140,37 +140,32 @@ TEST_F(Sessions, MovedDeviceHasItsOwnReading) {
 // Its first round, or the first try of a slow device, may be older than what the user has had read
 // meanwhile; supplies are one thing.
 TEST_F(Sessions, LateListReadingLeavesANewerState) {
-    const std::string minutes[] = {"2026-11-25T04:10:00Z", "2026-11-25T04:20:00Z",
-                                   "2026-11-25T04:30:00Z"};
-    using Values = std::vector<std::tuple<const char*, const char*, int>>;
+    using Values = std::vector<std::pair<int, const char*>>;
     const auto add = [&](int minute, bool isForList, const Values& values,
                          Status end = Status::kAnswered) {
-        Results::Read read = {{"10.77.1.1"}, minutes[minute], {}, isForList};
+        Results::Read read = {{"10.77.1.1"}, kMinutes[minute], {}, isForList};
         read.answers.lastStatus = end;
-        for (const auto& [name, bytes, at] : values) {
-            const Oid oid = *ParseOidOrName(name);
-            Answer& answer = read.answers.values[oid] = AnsweredWith(oid, kInteger, bytes);
-            answer.time = minutes[at];
+        for (const auto& [at, variables] : values) {
+            for (const Answer& one : AnswersOf(variables))
+                (read.answers.values[one.oid] = one).time = kMinutes[at];
         }
         session_.AddReading(read);
     };
-    add(0, true, {{"hrPrinterStatus.1", "\3", 0}});
+    add(0, true, {{0, "hrPrinterStatus.1 i 3"}});
     add(1, false,
-        {{"sysUpTime.0", "\1", 1},
-         {"hrPrinterStatus.1", "\4", 1},
-         {"prtAlertCode.1.1", "\3", 1},
-         {"prtMarkerSuppliesLevel.1.1", "\x9", 1}});
-    for (int round = 0; round < 2; ++round) {
+        {{1,
+          "sysUpTime.0 i 1; hrPrinterStatus.1 i 4; prtAlertCode.1.1 i 3; "
+          "prtMarkerSuppliesLevel.1.1 i 9"}});
+    for (int round = 0; round < 2; ++round)
         add(2, true,
-            {{"hrPrinterStatus.1", "\3", 1},
-             {"prtMarkerSuppliesType.1.1", "\3", 0},
-             {"prtMarkerSuppliesLevel.1.1", "\7", 2}});
-    }
-    add(2, true, {{"prtMarkerSuppliesType.1.1", "\3", 2}}, Status::kNoAnswer);
+            {{1, "hrPrinterStatus.1 i 3"},
+             {0, "prtMarkerSuppliesType.1.1 i 3"},
+             {2, "prtMarkerSuppliesLevel.1.1 i 7"}});
+    add(2, true, {{2, "prtMarkerSuppliesType.1.1 i 3"}}, Status::kNoAnswer);
     session_.Refresh();
     const PrinterFacts& facts = *session_.view.Row(0).facts;
     EXPECT_EQ("printing", facts.printerStatus);
-    EXPECT_EQ(minutes[1], facts.readTime);
+    EXPECT_EQ(kMinutes[1], facts.readTime);
     EXPECT_EQ(1u, facts.alerts.size());
     EXPECT_EQ(9, facts.supplies.at(0).level.level);
 }
@@ -199,19 +194,18 @@ TEST_F(Sessions, ReadingIsOfTheProtocolThatWasAsked) {
 
 // With the second round of a list by another login.
 TEST_F(Sessions, WhatOnlyAFormerUserCouldReadGoes) {
-    const auto location = [&](std::shared_ptr<const Security> user, const char* name,
+    const auto location = [&](std::shared_ptr<const Security> user, const char* variable,
                               bool isStateOnly) {
         const AskTarget target = {"10.77.1.9", {"", std::move(user)}};
         Results::Read round = {target, "", {}, true, false, isStateOnly};
-        const Oid oid = *ParseOidOrName(name);
-        round.answers.values[oid] = AnsweredWith(oid, kOctetString, "hall");
+        for (const Answer& one : AnswersOf(variable)) round.answers.values[one.oid] = one;
         session_.AddReading(round);
         session_.Refresh();
         return session_.view.Row(0).facts->location;
     };
-    EXPECT_EQ("hall", location(std::make_shared<const Security>(), "sysLocation.0", false));
-    EXPECT_EQ("hall", location(nullptr, "sysName.0", true));
-    EXPECT_EQ("", location(nullptr, "sysName.0", false));
+    EXPECT_EQ("hall", location(std::make_shared<const Security>(), "sysLocation.0 s hall", false));
+    EXPECT_EQ("hall", location(nullptr, "sysName.0 s hall", true));
+    EXPECT_EQ("", location(nullptr, "sysName.0 s hall", false));
 }
 
 }  // namespace

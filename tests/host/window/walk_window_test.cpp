@@ -39,21 +39,15 @@ TEST_F(WalkTests, FillsTheListAndSaysHowItEnded) {
     Start(L".1.3.6.1.2.1.1");
     EXPECT_TRUE(Until([&] { return State() == L"3 values, and no more below this OID"; }));
     EXPECT_EQ(3, Rows());
-    EXPECT_EQ(L".1.3.6.1.2.1.1.5.0", CellOf(list_, 1, 0));
-    EXPECT_EQ(L"sysName.0", CellOf(list_, 1, 1));
-    EXPECT_EQ(L"hall", CellOf(list_, 1, 2));
     EXPECT_EQ(L"", CellOf(list_, 2, 1));  // a known part alone is no name
     Press(IDC_COPY_ROW);                  // none is selected
     ListView_SetItemState(list_, 1, LVIS_SELECTED, LVIS_SELECTED);
     EXPECT_EQ(L".1.3.6.1.2.1.1.5.0, sysName.0: hall", TextOf(GetDlgItem(walk_, IDC_CHOSEN)));
     Press(IDC_COPY_ROW);
-    const std::wstring row = L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n";
-    EXPECT_EQ(row, Copied());
+    EXPECT_EQ(L".1.3.6.1.2.1.1.5.0\tsysName.0\thall\r\n", Copied());
     Press(IDC_COPY_TABLE);
-    const std::wstring all = Copied();
-    EXPECT_EQ(std::wstring::npos, all.find(L'\x1B'));
-    EXPECT_EQ(0u, all.find(L"OID\tName\tValue\r\n"));
-    EXPECT_THAT(all, HasSubstr(L"\n" + row));
+    EXPECT_THAT(Copied(), testing::AllOf(testing::StartsWith(L"OID\tName\tValue\r\n"),
+                                         testing::Not(HasSubstr(L"\x1B"))));
     // The list is that of the last walk only.
     Start(L"sysName");
     EXPECT_TRUE(Until([&] { return State() == L"1 value, and no more below this OID"; }));

@@ -163,9 +163,8 @@ TEST_F(WorkersTest, WalkThatHasNotBegunReportsItsEnd) {
 class FleetWorkers : public WorkersTest {
   protected:
     FleetWorkers() {
-        engine.device.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.5");
-        engine.device.Integer("hrPrinterStatus.1", 3);
-        engine.device.Integer("hrDeviceStatus.1", 2);
+        engine.device.Add(
+            "hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.5; hrPrinterStatus.1 i 3; hrDeviceStatus.1 i 2");
     }
     void ReadAll(int count) {
         std::vector<AskTarget> targets;

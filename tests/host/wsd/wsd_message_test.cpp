@@ -22,10 +22,8 @@ std::string Reply(const std::string& discovery, const std::string& match) {
 std::vector<ProbeMatch> Matches(const std::string& discovery, const std::string& match) {
     return ReadReply(Reply(discovery, match)).matches;
 }
-std::string Hashed(std::string text) {
-    for (size_t at; (at = text.find("\xEF\xBF\xBD")) != std::string::npos;)
-        text.replace(at, 3, "#");
-    return text;
+std::string Hashed(const std::string& text) {
+    return std::regex_replace(text, std::regex("\xEF\xBF\xBD"), "#");
 }
 constexpr char kVersion11[] = "http://docs.oasis-open.org/ws-dd/ns/discovery/2009/01";
 constexpr char kMatch[] =

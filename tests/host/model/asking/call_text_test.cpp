@@ -1,9 +1,11 @@
 #include "model/asking/call_text.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace vndiscover::host {
 namespace {
+
+using testing::HasSubstr;
 
 Call Ask(const std::string& host, const std::string& user) {
     Call call;
@@ -26,13 +28,10 @@ TEST(CallText, CommandTakesSecretsFromTheEnvironment) {
     EXPECT_EQ("vndiscover getnext 10.0.0.1 .1.3.6.1.2.1.1 --v3 -u admin -a \"SHA-2(256)\"",
               Command("admin"));
     EXPECT_EQ("", Command(""));  // the command requires a name
-    Call sweep = {
-        "DiscoverDevicesByOID",
-        {{"useIPv6", "1"}, {"oid", ".1.3"}, {"readCommunity", "VNDISCOVER_COMMUNITY", true}},
-        "",
-        "0",
-        3,
-        10};
+    Call sweep;
+    sweep.name = "DiscoverDevicesByOID";
+    sweep.arguments = {
+        {"useIPv6", "1"}, {"oid", ".1.3"}, {"readCommunity", "VNDISCOVER_COMMUNITY", true}};
     EXPECT_EQ("vndiscover sweep --ipv6 --oid .1.3 --community \"%VNDISCOVER_COMMUNITY%\"",
               CallText(sweep, CallLanguage::kCommand));
     EXPECT_EQ("DiscoverDevicesByOID(useIPv6 1, oid \".1.3\", readCommunity (secret))",
@@ -52,15 +51,12 @@ TEST(CallText, NoNameBecomesAnotherCommand) {
 TEST(CallText, LiteralsHoldEveryCharacter) {
     const std::string user = "a\"\\\n1\xC2\x85\xC3\xA9\xF0\x9F\x98\x80\xFF";
     const std::string cpp = CallText(Ask("1\xC3\xA9", user), CallLanguage::kCpp);
-    EXPECT_NE(std::string::npos, cpp.find("L\"a\\\"\\\\\\0121\\205\\u00E9\\U0001F600\\u00FF\""))
-        << cpp;
-    EXPECT_NE(std::string::npos, cpp.find("\"1\\303\\251\"")) << cpp;
-    EXPECT_NE(std::string::npos, cpp.find("_wgetenv(L\"VNDISCOVER_AUTH_PASS\")")) << cpp;
+    EXPECT_THAT(cpp, HasSubstr("L\"a\\\"\\\\\\0121\\205\\u00E9\\U0001F600\\u00FF\""));
+    EXPECT_THAT(cpp, HasSubstr("\"1\\303\\251\""));
+    EXPECT_THAT(cpp, HasSubstr("_wgetenv(L\"VNDISCOVER_AUTH_PASS\")"));
     const std::string sharp = CallText(Ask("1", user), CallLanguage::kCSharp);
-    EXPECT_NE(std::string::npos,
-              sharp.find("\"a\\\"\\\\\\u000A1\\u0085\\u00E9\\U0001F600\\u00FF\""))
-        << sharp;
-    EXPECT_NE(std::string::npos, sharp.find("GetEnvironmentVariable(\"VNDISCOVER_AUTH_PASS\")"));
+    EXPECT_THAT(sharp, HasSubstr("\"a\\\"\\\\\\u000A1\\u0085\\u00E9\\U0001F600\\u00FF\""));
+    EXPECT_THAT(sharp, HasSubstr("GetEnvironmentVariable(\"VNDISCOVER_AUTH_PASS\")"));
 }
 
 }  // namespace

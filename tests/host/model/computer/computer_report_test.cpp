@@ -46,25 +46,22 @@ TEST(ComputerReport, ListsAddressesInTheSweepsOrderWithTheirTime) {
 }
 
 TEST(ComputerReport, NamesCausesThatPreventASweep) {
-    const auto causes = [](auto change) {
+    const std::pair<void (*)(Computer&), const char*> rows[] = {
+        {[](Computer& it) { it.ipv4 = {}; }, "no list"},
+        {[](Computer& it) { it.ipv4.fits = false, it.ipv4.adapters = 33; },
+         "33 adapters, but room for 32"},
+        {[](Computer& it) { it.ipv4.addresses.clear(); }, "no adapter has an IPv4 address"},
+        {[](Computer& it) { it.ipv4.addresses[0].isUp = false; }, "no adapter that is up"},
+        {[](Computer& it) { it.ipv4.addresses[0].address = "169.254.3.4"; },
+         "only automatic addresses"},
+        {[](Computer& it) { it.broadcast.source.clear(); }, "no route for the broadcast"},
+        {[](Computer& it) { it.multicast.source.clear(); }, "no route for the multicast"}};
+    for (const auto& [change, cause] : rows) {
         Computer computer = Usual();
+        computer.ipv6 = {};  // which is none
         change(computer);
-        return ReportOn(computer).causes;
-    };
-    EXPECT_THAT(causes([](auto& it) { it.ipv4 = {}; }), ElementsAre(HasSubstr("no list")));
-    EXPECT_THAT(causes([](auto& it) { it.ipv4.fits = false, it.ipv4.adapters = 33; }),
-                ElementsAre(HasSubstr("33 adapters, but room for 32")));
-    EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses.clear(); }),
-                ElementsAre(HasSubstr("no adapter has an IPv4 address")));
-    EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses[0].isUp = false; }),
-                ElementsAre(HasSubstr("no adapter that is up")));
-    EXPECT_THAT(causes([](auto& it) { it.ipv4.addresses[0].address = "169.254.3.4"; }),
-                ElementsAre(HasSubstr("only automatic addresses")));
-    EXPECT_THAT(causes([](auto& it) { it.broadcast.source.clear(); }),
-                ElementsAre(HasSubstr("no route for the broadcast")));
-    EXPECT_THAT(causes([](auto& it) { it.multicast.source.clear(); }),
-                ElementsAre(HasSubstr("no route for the multicast")));
-    EXPECT_THAT(causes([](auto& it) { it.ipv6 = {}; }), IsEmpty());
+        EXPECT_THAT(ReportOn(computer).causes, ElementsAre(HasSubstr(cause)));
+    }
 }
 
 TEST(ComputerReport, LimitsIPv6AddressesLikeTheModule) {
@@ -109,59 +106,47 @@ TEST(ComputerReport, TellsThatAPolicyTakesPrecedence) {
     EXPECT_THAT(ReportOf(ReportOn(computer))[4].rows[1].text, HasSubstr("a group policy"));
 }
 
-struct FirewallRow {
-    const char* name;
-    FirewallProfile profile;
-    std::vector<FirewallRule> rules;
-    const char* passages;  // of SNMP and of WS-Discovery
-    std::vector<std::string> commands;
-};
-
 TEST(Firewall, BlockingRulesTakePrecedence) {
     const FirewallProfile usual = {kPrivate, true, false, false, true};
     const FirewallRule allow = {"ours", "161,3700-3702", kPrivate, true, true};
     const FirewallRule block = {"refused", "*", kPrivate | kPublic, false, true};
+    const FirewallProfile inPublic = {kPublic, true, false, false, false};
     const FirewallRule policy = {"policy", "3702", kPrivate, false, false};
     const std::string add =
         "netsh advfirewall firewall add rule name=\"VnDiscover\" dir=in action=allow "
         "program=\"C:\\Tools\\vndiscover.exe\" protocol=udp remoteport=161,3702 profile=";
-    const FirewallRow rows[] = {
-        {"off", {kPrivate, false, true, false, false}, {block}, "in, in", {}},
-        {"no rule", usual, {}, "in briefly, in briefly", {add + "private"}},
-        {"of another profile",
-         {kPublic, true, false, false, false},
-         {allow},
-         "kept out, kept out",
-         {add + "public"}},
-        {"allowed", usual, {allow}, "in, in", {}},
-        {"allowed by default", {kPublic, true, false, true, false}, {}, "in, in", {}},
-        {"blocked and allowed",
-         usual,
-         {allow, block},
-         "kept out, kept out",
-         {"netsh advfirewall firewall delete rule name=all dir=in "
-          "program=\"C:\\Tools\\vndiscover.exe\"",
-          add + "private"}},
-        {"blocked by an administrator", usual, {allow, policy}, "in, kept out", {}},
-        {"all is blocked",
-         {kDomain, true, true, true, true, false},
-         {allow},
-         "kept out, kept out",
-         {"netsh advfirewall set domainprofile firewallpolicy blockinbound,blockoutbound",
-          add + "domain"}}};
-    for (const FirewallRow& row : rows) {
+    const std::string remove =
+        "netsh advfirewall firewall delete rule name=all dir=in "
+        "program=\"C:\\Tools\\vndiscover.exe\"";
+    using Commands = std::vector<std::string>;
+    // The passages are those of SNMP and of WS-Discovery.
+    const std::tuple<const char*, FirewallProfile, std::vector<FirewallRule>, const char*, Commands>
+        rows[] = {{"off", {kPrivate, false, true, false, false}, {block}, "in, in", {}},
+                  {"no rule", usual, {}, "in briefly, in briefly", {add + "private"}},
+                  {"of another profile", inPublic, {allow}, "kept out, kept out", {add + "public"}},
+                  {"allowed", usual, {allow}, "in, in", {}},
+                  {"allowed by default", {kPublic, true, false, true, false}, {}, "in, in", {}},
+                  {"both", usual, {allow, block}, "kept out, kept out", {remove, add + "private"}},
+                  {"blocked by an administrator", usual, {allow, policy}, "in, kept out", {}},
+                  {"all is blocked",
+                   {kDomain, true, true, true, true, false},
+                   {allow},
+                   "kept out, kept out",
+                   {"netsh advfirewall set domainprofile firewallpolicy blockinbound,blockoutbound",
+                    add + "domain"}}};
+    for (const auto& [name, profile, rules, passages, commands] : rows) {
         Computer computer = Usual();
-        computer.firewall = {true, {row.profile}, row.rules};
+        computer.firewall = {true, {profile}, rules};
         const ComputerReport report = ReportOn(computer);
         const auto& ports = report.firewall.ports;
-        EXPECT_EQ(row.passages,
+        EXPECT_EQ(passages,
                   JoinedAs(ports, [](const auto& port) { return PassageText(port.passage); }))
-            << row.name;
-        EXPECT_EQ(row.commands, report.firewall.commands) << row.name;
+            << name;
+        EXPECT_EQ(commands, report.firewall.commands) << name;
         const auto closed = std::count_if(ports.begin(), ports.end(), [](const auto& port) {
             return port.passage == Passage::kClosed;
         });
-        EXPECT_EQ(static_cast<size_t>(closed), report.causes.size()) << row.name;
+        EXPECT_EQ(static_cast<size_t>(closed), report.causes.size()) << name;
     }
 }
 

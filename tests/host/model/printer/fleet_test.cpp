@@ -13,21 +13,16 @@ namespace {
 constexpr size_t kSupplies = 4;
 
 ScriptedDevice Printer(int errors, int level) {
-    ScriptedDevice device;
-    device.Text("sysDescr.0", "VN LaserPro 410, firmware 2.1");
-    device.Text("sysName.0", "hall");
-    device.Object("hrDeviceType.7", ".1.3.6.1.2.1.25.3.1.5");
-    device.Text("hrDeviceDescr.7", "VN LaserPro 410");
-    device.Integer("hrDeviceStatus.7", 2);
-    device.Integer("hrPrinterStatus.7", 3);
+    ScriptedDevice device(
+        "sysDescr.0 s VN LaserPro 410, firmware 2.1; sysName.0 s hall; hrDeviceStatus.7 i 2; "
+        "hrDeviceType.7 o .1.3.6.1.2.1.25.3.1.5; hrDeviceDescr.7 s VN LaserPro 410; "
+        "hrPrinterStatus.7 i 3; prtGeneralSerialNumber.7 s VN1; ifPhysAddress.1 s 123456");
     device.Text("hrPrinterDetectedErrorState.7", std::string(1, static_cast<char>(errors)));
-    device.Text("prtGeneralSerialNumber.7", "VN1");
-    device.Text("ifPhysAddress.1", "123456");
     for (size_t supply = 1; supply <= kSupplies; ++supply) {
         const std::string row = ".7." + std::to_string(supply);
-        device.Text(("prtMarkerSuppliesDescription" + row).c_str(), "Toner " + row);
-        device.Integer(("prtMarkerSuppliesMaxCapacity" + row).c_str(), 100);
-        device.Integer(("prtMarkerSuppliesLevel" + row).c_str(), level);
+        device.Text("prtMarkerSuppliesDescription" + row, "Toner " + row);
+        device.Integer("prtMarkerSuppliesMaxCapacity" + row, 100);
+        device.Integer("prtMarkerSuppliesLevel" + row, level);
     }
     return device;
 }
@@ -126,9 +121,7 @@ TEST_F(FleetTest, WithoutASerialNumberTheMacAddressIsRead) {
     Add(Printer(0, 50));
     ScriptedDevice& device = Add(Printer(0, 50));
     device.variables.erase(*ParseOidOrName("prtGeneralSerialNumber.7"));
-    device.Text("ifPhysAddress.2", "ABCDEF");
-    device.Integer("ifOperStatus.1", 2);
-    device.Integer("ifOperStatus.2", 1);
+    device.Add("ifPhysAddress.2 s ABCDEF; ifOperStatus.1 i 2; ifOperStatus.2 i 1");
     Finish();
     const PrinterFacts first = FactsOf(fleet_.Devices()[0].answers);
     EXPECT_EQ("", first.macAddress);
@@ -144,8 +137,7 @@ TEST_F(FleetTest, ColoursAreReadIfNoNameTellsOne) {
     for (const char* name : {"Toner", "Black toner"}) {
         ScriptedDevice& device = Add(Printer(0, 50));
         device.Text("prtMarkerSuppliesDescription.7.1", name);
-        device.Integer("prtMarkerSuppliesColorantIndex.7.1", 1);
-        device.Text("prtMarkerColorantValue.7.1", "cyan");
+        device.Add("prtMarkerSuppliesColorantIndex.7.1 i 1; prtMarkerColorantValue.7.1 s cyan");
     }
     Finish();
     EXPECT_EQ("cyan", Summary(0).supplyColour);
@@ -165,10 +157,8 @@ TEST_F(FleetTest, SlowDevicesAreReadAfterAllOthers) {
 }
 
 TEST_F(FleetTest, ADeviceThatIsNoPrinterCostsThreeRequests) {
-    ScriptedDevice computer;
-    computer.Object("hrDeviceType.1", ".1.3.6.1.2.1.25.3.1.3");
-    computer.Text(".1.3.6.1.4.1.9999.1.0", "of its maker");
-    ScriptedDevice& device = Add(std::move(computer));
+    ScriptedDevice& device = Add({});
+    device.Add("hrDeviceType.1 o .1.3.6.1.2.1.25.3.1.3; .1.3.6.1.4.1.9999.1.0 s of its maker");
     Finish();
     EXPECT_EQ(3u, device.requests);
     EXPECT_FALSE(fleet_.Devices()[0].severity);

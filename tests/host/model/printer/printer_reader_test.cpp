@@ -1,4 +1,4 @@
-// Limits on what a misbehaving device can cost.
+// What a misbehaving device can cost, and what variables mean where tools often get it wrong.
 #include "model/printer/printer_reader.h"
 
 #include <gtest/gtest.h>
@@ -11,17 +11,11 @@
 namespace vndiscover::host {
 namespace {
 
-constexpr char kPrinterType[] = ".1.3.6.1.2.1.25.3.1.5";
-
 ScriptedDevice Printer() {
-    ScriptedDevice device;
-    device.Text("sysName.0", "hall");
-    device.Object("hrDeviceType.3", kPrinterType);
-    device.Text("hrDeviceDescr.3", "VN LaserPro 410");
-    device.Text("prtGeneralSerialNumber.3", "VN1");
-    for (const char* name : {"prtInputCurrentLevel.3.1", "prtInputCurrentLevel.3.2"})
-        device.Integer(name, 5);
-    device.Text(".1.3.6.1.4.1.9999.1.0", "of its maker");
+    ScriptedDevice device(
+        "sysName.0 s hall; hrDeviceType.3 o .1.3.6.1.2.1.25.3.1.5; "
+        "hrDeviceDescr.3 s VN LaserPro 410; prtGeneralSerialNumber.3 s VN1; "
+        "prtInputCurrentLevel.3.1 i 5; prtInputCurrentLevel.3.2 i 5; .1.3.6.1.4.1.9999.1.0 s x");
     return device;
 }
 
@@ -35,8 +29,7 @@ bool HasGap(const PrinterAnswers& answers, const std::string& subject, const std
 
 TEST(PrinterReader, ReadsTheRowsOfThePrinter) {
     ScriptedDevice device = Printer();
-    device.Text("hrDeviceDescr.1", "a processor");
-    device.Text("entPhysicalSerialNum.1", "of a part");
+    device.Add("hrDeviceDescr.1 s a processor; entPhysicalSerialNum.1 s of a part");
     const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
     EXPECT_EQ(device.variables.size() - 3, answers.values.size());
     EXPECT_FALSE(answers.values.count(*ParseOidOrName("hrDeviceDescr.1")));
@@ -82,21 +75,13 @@ TEST(PrinterReader, WhatAnEarlyEndLeavesOutIsNotRead) {
 
 ScriptedDevice FullPrinter() {
     ScriptedDevice device = Printer();
-    for (const char* name :
-         {"sysDescr.0", "sysUpTime.0", "sysLocation.0", "prtConsoleDisplayBufferText.3.1",
-          "prtConsoleDisplayBufferText.3.2", "prtConsoleDisplayBufferText.3.3"})
-        device.Text(name, "text");
-    for (const char* column :
-         {"prtMarkerSuppliesClass", "prtMarkerSuppliesType", "prtMarkerSuppliesLevel",
-          "prtMarkerSuppliesDescription", "prtInputName", "prtInputMediaName", "prtAlertGroup",
-          "prtAlertDescription", "prtAlertTime"}) {
-        for (const char* row : {".3.1", ".3.2", ".3.4"})
-            device.Text((std::string(column) + row).c_str(), "cell");
-    }
-    for (const char* row : {".1", ".2"}) {
-        device.Integer((std::string("ifType") + row).c_str(), 6);
-        device.Text((std::string("ifPhysAddress") + row).c_str(), "\2\0\x5E\x10\0\1");
-    }
+    device.Texts({"sysDescr.0", "sysUpTime.0", "sysLocation.0"});
+    device.Texts({"prtConsoleDisplayBufferText"}, {".3.1", ".3.2", ".3.3"});
+    device.Texts({"prtMarkerSuppliesClass", "prtMarkerSuppliesType", "prtMarkerSuppliesLevel",
+                  "prtMarkerSuppliesDescription", "prtInputName", "prtInputMediaName",
+                  "prtAlertGroup", "prtAlertDescription", "prtAlertTime"},
+                 {".3.1", ".3.2", ".3.4"});
+    device.Texts({"ifType", "ifPhysAddress"}, {".1", ".2"});
     return device;
 }
 
@@ -141,8 +126,7 @@ TEST(PrinterReader, RefusedTablesAreToldAndCostLittle) {
 // Each silence takes as long as the module waits.
 TEST(PrinterReader, ASilentVariableLeavesTimeForOthers) {
     ScriptedDevice sparse = Printer();
-    for (const char* name : {"sysDescr.0", "sysUpTime.0", "sysLocation.0"})
-        sparse.Text(name, "text");
+    sparse.Texts({"sysDescr.0", "sysUpTime.0", "sysLocation.0"});
     const PrinterAnswers all = ReadPrinter(sparse.MakeAsker(), true);
     for (const auto& [oid, value] : sparse.variables) {
         if (IsWithin(oid, OidOf("hrDeviceType"))) continue;
@@ -185,8 +169,7 @@ TEST(PrinterReader, EndsAColumnBeforeWhatCannotBeRead) {
 // The supply's row is known of other columns, so it is asked for before the end is.
 TEST(PrinterReader, AColumnWithoutRowsIsNotGiven) {
     ScriptedDevice device = Printer();
-    device.Text("prtMarkerSuppliesType.3.1", "x");
-    device.Text("prtMarkerSuppliesType.3.2", "x");
+    device.Texts({"prtMarkerSuppliesType"}, {".3.1", ".3.2"});
     device.Text("prtMarkerColorantValue.3.1", "black");
     device.withheld[*ParseOidOrName("prtMarkerColorantValue.3.1")] = Status::kUnreadable;
     const auto levels = [&] {
@@ -222,8 +205,7 @@ TEST(PrinterReader, LossCostsNothing) {
 
 TEST(PrinterReader, EndlessTablesAreCut) {
     ScriptedDevice endless = Printer();
-    for (int row = 1; row < 1000; ++row)
-        endless.Integer(("ifType." + std::to_string(row)).c_str(), 6);
+    for (int row = 1; row < 1000; ++row) endless.Integer("ifType." + std::to_string(row), 6);
     PrinterAnswers answers = ReadPrinter(endless.MakeAsker());
     EXPECT_TRUE(HasGap(answers, "MAC address", "ifType", "more rows"));
     EXPECT_LT(endless.requests, 400u);
@@ -265,18 +247,11 @@ TEST(PrinterReader, SlowDevicesAreAskedForTwoMinutes) {
 }
 
 TEST(Interfaces, AreReadAfterThePrinterAndInWords) {
-    ScriptedDevice device;
-    device.Text("sysName.0", "hall");
-    for (const char* row : {".1", ".2"}) {
-        device.Integer((std::string("ifType") + row).c_str(), row[1] == '1' ? 24 : 6);
-        device.Integer((std::string("ifAdminStatus") + row).c_str(), 1);
-        device.Integer((std::string("ifOperStatus") + row).c_str(), row[1] == '1' ? 9 : 2);
-    }
-    device.Integer("ifPhysAddress.1", 1);
+    ScriptedDevice device(
+        "sysName.0 s hall; ifType.1 i 24; ifType.2 i 6; ifAdminStatus.1 i 1; ifAdminStatus.2 i 1; "
+        "ifOperStatus.1 i 9; ifOperStatus.2 i 2; ifPhysAddress.1 i 1; ifDescr.2 s LAN\x1B port; "
+        "ifPhysAddress.2 x 02 10 20 30 40 50; ifSpeed.2 u 100000000");
     device.Integer("ifType.3.1", 6);  // no row of the table
-    device.Text("ifDescr.2", "LAN\x1B port");
-    device.Text("ifPhysAddress.2", "\x02\x10\x20\x30\x40\x50");
-    device.variables[*ParseOidOrName("ifSpeed.2")] = {kGauge32, std::string("\x05\xF5\xE1\x00", 4)};
     const Asker asker = device.MakeAsker();
     EXPECT_FALSE(ReadPrinter(asker).values.count(*ParseOidOrName("ifDescr.2")));
     const size_t before = 2 * device.requests;
@@ -297,6 +272,75 @@ TEST(Interfaces, SpeedsHaveTheLargestUnit) {
                                                      {2500000000, "2.5 Gbit/s"},
                                                      {4294967295, "over 4.2 Gbit/s"}};
     for (const auto& [speed, text] : rows) EXPECT_EQ(text, SpeedText(speed));
+}
+
+PrinterFacts Facts(ScriptedDevice& device) {
+    const PrinterAnswers answers = ReadPrinter(device.MakeAsker());
+    PrinterFacts facts = FactsOf(answers);
+    EXPECT_EQ(facts.deviceIndex.has_value(), HasPrinter(answers));
+    return facts;
+}
+
+TEST(PrinterFacts, AreReadEvenIfNoPrinterIsListed) {
+    ScriptedDevice device;
+    EXPECT_FALSE(Facts(device).deviceIndex);
+    device.Integer("prtMarkerSuppliesLevel.7.1", -3);
+    const PrinterFacts facts = Facts(device);
+    EXPECT_EQ(7u, facts.deviceIndex);
+    ASSERT_EQ(1u, facts.supplies.size());
+    EXPECT_EQ("some left", LevelText(facts.supplies[0].level));
+}
+
+TEST(PrinterFacts, AreFoundUnderAnotherNumber) {
+    ScriptedDevice device(
+        "hrDeviceType.3 o .1.3.6.1.2.1.25.3.1.5; hrDeviceType.4 o .1.3.6.1.2.1.25.3.1.5; "
+        "prtGeneralSerialNumber.1 s VN1; prtAlertDescription.1.1 s VN1");
+    device.Integer("prtInputCurrentLevel.4.1", 5);  // of the second printer
+    EXPECT_EQ(0u, Facts(device).alerts.size());
+    device.Integer("prtMarkerSuppliesLevel.1.1", 7);
+    const PrinterFacts facts = Facts(device);
+    EXPECT_EQ(3u, facts.deviceIndex);
+    EXPECT_EQ("VN1", facts.serialNumber);
+    EXPECT_EQ(1u, facts.alerts.size());
+    EXPECT_EQ(0u, facts.trays.size());
+}
+
+// As real printers send them (RFC 3805, prtMarkerSuppliesLevel).
+TEST(Levels, AreSignedAndNeverMoreThanFull) {
+    constexpr int64_t kHuge = INT64_MAX;
+    const std::string pages = "impressions";
+    const std::tuple<Level, std::optional<int>, const char*> rows[] = {
+        {{400, 1000, pages}, 40, "40 % (400 of 1000 impressions)"},
+        {{0, 1000, ""}, 0, "0 % (0 of 1000)"},
+        {{1, 1000, ""}, 0, "under 1 % (1 of 1000)"},
+        {{999, 1000, ""}, 99, "99 % (999 of 1000)"},
+        {{29, 100, ""}, 29, "29 % (29 of 100)"},
+        {{130, 100, pages}, 100, "100 % (130 of 100 impressions, above the maximum)"},
+        {{kHuge - 1, kHuge, ""}, 100, "100 % (9223372036854775806 of 9223372036854775807)"},
+        {{-1, 1000, pages}, {}, "no limit"},
+        {{-2, 1000, pages}, {}, "unknown"},
+        {{-3, 1000, pages}, {}, "some left"},
+        {{-7, 1000, pages}, {}, "unknown (-7)"},
+        {{1200, -2, pages}, {}, "1200 impressions, maximum unknown"},
+        {{1200, 0, ""}, {}, "1200, maximum unknown"},
+        {{1200, {}, pages}, {}, "1200 impressions, maximum unknown"},
+        {{0, -2, pages}, 0, "empty"},
+        {{0, {}, "", false, true}, 0, "room left: none"},
+        {{1200, -1, pages}, {}, "1200 impressions, no maximum"},
+        {{{}, 1000, pages}, {}, "not read"},
+        // The level is the percentage, whatever the maximum.
+        {{40, -2, "percent", true}, 40, "40 %"},
+        {{40, 50, "percent", true}, 40, "40 %"},
+        {{120, 100, "percent", true}, 100, "100 % (the device says 120 %)"},
+        {{-3, 100, "percent", true}, {}, "some left"},
+        // A receptacle's level is its remaining capacity.
+        {{80, 100, "percent", true, true}, 80, "room left: 80 %"},
+        {{-3, -2, "", false, true}, {}, "room left: some"},
+        {{0, 30000, pages, false, true}, 0, "room left: 0 % (0 of 30000 impressions)"}};
+    for (const auto& [level, percent, text] : rows) {
+        EXPECT_EQ(percent, PercentOf(level)) << text;
+        EXPECT_EQ(text, LevelText(level));
+    }
 }
 
 }  // namespace

@@ -26,9 +26,9 @@ class DeviceViewTest : public testing::Test {
         scan_.answers.push_back({0, "2026-11-25T04:00:00Z", address, Received(model)});
         Show();
     }
-    void Tell(const char* address, const char* name, uint32_t type, const char* text) {
-        scan_.answers.push_back(
-            {1, "2026-11-25T05:00:00Z", address, AnsweredWith(*ParseOidOrName(name), type, text)});
+    void Tell(const char* address, const std::string& variables) {
+        for (const Answer& one : AnswersOf(variables))
+            scan_.answers.push_back({1, "2026-11-25T05:00:00Z", address, one});
         Show();
     }
     void Show() {
@@ -66,10 +66,9 @@ TEST_F(DeviceViewTest, SortsAddressesAsNumbers) {
 }
 
 TEST_F(DeviceViewTest, LimitsTellWhatNeedsAttention) {
-    Tell("10.77.1.1", "hrDeviceStatus.1", kInteger, "\2");
-    Tell("10.77.1.1", "hrPrinterStatus.1", kInteger, "\3");
-    Tell("10.77.1.1", "prtMarkerSuppliesSupplyUnit.1.1", kInteger, "\x13");
-    Tell("10.77.1.1", "prtMarkerSuppliesLevel.1.1", kInteger, "\x14");
+    Tell("10.77.1.1",
+         "hrDeviceStatus.1 i 2; hrPrinterStatus.1 i 3; prtMarkerSuppliesSupplyUnit.1.1 i 19; "
+         "prtMarkerSuppliesLevel.1.1 i 20");
     EXPECT_EQ(Severity::kFine, view_.Row(0).severity);
     limits_ = {30};
     view_.SetRows({});
@@ -116,7 +115,7 @@ TEST_F(DeviceViewTest, SeveralStaySelected) {
 
 TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {
     Hear("10.77.1.20", "x");
-    Tell("10.77.1.20", "sysName.0", kOctetString, "hall");
+    Tell("10.77.1.20", "sysName.0 s hall");
     Hear("10.78.1.20", "y");
     EXPECT_EQ("SNMPv1, SNMPv3;SNMPv1;", Shown(Column::kProtocols));
     EXPECT_EQ("10.77.1.0/24;;", Shown(Column::kNetwork));
@@ -126,15 +125,15 @@ TEST_F(DeviceViewTest, RowShowsProtocolsNetworkAndLastAnswer) {
 
 // The worst first, then the lowest supply; a state that does not hold is none.
 TEST_F(DeviceViewTest, StartsWithTheWorst) {
-    for (const auto& [address, status, level] : {std::tuple("10.77.1.1", "\2", "\x50"),
-                                                 {"10.77.1.2", "\2", "\x09"},
-                                                 {"10.77.1.3", "\5", "\x50"},
-                                                 {"10.77.1.4", "\2", "\x28"}}) {
-        Tell(address, "hrPrinterStatus.1", kInteger, "\3");
-        Tell(address, "hrDeviceStatus.1", kInteger, status);
-        Tell(address, "prtMarkerSuppliesMaxCapacity.1.1", kInteger, "\x64");
-        Tell(address, "prtMarkerSuppliesLevel.1.1", kInteger, level);
-    }
+    using Text = std::string;
+    for (const auto& [address, status, level] : {std::tuple("10.77.1.1", Text("2"), Text("80")),
+                                                 {"10.77.1.2", "2", "9"},
+                                                 {"10.77.1.3", "5", "80"},
+                                                 {"10.77.1.4", "2", "40"}})
+        Tell(address,
+             "hrPrinterStatus.1 i 3; prtMarkerSuppliesMaxCapacity.1.1 i 100; "
+             "hrDeviceStatus.1 i " +
+                 status + "; prtMarkerSuppliesLevel.1.1 i " + level);
     Hear("10.77.1.5", "x");
     EXPECT_EQ("10.77.1.3;10.77.1.2;10.77.1.5;10.77.1.4;10.77.1.1;", Shown());
     EXPECT_EQ("80 % supply;9 % supply;;40 % supply;80 % supply;", Shown(Column::kSupplies));
@@ -149,8 +148,8 @@ TEST_F(DeviceViewTest, ShowsNoComputerAsAPrinter) {
         scan_.answers.push_back({2, "", address, Received(Reply(address, type))});
     };
     Hear("10.77.1.1", "never read");
-    Tell("10.77.1.2", "sysName.0", kOctetString, "a computer");
-    Tell("10.77.1.3", "hrPrinterStatus.1", kInteger, "\3");
+    Tell("10.77.1.2", "sysName.0 s a computer");
+    Tell("10.77.1.3", "hrPrinterStatus.1 i 3");
     reply("10.77.1.4", "Computer");
     reply("10.77.1.5", "PrintDeviceType");
     view_.ShowOnlyPrinters(true);

@@ -2,7 +2,7 @@
 // terminal, a CSV reader and a JSON parser, whatever devices answer.
 #include "model/scan/device_writer.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "model/asking/json_request.h"
 #include "values/module_types.h"
@@ -69,9 +69,8 @@ TEST(DeviceRows, HoldTheAnswersOfADocument) {
     SweepValues values = {ValueKind::kDocument};
     for (const char* words : {"no value, or too long for SNMPv1",
                               "no value, or neither an INTEGER nor a text of up to 126 bytes"}) {
-        EXPECT_NE(std::string::npos,
-                  Written(Format::kText, values, {{"10.0.0.1", "{\"GET\": {\".1.3\": \"\"}}"}})
-                      .find(words));
+        EXPECT_THAT(Written(Format::kText, values, {{"10.0.0.1", "{\"GET\": {\".1.3\": \"\"}}"}}),
+                    testing::HasSubstr(words));
         values.isV3 = true;
     }
     EXPECT_EQ("\"10.0.0.1\",\"{\"\"GET\"\":{\"\".1.3\"\":\"\"x\\ny\"\"}}\"\n",

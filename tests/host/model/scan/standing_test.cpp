@@ -5,6 +5,7 @@
 
 #include <numeric>
 
+#include "host/model/scripted_device.h"
 #include "model/scan/compare.h"
 #include "model/scan/device_merge.h"
 #include "model/scan/device_view.h"
@@ -16,8 +17,6 @@
 
 namespace vndiscover::host {
 namespace {
-
-constexpr char kDoorOpen[] = "\x08", kNoError[] = "";
 
 std::string At(int minute) { return "2026-11-25T04:" + std::to_string(10 + minute) + ":00Z"; }
 
@@ -34,20 +33,12 @@ class StandingTest : public testing::Test {
         for (const char* address : addresses)
             scan_.answers.push_back({scan_.sweeps.size() - 1, At(minute), address, Received("x")});
     }
-    void Read(int minute, const char* address, bool isWhole,
-              const std::vector<std::pair<const char*, const char*>>& texts) {
+    void Read(int minute, const char* address, bool isWhole, const std::string& variables) {
         ScanSweep sweep = {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, At(minute)};
         sweep.isComplete = isWhole;
         scan_.sweeps.push_back(sweep);
-        for (const auto& [name, text] : texts) {
-            const std::string object = name;
-            const bool isText = object.find("Description") != std::string::npos ||
-                                object.find("Error") != std::string::npos ||
-                                object.find("Serial") != std::string::npos;
-            scan_.answers.push_back(
-                {scan_.sweeps.size() - 1, At(minute), address,
-                 AnsweredWith(*ParseOidOrName(object), isText ? kOctetString : kInteger, text)});
-        }
+        for (const Answer& one : AnswersOf(variables))
+            scan_.answers.push_back({scan_.sweeps.size() - 1, At(minute), address, one});
     }
     std::string State(const char* address, const Reading* reading = nullptr,
                       bool isSearching = false, bool isBeingRead = false) const {
@@ -74,7 +65,7 @@ TEST_F(StandingTest, DeviceOutsideTheLastSearchIsSilent) {
     EXPECT_EQ("never read", State("10.0.0.1", nullptr, true)) << "it may still answer";
     EXPECT_EQ(Since(0), State("10.0.0.1", nullptr, false, true)) << "it is being read";
     EXPECT_EQ("being read", State("10.0.0.2", nullptr, false, true));
-    Read(2, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
+    Read(2, "10.0.0.1", true, "hrPrinterStatus.1 i 3");
     EXPECT_EQ("idle", State("10.0.0.1")) << "it was read after the search";
     Search(2, 1, {"10.0.0.2"});
     EXPECT_EQ(Since(2), State("10.0.0.1")) << "it was read before, within the same second";
@@ -115,7 +106,7 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
     EXPECT_EQ("no such value", with(Status::kAnswered, "", true));
     reading.end.gaps = {{"", "hrPrinterStatus", "no answer"}};
     EXPECT_EQ("incomplete, state not read", with(Status::kAnswered, "", true));
-    Read(1, "10.0.0.1", false, {{"hrPrinterStatus.1", "\3"}});
+    Read(1, "10.0.0.1", false, "hrPrinterStatus.1 i 3");
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", with(Status::kNoAnswer, "", true));
     Search(2, 1, {"10.0.0.1"});
     EXPECT_EQ("idle (incomplete, no answer after 12 s)", State("10.0.0.1", &reading))
@@ -129,22 +120,17 @@ TEST_F(StandingTest, ReadingThatFailedIsToldInItsOwnWords) {
 TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     const auto facts = [&] { return *MakeDevices(scan_).at(0).facts; };
     Read(0, "10.0.0.1", true,
-         {{"hrPrinterStatus.1", "\3"},
-          {"hrPrinterDetectedErrorState.1", kDoorOpen},
-          {"sysUpTime.0", "\1"},
-          {"prtMarkerSuppliesDescription.1.1", "Toner"},
-          {"prtMarkerSuppliesDescription.1.2", "Drum"},
-          {"prtMarkerSuppliesLevel.1.1", "\7"},
-          {"prtAlertDescription.1.1", "Door open"}});
+         "hrPrinterStatus.1 i 3; hrPrinterDetectedErrorState.1 x 08; sysUpTime.0 i 1; "
+         "prtMarkerSuppliesDescription.1.1 s Toner; prtMarkerSuppliesDescription.1.2 s Drum; "
+         "prtMarkerSuppliesLevel.1.1 i 7; prtAlertDescription.1.1 s Door open");
     scan_.sweeps.back().kind = SweepKind::kSnmpV3;
     EXPECT_EQ(2u, facts().supplies.size());
     EXPECT_EQ(7, facts().supplies[0].level.level);
     EXPECT_EQ(1u, facts().alerts.size());
     // For the list, without alerts: that of a former state may be over.
     Read(1, "10.0.0.1", false,
-         {{"hrPrinterStatus.1", "\3"},
-          {"hrPrinterDetectedErrorState.1", kNoError},
-          {"prtMarkerSuppliesDescription.1.1", "Toner"}});
+         "hrPrinterStatus.1 i 3; hrPrinterDetectedErrorState.1 x 00; "
+         "prtMarkerSuppliesDescription.1.1 s Toner");
     EXPECT_EQ(1u, facts().supplies.size());
     EXPECT_FALSE(facts().supplies[0].level.level) << "of a former reading";
     EXPECT_EQ(0u, facts().alerts.size());
@@ -154,7 +140,7 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
     scan_.sweeps.back().isList = true;
     EXPECT_EQ("", facts().upTicksTime) << "by a protocol that it is no longer asked by";
     scan_.sweeps.back().kind = SweepKind::kSnmpV3;  // and its user is removed
-    Read(2, "10.0.0.1", true, {{"hrDeviceStatus.1", "\2"}});
+    Read(2, "10.0.0.1", true, "hrDeviceStatus.1 i 2");
     EXPECT_EQ(0u, facts().supplies.size());
     EXPECT_EQ("", facts().printerStatus);
 }
@@ -162,12 +148,9 @@ TEST_F(StandingTest, WhatAPrinterNoLongerSaysIsNotTold) {
 // The first of three levels was read anew, and the column before them, but of one row.
 TEST_F(StandingTest, CutReadingReplacesOnlyWhatItRead) {
     Read(0, "10.0.0.1", false,
-         {{"prtMarkerSuppliesType.1.1", "\3"},
-          {"prtMarkerSuppliesType.1.2", "\3"},
-          {"prtMarkerSuppliesLevel.1.1", "\7"},
-          {"prtMarkerSuppliesLevel.1.2", "\x8"}});
-    Read(1, "10.0.0.1", false,
-         {{"prtMarkerSuppliesType.1.1", "\4"}, {"prtMarkerSuppliesLevel.1.1", "\6"}});
+         "prtMarkerSuppliesType.1.1 i 3; prtMarkerSuppliesType.1.2 i 3; prtMarkerSuppliesLevel.1.1 "
+         "i 7; prtMarkerSuppliesLevel.1.2 i 8");
+    Read(1, "10.0.0.1", false, "prtMarkerSuppliesType.1.1 i 4; prtMarkerSuppliesLevel.1.1 i 6");
     scan_.sweeps.back().isCut = true;
     std::string problem;
     scan_ = *ReadScan(*WriteScan(scan_, problem), problem);
@@ -183,7 +166,7 @@ TEST_F(StandingTest, CutReadingReplacesOnlyWhatItRead) {
 TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
     for (int round = 0; round < 3; ++round) {
         Search(round, 1, {"10.0.0.1", "10.0.0.2"});
-        Read(round, "10.0.0.1", true, {{"hrPrinterStatus.1", "\3"}});
+        Read(round, "10.0.0.1", true, "hrPrinterStatus.1 i 3");
     }
     scan_.splits = {{0, 4}};
     const std::vector<size_t> places = RemoveFormerAnswers(scan_);
@@ -200,23 +183,23 @@ TEST_F(StandingTest, ReplacedAnswersAreRemoved) {
 TEST_F(StandingTest, DeviceWithTwoAddressesStaysOne) {
     Search(0, 1, {"10.0.0.1", "10.0.0.2"});
     for (const char* address : {"10.0.0.1", "10.0.0.2"})
-        Read(0, address, true, {{"hrPrinterStatus.1", "\3"}, {"prtGeneralSerialNumber.1", "S1"}});
+        Read(0, address, true, "hrPrinterStatus.1 i 3; prtGeneralSerialNumber.1 s S1");
     EXPECT_EQ(1u, MakeDevices(scan_).size());
     RemoveFormerAnswers(scan_);
     EXPECT_EQ(1u, MakeDevices(scan_).size());
 }
 
 TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
-    const auto read = [&](int minute, const char* serial, const char* status) {
-        Read(minute, "10.0.0.1", false, {{"hrPrinterStatus.1", status}});
+    const auto read = [&](int minute, const std::string& serial, const std::string& status) {
+        Read(minute, "10.0.0.1", false, "hrPrinterStatus.1 i " + status);
         Read(minute, "10.0.0.1", true,
-             {{"hrPrinterStatus.1", status}, {"prtGeneralSerialNumber.1", serial}});
+             "hrPrinterStatus.1 i " + status + "; prtGeneralSerialNumber.1 s " + serial);
     };
     Search(0, 1, {"10.0.0.1"});
-    read(0, "first", "\4");
+    read(0, "first", "4");
     Search(1, 1, {"10.0.0.1"});
     EXPECT_EQ("printing", State("10.0.0.1"));
-    read(1, "second", "\3");
+    read(1, "second", "3");
     EXPECT_EQ(Since(0), State("10.0.0.1"));
     const std::vector<FoundDevice> present = PresentDevices(scan_);
     ASSERT_EQ(1u, present.size());
@@ -231,9 +214,8 @@ TEST_F(StandingTest, PrinterReplacedAtItsAddressIsSilent) {
 
 // No search reaches it, and only its readings tell.
 TEST_F(StandingTest, PrinterReplacedBeyondARouterIsSilent) {
-    for (const char* serial : {"first", "second"})
-        Read(0, "10.9.0.5", true,
-             {{"hrPrinterStatus.1", "\3"}, {"prtGeneralSerialNumber.1", serial}});
+    for (const std::string serial : {"first", "second"})
+        Read(0, "10.9.0.5", true, "hrPrinterStatus.1 i 3; prtGeneralSerialNumber.1 s " + serial);
     EXPECT_EQ(Since(0), State("10.9.0.5"));
     const std::vector<FoundDevice> present = PresentDevices(scan_);
     ASSERT_EQ(1u, present.size());
@@ -243,15 +225,12 @@ TEST_F(StandingTest, PrinterReplacedBeyondARouterIsSilent) {
 // Its alerts there are over if it is read elsewhere without them.
 TEST_F(StandingTest, FormerAddressTellsNothingOfNow) {
     Read(0, "10.0.0.1", true,
-         {{"hrPrinterStatus.1", "\3"},
-          {"prtGeneralSerialNumber.1", "S1"},
-          {"prtMarkerSuppliesDescription.1.1", "Toner"},
-          {"prtMarkerSuppliesDescription.1.2", "Drum"},
-          {"prtAlertDescription.1.1", "Door open"}});
+         "hrPrinterStatus.1 i 3; prtGeneralSerialNumber.1 s S1; prtMarkerSuppliesDescription.1.1 s "
+         "Toner; prtMarkerSuppliesDescription.1.2 s Drum; prtAlertDescription.1.1 s Door open");
     Read(1, "10.0.0.2", false,
-         {{"prtGeneralSerialNumber.1", "S1"}, {"prtMarkerSuppliesDescription.1.1", "Toner"}});
+         "prtGeneralSerialNumber.1 s S1; prtMarkerSuppliesDescription.1.1 s Toner");
     EXPECT_EQ(1u, MakeDevices(scan_).at(0).facts->supplies.size());
-    Read(2, "10.0.0.2", true, {{"prtGeneralSerialNumber.1", "S1"}});
+    Read(2, "10.0.0.2", true, "prtGeneralSerialNumber.1 s S1");
     EXPECT_TRUE(MakeDevices(scan_).at(0).facts->alerts.empty());
 }
 
@@ -363,106 +342,99 @@ TEST_F(StandingTest, ChangesAreOfWholeReadings) {
         return log.Add(MakeRows({scan_, {}, {}}, MakeDevices(scan_), standing).at(0), At(minute));
     };
     Read(0, "10.0.0.1", true,
-         {{"hrPrinterStatus.1", "\3"},
-          {"hrPrinterDetectedErrorState.1", kDoorOpen},
-          {"prtMarkerSuppliesMaxCapacity.1.1", "\100"},
-          {"prtMarkerSuppliesLevel.1.1", "\1"}});
+         "hrPrinterStatus.1 i 3; hrPrinterDetectedErrorState.1 x 08; "
+         "prtMarkerSuppliesMaxCapacity.1.1 i 64; prtMarkerSuppliesLevel.1.1 i 1");
     EXPECT_FALSE(add(0, false));
-    Read(1, "10.0.0.1", false, {{"hrPrinterDetectedErrorState.1", kNoError}});
+    Read(1, "10.0.0.1", false, "hrPrinterDetectedErrorState.1 x 00");
     EXPECT_FALSE(add(1, true));
-    Read(2, "10.0.0.1", false, {{"prtMarkerSuppliesLevel.1.1", "\77"}});
+    Read(2, "10.0.0.1", false, "prtMarkerSuppliesLevel.1.1 i 63");
     EXPECT_TRUE(add(2, false));
     ASSERT_EQ(1u, log.Changes().size());
     EXPECT_EQ("door open, a supply is low", log.Changes()[0].before);
     EXPECT_EQ("idle", log.Changes()[0].after);
 }
 
-// "SNMPv1 answered;SNMPv1 IPv6 silent: why;"
-std::string Protocols(const Scan& scan, const std::vector<Reading>& readings,
-                      const std::vector<size_t>& running = {}) {
-    constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
-    constexpr const char* kStates[] = {" answered", " no value", " refused",
-                                       " pending",  " silent",   " not asked"};
-    std::vector<size_t> answers(scan.answers.size());
-    std::iota(answers.begin(), answers.end(), size_t{0});
-    std::string all;
-    for (const ProtocolLine& line : ProtocolsOf(scan, answers, readings, running)) {
-        all += kNames[static_cast<size_t>(line.kind)];
-        all += std::string(line.useIPv6 ? " IPv6" : "") + kStates[static_cast<size_t>(line.state)];
-        all += (line.note.empty() ? "" : ": ") + line.note + ";";
+class Protocols : public testing::Test {
+  protected:
+    // "SNMPv1 answered;SNMPv1 IPv6 silent: why;"
+    std::string Shown(const std::vector<Reading>& readings = {},
+                      const std::vector<size_t>& running = {}) const {
+        constexpr const char* kNames[] = {"SNMPv1", "SNMPv3", "WSD"};
+        constexpr const char* kStates[] = {" answered", " no value", " refused",
+                                           " pending",  " silent",   " not asked"};
+        std::vector<size_t> answers(scan_.answers.size());
+        std::iota(answers.begin(), answers.end(), size_t{0});
+        std::string all;
+        for (const ProtocolLine& line : ProtocolsOf(scan_, answers, readings, running)) {
+            all += kNames[static_cast<size_t>(line.kind)];
+            all +=
+                std::string(line.useIPv6 ? " IPv6" : "") + kStates[static_cast<size_t>(line.state)];
+            all += (line.note.empty() ? "" : ": ") + line.note + ";";
+        }
+        return all;
     }
-    return all;
-}
+    static ScanSweep Sweep(SweepKind kind, bool useIPv6 = false) {
+        const bool isWsd = kind == SweepKind::kWsd;
+        return {kind, isWsd ? AnswerForm::kReply : AnswerForm::kValue, useIPv6, {1, 3}, ""};
+    }
+    static Reading Ended(SweepKind kind, Status status, const char* address = "10.0.0.1") {
+        Reading reading = {address, kind, {}};
+        reading.end.lastStatus = status;
+        reading.end.lastProblem = "why";
+        return reading;
+    }
+    Scan scan_;
+};
 
-ScanSweep Sweep(SweepKind kind, bool useIPv6 = false) {
-    const bool isWsd = kind == SweepKind::kWsd;
-    return {kind, isWsd ? AnswerForm::kReply : AnswerForm::kValue, useIPv6, {1, 3}, ""};
-}
-
-Reading Ended(SweepKind kind, Status status, const char* problem,
-              const char* address = "10.0.0.1") {
-    Reading reading = {address, kind, {}};
-    reading.end.lastStatus = status;
-    reading.end.lastProblem = problem;
-    return reading;
-}
-
-TEST(Protocols, SayWhichSweepsADeviceAnswered) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV3),
-                   Sweep(SweepKind::kSnmpV3, true)};
-    scan.answers = {{0, "", "10.0.0.1", Received("")}};
-    EXPECT_EQ("SNMPv1 no value;SNMPv3 silent;SNMPv3 IPv6 pending;WSD not asked;",
-              Protocols(scan, {}, {2}));
-    scan.answers.push_back({0, "", "10.0.0.1", Received("x")});
-    scan.answers.push_back({2, "", "fe80::1", Received("x")});
-    EXPECT_EQ("SNMPv1 answered;SNMPv3 silent;SNMPv3 IPv6 answered;WSD not asked;",
-              Protocols(scan, {}, {2}));
+TEST_F(Protocols, SayWhichSweepsADeviceAnswered) {
+    scan_.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV3),
+                    Sweep(SweepKind::kSnmpV3, true)};
+    scan_.answers = {{0, "", "10.0.0.1", Received("")}};
+    EXPECT_EQ("SNMPv1 no value;SNMPv3 silent;SNMPv3 IPv6 pending;WSD not asked;", Shown({}, {2}));
+    scan_.answers.push_back({0, "", "10.0.0.1", Received("x")});
+    scan_.answers.push_back({2, "", "fe80::1", Received("x")});
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 silent;SNMPv3 IPv6 answered;WSD not asked;", Shown({}, {2}));
 }
 
 // A device that answers may have no address there.
-TEST(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
-    scan.answers = {{0, "", "10.0.0.1", Received("x")}};
-    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Protocols(scan, {}));
-    scan.sweeps[1].search = 1;  // and it was stopped
-    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Protocols(scan, {}));
-    scan.answers.clear();
-    EXPECT_EQ("SNMPv1 silent;SNMPv1 IPv6 not asked;SNMPv3 not asked;WSD not asked;",
-              Protocols(scan, {}));
+TEST_F(Protocols, IPv6SilenceOfAnAnsweringDeviceIsNotShown) {
+    scan_.sweeps = {Sweep(SweepKind::kSnmpV1), Sweep(SweepKind::kSnmpV1, true)};
+    scan_.answers = {{0, "", "10.0.0.1", Received("x")}};
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Shown());
+    scan_.sweeps[1].search = 1;  // and it was stopped
+    EXPECT_EQ("SNMPv1 answered;SNMPv3 not asked;WSD not asked;", Shown());
+    scan_.answers.clear();
+    EXPECT_EQ("SNMPv1 silent;SNMPv1 IPv6 not asked;SNMPv3 not asked;WSD not asked;", Shown());
 }
 
-TEST(Protocols, SayWhyAReadingFailed) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};
-    scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
+TEST_F(Protocols, SayWhyAReadingFailed) {
+    scan_.sweeps = {Sweep(SweepKind::kWsd), Sweep(SweepKind::kSnmpV3)};
+    scan_.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
     for (const auto& [status, state] : {std::pair(Status::kRefused, "refused"),
                                         {Status::kOnlyDiscovered, "refused"},
                                         {Status::kAnswered, "no value"},
                                         {Status::kSendFailed, "silent"}})  // to the sweep
         EXPECT_EQ("SNMPv1 not asked;SNMPv3 " + std::string(state) + ": why;WSD answered;",
-                  Protocols(scan, {Ended(SweepKind::kSnmpV3, status, "why")}));
+                  Shown({Ended(SweepKind::kSnmpV3, status)}));
     // Not swept by SNMPv1, but read.
-    Reading reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why");
-    EXPECT_EQ("SNMPv1 silent: why;SNMPv3 silent;WSD answered;", Protocols(scan, {reading}));
+    Reading reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer);
+    EXPECT_EQ("SNMPv1 silent: why;SNMPv3 silent;WSD answered;", Shown({reading}));
     reading.end.isStopped = true;  // by the user
-    EXPECT_EQ("SNMPv1 not asked;SNMPv3 silent;WSD answered;", Protocols(scan, {reading}));
-    reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why", "fe80::1");
+    EXPECT_EQ("SNMPv1 not asked;SNMPv3 silent;WSD answered;", Shown({reading}));
+    reading = Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "fe80::1");
     EXPECT_EQ("SNMPv1 not asked;SNMPv1 IPv6 silent: why;SNMPv3 silent;WSD answered;",
-              Protocols(scan, {reading}));
+              Shown({reading}));
 }
 
 // A variable that came after the sweep is an answer; that sweeps of it exist is no request.
-TEST(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
-    Scan scan;
-    scan.sweeps = {Sweep(SweepKind::kWsd),
-                   {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
-    scan.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
-    EXPECT_EQ("SNMPv1 not asked;SNMPv3 not asked;WSD answered;", Protocols(scan, {}));
-    scan.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
+TEST_F(Protocols, AReadingThatBroughtValuesIsAnAnswer) {
+    scan_.sweeps = {Sweep(SweepKind::kWsd),
+                    {SweepKind::kSnmpV1, AnswerForm::kVariable, false, {}, ""}};
+    scan_.answers = {{0, "", "10.0.0.1", Received("<a/>")}};
+    EXPECT_EQ("SNMPv1 not asked;SNMPv3 not asked;WSD answered;", Shown());
+    scan_.answers.push_back({1, "", "10.0.0.1", AnsweredWith({1, 3}, kOctetString, "hall")});
     EXPECT_EQ("SNMPv1 answered: why;SNMPv3 not asked;WSD answered;",
-              Protocols(scan, {Ended(SweepKind::kSnmpV1, Status::kNoAnswer, "why")}));
+              Shown({Ended(SweepKind::kSnmpV1, Status::kNoAnswer)}));
 }
 
 }  // namespace
