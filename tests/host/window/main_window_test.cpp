@@ -386,7 +386,7 @@ TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
     twice.hdr = {Control(IDC_DEVICES), IDC_DEVICES, static_cast<UINT>(LVN_ITEMACTIVATE)};
     SendMessageW(window_->Handle(), WM_NOTIFY, IDC_DEVICES, reinterpret_cast<LPARAM>(&twice));
     EXPECT_EQ(Control(IDC_DETAILS), GetFocus());
-    ASSERT_TRUE(Until([&] { return !window_->state.IsBusy(); }));
+    ASSERT_TRUE(Until([&] { return TextOf(Control(IDC_FIND)) == Text(IDS_FIND); }));
     press(IDC_DETAILS);  // as one that is held goes on there
     EXPECT_EQ(Text(IDS_FIND), TextOf(Control(IDC_FIND)));
     press(IDC_FILTER);
