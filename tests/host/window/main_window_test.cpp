@@ -86,8 +86,7 @@ TEST_F(MainWindowTest, ExceptionEndsInAMessage) {
     Open();
     SetTextChange(fail);
     EXPECT_EQ("out of memory", Answer({IDOK}, [&] { Command(IDM_DOCTOR); }));
-    MSG enter = {Control(IDC_DEVICES), WM_KEYDOWN, VK_RETURN, 0, 0, {}};
-    EXPECT_EQ("out of memory", Answer({IDOK}, [&] { window_->Dispatch(enter); }));
+    EXPECT_EQ("out of memory", Answer({IDOK}, [&] { PressKey(Control(IDC_DEVICES), VK_RETURN); }));
     SetTextChange(nullptr);
     Command(IDM_DOCTOR);
     EXPECT_TRUE(Until([&] { return TextOf(Popup()) == Text(IDS_DOCTOR_TITLE); }));
@@ -114,13 +113,11 @@ TEST_F(MainWindowTest, EscInTheTextOfARowStopsTheSearch) {
     Command(IDC_FIND);
     const HWND chosen = Control(IDC_CHOSEN);
     SetFocus(chosen);
-    MSG escape = {chosen, WM_KEYDOWN, VK_ESCAPE, 0, 0, {}};
-    window_->Dispatch(escape);
+    PressKey(chosen, VK_ESCAPE);
     EXPECT_TRUE(Ends());
     ASSERT_TRUE(window_->Handle());
     EXPECT_EQ(0u, Status().find(L"Stopped after "));
-    MSG tab = {chosen, WM_KEYDOWN, VK_TAB, 0, 0, {}};
-    window_->Dispatch(tab);
+    PressKey(chosen, VK_TAB);
     EXPECT_NE(chosen, GetFocus());
 }
 
@@ -374,8 +371,7 @@ TEST_F(MainWindowTest, EnterFindsOrGoesToTheDetails) {
     const int sweeps = engine_.sweeps;
     const auto press = [&](int control) {
         SetFocus(Control(control));
-        MSG enter = {Control(control), WM_KEYDOWN, VK_RETURN, 0, 0, {}};
-        window_->Dispatch(enter);
+        PressKey(Control(control), VK_RETURN);
     };
     Select(0);
     press(IDC_DEVICES);
@@ -516,10 +512,7 @@ TEST_F(MainWindowTest, FocusReturnsFromAnotherWindow) {
     const HWND page = Popup();
     PlacesIn(page);
     // Keys of the main window are not its keys, and Enter in its list is no button.
-    for (const WPARAM key : {VK_F5, VK_RETURN}) {
-        MSG pressed = {GetDlgItem(page, IDC_DETAILS), WM_KEYDOWN, key, 1, 0, {}};
-        window_->Dispatch(pressed);
-    }
+    for (const WPARAM key : {VK_F5, VK_RETURN}) PressKey(GetDlgItem(page, IDC_DETAILS), key);
     EXPECT_FALSE(window_->state.IsBusy());
     EXPECT_TRUE(IsWindow(page));
     report.Close();

@@ -54,8 +54,7 @@ class Menus : public MainWindowTest {
         keys[VK_SHIFT] = isShifted ? 0x80 : 0;
         keys[VK_MENU] = isAltGr ? 0x80 : 0;
         SetKeyboardState(keys);
-        MSG message = {list, WM_KEYDOWN, key, 0, 0, {}};
-        window_->Dispatch(message);
+        PressKey(list, key);
         keys[VK_CONTROL] = keys[VK_SHIFT] = keys[VK_MENU] = 0;
         SetKeyboardState(keys);
     }

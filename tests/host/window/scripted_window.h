@@ -387,6 +387,10 @@ class MainWindowTest : public testing::Test {
     bool Shows(const std::wstring& addresses) {
         return Until([&] { return Addresses() == addresses; });
     }
+    void PressKey(HWND focus, WPARAM key) {
+        MSG pressed = {focus, WM_KEYDOWN, key, 1, 0, {}};
+        window_->Dispatch(pressed);
+    }
     HWND Control(int id) const { return GetDlgItem(window_->Handle(), id); }
     HWND Popup() const { return PopupOf(window_->Handle()); }
     std::wstring Status() const { return TextOf(Control(IDC_STATUS)); }
