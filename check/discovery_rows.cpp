@@ -40,7 +40,7 @@ void DiscoveryRows(Report& report, Module& module) {
         report.NotSeen(name, expected, "the adapters cannot be hidden from the module");
         return;
     }
-    // By such a wait our programs tell a Probe that left by an adapter too from one that did not.
+    // Our programs rely on this wait: a sweep that takes no longer has sent nothing by an adapter.
     ResultWindow silent;
     const auto started = std::chrono::steady_clock::now();
     Sweep(module, silent.Handle());

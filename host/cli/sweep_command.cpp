@@ -87,7 +87,7 @@ void CheckCsvPath(const std::string& path, bool isOurs) {
     if (!file) throw CLI::ValidationError("--csv", "cannot write '" + path + "'");
 }
 
-// Each option would overwrite the file of another one.
+// No option may overwrite the file of another one.
 void CheckPathsDiffer(const SweepOptions& options) {
     const std::pair<const char*, const std::string&> paths[] = {
         {"--json", options.jsonPath}, {"--csv", options.csvPath}, {"--save", options.save.path}};

@@ -50,7 +50,7 @@ std::wstring Expanded(const std::wstring& path) {
     return text;
 }
 
-bool IsForIncomingUdp(INetFwRule& rule) {
+bool IsActiveForIncomingUdp(INetFwRule& rule) {
     const LONG protocol = Read(rule, &INetFwRule::get_Protocol).value_or(0);
     return Read(rule, &INetFwRule::get_Enabled).value_or(VARIANT_FALSE) &&
            Read(rule, &INetFwRule::get_Direction) == NET_FW_RULE_DIR_IN &&
@@ -76,7 +76,7 @@ bool HasLimits(INetFwRule& rule) {
 }
 
 void AddRule(FirewallState& state, INetFwRule& rule, const std::string& ownPath) {
-    if (!IsForIncomingUdp(rule) || HasLimits(rule)) return;
+    if (!IsActiveForIncomingUdp(rule) || HasLimits(rule)) return;
     const auto profiles = Read(rule, &INetFwRule::get_Profiles);
     const auto action = Read(rule, &INetFwRule::get_Action);
     if (!profiles || !action) return;

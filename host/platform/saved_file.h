@@ -17,8 +17,8 @@ std::wstring SystemPath(const std::string& path);
 std::optional<std::string> ReadFileText(const std::string& path, size_t maxSize,
                                         std::string& problem);
 
-// The scan in a file. Empty, with the reason in `problem`, if the file cannot be read, or if it can
-// and `isBroken`.
+// The scan in a file. Empty, with the reason in `problem`, if the file cannot be read or is no
+// scan; then `isBroken` says that it could be read.
 std::optional<Scan> LoadScan(const std::string& path, bool& isBroken, std::string& problem);
 
 // Also true if the system does not say: such a file must not count as new.

@@ -17,7 +17,7 @@ struct IpAddress {
     }
 };
 
-// `address` is as the module, a device or a scan writes it.
+// Of a text that is an address; another one may have a colon too.
 inline bool IsIPv6(std::string_view address) { return address.find(':') != std::string_view::npos; }
 
 // The zone of an IPv6 address is dropped. Empty for other text, such as a name.

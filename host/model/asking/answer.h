@@ -53,7 +53,8 @@ const char* RefusalReason(const Oid& asked, const Oid& answered, uint32_t type);
 
 constexpr char kErrorAnswer[] = "an error instead of a value";
 
-// Over SNMPv3, a device that may not or cannot say why is silent after the engine discovery.
+// No answer, over SNMPv3 also none after the engine discovery: so is a device that may not or
+// cannot explain a refusal.
 bool IsSilence(const Answer& answer);
 
 // Whether other variables of the device may still be read after this failure.

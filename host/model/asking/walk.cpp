@@ -74,7 +74,7 @@ std::vector<Oid> WaysPast(const Oid& root, const Oid& at, const std::vector<Oid>
 
 // The first way that gets past. Several variables may be too long. A silence takes seconds, so only
 // few ways are tried then. The request before the first one that got past may have been lost, so
-// the search continues before it.
+// it is sent again; if it gets past now, the search continues before it.
 template <class GetsPast>
 std::vector<Oid>::const_iterator FirstOf(const std::vector<Oid>& ways, bool isSilence,
                                          const GetsPast& getsPast) {

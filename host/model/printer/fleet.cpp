@@ -16,7 +16,7 @@ FleetDevice ReadJob(FleetDevice job, const Asker& asker) {
         const int64_t start = asker.NowMs();
         Answer answer = asker.getNext(oid);
         isSlow |= asker.NowMs() - start > kSlowRequestMs;
-        answer.time = UtcNow();  // a later round or attempt begins with it
+        answer.time = UtcNow();  // kept: a later round or attempt begins with this answer
         return answer;
     };
     PrinterAnswers known;

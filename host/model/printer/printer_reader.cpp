@@ -360,45 +360,45 @@ bool IsStateUnread(const PrinterAnswers& answers) {
 }
 
 PrinterAnswers ReadPrinter(const Asker& asker, bool withInterfaces) {
-    Questioner questions(asker);
-    questions.Read(kQuestions);
-    if (!questions.Printer()) questions.Read(kPrinterMib);
-    questions.Read(kMac);
-    questions.ReadEntitySerial(Way::kColumn);
-    if (withInterfaces) questions.Read(kInterfaceQuestions);
-    return questions.Finish();
+    Questioner questioner(asker);
+    questioner.Read(kQuestions);
+    if (!questioner.Printer()) questioner.Read(kPrinterMib);
+    questioner.Read(kMac);
+    questioner.ReadEntitySerial(Way::kColumn);
+    if (withInterfaces) questioner.Read(kInterfaceQuestions);
+    return questioner.Finish();
 }
 
 PrinterAnswers ReadState(const Asker& asker, PrinterAnswers known) {
-    Questioner questions(asker, std::move(known));
-    questions.Read({"hrPrinterStatus", kState, Way::kFirst});  // its row also names the printer
-    if (questions.IsStateUnread())
-        questions.Read({"hrPrinterDetectedErrorState", kState, Way::kFirst});
-    if (!questions.Printer()) questions.Read({"hrDeviceType", kState, Way::kFirst});
-    if (!questions.Printer()) questions.Read(kPrinterMib);
+    Questioner questioner(asker, std::move(known));
+    questioner.Read({"hrPrinterStatus", kState, Way::kFirst});  // its row also names the printer
+    if (questioner.IsStateUnread())
+        questioner.Read({"hrPrinterDetectedErrorState", kState, Way::kFirst});
+    if (!questioner.Printer()) questioner.Read({"hrDeviceType", kState, Way::kFirst});
+    if (!questioner.Printer()) questioner.Read(kPrinterMib);
     for (const char* object : {"hrPrinterDetectedErrorState", "hrDeviceStatus", "hrDeviceDescr"})
-        if (questions.Printer()) questions.Read({object, kState, Way::kPrinter});
+        if (questioner.Printer()) questioner.Read({object, kState, Way::kPrinter});
     for (const Question& question : kQuestions)
-        if (std::string_view(question.subject) != kState) questions.LeaveOut(question);
-    questions.LeaveOut(kMac[0]);
-    return questions.Finish();
+        if (std::string_view(question.subject) != kState) questioner.LeaveOut(question);
+    questioner.LeaveOut(kMac[0]);
+    return questioner.Finish();
 }
 
 PrinterAnswers ReadForList(const Asker& asker, PrinterAnswers known) {
     EraseIf(known.gaps, [](const Gap& gap) { return gap.subject != kState; });
-    Questioner questions(asker, std::move(known));
+    Questioner questioner(asker, std::move(known));
     for (const Question& question : kQuestions) {
-        if (question.isListed) questions.Read(question);
+        if (question.isListed) questioner.Read(question);
     }
-    questions.ReadColours();
-    questions.ReadEntitySerial(Way::kFirst);
-    if (questions.HasSerial("prtGeneralSerialNumber") ||
-        questions.HasSerial("entPhysicalSerialNum")) {
-        questions.LeaveOut(kMac[0]);
+    questioner.ReadColours();
+    questioner.ReadEntitySerial(Way::kFirst);
+    if (questioner.HasSerial("prtGeneralSerialNumber") ||
+        questioner.HasSerial("entPhysicalSerialNum")) {
+        questioner.LeaveOut(kMac[0]);
     } else {
-        questions.Read(kMac);
+        questioner.Read(kMac);
     }
-    return questions.Finish();
+    return questioner.Finish();
 }
 
 }  // namespace vndiscover::host

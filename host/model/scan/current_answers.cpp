@@ -22,7 +22,8 @@ Oid ObjectOf(const Oid& variable) {
 
 namespace {
 
-// What answers to one question have in common. `object`: of a variable, or asked for by a sweep.
+// What answers to one question have in common. The OID is that of a variable, or asked for by a
+// sweep.
 using Question = std::tuple<std::string, SweepKind, AnswerForm, bool, size_t, Oid>;
 // An answer is replaced only by one of the same origin.
 using Origin = std::tuple<std::string, SweepKind, bool>;

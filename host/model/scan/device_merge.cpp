@@ -73,8 +73,8 @@ class Merger {
         }
     }
 
-    // Separates what came from there later, too. If both have the same address, a person has
-    // separated its protocols.
+    // Separates all that came from the two addresses, later answers too. If the addresses are the
+    // same, a person has separated its protocols.
     void Separate(size_t one, size_t other) {
         const std::string &address = scan_.answers[one].address,
                           &otherAddress = scan_.answers[other].address;

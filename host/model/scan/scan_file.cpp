@@ -93,7 +93,7 @@ Place CheckBounds(std::string_view text) {
 }
 
 // Counts the values that begin before `wanted`, in the order of the text. Returns whether it is
-// among the items.
+// among the items or within one.
 bool CountValuesBefore(const cJSON* wanted, const cJSON* from, size_t& count) {
     for (const cJSON* item = from; item; item = item->next) {
         if (item == wanted) return true;

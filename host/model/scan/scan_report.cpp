@@ -51,7 +51,7 @@ AnswerLine LineOf(const ScanSweep& sweep, const ScanAnswer& one) {
 Report ReportOf(const DeviceRow& device, std::optional<std::vector<Gap>> gaps,
                 const LevelLimits& limits) {
     PrinterFacts facts = *device.facts;
-    // As all answers have them. A placeholder, which identifies nothing, is not among them.
+    // From all of the device's answers. A placeholder, which identifies nothing, is not among them.
     for (const auto& [column, fact] : {std::pair(Column::kSerial, &PrinterFacts::serialNumber),
                                        {Column::kMac, &PrinterFacts::macAddress}})
         if (!device.Text(column).empty()) facts.*fact = device.Text(column);

@@ -51,7 +51,7 @@ std::vector<ProtocolLine> ProtocolsOf(const Scan& scan, const std::vector<size_t
                                       const std::vector<Reading>& readings,
                                       const std::vector<size_t>& running);
 
-// The scan's devices without those that did not answer its last search.
+// The scan's devices without those that are silent since (LastSearches::SilentSince) or replaced.
 std::vector<FoundDevice> PresentDevices(const Scan& scan);
 
 struct Standing {
