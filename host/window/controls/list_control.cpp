@@ -320,8 +320,8 @@ void ListControl::DrawEmpty(HDC dc) const {
 }
 
 // Fills the background before the cells are drawn, since Wine leaves a gap between them. Without
-// the focus, the background is hardly another one than that of other rows, in high contrast the
-// same. So a frame is drawn after the cells.
+// the focus, the background hardly differs from that of other rows, and in high contrast not at
+// all. So a frame is drawn after the cells.
 void ListControl::DrawSelection(const NMLVCUSTOMDRAW& draw) const {
     const auto row = static_cast<int>(draw.nmcd.dwItemSpec);
     if (ListView_GetItemState(list_, row, LVIS_SELECTED) == 0) return;

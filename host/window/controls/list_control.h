@@ -31,7 +31,7 @@ struct ListRow {
 std::vector<ListRow> ListRowsOf(const Report& report);
 
 // What a list shows: `rows_`, or what a derived class returns from Count and CellText. CellText is
-// called for visible cells only.
+// called only for a cell that is drawn, copied or searched.
 class ListModel {
   public:
     virtual ~ListModel() = default;

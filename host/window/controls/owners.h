@@ -37,7 +37,7 @@ class WindowDc {
     HDC dc_;
 };
 
-// An object that is selected into a device context until the end of this one.
+// Selects an object into a device context; on destruction, the former one again.
 class SelectedObject {
   public:
     SelectedObject(HDC dc, HGDIOBJ object) : dc_(dc), former_(SelectObject(dc, object)) {}

@@ -25,7 +25,7 @@ int FitField(HWND field);
 // The size that a text needs in the font of a control. `flags`: of DrawText. `width`: at most,
 // unless it is one line.
 SIZE TextSize(HWND control, const std::wstring& text, UINT flags, int width = 0);
-// With its list, if it is a combo box; otherwise 0.
+// The height of a combo box with its open list; 0 for other controls.
 int OpenHeight(HWND control);
 
 struct Box {

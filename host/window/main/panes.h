@@ -47,8 +47,8 @@ class Panes {
                              : split_ < kMaxSplit && details_.width > minWidth_;
     }
     void FocusNextPane() const;
-    void ToggleColumn(Column column);
-    void UseLow();  // for a new percentage below which supplies need attention
+    void ToggleColumn(Column column);  // must not hide the last one that is shown
+    void UseLow();                     // for a new percentage below which supplies need attention
     void ShowRows();
     void ShowDetails();
     void ShowListTitle() const;     // with the number of devices that changed

@@ -95,7 +95,7 @@ void Searches::Finish() {
     isOver_ = false;
     state_.session.EndSearch();
     const bool isScript = isForStart_ && state_.options.exit;
-    // While the window closes, there are no workers, and nothing is reported.
+    // Without workers the window is closing: then it does not matter that nothing was sent.
     state_.isUnsent = !wasSent_ && !state_.progress.WasStopped() && state_.workers;
     // A script's problem is reported when the script ends.
     if (state_.isUnsent && isScript) problem_ = Text(IDS_NOTHING_SENT);

@@ -40,7 +40,7 @@ void WipeAndFree(BYTE* clear) {
 size_t SizeOf(const wchar_t* text) { return (std::wcslen(text) + 1) * sizeof(wchar_t); }
 
 // Reads the text at `at` and moves `at` past it. Returns null if the text is not terminated.
-// `bytes` are aligned; so every text is.
+// `bytes` are aligned, and so is every text.
 const wchar_t* ReadText(const BYTE* bytes, size_t size, size_t& at) {
     const auto* const text = reinterpret_cast<const wchar_t*>(bytes + at);
     const size_t most = (size - at) / sizeof(wchar_t);

@@ -43,7 +43,7 @@ struct AskTarget {
     std::vector<std::string> otherCommunities{};  // to try if it is silent
 
     SweepKind Kind() const { return login.security ? SweepKind::kSnmpV3 : SweepKind::kSnmpV1; }
-    // Asks by SNMPv3, which has no communities to try.
+    // `user`: null for none. Other communities are not tried any more.
     void UseUser(std::shared_ptr<const Security> user) {
         login.security = std::move(user);
         otherCommunities.clear();
@@ -58,7 +58,7 @@ struct AskTarget {
 };
 
 // Each call blocks. At the same time there may be one SNMP sweep, one WS-Discovery sweep, and one
-// call that asks a device.
+// call that asks a device without a reader.
 class Engine {
   public:
     using OnAnswer = std::function<void(const char* address, std::string_view bytes)>;

@@ -37,7 +37,9 @@ class Results {
         std::string time;
         PrinterAnswers answers;
         bool isForList = false;
-        bool isPostponed = false;  // the device is slow; the rest is read after all others
+        // The result does not count: the device is slow or silent and is read again later, or the
+        // reading was stopped.
+        bool isPostponed = false;
         bool isStateOnly = false;  // the second round reads the rest
     };
     virtual void OnRead(Read) {}

@@ -243,8 +243,8 @@ std::optional<AskTarget> Session::TargetOf(const std::vector<size_t>& answers) c
                : sweep.kind == SweepKind::kSnmpV1                          ? 2
                                                                            : 1;
     };
-    // Its address or protocol may have changed, so answers of the last search come first. Then IPv4
-    // comes before IPv6, and later answers before earlier ones.
+    // Its address or protocol may have changed, so SNMP answers of the last search come first. Then
+    // comes the rank, then IPv4 before IPv6, and then later answers before earlier ones.
     const auto order = [&](size_t index) {
         const ScanAnswer& answer = scan_.answers[index];
         const bool isOfNow = rank(index) >= 2 && HasAnsweredSearch({index});

@@ -36,7 +36,7 @@ class Session {
     void EndSearch();
     void BeginReading(const std::string& address);
     void AddReading(Results::Read read);
-    void EndReadings();  // for readings that were dropped
+    void EndReadings();  // if none is in progress: forgets dropped ones
     void SetAdapters(const AdapterList& adapters);
     // See LevelLimits.
     void SetLimits(const LevelLimits& limits);
@@ -67,8 +67,8 @@ class Session {
     AskTarget TargetAt(const std::string& address) const;  // for one of which nothing is known
     // The devices to read for the list: they have answered the last search or were added by hand.
     std::vector<AskTarget> TargetsToRead() const;
-    // If nobody has answered the last search by SNMPv3: a device that may say whether it refuses
-    // the user. It has answered otherwise or before, or was added by hand.
+    // If the last search was by SNMPv3 too, and nobody has answered that: a device that may say
+    // whether it refuses the user. It has answered otherwise or before, or was added by hand.
     std::optional<AskTarget> WhomToAskForARefusal() const;
     bool HasAnsweredSearch(const std::vector<size_t>& answers) const;  // the last one
     // Whether this address has answered or was added since SetScan: a file may name any address.

@@ -44,7 +44,8 @@ class Workers {
     void StopWalk();
     // Finds out why a device does not answer, before all waiting devices.
     void Diagnose(const AskTarget& target);
-    // About this computer; these send nothing. They run at once, or next after a running job.
+    // About this computer; these send nothing. They run on an idle worker, or next on the directed
+    // one: between two requests of a job that is not urgent.
     void ReadAdapters();
     void MakeReport();
     // Finds the addresses of names. May take long if a name server does not answer.
@@ -66,7 +67,9 @@ class Workers {
     enum class Order { kUrgent, kWalk, kLater };
     struct Job {
         Order order = Order::kLater;
-        std::string key;  // a new job replaces a waiting one with the same key; empty: none
+        // Of one waiting job only: an urgent new one replaces it, any other is dropped. Empty:
+        // none.
+        std::string key;
         std::function<void(const Stops& before)> run;
         std::function<void(const std::string& problem)> fail;  // called if `run` throws
         std::function<void()> drop{};  // called if the job will not begin; may be empty

@@ -55,8 +55,6 @@ TEST(SpacedWords, AreThoseOfTheObjects) {
     EXPECT_EQ("electrophotographic LED", SpacedWords("electrophotographicLED"));
 }
 
-TEST(Padded, CountsCharactersNotBytes) { EXPECT_EQ("B\xC3\xBCro  ", Padded("B\xC3\xBCro", 6)); }
-
 using Octets = std::string;
 
 TEST(OidOctets, ConvertBothWays) {

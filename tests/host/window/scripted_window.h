@@ -48,14 +48,14 @@ class ScriptedEngine : public Engine {
         lastStep = step;
         Fail();
         std::unique_lock<std::mutex> lock(mutex_);
-        isInSweep_ = isInSweep = true;
+        isInSweep = true;
         while (true) {
             changed_.wait(lock, [&] { return isOver_ || !answers_.empty(); });
             for (const auto& [address, value] : std::exchange(answers_, {}))
                 onAnswer(address.c_str(), value);
             if (isOver_) break;
         }
-        isInSweep_ = isOver_ = false;
+        isInSweep = isOver_ = false;
         Call call;
         call.name = "DiscoverDevicesByOID";
         call.arguments = {{"oid", ".1.3." + std::to_string(sweeps)}};
@@ -66,7 +66,7 @@ class ScriptedEngine : public Engine {
     void StopSweeps() override {
         if (onStop) onStop();
         const std::lock_guard<std::mutex> lock(mutex_);
-        isOver_ = isInSweep_;
+        isOver_ = isInSweep;
         ++stops;
         changed_.notify_all();
     }
@@ -160,7 +160,7 @@ class ScriptedEngine : public Engine {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::vector<std::pair<std::string, std::string>> answers_;
-    bool isInSweep_ = false, isOver_ = false;
+    bool isOver_ = false;
 };
 
 using testing::HasSubstr;
@@ -245,12 +245,10 @@ inline std::wstring QuestionOf(HWND box) {
 
 // The text on the clipboard, which is then empty.
 inline std::wstring Copied() {
-    std::wstring text;
-    if (!OpenClipboard(nullptr)) return text;
-    if (const HANDLE data = GetClipboardData(CF_UNICODETEXT))
-        text = static_cast<const wchar_t*>(GlobalLock(data));
+    const OpenedClipboard opened(OpenClipboard(nullptr) != FALSE);
+    const HANDLE data = opened ? GetClipboardData(CF_UNICODETEXT) : nullptr;
+    const std::wstring text = data ? static_cast<const wchar_t*>(GlobalLock(data)) : L"";
     EmptyClipboard();
-    CloseClipboard();
     return text;
 }
 
@@ -313,18 +311,14 @@ inline std::wstring NameOf(HWND control) {
     const HWND label = GetWindow(control, GW_HWNDPREV);
     if (TypeOf(control) == L"Edit" || TypeOf(control) == L"ComboBox")
         return label && TypeOf(label) == L"Static" ? NameOf(label) : L"";
-    IAccessible* object = nullptr;
-    BSTR name = nullptr;
+    OwnedObject<IAccessible> object;
+    Owned<ClosedBy<BSTR, SysFreeString>> name;
     VARIANT self = {};
     self.vt = VT_I4;
-    if (AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
-                                   reinterpret_cast<void**>(&object)) != S_OK)
-        return L"";
-    object->get_accName(self, &name);
-    object->Release();
-    std::wstring text(name ? name : L"");
-    SysFreeString(name);
-    return text;
+    AccessibleObjectFromWindow(control, DWORD(OBJID_CLIENT), __uuidof(IAccessible),
+                               Receive(object));
+    if (object) object.Get()->get_accName(self, name.Receive());
+    return name ? name.Get() : L"";
 }
 
 // Through the list, of which a screen reader's rows are made. Wine gives an IAccessible of a list

@@ -58,14 +58,6 @@ TEST_F(WalkTest, SaysWhyItEndedEarly) {
     EXPECT_EQ(3u, end.variables);
     EXPECT_EQ(20000u, end.at.back());
 
-    asker.mayGoOn = nullptr;
-    asker.getNext = [](const Oid&) {
-        return AnsweredWith({1, 3, 6, 1, 2, 1, 1, 1}, kInteger, "\1");
-    };
-    end = Walk(asker, kSystem);
-    EXPECT_EQ(WalkStep::kNotIncreasing, end.step);
-    EXPECT_EQ(1u, end.variables);
-
     device_.requests = 0;
     end = WalkSubtree(device_.MakeAsker(), kSystem, [](const Answer&) { return false; });
     EXPECT_TRUE(end.isStopped);
