@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <list>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -52,7 +53,7 @@ class Merger {
     }
 
     void MakeContacts() {
-        std::vector<std::unordered_map<std::string, size_t>> known(scan_.sweeps.size());
+        std::vector<std::unordered_map<std::string_view, size_t>> known(scan_.sweeps.size());
         std::vector<std::vector<size_t>> answers;
         contactOf_.reserve(scan_.answers.size());
         for (size_t i = 0; i < scan_.answers.size(); ++i) {
@@ -67,7 +68,7 @@ class Merger {
         contacts_.reserve(answers.size());
         for (auto& indexes : answers) {
             const std::string& address = scan_.answers[indexes.front()].address;
-            contactsAt_[address].push_back(contacts_.size());
+            if (!scan_.splits.empty()) contactsAt_[address].push_back(contacts_.size());
             contacts_.push_back({&Describe(std::move(indexes)), {}, {}});
             if (IsRead(contacts_.back())) readAt_[address].push_back(contacts_.size() - 1);
         }
@@ -151,18 +152,21 @@ class Merger {
     }
 
     std::vector<FoundDevice> Devices(IdentityGroups& groups) {
-        std::vector<std::vector<size_t>> answers(contacts_.size());  // of the groups
+        std::vector<std::vector<size_t>> answers(contacts_.size());  // of groups of several
         for (size_t contact = 0; contact < contacts_.size(); ++contact) {
+            const size_t first = groups.First(contact);
+            if (first == contact) continue;
+            std::vector<size_t>& all = answers[first];
+            if (all.empty()) all = contacts_[first].device->answers;
             const std::vector<size_t>& own = contacts_[contact].device->answers;
-            std::vector<size_t>& all = answers[groups.First(contact)];
             all.insert(all.end(), own.begin(), own.end());
         }
         std::vector<FoundDevice> devices;
         for (size_t first = 0; first < contacts_.size(); ++first) {
-            if (answers[first].empty()) continue;
+            if (groups.First(first) != first) continue;
             const Contact& group = contacts_[first];
             FoundDevice& device = devices.emplace_back(*group.device);
-            if (answers[first].size() != group.device->answers.size()) {
+            if (!answers[first].empty()) {
                 std::sort(answers[first].begin(), answers[first].end());
                 device = Describe(std::move(answers[first]));
                 // All identities of the device count, even if later answers replaced some of them.
@@ -181,15 +185,16 @@ class Merger {
     std::vector<size_t> contactOf_;  // by answer
     std::vector<Contact> contacts_;  // in the order of their first answers
     size_t pairs_ = 0;               // that were separated
-    std::unordered_map<std::string, std::vector<size_t>> contactsAt_;  // by address, ascending
-    std::unordered_map<std::string, std::vector<size_t>> readAt_;      // of these, those read there
+    std::unordered_map<std::string, std::vector<size_t>>
+        contactsAt_;  // by address, ascending; for splits
+    std::unordered_map<std::string, std::vector<size_t>> readAt_;  // of these, those read there
 };
 
 }  // namespace
 
 IdentityGroups::IdentityGroups(const std::vector<const Identity*>& members) {
     members_.reserve(members.size());
-    for (const Identity* one : members) members_.push_back({one, members_.size(), *one});
+    for (const Identity* one : members) members_.push_back({one, members_.size()});
 }
 
 size_t IdentityGroups::First(size_t member) {
@@ -202,7 +207,7 @@ size_t IdentityGroups::First(size_t member) {
 
 void IdentityGroups::Unite(const MayUnite& mayUnite, const OnUnited& onUnited) {
     for (const MergeKey key : kMergeKeys) {
-        std::unordered_map<std::string, std::vector<size_t>> claims;  // members by value
+        std::unordered_map<std::string_view, std::vector<size_t>> claims;  // members by value
         for (size_t member = 0; member < members_.size(); ++member) {
             for (const std::string& value : members_[member].own->Of(key)) {
                 std::vector<size_t>& others = claims[value];
@@ -222,13 +227,16 @@ bool IdentityGroups::AreUnited(const Merge& merge, const MayUnite& mayUnite,
                                const OnUnited& onUnited) {
     const auto [first, second] = std::minmax({First(merge.first), First(merge.second)});
     if (first == second) return true;
-    Member &leader = members_[first], &joined = members_[second];
-    if (leader.group.DiffersByStrongerKey(joined.group, merge.key) ||
+    if (IdentityOf(first).DiffersByStrongerKey(IdentityOf(second), merge.key) ||
         !mayUnite(first, second, merge))
         return false;
+    Member &leader = members_[first], &joined = members_[second];
+    for (Member* const one : {&leader, &joined})
+        if (!one->group) one->group = *one->own;
     // The smaller one is added to the larger one: a hostile group may join all others.
-    if (leader.group.Size() < joined.group.Size()) std::swap(leader.group, joined.group);
-    leader.group.Add(std::exchange(joined.group, {}));
+    if (leader.group->Size() < joined.group->Size()) std::swap(leader.group, joined.group);
+    leader.group->Add(*joined.group);
+    joined.group.reset();
     joined.parent = first;
     onUnited(first, second, merge);
     return true;

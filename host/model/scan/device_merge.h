@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <vector>
 
 #include "model/scan/found_device.h"
@@ -23,13 +24,15 @@ class IdentityGroups {
     void Unite(const MayUnite& mayUnite, const OnUnited& onUnited);
     size_t First(size_t member);  // of its group
     // Of all members of the group with this first one.
-    const Identity& IdentityOf(size_t first) const { return members_[first].group; }
+    const Identity& IdentityOf(size_t first) const {
+        return members_[first].group ? *members_[first].group : *members_[first].own;
+    }
 
   private:
     struct Member {
         const Identity* own;
-        size_t parent;   // itself if it is the first of a group
-        Identity group;  // if it is
+        size_t parent;                    // itself if it is the first of a group
+        std::optional<Identity> group{};  // if it is, and is not alone: thousands mostly are
     };
     bool AreUnited(const Merge& merge, const MayUnite& mayUnite, const OnUnited& onUnited);
 

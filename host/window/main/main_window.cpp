@@ -22,6 +22,7 @@ namespace {
 
 constexpr UINT_PTR kFrameTimer = 1, kStatusTimer = 2, kRefreshTimer = 3;
 constexpr UINT kFrameMs = 100, kStatusMs = 250;
+constexpr size_t kMostResults = 1000;  // in a frame: so many new devices take some 30 ms
 
 }  // namespace
 
@@ -303,7 +304,7 @@ void MainWindow::RestartTimer(unsigned minutes) {
 void MainWindow::OnResults() {
     KillTimer(state.window, kFrameTimer);
     ResultHandler handler(*this);
-    state.queue.RunAll(handler);
+    state.queue.RunAll(handler, kMostResults);
     if (state.session.Refresh()) {
         scans.RecordChanges();
         panes.ShowRows();

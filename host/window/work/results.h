@@ -1,6 +1,7 @@
 // What the workers report, and the queue that brings it to the window's thread.
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -74,8 +75,9 @@ class ResultQueue {
     // `onFilled` is called on the posting thread when the queue was empty.
     explicit ResultQueue(std::function<void()> onFilled) : onFilled_(std::move(onFilled)) {}
     void Post(Closure closure);
-    // Runs and removes the closures posted so far. If one throws, those after it remain.
-    void RunAll(Results& results);
+    // Runs and removes the closures posted so far, at most `most`. If one throws, those after it
+    // remain. `onFilled` is called for those that remain.
+    void RunAll(Results& results, size_t most = SIZE_MAX);
     bool IsEmpty() const {
         const std::lock_guard<std::mutex> lock(mutex_);
         return closures_.empty();

@@ -34,10 +34,11 @@ void ResultQueue::Post(Closure closure) {
     if (wasEmpty) onFilled_();
 }
 
-void ResultQueue::RunAll(Results& results) {
+void ResultQueue::RunAll(Results& results, size_t most) {
     std::unique_lock<std::mutex> lock(mutex_);
     std::exception_ptr failure;
-    for (size_t left = closures_.size(); left > 0 && !closures_.empty() && !failure; --left) {
+    size_t left = std::min(closures_.size(), most);
+    for (; left > 0 && !closures_.empty() && !failure; --left) {
         const Closure next = std::move(closures_.front());
         closures_.pop_front();
         lock.unlock();

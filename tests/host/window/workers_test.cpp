@@ -160,6 +160,15 @@ TEST_F(WorkersTest, WalkThatHasNotBegunReportsItsEnd) {
     EXPECT_EQ(0, engine.walks);
 }
 
+TEST(ResultQueues, RunSoManyAndAskForTheRest) {
+    int filled = 0, run = 0;
+    ResultQueue queue([&] { ++filled; });
+    for (int index = 0; index < 3; ++index) queue.Post([&](Results&) { ++run; });
+    Results results;
+    queue.RunAll(results, 2);
+    EXPECT_EQ(std::pair(2, 2), std::pair(run, filled));
+}
+
 class FleetWorkers : public WorkersTest {
   protected:
     FleetWorkers() {
