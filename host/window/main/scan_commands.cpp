@@ -239,6 +239,7 @@ void ScanCommands::SaveTable(const std::string& csv) {
 bool ScanCommands::SaveCsvTo(const std::string& path) {
     const std::vector<Column> columns = list_.Columns();
     std::vector<unsigned> headings;
+    headings.reserve(columns.size());
     for (const Column column : columns)
         headings.push_back(IDS_COLUMN_NAME + static_cast<unsigned>(column));
     const DeviceView& view = state_.session.view;
